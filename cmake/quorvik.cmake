@@ -1,0 +1,53 @@
+# Compile settings shared by every room, and the helpers that declare programs, tests and benches.
+
+add_library(quorvik_options INTERFACE)
+target_include_directories(quorvik_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(quorvik_options INTERFACE
+  -Wall -Wextra -Wshadow -Werror -fno-strict-aliasing
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
+target_compile_definitions(quorvik_options INTERFACE _GNU_SOURCE)
+if(QUORVIK_SANITIZE)
+  target_compile_options(quorvik_options INTERFACE
+    -fsanitize=${QUORVIK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(quorvik_options INTERFACE -fsanitize=${QUORVIK_SANITIZE})
+else()
+  # A shared C++ library costs every start two milliseconds.
+  target_link_options(quorvik_options INTERFACE -static-libstdc++ -static-libgcc)
+endif()
+find_package(Threads REQUIRED)
+
+# quorvik_program(NAME SOURCES... [LIBS ...])
+function(quorvik_program name)
+  cmake_parse_arguments(P "" "" "LIBS" ${ARGN})
+  add_executable(${name} ${P_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE quorvik_options ${P_LIBS})
+endfunction()
+
+# quorvik_test(NAME SOURCES... [LIBS ...] [LABELS ...] [TIMEOUT seconds]): each TEST runs in a
+# process of its own, because a toolkit session is one per process.
+function(quorvik_test name)
+  cmake_parse_arguments(P "" "TIMEOUT" "LIBS;LABELS;ENVIRONMENT" ${ARGN})
+  if(NOT P_TIMEOUT)
+    set(P_TIMEOUT 60)
+  endif()
+  add_executable(${name} ${P_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE quorvik_options ${P_LIBS} GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(${name} TEST_PREFIX "${name}:" DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${P_TIMEOUT} LABELS "${P_LABELS}" ENVIRONMENT "${P_ENVIRONMENT}")
+endfunction()
+
+# quorvik_bench(NAME SOURCES... [LIBS ...])
+function(quorvik_bench name)
+  cmake_parse_arguments(P "" "" "LIBS" ${ARGN})
+  add_executable(bench_${name} ${P_UNPARSED_ARGUMENTS})
+  set_target_properties(bench_${name} PROPERTIES OUTPUT_NAME ${name}
+    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+  target_link_libraries(bench_${name} PRIVATE quorvik_options ${P_LIBS})
+endfunction()
+
+# A room may be empty while it is being built: a subdirectory is taken when it has a build file.
+function(quorvik_optional_subdirectory dir)
+  if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${dir}/CMakeLists.txt)
+    add_subdirectory(${dir})
+  endif()
+endfunction()
