@@ -1,0 +1,112 @@
+// The seam to the desktop: one table of functions a display. A display is one folder beside this
+// file and one line in the list of displays.cc. docs/new-display.md walks through it.
+//
+// Only platform/display/displays.cc and the rooms of the platform call the table. Device pixels
+// everywhere; `w->native` belongs to the display. Unless a line says "may be null", an entry is
+// required. A function that may fail returns false and has then changed nothing.
+#pragma once
+#include <cstdint>
+
+#include "platform/base.h"
+#include "platform/events/events.h"
+
+namespace platform {
+
+struct Screen {
+  DeviceRect bounds;
+  double scale = 1.0;
+};
+
+// What the display reports, before any translation. Coordinates are device pixels.
+struct RawEvent {
+  enum Type : uint8_t {
+    kNone,
+    kMotion, kPress, kRelease,   // x, y, root_x, root_y, button, tablet, modifiers
+    kScroll,                     // dx, dy: logical pixels, positive is right and down
+    kEnter, kLeave,
+    kKeyDown, kKeyRepeat, kKeyUp,  // keycode, keysym, base_keysym, unicode, modifiers
+    kModifiers,                  // modifiers
+    kConfigure,                  // root_x, root_y: the buffer's corner; width, height: its size
+    kExpose,                     // pixels lost on the screen; the buffer still has them
+    kLost,                       // content lost: it must be drawn again
+    kClose,                      // the user asks for it
+    kFocusIn, kFocusOut,
+    kShown, kHidden,             // mapped or unmapped, iconified
+    kQuit,                       // SIGTERM, the session's end
+    kPreferences,
+    kOpenFile,                   // path: absolute and local, valid until the next call
+    kScreens,                    // the screens or the scale changed
+    kDisplayLost,                // the connection is gone
+  } type = kNone;
+  uint8_t button = 0;            // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
+  uint8_t tablet_type = 0;
+  WindowRef window = nullptr;
+  double time = 0;               // seconds on now()
+  float x = 0, y = 0;            // relative to the buffer's corner
+  float root_x = 0, root_y = 0;
+  float dx = 0, dy = 0;
+  TabletPoint tablet;
+  int width = 0, height = 0;
+  uint32_t modifiers = 0;        // cmdKey ...
+  uint32_t keycode = 0, keysym = 0, base_keysym = 0;
+  uint32_t unicode = 0;          // 0: none
+  const char* path = nullptr;
+};
+
+struct Display {
+  const char* name;
+  // Connects. False, silently, when there is no such display here.
+  bool (*open)(const char* session_name);
+  // Destroys what is left and disconnects.
+  void (*close)();
+  // Up to `max` screens, main first; returns how many there are. At least one.
+  int (*screens)(Screen* out, int max);
+  // Makes the native window, hidden, at DeviceBounds(*w), with title and hints as the record says.
+  bool (*create_window)(WindowRef w);
+  // `native` is null afterwards.
+  void (*destroy_window)(WindowRef w);
+  // Shows or hides; with `w->state` and hints as they are then.
+  void (*map_window)(WindowRef w, bool shown);
+  // Asks for DeviceBounds(*w).
+  void (*move_resize)(WindowRef w);
+  void (*set_title)(WindowRef w);
+  // Class, attributes, size limits, transient parent, state: all that the record says.
+  void (*set_hints)(WindowRef w);
+  // Raises it above the program's others.
+  void (*raise)(WindowRef w);
+  // Asks for the input focus, with the time of the user's last action.
+  void (*activate)(WindowRef w);
+  // Memory for width x height pixels, in place of the old, whose pixels are kept where both overlap.
+  // Sets `*stride` in pixels. Null when the size is refused.
+  uint32_t* (*resize_buffer)(WindowRef w, int width, int height, int* stride);
+  // Shows the rectangles of the buffer. May be asynchronous; flush completes it.
+  void (*present)(WindowRef w, const DeviceRect* rects, int count);
+  // Sends what is batched; `wait` also waits until the display has carried it out.
+  void (*flush)(bool wait);
+  // The cursor over the window; null is the display's arrow. May be null.
+  void (*set_cursor)(WindowRef w, CursorRef cursor);
+  // Native resources of a cursor are gone after this. May be null.
+  void (*destroy_cursor)(CursorRef cursor);
+  // All pointer events go to `w`, with this cursor; a null window ends it. May be null.
+  bool (*grab_pointer)(WindowRef w, CursorRef cursor);
+  // May be null.
+  void (*beep)();
+  // The next report, without waiting. False when there is none. Also called when the file
+  // descriptor shows nothing, since reports may have been read with something else.
+  bool (*next_event)(RawEvent* out);
+  // What to poll for reports; -1 when the display has none.
+  int (*file_descriptor)();
+  // Waits at most `seconds` (negative: for ever) for a report. Null: the core polls the descriptor.
+  void (*wait)(double seconds);
+  // Seconds, monotonic. Null: the system's clock.
+  double (*now)();
+};
+
+// The display in use; null before InitPlatform.
+const Display* CurrentDisplay();
+// The list; a null entry ends it.
+extern const Display* const kDisplays[];
+extern const Display kHeadlessDisplay;
+extern const Display kX11Display;
+
+}  // namespace platform

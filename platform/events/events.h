@@ -1,0 +1,150 @@
+// Events: one queue, handlers on targets, timers.
+//
+// Who calls what, and when:
+//   from the loop       ReceiveNextEvent, SendEventToEventTarget
+//   inside dispatch     handlers; they may post, destroy windows, remove timers and handlers
+//   any time            PostEventToQueue, the timer calls, FindEvents and RemoveEvents
+// Everything runs on the main thread.
+#pragma once
+#include <cstdint>
+#include <functional>
+
+#include "platform/base.h"
+
+namespace platform {
+
+constexpr uint32_t kEventClassMouse = FourCC("mous");
+constexpr uint32_t kEventClassKeyboard = FourCC("keyb");
+constexpr uint32_t kEventClassWindow = FourCC("wind");
+constexpr uint32_t kEventClassApplication = FourCC("appl");
+constexpr uint32_t kEventClassAppleEvent = FourCC("eppc");
+constexpr uint32_t kEventClassCommand = FourCC("cmds");
+constexpr uint32_t kEventClassMenu = FourCC("menu");
+constexpr uint32_t kEventClassControl = FourCC("cntl");
+
+enum : uint32_t {
+  kEventMouseDown = 1, kEventMouseUp = 2, kEventMouseMoved = 5, kEventMouseDragged = 6,
+  kEventMouseWheelMoved = 10,
+  kEventRawKeyDown = 1, kEventRawKeyRepeat = 2, kEventRawKeyUp = 3, kEventRawKeyModifiersChanged = 4,
+  kEventWindowDrawContent = 2, kEventWindowBoundsChanging = 26, kEventWindowBoundsChanged = 27,
+  kEventWindowClickResizeRgn = 33, kEventWindowCursorChange = 40, kEventWindowClose = 72,
+  kEventWindowZoom = 75,
+  kEventAppActivated = 1, kEventAppDeactivated = 2,
+  kEventAppleEvent = 1,
+  kEventCommandProcess = 1,
+  kEventMenuOpening = 4,
+};
+
+// The high-level requests of the desktop (class 'eppc'), in Event::request.
+constexpr uint32_t kAEQuitApplication = FourCC("quit");
+constexpr uint32_t kAEOpenDocuments = FourCC("odoc");
+constexpr uint32_t kHICommandQuit = FourCC("quit");
+constexpr uint32_t kHICommandPreferences = FourCC("pref");
+
+// Modifier bits of Event::modifiers.
+enum : uint32_t {
+  cmdKey = 0x100, shiftKey = 0x200, alphaLock = 0x400, optionKey = 0x800, controlKey = 0x1000,
+  rightShiftKey = 0x2000, rightOptionKey = 0x4000, rightControlKey = 0x8000,
+};
+
+struct TabletPoint {
+  uint16_t buttons = 0;   // bit 0 tip, 1 and 2 the side buttons
+  uint16_t pressure = 0;  // 0..65535
+  int16_t tilt_x = 0, tilt_y = 0;
+};
+constexpr uint32_t kEventTabletPoint = 1;
+
+// One platform event. `cls` and `kind` say which fields are valid; the others are zero.
+struct Event {
+  uint32_t cls = 0, kind = 0;
+  double time = 0;          // seconds on the display's clock
+  WindowRef window = nullptr;  // the native window it happened in; null for application events
+  void* payload = nullptr;  // user events: exactly one owner; the receiver frees it
+  union {
+    struct {  // mouse
+      Point where;           // global
+      uint16_t button;       // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
+      uint16_t tablet_type;  // kEventTabletPoint, else 0
+      TabletPoint tablet;
+      float dx, dy;          // wheel: logical pixels
+    };
+    struct {  // keyboard
+      uint32_t key_code;     // virtual key
+      uint32_t modifiers;
+      uint32_t keysym, base_keysym;
+      uint8_t character;     // Mac Roman
+    };
+    struct {  // window bounds
+      Rect original, current;  // content, global
+      bool programmatic;       // told to move by the program, not by the user or the desktop
+    };
+    struct {  // requests and commands
+      uint32_t request;
+      const char* const* files;  // odoc: absolute local paths, valid during the dispatch
+      int file_count;
+    };
+  };
+  Event() : original{}, current{}, programmatic(false) {}
+};
+
+// --- Handlers ---------------------------------------------------------------------------------
+
+struct HandlerCall;  // reserved for calling the next handler; may be passed on unread
+using EventHandler = OSStatus (*)(HandlerCall* call, Event* event, void* user_data);
+struct EventKind {
+  uint32_t cls, kind;
+};
+struct EventTarget;
+using EventTargetRef = EventTarget*;
+
+// Null for a null window. Lives as long as the window.
+EventTargetRef GetWindowEventTarget(WindowRef w);
+EventTargetRef GetApplicationEventTarget();
+EventTargetRef GetEventDispatcherTarget();
+// Newest first; a null target is ignored.
+void InstallEventHandler(EventTargetRef target, EventHandler handler, const EventKind* kinds,
+                         int count, void* user_data);
+// Runs the handlers of the event's target (its window's, or the application's), then what the
+// platform itself does with it. The window may be destroyed by a handler.
+OSStatus SendEventToEventTarget(Event* event, EventTargetRef target);
+
+// --- Queue ------------------------------------------------------------------------------------
+
+struct EventQueue;
+using EventQueueRef = EventQueue*;
+EventQueueRef GetMainEventQueue();
+constexpr double kEventDurationForever = -1;
+constexpr double kEventDurationNoWait = 0;
+
+// Takes the next event out of the queue. `timeout` in seconds. False when none came in time.
+bool ReceiveNextEvent(double timeout, Event* out);
+// Appends a copy.
+void PostEventToQueue(EventQueueRef queue, const Event& event);
+// The record of every queued user event of class `cls`, oldest first.
+void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit);
+// Drops each queued event for which `drop` is true; `drop` frees what the event owns.
+void RemoveEventsFromQueue(EventQueueRef queue, const std::function<bool(const Event&)>& drop);
+// Drops everything; `dispose` is called for the payload of each user event.
+void FlushEventQueue(EventQueueRef queue, void (*dispose)(void* payload));
+
+// --- Timers -----------------------------------------------------------------------------------
+
+struct EventLoopTimer;
+using EventLoopTimerRef = EventLoopTimer*;
+using EventLoopTimerProc = void (*)(EventLoopTimerRef timer, void* user_data);
+
+// Fires inside ReceiveNextEvent, first after `delay`, then every `interval` seconds (0: once).
+// Missed periods are made up by one call. Removed with RemoveEventLoopTimer; null is ignored there.
+EventLoopTimerRef InstallEventLoopTimer(double delay, double interval, EventLoopTimerProc proc,
+                                        void* user_data);
+void RemoveEventLoopTimer(EventLoopTimerRef timer);
+// Moves the next firing to `delay` seconds from now; the period stays. Null is ignored.
+void SetEventLoopTimerNextFireTime(EventLoopTimerRef timer, double delay);
+
+// Seconds on the display's clock; it can be stepped by hand on the headless display.
+double GetCurrentEventTime();
+// Wall clock in microseconds, as programs see it: derived from the same clock where it is stepped.
+int64_t GetTimeOfDayMicroseconds();
+void AlertSoundPlay();
+
+}  // namespace platform

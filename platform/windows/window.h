@@ -1,0 +1,83 @@
+// The platform's window record: shared by the rooms of the platform, not by its users.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/events/events.h"
+#include "platform/graphics/surface.h"
+#include "platform/windows/windows.h"
+
+namespace platform {
+
+struct InstalledHandler {
+  uint32_t cls, kind;
+  EventHandler handler;
+  void* user_data;
+};
+
+struct EventTarget {
+  std::vector<InstalledHandler> handlers;  // oldest first; run from the end
+};
+
+struct WindowGroup {
+  uint32_t attributes = 0;
+  int window_class = 0;  // non-zero: the standing group of that class
+  WindowGroup* parent = nullptr;
+};
+
+// What the display is asked to make of a window beyond its rectangle.
+enum WindowState : uint32_t {
+  kStateFullScreen = 1,
+  kStateModal = 2,
+  kStateDocked = 4,  // belongs to the first window: transient, borderless, off the task bar
+};
+
+struct Window {
+  // --- What the program asked for; set by platform/windows, read by the display.
+  int window_class = 0;
+  uint32_t attributes = 0;
+  uint32_t state = 0;
+  Rect content;             // global, logical
+  int strip = 0;            // logical height of the menu strip above the content
+  bool visible = false;
+  std::string title;        // UTF-8, without the mark
+  bool modified = false;
+  bool has_limits = false;
+  SizeLimits limits;
+  WindowRef transient_for = nullptr;
+  WindowGroup* group = nullptr;
+  // --- Erasing.
+  int brush = 0;
+  uint32_t ground_color = kNoColor;
+  bool active = true;       // looks active
+  bool focused = false;     // has the display's input focus
+  // --- Pixels: strip and content together.
+  Surface surface;
+  bool needs_draw = false;
+  double draw_since = 0;
+  // --- Events.
+  EventTarget target;
+  CursorRef cursor = nullptr;
+  // --- The display's own. Frame extents as the window manager gives them, logical.
+  void* native = nullptr;
+  Rect frame;               // widths: left, top, right, bottom
+  bool disposed = false;    // freed when the dispatch that destroyed it is over
+};
+
+// All live windows, front first.
+std::vector<WindowRef>& WindowList();
+// The window's rectangle on the screen in device pixels, strip included.
+DeviceRect DeviceBounds(const Window& w);
+// Gives the surface the size of the content, keeps the old pixels, erases what is new.
+void ResizeSurface(WindowRef w);
+// Takes the bounds that the display reports (device pixels, strip included) and tells the handlers.
+void HandleConfigure(Event* event);
+// The display reports focus: activation of windows and of the application follows.
+void HandleFocus(WindowRef w, bool focused);
+// Shows all damage; called when the loop is about to wait and now and then before.
+void PresentWindows();
+// Frees windows that were destroyed inside a dispatch.
+void CollectWindows();
+
+}  // namespace platform

@@ -1,0 +1,116 @@
+// Top-level windows as the desktop shows them: frame, title, class and attributes, size limits,
+// groups, stacking and activation. All rectangles are logical pixels; global ones are the screen's.
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "platform/base.h"
+
+namespace platform {
+
+// Starts the platform on the display named by XW_DISPLAY, else on the first that opens. False, with
+// one line on standard error, when none does. Called once more it does nothing.
+bool InitPlatform(const char* session_name);
+// Closes the display. Windows must be gone or are dropped with it.
+void FinishPlatform();
+
+enum WindowClass : int {
+  kAlertWindowClass = 1, kModalWindowClass = 3, kFloatingWindowClass = 5, kDocumentWindowClass = 6,
+  kToolbarWindowClass = 12, kSimpleWindowClass = 18,
+};
+
+enum WindowAttributes : uint32_t {
+  kWindowCloseBoxAttribute = 1, kWindowFullZoomAttribute = 6, kWindowCollapseBoxAttribute = 8,
+  kWindowResizableAttribute = 16, kWindowNoShadowAttribute = 0x200000,
+  kWindowStandardHandlerAttribute = 0x2000000, kWindowInWindowMenuAttribute = 0x8000000,
+  kWindowNoConstrainAttribute = 0x80000000u,
+};
+
+enum WindowPart : int { inDesk = 0, inMenuBar = 1, inContent = 3, inDrag = 4, inGrow = 5 };
+enum WindowRegionCode : int { kWindowGrowRgn = 6, kWindowStructureRgn = 32, kWindowContentRgn = 33 };
+
+// Null when the display refuses. Created hidden. The first window of the process carries the menu
+// strip above its content.
+WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content);
+// Null and stale handles are ignored. Queued events of the window are dropped.
+void DisposeWindow(WindowRef w);
+// The one test of a handle: true for a window that is alive.
+bool IsValidWindow(WindowRef w);
+
+void ShowWindow(WindowRef w);
+void HideWindow(WindowRef w);
+bool IsWindowVisible(WindowRef w);
+// Raises it and asks for the input focus.
+void SelectWindow(WindowRef w);
+// Asks for (or gives up) the look of the active window; the stacking stays.
+void ActivateWindow(WindowRef w, bool activate);
+bool IsWindowActive(WindowRef w);
+bool IsApplicationActive();
+void SetFrontProcess();
+
+// Title in UTF-8, copied. The modified mark shows before it.
+void SetWindowTitle(WindowRef w, const char* utf8);
+void SetWindowModified(WindowRef w, bool modified);
+void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
+// Content size limits and steps in logical pixels; step 0 means any size.
+struct SizeLimits {
+  int min_width = 0, min_height = 0, max_width = 0, max_height = 0, step_x = 0, step_y = 0;
+};
+void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);
+
+// Content rectangle, global; kWindowStructureRgn adds frame and strip; the grow region is empty.
+Rect GetWindowBounds(WindowRef w, int region);
+// Content rectangle only. Handlers see kEventWindowBoundsChanged with `programmatic` at once.
+void SetWindowBounds(WindowRef w, const Rect& content);
+// The structure rectangle moved (never resized) so that it lies on the screen.
+Rect ConstrainWindowToScreen(WindowRef w);
+void MoveWindowStructure(WindowRef w, int left, int top);
+// What lies at a global point, and in which window (null outside all).
+int FindWindow(Point where, WindowRef* w);
+
+// Erasing takes the brush, else the colour (0xRRGGBB), else white. kNoColor: none.
+constexpr uint32_t kNoColor = 0xFFFFFFFFu;
+void SetThemeWindowBackground(WindowRef w, int brush, bool redraw);
+void SetWindowBackgroundColor(WindowRef w, uint32_t rgb);
+// The colour that erasing uses now.
+uint32_t WindowGround(WindowRef w);
+// Paints a content rectangle with the ground.
+void EraseRect(WindowRef w, const Rect& r);
+// Marks the window's content as lost: one draw event in the next turn of the loop. `erase` paints
+// the ground there first.
+void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
+
+// --- Groups -----------------------------------------------------------------------------------
+
+struct WindowGroup;
+using WindowGroupRef = WindowGroup*;
+enum : uint32_t {
+  kWindowGroupAttrMoveTogether = 2, kWindowGroupAttrLayerTogether = 4,
+  kWindowGroupAttrSharedActivation = 8, kWindowGroupAttrHideOnCollapse = 16,
+};
+// Lives for the process.
+WindowGroupRef CreateWindowGroup(uint32_t attributes);
+WindowGroupRef GetWindowGroupOfClass(int window_class);
+void SetWindowGroupParent(WindowGroupRef group, WindowGroupRef parent);
+// Null arguments are ignored.
+void SetWindowGroup(WindowRef w, WindowGroupRef group);
+void SetWindowActivationScope(WindowRef w, int scope);
+
+// --- Keyboard focus and the screen --------------------------------------------------------------
+
+void SetUserFocusWindow(WindowRef w);
+void ClearKeyboardFocus(WindowRef w);
+// Height of the strip at the top of the first window's frame: 24.
+int GetMBarHeight();
+enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
+void SetSystemUIMode(int mode, uint32_t options);
+// Main screen, logical pixels.
+int ScreenWidth();
+int ScreenHeight();
+
+// --- Pixels -------------------------------------------------------------------------------------
+
+// Sends what was drawn to the screen now (null: every window) and waits until the display has it.
+void FlushWindow(WindowRef w);
+
+}  // namespace platform
