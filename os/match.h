@@ -1,0 +1,16 @@
+// Lists of wildcard patterns, split for the two listing calls.
+#ifndef QUORVIK_OS_MATCH_H
+#define QUORVIK_OS_MATCH_H
+
+#include <string>
+#include <vector>
+
+namespace os {
+
+// The single patterns of a list such as "*.txt,*.log", doubled in upper case where it contains
+// "*.". Null stands for "*". At most 60 patterns and 1023 bytes; what lies past them is left out.
+std::vector<std::string> SplitPatterns(const char* patterns);
+
+}  // namespace os
+
+#endif

@@ -1,0 +1,92 @@
+#include "printserver/resolve.h"
+
+#include <arpa/inet.h>
+#include <errno.h>
+#include <netdb.h>
+#include <pthread.h>
+#include <string.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace nc {
+
+namespace {
+
+constexpr size_t kMostScratch = 1 << 20;
+
+bool LookUp(const char* host, in_addr* address) {
+  for (std::vector<char> scratch(1024); scratch.size() <= kMostScratch;
+       scratch.resize(scratch.size() * 4)) {
+    hostent storage;
+    hostent* entry = nullptr;
+    int error = 0;
+    const int result =
+        gethostbyname_r(host, &storage, scratch.data(), scratch.size(), &entry, &error);
+    if (result == ERANGE) continue;
+    if (result != 0 || !entry || entry->h_addrtype != AF_INET || !entry->h_addr_list[0]) break;
+    memcpy(address, entry->h_addr_list[0], sizeof *address);
+    return true;
+  }
+  return false;
+}
+
+// One look-up on a thread of its own; both sides hold it, so that the one who waits may leave.
+struct Search {
+  std::string host;
+  std::mutex lock;
+  std::condition_variable ended;
+  bool done = false;
+  bool found = false;
+  in_addr address = {};
+};
+
+void* RunSearch(void* argument) {
+  const std::unique_ptr<std::shared_ptr<Search>> mine(
+      static_cast<std::shared_ptr<Search>*>(argument));
+  Search& search = **mine;
+  in_addr address = {};
+  const bool found = LookUp(search.host.c_str(), &address);
+  const std::lock_guard<std::mutex> guard(search.lock);
+  search.found = found;
+  search.address = address;
+  search.done = true;
+  search.ended.notify_one();
+  return nullptr;
+}
+
+bool StartSearch(const std::shared_ptr<Search>& search) {
+  auto* theirs = new std::shared_ptr<Search>(search);
+  pthread_t thread;
+  if (pthread_create(&thread, nullptr, RunSearch, theirs) != 0) {
+    delete theirs;
+    return false;
+  }
+  pthread_detach(thread);
+  return true;
+}
+
+}  // namespace
+
+bool Resolve(const char* host, in_addr* address, Deadline deadline) {
+  if (!host || !host[0]) host = "localhost";
+  if (inet_pton(AF_INET, host, address) == 1) return true;
+  if (deadline.none()) return LookUp(host, address);
+  const auto search = std::make_shared<Search>();
+  search->host = host;
+  if (!StartSearch(search)) return false;
+  std::unique_lock<std::mutex> guard(search->lock);
+  const auto limit = std::chrono::milliseconds(deadline.Left());
+  if (!search->ended.wait_for(guard, limit, [&search] { return search->done; })) {
+    errno = ETIMEDOUT;
+    return false;
+  }
+  *address = search->address;
+  return search->found;
+}
+
+}  // namespace nc
