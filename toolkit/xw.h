@@ -1,0 +1,409 @@
+/* Xw: a small windowing toolkit.
+ *
+ * A program opens a session, creates windows, and receives everything that happens as one kind of
+ * record, the XwEvent. It selects a window and draws into it with whole coordinates.
+ *
+ *     #include "toolkit/xw.h"
+ *
+ *     static int Main(int type) {
+ *       if (type == XWE_EXPOSE) XwDrawText(XWF_BOLD, 0, 0, 0, XW->width, XW->height, "Hello", 0, -1);
+ *       if (type == XWE_CLOSE) exit(0);
+ *       return 0;
+ *     }
+ *     int main(void) {
+ *       XwSession("hello", "Hello", 7);
+ *       XwWindow* w = XwCreate(0, 100, 100, 320, 200, Main);
+ *       XwShow(w, 1);
+ *       XwRunEventLoop();
+ *     }
+ *
+ * This header is the manual. It compiles as C11 and as C++20. What holds everywhere:
+ *
+ *   Units      Coordinates and sizes are logical pixels, origin top-left, y down. A top-level
+ *              window's own position is that of its content on the screen; everything inside is
+ *              relative to its parent. Stores into 16-bit fields saturate.
+ *   Text       One byte a character, Mac Roman, zero-terminated. Longer than a fixed buffer: cut.
+ *   Null       A null window, font or string is ignored (or means the default, where said).
+ *   Failure    Shows in the result: null, 0 or -1. Nothing throws, nothing prints.
+ *   Threads    Everything runs on the main thread. Worker threads hand their results over through
+ *              memory of the program's own and a timer that picks them up.
+ *   Memory     Windows belong to the tree and are freed by XwDestroy; no pointer to a destroyed
+ *              window stays anywhere in the toolkit. Strings that are returned live in static
+ *              buffers: the next call of the same function overwrites them.
+ */
+#ifndef XW_H
+#define XW_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* A number that can also carry a pointer. */
+typedef intptr_t XwValue;
+
+typedef struct XwWindow XwWindow;
+typedef struct XwEvent XwEvent;
+typedef struct XwFont XwFont;
+typedef struct XwIcon XwIcon;
+typedef struct XwBoxes XwBoxes;
+/* The platform's objects; opaque here. */
+typedef struct XwContext XwContext;
+typedef struct XwRegion XwRegion;
+typedef struct XwCursor XwCursor;
+
+/* Called with the type of the event; the rest is in Inp. Returns 0 when it consumed the event (768
+ * and 769 count as consumed too); any other type makes the waiting call return that type to its
+ * caller. A handler may destroy any window, its own included. */
+typedef int (*XwHandler)(int type);
+
+/* ==== Session ===================================================================================
+ *
+ * One session a process, opened before any other call here. It starts the display (the environment
+ * variable XW_DISPLAY chooses x11 or headless; unset, the first that opens), loads the standard
+ * fonts and makes the root of the window tree. When no display can be opened it says so in one line
+ * on standard error and ends the process with status 1. */
+
+/* `name` is the short name (menu strip, window class), `title` the first window's title; both
+ * pointers are kept, not copied. Bit value 4 of `flags`: the program has no Preferences command; no
+ * other bit is read. The working directory becomes the user's home. */
+void XwSession(const char* name, const char* title, uint8_t flags);
+/* Removes the timers and drops what is queued. Only the process's end follows. */
+void XwEndSession(void);
+
+extern const char* SessionName;
+extern const char* SessionTitle;
+extern int32_t OSversion; /* 0x0300 */
+/* Main screen, logical pixels; and points per millimetre (72 / 25.4, whatever the screen). */
+extern int32_t XW_SCREENX, XW_SCREENY;
+extern double XW_SCREENRES;
+/* Selection colours, as colour values (see Drawing). */
+extern int32_t CL_HILIGHT, CL_HILIGHTTEXT;
+/* Opaque, never null after XwSession. */
+extern void* MainQueue;
+extern void* MainTarget;
+extern void* XW_ColorSpace;
+extern void* TextMeasContext;
+extern void* Pserial;
+extern void* XW_DockedWindowsGroup;
+extern float TextCTM[6]; /* the identity */
+
+/* Length-prefixed to zero-terminated and back, each in a static buffer of its own that the next
+ * call overwrites. P2CSTR cuts at 254 characters, C2PSTR at 255. Null gives the empty string. */
+char* P2CSTR(const unsigned char* pascal);
+unsigned char* C2PSTR(const char* text);
+
+/* ==== Events ====================================================================================
+ *
+ * There is one current event, Inp. A waiting call fills it and calls the handler of the window that
+ * the event is addressed to; the handler reads from Inp what it needs. Input arrives in Inp as it
+ * is translated; what the toolkit or the program sends (timers, redraw requests, XwSendEvent) is a
+ * copy of a whole record that waits in the queue, so receiving one restores the sender's other
+ * fields as well.
+ *
+ * Types. The number of a printable key is its character. */
+enum {
+  XWE_NONE = 0,
+  /* 32..126: a printable key. */
+  XWE_F1 = 256, /* to XWE_F1 + 11, F12 */
+  XWE_BACKSPACE = 512, XWE_TAB = 513, XWE_RETURN = 514, XWE_ESCAPE = 515, XWE_F13 = 517,
+  XWE_HELP = 520, XWE_DELETE = 521, XWE_HOME = 522, XWE_END = 523, XWE_PAGE_UP = 524,
+  XWE_PAGE_DOWN = 525, XWE_UP = 526, XWE_LEFT = 527, XWE_DOWN = 528, XWE_RIGHT = 529,
+  XWE_CONFIGURE = 768,    /* moved or resized */
+  XWE_EXPOSE = 769,       /* draw the content; it has been cleared, and the window is selected */
+  XWE_MOTION = 770,       /* the pointer moved */
+  XWE_PRESS = 771,        /* primary button; 772 secondary, 773 tertiary, 774 and 775 side buttons */
+  XWE_RELEASE = 776,
+  XWE_MODIFIERS = 777,    /* Inp.state has the new modifier bits */
+  XWE_CLOSE = 778,        /* the user asks for it; the window stays */
+  XWE_TIMER = 779,
+  XWE_CONTROL = 783, XWE_EDIT_SELECT = 788, XWE_EDIT_CHANGED = 789, XWE_EDIT_DONE = 790,
+  XWE_SCROLLED = 791, XWE_SCROLLING = 792,
+  XWE_MENU_OPENING = 793, XWE_MENU = 794, XWE_TOOLBAR = 795,
+  XWE_QUIT = 796, XWE_PREFERENCES = 797, XWE_OPEN = 798, /* to the first window */
+  XWE_KEY_UP = 800
+};
+
+/* Bits of XwEvent.state. */
+enum {
+  XWS_BUTTONS = 0x1F, /* bit 0 the primary button ... bit 4 */
+  XWS_CONTROL = 0x20, XWS_SHIFT = 0x40, XWS_OPTION = 0x80, XWS_CAPS = 0x200, XWS_COMMAND = 0x800
+};
+
+struct XwEvent {
+  XwWindow* window;  /* all: the window addressed */
+  XwWindow* focus;   /* where keys go: set by XwSetFocus and by every pointer event */
+  uint32_t time;     /* keys, press, release: milliseconds */
+  int32_t type;
+  XwValue value;     /* 779: the timer's value. 798: the path, a char*. 800: the key released */
+  int32_t item;      /* pointer and keys: position of the box under the pointer (XwBoxList), 0 none.
+                        783: the control's id. 794: the command */
+  int32_t param;     /* XwSendEvent's last argument, else 0 */
+  int32_t spare;     /* the program's own; copied along */
+  int32_t x, y, width, height; /* 768: new bounds. 769: 0, 0 and the size. item != 0: the box */
+  int32_t root_x, root_y;      /* pointer: on the screen */
+  int32_t px, py;              /* pointer: in the window's own coordinates */
+  uint32_t state;              /* XWS_ bits: buttons held and modifiers */
+  int32_t pressure;            /* pointer: pen pressure 0..255, 0 for a mouse */
+  int32_t tilt_x, tilt_y;      /* pointer: pen tilt, signed 16 bits */
+};
+extern XwEvent Inp;
+
+/* Waits and dispatches for ever. The program ends itself, usually on 778 or 796. */
+#ifdef __cplusplus
+[[noreturn]]
+#else
+_Noreturn
+#endif
+void XwRunEventLoop(void);
+/* Waits for an event that the caller must see and returns its type: one whose window has no handler,
+ * or the other code that a handler returned. `modal` null: all windows. A window: events of windows
+ * outside it are returned undispatched, but closing and clicking them only beeps. (XwWindow*)-1:
+ * nothing is dispatched. A release with a button above 5 returns -9874. */
+int XwWaitEvent(XwWindow* modal);
+/* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
+ * `dispatch` 0 leaves toolkit events other than 768 and 769 undelivered: the caller has the type and
+ * Inp. Input is translated but never delivered here. */
+int XwGetEvent(XwWindow* modal, int dispatch);
+/* XwGetEvent until it returns 0. Returns 0. For long computations that stay responsive. */
+int XwPeekEvents(XwWindow* modal, int dispatch);
+/* The next raw event for a loop of the program's own, such as a drag. Timer events for windows with
+ * a handler are dropped meanwhile. */
+int XwGrabEvent(void);
+/* Puts a copy of Inp with these fields replaced at the end of the queue. Dropped when the window is
+ * null or has been destroyed. What `value` points at stays the sender's, and must live until the
+ * event has been handled. */
+void XwSendEvent(XwWindow* window, int type, int item, XwValue value, int param);
+/* Delivers at once: sets Inp and calls the handler, whose result goes to Inp.type and is returned.
+ * A window without a handler gets the event through the queue. */
+int DirectSendEvent(XwWindow* window, int type, int item, XwValue value);
+/* True when the current event is the second click of a double click: at most 219 ms after
+ * *last_time, on the same item as the click before. The caller keeps *last_time. */
+int XwDoubleClick(uint32_t* last_time);
+/* True when the pointer (Inp.px, Inp.py) lies inside the rectangle, its border excluded. */
+int XwCheckPointer(int x, int y, int w, int h);
+/* 0 up, 1 down, 2 repeating; `key` is a key's type. 0 outside 0..531. */
+uint8_t XwGetKeyState(int key);
+void XwBeep(void);
+
+/* ==== Timers ====================================================================================
+ *
+ * A timer is a pair of window and value, 32 in all. It sends 779 with that value. */
+
+/* value 0: stops all of the window's timers. ms 0: stops this one. Else starts it, every `ms`
+ * milliseconds, or moves the next firing of a running one (whose period stays as it was). Stopping
+ * drops what timers have queued. A 33rd timer, and a null window, are refused. */
+void XwTimer(XwWindow* w, int32_t value, int32_t ms);
+
+/* ==== Pointer grabs and cursors =================================================================
+ *
+ * While a button is held, the window that it was pressed in gets all pointer events (a passive
+ * grab, which the toolkit makes and ends). An active grab is the program's and lasts until
+ * XwUngrabPointer. */
+
+/* `cursor` is an index into XWcursors and is shown everywhere meanwhile; outside 0..21: none. */
+void XwGrabPointer(XwWindow* w, int32_t cursor);
+void XwUngrabPointer(void);
+/* The window of the grab, also of a passive one; null when there is none. */
+XwWindow* XwPointerIsGrabbed(void);
+extern XwWindow* GrabWindow;
+
+/* 0 arrow, 1 invisible, 2 cross-hair, 3 to 5 red arrows (plain, plus, right), 6 rotate, 7 move,
+ * 8 to 15 sizes N S E W NW NE SW SE, 16 hand, 17 zoom in, 18 zoom out, 19 to 21 none. */
+enum { XW_CURSORS = 22 };
+extern XwCursor* XWcursors[XW_CURSORS];
+/* Index 1..20 takes that entry (19 and 20: the pointer stays as it was), anything else the arrow. */
+void XwSetCursor(XwWindow* w, int32_t index);
+
+/* ==== Windows ===================================================================================
+ *
+ * Every top-level window, docked window, sub-window and control is one record in one tree. The
+ * first top-level window is the main window: it gets quit, preferences and open requests, and
+ * carries the session's title and the menu strip.
+ *
+ * The record's fields are for reading. Kind 0 is a top-level or docked window, 12 a sub-window,
+ * other kinds are controls. */
+struct XwWindow {
+  XwWindow* parent;
+  XwWindow* toolbar;
+  XwWindow* linked;
+  void* platform;        /* native window (a sub-window shares its parent's) or control */
+  int16_t brush;         /* theme brush of the ground, 0 none */
+  int32_t color;         /* colour of the ground when brush is 0; -1 none */
+  XwContext* context;    /* made when the window is selected */
+  void* menu;
+  XwRegion* clip_region; /* made with the context */
+  XwCursor* cursor;
+  uint16_t min_width, min_height, max_width, max_height, step_x, step_y;
+  XwHandler handler;
+  int16_t clip_x, clip_y, clip_width, clip_height; /* XwClip; width or height 0: all */
+  int32_t spare1;
+  int16_t origin_x, origin_y; /* sub-windows: place inside the top-level window */
+  int16_t x, y, width, height;
+  XwBoxes* boxes;
+  char* text;
+  int32_t spare2;
+  uint8_t enabled;
+  uint8_t kind;
+  int16_t child_count;   /* slots in use; some may be null */
+  XwWindow** children;
+  XwWindow* next;
+  XwWindow* previous;
+  int32_t id;
+  uint32_t style;
+  int32_t value;
+  void* user_data;       /* from malloc; freed with the window unless XWF_DATA_NOT_OWNED is set */
+  void* button_menu;
+  uint8_t flags;
+  uint8_t flags2;
+  int32_t free_slot;     /* the toolkit's: no null slot of `children` lies before this one */
+};
+enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
+enum { XW_DOCKED = 1 };                                                /* flags2 */
+
+extern XwWindow* W_Root;  /* parent of the top-level windows */
+extern XwWindow* W_Start; /* the first window; never changes */
+extern XwWindow* W_End;   /* the record created last */
+extern XwWindow* W_MenuBar;
+
+/* parent_or_style > 0 is the parent: makes a sub-window, at (x, y) of it, not shown.
+ * Otherwise makes a top-level window, hidden: 0 is the standard one; -256..-1 gives in its low byte
+ * a style index (bits 0-2: 0 alert, 1 document, 2 utility, 3 modal dialog, 4 floating, 5 document,
+ * 6 alert, 7 tool bar) and boxes (8 collapse, 16 zoom, 32 close). Width or height 0: full screen
+ * below the menu strip. A window that would lie partly off the screen is moved. The size is fixed
+ * until XwSetSizes. Null when the display refuses it. */
+XwWindow* XwCreate(XwValue parent_or_style, int x, int y, int width, int height, XwHandler handler);
+/* A borderless window that moves, layers and hides with the first window; (x, y) on the screen. */
+XwWindow* XwCreateDocked(XwWindow* parent, int x, int y, int width, int height, XwHandler handler);
+/* Destroys the window and everything in it: timers, queued events, grabs and focus that name it go
+ * too. The first window's record stays as an empty one, since the program still asks for it. */
+void XwDestroy(XwWindow* window);
+/* The first direct child with this id, or null. */
+XwWindow* XwFind(XwWindow* parent, int32_t id);
+/* 1 when `candidate` lies anywhere below `window`, else 0 (a window is not below itself). */
+int IsSubWindow(XwWindow* window, XwWindow* candidate);
+/* Enters `child` in the first free slot of the parent's list. */
+void AddSubWindow(XwWindow* parent, XwWindow* child);
+
+/* Top-level: on the screen, and 768 is posted. Docked: relative to its parent. Sub-window: relative
+ * to its parent; it, its parent and its siblings are redrawn. */
+void XwMove(XwWindow* window, int x, int y, int width, int height);
+/* Centres it over the bounds of `reference`, keeping the size. */
+void XwCenter(XwWindow* window, XwWindow* reference);
+/* The first window fills the screen below the menu strip, until it is moved. */
+void XwSetFullScreen(void);
+/* Makes the window resizable: content limits (maximum 0: the screen's size) and steps (0: any size;
+ * else sizes that differ from the present one by whole steps). Values saturate at 16 bits. */
+void XwSetSizes(XwWindow* window, int min_width, int min_height, int max_width, int max_height,
+                int step_x, int step_y);
+void XwShow(XwWindow* window, int show);
+void XwEnable(XwWindow* window, int enable);
+/* Keys go to the window (of a control: to its top-level window, and the control gets the caret). */
+void XwSetFocus(XwWindow* window);
+/* Title of a top-level window, Mac Roman. */
+void XwSetText(XwWindow* window, const char* text);
+/* Of a top-level window: 1 puts a mark before the shown title, the document has changes; 0 takes it
+ * away. */
+void XwSetValue(XwWindow* window, XwValue value);
+/* Copies the title of a top-level window (without the mark) to `dst`, 256 bytes, and returns it. */
+char* XwGetText(XwWindow* window, char* dst);
+/* The ground that erasing paints. `colour` not null: that colour value. Else a theme brush by code:
+ * 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
+void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
+
+/* The wheel over the window's own content: dx, dy in logical pixels, positive right and down; the
+ * pointer fields of Inp are set. Null takes it away. */
+typedef void (*XwScrollHandler)(float dx, float dy);
+void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
+
+/* ==== Hit boxes =================================================================================
+ *
+ * A window that draws its own content registers a rectangle for each thing that can be hit, while
+ * it draws. Pointer and key events then carry in Inp.item which box lies under the pointer. */
+
+/* For the selected window. op 3 starts a new list (needed before the first box), op 4 closes it;
+ * any other op adds a box with that id. Later boxes lie over earlier ones; a box with id 0 hides
+ * what lies under it and is never hit. The item of an event is the position in the list, from 1. */
+void XwBoxList(int op, int x, int y, int width, int height);
+
+/* ==== Drawing ===================================================================================
+ *
+ * Everything is drawn into the selected window XW, in its own coordinates, cut to its bounds less
+ * its shown children. Nothing needs to be released; drawing into a hidden sub-window paints nothing.
+ * With no window selected the calls do nothing.
+ *
+ * A colour value is 0x00BBGGRR: red in the low byte. -1 to -10 are no colours: -1 paints nothing,
+ * -2 erases to the window's own ground, the others paint nothing. */
+
+extern XwWindow* XW; /* the selected window, null when none */
+/* Selects (null: none). XwPush saves the selection first, XwPop selects the last one saved; more
+ * than 200 deep is not remembered. */
+void XwSet(XwWindow* window);
+void XwPush(XwWindow* window);
+void XwPop(void);
+/* Cuts drawing into XW to a rectangle; width or height 0: the whole window again. */
+void XwClip(uint16_t x, uint16_t y, uint16_t width, uint16_t height);
+/* After changes of a record made by hand: its clip is made anew when it is next selected. */
+void ResetClipMask(XwWindow* w);
+void XwSetColor(int32_t colour);
+/* `pattern`: zero-terminated lengths in pixels, at most 128; null: solid lines again. */
+void XwSetDashes(const uint8_t* pattern, int offset, int32_t colour1, int32_t colour2);
+/* Does nothing; XwSync shows what was drawn. */
+void XwFlush(void);
+void XwSync(void);
+/* Paints the rectangle with the window's ground; width and height both 0: the whole window. */
+void XwClear(int x, int y, int width, int height);
+
+void XwBox(int x, int y, int w, int h, int32_t colour);
+void XwFillRect(int x, int y, int w, int h);
+void XwDrawRect(int x, int y, int w, int h);
+void XwDrawLine(int x1, int y1, int x2, int y2);
+
+/* ---- Text. A null font is XWF_NORMAL. */
+struct XwFont {
+  uint16_t reserved;
+  char name[82];
+  int32_t style; /* 1 bold, 2 italic, 32 narrow */
+  int32_t size;  /* pixels */
+  int32_t ascent, descent, max_advance;
+  void* platform;
+};
+extern XwFont *XWF_NORMAL, *XWF_BOLD, *XWF_NARROW, *XWF_VIEW;
+extern XwFont *FT_SMALL, *FT_BUTTON, *FT_ALERT;
+XwFont* LoadFont(const char* family, int size, int style);
+int XwTextWidth(XwFont* font, const char* text);
+/* One line. flags: 0x200 right, 0x400 left, else centred; 0x800 underlined. w or h 0: at (x, y). */
+void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
+                int32_t colour, int32_t background);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/* Pointers where a value is wanted; the int overloads keep a literal 0 unambiguous. */
+inline XwWindow* XwCreate(XwWindow* parent, int x, int y, int width, int height,
+                          XwHandler handler) {
+  return XwCreate(reinterpret_cast<XwValue>(parent), x, y, width, height, handler);
+}
+inline XwWindow* XwCreate(int style, int x, int y, int width, int height, XwHandler handler) {
+  return XwCreate(XwValue(style), x, y, width, height, handler);
+}
+inline void XwSendEvent(XwWindow* w, int type, int item, const void* value, int param) {
+  XwSendEvent(w, type, item, reinterpret_cast<XwValue>(value), param);
+}
+inline void XwSendEvent(XwWindow* w, int type, int item, int value, int param) {
+  XwSendEvent(w, type, item, XwValue(value), param);
+}
+inline int DirectSendEvent(XwWindow* w, int type, int item, const void* value) {
+  return DirectSendEvent(w, type, item, reinterpret_cast<XwValue>(value));
+}
+inline int DirectSendEvent(XwWindow* w, int type, int item, int value) {
+  return DirectSendEvent(w, type, item, XwValue(value));
+}
+inline void XwSetValue(XwWindow* w, const void* value) {
+  XwSetValue(w, reinterpret_cast<XwValue>(value));
+}
+inline void XwSetValue(XwWindow* w, int value) { XwSetValue(w, XwValue(value)); }
+#endif
+
+#endif
