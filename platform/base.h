@@ -1,5 +1,7 @@
 // What every room of the platform shares: plain geometry, status codes, the handles' names.
 #pragma once
+#include <stddef.h>
+
 #include <cstdint>
 
 namespace platform {
