@@ -23,68 +23,91 @@ constexpr uint32_t kEventClassMenu = FourCC("menu");
 constexpr uint32_t kEventClassControl = FourCC("cntl");
 
 enum : uint32_t {
-  kEventMouseDown = 1, kEventMouseUp = 2, kEventMouseMoved = 5, kEventMouseDragged = 6,
+  kEventMouseDown = 1,
+  kEventMouseUp = 2,
+  kEventMouseMoved = 5,
+  kEventMouseDragged = 6,
   kEventMouseWheelMoved = 10,
-  kEventRawKeyDown = 1, kEventRawKeyRepeat = 2, kEventRawKeyUp = 3, kEventRawKeyModifiersChanged = 4,
-  kEventWindowDrawContent = 2, kEventWindowBoundsChanging = 26, kEventWindowBoundsChanged = 27,
-  kEventWindowClickResizeRgn = 33, kEventWindowCursorChange = 40, kEventWindowClose = 72,
+  kEventRawKeyDown = 1,
+  kEventRawKeyRepeat = 2,
+  kEventRawKeyUp = 3,
+  kEventRawKeyModifiersChanged = 4,
+  kEventWindowDrawContent = 2,
+  kEventWindowBoundsChanging = 26,
+  kEventWindowBoundsChanged = 27,
+  kEventWindowClickResizeRgn = 33,
+  kEventWindowCursorChange = 40,
+  kEventWindowClose = 72,
   kEventWindowZoom = 75,
-  kEventAppActivated = 1, kEventAppDeactivated = 2,
+  kEventAppActivated = 1,
+  kEventAppDeactivated = 2,
   kEventAppleEvent = 1,
   kEventCommandProcess = 1,
   kEventMenuOpening = 4,
 };
 
-// The high-level requests of the desktop (class 'eppc'), in Event::request.
+// The high-level requests of the desktop (class 'eppc'), in RequestFields::id.
 constexpr uint32_t kAEQuitApplication = FourCC("quit");
 constexpr uint32_t kAEOpenDocuments = FourCC("odoc");
 constexpr uint32_t kHICommandQuit = FourCC("quit");
 constexpr uint32_t kHICommandPreferences = FourCC("pref");
 
-// Modifier bits of Event::modifiers.
+// Modifier bits of KeyFields::modifiers.
 enum : uint32_t {
-  cmdKey = 0x100, shiftKey = 0x200, alphaLock = 0x400, optionKey = 0x800, controlKey = 0x1000,
-  rightShiftKey = 0x2000, rightOptionKey = 0x4000, rightControlKey = 0x8000,
+  cmdKey = 0x100,
+  shiftKey = 0x200,
+  alphaLock = 0x400,
+  optionKey = 0x800,
+  controlKey = 0x1000,
+  rightShiftKey = 0x2000,
+  rightOptionKey = 0x4000,
+  rightControlKey = 0x8000,
 };
 
 struct TabletPoint {
-  uint16_t buttons = 0;   // bit 0 tip, 1 and 2 the side buttons
-  uint16_t pressure = 0;  // 0..65535
-  int16_t tilt_x = 0, tilt_y = 0;
+  uint16_t buttons;   // bit 0 tip, 1 and 2 the side buttons
+  uint16_t pressure;  // 0..65535
+  int16_t tilt_x, tilt_y;
 };
 constexpr uint32_t kEventTabletPoint = 1;
 
-// One platform event. `cls` and `kind` say which fields are valid; the others are zero.
+struct MouseFields {
+  Point where;           // global
+  uint16_t button;       // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
+  uint16_t tablet_type;  // kEventTabletPoint, else 0
+  TabletPoint tablet;
+  float dx, dy;  // wheel: logical pixels
+};
+struct KeyFields {
+  uint32_t key_code;  // virtual key
+  uint32_t modifiers;
+  uint32_t keysym, base_keysym, native_code;
+  uint8_t character;  // Mac Roman; 0 none
+};
+struct BoundsFields {
+  Rect original, current;  // content, global
+  bool programmatic;       // moved by the program, not by the user or the desktop
+};
+struct RequestFields {
+  uint32_t id;               // quit, odoc; a command
+  const char* const* files;  // odoc: absolute local paths, valid during the dispatch
+  int file_count;
+};
+
+// One platform event. `cls` and `kind` say which member of the union is valid.
 struct Event {
   uint32_t cls = 0, kind = 0;
-  double time = 0;          // seconds on the display's clock
+  double time = 0;             // seconds on the display's clock
   WindowRef window = nullptr;  // the native window it happened in; null for application events
-  void* payload = nullptr;  // user events: exactly one owner; the receiver frees it
+  void* payload = nullptr;     // user events: exactly one owner; the receiver frees it
   union {
-    struct {  // mouse
-      Point where;           // global
-      uint16_t button;       // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
-      uint16_t tablet_type;  // kEventTabletPoint, else 0
-      TabletPoint tablet;
-      float dx, dy;          // wheel: logical pixels
-    };
-    struct {  // keyboard
-      uint32_t key_code;     // virtual key
-      uint32_t modifiers;
-      uint32_t keysym, base_keysym;
-      uint8_t character;     // Mac Roman
-    };
-    struct {  // window bounds
-      Rect original, current;  // content, global
-      bool programmatic;       // told to move by the program, not by the user or the desktop
-    };
-    struct {  // requests and commands
-      uint32_t request;
-      const char* const* files;  // odoc: absolute local paths, valid during the dispatch
-      int file_count;
-    };
+    MouseFields mouse;
+    KeyFields key;
+    BoundsFields bounds;
+    RequestFields request;
   };
-  Event() : original{}, current{}, programmatic(false) {}
+  Event() : bounds{} {}
+  Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}
 };
 
 // --- Handlers ---------------------------------------------------------------------------------

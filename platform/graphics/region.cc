@@ -13,7 +13,9 @@ pixman_box32_t Clamp(const Rect& r) {
   return {c(r.left), c(r.top), c(r.right), c(r.bottom)};
 }
 
-bool Empty(const pixman_box32_t& b) { return b.x2 <= b.x1 || b.y2 <= b.y1; }
+bool Empty(const pixman_box32_t& b) {
+  return b.x2 <= b.x1 || b.y2 <= b.y1;
+}
 
 }  // namespace
 
@@ -24,7 +26,9 @@ void Region::Add(const Rect& r) {
                              unsigned(b.y2 - b.y1));
 }
 
-void Region::Subtract(const Rect& r) { Subtract(std::span<const Rect>(&r, 1)); }
+void Region::Subtract(const Rect& r) {
+  Subtract(std::span<const Rect>(&r, 1));
+}
 
 void Region::Subtract(std::span<const Rect> rects) {
   std::vector<pixman_box32_t> list;

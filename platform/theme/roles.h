@@ -8,10 +8,32 @@
 namespace platform {
 
 enum class Role : uint8_t {
-  kDocument, kRow, kDialog, kAlert, kUtility, kToolBar, kSide, kStatus,
-  kInk, kSecondInk, kHairline, kLine, kFace, kPressed, kPressedLine,
-  kAccent, kDarkAccent, kInactiveSelection, kTrack, kProgressLine,
-  kThumb, kHeldThumb, kScrollGround, kGood, kWarning, kBad,
+  kDocument,
+  kRow,
+  kDialog,
+  kAlert,
+  kUtility,
+  kToolBar,
+  kSide,
+  kStatus,
+  kInk,
+  kSecondInk,
+  kHairline,
+  kLine,
+  kFace,
+  kPressed,
+  kPressedLine,
+  kAccent,
+  kDarkAccent,
+  kInactiveSelection,
+  kTrack,
+  kProgressLine,
+  kThumb,
+  kHeldThumb,
+  kScrollGround,
+  kGood,
+  kWarning,
+  kBad,
   kCount
 };
 

@@ -38,10 +38,10 @@ struct Window {
   int window_class = 0;
   uint32_t attributes = 0;
   uint32_t state = 0;
-  Rect content;             // global, logical
-  int strip = 0;            // logical height of the menu strip above the content
+  Rect content;   // global, logical
+  int strip = 0;  // logical height of the menu strip above the content
   bool visible = false;
-  std::string title;        // UTF-8, without the mark
+  std::string title;  // UTF-8, without the mark
   bool modified = false;
   bool has_limits = false;
   SizeLimits limits;
@@ -50,8 +50,8 @@ struct Window {
   // --- Erasing.
   int brush = 0;
   uint32_t ground_color = kNoColor;
-  bool active = true;       // looks active
-  bool focused = false;     // has the display's input focus
+  bool active = true;    // looks active
+  bool focused = false;  // has the display's input focus
   // --- Pixels: strip and content together.
   Surface surface;
   bool needs_draw = false;
@@ -61,8 +61,9 @@ struct Window {
   CursorRef cursor = nullptr;
   // --- The display's own. Frame extents as the window manager gives them, logical.
   void* native = nullptr;
-  Rect frame;               // widths: left, top, right, bottom
-  bool disposed = false;    // freed when the dispatch that destroyed it is over
+  Rect frame;             // widths: left, top, right, bottom
+  Rect refused;           // the last reported bounds that were answered with others
+  bool disposed = false;  // freed when the dispatch that destroyed it is over
 };
 
 // All live windows, front first.
@@ -72,9 +73,19 @@ DeviceRect DeviceBounds(const Window& w);
 // Gives the surface the size of the content, keeps the old pixels, erases what is new.
 void ResizeSurface(WindowRef w);
 // Takes the bounds that the display reports (device pixels, strip included) and tells the handlers.
-void HandleConfigure(Event* event);
+// False when they are known already.
+bool HandleConfigure(Event* event);
 // The display reports focus: activation of windows and of the application follows.
 void HandleFocus(WindowRef w, bool focused);
+// After a batch of reports: focus that has not come back to any window is gone.
+void SettleActivation();
+// The window that carries the menu strip; null when it is gone.
+WindowRef MenuBarWindow();
+void DrawMenuStrip(WindowRef w);
+// Reads the screens anew.
+void ReadScreens();
+// One line on standard error and the end of the process: nothing can be shown any more.
+[[noreturn]] void DisplayLost();
 // Shows all damage; called when the loop is about to wait and now and then before.
 void PresentWindows();
 // Frees windows that were destroyed inside a dispatch.

@@ -15,19 +15,31 @@ bool InitPlatform(const char* session_name);
 void FinishPlatform();
 
 enum WindowClass : int {
-  kAlertWindowClass = 1, kModalWindowClass = 3, kFloatingWindowClass = 5, kDocumentWindowClass = 6,
-  kToolbarWindowClass = 12, kSimpleWindowClass = 18,
+  kAlertWindowClass = 1,
+  kModalWindowClass = 3,
+  kFloatingWindowClass = 5,
+  kDocumentWindowClass = 6,
+  kToolbarWindowClass = 12,
+  kSimpleWindowClass = 18,
 };
 
 enum WindowAttributes : uint32_t {
-  kWindowCloseBoxAttribute = 1, kWindowFullZoomAttribute = 6, kWindowCollapseBoxAttribute = 8,
-  kWindowResizableAttribute = 16, kWindowNoShadowAttribute = 0x200000,
-  kWindowStandardHandlerAttribute = 0x2000000, kWindowInWindowMenuAttribute = 0x8000000,
+  kWindowCloseBoxAttribute = 1,
+  kWindowFullZoomAttribute = 6,
+  kWindowCollapseBoxAttribute = 8,
+  kWindowResizableAttribute = 16,
+  kWindowNoShadowAttribute = 0x200000,
+  kWindowStandardHandlerAttribute = 0x2000000,
+  kWindowInWindowMenuAttribute = 0x8000000,
   kWindowNoConstrainAttribute = 0x80000000u,
 };
 
 enum WindowPart : int { inDesk = 0, inMenuBar = 1, inContent = 3, inDrag = 4, inGrow = 5 };
-enum WindowRegionCode : int { kWindowGrowRgn = 6, kWindowStructureRgn = 32, kWindowContentRgn = 33 };
+enum WindowRegionCode : int {
+  kWindowGrowRgn = 6,
+  kWindowStructureRgn = 32,
+  kWindowContentRgn = 33
+};
 
 // Null when the display refuses. Created hidden. The first window of the process carries the menu
 // strip above its content.
@@ -85,8 +97,10 @@ void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
 struct WindowGroup;
 using WindowGroupRef = WindowGroup*;
 enum : uint32_t {
-  kWindowGroupAttrMoveTogether = 2, kWindowGroupAttrLayerTogether = 4,
-  kWindowGroupAttrSharedActivation = 8, kWindowGroupAttrHideOnCollapse = 16,
+  kWindowGroupAttrMoveTogether = 2,
+  kWindowGroupAttrLayerTogether = 4,
+  kWindowGroupAttrSharedActivation = 8,
+  kWindowGroupAttrHideOnCollapse = 16,
 };
 // Lives for the process.
 WindowGroupRef CreateWindowGroup(uint32_t attributes);

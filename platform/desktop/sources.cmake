@@ -1,0 +1,1 @@
+target_sources(xw PRIVATE ${CMAKE_CURRENT_LIST_DIR}/requests.cc)

@@ -1,0 +1,270 @@
+#include "platform/display/headless/headless.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include <poll.h>
+
+#include "platform/display/headless/state.h"
+#include "platform/events/translate.h"
+
+namespace platform::headless {
+
+State& Headless() {
+  static State* state = new State;
+  return *state;
+}
+
+namespace {
+
+double SystemSeconds() {
+  timespec t;
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+bool Open(const char*) {
+  State& s = Headless();
+  s.open = true;
+  s.screen = {{0, 0, 1280, 1024}, 1.0};
+  if (const char* scale = getenv("XW_SCALE")) {
+    double v = atof(scale);
+    if (v >= 0.5 && v <= 8) s.screen.scale = v;
+  }
+  if (const char* size = getenv("XW_SCREEN")) {
+    int w = 0, h = 0;
+    if (sscanf(size, "%dx%d", &w, &h) == 2 && w > 0 && h > 0 && w <= 16384 && h <= 16384)
+      s.screen.bounds = {0, 0, w, h};
+  }
+  return true;
+}
+
+void CloseDisplay() {
+  State& s = Headless();
+  bool stepped = s.stepped;
+  double now = s.now;
+  s = State();
+  s.stepped = stepped;
+  s.now = now;
+}
+
+int Screens(Screen* out, int max) {
+  if (max > 0) out[0] = Headless().screen;
+  return 1;
+}
+
+bool CreateNative(WindowRef w) {
+  w->native = new NativeWindow;
+  ++Headless().counts.windows;
+  return true;
+}
+
+void DestroyNative(WindowRef w) {
+  State& s = Headless();
+  std::erase(s.stack, w);
+  std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
+  if (s.pressed_in == w) s.pressed_in = nullptr;
+  if (s.grab == w) s.grab = nullptr;
+  if (s.focus == w) {
+    s.focus = nullptr;
+    GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
+  }
+  delete Native(w);
+  w->native = nullptr;
+  --s.counts.windows;
+}
+
+// A window that is shown gets the focus, as from most window managers.
+void Map(WindowRef w, bool shown) {
+  State& s = Headless();
+  Native(w)->mapped = shown;
+  std::erase(s.stack, w);
+  if (shown) {
+    s.stack.insert(s.stack.begin(), w);
+    if (!(w->state & kStateDocked)) GiveFocus(w);
+  } else if (s.focus == w) {
+    GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
+  }
+}
+
+void MoveResize(WindowRef) {}
+void SetTitle(WindowRef) {}
+void SetHints(WindowRef) {}
+
+void Raise(WindowRef w) {
+  State& s = Headless();
+  auto it = std::find(s.stack.begin(), s.stack.end(), w);
+  if (it == s.stack.end()) return;
+  s.stack.erase(it);
+  s.stack.insert(s.stack.begin(), w);
+}
+
+void Activate(WindowRef w) {
+  if (Native(w)->mapped) GiveFocus(w);
+}
+
+uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
+  if (width <= 0 || height <= 0 || int64_t(width) * height > (int64_t{1} << 28)) return nullptr;
+  NativeWindow* n = Native(w);
+  std::vector<uint32_t> pixels(size_t(width) * size_t(height), 0xFF000000u);
+  for (int y = 0; y < std::min(height, n->height); ++y)
+    std::copy_n(n->buffer.begin() + int64_t(y) * n->width, std::min(width, n->width),
+                pixels.begin() + int64_t(y) * width);
+  n->buffer.swap(pixels);
+  n->width = *stride = width;
+  n->height = height;
+  return n->buffer.data();
+}
+
+void Present(WindowRef w, const DeviceRect* rects, int count) {
+  NativeWindow* n = Native(w);
+  if (n->shown_width != n->width || n->shown_height != n->height) {
+    n->shown.assign(n->buffer.size(), 0xFF000000u);
+    n->shown_width = n->width;
+    n->shown_height = n->height;
+  }
+  State& s = Headless();
+  ++s.counts.presents;
+  for (int i = 0; i < count; ++i) {
+    const DeviceRect& r = rects[i];
+    s.counts.presented_pixels += int64_t(r.width()) * r.height();
+    for (int y = r.top; y < r.bottom; ++y)
+      memcpy(&n->shown[size_t(y) * size_t(n->width) + size_t(r.left)],
+             &n->buffer[size_t(y) * size_t(n->width) + size_t(r.left)],
+             size_t(r.width()) * sizeof(uint32_t));
+  }
+}
+
+void Flush(bool) {}
+void SetCursor(WindowRef w, CursorRef cursor) {
+  Native(w)->cursor = cursor;
+}
+
+bool GrabPointer(WindowRef w, CursorRef cursor) {
+  Headless().grab = w;
+  if (w) Native(w)->cursor = cursor;
+  return true;
+}
+
+void Beep() {
+  ++Headless().counts.beeps;
+}
+
+bool NextEvent(RawEvent* out) {
+  State& s = Headless();
+  if (s.raw.empty()) return false;
+  *out = s.raw.front();
+  s.raw.pop_front();
+  if (out->type == RawEvent::kOpenFile && !s.paths.empty()) {
+    s.path = s.paths.front();
+    s.paths.pop_front();
+    out->path = s.path.c_str();
+  }
+  return true;
+}
+
+int FileDescriptor() {
+  return -1;
+}
+
+void Wait(double seconds) {
+  State& s = Headless();
+  if (s.stepped) {
+    if (seconds >= 0) {
+      s.now += seconds;
+      return;
+    }
+    if (s.idle && s.idle()) return;
+    fprintf(stderr, "headless display: nothing left to wait for\n");
+    exit(3);
+  }
+  pollfd fds[4];
+  int n = DesktopDescriptors(fds, 4);
+  timespec t{time_t(seconds), long((seconds - double(time_t(seconds))) * 1e9)};
+  ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
+}
+
+double Now() {
+  return Headless().stepped ? Headless().now : SystemSeconds();
+}
+
+}  // namespace
+
+void GiveFocus(WindowRef w) {
+  State& s = Headless();
+  if (s.focus == w) return;
+  RawEvent raw;
+  raw.time = Now();
+  if (s.focus) {
+    raw.type = RawEvent::kFocusOut;
+    raw.window = s.focus;
+    s.raw.push_back(raw);
+  }
+  s.focus = w;
+  if (!w) return;
+  raw.type = RawEvent::kFocusIn;
+  raw.window = w;
+  s.raw.push_back(raw);
+}
+
+void UseSteppedClock(double start_seconds) {
+  Headless().stepped = true;
+  Headless().now = start_seconds;
+}
+void Step(double seconds) {
+  Headless().now += seconds;
+}
+void SetIdleHandler(bool (*handler)()) {
+  Headless().idle = handler;
+}
+Counters Counts() {
+  return Headless().counts;
+}
+CursorRef ShownCursor(WindowRef w) {
+  return IsValidWindow(w) && w->native ? Native(w)->cursor : nullptr;
+}
+WindowRef PointerGrab() {
+  return Headless().grab;
+}
+std::string ShownTitle(WindowRef w) {
+  if (!IsValidWindow(w)) return {};
+  return w->modified ? "\u2022 " + w->title : w->title;
+}
+
+}  // namespace platform::headless
+
+namespace platform {
+
+using namespace headless;
+
+const Display kHeadlessDisplay = {
+    .name = "headless",
+    .open = Open,
+    .close = CloseDisplay,
+    .screens = Screens,
+    .create_window = CreateNative,
+    .destroy_window = DestroyNative,
+    .map_window = Map,
+    .move_resize = MoveResize,
+    .set_title = SetTitle,
+    .set_hints = SetHints,
+    .raise = Raise,
+    .activate = Activate,
+    .resize_buffer = ResizeBuffer,
+    .present = headless::Present,
+    .flush = Flush,
+    .set_cursor = SetCursor,
+    .destroy_cursor = nullptr,
+    .grab_pointer = GrabPointer,
+    .beep = Beep,
+    .next_event = NextEvent,
+    .file_descriptor = FileDescriptor,
+    .wait = headless::Wait,
+    .now = Now,
+};
+
+}  // namespace platform

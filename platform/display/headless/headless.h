@@ -1,0 +1,75 @@
+// The headless display: windows are memory images, input is injected by these functions, time can
+// be stepped by hand, a snapshot is a PNG. For tests, recordings and machines without a screen.
+//
+// XW_SCALE sets the scale (device pixels per logical pixel, default 1), XW_SCREEN the screen's size
+// as WIDTHxHEIGHT in device pixels (default 1280x1024).
+//
+// Coordinates are logical and global unless said otherwise. What is injected waits, in order, until
+// the loop takes it in. Calls before the display is open are ignored.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/display/display.h"
+
+namespace platform::headless {
+
+// --- Pointer. The window is the front one under the pointer; while a button is held, the one it
+// was pressed in, as on a real display.
+void MovePointer(int x, int y);
+void Press(int button);
+void Release(int button);
+void Click(int x, int y, int button = 1);
+void Scroll(float dx, float dy);
+// A pen sample at the place of the pointer.
+void Pen(const TabletPoint& pen, RawEvent::Type type, int button = 0);
+
+// --- Keyboard; goes to the focused window.
+void KeyDown(uint32_t keysym, uint32_t unicode = 0, bool repeat = false);
+void KeyUp(uint32_t keysym, uint32_t unicode = 0);
+void Modifiers(uint32_t modifiers);
+
+// --- What a desktop does to windows.
+// The user gives the window these content bounds.
+void Configure(WindowRef w, const Rect& content);
+void Close(WindowRef w);
+// Null: another program takes the focus.
+void Focus(WindowRef w);
+void Lose(WindowRef w);
+void OpenFile(const char* path);
+void Preferences();
+void Quit();
+void Inject(const RawEvent& raw);
+
+// --- Time.
+// From now on the clock stands still but for Step, and waits jump to what comes next.
+void UseSteppedClock(double start_seconds);
+void Step(double seconds);
+// Called when a wait on the stepped clock has nothing to wait for; it may inject. When there is no
+// handler, or it returns false, the process ends with a line on standard error and status 3.
+void SetIdleHandler(bool (*handler)());
+
+// --- Looking.
+// The picture as last presented, 0xFFRRGGBB, strip included. Empty when never shown.
+struct Picture {
+  int width = 0, height = 0;
+  std::vector<uint32_t> pixels;
+};
+Picture TakePicture(WindowRef w);
+// False when it cannot be written.
+bool WritePng(const Picture& picture, const std::string& path);
+// Counts since the display was opened.
+struct Counters {
+  int windows = 0;  // native windows alive
+  int beeps = 0, presents = 0;
+  int64_t presented_pixels = 0;
+};
+Counters Counts();
+// What the window's frame says: the shown title, the cursor, whether it is mapped.
+std::string ShownTitle(WindowRef w);
+CursorRef ShownCursor(WindowRef w);
+// The window that holds the active pointer grab, and its cursor.
+WindowRef PointerGrab();
+
+}  // namespace platform::headless

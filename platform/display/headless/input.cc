@@ -1,0 +1,157 @@
+// Injected input: what a pointer, a keyboard and a desktop would report.
+#include <algorithm>
+
+#include "platform/display/headless/state.h"
+
+namespace platform::headless {
+namespace {
+
+void Push(RawEvent raw) {
+  if (Headless().open) Headless().raw.push_back(raw);
+}
+
+RawEvent Report(RawEvent::Type type, WindowRef w) {
+  RawEvent raw;
+  raw.type = type;
+  raw.window = w;
+  raw.time = kHeadlessDisplay.now();
+  raw.modifiers = Headless().modifiers;
+  return raw;
+}
+
+WindowRef UnderPointer() {
+  State& s = Headless();
+  for (WindowRef w : s.stack) {
+    Rect r = w->content;
+    r.top -= w->strip;
+    if (r.contains({s.x, s.y})) return w;
+  }
+  return nullptr;
+}
+
+RawEvent PointerReport(RawEvent::Type type) {
+  State& s = Headless();
+  WindowRef w = s.pressed_in ? s.pressed_in : UnderPointer();
+  RawEvent raw = Report(type, w);
+  if (!w) return raw;
+  double scale = w->surface.scale;
+  raw.root_x = float(DeviceEdge(s.x, scale));
+  raw.root_y = float(DeviceEdge(s.y, scale));
+  raw.x = float(DeviceEdge(s.x - w->content.left, scale));
+  raw.y = float(DeviceEdge(s.y - w->content.top + w->strip, scale));
+  return raw;
+}
+
+void PushPointer(const RawEvent& raw) {
+  if (raw.window) Push(raw);
+}
+
+RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
+  RawEvent raw = Report(type, Headless().focus);
+  raw.keysym = raw.base_keysym = raw.keycode = keysym;
+  raw.unicode = unicode ? unicode : keysym < 0x100 ? keysym : 0;
+  return raw;
+}
+
+}  // namespace
+
+void MovePointer(int x, int y) {
+  State& s = Headless();
+  s.x = x;
+  s.y = y;
+  PushPointer(PointerReport(RawEvent::kMotion));
+}
+
+void Press(int button) {
+  State& s = Headless();
+  RawEvent raw = PointerReport(RawEvent::kPress);
+  raw.button = uint8_t(button);
+  if (!s.buttons) s.pressed_in = raw.window;
+  if (button >= 1 && button <= 31) s.buttons |= 1u << button;
+  PushPointer(raw);
+}
+
+void Release(int button) {
+  State& s = Headless();
+  RawEvent raw = PointerReport(RawEvent::kRelease);
+  raw.button = uint8_t(button);
+  if (button >= 1 && button <= 31) s.buttons &= ~(1u << button);
+  if (!s.buttons) s.pressed_in = nullptr;
+  PushPointer(raw);
+}
+
+void Click(int x, int y, int button) {
+  MovePointer(x, y);
+  Press(button);
+  Release(button);
+}
+
+void Scroll(float dx, float dy) {
+  RawEvent raw = PointerReport(RawEvent::kScroll);
+  raw.dx = dx;
+  raw.dy = dy;
+  PushPointer(raw);
+}
+
+void Pen(const TabletPoint& pen, RawEvent::Type type, int button) {
+  RawEvent raw = PointerReport(type);
+  raw.button = uint8_t(button);
+  raw.tablet_type = kEventTabletPoint;
+  raw.tablet = pen;
+  PushPointer(raw);
+}
+
+void KeyDown(uint32_t keysym, uint32_t unicode, bool repeat) {
+  RawEvent raw = KeyReport(repeat ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode);
+  if (raw.window) Push(raw);
+}
+
+void KeyUp(uint32_t keysym, uint32_t unicode) {
+  RawEvent raw = KeyReport(RawEvent::kKeyUp, keysym, unicode);
+  if (raw.window) Push(raw);
+}
+
+void Modifiers(uint32_t modifiers) {
+  Headless().modifiers = modifiers;
+  RawEvent raw = Report(RawEvent::kModifiers, Headless().focus);
+  if (raw.window) Push(raw);
+}
+
+void Configure(WindowRef w, const Rect& content) {
+  if (!IsValidWindow(w)) return;
+  double scale = w->surface.scale;
+  RawEvent raw = Report(RawEvent::kConfigure, w);
+  raw.root_x = float(DeviceEdge(content.left, scale));
+  raw.root_y = float(DeviceEdge(content.top - w->strip, scale));
+  raw.width = DeviceEdge(content.width(), scale);
+  raw.height = DeviceEdge(content.height() + w->strip, scale);
+  Push(raw);
+}
+
+void Close(WindowRef w) {
+  Push(Report(RawEvent::kClose, w));
+}
+void Focus(WindowRef w) {
+  GiveFocus(w);
+}
+void Lose(WindowRef w) {
+  Push(Report(RawEvent::kLost, w));
+}
+
+void OpenFile(const char* path) {
+  if (!path || !Headless().open) return;
+  Headless().paths.push_back(path);
+  Push(Report(RawEvent::kOpenFile, nullptr));
+}
+
+void Preferences() {
+  Push(Report(RawEvent::kPreferences, nullptr));
+}
+void Quit() {
+  Push(Report(RawEvent::kQuit, nullptr));
+}
+void Inject(const RawEvent& raw) {
+  Push(raw);
+}
+
+}  // namespace platform::headless

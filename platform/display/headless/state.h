@@ -1,0 +1,45 @@
+// What the files of the headless display share.
+#pragma once
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "platform/display/headless/headless.h"
+#include "platform/windows/window.h"
+
+namespace platform::headless {
+
+struct NativeWindow {
+  std::vector<uint32_t> buffer, shown;
+  int width = 0, height = 0;              // of the buffer
+  int shown_width = 0, shown_height = 0;  // of the picture on the "screen"
+  bool mapped = false;
+  CursorRef cursor = nullptr;
+};
+
+struct State {
+  bool open = false;
+  Screen screen;
+  std::deque<RawEvent> raw;
+  std::deque<std::string> paths;  // of open requests, in the order of `raw`
+  std::string path;               // the one handed out last
+  std::vector<WindowRef> stack;   // front first
+  WindowRef focus = nullptr;
+  int x = 0, y = 0;
+  uint32_t buttons = 0, modifiers = 0;
+  WindowRef pressed_in = nullptr;
+  WindowRef grab = nullptr;
+  bool stepped = false;
+  double now = 0;
+  bool (*idle)() = nullptr;
+  Counters counts;
+};
+
+State& Headless();
+inline NativeWindow* Native(WindowRef w) {
+  return static_cast<NativeWindow*>(w->native);
+}
+// Moves the focus and reports it.
+void GiveFocus(WindowRef w);
+
+}  // namespace platform::headless

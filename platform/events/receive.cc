@@ -1,0 +1,134 @@
+// Taking the next event: raw input, timers, redraw requests and the screen are looked after on the
+// way. The clock is read when the queue is empty, else once in a batch of events.
+#include <poll.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+
+#include "platform/display/display.h"
+#include "platform/events/queue.h"
+#include "platform/events/translate.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+constexpr int kBatch = 32;                // events between two looks at the clock
+constexpr double kIntakePeriod = 0.001;   // raw input at most this often while events wait
+constexpr double kPresentPeriod = 0.016;  // the screen at least this often
+constexpr double kDrawPatience = 0.050;   // a redraw request waits at most this long
+
+struct Receiver {
+  int since_clock = 0;
+  double last_intake = -1, last_present = -1;
+};
+Receiver receiver;
+
+double MonotonicSeconds() {
+  timespec t;
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+// The front window that has asked longest comes first; null when none has.
+WindowRef NextToDraw(double asked_before) {
+  WindowRef found = nullptr;
+  for (WindowRef w : WindowList())
+    if (w->needs_draw && w->visible && w->draw_since <= asked_before &&
+        (!found || w->draw_since < found->draw_since))
+      found = w;
+  return found;
+}
+
+bool TakeDrawEvent(double asked_before, Event* out) {
+  WindowRef w = NextToDraw(asked_before);
+  if (!w) return false;
+  w->needs_draw = false;
+  *out = Event(kEventClassWindow, kEventWindowDrawContent, w);
+  out->time = w->draw_since;
+  return true;
+}
+
+void Wait(double seconds) {
+  const Display* d = CurrentDisplay();
+  d->flush(false);
+  if (d->wait) {
+    d->wait(seconds);
+    return;
+  }
+  pollfd fds[4];
+  int n = 0;
+  fds[n++] = {d->file_descriptor(), POLLIN, 0};
+  n += DesktopDescriptors(fds + n, 3);
+  timespec t{time_t(seconds), long((seconds - double(time_t(seconds))) * 1e9)};
+  ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
+}
+
+// One round of upkeep; true when a redraw request has waited long enough to go before the queue.
+bool Upkeep(EventQueue& queue, bool clock_is_free, Event* out) {
+  bool idle = queue.empty();
+  if (!idle && !clock_is_free && ++receiver.since_clock < kBatch) return false;
+  receiver.since_clock = 0;
+  double now = GetCurrentEventTime();
+  if (idle || clock_is_free || now - receiver.last_intake >= kIntakePeriod ||
+      now < receiver.last_intake) {
+    TakeRawEvents();
+    receiver.last_intake = now;
+  }
+  FireTimers(now);
+  if (now - receiver.last_present >= kPresentPeriod) {
+    receiver.last_present = now;
+    PresentWindows();
+  }
+  return TakeDrawEvent(now - kDrawPatience, out);
+}
+
+}  // namespace
+
+double GetCurrentEventTime() {
+  const Display* d = CurrentDisplay();
+  return d && d->now ? d->now() : MonotonicSeconds();
+}
+
+int64_t GetTimeOfDayMicroseconds() {
+  const Display* d = CurrentDisplay();
+  if (d && d->now) return int64_t(d->now() * 1e6 + 0.5);
+  timeval t;
+  gettimeofday(&t, nullptr);
+  return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
+}
+
+void AlertSoundPlay() {
+  const Display* d = CurrentDisplay();
+  if (d && d->beep) d->beep();
+}
+
+bool ReceiveNextEvent(double timeout, Event* out) {
+  EventQueue& queue = MainEventQueue();
+  const Display* d = CurrentDisplay();
+  if (!d) return false;
+  bool clock_is_free = d->now != nullptr;
+  double deadline = timeout > 0 ? GetCurrentEventTime() + timeout : 0;
+  for (;;) {
+    if (Upkeep(queue, clock_is_free, out)) return true;
+    if (!queue.empty()) {
+      queue.Pop(out);
+      return true;
+    }
+    double now = GetCurrentEventTime();
+    if (TakeDrawEvent(now, out)) return true;
+    receiver.last_present = now;
+    PresentWindows();
+    if (timeout == kEventDurationNoWait || (timeout > 0 && now >= deadline)) {
+      d->flush(false);
+      return false;
+    }
+    double wait = NextTimer(now);
+    if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
+    Wait(wait);
+  }
+}
+
+}  // namespace platform

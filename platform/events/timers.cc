@@ -1,0 +1,108 @@
+// Timers of the main loop: a short list, searched only when its earliest deadline has come.
+#include <algorithm>
+#include <vector>
+
+#include "platform/events/queue.h"
+
+namespace platform {
+
+struct EventLoopTimer {
+  double next;
+  double interval;
+  EventLoopTimerProc proc;
+  void* user_data;
+  bool removed;
+};
+
+namespace {
+
+struct TimerList {
+  std::vector<EventLoopTimer*> timers;
+  double earliest = -1;  // negative: none runs
+  int firing = 0;        // removed timers are freed when no call is under way
+};
+
+TimerList& List() {
+  static TimerList* list = new TimerList;
+  return *list;
+}
+
+void UpdateEarliest() {
+  TimerList& l = List();
+  l.earliest = -1;
+  for (EventLoopTimer* t : l.timers)
+    if (!t->removed && t->next >= 0 && (l.earliest < 0 || t->next < l.earliest))
+      l.earliest = t->next;
+}
+
+void Sweep() {
+  TimerList& l = List();
+  if (l.firing) return;
+  std::erase_if(l.timers, [](EventLoopTimer* t) {
+    bool gone = t->removed;
+    if (gone) delete t;
+    return gone;
+  });
+}
+
+void Advance(EventLoopTimer* t, double now) {
+  if (t->interval <= 0) {
+    t->next = -1;
+    return;
+  }
+  // Missed periods are made up by one call; the phase stays.
+  double missed = std::max(0.0, double(int64_t((now - t->next) / t->interval)));
+  t->next += (missed + 1) * t->interval;
+}
+
+}  // namespace
+
+EventLoopTimerRef InstallEventLoopTimer(double delay, double interval, EventLoopTimerProc proc,
+                                        void* user_data) {
+  auto* t = new EventLoopTimer{GetCurrentEventTime() + std::max(0.0, delay), interval, proc,
+                               user_data, false};
+  List().timers.push_back(t);
+  UpdateEarliest();
+  return t;
+}
+
+void RemoveEventLoopTimer(EventLoopTimerRef timer) {
+  TimerList& l = List();
+  if (!timer || std::find(l.timers.begin(), l.timers.end(), timer) == l.timers.end()) return;
+  timer->removed = true;
+  Sweep();
+  UpdateEarliest();
+}
+
+void SetEventLoopTimerNextFireTime(EventLoopTimerRef timer, double delay) {
+  if (!timer) return;
+  timer->next = GetCurrentEventTime() + std::max(0.0, delay);
+  UpdateEarliest();
+}
+
+void FireTimers(double now) {
+  TimerList& l = List();
+  if (l.earliest < 0 || now < l.earliest) return;
+  ++l.firing;
+  // In order of their deadlines, each once; a callback may add and remove timers.
+  std::vector<EventLoopTimer*> due;
+  for (EventLoopTimer* t : l.timers)
+    if (!t->removed && t->next >= 0 && t->next <= now) due.push_back(t);
+  std::stable_sort(due.begin(), due.end(),
+                   [](EventLoopTimer* a, EventLoopTimer* b) { return a->next < b->next; });
+  for (EventLoopTimer* t : due) {
+    if (t->removed || t->next > now) continue;
+    Advance(t, now);
+    t->proc(t, t->user_data);
+  }
+  --l.firing;
+  Sweep();
+  UpdateEarliest();
+}
+
+double NextTimer(double now) {
+  double earliest = List().earliest;
+  return earliest < 0 ? -1 : std::max(0.0, earliest - now);
+}
+
+}  // namespace platform

@@ -1,0 +1,177 @@
+#include "platform/events/translate.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/desktop/requests.h"
+#include "platform/events/queue.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+struct PointerState {
+  uint32_t buttons = 0;  // bit n - 1: button n is held
+};
+PointerState pointer;
+
+// The logical pixel that a device coordinate lies in.
+int LogicalPixel(double device, double scale) {
+  if (scale == 1.0) return int(std::floor(device));
+  int l = int(std::floor(device / scale));
+  if (DeviceEdge(l + 1, scale) <= device) ++l;
+  if (DeviceEdge(l, scale) > device) --l;
+  return l;
+}
+
+Point GlobalPoint(const Window& w, const RawEvent& raw) {
+  return {w.content.left + LogicalPixel(raw.x, w.surface.scale),
+          w.content.top - w.strip + LogicalPixel(raw.y, w.surface.scale)};
+}
+
+Event MouseEvent(const RawEvent& raw, uint32_t kind) {
+  Event e(kEventClassMouse, kind, raw.window);
+  e.time = raw.time;
+  e.mouse = {};
+  e.mouse.where = GlobalPoint(*raw.window, raw);
+  e.mouse.button = raw.button;
+  e.mouse.tablet_type = raw.tablet_type;
+  e.mouse.tablet = raw.tablet;
+  e.mouse.dx = raw.dx;
+  e.mouse.dy = raw.dy;
+  return e;
+}
+
+void Motion(const RawEvent& raw) {
+  EventQueue& q = MainEventQueue();
+  Event e = MouseEvent(raw, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
+  // Neighbouring motions of one window merge; a pen's samples stay, since each has its pressure.
+  if (!q.empty() && !raw.tablet_type) {
+    Event& last = q.back();
+    if (last.cls == e.cls && last.kind == e.kind && last.window == e.window &&
+        !last.mouse.tablet_type) {
+      last = e;
+      return;
+    }
+  }
+  q.Push(e);
+}
+
+void Button(const RawEvent& raw) {
+  bool press = raw.type == RawEvent::kPress;
+  uint32_t bit = raw.button >= 1 && raw.button <= 31 ? 1u << (raw.button - 1) : 0;
+  pointer.buttons = press ? pointer.buttons | bit : pointer.buttons & ~bit;
+  MainEventQueue().Push(MouseEvent(raw, press ? kEventMouseDown : kEventMouseUp));
+}
+
+void Key(const RawEvent& raw, uint32_t kind) {
+  Event e(kEventClassKeyboard, kind, raw.window);
+  e.time = raw.time;
+  MacKey key = LookUpKey(raw.keysym, raw.base_keysym, raw.unicode, raw.modifiers);
+  e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym, raw.keycode, key.character};
+  MainEventQueue().Push(e);
+}
+
+void Configure(const RawEvent& raw) {
+  const Window& w = *raw.window;
+  double scale = w.surface.scale;
+  Event e(kEventClassWindow, kEventWindowBoundsChanged, raw.window);
+  e.time = raw.time;
+  int left = LogicalPixel(raw.root_x, scale), top = LogicalPixel(raw.root_y, scale);
+  // Sizes that round to the granted one leave the logical size as it is.
+  int width = LogicalSize(raw.width, scale), height = LogicalSize(raw.height, scale);
+  DeviceRect known = DeviceBounds(w);
+  if (known.width() == raw.width) width = w.content.width();
+  if (known.height() == raw.height) height = w.content.height() + w.strip;
+  if (known.left == int(raw.root_x)) left = w.content.left;
+  if (known.top == int(raw.root_y)) top = w.content.top - w.strip;
+  e.bounds.current = {left, top + w.strip, left + width, top + height};
+  EventQueue& q = MainEventQueue();
+  if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
+    q.back() = e;
+  else
+    q.Push(e);
+}
+
+void Exposed(const RawEvent& raw) {
+  Surface& s = raw.window->surface;
+  DeviceRect r{int(raw.x), int(raw.y), int(raw.x) + raw.width, int(raw.y) + raw.height};
+  r = Intersect(r, {0, 0, s.width, s.height});
+  s.damage.Mark(r.left, r.top, r.right, r.bottom);
+}
+
+void Request(uint32_t cls, uint32_t kind, uint32_t id, const char* path) {
+  Event e(cls, kind);
+  e.time = GetCurrentEventTime();
+  e.request = {id, nullptr, 0};
+  if (path) e.payload = strdup(path);
+  MainEventQueue().Push(e);
+}
+
+void WindowEvent(const RawEvent& raw) {
+  WindowRef w = raw.window;
+  switch (raw.type) {
+    case RawEvent::kMotion:
+      return Motion(raw);
+    case RawEvent::kPress:
+    case RawEvent::kRelease:
+      return Button(raw);
+    case RawEvent::kScroll:
+      return MainEventQueue().Push(MouseEvent(raw, kEventMouseWheelMoved));
+    case RawEvent::kKeyDown:
+      return Key(raw, kEventRawKeyDown);
+    case RawEvent::kKeyRepeat:
+      return Key(raw, kEventRawKeyRepeat);
+    case RawEvent::kKeyUp:
+      return Key(raw, kEventRawKeyUp);
+    case RawEvent::kModifiers:
+      return Key(raw, kEventRawKeyModifiersChanged);
+    case RawEvent::kConfigure:
+      return Configure(raw);
+    case RawEvent::kExpose:
+      return Exposed(raw);
+    case RawEvent::kLost:
+      return InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+    case RawEvent::kClose:
+      return MainEventQueue().Push(Event(kEventClassWindow, kEventWindowClose, w));
+    case RawEvent::kFocusIn:
+      return HandleFocus(w, true);
+    case RawEvent::kFocusOut:
+      return HandleFocus(w, false);
+    default:
+      return;
+  }
+}
+
+}  // namespace
+
+void TranslateRawEvent(const RawEvent& raw) {
+  switch (raw.type) {
+    case RawEvent::kQuit:
+      return Request(kEventClassAppleEvent, kEventAppleEvent, kAEQuitApplication, nullptr);
+    case RawEvent::kPreferences:
+      return Request(kEventClassCommand, kEventCommandProcess, kHICommandPreferences, nullptr);
+    case RawEvent::kOpenFile:
+      return Request(kEventClassAppleEvent, kEventAppleEvent, kAEOpenDocuments, raw.path);
+    case RawEvent::kScreens:
+      return ReadScreens();
+    case RawEvent::kDisplayLost:
+      return DisplayLost();
+    default:
+      if (IsValidWindow(raw.window)) WindowEvent(raw);
+  }
+}
+
+void TakeRawEvents() {
+  const Display* d = CurrentDisplay();
+  RawEvent raw;
+  while (d->next_event(&raw)) {
+    TranslateRawEvent(raw);
+    raw = RawEvent();
+  }
+  TakeDesktopRequests();
+  SettleActivation();
+}
+
+}  // namespace platform

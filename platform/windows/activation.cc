@@ -1,0 +1,97 @@
+// Which window is active, and whether the application is.
+#include <algorithm>
+
+#include "platform/display/display.h"
+#include "platform/events/queue.h"
+#include "platform/theme/roles.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+struct Activation {
+  WindowRef focused = nullptr;
+  bool known = false;   // the display has said where the focus is
+  bool posted = false;  // what the handlers have been told
+};
+Activation state;
+
+void PostActivation(bool active) {
+  if (state.posted == active) return;
+  state.posted = active;
+  Event e(kEventClassApplication, active ? kEventAppActivated : kEventAppDeactivated);
+  e.time = GetCurrentEventTime();
+  PostEventToQueue(GetMainEventQueue(), e);
+}
+
+// The ground of an inactive window is lighter, so all of it is drawn again.
+void SetActive(WindowRef w, bool active) {
+  if (w->active == active) return;
+  uint32_t before = WindowGround(w);
+  w->active = active;
+  if (w->visible && w->brush && WindowGround(w) != before)
+    InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+}
+
+}  // namespace
+
+void HandleFocus(WindowRef w, bool focused) {
+  if (w->focused == focused) return;
+  w->focused = focused;
+  if (focused) {
+    if (state.focused && IsValidWindow(state.focused)) state.focused->focused = false;
+    state.focused = w;
+    w->focused = true;
+    PostActivation(true);
+    auto& list = WindowList();
+    if (std::find(list.begin(), list.end(), w) != list.end()) {
+      std::erase(list, w);
+      list.insert(list.begin(), w);
+    }
+  } else if (state.focused == w) {
+    state.focused = nullptr;
+  }
+  state.known = true;
+}
+
+void SettleActivation() {
+  if (!state.known) return;
+  state.known = false;
+  if (!state.focused) PostActivation(false);
+  for (WindowRef w : WindowList())
+    SetActive(w, w == state.focused || (w->state & kStateDocked && state.focused));
+}
+
+bool IsWindowActive(WindowRef w) {
+  return IsValidWindow(w) && w->active;
+}
+bool IsApplicationActive() {
+  return state.focused != nullptr;
+}
+
+void SelectWindow(WindowRef w) {
+  if (!IsValidWindow(w)) return;
+  auto& list = WindowList();
+  std::erase(list, w);
+  list.insert(list.begin(), w);
+  CurrentDisplay()->raise(w);
+  if (w->visible) CurrentDisplay()->activate(w);
+}
+
+void ActivateWindow(WindowRef w, bool activate) {
+  if (IsValidWindow(w)) SetActive(w, activate);
+}
+
+void SetFrontProcess() {
+  // The display brings a program forward with the window that is selected.
+}
+
+void SetUserFocusWindow(WindowRef w) {
+  if (IsValidWindow(w) && w->visible && !w->focused) CurrentDisplay()->activate(w);
+}
+
+void ClearKeyboardFocus(WindowRef) {
+  // No native control holds the caret.
+}
+
+}  // namespace platform

@@ -1,0 +1,210 @@
+// Where windows are: bounds asked for by the program, granted by the desktop, and what follows.
+#include <algorithm>
+#include <cstring>
+
+#include "platform/display/display.h"
+#include "platform/windows/session.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+Rect Structure(const Window& w) {
+  return {w.content.left - w.frame.left, w.content.top - w.strip - w.frame.top,
+          w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
+}
+
+// Windows of a group that moves together follow one of them, without a notice of their own.
+void MoveGroup(const Window& leader, int dx, int dy) {
+  if (!leader.group || !(leader.group->attributes & kWindowGroupAttrMoveTogether)) return;
+  if (dx == 0 && dy == 0) return;
+  for (WindowRef w : WindowList()) {
+    if (w == &leader || w->group != leader.group) continue;
+    w->content = Offset(w->content, dx, dy);
+    CurrentDisplay()->move_resize(w);
+  }
+}
+
+SizeLimits LimitsOf(const Window& w) {
+  SizeLimits l = w.limits;
+  if (!w.has_limits) {
+    l = {};
+    l.min_width = l.max_width = w.content.width();
+    l.min_height = l.max_height = w.content.height();
+  }
+  if (l.max_width == 0) l.max_width = ScreenWidth();
+  if (l.max_height == 0) l.max_height = ScreenHeight();
+  return l;
+}
+
+int Clamp(int v, int low, int high) {
+  return std::max(low, std::min(v, std::max(low, high)));
+}
+
+// The bounds that the window takes when the desktop reports `reported`: within the limits, in
+// steps as its handlers say.
+Rect Constrained(WindowRef w, const Rect& reported) {
+  if (reported.width() == w->content.width() && reported.height() == w->content.height())
+    return reported;
+  if (w->state & kStateFullScreen) return reported;
+  SizeLimits l = LimitsOf(*w);
+  Event e(kEventClassWindow, kEventWindowBoundsChanging, w);
+  e.bounds.original = w->content;
+  e.bounds.current = reported;
+  e.bounds.current.right = reported.left + Clamp(reported.width(), l.min_width, l.max_width);
+  e.bounds.current.bottom = reported.top + Clamp(reported.height(), l.min_height, l.max_height);
+  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  return IsValidWindow(w) ? e.bounds.current : reported;
+}
+
+bool SameSize(const Rect& a, const Rect& b) {
+  return a.width() == b.width() && a.height() == b.height();
+}
+
+}  // namespace
+
+DeviceRect DeviceBounds(const Window& w) {
+  double s = w.surface.scale;
+  int left = DeviceEdge(w.content.left, s), top = DeviceEdge(w.content.top - w.strip, s);
+  return {left, top, left + std::max(1, DeviceEdge(w.content.width(), s)),
+          top + std::max(1, DeviceEdge(w.content.height() + w.strip, s))};
+}
+
+Rect GetWindowBounds(WindowRef w, int region) {
+  if (!IsValidWindow(w)) return {};
+  switch (region) {
+    case kWindowStructureRgn:
+      return Structure(*w);
+    case kWindowGrowRgn:
+      return {w->content.right, w->content.bottom, w->content.right, w->content.bottom};
+    default:
+      return w->content;
+  }
+}
+
+void ResizeSurface(WindowRef w) {
+  DeviceRect d = DeviceBounds(*w);
+  Surface& s = w->surface;
+  int old_width = s.pixels ? s.width : 0, old_height = s.pixels ? s.height : 0;
+  if (s.pixels && s.width == d.width() && s.height == d.height()) return;
+  int stride = 0;
+  uint32_t* pixels = CurrentDisplay()->resize_buffer(w, d.width(), d.height(), &stride);
+  if (!pixels) return;
+  s.pixels = pixels;
+  s.width = d.width();
+  s.height = d.height();
+  s.stride = stride;
+  ++s.generation;
+  s.damage.Reset(s.width, s.height);
+  // What is new takes the ground; what was there stays.
+  uint32_t ground = WindowGround(w);
+  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, ground);
+  FillSurface(&s, {0, old_height, s.width, s.height}, ground);
+  s.damage.Mark(0, 0, s.width, s.height);
+  if (old_width != s.width) DrawMenuStrip(w);
+}
+
+// Takes `content` as the window's bounds. True when it grew.
+static bool TakeBounds(WindowRef w, const Rect& content) {
+  Rect old = w->content;
+  w->content = content;
+  if (SameSize(old, content)) return false;
+  ResizeSurface(w);
+  bool grew = content.width() > old.width() || content.height() > old.height();
+  if (grew && w->visible) InvalidateWindow(w, {}, false);
+  return grew;
+}
+
+void SetWindowBounds(WindowRef w, const Rect& content) {
+  if (!IsValidWindow(w)) return;
+  Rect old = w->content;
+  if (old == content) return;
+  if (!w->has_limits || SameSize(old, content)) {
+    // A fixed window keeps the size that the program gives it.
+  } else {
+    SizeLimits& l = w->limits;
+    l.min_width = std::min(l.min_width, content.width());
+    l.min_height = std::min(l.min_height, content.height());
+    if (l.max_width) l.max_width = std::max(l.max_width, content.width());
+    if (l.max_height) l.max_height = std::max(l.max_height, content.height());
+  }
+  TakeBounds(w, content);
+  w->refused = {};
+  if (!SameSize(old, content)) CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->move_resize(w);
+  MoveGroup(*w, content.left - old.left, content.top - old.top);
+  Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
+  e.time = GetCurrentEventTime();
+  e.bounds = {old, content, true};
+  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+}
+
+bool HandleConfigure(Event* event) {
+  WindowRef w = event->window;
+  Rect reported = event->bounds.current, old = w->content;
+  if (reported == old) return false;
+  Rect wanted = Constrained(w, reported);
+  if (!IsValidWindow(w)) return false;
+  if (!SameSize(wanted, reported)) {
+    // Answered once; who insists on the same size gets it.
+    if (w->refused == reported) {
+      wanted = reported;
+    } else {
+      w->refused = reported;
+      TakeBounds(w, wanted);
+      CurrentDisplay()->move_resize(w);
+    }
+  }
+  if (!(w->content == wanted)) TakeBounds(w, wanted);
+  if (wanted == old) return false;
+  MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
+  event->bounds.original = old;
+  event->bounds.current = wanted;
+  return true;
+}
+
+void MoveWindowStructure(WindowRef w, int left, int top) {
+  if (!IsValidWindow(w)) return;
+  Rect s = Structure(*w);
+  if (s.left == left && s.top == top) return;
+  w->content = Offset(w->content, left - s.left, top - s.top);
+  CurrentDisplay()->move_resize(w);
+}
+
+Rect ConstrainWindowToScreen(WindowRef w) {
+  if (!IsValidWindow(w)) return {};
+  Rect s = Structure(*w);
+  int dx = std::min(0, ScreenWidth() - s.right), dy = std::min(0, ScreenHeight() - s.bottom);
+  dx = std::max(dx, -s.left);
+  dy = std::max(dy, -s.top);
+  return Offset(s, dx, dy);
+}
+
+int FindWindow(Point where, WindowRef* w) {
+  for (WindowRef candidate : WindowList()) {
+    if (!candidate->visible) continue;
+    const Rect& c = candidate->content;
+    if (c.contains(where)) {
+      if (w) *w = candidate;
+      return inContent;
+    }
+    if (Rect{c.left, c.top - candidate->strip, c.right, c.top}.contains(where)) {
+      if (w) *w = candidate;
+      return inMenuBar;
+    }
+  }
+  if (w) *w = nullptr;
+  return inDesk;
+}
+
+void SetSystemUIMode(int mode, uint32_t) {
+  WindowRef w = MenuBarWindow();
+  if (!w) return;
+  uint32_t state =
+      mode == kUIModeNormal ? w->state & ~uint32_t{kStateFullScreen} : w->state | kStateFullScreen;
+  if (state == w->state) return;
+  w->state = state;
+  CurrentDisplay()->set_hints(w);
+}
+
+}  // namespace platform

@@ -1,0 +1,100 @@
+// The platform's start and end, and the screens.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "platform/desktop/requests.h"
+#include "platform/display/display.h"
+#include "platform/windows/session.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+constexpr int kMenuStripHeight = 24;
+
+const Display* display = nullptr;
+Screen main_screen;
+std::string session_name;
+
+bool Open(const Display* d) {
+  if (!d->open(session_name.c_str())) return false;
+  display = d;
+  ReadScreens();
+  return true;
+}
+
+bool OpenNamed(const char* wanted) {
+  for (const Display* const* d = kDisplays; *d; ++d)
+    if (!strcmp((*d)->name, wanted)) return Open(*d);
+  return false;
+}
+
+}  // namespace
+
+const Display* CurrentDisplay() {
+  return display;
+}
+const char* PlatformSessionName() {
+  return session_name.c_str();
+}
+const Screen& MainScreen() {
+  return main_screen;
+}
+
+bool InitPlatform(const char* name) {
+  if (display) return true;
+  session_name = name ? name : "";
+  const char* wanted = getenv("XW_DISPLAY");
+  bool opened = false;
+  if (wanted && *wanted) {
+    opened = OpenNamed(wanted);
+  } else {
+    // The headless display is for those who ask for it.
+    for (const Display* const* d = kDisplays; *d && !opened; ++d)
+      if (*d != &kHeadlessDisplay) opened = Open(*d);
+  }
+  if (!opened) {
+    fprintf(stderr, "%s: cannot open the display %s\n", session_name.c_str(),
+            wanted && *wanted   ? wanted
+            : getenv("DISPLAY") ? getenv("DISPLAY")
+                                : "(DISPLAY is unset)");
+    return false;
+  }
+  InstallSignalSource();
+  return true;
+}
+
+void FinishPlatform() {
+  if (!display) return;
+  while (!WindowList().empty()) DisposeWindow(WindowList().back());
+  CollectWindows();
+  display->close();
+  display = nullptr;
+}
+
+void DisplayLost() {
+  fprintf(stderr, "%s: the connection to the display is gone\n", session_name.c_str());
+  // The connection's own clean-up would write to it.
+  _exit(1);
+}
+
+void ReadScreens() {
+  Screen s;
+  if (display->screens(&s, 1) > 0) main_screen = s;
+}
+
+int ScreenWidth() {
+  return LogicalSize(main_screen.bounds.width(), main_screen.scale);
+}
+int ScreenHeight() {
+  return LogicalSize(main_screen.bounds.height(), main_screen.scale);
+}
+int GetMBarHeight() {
+  return kMenuStripHeight;
+}
+
+}  // namespace platform

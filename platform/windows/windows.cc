@@ -1,0 +1,185 @@
+// Making and ending windows, showing them, and what their frames say.
+#include "platform/windows/windows.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "platform/display/display.h"
+#include "platform/events/queue.h"
+#include "platform/windows/session.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+struct Windows {
+  std::vector<WindowRef> list;  // front first
+  std::unordered_set<const Window*> alive;
+  std::vector<WindowRef> ended;  // destroyed inside a dispatch
+  WindowRef menu_bar = nullptr;
+  bool menu_bar_given = false;
+};
+
+Windows& All() {
+  static Windows* all = new Windows;
+  return *all;
+}
+
+void Hints(WindowRef w) {
+  CurrentDisplay()->set_hints(w);
+}
+
+}  // namespace
+
+std::vector<WindowRef>& WindowList() {
+  return All().list;
+}
+bool IsValidWindow(WindowRef w) {
+  return w && All().alive.count(w);
+}
+WindowRef MenuBarWindow() {
+  return All().menu_bar;
+}
+
+WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
+  const Display* d = CurrentDisplay();
+  if (!d) return nullptr;
+  auto* w = new Window;
+  w->window_class = window_class;
+  w->attributes = attributes;
+  w->content = content;
+  w->surface.scale = MainScreen().scale;
+  Windows& all = All();
+  bool carries_menu_bar = !all.menu_bar_given;
+  if (carries_menu_bar) w->strip = GetMBarHeight();
+  w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
+  all.alive.insert(w);
+  if (!d->create_window(w)) {
+    all.alive.erase(w);
+    delete w;
+    return nullptr;
+  }
+  if (carries_menu_bar) {
+    all.menu_bar = w;
+    all.menu_bar_given = true;
+  }
+  all.list.insert(all.list.begin(), w);
+  return w;
+}
+
+void DisposeWindow(WindowRef w) {
+  if (!IsValidWindow(w)) return;
+  Windows& all = All();
+  HandleFocus(w, false);
+  if (all.menu_bar == w) all.menu_bar = nullptr;
+  for (WindowRef other : all.list)
+    if (other->transient_for == w) other->transient_for = nullptr;
+  std::erase(all.list, w);
+  all.alive.erase(w);
+  w->disposed = true;
+  RemoveEventsFromQueue(GetMainEventQueue(), [w](const Event& e) { return e.window == w; });
+  CurrentDisplay()->destroy_window(w);
+  w->surface.pixels = nullptr;
+  all.ended.push_back(w);
+  if (!InDispatch()) CollectWindows();
+}
+
+void CollectWindows() {
+  for (WindowRef w : All().ended) delete w;
+  All().ended.clear();
+}
+
+void ShowWindow(WindowRef w) {
+  if (!IsValidWindow(w) || w->visible) return;
+  w->visible = true;
+  // An alert or a dialog belongs to the window that carries the menu.
+  ResizeSurface(w);
+  InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+  DrawMenuStrip(w);
+  CurrentDisplay()->map_window(w, true);
+  std::erase(All().list, w);
+  All().list.insert(All().list.begin(), w);
+}
+
+void HideWindow(WindowRef w) {
+  if (!IsValidWindow(w) || !w->visible) return;
+  w->visible = false;
+  w->needs_draw = false;
+  CurrentDisplay()->map_window(w, false);
+}
+
+bool IsWindowVisible(WindowRef w) {
+  return IsValidWindow(w) && w->visible;
+}
+
+void SetWindowTitle(WindowRef w, const char* utf8) {
+  if (!IsValidWindow(w)) return;
+  w->title = utf8 ? utf8 : "";
+  CurrentDisplay()->set_title(w);
+}
+
+void SetWindowModified(WindowRef w, bool modified) {
+  if (!IsValidWindow(w) || w->modified == modified) return;
+  w->modified = modified;
+  CurrentDisplay()->set_title(w);
+}
+
+void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {
+  if (!IsValidWindow(w)) return;
+  uint32_t now = (w->attributes | set) & ~clear;
+  if (now == w->attributes) return;
+  w->attributes = now;
+  Hints(w);
+}
+
+void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits) {
+  if (!IsValidWindow(w)) return;
+  w->limits = limits;
+  w->has_limits = true;
+  Hints(w);
+}
+
+// --- Groups ---------------------------------------------------------------------------------
+
+namespace {
+
+std::vector<WindowGroup*>& Groups() {
+  static auto* groups = new std::vector<WindowGroup*>;
+  return *groups;
+}
+
+}  // namespace
+
+WindowGroupRef CreateWindowGroup(uint32_t attributes) {
+  Groups().push_back(new WindowGroup{attributes, 0, nullptr});
+  return Groups().back();
+}
+
+WindowGroupRef GetWindowGroupOfClass(int window_class) {
+  for (WindowGroup* g : Groups())
+    if (g->window_class == window_class) return g;
+  Groups().push_back(new WindowGroup{0, window_class, nullptr});
+  return Groups().back();
+}
+
+void SetWindowGroupParent(WindowGroupRef group, WindowGroupRef parent) {
+  if (group) group->parent = parent;
+}
+
+void SetWindowGroup(WindowRef w, WindowGroupRef group) {
+  if (!IsValidWindow(w) || !group) return;
+  w->group = group;
+  uint32_t state = w->state;
+  if (w->window_class == kSimpleWindowClass && (group->attributes & kWindowGroupAttrMoveTogether))
+    state |= kStateDocked;
+  if (group->window_class == kModalWindowClass) state |= kStateModal;
+  if (state == w->state) return;
+  w->state = state;
+  Hints(w);
+}
+
+void SetWindowActivationScope(WindowRef, int) {
+  // Every window here takes the focus on its own: the independent scope is the only one.
+}
+
+}  // namespace platform
