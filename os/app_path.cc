@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,29 +27,26 @@ os::Handle OpenRegistry() {
   return os::Handle(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
-// Files with a second name are links too: their other name may be anybody's file.
+// A file with a second name is a link too: it may be anybody's.
 bool IsPlainFile(int fd) {
   struct stat state;
   return fstat(fd, &state) == 0 && S_ISREG(state.st_mode) && state.st_nlink == 1;
 }
 
-os::Handle OpenEntry(int registry, const char* key, int flags) {
-  os::Handle file(openat(registry, key, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (file && !IsPlainFile(file.get())) {
-    errno = ELOOP;
-    file.Reset();
-  }
+os::Handle OpenEntry(int registry, const char* key) {
+  os::Handle file(openat(registry, key, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (file && !IsPlainFile(file.get())) file.Reset();
   return file;
 }
 
-// Open the entry for writing, made if it is not there. Never empties what it only finds: the caller
-// does, once it knows that it is a plain file.
-os::Handle OpenOrMakeEntry(int registry, const char* key) {
+// Make a file of a name that nobody can foresee, which is stored in `name`.
+os::Handle MakeEntry(int registry, std::string* name) {
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    os::Handle file = OpenEntry(registry, key, O_WRONLY);
-    if (file || errno != ENOENT) return file;
-    file = os::Handle(
-        openat(registry, key, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    uint64_t random = 0;
+    if (getrandom(&random, sizeof random, 0) != static_cast<ssize_t>(sizeof random)) break;
+    *name = "." + std::to_string(random);
+    os::Handle file(openat(registry, name->c_str(), kFlags, 0600));
     if (file || errno != EEXIST) return file;
   }
   return os::Handle();
@@ -82,6 +80,22 @@ void CutAtLast(char* text, char c) {
   if (char* found = strrchr(text, c)) *found = 0;
 }
 
+// Put a new file in the entry's place, whole and shared from the first moment. What was there is
+// never opened: between any check and its use it could become a second name of another file.
+bool ReplaceEntry(int registry, const char* key, const char* text) {
+  std::string name;
+  os::Handle file = MakeEntry(registry, &name);
+  if (!file) return false;
+  if (WriteAll(file.get(), text, strlen(text)) && fchmod(file.get(), 0666) == 0 &&
+      renameat(registry, name.c_str(), registry, key) == 0) {
+    return true;
+  }
+  const int error = errno;
+  unlinkat(registry, name.c_str(), 0);
+  errno = error;
+  return false;
+}
+
 }  // namespace
 
 extern "C" {
@@ -94,7 +108,7 @@ char* OS_GetAppPath(const char* key) {
   const bool fits = length >= 0 && static_cast<size_t>(length) < sizeof result;
   if (fits && IsPlainName(key)) {
     const os::Handle registry = OpenRegistry();
-    const os::Handle file = registry ? OpenEntry(registry.get(), key, O_RDONLY) : os::Handle();
+    const os::Handle file = registry ? OpenEntry(registry.get(), key) : os::Handle();
     if (file) ReadFirstLine(file.get(), result);
   }
   CutAtLast(result, '\n');
@@ -112,11 +126,7 @@ int OS_SetAppPath(const char* key) {
   const os::Handle registry = OpenRegistry();
   if (!registry) return -1;
   fchmod(registry.get(), 0777);
-  const os::Handle file = OpenOrMakeEntry(registry.get(), key);
-  if (!file) return -1;
-  const char* path = OS_GetPathName(OS_FOLDER_APPLICATION);
-  const bool written = ftruncate(file.get(), 0) == 0 && WriteAll(file.get(), path, strlen(path));
-  return written ? fchmod(file.get(), 0666) : -1;
+  return ReplaceEntry(registry.get(), key, OS_GetPathName(OS_FOLDER_APPLICATION)) ? 0 : -1;
 }
 
 }  // extern "C"

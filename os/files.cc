@@ -10,17 +10,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <string>
 
 #include "os/final_path.h"
 #include "os/os.h"
+#include "os/system_paths.h"
 
 namespace {
 
 constexpr int kAttempts = 100;
 
-// Build "<temporary folder>/.<time><random>.<ext>"; false if all but the extension does not fit.
-bool BuildTempName(char* name, size_t size, unsigned random, const char* ext) {
-  const char* folder = OS_GetPathName(OS_FOLDER_TEMPORARY);
+// Build "<folder>/.<time><random>.<ext>"; false if all but the extension does not fit.
+bool BuildTempName(char* name, size_t size, const char* folder, unsigned random, const char* ext) {
   const auto now = static_cast<unsigned>(time(nullptr));
   const int length = snprintf(name, size, "%s/.%X%X.", folder, now, random);
   if (length < 0 || static_cast<size_t>(length) >= size) return false;
@@ -37,7 +38,8 @@ extern "C" {
 char* OS_TempFile(const char* ext) {
   static char name[256];
   do {
-    if (!BuildTempName(name, sizeof name, static_cast<unsigned>(rand()), ext)) {
+    if (!BuildTempName(name, sizeof name, OS_GetPathName(OS_FOLDER_TEMPORARY),
+                       static_cast<unsigned>(rand()), ext)) {
       name[0] = 0;
       break;
     }
@@ -50,14 +52,18 @@ int OS_TempFileN(const char* ext, char* path, size_t size) {
     errno = EINVAL;
     return -1;
   }
-  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+  const std::string parent = os::TemporaryFolder();
+  struct stat state;
+  const os::Handle folder = os::OpenFinal(parent.c_str(), &state);
+  for (int attempt = 0; folder && attempt < kAttempts; ++attempt) {
     unsigned random = 0;
     if (getrandom(&random, sizeof random, 0) != static_cast<ssize_t>(sizeof random)) break;
-    if (!BuildTempName(path, std::min<size_t>(size, 256), random, ext)) {
+    if (!BuildTempName(path, std::min<size_t>(size, 256), parent.c_str(), random, ext)) {
       errno = ENAMETOOLONG;
       break;
     }
-    const int fd = open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    const int fd = openat(folder.get(), path + parent.size() + 1, kFlags, 0600);
     if (fd >= 0) return fd;
     if (errno != EEXIST) break;
   }

@@ -20,17 +20,21 @@ struct End {
   Handle file;
   struct stat state = {};
   std::vector<uid_t> link_owners;
+  bool names_folder = false;  // the path ends in a slash
 };
+
+bool Fail(int error) {
+  errno = error;
+  return false;
+}
 
 // Step from *end's folder along `path`: open the folder that holds its last part.
 bool EnterFolder(const std::string& path, End* end) {
   const size_t last = path.find_last_not_of('/');
   const std::string trimmed =
       last == std::string::npos ? path.substr(0, 1) : path.substr(0, last + 1);
-  if (trimmed.empty()) {
-    errno = ENOENT;
-    return false;
-  }
+  end->names_folder = end->names_folder || trimmed.size() < path.size();
+  if (trimmed.empty()) return Fail(ENOENT);
   const size_t slash = trimmed.rfind('/');
   std::string folder = slash == std::string::npos ? "." : trimmed.substr(0, slash + 1);
   end->name = slash == std::string::npos ? trimmed : trimmed.substr(slash + 1);
@@ -40,11 +44,13 @@ bool EnterFolder(const std::string& path, End* end) {
   return static_cast<bool>(end->folder);
 }
 
-bool OwnersAllow(const End& end) {
+// Whether the walk may end here: every link on the way had an owner who may lead us.
+bool MayEnd(const End& end) {
   for (uid_t owner : end.link_owners) {
     const bool target_owns = end.file && owner == end.state.st_uid;
-    if (owner != geteuid() && !target_owns) return false;
+    if (owner != geteuid() && !target_owns) return Fail(ELOOP);
   }
+  if (end.names_folder && !(end.file && S_ISDIR(end.state.st_mode))) return Fail(ENOTDIR);
   return true;
 }
 
@@ -55,17 +61,16 @@ bool Walk(const char* path, End* end) {
     if (!EnterFolder(rest, end)) return false;
     end->file =
         Handle(openat(end->folder.get(), end->name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (!end->file) return errno == ENOENT && (OwnersAllow(*end) || (errno = ELOOP, false));
+    if (!end->file) return errno == ENOENT && MayEnd(*end);
     if (fstat(end->file.get(), &end->state) != 0) return false;
-    if (!S_ISLNK(end->state.st_mode)) return OwnersAllow(*end) || (errno = ELOOP, false);
+    if (!S_ISLNK(end->state.st_mode)) return MayEnd(*end);
     end->link_owners.push_back(end->state.st_uid);
     char target[PATH_MAX];
     const ssize_t length = readlinkat(end->file.get(), "", target, sizeof target);
     if (length < 0) return false;
     rest.assign(target, length);
   }
-  errno = ELOOP;
-  return false;
+  return Fail(ELOOP);
 }
 
 }  // namespace

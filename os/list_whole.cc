@@ -52,10 +52,11 @@ bool IsWanted(const OS_ListEntryN& entry, int types) {
   return types & OS_LIST_OTHERS;
 }
 
-void AddFile(int folder, const char* name, bool matched, int types, WholeListing* list) {
+void AddFile(int folder, const dirent* file, bool matched, int types, WholeListing* list) {
   OS_ListEntryN entry = {};
-  const bool folders_pass = types & OS_LIST_ALL_FOLDERS;
-  if ((!matched && !folders_pass) || !Describe(folder, name, &entry)) return;
+  const char* name = file->d_name;
+  const bool may_be_folder = file->d_type != DT_REG && types & OS_LIST_ALL_FOLDERS;
+  if ((!matched && !may_be_folder) || !Describe(folder, name, &entry)) return;
   if (!matched && !S_ISDIR(entry.target)) return;
   if (S_ISREG(entry.target)) list->total += entry.size;
   if (name[0] == '.' && !(types & OS_LIST_HIDDEN)) return;
@@ -72,7 +73,7 @@ bool ReadFolder(const char* path, const char* patterns, int types, WholeListing*
     const bool matched = std::any_of(split.begin(), split.end(), [name](const std::string& p) {
       return match_name(p.c_str(), name) != 0;
     });
-    AddFile(dirfd(folder), name, matched, types, list);
+    AddFile(dirfd(folder), file, matched, types, list);
   }
   closedir(folder);
   return true;

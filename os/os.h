@@ -6,8 +6,8 @@
 // paths are bytes, zero-terminated, in whatever encoding the file system uses. A null pointer where
 // a string is needed is a refusal, never a crash. Calls whose result is a `char *` return a buffer
 // of this layer that the next call of the same function overwrites; copy what is to be kept, and
-// use them from one thread. Calls ending in N are the unbounded, thread-safe twins of older calls
-// that have fixed-size records.
+// use them from one thread. Calls ending in N are twins of calls whose records or results have a
+// fixed size: they give everything whole and are safe on several threads.
 #ifndef QUORVIK_OS_OS_H
 #define QUORVIK_OS_OS_H
 
@@ -132,9 +132,8 @@ char* OS_GetUserName(void);
 // that was looked for. At most 255 bytes.
 char* OS_GetAppPath(const char* key);
 
-// Record this program's application folder under `key`. 0 when the file is there and shared, -1
-// when not (also when another user owns it: its content is updated even then, if its mode allows
-// it).
+// Record this program's application folder under `key`, in a new file that takes the place of what
+// was there. 0 when the file is there and shared, else -1.
 int OS_SetAppPath(const char* key);
 
 // ------------------------------------------------------------------------------------------------
@@ -151,8 +150,7 @@ char* OS_TempFile(const char* ext);
 
 // Make a new, empty temporary file that only this user can read, and store its path in `path`
 // (`size` bytes, 256 are always enough). The result is its descriptor, open for reading and writing
-// and closed on exec, which the caller closes; -1 on failure. Safe on several threads, once
-// OS_GetPathName(OS_FOLDER_TEMPORARY) has been called.
+// and closed on exec, which the caller closes; -1 on failure. Safe on several threads.
 int OS_TempFileN(const char* ext, char* path, size_t size);
 
 // Make one folder. 1 if it was made, else 0 (also when it exists already).

@@ -37,13 +37,6 @@ std::string HomeFolder() {
   return home ? home : "/";
 }
 
-std::string TemporaryFolder() {
-  const std::string path = os::SystemPath("/var/tmp/Quorvik");
-  mkdir(path.c_str(), 0777);
-  OS_SetFileShared(path.c_str());
-  return path;
-}
-
 std::string SharedFolder() {
   return os::SystemPath("/Users/Shared");
 }
@@ -72,11 +65,18 @@ using FolderFinder = std::string (*)();
 
 // In the order of the folders' numbers.
 constexpr FolderFinder kFinders[kFolders] = {
-    ApplicationFolder, HomeFolder, TemporaryFolder,  SharedFolder,    DocumentsFolder,
-    DesktopFolder,     NoFolder,   ExecutableFolder, ResourcesFolder,
+    ApplicationFolder, HomeFolder, os::TemporaryFolder, SharedFolder,    DocumentsFolder,
+    DesktopFolder,     NoFolder,   ExecutableFolder,    ResourcesFolder,
 };
 
 }  // namespace
+
+std::string os::TemporaryFolder() {
+  const std::string path = os::SystemPath("/var/tmp/Quorvik");
+  mkdir(path.c_str(), 0777);
+  OS_SetFileShared(path.c_str());
+  return path;
+}
 
 void os::ForgetPathNames() {
   memset(folder_slots, 0, sizeof folder_slots);

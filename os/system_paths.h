@@ -11,6 +11,9 @@ namespace os {
 // here.
 std::string SystemPath(const char* path);
 
+// The folder for temporary files, made if it is not there, open to everyone.
+std::string TemporaryFolder();
+
 // The path of the running executable.
 std::string ExecutablePath();
 

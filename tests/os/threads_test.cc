@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/time.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+#include "os/os.h"
+
+namespace {
+
+std::atomic<int> started{0};
+
+void* Count(void*) {
+  ++started;
+  return nullptr;
+}
+
+void* CountAndEnd(void*) {
+  ++started;
+  OS_EndThread(42);
+}
+
+TEST(Threads, HandlesCountFromOneAndAreUsedAgain) {
+  const int first = OS_StartThread(Count, nullptr);
+  const int second = OS_StartThread(CountAndEnd, nullptr);
+  EXPECT_EQ(first, 1);
+  EXPECT_EQ(second, 2);
+  EXPECT_EQ(OS_WaitThread(first), 0);
+  EXPECT_EQ(OS_WaitThread(first), 0);  // given back: returns at once
+  EXPECT_EQ(OS_StartThread(Count, nullptr), 1);
+  EXPECT_EQ(OS_WaitThread(1), 0);
+  EXPECT_EQ(OS_WaitThread(second), 0);
+  EXPECT_EQ(started, 3);
+}
+
+TEST(Threads, BadHandlesReturnAtOnce) {
+  for (int handle : {-1, 0, 1, 99, INT32_MAX, INT32_MIN}) EXPECT_EQ(OS_WaitThread(handle), 0);
+  EXPECT_EQ(OS_StartThread(nullptr, nullptr), -1);
+}
+
+TEST(Threads, OwnHandleIsNotWaitedFor) {
+  std::atomic<int> handle{0};
+  const int thread = OS_StartThread(
+      [](void* arg) -> void* {
+        auto* own = static_cast<std::atomic<int>*>(arg);
+        while (*own == 0) OS_Sleep(1);
+        OS_WaitThread(*own);
+        return nullptr;
+      },
+      &handle);
+  handle = thread;
+  EXPECT_EQ(OS_WaitThread(thread), 0);
+}
+
+struct Shared {
+  pthread_mutex_t mutex;
+  int value = 0;
+};
+
+void* AddMany(void* arg) {
+  auto* shared = static_cast<Shared*>(arg);
+  for (int i = 0; i < 1000; ++i) {
+    OS_ReserveMutex(&shared->mutex);
+    OS_ReserveMutex(&shared->mutex);
+    ++shared->value;
+    OS_ReleaseMutex(&shared->mutex);
+    OS_ReleaseMutex(&shared->mutex);
+  }
+  return nullptr;
+}
+
+TEST(Threads, ManyAtOnceStartedFromManyThreads) {
+  Shared shared;
+  ASSERT_EQ(OS_CreateMutex(&shared.mutex), 1);
+  std::vector<std::thread> starters;
+  for (int s = 0; s < 4; ++s) {
+    starters.emplace_back([&shared] {
+      std::vector<int> handles;
+      for (int i = 0; i < 8; ++i) handles.push_back(OS_StartThread(AddMany, &shared));
+      for (int handle : handles) {
+        EXPECT_GT(handle, 0);
+        EXPECT_EQ(OS_WaitThread(handle), 0);
+      }
+    });
+  }
+  for (std::thread& starter : starters) starter.join();
+  EXPECT_EQ(shared.value, 4 * 8 * 1000);
+  EXPECT_EQ(OS_DestroyMutex(&shared.mutex), 0);
+}
+
+TEST(Mutex, IsReleasedAsOftenAsReserved) {
+  pthread_mutex_t mutex;
+  ASSERT_EQ(OS_CreateMutex(&mutex), 1);
+  const auto others_try = [&mutex] {
+    int result = 0;
+    std::thread([&] {
+      result = pthread_mutex_trylock(&mutex);
+      if (result == 0) pthread_mutex_unlock(&mutex);
+    }).join();
+    return result;
+  };
+  EXPECT_EQ(OS_ReserveMutex(&mutex), 0);
+  EXPECT_EQ(OS_ReserveMutex(&mutex), 0);
+  EXPECT_EQ(OS_ReleaseMutex(&mutex), 0);
+  EXPECT_EQ(others_try(), EBUSY);
+  EXPECT_EQ(OS_ReleaseMutex(&mutex), 0);
+  EXPECT_EQ(others_try(), 0);
+  EXPECT_EQ(OS_DestroyMutex(&mutex), 0);
+}
+
+TEST(Mutex, NullIsRefused) {
+  EXPECT_EQ(OS_CreateMutex(nullptr), 0);
+  EXPECT_EQ(OS_ReserveMutex(nullptr), EINVAL);
+  EXPECT_EQ(OS_ReleaseMutex(nullptr), EINVAL);
+  EXPECT_EQ(OS_DestroyMutex(nullptr), EINVAL);
+}
+
+TEST(Sleep, LastsThroughSignalsAndNotForNothing) {
+  struct sigaction action = {};
+  action.sa_handler = [](int) {};
+  sigaction(SIGALRM, &action, nullptr);
+  const itimerval every = {{0, 2000}, {0, 2000}};
+  setitimer(ITIMER_REAL, &every, nullptr);
+  const auto start = std::chrono::steady_clock::now();
+  OS_Sleep(60);
+  const auto slept = std::chrono::steady_clock::now() - start;
+  const itimerval never = {};
+  setitimer(ITIMER_REAL, &never, nullptr);
+  EXPECT_GE(slept, std::chrono::milliseconds(60));
+  OS_Sleep(0);
+  OS_Sleep(-1000000);
+}
+
+TEST(DebugLog, WritesWhatPrintfWould) {
+  testing::internal::CaptureStdout();
+  DBG_open();
+  DBG_printf("%s=%d\n", "a", 7);
+  DBG_printf("no end");
+  DBG_printf(nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "a=7\nno end");
+}
+
+}  // namespace
