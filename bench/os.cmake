@@ -1,0 +1,1 @@
+quorvik_bench(listdir ${CMAKE_CURRENT_LIST_DIR}/listdir.cc LIBS os)

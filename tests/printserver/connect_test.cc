@@ -1,0 +1,319 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+
+#include "printserver/nc.h"
+#include "tests/printserver/peer.h"
+
+namespace {
+
+const std::string kGreeting = "\x04\x03\x02\x01";
+
+using Connector = int (*)(const char*);
+
+int ConnectPlain(const char* host) {
+  return NC_Connect(host, 1);
+}
+int ConnectWithin(const char* host) {
+  return NC_ConnectN(host, 5000);
+}
+
+constexpr Connector kConnectors[] = {ConnectPlain, ConnectWithin};
+
+TEST(Connect, GreetingAndItsAnswers) {
+  const struct {
+    std::string answer;
+    int expected;  // 0: a connection
+  } rows[] = {{std::string(1, 0), NC_REFUSED}, {"\x01", 0}, {"\xFF", 0}, {"", NC_NO_SERVER}};
+  for (const Connector connect_to : kConnectors) {
+    for (const auto& row : rows) {
+      Listener server;
+      std::string greeting;
+      server.Serve(1, [&](int end) {
+        greeting = ReceiveText(end, 4);
+        SendText(end, row.answer);
+        if (!row.answer.empty()) AwaitEnd(end);
+      });
+      const int fd = connect_to(server.host.c_str());
+      EXPECT_EQ(fd < 0 ? fd : 0, row.expected);
+      if (fd >= 0) {
+        EXPECT_EQ(fcntl(fd, F_GETFL) & O_NONBLOCK, 0);
+        EXPECT_EQ(NC_Disconnect(fd), 0);
+      }
+      server.Join();
+      EXPECT_EQ(greeting, kGreeting);
+    }
+  }
+}
+
+TEST(Connect, NobodyThereAndNoSuchHost) {
+  std::string silent;
+  {
+    Listener gone;
+    silent = gone.host;
+  }
+  for (const Connector connect_to : kConnectors) {
+    EXPECT_EQ(connect_to(silent.c_str()), NC_NO_SERVER);
+    EXPECT_EQ(connect_to("no such host"), NC_NO_HOST);
+    EXPECT_EQ(connect_to("256.256.256.256"), NC_NO_HOST);
+    EXPECT_EQ(connect_to(std::string(5000, 'h').c_str()), NC_NO_HOST);
+  }
+  EXPECT_EQ(NC_Disconnect(-1), -1);
+}
+
+TEST(Connect, NoHostIsLocalhost) {
+  Listener server("127.0.0.1");
+  if (server.fd < 0) GTEST_SKIP() << "the port is in use on localhost";
+  server.Serve(4, [](int end) {
+    ReceiveText(end, 4);
+    SendText(end, "\x01");
+    AwaitEnd(end);
+  });
+  for (const char* host : {static_cast<const char*>(nullptr), ""}) {
+    for (const Connector connect_to : kConnectors) {
+      const int fd = connect_to(host);
+      EXPECT_GE(fd, 0);
+      NC_Disconnect(fd);
+    }
+  }
+}
+
+TEST(Connect, DeadlineOfASilentServer) {
+  Listener server;  // accepts in the queue, says nothing
+  errno = 0;
+  EXPECT_EQ(NC_ConnectN(server.host.c_str(), 30), NC_NO_SERVER);
+  EXPECT_EQ(errno, ETIMEDOUT);
+}
+
+TEST(Connect, IgnoresBrokenPipes) {
+  signal(SIGPIPE, SIG_DFL);
+  Listener server;
+  const int fd = NC_Connect(server.host.c_str(), 0);
+  EXPECT_GE(fd, 0);
+  EXPECT_EQ(signal(SIGPIPE, SIG_IGN), SIG_IGN);
+  NC_Disconnect(fd);
+}
+
+TEST(Connect, NoSocketLeft) {
+  const rlimit none = {0, 0};
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit low = {none.rlim_cur, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
+  EXPECT_EQ(NC_Connect("127.0.0.1", 1), NC_NO_SOCKET);
+  EXPECT_EQ(NC_ConnectN("127.0.0.1", 1000), NC_NO_SOCKET);
+  setrlimit(RLIMIT_NOFILE, &before);
+}
+
+using ReadyCall = int (*)(const char*, int*);
+
+int ReadyPlain(const char* host, int* fd) {
+  return NC_Ready(host, fd);
+}
+int ReadyWithin(const char* host, int* fd) {
+  return NC_ReadyN(host, fd, 5000);
+}
+
+constexpr ReadyCall kReadyCalls[] = {ReadyPlain, ReadyWithin};
+
+TEST(Ready, ReplacesTheAttemptByAGreetedConnection) {
+  for (const ReadyCall ready : kReadyCalls) {
+    Listener server;
+    std::string greetings;
+    server.Serve(2, [&](int end) {
+      const std::string greeting = ReceiveText(end, 4);
+      greetings += greeting;
+      if (!greeting.empty()) {
+        SendText(end, "\x01");
+        greetings += ReceiveText(end, 4);
+      }
+    });
+    int fd = NC_Connect(server.host.c_str(), 0);
+    ASSERT_GE(fd, 0);
+    EXPECT_NE(fcntl(fd, F_GETFL) & O_NONBLOCK, 0);
+    int result = 0;
+    for (int i = 0; i < 1000 && result == 0; ++i) result = ready(server.host.c_str(), &fd);
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(NC_SendCommand(fd, 8), 4);
+    NC_Disconnect(fd);
+    server.Join();
+    EXPECT_EQ(greetings, kGreeting + "KRV\x08");
+  }
+}
+
+TEST(Ready, RefusalAndAbsenceGiveAFreshAttempt) {
+  for (const ReadyCall ready : kReadyCalls) {
+    Listener server;
+    server.Serve(2, [](int end) {
+      if (!ReceiveText(end, 4).empty()) SendText(end, std::string(1, 0));
+    });
+    int fd = -4;
+    EXPECT_EQ(ready(server.host.c_str(), &fd), 0);  // begins
+    ASSERT_GE(fd, 0);
+    pollfd one = {fd, POLLOUT, 0};
+    ASSERT_EQ(poll(&one, 1, 5000), 1);
+    EXPECT_EQ(ready(server.host.c_str(), &fd), 0);  // refused: begins again
+    EXPECT_GE(fd, 0);
+    close(fd);
+    server.Join();
+    int bad = -1;
+    EXPECT_EQ(ready("no such host", &bad), 0);
+    EXPECT_EQ(bad, NC_NO_HOST);
+    EXPECT_EQ(ready(server.host.c_str(), nullptr), 0);
+    int closed = 987;
+    EXPECT_EQ(ready(server.host.c_str(), &closed), 0);
+    EXPECT_EQ(closed, 987);
+  }
+}
+
+// A pending attempt stays as it is: the server's queue is full, so the handshake cannot end.
+TEST(Ready, PendingStaysPending) {
+  Listener server;
+  ASSERT_EQ(listen(server.fd, 0), 0);
+  int fds[8];
+  for (int& fd : fds) fd = NC_Connect(server.host.c_str(), 0);
+  int last = fds[7];
+  ASSERT_GE(last, 0);
+  EXPECT_EQ(NC_Ready(server.host.c_str(), &last), 0);
+  EXPECT_EQ(last, fds[7]);
+  for (int fd : fds) NC_Disconnect(fd);
+}
+
+TEST(Ready, DescriptorsPastOneThousand) {
+  rlimit limit;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  if (limit.rlim_max < 2100) GTEST_SKIP() << "too few descriptors allowed";
+  limit.rlim_cur = 2100;
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  Listener server;
+  server.Serve(2, [](int end) {
+    if (!ReceiveText(end, 4).empty()) SendText(end, "\x01");
+  });
+  const int low = NC_Connect(server.host.c_str(), 0);
+  int high = fcntl(low, F_DUPFD_CLOEXEC, 2000);
+  ASSERT_GE(high, 2000);
+  close(low);
+  pollfd one = {high, POLLOUT, 0};
+  ASSERT_EQ(poll(&one, 1, 5000), 1);
+  EXPECT_EQ(NC_Ready(server.host.c_str(), &high), 1);
+  NC_Disconnect(high);
+}
+
+TEST(Transfer, ExactCountsOrNothing) {
+  {
+    Pair pair([](int end) { SendText(end, "12345"); });
+    char buf[8];
+    EXPECT_EQ(NC_Read(pair.fd, buf, 8), -1);
+  }
+  {
+    Pair pair([](int end) {
+      for (const char* piece : {"1", "234", "5678"}) {
+        SendText(end, piece);
+        usleep(1000);
+      }
+      AwaitEnd(end);
+    });
+    char buf[9] = {};
+    EXPECT_EQ(NC_Read(pair.fd, buf, 8), 8);
+    EXPECT_STREQ(buf, "12345678");
+    EXPECT_EQ(NC_Read(pair.fd, buf, 0), -1);  // nothing to wait for
+    EXPECT_EQ(NC_Read(pair.fd, buf, -5), -1);
+    EXPECT_EQ(NC_Read(pair.fd, nullptr, 5), -1);
+    EXPECT_EQ(NC_Write(pair.fd, buf, 0), 0);
+    EXPECT_EQ(NC_Write(pair.fd, buf, -5), -1);
+    EXPECT_EQ(NC_Write(pair.fd, nullptr, 5), -1);
+  }
+  std::string received;
+  const std::string large(3 << 20, 'x');  // more than any socket holds
+  for (const int deadline : {0, 20000}) {
+    Pair pair([&](int end) {
+      usleep(20000);
+      received = ReceiveText(end, large.size());
+    });
+    EXPECT_EQ(NC_SetDeadline(pair.fd, deadline), 0);
+    EXPECT_EQ(NC_Write(pair.fd, large.data(), static_cast<int32_t>(large.size())),
+              static_cast<int32_t>(large.size()));
+    pair.Finish();
+    EXPECT_EQ(received, large);
+  }
+  Pair gone([](int) {});
+  char byte = 0;
+  usleep(10000);
+  EXPECT_EQ(NC_Read(gone.fd, &byte, 1), -1);
+  EXPECT_EQ(NC_Write(gone.fd, &byte, 1), -1);  // and no signal
+  EXPECT_EQ(NC_Read(-1, &byte, 1), -1);
+  EXPECT_EQ(NC_Write(-1, &byte, 1), -1);
+  EXPECT_EQ(NC_SendCommand(-1, 1), -1);
+}
+
+TEST(Transfer, DeadlinesEndBothDirections) {
+  Pair pair([](int end) {
+    pollfd one = {end, 0, 0};
+    poll(&one, 1, -1);  // takes nothing, says nothing
+  });
+  EXPECT_EQ(NC_GetDeadline(pair.fd), 0);
+  EXPECT_EQ(NC_SetDeadline(pair.fd, -1), -1);
+  EXPECT_EQ(NC_SetDeadline(-1, 100), -1);
+  EXPECT_EQ(NC_SetDeadline(pair.fd, 20), 0);
+  EXPECT_GE(NC_GetDeadline(pair.fd), 20);
+  EXPECT_LE(NC_GetDeadline(pair.fd), 40);
+  char byte;
+  errno = 0;
+  EXPECT_EQ(NC_Read(pair.fd, &byte, 1), -1);
+  EXPECT_EQ(errno, ETIMEDOUT);
+  errno = 0;
+  const std::string large(3 << 20, 'x');
+  EXPECT_EQ(NC_Write(pair.fd, large.data(), static_cast<int32_t>(large.size())), -1);
+  EXPECT_EQ(errno, ETIMEDOUT);
+  EXPECT_EQ(NC_SetDeadline(pair.fd, INT32_MAX), 0);
+  EXPECT_GT(NC_GetDeadline(pair.fd), INT32_MAX / 2);
+  EXPECT_EQ(NC_SetDeadline(pair.fd, 0), 0);
+  EXPECT_EQ(NC_GetDeadline(pair.fd), 0);
+}
+
+// A byte now and then does not stretch the deadline of one call.
+TEST(Transfer, TricklesEnd) {
+  Pair pair([](int end) {
+    while (SendText(end, "x")) usleep(5000);
+  });
+  NC_SetDeadline(pair.fd, 40);
+  char buf[1 << 16];
+  errno = 0;
+  EXPECT_EQ(NC_Read(pair.fd, buf, sizeof buf), -1);
+  EXPECT_EQ(errno, ETIMEDOUT);
+}
+
+TEST(Transfer, SignalsDoNotEndReads) {
+  struct sigaction action = {};
+  action.sa_handler = [](int) {};
+  sigaction(SIGALRM, &action, nullptr);
+  Pair pair([](int end) {
+    usleep(40000);
+    SendText(end, "12345678");
+    AwaitEnd(end);
+  });
+  const itimerval every = {{0, 2000}, {0, 2000}}, never = {};
+  setitimer(ITIMER_REAL, &every, nullptr);
+  char buf[8];
+  EXPECT_EQ(NC_Read(pair.fd, buf, 4), 4);
+  NC_SetDeadline(pair.fd, 20000);
+  EXPECT_EQ(NC_Read(pair.fd, buf, 4), 4);
+  setitimer(ITIMER_REAL, &never, nullptr);
+}
+
+TEST(Host, NameAndAddress) {
+  char name[64] = {}, expected[64] = {};
+  ASSERT_EQ(gethostname(expected, 64), 0);
+  EXPECT_EQ(NC_GetHostName(name), 0);
+  EXPECT_STREQ(name, expected);
+  char address[16] = "unset";
+  NC_GetHostAddr(address);
+  EXPECT_STREQ(address, "127.0.0.1");
+  EXPECT_EQ(NC_GetHostName(nullptr), -1);
+  NC_GetHostAddr(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,243 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <vector>
+
+#include "printserver/nc.h"
+#include "tests/os/scratch.h"
+#include "tests/printserver/peer.h"
+
+namespace {
+
+const std::string kId = "0123456789abcdef";
+
+struct Watched {
+  std::vector<int64_t> sent;
+  int64_t total = 0;
+  int64_t stop_at = INT64_MAX;
+};
+
+int Watch(void* context, int64_t sent, int64_t total) {
+  auto* watched = static_cast<Watched*>(context);
+  watched->sent.push_back(sent);
+  watched->total = total;
+  return sent >= watched->stop_at;
+}
+
+// The ends of a document, opened for reading.
+class Document {
+ public:
+  explicit Document(const std::string& path) : fd(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  ~Document() { close(fd); }
+  const int fd;
+};
+
+std::string Pattern(size_t size) {
+  std::string text(size, 0);
+  for (size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 31 + i / 256);
+  return text;
+}
+
+TEST(PrintRequest, TicketBlankLineDocumentUnderOneLength) {
+  Scratch scratch;
+  const struct {
+    std::string ticket, on_wire;
+    size_t size;
+  } rows[] = {
+      {"document=a.pdf\ncopies=2", "document=a.pdf\ncopies=2\n\n", 1},
+      {"document=a.pdf\ncopies=2\n", "document=a.pdf\ncopies=2\n\n", 300000},
+      {"hold=1", "hold=1\n\n", 0},
+      {"", "\n", 10},
+      {"", "\n", 0},
+      {"owner=J\xC3\xB6rg", "owner=J\xC3\xB6rg\n\n", 5 << 20},
+  };
+  for (const auto& row : rows) {
+    const std::string content = Pattern(row.size);
+    const Document document(scratch.File("doc", content + "beyond"));
+    const std::string data = row.on_wire + content;
+    const std::string expected =
+        "KRV\x03" + kId + Integer(static_cast<uint32_t>(data.size())) + data;
+    std::string received;
+    Pair pair([&](int end) {
+      usleep(1000);
+      received = ReceiveText(end, expected.size());
+      SendText(end, "\xAA");
+      received += ReceiveText(end, 1);
+    });
+    Watched watched;
+    NC_SetDeadline(pair.fd, 20000);
+    EXPECT_EQ(
+        NC_WritePrintRequestN(pair.fd, kId.data(), row.ticket.c_str(), row.size ? document.fd : -1,
+                              static_cast<int64_t>(row.size), Watch, &watched),
+        0xAA);
+    EXPECT_EQ(fcntl(pair.fd, F_GETFL) & O_NONBLOCK, 0);
+    pair.Finish();
+    EXPECT_TRUE(received == expected) << row.ticket << " " << row.size;
+    ASSERT_FALSE(watched.sent.empty());
+    EXPECT_TRUE(std::is_sorted(watched.sent.begin(), watched.sent.end()));
+    EXPECT_EQ(watched.sent.back(), static_cast<int64_t>(data.size()));
+    EXPECT_EQ(watched.total, static_cast<int64_t>(data.size()));
+  }
+}
+
+TEST(PrintRequest, DocumentsFromAPipeAndFromTheMiddle) {
+  Scratch scratch;
+  const std::string content = Pattern(400000);
+  const auto send = [&](int document, int64_t size) {
+    std::string received;
+    Pair pair([&](int end) {
+      received = ReceiveText(end, 24 + 1 + static_cast<size_t>(size));
+      SendText(end, std::string(1, 0));
+      AwaitEnd(end);
+    });
+    NC_SetDeadline(pair.fd, 20000);
+    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document, size, nullptr, nullptr), 0);
+    pair.Finish();
+    return received.substr(25);
+  };
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  std::thread writer([&] {
+    for (size_t done = 0; done < content.size(); done += 1000) {
+      EXPECT_EQ(write(ends[1], content.data() + done, 1000), 1000);
+    }
+    close(ends[1]);
+  });
+  EXPECT_TRUE(send(ends[0], static_cast<int64_t>(content.size())) == content);
+  writer.join();
+  close(ends[0]);
+  const Document document(scratch.File("doc", content));
+  lseek(document.fd, 1234, SEEK_SET);
+  EXPECT_TRUE(send(document.fd, 300000) == content.substr(1234, 300000));
+}
+
+TEST(PrintRequest, RefusedBeforeAnythingIsSent) {
+  Scratch scratch;
+  const Document document(scratch.File("doc", "x"));
+  std::string received;
+  Pair pair([&](int end) { received = ReceiveText(end, 1); });
+  const struct {
+    const char* ticket;
+    int64_t size;
+  } rows[] = {{"a=b", int64_t{INT32_MAX} - 4},
+              {"a=b", int64_t{1} << 33},
+              {"a=b", INT64_MAX},
+              {"a=b", -1},
+              {nullptr, 1},
+              {"a=b\n\nc=d", 1},
+              {"\na=b", 1},
+              {"a=b\n\n", 1}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), row.ticket, document.fd, row.size, nullptr,
+                                    nullptr),
+              NC_BAD_REQUEST)
+        << (row.ticket ? row.ticket : "null") << " " << row.size;
+  }
+  EXPECT_EQ(NC_WritePrintRequestN(pair.fd, nullptr, "", -1, 0, nullptr, nullptr), NC_BAD_REQUEST);
+  pair.Finish();
+  EXPECT_EQ(received, "");
+  EXPECT_EQ(NC_WritePrintRequestN(-1, kId.data(), "", -1, 0, nullptr, nullptr), NC_ERROR);
+}
+
+// The largest length there is goes out as it is: the document is sparse, the server stops early.
+TEST(PrintRequest, LargestLength) {
+  Scratch scratch;
+  const std::string path = scratch.File("doc");
+  const int64_t size = int64_t{INT32_MAX} - 5;  // with "a=b", its end and the blank line
+  ASSERT_EQ(truncate(path.c_str(), size), 0);
+  const Document document(path);
+  std::string head;
+  Pair pair([&](int end) { head = ReceiveText(end, 24); });
+  NC_SetDeadline(pair.fd, 20000);
+  EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "a=b", document.fd, size, nullptr, nullptr),
+            NC_ERROR);
+  pair.Finish();
+  EXPECT_EQ(head, "KRV\x03" + kId + Integer(INT32_MAX));
+}
+
+TEST(PrintRequest, DocumentsThatCannotBeRead) {
+  Scratch scratch;
+  const Document shorter(scratch.File("doc", Pattern(1000)));
+  const Document folder(scratch.path());
+  const Document null("/dev/null");
+  for (const int fd : {shorter.fd, folder.fd, null.fd, -1}) {
+    Pair pair([](int end) { AwaitEnd(end); });
+    NC_SetDeadline(pair.fd, 20000);
+    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", fd, 1001, nullptr, nullptr),
+              NC_UNREADABLE)
+        << fd;
+  }
+}
+
+TEST(PrintRequest, CancelWhileMovingWhileStalledAndWhileWaiting) {
+  Scratch scratch;
+  const std::string content = Pattern(4 << 20);
+  const Document document(scratch.File("doc", content));
+  const struct {
+    size_t taken;  // what the server takes in before it stalls
+    int64_t stop_at;
+    int expected;
+  } rows[] = {
+      {0, 0, NC_CANCELLED}, {1 << 20, 1 << 20, NC_CANCELLED}, {SIZE_MAX, 4 << 20, NC_CANCELLED}};
+  for (const auto& row : rows) {
+    Pair pair([&](int end) {
+      ReceiveText(end, std::min(row.taken, content.size() + 25));
+      pollfd one = {end, 0, 0};
+      poll(&one, 1, -1);
+    });
+    lseek(document.fd, 0, SEEK_SET);
+    Watched watched;
+    watched.stop_at = row.stop_at;
+    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document.fd,
+                                    static_cast<int64_t>(content.size()), Watch, &watched),
+              row.expected);
+    EXPECT_EQ(fcntl(pair.fd, F_GETFL) & O_NONBLOCK, 0);
+  }
+  // A stalled server: the progress function is still called, and may stop it with nothing moving.
+  Pair pair([](int end) {
+    pollfd one = {end, 0, 0};
+    poll(&one, 1, -1);
+  });
+  lseek(document.fd, 0, SEEK_SET);
+  struct Patience {
+    int64_t last = -1;
+    int still = 0;
+  } patience;
+  const auto lose_patience = [](void* context, int64_t sent, int64_t) {
+    auto* p = static_cast<Patience*>(context);
+    p->still = sent == p->last ? p->still + 1 : 0;
+    p->last = sent;
+    return p->still >= 3 ? 1 : 0;
+  };
+  EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document.fd,
+                                  static_cast<int64_t>(content.size()), lose_patience, &patience),
+            NC_CANCELLED);
+}
+
+TEST(PrintRequest, ServersThatStallOrEnd) {
+  Scratch scratch;
+  const std::string content = Pattern(4 << 20);
+  const Document document(scratch.File("doc", content));
+  for (const bool stall : {true, false}) {
+    for (const size_t taken :
+         {size_t{0}, size_t{10}, size_t{24}, size_t{1} << 20, content.size() + 25}) {
+      Pair pair([&](int end) {
+        ReceiveText(end, taken);
+        pollfd one = {end, 0, 0};
+        if (stall) poll(&one, 1, -1);
+      });
+      lseek(document.fd, 0, SEEK_SET);
+      NC_SetDeadline(pair.fd, stall ? 30 : 20000);
+      errno = 0;
+      EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document.fd,
+                                      static_cast<int64_t>(content.size()), nullptr, nullptr),
+                NC_ERROR);
+      if (stall) {
+        EXPECT_EQ(errno, ETIMEDOUT) << taken;
+      }
+    }
+  }
+}
+
+}  // namespace
