@@ -1,1 +1,3 @@
-target_sources(xw PRIVATE ${CMAKE_CURRENT_LIST_DIR}/requests.cc)
+target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/requests.cc
+  ${CMAKE_CURRENT_LIST_DIR}/uris.cc)

@@ -4,6 +4,7 @@
 namespace platform {
 
 const Display* const kDisplays[] = {
+    &kX11Display,
     &kHeadlessDisplay,
     nullptr,
 };

@@ -1,0 +1,20 @@
+// Characters of key symbols, dead keys and compose sequences.
+#pragma once
+#include <cstdint>
+
+namespace platform::x11 {
+
+struct Composed {
+  uint32_t keysym = 0, unicode = 0;  // both 0: the key is part of an unfinished sequence
+};
+
+// Takes the symbol of a pressed key. The result of a sequence stands in place of its last key. A
+// dead key reports its symbol and no character.
+Composed Compose(uint32_t keysym);
+// Forgets a sequence begun.
+void ResetCompose();
+void CloseCompose();
+// The character of a symbol, 0 when it has none.
+uint32_t UnicodeOfKeysym(uint32_t keysym);
+
+}  // namespace platform::x11

@@ -1,0 +1,279 @@
+// From the server's events to reports: one table from event to handler.
+#include <xcb/randr.h>
+#include <xcb/xinput.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+
+#include "platform/display/x11/x.h"
+#include "platform/display/x11/xkb.h"
+
+namespace platform::x11 {
+
+namespace {
+
+template <class T>
+const T* As(const xcb_generic_event_t* e) {
+  return reinterpret_cast<const T*>(e);
+}
+
+// The server counts milliseconds in 32 bits from some moment of its own. The smallest delay seen is
+// taken as none.
+double LocalTime(xcb_timestamp_t t) {
+  static bool known = false;
+  static uint32_t last = 0;
+  static double server = 0, offset = 0;  // seconds
+  const double now = Now();
+  if (t == 0) return now;
+  server += known ? int32_t(t - last) / 1000.0 : 0;
+  last = t;
+  if (!known || now - server < offset) offset = now - server;
+  known = true;
+  return std::min(server + offset, now);
+}
+
+// A later configure of the same window is waiting: this one is stale.
+bool Superseded(const xcb_configure_notify_event_t* e) {
+  for (const xcb_generic_event_t* p : x.pending) {
+    const auto* later = As<xcb_configure_notify_event_t>(p);
+    if ((p->response_type & 0x7F) == XCB_CONFIGURE_NOTIFY && later->window == e->window) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void ReportBounds(Native* n, DeviceRect r) {
+  if (n->bounds_known && n->bounds == r) return;
+  n->bounds = r;
+  n->bounds_known = true;
+  RawEvent* out = Emit(RawEvent::kConfigure, n);
+  out->root_x = float(r.left);
+  out->root_y = float(r.top);
+  out->width = r.width();
+  out->height = r.height();
+}
+
+// A synthetic event has the position on the screen; a real one that within the frame.
+void OnConfigure(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_configure_notify_event_t>(event);
+  if (e->window == x.screen->root) return;  // the monitors have an event of their own
+  Native* n = FindNative(e->window);
+  if (n == nullptr || Superseded(e)) return;
+  int left = e->x, top = e->y;
+  if ((event->response_type & 0x80) == 0 && n->reparented) {
+    Reply<xcb_translate_coordinates_reply_t> at(xcb_translate_coordinates_reply(
+        x.c, xcb_translate_coordinates(x.c, n->id, x.screen->root, 0, 0), nullptr));
+    if (!at) return;
+    left = at->dst_x;
+    top = at->dst_y;
+  }
+  ReportBounds(n, {left, top, left + e->width, top + e->height});
+}
+
+void OnReparent(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_reparent_notify_event_t>(event);
+  if (Native* n = FindNative(e->window)) n->reparented = e->parent != x.screen->root;
+}
+
+void OnMap(const xcb_generic_event_t* event) {
+  if (Native* n = FindNative(As<xcb_map_notify_event_t>(event)->window)) {
+    Emit(RawEvent::kShown, n);
+  }
+}
+
+void OnUnmap(const xcb_generic_event_t* event) {
+  if (Native* n = FindNative(As<xcb_unmap_notify_event_t>(event)->window)) {
+    ReleaseKeys(n, 0);
+    Emit(RawEvent::kHidden, n);
+  }
+}
+
+// The buffer still has what the screen lost. Before the first picture there is nothing to show.
+void OnExpose(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_expose_event_t>(event);
+  Native* n = FindNative(e->window);
+  if (n == nullptr || !n->presented) return;
+  const DeviceRect r{e->x, e->y, e->x + e->width, e->y + e->height};
+  Present(n->w, &r, 1);
+}
+
+// Focus that moves because a key or the pointer is grabbed for a moment is still ours.
+void OnFocus(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_focus_in_event_t>(event);
+  Native* n = FindNative(e->event);
+  const bool in = (event->response_type & 0x7F) == XCB_FOCUS_IN;
+  if (n == nullptr) return;
+  if (!in) ReleaseKeys(n, 0);
+  const bool transient = e->mode == XCB_NOTIFY_MODE_GRAB || e->mode == XCB_NOTIFY_MODE_UNGRAB;
+  const bool by_pointer =
+      e->detail == XCB_NOTIFY_DETAIL_POINTER || e->detail == XCB_NOTIFY_DETAIL_POINTER_ROOT;
+  if (transient || by_pointer || e->detail == XCB_NOTIFY_DETAIL_INFERIOR) return;
+  Emit(in ? RawEvent::kFocusIn : RawEvent::kFocusOut, n);
+}
+
+void OnProperty(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_property_notify_event_t>(event);
+  if (e->atom == Atom(kNetFrameExtents)) {
+    if (Native* n = FindNative(e->window)) ReadFrameExtents(n);
+  } else if ((e->window == x.screen->root && e->atom == XCB_ATOM_RESOURCE_MANAGER) ||
+             (e->window == x.settings_owner && e->atom == Atom(kXsettingsSettings))) {
+    RefreshScreens();
+  }
+}
+
+void OnProtocol(Native* n, const xcb_client_message_event_t* e) {
+  const xcb_atom_t what = e->data.data32[0];
+  if (what == Atom(kWmDeleteWindow)) {
+    Emit(RawEvent::kClose, n, e->data.data32[1]);
+  } else if (what == Atom(kNetWmPing)) {
+    SendClientMessage(x.screen->root, x.screen->root, kWmProtocols, e->data.data32,
+                      XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+  }
+}
+
+void OnClientMessage(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_client_message_event_t>(event);
+  if (e->format != 32) return;
+  if (e->type == Atom(kManager) && e->data.data32[1] == Atom(kXsettingsSelection)) {
+    RefreshScreens();
+    return;
+  }
+  Native* n = FindNative(e->window);
+  if (n == nullptr) return;
+  if (e->type == Atom(kWmProtocols)) {
+    OnProtocol(n, e);
+  } else {
+    HandleDropMessage(n, e);
+  }
+}
+
+void OnSelection(const xcb_generic_event_t* event) {
+  HandleDropData(As<xcb_selection_notify_event_t>(event));
+}
+
+void OnKeyPress(const xcb_generic_event_t* e) {
+  HandleKey(As<xcb_key_press_event_t>(e), true);
+}
+void OnKeyRelease(const xcb_generic_event_t* e) {
+  HandleKey(As<xcb_key_press_event_t>(e), false);
+}
+void OnButtonPress(const xcb_generic_event_t* e) {
+  HandleButton(As<xcb_button_press_event_t>(e), true);
+}
+void OnButtonRelease(const xcb_generic_event_t* e) {
+  HandleButton(As<xcb_button_press_event_t>(e), false);
+}
+void OnMotion(const xcb_generic_event_t* e) {
+  HandleMotion(As<xcb_motion_notify_event_t>(e));
+}
+void OnEnter(const xcb_generic_event_t* e) {
+  HandleCrossing(As<xcb_enter_notify_event_t>(e), true);
+}
+void OnLeave(const xcb_generic_event_t* e) {
+  HandleCrossing(As<xcb_enter_notify_event_t>(e), false);
+}
+
+void OnGeneric(const xcb_generic_event_t* event) {
+  const auto* e = As<xcb_ge_generic_event_t>(event);
+  if (x.xi_opcode != 0 && e->extension == x.xi_opcode) HandleInput2(e);
+}
+
+struct Route {
+  uint8_t type;
+  void (*handle)(const xcb_generic_event_t* event);
+};
+constexpr Route kRoutes[] = {
+    {XCB_KEY_PRESS, OnKeyPress},
+    {XCB_KEY_RELEASE, OnKeyRelease},
+    {XCB_BUTTON_PRESS, OnButtonPress},
+    {XCB_BUTTON_RELEASE, OnButtonRelease},
+    {XCB_MOTION_NOTIFY, OnMotion},
+    {XCB_ENTER_NOTIFY, OnEnter},
+    {XCB_LEAVE_NOTIFY, OnLeave},
+    {XCB_FOCUS_IN, OnFocus},
+    {XCB_FOCUS_OUT, OnFocus},
+    {XCB_EXPOSE, OnExpose},
+    {XCB_MAP_NOTIFY, OnMap},
+    {XCB_UNMAP_NOTIFY, OnUnmap},
+    {XCB_REPARENT_NOTIFY, OnReparent},
+    {XCB_CONFIGURE_NOTIFY, OnConfigure},
+    {XCB_PROPERTY_NOTIFY, OnProperty},
+    {XCB_SELECTION_NOTIFY, OnSelection},
+    {XCB_CLIENT_MESSAGE, OnClientMessage},
+    {XCB_GE_GENERIC, OnGeneric},
+};
+
+void Dispatch(const xcb_generic_event_t* event) {
+  const uint8_t type = event->response_type & 0x7F;
+  if (x.randr_event != 0 && type == x.randr_event + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
+    RefreshScreens();
+  } else if (x.xkb_event != 0 && type == x.xkb_event) {
+    HandleXkb(event);
+  } else {
+    for (const Route& r : kRoutes) {
+      if (r.type == type) return r.handle(event);
+    }
+  }
+}
+
+// What the first picture does not need is opened once that picture is out and nothing waits.
+void OpenLate() {
+  x.late_done = true;
+  OpenPointer();
+  OpenKeyboard();
+}
+
+}  // namespace
+
+double Now() {
+  timespec t{};
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t) {
+  RawEvent& e = x.out.emplace_back();
+  e.type = type;
+  e.window = n != nullptr ? n->w : nullptr;
+  e.time = LocalTime(t);
+  return &e;
+}
+
+void Pump() {
+  while (xcb_generic_event_t* e = xcb_poll_for_event(x.c)) {
+    if (e->response_type != 0) {
+      x.pending.push_back(e);
+      continue;
+    }
+    HandleSharedMemoryError(reinterpret_cast<const xcb_generic_error_t*>(e));
+    free(e);
+  }
+}
+
+bool NextEvent(RawEvent* out) {
+  if (x.c == nullptr) return false;
+  if (x.out.empty() && x.pending.empty()) Pump();
+  while (x.out.empty() && !x.pending.empty()) {
+    xcb_generic_event_t* e = x.pending.front();
+    x.pending.pop_front();
+    Dispatch(e);
+    free(e);
+    if (x.pending.empty()) Pump();
+  }
+  if (x.out.empty() && !x.lost && xcb_connection_has_error(x.c)) {
+    x.lost = true;
+    Emit(RawEvent::kDisplayLost, nullptr);
+  }
+  if (x.out.empty()) {
+    if (x.shown && !x.late_done && !x.lost) OpenLate();
+    xcb_flush(x.c);
+    return false;
+  }
+  *out = x.out.front();
+  x.out.pop_front();
+  return true;
+}
+
+}  // namespace platform::x11

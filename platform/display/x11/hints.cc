@@ -1,0 +1,211 @@
+// What the window manager is told about a window.
+#include <unistd.h>
+#include <xcb/xcb_icccm.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cmath>
+#include <cstring>
+
+#include "platform/display/x11/x.h"
+
+namespace platform::x11 {
+
+namespace {
+
+// What each class of windows is to the desktop.
+struct ClassStyle {
+  int window_class;
+  AtomIndex type;
+  bool decorated;
+  bool transient;  // for the first window when the record names none
+};
+constexpr ClassStyle kClassStyles[] = {
+    {kAlertWindowClass, kNetWmWindowTypeDialog, true, true},
+    {kModalWindowClass, kNetWmWindowTypeDialog, true, true},
+    {kFloatingWindowClass, kNetWmWindowTypeUtility, true, false},
+    {kDocumentWindowClass, kNetWmWindowTypeNormal, true, false},
+    {kToolbarWindowClass, kNetWmWindowTypeUtility, false, false},
+    {kSimpleWindowClass, kNetWmWindowTypeNormal, false, false},
+};
+constexpr ClassStyle kDockedStyle = {0, kNetWmWindowTypeUtility, false, true};
+
+// Attributes and what they allow: functions and decorations of the Motif hints.
+struct AttributeHint {
+  uint32_t attribute, functions, decorations;
+};
+constexpr AttributeHint kAttributeHints[] = {
+    {kWindowResizableAttribute, 2, 4},
+    {kWindowCollapseBoxAttribute, 8, 32},
+    {kWindowFullZoomAttribute, 16, 64},
+    {kWindowCloseBoxAttribute, 32, 0},
+};
+constexpr uint32_t kMoveFunction = 4, kFrameDecorations = 2 | 8 | 16;  // border, title, menu
+
+// States of the record as the desktop names them. The second name may be absent.
+struct StateAtoms {
+  uint32_t bit;
+  AtomIndex first, second;
+};
+constexpr StateAtoms kStateAtoms[] = {
+    {kStateFullScreen, kNetWmStateFullscreen, kAtomCount},
+    {kStateModal, kNetWmStateModal, kAtomCount},
+    {kStateDocked, kNetWmStateSkipTaskbar, kNetWmStateSkipPager},
+};
+
+const ClassStyle& StyleOf(const Window& w) {
+  if ((w.state & kStateDocked) != 0) return kDockedStyle;
+  for (const ClassStyle& s : kClassStyles) {
+    if (s.window_class == w.window_class) return s;
+  }
+  return kClassStyles[3];
+}
+
+void SetProperty(xcb_window_t id, xcb_atom_t property, xcb_atom_t type, const void* data,
+                 size_t words) {
+  xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, id, property, type, 32, uint32_t(words), data);
+}
+
+void SetText(xcb_window_t id, xcb_atom_t property, xcb_atom_t type, const std::string& text) {
+  xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, id, property, type, 8, uint32_t(text.size()),
+                      text.data());
+}
+
+void SetMotifHints(const Native& n, const ClassStyle& style) {
+  uint32_t functions = kMoveFunction, decorations = style.decorated ? kFrameDecorations : 0;
+  for (const AttributeHint& h : kAttributeHints) {
+    if ((n.w->attributes & h.attribute) == 0) continue;
+    functions |= h.functions;
+    if (style.decorated) decorations |= h.decorations;
+  }
+  const uint32_t hints[5] = {1 | 2, functions, decorations, 0, 0};
+  SetProperty(n.id, Atom(kMotifWmHints), Atom(kMotifWmHints), hints, 5);
+}
+
+void SetTransient(const Native& n, const ClassStyle& style) {
+  xcb_window_t parent = 0;
+  if (const Native* p = NativeOf(n.w->transient_for)) parent = p->id;
+  if (parent == 0 && style.transient) parent = x.leader;
+  if (parent == 0 || parent == n.id) {
+    xcb_delete_property(x.c, n.id, XCB_ATOM_WM_TRANSIENT_FOR);
+  } else {
+    SetProperty(n.id, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, &parent, 1);
+  }
+}
+
+uint32_t WishedStates(const Window& w) {
+  return w.state & (kStateFullScreen | kStateModal | kStateDocked);
+}
+
+// A mapped window's state belongs to the window manager: it is asked.
+void AskStates(Native* n) {
+  const uint32_t wished = WishedStates(*n->w);
+  for (const StateAtoms& s : kStateAtoms) {
+    if (((wished ^ n->states) & s.bit) == 0) continue;
+    const uint32_t second = s.second == kAtomCount ? 0 : Atom(s.second);
+    const uint32_t data[5] = {(wished & s.bit) != 0 ? 1u : 0u, Atom(s.first), second, 1, 0};
+    SendClientMessage(x.screen->root, n->id, kNetWmState, data,
+                      XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+  }
+  n->states = wished;
+}
+
+// The step of one axis in device pixels; 1 where it would not be whole.
+int DeviceStep(int step) {
+  const double device = step * x.scale;
+  return step > 1 && device == std::floor(device) && device < 32767 ? int(device) : 1;
+}
+
+}  // namespace
+
+void SetIdentity(const Native& n) {
+  std::string names = program_invocation_short_name;
+  names.push_back('\0');
+  names += x.session_name.empty() ? program_invocation_short_name : x.session_name;
+  names.push_back('\0');
+  SetText(n.id, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, names);
+  char host[256] = {};
+  if (gethostname(host, sizeof host - 1) == 0) {
+    SetText(n.id, XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, host);
+    const uint32_t pid = uint32_t(getpid());
+    SetProperty(n.id, Atom(kNetWmPid), XCB_ATOM_CARDINAL, &pid, 1);
+  }
+  const xcb_atom_t protocols[] = {Atom(kWmDeleteWindow), Atom(kNetWmPing)};
+  SetProperty(n.id, Atom(kWmProtocols), XCB_ATOM_ATOM, protocols, 2);
+  xcb_icccm_wm_hints_t hints{};
+  xcb_icccm_wm_hints_set_input(&hints, 1);
+  xcb_icccm_wm_hints_set_normal(&hints);
+  xcb_icccm_wm_hints_set_window_group(&hints, x.leader);
+  xcb_icccm_set_wm_hints(x.c, n.id, &hints);
+  const xcb_atom_t version = 5;
+  SetProperty(n.id, Atom(kXdndAware), XCB_ATOM_ATOM, &version, 1);
+}
+
+void SetTitle(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  const std::string shown = w->modified ? "\u2022 " + w->title : w->title;
+  SetText(n->id, Atom(kNetWmName), Atom(kUtf8String), shown);
+  SetText(n->id, XCB_ATOM_WM_NAME, Atom(kUtf8String), shown);
+}
+
+// The window manager measures the whole window, so the menu strip is part of every figure.
+void SetSizeHints(const Native& n) {
+  const Window& w = *n.w;
+  const int width = w.content.width(), height = w.content.height();
+  auto device = [](int v) { return std::min(DeviceEdge(std::clamp(v, 0, 32767), x.scale), 32767); };
+  const DeviceRect bounds = DeviceBounds(w);
+  xcb_size_hints_t h{};
+  h.flags = XCB_ICCCM_SIZE_HINT_P_POSITION | XCB_ICCCM_SIZE_HINT_US_POSITION |
+            XCB_ICCCM_SIZE_HINT_P_SIZE | XCB_ICCCM_SIZE_HINT_P_WIN_GRAVITY;
+  h.x = bounds.left;
+  h.y = bounds.top;
+  h.width = bounds.width();
+  h.height = bounds.height();
+  // What is asked for is the place of the content, not that of the frame.
+  h.win_gravity = XCB_GRAVITY_STATIC;
+  const bool fixed = !w.has_limits || (w.attributes & kWindowResizableAttribute) == 0;
+  if ((w.state & kStateFullScreen) == 0) {
+    const SizeLimits& l = w.limits;
+    h.flags |= XCB_ICCCM_SIZE_HINT_P_MIN_SIZE | XCB_ICCCM_SIZE_HINT_P_MAX_SIZE;
+    h.min_width = device(fixed ? width : std::min(l.min_width, width));
+    h.min_height = device((fixed ? height : std::min(l.min_height, height)) + w.strip);
+    h.max_width = device(fixed ? width : std::max(l.max_width, width));
+    h.max_height = device((fixed ? height : std::max(l.max_height, height)) + w.strip);
+    const int step_x = DeviceStep(l.step_x), step_y = DeviceStep(l.step_y);
+    if (!fixed && (step_x > 1 || step_y > 1)) {
+      h.flags |= XCB_ICCCM_SIZE_HINT_P_RESIZE_INC | XCB_ICCCM_SIZE_HINT_BASE_SIZE;
+      h.width_inc = step_x;
+      h.height_inc = step_y;
+      h.base_width = device(width) % step_x;
+      h.base_height = (bounds.height() - device(w.strip)) % step_y + device(w.strip);
+    }
+  }
+  xcb_icccm_set_wm_normal_hints(x.c, n.id, &h);
+}
+
+void SetHints(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  const ClassStyle& style = StyleOf(*w);
+  SetProperty(n->id, Atom(kNetWmWindowType), XCB_ATOM_ATOM, &x.atoms[style.type], 1);
+  SetMotifHints(*n, style);
+  SetTransient(*n, style);
+  SetSizeHints(*n);
+  if (n->mapped) AskStates(n);
+}
+
+void WriteStates(Native* n) {
+  xcb_atom_t atoms[8];
+  size_t count = 0;
+  n->states = WishedStates(*n->w);
+  for (const StateAtoms& s : kStateAtoms) {
+    if ((n->states & s.bit) == 0) continue;
+    atoms[count++] = Atom(s.first);
+    if (s.second != kAtomCount) atoms[count++] = Atom(s.second);
+  }
+  SetProperty(n->id, Atom(kNetWmState), XCB_ATOM_ATOM, atoms, count);
+}
+
+}  // namespace platform::x11

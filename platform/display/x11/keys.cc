@@ -1,0 +1,286 @@
+// The keyboard: the server's keymap, held keys, dead keys and compose sequences.
+//
+// The keymap comes from the server through its XKB extension, so that whatever changed it (a layout
+// switch, a remapped key) is followed. Names of symbols and sequences are xkbcommon's, loaded when
+// the first key is pressed.
+
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/display/x11/compose.h"
+#include "platform/display/x11/x.h"
+#include "platform/display/x11/xkb.h"
+
+namespace platform::x11 {
+
+namespace {
+
+constexpr uint32_t kShiftR = 0xFFE2, kControlR = 0xFFE4, kAltR = 0xFFEA, kMetaR = 0xFFE8;
+
+struct KeyType {
+  uint8_t mask = 0;
+  struct Entry {
+    uint8_t mods, level;
+  };
+  std::vector<Entry> entries;
+};
+struct Key {
+  uint8_t types[4] = {};
+  uint8_t group_info = 0, width = 0;
+  std::vector<uint32_t> syms;
+};
+struct Keymap {
+  std::vector<KeyType> types;
+  Key keys[256];
+  uint8_t alt = XCB_MOD_MASK_1, super = XCB_MOD_MASK_4;
+};
+
+// What a held key was reported as, so that its release tells the same.
+struct Held {
+  bool down = false;
+  uint32_t keysym = 0, unicode = 0;
+};
+
+struct Keyboard {
+  bool loaded = false;
+  Keymap map;
+  Held held[256];
+  uint32_t reported = 0;  // modifiers
+  uint32_t state = 0;     // the server's, as last told
+};
+Keyboard k;
+
+xcb_xkb_get_map_reply_t* AskMap() {
+  constexpr uint16_t kParts =
+      XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+  auto cookie = xcb_xkb_get_map(x.c, XCB_XKB_ID_USE_CORE_KBD, kParts, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                                0, 0, 0, 0, 0, 0);
+  return xcb_xkb_get_map_reply(x.c, cookie, nullptr);
+}
+
+void TakeTypes(xcb_xkb_key_type_iterator_t it, Keymap* map) {
+  for (; it.rem != 0; xcb_xkb_key_type_next(&it)) {
+    KeyType type;
+    type.mask = it.data->mods_mask;
+    const xcb_xkb_kt_map_entry_t* entries = xcb_xkb_key_type_map(it.data);
+    for (int i = 0; i < xcb_xkb_key_type_map_length(it.data); ++i) {
+      if (entries[i].active) type.entries.push_back({entries[i].mods_mask, entries[i].level});
+    }
+    map->types.push_back(std::move(type));
+  }
+}
+
+void TakeSyms(xcb_xkb_key_sym_map_iterator_t it, int code, Keymap* map) {
+  for (; it.rem != 0 && code < 256; xcb_xkb_key_sym_map_next(&it), ++code) {
+    Key& key = map->keys[code];
+    memcpy(key.types, it.data->kt_index, sizeof key.types);
+    key.group_info = it.data->groupInfo;
+    key.width = it.data->width;
+    const xcb_keysym_t* syms = xcb_xkb_key_sym_map_syms(it.data);
+    key.syms.assign(syms, syms + xcb_xkb_key_sym_map_syms_length(it.data));
+  }
+}
+
+// Which of the eight modifiers carry Alt and Super here.
+void TakeModifiers(const xcb_xkb_key_mod_map_t* entries, int count, Keymap* map) {
+  uint8_t alt = 0, super = 0;
+  for (int i = 0; i < count; ++i) {
+    for (uint32_t sym : map->keys[entries[i].keycode].syms) {
+      if (sym == 0xFFE9 || sym == kAltR) alt |= entries[i].mods;
+      if (sym == 0xFFEB || sym == 0xFFEC) super |= entries[i].mods;
+    }
+  }
+  if (alt != 0) map->alt = alt;
+  if (super != 0) map->super = uint8_t(super & ~map->alt);
+}
+
+void LoadKeymap() {
+  k.loaded = true;
+  Reply<xcb_xkb_get_map_reply_t> r(AskMap());
+  if (!r) return;
+  xcb_xkb_get_map_map_t parts{};
+  xcb_xkb_get_map_map_unpack(xcb_xkb_get_map_map(r.p), r->nTypes, r->nKeySyms, r->nKeyActions,
+                             r->totalActions, r->totalKeyBehaviors, r->virtualMods,
+                             r->totalKeyExplicit, r->totalModMapKeys, r->totalVModMapKeys,
+                             r->present, &parts);
+  k.map = Keymap{};
+  TakeTypes(xcb_xkb_get_map_map_types_rtrn_iterator(r.p, &parts), &k.map);
+  TakeSyms(xcb_xkb_get_map_map_syms_rtrn_iterator(r.p, &parts), r->firstKeySym, &k.map);
+  TakeModifiers(parts.modmap_rtrn, r->totalModMapKeys, &k.map);
+}
+
+// A group that the key has not is brought among those it has, as the key itself tells.
+int FitGroup(const Key& key, int group) {
+  const int count = key.group_info & 0x0F;
+  if (group < count) return group;
+  switch (key.group_info & 0xC0) {
+    case XCB_XKB_GROUPS_WRAP_CLAMP_INTO_RANGE:
+      return count - 1;
+    case XCB_XKB_GROUPS_WRAP_REDIRECT_INTO_RANGE: {
+      const int to = (key.group_info >> 4) & 3;
+      return to < count ? to : 0;
+    }
+    default:
+      return group % count;
+  }
+}
+
+uint32_t Lookup(uint8_t code, int group, uint8_t mods) {
+  const Key& key = k.map.keys[code];
+  if ((key.group_info & 0x0F) == 0 || key.syms.empty()) return 0;
+  group = FitGroup(key, group);
+  size_t level = 0;
+  const size_t type = key.types[group & 3];
+  if (type < k.map.types.size()) {
+    const KeyType& t = k.map.types[type];
+    for (const KeyType::Entry& e : t.entries) {
+      if (e.mods == (mods & t.mask)) level = e.level;
+    }
+  }
+  const size_t at = size_t(group) * key.width + level;
+  return level < key.width && at < key.syms.size() ? key.syms[at] : 0;
+}
+
+bool HeldSym(uint32_t a, uint32_t b) {
+  for (int code = 8; code < 256; ++code) {
+    if (!k.held[code].down) continue;
+    const Key& key = k.map.keys[code];
+    if (!key.syms.empty() && (key.syms[0] == a || key.syms[0] == b)) return true;
+  }
+  return false;
+}
+
+Native* FocusedNative() {
+  for (auto& [id, n] : x.windows) {
+    if (n->w->focused) return n;
+  }
+  return nullptr;
+}
+
+void ReportModifiers(Native* n, xcb_timestamp_t time) {
+  const uint32_t now = Modifiers(k.state);
+  if (now == k.reported || n == nullptr) return;
+  k.reported = now;
+  Emit(RawEvent::kModifiers, n, time)->modifiers = now;
+}
+
+void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time) {
+  RawEvent* e = Emit(type, n, time);
+  e->keycode = code;
+  e->keysym = k.held[code].keysym;
+  e->unicode = k.held[code].unicode;
+  e->base_keysym = Lookup(code, 0, 0);
+  e->modifiers = Modifiers(k.state);
+}
+
+void SelectXkb() {
+  constexpr uint16_t kMapParts =
+      XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+  constexpr uint16_t kEvents = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY |
+                               XCB_XKB_EVENT_TYPE_MAP_NOTIFY | XCB_XKB_EVENT_TYPE_STATE_NOTIFY;
+  xcb_xkb_select_events(x.c, XCB_XKB_ID_USE_CORE_KBD, kEvents, 0, kEvents, kMapParts, kMapParts,
+                        nullptr);
+  // Without this every auto-repeat would look like a release and a press.
+  xcb_discard_reply(
+      x.c, xcb_xkb_per_client_flags(x.c, XCB_XKB_ID_USE_CORE_KBD,
+                                    XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
+                                    XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0)
+               .sequence);
+}
+
+}  // namespace
+
+void OpenKeyboard() {
+  const xcb_query_extension_reply_t* ext = xcb_get_extension_data(x.c, &xcb_xkb_id);
+  if (ext == nullptr || !ext->present) return;
+  Reply<xcb_xkb_use_extension_reply_t> use(
+      xcb_xkb_use_extension_reply(x.c, xcb_xkb_use_extension(x.c, 1, 0), nullptr));
+  if (!use || !use->supported) return;
+  x.xkb_event = ext->first_event;
+  SelectXkb();
+  auto cookie = xcb_xkb_get_state(x.c, XCB_XKB_ID_USE_CORE_KBD);
+  LoadKeymap();
+  Reply<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(x.c, cookie, nullptr));
+  if (state) k.state = uint32_t(state->mods) | uint32_t(state->group) << 13;
+}
+
+void CloseKeyboard() {
+  CloseCompose();
+  k = Keyboard{};
+}
+
+uint32_t Modifiers(uint32_t state) {
+  uint32_t out = 0;
+  if ((state & XCB_MOD_MASK_SHIFT) != 0) {
+    const bool right = HeldSym(kShiftR, kShiftR);
+    if (right) out |= rightShiftKey;
+    if (!right || HeldSym(0xFFE1, 0xFFE1)) out |= shiftKey;
+  }
+  if ((state & XCB_MOD_MASK_CONTROL) != 0) {
+    const bool right = HeldSym(kControlR, kControlR);
+    if (right) out |= rightControlKey;
+    if (!right || HeldSym(0xFFE3, 0xFFE3)) out |= controlKey;
+  }
+  if ((state & k.map.alt) != 0) {
+    const bool right = HeldSym(kAltR, kMetaR);
+    if (right) out |= rightOptionKey;
+    if (!right || HeldSym(0xFFE9, 0xFFE7)) out |= optionKey;
+  }
+  if ((state & XCB_MOD_MASK_LOCK) != 0) out |= alphaLock;
+  if ((state & k.map.super) != 0) out |= cmdKey;
+  return out;
+}
+
+void HandleKey(const xcb_key_press_event_t* e, bool press) {
+  if (!x.late_done) {
+    x.late_done = true;
+    OpenPointer();
+    OpenKeyboard();
+  }
+  Native* n = FindNative(e->event);
+  Held& held = k.held[e->detail];
+  if (n == nullptr || (!press && !held.down)) return;
+  x.user_time = e->time;
+  k.state = e->state;
+  if (!press) {
+    held.down = false;
+    EmitKey(RawEvent::kKeyUp, n, e->detail, e->time);
+    return;
+  }
+  const bool repeat = held.down;
+  held.down = true;
+  if (!repeat) {
+    const uint32_t sym = Lookup(e->detail, (e->state >> 13) & 3, uint8_t(e->state));
+    const Composed composed = Compose(sym);
+    held.keysym = composed.keysym;
+    held.unicode = composed.unicode;
+  }
+  EmitKey(repeat ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, n, e->detail, e->time);
+}
+
+void HandleXkb(const xcb_generic_event_t* event) {
+  const auto* state = reinterpret_cast<const xcb_xkb_state_notify_event_t*>(event);
+  switch (state->xkbType) {
+    case XCB_XKB_NEW_KEYBOARD_NOTIFY:
+    case XCB_XKB_MAP_NOTIFY:
+      LoadKeymap();
+      break;
+    case XCB_XKB_STATE_NOTIFY:
+      k.state = uint32_t(state->mods) | uint32_t(state->group & 3) << 13;
+      ReportModifiers(FocusedNative(), state->time);
+      break;
+    default:
+      break;
+  }
+}
+
+void ReleaseKeys(Native* n, xcb_timestamp_t time) {
+  for (int code = 8; code < 256; ++code) {
+    if (!k.held[code].down) continue;
+    k.held[code].down = false;
+    EmitKey(RawEvent::kKeyUp, n, uint8_t(code), time);
+  }
+  ResetCompose();
+}
+
+}  // namespace platform::x11

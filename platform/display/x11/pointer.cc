@@ -1,0 +1,222 @@
+// The pointer: buttons, motion, wheel; from the second input extension when there is one, which
+// brings fractions of a notch and the axes of tablets.
+#include <xcb/xinput.h>
+
+#include <algorithm>
+
+#include "platform/display/x11/tablet.h"
+#include "platform/display/x11/x.h"
+
+namespace platform::x11 {
+
+namespace {
+
+// Logical pixels of one notch of a wheel.
+constexpr double kNotch = 48;
+// Buttons of the server, from 1 on: ours, and which way a notch of the wheel goes.
+struct ButtonMeaning {
+  uint8_t button;
+  int8_t dx, dy;
+};
+constexpr ButtonMeaning kButtons[] = {{1, 0, 0},  {3, 0, 0}, {2, 0, 0}, {0, 0, -1}, {0, 0, 1},
+                                      {0, -1, 0}, {0, 1, 0}, {4, 0, 0}, {5, 0, 0}};
+
+constexpr uint32_t kEvents =
+    XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
+    XCB_INPUT_XI_EVENT_MASK_MOTION | XCB_INPUT_XI_EVENT_MASK_DEVICE_CHANGED;
+
+std::vector<PointerDevice> devices;
+
+PointerDevice* FindDevice(int id) {
+  for (PointerDevice& d : devices) {
+    if (d.id == id) return &d;
+  }
+  return nullptr;
+}
+
+RawEvent* EmitPointer(RawEvent::Type type, Native* n, const PointerEvent& e) {
+  RawEvent* out = Emit(type, n, e.time);
+  out->x = float(e.x);
+  out->y = float(e.y);
+  out->root_x = float(e.root_x);
+  out->root_y = float(e.root_y);
+  out->modifiers = Modifiers(e.state);
+  const PointerDevice* device = FindDevice(e.source);
+  if (device != nullptr && device->is_tablet()) {
+    out->tablet_type = uint8_t(kEventTabletPoint);
+    out->tablet = device->tablet;
+  }
+  return out;
+}
+
+void EmitScroll(Native* n, const PointerEvent& e, double dx, double dy) {
+  RawEvent* out = EmitPointer(RawEvent::kScroll, n, e);
+  out->dx = float(dx * kNotch);
+  out->dy = float(dy * kNotch);
+}
+
+void OnButton(Native* n, const PointerEvent& e, bool press) {
+  if (e.detail == 0 || e.detail > std::size(kButtons)) return;
+  const ButtonMeaning& meaning = kButtons[e.detail - 1];
+  if (press) x.user_time = e.time;
+  if (meaning.button != 0) {
+    EmitPointer(press ? RawEvent::kPress : RawEvent::kRelease, n, e)->button = meaning.button;
+  } else if (press) {
+    EmitScroll(n, e, meaning.dx, meaning.dy);
+  }
+}
+
+template <class T>
+PointerEvent FromCore(const T* e) {
+  PointerEvent p;
+  p.time = e->time;
+  p.detail = e->detail;
+  p.window = e->event;
+  p.root_x = e->root_x;
+  p.root_y = e->root_y;
+  p.x = e->event_x;
+  p.y = e->event_y;
+  p.state = e->state;
+  return p;
+}
+
+double Number(const xcb_input_fp3232_t& v) {
+  return v.integral + v.frac / 4294967296.0;
+}
+
+void TakeValuator(const xcb_input_valuator_class_t& v, PointerDevice* d) {
+  const Axis axis{v.number, Number(v.min), Number(v.max)};
+  if (v.label == XCB_ATOM_NONE) return;
+  if (v.label == Atom(kAbsPressure)) d->pressure = axis;
+  if (v.label == Atom(kAbsTiltX)) d->tilt_x = axis;
+  if (v.label == Atom(kAbsTiltY)) d->tilt_y = axis;
+}
+
+void TakeScrollClass(const xcb_input_scroll_class_t& s, PointerDevice* d) {
+  ScrollAxis& axis = s.scroll_type == XCB_INPUT_SCROLL_TYPE_VERTICAL ? d->vertical : d->horizontal;
+  axis.number = s.number;
+  axis.increment = Number(s.increment);
+}
+
+// Classes come with the device that they belong to, since a master shows those of its slave.
+void TakeClasses(xcb_input_device_class_iterator_t it) {
+  for (; it.rem != 0; xcb_input_device_class_next(&it)) {
+    const int id = it.data->sourceid;
+    if (it.data->type != XCB_INPUT_DEVICE_CLASS_TYPE_VALUATOR &&
+        it.data->type != XCB_INPUT_DEVICE_CLASS_TYPE_SCROLL) {
+      continue;
+    }
+    if (FindDevice(id) == nullptr) devices.emplace_back().id = id;
+    PointerDevice* d = FindDevice(id);
+    if (it.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_VALUATOR) {
+      TakeValuator(*reinterpret_cast<const xcb_input_valuator_class_t*>(it.data), d);
+    } else {
+      TakeScrollClass(*reinterpret_cast<const xcb_input_scroll_class_t*>(it.data), d);
+    }
+  }
+}
+
+// Positions of wheels are unknown again: the pointer was elsewhere, or another device moves it.
+void ForgetScroll() {
+  for (PointerDevice& d : devices) d.vertical.valid = d.horizontal.valid = false;
+}
+
+void OnDeviceChanged(const xcb_input_device_changed_event_t* e) {
+  if (e->reason == XCB_INPUT_CHANGE_REASON_DEVICE_CHANGE) {
+    std::erase_if(devices, [e](const PointerDevice& d) { return d.id == e->sourceid; });
+  }
+  TakeClasses(xcb_input_device_changed_classes_iterator(e));
+  ForgetScroll();
+}
+
+void OnMotion2(Native* n, const PointerEvent& e, PointerDevice* device) {
+  ScrollDelta delta;
+  if (device != nullptr) delta = TakeScroll(device, e);
+  if (delta.dx != 0 || delta.dy != 0) EmitScroll(n, e, delta.dx, delta.dy);
+  // A device that only turned its wheel has not moved.
+  const bool wheel_only =
+      device != nullptr && !e.values.empty() &&
+      std::all_of(e.values.begin(), e.values.end(), [device](const PointerEvent::Value& v) {
+        return v.axis == device->vertical.number || v.axis == device->horizontal.number;
+      });
+  if (!wheel_only) EmitPointer(RawEvent::kMotion, n, e);
+}
+
+}  // namespace
+
+void OpenPointer() {
+  const xcb_query_extension_reply_t* ext = xcb_get_extension_data(x.c, &xcb_input_id);
+  if (ext == nullptr || !ext->present) return;
+  auto version = xcb_input_xi_query_version(x.c, 2, 2);
+  auto query = xcb_input_xi_query_device(x.c, XCB_INPUT_DEVICE_ALL);
+  Reply<xcb_input_xi_query_version_reply_t> v(
+      xcb_input_xi_query_version_reply(x.c, version, nullptr));
+  Reply<xcb_input_xi_query_device_reply_t> all(
+      xcb_input_xi_query_device_reply(x.c, query, nullptr));
+  if (!v || !all || v->major_version < 2) return;
+  for (auto it = xcb_input_xi_query_device_infos_iterator(all.p); it.rem != 0;
+       xcb_input_xi_device_info_next(&it)) {
+    TakeClasses(xcb_input_xi_device_info_classes_iterator(it.data));
+  }
+  x.xi_opcode = ext->major_opcode;
+  for (auto& [id, n] : x.windows) SelectPointer(*n);
+}
+
+void ClosePointer() {
+  devices.clear();
+}
+
+void SelectPointer(const Native& n) {
+  if (x.xi_opcode == 0) return;
+  struct {
+    xcb_input_event_mask_t head;
+    uint32_t mask;
+  } select = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, kEvents};
+  xcb_input_xi_select_events(x.c, n.id, 1, &select.head);
+}
+
+void HandleButton(const xcb_button_press_event_t* e, bool press) {
+  if (Native* n = FindNative(e->event)) OnButton(n, FromCore(e), press);
+}
+
+void HandleMotion(const xcb_motion_notify_event_t* e) {
+  if (Native* n = FindNative(e->event)) EmitPointer(RawEvent::kMotion, n, FromCore(e));
+}
+
+// The start of a grab is no leaving.
+void HandleCrossing(const xcb_enter_notify_event_t* e, bool enter) {
+  Native* n = FindNative(e->event);
+  if (enter) ForgetScroll();
+  if (n == nullptr || e->mode == XCB_NOTIFY_MODE_GRAB || e->detail == XCB_NOTIFY_DETAIL_INFERIOR) {
+    return;
+  }
+  EmitPointer(enter ? RawEvent::kEnter : RawEvent::kLeave, n, FromCore(e));
+}
+
+void HandleInput2(const xcb_ge_generic_event_t* event) {
+  if (event->event_type == XCB_INPUT_DEVICE_CHANGED) {
+    OnDeviceChanged(reinterpret_cast<const xcb_input_device_changed_event_t*>(event));
+    return;
+  }
+  // The library keeps the long sequence number behind the first 32 bytes.
+  const size_t size = 36 + size_t(event->length) * 4;
+  PointerEvent e;
+  if (event->event_type < XCB_INPUT_BUTTON_PRESS || event->event_type > XCB_INPUT_MOTION ||
+      !DecodePointerEvent(reinterpret_cast<const uint8_t*>(event), size, &e)) {
+    return;
+  }
+  Native* n = FindNative(e.window);
+  PointerDevice* device = FindDevice(e.source);
+  if (n == nullptr) return;
+  if (device != nullptr && device->is_tablet()) TakeTablet(device, e);
+  if (event->event_type == XCB_INPUT_MOTION) {
+    OnMotion2(n, e, device);
+    return;
+  }
+  // A wheel that reports its position also clicks, for those who do not read it.
+  const bool emulated = (e.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) != 0;
+  if (emulated && device != nullptr && device->scrolls()) return;
+  OnButton(n, e, event->event_type == XCB_INPUT_BUTTON_PRESS);
+}
+
+}  // namespace platform::x11

@@ -1,0 +1,167 @@
+// Windows: made, shown, moved, raised, activated.
+#include <algorithm>
+
+#include "platform/display/x11/x.h"
+
+namespace platform::x11 {
+
+namespace {
+
+constexpr uint32_t kWindowEvents =
+    XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_BUTTON_PRESS |
+    XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW |
+    XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+    XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_PROPERTY_CHANGE;
+
+// The protocol's coordinates are 16 bits wide.
+int Clamp16(int v) {
+  return std::clamp(v, -32768, 32767);
+}
+uint32_t Side(int v) {
+  return uint32_t(std::clamp(v, 1, 32767));
+}
+
+xcb_window_t ReadWindow(xcb_get_property_cookie_t cookie) {
+  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
+  if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.p) < 4) return XCB_NONE;
+  return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.p));
+}
+
+// A window manager runs when its check window names itself.
+bool HasWindowManager() {
+  auto ask = [](xcb_window_t window) {
+    return xcb_get_property(x.c, 0, window, Atom(kNetSupportingWmCheck), XCB_ATOM_WINDOW, 0, 1);
+  };
+  const xcb_window_t check = ReadWindow(ask(x.screen->root));
+  return check != XCB_NONE && ReadWindow(ask(check)) == check;
+}
+
+}  // namespace
+
+void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
+                       uint32_t mask) {
+  xcb_client_message_event_t m{};
+  m.response_type = XCB_CLIENT_MESSAGE;
+  m.format = 32;
+  m.window = about;
+  m.type = Atom(type);
+  std::copy(data, data + 5, m.data.data32);
+  xcb_send_event(x.c, 0, to, mask, reinterpret_cast<const char*>(&m));
+}
+
+bool CreateNative(WindowRef w) {
+  if (xcb_connection_has_error(x.c)) return false;
+  auto* n = new Native;
+  const DeviceRect r = DeviceBounds(*w);
+  n->w = w;
+  n->id = xcb_generate_id(x.c);
+  n->bounds = r;
+  n->bounds_known = true;
+  // No background, and pixels that stay where they are: a resize does not flash.
+  const uint32_t mask = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY |
+                        XCB_CW_EVENT_MASK | (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
+  const uint32_t values[] = {XCB_BACK_PIXMAP_NONE, 0, XCB_GRAVITY_NORTH_WEST, kWindowEvents,
+                             x.colormap};
+  xcb_create_window(x.c, x.depth, n->id, x.screen->root, int16_t(Clamp16(r.left)),
+                    int16_t(Clamp16(r.top)), uint16_t(Side(r.width())), uint16_t(Side(r.height())),
+                    0, XCB_WINDOW_CLASS_INPUT_OUTPUT, x.visual, mask, values);
+  if (x.leader == 0) x.leader = n->id;
+  w->native = n;
+  x.windows[n->id] = n;
+  SelectPointer(*n);
+  SetIdentity(*n);
+  SetTitle(w);
+  SetHints(w);
+  return true;
+}
+
+void DestroyNative(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  ForgetDrop(n);
+  FreeBuffer(n);
+  xcb_destroy_window(x.c, n->id);
+  x.windows.erase(n->id);
+  std::erase_if(x.out, [w](const RawEvent& e) { return e.window == w; });
+  w->native = nullptr;
+  delete n;
+}
+
+void MapNative(WindowRef w, bool shown) {
+  Native* n = NativeOf(w);
+  if (n == nullptr || n->mapped == shown) return;
+  if (shown) {
+    SetHints(w);
+    WriteStates(n);
+    n->mapped = true;
+    if (x.user_time != 0) {
+      xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, n->id, Atom(kNetWmUserTime),
+                          XCB_ATOM_CARDINAL, 32, 1, &x.user_time);
+    }
+    xcb_map_window(x.c, n->id);
+    return;
+  }
+  n->mapped = false;
+  xcb_unmap_window(x.c, n->id);
+  // Tells the window manager that this is a withdrawal even when it was iconified.
+  xcb_unmap_notify_event_t e{};
+  e.response_type = XCB_UNMAP_NOTIFY;
+  e.event = x.screen->root;
+  e.window = n->id;
+  xcb_send_event(x.c, 0, x.screen->root,
+                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                 reinterpret_cast<const char*>(&e));
+}
+
+void MoveResizeNative(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  const DeviceRect r = DeviceBounds(*w);
+  n->bounds_known = false;
+  SetSizeHints(*n);
+  const uint32_t values[] = {uint32_t(Clamp16(r.left)), uint32_t(Clamp16(r.top)), Side(r.width()),
+                             Side(r.height())};
+  xcb_configure_window(x.c, n->id,
+                       XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                           XCB_CONFIG_WINDOW_HEIGHT,
+                       values);
+}
+
+void RaiseNative(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  const uint32_t above = XCB_STACK_MODE_ABOVE;
+  xcb_configure_window(x.c, n->id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+void ActivateNative(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr || !n->mapped) return;
+  if (!HasWindowManager()) {
+    xcb_set_input_focus(x.c, XCB_INPUT_FOCUS_POINTER_ROOT, n->id, XCB_CURRENT_TIME);
+    return;
+  }
+  xcb_window_t current = XCB_NONE;
+  for (auto& [id, other] : x.windows) {
+    if (other->w->focused) current = id;
+  }
+  const uint32_t data[5] = {1, x.user_time, current, 0, 0};
+  SendClientMessage(x.screen->root, n->id, kNetActiveWindow, data,
+                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+}
+
+void ReadFrameExtents(Native* n) {
+  auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetFrameExtents), XCB_ATOM_CARDINAL, 0, 4);
+  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
+  Rect frame;
+  if (reply && reply->format == 32 && xcb_get_property_value_length(reply.p) >= 16) {
+    const auto* v = static_cast<const uint32_t*>(xcb_get_property_value(reply.p));
+    auto logical = [](uint32_t device) {
+      return LogicalSize(int(std::min<uint32_t>(device, 4096)), x.scale);
+    };
+    frame = {logical(v[0]), logical(v[2]), logical(v[1]), logical(v[3])};
+  }
+  n->w->frame = frame;
+}
+
+}  // namespace platform::x11

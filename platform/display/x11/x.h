@@ -1,0 +1,209 @@
+// The X display: what its files share. Nothing outside this folder includes an X header.
+#pragma once
+#include <xcb/xcb.h>
+#include <xcb/xproto.h>
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/display/display.h"
+#include "platform/windows/window.h"
+
+namespace platform::x11 {
+
+// Every atom that is used, by the name of its constant. All are asked for in one batch.
+#define XW_ATOMS(ATOM)                                         \
+  ATOM(kUtf8String, "UTF8_STRING")                             \
+  ATOM(kWmProtocols, "WM_PROTOCOLS")                           \
+  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                    \
+  ATOM(kWmState, "WM_STATE")                                   \
+  ATOM(kNetWmPing, "_NET_WM_PING")                             \
+  ATOM(kNetWmName, "_NET_WM_NAME")                             \
+  ATOM(kNetWmPid, "_NET_WM_PID")                               \
+  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                    \
+  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                 \
+  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                 \
+  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")      \
+  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                \
+  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")   \
+  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")   \
+  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY") \
+  ATOM(kNetWmState, "_NET_WM_STATE")                           \
+  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                \
+  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")      \
+  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")   \
+  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")       \
+  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                       \
+  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                   \
+  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")              \
+  ATOM(kManager, "MANAGER")                                    \
+  ATOM(kXdndAware, "XdndAware")                                \
+  ATOM(kXdndEnter, "XdndEnter")                                \
+  ATOM(kXdndPosition, "XdndPosition")                          \
+  ATOM(kXdndStatus, "XdndStatus")                              \
+  ATOM(kXdndLeave, "XdndLeave")                                \
+  ATOM(kXdndDrop, "XdndDrop")                                  \
+  ATOM(kXdndFinished, "XdndFinished")                          \
+  ATOM(kXdndSelection, "XdndSelection")                        \
+  ATOM(kXdndTypeList, "XdndTypeList")                          \
+  ATOM(kXdndActionCopy, "XdndActionCopy")                      \
+  ATOM(kTextUriList, "text/uri-list")                          \
+  ATOM(kXwDrop, "_XW_DROP")                                    \
+  ATOM(kAbsPressure, "Abs Pressure")                           \
+  ATOM(kAbsTiltX, "Abs Tilt X")                                \
+  ATOM(kAbsTiltY, "Abs Tilt Y")
+
+enum AtomIndex {
+#define XW_ATOM_INDEX(constant, name) constant,
+  XW_ATOMS(XW_ATOM_INDEX)
+#undef XW_ATOM_INDEX
+      kAtomCount
+};
+
+// What the display keeps of one window.
+struct Native {
+  WindowRef w = nullptr;
+  xcb_window_t id = 0;
+  // Pixels. `rows` x `stride` is what the memory holds; width and height are what is in use.
+  uint32_t* pixels = nullptr;
+  size_t bytes = 0;
+  int width = 0, height = 0, stride = 0, rows = 0;
+  uint32_t segment = 0;  // 0: plain memory, sent through the connection
+  unsigned attach_sequence = 0;
+  bool presented = false;  // the buffer holds a picture that may be shown again
+  // Where the server says that it is; `bounds_known` is dropped when the program asks for others.
+  DeviceRect bounds;
+  bool bounds_known = false;
+  bool reparented = false;
+  bool mapped = false;
+  uint32_t states = 0;  // bits of kStateAtoms that the desktop was told
+  xcb_cursor_t cursor = 0;
+};
+
+struct State {
+  xcb_connection_t* c = nullptr;
+  xcb_screen_t* screen = nullptr;
+  xcb_visualid_t visual = 0;
+  uint8_t depth = 24;
+  xcb_colormap_t colormap = 0;  // 0: the screen's own
+  xcb_gcontext_t gc = 0;
+  xcb_atom_t atoms[kAtomCount] = {};
+  std::string session_name;
+  std::vector<Screen> screens;
+  double scale = 1.0;
+  xcb_window_t settings_owner = 0;  // whoever publishes the desktop's settings
+  bool shm = false;
+  bool lost = false;              // the loss of the connection has been reported
+  bool late_done = false;         // keymap, XInput and the like are open
+  bool shown = false;             // something has been presented
+  xcb_timestamp_t user_time = 0;  // of the user's last press or key
+  xcb_window_t leader = 0;        // the first window
+  uint8_t randr_event = 0, xkb_event = 0, xi_opcode = 0;
+  std::unordered_map<xcb_window_t, Native*> windows;
+  std::deque<xcb_generic_event_t*> pending;  // read, not looked at
+  std::deque<RawEvent> out;                  // made, not handed out
+};
+extern State x;
+
+inline Native* NativeOf(WindowRef w) {
+  return w != nullptr ? static_cast<Native*>(w->native) : nullptr;
+}
+Native* FindNative(xcb_window_t id);
+inline xcb_atom_t Atom(AtomIndex i) {
+  return x.atoms[i];
+}
+
+// A reply of xcb, freed with its scope.
+template <class T>
+struct Reply {
+  explicit Reply(T* reply) : p(reply) {}
+  ~Reply() { free(p); }
+  Reply(const Reply&) = delete;
+  Reply& operator=(const Reply&) = delete;
+  T* operator->() const { return p; }
+  explicit operator bool() const { return p != nullptr; }
+  T* p;
+};
+
+// --- windows.cc, hints.cc
+bool CreateNative(WindowRef w);
+void DestroyNative(WindowRef w);
+void MapNative(WindowRef w, bool shown);
+void MoveResizeNative(WindowRef w);
+void RaiseNative(WindowRef w);
+void ActivateNative(WindowRef w);
+// What never changes: class, process, protocols.
+void SetIdentity(const Native& n);
+void SetTitle(WindowRef w);
+void SetHints(WindowRef w);
+// Size hints only: when the size changes they may have to follow.
+void SetSizeHints(const Native& n);
+// The state property of a window that is about to be mapped.
+void WriteStates(Native* n);
+// The window manager's frame, into the record.
+void ReadFrameExtents(Native* n);
+void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
+                       uint32_t mask);
+
+// --- pixels.cc
+uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride);
+void FreeBuffer(Native* n);
+void Present(WindowRef w, const DeviceRect* rects, int count);
+void Flush(bool wait);
+// An error of the server; true when it was about shared memory and has been dealt with.
+bool HandleSharedMemoryError(const xcb_generic_error_t* error);
+
+// --- screens.cc
+// Asks for the monitors and the scale, and waits for the answers.
+void ReadScreens();
+int Screens(Screen* out, int max);
+// Screens or scale may have changed: read again, and reported if so.
+void RefreshScreens();
+// RESOURCE_MANAGER text: the value of Xft.dpi, or 0.
+double DpiOfResources(const char* text, size_t size);
+// The settings property: Xft/DPI in dots, or 0. Any bytes may come in.
+double DpiOfSettings(const uint8_t* data, size_t size);
+double ScaleOfDpi(double dpi);
+
+// --- events.cc
+bool NextEvent(RawEvent* out);
+// Reads what the connection has into `pending`.
+void Pump();
+// A report for `n` at the server's time `t` (0: now), at the end of the queue.
+RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t = 0);
+double Now();
+
+// --- keys.cc
+void OpenKeyboard();
+void CloseKeyboard();
+void HandleKey(const xcb_key_press_event_t* e, bool press);
+void HandleXkb(const xcb_generic_event_t* event);
+// Ends every held key: the releases will not reach the program.
+void ReleaseKeys(Native* n, xcb_timestamp_t time);
+// The modifier bits of the table for the server's.
+uint32_t Modifiers(uint32_t state);
+
+// --- pointer.cc, tablet.cc
+void OpenPointer();
+void ClosePointer();
+void SelectPointer(const Native& n);
+void HandleButton(const xcb_button_press_event_t* e, bool press);
+void HandleMotion(const xcb_motion_notify_event_t* e);
+void HandleCrossing(const xcb_enter_notify_event_t* e, bool enter);
+void HandleInput2(const xcb_ge_generic_event_t* event);
+
+// --- cursors.cc
+void SetCursor(WindowRef w, CursorRef cursor);
+void DestroyCursor(CursorRef cursor);
+bool GrabPointer(WindowRef w, CursorRef cursor);
+void CloseCursors();
+
+// --- drops.cc
+bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e);
+void HandleDropData(const xcb_selection_notify_event_t* e);
+void ForgetDrop(const Native* n);
+
+}  // namespace platform::x11

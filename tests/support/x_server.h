@@ -1,0 +1,86 @@
+// An X server of the test's own, with a window manager if one is wanted, and a second connection
+// that plays the user: it moves the pointer, types, and looks at the screen.
+#pragma once
+#include <sys/types.h>
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace support {
+
+// Waits until `done` is true, at most ten seconds; asks every few milliseconds. What it returns is
+// what `done` said last.
+bool Eventually(const std::function<bool()>& done);
+
+class XServer {
+ public:
+  // Starts Xvfb on a free display and names it in DISPLAY; XW_DISPLAY becomes x11.
+  explicit XServer(const std::vector<std::string>& arguments = {});
+  ~XServer();
+  XServer(const XServer&) = delete;
+  XServer& operator=(const XServer&) = delete;
+  bool running() const { return pid_ > 0; }
+  const std::string& display() const { return display_; }
+  // Starts "openbox" or "icewm" and waits until it manages windows.
+  bool StartManager(const std::string& name);
+  // Ends the server at once, as a crash would.
+  void Kill();
+
+ private:
+  pid_t pid_ = 0, manager_ = 0;
+  std::string display_;
+};
+
+// What a pixel of the screen looks like, 0xRRGGBB, rows from the top.
+struct Screenshot {
+  int width = 0, height = 0;
+  std::vector<uint32_t> pixels;
+  uint32_t at(int x, int y) const { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
+};
+
+class XUser {
+ public:
+  XUser();
+  ~XUser();
+  XUser(const XUser&) = delete;
+  XUser& operator=(const XUser&) = delete;
+  xcb_connection_t* connection() const { return c_; }
+  xcb_window_t root() const { return screen_->root; }
+  // Positions on the screen; buttons as the server counts them.
+  void Move(int x, int y);
+  void Button(int button, bool down);
+  void Click(int button);
+  // Keys by symbol (as in keysymdef): the key that has it without modifiers.
+  void Key(uint32_t keysym, bool down);
+  void Type(uint32_t keysym);
+  // The window whose title is `title`, null (0) when there is none. Waits for it to come.
+  xcb_window_t Find(const std::string& title);
+  // The outermost window around `window`: the frame where there is one.
+  xcb_window_t Frame(xcb_window_t window);
+  // Position of the window's corner on the screen, and its size.
+  struct Geometry {
+    int x, y, width, height;
+  };
+  Geometry Where(xcb_window_t window);
+  bool Viewable(xcb_window_t window);
+  xcb_window_t Focus();
+  // 32-bit words of a property; text of one.
+  std::vector<uint32_t> Words(xcb_window_t window, const char* property);
+  std::string Text(xcb_window_t window, const char* property);
+  xcb_atom_t Atom(const char* name);
+  // A request to the window manager, as pagers and menus make it.
+  void Ask(xcb_window_t window, const char* type, const std::vector<uint32_t>& data);
+  Screenshot Look();
+  // Waits until the server has carried out what was sent.
+  void Sync();
+
+ private:
+  xcb_window_t Search(xcb_window_t in, const std::string& title);
+  xcb_connection_t* c_ = nullptr;
+  xcb_screen_t* screen_ = nullptr;
+};
+
+}  // namespace support

@@ -1,0 +1,92 @@
+// A server, a user and the platform on it; reports of the display are collected raw or as events.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/display/display.h"
+#include "platform/events/events.h"
+#include "platform/graphics/surface.h"
+#include "platform/windows/window.h"
+#include "platform/windows/windows.h"
+#include "tests/support/x_server.h"
+
+namespace x11_test {
+
+constexpr uint32_t kAllBoxes =
+    platform::kWindowCloseBoxAttribute | platform::kWindowFullZoomAttribute |
+    platform::kWindowCollapseBoxAttribute | platform::kWindowResizableAttribute;
+
+class X11Test : public testing::Test {
+ protected:
+  void Start(const std::string& manager = "", const std::vector<std::string>& arguments = {}) {
+    server_ = std::make_unique<support::XServer>(arguments);
+    ASSERT_TRUE(server_->running());
+    ASSERT_TRUE(manager.empty() || server_->StartManager(manager));
+    user_ = std::make_unique<support::XUser>();
+    ASSERT_TRUE(platform::InitPlatform("Session"));
+  }
+  void TearDown() override {
+    platform::FinishPlatform();
+    user_.reset();
+    server_.reset();
+  }
+  support::XUser& user() { return *user_; }
+  support::XServer& server() { return *server_; }
+
+  // A shown window with one colour, first picture out.
+  platform::WindowRef Show(const char* title, const platform::Rect& content,
+                           int window_class = platform::kDocumentWindowClass,
+                           uint32_t attributes = kAllBoxes) {
+    platform::WindowRef w = platform::CreateNewWindow(window_class, attributes, content);
+    if (w == nullptr) return nullptr;
+    platform::SetWindowTitle(w, title);
+    platform::SetWindowBackgroundColor(w, 0x3366CC);
+    platform::ShowWindow(w);
+    Settle();
+    return w;
+  }
+
+  // Runs the loop until `done`; what comes is kept in `events`.
+  bool RunUntil(const std::function<bool()>& done) {
+    return support::Eventually([&] {
+      platform::Event e;
+      while (platform::ReceiveNextEvent(0, &e)) {
+        events.push_back(e);
+        platform::SendEventToEventTarget(&e, platform::GetEventDispatcherTarget());
+      }
+      return done();
+    });
+  }
+  // Runs the loop until nothing has come for a while.
+  void Settle() {
+    size_t quiet = 0, count = events.size();
+    RunUntil([&] {
+      quiet = count == events.size() ? quiet + 1 : 0;
+      count = events.size();
+      return quiet > 12;
+    });
+    platform::FlushWindow(nullptr);
+  }
+  size_t Count(uint32_t cls, uint32_t kind) const {
+    size_t n = 0;
+    for (const platform::Event& e : events) n += e.cls == cls && e.kind == kind;
+    return n;
+  }
+  const platform::Event* Last(uint32_t cls, uint32_t kind) const {
+    for (size_t i = events.size(); i-- > 0;) {
+      if (events[i].cls == cls && events[i].kind == kind) return &events[i];
+    }
+    return nullptr;
+  }
+  std::vector<platform::Event> events;
+
+ private:
+  std::unique_ptr<support::XServer> server_;
+  std::unique_ptr<support::XUser> user_;
+};
+
+}  // namespace x11_test
