@@ -1,0 +1,185 @@
+#include "printserverd/folder.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+
+namespace printserverd {
+
+namespace {
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+// Creates the missing parents of `path`, which may hold links: they are the operator's own.
+bool MakeParents(const std::string& path) {
+  for (size_t slash = path.find('/', 1); slash != std::string::npos;
+       slash = path.find('/', slash + 1)) {
+    if (mkdir(path.substr(0, slash).c_str(), 0700) != 0 && errno != EEXIST) return false;
+  }
+  return true;
+}
+}  // namespace
+
+void Fd::Reset(int fd) {
+  if (fd_ >= 0) close(fd_);
+  fd_ = fd;
+}
+
+bool IsPlainName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+Fd OpenOwnFolder(const std::string& path) {
+  std::string trimmed = path;
+  while (trimmed.size() > 1 && trimmed.back() == '/') trimmed.pop_back();
+  if (!MakeParents(trimmed)) return {};
+  if (mkdir(trimmed.c_str(), 0700) != 0 && errno != EEXIST) return {};
+  Fd fd(open(trimmed.c_str(), kFolderFlags));
+  if (!fd) return {};
+  struct stat info;
+  if (fstat(fd.get(), &info) != 0) return {};
+  if (info.st_uid != geteuid()) {
+    errno = EPERM;
+    return {};
+  }
+  if (fchmod(fd.get(), 0700) != 0) return {};
+  return fd;
+}
+
+Fd OpenSubfolder(int parent, const std::string& name, bool create) {
+  if (!IsPlainName(name)) {
+    errno = EINVAL;
+    return {};
+  }
+  if (create && mkdirat(parent, name.c_str(), 0700) != 0 && errno != EEXIST) return {};
+  return Fd(openat(parent, name.c_str(), kFolderFlags));
+}
+
+Fd OpenFileIn(int parent, const std::string& name) {
+  if (!IsPlainName(name)) {
+    errno = EINVAL;
+    return {};
+  }
+  // Without O_NONBLOCK a pipe of that name would hold the daemon up.
+  Fd fd(openat(parent, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  struct stat info;
+  if (!fd || fstat(fd.get(), &info) != 0) return {};
+  if (!S_ISREG(info.st_mode)) {
+    errno = EINVAL;
+    return {};
+  }
+  return fd;
+}
+
+Fd CreateFileIn(int parent, const std::string& name) {
+  if (!IsPlainName(name)) {
+    errno = EINVAL;
+    return {};
+  }
+  return Fd(openat(parent, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+}
+
+bool WriteAll(int fd, const void* data, size_t size) {
+  const char* p = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t n = write(fd, p, size);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    p += n;
+    size -= static_cast<size_t>(n);
+  }
+  return true;
+}
+
+bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync) {
+  const std::string draft = name + ".new";
+  unlinkat(parent, draft.c_str(), 0);
+  Fd fd = CreateFileIn(parent, draft);
+  if (!fd) return false;
+  if (WriteAll(fd.get(), content.data(), content.size()) && (!sync || fdatasync(fd.get()) == 0) &&
+      renameat(parent, draft.c_str(), parent, name.c_str()) == 0) {
+    return true;
+  }
+  const int error = errno;
+  unlinkat(parent, draft.c_str(), 0);
+  errno = error;
+  return false;
+}
+
+bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content) {
+  const Fd fd = OpenFileIn(parent, name);
+  if (!fd) return false;
+  content->resize(max + 1);
+  size_t size = 0;
+  while (size <= max) {
+    const ssize_t n = read(fd.get(), content->data() + size, max + 1 - size);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    if (n == 0) break;
+    size += static_cast<size_t>(n);
+  }
+  if (size > max) {
+    errno = EFBIG;
+    return false;
+  }
+  content->resize(size);
+  return true;
+}
+
+std::vector<std::string> NamesIn(int folder) {
+  std::vector<std::string> names;
+  const int fd = openat(folder, ".", kFolderFlags);
+  if (fd < 0) return names;
+  const std::unique_ptr<DIR, int (*)(DIR*)> dir(fdopendir(fd), closedir);
+  if (!dir) {
+    close(fd);
+    return names;
+  }
+  while (const dirent* entry = readdir(dir.get())) {
+    if (IsPlainName(entry->d_name)) names.emplace_back(entry->d_name);
+  }
+  return names;
+}
+
+RemoveResult RemoveBeneath(int folder, std::string_view path) {
+  Fd here;  // empty while the part is directly in `folder`
+  for (size_t slash = path.find('/'); slash != std::string_view::npos; slash = path.find('/')) {
+    const std::string part(path.substr(0, slash));
+    if (!IsPlainName(part)) return RemoveResult::kBadPath;
+    here = OpenSubfolder(here ? here.get() : folder, part, false);
+    // A part that is a link gives ELOOP, or ENOTDIR on some file systems, as a file does.
+    if (!here) return errno == ENOENT ? RemoveResult::kNotThere : RemoveResult::kBadPath;
+    path.remove_prefix(slash + 1);
+  }
+  const std::string name(path);
+  if (!IsPlainName(name)) return RemoveResult::kBadPath;
+  const int parent = here ? here.get() : folder;
+  struct stat info;
+  if (fstatat(parent, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    return errno == ENOENT ? RemoveResult::kNotThere : RemoveResult::kFailed;
+  }
+  if (S_ISLNK(info.st_mode)) return RemoveResult::kBadPath;
+  if (!S_ISREG(info.st_mode)) return RemoveResult::kNotAFile;
+  return unlinkat(parent, name.c_str(), 0) == 0 ? RemoveResult::kRemoved : RemoveResult::kFailed;
+}
+
+std::string PlainNameOf(std::string_view name, size_t max) {
+  if (name.size() > max) {
+    size_t cut = max;
+    while (cut > 0 && (static_cast<uint8_t>(name[cut]) & 0xc0) == 0x80) --cut;
+    name = name.substr(0, cut > 0 ? cut : max);
+  }
+  std::string out(name);
+  for (char& c : out) {
+    if (static_cast<uint8_t>(c) < 0x20 || c == 0x7f || c == '/') c = '_';
+  }
+  if (out.empty()) return "_";
+  if (out[0] == '.') out[0] = '_';
+  return out;
+}
+
+}  // namespace printserverd

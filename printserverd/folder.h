@@ -1,0 +1,70 @@
+// Owned descriptors, and files opened beneath folder descriptors: no path from outside is ever
+// resolved by the system as a whole, and no symbolic link is followed.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace printserverd {
+
+// Owns a descriptor; closes it at the end. Empty is -1.
+class Fd {
+ public:
+  Fd() = default;
+  explicit Fd(int fd) : fd_(fd) {}
+  Fd(Fd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  Fd& operator=(Fd&& other) noexcept {
+    if (this != &other) Reset(std::exchange(other.fd_, -1));
+    return *this;
+  }
+  ~Fd() { Reset(); }
+  void Reset(int fd = -1);
+  int get() const { return fd_; }
+  explicit operator bool() const { return fd_ >= 0; }
+
+ private:
+  int fd_ = -1;
+};
+
+// A name that stands for one entry of a folder: not empty, not `.` or `..`, no `/`, no zero byte.
+bool IsPlainName(std::string_view name);
+
+// Opens the folder `path`, which it and its missing parents are created for (mode 0700). The last
+// part is not a link, belongs to this user, and gets mode 0700. Empty on failure, errno set.
+Fd OpenOwnFolder(const std::string& path);
+
+// Opens the folder `name` beneath `parent`, created with mode 0700 when it is missing. No links.
+// Empty on failure, errno set.
+Fd OpenSubfolder(int parent, const std::string& name, bool create);
+
+// Opens a regular file beneath `parent` for reading. No links. Empty on failure, errno set.
+Fd OpenFileIn(int parent, const std::string& name);
+
+// Creates a new file beneath `parent`, mode 0600. An entry of that name is a failure (EEXIST).
+Fd CreateFileIn(int parent, const std::string& name);
+
+// Writes all bytes; false on failure, errno set.
+bool WriteAll(int fd, const void* data, size_t size);
+
+// Replaces the file `name` as a whole: written under another name, then renamed. With `sync` the
+// bytes are on the disk before the rename; the folder itself is not synced.
+bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync);
+
+// The whole of a small file; false when it cannot be read or is larger than `max`.
+bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content);
+
+// Names in a folder but `.` and `..`, in no order.
+std::vector<std::string> NamesIn(int folder);
+
+enum class RemoveResult { kRemoved, kBadPath, kNotThere, kNotAFile, kFailed };
+
+// Removes the regular file at `path`, relative to `folder`; see docs/protocol.md, "Removing files".
+RemoveResult RemoveBeneath(int folder, std::string_view path);
+
+// `name` made fit for one entry of a folder: control characters and `/` become `_`, as does a
+// leading dot; cut at `max` bytes, not inside a UTF-8 sequence; never empty.
+std::string PlainNameOf(std::string_view name, size_t max);
+
+}  // namespace printserverd
