@@ -17,8 +17,7 @@ bool SplitField(std::string_view line, std::string_view* key, std::string_view* 
   if (equals == 0 || equals == std::string_view::npos) return false;
   *key = line.substr(0, equals);
   *value = line.substr(equals + 1);
-  return key->find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-") ==
-         std::string_view::npos;
+  return key->find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-") == std::string_view::npos;
 }
 
 std::string Unescape(std::string_view value) {

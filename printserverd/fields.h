@@ -1,4 +1,5 @@
-// Records of `key=value` lines: the form of tickets, lists, job files (docs/protocol.md, "Records").
+// Records of `key=value` lines: the form of tickets, lists, job files (docs/protocol.md,
+// "Records").
 #pragma once
 
 #include <cstdint>
@@ -17,7 +18,8 @@ bool SplitField(std::string_view line, std::string_view* key, std::string_view* 
 // The value behind its escapes.
 std::string Unescape(std::string_view value);
 
-// Appends `key=value`, escaped, and a line feed. The value is cut at `max` bytes and at a zero byte.
+// Appends `key=value`, escaped, and a line feed. The value is cut at `max` bytes and at a zero
+// byte.
 void AppendField(std::string* out, std::string_view key, std::string_view value, size_t max);
 void AppendField(std::string* out, std::string_view key, int64_t value);
 

@@ -7,7 +7,7 @@
 namespace printserverd {
 
 constexpr uint16_t kPort = 51470;
-constexpr uint8_t kGreeting[4] = {4, 3, 2, 1};
+constexpr uint8_t kGreetingBytes[4] = {4, 3, 2, 1};
 
 enum class Status : uint8_t {
   kRefused = 0,
@@ -39,10 +39,11 @@ constexpr size_t kMaxListed = 64;  // printers, profiles, scanners
 
 constexpr size_t kProfileRecord = 48;
 constexpr size_t kMaxField = 512;  // the longest run of fixed fields in a request
+constexpr int64_t kDocumentMs = 30000;  // the deadline for the next bytes of a document
 
 // With every byte of every text escaped a job record stays below 2048 bytes, the list below 8 MiB.
-static_assert(2 * (kMaxDocumentName + 2 * kMaxName + kMaxProfile + kMaxMedia + kMaxText) +
-                  8 * 32 + 128 <
+static_assert(2 * (kMaxDocumentName + 2 * kMaxName + kMaxProfile + kMaxMedia + kMaxText) + 8 * 32 +
+                  128 <
               2048);
 
 inline uint32_t LoadU32(const uint8_t* p) {
