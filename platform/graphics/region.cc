@@ -26,6 +26,11 @@ void Region::Add(const Rect& r) {
                              unsigned(b.y2 - b.y1));
 }
 
+void Region::Assign(std::span<const pixman_box32_t> boxes) {
+  pixman_region32_fini(&region_);
+  pixman_region32_init_rects(&region_, boxes.data(), int(boxes.size()));
+}
+
 void Region::Subtract(const Rect& r) {
   Subtract(std::span<const Rect>(&r, 1));
 }

@@ -26,6 +26,8 @@ class Region {
     pixman_region32_init(&region_);
   }
   void Add(const Rect& r);
+  // Becomes the union of the boxes; empty ones are allowed.
+  void Assign(std::span<const pixman_box32_t> boxes);
   void Subtract(const Rect& r);
   // Removes every rectangle of the list in one go: n children cost one union, not n.
   void Subtract(std::span<const Rect> rects);

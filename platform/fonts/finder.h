@@ -1,0 +1,58 @@
+// Which file a font name means. Names are looked up in one catalogue of the installed fonts; the
+// answers are remembered, in the process and in a small file, so that a warm start never asks.
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/fonts/fonts.h"
+
+namespace platform {
+
+// One installed face.
+struct FontEntry {
+  std::string file;
+  int index = 0;
+  std::string postscript;
+  std::vector<std::string> full_names, families;
+  bool type1 = false;
+  int weight = 80, slant = 0, width = 100;  // 80 regular, 180 and more bold; below 100 narrow
+  bool bold() const { return weight >= 180; }
+  bool italic() const { return slant > 0; }
+  bool narrow() const { return width < 100; }
+};
+
+// A file or folder and its time of change, as text; "-" where there is none.
+struct FontStamp {
+  std::string path, time;
+};
+std::string StampOf(const std::string& path);
+
+struct FontCatalogue {
+  std::vector<FontEntry> entries;  // in order of preference where names are equal
+  std::string sans_serif;          // the family
+  std::vector<FontStamp> stamps;   // what the entries depend on; empty: not to be remembered
+};
+// The fonts of one folder alone.
+FontCatalogue ReadFontFolder(const std::string& folder);
+// All that the desktop's configuration names; empty when there is no font finder here.
+FontCatalogue ReadInstalledFonts();
+
+// The exact match; null when there is none.
+const FontEntry* MatchFont(const FontCatalogue& catalogue, const std::string& name);
+
+// A face that has the character, the sans-serif first; null when none has.
+const FontFace* FindFontWithCharacter(char32_t c);
+
+// --- Answers that survive the process. Keys: "n" and a name, "u" and a character, "d".
+struct FontAnswer {
+  std::string key;
+  std::string file;  // empty: no such font. Of "d": the family
+  int index = 0, units_per_em = 0, ascender = 0, descender = 0, max_advance = 0;
+};
+// Nothing when there is no file, or it is damaged, or anything that it depends on has changed.
+std::optional<std::vector<FontAnswer>> LoadFontAnswers();
+// Written anew as a whole, silently not when it cannot be.
+void SaveFontAnswers(const std::vector<FontStamp>& stamps, const std::vector<FontAnswer>& answers);
+
+}  // namespace platform

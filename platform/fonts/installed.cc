@@ -1,0 +1,170 @@
+// The installed fonts, from the desktop's font finder. It is loaded only here, asked once and closed
+// again: a warm start does without it, and a machine without it still runs.
+#include <dlfcn.h>
+#include <fontconfig/fontconfig.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/fonts/finder.h"
+
+namespace platform {
+namespace {
+
+struct Finder {
+  decltype(&FcInitLoadConfigAndFonts) init;
+  decltype(&FcConfigGetFonts) fonts;
+  decltype(&FcConfigGetConfigFiles) config_files;
+  decltype(&FcConfigGetFontDirs) font_dirs;
+  decltype(&FcStrListNext) next;
+  decltype(&FcStrListDone) done;
+  decltype(&FcPatternGetString) get_string;
+  decltype(&FcPatternGetInteger) get_integer;
+  decltype(&FcPatternGetDouble) get_double;
+  decltype(&FcPatternGetBool) get_bool;
+  decltype(&FcNameParse) parse;
+  decltype(&FcConfigSubstitute) substitute;
+  decltype(&FcDefaultSubstitute) default_substitute;
+  decltype(&FcFontMatch) match;
+  decltype(&FcPatternDestroy) destroy_pattern;
+  decltype(&FcConfigDestroy) destroy_config;
+  decltype(&FcFini) finish;
+};
+
+template <typename F>
+bool Take(void* library, const char* name, F* out) {
+  *out = reinterpret_cast<F>(dlsym(library, name));
+  return *out;
+}
+
+bool LoadFinder(void* lib, Finder* f) {
+  return Take(lib, "FcInitLoadConfigAndFonts", &f->init) &&
+         Take(lib, "FcConfigGetFonts", &f->fonts) &&
+         Take(lib, "FcConfigGetConfigFiles", &f->config_files) &&
+         Take(lib, "FcConfigGetFontDirs", &f->font_dirs) && Take(lib, "FcStrListNext", &f->next) &&
+         Take(lib, "FcStrListDone", &f->done) && Take(lib, "FcPatternGetString", &f->get_string) &&
+         Take(lib, "FcPatternGetInteger", &f->get_integer) &&
+         Take(lib, "FcPatternGetDouble", &f->get_double) &&
+         Take(lib, "FcPatternGetBool", &f->get_bool) && Take(lib, "FcNameParse", &f->parse) &&
+         Take(lib, "FcConfigSubstitute", &f->substitute) &&
+         Take(lib, "FcDefaultSubstitute", &f->default_substitute) &&
+         Take(lib, "FcFontMatch", &f->match) &&
+         Take(lib, "FcPatternDestroy", &f->destroy_pattern) &&
+         Take(lib, "FcConfigDestroy", &f->destroy_config) && Take(lib, "FcFini", &f->finish);
+}
+
+std::vector<std::string> Strings(const Finder& f, FcPattern* p, const char* object) {
+  std::vector<std::string> list;
+  FcChar8* s;
+  for (int i = 0; f.get_string(p, object, i, &s) == FcResultMatch; ++i)
+    list.emplace_back(reinterpret_cast<char*>(s));
+  return list;
+}
+
+int Number(const Finder& f, FcPattern* p, const char* object, int otherwise) {
+  double d;
+  return f.get_double(p, object, 0, &d) == FcResultMatch ? int(d) : otherwise;
+}
+
+bool ReadPattern(const Finder& f, FcPattern* p, FontEntry* e) {
+  FcBool scalable = FcFalse;
+  f.get_bool(p, FC_SCALABLE, 0, &scalable);
+  std::vector<std::string> file = Strings(f, p, FC_FILE);
+  if (!scalable || file.empty()) return false;
+  e->file = file[0];
+  f.get_integer(p, FC_INDEX, 0, &e->index);
+  std::vector<std::string> names = Strings(f, p, FC_POSTSCRIPT_NAME);
+  if (!names.empty()) e->postscript = names[0];
+  e->full_names = Strings(f, p, FC_FULLNAME);
+  e->families = Strings(f, p, FC_FAMILY);
+  e->weight = Number(f, p, FC_WEIGHT, 80);
+  e->slant = Number(f, p, FC_SLANT, 0);
+  e->width = Number(f, p, FC_WIDTH, 100);
+  std::vector<std::string> format = Strings(f, p, FC_FONTFORMAT);
+  e->type1 = !format.empty() && format[0] == "Type 1";
+  return true;
+}
+
+std::string SansSerif(const Finder& f, FcConfig* config) {
+  FcPattern* p = f.parse(reinterpret_cast<const FcChar8*>("sans-serif"));
+  f.substitute(config, p, FcMatchPattern);
+  f.default_substitute(p);
+  FcResult result;
+  FcPattern* found = f.match(config, p, &result);
+  f.destroy_pattern(p);
+  std::vector<std::string> families;
+  if (found) {
+    families = Strings(f, found, FC_FAMILY);
+    f.destroy_pattern(found);
+  }
+  return families.empty() ? "" : families[0];
+}
+
+void AddStamp(FontCatalogue* catalogue, const std::string& path) {
+  if (path.empty()) return;
+  for (const FontStamp& s : catalogue->stamps)
+    if (s.path == path) return;
+  catalogue->stamps.push_back({path, StampOf(path)});
+}
+
+std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
+// The configuration's files and their folders, where a user's own would appear, every font folder.
+void AddStamps(const Finder& f, FcConfig* config, FontCatalogue* catalogue) {
+  FcStrList* list = f.config_files(config);
+  while (FcChar8* s = f.next(list)) {
+    std::string path = reinterpret_cast<char*>(s);
+    AddStamp(catalogue, path);
+    AddStamp(catalogue, FolderOf(path));
+  }
+  f.done(list);
+  list = f.font_dirs(config);
+  while (FcChar8* s = f.next(list)) AddStamp(catalogue, reinterpret_cast<char*>(s));
+  f.done(list);
+  const char* home = getenv("HOME");
+  const char* own = getenv("XDG_CONFIG_HOME");
+  std::string base = own && *own ? own : home ? std::string(home) + "/.config" : "";
+  if (base.empty()) return;
+  for (const char* part : {"/fontconfig", "/fontconfig/conf.d", "/fontconfig/fonts.conf"})
+    AddStamp(catalogue, base + part);
+  if (home) AddStamp(catalogue, std::string(home) + "/.fonts.conf");
+}
+
+}  // namespace
+
+std::string StampOf(const std::string& path) {
+  struct stat s;
+  if (stat(path.c_str(), &s)) return "-";
+  char text[64];
+  snprintf(text, sizeof text, "%lld.%09ld", static_cast<long long>(s.st_mtim.tv_sec),
+           s.st_mtim.tv_nsec);
+  return text;
+}
+
+FontCatalogue ReadInstalledFonts() {
+  FontCatalogue catalogue;
+  void* library = dlopen("libfontconfig.so.1", RTLD_NOW | RTLD_LOCAL);
+  if (!library) return catalogue;
+  Finder f;
+  FcConfig* config = LoadFinder(library, &f) ? f.init() : nullptr;
+  if (!config) return catalogue;
+  AddStamps(f, config, &catalogue);
+  FcFontSet* set = f.fonts(config, FcSetSystem);
+  for (int i = 0; set && i < set->nfont; ++i) {
+    FontEntry e;
+    if (ReadPattern(f, set->fonts[i], &e)) catalogue.entries.push_back(std::move(e));
+  }
+  std::sort(catalogue.entries.begin(), catalogue.entries.end(),
+            [](const FontEntry& a, const FontEntry& b) {
+              if (a.type1 != b.type1) return a.type1 < b.type1;
+              return a.file != b.file ? a.file < b.file : a.index < b.index;
+            });
+  catalogue.sans_serif = SansSerif(f, config);
+  f.destroy_config(config);
+  f.finish();
+  return catalogue;
+}
+
+}  // namespace platform
