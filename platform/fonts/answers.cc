@@ -27,9 +27,9 @@ std::string CacheFolder() {
 // What the font finder itself reads from the environment.
 std::string Environment() {
   std::string s;
-  for (const char* name : {"FONTCONFIG_FILE", "FONTCONFIG_PATH", "FONTCONFIG_SYSROOT", "HOME",
-                           "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CONFIG_DIRS", "LANG", "LC_ALL",
-                           "LC_CTYPE"}) {
+  for (const char* name :
+       {"FONTCONFIG_FILE", "FONTCONFIG_PATH", "FONTCONFIG_SYSROOT", "HOME", "XDG_CONFIG_HOME",
+        "XDG_DATA_HOME", "XDG_CONFIG_DIRS", "LANG", "LC_ALL", "LC_CTYPE"}) {
     const char* value = getenv(name);
     s += value ? value : "";
     s += ':';
@@ -37,7 +37,9 @@ std::string Environment() {
   return s;
 }
 
-bool IsPlain(const std::string& s) { return s.find_first_of("\t\n") == std::string::npos; }
+bool IsPlain(const std::string& s) {
+  return s.find_first_of("\t\n") == std::string::npos;
+}
 
 std::string ReadAll(const std::string& path) {
   std::string s;

@@ -32,10 +32,14 @@ int32_t AdvanceUnits(FT_Face face, FT_UInt glyph) {
 }
 
 // Control characters neither show nor advance.
-bool IsShown(char32_t c) { return c >= 32 && c != 127; }
+bool IsShown(char32_t c) {
+  return c >= 32 && c != 127;
+}
 
 // The apple-shaped slot of the set has no glyph outside one maker's fonts: a lozenge stands there.
-char32_t StandIn(char32_t c) { return c == 0xF8FF ? 0x25CA : c; }
+char32_t StandIn(char32_t c) {
+  return c == 0xF8FF ? 0x25CA : c;
+}
 
 void TakeGlyph(FontFace* f, int character, const FontFace* from, FT_UInt glyph) {
   f->glyphs[character] = glyph;

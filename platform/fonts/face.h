@@ -21,7 +21,7 @@ struct FontFace {
   // --- Filled by OpenFace.
   FT_Face face = nullptr;
   bool tried = false;
-  int ft_size = 0;            // 26.6 size that `face` is set to
+  int ft_size = 0;  // 26.6 size that `face` is set to
   int32_t advances[256] = {};
   uint32_t glyphs[256];
   const FontFace* sources[256] = {};  // the face that has the glyph
@@ -31,8 +31,8 @@ struct FontFace {
 FT_Library FontLibrary();
 // Opens the file and reads the advances; false when it cannot be read. Once a face.
 bool OpenFace(const FontFace* face);
-// The face for a file, made on first use. Metrics are taken from `known` or read from the file; null
-// when it cannot be read.
+// The face for a file, made on first use. Metrics are taken from `known` or read from the file;
+// null when it cannot be read.
 const FontFace* FaceOfFile(const std::string& file, int index, const FontFace* known = nullptr);
 
 }  // namespace platform

@@ -8,8 +8,8 @@
 namespace platform {
 namespace {
 
-// Answers are looked up here first; what is not there asks the catalogue, which is read at most once
-// a process, and is then remembered.
+// Answers are looked up here first; what is not there asks the catalogue, which is read at most
+// once a process, and is then remembered.
 class Book {
  public:
   Book() {

@@ -112,9 +112,8 @@ void PaintGlyph(const Context* c, const GlyphSet& set, const Glyph& g, int x, in
   if (whole && r.left >= whole->x1 && r.right <= whole->x2 && r.top >= whole->y1 &&
       r.bottom <= whole->y2)
     return PaintMask(c, mask, g.stride, x, y, r, color);
-  ForEachPart(c, r, [&](const DeviceRect& part) {
-    PaintMask(c, mask, g.stride, x, y, part, color);
-  });
+  ForEachPart(c, r,
+              [&](const DeviceRect& part) { PaintMask(c, mask, g.stride, x, y, part, color); });
 }
 
 }  // namespace

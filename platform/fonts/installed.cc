@@ -1,5 +1,5 @@
-// The installed fonts, from the desktop's font finder. It is loaded only here, asked once and closed
-// again: a warm start does without it, and a machine without it still runs.
+// The installed fonts, from the desktop's font finder. It is loaded only here, asked once and
+// closed again: a warm start does without it, and a machine without it still runs.
 #include <dlfcn.h>
 #include <fontconfig/fontconfig.h>
 #include <sys/stat.h>
@@ -109,7 +109,9 @@ void AddStamp(FontCatalogue* catalogue, const std::string& path) {
   catalogue->stamps.push_back({path, StampOf(path)});
 }
 
-std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+std::string FolderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/'));
+}
 
 // The configuration's files and their folders, where a user's own would appear, every font folder.
 void AddStamps(const Finder& f, FcConfig* config, FontCatalogue* catalogue) {

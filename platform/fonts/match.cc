@@ -19,7 +19,8 @@ constexpr StandIn kStandIns[] = {
     {"Courier", {"Nimbus Mono PS", "Liberation Mono", "TeX Gyre Cursor", "Cousine", "FreeMono"}},
     {"LucidaGrande", {"DejaVu Sans", "Bitstream Vera Sans", "Noto Sans", nullptr, nullptr}},
     {"Geneva", {"DejaVu Sans", "Bitstream Vera Sans", "Noto Sans", nullptr, nullptr}},
-    {"Monaco", {"DejaVu Sans Mono", "Bitstream Vera Sans Mono", "Liberation Mono", nullptr, nullptr}},
+    {"Monaco",
+     {"DejaVu Sans Mono", "Bitstream Vera Sans Mono", "Liberation Mono", nullptr, nullptr}},
 };
 
 bool Has(const std::vector<std::string>& list, const std::string& s) {

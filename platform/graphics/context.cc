@@ -24,7 +24,9 @@ void UseClip(ContextRef c) {
   c->extents = c->clip.extents();
 }
 
-DeviceRect SurfaceBounds(const Context* c) { return {0, 0, c->surface->width, c->surface->height}; }
+DeviceRect SurfaceBounds(const Context* c) {
+  return {0, 0, c->surface->width, c->surface->height};
+}
 
 }  // namespace
 
@@ -45,7 +47,9 @@ ContextRef CreateSurfaceContext(Surface* surface) {
   return c;
 }
 
-void ReleaseContext(ContextRef c) { delete c; }
+void ReleaseContext(ContextRef c) {
+  delete c;
+}
 
 void SetContextOrigin(ContextRef c, int x, int y) {
   if (!c) return;
@@ -63,8 +67,8 @@ void ClipContextToRegion(ContextRef c, const Region& region) {
     std::vector<pixman_box32_t> scaled;
     scaled.reserve(region.boxes().size());
     for (const pixman_box32_t& b : region.boxes())
-      scaled.push_back({Edge(c, b.x1), Edge(c, b.y1 + c->base_y), Edge(c, b.x2),
-                        Edge(c, b.y2 + c->base_y)});
+      scaled.push_back(
+          {Edge(c, b.x1), Edge(c, b.y1 + c->base_y), Edge(c, b.x2), Edge(c, b.y2 + c->base_y)});
     c->clip.Assign(scaled);
   }
   c->clip.Intersect(SurfaceBounds(c));

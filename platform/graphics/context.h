@@ -3,9 +3,9 @@
 //
 // A context refers to its window's pixels by generation, never by pointer: once the window has been
 // resized it paints nothing until a new context is made. No call here allocates, looks anything up
-// or enters the system, besides scratch memory that grows to the largest polygon seen. Every drawing
-// call takes any numbers: what lies outside the clip costs nothing, empty and negative sizes paint
-// nothing, a null context is ignored.
+// or enters the system, besides scratch memory that grows to the largest polygon seen. Every
+// drawing call takes any numbers: what lies outside the clip costs nothing, empty and negative
+// sizes paint nothing, a null context is ignored.
 #pragma once
 #include <cstdint>
 

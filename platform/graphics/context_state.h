@@ -13,10 +13,10 @@ namespace platform {
 constexpr int kFarDevice = 1 << 27;
 
 struct Dash {
-  int count = 0;       // 0: solid
-  double phase = 0;    // into the pattern, logical pixels
-  double total = 0;    // one whole round; an odd pattern is stored twice
-  double ends[256];    // where each length ends, from 0
+  int count = 0;     // 0: solid
+  double phase = 0;  // into the pattern, logical pixels
+  double total = 0;  // one whole round; an odd pattern is stored twice
+  double ends[256];  // where each length ends, from 0
 };
 
 // An edge of a polygon, row by row: the first column whose centre lies right of it is `x`, exactly
@@ -32,9 +32,9 @@ struct Context {
   Surface* surface = nullptr;
   uint32_t generation = 0;
   double scale = 1.0;
-  int base_y = 0;                // logical rows of the surface above the content
+  int base_y = 0;                  // logical rows of the surface above the content
   int origin_x = 0, origin_y = 0;  // logical, in the surface
-  int pen = 1;                   // device pixels
+  int pen = 1;                     // device pixels
   uint32_t color = 0xFF000000u;
   // The clip in device pixels of the surface, inside its bounds.
   Region clip;
@@ -46,7 +46,7 @@ struct Context {
   Dash dash;
   std::vector<PolygonEdge> edges;
   std::vector<int> crossings;
-  std::vector<int> columns;      // scaled pictures: source column of each device column
+  std::vector<int> columns;  // scaled pictures: source column of each device column
 
   // False when nothing can be painted.
   bool ready() const {
@@ -55,7 +55,9 @@ struct Context {
   uint32_t* row(int y) const { return surface->pixels + int64_t(y) * surface->stride; }
 };
 
-inline bool Ready(ContextRef c) { return c && c->ready(); }
+inline bool Ready(ContextRef c) {
+  return c && c->ready();
+}
 
 // A logical edge, already in surface coordinates, as a device edge.
 inline int Edge(const Context* c, int64_t logical) {
@@ -67,8 +69,12 @@ inline int Edge(const Context* c, int64_t logical) {
   int64_t e = d < 0 ? -int64_t(-d + 0.5) : int64_t(d + 0.5);
   return int(e < -kFarDevice ? -kFarDevice : e > kFarDevice ? kFarDevice : e);
 }
-inline int EdgeX(const Context* c, int64_t x) { return Edge(c, x + c->origin_x); }
-inline int EdgeY(const Context* c, int64_t y) { return Edge(c, y + c->origin_y); }
+inline int EdgeX(const Context* c, int64_t x) {
+  return Edge(c, x + c->origin_x);
+}
+inline int EdgeY(const Context* c, int64_t y) {
+  return Edge(c, y + c->origin_y);
+}
 inline DeviceRect DeviceBox(const Context* c, int x, int y, int w, int h) {
   return {EdgeX(c, x), EdgeY(c, y), EdgeX(c, int64_t{x} + w), EdgeY(c, int64_t{y} + h)};
 }
@@ -95,7 +101,9 @@ inline void Mark(const Context* c, const DeviceRect& r) {
   c->surface->damage.Mark(r.left, r.top, r.right, r.bottom);
 }
 // For shapes that paint a part of their box.
-inline void MarkClipped(const Context* c, const DeviceRect& r) { Mark(c, Intersect(r, c->extents)); }
+inline void MarkClipped(const Context* c, const DeviceRect& r) {
+  Mark(c, Intersect(r, c->extents));
+}
 
 typedef uint32_t Four __attribute__((vector_size(16), aligned(4), may_alias));
 

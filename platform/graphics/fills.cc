@@ -34,8 +34,7 @@ void PaintOval(const Context* c, const DeviceRect& r, int inset) {
     for (int y = part.top; y < part.bottom; ++y) {
       int left, right, hole_left = 0, hole_right = 0;
       OvalRun(w, h, y - r.top, &left, &right);
-      if (inset)
-        OvalRun(w - 2 * inset, h - 2 * inset, y - r.top - inset, &hole_left, &hole_right);
+      if (inset) OvalRun(w - 2 * inset, h - 2 * inset, y - r.top - inset, &hole_left, &hole_right);
       if (hole_left >= hole_right) {
         FillRun(c, part, y, r.left + left, r.left + right);
         continue;
@@ -49,7 +48,9 @@ void PaintOval(const Context* c, const DeviceRect& r, int inset) {
 
 // --- Polygons: edges in one list sorted by their first row; an edge is active while its rows last.
 
-int64_t FloorDivide(int64_t v, int64_t d) { return v >= 0 ? v / d : -((-v + d - 1) / d); }
+int64_t FloorDivide(int64_t v, int64_t d) {
+  return v >= 0 ? v / d : -((-v + d - 1) / d);
+}
 
 void AddEdge(Context* c, int x1, int y1, int x2, int y2) {
   if (y1 == y2) return;

@@ -218,8 +218,8 @@ int64_t PaintStretch(const Context* c, const Stretch& s, int64_t path) {
   int low = Edge(c, std::min(from, to));
   int high = high_joined ? Edge(c, std::max(from, to)) + c->pen : Edge(c, std::max(from, to) + 1);
   int skip = s.skip_first ? c->pen : 0;
-  AxisRun run{horizontal, 0, high - low - skip, up ? 1 : -1,
-              Edge(c, horizontal ? s.y1 : s.x1), path};
+  AxisRun run{horizontal, 0, high - low - skip, up ? 1 : -1, Edge(c, horizontal ? s.y1 : s.x1),
+              path};
   run.start = up ? low + skip : high - 1 - skip;
   if (!c->dash.count && skip) {  // solid: the joint may be painted twice
     run.start = up ? low : high - 1;
@@ -242,8 +242,13 @@ void PaintDot(const Context* c, int64_t x, int64_t y) {
 
 void StrokeLine(ContextRef c, int x1, int y1, int x2, int y2) {
   if (!Ready(c)) return;
-  Stretch s{int64_t{x1} + c->origin_x, int64_t{y1} + c->origin_y, int64_t{x2} + c->origin_x,
-            int64_t{y2} + c->origin_y, false, false, false};
+  Stretch s{int64_t{x1} + c->origin_x,
+            int64_t{y1} + c->origin_y,
+            int64_t{x2} + c->origin_x,
+            int64_t{y2} + c->origin_y,
+            false,
+            false,
+            false};
   if (x1 == x2 && y1 == y2) return PaintDot(c, s.x1, s.y1);
   PaintStretch(c, s, 0);
 }
@@ -262,8 +267,8 @@ void StrokeLines(ContextRef c, const int16_t* points, int count, int dx, int dy)
   for (size_t i = 1; i <= last; ++i) {
     const int16_t *a = points + 2 * i - 2, *b = points + 2 * i;
     if (a[0] == b[0] && a[1] == b[1]) continue;
-    Stretch s{a[0] + ox, a[1] + oy, b[0] + ox, b[1] + oy, !first || closed, i < last || closed,
-              !first};
+    Stretch s{a[0] + ox,        a[1] + oy,          b[0] + ox, b[1] + oy,
+              !first || closed, i < last || closed, !first};
     path += PaintStretch(c, s, path);
     first = false;
   }

@@ -94,7 +94,9 @@ struct Bitmap {
 
 namespace {
 
-bool BitAt(const uint8_t* row, int x) { return row[x >> 3] >> (x & 7) & 1; }
+bool BitAt(const uint8_t* row, int x) {
+  return row[x >> 3] >> (x & 7) & 1;
+}
 
 void AddRuns(Bitmap* b, const uint8_t* row, int y) {
   for (int x = 0; x < b->width;) {
@@ -110,14 +112,17 @@ void AddRuns(Bitmap* b, const uint8_t* row, int y) {
 void PaintTile(const Context* c, const std::vector<Run>& runs, int64_t x, int64_t y,
                const DeviceRect& part) {
   for (const Run& run : runs) {
-    DeviceRect r = Intersect({Edge(c, x + run.left), Edge(c, y + run.row),
-                              Edge(c, x + run.right), Edge(c, y + run.row + 1)}, part);
+    DeviceRect r = Intersect({Edge(c, x + run.left), Edge(c, y + run.row), Edge(c, x + run.right),
+                              Edge(c, y + run.row + 1)},
+                             part);
     for (int row = r.top; row < r.bottom; ++row)
       if (r.left < r.right) FillSpan(c->row(row) + r.left, r.right - r.left, c->color);
   }
 }
 
-int64_t FloorDivide(int64_t v, int64_t d) { return v >= 0 ? v / d : -((-v + d - 1) / d); }
+int64_t FloorDivide(int64_t v, int64_t d) {
+  return v >= 0 ? v / d : -((-v + d - 1) / d);
+}
 
 }  // namespace
 
@@ -129,7 +134,9 @@ Bitmap* CreateBitmap(int width, int height, const uint8_t* bits) {
   return b;
 }
 
-void ReleaseBitmap(Bitmap* b) { delete b; }
+void ReleaseBitmap(Bitmap* b) {
+  delete b;
+}
 
 void TileBitmap(ContextRef c, const Bitmap* b, bool inverted, int x, int y, int w, int h) {
   if (!Ready(c) || !b || w <= 0 || h <= 0) return;

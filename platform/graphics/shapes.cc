@@ -26,9 +26,13 @@ bool RasterCorner(int radius, int inset, int size, std::vector<uint8_t>* mask) {
   int far = size * 64, near = inset * 64, r = std::max(radius - near, 0);
   int control = int(r * 0.5522847498 + 0.5);
   // y runs upwards in the rasteriser: the top-left corner is at (near, far - near).
-  FT_Vector points[] = {{near, far - near - r}, {near, far - near - r + control},
-                        {near + r - control, far - near}, {near + r, far - near},
-                        {far, far - near}, {far, 0}, {near, 0}};
+  FT_Vector points[] = {{near, far - near - r},
+                        {near, far - near - r + control},
+                        {near + r - control, far - near},
+                        {near + r, far - near},
+                        {far, far - near},
+                        {far, 0},
+                        {near, 0}};
   unsigned char tags[] = {1, 2, 2, 1, 1, 1, 1};
   short contour = 6;
   FT_Outline outline{};
@@ -64,7 +68,9 @@ const Corner& CornerFor(int radius, int ring) {
   return *corners->back();
 }
 
-uint32_t Scale255(uint32_t a, uint32_t b) { return (a * b + 127) / 255; }
+uint32_t Scale255(uint32_t a, uint32_t b) {
+  return (a * b + 127) / 255;
+}
 
 void BlendRun(uint32_t* p, int n, uint32_t color, int alpha) {
   if (alpha >= 255) return FillSpan(p, n, color);
