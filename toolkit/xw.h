@@ -6,8 +6,11 @@
  *     #include "toolkit/xw.h"
  *
  *     static int Main(int type) {
- *       if (type == XWE_EXPOSE) XwDrawText(XWF_BOLD, 0, 0, 0, XW->width, XW->height, "Hello", 0, -1);
  *       if (type == XWE_CLOSE) exit(0);
+ *       if (type == XWE_EXPOSE) {
+ *         XwSet(Inp.window);
+ *         XwDrawText(XWF_BOLD, 0, 0, 0, XW->width, XW->height, "Hello", 0, -1);
+ *       }
  *       return 0;
  *     }
  *     int main(void) {
@@ -111,7 +114,7 @@ enum {
   XWE_HELP = 520, XWE_DELETE = 521, XWE_HOME = 522, XWE_END = 523, XWE_PAGE_UP = 524,
   XWE_PAGE_DOWN = 525, XWE_UP = 526, XWE_LEFT = 527, XWE_DOWN = 528, XWE_RIGHT = 529,
   XWE_CONFIGURE = 768,    /* moved or resized */
-  XWE_EXPOSE = 769,       /* draw the content; it has been cleared, and the window is selected */
+  XWE_EXPOSE = 769,       /* draw the content: it has been cleared; select the window and draw */
   XWE_MOTION = 770,       /* the pointer moved */
   XWE_PRESS = 771,        /* primary button; 772 secondary, 773 tertiary, 774 and 775 side buttons */
   XWE_RELEASE = 776,
@@ -257,7 +260,13 @@ struct XwWindow {
   void* button_menu;
   uint8_t flags;
   uint8_t flags2;
-  int32_t free_slot;     /* the toolkit's: no null slot of `children` lies before this one */
+  /* The toolkit's own, so that no list is searched. */
+  int32_t free_slot;     /* no null slot of `children` lies before this one */
+  int32_t slot;          /* where it stands in the parent's `children`; -1 nowhere */
+  int32_t subwindows;    /* children of kind 12 */
+  uint32_t generation;   /* of the pixels that `context` was made for */
+  XwWindow* linked_by;   /* the record whose `linked` this is */
+  void (*scroll_handler)(float dx, float dy);
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
 enum { XW_DOCKED = 1 };                                                /* flags2 */

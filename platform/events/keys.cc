@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "platform/events/translate.h"
+#include "platform/fonts/mac_roman.h"
 
 namespace platform {
 namespace {
@@ -56,8 +57,7 @@ constexpr KeyRow kKeys[] = {
     {0xFFFF, {0x75, 127}},                                               // Delete
 };
 
-constexpr uint16_t kTypingKey = 0;   // any key of the main block: the character tells it all
-constexpr uint8_t kAccented = 0x80;  // stands for every character beyond ASCII
+constexpr uint16_t kTypingKey = 0;  // any key of the main block: the character tells it all
 
 }  // namespace
 
@@ -74,7 +74,10 @@ MacKey LookUpKey(uint32_t keysym, uint32_t base_keysym, uint32_t unicode, uint32
     if (base_keysym >= 0x20 && base_keysym < 0x7F) return {kTypingKey, uint8_t(base_keysym)};
   }
   if (unicode >= 0x20 && unicode < 0x7F) return {kTypingKey, uint8_t(unicode)};
-  if (unicode >= 0x80) return {kTypingKey, kAccented};
+  if (unicode >= 0x80) {
+    int c = UnicodeToMacRoman(unicode);
+    if (c > 0) return {kTypingKey, uint8_t(c)};
+  }
   return {0xFFFF, 0};
 }
 

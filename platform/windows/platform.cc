@@ -19,6 +19,7 @@ constexpr int kMenuStripHeight = 24;
 const Display* display = nullptr;
 Screen main_screen;
 std::string session_name;
+bool preferences_offered = true;
 
 bool Open(const Display* d) {
   if (!d->open(session_name.c_str())) return false;
@@ -74,6 +75,13 @@ void FinishPlatform() {
   CollectWindows();
   display->close();
   display = nullptr;
+}
+
+void SetPreferencesCommand(bool offered) {
+  preferences_offered = offered;
+}
+bool PreferencesCommandOffered() {
+  return preferences_offered;
 }
 
 void DisplayLost() {

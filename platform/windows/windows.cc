@@ -118,6 +118,14 @@ void SetWindowTitle(WindowRef w, const char* utf8) {
   CurrentDisplay()->set_title(w);
 }
 
+const char* GetWindowTitle(WindowRef w) {
+  return IsValidWindow(w) ? w->title.c_str() : "";
+}
+
+uint32_t WindowGeneration(WindowRef w) {
+  return IsValidWindow(w) ? w->surface.generation : 0;
+}
+
 void SetWindowModified(WindowRef w, bool modified) {
   if (!IsValidWindow(w) || w->modified == modified) return;
   w->modified = modified;

@@ -118,13 +118,34 @@ void ClearKeyboardFocus(WindowRef w);
 int GetMBarHeight();
 enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
 void SetSystemUIMode(int mode, uint32_t options);
+// Whether the session's menu offers Preferences; requests from the desktop arrive all the same.
+void SetPreferencesCommand(bool offered);
+bool PreferencesCommandOffered();
 // Main screen, logical pixels.
 int ScreenWidth();
 int ScreenHeight();
+
+// The title as it was set; valid until the next change. Empty for a stale handle.
+const char* GetWindowTitle(WindowRef w);
 
 // --- Pixels -------------------------------------------------------------------------------------
 
 // Sends what was drawn to the screen now (null: every window) and waits until the display has it.
 void FlushWindow(WindowRef w);
+// Changes whenever the window's pixels are replaced; contexts made before then paint nothing.
+uint32_t WindowGeneration(WindowRef w);
+
+// --- Cursors ------------------------------------------------------------------------------------
+
+// A picture of at most 32 x 32 logical pixels, 0xAARRGGBB, or one of the desktop's own.
+enum class DesktopCursor { kNone, kArrow, kCrosshair, kOpenHand };
+// Both live until ReleaseCursor. Null for a size outside 1..32.
+CursorRef CreateDesktopCursor(DesktopCursor which);
+CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb);
+void ReleaseCursor(CursorRef cursor);
+// The pointer looks like this over the window; null is ignored.
+void ShowCursor(WindowRef w, CursorRef cursor);
+// All pointer events go to the window, with this cursor (null: its own), until a null window.
+void CapturePointer(WindowRef w, CursorRef cursor);
 
 }  // namespace platform

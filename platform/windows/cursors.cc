@@ -1,0 +1,50 @@
+#include "platform/windows/cursor.h"
+
+#include <algorithm>
+
+#include "platform/display/display.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+
+CursorRef CreateDesktopCursor(DesktopCursor which) {
+  auto* c = new Cursor;
+  c->desktop = which;
+  return c;
+}
+
+CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb) {
+  if (!argb || width < 1 || height < 1 || width > kCursorSide || height > kCursorSide)
+    return nullptr;
+  auto* c = new Cursor;
+  c->width = width;
+  c->height = height;
+  c->hot_x = std::clamp(hot_x, 0, width - 1);
+  c->hot_y = std::clamp(hot_y, 0, height - 1);
+  std::copy_n(argb, width * height, c->argb);
+  return c;
+}
+
+void ReleaseCursor(CursorRef cursor) {
+  if (!cursor) return;
+  const Display* d = CurrentDisplay();
+  for (WindowRef w : WindowList())
+    if (w->cursor == cursor) w->cursor = nullptr;
+  if (d && d->destroy_cursor) d->destroy_cursor(cursor);
+  delete cursor;
+}
+
+void ShowCursor(WindowRef w, CursorRef cursor) {
+  const Display* d = CurrentDisplay();
+  if (!cursor || !IsValidWindow(w) || w->cursor == cursor || !d->set_cursor) return;
+  w->cursor = cursor;
+  d->set_cursor(w, cursor);
+}
+
+void CapturePointer(WindowRef w, CursorRef cursor) {
+  const Display* d = CurrentDisplay();
+  if (!d || !d->grab_pointer || (w && !IsValidWindow(w))) return;
+  d->grab_pointer(w, w && !cursor ? w->cursor : cursor);
+}
+
+}  // namespace platform

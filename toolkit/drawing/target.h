@@ -1,0 +1,10 @@
+// The selected window: its context and clip, made when it is selected.
+#pragma once
+#include "toolkit/xw.h"
+
+// Drops the clips of a parent and of its children: one of them has moved, come or gone.
+void ResetFamilyClips(XwWindow* parent);
+// Drops the clips of everything below a window.
+void ResetClipsBelow(XwWindow* w);
+// Asks for a redraw of all of a window. Overwrites the current event's rectangle.
+void PostExpose(XwWindow* w);

@@ -1,0 +1,168 @@
+// What the desktop does to windows and asks of the program.
+#include <cstring>
+
+#include "platform/windows/windows.h"
+#include "toolkit/drawing/target.h"
+#include "toolkit/events/events.h"
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+bool AppActive;
+
+namespace {
+
+constexpr size_t kPathSize = 400;
+
+// The size next to `current` that differs from `original` by whole steps.
+int Snap(int original, int current, int step) {
+  if (step == 0) return current;
+  int remainder = (original + 1) % step;
+  int n = int(float(current + 1 - remainder) / float(step) + 0.5f);
+  return remainder + step * n - 1;
+}
+
+void SnapBounds(XwWindow* w, BoundsFields& b) {
+  b.current.right = b.current.left + Snap(b.original.width(), b.current.width(), w->step_x);
+  b.current.bottom = b.current.top + Snap(b.original.height(), b.current.height(), w->step_y);
+}
+
+// Docked windows have moved with the first window; their records follow.
+void ReadDockedPlaces() {
+  for (XwWindow* d = W_Start; d; d = d->next) {
+    if (!(d->flags2 & XW_DOCKED)) continue;
+    Rect c = GetWindowBounds(NativeWindow(d), kWindowContentRgn);
+    d->x = Sat16(c.left);
+    d->y = Sat16(c.top);
+  }
+}
+
+void TakeBounds(XwWindow* w, const Rect& now) {
+  ResetClipMask(w);
+  ResetClipsBelow(w);
+  if (w == W_Start) ReadDockedPlaces();
+  w->x = Sat16(now.left);
+  w->y = Sat16(now.top);
+  w->width = Sat16(now.width());
+  w->height = Sat16(now.height());
+}
+
+void BoundsChanged(XwWindow* w, const BoundsFields& b) {
+  const Rect& now = b.current;
+  int old_width = w->width, old_height = w->height;
+  if (b.programmatic) {
+    TakeBounds(w, now);
+    return;
+  }
+  Inp.x = now.left;
+  Inp.y = now.top;
+  Inp.width = now.width();
+  Inp.height = now.height();
+  Inp.window = w;
+  bool resized = now.width() != old_width || now.height() != old_height;
+  if (resized) {
+    XwSendEvent(w, XWE_CONFIGURE, 0, 0, 0);
+  } else {
+    Inp.type = XWE_CONFIGURE;
+    Inp.item = 0;
+    Inp.value = 0;
+  }
+  TakeBounds(w, now);
+  // What grew is drawn on the platform's own request.
+  if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
+}
+
+void ChooseCursor(XwWindow* w, Point where) {
+  if (GrabCursor) {
+    XwCocoaSetCursor(w, GrabCursor);
+    return;
+  }
+  XwWindow* sub = FindVirtualWindow(w, where.x - w->x, where.y - w->y);
+  XwCocoaSetCursor(w, sub ? sub->cursor : w->cursor);
+}
+
+void DrawContent(XwWindow* w) {
+  XwPush(nullptr);
+  PostExpose(w);
+  for (int i = 0; i < w->child_count; ++i) {
+    XwWindow* c = w->children[i];
+    if (c && IsSub(c) && (c->flags & XW_SHOWN)) PostExpose(c);
+  }
+  XwPop();
+}
+
+// True when the first window is there to take it.
+bool AskFirstWindow(int type) {
+  if (!IsLive(W_Start)) return false;
+  XwSendEvent(W_Start, type, 0, 0, 0);
+  return true;
+}
+
+}  // namespace
+
+OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
+  auto* w = static_cast<XwWindow*>(window);
+  switch (event->kind) {
+    case kEventWindowBoundsChanging:
+      SnapBounds(w, event->bounds);
+      break;
+    case kEventWindowBoundsChanged:
+      BoundsChanged(w, event->bounds);
+      break;
+    case kEventWindowCursorChange:
+      ChooseCursor(w, event->mouse.where);
+      break;
+    case kEventWindowClose:
+      XwSendEvent(w, XWE_CLOSE, 0, 0, 0);
+      break;
+    case kEventWindowZoom:
+      return eventNotHandledErr;
+    case kEventWindowDrawContent:
+      DrawContent(w);
+      break;
+    default:
+      break;
+  }
+  return noErr;
+}
+
+OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
+  switch (event->cls) {
+    case kEventClassApplication:
+      AppActive = event->kind == kEventAppActivated;
+      return eventNotHandledErr;
+    case kEventClassAppleEvent:
+      if (event->request.id == kAEQuitApplication)
+        return AskFirstWindow(XWE_QUIT) ? noErr : eventNotHandledErr;
+      if (event->request.id == kAEOpenDocuments) EVapple_func(event);
+      return eventNotHandledErr;
+    case kEventClassCommand:
+      if (event->request.id == kHICommandQuit) {
+        AskFirstWindow(XWE_QUIT);
+        return noErr;
+      }
+      if (event->request.id == kHICommandPreferences) {
+        AskFirstWindow(XWE_PREFERENCES);
+        return noErr;
+      }
+      return eventNotHandledErr;
+    default:
+      return eventNotHandledErr;
+  }
+}
+
+OSStatus EVapple_func(const Event* event) {
+  static char file[kPathSize];
+  // Only the first document, however many were dropped.
+  if (event->request.file_count < 1) return noErr;
+  const char* path = event->request.files[0];
+  size_t length = strlen(path);
+  if (length >= kPathSize) {
+    Refuse(Refusal::kPathTooLong);
+    return noErr;
+  }
+  memcpy(file, path, length + 1);
+  if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, 0);
+  return noErr;
+}

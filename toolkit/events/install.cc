@@ -1,0 +1,57 @@
+// Which platform events reach which handler of the toolkit.
+#include <iterator>
+
+#include "toolkit/events/events.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr EventKind kWindowEvents[] = {
+    {kEventClassWindow, kEventWindowClickResizeRgn},
+    {kEventClassWindow, kEventWindowBoundsChanging},
+    {kEventClassWindow, kEventWindowBoundsChanged},
+    {kEventClassWindow, kEventWindowDrawContent},
+    {kEventClassWindow, kEventWindowCursorChange},
+    {kEventClassWindow, kEventWindowClose},
+    {kEventClassWindow, kEventWindowZoom},
+};
+constexpr EventKind kMouseEvents[] = {
+    {kEventClassMouse, kEventMouseDown},
+    {kEventClassMouse, kEventMouseUp},
+    {kEventClassMouse, kEventMouseMoved},
+    {kEventClassMouse, kEventMouseDragged},
+};
+constexpr EventKind kWheelEvents[] = {{kEventClassMouse, kEventMouseWheelMoved}};
+constexpr EventKind kKeyEvents[] = {
+    {kEventClassKeyboard, kEventRawKeyDown},
+    {kEventClassKeyboard, kEventRawKeyModifiersChanged},
+    {kEventClassKeyboard, kEventRawKeyRepeat},
+    {kEventClassKeyboard, kEventRawKeyUp},
+};
+constexpr EventKind kApplicationEvents[] = {
+    {kEventClassAppleEvent, kEventAppleEvent},
+    {kEventClassApplication, kEventAppActivated},
+    {kEventClassApplication, kEventAppDeactivated},
+    {kEventClassCommand, kEventCommandProcess},
+};
+
+template <int N>
+void Install(EventTargetRef target, EventHandler handler, const EventKind (&kinds)[N], void* data) {
+  InstallEventHandler(target, handler, kinds, N, data);
+}
+
+}  // namespace
+
+void InstallEventHandlers(XwWindow* w) {
+  if (!w) {
+    Install(GetApplicationEventTarget(), EVapp_func, kApplicationEvents, nullptr);
+    return;
+  }
+  EventTargetRef target = GetWindowEventTarget(static_cast<WindowRef>(w->platform));
+  Install(target, EVwindow_func, kWindowEvents, w);
+  Install(target, EVmouse_func, kMouseEvents, w);
+  Install(target, EVwheel_func, kWheelEvents, w);
+  Install(target, EVkeyboard_func, kKeyEvents, w);
+}

@@ -1,0 +1,90 @@
+// Keys: from the platform's characters and virtual keys to the toolkit's codes.
+#include "toolkit/events/events.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr int kKeyCodes = 532;
+uint8_t KeyState[kKeyCodes];
+
+struct CodeRow {
+  uint8_t character;
+  int code;
+};
+constexpr CodeRow kSpecial[] = {
+    {8, XWE_BACKSPACE}, {9, XWE_TAB},   {3, XWE_RETURN}, {13, XWE_RETURN},  {5, XWE_HELP},
+    {127, XWE_DELETE},  {1, XWE_HOME},  {4, XWE_END},    {11, XWE_PAGE_UP}, {12, XWE_PAGE_DOWN},
+    {30, XWE_UP},       {28, XWE_LEFT}, {31, XWE_DOWN},  {29, XWE_RIGHT},
+};
+
+constexpr uint8_t kFunctionKey = 16, kEscape = 27;
+constexpr uint32_t kKeypadDecimal = 0x41, kEscapeKey = 0x35, kF13Key = 0x69;
+// F1 to F12.
+constexpr uint8_t kFunctionKeys[] = {0x7A, 0x78, 0x63, 0x76, 0x60, 0x61,
+                                     0x62, 0x64, 0x65, 0x6D, 0x67, 0x6F};
+
+struct ModifierRow {
+  uint32_t platform, state;
+};
+constexpr ModifierRow kModifiers[] = {
+    {cmdKey, XWS_COMMAND},
+    {alphaLock, XWS_CAPS},
+    {shiftKey | rightShiftKey, XWS_SHIFT},
+    {optionKey | rightOptionKey, XWS_OPTION},
+    {controlKey | rightControlKey, XWS_CONTROL},
+};
+
+// 0: no toolkit key.
+int MapKey(uint32_t key_code, uint8_t character) {
+  if (character >= 32 && character <= 126)
+    return character == ',' && key_code == kKeypadDecimal ? '.' : character;
+  if (character == kFunctionKey) {
+    if (key_code == kF13Key) return XWE_F13;
+    for (int i = 0; i < 12; ++i)
+      if (kFunctionKeys[i] == key_code) return XWE_F1 + i;
+    return 0;
+  }
+  if (character == kEscape) return key_code == kEscapeKey ? XWE_ESCAPE : 0;
+  for (const CodeRow& row : kSpecial)
+    if (row.character == character) return row.code;
+  return 0;
+}
+
+void ChangeModifiers(uint32_t modifiers) {
+  uint32_t state = Inp.state & XWS_BUTTONS;
+  for (const ModifierRow& row : kModifiers)
+    if (modifiers & row.platform) state |= row.state;
+  Inp.state = state;
+  Inp.window = Inp.focus;
+  Inp.type = XWE_MODIFIERS;
+}
+
+}  // namespace
+
+OSStatus EVkeyboard_func(HandlerCall*, Event* event, void*) {
+  Inp.type = 0;
+  if (event->kind == kEventRawKeyModifiersChanged) {
+    ChangeModifiers(event->key.modifiers);
+    return eventNotHandledErr;
+  }
+  int code = MapKey(event->key.key_code, event->key.character);
+  if (!code) return eventNotHandledErr;
+  Inp.window = Inp.focus;
+  if (event->kind == kEventRawKeyUp) {
+    Inp.value = code;
+    KeyState[code] = 0;
+    Inp.type = XWE_KEY_UP;
+    return eventNotHandledErr;
+  }
+  KeyState[code] = event->kind == kEventRawKeyRepeat ? 2 : 1;
+  Inp.type = code;
+  Inp.time = EventMilliseconds(event->time);
+  if (Inp.window) Inp.item = XCheckbl(Inp.window->boxes);
+  return eventNotHandledErr;
+}
+
+uint8_t XwGetKeyState(int key) {
+  return key >= 0 && key < kKeyCodes ? KeyState[key] : 0;
+}

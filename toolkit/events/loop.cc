@@ -1,0 +1,168 @@
+// Waiting for events and handing them to the windows that they are addressed to.
+#include <cstdlib>
+
+#include "toolkit/events/events.h"
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr int kLastButton = 5;
+constexpr int64_t kPollPeriod = 25000;  // microseconds between two events of XwGetEvent
+constexpr uint32_t kDoubleClickMs = 219;
+
+XwWindow* RawMode() {
+  return reinterpret_cast<XwWindow*>(intptr_t{-1});
+}
+
+void TakeRecord(Event* e) {
+  auto* record = static_cast<XwEvent*>(e->payload);
+  Inp = *record;
+  free(record);
+}
+
+// A modal window that has gone no longer keeps anything out.
+bool IsModal(XwWindow* modal) {
+  return modal && modal != RawMode() && IsLive(modal);
+}
+
+bool Outside(XwWindow* modal, XwWindow* w) {
+  return w != modal && !IsSubWindow(modal, w);
+}
+
+// A release outside the window that holds the pointer is translated here, since no handler of that
+// window would see it. False when the platform must not see it either.
+bool ReleaseOutsideGrab(const Event& e) {
+  if (!GrabWindow) return true;
+  WindowRef under = nullptr;
+  int part = FindWindow(e.mouse.where, &under);
+  if (part == inContent && under == NativeWindow(GrabWindow)) return true;
+  Inp.window = GrabWindow;
+  Inp.type = XWE_RELEASE;
+  PassiveGrab = false;
+  if (e.mouse.button >= 1) Inp.state &= ~(1u << (e.mouse.button - 1));
+  if (Inp.state & XWS_BUTTONS) return true;
+  if (!ActiveGrab) GrabWindow = nullptr;
+  return false;
+}
+
+// Translates a platform event into Inp. A non-zero result ends the wait with it.
+int TakePlatformEvent(Event* e) {
+  if (e->cls == kEventClassMouse && e->kind == kEventMouseUp) {
+    if (e->mouse.button > kLastButton) return eventNotHandledErr;
+    if (!ReleaseOutsideGrab(*e)) return 0;
+  }
+  if (e->cls == kEventClassMouse && e->kind == kEventMouseDown &&
+      FindWindow(e->mouse.where, nullptr) == inMenuBar)
+    return 0;
+  SendEventToEventTarget(e, static_cast<EventTargetRef>(MainTarget));
+  return 0;
+}
+
+void ClearAndCall(XwWindow* w, int type) {
+  XwPush(w);
+  XwClear(0, 0, 0, 0);
+  XwPop();
+  Trace(Subject::kEvents, "%d", type);
+  Inp.type = w->handler(type);
+}
+
+}  // namespace
+
+void XwRunEventLoop() {
+  for (;;) XwWaitEvent(nullptr);
+}
+
+int XwWaitEvent(XwWindow* modal) {
+  for (;;) {
+    Inp.type = 0;
+    Event e;
+    if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
+    if (e.cls == kToolkitEventClass) {
+      TakeRecord(&e);
+    } else if (int status = TakePlatformEvent(&e)) {
+      return status;
+    }
+    if (Inp.type == 0) continue;
+    XwWindow* w = Inp.window;
+    if (IsModal(modal) && Outside(modal, w)) {
+      if (Inp.type != XWE_CLOSE && Inp.type != XWE_PRESS) return Inp.type;
+      XwBeep();
+      continue;
+    }
+    if (modal == RawMode() || !w || !w->handler) return Inp.type;
+    if (Inp.type == XWE_EXPOSE) {
+      ClearAndCall(w, XWE_EXPOSE);
+      continue;
+    }
+    Trace(Subject::kEvents, "%d", Inp.type);
+    int result = w->handler(Inp.type);
+    Inp.type = result;
+    if (result != 0 && result != XWE_CONFIGURE && result != XWE_EXPOSE) return result;
+  }
+}
+
+int XwGetEvent(XwWindow* modal, int dispatch) {
+  static bool first = true;
+  static int64_t last;
+  Inp.type = 0;
+  // Microseconds in 32 bits: the count wraps, and polling pauses until it has caught up.
+  int64_t now = int32_t(uint32_t(uint64_t(GetTimeOfDayMicroseconds())));
+  if (first) last = now;
+  first = false;
+  if (now - last < kPollPeriod) return 0;
+  last = now;
+  Event e;
+  if (!ReceiveNextEvent(kEventDurationNoWait, &e)) return 0;
+  if (e.cls != kToolkitEventClass) {
+    SendEventToEventTarget(&e, static_cast<EventTargetRef>(MainTarget));
+    return Inp.type;
+  }
+  TakeRecord(&e);
+  XwWindow* w = Inp.window;
+  int type = Inp.type;
+  bool redraw = type == XWE_CONFIGURE || type == XWE_EXPOSE;
+  if (redraw && w && w->handler) {
+    ClearAndCall(w, type);
+    return type;
+  }
+  if (IsModal(modal) && Outside(modal, w)) {
+    if (type == XWE_PRESS) XwBeep();
+    return type;
+  }
+  if (dispatch && w && w->handler) Inp.type = w->handler(type);
+  return Inp.type;
+}
+
+int XwPeekEvents(XwWindow* modal, int dispatch) {
+  while (XwGetEvent(modal, dispatch)) {
+  }
+  return 0;
+}
+
+int XwGrabEvent() {
+  for (;;) {
+    int type = XwWaitEvent(RawMode());
+    if (type != XWE_TIMER || !Inp.window || !Inp.window->handler) return type;
+  }
+}
+
+int XwDoubleClick(uint32_t* last_time) {
+  static int32_t last_item = -1;
+  if (!last_time) return 0;
+  bool twice = Inp.time - *last_time <= kDoubleClickMs && Inp.item == last_item;
+  last_item = Inp.item;
+  *last_time = Inp.time;
+  return twice;
+}
+
+int XwCheckPointer(int x, int y, int w, int h) {
+  int64_t px = Inp.px, py = Inp.py;
+  return x < px && px < int64_t{x} + w && y < py && py < int64_t{y} + h;
+}
+
+void XwBeep() {
+  AlertSoundPlay();
+}

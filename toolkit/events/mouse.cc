@@ -1,0 +1,182 @@
+// Pointer events: which window of the tree gets them, in which coordinates; grabs.
+#include "toolkit/events/events.h"
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+XwWindow* GrabWindow;
+bool PassiveGrab, ActiveGrab;
+XwCursor* GrabCursor;
+
+namespace {
+
+constexpr int kLastButton = 5;
+
+struct Pressed {
+  int button;
+  uint32_t mask;
+};
+
+void ReadPen(const TabletPoint& pen) {
+  Inp.pressure = pen.pressure / 257;
+  Inp.tilt_x = pen.tilt_x;
+  Inp.tilt_y = pen.tilt_y;
+}
+
+// The pen's tip and side buttons stand for buttons; none of them down stands for all of them.
+Pressed PenButton(const TabletPoint& pen) {
+  if (pen.buttons & 1) return {1, 1};
+  if (pen.buttons & 2) return {3, 4};
+  if (pen.buttons & 4) return {2, 2};
+  return {0, 31};
+}
+
+void TakePointer(XwWindow* w, const Event& e) {
+  Inp.focus = Inp.window = w;
+  Inp.root_x = e.mouse.where.x;
+  Inp.root_y = e.mouse.where.y;
+  SetTargetCoordinates(w);
+}
+
+void DropButtons(uint32_t mask) {
+  Inp.state &= ~mask;
+  if (Inp.state & XWS_BUTTONS) return;
+  PassiveGrab = false;
+  if (!ActiveGrab) GrabWindow = nullptr;
+}
+
+XwWindow* Release(XwWindow* w, uint32_t mask) {
+  XwWindow* target = GrabWindow ? GrabWindow : w;
+  Inp.type = XWE_RELEASE;
+  DropButtons(mask);
+  return target;
+}
+
+// Null: the press only activated the application.
+XwWindow* Press(XwWindow* w, Pressed pressed) {
+  Inp.type = XWE_MOTION + pressed.button;
+  Inp.state = (Inp.state & ~uint32_t{XWS_BUTTONS}) | pressed.mask;
+  if (!AppActive) {
+    SetFrontProcess();
+    SelectWindow(NativeWindow(w));
+    Inp.type = 0;
+    return nullptr;
+  }
+  XwWindow* target = w;
+  if (GrabWindow) {
+    target = GrabWindow;
+  } else {
+    PassiveGrab = true;
+    GrabWindow = w;
+    if (XwWindow* sub = FindVirtualWindow(w, Inp.px, Inp.py)) GrabWindow = Inp.focus = target = sub;
+  }
+  if (Inp.type != XWE_PRESS) {
+    // Only the primary button keeps a grab.
+    GrabWindow = nullptr;
+    PassiveGrab = false;
+  }
+  return target;
+}
+
+OSStatus Button(XwWindow* w, const Event& e) {
+  if (FindWindow(e.mouse.where, nullptr) != inContent) return eventNotHandledErr;
+  Pressed pressed{};
+  if (e.mouse.tablet_type == kEventTabletPoint) {
+    ReadPen(e.mouse.tablet);
+    pressed = PenButton(e.mouse.tablet);
+  } else {
+    if (e.mouse.button < 1 || e.mouse.button > kLastButton) return eventNotHandledErr;
+    pressed = {e.mouse.button, 1u << (e.mouse.button - 1)};
+  }
+  TakePointer(w, e);
+  Inp.time = EventMilliseconds(e.time);
+  XwWindow* target = e.kind == kEventMouseUp ? Release(w, pressed.mask) : Press(w, pressed);
+  if (!target) return noErr;
+  Inp.window = target;
+  SetTargetCoordinates(target);
+  Inp.item = XCheckbl(target->boxes);
+  return noErr;
+}
+
+OSStatus Motion(XwWindow* w, const Event& e) {
+  static Point lastpos{-1, -1};
+  if (e.mouse.tablet_type == kEventTabletPoint) {
+    if (e.mouse.where == lastpos) {
+      Inp.type = 0;
+      return eventNotHandledErr;
+    }
+    ReadPen(e.mouse.tablet);
+    lastpos = e.mouse.where;
+  }
+  Inp.type = XWE_MOTION;
+  TakePointer(w, e);
+  XwWindow* target = GrabWindow ? GrabWindow : FindVirtualWindow(w, Inp.px, Inp.py);
+  if (target) Inp.focus = Inp.window = target;
+  SetTargetCoordinates(Inp.window);
+  Inp.item = XCheckbl(Inp.window->boxes);
+  return eventNotHandledErr;
+}
+
+}  // namespace
+
+void SetTargetCoordinates(XwWindow* target) {
+  Inp.px = Inp.root_x - target->x;
+  Inp.py = Inp.root_y - target->y;
+  if (!IsSub(target)) return;
+  const XwWindow* top = TopLevel(target);
+  Inp.px = Inp.root_x - top->x - target->origin_x;
+  Inp.py = Inp.root_y - top->y - target->origin_y;
+}
+
+XwWindow* FindVirtualWindow(XwWindow* w, int x, int y) {
+  if (!IsLive(w) || !(w->flags & XW_HAS_SUBWINDOWS)) return nullptr;
+  for (int i = w->child_count; i-- > 0;) {
+    XwWindow* c = w->children[i];
+    if (!c || !IsSub(c) || !(c->flags & XW_SHOWN)) continue;
+    if (c->origin_x < x && x < c->origin_x + c->width && c->origin_y < y &&
+        y < c->origin_y + c->height)
+      return c;
+  }
+  return nullptr;
+}
+
+OSStatus EVmouse_func(HandlerCall*, Event* event, void* window) {
+  auto* w = static_cast<XwWindow*>(window);
+  Inp.pressure = 0;
+  if (event->kind == kEventMouseDown || event->kind == kEventMouseUp) return Button(w, *event);
+  return Motion(w, *event);
+}
+
+OSStatus EVwheel_func(HandlerCall*, Event* event, void* window) {
+  auto* w = static_cast<XwWindow*>(window);
+  int px = event->mouse.where.x - w->x, py = event->mouse.where.y - w->y;
+  XwWindow* target = FindVirtualWindow(w, px, py);
+  if (!target || !target->scroll_handler) target = w;
+  if (!target->scroll_handler) return eventNotHandledErr;
+  Inp.window = target;
+  Inp.root_x = event->mouse.where.x;
+  Inp.root_y = event->mouse.where.y;
+  SetTargetCoordinates(target);
+  target->scroll_handler(event->mouse.dx, event->mouse.dy);
+  return noErr;
+}
+
+void XwGrabPointer(XwWindow* w, int32_t cursor) {
+  if (!CheckWindow(w)) return;
+  GrabWindow = w;
+  ActiveGrab = true;
+  GrabCursor = cursor >= 0 && cursor < XW_CURSORS ? XWcursors[cursor] : nullptr;
+  CapturePointer(NativeWindow(w), reinterpret_cast<CursorRef>(GrabCursor));
+}
+
+void XwUngrabPointer() {
+  if (ActiveGrab) CapturePointer(nullptr, nullptr);
+  GrabWindow = nullptr;
+  ActiveGrab = false;
+  GrabCursor = nullptr;
+}
+
+XwWindow* XwPointerIsGrabbed() {
+  return GrabWindow;
+}

@@ -1,0 +1,67 @@
+// Posting toolkit events: heap copies of a record that travel through the platform's queue.
+#include <cstdlib>
+
+#include "toolkit/events/events.h"
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+XwEvent Inp;
+
+void PostEvent(const XwEvent& event) {
+  auto* record = static_cast<XwEvent*>(malloc(sizeof(XwEvent)));
+  if (!record) return;
+  *record = event;
+  Event e(kToolkitEventClass, 0);
+  e.payload = record;
+  PostEventToQueue(static_cast<EventQueueRef>(MainQueue), e);
+}
+
+void XwSendEvent(XwWindow* window, int type, int item, XwValue value, int param) {
+  if (!CheckWindow(window)) return;
+  XwEvent event = Inp;
+  event.window = window;
+  event.type = type;
+  event.item = item;
+  event.value = value;
+  event.param = param;
+  PostEvent(event);
+}
+
+int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {
+  if (!CheckWindow(window)) return 0;
+  Inp.window = window;
+  Inp.type = type;
+  Inp.item = item;
+  Inp.value = value;
+  Inp.param = 0;
+  if (!window->handler) {
+    PostEvent(Inp);
+    return 0;
+  }
+  int result = window->handler(type);
+  Inp.type = result;
+  return result;
+}
+
+void PurgeEvents(XwWindow* window) {
+  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [window](const Event& e) {
+    if (e.cls != kToolkitEventClass) return false;
+    auto* record = static_cast<XwEvent*>(e.payload);
+    if (record->focus == window) record->focus = nullptr;
+    if (record->window != window) return false;
+    free(record);
+    return true;
+  });
+}
+
+void PurgeTimerEvents() {
+  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [](const Event& e) {
+    if (e.cls != kToolkitEventClass) return false;
+    auto* record = static_cast<XwEvent*>(e.payload);
+    if (record->type != XWE_TIMER) return false;
+    free(record);
+    return true;
+  });
+}

@@ -1,0 +1,12 @@
+target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/cursor_art.cc
+  ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
+  ${CMAKE_CURRENT_LIST_DIR}/desktop.cc
+  ${CMAKE_CURRENT_LIST_DIR}/install.cc
+  ${CMAKE_CURRENT_LIST_DIR}/keyboard.cc
+  ${CMAKE_CURRENT_LIST_DIR}/loop.cc
+  ${CMAKE_CURRENT_LIST_DIR}/mouse.cc
+  ${CMAKE_CURRENT_LIST_DIR}/send.cc
+  ${CMAKE_CURRENT_LIST_DIR}/session.cc
+  ${CMAKE_CURRENT_LIST_DIR}/timers.cc
+  ${CMAKE_CURRENT_LIST_DIR}/trace.cc)

@@ -1,0 +1,65 @@
+// Timers: a table of pairs (window, value) over the platform's event-loop timers.
+#include "toolkit/events/events.h"
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+XwTimerSlot Timers[kTimerSlots];
+
+namespace {
+
+void EVtimer_func(EventLoopTimerRef, void* data) {
+  XwTimerSlot& slot = Timers[reinterpret_cast<intptr_t>(data)];
+  if (slot.value) XwSendEvent(slot.window, XWE_TIMER, 0, XwValue{slot.value}, 0);
+}
+
+void Stop(XwTimerSlot& slot) {
+  slot.value = 0;
+  RemoveEventLoopTimer(slot.timer);
+  slot.timer = nullptr;
+  PurgeTimerEvents();
+}
+
+XwTimerSlot* FindSlot(XwWindow* w, int32_t value) {
+  for (XwTimerSlot& slot : Timers)
+    if (slot.window == w && slot.value == value) return &slot;
+  return nullptr;
+}
+
+XwTimerSlot* FreeSlot() {
+  for (XwTimerSlot& slot : Timers)
+    if (slot.value == 0) return &slot;
+  return nullptr;
+}
+
+}  // namespace
+
+void XwTimer(XwWindow* w, int32_t value, int32_t ms) {
+  if (!CheckWindow(w)) return;
+  if (value == 0) {
+    for (XwTimerSlot& slot : Timers)
+      if (slot.window == w) Stop(slot);
+    return;
+  }
+  XwTimerSlot* slot = FindSlot(w, value);
+  if (!slot && ms == 0) return;
+  if (!slot) slot = FreeSlot();
+  if (!slot) {
+    Refuse(Refusal::kNoTimerSlot);
+    return;
+  }
+  if (ms == 0) {
+    Stop(*slot);
+    return;
+  }
+  slot->window = w;
+  slot->value = value;
+  // A period below one millisecond would leave the loop nothing else to do.
+  double interval = (ms < 1 ? 1 : ms) / 1000.0;
+  if (slot->timer)
+    SetEventLoopTimerNextFireTime(slot->timer, interval);
+  else
+    slot->timer = InstallEventLoopTimer(interval, interval, EVtimer_func,
+                                        reinterpret_cast<void*>(intptr_t(slot - Timers)));
+}

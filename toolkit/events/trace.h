@@ -1,0 +1,24 @@
+// What the toolkit does, a line each on standard error, when XW_TRACE names the subject
+// (XW_TRACE=events,windows,draw). Refusals have names, so that tests need not look at effects.
+#pragma once
+
+enum class Subject { kEvents, kWindows, kDraw };
+
+bool Traced(Subject subject);
+// A line with the subject's name before it; nothing when the subject is not traced.
+void Trace(Subject subject, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// The toolkit declined to do something: one name each.
+enum class Refusal {
+  kNone,
+  kStaleWindow,      // a window that is not alive, or null
+  kNoTimerSlot,      // all timers are in use
+  kNoBoxList,        // a box without a list
+  kStackTooDeep,     // XwPush beyond the stack
+  kPathTooLong,      // a document's path does not fit
+  kDisplayRefused,   // the display made no window
+  kTooManyChildren,  // a parent's list is full
+};
+void Refuse(Refusal what);
+// The latest one; reading it clears it.
+Refusal TakeRefusal();

@@ -1,0 +1,84 @@
+// Showing, enabling, focus, title and the other attributes of a window.
+#include <cstring>
+
+#include "platform/fonts/mac_roman.h"
+#include "toolkit/drawing/target.h"
+#include "toolkit/events/events.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr int kTitleLimit = 255;
+
+void ShowTopLevel(XwWindow* w, bool show) {
+  WindowRef native = NativeWindow(w);
+  if (!show) {
+    HideWindow(native);
+    return;
+  }
+  ShowWindow(native);
+  Rect c = GetWindowBounds(native, kWindowContentRgn);
+  w->x = Sat16(c.left);
+  w->y = Sat16(c.top);
+}
+
+void ShowSub(XwWindow* w, bool show) {
+  if (bool(w->flags & XW_SHOWN) == show) return;
+  w->flags = uint8_t(show ? w->flags | XW_SHOWN : w->flags & ~XW_SHOWN);
+  ResetFamilyClips(w->parent);
+  ResetClipsBelow(w);
+  PostExpose(show ? w : w->parent);
+}
+
+}  // namespace
+
+void XwShow(XwWindow* w, int show) {
+  if (!CheckWindow(w)) return;
+  if (IsTopLevel(w))
+    ShowTopLevel(w, show != 0);
+  else if (IsSub(w))
+    ShowSub(w, show != 0);
+}
+
+void XwEnable(XwWindow* w, int enable) {
+  if (!CheckWindow(w)) return;
+  w->enabled = uint8_t(enable);
+  if (IsTopLevel(w)) ActivateWindow(NativeWindow(w), enable != 0);
+}
+
+void XwSetFocus(XwWindow* w) {
+  if (!CheckWindow(w)) return;
+  XwWindow* top = TopLevel(w);
+  SetUserFocusWindow(NativeWindow(top));
+  ClearKeyboardFocus(NativeWindow(top));
+  Inp.focus = top;
+}
+
+void XwSetText(XwWindow* w, const char* text) {
+  if (!CheckWindow(w) || !IsTopLevel(w)) return;
+  const unsigned char* title = C2PSTR(text);
+  char cut[kTitleLimit + 1];
+  memcpy(cut, title + 1, title[0]);
+  cut[title[0]] = 0;
+  char utf8[kTitleLimit * 3 + 1];
+  MacRomanToUtf8(cut, utf8, sizeof utf8);
+  SetWindowTitle(NativeWindow(w), utf8);
+}
+
+void XwSetValue(XwWindow* w, XwValue value) {
+  if (CheckWindow(w) && IsTopLevel(w)) SetWindowModified(NativeWindow(w), (value & 255) != 0);
+}
+
+char* XwGetText(XwWindow* w, char* dst) {
+  if (!dst) return dst;
+  *dst = 0;
+  if (CheckWindow(w) && IsTopLevel(w))
+    Utf8ToMacRoman(GetWindowTitle(NativeWindow(w)), dst, kTitleLimit + 1);
+  return dst;
+}
+
+void XwSetScrollHandler(XwWindow* w, XwScrollHandler handler) {
+  if (CheckWindow(w)) w->scroll_handler = handler;
+}

@@ -1,0 +1,91 @@
+// Hit-box lists: which drawn thing lies under the pointer.
+#include <cstdlib>
+
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+namespace {
+
+struct Box {
+  int16_t x, y, width, height, id;
+};
+constexpr uint16_t kClosed = 0xFFFF;
+constexpr int kBoxStep = 10;
+
+}  // namespace
+
+struct XwBoxes {
+  Box* boxes;
+  XwWindow* window;
+  uint16_t count;
+  uint16_t capacity;
+};
+
+// The box that is being added.
+static int16_t blpx, blpy, bllx, blly;
+
+XwBoxes* XAllocbl() {
+  auto* list = static_cast<XwBoxes*>(calloc(1, sizeof(XwBoxes)));
+  list->boxes = static_cast<Box*>(malloc(kBoxStep * sizeof(Box)));
+  list->window = XW;
+  list->capacity = kBoxStep;
+  return list;
+}
+
+void XAddbl(XwBoxes* list, int id) {
+  // A capacity that would read as closed is never reached.
+  if (!list || list->capacity == kClosed || list->count >= kClosed - kBoxStep) return;
+  if (list->count == list->capacity) {
+    list->capacity = uint16_t(list->capacity + kBoxStep);
+    list->boxes = static_cast<Box*>(realloc(list->boxes, list->capacity * sizeof(Box)));
+  }
+  list->boxes[list->count++] = {blpx, blpy, bllx, blly, int16_t(id)};
+}
+
+void XEndbl(XwBoxes* list) {
+  if (list) list->capacity = kClosed;
+}
+
+void XFreebl(XwBoxes* list) {
+  if (!list) return;
+  free(list->boxes);
+  free(list);
+}
+
+int XCheckbl(XwBoxes* list) {
+  if (!list || Inp.window != list->window) return 0;
+  for (int i = list->count; i-- > 0;) {
+    const Box& b = list->boxes[i];
+    if (!XwCheckPointer(b.x, b.y, b.width, b.height)) continue;
+    if (b.id == 0) return 0;
+    Inp.x = b.x;
+    Inp.y = b.y;
+    Inp.width = b.width;
+    Inp.height = b.height;
+    return i + 1;
+  }
+  return 0;
+}
+
+void XwBoxList(int op, int x, int y, int width, int height) {
+  XwWindow* w = XW;
+  if (!CheckWindow(w)) return;
+  if (op == 3) {
+    XFreebl(w->boxes);
+    w->boxes = XAllocbl();
+    return;
+  }
+  if (!w->boxes) {
+    Refuse(Refusal::kNoBoxList);
+    return;
+  }
+  if (op == 4) {
+    XEndbl(w->boxes);
+    return;
+  }
+  blpx = Sat16(x);
+  blpy = Sat16(y);
+  bllx = Sat16(width);
+  blly = Sat16(height);
+  XAddbl(w->boxes, op);
+}

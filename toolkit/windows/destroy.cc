@@ -1,0 +1,114 @@
+// Tear-down of a window and everything below it. No pointer to the window is left behind.
+#include <cstdlib>
+
+#include "platform/graphics/context.h"
+#include "toolkit/events/events.h"
+#include "toolkit/events/trace.h"
+#include "toolkit/windows/windows.h"
+
+using namespace platform;
+
+namespace {
+
+bool first_window_ended = false;
+
+void ReleaseInput(XwWindow* w) {
+  if (GrabWindow == w) {
+    // An active grab's flag and cursor stay until the program ends the grab.
+    GrabWindow = nullptr;
+    PassiveGrab = false;
+  }
+  if (Inp.focus == w) Inp.focus = nullptr;
+  if (Inp.window == w) Inp.window = nullptr;
+  if (W_MenuBar == w) W_MenuBar = nullptr;
+}
+
+void DestroyChildren(XwWindow* w) {
+  for (int i = 0; i < w->child_count; ++i) XwDestroy(w->children[i]);
+  free(w->children);
+  w->children = nullptr;
+  w->child_count = 0;
+  w->free_slot = 0;
+}
+
+void FreeContents(XwWindow* w) {
+  XFreebl(w->boxes);
+  w->boxes = nullptr;
+  if (!(w->flags & XW_DATA_NOT_OWNED)) free(w->user_data);
+  w->user_data = nullptr;
+  free(w->text);
+  w->text = nullptr;
+}
+
+void EndNative(XwWindow* w) {
+  ResetClipMask(w);
+  if ((w->flags2 & XW_DOCKED) && IsLive(W_Start) && !first_window_ended)
+    ActivateWindow(NativeWindow(W_Start), true);
+  if (w->kind == 0) DisposeWindow(static_cast<WindowRef>(w->platform));
+  w->platform = nullptr;
+}
+
+void LeaveCreationList(XwWindow* w) {
+  if (w->previous) w->previous->next = w->next;
+  if (w->next)
+    w->next->previous = w->previous;
+  else
+    W_End = w->previous;
+}
+
+void LeaveParent(XwWindow* w) {
+  XwWindow* parent = w->parent;
+  if (!parent) return;
+  if (parent->toolbar == w) parent->toolbar = nullptr;
+  if (w->slot >= 0 && w->slot < parent->child_count && parent->children[w->slot] == w) {
+    parent->children[w->slot] = nullptr;
+    if (w->slot < parent->free_slot) parent->free_slot = w->slot;
+    if (w->kind == kSubWindow && --parent->subwindows == 0) parent->flags &= ~XW_HAS_SUBWINDOWS;
+  }
+}
+
+void Unlink(XwWindow* w) {
+  if (w->linked_by) w->linked_by->linked = nullptr;
+  if (w->linked) w->linked->linked_by = nullptr;
+}
+
+// The first window's record stays, empty, at the head of the creation list.
+void EmptyRecord(XwWindow* w) {
+  XwWindow *next = w->next, *previous = w->previous;
+  *w = XwWindow();
+  w->color = -1;
+  w->slot = -1;
+  w->next = next;
+  w->previous = previous;
+}
+
+}  // namespace
+
+bool FirstWindowEnded() {
+  return first_window_ended;
+}
+
+void XwDestroy(XwWindow* w) {
+  if (!w || !CheckWindow(w)) return;
+  bool first = w == W_Start;
+  if (first) first_window_ended = true;
+  XwTimer(w, 0, 0);
+  for (XwTimerSlot& slot : Timers)
+    if (slot.window == w) slot.window = nullptr;
+  ResetClipMask(w->parent);
+  ReleaseInput(w);
+  DestroyChildren(w);
+  FreeContents(w);
+  ForgetTarget(w);
+  EndNative(w);
+  Unlink(w);
+  LeaveParent(w);
+  if (!first) LeaveCreationList(w);
+  LeaveLive(w);
+  PurgeEvents(w);
+  Trace(Subject::kWindows, "destroy");
+  if (first)
+    EmptyRecord(w);
+  else
+    free(w);
+}
