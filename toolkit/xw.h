@@ -355,36 +355,155 @@ void XwPop(void);
 void XwClip(uint16_t x, uint16_t y, uint16_t width, uint16_t height);
 /* After changes of a record made by hand: its clip is made anew when it is next selected. */
 void ResetClipMask(XwWindow* w);
+
+/* ---- Colours and dashes. The current colour and the dash pattern are the program's, not the
+ * window's: they stay when another window is selected. */
+
+/* The colour of everything that takes none: fills, outlines, lines, polygons, ellipses. */
 void XwSetColor(int32_t colour);
-/* `pattern`: zero-terminated lengths in pixels, at most 128; null: solid lines again. */
+/* Lines and outlines drawn from now on alternate between two colours: first the dashes of `pattern`
+ * in `colour1`, starting `offset` pixels into it, then the same pattern one dash further on in
+ * `colour2`. `pattern` is a zero-terminated string of lengths in pixels, cut at 128, copied; a dash
+ * of n covers n pixels along the path, and an odd number of lengths swaps dashes and gaps at each
+ * round. Afterwards lines keep `colour2` until XwSetColor. An empty pattern makes no new dashes but
+ * leaves XW with those it has; null: solid lines again. */
 void XwSetDashes(const uint8_t* pattern, int offset, int32_t colour1, int32_t colour2);
+/* For reading. Colours are red, green, blue, alpha, 0..1. */
+extern int32_t DashCount;
+extern float DashOffset, DashCol1[4], DashCol2[4], DashArray1[128];
+
 /* Does nothing; XwSync shows what was drawn. */
 void XwFlush(void);
+/* Brings everything drawn so far to the screen and waits until the display has it. The loop does the
+ * same by itself before it waits. */
 void XwSync(void);
-/* Paints the rectangle with the window's ground; width and height both 0: the whole window. */
+/* Paints the rectangle with the window's own ground (a colour becomes the current colour); nothing
+ * when the window has none. Width and height both 0: the whole window. */
 void XwClear(int x, int y, int width, int height);
 
+/* ---- Shapes. A rectangle (x, y, w, h) covers w columns from x and h rows from y; an empty or
+ * negative one paints nothing. Any numbers may be given: what lies outside is cut. Lines are one
+ * pixel thin at every scale (a whole number of device pixels), without gaps or overlaps between
+ * neighbours. */
+
+/* Filled, in `colour`, which becomes the current colour. -2 erases, other markers paint nothing. */
 void XwBox(int x, int y, int w, int h, int32_t colour);
 void XwFillRect(int x, int y, int w, int h);
+/* The outline inside the same rectangle. Dashes run from the bottom-left corner to the right, up,
+ * left, down. */
 void XwDrawRect(int x, int y, int w, int h);
+/* Both ends are painted; equal ends give one pixel. */
 void XwDrawLine(int x1, int y1, int x2, int y2);
+/* An open line through n points, pairs of x and y. A point names the upper border of its row, so at
+ * the same y it paints one row above XwDrawLine; at y = 0 nothing shows. Fewer than two points, and
+ * null, paint nothing. */
+void XwDrawLines(const int16_t* points, int n);
+/* Closed and filled, inside and outside alternating where it crosses itself. Points are corners
+ * between pixels. Fewer than three points, and null, paint nothing. */
+void XwFillPolygon(const int16_t* points, int n);
+/* The ellipse that touches the rectangle's sides, and its outline. */
+void XwDrawEllipse(int x, int y, int w, int h);
+void XwFillEllipse(int x, int y, int w, int h);
 
-/* ---- Text. A null font is XWF_NORMAL. */
+/* ---- Elements of the desktop's look. */
+
+/* A button's face. state: 0 inactive, 1 active, 2 pressed. */
+void XwDrawBevel(int x, int y, int w, int h, int state);
+/* A well: a sunken frame. `fill` a colour: fills it two pixels inside (and becomes the current
+ * colour). -2: erases from two pixels inside the left and top to four inside the right and bottom.
+ * Other markers: the frame alone. */
+void XwDrawHole(int x, int y, int w, int h, int32_t fill);
+/* A grey line along the top and the right edge of XW. The current colour becomes that grey. */
+void XwDrawBorder(void);
+/* A hairline: horizontal in row y when w > h, else vertical in column x; the row (column) before it
+ * is erased. */
+void XwDrawSeparator(int x, int y, int w, int h);
+/* A grid of separators: rows + 1 horizontal ones rowHeight apart (none for negative rows), a
+ * vertical one at x and behind each column. `colWidths` ends with 0; null draws nothing. */
+void XwDrawTable(int x, int y, int rows, int rowHeight, const int* colWidths);
+/* A progress bar. `value` counts pixels of the bar, 0 to w - 8. The area is cleared first, four
+ * pixels more at the left and right, two at the top and bottom. */
+void XwDrawProgress(int x, int y, int w, int h, int value);
+
+/* ---- Text. A font argument of null means XWF_NORMAL. Line height is ascent + descent. */
 struct XwFont {
-  uint16_t reserved;
-  char name[82];
-  int32_t style; /* 1 bold, 2 italic, 32 narrow */
-  int32_t size;  /* pixels */
+  uint16_t reserved; /* 0 */
+  char name[82];     /* the name that was found, or the last one tried */
+  int32_t style;     /* as asked for: 1 bold, 2 italic, 32 narrow */
+  int32_t size;      /* pixels */
   int32_t ascent, descent, max_advance;
-  void* platform;
+  void* platform;    /* the toolkit's */
 };
+/* Of the session: 13 pixels plain, bold, narrow; 12 for lists and fields; the toolkit's own. */
 extern XwFont *XWF_NORMAL, *XWF_BOLD, *XWF_NARROW, *XWF_VIEW;
 extern XwFont *FT_SMALL, *FT_BUTTON, *FT_ALERT;
+
+/* A font by family, size in pixels and style (1 bold, 2 italic, 32 narrow, added). The family
+ * without its spaces, then "-Narrow", "-Bold" and "-Italic" as asked for, is looked up as a font
+ * name; what is not found is tried without italic, then without narrow, then without bold, at last
+ * as the family alone. Only exact names count. Never null: a font that is not found draws with the
+ * desktop's, has ascent = size, and a descent that is negative. Lives for the process. */
 XwFont* LoadFont(const char* family, int size, int style);
+/* By a name with dashes, such as "-*-helvetica-bold-r-normal-*-18-*-*-*-*-*-*-*": family (its first
+ * letter made a capital), "bold", "i" for italic, "narrow" as set width, size. Bold replaces narrow.
+ * Null is a name without fields. */
+XwFont* XwLoadFont(const char* xname);
+/* Copies field n (2 family, 3 weight, 4 slant, 5 set width, 7 size) to `dst`, which has room for 200
+ * bytes, and returns it; the empty string where there is no such field. Null `dst`: null. */
+char* GetFontParm(const char* xname, int field, char* dst);
+
+/* Pixels, a fraction dropped. Null text: 0. */
 int XwTextWidth(XwFont* font, const char* text);
-/* One line. flags: 0x200 right, 0x400 left, else centred; 0x800 underlined. w or h 0: at (x, y). */
+/* The longest beginning that is narrower than `width`, at most 199 characters, in a static buffer;
+ * XwDrawText overwrites it too. */
+char* XwTextTrim(XwFont* font, const char* text, int width);
+/* The text, if it is narrower than width - 6, else shortened in the middle to "begin...end" so that
+ * it is; the empty string when nothing fits. In a static buffer of its own, at most 199
+ * characters; texts are cut to 211 characters before they are shortened. */
+char* XwTextFit(XwFont* font, const char* text, int width);
+/* One line. With w and h: in that box, in the middle of its height, trimmed to w - 6; flags 0x200
+ * puts it 5 pixels from the right, 0x400 5 pixels from the left, anything else in the middle;
+ * `background` fills the box. With w or h 0: whole, its top left corner at (x, y), and `background`
+ * fills the height and width of the text. 0x800 underlines. background -1: none, -2: erases. */
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background);
+
+/* ---- Icons: small pictures of one bit a pixel, drawn in any pair of colours. */
+struct XwIcon {
+  int32_t width, height; /* 1 to 32767; others draw nothing */
+  void* cache;           /* null; the toolkit's, made once and kept */
+  const uint8_t* bits;   /* height rows of (width + 7) / 8 bytes, lowest bit leftmost */
+};
+extern XwIcon IC_POPUP_MORE_DATA_UP[1], IC_POPUP_MORE_DATA_DOWN[1]; /* 25 x 16 */
+extern XwIcon IC_EXCHANGE[1];                                       /* 16 x 14 */
+extern XwIcon IC_SMALL_ARROW_DOWN[1], IC_SMALL_ARROW_UP[1];         /* 7 x 5 */
+extern XwIcon IC_OPT_DIALOG[1];                                     /* 6 x 16 */
+extern XwIcon IC_OPT_MENU[1];                                       /* 7 x 16 */
+extern XwIcon IC_CHECKBOX[1];                                       /* 16 x 16 */
+extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 */
+
+/* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
+XwIcon* XwLoadIcon(XwIcon* icon);
+/* Fills the rectangle with copies of the icon, from its bottom-left corner to the right and up; w or
+ * h 0: the icon's own. Set bits take `colour`, clear ones `background`; markers leave them as they
+ * are. The colour used last becomes the current colour. Null draws nothing. */
+void XwDrawIcon(XwIcon* icon, int x, int y, int w, int h, int32_t colour, int32_t background);
+
+/* ---- Images: pixels of the program's own. Row by row without gaps, four bytes a pixel: ignored,
+ * red, green, blue. */
+
+/* Room for width x height pixels (0: XW's), black. The pointer is to the first pixel; XwFreeImage
+ * frees it. Null for a negative size and beyond 2^28 pixels. */
+uint8_t* XwAllocImage(int width, int height);
+/* Frees `image` and makes a new one; the pixels are not kept. */
+uint8_t* XwReallocImage(uint8_t* image, int width, int height);
+/* Null is ignored. */
+void XwFreeImage(uint8_t* image);
+/* Copies the part (srcX, srcY, w, h) of an image, cut to what exists of it, to (dstX, dstY). Only
+ * for pointers from XwAllocImage; null is ignored. */
+void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* image);
+/* The same for w x h pixels anywhere. They stay the caller's, and may be freed afterwards. */
+void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -47,6 +47,8 @@ void FillRect(ContextRef c, int x, int y, int w, int h);
 // right, up, left and down.
 void FrameRect(ContextRef c, int x, int y, int w, int h);
 void StrokeLine(ContextRef c, int x1, int y1, int x2, int y2);
+// Whatever the dash; for the theme.
+void StrokeLineSolid(ContextRef c, int x1, int y1, int x2, int y2);
 // `points`: `count` pairs x, y, each moved by (dx, dy). One point paints nothing.
 void StrokeLines(ContextRef c, const int16_t* points, int count, int dx, int dy);
 // Even-odd, closed. Fewer than three points paint nothing.

@@ -253,6 +253,14 @@ void StrokeLine(ContextRef c, int x1, int y1, int x2, int y2) {
   PaintStretch(c, s, 0);
 }
 
+void StrokeLineSolid(ContextRef c, int x1, int y1, int x2, int y2) {
+  if (!c) return;
+  int count = c->dash.count;
+  c->dash.count = 0;
+  StrokeLine(c, x1, y1, x2, y2);
+  c->dash.count = count;
+}
+
 void StrokeLines(ContextRef c, const int16_t* points, int count, int dx, int dy) {
   if (!Ready(c) || !points || count < 2) return;
   int64_t ox = int64_t{dx} + c->origin_x, oy = int64_t{dy} + c->origin_y;

@@ -1,0 +1,73 @@
+#include "platform/theme/theme.h"
+
+#include <algorithm>
+
+#include "platform/graphics/context.h"
+#include "platform/theme/roles.h"
+
+namespace platform {
+namespace {
+
+// Metrics, in logical pixels.
+constexpr int kCorner = 4;
+constexpr int kTrackEnd = 4;  // of a progress bar, where it is rounded
+constexpr int kOpaque = 255;
+constexpr int kDisabled = 102;  // 40 percent
+
+struct BevelLook {
+  Role face, line;
+  int alpha;
+};
+constexpr BevelLook kBevels[] = {
+    {Role::kFace, Role::kLine, kDisabled},
+    {Role::kFace, Role::kLine, kOpaque},
+    {Role::kPressed, Role::kPressedLine, kOpaque},
+};
+
+}  // namespace
+
+void DrawThemeButton(ContextRef c, const Rect& r, ThemeButtonKind,
+                     const ThemeButtonDrawInfo& info) {
+  const BevelLook& look = kBevels[std::clamp(info.state, 0, 2)];
+  FillRoundRect(c, r, kCorner, RoleColor(look.face), look.alpha);
+  FrameRoundRect(c, r, kCorner, RoleColor(look.line), look.alpha);
+}
+
+void DrawThemeGenericWell(ContextRef c, const Rect& r, int state, bool fill_center) {
+  int alpha = state == kThemeStateInactive ? kDisabled : kOpaque;
+  if (fill_center) FillRoundRect(c, r, kCorner, RoleColor(Role::kDocument), alpha);
+  FrameRoundRect(c, r, kCorner, RoleColor(Role::kLine), alpha);
+}
+
+void DrawThemeSeparator(ContextRef c, const Rect& r, int state) {
+  if (!c || r.empty()) return;
+  (void)state;  // a hairline has no paler state
+  SetContextColor(c, RoleColor(Role::kHairline));
+  int64_t width = int64_t{r.right} - r.left, height = int64_t{r.bottom} - r.top;
+  if (width > height)
+    StrokeLineSolid(c, r.left, std::min(r.top + 1, r.bottom - 1), r.right - 1,
+                    std::min(r.top + 1, r.bottom - 1));
+  else
+    StrokeLineSolid(c, std::min(r.left + 1, r.right - 1), r.top, std::min(r.left + 1, r.right - 1),
+                    r.bottom - 1);
+}
+
+void DrawThemeTrack(ContextRef c, const ThemeTrackDrawInfo& info) {
+  const Rect& r = info.bounds;
+  if (!c || r.empty()) return;
+  int radius = std::min((r.height() + 1) / 2, 64);
+  int alpha = info.active ? kOpaque : kDisabled;
+  FillRoundRect(c, r, radius, RoleColor(Role::kTrack), alpha);
+  FrameRoundRect(c, r, radius, RoleColor(Role::kProgressLine), alpha);
+  int64_t value = std::clamp<int64_t>(info.value, info.min, std::max(info.min, info.max));
+  value -= info.min;
+  if (value <= 0) return;
+  bool full = value >= int64_t{info.max} - info.min;
+  int right = full ? r.right : int(std::min<int64_t>(r.right, r.left + kTrackEnd + value));
+  ClipContextToRect(c, {r.left, r.top, right, r.bottom});
+  FillRoundRect(c, r, radius, RoleColor(Role::kAccent), alpha);
+  FrameRoundRect(c, r, radius, RoleColor(Role::kDarkAccent), alpha);
+  RestoreContextClip(c);
+}
+
+}  // namespace platform

@@ -1,0 +1,89 @@
+// The native-looking elements: bevel, well, border, separator, table, progress.
+#include <algorithm>
+
+#include "platform/theme/theme.h"
+#include "toolkit/drawing/drawing.h"
+
+using namespace platform;
+
+static Rect MakeRect(int64_t x, int64_t y, int64_t w, int64_t h) {
+  return {Saturate(x), Saturate(y), Saturate(x + w), Saturate(y + h)};
+}
+
+void XwDrawBevel(int x, int y, int w, int h, int state) {
+  ThemeButtonDrawInfo info;
+  info.state = state == 2   ? kThemeStatePressed
+               : state == 1 ? kThemeStateActive
+                            : kThemeStateInactive;
+  info.value = state == 2 ? kThemeButtonOn : kThemeButtonOff;
+  if (w > 0 && h > 0)
+    DrawThemeButton(TargetContext(), MakeRect(x, y, w, h), kThemeBevelButton, info);
+}
+
+void XwDrawHole(int x, int y, int w, int h, int32_t fill) {
+  if (w <= 0 || h <= 0) return;
+  DrawThemeGenericWell(TargetContext(), MakeRect(x, y, w, h), kThemeStateActive, false);
+  if (fill == kEraseToGround)  // two pixels from the left and top, four from the right and bottom
+    EraseToGround(MakeRect(int64_t{x} + 2, int64_t{y} + 2, int64_t{w} - 6, int64_t{h} - 6));
+  else if (IsRealColor(fill))
+    XwBox(Saturate(int64_t{x} + 2), Saturate(int64_t{y} + 2), w - 4, h - 4, fill);
+}
+
+void XwDrawBorder() {
+  if (!XW) return;
+  XwSetColor(0x808080);
+  XwDrawLine(0, 0, XW->width, 0);
+  XwDrawLine(XW->width - 1, 0, XW->width - 1, XW->height);
+}
+
+// The two pixels of a separator: the line itself and the one before it.
+static Rect SeparatorRect(int64_t x, int64_t y, int64_t w, int64_t h) {
+  return w > h ? MakeRect(x, y - 1, w, 2) : MakeRect(x - 1, y, 2, h);
+}
+
+void XwDrawSeparator(int x, int y, int w, int h) {
+  Rect r = SeparatorRect(x, y, w, h);
+  EraseToGround(r);
+  DrawThemeSeparator(TargetContext(), r, kThemeStateActive);
+}
+
+// Calls visit(rect) for each separator of a table, without those that lie outside XW.
+template <typename Visit>
+static void ForEachTableLine(int x, int y, int rows, int row_height, const int* widths,
+                             Visit visit) {
+  int64_t total = 0;
+  for (const int* w = widths; *w; ++w) total += *w;
+  int64_t first = 0, last = rows;
+  if (row_height > 0) {
+    first = std::max<int64_t>(0, (-int64_t{y} - 2) / row_height);
+    last = std::min(last, (int64_t{XW->height} - y + 2) / row_height);
+  } else if (row_height < 0) {
+    first = std::max<int64_t>(0, (int64_t{y} - XW->height - 2) / -int64_t{row_height});
+    last = std::min(last, (int64_t{y} + 2) / -int64_t{row_height});
+  } else {
+    last = std::min<int64_t>(last, 0);
+  }
+  for (int64_t i = first; i <= last; ++i) visit(SeparatorRect(x, y + i * row_height, total, 0));
+  int64_t height = int64_t{rows} * row_height, at = x;
+  visit(SeparatorRect(at, y, 0, height));
+  for (const int* w = widths; *w; ++w) visit(SeparatorRect(at += *w, y, 0, height));
+}
+
+void XwDrawTable(int x, int y, int rows, int rowHeight, const int* colWidths) {
+  if (!XW || !colWidths) return;
+  ForEachTableLine(x, y, rows, rowHeight, colWidths, EraseToGround);
+  ContextRef c = TargetContext();
+  ForEachTableLine(x, y, rows, rowHeight, colWidths,
+                   [c](const Rect& r) { DrawThemeSeparator(c, r, kThemeStateActive); });
+}
+
+void XwDrawProgress(int x, int y, int w, int h, int value) {
+  if (w <= 0 || h <= 0) return;
+  XwClear(Saturate(int64_t{x} - 4), Saturate(int64_t{y} - 2), Saturate(int64_t{w} + 8),
+          Saturate(int64_t{h} + 4));
+  ThemeTrackDrawInfo info;
+  info.bounds = MakeRect(x, y, w, h);
+  info.max = std::max(0, w - 8);
+  info.value = value;
+  DrawThemeTrack(TargetContext(), info);
+}
