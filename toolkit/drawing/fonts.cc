@@ -1,5 +1,5 @@
 // Font handles and font names.
-#include <cctype>
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
