@@ -23,6 +23,7 @@ class XServer {
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;
   bool running() const { return pid_ > 0; }
+  pid_t pid() const { return pid_; }
   const std::string& display() const { return display_; }
   // Starts "openbox" or "icewm" and waits until it manages windows.
   bool StartManager(const std::string& name);

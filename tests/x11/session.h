@@ -23,12 +23,16 @@ constexpr uint32_t kAllBoxes =
 class X11Test : public testing::Test {
  protected:
   void Start(const std::string& manager = "", const std::vector<std::string>& arguments = {}) {
+    StartServer(manager, arguments);
+    StartSession();
+  }
+  void StartServer(const std::string& manager, const std::vector<std::string>& arguments) {
     server_ = std::make_unique<support::XServer>(arguments);
     ASSERT_TRUE(server_->running());
     ASSERT_TRUE(manager.empty() || server_->StartManager(manager));
     user_ = std::make_unique<support::XUser>();
-    ASSERT_TRUE(platform::InitPlatform("Session"));
   }
+  void StartSession() { ASSERT_TRUE(platform::InitPlatform("Session")); }
   void TearDown() override {
     platform::FinishPlatform();
     user_.reset();

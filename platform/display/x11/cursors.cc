@@ -1,19 +1,153 @@
-// Cursors: the desktop theme's, and those that the program draws.
+// Cursors: the desktop theme's, and those that the program draws. Nothing of it is opened before
+// the first picture is out.
 #include <xcb/render.h>
+#include <xcb/xcb_cursor.h>
 
+#include <algorithm>
+#include <initializer_list>
+
+#include "platform/display/cursor.h"
 #include "platform/display/x11/x.h"
 
 namespace platform::x11 {
 
+namespace {
+
+constexpr int kMaxSide = 256;  // device pixels of a picture
+
+xcb_cursor_context_t* theme = nullptr;
+xcb_cursor_t shapes[4] = {};  // by Cursor::Shape
+xcb_render_pictformat_t argb = 0;
+
+// Names differ from theme to theme: the first that it has.
+xcb_cursor_t LoadShape(std::initializer_list<const char*> names) {
+  if (theme == nullptr && xcb_cursor_context_new(x.c, x.screen, &theme) < 0) return XCB_NONE;
+  for (const char* name : names) {
+    if (xcb_cursor_t cursor = xcb_cursor_load_cursor(theme, name)) return cursor;
+  }
+  return XCB_NONE;
+}
+
+xcb_cursor_t ShapeCursor(Cursor::Shape shape) {
+  xcb_cursor_t& cursor = shapes[shape];
+  if (cursor != XCB_NONE) return cursor;
+  switch (shape) {
+    case Cursor::kCrosshair:
+      cursor = LoadShape({"crosshair", "cross", "tcross"});
+      break;
+    case Cursor::kOpenHand:
+      cursor = LoadShape({"openhand", "grab", "hand1", "fleur"});
+      break;
+    default:
+      cursor = LoadShape({"left_ptr", "default"});
+      break;
+  }
+  return cursor;
+}
+
+// The format with eight bits each of alpha, red, green, blue; 0 where pictures have none.
+xcb_render_pictformat_t FindFormat() {
+  const xcb_query_extension_reply_t* ext = xcb_get_extension_data(x.c, &xcb_render_id);
+  if (ext == nullptr || !ext->present) return 0;
+  xcb_discard_reply(x.c, xcb_render_query_version(x.c, 0, 11).sequence);
+  Reply<xcb_render_query_pict_formats_reply_t> formats(
+      xcb_render_query_pict_formats_reply(x.c, xcb_render_query_pict_formats(x.c), nullptr));
+  if (!formats) return 0;
+  for (auto f = xcb_render_query_pict_formats_formats_iterator(formats.p); f.rem != 0;
+       xcb_render_pictforminfo_next(&f)) {
+    const xcb_render_directformat_t& d = f.data->direct;
+    if (f.data->depth == 32 && d.alpha_mask == 0xFF && d.alpha_shift == 24 && d.red_shift == 16 &&
+        d.green_shift == 8 && d.blue_shift == 0) {
+      return f.data->id;
+    }
+  }
+  return 0;
+}
+
+uint32_t Premultiply(uint32_t p) {
+  const uint32_t a = p >> 24;
+  auto part = [p, a](int shift) { return ((p >> shift & 0xFF) * a + 127) / 255 << shift; };
+  return a << 24 | part(16) | part(8) | part(0);
+}
+
+// The picture at device size: each logical pixel fills its rectangle, nothing is blurred.
+std::vector<uint32_t> DevicePixels(const Cursor& c, int width, int height) {
+  std::vector<uint32_t> out(size_t(width) * size_t(height));
+  for (int y = 0; y < c.height; ++y) {
+    for (int x0 = 0; x0 < c.width; ++x0) {
+      const uint32_t p = Premultiply(c.pixels[size_t(y) * size_t(c.width) + size_t(x0)]);
+      for (int dy = DeviceEdge(y, x.scale); dy < DeviceEdge(y + 1, x.scale); ++dy) {
+        auto row = out.begin() + long(dy) * width;
+        std::fill(row + DeviceEdge(x0, x.scale), row + DeviceEdge(x0 + 1, x.scale), p);
+      }
+    }
+  }
+  return out;
+}
+
+xcb_cursor_t PictureCursor(const Cursor& c) {
+  const int width = DeviceEdge(c.width, x.scale), height = DeviceEdge(c.height, x.scale);
+  if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide ||
+      c.pixels.size() < size_t(c.width) * size_t(c.height)) {
+    return XCB_NONE;
+  }
+  if (argb == 0) argb = FindFormat();
+  if (argb == 0) return XCB_NONE;
+  const std::vector<uint32_t> pixels = DevicePixels(c, width, height);
+  const xcb_pixmap_t pixmap = xcb_generate_id(x.c);
+  const xcb_gcontext_t gc = xcb_generate_id(x.c);
+  const xcb_render_picture_t picture = xcb_generate_id(x.c);
+  const xcb_cursor_t cursor = xcb_generate_id(x.c);
+  xcb_create_pixmap(x.c, 32, pixmap, x.screen->root, uint16_t(width), uint16_t(height));
+  xcb_create_gc(x.c, gc, pixmap, 0, nullptr);
+  const int rows = std::max(1, 200 * 1024 / (width * 4));
+  for (int top = 0; top < height; top += rows) {
+    const int lines = std::min(rows, height - top);
+    xcb_put_image(x.c, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, uint16_t(width), uint16_t(lines), 0,
+                  int16_t(top), 0, 32, uint32_t(width * lines * 4),
+                  reinterpret_cast<const uint8_t*>(pixels.data() + long(top) * width));
+  }
+  xcb_render_create_picture(x.c, picture, pixmap, argb, 0, nullptr);
+  xcb_render_create_cursor(x.c, cursor, picture,
+                           uint16_t(std::clamp(DeviceEdge(c.hot_x, x.scale), 0, width - 1)),
+                           uint16_t(std::clamp(DeviceEdge(c.hot_y, x.scale), 0, height - 1)));
+  xcb_render_free_picture(x.c, picture);
+  xcb_free_gc(x.c, gc);
+  xcb_free_pixmap(x.c, pixmap);
+  return cursor;
+}
+
+xcb_cursor_t NativeCursor(CursorRef c) {
+  if (c == nullptr || c->shape != Cursor::kPicture) {
+    return ShapeCursor(c == nullptr ? Cursor::kArrow : c->shape);
+  }
+  if (c->native == 0) c->native = PictureCursor(*c);
+  return xcb_cursor_t(c->native);
+}
+
+}  // namespace
+
 void SetCursor(WindowRef w, CursorRef cursor) {
-  (void)w;
-  (void)cursor;
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  const xcb_cursor_t shown = NativeCursor(cursor);
+  if (shown == n->cursor) return;
+  n->cursor = shown;
+  xcb_change_window_attributes(x.c, n->id, XCB_CW_CURSOR, &shown);
 }
+
 void DestroyCursor(CursorRef cursor) {
-  (void)cursor;
+  if (cursor == nullptr || cursor->native == 0) return;
+  const xcb_cursor_t gone = xcb_cursor_t(cursor->native);
+  cursor->native = 0;
+  // Windows go on showing it until they are given another one.
+  for (auto& [id, n] : x.windows) {
+    if (n->cursor == gone) n->cursor = XCB_NONE;
+  }
+  xcb_free_cursor(x.c, gone);
 }
+
 bool GrabPointer(WindowRef w, CursorRef cursor) {
-  (void)cursor;
   Native* n = NativeOf(w);
   if (n == nullptr) {
     xcb_ungrab_pointer(x.c, XCB_CURRENT_TIME);
@@ -23,10 +157,25 @@ bool GrabPointer(WindowRef w, CursorRef cursor) {
                              XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
                              XCB_EVENT_MASK_LEAVE_WINDOW;
   auto cookie = xcb_grab_pointer(x.c, 0, n->id, kMask, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
-                                 XCB_NONE, n->cursor, XCB_CURRENT_TIME);
+                                 XCB_NONE, NativeCursor(cursor), XCB_CURRENT_TIME);
   Reply<xcb_grab_pointer_reply_t> r(xcb_grab_pointer_reply(x.c, cookie, nullptr));
   return r && r->status == XCB_GRAB_STATUS_SUCCESS;
 }
-void CloseCursors() {}
+
+void OpenCursors() {
+  for (auto& [id, n] : x.windows) {
+    if (n->cursor == XCB_NONE) SetCursor(n->w, n->w->cursor);
+  }
+}
+
+void CloseCursors() {
+  for (xcb_cursor_t& c : shapes) {
+    if (c != XCB_NONE) xcb_free_cursor(x.c, c);
+    c = XCB_NONE;
+  }
+  if (theme != nullptr) xcb_cursor_context_free(theme);
+  theme = nullptr;
+  argb = 0;
+}
 
 }  // namespace platform::x11

@@ -21,16 +21,14 @@ const T* As(const xcb_generic_event_t* e) {
 // The server counts milliseconds in 32 bits from some moment of its own. The smallest delay seen is
 // taken as none.
 double LocalTime(xcb_timestamp_t t) {
-  static bool known = false;
-  static uint32_t last = 0;
-  static double server = 0, offset = 0;  // seconds
+  auto& k = x.clock;
   const double now = Now();
   if (t == 0) return now;
-  server += known ? int32_t(t - last) / 1000.0 : 0;
-  last = t;
-  if (!known || now - server < offset) offset = now - server;
-  known = true;
-  return std::min(server + offset, now);
+  if (k.known) k.server += int32_t(t - k.last) / 1000.0;
+  k.last = t;
+  if (!k.known || now - k.server < k.offset) k.offset = now - k.server;
+  k.known = true;
+  return k.server + k.offset;
 }
 
 // A later configure of the same window is waiting: this one is stale.
@@ -218,14 +216,15 @@ void Dispatch(const xcb_generic_event_t* event) {
   }
 }
 
-// What the first picture does not need is opened once that picture is out and nothing waits.
+}  // namespace
+
 void OpenLate() {
+  if (x.late_done) return;
   x.late_done = true;
   OpenPointer();
   OpenKeyboard();
+  OpenCursors();
 }
-
-}  // namespace
 
 double Now() {
   timespec t{};
@@ -267,7 +266,7 @@ bool NextEvent(RawEvent* out) {
     Emit(RawEvent::kDisplayLost, nullptr);
   }
   if (x.out.empty()) {
-    if (x.shown && !x.late_done && !x.lost) OpenLate();
+    if (x.shown && !x.lost) OpenLate();
     xcb_flush(x.c);
     return false;
   }

@@ -232,11 +232,7 @@ uint32_t Modifiers(uint32_t state) {
 }
 
 void HandleKey(const xcb_key_press_event_t* e, bool press) {
-  if (!x.late_done) {
-    x.late_done = true;
-    OpenPointer();
-    OpenKeyboard();
-  }
+  OpenLate();
   Native* n = FindNative(e->event);
   Held& held = k.held[e->detail];
   if (n == nullptr || (!press && !held.down)) return;

@@ -14,7 +14,7 @@ target_sources(xw PRIVATE
 
 # The connection's libraries are small and their relocation at every start is not: archives where
 # there are any. xkbcommon is loaded with the first key (compose.cc).
-set(xw_x11_libraries xcb-cursor xcb-render-util xcb-render xcb-image xcb-shm xcb-randr xcb-xkb
+set(xw_x11_libraries xcb-cursor xcb-image xcb-render-util xcb-render xcb-util xcb-shm xcb-randr xcb-xkb
   xcb-xinput xcb-xfixes xcb-icccm xcb Xau Xdmcp)
 foreach(library ${xw_x11_libraries})
   find_library(xw_lib_${library} NAMES lib${library}.a ${library} REQUIRED)

@@ -72,6 +72,7 @@ bool CreateNative(WindowRef w) {
   SetIdentity(*n);
   SetTitle(w);
   SetHints(w);
+  if (x.late_done) SetCursor(w, w->cursor);
   return true;
 }
 

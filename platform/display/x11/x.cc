@@ -1,6 +1,7 @@
 // Connecting, disconnecting, and the table.
 #include "platform/display/x11/x.h"
 
+#include <sys/socket.h>
 #include <xcb/randr.h>
 #include <xcb/shm.h>
 
@@ -60,6 +61,11 @@ void InternAtoms() {
 bool SharedMemoryUsable(bool present, xcb_shm_query_version_cookie_t cookie) {
   if (!present) return false;
   Reply<xcb_shm_query_version_reply_t> v(xcb_shm_query_version_reply(x.c, cookie, nullptr));
+  sockaddr_storage address{};
+  socklen_t size = sizeof address;
+  const int fd = xcb_get_file_descriptor(x.c);
+  if (getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) != 0) return false;
+  if (address.ss_family != AF_UNIX) return false;
   const char* wish = getenv("XW_SHM");
   if (wish != nullptr && strcmp(wish, "0") == 0) return false;
   return v && (v->major_version > 1 || (v->major_version == 1 && v->minor_version >= 2));

@@ -102,6 +102,12 @@ struct State {
   xcb_timestamp_t user_time = 0;  // of the user's last press or key
   xcb_window_t leader = 0;        // the first window
   uint8_t randr_event = 0, xkb_event = 0, xi_opcode = 0;
+  // The server's clock in seconds since its first report, and what leads from there to ours.
+  struct {
+    bool known = false;
+    uint32_t last = 0;
+    double server = 0, offset = 0;
+  } clock;
   std::unordered_map<xcb_window_t, Native*> windows;
   std::deque<xcb_generic_event_t*> pending;  // read, not looked at
   std::deque<RawEvent> out;                  // made, not handed out
@@ -170,6 +176,8 @@ double ScaleOfDpi(double dpi);
 
 // --- events.cc
 bool NextEvent(RawEvent* out);
+// Opens what the first picture does not need, once.
+void OpenLate();
 // Reads what the connection has into `pending`.
 void Pump();
 // A report for `n` at the server's time `t` (0: now), at the end of the queue.
@@ -199,6 +207,8 @@ void HandleInput2(const xcb_ge_generic_event_t* event);
 void SetCursor(WindowRef w, CursorRef cursor);
 void DestroyCursor(CursorRef cursor);
 bool GrabPointer(WindowRef w, CursorRef cursor);
+// Gives the windows made so far the theme's arrow.
+void OpenCursors();
 void CloseCursors();
 
 // --- drops.cc

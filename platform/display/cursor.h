@@ -1,0 +1,20 @@
+// A pointer shape: one of the desktop theme's, or a picture of the program's own.
+#pragma once
+#include <cstdint>
+#include <vector>
+
+#include "platform/base.h"
+
+namespace platform {
+
+// Made and owned by whoever shows it. Before it is freed, Display::destroy_cursor is called.
+struct Cursor {
+  enum Shape : uint8_t { kPicture, kArrow, kCrosshair, kOpenHand };
+  Shape shape = kPicture;
+  // Of pictures only, in logical pixels. Pixels are 0xAARRGGBB, colours not multiplied by alpha.
+  int width = 0, height = 0, hot_x = 0, hot_y = 0;
+  std::vector<uint32_t> pixels;
+  uintptr_t native = 0;  // the display's own
+};
+
+}  // namespace platform
