@@ -13,9 +13,6 @@
 
 using namespace platform;
 
-XwFont *XWF_NORMAL, *XWF_BOLD, *XWF_NARROW, *XWF_VIEW;
-XwFont *FT_SMALL, *FT_BUTTON, *FT_ALERT;
-
 namespace {
 
 enum : int32_t { kBold = 1, kItalic = 2, kNarrow = 32 };
