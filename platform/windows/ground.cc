@@ -63,13 +63,4 @@ void FlushWindow(WindowRef w) {
   CurrentDisplay()->flush(true);
 }
 
-void DrawMenuStrip(WindowRef w) {
-  if (!w->strip || !w->surface.pixels) return;
-  Surface& s = w->surface;
-  int bottom = DeviceEdge(w->strip, s.scale);
-  int line = std::max(1, int(s.scale));
-  FillSurface(&s, {0, 0, s.width, bottom - line}, RoleColor(Role::kToolBar));
-  FillSurface(&s, {0, bottom - line, s.width, bottom}, RoleColor(Role::kHairline));
-}
-
 }  // namespace platform

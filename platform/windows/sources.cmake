@@ -4,4 +4,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
   ${CMAKE_CURRENT_LIST_DIR}/ground.cc
   ${CMAKE_CURRENT_LIST_DIR}/platform.cc
+  ${CMAKE_CURRENT_LIST_DIR}/strip.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc)
