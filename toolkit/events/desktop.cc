@@ -83,13 +83,12 @@ void ChooseCursor(XwWindow* w, Point where) {
 }
 
 void DrawContent(XwWindow* w) {
-  XwPush(nullptr);
+  TargetScope scope;
   PostExpose(w);
   for (int i = 0; i < w->child_count; ++i) {
     XwWindow* c = w->children[i];
     if (c && IsSub(c) && (c->flags & XW_SHOWN)) PostExpose(c);
   }
-  XwPop();
 }
 
 // True when the first window is there to take it.

@@ -36,6 +36,7 @@ void ShowSub(XwWindow* w, bool show) {
 
 void XwShow(XwWindow* w, int show) {
   if (!CheckWindow(w)) return;
+  TargetScope scope;
   if (IsTopLevel(w))
     ShowTopLevel(w, show != 0);
   else if (IsSub(w))
@@ -44,12 +45,14 @@ void XwShow(XwWindow* w, int show) {
 
 void XwEnable(XwWindow* w, int enable) {
   if (!CheckWindow(w)) return;
+  TargetScope scope;
   w->enabled = uint8_t(enable);
   if (IsTopLevel(w)) ActivateWindow(NativeWindow(w), enable != 0);
 }
 
 void XwSetFocus(XwWindow* w) {
   if (!CheckWindow(w)) return;
+  TargetScope scope;
   XwWindow* top = TopLevel(w);
   SetUserFocusWindow(NativeWindow(top));
   ClearKeyboardFocus(NativeWindow(top));

@@ -67,6 +67,7 @@ void PostExpose(XwWindow* w) {
 
 void XwMove(XwWindow* w, int x, int y, int width, int height) {
   if (!CheckWindow(w)) return;
+  TargetScope scope;
   if (w == W_Start) SetSystemUIMode(kUIModeNormal, 0);
   if (IsSub(w))
     MoveSub(w, x, y, width, height);
