@@ -109,7 +109,7 @@ static bool TakeBounds(WindowRef w, const Rect& content) {
   Rect old = w->content;
   w->content = content;
   if (SameSize(old, content)) return false;
-  ResizeSurface(w);
+  if (w->visible || w->surface.pixels) ResizeSurface(w);
   bool grew = content.width() > old.width() || content.height() > old.height();
   if (grew && w->visible) InvalidateWindow(w, {}, false);
   return grew;

@@ -89,22 +89,35 @@ void CollectWindows() {
   All().ended.clear();
 }
 
+namespace {
+
+// Windows docked to the one that carries the menu come and go with it.
+void MapDocked(bool shown) {
+  for (WindowRef w : WindowList())
+    if ((w->state & kStateDocked) && w->visible) CurrentDisplay()->map_window(w, shown);
+}
+
+}  // namespace
+
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
   w->visible = true;
-  // An alert or a dialog belongs to the window that carries the menu.
   ResizeSurface(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
   DrawMenuStrip(w);
-  CurrentDisplay()->map_window(w, true);
   std::erase(All().list, w);
   All().list.insert(All().list.begin(), w);
+  WindowRef first = MenuBarWindow();
+  bool waits = (w->state & kStateDocked) && first && !first->visible;
+  if (!waits) CurrentDisplay()->map_window(w, true);
+  if (w == first) MapDocked(true);
 }
 
 void HideWindow(WindowRef w) {
   if (!IsValidWindow(w) || !w->visible) return;
   w->visible = false;
   w->needs_draw = false;
+  if (w == MenuBarWindow()) MapDocked(false);
   CurrentDisplay()->map_window(w, false);
 }
 
