@@ -87,6 +87,7 @@ struct KeyFields {
 struct BoundsFields {
   Rect original, current;  // content, global
   bool programmatic;       // moved by the program, not by the user or the desktop
+  bool placement;          // the place that a new window was given by the desktop
 };
 struct RequestFields {
   uint32_t id;               // quit, odoc; a command

@@ -87,6 +87,7 @@ void Configure(const RawEvent& raw) {
   if (known.left == int(raw.root_x)) left = w.content.left;
   if (known.top == int(raw.root_y)) top = w.content.top - w.strip;
   e.bounds.current = {left, top + w.strip, left + width, top + height};
+  e.bounds.placement = w.placing;
   EventQueue& q = MainEventQueue();
   if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
     q.back() = e;
@@ -111,6 +112,8 @@ void Request(uint32_t cls, uint32_t kind, uint32_t id, const char* path) {
 
 void WindowEvent(const RawEvent& raw) {
   WindowRef w = raw.window;
+  // The first focus or input ends the placing of a new window.
+  if (raw.type <= RawEvent::kModifiers || raw.type == RawEvent::kFocusIn) w->placing = false;
   switch (raw.type) {
     case RawEvent::kMotion:
       return Motion(raw);

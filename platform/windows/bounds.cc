@@ -135,7 +135,7 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   MoveGroup(*w, content.left - old.left, content.top - old.top);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
-  e.bounds = {old, content, true};
+  e.bounds = {old, content, true, false};
   SendEventToEventTarget(&e, GetWindowEventTarget(w));
 }
 
@@ -158,6 +158,7 @@ bool HandleConfigure(Event* event) {
   if (!(w->content == wanted)) TakeBounds(w, wanted);
   if (wanted == old) return false;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
+  event->bounds.programmatic = event->bounds.placement && SameSize(old, wanted);
   event->bounds.original = old;
   event->bounds.current = wanted;
   return true;

@@ -41,6 +41,7 @@ struct Window {
   Rect content;   // global, logical
   int strip = 0;  // logical height of the menu strip above the content
   bool visible = false;
+  bool placing = false;     // shown, and nothing has happened in it yet: it is still being placed
   std::string title;  // UTF-8, without the mark
   bool modified = false;
   bool has_limits = false;

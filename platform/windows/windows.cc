@@ -101,7 +101,7 @@ void MapDocked(bool shown) {
 
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
-  w->visible = true;
+  w->visible = w->placing = true;
   ResizeSurface(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
   DrawMenuStrip(w);
