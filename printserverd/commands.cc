@@ -100,17 +100,19 @@ void Server::TakeHeader(Peer* peer) {
 }
 
 void Server::RunCommand(Peer* peer) {
-  (this->*kCommands[peer->command].run)(peer);
+  void (Server::*const run)(Peer*) = kCommands[peer->command].run;
+  (this->*run)(peer);
 }
 
 void Server::ReplyStatus(Peer* peer, Status status) {
-  BeginReply(peer, std::string(1, static_cast<char>(status)));
+  const char byte = static_cast<char>(status);
+  BeginReply(peer, std::string(&byte, 1));
 }
 
 // `head`, then the count, then the body.
 void Server::ReplyBlock(Peer* peer, std::string head, uint32_t count,
                         std::shared_ptr<const std::string> body) {
-  head += U32(options_.faults.length.value_or(count));
+  head += U32(options_.faults.length ? *options_.faults.length : count);
   BeginReply(peer, std::move(head), std::move(body));
 }
 

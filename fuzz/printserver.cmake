@@ -1,0 +1,2 @@
+quorvik_fuzz(records records.cc LIBS nc)
+quorvik_fuzz(ticket ticket.cc LIBS printserverd_core)

@@ -1,0 +1,115 @@
+#include "printserver/records.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string kId = "00112233445566778899aabbccddeeff";
+
+std::vector<NC_Job> ParseJobs(const std::string& list, int32_t max = 10) {
+  std::vector<NC_Job> jobs(static_cast<size_t>(max) + 1);
+  memset(jobs.data(), 0x55, jobs.size() * sizeof(NC_Job));
+  const int32_t count =
+      NC_ParseJobs(list.data(), static_cast<int32_t>(list.size()), jobs.data(), max);
+  jobs.resize(static_cast<size_t>(count));
+  return jobs;
+}
+
+TEST(Records, JobDefaultsAndValues) {
+  const auto jobs =
+      ParseJobs("id=" + kId + "\n\ntext=a=b \\\\\\n\\x\\\nstate=paper-out\ncopies=7\n" +
+                "total=9\nprinted=12\nnew-key=1\njunk\nid=" + kId);
+  ASSERT_EQ(jobs.size(), 2U);
+  EXPECT_EQ(jobs[0].state, NC_JOB_WAITING);
+  EXPECT_EQ(jobs[0].copies, 1);
+  EXPECT_EQ(jobs[0].priority, 50);
+  EXPECT_STREQ(jobs[0].document, "");
+  EXPECT_EQ(jobs[0].id[1], 0x11);
+  EXPECT_STREQ(jobs[1].text, "a=b \\\nx\\");
+  EXPECT_EQ(jobs[1].state, NC_JOB_PAPER_OUT);
+  EXPECT_EQ(jobs[1].copies, 7);
+  EXPECT_EQ(jobs[1].printed, 9);
+}
+
+TEST(Records, WhatIsWrongIsLeftOut) {
+  const struct {
+    std::string list;
+    size_t count;
+  } cases[] = {
+      {"", 0},
+      {"\n\n\n", 0},
+      {"state=held\n\n", 0},
+      {"id=\n\n", 0},
+      {"id=" + kId + "0\n\n", 0},
+      {"id=0x" + kId.substr(2) + "\n\n", 0},
+      {"id=-" + kId.substr(1) + "\n\n", 0},
+      {std::string(100, '\0'), 0},
+      {"===\n=\n\nid=" + kId + "\n\n\n\n", 1},
+      {"id=" + kId + "\ncopies=99999999999999999999\npriority=-1\nhold=x\nsize=1.5\n", 1},
+      {"id=" + kId + "\ndocument=" + std::string(100000, 'x') + "\n\n", 1},
+  };
+  for (const auto& row : cases) {
+    const auto jobs = ParseJobs(row.list);
+    ASSERT_EQ(jobs.size(), row.count) << row.list.substr(0, 60);
+    for (const NC_Job& job : jobs) {
+      EXPECT_EQ(job.copies, 1);
+      EXPECT_EQ(job.priority, 50);
+      EXPECT_EQ(job.hold, 0);
+      EXPECT_EQ(job.size, 0);
+      EXPECT_LT(strlen(job.document), sizeof job.document);
+    }
+  }
+  std::string many;
+  for (int i = 0; i < 20; ++i) many += "id=" + kId + "\n\n";
+  EXPECT_EQ(ParseJobs(many, 7).size(), 7U);
+  EXPECT_EQ(NC_ParseJobs(nullptr, 10, nullptr, 1), 0);
+}
+
+TEST(Records, PrintersScannersProfiles) {
+  const std::string list = "name=A\nstate=printing\npaper=3\n\nstate=idle\n\nname=B\nstate=new\n";
+  NC_Printer printers[4];
+  ASSERT_EQ(NC_ParsePrinters(list.data(), static_cast<int32_t>(list.size()), printers, 4), 2);
+  EXPECT_EQ(printers[0].state, NC_PRINTER_PRINTING);
+  EXPECT_EQ(printers[0].paper, 3);
+  EXPECT_EQ(printers[1].state, NC_PRINTER_IDLE);
+  EXPECT_EQ(printers[1].paper, -1);
+  NC_Scanner scanners[1];
+  ASSERT_EQ(NC_ParseScanners(list.data(), static_cast<int32_t>(list.size()), scanners, 1), 1);
+  std::string records(96, '\xff');  // names without an end
+  NC_Profile profiles[2];
+  ASSERT_EQ(NC_ParseProfiles(records.data(), 2, profiles, 2), 2);
+  EXPECT_EQ(strlen(profiles[1].name), 31U);
+  EXPECT_EQ(profiles[1].dpi_along, 0xffff);
+}
+
+TEST(Records, TicketsAreWrittenWholeOrNotAtAll) {
+  char ticket[32] = "";
+  EXPECT_EQ(NC_AddTicketText(ticket, sizeof ticket, "document", "a\n\\b"), 1);
+  EXPECT_EQ(NC_AddTicketNumber(ticket, sizeof ticket, "copies", -12), 1);
+  EXPECT_STREQ(ticket, "document=a\\n\\\\b\ncopies=-12\n");
+  EXPECT_EQ(NC_AddTicketText(ticket, sizeof ticket, "owner", "x"), 0);
+  EXPECT_EQ(NC_AddTicketText(ticket, sizeof ticket, "x", "1"), 1);
+  EXPECT_EQ(strlen(ticket), 31U);  // to the last byte
+  EXPECT_EQ(NC_AddTicketText(ticket, sizeof ticket, "Key", "x"), 0);
+  EXPECT_EQ(NC_AddTicketText(ticket, sizeof ticket, "", "x"), 0);
+  EXPECT_EQ(NC_AddTicketText(ticket, 10, "k", "x"), 0);
+}
+
+TEST(Records, Ids) {
+  uint8_t id[16];
+  char text[33];
+  ASSERT_EQ(NC_ParseId(kId.c_str(), id), 1);
+  NC_FormatId(id, text);
+  EXPECT_EQ(text, kId);
+  EXPECT_EQ(NC_ParseId(kId.substr(1).c_str(), id), 0);
+  EXPECT_EQ(NC_ParseId((kId.substr(1) + "g").c_str(), id), 0);
+  EXPECT_EQ(NC_ParseId(nullptr, id), 0);
+  EXPECT_STRNE(NC_StatusText(-1), "");
+  EXPECT_STRNE(NC_StatusText(200), NC_StatusText(1));
+}
+
+}  // namespace

@@ -1,0 +1,382 @@
+// Every command of the daemon, as a well-behaved client sees it.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "tests/printserverd/daemon.h"
+
+using namespace testing_daemon;
+
+namespace {
+
+const char kConfig[] =
+    "# two printers, one profile of the second alone\n"
+    "[printer]\nname=First\nrate=0\n"
+    "[printer]\nname=Wide one\nfolder=wide\nmedia=A2,A1\ntext=by the door\nrate=0\npaper=0\n"
+    "[profile]\nname=Plain\nmedia=A4\n"
+    "[profile]\nname=Poster\nmedia=A1\ndpi=1200x600\nprinter=Wide one\n"
+    "[scanner]\nname=Flatbed\ntext=by the window\n";
+
+std::string Printed(const Daemon& daemon, const std::string& folder) {
+  const auto names = FilesIn(daemon.Path("printed/" + folder));
+  return names.size() == 1 ? ReadWhole(daemon.Path("printed/" + folder + "/" + names[0])) : "";
+}
+
+TEST(Commands, PrintAndSee) {
+  Daemon daemon;
+  daemon.Start({"--rate", "0"});
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  const std::string document("a\0b\n\nc", 6);
+  const auto before = time(nullptr);
+  EXPECT_EQ(Send(fd, "document=One\\nTwo \\\\ \xc3\xa4.pdf\nowner=me\ncopies=3\nunknown=x\n",
+                 document, id),
+            NC_STATUS_DONE);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  const NC_Job job = JobOf(fd, id);
+  EXPECT_STREQ(job.document, "One\nTwo \\ \xc3\xa4.pdf");
+  EXPECT_STREQ(job.owner, "me");
+  EXPECT_STREQ(job.printer, "Proof printer");
+  EXPECT_EQ(job.copies, 3);
+  EXPECT_EQ(job.priority, 50);
+  EXPECT_EQ(job.size, 6);
+  EXPECT_EQ(job.total, 18);
+  EXPECT_EQ(job.printed, 18);
+  EXPECT_GE(job.submitted, before);
+  EXPECT_EQ(Printed(daemon, "proof"), document);
+  EXPECT_TRUE(FilesIn(daemon.Path("printed/proof"))[0].ends_with("-One_Two \\ \xc3\xa4.pdf"));
+  struct stat info;
+  ASSERT_EQ(stat(daemon.Path("").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0700U);
+  EXPECT_EQ(Change(fd, id, "hold=1\n"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_DONE);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_UNKNOWN_ID);
+  EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, Lists) {
+  Daemon daemon;
+  daemon.Start({"--config", daemon.WriteFile("config", kConfig)});
+  const int fd = daemon.Connect();
+  const auto printers = Printers(fd);
+  ASSERT_EQ(printers.size(), 2U);
+  EXPECT_STREQ(printers[0].name, "First");
+  EXPECT_EQ(printers[0].is_default, 1);
+  EXPECT_EQ(printers[0].paper, 500);
+  EXPECT_STREQ(printers[1].media, "A2,A1");
+  EXPECT_STREQ(printers[1].text, "by the door");
+  EXPECT_EQ(printers[1].paper, -1);
+
+  char list[1024];
+  uint8_t status = 0;
+  NC_Scanner scanners[4];
+  const int32_t size = NC_GetScannerListN(fd, &status, list, sizeof list);
+  ASSERT_EQ(NC_ParseScanners(list, size, scanners, 4), 1);
+  EXPECT_STREQ(scanners[0].name, "Flatbed");
+
+  const struct {
+    const char* printer;
+    int count;
+  } cases[] = {{"", 2}, {"First", 1}, {"Wide one", 2}, {"No such", 0}};
+  for (const auto& row : cases) {
+    char key[NC_PROFILE_KEY] = {};
+    strcpy(key, row.printer);
+    EXPECT_EQ(NC_GetProfileListN(fd, key, list, sizeof list), row.count) << row.printer;
+  }
+  char key[NC_PROFILE_KEY] = "Wide one";
+  NC_Profile profiles[4];
+  ASSERT_EQ(NC_ParseProfiles(list, NC_GetProfileListN(fd, key, list, sizeof list), profiles, 4), 2);
+  EXPECT_STREQ(profiles[1].name, "Poster");
+  EXPECT_STREQ(profiles[1].media, "A1");
+  EXPECT_EQ(profiles[1].dpi_across, 1200);
+  EXPECT_EQ(profiles[1].dpi_along, 600);
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, NoScanners) {
+  Daemon daemon;
+  daemon.Start();
+  const int fd = daemon.Connect();
+  uint8_t status = 9;
+  char list[16];
+  EXPECT_EQ(NC_GetScannerListN(fd, &status, list, sizeof list), 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(NC_GetPrintQueueN(fd, list, sizeof list), 0);
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, TicketsThatAreRefused) {
+  Daemon daemon;
+  daemon.Start({"--config", daemon.WriteFile("config", kConfig)});
+  const int fd = daemon.Connect();
+  const struct {
+    std::string ticket;
+    int status;
+  } cases[] = {
+      {"copies=0\n", NC_STATUS_BAD_TICKET},
+      {"copies=1000\n", NC_STATUS_BAD_TICKET},
+      {"copies=1x\n", NC_STATUS_BAD_TICKET},
+      {"priority=101\n", NC_STATUS_BAD_TICKET},
+      {"hold=2\n", NC_STATUS_BAD_TICKET},
+      {"no equals sign\n", NC_STATUS_BAD_TICKET},
+      {"Key=1\n", NC_STATUS_BAD_TICKET},
+      {"document=" + std::string(256, 'x') + "\n", NC_STATUS_BAD_TICKET},
+      {"owner=" + std::string(64, 'x') + "\n", NC_STATUS_BAD_TICKET},
+      {"x=" + std::string(9000, 'x') + "\n", NC_STATUS_BAD_TICKET},
+      {std::string("owner=a\0b\n", 10), NC_STATUS_BAD_TICKET},
+      {"printer=Nobody\n", NC_STATUS_UNKNOWN_NAME},
+      {"profile=Nothing\n", NC_STATUS_UNKNOWN_NAME},
+      {"profile=Poster\n", NC_STATUS_UNKNOWN_NAME},
+      {"profile=Poster\nprinter=Wide one\nhold=1\n", NC_STATUS_DONE},
+      {"document=" + std::string(255, '\\').append(255, '\\') + "\nhold=1\n", NC_STATUS_DONE},
+      {"hold=1\n", NC_STATUS_DONE},
+      {"", NC_STATUS_DONE},
+  };
+  int accepted = 0;
+  for (const auto& row : cases) {
+    uint8_t id[16];
+    EXPECT_EQ(Send(fd, row.ticket, std::string(100000, 'd'), id), row.status) << row.ticket;
+    accepted += row.status == NC_STATUS_DONE;
+  }
+  EXPECT_EQ(Jobs(fd).size(), static_cast<size_t>(accepted));
+  // Nothing of what was refused stays.
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, RequestIds) {
+  Daemon daemon;
+  daemon.Start();
+  const int fd = daemon.Connect();
+  std::set<std::string> ids;
+  uint8_t first[16], id[16];
+  ASSERT_EQ(NC_CreateRequestID(fd, first), 1);
+  for (int i = 0; i < 1000; ++i) {
+    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
+    ids.insert(std::string(id, id + 16));
+  }
+  EXPECT_EQ(ids.size(), 1000U);
+  EXPECT_EQ(NC_WritePrintRequest(fd, first, "\nx", 2), NC_STATUS_UNKNOWN_ID);  // long forgotten
+  const int other = daemon.Connect();
+  EXPECT_EQ(NC_WritePrintRequest(other, id, "\nx", 2), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(NC_WritePrintRequest(fd, id, "copies=x\n\nx", 11), NC_STATUS_BAD_TICKET);
+  EXPECT_EQ(NC_WritePrintRequest(fd, id, "", 0), NC_STATUS_BAD_TICKET);
+  EXPECT_EQ(NC_WritePrintRequest(fd, id, "hold=1\n", 7), NC_STATUS_BAD_TICKET);
+  EXPECT_EQ(NC_WritePrintRequest(fd, id, "hold=1\n\nx", 9), NC_STATUS_DONE);
+  EXPECT_EQ(NC_WritePrintRequest(fd, id, "\nx", 2), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Jobs(fd).size(), 1U);
+  NC_Disconnect(other);
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, HoldReleaseAndPriority) {
+  Daemon daemon;
+  const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=1K\n");
+  daemon.Start({"--config", config});
+  const int fd = daemon.Connect();
+  uint8_t printing[16], low[16], high[16], held[16];
+  ASSERT_EQ(Send(fd, "", std::string(1 << 20, 'x'), printing), 1);
+  ASSERT_EQ(Send(fd, "priority=10\n", "low", low), 1);
+  ASSERT_EQ(Send(fd, "priority=20\n", "high", high), 1);
+  ASSERT_EQ(Send(fd, "hold=1\npriority=100\n", "held", held), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).printed > 0; }));
+  const auto order = [&] {
+    std::string text;
+    for (const NC_Job& job : Jobs(fd)) text += std::to_string(job.state) + " ";
+    return text;
+  };
+  EXPECT_EQ(order(), "2 1 0 0 ");
+  EXPECT_EQ(Jobs(fd)[2].priority, 20);
+  EXPECT_EQ(Change(fd, low, "priority=30\n"), 1);
+  EXPECT_EQ(Jobs(fd)[2].priority, 30);
+  EXPECT_EQ(Change(fd, printing, "copies=2\n"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Change(fd, low, "copies=2\n"), 1);
+  EXPECT_EQ(JobOf(fd, low).total, 6);
+  EXPECT_EQ(Change(fd, low, "printer=Nobody\n"), NC_STATUS_UNKNOWN_NAME);
+  EXPECT_EQ(Change(fd, low, "document=new name\n\n"), 1);
+  EXPECT_STREQ(JobOf(fd, low).document, "new name");
+  EXPECT_EQ(Change(fd, low, "hold=1\n\nbytes"), NC_STATUS_WRONG_STATE);
+
+  // Held at the printer: the next by priority takes its place, and it starts anew when released.
+  EXPECT_EQ(Change(fd, held, "hold=0\n"), 1);
+  EXPECT_EQ(JobOf(fd, held).state, NC_JOB_WAITING);
+  EXPECT_EQ(Change(fd, printing, "hold=1\n"), 1);
+  EXPECT_EQ(JobOf(fd, printing).state, NC_JOB_HELD);
+  EXPECT_EQ(JobOf(fd, printing).printed, 0);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, high).state == NC_JOB_DONE; }));
+  const auto names = FilesIn(daemon.Path("printed/p"));
+  EXPECT_EQ(names.size(), 3U);
+  EXPECT_EQ(JobOf(fd, held).state, NC_JOB_DONE);
+  EXPECT_EQ(JobOf(fd, low).state, NC_JOB_DONE);
+  EXPECT_EQ(Change(fd, printing, "hold=0\n"), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).state == NC_JOB_PRINTING; }));
+  EXPECT_EQ(NC_RemovePrintRequest(fd, printing), 1);
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 3; }));
+  EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, PaperRunsOut) {
+  Daemon daemon;
+  const std::string config =
+      daemon.WriteFile("config", "[printer]\nname=P\nrate=0\npaper=2\nsheet-bytes=10\n");
+  daemon.Start({"--config", config});
+  const int fd = daemon.Connect();
+  uint8_t id[16], next[16];
+  ASSERT_EQ(Send(fd, "copies=2\n", "123456789012345", id), 1);  // two sheets a copy
+  ASSERT_EQ(Send(fd, "", "", next), 1);                         // an empty one takes one too
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_EQ(JobOf(fd, id).printed, 15);
+  EXPECT_EQ(Printers(fd)[0].state, NC_PRINTER_PAPER_OUT);
+  EXPECT_EQ(Printers(fd)[0].paper, 0);
+  EXPECT_EQ(JobOf(fd, next).state, NC_JOB_WAITING);
+  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, next).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_EQ(NC_RemovePrintRequest(fd, next), 1);
+  EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, GamutFiles) {
+  Daemon daemon;
+  daemon.Start();
+  const std::string big(300000, 'g');
+  std::ofstream(daemon.Path("gamut/common.icc")) << big;
+  std::ofstream(daemon.Path("gamut/.hidden")) << "x";
+  std::filesystem::create_directory(daemon.Path("gamut/Wide"));
+  std::ofstream(daemon.Path("gamut/Wide/own.icc")) << "own";
+  std::filesystem::create_symlink("../../lock", daemon.Path("gamut/Wide/link"));
+  std::filesystem::create_symlink("..", daemon.Path("gamut/up"));
+  std::ofstream(daemon.Path("outside")) << "x";
+  const int fd = daemon.Connect();
+  const struct {
+    const char *name, *folder;
+    std::string content;
+  } cases[] = {{"common.icc", "", big},  {"own.icc", "Wide", "own"},
+               {"own.icc", "", ""},      {".hidden", "", ""},
+               {"link", "Wide", ""},     {"outside", "up", ""},
+               {"../outside", "", ""},   {"outside", "..", ""},
+               {"Wide/own.icc", "", ""}, {"", "", ""},
+               {"Wide", "", ""},         {"common.icc", "Wide", ""}};
+  for (const auto& row : cases) {
+    char a[NC_GAMUT_A] = {}, b[NC_GAMUT_B] = {};
+    strcpy(a, row.name);
+    strcpy(b, row.folder);
+    const std::string path = daemon.folder() + "/copy";
+    unlink(path.c_str());
+    EXPECT_EQ(NC_CopyGamutFileN(fd, a, b, path.c_str(), 1 << 20), 0) << row.name;
+    EXPECT_EQ(ReadWhole(path), row.content) << row.name << " in " << row.folder;
+    EXPECT_EQ(std::filesystem::exists(path), !row.content.empty());
+  }
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, RemoveFilesOnlyBelowItsOwn) {
+  Daemon daemon;
+  daemon.Start();
+  const std::string files = daemon.Path("files");
+  std::filesystem::create_directories(files + "/a/b");
+  std::ofstream(files + "/a/b/inner") << "x";
+  std::ofstream(files + "/top") << "x";
+  std::ofstream(daemon.Path("outside")) << "x";
+  std::filesystem::create_symlink("..", files + "/up");
+  std::filesystem::create_symlink("top", files + "/link");
+  const int fd = daemon.Connect();
+  const struct {
+    std::string path;
+    int status;
+  } cases[] = {{"../outside", NC_STATUS_BAD_PATH},
+               {"a/../../outside", NC_STATUS_BAD_PATH},
+               {daemon.Path("outside"), NC_STATUS_BAD_PATH},
+               {"up/outside", NC_STATUS_BAD_PATH},
+               {"link", NC_STATUS_BAD_PATH},
+               {"", NC_STATUS_BAD_PATH},
+               {"a//b/inner", NC_STATUS_BAD_PATH},
+               {"a/b/", NC_STATUS_BAD_PATH},
+               {"./top", NC_STATUS_BAD_PATH},
+               {"..", NC_STATUS_BAD_PATH},
+               {"a/b", NC_STATUS_WRONG_STATE},
+               {"a/none", NC_STATUS_NO_FILE},
+               {"none/none", NC_STATUS_NO_FILE},
+               {"top/x", NC_STATUS_BAD_PATH},
+               {std::string(511, 'n'), NC_STATUS_STORAGE},
+               {"a/b/inner", NC_STATUS_DONE},
+               {"top", NC_STATUS_DONE},
+               {"top", NC_STATUS_NO_FILE}};
+  for (const auto& row : cases)
+    EXPECT_EQ(NC_RemoveFile(fd, row.path.c_str()), row.status) << row.path;
+  EXPECT_TRUE(std::filesystem::exists(daemon.Path("outside")));
+  EXPECT_TRUE(std::filesystem::is_symlink(files + "/link"));
+  EXPECT_FALSE(std::filesystem::exists(files + "/a/b/inner"));
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, LayoutAndScanServers) {
+  Daemon daemon;
+  const std::string out = daemon.folder() + "/out";
+  const std::string script =
+      daemon.WriteFile("script", "#!/bin/sh\nprintf '[%s]' \"$@\" >> " + out + "\n");
+  chmod(script.c_str(), 0700);
+  const std::string config =
+      daemon.WriteFile("config", "[server]\nlayout-command=" + script +
+                                     " layout  %1\nscan-command=" + script + " scan %1 %2\n");
+  daemon.Start({"--config", config});
+  const int fd = daemon.Connect();
+  EXPECT_EQ(NC_StartScanServer(fd, "-rf", "x"), 1);
+  EXPECT_EQ(NC_StartScanServer(fd, "Flat bed; true $(id)", "two"), 1);
+  EXPECT_TRUE(Eventually([&] { return ReadWhole(out) == "[scan][Flat bed; true $(id)][two]"; }));
+  EXPECT_EQ(NC_StartLayoutServer(fd), 1);
+  EXPECT_TRUE(Eventually([&] { return ReadWhole(out).ends_with("[two][layout][]"); }));
+  EXPECT_TRUE(Jobs(fd).empty());  // the connection is in step
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, EndedJobsGo) {
+  Daemon daemon;
+  const std::string config = daemon.WriteFile(
+      "config", "[server]\ndone-keep=3\nspool-limit=100K\n[printer]\nname=P\nrate=0\nkeep=2\n");
+  daemon.Start({"--config", config});
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  for (int i = 0; i < 8; ++i) {
+    ASSERT_EQ(Send(fd, "", std::string(50000, 'x'), id), 1);
+    EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  }
+  EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 3; }));
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 2; }));
+  // The room of what is done is free again; what waits takes it.
+  EXPECT_EQ(Send(fd, "hold=1\n", std::string(90000, 'x'), id), 1);
+  EXPECT_EQ(Send(fd, "hold=1\n", std::string(20000, 'x'), id), NC_STATUS_TOO_LARGE);
+  NC_Disconnect(fd);
+}
+
+TEST(Commands, ConfigurationReadAgain) {
+  Daemon daemon;
+  const std::string config = daemon.WriteFile("config", kConfig);
+  daemon.Start({"--config", config});
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  ASSERT_EQ(Send(fd, "printer=Wide one\nhold=1\n", "x", id), 1);
+  daemon.WriteFile("config", "[printer]\nname=First\nrate=0\n[printer]\nname=Third\n");
+  daemon.Signal(SIGHUP);
+  EXPECT_TRUE(Eventually([&] { return strcmp(Printers(fd)[1].name, "Third") == 0; }));
+  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_FAILED);
+  EXPECT_EQ(Change(fd, id, "printer=First\nhold=0\n"), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  daemon.WriteFile("config", "[nonsense]\n");
+  daemon.Signal(SIGHUP);
+  EXPECT_EQ(Printers(fd).size(), 2U);
+  NC_Disconnect(fd);
+}
+
+}  // namespace

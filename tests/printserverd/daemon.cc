@@ -1,0 +1,216 @@
+#include "tests/printserverd/daemon.h"
+
+#include <arpa/inet.h>
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+namespace testing_daemon {
+
+namespace {
+
+int CodeOf(int status) {
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+pid_t Launch(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
+             int out, int error) {
+  std::vector<char*> argv;
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  const pid_t pid = fork();
+  if (pid != 0) return pid;
+  if (out >= 0) dup2(out, STDOUT_FILENO);
+  if (error >= 0) dup2(error, STDERR_FILENO);
+  for (const std::string& variable : environment) putenv(const_cast<char*>(variable.c_str()));
+  execv(argv[0], argv.data());
+  _exit(127);
+}
+
+sockaddr_in AddressOf(const std::string& host) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(NC_PORT);
+  inet_pton(AF_INET, host.c_str(), &address.sin_addr);
+  return address;
+}
+
+}  // namespace
+
+Outcome RunProgram(const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment) {
+  FILE* out = tmpfile();
+  FILE* error = tmpfile();
+  int status = 0;
+  const pid_t pid = Launch(arguments, environment, fileno(out), fileno(error));
+  waitpid(pid, &status, 0);
+  Outcome outcome;
+  outcome.code = CodeOf(status);
+  for (auto& [file, text] : {std::pair(out, &outcome.out), std::pair(error, &outcome.error)}) {
+    rewind(file);
+    char buffer[4096];
+    while (const size_t n = fread(buffer, 1, sizeof buffer, file)) text->append(buffer, n);
+    fclose(file);
+  }
+  return outcome;
+}
+
+Daemon::Daemon() {
+  // An address of this process's own, so that tests can run side by side.
+  const int pid = getpid();
+  host_ = "127." + std::to_string(128 + ((pid >> 16) & 127)) + "." +
+          std::to_string((pid >> 8) & 255) + "." + std::to_string(pid & 255);
+  std::string name = ::testing::TempDir() + "printserverd-XXXXXX";
+  folder_ = mkdtemp(name.data());
+}
+
+Daemon::~Daemon() {
+  if (pid_ > 0) {
+    const int code = Stop(SIGTERM);
+    EXPECT_EQ(code, 0);
+  }
+  std::filesystem::remove_all(folder_);
+}
+
+void Daemon::Start(std::vector<std::string> arguments) {
+  std::vector<std::string> all = {PRINTSERVERD, "--listen", host_, "--spool", folder_ + "/spool"};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  pid_ = Launch(all, {}, -1, -1);
+  ASSERT_GT(pid_, 0);
+  ASSERT_TRUE(Eventually([&] {
+    const int fd = ConnectRaw();
+    if (fd >= 0) close(fd);
+    return fd >= 0;
+  }));
+}
+
+void Daemon::Signal(int number) {
+  kill(pid_, number);
+}
+
+int Daemon::Stop(int number) {
+  kill(pid_, number);
+  int status = 0;
+  waitpid(pid_, &status, 0);
+  pid_ = 0;
+  return CodeOf(status);
+}
+
+std::string Daemon::WriteFile(const std::string& name, const std::string& content) const {
+  const std::string path = folder_ + "/" + name;
+  std::ofstream(path, std::ios::binary) << content;
+  return path;
+}
+
+int Daemon::Connect() const {
+  const int fd = NC_ConnectN(host(), 20000);
+  EXPECT_GE(fd, 0);
+  return fd;
+}
+
+int Daemon::ConnectRaw() const {
+  const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const sockaddr_in address = AddressOf(host_);
+  if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return fd;
+  close(fd);
+  return -1;
+}
+
+std::string ReadWhole(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::vector<std::string> FilesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+int Send(int fd, const std::string& ticket, const std::string& document, uint8_t* id) {
+  if (NC_CreateRequestID(fd, id) != 1) return -1;
+  const std::string data = ticket + "\n" + document;
+  return NC_WritePrintRequest(fd, id, data.data(), static_cast<uint32_t>(data.size()));
+}
+
+int Change(int fd, const uint8_t* id, const std::string& ticket) {
+  return NC_WritePrintRequest(fd, id, ticket.data(), static_cast<uint32_t>(ticket.size()));
+}
+
+std::vector<NC_Job> Jobs(int fd) {
+  std::vector<char> list(NC_QUEUE_MAX);
+  const int32_t size = NC_GetPrintQueueN(fd, list.data(), NC_QUEUE_MAX);
+  EXPECT_GE(size, 0);
+  std::vector<NC_Job> jobs(NC_JOBS_MAX);
+  jobs.resize(static_cast<size_t>(NC_ParseJobs(list.data(), size, jobs.data(), NC_JOBS_MAX)));
+  return jobs;
+}
+
+NC_Job JobOf(int fd, const uint8_t* id) {
+  for (const NC_Job& job : Jobs(fd)) {
+    if (std::equal(job.id, job.id + 16, id)) return job;
+  }
+  NC_Job none = {};
+  none.state = static_cast<NC_JobState>(-1);
+  return none;
+}
+
+std::vector<NC_Printer> Printers(int fd) {
+  std::vector<char> list(NC_LIST_MAX);
+  uint8_t status = 0;
+  const int32_t size = NC_GetPrinterListN(fd, &status, list.data(), NC_LIST_MAX);
+  EXPECT_GE(size, 0);
+  std::vector<NC_Printer> printers(NC_RECORDS_MAX);
+  printers.resize(
+      static_cast<size_t>(NC_ParsePrinters(list.data(), size, printers.data(), NC_RECORDS_MAX)));
+  return printers;
+}
+
+bool Eventually(const std::function<bool()>& holds) {
+  for (int i = 0; i < 1500; ++i) {
+    if (holds()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return false;
+}
+
+bool SendBytes(int fd, const std::string& bytes) {
+  size_t sent = 0;
+  while (sent < bytes.size()) {
+    const ssize_t n = send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (n <= 0) return false;
+    sent += static_cast<size_t>(n);
+  }
+  return true;
+}
+
+std::string ReadBytes(int fd, size_t size) {
+  std::string bytes;
+  char buffer[65536];
+  while (bytes.size() < size) {
+    pollfd one = {fd, POLLIN, 0};
+    if (poll(&one, 1, 20000) != 1) break;
+    const ssize_t n = recv(fd, buffer, std::min(sizeof buffer, size - bytes.size()), 0);
+    if (n <= 0) break;
+    bytes.append(buffer, static_cast<size_t>(n));
+  }
+  return bytes;
+}
+
+}  // namespace testing_daemon

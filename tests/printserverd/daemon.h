@@ -1,0 +1,76 @@
+// A printserverd of the test's own: its address, its spool, its life.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "printserver/nc.h"
+#include "printserver/records.h"
+
+namespace testing_daemon {
+
+// What a program wrote and how it ended.
+struct Outcome {
+  int code = -1;  // exit code, or 128 + signal
+  std::string out, error;
+};
+
+// Runs a program to its end, with `environment` ("NAME=value") added.
+Outcome RunProgram(const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment = {});
+
+class Daemon {
+ public:
+  Daemon();
+  // Ends the daemon, expecting exit code 0, and removes the spool.
+  ~Daemon();
+
+  // Starts it with more arguments, and waits until it listens.
+  void Start(std::vector<std::string> arguments = {});
+  // Ends it with a signal; the exit code, or 128 + signal.
+  int Stop(int signal);
+  void Signal(int signal);
+
+  const char* host() const { return host_.c_str(); }
+  // A path beneath the spool.
+  std::string Path(const std::string& name) const { return folder_ + "/spool/" + name; }
+  // Writes a file beside the spool; its path.
+  std::string WriteFile(const std::string& name, const std::string& content) const;
+  const std::string& folder() const { return folder_; }
+
+  // A greeted connection with a deadline.
+  int Connect() const;
+  // A connection without any greeting.
+  int ConnectRaw() const;
+
+ private:
+  std::string host_;
+  std::string folder_;
+  pid_t pid_ = 0;
+};
+
+std::string ReadWhole(const std::string& path);
+std::vector<std::string> FilesIn(const std::string& folder);
+
+// Sends a request; the status byte. `id` becomes the new request's id.
+int Send(int fd, const std::string& ticket, const std::string& document, uint8_t* id);
+// Writes a ticket alone.
+int Change(int fd, const uint8_t* id, const std::string& ticket);
+
+std::vector<NC_Job> Jobs(int fd);
+// The job of that id; state -1 when it is not in the queue.
+NC_Job JobOf(int fd, const uint8_t* id);
+std::vector<NC_Printer> Printers(int fd);
+
+// Waits until it holds; false after 30 seconds.
+bool Eventually(const std::function<bool()>& holds);
+
+// Sends bytes; reads until the end or until `size` bytes have come.
+bool SendBytes(int fd, const std::string& bytes);
+std::string ReadBytes(int fd, size_t size);
+
+}  // namespace testing_daemon

@@ -1,0 +1,218 @@
+// Clients that do harm, and faults on purpose.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <random>
+#include <thread>
+
+#include "tests/printserverd/daemon.h"
+
+using namespace testing_daemon;
+
+namespace {
+
+const std::string kGreeting("\4\3\2\1", 4);
+
+std::string U32(uint32_t value) {
+  return std::string{static_cast<char>(value), static_cast<char>(value >> 8),
+                     static_cast<char>(value >> 16), static_cast<char>(value >> 24)};
+}
+
+std::string Header(char code) {
+  return std::string("KRV") + code;
+}
+
+// An honest client gets everything.
+void ExpectHonestWorks(const Daemon& daemon) {
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  EXPECT_EQ(Send(fd, "owner=honest\n", std::string(300000, 'h'), id), NC_STATUS_DONE);
+  EXPECT_EQ(JobOf(fd, id).size, 300000);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_DONE);
+  NC_Disconnect(fd);
+}
+
+TEST(Hostile, GreetingsAndHeadersThatAreNone) {
+  Daemon daemon;
+  daemon.Start();
+  const struct {
+    std::string bytes, reply;
+  } cases[] = {
+      {"HTTP", std::string(1, '\0')},
+      {std::string("\1\2\3\4", 4), std::string(1, '\0')},
+      {kGreeting + "KRX\1", "\1"},
+      {kGreeting + Header('\0'), "\1"},
+      {kGreeting + Header('\14'), "\1"},
+      {kGreeting + Header('\377'), "\1"},
+      // More than can be accepted is refused at once, and the connection ends.
+      {kGreeting + Header(3) + std::string(16, 'i') + U32(0x80000000) + std::string(5000, 'x'),
+       "\1\4"},
+      {kGreeting + Header(3) + std::string(16, 'i') + U32(0xffffffff), "\1\4"},
+  };
+  for (const auto& row : cases) {
+    const int fd = daemon.ConnectRaw();
+    EXPECT_TRUE(SendBytes(fd, row.bytes));
+    EXPECT_EQ(ReadBytes(fd, 100), row.reply);  // and then the end
+    close(fd);
+  }
+  ExpectHonestWorks(daemon);
+}
+
+TEST(Hostile, RequestsSentTogetherAreAnsweredInOrder) {
+  Daemon daemon;
+  daemon.Start();
+  const int fd = daemon.ConnectRaw();
+  SendBytes(fd, kGreeting + Header(10) + Header(1) + Header(6) + std::string(16, 'i') + Header(3) +
+                    std::string(16, 'i') + U32(7) + "a=\n\nxyz" + Header(10));
+  EXPECT_EQ(ReadBytes(fd, 9), std::string("\1\0\0\0\0\0\2\2\0", 9));
+  close(fd);
+}
+
+TEST(Hostile, HalfRequestsLeaveNothing) {
+  Daemon daemon;
+  daemon.Start();
+  for (const size_t sent : {0, 3, 8, 9, 500000}) {
+    const int fd = daemon.Connect();
+    uint8_t id[16];
+    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
+    const std::string data = "owner=x\n\n" + std::string(1000000, 'x');
+    SendBytes(fd, Header(3) + std::string(id, id + 16) + U32(static_cast<uint32_t>(data.size())) +
+                      data.substr(0, sent));
+    if (sent > 8) {
+      EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 1; }));
+    }
+    NC_Disconnect(fd);
+    EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).empty(); }));
+  }
+  for (char code = 1; code <= 11; ++code) {
+    for (const int extra : {0, 1, 15, 19, 79, 139, 159, 511}) {
+      const int fd = daemon.Connect();
+      SendBytes(fd, Header(code) + std::string(static_cast<size_t>(extra), '\xff'));
+      NC_Disconnect(fd);
+    }
+  }
+  ExpectHonestWorks(daemon);
+}
+
+TEST(Hostile, Garbage) {
+  Daemon daemon;
+  daemon.Start({"--rate", "0"});
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    const int fd = daemon.ConnectRaw();
+    std::string bytes = kGreeting;
+    for (int i = 0; i < 20; ++i) {
+      bytes += Header(static_cast<char>(1 + random() % 11));
+      const size_t length = random() % 600;
+      for (size_t k = 0; k < length; ++k) bytes += static_cast<char>(random() % 4 ? 0 : random());
+    }
+    SendBytes(fd, bytes);
+    close(fd);
+  }
+  ExpectHonestWorks(daemon);
+}
+
+TEST(Hostile, ThousandSlowClientsAndAnHonestOne) {
+  rlimit limit;
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = std::min<rlim_t>(4096, limit.rlim_max);
+  setrlimit(RLIMIT_NOFILE, &limit);
+  ASSERT_GE(limit.rlim_cur, 1100U);
+  Daemon daemon;
+  daemon.Start();
+  const std::string script = kGreeting + Header(1) + Header(5) + Header(2) + Header(11);
+  std::vector<int> slow;
+  for (int i = 0; i < 1000; ++i) slow.push_back(daemon.ConnectRaw());
+  for (size_t second = 0; second < 10; ++second) {
+    const auto next = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    for (const int fd : slow) send(fd, &script[second], 1, MSG_NOSIGNAL | MSG_DONTWAIT);
+    ExpectHonestWorks(daemon);
+    std::this_thread::sleep_until(next);
+  }
+  for (const int fd : slow) close(fd);
+  ExpectHonestWorks(daemon);
+}
+
+TEST(Hostile, MoreConnectionsThanItTakes) {
+  rlimit limit;
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = std::min<rlim_t>(4096, limit.rlim_max);
+  setrlimit(RLIMIT_NOFILE, &limit);
+  ASSERT_GE(limit.rlim_cur, 2300U);
+  Daemon daemon;
+  daemon.Start();
+  std::vector<int> all;
+  for (int i = 0; i < 2200; ++i) {
+    all.push_back(daemon.ConnectRaw());
+    if (i % 2) SendBytes(all.back(), kGreeting);
+  }
+  ExpectHonestWorks(daemon);
+  for (const int fd : all) close(fd);
+}
+
+TEST(Hostile, ClientsThatDoNotRead) {
+  Daemon daemon;
+  daemon.Start();
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  const std::string ticket = "hold=1\ndocument=" + std::string(250, 'n') + "\n";
+  for (int i = 0; i < 300; ++i) ASSERT_EQ(Send(fd, ticket, "", id), 1);
+  std::vector<int> deaf;
+  for (int i = 0; i < 50; ++i) {
+    const int one = daemon.ConnectRaw();
+    int small = 2048;
+    setsockopt(one, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+    std::string requests = kGreeting;
+    for (int k = 0; k < 100; ++k) requests += Header(1);
+    SendBytes(one, requests);
+    deaf.push_back(one);
+  }
+  ExpectHonestWorks(daemon);
+  EXPECT_EQ(Jobs(fd).size(), 300U);
+  for (const int one : deaf) close(one);
+  NC_Disconnect(fd);
+}
+
+TEST(Faults, EachIsSeen) {
+  Daemon daemon;
+  daemon.Start({"--simulate", "refuse"});
+  EXPECT_EQ(NC_ConnectN(daemon.host(), 5000), NC_REFUSED);
+  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+
+  char list[4096];
+  uint8_t status, id[16];
+  daemon.Start({"--simulate", "cut=10"});
+  int fd = daemon.Connect();
+  EXPECT_EQ(NC_CreateRequestID(fd, id), -1);
+  NC_Disconnect(fd);
+  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+
+  daemon.Start({"--simulate=stall=3"});
+  fd = daemon.Connect();
+  NC_SetDeadline(fd, 300);
+  EXPECT_EQ(NC_GetPrinterListN(fd, &status, list, sizeof list), -1);
+  EXPECT_EQ(errno, ETIMEDOUT);
+  NC_Disconnect(fd);
+  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+
+  daemon.Start({"--simulate", "length=4294967295"});
+  fd = daemon.Connect();
+  EXPECT_EQ(NC_GetPrinterListN(fd, &status, list, sizeof list), -1);
+  EXPECT_EQ(errno, EMSGSIZE);
+  NC_Disconnect(fd);
+  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+
+  daemon.Start({"--simulate", "paper-out", "--rate", "0"});
+  fd = daemon.Connect();
+  EXPECT_EQ(Send(fd, "", "x", id), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  NC_Disconnect(fd);
+}
+
+}  // namespace

@@ -1,0 +1,179 @@
+// What the spool keeps: sizes, restarts, requests by the thousand, and how the daemon starts.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/printserverd/daemon.h"
+
+using namespace testing_daemon;
+
+namespace {
+
+std::string IdText(const uint8_t* id) {
+  char text[33];
+  NC_FormatId(id, text);
+  return text;
+}
+
+// Compares two files without holding either.
+bool SameBytes(const std::string& a, const std::string& b) {
+  std::ifstream one(a, std::ios::binary), two(b, std::ios::binary);
+  std::vector<char> x(1 << 20), y(1 << 20);
+  while (one && two) {
+    one.read(x.data(), static_cast<std::streamsize>(x.size()));
+    two.read(y.data(), static_cast<std::streamsize>(y.size()));
+    if (one.gcount() != two.gcount() ||
+        memcmp(x.data(), y.data(), static_cast<size_t>(one.gcount())) != 0) {
+      return false;
+    }
+  }
+  return one.eof() && two.eof();
+}
+
+TEST(Spool, DocumentsOfEverySize) {
+  Daemon daemon;
+  daemon.Start({"--rate", "0"});
+  const int fd = daemon.Connect();
+  for (const int64_t size : {int64_t{0}, int64_t{1}, int64_t{262144}, int64_t{200000000}}) {
+    const std::string path = daemon.WriteFile("document", "");
+    {
+      std::ofstream file(path, std::ios::binary);
+      std::string block(1000000, '\0');
+      for (int64_t at = 0; at < size; at += 1000000) {
+        for (size_t i = 0; i < block.size(); i += 997) block[i] = static_cast<char>(at + i * 31);
+        file.write(block.data(), std::min<int64_t>(1000000, size - at));
+      }
+    }
+    const int file = open(path.c_str(), O_RDONLY);
+    uint8_t id[16];
+    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
+    ASSERT_EQ(NC_WritePrintRequestN(fd, id, "hold=1", file, size, nullptr, nullptr), 1);
+    close(file);
+    EXPECT_EQ(JobOf(fd, id).size, size);
+    const std::string stored = daemon.Path("jobs/" + IdText(id) + ".doc");
+    EXPECT_TRUE(SameBytes(path, stored)) << size;
+    struct stat info;
+    ASSERT_EQ(stat(stored.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600U);
+    EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+    EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+    const auto outputs = FilesIn(daemon.Path("printed/proof"));
+    ASSERT_EQ(outputs.size(), 1U);
+    EXPECT_TRUE(SameBytes(path, daemon.Path("printed/proof/" + outputs[0]))) << size;
+    unlink(daemon.Path("printed/proof/" + outputs[0]).c_str());
+  }
+  NC_Disconnect(fd);
+}
+
+TEST(Spool, ThousandRequestsAndARestart) {
+  Daemon daemon;
+  daemon.Start();
+  int fd = daemon.Connect();
+  std::vector<std::string> ids;
+  for (int i = 0; i < 1000; ++i) {
+    uint8_t id[16];
+    const std::string ticket =
+        "hold=1\ndocument=number " + std::to_string(i) + "\npriority=" + std::to_string(1 + i % 7);
+    ASSERT_EQ(Send(fd, ticket + "\n", std::to_string(i), id), 1);
+    ids.push_back(IdText(id));
+  }
+  const auto before = Jobs(fd);
+  ASSERT_EQ(before.size(), 1000U);
+  NC_Disconnect(fd);
+  EXPECT_EQ(daemon.Stop(SIGKILL), 128 + SIGKILL);
+  daemon.Start();
+  fd = daemon.Connect();
+  const auto after = Jobs(fd);
+  ASSERT_EQ(after.size(), 1000U);
+  EXPECT_EQ(memcmp(before.data(), after.data(), 1000 * sizeof(NC_Job)), 0);
+  for (int i = 0; i < 1000; i += 99) {
+    EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + ids[static_cast<size_t>(i)] + ".doc")),
+              std::to_string(i));
+  }
+  NC_Disconnect(fd);
+}
+
+TEST(Spool, RestartInTheMiddle) {
+  Daemon daemon;
+  const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=64K\n");
+  daemon.Start({"--config", config});
+  int fd = daemon.Connect();
+  uint8_t printing[16], done[16], half[16];
+  ASSERT_EQ(Send(fd, "", "quick", done), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, done).state == NC_JOB_DONE; }));
+  ASSERT_EQ(Send(fd, "", std::string(1 << 20, 'p'), printing), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).printed > 0; }));
+  EXPECT_EQ(Change(fd, printing, "priority=70\n"), 1);
+  ASSERT_EQ(NC_CreateRequestID(fd, half), 1);
+  SendBytes(fd, "KRV\3" + std::string(half, half + 16) + std::string("\0\0\1\0\n", 5) + "begun");
+  const std::string document = daemon.Path("jobs/" + IdText(half) + ".doc");
+  EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(document); }));
+  EXPECT_EQ(daemon.Stop(SIGKILL), 128 + SIGKILL);
+  NC_Disconnect(fd);
+  EXPECT_TRUE(std::filesystem::exists(document));
+  daemon.WriteFile("spool/jobs/0123456789abcdef0123456789abcdef.job", "state=rubbish\n\n");
+  daemon.WriteFile("spool/jobs/not a job.job", "\n");
+
+  daemon.Start({"--config", config, "--rate", "0"});
+  fd = daemon.Connect();
+  EXPECT_FALSE(std::filesystem::exists(document));
+  EXPECT_EQ(Jobs(fd).size(), 2U);
+  EXPECT_EQ(JobOf(fd, done).state, NC_JOB_DONE);
+  EXPECT_EQ(JobOf(fd, printing).priority, 70);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).state == NC_JOB_DONE; }));
+  const auto outputs = FilesIn(daemon.Path("printed/p"));
+  ASSERT_EQ(outputs.size(), 2U);  // and nothing of the first attempt
+  int whole = 0;
+  for (const std::string& name : outputs) {
+    whole += ReadWhole(daemon.Path("printed/p/" + name)) == std::string(1 << 20, 'p');
+  }
+  EXPECT_EQ(whole, 1);
+  NC_Disconnect(fd);
+}
+
+TEST(Start, RefusesWithOneLine) {
+  Daemon daemon;
+  daemon.Start();
+  const std::string busy = daemon.folder() + "/spool";
+  const std::string free = daemon.folder() + "/free";
+  const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=fast\n");
+  const std::string file = daemon.WriteFile("file", "x");
+  std::filesystem::create_symlink(daemon.folder(), daemon.folder() + "/link");
+  const struct {
+    std::vector<std::string> arguments;
+    int code;
+    std::string error;
+  } cases[] = {
+      {{"--spool", busy, "--listen", "127.0.0.1:0"}, 1, "another printserverd uses it"},
+      {{"--spool", free, "--listen", daemon.host()}, 1, "cannot listen on"},
+      {{"--spool", file, "--listen", "127.0.0.1:0"}, 1, "Not a directory"},
+      {{"--spool", daemon.folder() + "/link", "--listen", "127.0.0.1:0"}, 1, "spool"},
+      {{"--spool", free, "--listen", "example"}, 2, "IPv4 address"},
+      {{"--spool", free, "--listen", "127.0.0.1:99999"}, 2, "IPv4 address"},
+      {{"--spool", free, "--config", config}, 2, "line 3: rate wants bytes a second"},
+      {{"--spool", free, "--config", daemon.folder() + "/none"}, 2, "No such file"},
+      {{"--spool", free, "--simulate", "refuse,explode"}, 2, "not \"explode\""},
+      {{"--spool"}, 2, "wants a value"},
+      {{"print"}, 2, "unknown argument"},
+  };
+  for (const auto& row : cases) {
+    std::vector<std::string> all = {PRINTSERVERD};
+    all.insert(all.end(), row.arguments.begin(), row.arguments.end());
+    const Outcome outcome = RunProgram(all);
+    EXPECT_EQ(outcome.code, row.code) << outcome.error;
+    EXPECT_NE(outcome.error.find(row.error), std::string::npos) << outcome.error;
+    EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1);
+  }
+  const Outcome help = RunProgram({PRINTSERVERD, "--help"});
+  EXPECT_EQ(help.code, 0);
+  EXPECT_NE(help.out.find("--simulate"), std::string::npos);
+}
+
+}  // namespace
