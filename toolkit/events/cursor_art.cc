@@ -1,21 +1,468 @@
+// The pictures, drawn as text.
 #include "toolkit/events/cursor_art.h"
 
-#include <cstring>
 #include <iterator>
 
 namespace {
 
-constexpr const char* kEmpty[] = {"", "", "", "", "", "", "", "", "", "", "", "", "", "", "", ""};
+// clang-format off
+constexpr const char* kNull[] = {"", "", "", "", "", "", "", "", "", "", "", "", "", "", "", ""};
 
-constexpr CursorArt kArt[] = {
-    {"NullCursor", 1, 16, 0, 0, 0x000000, 0xFFFFFF, kEmpty},
+constexpr const char* kArrowCursor[] = {
+    "ooo.............",
+    "o#oo............",
+    "o##oo...........",
+    "o###oo..........",
+    "o####oo.........",
+    "o#####oo........",
+    "o######oo.......",
+    "o#######oo......",
+    "o########o......",
+    "o#####oooo......",
+    "o##o##o.........",
+    "o#oo##oo........",
+    "ooooo##o........",
+    "....o##o........",
+    "....oooo........",
+    "................",
 };
 
-void PutColor(uint8_t* out, uint32_t rgb) {
-  out[0] = uint8_t(rgb >> 16);
-  out[1] = uint8_t(rgb >> 8);
-  out[2] = uint8_t(rgb);
-}
+constexpr const char* kArrowCursorAdd[] = {
+    "ooo........ooo..",
+    "o#oo.......o#o..",
+    "o##oo....ooo#ooo",
+    "o###oo...o#####o",
+    "o####oo..ooo#ooo",
+    "o#####oo...o#o..",
+    "o######oo..ooo..",
+    "o#######oo......",
+    "o########o......",
+    "o#####oooo......",
+    "o##o##o.........",
+    "o#oo##oo........",
+    "ooooo##o........",
+    "....o##o........",
+    "....oooo........",
+    "................",
+};
+
+constexpr const char* kArrowCursorRight[] = {
+    "ooo........ooo..",
+    "o#oo.......o#oo.",
+    "o##oo...oooo##oo",
+    "o###oo..o######o",
+    "o####oo.oooo##oo",
+    "o#####oo...o#oo.",
+    "o######oo..ooo..",
+    "o#######oo......",
+    "o########o......",
+    "o#####oooo......",
+    "o##o##o.........",
+    "o#oo##oo........",
+    "ooooo##o........",
+    "....o##o........",
+    "....oooo........",
+    "................",
+};
+
+constexpr const char* kRotateCursor[] = {
+    "................",
+    "....ooooooo.....",
+    "...oo#####ooooo.",
+    "..oo#######o##o.",
+    ".oo###oooo####o.",
+    ".o###oo..oo###o.",
+    ".o##oo..oo####o.",
+    ".o##o...o#####o.",
+    ".o##o...oooooooo",
+    ".o##o......oo##o",
+    ".o##oo....oo###o",
+    ".oo##oo..oo###oo",
+    "..o###oooo###oo.",
+    "..oo########oo..",
+    "...ooo####ooo...",
+    ".....oooooo.....",
+};
+
+constexpr const char* kMoveCursor[] = {
+    "................",
+    ".......ooo......",
+    "......oo#oo.....",
+    ".....oo###oo....",
+    ".....o#####o....",
+    "...ooooo#ooooo..",
+    "..oo#ooo#ooo#oo.",
+    ".oo##ooo#ooo##oo",
+    ".o#############o",
+    ".oo##ooo#ooo##oo",
+    "..oo#ooo#ooo#oo.",
+    "...ooooo#ooooo..",
+    ".....o#####o....",
+    ".....oo###oo....",
+    "......oo#oo.....",
+    ".......ooo......",
+};
+
+constexpr const char* kSizeN[] = {
+    "...ooooooooooooo",
+    "...o###########o",
+    "...ooooooooooooo",
+    ".......oo#oo....",
+    "......oo###oo...",
+    ".....oo#####oo..",
+    "....oo#######oo.",
+    "....o#########o.",
+    "....oooo###oooo.",
+    ".......o###o....",
+    ".......o###o....",
+    ".......o###o....",
+    ".......o###o....",
+    ".......o###o....",
+    ".......ooooo....",
+    "................",
+};
+
+constexpr const char* kSizeS[] = {
+    "................",
+    ".......ooooo....",
+    ".......o###o....",
+    ".......o###o....",
+    ".......o###o....",
+    ".......o###o....",
+    ".......o###o....",
+    "....oooo###oooo.",
+    "....o#########o.",
+    "....oo#######oo.",
+    ".....oo#####oo..",
+    "......oo###oo...",
+    ".......oo#oo....",
+    "...ooooooooooooo",
+    "...o###########o",
+    "...ooooooooooooo",
+};
+
+constexpr const char* kSizeE[] = {
+    "................",
+    "................",
+    "................",
+    ".............ooo",
+    ".......ooo...o#o",
+    ".......o#oo..o#o",
+    ".......o##oo.o#o",
+    ".ooooooo###ooo#o",
+    ".o##########oo#o",
+    ".o###########o#o",
+    ".o##########oo#o",
+    ".ooooooo###ooo#o",
+    ".......o##oo.o#o",
+    ".......o#oo..o#o",
+    ".......ooo...o#o",
+    ".............ooo",
+};
+
+constexpr const char* kSizeW[] = {
+    "................",
+    "................",
+    "................",
+    "ooo.............",
+    "o#o...ooo.......",
+    "o#o..oo#o.......",
+    "o#o.oo##o.......",
+    "o#ooo###ooooooo.",
+    "o#oo##########o.",
+    "o#o###########o.",
+    "o#oo##########o.",
+    "o#ooo###ooooooo.",
+    "o#o.oo##o.......",
+    "o#o..oo#o.......",
+    "o#o...ooo.......",
+    "ooo.............",
+};
+
+constexpr const char* kSizeNW[] = {
+    "oooooooooooo....",
+    "o##########o....",
+    "o#oooooooooo....",
+    "o#o#######o.....",
+    "o#o######oo.....",
+    "o#o#####oo......",
+    "o#o####ooo......",
+    "o#o###oo#oo.....",
+    "o#o##oo###oo....",
+    "o#o#oooo###oo...",
+    "o#ooo..oo###oo..",
+    "ooo.....oo###oo.",
+    ".........oo###o.",
+    "..........oo##o.",
+    "...........oooo.",
+    "................",
+};
+
+constexpr const char* kSizeNE[] = {
+    "....oooooooooooo",
+    "....o##########o",
+    "....oooooooooo#o",
+    ".....o#######o#o",
+    ".....oo######o#o",
+    "......oo#####o#o",
+    "......ooo####o#o",
+    ".....oo#oo###o#o",
+    "....oo###oo##o#o",
+    "...oo###oooo#o#o",
+    "..oo###oo..ooo#o",
+    ".oo###oo.....ooo",
+    ".o###oo.........",
+    ".o##oo..........",
+    ".oooo...........",
+    "................",
+};
+
+constexpr const char* kSizeSW[] = {
+    "................",
+    "...........oooo.",
+    "..........oo##o.",
+    ".........oo###o.",
+    "ooo.....oo###oo.",
+    "o#ooo..oo###oo..",
+    "o#o#oooo###oo...",
+    "o#o##oo###oo....",
+    "o#o###oo#oo.....",
+    "o#o####ooo......",
+    "o#o#####oo......",
+    "o#o######oo.....",
+    "o#o#######o.....",
+    "o#oooooooooo....",
+    "o##########o....",
+    "oooooooooooo....",
+};
+
+constexpr const char* kSizeSE[] = {
+    "................",
+    ".oooo...........",
+    ".o##oo..........",
+    ".o###oo.........",
+    ".oo###oo.....ooo",
+    "..oo###oo..ooo#o",
+    "...oo###oooo#o#o",
+    "....oo###oo##o#o",
+    ".....oo#oo###o#o",
+    "......ooo####o#o",
+    "......oo#####o#o",
+    ".....oo######o#o",
+    ".....o#######o#o",
+    "....oooooooooo#o",
+    "....o##########o",
+    "....oooooooooooo",
+};
+
+constexpr const char* kZoomInCursor[] = {
+    "................",
+    "....ooooooo.....",
+    "...oo#####oo....",
+    "..oo#ooooo#oo...",
+    ".oo#ooooooo#oo..",
+    ".o#oooo#oooo#o..",
+    ".o#oooo#oooo#o..",
+    ".o#oo#####oo#o..",
+    ".o#oooo#oooo#o..",
+    ".o#oooo#oooo#o..",
+    ".oo#ooooooo#oo..",
+    "..oo#ooooo#o#oo.",
+    "...oo#####o###oo",
+    "....oooooooo###o",
+    "...........oo##o",
+    "............oooo",
+};
+
+constexpr const char* kZoomOutCursor[] = {
+    "................",
+    "....ooooooo.....",
+    "...oo#####oo....",
+    "..oo#ooooo#oo...",
+    ".oo#ooooooo#oo..",
+    ".o#ooooooooo#o..",
+    ".o#ooooooooo#o..",
+    ".o#oo#####oo#o..",
+    ".o#ooooooooo#o..",
+    ".o#ooooooooo#o..",
+    ".oo#ooooooo#oo..",
+    "..oo#ooooo#o#oo.",
+    "...oo#####o###oo",
+    "....oooooooo###o",
+    "...........oo##o",
+    "............oooo",
+};
+
+constexpr const char* kPointerCursor[] = {
+    ".......ooo......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......ooo......",
+    "oooooooooooooooo",
+    "o#####oo#oo#####",
+    "oooooooooooooooo",
+    ".......ooo......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......o#o......",
+    ".......o#o......",
+};
+
+constexpr const char* kPanCursor[] = {
+    ".......##.......",
+    "....###oo###....",
+    "...#oo#oo#oo#...",
+    "...#oo#oo#oo#...",
+    "...#oo#oo#oo###.",
+    "...#oo#oo#oo#oo#",
+    "...#oo#oo#oo#oo#",
+    ".###oo#oo#oo#oo#",
+    "#oo#ooooooooooo#",
+    "#oooooooooooooo#",
+    ".#ooooooooooooo#",
+    "..#oooooooooooo#",
+    "...#oooooooooo#.",
+    "....#ooooooooo#.",
+    ".....#ooooooo#..",
+    "......#######...",
+};
+
+constexpr const char* kLockCursor[] = {
+    "................................",
+    "................................",
+    ".............oooooo.............",
+    "...........ooo####ooo...........",
+    "..........oo########oo..........",
+    ".........oo##########oo.........",
+    "........oo#####oo#####oo........",
+    "........o####oooooo####o........",
+    "........o###oo....oo###o........",
+    "........o###o......o###o........",
+    "........o###o......o###o........",
+    "........o###o......o###o........",
+    "........o###o......o###o........",
+    "......ooo###oooooooo###ooo......",
+    ".....oo##################oo.....",
+    ".....o####################o.....",
+    ".....o####################o.....",
+    ".....o####################o.....",
+    ".....o########oooo########o.....",
+    ".....o########oooo########o.....",
+    ".....o########oooo########o.....",
+    ".....o########oooo########o.....",
+    ".....o#########oo#########o.....",
+    ".....o#########oo#########o.....",
+    ".....o#########oo#########o.....",
+    ".....o#########oo#########o.....",
+    ".....o####################o.....",
+    ".....o####################o.....",
+    ".....oo##################oo.....",
+    "......oooooooooooooooooooo......",
+    "................................",
+    "................................",
+};
+
+constexpr const char* kUnlockCursor[] = {
+    "................................",
+    "................................",
+    ".............oooooo.............",
+    "...........ooo####ooo...........",
+    "..........oo########oo..........",
+    ".........oo##########oo.........",
+    "........oo#####oo#####oo........",
+    "........o####oooooo####o........",
+    "........o###oo....oo###o........",
+    "........o###o......o###o........",
+    "........o###o......ooooo........",
+    "........o###o...................",
+    "........o###o...................",
+    "......ooo###oooooooooooooo......",
+    ".....oo##################oo.....",
+    ".....o####################o.....",
+    ".....o####################o.....",
+    ".....o####################o.....",
+    ".....o########oooo########o.....",
+    ".....o########oooo########o.....",
+    ".....o########oooo########o.....",
+    ".....o########oooo########o.....",
+    ".....o#########oo#########o.....",
+    ".....o#########oo#########o.....",
+    ".....o#########oo#########o.....",
+    ".....o#########oo#########o.....",
+    ".....o####################o.....",
+    ".....o####################o.....",
+    ".....oo##################oo.....",
+    "......oooooooooooooooooooo......",
+    "................................",
+    "................................",
+};
+
+constexpr const char* kPointerCursorLarge[] = {
+    "..............ooo...............",
+    "..............o#o...............",
+    "..............o#o...............",
+    "..............o#o...............",
+    "..............o#o...............",
+    "..........ooooo#ooooo...........",
+    ".........oo#########oo..........",
+    ".......ooo####o#o####ooo........",
+    ".......o###oooo#oooo###o........",
+    "......oo##oo..o#o..oo##oo.......",
+    ".....oo##oo...o#o...oo##oo......",
+    ".....o##oo....ooo....oo##o......",
+    ".....o##o.............o##o......",
+    ".....o##o.............o##o......",
+    "oooooo#ooooo..ooo..ooooo#oooooo.",
+    "o##########o..o#o..o##########o.",
+    "oooooo#ooooo..ooo..ooooo#oooooo.",
+    ".....o##o.............o##o......",
+    ".....o##o.............o##o......",
+    ".....o##oo....ooo....oo##o......",
+    ".....oo##oo...o#o...oo##oo......",
+    "......oo##oo..o#o..oo##oo.......",
+    ".......o###oooo#oooo###o........",
+    ".......ooo####o#o####ooo........",
+    ".........oo#########oo..........",
+    "..........ooooo#ooooo...........",
+    "..............o#o...............",
+    "..............o#o...............",
+    "..............o#o...............",
+    "..............o#o...............",
+    "..............ooo...............",
+    "................................",
+};
+
+// clang-format on
+
+constexpr uint32_t kRed = 0xFF0000, kBlack = 0x000000, kWhite = 0xFFFFFF;
+
+constexpr CursorArt kArt[] = {
+    {"NullCursor", 1, 16, 0, 0, kBlack, kWhite, kNull},
+    {"ArrowCursor", 3, 16, 1, 1, kRed, kWhite, kArrowCursor},
+    {"ArrowCursorAdd", 4, 16, 1, 1, kRed, kWhite, kArrowCursorAdd},
+    {"ArrowCursorRight", 5, 16, 1, 1, kRed, kWhite, kArrowCursorRight},
+    {"RotateCursor", 6, 16, 8, 8, kBlack, kWhite, kRotateCursor},
+    {"MoveCursor", 7, 16, 8, 8, kBlack, kWhite, kMoveCursor},
+    {"SizeN", 8, 16, 9, 1, kBlack, kWhite, kSizeN},
+    {"SizeS", 9, 16, 9, 14, kBlack, kWhite, kSizeS},
+    {"SizeE", 10, 16, 14, 9, kBlack, kWhite, kSizeE},
+    {"SizeW", 11, 16, 1, 9, kBlack, kWhite, kSizeW},
+    {"SizeNW", 12, 16, 1, 1, kBlack, kWhite, kSizeNW},
+    {"SizeNE", 13, 16, 14, 1, kBlack, kWhite, kSizeNE},
+    {"SizeSW", 14, 16, 1, 14, kBlack, kWhite, kSizeSW},
+    {"SizeSE", 15, 16, 14, 14, kBlack, kWhite, kSizeSE},
+    {"ZoomInCursor", 17, 16, 8, 8, kBlack, kWhite, kZoomInCursor},
+    {"ZoomOutCursor", 18, 16, 8, 8, kBlack, kWhite, kZoomOutCursor},
+    {"PointerCursor", -1, 16, 8, 8, kBlack, kWhite, kPointerCursor},
+    {"PanCursor", -1, 16, 8, 8, kBlack, kWhite, kPanCursor},
+    {"LockCursor", -1, 32, 15, 15, kRed, kWhite, kLockCursor},
+    {"UnlockCursor", -1, 32, 15, 15, kBlack, kWhite, kUnlockCursor},
+    {"PointerCursorLarge", -1, 32, 15, 15, kBlack, kWhite, kPointerCursorLarge},
+};
 
 }  // namespace
 
@@ -26,28 +473,6 @@ const CursorArt* AllCursorArt(int* count) {
 
 const CursorArt* FindCursorArt(int index) {
   for (const CursorArt& art : kArt)
-    if (art.index == index) return &art;
+    if (art.index == index && index >= 0) return &art;
   return nullptr;
-}
-
-CursorRecord MakeCursorRecord(const CursorArt& art) {
-  CursorRecord record{};
-  uint8_t* b = record.bytes;
-  PutColor(b, art.color);
-  PutColor(b + 3, art.outline);
-  b[6] = b[7] = uint8_t(art.side);
-  b[8] = uint8_t(art.hot_x);
-  b[9] = uint8_t(art.hot_y);
-  int row_bytes = art.side / 8;
-  uint8_t* plane_a = b + kCursorHeader;
-  uint8_t* plane_b = plane_a + art.side * row_bytes;
-  for (int y = 0; y < art.side; ++y) {
-    const char* row = art.rows[y];
-    for (int x = 0; x < art.side && row[x]; ++x) {
-      uint8_t bit = uint8_t(1u << (x % 8));
-      if (row[x] == '#') plane_a[y * row_bytes + x / 8] |= bit;
-      if (row[x] == 'o') plane_b[y * row_bytes + x / 8] |= bit;
-    }
-  }
-  return record;
 }
