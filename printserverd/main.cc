@@ -1,11 +1,24 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 
 #include "printserverd/log.h"
 #include "printserverd/server.h"
 #include "printserverd/settings.h"
 
+// A peer's socket must not become the standard output or error of a daemon started without them.
+static void OpenStandardFiles() {
+  int fd;
+  do {
+    fd = open("/dev/null", O_RDWR);
+  } while (fd >= 0 && fd <= STDERR_FILENO);
+  if (fd >= 0) close(fd);
+}
+
 int main(int argc, char** argv) {
   using namespace printserverd;
+  OpenStandardFiles();
   Options options;
   Settings settings;
   std::string error;

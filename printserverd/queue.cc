@@ -131,6 +131,8 @@ bool Queue::MakeRoom() {
 }
 
 Status Queue::Accept(const RequestId& id, const Ticket& ticket, int64_t size, int document) {
+  // The configuration may have changed while the document came.
+  if (CheckNames(ticket) != Status::kDone) return Status::kUnknownName;
   if (!MakeRoom()) return Status::kTooLarge;
   Job job;
   job.id = id;

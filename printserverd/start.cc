@@ -97,6 +97,7 @@ bool Server::Listen(std::string* error) {
 
 bool Server::WatchSignals() {
   signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);  // a limit on file sizes is a failed write, not the end
   sigset_t set;
   sigemptyset(&set);
   for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) sigaddset(&set, number);

@@ -65,7 +65,8 @@ int ShowProgress(void* context, int64_t sent, int64_t total) {
   return 0;
 }
 
-int PrintFile(int fd, const std::string& path, const Options& options) {
+// `lost` tells whether the connection can be used no more.
+int PrintFile(int fd, const std::string& path, const Options& options, bool* lost) {
   const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (file < 0) return Fail(kNoFile, path + ": " + strerror(errno));
   struct stat info;
@@ -93,8 +94,8 @@ int PrintFile(int fd, const std::string& path, const Options& options) {
     } else if (status == NC_BAD_REQUEST) {
       code = Fail(kNoFile, path + ": too large to be printed");
     } else if (status == NC_UNREADABLE) {
-      Fail(kNoServer, path + ": cannot be read, or became shorter");
-      code = kNoServer;
+      code = Fail(kNoFile, path + ": cannot be read, or became shorter");
+      *lost = true;
     } else {
       code = Lost();
     }
@@ -147,9 +148,10 @@ int ForEachJob(int fd, const Options& options, Act act) {
 int Print(int fd, const Options& options) {
   int first = kGood;
   for (const std::string& path : options.words) {
-    const int code = PrintFile(fd, path, options);
+    bool lost = false;
+    const int code = PrintFile(fd, path, options, &lost);
     Note(code, &first);
-    if (code == kNoServer) break;
+    if (lost || code == kNoServer) break;
   }
   return first;
 }

@@ -246,6 +246,19 @@ TEST(Commands, PaperRunsOut) {
   NC_Disconnect(fd);
 }
 
+TEST(Commands, PaperIsLoadedByItself) {
+  Daemon daemon;
+  const std::string config = daemon.WriteFile(
+      "config", "[printer]\nname=P\nrate=0\npaper=1\nsheet-bytes=10\nrefill-seconds=1\n");
+  daemon.Start({"--config", config});
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  ASSERT_EQ(Send(fd, "", "123456789012345", id), 1);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  NC_Disconnect(fd);
+}
+
 TEST(Commands, GamutFiles) {
   Daemon daemon;
   daemon.Start();

@@ -137,6 +137,40 @@ TEST(Hostile, ThousandSlowClientsAndAnHonestOne) {
   ExpectHonestWorks(daemon);
 }
 
+TEST(Hostile, WhoeverStopsIsClosed) {
+  Daemon daemon;
+  daemon.Start();
+  std::vector<int> stopped;
+  for (const std::string& bytes :
+       {std::string(), kGreeting.substr(0, 3), kGreeting + "K", kGreeting + Header(6) + "half",
+        kGreeting + Header(7) + std::string(511, 'x')}) {
+    stopped.push_back(daemon.ConnectRaw());
+    SendBytes(stopped.back(), bytes);
+  }
+  ExpectHonestWorks(daemon);
+  for (const int fd : stopped) {
+    EXPECT_LE(ReadBytes(fd, 100).size(), 1U);  // up to the end
+    char byte;
+    EXPECT_EQ(recv(fd, &byte, 1, MSG_DONTWAIT), 0);
+    close(fd);
+  }
+}
+
+TEST(Hostile, TheDiskIsFull) {
+  signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit = {200000, 200000};
+  Daemon daemon;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+  daemon.Start({"--rate", "0"});
+  const int fd = daemon.Connect();
+  uint8_t id[16];
+  EXPECT_EQ(Send(fd, "", std::string(500000, 'x'), id), NC_STATUS_STORAGE);
+  EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
+  EXPECT_EQ(Send(fd, "", std::string(150000, 'x'), id), NC_STATUS_DONE);
+  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  NC_Disconnect(fd);
+}
+
 TEST(Hostile, MoreConnectionsThanItTakes) {
   rlimit limit;
   getrlimit(RLIMIT_NOFILE, &limit);
