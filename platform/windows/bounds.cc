@@ -32,8 +32,6 @@ SizeLimits LimitsOf(const Window& w) {
     l.min_width = l.max_width = w.content.width();
     l.min_height = l.max_height = w.content.height();
   }
-  if (l.max_width == 0) l.max_width = ScreenWidth();
-  if (l.max_height == 0) l.max_height = ScreenHeight();
   return l;
 }
 
@@ -125,8 +123,8 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
     SizeLimits& l = w->limits;
     l.min_width = std::min(l.min_width, content.width());
     l.min_height = std::min(l.min_height, content.height());
-    if (l.max_width) l.max_width = std::max(l.max_width, content.width());
-    if (l.max_height) l.max_height = std::max(l.max_height, content.height());
+    l.max_width = std::max(l.max_width, content.width());
+    l.max_height = std::max(l.max_height, content.height());
   }
   TakeBounds(w, content);
   w->refused = {};

@@ -64,7 +64,8 @@ void SetFrontProcess();
 void SetWindowTitle(WindowRef w, const char* utf8);
 void SetWindowModified(WindowRef w, bool modified);
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
-// Content size limits and steps in logical pixels; step 0 means any size.
+// Content size limits and steps in logical pixels; maximum 0 means the screen's size, step 0 any
+// size.
 struct SizeLimits {
   int min_width = 0, min_height = 0, max_width = 0, max_height = 0, step_x = 0, step_y = 0;
 };

@@ -117,7 +117,8 @@ bool XServer::StartManager(const std::string& name) {
   return manager_ > 0 && Eventually([&] {
            const auto check = user.Words(user.root(), "_NET_SUPPORTING_WM_CHECK");
            return check.size() == 1 && !user.Words(check[0], "_NET_SUPPORTING_WM_CHECK").empty();
-         });
+         }) &&
+         user.ProbeManager();
 }
 
 XUser::XUser() {
@@ -127,6 +128,24 @@ XUser::XUser() {
 
 XUser::~XUser() {
   xcb_disconnect(c_);
+}
+
+// A manager that has only just started may have read a request and wait for the next event before it
+// looks at it: a first window of our own is brought up with such events, and taken away again.
+bool XUser::ProbeManager() {
+  const xcb_window_t probe = xcb_generate_id(c_);
+  xcb_create_window(c_, XCB_COPY_FROM_PARENT, probe, root(), 0, 0, 10, 10, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_map_window(c_, probe);
+  const bool shown = Eventually([&] {
+    const uint32_t word = 0;
+    xcb_change_property(c_, XCB_PROP_MODE_REPLACE, root(), Atom("_NET_DESKTOP_LAYOUT"),
+                        XCB_ATOM_CARDINAL, 32, 1, &word);
+    return Viewable(probe);
+  });
+  xcb_destroy_window(c_, probe);
+  Sync();
+  return shown;
 }
 
 void XUser::Sync() {

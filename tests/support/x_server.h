@@ -75,6 +75,8 @@ class XUser {
   // A request to the window manager, as pagers and menus make it.
   void Ask(xcb_window_t window, const char* type, const std::vector<uint32_t>& data);
   Screenshot Look();
+  // Waits until a manager that has been started shows new windows.
+  bool ProbeManager();
   // Waits until the server has carried out what was sent.
   void Sync();
 
