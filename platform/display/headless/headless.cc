@@ -171,7 +171,20 @@ int FileDescriptor() {
   return -1;
 }
 
+// XW_SNAPSHOT=FILE: whenever the program comes to rest and has shown something new, the file gets
+// the picture of its first window. Written beside it first, so that readers never see half of one.
+void WriteSnapshot() {
+  static const char* path = getenv("XW_SNAPSHOT");
+  static int written = 0;
+  State& s = Headless();
+  if (!path || s.counts.presents == written || s.stack.empty()) return;
+  written = s.counts.presents;
+  std::string beside = std::string(path) + ".part";
+  if (WritePng(TakePicture(s.stack.back()), beside)) rename(beside.c_str(), path);
+}
+
 void Wait(double seconds) {
+  WriteSnapshot();
   State& s = Headless();
   if (s.stepped) {
     if (seconds >= 0) {

@@ -2,7 +2,8 @@
 // be stepped by hand, a snapshot is a PNG. For tests, recordings and machines without a screen.
 //
 // XW_SCALE sets the scale (device pixels per logical pixel, default 1), XW_SCREEN the screen's size
-// as WIDTHxHEIGHT in device pixels (default 1280x1024).
+// as WIDTHxHEIGHT in device pixels (default 1280x1024), XW_SNAPSHOT a PNG file that follows the
+// picture of the program's first window.
 //
 // Coordinates are logical and global unless said otherwise. What is injected waits, in order, until
 // the loop takes it in. Calls before the display is open are ignored.
