@@ -114,11 +114,7 @@ bool XServer::StartManager(const std::string& name) {
     manager_ = Start({name}, -1);
   }
   XUser user;
-  return manager_ > 0 && Eventually([&] {
-           const auto check = user.Words(user.root(), "_NET_SUPPORTING_WM_CHECK");
-           return check.size() == 1 && !user.Words(check[0], "_NET_SUPPORTING_WM_CHECK").empty();
-         }) &&
-         user.ProbeManager();
+  return manager_ > 0 && Eventually([&] { return user.IsManaged(); });
 }
 
 XUser::XUser() {
@@ -132,22 +128,6 @@ XUser::~XUser() {
 
 // A manager that has only just started may have read a request and wait for the next event before it
 // looks at it: a first window of our own is brought up with such events, and taken away again.
-bool XUser::ProbeManager() {
-  const xcb_window_t probe = xcb_generate_id(c_);
-  xcb_create_window(c_, XCB_COPY_FROM_PARENT, probe, root(), 0, 0, 10, 10, 0,
-                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-  xcb_map_window(c_, probe);
-  const bool shown = Eventually([&] {
-    const uint32_t word = 0;
-    xcb_change_property(c_, XCB_PROP_MODE_REPLACE, root(), Atom("_NET_DESKTOP_LAYOUT"),
-                        XCB_ATOM_CARDINAL, 32, 1, &word);
-    return Viewable(probe);
-  });
-  xcb_destroy_window(c_, probe);
-  Sync();
-  return shown;
-}
-
 void XUser::Sync() {
   Reply r(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
 }
@@ -186,6 +166,22 @@ void XUser::Key(uint32_t keysym, bool down) {
 void XUser::Type(uint32_t keysym) {
   Key(keysym, true);
   Key(keysym, false);
+}
+
+bool XUser::IsManaged() {
+  const xcb_window_t probe = xcb_generate_id(c_);
+  xcb_create_window(c_, XCB_COPY_FROM_PARENT, probe, root(), 0, 0, 20, 20, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_map_window(c_, probe);
+  bool managed = false;
+  for (int i = 0; i < 40 && !managed; ++i) {
+    const timespec pause{0, 5000000};
+    nanosleep(&pause, nullptr);
+    managed = Viewable(probe) && Frame(probe) != probe;
+  }
+  xcb_destroy_window(c_, probe);
+  // Gone for the manager too.
+  return Eventually([&] { return Words(root(), "_NET_CLIENT_LIST").empty(); }) && managed;
 }
 
 xcb_window_t XUser::Search(xcb_window_t in, const std::string& title) {

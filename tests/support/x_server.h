@@ -66,6 +66,8 @@ class XUser {
     int x, y, width, height;
   };
   Geometry Where(xcb_window_t window);
+  // A window manager takes care of a window that is made now.
+  bool IsManaged();
   bool Viewable(xcb_window_t window);
   xcb_window_t Focus();
   // 32-bit words of a property; text of one.
@@ -75,8 +77,6 @@ class XUser {
   // A request to the window manager, as pagers and menus make it.
   void Ask(xcb_window_t window, const char* type, const std::vector<uint32_t>& data);
   Screenshot Look();
-  // Waits until a manager that has been started shows new windows.
-  bool ProbeManager();
   // Waits until the server has carried out what was sent.
   void Sync();
 

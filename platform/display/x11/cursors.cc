@@ -151,6 +151,7 @@ bool GrabPointer(WindowRef w, CursorRef cursor) {
   Native* n = NativeOf(w);
   if (n == nullptr) {
     xcb_ungrab_pointer(x.c, XCB_CURRENT_TIME);
+    xcb_flush(x.c);  // others wait for the pointer
     return true;
   }
   constexpr uint16_t kMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |

@@ -115,6 +115,8 @@ void OnProperty(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_property_notify_event_t>(event);
   if (e->atom == Atom(kNetFrameExtents)) {
     if (Native* n = FindNative(e->window)) ReadFrameExtents(n);
+  } else if (e->atom == Atom(kNetWmState)) {
+    if (Native* n = FindNative(e->window)) ReadStates(n);
   } else if ((e->window == x.screen->root && e->atom == XCB_ATOM_RESOURCE_MANAGER) ||
              (e->window == x.settings_owner && e->atom == Atom(kXsettingsSettings))) {
     RefreshScreens();

@@ -192,8 +192,27 @@ void SetHints(WindowRef w) {
   SetProperty(n->id, Atom(kNetWmWindowType), XCB_ATOM_ATOM, &x.atoms[style.type], 1);
   SetMotifHints(*n, style);
   SetTransient(*n, style);
-  SetSizeHints(*n);
+  // On the way out of full screen the size that the record has is still the screen's: the hints
+  // wait for the one that comes back.
+  const bool leaving = n->mapped && (n->states & ~WishedStates(*w) & kStateFullScreen) != 0;
+  if (!leaving) SetSizeHints(*n);
   if (n->mapped) AskStates(n);
+}
+
+void ReadStates(Native* n) {
+  auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetWmState), XCB_ATOM_ATOM, 0, 64);
+  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
+  bool full = false;
+  if (reply && reply->format == 32) {
+    const auto* atoms = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.p));
+    const xcb_atom_t* end = atoms + xcb_get_property_value_length(reply.p) / 4;
+    full = std::find(atoms, end, Atom(kNetWmStateFullscreen)) != end;
+  }
+  if (n->full_screen && !full) {
+    n->w->state &= ~uint32_t{kStateFullScreen};
+    n->states &= ~uint32_t{kStateFullScreen};
+  }
+  n->full_screen = full;
 }
 
 void WriteStates(Native* n) {

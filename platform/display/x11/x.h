@@ -149,6 +149,8 @@ void SetHints(WindowRef w);
 void SetSizeHints(const Native& n);
 // The state property of a window that is about to be mapped.
 void WriteStates(Native* n);
+// The states as the window manager has them: the user may have ended full screen there.
+void ReadStates(Native* n);
 // The window manager's frame, into the record.
 void ReadFrameExtents(Native* n);
 void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],

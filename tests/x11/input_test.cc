@@ -1,0 +1,292 @@
+// A user at the keyboard and the pointer, with and without a window manager.
+#include "platform/display/x11/x.h"
+#include "tests/x11/session.h"
+
+namespace x11_test {
+namespace {
+
+using namespace platform;
+
+constexpr uint32_t kShiftL = 0xFFE1, kControlL = 0xFFE3, kAltL = 0xFFE9, kSuperL = 0xFFEB;
+
+class Reports : public X11Test {
+ protected:
+  // Everything that the display says until `done`, untranslated.
+  bool Collect(const std::function<bool()>& done) {
+    return support::Eventually([&] {
+      RawEvent raw;
+      while (kX11Display.next_event(&raw)) {
+        if (raw.type == RawEvent::kFocusIn || raw.type == RawEvent::kFocusOut) {
+          HandleFocus(raw.window, raw.type == RawEvent::kFocusIn);
+        }
+        reports.push_back(raw);
+      }
+      return done();
+    });
+  }
+  bool Wait(RawEvent::Type type, size_t count = 1) {
+    return Collect([&] { return Of(type).size() >= count; });
+  }
+  std::vector<RawEvent> Of(RawEvent::Type type) const {
+    std::vector<RawEvent> found;
+    for (const RawEvent& r : reports) {
+      if (r.type == type) found.push_back(r);
+    }
+    return found;
+  }
+  // A focused window with the pointer in it.
+  WindowRef Ready() {
+    WindowRef w = Show("Input", {100, 124, 300, 300});
+    user().Move(150, 200);
+    SelectWindow(w);
+    RunUntil([&] { return w->focused; });
+    Settle();
+    user().Sync();
+    reports.clear();
+    return w;
+  }
+  std::vector<RawEvent> reports;
+};
+
+TEST_F(Reports, FiveButtonsAndAWheel) {
+  Start();
+  Ready();
+  for (int button : {1, 3, 2, 8, 9}) user().Click(button);
+  for (int button : {4, 5, 6, 7}) user().Click(button);
+  ASSERT_TRUE(Wait(RawEvent::kScroll, 4));
+  const auto presses = Of(RawEvent::kPress), releases = Of(RawEvent::kRelease);
+  ASSERT_EQ(presses.size(), 5u);
+  ASSERT_EQ(releases.size(), 5u);
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(presses[size_t(i)].button, i + 1);
+    EXPECT_EQ(releases[size_t(i)].button, i + 1);
+    EXPECT_EQ(presses[size_t(i)].x, 50);
+    EXPECT_EQ(presses[size_t(i)].y, 100);  // the strip is part of the buffer
+    EXPECT_EQ(presses[size_t(i)].root_y, 200);
+  }
+  const auto scrolls = Of(RawEvent::kScroll);
+  EXPECT_LT(scrolls[0].dy, 0);
+  EXPECT_GT(scrolls[1].dy, 0);
+  EXPECT_LT(scrolls[2].dx, 0);
+  EXPECT_GT(scrolls[3].dx, 0);
+}
+
+TEST_F(Reports, MotionFollowsAPressOutOfTheWindow) {
+  Start();
+  Ready();
+  user().Button(1, true);
+  user().Move(500, 600);
+  user().Button(1, false);
+  ASSERT_TRUE(Wait(RawEvent::kRelease));
+  EXPECT_EQ(Of(RawEvent::kMotion).back().x, 400);
+  EXPECT_EQ(Of(RawEvent::kRelease)[0].root_y, 600);
+}
+
+TEST_F(Reports, AGrabTakesThePointerEverywhere) {
+  Start();
+  WindowRef w = Ready();
+  ASSERT_TRUE(kX11Display.grab_pointer(w, nullptr));
+  user().Move(800, 650);
+  user().Click(1);
+  ASSERT_TRUE(Wait(RawEvent::kRelease));
+  EXPECT_EQ(Of(RawEvent::kPress)[0].window, w);
+  EXPECT_EQ(Of(RawEvent::kPress)[0].x, 700);
+  kX11Display.grab_pointer(nullptr, nullptr);
+  kX11Display.flush(true);
+  reports.clear();
+  user().Click(1);
+  user().Move(150, 200);
+  ASSERT_TRUE(Wait(RawEvent::kMotion));
+  EXPECT_TRUE(Of(RawEvent::kPress).empty());
+}
+
+TEST_F(Reports, KeysCarrySymbolBaseAndCharacter) {
+  Start();
+  Ready();
+  struct Row {
+    uint32_t with, key, keysym, base, unicode, modifiers;
+  };
+  const Row rows[] = {
+      {0, 'a', 'a', 'a', 'a', 0},
+      {kShiftL, 'a', 'A', 'a', 'A', shiftKey},
+      {kShiftL, '1', '!', '1', '!', shiftKey},
+      {kControlL, 'a', 'a', 'a', 'a', controlKey},
+      {kAltL, 'a', 'a', 'a', 'a', optionKey},
+      {kSuperL, 'a', 'a', 'a', 'a', cmdKey},
+      {0, 0xFF0D, 0xFF0D, 0xFF0D, 13, 0},
+      {0, 0xFF1B, 0xFF1B, 0xFF1B, 27, 0},
+      {0, 0xFFBE, 0xFFBE, 0xFFBE, 0, 0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.keysym);
+    reports.clear();
+    if (row.with != 0) user().Key(row.with, true);
+    user().Type(row.key);
+    if (row.with != 0) user().Key(row.with, false);
+    ASSERT_TRUE(Wait(RawEvent::kKeyUp, row.with != 0 ? 2 : 1));
+    const RawEvent e = Of(RawEvent::kKeyDown).back();
+    EXPECT_EQ(e.keysym, row.keysym);
+    EXPECT_EQ(e.base_keysym, row.base);
+    EXPECT_EQ(e.unicode, row.unicode);
+    EXPECT_EQ(e.modifiers, row.modifiers);
+    if (row.with != 0) {
+      ASSERT_TRUE(Wait(RawEvent::kModifiers, 2));
+      EXPECT_EQ(Of(RawEvent::kModifiers)[0].modifiers, row.modifiers);
+      EXPECT_EQ(Of(RawEvent::kModifiers)[1].modifiers, 0u);
+    }
+  }
+}
+
+TEST_F(Reports, AHeldKeyRepeatsWithoutReleases) {
+  Start();
+  Ready();
+  user().Key('x', true);
+  ASSERT_TRUE(Wait(RawEvent::kKeyRepeat, 3));
+  EXPECT_EQ(Of(RawEvent::kKeyDown).size(), 1u);
+  EXPECT_TRUE(Of(RawEvent::kKeyUp).empty());
+  user().Key('x', false);
+  ASSERT_TRUE(Wait(RawEvent::kKeyUp));
+}
+
+// The release of a held key goes elsewhere: the program is told all the same.
+TEST_F(Reports, LosingTheFocusEndsHeldKeys) {
+  Start();
+  Ready();
+  user().Key('x', true);
+  ASSERT_TRUE(Wait(RawEvent::kKeyDown));
+  xcb_set_input_focus(user().connection(), XCB_INPUT_FOCUS_NONE, XCB_NONE, XCB_CURRENT_TIME);
+  user().Sync();
+  ASSERT_TRUE(Wait(RawEvent::kFocusOut));
+  EXPECT_EQ(Of(RawEvent::kKeyUp).size(), 1u);
+  user().Key('x', false);
+}
+
+// Gives the key that types `from` other symbols, as a change of layout does.
+void Remap(support::XUser& user, uint32_t from, uint32_t to, uint32_t shifted) {
+  xcb_connection_t* c = user.connection();
+  const uint8_t first = xcb_get_setup(c)->min_keycode, last = xcb_get_setup(c)->max_keycode;
+  auto* map = xcb_get_keyboard_mapping_reply(
+      c, xcb_get_keyboard_mapping(c, first, uint8_t(last - first + 1)), nullptr);
+  const xcb_keysym_t* syms = xcb_get_keyboard_mapping_keysyms(map);
+  for (int i = 0; i <= last - first; ++i) {
+    if (syms[i * map->keysyms_per_keycode] != from) continue;
+    const xcb_keysym_t pair[2] = {to, shifted};
+    xcb_change_keyboard_mapping(c, 1, uint8_t(first + i), 2, pair);
+  }
+  free(map);
+  user.Sync();
+}
+
+TEST_F(Reports, AChangeOfLayoutIsFollowed) {
+  Start();
+  Ready();
+  user().Type('a');
+  ASSERT_TRUE(Wait(RawEvent::kKeyUp));
+  Remap(user(), 'a', 0x6C6, 0x6E6);  // Cyrillic ef
+  user().Type(0x6C6);
+  ASSERT_TRUE(Wait(RawEvent::kKeyUp, 2));
+  EXPECT_EQ(Of(RawEvent::kKeyDown)[0].unicode, uint32_t('a'));
+  EXPECT_EQ(Of(RawEvent::kKeyDown)[1].unicode, 0x444u);
+}
+
+TEST_F(Reports, DeadAndComposeKeysMakeOneCharacter) {
+  Start();
+  Ready();
+  Remap(user(), 'q', 0xFE51, 0xFE51);  // dead acute
+  Remap(user(), 'w', 0xFF20, 0xFF20);  // compose
+  for (uint32_t key : {0xFE51u, uint32_t('e'), 0xFF20u, uint32_t('a'), uint32_t('e'),
+                       uint32_t('e')}) {
+    user().Type(key);
+  }
+  ASSERT_TRUE(Wait(RawEvent::kKeyUp, 6));
+  const auto down = Of(RawEvent::kKeyDown);
+  ASSERT_EQ(down.size(), 6u);
+  const uint32_t characters[] = {0, 0xE9, 0, 0, 0xE6, 'e'};
+  for (size_t i = 0; i < 6; ++i) EXPECT_EQ(down[i].unicode, characters[i]) << i;
+  EXPECT_EQ(down[1].keysym, 0xE9u);
+  EXPECT_EQ(Of(RawEvent::kKeyUp)[1].keysym, 0xE9u);
+}
+
+TEST_F(Reports, TimesAreOnOurClock) {
+  Start();
+  Ready();
+  const double before = GetCurrentEventTime();
+  user().Click(1);
+  ASSERT_TRUE(Wait(RawEvent::kRelease));
+  const double after = GetCurrentEventTime();
+  for (RawEvent::Type type : {RawEvent::kPress, RawEvent::kRelease}) {
+    EXPECT_GE(Of(type)[0].time, before - 0.5);
+    EXPECT_LE(Of(type)[0].time, after);
+  }
+}
+
+// A file dropped by another program: the whole conversation.
+TEST_F(Reports, ADroppedFileIsOpened) {
+  Start();
+  WindowRef w = Ready();
+  const xcb_window_t target = x11::NativeOf(w)->id;
+  xcb_connection_t* c = user().connection();
+  const xcb_window_t source = xcb_generate_id(c);
+  xcb_create_window(c, 0, source, user().root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
+                    nullptr);
+  EXPECT_EQ(user().Words(target, "XdndAware"), std::vector<uint32_t>{5});
+  xcb_set_selection_owner(c, source, user().Atom("XdndSelection"), XCB_CURRENT_TIME);
+  auto send = [&](const char* type, std::vector<uint32_t> data) {
+    xcb_client_message_event_t m{};
+    m.response_type = XCB_CLIENT_MESSAGE;
+    m.format = 32;
+    m.window = target;
+    m.type = user().Atom(type);
+    std::copy(data.begin(), data.end(), m.data.data32);
+    xcb_send_event(c, 0, target, 0, reinterpret_cast<const char*>(&m));
+    user().Sync();
+  };
+  std::vector<std::string> answers;
+  const std::string list = "# list\r\nfile:///tmp/a%20file.txt\r\nfile:///second\r\n";
+  auto serve = [&] {
+    while (auto* e = xcb_poll_for_event(c)) {
+      if ((e->response_type & 0x7F) == XCB_CLIENT_MESSAGE) {
+        auto* m = reinterpret_cast<xcb_client_message_event_t*>(e);
+        answers.push_back((m->type == user().Atom("XdndStatus") ? "status " : "finished ") +
+                          std::to_string(m->data.data32[1]));
+      } else if ((e->response_type & 0x7F) == XCB_SELECTION_REQUEST) {
+        auto* r = reinterpret_cast<xcb_selection_request_event_t*>(e);
+        xcb_change_property(c, XCB_PROP_MODE_REPLACE, r->requestor, r->property, r->target, 8,
+                            uint32_t(list.size()), list.data());
+        xcb_selection_notify_event_t n{};
+        n.response_type = XCB_SELECTION_NOTIFY;
+        n.requestor = r->requestor;
+        n.selection = r->selection;
+        n.target = r->target;
+        n.property = r->property;
+        xcb_send_event(c, 0, r->requestor, 0, reinterpret_cast<const char*>(&n));
+        user().Sync();
+      }
+      free(e);
+    }
+  };
+  std::vector<std::string> paths;
+  auto until = [&](size_t count) {
+    return support::Eventually([&] {
+      RawEvent raw;
+      while (kX11Display.next_event(&raw)) {
+        if (raw.type == RawEvent::kOpenFile) paths.push_back(raw.path);
+      }
+      serve();
+      return answers.size() >= count;
+    });
+  };
+  send("XdndEnter", {source, 5u << 24, user().Atom("text/uri-list"), 0, 0});
+  send("XdndPosition", {source, 0, 150 << 16 | 200, 0, user().Atom("XdndActionCopy")});
+  ASSERT_TRUE(until(1));
+  send("XdndDrop", {source, 0, 0, 0, 0});
+  ASSERT_TRUE(until(2));
+  send("XdndEnter", {source, 5u << 24, user().Atom("image/png"), 0, 0});
+  send("XdndPosition", {source, 0, 150 << 16 | 200, 0, user().Atom("XdndActionCopy")});
+  ASSERT_TRUE(until(3));
+  EXPECT_EQ(answers, (std::vector<std::string>{"status 1", "finished 1", "status 0"}));
+  EXPECT_EQ(paths, std::vector<std::string>{"/tmp/a file.txt"});
+}
+
+}  // namespace
+}  // namespace x11_test

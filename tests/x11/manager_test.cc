@@ -1,0 +1,274 @@
+// Windows under a window manager: placement, focus, resizing, states.
+#include <algorithm>
+
+#include "platform/display/x11/x.h"
+#include "tests/x11/session.h"
+
+namespace x11_test {
+namespace {
+
+using namespace platform;
+
+class Managed : public X11Test {
+ protected:
+  xcb_window_t Id(WindowRef w) { return x11::NativeOf(w)->id; }
+  bool HasState(WindowRef w, const char* state) {
+    const auto all = user().Words(Id(w), "_NET_WM_STATE");
+    return std::find(all.begin(), all.end(), user().Atom(state)) != all.end();
+  }
+  // By hand, in steps that the manager can follow.
+  void Drag(int x, int y, int dx, int dy) {
+    user().Move(x, y);
+    user().Button(1, true);
+    for (int step = 1; step <= 4; ++step) {
+      Settle();
+      user().Move(x + dx * step / 4, y + dy * step / 4);
+    }
+    Settle();
+    user().Button(1, false);
+    Settle();
+  }
+  // Where the server has the content, against where the record says it is.
+  void ExpectBoundsAgree(WindowRef w) {
+    const auto at = user().Where(Id(w));
+    EXPECT_EQ(w->content.left, at.x);
+    EXPECT_EQ(w->content.top, at.y + w->strip);
+    EXPECT_EQ(w->content.width(), at.width);
+    EXPECT_EQ(w->content.height() + w->strip, at.height);
+  }
+  // From the top-level frame's bottom window up: is `a` above `b`?
+  bool Above(WindowRef a, WindowRef b) {
+    xcb_connection_t* c = user().connection();
+    auto* tree = xcb_query_tree_reply(c, xcb_query_tree(c, user().root()), nullptr);
+    const xcb_window_t* all = xcb_query_tree_children(tree);
+    const xcb_window_t fa = user().Frame(Id(a)), fb = user().Frame(Id(b));
+    int at_a = -1, at_b = -1;
+    for (int i = 0; i < xcb_query_tree_children_length(tree); ++i) {
+      if (all[i] == fa) at_a = i;
+      if (all[i] == fb) at_b = i;
+    }
+    free(tree);
+    return at_a > at_b;
+  }
+};
+
+TEST_F(Managed, AWindowComesWhereItWasAskedForAndTakesTheFocus) {
+  Start("openbox");
+  WindowRef w = Show("Placed", {200, 150, 500, 350});
+  EXPECT_TRUE(RunUntil([&] { return w->focused && w->frame.top > 0; }));
+  ExpectBoundsAgree(w);
+  EXPECT_EQ(w->content, (Rect{200, 150, 500, 350}));
+  EXPECT_EQ(user().Focus(), Id(w));
+  EXPECT_TRUE(IsApplicationActive());
+  EXPECT_EQ(user().Look().at(210, 160), 0x3366CCu);
+  EXPECT_EQ(GetWindowBounds(w, kWindowStructureRgn).top, 150 - 24 - w->frame.top);
+}
+
+TEST_F(Managed, MovesOfTheProgramLandExactly) {
+  Start("openbox");
+  WindowRef w = Show("Moved", {200, 150, 500, 350});
+  for (const Rect& r : {Rect{300, 200, 600, 400}, Rect{310, 220, 610, 420}, Rect{50, 90, 450, 290}}) {
+    SetWindowBounds(w, r);
+    Settle();
+    ExpectBoundsAgree(w);
+    EXPECT_EQ(w->content, r);
+  }
+}
+
+TEST_F(Managed, MovesOfTheUserAreFollowed) {
+  Start("openbox");
+  WindowRef w = Show("Dragged", {200, 150, 500, 350});
+  Settle();
+  const size_t drawn = Count(kEventClassWindow, kEventWindowDrawContent);
+  const auto frame = user().Where(user().Frame(Id(w)));
+  Drag(frame.x + frame.width / 2, frame.y + 8, 77, 61);
+  EXPECT_TRUE(RunUntil([&] { return w->content.left == 277; }));
+  Settle();
+  ExpectBoundsAgree(w);
+  EXPECT_GE(Count(kEventClassWindow, kEventWindowBoundsChanged), 1u);
+  EXPECT_EQ(Count(kEventClassWindow, kEventWindowDrawContent), drawn);
+}
+
+TEST_F(Managed, ResizesOfTheUserKeepToLimitsAndSteps) {
+  Start("openbox");
+  WindowRef w = Show("Resized", {200, 150, 503, 351});
+  SetWindowSizeLimits(w, {100, 100, 600, 500, 10, 20});
+  Settle();
+  auto drag = [&](int dx, int dy) {
+    const auto f = user().Where(user().Frame(Id(w)));
+    Drag(f.x + f.width - 2, f.y + f.height - 2, dx, dy);
+  };
+  drag(57, 35);
+  ExpectBoundsAgree(w);
+  EXPECT_GT(w->content.width(), 303);
+  EXPECT_EQ(w->content.width() % 10, 3);
+  EXPECT_EQ(w->content.height() % 20, 1);
+  drag(-500, -400);
+  ExpectBoundsAgree(w);
+  EXPECT_GE(w->content.width(), 100);
+  EXPECT_LT(w->content.width(), 110);
+  EXPECT_GE(w->content.height(), 100);
+  EXPECT_LT(w->content.height(), 120);
+  // The grown picture is whole on the screen.
+  drag(200, 100);
+  const auto at = user().Where(Id(w));
+  EXPECT_EQ(user().Look().at(at.x + at.width - 1, at.y + at.height - 1), 0x3366CCu);
+}
+
+TEST_F(Managed, AFixedWindowCannotBeResizedButByTheProgram) {
+  Start("openbox");
+  WindowRef w = Show("Fixed", {200, 150, 500, 350});
+  const auto f = user().Where(user().Frame(Id(w)));
+  Drag(f.x + f.width - 2, f.y + f.height - 2, 50, 50);
+  EXPECT_EQ(w->content, (Rect{200, 150, 500, 350}));
+  SetWindowBounds(w, {200, 150, 560, 390});
+  Settle();
+  ExpectBoundsAgree(w);
+  EXPECT_EQ(w->content.width(), 360);
+}
+
+TEST_F(Managed, CloseAsksAndDoesNothing) {
+  Start("openbox");
+  WindowRef w = Show("Closed", {200, 150, 500, 350});
+  user().Ask(Id(w), "_NET_CLOSE_WINDOW", {0, 2});
+  EXPECT_TRUE(RunUntil([&] { return Count(kEventClassWindow, kEventWindowClose) == 1; }));
+  Settle();
+  EXPECT_TRUE(user().Viewable(Id(w)));
+  EXPECT_EQ(Count(kEventClassWindow, kEventWindowClose), 1u);
+}
+
+TEST_F(Managed, SelectingRaisesAndActivates) {
+  Start("openbox");
+  WindowRef a = Show("A", {200, 150, 500, 350}), b = Show("B", {300, 200, 600, 400});
+  EXPECT_TRUE(RunUntil([&] { return b->focused && !a->focused; }));
+  EXPECT_TRUE(Above(b, a));
+  ActivateWindow(a, true);  // the look only
+  Settle();
+  EXPECT_TRUE(Above(b, a));
+  SelectWindow(a);
+  EXPECT_TRUE(RunUntil([&] { return a->focused && !b->focused; }));
+  EXPECT_EQ(user().Focus(), Id(a));
+  EXPECT_TRUE(RunUntil([&] { return Above(a, b); }));
+  EXPECT_EQ(Count(kEventClassApplication, kEventAppDeactivated), 0u);
+}
+
+TEST_F(Managed, TheApplicationIsActiveWhileOneOfItsWindowsIs) {
+  Start("openbox");
+  WindowRef w = Show("Mine", {200, 150, 500, 350});
+  EXPECT_TRUE(RunUntil([&] { return Count(kEventClassApplication, kEventAppActivated) == 1; }));
+  xcb_set_input_focus(user().connection(), XCB_INPUT_FOCUS_NONE, user().root(), XCB_CURRENT_TIME);
+  user().Sync();
+  EXPECT_TRUE(RunUntil([&] { return Count(kEventClassApplication, kEventAppDeactivated) == 1; }));
+  EXPECT_FALSE(w->focused);
+}
+
+TEST_F(Managed, AlertsStayAboveTheFirstWindow) {
+  Start("openbox");
+  WindowRef first = Show("First", {200, 150, 700, 550});
+  WindowRef alert = Show("Alert", {300, 250, 500, 350}, kAlertWindowClass);
+  SelectWindow(first);
+  Settle();
+  EXPECT_TRUE(Above(alert, first));
+  WindowRef modal = CreateNewWindow(kAlertWindowClass, 0, {320, 270, 520, 370});
+  SetWindowGroup(modal, GetWindowGroupOfClass(kModalWindowClass));
+  ShowWindow(modal);
+  EXPECT_TRUE(RunUntil([&] { return HasState(modal, "_NET_WM_STATE_MODAL"); }));
+}
+
+TEST_F(Managed, FullScreenIsTheDesktops) {
+  Start("openbox");
+  WindowRef w = Show("Full", {200, 150, 500, 350});
+  SetSystemUIMode(kUIModeContentSuppressed, 0);
+  EXPECT_TRUE(RunUntil([&] { return w->content.width() == 1024; }));
+  Settle();
+  EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
+  EXPECT_EQ(w->content.height() + w->strip, 768);
+  EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
+  SetSystemUIMode(kUIModeNormal, 0);
+  SetWindowBounds(w, {200, 150, 500, 350});
+  EXPECT_TRUE(RunUntil([&] { return user().Where(Id(w)).width == 300; }));
+  Settle();
+  ExpectBoundsAgree(w);
+  EXPECT_FALSE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
+  // The user ends it with a key of the window manager's.
+  SetSystemUIMode(kUIModeContentSuppressed, 0);
+  EXPECT_TRUE(RunUntil([&] { return w->content.width() == 1024; }));
+  user().Ask(Id(w), "_NET_WM_STATE", {0, user().Atom("_NET_WM_STATE_FULLSCREEN"), 0, 2});
+  EXPECT_TRUE(RunUntil([&] { return w->content.width() == 300; }));
+  Settle();
+  ExpectBoundsAgree(w);
+  EXPECT_EQ(w->state, 0u);
+}
+
+TEST_F(Managed, BorderlessWindowsHaveNoFrame) {
+  Start("openbox");
+  Show("First", {200, 150, 500, 350});
+  for (int window_class : {kToolbarWindowClass, kSimpleWindowClass}) {
+    WindowRef w = Show("Bare", {550, 150, 650, 250}, window_class);
+    Settle();
+    EXPECT_EQ(w->frame, (Rect{0, 0, 0, 0})) << window_class;
+    EXPECT_EQ(w->content, (Rect{550, 150, 650, 250})) << window_class;
+    ExpectBoundsAgree(w);
+    DisposeWindow(w);
+  }
+}
+
+TEST_F(Managed, DockedWindowsStayAboveAndOffTheTaskBar) {
+  Start("openbox");
+  WindowRef first = Show("First", {200, 150, 500, 350});
+  WindowRef docked = CreateNewWindow(kSimpleWindowClass, 0, {500, 150, 600, 350});
+  WindowGroupRef group = CreateWindowGroup(15);
+  SetWindowGroup(first, group);
+  SetWindowGroup(docked, group);
+  SetWindowBackgroundColor(docked, 0x00AA00);
+  ShowWindow(docked);
+  Settle();
+  EXPECT_TRUE(HasState(docked, "_NET_WM_STATE_SKIP_TASKBAR"));
+  SelectWindow(first);
+  Settle();
+  EXPECT_TRUE(Above(docked, first));
+  SetWindowBounds(first, {260, 190, 560, 390});
+  EXPECT_TRUE(RunUntil([&] { return user().Where(Id(docked)).x == 560; }));
+  EXPECT_EQ(user().Where(Id(docked)).y, 190);
+}
+
+TEST_F(Managed, HiddenAndIconifiedWindowsComeBackWhole) {
+  Start("openbox");
+  WindowRef w = Show("Hidden", {200, 150, 500, 350});
+  HideWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
+  ShowWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
+  Settle();
+  ExpectBoundsAgree(w);
+  EXPECT_EQ(user().Look().at(499, 349), 0x3366CCu);
+  user().Ask(Id(w), "WM_CHANGE_STATE", {3});
+  EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
+  SelectWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
+  Settle();
+  EXPECT_EQ(user().Look().at(499, 349), 0x3366CCu);
+}
+
+TEST_F(Managed, PingsAreAnswered) {
+  Start("openbox");
+  WindowRef w = Show("Pinged", {200, 150, 500, 350});
+  const auto protocols = user().Words(Id(w), "WM_PROTOCOLS");
+  EXPECT_EQ(protocols, (std::vector<uint32_t>{user().Atom("WM_DELETE_WINDOW"),
+                                              user().Atom("_NET_WM_PING")}));
+}
+
+TEST_F(Managed, ASecondManagerDoesAsWell) {
+  Start("icewm");
+  WindowRef w = Show("Other", {200, 150, 500, 350});
+  EXPECT_TRUE(RunUntil([&] { return w->focused && w->frame.top > 0; }));
+  ExpectBoundsAgree(w);
+  SetWindowBounds(w, {250, 180, 600, 400});
+  Settle();
+  ExpectBoundsAgree(w);
+  const auto at = user().Where(Id(w));
+  EXPECT_EQ(user().Look().at(at.x + at.width - 1, at.y + at.height - 1), 0x3366CCu);
+}
+
+}  // namespace
+}  // namespace x11_test
