@@ -44,7 +44,8 @@ int Clamp(int v, int low, int high) {
 Rect Constrained(WindowRef w, const Rect& reported) {
   if (reported.width() == w->content.width() && reported.height() == w->content.height())
     return reported;
-  if (w->state & kStateFullScreen) return reported;
+  // Full screen and the way back from it are the desktop's.
+  if ((w->state & kStateFullScreen) || w->full_bounds) return reported;
   SizeLimits l = LimitsOf(*w);
   Event e(kEventClassWindow, kEventWindowBoundsChanging, w);
   e.bounds.original = w->content;
@@ -128,6 +129,7 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   }
   TakeBounds(w, content);
   w->refused = {};
+  w->full_bounds = false;
   if (!SameSize(old, content)) CurrentDisplay()->set_hints(w);
   CurrentDisplay()->move_resize(w);
   MoveGroup(*w, content.left - old.left, content.top - old.top);
@@ -154,6 +156,9 @@ bool HandleConfigure(Event* event) {
     }
   }
   if (!(w->content == wanted)) TakeBounds(w, wanted);
+  const bool was_full = w->full_bounds;
+  w->full_bounds = (w->state & kStateFullScreen) != 0;
+  if (was_full && !w->full_bounds) CurrentDisplay()->set_hints(w);
   if (wanted == old) return false;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
   event->bounds.programmatic = event->bounds.placement && SameSize(old, wanted);

@@ -64,6 +64,7 @@ struct Window {
   void* native = nullptr;
   Rect frame;             // widths: left, top, right, bottom
   Rect refused;           // the last reported bounds that were answered with others
+  bool full_bounds = false;  // `content` is what full screen gave
   bool disposed = false;  // freed when the dispatch that destroyed it is over
 };
 

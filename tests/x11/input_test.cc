@@ -194,8 +194,8 @@ TEST_F(Reports, DeadAndComposeKeysMakeOneCharacter) {
   Ready();
   Remap(user(), 'q', 0xFE51, 0xFE51);  // dead acute
   Remap(user(), 'w', 0xFF20, 0xFF20);  // compose
-  for (uint32_t key : {0xFE51u, uint32_t('e'), 0xFF20u, uint32_t('a'), uint32_t('e'),
-                       uint32_t('e')}) {
+  for (uint32_t key :
+       {0xFE51u, uint32_t('e'), 0xFF20u, uint32_t('a'), uint32_t('e'), uint32_t('e')}) {
     user().Type(key);
   }
   ASSERT_TRUE(Wait(RawEvent::kKeyUp, 6));

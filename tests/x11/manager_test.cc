@@ -67,7 +67,8 @@ TEST_F(Managed, AWindowComesWhereItWasAskedForAndTakesTheFocus) {
 TEST_F(Managed, MovesOfTheProgramLandExactly) {
   Start("openbox");
   WindowRef w = Show("Moved", {200, 150, 500, 350});
-  for (const Rect& r : {Rect{300, 200, 600, 400}, Rect{310, 220, 610, 420}, Rect{50, 90, 450, 290}}) {
+  for (const Rect& r :
+       {Rect{300, 200, 600, 400}, Rect{310, 220, 610, 420}, Rect{50, 90, 450, 290}}) {
     SetWindowBounds(w, r);
     Settle();
     ExpectBoundsAgree(w);
@@ -96,7 +97,7 @@ TEST_F(Managed, ResizesOfTheUserKeepToLimitsAndSteps) {
   Settle();
   auto drag = [&](int dx, int dy) {
     const auto f = user().Where(user().Frame(Id(w)));
-    Drag(f.x + f.width - 2, f.y + f.height - 2, dx, dy);
+    Drag(f.x + f.width - 1, f.y + f.height - 1, dx, dy);
   };
   drag(57, 35);
   ExpectBoundsAgree(w);
@@ -119,7 +120,7 @@ TEST_F(Managed, AFixedWindowCannotBeResizedButByTheProgram) {
   Start("openbox");
   WindowRef w = Show("Fixed", {200, 150, 500, 350});
   const auto f = user().Where(user().Frame(Id(w)));
-  Drag(f.x + f.width - 2, f.y + f.height - 2, 50, 50);
+  Drag(f.x + f.width - 1, f.y + f.height - 1, 50, 50);
   EXPECT_EQ(w->content, (Rect{200, 150, 500, 350}));
   SetWindowBounds(w, {200, 150, 560, 390});
   Settle();
@@ -254,8 +255,8 @@ TEST_F(Managed, PingsAreAnswered) {
   Start("openbox");
   WindowRef w = Show("Pinged", {200, 150, 500, 350});
   const auto protocols = user().Words(Id(w), "WM_PROTOCOLS");
-  EXPECT_EQ(protocols, (std::vector<uint32_t>{user().Atom("WM_DELETE_WINDOW"),
-                                              user().Atom("_NET_WM_PING")}));
+  EXPECT_EQ(protocols,
+            (std::vector<uint32_t>{user().Atom("WM_DELETE_WINDOW"), user().Atom("_NET_WM_PING")}));
 }
 
 TEST_F(Managed, ASecondManagerDoesAsWell) {

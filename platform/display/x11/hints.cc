@@ -19,14 +19,14 @@ struct ClassStyle {
   int window_class;
   AtomIndex type;
   bool decorated;
-  bool transient;  // for the first window when the record names none
+  bool transient;  // kept above the window that the record names, else the first
 };
 constexpr ClassStyle kClassStyles[] = {
     {kAlertWindowClass, kNetWmWindowTypeDialog, true, true},
     {kModalWindowClass, kNetWmWindowTypeDialog, true, true},
-    {kFloatingWindowClass, kNetWmWindowTypeUtility, true, false},
+    {kFloatingWindowClass, kNetWmWindowTypeUtility, true, true},
     {kDocumentWindowClass, kNetWmWindowTypeNormal, true, false},
-    {kToolbarWindowClass, kNetWmWindowTypeUtility, false, false},
+    {kToolbarWindowClass, kNetWmWindowTypeUtility, false, true},
     {kSimpleWindowClass, kNetWmWindowTypeNormal, false, false},
 };
 constexpr ClassStyle kDockedStyle = {0, kNetWmWindowTypeUtility, false, true};
@@ -85,8 +85,10 @@ void SetMotifHints(const Native& n, const ClassStyle& style) {
 
 void SetTransient(const Native& n, const ClassStyle& style) {
   xcb_window_t parent = 0;
-  if (const Native* p = NativeOf(n.w->transient_for)) parent = p->id;
-  if (parent == 0 && style.transient) parent = x.leader;
+  if (style.transient) {
+    const Native* named = NativeOf(n.w->transient_for);
+    parent = named != nullptr ? named->id : x.leader;
+  }
   if (parent == 0 || parent == n.id) {
     xcb_delete_property(x.c, n.id, XCB_ATOM_WM_TRANSIENT_FOR);
   } else {

@@ -83,6 +83,7 @@ void DestroyNative(WindowRef w) {
   FreeBuffer(n);
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);
+  if (x.leader == n->id) x.leader = XCB_NONE;
   std::erase_if(x.out, [w](const RawEvent& e) { return e.window == w; });
   w->native = nullptr;
   delete n;

@@ -79,7 +79,8 @@ struct Native {
   bool bounds_known = false;
   bool reparented = false;
   bool mapped = false;
-  uint32_t states = 0;  // bits of kStateAtoms that the desktop was told
+  uint32_t states = 0;       // bits of kStateAtoms that the desktop was told
+  bool full_screen = false;  // as the desktop says
   xcb_cursor_t cursor = 0;
 };
 
