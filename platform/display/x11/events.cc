@@ -268,7 +268,7 @@ bool NextEvent(RawEvent* out) {
     Emit(RawEvent::kDisplayLost, nullptr);
   }
   if (x.out.empty()) {
-    if (x.shown && !x.lost) OpenLate();
+    if (x.idle && !x.lost) OpenLate();
     xcb_flush(x.c);
     return false;
   }

@@ -168,6 +168,7 @@ bool HandleSharedMemoryError(const xcb_generic_error_t* error) {
 
 void Flush(bool wait) {
   if (!wait) {
+    x.idle = x.shown;
     xcb_flush(x.c);
     return;
   }
