@@ -58,3 +58,14 @@ function(quorvik_optional_subdirectory dir)
     add_subdirectory(${dir})
   endif()
 endfunction()
+
+# quorvik_archives(VARIABLE NAMES...): the libraries as archives where there are any, since every
+# shared one is mapped and relocated at every start; a static archive costs what is used of it.
+function(quorvik_archives variable)
+  set(found)
+  foreach(library ${ARGN})
+    find_library(quorvik_lib_${library} NAMES lib${library}.a ${library} REQUIRED)
+    list(APPEND found ${quorvik_lib_${library}})
+  endforeach()
+  set(${variable} ${found} PARENT_SCOPE)
+endfunction()

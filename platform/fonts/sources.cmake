@@ -1,7 +1,9 @@
-pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+pkg_check_modules(FREETYPE REQUIRED freetype2)
 pkg_check_modules(FONTCONFIG REQUIRED fontconfig)
 # The font finder is opened at run time when it is needed, so only its header counts here.
-target_link_libraries(xw PUBLIC PkgConfig::FREETYPE ${CMAKE_DL_LIBS})
+quorvik_archives(xw_font_archives freetype png16 z brotlidec brotlicommon)
+target_include_directories(xw SYSTEM PUBLIC ${FREETYPE_INCLUDE_DIRS})
+target_link_libraries(xw PUBLIC ${xw_font_archives} ${CMAKE_DL_LIBS} m)
 target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/answers.cc
   ${CMAKE_CURRENT_LIST_DIR}/face.cc

@@ -1,5 +1,6 @@
-pkg_check_modules(PIXMAN REQUIRED IMPORTED_TARGET pixman-1)
-target_link_libraries(xw PUBLIC PkgConfig::PIXMAN)
+pkg_check_modules(PIXMAN REQUIRED pixman-1)
+quorvik_archives(xw_pixman_archives pixman-1)
+target_link_libraries(xw PUBLIC ${xw_pixman_archives} m Threads::Threads)
 target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/context.cc
   ${CMAKE_CURRENT_LIST_DIR}/fills.cc
@@ -8,3 +9,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/region.cc
   ${CMAKE_CURRENT_LIST_DIR}/shapes.cc
   ${CMAKE_CURRENT_LIST_DIR}/surface.cc)
+
+target_include_directories(xw SYSTEM PUBLIC ${PIXMAN_INCLUDE_DIRS})

@@ -12,12 +12,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc
   ${CMAKE_CURRENT_LIST_DIR}/x.cc)
 
-# The connection's libraries are small and their relocation at every start is not: archives where
-# there are any. xkbcommon is loaded with the first key (compose.cc).
-set(xw_x11_libraries xcb-cursor xcb-image xcb-render-util xcb-render xcb-util xcb-shm xcb-randr xcb-xkb
-  xcb-xinput xcb-xfixes xcb-icccm xcb Xau Xdmcp)
-foreach(library ${xw_x11_libraries})
-  find_library(xw_lib_${library} NAMES lib${library}.a ${library} REQUIRED)
-  list(APPEND xw_x11_archives ${xw_lib_${library}})
-endforeach()
+# xkbcommon is loaded with the first key (compose.cc).
+quorvik_archives(xw_x11_archives xcb-cursor xcb-image xcb-render-util xcb-render xcb-util xcb-shm
+  xcb-randr xcb-xkb xcb-xinput xcb-xfixes xcb-icccm xcb Xau Xdmcp)
 target_link_libraries(xw PUBLIC ${xw_x11_archives} ${CMAKE_DL_LIBS})
