@@ -468,6 +468,25 @@ char* XwTextFit(XwFont* font, const char* text, int width);
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background);
 
+/* File names, and whatever else comes as UTF-8, to the toolkit's characters and back. Both write at
+ * most `size` bytes with the ending zero, never a part of a character, and return the length. What
+ * the set lacks, and bytes that are not UTF-8, become '?'. Null text is the empty one; null `dst` or
+ * a size below 1 writes nothing and returns 0. */
+int XwFromUtf8(const char* utf8, char* dst, int size);
+int XwToUtf8(const char* text, char* dst, int size);
+
+/* ---- The desktop's colours by role, as colour values; a role that is none is the ink. */
+enum {
+  XWR_DOCUMENT, XWR_ROW, XWR_DIALOG, XWR_ALERT, XWR_UTILITY, XWR_TOOL_BAR, XWR_SIDE, XWR_STATUS,
+  XWR_INK, XWR_SECOND_INK, XWR_HAIRLINE, XWR_LINE, XWR_FACE, XWR_PRESSED, XWR_PRESSED_LINE,
+  XWR_ACCENT, XWR_DARK_ACCENT, XWR_INACTIVE_SELECTION, XWR_TRACK, XWR_PROGRESS_LINE, XWR_THUMB,
+  XWR_HELD_THUMB, XWR_SCROLL_GROUND, XWR_GOOD, XWR_WARNING, XWR_BAD, XW_ROLES
+};
+int32_t XwThemeColor(int role);
+/* A box with smooth round corners: filled, then outlined one pixel thin inside the same rectangle.
+ * -1 for either: not that. The radius is cut to half of the shorter side. */
+void XwRoundBox(int x, int y, int w, int h, int radius, int32_t fill, int32_t line);
+
 /* ---- Icons: small pictures of one bit a pixel, drawn in any pair of colours. */
 struct XwIcon {
   int32_t width, height; /* 1 to 32767; others draw nothing */

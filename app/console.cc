@@ -1,0 +1,465 @@
+#include "app/console.h"
+
+#include <cstdlib>
+
+#include "app/texts.h"
+
+namespace console {
+namespace {
+
+constexpr int kTimer = 1;
+constexpr int kMessageTicks = 60, kFolderTicks = 10;
+
+// The handlers of a window carry no argument of the program's: there is one console.
+Console* g_console;
+
+std::vector<Column> FileColumns() {
+  return {{"Name", 220, 1, Align::kLeft, true, 0, 12, 21},
+          {"Size", 110, 0, Align::kRight, true, 0, 12},
+          {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
+}
+
+std::vector<Column> QueueColumns() {
+  return {{"Document", 180, 4, Align::kLeft, false, 0, 14, 20},
+          {"Owner", 74, 1, Align::kLeft, false, 0, 8},
+          {"Printer", 112, 1, Align::kLeft, false, 0, 8},
+          {"Profile", 110, 1, Align::kLeft, false, 2, 8},
+          {"Progress", 210, 1, Align::kLeft, false, 0, 8},
+          {"Size", 82, 0, Align::kRight, false, 0, 8},
+          {"Submitted", 92, 0, Align::kLeft, false, 0, 14},
+          {"Priority", 72, 0, Align::kRight, false, 1, 14}};
+}
+
+// --- Drawing
+
+void AddAllHits(Console* c) {
+  c->hits.Begin();
+  AddToolsHits(c);
+  AddPlacesHits(c);
+  AddFolderHits(c);
+  AddQueueHits(c);
+  AddStatusHits(c);
+  if (c->list_open) AddPrinterListHits(c);
+  c->hits.End();
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height);
+  c->files.Place(c->layout.folder);
+  c->queue.Place(c->layout.queue);
+  c->damage |= kAllPanes;
+}
+
+// The pane that a hit lies in.
+unsigned PaneOf(const Hit& hit) {
+  switch (hit.owner) {
+    case kFiles:
+    case kCrumbs:
+      return kFolderPane;
+    case kQueue:
+    case kJobButtons:
+      return kQueuePane;
+    case kTools:
+      return kToolsPane;
+    case kPlaces:
+      return kPlacesPane;
+    case kStatus:
+      return kStatusPane;
+    default:
+      return 0;
+  }
+}
+
+void SetHover(Console* c, const Hit& hit) {
+  if (hit == c->hover) return;
+  c->damage |= PaneOf(c->hover) | PaneOf(hit);
+  c->hover = hit;
+  if (hit.owner == kPrinterList && c->list_open) {
+    c->list_row = hit.index;
+    c->damage |= kToolsPane;
+  }
+}
+
+void SetStop(Console* c, Stop stop) {
+  if (c->stop == stop) return;
+  c->stop = stop;
+  c->damage |= kToolsPane | kFolderPane | kQueuePane;
+}
+
+// What follows a change of the folder's selection.
+void FilesChanged(Console* c) {
+  c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
+}
+
+// --- Pointer
+
+void PressTable(Console* c, const Hit& hit, bool twice) {
+  const bool files = hit.owner == kFiles;
+  SetStop(c, files ? Stop::kFiles : Stop::kQueue);
+  (files ? c->files : c->queue).Press(hit, Inp.py);
+  c->damage |= PaneOf(hit);
+  if (!files) return;
+  FilesChanged(c);
+  if (twice && hit.part == Table::kRow) OpenSelected(c);
+}
+
+void Press(Console* c) {
+  const Hit hit = c->hits.At(Inp.item);
+  const bool twice = XwDoubleClick(&c->last_press);
+  SetHover(c, hit);
+  if (c->list_open) {
+    if (hit.owner == kPrinterList)
+      c->pressed = hit;
+    else if (!ListHoldsPointer(c))
+      ClosePrinterList(c);
+    return;
+  }
+  c->pressed = hit;
+  c->damage |= PaneOf(hit);
+  if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
+  if (hit == Hit{kTools, kSlider, 0}) {
+    SetStop(c, Stop::kPriority);
+    SlidePriority(c, Inp.px);
+  }
+  if (hit == Hit{kTools, kPrinter, 0}) {
+    SetStop(c, Stop::kPrinter);
+    OpenPrinterList(c);
+  }
+}
+
+void StopSending(Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending) c->server.Cancel(t.number);
+}
+
+void RefreshAll(Console* c) {
+  RefreshFolder(c);
+  c->server.Refresh();
+}
+
+void UseTool(Console* c, int tool) {
+  switch (tool) {
+    case kPrint:
+      PrintSelected(c);
+      break;
+    case kUp:
+      GoUp(c);
+      break;
+    case kRefresh:
+      RefreshAll(c);
+      break;
+    case kLess:
+      ChangeCopies(c, -1);
+      break;
+    case kMore:
+      ChangeCopies(c, 1);
+      break;
+    case kHold:
+      c->choice.hold = !c->choice.hold;
+      c->damage |= kToolsPane;
+      break;
+    default:
+      break;
+  }
+}
+
+// Pressed and released on the same thing.
+void Use(Console* c, const Hit& hit) {
+  switch (hit.owner) {
+    case kTools:
+      UseTool(c, hit.part);
+      break;
+    case kFiles:
+      if (hit.part == Table::kHeader) SortBy(c, hit.index);
+      break;
+    case kPlaces:
+      EnterFolder(c, c->places[size_t(hit.index)].path, "");
+      break;
+    case kCrumbs:
+      PressCrumb(c, hit.index);
+      break;
+    case kJobButtons:
+      ChangeSelected(c, JobAction(hit.part - 1));
+      break;
+    case kPrinterList:
+      ChoosePrinter(c, hit.index);
+      break;
+    case kStatus:
+      if (hit.part == kServer) c->server.Refresh();
+      if (hit.part == kStopSending) StopSending(c);
+      break;
+    default:
+      break;
+  }
+}
+
+void Release(Console* c) {
+  if (Inp.state & 1) return;  // another button
+  const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
+  c->pressed = {};
+  c->files.Release();
+  c->queue.Release();
+  c->damage |= PaneOf(pressed);
+  SetHover(c, hit);
+  if (pressed && hit == pressed) Use(c, hit);
+}
+
+void Motion(Console* c) {
+  const Hit hit = c->hits.At(Inp.item);
+  if (c->pressed == Hit{kTools, kSlider, 0}) return SlidePriority(c, Inp.px);
+  if (c->files.Drag(Inp.py)) c->damage |= kFolderPane;
+  if (c->queue.Drag(Inp.py)) c->damage |= kQueuePane;
+  // While a button is held only the thing pressed shows that it is under the pointer.
+  SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
+}
+
+void Scrolled(float, float dy) {
+  Console* c = g_console;
+  if (!c || c->list_open) return;
+  const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
+  const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
+  if (files && c->files.Wheel(dy)) c->damage |= kFolderPane;
+  if (queue && c->queue.Wheel(dy)) c->damage |= kQueuePane;
+  DrawConsole(c);
+}
+
+// --- Keyboard
+
+bool FilesKey(Console* c, int type) {
+  if (type == XWE_RETURN) return OpenSelected(c), true;
+  if (type == XWE_BACKSPACE) return GoUp(c), true;
+  if (!c->files.Key(type)) {
+    if (type <= ' ' || type > 126) return false;
+    FindLetter(c, type);
+  }
+  FilesChanged(c);
+  return true;
+}
+
+bool QueueKey(Console* c, int type) {
+  if (c->queue.Key(type)) {
+    c->damage |= kQueuePane;
+    return true;
+  }
+  if (type == XWE_DELETE || type == XWE_BACKSPACE)
+    return ChangeSelected(c, JobAction::kRemove), true;
+  if (type == 'h' || type == 'r' || type == ' ') {
+    const bool hold = type == 'h' || (type == ' ' && CanChange(c, JobAction::kHold));
+    return ChangeSelected(c, hold ? JobAction::kHold : JobAction::kRelease), true;
+  }
+  return false;
+}
+
+int Step(int type, int page) {
+  switch (type) {
+    case XWE_UP:
+    case XWE_RIGHT:
+    case '+':
+      return 1;
+    case XWE_DOWN:
+    case XWE_LEFT:
+    case '-':
+      return -1;
+    case XWE_PAGE_UP:
+      return page;
+    case XWE_PAGE_DOWN:
+      return -page;
+    case XWE_HOME:
+      return -1000;
+    case XWE_END:
+      return 1000;
+    default:
+      return 0;
+  }
+}
+
+void StopKey(Console* c, int type) {
+  const bool go = type == ' ' || type == XWE_RETURN;
+  switch (c->stop) {
+    case Stop::kFiles:
+      FilesKey(c, type);
+      break;
+    case Stop::kQueue:
+      QueueKey(c, type);
+      break;
+    case Stop::kPrint:
+      if (go) PrintSelected(c);
+      break;
+    case Stop::kPrinter:
+      if (go || type == XWE_DOWN) OpenPrinterList(c);
+      break;
+    case Stop::kCopies:
+      ChangeCopies(c, Step(type, 10));
+      break;
+    case Stop::kPriority:
+      ChangePriority(c, Step(type, 10));
+      break;
+    case Stop::kHold:
+      if (go) UseTool(c, kHold);
+      break;
+    case Stop::kCount:
+      break;
+  }
+}
+
+void Escape(Console* c) {
+  c->message_ticks = 0;
+  c->damage |= kStatusPane;
+  SetStop(c, Stop::kFiles);
+}
+
+void Key(Console* c, int type) {
+  const int stops = int(Stop::kCount), shift = Inp.state & XWS_SHIFT ? stops - 1 : 1;
+  if (c->list_open) {
+    PrinterListKey(c, type);
+    return;
+  }
+  if (Inp.state & (XWS_CONTROL | XWS_COMMAND)) {
+    if (type == 'p') PrintSelected(c);
+    if (type == 'r') RefreshAll(c);
+    if (type == 'q' || type == 'w') XwSendEvent(c->window, XWE_QUIT, 0, 0, 0);
+    return;
+  }
+  if (type == XWE_TAB)
+    SetStop(c, Stop((int(c->stop) + shift) % stops));
+  else if (type == XWE_ESCAPE)
+    Escape(c);
+  else if (type == XWE_F1 + 4)
+    RefreshAll(c);
+  else
+    StopKey(c, type);
+}
+
+// --- Time
+
+void TakeUpServer(Console* c) {
+  if (!c->server.TakeUp(&c->state)) return;
+  c->state_ticks = 0;
+  for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
+  if (c->state.printers->empty()) c->list_open = false;
+  FillQueue(c);
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+}
+
+void Tick(Console* c) {
+  ++c->ticks;
+  ++c->state_ticks;
+  TakeUpServer(c);
+  if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
+    c->damage |= kStatusPane;
+  if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
+  if (c->ticks % kFolderTicks == 0) {
+    const int row = c->files.selected();
+    const std::string kept = row < 0 ? "" : c->folder.At(row).name;
+    if (c->folder.Refresh()) ListedAgain(c, kept);
+  }
+}
+
+[[noreturn]] void Quit(Console* c) {
+  CloseConsole(c);
+  XwEndSession();
+  exit(0);
+}
+
+int Handle(int type) {
+  Console* c = g_console;
+  if (!c) return 0;
+  switch (type) {
+    case XWE_CONFIGURE:
+      LayOutWindow(c);
+      break;
+    case XWE_EXPOSE:
+      c->damage = kAllPanes;
+      break;
+    case XWE_MOTION:
+      Motion(c);
+      break;
+    case XWE_PRESS:
+      Press(c);
+      break;
+    case XWE_RELEASE:
+      Release(c);
+      break;
+    case XWE_TIMER:
+      Tick(c);
+      break;
+    case XWE_OPEN:
+      ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
+      break;
+    case XWE_CLOSE:
+    case XWE_QUIT:
+      Quit(c);
+    default:
+      if (type < XWE_CONFIGURE) Key(c, type);
+      break;
+  }
+  DrawConsole(c);
+  return 0;
+}
+
+}  // namespace
+
+Console::Console(const std::string& host)
+    : files(kFiles, FileColumns(),
+            [this](int row, int column, const CellLook& cell) {
+              DrawFileCell(this, row, column, cell);
+            }),
+      server(host),
+      queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
+        DrawQueueCell(this, row, column, cell);
+      }) {
+  state.jobs = std::make_shared<std::vector<NC_Job>>();
+  state.printers = std::make_shared<std::vector<NC_Printer>>();
+}
+
+Console* OpenConsole(const std::string& host, const std::string& start) {
+  XwWindow* w = XwCreate(0, 60, 80, 1200, 724, Handle);
+  if (!w) return nullptr;
+  auto* c = new Console(host);
+  g_console = c;
+  c->window = w;
+  XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
+  XwSetScrollHandler(w, Scrolled);
+  LayOutWindow(c);
+  if (!EnterFolder(c, start, "")) EnterFolder(c, "/", "");
+  XwTimer(w, kTimer, kTickMs);
+  XwShow(w, 1);
+  XwSetFocus(w);
+  return c;
+}
+
+void CloseConsole(Console* c) {
+  if (!c) return;
+  XwTimer(c->window, 0, 0);
+  XwShow(c->window, 0);
+  XwSync();
+  g_console = nullptr;
+  delete c;
+}
+
+void Tell(Console* c, bool good, const std::string& utf8) {
+  c->message = {good, utf8};
+  c->message_ticks = kMessageTicks;
+  c->damage |= kStatusPane;
+}
+
+void DrawConsole(Console* c) {
+  if (!c->damage) return;
+  unsigned damage = c->damage;
+  // What the list lies over is drawn again below it.
+  if (c->list_open && damage & (kToolsPane | kFolderPane | kDetailsPane | kQueuePane))
+    damage |= kToolsPane | kFolderPane | kDetailsPane | kQueuePane;
+  c->damage = 0;
+  XwPush(c->window);
+  if (damage & kToolsPane) DrawToolsPane(c);
+  if (damage & kPlacesPane) DrawPlacesPane(c);
+  if (damage & kFolderPane) DrawFolderPane(c);
+  if (damage & kDetailsPane) DrawDetailsPane(c);
+  if (damage & kQueuePane) DrawQueuePane(c);
+  if (damage & kStatusPane) DrawStatusPane(c);
+  if (c->list_open) DrawPrinterList(c);
+  AddAllHits(c);
+  XwPop();
+}
+
+}  // namespace console

@@ -1,0 +1,170 @@
+// The console's one window: what it shows and what the user has chosen. Each pane of it is a file
+// that draws the pane and knows what can be hit there; console.cc routes the events.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/folder.h"
+#include "app/hits.h"
+#include "app/layout.h"
+#include "app/server.h"
+#include "app/table.h"
+
+namespace console {
+
+// Owners of hits.
+enum Owner {
+  kNobody,
+  kFiles,
+  kQueue,
+  kTools,
+  kPlaces,
+  kCrumbs,
+  kJobButtons,
+  kPrinterList,
+  kStatus
+};
+
+// Parts of the tools.
+enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kSlider, kHold };
+// Parts of the status line.
+enum StatusPart { kServer = 1, kStopSending };
+
+// Panes, as bits: what is to be drawn anew.
+enum Pane : unsigned {
+  kToolsPane = 1,
+  kPlacesPane = 2,
+  kFolderPane = 4,
+  kDetailsPane = 8,
+  kQueuePane = 16,
+  kStatusPane = 32,
+  kAllPanes = 63
+};
+
+// Where the keyboard is; Tab goes through them in this order.
+enum class Stop { kFiles, kQueue, kPrint, kPrinter, kCopies, kPriority, kHold, kCount };
+
+struct Place {
+  std::string name, path;
+};
+
+// A row of the queue: a transfer of our own, or a job of the server.
+struct QueueRow {
+  int transfer = 0;  // its number, 0 for a job
+  JobId job{};
+  bool operator==(const QueueRow&) const = default;
+};
+
+// How the next file is printed.
+struct PrintChoice {
+  std::string printer;  // its name, "" as long as none is chosen: the server's default
+  int copies = 1, priority = 50;
+  bool hold = false;
+};
+
+struct Console {
+  explicit Console(const std::string& host);
+
+  XwWindow* window = nullptr;
+  Layout layout;
+  Hits hits;
+  Hit hover, pressed;
+  Stop stop = Stop::kFiles;
+  unsigned damage = kAllPanes;
+  uint32_t last_press = 0;  // for double clicks
+
+  Folder folder;
+  std::vector<Place> places;
+  std::string free_text;
+  Table files;
+
+  Server server;
+  ServerState state;
+  int state_ticks = 0;  // since the state came
+  std::vector<QueueRow> rows;
+  Table queue;
+
+  PrintChoice choice;
+  bool list_open = false;  // of printers
+  int list_row = 0;
+
+  Notice message;
+  int message_ticks = 0;
+  int ticks = 0;
+};
+
+constexpr int kTickMs = 100;
+
+// --- The window (console.cc)
+// Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
+// One console a process.
+Console* OpenConsole(const std::string& host, const std::string& start);
+// Hides the window and ends the worker.
+void CloseConsole(Console* c);
+void Tell(Console* c, bool good, const std::string& utf8);
+// Draws what is damaged.
+void DrawConsole(Console* c);
+
+// --- The folder (folder_pane.cc)
+void DrawFolderPane(Console* c);
+void AddFolderHits(Console* c);
+void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
+// Enters a folder; `select` is the name to select there, "" for none.
+bool EnterFolder(Console* c, const std::string& path, const std::string& select);
+void GoUp(Console* c);
+// Enters the selected folder; nothing for a file.
+void OpenSelected(Console* c);
+void SortBy(Console* c, int column);
+void RefreshFolder(Console* c);
+// After the folder was read again: the name that was selected stays so.
+void ListedAgain(Console* c, const std::string& select);
+// Selects the next name that begins with that character.
+void FindLetter(Console* c, int character);
+void PressCrumb(Console* c, int index);
+// A document that the desktop asks to open.
+void ShowDocument(Console* c, const char* path);
+
+// --- Places and details (side_panes.cc)
+void FindPlaces(Console* c);
+void DrawPlacesPane(Console* c);
+void AddPlacesHits(Console* c);
+void DrawDetailsPane(Console* c);
+
+// --- Printing (tools_pane.cc, printer_list.cc)
+void DrawToolsPane(Console* c);
+void AddToolsHits(Console* c);
+bool CanPrint(const Console* c);
+void PrintSelected(Console* c);
+// The printer that the next file goes to; null when no list is known.
+const NC_Printer* ChosenPrinter(const Console* c);
+void ChangeCopies(Console* c, int by);
+void ChangePriority(Console* c, int by);
+// To where the pointer is on the slider.
+void SlidePriority(Console* c, int px);
+void OpenPrinterList(Console* c);
+void ClosePrinterList(Console* c);
+void ChoosePrinter(Console* c, int row);
+bool PrinterListKey(Console* c, int type);
+void DrawPrinterList(Console* c);
+void AddPrinterListHits(Console* c);
+// Whether the pointer (Inp) is over it.
+bool ListHoldsPointer(const Console* c);
+const char* PrinterStateText(const NC_Printer& printer);
+
+// --- The queue (queue_pane.cc)
+void DrawQueuePane(Console* c);
+void AddQueueHits(Console* c);
+void DrawQueueCell(Console* c, int row, int column, const CellLook& cell);
+// After a new state: rows in order, the selection stays on its job.
+void FillQueue(Console* c);
+bool CanChange(const Console* c, JobAction action);
+void ChangeSelected(Console* c, JobAction action);
+
+// --- The status line (status_pane.cc)
+void DrawStatusPane(Console* c);
+void AddStatusHits(Console* c);
+// What the line says of the server, without its name.
+std::string ServerText(const Console* c);
+
+}  // namespace console

@@ -1,0 +1,156 @@
+// Sending a file to the spool, in pieces, with progress; the lists are served meanwhile.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "app/server_worker.h"
+#include "printserver/nc.h"
+
+namespace console {
+namespace {
+
+constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000;
+constexpr int kMostTries = 5, kRetryMs = 1000;
+constexpr int kTicketSize = 8192;
+// Results of sending beside a server's status and the codes below 0.
+constexpr int kCannotOpen = 1000;
+
+bool MakeTicket(const PrintOrder& order, char* ticket) {
+  ticket[0] = 0;
+  bool fits = NC_AddTicketText(ticket, kTicketSize, "document", order.document.c_str()) &&
+              NC_AddTicketText(ticket, kTicketSize, "owner", order.owner.c_str()) &&
+              NC_AddTicketNumber(ticket, kTicketSize, "copies", order.copies) &&
+              NC_AddTicketNumber(ticket, kTicketSize, "priority", order.priority) &&
+              NC_AddTicketNumber(ticket, kTicketSize, "hold", order.hold);
+  if (!order.printer.empty())
+    fits = fits && NC_AddTicketText(ticket, kTicketSize, "printer", order.printer.c_str());
+  return fits;
+}
+
+}  // namespace
+
+bool Worker::NextTransfer(Transfer* out) {
+  Locked lock(shared_);
+  if (next_send_ > MonotonicMs()) return false;
+  for (Transfer& t : shared_->state.transfers) {
+    if (t.state != Sending::kWaiting) continue;
+    t.state = Sending::kSending;
+    t.sent = t.total = 0;
+    sending_ = t.number;
+    *out = t;
+    ++shared_->change;
+    return true;
+  }
+  return false;
+}
+
+// Whether the queue has it: then a broken connection cost nothing but the answer.
+bool Worker::Arrived(const JobId& id) {
+  Locked lock(shared_);
+  for (const NC_Job& job : *shared_->state.jobs)
+    if (IdOf(job) == id) return true;
+  return false;
+}
+
+void Worker::SendNext() {
+  Transfer t;
+  while (!Stopping() && Ready() && NextTransfer(&t)) {
+    if (broken_.number != t.number) broken_ = {t.number, {}, false, 0};
+    std::string why;
+    int result = NC_STATUS_DONE;
+    if (!broken_.has_id || !Arrived(broken_.id)) result = SendFile(t, &why);
+    Finish(t.number, result, why);
+    sending_ = 0;
+  }
+}
+
+int Worker::SendFile(const Transfer& t, std::string* why) {
+  // Not waiting: a pipe would wait for its writer.
+  const int file = open(t.order.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  struct stat s {};
+  if (file < 0 || fstat(file, &s) != 0 || !S_ISREG(s.st_mode)) {
+    *why = file < 0 ? strerror(errno) : "not a file";
+    if (file >= 0) close(file);
+    return kCannotOpen;
+  }
+  const int result = SendDocument(t, file, s.st_size, why);
+  close(file);
+  return result;
+}
+
+int Worker::SendDocument(const Transfer& t, int file, int64_t size, std::string* why) {
+  char ticket[kTicketSize];
+  if (!MakeTicket(t.order, ticket)) {
+    *why = "the name is too long";
+    return NC_BAD_REQUEST;
+  }
+  const int fd = Connect(kFile, kConnectMs);
+  if (fd < 0) return NC_ERROR;
+  {
+    Locked lock(shared_);
+    for (Transfer& one : shared_->state.transfers)
+      if (one.number == t.number) one.size = size;
+  }
+  int result = NC_CreateRequestID(fd, broken_.id.data()) == 1 ? 0 : NC_ERROR;
+  if (result == 0) {
+    broken_.has_id = true;
+    NC_SetDeadline(fd, kStallMs);
+    result = NC_WritePrintRequestN(fd, broken_.id.data(), ticket, file, size, Progress, this);
+  }
+  Close(kFile);
+  if (result == NC_BAD_REQUEST) *why = "it is too large";
+  if (result == NC_UNREADABLE) *why = "it could not be read to its end";
+  if (result >= 0 && result != NC_STATUS_DONE) *why = NC_StatusText(result);
+  return result;
+}
+
+int Worker::Progress(void* context, int64_t sent, int64_t total) {
+  auto* worker = static_cast<Worker*>(context);
+  Server::Shared* shared = worker->shared_;
+  {
+    Locked lock(shared);
+    if (shared->stop || shared->cancelled == worker->sending_) return 1;
+    for (Transfer& t : shared->state.transfers) {
+      if (t.number != worker->sending_ || t.sent == sent) continue;
+      t.sent = sent;
+      t.total = total;
+      ++shared->change;
+    }
+  }
+  worker->Serve(kServeMs);
+  return 0;
+}
+
+void Worker::Finish(int number, int result, const std::string& why) {
+  next_poll_ = 0;
+  if (result == NC_STATUS_DONE) Serve(kServeMs);  // so that the queue shows it at once
+  Locked lock(shared_);
+  ServerState& state = shared_->state;
+  ++shared_->change;
+  const bool cancelled = shared_->cancelled == number || result == NC_CANCELLED;
+  shared_->cancelled = 0;
+  auto it = std::find_if(state.transfers.begin(), state.transfers.end(),
+                         [number](const Transfer& t) { return t.number == number; });
+  if (it == state.transfers.end()) return;
+  const std::string name = it->order.document;
+  if (result == NC_STATUS_DONE || cancelled) {
+    state.transfers.erase(it);
+    const bool done = result == NC_STATUS_DONE;
+    state.notices.push_back({done, (done ? "Sent: " : "Cancelled: ") + name});
+    return;
+  }
+  if (result == NC_ERROR && ++broken_.times < kMostTries) {
+    it->state = Sending::kWaiting;
+    next_send_ = MonotonicMs() + kRetryMs;
+    return;
+  }
+  broken_.times = 0;
+  it->state = Sending::kFailed;
+  it->text = why.empty() ? "the connection broke" : why;
+  state.notices.push_back({false, "Not sent: " + name + ", " + it->text});
+}
+
+}  // namespace console

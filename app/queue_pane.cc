@@ -1,0 +1,284 @@
+// The queue: transfers of our own first, then the server's jobs in the order in which they print.
+#include <algorithm>
+#include <ctime>
+
+#include "app/console.h"
+#include "app/texts.h"
+
+namespace console {
+namespace {
+
+enum Cells { kDocument, kOwner, kPrinterName, kProfile, kProgress, kSize, kSubmitted, kPriority };
+
+const NC_Job* JobOf(const Console* c, const QueueRow& row) {
+  if (row.transfer) return nullptr;
+  // Rows follow the list, so it is where it was, unless the list has changed since.
+  const auto& jobs = *c->state.jobs;
+  const size_t at = size_t(&row - c->rows.data()) - c->state.transfers.size();
+  if (at < jobs.size() && IdOf(jobs[at]) == row.job) return &jobs[at];
+  for (const NC_Job& job : jobs)
+    if (IdOf(job) == row.job) return &job;
+  return nullptr;
+}
+
+const Transfer* TransferOf(const Console* c, const QueueRow& row) {
+  for (const Transfer& t : c->state.transfers)
+    if (row.transfer == t.number) return &t;
+  return nullptr;
+}
+
+const QueueRow* SelectedRow(const Console* c) {
+  const int row = c->queue.selected();
+  return row >= 0 && size_t(row) < c->rows.size() ? &c->rows[size_t(row)] : nullptr;
+}
+
+// What is being done to a job, null when nothing is.
+const char* PendingText(const Console* c, const JobId& id) {
+  static const char* const kTexts[] = {"holding\xC9", "releasing\xC9", "removing\xC9"};
+  for (const PendingChange& p : c->state.pending)
+    if (p.id == id) return kTexts[int(p.action)];
+  return nullptr;
+}
+
+struct StateLook {
+  const char* text;
+  int32_t Look::*ink;
+  int32_t Look::*dot;
+};
+// By NC_JobState.
+constexpr StateLook kStates[] = {
+    {"waiting", &Look::ink, &Look::line},    {"held", &Look::warning, &Look::warning},
+    {"printing", &Look::ink, &Look::accent}, {"out of paper", &Look::bad, &Look::bad},
+    {"printed", &Look::good, &Look::good},   {"failed", &Look::bad, &Look::bad},
+};
+
+void DrawBarAndText(const CellLook& cell, int64_t part, int64_t whole, const std::string& text) {
+  Area a = cell.area;
+  const Area bar = a.TakeLeft(90);
+  DrawProgress({bar.x, bar.y + (bar.h - 10) / 2, bar.w, 10}, part, whole, cell.muted);
+  a.TakeLeft(10);
+  DrawLabel(TheLook().small_text, Align::kLeft, a, text, cell.second);
+}
+
+void DrawWord(const CellLook& cell, const char* text, int32_t colour) {
+  DrawLabel(TheLook().view, cell.align, cell.area, text, CellColor(cell, colour));
+}
+
+void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
+  const Look& l = TheLook();
+  switch (t.state) {
+    case Sending::kWaiting:
+      DrawWord(cell, "to be sent", cell.second);
+      break;
+    case Sending::kCancelling:
+      DrawWord(cell, "cancelling\xC9", cell.second);
+      break;
+    case Sending::kFailed:
+      DrawWord(cell, ("not sent: " + Shown(t.text)).c_str(), l.bad);
+      break;
+    case Sending::kSending:
+      DrawBarAndText(cell, t.sent, t.total, "sending " + PartText(t.sent, t.total));
+      break;
+  }
+}
+
+void DrawJobProgress(const Console* c, const NC_Job& job, const CellLook& cell) {
+  const Look& l = TheLook();
+  if (const char* pending = PendingText(c, IdOf(job))) {
+    DrawWord(cell, pending, cell.second);
+  } else if (job.state == NC_JOB_PRINTING) {
+    DrawBarAndText(cell, job.printed, job.total, PartText(job.printed, job.total));
+  } else {
+    const StateLook& look = kStates[job.state];
+    std::string text = look.text;
+    if (job.state == NC_JOB_FAILED && job.text[0]) text += ": " + Shown(job.text);
+    DrawWord(cell, text.c_str(), l.*look.ink);
+  }
+}
+
+void DrawDocument(const CellLook& cell, const std::string& name, int32_t dot) {
+  Area a = cell.area;
+  DrawDot(a.x, a.y + (a.h - 9) / 2, CellColor(cell, dot));
+  a.TakeLeft(20);
+  DrawLabel(TheLook().view, cell.align, a, name, cell.ink);
+}
+
+void DrawTransferCell(const Transfer& t, int column, const CellLook& cell) {
+  const Look& l = TheLook();
+  auto text = [&](const std::string& s) { DrawLabel(l.view, cell.align, cell.area, s, cell.ink); };
+  switch (column) {
+    case kDocument:
+      DrawDocument(cell, Shown(t.order.document),
+                   t.state == Sending::kSending  ? l.accent
+                   : t.state == Sending::kFailed ? l.bad
+                                                 : l.line);
+      break;
+    case kOwner:
+      text(Shown(t.order.owner));
+      break;
+    case kPrinterName:
+      text(Shown(t.order.printer));
+      break;
+    case kProgress:
+      DrawTransferProgress(t, cell);
+      break;
+    case kSize:
+      if (t.size > 0) text(SizeText(t.size));
+      break;
+    case kSubmitted:
+      text(HourText(t.started, time(nullptr)));
+      break;
+    case kPriority:
+      text(std::to_string(t.order.priority));
+      break;
+    default:
+      break;
+  }
+}
+
+void DrawJobCell(const Console* c, const NC_Job& job, int column, const CellLook& cell) {
+  const Look& l = TheLook();
+  auto text = [&](const std::string& s) { DrawLabel(l.view, cell.align, cell.area, s, cell.ink); };
+  switch (column) {
+    case kDocument:
+      DrawDocument(cell, Shown(job.document), l.*kStates[job.state].dot);
+      break;
+    case kOwner:
+      text(Shown(job.owner));
+      break;
+    case kPrinterName:
+      text(Shown(job.printer));
+      break;
+    case kProfile:
+      text(Shown(job.profile));
+      break;
+    case kProgress:
+      DrawJobProgress(c, job, cell);
+      break;
+    case kSize:
+      text(SizeText(job.size));
+      break;
+    case kSubmitted:
+      text(HourText(job.submitted, time(nullptr)));
+      break;
+    case kPriority:
+      text(std::to_string(job.priority));
+      break;
+    default:
+      break;
+  }
+}
+
+// "5 waiting, 1 printing", and what needs someone.
+std::string Summary(const Console* c) {
+  int counts[6] = {};
+  for (const NC_Job& job : *c->state.jobs) ++counts[job.state];
+  std::string text = std::to_string(counts[NC_JOB_WAITING]) + " waiting, " +
+                     std::to_string(counts[NC_JOB_PRINTING]) + " printing";
+  for (NC_JobState state : {NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
+    if (counts[state]) text += ", " + std::to_string(counts[state]) + " " + kStates[state].text;
+  return text;
+}
+
+struct ButtonRow {
+  JobAction action;
+  const char* label;
+  Area Layout::*area;
+};
+constexpr ButtonRow kButtons[] = {{JobAction::kHold, "Hold", &Layout::hold_job},
+                                  {JobAction::kRelease, "Release", &Layout::release_job},
+                                  {JobAction::kRemove, "Remove", &Layout::remove_job}};
+
+void DrawHead(const Console* c) {
+  const Look& l = TheLook();
+  Area head = c->layout.queue_head;
+  Fill(head, l.tool_bar);
+  LineAtTop(head);
+  LineAtBottom(head);
+  for (const ButtonRow& row : kButtons) {
+    const Hit hit{kJobButtons, int(row.action) + 1, 0};
+    const Area a = c->layout.*row.area;
+    ButtonState s;
+    s.enabled = CanChange(c, row.action);
+    s.hover = c->hover == hit && !c->pressed;
+    s.pressed = c->hover == hit && c->pressed == hit;
+    DrawLabel(l.view, Align::kCenter, a, row.label, DrawFace(a, s, l.tool_bar));
+  }
+  head = head.Inset(12, 0);
+  head.w = c->layout.hold_job.x - head.x - 12;
+  DrawLabel(l.bold, Align::kLeft, head, "Queue", l.ink);
+  head.TakeLeft(XwTextWidth(l.bold, "Queue") + 8);
+  DrawLabel(l.small_text, Align::kLeft, head, Summary(c), l.second);
+}
+
+}  // namespace
+
+void DrawQueuePane(Console* c) {
+  c->queue.SetFocused(c->stop == Stop::kQueue);
+  c->queue.SetMuted(c->state.link == Link::kAway);
+  c->queue.SetEmptyText(c->state.link == Link::kReady ? "Nothing is waiting"
+                                                      : "The queue is not known yet");
+  DrawHead(c);
+  c->queue.Draw(c->hover);
+}
+
+void AddQueueHits(Console* c) {
+  for (const ButtonRow& row : kButtons)
+    c->hits.Add({kJobButtons, int(row.action) + 1, 0}, c->layout.*row.area);
+  c->queue.AddHits(&c->hits);
+}
+
+void DrawQueueCell(Console* c, int row, int column, const CellLook& cell) {
+  const QueueRow& r = c->rows[size_t(row)];
+  if (const Transfer* t = r.transfer ? TransferOf(c, r) : nullptr)
+    DrawTransferCell(*t, column, cell);
+  else if (const NC_Job* job = JobOf(c, r))
+    DrawJobCell(c, *job, column, cell);
+}
+
+void FillQueue(Console* c) {
+  const QueueRow* row = SelectedRow(c);
+  const QueueRow kept = row ? *row : QueueRow{};
+  const int place = c->queue.selected();
+  c->rows.clear();
+  for (const Transfer& t : c->state.transfers) c->rows.push_back({t.number, {}});
+  for (const NC_Job& job : *c->state.jobs) c->rows.push_back({0, IdOf(job)});
+  c->queue.SetRows(int(c->rows.size()));
+  if (place < 0) return;
+  const auto it = std::find(c->rows.begin(), c->rows.end(), kept);
+  c->queue.KeepSelected(it == c->rows.end() ? -1 : int(it - c->rows.begin()));
+}
+
+bool CanChange(const Console* c, JobAction action) {
+  const QueueRow* row = SelectedRow(c);
+  if (!row) return false;
+  if (const Transfer* t = row->transfer ? TransferOf(c, *row) : nullptr)
+    return action == JobAction::kRemove
+               ? t->state != Sending::kCancelling
+               : action == JobAction::kRelease && t->state == Sending::kFailed;
+  const NC_Job* job = JobOf(c, *row);
+  if (!job || c->state.link == Link::kAway || PendingText(c, row->job)) return false;
+  switch (action) {
+    case JobAction::kHold:
+      return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING ||
+             job->state == NC_JOB_PAPER_OUT;
+    case JobAction::kRelease:
+      return job->state == NC_JOB_HELD || job->state == NC_JOB_PAPER_OUT ||
+             job->state == NC_JOB_FAILED;
+    default:
+      return true;
+  }
+}
+
+void ChangeSelected(Console* c, JobAction action) {
+  if (!CanChange(c, action)) return;
+  const QueueRow row = *SelectedRow(c);
+  if (!row.transfer)
+    c->server.Change(row.job, action);
+  else if (action == JobAction::kRemove)
+    c->server.Cancel(row.transfer);
+  else
+    c->server.Retry(row.transfer);
+}
+
+}  // namespace console

@@ -1,0 +1,104 @@
+// The print server as the console knows it. One worker thread makes every network call; the window
+// asks and looks through this room and never waits.
+//
+// The worker keeps a connection for lists and for changes of jobs, and a second one while a file is
+// sent, so that the queue stays alive meanwhile. Every call has a deadline. When the server does
+// not answer, the worker says so at once, gives up at the deadline, and tries again by itself after
+// a while that doubles up to fifteen seconds. A file whose sending broke off is sent again when the
+// server is back, unless the queue shows that it had arrived.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "printserver/records.h"
+
+namespace console {
+
+enum class Link : uint8_t { kConnecting, kReady, kAway };
+enum class JobAction : uint8_t { kHold, kRelease, kRemove };
+
+using JobId = std::array<uint8_t, 16>;
+inline JobId IdOf(const NC_Job& job) {
+  return std::to_array(job.id);
+}
+
+// A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
+struct PrintOrder {
+  std::string path, document, owner, printer;  // an empty printer: the server's default
+  int copies = 1, priority = 50;
+  bool hold = false;
+};
+
+enum class Sending : uint8_t { kWaiting, kSending, kCancelling, kFailed };
+// An order on its way. It is gone when the queue shows it, and when it was cancelled.
+struct Transfer {
+  int number = 0;  // from 1 on
+  PrintOrder order;
+  Sending state = Sending::kWaiting;
+  int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
+  int64_t started = 0;                    // seconds since 1970
+  std::string text;                       // of a failed one, why
+};
+
+// Something that a person should be told once.
+struct Notice {
+  bool good = true;
+  std::string text;  // UTF-8
+};
+
+// A change that the server has not yet answered.
+struct PendingChange {
+  JobId id;
+  JobAction action;
+};
+
+// What is known. The lists stay when the server goes away.
+struct ServerState {
+  Link link = Link::kConnecting;
+  int retry_ms = 0;     // away: until the next try, counted from when the state came
+  int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
+  std::string trouble;  // away: why, in a few words
+  std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
+  std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
+  std::vector<Transfer> transfers;
+  std::vector<PendingChange> pending;
+  std::vector<Notice> notices;  // since the last look
+};
+
+class Server {
+ public:
+  // Starts the worker. `host` empty: localhost.
+  explicit Server(const std::string& host);
+  // Cancels what is being sent and waits for the worker, at most as long as one deadline.
+  ~Server();
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  const std::string& host() const { return host_; }
+  // True, and `state` is new, when something has changed since the last call.
+  bool TakeUp(ServerState* state);
+  // The order's number as a transfer.
+  int Send(PrintOrder order);
+  // Takes a transfer out, whatever its state.
+  void Cancel(int number);
+  // Tries a failed one again.
+  void Retry(int number);
+  void Change(const JobId& id, JobAction action);
+  // Asks anew now; when it is away: tries now.
+  void Refresh();
+
+  // What the worker and this side share (server_shared.h).
+  struct Shared;
+
+ private:
+  std::string host_;
+  std::unique_ptr<Shared> shared_;
+  int thread_ = -1;
+  int64_t seen_ = 0;
+  int seen_quiet_ = 0;
+};
+
+}  // namespace console

@@ -1,0 +1,47 @@
+// What the window's side and the worker share: everything under one mutex.
+#pragma once
+#include <pthread.h>
+
+#include <algorithm>
+#include <deque>
+
+#include "app/server.h"
+#include "os/os.h"
+
+namespace console {
+
+int64_t MonotonicMs();
+
+struct Server::Shared {
+  Shared();
+  ~Shared();
+
+  pthread_mutex_t mutex;
+  pthread_cond_t wake;                   // on the monotonic clock
+  ServerState state;                     // retry_ms and quiet_s are filled in when it is taken up
+  int64_t change = 1;                    // counts what was published
+  int64_t retry_at = 0, call_began = 0;  // MonotonicMs; 0: none
+  std::deque<PendingChange> changes;     // not yet begun
+  bool stop = false, refresh = false;
+  int next_number = 1;
+  int cancelled = 0;       // the transfer that is to be broken off
+  int open[2] = {-1, -1};  // the worker's connections, so that stopping can end what it waits for
+  std::string host;
+};
+
+// Owns the mutex as long as it lives.
+class Locked {
+ public:
+  explicit Locked(Server::Shared* shared);
+  ~Locked();
+  Locked(const Locked&) = delete;
+  Locked& operator=(const Locked&) = delete;
+
+ private:
+  Server::Shared* shared_;
+};
+
+// The worker: `shared` is a Server::Shared. Returns null.
+void* RunWorker(void* shared);
+
+}  // namespace console

@@ -1,0 +1,63 @@
+// The worker thread's own things.
+#pragma once
+#include <sys/socket.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/server_shared.h"
+
+namespace console {
+
+class Worker {
+ public:
+  explicit Worker(Server::Shared* shared);
+  ~Worker();
+  void Run();
+
+ private:
+  enum Which { kLists, kFile };
+  int Connect(Which which, int ms);
+  void Close(Which which);
+  bool Stopping();
+  bool Ready();
+  void GoAway(const std::string& trouble);
+  bool TryToConnect(int ms);
+  // Around a call that waits for the server.
+  void Began();
+  void Ended();
+  bool Poll();
+  bool MakeChanges();
+  void Answered(const PendingChange& change, int status);
+  void ForgetFinished();
+  void Serve(int connect_ms);
+  void Wait();
+
+  // Sending (print.cc).
+  void SendNext();
+  bool NextTransfer(Transfer* out);
+  int SendFile(const Transfer& t, std::string* why);
+  int SendDocument(const Transfer& t, int file, int64_t size, std::string* why);
+  void Finish(int number, int result, const std::string& why);
+  bool Arrived(const JobId& id);
+  static int Progress(void* worker, int64_t sent, int64_t total);
+
+  Server::Shared* shared_;
+  std::unique_ptr<uint8_t[]> list_;
+  std::unique_ptr<NC_Job[]> jobs_;
+  std::string last_jobs_, last_printers_;
+  std::vector<PendingChange> finished_;
+  int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
+  int retry_ms_ = 0;
+  int sending_ = 0;  // number of the transfer
+  // A transfer that broke off, under which id, and how often.
+  struct Broken {
+    int number = 0;
+    JobId id{};
+    bool has_id = false;
+    int times = 0;
+  } broken_;
+};
+
+}  // namespace console

@@ -1,0 +1,169 @@
+// Left: places to go. Right: what is selected, and the printer that it would go to.
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <ctime>
+
+#include "app/console.h"
+#include "app/texts.h"
+
+namespace console {
+namespace {
+
+constexpr int kCaption = 32, kPlaceHeight = 22, kFooter = 28;
+
+Area PlaceArea(const Console* c, int i) {
+  const Area a = c->layout.places;
+  return {a.x + 4, a.y + kCaption + i * kPlaceHeight, a.w - 9, kPlaceHeight - 1};
+}
+
+void AddPlace(Console* c, const char* name, int folder) {
+  struct stat s {};
+  const std::string path = folder < 0 ? "/" : OS_GetPathName(folder);
+  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) c->places.push_back({name, path});
+}
+
+void DrawFact(Area* a, const char* name, const std::string& value) {
+  const Look& l = TheLook();
+  Area row = a->TakeTop(20);
+  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(64), name, l.second);
+  DrawLabel(l.view, Align::kLeft, row, value, l.ink);
+}
+
+void DrawCaption(const Area& a, const char* text) {
+  DrawLabel(TheLook().caption, Align::kLeft, {a.x, a.y + 9, a.w, 16}, text, TheLook().second);
+}
+
+// A sheet with a soft shadow, and the ending of the name where a page has its title.
+void DrawSheet(const Area& a, const FolderEntry& e, FileKind kind) {
+  const Look& l = TheLook();
+  for (int i = 4; i > 0; --i)
+    XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, i + 1,
+               Mix(l.line, l.side, 36 - 8 * i), -1);
+  Fill(a, l.document);
+  XwSetColor(l.hairline);
+  XwDrawRect(a.x, a.y, a.w, a.h);
+  const int32_t inks[] = {l.accent, l.bad, l.good, l.second, l.line};
+  Area page = a.Inset(18, 18);
+  Fill(page.TakeTop(page.h / 3), Mix(inks[int(kind)], l.document, 14));
+  Fill({page.x, page.y - 3, page.w, 3}, inks[int(kind)]);
+  const std::string name = e.name;
+  const size_t dot = name.rfind('.');
+  std::string ending = dot == std::string::npos || dot == 0 ? "" : Shown(name.substr(dot + 1));
+  for (char& ch : ending)
+    if (ch >= 'a' && ch <= 'z') ch = char(ch - 32);
+  page.TakeTop(14);
+  DrawLabel(l.heading, Align::kLeft, page.TakeTop(24), ending.empty() ? "FILE" : ending,
+            Mix(inks[int(kind)], l.ink, 70));
+  page.TakeTop(6);
+  for (int i = 0; i < 4 && page.h > 6; ++i) {
+    Fill({page.x, page.y, page.w * (i == 3 ? 45 : 92 - 7 * (i % 2)) / 100, 3}, l.track);
+    page.TakeTop(11);
+  }
+}
+
+void DrawSelected(const Console* c, Area a) {
+  const Look& l = TheLook();
+  const int row = c->files.selected();
+  if (row < 0) {
+    DrawLabel(l.view, Align::kLeft, a.TakeTop(20), "Nothing is selected", l.second);
+    return;
+  }
+  const FolderEntry e = c->folder.At(row);
+  const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
+  const int sheet = std::min(220, a.h - 5 * 20 - 16);
+  if (!e.folder && sheet >= 120) {
+    DrawSheet({a.x + (a.w - sheet * 10 / 14) / 2, a.y, sheet * 10 / 14, sheet}, e, kind);
+    a.TakeTop(sheet + 16);
+  }
+  DrawFact(&a, "Name", Shown(e.name));
+  DrawFact(&a, "Kind", KindText(kind));
+  if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
+  DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
+}
+
+void DrawPrinter(const Console* c, Area a) {
+  const Look& l = TheLook();
+  const NC_Printer* p = ChosenPrinter(c);
+  if (!p) {
+    DrawLabel(l.view, Align::kLeft, a.TakeTop(20), "None is known yet", l.second);
+    return;
+  }
+  const bool away = c->state.link == Link::kAway;
+  DrawFact(&a, "Name", Shown(p->name));
+  Area row = a.TakeTop(20);
+  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(64), "State", l.second);
+  const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
+                      : p->state == NC_PRINTER_PRINTING ? l.accent
+                                                        : l.good;
+  DrawLabel(l.view, Align::kLeft, row, PrinterStateText(*p), away ? Dimmed(ink, l.side) : ink);
+  DrawFact(&a, "Jobs", std::to_string(p->jobs));
+  DrawFact(&a, "Paper", p->paper < 0 ? "enough" : CountText(p->paper, "sheet", "sheets"));
+}
+
+}  // namespace
+
+void FindPlaces(Console* c) {
+  c->places.clear();
+  AddPlace(c, "Root", -1);
+  AddPlace(c, "Home", OS_FOLDER_HOME);
+  AddPlace(c, "Desktop", OS_FOLDER_DESKTOP);
+  AddPlace(c, "Documents", OS_FOLDER_DOCUMENTS);
+  AddPlace(c, "Shared", OS_FOLDER_SHARED);
+  struct statvfs s {};
+  c->free_text.clear();
+  if (statvfs(c->folder.path().c_str(), &s) == 0)
+    c->free_text = SizeText(int64_t(s.f_bavail) * int64_t(s.f_frsize)) + " free of " +
+                   SizeText(int64_t(s.f_blocks) * int64_t(s.f_frsize));
+}
+
+void DrawPlacesPane(Console* c) {
+  Area a = c->layout.places;
+  if (a.Empty()) return;
+  const Look& l = TheLook();
+  Fill(a, l.side);
+  LineAtRight(a);
+  DrawCaption(a.Inset(12, 0), "PLACES");
+  for (int i = 0; i < int(c->places.size()); ++i) {
+    const Place& place = c->places[size_t(i)];
+    const Area row = PlaceArea(c, i);
+    const bool here = place.path == c->folder.path(), lit = c->hover == Hit{kPlaces, 1, i};
+    int32_t ground = l.side;
+    if (here || lit) {
+      ground = here ? l.accent : Mix(l.accent, l.side, 9);
+      XwRoundBox(row.x, row.y, row.w, row.h, 4, ground, -1);
+    }
+    DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, ground, 100);
+    Area text = row;
+    text.TakeLeft(31);
+    DrawLabel(l.view, Align::kLeft, text, place.name, here ? l.on_accent : l.ink);
+  }
+  Area foot = a.TakeBottom(kFooter);
+  foot.w -= 1;
+  Fill(foot, l.status);
+  LineAtTop(foot);
+  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0), c->free_text, l.second);
+}
+
+void AddPlacesHits(Console* c) {
+  if (c->layout.places.Empty()) return;
+  for (int i = 0; i < int(c->places.size()); ++i) c->hits.Add({kPlaces, 1, i}, PlaceArea(c, i));
+}
+
+void DrawDetailsPane(Console* c) {
+  Area a = c->layout.details;
+  if (a.Empty()) return;
+  const Look& l = TheLook();
+  Fill(a, l.side);
+  LineAtLeft(a);
+  a = a.Inset(16, 0);
+  Area printer = a.TakeBottom(kCaption + 4 * 20 + 10);
+  DrawCaption(a, "DOCUMENT");
+  a.TakeTop(kCaption + 6);
+  DrawSelected(c, a);
+  DrawCaption(printer, "PRINTER");
+  printer.TakeTop(kCaption);
+  DrawPrinter(c, printer);
+}
+
+}  // namespace console

@@ -1,0 +1,113 @@
+// The status line: the server, what was told last, what is being sent.
+#include <algorithm>
+
+#include "app/console.h"
+#include "app/texts.h"
+
+namespace console {
+namespace {
+
+const Transfer* Running(const Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending || t.state == Sending::kCancelling) return &t;
+  return nullptr;
+}
+
+constexpr int kBar = 90, kCross = 18;
+
+// From the right: the cross, the bar, the text.
+Area CrossArea(const Console* c) {
+  const Area a = c->layout.status;
+  return {a.right() - 8 - kCross, a.y + (a.h - kCross + 1) / 2, kCross, kCross};
+}
+
+Area ServerArea(const Console* c) {
+  const Area a = c->layout.status;
+  return {a.x + 6, a.y + 3, std::min(330, a.w * 45 / 100), a.h - 5};
+}
+
+int32_t LinkColor(const Console* c) {
+  const Look& l = TheLook();
+  if (c->state.link == Link::kAway) return l.bad;
+  return c->state.link == Link::kReady && c->state.quiet_s < 1 ? l.good : l.warning;
+}
+
+// The result is how much of the right side it took.
+int DrawSending(const Console* c, const Transfer& t) {
+  const Look& l = TheLook();
+  Area a = c->layout.status;
+  const Area cross = CrossArea(c);
+  const Hit hit{kStatus, kStopSending, 0};
+  const bool lit = c->hover == hit;
+  if (lit)
+    XwRoundBox(cross.x, cross.y, cross.w, cross.h, 4, c->pressed == hit ? l.pressed : l.face,
+               l.line);
+  DrawSign(Sign::kCross, cross.x + 1, cross.y + 1, lit ? l.bad : l.second, l.status);
+  a.w = cross.x - 6 - a.x;
+  const Area bar = a.TakeRight(kBar);
+  DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, false);
+  a.TakeRight(10);
+  const int64_t percent = t.total > 0 ? t.sent * 100 / t.total : 0;
+  const std::string tail = ", " + std::to_string(percent) + " %";
+  const int tail_width = XwTextWidth(l.view, tail.c_str()) + 1;
+  Area room = a.TakeRight(std::min(300, a.w * 40 / 100));
+  const Area end = room.TakeRight(tail_width);
+  const char* verb = t.state == Sending::kSending ? "Sending " : "Cancelling ";
+  DrawLabel(l.view, Align::kLeft, end, tail, l.second);
+  DrawLabel(l.view, Align::kRight, room, verb + Shown(t.order.document), l.second);
+  return c->layout.status.right() - room.x + 10;
+}
+
+std::string SelectionText(const Console* c) {
+  const int row = c->files.selected();
+  if (row < 0) return "";
+  const FolderEntry e = c->folder.At(row);
+  return e.folder ? "1 folder selected" : "1 file selected, " + SizeText(e.size);
+}
+
+}  // namespace
+
+std::string ServerText(const Console* c) {
+  const ServerState& s = c->state;
+  switch (s.link) {
+    case Link::kConnecting:
+      return "connecting\xC9";
+    case Link::kReady:
+      if (s.quiet_s < 1) return "ready";
+      return "no answer for " + std::to_string(s.quiet_s) + " s";
+    case Link::kAway:
+      break;
+  }
+  const int left = std::max(0, s.retry_ms - c->state_ticks * kTickMs);
+  return s.trouble + ", next try in " + std::to_string((left + 999) / 1000) + " s";
+}
+
+void DrawStatusPane(Console* c) {
+  const Look& l = TheLook();
+  Area a = c->layout.status;
+  Fill(a, l.status);
+  LineAtTop(a);
+  const Area server = ServerArea(c);
+  if (c->hover == Hit{kStatus, kServer, 0})
+    XwRoundBox(server.x, server.y, server.w, server.h, 4, Mix(l.pressed, l.status, 45), -1);
+  DrawDot(server.x + 6, server.y + 6, LinkColor(c));
+  Area text = server;
+  text.TakeLeft(22);
+  DrawLabel(l.view, Align::kLeft, text, Shown(c->server.host()) + ": " + ServerText(c), l.ink);
+  const Transfer* t = Running(c);
+  const int taken = t ? DrawSending(c, *t) : 12;
+  Area middle{server.right() + 12, a.y + 1, 0, a.h - 1};
+  middle.w = a.right() - taken - middle.x;
+  if (c->message_ticks > 0)
+    DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(c->message.text),
+              c->message.good ? l.second : l.bad);
+  else
+    DrawLabel(l.view, Align::kLeft, middle, SelectionText(c), l.second);
+}
+
+void AddStatusHits(Console* c) {
+  c->hits.Add({kStatus, kServer, 0}, ServerArea(c));
+  if (Running(c)) c->hits.Add({kStatus, kStopSending, 0}, CrossArea(c));
+}
+
+}  // namespace console

@@ -1,0 +1,306 @@
+#include "app/table.h"
+
+#include <algorithm>
+
+namespace console {
+
+// --- Geometry
+
+void Table::Place(const Area& a) {
+  const bool seen = selected_ >= 0 && RowArea(selected_).bottom() > Body().y &&
+                    RowArea(selected_).y < Body().bottom();
+  area_ = a;
+  LayOutColumns();
+  ScrollTo(top_);
+  if (seen) Reveal(selected_);
+}
+
+void Table::SetRows(int rows) {
+  const bool scrolled = Scrolls();
+  rows_ = rows < 0 ? 0 : rows;
+  if (selected_ >= rows_) selected_ = -1;
+  ScrollTo(top_);
+  if (scrolled != Scrolls()) LayOutColumns();
+}
+
+bool Table::Scrolls() const {
+  return int64_t{rows_} * kRowHeight > area_.h - kHeaderHeight;
+}
+
+Area Table::Body() const {
+  Area a = area_;
+  a.TakeTop(kHeaderHeight);
+  if (Scrolls()) a.TakeRight(kScrollBar);
+  return a;
+}
+
+Area Table::Bar() const {
+  Area a = area_;
+  a.TakeTop(kHeaderHeight);
+  return Scrolls() ? a.TakeRight(kScrollBar) : Area{};
+}
+
+Area Table::Thumb() const {
+  const Area bar = Bar().Inset(0, 2);
+  if (bar.Empty()) return {};
+  const int64_t all = int64_t{rows_} * kRowHeight;
+  const int h = std::max(24, int(bar.h * int64_t{Body().h} / all));
+  if (h >= bar.h) return bar;
+  const int y = MostTop() > 0 ? int(int64_t{bar.h - h} * top_ / MostTop()) : 0;
+  return {bar.x, bar.y + y, bar.w, h};
+}
+
+int Table::MostTop() const {
+  return int(std::clamp<int64_t>(int64_t{rows_} * kRowHeight - Body().h, 0, INT32_MAX));
+}
+
+Area Table::RowArea(int row) const {
+  const Area body = Body();
+  const int64_t y = body.y + int64_t{row} * kRowHeight - top_;
+  return {body.x, int(std::clamp<int64_t>(y, INT32_MIN / 2, INT32_MAX / 2)), body.w, kRowHeight};
+}
+
+// Drops columns until the rest has room, then gives away what is spare.
+void Table::LayOutColumns() {
+  const int room = Body().w;
+  left_.assign(columns_.size(), 0);
+  width_.assign(columns_.size(), 0);
+  int rank = 0, need = 0;
+  for (const Column& c : columns_) rank = std::max(rank, c.rank);
+  for (; rank >= 0; --rank) {
+    need = 0;
+    for (const Column& c : columns_) need += c.rank <= rank ? c.width : 0;
+    if (need <= room || rank == 0) break;
+  }
+  int shares = 0, x = Body().x;
+  for (const Column& c : columns_) shares += c.rank <= rank ? c.share : 0;
+  int spare = std::max(0, room - need);
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    const Column& c = columns_[i];
+    left_[i] = x;
+    if (c.rank > rank) continue;
+    int more = shares > 0 ? spare * c.share / shares : 0;
+    spare -= more;
+    shares -= c.share;
+    width_[i] = c.width + more;
+    x += width_[i];
+  }
+}
+
+Area Table::ColumnArea(int column) const {
+  if (column < 0 || size_t(column) >= width_.size() || width_[size_t(column)] == 0) return {};
+  return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
+}
+
+Area Table::CellArea(int column, int y, int h) const {
+  const int padding = columns_[size_t(column)].padding;
+  const Area c = ColumnArea(column);
+  Area cell{c.x + padding, y, c.w - 2 * padding, h};
+  cell.w = std::min(cell.w, Body().right() - cell.x);
+  return cell;
+}
+
+// --- Selection and scrolling
+
+void Table::ScrollTo(int top) {
+  top_ = std::clamp(top, 0, MostTop());
+}
+
+void Table::Reveal(int row) {
+  if (row < 0) return;
+  const int64_t y = int64_t{row} * kRowHeight;
+  if (y < top_)
+    ScrollTo(int(y));
+  else if (y + kRowHeight > int64_t{top_} + Body().h)
+    ScrollTo(int(y + kRowHeight - Body().h));
+}
+
+void Table::Select(int row) {
+  selected_ = row < 0 || rows_ == 0 ? -1 : std::min(row, rows_ - 1);
+  Reveal(selected_);
+}
+
+bool Table::Key(int type) {
+  const int page = std::max(1, Fits() - 1), now = selected_;
+  switch (type) {
+    case XWE_UP:
+      Select(now < 0 ? rows_ - 1 : std::max(0, now - 1));
+      return true;
+    case XWE_DOWN:
+      Select(now + 1);
+      return true;
+    case XWE_PAGE_UP:
+      Select(std::max(0, now - page));
+      return true;
+    case XWE_PAGE_DOWN:
+      Select(std::max(0, now) + page);
+      return true;
+    case XWE_HOME:
+      Select(0);
+      return true;
+    case XWE_END:
+      Select(rows_ - 1);
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Table::Wheel(float dy) {
+  const int before = top_;
+  wheel_ += dy;
+  const int whole = int(std::clamp(wheel_, -1e6f, 1e6f));
+  wheel_ -= float(whole);
+  ScrollTo(int(std::clamp<int64_t>(int64_t{top_} + whole, 0, INT32_MAX)));
+  if (top_ == 0 || top_ == MostTop()) wheel_ = 0;
+  return top_ != before;
+}
+
+bool Table::Press(const Hit& hit, int py) {
+  switch (hit.part) {
+    case kRow:
+      Select(hit.index);
+      return true;
+    case kBody:
+      Select(-1);
+      return true;
+    case kBefore:
+      ScrollTo(top_ - Body().h);
+      return true;
+    case kAfter:
+      ScrollTo(top_ + Body().h);
+      return true;
+    case kThumb:
+      dragging_ = true;
+      grip_ = py - Thumb().y;
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Table::Drag(int py) {
+  if (!dragging_) return false;
+  const Area bar = Bar().Inset(0, 2);
+  const int way = bar.h - Thumb().h, before = top_;
+  if (way > 0) {
+    const int y = std::clamp(py - grip_ - bar.y, 0, way);
+    ScrollTo(int(int64_t{MostTop()} * y / way));
+  }
+  return top_ != before;
+}
+
+// --- Drawing
+
+int32_t CellColor(const CellLook& c, int32_t colour) {
+  if (c.selected) return c.ink;
+  return c.muted ? Dimmed(colour, c.ground) : colour;
+}
+
+void Table::AddHits(Hits* hits) const {
+  if (area_.Empty()) return;
+  const Area body = Body();
+  hits->Add({owner_, kBody, 0}, body);
+  if (!body.Empty()) {
+    const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
+    for (int row = top_ / kRowHeight; row < last; ++row) {
+      Area a = RowArea(row);
+      if (a.y < body.y) a.h -= body.y - a.y, a.y = body.y;
+      a.h = std::min(a.h, body.bottom() - a.y);
+      hits->Add({owner_, kRow, row}, a);
+    }
+  }
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    if (!columns_[size_t(i)].sorts) continue;
+    Area c = ColumnArea(i);
+    hits->Add({owner_, kHeader, i}, {c.x, area_.y, c.w, std::min(kHeaderHeight, area_.h)});
+  }
+  if (!Scrolls()) return;
+  const Area bar = Bar(), thumb = Thumb();
+  hits->Add({owner_, kBefore, 0}, {bar.x, bar.y, bar.w, thumb.y - bar.y});
+  hits->Add({owner_, kAfter, 0}, {bar.x, thumb.bottom(), bar.w, bar.bottom() - thumb.bottom()});
+  hits->Add({owner_, kThumb, 0}, thumb);
+}
+
+void Table::DrawHeader(const Hit& hover) const {
+  const Look& l = TheLook();
+  Area head = area_;
+  head.h = std::min(kHeaderHeight, area_.h);
+  Fill(head, l.tool_bar);
+  LineAtBottom(head);
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    const Column& c = columns_[size_t(i)];
+    const Area column = ColumnArea(i);
+    if (column.Empty()) continue;
+    Area cell = CellArea(i, head.y, head.h - 1);
+    cell.TakeLeft(c.indent);
+    if (hover == Hit{owner_, kHeader, i})
+      Fill({column.x, head.y, column.w, head.h - 1}, Mix(l.pressed, l.tool_bar, 35));
+    if (i == sort_) {
+      const int w = std::min(cell.w - 12, XwTextWidth(l.view_bold, c.title));
+      if (c.align == Align::kRight) cell.TakeRight(12);
+      const int x = c.align == Align::kRight ? cell.right() + 4 : cell.x + w + 4;
+      (descending_ ? DrawArrowDown : DrawArrowUp)(x, head.y + 9, l.second);
+    }
+    DrawLabel(i == sort_ ? l.view_bold : l.view, c.align, cell, c.title,
+              i == sort_ ? l.ink : l.second);
+    if (c.sorts && column.x > area_.x) Fill({column.x, head.y + 4, 1, head.h - 9}, l.hairline);
+  }
+}
+
+void Table::DrawRow(int row, const Hit& hover) const {
+  const Look& l = TheLook();
+  const Area a = RowArea(row);
+  CellLook cell{};
+  cell.muted = muted_;
+  cell.selected = row == selected_ && focused_ && !muted_;
+  cell.ground = row % 2 ? l.row : l.document;
+  if (row == selected_)
+    cell.ground = cell.selected ? l.accent : l.inactive_selection;
+  else if (hover == Hit{owner_, kRow, row})
+    cell.ground = Mix(l.accent, cell.ground, 7);
+  cell.ink = cell.selected ? l.on_accent : muted_ ? Dimmed(l.ink, cell.ground) : l.ink;
+  cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80)
+                : muted_      ? Dimmed(l.second, cell.ground)
+                              : l.second;
+  Fill(a, cell.ground);
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    if (ColumnArea(i).Empty()) continue;
+    cell.area = CellArea(i, a.y, a.h);
+    cell.align = columns_[size_t(i)].align;
+    draw_(row, i, cell);
+  }
+}
+
+void Table::DrawBar(const Hit& hover) const {
+  const Look& l = TheLook();
+  const Area bar = Bar(), thumb = Thumb();
+  Fill(bar, l.scroll_ground);
+  LineAtLeft(bar);
+  const bool held = dragging_ || hover == Hit{owner_, kThumb, 0};
+  XwRoundBox(bar.x + 4, thumb.y, 8, thumb.h, 4, held ? l.held_thumb : l.thumb, -1);
+}
+
+void Table::Draw(const Hit& hover) {
+  if (area_.Empty()) return;
+  const Look& l = TheLook();
+  const Area body = Body();
+  XwClip(uint16_t(area_.x), uint16_t(area_.y), uint16_t(area_.w), uint16_t(area_.h));
+  DrawHeader(hover);
+  if (!body.Empty()) {
+    XwClip(uint16_t(body.x), uint16_t(body.y), uint16_t(body.w), uint16_t(body.h));
+    Fill(body, l.document);
+    const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
+    for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
+    if (rows_ == 0)
+      DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
+    if (rows_ == 0 && focused_) {
+      XwSetColor(Mix(l.accent, l.document, 45));
+      XwDrawRect(body.x, body.y, body.w, body.h);
+    }
+  }
+  XwClip(0, 0, 0, 0);
+  if (Scrolls()) DrawBar(hover);
+}
+
+}  // namespace console

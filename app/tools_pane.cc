@@ -1,0 +1,183 @@
+// The strip of tools: printing what is selected, and how.
+#include <algorithm>
+#include <cstring>
+
+#include "app/console.h"
+#include "app/texts.h"
+
+namespace console {
+namespace {
+
+constexpr int kMostCopies = 999, kMostPriority = 100;
+constexpr int kKnob = 15;
+
+ButtonState StateOf(const Console* c, int tool, bool enabled) {
+  const Hit hit{kTools, tool, 0};
+  ButtonState s;
+  s.enabled = enabled;
+  s.hover = c->hover == hit && !c->pressed;
+  s.pressed = c->pressed == hit && c->hover == hit;
+  return s;
+}
+
+void DrawSignButton(const Console* c, int tool, const Area& a, Sign sign, bool enabled) {
+  const Look& l = TheLook();
+  const ButtonState s = StateOf(c, tool, enabled);
+  const int32_t ink = DrawFace(a, s, l.tool_bar);
+  const int32_t face = s.pressed ? l.pressed : s.hover ? Mix(l.pressed, l.face, 35) : l.face;
+  DrawSign(sign, a.x + (a.w - 16) / 2, a.y + (a.h - 16) / 2, ink, face);
+}
+
+void DrawPrintButton(const Console* c) {
+  const Look& l = TheLook();
+  Area a = c->layout.print;
+  ButtonState s = StateOf(c, kPrint, CanPrint(c));
+  s.focused = c->stop == Stop::kPrint;
+  const int32_t ink = DrawFace(a, s, l.tool_bar);
+  DrawSign(Sign::kPrinter, a.x + 10, a.y + 5, ink, l.face);
+  a.TakeLeft(32);
+  DrawLabel(l.normal, Align::kLeft, a, "Print", ink);
+}
+
+void DrawPrinterField(const Console* c) {
+  const Look& l = TheLook();
+  Area a = c->layout.printer;
+  ButtonState s = StateOf(c, kPrinter, !c->state.printers->empty());
+  s.focused = c->stop == Stop::kPrinter;
+  s.pressed |= c->list_open;
+  DrawLabel(l.normal, Align::kRight, c->layout.printer_label, "Printer", l.ink);
+  const int32_t ink = DrawFace(a, s, l.tool_bar);
+  const NC_Printer* p = ChosenPrinter(c);
+  DrawArrowDown(a.right() - 18, a.y + 11, Mix(ink, l.face, 75));
+  a.TakeRight(22);
+  a.TakeLeft(10);
+  DrawLabel(l.normal, Align::kLeft, a, p ? Shown(p->name) : Shown(c->choice.printer), ink);
+}
+
+void DrawCopies(const Console* c) {
+  const Look& l = TheLook();
+  const Area field = c->layout.copies;
+  DrawLabel(l.normal, Align::kRight, c->layout.copies_label, "Copies", l.ink);
+  if (c->stop == Stop::kCopies)
+    DrawFocusRing({c->layout.less.x, field.y, c->layout.more.right() - c->layout.less.x, field.h},
+                  4, l.tool_bar);
+  DrawSignButton(c, kLess, c->layout.less, Sign::kMinus, c->choice.copies > 1);
+  DrawSignButton(c, kMore, c->layout.more, Sign::kPlus, c->choice.copies < kMostCopies);
+  Fill({field.x - 1, field.y, field.w + 2, field.h}, l.document);
+  XwSetColor(l.line);
+  XwDrawRect(field.x - 1, field.y, field.w + 2, field.h);
+  DrawLabel(l.normal, Align::kCenter, field, std::to_string(c->choice.copies), l.ink);
+}
+
+void DrawSlider(const Console* c) {
+  const Look& l = TheLook();
+  const Area a = c->layout.slider;
+  DrawLabel(l.normal, Align::kRight, c->layout.priority_label, "Priority", l.ink);
+  const int way = a.w - kKnob, x = a.x + way * (c->choice.priority - 1) / (kMostPriority - 1);
+  const int y = a.y + a.h / 2;
+  XwRoundBox(a.x, y - 2, a.w, 4, 2, l.track, -1);
+  XwRoundBox(a.x, y - 2, x - a.x + kKnob / 2, 4, 2, l.accent, -1);
+  const Area knob{x, y - 7, kKnob, kKnob};
+  if (c->stop == Stop::kPriority) DrawFocusRing(knob, 7, l.tool_bar);
+  const bool held = c->pressed == Hit{kTools, kSlider, 0};
+  const bool lit = c->hover == Hit{kTools, kSlider, 0};
+  XwRoundBox(knob.x, knob.y, kKnob, kKnob, 7, held ? l.pressed : l.face,
+             held || lit ? l.pressed_line : l.line);
+  DrawLabel(l.view, Align::kRight, c->layout.priority, std::to_string(c->choice.priority),
+            l.second);
+}
+
+void DrawHold(const Console* c) {
+  const Look& l = TheLook();
+  Area a = c->layout.hold;
+  const Area box{a.x + 1, a.y + (a.h - 14) / 2, 14, 14};
+  const ButtonState s = StateOf(c, kHold, true);
+  if (c->stop == Stop::kHold) DrawFocusRing(box, 3, l.tool_bar);
+  if (c->choice.hold) {
+    XwRoundBox(box.x, box.y, 14, 14, 3, s.pressed ? l.dark_accent : l.accent, l.dark_accent);
+    DrawTick(box.x - 2, box.y, l.on_accent);
+  } else {
+    XwRoundBox(box.x, box.y, 14, 14, 3, s.pressed ? l.pressed : l.face,
+               s.hover || s.pressed ? l.pressed_line : l.line);
+  }
+  a.TakeLeft(21);
+  DrawLabel(l.normal, Align::kLeft, a, "Hold", l.ink);
+}
+
+}  // namespace
+
+void DrawToolsPane(Console* c) {
+  const Look& l = TheLook();
+  Fill(c->layout.tools, l.tool_bar);
+  LineAtBottom(c->layout.tools);
+  DrawPrintButton(c);
+  DrawSignButton(c, kUp, c->layout.up, Sign::kUp, c->folder.path() != "/");
+  DrawSignButton(c, kRefresh, c->layout.refresh, Sign::kRefresh, true);
+  DrawPrinterField(c);
+  DrawCopies(c);
+  DrawSlider(c);
+  DrawHold(c);
+}
+
+void AddToolsHits(Console* c) {
+  const Layout& l = c->layout;
+  const struct {
+    Tool tool;
+    const Area& area;
+  } kAreas[] = {{kPrint, l.print}, {kUp, l.up},     {kRefresh, l.refresh}, {kPrinter, l.printer},
+                {kLess, l.less},   {kMore, l.more}, {kSlider, l.slider},   {kHold, l.hold}};
+  for (const auto& row : kAreas) c->hits.Add({kTools, row.tool, 0}, row.area);
+}
+
+bool CanPrint(const Console* c) {
+  const int row = c->files.selected();
+  return row >= 0 && !c->folder.At(row).folder;
+}
+
+void PrintSelected(Console* c) {
+  if (!CanPrint(c)) {
+    Tell(c, false, "Select a file to print");
+    return;
+  }
+  const int row = c->files.selected();
+  PrintOrder order;
+  order.path = c->folder.PathOf(row);
+  order.document = c->folder.At(row).name;
+  order.owner = OS_GetUserName();
+  const NC_Printer* printer = ChosenPrinter(c);
+  order.printer = printer ? printer->name : c->choice.printer;
+  order.copies = c->choice.copies;
+  order.priority = c->choice.priority;
+  order.hold = c->choice.hold;
+  c->server.Send(std::move(order));
+  if (c->state.link == Link::kAway)
+    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+}
+
+const NC_Printer* ChosenPrinter(const Console* c) {
+  const NC_Printer* standard = nullptr;
+  for (const NC_Printer& p : *c->state.printers) {
+    if (p.name == c->choice.printer) return &p;
+    if (!standard || p.is_default) standard = &p;
+  }
+  return c->choice.printer.empty() ? standard : nullptr;
+}
+
+void ChangeCopies(Console* c, int by) {
+  c->choice.copies = std::clamp(c->choice.copies + by, 1, kMostCopies);
+  c->damage |= kToolsPane;
+}
+
+void ChangePriority(Console* c, int by) {
+  c->choice.priority = std::clamp(c->choice.priority + by, 1, kMostPriority);
+  c->damage |= kToolsPane;
+}
+
+void SlidePriority(Console* c, int px) {
+  const Area a = c->layout.slider;
+  const int way = a.w - kKnob, x = std::clamp(px - a.x - kKnob / 2, 0, way);
+  c->choice.priority = 1 + (x * (kMostPriority - 1) + way / 2) / way;
+  c->damage |= kToolsPane;
+}
+
+}  // namespace console

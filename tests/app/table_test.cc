@@ -1,0 +1,235 @@
+// The table by itself: columns, selection, scrolling, hits, and what is drawn where.
+#include "app/table.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "platform/display/headless/headless.h"
+#include "platform/windows/windows.h"
+
+namespace console {
+namespace {
+
+constexpr int kOwner = 5;
+
+std::vector<Column> ThreeColumns() {
+  return {{"Name", 200, 3, Align::kLeft, true},
+          {"Owner", 80, 1, Align::kLeft, false, 2},
+          {"Size", 100, 0, Align::kRight, true, 1}};
+}
+
+Table MakeTable(const Area& a, int rows) {
+  Table t(kOwner, ThreeColumns(), [](int, int, const CellLook&) {});
+  t.Place(a);
+  t.SetRows(rows);
+  return t;
+}
+
+TEST(Columns, FillTheWidthAndDropByRank) {
+  const struct {
+    int width, rows;
+    bool shown[3];
+  } kRows[] = {
+      {600, 3, {true, true, true}},  {380, 3, {true, true, true}},   {379, 3, {true, false, true}},
+      {300, 3, {true, false, true}}, {299, 3, {true, false, false}}, {120, 3, {true, false, false}},
+      {395, 99, {true, true, true}}, {394, 99, {true, false, true}},
+  };
+  for (const auto& row : kRows) {
+    const Table t = MakeTable({10, 20, row.width, 200}, row.rows);
+    int x = t.Body().x;
+    for (int i = 0; i < 3; ++i) {
+      const Area c = t.ColumnArea(i);
+      EXPECT_EQ(!c.Empty(), row.shown[i]) << row.width << " " << i;
+      if (c.Empty()) continue;
+      EXPECT_EQ(c.x, x);
+      x = c.right();
+    }
+    EXPECT_EQ(x, t.Body().x + std::max(200, t.Body().w)) << row.width;
+  }
+}
+
+TEST(Keys, MoveTheSelectionAndKeepItInSight) {
+  // Ten whole rows of a hundred are in sight.
+  const struct {
+    int from, key, to;
+  } kRows[] = {
+      {-1, XWE_DOWN, 0},      {-1, XWE_UP, 99},    {0, XWE_UP, 0},         {99, XWE_DOWN, 99},
+      {5, XWE_DOWN, 6},       {5, XWE_UP, 4},      {5, XWE_PAGE_DOWN, 14}, {95, XWE_PAGE_DOWN, 99},
+      {50, XWE_PAGE_UP, 41},  {3, XWE_PAGE_UP, 0}, {50, XWE_HOME, 0},      {50, XWE_END, 99},
+      {-1, XWE_PAGE_DOWN, 9}, {-1, XWE_END, 99},
+  };
+  for (const auto& row : kRows) {
+    Table t = MakeTable({0, 0, 500, 22 + 10 * 22 + 7}, 100);
+    t.Select(row.from);
+    EXPECT_TRUE(t.Key(row.key));
+    EXPECT_EQ(t.selected(), row.to) << row.from << " " << row.key;
+    const Area a = t.RowArea(t.selected()), body = t.Body();
+    EXPECT_GE(a.y, body.y);
+    EXPECT_LE(a.bottom(), body.bottom());
+  }
+  Table empty = MakeTable({0, 0, 500, 200}, 0);
+  for (int key : {XWE_UP, XWE_DOWN, XWE_HOME, XWE_END, XWE_PAGE_UP, XWE_PAGE_DOWN}) {
+    EXPECT_TRUE(empty.Key(key));
+    EXPECT_EQ(empty.selected(), -1);
+  }
+  EXPECT_FALSE(empty.Key(XWE_RETURN));
+}
+
+TEST(Scrolling, StaysWithinItsBoundsWhateverComes) {
+  std::mt19937 random(7);
+  auto below = [&random](int n) { return int(random() % unsigned(n)); };
+  Table t = MakeTable({0, 0, 400, 300}, 40);
+  for (int i = 0; i < 20000; ++i) {
+    switch (below(6)) {
+      case 0:
+        t.Wheel(float(below(4000) - 2000) / 7);
+        break;
+      case 1:
+        t.Place({below(50), below(50), below(700), below(400)});
+        break;
+      case 2:
+        t.SetRows(below(3) ? below(60) : below(100000000));
+        break;
+      case 3:
+        t.Select(below(70) - 5);
+        break;
+      case 4:
+        t.Press({kOwner, 1 + below(6), below(80)}, below(400));
+        t.Drag(below(2000) - 500);
+        t.Release();
+        break;
+      default:
+        t.Key(XWE_HOME + below(7));
+        break;
+    }
+    const int64_t most = std::max<int64_t>(0, int64_t{t.rows()} * 22 - std::max(0, t.Body().h));
+    ASSERT_GE(t.top(), 0);
+    ASSERT_LE(t.top(), most);
+    ASSERT_LT(t.selected(), std::max(t.rows(), 0));
+  }
+}
+
+TEST(Scrolling, WheelAddsUpPartsOfPixelsAndTheThumbReachesBothEnds) {
+  Table t = MakeTable({0, 0, 400, 22 + 220}, 100);
+  for (int i = 0; i < 10; ++i) t.Wheel(0.5f);
+  EXPECT_EQ(t.top(), 5);
+  EXPECT_TRUE(t.Press({kOwner, Table::kThumb, 0}, 30));
+  EXPECT_TRUE(t.Drag(5000));
+  EXPECT_EQ(t.top(), 100 * 22 - 220);
+  EXPECT_TRUE(t.Drag(-5000));
+  EXPECT_EQ(t.top(), 0);
+  t.Release();
+  EXPECT_FALSE(t.Drag(100));
+  EXPECT_TRUE(t.Press({kOwner, Table::kAfter, 0}, 200));
+  EXPECT_EQ(t.top(), 220);
+}
+
+// A window on the headless display that a table is drawn in.
+class OnAWindow : public testing::Test {
+ protected:
+  void SetUp() override {
+    XwSession("table", "Table", 7);
+    window_ = XwCreate(0, 50, 50, 420, 320, nullptr);
+    ASSERT_NE(window_, nullptr);
+    XwShow(window_, 1);
+  }
+  // What is on the window, 0xRRGGBB, strip left out.
+  uint32_t At(int x, int y) {
+    const auto native = static_cast<platform::WindowRef>(window_->platform);
+    if (picture_.pixels.empty()) picture_ = platform::headless::TakePicture(native);
+    const int strip = picture_.height - window_->height;
+    return picture_.pixels[size_t(y + strip) * size_t(picture_.width) + size_t(x)] & 0xFFFFFF;
+  }
+  void Draw(Table* t) {
+    XwSet(window_);
+    XwBox(0, 0, 420, 320, 0xFF00FF);
+    t->Draw({});
+    XwSync();
+    picture_ = {};
+  }
+  XwWindow* window_ = nullptr;
+  platform::headless::Picture picture_;
+};
+
+TEST_F(OnAWindow, EveryPixelOfARowHitsThatRow) {
+  Table t = MakeTable({15, 31, 380, 251}, 60);
+  for (int top : {0, 7, 22, 1000, 100000}) {
+    t.ScrollTo(top);
+    Hits hits;
+    XwSet(window_);
+    hits.Begin();
+    t.AddHits(&hits);
+    hits.End();
+    const Area body = t.Body();
+    for (int y = body.y; y < body.bottom(); ++y) {
+      for (int x : {body.x, body.x + 100, body.right() - 1}) {
+        Inp.window = window_;
+        Inp.px = x;
+        Inp.py = y;
+        platform::headless::MovePointer(window_->x + x, window_->y + y);
+        while (XwWaitEvent(reinterpret_cast<XwWindow*>(-1)) != XWE_MOTION) {
+        }
+        const Hit want{kOwner, Table::kRow, (y - body.y + t.top()) / Table::kRowHeight};
+        ASSERT_EQ(hits.At(Inp.item), want) << x << " " << y << " " << t.top();
+      }
+    }
+  }
+}
+
+TEST_F(OnAWindow, NothingIsDrawnOutsideAndTextIsCutAtALetter) {
+  const Look& l = TheLook();
+  Table t(kOwner, {{"Wide", 60}, {"Empty", 100}}, [&](int, int column, const CellLook& cell) {
+    if (column == 0) DrawLabel(l.view, Align::kLeft, cell.area, std::string(80, 'W'), cell.ink);
+  });
+  t.Place({20, 10, 300, 200});
+  t.SetRows(40);
+  t.ScrollTo(13);
+  Draw(&t);
+  const Area body = t.Body(), first = t.ColumnArea(0);
+  auto is_ground = [](uint32_t p) { return p == 0xFFFFFF || p == 0xFBFAF9; };
+  int inked = 0;
+  for (int y = 0; y < 320; ++y) {
+    for (int x = 0; x < 420; ++x) {
+      if (!t.area().Holds(x, y)) {
+        ASSERT_EQ(At(x, y), 0xFF00FFu) << x << " " << y;
+      } else if (body.Holds(x, y)) {
+        if (x < first.x + 10 || x >= first.right() - 10)
+          ASSERT_TRUE(is_ground(At(x, y))) << x << " " << y;
+        else
+          inked += !is_ground(At(x, y));
+      }
+    }
+  }
+  EXPECT_GT(inked, 1000);
+  // Whole letters: nothing is left of the room that another letter would have fitted in.
+  const int letter = XwTextWidth(l.view, "W");
+  int rightmost = 0;
+  for (int x = first.x; x < first.right(); ++x)
+    for (int y = body.y; y < body.bottom(); ++y)
+      if (!is_ground(At(x, y))) rightmost = x;
+  EXPECT_GE(rightmost, first.x + 10 + (40 / letter) * letter - 3);
+}
+
+TEST_F(OnAWindow, TheSelectionTellsWhetherItHasTheKeyboard) {
+  Table t = MakeTable({0, 0, 400, 300}, 5);
+  t.Select(2);
+  const Area row = t.RowArea(2);
+  const struct {
+    bool focused, muted;
+    uint32_t ground;
+  } kRows[] = {{true, false, 0x3875D7}, {false, false, 0xD8D5CF}, {true, true, 0xD8D5CF}};
+  for (const auto& r : kRows) {
+    t.SetFocused(r.focused);
+    t.SetMuted(r.muted);
+    Draw(&t);
+    EXPECT_EQ(At(row.x + 3, row.y), r.ground);
+    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.ground);
+    EXPECT_EQ(At(row.x + 3, row.y - 1), 0xFBFAF9u);
+    EXPECT_EQ(At(row.x + 3, row.bottom()), 0xFBFAF9u);
+  }
+}
+
+}  // namespace
+}  // namespace console
