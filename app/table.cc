@@ -152,7 +152,7 @@ bool Table::Wheel(float dy) {
   const int whole = int(std::clamp(wheel_, -1e6f, 1e6f));
   wheel_ -= float(whole);
   ScrollTo(int(std::clamp<int64_t>(int64_t{top_} + whole, 0, INT32_MAX)));
-  if (top_ == 0 || top_ == MostTop()) wheel_ = 0;
+  if (whole != 0 && top_ == before) wheel_ = 0;
   return top_ != before;
 }
 
