@@ -108,6 +108,7 @@ void PaintRow(const Context* c, int y) {
   const std::vector<int>& x = c->crossings;
   const pixman_box32_t* end = c->boxes + c->box_count;
   for (const pixman_box32_t* b = FirstBox(c, y); b != end && b->y1 <= y; ++b) {
+    if (b->y2 <= y) continue;
     for (size_t i = 0; i + 1 < x.size(); i += 2)
       FillRun(c, {b->x1, b->y1, b->x2, b->y2}, y, x[i], x[i + 1]);
   }

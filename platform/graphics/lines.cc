@@ -1,6 +1,6 @@
 // Thin lines. A logical pixel of a line becomes a square of one pen at its top-left device corner;
 // a free end of a line along an axis covers its whole logical pixel. Oblique lines step in device
-// pixels along their longer axis, with one pen across, and end in a whole pen.
+// pixels along their longer axis, with one pen across, and have a whole pen at both ends.
 #include "platform/graphics/context_state.h"
 
 namespace platform {
@@ -157,6 +157,13 @@ void ThickSteps(const Context* c, const Oblique& o, const pixman_box32_t& box, i
   }
 }
 
+// The whole pen of an end.
+void FillPen(const Context* c, const Oblique& o, int k) {
+  int side = o.minor + o.sign * o.Across(k);
+  int x = o.x_major ? o.major + k : side, y = o.x_major ? side : o.major + k;
+  FillDevice(c, {x, y, x + c->pen, y + c->pen});
+}
+
 void PaintSteps(const Context* c, const Oblique& o, int from, int to) {
   DeviceRect bounds = o.Bounds(from, to, c->pen);
   const pixman_box32_t* end = c->boxes + c->box_count;
@@ -172,11 +179,9 @@ void PaintSteps(const Context* c, const Oblique& o, int from, int to) {
       ThickSteps(c, o, *b, first, last);
     Mark(c, part);
   }
-  if (c->pen > 1 && to == o.n) {
-    int x = o.x_major ? o.major + o.n : o.minor + o.sign * o.m;
-    int y = o.x_major ? o.minor + o.sign * o.m : o.major + o.n;
-    FillDevice(c, {x, y, x + c->pen, y + c->pen});
-  }
+  if (c->pen == 1) return;
+  if (from == 0) FillPen(c, o, 0);
+  if (to == o.n) FillPen(c, o, o.n);
 }
 
 // Paints steps [from, to) counted along the path, in whichever direction that runs.

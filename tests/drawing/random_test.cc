@@ -204,8 +204,10 @@ void Case::Draw() {
       what = "oval frame";
       painter.Oval(x, y, w, h, true);
       return XwDrawEllipse(x, y, w, h);
-    case 8: return DrawPicture();
-    default: return DrawIcon();
+    case 8:
+      return DrawPicture();
+    default:
+      return DrawIcon();
   }
 }
 
@@ -214,8 +216,8 @@ testing::AssertionResult Case::Same() const {
     for (int x = 0; x < painter.width; ++x)
       if (canvas.at(x, y) != painter.pixels[size_t(y * painter.width + x)])
         return testing::AssertionFailure()
-               << what << " at scale " << scale << ": pixel " << x << ", " << y << " is " << std::hex
-               << canvas.at(x, y) << " instead of "
+               << what << " at scale " << scale << ": pixel " << x << ", " << y << " is "
+               << std::hex << canvas.at(x, y) << " instead of "
                << painter.pixels[size_t(y * painter.width + x)];
   if (!canvas.GapsUntouched()) return testing::AssertionFailure() << what << " wrote past a row";
   return testing::AssertionSuccess();
@@ -230,7 +232,8 @@ int FromEnvironment(const char* name, int otherwise) {
 
 TEST(RandomDrawing, EqualsReference) {
   int only = FromEnvironment("QUORVIK_CASE", -1);
-  int first = only >= 0 ? only : 0, last = only >= 0 ? only + 1 : FromEnvironment("QUORVIK_CASES", 100000);
+  int first = only >= 0 ? only : 0,
+      last = only >= 0 ? only + 1 : FromEnvironment("QUORVIK_CASES", 100000);
   int failures = 0;
   for (int i = first; i < last && failures < 5; ++i) {
     Case c{uint32_t(i)};

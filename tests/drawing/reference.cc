@@ -18,7 +18,9 @@ Painter::Painter(int w, int h, double scale, int left, int top)
   }
 }
 
-int64_t Painter::Edge(int64_t logical) const { return llround(double(logical) * scale_); }
+int64_t Painter::Edge(int64_t logical) const {
+  return llround(double(logical) * scale_);
+}
 
 void Painter::Put(int64_t x, int64_t y, uint32_t value) {
   if (x < 0 || y < 0 || x >= width || y >= height) return;
@@ -81,7 +83,8 @@ void Painter::AddStretch(std::vector<Dab>* path, int64_t x1, int64_t y1, int64_t
     for (int64_t d = Edge(low); d < end; ++d)
       dabs.push_back(horizontal ? Dab{d, Edge(y1), 1, pen_} : Dab{Edge(x1), d, pen_, 1});
     if (!low_first) std::reverse(dabs.begin(), dabs.end());
-    if (skip_first) dabs.erase(dabs.begin(), dabs.begin() + std::min<int64_t>(pen_, int64_t(dabs.size())));
+    if (skip_first)
+      dabs.erase(dabs.begin(), dabs.begin() + std::min<int64_t>(pen_, int64_t(dabs.size())));
   } else {
     int64_t ax = Edge(x1), ay = Edge(y1), bx = Edge(x2), by = Edge(y2);
     bool x_major = std::abs(bx - ax) >= std::abs(by - ay);
@@ -94,7 +97,7 @@ void Painter::AddStretch(std::vector<Dab>* path, int64_t x1, int64_t y1, int64_t
     for (int64_t k = 0; k <= n; ++k) {
       int64_t aside = Nearest(k, n, m);
       Dab dab = x_major ? Dab{ax + k, ay + aside, 1, pen_} : Dab{ax + aside, ay + k, pen_, 1};
-      if (k == n) dab.w = dab.h = pen_;
+      if (k == 0 || k == n) dab.w = dab.h = pen_;
       dabs.push_back(dab);
     }
     if (swapped) std::reverse(dabs.begin(), dabs.end());
@@ -120,8 +123,8 @@ void Painter::Lines(const std::vector<int16_t>& points, int dy) {
     if (distinct.empty() || distinct.back() != p) distinct.push_back(p);
   }
   if (points.size() < 4) return;
-  if (distinct.size() == 1) return Line(distinct[0].first, distinct[0].second, distinct[0].first,
-                                        distinct[0].second);
+  if (distinct.size() == 1)
+    return Line(distinct[0].first, distinct[0].second, distinct[0].first, distinct[0].second);
   bool closed = distinct.size() > 2 && distinct.front() == distinct.back();
   std::vector<Dab> path;
   for (size_t i = 1; i < distinct.size(); ++i)

@@ -1,6 +1,8 @@
 // The drawing rules once more, one pixel at a time and without regard to speed: what the fast loops
 // are compared with.
 #pragma once
+#include <stddef.h>
+
 #include <cstdint>
 #include <vector>
 

@@ -11,8 +11,8 @@ namespace testkit {
 
 class Canvas {
  public:
-  // The target is `width` x `height` logical pixels with its origin at (left, top) of a surface that
-  // has a margin of as much again around it.
+  // The target is `width` x `height` logical pixels with its origin at (left, top) of a surface
+  // that has a margin of as much again around it.
   Canvas(int width, int height, double scale = 1.0, int left = 0, int top = 0) {
     surface_.width = platform::DeviceEdge(width + 2 * left, scale);
     surface_.height = platform::DeviceEdge(height + 2 * top, scale);
@@ -23,8 +23,8 @@ class Canvas {
     surface_.pixels = memory_.data();
     context_ = platform::CreateSurfaceContext(&surface_);
     platform::SetContextOrigin(context_, left, top);
-    platform::ClipContextToRegion(
-        context_, platform::Region({left, top, left + width, top + height}));
+    platform::ClipContextToRegion(context_,
+                                  platform::Region({left, top, left + width, top + height}));
     window_.width = int16_t(width);
     window_.height = int16_t(height);
     window_.color = -1;
