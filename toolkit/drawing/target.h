@@ -6,8 +6,8 @@
 void ResetFamilyClips(XwWindow* parent);
 // Drops the clips of everything below a window.
 void ResetClipsBelow(XwWindow* w);
-// Nothing is selected while the platform is at work; afterwards the caller's window is selected anew,
-// with the clip that it has by then.
+// Nothing is selected while the platform is at work; afterwards the caller's window is selected
+// anew, with the clip that it has by then.
 struct TargetScope {
   TargetScope() { XwPush(nullptr); }
   ~TargetScope() { XwPop(); }

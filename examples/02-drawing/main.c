@@ -1,0 +1,182 @@
+/* One page that uses every drawing call. Closing the window or asking the program to quit ends it.
+ */
+#include <stdlib.h>
+
+#include "toolkit/xw.h"
+
+enum {
+  INK = 0x1D2022,
+  GREY = 0x646A6E,
+  BLUE = 0xD77538,
+  RED = 0x2B39C0,
+  GREEN = 0x578B2E,
+  GOLD = 0x0E77B9,
+  PAPER = 0xFFFFFF,
+  NONE = -1,
+  GROUND = -2,
+  LEFT = 0x400,
+  RIGHT = 0x200
+};
+
+static XwFont *title, *caption, *serif, *typewriter;
+static uint8_t* picture;
+
+static void Caption(int x, int y, const char* text) {
+  XwDrawText(caption, 0, x, y, 0, 0, text, GREY, NONE);
+}
+
+static void Lines(int x, int y) {
+  static const uint8_t dashes[] = {6, 3, 0}, ants[] = {4, 4, 0};
+  int i;
+  Caption(x, y, "LINES AND DASHES");
+  XwSetColor(INK);
+  for (i = 0; i <= 12; ++i) XwDrawLine(x, y + 96, x + i * 9, y + 24);
+  for (i = 1; i < 6; ++i) XwDrawLine(x, y + 96, x + 108, y + 24 + i * 14);
+  XwSetDashes(dashes, 0, BLUE, GOLD);
+  XwDrawRect(x + 128, y + 24, 92, 32);
+  XwSetDashes(ants, 2, INK, PAPER);
+  XwDrawRect(x + 128, y + 64, 92, 32);
+  XwSetDashes(NULL, 0, 0, 0);
+}
+
+static void Shapes(int x, int y) {
+  int16_t star[] = {36, 0, 58, 68, 0, 26, 72, 26, 14, 68}, wave[22];
+  int i;
+  Caption(x, y, "SHAPES");
+  for (i = 0; i < 10; ++i) star[i] = (int16_t)(star[i] + (i % 2 ? y + 26 : x));
+  XwSetColor(GOLD);
+  XwFillPolygon(star, 5);
+  XwSetColor(RED);
+  XwFillEllipse(x + 86, y + 24, 44, 44);
+  XwSetColor(GREEN);
+  XwDrawEllipse(x + 80, y + 74, 56, 22);
+  XwBox(x + 148, y + 24, 30, 30, BLUE);
+  XwSetColor(GREEN);
+  XwFillRect(x + 163, y + 39, 30, 30);
+  for (i = 0; i < 11; ++i) {
+    wave[2 * i] = (int16_t)(x + 148 + i * 5);
+    wave[2 * i + 1] = (int16_t)(y + 90 - (i % 2) * 10);
+  }
+  XwSetColor(INK);
+  XwDrawLines(wave, 11);
+}
+
+static void Elements(int x, int y) {
+  static const char* const states[] = {"Inactive", "Active", "Pressed"};
+  static const int columns[] = {88, 72, 66, 0};
+  static const char* const cells[7][3] = {
+      {"Name", "Size", "Time"},     {"brochure", "4.2 MB", "09:41"}, {"cover", "118 MB", "09:12"},
+      {"invoice", "83 KB", "Mon"},  {"labels", "640 KB", "Mon"},     {"poster", "22 MB", "Mon"},
+      {"stickers", "1.1 MB", "Fri"}};
+  int i, row;
+  Caption(x, y, "ELEMENTS");
+  for (i = 0; i < 3; ++i) {
+    XwDrawBevel(x + i * 78, y + 24, 70, 24, i);
+    XwDrawText(FT_BUTTON, 0, x + i * 78, y + 24, 70, 24, states[i], i ? INK : 0xB0ACA8, NONE);
+  }
+  XwDrawHole(x, y + 60, 70, 28, RED);
+  XwDrawHole(x + 78, y + 60, 70, 28, GROUND);
+  XwDrawSeparator(x + 160, y + 74, 66, 0);
+  XwDrawProgress(x, y + 106, 226, 12, 128);
+  XwDrawTable(x, y + 132, 7, 22, columns);
+  for (row = 0; row < 7; ++row) {
+    int left = x;
+    for (i = 0; i < 3; left += columns[i++])
+      XwDrawText(row ? XWF_VIEW : caption, i ? RIGHT : LEFT, left, y + 132 + row * 22, columns[i],
+                 22, cells[row][i], row ? INK : GREY, NONE);
+  }
+}
+
+static void Texts(int x, int y) {
+  const char* name = "ISO Coated v2 300% (ECI) \245 proof of 12 July.pdf";
+  int line = XWF_NORMAL->ascent + XWF_NORMAL->descent + 4;
+  Caption(x, y, "TEXT");
+  XwDrawText(serif, 0, x, y + 20, 0, 0, "Quick wafting zephyrs", INK, NONE);
+  XwDrawText(typewriter, 0, x, y + 48, 0, 0, "vex bold Jim: \212 \216 \232 \237 \247 \333", INK,
+             NONE);
+  XwDrawText(XWF_NORMAL, 0x800, x, y + 72, 0, 0, "underlined", BLUE, NONE);
+  XwDrawText(XWF_BOLD, 0, x + 90, y + 72, 0, 0, " on a colour ", PAPER, GREEN);
+  XwDrawText(XWF_NORMAL, LEFT, x, y + 72 + line, 220, 20, XwTextFit(XWF_NORMAL, name, 220), INK,
+             PAPER);
+  XwDrawText(XWF_NORMAL, LEFT, x, y + 76 + 2 * line, 220, 20, XwTextTrim(XWF_NORMAL, name, 200),
+             INK, PAPER);
+}
+
+static void Icons(int x, int y) {
+  XwIcon* const icons[] = {
+      IC_POPUP_MORE_DATA_UP, IC_POPUP_MORE_DATA_DOWN, IC_EXCHANGE, IC_SMALL_ARROW_UP,
+      IC_SMALL_ARROW_DOWN,   IC_OPT_DIALOG,           IC_OPT_MENU, IC_CHECKBOX};
+  int i, left = x;
+  Caption(x, y, "ICONS");
+  for (i = 0; i < 8; ++i) {
+    XwDrawIcon(XwLoadIcon(icons[i]), left, y + 24, 0, 0, INK, NONE);
+    left += icons[i]->width + 12;
+  }
+  XwDrawIcon(IC_ARROWS, x, y + 50, 225, 20, BLUE, PAPER);
+}
+
+static void Images(int x, int y) {
+  static uint8_t stripes[16 * 16 * 4];
+  int i, j, w = 110, h = 62;
+  Caption(x, y, "IMAGES");
+  picture = picture ? picture : XwAllocImage(w, h);
+  for (j = 0; j < h; ++j) {
+    for (i = 0; i < w; ++i) {
+      uint8_t* p = picture + 4 * (j * w + i);
+      p[1] = (uint8_t)(40 + i * 200 / w);
+      p[2] = (uint8_t)(90 + j * 120 / h);
+      p[3] = (uint8_t)(220 - i * 120 / w);
+    }
+  }
+  XwPutImage(0, 0, x, y + 24, w, h, picture);
+  for (i = 0; i < 256; ++i) stripes[4 * i + 1] = (uint8_t)((i / 16 + i % 16) / 4 % 2 ? 220 : 40);
+  XwClip((uint16_t)(x + 122), (uint16_t)(y + 24), 100, 62);
+  for (j = 0; j < 4; ++j)
+    for (i = 0; i < 7; ++i) XwPutImageData(x + 122 + i * 16, y + 24 + j * 16, 16, 16, stripes);
+  XwPutImage(30, 10, x + 142, y + 36, 60, 38, picture);
+  XwClip(0, 0, 0, 0);
+}
+
+static void Draw(XwWindow* w) {
+  XwSet(w);
+  XwClear(0, 0, 0, 0);
+  XwDrawText(title, LEFT, 19, 14, 400, 30, "Everything that Xw draws", INK, NONE);
+  Lines(24, 60);
+  Shapes(272, 60);
+  Elements(24, 176);
+  Texts(272, 176);
+  Icons(272, 318);
+  Images(272, 404);
+  XwDrawBorder();
+  XwSync();
+}
+
+static int Handle(int type) {
+  switch (type) {
+    case XWE_EXPOSE:
+      Draw(Inp.window);
+      break;
+    case XWE_CLOSE:
+    case XWE_QUIT:
+      XwFreeImage(picture);
+      XwEndSession();
+      exit(0);
+    default:
+      break;
+  }
+  return 0;
+}
+
+int main(void) {
+  XwWindow* w;
+  XwSession("drawing", "Drawing", 7);
+  caption = LoadFont(XWF_BOLD->name, 11, 0);
+  title = LoadFont(XWF_BOLD->name, 20, 0);
+  serif = XwLoadFont("-*-times-medium-i-normal-*-20-*-*-*-*-*-*-*");
+  typewriter = LoadFont("Courier", 14, 1);
+  w = XwCreate(0, 120, 120, 520, 514, Handle);
+  if (!w) return 1;
+  XwSetGround(w, NULL, 2);
+  XwShow(w, 1);
+  XwRunEventLoop();
+}
