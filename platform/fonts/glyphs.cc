@@ -25,6 +25,9 @@ struct GlyphSet {
   int ascent = 0, descent = 0;  // of the masks made so far
 };
 
+// Makes any pen position that matters positive.
+constexpr int kBias = 1 << 20;
+
 // Larger characters are not drawn: a mask would cost megabytes.
 constexpr int kMaxDeviceSize = 1024 * 64;
 
@@ -95,12 +98,21 @@ void PaintMask(const Context* c, const uint8_t* mask, int stride, int x, int y,
   uint32_t* out = c->row(part.top) + part.left;
   int width = part.width();
   for (int row = part.top; row < part.bottom; ++row, in += stride, out += c->surface->stride) {
-    for (int i = 0; i < width; ++i) {
-      uint32_t coverage = in[i];
-      if (coverage == 255)
-        out[i] = color;
-      else if (coverage)
-        out[i] = Blend(out[i], color, coverage);
+    for (int i = 0; i < width; ++i)
+      if (in[i]) out[i] = Blend(out[i], color, in[i]);
+  }
+}
+
+// Paints all of a mask, in whole groups of four: the row behind it is padded with nothing, and so
+// many pixels must exist in the surface. What has no coverage keeps its value.
+void PaintWhole(const Context* c, const uint8_t* mask, const Glyph& g, int x, int y,
+                uint32_t color) {
+  uint32_t* out = c->row(y) + x;
+  for (int row = 0; row < g.rows; ++row, mask += g.stride, out += c->surface->stride) {
+    for (int i = 0; i < g.stride; i += 4) {
+      uint32_t coverages;
+      std::memcpy(&coverages, mask + i, 4);
+      if (coverages) BlendFour(out + i, color, coverages);
     }
   }
 }
@@ -109,9 +121,9 @@ void PaintGlyph(const Context* c, const GlyphSet& set, const Glyph& g, int x, in
                 const pixman_box32_t* whole, uint32_t color) {
   DeviceRect r{x, y, x + g.width, y + g.rows};
   const uint8_t* mask = set.masks.data() + g.offset;
-  if (whole && r.left >= whole->x1 && r.right <= whole->x2 && r.top >= whole->y1 &&
+  if (whole && r.left >= whole->x1 && r.left + g.stride <= whole->x2 && r.top >= whole->y1 &&
       r.bottom <= whole->y2)
-    return PaintMask(c, mask, g.stride, x, y, r, color);
+    return PaintWhole(c, mask, g, x, y, color);
   ForEachPart(c, r,
               [&](const DeviceRect& part) { PaintMask(c, mask, g.stride, x, y, part, color); });
 }
@@ -160,14 +172,15 @@ void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, s
   DeviceRect box{c->extents.right, baseline, c->extents.left, baseline};
   for (size_t i = 0; i < n; ++i) {
     uint8_t character = uint8_t(text[i]);
-    double at = std::floor(pen + double(sum) * unit);
+    double exact = pen + double(sum) * unit;
     sum += face->advances[character];
-    if (at > c->extents.right + margin) break;
-    if (at < c->extents.left - margin) continue;
+    if (exact > c->extents.right + margin) break;
+    if (exact < c->extents.left - margin) continue;
+    int at = int(exact + kBias) - kBias;  // the floor
     Glyph& g = set->glyphs[character];
     if (!g.made) MakeGlyph(font, set, character);
     if (!g.width) continue;
-    int left = int(at) + g.left;
+    int left = at + g.left;
     PaintGlyph(c, *set, g, left, baseline - g.top, whole, color);
     box.left = std::min(box.left, left);
     box.right = std::max(box.right, left + g.width);

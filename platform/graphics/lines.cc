@@ -105,7 +105,8 @@ struct Oblique {
     return over >= 0 ? (over + by - 1) / by : -(-over / by);
   }
   DeviceRect Bounds(int from, int to, int pen) const {
-    int a = minor + sign * Across(from), b = minor + sign * Across(to);
+    int a = minor + sign * (from ? Across(from) : 0);
+    int b = minor + sign * (to < n ? Across(to) : m);
     if (a > b) std::swap(a, b);
     if (x_major) return {major + from, a, major + to + 1, b + pen};
     return {a, major + from, b + pen, major + to + 1};

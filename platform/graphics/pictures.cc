@@ -1,5 +1,6 @@
 // Pixels and one-bit pictures. Each source pixel covers the device pixels between its own edges.
 #include "platform/graphics/context_state.h"
+#include "platform/graphics/swap.h"
 
 namespace platform {
 namespace {
@@ -15,23 +16,11 @@ inline uint32_t Load(const uint8_t* p) {
   return v;
 }
 
-void CopyRow(uint32_t* out, const uint8_t* in, int n) {
-  for (; n >= 4; n -= 4, out += 4, in += 16) {
-    Four v;
-    __builtin_memcpy(&v, in, 16);
-    if constexpr (__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__)
-      v = (v >> 24) | ((v >> 8) & 0xFF00) | ((v << 8) & 0xFF0000);
-    v |= 0xFF000000u;
-    *reinterpret_cast<Four*>(out) = v;
-  }
-  for (; n > 0; --n, ++out, in += 4) *out = FromBytes(Load(in));
-}
-
 void DrawUnscaled(Context* c, const DeviceRect& r, const uint8_t* pixels, int64_t stride) {
   ForEachPart(c, r, [&](const DeviceRect& part) {
     const uint8_t* in = pixels + 4 * ((part.top - int64_t{r.top}) * stride + part.left - r.left);
     for (int y = part.top; y < part.bottom; ++y, in += 4 * stride)
-      CopyRow(c->row(y) + part.left, in, part.width());
+      SwapRow(c->row(y) + part.left, in, part.width());
     Mark(c, part);
   });
 }
@@ -111,6 +100,15 @@ void AddRuns(Bitmap* b, const uint8_t* row, int y) {
 // One tile with its corner at a logical place, through one box of the clip.
 void PaintTile(const Context* c, const std::vector<Run>& runs, int64_t x, int64_t y,
                const DeviceRect& part) {
+  if (c->scale == 1.0) {
+    int left = int(x), top = int(y);
+    for (const Run& run : runs) {
+      int a = std::max(left + run.left, part.left), b = std::min(left + run.right, part.right);
+      int row = top + run.row;
+      if (row >= part.top && row < part.bottom && a < b) FillSpan(c->row(row) + a, b - a, c->color);
+    }
+    return;
+  }
   for (const Run& run : runs) {
     DeviceRect r = Intersect({Edge(c, x + run.left), Edge(c, y + run.row), Edge(c, x + run.right),
                               Edge(c, y + run.row + 1)},

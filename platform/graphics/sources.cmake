@@ -11,3 +11,8 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/surface.cc)
 
 target_include_directories(xw SYSTEM PUBLIC ${PIXMAN_INCLUDE_DIRS})
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|i.86|AMD64)$")
+  target_sources(xw PRIVATE ${CMAKE_CURRENT_LIST_DIR}/swap_x86.cc)
+else()
+  target_sources(xw PRIVATE ${CMAKE_CURRENT_LIST_DIR}/swap_any.cc)
+endif()
