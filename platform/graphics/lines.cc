@@ -167,6 +167,7 @@ void FillPen(const Context* c, const Oblique& o, int k) {
 
 void PaintSteps(const Context* c, const Oblique& o, int from, int to) {
   DeviceRect bounds = o.Bounds(from, to, c->pen);
+  if (o.m == 0) return FillDevice(c, bounds);  // far away, or a scale below one
   const pixman_box32_t* end = c->boxes + c->box_count;
   for (const pixman_box32_t* b = FirstBox(c, bounds.top); b != end && b->y1 < bounds.bottom; ++b) {
     DeviceRect part = Intersect(bounds, {b->x1, b->y1, b->x2, b->y2});
@@ -192,7 +193,7 @@ void PaintAlong(const Context* c, const Oblique& o, int from, int to) {
 }
 
 void PaintOblique(const Context* c, const Oblique& o, int skip, int64_t path) {
-  if (!c->dash.count) return PaintSteps(c, o, 0, o.n);
+  if (!c->dash.count || o.m == 0) return PaintSteps(c, o, 0, o.n);
   const Rect& e = c->extents;
   int first = 0, last = o.n;
   CutSteps(o, {e.left - c->pen, e.top - c->pen, e.right, e.bottom}, c->pen, &first, &last);

@@ -112,10 +112,13 @@ void BlendCorners(Context* c, const Corner& k, const DeviceRect& r, Ink ink) {
   BlendCorner(c, k, r.right - k.size, r.bottom - k.size, true, true, ink);
 }
 
-// 26.6 device radius, at most half of the shorter side.
+// The largest radius, in device pixels: a mask has at most its square.
+constexpr int kMaxRadius = 64;
+
+// 26.6 device radius, at most half of the shorter side so that corners do not meet.
 int RadiusFor(const Context* c, const DeviceRect& r, int radius) {
-  int half = std::min(r.width(), r.height()) * 32;
-  return std::clamp(int(std::min(radius * c->scale * 64 + 0.5, 1e6)), 0, std::min(half, 64 * 64));
+  int half = std::min({r.width() / 2, r.height() / 2, kMaxRadius}) * 64;
+  return std::clamp(int(std::min(radius * c->scale * 64 + 0.5, 1e6)), 0, half);
 }
 
 bool Prepare(ContextRef c, const Rect& r, DeviceRect* device) {
@@ -132,8 +135,7 @@ void FillRoundRect(ContextRef c, const Rect& rect, int radius, uint32_t rgb, int
   DeviceRect r;
   if (!Prepare(c, rect, &r)) return;
   Ink ink{0xFF000000u | rgb, std::clamp(alpha, 0, 255)};
-  // Corners may not meet in the middle of an odd side.
-  int corner = std::min(RadiusFor(c, r, radius), std::min(r.width(), r.height()) / 2 * 64);
+  int corner = RadiusFor(c, r, radius);
   if (corner <= 0) return BlendBox(c, r, ink);
   const Corner& k = CornerFor(corner, 0);
   BlendCorners(c, k, r, ink);
@@ -148,7 +150,7 @@ void FrameRoundRect(ContextRef c, const Rect& rect, int radius, uint32_t rgb, in
   Ink ink{0xFF000000u | rgb, std::clamp(alpha, 0, 255)};
   int p = c->pen;
   if (r.width() <= 2 * p || r.height() <= 2 * p) return BlendBox(c, r, ink);
-  int corner = std::min(RadiusFor(c, r, radius), std::min(r.width(), r.height()) / 2 * 64);
+  int corner = RadiusFor(c, r, radius);
   const Corner& k = CornerFor(std::max(corner, p * 64), p);
   BlendCorners(c, k, r, ink);
   BlendBox(c, {r.left + k.size, r.top, r.right - k.size, r.top + p}, ink);

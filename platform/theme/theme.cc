@@ -44,18 +44,18 @@ void DrawThemeSeparator(ContextRef c, const Rect& r, int state) {
   (void)state;  // a hairline has no paler state
   SetContextColor(c, RoleColor(Role::kHairline));
   int64_t width = int64_t{r.right} - r.left, height = int64_t{r.bottom} - r.top;
+  // The second pixel, where there is one.
+  int x = width > 1 ? r.left + 1 : r.left, y = height > 1 ? r.top + 1 : r.top;
   if (width > height)
-    StrokeLineSolid(c, r.left, std::min(r.top + 1, r.bottom - 1), r.right - 1,
-                    std::min(r.top + 1, r.bottom - 1));
+    StrokeLineSolid(c, r.left, y, r.right - 1, y);
   else
-    StrokeLineSolid(c, std::min(r.left + 1, r.right - 1), r.top, std::min(r.left + 1, r.right - 1),
-                    r.bottom - 1);
+    StrokeLineSolid(c, x, r.top, x, r.bottom - 1);
 }
 
 void DrawThemeTrack(ContextRef c, const ThemeTrackDrawInfo& info) {
   const Rect& r = info.bounds;
   if (!c || r.empty()) return;
-  int radius = std::min((r.height() + 1) / 2, 64);
+  int radius = int(std::min<int64_t>((int64_t{r.bottom} - r.top + 1) / 2, 64));
   int alpha = info.active ? kOpaque : kDisabled;
   FillRoundRect(c, r, radius, RoleColor(Role::kTrack), alpha);
   FrameRoundRect(c, r, radius, RoleColor(Role::kProgressLine), alpha);

@@ -1,0 +1,383 @@
+// What the calls promise beyond pixels of single shapes: state, markers, numbers of any size.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <functional>
+#include <string>
+
+#include "tests/support/canvas.h"
+
+using namespace platform;
+using testkit::Canvas;
+
+namespace {
+
+constexpr uint32_t kRed = 0xFFFF0000u, kGreen = 0xFF00FF00u, kBlue = 0xFF0000FFu;
+constexpr int32_t kRedColour = 0x0000FF, kGreenColour = 0x00FF00, kBlueColour = 0xFF0000;
+
+int Count(const Canvas& c, uint32_t pixel) {
+  int n = 0;
+  for (int y = 0; y < 40; ++y)
+    for (int x = 0; x < 40; ++x) n += c.at(x, y) == pixel;
+  return n;
+}
+
+int Painted(const Canvas& c) {
+  return 40 * 40 - Count(c, Canvas::kBlank);
+}
+
+}  // namespace
+
+TEST(State, LineRows) {
+  Canvas c(40, 40);
+  XwSetColor(kRedColour);
+  const int16_t line[] = {2, 10, 6, 10}, top[] = {2, 0, 6, 0}, one[] = {3, 3, 3, 3};
+  XwDrawLine(2, 20, 6, 20);
+  EXPECT_EQ(c.at(2, 20), kRed);
+  EXPECT_EQ(c.at(6, 20), kRed);
+  EXPECT_EQ(Painted(c), 5);
+  XwDrawLines(line, 2);
+  EXPECT_EQ(c.at(2, 9), kRed);
+  EXPECT_EQ(c.at(2, 10), Canvas::kBlank);
+  c.Wipe();
+  XwDrawLines(top, 2);
+  XwDrawLines(line, 1);
+  XwDrawLines(line, 0);
+  XwDrawLines(line, -5);
+  XwDrawLines(nullptr, 5);
+  XwFillPolygon(nullptr, 5);
+  XwFillPolygon(line, 2);
+  EXPECT_EQ(Painted(c), 0);
+  XwDrawLine(3, 3, 3, 3);
+  XwDrawLines(one, 2);
+  EXPECT_EQ(Painted(c), 2);
+  EXPECT_EQ(c.at(3, 2), kRed);
+}
+
+TEST(State, DashesStayAndChangeOnlyLines) {
+  Canvas c(40, 40);
+  const uint8_t pattern[] = {2, 2, 0}, none[] = {0};
+  XwSetColor(kGreenColour);
+  XwSetDashes(pattern, 0, kRedColour, kBlueColour);
+  EXPECT_EQ(DashCount, 2);
+  EXPECT_EQ(DashCol1[0], 1.0f);
+  EXPECT_EQ(DashCol2[2], 1.0f);
+  XwDrawLine(0, 0, 7, 0);
+  for (int x = 0; x < 8; ++x) EXPECT_EQ(c.at(x, 0), x % 4 < 2 ? kRed : kBlue) << x;
+  XwFillRect(0, 2, 1, 1);  // fills keep their colour
+  EXPECT_EQ(c.at(0, 2), kGreen);
+  XwFillEllipse(0, 4, 3, 3);
+  EXPECT_EQ(c.at(1, 5), kGreen);
+  // An empty pattern: no dashes are set, those of the context and the second colour remain.
+  XwSetDashes(none, 0, 0, 0);
+  EXPECT_EQ(DashCount, 0);
+  XwDrawLine(0, 10, 7, 10);
+  for (int x = 0; x < 8; ++x) EXPECT_EQ(c.at(x, 10), x % 4 < 2 ? Canvas::kBlank : kBlue) << x;
+  XwSetDashes(nullptr, 0, 0, 0);
+  XwDrawLine(0, 12, 7, 12);
+  for (int x = 0; x < 8; ++x) EXPECT_EQ(c.at(x, 12), kBlue) << x;
+  XwSetColor(kRedColour);
+  XwDrawLine(0, 14, 7, 14);
+  EXPECT_EQ(c.at(3, 14), kRed);
+  std::string longest(500, '\1');
+  XwSetDashes(reinterpret_cast<const uint8_t*>(longest.c_str()), 0, 0, 0);
+  EXPECT_EQ(DashCount, 128);
+  XwSetDashes(nullptr, 0, 0, 0);
+}
+
+TEST(State, DashesAndColoursOutliveTheTarget) {
+  const uint8_t pattern[] = {3, 3, 0};
+  {
+    Canvas c(40, 40);
+    XwSetColor(kRedColour);
+    XwSetDashes(pattern, 1, kGreenColour, kBlueColour);
+  }
+  Canvas c(40, 40);
+  XwFillRect(0, 0, 1, 1);
+  EXPECT_EQ(c.at(0, 0), kRed);
+  XwDrawLine(0, 5, 39, 5);
+  for (int x = 0; x < 40; ++x) EXPECT_EQ(c.at(x, 5), (x + 1) % 6 < 3 ? kGreen : kBlue) << x;
+  XwSetDashes(nullptr, 0, 0, 0);
+}
+
+TEST(State, Markers) {
+  for (int32_t marker = -10; marker <= -1; ++marker) {
+    Canvas c(40, 40);
+    XwBox(0, 0, 10, 10, marker);
+    XwDrawIcon(IC_ARROWS, 0, 0, 0, 0, marker, marker);
+    EXPECT_EQ(Painted(c), 0) << marker;
+    XwDrawHole(0, 0, 20, 20, marker);
+    EXPECT_EQ(c.at(10, 10), Canvas::kBlank);
+  }
+  Canvas c(40, 40);
+  XwBox(0, 0, 10, 10, int32_t(0x80808080));  // the high byte is not part of a colour
+  EXPECT_EQ(Count(c, 0xFF808080u), 100);
+  c.Wipe();
+  XwBox(0, 0, 10, 10, -11);
+  EXPECT_EQ(Count(c, 0xFFF5FFFFu), 100);
+}
+
+TEST(State, Clearing) {
+  struct {
+    int32_t colour;
+    int brush;
+    uint32_t pixel;
+  } const grounds[] = {{kRedColour, 0, kRed}, {-1, 15, 0xFFFFFFFFu}, {kRedColour, -1, 0xFF000000u}};
+  for (const auto& g : grounds) {
+    Canvas c(40, 40);
+    XwBox(0, 0, 40, 40, kGreenColour);
+    c.window().color = g.colour;
+    c.window().brush = int16_t(g.brush);
+    XwClear(5, 5, 10, 10);
+    EXPECT_EQ(Count(c, g.pixel), 100);
+    XwClear(5, 5, -10, 10);
+    XwClear(30, 30, 0, 10);
+    EXPECT_EQ(Count(c, g.pixel), 100);
+    XwClear(99, -99, 0, 0);
+    EXPECT_EQ(Count(c, g.pixel), 1600);
+  }
+  Canvas c(40, 40);
+  XwBox(0, 0, 40, 40, kGreenColour);
+  XwClear(0, 0, 0, 0);  // neither brush nor colour
+  EXPECT_EQ(Count(c, kGreen), 1600);
+  // A separator erases with the ground above, white where there is none.
+  XwWindow parent{};
+  parent.kind = 0;
+  parent.color = kBlueColour;
+  c.window().kind = 12;
+  c.window().parent = &parent;
+  XwDrawSeparator(5, 10, 20, 0);
+  EXPECT_EQ(c.at(5, 9), kBlue);
+  EXPECT_NE(c.at(5, 10), kBlue);
+  EXPECT_NE(c.at(5, 10), kGreen);
+  parent.color = -1;
+  XwDrawSeparator(20, 20, 5, 5);
+  EXPECT_EQ(c.at(19, 22), 0xFFFFFFFFu);
+  c.window().parent = nullptr;
+}
+
+// Where the hairline and the erased pixels of separators lie: 'h' hairline, 'e' erased.
+TEST(Elements, Separators) {
+  struct {
+    int w, h;
+    Rect erased, line;
+  } const cases[] = {
+      {10, 0, {5, 4, 15, 6}, {5, 5, 15, 6}},
+      {0, 10, {4, 5, 6, 15}, {5, 5, 6, 15}},
+      {5, 5, {4, 5, 6, 10}, {5, 5, 6, 10}},
+      {3, 0, {5, 4, 8, 6}, {5, 5, 8, 6}},
+      {2, 0, {5, 4, 7, 6}, {6, 4, 7, 6}},
+      {1, 0, {5, 4, 6, 6}, {5, 4, 6, 6}},
+      {0, 1, {4, 5, 6, 6}, {4, 5, 6, 6}},
+      {0, 0, {}, {}},
+      {-3, 0, {}, {}},
+      {-5, -9, {}, {}},
+  };
+  for (const auto& s : cases) {
+    Canvas c(40, 40);
+    c.window().color = kGreenColour;
+    XwDrawSeparator(5, 5, s.w, s.h);
+    for (int y = 0; y < 40; ++y)
+      for (int x = 0; x < 40; ++x) {
+        uint32_t want = s.line.contains({x, y})     ? 0xFFDAD7D2u
+                        : s.erased.contains({x, y}) ? kGreen
+                                                    : Canvas::kBlank;
+        ASSERT_EQ(c.at(x, y), want) << s.w << "x" << s.h << " at " << x << ", " << y;
+      }
+  }
+}
+
+TEST(Elements, TablesAndProgress) {
+  const int columns[] = {10, 6, 0}, none[] = {0};
+  auto hairlines = [](int rows, int height, const int* widths) {
+    Canvas c(40, 40);
+    XwDrawTable(4, 4, rows, height, widths);
+    return Count(c, 0xFFDAD7D2u);
+  };
+  EXPECT_EQ(hairlines(2, 8, columns), 3 * 16 + 3 * 16 - 4);  // four crossings
+  EXPECT_EQ(hairlines(0, 8, columns), 16);
+  EXPECT_EQ(hairlines(-1, 8, columns), 0);
+  EXPECT_EQ(hairlines(2, 8, none), 16);
+  EXPECT_EQ(hairlines(2, 8, nullptr), 0);
+  EXPECT_EQ(hairlines(INT_MAX, INT_MAX, columns), 16 + 3 * 36 - 2);
+  EXPECT_EQ(hairlines(INT_MAX, 1, columns) > 0, true);
+  // The bar's right edge at value v: four pixels of round end, then v.
+  for (int value : {0, 1, 10, 22, 30, 1000, -5}) {
+    Canvas c(40, 40);
+    XwDrawProgress(5, 10, 30, 12, value);
+    int right = value <= 0 ? 5 : value >= 22 ? 35 : 5 + 4 + value;
+    for (int x = 11; x < 29; ++x)
+      EXPECT_EQ(c.at(x, 15) == 0xFF3875D7u, x < right) << value << " at " << x;
+  }
+}
+
+TEST(Images, AllocationAndCuts) {
+  Canvas c(40, 40);
+  EXPECT_EQ(XwAllocImage(-1, 5), nullptr);
+  EXPECT_EQ(XwAllocImage(INT_MAX, INT_MAX), nullptr);
+  EXPECT_EQ(XwAllocImage(1 << 20, 1 << 10), nullptr);
+  uint8_t* image = XwAllocImage(0, 0);  // the target's size
+  ASSERT_NE(image, nullptr);
+  image[4 * (40 * 40 - 1) + 1] = 0xFF;
+  XwPutImage(0, 0, 0, 0, 1000, 1000, image);
+  EXPECT_EQ(c.at(39, 39), kRed);
+  c.Wipe();
+  for (int far : {40, 41, INT_MAX}) XwPutImage(far, 0, 0, 0, 10, 10, image);
+  XwPutImage(INT_MIN, INT_MIN, 0, 0, INT_MAX, INT_MAX, image);
+  XwPutImage(0, 0, 0, 0, -1, 5, image);
+  XwPutImage(0, 0, INT_MIN, INT_MAX, 40, 40, image);
+  XwPutImage(0, 0, 0, 0, 5, 5, nullptr);
+  XwPutImageData(0, 0, 5, 5, nullptr);
+  EXPECT_EQ(Painted(c), 0);
+  image = XwReallocImage(image, 2, 1);
+  EXPECT_EQ(image[7], 0);
+  XwFreeImage(image);
+  XwFreeImage(nullptr);
+  XW = nullptr;
+  EXPECT_EQ(XwAllocImage(0, 0), nullptr);
+}
+
+TEST(Icons, ReadOnlyTheirBits) {
+  Canvas c(40, 40);
+  XwIcon bad[] = {{0, 5, nullptr, nullptr},
+                  {-3, 5, nullptr, nullptr},
+                  {40000, 2, nullptr, nullptr},
+                  {8, 8, nullptr, nullptr}};
+  for (XwIcon& icon : bad) {
+    EXPECT_EQ(XwLoadIcon(&icon), &icon);
+    XwDrawIcon(&icon, 0, 0, 10, 10, 0, 0);
+  }
+  EXPECT_EQ(XwLoadIcon(nullptr), nullptr);
+  XwDrawIcon(nullptr, 0, 0, 0, 0, 0, 0);
+  EXPECT_EQ(Painted(c), 0);
+  const uint8_t bits[] = {0xFF, 0xFF};  // three columns: the other bits are no pixels
+  XwIcon small = {3, 2, nullptr, bits};
+  XwDrawIcon(&small, 0, 0, 0, 0, kRedColour, kBlueColour);
+  EXPECT_EQ(Count(c, kRed), 6);
+  XwFillRect(10, 10, 1, 1);
+  EXPECT_EQ(c.at(10, 10), kBlue);  // the colour used last
+  c.Wipe();
+  XwDrawIcon(IC_ARROWS, INT_MIN, INT_MIN, INT_MAX, INT_MAX, 0, 0);
+  XwDrawIcon(IC_ARROWS, -1000000, -1000000, INT_MAX, INT_MAX, 0, 0);
+  EXPECT_EQ(Painted(c), 1600);
+}
+
+// Every call with every combination of hard numbers, with and without dashes, at two scales; the
+// pixels around the target stay as they were.
+TEST(BadArguments, AnyNumbers) {
+  const int numbers[] = {INT_MIN, INT_MIN + 1, -70000, -1, 0, 1, 17, 70000, INT_MAX - 1, INT_MAX};
+  const int16_t points[] = {-32768, 32767, 32767, -32768, 5, 5, 32767, 32767, 0, 0, -32768, -32768};
+  const uint8_t dashes[] = {1, 255, 3, 0};
+  const int widths[] = {INT_MAX, INT_MIN, 5, INT_MAX, 0};
+  uint8_t pixel[4] = {1, 2, 3, 4};
+  for (double scale : {1.0, 1.5}) {
+    Canvas c(40, 40, scale, 3, 2);
+    for (int pass = 0; pass < 2; ++pass) {
+      if (pass) XwSetDashes(dashes, INT_MIN, 1, 2);
+      for (int x : numbers)
+        for (int y : numbers)
+          for (int w : numbers)
+            for (int h : numbers) {
+              XwBox(x, y, w, h, 0);
+              XwDrawRect(x, y, w, h);
+              XwDrawLine(x, y, w, h);
+              XwFillEllipse(x, y, w, h);
+              XwDrawEllipse(x, y, w, h);
+              XwDrawBevel(x, y, w, h, 1);
+              XwDrawHole(x, y, w, h, -2);
+              XwDrawSeparator(x, y, w, h);
+              XwDrawProgress(x, y, w, h, w);
+              XwDrawIcon(IC_CHECKBOX, x, y, w, h, 0, 1);
+              XwDrawText(nullptr, 0, x, y, w, h, "text", 0, -2);
+              XwClear(x, y, w, h);
+              XwDrawTable(x, y, w, h, widths);
+            }
+      XwDrawLines(points, 6);
+      XwFillPolygon(points, 6);
+    }
+    XwSetDashes(nullptr, 0, 0, 0);
+    for (int x : numbers) XwPutImageData(x, x, 1, 1, pixel);
+    DeviceRect target{DeviceEdge(3, scale), DeviceEdge(2, scale), DeviceEdge(43, scale),
+                      DeviceEdge(42, scale)};
+    for (int y = 0; y < c.surface().height; ++y) {
+      for (int x = 0; x < c.surface().width; ++x) {
+        if (target.contains({x, y})) continue;
+        ASSERT_EQ(c.at(x, y), Canvas::kBlank) << x << ", " << y;
+      }
+    }
+    EXPECT_TRUE(c.GapsUntouched());
+  }
+}
+
+TEST(BadArguments, NothingSelected) {
+  XW = nullptr;
+  const int16_t points[] = {0, 0, 5, 5, 0, 5};
+  const int widths[] = {5, 0};
+  uint8_t pixel[4] = {};
+  const std::function<void()> calls[] = {
+      [] { XwSetColor(1); },
+      [] { XwFlush(); },
+      [] { XwSync(); },
+      [] { XwClear(0, 0, 0, 0); },
+      [] { XwClip(0, 0, 5, 5); },
+      [] { XwBox(0, 0, 5, 5, 0); },
+      [] { XwFillRect(0, 0, 5, 5); },
+      [] { XwDrawRect(0, 0, 5, 5); },
+      [] { XwDrawLine(0, 0, 5, 5); },
+      [&] { XwDrawLines(points, 3); },
+      [&] { XwFillPolygon(points, 3); },
+      [] { XwDrawEllipse(0, 0, 5, 5); },
+      [] { XwFillEllipse(0, 0, 5, 5); },
+      [] { XwDrawBevel(0, 0, 5, 5, 99); },
+      [] { XwDrawHole(0, 0, 5, 5, -2); },
+      [] { XwDrawBorder(); },
+      [] { XwDrawSeparator(0, 0, 5, 0); },
+      [&] { XwDrawTable(0, 0, 1, 1, widths); },
+      [] { XwDrawProgress(0, 0, 20, 5, 5); },
+      [] { XwDrawText(nullptr, 0, 0, 0, 0, 0, "x", 0, -1); },
+      [] { XwDrawIcon(IC_ARROWS, 0, 0, 0, 0, 0, 0); },
+      [&] { XwPutImageData(0, 0, 1, 1, pixel); },
+      [] { XwSetDashes(nullptr, 0, 0, 0); },
+      [] { XwSetGround(nullptr, nullptr, 1); },
+  };
+  for (const auto& call : calls) call();
+  EXPECT_EQ(XW, nullptr);
+}
+
+// A context made for pixels that are gone paints nothing.
+TEST(Contexts, StaleGenerationPaintsNothing) {
+  Canvas c(40, 40);
+  ++c.surface().generation;
+  XwBox(0, 0, 40, 40, 0);
+  XwDrawLine(0, 0, 39, 30);
+  XwDrawIcon(IC_ARROWS, 0, 0, 0, 0, 0, 0);
+  EXPECT_EQ(Painted(c), 0);
+}
+
+// Whatever is painted is marked: the damage covers every pixel that changed.
+TEST(Contexts, DamageCoversWhatIsPainted) {
+  const int16_t points[] = {2, 3, 30, 11, 9, 38, 2, 3};
+  const std::function<void()> calls[] = {
+      [] { XwFillRect(3, 4, 9, 2); },         [] { XwDrawRect(3, 4, 9, 20); },
+      [] { XwDrawLine(1, 38, 37, 2); },       [&] { XwDrawLines(points, 4); },
+      [&] { XwFillPolygon(points, 3); },      [] { XwDrawEllipse(5, 5, 20, 30); },
+      [] { XwDrawBevel(5, 5, 20, 20, 1); },   [] { XwDrawIcon(IC_ARROWS, 5, 5, 30, 30, 0, 0); },
+      [] { XwDrawProgress(5, 5, 30, 12, 9); }};
+  for (double scale : {1.0, 1.5, 2.0}) {
+    for (size_t i = 0; i < sizeof calls / sizeof calls[0]; ++i) {
+      Canvas c(40, 40, scale);
+      XwSetColor(0);
+      calls[i]();
+      std::vector<DeviceRect> damage;
+      c.surface().damage.Take(&damage);
+      for (int y = 0; y < c.surface().height; ++y)
+        for (int x = 0; x < c.surface().width; ++x) {
+          if (c.at(x, y) == Canvas::kBlank) continue;
+          bool covered = false;
+          for (const DeviceRect& r : damage) covered = covered || r.contains({x, y});
+          ASSERT_TRUE(covered) << "call " << i << " at " << x << ", " << y;
+        }
+    }
+  }
+}
