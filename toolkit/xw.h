@@ -266,6 +266,7 @@ struct XwWindow {
   int32_t subwindows;    /* children of kind 12 */
   uint32_t generation;   /* of the pixels that `context` was made for */
   XwWindow* linked_by;   /* the record whose `linked` this is */
+  uint64_t serial;       /* never given twice: tells records apart that follow each other in one place */
   void (*scroll_handler)(float dx, float dy);
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */

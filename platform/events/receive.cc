@@ -22,6 +22,7 @@ constexpr double kDrawPatience = 0.050;   // a redraw request waits at most this
 
 struct Receiver {
   int since_clock = 0;
+  long tick = 0;  // of the coarse clock, nanoseconds
   double last_intake = -1, last_present = -1;
 };
 Receiver receiver;
@@ -66,11 +67,20 @@ void Wait(double seconds) {
   ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
 }
 
+// After so many events, or when a slow handler has let a tick of the coarse clock pass.
+bool BatchIsOver() {
+  timespec t;
+  clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+  if (++receiver.since_clock < kBatch && t.tv_nsec == receiver.tick) return false;
+  receiver.since_clock = 0;
+  receiver.tick = t.tv_nsec;
+  return true;
+}
+
 // One round of upkeep; true when a redraw request has waited long enough to go before the queue.
 bool Upkeep(EventQueue& queue, bool clock_is_free, Event* out) {
   bool idle = queue.empty();
-  if (!idle && !clock_is_free && ++receiver.since_clock < kBatch) return false;
-  receiver.since_clock = 0;
+  if (!idle && !clock_is_free && !BatchIsOver()) return false;
   double now = GetCurrentEventTime();
   if (idle || clock_is_free || now - receiver.last_intake >= kIntakePeriod ||
       now < receiver.last_intake) {

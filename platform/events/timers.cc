@@ -16,6 +16,8 @@ struct EventLoopTimer {
 
 namespace {
 
+constexpr double kShortest = 1e-6;  // seconds
+
 struct TimerList {
   std::vector<EventLoopTimer*> timers;
   double earliest = -1;  // negative: none runs
@@ -33,6 +35,11 @@ void UpdateEarliest() {
   for (EventLoopTimer* t : l.timers)
     if (!t->removed && t->next >= 0 && (l.earliest < 0 || t->next < l.earliest))
       l.earliest = t->next;
+}
+
+bool IsListed(EventLoopTimerRef timer) {
+  const auto& timers = List().timers;
+  return timer && std::find(timers.begin(), timers.end(), timer) != timers.end();
 }
 
 void Sweep() {
@@ -53,12 +60,15 @@ void Advance(EventLoopTimer* t, double now) {
   // Missed periods are made up by one call; the phase stays.
   double missed = std::max(0.0, double(int64_t((now - t->next) / t->interval)));
   t->next += (missed + 1) * t->interval;
+  // A deadline that rounding left at this very moment has been served.
+  if (t->next <= now + t->interval * 1e-6) t->next += t->interval;
 }
 
 }  // namespace
 
 EventLoopTimerRef InstallEventLoopTimer(double delay, double interval, EventLoopTimerProc proc,
                                         void* user_data) {
+  if (interval > 0) interval = std::max(interval, kShortest);
   auto* t = new EventLoopTimer{GetCurrentEventTime() + std::max(0.0, delay), interval, proc,
                                user_data, false};
   List().timers.push_back(t);
@@ -67,15 +77,14 @@ EventLoopTimerRef InstallEventLoopTimer(double delay, double interval, EventLoop
 }
 
 void RemoveEventLoopTimer(EventLoopTimerRef timer) {
-  TimerList& l = List();
-  if (!timer || std::find(l.timers.begin(), l.timers.end(), timer) == l.timers.end()) return;
+  if (!IsListed(timer)) return;
   timer->removed = true;
   Sweep();
   UpdateEarliest();
 }
 
 void SetEventLoopTimerNextFireTime(EventLoopTimerRef timer, double delay) {
-  if (!timer) return;
+  if (!IsListed(timer)) return;
   timer->next = GetCurrentEventTime() + std::max(0.0, delay);
   UpdateEarliest();
 }
@@ -91,7 +100,7 @@ void FireTimers(double now) {
   std::stable_sort(due.begin(), due.end(),
                    [](EventLoopTimer* a, EventLoopTimer* b) { return a->next < b->next; });
   for (EventLoopTimer* t : due) {
-    if (t->removed || t->next > now) continue;
+    if (t->removed || t->next < 0 || t->next > now) continue;
     Advance(t, now);
     t->proc(t, t->user_data);
   }

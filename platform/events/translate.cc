@@ -1,5 +1,6 @@
 #include "platform/events/translate.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -16,8 +17,12 @@ struct PointerState {
 };
 PointerState pointer;
 
+// Far outside every screen, and safe to add up. What is no number counts as 0.
+constexpr double kFar = 1 << 24;
+
 // The logical pixel that a device coordinate lies in.
 int LogicalPixel(double device, double scale) {
+  device = device == device ? std::clamp(device, -kFar, kFar) : 0;
   if (scale == 1.0) return int(std::floor(device));
   int l = int(std::floor(device / scale));
   if (DeviceEdge(l + 1, scale) <= device) ++l;
@@ -80,13 +85,16 @@ void Configure(const RawEvent& raw) {
   e.time = raw.time;
   int left = LogicalPixel(raw.root_x, scale), top = LogicalPixel(raw.root_y, scale);
   // Sizes that round to the granted one leave the logical size as it is.
-  int width = LogicalSize(raw.width, scale), height = LogicalSize(raw.height, scale);
+  int device_width = std::clamp(raw.width, 1, int(kFar)),
+      device_height = std::clamp(raw.height, 1, int(kFar));
+  int width = LogicalSize(device_width, scale), height = LogicalSize(device_height, scale);
   DeviceRect known = DeviceBounds(w);
-  if (known.width() == raw.width) width = w.content.width();
-  if (known.height() == raw.height) height = w.content.height() + w.strip;
-  if (known.left == int(raw.root_x)) left = w.content.left;
-  if (known.top == int(raw.root_y)) top = w.content.top - w.strip;
-  e.bounds.current = {left, top + w.strip, left + width, top + height};
+  if (known.width() == device_width) width = w.content.width();
+  if (known.height() == device_height) height = w.content.height() + w.strip;
+  if (float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
+  if (float(known.top) == std::trunc(raw.root_y)) top = w.content.top - w.strip;
+  // A window has at least one row of content.
+  e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
   e.bounds.placement = w.placing;
   EventQueue& q = MainEventQueue();
   if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
@@ -97,7 +105,9 @@ void Configure(const RawEvent& raw) {
 
 void Exposed(const RawEvent& raw) {
   Surface& s = raw.window->surface;
-  DeviceRect r{int(raw.x), int(raw.y), int(raw.x) + raw.width, int(raw.y) + raw.height};
+  int left = LogicalPixel(raw.x, 1), top = LogicalPixel(raw.y, 1);
+  DeviceRect r{left, top, left + std::clamp(raw.width, 0, int(kFar)),
+               top + std::clamp(raw.height, 0, int(kFar))};
   r = Intersect(r, {0, 0, s.width, s.height});
   s.damage.Mark(r.left, r.top, r.right, r.bottom);
 }

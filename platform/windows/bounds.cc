@@ -39,6 +39,16 @@ int Clamp(int v, int low, int high) {
   return std::max(low, std::min(v, std::max(low, high)));
 }
 
+// The size as it is, or whole steps away from it within the limits; where no step lies between
+// them, the lower limit counts.
+int WithinBySteps(int size, int low, int high, int step) {
+  low = std::max(low, 1);
+  if (step == 0) return Clamp(size, low, high);
+  if (size > high) size -= (size - high + step - 1) / step * step;
+  if (size < low) size += (low - size + step - 1) / step * step;
+  return size;
+}
+
 // The bounds that the window takes when the desktop reports `reported`: within the limits, in
 // steps as its handlers say.
 Rect Constrained(WindowRef w, const Rect& reported) {
@@ -53,7 +63,12 @@ Rect Constrained(WindowRef w, const Rect& reported) {
   e.bounds.current.right = reported.left + Clamp(reported.width(), l.min_width, l.max_width);
   e.bounds.current.bottom = reported.top + Clamp(reported.height(), l.min_height, l.max_height);
   SendEventToEventTarget(&e, GetWindowEventTarget(w));
-  return IsValidWindow(w) ? e.bounds.current : reported;
+  if (!IsValidWindow(w)) return reported;
+  // The nearest whole step may lie a little outside the limits.
+  Rect& c = e.bounds.current;
+  c.right = c.left + WithinBySteps(c.width(), l.min_width, l.max_width, l.step_x);
+  c.bottom = c.top + WithinBySteps(c.height(), l.min_height, l.max_height, l.step_y);
+  return c;
 }
 
 bool SameSize(const Rect& a, const Rect& b) {
@@ -185,8 +200,10 @@ Rect ConstrainWindowToScreen(WindowRef w) {
 }
 
 int FindWindow(Point where, WindowRef* w) {
+  const WindowRef first = MenuBarWindow();
+  const bool hidden_with_first = first && !first->visible;
   for (WindowRef candidate : WindowList()) {
-    if (!candidate->visible) continue;
+    if (!candidate->visible || (candidate->state & kStateDocked && hidden_with_first)) continue;
     const Rect& c = candidate->content;
     if (c.contains(where)) {
       if (w) *w = candidate;
@@ -202,10 +219,12 @@ int FindWindow(Point where, WindowRef* w) {
 }
 
 void SetSystemUIMode(int mode, uint32_t) {
-  WindowRef w = MenuBarWindow();
-  if (!w) return;
-  uint32_t state =
-      mode == kUIModeNormal ? w->state & ~uint32_t{kStateFullScreen} : w->state | kStateFullScreen;
+  SetWindowFullScreen(MenuBarWindow(), mode != kUIModeNormal);
+}
+
+void SetWindowFullScreen(WindowRef w, bool full) {
+  if (!IsValidWindow(w)) return;
+  uint32_t state = full ? w->state | kStateFullScreen : w->state & ~uint32_t{kStateFullScreen};
   if (state == w->state) return;
   w->state = state;
   CurrentDisplay()->set_hints(w);

@@ -1,15 +1,21 @@
-#include "platform/windows/cursor.h"
+#include "platform/display/cursor.h"
 
 #include <algorithm>
 
 #include "platform/display/display.h"
 #include "platform/windows/window.h"
+#include "platform/windows/windows.h"
 
 namespace platform {
 
+static constexpr int kCursorSide = 32;
+
 CursorRef CreateDesktopCursor(DesktopCursor which) {
+  static constexpr Cursor::Shape kShapes[] = {Cursor::kPicture, Cursor::kArrow, Cursor::kCrosshair,
+                                              Cursor::kOpenHand};
+  if (which == DesktopCursor::kNone) return nullptr;
   auto* c = new Cursor;
-  c->desktop = which;
+  c->shape = kShapes[int(which)];
   return c;
 }
 
@@ -21,7 +27,7 @@ CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const
   c->height = height;
   c->hot_x = std::clamp(hot_x, 0, width - 1);
   c->hot_y = std::clamp(hot_y, 0, height - 1);
-  std::copy_n(argb, width * height, c->argb);
+  c->pixels.assign(argb, argb + width * height);
   return c;
 }
 

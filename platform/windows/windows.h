@@ -118,7 +118,10 @@ void ClearKeyboardFocus(WindowRef w);
 // Height of the strip at the top of the first window's frame: 24.
 int GetMBarHeight();
 enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
+// Of the window that carries the menu strip: suppressed content is the desktop's full-screen state.
 void SetSystemUIMode(int mode, uint32_t options);
+// The same for any window.
+void SetWindowFullScreen(WindowRef w, bool full);
 // Whether the session's menu offers Preferences; requests from the desktop arrive all the same.
 void SetPreferencesCommand(bool offered);
 bool PreferencesCommandOffered();

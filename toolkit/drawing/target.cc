@@ -78,7 +78,7 @@ void Select(XwWindow* w) {
 
 void XwSet(XwWindow* w) {
   if (w && !CheckWindow(w)) w = nullptr;
-  if (w == XW) return;
+  // The selected window again: what was made for it may be out of date.
   XW = w;
   if (w) Select(w);
 }

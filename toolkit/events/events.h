@@ -13,6 +13,7 @@ struct XwTimerSlot {
   XwWindow* window;
   int32_t value;
   platform::EventLoopTimerRef timer;
+  bool queued;  // its event waits in the queue
 };
 constexpr int kTimerSlots = 32;
 extern XwTimerSlot Timers[kTimerSlots];
@@ -32,9 +33,11 @@ platform::OSStatus EVapp_func(platform::HandlerCall* call, platform::Event* even
 platform::OSStatus EVapple_func(const platform::Event* event);
 // A copy of a record, queued. The window must be alive.
 void PostEvent(const XwEvent& event);
-// Queued records that name a dead window go; those that only have it as focus lose it.
-void PurgeEvents(XwWindow* window);
+// Queued records whose window has ended go; those that only have such a window as focus lose it.
+void PurgeEvents();
 void PurgeTimerEvents();
+// A timer's event has left the queue: its next firing queues another.
+void TimerTaken(XwWindow* window, XwValue value);
 
 // The shown sub-window of `w` under (x, y) of `w`, or null.
 XwWindow* FindVirtualWindow(XwWindow* w, int x, int y);

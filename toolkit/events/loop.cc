@@ -21,16 +21,25 @@ void TakeRecord(Event* e) {
   auto* record = static_cast<XwEvent*>(e->payload);
   Inp = *record;
   free(record);
+  if (Inp.type == XWE_TIMER) TimerTaken(Inp.window, Inp.value);
 }
 
-// A modal window that has gone no longer keeps anything out.
-bool IsModal(XwWindow* modal) {
-  return modal && modal != RawMode() && IsLive(modal);
-}
+// The window that a wait is about. One that has gone meanwhile no longer keeps anything out, even
+// when another has taken its place in memory.
+class Modal {
+ public:
+  explicit Modal(XwWindow* w) : window_(w) {
+    if (w != RawMode() && IsLive(w)) serial_ = w->serial;
+  }
+  bool KeepsOut(XwWindow* w) const {
+    if (!serial_ || !IsLive(window_) || window_->serial != serial_) return false;
+    return w != window_ && !IsSubWindow(window_, w);
+  }
 
-bool Outside(XwWindow* modal, XwWindow* w) {
-  return w != modal && !IsSubWindow(modal, w);
-}
+ private:
+  XwWindow* window_;
+  uint64_t serial_ = 0;
+};
 
 // A release outside the window that holds the pointer is translated here, since no handler of that
 // window would see it. False when the platform must not see it either.
@@ -76,6 +85,7 @@ void XwRunEventLoop() {
 }
 
 int XwWaitEvent(XwWindow* modal) {
+  const Modal only(modal);
   for (;;) {
     Inp.type = 0;
     Event e;
@@ -87,7 +97,7 @@ int XwWaitEvent(XwWindow* modal) {
     }
     if (Inp.type == 0) continue;
     XwWindow* w = Inp.window;
-    if (IsModal(modal) && Outside(modal, w)) {
+    if (only.KeepsOut(w)) {
       if (Inp.type != XWE_CLOSE && Inp.type != XWE_PRESS) return Inp.type;
       XwBeep();
       continue;
@@ -128,7 +138,7 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
     ClearAndCall(w, type);
     return type;
   }
-  if (IsModal(modal) && Outside(modal, w)) {
+  if (Modal(modal).KeepsOut(w)) {
     if (type == XWE_PRESS) XwBeep();
     return type;
   }

@@ -45,12 +45,12 @@ int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {
   return result;
 }
 
-void PurgeEvents(XwWindow* window) {
-  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [window](const Event& e) {
+void PurgeEvents() {
+  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [](const Event& e) {
     if (e.cls != kToolkitEventClass) return false;
     auto* record = static_cast<XwEvent*>(e.payload);
-    if (record->focus == window) record->focus = nullptr;
-    if (record->window != window) return false;
+    if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
+    if (IsLive(record->window)) return false;
     free(record);
     return true;
   });

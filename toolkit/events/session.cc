@@ -106,7 +106,10 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
 void XwEndSession() {
   XW_ColorSpace = nullptr;
   for (XwTimerSlot& slot : Timers)
-    if (slot.timer) RemoveEventLoopTimer(slot.timer);
+    if (slot.timer) {
+      RemoveEventLoopTimer(slot.timer);
+      slot.timer = nullptr;
+    }
   FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
 }
 

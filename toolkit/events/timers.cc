@@ -11,7 +11,10 @@ namespace {
 
 void EVtimer_func(EventLoopTimerRef, void* data) {
   XwTimerSlot& slot = Timers[reinterpret_cast<intptr_t>(data)];
-  if (slot.value) XwSendEvent(slot.window, XWE_TIMER, 0, XwValue{slot.value}, 0);
+  // Firings that the program has no time for merge into the one that waits.
+  if (!slot.value || slot.queued) return;
+  slot.queued = true;
+  XwSendEvent(slot.window, XWE_TIMER, 0, XwValue{slot.value}, 0);
 }
 
 void Stop(XwTimerSlot& slot) {
@@ -19,6 +22,7 @@ void Stop(XwTimerSlot& slot) {
   RemoveEventLoopTimer(slot.timer);
   slot.timer = nullptr;
   PurgeTimerEvents();
+  for (XwTimerSlot& s : Timers) s.queued = false;
 }
 
 XwTimerSlot* FindSlot(XwWindow* w, int32_t value) {
@@ -34,6 +38,11 @@ XwTimerSlot* FreeSlot() {
 }
 
 }  // namespace
+
+void TimerTaken(XwWindow* window, XwValue value) {
+  for (XwTimerSlot& slot : Timers)
+    if (slot.window == window && slot.value == value) slot.queued = false;
+}
 
 void XwTimer(XwWindow* w, int32_t value, int32_t ms) {
   if (!CheckWindow(w)) return;

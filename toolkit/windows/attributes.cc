@@ -46,7 +46,7 @@ void XwShow(XwWindow* w, int show) {
 void XwEnable(XwWindow* w, int enable) {
   if (!CheckWindow(w)) return;
   TargetScope scope;
-  w->enabled = uint8_t(enable);
+  w->enabled = enable != 0;
   if (IsTopLevel(w)) ActivateWindow(NativeWindow(w), enable != 0);
 }
 

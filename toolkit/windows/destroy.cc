@@ -11,6 +11,7 @@ using namespace platform;
 namespace {
 
 bool first_window_ended = false;
+int depth = 0;  // of destroyed windows inside each other
 
 void ReleaseInput(XwWindow* w) {
   if (GrabWindow == w) {
@@ -90,6 +91,7 @@ bool FirstWindowEnded() {
 
 void XwDestroy(XwWindow* w) {
   if (!w || !CheckWindow(w)) return;
+  ++depth;
   bool first = w == W_Start;
   if (first) first_window_ended = true;
   XwTimer(w, 0, 0);
@@ -105,7 +107,7 @@ void XwDestroy(XwWindow* w) {
   LeaveParent(w);
   if (!first) LeaveCreationList(w);
   LeaveLive(w);
-  PurgeEvents(w);
+  if (--depth == 0) PurgeEvents();
   Trace(Subject::kWindows, "destroy");
   if (first)
     EmptyRecord(w);

@@ -29,7 +29,7 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
   w->origin_x = w->x;
   w->origin_y = w->y;
   ResetFamilyClips(w->parent);
-  ResetClipMask(w);
+  ResetClipsBelow(w);
   PostExpose(w->parent);
   PostExpose(w);
   XwWindow* parent = w->parent;
@@ -41,10 +41,11 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
 
 void MoveTopLevel(XwWindow* w, int x, int y, int width, int height) {
   WindowRef native = NativeWindow(w);
+  SetWindowFullScreen(native, false);
   bool docked = w->flags2 & XW_DOCKED;
   if (docked) {
-    x += w->parent->x;
-    y += w->parent->y;
+    x = Sat16(x) + w->parent->x;
+    y = Sat16(y) + w->parent->y;
     // Out of the group meanwhile, so that the first window does not follow.
     SetWindowGroup(native, GetWindowGroupOfClass(kDocumentWindowClass));
   }
@@ -68,7 +69,6 @@ void PostExpose(XwWindow* w) {
 void XwMove(XwWindow* w, int x, int y, int width, int height) {
   if (!CheckWindow(w)) return;
   TargetScope scope;
-  if (w == W_Start) SetSystemUIMode(kUIModeNormal, 0);
   if (IsSub(w))
     MoveSub(w, x, y, width, height);
   else if (IsTopLevel(w))

@@ -60,9 +60,11 @@ bool HasRoom(const XwWindow* parent) {
 }
 
 XwWindow* NewRecord() {
+  static uint64_t serial = 0;
   auto* w = static_cast<XwWindow*>(calloc(1, sizeof(XwWindow)));
   w->color = -1;
   w->slot = -1;
+  w->serial = ++serial;
   return w;
 }
 
@@ -139,7 +141,7 @@ XwWindow* CreateTopLevel(XwValue value, int x, int y, int width, int height, XwH
   WindowRef native = NativeWindow(w);
   if (full_screen) {
     ChangeWindowAttributes(native, kWindowNoConstrainAttribute, 0);
-    SetSystemUIMode(kUIModeContentSuppressed, 0);
+    SetWindowFullScreen(native, true);
   }
   Rect structure = ConstrainWindowToScreen(native);
   MoveWindowStructure(native, structure.left, structure.top);
@@ -235,7 +237,9 @@ XwWindow* XwCreateDocked(XwWindow* parent, int x, int y, int width, int height, 
 }
 
 void AddSubWindow(XwWindow* parent, XwWindow* child) {
-  if (!parent || !child) return;
+  if (parent != W_Root && !CheckWindow(parent)) return;
+  // A record stands in one list only.
+  if (!parent || !CheckWindow(child) || child == parent || child->slot >= 0) return;
   int i = parent->free_slot;
   while (i < parent->child_count && parent->children[i]) ++i;
   if (i == parent->child_count) {

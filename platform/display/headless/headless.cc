@@ -68,7 +68,10 @@ void DestroyNative(WindowRef w) {
   std::erase(s.stack, w);
   std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
   if (s.pressed_in == w) s.pressed_in = nullptr;
-  if (s.grab == w) s.grab = nullptr;
+  if (s.grab == w) {
+    s.grab = nullptr;
+    s.grab_cursor = nullptr;
+  }
   if (s.focus == w) {
     s.focus = nullptr;
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
@@ -145,8 +148,9 @@ void SetCursor(WindowRef w, CursorRef cursor) {
 }
 
 bool GrabPointer(WindowRef w, CursorRef cursor) {
-  Headless().grab = w;
-  if (w) Native(w)->cursor = cursor;
+  State& s = Headless();
+  s.grab = w;
+  s.grab_cursor = w ? cursor : nullptr;
   return true;
 }
 
@@ -238,6 +242,8 @@ Counters Counts() {
   return Headless().counts;
 }
 CursorRef ShownCursor(WindowRef w) {
+  State& s = Headless();
+  if (s.grab && s.grab_cursor) return s.grab_cursor;
   return IsValidWindow(w) && w->native ? Native(w)->cursor : nullptr;
 }
 WindowRef PointerGrab() {

@@ -31,7 +31,7 @@ WindowRef UnderPointer() {
 
 RawEvent PointerReport(RawEvent::Type type) {
   State& s = Headless();
-  WindowRef w = s.pressed_in ? s.pressed_in : UnderPointer();
+  WindowRef w = s.grab ? s.grab : s.pressed_in ? s.pressed_in : UnderPointer();
   RawEvent raw = Report(type, w);
   if (!w) return raw;
   double scale = w->surface.scale;

@@ -29,6 +29,7 @@ struct State {
   uint32_t buttons = 0, modifiers = 0;
   WindowRef pressed_in = nullptr;
   WindowRef grab = nullptr;
+  CursorRef grab_cursor = nullptr;
   bool stepped = false;
   double now = 0;
   bool (*idle)() = nullptr;
