@@ -158,6 +158,7 @@ OSStatus EVwheel_func(HandlerCall*, Event* event, void* window) {
   Inp.root_x = event->mouse.where.x;
   Inp.root_y = event->mouse.where.y;
   SetTargetCoordinates(target);
+  Inp.item = XCheckbl(target->boxes);
   target->scroll_handler(event->mouse.dx, event->mouse.dy);
   return noErr;
 }

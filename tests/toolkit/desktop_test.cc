@@ -1,0 +1,232 @@
+// What the desktop does to windows and asks of the program.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/toolkit/stage.h"
+#include "toolkit/events/trace.h"
+
+namespace {
+
+using namespace stage;
+
+Rect Bounds(const XwWindow* w) {
+  return {w->x, w->y, w->x + w->width, w->y + w->height};
+}
+
+TEST(Desktop, MovesAndSizesAreTold) {
+  Open();
+  XwWindow* w = Main();
+  XwSetSizes(w, 50, 50, 600, 600, 0, 0);
+  const struct {
+    Rect to;
+    const char* trace;
+  } rows[] = {
+      {{120, 130, 420, 330}, "main 768"},           // moved
+      {{120, 130, 440, 340}, "main 768 main 769"},  // grown: the platform asks for drawing
+      {{120, 130, 420, 400}, "main 768 main 769"},  // one side grew
+      {{120, 130, 400, 390}, "main 768 main 769"},  // shrunk
+      {{120, 130, 400, 390}, ""},
+  };
+  for (const auto& row : rows) {
+    seen.clear();
+    input::Configure(Native(w), row.to);
+    RunLoop();
+    EXPECT_EQ(Trace(), row.trace);
+    EXPECT_EQ(Bounds(w), row.to);
+    if (seen.empty()) continue;
+    const XwEvent& e = seen[0].event;
+    EXPECT_EQ((Rect{e.x, e.y, e.x + e.width, e.y + e.height}), row.to);
+    EXPECT_EQ(e.item, 0);
+    EXPECT_EQ(e.value, 0);
+    if (seen.size() < 2) continue;
+    const XwEvent& redraw = seen[1].event;
+    EXPECT_EQ((Rect{redraw.x, redraw.y, redraw.width, redraw.height}),
+              (Rect{0, 0, w->width, w->height}));
+  }
+}
+
+TEST(Desktop, RedrawsGoToTheWindowAndItsShownSubWindows) {
+  Open();
+  XwWindow* w = Main();
+  XwWindow* a = Sub(w, "a", 10, 10, 50, 40);
+  Sub(a, "inner", 5, 5, 10, 10);
+  XwShow(Sub(w, "hidden", 100, 10, 50, 50), 0);
+  Sub(w, "b", 200, 10, 50, 50);
+  Settle();
+  input::Lose(Native(w));
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 769 a 769 b 769");
+  EXPECT_EQ(seen[1].event.width, 50);
+  EXPECT_EQ(seen[1].event.height, 40);
+}
+
+TEST(Desktop, SizesKeepToSteps) {
+  Open();
+  XwWindow* w = XwCreate(0, 100, 100, 101, 200, Record);
+  XwShow(w, 1);
+  XwSetSizes(w, 20, 20, 1000, 1000, 10, 0);
+  Settle();
+  const struct {
+    int asked, given;
+  } rows[] = {{104, 101}, {106, 111}, {92, 91}, {999, 991}, {1200, 991}, {5, 21}, {101, 101}};
+  for (const auto& row : rows) {
+    input::Configure(Native(w), {100, 100, 100 + row.asked, 300});
+    RunLoop();
+    EXPECT_EQ(w->width, row.given) << row.asked;
+    EXPECT_EQ(platform::GetWindowBounds(Native(w), platform::kWindowContentRgn).width(), row.given);
+  }
+  // Who insists gets the size: the answer comes once.
+  input::Configure(Native(w), {100, 100, 204, 300});
+  RunLoop();
+  EXPECT_EQ(w->width, 101);
+  seen.clear();
+  input::Configure(Native(w), {100, 100, 204, 300});
+  RunLoop();
+  EXPECT_EQ(w->width, 104);
+  EXPECT_EQ(Trace(), "? 768 ? 769");
+}
+
+TEST(Desktop, SnappingIsDoneInSinglePrecision) {
+  Open();
+  XwWindow* w = Main();
+  const struct {
+    int original, current, step, expected;
+  } rows[] = {
+      {101, 110, 10, 111},    {101, 105, 10, 101},   {101, 106, 10, 111}, {101, 95, 10, 91},
+      {101, 96, 10, 101},     {100, 103, 1, 103},    {100, 103, 0, 103},  {99, 1, 100, -1},
+      {640, 30000, 7, 29998}, {33, 32767, 3, 32766},
+  };
+  for (const auto& row : rows) {
+    w->step_x = uint16_t(row.step);
+    w->step_y = 0;
+    platform::Event e(platform::kEventClassWindow, platform::kEventWindowBoundsChanging, Native(w));
+    e.bounds.original = {0, 0, row.original, 100};
+    e.bounds.current = {7, 9, 7 + row.current, 9 + 33};
+    EXPECT_EQ(EVwindow_func(nullptr, &e, w), platform::noErr);
+    EXPECT_EQ(e.bounds.current.left, 7);
+    EXPECT_EQ(e.bounds.current.bottom, 42);
+    EXPECT_EQ(e.bounds.current.width(), row.expected) << row.original << " " << row.current;
+  }
+}
+
+TEST(Desktop, AFixedWindowAnswersOnce) {
+  Open();
+  XwWindow* w = Main();
+  input::Configure(Native(w), {100, 100, 500, 400});
+  RunLoop();
+  EXPECT_EQ(w->width, 300);
+  EXPECT_EQ(Trace(), "");
+  input::Configure(Native(w), {100, 100, 500, 400});
+  RunLoop();
+  EXPECT_EQ(w->width, 400);
+  EXPECT_EQ(Trace(), "main 768 main 769");
+}
+
+TEST(Desktop, OddReportsLeaveAWindowOfAtLeastOnePixel) {
+  Open();
+  XwWindow* w = Main();
+  XwSetSizes(w, 0, 0, 0, 0, 50, 50);
+  for (Rect r : {Rect{0, 0, 0, 0}, Rect{5, 5, -100, -100}, Rect{-40000, 40000, 30000, 40001},
+                 Rect{0, 0, 100000, 3}}) {
+    for (int again = 0; again < 2; ++again) {
+      input::Configure(Native(w), r);
+      RunLoop();
+      EXPECT_GE(w->width, 1);
+      EXPECT_GE(w->height, 1);
+      EXPECT_GE(platform::GetWindowBounds(Native(w), platform::kWindowContentRgn).height(), 1);
+    }
+  }
+}
+
+TEST(Desktop, TheCloseBoxOnlyAsks) {
+  Open();
+  XwWindow* w = Main();
+  input::Close(Native(w));
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 778");
+  EXPECT_TRUE(platform::IsWindowVisible(Native(w)));
+}
+
+TEST(Desktop, DocumentsGoToTheMainWindow) {
+  Open();
+  input::OpenFile("/too/early");
+  RunLoop();
+  Main();
+  XwWindow* other = XwCreate(0, 500, 100, 50, 50, Record);
+  XwShow(other, 1);
+  Settle();
+  input::OpenFile("/tmp/a file");
+  on_event = [](int) { EXPECT_STREQ(reinterpret_cast<const char*>(Inp.value), "/tmp/a file"); };
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 798");
+  EXPECT_EQ(Inp.item, 0);
+  on_event = nullptr;
+  seen.clear();
+  TakeRefusal();
+  std::string longest = "/" + std::string(398, 'x');
+  input::OpenFile((longest + "x").c_str());
+  RunLoop();
+  EXPECT_EQ(Trace(), "");
+  EXPECT_EQ(TakeRefusal(), Refusal::kPathTooLong);
+  input::OpenFile(longest.c_str());
+  RunLoop();
+  ASSERT_EQ(Trace(), "main 798");
+  EXPECT_EQ(reinterpret_cast<const char*>(seen[0].event.value), longest);
+}
+
+TEST(Desktop, OnlyTheFirstOfSeveralDocuments) {
+  Open();
+  Main();
+  const char* files[] = {"/a", "/b", "/c"};
+  platform::Event e(platform::kEventClassAppleEvent, platform::kEventAppleEvent);
+  e.request = {platform::kAEOpenDocuments, files, 3};
+  EXPECT_EQ(EVapp_func(nullptr, &e, nullptr), platform::eventNotHandledErr);
+  e.request.file_count = 0;
+  EVapp_func(nullptr, &e, nullptr);
+  RunLoop();
+  ASSERT_EQ(Trace(), "main 798");
+  EXPECT_STREQ(reinterpret_cast<const char*>(seen[0].event.value), "/a");
+}
+
+TEST(Desktop, ActivationOfTheProgram) {
+  Open();
+  XwWindow* w = Main();
+  EXPECT_TRUE(AppActive);
+  XwWindow* other = XwCreate(0, 500, 100, 50, 50, Record);
+  XwShow(other, 1);
+  Settle();
+  EXPECT_TRUE(platform::IsWindowActive(Native(other)));
+  EXPECT_FALSE(platform::IsWindowActive(Native(w)));
+  input::Focus(Native(w));
+  RunLoop();
+  EXPECT_TRUE(AppActive);
+  input::Focus(nullptr);
+  RunLoop();
+  EXPECT_FALSE(AppActive);
+  EXPECT_FALSE(platform::IsWindowActive(Native(w)));
+  XwDestroy(other);
+  input::Focus(Native(w));
+  RunLoop();
+  EXPECT_TRUE(AppActive);
+}
+
+TEST(Desktop, CommandsReachTheMainWindowAndOthersPass) {
+  Open();
+  Main();
+  platform::Event e(platform::kEventClassCommand, platform::kEventCommandProcess);
+  const struct {
+    uint32_t command;
+    platform::OSStatus status;
+  } rows[] = {{platform::kHICommandQuit, platform::noErr},
+              {platform::kHICommandPreferences, platform::noErr},
+              {platform::FourCC("none"), platform::eventNotHandledErr}};
+  for (const auto& row : rows) {
+    e.request = {row.command, nullptr, 0};
+    EXPECT_EQ(EVapp_func(nullptr, &e, nullptr), row.status);
+  }
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 796 main 797");
+}
+
+}  // namespace

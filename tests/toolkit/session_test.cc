@@ -1,0 +1,131 @@
+// Opening and closing the session.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+
+#include "tests/toolkit/stage.h"
+
+namespace {
+
+TEST(Session, SetsItsGlobals) {
+  setenv("XW_SCREEN", "1600x900", 1);
+  stage::Open();
+  EXPECT_STREQ(SessionName, "stage");
+  EXPECT_STREQ(SessionTitle, "Stage");
+  EXPECT_EQ(OSversion, 0x0300);
+  EXPECT_EQ(XW_SCREENX, 1600);
+  EXPECT_EQ(XW_SCREENY, 900);
+  EXPECT_DOUBLE_EQ(XW_SCREENRES, 72 / 25.4);
+  EXPECT_EQ(CL_HILIGHT, 0xD77538);
+  EXPECT_EQ(CL_HILIGHTTEXT, 0xFFFFFF);
+  for (void* opaque : {MainQueue, MainTarget, XW_ColorSpace, TextMeasContext, Pserial,
+                       XW_DockedWindowsGroup, static_cast<void*>(W_Root)})
+    EXPECT_NE(opaque, nullptr);
+  const float identity[6] = {1, 0, 0, 1, 0, 0};
+  EXPECT_EQ(memcmp(TextCTM, identity, sizeof identity), 0);
+  EXPECT_EQ(W_Start, nullptr);
+  EXPECT_EQ(W_Root->kind, 0);
+  char folder[PATH_MAX];
+  EXPECT_STREQ(getcwd(folder, sizeof folder), "/");
+}
+
+TEST(Session, LoadsTheStandardFonts) {
+  stage::Open();
+  const struct {
+    XwFont* font;
+    int size, style;
+  } rows[] = {{XWF_NORMAL, 13, 0}, {XWF_BOLD, 13, 1},  {XWF_NARROW, 13, 32}, {XWF_VIEW, 12, 0},
+              {FT_SMALL, 11, 0},   {FT_BUTTON, 13, 0}, {FT_ALERT, 17, 0}};
+  for (const auto& row : rows) {
+    ASSERT_NE(row.font, nullptr);
+    EXPECT_EQ(row.font->size, row.size);
+    EXPECT_EQ(row.font->style, row.style);
+  }
+}
+
+TEST(Session, PreferencesAreOfferedUnlessTheProgramHasNone) {
+  stage::Open(3);
+  EXPECT_TRUE(platform::PreferencesCommandOffered());
+  platform::SetPreferencesCommand(false);
+}
+
+TEST(Session, APreferencesRequestArrivesEvenWhereNoneIsOffered) {
+  stage::Open(4);
+  EXPECT_FALSE(platform::PreferencesCommandOffered());
+  stage::Main();
+  stage::input::Preferences();
+  stage::RunLoop();
+  EXPECT_EQ(stage::Trace(), "main 797");
+}
+
+TEST(Session, EndDropsWhatIsQueuedAndStopsTimers) {
+  stage::Open();
+  XwWindow* w = stage::Main();
+  XwTimer(w, 5, 10);
+  for (int i = 0; i < 100; ++i) XwSendEvent(w, 1000, i, 0, 0);
+  stage::input::OpenFile("/a");
+  XwEndSession();
+  EXPECT_EQ(XW_ColorSpace, nullptr);
+  EXPECT_EQ(Timers[0].value, 5);
+  platform::Event e;
+  stage::input::Step(1);
+  EXPECT_FALSE(platform::ReceiveNextEvent(0, &e) && e.cls == kToolkitEventClass);
+  if (e.cls) SendEventToEventTarget(&e, platform::GetEventDispatcherTarget());
+  // What a program still does on its way out harms nobody.
+  XwTimer(w, 5, 10);
+  XwDestroy(w);
+}
+
+TEST(SessionDeath, ADisplayThatCannotBeOpenedIsSaidInOneLine) {
+  setenv("XW_DISPLAY", "nowhere", 1);
+  EXPECT_EXIT(XwSession("stage", "Stage", 7), testing::ExitedWithCode(1),
+              "^stage: cannot open the display nowhere\n$");
+}
+
+void EndByRequest(bool with_window) {
+  stage::Open();
+  if (with_window) XwDestroy(stage::Main());
+  kill(getpid(), SIGTERM);
+  stage::RunLoop();
+  _exit(0);
+}
+
+TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
+  EXPECT_EXIT(EndByRequest(false), testing::KilledBySignal(SIGTERM), "");
+  EXPECT_EXIT(EndByRequest(true), testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(Session, TheRequestToQuitGoesToTheMainWindow) {
+  stage::Open();
+  stage::Main();
+  XwWindow* other = XwCreate(0, 500, 100, 50, 50, stage::Record);
+  XwShow(other, 1);
+  stage::Settle();
+  kill(getpid(), SIGTERM);
+  stage::RunLoop();
+  stage::input::Quit();
+  stage::RunLoop();
+  EXPECT_EQ(stage::Trace(), "main 796 main 796");
+}
+
+TEST(Session, StringsWithALengthByte) {
+  unsigned char longest[256];
+  memset(longest, 'a', sizeof longest);
+  longest[0] = 255;
+  EXPECT_EQ(strlen(P2CSTR(longest)), 254u);
+  EXPECT_STREQ(P2CSTR(reinterpret_cast<const unsigned char*>("\3abcd")), "abc");
+  EXPECT_STREQ(P2CSTR(reinterpret_cast<const unsigned char*>("")), "");
+  EXPECT_STREQ(P2CSTR(nullptr), "");
+  EXPECT_EQ(P2CSTR(nullptr), P2CSTR(longest));
+  std::string text(300, 'b');
+  EXPECT_EQ(C2PSTR(text.c_str())[0], 255);
+  EXPECT_EQ(C2PSTR(text.c_str())[255], 'b');
+  EXPECT_EQ(C2PSTR(nullptr)[0], 0);
+  EXPECT_EQ(memcmp(C2PSTR("xy"), "\2xy", 3), 0);
+}
+
+}  // namespace

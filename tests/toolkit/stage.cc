@@ -1,0 +1,129 @@
+#include "tests/toolkit/stage.h"
+
+#include <cstdlib>
+#include <map>
+
+namespace stage {
+
+std::vector<Seen> seen;
+int result = 0;
+void (*on_event)(int type) = nullptr;
+
+namespace {
+
+constexpr int kEnough = 9999;  // a type that no handler sees: it ends a run
+XwEvent before_end;
+std::map<XwWindow*, std::string> names;
+
+void PostEnd() {
+  before_end = Inp;
+  XwEvent end = Inp;
+  end.window = nullptr;
+  end.type = kEnough;
+  PostEvent(end);
+}
+
+bool Idle() {
+  PostEnd();
+  return true;
+}
+
+int Wait(XwWindow* modal) {
+  int type = XwWaitEvent(modal);
+  if (type != kEnough) return type;
+  Inp = before_end;
+  return 0;
+}
+
+int Note(int type, int answer) {
+  seen.push_back({Inp.window, type, Inp});
+  if (on_event) on_event(type);
+  return answer;
+}
+
+}  // namespace
+
+void Open(uint8_t flags) {
+  setenv("XW_DISPLAY", "headless", 1);
+  setenv("HOME", "/", 1);
+  input::UseSteppedClock(1000);
+  input::SetIdleHandler(Idle);
+  XwSession("stage", "Stage", flags);
+}
+
+int Record(int type) {
+  return Note(type, 0);
+}
+
+int Answer(int type) {
+  return Note(type, result);
+}
+
+int RunLoop(XwWindow* modal) {
+  return Wait(modal);
+}
+
+void RunFor(double seconds, XwWindow* modal) {
+  static bool over;
+  over = false;
+  platform::InstallEventLoopTimer(
+      seconds, 0,
+      [](platform::EventLoopTimerRef timer, void*) {
+        platform::RemoveEventLoopTimer(timer);
+        over = true;
+        PostEnd();
+      },
+      nullptr);
+  // Waits that return early are taken up again until the end has been received.
+  bool ended = false;
+  while (!ended) ended = XwWaitEvent(modal) == kEnough && over;
+  Inp = before_end;
+}
+
+void Settle() {
+  RunLoop();
+  seen.clear();
+}
+
+std::string Trace() {
+  std::string out;
+  for (const Seen& s : seen) {
+    if (!out.empty()) out += ' ';
+    auto it = names.find(s.window);
+    out += (it == names.end() ? "?" : it->second) + " " + std::to_string(s.type);
+  }
+  return out;
+}
+
+void Name(XwWindow* w, const char* name) {
+  names[w] = name;
+}
+
+XwWindow* Main(XwHandler handler) {
+  XwWindow* w = XwCreate(0, 100, 100, 300, 200, handler);
+  Name(w, "main");
+  // A ground that looks the same in an inactive window: no redraws when the focus moves.
+  XwSetGround(w, nullptr, 0);
+  XwShow(w, 1);
+  Settle();
+  return w;
+}
+
+XwWindow* Sub(XwWindow* parent, const char* name, int x, int y, int width, int height,
+              XwHandler handler) {
+  XwWindow* w = XwCreate(parent, x, y, width, height, handler);
+  Name(w, name);
+  XwShow(w, 1);
+  return w;
+}
+
+platform::WindowRef Native(XwWindow* w) {
+  return NativeWindow(w);
+}
+
+void MoveTo(int x, int y) {
+  input::MovePointer(x, y);
+  RunLoop();
+}
+
+}  // namespace stage

@@ -1,0 +1,51 @@
+// A session on the headless display with a stepped clock, and a record of what handlers saw.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "platform/display/headless/headless.h"
+#include "toolkit/events/events.h"
+#include "toolkit/windows/windows.h"
+#include "toolkit/xw.h"
+
+namespace stage {
+
+using platform::Rect;
+namespace input = platform::headless;
+
+// Opens the session. The clock starts at 1000 seconds; a home folder that exists is set.
+void Open(uint8_t flags = 7);
+
+struct Seen {
+  XwWindow* window;
+  int type;
+  XwEvent event;
+};
+extern std::vector<Seen> seen;
+// A handler that records and returns 0; one that records and returns `result`.
+int Record(int type);
+extern int result;
+int Answer(int type);
+// Called by both before they return, when set.
+extern void (*on_event)(int type);
+
+// Runs the loop until nothing is left to do (no timer may run) or a wait returns; the result is
+// that of the wait, 0 when all was handled. Inp stays as the last event left it.
+int RunLoop(XwWindow* modal = nullptr);
+// Runs the loop for this long.
+void RunFor(double seconds, XwWindow* modal = nullptr);
+// Run, and forget what was seen.
+void Settle();
+
+// "name type" of all that was seen, one blank between entries. Windows without a name are "?".
+std::string Trace();
+void Name(XwWindow* w, const char* name);
+// A shown and settled main window at (100, 100) with 300 x 200 pixels, named "main".
+XwWindow* Main(XwHandler handler = Record);
+XwWindow* Sub(XwWindow* parent, const char* name, int x, int y, int width, int height,
+              XwHandler handler = Record);
+platform::WindowRef Native(XwWindow* w);
+// Moves the pointer and runs the loop.
+void MoveTo(int x, int y);
+
+}  // namespace stage
