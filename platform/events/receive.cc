@@ -54,7 +54,6 @@ bool TakeDrawEvent(double asked_before, Event* out) {
 
 void Wait(double seconds) {
   const Display* d = CurrentDisplay();
-  d->flush(false);
   if (d->wait) {
     d->wait(seconds);
     return;
@@ -135,6 +134,11 @@ bool ReceiveNextEvent(double timeout, Event* out) {
       d->flush(false);
       return false;
     }
+    d->flush(false);
+    // Answers that were waited for may have brought reports along, which the descriptor then no
+    // longer shows.
+    TakeRawEvents();
+    if (!queue.empty() || NextToDraw(now)) continue;
     double wait = NextTimer(now);
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
     Wait(wait);
