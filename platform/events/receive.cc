@@ -138,7 +138,7 @@ bool ReceiveNextEvent(double timeout, Event* out) {
     // Answers that were waited for may have brought reports along, which the descriptor then no
     // longer shows.
     TakeRawEvents();
-    if (!queue.empty() || NextToDraw(now)) continue;
+    if (!queue.empty() || NextToDraw(GetCurrentEventTime())) continue;
     double wait = NextTimer(now);
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
     Wait(wait);
