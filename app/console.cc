@@ -1,5 +1,6 @@
 #include "app/console.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "app/texts.h"
@@ -8,6 +9,7 @@ namespace console {
 namespace {
 
 constexpr int kTimer = 1;
+constexpr int kFirstWidth = 1200, kFirstHeight = 756;
 constexpr int kMessageTicks = 60, kFolderTicks = 10;
 
 // The handlers of a window carry no argument of the program's: there is one console.
@@ -413,7 +415,9 @@ Console::Console(const std::string& host)
 }
 
 Console* OpenConsole(const std::string& host, const std::string& start) {
-  XwWindow* w = XwCreate(0, 60, 80, 1200, 724, Handle);
+  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, kFirstWidth);
+  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, kFirstHeight);
+  XwWindow* w = XwCreate(0, 30, 80, width, height, Handle);
   if (!w) return nullptr;
   auto* c = new Console(host);
   g_console = c;

@@ -15,6 +15,7 @@ namespace {
 constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000;
 constexpr int kMostTries = 5, kRetryMs = 1000;
 constexpr int kTicketSize = 8192;
+constexpr size_t kArrivals = 32;
 // Results of sending beside a server's status and the codes below 0.
 constexpr int kCannotOpen = 1000;
 
@@ -87,14 +88,19 @@ int Worker::SendDocument(const Transfer& t, int file, int64_t size, std::string*
     *why = "the name is too long";
     return NC_BAD_REQUEST;
   }
+  Began();
   const int fd = Connect(kFile, kConnectMs);
-  if (fd < 0) return NC_ERROR;
+  if (fd < 0) {
+    Ended();
+    return NC_ERROR;
+  }
   {
     Locked lock(shared_);
     for (Transfer& one : shared_->state.transfers)
       if (one.number == t.number) one.size = size;
   }
   int result = NC_CreateRequestID(fd, broken_.id.data()) == 1 ? 0 : NC_ERROR;
+  Ended();
   if (result == 0) {
     broken_.has_id = true;
     NC_SetDeadline(fd, kStallMs);
@@ -139,6 +145,12 @@ void Worker::Finish(int number, int result, const std::string& why) {
   if (result == NC_STATUS_DONE || cancelled) {
     state.transfers.erase(it);
     const bool done = result == NC_STATUS_DONE;
+    if (done) {
+      state.arrivals.push_back({number, broken_.id});
+      if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
+      // Too late to be cancelled on its way.
+      if (cancelled) shared_->changes.push_back({broken_.id, JobAction::kRemove});
+    }
     state.notices.push_back({done, (done ? "Sent: " : "Cancelled: ") + name});
     return;
   }

@@ -238,7 +238,9 @@ void DrawQueueCell(Console* c, int row, int column, const CellLook& cell) {
 
 void FillQueue(Console* c) {
   const QueueRow* row = SelectedRow(c);
-  const QueueRow kept = row ? *row : QueueRow{};
+  QueueRow kept = row ? *row : QueueRow{};
+  for (const Arrival& a : c->state.arrivals)
+    if (kept.transfer == a.number) kept = {0, a.id};
   const int place = c->queue.selected();
   c->rows.clear();
   for (const Transfer& t : c->state.transfers) c->rows.push_back({t.number, {}});

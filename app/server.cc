@@ -94,6 +94,8 @@ void Server::Cancel(int number) {
     t.state = Sending::kCancelling;
     s.cancelled = number;
   }
+  for (const Arrival& a : s.state.arrivals)
+    if (a.number == number) Change(a.id, JobAction::kRemove);
   if (s.cancelled != number)
     std::erase_if(s.state.transfers, [number](const Transfer& t) { return t.number == number; });
   ++s.change;

@@ -49,6 +49,12 @@ struct Notice {
   std::string text;  // UTF-8
 };
 
+// A transfer that has become a job.
+struct Arrival {
+  int number;
+  JobId id;
+};
+
 // A change that the server has not yet answered.
 struct PendingChange {
   JobId id;
@@ -65,7 +71,8 @@ struct ServerState {
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::vector<Transfer> transfers;
   std::vector<PendingChange> pending;
-  std::vector<Notice> notices;  // since the last look
+  std::vector<Notice> notices;    // since the last look
+  std::vector<Arrival> arrivals;  // the last few
 };
 
 class Server {
@@ -82,7 +89,7 @@ class Server {
   bool TakeUp(ServerState* state);
   // The order's number as a transfer.
   int Send(PrintOrder order);
-  // Takes a transfer out, whatever its state.
+  // Takes a transfer out, whatever its state; one that has arrived meanwhile is removed as a job.
   void Cancel(int number);
   // Tries a failed one again.
   void Retry(int number);

@@ -1,0 +1,444 @@
+// The console from end to end, on the headless display with stepped time and a real print server.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "app/console.h"
+#include "app/texts.h"
+#include "platform/display/headless/headless.h"
+#include "platform/windows/windows.h"
+#include "tests/os/scratch.h"
+#include "tests/printserverd/daemon.h"
+
+namespace console {
+namespace {
+
+namespace display = platform::headless;
+using testing_daemon::Daemon;
+
+constexpr const char* kFolder = "Aufträge für Größe B";
+constexpr const char* kLongName =
+    "Überlänge – ein sehr langer Dateiname mit Umlauten äöü, Akzenten éèê und 日本語 darin, damit "
+    "jede Spalte ihn kürzen muss, und noch etwas mehr, weil Namen so sind (Kopie 2).pdf";
+
+std::string Bytes(size_t n) {
+  std::string bytes(n, 0);
+  uint32_t x = 12345;
+  for (char& c : bytes) c = char((x = x * 1664525 + 1013904223) >> 24);
+  return bytes;
+}
+
+int Pump(int type) {
+  return type;
+}
+
+class ConsoleTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    document_ = Bytes(300000);
+    home_.Folder(kFolder);
+    home_.Folder("Empty");
+    home_.File(std::string(kFolder) + "/" + kLongName, document_);
+    home_.File(std::string(kFolder) + "/second.txt", "a few words\n");
+    home_.File("letter.txt", "Dear reader\n");
+  }
+
+  // After this the console is shown; its window's own time runs when the test lets it.
+  void Open(const std::string& host) {
+    setenv("HOME", home_.path().c_str(), 1);
+    setenv("USER", "mia", 1);
+    display::UseSteppedClock(1000);
+    XwSession("Quorvik", "Quorvik", 7);
+    c_ = OpenConsole(host, home_.path());
+    ASSERT_NE(c_, nullptr);
+    // Wakes the loop, so that the test gets a turn each twenty milliseconds of stepped time.
+    pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
+    XwTimer(pump_, 1, 20);
+    Turn();
+  }
+  void TearDown() override { CloseConsole(c_); }
+
+  void Turn(int times = 1) {
+    while (times-- > 0) XwWaitEvent(nullptr);
+  }
+  // Real time passes only here; the number of turns is a limit, not a measure.
+  bool Until(const std::function<bool()>& holds) {
+    for (int i = 0; i < 30000; ++i) {
+      if (holds()) return true;
+      usleep(1000);
+      Turn();
+    }
+    return holds();
+  }
+  void Click(const Area& a) { ClickAt(a.x + a.w / 2, a.y + a.h / 2); }
+  void ClickAt(int x, int y) {
+    display::Click(c_->window->x + x, c_->window->y + y);
+    Turn(2);
+  }
+  void Key(uint32_t keysym, uint32_t unicode = 0) {
+    display::KeyDown(keysym, unicode);
+    display::KeyUp(keysym, unicode);
+    Turn(2);
+  }
+  Area FileRow(const char* name) { return c_->files.RowArea(c_->folder.Find(name)); }
+  std::string Selected() {
+    const int row = c_->files.selected();
+    return row < 0 ? "" : c_->folder.At(row).name;
+  }
+  bool IsReady() { return c_->state.link == Link::kReady && !c_->state.printers->empty(); }
+
+  uint32_t At(int x, int y) {
+    const auto native = static_cast<platform::WindowRef>(c_->window->platform);
+    XwSync();
+    const display::Picture p = display::TakePicture(native);
+    const int strip = p.height - c_->window->height;
+    return p.pixels[size_t(y + strip) * size_t(p.width) + size_t(x)] & 0xFFFFFF;
+  }
+  uint32_t LinkColor() {
+    const Area s = c_->layout.status;
+    return At(s.x + 16, s.y + s.h / 2);
+  }
+
+  Scratch home_;
+  std::string document_;
+  Console* c_ = nullptr;
+  XwWindow* pump_ = nullptr;
+};
+
+constexpr uint32_t kGood = 0x2E8B57, kWarning = 0xB9770E, kBad = 0xC0392B;
+constexpr uint32_t kReturnKey = 0xFF0D, kBackspaceKey = 0xFF08, kTabKey = 0xFF09;
+
+TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
+  Daemon daemon;
+  daemon.Start({"--rate", "1K"});
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  EXPECT_EQ(LinkColor(), kGood);
+
+  // A double click enters the folder, a click selects the file.
+  Click(FileRow(kFolder));
+  Click(FileRow(kFolder));
+  ASSERT_EQ(c_->folder.path(), home_.At(kFolder));
+  Click(FileRow(kLongName));
+  ASSERT_EQ(Selected(), kLongName);
+  Click(c_->layout.more);
+  EXPECT_EQ(c_->choice.copies, 2);
+
+  // The server stalls. What the user does is answered while its answer is still being waited for.
+  daemon.Signal(SIGSTOP);
+  ASSERT_TRUE(Until([&] { return c_->state.quiet_s >= 1; }));
+  Turn(8);
+  EXPECT_EQ(LinkColor(), kWarning);
+  Click(FileRow("second.txt"));
+  EXPECT_EQ(Selected(), "second.txt");
+  Click(FileRow(kLongName));
+  Click(c_->layout.print);
+  ASSERT_TRUE(c_->state.link == Link::kReady && c_->state.quiet_s >= 1);
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
+  EXPECT_TRUE(c_->rows[0].transfer > 0);
+
+  // It is given up, tried again, killed, and comes back: the file arrives once, whole.
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+  EXPECT_NE(ServerText(c_).find("next try in"), std::string::npos);
+  EXPECT_EQ(LinkColor(), kBad);
+  EXPECT_FALSE(c_->state.printers->empty());
+  daemon.Stop(SIGKILL);
+  Click(FileRow("second.txt"));
+  EXPECT_EQ(Selected(), "second.txt");
+  daemon.Start({"--rate", "1K"});
+  ASSERT_TRUE(Until([&] { return IsReady() && c_->state.transfers.empty(); }));
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  const NC_Job job = (*c_->state.jobs)[0];
+  EXPECT_STREQ(job.document, kLongName);
+  EXPECT_STREQ(job.owner, "mia");
+  EXPECT_EQ(job.copies, 2);
+  char id[33];
+  NC_FormatId(job.id, id);
+  EXPECT_EQ(testing_daemon::ReadWhole(daemon.Path("jobs/" + std::string(id) + ".doc")), document_);
+}
+
+TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
+  Daemon daemon;
+  daemon.Start({"--rate", "1K"});
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  ShowDocument(c_, home_.At(std::string(kFolder) + "/" + kLongName).c_str());
+  ASSERT_EQ(Selected(), kLongName);
+  display::Modifiers(platform::controlKey);
+  Key('p', 'p');
+  display::Modifiers(0);
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  Turn(8);
+
+  // The name as it is drawn in the row is the name as it is drawn anywhere else.
+  const Area row = c_->queue.RowArea(0);
+  const Area column = c_->queue.ColumnArea(0);
+  const Area cell{column.x + 34, row.y, column.w - 48, row.h};
+  XwMove(pump_, 0, 0, 600, 60);
+  XwShow(pump_, 1);
+  Turn(4);
+  XwSet(pump_);
+  Fill({0, 0, 600, 60}, TheLook().document);
+  DrawLabel(TheLook().view, Align::kLeft, {5, 5, cell.w, cell.h}, Shown(kLongName), TheLook().ink);
+  XwSync();
+  const auto drawn = display::TakePicture(static_cast<platform::WindowRef>(pump_->platform));
+  const auto shown = display::TakePicture(static_cast<platform::WindowRef>(c_->window->platform));
+  const int strip = shown.height - c_->window->height;
+  int inked = 0;
+  for (int y = 0; y < cell.h; ++y) {
+    for (int x = 0; x < cell.w; ++x) {
+      const uint32_t a = drawn.pixels[size_t((y + 5) * drawn.width + x + 5)];
+      const uint32_t b = shown.pixels[size_t((y + cell.y + strip) * shown.width + x + cell.x)];
+      ASSERT_EQ(a, b) << x << " " << y;
+      inked += (a & 0xFFFFFF) != 0xFFFFFF;
+    }
+  }
+  EXPECT_GT(inked, 200);
+  XwShow(pump_, 0);
+
+  Click(row);
+  const struct {
+    Area Layout::*button;
+    NC_JobState state;
+  } kSteps[] = {{&Layout::hold_job, NC_JOB_HELD}, {&Layout::release_job, NC_JOB_PRINTING}};
+  for (const auto& step : kSteps) {
+    Click(c_->layout.*step.button);
+    ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == step.state; })) << step.state;
+    ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
+    EXPECT_EQ(c_->queue.selected(), 0);
+  }
+  Click(c_->layout.remove_job);
+  ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
+  EXPECT_EQ(c_->queue.selected(), -1);
+}
+
+TEST_F(ConsoleTest, KeysAloneDoEverything) {
+  Daemon daemon;
+  daemon.Start({"--rate", "1K"});
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  // Folders come first; the keyboard is the window's before the pointer has moved.
+  Key(0xFF50);
+  EXPECT_EQ(Selected(), kFolder);
+  Key(kReturnKey);
+  EXPECT_EQ(c_->folder.path(), home_.At(kFolder));
+  Key(kBackspaceKey);
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(Selected(), kFolder);
+  Key('e', 'e');
+  EXPECT_EQ(Selected(), "Empty");
+  Key(kReturnKey);
+  EXPECT_EQ(c_->folder.count(), 0);
+  for (uint32_t key : {0xFF54u, 0xFF52u, 0xFF55u, 0xFF56u, 0xFF57u, kReturnKey}) Key(key);
+  Key(kBackspaceKey);
+  Key(0xFF57);
+  EXPECT_EQ(Selected(), "letter.txt");
+
+  display::Modifiers(platform::cmdKey);
+  Key('p', 'p');
+  display::Modifiers(0);
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  Key(kTabKey);
+  Key(0xFF50);
+  EXPECT_EQ(c_->stop, Stop::kQueue);
+  EXPECT_EQ(c_->queue.selected(), 0);
+  Key('h', 'h');
+  ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
+  ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
+  Key(0xFFFF);
+  ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
+  Key(0xFF1B);
+  EXPECT_EQ(c_->stop, Stop::kFiles);
+
+  // Tab goes round; each stop takes its keys.
+  for (int i = 0; i < int(Stop::kCopies); ++i) Key(kTabKey);
+  Key(0xFF52);
+  Key(0xFF55);
+  EXPECT_EQ(c_->choice.copies, 12);
+  Key(kTabKey);
+  Key(0xFF57);
+  EXPECT_EQ(c_->choice.priority, 100);
+  Key(kTabKey);
+  Key(' ', ' ');
+  EXPECT_TRUE(c_->choice.hold);
+  Key(kTabKey);
+  EXPECT_EQ(c_->stop, Stop::kFiles);
+}
+
+TEST_F(ConsoleTest, ThePrinterListChoosesAndHidesWhatLiesUnderIt) {
+  Daemon daemon;
+  daemon.Start({"--config", daemon.WriteFile("printers",
+                                             "[printer]\nname=First\n[printer]\n"
+                                             "name=Zweiter Drücker\nrate=1K\n")});
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady() && c_->state.printers->size() == 2; }));
+  Click(FileRow("letter.txt"));
+  const Area field = c_->layout.printer;
+  Click(field);
+  ASSERT_TRUE(c_->list_open);
+  // Its border lies over the folder's table: a click there does nothing.
+  ClickAt(field.x + 1, field.bottom() + 10);
+  EXPECT_TRUE(c_->list_open);
+  EXPECT_EQ(Selected(), "letter.txt");
+  ClickAt(field.x + 40, field.bottom() + 2 + 4 + 22 + 11);
+  EXPECT_FALSE(c_->list_open);
+  EXPECT_STREQ(ChosenPrinter(c_)->name, "Zweiter Drücker");
+  Click(field);
+  Key(0xFF1B);
+  EXPECT_FALSE(c_->list_open);
+  Click(c_->layout.print);
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
+}
+
+TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
+  Open("127.0.0.0");  // no host: nothing answers there
+  const platform::WindowRef native = static_cast<platform::WindowRef>(c_->window->platform);
+  for (const auto& [w, h] :
+       {std::pair(760, 480), {899, 600}, {1079, 500}, {1200, 940}, {777, 900}}) {
+    display::Configure(native, {0, 30, w, 30 + h});
+    Turn(3);
+    ASSERT_EQ(c_->window->width, w);
+    ASSERT_EQ(c_->window->height, h);
+    const Layout& l = c_->layout;
+    EXPECT_EQ(l.status.bottom(), h);
+    EXPECT_EQ(l.places.w + l.folder.w + l.details.w, w);
+    EXPECT_LE(l.hold.right(), w);
+    EXPECT_GE(c_->files.Body().h, 8 * Table::kRowHeight);
+    EXPECT_EQ(c_->files.area(), l.folder);
+    EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);
+  }
+  EnterFolder(c_, home_.At(kFolder), "");
+  auto first = [&] { return std::string(c_->folder.At(0).name); };
+  auto header = [&](int column) {
+    const Area a = c_->files.ColumnArea(column);
+    Click({a.x, a.y, a.w, Table::kHeaderHeight});
+  };
+  EXPECT_EQ(first(), "second.txt");
+  Click(FileRow("second.txt"));
+  header(0);
+  EXPECT_EQ(first(), kLongName);
+  EXPECT_EQ(Selected(), "second.txt");
+  header(1);
+  EXPECT_EQ(first(), kLongName);
+  header(1);
+  EXPECT_EQ(first(), "second.txt");
+  // A file that comes while the folder is shown appears by itself.
+  home_.File(std::string(kFolder) + "/third.txt", "x");
+  ASSERT_TRUE(Until([&] { return c_->folder.count() == 3; }));
+  EXPECT_EQ(Selected(), "second.txt");
+}
+
+TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
+  Open("127.0.0.0");
+  const std::string path = home_.At(std::string(kFolder) + "/" + kLongName);
+  display::OpenFile(path.c_str());
+  Turn(4);
+  EXPECT_EQ(c_->folder.path(), home_.At(kFolder));
+  EXPECT_EQ(Selected(), kLongName);
+  display::OpenFile(home_.At("Empty").c_str());
+  Turn(4);
+  EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+  for (const char* path_that_is_none : {"/no/such/folder/file.pdf", "relative.pdf", ""}) {
+    ShowDocument(c_, path_that_is_none);
+    EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+  }
+  ShowDocument(c_, home_.At("gone.pdf").c_str());
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(Selected(), "");
+  EXPECT_FALSE(c_->message.good);
+}
+
+TEST_F(ConsoleTest, AFolderThatGoesAwayIsShownEmptyAndComesBack) {
+  Open("127.0.0.0");
+  EnterFolder(c_, home_.At(kFolder), kLongName);
+  std::filesystem::remove_all(home_.At(kFolder));
+  ASSERT_TRUE(Until([&] { return !c_->folder.trouble().empty(); }));
+  EXPECT_EQ(c_->folder.count(), 0);
+  EXPECT_FALSE(CanPrint(c_));
+  Click(c_->layout.print);
+  EXPECT_TRUE(c_->state.transfers.empty());
+  home_.Folder(kFolder);
+  home_.File(std::string(kFolder) + "/new.txt", "x");
+  ASSERT_TRUE(Until([&] { return c_->folder.count() == 1; }));
+  EXPECT_TRUE(c_->folder.trouble().empty());
+}
+
+TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
+  Daemon daemon;
+  daemon.Start({"--simulate", "stall=24"});  // every reply stops: nothing is ever accepted
+  home_.File("big.bin", Bytes(8000000));
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return c_->state.quiet_s >= 1 || c_->state.link == Link::kAway; }));
+  PrintOrder order;
+  order.path = home_.At("gone.pdf");
+  order.document = "gone.pdf";
+  const int gone = c_->server.Send(order);
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
+  c_->server.Cancel(gone);
+  ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
+  daemon.Stop(SIGKILL);
+  daemon.Start();
+  c_->server.Refresh();
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  const int missing = c_->server.Send(order);
+  ASSERT_TRUE(Until([&] {
+    return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
+  }));
+  EXPECT_FALSE(c_->state.transfers[0].text.empty());
+  home_.File("gone.pdf", "here it is");
+  c_->server.Retry(missing);
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->rows.size() == 1; }));
+  order.printer = "No such printer";
+  c_->server.Send(order);
+  ASSERT_TRUE(Until([&] {
+    return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
+  }));
+  EXPECT_EQ(c_->state.transfers[0].text, NC_StatusText(NC_STATUS_UNKNOWN_NAME));
+}
+
+// The program's own end, in a process of its own: its exit code, and its memory under a leak check.
+void QuitWhileSending(const std::string& home, const Daemon& daemon, bool close) {
+  setenv("HOME", home.c_str(), 1);
+  display::UseSteppedClock(1000);
+  XwSession("Quorvik", "Quorvik", 7);
+  Console* c = OpenConsole(daemon.host(), home);
+  XwWindow* pump = XwCreate(0, 0, 0, 50, 50, Pump);
+  XwTimer(pump, 1, 20);
+  auto until = [](const std::function<bool()>& holds) {
+    for (int i = 0; i < 20000 && !holds(); ++i) {
+      usleep(1000);
+      XwWaitEvent(nullptr);
+    }
+  };
+  until([&] { return c->state.link == Link::kReady; });
+  c->files.Select(c->folder.Find("big.bin"));
+  const_cast<Daemon&>(daemon).Signal(SIGSTOP);
+  PrintSelected(c);
+  until([&] { return c->state.quiet_s >= 1 && c->rows.size() == 1; });
+  if (c->rows.size() != 1) _exit(9);
+  if (close)
+    display::Close(static_cast<platform::WindowRef>(c->window->platform));
+  else
+    display::Quit();
+  for (;;) XwWaitEvent(nullptr);
+}
+
+TEST_F(ConsoleTest, QuittingEndsARunningTransferInOrder) {
+  home_.File("big.bin", Bytes(30000000));
+  Daemon daemon;
+  daemon.Start();
+  for (bool close : {true, false}) {
+    EXPECT_EXIT(QuitWhileSending(home_.path(), daemon, close), testing::ExitedWithCode(0), "");
+    daemon.Signal(SIGCONT);
+  }
+  const int fd = daemon.Connect();
+  EXPECT_TRUE(testing_daemon::Jobs(fd).empty());
+  NC_Disconnect(fd);
+}
+
+}  // namespace
+}  // namespace console
