@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "platform/desktop/application.h"
 #include "platform/desktop/requests.h"
 #include "platform/display/display.h"
 #include "platform/windows/session.h"
@@ -66,6 +67,7 @@ bool InitPlatform(const char* name) {
     return false;
   }
   InstallSignalSource();
+  InstallApplicationSource(name);
   return true;
 }
 
@@ -73,6 +75,7 @@ void FinishPlatform() {
   if (!display) return;
   while (!WindowList().empty()) DisposeWindow(WindowList().back());
   CollectWindows();
+  RemoveApplicationSource();
   display->close();
   display = nullptr;
 }

@@ -1,0 +1,23 @@
+// The program as other programs of the session reach it: org.freedesktop.Application on the
+// message bus. The bus is joined when the loop first waits, so no start waits for it; without a
+// bus, or without the library that speaks to it, everything else works the same.
+#pragma once
+#include <string>
+
+namespace platform {
+
+// Adds the bus to the sources of requests. The name on the bus comes from the session's name.
+// Activate brings the first window forward; Open gives the first local file; the actions "quit" and
+// "preferences" are requests. A second start of the same program activates the first, then is asked
+// to quit.
+void InstallApplicationSource(const char* session_name);
+// Leaves the bus.
+void RemoveApplicationSource();
+
+// The name on the bus: `session_name` itself when it has dots, else one under org.quorvik. Only
+// letters, digits and underscores stay.
+std::string ApplicationBusName(const std::string& session_name);
+// The object's path, which follows from the name.
+std::string ApplicationObjectPath(const std::string& bus_name);
+
+}  // namespace platform
