@@ -1,0 +1,232 @@
+// From reports of the display to events; where windows are and what lies under a point.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "platform/display/headless/headless.h"
+#include "platform/events/queue.h"
+#include "platform/events/translate.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+namespace {
+
+using headless::MovePointer;
+
+WindowRef Open() {
+  headless::UseSteppedClock(1000);
+  setenv("XW_DISPLAY", "headless", 1);
+  EXPECT_TRUE(InitPlatform("test"));
+  WindowRef w = CreateNewWindow(kDocumentWindowClass, 0, {100, 100, 300, 300});
+  ShowWindow(w);
+  Event e;
+  while (ReceiveNextEvent(0, &e)) {
+  }
+  return w;
+}
+
+std::string Receive() {
+  std::string out;
+  Event e;
+  while (ReceiveNextEvent(0, &e)) {
+    char name[5] = {char(e.cls >> 24), char(e.cls >> 16), char(e.cls >> 8), char(e.cls), 0};
+    out += std::string(out.empty() ? "" : " ") + name + std::to_string(e.kind);
+    if (e.cls == kEventClassMouse)
+      out += "(" + std::to_string(e.mouse.where.x) + "," + std::to_string(e.mouse.where.y) + ")";
+    if (e.cls == kEventClassWindow && e.kind == kEventWindowBoundsChanged)
+      SendEventToEventTarget(&e, GetEventDispatcherTarget());
+  }
+  return out;
+}
+
+TEST(Translate, NeighbouringMotionsMerge) {
+  Open();
+  MovePointer(110, 110);
+  MovePointer(111, 112);
+  headless::Press(1);
+  MovePointer(120, 120);
+  MovePointer(121, 120);
+  headless::Release(1);
+  MovePointer(130, 120);
+  EXPECT_EQ(Receive(),
+            "mous5(111,112) mous1(111,112) mous6(121,120) mous2(121,120) mous5(130,120)");
+}
+
+TEST(Translate, PlacesAtAFractionalScale) {
+  setenv("XW_SCALE", "1.5", 1);
+  WindowRef w = Open();
+  for (int x = 100; x < 149; ++x) {
+    MovePointer(x, 2 * x);
+    Event e;
+    ASSERT_TRUE(ReceiveNextEvent(0, &e)) << x;
+    EXPECT_EQ(e.mouse.where, (Point{x, 2 * x})) << x;
+  }
+  // A size that rounds to the granted one is the same size.
+  headless::Configure(w, w->content);
+  Rect before = w->content;
+  Receive();
+  EXPECT_EQ(w->content, before);
+}
+
+TEST(Translate, DrawRequestsWaitUntilIdleOrFiftyMilliseconds) {
+  WindowRef w = Open();
+  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {0, 0, 10, 10}, true);
+  EventQueueRef queue = GetMainEventQueue();
+  for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
+  EXPECT_EQ(Receive(), "test0 test1 test2 wind2") << "one request, after the rest";
+  InvalidateWindow(w, {}, false);
+  for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
+  Event e;
+  ReceiveNextEvent(0, &e);
+  headless::Step(0.0501);
+  EXPECT_EQ(Receive(), "wind2 test1 test2") << "it has waited long enough";
+  InvalidateWindow(w, {}, false);
+  HideWindow(w);
+  EXPECT_EQ(Receive(), "appl2") << "a hidden window draws nothing";
+}
+
+TEST(Translate, ReportsOfAnyKindAndNumberDoNoHarm) {
+  WindowRef w = Open();
+  const float odd[] = {0, -1e30f, 1e30f, NAN, INFINITY, -INFINITY, 32767.5f};
+  for (int type = 0; type <= RawEvent::kScreens; ++type) {
+    for (float f : odd) {
+      for (WindowRef target : {w, WindowRef(nullptr), reinterpret_cast<WindowRef>(16)}) {
+        RawEvent raw;
+        raw.type = RawEvent::Type(type);
+        raw.window = target;
+        raw.x = raw.y = raw.root_x = raw.root_y = raw.dx = raw.dy = f;
+        raw.width = f < 0 ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+        if (f == 0) raw.width = 0;
+        raw.height = raw.width;
+        raw.button = 255;
+        raw.keycode = raw.keysym = raw.unicode = raw.modifiers = 0xFFFFFFFF;
+        if (type == RawEvent::kOpenFile) raw.path = "/x";
+        if (type == RawEvent::kQuit) continue;
+        headless::Inject(raw);
+      }
+      Event e;
+      while (ReceiveNextEvent(0, &e)) {
+        // Sizes that no display grants are not for the buffers of this test.
+        if (e.cls == kEventClassWindow && e.kind == kEventWindowBoundsChanged) {
+          EXPECT_GE(e.bounds.current.width(), 1);
+          EXPECT_GE(e.bounds.current.height(), 1);
+          continue;
+        }
+        SendEventToEventTarget(&e, GetEventDispatcherTarget());
+      }
+    }
+  }
+  EXPECT_TRUE(IsValidWindow(w));
+}
+
+TEST(Configure, LimitsStepsAndThoseWhoInsist) {
+  WindowRef w = Open();
+  SetWindowSizeLimits(w, {50, 60, 400, 0, 0, 0});
+  const struct {
+    Rect reported, taken;
+  } rows[] = {
+      {{100, 100, 350, 350}, {100, 100, 350, 350}},
+      {{100, 100, 120, 120}, {100, 100, 150, 160}},
+      {{90, 80, 900, 5000}, {90, 80, 490, 80 + 1024}},
+  };
+  for (const auto& row : rows) {
+    headless::Configure(w, row.reported);
+    EXPECT_NE(Receive(), "");
+    EXPECT_EQ(w->content, row.taken);
+    EXPECT_EQ(w->surface.width, row.taken.width());
+    EXPECT_EQ(w->surface.height, row.taken.height() + w->strip);
+  }
+  headless::Configure(w, {90, 80, 900, 5000});
+  Receive();
+  EXPECT_EQ(w->content.width(), 810) << "insisted";
+  // A program's own size widens the limits.
+  SetWindowBounds(w, {0, 50, 20, 2000});
+  headless::Configure(w, {0, 50, 30, 1900});
+  Receive();
+  EXPECT_EQ(w->content.width(), 30);
+  EXPECT_EQ(w->content.height(), 1850);
+}
+
+TEST(Configure, DockedWindowsFollowTheirLeader) {
+  WindowRef w = Open();
+  WindowGroupRef group = CreateWindowGroup(kWindowGroupAttrMoveTogether);
+  SetWindowGroup(w, group);
+  WindowRef docked = CreateNewWindow(kSimpleWindowClass, 0, {320, 110, 360, 200});
+  WindowRef other = CreateNewWindow(kDocumentWindowClass, 0, {500, 110, 560, 200});
+  SetWindowGroup(docked, group);
+  ShowWindow(docked);
+  ShowWindow(other);
+  Receive();
+  headless::Configure(w, {110, 105, 310, 305});
+  EXPECT_EQ(Receive(), "wind27") << "no notice of its own";
+  EXPECT_EQ(docked->content, (Rect{330, 115, 370, 205}));
+  EXPECT_EQ(other->content, (Rect{500, 110, 560, 200}));
+  SetWindowBounds(w, {0, 100, 50, 150});
+  EXPECT_EQ(docked->content.left, 220);
+  HideWindow(w);
+  WindowRef found = w;
+  EXPECT_EQ(FindWindow({230, 120}, &found), inDesk) << "hidden with its leader";
+  ShowWindow(w);
+  EXPECT_EQ(FindWindow({230, 120}, &found), inContent);
+}
+
+TEST(Windows, WhatLiesUnderAPoint) {
+  WindowRef w = Open();
+  WindowRef over = CreateNewWindow(kDocumentWindowClass, 0, {250, 150, 350, 250});
+  ShowWindow(over);
+  WindowRef hidden = CreateNewWindow(kDocumentWindowClass, 0, {0, 0, 1000, 1000});
+  const struct {
+    Point where;
+    int part;
+    WindowRef window;
+  } rows[] = {
+      {{100, 100}, inContent, w},    {{99, 100}, inDesk, nullptr},  {{299, 149}, inContent, w},
+      {{250, 150}, inContent, over}, {{299, 299}, inContent, w},    {{300, 300}, inDesk, nullptr},
+      {{100, 99}, inMenuBar, w},     {{299, 76}, inMenuBar, w},     {{100, 75}, inDesk, nullptr},
+      {{349, 249}, inContent, over}, {{300, 140}, inDesk, nullptr},
+  };
+  for (const auto& row : rows) {
+    WindowRef found = hidden;
+    EXPECT_EQ(FindWindow(row.where, &found), row.part) << row.where.x << " " << row.where.y;
+    EXPECT_EQ(found, row.window);
+    EXPECT_EQ(FindWindow(row.where, nullptr), row.part);
+  }
+  SelectWindow(w);
+  WindowRef found = nullptr;
+  FindWindow({260, 160}, &found);
+  EXPECT_EQ(found, w) << "the front one";
+}
+
+TEST(Windows, StaleAndNullHandles) {
+  Open();
+  WindowRef stale = CreateNewWindow(kDocumentWindowClass, 0, {0, 0, 10, 10});
+  DisposeWindow(stale);
+  for (WindowRef w : {WindowRef(nullptr), stale}) {
+    DisposeWindow(w);
+    ShowWindow(w);
+    HideWindow(w);
+    SelectWindow(w);
+    ActivateWindow(w, true);
+    SetWindowTitle(w, "x");
+    SetWindowModified(w, true);
+    SetWindowBounds(w, {0, 0, 5, 5});
+    MoveWindowStructure(w, 1, 1);
+    InvalidateWindow(w, {}, true);
+    EraseRect(w, {0, 0, 5, 5});
+    SetWindowGroup(w, nullptr);
+    SetWindowFullScreen(w, true);
+    CapturePointer(w, nullptr);
+    FlushWindow(w);
+    EXPECT_FALSE(IsWindowVisible(w));
+    EXPECT_FALSE(IsWindowActive(w));
+    EXPECT_STREQ(GetWindowTitle(w), "");
+    EXPECT_EQ(GetWindowBounds(w, kWindowContentRgn), Rect());
+    EXPECT_EQ(ConstrainWindowToScreen(w), Rect());
+    EXPECT_EQ(WindowGeneration(w), 0u);
+  }
+}
+
+}  // namespace
+}  // namespace platform
