@@ -79,6 +79,8 @@ void Select(XwWindow* w) {
 void XwSet(XwWindow* w) {
   if (w && !CheckWindow(w)) w = nullptr;
   if (w == XW) return;
+  // A sub-window's context goes back to the solid lines that it was made with.
+  if (XW && IsSub(XW)) SetContextDash(Native(XW->context), 0, nullptr, 0);
   XW = w;
   if (w) Select(w);
 }
