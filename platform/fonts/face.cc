@@ -76,7 +76,7 @@ FT_Library FontLibrary() {
 
 bool OpenFace(const FontFace* face) {
   FontFace* f = const_cast<FontFace*>(face);
-  if (f->sources[' ']) return true;
+  if (f->sources[0]) return true;
   if (!LoadHandle(f)) return false;
   f->units_per_em = f->face->units_per_EM;
   for (int i = 0; i < 256; ++i) {

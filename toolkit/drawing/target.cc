@@ -78,6 +78,8 @@ void Select(XwWindow* w) {
 
 void XwSet(XwWindow* w) {
   if (w && !CheckWindow(w)) w = nullptr;
+  // A sub-window's context goes back to the solid lines that it was made with.
+  if (XW && XW != w && IsSub(XW)) SetContextDash(Native(XW->context), 0, nullptr, 0);
   // The selected window again: what was made for it may be out of date.
   XW = w;
   if (w) Select(w);

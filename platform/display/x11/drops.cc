@@ -8,7 +8,6 @@ namespace platform::x11 {
 
 namespace {
 
-constexpr uint32_t kVersion = 5;
 constexpr uint32_t kMaxWords = 1 << 18;  // a megabyte; the first file is what counts
 
 struct Drop {
