@@ -99,8 +99,8 @@ struct State {
   bool shm = false;
   bool lost = false;              // the loss of the connection has been reported
   bool late_done = false;         // keymap, XInput and the like are open
-  bool shown = false;  // something has been presented
-  bool idle = false;   // and after that the program had nothing left to do
+  bool shown = false;             // something has been presented
+  bool idle = false;              // and after that the program had nothing left to do
   xcb_timestamp_t user_time = 0;  // of the user's last press or key
   xcb_window_t leader = 0;        // the first window
   uint8_t randr_event = 0, xkb_event = 0, xi_opcode = 0;
