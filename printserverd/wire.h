@@ -38,7 +38,7 @@ constexpr size_t kMaxJobs = 4096;
 constexpr size_t kMaxListed = 64;  // printers, profiles, scanners
 
 constexpr size_t kProfileRecord = 48;
-constexpr size_t kMaxField = 512;  // the longest run of fixed fields in a request
+constexpr size_t kMaxField = 512;       // the longest run of fixed fields in a request
 constexpr int64_t kDocumentMs = 30000;  // the deadline for the next bytes of a document
 
 // With every byte of every text escaped a job record stays below 2048 bytes, the list below 8 MiB.

@@ -116,7 +116,7 @@ enum {
   XWE_CONFIGURE = 768,    /* moved or resized */
   XWE_EXPOSE = 769,       /* draw the content: it has been cleared; select the window and draw */
   XWE_MOTION = 770,       /* the pointer moved */
-  XWE_PRESS = 771,        /* primary button; 772 secondary, 773 tertiary, 774 and 775 side buttons */
+  XWE_PRESS = 771,        /* primary; 772 secondary, 773 tertiary, 774 and 775 side buttons */
   XWE_RELEASE = 776,
   XWE_MODIFIERS = 777,    /* Inp.state has the new modifier bits */
   XWE_CLOSE = 778,        /* the user asks for it; the window stays */
@@ -160,14 +160,14 @@ extern XwEvent Inp;
 _Noreturn
 #endif
 void XwRunEventLoop(void);
-/* Waits for an event that the caller must see and returns its type: one whose window has no handler,
- * or the other code that a handler returned. `modal` null: all windows. A window: events of windows
- * outside it are returned undispatched, but closing and clicking them only beeps. (XwWindow*)-1:
- * nothing is dispatched. A release with a button above 5 returns -9874. */
+/* Waits for an event that the caller must see and returns its type: one whose window has no
+ * handler, or the other code that a handler returned. `modal` null: all windows. A window: events
+ * of windows outside it are returned undispatched, but closing and clicking them only beeps.
+ * (XwWindow*)-1: nothing is dispatched. A release with a button above 5 returns -9874. */
 int XwWaitEvent(XwWindow* modal);
 /* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
- * `dispatch` 0 leaves toolkit events other than 768 and 769 undelivered: the caller has the type and
- * Inp. Input is translated but never delivered here. */
+ * `dispatch` 0 leaves toolkit events other than 768 and 769 undelivered: the caller has the type
+ * and Inp. Input is translated but never delivered here. */
 int XwGetEvent(XwWindow* modal, int dispatch);
 /* XwGetEvent until it returns 0. Returns 0. For long computations that stay responsive. */
 int XwPeekEvents(XwWindow* modal, int dispatch);
@@ -216,7 +216,7 @@ extern XwWindow* GrabWindow;
  * 8 to 15 sizes N S E W NW NE SW SE, 16 hand, 17 zoom in, 18 zoom out, 19 to 21 none. */
 enum { XW_CURSORS = 22 };
 extern XwCursor* XWcursors[XW_CURSORS];
-/* Index 1..20 takes that entry (19 and 20: the pointer stays as it was), anything else the arrow. */
+/* Index 1..20 takes that entry (19 and 20: the pointer stays as it was), others the arrow. */
 void XwSetCursor(XwWindow* w, int32_t index);
 
 /* ==== Windows ===================================================================================
@@ -266,7 +266,7 @@ struct XwWindow {
   int32_t subwindows;    /* children of kind 12 */
   uint32_t generation;   /* of the pixels that `context` was made for */
   XwWindow* linked_by;   /* the record whose `linked` this is */
-  uint64_t serial;       /* never given twice: tells records apart that follow each other in one place */
+  uint64_t serial;       /* never given twice, though a record may take a place used before */
   void (*scroll_handler)(float dx, float dy);
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
@@ -340,8 +340,8 @@ void XwBoxList(int op, int x, int y, int width, int height);
 /* ==== Drawing ===================================================================================
  *
  * Everything is drawn into the selected window XW, in its own coordinates, cut to its bounds less
- * its shown children. Nothing needs to be released; drawing into a hidden sub-window paints nothing.
- * With no window selected the calls do nothing.
+ * its shown children. Nothing needs to be released; drawing into a hidden sub-window paints
+ * nothing. With no window selected the calls do nothing.
  *
  * A colour value is 0x00BBGGRR: red in the low byte. -1 to -10 are no colours: -1 paints nothing,
  * -2 erases to the window's own ground, the others paint nothing. */
@@ -375,8 +375,8 @@ extern float DashOffset, DashCol1[4], DashCol2[4], DashArray1[128];
 
 /* Does nothing; XwSync shows what was drawn. */
 void XwFlush(void);
-/* Brings everything drawn so far to the screen and waits until the display has it. The loop does the
- * same by itself before it waits. */
+/* Brings everything drawn so far to the screen and waits until the display has it. The loop does
+ * the same by itself before it waits. */
 void XwSync(void);
 /* Paints the rectangle with the window's own ground (a colour becomes the current colour); nothing
  * when the window has none. Width and height both 0: the whole window. */
@@ -446,11 +446,11 @@ extern XwFont *FT_SMALL, *FT_BUTTON, *FT_ALERT;
  * desktop's, has ascent = size, and a descent that is negative. Lives for the process. */
 XwFont* LoadFont(const char* family, int size, int style);
 /* By a name with dashes, such as "-*-helvetica-bold-r-normal-*-18-*-*-*-*-*-*-*": family (its first
- * letter made a capital), "bold", "i" for italic, "narrow" as set width, size. Bold replaces narrow.
- * Null is a name without fields. */
+ * letter made a capital), "bold", "i" for italic, "narrow" as set width, size. Bold replaces
+ * narrow. Null is a name without fields. */
 XwFont* XwLoadFont(const char* xname);
-/* Copies field n (2 family, 3 weight, 4 slant, 5 set width, 7 size) to `dst`, which has room for 200
- * bytes, and returns it; the empty string where there is no such field. Null `dst`: null. */
+/* Copies field n (2 family, 3 weight, 4 slant, 5 set width, 7 size) to `dst`, which has room for
+ * 200 bytes, and returns it; the empty string where there is no such field. Null `dst`: null. */
 char* GetFontParm(const char* xname, int field, char* dst);
 
 /* Pixels, a fraction dropped. Null text: 0. */
@@ -471,8 +471,8 @@ void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char*
 
 /* File names, and whatever else comes as UTF-8, to the toolkit's characters and back. Both write at
  * most `size` bytes with the ending zero, never a part of a character, and return the length. What
- * the set lacks, and bytes that are not UTF-8, become '?'. Null text is the empty one; null `dst` or
- * a size below 1 writes nothing and returns 0. */
+ * the set lacks, and bytes that are not UTF-8, become '?'. Null text is the empty one; null `dst`
+ * or a size below 1 writes nothing and returns 0. */
 int XwFromUtf8(const char* utf8, char* dst, int size);
 int XwToUtf8(const char* text, char* dst, int size);
 
@@ -504,9 +504,9 @@ extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 *
 
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);
-/* Fills the rectangle with copies of the icon, from its bottom-left corner to the right and up; w or
- * h 0: the icon's own. Set bits take `colour`, clear ones `background`; markers leave them as they
- * are. The colour used last becomes the current colour. Null draws nothing. */
+/* Fills the rectangle with copies of the icon, from its bottom-left corner to the right and up; w
+ * or h 0: the icon's own. Set bits take `colour`, clear ones `background`; markers leave them as
+ * they are. The colour used last becomes the current colour. Null draws nothing. */
 void XwDrawIcon(XwIcon* icon, int x, int y, int w, int h, int32_t colour, int32_t background);
 
 /* ---- Images: pixels of the program's own. Row by row without gaps, four bytes a pixel: ignored,

@@ -15,10 +15,15 @@ static void Draw(XwWindow* w) {
 
 static int Handle(int type) {
   switch (type) {
-    case XWE_EXPOSE: Draw(Inp.window); break;
+    case XWE_EXPOSE:
+      Draw(Inp.window);
+      break;
     case XWE_CLOSE:
-    case XWE_QUIT: XwEndSession(); exit(0);
-    default: break;
+    case XWE_QUIT:
+      XwEndSession();
+      exit(0);
+    default:
+      break;
   }
   return 0;
 }

@@ -41,8 +41,8 @@ struct Window {
   Rect content;   // global, logical
   int strip = 0;  // logical height of the menu strip above the content
   bool visible = false;
-  bool placing = false;     // shown, and nothing has happened in it yet: it is still being placed
-  std::string title;  // UTF-8, without the mark
+  bool placing = false;  // shown, and nothing has happened in it yet: it is still being placed
+  std::string title;     // UTF-8, without the mark
   bool modified = false;
   bool has_limits = false;
   SizeLimits limits;
@@ -62,10 +62,10 @@ struct Window {
   CursorRef cursor = nullptr;
   // --- The display's own. Frame extents as the window manager gives them, logical.
   void* native = nullptr;
-  Rect frame;             // widths: left, top, right, bottom
-  Rect refused;           // the last reported bounds that were answered with others
+  Rect frame;                // widths: left, top, right, bottom
+  Rect refused;              // the last reported bounds that were answered with others
   bool full_bounds = false;  // `content` is what full screen gave
-  bool disposed = false;  // freed when the dispatch that destroyed it is over
+  bool disposed = false;     // freed when the dispatch that destroyed it is over
 };
 
 // All live windows, front first.

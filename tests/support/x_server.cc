@@ -126,8 +126,8 @@ XUser::~XUser() {
   xcb_disconnect(c_);
 }
 
-// A manager that has only just started may have read a request and wait for the next event before it
-// looks at it: a first window of our own is brought up with such events, and taken away again.
+// A manager that has only just started may have read a request and wait for the next event before
+// it looks at it: a first window of our own is brought up with such events, and taken away again.
 void XUser::Sync() {
   Reply r(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
 }
