@@ -1,22 +1,11 @@
-/* One page that uses every drawing call. Closing the window or asking the program to quit ends it.
- */
+/* One page that uses every drawing call. */
 #include <stdlib.h>
 
 #include "toolkit/xw.h"
 
-enum {
-  INK = 0x1D2022,
-  GREY = 0x646A6E,
-  BLUE = 0xD77538,
-  RED = 0x2B39C0,
-  GREEN = 0x578B2E,
-  GOLD = 0x0E77B9,
-  PAPER = 0xFFFFFF,
-  NONE = -1,
-  GROUND = -2,
-  LEFT = 0x400,
-  RIGHT = 0x200
-};
+enum { INK = 0x1D2022, GREY = 0x646A6E, PAPER = 0xFFFFFF, NONE = -1, GROUND = -2 };
+enum { BLUE = 0xD77538, RED = 0x2B39C0, GREEN = 0x578B2E, GOLD = 0x0E77B9 };
+enum { RIGHT = 0x200, LEFT = 0x400, UNDERLINED = 0x800 };
 
 static XwFont *title, *caption, *serif, *typewriter;
 static uint8_t* picture;
@@ -40,10 +29,9 @@ static void Lines(int x, int y) {
 }
 
 static void Shapes(int x, int y) {
-  int16_t star[] = {36, 0, 58, 68, 0, 26, 72, 26, 14, 68}, wave[22];
-  int i;
+  static const int16_t star[] = {308, 86, 330, 154, 272, 112, 344, 112, 286, 154};
+  static const int16_t wave[] = {420, 150, 430, 140, 430, 150, 450, 140, 450, 150, 465, 150};
   Caption(x, y, "SHAPES");
-  for (i = 0; i < 10; ++i) star[i] = (int16_t)(star[i] + (i % 2 ? y + 26 : x));
   XwSetColor(GOLD);
   XwFillPolygon(star, 5);
   XwSetColor(RED);
@@ -53,12 +41,8 @@ static void Shapes(int x, int y) {
   XwBox(x + 148, y + 24, 30, 30, BLUE);
   XwSetColor(GREEN);
   XwFillRect(x + 163, y + 39, 30, 30);
-  for (i = 0; i < 11; ++i) {
-    wave[2 * i] = (int16_t)(x + 148 + i * 5);
-    wave[2 * i + 1] = (int16_t)(y + 90 - (i % 2) * 10);
-  }
   XwSetColor(INK);
-  XwDrawLines(wave, 11);
+  XwDrawLines(wave, 6);
 }
 
 static void Elements(int x, int y) {
@@ -89,50 +73,42 @@ static void Elements(int x, int y) {
 
 static void Texts(int x, int y) {
   const char* name = "ISO Coated v2 300% (ECI) \245 proof of 12 July.pdf";
-  int line = XWF_NORMAL->ascent + XWF_NORMAL->descent + 4;
   Caption(x, y, "TEXT");
   XwDrawText(serif, 0, x, y + 20, 0, 0, "Quick wafting zephyrs", INK, NONE);
   XwDrawText(typewriter, 0, x, y + 48, 0, 0, "vex bold Jim: \212 \216 \232 \237 \247 \333", INK,
              NONE);
-  XwDrawText(XWF_NORMAL, 0x800, x, y + 72, 0, 0, "underlined", BLUE, NONE);
-  XwDrawText(XWF_BOLD, 0, x + 90, y + 72, 0, 0, " on a colour ", PAPER, GREEN);
-  XwDrawText(XWF_NORMAL, LEFT, x, y + 72 + line, 220, 20, XwTextFit(XWF_NORMAL, name, 220), INK,
-             PAPER);
-  XwDrawText(XWF_NORMAL, LEFT, x, y + 76 + 2 * line, 220, 20, XwTextTrim(XWF_NORMAL, name, 200),
-             INK, PAPER);
+  XwDrawText(XWF_NORMAL, UNDERLINED, x, y + 72, 0, 0, "underlined", BLUE, NONE);
+  XwDrawText(XWF_BOLD, 0, x + 16 + XwTextWidth(XWF_NORMAL, "underlined"), y + 72, 0, 0,
+             " on a colour ", PAPER, GREEN);
+  XwDrawText(XWF_NORMAL, LEFT, x, y + 92, 220, 20, XwTextFit(XWF_NORMAL, name, 220), INK, PAPER);
+  XwDrawText(XWF_NORMAL, LEFT, x, y + 115, 220, 20, XwTextTrim(XWF_NORMAL, name, 200), INK, PAPER);
 }
 
 static void Icons(int x, int y) {
   XwIcon* const icons[] = {
       IC_POPUP_MORE_DATA_UP, IC_POPUP_MORE_DATA_DOWN, IC_EXCHANGE, IC_SMALL_ARROW_UP,
       IC_SMALL_ARROW_DOWN,   IC_OPT_DIALOG,           IC_OPT_MENU, IC_CHECKBOX};
-  int i, left = x;
+  int i;
   Caption(x, y, "ICONS");
-  for (i = 0; i < 8; ++i) {
-    XwDrawIcon(XwLoadIcon(icons[i]), left, y + 24, 0, 0, INK, NONE);
-    left += icons[i]->width + 12;
-  }
-  XwDrawIcon(IC_ARROWS, x, y + 50, 225, 20, BLUE, PAPER);
+  for (i = 0; i < 8; ++i) XwDrawIcon(XwLoadIcon(icons[i]), x + i * 30, y + 24, 0, 0, INK, NONE);
+  XwDrawIcon(IC_ARROWS, x, y + 50, 224, 20, BLUE, PAPER);
 }
 
 static void Images(int x, int y) {
   static uint8_t stripes[16 * 16 * 4];
-  int i, j, w = 110, h = 62;
+  int i, w = 110, h = 62;
   Caption(x, y, "IMAGES");
-  picture = picture ? picture : XwAllocImage(w, h);
-  for (j = 0; j < h; ++j) {
-    for (i = 0; i < w; ++i) {
-      uint8_t* p = picture + 4 * (j * w + i);
-      p[1] = (uint8_t)(40 + i * 200 / w);
-      p[2] = (uint8_t)(90 + j * 120 / h);
-      p[3] = (uint8_t)(220 - i * 120 / w);
-    }
+  picture = picture ? XwReallocImage(picture, w, h) : XwAllocImage(w, h);
+  for (i = 0; i < w * h; ++i) {
+    picture[4 * i + 1] = (uint8_t)(40 + i % w * 200 / w);
+    picture[4 * i + 2] = (uint8_t)(90 + i / w * 120 / h);
+    picture[4 * i + 3] = (uint8_t)(220 - i % w * 120 / w);
   }
   XwPutImage(0, 0, x, y + 24, w, h, picture);
   for (i = 0; i < 256; ++i) stripes[4 * i + 1] = (uint8_t)((i / 16 + i % 16) / 4 % 2 ? 220 : 40);
   XwClip((uint16_t)(x + 122), (uint16_t)(y + 24), 100, 62);
-  for (j = 0; j < 4; ++j)
-    for (i = 0; i < 7; ++i) XwPutImageData(x + 122 + i * 16, y + 24 + j * 16, 16, 16, stripes);
+  for (i = 0; i < 28; ++i)
+    XwPutImageData(x + 122 + i % 7 * 16, y + 24 + i / 7 * 16, 16, 16, stripes);
   XwPutImage(30, 10, x + 142, y + 36, 60, 38, picture);
   XwClip(0, 0, 0, 0);
 }
@@ -152,17 +128,11 @@ static void Draw(XwWindow* w) {
 }
 
 static int Handle(int type) {
-  switch (type) {
-    case XWE_EXPOSE:
-      Draw(Inp.window);
-      break;
-    case XWE_CLOSE:
-    case XWE_QUIT:
-      XwFreeImage(picture);
-      XwEndSession();
-      exit(0);
-    default:
-      break;
+  if (type == XWE_EXPOSE) Draw(Inp.window);
+  if (type == XWE_CLOSE || type == XWE_QUIT) {
+    XwFreeImage(picture);
+    XwEndSession();
+    exit(0);
   }
   return 0;
 }
