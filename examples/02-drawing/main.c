@@ -88,9 +88,8 @@ static void Icons(int x, int y) {
   XwIcon* const icons[] = {
       IC_POPUP_MORE_DATA_UP, IC_POPUP_MORE_DATA_DOWN, IC_EXCHANGE, IC_SMALL_ARROW_UP,
       IC_SMALL_ARROW_DOWN,   IC_OPT_DIALOG,           IC_OPT_MENU, IC_CHECKBOX};
-  int i;
   Caption(x, y, "ICONS");
-  for (i = 0; i < 8; ++i) XwDrawIcon(XwLoadIcon(icons[i]), x + i * 30, y + 24, 0, 0, INK, NONE);
+  for (int i = 0; i < 8; ++i) XwDrawIcon(XwLoadIcon(icons[i]), x + i * 30, y + 24, 0, 0, INK, NONE);
   XwDrawIcon(IC_ARROWS, x, y + 50, 224, 20, BLUE, PAPER);
 }
 
@@ -145,7 +144,6 @@ int main(void) {
   serif = XwLoadFont("-*-times-medium-i-normal-*-20-*-*-*-*-*-*-*");
   typewriter = LoadFont("Courier", 14, 1);
   w = XwCreate(0, 120, 120, 520, 514, Handle);
-  if (!w) return 1;
   XwSetGround(w, NULL, 2);
   XwShow(w, 1);
   XwRunEventLoop();
