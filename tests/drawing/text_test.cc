@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -12,6 +13,9 @@
 
 using namespace platform;
 using testkit::Canvas;
+
+// Before any font is asked for.
+[[maybe_unused]] static const int kFontsChosen = setenv("XW_FONTS", FONTS, 1);
 
 TEST(Fonts, StepsOfLookUp) {
   struct {
