@@ -36,11 +36,13 @@ function(quorvik_test name)
   if(P_LABELS)
     list(APPEND properties LABELS "${P_LABELS}")
   endif()
+  if(P_ENVIRONMENT)
+    list(APPEND properties ENVIRONMENT "${P_ENVIRONMENT}")
+  endif()
   # The test ends itself with a message shortly before it is ended.
   math(EXPR seconds "${P_TIMEOUT} - 3")
-  list(APPEND properties ENVIRONMENT "QUORVIK_TEST_SECONDS=${seconds};${P_ENVIRONMENT}")
   gtest_discover_tests(${name} TEST_PREFIX "${name}:" DISCOVERY_TIMEOUT 60
-    PROPERTIES ${properties})
+    EXTRA_ARGS --seconds=${seconds} PROPERTIES ${properties})
 endfunction()
 
 # quorvik_bench(NAME SOURCES... [LIBS ...])

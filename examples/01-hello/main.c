@@ -1,5 +1,4 @@
-/* A window with a line of text in its middle. Closing the window or asking the program to quit ends
- * it. */
+/* A window with a line of text in its middle. Closing it or a request to quit ends it. */
 #include <stdlib.h>
 
 #include "toolkit/xw.h"
@@ -8,22 +7,16 @@ static void Draw(XwWindow* w) {
   XwSet(w);
   XwDrawText(XWF_BOLD, 0, 0, 0, w->width, w->height - 20, "Hello, world", 0x1D2022, -1);
   XwDrawText(XWF_NORMAL, 0, 0, 20, w->width, w->height - 20, "drawn with xw.h", 0x646A6E, -1);
-  XwSetColor(0xD77538);
+  XwSetColor(0xD77538); /* blue, green, red */
   XwDrawLine(w->width / 2 - 60, w->height / 2 + 26, w->width / 2 + 60, w->height / 2 + 26);
   XwSync();
 }
 
 static int Handle(int type) {
-  switch (type) {
-    case XWE_EXPOSE:
-      Draw(Inp.window);
-      break;
-    case XWE_CLOSE:
-    case XWE_QUIT:
-      XwEndSession();
-      exit(0);
-    default:
-      break;
+  if (type == XWE_EXPOSE) Draw(Inp.window);
+  if (type == XWE_CLOSE || type == XWE_QUIT) {
+    XwEndSession();
+    exit(0);
   }
   return 0;
 }

@@ -1,9 +1,11 @@
-// The main of every test program: a time limit for each test (QUORVIK_TEST_SECONDS, default 60; 0,
-// as under a debugger: none).
+// The main of every test program: a time limit for each test, --seconds=N (default 60; 0, as under
+// a debugger: none).
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <optional>
+#include <string>
 
 #include "tests/support/time_limit.h"
 
@@ -26,8 +28,8 @@ class Limits : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  const char* wanted = getenv("QUORVIK_TEST_SECONDS");
-  testing::UnitTest::GetInstance()->listeners().Append(
-      new Limits(wanted != nullptr ? atof(wanted) : 60));
+  double seconds = 60;
+  if (argc > 1 && !strncmp(argv[1], "--seconds=", 10)) seconds = atof(argv[1] + 10);
+  testing::UnitTest::GetInstance()->listeners().Append(new Limits(seconds));
   return RUN_ALL_TESTS();
 }

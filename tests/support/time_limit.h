@@ -5,7 +5,7 @@ namespace support {
 
 // While it lives, and for `seconds` at most, `what` may run; past that the process says so on
 // standard error and aborts. 0: no limit. The innermost one counts; it uses the process's real-time
-// alarm. Every test runs under one: main.cc, QUORVIK_TEST_SECONDS.
+// alarm. Every test runs under one: main.cc.
 class TimeLimit {
  public:
   TimeLimit(double seconds, const char* what);

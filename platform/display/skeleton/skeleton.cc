@@ -1,0 +1,139 @@
+// The smallest display: windows are memory, nothing is shown anywhere and nobody types. It is the
+// model to copy for a new display (docs/new-display.md) and is in no list; a test runs a program on
+// it. What a real display adds is said where it belongs.
+#include <algorithm>
+#include <deque>
+#include <vector>
+
+#include "platform/display/display.h"
+#include "platform/windows/window.h"
+
+namespace platform {
+
+extern const Display kSkeletonDisplay;
+
+namespace {
+
+// One for each window, from create_window to destroy_window.
+struct NativeWindow {
+  std::vector<uint32_t> buffer;
+  int width = 0, height = 0;
+};
+
+NativeWindow* Native(WindowRef w) {
+  return static_cast<NativeWindow*>(w->native);
+}
+
+// What has happened and was not asked for yet.
+std::deque<RawEvent> reports;
+
+void Report(RawEvent::Type type, WindowRef w) {
+  RawEvent raw;
+  raw.type = type;
+  raw.window = w;
+  reports.push_back(raw);
+}
+
+// Connects, without waiting for more than it must: the first frame waits for this.
+bool Open(const char*) {
+  return true;
+}
+
+void Close() {
+  reports.clear();
+}
+
+int Screens(Screen* out, int max) {
+  if (max > 0) out[0] = {{0, 0, 1024, 768}, 1.0};
+  return 1;
+}
+
+// Makes the window at DeviceBounds(*w), with what set_title and set_hints tell.
+bool CreateWindow(WindowRef w) {
+  w->native = new NativeWindow;
+  return true;
+}
+
+void DestroyWindow(WindowRef w) {
+  std::erase_if(reports, [w](const RawEvent& r) { return r.window == w; });
+  delete Native(w);
+  w->native = nullptr;
+}
+
+// The focus comes by itself on most desktops; here it comes with the window.
+void MapWindow(WindowRef w, bool shown) {
+  Report(shown ? RawEvent::kFocusIn : RawEvent::kFocusOut, w);
+}
+
+// The platform has noted the new place already; a display that grants another one reports it with
+// kConfigure.
+void MoveResize(WindowRef) {}
+void SetTitle(WindowRef) {}
+void SetHints(WindowRef) {}
+void Raise(WindowRef) {}
+void Activate(WindowRef w) {
+  Report(RawEvent::kFocusIn, w);
+}
+
+uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
+  constexpr int64_t kMostPixels = int64_t{1} << 28;
+  if (width <= 0 || height <= 0 || int64_t{width} * height > kMostPixels) return nullptr;
+  NativeWindow* n = Native(w);
+  std::vector<uint32_t> pixels(size_t(width) * size_t(height));
+  for (int y = 0; y < std::min(height, n->height); ++y) {
+    std::copy_n(n->buffer.begin() + int64_t{y} * n->width, std::min(width, n->width),
+                pixels.begin() + int64_t{y} * width);
+  }
+  n->buffer.swap(pixels);
+  n->width = *stride = width;
+  n->height = height;
+  return n->buffer.data();
+}
+
+// Copies the rectangles of the buffer to the screen; Flush sends what is batched.
+void Present(WindowRef, const DeviceRect*, int) {}
+void Flush(bool) {}
+
+bool NextEvent(RawEvent* out) {
+  if (reports.empty()) return false;
+  *out = reports.front();
+  reports.pop_front();
+  return true;
+}
+
+// The connection, so that the loop sleeps until it can be read.
+int FileDescriptor() {
+  return -1;
+}
+
+}  // namespace
+
+// Entries that are left out may be null: no cursors, no grab, no beep, the system's clock, and the
+// platform itself waits on the descriptor.
+const Display kSkeletonDisplay = {
+    .name = "skeleton",
+    .open = Open,
+    .close = Close,
+    .screens = Screens,
+    .create_window = CreateWindow,
+    .destroy_window = DestroyWindow,
+    .map_window = MapWindow,
+    .move_resize = MoveResize,
+    .set_title = SetTitle,
+    .set_hints = SetHints,
+    .raise = Raise,
+    .activate = Activate,
+    .resize_buffer = ResizeBuffer,
+    .present = Present,
+    .flush = Flush,
+    .set_cursor = nullptr,
+    .destroy_cursor = nullptr,
+    .grab_pointer = nullptr,
+    .beep = nullptr,
+    .next_event = NextEvent,
+    .file_descriptor = FileDescriptor,
+    .wait = nullptr,
+    .now = nullptr,
+};
+
+}  // namespace platform
