@@ -66,10 +66,10 @@ int RunLoop(XwWindow* modal) {
 void RunFor(double seconds, XwWindow* modal) {
   static bool over;
   over = false;
-  platform::InstallEventLoopTimer(
-      seconds, 0,
-      [](platform::EventLoopTimerRef timer, void*) {
-        platform::RemoveEventLoopTimer(timer);
+  // Posted again and again, since a handler may poll and take the end away.
+  platform::EventLoopTimerRef timer = platform::InstallEventLoopTimer(
+      seconds, 0.001,
+      [](platform::EventLoopTimerRef, void*) {
         over = true;
         PostEnd();
       },
@@ -78,6 +78,7 @@ void RunFor(double seconds, XwWindow* modal) {
   bool ended = false;
   while (!ended) ended = XwWaitEvent(modal) == kEnough && over;
   Inp = before_end;
+  platform::RemoveEventLoopTimer(timer);
 }
 
 void Settle() {

@@ -50,7 +50,7 @@ void PurgeEvents() {
     if (e.cls != kToolkitEventClass) return false;
     auto* record = static_cast<XwEvent*>(e.payload);
     if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
-    if (IsLive(record->window)) return false;
+    if (!record->window || IsLive(record->window)) return false;
     free(record);
     return true;
   });

@@ -1,0 +1,322 @@
+// Random input and random calls, inside handlers and outside, with the whole state checked on the
+// way. QUORVIK_SEED chooses the seed, QUORVIK_EVENTS the number of steps (a soak takes 10,000,000).
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <set>
+
+#include "platform/windows/window.h"
+#include "tests/toolkit/stage.h"
+
+namespace {
+
+using namespace stage;
+
+uint64_t state;
+uint32_t Random(uint32_t below) {
+  state = state * 6364136223846793005u + 1442695040888963407u;
+  return uint32_t((state >> 33) % below);
+}
+int Between(int low, int high) {
+  return low + int(Random(uint32_t(high - low + 1)));
+}
+
+uint64_t trace;
+void Mix(uint64_t value) {
+  trace = (trace ^ value) * 0x100000001B3u;
+}
+
+constexpr int kMostWindows = 60;
+std::vector<XwWindow*> windows;  // the model: all that live
+int depth = 0;
+
+XwWindow* Any() {
+  return windows.empty() ? nullptr : windows[Random(uint32_t(windows.size()))];
+}
+platform::WindowRef AnyNative() {
+  XwWindow* w = Any();
+  return w ? NativeWindow(w) : nullptr;
+}
+
+void Act();
+
+int Handler(int type) {
+  Mix(uint64_t(type));
+  Mix(Inp.window ? Inp.window->serial : 0);
+  Mix(uint64_t(uint32_t(Inp.px)) << 32 | uint32_t(Inp.py));
+  Mix(uint64_t(Inp.item) << 8 | (Inp.state & 31));
+  if (type == XWE_EXPOSE) {
+    XwSet(Inp.window);
+    XwBoxList(3, 0, 0, 0, 0);
+    for (int i = Between(0, 12); i > 0; --i)
+      XwBoxList(Between(0, 9), Between(-5, 100), Between(-5, 100), Between(0, 60), Between(0, 60));
+    XwFillRect(0, 0, 20, 20);
+    XwSet(nullptr);
+  }
+  ++depth;
+  if (depth < 4 && Random(12) == 0) Act();
+  --depth;
+  return Random(200) == 0 ? Between(-3, 900) : 0;
+}
+
+void Scroll(float dx, float dy) {
+  Mix(uint64_t(dx * 10 + dy));
+  if (depth < 4 && Random(8) == 0) Act();
+}
+
+void Forget(XwWindow* w) {
+  std::erase_if(windows, [w](XwWindow* other) { return other == w || IsSubWindow(w, other); });
+}
+
+void Create() {
+  if (int(windows.size()) >= kMostWindows) return;
+  XwHandler handler = Random(8) ? Handler : nullptr;
+  int x = Between(-20, 900), y = Between(-20, 700), width = Between(0, 300),
+      height = Between(0, 200);
+  XwWindow* parent = Any();
+  XwWindow* w;
+  switch (Random(6)) {
+    case 0:
+      w = XwCreate(Between(-260, 0), x, y, width, height, handler);
+      break;
+    case 1:
+      w = XwCreateDocked(parent, x, y, width, height, handler);
+      break;
+    default:
+      w = parent ? XwCreate(parent, x / 8, y / 8, width, height, handler) : nullptr;
+  }
+  if (w) windows.push_back(w);
+  if (w && Random(8)) XwShow(w, 1);
+}
+
+void Destroy() {
+  XwWindow* w = Any();
+  // The main window lives long, large families longer than small ones.
+  if (w == W_Start && Random(2000)) return;
+  if (w && w->child_count > 2 && Random(8)) return;
+  Forget(w);
+  XwDestroy(w);
+}
+
+// One call of the program.
+void Act() {
+  XwWindow* w = Any();
+  switch (Random(22)) {
+    case 0:
+    case 1:
+    case 2:
+      if (windows.size() < kMostWindows / 2) Create();
+      return Create();
+    case 3:
+      return Create();
+    case 4:
+      return Destroy();
+    case 5:
+      return XwMove(w, Between(-50, 900), Between(-50, 700), Between(-5, 400), Between(-5, 300));
+    case 6:
+      return XwShow(w, int(Random(3)));
+    case 7:
+      return XwGrabPointer(w, Between(-1, 23));
+    case 8:
+    case 9:
+      return XwUngrabPointer();
+    case 10:
+      return XwTimer(w, Between(-1, 8), Between(0, 60));
+    case 11:
+      return XwSendEvent(w, Between(1, 900), Between(0, 5), int(Random(9)), 0);
+    case 12:
+      DirectSendEvent(w, Between(1000, 1100), 0, 0);
+      return;
+    case 13:
+      return XwSetFocus(w);
+    case 14:
+      return XwSetCursor(w, Between(-1, 22));
+    case 15:
+      XwPush(w);
+      if (depth < 4 && Random(2)) {
+        ++depth;
+        Act();
+        --depth;
+      }
+      return XwPop();
+    case 16:
+      return XwSetSizes(w, Between(0, 100), Between(0, 100), Between(0, 500), Between(0, 500),
+                        Between(0, 20), Between(0, 20));
+    case 17:
+      return XwEnable(w, int(Random(2)));
+    case 18:
+      return XwSetText(w, Random(2) ? "title" : "another \xA5 title");
+    case 19:
+      return XwSetScrollHandler(w, Random(2) ? Scroll : nullptr);
+    case 20:
+      XwGetEvent(Random(3) ? nullptr : w, int(Random(2)));
+      return;
+    default:
+      if (Random(10) == 0) XwSetFullScreen();
+      return XwCenter(w, Any());
+  }
+}
+
+// One thing that a user or the desktop does.
+void Input() {
+  switch (Random(16)) {
+    default:
+      return input::MovePointer(Between(-10, 1000), Between(-10, 800));
+    case 7:
+      return input::Press(Between(1, 6));
+    case 8:
+    case 9:
+      return input::Release(Between(1, 6));
+    case 10:
+      return Random(2) ? input::KeyDown(uint32_t(Between(30, 130)), 0, Random(3) == 0)
+                       : input::KeyUp(uint32_t(Between(30, 130)));
+    case 11:
+      return Random(3) ? input::Scroll(float(Between(-9, 9)), float(Between(-90, 90)))
+                       : input::Modifiers(Random(65536));
+    case 12: {
+      int left = Between(-50, 800), top = Between(-50, 600);
+      return input::Configure(AnyNative(),
+                              {left, top, left + Between(1, 400), top + Between(1, 300)});
+    }
+    case 13:
+      return Random(4) ? input::Close(AnyNative()) : input::Lose(AnyNative());
+    case 14:
+      return Random(4) ? input::Focus(AnyNative()) : input::OpenFile("/some/file");
+    case 15:
+      return input::Pen(
+          {uint16_t(Random(8)), uint16_t(Random(65536)), int16_t(Between(-99, 99)), 0},
+          platform::RawEvent::Type(
+              Between(platform::RawEvent::kMotion, platform::RawEvent::kRelease)));
+  }
+}
+
+void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
+  ASSERT_TRUE(found->insert(w).second) << "in the tree twice";
+  ASSERT_TRUE(IsLive(w));
+  int subs = 0;
+  for (int i = 0; i < w->child_count; ++i) {
+    XwWindow* c = w->children[i];
+    if (!c) {
+      EXPECT_LE(w->free_slot, i) << "a free slot that would not be found";
+      continue;
+    }
+    ASSERT_EQ(c->parent, w);
+    EXPECT_EQ(c->slot, i);
+    subs += IsSub(c);
+    CheckRecord(c, found);
+  }
+  EXPECT_EQ(w->subwindows, subs);
+  EXPECT_EQ((w->flags & XW_HAS_SUBWINDOWS) != 0, subs > 0);
+  EXPECT_TRUE(platform::IsValidWindow(NativeWindow(w)));
+}
+
+bool LiveOrNull(XwWindow* w) {
+  return !w || IsLive(w);
+}
+
+void Check() {
+  std::set<XwWindow*> tree;
+  for (int i = 0; i < W_Root->child_count; ++i)
+    if (W_Root->children[i]) CheckRecord(W_Root->children[i], &tree);
+  EXPECT_EQ(tree, std::set<XwWindow*>(windows.begin(), windows.end()));
+  size_t listed = 0;
+  uint64_t serial = 0;
+  for (XwWindow* w = W_Start; w; w = w->next) {
+    if (w == W_Start && !IsLive(w)) continue;
+    ++listed;
+    ASSERT_TRUE(tree.count(w));
+    EXPECT_GT(w->serial, serial) << "in the order of creation";
+    serial = w->serial;
+    EXPECT_EQ(w->next ? w->next->previous : W_End, w);
+  }
+  EXPECT_EQ(listed, tree.size());
+  for (XwWindow* w : {Inp.window, Inp.focus, GrabWindow, XW, W_MenuBar}) EXPECT_TRUE(LiveOrNull(w));
+  EXPECT_EQ(XStackCount, 0);
+  EXPECT_EQ(XW, nullptr);
+  EXPECT_TRUE(ActiveGrab || !GrabCursor);
+  for (const XwTimerSlot& slot : Timers) {
+    EXPECT_TRUE(LiveOrNull(slot.window));
+    EXPECT_EQ(slot.value != 0, slot.timer != nullptr);
+  }
+  platform::ForEachUserEvent(platform::GetMainEventQueue(), kToolkitEventClass, [](void* p) {
+    auto* e = static_cast<XwEvent*>(p);
+    EXPECT_TRUE(LiveOrNull(e->window));
+    EXPECT_TRUE(LiveOrNull(e->focus));
+  });
+  int focused = 0;
+  for (platform::WindowRef w : platform::WindowList()) focused += w->focused;
+  EXPECT_LE(focused, 1);
+  EXPECT_EQ(input::Counts().windows, int(platform::WindowList().size()));
+}
+
+uint64_t Play(uint64_t seed, int64_t steps) {
+  state = seed;
+  trace = 0xCBF29CE484222325u;
+  Open();
+  Create();
+  for (int64_t i = 0; i < steps; ++i) {
+    Random(8) ? Input() : Act();
+    if (Random(6) == 0) RunFor(Random(30) / 1000.0);
+    if (i % 256 == 0) {
+      Check();
+      if (testing::Test::HasFailure()) {
+        ADD_FAILURE() << "at step " << i << " of seed " << seed;
+        return 0;
+      }
+    }
+  }
+  // All buttons up, no grab: nothing holds the pointer any more.
+  XwUngrabPointer();
+  if (windows.empty()) Create();
+  input::Focus(nullptr);
+  for (int b = 1; b <= 5; ++b) input::Release(b);
+  RunFor(0.01);
+  while (!windows.empty()) {
+    XwWindow* w = windows.back();
+    Forget(w);
+    XwDestroy(w);
+  }
+  Check();
+  EXPECT_EQ(XwPointerIsGrabbed(), nullptr);
+  EXPECT_EQ(input::Counts().windows, 0);
+  return trace;
+}
+
+int64_t FromEnvironment(const char* name, int64_t otherwise) {
+  const char* value = getenv(name);
+  return value ? atoll(value) : otherwise;
+}
+
+TEST(Random, NoPointerDanglesAndEverythingBalances) {
+  int64_t seed = FromEnvironment("QUORVIK_SEED", 20260),
+          steps = FromEnvironment("QUORVIK_EVENTS", 100000);
+  printf("seed %lld\n", static_cast<long long>(seed));
+  Play(uint64_t(seed), steps);
+}
+
+uint64_t PlayApart(uint64_t seed) {
+  int ends[2];
+  if (pipe(ends) != 0) return 1;
+  pid_t child = fork();
+  if (child == 0) {
+    uint64_t result = Play(seed, 5000);
+    _exit(write(ends[1], &result, sizeof result) == sizeof result ? 0 : 1);
+  }
+  close(ends[1]);
+  uint64_t result = 0;
+  if (read(ends[0], &result, sizeof result) != sizeof result) result = 2;
+  close(ends[0]);
+  waitpid(child, nullptr, 0);
+  return result;
+}
+
+TEST(Random, TheSameSeedGivesTheSameTrace) {
+  uint64_t first = PlayApart(3), again = PlayApart(3), other = PlayApart(4);
+  EXPECT_GT(first, 2u);
+  EXPECT_EQ(first, again);
+  EXPECT_NE(first, other);
+}
+
+}  // namespace
