@@ -16,6 +16,7 @@ namespace {
 
 constexpr char kRegistry[] = "Quorvik";
 constexpr int kAttempts = 8;
+constexpr size_t kLongest = 256;  // of a path and of what a file records, with its final zero
 
 // A key names one file of the registry: nothing that leads elsewhere.
 bool IsPlainName(const char* key) {
@@ -64,7 +65,7 @@ bool WriteAll(int fd, const char* text, size_t length) {
 }
 
 // Read at most 255 bytes of the first line into `text`.
-void ReadFirstLine(int fd, char (&text)[256]) {
+void ReadFirstLine(int fd, char (&text)[kLongest]) {
   size_t length = 0;
   while (length < sizeof text - 1) {
     const ssize_t n = read(fd, text + length, sizeof text - 1 - length);
@@ -101,7 +102,7 @@ bool ReplaceEntry(int registry, const char* key, const char* text) {
 extern "C" {
 
 char* OS_GetAppPath(const char* key) {
-  static char result[256];
+  static char result[kLongest];
   if (!key) return OS_GetPathName(OS_FOLDER_APPLICATION);
   const int length =
       snprintf(result, sizeof result, "%s/%s/%s", OS_GetPathName(OS_FOLDER_SHARED), kRegistry, key);
@@ -117,11 +118,11 @@ char* OS_GetAppPath(const char* key) {
 }
 
 int OS_SetAppPath(const char* key) {
-  if (!key || !IsPlainName(key)) {
+  const std::string folder = std::string(OS_GetPathName(OS_FOLDER_SHARED)) + "/" + kRegistry;
+  if (!key || !IsPlainName(key) || folder.size() + 1 + strlen(key) >= kLongest) {
     errno = EINVAL;
     return -1;
   }
-  const std::string folder = std::string(OS_GetPathName(OS_FOLDER_SHARED)) + "/" + kRegistry;
   OS_CreateDirectory(folder.c_str());
   const os::Handle registry = OpenRegistry();
   if (!registry) return -1;

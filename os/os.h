@@ -59,9 +59,8 @@ typedef struct OS_ListEntry {
 // that two patterns match is listed twice. Null patterns list everything, empty ones nothing;
 // patterns past 60 or past 1023 bytes are ignored, and the second, upper-case use is left out where
 // it would not fit the 1023. With OS_LIST_FOLDERS: ".." is there even in an empty folder, with size
-// and time 0;
-// "." carries the kilobytes of all regular files that matched; hidden names of two characters
-// (".a") are listed always. `count` may be null. Safe on several threads at once.
+// and time 0; "." carries the kilobytes of all regular files that matched; hidden names of two
+// characters (".a") and those that begin with ".." are listed always. `count` may be null. Safe on several threads at once.
 OS_ListEntry* OS_ListDir(const char* path, const char* patterns, int* count, int types, int sort);
 
 // Free a result of OS_ListDir; null is allowed.
@@ -133,7 +132,8 @@ char* OS_GetUserName(void);
 char* OS_GetAppPath(const char* key);
 
 // Record this program's application folder under `key`, in a new file that takes the place of what
-// was there. 0 when the file is there and shared, else -1.
+// was there. 0 when the file is there and shared, else -1; also for a key that OS_GetAppPath could
+// not find again.
 int OS_SetAppPath(const char* key);
 
 // ------------------------------------------------------------------------------------------------

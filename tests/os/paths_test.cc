@@ -161,6 +161,9 @@ TEST_F(Paths, UnknownKeysGiveTheNameOfTheFile) {
   for (const char* key : {"", ".", "..", "../../../secret", "folder"}) {
     EXPECT_EQ(OS_SetAppPath(key), -1) << key;
   }
+  // What could not be read back is not recorded.
+  const size_t room = 255 - scratch.At(Entry("")).size();
+  EXPECT_EQ(OS_SetAppPath(std::string(room + 1, 'k').c_str()), -1);
   EXPECT_EQ(OS_SetAppPath(nullptr), -1);
   EXPECT_EQ(OS_SetAppPath(huge.c_str()), -1);
   EXPECT_EQ(ReadFile(scratch.At("secret")), "/secret");
