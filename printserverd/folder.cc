@@ -21,6 +21,12 @@ bool MakeParents(const std::string& path) {
   }
   return true;
 }
+
+// The type bits of an entry itself; 0 when there is none.
+mode_t TypeIn(int folder, const std::string& name) {
+  struct stat info;
+  return fstatat(folder, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 ? info.st_mode & S_IFMT : 0;
+}
 }  // namespace
 
 void Fd::Reset(int fd) {
@@ -46,7 +52,6 @@ Fd OpenOwnFolder(const std::string& path) {
     errno = EPERM;
     return {};
   }
-  if (fchmod(fd.get(), 0700) != 0) return {};
   return fd;
 }
 
@@ -147,24 +152,30 @@ std::vector<std::string> NamesIn(int folder) {
 
 RemoveResult RemoveBeneath(int folder, std::string_view path) {
   Fd here;  // empty while the part is directly in `folder`
+  const auto parent = [&] { return here ? here.get() : folder; };
   for (size_t slash = path.find('/'); slash != std::string_view::npos; slash = path.find('/')) {
     const std::string part(path.substr(0, slash));
     if (!IsPlainName(part)) return RemoveResult::kBadPath;
-    here = OpenSubfolder(here ? here.get() : folder, part, false);
-    // A part that is a link gives ELOOP, or ENOTDIR on some file systems, as a file does.
-    if (!here) return errno == ENOENT ? RemoveResult::kNotThere : RemoveResult::kBadPath;
+    Fd next = OpenSubfolder(parent(), part, false);
+    if (!next) {
+      return TypeIn(parent(), part) == S_IFLNK ? RemoveResult::kBadPath : RemoveResult::kNotThere;
+    }
+    here = std::move(next);
     path.remove_prefix(slash + 1);
   }
   const std::string name(path);
   if (!IsPlainName(name)) return RemoveResult::kBadPath;
-  const int parent = here ? here.get() : folder;
-  struct stat info;
-  if (fstatat(parent, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-    return errno == ENOENT ? RemoveResult::kNotThere : RemoveResult::kFailed;
+  switch (TypeIn(parent(), name)) {
+    case 0:
+      return RemoveResult::kNotThere;
+    case S_IFLNK:
+      return RemoveResult::kBadPath;
+    case S_IFREG:
+      return unlinkat(parent(), name.c_str(), 0) == 0 ? RemoveResult::kRemoved
+                                                      : RemoveResult::kFailed;
+    default:
+      return RemoveResult::kNotAFile;
   }
-  if (S_ISLNK(info.st_mode)) return RemoveResult::kBadPath;
-  if (!S_ISREG(info.st_mode)) return RemoveResult::kNotAFile;
-  return unlinkat(parent, name.c_str(), 0) == 0 ? RemoveResult::kRemoved : RemoveResult::kFailed;
 }
 
 std::string PlainNameOf(std::string_view name, size_t max) {

@@ -31,8 +31,8 @@ class Fd {
 // A name that stands for one entry of a folder: not empty, not `.` or `..`, no `/`, no zero byte.
 bool IsPlainName(std::string_view name);
 
-// Opens the folder `path`, which it and its missing parents are created for (mode 0700). The last
-// part is not a link, belongs to this user, and gets mode 0700. Empty on failure, errno set.
+// Opens the folder `path`; it and its missing parents are created (mode 0700). The last part is not
+// a link and belongs to this user. Empty on failure, errno set.
 Fd OpenOwnFolder(const std::string& path);
 
 // Opens the folder `name` beneath `parent`, created with mode 0700 when it is missing. No links.

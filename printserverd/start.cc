@@ -7,6 +7,7 @@
 #include <sys/resource.h>
 #include <sys/signalfd.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -36,6 +37,18 @@ size_t PeersAllowed() {
   return std::min<size_t>(kMaxPeers, (files - 256) / 2);
 }
 
+constexpr const char* kSpoolFolders[] = {"jobs", "printed", "files", "gamut"};
+
+// Whether a folder is a spool or may become one. The folder of something else, named by mistake,
+// would be closed to everyone who uses it.
+bool IsSpool(int root) {
+  const std::vector<std::string> names = NamesIn(root);
+  return std::count(names.begin(), names.end(), "lock") > 0 ||
+         std::all_of(names.begin(), names.end(), [](const std::string& name) {
+           return std::count(std::begin(kSpoolFolders), std::end(kSpoolFolders), name) > 0;
+         });
+}
+
 std::string TextOf(const sockaddr_in& address) {
   char text[INET_ADDRSTRLEN];
   inet_ntop(AF_INET, &address.sin_addr, text, sizeof text);
@@ -63,18 +76,17 @@ bool Server::OpenSpool(std::string* error) {
   spool_.root = OpenOwnFolder(options_.spool);
   if (!spool_.root) return fail(strerror(errno));
   const int root = spool_.root.get();
+  if (!IsSpool(root)) return fail("it holds other files");
+  if (fchmod(root, 0700) != 0) return fail(strerror(errno));
   spool_.lock = Fd(openat(root, "lock", O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
   if (!spool_.lock) return fail(std::string("lock: ") + strerror(errno));
   if (flock(spool_.lock.get(), LOCK_EX | LOCK_NB) != 0) {
     return fail("another printserverd uses it");
   }
-  const std::pair<Fd*, const char*> folders[] = {{&spool_.jobs, "jobs"},
-                                                 {&spool_.printed, "printed"},
-                                                 {&spool_.files, "files"},
-                                                 {&spool_.gamut, "gamut"}};
-  for (const auto& [fd, name] : folders) {
-    *fd = OpenSubfolder(root, name, true);
-    if (!*fd) return fail(std::string(name) + ": " + strerror(errno));
+  Fd* const opened[] = {&spool_.jobs, &spool_.printed, &spool_.files, &spool_.gamut};
+  for (size_t i = 0; i < std::size(opened); ++i) {
+    *opened[i] = OpenSubfolder(root, kSpoolFolders[i], true);
+    if (!*opened[i]) return fail(std::string(kSpoolFolders[i]) + ": " + strerror(errno));
   }
   return true;
 }

@@ -320,8 +320,10 @@ TEST(Commands, RemoveFilesOnlyBelowItsOwn) {
                {"a/b", NC_STATUS_WRONG_STATE},
                {"a/none", NC_STATUS_NO_FILE},
                {"none/none", NC_STATUS_NO_FILE},
-               {"top/x", NC_STATUS_BAD_PATH},
-               {std::string(511, 'n'), NC_STATUS_STORAGE},
+               {"up", NC_STATUS_BAD_PATH},
+               {"top/x", NC_STATUS_NO_FILE},
+               {std::string(511, 'n'), NC_STATUS_NO_FILE},
+               {std::string(300, 'n') + "/x", NC_STATUS_NO_FILE},
                {"a/b/inner", NC_STATUS_DONE},
                {"top", NC_STATUS_DONE},
                {"top", NC_STATUS_NO_FILE}};

@@ -146,6 +146,7 @@ TEST(Start, RefusesWithOneLine) {
   const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=fast\n");
   const std::string file = daemon.WriteFile("file", "x");
   std::filesystem::create_symlink(daemon.folder(), daemon.folder() + "/link");
+  chmod(daemon.folder().c_str(), 0755);
   const struct {
     std::vector<std::string> arguments;
     int code;
@@ -155,6 +156,7 @@ TEST(Start, RefusesWithOneLine) {
       {{"--spool", free, "--listen", daemon.host()}, 1, "cannot listen on"},
       {{"--spool", file, "--listen", "127.0.0.1:0"}, 1, "Not a directory"},
       {{"--spool", daemon.folder() + "/link", "--listen", "127.0.0.1:0"}, 1, "spool"},
+      {{"--spool", daemon.folder(), "--listen", "127.0.0.1:0"}, 1, "it holds other files"},
       {{"--spool", free, "--listen", "example"}, 2, "IPv4 address"},
       {{"--spool", free, "--listen", "127.0.0.1:99999"}, 2, "IPv4 address"},
       {{"--spool", free, "--config", config}, 2, "line 3: rate wants bytes a second"},
@@ -171,6 +173,9 @@ TEST(Start, RefusesWithOneLine) {
     EXPECT_NE(outcome.error.find(row.error), std::string::npos) << outcome.error;
     EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1);
   }
+  struct stat other;
+  ASSERT_EQ(stat(daemon.folder().c_str(), &other), 0);
+  EXPECT_EQ(other.st_mode & 0777, 0755U);  // a folder of something else stays as it is
   const Outcome help = RunProgram({PRINTSERVERD, "--help"});
   EXPECT_EQ(help.code, 0);
   EXPECT_NE(help.out.find("--simulate"), std::string::npos);
