@@ -143,6 +143,12 @@ int ForEachJob(int fd, const Options& options, Act act) {
   return first;
 }
 
+// Whether a new file may take the place of what is there. A device or a link stays what it is.
+bool MayReplace(const std::string& path) {
+  struct stat info;
+  return lstat(path.c_str(), &info) != 0 || S_ISREG(info.st_mode);
+}
+
 }  // namespace
 
 int Print(int fd, const Options& options) {
@@ -178,6 +184,7 @@ int Gamut(int fd, const Options& options) {
   memcpy(b, options.folder.data(), options.folder.size());
   const std::string output = options.output.empty() ? BaseName(name) : options.output;
   if (output.empty() || output.back() == '/') return Fail(kUsage, "--output wants a file");
+  if (!MayReplace(output)) return Fail(kNoFile, output + ": not a file that can be replaced");
   // Beside its place first: what is there stays until the new one is whole, and whether the server
   // had the file shows in whether this one came to be.
   const std::string draft = output + "." + std::to_string(getpid()) + ".part";

@@ -75,8 +75,12 @@ int Fail(int code, const std::string& text) {
 
 std::string Shown(const std::string& text) {
   std::string out = text;
-  for (char& c : out) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
+  for (size_t i = 0; i < out.size(); ++i) {
+    const auto c = static_cast<unsigned char>(out[i]);
+    const auto next = static_cast<unsigned char>(i + 1 < out.size() ? out[i + 1] : 0);
+    if (c < 0x20 || c == 0x7f) out[i] = '?';
+    // The control characters above 0x7f, which terminals obey too.
+    if (c == 0xc2 && next >= 0x80 && next < 0xa0) out.replace(i, 2, "?");
   }
   return out;
 }

@@ -1,5 +1,6 @@
 // quorvik-print against the daemon.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -26,7 +27,7 @@ bool Has(const std::string& text, const std::string& part) {
 
 TEST_F(Cli, PrintHoldReleaseRemove) {
   daemon_.Start({"--rate", "0"});
-  const std::string one = daemon_.WriteFile("one \xc3\xa4\n\x1b[1m.txt", "first");
+  const std::string one = daemon_.WriteFile("one \xc3\xa4\n\x1b[1m\xc2\x9b.txt", "first");
   const std::string two = daemon_.WriteFile("two.txt", "");
   Outcome outcome = Run({"print", "--hold", "--copies=2", "--priority", "60", "--owner", "ann",
                          "--profile", "Fine", "--media", "A3", one, two});
@@ -37,7 +38,7 @@ TEST_F(Cli, PrintHoldReleaseRemove) {
   outcome = Run({"queue"});
   EXPECT_EQ(outcome.code, 0);
   EXPECT_TRUE(Has(outcome.out, id)) << outcome.out;
-  EXPECT_TRUE(Has(outcome.out, "one \xc3\xa4??[1m.txt")) << outcome.out;
+  EXPECT_TRUE(Has(outcome.out, "one \xc3\xa4??[1m?.txt")) << outcome.out;
   EXPECT_TRUE(Has(outcome.out, "held") && Has(outcome.out, "ann"));
   EXPECT_EQ(ReadWhole(daemon_.Path("jobs/" + id + ".doc")), "first");
 
@@ -66,6 +67,14 @@ TEST_F(Cli, ListsAndGamut) {
   EXPECT_EQ(Run({"gamut", "g.icc", "--folder", "none", "--output", output}).code, 1);
   EXPECT_EQ(ReadWhole(output), "gamut");
   EXPECT_EQ(Run({"gamut", "g.icc", "--output", "/nowhere/at/all"}).code, 4);
+  // What is no file keeps its place.
+  const std::string pipe = daemon_.folder() + "/pipe", link = daemon_.folder() + "/link";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::filesystem::create_symlink("got.icc", link);
+  for (const std::string& path : {pipe, link, daemon_.folder()}) {
+    EXPECT_EQ(Run({"gamut", "g.icc", "--output", path}).code, 4);
+  }
+  EXPECT_TRUE(std::filesystem::is_fifo(pipe) && std::filesystem::is_symlink(link));
 }
 
 TEST_F(Cli, Failures) {
