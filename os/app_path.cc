@@ -53,17 +53,6 @@ os::Handle MakeEntry(int registry, std::string* name) {
   return os::Handle();
 }
 
-bool WriteAll(int fd, const char* text, size_t length) {
-  while (length > 0) {
-    const ssize_t n = write(fd, text, length);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    text += n;
-    length -= n;
-  }
-  return true;
-}
-
 // Read at most 255 bytes of the first line into `text`.
 void ReadFirstLine(int fd, char (&text)[kLongest]) {
   size_t length = 0;
@@ -87,7 +76,7 @@ bool ReplaceEntry(int registry, const char* key, const char* text) {
   std::string name;
   os::Handle file = MakeEntry(registry, &name);
   if (!file) return false;
-  if (WriteAll(file.get(), text, strlen(text)) && fchmod(file.get(), 0666) == 0 &&
+  if (os::WriteAll(file.get(), text, strlen(text)) && fchmod(file.get(), 0666) == 0 &&
       renameat(registry, name.c_str(), registry, key) == 0) {
     return true;
   }

@@ -90,6 +90,18 @@ void Handle::Reset() {
   errno = error;
 }
 
+bool WriteAll(int fd, const void* data, size_t size) {
+  const char* from = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t n = write(fd, from, size);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    from += n;
+    size -= static_cast<size_t>(n);
+  }
+  return true;
+}
+
 std::string DescriptorPath(int fd) {
   return "/proc/self/fd/" + std::to_string(fd);
 }

@@ -1,6 +1,6 @@
-// Opening what a path finally names, in folders that other users can write too. A link at the end
-// of a path is followed only when the caller or the target's owner owns it. For use by os/ and its
-// users inside the project.
+// Owned descriptors, and opening what a path finally names in folders that other users can write
+// too: a link at the end of a path is followed only when the caller or the target's owner owns it.
+// For use by os/ and its users inside the project.
 #ifndef QUORVIK_OS_FINAL_PATH_H
 #define QUORVIK_OS_FINAL_PATH_H
 
@@ -28,6 +28,9 @@ class Handle {
  private:
   int fd_ = -1;
 };
+
+// Write all bytes, signals or not; false, with errno, when that fails.
+bool WriteAll(int fd, const void* data, size_t size);
 
 // The name through which the system reaches the file behind a descriptor.
 std::string DescriptorPath(int fd);

@@ -28,17 +28,6 @@ bool Ask(int fd, const void* a, const void* b, Announced* file) {
          nc::ReadInteger(fd, &file->time, deadline) && nc::ReadInteger(fd, &file->size, deadline);
 }
 
-bool WriteWhole(int file, const char* data, size_t n) {
-  while (n > 0) {
-    const ssize_t written = write(file, data, n);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    data += written;
-    n -= written;
-  }
-  return true;
-}
-
 struct Copied {
   bool complete;  // everything announced has come
   bool failed;    // some of it could not be written
@@ -52,7 +41,7 @@ Copied Copy(int fd, int file, uint32_t size) {
   while (size > 0) {
     const uint32_t n = std::min(size, kPiece);
     if (!nc::ReadAll(fd, piece, n, Deadline::Of(fd))) return {false, failed};
-    if (!failed && !WriteWhole(file, piece, n)) failed = true;
+    if (!failed && !os::WriteAll(file, piece, n)) failed = true;
     size -= n;
   }
   return {true, failed};

@@ -29,11 +29,6 @@ mode_t TypeIn(int folder, const std::string& name) {
 }
 }  // namespace
 
-void Fd::Reset(int fd) {
-  if (fd_ >= 0) close(fd_);
-  fd_ = fd;
-}
-
 bool IsPlainName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
@@ -86,18 +81,6 @@ Fd CreateFileIn(int parent, const std::string& name) {
     return {};
   }
   return Fd(openat(parent, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-}
-
-bool WriteAll(int fd, const void* data, size_t size) {
-  const char* p = static_cast<const char*>(data);
-  while (size > 0) {
-    const ssize_t n = write(fd, p, size);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return false;
-    p += n;
-    size -= static_cast<size_t>(n);
-  }
-  return true;
 }
 
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync) {

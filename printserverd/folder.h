@@ -1,32 +1,17 @@
-// Owned descriptors, and files opened beneath folder descriptors: no path from outside is ever
-// resolved by the system as a whole, and no symbolic link is followed.
+// Files opened beneath folder descriptors: no path from outside is ever resolved by the system as a
+// whole, and no symbolic link is followed.
 #pragma once
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
+
+#include "os/final_path.h"
 
 namespace printserverd {
 
-// Owns a descriptor; closes it at the end. Empty is -1.
-class Fd {
- public:
-  Fd() = default;
-  explicit Fd(int fd) : fd_(fd) {}
-  Fd(Fd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  Fd& operator=(Fd&& other) noexcept {
-    if (this != &other) Reset(std::exchange(other.fd_, -1));
-    return *this;
-  }
-  ~Fd() { Reset(); }
-  void Reset(int fd = -1);
-  int get() const { return fd_; }
-  explicit operator bool() const { return fd_ >= 0; }
-
- private:
-  int fd_ = -1;
-};
+using Fd = os::Handle;
+using os::WriteAll;
 
 // A name that stands for one entry of a folder: not empty, not `.` or `..`, no `/`, no zero byte.
 bool IsPlainName(std::string_view name);
@@ -44,9 +29,6 @@ Fd OpenFileIn(int parent, const std::string& name);
 
 // Creates a new file beneath `parent`, mode 0600. An entry of that name is a failure (EEXIST).
 Fd CreateFileIn(int parent, const std::string& name);
-
-// Writes all bytes; false on failure, errno set.
-bool WriteAll(int fd, const void* data, size_t size);
 
 // Replaces the file `name` as a whole: written under another name, then renamed. With `sync` the
 // bytes are on the disk before the rename; the folder itself is not synced.
