@@ -10,3 +10,6 @@ target_link_libraries(bench_first_frame_floor PRIVATE quorvik_options PkgConfig:
 target_compile_definitions(bench_first_frame PRIVATE
   HELLO="$<TARGET_FILE:bench_first_frame_hello>" FLOOR="$<TARGET_FILE:bench_first_frame_floor>")
 add_dependencies(bench_first_frame bench_first_frame_hello bench_first_frame_floor)
+
+# Damage to the screen, beside one bare put of the same rectangle.
+quorvik_bench(present present.cc LIBS xw)

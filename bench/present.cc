@@ -1,0 +1,172 @@
+// From damage to the screen: the platform's way beside bare shared-memory puts of the same
+// rectangles, on a server of its own, answered by the server each time.
+//   present [rounds]
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "platform/graphics/surface.h"
+#include "platform/windows/window.h"
+#include "platform/windows/windows.h"
+
+extern char** environ;
+
+namespace {
+
+using platform::DeviceRect;
+
+constexpr int kWidth = 800, kHeight = 600;
+
+struct Case {
+  const char* name;
+  DeviceRect rect;  // within the content
+};
+constexpr Case kCases[] = {
+    {"caret", {100, 100, 102, 118}},
+    {"row", {0, 200, 800, 220}},
+    {"list", {20, 20, 420, 420}},
+    {"all", {0, 0, 800, 600}},
+};
+
+double Microseconds() {
+  timespec t{};
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return double(t.tv_sec) * 1e6 + double(t.tv_nsec) * 1e-3;
+}
+
+pid_t StartServer() {
+  int ends[2];
+  if (pipe(ends) != 0) return -1;
+  fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+  const std::string fd = std::to_string(ends[1]);
+  const char* const command[] = {"Xvfb", "-displayfd", fd.c_str(), "-noreset",     "-nolisten",
+                                 "tcp",  "-screen",    "0",        "1280x1024x24", nullptr};
+  pid_t pid = -1;
+  if (posix_spawnp(&pid, command[0], nullptr, nullptr, const_cast<char* const*>(command),
+                   environ) != 0) {
+    return -1;
+  }
+  close(ends[1]);
+  char number[16] = {};
+  size_t size = 0;
+  while (size < sizeof number - 1 && memchr(number, '\n', size) == nullptr) {
+    const ssize_t n = read(ends[0], number + size, sizeof number - 1 - size);
+    if (n <= 0) break;
+    size += size_t(n);
+  }
+  close(ends[0]);
+  if (size == 0) return -1;
+  setenv("DISPLAY", (":" + std::string(number, strcspn(number, "\n"))).c_str(), 1);
+  return pid;
+}
+
+// A connection, a window and a segment, and nothing else.
+struct Bare {
+  xcb_connection_t* c = nullptr;
+  xcb_window_t window = 0;
+  xcb_gcontext_t gc = 0;
+  xcb_shm_seg_t segment = 0;
+  uint32_t* pixels = nullptr;
+
+  void Open() {
+    c = xcb_connect(nullptr, nullptr);
+    xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+    window = xcb_generate_id(c);
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, kWidth, kHeight, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, 0, nullptr);
+    gc = xcb_generate_id(c);
+    xcb_create_gc(c, gc, window, 0, nullptr);
+    const int id = shmget(IPC_PRIVATE, size_t(kWidth) * kHeight * 4, IPC_CREAT | 0600);
+    pixels = static_cast<uint32_t*>(shmat(id, nullptr, 0));
+    segment = xcb_generate_id(c);
+    xcb_shm_attach(c, segment, uint32_t(id), 1);
+    xcb_map_window(c, window);
+    Wait();
+    shmctl(id, IPC_RMID, nullptr);
+  }
+  void Wait() { free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)); }
+  void Put(const DeviceRect& r) {
+    xcb_shm_put_image(c, window, gc, kWidth, kHeight, uint16_t(r.left), uint16_t(r.top),
+                      uint16_t(r.width()), uint16_t(r.height()), int16_t(r.left), int16_t(r.top),
+                      24, XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment, 0);
+    Wait();
+  }
+  void Raise() {
+    const uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(c, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    Wait();
+  }
+};
+
+double Median(std::vector<double> v) {
+  std::sort(v.begin(), v.end());
+  return v[v.size() / 2];
+}
+
+// The ratio of one case, both ways in turn. Each window is on top when it is measured: what is
+// covered costs nothing to put.
+double Measure(const Case& one, platform::WindowRef w, Bare* bare, int rounds) {
+  std::vector<double> ours, floor;
+  const int strip = w->strip;
+  for (int block = 0; block < 10; ++block) {
+    bare->Raise();
+    for (int i = 0; i < rounds / 10; ++i) {
+      const double start = Microseconds();
+      bare->Put(one.rect);
+      floor.push_back(Microseconds() - start);
+    }
+    platform::SelectWindow(w);
+    platform::FlushWindow(w);
+    for (int i = 0; i < rounds / 10; ++i) {
+      const double start = Microseconds();
+      w->surface.damage.Mark(one.rect.left, one.rect.top + strip, one.rect.right,
+                             one.rect.bottom + strip);
+      platform::FlushWindow(w);
+      ours.push_back(Microseconds() - start);
+    }
+  }
+  printf("%-6s %8.1f us  floor %8.1f us  %.2f\n", one.name, Median(ours), Median(floor),
+         Median(ours) / Median(floor));
+  return Median(ours) / Median(floor);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int rounds = argc > 1 ? std::max(10, atoi(argv[1])) : 2000;
+  const pid_t server = StartServer();
+  if (server < 0) {
+    fprintf(stderr, "present: cannot start Xvfb\n");
+    return 1;
+  }
+  setenv("XW_DISPLAY", "x11", 1);
+  if (!platform::InitPlatform("present")) return 1;
+  platform::WindowRef w =
+      platform::CreateNewWindow(platform::kDocumentWindowClass, 0, {0, 24, kWidth, 24 + kHeight});
+  platform::ShowWindow(w);
+  platform::FlushWindow(w);
+  Bare bare;
+  bare.Open();
+  double sum = 0;
+  for (const Case& one : kCases) sum += Measure(one, w, &bare, rounds);
+  printf("present ratio=%.2f\n", sum / double(std::size(kCases)));
+  xcb_disconnect(bare.c);
+  platform::FinishPlatform();
+  kill(server, SIGTERM);
+  waitpid(server, nullptr, 0);
+  return 0;
+}
