@@ -6,13 +6,14 @@
 #include "platform/display/headless/headless.h"
 #include "toolkit/xw.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
-#elif defined(__has_feature)
+#if defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #define __SANITIZE_ADDRESS__ 1
-#include <sanitizer/allocator_interface.h>
 #endif
+#endif
+#ifdef __SANITIZE_ADDRESS__
+// Not every compiler brings the header that declares it.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace support {

@@ -1,10 +1,15 @@
 // Windows on a real server: what a person would see, asked of the server.
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/uio.h>
 #include <unistd.h>
+#include <xcb/randr.h>
+#include <xcb/xcbext.h>
+#include <xcb/xfixes.h>
 
 #include <cstring>
 
+#include "platform/display/cursor.h"
 #include "platform/display/x11/x.h"
 #include "tests/x11/session.h"
 
@@ -182,6 +187,97 @@ TEST_F(X11Test, ScaleFollowsTheDesktop) {
                       XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8, sizeof text - 1, text);
   user().Sync();
   EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 512; }));
+}
+
+TEST_F(X11Test, MonitorsAreScreensWithTheMainOneFirst) {
+  StartServer("", {});
+  xcb_connection_t* c = user().connection();
+  // The library's own call cannot send this request, so it is spelled out.
+  auto define = [&](const char* name, int16_t left, uint16_t width, bool primary) {
+    struct {
+      uint8_t major, minor;
+      uint16_t length;
+      xcb_window_t window;
+      xcb_randr_monitor_info_t info;
+    } request{};
+    request.minor = XCB_RANDR_SET_MONITOR;
+    request.window = user().root();
+    request.info.name = user().Atom(name);
+    request.info.primary = primary;
+    request.info.x = left;
+    request.info.width = width;
+    request.info.height = 768;
+    const xcb_protocol_request_t how = {1, &xcb_randr_id, XCB_RANDR_SET_MONITOR, 1};
+    iovec parts[3] = {};
+    parts[2] = {&request, sizeof request};
+    xcb_send_request(c, 0, parts + 2, &how);
+    user().Sync();
+  };
+  define("left", 0, 400, false);
+  define("right", 400, 624, true);
+  StartSession();
+  Screen screens[4];
+  // The server's own monitor stays beside the two.
+  ASSERT_EQ(kX11Display.screens(screens, 4), 3);
+  EXPECT_EQ(screens[0].bounds, (Rect{400, 0, 1024, 768}));
+  const Rect left{0, 0, 400, 768};
+  EXPECT_TRUE(screens[1].bounds == left || screens[2].bounds == left);
+  EXPECT_EQ(kX11Display.screens(screens, 1), 3);
+  EXPECT_EQ(ScreenWidth(), 624);
+}
+
+// What the pointer looks like, asked of the server.
+TEST_F(X11Test, CursorsAreTheThemesOrThePrograms) {
+  setenv("XW_SCALE", "2", 1);
+  Start();
+  unsetenv("XW_SCALE");
+  WindowRef w = Show("Cursor", {50, 80, 250, 180});
+  Cursor picture;
+  picture.width = picture.height = 16;
+  picture.hot_x = 3;
+  picture.hot_y = 4;
+  picture.pixels.assign(256, 0);
+  picture.pixels[1] = 0xFFFF0000;
+  picture.pixels[2] = 0x80FF8000;
+  user().Move(200, 260);
+  xcb_connection_t* c = user().connection();
+  auto look = [&] {
+    free(xcb_xfixes_query_version_reply(c, xcb_xfixes_query_version(c, 4, 0), nullptr));
+    auto* r = xcb_xfixes_get_cursor_image_reply(c, xcb_xfixes_get_cursor_image(c), nullptr);
+    std::vector<uint32_t> out = {r->width, r->height, r->xhot, r->yhot};
+    const uint32_t* pixels = xcb_xfixes_get_cursor_image_cursor_image(r);
+    out.insert(out.end(), pixels, pixels + r->width * r->height);
+    free(r);
+    return out;
+  };
+  auto shown = [&](CursorRef cursor) {
+    kX11Display.set_cursor(w, cursor);
+    kX11Display.flush(true);
+    return look();
+  };
+  const auto ours = shown(&picture);
+  ASSERT_EQ(ours.size(), 4u + 32 * 32);
+  EXPECT_EQ(ours[0], 32u);
+  EXPECT_EQ(ours[2], 6u);
+  EXPECT_EQ(ours[3], 8u);
+  // Twice the size, each pixel a square; colours multiplied by their alpha.
+  for (size_t at : {2u, 3u, 32u + 2, 32u + 3}) EXPECT_EQ(ours[4 + at], 0xFFFF0000u);
+  for (size_t at : {4u, 5u, 32u + 4, 32u + 5}) EXPECT_EQ(ours[4 + at], 0x80804000u);
+  EXPECT_EQ(ours[4 + 64 + 2], 0u);
+  const auto arrow = shown(nullptr);
+  Cursor shape;
+  shape.shape = Cursor::kCrosshair;
+  const auto cross = shown(&shape);
+  EXPECT_NE(arrow, ours);
+  EXPECT_NE(arrow, cross);
+  // During a grab its cursor shows, whatever the window's is.
+  ASSERT_TRUE(kX11Display.grab_pointer(w, &picture));
+  EXPECT_EQ(look(), ours);
+  kX11Display.grab_pointer(nullptr, nullptr);
+  kX11Display.flush(true);
+  EXPECT_EQ(look(), cross);
+  kX11Display.destroy_cursor(&picture);
+  EXPECT_EQ(picture.native, 0u);
 }
 
 TEST_F(X11Test, ManyWindowsLeaveNothingBehind) {
