@@ -23,6 +23,20 @@ void AddPlace(Console* c, const char* name, int folder) {
   if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) c->places.push_back({name, path});
 }
 
+// The place that the folder lies deepest in, -1 none. Everything lies in the root: that says
+// nothing.
+int PlaceAround(const Console* c) {
+  int best = -1;
+  size_t length = 1;
+  for (int i = 0; i < int(c->places.size()); ++i) {
+    const std::string& path = c->places[size_t(i)].path;
+    if (path.size() <= length || (c->folder.path() + "/").rfind(path + "/", 0) != 0) continue;
+    best = i;
+    length = path.size();
+  }
+  return best;
+}
+
 void DrawFact(Area* a, const char* name, const std::string& value) {
   const Look& l = TheLook();
   Area row = a->TakeTop(20);
@@ -124,13 +138,14 @@ void DrawPlacesPane(Console* c) {
   Fill(a, l.side);
   LineAtRight(a);
   DrawCaption(a.Inset(12, 0), "PLACES");
+  const int around = PlaceAround(c);
   for (int i = 0; i < int(c->places.size()); ++i) {
     const Place& place = c->places[size_t(i)];
     const Area row = PlaceArea(c, i);
     const bool here = place.path == c->folder.path(), lit = c->hover == Hit{kPlaces, 1, i};
     int32_t ground = l.side;
-    if (here || lit) {
-      ground = here ? l.accent : Mix(l.accent, l.side, 9);
+    if (here || lit || i == around) {
+      ground = here ? l.accent : i == around ? l.inactive_selection : Mix(l.accent, l.side, 9);
       XwRoundBox(row.x, row.y, row.w, row.h, 4, ground, -1);
     }
     DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, ground, 100);

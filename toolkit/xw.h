@@ -264,6 +264,7 @@ struct XwWindow {
   int32_t free_slot;     /* no null slot of `children` lies before this one */
   int32_t slot;          /* where it stands in the parent's `children`; -1 nowhere */
   int32_t subwindows;    /* children of kind 12 */
+  int32_t capacity;      /* slots that `children` has room for */
   uint32_t generation;   /* of the pixels that `context` was made for */
   XwWindow* linked_by;   /* the record whose `linked` this is */
   uint64_t serial;       /* never given twice, though a record may take a place used before */

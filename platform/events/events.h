@@ -144,6 +144,8 @@ constexpr double kEventDurationNoWait = 0;
 bool ReceiveNextEvent(double timeout, Event* out);
 // Appends a copy.
 void PostEventToQueue(EventQueueRef queue, const Event& event);
+// Appends an event of the program's own class; whoever receives it owns `payload`.
+void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload);
 // The record of every queued user event of class `cls`, oldest first.
 void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit);
 // Drops each queued event for which `drop` is true; `drop` frees what the event owns.

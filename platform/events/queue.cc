@@ -32,6 +32,16 @@ void PostEventToQueue(EventQueueRef queue, const Event& event) {
   if (queue) queue->Push(event);
 }
 
+void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload) {
+  if (!queue) return;
+  Event& e = queue->PushSlot();
+  e.cls = cls;
+  e.kind = 0;
+  e.time = 0;
+  e.window = nullptr;
+  e.payload = payload;
+}
+
 void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit) {
   if (!queue) return;
   for (size_t i = 0; i < queue->size(); ++i)

@@ -11,9 +11,11 @@ struct EventQueue {
   size_t size() const { return tail - head; }
   Event& at(size_t i) { return ring[(head + i) & (ring.size() - 1)]; }
   Event& back() { return ring[(tail - 1) & (ring.size() - 1)]; }
-  void Push(const Event& e) {
+  void Push(const Event& e) { PushSlot() = e; }
+  // The new last one, to be filled in.
+  Event& PushSlot() {
     if (size() == ring.size()) Grow();
-    ring[tail++ & (ring.size() - 1)] = e;
+    return ring[tail++ & (ring.size() - 1)];
   }
   void Pop(Event* out) { *out = ring[head++ & (ring.size() - 1)]; }
   void Grow();

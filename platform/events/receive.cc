@@ -16,6 +16,7 @@ namespace platform {
 namespace {
 
 constexpr int kBatch = 32;                // events between two looks at the clock
+constexpr int kTick = 8;                  // events between two looks at the coarse clock
 constexpr double kIntakePeriod = 0.001;   // raw input at most this often while events wait
 constexpr double kPresentPeriod = 0.016;  // the screen at least this often
 constexpr double kDrawPatience = 0.050;   // a redraw request waits at most this long
@@ -68,21 +69,22 @@ void Wait(double seconds) {
 
 // After so many events, or when a slow handler has let a tick of the coarse clock pass.
 bool BatchIsOver() {
+  if (++receiver.since_clock % kTick) return false;
   timespec t;
   clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
-  if (++receiver.since_clock < kBatch && t.tv_nsec == receiver.tick) return false;
+  if (receiver.since_clock < kBatch && t.tv_nsec == receiver.tick) return false;
   receiver.since_clock = 0;
   receiver.tick = t.tv_nsec;
   return true;
 }
 
 // One round of upkeep; true when a redraw request has waited long enough to go before the queue.
-bool Upkeep(EventQueue& queue, bool clock_is_free, Event* out) {
+bool Upkeep(EventQueue& queue, Event* out) {
   bool idle = queue.empty();
-  if (!idle && !clock_is_free && !BatchIsOver()) return false;
   double now = GetCurrentEventTime();
-  if (idle || clock_is_free || now - receiver.last_intake >= kIntakePeriod ||
-      now < receiver.last_intake) {
+  if (idle || input_hints.waiting || input_hints.stepped ||
+      now - receiver.last_intake >= kIntakePeriod || now < receiver.last_intake) {
+    input_hints.waiting = false;
     TakeRawEvents();
     receiver.last_intake = now;
   }
@@ -95,6 +97,8 @@ bool Upkeep(EventQueue& queue, bool clock_is_free, Event* out) {
 }
 
 }  // namespace
+
+InputHints input_hints;
 
 double GetCurrentEventTime() {
   const Display* d = CurrentDisplay();
@@ -118,10 +122,10 @@ bool ReceiveNextEvent(double timeout, Event* out) {
   EventQueue& queue = MainEventQueue();
   const Display* d = CurrentDisplay();
   if (!d) return false;
-  bool clock_is_free = d->now != nullptr;
-  double deadline = timeout > 0 ? GetCurrentEventTime() + timeout : 0;
+  const double deadline = timeout > 0 ? GetCurrentEventTime() + timeout : 0;
   for (;;) {
-    if (Upkeep(queue, clock_is_free, out)) return true;
+    const bool due = queue.empty() || input_hints.waiting || input_hints.stepped || BatchIsOver();
+    if (due && Upkeep(queue, out)) return true;
     if (!queue.empty()) {
       queue.Pop(out);
       return true;

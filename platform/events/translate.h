@@ -7,6 +7,14 @@
 
 namespace platform {
 
+// What spares a receive its look at the display and at the clock while events wait. A display that
+// has its reports in memory says when there are some; one whose clock is stepped by hand says so.
+struct InputHints {
+  bool waiting = false;
+  bool stepped = false;
+};
+extern InputHints input_hints;
+
 // Queues what one report means.
 void TranslateRawEvent(const RawEvent& raw);
 // Descriptors beside the display's that a wait must watch (signals, the message bus); how many were

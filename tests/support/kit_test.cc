@@ -16,15 +16,22 @@ namespace {
 TEST(Seed, IsTakenFromTheEnvironmentAndPrinted) {
   setenv("QUORVIK_SEED", "0x2A", 1);
   testing::internal::CaptureStdout();
-  EXPECT_EQ(Seed(), 42u);
-  EXPECT_EQ(Seed(), 42u);
+  EXPECT_EQ(Seed(7), 42u);
+  EXPECT_EQ(Seed(8), 42u);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "seed: QUORVIK_SEED=42\n");
 }
 
-TEST(Seed, IsANewOneOtherwise) {
+TEST(Seed, IsTheUsualOneOtherwise) {
   unsetenv("QUORVIK_SEED");
   testing::internal::CaptureStdout();
-  const uint64_t seed = Seed();
+  EXPECT_EQ(Seed(7), 7u);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "seed: QUORVIK_SEED=7\n");
+}
+
+TEST(Seed, IsPrintedWhenItIsRandom) {
+  setenv("QUORVIK_SEED", "random", 1);
+  testing::internal::CaptureStdout();
+  const uint64_t seed = Seed(7);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "seed: QUORVIK_SEED=" + std::to_string(seed) + "\n");
 }
@@ -32,7 +39,7 @@ TEST(Seed, IsANewOneOtherwise) {
 TEST(Seed, ThatIsNoNumberIsRefused) {
   for (const char* text : {"", "x", "12x", "-1", "99999999999999999999"}) {
     setenv("QUORVIK_SEED", text, 1);
-    EXPECT_EXIT(Seed(), testing::ExitedWithCode(2), "QUORVIK_SEED is no number") << text;
+    EXPECT_EXIT(Seed(7), testing::ExitedWithCode(2), "QUORVIK_SEED is no number") << text;
   }
 }
 

@@ -6,15 +6,20 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace support {
 
 namespace {
 
 uint64_t FromEnvironment(const char* text) {
+  uint64_t seed = 0;
+  if (strcmp(text, "random") == 0) {
+    return getentropy(&seed, sizeof seed) == 0 ? seed : uint64_t(getpid());
+  }
   char* end = nullptr;
   errno = 0;
-  const uint64_t seed = strtoull(text, &end, 0);
+  seed = strtoull(text, &end, 0);
   if (errno != 0 || end == text || *end != '\0' || *text == '-') {
     fprintf(stderr, "QUORVIK_SEED is no number: \"%s\"\n", text);
     exit(2);
@@ -22,14 +27,9 @@ uint64_t FromEnvironment(const char* text) {
   return seed;
 }
 
-uint64_t Choose() {
+uint64_t Choose(uint64_t usual) {
   const char* text = getenv("QUORVIK_SEED");
-  uint64_t seed = 0;
-  if (text != nullptr) {
-    seed = FromEnvironment(text);
-  } else if (getentropy(&seed, sizeof seed) != 0) {
-    seed = uint64_t(getpid());
-  }
+  const uint64_t seed = text != nullptr ? FromEnvironment(text) : usual;
   printf("seed: QUORVIK_SEED=%" PRIu64 "\n", seed);
   fflush(stdout);
   return seed;
@@ -37,8 +37,8 @@ uint64_t Choose() {
 
 }  // namespace
 
-uint64_t Seed() {
-  static const uint64_t seed = Choose();
+uint64_t Seed(uint64_t usual) {
+  static const uint64_t seed = Choose(usual);
   return seed;
 }
 

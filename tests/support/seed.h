@@ -1,12 +1,13 @@
 // Numbers for random tests: one seed a process, printed when it is first used, settable with
-// QUORVIK_SEED (decimal, or hexadecimal with 0x), so that any run can be repeated.
+// QUORVIK_SEED (decimal, hexadecimal with 0x, or the word random), so that any run can be repeated.
 #pragma once
 #include <cstdint>
 
 namespace support {
 
-// QUORVIK_SEED, else a new one each run. What is set and is no number ends the process.
-uint64_t Seed();
+// QUORVIK_SEED, else `usual`, the same in each run. What is set and is neither a number nor
+// "random" ends the process.
+uint64_t Seed(uint64_t usual);
 
 // The same numbers from the same seed on every machine.
 class Dice {

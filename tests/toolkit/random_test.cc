@@ -8,6 +8,7 @@
 #include <set>
 
 #include "platform/windows/window.h"
+#include "tests/support/seed.h"
 #include "tests/toolkit/stage.h"
 
 namespace {
@@ -290,10 +291,7 @@ int64_t FromEnvironment(const char* name, int64_t otherwise) {
 }
 
 TEST(Random, NoPointerDanglesAndEverythingBalances) {
-  int64_t seed = FromEnvironment("QUORVIK_SEED", 20260),
-          steps = FromEnvironment("QUORVIK_EVENTS", 100000);
-  printf("seed %lld\n", static_cast<long long>(seed));
-  Play(uint64_t(seed), steps);
+  Play(support::Seed(20260), FromEnvironment("QUORVIK_EVENTS", 100000));
 }
 
 uint64_t PlayApart(uint64_t seed) {

@@ -106,7 +106,7 @@ void ForgetTarget(XwWindow* w) {
 }
 
 void ResetClipMask(XwWindow* w) {
-  if (!w) return;
+  if (!IsLive(w)) return;
   ReleaseContext(Native(w->context));
   w->context = nullptr;
   delete Native(w->clip_region);

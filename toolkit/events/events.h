@@ -22,6 +22,9 @@ extern bool AppActive;
 extern bool PassiveGrab, ActiveGrab;
 extern XwCursor* GrabCursor;
 
+// One line on standard error and the end of the process.
+[[noreturn]] void OutOfMemory();
+
 // Null: the application's handlers.
 void InstallEventHandlers(XwWindow* w);
 platform::OSStatus EVwindow_func(platform::HandlerCall* call, platform::Event* event, void* window);

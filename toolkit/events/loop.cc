@@ -21,7 +21,8 @@ void TakeRecord(Event* e) {
   auto* record = static_cast<XwEvent*>(e->payload);
   Inp = *record;
   free(record);
-  if (Inp.type == XWE_TIMER) TimerTaken(Inp.window, Inp.value);
+  if (Inp.type == XWE_TIMER) [[unlikely]]
+    TimerTaken(Inp.window, Inp.value);
 }
 
 // The window that a wait is about. One that has gone meanwhile no longer keeps anything out, even
@@ -107,7 +108,7 @@ int XwWaitEvent(XwWindow* modal) {
       ClearAndCall(w, XWE_EXPOSE);
       continue;
     }
-    Trace(Subject::kEvents, "%d", Inp.type);
+    if (Traced(Subject::kEvents)) Trace(Subject::kEvents, "%d", Inp.type);
     int result = w->handler(Inp.type);
     Inp.type = result;
     if (result != 0 && result != XWE_CONFIGURE && result != XWE_EXPOSE) return result;

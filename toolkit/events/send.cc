@@ -1,5 +1,6 @@
 // Posting toolkit events: heap copies of a record that travel through the platform's queue.
 #include <cstdlib>
+#include <new>
 
 #include "toolkit/events/events.h"
 #include "toolkit/events/trace.h"
@@ -9,24 +10,33 @@ using namespace platform;
 
 XwEvent Inp;
 
+namespace {
+
+XwEvent* NewRecord(const XwEvent& event) {
+  void* memory = malloc(sizeof(XwEvent));
+  if (!memory) OutOfMemory();
+  return new (memory) XwEvent(event);
+}
+
+void PostRecord(XwEvent* record) {
+  PostUserEvent(static_cast<EventQueueRef>(MainQueue), kToolkitEventClass, record);
+}
+
+}  // namespace
+
 void PostEvent(const XwEvent& event) {
-  auto* record = static_cast<XwEvent*>(malloc(sizeof(XwEvent)));
-  if (!record) return;
-  *record = event;
-  Event e(kToolkitEventClass, 0);
-  e.payload = record;
-  PostEventToQueue(static_cast<EventQueueRef>(MainQueue), e);
+  PostRecord(NewRecord(event));
 }
 
 void XwSendEvent(XwWindow* window, int type, int item, XwValue value, int param) {
   if (!CheckWindow(window)) return;
-  XwEvent event = Inp;
-  event.window = window;
-  event.type = type;
-  event.item = item;
-  event.value = value;
-  event.param = param;
-  PostEvent(event);
+  XwEvent* record = NewRecord(Inp);
+  record->window = window;
+  record->type = type;
+  record->item = item;
+  record->value = value;
+  record->param = param;
+  PostRecord(record);
 }
 
 int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {

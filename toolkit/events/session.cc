@@ -40,12 +40,6 @@ constexpr int kApplicationFont = 5, kSmallEmphasizedFont = 2, kPushButtonFont = 
 // What is opaque to programs needs an address of its own and nothing more.
 char color_space, measuring, process;
 
-[[noreturn]] void OutOfMemory() {
-  constexpr char kLine[] = "out of memory\n";
-  [[maybe_unused]] ssize_t n = write(2, kLine, sizeof kLine - 1);
-  _exit(1);
-}
-
 XwFont* Load(const ThemeFont& font, int size, int style) {
   char name[256];
   Utf8ToMacRoman(font.family.c_str(), name, sizeof name);
@@ -67,6 +61,12 @@ void LoadStandardFonts() {
 }
 
 }  // namespace
+
+void OutOfMemory() {
+  constexpr char kLine[] = "out of memory\n";
+  [[maybe_unused]] ssize_t n = write(2, kLine, sizeof kLine - 1);
+  _exit(1);
+}
 
 void XwSession(const char* name, const char* title, uint8_t flags) {
   std::set_new_handler(OutOfMemory);

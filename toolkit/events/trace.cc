@@ -24,10 +24,7 @@ Refusal latest = Refusal::kNone;
 
 }  // namespace
 
-bool Traced(Subject subject) {
-  static const unsigned mask = ReadSubjects();
-  return mask >> unsigned(subject) & 1;
-}
+const unsigned traced_subjects = ReadSubjects();
 
 void Trace(Subject subject, const char* format, ...) {
   if (!Traced(subject)) return;

@@ -4,7 +4,10 @@
 
 enum class Subject { kEvents, kWindows, kDraw };
 
-bool Traced(Subject subject);
+extern const unsigned traced_subjects;  // a bit each
+inline bool Traced(Subject subject) {
+  return traced_subjects >> unsigned(subject) & 1;
+}
 // A line with the subject's name before it; nothing when the subject is not traced.
 void Trace(Subject subject, const char* format, ...) __attribute__((format(printf, 2, 3)));
 

@@ -46,17 +46,18 @@ struct PointerSet {
   }
 };
 
+PointerSet* set = nullptr;  // never freed: windows may be ended on the way out
+
 PointerSet& Live() {
-  static PointerSet* set = new PointerSet;
+  if (!set) set = new PointerSet;
   return *set;
 }
 
 }  // namespace
 
 bool IsLive(const XwWindow* w) {
-  if (!w) return false;
-  PointerSet& live = Live();
-  return live.slots[live.Find(w)] == w;
+  if (!w || !set) return false;
+  return set->slots[set->Find(w)] == w;
 }
 
 bool CheckWindow(const XwWindow* w) {

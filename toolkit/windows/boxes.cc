@@ -12,6 +12,11 @@ struct Box {
 constexpr uint16_t kClosed = 0xFFFF;
 constexpr int kBoxStep = 10;
 
+// As XwCheckPointer, for 16-bit boxes.
+bool Inside(const Box& b, int64_t px, int64_t py) {
+  return b.x < px && px < b.x + b.width && b.y < py && py < b.y + b.height;
+}
+
 }  // namespace
 
 struct XwBoxes {
@@ -54,9 +59,10 @@ void XFreebl(XwBoxes* list) {
 
 int XCheckbl(XwBoxes* list) {
   if (!list || Inp.window != list->window) return 0;
+  const int64_t px = Inp.px, py = Inp.py;
   for (int i = list->count; i-- > 0;) {
     const Box& b = list->boxes[i];
-    if (!XwCheckPointer(b.x, b.y, b.width, b.height)) continue;
+    if (!Inside(b, px, py)) continue;
     if (b.id == 0) return 0;
     Inp.x = b.x;
     Inp.y = b.y;

@@ -29,7 +29,7 @@ void DestroyChildren(XwWindow* w) {
   free(w->children);
   w->children = nullptr;
   w->child_count = 0;
-  w->free_slot = 0;
+  w->capacity = w->free_slot = 0;
 }
 
 void FreeContents(XwWindow* w) {

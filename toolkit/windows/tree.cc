@@ -1,4 +1,5 @@
 // Making windows, and the tree that they hang in.
+#include <algorithm>
 #include <cstdlib>
 
 #include "platform/windows/windows.h"
@@ -244,9 +245,12 @@ void AddSubWindow(XwWindow* parent, XwWindow* child) {
   while (i < parent->child_count && parent->children[i]) ++i;
   if (i == parent->child_count) {
     if (parent->child_count == INT16_MAX) return;
-    if (parent->child_count % kSlotStep == 0)
+    if (parent->child_count == parent->capacity) {
+      // Big families grow by half, so that a child costs the same in each.
+      parent->capacity += std::max(kSlotStep, parent->capacity / 2 / kSlotStep * kSlotStep);
       parent->children = static_cast<XwWindow**>(
-          realloc(parent->children, size_t(parent->child_count + kSlotStep) * sizeof(XwWindow*)));
+          realloc(parent->children, size_t(parent->capacity) * sizeof(XwWindow*)));
+    }
     ++parent->child_count;
   }
   parent->children[i] = child;

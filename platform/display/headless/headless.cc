@@ -221,16 +221,19 @@ void GiveFocus(WindowRef w) {
     raw.type = RawEvent::kFocusOut;
     raw.window = s.focus;
     s.raw.push_back(raw);
+    input_hints.waiting = true;
   }
   s.focus = w;
   if (!w) return;
   raw.type = RawEvent::kFocusIn;
   raw.window = w;
   s.raw.push_back(raw);
+  input_hints.waiting = true;
 }
 
 void UseSteppedClock(double start_seconds) {
   Headless().stepped = true;
+  input_hints.stepped = true;
   Headless().now = start_seconds;
 }
 void Step(double seconds) {

@@ -2,12 +2,15 @@
 #include <algorithm>
 
 #include "platform/display/headless/state.h"
+#include "platform/events/translate.h"
 
 namespace platform::headless {
 namespace {
 
 void Push(RawEvent raw) {
-  if (Headless().open) Headless().raw.push_back(raw);
+  if (!Headless().open) return;
+  Headless().raw.push_back(raw);
+  input_hints.waiting = true;
 }
 
 RawEvent Report(RawEvent::Type type, WindowRef w) {

@@ -1,0 +1,3 @@
+foreach(name events tree pointer)
+  quorvik_bench(${name} ${CMAKE_CURRENT_LIST_DIR}/${name}.cc LIBS xw)
+endforeach()

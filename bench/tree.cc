@@ -1,0 +1,101 @@
+// What a window costs among 1,000 siblings and among 10,000: making, finding its place again,
+// moving and ending it.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+#include "toolkit/xw.h"
+
+namespace {
+
+constexpr int kFew = 1000, kMany = 10000, kRounds = 9;
+
+int Handle(int) {
+  return 0;
+}
+
+double Seconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> values) {
+  std::nth_element(values.begin(), values.begin() + long(values.size() / 2), values.end());
+  return values[values.size() / 2];
+}
+
+XwWindow* parent;
+
+struct Times {
+  double create, reuse, destroy_each, destroy_whole;
+};
+
+Times Round(int count) {
+  Times t{};
+  parent = XwCreate(-255, 100, 100, 300, 200, Handle);
+  std::vector<XwWindow*> children(static_cast<size_t>(count));
+  t.create = Seconds([&] {
+    for (XwWindow*& c : children) c = XwCreate(parent, 1, 1, 10, 10, Handle);
+  });
+  // Every second one ends and another takes its place.
+  t.reuse = Seconds([&] {
+    for (size_t i = 0; i < children.size(); i += 2) XwDestroy(children[i]);
+    for (size_t i = 0; i < children.size(); i += 2)
+      children[i] = XwCreate(parent, 1, 1, 10, 10, Handle);
+  });
+  t.destroy_each = Seconds([&] {
+    for (XwWindow* c : children) XwDestroy(c);
+  });
+  for (XwWindow*& c : children) c = XwCreate(parent, 1, 1, 10, 10, Handle);
+  t.destroy_whole = Seconds([&] { XwDestroy(parent); });
+  return t;
+}
+
+struct Row {
+  const char* name;
+  double Times::*field;
+};
+constexpr Row kRows[] = {{"create", &Times::create},
+                         {"end half and create again", &Times::reuse},
+                         {"end one by one", &Times::destroy_each},
+                         {"end with the parent", &Times::destroy_whole}};
+
+}  // namespace
+
+int main() {
+  setenv("XW_DISPLAY", "headless", 1);
+  XwSession("tree", "Tree", 7);
+  XwCreate(-255, 100, 100, 300, 200, Handle);
+  std::vector<Times> few, many;
+  for (int round = 0; round <= kRounds; ++round) {
+    Times a{};
+    // As many windows in all, so that both see the same caches.
+    for (int i = 0; i < kMany / kFew; ++i) {
+      Times one = Round(kFew);
+      for (const Row& row : kRows) a.*row.field += one.*row.field * kFew / kMany;
+    }
+    Times b = Round(kMany);
+    if (round == 0) continue;
+    few.push_back(a);
+    many.push_back(b);
+  }
+  double worst = 0, all_few = 0, all_many = 0;
+  for (const Row& row : kRows) {
+    std::vector<double> f, m;
+    for (const Times& t : few) f.push_back(t.*row.field);
+    for (const Times& t : many) m.push_back(t.*row.field);
+    double a = Median(f), b = Median(m);
+    printf("%-26s %7.1f ns a window of %d, %7.1f ns of %d, ratio %.1f\n", row.name, a / kFew * 1e9,
+           kFew, b / kMany * 1e9, kMany, b / a);
+    worst = std::max(worst, b / a);
+    all_few += a;
+    all_many += b;
+  }
+  printf("tree growth_ratio=%.2f worst_ratio=%.2f ns_per_window=%.0f\n", all_many / all_few, worst,
+         all_many / kMany * 1e9);
+  return 0;
+}

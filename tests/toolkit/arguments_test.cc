@@ -1,0 +1,342 @@
+// Every function of the public header with null, negative, huge, stale and wrong-kind arguments.
+// The list is compared with the header, so that none is missing.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <set>
+#include <tuple>
+
+#include "tests/toolkit/stage.h"
+
+namespace {
+
+using namespace stage;
+
+std::mt19937 rng(5);
+template <typename T, size_t N>
+T Pick(const T (&values)[N]) {
+  return values[rng() % N];
+}
+
+struct Props {
+  XwWindow *main, *other, *sub, *docked, *stale;
+} props;
+
+// What calls have destroyed is made anew; what they have made goes.
+void Repair() {
+  while (XStackCount > 0) XwPop();
+  XwSet(nullptr);
+  XwUngrabPointer();
+  if (!IsLive(props.other)) props.other = XwCreate(0, 400, 100, 120, 90, Record);
+  if (!IsLive(props.sub)) props.sub = XwCreate(props.other, 5, 5, 50, 50, Record);
+  if (!IsLive(props.docked)) props.docked = XwCreateDocked(props.other, 5, 5, 50, 50, nullptr);
+  for (XwWindow* w = W_End; w && w != W_Start;) {
+    XwWindow* before = w->previous;
+    if (w != props.main && w != props.other && w != props.sub && w != props.docked &&
+        !IsSubWindow(w, props.sub)) {
+      XwDestroy(w);
+      before = W_End;
+      if (before == props.main || before == props.other || before == props.sub ||
+          before == props.docked)
+        before = nullptr;
+    }
+    w = before;
+  }
+  stage::input::Step(0.03);
+}
+
+template <typename T>
+T Hostile();
+template <>
+XwWindow* Hostile() {
+  XwWindow* const values[] = {
+      nullptr,      props.main,  props.other, props.sub,
+      props.docked, props.stale, W_Root,      reinterpret_cast<XwWindow*>(-1)};
+  return Pick(values);
+}
+template <>
+int32_t Hostile() {
+  return Pick<int>({0, 1, -1, 2, 7, 100, 255, 256, 32767, 32768, -32769, 65536, INT_MAX, INT_MIN});
+}
+template <>
+XwValue Hostile() {
+  if (rng() % 2) return Hostile<int32_t>();
+  return rng() % 3 ? reinterpret_cast<XwValue>(Hostile<XwWindow*>())
+                   : Pick<XwValue>({INTPTR_MIN, INTPTR_MAX, -256, -1, -257});
+}
+template <>
+uint16_t Hostile() {
+  return uint16_t(Hostile<int32_t>());
+}
+template <>
+const char* Hostile() {
+  static const std::string longest(70000, 'x'), high = [] {
+    std::string s;
+    for (int c = 1; c < 256; ++c) s.push_back(char(c));
+    return s;
+  }();
+  const char* const values[] = {nullptr, "", "a", longest.c_str(), high.c_str(), "-*-*-*", "%s%n"};
+  return Pick(values);
+}
+template <>
+const uint8_t* Hostile() {  // zero-terminated, and long enough for any length byte
+  static uint8_t full[300], empty[300], some[300] = {3, 1, 200};
+  memset(full, 255, 299);
+  const uint8_t* const values[] = {nullptr, full, empty, some};
+  return Pick(values);
+}
+template <>
+char* Hostile() {
+  static char room[1024];
+  return rng() % 4 ? room : nullptr;
+}
+template <>
+uint32_t* Hostile() {
+  static uint32_t room;
+  return rng() % 2 ? &room : nullptr;
+}
+template <>
+const int32_t* Hostile() {  // a colour; widths that end with 0
+  static const int32_t values[][4] = {{-2, 5, -7, 0}, {INT_MAX, INT_MAX, 1, 0}, {0}, {20, 30, 0}};
+  return rng() % 5 ? values[rng() % 4] : nullptr;
+}
+template <>
+XwFont* Hostile() {
+  return rng() % 3 ? XWF_NORMAL : nullptr;
+}
+template <>
+XwHandler Hostile() {
+  return rng() % 2 ? Record : nullptr;
+}
+template <>
+XwScrollHandler Hostile() {
+  return nullptr;
+}
+template <>
+XwIcon* Hostile() {
+  static const uint8_t bits[8] = {};
+  static XwIcon odd[] = {{0, 5, nullptr, bits},
+                         {-1, INT_MIN, nullptr, bits},
+                         {40000, 1, nullptr, bits},
+                         {8, 8, nullptr, nullptr}};
+  XwIcon* const values[] = {nullptr, IC_ARROWS, IC_CHECKBOX, &odd[0], &odd[1], &odd[2], &odd[3]};
+  return Pick(values);
+}
+
+template <typename R, typename... A>
+void Once(R (*function)(A...)) {
+  std::tuple<A...> arguments{Hostile<A>()...};
+  std::apply(function, arguments);
+}
+void Conversions() {
+  static char room[1024];
+  for (int i = 0; i < 120; ++i) {
+    const int size = Pick<int>({0, 1, -1, 2, 7, int(sizeof room), INT_MIN});
+    XwFromUtf8(Hostile<const char*>(), rng() % 5 ? room : nullptr, size);
+    XwToUtf8(Hostile<const char*>(), rng() % 5 ? room : nullptr, size);
+  }
+}
+template <auto function>
+void Often() {
+  for (int i = 0; i < 120; ++i) {
+    if (rng() % 2) XwSet(Hostile<XwWindow*>());
+    Once(function);
+    Repair();
+  }
+}
+
+// Waits return: an event that nobody handles waits for them.
+template <auto function>
+void Waiting() {
+  for (int i = 0; i < 40; ++i) {
+    XwWindow* silent = XwCreate(props.other, 0, 0, 5, 5, nullptr);
+    XwSendEvent(silent, 1000, 0, 0, 0);
+    Once(function);
+    Repair();
+  }
+}
+
+void Images() {
+  for (int i = 0; i < 200; ++i) {
+    uint8_t* image = XwAllocImage(Hostile<int32_t>(), Hostile<int32_t>());
+    XwSet(props.other);
+    XwPutImage(Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(),
+               Hostile<int32_t>(), Hostile<int32_t>(), image);
+    image = XwReallocImage(image, Hostile<int32_t>(), Hostile<int32_t>());
+    XwFreeImage(image);
+    Repair();
+  }
+}
+
+void ImageData() {
+  static uint8_t pixels[4 * 64 * 64];
+  for (int i = 0; i < 100; ++i) {
+    XwSet(Hostile<XwWindow*>());
+    XwPutImageData(Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(),
+                   nullptr);
+    XwPutImageData(Hostile<int32_t>(), Hostile<int32_t>(), int(rng() % 70) - 5, int(rng() % 64),
+                   pixels);
+    Repair();
+  }
+}
+
+template <auto function>
+void Points() {
+  static int16_t points[2 * 50];
+  for (int i = 0; i < 100; ++i) {
+    for (int16_t& p : points) p = int16_t(Hostile<int32_t>());
+    XwSet(Hostile<XwWindow*>());
+    function(points, Pick<int>({50, 3, 2, 1, 0, -1, INT_MIN}));
+    function(nullptr, Hostile<int32_t>());
+    Repair();
+  }
+}
+
+void Nothing() {}
+
+const struct {
+  const char* name;
+  void (*call)();
+} kCalls[] = {
+    {"XwSession", Nothing},       // opens the test's session
+    {"XwEndSession", Nothing},    // only the end follows
+    {"XwRunEventLoop", Nothing},  // never returns
+#define CALL(function) \
+  { #function, Often < function> }
+    CALL(P2CSTR),
+    CALL(C2PSTR),
+    {"XwWaitEvent", Waiting<XwWaitEvent>},
+    {"XwGrabEvent", Waiting<XwGrabEvent>},
+    CALL(XwGetEvent),
+    CALL(XwPeekEvents),
+    {"XwSendEvent", Often<static_cast<void (*)(XwWindow*, int, int, XwValue, int)>(XwSendEvent)>},
+    {"DirectSendEvent", Often<static_cast<int (*)(XwWindow*, int, int, XwValue)>(DirectSendEvent)>},
+    CALL(XwDoubleClick),
+    CALL(XwCheckPointer),
+    CALL(XwGetKeyState),
+    CALL(XwBeep),
+    CALL(XwTimer),
+    CALL(XwGrabPointer),
+    CALL(XwUngrabPointer),
+    CALL(XwPointerIsGrabbed),
+    CALL(XwSetCursor),
+    {"XwCreate",
+     Often<static_cast<XwWindow* (*)(XwValue, int, int, int, int, XwHandler)>(XwCreate)>},
+    CALL(XwCreateDocked),
+    CALL(XwDestroy),
+    CALL(XwFind),
+    CALL(IsSubWindow),
+    CALL(AddSubWindow),
+    CALL(XwMove),
+    CALL(XwCenter),
+    CALL(XwSetFullScreen),
+    CALL(XwSetSizes),
+    CALL(XwShow),
+    CALL(XwEnable),
+    CALL(XwSetFocus),
+    CALL(XwSetText),
+    {"XwSetValue", Often<static_cast<void (*)(XwWindow*, XwValue)>(XwSetValue)>},
+    CALL(XwGetText),
+    CALL(XwSetGround),
+    CALL(XwSetScrollHandler),
+    CALL(XwBoxList),
+    CALL(XwSet),
+    CALL(XwPush),
+    CALL(XwPop),
+    CALL(XwClip),
+    CALL(ResetClipMask),
+    CALL(XwSetColor),
+    CALL(XwSetDashes),
+    CALL(XwFlush),
+    CALL(XwSync),
+    CALL(XwClear),
+    CALL(XwBox),
+    CALL(XwFillRect),
+    CALL(XwDrawRect),
+    CALL(XwDrawLine),
+    {"XwDrawLines", Points<XwDrawLines>},
+    {"XwFillPolygon", Points<XwFillPolygon>},
+    CALL(XwDrawEllipse),
+    CALL(XwFillEllipse),
+    CALL(XwDrawBevel),
+    CALL(XwDrawHole),
+    CALL(XwDrawBorder),
+    CALL(XwDrawSeparator),
+    CALL(XwDrawTable),
+    CALL(XwDrawProgress),
+    CALL(LoadFont),
+    CALL(XwLoadFont),
+    CALL(GetFontParm),
+    CALL(XwTextWidth),
+    CALL(XwTextTrim),
+    CALL(XwTextFit),
+    CALL(XwDrawText),
+    CALL(XwThemeColor),
+    CALL(XwRoundBox),
+    {"XwFromUtf8", Conversions},
+    {"XwToUtf8", Conversions},
+    CALL(XwLoadIcon),
+    CALL(XwDrawIcon),
+    {"XwAllocImage", Images},
+    {"XwReallocImage", Images},
+    {"XwFreeImage", Images},
+    {"XwPutImage", Images},
+    {"XwPutImageData", ImageData},
+#undef CALL
+};
+
+// The functions that the header declares: a type at the line's beginning, then a name and "(".
+std::set<std::string> Declared() {
+  std::ifstream file(HEADER);
+  std::set<std::string> names;
+  for (std::string line; std::getline(file, line);) {
+    if (line.rfind("} /* extern", 0) == 0) break;
+    if (line.empty() || !isalpha(static_cast<unsigned char>(line[0]))) continue;
+    if (line.rfind("typedef", 0) == 0 || line.rfind("extern", 0) == 0) continue;
+    size_t open = line.find('(');
+    if (open == std::string::npos) continue;
+    size_t start = line.find_last_of(" *", open);
+    names.insert(line.substr(start + 1, open - start - 1));
+  }
+  return names;
+}
+
+TEST(Arguments, NoneIsMissing) {
+  std::set<std::string> called;
+  for (const auto& row : kCalls) called.insert(row.name);
+  EXPECT_EQ(called, Declared());
+}
+
+void CallAll() {
+  for (const auto& row : kCalls) {
+    SCOPED_TRACE(row.name);
+    row.call();
+    Repair();
+    // The loop takes whatever the calls have left behind.
+    for (XwTimerSlot& slot : Timers)
+      if (slot.value) XwTimer(slot.window, 0, 0);
+    XwWindow* focus = props.other;
+    while (RunLoop()) {
+    }
+    XwSetFocus(focus);
+  }
+}
+
+TEST(Arguments, OfAnyKindDoNoHarm) {
+  Open();
+  props.main = Main();
+  props.stale = XwCreate(0, 0, 50, 10, 10, Record);
+  XwDestroy(props.stale);
+  Repair();
+  CallAll();
+  // Again without a main window.
+  XwDestroy(props.main);
+  CallAll();
+}
+
+}  // namespace
