@@ -38,12 +38,13 @@ int Pump(int type) {
 class ConsoleTest : public testing::Test {
  protected:
   void SetUp() override {
+    setenv("XW_DISPLAY", "headless", 1);
     document_ = Bytes(300000);
     home_.Folder(kFolder);
     home_.Folder("Empty");
     home_.File(std::string(kFolder) + "/" + kLongName, document_);
     home_.File(std::string(kFolder) + "/second.txt", "a few words\n");
-    home_.File("letter.txt", "Dear reader\n");
+    home_.File("letter.txt", Bytes(100000));  // more than a slow printer prints meanwhile
   }
 
   // After this the console is shown; its window's own time runs when the test lets it.
