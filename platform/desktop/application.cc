@@ -17,7 +17,7 @@ namespace platform {
 namespace {
 
 constexpr const char* kInterface = "org.freedesktop.Application";
-constexpr uint32_t kNameIsOurs = 1, kNameExists = 3;  // answers to a request for a name
+constexpr uint32_t kNameExists = 3;  // the answer to a request for a name that another has
 
 // What is used of the library; looked up when the bus is joined.
 struct Library {

@@ -13,9 +13,11 @@ void EventQueue::Grow() {
   tail = n;
 }
 
-EventQueue& MainEventQueue() {
-  static EventQueue* queue = new EventQueue;
-  return *queue;
+EventQueue* main_event_queue = nullptr;
+
+EventQueue& MakeMainEventQueue() {
+  main_event_queue = new EventQueue;
+  return *main_event_queue;
 }
 
 EventQueueRef GetMainEventQueue() {

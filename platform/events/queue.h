@@ -24,7 +24,11 @@ struct EventQueue {
   size_t head = 0, tail = 0;
 };
 
-EventQueue& MainEventQueue();
+extern EventQueue* main_event_queue;
+EventQueue& MakeMainEventQueue();
+inline EventQueue& MainEventQueue() {
+  return main_event_queue ? *main_event_queue : MakeMainEventQueue();
+}
 // Frees what an event of the platform itself owns (a path), not a user event's payload.
 void ReleaseEvent(Event* e);
 

@@ -13,6 +13,9 @@
 #include "platform/windows/window.h"
 
 namespace platform {
+
+InputHints input_hints;
+
 namespace {
 
 constexpr int kBatch = 32;                // events between two looks at the clock
@@ -96,36 +99,13 @@ bool Upkeep(EventQueue& queue, Event* out) {
   return TakeDrawEvent(now - kDrawPatience, out);
 }
 
-}  // namespace
-
-InputHints input_hints;
-
-double GetCurrentEventTime() {
-  const Display* d = CurrentDisplay();
-  return d && d->now ? d->now() : MonotonicSeconds();
-}
-
-int64_t GetTimeOfDayMicroseconds() {
-  const Display* d = CurrentDisplay();
-  if (d && d->now) return int64_t(d->now() * 1e6 + 0.5);
-  timeval t;
-  gettimeofday(&t, nullptr);
-  return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
-}
-
-void AlertSoundPlay() {
-  const Display* d = CurrentDisplay();
-  if (d && d->beep) d->beep();
-}
-
-bool ReceiveNextEvent(double timeout, Event* out) {
-  EventQueue& queue = MainEventQueue();
+// Looks after all that a wait looks after, then takes what comes first.
+bool ReceiveWithUpkeep(EventQueue& queue, double timeout, Event* out) {
   const Display* d = CurrentDisplay();
   if (!d) return false;
   const double deadline = timeout > 0 ? GetCurrentEventTime() + timeout : 0;
   for (;;) {
-    const bool due = queue.empty() || input_hints.waiting || input_hints.stepped || BatchIsOver();
-    if (due && Upkeep(queue, out)) return true;
+    if (Upkeep(queue, out)) return true;
     if (!queue.empty()) {
       queue.Pop(out);
       return true;
@@ -147,6 +127,35 @@ bool ReceiveNextEvent(double timeout, Event* out) {
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
     Wait(wait);
   }
+}
+
+}  // namespace
+
+double GetCurrentEventTime() {
+  const Display* d = CurrentDisplay();
+  return d && d->now ? d->now() : MonotonicSeconds();
+}
+
+int64_t GetTimeOfDayMicroseconds() {
+  const Display* d = CurrentDisplay();
+  if (d && d->now) return int64_t(d->now() * 1e6 + 0.5);
+  timeval t;
+  gettimeofday(&t, nullptr);
+  return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
+}
+
+void AlertSoundPlay() {
+  const Display* d = CurrentDisplay();
+  if (d && d->beep) d->beep();
+}
+
+bool ReceiveNextEvent(double timeout, Event* out) {
+  EventQueue& queue = MainEventQueue();
+  if (!queue.empty() && !input_hints.waiting && !input_hints.stepped && !BatchIsOver()) {
+    queue.Pop(out);
+    return true;
+  }
+  return ReceiveWithUpkeep(queue, timeout, out);
 }
 
 }  // namespace platform

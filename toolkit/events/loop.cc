@@ -20,7 +20,7 @@ XwWindow* RawMode() {
 void TakeRecord(Event* e) {
   auto* record = static_cast<XwEvent*>(e->payload);
   Inp = *record;
-  free(record);
+  ReleaseRecord(record);
   if (Inp.type == XWE_TIMER) [[unlikely]]
     TimerTaken(Inp.window, Inp.value);
 }
@@ -87,9 +87,9 @@ void XwRunEventLoop() {
 
 int XwWaitEvent(XwWindow* modal) {
   const Modal only(modal);
+  Event e;
   for (;;) {
     Inp.type = 0;
-    Event e;
     if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
     if (e.cls == kToolkitEventClass) {
       TakeRecord(&e);

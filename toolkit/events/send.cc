@@ -12,10 +12,22 @@ XwEvent Inp;
 
 namespace {
 
+// Records that have been received wait here for the next posts, linked through their first field.
+union Record {
+  Record* next;
+  XwEvent event;
+};
+Record* spare_records = nullptr;
+
 XwEvent* NewRecord(const XwEvent& event) {
-  void* memory = malloc(sizeof(XwEvent));
-  if (!memory) OutOfMemory();
-  return new (memory) XwEvent(event);
+  Record* r = spare_records;
+  if (r) {
+    spare_records = r->next;
+  } else {
+    r = static_cast<Record*>(malloc(sizeof(Record)));
+    if (!r) OutOfMemory();
+  }
+  return new (r) XwEvent(event);
 }
 
 void PostRecord(XwEvent* record) {
@@ -23,6 +35,12 @@ void PostRecord(XwEvent* record) {
 }
 
 }  // namespace
+
+void ReleaseRecord(void* record) {
+  auto* r = static_cast<Record*>(record);
+  r->next = spare_records;
+  spare_records = r;
+}
 
 void PostEvent(const XwEvent& event) {
   PostRecord(NewRecord(event));
@@ -61,7 +79,7 @@ void PurgeEvents() {
     auto* record = static_cast<XwEvent*>(e.payload);
     if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
     if (!record->window || IsLive(record->window)) return false;
-    free(record);
+    ReleaseRecord(record);
     return true;
   });
 }
@@ -71,7 +89,7 @@ void PurgeTimerEvents() {
     if (e.cls != kToolkitEventClass) return false;
     auto* record = static_cast<XwEvent*>(e.payload);
     if (record->type != XWE_TIMER) return false;
-    free(record);
+    ReleaseRecord(record);
     return true;
   });
 }

@@ -110,7 +110,7 @@ void XwEndSession() {
       RemoveEventLoopTimer(slot.timer);
       slot.timer = nullptr;
     }
-  FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
+  FlushEventQueue(static_cast<EventQueueRef>(MainQueue), ReleaseRecord);
 }
 
 char* P2CSTR(const unsigned char* pascal) {
