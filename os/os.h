@@ -60,7 +60,8 @@ typedef struct OS_ListEntry {
 // patterns past 60 or past 1023 bytes are ignored, and the second, upper-case use is left out where
 // it would not fit the 1023. With OS_LIST_FOLDERS: ".." is there even in an empty folder, with size
 // and time 0; "." carries the kilobytes of all regular files that matched; hidden names of two
-// characters (".a") and those that begin with ".." are listed always. `count` may be null. Safe on several threads at once.
+// characters (".a") and those that begin with ".." are listed always. `count` may be null. Safe on
+// several threads at once.
 OS_ListEntry* OS_ListDir(const char* path, const char* patterns, int* count, int types, int sort);
 
 // Free a result of OS_ListDir; null is allowed.

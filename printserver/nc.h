@@ -17,8 +17,8 @@
 // Deadlines. A connection of NC_ConnectN or NC_ReadyN carries the deadline it was made with, one of
 // NC_Connect has none; NC_SetDeadline changes it. It is the longest that one call may take, or, for
 // the calls that move a file (NC_CopyGamutFile and NC_WritePrintRequestN), the longest time without
-// any progress (a gamut file progresses in pieces of 8192 bytes). A call that runs out of time returns -1 with errno ETIMEDOUT. The deadline is kept
-// with the socket itself.
+// any progress (a gamut file progresses in pieces of 8192 bytes). A call that runs out of time
+// returns -1 with errno ETIMEDOUT. The deadline is kept with the socket itself.
 //
 // Null: a missing buffer, id, path or string is a refusal (-1 with EINVAL, nothing sent), unless a
 // call says that null is allowed.
