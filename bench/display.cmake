@@ -3,13 +3,22 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
 quorvik_bench(first_frame first_frame.cc)
 quorvik_bench(first_frame_hello first_frame_hello.c LIBS xw)
-add_executable(bench_first_frame_floor first_frame_floor.cc)
-set_target_properties(bench_first_frame_floor PROPERTIES OUTPUT_NAME first_frame_floor
-  RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+# The floor twice: with the system's shared libraries, as such a program is commonly built, and with
+# the archives that the platform itself is linked with, so that the way of linking is no advantage.
+quorvik_archives(floor_archives freetype png16 z brotlidec brotlicommon xcb-shm xcb Xau Xdmcp)
+foreach(floor first_frame_floor first_frame_floor_static)
+  add_executable(bench_${floor} first_frame_floor.cc)
+  set_target_properties(bench_${floor} PROPERTIES OUTPUT_NAME ${floor}
+    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+  target_include_directories(bench_${floor} SYSTEM PRIVATE ${FREETYPE_INCLUDE_DIRS})
+  add_dependencies(bench_first_frame bench_${floor})
+endforeach()
 target_link_libraries(bench_first_frame_floor PRIVATE quorvik_options PkgConfig::FREETYPE xcb xcb-shm)
+target_link_libraries(bench_first_frame_floor_static PRIVATE quorvik_options ${floor_archives} m)
 target_compile_definitions(bench_first_frame PRIVATE
-  HELLO="$<TARGET_FILE:bench_first_frame_hello>" FLOOR="$<TARGET_FILE:bench_first_frame_floor>")
-add_dependencies(bench_first_frame bench_first_frame_hello bench_first_frame_floor)
+  HELLO="$<TARGET_FILE:bench_first_frame_hello>" FLOOR="$<TARGET_FILE:bench_first_frame_floor>"
+  FLOOR_STATIC="$<TARGET_FILE:bench_first_frame_floor_static>")
+add_dependencies(bench_first_frame bench_first_frame_hello)
 
 # Damage to the screen, beside one bare put of the same rectangle.
 quorvik_bench(present present.cc LIBS xw)
