@@ -171,8 +171,9 @@ bool HandleConfigure(Event* event) {
     }
   }
   if (!(w->content == wanted)) TakeBounds(w, wanted);
+  // The desktop may report the place before the size that comes back.
   const bool was_full = w->full_bounds;
-  w->full_bounds = (w->state & kStateFullScreen) != 0;
+  w->full_bounds = (w->state & kStateFullScreen) || (was_full && SameSize(old, wanted));
   if (was_full && !w->full_bounds) CurrentDisplay()->set_hints(w);
   if (wanted == old) return false;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);

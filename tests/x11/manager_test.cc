@@ -157,10 +157,19 @@ TEST_F(Managed, TheApplicationIsActiveWhileOneOfItsWindowsIs) {
   Start("openbox");
   WindowRef w = Show("Mine", {200, 150, 500, 350});
   EXPECT_TRUE(RunUntil([&] { return Count(kEventClassApplication, kEventAppActivated) == 1; }));
-  xcb_set_input_focus(user().connection(), XCB_INPUT_FOCUS_NONE, user().root(), XCB_CURRENT_TIME);
+  // A window of another program comes up, which the manager gives the focus.
+  xcb_connection_t* c = user().connection();
+  const xcb_window_t other = xcb_generate_id(c);
+  xcb_create_window(c, XCB_COPY_FROM_PARENT, other, user().root(), 600, 400, 100, 100, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_map_window(c, other);
   user().Sync();
   EXPECT_TRUE(RunUntil([&] { return Count(kEventClassApplication, kEventAppDeactivated) == 1; }));
+  EXPECT_EQ(user().Focus(), other);
   EXPECT_FALSE(w->focused);
+  xcb_destroy_window(c, other);
+  user().Sync();
+  EXPECT_TRUE(RunUntil([&] { return Count(kEventClassApplication, kEventAppActivated) == 2; }));
 }
 
 TEST_F(Managed, AlertsStayAboveTheFirstWindow) {
