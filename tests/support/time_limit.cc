@@ -59,6 +59,8 @@ TimeLimit::TimeLimit(double seconds, const char* what)
 }
 
 TimeLimit::~TimeLimit() {
+  // What ran under this limit does not count for the one outside.
+  if (outer_ != nullptr) outer_->end_ += Now() - (end_ - seconds_);
   innermost = outer_;
   Arm();
 }

@@ -9,6 +9,7 @@
 
 #include "platform/windows/window.h"
 #include "tests/support/seed.h"
+#include "tests/support/time_limit.h"
 #include "tests/toolkit/stage.h"
 
 namespace {
@@ -291,7 +292,11 @@ int64_t FromEnvironment(const char* name, int64_t otherwise) {
 }
 
 TEST(Random, NoPointerDanglesAndEverythingBalances) {
-  Play(support::Seed(20260), FromEnvironment("QUORVIK_EVENTS", 100000));
+  constexpr int64_t kQuick = 100000;
+  const int64_t steps = FromEnvironment("QUORVIK_EVENTS", kQuick);
+  // A soak takes its time.
+  support::TimeLimit limit(steps > kQuick ? 0 : 60, "random events");
+  Play(support::Seed(20260), steps);
 }
 
 uint64_t PlayApart(uint64_t seed) {
