@@ -335,7 +335,10 @@ void Key(Console* c, int type) {
 // --- Time
 
 void TakeUpServer(Console* c) {
-  if (!c->server.TakeUp(&c->state)) return;
+  const std::string news = c->server.News();
+  const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
+  if (!wanted) return;
+  c->server.TakeUp(wanted, &c->state);
   c->state_ticks = 0;
   for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
   if (c->state.printers->empty()) c->list_open = false;
@@ -406,7 +409,7 @@ Console::Console(const std::string& host)
             [this](int row, int column, const CellLook& cell) {
               DrawFileCell(this, row, column, cell);
             }),
-      server(host),
+      server(host, XwReplaying()),
       queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
         DrawQueueCell(this, row, column, cell);
       }) {

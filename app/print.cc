@@ -42,7 +42,7 @@ bool Worker::NextTransfer(Transfer* out) {
     t.sent = t.total = 0;
     sending_ = t.number;
     *out = t;
-    ++shared_->change;
+    shared_->Published();
     return true;
   }
   return false;
@@ -123,7 +123,7 @@ int Worker::Progress(void* context, int64_t sent, int64_t total) {
       if (t.number != worker->sending_ || t.sent == sent) continue;
       t.sent = sent;
       t.total = total;
-      ++shared->change;
+      shared->Published();
     }
   }
   worker->Serve(kServeMs);
@@ -132,37 +132,43 @@ int Worker::Progress(void* context, int64_t sent, int64_t total) {
 
 void Worker::Finish(int number, int result, const std::string& why) {
   next_poll_ = 0;
-  if (result == NC_STATUS_DONE) Serve(kServeMs);  // so that the queue shows it at once
+  // The queue shows it in the same moment in which the transfer goes.
+  hold_back_ = true;
+  if (result == NC_STATUS_DONE) Serve(kServeMs);
+  hold_back_ = false;
   Locked lock(shared_);
-  ServerState& state = shared_->state;
-  ++shared_->change;
-  const bool cancelled = shared_->cancelled == number || result == NC_CANCELLED;
+  Settle(number, result, why);
   shared_->cancelled = 0;
+  shared_->Published();
+}
+
+// What becomes of a transfer that has ended. Under the mutex.
+void Worker::Settle(int number, int result, const std::string& why) {
+  ServerState& state = shared_->state;
+  const bool done = result == NC_STATUS_DONE;
+  const bool cancelled = shared_->cancelled == number || result == NC_CANCELLED;
   auto it = std::find_if(state.transfers.begin(), state.transfers.end(),
                          [number](const Transfer& t) { return t.number == number; });
   if (it == state.transfers.end()) return;
   const std::string name = it->order.document;
-  if (result == NC_STATUS_DONE || cancelled) {
-    state.transfers.erase(it);
-    const bool done = result == NC_STATUS_DONE;
-    if (done) {
-      state.arrivals.push_back({number, broken_.id});
-      if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
-      // Too late to be cancelled on its way.
-      if (cancelled) shared_->changes.push_back({broken_.id, JobAction::kRemove});
-    }
-    state.notices.push_back({done, (done ? "Sent: " : "Cancelled: ") + name});
-    return;
+  if (done) {
+    state.arrivals.push_back({number, broken_.id});
+    if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
+    // Too late to be cancelled on its way.
+    if (cancelled) shared_->changes.push_back({broken_.id, JobAction::kRemove});
   }
-  if (result == NC_ERROR && ++broken_.times < kMostTries) {
+  if (done || cancelled) {
+    state.transfers.erase(it);
+    state.notices.push_back({done, (done ? "Sent: " : "Cancelled: ") + name});
+  } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
     next_send_ = MonotonicMs() + kRetryMs;
-    return;
+  } else {
+    broken_.times = 0;
+    it->state = Sending::kFailed;
+    it->text = why.empty() ? "the connection broke" : why;
+    state.notices.push_back({false, "Not sent: " + name + ", " + it->text});
   }
-  broken_.times = 0;
-  it->state = Sending::kFailed;
-  it->text = why.empty() ? "the connection broke" : why;
-  state.notices.push_back({false, "Not sent: " + name + ", " + it->text});
 }
 
 }  // namespace console

@@ -3,7 +3,9 @@
 
 #include <sys/socket.h>
 
+#include <cstdio>
 #include <ctime>
+#include <string_view>
 
 #include "app/server_shared.h"
 
@@ -14,6 +16,46 @@ int64_t MonotonicMs() {
   clock_gettime(CLOCK_MONOTONIC, &t);
   return int64_t{t.tv_sec} * 1000 + t.tv_nsec / 1000000;
 }
+
+namespace {
+
+constexpr int kPatienceMs = 20000;
+
+// What a person would see of the state, as one number. How far a transfer has come is left out: it
+// depends on the network alone.
+class Digest {
+ public:
+  Digest& operator<<(std::string_view text) {
+    for (char c : text) value_ = (value_ ^ uint8_t(c)) * 0x100000001B3u;
+    return *this << int64_t(text.size());
+  }
+  Digest& operator<<(int64_t number) {
+    for (int i = 0; i < 64; i += 8) value_ = (value_ ^ uint8_t(number >> i)) * 0x100000001B3u;
+    return *this;
+  }
+  std::string Text() const {
+    char text[32];
+    snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(value_));
+    return text;
+  }
+
+ private:
+  uint64_t value_ = 0xCBF29CE484222325u;
+};
+
+std::string DigestOf(const ServerState& s) {
+  Digest d;
+  d << int(s.link) << s.trouble << int64_t(s.jobs->size()) << int64_t(s.printers->size());
+  for (const NC_Job& j : *s.jobs)
+    d << j.document << j.owner << j.printer << j.text << int(j.state) << j.priority << j.copies
+      << j.size << j.printed;
+  for (const NC_Printer& p : *s.printers) d << p.name << int(p.state) << p.jobs << p.paper;
+  for (const Transfer& t : s.transfers) d << t.number << int(t.state) << t.text;
+  for (const PendingChange& p : s.pending) d << int(p.action);
+  return d.Text();
+}
+
+}  // namespace
 
 Server::Shared::Shared() {
   OS_CreateMutex(&mutex);
@@ -38,9 +80,11 @@ Locked::~Locked() {
   OS_ReleaseMutex(&shared_->mutex);
 }
 
-Server::Server(const std::string& host)
+Server::Server(const std::string& host, bool replaying)
     : host_(host.empty() ? "localhost" : host), shared_(std::make_unique<Shared>()) {
   shared_->host = host_;
+  shared_->keep = replaying;
+  if (replaying) shared_->kept.push_back(shared_->state);
   thread_ = OS_StartThread(RunWorker, shared_.get());
   if (thread_ < 0) {
     shared_->state.link = Link::kAway;
@@ -59,19 +103,53 @@ Server::~Server() {
   if (thread_ > 0) OS_WaitThread(thread_);
 }
 
-bool Server::TakeUp(ServerState* state) {
+std::string Server::News() {
   Locked lock(shared_.get());
-  Shared& s = *shared_;
+  const Shared& s = *shared_;
   const int64_t now = MonotonicMs();
   const int quiet = s.call_began ? int((now - s.call_began) / 1000) : 0;
-  if (s.change == seen_ && quiet == seen_quiet_) return false;
-  seen_ = s.change;
-  seen_quiet_ = quiet;
-  *state = s.state;
-  state->retry_ms = int(std::max<int64_t>(0, s.retry_at - now));
-  state->quiet_s = quiet;
-  s.state.notices.clear();
-  return true;
+  if (s.change == seen_ && quiet == seen_quiet_) return "";
+  const int64_t retry = std::max<int64_t>(0, s.retry_at - now);
+  char text[100];
+  snprintf(text, sizeof text, "%s quiet %d retry %d notices %zu", DigestOf(s.state).c_str(), quiet,
+           int(retry), s.state.notices.size());
+  return text;
+}
+
+// Takes states out of those that were kept, up to the one with this digest and so many notices.
+bool Server::TakeKept(const char* digest, size_t notices, ServerState* state) {
+  Locked lock(shared_.get());
+  auto& kept = shared_->kept;
+  while (!(seen_digest_ == digest && state->notices.size() >= notices) && !kept.empty()) {
+    std::vector<Notice> all = std::move(state->notices);
+    all.insert(all.end(), kept.front().notices.begin(), kept.front().notices.end());
+    *state = std::move(kept.front());
+    state->notices = std::move(all);
+    kept.pop_front();
+    seen_digest_ = DigestOf(*state);
+  }
+  return seen_digest_ == digest && state->notices.size() >= notices;
+}
+
+void Server::TakeUp(const std::string& news, ServerState* state) {
+  char digest[32] = "";
+  int quiet = 0, retry = 0;
+  size_t notices = 0;
+  sscanf(news.c_str(), "%31s quiet %d retry %d notices %zu", digest, &quiet, &retry, &notices);
+  state->notices.clear();
+  if (shared_->keep) {
+    const int64_t give_up = MonotonicMs() + kPatienceMs;
+    while (!TakeKept(digest, notices, state) && MonotonicMs() < give_up) OS_Sleep(1);
+    if (seen_digest_ != digest)
+      fprintf(stderr, "replay: the server did not come to %s\n", news.c_str());
+  } else {
+    Locked lock(shared_.get());
+    seen_ = shared_->change;
+    *state = shared_->state;
+    shared_->state.notices.clear();
+  }
+  seen_quiet_ = state->quiet_s = quiet;
+  state->retry_ms = retry;
 }
 
 int Server::Send(PrintOrder order) {
@@ -81,7 +159,7 @@ int Server::Send(PrintOrder order) {
   t.order = std::move(order);
   t.started = time(nullptr);
   shared_->state.transfers.push_back(std::move(t));
-  ++shared_->change;
+  shared_->Published();
   pthread_cond_broadcast(&shared_->wake);
   return shared_->next_number - 1;
 }
@@ -98,7 +176,7 @@ void Server::Cancel(int number) {
     if (a.number == number) Change(a.id, JobAction::kRemove);
   if (s.cancelled != number)
     std::erase_if(s.state.transfers, [number](const Transfer& t) { return t.number == number; });
-  ++s.change;
+  s.Published();
 }
 
 void Server::Retry(int number) {
@@ -107,7 +185,7 @@ void Server::Retry(int number) {
     if (t.number != number || t.state != Sending::kFailed) continue;
     t.state = Sending::kWaiting;
     t.text.clear();
-    ++shared_->change;
+    shared_->Published();
   }
   pthread_cond_broadcast(&shared_->wake);
 }
@@ -116,7 +194,7 @@ void Server::Change(const JobId& id, JobAction action) {
   Locked lock(shared_.get());
   shared_->changes.push_back({id, action});
   shared_->state.pending.push_back({id, action});
-  ++shared_->change;
+  shared_->Published();
   pthread_cond_broadcast(&shared_->wake);
 }
 

@@ -78,15 +78,20 @@ struct ServerState {
 class Server {
  public:
   // Starts the worker. `host` empty: localhost.
-  explicit Server(const std::string& host);
+  // `replaying`: keeps each state until it is taken up.
+  explicit Server(const std::string& host, bool replaying = false);
   // Cancels what is being sent and waits for the worker, at most as long as one deadline.
   ~Server();
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
   const std::string& host() const { return host_; }
-  // True, and `state` is new, when something has changed since the last call.
-  bool TakeUp(ServerState* state);
+  // Words that tell the newest state from others, when something has changed since it was last
+  // taken up; else empty.
+  std::string News();
+  // Takes up the state that these words tell of. Usually the newest; in a replay the worker may be
+  // ahead of it or behind, and is then waited for.
+  void TakeUp(const std::string& news, ServerState* state);
   // The order's number as a transfer.
   int Send(PrintOrder order);
   // Takes a transfer out, whatever its state; one that has arrived meanwhile is removed as a job.
@@ -101,11 +106,14 @@ class Server {
   struct Shared;
 
  private:
+  bool TakeKept(const char* digest, size_t notices, ServerState* state);
+
   std::string host_;
   std::unique_ptr<Shared> shared_;
   int thread_ = -1;
   int64_t seen_ = 0;
   int seen_quiet_ = 0;
+  std::string seen_digest_;
 };
 
 }  // namespace console

@@ -27,6 +27,17 @@ struct Server::Shared {
   int cancelled = 0;       // the transfer that is to be broken off
   int open[2] = {-1, -1};  // the worker's connections, so that stopping can end what it waits for
   std::string host;
+  // Each state that was published and not taken up: for a replay, which may have to take up one
+  // that the next has replaced.
+  bool keep = false;
+  std::deque<ServerState> kept;
+
+  // After a change of the state, under the mutex.
+  void Published() {
+    ++change;
+    if (keep) kept.push_back(state);
+    if (keep) state.notices.clear();
+  }
 };
 
 // Owns the mutex as long as it lives.

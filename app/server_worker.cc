@@ -68,7 +68,7 @@ void Worker::GoAway(const std::string& trouble) {
   shared_->state.trouble = trouble;
   shared_->retry_at = MonotonicMs() + retry_ms_;
   shared_->call_began = 0;
-  ++shared_->change;
+  shared_->Published();
 }
 
 bool Worker::TryToConnect(int ms) {
@@ -76,7 +76,7 @@ bool Worker::TryToConnect(int ms) {
     Locked lock(shared_);
     shared_->state.link = Link::kConnecting;
     shared_->retry_at = 0;
-    ++shared_->change;
+    shared_->Published();
   }
   Began();
   const int fd = Connect(kLists, ms);
@@ -132,8 +132,9 @@ bool Worker::Poll() {
   ServerState& state = shared_->state;
   if (jobs) state.jobs = jobs;
   if (list) state.printers = list;
-  if (jobs || list || state.link != Link::kReady) ++shared_->change;
+  const bool changed = jobs || list || state.link != Link::kReady;
   state.link = Link::kReady;
+  if (changed && !hold_back_) shared_->Published();
   return true;
 }
 
@@ -178,7 +179,7 @@ void Worker::Answered(const PendingChange& change, int status) {
   if (status >= 0 && !done) text += std::string(", ") + NC_StatusText(status);
   if (status < 0) text += ", the connection broke";
   state.notices.push_back({done, text});
-  ++shared_->change;
+  shared_->Published();
 }
 
 // What was answered is no longer pending once the lists tell of it.
@@ -193,7 +194,7 @@ void Worker::ForgetFinished() {
     if (it != pending.end()) pending.erase(it);
   }
   finished_.clear();
-  ++shared_->change;
+  shared_->Published();
 }
 
 // Everything that is due on the connection for lists. Called also while a file is being sent.

@@ -40,6 +40,7 @@ class Worker {
   int SendFile(const Transfer& t, std::string* why);
   int SendDocument(const Transfer& t, int file, int64_t size, std::string* why);
   void Finish(int number, int result, const std::string& why);
+  void Settle(int number, int result, const std::string& why);
   bool Arrived(const JobId& id);
   static int Progress(void* worker, int64_t sent, int64_t total);
 
@@ -50,7 +51,8 @@ class Worker {
   std::vector<PendingChange> finished_;
   int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
   int retry_ms_ = 0;
-  int sending_ = 0;  // number of the transfer
+  int sending_ = 0;         // number of the transfer
+  bool hold_back_ = false;  // lists are stored, and published by what follows
   // A transfer that broke off, under which id, and how often.
   struct Broken {
     int number = 0;

@@ -189,6 +189,16 @@ int XwCheckPointer(int x, int y, int w, int h);
 /* 0 up, 1 down, 2 repeating; `key` is a key's type. 0 outside 0..531. */
 uint8_t XwGetKeyState(int key);
 void XwBeep(void);
+/* Record and replay. XW_RECORD=file keeps a session's raw input as lines of text, XW_REPLAY=file
+ * plays it back, without the user. What comes from elsewhere, such as a worker's result, is not in
+ * the file; so that it is taken up at the same place again, a program asks here each time it looks
+ * for one. `what` is one word, `detail` one line that tells this result from others; null when none
+ * has come. The result is null: nothing is to be taken up now. Otherwise it is the detail of what
+ * must be: `detail` itself, or, when replaying, that of the recording (in a static buffer), and the
+ * program waits until it has this one. */
+const char* XwTakeUp(const char* what, const char* detail);
+/* 1 while a recording is played back. */
+int XwReplaying(void);
 
 /* ==== Timers ====================================================================================
  *

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <vector>
 
+#include "platform/events/journal.h"
 #include "platform/events/translate.h"
 
 namespace platform {
@@ -71,7 +72,7 @@ void TakeDesktopRequests() {
   for (size_t i = 0; i < Sources().size(); ++i) {
     RawEvent raw;
     while (Sources()[i].next(&raw)) {
-      TranslateRawEvent(raw);
+      TakeReport(raw);
       raw = RawEvent();
     }
   }

@@ -36,6 +36,8 @@ void ReleaseEvent(Event* e);
 // Calls what is due. Seconds until the next firing; negative when no timer runs.
 void FireTimers(double now);
 double NextTimer(double now);
+// The moment for which FireTimers was last called.
+double TimersFiredAt();
 
 // --- Raw input, for receive.
 // Takes in all that the display reports.

@@ -8,6 +8,7 @@
 #include <ctime>
 
 #include "platform/display/display.h"
+#include "platform/events/journal.h"
 #include "platform/events/queue.h"
 #include "platform/events/translate.h"
 #include "platform/windows/window.h"
@@ -124,6 +125,7 @@ bool ReceiveWithUpkeep(EventQueue& queue, double timeout, Event* out) {
     TakeRawEvents();
     if (!queue.empty() || NextToDraw(GetCurrentEventTime())) continue;
     double wait = NextTimer(now);
+    if (double replay = NextReplay(now); replay >= 0 && (wait < 0 || replay < wait)) wait = replay;
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
     Wait(wait);
   }

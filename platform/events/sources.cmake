@@ -1,4 +1,6 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/journal.cc
+  ${CMAKE_CURRENT_LIST_DIR}/journal_line.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
   ${CMAKE_CURRENT_LIST_DIR}/queue.cc
   ${CMAKE_CURRENT_LIST_DIR}/receive.cc

@@ -21,7 +21,8 @@ constexpr double kShortest = 1e-6;  // seconds
 struct TimerList {
   std::vector<EventLoopTimer*> timers;
   double earliest = -1;  // negative: none runs
-  int firing = 0;        // removed timers are freed when no call is under way
+  double fired_at = -1;
+  int firing = 0;  // removed timers are freed when no call is under way
 };
 
 TimerList& List() {
@@ -89,8 +90,13 @@ void SetEventLoopTimerNextFireTime(EventLoopTimerRef timer, double delay) {
   UpdateEarliest();
 }
 
+double TimersFiredAt() {
+  return List().fired_at;
+}
+
 void FireTimers(double now) {
   TimerList& l = List();
+  l.fired_at = now;
   if (l.earliest < 0 || now < l.earliest) return;
   ++l.firing;
   // In order of their deadlines, each once; a callback may add and remove timers.

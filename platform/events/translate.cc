@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "platform/desktop/requests.h"
+#include "platform/events/journal.h"
 #include "platform/events/queue.h"
 #include "platform/windows/window.h"
 
@@ -180,10 +181,11 @@ void TakeRawEvents() {
   const Display* d = CurrentDisplay();
   RawEvent raw;
   while (d->next_event(&raw)) {
-    TranslateRawEvent(raw);
+    TakeReport(raw);
     raw = RawEvent();
   }
   TakeDesktopRequests();
+  if (journal_mode == JournalMode::kReplaying) ReplayDue();
   SettleActivation();
 }
 

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/display/display.h"
+#include "platform/events/journal.h"
 #include "platform/windows/session.h"
 #include "platform/windows/window.h"
 
@@ -171,6 +172,8 @@ bool HandleConfigure(Event* event) {
     }
   }
   if (!(w->content == wanted)) TakeBounds(w, wanted);
+  // What is replayed the desktop does not know of.
+  if (journal_mode == JournalMode::kReplaying) CurrentDisplay()->move_resize(w);
   // The desktop may report the place before the size that comes back.
   const bool was_full = w->full_bounds;
   w->full_bounds = (w->state & kStateFullScreen) || (was_full && SameSize(old, wanted));

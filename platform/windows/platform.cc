@@ -9,6 +9,7 @@
 #include "platform/desktop/application.h"
 #include "platform/desktop/requests.h"
 #include "platform/display/display.h"
+#include "platform/events/journal.h"
 #include "platform/windows/session.h"
 #include "platform/windows/window.h"
 
@@ -66,6 +67,11 @@ bool InitPlatform(const char* name) {
                                 : "(DISPLAY is unset)");
     return false;
   }
+  if (!OpenJournal(session_name.c_str())) {
+    display->close();
+    display = nullptr;
+    return false;
+  }
   InstallSignalSource();
   InstallApplicationSource(name);
   return true;
@@ -76,6 +82,7 @@ void FinishPlatform() {
   while (!WindowList().empty()) DisposeWindow(WindowList().back());
   CollectWindows();
   RemoveApplicationSource();
+  CloseJournal();
   display->close();
   display = nullptr;
 }

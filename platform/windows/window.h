@@ -65,6 +65,7 @@ struct Window {
   Rect frame;                // widths: left, top, right, bottom
   Rect refused;              // the last reported bounds that were answered with others
   bool full_bounds = false;  // `content` is what full screen gave
+  unsigned number = 0;       // in the order of creation, from 1
   bool disposed = false;     // freed when the dispatch that destroyed it is over
 };
 

@@ -44,7 +44,9 @@ WindowRef MenuBarWindow() {
 WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
   const Display* d = CurrentDisplay();
   if (!d) return nullptr;
+  static unsigned count;
   auto* w = new Window;
+  w->number = ++count;
   w->window_class = window_class;
   w->attributes = attributes;
   w->content = content;

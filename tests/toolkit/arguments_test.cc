@@ -220,6 +220,8 @@ const struct {
     CALL(XwCheckPointer),
     CALL(XwGetKeyState),
     CALL(XwBeep),
+    CALL(XwTakeUp),
+    CALL(XwReplaying),
     CALL(XwTimer),
     CALL(XwGrabPointer),
     CALL(XwUngrabPointer),

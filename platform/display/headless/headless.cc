@@ -31,6 +31,8 @@ bool Open(const char*) {
   State& s = Headless();
   s.open = true;
   s.screen = {{0, 0, 1280, 1024}, 1.0};
+  // A replay needs no time of its own.
+  if (const char* replay = getenv("XW_REPLAY"); replay && *replay && !s.stepped) UseSteppedClock(0);
   if (const char* scale = getenv("XW_SCALE")) {
     double v = atof(scale);
     if (v >= 0.5 && v <= 8) s.screen.scale = v;

@@ -1,0 +1,25 @@
+// One line of a recording, as text and as a report.
+#pragma once
+#include <string>
+
+#include "platform/display/display.h"
+
+namespace platform {
+
+struct JournalLine {
+  double time = 0;  // taken in, since the session began
+  bool after_timers = false;
+  unsigned window = 0;       // its number, 0 none
+  RawEvent raw;              // without its window; `time` since the session began
+  std::string path;          // of an open request
+  std::string what, detail;  // of a take
+  bool take() const { return !what.empty(); }
+};
+
+// Reports that are neither recorded nor replayed: the display shows its windows by them.
+bool IsDisplaysOwn(RawEvent::Type type);
+std::string FormatJournalLine(const JournalLine& line);
+// False for what is no line.
+bool ParseJournalLine(const std::string& text, JournalLine* line);
+
+}  // namespace platform

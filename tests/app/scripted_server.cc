@@ -1,0 +1,148 @@
+#include "tests/app/scripted_server.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstring>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "printserver/nc.h"
+#include "printserver/records.h"
+
+namespace scripted {
+namespace {
+
+struct Job {
+  std::string id, document, printer;
+  bool held = false;
+  size_t size = 0;
+};
+
+// All connections share them; one answers at a time.
+std::mutex mutex;
+std::vector<Job> jobs;
+int ids = 0;
+
+bool Put(int fd, const std::string& bytes) {
+  return NC_Write(fd, bytes.data(), int32_t(bytes.size())) == int32_t(bytes.size());
+}
+
+std::string Length(size_t n) {
+  std::string bytes;
+  for (int i = 0; i < 4; ++i) bytes += char(n >> (8 * i));
+  return bytes;
+}
+
+std::string Value(const std::string& ticket, const std::string& key) {
+  const size_t at = ("\n" + ticket).find("\n" + key + "=");
+  if (at == std::string::npos) return "";
+  const size_t from = at + key.size() + 1;
+  return ticket.substr(from, ticket.find('\n', from) - from);
+}
+
+std::string Queue() {
+  std::string list;
+  for (const Job& job : jobs) {
+    char id[33];
+    NC_FormatId(reinterpret_cast<const uint8_t*>(job.id.data()), id);
+    list += std::string("id=") + id + "\nstate=" + (job.held ? "held" : "waiting") +
+            "\ndocument=" + job.document + "\nowner=mia\nprinter=" + job.printer +
+            "\nsize=" + std::to_string(job.size) + "\n\n";
+  }
+  return list;
+}
+
+void Write(const std::string& id, const std::string& request) {
+  const size_t end = request.find("\n\n");
+  const std::string ticket = request.substr(0, end);
+  for (Job& job : jobs)
+    if (job.id == id) job.held = Value(ticket, "hold") == "1";
+  if (end == std::string::npos || end + 2 >= request.size()) return;
+  jobs.push_back({id, Value(ticket, "document"), Value(ticket, "printer"),
+                  Value(ticket, "hold") == "1", request.size() - end - 2});
+}
+
+bool Answer(int fd) {
+  char head[4];
+  if (NC_Read(fd, head, 4) != 4 || memcmp(head, "KRV", 3) != 0) return false;
+  std::string id(16, 0), request;
+  if (head[3] == 3 || head[3] == 6)
+    if (NC_Read(fd, id.data(), 16) != 16) return false;
+  if (head[3] == 3) {
+    uint8_t n[4];
+    if (NC_Read(fd, n, 4) != 4) return false;
+    request.resize(size_t(n[0] | n[1] << 8 | n[2] << 16 | n[3] << 24));
+    if (!request.empty() && NC_Read(fd, request.data(), int32_t(request.size())) < 0) return false;
+  }
+  const std::lock_guard<std::mutex> lock(mutex);
+  switch (head[3]) {
+    case 1:
+      return Put(fd, Length(Queue().size()) + Queue());
+    case 2: {
+      const std::string list = "name=Proof printer\ndefault=1\n\nname=Office\n\n";
+      return Put(fd, "\1" + Length(list.size()) + list);
+    }
+    case 3:
+      Write(id, request);
+      return Put(fd, "\1");
+    case 5: {
+      std::string fresh(16, 0);
+      fresh[0] = char(++ids);
+      return Put(fd, fresh);
+    }
+    case 6:
+      std::erase_if(jobs, [&](const Job& job) { return job.id == id; });
+      return Put(fd, "\1");
+    default:
+      return false;
+  }
+}
+
+void Serve(int fd) {
+  char greeting[4];
+  if (NC_Read(fd, greeting, 4) == 4 && Put(fd, "\1"))
+    while (Answer(fd)) {
+    }
+  close(fd);
+}
+
+[[noreturn]] void Run(int listener) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  signal(SIGPIPE, SIG_IGN);
+  for (;;) {
+    const int fd = accept(listener, nullptr, nullptr);
+    if (fd >= 0) std::thread(Serve, fd).detach();
+  }
+}
+
+}  // namespace
+
+Server::Server(const std::string& address) {
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const int on = 1;
+  setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  sockaddr_in at{};
+  at.sin_family = AF_INET;
+  at.sin_port = htons(NC_PORT);
+  inet_pton(AF_INET, address.c_str(), &at.sin_addr);
+  EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
+  EXPECT_EQ(listen(listener, 16), 0);
+  pid_ = fork();
+  if (pid_ == 0) Run(listener);
+  close(listener);
+}
+
+Server::~Server() {
+  kill(pid_, SIGKILL);
+  waitpid(pid_, nullptr, 0);
+}
+
+}  // namespace scripted

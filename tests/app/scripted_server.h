@@ -1,0 +1,22 @@
+// A print server whose answers depend on nothing but what it was asked: ids are counted, times are
+// none, a job waits until it is held or removed. It runs in a process of its own.
+#pragma once
+#include <sys/types.h>
+
+#include <string>
+
+namespace scripted {
+
+class Server {
+ public:
+  // Listens on that loopback address.
+  explicit Server(const std::string& address);
+  ~Server();
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+ private:
+  pid_t pid_ = 0;
+};
+
+}  // namespace scripted

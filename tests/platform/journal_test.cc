@@ -1,0 +1,91 @@
+// Lines of a recording: what is written is read again; what is no line is refused.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "platform/events/journal.h"
+#include "platform/events/journal_line.h"
+#include "platform/windows/windows.h"
+#include "tests/support/seed.h"
+
+namespace platform {
+namespace {
+
+TEST(JournalLine, ReadsWhatItWrites) {
+  const char* const kLines[] = {
+      "0.000000 focus w1",
+      "0.350000 press w1 x=20 y=54.5 rx=50 ry=134 button=1 at=0.349",
+      "0.350000+ motion w12 x=-3 y=7",
+      "1.500000 motion w1 x=1 y=2 tablet=1 tip=1 pressure=65535 tilt-x=-32768 tilt-y=32767",
+      "2.000000 key-down w1 modifiers=4096 code=112 key=65293 base=65293 char=13",
+      "2.250000 scroll w1 x=5 y=6 dx=-0.5 dy=40",
+      "3.000000 configure w2 rx=40 ry=96 w=860 h=624",
+      "4.000000 open /a b/\\\\with\\nline",
+      "5.000000+ take server 51f0 quiet 0",
+      "6.000000 quit",
+  };
+  for (const char* text : kLines) {
+    JournalLine line;
+    ASSERT_TRUE(ParseJournalLine(text, &line)) << text;
+    EXPECT_EQ(FormatJournalLine(line), text);
+  }
+  JournalLine line;
+  ASSERT_TRUE(ParseJournalLine("4 open /a b/\\\\with\\nline", &line));
+  EXPECT_EQ(line.path, "/a b/\\with\nline");
+}
+
+TEST(JournalLine, RefusesWhatIsNone) {
+  const char* const kFaulty[] = {
+      "",          "1.0",           "x press w1",        "-1 press w1",        "1.0 jump w1",
+      "1.0 press", "1.0 press w0",  "1.0 press 1",       "1.0 press w1 x",     "1.0 press w1 x=",
+      "1.0 open",  "1.0 take",      "1.0 press w1 x=1y", "nan press w1",       "1.0++ press w1",
+      "1e99 quit", "1.0 press w-1", "1.0 press w1 z=1",  "1.0 press w1 x=inf", "1.0 quit now",
+  };
+  for (const char* text : kFaulty) {
+    JournalLine line;
+    EXPECT_FALSE(ParseJournalLine(text, &line)) << text;
+  }
+}
+
+TEST(JournalLine, TakesAnyBytes) {
+  support::Dice dice(support::Seed(5));
+  const std::string bits = "0123456789.+-= wxyhr\\nopentakequitpress\x80";
+  for (int i = 0; i < 20000; ++i) {
+    std::string text = i % 2 ? "1.0 press w1 " : "";
+    for (int n = dice.Between(0, 40); n-- > 0;)
+      text += bits[size_t(dice.Between(0, int(bits.size()) - 1))];
+    JournalLine line, again;
+    if (!ParseJournalLine(text, &line)) continue;
+    ASSERT_TRUE(ParseJournalLine(FormatJournalLine(line), &again)) << text;
+    ASSERT_EQ(FormatJournalLine(line), FormatJournalLine(again)) << text;
+  }
+}
+
+TEST(Journal, AFaultyFileIsToldAndNothingBegins) {
+  const struct {
+    const char* content;
+    const char* told;
+  } kRows[] = {{"", "is no recording"},
+               {"xw-record 2\n", "is no recording"},
+               {"xw-record 1\n0.1 press w1\n0.2 nothing\n", "line 3 is faulty"},
+               {"xw-record 1\n0.2 press w1\n\n0.1 press w1\n", "line 4 is faulty"}};
+  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  setenv("XW_DISPLAY", "headless", 1);
+  setenv("XW_REPLAY", file.c_str(), 1);
+  for (const auto& row : kRows) {
+    std::ofstream(file) << row.content;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(InitPlatform("journal"));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find(row.told), std::string::npos);
+  }
+  remove(file.c_str());
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(InitPlatform("journal"));
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("No such file"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,11 @@
+// Record and replay, as programs see them.
+#include "platform/events/journal.h"
+#include "toolkit/xw.h"
+
+const char* XwTakeUp(const char* what, const char* detail) {
+  return what && *what ? platform::TakeUp(what, detail) : nullptr;
+}
+
+int XwReplaying() {
+  return platform::journal_mode == platform::JournalMode::kReplaying;
+}
