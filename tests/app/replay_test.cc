@@ -23,8 +23,8 @@ namespace {
 namespace display = platform::headless;
 
 // Of this process and its children, so that tests can run side by side.
-const std::string kAddress = "127.61." + std::to_string(getpid() >> 8 & 255) + "." +
-                             std::to_string(getpid() & 255);
+const std::string kAddress =
+    "127.61." + std::to_string(getpid() >> 8 & 255) + "." + std::to_string(getpid() & 255);
 
 // --- In the program's process
 
