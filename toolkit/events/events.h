@@ -5,7 +5,7 @@
 #include "toolkit/xw.h"
 
 // Class of the toolkit's own events in the platform's queue; the payload is one XwEvent
-// that the receiver gives back with ReleaseRecord.
+// from malloc, which whoever takes the event out of the queue frees.
 constexpr uint32_t kToolkitEventClass = platform::FourCC("KRV ");
 
 // The timer table.
@@ -36,8 +36,6 @@ platform::OSStatus EVapp_func(platform::HandlerCall* call, platform::Event* even
 platform::OSStatus EVapple_func(const platform::Event* event);
 // A copy of a record, queued. The window must be alive.
 void PostEvent(const XwEvent& event);
-// Of a record that has been taken out of the queue.
-void ReleaseRecord(void* record);
 // Queued records whose window has ended go; those that only have such a window as focus lose it.
 void PurgeEvents();
 void PurgeTimerEvents();

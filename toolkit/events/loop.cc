@@ -20,7 +20,7 @@ XwWindow* RawMode() {
 void TakeRecord(Event* e) {
   auto* record = static_cast<XwEvent*>(e->payload);
   Inp = *record;
-  ReleaseRecord(record);
+  free(record);
   if (Inp.type == XWE_TIMER) [[unlikely]]
     TimerTaken(Inp.window, Inp.value);
 }

@@ -1,6 +1,5 @@
 // Posting toolkit events: heap copies of a record that travel through the platform's queue.
 #include <cstdlib>
-#include <new>
 
 #include "toolkit/events/events.h"
 #include "toolkit/events/trace.h"
@@ -12,22 +11,11 @@ XwEvent Inp;
 
 namespace {
 
-// Records that have been received wait here for the next posts, linked through their first field.
-union Record {
-  Record* next;
-  XwEvent event;
-};
-Record* spare_records = nullptr;
-
 XwEvent* NewRecord(const XwEvent& event) {
-  Record* r = spare_records;
-  if (r) {
-    spare_records = r->next;
-  } else {
-    r = static_cast<Record*>(malloc(sizeof(Record)));
-    if (!r) OutOfMemory();
-  }
-  return new (r) XwEvent(event);
+  auto* record = static_cast<XwEvent*>(malloc(sizeof(XwEvent)));
+  if (!record) OutOfMemory();
+  *record = event;
+  return record;
 }
 
 void PostRecord(XwEvent* record) {
@@ -35,12 +23,6 @@ void PostRecord(XwEvent* record) {
 }
 
 }  // namespace
-
-void ReleaseRecord(void* record) {
-  auto* r = static_cast<Record*>(record);
-  r->next = spare_records;
-  spare_records = r;
-}
 
 void PostEvent(const XwEvent& event) {
   PostRecord(NewRecord(event));
@@ -79,7 +61,7 @@ void PurgeEvents() {
     auto* record = static_cast<XwEvent*>(e.payload);
     if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
     if (!record->window || IsLive(record->window)) return false;
-    ReleaseRecord(record);
+    free(record);
     return true;
   });
 }
@@ -89,7 +71,7 @@ void PurgeTimerEvents() {
     if (e.cls != kToolkitEventClass) return false;
     auto* record = static_cast<XwEvent*>(e.payload);
     if (record->type != XWE_TIMER) return false;
-    ReleaseRecord(record);
+    free(record);
     return true;
   });
 }

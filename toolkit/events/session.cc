@@ -110,7 +110,7 @@ void XwEndSession() {
       RemoveEventLoopTimer(slot.timer);
       slot.timer = nullptr;
     }
-  FlushEventQueue(static_cast<EventQueueRef>(MainQueue), ReleaseRecord);
+  FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
 }
 
 char* P2CSTR(const unsigned char* pascal) {
