@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/server.h"
+
 extern char** environ;
 
 namespace {
@@ -62,27 +64,6 @@ double Median(std::vector<Sample> v, F figure) {
   std::sort(v.begin(), v.end(),
             [&](const Sample& a, const Sample& b) { return figure(a) < figure(b); });
   return double(figure(v[v.size() / 2]));
-}
-
-pid_t StartServer() {
-  int ends[2];
-  if (pipe(ends) != 0) return -1;
-  fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-  const std::string fd = std::to_string(ends[1]);
-  const pid_t pid = Start({"Xvfb", "-displayfd", fd.c_str(), "-noreset", "-nolisten", "tcp",
-                           "-screen", "0", "1280x1024x24"});
-  close(ends[1]);
-  char number[16] = {};
-  size_t size = 0;
-  while (size < sizeof number - 1 && memchr(number, '\n', size) == nullptr) {
-    const ssize_t n = read(ends[0], number + size, sizeof number - 1 - size);
-    if (n <= 0) break;
-    size += size_t(n);
-  }
-  close(ends[0]);
-  if (pid < 0 || size == 0) return -1;
-  setenv("DISPLAY", (":" + std::string(number, strcspn(number, "\n"))).c_str(), 1);
-  return pid;
 }
 
 void Print(const char* name, const std::vector<Sample>& s) {

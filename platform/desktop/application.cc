@@ -1,4 +1,5 @@
 #include "platform/desktop/application.h"
+#include "platform/late_library.h"
 
 #include <dlfcn.h>
 #include <systemd/sd-bus.h>
@@ -50,8 +51,7 @@ Application app;
 
 template <class F>
 bool Find(const char* name, F* out) {
-  *out = reinterpret_cast<F>(dlsym(lib.handle, name));
-  return *out != nullptr;
+  return FindFunction(lib.handle, name, out);
 }
 
 bool LoadLibrary() {

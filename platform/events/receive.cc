@@ -4,7 +4,6 @@
 #include <sys/time.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <ctime>
 
 #include "platform/display/display.h"

@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "platform/fonts/finder.h"
+#include "platform/late_library.h"
 
 namespace platform {
 namespace {
@@ -33,26 +34,24 @@ struct Finder {
   decltype(&FcFini) finish;
 };
 
-template <typename F>
-bool Take(void* library, const char* name, F* out) {
-  *out = reinterpret_cast<F>(dlsym(library, name));
-  return *out;
-}
-
 bool LoadFinder(void* lib, Finder* f) {
-  return Take(lib, "FcInitLoadConfigAndFonts", &f->init) &&
-         Take(lib, "FcConfigGetFonts", &f->fonts) &&
-         Take(lib, "FcConfigGetConfigFiles", &f->config_files) &&
-         Take(lib, "FcConfigGetFontDirs", &f->font_dirs) && Take(lib, "FcStrListNext", &f->next) &&
-         Take(lib, "FcStrListDone", &f->done) && Take(lib, "FcPatternGetString", &f->get_string) &&
-         Take(lib, "FcPatternGetInteger", &f->get_integer) &&
-         Take(lib, "FcPatternGetDouble", &f->get_double) &&
-         Take(lib, "FcPatternGetBool", &f->get_bool) && Take(lib, "FcNameParse", &f->parse) &&
-         Take(lib, "FcConfigSubstitute", &f->substitute) &&
-         Take(lib, "FcDefaultSubstitute", &f->default_substitute) &&
-         Take(lib, "FcFontMatch", &f->match) &&
-         Take(lib, "FcPatternDestroy", &f->destroy_pattern) &&
-         Take(lib, "FcConfigDestroy", &f->destroy_config) && Take(lib, "FcFini", &f->finish);
+  return FindFunction(lib, "FcInitLoadConfigAndFonts", &f->init) &&
+         FindFunction(lib, "FcConfigGetFonts", &f->fonts) &&
+         FindFunction(lib, "FcConfigGetConfigFiles", &f->config_files) &&
+         FindFunction(lib, "FcConfigGetFontDirs", &f->font_dirs) &&
+         FindFunction(lib, "FcStrListNext", &f->next) &&
+         FindFunction(lib, "FcStrListDone", &f->done) &&
+         FindFunction(lib, "FcPatternGetString", &f->get_string) &&
+         FindFunction(lib, "FcPatternGetInteger", &f->get_integer) &&
+         FindFunction(lib, "FcPatternGetDouble", &f->get_double) &&
+         FindFunction(lib, "FcPatternGetBool", &f->get_bool) &&
+         FindFunction(lib, "FcNameParse", &f->parse) &&
+         FindFunction(lib, "FcConfigSubstitute", &f->substitute) &&
+         FindFunction(lib, "FcDefaultSubstitute", &f->default_substitute) &&
+         FindFunction(lib, "FcFontMatch", &f->match) &&
+         FindFunction(lib, "FcPatternDestroy", &f->destroy_pattern) &&
+         FindFunction(lib, "FcConfigDestroy", &f->destroy_config) &&
+         FindFunction(lib, "FcFini", &f->finish);
 }
 
 std::vector<std::string> Strings(const Finder& f, FcPattern* p, const char* object) {

@@ -1,6 +1,7 @@
 // xkbcommon's tables, loaded when they are needed: the library with the first key, the sequences of
 // the locale with the first dead or compose key.
 #include "platform/display/x11/compose.h"
+#include "platform/late_library.h"
 
 #include <dlfcn.h>
 #include <xkbcommon/xkbcommon-compose.h>
@@ -40,8 +41,7 @@ Sequences seq;
 
 template <class F>
 bool Find(const char* name, F* out) {
-  *out = reinterpret_cast<F>(dlsym(lib.handle, name));
-  return *out != nullptr;
+  return FindFunction(lib.handle, name, out);
 }
 
 bool LoadLibrary() {
