@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ class XServer {
  public:
   // Starts Xvfb on a free display and names it in DISPLAY; XW_DISPLAY becomes x11.
   explicit XServer(const std::vector<std::string>& arguments = {});
+  // Starts Xorg with this configuration in the same way. Not running where there is no Xorg or it
+  // cannot do with the configuration.
+  static std::unique_ptr<XServer> WithConfiguration(const std::string& file);
   ~XServer();
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;
@@ -31,6 +35,10 @@ class XServer {
   void Kill();
 
  private:
+  struct Unstarted {};
+  explicit XServer(Unstarted) {}
+  // `arguments` follow what every server is told. False when it does not come up.
+  bool Run(const std::string& program, const std::vector<std::string>& arguments);
   pid_t pid_ = 0, manager_ = 0;
   std::string display_;
 };

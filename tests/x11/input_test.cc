@@ -1,6 +1,6 @@
 // A user at the keyboard and the pointer, with and without a window manager.
 #include "platform/display/x11/x.h"
-#include "tests/x11/session.h"
+#include "tests/x11/reports.h"
 
 namespace x11_test {
 namespace {
@@ -8,45 +8,6 @@ namespace {
 using namespace platform;
 
 constexpr uint32_t kShiftL = 0xFFE1, kControlL = 0xFFE3, kAltL = 0xFFE9, kSuperL = 0xFFEB;
-
-class Reports : public X11Test {
- protected:
-  // Everything that the display says until `done`, untranslated.
-  bool Collect(const std::function<bool()>& done) {
-    return support::Eventually([&] {
-      RawEvent raw;
-      while (kX11Display.next_event(&raw)) {
-        if (raw.type == RawEvent::kFocusIn || raw.type == RawEvent::kFocusOut) {
-          HandleFocus(raw.window, raw.type == RawEvent::kFocusIn);
-        }
-        reports.push_back(raw);
-      }
-      return done();
-    });
-  }
-  bool Wait(RawEvent::Type type, size_t count = 1) {
-    return Collect([&] { return Of(type).size() >= count; });
-  }
-  std::vector<RawEvent> Of(RawEvent::Type type) const {
-    std::vector<RawEvent> found;
-    for (const RawEvent& r : reports) {
-      if (r.type == type) found.push_back(r);
-    }
-    return found;
-  }
-  // A focused window with the pointer in it.
-  WindowRef Ready() {
-    WindowRef w = Show("Input", {100, 124, 300, 300});
-    user().Move(150, 200);
-    SelectWindow(w);
-    RunUntil([&] { return w->focused; });
-    Settle();
-    user().Sync();
-    reports.clear();
-    return w;
-  }
-  std::vector<RawEvent> reports;
-};
 
 TEST_F(Reports, FiveButtonsAndAWheel) {
   Start();
@@ -80,6 +41,30 @@ TEST_F(Reports, MotionFollowsAPressOutOfTheWindow) {
   ASSERT_TRUE(Wait(RawEvent::kRelease));
   EXPECT_EQ(Of(RawEvent::kMotion).back().x, 400);
   EXPECT_EQ(Of(RawEvent::kRelease)[0].root_y, 600);
+}
+
+// The button comes up where nobody listens: its window is gone, and the pointer over none of ours.
+TEST_F(Reports, AReleaseThatNobodyHeardIsNotForgotten) {
+  Start();
+  Ready();
+  WindowRef pressed = Show("Pressed", {500, 300, 600, 400});
+  user().Move(550, 350);
+  user().Button(1, true);
+  user().Button(8, true);
+  ASSERT_TRUE(Wait(RawEvent::kPress, 2));
+  DisposeWindow(pressed);
+  kX11Display.flush(true);
+  user().Button(1, false);
+  user().Move(150, 200);
+  user().Move(160, 200);
+  ASSERT_TRUE(Wait(RawEvent::kMotion, 2));
+  const auto releases = Of(RawEvent::kRelease);
+  ASSERT_EQ(releases.size(), 1u);
+  EXPECT_EQ(releases[0].button, 1);
+  EXPECT_EQ(releases[0].root_x, 150);
+  user().Button(8, false);
+  ASSERT_TRUE(Wait(RawEvent::kRelease, 2));
+  EXPECT_EQ(Of(RawEvent::kRelease)[1].button, 4);
 }
 
 TEST_F(Reports, AGrabTakesThePointerEverywhere) {

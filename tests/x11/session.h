@@ -27,9 +27,12 @@ class X11Test : public testing::Test {
     StartSession();
   }
   void StartServer(const std::string& manager, const std::vector<std::string>& arguments) {
-    server_ = std::make_unique<support::XServer>(arguments);
-    ASSERT_TRUE(server_->running());
+    UseServer(std::make_unique<support::XServer>(arguments));
     ASSERT_TRUE(manager.empty() || server_->StartManager(manager));
+  }
+  void UseServer(std::unique_ptr<support::XServer> server) {
+    server_ = std::move(server);
+    ASSERT_TRUE(server_->running());
     user_ = std::make_unique<support::XUser>();
   }
   void StartSession() { ASSERT_TRUE(platform::InitPlatform("Session")); }

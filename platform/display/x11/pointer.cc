@@ -27,6 +27,14 @@ constexpr uint32_t kEvents =
 
 std::vector<PointerDevice> devices;
 
+// Buttons (ours, bit n for button n) whose press was reported and whose release was not, and the
+// pointer that they belong to (0: unknown).
+struct Held {
+  uint32_t buttons = 0;
+  int device = 0;
+};
+Held held;
+
 PointerDevice* FindDevice(int id) {
   for (PointerDevice& d : devices) {
     if (d.id == id) return &d;
@@ -55,11 +63,29 @@ void EmitScroll(Native* n, const PointerEvent& e, double dx, double dy) {
   out->dy = float(dy * kNotch);
 }
 
+// A release can happen where nobody hears of it: its window was destroyed or hidden with the button
+// down. The server's own list of held buttons, which comes with every event, tells.
+void ReleaseMissed(Native* n, const PointerEvent& e) {
+  const bool other = held.device != 0 && e.device != 0 && held.device != e.device;
+  if (held.buttons == 0 || other) return;
+  for (size_t i = 0; i < std::size(kButtons) && i < e.known_buttons; ++i) {
+    const uint8_t button = kButtons[i].button;
+    if (button == 0 || (held.buttons >> button & 1) == 0 || (e.buttons >> (i + 1) & 1) != 0)
+      continue;
+    held.buttons &= ~(1u << button);
+    EmitPointer(RawEvent::kRelease, n, e)->button = button;
+  }
+}
+
 void OnButton(Native* n, const PointerEvent& e, bool press) {
+  ReleaseMissed(n, e);
   if (e.detail == 0 || e.detail > std::size(kButtons)) return;
   const ButtonMeaning& meaning = kButtons[e.detail - 1];
   if (press) x.user_time = e.time;
   if (meaning.button != 0) {
+    const uint32_t bit = 1u << meaning.button;
+    held.buttons = press ? held.buttons | bit : held.buttons & ~bit;
+    held.device = e.device;
     EmitPointer(press ? RawEvent::kPress : RawEvent::kRelease, n, e)->button = meaning.button;
   } else if (press) {
     EmitScroll(n, e, meaning.dx, meaning.dy);
@@ -77,6 +103,8 @@ PointerEvent FromCore(const T* e) {
   p.x = e->event_x;
   p.y = e->event_y;
   p.state = e->state;
+  p.buttons = e->state >> 7;  // bit 8 is the first button's
+  p.known_buttons = 5;
   return p;
 }
 
@@ -129,7 +157,18 @@ void OnDeviceChanged(const xcb_input_device_changed_event_t* e) {
   ForgetScroll();
 }
 
+// A wheel that reports its position also clicks, for those who do not read it. The click counts
+// where the position told nothing yet: the first one after the pointer came in.
+bool ToldByPosition(const PointerDevice& device, uint32_t button) {
+  if (button == 0 || button > std::size(kButtons)) return false;
+  const ButtonMeaning& meaning = kButtons[button - 1];
+  if (meaning.dx == 0 && meaning.dy == 0) return false;  // a finger, say, that stands for a button
+  const ScrollAxis& axis = meaning.dy != 0 ? device.vertical : device.horizontal;
+  return axis.number >= 0 && !axis.clicks;
+}
+
 void OnMotion2(Native* n, const PointerEvent& e, PointerDevice* device) {
+  ReleaseMissed(n, e);
   ScrollDelta delta;
   if (device != nullptr) delta = TakeScroll(device, e);
   if (delta.dx != 0 || delta.dy != 0) EmitScroll(n, e, delta.dx, delta.dy);
@@ -164,6 +203,7 @@ void OpenPointer() {
 
 void ClosePointer() {
   devices.clear();
+  held = Held{};
 }
 
 void SelectPointer(const Native& n) {
@@ -180,7 +220,10 @@ void HandleButton(const xcb_button_press_event_t* e, bool press) {
 }
 
 void HandleMotion(const xcb_motion_notify_event_t* e) {
-  if (Native* n = FindNative(e->event)) EmitPointer(RawEvent::kMotion, n, FromCore(e));
+  Native* n = FindNative(e->event);
+  if (n == nullptr) return;
+  ReleaseMissed(n, FromCore(e));
+  EmitPointer(RawEvent::kMotion, n, FromCore(e));
 }
 
 // The start of a grab is no leaving.
@@ -213,9 +256,8 @@ void HandleInput2(const xcb_ge_generic_event_t* event) {
     OnMotion2(n, e, device);
     return;
   }
-  // A wheel that reports its position also clicks, for those who do not read it.
   const bool emulated = (e.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) != 0;
-  if (emulated && device != nullptr && device->scrolls()) return;
+  if (emulated && device != nullptr && ToldByPosition(*device, e.detail)) return;
   OnButton(n, e, event->event_type == XCB_INPUT_BUTTON_PRESS);
 }
 

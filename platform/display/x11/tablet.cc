@@ -51,6 +51,7 @@ double TakeNotches(ScrollAxis* axis, double value) {
   const double delta =
       axis->valid && axis->increment != 0 ? (value - axis->last) / axis->increment : 0;
   axis->last = value;
+  axis->clicks = !axis->valid;
   axis->valid = true;
   // A counter that was set anew is no turn of the wheel.
   return std::isfinite(delta) && std::fabs(delta) < 100 ? delta : 0;

@@ -19,7 +19,8 @@ struct ScrollAxis {
   int number = -1;
   double increment = 1;  // one notch; negative turns the direction round
   double last = 0;
-  bool valid = false;  // `last` is known; not so after the pointer was elsewhere
+  bool valid = false;   // `last` is known; not so after the pointer was elsewhere
+  bool clicks = false;  // the last position was the first known: its click tells of the turn
 };
 
 struct PointerDevice {
@@ -35,8 +36,9 @@ struct PointerEvent {
   int device = 0, source = 0;
   uint32_t time = 0, detail = 0, window = 0, flags = 0;
   double root_x = 0, root_y = 0, x = 0, y = 0;
-  uint32_t state = 0;    // modifiers and group as in the core protocol
-  uint32_t buttons = 0;  // held ones, bit 1 the first
+  uint32_t state = 0;           // modifiers and group as in the core protocol
+  uint32_t buttons = 0;         // held before the event, bit n for the server's button n
+  unsigned known_buttons = 31;  // how many of them it tells of
   struct Value {
     int axis;
     double value;
