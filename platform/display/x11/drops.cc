@@ -1,4 +1,7 @@
 // Files dropped on a window: the receiving side of XDND, for lists of addresses only.
+//
+// The source is another program and may do anything: what it sends is capped, and a transfer that
+// stops or drags on is given up. Nothing here waits for it.
 #include <algorithm>
 
 #include "platform/desktop/uris.h"
@@ -8,17 +11,26 @@ namespace platform::x11 {
 
 namespace {
 
-constexpr uint32_t kMaxWords = 1 << 18;  // a megabyte; the first file is what counts
+constexpr size_t kMaxBytes = 1 << 20;  // the first file is what counts
+constexpr double kMaxSeconds = 30;     // from the drop to the last piece
 
-struct Drop {
+// What is being dragged over us.
+struct Hover {
   xcb_window_t source = 0;
   Native* target = nullptr;
-  uint32_t version = 0;
   bool acceptable = false;  // it offers addresses
-  bool dropped = false;     // data was asked for
-  std::string path;         // handed out with the report
 };
-Drop drop;
+Hover hover;
+
+// What was dropped and has not arrived whole.
+struct Transfer {
+  xcb_window_t source = 0;
+  Native* target = nullptr;  // null: none is under way
+  bool in_pieces = false;
+  std::string data;
+  double started = 0, progress = 0;
+};
+Transfer transfer;
 
 bool TypesOfProperty(xcb_window_t source) {
   auto cookie = xcb_get_property(x.c, 0, source, Atom(kXdndTypeList), XCB_ATOM_ATOM, 0, 1024);
@@ -29,39 +41,70 @@ bool TypesOfProperty(xcb_window_t source) {
   return std::find(types, end, Atom(kTextUriList)) != end;
 }
 
+// Tells the source, and takes the first file when there is one.
+void EndTransfer(bool arrived) {
+  if (transfer.target == nullptr) return;
+  std::string path = arrived ? FirstLocalPath(transfer.data) : std::string();
+  const bool done = !path.empty();
+  const uint32_t answer[5] = {transfer.target->id, done ? 1u : 0u, done ? Atom(kXdndActionCopy) : 0,
+                              0, 0};
+  SendClientMessage(transfer.source, transfer.source, kXdndFinished, answer, 0);
+  xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
+  transfer = Transfer{};
+  if (!done) return;
+  x.paths.push_back(std::move(path));
+  Emit(RawEvent::kOpenFile, nullptr);
+}
+
+bool Overdue() {
+  const double now = Now();
+  return now - transfer.progress > x.drop_patience || now - transfer.started > kMaxSeconds;
+}
+
 void OnEnter(Native* n, const uint32_t* d) {
-  drop.source = d[0];
-  drop.target = n;
-  drop.version = d[1] >> 24;
-  drop.dropped = false;
+  const uint32_t version = d[1] >> 24;
   const bool in_property = (d[1] & 1) != 0;
-  drop.acceptable =
-      drop.version >= 3 &&
+  hover.source = d[0];
+  hover.target = n;
+  hover.acceptable =
+      version >= 3 &&
       (in_property ? TypesOfProperty(d[0]) : std::find(d + 2, d + 5, Atom(kTextUriList)) != d + 5);
 }
 
 void OnPosition(Native* n, const uint32_t* d) {
-  const bool accept = drop.source == d[0] && drop.target == n && drop.acceptable;
+  const bool accept = hover.source == d[0] && hover.target == n && hover.acceptable;
   const uint32_t answer[5] = {n->id, accept ? 1u : 0u, 0, 0, accept ? Atom(kXdndActionCopy) : 0};
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
 }
 
-void Finish(bool done) {
-  if (drop.source != 0 && drop.target != nullptr) {
-    const uint32_t answer[5] = {drop.target->id, done ? 1u : 0u, done ? Atom(kXdndActionCopy) : 0,
-                                0, 0};
-    SendClientMessage(drop.source, drop.source, kXdndFinished, answer, 0);
-  }
-  drop.source = 0;
-  drop.target = nullptr;
-  drop.dropped = false;
+// The newest drop counts: one that is still under way is given up for it.
+void OnDrop(Native* n, const uint32_t* d) {
+  if (hover.source != d[0] || hover.target != n) return;
+  EndTransfer(false);
+  transfer.source = d[0];
+  transfer.target = n;
+  transfer.started = transfer.progress = Now();
+  const bool acceptable = hover.acceptable;
+  hover = Hover{};
+  if (!acceptable) return EndTransfer(false);
+  xcb_delete_property(x.c, n->id, Atom(kXwDrop));
+  xcb_convert_selection(x.c, n->id, Atom(kXdndSelection), Atom(kTextUriList), Atom(kXwDrop), d[2]);
 }
 
-void OnDrop(Native* n, const uint32_t* d) {
-  if (drop.source != d[0] || drop.target != n) return;
-  if (!drop.acceptable) return Finish(false);
-  drop.dropped = true;
-  xcb_convert_selection(x.c, n->id, Atom(kXdndSelection), Atom(kTextUriList), Atom(kXwDrop), d[2]);
+// Takes what the source has put into the property. `*type` is what it says to be.
+bool TakeProperty(xcb_atom_t* type) {
+  auto cookie = xcb_get_property(x.c, 0, transfer.target->id, Atom(kXwDrop), XCB_ATOM_ANY, 0,
+                                 uint32_t(kMaxBytes / 4));
+  // Its end asks for the next piece.
+  xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
+  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
+  *type = reply ? reply->type : xcb_atom_t{XCB_ATOM_NONE};
+  if (!reply || reply->type != Atom(kTextUriList) || reply->format != 8) return false;
+  const size_t size = std::min(size_t(xcb_get_property_value_length(reply.p)),
+                               kMaxBytes - std::min(transfer.data.size(), kMaxBytes));
+  transfer.data.append(static_cast<const char*>(xcb_get_property_value(reply.p)), size);
+  transfer.progress = Now();
+  return true;
 }
 
 }  // namespace
@@ -75,7 +118,7 @@ bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e) {
   } else if (e->type == Atom(kXdndDrop)) {
     OnDrop(n, d);
   } else if (e->type == Atom(kXdndLeave)) {
-    if (drop.source == d[0]) drop = Drop{};
+    if (hover.source == d[0]) hover = Hover{};
   } else {
     return false;
   }
@@ -83,30 +126,30 @@ bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e) {
 }
 
 void HandleDropData(const xcb_selection_notify_event_t* e) {
-  if (e->selection != Atom(kXdndSelection) || !drop.dropped || drop.target == nullptr ||
-      e->requestor != drop.target->id) {
+  if (e->selection != Atom(kXdndSelection) || transfer.target == nullptr || transfer.in_pieces ||
+      e->requestor != transfer.target->id) {
     return;
   }
-  bool done = false;
-  if (e->property == Atom(kXwDrop)) {
-    auto cookie =
-        xcb_get_property(x.c, 1, e->requestor, Atom(kXwDrop), Atom(kTextUriList), 0, kMaxWords);
-    Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
-    if (reply && reply->format == 8) {
-      drop.path = FirstLocalPath({static_cast<const char*>(xcb_get_property_value(reply.p)),
-                                  size_t(xcb_get_property_value_length(reply.p))});
-      done = !drop.path.empty();
-    }
-  }
-  if (done) {
-    RawEvent* out = Emit(RawEvent::kOpenFile, drop.target, e->time);
-    out->path = drop.path.c_str();
-  }
-  Finish(done);
+  if (e->property != Atom(kXwDrop) || Overdue()) return EndTransfer(false);
+  xcb_atom_t type = XCB_ATOM_NONE;
+  const bool whole = TakeProperty(&type);
+  transfer.in_pieces = type == Atom(kIncr);
+  if (!transfer.in_pieces) EndTransfer(whole);
+}
+
+// A piece, when the list comes in several; the empty one is the last.
+void HandleDropPiece(const Native* n) {
+  if (transfer.target != n || !transfer.in_pieces) return;
+  if (Overdue()) return EndTransfer(false);
+  xcb_atom_t type = XCB_ATOM_NONE;
+  const size_t before = transfer.data.size();
+  if (!TakeProperty(&type)) return EndTransfer(false);
+  if (transfer.data.size() == before || transfer.data.size() == kMaxBytes) EndTransfer(true);
 }
 
 void ForgetDrop(const Native* n) {
-  if (drop.target == n) drop = Drop{};
+  if (hover.target == n) hover = Hover{};
+  if (transfer.target == n) EndTransfer(false);
 }
 
 }  // namespace platform::x11

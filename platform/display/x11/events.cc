@@ -117,6 +117,8 @@ void OnProperty(const xcb_generic_event_t* event) {
     if (Native* n = FindNative(e->window)) ReadFrameExtents(n);
   } else if (e->atom == Atom(kNetWmState)) {
     if (Native* n = FindNative(e->window)) ReadStates(n);
+  } else if (e->atom == Atom(kXwDrop) && e->state == XCB_PROPERTY_NEW_VALUE) {
+    if (Native* n = FindNative(e->window)) HandleDropPiece(n);
   } else if ((e->window == x.screen->root && e->atom == XCB_ATOM_RESOURCE_MANAGER) ||
              (e->window == x.settings_owner && e->atom == Atom(kXsettingsSettings))) {
     RefreshScreens();
@@ -274,6 +276,11 @@ bool NextEvent(RawEvent* out) {
   }
   *out = x.out.front();
   x.out.pop_front();
+  if (out->type == RawEvent::kOpenFile) {
+    x.path = std::move(x.paths.front());
+    x.paths.pop_front();
+    out->path = x.path.c_str();
+  }
   return true;
 }
 

@@ -52,6 +52,7 @@ namespace platform::x11 {
   ATOM(kXdndActionCopy, "XdndActionCopy")                      \
   ATOM(kTextUriList, "text/uri-list")                          \
   ATOM(kXwDrop, "_XW_DROP")                                    \
+  ATOM(kIncr, "INCR")                                          \
   ATOM(kAbsPressure, "Abs Pressure")                           \
   ATOM(kAbsTiltX, "Abs Tilt X")                                \
   ATOM(kAbsTiltY, "Abs Tilt Y")
@@ -113,6 +114,9 @@ struct State {
   std::unordered_map<xcb_window_t, Native*> windows;
   std::deque<xcb_generic_event_t*> pending;  // read, not looked at
   std::deque<RawEvent> out;                  // made, not handed out
+  std::deque<std::string> paths;             // of the files to open in `out`, in their order
+  std::string path;                          // the one handed out last
+  double drop_patience = 5;                  // seconds that a dropped list may make no progress
 };
 extern State x;
 
@@ -218,6 +222,7 @@ void CloseCursors();
 // --- drops.cc
 bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e);
 void HandleDropData(const xcb_selection_notify_event_t* e);
+void HandleDropPiece(const Native* n);
 void ForgetDrop(const Native* n);
 
 }  // namespace platform::x11
