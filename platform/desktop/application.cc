@@ -1,15 +1,15 @@
 #include "platform/desktop/application.h"
-#include "platform/late_library.h"
 
-#include <dlfcn.h>
-#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <deque>
 
+#include "platform/desktop/bus.h"
 #include "platform/desktop/requests.h"
+#include "platform/desktop/session_end.h"
+#include "platform/desktop/startup.h"
 #include "platform/desktop/uris.h"
 #include "platform/windows/window.h"
 #include "platform/windows/windows.h"
@@ -20,53 +20,18 @@ namespace {
 constexpr const char* kInterface = "org.freedesktop.Application";
 constexpr uint32_t kNameExists = 3;  // the answer to a request for a name that another has
 
-// What is used of the library; looked up when the bus is joined.
-struct Library {
-  void* handle = nullptr;
-  decltype(&sd_bus_open_user) open_user = nullptr;
-  decltype(&sd_bus_close_unref) close_unref = nullptr;
-  decltype(&sd_bus_flush) flush = nullptr;
-  decltype(&sd_bus_get_fd) get_fd = nullptr;
-  decltype(&sd_bus_process) process = nullptr;
-  decltype(&sd_bus_add_object) add_object = nullptr;
-  decltype(&sd_bus_request_name_async) request_name = nullptr;
-  decltype(&sd_bus_call_method_async) call_method = nullptr;
-  decltype(&sd_bus_message_is_method_call) is_method_call = nullptr;
-  decltype(&sd_bus_message_is_method_error) is_error = nullptr;
-  decltype(&sd_bus_message_read) read = nullptr;
-  decltype(&sd_bus_message_enter_container) enter = nullptr;
-  decltype(&sd_bus_reply_method_return) reply = nullptr;
-};
-Library lib;
-
 struct Application {
   std::string name, path;
   bool tried = false;
-  sd_bus* bus = nullptr;
+  BusConnection bus;
   std::deque<RawEvent> out;
   std::string file;  // handed out with the last report
   std::deque<std::string> files;
 };
 Application app;
 
-template <class F>
-bool Find(const char* name, F* out) {
-  return FindFunction(lib.handle, name, out);
-}
-
-bool LoadLibrary() {
-  lib.handle = dlopen("libsystemd.so.0", RTLD_NOW | RTLD_LOCAL);
-  return lib.handle != nullptr && Find("sd_bus_open_user", &lib.open_user) &&
-         Find("sd_bus_close_unref", &lib.close_unref) && Find("sd_bus_flush", &lib.flush) &&
-         Find("sd_bus_get_fd", &lib.get_fd) && Find("sd_bus_process", &lib.process) &&
-         Find("sd_bus_add_object", &lib.add_object) &&
-         Find("sd_bus_request_name_async", &lib.request_name) &&
-         Find("sd_bus_call_method_async", &lib.call_method) &&
-         Find("sd_bus_message_is_method_call", &lib.is_method_call) &&
-         Find("sd_bus_message_is_method_error", &lib.is_error) &&
-         Find("sd_bus_message_read", &lib.read) &&
-         Find("sd_bus_message_enter_container", &lib.enter) &&
-         Find("sd_bus_reply_method_return", &lib.reply);
+const BusLibrary& Lib() {
+  return *LoadBusLibrary();
 }
 
 // The library is not asked where there is no bus to be found.
@@ -82,87 +47,124 @@ void Report(RawEvent::Type type) {
   e.type = type;
 }
 
+// The caller's word for the user's action behind a call, out of the last argument of each: a table
+// from names to values.
+void TakeToken(sd_bus_message* m) {
+  const char *name = nullptr, *token = nullptr;
+  if (Lib().enter(m, 'a', "{sv}") <= 0) return;
+  while (Lib().enter(m, 'e', "sv") > 0) {
+    if (Lib().read(m, "s", &name) <= 0) return;
+    const bool known =
+        strcmp(name, "desktop-startup-id") == 0 || strcmp(name, "activation-token") == 0;
+    if (known && Lib().enter(m, 'v', "s") > 0) {
+      if (Lib().read(m, "s", &token) <= 0 || Lib().exit(m) < 0) return;
+    } else if (Lib().skip(m, "v") < 0) {
+      return;
+    }
+    if (Lib().exit(m) < 0) return;
+  }
+  const Display* d = CurrentDisplay();
+  if (token != nullptr && *token != 0 && d->use_token != nullptr) d->use_token(token);
+}
+
+void Activate(sd_bus_message* m) {
+  TakeToken(m);
+  SelectWindow(MenuBarWindow());
+}
+
+// The first file; the others are passed over.
 void OnOpen(sd_bus_message* m) {
-  const char* uri = nullptr;
-  if (lib.enter(m, 'a', "s") < 0 || lib.read(m, "s", &uri) <= 0 || uri == nullptr) return;
-  std::string path = LocalPathOfUri(uri);
-  if (path.empty()) return;
-  app.files.push_back(std::move(path));
-  Report(RawEvent::kOpenFile);
+  const char *uri = nullptr, *other = nullptr;
+  if (Lib().enter(m, 'a', "s") < 0) return;
+  if (Lib().read(m, "s", &uri) > 0) {
+    std::string path = LocalPathOfUri(uri);
+    if (!path.empty()) {
+      app.files.push_back(std::move(path));
+      Report(RawEvent::kOpenFile);
+    }
+    while (Lib().read(m, "s", &other) > 0) {
+    }
+  }
+  if (Lib().exit(m) >= 0) Activate(m);
 }
 
 void OnAction(sd_bus_message* m) {
   const char* action = nullptr;
-  if (lib.read(m, "s", &action) <= 0 || action == nullptr) return;
+  if (Lib().read(m, "s", &action) <= 0) return;
   if (strcmp(action, "quit") == 0) Report(RawEvent::kQuit);
   if (strcmp(action, "preferences") == 0) Report(RawEvent::kPreferences);
 }
 
-void Activate() {
-  SelectWindow(MenuBarWindow());
-}
-
 int OnCall(sd_bus_message* m, void*, sd_bus_error*) {
-  if (lib.is_method_call(m, kInterface, "Activate") > 0) {
-    Activate();
-  } else if (lib.is_method_call(m, kInterface, "Open") > 0) {
+  if (Lib().is_method_call(m, kInterface, "Activate") > 0) {
+    Activate(m);
+  } else if (Lib().is_method_call(m, kInterface, "Open") > 0) {
     OnOpen(m);
-    Activate();
-  } else if (lib.is_method_call(m, kInterface, "ActivateAction") > 0) {
+  } else if (Lib().is_method_call(m, kInterface, "ActivateAction") > 0) {
     OnAction(m);
   } else {
     return 0;
   }
-  return lib.reply(m, "") < 0 ? -1 : 1;
+  return Lib().reply(m, "") < 0 ? -1 : 1;
 }
 
 // The first start has come forward: this one is not needed.
 int OnHandedOver(sd_bus_message* m, void*, sd_bus_error*) {
-  if (lib.is_error(m, nullptr) <= 0) Report(RawEvent::kQuit);
+  if (Lib().is_error(m, nullptr) <= 0) Report(RawEvent::kQuit);
   return 1;
+}
+
+// The first start comes forward in place of this one, for the same action of the user's.
+void HandOver() {
+  const char* token = StartToken().c_str();
+  auto call = [](auto... arguments) {
+    Lib().call_method(app.bus.get(), nullptr, app.name.c_str(), app.path.c_str(), kInterface,
+                      "Activate", OnHandedOver, nullptr, "a{sv}", arguments...);
+  };
+  if (*token == 0) {
+    call(0);
+  } else {
+    call(2, "desktop-startup-id", "s", token, "activation-token", "s", token);
+  }
 }
 
 int OnNamed(sd_bus_message* m, void*, sd_bus_error*) {
   uint32_t answer = 0;
-  if (lib.is_error(m, nullptr) > 0 || lib.read(m, "u", &answer) <= 0) return 1;
-  if (answer == kNameExists) {
-    lib.call_method(app.bus, nullptr, app.name.c_str(), app.path.c_str(), kInterface, "Activate",
-                    OnHandedOver, nullptr, "a{sv}", 0);
-  }
+  if (Lib().is_error(m, nullptr) > 0 || Lib().read(m, "u", &answer) <= 0) return 1;
+  if (answer == kNameExists) HandOver();
   return 1;
 }
 
 void Leave() {
-  if (app.bus != nullptr) lib.close_unref(app.bus);
-  app.bus = nullptr;
-  // The library stays loaded: it may have left thread-local clean-up behind.
+  ForgetSessionEnd();
+  app.bus.Close();
 }
 
 void Join() {
   app.tried = true;
-  if (!HasBus() || !LoadLibrary()) return;
-  if (lib.open_user(&app.bus) < 0) {
-    app.bus = nullptr;
-    return;
-  }
+  if (!HasBus() || !app.bus.Open(false)) return;
   const bool ready =
-      lib.add_object(app.bus, nullptr, app.path.c_str(), OnCall, nullptr) >= 0 &&
-      lib.request_name(app.bus, nullptr, app.name.c_str(), 0, OnNamed, nullptr) >= 0 &&
-      lib.flush(app.bus) >= 0;
-  if (!ready) Leave();
+      Lib().add_object(app.bus.get(), nullptr, app.path.c_str(), OnCall, nullptr) >= 0 &&
+      Lib().request_name(app.bus.get(), nullptr, app.name.c_str(), 0, OnNamed, nullptr) >= 0;
+  if (!ready) return Leave();
+  WatchSessionEnd(app.bus.get());
+  app.bus.Process();
 }
 
 // Asked for when the loop is about to wait.
 int Descriptor() {
   if (!app.tried) Join();
-  return app.bus != nullptr ? lib.get_fd(app.bus) : -1;
+  return app.bus.Descriptor();
+}
+
+short Events() {
+  return app.bus.Events();
 }
 
 bool Next(RawEvent* out) {
-  while (app.bus != nullptr && app.out.empty()) {
-    const int done = lib.process(app.bus, nullptr);
-    if (done < 0) Leave();
-    if (done <= 0) break;
+  if (app.bus.get() != nullptr) {
+    app.bus.Process();
+    if (app.bus.get() == nullptr) Leave();
   }
   if (app.out.empty()) return false;
   *out = app.out.front();
@@ -204,7 +206,7 @@ void InstallApplicationSource(const char* session_name) {
   app = Application{};
   app.name = ApplicationBusName(session_name != nullptr ? session_name : "");
   app.path = ApplicationObjectPath(app.name);
-  if (!installed) AddRequestSource({Descriptor, Next});
+  if (!installed) AddRequestSource({Descriptor, Next, Events});
   installed = true;
 }
 

@@ -7,9 +7,9 @@
 namespace platform {
 
 // Adds the bus to the sources of requests. The name on the bus comes from the session's name.
-// Activate brings the first window forward; Open gives the first local file; the actions "quit" and
-// "preferences" are requests. A second start of the same program activates the first, then is asked
-// to quit.
+// Activate brings the first window forward, with the caller's activation token; Open does, and
+// gives the first file when it is local; the actions "quit" and "preferences" are requests. A
+// second start of the same program activates the first, then is asked to quit.
 void InstallApplicationSource(const char* session_name);
 // Leaves the bus.
 void RemoveApplicationSource();

@@ -63,7 +63,7 @@ int DesktopDescriptors(pollfd* out, int max) {
   int n = 0;
   for (const RequestSource& s : Sources()) {
     int fd = s.file_descriptor();
-    if (fd >= 0 && n < max) out[n++] = {fd, POLLIN, 0};
+    if (fd >= 0 && n < max) out[n++] = {fd, s.events ? s.events() : short(POLLIN), 0};
   }
   return n;
 }

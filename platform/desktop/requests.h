@@ -10,6 +10,7 @@ namespace platform {
 struct RequestSource {
   int (*file_descriptor)();     // -1: none now
   bool (*next)(RawEvent* out);  // as Display::next_event; kQuit, kPreferences, kOpenFile
+  short (*events)() = nullptr;  // what to poll it for; null: for input
 };
 void AddRequestSource(const RequestSource& source);
 

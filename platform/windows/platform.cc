@@ -8,6 +8,8 @@
 
 #include "platform/desktop/application.h"
 #include "platform/desktop/requests.h"
+#include "platform/desktop/session_end.h"
+#include "platform/desktop/startup.h"
 #include "platform/display/display.h"
 #include "platform/events/journal.h"
 #include "platform/windows/session.h"
@@ -53,6 +55,7 @@ bool InitPlatform(const char* name) {
   session_name = name ? name : "";
   const char* wanted = getenv("XW_DISPLAY");
   bool opened = false;
+  TakeStartToken();
   if (wanted && *wanted) {
     opened = OpenNamed(wanted);
   } else {
@@ -74,6 +77,7 @@ bool InitPlatform(const char* name) {
   }
   InstallSignalSource();
   InstallApplicationSource(name);
+  InstallSessionEnd(session_name.c_str());
   return true;
 }
 

@@ -1,15 +1,13 @@
 // Requests from other programs of the session: the message bus, addresses of files.
 #include <signal.h>
-#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <cstring>
-
 #include "platform/desktop/application.h"
 #include "platform/desktop/uris.h"
-#include "tests/x11/session.h"
+#include "tests/x11/bus.h"
 
 namespace x11_test {
 namespace {
@@ -60,74 +58,6 @@ TEST(BusName, ComesFromTheSession) {
   }
 }
 
-// A bus of the test's own.
-class Bus : public X11Test {
- protected:
-  void SetUp() override {
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    bus_ = fork();
-    if (bus_ == 0) {
-      close(ends[0]);
-      prctl(PR_SET_PDEATHSIG, SIGKILL);
-      const std::string print = "--print-address=" + std::to_string(ends[1]);
-      execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", print.c_str(), nullptr);
-      _exit(127);
-    }
-    close(ends[1]);
-    char address[512] = {};
-    const ssize_t n = read(ends[0], address, sizeof address - 1);
-    close(ends[0]);
-    ASSERT_GT(n, 0);
-    address[strcspn(address, "\n")] = 0;
-    setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
-  }
-  void TearDown() override {
-    X11Test::TearDown();
-    if (bus_ > 0) {
-      kill(bus_, SIGTERM);
-      waitpid(bus_, nullptr, 0);
-    }
-  }
-  // Without a handler a request to quit ends the process.
-  void KeepRunning() {
-    static constexpr EventKind kQuit = {kEventClassAppleEvent, kEventAppleEvent};
-    InstallEventHandler(
-        GetApplicationEventTarget(), [](HandlerCall*, Event*, void*) -> OSStatus { return noErr; },
-        &kQuit, 1, nullptr);
-  }
-  // The loop as it runs in a program, with a wait: the bus is joined there.
-  bool WaitUntil(const std::function<bool()>& done, int turns = 500) {
-    for (int i = 0; i < turns; ++i) {
-      Event e;
-      if (ReceiveNextEvent(0.02, &e)) {
-        events.push_back(e);
-        if (e.payload != nullptr) files.push_back(static_cast<const char*>(e.payload));
-        SendEventToEventTarget(&e, GetEventDispatcherTarget());
-      }
-      if (done()) return true;
-    }
-    return done();
-  }
-  // Another program's call; it runs on while the loop does.
-  void Call(const std::string& method, const std::string& arguments) {
-    const std::string command =
-        "dbus-send --session --type=method_call --dest=org.quorvik.Session "
-        "/org/quorvik/Session org.freedesktop.Application." +
-        method + " " + arguments;
-    ASSERT_EQ(system(command.c_str()), 0);
-  }
-  bool Joined() {
-    return system(
-               "dbus-send --session --print-reply --dest=org.freedesktop.DBus / "
-               "org.freedesktop.DBus.GetNameOwner string:org.quorvik.Session >/dev/null 2>&1") == 0;
-  }
-  std::vector<std::string> files;
-
- private:
-  pid_t bus_ = 0;
-};
-
 TEST_F(Bus, RequestsOfOtherProgramsArrive) {
   Start("openbox");
   WindowRef w = Show("First", {200, 150, 500, 350});
@@ -136,18 +66,65 @@ TEST_F(Bus, RequestsOfOtherProgramsArrive) {
   ASSERT_TRUE(WaitUntil([&] { return Joined(); }));
   WindowRef other = Show("Other", {300, 150, 500, 350});
   ASSERT_TRUE(WaitUntil([&] { return other->focused; }));
-  Call("Activate", "dict:string:string:");
+  auto call = [this](const char* method, const char* types, auto... arguments) {
+    ASSERT_GE(sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, method, nullptr,
+                                       nullptr, types, arguments...),
+              0);
+  };
+  call("Activate", "a{sv}", 0);
   EXPECT_TRUE(WaitUntil([&] { return w->focused; }));
-  Call("Open", "array:string:file:///tmp/a%20b,file:///tmp/c dict:string:string:");
+  call("Open", "asa{sv}", 2, "file:///tmp/a%20b", "file:///tmp/c", 0);
   EXPECT_TRUE(WaitUntil([&] { return files.size() == 1; }));
   EXPECT_EQ(files, std::vector<std::string>{"/tmp/a b"});
-  Call("Open", "array:string:http://localhost/x dict:string:string:");
-  Call("ActivateAction", "string:quit array:string: dict:string:string:");
+  // Nothing local, no list at all, other types, an action that there is none of.
+  call("Open", "asa{sv}", 1, "http://localhost/x", 0);
+  call("Open", "asa{sv}", 0, 0);
+  call("Open", "s", "file:///tmp/c");
+  call("ActivateAction", "u", 5);
+  call("ActivateAction", "sava{sv}", "explode", 0, 0);
+  call("ActivateAction", "sava{sv}", "preferences", 0, 0);
   EXPECT_TRUE(WaitUntil([&] {
-    const Event* e = Last(kEventClassAppleEvent, kEventAppleEvent);
-    return e != nullptr && e->request.id == kAEQuitApplication;
+    const Event* e = Last(kEventClassCommand, kEventCommandProcess);
+    return e != nullptr && e->request.id == kHICommandPreferences;
   }));
+  EXPECT_EQ(Count(kEventClassAppleEvent, kEventAppleEvent), 1u);  // the file
+  call("ActivateAction", "sava{sv}", "quit", 0, 0);
+  EXPECT_TRUE(WaitUntil([&] { return QuitRequests() == 1; }));
   EXPECT_EQ(files.size(), 1u);
+}
+
+// The user's action behind a call is what the window comes forward for.
+TEST_F(Bus, ACallersTokenGoesWithTheActivation) {
+  StartServer("openbox", {});
+  const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+  StartSession();
+  WindowRef w = Show("First", {200, 150, 500, 350});
+  ASSERT_TRUE(WaitUntil([&] { return Joined(); }));
+  WindowRef other = Show("Other", {300, 150, 500, 350});
+  ASSERT_TRUE(WaitUntil([&] { return other->focused; }));
+  xcb_change_window_attributes(user().connection(), user().root(), XCB_CW_EVENT_MASK, &mask);
+  user().Sync();
+  // What else such a table may hold is passed over; so is a token of another type.
+  const char* token = "caller_TIME123456789";
+  ASSERT_GE(sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, "Activate", nullptr,
+                                     nullptr, "a{sv}", 4, "x", "au", 2, 1, 2, "activation-token",
+                                     "u", 7, "desktop-startup-id", "s", token, "y", "s", "z"),
+            0);
+  uint32_t time = 0;
+  std::string said;
+  EXPECT_TRUE(WaitUntil([&] {
+    while (auto* e = xcb_poll_for_event(user().connection())) {
+      auto* m = reinterpret_cast<xcb_client_message_event_t*>(e);
+      if ((e->response_type & 0x7F) == XCB_CLIENT_MESSAGE) {
+        if (m->type == user().Atom("_NET_ACTIVE_WINDOW")) time = m->data.data32[1];
+        if (m->format == 8) said.append(reinterpret_cast<char*>(m->data.data8), 20);
+      }
+      free(e);
+    }
+    return time != 0 && w->focused;
+  }));
+  EXPECT_EQ(time, 123456789u);
+  EXPECT_STREQ(said.c_str(), "remove: ID=caller_TIME123456789");
 }
 
 TEST_F(Bus, ASecondStartHandsOverToTheFirst) {
@@ -163,10 +140,7 @@ TEST_F(Bus, ASecondStartHandsOverToTheFirst) {
   StartSession();
   KeepRunning();
   Show("Second", {200, 150, 500, 350});
-  EXPECT_TRUE(WaitUntil([&] {
-    const Event* e = Last(kEventClassAppleEvent, kEventAppleEvent);
-    return e != nullptr && e->request.id == kAEQuitApplication;
-  }));
+  EXPECT_TRUE(WaitUntil([&] { return QuitRequests() == 1; }));
   int status = 0;
   ASSERT_EQ(waitpid(first, &status, 0), first);
   EXPECT_EQ(WEXITSTATUS(status), 7);
@@ -178,6 +152,31 @@ TEST_F(Bus, ABusThatGoesAwayIsNotMissed) {
   ASSERT_NE(Show("First", {200, 150, 500, 350}), nullptr);
   WaitUntil([] { return false; }, 5);
   EXPECT_EQ(user().Look().at(210, 160), 0x3366CCu);
+}
+
+// It takes the connection and never says a word.
+TEST_F(Bus, ABusThatIsSilentHoldsUpNothing) {
+  const std::string path = "/tmp/silent-bus." + std::to_string(getpid());
+  const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+  ASSERT_EQ(bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(fd, 4), 0);
+  setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+  Start();
+  ASSERT_NE(Show("First", {200, 150, 500, 350}), nullptr);
+  WaitUntil([] { return false; }, 5);
+  EXPECT_EQ(user().Look().at(210, 160), 0x3366CCu);
+  // Both connections were made, and end with the program.
+  for (int i = 0; i < 2; ++i) {
+    const int peer = accept4(fd, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    EXPECT_GE(peer, 0) << i;
+    close(peer);
+  }
+  unlink(path.c_str());
+  close(fd);
 }
 
 }  // namespace

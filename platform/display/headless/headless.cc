@@ -279,6 +279,7 @@ const Display kHeadlessDisplay = {
     .set_hints = SetHints,
     .raise = Raise,
     .activate = Activate,
+    .use_token = nullptr,
     .resize_buffer = ResizeBuffer,
     .present = headless::Present,
     .flush = Flush,

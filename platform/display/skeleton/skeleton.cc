@@ -123,6 +123,7 @@ const Display kSkeletonDisplay = {
     .set_hints = SetHints,
     .raise = Raise,
     .activate = Activate,
+    .use_token = nullptr,
     .resize_buffer = ResizeBuffer,
     .present = Present,
     .flush = Flush,

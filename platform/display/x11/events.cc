@@ -228,6 +228,7 @@ void OpenLate() {
   OpenPointer();
   OpenKeyboard();
   OpenCursors();
+  EndStartup();
 }
 
 double Now() {

@@ -8,6 +8,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/pixels.cc
   ${CMAKE_CURRENT_LIST_DIR}/pointer.cc
   ${CMAKE_CURRENT_LIST_DIR}/screens.cc
+  ${CMAKE_CURRENT_LIST_DIR}/startup.cc
   ${CMAKE_CURRENT_LIST_DIR}/tablet.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc
   ${CMAKE_CURRENT_LIST_DIR}/x.cc)

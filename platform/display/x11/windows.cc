@@ -70,6 +70,7 @@ bool CreateNative(WindowRef w) {
   x.windows[n->id] = n;
   SelectPointer(*n);
   SetIdentity(*n);
+  MarkStartup(*n);
   SetTitle(w);
   SetHints(w);
   if (x.late_done) SetCursor(w, w->cursor);

@@ -130,6 +130,7 @@ bool Open(const char* session_name) {
   xcb_shm_query_version_cookie_t version{};
   if (has_shm) version = xcb_shm_query_version(x.c);
   WatchRoot();
+  BeginStartup();
   MakeContext();
   ReadScreens();
   x.shm = SharedMemoryUsable(has_shm, version);
@@ -177,6 +178,7 @@ const Display kX11Display = {
     .set_hints = x11::SetHints,
     .raise = x11::RaiseNative,
     .activate = x11::ActivateNative,
+    .use_token = x11::UseToken,
     .resize_buffer = x11::ResizeBuffer,
     .present = x11::Present,
     .flush = x11::Flush,

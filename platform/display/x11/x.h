@@ -24,6 +24,9 @@ namespace platform::x11 {
   ATOM(kNetWmName, "_NET_WM_NAME")                             \
   ATOM(kNetWmPid, "_NET_WM_PID")                               \
   ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                    \
+  ATOM(kNetStartupId, "_NET_STARTUP_ID")                       \
+  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")        \
+  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                   \
   ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                 \
   ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                 \
   ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")      \
@@ -161,6 +164,14 @@ void ReadStates(Native* n);
 void ReadFrameExtents(Native* n);
 void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
                        uint32_t mask);
+
+// --- startup.cc
+void BeginStartup();
+// The first window of the process gets the launcher's token.
+void MarkStartup(const Native& n);
+// The first frame is shown.
+void EndStartup();
+void UseToken(const char* token);
 
 // --- pixels.cc
 uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride);
