@@ -180,6 +180,11 @@ void XUser::Key(uint32_t keysym, bool down) {
   Sync();
 }
 
+void XUser::Code(int keycode, bool down) {
+  xcb_test_fake_input(c_, down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, uint8_t(keycode), 0, 0, 0, 0, 0);
+  Sync();
+}
+
 void XUser::Type(uint32_t keysym) {
   Key(keysym, true);
   Key(keysym, false);

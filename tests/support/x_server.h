@@ -65,6 +65,8 @@ class XUser {
   // Keys by symbol (as in keysymdef): the key that has it without modifiers.
   void Key(uint32_t keysym, bool down);
   void Type(uint32_t keysym);
+  // A key by the server's number of it.
+  void Code(int keycode, bool down);
   // The window whose title is `title`, null (0) when there is none. Waits for it to come.
   xcb_window_t Find(const std::string& title);
   // The outermost window around `window`: the frame where there is one.

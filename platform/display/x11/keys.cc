@@ -141,6 +141,17 @@ uint32_t Lookup(uint8_t code, int group, uint8_t mods) {
   return level < key.width && at < key.syms.size() ? key.syms[at] : 0;
 }
 
+// What the key is in the first of its layouts that types Latin, so that Control with it means the
+// same in all of them; else in the first.
+uint32_t BaseSymbol(uint8_t code) {
+  const int groups = k.map.keys[code].group_info & 0x0F;
+  for (int group = 0; group < groups; ++group) {
+    const uint32_t sym = Lookup(code, group, 0);
+    if (sym > 0x20 && sym < 0x7F) return sym;
+  }
+  return Lookup(code, 0, 0);
+}
+
 bool HeldSym(uint32_t a, uint32_t b) {
   for (int code = 8; code < 256; ++code) {
     if (!k.held[code].down) continue;
@@ -169,7 +180,7 @@ void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time)
   e->keycode = code;
   e->keysym = k.held[code].keysym;
   e->unicode = k.held[code].unicode;
-  e->base_keysym = Lookup(code, 0, 0);
+  e->base_keysym = BaseSymbol(code);
   e->modifiers = Modifiers(k.state);
 }
 
@@ -231,9 +242,16 @@ uint32_t Modifiers(uint32_t state) {
   return out;
 }
 
+void RefreshModifiers(Native* n) {
+  if (x.late_done) ReportModifiers(n, 0);
+}
+
 void HandleKey(const xcb_key_press_event_t* e, bool press) {
-  OpenLate();
   Native* n = FindNative(e->event);
+  if (!x.late_done) {
+    OpenLate();
+    ReportModifiers(n, e->time);  // this key may be one of them
+  }
   Held& held = k.held[e->detail];
   if (n == nullptr || (!press && !held.down)) return;
   x.user_time = e->time;
