@@ -85,7 +85,7 @@ struct Display {
   void (*activate)(WindowRef w);
   // The desktop's word for the action of the user's that the next `activate` follows, out of a
   // request of another program. May be null.
-  void (*use_token)(const char* token);
+  void (*use_token)(const char* token) = nullptr;
   // Memory for width x height pixels, in place of the old, whose pixels are kept where both
   // overlap. Sets `*stride` in pixels. Null when the size is refused.
   uint32_t* (*resize_buffer)(WindowRef w, int width, int height, int* stride);

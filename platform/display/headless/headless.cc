@@ -279,7 +279,6 @@ const Display kHeadlessDisplay = {
     .set_hints = SetHints,
     .raise = Raise,
     .activate = Activate,
-    .use_token = nullptr,
     .resize_buffer = ResizeBuffer,
     .present = headless::Present,
     .flush = Flush,

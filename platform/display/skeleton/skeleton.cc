@@ -123,7 +123,6 @@ const Display kSkeletonDisplay = {
     .set_hints = SetHints,
     .raise = Raise,
     .activate = Activate,
-    .use_token = nullptr,
     .resize_buffer = ResizeBuffer,
     .present = Present,
     .flush = Flush,
