@@ -6,6 +6,7 @@
 //   any time            PostEventToQueue, the timer calls, FindEvents and RemoveEvents
 // Everything runs on the main thread.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -134,18 +135,72 @@ OSStatus SendEventToEventTarget(Event* event, EventTargetRef target);
 
 // --- Queue ------------------------------------------------------------------------------------
 
-struct EventQueue;
+// A ring of events that grows and never shrinks. The insides stand here because every event passes
+// through them: posting and taking are a few instructions of the caller's own.
+struct EventQueue {
+  Event& Slot(size_t n) { return ring[n & (capacity - 1)]; }
+  bool empty() const { return head == tail; }
+  bool full() const { return tail - head == capacity; }
+  size_t size() const { return tail - head; }
+  Event& at(size_t i) { return Slot(head + i); }
+  Event& back() { return Slot(tail - 1); }
+  void Push(const Event& e) {
+    if (full()) Grow();
+    Slot(tail++) = e;
+  }
+  // A program's own event: its class and its payload.
+  void PushUser(uint32_t cls, void* payload) {
+    if (full()) [[unlikely]]
+      Grow();
+    Event& e = Slot(tail++);
+    e.cls = cls;
+    e.kind = 0;
+    e.time = 0;
+    e.window = nullptr;
+    e.payload = payload;
+  }
+  // Of a program's own event only the class and the payload are taken over.
+  void Pop(Event* out) {
+    const Event& e = Slot(head++);
+    if (!e.payload || e.cls == kEventClassAppleEvent) [[unlikely]] {
+      *out = e;
+      return;
+    }
+    out->cls = e.cls;
+    out->payload = e.payload;
+  }
+  void Grow();
+
+  size_t head = 0, tail = 0, capacity = 0;  // capacity: 0 or a power of two
+  Event* ring = nullptr;                    // kept for the life of the process
+  int quick = 0;  // events that may still be taken before the next look at clock and display
+};
+extern constinit EventQueue main_event_queue;
+
 using EventQueueRef = EventQueue*;
-EventQueueRef GetMainEventQueue();
+inline EventQueueRef GetMainEventQueue() {
+  return &main_event_queue;
+}
 constexpr double kEventDurationForever = -1;
 constexpr double kEventDurationNoWait = 0;
 
+// Looks after all that a receive looks after, then takes what comes first.
+bool ReceiveWithUpkeep(double timeout, Event* out);
 // Takes the next event out of the queue. `timeout` in seconds. False when none came in time.
-bool ReceiveNextEvent(double timeout, Event* out);
+inline bool ReceiveNextEvent(double timeout, Event* out) {
+  EventQueue& queue = main_event_queue;
+  if (queue.empty() || --queue.quick < 0) [[unlikely]]
+    return ReceiveWithUpkeep(timeout, out);
+  queue.Pop(out);
+  return true;
+}
 // Appends a copy.
 void PostEventToQueue(EventQueueRef queue, const Event& event);
-// Appends an event of the program's own class; whoever receives it owns `payload`.
-void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload);
+// Appends an event of the program's own class; whoever receives it owns `payload`, which is not
+// null. A null queue is ignored, and the payload stays the caller's.
+inline void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload) {
+  if (queue) queue->PushUser(cls, payload);
+}
 // The record of every queued user event of class `cls`, oldest first.
 void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit);
 // Drops each queued event for which `drop` is true; `drop` frees what the event owns.

@@ -165,7 +165,7 @@ void ReplayDue() {
     const JournalLine& line = j.lines[j.next];
     // After a take that was waited for, what came together comes together.
     const bool late = now - j.start > line.time + kLate;
-    if (late && group != line.time && (group >= 0 || !MainEventQueue().empty())) return;
+    if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
     group = line.time;
     if (line.take()) {
       if (now - j.start < line.time + kTakePatience) return;

@@ -4,24 +4,17 @@
 
 namespace platform {
 
+constinit EventQueue main_event_queue;
+
 void EventQueue::Grow() {
-  std::vector<Event> bigger(ring.size() * 2);
-  size_t n = size();
+  const size_t n = size(), room = capacity ? 2 * capacity : 64;
+  auto* bigger = new Event[room];
   for (size_t i = 0; i < n; ++i) bigger[i] = at(i);
-  ring.swap(bigger);
+  delete[] ring;
+  ring = bigger;
+  capacity = room;
   head = 0;
   tail = n;
-}
-
-EventQueue* main_event_queue = nullptr;
-
-EventQueue& MakeMainEventQueue() {
-  main_event_queue = new EventQueue;
-  return *main_event_queue;
-}
-
-EventQueueRef GetMainEventQueue() {
-  return &MainEventQueue();
 }
 
 void ReleaseEvent(Event* e) {
@@ -32,16 +25,6 @@ void ReleaseEvent(Event* e) {
 
 void PostEventToQueue(EventQueueRef queue, const Event& event) {
   if (queue) queue->Push(event);
-}
-
-void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload) {
-  if (!queue) return;
-  Event& e = queue->PushSlot();
-  e.cls = cls;
-  e.kind = 0;
-  e.time = 0;
-  e.window = nullptr;
-  e.payload = payload;
 }
 
 void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit) {

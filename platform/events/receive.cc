@@ -18,15 +18,15 @@ InputHints input_hints;
 
 namespace {
 
-constexpr int kBatch = 32;                // events between two looks at the clock
-constexpr int kTick = 8;                  // events between two looks at the coarse clock
+constexpr int kBatch = 64;                // events between two looks at the clock
+constexpr int kLongestStride = 32;        // events between two looks at the coarse clock
 constexpr double kIntakePeriod = 0.001;   // raw input at most this often while events wait
 constexpr double kPresentPeriod = 0.016;  // the screen at least this often
 constexpr double kDrawPatience = 0.050;   // a redraw request waits at most this long
 
 struct Receiver {
-  int since_clock = 0;
-  long tick = 0;  // of the coarse clock, nanoseconds
+  int stride = 1, batch = 0;  // events until the next look; in this batch until then
+  long tick = 0;              // of the coarse clock, nanoseconds
   double last_intake = -1, last_present = -1;
 };
 Receiver receiver;
@@ -70,14 +70,20 @@ void Wait(double seconds) {
   ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
 }
 
-// After so many events, or when a slow handler has let a tick of the coarse clock pass.
+// A look at the coarse clock. True when the batch is over: because it is long enough, or because a
+// slow handler has let a tick pass. Then the next look comes after one event, and each that finds
+// no tick doubles the distance to the one after it.
 bool BatchIsOver() {
-  if (++receiver.since_clock % kTick) return false;
+  if (input_hints.waiting || input_hints.stepped) return true;
   timespec t;
   clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
-  if (receiver.since_clock < kBatch && t.tv_nsec == receiver.tick) return false;
-  receiver.since_clock = 0;
+  const bool slow = t.tv_nsec != receiver.tick;
   receiver.tick = t.tv_nsec;
+  receiver.stride = slow ? 1 : std::min(2 * receiver.stride, kLongestStride);
+  receiver.batch += receiver.stride;
+  main_event_queue.quick = receiver.stride - 1;
+  if (!slow && receiver.batch <= kBatch) return false;
+  receiver.batch = receiver.stride;
   return true;
 }
 
@@ -99,8 +105,32 @@ bool Upkeep(EventQueue& queue, Event* out) {
   return TakeDrawEvent(now - kDrawPatience, out);
 }
 
-// Looks after all that a wait looks after, then takes what comes first.
-bool ReceiveWithUpkeep(EventQueue& queue, double timeout, Event* out) {
+}  // namespace
+
+double GetCurrentEventTime() {
+  const Display* d = CurrentDisplay();
+  return d && d->now ? d->now() : MonotonicSeconds();
+}
+
+int64_t GetTimeOfDayMicroseconds() {
+  const Display* d = CurrentDisplay();
+  if (d && d->now) return int64_t(d->now() * 1e6 + 0.5);
+  timeval t;
+  gettimeofday(&t, nullptr);
+  return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
+}
+
+void AlertSoundPlay() {
+  const Display* d = CurrentDisplay();
+  if (d && d->beep) d->beep();
+}
+
+bool ReceiveWithUpkeep(double timeout, Event* out) {
+  EventQueue& queue = main_event_queue;
+  if (!queue.empty() && !BatchIsOver()) {
+    queue.Pop(out);
+    return true;
+  }
   const Display* d = CurrentDisplay();
   if (!d) return false;
   const double deadline = timeout > 0 ? GetCurrentEventTime() + timeout : 0;
@@ -128,35 +158,6 @@ bool ReceiveWithUpkeep(EventQueue& queue, double timeout, Event* out) {
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
     Wait(wait);
   }
-}
-
-}  // namespace
-
-double GetCurrentEventTime() {
-  const Display* d = CurrentDisplay();
-  return d && d->now ? d->now() : MonotonicSeconds();
-}
-
-int64_t GetTimeOfDayMicroseconds() {
-  const Display* d = CurrentDisplay();
-  if (d && d->now) return int64_t(d->now() * 1e6 + 0.5);
-  timeval t;
-  gettimeofday(&t, nullptr);
-  return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
-}
-
-void AlertSoundPlay() {
-  const Display* d = CurrentDisplay();
-  if (d && d->beep) d->beep();
-}
-
-bool ReceiveNextEvent(double timeout, Event* out) {
-  EventQueue& queue = MainEventQueue();
-  if (!queue.empty() && !input_hints.waiting && !input_hints.stepped && !BatchIsOver()) {
-    queue.Pop(out);
-    return true;
-  }
-  return ReceiveWithUpkeep(queue, timeout, out);
 }
 
 }  // namespace platform

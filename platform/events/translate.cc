@@ -50,7 +50,7 @@ Event MouseEvent(const RawEvent& raw, uint32_t kind) {
 }
 
 void Motion(const RawEvent& raw) {
-  EventQueue& q = MainEventQueue();
+  EventQueue& q = main_event_queue;
   Event e = MouseEvent(raw, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
   // Neighbouring motions of one window merge; a pen's samples stay, since each has its pressure.
   if (!q.empty() && !raw.tablet_type) {
@@ -68,7 +68,7 @@ void Button(const RawEvent& raw) {
   bool press = raw.type == RawEvent::kPress;
   uint32_t bit = raw.button >= 1 && raw.button <= 31 ? 1u << (raw.button - 1) : 0;
   pointer.buttons = press ? pointer.buttons | bit : pointer.buttons & ~bit;
-  MainEventQueue().Push(MouseEvent(raw, press ? kEventMouseDown : kEventMouseUp));
+  main_event_queue.Push(MouseEvent(raw, press ? kEventMouseDown : kEventMouseUp));
 }
 
 void Key(const RawEvent& raw, uint32_t kind) {
@@ -76,7 +76,7 @@ void Key(const RawEvent& raw, uint32_t kind) {
   e.time = raw.time;
   MacKey key = LookUpKey(raw.keysym, raw.base_keysym, raw.unicode, raw.modifiers);
   e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym, raw.keycode, key.character};
-  MainEventQueue().Push(e);
+  main_event_queue.Push(e);
 }
 
 void Configure(const RawEvent& raw) {
@@ -97,7 +97,7 @@ void Configure(const RawEvent& raw) {
   // A window has at least one row of content.
   e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
   e.bounds.placement = w.placing;
-  EventQueue& q = MainEventQueue();
+  EventQueue& q = main_event_queue;
   if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
     q.back() = e;
   else
@@ -118,7 +118,7 @@ void Request(uint32_t cls, uint32_t kind, uint32_t id, const char* path) {
   e.time = GetCurrentEventTime();
   e.request = {id, nullptr, 0};
   if (path) e.payload = strdup(path);
-  MainEventQueue().Push(e);
+  main_event_queue.Push(e);
 }
 
 void WindowEvent(const RawEvent& raw) {
@@ -132,7 +132,7 @@ void WindowEvent(const RawEvent& raw) {
     case RawEvent::kRelease:
       return Button(raw);
     case RawEvent::kScroll:
-      return MainEventQueue().Push(MouseEvent(raw, kEventMouseWheelMoved));
+      return main_event_queue.Push(MouseEvent(raw, kEventMouseWheelMoved));
     case RawEvent::kKeyDown:
       return Key(raw, kEventRawKeyDown);
     case RawEvent::kKeyRepeat:
@@ -148,7 +148,7 @@ void WindowEvent(const RawEvent& raw) {
     case RawEvent::kLost:
       return InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
     case RawEvent::kClose:
-      return MainEventQueue().Push(Event(kEventClassWindow, kEventWindowClose, w));
+      return main_event_queue.Push(Event(kEventClassWindow, kEventWindowClose, w));
     case RawEvent::kFocusIn:
       return HandleFocus(w, true);
     case RawEvent::kFocusOut:

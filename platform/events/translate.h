@@ -12,6 +12,15 @@ namespace platform {
 struct InputHints {
   bool waiting = false;
   bool stepped = false;
+
+  void ReportWaits() {
+    waiting = true;
+    main_event_queue.quick = 0;
+  }
+  void ClockIsStepped() {
+    stepped = true;
+    main_event_queue.quick = 0;
+  }
 };
 extern InputHints input_hints;
 

@@ -51,11 +51,11 @@ TEST(Queue, KeepsItsOrderWhileItGrowsAndIsThinnedOut) {
         std::erase_if(expected, drop);
       }
     }
-    ASSERT_EQ(MainEventQueue().size(), expected.size());
+    ASSERT_EQ(main_event_queue.size(), expected.size());
   }
   static int disposed = 0;
   FlushEventQueue(queue, [](void*) { ++disposed; });
-  EXPECT_TRUE(MainEventQueue().empty());
+  EXPECT_TRUE(main_event_queue.empty());
   EXPECT_EQ(disposed, 0) << "no payloads";
   PostEventToQueue(nullptr, Event());
   FlushEventQueue(nullptr, nullptr);

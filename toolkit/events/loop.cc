@@ -17,8 +17,8 @@ XwWindow* RawMode() {
   return reinterpret_cast<XwWindow*>(intptr_t{-1});
 }
 
-void TakeRecord(Event* e) {
-  auto* record = static_cast<XwEvent*>(e->payload);
+inline void TakeRecord(const Event& e) {
+  auto* record = static_cast<XwEvent*>(e.payload);
   Inp = *record;
   free(record);
   if (Inp.type == XWE_TIMER) [[unlikely]]
@@ -92,7 +92,7 @@ int XwWaitEvent(XwWindow* modal) {
     Inp.type = 0;
     if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
     if (e.cls == kToolkitEventClass) {
-      TakeRecord(&e);
+      TakeRecord(e);
     } else if (int status = TakePlatformEvent(&e)) {
       return status;
     }
@@ -131,7 +131,7 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
     SendEventToEventTarget(&e, static_cast<EventTargetRef>(MainTarget));
     return Inp.type;
   }
-  TakeRecord(&e);
+  TakeRecord(e);
   XwWindow* w = Inp.window;
   int type = Inp.type;
   bool redraw = type == XWE_CONFIGURE || type == XWE_EXPOSE;

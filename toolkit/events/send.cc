@@ -11,32 +11,38 @@ XwEvent Inp;
 
 namespace {
 
-XwEvent* NewRecord(const XwEvent& event) {
+XwEvent* NewRecord() {
   auto* record = static_cast<XwEvent*>(malloc(sizeof(XwEvent)));
   if (!record) OutOfMemory();
-  *record = event;
   return record;
 }
 
-void PostRecord(XwEvent* record) {
-  PostUserEvent(static_cast<EventQueueRef>(MainQueue), kToolkitEventClass, record);
+// The block of the next event. It is allocated when the one before has been posted, so that nothing
+// of a call need be kept across an allocation.
+XwEvent* next_record = NewRecord();
+
+inline void PostNextRecord() {
+  PostUserEvent(static_cast<EventQueueRef>(MainQueue), kToolkitEventClass, next_record);
+  next_record = NewRecord();
 }
 
 }  // namespace
 
 void PostEvent(const XwEvent& event) {
-  PostRecord(NewRecord(event));
+  *next_record = event;
+  PostNextRecord();
 }
 
 void XwSendEvent(XwWindow* window, int type, int item, XwValue value, int param) {
   if (!CheckWindow(window)) return;
-  XwEvent* record = NewRecord(Inp);
-  record->window = window;
-  record->type = type;
-  record->item = item;
-  record->value = value;
-  record->param = param;
-  PostRecord(record);
+  XwEvent& record = *next_record;
+  record = Inp;
+  record.window = window;
+  record.type = type;
+  record.item = item;
+  record.value = value;
+  record.param = param;
+  PostNextRecord();
 }
 
 int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {

@@ -55,15 +55,12 @@ PointerSet& Live() {
 
 }  // namespace
 
-bool IsLive(const XwWindow* w) {
-  if (!w || !set) return false;
-  return set->slots[set->Find(w)] == w;
-}
+const XwWindow* last_found_live = nullptr;
 
-bool CheckWindow(const XwWindow* w) {
-  if (IsLive(w)) return true;
-  Refuse(Refusal::kStaleWindow);
-  return false;
+bool FindLive(const XwWindow* w) {
+  if (!set || set->slots[set->Find(w)] != w) return false;
+  last_found_live = w;
+  return true;
 }
 
 void EnterLive(XwWindow* w) {
@@ -71,4 +68,5 @@ void EnterLive(XwWindow* w) {
 }
 void LeaveLive(XwWindow* w) {
   Live().Remove(w);
+  if (last_found_live == w) last_found_live = nullptr;
 }

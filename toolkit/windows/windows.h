@@ -3,14 +3,24 @@
 #include <cstdint>
 
 #include "platform/windows/windows.h"
+#include "toolkit/events/trace.h"
 #include "toolkit/xw.h"
 
 constexpr int kSubWindow = 12;
 
 // The one test: true for a record that is alive. Every public call that takes a window begins here.
-bool IsLive(const XwWindow* w);
+bool FindLive(const XwWindow* w);
+extern const XwWindow* last_found_live;  // the answer for the window that was asked about last
+inline bool IsLive(const XwWindow* w) {
+  return w && (w == last_found_live || FindLive(w));
+}
 // As IsLive, and says so where it is traced.
-bool CheckWindow(const XwWindow* w);
+inline bool CheckWindow(const XwWindow* w) {
+  if (IsLive(w)) [[likely]]
+    return true;
+  Refuse(Refusal::kStaleWindow);
+  return false;
+}
 void EnterLive(XwWindow* w);
 void LeaveLive(XwWindow* w);
 

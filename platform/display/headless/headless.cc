@@ -223,19 +223,19 @@ void GiveFocus(WindowRef w) {
     raw.type = RawEvent::kFocusOut;
     raw.window = s.focus;
     s.raw.push_back(raw);
-    input_hints.waiting = true;
+    input_hints.ReportWaits();
   }
   s.focus = w;
   if (!w) return;
   raw.type = RawEvent::kFocusIn;
   raw.window = w;
   s.raw.push_back(raw);
-  input_hints.waiting = true;
+  input_hints.ReportWaits();
 }
 
 void UseSteppedClock(double start_seconds) {
   Headless().stepped = true;
-  input_hints.stepped = true;
+  input_hints.ClockIsStepped();
   Headless().now = start_seconds;
 }
 void Step(double seconds) {

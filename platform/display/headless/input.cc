@@ -10,7 +10,7 @@ namespace {
 void Push(RawEvent raw) {
   if (!Headless().open) return;
   Headless().raw.push_back(raw);
-  input_hints.waiting = true;
+  input_hints.ReportWaits();
 }
 
 RawEvent Report(RawEvent::Type type, WindowRef w) {
