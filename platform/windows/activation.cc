@@ -33,6 +33,15 @@ void SetActive(WindowRef w, bool active) {
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
 }
 
+// Docked windows are active while any window is; windows of a group that shares its activation with
+// the one that has the focus.
+bool LooksActive(const Window& w) {
+  if (!state.focused) return false;
+  if (&w == state.focused || (w.state & kStateDocked)) return true;
+  return w.group && w.group == state.focused->group &&
+         (w.group->attributes & kWindowGroupAttrSharedActivation);
+}
+
 }  // namespace
 
 void HandleFocus(WindowRef w, bool focused) {
@@ -58,8 +67,7 @@ void SettleActivation() {
   if (!state.known) return;
   state.known = false;
   if (!state.focused) PostActivation(false);
-  for (WindowRef w : WindowList())
-    SetActive(w, w == state.focused || (w->state & kStateDocked && state.focused));
+  for (WindowRef w : WindowList()) SetActive(w, LooksActive(*w));
 }
 
 bool IsWindowActive(WindowRef w) {

@@ -72,11 +72,15 @@ void OnConfigure(const xcb_generic_event_t* event) {
 
 void OnReparent(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_reparent_notify_event_t>(event);
-  if (Native* n = FindNative(e->window)) n->reparented = e->parent != x.screen->root;
+  Native* n = FindNative(e->window);
+  if (n == nullptr) return;
+  n->reparented = e->parent != x.screen->root;
+  if (!n->reparented) TakeWithdrawn(n);
 }
 
 void OnMap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_map_notify_event_t>(event)->window)) {
+    TakeMapped(n);
     Emit(RawEvent::kShown, n);
   }
 }
@@ -118,6 +122,9 @@ void OnProperty(const xcb_generic_event_t* event) {
     if (Native* n = FindNative(e->window)) ReadFrameExtents(n);
   } else if (e->atom == Atom(kNetWmState)) {
     if (Native* n = FindNative(e->window)) ReadStates(n);
+  } else if (e->atom == Atom(kWmState) && e->state == XCB_PROPERTY_NEW_VALUE) {
+    // Also when it comes up as an icon.
+    if (Native* n = FindNative(e->window)) TakeMapped(n);
   } else if (e->atom == Atom(kXwDrop) && e->state == XCB_PROPERTY_NEW_VALUE) {
     if (Native* n = FindNative(e->window)) HandleDropPiece(n);
   } else if ((e->window == x.screen->root && e->atom == XCB_ATOM_RESOURCE_MANAGER) ||

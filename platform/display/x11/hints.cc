@@ -196,9 +196,9 @@ void SetHints(WindowRef w) {
   SetTransient(*n, style);
   // On the way out of full screen the size that the record has is still the screen's: the hints
   // wait for the one that comes back.
-  const bool leaving = n->mapped && (n->states & ~WishedStates(*w) & kStateFullScreen) != 0;
+  const bool leaving = n->mapped() && (n->states & ~WishedStates(*w) & kStateFullScreen) != 0;
   if (!leaving) SetSizeHints(*n);
-  if (n->mapped) AskStates(n);
+  if (n->mapped()) AskStates(n);
 }
 
 void ReadStates(Native* n) {

@@ -5,6 +5,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/events.cc
   ${CMAKE_CURRENT_LIST_DIR}/hints.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
+  ${CMAKE_CURRENT_LIST_DIR}/mapping.cc
   ${CMAKE_CURRENT_LIST_DIR}/pixels.cc
   ${CMAKE_CURRENT_LIST_DIR}/pointer.cc
   ${CMAKE_CURRENT_LIST_DIR}/screens.cc

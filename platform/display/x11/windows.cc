@@ -88,32 +88,7 @@ void DestroyNative(WindowRef w) {
   std::erase_if(x.out, [w](const RawEvent& e) { return e.window == w; });
   w->native = nullptr;
   delete n;
-}
-
-void MapNative(WindowRef w, bool shown) {
-  Native* n = NativeOf(w);
-  if (n == nullptr || n->mapped == shown) return;
-  if (shown) {
-    SetHints(w);
-    WriteStates(n);
-    n->mapped = true;
-    if (x.user_time != 0) {
-      xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, n->id, Atom(kNetWmUserTime),
-                          XCB_ATOM_CARDINAL, 32, 1, &x.user_time);
-    }
-    xcb_map_window(x.c, n->id);
-    return;
-  }
-  n->mapped = false;
-  xcb_unmap_window(x.c, n->id);
-  // Tells the window manager that this is a withdrawal even when it was iconified.
-  xcb_unmap_notify_event_t e{};
-  e.response_type = XCB_UNMAP_NOTIFY;
-  e.event = x.screen->root;
-  e.window = n->id;
-  xcb_send_event(x.c, 0, x.screen->root,
-                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                 reinterpret_cast<const char*>(&e));
+  StepDocked();
 }
 
 void MoveResizeNative(WindowRef w) {
@@ -139,7 +114,9 @@ void RaiseNative(WindowRef w) {
 
 void ActivateNative(WindowRef w) {
   Native* n = NativeOf(w);
-  if (n == nullptr || !n->mapped) return;
+  if (n == nullptr || !n->wanted) return;
+  n->activate = !n->mapped();
+  if (n->activate) return;
   if (!HasWindowManager()) {
     xcb_set_input_focus(x.c, XCB_INPUT_FOCUS_POINTER_ROOT, n->id, XCB_CURRENT_TIME);
     return;

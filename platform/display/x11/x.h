@@ -82,7 +82,11 @@ struct Native {
   DeviceRect bounds;
   bool bounds_known = false;
   bool reparented = false;
-  bool mapped = false;
+  // Whether the program wants it shown, and how far that has come.
+  bool wanted = false;
+  enum Phase : uint8_t { kUnmapped, kMapping, kMapped, kWithdrawing } phase = kUnmapped;
+  bool activate = false;  // once it is mapped
+  bool mapped() const { return wanted && (phase == kMapping || phase == kMapped); }
   uint32_t states = 0;       // bits of kStateAtoms that the desktop was told
   bool full_screen = false;  // as the desktop says
   xcb_cursor_t cursor = 0;
@@ -146,7 +150,6 @@ struct Reply {
 // --- windows.cc, hints.cc
 bool CreateNative(WindowRef w);
 void DestroyNative(WindowRef w);
-void MapNative(WindowRef w, bool shown);
 void MoveResizeNative(WindowRef w);
 void RaiseNative(WindowRef w);
 void ActivateNative(WindowRef w);
@@ -164,6 +167,14 @@ void ReadStates(Native* n);
 void ReadFrameExtents(Native* n);
 void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
                        uint32_t mask);
+
+// --- mapping.cc
+void MapNative(WindowRef w, bool shown);
+// The window manager has the window, or there is none; it has let go of it.
+void TakeMapped(Native* n);
+void TakeWithdrawn(Native* n);
+// Docked windows may have waited for one that comes no more.
+void StepDocked();
 
 // --- startup.cc
 void BeginStartup();
