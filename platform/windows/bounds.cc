@@ -186,6 +186,35 @@ bool HandleConfigure(Event* event) {
   return true;
 }
 
+// The window keeps its place on the screen and its logical size; its pixels are made anew.
+static void Rescale(WindowRef w, double scale) {
+  const DeviceRect at = DeviceBounds(*w);
+  const Rect old = w->content;
+  Surface& s = w->surface;
+  s.scale = scale;
+  w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
+                      LogicalSize(at.top, scale) + w->strip - old.top);
+  if (s.pixels) {
+    s.width = s.height = 0;  // nothing of the old picture fits
+    ResizeSurface(w);
+  }
+  w->refused = {};
+  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->move_resize(w);
+  if (CurrentDisplay()->set_cursor) CurrentDisplay()->set_cursor(w, w->cursor);
+  if (w->visible) InvalidateWindow(w, {}, false);
+  Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
+  e.time = GetCurrentEventTime();
+  e.bounds = {old, w->content, true, false};
+  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+}
+
+void RescaleWindows(double scale) {
+  const std::vector<WindowRef> all = WindowList();
+  for (WindowRef w : all)
+    if (IsValidWindow(w) && w->surface.scale != scale) Rescale(w, scale);
+}
+
 void MoveWindowStructure(WindowRef w, int left, int top) {
   if (!IsValidWindow(w)) return;
   Rect s = Structure(*w);

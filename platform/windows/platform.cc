@@ -106,7 +106,9 @@ void DisplayLost() {
 
 void ReadScreens() {
   Screen s;
-  if (display->screens(&s, 1) > 0) main_screen = s;
+  if (display->screens(&s, 1) <= 0) return;
+  main_screen = s;
+  RescaleWindows(s.scale);
 }
 
 int ScreenWidth() {

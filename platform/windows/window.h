@@ -75,6 +75,8 @@ std::vector<WindowRef>& WindowList();
 DeviceRect DeviceBounds(const Window& w);
 // Gives the surface the size of the content, keeps the old pixels, erases what is new.
 void ResizeSurface(WindowRef w);
+// The screen has another scale: all windows take it.
+void RescaleWindows(double scale);
 // Takes the bounds that the display reports (device pixels, strip included) and tells the handlers.
 // False when they are known already.
 bool HandleConfigure(Event* event);

@@ -179,6 +179,50 @@ TEST_F(X11Test, ScaleEnlargesWindowsAndKeepsFigures) {
   EXPECT_EQ(hints[kStepX + 1], 6u);
 }
 
+// A program that publishes the desktop's settings, as a settings daemon does.
+class SettingsDaemon {
+ public:
+  explicit SettingsDaemon(support::XUser* user) : user_(user) {
+    xcb_connection_t* c = user->connection();
+    window_ = xcb_generate_id(c);
+    xcb_create_window(c, 0, window_, user->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
+                      nullptr);
+  }
+  void Publish(int dpi) {
+    std::vector<uint8_t> bytes = {0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 7, 0};
+    for (char c : std::string("Xft/DPI")) bytes.push_back(uint8_t(c));
+    bytes.insert(bytes.end(), {0, 0, 0, 0, 0});
+    for (int i = 0; i < 4; ++i) bytes.push_back(uint8_t((dpi * 1024) >> (8 * i)));
+    const xcb_atom_t settings = user_->Atom("_XSETTINGS_SETTINGS");
+    xcb_change_property(user_->connection(), XCB_PROP_MODE_REPLACE, window_, settings, settings, 8,
+                        uint32_t(bytes.size()), bytes.data());
+    user_->Sync();
+  }
+  void Own() {
+    xcb_connection_t* c = user_->connection();
+    const xcb_atom_t selection = user_->Atom("_XSETTINGS_S0");
+    xcb_set_selection_owner(c, window_, selection, XCB_CURRENT_TIME);
+    xcb_client_message_event_t m{};
+    m.response_type = XCB_CLIENT_MESSAGE;
+    m.format = 32;
+    m.window = user_->root();
+    m.type = user_->Atom("MANAGER");
+    m.data.data32[1] = selection;
+    m.data.data32[2] = window_;
+    xcb_send_event(c, 0, user_->root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&m));
+    user_->Sync();
+  }
+  void End() {
+    xcb_destroy_window(user_->connection(), window_);
+    user_->Sync();
+  }
+
+ private:
+  support::XUser* user_;
+  xcb_window_t window_;
+};
+
 TEST_F(X11Test, ScaleFollowsTheDesktop) {
   Start();
   EXPECT_EQ(ScreenWidth(), 1024);
@@ -187,6 +231,65 @@ TEST_F(X11Test, ScaleFollowsTheDesktop) {
                       XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8, sizeof text - 1, text);
   user().Sync();
   EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 512; }));
+}
+
+// Windows that are open take a new scale: the same logical size, in the same place, drawn anew.
+TEST_F(X11Test, OpenWindowsTakeANewScale) {
+  StartServer("openbox", {});
+  SettingsDaemon daemon(&user());
+  daemon.Publish(96);
+  daemon.Own();
+  StartSession();
+  WindowRef w = Show("Scaled", {100, 124, 300, 224});
+  SetWindowSizeLimits(w, {100, 50, 400, 300, 10, 10});
+  Settle();
+  const xcb_window_t id = user().Find("Scaled");
+  const size_t drawn = Count(kEventClassWindow, kEventWindowDrawContent);
+  for (int dpi : {192, 144, 96}) {
+    SCOPED_TRACE(dpi);
+    daemon.Publish(dpi);
+    EXPECT_TRUE(RunUntil([&] { return w->surface.scale == dpi / 96.0; }));
+    Settle();
+    EXPECT_EQ(w->content.width(), 200);
+    EXPECT_EQ(w->content.height(), 100);
+    const auto at = user().Where(id);
+    EXPECT_EQ(at.width, 200 * dpi / 96);
+    EXPECT_EQ(at.height, 124 * dpi / 96);
+    EXPECT_NEAR(at.x, 100, 1);
+    EXPECT_NEAR(at.y, 100, 1);
+    EXPECT_EQ(user().Look().at(at.x + at.width - 1, at.y + at.height - 1), 0x3366CCu);
+    EXPECT_EQ(user().Words(id, "WM_NORMAL_HINTS")[kMinWidth], 100u * unsigned(dpi) / 96);
+    // The pointer is where it is seen.
+    user().Move(at.x + 50 * dpi / 96, at.y + 74 * dpi / 96);
+    EXPECT_TRUE(RunUntil([&] {
+      const Event* e = Last(kEventClassMouse, kEventMouseMoved);
+      return e != nullptr && e->mouse.where.x == w->content.left + 50 &&
+             e->mouse.where.y == w->content.top + 50;
+    }));
+  }
+  EXPECT_GE(Count(kEventClassWindow, kEventWindowDrawContent), drawn + 3);
+}
+
+TEST_F(X11Test, SettingsAreFollowedWhoeverPublishesThem) {
+  StartServer("", {});
+  SettingsDaemon first(&user()), second(&user());
+  first.Publish(192);
+  first.Own();
+  StartSession();
+  Show("First", {50, 80, 250, 180});
+  EXPECT_EQ(ScreenWidth(), 512);
+  first.Publish(144);
+  EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 683; }));
+  second.Publish(384);
+  second.Own();
+  EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 256; }));
+  first.Publish(96);  // it is asked no more
+  Settle();
+  EXPECT_EQ(ScreenWidth(), 256);
+  // One that goes away, to be started anew perhaps, changes nothing.
+  second.End();
+  Settle();
+  EXPECT_EQ(ScreenWidth(), 256);
 }
 
 TEST_F(X11Test, MonitorsAreScreensWithTheMainOneFirst) {

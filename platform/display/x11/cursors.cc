@@ -121,7 +121,9 @@ xcb_cursor_t NativeCursor(CursorRef c) {
   if (c == nullptr || c->shape != Cursor::kPicture) {
     return ShapeCursor(c == nullptr ? Cursor::kArrow : c->shape);
   }
+  if (c->native_scale != x.scale) DestroyCursor(c);
   if (c->native == 0) c->native = PictureCursor(*c);
+  c->native_scale = x.scale;
   return xcb_cursor_t(c->native);
 }
 
@@ -129,7 +131,8 @@ xcb_cursor_t NativeCursor(CursorRef c) {
 
 void SetCursor(WindowRef w, CursorRef cursor) {
   Native* n = NativeOf(w);
-  if (n == nullptr) return;
+  // Before the first frame the record's is enough: OpenCursors looks there.
+  if (n == nullptr || !x.late_done) return;
   const xcb_cursor_t shown = NativeCursor(cursor);
   if (shown == n->cursor) return;
   n->cursor = shown;

@@ -114,8 +114,8 @@ void AskStates(Native* n) {
 }
 
 // The step of one axis in device pixels; 1 where it would not be whole.
-int DeviceStep(int step) {
-  const double device = step * x.scale;
+int DeviceStep(int step, double scale) {
+  const double device = step * scale;
   return step > 1 && device == std::floor(device) && device < 32767 ? int(device) : 1;
 }
 
@@ -156,7 +156,10 @@ void SetTitle(WindowRef w) {
 void SetSizeHints(const Native& n) {
   const Window& w = *n.w;
   const int width = w.content.width(), height = w.content.height();
-  auto device = [](int v) { return std::min(DeviceEdge(std::clamp(v, 0, 32767), x.scale), 32767); };
+  const double scale = w.surface.scale;
+  auto device = [scale](int v) {
+    return std::min(DeviceEdge(std::clamp(v, 0, 32767), scale), 32767);
+  };
   const DeviceRect bounds = DeviceBounds(w);
   xcb_size_hints_t h{};
   h.flags = XCB_ICCCM_SIZE_HINT_P_POSITION | XCB_ICCCM_SIZE_HINT_US_POSITION |
@@ -175,7 +178,7 @@ void SetSizeHints(const Native& n) {
     h.min_height = device((fixed ? height : std::min(l.min_height, height)) + w.strip);
     h.max_width = device(fixed ? width : std::max(l.max_width, width));
     h.max_height = device((fixed ? height : std::max(l.max_height, height)) + w.strip);
-    const int step_x = DeviceStep(l.step_x), step_y = DeviceStep(l.step_y);
+    const int step_x = DeviceStep(l.step_x, scale), step_y = DeviceStep(l.step_y, scale);
     if (!fixed && (step_x > 1 || step_y > 1)) {
       h.flags |= XCB_ICCCM_SIZE_HINT_P_RESIZE_INC | XCB_ICCCM_SIZE_HINT_BASE_SIZE;
       h.width_inc = step_x;

@@ -136,8 +136,8 @@ void ReadFrameExtents(Native* n) {
   Rect frame;
   if (reply && reply->format == 32 && xcb_get_property_value_length(reply.p) >= 16) {
     const auto* v = static_cast<const uint32_t*>(xcb_get_property_value(reply.p));
-    auto logical = [](uint32_t device) {
-      return LogicalSize(int(std::min<uint32_t>(device, 4096)), x.scale);
+    auto logical = [n](uint32_t device) {
+      return LogicalSize(int(std::min<uint32_t>(device, 4096)), n->w->surface.scale);
     };
     frame = {logical(v[0]), logical(v[2]), logical(v[1]), logical(v[3])};
   }

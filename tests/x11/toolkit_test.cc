@@ -1,0 +1,184 @@
+// The toolkit on a real server: sizes in steps, and files that are handed to the program.
+#include <cmath>
+
+#include "tests/x11/bus.h"
+#include "tests/x11/managed.h"
+#include "toolkit/events/events.h"
+#include "toolkit/xw.h"
+
+namespace x11_test {
+namespace {
+
+std::vector<std::string> seen;
+int Handle(int type) {
+  if (type == XWE_CONFIGURE) {
+    seen.push_back(std::to_string(Inp.width) + "x" + std::to_string(Inp.height));
+  } else if (type == XWE_OPEN) {
+    seen.push_back(reinterpret_cast<const char*>(Inp.value));
+  } else if (type == XWE_PREFERENCES) {
+    seen.push_back("preferences");
+  } else if (type == XWE_QUIT) {
+    seen.push_back("quit");
+  }
+  return 0;
+}
+
+template <class Base>
+class Toolkit : public Base {
+ protected:
+  // A session with a shown window that resizes in steps.
+  void Session(int width, int height, int step_x, int step_y) {
+    XwSession("Session", "Toolkit", 0);
+    top = XwCreate(0, 200, 150, int16_t(width), int16_t(height), Handle);
+    if (step_x != 0) XwSetSizes(top, 50, 50, 800, 600, uint16_t(step_x), uint16_t(step_y));
+    XwShow(top, 1);
+    seen.clear();
+  }
+  void TearDown() override {
+    XwDestroy(top);
+    XwEndSession();
+    Base::TearDown();
+  }
+  static bool Turn(double wait) {
+    Event e;
+    if (!ReceiveNextEvent(wait, &e)) return false;
+    Inp.type = 0;
+    if (e.cls == kToolkitEventClass) {
+      Inp = *static_cast<XwEvent*>(e.payload);
+      free(e.payload);
+    } else {
+      SendEventToEventTarget(&e, GetEventDispatcherTarget());
+    }
+    if (Inp.type != 0 && Inp.window != nullptr) Inp.window->handler(Inp.type);
+    return true;
+  }
+  static bool Run(const std::function<bool()>& done) {
+    return support::Eventually([&] {
+      while (Turn(0)) {
+      }
+      return done();
+    });
+  }
+  static void Rest() {
+    int quiet = 0;
+    Run([&] { return ++quiet > 20; });
+  }
+  xcb_window_t Id() { return x11::NativeOf(static_cast<WindowRef>(top->platform))->id; }
+  XwWindow* top = nullptr;
+};
+
+// --- Sizes
+
+class Sizes : public Toolkit<X11Test> {
+ protected:
+  // The user gives the window this size, the strip included.
+  void Resize(int width, int height) {
+    const uint32_t size[2] = {uint32_t(width), uint32_t(height)};
+    xcb_configure_window(user().connection(), Id(),
+                         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    user().Sync();
+    Rest();
+  }
+  std::pair<int, int> Size() {
+    const auto at = user().Where(Id());
+    return {at.width, at.height};
+  }
+  using Pair = std::pair<int, int>;
+};
+
+// An answer is given once; who insists on a size gets it.
+TEST_F(Sizes, OneOffTheStepsIsAnsweredOnceThenAccepted) {
+  StartServer("", {});
+  Session(101, 101, 10, 20);
+  Rest();
+  seen.clear();
+  Resize(127, 24 + 149);
+  EXPECT_EQ(Size(), Pair(131, 24 + 141));
+  EXPECT_EQ(seen, std::vector<std::string>{"131x141"});
+  Resize(127, 24 + 149);
+  EXPECT_EQ(Size(), Pair(127, 24 + 149));
+  EXPECT_EQ(seen, (std::vector<std::string>{"131x141", "127x149"}));
+  EXPECT_EQ(top->width, 127);
+  // A size in steps from there is taken as it is.
+  Resize(137, 24 + 169);
+  EXPECT_EQ(Size(), Pair(137, 24 + 169));
+  EXPECT_EQ(seen.size(), 3u);
+  // Another one off the steps is answered anew.
+  Resize(140, 24 + 169);
+  EXPECT_EQ(Size(), Pair(137, 24 + 169));
+}
+
+// A manager cannot be told of a step that is not whole, so it grants any size: that is answered.
+TEST_F(Sizes, AStepThatIsNoWholeNumberOfPixelsIsKeptWithoutHints) {
+  setenv("XW_SCALE", "1.5", 1);
+  StartServer("openbox", {});
+  unsetenv("XW_SCALE");
+  setenv("XW_SCALE", "1.5", 1);
+  Session(100, 100, 5, 7);
+  unsetenv("XW_SCALE");
+  ASSERT_TRUE(Run([&] { return user().Viewable(Id()); }));
+  Rest();
+  const auto hints = user().Words(Id(), "WM_NORMAL_HINTS");
+  ASSERT_EQ(hints.size(), 18u);
+  EXPECT_EQ(hints[0] & (1u << 6 | 1u << 8), 0u);  // neither increments nor a base
+  struct Row {
+    int width, height;
+  };
+  for (const Row& row : {Row{200, 260}, Row{233, 300}, Row{157, 190}}) {
+    SCOPED_TRACE(row.width);
+    // The manager moves it so; the toolkit answers with whole steps.
+    user().Ask(Id(), "_NET_MOVERESIZE_WINDOW",
+               {10u | 1u << 10 | 1u << 11, 0, 0, uint32_t(row.width), uint32_t(row.height)});
+    Rest();
+    EXPECT_EQ(top->width % 5, 0);
+    EXPECT_EQ(top->height % 7, 100 % 7);
+    EXPECT_LE(std::abs(top->width * 1.5 - row.width), 5 * 1.5);
+    const auto [width, height] = Size();
+    EXPECT_EQ(width, int(std::floor(top->width * 1.5 + 0.5)));
+    EXPECT_EQ(height, int(std::floor((top->height + 24) * 1.5 + 0.5)));
+  }
+}
+
+// --- Files and requests
+
+class Requests : public Toolkit<Bus> {
+ protected:
+  bool Wait(const std::function<bool()>& done) {
+    for (int i = 0; i < 500; ++i) {
+      Turn(0.02);
+      while (sd_bus_process(peer(), nullptr) > 0) {
+      }
+      if (done()) return true;
+    }
+    return false;
+  }
+  void Call(const char* method, const char* types, const std::string& word) {
+    ASSERT_GE(strcmp(method, "Open") == 0
+                  ? sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, method,
+                                             nullptr, nullptr, types, 1, word.c_str(), 0)
+                  : sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, method,
+                                             nullptr, nullptr, types, word.c_str(), 0, 0),
+              0);
+  }
+};
+
+// The program's buffer holds 400 bytes: a longer path is no path.
+TEST_F(Requests, APathFitsOrIsNotOpened) {
+  StartServer("", {});
+  Session(100, 100, 0, 0);
+  ASSERT_TRUE(Wait([this] { return Joined(); }));
+  const std::string fits = "/" + std::string(398, 'a'), longer = fits + "a";
+  for (const std::string& path : {longer, fits}) {
+    Call("Open", "asa{sv}", "file://" + path);
+    // The same as a drop.
+    x11::x.paths.push_back(path);
+    x11::Emit(RawEvent::kOpenFile, nullptr);
+  }
+  Call("ActivateAction", "sava{sv}", "preferences");
+  Call("ActivateAction", "sava{sv}", "quit");
+  ASSERT_TRUE(Wait([] { return !seen.empty() && seen.back() == "quit"; }));
+  EXPECT_EQ(seen, (std::vector<std::string>{fits, fits, "preferences", "quit"}));
+}
+
+}  // namespace
+}  // namespace x11_test
