@@ -7,11 +7,13 @@
 #include "toolkit/xw.h"
 
 #if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define __SANITIZE_ADDRESS__ 1
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define SANITIZER_ALLOCATES 1
 #endif
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SANITIZER_ALLOCATES 1
 #endif
-#ifdef __SANITIZE_ADDRESS__
+#ifdef SANITIZER_ALLOCATES
 // Not every compiler brings the header that declares it.
 extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
@@ -30,7 +32,7 @@ int CountEntries(const char* folder) {
 }
 
 int64_t BytesInUse() {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef SANITIZER_ALLOCATES
   return int64_t(__sanitizer_get_current_allocated_bytes());
 #else
   const struct mallinfo2 info = mallinfo2();
