@@ -45,8 +45,25 @@ RawEvent PointerReport(RawEvent::Type type) {
   return raw;
 }
 
+// A release that no window heard of comes before the next report that one gets.
 void PushPointer(const RawEvent& raw) {
-  if (raw.window) Push(raw);
+  State& s = Headless();
+  if (!raw.window) return;
+  for (int button = 1; button <= 5; ++button) {
+    const uint32_t bit = 1u << button;
+    const bool itself = raw.type == RawEvent::kRelease && raw.button == button;
+    if (!(s.reported & bit) || (s.buttons & bit) || itself) continue;
+    RawEvent release = raw;
+    release.type = RawEvent::kRelease;
+    release.button = uint8_t(button);
+    s.reported &= ~bit;
+    Push(release);
+  }
+  if (raw.button >= 1 && raw.button <= 5) {
+    if (raw.type == RawEvent::kPress) s.reported |= 1u << raw.button;
+    if (raw.type == RawEvent::kRelease) s.reported &= ~(1u << raw.button);
+  }
+  Push(raw);
 }
 
 RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
@@ -101,7 +118,7 @@ void Pen(const TabletPoint& pen, RawEvent::Type type, int button) {
   raw.button = uint8_t(button);
   raw.tablet_type = kEventTabletPoint;
   raw.tablet = pen;
-  PushPointer(raw);
+  if (raw.window) Push(raw);
 }
 
 void KeyDown(uint32_t keysym, uint32_t unicode, bool repeat) {

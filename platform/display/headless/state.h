@@ -27,6 +27,7 @@ struct State {
   WindowRef focus = nullptr;
   int x = 0, y = 0;
   uint32_t buttons = 0, modifiers = 0;
+  uint32_t reported = 0;  // buttons whose press was reported and whose release was not
   WindowRef pressed_in = nullptr;
   WindowRef grab = nullptr;
   CursorRef grab_cursor = nullptr;
