@@ -1,5 +1,4 @@
 // Windows on a real server: what a person would see, asked of the server.
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -381,35 +380,6 @@ TEST_F(X11Test, CursorsAreTheThemesOrThePrograms) {
   EXPECT_EQ(look(), cross);
   kX11Display.destroy_cursor(&picture);
   EXPECT_EQ(picture.native, 0u);
-}
-
-TEST_F(X11Test, ManyWindowsLeaveNothingBehind) {
-  Start();
-  Show("Stays", {50, 80, 250, 180});
-  auto descriptors = [] {
-    int n = 0;
-    for (int fd = 0; fd < 256; ++fd) n += fcntl(fd, F_GETFD) >= 0;
-    return n;
-  };
-  auto children = [this] {
-    auto* tree = xcb_query_tree_reply(user().connection(),
-                                      xcb_query_tree(user().connection(), user().root()), nullptr);
-    const int n = xcb_query_tree_children_length(tree);
-    free(tree);
-    return n;
-  };
-  const int before = descriptors(), windows = children();
-  for (int i = 0; i < 500; ++i) {
-    WindowRef w = CreateNewWindow(kDocumentWindowClass, kAllBoxes, {10, 40, 110, 140});
-    ShowWindow(w);
-    SetWindowBounds(w, {10, 40, 210, 240});
-    if (i % 2 != 0) FlushWindow(w);
-    DisposeWindow(w);
-  }
-  FlushWindow(nullptr);
-  Settle();
-  EXPECT_EQ(descriptors(), before);
-  EXPECT_EQ(children(), windows);
 }
 
 TEST_F(X11Test, TheEndOfTheServerIsReportedOnce) {
