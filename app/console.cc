@@ -8,9 +8,10 @@
 namespace console {
 namespace {
 
-constexpr int kTimer = 1;
 constexpr int kFirstWidth = 1200, kFirstHeight = 756;
-constexpr int kMessageTicks = 60, kFolderTicks = 10;
+constexpr int kMessageTicks = 60;
+// For threads that read folders, at the end.
+constexpr int kSettleMs = 50;
 
 // The handlers of a window carry no argument of the program's: there is one console.
 Console* g_console;
@@ -305,6 +306,7 @@ void StopKey(Console* c, int type) {
 }
 
 void Escape(Console* c) {
+  StopReading(c);
   c->message_ticks = 0;
   c->damage |= kStatusPane;
   SetStop(c, Stop::kFiles);
@@ -350,14 +352,11 @@ void Tick(Console* c) {
   ++c->ticks;
   ++c->state_ticks;
   TakeUpServer(c);
+  TakeUpPlaces(c);
+  WatchFolder(c);
   if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
     c->damage |= kStatusPane;
   if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
-  if (c->ticks % kFolderTicks == 0) {
-    const int row = c->files.selected();
-    const std::string kept = row < 0 ? "" : c->folder.At(row).name;
-    if (c->folder.Refresh()) ListedAgain(c, kept);
-  }
 }
 
 [[noreturn]] void Quit(Console* c) {
@@ -386,7 +385,10 @@ int Handle(int type) {
       Release(c);
       break;
     case XWE_TIMER:
-      Tick(c);
+      if (Inp.value == kTickTimer)
+        Tick(c);
+      else
+        TakeUpFolder(c, 0);
       break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
@@ -428,8 +430,10 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   LayOutWindow(c);
-  if (!EnterFolder(c, start, "")) EnterFolder(c, "/", "");
-  XwTimer(w, kTimer, kTickMs);
+  XwTimer(w, kTickTimer, kTickMs);
+  c->folder.Begin(start);
+  FindPlaces(c);
+  EnterFolder(c, start, "");
   XwShow(w, 1);
   XwSetFocus(w);
   return c;
@@ -442,6 +446,7 @@ void CloseConsole(Console* c) {
   XwSync();
   g_console = nullptr;
   delete c;
+  Errand::Settle(kSettleMs);
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/folder.h"
+#include "app/folder_reader.h"
 #include "app/hits.h"
 #include "app/layout.h"
 #include "app/server.h"
@@ -48,6 +49,11 @@ enum class Stop { kFiles, kQueue, kPrint, kPrinter, kCopies, kPriority, kHold, k
 struct Place {
   std::string name, path;
 };
+// Which of the places there are.
+struct PlaceFinder {
+  Errand errand;
+  std::shared_ptr<std::vector<Place>> found;
+};
 
 // A row of the queue: a transfer of our own, or a job of the server.
 struct QueueRow {
@@ -75,7 +81,11 @@ struct Console {
   uint32_t last_press = 0;  // for double clicks
 
   Folder folder;
+  FolderReader reader;
+  int reading_ticks = 0;     // since the present reading was asked for
+  std::string reading_text;  // what is said of it
   std::vector<Place> places;
+  PlaceFinder finder;
   std::string free_text;
   Table files;
 
@@ -94,7 +104,11 @@ struct Console {
   int ticks = 0;
 };
 
-constexpr int kTickMs = 100;
+// A tick, and a short one while a folder is being read.
+constexpr int kTickMs = 100, kShortTickMs = 10;
+enum Timer { kTickTimer = 1, kShortTickTimer };
+// How long a replay waits for a result that the recording took up.
+constexpr int kReplayPatienceMs = 20000;
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
@@ -110,15 +124,19 @@ void DrawConsole(Console* c);
 void DrawFolderPane(Console* c);
 void AddFolderHits(Console* c);
 void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
-// Enters a folder; `select` is the name to select there, "" for none.
-bool EnterFolder(Console* c, const std::string& path, const std::string& select);
+// Enters a folder, once it has been read; `select` is the name to select there, "" for none.
+void EnterFolder(Console* c, const std::string& path, const std::string& select);
 void GoUp(Console* c);
+// Shows what has been read, waiting for it so many milliseconds at most.
+void TakeUpFolder(Console* c, int wait_ms);
+// What a tick does: looks for changes, and says what takes long.
+void WatchFolder(Console* c);
+// Gives up what is being entered.
+void StopReading(Console* c);
 // Enters the selected folder; nothing for a file.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
-// After the folder was read again: the name that was selected stays so.
-void ListedAgain(Console* c, const std::string& select);
 // Selects the next name that begins with that character.
 void FindLetter(Console* c, int character);
 void PressCrumb(Console* c, int index);
@@ -127,6 +145,7 @@ void ShowDocument(Console* c, const char* path);
 
 // --- Places and details (side_panes.cc)
 void FindPlaces(Console* c);
+void TakeUpPlaces(Console* c);
 void DrawPlacesPane(Console* c);
 void AddPlacesHits(Console* c);
 void DrawDetailsPane(Console* c);

@@ -2,35 +2,22 @@
 
 #include <sys/stat.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cstring>
 
 namespace console {
-namespace {
 
-constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_ALL_FOLDERS;
 constexpr int kSorts[] = {OS_SORT_NAME, OS_SORT_SIZE, OS_SORT_TIME};
 
-}  // namespace
-
-Folder::Stamp Folder::StampOf(const std::string& path) {
-  struct stat s {};
-  if (stat(path.c_str(), &s) != 0) return {};
-  return {s.st_mtim.tv_sec, s.st_mtim.tv_nsec};
+void Folder::Begin(const std::string& path) {
+  path_ = path;
+  known_ = false;
 }
 
-// Replaces the listing when `path` can be read.
-bool Folder::TakeList(const std::string& path) {
-  const int sort =
-      kSorts[int(order_)] | OS_SORT_FOLDERS_FIRST | (descending_ ? OS_SORT_DESCENDING : 0);
-  const Stamp stamp = StampOf(path);
-  int count = 0;
-  OS_ListEntryN* list = OS_ListDirN(path.c_str(), nullptr, &count, kTypes, sort);
-  if (count < 0) return false;
-  list_.reset(list);
-  stamp_ = stamp;
-  // The first entry is "..".
-  count_ = count > 0 ? count - 1 : 0;
+// The first entry of a listing is "..".
+void Folder::Put(FolderListing listing) {
+  listing_ = std::move(listing);
+  count_ = std::max(0, listing_.count - 1);
   files_ = 0;
   bytes_ = 0;
   for (int i = 0; i < count_; ++i) {
@@ -39,40 +26,39 @@ bool Folder::TakeList(const std::string& path) {
     ++files_;
     bytes_ += e.size;
   }
+  Arrange();
+}
+
+void Folder::Show(FolderListing listing) {
+  path_ = listing.path;
+  known_ = true;
   trouble_.clear();
-  return true;
+  Put(std::move(listing));
 }
 
-bool Folder::Enter(const std::string& path) {
-  if (!TakeList(path)) return false;
-  path_ = path;
-  return true;
+void Folder::Lose(int error, const FolderStamp& stamp) {
+  known_ = true;
+  trouble_ = strerror(error);
+  FolderListing nothing;
+  nothing.stamp = stamp;
+  Put(std::move(nothing));
 }
 
-void Folder::Read() {
-  if (TakeList(path_)) return;
-  trouble_ = strerror(errno);
-  list_.reset();
-  count_ = files_ = 0;
-  bytes_ = 0;
-  stamp_ = {};
-}
-
-bool Folder::Refresh() {
-  if (StampOf(path_) == stamp_) return false;
-  Read();
-  return true;
+void Folder::Arrange() {
+  OS_ListSortN(
+      listing_.entries.get(), listing_.count,
+      kSorts[int(order_)] | OS_SORT_FOLDERS_FIRST | (descending_ ? OS_SORT_DESCENDING : 0));
 }
 
 void Folder::Sort(Order order, bool descending) {
   order_ = order;
   descending_ = descending;
-  Read();
+  Arrange();
 }
 
 FolderEntry Folder::At(int i) const {
   if (i < 0 || i >= count_) return {"", false, 0, 0};
-  const OS_ListEntryN& e = list_.get()[i + 1];
+  const OS_ListEntryN& e = listing_.entries.get()[i + 1];
   return {e.name, S_ISDIR(e.target), int64_t(e.size), e.time};
 }
 

@@ -1,5 +1,5 @@
-// The folder that is shown: a listing of the real one, in the order that the header asks for. Names
-// and paths are the bytes of the file system.
+// The folder that is shown, in the order that the header asks for. Names and paths are the bytes
+// of the file system. Nothing here touches the file system: reading is folder_reader.h.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -17,17 +17,41 @@ struct FolderEntry {
   int64_t size, time;
 };
 
+// A time of change, told apart to the nanosecond; 0 of what cannot be looked at.
+struct FolderStamp {
+  int64_t seconds = 0;
+  long nanoseconds = 0;
+  bool operator==(const FolderStamp&) const = default;
+};
+
+// Of no folder: whatever is watched against it has changed.
+constexpr FolderStamp kNoStamp{-1, -1};
+
+struct FreeFolderList {
+  void operator()(OS_ListEntryN* list) const { OS_ListFreeN(list); }
+};
+
+// A listing as it was read, in any order.
+struct FolderListing {
+  std::string path;
+  std::unique_ptr<OS_ListEntryN, FreeFolderList> entries;
+  int count = 0;
+  FolderStamp stamp;
+};
+
 class Folder {
  public:
-  // Reads it. False when it cannot be read; the folder shown stays then, and errno tells why.
-  bool Enter(const std::string& path);
-  // The same folder again. When it cannot be read any more it is shown empty, with a trouble.
-  void Read();
-  // Reads it again when it has changed since; true when it had.
-  bool Refresh();
+  // The way to it is known, nothing else.
+  void Begin(const std::string& path);
+  void Show(FolderListing listing);
+  // It cannot be read any more: shown empty, with why.
+  void Lose(int error, const FolderStamp& stamp);
   void Sort(Order order, bool descending);
 
   const std::string& path() const { return path_; }
+  const FolderStamp& stamp() const { return listing_.stamp; }
+  // Whether a listing of it has been shown.
+  bool known() const { return known_; }
   int count() const { return count_; }
   FolderEntry At(int i) const;
   // The entry of that name, -1 when there is none.
@@ -42,23 +66,14 @@ class Folder {
   const std::string& trouble() const { return trouble_; }
 
  private:
-  struct FreeList {
-    void operator()(OS_ListEntryN* list) const { OS_ListFreeN(list); }
-  };
-  using List = std::unique_ptr<OS_ListEntryN, FreeList>;
-  struct Stamp {
-    int64_t seconds = 0;
-    long nanoseconds = 0;
-    bool operator==(const Stamp&) const = default;
-  };
-  static Stamp StampOf(const std::string& path);
-  bool TakeList(const std::string& path);
+  void Put(FolderListing listing);
+  void Arrange();
 
   std::string path_ = "/", trouble_;
-  List list_;
+  FolderListing listing_;
+  bool known_ = false;
   int count_ = 0, files_ = 0;
   int64_t bytes_ = 0;
-  Stamp stamp_;
   Order order_ = Order::kName;
   bool descending_ = false;
 };

@@ -1,6 +1,5 @@
 // The folder: the way to it as crumbs, and the table of its entries.
-#include <sys/stat.h>
-
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstring>
@@ -20,12 +19,30 @@ struct Crumb {
   Area area;
 };
 
+// What lies right of the crumbs: what is being read, or what there is.
+int HeadTextWidth(const Console* c) {
+  return c->reading_text.empty() ? 130 : std::min(260, c->layout.folder_head.w / 2);
+}
+
+void DrawHeadText(const Console* c) {
+  const Look& l = TheLook();
+  Area a = c->layout.folder_head.Inset(12, 0);
+  a.h -= 1;
+  a = a.TakeRight(HeadTextWidth(c));
+  if (!c->reading_text.empty())
+    DrawLabel(l.small_text, Align::kRight, a, Shown(c->reading_text), l.warning);
+  else if (c->folder.known())
+    DrawLabel(l.small_text, Align::kRight, a,
+              CountText(c->folder.files(), "file", "files") + ", " + SizeText(c->folder.bytes()),
+              l.second);
+}
+
 // From the right, as many as there is room for; the last one is the folder itself.
 std::vector<Crumb> LayOutCrumbs(const Console* c) {
   const Look& l = TheLook();
   Area strip = c->layout.folder_head.Inset(12, 0);
   strip.h -= 1;
-  strip.TakeRight(130);
+  strip.TakeRight(HeadTextWidth(c));
   std::vector<Crumb> crumbs;
   for (std::string path = c->folder.path();; path = ParentPath(path)) {
     crumbs.insert(crumbs.begin(), {path, path == "/" ? "Root" : Shown(LastName(path)), {}});
@@ -70,11 +87,7 @@ void DrawHead(const Console* c) {
       XwBox(x + k, y + 6 - k, 1, 1, l.line);
     }
   }
-  Area right = head.Inset(12, 0);
-  right.h -= 1;
-  DrawLabel(l.small_text, Align::kRight, right.TakeRight(130),
-            CountText(c->folder.files(), "file", "files") + ", " + SizeText(c->folder.bytes()),
-            l.second);
+  DrawHeadText(c);
 }
 
 std::string SelectedName(const Console* c) {
@@ -86,7 +99,9 @@ std::string SelectedName(const Console* c) {
 void DrawFolderPane(Console* c) {
   static std::string trouble;
   trouble = Shown(c->folder.trouble());
-  c->files.SetEmptyText(trouble.empty() ? "This folder is empty" : trouble.c_str());
+  c->files.SetEmptyText(!c->folder.known() ? "This folder has not been read yet"
+                        : trouble.empty()  ? "This folder is empty"
+                                           : trouble.c_str());
   c->files.SetFocused(c->stop == Stop::kFiles);
   DrawHead(c);
   c->files.Draw(c->hover);
@@ -122,28 +137,134 @@ void DrawFileCell(Console* c, int row, int column, const CellLook& cell) {
   }
 }
 
-void ListedAgain(Console* c, const std::string& select) {
+namespace {
+
+// What is read this fast is shown at once; well below a frame.
+constexpr int kAtOnceMs = 8;
+constexpr int kWatchTicks = 10, kLongTicks = 2, kSilentTicks = 30;
+
+// Whether a wish leads elsewhere.
+bool Moves(const FolderWish& w) {
+  return w.kind != FolderWish::kAgain && w.kind != FolderWish::kWatch;
+}
+
+void AskFolder(Console* c, FolderWish wish) {
+  if (c->reader.wish() && *c->reader.wish() == wish) return;
+  c->reader.Ask(std::move(wish));
+  c->reading_ticks = 0;
+  TakeUpFolder(c, kAtOnceMs);
+  if (c->reader.wish()) XwTimer(c->window, kShortTickTimer, kShortTickMs);
+}
+
+void Listed(Console* c, const std::string& select) {
   c->files.SetRows(c->folder.count());
   c->files.SetSort(int(c->folder.order()), c->folder.descending());
   c->files.KeepSelected(select.empty() ? -1 : c->folder.Find(select));
   c->damage |= kFolderPane | kDetailsPane | kToolsPane | kPlacesPane | kStatusPane;
 }
 
-bool EnterFolder(Console* c, const std::string& path, const std::string& select) {
-  if (!c->folder.Enter(path)) {
-    Tell(c, false, path + ": " + strerror(errno));
-    return false;
-  }
+void ShowFreeRoom(Console* c, const FolderReading& r) {
+  c->free_text.clear();
+  if (r.room > 0) c->free_text = SizeText(r.free) + " free of " + SizeText(r.room);
+}
+
+void Entered(Console* c, FolderReading* r) {
+  c->folder.Show(std::move(r->listing));
+  ShowFreeRoom(c, *r);
   c->files.ScrollTo(0);
-  ListedAgain(c, select);
+  Listed(c, r->select);
   c->files.Reveal(c->files.selected());
-  FindPlaces(c);
-  return true;
+  if (r->wish.kind != FolderWish::kDocument) return;
+  c->stop = Stop::kFiles;
+  if (!r->select.empty() && c->files.selected() < 0)
+    Tell(c, false, r->select + ": " + strerror(ENOENT));
+}
+
+// The folder shown stays; where none is yet, it is the root.
+void NotEntered(Console* c, const FolderReading& r) {
+  Tell(c, false, r.wish.path + ": " + strerror(r.error));
+  if (c->folder.known()) return;
+  if (r.wish.path != "/") return AskFolder(c, {FolderWish::kEnter, "/", "", {}});
+  c->folder.Begin("/");
+  c->folder.Lose(r.error, {});
+  Listed(c, "");
+}
+
+void ReadAgain(Console* c, FolderReading* r) {
+  const std::string kept = SelectedName(c);
+  if (r->error == 0)
+    c->folder.Show(std::move(r->listing));
+  else
+    c->folder.Lose(r->error, r->listing.stamp);
+  ShowFreeRoom(c, *r);
+  Listed(c, kept);
+}
+
+// A word for what a recording has to take up here; "" as long as there is nothing.
+std::string FolderNews(const Console* c) {
+  if (!c->reader.wish() || !c->reader.Done()) return "";
+  return c->reader.wish()->kind == FolderWish::kWatch ? "changed"
+                                                      : std::to_string(c->reader.number());
+}
+
+// What is said of a reading that takes its time.
+std::string ReadingText(const Console* c) {
+  const FolderWish* w = c->reader.wish();
+  const int ticks = c->reading_ticks;
+  if (!w || c->reader.Done() || ticks < (Moves(*w) ? kLongTicks : kSilentTicks)) return "";
+  if (ticks < kSilentTicks) return "Reading " + (w->path == "/" ? "Root" : LastName(w->path)) + "…";
+  return "No answer for " + std::to_string(ticks * kTickMs / 1000) + " s: " + LastName(w->path);
+}
+
+}  // namespace
+
+void TakeUpFolder(Console* c, int wait_ms) {
+  c->reader.WaitFor(wait_ms);
+  c->reader.DropUnchanged();
+  const std::string news = FolderNews(c);
+  const char* wanted = XwTakeUp("folder", news.empty() ? nullptr : news.c_str());
+  if (!wanted) return;
+  // In a replay the folder may not have changed by itself.
+  if (news != wanted && !strcmp(wanted, "changed"))
+    c->reader.Ask({FolderWish::kWatch, c->folder.path(), "", kNoStamp});
+  if (!c->reader.WaitFor(kReplayPatienceMs)) return;
+  XwTimer(c->window, kShortTickTimer, 0);
+  const auto reading = c->reader.Take();
+  if (!Moves(reading->wish))
+    ReadAgain(c, reading.get());
+  else if (reading->error == 0)
+    Entered(c, reading.get());
+  else
+    NotEntered(c, *reading);
+}
+
+void WatchFolder(Console* c) {
+  ++c->reading_ticks;
+  TakeUpFolder(c, 0);
+  if (c->ticks % kWatchTicks == 0 && !c->reader.wish() && c->folder.known()) {
+    c->reader.Ask({FolderWish::kWatch, c->folder.path(), "", c->folder.stamp()});
+    c->reading_ticks = 0;
+  }
+  const std::string text = ReadingText(c);
+  if (text == c->reading_text) return;
+  c->reading_text = text;
+  c->damage |= kFolderPane;
+}
+
+void StopReading(Console* c) {
+  const FolderWish* w = c->reader.wish();
+  if (!w || !Moves(*w) || !c->folder.known()) return;
+  c->reader.Drop();
+  XwTimer(c->window, kShortTickTimer, 0);
+}
+
+void EnterFolder(Console* c, const std::string& path, const std::string& select) {
+  AskFolder(c, {FolderWish::kEnter, path, select, {}});
 }
 
 void GoUp(Console* c) {
   const std::string here = c->folder.path();
-  if (here != "/") EnterFolder(c, ParentPath(here), LastName(here));
+  if (here != "/") AskFolder(c, {FolderWish::kUp, ParentPath(here), LastName(here), {}});
 }
 
 void OpenSelected(Console* c) {
@@ -158,14 +279,14 @@ void SortBy(Console* c, int column) {
   const bool descending =
       order == c->folder.order() ? !c->folder.descending() : order != Order::kName;
   c->folder.Sort(order, descending);
-  ListedAgain(c, kept);
+  Listed(c, kept);
   c->files.Reveal(c->files.selected());
 }
 
+// What is being entered is read just now.
 void RefreshFolder(Console* c) {
-  const std::string kept = SelectedName(c);
-  c->folder.Read();
-  ListedAgain(c, kept);
+  if (c->reader.wish() && Moves(*c->reader.wish())) return;
+  AskFolder(c, {FolderWish::kAgain, c->folder.path(), "", {}});
 }
 
 void FindLetter(Console* c, int character) {
@@ -190,14 +311,7 @@ void ShowDocument(Console* c, const char* path) {
   if (!path || path[0] != '/') return;
   std::string document = path;
   while (document.size() > 1 && document.back() == '/') document.pop_back();
-  struct stat s {};
-  if (stat(document.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) {
-    EnterFolder(c, document, "");
-    return;
-  }
-  if (!EnterFolder(c, ParentPath(document), LastName(document))) return;
-  c->stop = Stop::kFiles;
-  if (c->files.selected() < 0) Tell(c, false, LastName(document) + ": " + strerror(ENOENT));
+  AskFolder(c, {FolderWish::kDocument, document, "", {}});
 }
 
 }  // namespace console

@@ -1,6 +1,7 @@
 // The window's side.
 #include "app/server.h"
 
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 
 #include <cstdio>
@@ -20,6 +21,8 @@ int64_t MonotonicMs() {
 namespace {
 
 constexpr int kPatienceMs = 20000;
+// Nothing that the worker waits for outlasts the wish to stop; a document's folder may hang.
+constexpr int kStopMs = 200;
 
 // What a person would see of the state, as one number. How far a transfer has come is left out: it
 // depends on the network alone.
@@ -57,7 +60,7 @@ std::string DigestOf(const ServerState& s) {
 
 }  // namespace
 
-Server::Shared::Shared() {
+Server::Shared::Shared() : stopped(eventfd(0, EFD_CLOEXEC)) {
   OS_CreateMutex(&mutex);
   pthread_condattr_t attributes;
   pthread_condattr_init(&attributes);
@@ -81,12 +84,12 @@ Locked::~Locked() {
 }
 
 Server::Server(const std::string& host, bool replaying)
-    : host_(host.empty() ? "localhost" : host), shared_(std::make_unique<Shared>()) {
+    : host_(host.empty() ? "localhost" : host), shared_(std::make_shared<Shared>()) {
   shared_->host = host_;
   shared_->keep = replaying;
   if (replaying) shared_->kept.push_back(shared_->state);
-  thread_ = OS_StartThread(RunWorker, shared_.get());
-  if (thread_ < 0) {
+  worker_ = Errand([shared = shared_] { RunWorker(shared.get()); });
+  if (worker_.failed()) {
     shared_->state.link = Link::kAway;
     shared_->state.trouble = "no thread could be started";
   }
@@ -98,9 +101,10 @@ Server::~Server() {
     shared_->stop = true;
     for (int fd : shared_->open)
       if (fd >= 0) shutdown(fd, SHUT_RDWR);
+    eventfd_write(shared_->stopped.get(), 1);
     pthread_cond_broadcast(&shared_->wake);
   }
-  if (thread_ > 0) OS_WaitThread(thread_);
+  worker_.WaitFor(kStopMs);
 }
 
 std::string Server::News() {

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "app/errand.h"
 #include "printserver/records.h"
 
 namespace console {
@@ -80,7 +81,8 @@ class Server {
   // Starts the worker. `host` empty: localhost.
   // `replaying`: keeps each state until it is taken up.
   explicit Server(const std::string& host, bool replaying = false);
-  // Cancels what is being sent and waits for the worker, at most as long as one deadline.
+  // Cancels what is being sent and ends the worker, whatever it is waiting for. One that hangs in
+  // reading a document is left to end by itself.
   ~Server();
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
@@ -109,8 +111,8 @@ class Server {
   bool TakeKept(const char* digest, size_t notices, ServerState* state);
 
   std::string host_;
-  std::unique_ptr<Shared> shared_;
-  int thread_ = -1;
+  std::shared_ptr<Shared> shared_;
+  Errand worker_;
   int64_t seen_ = 0;
   int seen_quiet_ = 0;
   std::string seen_digest_;

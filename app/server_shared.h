@@ -6,6 +6,7 @@
 #include <deque>
 
 #include "app/server.h"
+#include "os/final_path.h"
 #include "os/os.h"
 
 namespace console {
@@ -24,8 +25,11 @@ struct Server::Shared {
   std::deque<PendingChange> changes;     // not yet begun
   bool stop = false, refresh = false;
   int next_number = 1;
-  int cancelled = 0;       // the transfer that is to be broken off
-  int open[2] = {-1, -1};  // the worker's connections, so that stopping can end what it waits for
+  int cancelled = 0;  // the transfer that is to be broken off
+  // What ends the worker's waiting when it is to stop: its connections are shut down, and this
+  // becomes readable for the one that is just being made.
+  int open[2] = {-1, -1};
+  os::Handle stopped;
   std::string host;
   // Each state that was published and not taken up: for a replay, which may have to take up one
   // that the next has replaced.
@@ -52,7 +56,7 @@ class Locked {
   Server::Shared* shared_;
 };
 
-// The worker: `shared` is a Server::Shared. Returns null.
-void* RunWorker(void* shared);
+// The worker: until it is to stop.
+void RunWorker(Server::Shared* shared);
 
 }  // namespace console

@@ -39,7 +39,7 @@ Worker::~Worker() {
 }
 
 int Worker::Connect(Which which, int ms) {
-  const int fd = NC_ConnectN(shared_->host.c_str(), ms);
+  const int fd = NC_ConnectStopN(shared_->host.c_str(), ms, shared_->stopped.get());
   if (fd < 0) return fd;
   NC_SetDeadline(fd, kCallMs);
   Locked lock(shared_);
@@ -252,10 +252,9 @@ bool Worker::Ready() {
   return shared_->open[kLists] >= 0 && shared_->state.link == Link::kReady && !shared_->stop;
 }
 
-void* RunWorker(void* shared) {
-  Worker worker(static_cast<Server::Shared*>(shared));
+void RunWorker(Server::Shared* shared) {
+  Worker worker(shared);
   worker.Run();
-  return nullptr;
 }
 
 }  // namespace console

@@ -1,6 +1,5 @@
 // Left: places to go. Right: what is selected, and the printer that it would go to.
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 
 #include <ctime>
 
@@ -17,10 +16,9 @@ Area PlaceArea(const Console* c, int i) {
   return {a.x + 4, a.y + kCaption + i * kPlaceHeight, a.w - 9, kPlaceHeight - 1};
 }
 
-void AddPlace(Console* c, const char* name, int folder) {
+bool IsFolder(const Place& place) {
   struct stat s {};
-  const std::string path = folder < 0 ? "/" : OS_GetPathName(folder);
-  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) c->places.push_back({name, path});
+  return stat(place.path.c_str(), &s) == 0 && S_ISDIR(s.st_mode);
 }
 
 // The place that the folder lies deepest in, -1 none. Everything lies in the root: that says
@@ -117,18 +115,27 @@ void DrawPrinter(const Console* c, Area a) {
 
 }  // namespace
 
+// Those that everyone has come first, and are not looked for.
 void FindPlaces(Console* c) {
-  c->places.clear();
-  AddPlace(c, "Root", -1);
-  AddPlace(c, "Home", OS_FOLDER_HOME);
-  AddPlace(c, "Desktop", OS_FOLDER_DESKTOP);
-  AddPlace(c, "Documents", OS_FOLDER_DOCUMENTS);
-  AddPlace(c, "Shared", OS_FOLDER_SHARED);
-  struct statvfs s {};
-  c->free_text.clear();
-  if (statvfs(c->folder.path().c_str(), &s) == 0)
-    c->free_text = SizeText(int64_t(s.f_bavail) * int64_t(s.f_frsize)) + " free of " +
-                   SizeText(int64_t(s.f_blocks) * int64_t(s.f_frsize));
+  const std::vector<Place> always = {{"Root", "/"}, {"Home", OS_GetPathName(OS_FOLDER_HOME)}};
+  const std::vector<Place> others = {{"Desktop", OS_GetPathName(OS_FOLDER_DESKTOP)},
+                                     {"Documents", OS_GetPathName(OS_FOLDER_DOCUMENTS)},
+                                     {"Shared", OS_GetPathName(OS_FOLDER_SHARED)}};
+  c->places = always;
+  auto found = std::make_shared<std::vector<Place>>(always);
+  c->finder.found = found;
+  c->finder.errand = Errand([found, others] {
+    for (const Place& place : others)
+      if (IsFolder(place)) found->push_back(place);
+  });
+}
+
+void TakeUpPlaces(Console* c) {
+  if (!c->finder.found) return;
+  if (!XwTakeUp("places", c->finder.errand.Done() ? "found" : nullptr)) return;
+  if (c->finder.errand.WaitFor(kReplayPatienceMs)) c->places = *c->finder.found;
+  c->finder = {};
+  c->damage |= kPlacesPane;
 }
 
 void DrawPlacesPane(Console* c) {

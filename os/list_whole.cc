@@ -24,6 +24,10 @@ struct WholeListing {
   uint64_t total = 0;  // bytes of the regular files that matched
 };
 
+bool IsParent(const char* name) {
+  return strcmp(name, ".") == 0 || strcmp(name, "..") == 0;
+}
+
 void Add(WholeListing* list, const char* name, const OS_ListEntryN& figures) {
   OS_ListEntryN entry = figures;
   entry.name = reinterpret_cast<const char*>(list->names.size());
@@ -69,7 +73,7 @@ bool ReadFolder(const char* path, const char* patterns, int types, WholeListing*
   if (!folder) return false;
   while (const dirent* file = readdir(folder)) {
     const char* name = file->d_name;
-    if (strcmp(name, ".") == 0 || strcmp(name, "..") == 0) continue;
+    if (IsParent(name)) continue;
     const bool matched = std::any_of(split.begin(), split.end(), [name](const std::string& p) {
       return match_name(p.c_str(), name) != 0;
     });
@@ -137,13 +141,18 @@ OS_ListEntryN* OS_ListDirN(const char* path, const char* patterns, int* count, i
   if (!read || list.entries.empty()) return nullptr;
   if (parents == 2) list.entries[0].size = list.total;
   OS_ListEntryN* result = Pack(list);
-  if (!result) {
-    if (count) *count = -1;
-  } else if (sort & ~OS_SORT_WHOLE) {
-    std::sort(result + parents, result + list.entries.size(),
-              [sort](const auto& a, const auto& b) { return ComesBefore(a, b, sort); });
-  }
+  if (!result && count) *count = -1;
+  OS_ListSortN(result, static_cast<int>(list.entries.size()), sort);
   return result;
+}
+
+void OS_ListSortN(OS_ListEntryN* list, int count, int sort) {
+  if (!list || count < 1 || !(sort & ~OS_SORT_WHOLE)) return;
+  // No file has the name of one of these.
+  int fixed = 0;
+  while (fixed < count && IsParent(list[fixed].name)) ++fixed;
+  std::sort(list + fixed, list + count,
+            [sort](const auto& a, const auto& b) { return ComesBefore(a, b, sort); });
 }
 
 void OS_ListFreeN(OS_ListEntryN* list) {

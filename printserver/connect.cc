@@ -59,6 +59,20 @@ bool FinishConnect(int fd, Deadline deadline) {
   return error == 0;
 }
 
+// A greeted connection with that deadline, or the code.
+int ConnectWithin(const char* host, int32_t ms, Deadline deadline) {
+  os::Handle fd;
+  const int began = Begin(host, false, deadline, &fd);
+  if (began < 0) return began;
+  if (began == 0 && !FinishConnect(fd.get(), deadline)) return NC_NO_SERVER;
+  const int greeted = Greet(fd.get(), deadline);
+  if (greeted < 0) return greeted;
+  const int flags = fcntl(fd.get(), F_GETFL);
+  if (fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return NC_NO_SOCKET;
+  if (NC_SetDeadline(fd.get(), ms) != 0) return NC_NO_SOCKET;
+  return fd.Release();
+}
+
 bool IsWritable(int fd) {
   pollfd one = {fd, POLLOUT, 0};
   return poll(&one, 1, 0) > 0 && !(one.revents & POLLNVAL);
@@ -99,18 +113,14 @@ int NC_Connect(const char* host, int32_t blocking) {
 }
 
 int NC_ConnectN(const char* host, int32_t ms) {
+  return NC_ConnectStopN(host, ms, -1);
+}
+
+int NC_ConnectStopN(const char* host, int32_t ms, int stop) {
   if (ms < 1) ms = kUsualDeadline;
-  const Deadline deadline = Deadline::In(ms);
-  os::Handle fd;
-  const int began = Begin(host, false, deadline, &fd);
-  if (began < 0) return began;
-  if (began == 0 && !FinishConnect(fd.get(), deadline)) return NC_NO_SERVER;
-  const int greeted = Greet(fd.get(), deadline);
-  if (greeted < 0) return greeted;
-  const int flags = fcntl(fd.get(), F_GETFL);
-  if (fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return NC_NO_SOCKET;
-  if (NC_SetDeadline(fd.get(), ms) != 0) return NC_NO_SOCKET;
-  return fd.Release();
+  const Deadline deadline = Deadline::In(ms, stop);
+  const int fd = ConnectWithin(host, ms, deadline);
+  return fd < 0 && deadline.Stopped() ? NC_CANCELLED : fd;
 }
 
 int NC_Ready(const char* host, int* fd) {

@@ -33,7 +33,7 @@ extern "C" {
 
 #define NC_PORT 51470
 
-// Results below 0 of NC_Connect and its relatives.
+// Results below 0 of NC_Connect and its relatives (and NC_CANCELLED of NC_ConnectStopN).
 #define NC_NO_HOST -1    // the host was not found
 #define NC_NO_SOCKET -3  // the system gave no socket
 #define NC_NO_SERVER -4  // nobody listens there, or the greeting was not answered
@@ -41,7 +41,7 @@ extern "C" {
 
 // Results below 0 of NC_WritePrintRequestN.
 #define NC_ERROR -1        // the connection failed or ran out of time
-#define NC_CANCELLED -2    // the progress function asked to stop
+#define NC_CANCELLED -2    // the progress function, or the descriptor, asked to stop
 #define NC_BAD_REQUEST -3  // refused before anything was sent: the connection is still good
 #define NC_UNREADABLE -4   // the document could not be read or was shorter than announced
 
@@ -72,6 +72,10 @@ int NC_Connect(const char* host, int32_t blocking);
 // That is also the deadline of the connection from then on. The codes are those of NC_Connect;
 // errno is ETIMEDOUT when time ran out.
 int NC_ConnectN(const char* host, int32_t ms);
+
+// The same, but another thread can end the waiting: as soon as the descriptor `stop` (of an eventfd
+// or a pipe; below 0: none) can be read, the result is NC_CANCELLED. Nothing is read from it.
+int NC_ConnectStopN(const char* host, int32_t ms, int stop);
 
 // Poll a descriptor of NC_Connect(host, 0), without waiting. 0: not yet. 1: the server is there,
 // and *fd is now a new connection, greeted, without a deadline. If the server accepted but the

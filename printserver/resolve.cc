@@ -3,15 +3,17 @@
 #include <arpa/inet.h>
 #include <errno.h>
 #include <netdb.h>
+#include <poll.h>
 #include <pthread.h>
 #include <string.h>
+#include <sys/eventfd.h>
 
-#include <chrono>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
+
+#include "os/final_path.h"
 
 namespace nc {
 
@@ -38,9 +40,8 @@ bool LookUp(const char* host, in_addr* address) {
 // One look-up on a thread of its own; both sides hold it, so that the one who waits may leave.
 struct Search {
   std::string host;
+  os::Handle ended{eventfd(0, EFD_CLOEXEC)};  // readable when it has ended
   std::mutex lock;
-  std::condition_variable ended;
-  bool done = false;
   bool found = false;
   in_addr address = {};
 };
@@ -54,8 +55,7 @@ void* RunSearch(void* argument) {
   const std::lock_guard<std::mutex> guard(search.lock);
   search.found = found;
   search.address = address;
-  search.done = true;
-  search.ended.notify_one();
+  eventfd_write(search.ended.get(), 1);
   return nullptr;
 }
 
@@ -78,13 +78,11 @@ bool Resolve(const char* host, in_addr* address, Deadline deadline) {
   if (deadline.none()) return LookUp(host, address);
   const auto search = std::make_shared<Search>();
   search->host = host;
-  if (!StartSearch(search)) return false;
-  std::unique_lock<std::mutex> guard(search->lock);
-  const auto limit = std::chrono::milliseconds(deadline.Left());
-  if (!search->ended.wait_for(guard, limit, [&search] { return search->done; })) {
-    errno = ETIMEDOUT;
-    return false;
-  }
+  if (!search->ended || !StartSearch(search)) return false;
+  const int ready = WaitFor(search->ended.get(), POLLIN, deadline);
+  if (ready == 0) errno = ETIMEDOUT;
+  if (ready <= 0) return false;
+  const std::lock_guard<std::mutex> guard(search->lock);
   *address = search->address;
   return search->found;
 }

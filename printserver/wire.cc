@@ -51,8 +51,13 @@ ssize_t SendSome(int fd, const char* data, size_t n, Deadline deadline, size_t* 
 
 }  // namespace
 
-Deadline Deadline::In(int32_t ms) {
-  return Deadline(Now() + ms * kNanosecondsPerMs);
+Deadline Deadline::In(int32_t ms, int stop) {
+  return Deadline(Now() + ms * kNanosecondsPerMs, stop);
+}
+
+bool Deadline::Stopped() const {
+  pollfd one = {stop_, POLLIN, 0};
+  return stop_ >= 0 && poll(&one, 1, 0) > 0;
 }
 
 Deadline Deadline::Of(int fd) {
@@ -68,8 +73,10 @@ int Deadline::Left() const {
 
 int WaitFor(int fd, short events, Deadline deadline) {
   for (;;) {
-    pollfd one = {fd, events, 0};
-    const int ready = poll(&one, 1, deadline.Left());
+    // A descriptor below 0 is passed over.
+    pollfd both[] = {{fd, events, 0}, {deadline.stop(), POLLIN, 0}};
+    const int ready = poll(both, 2, deadline.Left());
+    if (ready > 0 && both[1].revents) return Refuse(ECANCELED);
     if (ready >= 0 || errno != EINTR) return ready;
   }
 }

@@ -7,21 +7,26 @@
 
 namespace nc {
 
-// A moment in the future, or none.
+// A moment in the future, or none; and perhaps a descriptor that ends the waiting before it when it
+// becomes readable.
 class Deadline {
  public:
   static Deadline None() { return Deadline(-1); }
-  static Deadline In(int32_t ms);
+  static Deadline In(int32_t ms, int stop = -1);
   // The one that a call on this connection has from now on.
   static Deadline Of(int fd);
 
   bool none() const { return end_ < 0; }
   // Milliseconds left, rounded up; 0 when it has passed, -1 when there is none: as poll takes it.
   int Left() const;
+  // The descriptor, -1 for none, and whether it is readable.
+  int stop() const { return stop_; }
+  bool Stopped() const;
 
  private:
-  explicit Deadline(int64_t end) : end_(end) {}
+  explicit Deadline(int64_t end, int stop = -1) : end_(end), stop_(stop) {}
   int64_t end_;  // nanoseconds of the monotonic clock
+  int stop_;
 };
 
 // Send or receive exactly `n` bytes; false, with errno, when that fails (ETIMEDOUT: out of time;
@@ -30,7 +35,7 @@ bool SendAll(int fd, const void* data, size_t n, Deadline deadline);
 bool ReadAll(int fd, void* data, size_t n, Deadline deadline);
 
 // Wait until the descriptor is ready for `events` (of poll), has failed, or the deadline has
-// passed. Signals do not end the wait. 1 ready, 0 out of time, -1 error.
+// passed. Signals do not end the wait. 1 ready, 0 out of time, -1 error (ECANCELED: stopped).
 int WaitFor(int fd, short events, Deadline deadline);
 
 // Send "KRV" and the code, followed by the fields, in one piece.

@@ -1,5 +1,6 @@
 // Timers of the main loop: a short list, searched only when its earliest deadline has come.
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "platform/events/queue.h"
@@ -17,6 +18,11 @@ struct EventLoopTimer {
 namespace {
 
 constexpr double kShortest = 1e-6;  // seconds
+
+// In whole microseconds, so that what falls together falls together, however it was summed up.
+double Moment(double seconds) {
+  return std::round(seconds * 1e6) / 1e6;
+}
 
 struct TimerList {
   std::vector<EventLoopTimer*> timers;
@@ -60,7 +66,7 @@ void Advance(EventLoopTimer* t, double now) {
   }
   // Missed periods are made up by one call; the phase stays.
   double missed = std::max(0.0, double(int64_t((now - t->next) / t->interval)));
-  t->next += (missed + 1) * t->interval;
+  t->next = Moment(t->next + (missed + 1) * t->interval);
   // A deadline that rounding left at this very moment has been served.
   if (t->next <= now + t->interval * 1e-6) t->next += t->interval;
 }
@@ -70,7 +76,7 @@ void Advance(EventLoopTimer* t, double now) {
 EventLoopTimerRef InstallEventLoopTimer(double delay, double interval, EventLoopTimerProc proc,
                                         void* user_data) {
   if (interval > 0) interval = std::max(interval, kShortest);
-  auto* t = new EventLoopTimer{GetCurrentEventTime() + std::max(0.0, delay), interval, proc,
+  auto* t = new EventLoopTimer{Moment(GetCurrentEventTime() + std::max(0.0, delay)), interval, proc,
                                user_data, false};
   List().timers.push_back(t);
   UpdateEarliest();
@@ -86,7 +92,7 @@ void RemoveEventLoopTimer(EventLoopTimerRef timer) {
 
 void SetEventLoopTimerNextFireTime(EventLoopTimerRef timer, double delay) {
   if (!IsListed(timer)) return;
-  timer->next = GetCurrentEventTime() + std::max(0.0, delay);
+  timer->next = Moment(GetCurrentEventTime() + std::max(0.0, delay));
   UpdateEarliest();
 }
 

@@ -94,8 +94,10 @@ void ControlP() {
   const auto w = static_cast<platform::WindowRef>(c->window->platform);
   display::Configure(w, {40, 120, 40 + 860, 120 + 600});
   Turn(3);
+  Until([&] { return c->folder.Find("Jobs") >= 0; });
   Click(c->files.RowArea(c->folder.Find("Jobs")));
   Click(c->files.RowArea(c->folder.Find("Jobs")));
+  Until([&] { return c->folder.Find("Überlänge.pdf") >= 0; });
   Click(c->files.RowArea(c->folder.Find("Überlänge.pdf")));
   ControlP();
   Until([&] { return c->rows.size() == 1 && !c->rows[0].transfer; });
@@ -108,6 +110,7 @@ void ControlP() {
   Click(c->layout.hold_job);
   Until([&] { return c->state.jobs->at(0).state == NC_JOB_HELD && c->state.pending.empty(); });
   display::OpenFile((home + "/Jobs/Überlänge.pdf").c_str());
+  Until([&] { return c->files.selected() == c->folder.Find("Überlänge.pdf"); });
   Click(c->queue.RowArea(1));
   Click(c->layout.remove_job);
   Until([&] { return c->rows.size() == 1; });
@@ -168,6 +171,13 @@ std::string WithoutTime(const std::string& trace) {
   return support::MergeMotions(rest);
 }
 
+// Folders that are read slowly: longer than is waited for them at once.
+FolderReader::Read usual_read;
+void ReadSlowly(FolderReading* r) {
+  usleep(40000);
+  usual_read(r);
+}
+
 class Recording : public testing::Test {
  protected:
   void SetUp() override {
@@ -186,14 +196,27 @@ class Recording : public testing::Test {
 };
 
 TEST_F(Recording, ReplaysToTheSameTraceAndPicture) {
-  const Outcome o =
-      RunProgram(Replay, home_.At("home"), {{"XW_DISPLAY", "headless"}, {"XW_REPLAY", file_}},
-                 home_.At("b.png"));
-  EXPECT_EQ(o.status, 0);
-  EXPECT_EQ(o.trace, recorded_.trace) << ReadFile(file_);
-  const std::string picture = ReadFile(home_.At("a.png"));
-  EXPECT_GT(picture.size(), 5000u);
-  EXPECT_TRUE(picture == ReadFile(home_.At("b.png")));
+  // Folders that were read at once are waited for, and those that were waited for come no sooner.
+  usual_read = FolderReader::read;
+  for (const bool slow : {false, true}) {
+    FolderReader::read = slow ? ReadSlowly : usual_read;
+    if (slow) {
+      recorded_ = RunProgram(Record, home_.At("home"),
+                             {{"XW_DISPLAY", "headless"}, {"XW_RECORD", file_}}, home_.At("a.png"));
+      ASSERT_EQ(recorded_.status, 0);
+    }
+    for (const bool slow_again : {false, true}) {
+      FolderReader::read = slow_again ? ReadSlowly : usual_read;
+      const Outcome o =
+          RunProgram(Replay, home_.At("home"), {{"XW_DISPLAY", "headless"}, {"XW_REPLAY", file_}},
+                     home_.At("b.png"));
+      EXPECT_EQ(o.status, 0);
+      EXPECT_EQ(o.trace, recorded_.trace) << ReadFile(file_);
+      const std::string picture = ReadFile(home_.At("a.png"));
+      EXPECT_GT(picture.size(), 5000u);
+      EXPECT_TRUE(picture == ReadFile(home_.At("b.png")));
+    }
+  }
 }
 
 TEST_F(Recording, ReplaysOnXWhateverThePointerThereDoes) {

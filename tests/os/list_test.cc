@@ -239,6 +239,27 @@ TEST(ListDirN, PatternsTypesAndSorts) {
   }
 }
 
+TEST(ListDirN, ASortOfTheListIsASortOfTheFolder) {
+  Scratch scratch;
+  Populate(scratch);
+  const int types = kBoth | OS_LIST_SELF;
+  int count = 0;
+  OS_ListEntryN* list = OS_ListDirN(scratch.path().c_str(), "*", &count, types, 0);
+  for (int sort : {OS_SORT_NAME, OS_SORT_SIZE, OS_SORT_TIME | OS_SORT_DESCENDING,
+                   OS_SORT_NAME | OS_SORT_DESCENDING | OS_SORT_FOLDERS_FIRST, 0}) {
+    OS_ListSortN(list, count, sort);
+    Names names;
+    for (int i = 0; i < count; ++i) names.push_back(list[i].name);
+    if (sort) {
+      EXPECT_EQ(names, ListN(scratch.path(), "*", types, sort).names) << sort;
+    }
+    EXPECT_EQ(names[1], "..");
+  }
+  OS_ListSortN(list, 0, OS_SORT_NAME);
+  OS_ListFreeN(list);
+  OS_ListSortN(nullptr, 5, OS_SORT_NAME);
+}
+
 TEST(ListDirN, WholeNamesAndFigures) {
   Scratch scratch;
   const std::string name(255, 'n');

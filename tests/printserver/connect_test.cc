@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <string.h>
+#include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 
+#include "os/final_path.h"
 #include "printserver/nc.h"
 #include "printserver/resolve.h"
 #include "tests/printserver/peer.h"
@@ -86,6 +88,36 @@ TEST(Connect, DeadlineOfASilentServer) {
   errno = 0;
   EXPECT_EQ(NC_ConnectN(server.host.c_str(), 30), NC_NO_SERVER);
   EXPECT_EQ(errno, ETIMEDOUT);
+}
+
+// Whatever the connecting waits for, far within its deadline.
+TEST(Connect, ADescriptorEndsTheWaiting) {
+  constexpr int kHour = 3600000;
+  const os::Handle stop(eventfd(0, EFD_CLOEXEC));
+  {
+    Listener server;
+    server.Serve(1, [](int end) {
+      ReceiveText(end, 4);
+      SendText(end, "\x01");
+      AwaitEnd(end);
+    });
+    const int fd = NC_ConnectStopN(server.host.c_str(), kHour, stop.get());
+    EXPECT_GE(fd, 0);
+    NC_Disconnect(fd);
+  }
+  Listener silent;
+  std::thread other([&] {
+    usleep(20000);
+    eventfd_write(stop.get(), 1);
+  });
+  EXPECT_EQ(NC_ConnectStopN(silent.host.c_str(), kHour, stop.get()), NC_CANCELLED);
+  other.join();
+  EXPECT_EQ(NC_ConnectStopN(silent.host.c_str(), kHour, stop.get()), NC_CANCELLED);
+  in_addr address;
+  errno = 0;
+  EXPECT_FALSE(nc::Resolve("no-such-host.invalid", &address, nc::Deadline::In(kHour, stop.get())));
+  EXPECT_EQ(errno, ECANCELED);
+  EXPECT_EQ(NC_ConnectStopN(silent.host.c_str(), 20, -1), NC_NO_SERVER);
 }
 
 // A look-up that is given up goes on by itself, and harms nobody when it ends.

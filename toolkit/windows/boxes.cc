@@ -26,8 +26,7 @@ struct XwBoxes {
   uint16_t capacity;
 };
 
-// The box that is being added.
-static int16_t blpx, blpy, bllx, blly;
+int16_t blpx, blpy, bllx, blly;
 
 XwBoxes* XAllocbl() {
   auto* list = static_cast<XwBoxes*>(calloc(1, sizeof(XwBoxes)));

@@ -49,7 +49,8 @@ extern int32_t XStackCount;
 // Takes a window that ends out of the selection and the stack.
 void ForgetTarget(XwWindow* w);
 
-// Box lists.
+// Box lists. The box that XAddbl adds: x, y, width, height.
+extern int16_t blpx, blpy, bllx, blly;
 XwBoxes* XAllocbl();
 void XAddbl(XwBoxes* list, int id);
 void XEndbl(XwBoxes* list);

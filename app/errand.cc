@@ -1,0 +1,107 @@
+#include "app/errand.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+#include "os/os.h"
+
+namespace console {
+namespace {
+
+// Threads that hang at the same time: whoever tries again and again gets a failure then.
+constexpr size_t kMostDropped = 32;
+
+}  // namespace
+
+struct Errand::State {
+  std::function<void()> work;
+  int thread = -1;  // -1: it has none
+  std::mutex lock;
+  std::condition_variable ended;
+  bool done = false;
+
+  bool WaitFor(int ms) {
+    std::unique_lock<std::mutex> guard(lock);
+    return ended.wait_for(guard, std::chrono::milliseconds(ms), [this] { return done; });
+  }
+  static std::vector<std::shared_ptr<State>>& Dropped();
+  // Takes back the threads of dropped errands that have ended.
+  static void Reap();
+};
+
+// Kept for the life of the process: a thread may hang beyond the session.
+std::vector<std::shared_ptr<Errand::State>>& Errand::State::Dropped() {
+  static auto* dropped = new std::vector<std::shared_ptr<State>>;
+  return *dropped;
+}
+
+void Errand::State::Reap() {
+  std::erase_if(Dropped(), [](const std::shared_ptr<State>& s) {
+    if (!s->WaitFor(0)) return false;
+    OS_WaitThread(s->thread);
+    return true;
+  });
+}
+
+void* Errand::Run(void* argument) {
+  const std::unique_ptr<std::shared_ptr<State>> mine(
+      static_cast<std::shared_ptr<State>*>(argument));
+  State& state = **mine;
+  state.work();
+  state.work = nullptr;
+  const std::lock_guard<std::mutex> guard(state.lock);
+  state.done = true;
+  state.ended.notify_all();
+  return nullptr;
+}
+
+Errand::Errand(std::function<void()> work) : state_(std::make_shared<State>()) {
+  state_->work = std::move(work);
+  State::Reap();
+  if (State::Dropped().size() < kMostDropped) {
+    auto* theirs = new std::shared_ptr<State>(state_);
+    state_->thread = OS_StartThread(Run, theirs);
+    if (state_->thread < 0) delete theirs;
+  }
+  if (state_->thread < 0) state_->done = true;
+}
+
+Errand& Errand::operator=(Errand&& other) noexcept {
+  if (this == &other) return *this;
+  Drop();
+  state_ = std::move(other.state_);
+  return *this;
+}
+
+bool Errand::failed() const {
+  return state_ && state_->thread < 0;
+}
+
+bool Errand::Done() const {
+  return WaitFor(0);
+}
+
+bool Errand::WaitFor(int ms) const {
+  return state_ && state_->WaitFor(ms);
+}
+
+void Errand::Drop() {
+  if (state_ && state_->thread >= 0) State::Dropped().push_back(state_);
+  state_.reset();
+  State::Reap();
+}
+
+int Errand::Settle(int ms) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
+  for (const auto& s : State::Dropped()) {
+    const auto left = end - std::chrono::steady_clock::now();
+    s->WaitFor(
+        std::max<int>(0, int(std::chrono::duration_cast<std::chrono::milliseconds>(left).count())));
+  }
+  State::Reap();
+  return int(State::Dropped().size());
+}
+
+}  // namespace console

@@ -1,0 +1,58 @@
+// Reads folders on threads of their own: a mount that does not answer holds up neither the window
+// nor its end.
+#pragma once
+#include "app/errand.h"
+#include "app/folder.h"
+
+namespace console {
+
+struct FolderWish {
+  enum Kind : uint8_t {
+    kEnter,     // another folder
+    kUp,        // the same, or the nearest one above it that can be read
+    kDocument,  // a document's folder, with it selected; a folder itself
+    kAgain,     // the one that is shown
+    kWatch      // the one that is shown, if it has changed since
+  } kind = kEnter;
+  std::string path, select;  // `select`: a name in it, "" for none
+  FolderStamp since;         // kWatch
+  bool operator==(const FolderWish&) const = default;
+};
+
+// A wish and what came of it.
+struct FolderReading {
+  FolderWish wish;
+  int error;                     // of the system; 0 when it was read
+  bool changed = true;           // kWatch: false when there is nothing new
+  FolderListing listing;         // its path may differ from the wish's
+  std::string select;            // the name to select there
+  int64_t free = -1, room = -1;  // bytes on its volume, -1 when not known
+};
+
+class FolderReader {
+ public:
+  // What looks at the file system. Tests put a slow one in its place.
+  using Read = void (*)(FolderReading*);
+  static Read read;
+
+  // What was asked for before is dropped, and its result never shown.
+  void Ask(FolderWish wish);
+  void Drop();
+  // Drops a watch that has ended and found nothing new.
+  void DropUnchanged();
+  // What is being waited for; null when nothing is.
+  const FolderWish* wish() const { return reading_ ? &reading_->wish : nullptr; }
+  // How many have been asked for, those that only watch left out.
+  int number() const { return number_; }
+  bool Done() const { return errand_.Done(); }
+  bool WaitFor(int ms) const { return errand_.WaitFor(ms); }
+  // Of one that is done: hands it over.
+  std::shared_ptr<FolderReading> Take();
+
+ private:
+  Errand errand_;
+  std::shared_ptr<FolderReading> reading_;
+  int number_ = 0;
+};
+
+}  // namespace console

@@ -1,0 +1,227 @@
+// Folders on the console's window: slow ones, ones that hang, ones that vanish.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <filesystem>
+#include <mutex>
+
+#include "tests/app/console_fixture.h"
+
+namespace console {
+namespace {
+
+// Stands before the file system: folders with "hangs" in their paths are not read before it opens.
+struct Gate {
+  std::mutex lock;
+  std::condition_variable opened;
+  bool open = false;
+  int waiting = 0;
+
+  void Pass() {
+    std::unique_lock<std::mutex> guard(lock);
+    ++waiting;
+    opened.wait(guard, [this] { return open; });
+    --waiting;
+  }
+  void Open() {
+    const std::lock_guard<std::mutex> guard(lock);
+    open = true;
+    opened.notify_all();
+  }
+  int Waiting() {
+    const std::lock_guard<std::mutex> guard(lock);
+    return waiting;
+  }
+};
+
+FolderReader::Read usual_read;
+Gate* gate;
+
+void ReadBehindGate(FolderReading* r) {
+  if (r->wish.path.find("hangs") != std::string::npos) gate->Pass();
+  usual_read(r);
+}
+
+class FolderTest : public ConsoleTest {
+ protected:
+  void SetUp() override {
+    ConsoleTest::SetUp();
+    home_.Folder("hangs");
+    home_.File("hangs/inside.txt", "x");
+    static auto* the_gate = new Gate;  // may be waited at beyond the end
+    gate = the_gate;
+    usual_read = usual_read_;
+  }
+  void TearDown() override {
+    gate->Open();
+    ConsoleTest::TearDown();
+    EXPECT_EQ(Errand::Settle(20000), 0);
+  }
+  // From now on what hangs is behind the gate.
+  void CloseGate() { FolderReader::read = ReadBehindGate; }
+  bool HeadSays(const std::string& words) {
+    return Until([&] { return c_->reading_text.find(words) == 0; });
+  }
+  bool HangsIn(const std::string& path) {
+    const FolderWish* w = c_->reader.wish();
+    return w && w->path == path && gate->Waiting() > 0;
+  }
+};
+
+constexpr uint32_t kReturnKey = 0xFF0D, kDownKey = 0xFF54, kEscapeKey = 0xFF1B, kF5Key = 0xFFC2;
+constexpr uint32_t kBackspaceKey = 0xFF08;
+
+TEST_F(FolderTest, OneThatHangsHoldsUpNothing) {
+  Open("127.0.0.0");
+  CloseGate();
+  Click(FileRow("hangs"));
+  Key(kReturnKey);
+  ASSERT_TRUE(HeadSays("Reading hangs"));
+  ASSERT_TRUE(HeadSays("No answer for 3 s: hangs"));
+  EXPECT_TRUE(HangsIn(home_.At("hangs")));
+  // The folder shown stays, and can be used.
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  Key(0xFF50);
+  Key(kDownKey);
+  EXPECT_EQ(Selected(), "Empty");
+  // Asking again does not start another, nor does a look for changes.
+  Click(FileRow("hangs"));
+  for (int i = 0; i < 5; ++i) Key(kReturnKey);
+  Key(kF5Key);
+  Turn(150);
+  EXPECT_EQ(gate->Waiting(), 1);
+  // Another folder is entered meanwhile. What comes late is not shown.
+  Click(FileRow("Empty"));
+  Key(kReturnKey);
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+  Turn(20);
+  EXPECT_EQ(c_->reading_text, "");
+  gate->Open();
+  ASSERT_TRUE(Until([&] { return Errand::Settle(0) == 0; }));
+  Turn(50);
+  EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+}
+
+TEST_F(FolderTest, EscapeGivesUpAndWhatComesIsShown) {
+  Open("127.0.0.0");
+  CloseGate();
+  EnterFolder(c_, home_.At("hangs"), "inside.txt");
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->reader.wish(), nullptr);
+  Turn(20);
+  EXPECT_EQ(c_->reading_text, "");
+  EnterFolder(c_, home_.At("hangs"), "inside.txt");
+  Turn(20);
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  gate->Open();
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), home_.At("hangs"));
+  EXPECT_EQ(Selected(), "inside.txt");
+}
+
+TEST_F(FolderTest, AStartInOneThatHangsLeadsElsewhere) {
+  CloseGate();
+  home_.Folder("hangs/deep");
+  const std::string start = home_.At("hangs/deep");
+  setenv("HOME", start.c_str(), 1);
+  display::UseSteppedClock(1000);
+  XwSession("Quorvik", "Quorvik", 7);
+  c_ = OpenConsole("127.0.0.0", start);
+  ASSERT_NE(c_, nullptr);
+  pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
+  XwTimer(pump_, 1, 20);
+  ASSERT_TRUE(HeadSays("No answer for 3 s: deep"));
+  EXPECT_EQ(c_->folder.path(), start);
+  EXPECT_FALSE(CanPrint(c_));
+  Key(kEscapeKey);
+  EXPECT_NE(c_->reader.wish(), nullptr);
+  PressCrumb(c_, 0);
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), "/");
+  EXPECT_GT(c_->folder.count(), 0);
+}
+
+TEST_F(FolderTest, OneThatStopsAnsweringWhileItIsShownSaysSo) {
+  Open("127.0.0.0");
+  Enter(home_.At("hangs"), "inside.txt");
+  CloseGate();
+  home_.File("hangs/more.txt", "x");
+  ASSERT_TRUE(HeadSays("No answer for 3 s: hangs"));
+  EXPECT_EQ(Selected(), "inside.txt");
+  SortBy(c_, 0);
+  EXPECT_TRUE(c_->folder.descending());
+  gate->Open();
+  ASSERT_TRUE(Until([&] { return c_->folder.count() == 2; }));
+  EXPECT_EQ(Selected(), "inside.txt");
+  ASSERT_TRUE(Until([&] { return c_->reading_text.empty(); }));
+}
+
+TEST_F(FolderTest, TooManyThatHangAreRefused) {
+  Open("127.0.0.0");
+  CloseGate();
+  for (int i = 0; i < 100 && c_->message.good; ++i) {
+    EnterFolder(c_, home_.At("hangs/" + std::to_string(i)), "");
+    Turn();
+  }
+  EXPECT_FALSE(c_->message.good);
+  EXPECT_LE(gate->Waiting(), 40);
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  gate->Open();
+  ASSERT_TRUE(Until([&] { return Errand::Settle(0) == 0; }));
+  Enter(home_.At("hangs"));
+  EXPECT_EQ(c_->folder.path(), home_.At("hangs"));
+}
+
+// The program's own end while threads hang, under a leak check.
+void QuitWhileReading(const std::string& home) {
+  setenv("HOME", home.c_str(), 1);
+  display::UseSteppedClock(1000);
+  XwSession("Quorvik", "Quorvik", 7);
+  Console* c = OpenConsole("127.0.0.0", home);
+  EnterFolder(c, home + "/hangs", "");
+  EnterFolder(c, home + "/hangs/more", "");
+  display::Quit();
+  for (;;) XwWaitEvent(nullptr);
+}
+
+TEST_F(FolderTest, QuittingWaitsForNoneThatHangs) {
+  CloseGate();
+  EXPECT_EXIT(QuitWhileReading(home_.path()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(FolderTest, UpLeadsToTheNearestThatIsThere) {
+  home_.Folder("a/b/c/d");
+  Open("127.0.0.0");
+  Enter(home_.At("a/b/c/d"));
+  std::filesystem::remove_all(home_.At("a/b"));
+  Key(kBackspaceKey);
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), home_.At("a"));
+  Key(kBackspaceKey);
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(Selected(), "a");
+  Enter(home_.At("a/b"));
+  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_FALSE(c_->message.good);
+}
+
+TEST_F(FolderTest, AFolderThatGoesAwayIsShownEmptyAndComesBack) {
+  Open("127.0.0.0");
+  Enter(home_.At(kFolder), kLongName);
+  std::filesystem::remove_all(home_.At(kFolder));
+  ASSERT_TRUE(Until([&] { return !c_->folder.trouble().empty(); }));
+  EXPECT_EQ(c_->folder.count(), 0);
+  EXPECT_FALSE(CanPrint(c_));
+  Click(c_->layout.print);
+  EXPECT_TRUE(c_->state.transfers.empty());
+  home_.Folder(kFolder);
+  home_.File(std::string(kFolder) + "/new.txt", "x");
+  ASSERT_TRUE(Until([&] { return c_->folder.count() == 1; }));
+  EXPECT_TRUE(c_->folder.trouble().empty());
+}
+
+}  // namespace
+}  // namespace console
