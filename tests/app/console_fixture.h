@@ -101,7 +101,9 @@ class ConsoleTest : public testing::Test {
 
   uint32_t At(int x, int y) {
     const auto native = static_cast<platform::WindowRef>(c_->window->platform);
+    XwPush(c_->window);
     XwSync();
+    XwPop();
     const display::Picture p = display::TakePicture(native);
     const int strip = p.height - c_->window->height;
     return p.pixels[size_t(y + strip) * size_t(p.width) + size_t(x)] & 0xFFFFFF;
