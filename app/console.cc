@@ -100,6 +100,7 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
   SetStop(c, files ? Stop::kFiles : Stop::kQueue);
   (files ? c->files : c->queue).Press(hit, Inp.py);
+  if (!files) c->missing = {};
   c->damage |= PaneOf(hit);
   if (!files) return;
   FilesChanged(c);
@@ -241,6 +242,7 @@ bool FilesKey(Console* c, int type) {
 
 bool QueueKey(Console* c, int type) {
   if (c->queue.Key(type)) {
+    c->missing = {};
     c->damage |= kQueuePane;
     return true;
   }

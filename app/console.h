@@ -93,6 +93,7 @@ struct Console {
   ServerState state;
   int state_ticks = 0;  // since the state came
   std::vector<QueueRow> rows;
+  QueueRow missing;  // was selected when it went; selected again if it comes back
   Table queue;
 
   PrintChoice choice;

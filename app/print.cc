@@ -59,7 +59,10 @@ bool Worker::Arrived(const JobId& id) {
 void Worker::SendNext() {
   Transfer t;
   while (!Stopping() && Ready() && NextTransfer(&t)) {
-    if (broken_.number != t.number) broken_ = {t.number, {}, false, 0};
+    if (broken_.number != t.number) {
+      ForgetBroken();
+      broken_ = {t.number, {}, false, 0};
+    }
     std::string why;
     int result = NC_STATUS_DONE;
     if (!broken_.has_id || !Arrived(broken_.id)) result = SendFile(t, &why);
@@ -156,6 +159,7 @@ void Worker::Settle(int number, int result, const std::string& why) {
     if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
     // Too late to be cancelled on its way.
     if (cancelled) shared_->changes.push_back({broken_.id, JobAction::kRemove});
+    broken_ = {};
   }
   if (done || cancelled) {
     state.transfers.erase(it);

@@ -238,17 +238,19 @@ void DrawQueueCell(Console* c, int row, int column, const CellLook& cell) {
 
 void FillQueue(Console* c) {
   const QueueRow* row = SelectedRow(c);
-  QueueRow kept = row ? *row : QueueRow{};
+  QueueRow kept = row ? *row : c->missing;
   for (const Arrival& a : c->state.arrivals)
     if (kept.transfer == a.number) kept = {0, a.id};
-  const int place = c->queue.selected();
   c->rows.clear();
   for (const Transfer& t : c->state.transfers) c->rows.push_back({t.number, {}});
   for (const NC_Job& job : *c->state.jobs) c->rows.push_back({0, IdOf(job)});
   c->queue.SetRows(int(c->rows.size()));
-  if (place < 0) return;
+  // What is sent can be gone for a moment before the list that shows it as a job has come.
+  if (kept == QueueRow{}) return c->queue.KeepSelected(-1);
   const auto it = std::find(c->rows.begin(), c->rows.end(), kept);
-  c->queue.KeepSelected(it == c->rows.end() ? -1 : int(it - c->rows.begin()));
+  const bool found = it != c->rows.end();
+  c->queue.KeepSelected(found ? int(it - c->rows.begin()) : -1);
+  c->missing = found ? QueueRow{} : kept;
 }
 
 bool CanChange(const Console* c, JobAction action) {

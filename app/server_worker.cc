@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kConnectMs = 3000, kCallMs = 5000;
 constexpr int kPollMs = 700;
+constexpr size_t kMostUnwanted = 64;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
 
 const char* ConnectTrouble(int code, int error) {
@@ -197,6 +198,27 @@ void Worker::ForgetFinished() {
   shared_->Published();
 }
 
+// A transfer that broke off and that nobody wants any more.
+void Worker::ForgetBroken() {
+  if (!broken_.has_id || sending_ == broken_.number) return;
+  Locked lock(shared_);
+  for (const Transfer& t : shared_->state.transfers)
+    if (t.number == broken_.number) return;
+  if (unwanted_.size() == kMostUnwanted) unwanted_.erase(unwanted_.begin());
+  unwanted_.push_back(broken_.id);
+  broken_ = {};
+}
+
+void Worker::RemoveUnwanted() {
+  ForgetBroken();
+  std::erase_if(unwanted_, [this](const JobId& id) {
+    if (!Arrived(id)) return false;
+    Locked lock(shared_);
+    shared_->changes.push_back({id, JobAction::kRemove});
+    return true;
+  });
+}
+
 // Everything that is due on the connection for lists. Called also while a file is being sent.
 void Worker::Serve(int connect_ms) {
   bool connected, due, refresh;
@@ -214,7 +236,10 @@ void Worker::Serve(int connect_ms) {
     if (!TryToConnect(connect_ms)) return;
   }
   bool good = MakeChanges();
-  if (good && next_poll_ <= MonotonicMs()) good = Poll();
+  if (good && next_poll_ <= MonotonicMs()) {
+    good = Poll();
+    if (good) RemoveUnwanted();
+  }
   if (!good) {
     const int error = errno;
     Ended();

@@ -31,6 +31,8 @@ class Worker {
   bool MakeChanges();
   void Answered(const PendingChange& change, int status);
   void ForgetFinished();
+  void ForgetBroken();
+  void RemoveUnwanted();
   void Serve(int connect_ms);
   void Wait();
 
@@ -60,6 +62,8 @@ class Worker {
     bool has_id = false;
     int times = 0;
   } broken_;
+  // Of transfers that were cancelled after they had broken off: they may have arrived all the same.
+  std::vector<JobId> unwanted_;
 };
 
 }  // namespace console

@@ -29,6 +29,7 @@ struct Job {
 // All connections share them; one answers at a time.
 std::mutex mutex;
 std::vector<Job> jobs;
+std::vector<int> connections;
 int ids = 0;
 
 bool Put(int fd, const std::string& bytes) {
@@ -70,6 +71,16 @@ void Write(const std::string& id, const std::string& request) {
                   Value(ticket, "hold") == "1", request.size() - end - 2});
 }
 
+// What the newest job's name asks for. False: the connection ends.
+bool AfterArrival(int fd) {
+  const std::string& name = jobs.back().document;
+  if (name.rfind("breaks", 0) == 0) return false;
+  if (name.rfind("alone", 0) != 0) return true;
+  for (int other : connections)
+    if (other != fd) shutdown(other, SHUT_RDWR);
+  return true;
+}
+
 bool Answer(int fd) {
   char head[4];
   if (NC_Read(fd, head, 4) != 4 || memcmp(head, "KRV", 3) != 0) return false;
@@ -90,9 +101,11 @@ bool Answer(int fd) {
       const std::string list = "name=Proof printer\ndefault=1\n\nname=Office\n\n";
       return Put(fd, "\1" + Length(list.size()) + list);
     }
-    case 3:
+    case 3: {
+      const size_t before = jobs.size();
       Write(id, request);
-      return Put(fd, "\1");
+      return (jobs.size() == before || AfterArrival(fd)) && Put(fd, "\1");
+    }
     case 5: {
       std::string fresh(16, 0);
       fresh[0] = char(++ids);
@@ -107,10 +120,16 @@ bool Answer(int fd) {
 }
 
 void Serve(int fd) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    connections.push_back(fd);
+  }
   char greeting[4];
   if (NC_Read(fd, greeting, 4) == 4 && Put(fd, "\1"))
     while (Answer(fd)) {
     }
+  const std::lock_guard<std::mutex> lock(mutex);
+  std::erase(connections, fd);
   close(fd);
 }
 

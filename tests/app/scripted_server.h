@@ -1,5 +1,8 @@
 // A print server whose answers depend on nothing but what it was asked: ids are counted, times are
 // none, a job waits until it is held or removed. It runs in a process of its own.
+//
+// The name of a document can ask for trouble: "breaks..." is accepted, but the connection ends
+// before the server has said so; "alone..." is accepted, and all other connections end.
 #pragma once
 #include <sys/types.h>
 

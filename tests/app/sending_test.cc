@@ -1,0 +1,84 @@
+// Rows of the queue while what they stand for is still being sent, or has just arrived.
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "tests/app/console_fixture.h"
+#include "tests/app/scripted_server.h"
+
+namespace console {
+namespace {
+
+class SendingTest : public ConsoleTest {
+ protected:
+  // Prints a file of that name before any server is there, and selects its row; then one comes.
+  void PrintAndSelect(const char* name) {
+    home_.File(name, Bytes(5000));
+    Open(address_);
+    ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+    Click(FileRow(name));
+    Click(c_->layout.print);
+    ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
+    Click(c_->queue.RowArea(0));
+    ASSERT_EQ(c_->queue.selected(), 0);
+    ASSERT_TRUE(c_->rows[0].transfer);
+    server_.emplace(address_);
+    c_->server.Refresh();
+  }
+  bool QueueIs(size_t transfers, size_t jobs) {
+    return Until([&] {
+      return c_->state.transfers.size() == transfers && c_->state.jobs->size() == jobs &&
+             c_->rows.size() == transfers + jobs;
+    });
+  }
+
+  const std::string address_ =
+      "127.62." + std::to_string(getpid() >> 8 & 255) + "." + std::to_string(getpid() & 255);
+  std::optional<scripted::Server> server_;
+};
+
+// The selection goes from the sending to its job, also where the list of jobs comes later, and the
+// first click on a button counts.
+TEST_F(SendingTest, TheSelectionFollowsWhatIsSentToItsJob) {
+  for (const char* name : {"plain.pdf", "alone.pdf", "breaks.pdf"}) {
+    PrintAndSelect(name);
+    ASSERT_TRUE(QueueIs(0, 1)) << name;
+    EXPECT_EQ(c_->queue.selected(), 0) << name;
+    Click(c_->layout.hold_job);
+    ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; })) << name;
+    ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); })) << name;
+    EXPECT_EQ(c_->queue.selected(), 0) << name;
+    Click(c_->layout.remove_job);
+    ASSERT_TRUE(QueueIs(0, 0)) << name;
+    // What was removed is not selected when another comes.
+    EXPECT_EQ(c_->queue.selected(), -1) << name;
+    server_.reset();
+    CloseConsole(c_);
+    XwDestroy(pump_);
+    c_ = nullptr;
+  }
+}
+
+// Its sending broke off, and the queue shows that it had arrived: cancelled before anyone has put
+// the two together, it is removed there.
+TEST_F(SendingTest, WhatArrivedUnnoticedIsRemovedWithItsRow) {
+  PrintAndSelect("breaks.pdf");
+  ASSERT_TRUE(QueueIs(1, 1));
+  ASSERT_EQ(c_->queue.selected(), 0);
+  Click(c_->layout.remove_job);
+  EXPECT_TRUE(QueueIs(0, 0));
+}
+
+// Another row is selected meanwhile: it stays so.
+TEST_F(SendingTest, AnotherSelectionStays) {
+  PrintAndSelect("alone.pdf");
+  ASSERT_TRUE(QueueIs(0, 0));
+  Key(0xFF09);
+  Key(0xFF54);
+  Click({c_->queue.Body().x, c_->queue.Body().bottom() - 9, 40, 8});
+  ASSERT_TRUE(QueueIs(0, 1));
+  EXPECT_EQ(c_->queue.selected(), -1);
+}
+
+}  // namespace
+}  // namespace console
