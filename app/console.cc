@@ -315,12 +315,12 @@ void Escape(Console* c) {
 }
 
 void Key(Console* c, int type) {
-  const int stops = int(Stop::kCount), shift = Inp.state & XWS_SHIFT ? stops - 1 : 1;
+  const int stops = int(Stop::kCount), shift = c->modifiers & XWS_SHIFT ? stops - 1 : 1;
   if (c->list_open) {
     PrinterListKey(c, type);
     return;
   }
-  if (Inp.state & (XWS_CONTROL | XWS_COMMAND)) {
+  if (c->modifiers & (XWS_CONTROL | XWS_COMMAND)) {
     if (type == 'p') PrintSelected(c);
     if (type == 'r') RefreshAll(c);
     if (type == 'q' || type == 'w') XwSendEvent(c->window, XWE_QUIT, 0, 0, 0);
@@ -385,6 +385,9 @@ int Handle(int type) {
       break;
     case XWE_RELEASE:
       Release(c);
+      break;
+    case XWE_MODIFIERS:
+      c->modifiers = Inp.state;
       break;
     case XWE_TIMER:
       if (Inp.value == kTickTimer)

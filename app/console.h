@@ -77,6 +77,9 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   Stop stop = Stop::kFiles;
+  // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
+  // sent, brings back those of then in Inp.
+  uint32_t modifiers = 0;
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
 

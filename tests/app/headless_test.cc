@@ -176,6 +176,20 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   EXPECT_EQ(c_->stop, Stop::kFiles);
 }
 
+TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
+  Open("127.0.0.0");
+  Click(FileRow("letter.txt"));
+  for (int i = 1; i <= 5; ++i) {
+    display::Modifiers(platform::controlKey);
+    display::Step(0.1);
+    Turn();
+    Key('p', 'p');
+    display::Modifiers(0);
+    Turn();
+    ASSERT_TRUE(Until([&] { return c_->rows.size() == size_t(i); }));
+  }
+}
+
 TEST_F(ConsoleTest, ThePrinterListChoosesAndHidesWhatLiesUnderIt) {
   Daemon daemon;
   daemon.Start({"--config", daemon.WriteFile("printers",
