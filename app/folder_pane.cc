@@ -200,9 +200,8 @@ void ReadAgain(Console* c, FolderReading* r) {
   Listed(c, kept);
 }
 
-// A word for what a recording has to take up here; "" as long as there is nothing.
+// A word for what a recording has to take up here.
 std::string FolderNews(const Console* c) {
-  if (!c->reader.wish() || !c->reader.Done()) return "";
   return c->reader.wish()->kind == FolderWish::kWatch ? "changed"
                                                       : std::to_string(c->reader.number());
 }
@@ -219,9 +218,7 @@ std::string ReadingText(const Console* c) {
 }  // namespace
 
 void TakeUpFolder(Console* c, int wait_ms) {
-  c->reader.WaitFor(wait_ms);
-  c->reader.DropUnchanged();
-  const std::string news = FolderNews(c);
+  const std::string news = c->reader.WaitFor(wait_ms) ? FolderNews(c) : "";
   const char* wanted = XwTakeUp("folder", news.empty() ? nullptr : news.c_str());
   if (!wanted) return;
   // In a replay the folder may not have changed by itself.

@@ -79,8 +79,11 @@ void FolderReader::Drop() {
   reading_.reset();
 }
 
-void FolderReader::DropUnchanged() {
-  if (reading_ && Done() && !reading_->changed) Drop();
+bool FolderReader::WaitFor(int ms) {
+  if (!errand_.WaitFor(ms)) return false;
+  if (reading_->changed) return true;
+  Drop();
+  return false;
 }
 
 std::shared_ptr<FolderReading> FolderReader::Take() {

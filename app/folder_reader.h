@@ -38,14 +38,14 @@ class FolderReader {
   // What was asked for before is dropped, and its result never shown.
   void Ask(FolderWish wish);
   void Drop();
-  // Drops a watch that has ended and found nothing new.
-  void DropUnchanged();
   // What is being waited for; null when nothing is.
   const FolderWish* wish() const { return reading_ ? &reading_->wish : nullptr; }
   // How many have been asked for, those that only watch left out.
   int number() const { return number_; }
   bool Done() const { return errand_.Done(); }
-  bool WaitFor(int ms) const { return errand_.WaitFor(ms); }
+  // Whether there is something to be shown, after at most that many milliseconds. A watch that has
+  // found nothing new is dropped by that.
+  bool WaitFor(int ms);
   // Of one that is done: hands it over.
   std::shared_ptr<FolderReading> Take();
 
