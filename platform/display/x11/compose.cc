@@ -17,6 +17,7 @@ struct Library {
   bool tried = false;
   void* handle = nullptr;
   decltype(&xkb_keysym_to_utf32) to_unicode = nullptr;
+  decltype(&xkb_keysym_to_upper) to_upper = nullptr;
   decltype(&xkb_context_new) context_new = nullptr;
   decltype(&xkb_context_unref) context_unref = nullptr;
   decltype(&xkb_compose_table_new_from_locale) table_new = nullptr;
@@ -50,8 +51,8 @@ bool LoadLibrary() {
   lib.handle = dlopen("libxkbcommon.so.0", RTLD_NOW | RTLD_LOCAL);
   if (lib.handle == nullptr) return false;
   const bool whole =
-      Find("xkb_keysym_to_utf32", &lib.to_unicode) && Find("xkb_context_new", &lib.context_new) &&
-      Find("xkb_context_unref", &lib.context_unref) &&
+      Find("xkb_keysym_to_utf32", &lib.to_unicode) && Find("xkb_keysym_to_upper", &lib.to_upper) &&
+      Find("xkb_context_new", &lib.context_new) && Find("xkb_context_unref", &lib.context_unref) &&
       Find("xkb_compose_table_new_from_locale", &lib.table_new) &&
       Find("xkb_compose_table_unref", &lib.table_unref) &&
       Find("xkb_compose_state_new", &lib.state_new) &&
@@ -121,6 +122,10 @@ uint32_t UnicodeOfKeysym(uint32_t keysym) {
   if (LoadLibrary()) return lib.to_unicode(keysym);
   if ((keysym >= 0x20 && keysym < 0x7F) || (keysym >= 0xA0 && keysym < 0x100)) return keysym;
   return (keysym & 0xFF000000) == 0x01000000 ? keysym & 0x00FFFFFF : 0;
+}
+
+uint32_t UpperKeysym(uint32_t keysym) {
+  return LoadLibrary() ? lib.to_upper(keysym) : keysym;
 }
 
 Composed Compose(uint32_t keysym) {

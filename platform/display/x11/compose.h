@@ -16,5 +16,7 @@ void ResetCompose();
 void CloseCompose();
 // The character of a symbol, 0 when it has none.
 uint32_t UnicodeOfKeysym(uint32_t keysym);
+// The symbol of the capital letter; any other symbol as it is.
+uint32_t UpperKeysym(uint32_t keysym);
 
 }  // namespace platform::x11

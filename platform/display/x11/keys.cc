@@ -1,8 +1,9 @@
 // The keyboard: the server's keymap, held keys, dead keys and compose sequences.
 //
 // The keymap comes from the server through its XKB extension, so that whatever changed it (a layout
-// switch, a remapped key) is followed. Names of symbols and sequences are xkbcommon's, loaded when
-// the first key is pressed.
+// switch, a remapped key) is followed. xkbcommon can read it as well, but only over a connection of
+// the shared xcb, and this program's xcb is linked in. What characters the symbols are, and the
+// sequences, are xkbcommon's, loaded when the first key is pressed.
 
 #include <cstdlib>
 #include <cstring>
@@ -21,6 +22,7 @@ struct KeyType {
   uint8_t mask = 0;
   struct Entry {
     uint8_t mods, level;
+    uint8_t preserved;  // of `mods`, those that keep their own effect
   };
   std::vector<Entry> entries;
 };
@@ -63,8 +65,12 @@ void TakeTypes(xcb_xkb_key_type_iterator_t it, Keymap* map) {
     KeyType type;
     type.mask = it.data->mods_mask;
     const xcb_xkb_kt_map_entry_t* entries = xcb_xkb_key_type_map(it.data);
+    const xcb_xkb_mod_def_t* preserve = xcb_xkb_key_type_preserve(it.data);
+    const int preserves = xcb_xkb_key_type_preserve_length(it.data);
     for (int i = 0; i < xcb_xkb_key_type_map_length(it.data); ++i) {
-      if (entries[i].active) type.entries.push_back({entries[i].mods_mask, entries[i].level});
+      if (!entries[i].active) continue;
+      const uint8_t preserved = i < preserves ? preserve[i].mask : uint8_t{0};
+      type.entries.push_back({entries[i].mods_mask, entries[i].level, preserved});
     }
     map->types.push_back(std::move(type));
   }
@@ -125,20 +131,28 @@ int FitGroup(const Key& key, int group) {
   }
 }
 
+const KeyType* TypeOf(const Key& key, int group) {
+  const size_t type = key.types[group & 3];
+  return type < k.map.types.size() ? &k.map.types[type] : nullptr;
+}
+
 uint32_t Lookup(uint8_t code, int group, uint8_t mods) {
   const Key& key = k.map.keys[code];
   if ((key.group_info & 0x0F) == 0 || key.syms.empty()) return 0;
   group = FitGroup(key, group);
   size_t level = 0;
-  const size_t type = key.types[group & 3];
-  if (type < k.map.types.size()) {
-    const KeyType& t = k.map.types[type];
-    for (const KeyType::Entry& e : t.entries) {
-      if (e.mods == (mods & t.mask)) level = e.level;
+  uint8_t taken = 0;  // modifiers that have had their effect
+  if (const KeyType* type = TypeOf(key, group)) {
+    taken = type->mask;
+    for (const KeyType::Entry& e : type->entries) {
+      if (e.mods != (mods & type->mask)) continue;
+      level = e.level;
+      taken = uint8_t(type->mask & ~e.preserved);
     }
   }
   const size_t at = size_t(group) * key.width + level;
-  return level < key.width && at < key.syms.size() ? key.syms[at] : 0;
+  const uint32_t sym = level < key.width && at < key.syms.size() ? key.syms[at] : 0;
+  return (mods & ~taken & XCB_MOD_MASK_LOCK) != 0 ? UpperKeysym(sym) : sym;
 }
 
 // What the key is in the first of its layouts that types Latin, so that Control with it means the
@@ -213,6 +227,10 @@ void OpenKeyboard() {
   LoadKeymap();
   Reply<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(x.c, cookie, nullptr));
   if (state) k.state = uint32_t(state->mods) | uint32_t(state->group) << 13;
+}
+
+uint32_t KeysymOf(uint8_t code, int group, uint8_t mods) {
+  return Lookup(code, group, mods);
 }
 
 void CloseKeyboard() {

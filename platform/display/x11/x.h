@@ -217,6 +217,8 @@ double Now();
 // --- keys.cc
 void OpenKeyboard();
 void CloseKeyboard();
+// The symbol of a key in a group of layouts (from 0) with the server's modifiers held; 0: none.
+uint32_t KeysymOf(uint8_t code, int group, uint8_t mods);
 void HandleKey(const xcb_key_press_event_t* e, bool press);
 void HandleXkb(const xcb_generic_event_t* event);
 // Ends every held key: the releases will not reach the program.
