@@ -86,6 +86,7 @@ struct Console {
   Folder folder;
   FolderReader reader;
   int reading_ticks = 0;     // since the present reading was asked for
+  int silent_s = 0;          // seconds that a look for changes has had no answer
   std::string reading_text;  // what is said of it
   std::vector<Place> places;
   PlaceFinder finder;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -206,13 +207,31 @@ std::string FolderNews(const Console* c) {
                                                       : std::to_string(c->reader.number());
 }
 
+// For how many seconds a look for changes has had no answer, once that is long. How long a look
+// takes is nothing that a replay could repeat, so it is taken up.
+void TakeUpSilence(Console* c) {
+  const FolderWish* w = c->reader.wish();
+  const bool silent =
+      w && w->kind == FolderWish::kWatch && !c->reader.Done() && c->reading_ticks >= kSilentTicks;
+  const int seconds = silent ? c->reading_ticks * kTickMs / 1000 : 0;
+  const std::string news = seconds == c->silent_s ? "" : std::to_string(seconds);
+  if (const char* wanted = XwTakeUp("silence", news.empty() ? nullptr : news.c_str()))
+    c->silent_s = atoi(wanted);
+}
+
+std::string SilenceText(const std::string& path, int seconds) {
+  return "No answer for " + std::to_string(seconds) + " s: " + LastName(path);
+}
+
 // What is said of a reading that takes its time.
 std::string ReadingText(const Console* c) {
   const FolderWish* w = c->reader.wish();
-  const int ticks = c->reading_ticks;
-  if (!w || c->reader.Done() || ticks < (Moves(*w) ? kLongTicks : kSilentTicks)) return "";
-  if (ticks < kSilentTicks) return "Reading " + (w->path == "/" ? "Root" : LastName(w->path)) + "…";
-  return "No answer for " + std::to_string(ticks * kTickMs / 1000) + " s: " + LastName(w->path);
+  if (!w || w->kind == FolderWish::kWatch)
+    return c->silent_s > 0 ? SilenceText(c->folder.path(), c->silent_s) : "";
+  if (c->reading_ticks < kLongTicks) return "";
+  if (c->reading_ticks >= kSilentTicks)
+    return SilenceText(w->path, c->reading_ticks * kTickMs / 1000);
+  return "Reading " + (w->path == "/" ? "Root" : LastName(w->path)) + "…";
 }
 
 }  // namespace
@@ -242,6 +261,7 @@ void WatchFolder(Console* c) {
     c->reader.Ask({FolderWish::kWatch, c->folder.path(), "", c->folder.stamp()});
     c->reading_ticks = 0;
   }
+  TakeUpSilence(c);
   const std::string text = ReadingText(c);
   if (text == c->reading_text) return;
   c->reading_text = text;
