@@ -15,8 +15,10 @@ Rect Structure(const Window& w) {
           w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
 }
 
-// Windows of a group that moves together follow one of them, without a notice of their own.
+// Windows of a group that moves together follow the first window, without a notice of their own.
+// It follows none of them: what the desktop does to one stays between the two.
 void MoveGroup(const Window& leader, int dx, int dy) {
+  if (&leader != MenuBarWindow()) return;
   if (!leader.group || !(leader.group->attributes & kWindowGroupAttrMoveTogether)) return;
   if (dx == 0 && dy == 0) return;
   for (WindowRef w : WindowList()) {

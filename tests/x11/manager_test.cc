@@ -30,6 +30,65 @@ TEST_F(Managed, MovesOfTheProgramLandExactly) {
   }
 }
 
+int user_moves;
+OSStatus CountUserMoves(HandlerCall*, Event* event, void*) {
+  user_moves += !event->bounds.programmatic;
+  return noErr;
+}
+
+// The manager reports its own steps on the way to what was asked, and each of the moves before the
+// last. None of that is the user's doing.
+TEST_F(Managed, MovesOfTheProgramAreNotHeardOfAgain) {
+  Start("openbox");
+  WindowRef w = Show("Moved", {200, 150, 500, 350});
+  SetWindowSizeLimits(w, {100, 100, 600, 500, 10, 20});
+  WindowRef docked = CreateNewWindow(kSimpleWindowClass, 0, {500, 150, 600, 350});
+  WindowGroupRef group = CreateWindowGroup(15);
+  SetWindowGroup(w, group);
+  SetWindowGroup(docked, group);
+  ShowWindow(docked);
+  const EventKind moved = {kEventClassWindow, kEventWindowBoundsChanged};
+  for (WindowRef each : {w, docked})
+    InstallEventHandler(GetWindowEventTarget(each), CountUserMoves, &moved, 1, nullptr);
+  Settle();
+  struct Row {
+    const char* what;
+    WindowRef window;
+    std::vector<Rect> bounds;
+  };
+  const Row rows[] = {
+      {"moves", w, {{210, 160, 510, 360}, {220, 170, 520, 370}, {230, 180, 530, 380}}},
+      {"sizes between the steps", w, {{230, 180, 537, 383}, {230, 180, 544, 386}}},
+      {"below the minimum", w, {{240, 190, 290, 240}}},
+      {"there and back", w, {{300, 200, 600, 400}, {240, 190, 540, 390}, {300, 200, 600, 400}}},
+      {"a docked window", docked, {{500, 250, 580, 330}, {520, 260, 600, 340}}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    user_moves = 0;
+    for (const Rect& r : row.bounds) SetWindowBounds(row.window, r);
+    const Rect first = w->content, second = docked->content;
+    Settle();
+    EXPECT_EQ(w->content, first);
+    EXPECT_EQ(docked->content, second);
+    ExpectBoundsAgree(w);
+    ExpectBoundsAgree(docked);
+    EXPECT_EQ(user_moves, 0);
+  }
+  // What the manager grants instead comes all the same, a little later.
+  user().Ask(Id(w), "_NET_WM_STATE",
+             {1, user().Atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+              user().Atom("_NET_WM_STATE_MAXIMIZED_HORZ"), 2});
+  EXPECT_TRUE(RunUntil([&] { return w->content.width() >= 500; }));
+  SetWindowBounds(w, {300, 200, 600, 400});
+  Settle();
+  EXPECT_TRUE(RunUntil([&] {
+    const auto at = user().Where(Id(w));
+    return w->content.left == at.x && w->content.width() == at.width;
+  }));
+  ExpectBoundsAgree(w);
+}
+
 TEST_F(Managed, MovesOfTheUserAreFollowed) {
   Start("openbox");
   WindowRef w = Show("Dragged", {200, 150, 500, 350});
@@ -133,10 +192,16 @@ TEST_F(Managed, AlertsStayAboveTheFirstWindow) {
   SelectWindow(first);
   Settle();
   EXPECT_TRUE(Above(alert, first));
-  WindowRef modal = CreateNewWindow(kAlertWindowClass, 0, {320, 270, 520, 370});
+  WindowRef modal = CreateNewWindow(kDocumentWindowClass, 0, {320, 270, 520, 370});
   SetWindowGroup(modal, GetWindowGroupOfClass(kModalWindowClass));
   ShowWindow(modal);
   EXPECT_TRUE(RunUntil([&] { return HasState(modal, "_NET_WM_STATE_MODAL"); }));
+  EXPECT_EQ(user().Words(Id(modal), "_NET_WM_WINDOW_TYPE"),
+            std::vector<uint32_t>{user().Atom("_NET_WM_WINDOW_TYPE_DIALOG")});
+  EXPECT_EQ(user().Words(Id(modal), "WM_TRANSIENT_FOR"), std::vector<uint32_t>{Id(first)});
+  SelectWindow(first);
+  Settle();
+  EXPECT_TRUE(Above(modal, first));
 }
 
 TEST_F(Managed, FullScreenIsTheDesktops) {
@@ -149,10 +214,11 @@ TEST_F(Managed, FullScreenIsTheDesktops) {
   EXPECT_EQ(w->content.height() + w->strip, 768);
   EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
   SetSystemUIMode(kUIModeNormal, 0);
-  SetWindowBounds(w, {200, 150, 500, 350});
+  SetWindowBounds(w, {210, 160, 510, 360});
   EXPECT_TRUE(RunUntil([&] { return user().Where(Id(w)).width == 300; }));
   Settle();
   ExpectBoundsAgree(w);
+  EXPECT_EQ(w->content, (Rect{210, 160, 510, 360}));
   EXPECT_FALSE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
   // The user ends it with a key of the window manager's.
   SetSystemUIMode(kUIModeContentSuppressed, 0);

@@ -42,17 +42,6 @@ bool Superseded(const xcb_configure_notify_event_t* e) {
   return false;
 }
 
-void ReportBounds(Native* n, DeviceRect r) {
-  if (n->bounds_known && n->bounds == r) return;
-  n->bounds = r;
-  n->bounds_known = true;
-  RawEvent* out = Emit(RawEvent::kConfigure, n);
-  out->root_x = float(r.left);
-  out->root_y = float(r.top);
-  out->width = r.width();
-  out->height = r.height();
-}
-
 // A synthetic event has the position on the screen; a real one that within the frame.
 void OnConfigure(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_configure_notify_event_t>(event);
@@ -67,7 +56,7 @@ void OnConfigure(const xcb_generic_event_t* event) {
     left = at->dst_x;
     top = at->dst_y;
   }
-  ReportBounds(n, {left, top, left + e->width, top + e->height});
+  TakeBounds(n, {left, top, left + e->width, top + e->height}, e->sequence);
 }
 
 void OnReparent(const xcb_generic_event_t* event) {

@@ -56,8 +56,9 @@ constexpr StateAtoms kStateAtoms[] = {
 
 const ClassStyle& StyleOf(const Window& w) {
   if ((w.state & kStateDocked) != 0) return kDockedStyle;
+  const int window_class = (w.state & kStateModal) != 0 ? kModalWindowClass : w.window_class;
   for (const ClassStyle& s : kClassStyles) {
-    if (s.window_class == w.window_class) return s;
+    if (s.window_class == window_class) return s;
   }
   return kClassStyles[3];
 }

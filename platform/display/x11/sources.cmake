@@ -1,4 +1,5 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/bounds.cc
   ${CMAKE_CURRENT_LIST_DIR}/compose.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
   ${CMAKE_CURRENT_LIST_DIR}/drops.cc

@@ -13,14 +13,6 @@ constexpr uint32_t kWindowEvents =
     XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
     XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_PROPERTY_CHANGE;
 
-// The protocol's coordinates are 16 bits wide.
-int Clamp16(int v) {
-  return std::clamp(v, -32768, 32767);
-}
-uint32_t Side(int v) {
-  return uint32_t(std::clamp(v, 1, 32767));
-}
-
 xcb_window_t ReadWindow(xcb_get_property_cookie_t cookie) {
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
   if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.p) < 4) return XCB_NONE;
@@ -81,6 +73,7 @@ void DestroyNative(WindowRef w) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
   ForgetDrop(n);
+  ForgetAsked(n);
   FreeBuffer(n);
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);
@@ -89,20 +82,6 @@ void DestroyNative(WindowRef w) {
   w->native = nullptr;
   delete n;
   StepDocked();
-}
-
-void MoveResizeNative(WindowRef w) {
-  Native* n = NativeOf(w);
-  if (n == nullptr) return;
-  const DeviceRect r = DeviceBounds(*w);
-  n->bounds_known = false;
-  SetSizeHints(*n);
-  const uint32_t values[] = {uint32_t(Clamp16(r.left)), uint32_t(Clamp16(r.top)), Side(r.width()),
-                             Side(r.height())};
-  xcb_configure_window(x.c, n->id,
-                       XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                           XCB_CONFIG_WINDOW_HEIGHT,
-                       values);
 }
 
 void RaiseNative(WindowRef w) {

@@ -81,6 +81,15 @@ struct Native {
   // Where the server says that it is; `bounds_known` is dropped when the program asks for others.
   DeviceRect bounds;
   bool bounds_known = false;
+  // What the program has asked for and the window manager has not answered yet (bounds.cc).
+  struct {
+    bool open = false;
+    DeviceRect bounds;
+    unsigned sequence = 0;  // of the request
+    double since = 0;
+    DeviceRect held;                       // the last other bounds that came meanwhile
+    EventLoopTimerRef patience = nullptr;  // runs while something is held
+  } asked;
   bool reparented = false;
   // Whether the program wants it shown, and how far that has come.
   bool wanted = false;
@@ -131,6 +140,13 @@ inline Native* NativeOf(WindowRef w) {
   return w != nullptr ? static_cast<Native*>(w->native) : nullptr;
 }
 Native* FindNative(xcb_window_t id);
+// The protocol's coordinates are 16 bits wide.
+inline int Clamp16(int v) {
+  return v < -32768 ? -32768 : v > 32767 ? 32767 : v;
+}
+inline uint32_t Side(int v) {
+  return uint32_t(v < 1 ? 1 : v > 32767 ? 32767 : v);
+}
 inline xcb_atom_t Atom(AtomIndex i) {
   return x.atoms[i];
 }
@@ -147,10 +163,16 @@ struct Reply {
   T* p;
 };
 
+// --- bounds.cc
+// Asks for DeviceBounds(*w).
+void MoveResizeNative(WindowRef w);
+// What the server says of the window's place, in an event with this sequence number.
+void TakeBounds(Native* n, const DeviceRect& bounds, uint16_t sequence);
+void ForgetAsked(Native* n);
+
 // --- windows.cc, hints.cc
 bool CreateNative(WindowRef w);
 void DestroyNative(WindowRef w);
-void MoveResizeNative(WindowRef w);
 void RaiseNative(WindowRef w);
 void ActivateNative(WindowRef w);
 // What never changes: class, process, protocols.

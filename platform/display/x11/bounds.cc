@@ -1,0 +1,75 @@
+// Where windows are: what the program asks for, and what comes back.
+//
+// A window manager answers in its own time, and on the way to what was asked it reports other
+// bounds: those of requests before, those from before the request, and those that new size hints
+// make of the present ones. Taken for the user's doing they would undo what the program has just
+// done. So while a request is open only its own answer is passed on at once; anything else is held
+// until no answer has come for a while: then it is what the window manager grants instead.
+#include "platform/display/x11/x.h"
+
+namespace platform::x11 {
+
+namespace {
+
+constexpr double kPatience = 0.1;  // seconds from the last request to taking no for an answer
+constexpr double kForgotten = 1;   // a request that is older gets no answer any more
+
+void Report(Native* n, const DeviceRect& r) {
+  if (n->bounds_known && n->bounds == r) return;
+  n->bounds = r;
+  n->bounds_known = true;
+  RawEvent* out = Emit(RawEvent::kConfigure, n);
+  out->root_x = float(r.left);
+  out->root_y = float(r.top);
+  out->width = r.width();
+  out->height = r.height();
+}
+
+void PatienceIsOver(EventLoopTimerRef, void* native) {
+  auto* n = static_cast<Native*>(native);
+  const DeviceRect granted = n->asked.held;
+  ForgetAsked(n);
+  Report(n, granted);
+}
+
+}  // namespace
+
+void MoveResizeNative(WindowRef w) {
+  Native* n = NativeOf(w);
+  if (n == nullptr) return;
+  const DeviceRect r = DeviceBounds(*w);
+  n->bounds_known = false;
+  SetSizeHints(*n);
+  const uint32_t values[] = {uint32_t(Clamp16(r.left)), uint32_t(Clamp16(r.top)), Side(r.width()),
+                             Side(r.height())};
+  n->asked.sequence = xcb_configure_window(x.c, n->id,
+                                           XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                               XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                           values)
+                          .sequence;
+  n->asked.open = true;
+  n->asked.bounds = r;
+  n->asked.since = Now();
+  SetEventLoopTimerNextFireTime(n->asked.patience, kPatience);
+}
+
+void TakeBounds(Native* n, const DeviceRect& bounds, uint16_t sequence) {
+  auto& asked = n->asked;
+  if (asked.open && Now() - asked.since > kForgotten) ForgetAsked(n);
+  const bool after_request = int16_t(sequence - uint16_t(asked.sequence)) >= 0;
+  if (!asked.open || (after_request && bounds == asked.bounds)) {
+    ForgetAsked(n);
+    Report(n, bounds);
+    return;
+  }
+  asked.held = bounds;
+  if (asked.patience == nullptr)
+    asked.patience = InstallEventLoopTimer(kPatience, 0, PatienceIsOver, n);
+}
+
+void ForgetAsked(Native* n) {
+  RemoveEventLoopTimer(n->asked.patience);
+  n->asked = {};
+}
+
+}  // namespace platform::x11
