@@ -166,6 +166,7 @@ void XwRunEventLoop(void);
  * (XwWindow*)-1: nothing is dispatched. A release with a button above 5 returns -9874. */
 int XwWaitEvent(XwWindow* modal);
 /* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
+ * `modal` as above.
  * `dispatch` 0 leaves toolkit events other than 768 and 769 undelivered: the caller has the type
  * and Inp. Input is translated but never delivered here. */
 int XwGetEvent(XwWindow* modal, int dispatch);
@@ -334,7 +335,8 @@ char* XwGetText(XwWindow* window, char* dst);
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
 
 /* The wheel over the window's own content: dx, dy in logical pixels, positive right and down; the
- * pointer fields of Inp are set. Null takes it away. */
+ * pointer fields of Inp are set. Null takes it away. A wait that keeps the window out, and one that
+ * dispatches nothing, let its wheel turn nothing. */
 typedef void (*XwScrollHandler)(float dx, float dy);
 void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
 

@@ -175,6 +175,16 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
   EXPECT_EQ(reinterpret_cast<const char*>(seen[0].event.value), longest);
 }
 
+std::vector<std::string> paths;
+TEST(Desktop, RequestsThatComeTogetherKeepTheirDocuments) {
+  Open();
+  Main();
+  on_event = [](int) { paths.push_back(reinterpret_cast<const char*>(Inp.value)); };
+  for (const char* path : {"/a", "/a longer one", "/c"}) input::OpenFile(path);
+  RunLoop();
+  EXPECT_EQ(paths, (std::vector<std::string>{"/a", "/a longer one", "/c"}));
+}
+
 TEST(Desktop, OnlyTheFirstOfSeveralDocuments) {
   Open();
   Main();

@@ -232,6 +232,10 @@ TEST(Events, AModalWaitKeepsOthersOut) {
   input::Step(0.03);
   EXPECT_EQ(XwGetEvent(dialog, 1), XWE_PRESS);
   EXPECT_EQ(input::Counts().beeps, beeps + 3);
+  // Raw: nothing is delivered.
+  XwSendEvent(main, 1000, 0, 0, 0);
+  input::Step(0.03);
+  EXPECT_EQ(XwGetEvent(reinterpret_cast<XwWindow*>(intptr_t{-1}), 1), 1000);
   EXPECT_TRUE(seen.empty());
 }
 

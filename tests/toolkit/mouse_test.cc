@@ -205,6 +205,66 @@ TEST(Mouse, AReleaseOutsideWithAnotherButtonHeld) {
   EXPECT_EQ(GrabWindow, nullptr);
 }
 
+// Whatever becomes of the window that a button was pressed in, none stays held.
+TEST(Mouse, NoButtonStaysHeld) {
+  Open();
+  XwWindow* main = Main();
+  enum End { kOutside, kDestroyed, kHidden, kPolled };
+  const struct {
+    int button;
+    End end;
+    const char* trace;
+  } rows[] = {
+      {1, kOutside, "other 776"},
+      {2, kOutside, ""},
+      {1, kPolled, ""},
+      {2, kPolled, ""},
+      {1, kDestroyed, "main 776 main 770"},
+      {3, kDestroyed, "main 776 main 770"},
+      {1, kHidden, "other 776 main 770"},
+      {2, kHidden, "main 776 main 770"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << "button " << row.button << ", end " << row.end);
+    XwWindow* other = XwCreate(0, 600, 100, 200, 200, Record);
+    Name(other, "other");
+    XwShow(other, 1);
+    Settle();
+    MoveTo(650, 150);
+    input::Press(row.button);
+    RunLoop();
+    EXPECT_EQ(Inp.state & XWS_BUTTONS, 1u << (row.button - 1));
+    EXPECT_EQ(GrabWindow, row.button == 1 ? other : nullptr);
+    if (row.end == kDestroyed) XwDestroy(other);
+    if (row.end == kHidden) XwShow(other, 0);
+    MoveTo(900, 500);
+    Settle();
+    input::Release(row.button);
+    // A release that no window heard comes with the next motion over one.
+    if (row.end == kDestroyed || row.end == kHidden) input::MovePointer(140, 150);
+    if (row.end == kPolled) {
+      XwGetEvent(nullptr, 1);
+      input::Step(0.03);
+      EXPECT_EQ(XwGetEvent(nullptr, 1), 0);
+    }
+    RunLoop();
+    EXPECT_EQ(Trace(), row.trace);
+    EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
+    EXPECT_EQ(GrabWindow, nullptr);
+    EXPECT_FALSE(PassiveGrab);
+    // The pointer moves freely again: the window under it has it, and shows its cursor.
+    XwSetCursor(main, row.button);
+    MoveTo(150, 150);
+    EXPECT_EQ(Inp.window, main);
+    EXPECT_EQ(reinterpret_cast<XwCursor*>(input::ShownCursor(Native(main))), XWcursors[row.button]);
+    input::Release(row.button);
+    RunLoop();
+    EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
+    XwDestroy(other);
+    Settle();
+  }
+}
+
 TEST(Mouse, ButtonsBeyondFive) {
   Open();
   Main();
@@ -268,11 +328,13 @@ TEST(Mouse, AnActiveGrabTakesAllPointerEvents) {
   EXPECT_EQ(Trace(), "a 770 a 771 a 776 a 770");
   EXPECT_EQ(XwPointerIsGrabbed(), a) << "it survives releases";
   EXPECT_EQ(reinterpret_cast<XwCursor*>(input::ShownCursor(Native(main))), XWcursors[7]);
+  MoveTo(220, 130);
   XwUngrabPointer();
   EXPECT_EQ(input::PointerGrab(), nullptr);
+  EXPECT_EQ(reinterpret_cast<XwCursor*>(input::ShownCursor(Native(main))), XWcursors[6])
+      << "at once: the pointer may rest";
   MoveTo(225, 130);
   EXPECT_EQ(LastWindow(), b);
-  EXPECT_EQ(reinterpret_cast<XwCursor*>(input::ShownCursor(Native(main))), XWcursors[6]);
   // A window that ends takes its grab along; flag and cursor stay until the program ends the grab.
   XwGrabPointer(a, 22);
   EXPECT_EQ(GrabCursor, nullptr) << "no such cursor";
@@ -377,6 +439,33 @@ TEST(Mouse, TheWheelIsForThoseWhoAskForIt) {
   EXPECT_EQ(scrolled[0].item, 1);
   EXPECT_EQ(scrolled[1].window, a);
   EXPECT_EQ(scrolled[1].py, 20);
+}
+
+TEST(Mouse, TheWheelOfAWindowThatAWaitKeepsOutTurnsNothing) {
+  Open();
+  XwWindow* main = Main();
+  XwWindow* dialog = XwCreate(0, 500, 100, 100, 100, Record);
+  XwShow(dialog, 1);
+  Settle();
+  XwSetScrollHandler(main, OnScroll);
+  XwSetScrollHandler(dialog, OnScroll);
+  const struct {
+    int x;
+    XwWindow* modal;
+    size_t calls;
+  } rows[] = {{550, dialog, 1}, {150, dialog, 0}, {150, nullptr, 1}};
+  for (const auto& row : rows) {
+    MoveTo(row.x, 150);
+    scrolled.clear();
+    input::Scroll(0, 5);
+    RunLoop(row.modal);
+    EXPECT_EQ(scrolled.size(), row.calls) << row.x;
+  }
+  scrolled.clear();
+  input::Scroll(0, 5);
+  XwSendEvent(main, 1000, 0, 0, 0);
+  EXPECT_EQ(XwGrabEvent(), 1000);
+  EXPECT_TRUE(scrolled.empty()) << "a loop of the program's own";
 }
 
 TEST(Mouse, TheMenuStripSwallowsAPress) {

@@ -246,6 +246,7 @@ TEST(Tree, EndingAWindowLeavesNoPointerToIt) {
   XwPush(b);
   main->toolbar = nullptr;
   top->toolbar = a;
+  SetLinked(last, b);
   SetLinked(main, b);
   W_MenuBar = b;
   Inp.window = a;
@@ -260,6 +261,7 @@ TEST(Tree, EndingAWindowLeavesNoPointerToIt) {
   XwDestroy(a);
   EXPECT_EQ(top->toolbar, nullptr);
   EXPECT_EQ(main->linked, nullptr);
+  EXPECT_EQ(last->linked, nullptr);
   EXPECT_EQ(W_MenuBar, nullptr);
   EXPECT_EQ(Inp.window, nullptr);
   EXPECT_EQ(Inp.focus, nullptr);

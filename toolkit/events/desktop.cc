@@ -14,6 +14,7 @@ bool AppActive;
 namespace {
 
 constexpr size_t kPathSize = 400;
+constexpr int kPaths = 16;  // that may wait to be opened at once
 
 // The size next to `current` that differs from `original` by whole steps.
 int Snap(int original, int current, int step) {
@@ -100,6 +101,11 @@ bool AskFirstWindow(int type) {
 
 }  // namespace
 
+void RestoreCursors() {
+  for (XwWindow* w = W_Start; w; w = w->next)
+    if (IsTopLevel(w)) ChooseCursor(w, {Inp.root_x, Inp.root_y});
+}
+
 OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
   switch (event->kind) {
@@ -152,7 +158,8 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
 }
 
 OSStatus EVapple_func(const Event* event) {
-  static char file[kPathSize];
+  static char files[kPaths][kPathSize];
+  static unsigned next = 0;
   // Only the first document, however many were dropped.
   if (event->request.file_count < 1) return noErr;
   const char* path = event->request.files[0];
@@ -161,6 +168,7 @@ OSStatus EVapple_func(const Event* event) {
     Refuse(Refusal::kPathTooLong);
     return noErr;
   }
+  char* file = files[next++ % kPaths];
   memcpy(file, path, length + 1);
   if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, 0);
   return noErr;

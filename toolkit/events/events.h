@@ -42,6 +42,13 @@ void PurgeTimerEvents();
 // A timer's event has left the queue: its next firing queues another.
 void TimerTaken(XwWindow* window, XwValue value);
 
+// Buttons 1 to 5 have bits in Inp.state.
+constexpr int kLastButton = 5;
+// Clears the bits of buttons that are let go; a passive grab ends with the last.
+void DropButtons(uint32_t mask);
+// The innermost wait under way keeps events of this window from its handlers.
+bool WaitKeepsOut(XwWindow* w);
+
 // The shown sub-window of `w` under (x, y) of `w`, or null.
 XwWindow* FindVirtualWindow(XwWindow* w, int x, int y);
 // Places Inp.px and Inp.py in the target's own coordinates.
@@ -52,6 +59,8 @@ void FillCursorTable();
 XwCursor* XwCocoaCreateCursor(const uint8_t* record);
 // Shows a cursor over `w`'s window; null is ignored.
 void XwCocoaSetCursor(XwWindow* w, XwCursor* cursor);
+// Each window has the cursor for where the pointer was last seen.
+void RestoreCursors();
 
 // Milliseconds as events carry them.
 inline uint32_t EventMilliseconds(double seconds) {

@@ -9,7 +9,6 @@ using namespace platform;
 
 namespace {
 
-constexpr int kLastButton = 5;
 constexpr int64_t kPollPeriod = 25000;  // microseconds between two events of XwGetEvent
 constexpr uint32_t kDoubleClickMs = 219;
 
@@ -29,18 +28,26 @@ inline void TakeRecord(const Event& e) {
 // when another has taken its place in memory.
 class Modal {
  public:
-  explicit Modal(XwWindow* w) : window_(w) {
-    if (w != RawMode() && IsLive(w)) serial_ = w->serial;
+  explicit Modal(XwWindow* w) : window_(w), outer_(innermost) {
+    if (!raw() && IsLive(w)) serial_ = w->serial;
+    innermost = this;
   }
+  ~Modal() { innermost = outer_; }
+  Modal(const Modal&) = delete;
+  Modal& operator=(const Modal&) = delete;
+  bool raw() const { return window_ == RawMode(); }
   bool KeepsOut(XwWindow* w) const {
     if (!serial_ || !IsLive(window_) || window_->serial != serial_) return false;
     return w != window_ && !IsSubWindow(window_, w);
   }
+  static const Modal* innermost;
 
  private:
   XwWindow* window_;
   uint64_t serial_ = 0;
+  const Modal* outer_;
 };
+const Modal* Modal::innermost = nullptr;
 
 // A release outside the window that holds the pointer is translated here, since no handler of that
 // window would see it. False when the platform must not see it either.
@@ -58,6 +65,15 @@ bool ReleaseOutsideGrab(const Event& e) {
   return false;
 }
 
+// Lets the handlers translate the event into Inp.
+void Translate(Event* e) {
+  const bool release = e->cls == kEventClassMouse && e->kind == kEventMouseUp;
+  const int button = release ? e->mouse.button : 0;
+  SendEventToEventTarget(e, static_cast<EventTargetRef>(MainTarget));
+  // A release that no window takes ends the button all the same.
+  if (button >= 1 && button <= kLastButton) DropButtons(1u << (button - 1));
+}
+
 // Translates a platform event into Inp. A non-zero result ends the wait with it.
 int TakePlatformEvent(Event* e) {
   if (e->cls == kEventClassMouse && e->kind == kEventMouseUp) {
@@ -67,7 +83,7 @@ int TakePlatformEvent(Event* e) {
   if (e->cls == kEventClassMouse && e->kind == kEventMouseDown &&
       FindWindow(e->mouse.where, nullptr) == inMenuBar)
     return 0;
-  SendEventToEventTarget(e, static_cast<EventTargetRef>(MainTarget));
+  Translate(e);
   return 0;
 }
 
@@ -80,6 +96,11 @@ void ClearAndCall(XwWindow* w, int type) {
 }
 
 }  // namespace
+
+bool WaitKeepsOut(XwWindow* w) {
+  const Modal* m = Modal::innermost;
+  return m && (m->raw() || m->KeepsOut(w));
+}
 
 void XwRunEventLoop() {
   for (;;) XwWaitEvent(nullptr);
@@ -103,7 +124,7 @@ int XwWaitEvent(XwWindow* modal) {
       XwBeep();
       continue;
     }
-    if (modal == RawMode() || !w || !w->handler) return Inp.type;
+    if (only.raw() || !w || !w->handler) return Inp.type;
     if (Inp.type == XWE_EXPOSE) {
       ClearAndCall(w, XWE_EXPOSE);
       continue;
@@ -125,10 +146,11 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
   first = false;
   if (now - last < kPollPeriod) return 0;
   last = now;
+  const Modal only(modal);
   Event e;
   if (!ReceiveNextEvent(kEventDurationNoWait, &e)) return 0;
   if (e.cls != kToolkitEventClass) {
-    SendEventToEventTarget(&e, static_cast<EventTargetRef>(MainTarget));
+    Translate(&e);
     return Inp.type;
   }
   TakeRecord(e);
@@ -139,11 +161,11 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
     ClearAndCall(w, type);
     return type;
   }
-  if (Modal(modal).KeepsOut(w)) {
+  if (only.KeepsOut(w)) {
     if (type == XWE_PRESS) XwBeep();
     return type;
   }
-  if (dispatch && w && w->handler) Inp.type = w->handler(type);
+  if (dispatch && !only.raw() && w && w->handler) Inp.type = w->handler(type);
   return Inp.type;
 }
 

@@ -11,8 +11,6 @@ XwCursor* GrabCursor;
 
 namespace {
 
-constexpr int kLastButton = 5;
-
 struct Pressed {
   int button;
   uint32_t mask;
@@ -37,13 +35,6 @@ void TakePointer(XwWindow* w, const Event& e) {
   Inp.root_x = e.mouse.where.x;
   Inp.root_y = e.mouse.where.y;
   SetTargetCoordinates(w);
-}
-
-void DropButtons(uint32_t mask) {
-  Inp.state &= ~mask;
-  if (Inp.state & XWS_BUTTONS) return;
-  PassiveGrab = false;
-  if (!ActiveGrab) GrabWindow = nullptr;
 }
 
 XwWindow* Release(XwWindow* w, uint32_t mask) {
@@ -120,6 +111,13 @@ OSStatus Motion(XwWindow* w, const Event& e) {
 
 }  // namespace
 
+void DropButtons(uint32_t mask) {
+  Inp.state &= ~mask;
+  if (Inp.state & XWS_BUTTONS) return;
+  PassiveGrab = false;
+  if (!ActiveGrab) GrabWindow = nullptr;
+}
+
 void SetTargetCoordinates(XwWindow* target) {
   Inp.px = Inp.root_x - target->x;
   Inp.py = Inp.root_y - target->y;
@@ -153,7 +151,7 @@ OSStatus EVwheel_func(HandlerCall*, Event* event, void* window) {
   int px = event->mouse.where.x - w->x, py = event->mouse.where.y - w->y;
   XwWindow* target = FindVirtualWindow(w, px, py);
   if (!target || !target->scroll_handler) target = w;
-  if (!target->scroll_handler) return eventNotHandledErr;
+  if (!target->scroll_handler || WaitKeepsOut(target)) return eventNotHandledErr;
   Inp.window = target;
   Inp.root_x = event->mouse.where.x;
   Inp.root_y = event->mouse.where.y;
@@ -175,7 +173,9 @@ void XwUngrabPointer() {
   if (ActiveGrab) CapturePointer(nullptr, nullptr);
   GrabWindow = nullptr;
   ActiveGrab = false;
+  if (!GrabCursor) return;
   GrabCursor = nullptr;
+  RestoreCursors();
 }
 
 XwWindow* XwPointerIsGrabbed() {

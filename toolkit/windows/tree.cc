@@ -203,7 +203,9 @@ WindowRef NativeWindow(const XwWindow* w) {
 void SetLinked(XwWindow* w, XwWindow* other) {
   if (w->linked) w->linked->linked_by = nullptr;
   w->linked = other;
-  if (other) other->linked_by = w;
+  if (!other) return;
+  if (other->linked_by) other->linked_by->linked = nullptr;
+  other->linked_by = w;
 }
 
 XwWindow* XwCreate(XwValue parent_or_style, int x, int y, int width, int height,

@@ -88,6 +88,7 @@ void Map(WindowRef w, bool shown) {
   State& s = Headless();
   Native(w)->mapped = shown;
   std::erase(s.stack, w);
+  if (!shown && s.pressed_in == w) s.pressed_in = nullptr;
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
     if (!(w->state & kStateDocked)) GiveFocus(w);
