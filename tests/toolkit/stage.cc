@@ -23,6 +23,13 @@ void PostEnd() {
   PostEvent(end);
 }
 
+// Windows may have ended after the copy was made.
+void TakeBack() {
+  Inp = before_end;
+  if (!IsLive(Inp.window)) Inp.window = nullptr;
+  if (!IsLive(Inp.focus)) Inp.focus = nullptr;
+}
+
 bool Idle() {
   PostEnd();
   return true;
@@ -31,7 +38,7 @@ bool Idle() {
 int Wait(XwWindow* modal) {
   int type = XwWaitEvent(modal);
   if (type != kEnough) return type;
-  Inp = before_end;
+  TakeBack();
   return 0;
 }
 
@@ -77,7 +84,7 @@ void RunFor(double seconds, XwWindow* modal) {
   // Waits that return early are taken up again until the end has been received.
   bool ended = false;
   while (!ended) ended = XwWaitEvent(modal) == kEnough && over;
-  Inp = before_end;
+  TakeBack();
   platform::RemoveEventLoopTimer(timer);
 }
 
