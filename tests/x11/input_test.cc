@@ -85,6 +85,37 @@ TEST_F(Reports, AGrabTakesThePointerEverywhere) {
   EXPECT_TRUE(Of(RawEvent::kPress).empty());
 }
 
+// The server takes no grab for a window that is not on the screen.
+TEST_F(Reports, AGrabWaitsForItsWindow) {
+  Start("openbox");
+  WindowRef w = CreateNewWindow(kDocumentWindowClass, kAllBoxes, {100, 124, 400, 424});
+  auto grabbed = [&] {
+    return Collect([&] {
+      reports.clear();
+      user().Move(700, 500);
+      user().Move(710, 510);
+      user().Sync();
+      return Collect([&] { return true; }) && !Of(RawEvent::kMotion).empty();
+    });
+  };
+  ShowWindow(w);
+  CapturePointer(w, nullptr);
+  Settle();
+  EXPECT_TRUE(grabbed()) << "grabbed before the manager had shown it";
+  HideWindow(w);
+  ShowWindow(w);
+  Settle();
+  EXPECT_TRUE(grabbed()) << "hidden meanwhile";
+  CapturePointer(nullptr, nullptr);
+  Settle();
+  reports.clear();
+  user().Move(600, 500);
+  user().Sync();
+  Settle();
+  EXPECT_TRUE(Collect([] { return true; }));
+  EXPECT_TRUE(Of(RawEvent::kMotion).empty());
+}
+
 TEST_F(Reports, KeysCarrySymbolBaseAndCharacter) {
   Start();
   Ready();

@@ -117,14 +117,47 @@ xcb_cursor_t PictureCursor(const Cursor& c) {
   return cursor;
 }
 
+// What the server has of it.
+void FreeNative(CursorRef cursor) {
+  if (cursor == nullptr || cursor->native == 0) return;
+  const xcb_cursor_t gone = xcb_cursor_t(cursor->native);
+  cursor->native = 0;
+  // Windows go on showing it until they are given another one.
+  for (auto& [id, n] : x.windows) {
+    if (n->cursor == gone) n->cursor = XCB_NONE;
+  }
+  xcb_free_cursor(x.c, gone);
+}
+
 xcb_cursor_t NativeCursor(CursorRef c) {
   if (c == nullptr || c->shape != Cursor::kPicture) {
     return ShapeCursor(c == nullptr ? Cursor::kArrow : c->shape);
   }
-  if (c->native_scale != x.scale) DestroyCursor(c);
+  if (c->native_scale != x.scale) FreeNative(c);
   if (c->native == 0) c->native = PictureCursor(*c);
   c->native_scale = x.scale;
   return xcb_cursor_t(c->native);
+}
+
+// The program's grab. The server refuses it for a window that is not on the screen (yet) and ends
+// it when the window leaves the screen; it is asked for again when the window comes up.
+struct Grab {
+  const Native* window = nullptr;
+  CursorRef cursor = nullptr;
+  bool held = false;
+};
+Grab grab;
+
+bool TryGrab() {
+  constexpr uint16_t kMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+                             XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
+                             XCB_EVENT_MASK_LEAVE_WINDOW;
+  auto cookie =
+      xcb_grab_pointer(x.c, 0, grab.window->id, kMask, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                       XCB_NONE, NativeCursor(grab.cursor), XCB_CURRENT_TIME);
+  Reply<xcb_grab_pointer_reply_t> r(xcb_grab_pointer_reply(x.c, cookie, nullptr));
+  grab.held = r && r->status == XCB_GRAB_STATUS_SUCCESS;
+  return grab.held;
 }
 
 }  // namespace
@@ -140,30 +173,28 @@ void SetCursor(WindowRef w, CursorRef cursor) {
 }
 
 void DestroyCursor(CursorRef cursor) {
-  if (cursor == nullptr || cursor->native == 0) return;
-  const xcb_cursor_t gone = xcb_cursor_t(cursor->native);
-  cursor->native = 0;
-  // Windows go on showing it until they are given another one.
-  for (auto& [id, n] : x.windows) {
-    if (n->cursor == gone) n->cursor = XCB_NONE;
-  }
-  xcb_free_cursor(x.c, gone);
+  if (grab.cursor == cursor) grab.cursor = nullptr;
+  FreeNative(cursor);
 }
 
 bool GrabPointer(WindowRef w, CursorRef cursor) {
-  Native* n = NativeOf(w);
-  if (n == nullptr) {
-    xcb_ungrab_pointer(x.c, XCB_CURRENT_TIME);
-    xcb_flush(x.c);  // others wait for the pointer
-    return true;
-  }
-  constexpr uint16_t kMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                             XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
-                             XCB_EVENT_MASK_LEAVE_WINDOW;
-  auto cookie = xcb_grab_pointer(x.c, 0, n->id, kMask, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
-                                 XCB_NONE, NativeCursor(cursor), XCB_CURRENT_TIME);
-  Reply<xcb_grab_pointer_reply_t> r(xcb_grab_pointer_reply(x.c, cookie, nullptr));
-  return r && r->status == XCB_GRAB_STATUS_SUCCESS;
+  grab = {NativeOf(w), cursor, false};
+  if (grab.window != nullptr) return TryGrab();
+  xcb_ungrab_pointer(x.c, XCB_CURRENT_TIME);
+  xcb_flush(x.c);  // others wait for the pointer
+  return true;
+}
+
+void GrabWhenShown(const Native* n) {
+  if (n == grab.window && !grab.held) TryGrab();
+}
+
+void LoseGrab(const Native* n) {
+  if (n == grab.window) grab.held = false;
+}
+
+void ForgetGrab(const Native* n) {
+  if (n == grab.window) grab = {};
 }
 
 void OpenCursors() {

@@ -77,6 +77,7 @@ void OnMap(const xcb_generic_event_t* event) {
 void OnUnmap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_unmap_notify_event_t>(event)->window)) {
     ReleaseKeys(n, 0);
+    LoseGrab(n);
     Emit(RawEvent::kHidden, n);
   }
 }
@@ -85,7 +86,9 @@ void OnUnmap(const xcb_generic_event_t* event) {
 void OnExpose(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_expose_event_t>(event);
   Native* n = FindNative(e->window);
-  if (n == nullptr || !n->presented) return;
+  if (n == nullptr) return;
+  GrabWhenShown(n);
+  if (!n->presented) return;
   const DeviceRect r{e->x, e->y, e->x + e->width, e->y + e->height};
   Present(n->w, &r, 1);
 }

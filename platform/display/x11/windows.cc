@@ -73,6 +73,7 @@ void DestroyNative(WindowRef w) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
   ForgetDrop(n);
+  ForgetGrab(n);
   ForgetAsked(n);
   FreeBuffer(n);
   xcb_destroy_window(x.c, n->id);

@@ -263,6 +263,10 @@ void HandleInput2(const xcb_ge_generic_event_t* event);
 void SetCursor(WindowRef w, CursorRef cursor);
 void DestroyCursor(CursorRef cursor);
 bool GrabPointer(WindowRef w, CursorRef cursor);
+// The window is on the screen; it has left the screen; it ends.
+void GrabWhenShown(const Native* n);
+void LoseGrab(const Native* n);
+void ForgetGrab(const Native* n);
 // Gives the windows made so far the theme's arrow.
 void OpenCursors();
 void CloseCursors();
