@@ -177,6 +177,30 @@ TEST_F(Reports, LosingTheFocusEndsHeldKeys) {
   user().Key('x', false);
 }
 
+// A key that goes down in a window and ends it comes up where nobody hears it.
+TEST_F(Reports, AKeyThatEndsItsWindowDoesNotStayDown) {
+  Start();
+  Ready();
+  WindowRef other = Show("Ended", {500, 124, 600, 200});
+  SelectWindow(other);
+  ASSERT_TRUE(RunUntil([&] { return other->focused; }));
+  user().Key('x', true);
+  ASSERT_TRUE(Wait(RawEvent::kKeyDown));
+  DisposeWindow(other);
+  xcb_set_input_focus(user().connection(), XCB_INPUT_FOCUS_NONE, XCB_NONE, XCB_CURRENT_TIME);
+  Settle();
+  reports.clear();
+  user().Key('x', false);
+  user().Sync();
+  SelectWindow(WindowList().front());
+  ASSERT_TRUE(Wait(RawEvent::kFocusIn));
+  ASSERT_TRUE(Wait(RawEvent::kKeyUp));
+  user().Key('x', true);
+  ASSERT_TRUE(Wait(RawEvent::kKeyDown));
+  EXPECT_TRUE(Of(RawEvent::kKeyRepeat).empty());
+  user().Key('x', false);
+}
+
 // Gives the key that types `from` other symbols, as a change of layout does.
 void Remap(support::XUser& user, uint32_t from, uint32_t to, uint32_t shifted) {
   xcb_connection_t* c = user.connection();

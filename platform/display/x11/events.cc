@@ -105,7 +105,7 @@ void OnFocus(const xcb_generic_event_t* event) {
       e->detail == XCB_NOTIFY_DETAIL_POINTER || e->detail == XCB_NOTIFY_DETAIL_POINTER_ROOT;
   if (transient || by_pointer || e->detail == XCB_NOTIFY_DETAIL_INFERIOR) return;
   Emit(in ? RawEvent::kFocusIn : RawEvent::kFocusOut, n);
-  if (in) RefreshModifiers(n);
+  if (in) RefreshKeys(n);
 }
 
 void OnProperty(const xcb_generic_event_t* event) {

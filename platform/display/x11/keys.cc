@@ -5,6 +5,7 @@
 // the shared xcb, and this program's xcb is linked in. What characters the symbols are, and the
 // sequences, are xkbcommon's, loaded when the first key is pressed.
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -198,6 +199,19 @@ void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time)
   e->modifiers = Modifiers(k.state);
 }
 
+// A release that no window heard of, since the one with the focus was destroyed with the key down.
+void ReleaseMissed(Native* n) {
+  const bool any =
+      std::any_of(std::begin(k.held), std::end(k.held), [](const Held& h) { return h.down; });
+  if (!any) return;
+  Reply<xcb_query_keymap_reply_t> now(xcb_query_keymap_reply(x.c, xcb_query_keymap(x.c), nullptr));
+  for (int code = 8; now && code < 256; ++code) {
+    if (!k.held[code].down || (now->keys[code / 8] >> (code % 8) & 1) != 0) continue;
+    k.held[code].down = false;
+    EmitKey(RawEvent::kKeyUp, n, uint8_t(code), 0);
+  }
+}
+
 void SelectXkb() {
   constexpr uint16_t kMapParts =
       XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
@@ -260,8 +274,10 @@ uint32_t Modifiers(uint32_t state) {
   return out;
 }
 
-void RefreshModifiers(Native* n) {
-  if (x.late_done) ReportModifiers(n, 0);
+void RefreshKeys(Native* n) {
+  if (!x.late_done) return;
+  ReleaseMissed(n);
+  ReportModifiers(n, 0);
 }
 
 void HandleKey(const xcb_key_press_event_t* e, bool press) {

@@ -246,7 +246,7 @@ void HandleXkb(const xcb_generic_event_t* event);
 // Ends every held key: the releases will not reach the program.
 void ReleaseKeys(Native* n, xcb_timestamp_t time);
 // `n` has the focus: what was pressed or released meanwhile is reported.
-void RefreshModifiers(Native* n);
+void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
 uint32_t Modifiers(uint32_t state);
 
