@@ -5,6 +5,8 @@
 // make of the present ones. Taken for the user's doing they would undo what the program has just
 // done. So while a request is open only its own answer is passed on at once; anything else is held
 // until no answer has come for a while: then it is what the window manager grants instead.
+#include <algorithm>
+
 #include "platform/display/x11/x.h"
 
 namespace platform::x11 {
@@ -13,6 +15,20 @@ namespace {
 
 constexpr double kPatience = 0.1;  // seconds from the last request to taking no for an answer
 constexpr double kForgotten = 1;   // a request that is older gets no answer any more
+
+// A size that comes from outside decides how much memory is taken: no window need be larger than
+// twice the screens, unless the program itself asked for that.
+DeviceRect Bounded(const Native& n, const DeviceRect& r) {
+  int width = 0, height = 0;
+  for (const Screen& s : x.screens) {
+    width = std::max(width, s.bounds.right * 2);
+    height = std::max(height, s.bounds.bottom * 2);
+  }
+  const DeviceRect own = DeviceBounds(*n.w);
+  width = std::min(r.width(), std::max(width, own.width()));
+  height = std::min(r.height(), std::max(height, own.height()));
+  return {r.left, r.top, r.left + std::max(width, 1), r.top + std::max(height, 1)};
+}
 
 void Report(Native* n, const DeviceRect& r) {
   if (n->bounds_known && n->bounds == r) return;
@@ -53,7 +69,8 @@ void MoveResizeNative(WindowRef w) {
   SetEventLoopTimerNextFireTime(n->asked.patience, kPatience);
 }
 
-void TakeBounds(Native* n, const DeviceRect& bounds, uint16_t sequence) {
+void TakeBounds(Native* n, const DeviceRect& told, uint16_t sequence) {
+  const DeviceRect bounds = Bounded(*n, told);
   auto& asked = n->asked;
   if (asked.open && Now() - asked.since > kForgotten) ForgetAsked(n);
   const bool after_request = int16_t(sequence - uint16_t(asked.sequence)) >= 0;

@@ -182,40 +182,44 @@ void OnGeneric(const xcb_generic_event_t* event) {
   if (x.xi_opcode != 0 && e->extension == x.xi_opcode) HandleInput2(e);
 }
 
+// Other programs can send events as if the server had. That is how some kinds are meant to come,
+// and how tools type and click; of the rest only the server's own count.
 struct Route {
   uint8_t type;
+  bool sent_too;
   void (*handle)(const xcb_generic_event_t* event);
 };
 constexpr Route kRoutes[] = {
-    {XCB_KEY_PRESS, OnKeyPress},
-    {XCB_KEY_RELEASE, OnKeyRelease},
-    {XCB_BUTTON_PRESS, OnButtonPress},
-    {XCB_BUTTON_RELEASE, OnButtonRelease},
-    {XCB_MOTION_NOTIFY, OnMotion},
-    {XCB_ENTER_NOTIFY, OnEnter},
-    {XCB_LEAVE_NOTIFY, OnLeave},
-    {XCB_FOCUS_IN, OnFocus},
-    {XCB_FOCUS_OUT, OnFocus},
-    {XCB_EXPOSE, OnExpose},
-    {XCB_MAP_NOTIFY, OnMap},
-    {XCB_UNMAP_NOTIFY, OnUnmap},
-    {XCB_REPARENT_NOTIFY, OnReparent},
-    {XCB_CONFIGURE_NOTIFY, OnConfigure},
-    {XCB_PROPERTY_NOTIFY, OnProperty},
-    {XCB_SELECTION_NOTIFY, OnSelection},
-    {XCB_CLIENT_MESSAGE, OnClientMessage},
-    {XCB_GE_GENERIC, OnGeneric},
+    {XCB_KEY_PRESS, true, OnKeyPress},
+    {XCB_KEY_RELEASE, true, OnKeyRelease},
+    {XCB_BUTTON_PRESS, true, OnButtonPress},
+    {XCB_BUTTON_RELEASE, true, OnButtonRelease},
+    {XCB_MOTION_NOTIFY, true, OnMotion},
+    {XCB_ENTER_NOTIFY, false, OnEnter},
+    {XCB_LEAVE_NOTIFY, false, OnLeave},
+    {XCB_FOCUS_IN, false, OnFocus},
+    {XCB_FOCUS_OUT, false, OnFocus},
+    {XCB_EXPOSE, false, OnExpose},
+    {XCB_MAP_NOTIFY, false, OnMap},
+    {XCB_UNMAP_NOTIFY, false, OnUnmap},
+    {XCB_REPARENT_NOTIFY, false, OnReparent},
+    {XCB_CONFIGURE_NOTIFY, true, OnConfigure},
+    {XCB_PROPERTY_NOTIFY, false, OnProperty},
+    {XCB_SELECTION_NOTIFY, true, OnSelection},
+    {XCB_CLIENT_MESSAGE, true, OnClientMessage},
+    {XCB_GE_GENERIC, false, OnGeneric},
 };
 
 void Dispatch(const xcb_generic_event_t* event) {
   const uint8_t type = event->response_type & 0x7F;
+  const bool sent = (event->response_type & 0x80) != 0;
   if (x.randr_event != 0 && type == x.randr_event + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
-    RefreshScreens();
+    if (!sent) RefreshScreens();
   } else if (x.xkb_event != 0 && type == x.xkb_event) {
-    HandleXkb(event);
+    if (!sent) HandleXkb(event);
   } else {
     for (const Route& r : kRoutes) {
-      if (r.type == type) return r.handle(event);
+      if (r.type == type && (r.sent_too || !sent)) return r.handle(event);
     }
   }
 }
