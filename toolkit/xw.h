@@ -212,9 +212,10 @@ void XwTimer(XwWindow* w, int32_t value, int32_t ms);
 
 /* ==== Pointer grabs and cursors =================================================================
  *
- * While a button is held, the window that it was pressed in gets all pointer events (a passive
- * grab, which the toolkit makes and ends). An active grab is the program's and lasts until
- * XwUngrabPointer. */
+ * While the primary button is held, the window that it was pressed in gets all pointer events (a
+ * passive grab, which the toolkit makes and ends). An active grab is the program's and lasts until
+ * XwUngrabPointer. A press of another button is the last event that a grab sends to its window.
+ * Outside the program's windows a grab hears motion and releases, no press. */
 
 /* `cursor` is an index into XWcursors and is shown everywhere meanwhile; outside 0..21: none. */
 void XwGrabPointer(XwWindow* w, int32_t cursor);

@@ -74,7 +74,8 @@ struct Display {
   void (*destroy_window)(WindowRef w);
   // Shows or hides; with `w->state` and hints as they are then.
   void (*map_window)(WindowRef w, bool shown);
-  // Asks for DeviceBounds(*w).
+  // Asks for DeviceBounds(*w). Bounds that the window passes through on the way there, and those of
+  // requests before, are not reported; what is granted instead is.
   void (*move_resize)(WindowRef w);
   void (*set_title)(WindowRef w);
   // Class, attributes, size limits, transient parent, state: all that the record says.
@@ -97,7 +98,8 @@ struct Display {
   void (*set_cursor)(WindowRef w, CursorRef cursor);
   // Native resources of a cursor are gone after this. May be null.
   void (*destroy_cursor)(CursorRef cursor);
-  // All pointer events go to `w`, with this cursor; a null window ends it. May be null.
+  // All pointer events go to `w`, with this cursor; a null window ends it. Of a window that is not
+  // on the screen it begins when the window comes up. May be null.
   bool (*grab_pointer)(WindowRef w, CursorRef cursor);
   // May be null.
   void (*beep)();
