@@ -115,7 +115,7 @@ enum {
   XWE_PAGE_DOWN = 525, XWE_UP = 526, XWE_LEFT = 527, XWE_DOWN = 528, XWE_RIGHT = 529,
   XWE_CONFIGURE = 768,    /* moved or resized */
   XWE_EXPOSE = 769,       /* draw the content: it has been cleared; select the window and draw */
-  XWE_MOTION = 770,       /* the pointer moved */
+  XWE_MOTION = 770,       /* the pointer moved; one outside the window tells that it has left */
   XWE_PRESS = 771,        /* primary; 772 secondary, 773 tertiary, 774 and 775 side buttons */
   XWE_RELEASE = 776,
   XWE_MODIFIERS = 777,    /* Inp.state has the new modifier bits */

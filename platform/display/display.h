@@ -26,7 +26,7 @@ struct RawEvent {
     kRelease,  // x, y, root_x, root_y, button, tablet, modifiers
     kScroll,   // dx, dy: logical pixels, positive is right and down
     kEnter,
-    kLeave,
+    kLeave,  // x, y, root_x, root_y: where the pointer is now
     kKeyDown,
     kKeyRepeat,
     kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers

@@ -21,7 +21,7 @@ constexpr KindRow kKinds[] = {
     {RawEvent::kConfigure, "configure"}, {RawEvent::kClose, "close"},
     {RawEvent::kFocusIn, "focus"},       {RawEvent::kFocusOut, "unfocus"},
     {RawEvent::kQuit, "quit"},           {RawEvent::kPreferences, "preferences"},
-    {RawEvent::kOpenFile, "open"},
+    {RawEvent::kOpenFile, "open"},       {RawEvent::kLeave, "leave"},
 };
 
 // One of these points at a field of a report.

@@ -127,6 +127,8 @@ void WindowEvent(const RawEvent& raw) {
   if (raw.type <= RawEvent::kModifiers || raw.type == RawEvent::kFocusIn) w->placing = false;
   switch (raw.type) {
     case RawEvent::kMotion:
+    // The last motion of a pointer that leaves lies outside the window.
+    case RawEvent::kLeave:
       return Motion(raw);
     case RawEvent::kPress:
     case RawEvent::kRelease:

@@ -190,6 +190,23 @@ TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
   }
 }
 
+TEST_F(ConsoleTest, NothingStaysLitWhenThePointerHasLeft) {
+  Open("127.0.0.0");
+  const Area row = FileRow("letter.txt"), button = c_->layout.refresh;
+  for (const Area& a : {row, button}) {
+    for (const auto& [dx, dy] : {std::pair(-3000, 0), {0, 1500}, {5000, 3}}) {
+      const int x = c_->window->x + a.x + 5, y = c_->window->y + a.y + 5;
+      display::MovePointer(x, y);
+      Turn(2);
+      EXPECT_TRUE(c_->hover);
+      display::MovePointer(x + dx, y + dy);
+      Turn(2);
+      EXPECT_FALSE(c_->hover);
+    }
+  }
+  EXPECT_EQ(At(row.x + 3, row.y + 2), At(row.x + 3, row.y + 2 + 2 * Table::kRowHeight));
+}
+
 TEST_F(ConsoleTest, ThePrinterListChoosesAndHidesWhatLiesUnderIt) {
   Daemon daemon;
   daemon.Start({"--config", daemon.WriteFile("printers",

@@ -19,6 +19,7 @@ TEST(JournalLine, ReadsWhatItWrites) {
       "0.000000 focus w1",
       "0.350000 press w1 x=20 y=54.5 rx=50 ry=134 button=1 at=0.349",
       "0.350000+ motion w12 x=-3 y=7",
+      "0.360000 leave w12 x=-3 y=900 rx=100 ry=1000",
       "1.500000 motion w1 x=1 y=2 tablet=1 tip=1 pressure=65535 tilt-x=-32768 tilt-y=32767",
       "2.000000 key-down w1 modifiers=4096 code=112 key=65293 base=65293 char=13",
       "2.250000 scroll w1 x=5 y=6 dx=-0.5 dy=40",

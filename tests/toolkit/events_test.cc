@@ -220,7 +220,10 @@ TEST(Events, AModalWaitKeepsOthersOut) {
   input::Release(1);
   EXPECT_EQ(RunLoop(dialog), XWE_RELEASE);
   EXPECT_EQ(Trace(), "");
-  // Its own and its sub-windows' are delivered.
+  // Its own and its sub-windows' are delivered; the pointer's leaving is the other's motion.
+  input::MovePointer(530, 130);
+  EXPECT_EQ(RunLoop(dialog), XWE_MOTION);
+  EXPECT_EQ(Inp.window, main);
   input::Click(530, 130);
   input::Click(590, 190);
   RunLoop(dialog);

@@ -70,6 +70,7 @@ void DestroyNative(WindowRef w) {
   std::erase(s.stack, w);
   std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
   if (s.pressed_in == w) s.pressed_in = nullptr;
+  if (s.entered == w) s.entered = nullptr;
   if (s.grab == w) {
     s.grab = nullptr;
     s.grab_cursor = nullptr;

@@ -32,9 +32,13 @@ WindowRef UnderPointer() {
   return nullptr;
 }
 
-RawEvent PointerReport(RawEvent::Type type) {
+WindowRef PointerTarget() {
   State& s = Headless();
-  WindowRef w = s.grab ? s.grab : s.pressed_in ? s.pressed_in : UnderPointer();
+  return s.grab ? s.grab : s.pressed_in ? s.pressed_in : UnderPointer();
+}
+
+RawEvent PointerReport(RawEvent::Type type, WindowRef w = PointerTarget()) {
+  State& s = Headless();
   RawEvent raw = Report(type, w);
   if (!w) return raw;
   double scale = w->surface.scale;
@@ -66,6 +70,14 @@ void PushPointer(const RawEvent& raw) {
   Push(raw);
 }
 
+// Tells the window that the pointer has left of it.
+void LeaveWindow() {
+  State& s = Headless();
+  const WindowRef now = PointerTarget();
+  if (s.entered && s.entered != now) PushPointer(PointerReport(RawEvent::kLeave, s.entered));
+  s.entered = now;
+}
+
 RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
   RawEvent raw = Report(type, Headless().focus);
   raw.keysym = raw.base_keysym = raw.keycode = keysym;
@@ -79,6 +91,7 @@ void MovePointer(int x, int y) {
   State& s = Headless();
   s.x = x;
   s.y = y;
+  LeaveWindow();
   PushPointer(PointerReport(RawEvent::kMotion));
 }
 
@@ -98,6 +111,7 @@ void Release(int button) {
   if (button >= 1 && button <= 31) s.buttons &= ~(1u << button);
   if (!s.buttons) s.pressed_in = nullptr;
   PushPointer(raw);
+  LeaveWindow();
 }
 
 void Click(int x, int y, int button) {

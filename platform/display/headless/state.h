@@ -29,6 +29,7 @@ struct State {
   uint32_t buttons = 0, modifiers = 0;
   uint32_t reported = 0;  // buttons whose press was reported and whose release was not
   WindowRef pressed_in = nullptr;
+  WindowRef entered = nullptr;  // the window that knows of the pointer
   WindowRef grab = nullptr;
   CursorRef grab_cursor = nullptr;
   bool stepped = false;
