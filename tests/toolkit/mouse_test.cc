@@ -218,10 +218,10 @@ TEST(Mouse, NoButtonStaysHeld) {
     End end;
     const char* trace;
   } rows[] = {
-      {1, kOutside, "other 776"},
-      {2, kOutside, ""},
-      {1, kPolled, ""},
-      {2, kPolled, ""},
+      {1, kOutside, "other 776 other 770"},
+      {2, kOutside, "other 770"},
+      {1, kPolled, "other 770"},
+      {2, kPolled, "other 770"},
       {1, kDestroyed, "main 776 main 770"},
       {3, kDestroyed, "main 776 main 770"},
       {1, kHidden, "other 776 main 770"},
