@@ -181,12 +181,14 @@ void TranslateRawEvent(const RawEvent& raw) {
 
 void TakeRawEvents() {
   const Display* d = CurrentDisplay();
+  // Before the display's: what they ask for may bring reports along, which its descriptor then no
+  // longer shows.
+  TakeDesktopRequests();
   RawEvent raw;
   while (d->next_event(&raw)) {
     TakeReport(raw);
     raw = RawEvent();
   }
-  TakeDesktopRequests();
   if (journal_mode == JournalMode::kReplaying) ReplayDue();
   SettleActivation();
 }

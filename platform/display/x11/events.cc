@@ -249,19 +249,21 @@ RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t) {
   return &e;
 }
 
-void Pump() {
-  while (xcb_generic_event_t* e = xcb_poll_for_event(x.c)) {
-    if (e->response_type != 0) {
-      x.pending.push_back(e);
-      continue;
-    }
-    HandleSharedMemoryError(reinterpret_cast<const xcb_generic_error_t*>(e));
-    free(e);
+static void Keep(xcb_generic_event_t* e) {
+  if (e->response_type != 0) {
+    x.pending.push_back(e);
+    return;
   }
+  HandleSharedMemoryError(reinterpret_cast<const xcb_generic_error_t*>(e));
+  free(e);
 }
 
-bool NextEvent(RawEvent* out) {
-  if (x.c == nullptr) return false;
+void Pump() {
+  while (xcb_generic_event_t* e = xcb_poll_for_event(x.c)) Keep(e);
+}
+
+// Looks at what has come until it makes a report.
+static void TakePending() {
   if (x.out.empty() && x.pending.empty()) Pump();
   while (x.out.empty() && !x.pending.empty()) {
     xcb_generic_event_t* e = x.pending.front();
@@ -270,14 +272,27 @@ bool NextEvent(RawEvent* out) {
     free(e);
     if (x.pending.empty()) Pump();
   }
+}
+
+bool NextEvent(RawEvent* out) {
+  if (x.c == nullptr) return false;
+  TakePending();
+  if (x.out.empty() && x.idle && !x.late_done && !xcb_connection_has_error(x.c)) {
+    // Its answers may bring events along, which the descriptor then no longer shows.
+    OpenLate();
+    TakePending();
+  }
   if (x.out.empty() && !x.lost && xcb_connection_has_error(x.c)) {
     x.lost = true;
     Emit(RawEvent::kDisplayLost, nullptr);
   }
   if (x.out.empty()) {
-    if (x.idle && !x.lost) OpenLate();
     xcb_flush(x.c);
-    return false;
+    // One that had to wait for the server has read meanwhile.
+    xcb_generic_event_t* e = xcb_poll_for_queued_event(x.c);
+    if (e == nullptr) return false;
+    Keep(e);
+    return NextEvent(out);
   }
   *out = x.out.front();
   x.out.pop_front();
