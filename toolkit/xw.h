@@ -479,7 +479,9 @@ char* XwTextFit(XwFont* font, const char* text, int width);
 /* One line. With w and h: in that box, in the middle of its height, trimmed to w - 6; flags 0x200
  * puts it 5 pixels from the right, 0x400 5 pixels from the left, anything else in the middle;
  * `background` fills the box. With w or h 0: whole, its top left corner at (x, y), and `background`
- * fills the height and width of the text. 0x800 underlines. background -1: none, -2: erases. */
+ * fills the height and width of the text. 0x800 underlines. background -1: none, -2: erases.
+ * Afterwards fills and polygons keep the text's colour, lines and ellipses that of the background
+ * or the underline where there was one, until XwSetColor. */
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background);
 

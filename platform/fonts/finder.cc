@@ -56,10 +56,10 @@ class Book {
     return FaceOfFile(a.file, a.index, &known);
   }
 
-  // The catalogue's first face, for programs that ask for nothing that exists.
+  // The catalogue's first face that can be read, for programs that ask for nothing that exists.
   const FontFace* Any() {
     for (const FontEntry& e : Catalogue().entries)
-      if (const FontFace* face = FaceOfFile(e.file, e.index)) return face;
+      if (const FontFace* face = FaceOfFile(e.file, e.index); face && OpenFace(face)) return face;
     return nullptr;
   }
 
@@ -128,7 +128,7 @@ const FontFace* FindFontWithCharacter(char32_t c) {
 const FontFace* FallbackFont() {
   static const FontFace* font = [] {
     const FontFace* f = FindFont(TheBook().Ask("d").file.c_str());
-    if (!f) f = TheBook().Any();
+    if (!f || !OpenFace(f)) f = TheBook().Any();
     if (!f) fputs("xw: there is no font to draw text with\n", stderr);
     return f;
   }();

@@ -45,8 +45,11 @@ namespace {
 bool Open(const SizedFont* font) {
   if (!font || !font->face) return false;
   if (font->opened) return true;
-  const_cast<SizedFont*>(font)->opened = OpenFace(font->face);
-  return font->opened;
+  SizedFont* f = const_cast<SizedFont*>(font);
+  // The desktop's font draws in place of a file that can be read no longer.
+  if (!OpenFace(f->face)) f->face = FallbackFont();
+  f->opened = f->face && OpenFace(f->face);
+  return f->opened;
 }
 
 GlyphSet* SetFor(SizedFont* font, double scale) {

@@ -134,6 +134,21 @@ TEST_F(Finder, DamagedAnswersAreNotBelieved) {
   fs::create_symlink("/etc/passwd", Cache());
   EXPECT_TRUE(plain());
   EXPECT_FALSE(fs::is_symlink(Cache()));  // replaced, not followed
+  fs::remove(Cache());
+  ASSERT_EQ(mkfifo(Cache().c_str(), 0600), 0);
+  EXPECT_TRUE(plain());
+  EXPECT_TRUE(fs::is_regular_file(Cache()));
+}
+
+// The folder's time stamp does not tell that a file in it was written over.
+TEST_F(Finder, FilesDamagedInPlaceLeaveTextReadable) {
+  Install("bold.ttf", "fonts/deep");
+  auto width = [](const char* name) {
+    return InProcess([=] { return XwTextWidth(LoadFont(name, 20, 0), "text") > 0; });
+  };
+  for (const char* name : {"Quorvik Test", "No Such Font"}) ASSERT_TRUE(width(name));
+  std::ofstream(root_ / "fonts/deep/plain.ttf", std::ios::trunc) << "no font";
+  for (const char* name : {"Quorvik Test", "No Such Font"}) EXPECT_TRUE(width(name)) << name;
 }
 
 TEST_F(Finder, WithoutAPlaceForTheFile) {
