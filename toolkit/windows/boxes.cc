@@ -92,5 +92,5 @@ void XwBoxList(int op, int x, int y, int width, int height) {
   blpy = Sat16(y);
   bllx = Sat16(width);
   blly = Sat16(height);
-  XAddbl(w->boxes, Sat16(op));
+  XAddbl(w->boxes, op);
 }
