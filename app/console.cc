@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kFirstWidth = 1200, kFirstHeight = 756;
 constexpr int kMessageTicks = 60;
+constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
 constexpr int kSettleMs = 50;
 
@@ -73,9 +74,16 @@ unsigned PaneOf(const Hit& hit) {
   }
 }
 
+// A border of columns that can be moved.
+bool IsBorder(const Hit& hit) {
+  return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
 void SetHover(Console* c, const Hit& hit) {
   if (hit == c->hover) return;
   c->damage |= PaneOf(c->hover) | PaneOf(hit);
+  if (IsBorder(hit) != IsBorder(c->hover))
+    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
   c->hover = hit;
   if (hit.owner == kPrinterList && c->list_open) {
     c->list_row = hit.index;
@@ -98,8 +106,14 @@ void FilesChanged(Console* c) {
 
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
+  Table& table = files ? c->files : c->queue;
+  if (IsBorder(hit)) {
+    if (twice) table.ResetColumns();
+    table.Press(hit, Inp.px, Inp.py);
+    return;
+  }
   SetStop(c, files ? Stop::kFiles : Stop::kQueue);
-  (files ? c->files : c->queue).Press(hit, Inp.py);
+  table.Press(hit, Inp.px, Inp.py);
   if (!files) c->missing = {};
   c->damage |= PaneOf(hit);
   if (!files) return;
@@ -211,8 +225,12 @@ void Release(Console* c) {
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
   if (c->pressed == Hit{kTools, kSlider, 0}) return SlidePriority(c, Inp.px);
-  if (c->files.Drag(Inp.py)) c->damage |= kFolderPane;
-  if (c->queue.Drag(Inp.py)) c->damage |= kQueuePane;
+  const bool files = c->files.Drag(Inp.px, Inp.py), queue = c->queue.Drag(Inp.px, Inp.py);
+  if (files) c->damage |= kFolderPane;
+  if (queue) c->damage |= kQueuePane;
+  if (files || queue) c->last_press = 0;  // what was dragged was not clicked
+  // A border is under the pointer as long as it is held.
+  if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
 }

@@ -83,10 +83,9 @@ void DrawHead(const Console* c) {
     if (lit && !last) Fill({crumb.area.x, crumb.area.y + 21, crumb.area.w - 1, 1}, l.accent);
     if (last) break;
     const int x = crumb.area.right() + 6, y = crumb.area.y + 11;
-    for (int k = 0; k < 4; ++k) {
-      XwBox(x + k, y + k, 1, 1, l.line);
-      XwBox(x + k, y + 6 - k, 1, 1, l.line);
-    }
+    XwSetColor(l.line);
+    XwDrawLine(x, y, x + 3, y + 3);
+    XwDrawLine(x, y + 6, x + 3, y + 3);
   }
   DrawHeadText(c);
 }

@@ -111,7 +111,7 @@ int Worker::SendDocument(const Transfer& t, int file, int64_t size, std::string*
   }
   Close(kFile);
   if (result == NC_BAD_REQUEST) *why = "it is too large";
-  if (result == NC_UNREADABLE) *why = "it could not be read to its end";
+  if (result == NC_UNREADABLE) *why = "the file ended early";
   if (result >= 0 && result != NC_STATUS_DONE) *why = NC_StatusText(result);
   return result;
 }

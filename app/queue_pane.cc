@@ -68,10 +68,10 @@ void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
   const Look& l = TheLook();
   switch (t.state) {
     case Sending::kWaiting:
-      DrawWord(cell, "to be sent", cell.second);
+      DrawWord(cell, "to be sent", l.second);
       break;
     case Sending::kCancelling:
-      DrawWord(cell, "cancelling\xC9", cell.second);
+      DrawWord(cell, "cancelling\xC9", l.second);
       break;
     case Sending::kFailed:
       DrawWord(cell, ("not sent: " + Shown(t.text)).c_str(), l.bad);
@@ -85,7 +85,7 @@ void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
 void DrawJobProgress(const Console* c, const NC_Job& job, const CellLook& cell) {
   const Look& l = TheLook();
   if (const char* pending = PendingText(c, IdOf(job))) {
-    DrawWord(cell, pending, cell.second);
+    DrawWord(cell, pending, l.second);
   } else if (job.state == NC_JOB_PRINTING) {
     DrawBarAndText(cell, job.printed, job.total, PartText(job.printed, job.total));
   } else {
@@ -215,7 +215,7 @@ void DrawHead(const Console* c) {
 
 void DrawQueuePane(Console* c) {
   c->queue.SetFocused(c->stop == Stop::kQueue);
-  c->queue.SetMuted(c->state.link == Link::kAway);
+  c->queue.SetMuted(c->state.link != Link::kReady);
   c->queue.SetEmptyText(c->state.link == Link::kReady ? "Nothing is waiting"
                                                       : "The queue is not known yet");
   DrawHead(c);

@@ -3,6 +3,12 @@
 #include <algorithm>
 
 namespace console {
+namespace {
+
+// How far beside a border the pointer may be to take hold of it.
+constexpr int kBorderReach = 4;
+
+}  // namespace
 
 // --- Geometry
 
@@ -60,31 +66,73 @@ Area Table::RowArea(int row) const {
   return {body.x, int(std::clamp<int64_t>(y, INT32_MIN / 2, INT32_MAX / 2)), body.w, kRowHeight};
 }
 
-// Drops columns until the rest has room, then gives away what is spare.
+// Columns above that rank have no room.
+int Table::ShownRank(int room) const {
+  int rank = 0;
+  for (const Column& c : columns_) rank = std::max(rank, c.rank);
+  for (; rank > 0; --rank) {
+    int need = 0;
+    for (const Column& c : columns_) need += c.rank <= rank ? c.width : 0;
+    if (need <= room) break;
+  }
+  return rank;
+}
+
+// Drops columns until the rest has room, then gives away what is spare, or takes what is missing.
 void Table::LayOutColumns() {
-  const int room = Body().w;
+  const int room = Body().w, rank = ShownRank(room);
   left_.assign(columns_.size(), 0);
   width_.assign(columns_.size(), 0);
-  int rank = 0, need = 0;
-  for (const Column& c : columns_) rank = std::max(rank, c.rank);
-  for (; rank >= 0; --rank) {
-    need = 0;
-    for (const Column& c : columns_) need += c.rank <= rank ? c.width : 0;
-    if (need <= room || rank == 0) break;
-  }
-  int shares = 0, x = Body().x;
-  for (const Column& c : columns_) shares += c.rank <= rank ? c.share : 0;
-  int spare = std::max(0, room - need);
+  wished_.resize(columns_.size());
+  int need = 0, shares = 0;
   for (size_t i = 0; i < columns_.size(); ++i) {
-    const Column& c = columns_[i];
-    left_[i] = x;
-    if (c.rank > rank) continue;
-    int more = shares > 0 ? spare * c.share / shares : 0;
+    if (columns_[i].rank > rank) continue;
+    width_[i] = wished_[i] ? wished_[i] : columns_[i].width;
+    need += width_[i];
+    shares += columns_[i].share;
+  }
+  int spare = std::max(0, room - need), x = Body().x;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    if (width_[i] == 0 || shares == 0) continue;
+    const int more = spare * columns_[i].share / shares;
     spare -= more;
-    shares -= c.share;
-    width_[i] = c.width + more;
+    shares -= columns_[i].share;
+    width_[i] += more;
+  }
+  ShrinkColumns(need - room);
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    left_[i] = x;
     x += width_[i];
   }
+}
+
+// From those that the user has made wider first, then from any.
+void Table::ShrinkColumns(int excess) {
+  for (const bool any : {false, true}) {
+    for (size_t i = 0; i < columns_.size() && excess > 0; ++i) {
+      if (width_[i] == 0 || !wished_[i]) continue;
+      const int least = any ? LeastWidth(int(i)) : columns_[i].width;
+      const int less = std::clamp(width_[i] - least, 0, excess);
+      width_[i] -= less;
+      excess -= less;
+    }
+  }
+}
+
+int Table::LeastWidth(int column) const {
+  const Column& c = columns_[size_t(column)];
+  return std::min(c.width, 2 * c.padding + c.indent + 26);
+}
+
+int Table::NextColumn(int column) const {
+  for (int i = column + 1; i < int(columns_.size()); ++i)
+    if (width_[size_t(i)] > 0) return i;
+  return -1;
+}
+
+void Table::ResetColumns() {
+  wished_.assign(columns_.size(), 0);
+  LayOutColumns();
 }
 
 Area Table::ColumnArea(int column) const {
@@ -156,7 +204,7 @@ bool Table::Wheel(float dy) {
   return top_ != before;
 }
 
-bool Table::Press(const Hit& hit, int py) {
+bool Table::Press(const Hit& hit, int px, int py) {
   switch (hit.part) {
     case kRow:
       Select(hit.index);
@@ -171,16 +219,25 @@ bool Table::Press(const Hit& hit, int py) {
       ScrollTo(top_ + Body().h);
       return true;
     case kThumb:
-      dragging_ = true;
+      dragging_ = kThumb;
       grip_ = py - Thumb().y;
+      return true;
+    case kBorder:
+      if (ColumnArea(hit.index).Empty()) return false;
+      dragging_ = kBorder;
+      border_ = hit.index;
+      grip_ = px - ColumnArea(border_).right();
       return true;
     default:
       return false;
   }
 }
 
-bool Table::Drag(int py) {
-  if (!dragging_) return false;
+bool Table::Drag(int px, int py) {
+  return dragging_ == kThumb ? DragThumb(py) : dragging_ == kBorder && DragBorder(px);
+}
+
+bool Table::DragThumb(int py) {
   const Area bar = Bar().Inset(0, 2);
   const int way = bar.h - Thumb().h, before = top_;
   if (way > 0) {
@@ -188,6 +245,23 @@ bool Table::Drag(int py) {
     ScrollTo(int(int64_t{MostTop()} * y / way));
   }
   return top_ != before;
+}
+
+bool Table::DragBorder(int px) {
+  const int next = NextColumn(border_);
+  const Area a = ColumnArea(border_);
+  if (next < 0 || a.Empty()) return false;
+  const int both = a.w + width_[size_t(next)], least = LeastWidth(border_);
+  const int most = std::max(least, both - LeastWidth(next));
+  const int w = std::clamp(px - grip_ - a.x, least, most);
+  if (w == a.w) return false;
+  // What is seen is what was wished for.
+  for (size_t i = 0; i < columns_.size(); ++i)
+    if (width_[i] > 0) wished_[i] = width_[i];
+  wished_[size_t(border_)] = w;
+  wished_[size_t(next)] = both - w;
+  LayOutColumns();
+  return true;
 }
 
 // --- Drawing
@@ -215,6 +289,11 @@ void Table::AddHits(Hits* hits) const {
     Area c = ColumnArea(i);
     hits->Add({owner_, kHeader, i}, {c.x, area_.y, c.w, std::min(kHeaderHeight, area_.h)});
   }
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    if (ColumnArea(i).Empty() || NextColumn(i) < 0) continue;
+    hits->Add({owner_, kBorder, i}, {ColumnArea(i).right() - kBorderReach, area_.y,
+                                     2 * kBorderReach, std::min(kHeaderHeight, area_.h)});
+  }
   if (!Scrolls()) return;
   const Area bar = Bar(), thumb = Thumb();
   hits->Add({owner_, kBefore, 0}, {bar.x, bar.y, bar.w, thumb.y - bar.y});
@@ -228,6 +307,7 @@ void Table::DrawHeader(const Hit& hover) const {
   head.h = std::min(kHeaderHeight, area_.h);
   Fill(head, l.tool_bar);
   LineAtBottom(head);
+  bool lit = false;
   for (int i = 0; i < int(columns_.size()); ++i) {
     const Column& c = columns_[size_t(i)];
     const Area column = ColumnArea(i);
@@ -245,6 +325,9 @@ void Table::DrawHeader(const Hit& hover) const {
     DrawLabel(i == sort_ ? l.view_bold : l.view, c.align, cell, c.title,
               i == sort_ ? l.ink : l.second);
     if (c.sorts && column.x > area_.x) Fill({column.x, head.y + 4, 1, head.h - 9}, l.hairline);
+    // The border that is under the pointer, at the left of the column behind it.
+    if (lit) Fill({column.x - 1, head.y + 3, 2, head.h - 7}, l.accent);
+    lit = hover == Hit{owner_, kBorder, i} || (dragging_ == kBorder && border_ == i);
   }
 }
 
@@ -277,7 +360,7 @@ void Table::DrawBar(const Hit& hover) const {
   const Area bar = Bar(), thumb = Thumb();
   Fill(bar, l.scroll_ground);
   LineAtLeft(bar);
-  const bool held = dragging_ || hover == Hit{owner_, kThumb, 0};
+  const bool held = dragging_ == kThumb || hover == Hit{owner_, kThumb, 0};
   XwRoundBox(bar.x + 4, thumb.y, 8, thumb.h, 4, held ? l.held_thumb : l.thumb, -1);
 }
 

@@ -38,8 +38,8 @@ int32_t CellColor(const CellLook& c, int32_t colour);
 class Table {
  public:
   static constexpr int kHeaderHeight = 22, kRowHeight = 22, kScrollBar = 15;
-  // Parts of hits; the index is the column or the row.
-  enum Part { kHeader = 1, kRow, kBody, kThumb, kBefore, kAfter };
+  // Parts of hits; the index is the column or the row. A border is that at a column's right.
+  enum Part { kHeader = 1, kRow, kBody, kThumb, kBefore, kAfter, kBorder };
 
   using DrawCell = std::function<void(int row, int column, const CellLook&)>;
   Table(int owner, std::vector<Column> columns, DrawCell draw)
@@ -76,9 +76,13 @@ class Table {
   // Logical pixels, positive down. True when something moved.
   bool Wheel(float dy);
   // A press on a part, at (px, py); then each motion while it is held. True when to be redrawn.
-  bool Press(const Hit& hit, int py);
-  bool Drag(int py);
-  void Release() { dragging_ = false; }
+  // The border of two columns moves room from one to the other; the widths stay in proportion to
+  // the table's from then on.
+  bool Press(const Hit& hit, int px, int py);
+  bool Drag(int px, int py);
+  void Release() { dragging_ = 0; }
+  // Columns as wide as they were at first.
+  void ResetColumns();
 
   const Area& area() const { return area_; }
   // What the rows take: without header and scroll bar.
@@ -89,6 +93,13 @@ class Table {
 
  private:
   void LayOutColumns();
+  int ShownRank(int room) const;
+  void ShrinkColumns(int excess);
+  int LeastWidth(int column) const;
+  // The next shown column, -1 for none.
+  int NextColumn(int column) const;
+  bool DragBorder(int px);
+  bool DragThumb(int py);
   int Fits() const { return Body().h / kRowHeight; }
   int MostTop() const;
   bool Scrolls() const;
@@ -103,12 +114,15 @@ class Table {
   std::vector<Column> columns_;
   DrawCell draw_;
   std::vector<int> left_, width_;
+  std::vector<int> wished_;  // widths that the user has given, 0: none
   Area area_;
   int rows_ = 0, selected_ = -1, top_ = 0;
   int sort_ = -1;
-  bool descending_ = false, focused_ = false, muted_ = false, dragging_ = false;
-  int grip_ = 0;     // where in the thumb it was pressed
-  float wheel_ = 0;  // of a pixel not yet moved
+  bool descending_ = false, focused_ = false, muted_ = false;
+  int dragging_ = 0;  // the part that is held: kThumb, kBorder, 0
+  int border_ = 0;    // of which column
+  int grip_ = 0;      // where in the thumb, or beside the border, it was pressed
+  float wheel_ = 0;   // of a pixel not yet moved
   const char* empty_ = "";
 };
 

@@ -207,6 +207,40 @@ TEST_F(ConsoleTest, NothingStaysLitWhenThePointerHasLeft) {
   EXPECT_EQ(At(row.x + 3, row.y + 2), At(row.x + 3, row.y + 2 + 2 * Table::kRowHeight));
 }
 
+TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
+  Open("127.0.0.0");
+  const auto native = static_cast<platform::WindowRef>(c_->window->platform);
+  const std::string before = c_->folder.At(0).name;
+  for (Table* table : {&c_->files, &c_->queue}) {
+    const Area name = table->ColumnArea(0);
+    const int x = c_->window->x + name.right() - 1, y = c_->window->y + name.y + 10;
+    display::MovePointer(x, y - 300);
+    Turn(2);
+    const platform::CursorRef other = display::ShownCursor(native);
+    display::MovePointer(x, y);
+    Turn(2);
+    const platform::CursorRef sizing = display::ShownCursor(native);
+    EXPECT_NE(sizing, other);
+    display::Press(1);
+    display::MovePointer(x - 30, y + 40);
+    Turn(2);
+    EXPECT_EQ(table->ColumnArea(0).w, name.w - 30);
+    EXPECT_EQ(display::ShownCursor(native), sizing);
+    display::Release(1);
+    Turn(2);
+    EXPECT_NE(display::ShownCursor(native), sizing);
+    EXPECT_EQ(c_->folder.At(0).name, before) << "dragged";
+    display::MovePointer(x - 90, y);
+    Turn(2);
+    EXPECT_EQ(table->ColumnArea(0).w, name.w - 30);
+    // A double click gives it back.
+    for (int i = 0; i < 2; ++i) Click({name.right() - 31, name.y + 9, 2, 2});
+    EXPECT_EQ(table->ColumnArea(0).w, name.w);
+    EXPECT_EQ(c_->folder.At(0).name, before) << "reset";
+  }
+  EXPECT_EQ(c_->folder.At(0).name, before);
+}
+
 TEST_F(ConsoleTest, ThePrinterListChoosesAndHidesWhatLiesUnderIt) {
   Daemon daemon;
   daemon.Start({"--config", daemon.WriteFile("printers",

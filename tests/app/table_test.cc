@@ -50,6 +50,47 @@ TEST(Columns, FillTheWidthAndDropByRank) {
   }
 }
 
+std::vector<int> Widths(const Table& t) {
+  std::vector<int> widths;
+  for (int i = 0; i < 3; ++i) widths.push_back(t.ColumnArea(i).w);
+  return widths;
+}
+
+TEST(Columns, ABorderMovesRoomFromOneToTheOther) {
+  // Widths 365, 135, 100; the least are 46 each.
+  const struct {
+    int border, by;
+    std::vector<int> after;
+  } kRows[] = {
+      {0, 30, {395, 105, 100}},  {0, -100, {265, 235, 100}}, {0, 900, {454, 46, 100}},
+      {0, -900, {46, 454, 100}}, {1, 20, {365, 155, 80}},    {1, 900, {365, 189, 46}},
+      {2, 50, {365, 135, 100}},  {7, 50, {365, 135, 100}},
+  };
+  for (const auto& row : kRows) {
+    Table t = MakeTable({10, 20, 600, 200}, 3);
+    ASSERT_EQ(Widths(t), (std::vector<int>{365, 135, 100}));
+    const int x = t.ColumnArea(row.border).right() + 2;  // a little beside it
+    t.Press({kOwner, Table::kBorder, row.border}, x, 25);
+    t.Drag(x + row.by / 2, 25);
+    t.Drag(x + row.by, 99);
+    t.Release();
+    EXPECT_FALSE(t.Drag(x, 25));
+    EXPECT_EQ(Widths(t), row.after) << row.border << " " << row.by;
+    // They stay so in the same room, and give and take in another one.
+    t.Place({10, 20, 500, 200});
+    EXPECT_EQ(t.ColumnArea(2).right(), 510) << row.border << " " << row.by;
+    t.Place({10, 20, 300, 200});
+    EXPECT_TRUE(t.ColumnArea(1).Empty());
+    EXPECT_EQ(t.ColumnArea(2).right(), 310) << row.border << " " << row.by;
+    t.Place({10, 20, 900, 200});
+    EXPECT_EQ(t.ColumnArea(2).right(), 910);
+    t.Place({10, 20, 600, 200});
+    EXPECT_EQ(Widths(t), row.after);
+    t.ResetColumns();
+    EXPECT_EQ(Widths(t), (std::vector<int>{365, 135, 100}));
+  }
+}
+
 TEST(Keys, MoveTheSelectionAndKeepItInSight) {
   // Ten whole rows of a hundred are in sight.
   const struct {
@@ -96,8 +137,8 @@ TEST(Scrolling, StaysWithinItsBoundsWhateverComes) {
         t.Select(below(70) - 5);
         break;
       case 4:
-        t.Press({kOwner, 1 + below(6), below(80)}, below(400));
-        t.Drag(below(2000) - 500);
+        t.Press({kOwner, 1 + below(7), below(80)}, below(700), below(400));
+        t.Drag(below(2000) - 500, below(2000) - 500);
         t.Release();
         break;
       default:
@@ -115,14 +156,14 @@ TEST(Scrolling, WheelAddsUpPartsOfPixelsAndTheThumbReachesBothEnds) {
   Table t = MakeTable({0, 0, 400, 22 + 220}, 100);
   for (int i = 0; i < 10; ++i) t.Wheel(0.5f);
   EXPECT_EQ(t.top(), 5);
-  EXPECT_TRUE(t.Press({kOwner, Table::kThumb, 0}, 30));
-  EXPECT_TRUE(t.Drag(5000));
+  EXPECT_TRUE(t.Press({kOwner, Table::kThumb, 0}, 390, 30));
+  EXPECT_TRUE(t.Drag(390, 5000));
   EXPECT_EQ(t.top(), 100 * 22 - 220);
-  EXPECT_TRUE(t.Drag(-5000));
+  EXPECT_TRUE(t.Drag(390, -5000));
   EXPECT_EQ(t.top(), 0);
   t.Release();
-  EXPECT_FALSE(t.Drag(100));
-  EXPECT_TRUE(t.Press({kOwner, Table::kAfter, 0}, 200));
+  EXPECT_FALSE(t.Drag(390, 100));
+  EXPECT_TRUE(t.Press({kOwner, Table::kAfter, 0}, 390, 200));
   EXPECT_EQ(t.top(), 220);
 }
 
