@@ -3,7 +3,7 @@
 
 #include <climits>
 #include <cstring>
-#include <functional>
+#include <iterator>
 #include <string>
 
 #include "tests/support/canvas.h"
@@ -16,43 +16,51 @@ namespace {
 constexpr uint32_t kRed = 0xFFFF0000u, kGreen = 0xFF00FF00u, kBlue = 0xFF0000FFu;
 constexpr int32_t kRedColour = 0x0000FF, kGreenColour = 0x00FF00, kBlueColour = 0xFF0000;
 
-int Count(const Canvas& c, uint32_t pixel) {
-  int n = 0;
-  for (int y = 0; y < 40; ++y)
-    for (int x = 0; x < 40; ++x) n += c.at(x, y) == pixel;
-  return n;
+int Painted(const Canvas& c) {
+  return 40 * 40 - c.Count(Canvas::kBlank);
 }
 
-int Painted(const Canvas& c) {
-  return 40 * 40 - Count(c, Canvas::kBlank);
-}
+constexpr int16_t kPoints[] = {2, 3, 30, 11, 9, 38, 2, 3};
+constexpr int kWidths[] = {10, 6, 0};
+const uint8_t kPixels[4 * 3] = {};
+
+// Each call, with something to paint.
+void (*const kCalls[])() = {
+    [] { XwClear(0, 0, 0, 0); },
+    [] { XwBox(3, 4, 9, 2, 0); },
+    [] { XwFillRect(3, 4, 9, 2); },
+    [] { XwDrawRect(3, 4, 9, 20); },
+    [] { XwDrawLine(1, 38, 37, 2); },
+    [] { XwDrawLines(kPoints, 4); },
+    [] { XwFillPolygon(kPoints, 3); },
+    [] { XwDrawEllipse(5, 5, 20, 30); },
+    [] { XwFillEllipse(5, 5, 20, 30); },
+    [] { XwDrawBevel(5, 5, 20, 20, 1); },
+    [] { XwDrawHole(5, 5, 20, 20, 0x123456); },
+    [] { XwDrawBorder(); },
+    [] { XwDrawSeparator(5, 5, 9, 0); },
+    [] { XwDrawTable(4, 4, 2, 8, kWidths); },
+    [] { XwDrawProgress(5, 5, 30, 12, 9); },
+    [] { XwDrawText(nullptr, 0, 3, 5, 0, 0, "x", 0, 0xFFFF); },
+    [] { XwDrawIcon(IC_ARROWS, 5, 5, 30, 30, 0, 0); },
+    [] { XwPutImageData(2, 3, 3, 1, kPixels); },
+};
 
 }  // namespace
 
-TEST(State, LineRows) {
+TEST(State, LinesThatAreNoneAndOneRowUp) {
   Canvas c(40, 40);
   XwSetColor(kRedColour);
-  const int16_t line[] = {2, 10, 6, 10}, top[] = {2, 0, 6, 0}, one[] = {3, 3, 3, 3};
-  XwDrawLine(2, 20, 6, 20);
-  EXPECT_EQ(c.at(2, 20), kRed);
-  EXPECT_EQ(c.at(6, 20), kRed);
-  EXPECT_EQ(Painted(c), 5);
-  XwDrawLines(line, 2);
-  EXPECT_EQ(c.at(2, 9), kRed);
-  EXPECT_EQ(c.at(2, 10), Canvas::kBlank);
-  c.Wipe();
+  const int16_t line[] = {2, 10, 6, 10}, top[] = {2, 0, 6, 0};
   XwDrawLines(top, 2);
-  XwDrawLines(line, 1);
-  XwDrawLines(line, 0);
-  XwDrawLines(line, -5);
+  for (int count : {1, 0, -5}) XwDrawLines(line, count);
   XwDrawLines(nullptr, 5);
   XwFillPolygon(nullptr, 5);
   XwFillPolygon(line, 2);
   EXPECT_EQ(Painted(c), 0);
-  XwDrawLine(3, 3, 3, 3);
-  XwDrawLines(one, 2);
-  EXPECT_EQ(Painted(c), 2);
-  EXPECT_EQ(c.at(3, 2), kRed);
+  XwDrawLines(line, 2);
+  EXPECT_EQ(c.at(2, 9), kRed);
+  EXPECT_EQ(Painted(c), 5);
 }
 
 TEST(State, DashesStayAndChangeOnlyLines) {
@@ -112,10 +120,10 @@ TEST(State, Markers) {
   }
   Canvas c(40, 40);
   XwBox(0, 0, 10, 10, int32_t(0x80808080));  // the high byte is not part of a colour
-  EXPECT_EQ(Count(c, 0xFF808080u), 100);
+  EXPECT_EQ(c.Count(0xFF808080u), 100);
   c.Wipe();
   XwBox(0, 0, 10, 10, -11);
-  EXPECT_EQ(Count(c, 0xFFF5FFFFu), 100);
+  EXPECT_EQ(c.Count(0xFFF5FFFFu), 100);
 }
 
 TEST(State, Clearing) {
@@ -130,17 +138,17 @@ TEST(State, Clearing) {
     c.window().color = g.colour;
     c.window().brush = int16_t(g.brush);
     XwClear(5, 5, 10, 10);
-    EXPECT_EQ(Count(c, g.pixel), 100);
+    EXPECT_EQ(c.Count(g.pixel), 100);
     XwClear(5, 5, -10, 10);
     XwClear(30, 30, 0, 10);
-    EXPECT_EQ(Count(c, g.pixel), 100);
+    EXPECT_EQ(c.Count(g.pixel), 100);
     XwClear(99, -99, 0, 0);
-    EXPECT_EQ(Count(c, g.pixel), 1600);
+    EXPECT_EQ(c.Count(g.pixel), 1600);
   }
   Canvas c(40, 40);
   XwBox(0, 0, 40, 40, kGreenColour);
   XwClear(0, 0, 0, 0);  // neither brush nor colour
-  EXPECT_EQ(Count(c, kGreen), 1600);
+  EXPECT_EQ(c.Count(kGreen), 1600);
   // A separator erases with the ground above, white where there is none.
   XwWindow parent{};
   parent.kind = 0;
@@ -189,19 +197,19 @@ TEST(Elements, Separators) {
 }
 
 TEST(Elements, TablesAndProgress) {
-  const int columns[] = {10, 6, 0}, none[] = {0};
+  const int none[] = {0};
   auto hairlines = [](int rows, int height, const int* widths) {
     Canvas c(40, 40);
     XwDrawTable(4, 4, rows, height, widths);
-    return Count(c, 0xFFDAD7D2u);
+    return c.Count(0xFFDAD7D2u);
   };
-  EXPECT_EQ(hairlines(2, 8, columns), 3 * 16 + 3 * 16 - 4);  // four crossings
-  EXPECT_EQ(hairlines(0, 8, columns), 16);
-  EXPECT_EQ(hairlines(-1, 8, columns), 0);
+  EXPECT_EQ(hairlines(2, 8, kWidths), 3 * 16 + 3 * 16 - 4);  // four crossings
+  EXPECT_EQ(hairlines(0, 8, kWidths), 16);
+  EXPECT_EQ(hairlines(-1, 8, kWidths), 0);
   EXPECT_EQ(hairlines(2, 8, none), 16);
   EXPECT_EQ(hairlines(2, 8, nullptr), 0);
-  EXPECT_EQ(hairlines(INT_MAX, INT_MAX, columns), 16 + 3 * 36 - 2);
-  EXPECT_EQ(hairlines(INT_MAX, 1, columns) > 0, true);
+  EXPECT_EQ(hairlines(INT_MAX, INT_MAX, kWidths), 16 + 3 * 36 - 2);
+  EXPECT_EQ(hairlines(INT_MAX, 1, kWidths) > 0, true);
   // The bar's right edge at value v: four pixels of round end, then v.
   for (int value : {0, 1, 10, 22, 30, 1000, -5}) {
     Canvas c(40, 40);
@@ -254,7 +262,7 @@ TEST(Icons, ReadOnlyTheirBits) {
   const uint8_t bits[] = {0xFF, 0xFF};  // three columns: the other bits are no pixels
   XwIcon small = {3, 2, nullptr, bits};
   XwDrawIcon(&small, 0, 0, 0, 0, kRedColour, kBlueColour);
-  EXPECT_EQ(Count(c, kRed), 6);
+  EXPECT_EQ(c.Count(kRed), 6);
   XwFillRect(10, 10, 1, 1);
   EXPECT_EQ(c.at(10, 10), kBlue);  // the colour used last
   c.Wipe();
@@ -312,36 +320,13 @@ TEST(BadArguments, AnyNumbers) {
 
 TEST(BadArguments, NothingSelected) {
   XW = nullptr;
-  const int16_t points[] = {0, 0, 5, 5, 0, 5};
-  const int widths[] = {5, 0};
-  uint8_t pixel[4] = {};
-  const std::function<void()> calls[] = {
-      [] { XwSetColor(1); },
-      [] { XwFlush(); },
-      [] { XwSync(); },
-      [] { XwClear(0, 0, 0, 0); },
-      [] { XwClip(0, 0, 5, 5); },
-      [] { XwBox(0, 0, 5, 5, 0); },
-      [] { XwFillRect(0, 0, 5, 5); },
-      [] { XwDrawRect(0, 0, 5, 5); },
-      [] { XwDrawLine(0, 0, 5, 5); },
-      [&] { XwDrawLines(points, 3); },
-      [&] { XwFillPolygon(points, 3); },
-      [] { XwDrawEllipse(0, 0, 5, 5); },
-      [] { XwFillEllipse(0, 0, 5, 5); },
-      [] { XwDrawBevel(0, 0, 5, 5, 99); },
-      [] { XwDrawHole(0, 0, 5, 5, -2); },
-      [] { XwDrawBorder(); },
-      [] { XwDrawSeparator(0, 0, 5, 0); },
-      [&] { XwDrawTable(0, 0, 1, 1, widths); },
-      [] { XwDrawProgress(0, 0, 20, 5, 5); },
-      [] { XwDrawText(nullptr, 0, 0, 0, 0, 0, "x", 0, -1); },
-      [] { XwDrawIcon(IC_ARROWS, 0, 0, 0, 0, 0, 0); },
-      [&] { XwPutImageData(0, 0, 1, 1, pixel); },
-      [] { XwSetDashes(nullptr, 0, 0, 0); },
-      [] { XwSetGround(nullptr, nullptr, 1); },
-  };
-  for (const auto& call : calls) call();
+  for (const auto& call : kCalls) call();
+  XwSetColor(1);
+  XwSetDashes(nullptr, 0, 0, 0);
+  XwSetGround(nullptr, nullptr, 1);
+  XwClip(0, 0, 5, 5);
+  XwFlush();
+  XwSync();
   EXPECT_EQ(XW, nullptr);
 }
 
@@ -349,26 +334,18 @@ TEST(BadArguments, NothingSelected) {
 TEST(Contexts, StaleGenerationPaintsNothing) {
   Canvas c(40, 40);
   ++c.surface().generation;
-  XwBox(0, 0, 40, 40, 0);
-  XwDrawLine(0, 0, 39, 30);
-  XwDrawIcon(IC_ARROWS, 0, 0, 0, 0, 0, 0);
+  for (const auto& call : kCalls) call();
   EXPECT_EQ(Painted(c), 0);
 }
 
 // Whatever is painted is marked: the damage covers every pixel that changed.
 TEST(Contexts, DamageCoversWhatIsPainted) {
-  const int16_t points[] = {2, 3, 30, 11, 9, 38, 2, 3};
-  const std::function<void()> calls[] = {
-      [] { XwFillRect(3, 4, 9, 2); },         [] { XwDrawRect(3, 4, 9, 20); },
-      [] { XwDrawLine(1, 38, 37, 2); },       [&] { XwDrawLines(points, 4); },
-      [&] { XwFillPolygon(points, 3); },      [] { XwDrawEllipse(5, 5, 20, 30); },
-      [] { XwDrawBevel(5, 5, 20, 20, 1); },   [] { XwDrawIcon(IC_ARROWS, 5, 5, 30, 30, 0, 0); },
-      [] { XwDrawProgress(5, 5, 30, 12, 9); }};
   for (double scale : {1.0, 1.5, 2.0}) {
-    for (size_t i = 0; i < sizeof calls / sizeof calls[0]; ++i) {
+    for (size_t i = 0; i < std::size(kCalls); ++i) {
       Canvas c(40, 40, scale);
+      c.window().color = 0;
       XwSetColor(0);
-      calls[i]();
+      kCalls[i]();
       std::vector<DeviceRect> damage;
       c.surface().damage.Take(&damage);
       for (int y = 0; y < c.surface().height; ++y)

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <random>
 
 #include "tests/drawing/reference.h"
 #include "tests/support/canvas.h"
+#include "tests/support/seed.h"
 
 using namespace platform;
 using reference::Painter;
@@ -14,18 +14,13 @@ using testkit::Canvas;
 
 namespace {
 
-class Dice {
+class Dice : public support::Dice {
  public:
-  explicit Dice(uint32_t seed) : engine_(seed) {}
-  int Range(int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine_); }
-  bool OneIn(int n) { return Range(1, n) == 1; }
+  using support::Dice::Dice;
   // Mostly near the target.
-  int Place() { return OneIn(8) ? Range(-60, 90) : Range(-6, 30); }
-  int Size() { return OneIn(8) ? Range(-5, 100) : Range(0, 20); }
-  int32_t Color() { return Range(0, 0xFFFFFF); }
-
- private:
-  std::minstd_rand engine_;
+  int Place() { return OneIn(8) ? Between(-60, 90) : Between(-6, 30); }
+  int Size() { return OneIn(8) ? Between(-5, 100) : Between(0, 20); }
+  int32_t Color() { return Between(0, 0xFFFFFF); }
 };
 
 uint32_t Rgb(int32_t colour) {
@@ -44,18 +39,18 @@ struct Case {
   std::string what;
 
   explicit Case(uint32_t seed)
-      : dice(seed * 2654435761u + 1),
-        scale(kScales[size_t(dice.Range(0, 7))]),
-        left(dice.Range(0, 5)),
-        top(dice.Range(0, 5)),
+      : dice(seed),
+        scale(kScales[size_t(dice.Between(0, 7))]),
+        left(dice.Between(0, 5)),
+        top(dice.Between(0, 5)),
         canvas(kSide, kSide, scale, left, top),
         painter(canvas.surface().width, canvas.surface().height, scale, left, top) {}
 
   void Clip() {
     Region clip({left, top, left + kSide, top + kSide});
-    for (int i = dice.Range(0, 3); i > 0; --i) {
-      int x = left + dice.Range(-3, kSide), y = top + dice.Range(-3, kSide);
-      clip.Subtract(Rect{x, y, x + dice.Range(0, 12), y + dice.Range(0, 12)});
+    for (int i = dice.Between(0, 3); i > 0; --i) {
+      int x = left + dice.Between(-3, kSide), y = top + dice.Between(-3, kSide);
+      clip.Subtract(Rect{x, y, x + dice.Between(0, 12), y + dice.Between(0, 12)});
     }
     ClipContextToRegion(canvas.context(), clip);
     std::vector<bool> visible;
@@ -79,8 +74,8 @@ struct Case {
       return;
     }
     uint8_t pattern[6] = {};
-    int n = dice.Range(1, 4), offset = dice.Range(-20, 20);
-    for (int i = 0; i < n; ++i) pattern[i] = uint8_t(dice.Range(1, 6));
+    int n = dice.Between(1, 4), offset = dice.Between(-20, 20);
+    for (int i = 0; i < n; ++i) pattern[i] = uint8_t(dice.Between(1, 6));
     int32_t one = dice.Color(), two = dice.Color();
     XwSetDashes(pattern, offset, one, two);
     painter.pattern.lengths.assign(pattern, pattern + n);
@@ -95,7 +90,7 @@ struct Case {
 
   std::vector<int16_t> Points(int low, int high) {
     std::vector<int16_t> points;
-    for (int i = dice.Range(low, high); i > 0; --i) {
+    for (int i = dice.Between(low, high); i > 0; --i) {
       bool repeat = points.size() >= 2 && dice.OneIn(4);
       for (int k = 0; k < 2; ++k)
         points.push_back(repeat && dice.OneIn(2) ? points[points.size() - 2]
@@ -115,17 +110,17 @@ struct Case {
 };
 
 void Case::DrawPicture() {
-  int w = dice.Range(1, 9), h = dice.Range(1, 9), x = dice.Place(), y = dice.Place();
+  int w = dice.Between(1, 9), h = dice.Between(1, 9), x = dice.Place(), y = dice.Place();
   std::vector<uint32_t> colors;
   uint8_t* image = XwAllocImage(w, h);
   for (int i = 0; i < w * h; ++i) {
     uint32_t rgb = Rgb(dice.Color());
     colors.push_back(rgb);
-    image[4 * i] = uint8_t(dice.Range(0, 255));
+    image[4 * i] = uint8_t(dice.Between(0, 255));
     for (int k = 1; k < 4; ++k) image[4 * i + k] = uint8_t(rgb >> (8 * (3 - k)));
   }
-  int sx = dice.Range(-3, w), sy = dice.Range(-3, h), cw = dice.Range(-1, 12),
-      ch = dice.Range(-1, 12);
+  int sx = dice.Between(-3, w), sy = dice.Between(-3, h), cw = dice.Between(-1, 12),
+      ch = dice.Between(-1, 12);
   what = "image";
   XwPutImage(sx, sy, x, y, cw, ch, image);
   std::vector<uint32_t> part;
@@ -139,17 +134,17 @@ void Case::DrawPicture() {
 
 void Case::DrawIcon() {
   what = "icon";
-  int iw = dice.Range(1, 11), ih = dice.Range(1, 6);
+  int iw = dice.Between(1, 11), ih = dice.Between(1, 6);
   std::vector<uint8_t> bytes(size_t(ih) * size_t((iw + 7) / 8));
-  for (uint8_t& b : bytes) b = uint8_t(dice.Range(0, 255));
+  for (uint8_t& b : bytes) b = uint8_t(dice.Between(0, 255));
   std::vector<bool> bits;
   for (int y = 0; y < ih; ++y)
     for (int x = 0; x < iw; ++x)
       bits.push_back(bytes[size_t(y * ((iw + 7) / 8) + x / 8)] >> (x % 8) & 1);
   Bitmap* bitmap = CreateBitmap(iw, ih, bytes.data());
   XwIcon icon{iw, ih, bitmap, bytes.data()};
-  int x = dice.Place(), y = dice.Place(), w = dice.Range(0, 30), h = dice.Range(0, 30);
-  int32_t colour = dice.Color(), background = dice.OneIn(2) ? dice.Range(-10, -1) : dice.Color();
+  int x = dice.Place(), y = dice.Place(), w = dice.Between(0, 30), h = dice.Between(0, 30);
+  int32_t colour = dice.Color(), background = dice.OneIn(2) ? dice.Between(-10, -1) : dice.Color();
   XwDrawIcon(&icon, x, y, w, h, colour, background);
   if (!w) w = iw;
   if (!h) h = ih;
@@ -167,8 +162,8 @@ void Case::Draw() {
   painter.color = Rgb(colour);
   int x = dice.Place(), y = dice.Place(), w = dice.Size(), h = dice.Size();
   bool far = dice.OneIn(16);
-  int fx = far ? -dice.Range(0, 2000000000) : x, fw = far ? dice.Range(0, 2000000000) : w;
-  switch (dice.Range(0, 9)) {
+  int fx = far ? -dice.Between(0, 2000000000) : x, fw = far ? dice.Between(0, 2000000000) : w;
+  switch (dice.Between(0, 9)) {
     case 0:
       what = "fill";
       XwFillRect(fx, y, fw, h);
@@ -241,7 +236,7 @@ TEST_P(RandomDrawing, EqualsReference) {
   for (int i = first; i < last && failures < 5; ++i) {
     Case c{uint32_t(i)};
     c.Clip();
-    for (int k = c.dice.Range(1, 2); k > 0; --k) c.Draw();
+    for (int k = c.dice.Between(1, 2); k > 0; --k) c.Draw();
     testing::AssertionResult same = c.Same();
     EXPECT_TRUE(same) << "QUORVIK_CASE=" << i;
     failures += !same;

@@ -104,13 +104,12 @@ TEST_F(Target, SubWindowsForgetDashes) {
 TEST_F(Target, Grounds) {
   struct {
     int code, brush;
-  } const cases[] = {{0, 0},   {1, 15},  {2, 1}, {3, 7},          {4, 52},
-                     {52, 52}, {-1, -1}, {9, 9}, {1 << 20, 32767}};
+  } const cases[] = {{0, 0}, {1, 15}, {4, 52}, {9, 9}, {-1, -1}, {1 << 20, 32767}};
   for (const auto& c : cases) {
-    XwSetGround(w_, nullptr, c.code);
-    EXPECT_EQ(w_->brush, c.brush);
-    XwSetGround(sub_, nullptr, c.code);
-    EXPECT_EQ(sub_->brush, c.brush);
+    for (XwWindow* w : {w_, sub_}) {
+      XwSetGround(w, nullptr, c.code);
+      EXPECT_EQ(w->brush, c.brush);
+    }
   }
   int32_t colour = kRed;
   XwSetGround(w_, &colour, 3);

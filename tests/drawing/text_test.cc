@@ -221,12 +221,6 @@ TEST(Text, DrawsWhereItMeasures) {
 
 TEST(Text, BackgroundsAndUnderline) {
   XwFont* f = LoadFont("Quorvik Test", 10, 0);
-  auto count = [](const Canvas& c, uint32_t rgb) {
-    int n = 0;
-    for (int y = 0; y < 40; ++y)
-      for (int x = 0; x < 60; ++x) n += c.at(x, y) == (0xFF000000u | rgb);
-    return n;
-  };
   struct {
     int flags, w, h;
     int32_t background;
@@ -246,8 +240,8 @@ TEST(Text, BackgroundsAndUnderline) {
     Canvas canvas(60, 40);
     canvas.window().color = 0x00FF00;
     XwDrawText(f, c.flags, 3, 5, c.w, c.h, "ab", 0x0000FF, c.background);
-    EXPECT_EQ(count(canvas, 0x00FF00), c.ground) << c.background << " " << c.w;
-    EXPECT_EQ(count(canvas, 0xFF0000), c.ink) << c.background << " " << c.w;
+    EXPECT_EQ(canvas.Count(0xFF00FF00u), c.ground) << c.background << " " << c.w;
+    EXPECT_EQ(canvas.Count(0xFFFF0000u), c.ink) << c.background << " " << c.w;
   }
   Canvas canvas(60, 40);
   XwDrawText(f, 0x800, 3, 5, 0, 0, "ab", 0x0000FF, -1);

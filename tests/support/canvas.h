@@ -46,6 +46,12 @@ class Canvas {
   uint32_t at(int x, int y) const {
     return memory_[size_t(y) * size_t(surface_.stride) + size_t(x)];
   }
+  int Count(uint32_t pixel) const {
+    int n = 0;
+    for (int y = 0; y < surface_.height; ++y)
+      for (int x = 0; x < surface_.width; ++x) n += at(x, y) == pixel;
+    return n;
+  }
   void Wipe() { std::fill(memory_.begin(), memory_.end(), kBlank); }
   // Nothing was written between the rows.
   bool GapsUntouched() const {
