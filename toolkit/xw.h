@@ -348,7 +348,8 @@ void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
 
 /* For the selected window. op 3 starts a new list (needed before the first box), op 4 closes it;
  * any other op adds a box with that id, cut to 16 bits. Later boxes lie over earlier ones; one with
- * id 0 hides what lies under it and is never hit. The item of an event is the position in the list, from 1. */
+ * id 0 hides what lies under it and is never hit. The item of an event is the position in the list,
+ * from 1. */
 void XwBoxList(int op, int x, int y, int width, int height);
 
 /* ==== Drawing ===================================================================================
