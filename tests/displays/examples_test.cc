@@ -9,7 +9,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/displays/window_picture.h"
+#include "tests/support/picture.h"
+#include "tests/support/x_server.h"
 
 namespace {
 
@@ -61,6 +62,15 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   return picture;
 }
 
+Picture Crop(const support::Screenshot& screen, const support::XUser::Geometry& g) {
+  Picture p;
+  p.width = g.width;
+  p.height = g.height;
+  for (int y = g.y; y < g.y + g.height; ++y)
+    for (int x = g.x; x < g.x + g.width; ++x) p.pixels.push_back(0xFF000000u | screen.at(x, y));
+  return p;
+}
+
 // The window's picture once it equals `wanted`, or what it showed last.
 Picture OnX(const Example& example, const Picture& wanted) {
   setenv("XW_DISPLAY", "x11", 1);
@@ -74,7 +84,7 @@ Picture OnX(const Example& example, const Picture& wanted) {
   if (!window) return seen;
   support::Eventually([&] {
     if (!user.Viewable(window)) return false;
-    seen = WindowPicture(user, window);
+    seen = Crop(user.Look(), user.Where(window));
     return seen == wanted;
   });
   EXPECT_EQ(program.End(), 0) << example.name;

@@ -1,22 +1,21 @@
 // One script, two displays: the same events in the same order, and the same picture.
 //
 // The program under test runs in a process of its own and writes a line for each event that its
-// handlers get. On X a second connection plays the user; headless, a timer injects the input.
+// handlers get. On X a second connection plays the user; headless, the input is injected.
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
-#include "tests/displays/window_picture.h"
+#include "tests/support/script.h"
 #include "tests/support/trace.h"
+#include "tests/support/x_player.h"
 #include "tests/support/x_server.h"
 #include "toolkit/xw.h"
 
@@ -26,23 +25,29 @@ namespace headless = platform::headless;
 
 constexpr int kWidth = 300, kHeight = 200;
 
-enum Verb { kMove, kDown, kUp, kKeyDown, kKeyUp, kResize, kClose };
-// Positions are those of the window's content. The next step comes when the program has come to
-// rest after the last one.
-struct Step {
-  Verb verb;
-  int a, b;
-};
-constexpr int kReturn = 0xFF0D, kF4 = 0xFFC1;
-constexpr Step kScript[] = {
-    {kMove, 20, 20},   {kDown, 1, 0},          {kMove, 90, 60},      {kUp, 1, 0},
-    {kMove, 150, 100},                                       // into the sub-window
-    {kDown, 1, 0},     {kMove, 20, 150},       {kUp, 1, 0},  // out of it with the button down
-    {kMove, 10, 150},  {kDown, 2, 0},          {kUp, 2, 0},          {kKeyDown, 'a', 0},
-    {kKeyUp, 'a', 0},  {kKeyDown, kReturn, 0}, {kKeyUp, kReturn, 0}, {kKeyDown, kF4, 0},
-    {kKeyUp, kF4, 0},  {kResize, 360, 240},    {kMove, 200, 220},    {kResize, 280, 180},
-    {kMove, 30, 30},   {kDown, 1, 0},          {kUp, 1, 0},          {kClose, 0, 0},
-};
+constexpr char kScript[] = R"(
+move 20 20
+down
+move 90 60
+up
+move 150 100       # into the sub-window
+down
+move 20 150        # out of it with the button down
+up
+move 10 150
+down 2
+up 2
+key a
+key Return
+hold F4
+release F4
+resize 360 240
+move 200 220
+resize 280 180
+move 30 30
+click 40 50
+close
+)";
 
 // --- The program under test
 
@@ -75,39 +80,12 @@ int Handle(int type) {
   return 0;
 }
 
-void Inject(const Step& s) {
-  const auto w = static_cast<platform::WindowRef>(top->platform);
-  switch (s.verb) {
-    case kMove:
-      return headless::MovePointer(top->x + s.a, top->y + s.b);
-    case kDown:
-      return headless::Press(s.a);
-    case kUp:
-      return headless::Release(s.a);
-    case kKeyDown:
-      return headless::KeyDown(uint32_t(s.a));
-    case kKeyUp:
-      return headless::KeyUp(uint32_t(s.a));
-    case kResize:
-      return headless::Configure(w, {top->x, top->y, top->x + s.a, top->y + s.b});
-    case kClose:
-      return headless::Close(w);
-  }
-}
-
-// The stepped clock moves only when the program waits, so a step comes when the last is done with.
-void InjectNext(platform::EventLoopTimerRef timer, void*) {
-  static const Step* next = kScript;
-  Inject(*next++);
-  if (next == std::end(kScript)) platform::RemoveEventLoopTimer(timer);
-}
-
 // `confirm_fd`: the end of the program waits for a byte there (X: the picture has been taken).
-// Headless the picture goes to `png`.
-[[noreturn]] void Program(const std::string& png, int out_fd, int confirm_fd) {
+[[noreturn]] void Program(const char* display, int out_fd, int confirm_fd) {
   support::WriteTraceTo(out_fd);
-  setenv("XW_DISPLAY", png.empty() ? "x11" : "headless", 1);
-  if (!png.empty()) headless::UseSteppedClock(1000);
+  setenv("XW_DISPLAY", display, 1);
+  bool stepped = !strcmp(display, "headless");
+  if (stepped) headless::UseSteppedClock(1000);
   XwSession("script", "Script", 7);
   top = XwCreate(0, 200, 200, kWidth, kHeight, Handle);
   XwSetSizes(top, 100, 100, 0, 0, 0, 0);
@@ -117,14 +95,22 @@ void InjectNext(platform::EventLoopTimerRef timer, void*) {
   XwShow(sub, 1);
   XwShow(top, 1);
   XwSetFocus(top);
-  if (!png.empty()) platform::InstallEventLoopTimer(0.001, 0.001, InjectNext, nullptr);
+  if (stepped) support::StartPlaying(support::MakeScript(kScript), top, {});
   while (XwWaitEvent(nullptr) != XWE_TIMER) {
   }
-  char byte;
-  if (png.empty()) {
-    [[maybe_unused]] ssize_t n = read(confirm_fd, &byte, 1);
+  if (stepped) {
+    headless::Picture p = headless::TakePicture(static_cast<platform::WindowRef>(top->platform));
+    int header[2] = {p.width, p.height};
+    bool written = write(out_fd, "picture\n", 8) == 8 && write(out_fd, header, 8) == 8;
+    size_t bytes = p.pixels.size() * 4, done = 0;
+    while (written && done < bytes) {
+      ssize_t n = write(out_fd, reinterpret_cast<char*>(p.pixels.data()) + done, bytes - done);
+      if (n <= 0) break;
+      done += size_t(n);
+    }
   } else {
-    headless::WritePng(headless::TakePicture(static_cast<platform::WindowRef>(top->platform)), png);
+    char byte;
+    [[maybe_unused]] ssize_t n = read(confirm_fd, &byte, 1);
   }
   XwDestroy(top);
   XwEndSession();
@@ -136,14 +122,14 @@ void InjectNext(platform::EventLoopTimerRef timer, void*) {
 
 class Child {
  public:
-  explicit Child(const std::string& png) {
+  explicit Child(const char* display) {
     int out[2], confirm[2];
     if (pipe(out) != 0 || pipe(confirm) != 0) return;
     pid_ = fork();
     if (pid_ == 0) {
       close(out[0]);
       close(confirm[1]);
-      Program(png, out[1], confirm[0]);
+      Program(display, out[1], confirm[0]);
     }
     close(out[1]);
     close(confirm[0]);
@@ -182,56 +168,61 @@ class Child {
   int out_ = -1, confirm_ = -1;
 };
 
+// What was traced, up to the picture where there is one.
+std::string Normalised(const std::string& text) {
+  return support::MergeMotions(text.substr(0, text.find("picture\n")));
+}
+
+using support::Screenshot;
+
 struct Outcome {
   std::string trace;
-  testkit::Picture picture;
+  Screenshot picture;  // the content
 };
 
-Outcome RunHeadless(const std::string& png) {
-  Child child(png);
+Outcome RunHeadless() {
+  Child child("headless");
   while (child.Read(5000)) {
   }
-  Outcome o{support::MergeMotions(child.text), {}};
-  EXPECT_TRUE(testkit::LoadPng(png, &o.picture));
+  Outcome o;
+  o.trace = Normalised(child.text);
+  size_t at = child.text.find("picture\n");
+  if (at == std::string::npos) return o;
+  const char* bytes = child.text.data() + at + 8;
+  int header[2];
+  memcpy(header, bytes, sizeof header);
+  int strip = platform::GetMBarHeight();
+  if (child.text.size() - at - 16 < size_t(header[0]) * size_t(header[1]) * 4) return o;
+  o.picture.width = header[0];
+  o.picture.height = header[1] - strip;
+  o.picture.pixels.resize(size_t(o.picture.width) * size_t(o.picture.height));
+  memcpy(o.picture.pixels.data(), bytes + 8 + size_t(strip) * size_t(header[0]) * 4,
+         o.picture.pixels.size() * 4);
   return o;
 }
 
-void Play(const Step& s, support::XUser& user, xcb_window_t window) {
-  const support::XUser::Geometry place = user.Where(window);
-  const int strip = platform::GetMBarHeight();
-  switch (s.verb) {
-    case kMove:
-      return user.Move(place.x + s.a, place.y + strip + s.b);
-    case kDown:
-    case kUp:
-      return user.Button(s.a == 2 ? 3 : s.a, s.verb == kDown);
-    case kKeyDown:
-    case kKeyUp:
-      return user.Key(uint32_t(s.a), s.verb == kKeyDown);
-    case kResize: {
-      const uint32_t size[] = {uint32_t(s.a), uint32_t(s.b + strip)};
-      xcb_configure_window(user.connection(), window,
-                           XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
-      return user.Sync();
-    }
-    case kClose:
-      return user.Ask(window, "_NET_CLOSE_WINDOW", {0, 0, 0, 0, 0});
-  }
-}
-
 Outcome RunX() {
+  Outcome o;
   support::XServer server;
-  if (!server.running() || !server.StartManager("openbox")) return {};
+  if (!server.running() || !server.StartManager("openbox")) return o;
   support::XUser user;
-  Child child("");
+  Child child("x11");
   xcb_window_t window = user.Find("Script");
-  if (!window || !support::Eventually([&] { return user.Focus() == window; })) return {};
+  if (!window) return o;
+  if (!support::Eventually([&] { return user.Focus() == window; })) return o;
   child.Quiet();
-  for (const Step& step : kScript) {
-    Play(step, user, window);
-    child.Quiet();
-  }
-  Outcome o{support::MergeMotions(child.text), WindowPicture(user, window)};
+  if (!support::PlayOnX(support::MakeScript(kScript), user, window, platform::GetMBarHeight(),
+                        [&] { child.Quiet(); }))
+    return o;
+  o.trace = Normalised(child.text);
+  auto place = user.Where(window);
+  Screenshot screen = user.Look();
+  int strip = platform::GetMBarHeight();
+  o.picture.width = place.width;
+  o.picture.height = place.height - strip;
+  for (int y = 0; y < o.picture.height; ++y)
+    for (int x = 0; x < o.picture.width; ++x)
+      o.picture.pixels.push_back(screen.at(place.x + x, place.y + strip + y));
   child.Confirm();
   while (child.Read(5000)) {
   }
@@ -239,13 +230,17 @@ Outcome RunX() {
 }
 
 TEST(SameScript, GivesTheSameTraceAndPictureOnBothDisplays) {
-  const std::string png = testing::TempDir() + "script-" + std::to_string(getpid()) + ".png";
-  Outcome on_headless = RunHeadless(png);
-  remove(png.c_str());
+  Outcome on_headless = RunHeadless();
   ASSERT_NE(on_headless.trace.find("top 778"), std::string::npos) << on_headless.trace;
   Outcome on_x = RunX();
   EXPECT_EQ(on_headless.trace, on_x.trace);
-  EXPECT_TRUE(testkit::SamePicture(on_headless.picture, on_x.picture));
+  ASSERT_EQ(on_headless.picture.width, on_x.picture.width);
+  ASSERT_EQ(on_headless.picture.height, on_x.picture.height);
+  ASSERT_FALSE(on_x.picture.pixels.empty());
+  size_t different = 0;
+  for (size_t i = 0; i < on_x.picture.pixels.size(); ++i)
+    different += (on_x.picture.pixels[i] & 0xFFFFFF) != (on_headless.picture.pixels[i] & 0xFFFFFF);
+  EXPECT_EQ(different, 0u);
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
-// The seed, the time limit, the trace.
+// The seed, the time limit, the leak guard.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <memory>
 
+#include "tests/support/leak_guard.h"
 #include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
-#include "tests/support/trace.h"
+#include "toolkit/xw.h"
 
 namespace support {
 namespace {
@@ -19,11 +21,50 @@ TEST(Seed, IsTakenFromTheEnvironmentAndPrinted) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "seed: QUORVIK_SEED=42\n");
 }
 
+TEST(Seed, IsTheUsualOneOtherwise) {
+  unsetenv("QUORVIK_SEED");
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(Seed(7), 7u);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "seed: QUORVIK_SEED=7\n");
+}
+
+TEST(Seed, IsPrintedWhenItIsRandom) {
+  setenv("QUORVIK_SEED", "random", 1);
+  testing::internal::CaptureStdout();
+  const uint64_t seed = Seed(7);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "seed: QUORVIK_SEED=" + std::to_string(seed) + "\n");
+}
+
 TEST(Seed, ThatIsNoNumberIsRefused) {
-  for (const char* text : {"", "12x", "-1", "99999999999999999999"}) {
+  for (const char* text : {"", "x", "12x", "-1", "99999999999999999999"}) {
     setenv("QUORVIK_SEED", text, 1);
     EXPECT_EXIT(Seed(7), testing::ExitedWithCode(2), "QUORVIK_SEED is no number") << text;
   }
+}
+
+TEST(Dice, RepeatAndCoverTheirRange) {
+  Dice a(7), b(7), c(8);
+  EXPECT_EQ(a.Next(), b.Next());
+  EXPECT_NE(a.Next(), c.Next());
+  bool seen[5] = {};
+  for (int i = 0; i < 1000; ++i) {
+    const int n = a.Between(-2, 2);
+    ASSERT_TRUE(n >= -2 && n <= 2);
+    seen[n + 2] = true;
+  }
+  for (const bool s : seen) EXPECT_TRUE(s);
+  const int any = a.Between(INT32_MIN, INT32_MAX);
+  EXPECT_TRUE(any >= INT32_MIN && any <= INT32_MAX);
+}
+
+TEST(TimeLimit, EndsWhatHangsWithItsName) {
+  EXPECT_DEATH(
+      {
+        TimeLimit limit(0.05, "waiting for nothing");
+        for (;;) pause();
+      },
+      "time limit passed: waiting for nothing");
 }
 
 TEST(TimeLimit, TheOuterOneCountsAgainAfterTheInner) {
@@ -37,10 +78,38 @@ TEST(TimeLimit, TheOuterOneCountsAgainAfterTheInner) {
       "time limit passed: outer");
 }
 
-TEST(Trace, MotionsOfOneWindowMerge) {
-  EXPECT_EQ(MergeMotions("a 770 item 1\na 770 item 2\nb 770 item 3\na 770 item 4\n"
-                         "a 771 item 4\na 770 item 5\n"),
-            "a 770 item 2\nb 770 item 3\na 770 item 4\na 771 item 4\na 770 item 5\n");
+TEST(LeakGuard, NamesWhatIsLeft) {
+  Measure();
+  const Resources before = Measure();
+  EXPECT_TRUE(NothingLeft(before, 4096));
+  {
+    std::unique_ptr<char[]> block(new char[100000]);
+    block[0] = 1;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const testing::AssertionResult result = NothingLeft(before, 50000);
+    EXPECT_FALSE(result);
+    EXPECT_NE(std::string(result.message()).find("memory"), std::string::npos);
+    EXPECT_NE(std::string(result.message()).find("descriptors"), std::string::npos);
+    EXPECT_EQ(std::string(result.message()).find("windows"), std::string::npos);
+    close(ends[0]);
+    close(ends[1]);
+    EXPECT_TRUE(NothingLeft(before, 200000));
+  }
+  EXPECT_TRUE(NothingLeft(before, 4096));
+}
+
+TEST(LeakGuard, CountsWindows) {
+  setenv("XW_DISPLAY", "headless", 1);
+  XwSession("kit", "Kit", 7);
+  XwWindow* first = XwCreate(0, 10, 10, 100, 100, nullptr);
+  XwCreate(first, 0, 0, 10, 10, nullptr);
+  XwDestroy(XwCreate(0, 10, 10, 100, 100, nullptr));
+  const Resources before = Measure();
+  XwWindow* second = XwCreate(0, 10, 10, 100, 100, nullptr);
+  EXPECT_NE(std::string(NothingLeft(before, 1 << 20).message()).find("windows"), std::string::npos);
+  XwDestroy(second);
+  EXPECT_EQ(Measure().windows, before.windows);
 }
 
 }  // namespace

@@ -13,9 +13,14 @@ namespace support {
 // that returns 0. Hooking it again replaces the name; a window that is destroyed is forgotten when
 // its address is hooked anew.
 void HookTrace(XwWindow* w, const std::string& name);
-// Where each line is written as it comes, before neighbours are merged; -1: nowhere.
+// Lines so far, normalised; ClearTrace forgets them.
+std::string Trace();
+void ClearTrace();
+// Each line is also written there as it comes, before neighbours are merged; -1: nowhere.
 void WriteTraceTo(int descriptor);
 
+// The line of Inp, without a line end: "main 771 item 0 at 20 30 state 1".
+std::string TraceLine(const std::string& name);
 // The lines of `text` with neighbouring motions of one window merged into the last of them.
 std::string MergeMotions(std::string_view text);
 
