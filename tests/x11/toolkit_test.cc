@@ -174,6 +174,7 @@ TEST_F(Requests, APathFitsOrIsNotOpened) {
     x11::x.paths.push_back(path);
     x11::Emit(RawEvent::kOpenFile, nullptr);
   }
+  ASSERT_TRUE(Wait([] { return seen.size() >= 2; }));
   Call("ActivateAction", "sava{sv}", "preferences");
   Call("ActivateAction", "sava{sv}", "quit");
   ASSERT_TRUE(Wait([] { return !seen.empty() && seen.back() == "quit"; }));
