@@ -138,28 +138,35 @@ void Serve(int fd) {
   signal(SIGPIPE, SIG_IGN);
   for (;;) {
     const int fd = accept(listener, nullptr, nullptr);
-    if (fd >= 0) std::thread(Serve, fd).detach();
+    if (fd >= 0)
+      std::thread(Serve, fd).detach();
+    else
+      usleep(1000);  // it does not listen yet
   }
 }
 
 }  // namespace
 
-Server::Server(const std::string& address) {
-  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+Server::Server(const std::string& address, bool listening)
+    : listener_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   const int on = 1;
-  setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   sockaddr_in at{};
   at.sin_family = AF_INET;
   at.sin_port = htons(NC_PORT);
   inet_pton(AF_INET, address.c_str(), &at.sin_addr);
-  EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
-  EXPECT_EQ(listen(listener, 16), 0);
+  EXPECT_EQ(bind(listener_, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
+  if (listening) Listen();
   pid_ = fork();
-  if (pid_ == 0) Run(listener);
-  close(listener);
+  if (pid_ == 0) Run(listener_);
+}
+
+void Server::Listen() {
+  EXPECT_EQ(listen(listener_, 16), 0);
 }
 
 Server::~Server() {
+  close(listener_);
   kill(pid_, SIGKILL);
   waitpid(pid_, nullptr, 0);
 }

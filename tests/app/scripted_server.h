@@ -12,13 +12,15 @@ namespace scripted {
 
 class Server {
  public:
-  // Listens on that loopback address.
-  explicit Server(const std::string& address);
+  // Listens on that loopback address. Without `listening` nobody answers there before Listen.
+  explicit Server(const std::string& address, bool listening = true);
   ~Server();
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
+  void Listen();
 
  private:
+  int listener_ = -1;
   pid_t pid_ = 0;
 };
 

@@ -1,8 +1,6 @@
 // Rows of the queue while what they stand for is still being sent, or has just arrived.
 #include <gtest/gtest.h>
 
-#include <optional>
-
 #include "tests/app/console_fixture.h"
 #include "tests/app/scripted_server.h"
 
@@ -11,7 +9,7 @@ namespace {
 
 class SendingTest : public ConsoleTest {
  protected:
-  // Prints a file of that name before any server is there, and selects its row; then one comes.
+  // Prints a file of that name before the server is there, and selects its row; then one comes.
   void PrintAndSelect(const char* name) {
     home_.File(name, Bytes(5000));
     Open(address_);
@@ -22,7 +20,7 @@ class SendingTest : public ConsoleTest {
     Click(c_->queue.RowArea(0));
     ASSERT_EQ(c_->queue.selected(), 0);
     ASSERT_TRUE(c_->rows[0].transfer);
-    server_.emplace(address_);
+    server_.Listen();
     c_->server.Refresh();
   }
   bool QueueIs(size_t transfers, size_t jobs) {
@@ -34,30 +32,27 @@ class SendingTest : public ConsoleTest {
 
   const std::string address_ =
       "127.62." + std::to_string(getpid() >> 8 & 255) + "." + std::to_string(getpid() & 255);
-  std::optional<scripted::Server> server_;
+  scripted::Server server_{address_, false};
 };
 
 // The selection goes from the sending to its job, also where the list of jobs comes later, and the
 // first click on a button counts.
-TEST_F(SendingTest, TheSelectionFollowsWhatIsSentToItsJob) {
-  for (const char* name : {"plain.pdf", "alone.pdf", "breaks.pdf"}) {
-    PrintAndSelect(name);
-    ASSERT_TRUE(QueueIs(0, 1)) << name;
-    EXPECT_EQ(c_->queue.selected(), 0) << name;
-    Click(c_->layout.hold_job);
-    ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; })) << name;
-    ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); })) << name;
-    EXPECT_EQ(c_->queue.selected(), 0) << name;
-    Click(c_->layout.remove_job);
-    ASSERT_TRUE(QueueIs(0, 0)) << name;
-    // What was removed is not selected when another comes.
-    EXPECT_EQ(c_->queue.selected(), -1) << name;
-    server_.reset();
-    CloseConsole(c_);
-    XwDestroy(pump_);
-    c_ = nullptr;
-  }
+class SelectionTest : public SendingTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(SelectionTest, FollowsWhatIsSentToItsJob) {
+  PrintAndSelect(GetParam());
+  ASSERT_TRUE(QueueIs(0, 1));
+  EXPECT_EQ(c_->queue.selected(), 0);
+  Click(c_->layout.hold_job);
+  ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
+  ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
+  EXPECT_EQ(c_->queue.selected(), 0);
+  Click(c_->layout.remove_job);
+  ASSERT_TRUE(QueueIs(0, 0));
+  EXPECT_EQ(c_->queue.selected(), -1);
 }
+INSTANTIATE_TEST_SUITE_P(Sent, SelectionTest,
+                         testing::Values("plain.pdf", "alone.pdf", "breaks.pdf"));
 
 // Its sending broke off, and the queue shows that it had arrived: cancelled before anyone has put
 // the two together, it is removed there.
