@@ -126,17 +126,22 @@ inline void FillSpan(uint32_t* p, int n, uint32_t color) {
   if (n & 1) *p = color;
 }
 
+// Fills device pixels that lie inside the clip, and marks nothing.
+inline void FillPart(const Context* c, const DeviceRect& part) {
+  uint32_t* p = c->row(part.top) + part.left;
+  int n = part.width();
+  intptr_t stride = c->surface->stride;
+  uint32_t color = c->color;
+  if (n == 1)
+    for (int y = part.top; y < part.bottom; ++y, p += stride) *p = color;
+  else
+    for (int y = part.top; y < part.bottom; ++y, p += stride) FillSpan(p, n, color);
+}
+
 // Fills device pixels through the clip. Marks what it paints.
 inline void FillDevice(const Context* c, const DeviceRect& r) {
   ForEachPart(c, r, [c](const DeviceRect& part) {
-    uint32_t* p = c->row(part.top) + part.left;
-    int n = part.width();
-    intptr_t stride = c->surface->stride;
-    uint32_t color = c->color;
-    if (n == 1)
-      for (int y = part.top; y < part.bottom; ++y, p += stride) *p = color;
-    else
-      for (int y = part.top; y < part.bottom; ++y, p += stride) FillSpan(p, n, color);
+    FillPart(c, part);
     Mark(c, part);
   });
 }

@@ -30,7 +30,9 @@ class DashWalk {
  private:
   int64_t EndOf(int index) const {
     double logical = double(round_) * dash_.total - dash_.phase + dash_.ends[index];
-    return int64_t(std::floor(logical * scale_ + 0.5));
+    double edge = logical * scale_ + 0.5;
+    int64_t whole = int64_t(edge);
+    return whole - (edge < double(whole));  // the floor
   }
   const Dash& dash_;
   double scale_;
@@ -46,11 +48,11 @@ struct AxisRun {
   int64_t path;
 };
 
-void FillAxis(const Context* c, const AxisRun& run, int from, int to) {
+DeviceRect AxisRect(const Context* c, const AxisRun& run, int from, int to) {
   int a = run.start + run.step * from, b = run.start + run.step * (to - 1);
   if (a > b) std::swap(a, b);
-  FillDevice(c, run.horizontal ? DeviceRect{a, run.across, b + 1, run.across + c->pen}
-                               : DeviceRect{run.across, a, run.across + c->pen, b + 1});
+  return run.horizontal ? DeviceRect{a, run.across, b + 1, run.across + c->pen}
+                        : DeviceRect{run.across, a, run.across + c->pen, b + 1};
 }
 
 // Calls paint(from, to) for each dash within [from, to) of a stretch that begins at `path`.
@@ -67,14 +69,16 @@ void ForEachDash(const Context* c, int64_t path, int from, int to, Paint paint) 
 
 void PaintAxis(const Context* c, const AxisRun& run) {
   if (run.length <= 0) return;
-  if (!c->dash.count) return FillAxis(c, run, 0, run.length);
-  int low = run.horizontal ? c->extents.left : c->extents.top;
-  int high = run.horizontal ? c->extents.right : c->extents.bottom;
-  int from = run.step > 0 ? low - run.start : run.start - (high - 1);
-  int to = run.step > 0 ? high - run.start : run.start - low + 1;
-  from = std::max(from, 0);
-  to = std::min(to, run.length);
-  ForEachDash(c, run.path, from, to, [&](int a, int b) { FillAxis(c, run, a, b); });
+  DeviceRect all = AxisRect(c, run, 0, run.length);
+  if (!c->dash.count) return FillDevice(c, all);
+  ForEachPart(c, all, [&](const DeviceRect& part) {
+    int low = run.horizontal ? part.left : part.top;
+    int high = run.horizontal ? part.right : part.bottom;
+    int from = run.step > 0 ? low - run.start : run.start - (high - 1);
+    ForEachDash(c, run.path, from, from + high - low,
+                [&](int a, int b) { FillPart(c, Intersect(AxisRect(c, run, a, b), part)); });
+    Mark(c, part);
+  });
 }
 
 // An oblique line from its end with the smaller major coordinate. Step k of 0..n lies at
@@ -125,24 +129,41 @@ void CutSteps(const Oblique& o, const pixman_box32_t& box, int pen, int* from, i
   *to = int(std::min(last, o.FirstAcross(b + 1) - 1));
 }
 
+// The pixels of an oblique line one after another, up its steps or down.
+template <bool kUp>
+class Pixels {
+ public:
+  Pixels(const Context* c, const Oblique& o, int step) : n_(2 * o.n), m_(2 * o.m) {
+    int64_t value = 2 * int64_t{step} * o.m + o.round;
+    int across = step ? int(value / n_) : 0;
+    error_ = int(value - int64_t{across} * n_);
+    intptr_t stride = c->surface->stride;
+    along_ = o.x_major ? 1 : stride;
+    aside_ = (o.x_major ? stride : 1) * o.sign;
+    int x = o.x_major ? o.major + step : o.minor + o.sign * across;
+    int y = o.x_major ? o.minor + o.sign * across : o.major + step;
+    at = c->row(y) + x;
+  }
+  void Next() {
+    error_ += kUp ? m_ - n_ : -m_;
+    intptr_t under = error_ >> 31;  // all ones: in the same row going up, in another going down
+    error_ += n_ & int(under);
+    at += kUp ? along_ + (aside_ & ~under) : -along_ - (aside_ & under);
+  }
+  uint32_t* at;
+
+ private:
+  int n_, m_, error_;
+  intptr_t along_, aside_;
+};
+
 void ThinSteps(const Context* c, const Oblique& o, int from, int to) {
-  int64_t value = 2 * int64_t{from} * o.m + o.round;
-  int twice_n = 2 * o.n, twice_m = 2 * o.m;
-  int across = from ? int(value / twice_n) : 0;
-  int error = int(value - int64_t{across} * twice_n);
-  int x = o.x_major ? o.major + from : o.minor + o.sign * across;
-  int y = o.x_major ? o.minor + o.sign * across : o.major + from;
-  intptr_t stride = c->surface->stride;
-  intptr_t along = o.x_major ? 1 : stride, aside = (o.x_major ? stride : 1) * o.sign;
-  uint32_t* p = c->row(y) + x;
+  Pixels<true> pixels(c, o, from);
   uint32_t color = c->color;
   for (int k = to - from;; --k) {
-    *p = color;
+    *pixels.at = color;
     if (k == 0) break;
-    error += twice_m - twice_n;
-    intptr_t back = error >> 31;  // all ones while the line stays in its row
-    error += twice_n & int(back);
-    p += along + (aside & ~back);
+    pixels.Next();
   }
 }
 
@@ -192,16 +213,33 @@ void PaintAlong(const Context* c, const Oblique& o, int from, int to) {
   PaintSteps(c, o, o.n - (to - 1), o.n - from);
 }
 
+// Steps [from, to) along the path, all of them inside the clip, with a pen of one pixel.
+template <bool kUp>
+void ThinDashes(const Context* c, const Oblique& o, int from, int to, int64_t path) {
+  Pixels<kUp> pixels(c, o, kUp ? from : o.n - from);
+  uint32_t color = c->color;
+  int at = from;
+  ForEachDash(c, path, from, to, [&](int a, int b) {
+    for (; at < a; ++at) pixels.Next();
+    for (; at < b; ++at, pixels.Next()) *pixels.at = color;
+  });
+}
+
 void PaintOblique(const Context* c, const Oblique& o, int skip, int64_t path) {
   if (!c->dash.count || o.m == 0) return PaintSteps(c, o, 0, o.n);
+  path -= skip;  // where step 0 lies
+  DeviceRect bounds = o.Bounds(0, o.n, c->pen);
+  if (c->pen == 1 && c->box_count == 1 && Intersect(bounds, c->extents) == bounds) {
+    o.forward ? ThinDashes<true>(c, o, skip, o.n + 1, path)
+              : ThinDashes<false>(c, o, skip, o.n + 1, path);
+    return Mark(c, bounds);
+  }
   const Rect& e = c->extents;
   int first = 0, last = o.n;
   CutSteps(o, {e.left - c->pen, e.top - c->pen, e.right, e.bottom}, c->pen, &first, &last);
   if (first > last) return;
   int from = o.forward ? first : o.n - last, to = (o.forward ? last : o.n - first) + 1;
-  // The path position of step t is path + t - skip.
-  ForEachDash(c, path - skip, std::max(from, skip), to,
-              [&](int a, int b) { PaintAlong(c, o, a, b); });
+  ForEachDash(c, path, std::max(from, skip), to, [&](int a, int b) { PaintAlong(c, o, a, b); });
 }
 
 // One stretch of a path between two logical pixels. A joined end shares its pen with a neighbour;
