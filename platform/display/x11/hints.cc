@@ -230,7 +230,11 @@ void WriteStates(Native* n) {
     atoms[count++] = Atom(s.first);
     if (s.second != kAtomCount) atoms[count++] = Atom(s.second);
   }
-  SetProperty(n->id, Atom(kNetWmState), XCB_ATOM_ATOM, atoms, count);
+  // An empty list would be a change, whose notice asks the server for the list again.
+  if (count == 0)
+    xcb_delete_property(x.c, n->id, Atom(kNetWmState));
+  else
+    SetProperty(n->id, Atom(kNetWmState), XCB_ATOM_ATOM, atoms, count);
 }
 
 }  // namespace platform::x11
