@@ -102,15 +102,16 @@ struct Oblique {
     sign = (x_major ? y2 >= y1 : x2 >= x1) ? 1 : -1;
     round = sign > 0 ? n - 1 : n;  // a tie goes to the smaller coordinate
   }
-  int Across(int64_t k) const { return int((2 * k * m + round) / (2 * int64_t{n})); }
+  int Across(int64_t k) const {  // both ends without a division
+    return k == 0 ? 0 : k == n ? m : int((2 * k * m + round) / (2 * int64_t{n}));
+  }
   // The first step whose distance across is at least `a`.
   int64_t FirstAcross(int64_t a) const {
     int64_t over = 2 * int64_t{n} * a - round, by = 2 * int64_t{m};
     return over >= 0 ? (over + by - 1) / by : -(-over / by);
   }
   DeviceRect Bounds(int from, int to, int pen) const {
-    int a = minor + sign * (from ? Across(from) : 0);
-    int b = minor + sign * (to < n ? Across(to) : m);
+    int a = minor + sign * Across(from), b = minor + sign * Across(to);
     if (a > b) std::swap(a, b);
     if (x_major) return {major + from, a, major + to + 1, b + pen};
     return {a, major + from, b + pen, major + to + 1};
@@ -133,38 +134,48 @@ void CutSteps(const Oblique& o, const pixman_box32_t& box, int pen, int* from, i
 template <bool kUp>
 class Pixels {
  public:
-  Pixels(const Context* c, const Oblique& o, int step) : n_(2 * o.n), m_(2 * o.m) {
-    int64_t value = 2 * int64_t{step} * o.m + o.round;
-    int across = step ? int(value / n_) : 0;
-    error_ = int(value - int64_t{across} * n_);
-    intptr_t stride = c->surface->stride;
-    along_ = o.x_major ? 1 : stride;
-    aside_ = (o.x_major ? stride : 1) * o.sign;
+  Pixels(const Context* c, const Oblique& o, int step) {
+    int64_t round = 2 * int64_t{o.n}, add = 2 * int64_t{o.m};
+    int across = o.Across(step);
+    error_ = uint64_t(step * add + o.round - across * round);
+    sum_ = uint64_t(kUp ? add : round - add);
+    less_ = sum_ - uint64_t(round);
+    intptr_t stride = c->surface->stride, along = o.x_major ? 1 : stride;
+    intptr_t aside = (o.x_major ? stride : 1) * o.sign;
+    above_ = kUp ? along + aside : -along;
+    below_ = -aside;
     int x = o.x_major ? o.major + step : o.minor + o.sign * across;
     int y = o.x_major ? o.minor + o.sign * across : o.major + step;
     at = c->row(y) + x;
   }
+  // The next error is a remainder: of the sum, and the sum less one round, one is within a round,
+  // and without a sign it is the smaller. Nothing here waits for a branch.
   void Next() {
-    error_ += kUp ? m_ - n_ : -m_;
-    intptr_t under = error_ >> 31;  // all ones: in the same row going up, in another going down
-    error_ += n_ & int(under);
-    at += kUp ? along_ + (aside_ & ~under) : -along_ - (aside_ & under);
+    uint64_t sum = error_ + sum_, less = error_ + less_;
+    at += above_ + (below_ & int64_t(less) >> 63);
+    error_ = std::min(sum, less);
   }
   uint32_t* at;
 
  private:
-  int n_, m_, error_;
-  intptr_t along_, aside_;
+  uint64_t error_, sum_, less_;
+  intptr_t above_, below_;  // what a step moves; added to it when `less` is below 0
 };
 
+// From both ends to the middle: each pixel hangs on the one before it, so two rows of them that do
+// not hang on each other take the time of one.
 void ThinSteps(const Context* c, const Oblique& o, int from, int to) {
-  Pixels<true> pixels(c, o, from);
+  Pixels<true> low(c, o, from);
+  Pixels<false> high(c, o, to);
   uint32_t color = c->color;
-  for (int k = to - from;; --k) {
-    *pixels.at = color;
-    if (k == 0) break;
-    pixels.Next();
+  int left = to - from + 1;
+  for (; left > 1; left -= 2) {
+    *low.at = color;
+    *high.at = color;
+    low.Next();
+    high.Next();
   }
+  if (left) *low.at = color;
 }
 
 void ThickSteps(const Context* c, const Oblique& o, const pixman_box32_t& box, int from, int to) {
