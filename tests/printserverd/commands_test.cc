@@ -16,6 +16,8 @@ using namespace testing_daemon;
 
 namespace {
 
+using Commands = Served;
+
 const char kConfig[] =
     "# two printers, one profile of the second alone\n"
     "[printer]\nname=First\nrate=0\n"
@@ -29,17 +31,15 @@ std::string Printed(const Daemon& daemon, const std::string& folder) {
   return names.size() == 1 ? ReadWhole(daemon.Path("printed/" + folder + "/" + names[0])) : "";
 }
 
-TEST(Commands, PrintAndSee) {
-  Daemon daemon;
-  daemon.Start({"--rate", "0"});
-  const int fd = daemon.Connect();
+TEST_F(Commands, PrintAndSee) {
+  Start({"--rate", "0"});
   uint8_t id[16];
   const std::string document("a\0b\n\nc", 6);
   const auto before = time(nullptr);
   EXPECT_EQ(Send(fd, "document=One\\nTwo \\\\ \xc3\xa4.pdf\nowner=me\ncopies=3\nunknown=x\n",
                  document, id),
             NC_STATUS_DONE);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
   const NC_Job job = JobOf(fd, id);
   EXPECT_STREQ(job.document, "One\nTwo \\ \xc3\xa4.pdf");
   EXPECT_STREQ(job.owner, "me");
@@ -59,13 +59,10 @@ TEST(Commands, PrintAndSee) {
   EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_DONE);
   EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_UNKNOWN_ID);
   EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, Lists) {
-  Daemon daemon;
-  daemon.Start({"--config", daemon.WriteFile("config", kConfig)});
-  const int fd = daemon.Connect();
+TEST_F(Commands, Lists) {
+  StartWith(kConfig);
   const auto printers = Printers(fd);
   ASSERT_EQ(printers.size(), 2U);
   EXPECT_STREQ(printers[0].name, "First");
@@ -98,25 +95,10 @@ TEST(Commands, Lists) {
   EXPECT_STREQ(profiles[1].media, "A1");
   EXPECT_EQ(profiles[1].dpi_across, 1200);
   EXPECT_EQ(profiles[1].dpi_along, 600);
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, NoScanners) {
-  Daemon daemon;
-  daemon.Start();
-  const int fd = daemon.Connect();
-  uint8_t status = 9;
-  char list[16];
-  EXPECT_EQ(NC_GetScannerListN(fd, &status, list, sizeof list), 0);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(NC_GetPrintQueueN(fd, list, sizeof list), 0);
-  NC_Disconnect(fd);
-}
-
-TEST(Commands, TicketsThatAreRefused) {
-  Daemon daemon;
-  daemon.Start({"--config", daemon.WriteFile("config", kConfig)});
-  const int fd = daemon.Connect();
+TEST_F(Commands, TicketsThatAreRefused) {
+  StartWith(kConfig);
   const struct {
     std::string ticket;
     int status;
@@ -149,13 +131,10 @@ TEST(Commands, TicketsThatAreRefused) {
   EXPECT_EQ(Jobs(fd).size(), static_cast<size_t>(accepted));
   // Nothing of what was refused stays.
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, RequestIds) {
-  Daemon daemon;
-  daemon.Start();
-  const int fd = daemon.Connect();
+TEST_F(Commands, RequestIds) {
+  Start();
   std::set<std::string> ids;
   uint8_t first[16], id[16];
   ASSERT_EQ(NC_CreateRequestID(fd, first), 1);
@@ -174,14 +153,10 @@ TEST(Commands, RequestIds) {
   EXPECT_EQ(NC_WritePrintRequest(fd, id, "\nx", 2), NC_STATUS_WRONG_STATE);
   EXPECT_EQ(Jobs(fd).size(), 1U);
   NC_Disconnect(other);
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, HoldReleaseAndPriority) {
-  Daemon daemon;
-  const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=1K\n");
-  daemon.Start({"--config", config});
-  const int fd = daemon.Connect();
+TEST_F(Commands, HoldReleaseAndPriority) {
+  StartWith("[printer]\nname=P\nrate=1K\n");
   uint8_t printing[16], low[16], high[16], held[16];
   ASSERT_EQ(Send(fd, "", std::string(1 << 20, 'x'), printing), 1);
   ASSERT_EQ(Send(fd, "priority=10\n", "low", low), 1);
@@ -211,57 +186,45 @@ TEST(Commands, HoldReleaseAndPriority) {
   EXPECT_EQ(Change(fd, printing, "hold=1\n"), 1);
   EXPECT_EQ(JobOf(fd, printing).state, NC_JOB_HELD);
   EXPECT_EQ(JobOf(fd, printing).printed, 0);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, high).state == NC_JOB_DONE; }));
+  EXPECT_TRUE(Becomes(fd, high, NC_JOB_DONE));
   const auto names = FilesIn(daemon.Path("printed/p"));
   EXPECT_EQ(names.size(), 3U);
   EXPECT_EQ(JobOf(fd, held).state, NC_JOB_DONE);
   EXPECT_EQ(JobOf(fd, low).state, NC_JOB_DONE);
   EXPECT_EQ(Change(fd, printing, "hold=0\n"), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).state == NC_JOB_PRINTING; }));
+  EXPECT_TRUE(Becomes(fd, printing, NC_JOB_PRINTING));
   EXPECT_EQ(NC_RemovePrintRequest(fd, printing), 1);
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 3; }));
   EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, PaperRunsOut) {
-  Daemon daemon;
-  const std::string config =
-      daemon.WriteFile("config", "[printer]\nname=P\nrate=0\npaper=2\nsheet-bytes=10\n");
-  daemon.Start({"--config", config});
-  const int fd = daemon.Connect();
+TEST_F(Commands, PaperRunsOut) {
+  StartWith("[printer]\nname=P\nrate=0\npaper=2\nsheet-bytes=10\n");
   uint8_t id[16], next[16];
   ASSERT_EQ(Send(fd, "copies=2\n", "123456789012345", id), 1);  // two sheets a copy
   ASSERT_EQ(Send(fd, "", "", next), 1);                         // an empty one takes one too
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
   EXPECT_EQ(JobOf(fd, id).printed, 15);
   EXPECT_EQ(Printers(fd)[0].state, NC_PRINTER_PAPER_OUT);
   EXPECT_EQ(Printers(fd)[0].paper, 0);
   EXPECT_EQ(JobOf(fd, next).state, NC_JOB_WAITING);
   EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, next).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_TRUE(Becomes(fd, next, NC_JOB_PAPER_OUT));
   EXPECT_EQ(NC_RemovePrintRequest(fd, next), 1);
   EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, PaperIsLoadedByItself) {
-  Daemon daemon;
-  const std::string config = daemon.WriteFile(
-      "config", "[printer]\nname=P\nrate=0\npaper=1\nsheet-bytes=10\nrefill-seconds=1\n");
-  daemon.Start({"--config", config});
-  const int fd = daemon.Connect();
+TEST_F(Commands, PaperIsLoadedByItself) {
+  StartWith("[printer]\nname=P\nrate=0\npaper=1\nsheet-bytes=10\nrefill-seconds=1\n");
   uint8_t id[16];
   ASSERT_EQ(Send(fd, "", "123456789012345", id), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_PAPER_OUT; }));
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
-  NC_Disconnect(fd);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
 }
 
-TEST(Commands, GamutFiles) {
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Commands, GamutFiles) {
+  Start();
   const std::string big(300000, 'g');
   std::ofstream(daemon.Path("gamut/common.icc")) << big;
   std::ofstream(daemon.Path("gamut/.hidden")) << "x";
@@ -270,7 +233,6 @@ TEST(Commands, GamutFiles) {
   std::filesystem::create_symlink("../../lock", daemon.Path("gamut/Wide/link"));
   std::filesystem::create_symlink("..", daemon.Path("gamut/up"));
   std::ofstream(daemon.Path("outside")) << "x";
-  const int fd = daemon.Connect();
   const struct {
     const char *name, *folder;
     std::string content;
@@ -290,12 +252,10 @@ TEST(Commands, GamutFiles) {
     EXPECT_EQ(ReadWhole(path), row.content) << row.name << " in " << row.folder;
     EXPECT_EQ(std::filesystem::exists(path), !row.content.empty());
   }
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, RemoveFilesOnlyBelowItsOwn) {
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Commands, RemoveFilesOnlyBelowItsOwn) {
+  Start();
   const std::string files = daemon.Path("files");
   std::filesystem::create_directories(files + "/a/b");
   std::ofstream(files + "/a/b/inner") << "x";
@@ -303,7 +263,6 @@ TEST(Commands, RemoveFilesOnlyBelowItsOwn) {
   std::ofstream(daemon.Path("outside")) << "x";
   std::filesystem::create_symlink("..", files + "/up");
   std::filesystem::create_symlink("top", files + "/link");
-  const int fd = daemon.Connect();
   const struct {
     std::string path;
     int status;
@@ -332,53 +291,39 @@ TEST(Commands, RemoveFilesOnlyBelowItsOwn) {
   EXPECT_TRUE(std::filesystem::exists(daemon.Path("outside")));
   EXPECT_TRUE(std::filesystem::is_symlink(files + "/link"));
   EXPECT_FALSE(std::filesystem::exists(files + "/a/b/inner"));
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, LayoutAndScanServers) {
-  Daemon daemon;
+TEST_F(Commands, LayoutAndScanServers) {
   const std::string out = daemon.folder() + "/out";
   const std::string script =
       daemon.WriteFile("script", "#!/bin/sh\nprintf '[%s]' \"$@\" >> " + out + "\n");
   chmod(script.c_str(), 0700);
-  const std::string config =
-      daemon.WriteFile("config", "[server]\nlayout-command=" + script +
-                                     " layout  %1\nscan-command=" + script + " scan %1 %2\n");
-  daemon.Start({"--config", config});
-  const int fd = daemon.Connect();
+  StartWith("[server]\nlayout-command=" + script + " layout  %1\nscan-command=" + script +
+            " scan %1 %2\n");
   EXPECT_EQ(NC_StartScanServer(fd, "-rf", "x"), 1);
   EXPECT_EQ(NC_StartScanServer(fd, "Flat bed; true $(id)", "two"), 1);
   EXPECT_TRUE(Eventually([&] { return ReadWhole(out) == "[scan][Flat bed; true $(id)][two]"; }));
   EXPECT_EQ(NC_StartLayoutServer(fd), 1);
   EXPECT_TRUE(Eventually([&] { return ReadWhole(out).ends_with("[two][layout][]"); }));
   EXPECT_TRUE(Jobs(fd).empty());  // the connection is in step
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, EndedJobsGo) {
-  Daemon daemon;
-  const std::string config = daemon.WriteFile(
-      "config", "[server]\ndone-keep=3\nspool-limit=100K\n[printer]\nname=P\nrate=0\nkeep=2\n");
-  daemon.Start({"--config", config});
-  const int fd = daemon.Connect();
+TEST_F(Commands, EndedJobsGo) {
+  StartWith("[server]\ndone-keep=3\nspool-limit=100K\n[printer]\nname=P\nrate=0\nkeep=2\n");
   uint8_t id[16];
   for (int i = 0; i < 8; ++i) {
     ASSERT_EQ(Send(fd, "", std::string(50000, 'x'), id), 1);
-    EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+    EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
   }
   EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 3; }));
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 2; }));
   // The room of what is done is free again; what waits takes it.
   EXPECT_EQ(Send(fd, "hold=1\n", std::string(90000, 'x'), id), 1);
   EXPECT_EQ(Send(fd, "hold=1\n", std::string(20000, 'x'), id), NC_STATUS_TOO_LARGE);
-  NC_Disconnect(fd);
 }
 
-TEST(Commands, ConfigurationReadAgain) {
-  Daemon daemon;
-  const std::string config = daemon.WriteFile("config", kConfig);
-  daemon.Start({"--config", config});
-  const int fd = daemon.Connect();
+TEST_F(Commands, ConfigurationReadAgain) {
+  StartWith(kConfig);
   uint8_t id[16];
   ASSERT_EQ(Send(fd, "printer=Wide one\nhold=1\n", "x", id), 1);
   daemon.WriteFile("config", "[printer]\nname=First\nrate=0\n[printer]\nname=Third\n");
@@ -387,11 +332,10 @@ TEST(Commands, ConfigurationReadAgain) {
   EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
   EXPECT_EQ(JobOf(fd, id).state, NC_JOB_FAILED);
   EXPECT_EQ(Change(fd, id, "printer=First\nhold=0\n"), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
   daemon.WriteFile("config", "[nonsense]\n");
   daemon.Signal(SIGHUP);
   EXPECT_EQ(Printers(fd).size(), 2U);
-  NC_Disconnect(fd);
 }
 
 }  // namespace

@@ -3,9 +3,6 @@
 #include <arpa/inet.h>
 #include <dirent.h>
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -77,10 +74,7 @@ Daemon::Daemon() {
 }
 
 Daemon::~Daemon() {
-  if (pid_ > 0) {
-    const int code = Stop(SIGTERM);
-    EXPECT_EQ(code, 0);
-  }
+  EXPECT_EQ(Stop(SIGTERM), 0);
   std::filesystem::remove_all(folder_);
 }
 
@@ -101,6 +95,7 @@ void Daemon::Signal(int number) {
 }
 
 int Daemon::Stop(int number) {
+  if (pid_ <= 0) return 0;
   kill(pid_, number);
   int status = 0;
   waitpid(pid_, &status, 0);
@@ -190,27 +185,24 @@ bool Eventually(const std::function<bool()>& holds) {
   return false;
 }
 
-bool SendBytes(int fd, const std::string& bytes) {
-  size_t sent = 0;
-  while (sent < bytes.size()) {
-    const ssize_t n = send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-    if (n <= 0) return false;
-    sent += static_cast<size_t>(n);
-  }
-  return true;
+bool Becomes(int fd, const uint8_t* id, NC_JobState state) {
+  return Eventually([&] { return JobOf(fd, id).state == state; });
 }
 
-std::string ReadBytes(int fd, size_t size) {
-  std::string bytes;
-  char buffer[65536];
-  while (bytes.size() < size) {
-    pollfd one = {fd, POLLIN, 0};
-    if (poll(&one, 1, 20000) != 1) break;
-    const ssize_t n = recv(fd, buffer, std::min(sizeof buffer, size - bytes.size()), 0);
-    if (n <= 0) break;
-    bytes.append(buffer, static_cast<size_t>(n));
-  }
-  return bytes;
+void Served::Start(const std::vector<std::string>& arguments) {
+  daemon.Start(arguments);
+  fd = daemon.Connect();
+}
+
+void Served::StartWith(const std::string& configuration, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"--config", daemon.WriteFile("config", configuration)});
+  Start(arguments);
+}
+
+int Served::Stop(int signal) {
+  if (fd >= 0) NC_Disconnect(fd);
+  fd = -1;
+  return daemon.Stop(signal);
 }
 
 }  // namespace testing_daemon

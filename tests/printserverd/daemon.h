@@ -1,6 +1,8 @@
 // A printserverd of the test's own: its address, its spool, its life.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -68,9 +70,22 @@ std::vector<NC_Printer> Printers(int fd);
 
 // Waits until it holds; false after 30 seconds.
 bool Eventually(const std::function<bool()>& holds);
+// Waits until the job is in this state, and says whether it came to be.
+bool Becomes(int fd, const uint8_t* id, NC_JobState state);
 
-// Sends bytes; reads until the end or until `size` bytes have come.
-bool SendBytes(int fd, const std::string& bytes);
-std::string ReadBytes(int fd, size_t size);
+// A daemon with one client.
+class Served : public testing::Test {
+ protected:
+  ~Served() override { EXPECT_EQ(Stop(SIGTERM), 0); }
+  // Starts the daemon and connects.
+  void Start(const std::vector<std::string>& arguments = {});
+  // The same with a configuration.
+  void StartWith(const std::string& configuration, std::vector<std::string> arguments = {});
+  // Ends the connection and the daemon; the exit code, or 128 + signal.
+  int Stop(int signal);
+
+  Daemon daemon;
+  int fd = -1;
+};
 
 }  // namespace testing_daemon

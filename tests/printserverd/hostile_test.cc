@@ -9,21 +9,27 @@
 #include <random>
 #include <thread>
 
+#include "tests/printserver/peer.h"
 #include "tests/printserverd/daemon.h"
 
 using namespace testing_daemon;
 
 namespace {
 
-const std::string kGreeting("\4\3\2\1", 4);
+using Hostile = Served;
+using Faults = Served;
 
-std::string U32(uint32_t value) {
-  return std::string{static_cast<char>(value), static_cast<char>(value >> 8),
-                     static_cast<char>(value >> 16), static_cast<char>(value >> 24)};
-}
+const std::string kGreeting("\4\3\2\1", 4);
 
 std::string Header(char code) {
   return std::string("KRV") + code;
+}
+
+bool MayOpen(rlim_t descriptors) {
+  rlimit limit;
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = std::min<rlim_t>(4096, limit.rlim_max);
+  return setrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur >= descriptors;
 }
 
 // An honest client gets everything.
@@ -36,9 +42,8 @@ void ExpectHonestWorks(const Daemon& daemon) {
   NC_Disconnect(fd);
 }
 
-TEST(Hostile, GreetingsAndHeadersThatAreNone) {
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Hostile, GreetingsAndHeadersThatAreNone) {
+  Start();
   const struct {
     std::string bytes, reply;
   } cases[] = {
@@ -49,149 +54,130 @@ TEST(Hostile, GreetingsAndHeadersThatAreNone) {
       {kGreeting + Header('\14'), "\1"},
       {kGreeting + Header('\377'), "\1"},
       // More than can be accepted is refused at once, and the connection ends.
-      {kGreeting + Header(3) + std::string(16, 'i') + U32(0x80000000) + std::string(5000, 'x'),
+      {kGreeting + Header(3) + std::string(16, 'i') + Integer(0x80000000) + std::string(5000, 'x'),
        "\1\4"},
-      {kGreeting + Header(3) + std::string(16, 'i') + U32(0xffffffff), "\1\4"},
+      {kGreeting + Header(3) + std::string(16, 'i') + Integer(0xffffffff), "\1\4"},
   };
   for (const auto& row : cases) {
-    const int fd = daemon.ConnectRaw();
-    EXPECT_TRUE(SendBytes(fd, row.bytes));
-    EXPECT_EQ(ReadBytes(fd, 100), row.reply);  // and then the end
-    close(fd);
+    const int one = daemon.ConnectRaw();
+    EXPECT_TRUE(SendText(one, row.bytes));
+    EXPECT_EQ(ReceiveText(one, 100), row.reply);  // and then the end
+    close(one);
   }
   ExpectHonestWorks(daemon);
 }
 
-TEST(Hostile, RequestsSentTogetherAreAnsweredInOrder) {
-  Daemon daemon;
-  daemon.Start();
-  const int fd = daemon.ConnectRaw();
-  SendBytes(fd, kGreeting + Header(10) + Header(1) + Header(6) + std::string(16, 'i') + Header(3) +
-                    std::string(16, 'i') + U32(7) + "a=\n\nxyz" + Header(10));
-  EXPECT_EQ(ReadBytes(fd, 9), std::string("\1\0\0\0\0\0\2\2\0", 9));
-  close(fd);
+TEST_F(Hostile, RequestsSentTogetherAreAnsweredInOrder) {
+  Start();
+  const int one = daemon.ConnectRaw();
+  SendText(one, kGreeting + Header(10) + Header(1) + Header(6) + std::string(16, 'i') + Header(3) +
+                    std::string(16, 'i') + Integer(7) + "a=\n\nxyz" + Header(10));
+  EXPECT_EQ(ReceiveText(one, 9), std::string("\1\0\0\0\0\0\2\2\0", 9));
+  close(one);
 }
 
-TEST(Hostile, HalfRequestsLeaveNothing) {
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Hostile, HalfRequestsLeaveNothing) {
+  Start();
   for (const size_t sent : {0, 3, 8, 9, 500000}) {
-    const int fd = daemon.Connect();
+    const int one = daemon.Connect();
     uint8_t id[16];
-    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
+    ASSERT_EQ(NC_CreateRequestID(one, id), 1);
     const std::string data = "owner=x\n\n" + std::string(1000000, 'x');
-    SendBytes(fd, Header(3) + std::string(id, id + 16) + U32(static_cast<uint32_t>(data.size())) +
-                      data.substr(0, sent));
+    SendText(one, Header(3) + std::string(id, id + 16) +
+                      Integer(static_cast<uint32_t>(data.size())) + data.substr(0, sent));
     if (sent > 8) {
       EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 1; }));
     }
-    NC_Disconnect(fd);
+    NC_Disconnect(one);
     EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).empty(); }));
   }
   for (char code = 1; code <= 11; ++code) {
     for (const int extra : {0, 1, 15, 19, 79, 139, 159, 511}) {
-      const int fd = daemon.Connect();
-      SendBytes(fd, Header(code) + std::string(static_cast<size_t>(extra), '\xff'));
-      NC_Disconnect(fd);
+      const int one = daemon.Connect();
+      SendText(one, Header(code) + std::string(static_cast<size_t>(extra), '\xff'));
+      NC_Disconnect(one);
     }
   }
   ExpectHonestWorks(daemon);
 }
 
-TEST(Hostile, Garbage) {
-  Daemon daemon;
-  daemon.Start({"--rate", "0"});
+TEST_F(Hostile, Garbage) {
+  Start({"--rate", "0"});
   std::mt19937 random(1);
   for (int round = 0; round < 300; ++round) {
-    const int fd = daemon.ConnectRaw();
+    const int one = daemon.ConnectRaw();
     std::string bytes = kGreeting;
     for (int i = 0; i < 20; ++i) {
       bytes += Header(static_cast<char>(1 + random() % 11));
       const size_t length = random() % 600;
       for (size_t k = 0; k < length; ++k) bytes += static_cast<char>(random() % 4 ? 0 : random());
     }
-    SendBytes(fd, bytes);
-    close(fd);
+    SendText(one, bytes);
+    close(one);
   }
   ExpectHonestWorks(daemon);
 }
 
-TEST(Hostile, ThousandSlowClientsAndAnHonestOne) {
-  rlimit limit;
-  getrlimit(RLIMIT_NOFILE, &limit);
-  limit.rlim_cur = std::min<rlim_t>(4096, limit.rlim_max);
-  setrlimit(RLIMIT_NOFILE, &limit);
-  ASSERT_GE(limit.rlim_cur, 1100U);
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Hostile, ThousandSlowClientsAndAnHonestOne) {
+  ASSERT_TRUE(MayOpen(1100));
+  Start();
   const std::string script = kGreeting + Header(1) + Header(5) + Header(2) + Header(11);
   std::vector<int> slow;
   for (int i = 0; i < 1000; ++i) slow.push_back(daemon.ConnectRaw());
   for (size_t second = 0; second < 10; ++second) {
     const auto next = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-    for (const int fd : slow) send(fd, &script[second], 1, MSG_NOSIGNAL | MSG_DONTWAIT);
+    for (const int one : slow) send(one, &script[second], 1, MSG_NOSIGNAL | MSG_DONTWAIT);
     ExpectHonestWorks(daemon);
     std::this_thread::sleep_until(next);
   }
-  for (const int fd : slow) close(fd);
+  for (const int one : slow) close(one);
   ExpectHonestWorks(daemon);
 }
 
-TEST(Hostile, WhoeverStopsIsClosed) {
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Hostile, WhoeverStopsIsClosed) {
+  Start();
   std::vector<int> stopped;
   for (const std::string& bytes :
        {std::string(), kGreeting.substr(0, 3), kGreeting + "K", kGreeting + Header(6) + "half",
         kGreeting + Header(7) + std::string(511, 'x')}) {
     stopped.push_back(daemon.ConnectRaw());
-    SendBytes(stopped.back(), bytes);
+    SendText(stopped.back(), bytes);
   }
   ExpectHonestWorks(daemon);
-  for (const int fd : stopped) {
-    EXPECT_LE(ReadBytes(fd, 100).size(), 1U);  // up to the end
+  for (const int one : stopped) {
+    EXPECT_LE(ReceiveText(one, 100).size(), 1U);  // up to the end
     char byte;
-    EXPECT_EQ(recv(fd, &byte, 1, MSG_DONTWAIT), 0);
-    close(fd);
+    EXPECT_EQ(recv(one, &byte, 1, MSG_DONTWAIT), 0);
+    close(one);
   }
 }
 
-TEST(Hostile, TheDiskIsFull) {
+TEST_F(Hostile, TheDiskIsFull) {
   signal(SIGXFSZ, SIG_IGN);
   const rlimit limit = {200000, 200000};
-  Daemon daemon;
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-  daemon.Start({"--rate", "0"});
-  const int fd = daemon.Connect();
+  Start({"--rate", "0"});
   uint8_t id[16];
   EXPECT_EQ(Send(fd, "", std::string(500000, 'x'), id), NC_STATUS_STORAGE);
   EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
   EXPECT_EQ(Send(fd, "", std::string(150000, 'x'), id), NC_STATUS_DONE);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
-  NC_Disconnect(fd);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
 }
 
-TEST(Hostile, MoreConnectionsThanItTakes) {
-  rlimit limit;
-  getrlimit(RLIMIT_NOFILE, &limit);
-  limit.rlim_cur = std::min<rlim_t>(4096, limit.rlim_max);
-  setrlimit(RLIMIT_NOFILE, &limit);
-  ASSERT_GE(limit.rlim_cur, 2300U);
-  Daemon daemon;
-  daemon.Start();
+TEST_F(Hostile, MoreConnectionsThanItTakes) {
+  ASSERT_TRUE(MayOpen(2300));
+  Start();
   std::vector<int> all;
   for (int i = 0; i < 2200; ++i) {
     all.push_back(daemon.ConnectRaw());
-    if (i % 2) SendBytes(all.back(), kGreeting);
+    if (i % 2) SendText(all.back(), kGreeting);
   }
   ExpectHonestWorks(daemon);
-  for (const int fd : all) close(fd);
+  for (const int one : all) close(one);
 }
 
-TEST(Hostile, ClientsThatDoNotRead) {
-  Daemon daemon;
-  daemon.Start();
-  const int fd = daemon.Connect();
+TEST_F(Hostile, ClientsThatDoNotRead) {
+  Start();
   uint8_t id[16];
   const std::string ticket = "hold=1\ndocument=" + std::string(250, 'n') + "\n";
   for (int i = 0; i < 300; ++i) ASSERT_EQ(Send(fd, ticket, "", id), 1);
@@ -202,51 +188,42 @@ TEST(Hostile, ClientsThatDoNotRead) {
     setsockopt(one, SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
     std::string requests = kGreeting;
     for (int k = 0; k < 100; ++k) requests += Header(1);
-    SendBytes(one, requests);
+    SendText(one, requests);
     deaf.push_back(one);
   }
   ExpectHonestWorks(daemon);
   EXPECT_EQ(Jobs(fd).size(), 300U);
   for (const int one : deaf) close(one);
-  NC_Disconnect(fd);
 }
 
-TEST(Faults, EachIsSeen) {
-  Daemon daemon;
+TEST_F(Faults, EachIsSeen) {
   daemon.Start({"--simulate", "refuse"});
   EXPECT_EQ(NC_ConnectN(daemon.host(), 5000), NC_REFUSED);
-  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+  EXPECT_EQ(Stop(SIGTERM), 0);
 
   char list[4096];
   uint8_t status, id[16];
-  daemon.Start({"--simulate", "cut=10"});
-  int fd = daemon.Connect();
+  Start({"--simulate", "cut=10"});
   EXPECT_EQ(NC_CreateRequestID(fd, id), -1);
-  NC_Disconnect(fd);
-  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+  EXPECT_EQ(Stop(SIGTERM), 0);
 
-  daemon.Start({"--simulate=stall=3"});
-  fd = daemon.Connect();
-  NC_SetDeadline(fd, 300);
-  EXPECT_EQ(NC_GetPrinterListN(fd, &status, list, sizeof list), -1);
-  EXPECT_EQ(errno, ETIMEDOUT);
-  NC_Disconnect(fd);
-  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
+  const struct {
+    const char* fault;
+    int error;
+  } rows[] = {{"stall=3", ETIMEDOUT}, {"length=4294967295", EMSGSIZE}};
+  for (const auto& row : rows) {
+    Start({std::string("--simulate=") + row.fault});
+    NC_SetDeadline(fd, 300);
+    EXPECT_EQ(NC_GetPrinterListN(fd, &status, list, sizeof list), -1);
+    EXPECT_EQ(errno, row.error);
+    EXPECT_EQ(Stop(SIGTERM), 0);
+  }
 
-  daemon.Start({"--simulate", "length=4294967295"});
-  fd = daemon.Connect();
-  EXPECT_EQ(NC_GetPrinterListN(fd, &status, list, sizeof list), -1);
-  EXPECT_EQ(errno, EMSGSIZE);
-  NC_Disconnect(fd);
-  EXPECT_EQ(daemon.Stop(SIGTERM), 0);
-
-  daemon.Start({"--simulate", "paper-out", "--rate", "0"});
-  fd = daemon.Connect();
+  Start({"--simulate", "paper-out", "--rate", "0"});
   EXPECT_EQ(Send(fd, "", "x", id), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_PAPER_OUT; }));
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
   EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
-  NC_Disconnect(fd);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
 }
 
 }  // namespace

@@ -10,11 +10,14 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/printserver/peer.h"
 #include "tests/printserverd/daemon.h"
 
 using namespace testing_daemon;
 
 namespace {
+
+using Spool = Served;
 
 std::string IdText(const uint8_t* id) {
   char text[33];
@@ -37,10 +40,8 @@ bool SameBytes(const std::string& a, const std::string& b) {
   return one.eof() && two.eof();
 }
 
-TEST(Spool, DocumentsOfEverySize) {
-  Daemon daemon;
-  daemon.Start({"--rate", "0"});
-  const int fd = daemon.Connect();
+TEST_F(Spool, DocumentsOfEverySize) {
+  Start({"--rate", "0"});
   for (const int64_t size : {int64_t{0}, int64_t{1}, int64_t{262144}, int64_t{200000000}}) {
     const std::string path = daemon.WriteFile("document", "");
     {
@@ -63,19 +64,16 @@ TEST(Spool, DocumentsOfEverySize) {
     ASSERT_EQ(stat(stored.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600U);
     EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-    EXPECT_TRUE(Eventually([&] { return JobOf(fd, id).state == NC_JOB_DONE; }));
+    EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
     const auto outputs = FilesIn(daemon.Path("printed/proof"));
     ASSERT_EQ(outputs.size(), 1U);
     EXPECT_TRUE(SameBytes(path, daemon.Path("printed/proof/" + outputs[0]))) << size;
     unlink(daemon.Path("printed/proof/" + outputs[0]).c_str());
   }
-  NC_Disconnect(fd);
 }
 
-TEST(Spool, ThousandRequestsAndARestart) {
-  Daemon daemon;
-  daemon.Start();
-  int fd = daemon.Connect();
+TEST_F(Spool, ThousandRequestsAndARestart) {
+  Start();
   std::vector<std::string> ids;
   for (int i = 0; i < 1000; ++i) {
     uint8_t id[16];
@@ -86,10 +84,8 @@ TEST(Spool, ThousandRequestsAndARestart) {
   }
   const auto before = Jobs(fd);
   ASSERT_EQ(before.size(), 1000U);
-  NC_Disconnect(fd);
-  EXPECT_EQ(daemon.Stop(SIGKILL), 128 + SIGKILL);
-  daemon.Start();
-  fd = daemon.Connect();
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  Start();
   const auto after = Jobs(fd);
   ASSERT_EQ(after.size(), 1000U);
   EXPECT_EQ(memcmp(before.data(), after.data(), 1000 * sizeof(NC_Job)), 0);
@@ -97,37 +93,32 @@ TEST(Spool, ThousandRequestsAndARestart) {
     EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + ids[static_cast<size_t>(i)] + ".doc")),
               std::to_string(i));
   }
-  NC_Disconnect(fd);
 }
 
-TEST(Spool, RestartInTheMiddle) {
-  Daemon daemon;
-  const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=64K\n");
-  daemon.Start({"--config", config});
-  int fd = daemon.Connect();
+TEST_F(Spool, RestartInTheMiddle) {
+  const char config[] = "[printer]\nname=P\nrate=64K\n";
+  StartWith(config);
   uint8_t printing[16], done[16], half[16];
   ASSERT_EQ(Send(fd, "", "quick", done), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, done).state == NC_JOB_DONE; }));
+  EXPECT_TRUE(Becomes(fd, done, NC_JOB_DONE));
   ASSERT_EQ(Send(fd, "", std::string(1 << 20, 'p'), printing), 1);
   EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).printed > 0; }));
   EXPECT_EQ(Change(fd, printing, "priority=70\n"), 1);
   ASSERT_EQ(NC_CreateRequestID(fd, half), 1);
-  SendBytes(fd, "KRV\3" + std::string(half, half + 16) + std::string("\0\0\1\0\n", 5) + "begun");
+  SendText(fd, "KRV\3" + std::string(half, half + 16) + std::string("\0\0\1\0\n", 5) + "begun");
   const std::string document = daemon.Path("jobs/" + IdText(half) + ".doc");
   EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(document); }));
-  EXPECT_EQ(daemon.Stop(SIGKILL), 128 + SIGKILL);
-  NC_Disconnect(fd);
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
   EXPECT_TRUE(std::filesystem::exists(document));
   daemon.WriteFile("spool/jobs/0123456789abcdef0123456789abcdef.job", "state=rubbish\n\n");
   daemon.WriteFile("spool/jobs/not a job.job", "\n");
 
-  daemon.Start({"--config", config, "--rate", "0"});
-  fd = daemon.Connect();
+  StartWith(config, {"--rate", "0"});
   EXPECT_FALSE(std::filesystem::exists(document));
   EXPECT_EQ(Jobs(fd).size(), 2U);
   EXPECT_EQ(JobOf(fd, done).state, NC_JOB_DONE);
   EXPECT_EQ(JobOf(fd, printing).priority, 70);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).state == NC_JOB_DONE; }));
+  EXPECT_TRUE(Becomes(fd, printing, NC_JOB_DONE));
   const auto outputs = FilesIn(daemon.Path("printed/p"));
   ASSERT_EQ(outputs.size(), 2U);  // and nothing of the first attempt
   int whole = 0;
@@ -135,7 +126,6 @@ TEST(Spool, RestartInTheMiddle) {
     whole += ReadWhole(daemon.Path("printed/p/" + name)) == std::string(1 << 20, 'p');
   }
   EXPECT_EQ(whole, 1);
-  NC_Disconnect(fd);
 }
 
 TEST(Start, RefusesWithOneLine) {
