@@ -1,6 +1,4 @@
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/time.h>
 
 #include <atomic>
 #include <chrono>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "os/os.h"
+#include "tests/os/alarms.h"
 
 namespace {
 
@@ -119,17 +118,12 @@ TEST(Mutex, NullIsRefused) {
 }
 
 TEST(Sleep, LastsThroughSignalsAndNotForNothing) {
-  struct sigaction action = {};
-  action.sa_handler = [](int) {};
-  sigaction(SIGALRM, &action, nullptr);
-  const itimerval every = {{0, 2000}, {0, 2000}};
-  setitimer(ITIMER_REAL, &every, nullptr);
-  const auto start = std::chrono::steady_clock::now();
-  OS_Sleep(60);
-  const auto slept = std::chrono::steady_clock::now() - start;
-  const itimerval never = {};
-  setitimer(ITIMER_REAL, &never, nullptr);
-  EXPECT_GE(slept, std::chrono::milliseconds(60));
+  {
+    const Alarms ringing;
+    const auto start = std::chrono::steady_clock::now();
+    OS_Sleep(60);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(60));
+  }
   OS_Sleep(0);
   OS_Sleep(-1000000);
 }

@@ -53,21 +53,6 @@ TEST(Translate, NeighbouringMotionsMerge) {
             "mous5(111,112) mous1(111,112) mous6(121,120) mous2(121,120) mous5(130,120)");
 }
 
-// The window that held the pointer is gone when the button comes up outside all others.
-TEST(Translate, AReleaseThatNoWindowHeardIsNotForgotten) {
-  Open();
-  WindowRef pressed = CreateNewWindow(kDocumentWindowClass, 0, {600, 300, 700, 400});
-  ShowWindow(pressed);
-  MovePointer(650, 350);
-  headless::Press(1);
-  Receive();
-  DisposeWindow(pressed);
-  headless::Release(1);
-  MovePointer(110, 110);
-  MovePointer(120, 110);
-  EXPECT_EQ(Receive(), "mous2(110,110) mous5(120,110)");
-}
-
 TEST(Translate, PlacesAtAFractionalScale) {
   setenv("XW_SCALE", "1.5", 1);
   WindowRef w = Open();

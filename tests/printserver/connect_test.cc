@@ -4,11 +4,11 @@
 #include <string.h>
 #include <sys/eventfd.h>
 #include <sys/resource.h>
-#include <sys/time.h>
 
 #include "os/final_path.h"
 #include "printserver/nc.h"
 #include "printserver/resolve.h"
+#include "tests/os/alarms.h"
 #include "tests/printserver/peer.h"
 
 namespace {
@@ -17,14 +17,8 @@ const std::string kGreeting = "\x04\x03\x02\x01";
 
 using Connector = int (*)(const char*);
 
-int ConnectPlain(const char* host) {
-  return NC_Connect(host, 1);
-}
-int ConnectWithin(const char* host) {
-  return NC_ConnectN(host, 5000);
-}
-
-constexpr Connector kConnectors[] = {ConnectPlain, ConnectWithin};
+constexpr Connector kConnectors[] = {[](const char* host) { return NC_Connect(host, 1); },
+                                     [](const char* host) { return NC_ConnectN(host, 5000); }};
 
 TEST(Connect, GreetingAndItsAnswers) {
   const struct {
@@ -69,11 +63,7 @@ TEST(Connect, NobodyThereAndNoSuchHost) {
 TEST(Connect, NoHostIsLocalhost) {
   Listener server("127.0.0.1");
   if (server.fd < 0) GTEST_SKIP() << "the port is in use on localhost";
-  server.Serve(4, [](int end) {
-    ReceiveText(end, 4);
-    SendText(end, "\x01");
-    AwaitEnd(end);
-  });
+  server.Serve(4, Greet);
   for (const char* host : {static_cast<const char*>(nullptr), ""}) {
     for (const Connector connect_to : kConnectors) {
       const int fd = connect_to(host);
@@ -96,11 +86,7 @@ TEST(Connect, ADescriptorEndsTheWaiting) {
   const os::Handle stop(eventfd(0, EFD_CLOEXEC));
   {
     Listener server;
-    server.Serve(1, [](int end) {
-      ReceiveText(end, 4);
-      SendText(end, "\x01");
-      AwaitEnd(end);
-    });
+    server.Serve(1, Greet);
     const int fd = NC_ConnectStopN(server.host.c_str(), kHour, stop.get());
     EXPECT_GE(fd, 0);
     NC_Disconnect(fd);
@@ -140,10 +126,9 @@ TEST(Connect, IgnoresBrokenPipes) {
 }
 
 TEST(Connect, NoSocketLeft) {
-  const rlimit none = {0, 0};
   rlimit before;
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-  const rlimit low = {none.rlim_cur, before.rlim_max};
+  const rlimit low = {0, before.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
   EXPECT_EQ(NC_Connect("127.0.0.1", 1), NC_NO_SOCKET);
   EXPECT_EQ(NC_ConnectN("127.0.0.1", 1000), NC_NO_SOCKET);
@@ -152,14 +137,9 @@ TEST(Connect, NoSocketLeft) {
 
 using ReadyCall = int (*)(const char*, int*);
 
-int ReadyPlain(const char* host, int* fd) {
-  return NC_Ready(host, fd);
-}
-int ReadyWithin(const char* host, int* fd) {
-  return NC_ReadyN(host, fd, 5000);
-}
-
-constexpr ReadyCall kReadyCalls[] = {ReadyPlain, ReadyWithin};
+constexpr ReadyCall kReadyCalls[] = {
+    [](const char* host, int* fd) { return NC_Ready(host, fd); },
+    [](const char* host, int* fd) { return NC_ReadyN(host, fd, 5000); }};
 
 TEST(Ready, ReplacesTheAttemptByAGreetedConnection) {
   for (const ReadyCall ready : kReadyCalls) {
@@ -297,10 +277,7 @@ TEST(Transfer, ExactCountsOrNothing) {
 }
 
 TEST(Transfer, DeadlinesEndBothDirections) {
-  Pair pair([](int end) {
-    pollfd one = {end, 0, 0};
-    poll(&one, 1, -1);  // takes nothing, says nothing
-  });
+  Pair pair(Hold);
   EXPECT_EQ(NC_GetDeadline(pair.fd), 0);
   EXPECT_EQ(NC_SetDeadline(pair.fd, -1), -1);
   EXPECT_EQ(NC_SetDeadline(-1, 100), -1);
@@ -333,22 +310,6 @@ TEST(Transfer, TricklesEnd) {
   EXPECT_EQ(errno, ETIMEDOUT);
 }
 
-// Signals that arrive every two milliseconds while one of these lives.
-class Alarms {
- public:
-  Alarms() {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {};
-    sigaction(SIGALRM, &action, nullptr);
-    const itimerval every = {{0, 2000}, {0, 2000}};
-    setitimer(ITIMER_REAL, &every, nullptr);
-  }
-  ~Alarms() {
-    const itimerval never = {};
-    setitimer(ITIMER_REAL, &never, nullptr);
-  }
-};
-
 TEST(Transfer, SignalsEndOnlyWritesWithoutADeadline) {
   sigset_t alarms;
   sigemptyset(&alarms);
@@ -357,8 +318,7 @@ TEST(Transfer, SignalsEndOnlyWritesWithoutADeadline) {
   Pair pair([](int end) {
     usleep(40000);
     SendText(end, "12345678");
-    pollfd one = {end, 0, 0};
-    poll(&one, 1, -1);
+    Hold(end);
   });
   pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
   const Alarms ringing;

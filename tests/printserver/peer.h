@@ -42,6 +42,19 @@ inline void AwaitEnd(int fd) {
   }
 }
 
+// Take nothing and say nothing until the other side has closed.
+inline void Hold(int fd) {
+  pollfd one = {fd, 0, 0};
+  poll(&one, 1, -1);
+}
+
+// Take a client in, and what it sends until it closes.
+inline void Greet(int fd) {
+  ReceiveText(fd, 4);
+  SendText(fd, "\x01");
+  AwaitEnd(fd);
+}
+
 // Low byte first.
 inline std::string Integer(uint32_t value) {
   std::string text;

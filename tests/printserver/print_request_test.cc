@@ -33,6 +33,12 @@ class Document {
   const int fd;
 };
 
+// Sends a document under an empty ticket.
+int32_t Write(int fd, int document, int64_t size, NC_ProgressFunc progress = nullptr,
+              void* context = nullptr) {
+  return NC_WritePrintRequestN(fd, kId.data(), "", document, size, progress, context);
+}
+
 std::string Pattern(size_t size) {
   std::string text(size, 0);
   for (size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 31 + i / 256);
@@ -92,7 +98,7 @@ TEST(PrintRequest, DocumentsFromAPipeAndFromTheMiddle) {
       AwaitEnd(end);
     });
     NC_SetDeadline(pair.fd, 20000);
-    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document, size, nullptr, nullptr), 0);
+    EXPECT_EQ(Write(pair.fd, document, size), 0);
     pair.Finish();
     return received.substr(25);
   };
@@ -164,41 +170,31 @@ TEST(PrintRequest, DocumentsThatCannotBeRead) {
   for (const int fd : {shorter.fd, folder.fd, null.fd, -1}) {
     Pair pair([](int end) { AwaitEnd(end); });
     NC_SetDeadline(pair.fd, 20000);
-    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", fd, 1001, nullptr, nullptr),
-              NC_UNREADABLE)
-        << fd;
+    EXPECT_EQ(Write(pair.fd, fd, 1001), NC_UNREADABLE) << fd;
   }
 }
 
 TEST(PrintRequest, CancelWhileMovingWhileStalledAndWhileWaiting) {
   Scratch scratch;
-  const std::string content = Pattern(4 << 20);
-  const Document document(scratch.File("doc", content));
+  constexpr int64_t size = 4 << 20;
+  const Document document(scratch.File("doc", Pattern(size)));
   const struct {
     size_t taken;  // what the server takes in before it stalls
     int64_t stop_at;
-    int expected;
-  } rows[] = {
-      {0, 0, NC_CANCELLED}, {1 << 20, 1 << 20, NC_CANCELLED}, {SIZE_MAX, 4 << 20, NC_CANCELLED}};
+  } rows[] = {{0, 0}, {1 << 20, 1 << 20}, {SIZE_MAX, size}};
   for (const auto& row : rows) {
     Pair pair([&](int end) {
-      ReceiveText(end, std::min(row.taken, content.size() + 25));
-      pollfd one = {end, 0, 0};
-      poll(&one, 1, -1);
+      ReceiveText(end, std::min(row.taken, size_t{size} + 25));
+      Hold(end);
     });
     lseek(document.fd, 0, SEEK_SET);
     Watched watched;
     watched.stop_at = row.stop_at;
-    EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document.fd,
-                                    static_cast<int64_t>(content.size()), Watch, &watched),
-              row.expected);
+    EXPECT_EQ(Write(pair.fd, document.fd, size, Watch, &watched), NC_CANCELLED);
     EXPECT_EQ(fcntl(pair.fd, F_GETFL) & O_NONBLOCK, 0);
   }
   // A stalled server: the progress function is still called, and may stop it with nothing moving.
-  Pair pair([](int end) {
-    pollfd one = {end, 0, 0};
-    poll(&one, 1, -1);
-  });
+  Pair pair(Hold);
   lseek(document.fd, 0, SEEK_SET);
   struct Patience {
     int64_t last = -1;
@@ -210,29 +206,24 @@ TEST(PrintRequest, CancelWhileMovingWhileStalledAndWhileWaiting) {
     p->last = sent;
     return p->still >= 3 ? 1 : 0;
   };
-  EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document.fd,
-                                  static_cast<int64_t>(content.size()), lose_patience, &patience),
-            NC_CANCELLED);
+  EXPECT_EQ(Write(pair.fd, document.fd, size, lose_patience, &patience), NC_CANCELLED);
 }
 
 TEST(PrintRequest, ServersThatStallOrEnd) {
   Scratch scratch;
-  const std::string content = Pattern(4 << 20);
-  const Document document(scratch.File("doc", content));
+  constexpr int64_t size = 4 << 20;
+  const Document document(scratch.File("doc", Pattern(size)));
   for (const bool stall : {true, false}) {
     for (const size_t taken :
-         {size_t{0}, size_t{10}, size_t{24}, size_t{1} << 20, content.size() + 25}) {
+         {size_t{0}, size_t{10}, size_t{24}, size_t{1} << 20, size_t{size} + 25}) {
       Pair pair([&](int end) {
         ReceiveText(end, taken);
-        pollfd one = {end, 0, 0};
-        if (stall) poll(&one, 1, -1);
+        if (stall) Hold(end);
       });
       lseek(document.fd, 0, SEEK_SET);
       NC_SetDeadline(pair.fd, stall ? 30 : 20000);
       errno = 0;
-      EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "", document.fd,
-                                      static_cast<int64_t>(content.size()), nullptr, nullptr),
-                NC_ERROR);
+      EXPECT_EQ(Write(pair.fd, document.fd, size), NC_ERROR);
       if (stall) {
         EXPECT_EQ(errno, ETIMEDOUT) << taken;
       }
