@@ -6,11 +6,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
-#include "tests/support/picture.h"
-#include "tests/support/x_server.h"
+#include "tests/displays/window_picture.h"
+#include "tests/os/scratch.h"
 
 namespace {
 
@@ -50,7 +49,7 @@ class Program {
 
 Picture OnHeadless(const Example& example, const std::string& folder, const char* scale) {
   std::string file = folder + "/" + example.name + ".png";
-  std::filesystem::remove(file);
+  unlink(file.c_str());
   setenv("XW_DISPLAY", "headless", 1);
   setenv("XW_SNAPSHOT", file.c_str(), 1);
   setenv("XW_SCALE", scale, 1);
@@ -60,15 +59,6 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   EXPECT_EQ(program.End(), 0) << example.name;
   unsetenv("XW_SNAPSHOT");
   return picture;
-}
-
-Picture Crop(const support::Screenshot& screen, const support::XUser::Geometry& g) {
-  Picture p;
-  p.width = g.width;
-  p.height = g.height;
-  for (int y = g.y; y < g.y + g.height; ++y)
-    for (int x = g.x; x < g.x + g.width; ++x) p.pixels.push_back(0xFF000000u | screen.at(x, y));
-  return p;
 }
 
 // The window's picture once it equals `wanted`, or what it showed last.
@@ -84,7 +74,7 @@ Picture OnX(const Example& example, const Picture& wanted) {
   if (!window) return seen;
   support::Eventually([&] {
     if (!user.Viewable(window)) return false;
-    seen = Crop(user.Look(), user.Where(window));
+    seen = WindowPicture(user, window);
     return seen == wanted;
   });
   EXPECT_EQ(program.End(), 0) << example.name;
@@ -93,21 +83,17 @@ Picture OnX(const Example& example, const Picture& wanted) {
 
 class Examples : public testing::TestWithParam<Example> {
  protected:
-  void SetUp() override {
-    setenv("XW_FONTS", FONTS, 1);
-    char name[] = "/tmp/examples.XXXXXX";
-    folder_ = mkdtemp(name);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-  std::string folder_;
+  void SetUp() override { setenv("XW_FONTS", FONTS, 1); }
+  const Scratch scratch_;
 };
 
 TEST_P(Examples, ShowTheSameOnBothDisplays) {
-  Picture headless = OnHeadless(GetParam(), folder_, "1");
+  Picture headless = OnHeadless(GetParam(), scratch_.path(), "1");
   EXPECT_TRUE(testkit::MatchesReference(headless, PICTURES, GetParam().name));
   EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), headless)));
   std::string doubled = std::string(GetParam().name) + "-2x";
-  EXPECT_TRUE(testkit::MatchesReference(OnHeadless(GetParam(), folder_, "2"), PICTURES, doubled));
+  EXPECT_TRUE(
+      testkit::MatchesReference(OnHeadless(GetParam(), scratch_.path(), "2"), PICTURES, doubled));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Examples, testing::ValuesIn(kExamples),

@@ -7,16 +7,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
+#include "tests/displays/window_picture.h"
+#include "tests/os/scratch.h"
 #include "tests/support/script.h"
 #include "tests/support/trace.h"
 #include "tests/support/x_player.h"
-#include "tests/support/x_server.h"
 #include "toolkit/xw.h"
 
 namespace {
@@ -80,12 +80,12 @@ int Handle(int type) {
   return 0;
 }
 
-// `confirm_fd`: the end of the program waits for a byte there (X: the picture has been taken).
-[[noreturn]] void Program(const char* display, int out_fd, int confirm_fd) {
+// Headless the picture goes to `png`; on X, where there is none, the end of the program waits for a
+// byte from `confirm_fd`: the picture has been taken.
+[[noreturn]] void Program(const std::string& png, int out_fd, int confirm_fd) {
   support::WriteTraceTo(out_fd);
-  setenv("XW_DISPLAY", display, 1);
-  bool stepped = !strcmp(display, "headless");
-  if (stepped) headless::UseSteppedClock(1000);
+  setenv("XW_DISPLAY", png.empty() ? "x11" : "headless", 1);
+  if (!png.empty()) headless::UseSteppedClock(1000);
   XwSession("script", "Script", 7);
   top = XwCreate(0, 200, 200, kWidth, kHeight, Handle);
   XwSetSizes(top, 100, 100, 0, 0, 0, 0);
@@ -95,22 +95,14 @@ int Handle(int type) {
   XwShow(sub, 1);
   XwShow(top, 1);
   XwSetFocus(top);
-  if (stepped) support::StartPlaying(support::MakeScript(kScript), top, {});
+  if (!png.empty()) support::StartPlaying(support::MakeScript(kScript), top, {});
   while (XwWaitEvent(nullptr) != XWE_TIMER) {
   }
-  if (stepped) {
-    headless::Picture p = headless::TakePicture(static_cast<platform::WindowRef>(top->platform));
-    int header[2] = {p.width, p.height};
-    bool written = write(out_fd, "picture\n", 8) == 8 && write(out_fd, header, 8) == 8;
-    size_t bytes = p.pixels.size() * 4, done = 0;
-    while (written && done < bytes) {
-      ssize_t n = write(out_fd, reinterpret_cast<char*>(p.pixels.data()) + done, bytes - done);
-      if (n <= 0) break;
-      done += size_t(n);
-    }
-  } else {
-    char byte;
+  char byte;
+  if (png.empty()) {
     [[maybe_unused]] ssize_t n = read(confirm_fd, &byte, 1);
+  } else {
+    headless::WritePng(headless::TakePicture(static_cast<platform::WindowRef>(top->platform)), png);
   }
   XwDestroy(top);
   XwEndSession();
@@ -122,14 +114,14 @@ int Handle(int type) {
 
 class Child {
  public:
-  explicit Child(const char* display) {
+  explicit Child(const std::string& png) {
     int out[2], confirm[2];
     if (pipe(out) != 0 || pipe(confirm) != 0) return;
     pid_ = fork();
     if (pid_ == 0) {
       close(out[0]);
       close(confirm[1]);
-      Program(display, out[1], confirm[0]);
+      Program(png, out[1], confirm[0]);
     }
     close(out[1]);
     close(confirm[0]);
@@ -168,61 +160,34 @@ class Child {
   int out_ = -1, confirm_ = -1;
 };
 
-// What was traced, up to the picture where there is one.
-std::string Normalised(const std::string& text) {
-  return support::MergeMotions(text.substr(0, text.find("picture\n")));
-}
-
-using support::Screenshot;
-
 struct Outcome {
   std::string trace;
-  Screenshot picture;  // the content
+  testkit::Picture picture;
 };
 
 Outcome RunHeadless() {
-  Child child("headless");
+  const Scratch scratch;
+  const std::string png = scratch.At("picture.png");
+  Child child(png);
   while (child.Read(5000)) {
   }
-  Outcome o;
-  o.trace = Normalised(child.text);
-  size_t at = child.text.find("picture\n");
-  if (at == std::string::npos) return o;
-  const char* bytes = child.text.data() + at + 8;
-  int header[2];
-  memcpy(header, bytes, sizeof header);
-  int strip = platform::GetMBarHeight();
-  if (child.text.size() - at - 16 < size_t(header[0]) * size_t(header[1]) * 4) return o;
-  o.picture.width = header[0];
-  o.picture.height = header[1] - strip;
-  o.picture.pixels.resize(size_t(o.picture.width) * size_t(o.picture.height));
-  memcpy(o.picture.pixels.data(), bytes + 8 + size_t(strip) * size_t(header[0]) * 4,
-         o.picture.pixels.size() * 4);
+  Outcome o{support::MergeMotions(child.text), {}};
+  EXPECT_TRUE(testkit::LoadPng(png, &o.picture));
   return o;
 }
 
 Outcome RunX() {
-  Outcome o;
   support::XServer server;
-  if (!server.running() || !server.StartManager("openbox")) return o;
+  if (!server.running() || !server.StartManager("openbox")) return {};
   support::XUser user;
-  Child child("x11");
+  Child child("");
   xcb_window_t window = user.Find("Script");
-  if (!window) return o;
-  if (!support::Eventually([&] { return user.Focus() == window; })) return o;
+  if (!window || !support::Eventually([&] { return user.Focus() == window; })) return {};
   child.Quiet();
   if (!support::PlayOnX(support::MakeScript(kScript), user, window, platform::GetMBarHeight(),
                         [&] { child.Quiet(); }))
-    return o;
-  o.trace = Normalised(child.text);
-  auto place = user.Where(window);
-  Screenshot screen = user.Look();
-  int strip = platform::GetMBarHeight();
-  o.picture.width = place.width;
-  o.picture.height = place.height - strip;
-  for (int y = 0; y < o.picture.height; ++y)
-    for (int x = 0; x < o.picture.width; ++x)
-      o.picture.pixels.push_back(screen.at(place.x + x, place.y + strip + y));
+    return {};
+  Outcome o{support::MergeMotions(child.text), WindowPicture(user, window)};
   child.Confirm();
   while (child.Read(5000)) {
   }
@@ -234,13 +199,7 @@ TEST(SameScript, GivesTheSameTraceAndPictureOnBothDisplays) {
   ASSERT_NE(on_headless.trace.find("top 778"), std::string::npos) << on_headless.trace;
   Outcome on_x = RunX();
   EXPECT_EQ(on_headless.trace, on_x.trace);
-  ASSERT_EQ(on_headless.picture.width, on_x.picture.width);
-  ASSERT_EQ(on_headless.picture.height, on_x.picture.height);
-  ASSERT_FALSE(on_x.picture.pixels.empty());
-  size_t different = 0;
-  for (size_t i = 0; i < on_x.picture.pixels.size(); ++i)
-    different += (on_x.picture.pixels[i] & 0xFFFFFF) != (on_headless.picture.pixels[i] & 0xFFFFFF);
-  EXPECT_EQ(different, 0u);
+  EXPECT_TRUE(testkit::SamePicture(on_headless.picture, on_x.picture));
 }
 
 }  // namespace

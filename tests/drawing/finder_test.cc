@@ -1,7 +1,6 @@
 // The remembered answers of the font finder: with a home, a configuration and font folders of the
 // test's own.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 
 #include "platform/fonts/face.h"
 #include "platform/fonts/finder.h"
+#include "tests/os/scratch.h"
 #include "toolkit/xw.h"
 
 using namespace platform;
@@ -23,8 +23,6 @@ namespace {
 class Finder : public testing::Test {
  protected:
   void SetUp() override {
-    char folder[] = "/tmp/xw-finder-XXXXXX";
-    root_ = mkdtemp(folder);
     fs::create_directories(root_ / "fonts" / "deep");
     fs::create_directories(root_ / "home");
     std::ofstream(root_ / "fonts.conf")
@@ -38,7 +36,6 @@ class Finder : public testing::Test {
     unsetenv("XDG_CONFIG_HOME");
     unsetenv("XW_FONTS");
   }
-  void TearDown() override { fs::remove_all(root_); }
 
   void Install(const char* file, const char* folder) {
     fs::create_directories(root_ / folder);
@@ -56,9 +53,7 @@ class Finder : public testing::Test {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
   }
   static bool FinderLoaded() {
-    std::ifstream maps("/proc/self/maps");
-    std::string text((std::istreambuf_iterator<char>(maps)), {});
-    return text.find("libfontconfig") != std::string::npos;
+    return ReadFile("/proc/self/maps").find("libfontconfig") != std::string::npos;
   }
   // Loads a font by family and style and looks at the name that was found.
   static bool Loads(const char* family, int style, const char* name, bool asked) {
@@ -66,7 +61,8 @@ class Finder : public testing::Test {
     return std::string(f->name) == name && XwTextWidth(f, "x") > 0 && FinderLoaded() == asked;
   }
 
-  fs::path root_;
+  const Scratch scratch_;
+  const fs::path root_ = scratch_.path();
 };
 
 }  // namespace
@@ -76,10 +72,7 @@ TEST_F(Finder, WarmStartsDoNotAsk) {
     return InProcess([&] { return Loads("Quorvik Test", 3, "QuorvikTest", asked); });
   };
   EXPECT_TRUE(plain(true));
-  ASSERT_TRUE(fs::exists(Cache()));
-  struct stat info;
-  ASSERT_EQ(stat(Cache().c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0600u);
+  EXPECT_EQ(ModeOf(Cache()), 0600u);
   EXPECT_TRUE(plain(false));
   EXPECT_TRUE(InProcess([] { return Loads("Quorvik Test", 0, "QuorvikTest", false); }));
   // A name that was never asked for.
@@ -110,8 +103,7 @@ TEST_F(Finder, DamagedAnswersAreNotBelieved) {
     return InProcess([&] { return Loads("Quorvik Test", 0, "QuorvikTest", true); });
   };
   ASSERT_TRUE(plain());
-  std::ifstream in(Cache());
-  std::string good((std::istreambuf_iterator<char>(in)), {});
+  std::string good = ReadFile(Cache());
   std::string font = good.substr(good.find("nQuorvikTest\t"));
   std::string head = good.substr(0, good.size() - font.size());
   const std::string bad[] = {"",

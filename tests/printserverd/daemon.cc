@@ -200,9 +200,10 @@ void Served::StartWith(const std::string& configuration, std::vector<std::string
 }
 
 int Served::Stop(int signal) {
+  const int code = daemon.Stop(signal);
   if (fd >= 0) NC_Disconnect(fd);
   fd = -1;
-  return daemon.Stop(signal);
+  return code;
 }
 
 }  // namespace testing_daemon

@@ -81,7 +81,7 @@ class Served : public testing::Test {
   void Start(const std::vector<std::string>& arguments = {});
   // The same with a configuration.
   void StartWith(const std::string& configuration, std::vector<std::string> arguments = {});
-  // Ends the connection and the daemon; the exit code, or 128 + signal.
+  // Ends the daemon, then the connection; the exit code, or 128 + signal.
   int Stop(int signal);
 
   Daemon daemon;
