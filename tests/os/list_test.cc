@@ -254,9 +254,10 @@ TEST(ListDirN, WholeNamesAndFigures) {
   ASSERT_EQ(truncate(large.c_str(), 0x300000001), 0);
   scratch.Folder("a:b");
   scratch.File("a:b/in");
+  scratch.File(".hidden", "123");  // counts, and is not listed
   const Whole listed = ListN(scratch.path(), "*", kBoth | OS_LIST_SELF, OS_SORT_NAME);
   ASSERT_EQ(listed.names, (Names{".", "..", "a:b", "large", name}));
-  EXPECT_EQ(listed.entries[0].size, 0x300000001 + 5u);
+  EXPECT_EQ(listed.entries[0].size, 0x300000001 + 5u + 3u);
   EXPECT_TRUE(S_ISDIR(listed.entries[1].mode));
   EXPECT_EQ(listed.entries[3].size, 0x300000001u);
   EXPECT_EQ(listed.entries[4].time, 0x123456789);
