@@ -128,8 +128,13 @@ TEST_F(Hostile, ForgedEventsAndPropertiesAreSurvived) {
   ASSERT_TRUE(RunUntil([&] { return user().Viewable(target); }));
   const auto at = user().Where(target);
   user().Move(at.x + 20, at.y + at.height - 20);
-  user().Click(1);
-  EXPECT_TRUE(RunUntil([&] { return Count(kEventClassMouse, kEventMouseUp) > 0; }));
+  // A window manager that is busy may lose a click of a window that it has just been given.
+  bool heard = false;
+  for (int i = 0; i < 3 && !heard; ++i) {
+    user().Click(1);
+    heard = RunUntil([&] { return Count(kEventClassMouse, kEventMouseUp) > 0; });
+  }
+  EXPECT_TRUE(heard);
 }
 
 }  // namespace
