@@ -18,7 +18,7 @@ InputHints input_hints;
 
 namespace {
 
-constexpr int kBatch = 64;                // events between two looks at the clock
+constexpr int kBatch = 256;               // events between two looks at the clock
 constexpr int kLongestStride = 32;        // events between two looks at the coarse clock
 constexpr double kIntakePeriod = 0.001;   // raw input at most this often while events wait
 constexpr double kPresentPeriod = 0.016;  // the screen at least this often
