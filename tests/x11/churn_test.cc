@@ -9,6 +9,7 @@
 
 #include "platform/display/x11/x.h"
 #include "tests/x11/session.h"
+#include "tests/x11/turn.h"
 #include "toolkit/events/events.h"
 #include "toolkit/xw.h"
 
@@ -69,16 +70,7 @@ class Churn : public X11Test {
     return n;
   }
   static void Turn() {
-    Event e;
-    while (ReceiveNextEvent(0, &e)) {
-      Inp.type = 0;
-      if (e.cls == kToolkitEventClass) {
-        Inp = *static_cast<XwEvent*>(e.payload);
-        free(e.payload);
-      } else {
-        SendEventToEventTarget(&e, GetEventDispatcherTarget());
-      }
-      if (Inp.type != 0 && Inp.window != nullptr) Inp.window->handler(Inp.type);
+    while (TakeTurn(0)) {
     }
   }
   // Until nothing has come for a while.

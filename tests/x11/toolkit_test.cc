@@ -3,6 +3,7 @@
 
 #include "tests/x11/bus.h"
 #include "tests/x11/managed.h"
+#include "tests/x11/turn.h"
 #include "toolkit/events/events.h"
 #include "toolkit/xw.h"
 
@@ -39,22 +40,9 @@ class Toolkit : public Base {
     XwEndSession();
     Base::TearDown();
   }
-  static bool Turn(double wait) {
-    Event e;
-    if (!ReceiveNextEvent(wait, &e)) return false;
-    Inp.type = 0;
-    if (e.cls == kToolkitEventClass) {
-      Inp = *static_cast<XwEvent*>(e.payload);
-      free(e.payload);
-    } else {
-      SendEventToEventTarget(&e, GetEventDispatcherTarget());
-    }
-    if (Inp.type != 0 && Inp.window != nullptr) Inp.window->handler(Inp.type);
-    return true;
-  }
   static bool Run(const std::function<bool()>& done) {
     return support::Eventually([&] {
-      while (Turn(0)) {
+      while (TakeTurn(0)) {
       }
       return done();
     });
@@ -145,7 +133,7 @@ class Requests : public Toolkit<Bus> {
  protected:
   bool Wait(const std::function<bool()>& done) {
     for (int i = 0; i < 500; ++i) {
-      Turn(0.02);
+      TakeTurn(0.02);
       while (sd_bus_process(peer(), nullptr) > 0) {
       }
       if (done()) return true;
