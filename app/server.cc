@@ -113,10 +113,12 @@ std::string Server::News() {
   const int64_t now = MonotonicMs();
   const int quiet = s.call_began ? int((now - s.call_began) / 1000) : 0;
   if (s.change == seen_ && quiet == seen_quiet_) return "";
+  offered_ = s.state;
+  offered_change_ = s.change;
   const int64_t retry = std::max<int64_t>(0, s.retry_at - now);
   char text[100];
-  snprintf(text, sizeof text, "%s quiet %d retry %d notices %zu", DigestOf(s.state).c_str(), quiet,
-           int(retry), s.state.notices.size());
+  snprintf(text, sizeof text, "%s quiet %d retry %d notices %zu", DigestOf(offered_).c_str(), quiet,
+           int(retry), offered_.notices.size());
   return text;
 }
 
@@ -132,6 +134,7 @@ bool Server::TakeKept(const char* digest, size_t notices, ServerState* state) {
     kept.pop_front();
     seen_digest_ = DigestOf(*state);
   }
+  if (kept.empty()) seen_ = shared_->change;
   return seen_digest_ == digest && state->notices.size() >= notices;
 }
 
@@ -148,9 +151,10 @@ void Server::TakeUp(const std::string& news, ServerState* state) {
       fprintf(stderr, "replay: the server did not come to %s\n", news.c_str());
   } else {
     Locked lock(shared_.get());
-    seen_ = shared_->change;
-    *state = shared_->state;
-    shared_->state.notices.clear();
+    seen_ = offered_change_;
+    auto& all = shared_->state.notices;
+    all.erase(all.begin(), all.begin() + ptrdiff_t(offered_.notices.size()));
+    *state = std::move(offered_);
   }
   seen_quiet_ = state->quiet_s = quiet;
   state->retry_ms = retry;

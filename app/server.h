@@ -91,8 +91,8 @@ class Server {
   // Words that tell the newest state from others, when something has changed since it was last
   // taken up; else empty.
   std::string News();
-  // Takes up the state that these words tell of. Usually the newest; in a replay the worker may be
-  // ahead of it or behind, and is then waited for.
+  // Takes up the state that these words tell of. Usually that of the last News(); in a replay the
+  // worker may be ahead of it or behind, and is then waited for.
   void TakeUp(const std::string& news, ServerState* state);
   // The order's number as a transfer.
   int Send(PrintOrder order);
@@ -113,6 +113,9 @@ class Server {
   std::string host_;
   std::shared_ptr<Shared> shared_;
   Errand worker_;
+  // What the last News() told of: the worker may have published more since.
+  ServerState offered_;
+  int64_t offered_change_ = 0;
   int64_t seen_ = 0;
   int seen_quiet_ = 0;
   std::string seen_digest_;

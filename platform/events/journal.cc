@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <vector>
 
 #include "platform/events/journal_line.h"
@@ -31,6 +32,9 @@ struct Journal {
   std::vector<JournalLine> lines;
   size_t next = 0;  // to be played
   std::string program, detail;
+  // What was asked for at this moment, and how often.
+  double asked_at = -1;
+  std::map<std::string, unsigned> asked;
 };
 Journal& J() {
   static auto* journal = new Journal;
@@ -84,6 +88,10 @@ bool TimeHasCome(const JournalLine& line, double now) {
   return line.time <= now - J().start + kDigit;
 }
 
+bool TimeIsOver(const JournalLine& line, double now) {
+  return line.time < now - J().start - kDigit;
+}
+
 // Its time has come, and the timers that fired before it have fired.
 bool IsDue(const JournalLine& line, double now) {
   if (!TimeHasCome(line, now)) return false;
@@ -97,6 +105,15 @@ void Play(const JournalLine& line) {
   raw.window = line.window ? WindowOfNumber(line.window) : nullptr;
   if (raw.type == RawEvent::kOpenFile) raw.path = line.path.c_str();
   TranslateRawEvent(raw);
+}
+
+// How often it was asked for at this moment before. Where time is stepped, a program asks more than
+// once at one moment, and what has not come at the first may have come at the next.
+unsigned CountAsking(const char* what, double now) {
+  Journal& j = J();
+  if (j.asked_at != now) j.asked.clear();
+  j.asked_at = now;
+  return j.asked[what]++;
 }
 
 // Nobody else could end it: on a display whose time is stepped nothing comes any more.
@@ -189,16 +206,20 @@ double NextReplay(double now) {
 const char* TakeUp(const char* what, const char* detail) {
   Journal& j = J();
   if (journal_mode == JournalMode::kNone) return detail;
+  const double now = GetCurrentEventTime();
+  const unsigned asked = CountAsking(what, now);
   if (journal_mode == JournalMode::kRecording) {
     JournalLine line;
     line.what = what;
+    line.asked = asked;
     if (detail) line.detail = detail;
     if (detail) Write(line);
     return detail;
   }
   if (j.next >= j.lines.size()) return nullptr;
   const JournalLine& line = j.lines[j.next];
-  if (line.what != what || line.time > GetCurrentEventTime() - j.start + kDigit) return nullptr;
+  if (line.what != what || !TimeHasCome(line, now)) return nullptr;
+  if (asked < line.asked && !TimeIsOver(line, now)) return nullptr;
   j.detail = line.detail;
   ++j.next;
   return j.detail.c_str();

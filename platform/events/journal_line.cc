@@ -1,5 +1,6 @@
 #include "platform/events/journal_line.h"
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -131,8 +132,10 @@ bool IsDisplaysOwn(RawEvent::Type type) {
 
 std::string FormatJournalLine(const JournalLine& line) {
   char time[64];
-  snprintf(time, sizeof time, "%.6f%s ", line.time, line.after_timers ? "+" : "");
+  snprintf(time, sizeof time, "%.6f%s", line.time, line.after_timers || line.asked ? "+" : "");
   std::string text = time;
+  if (line.asked) text += std::to_string(line.asked);
+  text += ' ';
   if (line.take()) return text + "take " + line.what + " " + line.detail;
   text += KindName(line.raw.type);
   if (line.raw.type == RawEvent::kOpenFile) return text + " " + Escaped(line.path);
@@ -160,13 +163,17 @@ bool ParseJournalLine(const std::string& text, JournalLine* line) {
   if (!(in >> time >> kind)) return false;
   char* end = nullptr;
   line->time = strtod(time.c_str(), &end);
-  if (*end == '+') ++end, line->after_timers = true;
+  if (*end == '+') {
+    line->after_timers = true;
+    if (isdigit(uint8_t(*++end))) line->asked = unsigned(strtoul(end, &end, 10));
+  }
   if (*end || !(line->time >= 0) || line->time > 1e9) return false;
   if (kind == "take") {
     in >> line->what;
     line->detail = Rest(&in);
     return line->take();
   }
+  if (line->asked) return false;
   for (const KindRow& row : kKinds)
     if (kind == row.name) line->raw.type = row.type;
   if (line->raw.type == RawEvent::kNone) return false;

@@ -13,6 +13,7 @@ struct JournalLine {
   RawEvent raw;              // without its window; `time` since the session began
   std::string path;          // of an open request
   std::string what, detail;  // of a take
+  unsigned asked = 0;        // how often it had been asked for at that very moment before
   bool take() const { return !what.empty(); }
 };
 

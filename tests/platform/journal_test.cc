@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "platform/display/headless/headless.h"
 #include "platform/events/journal.h"
 #include "platform/events/journal_line.h"
 #include "platform/windows/windows.h"
@@ -26,6 +27,7 @@ TEST(JournalLine, ReadsWhatItWrites) {
       "3.000000 configure w2 rx=40 ry=96 w=860 h=624",
       "4.000000 open /a b/\\\\with\\nline",
       "5.000000+ take server 51f0 quiet 0",
+      "5.000000+2 take server 51f0 quiet 0",
       "6.000000 quit",
   };
   for (const char* text : kLines) {
@@ -44,6 +46,7 @@ TEST(JournalLine, RefusesWhatIsNone) {
       "1.0 press", "1.0 press w0",  "1.0 press 1",       "1.0 press w1 x",     "1.0 press w1 x=",
       "1.0 open",  "1.0 take",      "1.0 press w1 x=1y", "nan press w1",       "1.0++ press w1",
       "1e99 quit", "1.0 press w-1", "1.0 press w1 z=1",  "1.0 press w1 x=inf", "1.0 quit now",
+      "1+1 quit",  "1+- take a b",  "1++1 take a b",
   };
   for (const char* text : kFaulty) {
     JournalLine line;
@@ -86,6 +89,45 @@ TEST(Journal, AFaultyFileIsToldAndNothingBegins) {
   testing::internal::CaptureStderr();
   EXPECT_FALSE(InitPlatform("journal"));
   EXPECT_NE(testing::internal::GetCapturedStderr().find("No such file"), std::string::npos);
+  unsetenv("XW_REPLAY");
+}
+
+// A program that asks twice at one moment.
+struct Asker {
+  int ready;  // the asking at which the result has come
+  int asked = 0, taken = 0;
+};
+void Ask(EventLoopTimerRef, void* data) {
+  auto* asker = static_cast<Asker*>(data);
+  const bool ready = ++asker->asked >= asker->ready;
+  if (TakeUp("news", ready && !asker->taken ? "of the day" : nullptr)) asker->taken = asker->asked;
+}
+
+// The number of the asking that took the result up.
+int AskTwice(const char* variable, const std::string& file, int ready) {
+  setenv(variable, file.c_str(), 1);
+  EXPECT_TRUE(OpenJournal("journal"));
+  unsetenv(variable);
+  Asker asker{ready};
+  const EventLoopTimerRef timers[] = {InstallEventLoopTimer(0.1, 0, Ask, &asker),
+                                      InstallEventLoopTimer(0.1, 0, Ask, &asker)};
+  Event event;
+  while (asker.asked < 2) ReceiveNextEvent(0.05, &event);
+  for (const EventLoopTimerRef timer : timers) RemoveEventLoopTimer(timer);
+  CloseJournal();
+  return asker.taken;
+}
+
+TEST(Journal, AResultIsTakenUpAtTheSameAskingOfAMoment) {
+  setenv("XW_DISPLAY", "headless", 1);
+  headless::UseSteppedClock(1000);
+  ASSERT_TRUE(InitPlatform("journal"));
+  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  for (const int recorded : {1, 2}) {
+    EXPECT_EQ(AskTwice("XW_RECORD", file, recorded), recorded);
+    for (const int ready : {1, 2, 3}) EXPECT_EQ(AskTwice("XW_REPLAY", file, ready), recorded);
+  }
+  remove(file.c_str());
 }
 
 }  // namespace
