@@ -30,7 +30,8 @@ struct Journal {
   double start = 0;
   FILE* file = nullptr;  // recording
   std::vector<JournalLine> lines;
-  size_t next = 0;  // to be played
+  size_t next = 0;    // to be played
+  size_t played = 0;  // events that were played and may still be queued
   std::string program, detail;
   // What was asked for at this moment, and how often.
   double asked_at = -1;
@@ -190,8 +191,17 @@ void ReplayDue() {
     }
     ++j.next;
     Play(line);
+    j.played = main_event_queue.size();
   }
   if (j.next == j.lines.size()) EndReplay();
+}
+
+bool ReplayHoldsTimers() {
+  Journal& j = J();
+  if (input_hints.stepped || main_event_queue.empty()) j.played = 0;
+  if (j.played == 0) return false;
+  --j.played;
+  return true;
 }
 
 double NextReplay(double now) {

@@ -33,6 +33,10 @@ void CloseJournal();
 void TakeReport(const RawEvent& raw);
 // Replaying: passes on what is due.
 void ReplayDue();
+// Replaying on a clock that nobody steps: whether timers wait, since what was played together is
+// still being handled. Their events carry the state from when they fired, such as a button that was
+// held, and nothing fired between those lines when they were recorded.
+bool ReplayHoldsTimers();
 // Seconds until the next line is due; negative when none waits for its time.
 double NextReplay(double now);
 

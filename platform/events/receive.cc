@@ -97,7 +97,7 @@ bool Upkeep(EventQueue& queue, Event* out) {
     TakeRawEvents();
     receiver.last_intake = now;
   }
-  FireTimers(now);
+  if (!ReplayHoldsTimers()) FireTimers(now);
   if (now - receiver.last_present >= kPresentPeriod) {
     receiver.last_present = now;
     PresentWindows();

@@ -130,5 +130,33 @@ TEST(Journal, AResultIsTakenUpAtTheSameAskingOfAMoment) {
   remove(file.c_str());
 }
 
+// On a real clock timers are due all the time; none fires among what was recorded together.
+TEST(Journal, TimersWaitForWhatIsPlayedTogether) {
+  setenv("XW_DISPLAY", "headless", 1);
+  ASSERT_TRUE(InitPlatform("journal"));
+  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  const WindowRef window = CreateNewWindow(kDocumentWindowClass, 0, {100, 100, 300, 300});
+  setenv("XW_REPLAY", file.c_str(), 1);
+  std::ofstream(file) << "xw-record 1\n0.02 press w1 x=9 y=9 button=1\n"
+                         "0.02 release w1 x=9 y=9 button=1\n9 quit\n";
+  ASSERT_TRUE(OpenJournal("journal"));
+  int fired = 0, at_press = -1;
+  InstallEventLoopTimer(
+      0, 1e-6, [](EventLoopTimerRef, void* count) { ++*static_cast<int*>(count); }, &fired);
+  Event event;
+  while (event.cls != kEventClassMouse || event.kind != kEventMouseUp) {
+    ReceiveNextEvent(0.001, &event);
+    if (event.cls == kEventClassMouse && event.kind == kEventMouseDown) at_press = fired;
+    usleep(100);
+  }
+  EXPECT_GT(at_press, 0);
+  EXPECT_EQ(fired, at_press);
+  ReceiveNextEvent(0.001, &event);
+  EXPECT_GT(fired, at_press);
+  CloseJournal();
+  DisposeWindow(window);
+  remove(file.c_str());
+}
+
 }  // namespace
 }  // namespace platform
