@@ -26,23 +26,33 @@ struct Errand::State {
     std::unique_lock<std::mutex> guard(lock);
     return ended.wait_for(guard, std::chrono::milliseconds(ms), [this] { return done; });
   }
-  static std::vector<std::shared_ptr<State>>& Dropped();
-  // Takes back the threads of dropped errands that have ended.
-  static void Reap();
+};
+
+// Those that were dropped while they had a thread.
+struct Errand::Dropped {
+  std::mutex lock;
+  std::vector<std::shared_ptr<State>> all;
+
+  // Takes back the threads of those that have ended. How many still run.
+  size_t Reap() {
+    const std::lock_guard<std::mutex> guard(lock);
+    std::erase_if(all, [](const std::shared_ptr<State>& s) {
+      if (!s->WaitFor(0)) return false;
+      OS_WaitThread(s->thread);
+      return true;
+    });
+    return all.size();
+  }
+  void Add(std::shared_ptr<State> state) {
+    const std::lock_guard<std::mutex> guard(lock);
+    all.push_back(std::move(state));
+  }
 };
 
 // Kept for the life of the process: a thread may hang beyond the session.
-std::vector<std::shared_ptr<Errand::State>>& Errand::State::Dropped() {
-  static auto* dropped = new std::vector<std::shared_ptr<State>>;
+Errand::Dropped& Errand::TheDropped() {
+  static auto* dropped = new Dropped;
   return *dropped;
-}
-
-void Errand::State::Reap() {
-  std::erase_if(Dropped(), [](const std::shared_ptr<State>& s) {
-    if (!s->WaitFor(0)) return false;
-    OS_WaitThread(s->thread);
-    return true;
-  });
 }
 
 void* Errand::Run(void* argument) {
@@ -59,8 +69,7 @@ void* Errand::Run(void* argument) {
 
 Errand::Errand(std::function<void()> work) : state_(std::make_shared<State>()) {
   state_->work = std::move(work);
-  State::Reap();
-  if (State::Dropped().size() < kMostDropped) {
+  if (TheDropped().Reap() < kMostDropped) {
     auto* theirs = new std::shared_ptr<State>(state_);
     state_->thread = OS_StartThread(Run, theirs);
     if (state_->thread < 0) delete theirs;
@@ -88,20 +97,24 @@ bool Errand::WaitFor(int ms) const {
 }
 
 void Errand::Drop() {
-  if (state_ && state_->thread >= 0) State::Dropped().push_back(state_);
+  if (state_ && state_->thread >= 0) TheDropped().Add(std::move(state_));
   state_.reset();
-  State::Reap();
+  TheDropped().Reap();
 }
 
 int Errand::Settle(int ms) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
-  for (const auto& s : State::Dropped()) {
+  std::vector<std::shared_ptr<State>> all;
+  {
+    const std::lock_guard<std::mutex> guard(TheDropped().lock);
+    all = TheDropped().all;
+  }
+  for (const auto& s : all) {
     const auto left = end - std::chrono::steady_clock::now();
     s->WaitFor(
         std::max<int>(0, int(std::chrono::duration_cast<std::chrono::milliseconds>(left).count())));
   }
-  State::Reap();
-  return int(State::Dropped().size());
+  return int(TheDropped().Reap());
 }
 
 }  // namespace console

@@ -1,7 +1,8 @@
 // Work that may hang, such as on a folder of a mount that does not answer, on a thread of its own.
 //
-// Nobody waits for it longer than he chooses to. An errand that is dropped while it runs goes on
-// by itself, and its thread is taken back after it has ended; so the work owns what it touches.
+// Any thread may start one. Nobody waits for it longer than he chooses to. An errand that is
+// dropped while it runs goes on by itself, and its thread is taken back after it has ended; so the
+// work owns what it touches.
 #pragma once
 #include <functional>
 #include <memory>
@@ -32,6 +33,8 @@ class Errand {
 
  private:
   struct State;
+  struct Dropped;
+  static Dropped& TheDropped();
   static void* Run(void* state);
   std::shared_ptr<State> state_;
 };

@@ -1,23 +1,20 @@
 // Sending a file to the spool, in pieces, with progress; the lists are served meanwhile.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <cstring>
 
+#include "app/document.h"
 #include "app/server_worker.h"
 #include "printserver/nc.h"
 
 namespace console {
 namespace {
 
-constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000;
+constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000, kSliceMs = 100;
 constexpr int kMostTries = 5, kRetryMs = 1000;
 constexpr int kTicketSize = 8192;
 constexpr size_t kArrivals = 32;
-// Results of sending beside a server's status and the codes below 0.
-constexpr int kCannotOpen = 1000;
+// A result of sending beside a server's status and the codes below 0.
+constexpr int kUnread = 1000;
+constexpr char kNoAnswer[] = "the file does not answer";
 
 bool MakeTicket(const PrintOrder& order, char* ticket) {
   ticket[0] = 0;
@@ -39,7 +36,7 @@ bool Worker::NextTransfer(Transfer* out) {
   for (Transfer& t : shared_->state.transfers) {
     if (t.state != Sending::kWaiting) continue;
     t.state = Sending::kSending;
-    t.sent = t.total = 0;
+    t.sent = t.total = t.silent_s = 0;
     sending_ = t.number;
     *out = t;
     shared_->Published();
@@ -72,20 +69,27 @@ void Worker::SendNext() {
 }
 
 int Worker::SendFile(const Transfer& t, std::string* why) {
-  // Not waiting: a pipe would wait for its writer.
-  const int file = open(t.order.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  struct stat s {};
-  if (file < 0 || fstat(file, &s) != 0 || !S_ISREG(s.st_mode)) {
-    *why = file < 0 ? strerror(errno) : "not a file";
-    if (file >= 0) close(file);
-    return kCannotOpen;
+  Document document(t.order.path);
+  document_ = &document;
+  progress_ = {0, MonotonicMs()};
+  int result = kUnread;
+  while (!document.Opened(kSliceMs) && result == kUnread) {
+    if (Progress(this, 0, 0) != 0)
+      result = NC_CANCELLED;
+    else if (MonotonicMs() - progress_.at > kStallMs)
+      break;
   }
-  const int result = SendDocument(t, file, s.st_size, why);
-  close(file);
+  if (result == kUnread && document.Opened(0)) {
+    *why = document.Trouble();
+    if (why->empty()) result = SendDocument(t, document, why);
+  } else if (result == kUnread) {
+    *why = kNoAnswer;
+  }
+  document_ = nullptr;
   return result;
 }
 
-int Worker::SendDocument(const Transfer& t, int file, int64_t size, std::string* why) {
+int Worker::SendDocument(const Transfer& t, const Document& document, std::string* why) {
   char ticket[kTicketSize];
   if (!MakeTicket(t.order, ticket)) {
     *why = "the name is too long";
@@ -100,20 +104,32 @@ int Worker::SendDocument(const Transfer& t, int file, int64_t size, std::string*
   {
     Locked lock(shared_);
     for (Transfer& one : shared_->state.transfers)
-      if (one.number == t.number) one.size = size;
+      if (one.number == t.number) one.size = document.size();
   }
   int result = NC_CreateRequestID(fd, broken_.id.data()) == 1 ? 0 : NC_ERROR;
   Ended();
   if (result == 0) {
     broken_.has_id = true;
     NC_SetDeadline(fd, kStallMs);
-    result = NC_WritePrintRequestN(fd, broken_.id.data(), ticket, file, size, Progress, this);
+    result = NC_WritePrintRequestN(fd, broken_.id.data(), ticket, document.descriptor(),
+                                   document.size(), Progress, this);
+  }
+  if (result == NC_ERROR && errno == ETIMEDOUT && document.Silent()) {
+    result = kUnread;
+    *why = kNoAnswer;
   }
   Close(kFile);
   if (result == NC_BAD_REQUEST) *why = "it is too large";
-  if (result == NC_UNREADABLE) *why = "the file ended early";
+  if (result == NC_UNREADABLE) *why = document.Trouble();
   if (result >= 0 && result != NC_STATUS_DONE) *why = NC_StatusText(result);
   return result;
+}
+
+// For how long nothing has come from the document.
+int Worker::SilentSeconds(int64_t sent) {
+  const int64_t now = MonotonicMs();
+  if (sent != progress_.sent) progress_ = {sent, now};
+  return document_->Silent() ? int((now - progress_.at) / 1000) : 0;
 }
 
 int Worker::Progress(void* context, int64_t sent, int64_t total) {
@@ -122,10 +138,12 @@ int Worker::Progress(void* context, int64_t sent, int64_t total) {
   {
     Locked lock(shared);
     if (shared->stop || shared->cancelled == worker->sending_) return 1;
+    const int silent_s = worker->SilentSeconds(sent);
     for (Transfer& t : shared->state.transfers) {
-      if (t.number != worker->sending_ || t.sent == sent) continue;
+      if (t.number != worker->sending_ || (t.sent == sent && t.silent_s == silent_s)) continue;
       t.sent = sent;
       t.total = total;
+      t.silent_s = silent_s;
       shared->Published();
     }
   }

@@ -77,7 +77,11 @@ void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
       DrawWord(cell, ("not sent: " + Shown(t.text)).c_str(), l.bad);
       break;
     case Sending::kSending:
-      DrawBarAndText(cell, t.sent, t.total, "sending " + PartText(t.sent, t.total));
+      if (t.silent_s > 0)
+        DrawWord(cell, ("file: no answer for " + std::to_string(t.silent_s) + " s").c_str(),
+                 l.warning);
+      else
+        DrawBarAndText(cell, t.sent, t.total, "sending " + PartText(t.sent, t.total));
       break;
   }
 }

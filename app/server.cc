@@ -21,7 +21,7 @@ int64_t MonotonicMs() {
 namespace {
 
 constexpr int kPatienceMs = 20000;
-// Nothing that the worker waits for outlasts the wish to stop; a document's folder may hang.
+// Nothing that the worker waits for outlasts the wish to stop.
 constexpr int kStopMs = 200;
 
 // What a person would see of the state, as one number. How far a transfer has come is left out: it

@@ -40,6 +40,7 @@ struct Transfer {
   PrintOrder order;
   Sending state = Sending::kWaiting;
   int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
+  int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
   std::string text;                       // of a failed one, why
 };

@@ -10,6 +10,8 @@
 
 namespace console {
 
+class Document;
+
 class Worker {
  public:
   explicit Worker(Server::Shared* shared);
@@ -40,10 +42,11 @@ class Worker {
   void SendNext();
   bool NextTransfer(Transfer* out);
   int SendFile(const Transfer& t, std::string* why);
-  int SendDocument(const Transfer& t, int file, int64_t size, std::string* why);
+  int SendDocument(const Transfer& t, const Document& document, std::string* why);
   void Finish(int number, int result, const std::string& why);
   void Settle(int number, int result, const std::string& why);
   bool Arrived(const JobId& id);
+  int SilentSeconds(int64_t sent);
   static int Progress(void* worker, int64_t sent, int64_t total);
 
   Server::Shared* shared_;
@@ -53,7 +56,11 @@ class Worker {
   std::vector<PendingChange> finished_;
   int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
   int retry_ms_ = 0;
-  int sending_ = 0;         // number of the transfer
+  int sending_ = 0;  // number of the transfer
+  const Document* document_ = nullptr;
+  struct {
+    int64_t sent, at;  // bytes, and when there were so many of them
+  } progress_{};
   bool hold_back_ = false;  // lists are stored, and published by what follows
   // A transfer that broke off, under which id, and how often.
   struct Broken {

@@ -2,38 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <condition_variable>
 #include <filesystem>
-#include <mutex>
 
 #include "tests/app/console_fixture.h"
+#include "tests/app/gate.h"
 
 namespace console {
 namespace {
-
-// Stands before the file system: folders with "hangs" in their paths are not read before it opens.
-struct Gate {
-  std::mutex lock;
-  std::condition_variable opened;
-  bool open = false;
-  int waiting = 0;
-
-  void Pass() {
-    std::unique_lock<std::mutex> guard(lock);
-    ++waiting;
-    opened.wait(guard, [this] { return open; });
-    --waiting;
-  }
-  void Open() {
-    const std::lock_guard<std::mutex> guard(lock);
-    open = true;
-    opened.notify_all();
-  }
-  int Waiting() {
-    const std::lock_guard<std::mutex> guard(lock);
-    return waiting;
-  }
-};
 
 FolderReader::Read usual_read;
 Gate* gate;

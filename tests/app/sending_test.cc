@@ -1,7 +1,10 @@
 // Rows of the queue while what they stand for is still being sent, or has just arrived.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include "app/document.h"
 #include "tests/app/console_fixture.h"
+#include "tests/app/gate.h"
 #include "tests/app/scripted_server.h"
 
 namespace console {
@@ -92,6 +95,71 @@ TEST_F(SendingTest, AnotherSelectionStays) {
   ASSERT_TRUE(QueueIs(0, 1));
   EXPECT_EQ(c_->queue.selected(), -1);
 }
+
+// A document on a mount that does not answer, when it is opened or while it is read.
+Gate* gate;
+bool hangs_in_reading;
+const auto usual_open = Document::open_file;
+const auto usual_read = Document::read_file;
+
+int OpenBehindGate(const char* path) {
+  const bool hangs = std::string(path).find("hangs") != std::string::npos;
+  if (hangs && !hangs_in_reading) gate->Pass();
+  return usual_open(path);
+}
+ssize_t ReadBehindGate(int fd, void* data, size_t size) {
+  struct stat s {};
+  const off_t at = lseek(fd, 0, SEEK_CUR);
+  if (hangs_in_reading && fstat(fd, &s) == 0 && s.st_size == 600000 && at > 0) gate->Pass();
+  return usual_read(fd, data, size);
+}
+
+class HangingDocument : public SendingTest, public testing::WithParamInterface<bool> {
+ protected:
+  void SetUp() override {
+    SendingTest::SetUp();
+    for (const char* name : {"a.pdf", "b.pdf"}) home_.File(name, Bytes(5000));
+    for (const char* name : {"hangs 1.pdf", "hangs 2.pdf"}) home_.File(name, Bytes(600000));
+    static auto* the_gate = new Gate;
+    gate = the_gate;
+    hangs_in_reading = GetParam();
+    Document::open_file = OpenBehindGate;
+    Document::read_file = ReadBehindGate;
+  }
+  // The console is closed while one still hangs.
+  void TearDown() override {
+    SendingTest::TearDown();
+    EXPECT_GT(gate->Waiting(), 0);
+    gate->Open();
+    EXPECT_EQ(Errand::Settle(20000), 0);
+  }
+  void Print(const char* name) {
+    Click(FileRow(name));
+    Click(c_->layout.print);
+  }
+};
+
+TEST_P(HangingDocument, HoldsUpNothing) {
+  server_.Listen();
+  Open(address_);
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  Print("a.pdf");
+  ASSERT_TRUE(QueueIs(0, 1));
+  Print("hangs 1.pdf");
+  Print("b.pdf");
+  ASSERT_TRUE(QueueIs(2, 1));
+  ASSERT_TRUE(Until([&] { return c_->state.transfers[0].silent_s >= 1; }));
+  EXPECT_EQ(c_->state.transfers[0].sent > 0, hangs_in_reading);
+  Click(c_->queue.RowArea(2));
+  Click(c_->layout.hold_job);
+  ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
+  Click(c_->queue.RowArea(0));
+  Click(c_->layout.remove_job);
+  ASSERT_TRUE(QueueIs(0, 2));
+  Print("hangs 2.pdf");
+  ASSERT_TRUE(Until([&] { return gate->Waiting() == 2; }));
+}
+INSTANTIATE_TEST_SUITE_P(OpenedOrRead, HangingDocument, testing::Bool());
 
 }  // namespace
 }  // namespace console
