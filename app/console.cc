@@ -44,6 +44,7 @@ void AddAllHits(Console* c) {
   AddQueueHits(c);
   AddStatusHits(c);
   if (c->list_open) AddPrinterListHits(c);
+  if (c->asking) AddQuestionHits(c);
   c->hits.End();
 }
 
@@ -69,6 +70,8 @@ unsigned PaneOf(const Hit& hit) {
       return kPlacesPane;
     case kStatus:
       return kStatusPane;
+    case kQuestion:
+      return kAllPanes;
     default:
       return 0;
   }
@@ -102,6 +105,18 @@ void FilesChanged(Console* c) {
   c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
 }
 
+// --- Leaving
+
+[[noreturn]] void Quit(Console* c) {
+  CloseConsole(c);
+  XwEndSession();
+  exit(0);
+}
+
+void Leave(Console* c) {
+  if (AskBeforeLeaving(c)) Quit(c);
+}
+
 // --- Pointer
 
 void PressTable(Console* c, const Hit& hit, bool twice) {
@@ -125,6 +140,11 @@ void Press(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
   const bool twice = XwDoubleClick(&c->last_press);
   SetHover(c, hit);
+  if (c->asking) {
+    if (hit.owner == kQuestion) c->pressed = hit;
+    c->damage |= kAllPanes;
+    return;
+  }
   if (c->list_open) {
     if (hit.owner == kPrinterList)
       c->pressed = hit;
@@ -206,6 +226,9 @@ void Use(Console* c, const Hit& hit) {
       if (hit.part == kServer) c->server.Refresh();
       if (hit.part == kStopSending) StopSending(c);
       break;
+    case kQuestion:
+      if (GiveAnswer(c, hit.index)) Quit(c);
+      break;
     default:
       break;
   }
@@ -237,7 +260,7 @@ void Motion(Console* c) {
 
 void Scrolled(float, float dy) {
   Console* c = g_console;
-  if (!c || c->list_open) return;
+  if (!c || c->list_open || c->asking) return;
   const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
   if (files && c->files.Wheel(dy)) c->damage |= kFolderPane;
@@ -334,6 +357,10 @@ void Escape(Console* c) {
 
 void Key(Console* c, int type) {
   const int stops = int(Stop::kCount), shift = c->modifiers & XWS_SHIFT ? stops - 1 : 1;
+  if (c->asking) {
+    if (QuestionKey(c, type)) Quit(c);
+    return;
+  }
   if (c->list_open) {
     PrinterListKey(c, type);
     return;
@@ -341,7 +368,7 @@ void Key(Console* c, int type) {
   if (c->modifiers & (XWS_CONTROL | XWS_COMMAND)) {
     if (type == 'p') PrintSelected(c);
     if (type == 'r') RefreshAll(c);
-    if (type == 'q' || type == 'w') XwSendEvent(c->window, XWE_QUIT, 0, 0, 0);
+    if (type == 'q' || type == 'w') Leave(c);
     return;
   }
   if (type == XWE_TAB)
@@ -377,12 +404,7 @@ void Tick(Console* c) {
   if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
     c->damage |= kStatusPane;
   if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
-}
-
-[[noreturn]] void Quit(Console* c) {
-  CloseConsole(c);
-  XwEndSession();
-  exit(0);
+  if (MayLeaveNow(c)) Quit(c);
 }
 
 int Handle(int type) {
@@ -417,6 +439,9 @@ int Handle(int type) {
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
       break;
     case XWE_CLOSE:
+      Leave(c);
+      break;
+    // The session's end and signals do not wait for an answer.
     case XWE_QUIT:
       Quit(c);
     default:
@@ -481,6 +506,7 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 void DrawConsole(Console* c) {
   if (!c->damage) return;
   unsigned damage = c->damage;
+  if (c->asking) damage = kAllPanes;
   // What the list lies over is drawn again below it.
   if (c->list_open && damage & (kToolsPane | kFolderPane | kDetailsPane | kQueuePane))
     damage |= kToolsPane | kFolderPane | kDetailsPane | kQueuePane;
@@ -493,6 +519,7 @@ void DrawConsole(Console* c) {
   if (damage & kQueuePane) DrawQueuePane(c);
   if (damage & kStatusPane) DrawStatusPane(c);
   if (c->list_open) DrawPrinterList(c);
+  if (c->asking) DrawQuestion(c);
   AddAllHits(c);
   XwPop();
 }

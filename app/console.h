@@ -24,7 +24,8 @@ enum Owner {
   kCrumbs,
   kJobButtons,
   kPrinterList,
-  kStatus
+  kStatus,
+  kQuestion
 };
 
 // Parts of the tools.
@@ -104,6 +105,9 @@ struct Console {
   bool list_open = false;  // of printers
   int list_row = 0;
 
+  bool asking = false;  // whether to leave before everything is sent
+  int answer = 0;       // the one that has the keyboard
+
   Notice message;
   int message_ticks = 0;
   int ticks = 0;
@@ -124,6 +128,10 @@ void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
+// Whether the keyboard is there; a question has it before everything else.
+inline bool HasKeyboard(const Console* c, Stop stop) {
+  return c->stop == stop && !c->asking;
+}
 
 // --- The folder (folder_pane.cc)
 void DrawFolderPane(Console* c);
@@ -184,6 +192,17 @@ void DrawQueueCell(Console* c, int row, int column, const CellLook& cell);
 void FillQueue(Console* c);
 bool CanChange(const Console* c, JobAction action);
 void ChangeSelected(Console* c, JobAction action);
+
+// --- Leaving (leaving.cc)
+// Whether the window may close at once; else the question is shown.
+bool AskBeforeLeaving(Console* c);
+// It was asked, and nothing waits any more.
+bool MayLeaveNow(const Console* c);
+// True when the answer is to leave.
+bool GiveAnswer(Console* c, int answer);
+bool QuestionKey(Console* c, int type);
+void DrawQuestion(const Console* c);
+void AddQuestionHits(Console* c);
 
 // --- The status line (status_pane.cc)
 void DrawStatusPane(Console* c);

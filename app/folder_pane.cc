@@ -102,7 +102,7 @@ void DrawFolderPane(Console* c) {
   c->files.SetEmptyText(!c->folder.known() ? "This folder has not been read yet"
                         : trouble.empty()  ? "This folder is empty"
                                            : trouble.c_str());
-  c->files.SetFocused(c->stop == Stop::kFiles);
+  c->files.SetFocused(HasKeyboard(c, Stop::kFiles));
   DrawHead(c);
   c->files.Draw(c->hover);
 }

@@ -86,6 +86,13 @@ int32_t DrawFace(const Area& a, const ButtonState& s, int32_t ground) {
   return ink;
 }
 
+void DrawShadow(const Area& a, int radius) {
+  const Look& l = TheLook();
+  for (int i = 3; i > 0; --i)
+    XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, radius + i,
+               Mix(l.line, l.document, 40 - 10 * i), -1);
+}
+
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
   const Look& l = TheLook();
   int32_t bar = muted ? Mix(l.accent, l.track, 40) : l.accent;

@@ -52,6 +52,8 @@ int32_t DrawFace(const Area& a, const ButtonState& s, int32_t ground);
 void DrawFocusRing(const Area& a, int radius, int32_t ground);
 // A bar that is `part` of `whole` full; on a selection it keeps its own ground.
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
+// Below something round that lies over the rest.
+void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
 void DrawTick(int x, int y, int32_t ink);
 // Triangles in a field of 8 x 5.

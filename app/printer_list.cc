@@ -91,9 +91,7 @@ bool PrinterListKey(Console* c, int type) {
 void DrawPrinterList(Console* c) {
   const Look& l = TheLook();
   const Area a = ListArea(c);
-  for (int i = 3; i > 0; --i)
-    XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, 5 + i,
-               Mix(l.line, l.document, 40 - 10 * i), -1);
+  DrawShadow(a, 5);
   XwRoundBox(a.x, a.y, a.w, a.h, 5, l.document, l.line);
   const NC_Printer* chosen = ChosenPrinter(c);
   for (int i = 0; i < Rows(c); ++i) {

@@ -218,7 +218,7 @@ void DrawHead(const Console* c) {
 }  // namespace
 
 void DrawQueuePane(Console* c) {
-  c->queue.SetFocused(c->stop == Stop::kQueue);
+  c->queue.SetFocused(HasKeyboard(c, Stop::kQueue));
   c->queue.SetMuted(c->state.link != Link::kReady);
   c->queue.SetEmptyText(c->state.link == Link::kReady ? "Nothing is waiting"
                                                       : "The queue is not known yet");

@@ -32,7 +32,7 @@ void DrawPrintButton(const Console* c) {
   const Look& l = TheLook();
   Area a = c->layout.print;
   ButtonState s = StateOf(c, kPrint, CanPrint(c));
-  s.focused = c->stop == Stop::kPrint;
+  s.focused = HasKeyboard(c, Stop::kPrint);
   const int32_t ink = DrawFace(a, s, l.tool_bar);
   DrawSign(Sign::kPrinter, a.x + 10, a.y + 5, ink, l.face);
   a.TakeLeft(32);
@@ -43,7 +43,7 @@ void DrawPrinterField(const Console* c) {
   const Look& l = TheLook();
   Area a = c->layout.printer;
   ButtonState s = StateOf(c, kPrinter, !c->state.printers->empty());
-  s.focused = c->stop == Stop::kPrinter;
+  s.focused = HasKeyboard(c, Stop::kPrinter);
   s.pressed |= c->list_open;
   DrawLabel(l.normal, Align::kRight, c->layout.printer_label, "Printer", l.ink);
   const int32_t ink = DrawFace(a, s, l.tool_bar);
@@ -58,7 +58,7 @@ void DrawCopies(const Console* c) {
   const Look& l = TheLook();
   const Area field = c->layout.copies;
   DrawLabel(l.normal, Align::kRight, c->layout.copies_label, "Copies", l.ink);
-  if (c->stop == Stop::kCopies)
+  if (HasKeyboard(c, Stop::kCopies))
     DrawFocusRing({c->layout.less.x, field.y, c->layout.more.right() - c->layout.less.x, field.h},
                   4, l.tool_bar);
   DrawSignButton(c, kLess, c->layout.less, Sign::kMinus, c->choice.copies > 1);
@@ -78,7 +78,7 @@ void DrawSlider(const Console* c) {
   XwRoundBox(a.x, y - 2, a.w, 4, 2, l.track, -1);
   XwRoundBox(a.x, y - 2, x - a.x + kKnob / 2, 4, 2, l.accent, -1);
   const Area knob{x, y - 7, kKnob, kKnob};
-  if (c->stop == Stop::kPriority) DrawFocusRing(knob, 7, l.tool_bar);
+  if (HasKeyboard(c, Stop::kPriority)) DrawFocusRing(knob, 7, l.tool_bar);
   const bool held = c->pressed == Hit{kTools, kSlider, 0};
   const bool lit = c->hover == Hit{kTools, kSlider, 0};
   XwRoundBox(knob.x, knob.y, kKnob, kKnob, 7, held ? l.pressed : l.face,
@@ -92,7 +92,7 @@ void DrawHold(const Console* c) {
   Area a = c->layout.hold;
   const Area box{a.x + 1, a.y + (a.h - 14) / 2, 14, 14};
   const ButtonState s = StateOf(c, kHold, true);
-  if (c->stop == Stop::kHold) DrawFocusRing(box, 3, l.tool_bar);
+  if (HasKeyboard(c, Stop::kHold)) DrawFocusRing(box, 3, l.tool_bar);
   if (c->choice.hold) {
     XwRoundBox(box.x, box.y, 14, 14, 3, s.pressed ? l.dark_accent : l.accent, l.dark_accent);
     DrawTick(box.x - 2, box.y, l.on_accent);
