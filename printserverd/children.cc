@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "printserverd/log.h"
@@ -20,11 +21,30 @@ bool IsHarmless(std::string_view argument) {
   return argument.substr(0, 1) != "-" && std::none_of(argument.begin(), argument.end(), control);
 }
 
-// A session of its own, nothing on standard input, no blocked or ignored signals.
+// What a program gets of the environment: the daemon's own may hold anything.
+std::vector<std::string> Environment() {
+  std::vector<std::string> out = {"PATH=/usr/local/bin:/usr/bin:/bin"};
+  const auto add = [&out](const char* name, const char* otherwise) {
+    const char* value = getenv(name);
+    out.push_back(std::string(name) + "=" + (value && *value ? value : otherwise));
+  };
+  add("HOME", "/");
+  add("LANG", "C.UTF-8");
+  return out;
+}
+
+std::vector<char*> Pointers(const std::vector<std::string>& texts) {
+  std::vector<char*> out;
+  for (const std::string& text : texts) out.push_back(const_cast<char*>(text.c_str()));
+  out.push_back(nullptr);
+  return out;
+}
+
+// A session of its own, in the root folder, nothing on standard input, no descriptor but the
+// standard ones, no blocked or ignored signals.
 int Spawn(const std::vector<std::string>& arguments, pid_t* pid) {
-  std::vector<char*> argv;
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
+  const std::vector<std::string> environment = Environment();
+  const std::vector<char*> argv = Pointers(arguments), envp = Pointers(environment);
   posix_spawnattr_t attributes;
   posix_spawn_file_actions_t files;
   posix_spawnattr_init(&attributes);
@@ -37,7 +57,9 @@ int Spawn(const std::vector<std::string>& arguments, pid_t* pid) {
   posix_spawnattr_setflags(&attributes,
                            POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSID);
   posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  const int error = posix_spawn(pid, argv[0], &files, &attributes, argv.data(), environ);
+  posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+  posix_spawn_file_actions_addchdir_np(&files, "/");
+  const int error = posix_spawn(pid, argv[0], &files, &attributes, argv.data(), envp.data());
   posix_spawn_file_actions_destroy(&files);
   posix_spawnattr_destroy(&attributes);
   return error;

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 
@@ -98,24 +99,23 @@ bool ReplaceFileIn(int parent, const std::string& name, std::string_view content
   return false;
 }
 
-bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content) {
-  const Fd fd = OpenFileIn(parent, name);
-  if (!fd) return false;
-  content->resize(max + 1);
-  size_t size = 0;
-  while (size <= max) {
-    const ssize_t n = read(fd.get(), content->data() + size, max + 1 - size);
+bool ReadAll(int fd, size_t max, std::string* content) {
+  content->clear();
+  char buffer[8192];
+  while (content->size() <= max) {
+    const ssize_t n = read(fd, buffer, std::min(sizeof buffer, max + 1 - content->size()));
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) return false;
-    if (n == 0) break;
-    size += static_cast<size_t>(n);
+    if (n == 0) return true;
+    content->append(buffer, static_cast<size_t>(n));
   }
-  if (size > max) {
-    errno = EFBIG;
-    return false;
-  }
-  content->resize(size);
-  return true;
+  errno = EFBIG;
+  return false;
+}
+
+bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content) {
+  const Fd fd = OpenFileIn(parent, name);
+  return fd && ReadAll(fd.get(), max, content);
 }
 
 std::vector<std::string> NamesIn(int folder) {

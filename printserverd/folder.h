@@ -34,6 +34,10 @@ Fd CreateFileIn(int parent, const std::string& name);
 // bytes are on the disk before the rename; the folder itself is not synced.
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync);
 
+// Reads to the end of a file or a pipe. False when that fails, errno set, or when it has more than
+// `max` bytes (EFBIG); `content` is then in any state.
+bool ReadAll(int fd, size_t max, std::string* content);
+
 // The whole of a small file; false when it cannot be read or is larger than `max`.
 bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content);
 

@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
   if (options.help) {
     return fputs(HelpText(), stdout) < 0 || fflush(stdout) != 0 ? 1 : 0;
   }
-  if (!LoadSettings(options, &settings, &error)) {
+  if (!LoadSettings(options, false, &settings, &error)) {
     Log(error);
     return 2;
   }

@@ -1,5 +1,6 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -99,6 +100,28 @@ bool DefaultSpool(std::string* spool) {
   return !spool->empty();
 }
 
+// The configuration's text, from a file or, at the start, from anything that can be read to its
+// end. False with `error`.
+bool ReadConfig(const std::string& path, bool again, std::string* text, std::string* error) {
+  constexpr size_t kMaxConfig = 1 << 20;
+  // Once it serves, the daemon waits for no other end of a pipe.
+  const Fd fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | (again ? O_NONBLOCK : 0)));
+  struct stat info;
+  if (!fd || fstat(fd.get(), &info) != 0) {
+    *error = strerror(errno);
+    return false;
+  }
+  if (again && !S_ISREG(info.st_mode)) {
+    *error = "what is no regular file cannot be read again";
+    return false;
+  }
+  if (!ReadAll(fd.get(), kMaxConfig, text)) {
+    *error = errno == EFBIG ? "larger than 1 MiB" : strerror(errno);
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool ParseOptions(int argc, char** argv, Options* options, std::string* error) {
@@ -135,18 +158,11 @@ bool ParseOptions(int argc, char** argv, Options* options, std::string* error) {
   return true;
 }
 
-bool LoadSettings(const Options& options, Settings* settings, std::string* error) {
+bool LoadSettings(const Options& options, bool again, Settings* settings, std::string* error) {
   std::string text;
-  if (!options.config.empty()) {
-    constexpr size_t kMaxConfig = 1 << 20;
-    const Fd fd(open(options.config.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    text.resize(kMaxConfig + 1);
-    const ssize_t n = fd ? pread(fd.get(), text.data(), text.size(), 0) : -1;
-    if (n < 0 || n > static_cast<ssize_t>(kMaxConfig)) {
-      *error = options.config + ": " + (n < 0 ? strerror(errno) : "larger than 1 MiB");
-      return false;
-    }
-    text.resize(static_cast<size_t>(n));
+  if (!options.config.empty() && !ReadConfig(options.config, again, &text, error)) {
+    *error = options.config + ": " + *error;
+    return false;
   }
   if (!ParseSettings(text, settings, error)) {
     *error = options.config + ": " + *error;
@@ -163,24 +179,29 @@ const char* HelpText() {
          "\n"
          "Serves a print queue over its spool folder to consoles and to quorvik-print.\n"
          "\n"
-         "  --listen ADDRESS[:PORT]  IPv4 address to listen on (127.0.0.1), port (51470; 0: any)\n"
+         "  --listen ADDRESS[:PORT]  IPv4 address or localhost to listen on (127.0.0.1), port\n"
+         "                           (51470; 0: any)\n"
          "  --spool DIR              spool folder, created when missing, readable by its user "
          "only\n"
          "                           ($XDG_STATE_HOME/quorvik/spool, else\n"
          "                           ~/.local/state/quorvik/spool)\n"
-         "  --config FILE            printers, profiles, scanners, commands (none: a proof "
-         "printer\n"
-         "                           that prints to a folder of the spool)\n"
-         "  --rate BYTES             bytes a second that every printer prints; 0: without delay\n"
+         "  --config FILE            printers, profiles, scanners, commands; at most 1 MiB, a "
+         "pipe\n"
+         "                           is read to its end (none: a proof printer that prints to a\n"
+         "                           folder of the spool)\n"
+         "  --rate BYTES             bytes a second that every printer prints, K, M or G after "
+         "the\n"
+         "                           number; 0: without delay\n"
          "  --simulate FAULTS        for testing clients, separated by commas:\n"
          "      refuse               answer every greeting with a refusal\n"
          "      cut=N                end every reply and its connection after N bytes\n"
          "      stall=N              stop every reply after N bytes\n"
          "      length=N             announce N as every length, size and count\n"
          "      paper-out            printers have no paper at first and for each new job\n"
-         "  --help                   this text\n"
+         "  --help, -h               this text\n"
          "\n"
-         "SIGTERM and SIGINT end it, SIGHUP reads the configuration again.\n"
+         "A value may also follow its option after \"=\". SIGTERM and SIGINT end it, SIGHUP reads\n"
+         "the configuration again, if it is a regular file.\n"
          "Exit codes: 0 ended by a signal, 1 could not start, 2 faulty command line or\n"
          "configuration. The protocol and the configuration file: docs/protocol.md.\n";
 }

@@ -74,8 +74,10 @@ struct Options {
 // False with `error` when the command line is faulty.
 bool ParseOptions(int argc, char** argv, Options* options, std::string* error);
 
-// Reads the configuration that `options` name (the defaults when none) and applies --rate.
-bool LoadSettings(const Options& options, Settings* settings, std::string* error);
+// Reads the configuration that `options` name (the defaults when none) and applies --rate. The
+// first time it may be a pipe, which is read to its end; `again`, only a regular file. False with
+// `error`.
+bool LoadSettings(const Options& options, bool again, Settings* settings, std::string* error);
 
 // The text of --help.
 const char* HelpText();

@@ -154,7 +154,7 @@ void Server::MakePrinters() {
 void Server::Reload() {
   Settings settings;
   std::string error;
-  if (!LoadSettings(options_, &settings, &error)) {
+  if (!LoadSettings(options_, true, &settings, &error)) {
     Log(error + "; the configuration stays as it was");
     return;
   }

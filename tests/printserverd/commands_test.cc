@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <thread>
 
 #include "tests/printserverd/daemon.h"
 
@@ -308,6 +309,39 @@ TEST_F(Commands, LayoutAndScanServers) {
   EXPECT_TRUE(Jobs(fd).empty());  // the connection is in step
 }
 
+TEST_F(Commands, StartedProgramsInheritNothing) {
+  const std::string out = daemon.folder() + "/out";
+  const std::string script = daemon.WriteFile(
+      "script",
+      "#!/bin/sh\n{ tr '\\0' '\\n' < /proc/$$/environ; grep ^Sig[BI] /proc/self/status\n"
+      "ls /proc/self/fd; readlink /proc/$$/cwd; } > " +
+          out + ".new 2>&1\nmv " + out + ".new " + out + "\n");
+  chmod(script.c_str(), 0700);
+  // What the daemon itself has got from whoever started it.
+  constexpr int kOpen = 77;
+  ASSERT_EQ(dup2(STDERR_FILENO, kOpen), kOpen);
+  setenv("SECRET_OF_THE_OPERATOR", "1", 1);
+  setenv("LANG", "de_DE.UTF-8", 1);
+  signal(SIGUSR1, SIG_IGN);
+  StartWith("[server]\nlayout-command=" + script + "\n");
+  signal(SIGUSR1, SIG_DFL);
+  unsetenv("SECRET_OF_THE_OPERATOR");
+  close(kOpen);
+  EXPECT_EQ(NC_StartLayoutServer(fd), 1);
+  ASSERT_TRUE(Eventually([&] { return !ReadWhole(out).empty(); }));
+  std::string text = ReadWhole(out);
+  // The C library keeps two numbers above the signals' to itself.
+  const size_t ignored = text.find("SigIgn:\t");
+  ASSERT_NE(ignored, std::string::npos) << text;
+  EXPECT_EQ(std::stoull(text.substr(ignored + 8), nullptr, 16) & 0x7fffffff, 0U);
+  text.erase(ignored, text.find('\n', ignored) + 1 - ignored);
+  const char* home = getenv("HOME");
+  EXPECT_EQ(text,
+            "PATH=/usr/local/bin:/usr/bin:/bin\nHOME=" + std::string(home && *home ? home : "/") +
+                "\nLANG=de_DE.UTF-8\nSigBlk:\t0000000000000000\n"
+                "0\n1\n2\n3\n/\n");  // 3: the folder that ls reads
+}
+
 TEST_F(Commands, EndedJobsGo) {
   StartWith("[server]\ndone-keep=3\nspool-limit=100K\n[printer]\nname=P\nrate=0\nkeep=2\n");
   uint8_t id[16];
@@ -336,6 +370,28 @@ TEST_F(Commands, ConfigurationReadAgain) {
   daemon.WriteFile("config", "[nonsense]\n");
   daemon.Signal(SIGHUP);
   EXPECT_EQ(Printers(fd).size(), 2U);
+}
+
+TEST_F(Commands, ConfigurationFromAPipe) {
+  const std::string path = daemon.folder() + "/pipe";
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  std::string text;
+  for (int i = 0; i < 60; ++i) {
+    text += "[printer]\nname=P" + std::to_string(i) + "\n#" + std::string(3000, 'c') + "\n";
+  }
+  // More than a pipe holds, and in pieces.
+  std::thread writer([&] {
+    std::ofstream pipe(path, std::ios::binary);
+    for (size_t at = 0; at < text.size(); at += 1000) {
+      pipe.write(text.data() + at, std::min<ssize_t>(1000, text.size() - at)).flush();
+    }
+  });
+  Start({"--config", path});
+  writer.join();
+  EXPECT_EQ(Printers(fd).size(), 60U);
+  // What can be read but once stays as it was read.
+  daemon.Signal(SIGHUP);
+  EXPECT_EQ(Printers(fd).size(), 60U);
 }
 
 }  // namespace

@@ -141,6 +141,8 @@ TEST(Start, RefusesWithOneLine) {
       {{"--spool", free, "--listen", "127.0.0.1:99999"}, 2, "IPv4 address"},
       {{"--spool", free, "--config", config}, 2, "line 3: rate wants bytes a second"},
       {{"--spool", free, "--config", daemon.folder() + "/none"}, 2, "No such file"},
+      {{"--spool", free, "--config", "/dev/zero"}, 2, "larger than 1 MiB"},
+      {{"--spool", free, "--config", daemon.folder()}, 2, "Is a directory"},
       {{"--spool", free, "--simulate", "refuse,explode"}, 2, "not \"explode\""},
       {{"--spool"}, 2, "wants a value"},
       {{"print"}, 2, "unknown argument"},
