@@ -226,6 +226,48 @@ TEST(Tree, DockedWindows) {
   EXPECT_TRUE(platform::IsWindowActive(Native(main)));
 }
 
+TEST(Tree, WindowsNestAsDeepAsMemoryAllows) {
+  constexpr int kDeep = 20000;
+  Open();
+  XwWindow* main = Main();
+  std::vector<XwWindow*> chain{main};
+  for (int i = 0; i < kDeep; ++i) {
+    // Here and there another child, before the way down or after it.
+    if (i % 100 == 1) XwCreate(chain.back(), 0, 0, 5, 5, Record);
+    chain.push_back(XwCreate(chain.back(), 0, 0, 100, 100, Record));
+    if (i % 100 == 0) XwCreate(chain[size_t(i)], 0, 0, 5, 5, Record);
+    XwShow(chain.back(), 1);
+  }
+  platform::FlushEventQueue(platform::GetMainEventQueue(), free);
+  XwWindow* deepest = chain.back();
+  XwTimer(deepest, 1, 10);
+  XwPush(deepest);
+  XwFillRect(0, 0, 10, 10);
+  EXPECT_NE(deepest->context, nullptr);
+  // Whatever changes above it makes its clip anew.
+  XwMove(chain[1], 5, 5, 100, 100);
+  XwShow(chain[2], 0);
+  XwSet(deepest);
+  input::Configure(Native(main), {110, 105, 420, 315});
+  RunFor(0.001);
+  XwSet(nullptr);
+  EXPECT_EQ(deepest->context, nullptr);
+  EXPECT_EQ(IsSubWindow(main, deepest), 1);
+  XwSet(deepest);
+  GrabWindow = deepest;
+  XwDestroy(chain[kDeep / 2 + 2]);
+  EXPECT_FALSE(IsLive(deepest));
+  EXPECT_EQ(XW, nullptr);
+  EXPECT_EQ(GrabWindow, nullptr);
+  ASSERT_TRUE(IsLive(chain[kDeep / 2 + 1]));
+  EXPECT_TRUE(chain[kDeep / 2 + 1]->flags & XW_HAS_SUBWINDOWS) << "one child is left";
+  XwDestroy(chain[1]);
+  int left = 0;
+  for (XwWindow* w = W_Start; w; w = w->next) ++left;
+  EXPECT_EQ(left, 2) << "the main window and the child beside the chain";
+  EXPECT_EQ(W_End->parent, main);
+}
+
 TEST(Tree, EndingAWindowLeavesNoPointerToIt) {
   Open();
   XwWindow* main = Main();

@@ -31,10 +31,9 @@ bool Hidden(const XwWindow* w) {
 
 // Where the target's own (0, 0) lies in the window's content.
 Point Origin(const XwWindow* w) {
-  if (IsTopLevel(w)) return {0, 0};
-  if (IsSub(w)) return {w->origin_x, w->origin_y};
-  Point p = Origin(w->parent);
-  return {p.x + w->x, p.y + w->y};
+  Point p{0, 0};
+  for (; w && IsControl(w); w = w->parent) p = {p.x + w->x, p.y + w->y};
+  return w && IsSub(w) ? Point{p.x + w->origin_x, p.y + w->origin_y} : p;
 }
 
 // The target's clip in content coordinates: its clip rectangle or all of it, less its shown
@@ -120,10 +119,15 @@ void ResetFamilyClips(XwWindow* parent) {
 }
 
 void ResetClipsBelow(XwWindow* w) {
-  for (int i = 0; i < w->child_count; ++i) {
-    XwWindow* c = w->children[i];
-    if (!c) continue;
-    ResetClipMask(c);
-    ResetClipsBelow(c);
+  std::vector<XwWindow*> left{w};
+  while (!left.empty()) {
+    XwWindow* parent = left.back();
+    left.pop_back();
+    for (int i = 0; i < parent->child_count; ++i) {
+      XwWindow* c = parent->children[i];
+      if (!c) continue;
+      ResetClipMask(c);
+      if (c->child_count > 0) left.push_back(c);
+    }
   }
 }

@@ -1,5 +1,6 @@
 // Tear-down of a window and everything below it. No pointer to the window is left behind.
 #include <cstdlib>
+#include <vector>
 
 #include "platform/graphics/context.h"
 #include "toolkit/events/events.h"
@@ -11,7 +12,6 @@ using namespace platform;
 namespace {
 
 bool first_window_ended = false;
-int depth = 0;  // of destroyed windows inside each other
 
 void ReleaseInput(XwWindow* w) {
   if (GrabWindow == w) {
@@ -24,15 +24,11 @@ void ReleaseInput(XwWindow* w) {
   if (W_MenuBar == w) W_MenuBar = nullptr;
 }
 
-void DestroyChildren(XwWindow* w) {
-  for (int i = 0; i < w->child_count; ++i) XwDestroy(w->children[i]);
+void FreeContents(XwWindow* w) {
   free(w->children);
   w->children = nullptr;
   w->child_count = 0;
   w->capacity = w->free_slot = 0;
-}
-
-void FreeContents(XwWindow* w) {
   XFreebl(w->boxes);
   w->boxes = nullptr;
   if (!(w->flags & XW_DATA_NOT_OWNED)) free(w->user_data);
@@ -83,6 +79,65 @@ void EmptyRecord(XwWindow* w) {
   w->previous = previous;
 }
 
+// What comes before the children end.
+void Begin(XwWindow* w) {
+  if (w == W_Start) first_window_ended = true;
+  XwTimer(w, 0, 0);
+  for (XwTimerSlot& slot : Timers)
+    if (slot.window == w) slot.window = nullptr;
+  ResetClipMask(w->parent);
+  ReleaseInput(w);
+}
+
+// What comes after; the record itself stays.
+void Finish(XwWindow* w) {
+  FreeContents(w);
+  ForgetTarget(w);
+  EndNative(w);
+  Unlink(w);
+  LeaveParent(w);
+  if (w != W_Start) LeaveCreationList(w);
+  LeaveLive(w);
+}
+
+void FreeRecord(XwWindow* w) {
+  Trace(Subject::kWindows, "destroy");
+  if (w == W_Start)
+    EmptyRecord(w);
+  else
+    free(w);
+}
+
+// Ends everything below a window, each after its children. Windows may be nested as deep as memory
+// allows, so the way down is kept here and not on the stack.
+void DestroyBelow(XwWindow* top) {
+  struct Level {
+    XwWindow* w;
+    int next;  // child to look at
+  };
+  std::vector<Level> way{{top, 0}};
+  while (!way.empty()) {
+    Level& level = way.back();
+    if (level.next < level.w->child_count) {
+      XwWindow* child = level.w->children[level.next++];
+      if (!child || !CheckWindow(child)) continue;
+      Begin(child);
+      if (child->child_count > 0) {
+        way.push_back({child, 0});
+      } else {
+        Finish(child);
+        FreeRecord(child);
+      }
+      continue;
+    }
+    XwWindow* done = level.w;
+    way.pop_back();
+    if (way.empty()) break;
+    Finish(done);
+    FreeRecord(done);
+  }
+}
+
 }  // namespace
 
 bool FirstWindowEnded() {
@@ -91,26 +146,9 @@ bool FirstWindowEnded() {
 
 void XwDestroy(XwWindow* w) {
   if (!w || !CheckWindow(w)) return;
-  ++depth;
-  bool first = w == W_Start;
-  if (first) first_window_ended = true;
-  XwTimer(w, 0, 0);
-  for (XwTimerSlot& slot : Timers)
-    if (slot.window == w) slot.window = nullptr;
-  ResetClipMask(w->parent);
-  ReleaseInput(w);
-  DestroyChildren(w);
-  FreeContents(w);
-  ForgetTarget(w);
-  EndNative(w);
-  Unlink(w);
-  LeaveParent(w);
-  if (!first) LeaveCreationList(w);
-  LeaveLive(w);
-  if (--depth == 0) PurgeEvents();
-  Trace(Subject::kWindows, "destroy");
-  if (first)
-    EmptyRecord(w);
-  else
-    free(w);
+  Begin(w);
+  if (w->child_count > 0) DestroyBelow(w);
+  Finish(w);
+  PurgeEvents();
+  FreeRecord(w);
 }

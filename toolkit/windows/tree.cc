@@ -196,7 +196,8 @@ XwWindow* TopLevel(XwWindow* w) {
 }
 
 WindowRef NativeWindow(const XwWindow* w) {
-  const XwWindow* top = TopLevel(const_cast<XwWindow*>(w));
+  // A sub-window keeps that of its top-level window.
+  const XwWindow* top = w && IsSub(w) ? w : TopLevel(const_cast<XwWindow*>(w));
   return top ? static_cast<WindowRef>(top->platform) : nullptr;
 }
 
