@@ -72,9 +72,7 @@ class Source {
       OnProperty(*reinterpret_cast<const xcb_property_notify_event_t*>(e));
     }
   }
-
- private:
-  xcb_connection_t* c() { return user_->connection(); }
+  xcb_window_t window() const { return window_; }
   void Send(const char* type, std::vector<uint32_t> data) {
     xcb_client_message_event_t m{};
     m.response_type = XCB_CLIENT_MESSAGE;
@@ -85,6 +83,9 @@ class Source {
     xcb_send_event(c(), 0, target_, 0, reinterpret_cast<const char*>(&m));
     user_->Sync();
   }
+
+ private:
+  xcb_connection_t* c() { return user_->connection(); }
   void OnRequest(const xcb_selection_request_event_t& r) {
     xcb_selection_notify_event_t n{};
     n.response_type = XCB_SELECTION_NOTIFY;
@@ -255,6 +256,70 @@ TEST_F(Drops, ASourceThatStopsIsGivenUp) {
   ASSERT_TRUE(Answered(*late, 2));
   EXPECT_EQ(late->answers.back(), "finished 0");
   EXPECT_EQ(paths.size(), 1u);
+}
+
+// The wait of the loop ends for it: nothing else comes that could.
+TEST_F(Drops, ASilentSourceIsGivenUpWithoutAnyEvent) {
+  x11::x.drop_patience = 0.2;
+  auto give_up = [this](Source* s) {
+    s->Drop();
+    // Until it says no more.
+    ASSERT_TRUE(Run([&] { return !s->answers.empty() && s->pieces.empty(); }));
+    Event e;
+    EXPECT_FALSE(ReceiveNextEvent(1.5, &e) && e.cls == kEventClassAppleEvent);
+    // The display is not looked at any more, and it is told all the same.
+    ASSERT_TRUE(support::Eventually([&] {
+      while (auto* event = xcb_poll_for_event(user().connection())) {
+        s->Take(event);
+        free(event);
+      }
+      return s->answers.size() == 2;
+    }));
+    EXPECT_EQ(s->answers.back(), "finished 0");
+  };
+  auto silent = MakeSource();
+  silent->silent = true;
+  give_up(silent.get());
+  auto stuck = MakeSource();
+  stuck->AnswerInPieces("file:///tmp/stuck\r\nfile:///tmp/another\r\n", 4);
+  const std::vector<std::string> late(stuck->pieces.begin() + 2, stuck->pieces.end());
+  stuck->pieces.resize(2);
+  give_up(stuck.get());
+  // What it sends after all is neither opened nor kept.
+  stuck->pieces = late;
+  stuck->pieces.push_back("");
+  stuck->Put(id, user().Atom("_XW_DROP"), "text/uri-list", 8, "late", 4);
+  user().Sync();
+  ASSERT_TRUE(Run([&] { return stuck->pieces.empty(); }));
+  Run([&] { return user().Words(id, "_XW_DROP").empty(); });
+  EXPECT_EQ(user().Text(id, "_XW_DROP"), "");
+  EXPECT_TRUE(paths.empty());
+}
+
+TEST_F(Drops, ASourceThatEndsLeavesNothing) {
+  x11::x.drop_patience = 1000;
+  auto source = MakeSource();
+  source->AnswerInPieces("file:///tmp/a\r\n", 4);
+  source->pieces.resize(2);
+  source->Drop();
+  ASSERT_TRUE(Run([&] { return source->pieces.empty(); }));
+  source->Put(id, user().Atom("_XW_DROP"), "text/uri-list", 8, "half", 4);
+  source->Destroy();
+  EXPECT_TRUE(Run([&] { return user().Text(id, "_XW_DROP").empty(); }));
+  // Of one that was still hovering neither: a window that gets its number has to enter anew.
+  auto hovering = MakeSource();
+  hovering->Enter("text/uri-list");
+  ASSERT_TRUE(Answered(*hovering, 1));
+  hovering->Destroy();
+  Run([] { return true; });
+  hovering->Send("XdndDrop", {hovering->window(), 0, 0, 0, 0});
+  hovering->Send("XdndPosition", {hovering->window(), 0, 150 << 16 | 200, 0, 0});
+  auto good = MakeSource();
+  good->Answer("file:///good\r\n");
+  good->Drop();
+  ASSERT_TRUE(Answered(*good, 2));
+  EXPECT_EQ(paths, std::vector<std::string>{"/good"});
+  EXPECT_EQ(hovering->answers.size(), 1u);
 }
 
 TEST_F(Drops, EitherSideMayGoAwayInTheMiddle) {

@@ -12,7 +12,7 @@ namespace platform::x11 {
 namespace {
 
 constexpr size_t kMaxBytes = 1 << 20;  // the first file is what counts
-constexpr double kMaxSeconds = 30;     // from the drop to the last piece
+constexpr double kMaxSeconds = 30;     // from the drop to the last piece that is looked at
 
 // What is being dragged over us.
 struct Hover {
@@ -29,8 +29,24 @@ struct Transfer {
   bool in_pieces = false;
   std::string data;
   double started = 0, progress = 0;
+  EventLoopTimerRef deadline = nullptr;
 };
 Transfer transfer;
+double drained_until = 0;  // what comes of one that is over is passed over until then
+
+// The server tells when the source's window ends. What is watched for another reason stays so.
+void Watch(xcb_window_t source, bool watched) {
+  const bool others = source == XCB_NONE || source == x.screen->root ||
+                      source == x.settings_owner || FindNative(source) != nullptr;
+  if (others) return;
+  const uint32_t mask = watched ? XCB_EVENT_MASK_STRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT;
+  xcb_change_window_attributes(x.c, source, XCB_CW_EVENT_MASK, &mask);
+}
+
+void EndHover() {
+  if (hover.source != transfer.source) Watch(hover.source, false);
+  hover = Hover{};
+}
 
 bool TypesOfProperty(xcb_window_t source) {
   auto cookie = xcb_get_property(x.c, 0, source, Atom(kXdndTypeList), XCB_ATOM_ATOM, 0, 1024);
@@ -50,20 +66,37 @@ void EndTransfer(bool arrived) {
                               0, 0};
   SendClientMessage(transfer.source, transfer.source, kXdndFinished, answer, 0);
   xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
+  RemoveEventLoopTimer(transfer.deadline);
+  if (transfer.source != hover.source) Watch(transfer.source, false);
+  drained_until = transfer.started + kMaxSeconds;
   transfer = Transfer{};
   if (!done) return;
   x.paths.push_back(std::move(path));
   Emit(RawEvent::kOpenFile, nullptr);
 }
 
+// Seconds that are left for the next piece.
+double TimeLeft() {
+  return std::min(transfer.progress + x.drop_patience, transfer.started + kMaxSeconds) - Now();
+}
+
 bool Overdue() {
-  const double now = Now();
-  return now - transfer.progress > x.drop_patience || now - transfer.started > kMaxSeconds;
+  return TimeLeft() < 0;
+}
+
+// A source that falls silent sends nothing that could be found late: the loop wakes for it.
+void DeadlineHasCome(EventLoopTimerRef timer, void*) {
+  if (TimeLeft() <= 0)
+    EndTransfer(false);
+  else
+    SetEventLoopTimerNextFireTime(timer, TimeLeft());
 }
 
 void OnEnter(Native* n, const uint32_t* d) {
   const uint32_t version = d[1] >> 24;
   const bool in_property = (d[1] & 1) != 0;
+  if (hover.source != d[0]) EndHover();
+  Watch(d[0], true);
   hover.source = d[0];
   hover.target = n;
   hover.acceptable =
@@ -85,8 +118,9 @@ void OnDrop(Native* n, const uint32_t* d) {
   transfer.target = n;
   transfer.started = transfer.progress = Now();
   const bool acceptable = hover.acceptable;
-  hover = Hover{};
+  EndHover();
   if (!acceptable) return EndTransfer(false);
+  transfer.deadline = InstallEventLoopTimer(TimeLeft(), 0, DeadlineHasCome, nullptr);
   xcb_delete_property(x.c, n->id, Atom(kXwDrop));
   xcb_convert_selection(x.c, n->id, Atom(kXdndSelection), Atom(kTextUriList), Atom(kXwDrop), d[2]);
 }
@@ -107,6 +141,12 @@ bool TakeProperty(xcb_atom_t* type) {
   return true;
 }
 
+// What comes after its transfer is over does not stay with the window. A list without an end is not
+// asked on for ever.
+void PassOver(const Native& n) {
+  if (Now() < drained_until) xcb_delete_property(x.c, n.id, Atom(kXwDrop));
+}
+
 }  // namespace
 
 bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e) {
@@ -118,7 +158,7 @@ bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e) {
   } else if (e->type == Atom(kXdndDrop)) {
     OnDrop(n, d);
   } else if (e->type == Atom(kXdndLeave)) {
-    if (hover.source == d[0]) hover = Hover{};
+    if (hover.source == d[0]) EndHover();
   } else {
     return false;
   }
@@ -126,10 +166,10 @@ bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e) {
 }
 
 void HandleDropData(const xcb_selection_notify_event_t* e) {
-  if (e->selection != Atom(kXdndSelection) || transfer.target == nullptr || transfer.in_pieces ||
-      e->requestor != transfer.target->id) {
-    return;
-  }
+  const Native* n = FindNative(e->requestor);
+  if (e->selection != Atom(kXdndSelection) || n == nullptr) return;
+  if (transfer.target != n) return PassOver(*n);
+  if (transfer.in_pieces) return;
   if (e->property != Atom(kXwDrop) || Overdue()) return EndTransfer(false);
   xcb_atom_t type = XCB_ATOM_NONE;
   const bool whole = TakeProperty(&type);
@@ -139,7 +179,8 @@ void HandleDropData(const xcb_selection_notify_event_t* e) {
 
 // A piece, when the list comes in several; the empty one is the last.
 void HandleDropPiece(const Native* n) {
-  if (transfer.target != n || !transfer.in_pieces) return;
+  if (transfer.target != n) return PassOver(*n);
+  if (!transfer.in_pieces) return;
   if (Overdue()) return EndTransfer(false);
   xcb_atom_t type = XCB_ATOM_NONE;
   const size_t before = transfer.data.size();
@@ -147,8 +188,13 @@ void HandleDropPiece(const Native* n) {
   if (transfer.data.size() == before || transfer.data.size() == kMaxBytes) EndTransfer(true);
 }
 
+void HandleSourceEnd(xcb_window_t source) {
+  if (hover.source == source) hover = Hover{};
+  if (transfer.target != nullptr && transfer.source == source) EndTransfer(false);
+}
+
 void ForgetDrop(const Native* n) {
-  if (hover.target == n) hover = Hover{};
+  if (hover.target == n) EndHover();
   if (transfer.target == n) EndTransfer(false);
 }
 

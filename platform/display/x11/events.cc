@@ -155,6 +155,10 @@ void OnSelection(const xcb_generic_event_t* event) {
   HandleDropData(As<xcb_selection_notify_event_t>(event));
 }
 
+void OnDestroy(const xcb_generic_event_t* event) {
+  HandleSourceEnd(As<xcb_destroy_notify_event_t>(event)->window);
+}
+
 void OnKeyPress(const xcb_generic_event_t* e) {
   HandleKey(As<xcb_key_press_event_t>(e), true);
 }
@@ -203,6 +207,7 @@ constexpr Route kRoutes[] = {
     {XCB_MAP_NOTIFY, false, OnMap},
     {XCB_UNMAP_NOTIFY, false, OnUnmap},
     {XCB_REPARENT_NOTIFY, false, OnReparent},
+    {XCB_DESTROY_NOTIFY, false, OnDestroy},
     {XCB_CONFIGURE_NOTIFY, true, OnConfigure},
     {XCB_PROPERTY_NOTIFY, false, OnProperty},
     {XCB_SELECTION_NOTIFY, true, OnSelection},

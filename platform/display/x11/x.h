@@ -275,6 +275,8 @@ void CloseCursors();
 bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e);
 void HandleDropData(const xcb_selection_notify_event_t* e);
 void HandleDropPiece(const Native* n);
+// The window of a source is gone.
+void HandleSourceEnd(xcb_window_t source);
 void ForgetDrop(const Native* n);
 
 }  // namespace platform::x11
