@@ -78,7 +78,7 @@ void XwEndSession(void);
 extern const char* SessionName;
 extern const char* SessionTitle;
 extern int32_t OSversion; /* 0x0300 */
-/* Main screen, logical pixels; and points per millimetre (72 / 25.4, whatever the screen). */
+/* Main screen as it is now, logical pixels; and points per millimetre (72 / 25.4 on any screen). */
 extern int32_t XW_SCREENX, XW_SCREENY;
 extern double XW_SCREENRES;
 /* Selection colours, as colour values (see Drawing). */

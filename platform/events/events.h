@@ -22,6 +22,7 @@ constexpr uint32_t kEventClassAppleEvent = FourCC("eppc");
 constexpr uint32_t kEventClassCommand = FourCC("cmds");
 constexpr uint32_t kEventClassMenu = FourCC("menu");
 constexpr uint32_t kEventClassControl = FourCC("cntl");
+constexpr uint32_t kEventClassSystem = FourCC("macs");
 
 enum : uint32_t {
   kEventMouseDown = 1,
@@ -45,6 +46,7 @@ enum : uint32_t {
   kEventAppleEvent = 1,
   kEventCommandProcess = 1,
   kEventMenuOpening = 4,
+  kEventSystemDisplayReconfigured = 4,  // the main screen has another size or scale
 };
 
 // The high-level requests of the desktop (class 'eppc'), in RequestFields::id.

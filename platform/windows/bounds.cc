@@ -28,16 +28,6 @@ void MoveGroup(const Window& leader, int dx, int dy) {
   }
 }
 
-SizeLimits LimitsOf(const Window& w) {
-  SizeLimits l = w.limits;
-  if (!w.has_limits) {
-    l = {};
-    l.min_width = l.max_width = w.content.width();
-    l.min_height = l.max_height = w.content.height();
-  }
-  return l;
-}
-
 int Clamp(int v, int low, int high) {
   return std::max(low, std::min(v, std::max(low, high)));
 }
@@ -79,6 +69,17 @@ bool SameSize(const Rect& a, const Rect& b) {
 }
 
 }  // namespace
+
+SizeLimits LimitsOf(const Window& w) {
+  if (!w.has_limits) {
+    const int width = w.content.width(), height = w.content.height();
+    return {width, height, width, height, 0, 0};
+  }
+  SizeLimits l = w.limits;
+  l.max_width = std::max(l.max_width != 0 ? l.max_width : ScreenWidth(), w.widest);
+  l.max_height = std::max(l.max_height != 0 ? l.max_height : ScreenHeight(), w.tallest);
+  return l;
+}
 
 DeviceRect DeviceBounds(const Window& w) {
   double s = w.surface.scale;
@@ -142,8 +143,8 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
     SizeLimits& l = w->limits;
     l.min_width = std::min(l.min_width, content.width());
     l.min_height = std::min(l.min_height, content.height());
-    l.max_width = std::max(l.max_width, content.width());
-    l.max_height = std::max(l.max_height, content.height());
+    w->widest = std::max(w->widest, content.width());
+    w->tallest = std::max(w->tallest, content.height());
   }
   TakeBounds(w, content);
   w->refused = {};

@@ -107,8 +107,15 @@ void DisplayLost() {
 void ReadScreens() {
   Screen s;
   if (display->screens(&s, 1) <= 0) return;
+  if (main_screen.bounds == s.bounds && main_screen.scale == s.scale) return;
   main_screen = s;
+  // Figures of the screen first: the windows are told of theirs after that.
+  Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
+  e.time = GetCurrentEventTime();
+  SendEventToEventTarget(&e, GetApplicationEventTarget());
   RescaleWindows(s.scale);
+  for (WindowRef w : WindowList())
+    if (w->has_limits) display->set_hints(w);  // the screen may be its limit
 }
 
 int ScreenWidth() {

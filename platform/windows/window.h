@@ -45,7 +45,8 @@ struct Window {
   std::string title;     // UTF-8, without the mark
   bool modified = false;
   bool has_limits = false;
-  SizeLimits limits;
+  SizeLimits limits;            // as asked for; see LimitsOf
+  int widest = 0, tallest = 0;  // that the program itself has made it since
   WindowRef transient_for = nullptr;
   WindowGroup* group = nullptr;
   // --- Erasing.
@@ -71,6 +72,9 @@ struct Window {
 
 // All live windows, front first.
 std::vector<WindowRef>& WindowList();
+// The limits that hold now: the screen's size where the program set none, the window's own where it
+// has a fixed size.
+SizeLimits LimitsOf(const Window& w);
 // The window's rectangle on the screen in device pixels, strip included.
 DeviceRect DeviceBounds(const Window& w);
 // Gives the surface the size of the content, keeps the old pixels, erases what is new.

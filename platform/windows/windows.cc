@@ -158,8 +158,7 @@ void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {
 void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits) {
   if (!IsValidWindow(w)) return;
   w->limits = limits;
-  if (limits.max_width == 0) w->limits.max_width = ScreenWidth();
-  if (limits.max_height == 0) w->limits.max_height = ScreenHeight();
+  w->widest = w->tallest = 0;
   w->has_limits = true;
   Hints(w);
 }

@@ -33,6 +33,37 @@ TEST(Session, SetsItsGlobals) {
   EXPECT_STREQ(getcwd(folder, sizeof folder), "/");
 }
 
+TEST(Session, FollowsTheScreen) {
+  stage::Open();
+  XwWindow* main = stage::Main();
+  XwSetSizes(main, 50, 50, 0, 0, 0, 0);
+  const struct {
+    int width, height;
+    double scale;
+    int screen_x, screen_y;
+  } rows[] = {{1280, 1024, 2, 640, 512},
+              {1000, 500, 2, 500, 250},
+              {1000, 500, 1.5, 667, 333},
+              {1280, 1024, 1, 1280, 1024}};
+  for (const auto& row : rows) {
+    stage::input::ChangeScreen(row.width, row.height, row.scale);
+    stage::Settle();
+    EXPECT_EQ(XW_SCREENX, row.screen_x);
+    EXPECT_EQ(XW_SCREENY, row.screen_y);
+    EXPECT_EQ(main->width, 300);
+    // A window without a maximum of its own is limited by the screen as it is now.
+    stage::input::Configure(stage::Native(main), {100, 100, 1800, 1500});
+    stage::Settle();
+    EXPECT_EQ(main->width, row.screen_x);
+    EXPECT_EQ(main->height, row.screen_y);
+    XwMove(main, 100, 100, 300, 200);
+    XwWindow* whole = XwCreate(0, 0, 0, 0, 0, stage::Record);
+    EXPECT_EQ(whole->width, row.screen_x);
+    XwDestroy(whole);
+    stage::Settle();
+  }
+}
+
 TEST(Session, LoadsTheStandardFonts) {
   stage::Open();
   const struct {

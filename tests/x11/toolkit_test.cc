@@ -1,4 +1,6 @@
 // The toolkit on a real server: sizes in steps, and files that are handed to the program.
+#include <xcb/randr.h>
+
 #include <cmath>
 
 #include "tests/x11/bus.h"
@@ -125,6 +127,72 @@ TEST_F(Sizes, AStepThatIsNoWholeNumberOfPixelsIsKeptWithoutHints) {
     EXPECT_EQ(width, int(std::floor(top->width * 1.5 + 0.5)));
     EXPECT_EQ(height, int(std::floor((top->height + 24) * 1.5 + 0.5)));
   }
+}
+
+// --- The screen
+
+class Screens : public Toolkit<X11Test> {
+ protected:
+  void PublishDots(int dpi) {
+    const std::string text = "Xft.dpi:\t" + std::to_string(dpi) + "\n";
+    xcb_change_property(user().connection(), XCB_PROP_MODE_REPLACE, user().root(),
+                        XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8, uint32_t(text.size()),
+                        text.data());
+    user().Sync();
+  }
+  // The one monitor gets another mode, and the screen its size.
+  void SetMode(uint16_t width, uint16_t height) {
+    xcb_connection_t* c = user().connection();
+    const xcb_window_t root = user().root();
+    xcb_randr_mode_info_t mode{};
+    mode.width = mode.htotal = width;
+    mode.height = mode.vtotal = height;
+    const std::string name = std::to_string(width);
+    mode.name_len = uint16_t(name.size());
+    x11::Reply<xcb_randr_create_mode_reply_t> made(xcb_randr_create_mode_reply(
+        c, xcb_randr_create_mode(c, root, mode, uint32_t(name.size()), name.data()), nullptr));
+    x11::Reply<xcb_randr_get_screen_resources_reply_t> all(
+        xcb_randr_get_screen_resources_reply(c, xcb_randr_get_screen_resources(c, root), nullptr));
+    ASSERT_TRUE(made && all);
+    const xcb_randr_output_t output = *xcb_randr_get_screen_resources_outputs(all.p);
+    const xcb_randr_crtc_t crtc = *xcb_randr_get_screen_resources_crtcs(all.p);
+    xcb_randr_add_output_mode(c, output, made->mode);
+    x11::Reply<xcb_randr_set_crtc_config_reply_t> set(xcb_randr_set_crtc_config_reply(
+        c,
+        xcb_randr_set_crtc_config(c, crtc, 0, 0, 0, 0, made->mode, XCB_RANDR_ROTATION_ROTATE_0, 1,
+                                  &output),
+        nullptr));
+    ASSERT_TRUE(set && set->status == XCB_RANDR_SET_CONFIG_SUCCESS);
+    xcb_randr_set_screen_size(c, root, width, height, 200, 150);
+    user().Sync();
+  }
+  uint32_t LargestWidth() {
+    FlushWindow(nullptr);
+    const auto hints = user().Words(Id(), "WM_NORMAL_HINTS");
+    return hints.size() > 7 ? hints[7] : 0;
+  }
+};
+
+TEST_F(Screens, FiguresFollowScaleAndSize) {
+  StartServer("openbox", {});
+  Session(100, 100, 0, 0);
+  XwSetSizes(top, 50, 50, 0, 0, 0, 0);
+  EXPECT_EQ(XW_SCREENX, 1024);
+  PublishDots(192);
+  EXPECT_TRUE(Run([] { return XW_SCREENX == 512; }));
+  EXPECT_EQ(XW_SCREENY, 384);
+  EXPECT_EQ(top->width, 100);
+  SetMode(800, 600);
+  EXPECT_TRUE(Run([] { return XW_SCREENX == 400; }));
+  EXPECT_EQ(XW_SCREENY, 300);
+  EXPECT_EQ(LargestWidth(), 800u) << "the screen is the limit that it has";
+  PublishDots(96);
+  EXPECT_TRUE(Run([] { return XW_SCREENX == 800; }));
+  EXPECT_EQ(XW_SCREENY, 600);
+  XwSetSizes(top, 50, 50, 300, 0, 0, 0);
+  SetMode(640, 480);
+  EXPECT_TRUE(Run([] { return XW_SCREENX == 640; }));
+  EXPECT_EQ(LargestWidth(), 300u);
 }
 
 // --- Files and requests

@@ -152,6 +152,9 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
         return noErr;
       }
       return eventNotHandledErr;
+    case kEventClassSystem:
+      TakeScreenSize();
+      return eventNotHandledErr;
     default:
       return eventNotHandledErr;
   }

@@ -25,6 +25,8 @@ extern XwCursor* GrabCursor;
 // One line on standard error and the end of the process.
 [[noreturn]] void OutOfMemory();
 
+// Reads the figures of the main screen.
+void TakeScreenSize();
 // Null: the application's handlers.
 void InstallEventHandlers(XwWindow* w);
 platform::OSStatus EVwindow_func(platform::HandlerCall* call, platform::Event* event, void* window);

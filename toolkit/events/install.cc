@@ -35,6 +35,7 @@ constexpr EventKind kApplicationEvents[] = {
     {kEventClassApplication, kEventAppActivated},
     {kEventClassApplication, kEventAppDeactivated},
     {kEventClassCommand, kEventCommandProcess},
+    {kEventClassSystem, kEventSystemDisplayReconfigured},
 };
 
 template <int N>

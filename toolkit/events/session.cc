@@ -62,6 +62,11 @@ void LoadStandardFonts() {
 
 }  // namespace
 
+void TakeScreenSize() {
+  XW_SCREENX = ScreenWidth();
+  XW_SCREENY = ScreenHeight();
+}
+
 void OutOfMemory() {
   constexpr char kLine[] = "out of memory\n";
   [[maybe_unused]] ssize_t n = write(2, kLine, sizeof kLine - 1);
@@ -90,8 +95,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
                         kWindowGroupAttrSharedActivation | kWindowGroupAttrHideOnCollapse);
   SetWindowGroupParent(static_cast<WindowGroupRef>(XW_DockedWindowsGroup),
                        GetWindowGroupOfClass(kDocumentWindowClass));
-  XW_SCREENX = ScreenWidth();
-  XW_SCREENY = ScreenHeight();
+  TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
   LoadStandardFonts();
   InstallEventHandlers(nullptr);

@@ -34,6 +34,8 @@ void Modifiers(uint32_t modifiers);
 // --- What a desktop does to windows.
 // The user gives the window these content bounds.
 void Configure(WindowRef w, const Rect& content);
+// The screen gets this size in device pixels, and this scale.
+void ChangeScreen(int width, int height, double scale);
 void Close(WindowRef w);
 // Null: another program takes the focus.
 void Focus(WindowRef w);

@@ -162,6 +162,11 @@ void Configure(WindowRef w, const Rect& content) {
   Push(raw);
 }
 
+void ChangeScreen(int width, int height, double scale) {
+  Headless().screen = {{0, 0, width, height}, scale};
+  Push(Report(RawEvent::kScreens, nullptr));
+}
+
 void Close(WindowRef w) {
   Push(Report(RawEvent::kClose, w));
 }

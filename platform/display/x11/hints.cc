@@ -173,7 +173,7 @@ void SetSizeHints(const Native& n) {
   h.win_gravity = XCB_GRAVITY_STATIC;
   const bool fixed = !w.has_limits || (w.attributes & kWindowResizableAttribute) == 0;
   if ((w.state & kStateFullScreen) == 0) {
-    const SizeLimits& l = w.limits;
+    const SizeLimits l = LimitsOf(w);
     h.flags |= XCB_ICCCM_SIZE_HINT_P_MIN_SIZE | XCB_ICCCM_SIZE_HINT_P_MAX_SIZE;
     h.min_width = device(fixed ? width : std::min(l.min_width, width));
     h.min_height = device((fixed ? height : std::min(l.min_height, height)) + w.strip);
