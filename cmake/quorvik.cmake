@@ -23,8 +23,8 @@ function(quorvik_program name)
   target_link_libraries(${name} PRIVATE quorvik_options ${P_LIBS})
 endfunction()
 
-# quorvik_test(NAME SOURCES... [LIBS ...] [LABELS ...] [TIMEOUT seconds]): each TEST runs in a
-# process of its own, because a toolkit session is one per process.
+# quorvik_test(NAME SOURCES... [LIBS ...] [LABELS ...] [ENVIRONMENT NAME=VALUE ...] [TIMEOUT
+# seconds]): each TEST runs in a process of its own, because a toolkit session is one per process.
 function(quorvik_test name)
   cmake_parse_arguments(P "" "TIMEOUT" "LIBS;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT P_TIMEOUT)
@@ -32,17 +32,24 @@ function(quorvik_test name)
   endif()
   add_executable(${name} ${P_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE quorvik_options ${P_LIBS} test_main)
-  set(properties TIMEOUT ${P_TIMEOUT})
-  if(P_LABELS)
-    list(APPEND properties LABELS "${P_LABELS}")
-  endif()
-  if(P_ENVIRONMENT)
-    list(APPEND properties ENVIRONMENT "${P_ENVIRONMENT}")
-  endif()
   # The test ends itself with a message shortly before it is ended.
   math(EXPR seconds "${P_TIMEOUT} - 3")
   gtest_discover_tests(${name} TEST_PREFIX "${name}:" DISCOVERY_TIMEOUT 60
-    EXTRA_ARGS --seconds=${seconds} PROPERTIES ${properties})
+    EXTRA_ARGS --seconds=${seconds} PROPERTIES TIMEOUT ${P_TIMEOUT})
+  # A property that is a list would be taken apart on the way through the call above: it is set
+  # where the tests are known by name.
+  set(lists)
+  foreach(property LABELS ENVIRONMENT)
+    if(P_${property})
+      string(APPEND lists " ${property} [==[${P_${property}}]==]")
+    endif()
+  endforeach()
+  if(lists)
+    set(file ${CMAKE_CURRENT_BINARY_DIR}/${name}_lists.cmake)
+    file(WRITE ${file} "if(${name}_TESTS)\n"
+      "  set_tests_properties(\${${name}_TESTS} PROPERTIES${lists})\nendif()\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${file})
+  endif()
 endfunction()
 
 # quorvik_bench(NAME SOURCES... [LIBS ...])

@@ -28,6 +28,14 @@ TEST(Seed, ThatIsNoNumberIsRefused) {
   }
 }
 
+// As the build file gives it to this program.
+TEST(Environment, EveryEntryIsPassedOn) {
+  const char *first = getenv("KIT_FIRST"), *second = getenv("KIT_SECOND");
+  if (!first && !second) GTEST_SKIP() << "not run by the build's test driver";
+  EXPECT_STREQ(first, "one");
+  EXPECT_STREQ(second, "two words");
+}
+
 TEST(Dice, RepeatAndCoverTheirRange) {
   Dice a(7), b(7), c(8);
   EXPECT_EQ(a.Next(), b.Next());
