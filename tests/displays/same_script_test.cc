@@ -41,6 +41,11 @@ key a
 key Return
 hold F4
 release F4
+hold q             # let go of when the focus goes, and not once more when the key comes up
+unfocus
+release q
+focus
+key q
 resize 360 240
 move 200 220
 resize 280 180

@@ -39,6 +39,22 @@ void Resize(XUser& user, xcb_window_t window, int width, int height) {
   user.Sync();
 }
 
+void Focus(XUser& user, xcb_window_t window) {
+  xcb_set_input_focus(user.connection(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+  user.Sync();
+}
+
+// A window of the user's own takes the focus. No window manager has a say in it.
+void Unfocus(XUser& user) {
+  xcb_connection_t* c = user.connection();
+  const xcb_window_t other = xcb_generate_id(c);
+  const uint32_t unmanaged = 1;
+  xcb_create_window(c, 0, other, user.root(), -10, -10, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0,
+                    XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
+  xcb_map_window(c, other);
+  Focus(user, other);
+}
+
 bool Do(const Step& s, XUser& user, xcb_window_t window, int strip) {
   const XUser::Geometry place = user.Where(window);
   switch (s.verb) {
@@ -71,6 +87,12 @@ bool Do(const Step& s, XUser& user, xcb_window_t window, int strip) {
       return true;
     case Step::kClose:
       user.Ask(window, "_NET_CLOSE_WINDOW", {0, 0, 0, 0, 0});
+      return true;
+    case Step::kFocus:
+      Focus(user, window);
+      return true;
+    case Step::kUnfocus:
+      Unfocus(user);
       return true;
     default:
       return false;

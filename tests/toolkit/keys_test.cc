@@ -50,7 +50,7 @@ TEST(Keys, StatesAndRelease) {
   input::KeyDown('q');
   RunLoop();
   EXPECT_EQ(XwGetKeyState('q'), 1);
-  input::KeyDown('q', 0, true);
+  input::KeyDown('q');
   RunLoop();
   EXPECT_EQ(XwGetKeyState('q'), 2);
   input::KeyUp('q');
@@ -60,6 +60,67 @@ TEST(Keys, StatesAndRelease) {
   EXPECT_EQ(seen.back().event.value, 'q');
   EXPECT_EQ(seen[0].event.time, 1000000u);
   for (int outside : {-1, 532, 1 << 30, INT32_MIN}) EXPECT_EQ(XwGetKeyState(outside), 0);
+}
+
+TEST(Keys, AreLetGoOfWithTheFocus) {
+  Open();
+  XwWindow* main = Main();
+  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
+  Name(other, "other");
+  XwShow(other, 1);
+  XwSetFocus(main);
+  Settle();
+  input::KeyDown('b');
+  input::KeyDown('a');
+  input::Modifiers(platform::shiftKey);
+  input::Focus(nullptr);
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 98 main 97 main 777 main 800 main 800 other 769");
+  EXPECT_EQ(XwGetKeyState('a') + XwGetKeyState('b'), 0);
+  // What happens elsewhere is not seen, but for what it has come to.
+  seen.clear();
+  input::KeyUp('a');
+  input::KeyDown('c');
+  input::KeyUp('c');
+  input::Modifiers(platform::controlKey);
+  input::Focus(Native(main));
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 777");
+  EXPECT_EQ(Inp.state, unsigned{XWS_CONTROL});
+  // A key that is still down goes on as a new one; the window that has the focus when it comes up
+  // hears of that, also when there was none for a while.
+  seen.clear();
+  input::KeyDown('b');
+  XwDestroy(other);
+  XwShow(main, 0);
+  XwShow(main, 1);
+  input::KeyDown('b');
+  input::KeyDown('b');
+  RunLoop();
+  EXPECT_EQ(XwGetKeyState('b'), 2);
+  input::Focus(nullptr);
+  RunLoop();
+  EXPECT_EQ(XwGetKeyState('b'), 0);
+}
+
+// A window that ends takes its keys along; the next one hears of what came up meanwhile.
+TEST(Keys, OfAWindowThatEndedComeUpInTheNext) {
+  Open();
+  Main();
+  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
+  XwShow(other, 1);
+  Settle();
+  input::KeyDown('k');
+  RunLoop();
+  EXPECT_EQ(XwGetKeyState('k'), 1);
+  XwShow(W_Start, 0);
+  XwDestroy(other);
+  input::KeyUp('k');
+  RunLoop();
+  EXPECT_EQ(XwGetKeyState('k'), 1) << "no window has heard of it";
+  XwShow(W_Start, 1);
+  RunLoop();
+  EXPECT_EQ(XwGetKeyState('k'), 0);
 }
 
 TEST(Keys, GoToTheFocus) {

@@ -172,7 +172,7 @@ void Input() {
     case 9:
       return input::Release(Between(1, 6));
     case 10:
-      return Random(2) ? input::KeyDown(uint32_t(Between(30, 130)), 0, Random(3) == 0)
+      return Random(2) ? input::KeyDown(uint32_t(Between(30, 130)))
                        : input::KeyUp(uint32_t(Between(30, 130)));
     case 11:
       return Random(3) ? input::Scroll(float(Between(-9, 9)), float(Between(-90, 90)))

@@ -216,25 +216,6 @@ double Now() {
 
 }  // namespace
 
-void GiveFocus(WindowRef w) {
-  State& s = Headless();
-  if (s.focus == w) return;
-  RawEvent raw;
-  raw.time = Now();
-  if (s.focus) {
-    raw.type = RawEvent::kFocusOut;
-    raw.window = s.focus;
-    s.raw.push_back(raw);
-    input_hints.ReportWaits();
-  }
-  s.focus = w;
-  if (!w) return;
-  raw.type = RawEvent::kFocusIn;
-  raw.window = w;
-  s.raw.push_back(raw);
-  input_hints.ReportWaits();
-}
-
 void UseSteppedClock(double start_seconds) {
   Headless().stepped = true;
   input_hints.ClockIsStepped();

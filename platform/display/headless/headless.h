@@ -26,8 +26,9 @@ void Scroll(float dx, float dy);
 // A pen sample at the place of the pointer.
 void Pen(const TabletPoint& pen, RawEvent::Type type, int button = 0);
 
-// --- Keyboard; goes to the focused window.
-void KeyDown(uint32_t keysym, uint32_t unicode = 0, bool repeat = false);
+// --- Keyboard; goes to the focused window. A key that goes down while it is held repeats; one that
+// is not held does not come up.
+void KeyDown(uint32_t keysym, uint32_t unicode = 0);
 void KeyUp(uint32_t keysym, uint32_t unicode = 0);
 void Modifiers(uint32_t modifiers);
 
@@ -37,7 +38,7 @@ void Configure(WindowRef w, const Rect& content);
 // The screen gets this size in device pixels, and this scale.
 void ChangeScreen(int width, int height, double scale);
 void Close(WindowRef w);
-// Null: another program takes the focus.
+// Null: another program takes the focus. Keys that are held are let go of first.
 void Focus(WindowRef w);
 void Lose(WindowRef w);
 void OpenFile(const char* path);

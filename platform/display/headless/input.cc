@@ -135,20 +135,49 @@ void Pen(const TabletPoint& pen, RawEvent::Type type, int button) {
   if (raw.window) Push(raw);
 }
 
-void KeyDown(uint32_t keysym, uint32_t unicode, bool repeat) {
-  RawEvent raw = KeyReport(repeat ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode);
-  if (raw.window) Push(raw);
+void KeyDown(uint32_t keysym, uint32_t unicode) {
+  State& s = Headless();
+  if (!s.focus) return;
+  const bool held = s.held.count(keysym) != 0;
+  s.held[keysym] = {unicode, false};
+  Push(KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode));
 }
 
 void KeyUp(uint32_t keysym, uint32_t unicode) {
-  RawEvent raw = KeyReport(RawEvent::kKeyUp, keysym, unicode);
-  if (raw.window) Push(raw);
+  State& s = Headless();
+  auto key = s.held.find(keysym);
+  if (key == s.held.end()) return;
+  if (!s.focus) {
+    key->second.missed = true;
+    return;
+  }
+  s.held.erase(key);
+  Push(KeyReport(RawEvent::kKeyUp, keysym, unicode));
 }
 
 void Modifiers(uint32_t modifiers) {
-  Headless().modifiers = modifiers;
-  RawEvent raw = Report(RawEvent::kModifiers, Headless().focus);
-  if (raw.window) Push(raw);
+  State& s = Headless();
+  s.modifiers = modifiers;
+  if (!s.focus) return;
+  s.reported_modifiers = modifiers;
+  Push(Report(RawEvent::kModifiers, s.focus));
+}
+
+void GiveFocus(WindowRef w) {
+  State& s = Headless();
+  if (s.focus == w) return;
+  if (s.focus) {
+    for (const auto& [keysym, key] : s.held) Push(KeyReport(RawEvent::kKeyUp, keysym, key.unicode));
+    s.held.clear();
+    Push(Report(RawEvent::kFocusOut, s.focus));
+  }
+  s.focus = w;
+  if (!w) return;
+  Push(Report(RawEvent::kFocusIn, w));
+  for (const auto& [keysym, key] : s.held)
+    if (key.missed) Push(KeyReport(RawEvent::kKeyUp, keysym, key.unicode));
+  std::erase_if(s.held, [](const auto& entry) { return entry.second.missed; });
+  if (s.reported_modifiers != s.modifiers) Modifiers(s.modifiers);
 }
 
 void Configure(WindowRef w, const Rect& content) {

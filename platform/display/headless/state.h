@@ -1,6 +1,7 @@
 // What the files of the headless display share.
 #pragma once
 #include <deque>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,12 @@ struct State {
   int x = 0, y = 0;
   uint32_t buttons = 0, modifiers = 0;
   uint32_t reported = 0;  // buttons whose press was reported and whose release was not
+  struct Key {
+    uint32_t unicode = 0;
+    bool missed = false;  // let go when no window had the focus
+  };
+  std::map<uint32_t, Key> held;     // by symbol; a window has heard of each
+  uint32_t reported_modifiers = 0;  // to the last window that had the focus
   WindowRef pressed_in = nullptr;
   WindowRef entered = nullptr;  // the window that knows of the pointer
   WindowRef grab = nullptr;
@@ -42,7 +49,8 @@ State& Headless();
 inline NativeWindow* Native(WindowRef w) {
   return static_cast<NativeWindow*>(w->native);
 }
-// Moves the focus and reports it.
+// Moves the focus and reports it: the keys that are held are let go of in the old window, and what
+// changed while no window had it is reported to the new one.
 void GiveFocus(WindowRef w);
 
 }  // namespace platform::headless

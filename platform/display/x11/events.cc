@@ -76,7 +76,7 @@ void OnMap(const xcb_generic_event_t* event) {
 
 void OnUnmap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_unmap_notify_event_t>(event)->window)) {
-    ReleaseKeys(n, 0);
+    if (n->w->focused) ReleaseKeys(n, 0);
     LoseGrab(n);
     Emit(RawEvent::kHidden, n);
   }
