@@ -109,6 +109,19 @@ void Server::ReplyStatus(Peer* peer, Status status) {
   BeginReply(peer, std::string(&byte, 1));
 }
 
+// What answers the peer, if it is still there, once the disk is done. Until then nothing of it is
+// read, and no deadline runs.
+Answer Server::AnswerLater(Peer* peer) {
+  peer->state = PeerState::kStoring;
+  peer->deadline = INT64_MAX;
+  return [this, weak = peer->weak_from_this()](Status status) {
+    const std::shared_ptr<Peer> there = weak.lock();
+    if (!there || there->state != PeerState::kStoring) return;
+    ReplyStatus(there.get(), status);
+    Watch(there.get());
+  };
+}
+
 // `head`, then the count, then the body.
 void Server::ReplyBlock(Peer* peer, std::string head, uint32_t count,
                         std::shared_ptr<const std::string> body) {
@@ -223,12 +236,16 @@ void Server::CreateId(Peer* peer) {
 
 void Server::RemoveRequest(Peer* peer) {
   const RequestId id(reinterpret_cast<const char*>(peer->input), kIdSize);
-  ReplyStatus(peer, queue_->Remove(id));
+  queue_->Remove(id, AnswerLater(peer));
 }
 
 void Server::RemoveFile(Peer* peer) {
-  const std::string_view path = TextField(peer->input, kPath);
-  ReplyStatus(peer, StatusOf(RemoveBeneath(spool_.files.get(), path)));
+  const auto result = std::make_shared<RemoveResult>();
+  disk_->Do(
+      [result, files = spool_.files.get(), path = std::string(TextField(peer->input, kPath))] {
+        *result = RemoveBeneath(files, path);
+      },
+      [result, answer = AnswerLater(peer)] { answer(StatusOf(*result)); });
 }
 
 void Server::StartLayout(Peer* peer) {

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <memory>
+#include <thread>
 
 namespace printserverd {
 
@@ -27,6 +29,12 @@ bool MakeParents(const std::string& path) {
 mode_t TypeIn(int folder, const std::string& name) {
   struct stat info;
   return fstatat(folder, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 ? info.st_mode & S_IFMT : 0;
+}
+
+int sync_delay_ms = 0;
+
+void Dawdle() {
+  if (sync_delay_ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(sync_delay_ms));
 }
 }  // namespace
 
@@ -84,12 +92,26 @@ Fd CreateFileIn(int parent, const std::string& name) {
   return Fd(openat(parent, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
 }
 
+bool SyncFile(int fd) {
+  Dawdle();
+  return fdatasync(fd) == 0;
+}
+
+bool SyncFolder(int fd) {
+  Dawdle();
+  return fsync(fd) == 0;
+}
+
+void SlowSyncs(int ms) {
+  sync_delay_ms = ms;
+}
+
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync) {
   const std::string draft = name + ".new";
   unlinkat(parent, draft.c_str(), 0);
   Fd fd = CreateFileIn(parent, draft);
   if (!fd) return false;
-  if (WriteAll(fd.get(), content.data(), content.size()) && (!sync || fdatasync(fd.get()) == 0) &&
+  if (WriteAll(fd.get(), content.data(), content.size()) && (!sync || SyncFile(fd.get())) &&
       renameat(parent, draft.c_str(), parent, name.c_str()) == 0) {
     return true;
   }

@@ -30,6 +30,12 @@ Fd OpenFileIn(int parent, const std::string& name);
 // Creates a new file beneath `parent`, mode 0600. An entry of that name is a failure (EEXIST).
 Fd CreateFileIn(int parent, const std::string& name);
 
+// fdatasync of a file, fsync of a folder. False with errno.
+bool SyncFile(int fd);
+bool SyncFolder(int fd);
+// For tests: each of the two takes so many milliseconds longer. Set before there are threads.
+void SlowSyncs(int ms);
+
 // Replaces the file `name` as a whole: written under another name, then renamed. With `sync` the
 // bytes are on the disk before the rename; the folder itself is not synced.
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync);

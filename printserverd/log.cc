@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <mutex>
 
 #include "printserverd/folder.h"
 
@@ -18,10 +19,14 @@ void Log(const std::string& text) {
 }
 
 void LogRarely(const std::string& text) {
-  static std::chrono::steady_clock::time_point next;
-  const auto now = std::chrono::steady_clock::now();
-  if (now < next) return;
-  next = now + std::chrono::seconds(1);
+  {
+    static std::mutex mutex;
+    static std::chrono::steady_clock::time_point next;
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto now = std::chrono::steady_clock::now();
+    if (now < next) return;
+    next = now + std::chrono::seconds(1);
+  }
   Log(text);
 }
 

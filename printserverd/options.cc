@@ -45,6 +45,7 @@ bool ParseFault(std::string_view fault, Faults* faults) {
   if (name == "cut") return faults->cut = value, true;
   if (name == "stall") return faults->stall = value, true;
   if (name == "length") return faults->length = value, true;
+  if (name == "slow-disk" && value <= 60000) return faults->slow_disk = value, true;
   return false;
 }
 
@@ -52,8 +53,9 @@ bool ParseFaults(std::string_view text, Faults* faults, std::string* error) {
   while (true) {
     const size_t comma = text.find(',');
     if (!ParseFault(text.substr(0, comma), faults)) {
-      *error = "--simulate wants refuse, cut=N, stall=N, length=N or paper-out, not \"" +
-               std::string(text.substr(0, comma)) + "\"";
+      *error =
+          "--simulate wants refuse, cut=N, stall=N, length=N, slow-disk=N or paper-out, not \"" +
+          std::string(text.substr(0, comma)) + "\"";
       return false;
     }
     if (comma == std::string_view::npos) return true;
@@ -197,6 +199,7 @@ const char* HelpText() {
          "      cut=N                end every reply and its connection after N bytes\n"
          "      stall=N              stop every reply after N bytes\n"
          "      length=N             announce N as every length, size and count\n"
+         "      slow-disk=N          each sync to the disk takes N milliseconds longer\n"
          "      paper-out            printers have no paper at first and for each new job\n"
          "  --help, -h               this text\n"
          "\n"

@@ -22,9 +22,8 @@ struct Upload {
   bool ticket_whole = false;
   std::string ticket;  // at most kMaxTicket bytes
   Ticket parsed;
-  Fd document;
+  DocumentRef document;
   int64_t size = 0;
-  int64_t flushed = 0;
 };
 
 // What is being sent: head, then body, then file.
@@ -38,9 +37,18 @@ struct Reply {
   bool is_reply = true;  // false for the byte that answers the greeting
 };
 
-enum class PeerState { kGreeting, kHeader, kFields, kDocument, kReply, kLinger, kClosed };
+enum class PeerState {
+  kGreeting,
+  kHeader,
+  kFields,
+  kDocument,
+  kStoring,  // its answer waits for the disk
+  kReply,
+  kLinger,
+  kClosed,
+};
 
-struct Peer {
+struct Peer : std::enable_shared_from_this<Peer> {
   Fd fd;
   PeerState state = PeerState::kGreeting;
   uint8_t input[kMaxField];  // greeting, header or fields
@@ -50,6 +58,7 @@ struct Peer {
   Upload upload;
   Reply reply;
   bool close_after_reply = false;
+  bool paused = false;           // the disk has to catch up with its document first
   std::deque<RequestId> issued;  // ids given to this peer and not yet used
   uint32_t interest = 0;         // the epoll events that it is registered for
   int64_t deadline = 0;

@@ -1,12 +1,17 @@
 // The print queue: jobs, their tickets and their files in the spool's `jobs` folder.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "printserverd/disk.h"
 #include "printserverd/fields.h"
 #include "printserverd/folder.h"
 #include "printserverd/settings.h"
@@ -60,10 +65,26 @@ std::string JobRecord(const Job& job, bool stored);
 // Fills a job from the record of a job file; false when it is none. The id is not set.
 bool ParseJobRecord(std::string_view text, Job* job);
 
+// The document of a request that arrives. Its file is the disk's alone.
+struct Document {
+  explicit Document(RequestId of) : id(std::move(of)) {}
+  const RequestId id;
+  std::atomic<int> error{0};  // of the first thing that failed
+  size_t pending = 0;         // bytes that wait for the disk
+  Fd file;
+  int64_t size = 0, flushed = 0;
+};
+using DocumentRef = std::shared_ptr<Document>;
+
+// Called with a request's result when what it has changed is on the disk; perhaps at once.
+using Answer = std::function<void(Status)>;
+
+// What jobs are is decided at once; their files follow on the disk's thread in the same order.
 class Queue {
  public:
   // `jobs` is the folder, kept by the caller; `settings` may change under the queue.
-  Queue(int jobs, const Settings& settings) : folder_(jobs), settings_(settings) {}
+  Queue(int jobs, const Settings& settings, Disk* disk)
+      : folder_(jobs), settings_(settings), disk_(disk) {}
 
   // Takes the jobs of an earlier run from the folder and removes what was never accepted.
   void Load();
@@ -72,23 +93,25 @@ class Queue {
   Job* Find(const RequestId& id);
   const std::unordered_map<RequestId, Job>& jobs() const { return jobs_; }
 
-  // A new document of a request that arrives. Empty on failure, errno set.
-  Fd CreateDocument(const RequestId& id);
-  void DropDocument(const RequestId& id);
-  Fd OpenDocument(const Job& job);
+  // The calls for a document that arrives. A failure is seen in it later.
+  DocumentRef CreateDocument(const RequestId& id);
+  void Write(const DocumentRef& document, std::string bytes, Disk::Call done);
+  void Drop(const DocumentRef& document);
+  // How the disk's thread opens the document of a job; empty on failure, errno set.
+  std::function<Fd()> DocumentOpener(const Job& job) const;
 
   // Checks the ticket of a new job and fills in the default printer.
   Status CheckNew(Ticket* ticket);
 
-  // Makes a job of a document that is whole. When the result is kDone, document and ticket are
-  // on the disk; else the document is left to the caller.
-  Status Accept(const RequestId& id, const Ticket& ticket, int64_t size, int document);
+  // Makes a job of a document that is whole, of `size` bytes. It is in the queue once it is
+  // accepted; the document is gone otherwise.
+  void Accept(const DocumentRef& document, const Ticket& ticket, int64_t size, Answer answer);
 
-  // Applies the record `text` to a job. kDone when the changed job is on the disk.
-  Status Change(Job* job, std::string_view text);
+  // Applies the record `text` to a job, after what others want to change in the same one.
+  void Change(const RequestId& id, std::string text, Answer answer);
 
   // Removes the job with its files.
-  Status Remove(const RequestId& id);
+  void Remove(const RequestId& id, Answer answer);
 
   // The job is at its printer no more.
   void Finish(Job* job, JobState state, std::string_view text);
@@ -112,15 +135,30 @@ class Queue {
   void AddBytes(int64_t n) { bytes_ += n; }
 
  private:
+  struct Wish {
+    std::string text;
+    Answer answer;
+  };
   bool LoadJob(const std::string& name);
-  bool Store(const Job& job, bool sync);
+  void DropDocument(const RequestId& id);
+  // Writes a job's record; `done` is told whether it is on the disk. Null: without waiting for it.
+  void Store(const Job& job, std::function<void(bool)> done);
   bool MakeRoom();
+  void Accepted(const Job& job, bool stored, const Answer& answer);
+  Status Changed(const Job& job, std::string_view text, Job* changed);
+  void NextChange(RequestId id);
+  void StoreChange(const RequestId& id, const Job& changed);
+  bool ChangeStored(const RequestId& id, const std::string& record, bool stored);
+  void EndChange(const RequestId& id, Status status);
   void Forget(const RequestId& id);
   Status CheckNames(const Ticket& ticket) const;
 
   int folder_;
   const Settings& settings_;
+  Disk* disk_;
   std::unordered_map<RequestId, Job> jobs_;
+  std::unordered_map<RequestId, std::deque<Wish>> changing_;  // the first of each is being stored
+  size_t accepting_ = 0;                                      // jobs that are being stored
   int64_t last_number_ = 0;
   int64_t bytes_ = 0;
   uint64_t generation_ = 1;

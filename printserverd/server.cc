@@ -57,6 +57,8 @@ void Server::Run() {
         TakeSignals();
       } else if (source == &listener_) {
         AcceptPeers();
+      } else if (source == disk_.get()) {
+        disk_->RunDone();
       } else {
         Serve(static_cast<Peer*>(source), events[i].events);
       }
@@ -115,7 +117,7 @@ void Server::AcceptPeers() {
       if (full && !EvictPeer()) return;
       continue;
     }
-    auto peer = std::make_unique<Peer>();
+    auto peer = std::make_shared<Peer>();
     epoll_event event{};
     event.events = peer->interest = EPOLLIN;
     event.data.ptr = peer.get();
@@ -140,7 +142,8 @@ bool Server::EvictPeer() {
 }
 
 void Server::Drop(Peer* peer) {
-  DropUpload(peer);
+  DropUpload(&peer->upload);
+  peer->upload = Upload();
   peer->reply = Reply();
   peer->issued.clear();
   peer->fd.Reset();
@@ -161,7 +164,8 @@ void Server::Serve(Peer* peer, uint32_t events) {
   }
   size_t budget = kBytesATurn;
   bool moving = true;
-  while (moving && peer->state != PeerState::kClosed && budget > 0) {
+  while (moving && peer->state != PeerState::kClosed && peer->state != PeerState::kStoring &&
+         budget > 0) {
     moving = peer->state == PeerState::kReply ? Send(peer) : Receive(peer, &budget);
   }
   if (peer->state != PeerState::kClosed) Watch(peer);
@@ -170,6 +174,7 @@ void Server::Serve(Peer* peer, uint32_t events) {
 void Server::Watch(Peer* peer) {
   uint32_t wanted = EPOLLIN;
   if (peer->state == PeerState::kReply) wanted = peer->reply.stalled ? 0U : uint32_t{EPOLLOUT};
+  if (peer->state == PeerState::kStoring || peer->paused) wanted = 0;
   if (wanted == peer->interest) return;
   epoll_event event{};
   event.events = peer->interest = wanted;
@@ -188,6 +193,11 @@ void Server::Progress(Peer* peer, int64_t bytes, int64_t enough, int64_t window_
 // Takes bytes in, never more than the present step wants, so that nothing is left over. False when
 // there are none now.
 bool Server::Receive(Peer* peer, size_t* budget) {
+  if (MustPause(*peer)) {
+    peer->paused = true;
+    paused_.push_back(peer->weak_from_this());
+    return false;
+  }
   const bool streams = peer->state == PeerState::kDocument || peer->state == PeerState::kLinger;
   void* to = streams ? static_cast<void*>(buffer_.data()) : peer->input + peer->have;
   size_t want = streams ? buffer_.size() : peer->need - peer->have;
@@ -323,7 +333,8 @@ void Server::Linger(Peer* peer) {
 void Server::Sweep() {
   next_sweep_ = now_ + kSweepMs;
   for (const auto& peer : peers_) {
-    if (peer->state != PeerState::kClosed && now_ >= peer->deadline) Drop(peer.get());
+    const bool waits = peer->state != PeerState::kClosed && !peer->paused;
+    if (waits && now_ >= peer->deadline) Drop(peer.get());
   }
   queue_->Prune(time(nullptr));
 }

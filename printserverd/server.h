@@ -1,4 +1,5 @@
-// The server: one thread, one epoll set, every peer with deadlines and caps.
+// The server: one thread and one epoll set for the peers, each with deadlines and caps; beside it
+// the disk's thread.
 #pragma once
 
 #include <sys/types.h>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "printserverd/children.h"
+#include "printserverd/disk.h"
 #include "printserverd/folder.h"
 #include "printserverd/peer.h"
 #include "printserverd/printer.h"
@@ -79,6 +81,7 @@ class Server {
   void ProfileList(Peer* peer);
   void BeginReply(Peer* peer, std::string head, std::shared_ptr<const std::string> body = nullptr);
   void ReplyStatus(Peer* peer, Status status);
+  Answer AnswerLater(Peer* peer);
   void ReplyBlock(Peer* peer, std::string head, uint32_t count,
                   std::shared_ptr<const std::string> body);
   std::shared_ptr<const std::string> QueueText();
@@ -89,11 +92,14 @@ class Server {
   void TicketComplete(Upload* upload);
   void StoreDocument(Upload* upload, std::string_view bytes);
   void EndUpload(Peer* peer);
-  void DropUpload(Peer* peer);
+  bool MustPause(const Peer& peer) const;
+  void Written(size_t bytes);
+  void DropUpload(Upload* upload);
 
   Options options_;
   Settings settings_;
   Spool spool_;
+  std::unique_ptr<Disk> disk_;
   std::unique_ptr<Queue> queue_;
   std::vector<std::unique_ptr<Printer>> printers_;
   Child layout_{"layout server"};
@@ -101,8 +107,10 @@ class Server {
   Fd listener_;
   Fd signals_;
   Fd epoll_;
-  std::list<std::unique_ptr<Peer>> peers_;  // closed ones go at the end of the turn
+  std::list<std::shared_ptr<Peer>> peers_;  // closed ones go at the end of the turn
   size_t open_peers_ = 0;
+  size_t unwritten_ = 0;  // bytes of documents that wait for the disk
+  std::vector<std::weak_ptr<Peer>> paused_;
   size_t max_peers_ = 0;
   int64_t now_ = 0;  // milliseconds of a steady clock, once a turn of the loop
   int64_t next_sweep_ = 0;

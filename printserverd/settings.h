@@ -60,6 +60,7 @@ struct Faults {
   std::optional<uint32_t> cut;
   std::optional<uint32_t> stall;
   std::optional<uint32_t> length;
+  uint32_t slow_disk = 0;  // milliseconds
 };
 
 struct Options {

@@ -65,7 +65,8 @@ Server::Server(const Options& options, Settings settings)
     : options_(options), settings_(std::move(settings)), buffer_(1 << 18) {}
 
 Server::~Server() {
-  for (const auto& peer : peers_) DropUpload(peer.get());
+  for (const auto& peer : peers_) DropUpload(&peer->upload);
+  disk_.reset();  // what was asked of it is done first
 }
 
 bool Server::OpenSpool(std::string* error) {
@@ -121,6 +122,8 @@ bool Server::WatchSignals() {
   event.events = EPOLLIN;
   event.data.ptr = &signals_;
   if (epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, signals_.get(), &event) != 0) return false;
+  event.data.ptr = disk_.get();
+  if (epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, disk_->fd(), &event) != 0) return false;
   event.data.ptr = &listener_;
   return epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, listener_.get(), &event) == 0;
 }
@@ -139,8 +142,8 @@ void Server::MakePrinters() {
       (*found)->Set(wanted);
       printers_.push_back(std::move(*found));
     } else {
-      printers_.push_back(
-          std::make_unique<Printer>(wanted, spool_.printed.get(), options_.faults.paper_out));
+      printers_.push_back(std::make_unique<Printer>(wanted, spool_.printed.get(), disk_.get(),
+                                                    options_.faults.paper_out));
       printers_.back()->CleanUp();
     }
   }
@@ -166,11 +169,13 @@ void Server::Reload() {
 bool Server::Start(std::string* error) {
   max_peers_ = PeersAllowed();
   if (!OpenSpool(error) || !Listen(error)) return false;
-  if (!WatchSignals()) {
+  SlowSyncs(static_cast<int>(options_.faults.slow_disk));
+  disk_ = std::make_unique<Disk>();
+  if (!disk_->Start() || !WatchSignals()) {
     *error = strerror(errno);
     return false;
   }
-  queue_ = std::make_unique<Queue>(spool_.jobs.get(), settings_);
+  queue_ = std::make_unique<Queue>(spool_.jobs.get(), settings_, disk_.get());
   queue_->Load();
   MakePrinters();
   Log("listening on " + TextOf(options_.listen) + ", spool " + options_.spool + ", printers: " +

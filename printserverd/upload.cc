@@ -1,18 +1,14 @@
 // Print requests as they arrive: the ticket is kept and checked, the document goes to the disk.
-#include <fcntl.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
-#include "printserverd/log.h"
 #include "printserverd/server.h"
 
 namespace printserverd {
 
 namespace {
-// The disk is set to work while the rest arrives, so that the sync at the end is short.
-constexpr int64_t kFlushEach = 8 << 20;
+// What waits for the disk of one document, and of all.
+constexpr size_t kMaxPending = 1 << 20;
+constexpr size_t kMaxUnwritten = 32 << 20;
 }  // namespace
 
 void Server::TakeUpload(Peer* peer, const char* bytes, size_t count) {
@@ -52,9 +48,6 @@ void Server::TicketComplete(Upload* upload) {
   if (upload->status == Status::kDone) upload->status = queue_->CheckNew(&upload->parsed);
   if (upload->status != Status::kDone) return;
   upload->document = queue_->CreateDocument(upload->id);
-  if (upload->document) return;
-  LogRarely(std::string("cannot store a document: ") + strerror(errno));
-  upload->status = Status::kStorage;
 }
 
 void Server::StoreDocument(Upload* upload, std::string_view bytes) {
@@ -64,49 +57,72 @@ void Server::StoreDocument(Upload* upload, std::string_view bytes) {
     upload->status = Status::kWrongState;
   } else if (queue_->bytes() + count > settings_.spool_limit) {
     upload->status = Status::kTooLarge;
-  } else if (!WriteAll(upload->document.get(), bytes.data(), bytes.size())) {
-    LogRarely(std::string("cannot store a document: ") + strerror(errno));
+  } else if (upload->document->error != 0) {
     upload->status = Status::kStorage;
   } else {
     upload->size += count;
     queue_->AddBytes(count);
-    if (upload->size - upload->flushed >= kFlushEach) {
-      sync_file_range(upload->document.get(), upload->flushed, upload->size - upload->flushed,
-                      SYNC_FILE_RANGE_WRITE);
-      upload->flushed = upload->size;
+    unwritten_ += bytes.size();
+    queue_->Write(upload->document, std::string(bytes),
+                  [this, size = bytes.size()] { Written(size); });
+  }
+}
+
+// Whether the peer sends faster than the disk writes.
+bool Server::MustPause(const Peer& peer) const {
+  if (peer.state != PeerState::kDocument) return false;
+  const DocumentRef& document = peer.upload.document;
+  return unwritten_ >= kMaxUnwritten || (document && document->pending >= kMaxPending);
+}
+
+void Server::Written(size_t bytes) {
+  unwritten_ -= bytes;
+  std::vector<std::weak_ptr<Peer>> paused = std::move(paused_);
+  paused_.clear();
+  for (const std::weak_ptr<Peer>& weak : paused) {
+    const std::shared_ptr<Peer> peer = weak.lock();
+    if (!peer || peer->state != PeerState::kDocument) continue;
+    if (MustPause(*peer)) {
+      paused_.push_back(weak);
+      continue;
     }
+    peer->paused = false;
+    peer->window = 0;
+    peer->deadline = now_ + kDocumentMs;
+    Watch(peer.get());
   }
 }
 
 void Server::EndUpload(Peer* peer) {
-  Upload& upload = peer->upload;
-  Status status = upload.status;
-  if (status == Status::kDone && upload.changes) {
-    // The job may have gone while the ticket came.
-    Job* job = queue_->Find(upload.id);
-    status = job ? queue_->Change(job, upload.ticket) : Status::kUnknownId;
-  } else if (status == Status::kDone) {
-    status = upload.ticket_whole
-                 ? queue_->Accept(upload.id, upload.parsed, upload.size, upload.document.get())
-                 : Status::kBadTicket;
+  Upload upload = std::move(peer->upload);
+  peer->upload = Upload();
+  if (upload.status == Status::kDone && !upload.ticket_whole && !upload.changes) {
+    upload.status = Status::kBadTicket;
   }
-  if (status == Status::kDone && !upload.changes) {
-    auto& issued = peer->issued;
-    issued.erase(std::remove(issued.begin(), issued.end(), upload.id), issued.end());
-    upload = Upload();
+  if (upload.status != Status::kDone) {
+    DropUpload(&upload);
+    return ReplyStatus(peer, upload.status);
   }
-  DropUpload(peer);
-  ReplyStatus(peer, status);
+  const Answer answer = AnswerLater(peer);
+  // A job that is to be changed may have gone while the ticket came.
+  if (upload.changes) return queue_->Change(upload.id, std::move(upload.ticket), answer);
+  queue_->Accept(upload.document, upload.parsed, upload.size,
+                 [weak = peer->weak_from_this(), id = upload.id, answer](Status status) {
+                   const std::shared_ptr<Peer> there = weak.lock();
+                   if (there && status == Status::kDone) {
+                     auto& issued = there->issued;
+                     issued.erase(std::remove(issued.begin(), issued.end(), id), issued.end());
+                   }
+                   answer(status);
+                 });
 }
 
 // What has arrived of a request that was not accepted goes.
-void Server::DropUpload(Peer* peer) {
-  Upload& upload = peer->upload;
-  if (upload.document) {
-    queue_->DropDocument(upload.id);
-    queue_->AddBytes(-upload.size);
-  }
-  upload = Upload();
+void Server::DropUpload(Upload* upload) {
+  if (!upload->document) return;
+  queue_->Drop(upload->document);
+  queue_->AddBytes(-upload->size);
+  upload->document.reset();
 }
 
 }  // namespace printserverd

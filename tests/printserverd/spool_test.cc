@@ -1,6 +1,7 @@
 // What the spool keeps: sizes, restarts, requests by the thousand, and how the daemon starts.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -116,6 +117,86 @@ TEST_F(Spool, RestartInTheMiddle) {
     whole += ReadWhole(daemon.Path("printed/p/" + name)) == std::string(1 << 20, 'p');
   }
   EXPECT_EQ(whole, 1);
+}
+
+bool Answered(int fd) {
+  pollfd one = {fd, POLLIN, 0};
+  return poll(&one, 1, 0) != 0;
+}
+
+// Sends a request but does not wait for its answer.
+void Ask(int fd, char code, const void* id, const std::string& data) {
+  ASSERT_EQ(NC_SendCommand(fd, static_cast<uint8_t>(code)), 4);
+  ASSERT_EQ(NC_Write(fd, id, NC_ID_SIZE), NC_ID_SIZE);
+  if (code == 3) {
+    const auto size = static_cast<int32_t>(data.size());
+    ASSERT_EQ(NC_Write(fd, &size, 4), 4);
+    ASSERT_EQ(NC_Write(fd, data.data(), size), size);
+  }
+}
+
+int AnswerOf(int fd) {
+  uint8_t status = 0;
+  return NC_Read(fd, &status, 1) == 1 ? status : -1;
+}
+
+TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
+  Start({"--simulate", "slow-disk=700"});
+  uint8_t id[NC_ID_SIZE];
+  const int storing = daemon.Connect();
+  ASSERT_EQ(NC_CreateRequestID(storing, id), 1);
+  Ask(storing, 3, id, "hold=1\n\n" + std::string(3 << 20, 'd'));
+  // Another one is greeted and served meanwhile, and does not see what is not stored yet.
+  const int other = daemon.Connect();
+  EXPECT_TRUE(Jobs(other).empty());
+  EXPECT_EQ(Printers(other).size(), 1U);
+  EXPECT_FALSE(Answered(storing));
+  EXPECT_EQ(AnswerOf(storing), NC_STATUS_DONE);
+  EXPECT_EQ(JobOf(other, id).size, 3 << 20);
+  // Changes of one job come one after another, and none is lost.
+  Ask(storing, 3, id, "owner=one\n");
+  Ask(other, 3, id, "copies=2\n");
+  EXPECT_EQ(AnswerOf(storing), NC_STATUS_DONE);
+  EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
+  NC_Job job = JobOf(fd, id);
+  EXPECT_STREQ(job.owner, "one");
+  EXPECT_EQ(job.copies, 2);
+  // A job that goes takes what was still wanted of it along.
+  Ask(storing, 3, id, "owner=two\n");
+  EXPECT_STREQ(JobOf(fd, id).owner, "one");
+  Ask(other, 6, id, "");
+  EXPECT_EQ(AnswerOf(storing), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
+  EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
+  NC_Disconnect(storing);
+  NC_Disconnect(other);
+}
+
+TEST_F(Spool, WhatWasNotAnsweredMayBeLostButIsNeverHalf) {
+  Start({"--simulate", "slow-disk=400"});
+  uint8_t ids[3][NC_ID_SIZE];
+  int peers[3];
+  for (int i = 0; i < 3; ++i) {
+    peers[i] = daemon.Connect();
+    ASSERT_EQ(NC_CreateRequestID(peers[i], ids[i]), 1);
+    Ask(peers[i], 3, ids[i], "hold=1\n\n" + std::string(100000, 'd'));
+  }
+  EXPECT_EQ(AnswerOf(peers[0]), NC_STATUS_DONE);
+  // An end that is asked for stores what has arrived whole.
+  NC_Disconnect(peers[1]);
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  Start({"--simulate", "slow-disk=400"});
+  EXPECT_EQ(Jobs(fd).size(), 3U);
+  const int late = daemon.Connect();
+  uint8_t id[NC_ID_SIZE];
+  ASSERT_EQ(NC_CreateRequestID(late, id), 1);
+  Ask(late, 3, id, "hold=1\n\n" + std::string(100000, 'd'));
+  ASSERT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  Start();
+  EXPECT_EQ(Jobs(fd).size(), 3U);
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 6; }));
+  for (const int peer : {peers[0], peers[2], late}) NC_Disconnect(peer);
 }
 
 TEST(Start, RefusesWithOneLine) {

@@ -1,0 +1,54 @@
+// The disk's own thread. What may wait for the disk is done there, one piece after another, so
+// that a slow disk holds up only those who want something stored.
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "printserverd/folder.h"
+
+namespace printserverd {
+
+class Disk {
+ public:
+  using Call = std::function<void()>;
+
+  Disk() = default;
+  // Finishes every piece of work that was asked for; calls no `done` any more.
+  ~Disk();
+  Disk(const Disk&) = delete;
+  Disk& operator=(const Disk&) = delete;
+
+  // Starts the thread. False with errno.
+  bool Start();
+
+  // Has `work` done on the disk's thread, in the order of the calls, and then `done` called by
+  // RunDone. `work` may use nothing that other threads change meanwhile.
+  void Do(Call work, Call done = nullptr);
+
+  // Can be read when something is done.
+  int fd() const { return ready_.get(); }
+  // Calls `done` of all work that is done.
+  void RunDone();
+
+ private:
+  struct Piece {
+    Call work, done;
+  };
+  void Serve();
+
+  Fd ready_;  // an eventfd
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  std::deque<Piece> wanted_;  // these three under the mutex
+  std::vector<Call> done_;
+  bool ending_ = false;
+  std::thread thread_;
+};
+
+}  // namespace printserverd
