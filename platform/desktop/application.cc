@@ -1,5 +1,6 @@
 #include "platform/desktop/application.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -18,7 +19,9 @@ namespace platform {
 namespace {
 
 constexpr const char* kInterface = "org.freedesktop.Application";
-constexpr uint32_t kNameExists = 3;  // the answer to a request for a name that another has
+constexpr double kHandOverPatience = 1;  // seconds that the first start has to come forward
+constexpr double kHold = 1;              // seconds that the program has to follow a request to quit
+constexpr uint32_t kNameExists = 3;      // the answer to a request for a name that another has
 
 struct Application {
   std::string name, path;
@@ -27,6 +30,9 @@ struct Application {
   std::deque<RawEvent> out;
   std::string file;  // handed out with the last report
   std::deque<std::string> files;
+  // Of another start of the program.
+  enum { kUnasked, kAsked, kAlone, kCameForward, kTooLate } first = kUnasked;
+  EventLoopTimerRef hold = nullptr;  // runs while windows are held
 };
 Application app;
 
@@ -108,9 +114,13 @@ int OnCall(sd_bus_message* m, void*, sd_bus_error*) {
   return Lib().reply(m, "") < 0 ? -1 : 1;
 }
 
-// The first start has come forward: this one is not needed.
+// The first start has come forward: this one is not needed. One that was given up does not take its
+// place any more.
 int OnHandedOver(sd_bus_message* m, void*, sd_bus_error*) {
-  if (Lib().is_error(m, nullptr) <= 0) Report(RawEvent::kQuit);
+  if (app.first == Application::kTooLate) return 1;
+  const bool came = Lib().is_error(m, nullptr) <= 0;
+  app.first = came ? Application::kCameForward : Application::kAlone;
+  if (came) Report(RawEvent::kQuit);
   return 1;
 }
 
@@ -130,8 +140,13 @@ void HandOver() {
 
 int OnNamed(sd_bus_message* m, void*, sd_bus_error*) {
   uint32_t answer = 0;
-  if (Lib().is_error(m, nullptr) > 0 || Lib().read(m, "u", &answer) <= 0) return 1;
-  if (answer == kNameExists) HandOver();
+  if (app.first == Application::kTooLate) return 1;
+  const bool known = Lib().is_error(m, nullptr) <= 0 && Lib().read(m, "u", &answer) > 0;
+  const bool first_runs = known && answer == kNameExists;
+  if (first_runs)
+    HandOver();
+  else
+    app.first = Application::kAlone;
   return 1;
 }
 
@@ -149,6 +164,13 @@ void Join() {
   if (!ready) return Leave();
   WatchSessionEnd(app.bus.get());
   app.bus.Process();
+}
+
+// The program has not followed the request to quit: it may want to ask something.
+void ShowAfterAll(EventLoopTimerRef timer, void*) {
+  RemoveEventLoopTimer(timer);
+  app.hold = nullptr;
+  HoldWindows(false);
 }
 
 // Asked for when the loop is about to wait.
@@ -210,7 +232,28 @@ void InstallApplicationSource(const char* session_name) {
   installed = true;
 }
 
+void HandOverStart() {
+  if (app.tried) return;
+  app.first = Application::kAsked;
+  Join();
+  const double end = GetCurrentEventTime() + kHandOverPatience;
+  for (;;) {
+    app.bus.Process();
+    if (app.bus.get() == nullptr) app.first = Application::kAlone;
+    const double left = end - GetCurrentEventTime();
+    if (app.first != Application::kAsked || left <= 0) break;
+    pollfd p{app.bus.Descriptor(), app.bus.Events(), 0};
+    poll(&p, 1, int(left * 1000) + 1);
+  }
+  if (app.first == Application::kAsked) app.first = Application::kTooLate;
+  if (app.first != Application::kCameForward) return;
+  HoldWindows(true);
+  app.hold = InstallEventLoopTimer(kHold, 0, ShowAfterAll, nullptr);
+}
+
 void RemoveApplicationSource() {
+  RemoveEventLoopTimer(app.hold);
+  app.hold = nullptr;
   Leave();
   app.tried = true;
 }

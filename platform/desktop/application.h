@@ -11,6 +11,10 @@ namespace platform {
 // gives the first file when it is local; the actions "quit" and "preferences" are requests. A
 // second start of the same program activates the first, then is asked to quit.
 void InstallApplicationSource(const char* session_name);
+// Another start of this program is there: it is asked at once to come forward. When it does, no
+// window of this one comes onto the screen before it is asked to quit; when it does not within a
+// second, or the bus does not know it, this start goes on like any other.
+void HandOverStart();
 // Leaves the bus.
 void RemoveApplicationSource();
 

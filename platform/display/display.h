@@ -66,6 +66,8 @@ struct Display {
   bool (*open)(const char* session_name);
   // Destroys what is left and disconnects.
   void (*close)();
+  // Another program of the same session name has this display open. May be null.
+  bool (*others_run)() = nullptr;
   // Up to `max` screens, main first; returns how many there are. At least one.
   int (*screens)(Screen* out, int max);
   // Makes the native window, hidden, at DeviceBounds(*w), with title and hints as the record says.

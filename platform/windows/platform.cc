@@ -78,6 +78,7 @@ bool InitPlatform(const char* name) {
   InstallSignalSource();
   InstallApplicationSource(name);
   InstallSessionEnd(session_name.c_str());
+  if (display->others_run && display->others_run()) HandOverStart();
   return true;
 }
 
@@ -86,6 +87,7 @@ void FinishPlatform() {
   while (!WindowList().empty()) DisposeWindow(WindowList().back());
   CollectWindows();
   RemoveApplicationSource();
+  HoldWindows(false);
   CloseJournal();
   display->close();
   display = nullptr;

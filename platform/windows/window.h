@@ -88,6 +88,8 @@ bool HandleConfigure(Event* event);
 void HandleFocus(WindowRef w, bool focused);
 // After a batch of reports: focus that has not come back to any window is gone.
 void SettleActivation();
+// While they are held, windows that are shown do not come onto the screen.
+void HoldWindows(bool held);
 // The window that carries the menu strip; null when it is gone.
 WindowRef MenuBarWindow();
 void DrawMenuStrip(WindowRef w);

@@ -18,6 +18,7 @@ struct Windows {
   std::vector<WindowRef> ended;  // destroyed inside a dispatch
   WindowRef menu_bar = nullptr;
   bool menu_bar_given = false;
+  bool held = false;  // shown windows are kept from the screen
 };
 
 Windows& All() {
@@ -93,13 +94,39 @@ void CollectWindows() {
 
 namespace {
 
+void Map(WindowRef w) {
+  if (!All().held) CurrentDisplay()->map_window(w, true);
+}
+
 // Windows docked to the one that carries the menu come and go with it.
 void MapDocked(bool shown) {
-  for (WindowRef w : WindowList())
-    if ((w->state & kStateDocked) && w->visible) CurrentDisplay()->map_window(w, shown);
+  for (WindowRef w : WindowList()) {
+    if (!(w->state & kStateDocked) || !w->visible) continue;
+    if (shown)
+      Map(w);
+    else
+      CurrentDisplay()->map_window(w, false);
+  }
+}
+
+// Whether it waits for the window that it is docked to.
+bool WaitsForFirst(const Window& w) {
+  const Window* first = MenuBarWindow();
+  return (w.state & kStateDocked) && first && !first->visible;
 }
 
 }  // namespace
+
+void HoldWindows(bool held) {
+  if (All().held == held) return;
+  All().held = held;
+  const std::vector<WindowRef> all = WindowList();
+  // The front one last, as they would have come.
+  for (size_t i = all.size(); i-- > 0;) {
+    WindowRef w = all[i];
+    if (w->visible && !WaitsForFirst(*w)) CurrentDisplay()->map_window(w, !held);
+  }
+}
 
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
@@ -109,10 +136,8 @@ void ShowWindow(WindowRef w) {
   DrawMenuStrip(w);
   std::erase(All().list, w);
   All().list.insert(All().list.begin(), w);
-  WindowRef first = MenuBarWindow();
-  bool waits = (w->state & kStateDocked) && first && !first->visible;
-  if (!waits) CurrentDisplay()->map_window(w, true);
-  if (w == first) MapDocked(true);
+  if (!WaitsForFirst(*w)) Map(w);
+  if (w == MenuBarWindow()) MapDocked(true);
 }
 
 void HideWindow(WindowRef w) {

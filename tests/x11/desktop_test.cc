@@ -7,6 +7,7 @@
 
 #include "platform/desktop/application.h"
 #include "platform/desktop/uris.h"
+#include "platform/display/x11/x.h"
 #include "tests/x11/bus.h"
 
 namespace x11_test {
@@ -125,6 +126,135 @@ TEST_F(Bus, ACallersTokenGoesWithTheActivation) {
   }));
   EXPECT_EQ(time, 123456789u);
   EXPECT_STREQ(said.c_str(), "remove: ID=caller_TIME123456789");
+}
+
+// What a second start of the program does with the screen.
+class SecondStart : public Bus {
+ protected:
+  void TearDown() override {
+    if (first_ > 0) {
+      kill(first_, SIGKILL);
+      waitpid(first_, nullptr, 0);
+    }
+    Bus::TearDown();
+  }
+  // A start in a process of its own, on the bus and on the screen.
+  void RunFirst() {
+    first_ = fork();
+    if (first_ == 0) {
+      StartSession();
+      Show("First", {200, 150, 500, 350});
+      WaitUntil([] { return false; }, 3000);
+      _exit(0);
+    }
+    ASSERT_TRUE(support::Eventually([&] { return Joined(); }));
+    ASSERT_NE(user().Find("First"), 0u);
+    const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(user().connection(), user().root(), XCB_CW_EVENT_MASK, &mask);
+    user().Sync();
+  }
+  // Windows that came onto the screen since.
+  int Mapped() {
+    user().Sync();
+    while (auto* e = xcb_poll_for_event(user().connection())) {
+      mapped_ += (e->response_type & 0x7F) == XCB_MAP_NOTIFY;
+      free(e);
+    }
+    return mapped_;
+  }
+  // Windows as a program makes them, one docked to the other.
+  WindowRef ShowWithDocked() {
+    WindowRef w = CreateNewWindow(kDocumentWindowClass, kAllBoxes, {200, 150, 500, 350});
+    WindowRef docked = CreateNewWindow(kSimpleWindowClass, 0, {510, 150, 560, 350});
+    const WindowGroupRef group = CreateWindowGroup(kWindowGroupAttrMoveTogether);
+    for (WindowRef each : {w, docked}) {
+      SetWindowGroup(each, group);
+      ShowWindow(each);
+    }
+    SelectWindow(w);
+    return w;
+  }
+  pid_t first() const { return first_; }
+
+ private:
+  pid_t first_ = 0;
+  int mapped_ = 0;
+};
+
+TEST_F(SecondStart, ShowsNothingAndIsAskedToQuit) {
+  StartServer("", {});
+  RunFirst();
+  KeepRunning();
+  StartSession();
+  WindowRef w = ShowWithDocked();
+  EXPECT_TRUE(WaitUntil([&] { return QuitRequests() == 1; }));
+  EXPECT_TRUE(IsWindowVisible(w));
+  EXPECT_EQ(Mapped(), 0);
+  // This one goes on: whatever it is about may be seen after all.
+  EXPECT_TRUE(WaitUntil([&] { return Mapped() == 2; }));
+  EXPECT_EQ(QuitRequests(), 1u);
+}
+
+TEST_F(SecondStart, IsLikeAnyOtherWhereTheFirstDoesNotAnswer) {
+  StartServer("", {});
+  RunFirst();
+  kill(first(), SIGSTOP);
+  KeepRunning();
+  StartSession();
+  ShowWithDocked();
+  EXPECT_TRUE(WaitUntil([&] { return Mapped() == 2; }));
+  // That it answers much later makes no difference any more.
+  kill(first(), SIGCONT);
+  WaitUntil([] { return false; }, 30);
+  EXPECT_EQ(QuitRequests(), 0u);
+}
+
+TEST_F(SecondStart, IsLikeAnyOtherWithoutABusOrWithAnother) {
+  StartServer("", {});
+  RunFirst();
+  KeepRunning();
+  for (const char* address : {"", "unix:path=/nonexistent/bus"}) {
+    setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
+    const int before = Mapped();
+    StartSession();
+    ShowWithDocked();
+    EXPECT_TRUE(WaitUntil([&] { return Mapped() == before + 2; }));
+    FinishPlatform();
+  }
+  EXPECT_EQ(QuitRequests(), 0u);
+}
+
+TEST_F(SecondStart, IsTheFirstWhenThatOneHasEnded) {
+  StartServer("", {});
+  RunFirst();
+  kill(first(), SIGKILL);
+  xcb_connection_t* c = user().connection();
+  const xcb_atom_t name = user().Atom("_XW_PROGRAM_org.quorvik.Session");
+  ASSERT_TRUE(support::Eventually([&] {
+    x11::Reply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, name), nullptr));
+    return owner && owner->owner == XCB_NONE && !Joined();
+  }));
+  StartSession();
+  EXPECT_FALSE(kX11Display.others_run());
+  ShowWithDocked();
+  EXPECT_TRUE(WaitUntil([&] { return Mapped() == 2; }));
+  // Who asks what is behind the name is told that there is nothing.
+  const xcb_window_t asks = xcb_generate_id(c);
+  xcb_create_window(c, 0, asks, user().root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
+                    nullptr);
+  xcb_convert_selection(c, asks, name, XCB_ATOM_STRING, XCB_ATOM_STRING, XCB_CURRENT_TIME);
+  user().Sync();
+  bool refused = false;
+  EXPECT_TRUE(WaitUntil([&] {
+    while (auto* e = xcb_poll_for_event(c)) {
+      auto* n = reinterpret_cast<xcb_selection_notify_event_t*>(e);
+      refused |= (e->response_type & 0x7F) == XCB_SELECTION_NOTIFY && n->selection == name &&
+                 n->property == XCB_NONE;
+      free(e);
+    }
+    return refused;
+  }));
 }
 
 TEST_F(Bus, ASecondStartHandsOverToTheFirst) {

@@ -151,6 +151,10 @@ void OnClientMessage(const xcb_generic_event_t* event) {
   }
 }
 
+void OnSelectionRequest(const xcb_generic_event_t* event) {
+  RefuseSelection(As<xcb_selection_request_event_t>(event));
+}
+
 void OnSelection(const xcb_generic_event_t* event) {
   HandleDropData(As<xcb_selection_notify_event_t>(event));
 }
@@ -211,6 +215,7 @@ constexpr Route kRoutes[] = {
     {XCB_CONFIGURE_NOTIFY, true, OnConfigure},
     {XCB_PROPERTY_NOTIFY, false, OnProperty},
     {XCB_SELECTION_NOTIFY, true, OnSelection},
+    {XCB_SELECTION_REQUEST, false, OnSelectionRequest},
     {XCB_CLIENT_MESSAGE, true, OnClientMessage},
     {XCB_GE_GENERIC, false, OnGeneric},
 };

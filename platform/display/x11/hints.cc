@@ -206,6 +206,8 @@ void SetHints(WindowRef w) {
 }
 
 void ReadStates(Native* n) {
+  // Of a window that is withdrawn the manager takes its states away; the program's wish stays.
+  if (!n->mapped()) return;
   auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetWmState), XCB_ATOM_ATOM, 0, 64);
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
   bool full = false;

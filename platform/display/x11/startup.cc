@@ -1,11 +1,15 @@
 // Startup notification: the launcher's token goes onto the first window, its time stands for the
 // user's action, and after the first frame the launcher hears that the start is over.
+//
+// And starts of one program: the first owns a selection that is named after it, so that a second
+// one knows of it before it shows anything. The server ends the ownership with the program.
 #include "platform/desktop/startup.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/desktop/application.h"
 #include "platform/display/x11/x.h"
 
 namespace platform::x11 {
@@ -14,6 +18,14 @@ namespace {
 
 bool begun = false;  // the first window carries the token
 bool told = false;
+
+struct Program {
+  xcb_intern_atom_cookie_t name{};
+  xcb_get_selection_owner_cookie_t owner{};
+  xcb_atom_t selection = XCB_NONE;
+  bool others = false;  // had it when this one started
+};
+Program program;
 
 // The server's time of the action, which ends a token; 0 when there is none.
 xcb_timestamp_t TimeOfToken(const std::string& token) {
@@ -61,6 +73,47 @@ void MarkStartup(const Native& n) {
   begun = true;
   xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, n.id, Atom(kNetStartupId), Atom(kUtf8String), 8,
                       uint32_t(token.size()), token.data());
+}
+
+void AskProgramName() {
+  program = Program{};
+  const std::string name = "_XW_PROGRAM_" + ApplicationBusName(x.session_name);
+  program.name = xcb_intern_atom(x.c, 0, uint16_t(name.size()), name.data());
+}
+
+void AskOthers() {
+  Reply<xcb_intern_atom_reply_t> name(xcb_intern_atom_reply(x.c, program.name, nullptr));
+  program.selection = name ? name->atom : xcb_atom_t{XCB_NONE};
+  if (program.selection != XCB_NONE)
+    program.owner = xcb_get_selection_owner(x.c, program.selection);
+}
+
+void TakeOthers() {
+  if (program.selection == XCB_NONE) return;
+  Reply<xcb_get_selection_owner_reply_t> owner(
+      xcb_get_selection_owner_reply(x.c, program.owner, nullptr));
+  program.others = owner && owner->owner != XCB_NONE;
+}
+
+bool OthersRun() {
+  return program.others;
+}
+
+void MarkProgram(const Native& n) {
+  if (program.selection == XCB_NONE || program.others || x.leader != n.id) return;
+  xcb_set_selection_owner(x.c, n.id, program.selection, XCB_CURRENT_TIME);
+}
+
+// There is nothing to be had under the program's name.
+void RefuseSelection(const xcb_selection_request_event_t* e) {
+  xcb_selection_notify_event_t answer{};
+  answer.response_type = XCB_SELECTION_NOTIFY;
+  answer.time = e->time;
+  answer.requestor = e->requestor;
+  answer.selection = e->selection;
+  answer.target = e->target;
+  answer.property = XCB_NONE;
+  xcb_send_event(x.c, 0, e->requestor, 0, reinterpret_cast<const char*>(&answer));
 }
 
 void EndStartup() {

@@ -63,6 +63,7 @@ bool CreateNative(WindowRef w) {
   SelectPointer(*n);
   SetIdentity(*n);
   MarkStartup(*n);
+  MarkProgram(*n);
   SetTitle(w);
   SetHints(w);
   if (x.late_done) SetCursor(w, w->cursor);

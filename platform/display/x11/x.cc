@@ -124,6 +124,7 @@ bool Open(const char* session_name) {
   x.session_name = session_name != nullptr ? session_name : "";
   xcb_prefetch_extension_data(x.c, &xcb_shm_id);
   xcb_prefetch_extension_data(x.c, &xcb_randr_id);
+  AskProgramName();
   InternAtoms();
   const xcb_query_extension_reply_t* shm = xcb_get_extension_data(x.c, &xcb_shm_id);
   const bool has_shm = shm != nullptr && shm->present;
@@ -131,8 +132,10 @@ bool Open(const char* session_name) {
   if (has_shm) version = xcb_shm_query_version(x.c);
   WatchRoot();
   BeginStartup();
+  AskOthers();
   MakeContext();
   ReadScreens();
+  TakeOthers();
   x.shm = SharedMemoryUsable(has_shm, version);
   return true;
 }
@@ -169,6 +172,7 @@ const Display kX11Display = {
     .name = "x11",
     .open = x11::Open,
     .close = x11::Close,
+    .others_run = x11::OthersRun,
     .screens = x11::Screens,
     .create_window = x11::CreateNative,
     .destroy_window = x11::DestroyNative,

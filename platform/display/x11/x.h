@@ -202,6 +202,14 @@ void StepDocked();
 void BeginStartup();
 // The first window of the process gets the launcher's token.
 void MarkStartup(const Native& n);
+// Whether a program of this name runs: each step goes with a batch of requests that is sent anyway.
+void AskProgramName();
+void AskOthers();
+void TakeOthers();
+bool OthersRun();
+// The first window of the process stands for it.
+void MarkProgram(const Native& n);
+void RefuseSelection(const xcb_selection_request_event_t* e);
 // The first frame is shown.
 void EndStartup();
 void UseToken(const char* token);
