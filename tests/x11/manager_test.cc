@@ -213,6 +213,16 @@ TEST_F(Managed, FullScreenIsTheDesktops) {
   EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
   EXPECT_EQ(w->content.height() + w->strip, 768);
   EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
+  // Hidden, it keeps the wish.
+  HideWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
+  Settle();
+  EXPECT_TRUE(w->state & kStateFullScreen);
+  ShowWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
+  Settle();
+  EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
+  EXPECT_EQ(w->content.width(), 1024);
   SetSystemUIMode(kUIModeNormal, 0);
   SetWindowBounds(w, {210, 160, 510, 360});
   EXPECT_TRUE(RunUntil([&] { return user().Where(Id(w)).width == 300; }));
