@@ -115,6 +115,7 @@ void FilesChanged(Console* c) {
 
 void Leave(Console* c) {
   if (AskBeforeLeaving(c)) Quit(c);
+  SetHover(c, {});  // it is covered
 }
 
 // --- Pointer
@@ -388,6 +389,7 @@ void TakeUpServer(Console* c) {
   const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
   if (!wanted) return;
   c->server.TakeUp(wanted, &c->state);
+  c->just_sent = 0;
   c->state_ticks = 0;
   for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
   if (c->state.printers->empty()) c->list_open = false;

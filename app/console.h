@@ -97,6 +97,7 @@ struct Console {
   Server server;
   ServerState state;
   int state_ticks = 0;  // since the state came
+  int just_sent = 0;    // orders that are not yet in the state
   std::vector<QueueRow> rows;
   QueueRow missing;  // was selected when it went; selected again if it comes back
   Table queue;

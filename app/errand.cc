@@ -1,5 +1,6 @@
 #include "app/errand.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>

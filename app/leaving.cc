@@ -15,14 +15,17 @@ constexpr int kButtonWidths[] = {172, 100}, kButtonHeight = 28, kGap = 10;
 
 // Those that are given up when the window closes.
 int Unsent(const Console* c) {
-  return int(std::count_if(c->state.transfers.begin(), c->state.transfers.end(),
-                           [](const Transfer& t) { return t.state != Sending::kCancelling; }));
+  const auto& all = c->state.transfers;
+  return c->just_sent + int(std::count_if(all.begin(), all.end(), [](const Transfer& t) {
+           return t.state != Sending::kCancelling;
+         }));
 }
 
 bool AllFailed(const Console* c) {
-  return std::all_of(c->state.transfers.begin(), c->state.transfers.end(), [](const Transfer& t) {
-    return t.state == Sending::kFailed || t.state == Sending::kCancelling;
-  });
+  const auto& all = c->state.transfers;
+  return c->just_sent == 0 && std::all_of(all.begin(), all.end(), [](const Transfer& t) {
+           return t.state == Sending::kFailed || t.state == Sending::kCancelling;
+         });
 }
 
 Area SheetArea(const Console* c) {
@@ -54,6 +57,8 @@ bool AskBeforeLeaving(Console* c) {
   c->answer = kKeepOpen;
   c->list_open = false;
   c->pressed = {};
+  c->files.Release();
+  c->queue.Release();
   c->damage |= kAllPanes;
   return false;
 }

@@ -150,6 +150,7 @@ void PrintSelected(Console* c) {
   order.priority = c->choice.priority;
   order.hold = c->choice.hold;
   c->server.Send(std::move(order));
+  ++c->just_sent;
   if (c->state.link == Link::kAway)
     Tell(c, true, "It will be sent when " + c->server.host() + " is back");
 }

@@ -96,6 +96,33 @@ TEST_F(SendingTest, AnotherSelectionStays) {
   EXPECT_EQ(c_->queue.selected(), -1);
 }
 
+// The question before closing counts what was printed since the last tick, and ends the drag that
+// it covers.
+TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
+  Open(address_);
+  Click(FileRow("letter.txt"));
+  PrintSelected(c_);
+  ASSERT_TRUE(c_->state.transfers.empty());
+  EXPECT_FALSE(AskBeforeLeaving(c_));
+  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
+  Key(0xFF1B);
+  ASSERT_FALSE(c_->asking);
+
+  const Area name = c_->files.ColumnArea(0);
+  const int x = c_->window->x + name.right() - 1, y = c_->window->y + name.y + 10;
+  display::MovePointer(x, y);
+  display::Press(1);
+  Turn(2);
+  display::Close(static_cast<platform::WindowRef>(c_->window->platform));
+  Turn(2);
+  ASSERT_TRUE(c_->asking);
+  EXPECT_FALSE(c_->hover);
+  display::MovePointer(x - 30, y);
+  display::Release(1);
+  Turn(2);
+  EXPECT_EQ(c_->files.ColumnArea(0).w, name.w);
+}
+
 // A document on a mount that does not answer, when it is opened or while it is read.
 Gate* gate;
 bool hangs_in_reading;
