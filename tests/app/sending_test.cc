@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstring>
+
 #include "app/document.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/gate.h"
@@ -139,6 +141,47 @@ ssize_t ReadBehindGate(int fd, void* data, size_t size) {
   const off_t at = lseek(fd, 0, SEEK_CUR);
   if (hangs_in_reading && fstat(fd, &s) == 0 && s.st_size == 600000 && at > 0) gate->Pass();
   return usual_read(fd, data, size);
+}
+
+// Files that change or break while they are read: what has come comes out, and then why no more.
+TEST(DocumentTest, SaysWhyItCannotBeReadOn) {
+  static std::string path;
+  static int error;
+  Scratch home;
+  home.Folder("folder");
+  path = home.At("file");
+  // The second piece finds the file cut, or an error.
+  Document::read_file = [](int fd, void* data, size_t size) -> ssize_t {
+    const bool first = lseek(fd, 0, SEEK_CUR) == 0;
+    if (!first && error) return errno = error, -1;
+    if (!first && truncate(path.c_str(), 10) != 0) return -1;
+    return usual_read(fd, data, size);
+  };
+  const struct {
+    const char* name;
+    int error;
+    size_t size, read;
+    std::string trouble;
+  } rows[] = {{"missing", 0, 0, 0, strerror(ENOENT)},
+              {"folder", 0, 0, 0, "not a file"},
+              {"file", 0, 0, 0, ""},
+              {"file", 0, 9000, 9000, ""},
+              {"file", 0, 600000, 256 * 1024, "the file ended early"},
+              {"file", EIO, 600000, 256 * 1024, strerror(EIO)}};
+  for (const auto& row : rows) {
+    home.File("file", Bytes(row.size));
+    error = row.error;
+    const Document document(home.At(row.name));
+    ASSERT_TRUE(document.Opened(20000));
+    EXPECT_EQ(document.size(), int64_t(row.size));
+    size_t all = 0;
+    char bytes[4096];
+    for (ssize_t n; (n = read(document.descriptor(), bytes, sizeof bytes)) > 0;) all += size_t(n);
+    EXPECT_EQ(all, row.read);
+    EXPECT_EQ(document.Trouble(), row.trouble);
+  }
+  EXPECT_EQ(Errand::Settle(20000), 0);
+  Document::read_file = usual_read;
 }
 
 class HangingDocument : public SendingTest, public testing::WithParamInterface<bool> {
