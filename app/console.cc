@@ -28,9 +28,9 @@ std::vector<Column> QueueColumns() {
           {"Owner", 74, 1, Align::kLeft, false, 0, 8},
           {"Printer", 112, 1, Align::kLeft, false, 0, 8},
           {"Profile", 110, 1, Align::kLeft, false, 2, 8},
-          {"Progress", 210, 1, Align::kLeft, false, 0, 8},
+          {"Progress", 216, 1, Align::kLeft, false, 0, 8},
           {"Size", 82, 0, Align::kRight, false, 0, 8},
-          {"Submitted", 92, 0, Align::kLeft, false, 0, 14},
+          {"Submitted", 102, 0, Align::kLeft, false, 0, 14},
           {"Priority", 72, 0, Align::kRight, false, 1, 14}};
 }
 
@@ -349,6 +349,12 @@ void StopKey(Console* c, int type) {
   }
 }
 
+// What is disabled is passed over.
+bool CanStop(const Console* c, Stop stop) {
+  if (stop == Stop::kPrint) return CanPrint(c);
+  return stop != Stop::kPrinter || !c->state.printers->empty();
+}
+
 void Escape(Console* c) {
   StopReading(c);
   c->message_ticks = 0;
@@ -372,9 +378,11 @@ void Key(Console* c, int type) {
     if (type == 'q' || type == 'w') Leave(c);
     return;
   }
-  if (type == XWE_TAB)
-    SetStop(c, Stop((int(c->stop) + shift) % stops));
-  else if (type == XWE_ESCAPE)
+  if (type == XWE_TAB) {
+    int stop = (int(c->stop) + shift) % stops;
+    while (!CanStop(c, Stop(stop))) stop = (stop + shift) % stops;
+    SetStop(c, Stop(stop));
+  } else if (type == XWE_ESCAPE)
     Escape(c);
   else if (type == XWE_F1 + 4)
     RefreshAll(c);

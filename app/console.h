@@ -92,6 +92,8 @@ struct Console {
   std::vector<Place> places;
   PlaceFinder finder;
   std::string free_text;
+  std::string typed;  // the beginning of a name that is being looked for
+  int typed_at = 0;   // the tick of its last letter
   Table files;
 
   Server server;
@@ -147,11 +149,11 @@ void TakeUpFolder(Console* c, int wait_ms);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; nothing for a file.
+// Enters the selected folder; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
-// Selects the next name that begins with that character.
+// Selects the next name that begins with what was typed within a second.
 void FindLetter(Console* c, int character);
 void PressCrumb(Console* c, int index);
 // A document that the desktop asks to open.

@@ -1,4 +1,5 @@
 // The folder: the way to it as crumbs, and the table of its entries.
+#include <strings.h>
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -141,7 +142,7 @@ namespace {
 
 // What is read this fast is shown at once; well below a frame.
 constexpr int kAtOnceMs = 8;
-constexpr int kWatchTicks = 10, kLongTicks = 2, kSilentTicks = 30;
+constexpr int kWatchTicks = 10, kLongTicks = 2, kSilentTicks = 30, kTypingTicks = 10;
 
 // Whether a wish leads elsewhere.
 bool Moves(const FolderWish& w) {
@@ -169,6 +170,7 @@ void ShowFreeRoom(Console* c, const FolderReading& r) {
 }
 
 void Entered(Console* c, FolderReading* r) {
+  c->typed.clear();
   c->folder.Show(std::move(r->listing));
   ShowFreeRoom(c, *r);
   c->files.ScrollTo(0);
@@ -285,7 +287,11 @@ void GoUp(Console* c) {
 
 void OpenSelected(Console* c) {
   const int row = c->files.selected();
-  if (row >= 0 && c->folder.At(row).folder) EnterFolder(c, c->folder.PathOf(row), "");
+  if (row < 0) return;
+  if (c->folder.At(row).folder)
+    EnterFolder(c, c->folder.PathOf(row), "");
+  else
+    Tell(c, true, "Print or Ctrl+P prints it");
 }
 
 void SortBy(Console* c, int column) {
@@ -306,10 +312,16 @@ void RefreshFolder(Console* c) {
 }
 
 void FindLetter(Console* c, int character) {
+  if (c->ticks - c->typed_at > kTypingTicks) c->typed.clear();
+  c->typed_at = c->ticks;
+  c->typed += char(tolower(character));
+  // The same letter again and again goes through the names that begin with it.
+  const bool steps = c->typed.find_first_not_of(c->typed[0]) == std::string::npos;
+  const std::string wanted = steps ? c->typed.substr(0, 1) : c->typed;
   const int n = c->folder.count(), from = c->files.selected();
-  for (int i = 1; i <= n; ++i) {
+  for (int i = steps ? 1 : 0; i <= n && n > 0; ++i) {
     const int row = (from + i + n) % n;
-    if (tolower(uint8_t(c->folder.At(row).name[0])) != tolower(character)) continue;
+    if (strncasecmp(c->folder.At(row).name, wanted.c_str(), wanted.size()) != 0) continue;
     c->files.Select(row);
     return;
   }

@@ -1,5 +1,8 @@
 #include "app/look.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace console {
 namespace {
 
@@ -99,9 +102,11 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
   XwRoundBox(a.x, a.y, a.w, a.h, a.h / 2, l.track, l.progress_line);
   if (whole <= 0 || part <= 0) return;
   if (part > whole) part = whole;
-  // Below its own height the bar would be narrower than its round ends.
-  int w = int(double(a.w) * (double(part) / double(whole)) + 0.5);
-  XwRoundBox(a.x, a.y, w < a.h ? a.h : w, a.h, a.h / 2, bar, -1);
+  const int w = std::max(1, int(double(a.w) * (double(part) / double(whole)) + 0.5));
+  // Narrower than its round ends it is a sliver as high as they are there.
+  const double r = a.h / 2.0, off = r - std::min(double(w), r) / 2;
+  const int h = w < a.h ? std::max(2, int(2 * std::sqrt(r * r - off * off))) : a.h;
+  XwRoundBox(a.x, a.y + (a.h - h) / 2, w, h, std::min(w, h) / 2, bar, -1);
 }
 
 void DrawDot(int x, int y, int32_t colour) {

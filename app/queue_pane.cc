@@ -54,7 +54,7 @@ constexpr StateLook kStates[] = {
 
 void DrawBarAndText(const CellLook& cell, int64_t part, int64_t whole, const std::string& text) {
   Area a = cell.area;
-  const Area bar = a.TakeLeft(90);
+  const Area bar = a.TakeLeft(64);
   DrawProgress({bar.x, bar.y + (bar.h - 10) / 2, bar.w, 10}, part, whole, cell.muted);
   a.TakeLeft(10);
   DrawLabel(TheLook().small_text, Align::kLeft, a, text, cell.second);
@@ -175,13 +175,17 @@ void DrawJobCell(const Console* c, const NC_Job& job, int column, const CellLook
 
 // "5 waiting, 1 printing", and what needs someone.
 std::string Summary(const Console* c) {
+  const size_t unsent = c->state.transfers.size();
+  const bool known = c->state.link == Link::kReady || !c->state.printers->empty();
+  const std::string waits = unsent ? std::to_string(unsent) + " to be sent" : "";
+  if (!known) return waits;
   int counts[6] = {};
   for (const NC_Job& job : *c->state.jobs) ++counts[job.state];
   std::string text = std::to_string(counts[NC_JOB_WAITING]) + " waiting, " +
                      std::to_string(counts[NC_JOB_PRINTING]) + " printing";
   for (NC_JobState state : {NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
     if (counts[state]) text += ", " + std::to_string(counts[state]) + " " + kStates[state].text;
-  return text;
+  return unsent ? text + ", " + waits : text;
 }
 
 struct ButtonRow {

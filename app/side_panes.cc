@@ -9,7 +9,7 @@
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kPlaceHeight = 22, kFooter = 28;
+constexpr int kCaption = 32, kPlaceHeight = 22, kFooter = 28, kNameLines = 4;
 
 Area PlaceArea(const Console* c, int i) {
   const Area a = c->layout.places;
@@ -40,6 +40,24 @@ void DrawFact(Area* a, const char* name, const std::string& value) {
   Area row = a->TakeTop(20);
   DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(64), name, l.second);
   DrawLabel(l.view, Align::kLeft, row, value, l.ink);
+}
+
+// A name on as many lines as it needs, up to a few.
+void DrawName(Area* a, const std::string& name) {
+  const Look& l = TheLook();
+  std::string rest = name;
+  for (int line = 1; !rest.empty() || line == 1; ++line) {
+    Area row = a->TakeTop(line == 1 ? 20 : 16);
+    if (row.h < 16) return;
+    const Area title = row.TakeLeft(64);
+    if (line == 1) DrawLabel(l.small_text, Align::kLeft, title, "Name", l.second);
+    size_t fits = rest.size();
+    while (line < kNameLines && fits > 1 &&
+           XwTextWidth(l.view, rest.substr(0, fits).c_str()) > row.w)
+      --fits;
+    DrawLabel(l.view, Align::kLeft, row, line < kNameLines ? rest.substr(0, fits) : rest, l.ink);
+    rest.erase(0, line < kNameLines ? fits : rest.size());
+  }
 }
 
 void DrawCaption(const Area& a, const char* text) {
@@ -88,7 +106,7 @@ void DrawSelected(const Console* c, Area a) {
     DrawSheet({a.x + (a.w - sheet * 10 / 14) / 2, a.y, sheet * 10 / 14, sheet}, e, kind);
     a.TakeTop(sheet + 16);
   }
-  DrawFact(&a, "Name", Shown(e.name));
+  DrawName(&a, Shown(e.name));
   DrawFact(&a, "Kind", KindText(kind));
   if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
   DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
@@ -98,7 +116,9 @@ void DrawPrinter(const Console* c, Area a) {
   const Look& l = TheLook();
   const NC_Printer* p = ChosenPrinter(c);
   if (!p) {
-    DrawLabel(l.view, Align::kLeft, a.TakeTop(20), "None is known yet", l.second);
+    DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
+              c->state.link == Link::kReady ? "The server has none" : "None is known yet",
+              l.second);
     return;
   }
   const bool away = c->state.link == Link::kAway;

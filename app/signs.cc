@@ -162,9 +162,11 @@ void DrawFileIcon(FileKind kind, int x, int y, int32_t ground, int percent) {
   const int32_t edge = shade(Mix(l.second, l.line, 50)), paper = shade(l.document);
   switch (kind) {
     case FileKind::kFolder: {
-      const int32_t border = shade(Mix(l.accent, l.second, 62));
+      const bool selected = ground == l.accent;
+      const int32_t border = selected ? l.on_accent : shade(Mix(l.accent, l.second, 62));
+      const int32_t face = Mix(l.accent, selected ? l.on_accent : l.document, 42);
       XwRoundBox(x + 1, y + 2, 7, 6, 1, border, -1);
-      XwRoundBox(x + 1, y + 4, 14, 10, 1, shade(Mix(l.accent, l.document, 42)), border);
+      XwRoundBox(x + 1, y + 4, 14, 10, 1, shade(face), border);
       break;
     }
     case FileKind::kPicture:

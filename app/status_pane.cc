@@ -21,9 +21,31 @@ Area CrossArea(const Console* c) {
   return {a.right() - 8 - kCross, a.y + (a.h - kCross + 1) / 2, kCross, kCross};
 }
 
+constexpr int kDotRoom = 22, kServerEnd = 8;
+
+std::string ServerName(const Console* c) {
+  return Shown(c->server.host()) + ": ";
+}
+
+// As wide as its words, up to a part of the line.
 Area ServerArea(const Console* c) {
+  const Look& l = TheLook();
   const Area a = c->layout.status;
-  return {a.x + 6, a.y + 3, std::min(330, a.w * 45 / 100), a.h - 5};
+  const int words =
+      XwTextWidth(l.view, ServerName(c).c_str()) + XwTextWidth(l.view, ServerText(c).c_str()) + 2;
+  return {a.x + 6, a.y + 3, std::min(kDotRoom + words + kServerEnd, a.w * 55 / 100), a.h - 5};
+}
+
+// Where both have no room, the server's name is cut and not what it does.
+void DrawServer(const Console* c, Area a) {
+  const Look& l = TheLook();
+  a.TakeLeft(kDotRoom);
+  a.TakeRight(kServerEnd);
+  const std::string name = ServerName(c), state = ServerText(c);
+  const int tail = XwTextWidth(l.view, state.c_str()) + 1;
+  const int head = XwTextWidth(l.view, name.c_str()) + 1;
+  DrawLabel(l.view, Align::kLeft, a.TakeLeft(std::min(head, std::max(0, a.w - tail))), name, l.ink);
+  DrawLabel(l.view, Align::kLeft, a, state, l.ink);
 }
 
 int32_t LinkColor(const Console* c) {
@@ -91,9 +113,7 @@ void DrawStatusPane(Console* c) {
   if (c->hover == Hit{kStatus, kServer, 0})
     XwRoundBox(server.x, server.y, server.w, server.h, 4, Mix(l.pressed, l.status, 45), -1);
   DrawDot(server.x + 6, server.y + 6, LinkColor(c));
-  Area text = server;
-  text.TakeLeft(22);
-  DrawLabel(l.view, Align::kLeft, text, Shown(c->server.host()) + ": " + ServerText(c), l.ink);
+  DrawServer(c, server);
   const Transfer* t = Running(c);
   const int taken = t ? DrawSending(c, *t) : 12;
   Area middle{server.right() + 12, a.y + 1, 0, a.h - 1};

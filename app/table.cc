@@ -377,7 +377,7 @@ void Table::Draw(const Hit& hover) {
     for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
     if (rows_ == 0)
       DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
-    if (rows_ == 0 && focused_) {
+    if (focused_ && (rows_ == 0 || selected_ < 0)) {
       XwSetColor(Mix(l.accent, l.document, 45));
       XwDrawRect(body.x, body.y, body.w, body.h);
     }

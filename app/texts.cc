@@ -64,8 +64,10 @@ std::string HourText(int64_t seconds, int64_t now) {
 }
 
 std::string Shown(const std::string& utf8) {
-  std::string text(utf8.size() + 1, 0);
-  text.resize(size_t(XwFromUtf8(utf8.c_str(), text.data(), int(text.size()))));
+  std::string visible = utf8, text(utf8.size() + 1, 0);
+  for (char& ch : visible)
+    if (uint8_t(ch) < ' ' || ch == 127) ch = '?';
+  text.resize(size_t(XwFromUtf8(visible.c_str(), text.data(), int(text.size()))));
   return text;
 }
 

@@ -13,7 +13,7 @@ std::string PartText(int64_t part, int64_t whole);
 std::string DayText(int64_t seconds, int64_t now);
 // "09:41" today, else the day as above without the time.
 std::string HourText(int64_t seconds, int64_t now);
-// From UTF-8.
+// From UTF-8; what has no letter to show is '?'.
 std::string Shown(const std::string& utf8);
 // "1 file", "14 files".
 std::string CountText(int64_t n, const char* one, const char* many);
