@@ -10,6 +10,7 @@ namespace console {
 namespace {
 
 constexpr int kCaption = 32, kPlaceHeight = 22, kFooter = 28, kNameLines = 4;
+constexpr int kFactName = 64, kNextLine = 16;
 
 Area PlaceArea(const Console* c, int i) {
   const Area a = c->layout.places;
@@ -38,25 +39,33 @@ int PlaceAround(const Console* c) {
 void DrawFact(Area* a, const char* name, const std::string& value) {
   const Look& l = TheLook();
   Area row = a->TakeTop(20);
-  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(64), name, l.second);
+  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
   DrawLabel(l.view, Align::kLeft, row, value, l.ink);
 }
 
-// A name on as many lines as it needs, up to a few.
-void DrawName(Area* a, const std::string& name) {
+// A name in as many lines as it needs, up to a few: broken after blanks where that leaves lines
+// that are more than half full. The last one holds all that remains.
+std::vector<std::string> LinesOf(XwFont* font, std::string name, int width) {
+  std::vector<std::string> lines;
+  while (int(lines.size()) + 1 < kNameLines && XwTextWidth(font, name.c_str()) > width) {
+    size_t fits = name.size();
+    while (fits > 1 && XwTextWidth(font, name.substr(0, fits).c_str()) > width) --fits;
+    const size_t blank = name.rfind(' ', fits);
+    if (blank != std::string::npos && blank > fits / 2) fits = std::min(blank + 1, name.size());
+    lines.push_back(name.substr(0, fits));
+    name.erase(0, fits);
+  }
+  lines.push_back(name);
+  return lines;
+}
+
+void DrawName(Area* a, const std::vector<std::string>& lines) {
   const Look& l = TheLook();
-  std::string rest = name;
-  for (int line = 1; !rest.empty() || line == 1; ++line) {
-    Area row = a->TakeTop(line == 1 ? 20 : 16);
-    if (row.h < 16) return;
-    const Area title = row.TakeLeft(64);
-    if (line == 1) DrawLabel(l.small_text, Align::kLeft, title, "Name", l.second);
-    size_t fits = rest.size();
-    while (line < kNameLines && fits > 1 &&
-           XwTextWidth(l.view, rest.substr(0, fits).c_str()) > row.w)
-      --fits;
-    DrawLabel(l.view, Align::kLeft, row, line < kNameLines ? rest.substr(0, fits) : rest, l.ink);
-    rest.erase(0, line < kNameLines ? fits : rest.size());
+  DrawFact(a, "Name", lines[0]);
+  for (size_t i = 1; i < lines.size(); ++i) {
+    Area row = a->TakeTop(kNextLine);
+    row.TakeLeft(kFactName);
+    DrawLabel(l.view, Align::kLeft, row, lines[i], l.ink);
   }
 }
 
@@ -101,12 +110,14 @@ void DrawSelected(const Console* c, Area a) {
   }
   const FolderEntry e = c->folder.At(row);
   const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
-  const int sheet = std::min(220, a.h - 5 * 20 - 16);
+  const auto name = LinesOf(TheLook().view, Shown(e.name), a.w - kFactName);
+  const int facts = 5 * 20 + int(name.size() - 1) * kNextLine;
+  const int sheet = std::min(220, a.h - facts - 16);
   if (!e.folder && sheet >= 120) {
     DrawSheet({a.x + (a.w - sheet * 10 / 14) / 2, a.y, sheet * 10 / 14, sheet}, e, kind);
     a.TakeTop(sheet + 16);
   }
-  DrawName(&a, Shown(e.name));
+  DrawName(&a, name);
   DrawFact(&a, "Kind", KindText(kind));
   if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
   DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
@@ -124,7 +135,7 @@ void DrawPrinter(const Console* c, Area a) {
   const bool away = c->state.link == Link::kAway;
   DrawFact(&a, "Name", Shown(p->name));
   Area row = a.TakeTop(20);
-  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(64), "State", l.second);
+  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), "State", l.second);
   const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
                       : p->state == NC_PRINTER_PRINTING ? l.accent
                                                         : l.good;
