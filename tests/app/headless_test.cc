@@ -176,6 +176,33 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   EXPECT_EQ(c_->stop, Stop::kFiles);
 }
 
+// The beginning of a name, typed within a second, and one letter again and again. Tab passes over
+// what is disabled.
+TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
+  for (const char* name : {"big.bin", "bravo.txt", "brochure.pdf", "with\nline.txt"})
+    home_.File(name, "x");
+  Open("127.0.0.2");
+  const auto typed = [this](const char* letters) {
+    for (; *letters; ++letters) Key(uint8_t(*letters), uint8_t(*letters));
+    return Selected();
+  };
+  EXPECT_EQ(typed("b"), "big.bin");
+  EXPECT_EQ(typed("r"), "bravo.txt");
+  EXPECT_EQ(typed("O"), "brochure.pdf");
+  Turn(70);
+  EXPECT_EQ(typed("b"), "big.bin");
+  EXPECT_EQ(typed("b"), "bravo.txt");
+  Turn(70);
+  EXPECT_EQ(typed("bq"), "brochure.pdf") << "what is not there selects nothing else";
+  EXPECT_EQ(Shown("with\nline\x7f.txt"), "with?line?.txt");
+  Turn(70);
+  c_->files.Select(-1);
+  for (const Stop stop : {Stop::kQueue, Stop::kCopies}) {
+    Key(0xFF09);
+    EXPECT_EQ(c_->stop, stop);
+  }
+}
+
 TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
   Open("127.0.0.0");
   Click(FileRow("letter.txt"));
