@@ -393,6 +393,7 @@ void Key(Console* c, int type) {
 // --- Time
 
 void TakeUpServer(Console* c) {
+  if (!XwReplaying()) c->server.StopKeeping();
   const std::string news = c->server.News();
   const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
   if (!wanted) return;

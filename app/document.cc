@@ -99,7 +99,7 @@ Document::Document(const std::string& path) : reading_(std::make_shared<Reading>
   }
   if (out_ && !errand_.failed()) return;
   reading_->opened = true;
-  reading_->trouble = out_ ? "too many files do not answer" : strerror(errno);
+  reading_->trouble = out_ ? "no thread is left to read it" : strerror(errno);
 }
 
 bool Document::Opened(int ms) const {

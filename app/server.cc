@@ -24,8 +24,8 @@ constexpr int kPatienceMs = 20000;
 // Nothing that the worker waits for outlasts the wish to stop.
 constexpr int kStopMs = 200;
 
-// What a person would see of the state, as one number. How far a transfer has come is left out: it
-// depends on the network alone.
+// What a person would see of the state, as one number. How far a transfer has come, and how long
+// its file has been silent, are left out: they depend on the network and the disk alone.
 class Digest {
  public:
   Digest& operator<<(std::string_view text) {
@@ -158,6 +158,18 @@ void Server::TakeUp(const std::string& news, ServerState* state) {
   }
   seen_quiet_ = state->quiet_s = quiet;
   state->retry_ms = retry;
+}
+
+void Server::StopKeeping() {
+  Locked lock(shared_.get());
+  if (!shared_->keep) return;
+  shared_->keep = false;
+  std::vector<Notice> notices;
+  for (const ServerState& s : shared_->kept)
+    notices.insert(notices.end(), s.notices.begin(), s.notices.end());
+  shared_->kept.clear();
+  shared_->state.notices = std::move(notices);
+  seen_ = 0;
 }
 
 int Server::Send(PrintOrder order) {

@@ -95,6 +95,8 @@ class Server {
   // Takes up the state that these words tell of. Usually that of the last News(); in a replay the
   // worker may be ahead of it or behind, and is then waited for.
   void TakeUp(const std::string& news, ServerState* state);
+  // The replay is over: from now on the newest state counts.
+  void StopKeeping();
   // The order's number as a transfer.
   int Send(PrintOrder order);
   // Takes a transfer out, whatever its state; one that has arrived meanwhile is removed as a job.

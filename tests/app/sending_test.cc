@@ -42,8 +42,12 @@ class SendingTest : public ConsoleTest {
 
 // What the worker publishes between the words and the taking up comes with the next words: else a
 // recording's words would tell of another state than was shown.
-TEST(ServerNews, IsWhatIsTakenUp) {
-  Server server("127.0.0.1");
+class ServerNews : public testing::TestWithParam<bool> {};
+
+TEST_P(ServerNews, IsWhatIsTakenUp) {
+  const bool replayed = GetParam();
+  Server server("127.0.0.1", replayed);
+  if (replayed) server.StopKeeping();
   std::string news;
   while ((news = server.News()).empty()) usleep(1000);
   PrintOrder order;
@@ -57,6 +61,7 @@ TEST(ServerNews, IsWhatIsTakenUp) {
   server.TakeUp(next, &state);
   EXPECT_EQ(state.transfers.size(), 1u);
 }
+INSTANTIATE_TEST_SUITE_P(AfterAReplay, ServerNews, testing::Bool());
 
 // The selection goes from the sending to its job, also where the list of jobs comes later, and the
 // first click on a button counts.
