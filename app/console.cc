@@ -514,6 +514,14 @@ void Tell(Console* c, bool good, const std::string& utf8) {
   c->damage |= kStatusPane;
 }
 
+ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled) {
+  ButtonState s;
+  s.enabled = enabled;
+  s.hover = c->hover == hit && !c->pressed;
+  s.pressed = c->hover == hit && c->pressed == hit;
+  return s;
+}
+
 void DrawConsole(Console* c) {
   if (!c->damage) return;
   unsigned damage = c->damage;

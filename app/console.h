@@ -9,6 +9,7 @@
 #include "app/folder_reader.h"
 #include "app/hits.h"
 #include "app/layout.h"
+#include "app/look.h"
 #include "app/server.h"
 #include "app/table.h"
 
@@ -131,6 +132,8 @@ void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
+// How a button looks that can be hit there.
+ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
 // Whether the keyboard is there; a question has it before everything else.
 inline bool HasKeyboard(const Console* c, Stop stop) {
   return c->stop == stop && !c->asking;

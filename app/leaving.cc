@@ -110,9 +110,7 @@ void DrawQuestion(const Console* c) {
             l.second);
   for (const int answer : {kClose, kKeepOpen}) {
     const Hit hit{kQuestion, 1, answer};
-    ButtonState s;
-    s.hover = c->hover == hit && !c->pressed;
-    s.pressed = c->hover == hit && c->pressed == hit;
+    ButtonState s = ButtonAt(c, hit, true);
     s.focused = c->answer == answer;
     const Area button = ButtonArea(c, answer);
     DrawLabel(l.normal, Align::kCenter, button, kLabels[answer], DrawFace(button, s, l.tool_bar));

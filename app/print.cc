@@ -72,21 +72,20 @@ int Worker::SendFile(const Transfer& t, std::string* why) {
   Document document(t.order.path);
   document_ = &document;
   progress_ = {0, MonotonicMs()};
-  int result = kUnread;
-  while (!document.Opened(kSliceMs) && result == kUnread) {
-    if (Progress(this, 0, 0) != 0)
-      result = NC_CANCELLED;
-    else if (MonotonicMs() - progress_.at > kStallMs)
-      break;
-  }
-  if (result == kUnread && document.Opened(0)) {
-    *why = document.Trouble();
-    if (why->empty()) result = SendDocument(t, document, why);
-  } else if (result == kUnread) {
-    *why = kNoAnswer;
-  }
+  const int result = SendOnceOpened(t, document, why);
   document_ = nullptr;
   return result;
+}
+
+int Worker::SendOnceOpened(const Transfer& t, const Document& document, std::string* why) {
+  while (!document.Opened(kSliceMs)) {
+    if (Progress(this, 0, 0) != 0) return NC_CANCELLED;
+    if (MonotonicMs() - progress_.at <= kStallMs) continue;
+    *why = kNoAnswer;
+    return kUnread;
+  }
+  *why = document.Trouble();
+  return why->empty() ? SendDocument(t, document, why) : kUnread;
 }
 
 int Worker::SendDocument(const Transfer& t, const Document& document, std::string* why) {

@@ -206,10 +206,7 @@ void DrawHead(const Console* c) {
   for (const ButtonRow& row : kButtons) {
     const Hit hit{kJobButtons, int(row.action) + 1, 0};
     const Area a = c->layout.*row.area;
-    ButtonState s;
-    s.enabled = CanChange(c, row.action);
-    s.hover = c->hover == hit && !c->pressed;
-    s.pressed = c->hover == hit && c->pressed == hit;
+    const ButtonState s = ButtonAt(c, hit, CanChange(c, row.action));
     DrawLabel(l.view, Align::kCenter, a, row.label, DrawFace(a, s, l.tool_bar));
   }
   head = head.Inset(12, 0);

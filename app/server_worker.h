@@ -42,6 +42,7 @@ class Worker {
   void SendNext();
   bool NextTransfer(Transfer* out);
   int SendFile(const Transfer& t, std::string* why);
+  int SendOnceOpened(const Transfer& t, const Document& document, std::string* why);
   int SendDocument(const Transfer& t, const Document& document, std::string* why);
   void Finish(int number, int result, const std::string& why);
   void Settle(int number, int result, const std::string& why);

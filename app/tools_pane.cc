@@ -12,12 +12,7 @@ constexpr int kMostCopies = 999, kMostPriority = 100;
 constexpr int kKnob = 15;
 
 ButtonState StateOf(const Console* c, int tool, bool enabled) {
-  const Hit hit{kTools, tool, 0};
-  ButtonState s;
-  s.enabled = enabled;
-  s.hover = c->hover == hit && !c->pressed;
-  s.pressed = c->pressed == hit && c->hover == hit;
-  return s;
+  return ButtonAt(c, {kTools, tool, 0}, enabled);
 }
 
 void DrawSignButton(const Console* c, int tool, const Area& a, Sign sign, bool enabled) {
