@@ -3,8 +3,8 @@
 // A window manager answers in its own time, and on the way to what was asked it reports other
 // bounds: those of requests before, those from before the request, and those that new size hints
 // make of the present ones. Taken for the user's doing they would undo what the program has just
-// done. So while a request is open only its own answer is passed on at once; anything else is held
-// until no answer has come for a while: then it is what the window manager grants instead.
+// done. So while requests are open only the answer to the last is passed on at once; anything else
+// is held until no answer has come for a while: then it is what the window manager grants instead.
 #include <algorithm>
 
 #include "platform/display/x11/x.h"
@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kPatience = 0.1;  // seconds from the last request to taking no for an answer
 constexpr double kForgotten = 1;   // a request that is older gets no answer any more
+constexpr size_t kMostOpen = 64;
 
 // A size that comes from outside decides how much memory is taken: no window need be larger than
 // twice the screens, unless the program itself asked for that.
@@ -58,23 +59,40 @@ void MoveResizeNative(WindowRef w) {
   SetSizeHints(*n);
   const uint32_t values[] = {uint32_t(Clamp16(r.left)), uint32_t(Clamp16(r.top)), Side(r.width()),
                              Side(r.height())};
-  n->asked.sequence = xcb_configure_window(x.c, n->id,
-                                           XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
-                                               XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-                                           values)
-                          .sequence;
-  n->asked.open = true;
-  n->asked.bounds = r;
+  const unsigned sequence =
+      xcb_configure_window(x.c, n->id,
+                           XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                               XCB_CONFIG_WINDOW_HEIGHT,
+                           values)
+          .sequence;
+  auto& open = n->asked.open;
+  if (!open.empty() && open.back().bounds == r) open.pop_back();
+  if (open.size() == kMostOpen) open.erase(open.begin());
+  open.push_back({r, sequence});
   n->asked.since = Now();
   SetEventLoopTimerNextFireTime(n->asked.patience, kPatience);
+}
+
+// Closes the request that these bounds answer: the oldest that asked for them, since its answer may
+// come when later ones are on their way already. Those before it get no answer any more. True when
+// no request is open then.
+bool IsLastAnswer(Native* n, const DeviceRect& bounds, uint16_t sequence) {
+  auto& open = n->asked.open;
+  const auto answered = std::find_if(open.begin(), open.end(), [&](const auto& request) {
+    return request.bounds == bounds && int16_t(sequence - uint16_t(request.sequence)) >= 0;
+  });
+  if (answered == open.end()) return false;
+  open.erase(open.begin(), answered + 1);
+  // The others are being dealt with.
+  SetEventLoopTimerNextFireTime(n->asked.patience, kPatience);
+  return open.empty();
 }
 
 void TakeBounds(Native* n, const DeviceRect& told, uint16_t sequence) {
   const DeviceRect bounds = Bounded(*n, told);
   auto& asked = n->asked;
-  if (asked.open && Now() - asked.since > kForgotten) ForgetAsked(n);
-  const bool after_request = int16_t(sequence - uint16_t(asked.sequence)) >= 0;
-  if (!asked.open || (after_request && bounds == asked.bounds)) {
+  if (!asked.open.empty() && Now() - asked.since > kForgotten) ForgetAsked(n);
+  if (asked.open.empty() || IsLastAnswer(n, bounds, sequence)) {
     ForgetAsked(n);
     Report(n, bounds);
     return;

@@ -83,10 +83,12 @@ struct Native {
   bool bounds_known = false;
   // What the program has asked for and the window manager has not answered yet (bounds.cc).
   struct {
-    bool open = false;
-    DeviceRect bounds;
-    unsigned sequence = 0;  // of the request
-    double since = 0;
+    struct Request {
+      DeviceRect bounds;
+      unsigned sequence;
+    };
+    std::vector<Request> open;  // oldest first, neighbours differ
+    double since = 0;           // the newest
     DeviceRect held;                       // the last other bounds that came meanwhile
     EventLoopTimerRef patience = nullptr;  // runs while something is held
   } asked;
