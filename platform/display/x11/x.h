@@ -87,8 +87,8 @@ struct Native {
       DeviceRect bounds;
       unsigned sequence;
     };
-    std::vector<Request> open;  // oldest first, neighbours differ
-    double since = 0;           // the newest
+    std::vector<Request> open;             // oldest first, neighbours differ
+    double since = 0;                      // the newest
     DeviceRect held;                       // the last other bounds that came meanwhile
     EventLoopTimerRef patience = nullptr;  // runs while something is held
   } asked;
