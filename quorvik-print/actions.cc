@@ -7,11 +7,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "app/cli/cli.h"
-#include "app/cli/jobs.h"
 #include "os/os.h"
 #include "printserver/nc.h"
 #include "printserver/records.h"
+#include "quorvik-print/cli.h"
+#include "quorvik-print/jobs.h"
 
 namespace cli {
 

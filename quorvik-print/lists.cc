@@ -5,10 +5,10 @@
 #include <cstring>
 #include <ctime>
 
-#include "app/cli/cli.h"
-#include "app/cli/jobs.h"
 #include "printserver/nc.h"
 #include "printserver/records.h"
+#include "quorvik-print/cli.h"
+#include "quorvik-print/jobs.h"
 
 namespace cli {
 

@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "app/cli/cli.h"
 #include "printserver/nc.h"
+#include "quorvik-print/cli.h"
 
 namespace cli {
 

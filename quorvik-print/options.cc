@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "app/cli/cli.h"
+#include "quorvik-print/cli.h"
 
 namespace cli {
 
