@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/display/headless/headless.h"
+#include "platform/events/raw_event.h"
 #include "toolkit/events/events.h"
 #include "toolkit/windows/windows.h"
 #include "toolkit/xw.h"

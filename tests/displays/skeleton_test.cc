@@ -5,6 +5,8 @@
 
 #include "platform/display/display.h"
 #include "platform/display/window.h"
+#include "platform/loop/start.h"
+#include "platform/windows/windows.h"
 #include "toolkit/windows/windows.h"
 #include "toolkit/xw.h"
 

@@ -3,6 +3,8 @@
 #include <cstdlib>
 
 #include "platform/events/event.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
 #include "toolkit/events/events.h"
 
 namespace x11_test {

@@ -1,6 +1,7 @@
 // Which platform events reach which handler of the toolkit.
 #include <iterator>
 
+#include "platform/events/targets.h"
 #include "toolkit/events/events.h"
 #include "toolkit/windows/windows.h"
 

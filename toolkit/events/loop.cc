@@ -1,6 +1,9 @@
 // Waiting for events and handing them to the windows that they are addressed to.
 #include <cstdlib>
 
+#include "platform/events/clock.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
 #include "toolkit/events/events.h"
 #include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"

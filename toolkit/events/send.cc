@@ -1,6 +1,7 @@
 // Posting toolkit events: heap copies of a record that travel through the platform's queue.
 #include <cstdlib>
 
+#include "platform/events/queue.h"
 #include "toolkit/events/events.h"
 #include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"

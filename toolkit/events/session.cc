@@ -6,7 +6,12 @@
 #include <cstring>
 #include <new>
 
+#include "platform/display/screens.h"
+#include "platform/events/queue.h"
+#include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
+#include "platform/loop/start.h"
+#include "platform/menus/menu_bar.h"
 #include "platform/text/mac_roman.h"
 #include "toolkit/events/events.h"
 #include "toolkit/windows/windows.h"

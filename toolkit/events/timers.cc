@@ -1,4 +1,5 @@
 // Timers: a table of pairs (window, value) over the platform's event-loop timers.
+#include "platform/events/timers.h"
 #include "toolkit/events/events.h"
 #include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"
