@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "platform/events/queue.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "platform/windows/window.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

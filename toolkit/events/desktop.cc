@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "platform/windows/windows.h"
-#include "toolkit/drawing/target.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/target/selection.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

@@ -1,8 +1,8 @@
 // Waiting for events and handing them to the windows that they are addressed to.
 #include <cstdlib>
 
+#include "toolkit/core/trace.h"
 #include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

@@ -1,6 +1,6 @@
 // Pointer events: which window of the tree gets them, in which coordinates; grabs.
+#include "toolkit/core/trace.h"
 #include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

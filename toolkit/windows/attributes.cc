@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "platform/fonts/mac_roman.h"
-#include "toolkit/drawing/target.h"
 #include "toolkit/events/events.h"
+#include "toolkit/target/selection.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

@@ -1,7 +1,7 @@
 // Hit-box lists: which drawn thing lies under the pointer.
 #include <cstdlib>
 
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/windows/windows.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Moving and sizing windows.
-#include "toolkit/drawing/target.h"
 #include "toolkit/events/events.h"
+#include "toolkit/target/selection.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "platform/windows/windows.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

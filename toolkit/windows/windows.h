@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "platform/windows/windows.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/xw.h"
 
 constexpr int kSubWindow = 12;

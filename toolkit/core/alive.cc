@@ -1,7 +1,7 @@
 // The set of live records: open addressing, because it is asked at every public call.
 #include <vector>
 
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/windows/windows.h"
 
 namespace {

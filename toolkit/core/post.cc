@@ -1,8 +1,8 @@
 // Posting toolkit events: heap copies of a record that travel through the platform's queue.
 #include <cstdlib>
 
+#include "toolkit/core/trace.h"
 #include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

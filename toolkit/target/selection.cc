@@ -1,10 +1,10 @@
-#include "toolkit/drawing/target.h"
+#include "toolkit/target/selection.h"
 
 #include <vector>
 
 #include "platform/graphics/context.h"
 #include "platform/graphics/region.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

@@ -1,6 +1,6 @@
 // Timers: a table of pairs (window, value) over the platform's event-loop timers.
+#include "toolkit/core/trace.h"
 #include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
 #include "toolkit/windows/windows.h"
 
 using namespace platform;

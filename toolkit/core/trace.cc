@@ -1,4 +1,4 @@
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 
 #include <cstdarg>
 #include <cstdio>
