@@ -5,6 +5,7 @@
 
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/trace.h"
+#include "toolkit/windows/boxes.h"
 
 namespace {
 

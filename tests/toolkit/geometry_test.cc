@@ -6,6 +6,7 @@
 
 #include "platform/windows/window.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/state.h"
 #include "toolkit/core/trace.h"
 
 namespace {

@@ -8,6 +8,8 @@
 #include <cstring>
 
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
 
 namespace {
 

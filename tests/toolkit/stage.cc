@@ -1,4 +1,7 @@
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
 
 #include <cstdlib>
 #include <map>

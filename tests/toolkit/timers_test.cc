@@ -5,6 +5,8 @@
 
 #include "platform/events/queue.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
 #include "toolkit/core/trace.h"
 
 namespace {

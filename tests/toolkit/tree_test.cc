@@ -7,6 +7,9 @@
 
 #include "platform/windows/window.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
 #include "toolkit/core/trace.h"
 
 namespace {

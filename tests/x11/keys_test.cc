@@ -5,7 +5,7 @@
 
 #include "platform/display/x11/xkb.h"
 #include "tests/x11/reports.h"
-#include "toolkit/events/events.h"
+#include "toolkit/core/post.h"
 #include "toolkit/xw.h"
 
 namespace x11_test {

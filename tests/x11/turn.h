@@ -3,7 +3,8 @@
 #include <cstdlib>
 
 #include "platform/events/events.h"
-#include "toolkit/events/events.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/post.h"
 
 namespace x11_test {
 

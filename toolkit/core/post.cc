@@ -1,13 +1,12 @@
 // Posting toolkit events: heap copies of a record that travel through the platform's queue.
+#include "toolkit/core/post.h"
+
 #include <cstdlib>
 
-#include "toolkit/core/trace.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/memory.h"
 
 using namespace platform;
-
-XwEvent Inp;
 
 namespace {
 
@@ -28,6 +27,13 @@ inline void PostNextRecord() {
 
 }  // namespace
 
+void SetEventRect(int x, int y, int width, int height) {
+  Inp.x = x;
+  Inp.y = y;
+  Inp.width = width;
+  Inp.height = height;
+}
+
 void PostEvent(const XwEvent& event) {
   *next_record = event;
   PostNextRecord();
@@ -43,6 +49,11 @@ void XwSendEvent(XwWindow* window, int type, int item, XwValue value, int param)
   record.value = value;
   record.param = param;
   PostNextRecord();
+}
+
+void PostExpose(XwWindow* w) {
+  SetEventRect(0, 0, w->width, w->height);
+  XwSendEvent(w, XWE_EXPOSE, 0, 0, 0);
 }
 
 int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {

@@ -1,11 +1,9 @@
-// Timers: a table of pairs (window, value) over the platform's event-loop timers.
-#include "toolkit/core/trace.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/timers.h"
+
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
 
 using namespace platform;
-
-XwTimerSlot Timers[kTimerSlots];
 
 namespace {
 

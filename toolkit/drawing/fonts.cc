@@ -9,7 +9,7 @@
 
 #include "platform/fonts/fonts.h"
 #include "platform/fonts/mac_roman.h"
-#include "toolkit/xw.h"
+#include "toolkit/core/state.h"
 
 using namespace platform;
 
@@ -18,7 +18,8 @@ namespace {
 enum : int32_t { kBold = 1, kItalic = 2, kNarrow = 32 };
 
 XwFont* NewFont() {
-  static auto* fonts = new std::vector<std::unique_ptr<XwFont>>;
+  auto*& fonts = toolkit::state.fonts;
+  if (!fonts) fonts = new std::vector<std::unique_ptr<XwFont>>;
   fonts->push_back(std::make_unique<XwFont>());
   return fonts->back().get();
 }

@@ -1,13 +1,15 @@
 // Rectangles, lines, polygons, ovals. Nothing is checked here that the context checks.
 #include "platform/graphics/context.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
+using toolkit::state;
 
 void XwFillRect(int x, int y, int w, int h) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.fill);
+  SetContextColor(c, state.colors.fill);
   FillRect(c, x, y, w, h);
 }
 
@@ -35,10 +37,10 @@ static void StrokeCurrent(Stroke stroke) {
     SetContextColor(c, Encode(DashCol1));
     SetContextDash(c, DashOffset, DashArray1, DashCount);
     stroke(c);
-    g_colors.stroke = Encode(DashCol2);
+    state.colors.stroke = Encode(DashCol2);
     SetContextDash(c, DashOffset + DashArray1[0], DashArray1, DashCount);
   }
-  SetContextColor(c, g_colors.stroke);
+  SetContextColor(c, state.colors.stroke);
   stroke(c);
 }
 
@@ -58,20 +60,20 @@ void XwDrawLines(const int16_t* points, int n) {
 void XwFillPolygon(const int16_t* points, int n) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.fill);
+  SetContextColor(c, state.colors.fill);
   FillPolygon(c, points, n);
 }
 
 void XwDrawEllipse(int x, int y, int w, int h) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.oval);
+  SetContextColor(c, state.colors.oval);
   FrameOval(c, x, y, w, h);
 }
 
 void XwFillEllipse(int x, int y, int w, int h) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.oval);
+  SetContextColor(c, state.colors.oval);
   FillOval(c, x, y, w, h);
 }

@@ -1,4 +1,5 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/dashes.cc
   ${CMAKE_CURRENT_LIST_DIR}/fonts.cc
   ${CMAKE_CURRENT_LIST_DIR}/frames.cc
   ${CMAKE_CURRENT_LIST_DIR}/icon_bits.cc
@@ -6,6 +7,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/images.cc
   ${CMAKE_CURRENT_LIST_DIR}/look.cc
   ${CMAKE_CURRENT_LIST_DIR}/shapes.cc
-  ${CMAKE_CURRENT_LIST_DIR}/state.cc
   ${CMAKE_CURRENT_LIST_DIR}/text.cc
   ${CMAKE_CURRENT_LIST_DIR}/utf8.cc)

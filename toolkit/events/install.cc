@@ -1,8 +1,9 @@
-// Which platform events reach which handler of the toolkit.
-#include <iterator>
+#include "toolkit/events/install.h"
 
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/events/events.h"
+#include "toolkit/events/desktop.h"
+#include "toolkit/events/keyboard.h"
+#include "toolkit/events/mouse.h"
 
 using namespace platform;
 

@@ -1,16 +1,18 @@
-// The selected window: its context and clip, made when it is selected.
+// The selected window, and its context, made when it is selected.
 #pragma once
+#include "platform/base.h"
+#include "toolkit/core/state.h"
 #include "toolkit/xw.h"
 
-// Drops the clips of a parent and of its children: one of them has moved, come or gone.
-void ResetFamilyClips(XwWindow* parent);
-// Drops the clips of everything below a window.
-void ResetClipsBelow(XwWindow* w);
+// The context of XW; null when there is none.
+inline platform::ContextRef TargetContext() {
+  return XW ? reinterpret_cast<platform::ContextRef>(XW->context) : nullptr;
+}
+// Takes a window that ends out of the selection and the stack.
+void ForgetTarget(XwWindow* w);
 // Nothing is selected while the platform is at work; afterwards the caller's window is selected
-// anew, with the clip that it has by then.
+// again, with the clip that it has by then.
 struct TargetScope {
   TargetScope() { XwPush(nullptr); }
   ~TargetScope() { XwPop(); }
 };
-// Asks for a redraw of all of a window. Overwrites the current event's rectangle.
-void PostExpose(XwWindow* w);

@@ -1,0 +1,23 @@
+// The toolkit's own events: copies of a whole record that wait in the platform's queue.
+#pragma once
+#include "platform/events/events.h"
+#include "toolkit/xw.h"
+
+// Their class in the queue; the payload is one XwEvent from malloc, which whoever takes the event
+// out of the queue frees.
+constexpr uint32_t kToolkitEventClass = platform::FourCC("KRV ");
+
+// A copy of a record, queued. The window must be alive.
+void PostEvent(const XwEvent& event);
+// The rectangle of the current event.
+void SetEventRect(int x, int y, int width, int height);
+// Asks for a redraw of all of a window. Overwrites the current event's rectangle.
+void PostExpose(XwWindow* w);
+// Queued records whose window has ended go; those that only have such a window as focus lose it.
+void PurgeEvents();
+void PurgeTimerEvents();
+
+// Milliseconds as events carry them.
+inline uint32_t EventMilliseconds(double seconds) {
+  return uint32_t(uint64_t(seconds > 0 ? seconds * 1000 : 0));
+}
