@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "platform/display/display.h"
-#include "platform/events/events.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
+#include "platform/events/event.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/record.h"
 #include "toolkit/xw.h"

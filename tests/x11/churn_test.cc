@@ -8,7 +8,7 @@
 #include <map>
 
 #include "platform/display/x11/x.h"
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "platform/windows/windows.h"
 #include "tests/x11/session.h"
 #include "tests/x11/turn.h"

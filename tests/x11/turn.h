@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdlib>
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/post.h"
 

@@ -1,6 +1,6 @@
 // The toolkit's own events: copies of a whole record that wait in the platform's queue.
 #pragma once
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "toolkit/xw.h"
 
 // Their class in the queue; the payload is one XwEvent from malloc, which whoever takes the event

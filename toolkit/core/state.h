@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/base.h"
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "toolkit/core/trace.h"
 #include "toolkit/xw.h"
 

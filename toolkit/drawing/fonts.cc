@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "toolkit/core/state.h"
 
 using namespace platform;

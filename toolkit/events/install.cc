@@ -1,6 +1,6 @@
 #include "toolkit/events/install.h"
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "toolkit/events/desktop.h"
 #include "toolkit/events/keyboard.h"
 #include "toolkit/events/mouse.h"

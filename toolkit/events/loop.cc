@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/grab.h"

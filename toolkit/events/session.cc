@@ -6,7 +6,7 @@
 #include <new>
 
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/hooks.h"
 #include "toolkit/core/memory.h"

@@ -1,7 +1,7 @@
 // Showing, enabling, focus, title and the other attributes of a window.
 #include <cstring>
 
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
