@@ -71,7 +71,7 @@ struct State {
 };
 extern constinit State state;
 
-// State and globals as they were before the first session. What they own must be freed before.
+// State and globals become what they were before the first session. What they own is freed before.
 void ResetState();
 
 }  // namespace toolkit

@@ -1,4 +1,5 @@
-// Font handles and font names.
+#include "toolkit/drawing/fonts.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -91,4 +92,9 @@ XwFont* XwLoadFont(const char* xname) {
   if (std::strcmp(GetFontParm(xname, 4, part), "i") == 0) style += kItalic;
   long size = std::strtol(GetFontParm(xname, 7, part), nullptr, 10);
   return LoadFont(family, int(std::clamp(size, long{INT_MIN}, long{INT_MAX})), style);
+}
+
+void DropFonts() {
+  delete toolkit::state.fonts;
+  toolkit::state.fonts = nullptr;
 }

@@ -90,6 +90,13 @@ void FillCursorTable() {
   }
 }
 
+void ReleaseCursorTable() {
+  for (XwCursor*& cursor : XWcursors) {
+    ReleaseCursor(reinterpret_cast<CursorRef>(cursor));
+    cursor = nullptr;
+  }
+}
+
 void XwCocoaSetCursor(XwWindow* w, XwCursor* cursor) {
   if (cursor && IsLive(w)) ShowCursor(NativeWindow(w), reinterpret_cast<CursorRef>(cursor));
 }

@@ -5,6 +5,7 @@
 
 // Fills XWcursors.
 void FillCursorTable();
+void ReleaseCursorTable();
 // From a bitmap record; null for null and for a size outside 8..32.
 XwCursor* XwCocoaCreateCursor(const uint8_t* record);
 // Shows a cursor over `w`'s window; null is ignored.

@@ -8,9 +8,11 @@
 #include "platform/fonts/fonts.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
 #include "toolkit/core/hooks.h"
 #include "toolkit/core/memory.h"
 #include "toolkit/core/state.h"
+#include "toolkit/drawing/fonts.h"
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/install.h"
 
@@ -101,4 +103,32 @@ void XwEndSession() {
       slot.timer = nullptr;
     }
   FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
+}
+
+namespace {
+
+void DestroyWindows() {
+  while (W_End) {
+    XwWindow* w = W_End;
+    // The first window's record stays behind, empty.
+    const bool first = w == W_Start;
+    XwDestroy(w);
+    if (!first) continue;
+    free(w);
+    break;
+  }
+}
+
+}  // namespace
+
+void DropSession() {
+  if (!W_Root) return;
+  XwEndSession();
+  DestroyWindows();
+  free(W_Root);
+  ReleaseCursorTable();
+  DropFonts();
+  DropLive();
+  FinishPlatform();
+  toolkit::ResetState();
 }
