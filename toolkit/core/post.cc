@@ -72,23 +72,25 @@ int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {
   return result;
 }
 
-void PurgeEvents() {
-  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [](const Event& e) {
-    if (e.cls != kToolkitEventClass) return false;
-    auto* record = static_cast<XwEvent*>(e.payload);
-    if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
-    if (!record->window || IsLive(record->window)) return false;
-    free(record);
+bool EVclose_find_func(const Event& event, const XwWindow* window) {
+  if (event.cls != kToolkitEventClass) return false;
+  const XwWindow* named = static_cast<XwEvent*>(event.payload)->window;
+  return named && (named == window || !IsLive(named));
+}
+
+void RemoveRecords(const std::function<bool(const Event&)>& drop) {
+  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [&drop](const Event& e) {
+    if (!drop(e)) return false;
+    free(e.payload);
     return true;
   });
 }
 
-void PurgeTimerEvents() {
-  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [](const Event& e) {
+void PurgeEvents(const XwWindow* window) {
+  RemoveRecords([window](const Event& e) {
     if (e.cls != kToolkitEventClass) return false;
     auto* record = static_cast<XwEvent*>(e.payload);
-    if (record->type != XWE_TIMER) return false;
-    free(record);
-    return true;
+    if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
+    return EVclose_find_func(e, window);
   });
 }

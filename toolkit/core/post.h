@@ -1,5 +1,7 @@
 // The toolkit's own events: copies of a whole record that wait in the platform's queue.
 #pragma once
+#include <functional>
+
 #include "platform/events/event.h"
 #include "toolkit/xw.h"
 
@@ -13,9 +15,13 @@ void PostEvent(const XwEvent& event);
 void SetEventRect(int x, int y, int width, int height);
 // Asks for a redraw of all of a window. Overwrites the current event's rectangle.
 void PostExpose(XwWindow* w);
-// Queued records whose window has ended go; those that only have such a window as focus lose it.
-void PurgeEvents();
-void PurgeTimerEvents();
+// True for a toolkit event that names `window`, or one that has ended with it.
+bool EVclose_find_func(const platform::Event& event, const XwWindow* window);
+// Removes the queued events for which `drop` is true, and frees their records. It is true for
+// toolkit events only.
+void RemoveRecords(const std::function<bool(const platform::Event&)>& drop);
+// `window`, and everything below it, has ended: its events go, and no event has it as focus.
+void PurgeEvents(const XwWindow* window);
 
 // Milliseconds as events carry them.
 inline uint32_t EventMilliseconds(double seconds) {

@@ -19,7 +19,7 @@ void Stop(XwTimerSlot& slot) {
   slot.value = 0;
   RemoveEventLoopTimer(slot.timer);
   slot.timer = nullptr;
-  PurgeTimerEvents();
+  RemoveRecords(EVtimer_find_func);
   for (XwTimerSlot& s : Timers) s.queued = false;
 }
 
@@ -36,6 +36,10 @@ XwTimerSlot* FreeSlot() {
 }
 
 }  // namespace
+
+bool EVtimer_find_func(const Event& event) {
+  return event.cls == kToolkitEventClass && static_cast<XwEvent*>(event.payload)->type == XWE_TIMER;
+}
 
 void TimerTaken(XwWindow* window, XwValue value) {
   for (XwTimerSlot& slot : Timers)

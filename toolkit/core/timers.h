@@ -4,3 +4,5 @@
 
 // A timer's event has left the queue: its next firing queues another.
 void TimerTaken(XwWindow* window, XwValue value);
+// True for the event of a timer, whichever it is.
+bool EVtimer_find_func(const platform::Event& event);

@@ -149,6 +149,6 @@ void XwDestroy(XwWindow* w) {
   Begin(w);
   if (w->child_count > 0) DestroyBelow(w);
   Finish(w);
-  PurgeEvents();
+  PurgeEvents(w);
   FreeRecord(w);
 }
