@@ -5,9 +5,10 @@
 
 #include "platform/display/display.h"
 #include "platform/display/window.h"
+#include "platform/events/event.h"
 #include "platform/loop/start.h"
 #include "platform/windows/windows.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/record.h"
 #include "toolkit/xw.h"
 
 namespace platform {

@@ -12,6 +12,8 @@
 #include <tuple>
 
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/state.h"
 
 namespace {
 

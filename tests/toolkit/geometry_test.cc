@@ -7,7 +7,8 @@
 #include "platform/display/window.h"
 #include "platform/windows/windows.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include "platform/input/translate.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/events/keyboard.h"
 
 namespace {
 

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/state.h"
+#include "toolkit/events/mouse.h"
 
 namespace {
 

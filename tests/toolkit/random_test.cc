@@ -14,6 +14,10 @@
 #include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
 
 namespace {
 

@@ -7,9 +7,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/events/targets.h"
 #include "platform/loop/receive.h"
 #include "platform/menus/menu_bar.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
 
 namespace {
 

@@ -6,7 +6,9 @@
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

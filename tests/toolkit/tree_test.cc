@@ -9,7 +9,10 @@
 #include "platform/events/queue.h"
 #include "platform/windows/windows.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

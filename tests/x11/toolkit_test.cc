@@ -6,7 +6,6 @@
 #include "tests/x11/bus.h"
 #include "tests/x11/managed.h"
 #include "tests/x11/turn.h"
-#include "toolkit/events/events.h"
 #include "toolkit/xw.h"
 
 namespace x11_test {

@@ -5,7 +5,8 @@
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
-#include "toolkit/events/events.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/post.h"
 
 namespace x11_test {
 

@@ -1,4 +1,5 @@
-// Font handles and font names.
+#include "toolkit/drawing/fonts.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -9,7 +10,7 @@
 
 #include "platform/fonts/fonts.h"
 #include "platform/text/mac_roman.h"
-#include "toolkit/xw.h"
+#include "toolkit/core/state.h"
 
 using namespace platform;
 
@@ -18,7 +19,8 @@ namespace {
 enum : int32_t { kBold = 1, kItalic = 2, kNarrow = 32 };
 
 XwFont* NewFont() {
-  static auto* fonts = new std::vector<std::unique_ptr<XwFont>>;
+  auto*& fonts = toolkit::state.fonts;
+  if (!fonts) fonts = new std::vector<std::unique_ptr<XwFont>>;
   fonts->push_back(std::make_unique<XwFont>());
   return fonts->back().get();
 }
@@ -90,4 +92,9 @@ XwFont* XwLoadFont(const char* xname) {
   if (std::strcmp(GetFontParm(xname, 4, part), "i") == 0) style += kItalic;
   long size = std::strtol(GetFontParm(xname, 7, part), nullptr, 10);
   return LoadFont(family, int(std::clamp(size, long{INT_MIN}, long{INT_MAX})), style);
+}
+
+void DropFonts() {
+  delete toolkit::state.fonts;
+  toolkit::state.fonts = nullptr;
 }

@@ -2,7 +2,10 @@
 #include <algorithm>
 
 #include "platform/theme/theme.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/ground.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
 

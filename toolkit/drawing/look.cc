@@ -1,7 +1,9 @@
 // The desktop's colours and soft shapes, for programs that draw their own content in its look.
 #include "platform/graphics/context.h"
 #include "platform/theme/roles.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
 

@@ -4,9 +4,12 @@
 #include <cstring>
 
 #include "platform/fonts/fonts.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
+using toolkit::state;
 
 namespace {
 
@@ -124,9 +127,9 @@ void DrawLineOfText(const XwFont* font, int flags, int x, int y, const char* tex
     width = GetTextScale(sized).Pixels(MeasureText(sized, text, n));
   PaintBackground(x, y, width, line_height, background);
   if (!IsRealColor(colour)) return;
-  g_colors.fill = ColorToRgb(colour);
+  state.colors.fill = ColorToRgb(colour);
   DrawGlyphs(TargetContext(), sized, x, Saturate(int64_t{y} + font->ascent), text, n,
-             g_colors.fill);
+             state.colors.fill);
   if (flags & kUnderline) XwBox(x, Saturate(int64_t{y} + line_height), width, 1, colour);
 }
 

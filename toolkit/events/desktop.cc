@@ -1,20 +1,22 @@
-// What the desktop does to windows and asks of the program.
+#include "toolkit/events/desktop.h"
+
 #include <cstring>
 
 #include "platform/windows/windows.h"
-#include "toolkit/drawing/target.h"
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/core/state.h"
+#include "toolkit/events/cursors.h"
+#include "toolkit/events/session.h"
+#include "toolkit/target/clip.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
-
-bool AppActive;
+using toolkit::state;
 
 namespace {
-
-constexpr size_t kPathSize = 400;
-constexpr int kPaths = 16;  // that may wait to be opened at once
 
 // The size next to `current` that differs from `original` by whole steps.
 int Snap(int original, int current, int step) {
@@ -74,15 +76,6 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
   if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
 }
 
-void ChooseCursor(XwWindow* w, Point where) {
-  if (GrabCursor) {
-    XwCocoaSetCursor(w, GrabCursor);
-    return;
-  }
-  XwWindow* sub = FindVirtualWindow(w, where.x - w->x, where.y - w->y);
-  XwCocoaSetCursor(w, sub ? sub->cursor : w->cursor);
-}
-
 void DrawContent(XwWindow* w) {
   TargetScope scope;
   PostExpose(w);
@@ -100,11 +93,6 @@ bool AskFirstWindow(int type) {
 }
 
 }  // namespace
-
-void RestoreCursors() {
-  for (XwWindow* w = W_Start; w; w = w->next)
-    if (IsTopLevel(w)) ChooseCursor(w, {Inp.root_x, Inp.root_y});
-}
 
 OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
@@ -161,17 +149,15 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
 }
 
 OSStatus EVapple_func(const Event* event) {
-  static char files[kPaths][kPathSize];
-  static unsigned next = 0;
   // Only the first document, however many were dropped.
   if (event->request.file_count < 1) return noErr;
   const char* path = event->request.files[0];
   size_t length = strlen(path);
-  if (length >= kPathSize) {
+  if (length >= toolkit::kPathSize) {
     Refuse(Refusal::kPathTooLong);
     return noErr;
   }
-  char* file = files[next++ % kPaths];
+  char* file = state.paths[state.next_path++ % toolkit::kPaths];
   memcpy(file, path, length + 1);
   if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, 0);
   return noErr;

@@ -1,9 +1,11 @@
-// Which platform events reach which handler of the toolkit.
-#include <iterator>
+#include "toolkit/events/install.h"
 
+#include "platform/events/event.h"
 #include "platform/events/targets.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/windows/windows.h"
+#include "toolkit/events/desktop.h"
+#include "toolkit/events/keyboard.h"
+#include "toolkit/events/mouse.h"
 
 using namespace platform;
 

@@ -1,13 +1,12 @@
-// Keys: from the platform's characters and virtual keys to the toolkit's codes.
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/events/keyboard.h"
+
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
+#include "toolkit/windows/boxes.h"
 
 using namespace platform;
 
 namespace {
-
-constexpr int kKeyCodes = 532;
-uint8_t KeyState[kKeyCodes];
 
 struct CodeRow {
   uint8_t character;

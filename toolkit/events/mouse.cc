@@ -1,13 +1,15 @@
-// Pointer events: which window of the tree gets them, in which coordinates; grabs.
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/events/mouse.h"
+
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/grab.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/events/cursors.h"
+#include "toolkit/events/loop.h"
+#include "toolkit/windows/boxes.h"
 
 using namespace platform;
-
-XwWindow* GrabWindow;
-bool PassiveGrab, ActiveGrab;
-XwCursor* GrabCursor;
 
 namespace {
 
@@ -91,7 +93,7 @@ OSStatus Button(XwWindow* w, const Event& e) {
 }
 
 OSStatus Motion(XwWindow* w, const Event& e) {
-  static Point lastpos{-1, -1};
+  Point& lastpos = toolkit::state.last_pen;
   if (e.mouse.tablet_type == kEventTabletPoint) {
     if (e.mouse.where == lastpos) {
       Inp.type = 0;
@@ -110,13 +112,6 @@ OSStatus Motion(XwWindow* w, const Event& e) {
 }
 
 }  // namespace
-
-void DropButtons(uint32_t mask) {
-  Inp.state &= ~mask;
-  if (Inp.state & XWS_BUTTONS) return;
-  PassiveGrab = false;
-  if (!ActiveGrab) GrabWindow = nullptr;
-}
 
 void SetTargetCoordinates(XwWindow* target) {
   Inp.px = Inp.root_x - target->x;
@@ -176,8 +171,4 @@ void XwUngrabPointer() {
   if (!GrabCursor) return;
   GrabCursor = nullptr;
   RestoreCursors();
-}
-
-XwWindow* XwPointerIsGrabbed() {
-  return GrabWindow;
 }

@@ -2,9 +2,14 @@
 #include <cstring>
 
 #include "platform/text/mac_roman.h"
-#include "toolkit/drawing/target.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/target/clip.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
 
@@ -84,4 +89,20 @@ char* XwGetText(XwWindow* w, char* dst) {
 
 void XwSetScrollHandler(XwWindow* w, XwScrollHandler handler) {
   if (CheckWindow(w)) w->scroll_handler = handler;
+}
+
+void XwSetGround(XwWindow* window, const int32_t* colour, int brush) {
+  static constexpr int16_t kCodes[] = {0, 15, 1, 7, 52};
+  if (!CheckWindow(window)) return;
+  if (colour) {
+    window->brush = 0;
+    window->color = *colour;
+  } else {
+    window->brush = brush >= 0 && brush <= 4 ? kCodes[brush] : Sat16(brush);
+  }
+  if (!IsTopLevel(window)) return;
+  WindowRef native = NativeWindow(window);
+  SetWindowBackgroundColor(native,
+                           IsRealColor(window->color) ? ColorToRgb(window->color) : kNoColor);
+  SetThemeWindowBackground(native, window->brush, true);
 }

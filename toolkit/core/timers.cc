@@ -1,12 +1,9 @@
-// Timers: a table of pairs (window, value) over the platform's event-loop timers.
 #include "platform/events/timers.h"
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/timers.h"
 
 using namespace platform;
-
-XwTimerSlot Timers[kTimerSlots];
 
 namespace {
 
@@ -22,7 +19,7 @@ void Stop(XwTimerSlot& slot) {
   slot.value = 0;
   RemoveEventLoopTimer(slot.timer);
   slot.timer = nullptr;
-  PurgeTimerEvents();
+  RemoveRecords(EVtimer_find_func);
   for (XwTimerSlot& s : Timers) s.queued = false;
 }
 
@@ -39,6 +36,10 @@ XwTimerSlot* FreeSlot() {
 }
 
 }  // namespace
+
+bool EVtimer_find_func(const Event& event) {
+  return event.cls == kToolkitEventClass && static_cast<XwEvent*>(event.payload)->type == XWE_TIMER;
+}
 
 void TimerTaken(XwWindow* window, XwValue value) {
   for (XwTimerSlot& slot : Timers)

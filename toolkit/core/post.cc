@@ -1,14 +1,13 @@
 // Posting toolkit events: heap copies of a record that travel through the platform's queue.
+#include "toolkit/core/post.h"
+
 #include <cstdlib>
 
 #include "platform/events/queue.h"
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/memory.h"
 
 using namespace platform;
-
-XwEvent Inp;
 
 namespace {
 
@@ -29,6 +28,13 @@ inline void PostNextRecord() {
 
 }  // namespace
 
+void SetEventRect(int x, int y, int width, int height) {
+  Inp.x = x;
+  Inp.y = y;
+  Inp.width = width;
+  Inp.height = height;
+}
+
 void PostEvent(const XwEvent& event) {
   *next_record = event;
   PostNextRecord();
@@ -44,6 +50,11 @@ void XwSendEvent(XwWindow* window, int type, int item, XwValue value, int param)
   record.value = value;
   record.param = param;
   PostNextRecord();
+}
+
+void PostExpose(XwWindow* w) {
+  SetEventRect(0, 0, w->width, w->height);
+  XwSendEvent(w, XWE_EXPOSE, 0, 0, 0);
 }
 
 int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {
@@ -62,23 +73,25 @@ int DirectSendEvent(XwWindow* window, int type, int item, XwValue value) {
   return result;
 }
 
-void PurgeEvents() {
-  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [](const Event& e) {
-    if (e.cls != kToolkitEventClass) return false;
-    auto* record = static_cast<XwEvent*>(e.payload);
-    if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
-    if (!record->window || IsLive(record->window)) return false;
-    free(record);
+bool EVclose_find_func(const Event& event, const XwWindow* window) {
+  if (event.cls != kToolkitEventClass) return false;
+  const XwWindow* named = static_cast<XwEvent*>(event.payload)->window;
+  return named && (named == window || !IsLive(named));
+}
+
+void RemoveRecords(const std::function<bool(const Event&)>& drop) {
+  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [&drop](const Event& e) {
+    if (!drop(e)) return false;
+    free(e.payload);
     return true;
   });
 }
 
-void PurgeTimerEvents() {
-  RemoveEventsFromQueue(static_cast<EventQueueRef>(MainQueue), [](const Event& e) {
+void PurgeEvents(const XwWindow* window) {
+  RemoveRecords([window](const Event& e) {
     if (e.cls != kToolkitEventClass) return false;
     auto* record = static_cast<XwEvent*>(e.payload);
-    if (record->type != XWE_TIMER) return false;
-    free(record);
-    return true;
+    if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
+    return EVclose_find_func(e, window);
   });
 }

@@ -1,12 +1,11 @@
 // The set of live records: open addressing, because it is asked at every public call.
+#include "toolkit/core/alive.h"
+
 #include <vector>
 
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+using toolkit::state;
 
-namespace {
-
-struct PointerSet {
+struct toolkit::PointerSet {
   std::vector<const XwWindow*> slots = std::vector<const XwWindow*>(64, nullptr);
   size_t count = 0;
 
@@ -46,27 +45,25 @@ struct PointerSet {
   }
 };
 
-PointerSet* set = nullptr;  // never freed: windows may be ended on the way out
-
-PointerSet& Live() {
-  if (!set) set = new PointerSet;
-  return *set;
-}
-
-}  // namespace
-
-const XwWindow* last_found_live = nullptr;
-
 bool FindLive(const XwWindow* w) {
-  if (!set || set->slots[set->Find(w)] != w) return false;
-  last_found_live = w;
+  if (!state.live || state.live->slots[state.live->Find(w)] != w) return false;
+  state.last_found = w;
   return true;
 }
 
+// Never freed by itself: windows may be ended on the way out.
 void EnterLive(XwWindow* w) {
-  Live().Add(w);
+  if (!state.live) state.live = new toolkit::PointerSet;
+  state.live->Add(w);
 }
+
 void LeaveLive(XwWindow* w) {
-  Live().Remove(w);
-  if (last_found_live == w) last_found_live = nullptr;
+  if (state.live) state.live->Remove(w);
+  if (state.last_found == w) state.last_found = nullptr;
+}
+
+void DropLive() {
+  delete state.live;
+  state.live = nullptr;
+  state.last_found = nullptr;
 }

@@ -1,9 +1,12 @@
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
 
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
+
+#include "toolkit/core/state.h"
 
 namespace {
 
@@ -20,8 +23,6 @@ unsigned ReadSubjects() {
   return mask;
 }
 
-Refusal latest = Refusal::kNone;
-
 }  // namespace
 
 const unsigned traced_subjects = ReadSubjects();
@@ -37,12 +38,10 @@ void Trace(Subject subject, const char* format, ...) {
 }
 
 void Refuse(Refusal what) {
-  latest = what;
+  toolkit::state.refusal = what;
   Trace(Subject::kWindows, "refused %s", kRefusals[int(what)]);
 }
 
 Refusal TakeRefusal() {
-  Refusal r = latest;
-  latest = Refusal::kNone;
-  return r;
+  return std::exchange(toolkit::state.refusal, Refusal::kNone);
 }
