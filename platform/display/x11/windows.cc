@@ -76,6 +76,7 @@ void DestroyNative(WindowRef w) {
   ForgetDrop(n);
   ForgetGrab(n);
   ForgetAsked(n);
+  ForgetCheck(n);
   FreeBuffer(n);
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);

@@ -92,6 +92,12 @@ struct Native {
     DeviceRect held;                       // the last other bounds that came meanwhile
     EventLoopTimerRef patience = nullptr;  // runs while something is held
   } asked;
+  // The question to the server where the window is, asked when an event that another program sent
+  // tells of other bounds than the known ones. Sequence numbers of its two requests; 0: not asked.
+  struct {
+    unsigned place = 0, size = 0;
+    bool passed_over = false;  // an event of the server's own, for one that was sent after it
+  } check;
   bool reparented = false;
   // Whether the program wants it shown, and how far that has come.
   bool wanted = false;
@@ -130,6 +136,7 @@ struct State {
     double server = 0, offset = 0;
   } clock;
   std::unordered_map<xcb_window_t, Native*> windows;
+  int checks = 0;                            // windows about whose place the server has been asked
   std::deque<xcb_generic_event_t*> pending;  // read, not looked at
   std::deque<RawEvent> out;                  // made, not handed out
   std::deque<std::string> paths;             // of the files to open in `out`, in their order
@@ -169,8 +176,13 @@ struct Reply {
 // Asks for DeviceBounds(*w).
 void MoveResizeNative(WindowRef w);
 // What the server says of the window's place, in an event with this sequence number.
-void TakeBounds(Native* n, const DeviceRect& bounds, uint16_t sequence);
+void TakeBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
+// The same out of an event that was sent by a program: the window manager, or one that pretends.
+void TakeToldBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
+// Takes the answers to the questions that TakeToldBounds has asked, as far as they have come.
+void TakeChecks();
 void ForgetAsked(Native* n);
+void ForgetCheck(Native* n);
 
 // --- windows.cc, hints.cc
 bool CreateNative(WindowRef w);
