@@ -20,8 +20,8 @@
 #include <vector>
 
 #include "bench/server.h"
+#include "platform/display/window.h"
 #include "platform/graphics/surface.h"
-#include "platform/windows/window.h"
 #include "platform/windows/windows.h"
 
 extern char** environ;

@@ -12,7 +12,7 @@
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/startup.h"
 #include "platform/desktop/uris.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "platform/windows/windows.h"
 
 namespace platform {

@@ -7,8 +7,8 @@
 #include <csignal>
 #include <vector>
 
-#include "platform/events/journal.h"
-#include "platform/events/translate.h"
+#include "platform/input/record.h"
+#include "platform/input/translate.h"
 
 namespace platform {
 namespace {

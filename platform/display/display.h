@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "platform/base.h"
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 
 namespace platform {
 

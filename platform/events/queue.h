@@ -1,6 +1,6 @@
 // What the rooms of the platform know of the queue and of a receive.
 #pragma once
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 
 namespace platform {
 

@@ -3,9 +3,9 @@
 
 #include <csignal>
 
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/events/standard.h"
-#include "platform/windows/window.h"
+#include "platform/loop/standard.h"
 
 namespace platform {
 namespace {

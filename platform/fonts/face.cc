@@ -3,7 +3,7 @@
 #include FT_ADVANCES_H
 
 #include "platform/fonts/finder.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 
 namespace platform {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "platform/fonts/face.h"
 #include "platform/fonts/finder.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 
 #include FT_SFNT_NAMES_H
 #include FT_TRUETYPE_IDS_H

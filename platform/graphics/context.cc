@@ -1,7 +1,7 @@
 #include "platform/graphics/context.h"
 
+#include "platform/display/window.h"
 #include "platform/graphics/context_state.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 namespace {

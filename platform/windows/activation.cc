@@ -2,9 +2,9 @@
 #include <algorithm>
 
 #include "platform/display/display.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
 #include "platform/theme/roles.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 namespace {

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "platform/display/display.h"
-#include "platform/events/journal.h"
-#include "platform/windows/session.h"
-#include "platform/windows/window.h"
+#include "platform/display/screens.h"
+#include "platform/display/window.h"
+#include "platform/input/record.h"
 
 namespace platform {
 namespace {

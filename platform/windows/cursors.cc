@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "platform/windows/windows.h"
 
 namespace platform {

@@ -5,9 +5,9 @@
 #include <unordered_set>
 
 #include "platform/display/display.h"
+#include "platform/display/screens.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/windows/session.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "toolkit/windows/windows.h"
 #include "toolkit/xw.h"
 

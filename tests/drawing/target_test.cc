@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "toolkit/xw.h"
 
 using namespace platform;

@@ -4,8 +4,8 @@
 #include <random>
 
 #include "platform/display/headless/headless.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "platform/display/headless/headless.h"
-#include "platform/events/journal.h"
-#include "platform/events/journal_line.h"
+#include "platform/input/record.h"
+#include "platform/input/record_line.h"
 #include "platform/windows/windows.h"
 #include "tests/support/seed.h"
 

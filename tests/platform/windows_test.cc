@@ -5,9 +5,9 @@
 #include <limits>
 
 #include "platform/display/headless/headless.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/events/translate.h"
-#include "platform/windows/window.h"
+#include "platform/input/translate.h"
 
 namespace platform {
 namespace {

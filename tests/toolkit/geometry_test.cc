@@ -4,7 +4,7 @@
 #include <climits>
 #include <cstring>
 
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/events/trace.h"
 

@@ -1,7 +1,7 @@
 // Keys: from the platform's characters and virtual keys to the toolkit's codes.
 #include <gtest/gtest.h>
 
-#include "platform/events/translate.h"
+#include "platform/input/translate.h"
 #include "tests/toolkit/stage.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <set>
 
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
 #include "tests/toolkit/stage.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/events/trace.h"
 

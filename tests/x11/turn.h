@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdlib>
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "toolkit/events/events.h"
 
 namespace x11_test {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "toolkit/xw.h"
 
 using namespace platform;

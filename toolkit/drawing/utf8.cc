@@ -1,5 +1,5 @@
 // The toolkit's characters and UTF-8, for programs whose names come from elsewhere.
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "toolkit/drawing/drawing.h"
 
 int XwFromUtf8(const char* utf8, char* dst, int size) {

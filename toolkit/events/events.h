@@ -1,6 +1,6 @@
 // What the rooms of the toolkit know of events: the transport, the platform handlers, the grab.
 #pragma once
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "platform/windows/windows.h"
 #include "toolkit/xw.h"
 

@@ -1,5 +1,5 @@
 // Record and replay, as programs see them.
-#include "platform/events/journal.h"
+#include "platform/input/record.h"
 #include "toolkit/xw.h"
 
 const char* XwTakeUp(const char* what, const char* detail) {

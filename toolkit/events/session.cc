@@ -7,7 +7,7 @@
 #include <new>
 
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "toolkit/events/events.h"
 #include "toolkit/windows/windows.h"
 

@@ -1,7 +1,7 @@
 // Showing, enabling, focus, title and the other attributes of a window.
 #include <cstring>
 
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "toolkit/drawing/target.h"
 #include "toolkit/events/events.h"
 #include "toolkit/windows/windows.h"

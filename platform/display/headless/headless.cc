@@ -10,7 +10,7 @@
 #include <poll.h>
 
 #include "platform/display/headless/state.h"
-#include "platform/events/translate.h"
+#include "platform/input/translate.h"
 
 namespace platform::headless {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "platform/display/headless/state.h"
-#include "platform/events/translate.h"
+#include "platform/input/translate.h"
 
 namespace platform::headless {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/display/headless/headless.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 
 namespace platform::headless {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 
 namespace platform {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 
 namespace platform::x11 {
 

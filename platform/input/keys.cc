@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "platform/events/translate.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/input/translate.h"
+#include "platform/text/mac_roman.h"
 
 namespace platform {
 namespace {

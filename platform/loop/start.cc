@@ -11,9 +11,9 @@
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/startup.h"
 #include "platform/display/display.h"
-#include "platform/events/journal.h"
-#include "platform/windows/session.h"
-#include "platform/windows/window.h"
+#include "platform/display/screens.h"
+#include "platform/display/window.h"
+#include "platform/input/record.h"
 
 namespace platform {
 namespace {

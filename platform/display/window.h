@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 #include "platform/graphics/surface.h"
 #include "platform/windows/windows.h"
 

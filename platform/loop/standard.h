@@ -1,6 +1,6 @@
 // What the platform itself does with an event, before and after the handlers.
 #pragma once
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 
 namespace platform {
 

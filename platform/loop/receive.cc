@@ -7,10 +7,10 @@
 #include <ctime>
 
 #include "platform/display/display.h"
-#include "platform/events/journal.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/events/translate.h"
-#include "platform/windows/window.h"
+#include "platform/input/record.h"
+#include "platform/input/translate.h"
 
 namespace platform {
 

@@ -1,4 +1,4 @@
-#include "platform/events/translate.h"
+#include "platform/input/translate.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "platform/desktop/requests.h"
-#include "platform/events/journal.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/windows/window.h"
+#include "platform/input/record.h"
 
 namespace platform {
 namespace {

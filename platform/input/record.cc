@@ -1,4 +1,4 @@
-#include "platform/events/journal.h"
+#include "platform/input/record.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -7,10 +7,10 @@
 #include <map>
 #include <vector>
 
-#include "platform/events/journal_line.h"
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/events/translate.h"
-#include "platform/windows/window.h"
+#include "platform/input/record_line.h"
+#include "platform/input/translate.h"
 
 namespace platform {
 

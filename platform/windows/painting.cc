@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "platform/display/display.h"
+#include "platform/display/window.h"
 #include "platform/theme/roles.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 

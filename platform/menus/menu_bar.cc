@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/display/screens.h"
+#include "platform/display/window.h"
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/context.h"
 #include "platform/theme/roles.h"
-#include "platform/windows/session.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
-#include "platform/events/standard.h"
+#include "platform/loop/standard.h"
 
 #include <csignal>
 
+#include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/windows/window.h"
 
 namespace platform {
 namespace {

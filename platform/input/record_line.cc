@@ -1,4 +1,4 @@
-#include "platform/events/journal_line.h"
+#include "platform/input/record_line.h"
 
 #include <cctype>
 #include <cmath>

@@ -3,7 +3,7 @@
 #include <poll.h>
 
 #include "platform/display/display.h"
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 
 namespace platform {
 
