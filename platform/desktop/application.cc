@@ -24,7 +24,7 @@ constexpr double kHold = 1;              // seconds that the program has to foll
 constexpr uint32_t kNameExists = 3;      // the answer to a request for a name that another has
 
 struct Application {
-  std::string name, path;
+  std::string name, path, token;
   bool tried = false;
   BusConnection bus;
   std::deque<RawEvent> out;
@@ -69,13 +69,13 @@ void TakeToken(sd_bus_message* m) {
     }
     if (Lib().exit(m) < 0) return;
   }
-  const Display* d = CurrentDisplay();
-  if (token != nullptr && *token != 0 && d->use_token != nullptr) d->use_token(token);
+  app.token = token != nullptr ? token : "";
 }
 
 void Activate(sd_bus_message* m) {
+  app.token.clear();
   TakeToken(m);
-  SelectWindow(MenuBarWindow());
+  SelectWindow(MenuBarWindow(), app.token.c_str());
 }
 
 // The first file; the others are passed over.

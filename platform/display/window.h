@@ -61,15 +61,18 @@ struct Window {
   // --- Events.
   EventTarget target;
   CursorRef cursor = nullptr;
-  // --- The display's own. Frame extents as the window manager gives them, logical.
+  // --- The display's handle, which no other room looks into.
   void* native = nullptr;
-  Rect frame;                // widths: left, top, right, bottom
+  // --- As the display reports it.
+  Rect frame;                // widths of the desktop's frame, logical: left, top, right, bottom
   Rect refused;              // the last reported bounds that were answered with others
   bool full_bounds = false;  // `content` is what full screen gave
   unsigned number = 0;       // in the order of creation, from 1
   bool disposed = false;     // freed when the dispatch that destroyed it is over
 };
 
+// The window that a display's report names; null when it is gone, or for none.
+WindowRef LiveWindow(const Window* w);
 // All live windows, front first.
 std::vector<WindowRef>& WindowList();
 // The limits that hold now: the screen's size where the program set none, the window's own where it
@@ -79,8 +82,11 @@ SizeLimits LimitsOf(const Window& w);
 DeviceRect DeviceBounds(const Window& w);
 // Gives the surface the size of the content, keeps the old pixels, erases what is new.
 void ResizeSurface(WindowRef w);
-// The screen has another scale: all windows take it.
-void RescaleWindows(double scale);
+// The display reports the window's scale, the widths of its frame in device pixels, and the bits of
+// WindowState that the desktop decides.
+void HandleScale(WindowRef w, double scale);
+void HandleFrame(WindowRef w, const DeviceRect& widths);
+void HandleState(WindowRef w, uint32_t state);
 // Takes the bounds that the display reports (device pixels, strip included) and tells the handlers.
 // False when they are known already.
 bool HandleConfigure(Event* event);

@@ -104,6 +104,7 @@ void Play(const JournalLine& line) {
   RawEvent raw = line.raw;
   raw.time = line.raw.time + J().start;
   raw.window = line.window ? WindowOfNumber(line.window) : nullptr;
+  raw.under = line.under < 0 ? raw.window : WindowOfNumber(unsigned(line.under));
   if (raw.type == RawEvent::kOpenFile) raw.path = line.path.c_str();
   TranslateRawEvent(raw);
 }
@@ -169,6 +170,9 @@ void TakeReport(const RawEvent& raw) {
   if (raw.window) {
     if (!IsValidWindow(raw.window)) return;
     line.window = raw.window->number;
+    const bool button = raw.type == RawEvent::kPress || raw.type == RawEvent::kRelease;
+    if (button && raw.under != raw.window)
+      line.under = IsValidWindow(raw.under) ? raw.under->number : 0;
   }
   if (raw.path) line.path = raw.path;
   Write(line);

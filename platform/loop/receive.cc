@@ -62,12 +62,13 @@ void Wait(double seconds) {
     d->wait(seconds);
     return;
   }
-  pollfd fds[4];
-  int n = 0;
-  fds[n++] = {d->file_descriptor(), POLLIN, 0};
-  n += DesktopDescriptors(fds + n, 3);
+  PollList fds;
+  if (d->descriptors) d->descriptors(&fds);
+  pollfd others[3];
+  const int count = DesktopDescriptors(others, 3);
+  fds.insert(fds.end(), others, others + count);
   timespec t{time_t(seconds), long((seconds - double(time_t(seconds))) * 1e9)};
-  ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
+  ppoll(fds.data(), nfds_t(fds.size()), seconds < 0 ? nullptr : &t, nullptr);
 }
 
 // A look at the coarse clock. True when the batch is over: because it is long enough, or because a

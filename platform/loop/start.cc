@@ -24,10 +24,13 @@ const Display* display = nullptr;
 Screen main_screen;
 std::string session_name;
 bool preferences_offered = true;
+bool shared = false;  // another program of the session's name had the display open at the start
 
 bool Open(const Display* d) {
-  if (!d->open(session_name.c_str())) return false;
+  const OpenResult result = d->open(session_name.c_str());
+  if (result == OpenResult::kNotHere) return false;
   display = d;
+  shared = result == OpenResult::kShared;
   ReadScreens();
   return true;
 }
@@ -78,7 +81,7 @@ bool InitPlatform(const char* name) {
   InstallSignalSource();
   InstallApplicationSource(name);
   InstallSessionEnd(session_name.c_str());
-  if (display->others_run && display->others_run()) HandOverStart();
+  if (shared) HandOverStart();
   return true;
 }
 
@@ -115,9 +118,8 @@ void ReadScreens() {
   Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
   e.time = GetCurrentEventTime();
   SendEventToEventTarget(&e, GetApplicationEventTarget());
-  RescaleWindows(s.scale);
   for (WindowRef w : WindowList())
-    if (w->has_limits) display->set_hints(w);  // the screen may be its limit
+    if (w->has_limits) display->update(w, kUpdateHints);  // the screen may be its limit
 }
 
 int ScreenWidth() {

@@ -27,7 +27,7 @@ Windows& All() {
 }
 
 void Hints(WindowRef w) {
-  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->update(w, kUpdateHints);
 }
 
 }  // namespace
@@ -35,8 +35,11 @@ void Hints(WindowRef w) {
 std::vector<WindowRef>& WindowList() {
   return All().list;
 }
-bool IsValidWindow(WindowRef w) {
+bool IsValidWindow(const Window* w) {
   return w && All().alive.count(w);
+}
+WindowRef LiveWindow(const Window* w) {
+  return IsValidWindow(w) ? const_cast<WindowRef>(w) : nullptr;
 }
 WindowRef MenuBarWindow() {
   return All().menu_bar;
@@ -57,7 +60,8 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   if (carries_menu_bar) w->strip = GetMBarHeight();
   w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
   all.alive.insert(w);
-  if (!d->create_window(w)) {
+  w->native = d->create_window(w);
+  if (!w->native) {
     all.alive.erase(w);
     delete w;
     return nullptr;
@@ -68,6 +72,15 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   }
   all.list.insert(all.list.begin(), w);
   return w;
+}
+
+// Events for others that tell of the pointer over a window that ends.
+static void ForgetUnderPointer(const Window* w) {
+  EventQueue& queue = *GetMainEventQueue();
+  for (size_t i = 0; i < queue.size(); ++i) {
+    Event& e = queue.at(i);
+    if (e.cls == kEventClassMouse && e.mouse.under == w) e.mouse.under = nullptr;
+  }
 }
 
 void DisposeWindow(WindowRef w) {
@@ -81,7 +94,9 @@ void DisposeWindow(WindowRef w) {
   all.alive.erase(w);
   w->disposed = true;
   RemoveEventsFromQueue(GetMainEventQueue(), [w](const Event& e) { return e.window == w; });
+  ForgetUnderPointer(w);
   CurrentDisplay()->destroy_window(w);
+  w->native = nullptr;
   w->surface.pixels = nullptr;
   all.ended.push_back(w);
   if (!InDispatch()) CollectWindows();
@@ -155,7 +170,7 @@ bool IsWindowVisible(WindowRef w) {
 void SetWindowTitle(WindowRef w, const char* utf8) {
   if (!IsValidWindow(w)) return;
   w->title = utf8 ? utf8 : "";
-  CurrentDisplay()->set_title(w);
+  CurrentDisplay()->update(w, kUpdateTitle);
 }
 
 const char* GetWindowTitle(WindowRef w) {
@@ -169,7 +184,7 @@ uint32_t WindowGeneration(WindowRef w) {
 void SetWindowModified(WindowRef w, bool modified) {
   if (!IsValidWindow(w) || w->modified == modified) return;
   w->modified = modified;
-  CurrentDisplay()->set_title(w);
+  CurrentDisplay()->update(w, kUpdateTitle);
 }
 
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {

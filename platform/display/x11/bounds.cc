@@ -93,7 +93,7 @@ void PatienceIsOver(EventLoopTimerRef, void* native) {
 
 }  // namespace
 
-void MoveResizeNative(WindowRef w) {
+void MoveResizeNative(const Window* w) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
   const DeviceRect r = DeviceBounds(*w);

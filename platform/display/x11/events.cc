@@ -79,7 +79,6 @@ void OnReparent(const xcb_generic_event_t* event) {
 void OnMap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_map_notify_event_t>(event)->window)) {
     TakeMapped(n);
-    Emit(RawEvent::kShown, n);
   }
 }
 
@@ -87,7 +86,6 @@ void OnUnmap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_unmap_notify_event_t>(event)->window)) {
     if (n->w->focused) ReleaseKeys(n, 0);
     LoseGrab(n);
-    Emit(RawEvent::kHidden, n);
   }
 }
 
@@ -108,8 +106,10 @@ void OnFocus(const xcb_generic_event_t* event) {
   Native* n = FindNative(e->event);
   const bool in = (event->response_type & 0x7F) == XCB_FOCUS_IN;
   if (n == nullptr) return;
-  if (!in) ReleaseKeys(n, 0);
   const bool transient = e->mode == XCB_NOTIFY_MODE_GRAB || e->mode == XCB_NOTIFY_MODE_UNGRAB;
+  // A keyboard that the program itself takes, or gives back, still brings the releases.
+  const bool own = transient && (GrabsKeyboard() || e->mode == XCB_NOTIFY_MODE_UNGRAB);
+  if (!in && !own) ReleaseKeys(n, 0);
   const bool by_pointer =
       e->detail == XCB_NOTIFY_DETAIL_POINTER || e->detail == XCB_NOTIFY_DETAIL_POINTER_ROOT;
   if (transient || by_pointer || e->detail == XCB_NOTIFY_DETAIL_INFERIOR) return;
