@@ -54,6 +54,17 @@ int PutUtf8(char32_t c, char out[4]) {
   return n;
 }
 
+std::string ValidUtf8(std::string_view text) {
+  std::string valid;
+  valid.reserve(text.size());
+  while (!text.empty()) {
+    char bytes[4];
+    const char32_t c = TakeUtf8(&text);
+    valid.append(bytes, size_t(PutUtf8(c, bytes)));
+  }
+  return valid;
+}
+
 size_t CutUtf8(std::string_view text, size_t size) {
   if (text.size() <= size) return text.size();
   // A character has at most four bytes: the one that stands on the border begins in the last three.
