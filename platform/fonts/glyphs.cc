@@ -60,30 +60,34 @@ constexpr uint16_t kDigits[16] = {
     075757, 075717, 075755, 065656, 074447, 065556, 074647, 074644,
 };
 
-// A frame around the character's number in hexadecimal digits, in two rows; all in units of 1/13
-// em, which is a pixel in the usual size. Where a digit's strokes would be thinner than a pixel
-// there is the frame alone.
+// A frame around the character's number in hexadecimal digits, in two rows. All strokes have the
+// same width, so that they can be read: whole pixels, the largest that the size has room for. Where
+// there is no room for digits there is the frame alone.
 void MakeBox(GlyphSet* set, Glyph* g, char32_t c) {
-  const double unit = set->device_size / 64.0 / 13;
-  const int columns = BoxColumns(c) - 2, digits = c > 0xFFFF ? 3 : 2;
-  auto edge = [unit](int n) { return std::max(0, int(n * unit + 0.5)); };
-  uint8_t* mask = AddMask(set, g, edge(1), edge(12), unsigned(edge(columns)), unsigned(edge(15)));
+  const double unit = set->device_size / 64.0 / 13;  // of the advance: a pixel in the usual size
+  const int stroke = std::max(1, int(unit)), digits = c > 0xFFFF ? 3 : 2;
+  const bool readable = unit >= 0.95;
+  const double side = readable ? stroke : unit;
+  const int width = int((BoxColumns(c) - 2) * side + 0.5), rows = int(15 * side + 0.5);
+  // In the middle of its advance, and of capital letters with what hangs below the baseline.
+  const int left = int((BoxColumns(c) * unit - width) / 2 + 0.5);
+  const int top = int(4.5 * unit + rows / 2.0 + 0.5);
+  uint8_t* mask = AddMask(set, g, left, top, unsigned(width), unsigned(rows));
   if (!mask) return;
-  auto fill = [&](int x, int y, int x2, int y2) {
-    for (int row = edge(y); row < std::max(edge(y) + 1, edge(y2)) && row < g->rows; ++row)
-      for (int i = edge(x); i < std::max(edge(x) + 1, edge(x2)) && i < g->width; ++i)
-        mask[row * g->stride + i] = 255;
+  auto fill = [&](int x, int y, int w, int h) {
+    for (int row = std::max(y, 0); row < y + h && row < rows; ++row)
+      for (int i = std::max(x, 0); i < x + w && i < width; ++i) mask[row * g->stride + i] = 255;
   };
-  fill(0, 0, columns, 1);
-  fill(0, 14, columns, 15);
-  fill(0, 0, 1, 15);
-  fill(columns - 1, 0, columns, 15);
-  if (unit < 0.95) return;
-  for (int i = 0; i < 2 * digits; ++i) {
+  fill(0, 0, width, stroke);
+  fill(0, rows - stroke, width, stroke);
+  fill(0, 0, stroke, rows);
+  fill(width - stroke, 0, stroke, rows);
+  for (int i = 0; readable && i < 2 * digits; ++i) {
     const uint16_t shape = kDigits[c >> 4 * (2 * digits - 1 - i) & 15];
     const int x = 2 + i % digits * 4, y = 2 + i / digits * 6;
     for (int bit = 0; bit < 15; ++bit)
-      if (shape >> (14 - bit) & 1) fill(x + bit % 3, y + bit / 3, x + bit % 3 + 1, y + bit / 3 + 1);
+      if (shape >> (14 - bit) & 1)
+        fill((x + bit % 3) * stroke, (y + bit / 3) * stroke, stroke, stroke);
   }
 }
 
