@@ -22,6 +22,7 @@
 #include "bench/server.h"
 #include "platform/display/window.h"
 #include "platform/graphics/surface.h"
+#include "platform/loop/start.h"
 #include "platform/windows/windows.h"
 
 extern char** environ;

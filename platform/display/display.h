@@ -8,56 +8,14 @@
 #include <cstdint>
 
 #include "platform/base.h"
-#include "platform/events/event.h"
+#include "platform/events/raw_event.h"
+#include "platform/events/sources.h"
 
 namespace platform {
 
 struct Screen {
   DeviceRect bounds;
   double scale = 1.0;
-};
-
-// What the display reports, before any translation. Coordinates are device pixels.
-struct RawEvent {
-  enum Type : uint8_t {
-    kNone,
-    kMotion,
-    kPress,
-    kRelease,  // x, y, root_x, root_y, button, tablet, modifiers
-    kScroll,   // dx, dy: logical pixels, positive is right and down
-    kEnter,
-    kLeave,  // x, y, root_x, root_y: where the pointer is now
-    kKeyDown,
-    kKeyRepeat,
-    kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers
-    kModifiers,  // modifiers
-    kConfigure,  // root_x, root_y: the buffer's corner; width, height: its size
-    kExpose,     // pixels lost on the screen; the buffer still has them
-    kLost,       // content lost: it must be drawn again
-    kClose,      // the user asks for it
-    kFocusIn,
-    kFocusOut,
-    kShown,
-    kHidden,  // mapped or unmapped, iconified
-    kQuit,    // SIGTERM, the session's end
-    kPreferences,
-    kOpenFile,     // path: absolute and local, valid until the next call
-    kScreens,      // the screens or the scale changed
-    kDisplayLost,  // the connection is gone
-  } type = kNone;
-  uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
-  uint8_t tablet_type = 0;
-  WindowRef window = nullptr;
-  double time = 0;     // seconds on now()
-  float x = 0, y = 0;  // relative to the buffer's corner
-  float root_x = 0, root_y = 0;
-  float dx = 0, dy = 0;
-  TabletPoint tablet{};
-  int width = 0, height = 0;
-  uint32_t modifiers = 0;  // cmdKey ...
-  uint32_t keycode = 0, keysym = 0, base_keysym = 0;
-  uint32_t unicode = 0;  // 0: none
-  const char* path = nullptr;
 };
 
 struct Display {
@@ -116,8 +74,6 @@ struct Display {
   double (*now)();
 };
 
-// The display in use; null before InitPlatform.
-const Display* CurrentDisplay();
 // The list; a null entry ends it.
 extern const Display* const kDisplays[];
 extern const Display kHeadlessDisplay;

@@ -1,1 +1,4 @@
-target_sources(xw PRIVATE ${CMAKE_CURRENT_LIST_DIR}/displays.cc)
+target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/displays.cc
+  ${CMAKE_CURRENT_LIST_DIR}/screens.cc
+  ${CMAKE_CURRENT_LIST_DIR}/window.cc)

@@ -2,23 +2,12 @@
 #pragma once
 #include <cstdint>
 #include <string>
-#include <vector>
 
-#include "platform/events/event.h"
+#include "platform/display/window_kinds.h"
 #include "platform/graphics/surface.h"
-#include "platform/windows/windows.h"
+#include "platform/objects/object.h"
 
 namespace platform {
-
-struct InstalledHandler {
-  uint32_t cls, kind;
-  EventHandler handler;
-  void* user_data;
-};
-
-struct EventTarget {
-  std::vector<InstalledHandler> handlers;  // oldest first; run from the end
-};
 
 struct WindowGroup {
   uint32_t attributes = 0;
@@ -34,6 +23,7 @@ enum WindowState : uint32_t {
 };
 
 struct Window {
+  Object object;
   // --- What the program asked for; set by platform/windows, read by the display.
   int window_class = 0;
   uint32_t attributes = 0;
@@ -58,8 +48,6 @@ struct Window {
   Surface surface;
   bool needs_draw = false;
   double draw_since = 0;
-  // --- Events.
-  EventTarget target;
   CursorRef cursor = nullptr;
   // --- The display's own. Frame extents as the window manager gives them, logical.
   void* native = nullptr;
@@ -67,39 +55,14 @@ struct Window {
   Rect refused;              // the last reported bounds that were answered with others
   bool full_bounds = false;  // `content` is what full screen gave
   unsigned number = 0;       // in the order of creation, from 1
-  bool disposed = false;     // freed when the dispatch that destroyed it is over
 };
 
-// All live windows, front first.
-std::vector<WindowRef>& WindowList();
+extern const ObjectType kWindowType;
+
 // The limits that hold now: the screen's size where the program set none, the window's own where it
 // has a fixed size.
 SizeLimits LimitsOf(const Window& w);
 // The window's rectangle on the screen in device pixels, strip included.
 DeviceRect DeviceBounds(const Window& w);
-// Gives the surface the size of the content, keeps the old pixels, erases what is new.
-void ResizeSurface(WindowRef w);
-// The screen has another scale: all windows take it.
-void RescaleWindows(double scale);
-// Takes the bounds that the display reports (device pixels, strip included) and tells the handlers.
-// False when they are known already.
-bool HandleConfigure(Event* event);
-// The display reports focus: activation of windows and of the application follows.
-void HandleFocus(WindowRef w, bool focused);
-// After a batch of reports: focus that has not come back to any window is gone.
-void SettleActivation();
-// While they are held, windows that are shown do not come onto the screen.
-void HoldWindows(bool held);
-// The window that carries the menu strip; null when it is gone.
-WindowRef MenuBarWindow();
-void DrawMenuStrip(WindowRef w);
-// Reads the screens anew.
-void ReadScreens();
-// One line on standard error and the end of the process: nothing can be shown any more.
-[[noreturn]] void DisplayLost();
-// Shows all damage; called when the loop is about to wait and now and then before.
-void PresentWindows();
-// Frees windows that were destroyed inside a dispatch.
-void CollectWindows();
 
 }  // namespace platform

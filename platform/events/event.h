@@ -1,14 +1,7 @@
-// Events: one queue, handlers on targets, timers.
-//
-// Who calls what, and when:
-//   from the loop       ReceiveNextEvent, SendEventToEventTarget
-//   inside dispatch     handlers; they may post, destroy windows, remove timers and handlers
-//   any time            PostEventToQueue, the timer calls, FindEvents and RemoveEvents
-// Everything runs on the main thread.
+// One event of the platform: its classes, kinds and fields. Everything about events runs on the
+// main thread.
 #pragma once
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 
 #include "platform/base.h"
 
@@ -41,6 +34,9 @@ enum : uint32_t {
   kEventWindowCursorChange = 40,
   kEventWindowClose = 72,
   kEventWindowZoom = 75,
+  kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
+  kEventWindowCreated = 2000,         // sent to the application
+  kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27
   kEventAppActivated = 1,
   kEventAppDeactivated = 2,
   kEventAppleEvent = 1,
@@ -91,6 +87,7 @@ struct BoundsFields {
   Rect original, current;  // content, global
   bool programmatic;       // moved by the program, not by the user or the desktop
   bool placement;          // the place that a new window was given by the desktop
+  bool replayed;           // out of a recording: the desktop does not know of it
 };
 struct RequestFields {
   uint32_t id;               // quit, odoc; a command
@@ -113,121 +110,5 @@ struct Event {
   Event() : bounds{} {}
   Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}
 };
-
-// --- Handlers ---------------------------------------------------------------------------------
-
-struct HandlerCall;  // reserved for calling the next handler; may be passed on unread
-using EventHandler = OSStatus (*)(HandlerCall* call, Event* event, void* user_data);
-struct EventKind {
-  uint32_t cls, kind;
-};
-struct EventTarget;
-using EventTargetRef = EventTarget*;
-
-// Null for a null window. Lives as long as the window.
-EventTargetRef GetWindowEventTarget(WindowRef w);
-EventTargetRef GetApplicationEventTarget();
-EventTargetRef GetEventDispatcherTarget();
-// Newest first; a null target is ignored.
-void InstallEventHandler(EventTargetRef target, EventHandler handler, const EventKind* kinds,
-                         int count, void* user_data);
-// Runs the handlers of the event's target (its window's, or the application's), then what the
-// platform itself does with it. The window may be destroyed by a handler.
-OSStatus SendEventToEventTarget(Event* event, EventTargetRef target);
-
-// --- Queue ------------------------------------------------------------------------------------
-
-// A ring of events that grows and never shrinks. The insides stand here because every event passes
-// through them: posting and taking are a few instructions of the caller's own.
-struct EventQueue {
-  Event& Slot(size_t n) { return ring[n & (capacity - 1)]; }
-  bool empty() const { return head == tail; }
-  bool full() const { return tail - head == capacity; }
-  size_t size() const { return tail - head; }
-  Event& at(size_t i) { return Slot(head + i); }
-  Event& back() { return Slot(tail - 1); }
-  void Push(const Event& e) {
-    if (full()) Grow();
-    Slot(tail++) = e;
-  }
-  // A program's own event: its class and its payload.
-  void PushUser(uint32_t cls, void* payload) {
-    if (full()) [[unlikely]]
-      Grow();
-    Event& e = Slot(tail++);
-    e.cls = cls;
-    e.kind = 0;
-    e.time = 0;
-    e.window = nullptr;
-    e.payload = payload;
-  }
-  // Of a program's own event only the class and the payload are taken over.
-  void Pop(Event* out) {
-    const Event& e = Slot(head++);
-    if (!e.payload || e.cls == kEventClassAppleEvent) [[unlikely]] {
-      *out = e;
-      return;
-    }
-    out->cls = e.cls;
-    out->payload = e.payload;
-  }
-  void Grow();
-
-  size_t head = 0, tail = 0, capacity = 0;  // capacity: 0 or a power of two
-  Event* ring = nullptr;                    // kept for the life of the process
-  int quick = 0;  // events that may still be taken before the next look at clock and display
-};
-extern constinit EventQueue main_event_queue;
-
-using EventQueueRef = EventQueue*;
-inline EventQueueRef GetMainEventQueue() {
-  return &main_event_queue;
-}
-constexpr double kEventDurationForever = -1;
-constexpr double kEventDurationNoWait = 0;
-
-// Looks after all that a receive looks after, then takes what comes first.
-bool ReceiveWithUpkeep(double timeout, Event* out);
-// Takes the next event out of the queue. `timeout` in seconds. False when none came in time.
-inline bool ReceiveNextEvent(double timeout, Event* out) {
-  EventQueue& queue = main_event_queue;
-  if (queue.empty() || --queue.quick < 0) [[unlikely]]
-    return ReceiveWithUpkeep(timeout, out);
-  queue.Pop(out);
-  return true;
-}
-// Appends a copy.
-void PostEventToQueue(EventQueueRef queue, const Event& event);
-// Appends an event of the program's own class; whoever receives it owns `payload`, which is not
-// null. A null queue is ignored, and the payload stays the caller's.
-inline void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload) {
-  if (queue) queue->PushUser(cls, payload);
-}
-// The record of every queued user event of class `cls`, oldest first.
-void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit);
-// Drops each queued event for which `drop` is true; `drop` frees what the event owns.
-void RemoveEventsFromQueue(EventQueueRef queue, const std::function<bool(const Event&)>& drop);
-// Drops everything; `dispose` is called for the payload of each user event.
-void FlushEventQueue(EventQueueRef queue, void (*dispose)(void* payload));
-
-// --- Timers -----------------------------------------------------------------------------------
-
-struct EventLoopTimer;
-using EventLoopTimerRef = EventLoopTimer*;
-using EventLoopTimerProc = void (*)(EventLoopTimerRef timer, void* user_data);
-
-// Fires inside ReceiveNextEvent, first after `delay`, then every `interval` seconds (0: once).
-// Missed periods are made up by one call. Removed with RemoveEventLoopTimer; null is ignored there.
-EventLoopTimerRef InstallEventLoopTimer(double delay, double interval, EventLoopTimerProc proc,
-                                        void* user_data);
-void RemoveEventLoopTimer(EventLoopTimerRef timer);
-// Moves the next firing to `delay` seconds from now; the period stays. Null is ignored.
-void SetEventLoopTimerNextFireTime(EventLoopTimerRef timer, double delay);
-
-// Seconds on the display's clock; it can be stepped by hand on the headless display.
-double GetCurrentEventTime();
-// Wall clock in microseconds, as programs see it: derived from the same clock where it is stepped.
-int64_t GetTimeOfDayMicroseconds();
-void AlertSoundPlay();
 
 }  // namespace platform

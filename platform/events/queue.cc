@@ -5,6 +5,7 @@
 namespace platform {
 
 constinit EventQueue main_event_queue;
+IntakeHints intake_hints;
 
 void EventQueue::Grow() {
   const size_t n = size(), room = capacity ? 2 * capacity : 64;

@@ -1,6 +1,5 @@
 #include "platform/graphics/context.h"
 
-#include "platform/display/window.h"
 #include "platform/graphics/context_state.h"
 
 namespace platform {
@@ -30,11 +29,10 @@ DeviceRect SurfaceBounds(const Context* c) {
 
 }  // namespace
 
-ContextRef CreateContext(WindowRef window) {
-  if (!window) return nullptr;
-  ContextRef c = NewContext(&window->surface);
-  c->window = window;
-  c->base_y = window->strip;
+ContextRef CreateContext(Surface* surface, int top) {
+  if (!surface) return nullptr;
+  ContextRef c = NewContext(surface);
+  c->base_y = top;
   SetContextOrigin(c, 0, 0);
   return c;
 }

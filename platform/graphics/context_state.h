@@ -28,7 +28,6 @@ struct PolygonEdge {
 };
 
 struct Context {
-  WindowRef window = nullptr;
   Surface* surface = nullptr;
   uint32_t generation = 0;
   double scale = 1.0;

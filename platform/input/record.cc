@@ -7,14 +7,16 @@
 #include <map>
 #include <vector>
 
-#include "platform/display/window.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
+#include "platform/events/timers.h"
 #include "platform/input/record_line.h"
 #include "platform/input/translate.h"
+#include "platform/windows/internal.h"
 
 namespace platform {
 
-JournalMode journal_mode = JournalMode::kNone;
+RecordMode record_mode = RecordMode::kNone;
 
 namespace {
 
@@ -26,10 +28,10 @@ constexpr double kTakePatience = 20;
 // Beyond what a real clock's waits miss.
 constexpr double kLate = 0.005;
 
-struct Journal {
+struct Recording {
   double start = 0;
   FILE* file = nullptr;  // recording
-  std::vector<JournalLine> lines;
+  std::vector<RecordLine> lines;
   size_t next = 0;    // to be played
   size_t played = 0;  // events that were played and may still be queued
   std::string program, detail;
@@ -37,13 +39,13 @@ struct Journal {
   double asked_at = -1;
   std::map<std::string, unsigned> asked;
 };
-Journal& J() {
-  static auto* journal = new Journal;
-  return *journal;
+Recording& Current() {
+  static auto* recording = new Recording;
+  return *recording;
 }
 
 bool Fail(const char* file, const char* why) {
-  fprintf(stderr, "%s: %s: %s\n", J().program.c_str(), file, why);
+  fprintf(stderr, "%s: %s: %s\n", Current().program.c_str(), file, why);
   return false;
 }
 
@@ -56,12 +58,12 @@ bool ReadRecording(const char* name) {
   if (!good) Fail(name, "is no recording");
   for (int number = 2; good && getline(&text, &size, f) > 0; ++number) {
     text[strcspn(text, "\n")] = 0;
-    JournalLine line;
+    RecordLine line;
     if (*text == 0 || *text == '#') continue;
-    good =
-        ParseJournalLine(text, &line) && (J().lines.empty() || line.time >= J().lines.back().time);
+    good = ParseRecordLine(text, &line) &&
+           (Current().lines.empty() || line.time >= Current().lines.back().time);
     if (!good) Fail(name, ("line " + std::to_string(number) + " is faulty").c_str());
-    J().lines.push_back(line);
+    Current().lines.push_back(line);
   }
   free(text);
   fclose(f);
@@ -74,53 +76,53 @@ WindowRef WindowOfNumber(unsigned number) {
   return nullptr;
 }
 
-void Write(JournalLine line) {
-  Journal& j = J();
+void Write(RecordLine line) {
+  Recording& r = Current();
   const double now = GetCurrentEventTime();
-  line.time = now - j.start;
+  line.time = now - r.start;
   line.after_timers = TimersFiredAt() == now;
-  if (line.raw.time > 0) line.raw.time -= j.start;
-  fprintf(j.file, "%s\n", FormatJournalLine(line).c_str());
+  if (line.raw.time > 0) line.raw.time -= r.start;
+  fprintf(r.file, "%s\n", FormatRecordLine(line).c_str());
   // A recording is read when the program has crashed.
-  fflush(j.file);
+  fflush(r.file);
 }
 
-bool TimeHasCome(const JournalLine& line, double now) {
-  return line.time <= now - J().start + kDigit;
+bool TimeHasCome(const RecordLine& line, double now) {
+  return line.time <= now - Current().start + kDigit;
 }
 
-bool TimeIsOver(const JournalLine& line, double now) {
-  return line.time < now - J().start - kDigit;
+bool TimeIsOver(const RecordLine& line, double now) {
+  return line.time < now - Current().start - kDigit;
 }
 
 // Its time has come, and the timers that fired before it have fired.
-bool IsDue(const JournalLine& line, double now) {
+bool IsDue(const RecordLine& line, double now) {
   if (!TimeHasCome(line, now)) return false;
   const double timer = line.after_timers ? NextTimer(now) : -1;
   return timer < 0 || timer > kDigit;
 }
 
-void Play(const JournalLine& line) {
+void Play(const RecordLine& line) {
   RawEvent raw = line.raw;
-  raw.time = line.raw.time + J().start;
+  raw.time = line.raw.time + Current().start;
   raw.window = line.window ? WindowOfNumber(line.window) : nullptr;
-  if (raw.type == RawEvent::kOpenFile) raw.path = line.path.c_str();
+  if (raw.type == RawEvent::kOpenFile) raw.text = line.path.c_str();
   TranslateRawEvent(raw);
 }
 
 // How often it was asked for at this moment before. Where time is stepped, a program asks more than
 // once at one moment, and what has not come at the first may have come at the next.
 unsigned CountAsking(const char* what, double now) {
-  Journal& j = J();
-  if (j.asked_at != now) j.asked.clear();
-  j.asked_at = now;
-  return j.asked[what]++;
+  Recording& r = Current();
+  if (r.asked_at != now) r.asked.clear();
+  r.asked_at = now;
+  return r.asked[what]++;
 }
 
 // Nobody else could end it: on a display whose time is stepped nothing comes any more.
 void EndReplay() {
-  journal_mode = JournalMode::kNone;
-  if (!input_hints.stepped) return;
+  record_mode = RecordMode::kNone;
+  if (!intake_hints.stepped) return;
   RawEvent quit;
   quit.type = RawEvent::kQuit;
   TranslateRawEvent(quit);
@@ -128,111 +130,111 @@ void EndReplay() {
 
 }  // namespace
 
-bool OpenJournal(const char* program) {
-  Journal& j = J();
-  j = Journal();
-  j.program = program ? program : "";
-  j.start = GetCurrentEventTime();
+bool OpenRecord(const char* program) {
+  Recording& r = Current();
+  r = Recording();
+  r.program = program ? program : "";
+  r.start = GetCurrentEventTime();
   const char* replay = getenv("XW_REPLAY");
   if (replay && *replay) {
     if (!ReadRecording(replay)) return false;
-    journal_mode = JournalMode::kReplaying;
+    record_mode = RecordMode::kReplaying;
     return true;
   }
   const char* record = getenv("XW_RECORD");
   if (!record || !*record) return true;
-  j.file = fopen(record, "we");
-  if (!j.file) return Fail(record, strerror(errno));
-  fputs(kHeading, j.file);
-  journal_mode = JournalMode::kRecording;
+  r.file = fopen(record, "we");
+  if (!r.file) return Fail(record, strerror(errno));
+  fputs(kHeading, r.file);
+  record_mode = RecordMode::kRecording;
   return true;
 }
 
-void CloseJournal() {
-  if (J().file) fclose(J().file);
-  J() = Journal();
-  journal_mode = JournalMode::kNone;
+void CloseRecord() {
+  if (Current().file) fclose(Current().file);
+  Current() = Recording();
+  record_mode = RecordMode::kNone;
 }
 
 void TakeReport(const RawEvent& raw) {
-  if (journal_mode == JournalMode::kNone || IsDisplaysOwn(raw.type)) {
+  if (record_mode == RecordMode::kNone || IsDisplaysOwn(raw.type)) {
     TranslateRawEvent(raw);
     return;
   }
-  if (journal_mode == JournalMode::kReplaying) {
+  if (record_mode == RecordMode::kReplaying) {
     // A replay can be ended from outside.
     if (raw.type == RawEvent::kQuit) TranslateRawEvent(raw);
     return;
   }
-  JournalLine line;
+  RecordLine line;
   line.raw = raw;
   if (raw.window) {
     if (!IsValidWindow(raw.window)) return;
     line.window = raw.window->number;
   }
-  if (raw.path) line.path = raw.path;
+  if (raw.text) line.path = raw.text;
   Write(line);
   TranslateRawEvent(raw);
 }
 
 void ReplayDue() {
-  Journal& j = J();
+  Recording& r = Current();
   const double now = GetCurrentEventTime();
   double group = -1;
-  while (j.next < j.lines.size() && IsDue(j.lines[j.next], now)) {
-    const JournalLine& line = j.lines[j.next];
+  while (r.next < r.lines.size() && IsDue(r.lines[r.next], now)) {
+    const RecordLine& line = r.lines[r.next];
     // After a take that was waited for, what came together comes together.
-    const bool late = now - j.start > line.time + kLate;
+    const bool late = now - r.start > line.time + kLate;
     if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
     group = line.time;
     if (line.take()) {
-      if (now - j.start < line.time + kTakePatience) return;
+      if (now - r.start < line.time + kTakePatience) return;
       Fail("replay", ("nobody took up " + line.what).c_str());
     }
-    ++j.next;
+    ++r.next;
     Play(line);
-    j.played = main_event_queue.size();
+    r.played = main_event_queue.size();
   }
-  if (j.next == j.lines.size()) EndReplay();
+  if (r.next == r.lines.size()) EndReplay();
 }
 
 bool ReplayHoldsTimers() {
-  Journal& j = J();
-  if (input_hints.stepped || main_event_queue.empty()) j.played = 0;
-  if (j.played == 0) return false;
-  --j.played;
+  Recording& r = Current();
+  if (intake_hints.stepped || main_event_queue.empty()) r.played = 0;
+  if (r.played == 0) return false;
+  --r.played;
   return true;
 }
 
 double NextReplay(double now) {
-  const Journal& j = J();
-  if (journal_mode != JournalMode::kReplaying || j.next >= j.lines.size()) return -1;
-  const JournalLine& line = j.lines[j.next];
-  if (line.take()) return line.time + kTakePatience - (now - j.start);
+  const Recording& r = Current();
+  if (record_mode != RecordMode::kReplaying || r.next >= r.lines.size()) return -1;
+  const RecordLine& line = r.lines[r.next];
+  if (line.take()) return line.time + kTakePatience - (now - r.start);
   // What is due and not played waits for a timer.
-  return TimeHasCome(line, now) ? -1 : line.time - (now - j.start);
+  return TimeHasCome(line, now) ? -1 : line.time - (now - r.start);
 }
 
 const char* TakeUp(const char* what, const char* detail) {
-  Journal& j = J();
-  if (journal_mode == JournalMode::kNone) return detail;
+  Recording& r = Current();
+  if (record_mode == RecordMode::kNone) return detail;
   const double now = GetCurrentEventTime();
   const unsigned asked = CountAsking(what, now);
-  if (journal_mode == JournalMode::kRecording) {
-    JournalLine line;
+  if (record_mode == RecordMode::kRecording) {
+    RecordLine line;
     line.what = what;
     line.asked = asked;
     if (detail) line.detail = detail;
     if (detail) Write(line);
     return detail;
   }
-  if (j.next >= j.lines.size()) return nullptr;
-  const JournalLine& line = j.lines[j.next];
+  if (r.next >= r.lines.size()) return nullptr;
+  const RecordLine& line = r.lines[r.next];
   if (line.what != what || !TimeHasCome(line, now)) return nullptr;
   if (asked < line.asked && !TimeIsOver(line, now)) return nullptr;
-  j.detail = line.detail;
-  ++j.next;
-  return j.detail.c_str();
+  r.detail = line.detail;
+  ++r.next;
+  return r.detail.c_str();
 }
 
 }  // namespace platform

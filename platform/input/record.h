@@ -17,17 +17,20 @@
 // something up that came from elsewhere (TakeUp); what follows waits for it. A number behind its
 // '+' is how often the program had asked at that moment before.
 #pragma once
-#include "platform/display/display.h"
+#include "platform/events/raw_event.h"
 
 namespace platform {
 
-enum class JournalMode : uint8_t { kNone, kRecording, kReplaying };
-extern JournalMode journal_mode;
+enum class RecordMode : uint8_t { kNone, kRecording, kReplaying };
+extern RecordMode record_mode;
+inline bool Replaying() {
+  return record_mode == RecordMode::kReplaying;
+}
 
 // Reads the two variables. False, after a line on standard error, when a file cannot be opened or
 // is no recording. Called once the display is open.
-bool OpenJournal(const char* program);
-void CloseJournal();
+bool OpenRecord(const char* program);
+void CloseRecord();
 
 // A report of the display or the desktop: recorded, passed on, or ignored.
 void TakeReport(const RawEvent& raw);

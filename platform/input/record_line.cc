@@ -130,7 +130,7 @@ bool IsDisplaysOwn(RawEvent::Type type) {
   return !KindName(type);
 }
 
-std::string FormatJournalLine(const JournalLine& line) {
+std::string FormatRecordLine(const RecordLine& line) {
   char time[64];
   snprintf(time, sizeof time, "%.6f%s", line.time, line.after_timers || line.asked ? "+" : "");
   std::string text = time;
@@ -156,8 +156,8 @@ std::string FormatJournalLine(const JournalLine& line) {
   return text;
 }
 
-bool ParseJournalLine(const std::string& text, JournalLine* line) {
-  *line = JournalLine();
+bool ParseRecordLine(const std::string& text, RecordLine* line) {
+  *line = RecordLine();
   std::istringstream in(text);
   std::string time, kind, window;
   if (!(in >> time >> kind)) return false;

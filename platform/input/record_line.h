@@ -2,11 +2,11 @@
 #pragma once
 #include <string>
 
-#include "platform/display/display.h"
+#include "platform/events/raw_event.h"
 
 namespace platform {
 
-struct JournalLine {
+struct RecordLine {
   double time = 0;  // taken in, since the session began
   bool after_timers = false;
   unsigned window = 0;       // its number, 0 none
@@ -19,8 +19,8 @@ struct JournalLine {
 
 // Reports that are neither recorded nor replayed: the display shows its windows by them.
 bool IsDisplaysOwn(RawEvent::Type type);
-std::string FormatJournalLine(const JournalLine& line);
+std::string FormatRecordLine(const RecordLine& line);
 // False for what is no line.
-bool ParseJournalLine(const std::string& text, JournalLine* line);
+bool ParseRecordLine(const std::string& text, RecordLine* line);
 
 }  // namespace platform

@@ -1,14 +1,19 @@
 #include "platform/input/translate.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/desktop/requests.h"
-#include "platform/display/window.h"
+#include "platform/display/screens.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
+#include "platform/events/sources.h"
 #include "platform/input/record.h"
+#include "platform/windows/internal.h"
 
 namespace platform {
 namespace {
@@ -82,7 +87,7 @@ void Key(const RawEvent& raw, uint32_t kind) {
 void Configure(const RawEvent& raw) {
   const Window& w = *raw.window;
   double scale = w.surface.scale;
-  Event e(kEventClassWindow, kEventWindowBoundsChanged, raw.window);
+  Event e(kEventClassWindow, kEventWindowBoundsReported, raw.window);
   e.time = raw.time;
   int left = LogicalPixel(raw.root_x, scale), top = LogicalPixel(raw.root_y, scale);
   // Sizes that round to the granted one leave the logical size as it is.
@@ -97,6 +102,7 @@ void Configure(const RawEvent& raw) {
   // A window has at least one row of content.
   e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
   e.bounds.placement = w.placing;
+  e.bounds.replayed = Replaying();
   EventQueue& q = main_event_queue;
   if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
     q.back() = e;
@@ -160,6 +166,12 @@ void WindowEvent(const RawEvent& raw) {
   }
 }
 
+// Nothing can be shown any more. The connection's own clean-up would write to it.
+[[noreturn]] void DisplayLost() {
+  fprintf(stderr, "%s: the connection to the display is gone\n", PlatformSessionName());
+  _exit(1);
+}
+
 }  // namespace
 
 void TranslateRawEvent(const RawEvent& raw) {
@@ -169,7 +181,11 @@ void TranslateRawEvent(const RawEvent& raw) {
     case RawEvent::kPreferences:
       return Request(kEventClassCommand, kEventCommandProcess, kHICommandPreferences, nullptr);
     case RawEvent::kOpenFile:
-      return Request(kEventClassAppleEvent, kEventAppleEvent, kAEOpenDocuments, raw.path);
+      return Request(kEventClassAppleEvent, kEventAppleEvent, kAEOpenDocuments, raw.text);
+    case RawEvent::kActivate:
+      return BringForward(raw.text);
+    case RawEvent::kLetGo:
+      return HoldWindows(false);
     case RawEvent::kScreens:
       return ReadScreens();
     case RawEvent::kDisplayLost:
@@ -181,16 +197,23 @@ void TranslateRawEvent(const RawEvent& raw) {
 
 void TakeRawEvents() {
   const Display* d = CurrentDisplay();
-  // Before the display's: what they ask for may bring reports along, which its descriptor then no
-  // longer shows.
-  TakeDesktopRequests();
   RawEvent raw;
+  // Before the display's: what sources ask for may bring reports along, which the display's
+  // descriptor then no longer shows.
+  TakeFromSources();
+  while (TakePostedRawEvent(&raw)) TakeReport(raw);
+  raw = RawEvent();
   while (d->next_event(&raw)) {
     TakeReport(raw);
     raw = RawEvent();
   }
-  if (journal_mode == JournalMode::kReplaying) ReplayDue();
+  if (Replaying()) ReplayDue();
   SettleActivation();
+}
+
+void FinishInput() {
+  pointer = PointerState();
+  CloseRecord();
 }
 
 }  // namespace platform

@@ -1,21 +1,19 @@
 // Taking the next event: raw input, timers, redraw requests and the screen are looked after on the
 // way. The clock is read when the queue is empty, else once in a batch of events.
-#include <poll.h>
-#include <sys/time.h>
+#include "platform/loop/receive.h"
 
 #include <algorithm>
 #include <ctime>
 
-#include "platform/display/display.h"
-#include "platform/display/window.h"
-#include "platform/events/queue.h"
+#include "platform/display/screens.h"
+#include "platform/events/clock.h"
+#include "platform/events/sources.h"
+#include "platform/events/timers.h"
 #include "platform/input/record.h"
 #include "platform/input/translate.h"
+#include "platform/windows/internal.h"
 
 namespace platform {
-
-InputHints input_hints;
-
 namespace {
 
 constexpr int kBatch = 256;               // events between two looks at the clock
@@ -31,50 +29,19 @@ struct Receiver {
 };
 Receiver receiver;
 
-double MonotonicSeconds() {
-  timespec t;
-  clock_gettime(CLOCK_MONOTONIC, &t);
-  return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-
-// The front window that has asked longest comes first; null when none has.
-WindowRef NextToDraw(double asked_before) {
-  WindowRef found = nullptr;
-  for (WindowRef w : WindowList())
-    if (w->needs_draw && w->visible && w->draw_since <= asked_before &&
-        (!found || w->draw_since < found->draw_since))
-      found = w;
-  return found;
-}
-
-bool TakeDrawEvent(double asked_before, Event* out) {
-  WindowRef w = NextToDraw(asked_before);
-  if (!w) return false;
-  w->needs_draw = false;
-  *out = Event(kEventClassWindow, kEventWindowDrawContent, w);
-  out->time = w->draw_since;
-  return true;
-}
-
 void Wait(double seconds) {
   const Display* d = CurrentDisplay();
-  if (d->wait) {
+  if (d->wait)
     d->wait(seconds);
-    return;
-  }
-  pollfd fds[4];
-  int n = 0;
-  fds[n++] = {d->file_descriptor(), POLLIN, 0};
-  n += DesktopDescriptors(fds + n, 3);
-  timespec t{time_t(seconds), long((seconds - double(time_t(seconds))) * 1e9)};
-  ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
+  else
+    WaitForSources(seconds);
 }
 
 // A look at the coarse clock. True when the batch is over: because it is long enough, or because a
 // slow handler has let a tick pass. Then the next look comes after one event, and each that finds
 // no tick doubles the distance to the one after it.
 bool BatchIsOver() {
-  if (input_hints.waiting || input_hints.stepped) return true;
+  if (intake_hints.waiting || intake_hints.stepped) return true;
   timespec t;
   clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
   const bool slow = t.tv_nsec != receiver.tick;
@@ -91,9 +58,9 @@ bool BatchIsOver() {
 bool Upkeep(EventQueue& queue, Event* out) {
   bool idle = queue.empty();
   double now = GetCurrentEventTime();
-  if (idle || input_hints.waiting || input_hints.stepped ||
+  if (idle || intake_hints.waiting || intake_hints.stepped ||
       now - receiver.last_intake >= kIntakePeriod || now < receiver.last_intake) {
-    input_hints.waiting = false;
+    intake_hints.waiting = false;
     TakeRawEvents();
     receiver.last_intake = now;
   }
@@ -106,24 +73,6 @@ bool Upkeep(EventQueue& queue, Event* out) {
 }
 
 }  // namespace
-
-double GetCurrentEventTime() {
-  const Display* d = CurrentDisplay();
-  return d && d->now ? d->now() : MonotonicSeconds();
-}
-
-int64_t GetTimeOfDayMicroseconds() {
-  const Display* d = CurrentDisplay();
-  if (d && d->now) return int64_t(d->now() * 1e6 + 0.5);
-  timeval t;
-  gettimeofday(&t, nullptr);
-  return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
-}
-
-void AlertSoundPlay() {
-  const Display* d = CurrentDisplay();
-  if (d && d->beep) d->beep();
-}
 
 bool ReceiveWithUpkeep(double timeout, Event* out) {
   EventQueue& queue = main_event_queue;
@@ -152,12 +101,17 @@ bool ReceiveWithUpkeep(double timeout, Event* out) {
     // Answers that were waited for may have brought reports along, which the descriptor then no
     // longer shows.
     TakeRawEvents();
-    if (!queue.empty() || NextToDraw(GetCurrentEventTime())) continue;
+    if (!queue.empty() || DrawEventWaits()) continue;
     double wait = NextTimer(now);
     if (double replay = NextReplay(now); replay >= 0 && (wait < 0 || replay < wait)) wait = replay;
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;
     Wait(wait);
   }
+}
+
+void FinishReceive() {
+  receiver = Receiver();
+  main_event_queue.quick = 0;
 }
 
 }  // namespace platform

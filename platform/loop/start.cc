@@ -1,133 +1,100 @@
-// The platform's start and end, and the screens.
-#include <unistd.h>
+// The platform's start and end.
+#include "platform/loop/start.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 #include "platform/desktop/application.h"
-#include "platform/desktop/requests.h"
 #include "platform/desktop/session_end.h"
+#include "platform/desktop/signals.h"
 #include "platform/desktop/startup.h"
-#include "platform/display/display.h"
 #include "platform/display/screens.h"
-#include "platform/display/window.h"
+#include "platform/events/clock.h"
+#include "platform/events/raw_event.h"
+#include "platform/events/sources.h"
+#include "platform/events/timers.h"
 #include "platform/input/record.h"
+#include "platform/input/translate.h"
+#include "platform/loop/dispatch.h"
+#include "platform/loop/receive.h"
+#include "platform/menus/menu_bar.h"
+#include "platform/windows/internal.h"
 
 namespace platform {
 namespace {
 
-constexpr int kMenuStripHeight = 24;
+void DisplayDescriptors(PollList* list) {
+  const int fd = CurrentDisplay()->file_descriptor();
+  if (fd >= 0) list->push_back({fd, POLLIN, 0});
+}
 
-const Display* display = nullptr;
-Screen main_screen;
-std::string session_name;
-bool preferences_offered = true;
-
-bool Open(const Display* d) {
-  if (!d->open(session_name.c_str())) return false;
-  display = d;
-  ReadScreens();
+bool Open(const Display* d, const char* session_name) {
+  if (!d->open(session_name)) return false;
+  SetCurrentDisplay(d, session_name);
+  SetClock(d->now, d->beep);
+  AddWaitSource({DisplayDescriptors});
   return true;
 }
 
-bool OpenNamed(const char* wanted) {
-  for (const Display* const* d = kDisplays; *d; ++d)
-    if (!strcmp((*d)->name, wanted)) return Open(*d);
+// The display named by XW_DISPLAY, else the first that opens; the headless one is for those who ask
+// for it.
+bool OpenDisplay(const char* session_name) {
+  const char* wanted = getenv("XW_DISPLAY");
+  const bool named = wanted && *wanted;
+  for (const Display* const* d = kDisplays; *d; ++d) {
+    const bool meant = named ? !strcmp((*d)->name, wanted) : *d != &kHeadlessDisplay;
+    if (meant && Open(*d, session_name)) return true;
+  }
+  fprintf(stderr, "%s: cannot open the display %s\n", session_name,
+          named               ? wanted
+          : getenv("DISPLAY") ? getenv("DISPLAY")
+                              : "(DISPLAY is unset)");
   return false;
 }
 
 }  // namespace
 
-const Display* CurrentDisplay() {
-  return display;
-}
-const char* PlatformSessionName() {
-  return session_name.c_str();
-}
-const Screen& MainScreen() {
-  return main_screen;
-}
-
 bool InitPlatform(const char* name) {
-  if (display) return true;
-  session_name = name ? name : "";
-  const char* wanted = getenv("XW_DISPLAY");
-  bool opened = false;
+  if (CurrentDisplay()) return true;
+  if (!name) name = "";
   TakeStartToken();
-  if (wanted && *wanted) {
-    opened = OpenNamed(wanted);
-  } else {
-    // The headless display is for those who ask for it.
-    for (const Display* const* d = kDisplays; *d && !opened; ++d)
-      if (*d != &kHeadlessDisplay) opened = Open(*d);
-  }
-  if (!opened) {
-    fprintf(stderr, "%s: cannot open the display %s\n", session_name.c_str(),
-            wanted && *wanted   ? wanted
-            : getenv("DISPLAY") ? getenv("DISPLAY")
-                                : "(DISPLAY is unset)");
+  if (!OpenDisplay(name)) return false;
+  InitWindows();
+  ReadScreens();
+  if (!OpenRecord(name)) {
+    FinishPlatform();
     return false;
   }
-  if (!OpenJournal(session_name.c_str())) {
-    display->close();
-    display = nullptr;
-    return false;
-  }
-  InstallSignalSource();
-  InstallApplicationSource(name);
-  InstallSessionEnd(session_name.c_str());
-  if (display->others_run && display->others_run()) HandOverStart();
+  InitDispatch();
+  InitMenus();
+  InitSignals();
+  InitApplication(name);
+  InitSessionEnd(name);
+  const Display* d = CurrentDisplay();
+  if (d->others_run && d->others_run() && HandOverStart()) HoldWindows(true);
   return true;
 }
 
 void FinishPlatform() {
-  if (!display) return;
-  while (!WindowList().empty()) DisposeWindow(WindowList().back());
-  CollectWindows();
-  RemoveApplicationSource();
-  HoldWindows(false);
-  CloseJournal();
-  display->close();
-  display = nullptr;
-}
-
-void SetPreferencesCommand(bool offered) {
-  preferences_offered = offered;
-}
-bool PreferencesCommandOffered() {
-  return preferences_offered;
-}
-
-void DisplayLost() {
-  fprintf(stderr, "%s: the connection to the display is gone\n", session_name.c_str());
-  // The connection's own clean-up would write to it.
-  _exit(1);
-}
-
-void ReadScreens() {
-  Screen s;
-  if (display->screens(&s, 1) <= 0) return;
-  if (main_screen.bounds == s.bounds && main_screen.scale == s.scale) return;
-  main_screen = s;
-  // Figures of the screen first: the windows are told of theirs after that.
-  Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
-  e.time = GetCurrentEventTime();
-  SendEventToEventTarget(&e, GetApplicationEventTarget());
-  RescaleWindows(s.scale);
-  for (WindowRef w : WindowList())
-    if (w->has_limits) display->set_hints(w);  // the screen may be its limit
-}
-
-int ScreenWidth() {
-  return LogicalSize(main_screen.bounds.width(), main_screen.scale);
-}
-int ScreenHeight() {
-  return LogicalSize(main_screen.bounds.height(), main_screen.scale);
-}
-int GetMBarHeight() {
-  return kMenuStripHeight;
+  const Display* d = CurrentDisplay();
+  if (!d) return;
+  FinishReceive();
+  FinishWindows();
+  FinishMenus();
+  FinishInput();
+  FinishApplication();
+  FinishSessionEnd();
+  FinishSignals();
+  FlushEventQueue(GetMainEventQueue(), nullptr);
+  FinishTimers();
+  d->close();
+  SetCurrentDisplay(nullptr, "");
+  SetClock(nullptr, nullptr);
+  FinishSources();
+  FinishRawEvents();
+  FinishTargets();
+  FinishObjects();
 }
 
 }  // namespace platform

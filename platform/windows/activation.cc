@@ -1,22 +1,17 @@
 // Which window is active, and whether the application is.
 #include <algorithm>
 
-#include "platform/display/display.h"
-#include "platform/display/window.h"
+#include "platform/display/screens.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/theme/roles.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 namespace {
 
-struct Activation {
-  WindowRef focused = nullptr;
-  bool known = false;   // the display has said where the focus is
-  bool posted = false;  // what the handlers have been told
-};
-Activation state;
-
 void PostActivation(bool active) {
+  auto& state = Windows().activation;
   if (state.posted == active) return;
   state.posted = active;
   Event e(kEventClassApplication, active ? kEventAppActivated : kEventAppDeactivated);
@@ -36,6 +31,7 @@ void SetActive(WindowRef w, bool active) {
 // Docked windows are active while any window is; windows of a group that shares its activation with
 // the one that has the focus.
 bool LooksActive(const Window& w) {
+  const auto& state = Windows().activation;
   if (!state.focused) return false;
   if (&w == state.focused || (w.state & kStateDocked)) return true;
   return w.group && w.group == state.focused->group &&
@@ -47,6 +43,7 @@ bool LooksActive(const Window& w) {
 void HandleFocus(WindowRef w, bool focused) {
   if (w->focused == focused) return;
   w->focused = focused;
+  auto& state = Windows().activation;
   if (focused) {
     if (state.focused && IsValidWindow(state.focused)) state.focused->focused = false;
     state.focused = w;
@@ -64,6 +61,7 @@ void HandleFocus(WindowRef w, bool focused) {
 }
 
 void SettleActivation() {
+  auto& state = Windows().activation;
   if (!state.known) return;
   state.known = false;
   if (!state.focused) PostActivation(false);
@@ -74,7 +72,7 @@ bool IsWindowActive(WindowRef w) {
   return IsValidWindow(w) && w->active;
 }
 bool IsApplicationActive() {
-  return state.focused != nullptr;
+  return Windows().activation.focused != nullptr;
 }
 
 void SelectWindow(WindowRef w) {
@@ -84,6 +82,12 @@ void SelectWindow(WindowRef w) {
   list.insert(list.begin(), w);
   CurrentDisplay()->raise(w);
   if (w->visible) CurrentDisplay()->activate(w);
+}
+
+void BringForward(const char* token) {
+  const Display* d = CurrentDisplay();
+  if (token && *token && d->use_token) d->use_token(token);
+  SelectWindow(MenuBarWindow());
 }
 
 void ActivateWindow(WindowRef w, bool activate) {

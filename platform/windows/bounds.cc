@@ -2,10 +2,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/display/display.h"
 #include "platform/display/screens.h"
-#include "platform/display/window.h"
-#include "platform/input/record.h"
+#include "platform/events/clock.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 namespace {
@@ -55,7 +54,7 @@ Rect Constrained(WindowRef w, const Rect& reported) {
   e.bounds.current = reported;
   e.bounds.current.right = reported.left + Clamp(reported.width(), l.min_width, l.max_width);
   e.bounds.current.bottom = reported.top + Clamp(reported.height(), l.min_height, l.max_height);
-  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  SendEventToEventTarget(&e, &w->object.target);
   if (!IsValidWindow(w)) return reported;
   // The nearest whole step may lie a little outside the limits.
   Rect& c = e.bounds.current;
@@ -69,24 +68,6 @@ bool SameSize(const Rect& a, const Rect& b) {
 }
 
 }  // namespace
-
-SizeLimits LimitsOf(const Window& w) {
-  if (!w.has_limits) {
-    const int width = w.content.width(), height = w.content.height();
-    return {width, height, width, height, 0, 0};
-  }
-  SizeLimits l = w.limits;
-  l.max_width = std::max(l.max_width != 0 ? l.max_width : ScreenWidth(), w.widest);
-  l.max_height = std::max(l.max_height != 0 ? l.max_height : ScreenHeight(), w.tallest);
-  return l;
-}
-
-DeviceRect DeviceBounds(const Window& w) {
-  double s = w.surface.scale;
-  int left = DeviceEdge(w.content.left, s), top = DeviceEdge(w.content.top - w.strip, s);
-  return {left, top, left + std::max(1, DeviceEdge(w.content.width(), s)),
-          top + std::max(1, DeviceEdge(w.content.height() + w.strip, s))};
-}
 
 Rect GetWindowBounds(WindowRef w, int region) {
   if (!IsValidWindow(w)) return {};
@@ -119,7 +100,7 @@ void ResizeSurface(WindowRef w) {
   FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, ground);
   FillSurface(&s, {0, old_height, s.width, s.height}, ground);
   s.damage.Mark(0, 0, s.width, s.height);
-  if (old_width != s.width) DrawMenuStrip(w);
+  if (old_width != s.width) DrawFrame(w);
 }
 
 // Takes `content` as the window's bounds. True when it grew.
@@ -154,16 +135,18 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   MoveGroup(*w, content.left - old.left, content.top - old.top);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
-  e.bounds = {old, content, true, false};
-  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  e.bounds = {old, content, true, false, false};
+  SendEventToEventTarget(&e, &w->object.target);
 }
 
-bool HandleConfigure(Event* event) {
+// Takes the bounds that the display reports (device pixels, menu bar included) and tells the
+// handlers.
+OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
   WindowRef w = event->window;
   Rect reported = event->bounds.current, old = w->content;
-  if (reported == old) return false;
+  if (reported == old) return noErr;
   Rect wanted = Constrained(w, reported);
-  if (!IsValidWindow(w)) return false;
+  if (!IsValidWindow(w)) return noErr;
   if (!SameSize(wanted, reported)) {
     // Answered once; who insists on the same size gets it.
     if (w->refused == reported) {
@@ -176,17 +159,17 @@ bool HandleConfigure(Event* event) {
   }
   if (!(w->content == wanted)) TakeBounds(w, wanted);
   // What is replayed the desktop does not know of.
-  if (journal_mode == JournalMode::kReplaying) CurrentDisplay()->move_resize(w);
+  if (event->bounds.replayed) CurrentDisplay()->move_resize(w);
   // The desktop may report the place before the size that comes back.
   const bool was_full = w->full_bounds;
   w->full_bounds = (w->state & kStateFullScreen) || (was_full && SameSize(old, wanted));
   if (was_full && !w->full_bounds) CurrentDisplay()->set_hints(w);
-  if (wanted == old) return false;
+  if (wanted == old) return noErr;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
-  event->bounds.programmatic = event->bounds.placement && SameSize(old, wanted);
-  event->bounds.original = old;
-  event->bounds.current = wanted;
-  return true;
+  Event changed(kEventClassWindow, kEventWindowBoundsChanged, w);
+  changed.time = event->time;
+  changed.bounds = {old, wanted, event->bounds.placement && SameSize(old, wanted), false, false};
+  return SendEventToEventTarget(&changed, &w->object.target);
 }
 
 // The window keeps its place on the screen and its logical size; its pixels are made anew.
@@ -208,14 +191,21 @@ static void Rescale(WindowRef w, double scale) {
   if (w->visible) InvalidateWindow(w, {}, false);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
-  e.bounds = {old, w->content, true, false};
-  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  e.bounds = {old, w->content, true, false, false};
+  SendEventToEventTarget(&e, &w->object.target);
 }
 
-void RescaleWindows(double scale) {
+void ReadScreens() {
+  if (!UpdateScreens()) return;
+  // Figures of the screen first: the windows are told of theirs after that.
+  Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
+  e.time = GetCurrentEventTime();
+  SendEventToEventTarget(&e, GetApplicationEventTarget());
   const std::vector<WindowRef> all = WindowList();
   for (WindowRef w : all)
-    if (IsValidWindow(w) && w->surface.scale != scale) Rescale(w, scale);
+    if (IsValidWindow(w) && w->surface.scale != MainScreen().scale) Rescale(w, MainScreen().scale);
+  for (WindowRef w : WindowList())
+    if (w->has_limits) CurrentDisplay()->set_hints(w);  // the screen may be its limit
 }
 
 void MoveWindowStructure(WindowRef w, int left, int top) {

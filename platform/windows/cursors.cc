@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/display/display.h"
-#include "platform/display/window.h"
-#include "platform/windows/windows.h"
+#include "platform/display/screens.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 
@@ -45,6 +44,14 @@ void ShowCursor(WindowRef w, CursorRef cursor) {
   if (!cursor || !IsValidWindow(w) || w->cursor == cursor || !d->set_cursor) return;
   w->cursor = cursor;
   d->set_cursor(w, cursor);
+}
+
+OSStatus ChooseCursor(HandlerCall*, Event* event, void*) {
+  Event e(kEventClassWindow, kEventWindowCursorChange, event->window);
+  e.time = event->time;
+  e.mouse.where = event->mouse.where;
+  SendEventToEventTarget(&e, GetWindowEventTarget(event->window));
+  return eventNotHandledErr;
 }
 
 void CapturePointer(WindowRef w, CursorRef cursor) {

@@ -1,11 +1,16 @@
 // Erasing, redraw requests, and getting the pixels to the screen.
 #include <algorithm>
 
-#include "platform/display/display.h"
-#include "platform/display/window.h"
+#include "platform/display/screens.h"
+#include "platform/events/clock.h"
 #include "platform/theme/roles.h"
+#include "platform/windows/state.h"
 
 namespace platform {
+
+ContextRef CreateContext(WindowRef w) {
+  return IsValidWindow(w) ? CreateContext(&w->surface, w->strip) : nullptr;
+}
 
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw) {
   if (!IsValidWindow(w)) return;
@@ -43,11 +48,33 @@ void InvalidateWindow(WindowRef w, const Rect& r, bool erase) {
 }
 
 static void Present(WindowRef w) {
-  static auto* rects = new std::vector<DeviceRect>;
+  std::vector<DeviceRect>& rects = Windows().rects;
   if (!w->visible || !w->surface.pixels || w->surface.damage.empty()) return;
-  rects->clear();
-  w->surface.damage.Take(rects);
-  CurrentDisplay()->present(w, rects->data(), int(rects->size()));
+  rects.clear();
+  w->surface.damage.Take(&rects);
+  CurrentDisplay()->present(w, rects.data(), int(rects.size()));
+}
+
+static WindowRef NextToDraw(double asked_before) {
+  WindowRef found = nullptr;
+  for (WindowRef w : WindowList())
+    if (w->needs_draw && w->visible && w->draw_since <= asked_before &&
+        (!found || w->draw_since < found->draw_since))
+      found = w;
+  return found;
+}
+
+bool TakeDrawEvent(double asked_before, Event* out) {
+  WindowRef w = NextToDraw(asked_before);
+  if (!w) return false;
+  w->needs_draw = false;
+  *out = Event(kEventClassWindow, kEventWindowDrawContent, w);
+  out->time = w->draw_since;
+  return true;
+}
+
+bool DrawEventWaits() {
+  return NextToDraw(GetCurrentEventTime()) != nullptr;
 }
 
 void PresentWindows() {

@@ -4,35 +4,11 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/base.h"
+#include "platform/display/window_kinds.h"
+#include "platform/events/targets.h"
+#include "platform/graphics/context.h"
 
 namespace platform {
-
-// Starts the platform on the display named by XW_DISPLAY, else on the first that opens. False, with
-// one line on standard error, when none does. Called once more it does nothing.
-bool InitPlatform(const char* session_name);
-// Closes the display. Windows must be gone or are dropped with it.
-void FinishPlatform();
-
-enum WindowClass : int {
-  kAlertWindowClass = 1,
-  kModalWindowClass = 3,
-  kFloatingWindowClass = 5,
-  kDocumentWindowClass = 6,
-  kToolbarWindowClass = 12,
-  kSimpleWindowClass = 18,
-};
-
-enum WindowAttributes : uint32_t {
-  kWindowCloseBoxAttribute = 1,
-  kWindowFullZoomAttribute = 6,
-  kWindowCollapseBoxAttribute = 8,
-  kWindowResizableAttribute = 16,
-  kWindowNoShadowAttribute = 0x200000,
-  kWindowStandardHandlerAttribute = 0x2000000,
-  kWindowInWindowMenuAttribute = 0x8000000,
-  kWindowNoConstrainAttribute = 0x80000000u,
-};
 
 enum WindowPart : int { inDesk = 0, inMenuBar = 1, inContent = 3, inDrag = 4, inGrow = 5 };
 enum WindowRegionCode : int {
@@ -46,8 +22,8 @@ enum WindowRegionCode : int {
 WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content);
 // Null and stale handles are ignored. Queued events of the window are dropped.
 void DisposeWindow(WindowRef w);
-// The one test of a handle: true for a window that is alive.
-bool IsValidWindow(WindowRef w);
+// Null for a null or stale handle. Lives as long as the window.
+EventTargetRef GetWindowEventTarget(WindowRef w);
 
 void ShowWindow(WindowRef w);
 void HideWindow(WindowRef w);
@@ -64,11 +40,6 @@ void SetFrontProcess();
 void SetWindowTitle(WindowRef w, const char* utf8);
 void SetWindowModified(WindowRef w, bool modified);
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
-// Content size limits and steps in logical pixels; maximum 0 means the screen's size, step 0 any
-// size.
-struct SizeLimits {
-  int min_width = 0, min_height = 0, max_width = 0, max_height = 0, step_x = 0, step_y = 0;
-};
 void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);
 
 // Content rectangle, global; kWindowStructureRgn adds frame and strip; the grow region is empty.
@@ -81,8 +52,7 @@ void MoveWindowStructure(WindowRef w, int left, int top);
 // What lies at a global point, and in which window (null outside all).
 int FindWindow(Point where, WindowRef* w);
 
-// Erasing takes the brush, else the colour (0xRRGGBB), else white. kNoColor: none.
-constexpr uint32_t kNoColor = 0xFFFFFFFFu;
+// Erasing takes the brush, else the colour (0xRRGGBB; kNoColor: none), else white.
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw);
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb);
 // The colour that erasing uses now.
@@ -115,20 +85,13 @@ void SetWindowActivationScope(WindowRef w, int scope);
 
 void SetUserFocusWindow(WindowRef w);
 void ClearKeyboardFocus(WindowRef w);
-// Height of the strip at the top of the first window's frame: 24.
+// Height of the menu bar at the top of the first window's frame: 24.
 int GetMBarHeight();
 enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
 // Of the window that carries the menu strip: suppressed content is the desktop's full-screen state.
 void SetSystemUIMode(int mode, uint32_t options);
 // The same for any window.
 void SetWindowFullScreen(WindowRef w, bool full);
-// Whether the session's menu offers Preferences; requests from the desktop arrive all the same.
-void SetPreferencesCommand(bool offered);
-bool PreferencesCommandOffered();
-// Main screen, logical pixels.
-int ScreenWidth();
-int ScreenHeight();
-
 // The title as it was set; valid until the next change. Empty for a stale handle.
 const char* GetWindowTitle(WindowRef w);
 
@@ -136,6 +99,8 @@ const char* GetWindowTitle(WindowRef w);
 
 // Sends what was drawn to the screen now (null: every window) and waits until the display has it.
 void FlushWindow(WindowRef w);
+// A context over the window's content; null for a stale handle.
+ContextRef CreateContext(WindowRef w);
 // Changes whenever the window's pixels are replaced; contexts made before then paint nothing.
 uint32_t WindowGeneration(WindowRef w);
 

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "platform/display/window.h"
+#include "platform/windows/windows.h"
 #include "toolkit/xw.h"
 
 using namespace platform;

@@ -5,7 +5,13 @@
 
 #include "platform/display/headless/headless.h"
 #include "platform/display/window.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
+#include "platform/events/targets.h"
+#include "platform/events/timers.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
+#include "platform/windows/windows.h"
 
 namespace platform {
 namespace {

@@ -7,7 +7,12 @@
 #include "platform/display/headless/headless.h"
 #include "platform/display/window.h"
 #include "platform/events/queue.h"
+#include "platform/events/raw_event.h"
+#include "platform/events/targets.h"
 #include "platform/input/translate.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
+#include "platform/windows/windows.h"
 
 namespace platform {
 namespace {
@@ -34,7 +39,7 @@ std::string Receive() {
     out += std::string(out.empty() ? "" : " ") + name + std::to_string(e.kind);
     if (e.cls == kEventClassMouse)
       out += "(" + std::to_string(e.mouse.where.x) + "," + std::to_string(e.mouse.where.y) + ")";
-    if (e.cls == kEventClassWindow && e.kind == kEventWindowBoundsChanged)
+    if (e.cls == kEventClassWindow && e.kind == kEventWindowBoundsReported)
       SendEventToEventTarget(&e, GetEventDispatcherTarget());
   }
   return out;
@@ -102,14 +107,14 @@ TEST(Translate, ReportsOfAnyKindAndNumberDoNoHarm) {
         raw.height = raw.width;
         raw.button = 255;
         raw.keycode = raw.keysym = raw.unicode = raw.modifiers = 0xFFFFFFFF;
-        if (type == RawEvent::kOpenFile) raw.path = "/x";
+        if (type == RawEvent::kOpenFile) raw.text = "/x";
         if (type == RawEvent::kQuit) continue;
         headless::Inject(raw);
       }
       Event e;
       while (ReceiveNextEvent(0, &e)) {
         // Sizes that no display grants are not for the buffers of this test.
-        if (e.cls == kEventClassWindow && e.kind == kEventWindowBoundsChanged) {
+        if (e.cls == kEventClassWindow && e.kind == kEventWindowBoundsReported) {
           EXPECT_GE(e.bounds.current.width(), 1);
           EXPECT_GE(e.bounds.current.height(), 1);
           continue;
@@ -160,7 +165,7 @@ TEST(Configure, DockedWindowsFollowTheirLeader) {
   ShowWindow(other);
   Receive();
   headless::Configure(w, {110, 105, 310, 305});
-  EXPECT_EQ(Receive(), "wind27") << "no notice of its own";
+  EXPECT_EQ(Receive(), "wind2001") << "no notice of its own";
   EXPECT_EQ(docked->content, (Rect{330, 115, 370, 205}));
   EXPECT_EQ(other->content, (Rect{500, 110, 560, 200}));
   SetWindowBounds(w, {0, 100, 50, 150});

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/display/window.h"
+#include "platform/windows/windows.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/core/trace.h"

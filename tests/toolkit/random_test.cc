@@ -8,6 +8,9 @@
 #include <set>
 
 #include "platform/display/window.h"
+#include "platform/events/queue.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
 #include "tests/toolkit/stage.h"

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/loop/receive.h"
+#include "platform/menus/menu_bar.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/state.h"

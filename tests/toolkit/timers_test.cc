@@ -3,6 +3,7 @@
 
 #include <climits>
 
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/post.h"

@@ -6,6 +6,8 @@
 #include <cstring>
 
 #include "platform/display/window.h"
+#include "platform/events/queue.h"
+#include "platform/windows/windows.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"

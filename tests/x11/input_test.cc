@@ -1,5 +1,8 @@
 // A user at the keyboard and the pointer, with and without a window manager.
 #include "platform/display/x11/x.h"
+#include "platform/events/clock.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/x11/reports.h"
 
 namespace x11_test {

@@ -1,4 +1,5 @@
 // Windows under a window manager: placement, focus, resizing, states.
+#include "platform/events/targets.h"
 #include "tests/x11/managed.h"
 
 namespace x11_test {
@@ -99,7 +100,7 @@ TEST_F(Managed, MovesOfTheUserAreFollowed) {
   EXPECT_TRUE(RunUntil([&] { return w->content.left == 277; }));
   Settle();
   ExpectBoundsAgree(w);
-  EXPECT_GE(Count(kEventClassWindow, kEventWindowBoundsChanged), 1u);
+  EXPECT_GE(Count(kEventClassWindow, kEventWindowBoundsReported), 1u);
   EXPECT_EQ(Count(kEventClassWindow, kEventWindowDrawContent), drawn);
 }
 

@@ -1,6 +1,8 @@
 // What the display reports, untranslated, while a user is at it.
 #pragma once
 #include "platform/display/x11/x.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/x11/session.h"
 
 namespace x11_test {

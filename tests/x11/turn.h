@@ -2,7 +2,8 @@
 #pragma once
 #include <cstdlib>
 
-#include "platform/events/event.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/post.h"
 

@@ -9,7 +9,10 @@
 #include <cstring>
 
 #include "platform/display/cursor.h"
+#include "platform/display/screens.h"
 #include "platform/display/x11/x.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/x11/session.h"
 
 namespace x11_test {

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "platform/events/queue.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/memory.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/base.h"
-#include "platform/events/event.h"
+#include "platform/events/timers.h"
 #include "toolkit/core/trace.h"
 #include "toolkit/xw.h"
 
@@ -40,10 +40,13 @@ extern int16_t blpx, blpy, bllx, blly;
 
 // --- The struct.
 
+namespace platform {
+class PointerSet;
+}
+
 namespace toolkit {
 
 class Modal;
-struct PointerSet;
 
 // The current colours outlive the selection. Filling, stroking and ovals keep one each: dashed
 // lines change only the second, text only the first.
@@ -55,7 +58,7 @@ constexpr size_t kPathSize = 400;
 constexpr int kPaths = 16;  // that may wait to be opened at once
 
 struct State {
-  PointerSet* live = nullptr;            // records that are alive; null while there are none
+  platform::PointerSet* live = nullptr;  // records that are alive; null while there are none
   const XwWindow* last_found = nullptr;  // the record that was asked about last, when it is alive
   bool first_window_ended = false;       // or is being torn down
   Refusal refusal = Refusal::kNone;      // the latest

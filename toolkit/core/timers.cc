@@ -1,5 +1,6 @@
 #include "toolkit/core/timers.h"
 
+#include "platform/events/timers.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
 

@@ -1,6 +1,8 @@
 #include "toolkit/events/install.h"
 
 #include "platform/events/event.h"
+#include "platform/events/targets.h"
+#include "platform/windows/windows.h"
 #include "toolkit/events/desktop.h"
 #include "toolkit/events/keyboard.h"
 #include "toolkit/events/mouse.h"

@@ -2,7 +2,10 @@
 
 #include <cstdlib>
 
+#include "platform/events/clock.h"
 #include "platform/events/event.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/grab.h"

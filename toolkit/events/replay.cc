@@ -7,5 +7,5 @@ const char* XwTakeUp(const char* what, const char* detail) {
 }
 
 int XwReplaying() {
-  return platform::journal_mode == platform::JournalMode::kReplaying;
+  return platform::record_mode == platform::RecordMode::kReplaying;
 }

@@ -5,7 +5,12 @@
 #include <cstdlib>
 #include <new>
 
+#include "platform/display/screens.h"
+#include "platform/events/queue.h"
+#include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
+#include "platform/loop/start.h"
+#include "platform/menus/menu_bar.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"

@@ -7,10 +7,8 @@
 #include <cstring>
 #include <ctime>
 
-#include <poll.h>
-
 #include "platform/display/headless/state.h"
-#include "platform/input/translate.h"
+#include "platform/events/queue.h"
 
 namespace platform::headless {
 
@@ -170,7 +168,7 @@ bool NextEvent(RawEvent* out) {
   if (out->type == RawEvent::kOpenFile && !s.paths.empty()) {
     s.path = s.paths.front();
     s.paths.pop_front();
-    out->path = s.path.c_str();
+    out->text = s.path.c_str();
   }
   return true;
 }
@@ -191,23 +189,26 @@ void WriteSnapshot() {
   if (WritePng(TakePicture(s.stack.back()), beside)) rename(beside.c_str(), path);
 }
 
+// Where time is stepped by hand nothing but a source can come by itself: those are looked at first,
+// and waited for when no timer is left.
 void Wait(double seconds) {
+  constexpr double kPatience = 5;
   State& s = Headless();
   if (!s.raw.empty()) return;  // injected by what ran since reports were taken
   WriteSnapshot();
-  if (s.stepped) {
-    if (seconds >= 0) {
-      s.now += seconds;
-      return;
-    }
-    if (s.idle && s.idle()) return;
-    fprintf(stderr, "headless display: nothing left to wait for\n");
-    exit(3);
+  if (!s.stepped) {
+    WaitForSources(seconds);
+    return;
   }
-  pollfd fds[4];
-  int n = DesktopDescriptors(fds, 4);
-  timespec t{time_t(seconds), long((seconds - double(time_t(seconds))) * 1e9)};
-  ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
+  if (WaitForSources(0)) return;
+  if (seconds >= 0) {
+    s.now += seconds;
+    return;
+  }
+  if (s.idle && s.idle()) return;
+  if (WaitForSources(kPatience)) return;
+  fprintf(stderr, "headless display: nothing left to wait for\n");
+  exit(3);
 }
 
 double Now() {
@@ -218,7 +219,7 @@ double Now() {
 
 void UseSteppedClock(double start_seconds) {
   Headless().stepped = true;
-  input_hints.ClockIsStepped();
+  intake_hints.ClockIsStepped();
   Headless().now = start_seconds;
 }
 void Step(double seconds) {

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "platform/display/headless/state.h"
-#include "platform/input/translate.h"
+#include "platform/events/queue.h"
 
 namespace platform::headless {
 namespace {
@@ -10,7 +10,7 @@ namespace {
 void Push(RawEvent raw) {
   if (!Headless().open) return;
   Headless().raw.push_back(raw);
-  input_hints.ReportWaits();
+  intake_hints.ReportWaits();
 }
 
 RawEvent Report(RawEvent::Type type, WindowRef w) {

@@ -309,7 +309,7 @@ bool NextEvent(RawEvent* out) {
   if (out->type == RawEvent::kOpenFile) {
     x.path = std::move(x.paths.front());
     x.paths.pop_front();
-    out->path = x.path.c_str();
+    out->text = x.path.c_str();
   }
   return true;
 }

@@ -10,7 +10,11 @@
 #include <vector>
 
 #include "platform/display/display.h"
+#include "platform/display/screens.h"
 #include "platform/display/window.h"
+#include "platform/events/clock.h"
+#include "platform/events/queue.h"
+#include "platform/events/timers.h"
 
 namespace platform::x11 {
 

@@ -7,15 +7,18 @@
 #include <string>
 
 #include "platform/display/headless/headless.h"
+#include "platform/events/timers.h"
 #include "platform/input/record.h"
 #include "platform/input/record_line.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
 #include "platform/windows/windows.h"
 #include "tests/support/seed.h"
 
 namespace platform {
 namespace {
 
-TEST(JournalLine, ReadsWhatItWrites) {
+TEST(RecordLine, ReadsWhatItWrites) {
   const char* const kLines[] = {
       "0.000000 focus w1",
       "0.350000 press w1 x=20 y=54.5 rx=50 ry=134 button=1 at=0.349",
@@ -31,16 +34,16 @@ TEST(JournalLine, ReadsWhatItWrites) {
       "6.000000 quit",
   };
   for (const char* text : kLines) {
-    JournalLine line;
-    ASSERT_TRUE(ParseJournalLine(text, &line)) << text;
-    EXPECT_EQ(FormatJournalLine(line), text);
+    RecordLine line;
+    ASSERT_TRUE(ParseRecordLine(text, &line)) << text;
+    EXPECT_EQ(FormatRecordLine(line), text);
   }
-  JournalLine line;
-  ASSERT_TRUE(ParseJournalLine("4 open /a b/\\\\with\\nline", &line));
+  RecordLine line;
+  ASSERT_TRUE(ParseRecordLine("4 open /a b/\\\\with\\nline", &line));
   EXPECT_EQ(line.path, "/a b/\\with\nline");
 }
 
-TEST(JournalLine, RefusesWhatIsNone) {
+TEST(RecordLine, RefusesWhatIsNone) {
   const char* const kFaulty[] = {
       "",          "1.0",           "x press w1",        "-1 press w1",        "1.0 jump w1",
       "1.0 press", "1.0 press w0",  "1.0 press 1",       "1.0 press w1 x",     "1.0 press w1 x=",
@@ -49,22 +52,22 @@ TEST(JournalLine, RefusesWhatIsNone) {
       "1+1 quit",  "1+- take a b",  "1++1 take a b",
   };
   for (const char* text : kFaulty) {
-    JournalLine line;
-    EXPECT_FALSE(ParseJournalLine(text, &line)) << text;
+    RecordLine line;
+    EXPECT_FALSE(ParseRecordLine(text, &line)) << text;
   }
 }
 
-TEST(JournalLine, TakesAnyBytes) {
+TEST(RecordLine, TakesAnyBytes) {
   support::Dice dice(support::Seed(5));
   const std::string bits = "0123456789.+-= wxyhr\\nopentakequitpress\x80";
   for (int i = 0; i < 20000; ++i) {
     std::string text = i % 2 ? "1.0 press w1 " : "";
     for (int n = dice.Between(0, 40); n-- > 0;)
       text += bits[size_t(dice.Between(0, int(bits.size()) - 1))];
-    JournalLine line, again;
-    if (!ParseJournalLine(text, &line)) continue;
-    ASSERT_TRUE(ParseJournalLine(FormatJournalLine(line), &again)) << text;
-    ASSERT_EQ(FormatJournalLine(line), FormatJournalLine(again)) << text;
+    RecordLine line, again;
+    if (!ParseRecordLine(text, &line)) continue;
+    ASSERT_TRUE(ParseRecordLine(FormatRecordLine(line), &again)) << text;
+    ASSERT_EQ(FormatRecordLine(line), FormatRecordLine(again)) << text;
   }
 }
 
@@ -106,7 +109,7 @@ void Ask(EventLoopTimerRef, void* data) {
 // The number of the asking that took the result up.
 int AskTwice(const char* variable, const std::string& file, int ready) {
   setenv(variable, file.c_str(), 1);
-  EXPECT_TRUE(OpenJournal("journal"));
+  EXPECT_TRUE(OpenRecord("journal"));
   unsetenv(variable);
   Asker asker{ready};
   const EventLoopTimerRef timers[] = {InstallEventLoopTimer(0.1, 0, Ask, &asker),
@@ -114,7 +117,7 @@ int AskTwice(const char* variable, const std::string& file, int ready) {
   Event event;
   while (asker.asked < 2) ReceiveNextEvent(0.05, &event);
   for (const EventLoopTimerRef timer : timers) RemoveEventLoopTimer(timer);
-  CloseJournal();
+  CloseRecord();
   return asker.taken;
 }
 
@@ -139,7 +142,7 @@ TEST(Journal, TimersWaitForWhatIsPlayedTogether) {
   setenv("XW_REPLAY", file.c_str(), 1);
   std::ofstream(file) << "xw-record 1\n0.02 press w1 x=9 y=9 button=1\n"
                          "0.02 release w1 x=9 y=9 button=1\n9 quit\n";
-  ASSERT_TRUE(OpenJournal("journal"));
+  ASSERT_TRUE(OpenRecord("journal"));
   int fired = 0, at_press = -1;
   InstallEventLoopTimer(
       0, 1e-6, [](EventLoopTimerRef, void* count) { ++*static_cast<int*>(count); }, &fired);
@@ -153,7 +156,7 @@ TEST(Journal, TimersWaitForWhatIsPlayedTogether) {
   EXPECT_EQ(fired, at_press);
   ReceiveNextEvent(0.001, &event);
   EXPECT_GT(fired, at_press);
-  CloseJournal();
+  CloseRecord();
   DisposeWindow(window);
   remove(file.c_str());
 }

@@ -1,0 +1,58 @@
+// What a display or the desktop reports, before any translation, and the reports that wait.
+#pragma once
+#include "platform/events/event.h"
+
+namespace platform {
+
+// What the display reports, before any translation. Coordinates are device pixels.
+struct RawEvent {
+  enum Type : uint8_t {
+    kNone,
+    kMotion,
+    kPress,
+    kRelease,  // x, y, root_x, root_y, button, tablet, modifiers
+    kScroll,   // dx, dy: logical pixels, positive is right and down
+    kEnter,
+    kLeave,  // x, y, root_x, root_y: where the pointer is now
+    kKeyDown,
+    kKeyRepeat,
+    kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers
+    kModifiers,  // modifiers
+    kConfigure,  // root_x, root_y: the buffer's corner; width, height: its size
+    kExpose,     // pixels lost on the screen; the buffer still has them
+    kLost,       // content lost: it must be drawn again
+    kClose,      // the user asks for it
+    kFocusIn,
+    kFocusOut,
+    kShown,
+    kHidden,  // mapped or unmapped, iconified
+    kQuit,    // SIGTERM, the session's end
+    kPreferences,
+    kOpenFile,     // text: a path, absolute and local
+    kActivate,     // the first window shall come forward; text: the activation token, may be null
+    kLetGo,        // windows that were held back come onto the screen
+    kScreens,      // the screens or the scale changed
+    kDisplayLost,  // the connection is gone
+  } type = kNone;
+  uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
+  uint8_t tablet_type = 0;
+  WindowRef window = nullptr;
+  double time = 0;     // seconds on now()
+  float x = 0, y = 0;  // relative to the buffer's corner
+  float root_x = 0, root_y = 0;
+  float dx = 0, dy = 0;
+  TabletPoint tablet{};
+  int width = 0, height = 0;
+  uint32_t modifiers = 0;  // cmdKey ...
+  uint32_t keycode = 0, keysym = 0, base_keysym = 0;
+  uint32_t unicode = 0;        // 0: none
+  const char* text = nullptr;  // valid until the next report is taken
+};
+
+// Appends a report that does not come from the display itself. Its text is copied.
+void PostRawEvent(const RawEvent& raw);
+// Takes the next one; false when none waits.
+bool TakePostedRawEvent(RawEvent* out);
+void FinishRawEvents();
+
+}  // namespace platform

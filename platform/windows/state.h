@@ -1,0 +1,34 @@
+// The state of this room, and what its files share.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "platform/windows/internal.h"
+
+namespace platform {
+
+struct WindowsState {
+  std::vector<WindowRef> list;  // front first
+  std::vector<WindowGroup*> groups;
+  WindowRef menu_bar = nullptr;
+  bool menu_bar_given = false;
+  bool held = false;              // shown windows are kept from the screen
+  unsigned made = 0;              // windows
+  std::vector<DeviceRect> rects;  // memory of the last present
+  struct {
+    WindowRef focused = nullptr;
+    bool known = false;   // the display has said where the focus is
+    bool posted = false;  // what the handlers have been told
+  } activation;
+};
+
+WindowsState& Windows();
+
+// The display reports other bounds.
+OSStatus TakeReportedBounds(HandlerCall* call, Event* event, void* user_data);
+// The window under a pointer that moves freely chooses its cursor.
+OSStatus ChooseCursor(HandlerCall* call, Event* event, void* user_data);
+// Asks the handlers to draw what surrounds the content.
+void DrawFrame(WindowRef w);
+
+}  // namespace platform
