@@ -2,8 +2,6 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <vector>
 
 #include "platform/base.h"
 #include "platform/events/timers.h"
@@ -63,7 +61,6 @@ struct State {
   bool first_window_ended = false;       // or is being torn down
   Refusal refusal = Refusal::kNone;      // the latest
   CurrentColors colors{};
-  std::vector<std::unique_ptr<XwFont>>* fonts = nullptr;
   const Modal* innermost_wait = nullptr;
   bool polled = false;                 // XwGetEvent has been called
   int64_t last_poll = 0;               // microseconds
