@@ -14,8 +14,6 @@ struct Cursor {
   // Of pictures only, in logical pixels. Pixels are 0xAARRGGBB, colours not multiplied by alpha.
   int width = 0, height = 0, hot_x = 0, hot_y = 0;
   std::vector<uint32_t> pixels;
-  uintptr_t native = 0;  // the display's own, made for this scale
-  double native_scale = 0;
 };
 
 }  // namespace platform

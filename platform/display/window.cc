@@ -6,8 +6,11 @@
 
 namespace platform {
 
-bool IsValidWindow(WindowRef w) {
+bool IsValidWindow(const Window* w) {
   return w && IsLiveObject(&w->object) && w->object.type == &kWindowType;
+}
+WindowRef LiveWindow(const Window* w) {
+  return IsValidWindow(w) ? const_cast<WindowRef>(w) : nullptr;
 }
 
 SizeLimits LimitsOf(const Window& w) {

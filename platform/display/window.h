@@ -49,9 +49,10 @@ struct Window {
   bool needs_draw = false;
   double draw_since = 0;
   CursorRef cursor = nullptr;
-  // --- The display's own. Frame extents as the window manager gives them, logical.
+  // --- The display's handle, which no other room looks into.
   void* native = nullptr;
-  Rect frame;                // widths: left, top, right, bottom
+  // --- As the display reports it.
+  Rect frame;                // widths of the desktop's frame, logical: left, top, right, bottom
   Rect refused;              // the last reported bounds that were answered with others
   bool full_bounds = false;  // `content` is what full screen gave
   unsigned number = 0;       // in the order of creation, from 1
@@ -59,6 +60,8 @@ struct Window {
 
 extern const ObjectType kWindowType;
 
+// The window that a display's report names; null when it is gone, or for none.
+WindowRef LiveWindow(const Window* w);
 // The limits that hold now: the screen's size where the program set none, the window's own where it
 // has a fixed size.
 SizeLimits LimitsOf(const Window& w);

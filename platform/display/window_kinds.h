@@ -34,6 +34,6 @@ enum WindowAttributes : uint32_t {
 constexpr uint32_t kNoColor = 0xFFFFFFFFu;
 
 // True for a window that is alive: the one test of a handle.
-bool IsValidWindow(WindowRef w);
+bool IsValidWindow(const Window* w);
 
 }  // namespace platform

@@ -75,7 +75,8 @@ struct MouseFields {
   uint16_t button;       // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
   uint16_t tablet_type;  // kEventTabletPoint, else 0
   TabletPoint tablet;
-  float dx, dy;  // wheel: logical pixels
+  float dx, dy;     // wheel: logical pixels
+  WindowRef under;  // press, release: what lies under the pointer, whoever gets the event
 };
 struct KeyFields {
   uint32_t key_code;  // virtual key

@@ -10,23 +10,24 @@ struct RawEvent {
     kNone,
     kMotion,
     kPress,
-    kRelease,  // x, y, root_x, root_y, button, tablet, modifiers
+    kRelease,  // x, y, root_x, root_y, under, button, tablet, modifiers
     kScroll,   // dx, dy: logical pixels, positive is right and down
-    kEnter,
-    kLeave,  // x, y, root_x, root_y: where the pointer is now
+    kLeave,    // x, y, root_x, root_y: where the pointer is now
     kKeyDown,
     kKeyRepeat,
     kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers
     kModifiers,  // modifiers
     kConfigure,  // root_x, root_y: the buffer's corner; width, height: its size
-    kExpose,     // pixels lost on the screen; the buffer still has them
+    kExpose,     // x, y, width, height: pixels lost on the screen; the buffer still has them
     kLost,       // content lost: it must be drawn again
     kClose,      // the user asks for it
     kFocusIn,
     kFocusOut,
-    kShown,
-    kHidden,  // mapped or unmapped, iconified
-    kQuit,    // SIGTERM, the session's end
+    kFrame,     // frame: the widths of the desktop's frame around the buffer
+    kState,     // state: those bits of WindowState that the desktop decides, as they are now
+    kScale,     // scale: the window's, from now on
+    kGrabLost,  // held: a grab of the pointer is refused or has ended by itself
+    kQuit,      // SIGTERM, the session's end
     kPreferences,
     kOpenFile,     // text: a path, absolute and local
     kActivate,     // the first window shall come forward; text: the activation token, may be null
@@ -36,16 +37,22 @@ struct RawEvent {
   } type = kNone;
   uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
   uint8_t tablet_type = 0;
-  WindowRef window = nullptr;
+  const Window* window = nullptr;
   double time = 0;     // seconds on now()
   float x = 0, y = 0;  // relative to the buffer's corner
   float root_x = 0, root_y = 0;
+  // The program's window that lies under the pointer, whichever gets the report; null: none.
+  const Window* under = nullptr;
   float dx = 0, dy = 0;
   TabletPoint tablet{};
   int width = 0, height = 0;
   uint32_t modifiers = 0;  // cmdKey ...
   uint32_t keycode = 0, keysym = 0, base_keysym = 0;
-  uint32_t unicode = 0;        // 0: none
+  uint32_t unicode = 0;  // 0: none
+  uint32_t held = 0;     // buttons that are still down, bit n for button n
+  uint32_t state = 0;
+  double scale = 0;
+  DeviceRect frame;
   const char* text = nullptr;  // valid until the next report is taken
 };
 

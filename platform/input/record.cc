@@ -106,6 +106,7 @@ void Play(const RecordLine& line) {
   RawEvent raw = line.raw;
   raw.time = line.raw.time + Current().start;
   raw.window = line.window ? WindowOfNumber(line.window) : nullptr;
+  raw.under = line.under < 0 ? raw.window : WindowOfNumber(unsigned(line.under));
   if (raw.type == RawEvent::kOpenFile) raw.text = line.path.c_str();
   TranslateRawEvent(raw);
 }
@@ -171,6 +172,9 @@ void TakeReport(const RawEvent& raw) {
   if (raw.window) {
     if (!IsValidWindow(raw.window)) return;
     line.window = raw.window->number;
+    const bool button = raw.type == RawEvent::kPress || raw.type == RawEvent::kRelease;
+    if (button && raw.under != raw.window)
+      line.under = IsValidWindow(raw.under) ? raw.under->number : 0;
   }
   if (raw.text) line.path = raw.text;
   Write(line);

@@ -23,6 +23,7 @@ constexpr KindRow kKinds[] = {
     {RawEvent::kFocusIn, "focus"},       {RawEvent::kFocusOut, "unfocus"},
     {RawEvent::kQuit, "quit"},           {RawEvent::kPreferences, "preferences"},
     {RawEvent::kOpenFile, "open"},       {RawEvent::kLeave, "leave"},
+    {RawEvent::kGrabLost, "grab-lost"},
 };
 
 // One of these points at a field of a report.
@@ -46,6 +47,7 @@ constexpr FieldRow kFields[] = {
     {"key", nullptr, nullptr, &RawEvent::keysym},
     {"base", nullptr, nullptr, &RawEvent::base_keysym},
     {"char", nullptr, nullptr, &RawEvent::unicode},
+    {"held", nullptr, nullptr, &RawEvent::held},
 };
 
 const char* KindName(RawEvent::Type type) {
@@ -105,14 +107,20 @@ bool SetField(RawEvent* raw, const std::string& name, double v) {
   return false;
 }
 
-bool ParseFields(std::istringstream* in, RawEvent* raw) {
+bool ParseFields(std::istringstream* in, RecordLine* line) {
   std::string word;
   while (*in >> word) {
     const size_t equals = word.find('=');
     char* end = nullptr;
     if (equals == std::string::npos || equals + 1 == word.size()) return false;
     const double value = strtod(word.c_str() + equals + 1, &end);
-    if (*end || !SetField(raw, word.substr(0, equals), value)) return false;
+    const std::string name = word.substr(0, equals);
+    if (*end) return false;
+    if (name == "under") {
+      line->under = Cut<int64_t>(value, 0, UINT32_MAX);
+    } else if (!SetField(&line->raw, name, value)) {
+      return false;
+    }
   }
   return true;
 }
@@ -146,6 +154,7 @@ std::string FormatRecordLine(const RecordLine& line) {
         row.real    ? double(r.*row.real)
         : row.whole ? double(r.*row.whole)
                     : double(r.*row.bits));
+  if (line.under >= 0) text += " under=" + std::to_string(line.under);
   Put(&text, "button", r.button);
   Put(&text, "tablet", r.tablet_type);
   Put(&text, "tip", r.tablet.buttons);
@@ -183,12 +192,12 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
     return !line->path.empty();
   }
   if (line->raw.type == RawEvent::kQuit || line->raw.type == RawEvent::kPreferences)
-    return ParseFields(&in, &line->raw);
+    return ParseFields(&in, line);
   if (!(in >> window) || window[0] != 'w') return false;
   const unsigned long number = strtoul(window.c_str() + 1, &end, 10);
   if (*end || number < 1 || number > UINT32_MAX) return false;
   line->window = unsigned(number);
-  return ParseFields(&in, &line->raw);
+  return ParseFields(&in, line);
 }
 
 }  // namespace platform

@@ -10,6 +10,7 @@ struct RecordLine {
   double time = 0;  // taken in, since the session began
   bool after_timers = false;
   unsigned window = 0;       // its number, 0 none
+  int64_t under = -1;        // that of the window under the pointer, 0 none; -1: the same
   RawEvent raw;              // without its window; `time` since the session began
   std::string path;          // of an open request
   std::string what, detail;  // of a take

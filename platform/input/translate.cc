@@ -25,6 +25,7 @@ PointerState pointer;
 
 // Far outside every screen, and safe to add up. What is no number counts as 0.
 constexpr double kFar = 1 << 24;
+constexpr uint16_t kButtons = 31;  // that are told apart
 
 // The logical pixel that a device coordinate lies in.
 int LogicalPixel(double device, double scale) {
@@ -41,11 +42,12 @@ Point GlobalPoint(const Window& w, const RawEvent& raw) {
           w.content.top - w.strip + LogicalPixel(raw.y, w.surface.scale)};
 }
 
-Event MouseEvent(const RawEvent& raw, uint32_t kind) {
-  Event e(kEventClassMouse, kind, raw.window);
+Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
+  Event e(kEventClassMouse, kind, w);
   e.time = raw.time;
   e.mouse = {};
-  e.mouse.where = GlobalPoint(*raw.window, raw);
+  e.mouse.where = GlobalPoint(*w, raw);
+  e.mouse.under = LiveWindow(raw.under);
   e.mouse.button = raw.button;
   e.mouse.tablet_type = raw.tablet_type;
   e.mouse.tablet = raw.tablet;
@@ -54,9 +56,9 @@ Event MouseEvent(const RawEvent& raw, uint32_t kind) {
   return e;
 }
 
-void Motion(const RawEvent& raw) {
+void Motion(const RawEvent& raw, WindowRef w) {
   EventQueue& q = main_event_queue;
-  Event e = MouseEvent(raw, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
+  Event e = MouseEvent(raw, w, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
   // Neighbouring motions of one window merge; a pen's samples stay, since each has its pressure.
   if (!q.empty() && !raw.tablet_type) {
     Event& last = q.back();
@@ -69,25 +71,25 @@ void Motion(const RawEvent& raw) {
   q.Push(e);
 }
 
-void Button(const RawEvent& raw) {
+void Button(const RawEvent& raw, WindowRef w) {
   bool press = raw.type == RawEvent::kPress;
-  uint32_t bit = raw.button >= 1 && raw.button <= 31 ? 1u << (raw.button - 1) : 0;
+  uint32_t bit = raw.button >= 1 && raw.button <= kButtons ? 1u << (raw.button - 1) : 0;
   pointer.buttons = press ? pointer.buttons | bit : pointer.buttons & ~bit;
-  main_event_queue.Push(MouseEvent(raw, press ? kEventMouseDown : kEventMouseUp));
+  main_event_queue.Push(MouseEvent(raw, w, press ? kEventMouseDown : kEventMouseUp));
 }
 
-void Key(const RawEvent& raw, uint32_t kind) {
-  Event e(kEventClassKeyboard, kind, raw.window);
+void Key(const RawEvent& raw, WindowRef w, uint32_t kind) {
+  Event e(kEventClassKeyboard, kind, w);
   e.time = raw.time;
   MacKey key = LookUpKey(raw.keysym, raw.base_keysym, raw.unicode, raw.modifiers);
   e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym, raw.keycode, key.character};
   main_event_queue.Push(e);
 }
 
-void Configure(const RawEvent& raw) {
-  const Window& w = *raw.window;
+void Configure(const RawEvent& raw, WindowRef window) {
+  const Window& w = *window;
   double scale = w.surface.scale;
-  Event e(kEventClassWindow, kEventWindowBoundsReported, raw.window);
+  Event e(kEventClassWindow, kEventWindowBoundsReported, window);
   e.time = raw.time;
   int left = LogicalPixel(raw.root_x, scale), top = LogicalPixel(raw.root_y, scale);
   // Sizes that round to the granted one leave the logical size as it is.
@@ -110,8 +112,8 @@ void Configure(const RawEvent& raw) {
     q.Push(e);
 }
 
-void Exposed(const RawEvent& raw) {
-  Surface& s = raw.window->surface;
+void Exposed(const RawEvent& raw, WindowRef w) {
+  Surface& s = w->surface;
   int left = LogicalPixel(raw.x, 1), top = LogicalPixel(raw.y, 1);
   DeviceRect r{left, top, left + std::clamp(raw.width, 0, int(kFar)),
                top + std::clamp(raw.height, 0, int(kFar))};
@@ -127,32 +129,45 @@ void Request(uint32_t cls, uint32_t kind, uint32_t id, const char* path) {
   main_event_queue.Push(e);
 }
 
-void WindowEvent(const RawEvent& raw) {
-  WindowRef w = raw.window;
+// The pointer went elsewhere: what is no longer held comes up there, and no window hears of it.
+void GrabLost(const RawEvent& raw) {
+  for (uint16_t button = 1; button <= kButtons; ++button) {
+    const uint32_t bit = 1u << (button - 1);
+    if (!(pointer.buttons & bit) || (raw.held >> button & 1)) continue;
+    pointer.buttons &= ~bit;
+    Event e(kEventClassMouse, kEventMouseUp);
+    e.time = raw.time;
+    e.mouse = {};
+    e.mouse.button = button;
+    main_event_queue.Push(e);
+  }
+}
+
+void WindowEvent(const RawEvent& raw, WindowRef w) {
   // The first focus or input ends the placing of a new window.
   if (raw.type <= RawEvent::kModifiers || raw.type == RawEvent::kFocusIn) w->placing = false;
   switch (raw.type) {
     case RawEvent::kMotion:
     // The last motion of a pointer that leaves lies outside the window.
     case RawEvent::kLeave:
-      return Motion(raw);
+      return Motion(raw, w);
     case RawEvent::kPress:
     case RawEvent::kRelease:
-      return Button(raw);
+      return Button(raw, w);
     case RawEvent::kScroll:
-      return main_event_queue.Push(MouseEvent(raw, kEventMouseWheelMoved));
+      return main_event_queue.Push(MouseEvent(raw, w, kEventMouseWheelMoved));
     case RawEvent::kKeyDown:
-      return Key(raw, kEventRawKeyDown);
+      return Key(raw, w, kEventRawKeyDown);
     case RawEvent::kKeyRepeat:
-      return Key(raw, kEventRawKeyRepeat);
+      return Key(raw, w, kEventRawKeyRepeat);
     case RawEvent::kKeyUp:
-      return Key(raw, kEventRawKeyUp);
+      return Key(raw, w, kEventRawKeyUp);
     case RawEvent::kModifiers:
-      return Key(raw, kEventRawKeyModifiersChanged);
+      return Key(raw, w, kEventRawKeyModifiersChanged);
     case RawEvent::kConfigure:
-      return Configure(raw);
+      return Configure(raw, w);
     case RawEvent::kExpose:
-      return Exposed(raw);
+      return Exposed(raw, w);
     case RawEvent::kLost:
       return InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
     case RawEvent::kClose:
@@ -161,6 +176,12 @@ void WindowEvent(const RawEvent& raw) {
       return HandleFocus(w, true);
     case RawEvent::kFocusOut:
       return HandleFocus(w, false);
+    case RawEvent::kFrame:
+      return HandleFrame(w, raw.frame);
+    case RawEvent::kState:
+      return HandleState(w, raw.state);
+    case RawEvent::kScale:
+      return HandleScale(w, raw.scale);
     default:
       return;
   }
@@ -183,15 +204,17 @@ void TranslateRawEvent(const RawEvent& raw) {
     case RawEvent::kOpenFile:
       return Request(kEventClassAppleEvent, kEventAppleEvent, kAEOpenDocuments, raw.text);
     case RawEvent::kActivate:
-      return BringForward(raw.text);
+      return SelectWindow(MenuBarWindow(), raw.text);
     case RawEvent::kLetGo:
       return HoldWindows(false);
     case RawEvent::kScreens:
       return ReadScreens();
     case RawEvent::kDisplayLost:
       return DisplayLost();
+    case RawEvent::kGrabLost:
+      return GrabLost(raw);
     default:
-      if (IsValidWindow(raw.window)) WindowEvent(raw);
+      if (WindowRef w = LiveWindow(raw.window)) WindowEvent(raw, w);
   }
 }
 

@@ -24,33 +24,30 @@
 namespace platform {
 namespace {
 
-void DisplayDescriptors(PollList* list) {
-  const int fd = CurrentDisplay()->file_descriptor();
-  if (fd >= 0) list->push_back({fd, POLLIN, 0});
-}
-
-bool Open(const Display* d, const char* session_name) {
-  if (!d->open(session_name)) return false;
+OpenResult Open(const Display* d, const char* session_name) {
+  const OpenResult result = d->open(session_name);
+  if (result == OpenResult::kNotHere) return result;
   SetCurrentDisplay(d, session_name);
   SetClock(d->now, d->beep);
-  AddWaitSource({DisplayDescriptors});
-  return true;
+  if (d->descriptors) AddWaitSource({d->descriptors});
+  return result;
 }
 
 // The display named by XW_DISPLAY, else the first that opens; the headless one is for those who ask
 // for it.
-bool OpenDisplay(const char* session_name) {
+OpenResult OpenDisplay(const char* session_name) {
   const char* wanted = getenv("XW_DISPLAY");
   const bool named = wanted && *wanted;
   for (const Display* const* d = kDisplays; *d; ++d) {
     const bool meant = named ? !strcmp((*d)->name, wanted) : *d != &kHeadlessDisplay;
-    if (meant && Open(*d, session_name)) return true;
+    const OpenResult result = meant ? Open(*d, session_name) : OpenResult::kNotHere;
+    if (result != OpenResult::kNotHere) return result;
   }
   fprintf(stderr, "%s: cannot open the display %s\n", session_name,
           named               ? wanted
           : getenv("DISPLAY") ? getenv("DISPLAY")
                               : "(DISPLAY is unset)");
-  return false;
+  return OpenResult::kNotHere;
 }
 
 }  // namespace
@@ -59,7 +56,8 @@ bool InitPlatform(const char* name) {
   if (CurrentDisplay()) return true;
   if (!name) name = "";
   TakeStartToken();
-  if (!OpenDisplay(name)) return false;
+  const OpenResult opened = OpenDisplay(name);
+  if (opened == OpenResult::kNotHere) return false;
   InitWindows();
   ReadScreens();
   if (!OpenRecord(name)) {
@@ -71,8 +69,7 @@ bool InitPlatform(const char* name) {
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
-  const Display* d = CurrentDisplay();
-  if (d->others_run && d->others_run() && HandOverStart()) HoldWindows(true);
+  if (opened == OpenResult::kShared && HandOverStart()) HoldWindows(true);
   return true;
 }
 

@@ -75,19 +75,12 @@ bool IsApplicationActive() {
   return Windows().activation.focused != nullptr;
 }
 
-void SelectWindow(WindowRef w) {
+void SelectWindow(WindowRef w, const char* token) {
   if (!IsValidWindow(w)) return;
   auto& list = WindowList();
   std::erase(list, w);
   list.insert(list.begin(), w);
-  CurrentDisplay()->raise(w);
-  if (w->visible) CurrentDisplay()->activate(w);
-}
-
-void BringForward(const char* token) {
-  const Display* d = CurrentDisplay();
-  if (token && *token && d->use_token) d->use_token(token);
-  SelectWindow(MenuBarWindow());
+  CurrentDisplay()->raise(w, w->visible ? kRaiseBoth : kRaiseOnly, token);
 }
 
 void ActivateWindow(WindowRef w, bool activate) {
@@ -99,7 +92,8 @@ void SetFrontProcess() {
 }
 
 void SetUserFocusWindow(WindowRef w) {
-  if (IsValidWindow(w) && w->visible && !w->focused) CurrentDisplay()->activate(w);
+  if (IsValidWindow(w) && w->visible && !w->focused)
+    CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
 }
 
 void ClearKeyboardFocus(WindowRef) {

@@ -9,6 +9,9 @@
 namespace platform {
 namespace {
 
+constexpr int kWidestFrame = 4096;
+constexpr double kLeastScale = 0.5, kMostScale = 8;
+
 Rect Structure(const Window& w) {
   return {w.content.left - w.frame.left, w.content.top - w.strip - w.frame.top,
           w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
@@ -130,7 +133,7 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   TakeBounds(w, content);
   w->refused = {};
   w->full_bounds = false;
-  if (!SameSize(old, content)) CurrentDisplay()->set_hints(w);
+  if (!SameSize(old, content)) CurrentDisplay()->update(w, kUpdateHints);
   CurrentDisplay()->move_resize(w);
   MoveGroup(*w, content.left - old.left, content.top - old.top);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
@@ -163,7 +166,7 @@ OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
   // The desktop may report the place before the size that comes back.
   const bool was_full = w->full_bounds;
   w->full_bounds = (w->state & kStateFullScreen) || (was_full && SameSize(old, wanted));
-  if (was_full && !w->full_bounds) CurrentDisplay()->set_hints(w);
+  if (was_full && !w->full_bounds) CurrentDisplay()->update(w, kUpdateHints);
   if (wanted == old) return noErr;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
   Event changed(kEventClassWindow, kEventWindowBoundsChanged, w);
@@ -185,9 +188,8 @@ static void Rescale(WindowRef w, double scale) {
     ResizeSurface(w);
   }
   w->refused = {};
-  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->update(w, kUpdateHints | kUpdateCursor);
   CurrentDisplay()->move_resize(w);
-  if (CurrentDisplay()->set_cursor) CurrentDisplay()->set_cursor(w, w->cursor);
   if (w->visible) InvalidateWindow(w, {}, false);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
@@ -201,11 +203,26 @@ void ReadScreens() {
   Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
   e.time = GetCurrentEventTime();
   SendEventToEventTarget(&e, GetApplicationEventTarget());
-  const std::vector<WindowRef> all = WindowList();
-  for (WindowRef w : all)
-    if (IsValidWindow(w) && w->surface.scale != MainScreen().scale) Rescale(w, MainScreen().scale);
   for (WindowRef w : WindowList())
-    if (w->has_limits) CurrentDisplay()->set_hints(w);  // the screen may be its limit
+    if (w->has_limits) CurrentDisplay()->update(w, kUpdateHints);  // the screen may be its limit
+}
+
+void HandleScale(WindowRef w, double scale) {
+  const bool sound = scale >= kLeastScale && scale <= kMostScale;
+  if (sound && w->surface.scale != scale) Rescale(w, scale);
+}
+
+void HandleFrame(WindowRef w, const DeviceRect& widths) {
+  auto logical = [w](int device) {
+    return LogicalSize(std::clamp(device, 0, kWidestFrame), w->surface.scale);
+  };
+  w->frame = {logical(widths.left), logical(widths.top), logical(widths.right),
+              logical(widths.bottom)};
+}
+
+void HandleState(WindowRef w, uint32_t state) {
+  constexpr uint32_t kDesktops = kStateFullScreen;
+  w->state = (w->state & ~kDesktops) | (state & kDesktops);
 }
 
 void MoveWindowStructure(WindowRef w, int left, int top) {
@@ -225,23 +242,11 @@ Rect ConstrainWindowToScreen(WindowRef w) {
   return Offset(s, dx, dy);
 }
 
-int FindWindow(Point where, WindowRef* w) {
-  const WindowRef first = MenuBarWindow();
-  const bool hidden_with_first = first && !first->visible;
-  for (WindowRef candidate : WindowList()) {
-    if (!candidate->visible || (candidate->state & kStateDocked && hidden_with_first)) continue;
-    const Rect& c = candidate->content;
-    if (c.contains(where)) {
-      if (w) *w = candidate;
-      return inContent;
-    }
-    if (Rect{c.left, c.top - candidate->strip, c.right, c.top}.contains(where)) {
-      if (w) *w = candidate;
-      return inMenuBar;
-    }
-  }
-  if (w) *w = nullptr;
-  return inDesk;
+int FindWindow(Point where, WindowRef w) {
+  if (!IsValidWindow(w)) return inDesk;
+  const Rect& c = w->content;
+  if (c.contains(where)) return inContent;
+  return Rect{c.left, c.top - w->strip, c.right, c.top}.contains(where) ? inMenuBar : inDesk;
 }
 
 void SetSystemUIMode(int mode, uint32_t) {
@@ -253,7 +258,7 @@ void SetWindowFullScreen(WindowRef w, bool full) {
   uint32_t state = full ? w->state | kStateFullScreen : w->state & ~uint32_t{kStateFullScreen};
   if (state == w->state) return;
   w->state = state;
-  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->update(w, kUpdateHints);
 }
 
 }  // namespace platform

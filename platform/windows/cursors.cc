@@ -40,10 +40,9 @@ void ReleaseCursor(CursorRef cursor) {
 }
 
 void ShowCursor(WindowRef w, CursorRef cursor) {
-  const Display* d = CurrentDisplay();
-  if (!cursor || !IsValidWindow(w) || w->cursor == cursor || !d->set_cursor) return;
+  if (!cursor || !IsValidWindow(w) || w->cursor == cursor) return;
   w->cursor = cursor;
-  d->set_cursor(w, cursor);
+  CurrentDisplay()->update(w, kUpdateCursor);
 }
 
 OSStatus ChooseCursor(HandlerCall*, Event* event, void*) {
@@ -54,10 +53,11 @@ OSStatus ChooseCursor(HandlerCall*, Event* event, void*) {
   return eventNotHandledErr;
 }
 
-void CapturePointer(WindowRef w, CursorRef cursor) {
+void CapturePointer(WindowRef w, CursorRef cursor, Capture who) {
+  constexpr GrabMode kModes[] = {GrabMode::kWindow, GrabMode::kProgram, GrabMode::kMenu};
   const Display* d = CurrentDisplay();
-  if (!d || !d->grab_pointer || (w && !IsValidWindow(w))) return;
-  d->grab_pointer(w, w && !cursor ? w->cursor : cursor);
+  if (!d || !d->grab || (w && !IsValidWindow(w))) return;
+  d->grab(w, w ? kModes[int(who)] : GrabMode::kNone, cursor);
 }
 
 }  // namespace platform

@@ -13,14 +13,17 @@ std::vector<WindowRef>& WindowList();
 void ResizeSurface(WindowRef w);
 // The display has other screens, or another scale: figures and windows follow.
 void ReadScreens();
+// The display reports the window's scale, the widths of its frame in device pixels, and the bits of
+// WindowState that the desktop decides.
+void HandleScale(WindowRef w, double scale);
+void HandleFrame(WindowRef w, const DeviceRect& widths);
+void HandleState(WindowRef w, uint32_t state);
 // The display reports focus: activation of windows and of the application follows.
 void HandleFocus(WindowRef w, bool focused);
 // After a batch of reports: focus that has not come back to any window is gone.
 void SettleActivation();
 // While they are held, windows that are shown do not come onto the screen.
 void HoldWindows(bool held);
-// The first window comes forward. `token` names the user's action, null: none.
-void BringForward(const char* token);
 // The window that carries the menu bar; null when it is gone.
 WindowRef MenuBarWindow();
 // Shows all damage; called when the loop is about to wait and now and then before.

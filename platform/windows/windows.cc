@@ -14,7 +14,7 @@ namespace {
 WindowsState* state = nullptr;
 
 void Hints(WindowRef w) {
-  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->update(w, kUpdateHints);
 }
 
 void ReleaseRecord(void* record) {
@@ -84,7 +84,8 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   if (carries_menu_bar) w->strip = GetMBarHeight();
   w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
   EnterObject(&w->object);
-  if (!d->create_window(w)) {
+  w->native = d->create_window(w);
+  if (!w->native) {
     EndObject(&w->object);
     return nullptr;
   }
@@ -100,6 +101,15 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   return w;
 }
 
+// Events for others that tell of the pointer over a window that ends.
+static void ForgetUnderPointer(const Window* w) {
+  EventQueue& queue = *GetMainEventQueue();
+  for (size_t i = 0; i < queue.size(); ++i) {
+    Event& e = queue.at(i);
+    if (e.cls == kEventClassMouse && e.mouse.under == w) e.mouse.under = nullptr;
+  }
+}
+
 void DisposeWindow(WindowRef w) {
   if (!IsValidWindow(w)) return;
   WindowsState& all = Windows();
@@ -109,7 +119,9 @@ void DisposeWindow(WindowRef w) {
     if (other->transient_for == w) other->transient_for = nullptr;
   std::erase(all.list, w);
   RemoveEventsFromQueue(GetMainEventQueue(), [w](const Event& e) { return e.window == w; });
+  ForgetUnderPointer(w);
   CurrentDisplay()->destroy_window(w);
+  w->native = nullptr;
   w->surface.pixels = nullptr;
   EndObject(&w->object);
 }
@@ -177,7 +189,7 @@ bool IsWindowVisible(WindowRef w) {
 void SetWindowTitle(WindowRef w, const char* utf8) {
   if (!IsValidWindow(w)) return;
   w->title = utf8 ? utf8 : "";
-  CurrentDisplay()->set_title(w);
+  CurrentDisplay()->update(w, kUpdateTitle);
 }
 
 const char* GetWindowTitle(WindowRef w) {
@@ -191,7 +203,7 @@ uint32_t WindowGeneration(WindowRef w) {
 void SetWindowModified(WindowRef w, bool modified) {
   if (!IsValidWindow(w) || w->modified == modified) return;
   w->modified = modified;
-  CurrentDisplay()->set_title(w);
+  CurrentDisplay()->update(w, kUpdateTitle);
 }
 
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {

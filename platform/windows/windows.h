@@ -28,8 +28,9 @@ EventTargetRef GetWindowEventTarget(WindowRef w);
 void ShowWindow(WindowRef w);
 void HideWindow(WindowRef w);
 bool IsWindowVisible(WindowRef w);
-// Raises it and asks for the input focus.
-void SelectWindow(WindowRef w);
+// Raises it and asks for the input focus; for the action that `token` stands for, when another
+// program asked for it with one.
+void SelectWindow(WindowRef w, const char* token = nullptr);
 // Asks for (or gives up) the look of the active window; the stacking stays.
 void ActivateWindow(WindowRef w, bool activate);
 bool IsWindowActive(WindowRef w);
@@ -49,8 +50,9 @@ void SetWindowBounds(WindowRef w, const Rect& content);
 // The structure rectangle moved (never resized) so that it lies on the screen.
 Rect ConstrainWindowToScreen(WindowRef w);
 void MoveWindowStructure(WindowRef w, int left, int top);
-// What lies at a global point, and in which window (null outside all).
-int FindWindow(Point where, WindowRef* w);
+// Which part of the window a global point lies in; inDesk outside it. Which window lies under the
+// pointer only the display knows (MouseFields::under).
+int FindWindow(Point where, WindowRef w);
 
 // Erasing takes the brush, else the colour (0xRRGGBB; kNoColor: none), else white.
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw);
@@ -114,7 +116,13 @@ CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const
 void ReleaseCursor(CursorRef cursor);
 // The pointer looks like this over the window; null is ignored.
 void ShowCursor(WindowRef w, CursorRef cursor);
-// All pointer events go to the window, with this cursor (null: its own), until a null window.
-void CapturePointer(WindowRef w, CursorRef cursor);
+// Who gets the events of the pointer while a window has it.
+enum class Capture : uint8_t {
+  kWindow,   // the window, wherever the pointer is
+  kProgram,  // the program's window under the pointer; outside all of them, the window
+  kMenu,     // the same, and the window gets the keyboard as well
+};
+// The window takes the pointer, with this cursor everywhere (null: its own), until a null window.
+void CapturePointer(WindowRef w, CursorRef cursor, Capture who = Capture::kWindow);
 
 }  // namespace platform

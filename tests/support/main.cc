@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/loop/start.h"
 #include "tests/support/time_limit.h"
 
 // Null in programs without a toolkit, and without a platform.

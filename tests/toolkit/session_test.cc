@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/events/targets.h"
 #include "platform/loop/receive.h"
 #include "platform/menus/menu_bar.h"
 #include "tests/toolkit/stage.h"

@@ -237,7 +237,7 @@ TEST_F(SecondStart, IsTheFirstWhenThatOneHasEnded) {
     return owner && owner->owner == XCB_NONE && !Joined();
   }));
   StartSession();
-  EXPECT_FALSE(kX11Display.others_run());
+  EXPECT_FALSE(x11::OthersRun());
   ShowWithDocked();
   EXPECT_TRUE(WaitUntil([&] { return Mapped() == 2; }));
   // Who asks what is behind the name is told that there is nothing.

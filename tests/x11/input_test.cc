@@ -73,13 +73,13 @@ TEST_F(Reports, AReleaseThatNobodyHeardIsNotForgotten) {
 TEST_F(Reports, AGrabTakesThePointerEverywhere) {
   Start();
   WindowRef w = Ready();
-  ASSERT_TRUE(kX11Display.grab_pointer(w, nullptr));
+  kX11Display.grab(w, GrabMode::kWindow, nullptr);
   user().Move(800, 650);
   user().Click(1);
   ASSERT_TRUE(Wait(RawEvent::kRelease));
   EXPECT_EQ(Of(RawEvent::kPress)[0].window, w);
   EXPECT_EQ(Of(RawEvent::kPress)[0].x, 700);
-  kX11Display.grab_pointer(nullptr, nullptr);
+  kX11Display.grab(nullptr, GrabMode::kNone, nullptr);
   kX11Display.flush(true);
   reports.clear();
   user().Click(1);

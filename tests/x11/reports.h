@@ -17,7 +17,7 @@ class Reports : public X11Test {
       RawEvent raw;
       while (kX11Display.next_event(&raw)) {
         if (raw.type == RawEvent::kFocusIn || raw.type == RawEvent::kFocusOut) {
-          HandleFocus(raw.window, raw.type == RawEvent::kFocusIn);
+          HandleFocus(LiveWindow(raw.window), raw.type == RawEvent::kFocusIn);
         }
         reports.push_back(raw);
       }

@@ -60,10 +60,10 @@ inline void TakeRecord(const Event& e) {
 // A release outside the window that holds the pointer is translated here, since no handler of that
 // window would see it. False when the platform must not see it either.
 bool ReleaseOutsideGrab(const Event& e) {
-  if (!GrabWindow) return true;
-  WindowRef under = nullptr;
-  int part = FindWindow(e.mouse.where, &under);
-  if (part == inContent && under == NativeWindow(GrabWindow)) return true;
+  // One that no window heard of ends the button, and that is all.
+  if (!GrabWindow || !e.window) return true;
+  const int part = FindWindow(e.mouse.where, e.mouse.under);
+  if (part == inContent && e.mouse.under == NativeWindow(GrabWindow)) return true;
   Inp.window = GrabWindow;
   Inp.type = XWE_RELEASE;
   PassiveGrab = false;
@@ -89,7 +89,7 @@ int TakePlatformEvent(Event* e) {
     if (!ReleaseOutsideGrab(*e)) return 0;
   }
   if (e->cls == kEventClassMouse && e->kind == kEventMouseDown &&
-      FindWindow(e->mouse.where, nullptr) == inMenuBar)
+      FindWindow(e->mouse.where, e->mouse.under) == inMenuBar)
     return 0;
   Translate(e);
   return 0;

@@ -65,7 +65,10 @@ XwWindow* Press(XwWindow* w, Pressed pressed) {
     if (XwWindow* sub = FindVirtualWindow(w, Inp.px, Inp.py)) GrabWindow = Inp.focus = target = sub;
   }
   if (Inp.type != XWE_PRESS) {
-    // Only the primary button keeps a grab.
+    // Only the primary button keeps a grab. An active one leaves its cursor.
+    if (ActiveGrab && GrabWindow)
+      CapturePointer(NativeWindow(GrabWindow), reinterpret_cast<CursorRef>(GrabCursor),
+                     Capture::kProgram);
     GrabWindow = nullptr;
     PassiveGrab = false;
   }
@@ -73,7 +76,7 @@ XwWindow* Press(XwWindow* w, Pressed pressed) {
 }
 
 OSStatus Button(XwWindow* w, const Event& e) {
-  if (FindWindow(e.mouse.where, nullptr) != inContent) return eventNotHandledErr;
+  if (FindWindow(e.mouse.where, e.mouse.under) != inContent) return eventNotHandledErr;
   Pressed pressed{};
   if (e.mouse.tablet_type == kEventTabletPoint) {
     ReadPen(e.mouse.tablet);

@@ -25,7 +25,7 @@ double SystemSeconds() {
   return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
 }
 
-bool Open(const char*) {
+OpenResult Open(const char*) {
   State& s = Headless();
   s.open = true;
   s.screen = {{0, 0, 1280, 1024}, 1.0};
@@ -40,7 +40,20 @@ bool Open(const char*) {
     if (sscanf(size, "%dx%d", &w, &h) == 2 && w > 0 && h > 0 && w <= 16384 && h <= 16384)
       s.screen.bounds = {0, 0, w, h};
   }
-  return true;
+  return OpenResult::kOpened;
+}
+
+// A window whose scale is not that of its screen hears of it.
+void ReportScales() {
+  State& s = Headless();
+  for (const Window* w : s.windows) {
+    if (w->surface.scale == s.screen.scale) continue;
+    RawEvent& raw = s.raw.emplace_back();
+    raw.type = RawEvent::kScale;
+    raw.window = w;
+    raw.time = s.raw.front().time;
+    raw.scale = s.screen.scale;
+  }
 }
 
 void CloseDisplay() {
@@ -57,62 +70,59 @@ int Screens(Screen* out, int max) {
   return 1;
 }
 
-bool CreateNative(WindowRef w) {
-  w->native = new NativeWindow;
-  ++Headless().counts.windows;
-  return true;
+void* CreateNative(const Window* w) {
+  auto* n = new NativeWindow;
+  n->cursor = w->cursor;
+  State& s = Headless();
+  s.windows.push_back(w);
+  ++s.counts.windows;
+  return n;
 }
 
-void DestroyNative(WindowRef w) {
+void DestroyNative(const Window* w) {
   State& s = Headless();
   std::erase(s.stack, w);
+  std::erase(s.windows, w);
   std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
   if (s.pressed_in == w) s.pressed_in = nullptr;
   if (s.entered == w) s.entered = nullptr;
-  if (s.grab == w) {
-    s.grab = nullptr;
-    s.grab_cursor = nullptr;
-  }
+  if (s.grab.window == w) s.grab = {};
   if (s.focus == w) {
     s.focus = nullptr;
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   }
   delete Native(w);
-  w->native = nullptr;
   --s.counts.windows;
 }
 
 // A window that is shown gets the focus, as from most window managers.
-void Map(WindowRef w, bool shown) {
+void Map(const Window* w, bool shown) {
   State& s = Headless();
   Native(w)->mapped = shown;
   std::erase(s.stack, w);
   if (!shown && s.pressed_in == w) s.pressed_in = nullptr;
+  if (!shown && s.grab.window == w) LoseGrab();
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
     if (!(w->state & kStateDocked)) GiveFocus(w);
+    TryGrab();
   } else if (s.focus == w) {
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   }
 }
 
-void MoveResize(WindowRef) {}
-void SetTitle(WindowRef) {}
-void SetHints(WindowRef) {}
+void MoveResize(const Window*) {}
 
-void Raise(WindowRef w) {
-  State& s = Headless();
-  auto it = std::find(s.stack.begin(), s.stack.end(), w);
-  if (it == s.stack.end()) return;
-  s.stack.erase(it);
-  s.stack.insert(s.stack.begin(), w);
+void Update(const Window* w, uint32_t what) {
+  if (what & kUpdateCursor) Native(w)->cursor = w->cursor;
 }
 
-void Activate(WindowRef w) {
-  if (Native(w)->mapped) GiveFocus(w);
+void RaiseNative(const Window* w, uint32_t how, const char*) {
+  if (how & kRaiseOnly) Raise(w);
+  if (how & kRaiseFocus && Native(w)->mapped) GiveFocus(w);
 }
 
-uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
+uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   if (width <= 0 || height <= 0 || int64_t(width) * height > (int64_t{1} << 28)) return nullptr;
   NativeWindow* n = Native(w);
   std::vector<uint32_t> pixels(size_t(width) * size_t(height), 0xFF000000u);
@@ -125,7 +135,7 @@ uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
   return n->buffer.data();
 }
 
-void Present(WindowRef w, const DeviceRect* rects, int count) {
+void Present(const Window* w, const DeviceRect* rects, int count) {
   NativeWindow* n = Native(w);
   if (n->shown_width != n->width || n->shown_height != n->height) {
     n->shown.assign(n->buffer.size(), 0xFF000000u);
@@ -145,15 +155,18 @@ void Present(WindowRef w, const DeviceRect* rects, int count) {
 }
 
 void Flush(bool) {}
-void SetCursor(WindowRef w, CursorRef cursor) {
-  Native(w)->cursor = cursor;
+
+void DestroyCursor(const Cursor* cursor) {
+  State& s = Headless();
+  if (s.grab.cursor == cursor) s.grab.cursor = nullptr;
 }
 
-bool GrabPointer(WindowRef w, CursorRef cursor) {
+void Grab(const Window* w, GrabMode mode, const Cursor* cursor) {
   State& s = Headless();
-  s.grab = w;
-  s.grab_cursor = w ? cursor : nullptr;
-  return true;
+  s.grab = {};
+  if (!w || mode == GrabMode::kNone) return;
+  s.grab = {w, mode, cursor, false};
+  TryGrab();
 }
 
 void Beep() {
@@ -165,16 +178,14 @@ bool NextEvent(RawEvent* out) {
   if (s.raw.empty()) return false;
   *out = s.raw.front();
   s.raw.pop_front();
+  // The scales of the windows follow the screens, those of windows made meanwhile too.
+  if (out->type == RawEvent::kScreens) ReportScales();
   if (out->type == RawEvent::kOpenFile && !s.paths.empty()) {
     s.path = s.paths.front();
     s.paths.pop_front();
     out->text = s.path.c_str();
   }
   return true;
-}
-
-int FileDescriptor() {
-  return -1;
 }
 
 // XW_SNAPSHOT=FILE: whenever the program comes to rest and has shown something new, the file gets
@@ -231,15 +242,16 @@ void SetIdleHandler(bool (*handler)()) {
 Counters Counts() {
   return Headless().counts;
 }
-CursorRef ShownCursor(WindowRef w) {
-  State& s = Headless();
-  if (s.grab && s.grab_cursor) return s.grab_cursor;
-  return IsValidWindow(w) && w->native ? Native(w)->cursor : nullptr;
+CursorRef ShownCursor(const Window* w) {
+  const State& s = Headless();
+  const bool everywhere = s.grab.held && s.grab.cursor;
+  const Cursor* shown = everywhere ? s.grab.cursor : IsValidWindow(w) ? Native(w)->cursor : nullptr;
+  return const_cast<CursorRef>(shown);
 }
-WindowRef PointerGrab() {
-  return Headless().grab;
+const Window* PointerGrab() {
+  return Headless().grab.held ? Headless().grab.window : nullptr;
 }
-std::string ShownTitle(WindowRef w) {
+std::string ShownTitle(const Window* w) {
   if (!IsValidWindow(w)) return {};
   return w->modified ? "\u2022 " + w->title : w->title;
 }
@@ -259,19 +271,16 @@ const Display kHeadlessDisplay = {
     .destroy_window = DestroyNative,
     .map_window = Map,
     .move_resize = MoveResize,
-    .set_title = SetTitle,
-    .set_hints = SetHints,
-    .raise = Raise,
-    .activate = Activate,
+    .update = Update,
+    .raise = RaiseNative,
     .resize_buffer = ResizeBuffer,
     .present = headless::Present,
     .flush = Flush,
-    .set_cursor = SetCursor,
-    .destroy_cursor = nullptr,
-    .grab_pointer = GrabPointer,
+    .destroy_cursor = DestroyCursor,
+    .grab = Grab,
     .beep = Beep,
     .next_event = NextEvent,
-    .file_descriptor = FileDescriptor,
+    .descriptors = nullptr,
     .wait = headless::Wait,
     .now = Now,
 };

@@ -34,13 +34,23 @@ void Modifiers(uint32_t modifiers);
 
 // --- What a desktop does to windows.
 // The user gives the window these content bounds.
-void Configure(WindowRef w, const Rect& content);
+void Configure(const Window* w, const Rect& content);
 // The screen gets this size in device pixels, and this scale.
 void ChangeScreen(int width, int height, double scale);
-void Close(WindowRef w);
+void Close(const Window* w);
 // Null: another program takes the focus. Keys that are held are let go of first.
-void Focus(WindowRef w);
-void Lose(WindowRef w);
+void Focus(const Window* w);
+void Lose(const Window* w);
+// The screen forgets these pixels (of the buffer), which the program still has.
+void Expose(const Window* w, const DeviceRect& pixels);
+// The user or a window manager raises it, which the program does not hear of.
+void Raise(const Window* w);
+// Another program has the pointer from now on, or lets go of it: reports stop, and grabs are lost.
+void StealPointer(bool stolen);
+// The desktop puts a frame of these widths (device pixels) around it; makes it full screen, or ends
+// that (bits of WindowState).
+void Frame(const Window* w, const DeviceRect& widths);
+void SetState(const Window* w, uint32_t state);
 void OpenFile(const char* path);
 void Preferences();
 void Quit();
@@ -60,7 +70,7 @@ struct Picture {
   int width = 0, height = 0;
   std::vector<uint32_t> pixels;
 };
-Picture TakePicture(WindowRef w);
+Picture TakePicture(const Window* w);
 // False when it cannot be written.
 bool WritePng(const Picture& picture, const std::string& path);
 // Counts since the display was opened.
@@ -71,9 +81,9 @@ struct Counters {
 };
 Counters Counts();
 // What the window's frame says: the shown title, the cursor, whether it is mapped.
-std::string ShownTitle(WindowRef w);
-CursorRef ShownCursor(WindowRef w);
-// The window that holds the active pointer grab, and its cursor.
-WindowRef PointerGrab();
+std::string ShownTitle(const Window* w);
+CursorRef ShownCursor(const Window* w);
+// The window that has the pointer; null: none, or the grab that it asked for is not held.
+const Window* PointerGrab();
 
 }  // namespace platform::headless

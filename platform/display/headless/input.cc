@@ -13,7 +13,7 @@ void Push(RawEvent raw) {
   intake_hints.ReportWaits();
 }
 
-RawEvent Report(RawEvent::Type type, WindowRef w) {
+RawEvent Report(RawEvent::Type type, const Window* w) {
   RawEvent raw;
   raw.type = type;
   raw.window = w;
@@ -22,9 +22,9 @@ RawEvent Report(RawEvent::Type type, WindowRef w) {
   return raw;
 }
 
-WindowRef UnderPointer() {
+const Window* UnderPointer() {
   State& s = Headless();
-  for (WindowRef w : s.stack) {
+  for (const Window* w : s.stack) {
     Rect r = w->content;
     r.top -= w->strip;
     if (r.contains({s.x, s.y})) return w;
@@ -32,15 +32,20 @@ WindowRef UnderPointer() {
   return nullptr;
 }
 
-WindowRef PointerTarget() {
-  State& s = Headless();
-  return s.grab ? s.grab : s.pressed_in ? s.pressed_in : UnderPointer();
+// Null: no window hears of it.
+const Window* PointerTarget() {
+  const State& s = Headless();
+  if (s.taken) return nullptr;
+  if (!s.grab.held) return s.pressed_in ? s.pressed_in : UnderPointer();
+  const Window* own = s.grab.mode != GrabMode::kWindow ? UnderPointer() : nullptr;
+  return own ? own : s.grab.window;
 }
 
-RawEvent PointerReport(RawEvent::Type type, WindowRef w = PointerTarget()) {
+RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   State& s = Headless();
   RawEvent raw = Report(type, w);
   if (!w) return raw;
+  raw.under = UnderPointer();
   double scale = w->surface.scale;
   raw.root_x = float(DeviceEdge(s.x, scale));
   raw.root_y = float(DeviceEdge(s.y, scale));
@@ -73,13 +78,19 @@ void PushPointer(const RawEvent& raw) {
 // Tells the window that the pointer has left of it.
 void LeaveWindow() {
   State& s = Headless();
-  const WindowRef now = PointerTarget();
+  const Window* now = PointerTarget();
   if (s.entered && s.entered != now) PushPointer(PointerReport(RawEvent::kLeave, s.entered));
   s.entered = now;
 }
 
+// A menu has the keyboard as well.
+const Window* KeyTarget() {
+  const State& s = Headless();
+  return s.grab.held && s.grab.mode == GrabMode::kMenu ? s.grab.window : s.focus;
+}
+
 RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
-  RawEvent raw = Report(type, Headless().focus);
+  RawEvent raw = Report(type, KeyTarget());
   raw.keysym = raw.base_keysym = raw.keycode = keysym;
   raw.unicode = unicode ? unicode : keysym < 0x100 ? keysym : 0;
   return raw;
@@ -137,7 +148,7 @@ void Pen(const TabletPoint& pen, RawEvent::Type type, int button) {
 
 void KeyDown(uint32_t keysym, uint32_t unicode) {
   State& s = Headless();
-  if (!s.focus) return;
+  if (!KeyTarget()) return;
   const bool held = s.held.count(keysym) != 0;
   s.held[keysym] = {unicode, false};
   Push(KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode));
@@ -147,7 +158,7 @@ void KeyUp(uint32_t keysym, uint32_t unicode) {
   State& s = Headless();
   auto key = s.held.find(keysym);
   if (key == s.held.end()) return;
-  if (!s.focus) {
+  if (!KeyTarget()) {
     key->second.missed = true;
     return;
   }
@@ -158,12 +169,12 @@ void KeyUp(uint32_t keysym, uint32_t unicode) {
 void Modifiers(uint32_t modifiers) {
   State& s = Headless();
   s.modifiers = modifiers;
-  if (!s.focus) return;
+  if (!KeyTarget()) return;
   s.reported_modifiers = modifiers;
-  Push(Report(RawEvent::kModifiers, s.focus));
+  Push(Report(RawEvent::kModifiers, KeyTarget()));
 }
 
-void GiveFocus(WindowRef w) {
+void GiveFocus(const Window* w) {
   State& s = Headless();
   if (s.focus == w) return;
   if (s.focus) {
@@ -180,7 +191,7 @@ void GiveFocus(WindowRef w) {
   if (s.reported_modifiers != s.modifiers) Modifiers(s.modifiers);
 }
 
-void Configure(WindowRef w, const Rect& content) {
+void Configure(const Window* w, const Rect& content) {
   if (!IsValidWindow(w)) return;
   double scale = w->surface.scale;
   RawEvent raw = Report(RawEvent::kConfigure, w);
@@ -191,18 +202,78 @@ void Configure(WindowRef w, const Rect& content) {
   Push(raw);
 }
 
+void Expose(const Window* w, const DeviceRect& pixels) {
+  RawEvent raw = Report(RawEvent::kExpose, w);
+  raw.x = float(pixels.left);
+  raw.y = float(pixels.top);
+  raw.width = pixels.width();
+  raw.height = pixels.height();
+  Push(raw);
+}
+
+void Raise(const Window* w) {
+  State& s = Headless();
+  const auto it = std::find(s.stack.begin(), s.stack.end(), w);
+  if (it != s.stack.end()) std::rotate(s.stack.begin(), it, it + 1);
+}
+
+static void ReportLoss(const Window* w) {
+  State& s = Headless();
+  RawEvent raw = Report(RawEvent::kGrabLost, w);
+  s.reported &= s.buttons;
+  raw.held = s.reported;
+  Push(raw);
+}
+
+void TryGrab() {
+  State& s = Headless();
+  if (!s.grab.window || s.grab.held || !Native(s.grab.window)->mapped) return;
+  s.grab.held = !s.taken;
+  if (s.taken) ReportLoss(s.grab.window);
+}
+
+void LoseGrab() {
+  State& s = Headless();
+  if (!s.grab.held) return;
+  s.grab.held = false;
+  ReportLoss(s.grab.window);
+}
+
+void StealPointer(bool stolen) {
+  State& s = Headless();
+  s.taken = stolen;
+  if (!stolen) return;
+  if (s.grab.held)
+    LoseGrab();
+  else if (s.pressed_in)
+    ReportLoss(s.pressed_in);
+  s.pressed_in = nullptr;
+}
+
+void Frame(const Window* w, const DeviceRect& widths) {
+  RawEvent raw = Report(RawEvent::kFrame, w);
+  raw.frame = widths;
+  Push(raw);
+}
+
+void SetState(const Window* w, uint32_t state) {
+  RawEvent raw = Report(RawEvent::kState, w);
+  raw.state = state;
+  Push(raw);
+}
+
 void ChangeScreen(int width, int height, double scale) {
   Headless().screen = {{0, 0, width, height}, scale};
   Push(Report(RawEvent::kScreens, nullptr));
 }
 
-void Close(WindowRef w) {
+void Close(const Window* w) {
   Push(Report(RawEvent::kClose, w));
 }
-void Focus(WindowRef w) {
+void Focus(const Window* w) {
   GiveFocus(w);
 }
-void Lose(WindowRef w) {
+void Lose(const Window* w) {
   Push(Report(RawEvent::kLost, w));
 }
 

@@ -145,12 +145,18 @@ void SetIdentity(const Native& n) {
   SetProperty(n.id, Atom(kXdndAware), XCB_ATOM_ATOM, &version, 1);
 }
 
-void SetTitle(WindowRef w) {
+void UpdateNative(const Window* w, uint32_t what) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
-  const std::string shown = w->modified ? "\u2022 " + w->title : w->title;
-  SetText(n->id, Atom(kNetWmName), Atom(kUtf8String), shown);
-  SetText(n->id, XCB_ATOM_WM_NAME, Atom(kUtf8String), shown);
+  if ((what & kUpdateTitle) != 0) SetTitle(*n);
+  if ((what & kUpdateHints) != 0) SetHints(n);
+  if ((what & kUpdateCursor) != 0) SetCursor(n);
+}
+
+void SetTitle(const Native& n) {
+  const std::string shown = n.w->modified ? "\u2022 " + n.w->title : n.w->title;
+  SetText(n.id, Atom(kNetWmName), Atom(kUtf8String), shown);
+  SetText(n.id, XCB_ATOM_WM_NAME, Atom(kUtf8String), shown);
 }
 
 // The window manager measures the whole window, so the menu strip is part of every figure.
@@ -191,16 +197,14 @@ void SetSizeHints(const Native& n) {
   xcb_icccm_set_wm_normal_hints(x.c, n.id, &h);
 }
 
-void SetHints(WindowRef w) {
-  Native* n = NativeOf(w);
-  if (n == nullptr) return;
-  const ClassStyle& style = StyleOf(*w);
+void SetHints(Native* n) {
+  const ClassStyle& style = StyleOf(*n->w);
   SetProperty(n->id, Atom(kNetWmWindowType), XCB_ATOM_ATOM, &x.atoms[style.type], 1);
   SetMotifHints(*n, style);
   SetTransient(*n, style);
   // On the way out of full screen the size that the record has is still the screen's: the hints
   // wait for the one that comes back.
-  const bool leaving = n->mapped() && (n->states & ~WishedStates(*w) & kStateFullScreen) != 0;
+  const bool leaving = n->mapped() && (n->states & ~WishedStates(*n->w) & kStateFullScreen) != 0;
   if (!leaving) SetSizeHints(*n);
   if (n->mapped()) AskStates(n);
 }
@@ -216,11 +220,11 @@ void ReadStates(Native* n) {
     const xcb_atom_t* end = atoms + xcb_get_property_value_length(reply.p) / 4;
     full = std::find(atoms, end, Atom(kNetWmStateFullscreen)) != end;
   }
-  if (n->full_screen && !full) {
-    n->w->state &= ~uint32_t{kStateFullScreen};
-    n->states &= ~uint32_t{kStateFullScreen};
-  }
+  if (n->full_screen == full) return;
   n->full_screen = full;
+  const uint32_t state = full ? uint32_t{kStateFullScreen} : 0;
+  n->states = (n->states & ~uint32_t{kStateFullScreen}) | state;
+  Emit(RawEvent::kState, n)->state = state;
 }
 
 void WriteStates(Native* n) {

@@ -19,7 +19,7 @@ bool BehindAnother(const Native& n) {
 
 void Map(Native* n) {
   // Before it is asked for: as yet the window manager keeps no state of it.
-  SetHints(n->w);
+  SetHints(n);
   WriteStates(n);
   if (x.user_time != 0) {
     xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, n->id, Atom(kNetWmUserTime), XCB_ATOM_CARDINAL,
@@ -27,7 +27,7 @@ void Map(Native* n) {
   }
   n->phase = Native::kMapping;
   xcb_map_window(x.c, n->id);
-  if (n->activate) ActivateNative(n->w);
+  if (n->activate) Activate(n);
 }
 
 void Withdraw(Native* n) {
@@ -50,9 +50,10 @@ void Step(Native* n) {
 
 }  // namespace
 
-void MapNative(WindowRef w, bool shown) {
+void MapNative(const Window* w, bool shown) {
   Native* n = NativeOf(w);
   if (n == nullptr || n->wanted == shown) return;
+  ForgetUnder();
   n->wanted = shown;
   n->activate = false;
   Step(n);
