@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/display/window_kinds.h"
+#include "platform/graphics/region.h"
 #include "platform/graphics/surface.h"
 #include "platform/objects/object.h"
 
@@ -47,6 +48,7 @@ struct Window {
   // --- Pixels: strip and content together.
   Surface surface;
   bool needs_draw = false;
+  Region lost;  // content that a redraw was asked for, logical
   double draw_since = 0;
   CursorRef cursor = nullptr;
   // --- The display's handle, which no other room looks into.

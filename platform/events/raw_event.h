@@ -56,6 +56,11 @@ struct RawEvent {
   const char* text = nullptr;  // valid until the next report is taken
 };
 
+// Reports that let go of something: they count also when their window has ended.
+inline bool IsRelease(RawEvent::Type type) {
+  return type == RawEvent::kRelease || type == RawEvent::kKeyUp || type == RawEvent::kModifiers;
+}
+
 // Appends a report that does not come from the display itself. Its text is copied.
 void PostRawEvent(const RawEvent& raw);
 // Takes the next one; false when none waits.

@@ -46,7 +46,7 @@ Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
   Event e(kEventClassMouse, kind, w);
   e.time = raw.time;
   e.mouse = {};
-  e.mouse.where = GlobalPoint(*w, raw);
+  if (w) e.mouse.where = GlobalPoint(*w, raw);
   e.mouse.under = LiveWindow(raw.under);
   e.mouse.button = raw.button;
   e.mouse.tablet_type = raw.tablet_type;
@@ -60,15 +60,13 @@ void Motion(const RawEvent& raw, WindowRef w) {
   EventQueue& q = main_event_queue;
   Event e = MouseEvent(raw, w, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
   // Neighbouring motions of one window merge; a pen's samples stay, since each has its pressure.
-  if (!q.empty() && !raw.tablet_type) {
-    Event& last = q.back();
-    if (last.cls == e.cls && last.kind == e.kind && last.window == e.window &&
-        !last.mouse.tablet_type) {
-      last = e;
-      return;
-    }
-  }
-  q.Push(e);
+  Event* last = q.Last();
+  const bool merges = last && last->cls == e.cls && last->kind == e.kind &&
+                      last->window == e.window && !last->mouse.tablet_type && !raw.tablet_type;
+  if (merges)
+    *last = e;
+  else
+    q.Push(e);
 }
 
 void Button(const RawEvent& raw, WindowRef w) {
@@ -106,8 +104,9 @@ void Configure(const RawEvent& raw, WindowRef window) {
   e.bounds.placement = w.placing;
   e.bounds.replayed = Replaying();
   EventQueue& q = main_event_queue;
-  if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
-    q.back() = e;
+  Event* last = q.Last();
+  if (last && last->cls == e.cls && last->kind == e.kind && last->window == e.window)
+    *last = e;
   else
     q.Push(e);
 }
@@ -187,6 +186,13 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
   }
 }
 
+// What comes up after its window has ended: no window hears of it, but nothing stays held.
+void Released(const RawEvent& raw) {
+  if (raw.type == RawEvent::kRelease) Button(raw, nullptr);
+  if (raw.type == RawEvent::kKeyUp) Key(raw, nullptr, kEventRawKeyUp);
+  if (raw.type == RawEvent::kModifiers) Key(raw, nullptr, kEventRawKeyModifiersChanged);
+}
+
 // Nothing can be shown any more. The connection's own clean-up would write to it.
 [[noreturn]] void DisplayLost() {
   fprintf(stderr, "%s: the connection to the display is gone\n", PlatformSessionName());
@@ -214,7 +220,10 @@ void TranslateRawEvent(const RawEvent& raw) {
     case RawEvent::kGrabLost:
       return GrabLost(raw);
     default:
-      if (WindowRef w = LiveWindow(raw.window)) WindowEvent(raw, w);
+      if (WindowRef w = LiveWindow(raw.window))
+        WindowEvent(raw, w);
+      else
+        Released(raw);
   }
 }
 

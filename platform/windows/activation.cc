@@ -19,6 +19,23 @@ void PostActivation(bool active) {
   PostEventToQueue(GetMainEventQueue(), e);
 }
 
+// The desktop itself has given the window the focus.
+void PostFocus(WindowRef w) {
+  Event e(kEventClassWindow, kEventWindowFocusAcquired, w);
+  e.time = GetCurrentEventTime();
+  PostEventToQueue(GetMainEventQueue(), e);
+}
+
+// An answer to the program's own request comes within this time, in seconds.
+constexpr double kAnswerTime = 2;
+
+bool AnswersRequest(WindowRef w) {
+  auto& state = Windows().activation;
+  const bool own = state.asked == w && GetCurrentEventTime() - state.asked_at <= kAnswerTime;
+  state.asked = nullptr;
+  return own;
+}
+
 // The ground of an inactive window is lighter, so all of it is drawn again.
 void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
@@ -48,6 +65,7 @@ void HandleFocus(WindowRef w, bool focused) {
     if (state.focused && IsValidWindow(state.focused)) state.focused->focused = false;
     state.focused = w;
     w->focused = true;
+    if (!AnswersRequest(w)) PostFocus(w);
     PostActivation(true);
     auto& list = WindowList();
     if (std::find(list.begin(), list.end(), w) != list.end()) {
@@ -58,6 +76,13 @@ void HandleFocus(WindowRef w, bool focused) {
     state.focused = nullptr;
   }
   state.known = true;
+}
+
+void NoteFocusRequest(WindowRef w) {
+  auto& state = Windows().activation;
+  if (w->focused) return;
+  state.asked = w;
+  state.asked_at = GetCurrentEventTime();
 }
 
 void SettleActivation() {
@@ -80,6 +105,7 @@ void SelectWindow(WindowRef w, const char* token) {
   auto& list = WindowList();
   std::erase(list, w);
   list.insert(list.begin(), w);
+  if (w->visible) NoteFocusRequest(w);
   CurrentDisplay()->raise(w, w->visible ? kRaiseBoth : kRaiseOnly, token);
 }
 
@@ -92,8 +118,9 @@ void SetFrontProcess() {
 }
 
 void SetUserFocusWindow(WindowRef w) {
-  if (IsValidWindow(w) && w->visible && !w->focused)
-    CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
+  if (!IsValidWindow(w) || !w->visible || w->focused) return;
+  NoteFocusRequest(w);
+  CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
 }
 
 void ClearKeyboardFocus(WindowRef) {

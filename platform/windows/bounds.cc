@@ -96,7 +96,7 @@ void ResizeSurface(WindowRef w) {
   s.width = d.width();
   s.height = d.height();
   s.stride = stride;
-  ++s.generation;
+  ++*s.generation;
   s.damage.Reset(s.width, s.height);
   // What is new takes the ground; what was there stays.
   uint32_t ground = WindowGround(w);
@@ -112,8 +112,12 @@ static bool TakeBounds(WindowRef w, const Rect& content) {
   w->content = content;
   if (SameSize(old, content)) return false;
   if (w->visible || w->surface.pixels) ResizeSurface(w);
-  bool grew = content.width() > old.width() || content.height() > old.height();
-  if (grew && w->visible) InvalidateWindow(w, {}, false);
+  const int width = content.width(), height = content.height();
+  const bool grew = width > old.width() || height > old.height();
+  if (grew && w->visible) {
+    InvalidateWindow(w, {old.width(), 0, width, height}, false);
+    InvalidateWindow(w, {0, old.height(), width, height}, false);
+  }
   return grew;
 }
 
@@ -190,7 +194,7 @@ static void Rescale(WindowRef w, double scale) {
   w->refused = {};
   CurrentDisplay()->update(w, kUpdateHints | kUpdateCursor);
   CurrentDisplay()->move_resize(w);
-  if (w->visible) InvalidateWindow(w, {}, false);
+  if (w->visible) InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, false);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
   e.bounds = {old, w->content, true, false, false};

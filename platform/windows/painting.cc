@@ -12,6 +12,8 @@ ContextRef CreateContext(WindowRef w) {
   return IsValidWindow(w) ? CreateContext(&w->surface, w->strip) : nullptr;
 }
 
+constexpr size_t kMostLost = 32;  // rectangles; beyond that their bounds stand for them
+
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw) {
   if (!IsValidWindow(w)) return;
   w->brush = brush;
@@ -41,7 +43,11 @@ void EraseRect(WindowRef w, const Rect& r) {
 
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase) {
   if (!IsValidWindow(w)) return;
-  if (erase) EraseRect(w, r);
+  const Rect part = Intersect(r, {0, 0, w->content.width(), w->content.height()});
+  if (part.empty()) return;
+  if (erase) EraseRect(w, part);
+  w->lost.Add(part);
+  if (w->lost.boxes().size() > kMostLost) w->lost = Region(w->lost.extents());
   if (w->needs_draw) return;
   w->needs_draw = true;
   w->draw_since = GetCurrentEventTime();
@@ -70,6 +76,8 @@ bool TakeDrawEvent(double asked_before, Event* out) {
   w->needs_draw = false;
   *out = Event(kEventClassWindow, kEventWindowDrawContent, w);
   out->time = w->draw_since;
+  out->bounds.current = w->lost.extents();
+  w->lost.Clear();
   return true;
 }
 

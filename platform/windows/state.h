@@ -17,8 +17,10 @@ struct WindowsState {
   std::vector<DeviceRect> rects;  // memory of the last present
   struct {
     WindowRef focused = nullptr;
-    bool known = false;   // the display has said where the focus is
-    bool posted = false;  // what the handlers have been told
+    bool known = false;         // the display has said where the focus is
+    bool posted = false;        // what the handlers have been told
+    WindowRef asked = nullptr;  // the program has asked for the focus of this window
+    double asked_at = 0;
   } activation;
 };
 
@@ -28,6 +30,8 @@ WindowsState& Windows();
 OSStatus TakeReportedBounds(HandlerCall* call, Event* event, void* user_data);
 // The window under a pointer that moves freely chooses its cursor.
 OSStatus ChooseCursor(HandlerCall* call, Event* event, void* user_data);
+// The program asks for the input focus: its coming is no action of the desktop.
+void NoteFocusRequest(WindowRef w);
 // Asks the handlers to draw what surrounds the content.
 void DrawFrame(WindowRef w);
 

@@ -101,13 +101,22 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   return w;
 }
 
-// Events for others that tell of the pointer over a window that ends.
-static void ForgetUnderPointer(const Window* w) {
-  EventQueue& queue = *GetMainEventQueue();
-  for (size_t i = 0; i < queue.size(); ++i) {
-    Event& e = queue.at(i);
-    if (e.cls == kEventClassMouse && e.mouse.under == w) e.mouse.under = nullptr;
-  }
+// What lets go of a button or a key takes effect though its window has ended.
+static bool IsRelease(const Event& e) {
+  if (e.cls == kEventClassMouse) return e.kind == kEventMouseUp;
+  return e.cls == kEventClassKeyboard &&
+         (e.kind == kEventRawKeyUp || e.kind == kEventRawKeyModifiersChanged);
+}
+
+// Its queued events go, besides releases, which name no window from now on.
+static void PurgeWindow(const Window* w) {
+  ForEachEvent(GetMainEventQueue(), [w](Event* e) {
+    if (e->posted()) return;
+    if (e->window == w && IsRelease(*e)) e->window = nullptr;
+    if (e->cls == kEventClassMouse && e->mouse.under == w) e->mouse.under = nullptr;
+  });
+  RemoveEventsFromQueue(GetMainEventQueue(),
+                        [w](const Event& e) { return !e.posted() && e.window == w; });
 }
 
 void DisposeWindow(WindowRef w) {
@@ -115,14 +124,15 @@ void DisposeWindow(WindowRef w) {
   WindowsState& all = Windows();
   HandleFocus(w, false);
   if (all.menu_bar == w) all.menu_bar = nullptr;
+  if (all.activation.asked == w) all.activation.asked = nullptr;
   for (WindowRef other : all.list)
     if (other->transient_for == w) other->transient_for = nullptr;
   std::erase(all.list, w);
-  RemoveEventsFromQueue(GetMainEventQueue(), [w](const Event& e) { return e.window == w; });
-  ForgetUnderPointer(w);
+  PurgeWindow(w);
   CurrentDisplay()->destroy_window(w);
   w->native = nullptr;
   w->surface.pixels = nullptr;
+  *w->surface.generation = 0;
   EndObject(&w->object);
 }
 
@@ -165,6 +175,7 @@ void HoldWindows(bool held) {
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
   w->visible = w->placing = true;
+  NoteFocusRequest(w);
   ResizeSurface(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
   DrawFrame(w);
@@ -178,6 +189,7 @@ void HideWindow(WindowRef w) {
   if (!IsValidWindow(w) || !w->visible) return;
   w->visible = false;
   w->needs_draw = false;
+  w->lost.Clear();
   if (w == MenuBarWindow()) MapDocked(false);
   CurrentDisplay()->map_window(w, false);
 }
@@ -197,7 +209,7 @@ const char* GetWindowTitle(WindowRef w) {
 }
 
 uint32_t WindowGeneration(WindowRef w) {
-  return IsValidWindow(w) ? w->surface.generation : 0;
+  return IsValidWindow(w) ? *w->surface.generation : 0;
 }
 
 void SetWindowModified(WindowRef w, bool modified) {

@@ -61,8 +61,9 @@ void SetWindowBackgroundColor(WindowRef w, uint32_t rgb);
 uint32_t WindowGround(WindowRef w);
 // Paints a content rectangle with the ground.
 void EraseRect(WindowRef w, const Rect& r);
-// Marks the window's content as lost: one draw event in the next turn of the loop. `erase` paints
-// the ground there first.
+// Marks a part of the window's content as lost: one draw event in the next turn of the loop, whose
+// `bounds.current` is the bounds of all that is lost. `erase` paints the ground there first. What
+// lies outside the content is ignored.
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
 
 // --- Groups -----------------------------------------------------------------------------------

@@ -333,7 +333,7 @@ TEST(BadArguments, NothingSelected) {
 // A context made for pixels that are gone paints nothing.
 TEST(Contexts, StaleGenerationPaintsNothing) {
   Canvas c(40, 40);
-  ++c.surface().generation;
+  ++*c.surface().generation;
   for (const auto& call : kCalls) call();
   EXPECT_EQ(Painted(c), 0);
 }

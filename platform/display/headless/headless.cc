@@ -79,18 +79,24 @@ void* CreateNative(const Window* w) {
   return n;
 }
 
+// Reports of a window that ends go; what they let go of is reported without one.
+void ForgetReports(const Window* w) {
+  for (RawEvent& e : Headless().raw) {
+    if (e.under == w) e.under = nullptr;
+    if (e.window == w && IsRelease(e.type)) e.window = nullptr;
+  }
+  std::erase_if(Headless().raw, [w](const RawEvent& e) { return e.window == w; });
+}
+
 void DestroyNative(const Window* w) {
   State& s = Headless();
   std::erase(s.stack, w);
   std::erase(s.windows, w);
-  std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
+  if (s.focus == w) GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
+  ForgetReports(w);
   if (s.pressed_in == w) s.pressed_in = nullptr;
   if (s.entered == w) s.entered = nullptr;
   if (s.grab.window == w) s.grab = {};
-  if (s.focus == w) {
-    s.focus = nullptr;
-    GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
-  }
   delete Native(w);
   --s.counts.windows;
 }

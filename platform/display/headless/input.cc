@@ -57,7 +57,9 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
 // A release that no window heard of comes before the next report that one gets.
 void PushPointer(const RawEvent& raw) {
   State& s = Headless();
-  if (!raw.window) return;
+  // A button that comes up outside all windows, after its own has ended, is reported without one.
+  const bool lone = raw.type == RawEvent::kRelease && (s.reported >> raw.button & 1);
+  if (!raw.window && !lone) return;
   for (int button = 1; button <= 5; ++button) {
     const uint32_t bit = 1u << button;
     const bool itself = raw.type == RawEvent::kRelease && raw.button == button;
