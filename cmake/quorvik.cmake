@@ -24,7 +24,7 @@ function(quorvik_program name)
 endfunction()
 
 # quorvik_test(NAME SOURCES... [LIBS ...] [LABELS ...] [ENVIRONMENT NAME=VALUE ...] [TIMEOUT
-# seconds]): each TEST runs in a process of its own, because a toolkit session is one per process.
+# seconds]): each TEST runs in a process of its own, so that a crash is that of one test.
 function(quorvik_test name)
   cmake_parse_arguments(P "" "TIMEOUT" "LIBS;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT P_TIMEOUT)
