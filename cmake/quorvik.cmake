@@ -50,6 +50,22 @@ function(quorvik_test name)
       "  set_tests_properties(\${${name}_TESTS} PROPERTIES${lists})\nendif()\n")
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${file})
   endif()
+  quorvik_test_whole(${name} TIMEOUT ${P_TIMEOUT} LABELS ${P_LABELS} ENVIRONMENT ${P_ENVIRONMENT})
+endfunction()
+
+# quorvik_test's program as a whole: all its tests in one process, shuffled, three times. Only
+# `ctest -C whole` runs these (tools/test whole).
+function(quorvik_test_whole name)
+  cmake_parse_arguments(P "" "TIMEOUT" "LABELS;ENVIRONMENT" ${ARGN})
+  math(EXPR seconds "${P_TIMEOUT} - 3")
+  add_test(NAME whole:${name} CONFIGURATIONS whole
+    COMMAND ${name} --seconds=${seconds} --gtest_shuffle --gtest_repeat=3 --gtest_brief=1)
+  set_tests_properties(whole:${name} PROPERTIES TIMEOUT 3600)
+  foreach(property LABELS ENVIRONMENT)
+    if(P_${property})
+      set_property(TEST whole:${name} PROPERTY ${property} ${P_${property}})
+    endif()
+  endforeach()
 endfunction()
 
 # quorvik_bench(NAME SOURCES... [LIBS ...])

@@ -1,5 +1,4 @@
-#include "toolkit/drawing/fonts.h"
-
+// Font handles and font names.
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -10,7 +9,7 @@
 
 #include "platform/fonts/fonts.h"
 #include "platform/text/mac_roman.h"
-#include "toolkit/core/state.h"
+#include "toolkit/xw.h"
 
 using namespace platform;
 
@@ -19,8 +18,7 @@ namespace {
 enum : int32_t { kBold = 1, kItalic = 2, kNarrow = 32 };
 
 XwFont* NewFont() {
-  auto*& fonts = toolkit::state.fonts;
-  if (!fonts) fonts = new std::vector<std::unique_ptr<XwFont>>;
+  static auto* fonts = new std::vector<std::unique_ptr<XwFont>>;
   fonts->push_back(std::make_unique<XwFont>());
   return fonts->back().get();
 }
@@ -92,9 +90,4 @@ XwFont* XwLoadFont(const char* xname) {
   if (std::strcmp(GetFontParm(xname, 4, part), "i") == 0) style += kItalic;
   long size = std::strtol(GetFontParm(xname, 7, part), nullptr, 10);
   return LoadFont(family, int(std::clamp(size, long{INT_MIN}, long{INT_MAX})), style);
-}
-
-void DropFonts() {
-  delete toolkit::state.fonts;
-  toolkit::state.fonts = nullptr;
 }

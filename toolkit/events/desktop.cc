@@ -44,8 +44,7 @@ void ReadDockedPlaces() {
 }
 
 void TakeBounds(XwWindow* w, const Rect& now) {
-  ResetClipMask(w);
-  ResetClipsBelow(w);
+  ResetClipsFrom(w);
   if (w == W_Start) ReadDockedPlaces();
   w->x = Sat16(now.left);
   w->y = Sat16(now.top);

@@ -17,7 +17,6 @@
 #include "toolkit/core/hooks.h"
 #include "toolkit/core/memory.h"
 #include "toolkit/core/state.h"
-#include "toolkit/drawing/fonts.h"
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/install.h"
 
@@ -132,7 +131,6 @@ void DropSession() {
   DestroyWindows();
   free(W_Root);
   ReleaseCursorTable();
-  DropFonts();
   DropLive();
   FinishPlatform();
   toolkit::ResetState();
