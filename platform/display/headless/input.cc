@@ -264,6 +264,7 @@ void StealPointer(bool stolen) {
   else if (s.pressed_in)
     ReportLoss(s.pressed_in);
   s.pressed_in = nullptr;
+  LeaveWindow();
 }
 
 void Frame(const Window* w, const DeviceRect& widths) {
