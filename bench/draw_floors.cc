@@ -129,7 +129,7 @@ Glyphs::Glyphs(const Buffer& b, const platform::FontFace* face, int size) : impl
   FT_Set_Char_Size(face->face, 0, size * 64, 72, 72);
   for (int i = 0; i < 256; ++i) {
     impl_->glyphs[i] = nullptr;
-    impl_->advances[i] = double(face->advances[i]) * size / face->units_per_em;
+    impl_->advances[i] = double(face->advances[i]) * size / face->units.per_em;
     if (face->glyphs[i] == platform::kNoGlyph || face->sources[i] != face) continue;
     FT_Load_Glyph(face->face, face->glyphs[i], FT_LOAD_TARGET_LIGHT | FT_LOAD_RENDER);
     FT_GlyphSlot slot = face->face->glyph;

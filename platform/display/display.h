@@ -15,8 +15,6 @@
 
 namespace platform {
 
-using PollList = std::vector<pollfd>;
-
 struct Screen {
   DeviceRect bounds;
   double scale = 1.0;

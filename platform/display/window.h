@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/display/pop_up.h"
 #include "platform/display/window_kinds.h"
 #include "platform/graphics/region.h"
 #include "platform/graphics/surface.h"
@@ -39,6 +40,8 @@ struct Window {
   SizeLimits limits;            // as asked for; see LimitsOf
   int widest = 0, tallest = 0;  // that the program itself has made it since
   WindowRef transient_for = nullptr;
+  WindowRef parent = nullptr;  // of a pop-up: it lies beside a rectangle of it, above it
+  PopUpPlace place;            // of a pop-up
   WindowGroup* group = nullptr;
   // --- Erasing.
   int brush = 0;

@@ -90,6 +90,7 @@ struct BoundsFields {
   bool programmatic;       // moved by the program, not by the user or the desktop
   bool placement;          // the place that a new window was given by the desktop
   bool replayed;           // out of a recording: the desktop does not know of it
+  float scale;             // the window's at these bounds; 0: as before
 };
 struct RequestFields {
   uint32_t id;               // quit, odoc; a command

@@ -17,10 +17,12 @@ struct RawEvent {
     kKeyRepeat,
     kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers
     kModifiers,  // modifiers
-    kConfigure,  // root_x, root_y: the buffer's corner; width, height: its size
-    kExpose,     // x, y, width, height: pixels lost on the screen; the buffer still has them
-    kLost,       // content lost: it must be drawn again
-    kClose,      // the user asks for it
+    // root_x, root_y: the buffer's corner; width, height: its size; scale: what it has there, 0 as
+    // before
+    kConfigure,
+    kExpose,  // x, y, width, height: pixels lost on the screen; the buffer still has them
+    kLost,    // content lost: it must be drawn again
+    kClose,   // the user asks for it
     kFocusIn,
     kFocusOut,
     kFrame,     // frame: the widths of the desktop's frame around the buffer

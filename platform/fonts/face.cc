@@ -2,16 +2,11 @@
 
 #include FT_ADVANCES_H
 
-#include "platform/fonts/finder.h"
+#include "platform/fonts/state.h"
 #include "platform/text/mac_roman.h"
 
 namespace platform {
 namespace {
-
-std::vector<std::unique_ptr<FontFace>>& Faces() {
-  static auto* faces = new std::vector<std::unique_ptr<FontFace>>;
-  return *faces;
-}
 
 bool LoadHandle(FontFace* f) {
   if (f->tried) return f->face;
@@ -45,8 +40,8 @@ void TakeGlyph(FontFace* f, int character, const FontFace* from, FT_UInt glyph) 
   f->glyphs[character] = glyph;
   f->sources[character] = from;
   int64_t units = AdvanceUnits(from->face, glyph);
-  if (from->units_per_em != f->units_per_em)
-    units = (units * f->units_per_em + from->units_per_em / 2) / from->units_per_em;
+  if (int em = from->units.per_em; em != f->units.per_em)
+    units = (units * f->units.per_em + em / 2) / em;
   f->advances[character] = int32_t(units);
 }
 
@@ -66,19 +61,15 @@ void TakeFallback(FontFace* f, int character, char32_t c) {
 
 }  // namespace
 
-FT_Library FontLibrary() {
-  static FT_Library library = [] {
-    FT_Library l = nullptr;
-    return FT_Init_FreeType(&l) ? nullptr : l;
-  }();
-  return library;
+FontFace::~FontFace() {
+  if (face) FT_Done_Face(face);
 }
 
 bool OpenFace(const FontFace* face) {
   FontFace* f = const_cast<FontFace*>(face);
   if (f->sources[0]) return true;
   if (!LoadHandle(f)) return false;
-  f->units_per_em = f->face->units_per_EM;
+  f->units.per_em = f->face->units_per_EM;
   for (int i = 0; i < 256; ++i) {
     f->sources[i] = f;
     f->glyphs[i] = kNoGlyph;
@@ -92,32 +83,29 @@ bool OpenFace(const FontFace* face) {
   return true;
 }
 
-const FontFace* FaceOfFile(const std::string& file, int index, const FontFace* known) {
-  for (const auto& f : Faces())
+const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* known) {
+  auto& faces = Fonts().faces;
+  for (const auto& f : faces)
     if (f->index == index && f->file == file) return f.get();
   auto f = std::make_unique<FontFace>();
   f->file = file;
   f->index = index;
   if (known) {
-    f->units_per_em = known->units_per_em;
-    f->ascender = known->ascender;
-    f->descender = known->descender;
-    f->max_advance = known->max_advance;
+    f->units = *known;
   } else {
     if (!LoadHandle(f.get())) return nullptr;
-    f->units_per_em = f->face->units_per_EM;
-    f->ascender = f->face->ascender;
-    f->descender = f->face->descender;
-    f->max_advance = f->face->max_advance_width;
+    f->units = {f->face->units_per_EM, f->face->ascender, f->face->descender,
+                f->face->max_advance_width};
   }
-  Faces().push_back(std::move(f));
-  return Faces().back().get();
+  faces.push_back(std::move(f));
+  return faces.back().get();
 }
 
 FontMetrics GetFontMetrics(const FontFace* f) {
   if (!f) return {1, 1, 1};
-  float units = float(f->units_per_em);
-  return {float(f->ascender) / units, float(f->descender) / units, float(f->max_advance) / units};
+  float em = float(f->units.per_em);
+  return {float(f->units.ascender) / em, float(f->units.descender) / em,
+          float(f->units.max_advance) / em};
 }
 
 }  // namespace platform

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/fonts/fonts.h"
+#include "platform/fonts/face.h"
 
 namespace platform {
 
@@ -48,11 +48,33 @@ const FontFace* FindFontWithCharacter(char32_t c);
 struct FontAnswer {
   std::string key;
   std::string file;  // empty: no such font. Of "d": the family
-  int index = 0, units_per_em = 0, ascender = 0, descender = 0, max_advance = 0;
+  int index = 0;
+  FontUnits units{0, 0, 0, 0};
 };
 // Nothing when there is no file, or it is damaged, or anything that it depends on has changed.
 std::optional<std::vector<FontAnswer>> LoadFontAnswers();
-// Written anew as a whole, silently not when it cannot be.
+// Writes the whole file again; silently not when it cannot.
 void SaveFontAnswers(const std::vector<FontStamp>& stamps, const std::vector<FontAnswer>& answers);
+
+// Answers are looked up here first; what is not there asks the catalogue, which is read at most
+// once a process, and is then remembered.
+class FontFinder {
+ public:
+  FontFinder();
+  const FontAnswer& Ask(const std::string& key);
+  const FontFace* AskFace(const std::string& key);
+  // The catalogue's first face that can be read, for programs that ask for nothing that exists.
+  const FontFace* Any();
+
+ private:
+  const FontCatalogue& Catalogue();
+  const FontFace* ByName(const std::string& name);
+  const FontFace* ByCharacter(const std::string& hex);
+
+  std::string folder_;  // of XW_FONTS; "": the desktop's configuration
+  std::vector<FontAnswer> answers_;
+  FontCatalogue catalogue_;
+  bool read_ = false;
+};
 
 }  // namespace platform

@@ -1,8 +1,8 @@
 // Fonts: finding them by exact name, measuring and drawing text in Mac Roman.
 //
-// A face is a font file; a sized font is a face at a size in logical pixels. Both live for the
-// process. Advances are unhinted and summed in font units, exactly; measuring and drawing use the
-// same sum. There is no kerning.
+// A face is a font file; a sized font is a face at a size in logical pixels. Both live until
+// FinishFonts. Advances are unhinted and summed in font units, exactly; measuring and drawing use
+// the same sum. There is no kerning.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -56,5 +56,9 @@ int64_t MeasureText(const SizedFont* font, const char* text, size_t n);
 // Draws with the pen starting at x and the baseline on the edge y (logical, of the context).
 void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, size_t n,
                 uint32_t rgb);
+
+// Frees faces, sized fonts, masks and the finder's answers. What was given out is then dead; fonts
+// can be found again at once.
+void FinishFonts();
 
 }  // namespace platform

@@ -3,44 +3,17 @@
 #include <cmath>
 #include <cstring>
 
-#include "platform/fonts/face.h"
+#include "platform/fonts/state.h"
 #include "platform/graphics/context_state.h"
 
 namespace platform {
 namespace {
-
-// A mask: `rows` rows of `stride` bytes at `offset`; its corner lies at (left, -top) of the pen.
-struct Glyph {
-  bool made = false;
-  int16_t left = 0, top = 0;
-  uint16_t width = 0, rows = 0, stride = 0;
-  size_t offset = 0;
-};
-
-// Masks for one size in device pixels (26.6).
-struct GlyphSet {
-  int device_size = 0;
-  Glyph glyphs[256];
-  std::vector<uint8_t> masks;
-  int ascent = 0, descent = 0;  // of the masks made so far
-};
 
 // Makes any pen position that matters positive.
 constexpr int kBias = 1 << 20;
 
 // Larger characters are not drawn: a mask would cost megabytes.
 constexpr int kMaxDeviceSize = 1024 * 64;
-
-}  // namespace
-
-struct SizedFont {
-  const FontFace* face;
-  int size;
-  bool opened = false;
-  std::vector<std::unique_ptr<GlyphSet>> sets;
-};
-
-namespace {
 
 bool Open(const SizedFont* font) {
   if (!font || !font->face) return false;
@@ -134,17 +107,17 @@ void PaintGlyph(const Context* c, const GlyphSet& set, const Glyph& g, int x, in
 }  // namespace
 
 SizedFont* OpenFont(const FontFace* face, int size) {
-  static auto* fonts = new std::vector<std::unique_ptr<SizedFont>>;
   if (!face) return nullptr;
-  for (const auto& f : *fonts)
+  auto& fonts = Fonts().sized;
+  for (const auto& f : fonts)
     if (f->face == face && f->size == size) return f.get();
-  fonts->push_back(std::make_unique<SizedFont>(SizedFont{face, size, false, {}}));
-  return fonts->back().get();
+  fonts.push_back(std::make_unique<SizedFont>(SizedFont{face, size, false, {}}));
+  return fonts.back().get();
 }
 
 TextScale GetTextScale(const SizedFont* font) {
   if (!Open(font)) return {0, 1};
-  return {std::clamp(font->size, 0, 1 << 24), font->face->units_per_em};
+  return {std::clamp(font->size, 0, 1 << 24), font->face->units.per_em};
 }
 
 const int32_t* GetAdvances(const SizedFont* font) {
@@ -168,7 +141,7 @@ void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, s
   const pixman_box32_t* whole = c->box_count == 1 ? c->boxes : nullptr;
   uint32_t color = 0xFF000000u | rgb;
   // Device position of the pen = (origin * em + sum * size) * scale / em, rounded.
-  double unit = double(std::clamp(font->size, 0, 1 << 24)) * c->scale / face->units_per_em;
+  double unit = double(std::clamp(font->size, 0, 1 << 24)) * c->scale / face->units.per_em;
   double pen = double(int64_t{x} + c->origin_x) * c->scale + 0.5;
   int margin = set->device_size >> 5;  // two ems: no glyph reaches further from its pen
   int64_t sum = 0;

@@ -11,4 +11,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/folder.cc
   ${CMAKE_CURRENT_LIST_DIR}/glyphs.cc
   ${CMAKE_CURRENT_LIST_DIR}/installed.cc
-  ${CMAKE_CURRENT_LIST_DIR}/match.cc)
+  ${CMAKE_CURRENT_LIST_DIR}/match.cc
+  ${CMAKE_CURRENT_LIST_DIR}/state.cc)

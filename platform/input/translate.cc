@@ -86,7 +86,8 @@ void Key(const RawEvent& raw, WindowRef w, uint32_t kind) {
 
 void Configure(const RawEvent& raw, WindowRef window) {
   const Window& w = *window;
-  double scale = w.surface.scale;
+  const bool same_scale = !(raw.scale > 0) || raw.scale == w.surface.scale;
+  double scale = same_scale ? w.surface.scale : std::clamp(raw.scale, 0.5, 8.0);
   Event e(kEventClassWindow, kEventWindowBoundsReported, window);
   e.time = raw.time;
   int left = LogicalPixel(raw.root_x, scale), top = LogicalPixel(raw.root_y, scale);
@@ -94,14 +95,15 @@ void Configure(const RawEvent& raw, WindowRef window) {
   int device_width = std::clamp(raw.width, 1, int(kFar)),
       device_height = std::clamp(raw.height, 1, int(kFar));
   int width = LogicalSize(device_width, scale), height = LogicalSize(device_height, scale);
-  DeviceRect known = DeviceBounds(w);
+  const DeviceRect known = same_scale ? DeviceBounds(w) : DeviceRect();
   if (known.width() == device_width) width = w.content.width();
   if (known.height() == device_height) height = w.content.height() + w.strip;
-  if (float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
-  if (float(known.top) == std::trunc(raw.root_y)) top = w.content.top - w.strip;
+  if (same_scale && float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
+  if (same_scale && float(known.top) == std::trunc(raw.root_y)) top = w.content.top - w.strip;
   // A window has at least one row of content.
   e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
   e.bounds.placement = w.placing;
+  e.bounds.scale = raw.scale > 0 ? float(scale) : 0;
   e.bounds.replayed = Replaying();
   EventQueue& q = main_event_queue;
   Event* last = q.Last();

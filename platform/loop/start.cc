@@ -14,6 +14,8 @@
 #include "platform/events/raw_event.h"
 #include "platform/events/sources.h"
 #include "platform/events/timers.h"
+#include "platform/fonts/fonts.h"
+#include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
@@ -94,6 +96,8 @@ void FinishPlatform() {
   FinishRawEvents();
   FinishTargets();
   FinishObjects();
+  FinishFonts();
+  FinishFontLibrary();
 }
 
 }  // namespace platform

@@ -50,6 +50,7 @@ void SetActive(WindowRef w, bool active) {
 bool LooksActive(const Window& w) {
   const auto& state = Windows().activation;
   if (!state.focused) return false;
+  if (w.parent) return LooksActive(*w.parent);
   if (&w == state.focused || (w.state & kStateDocked)) return true;
   return w.group && w.group == state.focused->group &&
          (w.group->attributes & kWindowGroupAttrSharedActivation);

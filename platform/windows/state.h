@@ -26,6 +26,12 @@ struct WindowsState {
 
 WindowsState& Windows();
 
+// Makes the native window of a new record. Null, and the record is gone, when the display refuses.
+WindowRef EnterWindow(Window* w);
+// The pop-ups of a window; null: all.
+std::vector<WindowRef> PopUpsOf(const Window* parent);
+// Their parent, or the screen, has changed.
+void PlacePopUps(const Window* parent);
 // The display reports other bounds.
 OSStatus TakeReportedBounds(HandlerCall* call, Event* event, void* user_data);
 // The window under a pointer that moves freely chooses its cursor.

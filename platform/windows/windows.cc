@@ -68,14 +68,27 @@ void DrawFrame(WindowRef w) {
   SendEventToEventTarget(&e, &w->object.target);
 }
 
-WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
-  const Display* d = CurrentDisplay();
-  if (!d) return nullptr;
+WindowRef EnterWindow(Window* w) {
   WindowsState& all = Windows();
-  auto* w = new Window;
   w->object.type = &kWindowType;
   w->object.record = w;
   w->number = ++all.made;
+  EnterObject(&w->object);
+  w->native = CurrentDisplay()->create_window(w);
+  if (!w->native) {
+    EndObject(&w->object);
+    return nullptr;
+  }
+  InstallEventHandler(&w->object.target, TakeReportedBounds, kBoundsReported, 1, nullptr);
+  InstallEventHandler(&w->object.target, ChooseCursor, kPointerMoved, 1, nullptr);
+  all.list.insert(all.list.begin(), w);
+  return w;
+}
+
+WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
+  if (!CurrentDisplay()) return nullptr;
+  WindowsState& all = Windows();
+  auto* w = new Window;
   w->window_class = window_class;
   w->attributes = attributes;
   w->content = content;
@@ -83,19 +96,11 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   const bool carries_menu_bar = !all.menu_bar_given;
   if (carries_menu_bar) w->strip = GetMBarHeight();
   w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
-  EnterObject(&w->object);
-  w->native = d->create_window(w);
-  if (!w->native) {
-    EndObject(&w->object);
-    return nullptr;
-  }
-  InstallEventHandler(&w->object.target, TakeReportedBounds, kBoundsReported, 1, nullptr);
-  InstallEventHandler(&w->object.target, ChooseCursor, kPointerMoved, 1, nullptr);
+  if (!EnterWindow(w)) return nullptr;
   if (carries_menu_bar) {
     all.menu_bar = w;
     all.menu_bar_given = true;
   }
-  all.list.insert(all.list.begin(), w);
   Event created(kEventClassWindow, kEventWindowCreated, w);
   SendEventToEventTarget(&created, GetApplicationEventTarget());
   return w;
@@ -123,6 +128,10 @@ void DisposeWindow(WindowRef w) {
   if (!IsValidWindow(w)) return;
   WindowsState& all = Windows();
   HandleFocus(w, false);
+  for (WindowRef p : PopUpsOf(w)) {
+    HideWindow(p);
+    p->parent = nullptr;
+  }
   if (all.menu_bar == w) all.menu_bar = nullptr;
   if (all.activation.asked == w) all.activation.asked = nullptr;
   for (WindowRef other : all.list)
@@ -174,8 +183,9 @@ void HoldWindows(bool held) {
 
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
+  if (w->window_class == kPopUpWindowClass && !w->parent) return;
   w->visible = w->placing = true;
-  NoteFocusRequest(w);
+  if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
   ResizeSurface(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
   DrawFrame(w);
@@ -190,6 +200,7 @@ void HideWindow(WindowRef w) {
   w->visible = false;
   w->needs_draw = false;
   w->lost.Clear();
+  for (WindowRef p : PopUpsOf(w)) HideWindow(p);
   if (w == MenuBarWindow()) MapDocked(false);
   CurrentDisplay()->map_window(w, false);
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/display/pop_up.h"
 #include "platform/display/window_kinds.h"
 #include "platform/events/targets.h"
 #include "platform/graphics/context.h"
@@ -20,6 +21,13 @@ enum WindowRegionCode : int {
 // Null when the display refuses. Created hidden. The first window of the process carries the menu
 // strip above its content.
 WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content);
+// A window without a frame that lies above its parent, beside a rectangle of it, and never gets the
+// focus. Created hidden; it is hidden with its parent, and cannot be shown once that has ended.
+// What it is granted of its place and size comes as kEventWindowBoundsChanged. Null for a stale
+// parent, or when the display refuses.
+WindowRef CreatePopUpWindow(WindowRef parent, const PopUpPlace& place);
+// Gives a pop-up another place or size; other windows are ignored.
+void SetPopUpPlace(WindowRef w, const PopUpPlace& place);
 // Null and stale handles are ignored. Queued events of the window are dropped.
 void DisposeWindow(WindowRef w);
 // Null for a null or stale handle. Lives as long as the window.

@@ -24,10 +24,12 @@ RawEvent Report(RawEvent::Type type, const Window* w) {
 
 const Window* UnderPointer() {
   State& s = Headless();
+  const Point device{DeviceEdge(s.x, s.scale), DeviceEdge(s.y, s.scale)};
   for (const Window* w : s.stack) {
     Rect r = w->content;
     r.top -= w->strip;
-    if (r.contains({s.x, s.y})) return w;
+    const bool same = w->surface.scale == s.scale;
+    if (same ? r.contains({s.x, s.y}) : DeviceBounds(*w).contains(device)) return w;
   }
   return nullptr;
 }
@@ -46,11 +48,13 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   RawEvent raw = Report(type, w);
   if (!w) return raw;
   raw.under = UnderPointer();
-  double scale = w->surface.scale;
-  raw.root_x = float(DeviceEdge(s.x, scale));
-  raw.root_y = float(DeviceEdge(s.y, scale));
-  raw.x = float(DeviceEdge(s.x - w->content.left, scale));
-  raw.y = float(DeviceEdge(s.y - w->content.top + w->strip, scale));
+  const DeviceRect at = DeviceBounds(*w);
+  const bool same = w->surface.scale == s.scale;
+  const int root_x = DeviceEdge(s.x, s.scale), root_y = DeviceEdge(s.y, s.scale);
+  raw.root_x = float(root_x);
+  raw.root_y = float(root_y);
+  raw.x = float(same ? DeviceEdge(s.x - w->content.left, s.scale) : root_x - at.left);
+  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->strip, s.scale) : root_y - at.top);
   return raw;
 }
 
@@ -100,12 +104,21 @@ RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
 
 }  // namespace
 
-void MovePointer(int x, int y) {
+static void MoveTo(int x, int y, double scale) {
   State& s = Headless();
   s.x = x;
   s.y = y;
+  s.scale = scale;
   LeaveWindow();
   PushPointer(PointerReport(RawEvent::kMotion));
+}
+
+void MovePointer(int x, int y) {
+  if (Headless().open) MoveTo(x, y, Headless().screens[0].scale);
+}
+
+void MovePointerIn(const Window* w, int x, int y) {
+  if (IsValidWindow(w)) MoveTo(w->content.left + x, w->content.top + y, w->surface.scale);
 }
 
 void Press(int button) {
@@ -195,12 +208,15 @@ void GiveFocus(const Window* w) {
 
 void Configure(const Window* w, const Rect& content) {
   if (!IsValidWindow(w)) return;
-  double scale = w->surface.scale;
+  const double before = w->surface.scale;
+  const Point corner{DeviceEdge(content.left, before), DeviceEdge(content.top - w->strip, before)};
+  const int width = content.width(), height = content.height() + w->strip;
   RawEvent raw = Report(RawEvent::kConfigure, w);
-  raw.root_x = float(DeviceEdge(content.left, scale));
-  raw.root_y = float(DeviceEdge(content.top - w->strip, scale));
-  raw.width = DeviceEdge(content.width(), scale);
-  raw.height = DeviceEdge(content.height() + w->strip, scale);
+  raw.scale = Native(w)->scale = ScaleAt(*w, corner, width, height);
+  raw.root_x = float(corner.x);
+  raw.root_y = float(corner.y);
+  raw.width = DeviceEdge(width, raw.scale);
+  raw.height = DeviceEdge(height, raw.scale);
   Push(raw);
 }
 
@@ -250,6 +266,7 @@ void StealPointer(bool stolen) {
   else if (s.pressed_in)
     ReportLoss(s.pressed_in);
   s.pressed_in = nullptr;
+  LeaveWindow();
 }
 
 void Frame(const Window* w, const DeviceRect& widths) {
@@ -265,7 +282,13 @@ void SetState(const Window* w, uint32_t state) {
 }
 
 void ChangeScreen(int width, int height, double scale) {
-  Headless().screen = {{0, 0, width, height}, scale};
+  ChangeScreens({{{0, 0, width, height}, scale}});
+}
+
+void ChangeScreens(const std::vector<Screen>& screens) {
+  if (screens.empty()) return;
+  Headless().screens = screens;
+  Headless().scale = screens[0].scale;
   Push(Report(RawEvent::kScreens, nullptr));
 }
 

@@ -15,19 +15,23 @@ struct NativeWindow {
   int width = 0, height = 0;              // of the buffer
   int shown_width = 0, shown_height = 0;  // of the picture on the "screen"
   bool mapped = false;
+  bool unseen = false;  // new: nothing was reported of it yet
+  double scale = 1;     // as the window knows it, or is about to hear
   const Cursor* cursor = nullptr;
 };
 
 struct State {
   bool open = false;
-  Screen screen;
+  std::vector<Screen> screens;  // main first
+  bool unseen = false;          // a window is new
   std::deque<RawEvent> raw;
   std::deque<std::string> paths;       // of open requests, in the order of `raw`
   std::string path;                    // the one handed out last
   std::vector<const Window*> stack;    // front first
   std::vector<const Window*> windows;  // all, in the order of creation
   const Window* focus = nullptr;
-  int x = 0, y = 0;
+  int x = 0, y = 0;  // the pointer, logical at this scale
+  double scale = 1;
   uint32_t buttons = 0, modifiers = 0;
   uint32_t reported = 0;  // buttons whose press was reported and whose release was not
   struct Key {
@@ -60,6 +64,8 @@ inline NativeWindow* Native(const Window* w) {
 // Moves the focus and reports it: the keys that are held are let go of in the old window, and what
 // changed while no window had it is reported to the new one.
 void GiveFocus(const Window* w);
+// The scale of a window with this corner (device pixels) and logical size.
+double ScaleAt(const Window& w, Point corner, int width, int height);
 // The grab that was asked for begins if it can; it ends by itself. Both report what is lost.
 void TryGrab();
 void LoseGrab();

@@ -29,6 +29,7 @@ constexpr ClassStyle kClassStyles[] = {
     {kToolbarWindowClass, kNetWmWindowTypeUtility, false, true},
     {kSimpleWindowClass, kNetWmWindowTypeNormal, false, false},
 };
+constexpr ClassStyle kPopUpStyle = {0, kNetWmWindowTypePopUp, false, true};
 constexpr ClassStyle kDockedStyle = {0, kNetWmWindowTypeUtility, false, true};
 
 // Attributes and what they allow: functions and decorations of the Motif hints.
@@ -55,6 +56,7 @@ constexpr StateAtoms kStateAtoms[] = {
 };
 
 const ClassStyle& StyleOf(const Window& w) {
+  if (w.parent != nullptr) return kPopUpStyle;
   if ((w.state & kStateDocked) != 0) return kDockedStyle;
   const int window_class = (w.state & kStateModal) != 0 ? kModalWindowClass : w.window_class;
   for (const ClassStyle& s : kClassStyles) {
@@ -87,7 +89,8 @@ void SetMotifHints(const Native& n, const ClassStyle& style) {
 void SetTransient(const Native& n, const ClassStyle& style) {
   xcb_window_t parent = 0;
   if (style.transient) {
-    const Native* named = NativeOf(n.w->transient_for);
+    const Window* above = n.w->parent != nullptr ? n.w->parent : n.w->transient_for;
+    const Native* named = NativeOf(above);
     parent = named != nullptr ? named->id : x.leader;
   }
   if (parent == 0 || parent == n.id) {
