@@ -17,6 +17,7 @@
 #include "toolkit/core/hooks.h"
 #include "toolkit/core/memory.h"
 #include "toolkit/core/state.h"
+#include "toolkit/drawing/fonts.h"
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/install.h"
 
@@ -89,6 +90,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
+  ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
   Pserial = &process;
@@ -131,6 +133,7 @@ void DropSession() {
   DestroyWindows();
   free(W_Root);
   ReleaseCursorTable();
+  CloseFonts();
   DropLive();
   FinishPlatform();
   toolkit::ResetState();
