@@ -326,6 +326,8 @@ void XwEnable(XwWindow* window, int enable);
 void XwSetFocus(XwWindow* window);
 /* Title of a top-level window, Mac Roman. */
 void XwSetText(XwWindow* window, const char* text);
+/* The same in UTF-8, of every script; cut to 4096 bytes. */
+void XwSetTextUtf8(XwWindow* window, const char* utf8);
 /* Of a top-level window: 1 puts a mark before the shown title, the document has changes; 0 takes it
  * away. */
 void XwSetValue(XwWindow* window, XwValue value);
@@ -485,6 +487,20 @@ char* XwTextFit(XwFont* font, const char* text, int width);
  * or the underline where there was one, until XwSetColor. */
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background);
+
+/* The same for UTF-8, text of every script: what the font lacks comes from another font of the
+ * desktop (of XW_FONTS, where that is set), at last as a box with the character's number. From left
+ * to right in stored order. A byte that is not UTF-8 shows as U+FFFD; control and format characters
+ * take no room. These calls count in clusters, which are never cut: a letter with its marks, a
+ * syllable, a joined picture. Nothing bounds the length of a text. */
+int XwTextWidthUtf8(XwFont* font, const char* utf8);
+void XwDrawTextUtf8(XwFont* font, int flags, int x, int y, int w, int h, const char* utf8,
+                    int32_t colour, int32_t background);
+/* As XwTextTrim and XwTextFit. They write valid UTF-8, at most `size` bytes with the ending zero, cut
+ * between characters, and return the length of the whole result without the zero; they write nothing
+ * for a null `dst` or a size below 1. `dst` may be the text itself. Null text is the empty one. */
+int XwTextTrimUtf8(XwFont* font, const char* utf8, int width, char* dst, int size);
+int XwTextFitUtf8(XwFont* font, const char* utf8, int width, char* dst, int size);
 
 /* File names, and whatever else comes as UTF-8, to the toolkit's characters and back. Both write at
  * most `size` bytes with the ending zero, never a part of a character, and return the length. What

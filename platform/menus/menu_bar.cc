@@ -2,7 +2,6 @@
 #include "platform/menus/menu_bar.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/display/screens.h"
 #include "platform/display/window.h"
@@ -54,8 +53,7 @@ OSStatus DrawBar(HandlerCall*, Event* event, void*) {
   if (!font) return noErr;
   ContextRef c = CreateSurfaceContext(&s);
   ClipContextToRegion(c, Region(Rect{0, 0, w->content.width(), w->strip - 1}));
-  const char* name = PlatformSessionName();
-  DrawGlyphs(c, font, kNameLeft, bar.baseline, name, strlen(name), RoleColor(Role::kInk));
+  DrawUtf8(c, font, kNameLeft, bar.baseline, PlatformSessionName(), RoleColor(Role::kInk));
   ReleaseContext(c);
   return noErr;
 }

@@ -81,7 +81,7 @@ void HandleFocus(WindowRef w, bool focused) {
 
 void NoteFocusRequest(WindowRef w) {
   auto& state = Windows().activation;
-  if (w->focused) return;
+  if (w->focused || w->parent) return;  // a pop-up takes none
   state.asked = w;
   state.asked_at = GetCurrentEventTime();
 }

@@ -170,7 +170,7 @@ static void Rescale(WindowRef w, double scale, bool ask) {
   w->refused = {};
   CurrentDisplay()->update(w, kUpdateHints | kUpdateCursor);
   if (ask) CurrentDisplay()->move_resize(w);
-  if (w->visible) InvalidateWindow(w, {}, false);
+  if (w->visible) InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, false);
   for (WindowRef p : PopUpsOf(w)) Rescale(p, scale, true);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();

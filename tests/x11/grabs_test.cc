@@ -1,6 +1,7 @@
 // Who has the pointer and the keyboard, and what lies under the pointer, on a screen that other
 // programs share; and pop-ups.
 #include "platform/display/x11/x.h"
+#include "platform/events/raw_event.h"
 #include "tests/x11/managed.h"
 #include "tests/x11/reports.h"
 #include "toolkit/xw.h"

@@ -62,7 +62,7 @@ void TakeScreenSize() {
 }
 
 void XwCocoaInit() {
-  if (!InitPlatform(SessionName)) exit(1);
+  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str())) exit(1);
   FillCursorTable();
 }
 
