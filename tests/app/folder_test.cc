@@ -26,12 +26,14 @@ class FolderTest : public ConsoleTest {
     home_.File("hangs/inside.txt", "x");
     static auto* the_gate = new Gate;  // may be waited at beyond the end
     gate = the_gate;
+    gate->Close();
     usual_read = usual_read_;
   }
   void TearDown() override {
     gate->Open();
     ConsoleTest::TearDown();
     EXPECT_EQ(Errand::Settle(20000), 0);
+    FolderReader::read = usual_read_;
   }
   // From now on what hangs is behind the gate.
   void CloseGate() { FolderReader::read = ReadBehindGate; }

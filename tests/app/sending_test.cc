@@ -197,6 +197,7 @@ class HangingDocument : public SendingTest, public testing::WithParamInterface<b
     for (const char* name : {"hangs 1.pdf", "hangs 2.pdf"}) home_.File(name, Bytes(600000));
     static auto* the_gate = new Gate;
     gate = the_gate;
+    gate->Close();
     hangs_in_reading = GetParam();
     Document::open_file = OpenBehindGate;
     Document::read_file = ReadBehindGate;
@@ -207,6 +208,8 @@ class HangingDocument : public SendingTest, public testing::WithParamInterface<b
     EXPECT_GT(gate->Waiting(), 0);
     gate->Open();
     EXPECT_EQ(Errand::Settle(20000), 0);
+    Document::open_file = usual_open;
+    Document::read_file = usual_read;
   }
   void Print(const char* name) {
     Click(FileRow(name));
