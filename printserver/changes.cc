@@ -8,7 +8,7 @@ namespace nc {
 
 namespace {
 
-constexpr int32_t kTicketSize = 8192;
+constexpr int32_t kTicketSize = 4096;
 
 // A ticket in the making: once a line does not fit, it is none.
 class Ticket {
@@ -20,7 +20,7 @@ class Ticket {
   void AddColour(int32_t colour) {
     char digits[16];
     snprintf(digits, sizeof digits, "%06x", static_cast<unsigned>(colour) & 0xffffff);
-    Add("colour", digits);
+    Add("colour", colour < 0 ? "" : digits);
   }
   std::string Text() const { return good_ ? text_ : ""; }
 

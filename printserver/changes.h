@@ -24,7 +24,7 @@ struct Change {
   std::optional<std::string> document, owner, printer, profile, media;
   std::optional<int32_t> copies, priority;
   std::optional<bool> hold;
-  std::optional<int32_t> colour;      // 0xRRGGBB
+  std::optional<int32_t> colour;      // 0xRRGGBB, -1: none
   std::optional<std::string> before;  // 32 digits: the job before which it is to print
 };
 

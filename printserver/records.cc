@@ -150,7 +150,7 @@ struct JobReader {
     job = NC_Job();
     job.copies = 1;
     job.priority = 50;
-    job.pages = job.pages_printed = job.colour = -1;
+    job.kept = job.pages = job.pages_printed = job.colour = -1;
     has_id = false;
   }
   void Take(std::string_view key, std::string_view value) {
@@ -162,6 +162,7 @@ struct JobReader {
   bool End(NC_Job* to) {
     if (!has_id) return false;
     job.printed = std::min(job.printed, job.total);
+    if (job.kept < 0) job.kept = job.state != NC_JOB_DONE;
     *to = job;
     return true;
   }

@@ -21,8 +21,8 @@ extern "C" {
 #define NC_MEDIA_TEXT 32
 #define NC_MEDIA_LIST_TEXT 256
 #define NC_DISPLAY_TEXT 128
-#define NC_REASONS_TEXT 256
-#define NC_SUPPLIES_TEXT 512
+#define NC_REASONS_TEXT 128
+#define NC_SUPPLIES_TEXT 256
 
 // A queue list that a server sends never has more bytes and jobs than these.
 #define NC_QUEUE_MAX 8388608
@@ -67,7 +67,7 @@ typedef struct NC_Job {
   int64_t total;          // bytes to print
   int64_t printed;        // 0..total
   int32_t number;         // from 1 on, no two jobs of a spool alike; 0: the server gives none
-  int32_t kept;           // 0, 1: the server still has the document
+  int32_t kept;           // 0, 1: the server has the document
   int32_t pages;          // -1: not known
   int32_t pages_printed;  // -1: not known
   int32_t colour;         // 0xRRGGBB, -1: none

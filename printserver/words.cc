@@ -31,7 +31,10 @@ constexpr Reason kReasons[] = {
     {"printer-refuses", "the printer takes no jobs"},
     {"output-error", "the output cannot be written"},
     {"disk-full", "the disk is full"},
-    {"paper-out", "there is no paper"},
+    {"document-lost", "its document is lost"},
+    {"document-unreadable", "its document cannot be read"},
+    {"document-rejected", "the printer cannot print this document"},
+    {"not-removed", "it could not be deleted"},
 };
 
 std::string ReasonText(std::string_view keyword) {
