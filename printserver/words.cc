@@ -83,7 +83,8 @@ const char* RefusalText(int status, Asked asked) {
 std::string ConnectText(int code, int error) {
   switch (code) {
     case NC_NO_HOST:
-      return error == ETIMEDOUT ? "the look-up of its name does not answer"
+      if (error == EINVAL) return "its port is not a number from 1 to 65535";
+      return error == ETIMEDOUT ? "nobody says in time where this host is"
                                 : "this host is not known";
     case NC_REFUSED:
       return "it refuses connections";
