@@ -36,9 +36,9 @@ TEST_F(Cli, PrintHoldReleaseRemove) {
   const std::string id = outcome.out.substr(0, 32), beginning = id.substr(0, 12);
   EXPECT_EQ(ReadWhole(daemon_.Path("jobs/" + id + ".doc")), "first");
   EXPECT_TRUE(Has(outcome.out, " two, ann\n")) << outcome.out;
-  EXPECT_TRUE(Has(Run({"queue", beginning}).out, " held ")) << Run({"queue"}).out;
+  EXPECT_TRUE(Has(Run({"queue", "--state=held"}).out, id)) << Run({"queue"}).out;
   EXPECT_EQ(Run({"release", beginning}).code, 0);
-  EXPECT_TRUE(Eventually([&] { return Has(Run({"queue", beginning}).out, " done "); }));
+  EXPECT_TRUE(Eventually([&] { return Has(Run({"queue", "--state=done"}).out, id); }));
   EXPECT_EQ(Run({"hold", id}).code, 1);
   EXPECT_EQ(Run({"remove", id, id}).code, 1);
   EXPECT_FALSE(Has(Run({"queue"}).out, id));

@@ -54,7 +54,7 @@ TEST_F(Cli, TheQueueInThreeForms) {
           "\"colour\": \"0000ff\", \"kept\": true, \"reasons\": [\"x-y\"], \"text\": \"\"},\n"
           "  {\"number\": null, \"state\": \"failed\", \"priority\": 50, \"copies\": 1, "
           "\"size\": 0, \"owner\": \"ann\", \"printer\": \"P\", \"document\": "
-          "\"\\u001b[1m\\u009b\\u202e\\\"\\u0009z\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"
+          "\"\\u001b[1m\\u009b\\u202e\\\\\\\"\\u0009z\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"
           "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\", \"id\": \"" +
           Id("a2") +
           "\", \"profile\": \"\", \"media\": \"\", \"hold\": true, \"submitted\": 86400, "
