@@ -62,6 +62,17 @@ inline std::string Integer(uint32_t value) {
   return text;
 }
 
+// Take in what follows the header of command 3: the ticket with the document behind it.
+inline std::string ReceiveRequest(int fd, std::string* id) {
+  *id = ReceiveText(fd, 16);
+  const std::string size = ReceiveText(fd, 4);
+  size_t n = 0;
+  for (size_t i = 0; i < size.size(); ++i) {
+    n |= static_cast<size_t>(static_cast<unsigned char>(size[i])) << (8 * i);
+  }
+  return ReceiveText(fd, n);
+}
+
 // The two ends of a connection that has been greeted: `fd` for the client, the other end for
 // `serve`, which runs on a thread of its own and whose return closes it.
 class Pair {
@@ -108,11 +119,12 @@ class Listener {
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
   ~Listener() {
-    if (fd >= 0) close(fd);
+    if (fd >= 0) shutdown(fd, SHUT_RDWR);  // accept ends
     if (thread_.joinable()) thread_.join();
+    if (fd >= 0) close(fd);
   }
 
-  // Accept `connections` in turn, each served by `serve` on one thread.
+  // Accept `connections` in turn, or fewer, each served by `serve` on one thread.
   void Serve(int connections, std::function<void(int)> serve) {
     thread_ = std::thread([this, connections, serve = std::move(serve)] {
       for (int i = 0; i < connections; ++i) {
