@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "printserverd/output.h"
 #include "printserverd/queue.h"
 #include "printserverd/settings.h"
 
@@ -13,19 +14,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
   Job job;
   job.id.assign(16, 'x');
-  TicketKeys keys;
-  if (ParseTicket(text, &job.ticket, &keys) == Status::kDone) {
+  Given given;
+  if (ParseTicket(text, &job.ticket, &given) == Status::kDone) {
     // What was taken is listed within bounds, and is read back the same.
-    const std::string record = JobRecord(job, true);
+    std::string listed;
+    AppendListed(&listed, job, {std::string(127, 'r'), 1});
     Job again;
-    if (record.size() > 2048 || !ParseJobRecord(record, &again)) abort();
-    if (again.ticket.document != job.ticket.document || again.ticket.owner != job.ticket.owner ||
+    if (listed.size() > 2048 || !ParseStoredRecord(StoredRecord(job), &again)) abort();
+    if (again.ticket.colour != job.ticket.colour || again.ticket.document != job.ticket.document || again.ticket.owner != job.ticket.owner ||
         again.ticket.copies != job.ticket.copies) {
       abort();
     }
   }
+  PrinterTicket printer;
+  ParsePrinterTicket(text, &printer);
+  OutputParts parts;
+  ParseOutputName(text, &parts);
   Job stored;
-  ParseJobRecord(text, &stored);
+  ParseStoredRecord(text, &stored);
   Settings settings;
   std::string error;
   if (ParseSettings(text, &settings, &error) != error.empty()) abort();
