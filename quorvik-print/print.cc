@@ -104,8 +104,8 @@ std::string TitleOf(const std::string& path, const Options& options) {
 int PrintFile(Session& session, const std::string& path, const Options& options, Id* id) {
   Document document;
   if (const int code = document.Open(path)) return code;
-  // The server does not wait for ever between two requests.
-  if (document.copied()) {
+  // The server does not wait for ever between two requests; and the last file may have cost it.
+  if (document.copied() || session.fd() < 0) {
     if (const int code = session.Connect()) return code;
   }
   nc::Order order;
