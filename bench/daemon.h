@@ -1,6 +1,7 @@
 // A print server of the bench's own.
 #pragma once
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,6 +45,7 @@ inline BenchDaemon StartDaemon(const std::string& host, const std::string& spool
   BenchDaemon daemon;
   daemon.pid = fork();
   if (daemon.pid == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (!freopen("/dev/null", "w", stderr)) _exit(127);
     execv(PRINTSERVERD, arguments.data());
     _exit(127);
