@@ -39,15 +39,6 @@ void Fill(OS_ListEntry* entry, const char* name, uint32_t size, uint32_t time) {
   entry->time = time;
 }
 
-// Whether a name that begins with '.' is left out. With folders asked for, hidden names of two
-// characters are kept, as are names that begin with two dots.
-bool IsLeftOut(const char* name, int types) {
-  if (name[0] != '.') return false;
-  if (!(types & OS_LIST_FOLDERS)) return !(types & OS_LIST_HIDDEN);
-  if (!name[1]) return true;
-  return name[1] != '.' && name[2] && !(types & OS_LIST_HIDDEN);
-}
-
 // Whether the state of a file cannot matter, known from the folder alone: only folders are wanted
 // and no total.
 bool IsNeverListed(const dirent* file, int types) {
@@ -61,7 +52,7 @@ bool AddFile(int folder, const dirent* file, int types, Listing* list) {
   if (fstatat(folder, file->d_name, &state, AT_SYMLINK_NOFOLLOW) != 0) return true;
   if (state.st_mode < 0x4000) return true;
   if (state.st_mode & OS_LIST_FILES) list->total += state.st_size;
-  if (IsLeftOut(file->d_name, types) || !(state.st_mode & types)) return true;
+  if (os::IsLeftOut(file->d_name, types) || !(state.st_mode & types)) return true;
   if (list->count == list->room && !Grow(list, list->room * 2)) return false;
   Fill(&list->entries[list->count++], file->d_name, static_cast<uint32_t>(state.st_size),
        static_cast<uint32_t>(state.st_mtime));
