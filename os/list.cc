@@ -1,5 +1,6 @@
 // Folder listings in fixed-size records.
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <stdlib.h>
@@ -74,10 +75,13 @@ bool AddPattern(const char* path, const char* pattern, int types, int sort, List
   if (!folder) return false;
   const size_t first = list->count;
   bool good = true;
-  while (const dirent* file = good ? readdir(folder) : nullptr) {
+  // At the folder's end, and only there, errno stays 0.
+  const dirent* file = nullptr;
+  while (good && (errno = 0, file = readdir(folder))) {
     if (strcmp(file->d_name, "..") == 0 || !match_name(pattern, file->d_name)) continue;
     good = AddFile(dirfd(folder), file, types, list);
   }
+  good = good && errno == 0;
   if (good && sort && !(sort & OS_SORT_WHOLE)) SortFrom(*list, first);
   closedir(folder);
   return good;

@@ -232,8 +232,8 @@ char* OS_GetUserName(void);
 // file.
 
 // The folder recorded under `key`; with a null key this program's own application folder. If
-// nothing is recorded (or the key holds a '/', or is too long) the result is the name of the file
-// that was looked for. At most 255 bytes.
+// nothing is recorded (or the file cannot be read, or the key holds a '/', or is too long) the
+// result is the name of the file that was looked for. At most 255 bytes.
 char* OS_GetAppPath(const char* key);
 
 // Record this program's application folder under `key`, in a new file that takes the place of what
