@@ -18,7 +18,7 @@ template <size_t kSize>
 struct Kept {
   bool found = false;
   std::string whole;
-  char cut[kSize] = "";
+  char cut[kSize] = {};
 
   void Keep(std::string text) {
     whole = std::move(text);
