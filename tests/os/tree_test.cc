@@ -1,40 +1,23 @@
 #include <errno.h>
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "os/os.h"
 #include "tests/os/scratch.h"
 
 namespace {
 
-using Names = std::vector<std::string>;
-
 // Both kinds of tree under one set of names.
-void Expand(OS_TreeNode* node) {
-  OS_TreeExpand(node);
-}
-void Expand(OS_TreeNodeN* node) {
-  EXPECT_EQ(OS_TreeExpandN(node), 0);
-}
-void Destroy(OS_TreeNode* node) {
-  OS_TreeDestroy(node);
-}
-void Destroy(OS_TreeNodeN* node) {
-  OS_TreeDestroyN(node);
-}
-void ClearSel(OS_TreeNode* node) {
-  OS_TreeClearSel(node);
-}
-void ClearSel(OS_TreeNodeN* node) {
-  OS_TreeClearSelN(node);
-}
-int IsSelected(OS_TreeNode* node) {
-  return OS_TreeIsSelected(node);
-}
-int IsSelected(OS_TreeNodeN* node) {
-  return OS_TreeIsSelectedN(node);
-}
+#define BOTH(name, plain, whole)  \
+  auto name(OS_TreeNode* node) {  \
+    return plain(node);           \
+  }                               \
+  auto name(OS_TreeNodeN* node) { \
+    return whole(node);           \
+  }
+BOTH(Expand, OS_TreeExpand, OS_TreeExpandN)
+BOTH(Destroy, OS_TreeDestroy, OS_TreeDestroyN)
+BOTH(ClearSelected, OS_TreeClearSel, OS_TreeClearSelN)
+BOTH(IsSelected, OS_TreeIsSelected, OS_TreeIsSelectedN)
 int Scan(OS_TreeNode* node, OS_TreeNode** out) {
   return OS_TreeScan(node, out);
 }
@@ -42,17 +25,18 @@ int Scan(OS_TreeNodeN* node, OS_TreeNodeN** out) {
   return OS_TreeScanN(node, out);
 }
 
+// The depths and names of what is shown.
 template <typename Node>
-Names Shown(Node* root) {
-  std::vector<Node*> out(Scan(root, static_cast<Node**>(nullptr)));
+std::string Shown(Node* root) {
+  std::vector<Node*> out(Scan(root, nullptr));
   EXPECT_EQ(Scan(root, out.data()), static_cast<int>(out.size()));
-  Names names;
+  std::string text;
   for (Node* node : out) {
-    EXPECT_EQ(std::string(node->path).rfind(node->name), strlen(node->path) - strlen(node->name));
+    EXPECT_EQ(node->path + std::string(node->path).rfind('/') + 1, node->name);
     EXPECT_TRUE(std::filesystem::is_directory(node->path)) << node->path;
-    names.push_back(std::to_string(node->depth) + node->name);
+    text += (text.empty() ? "" : " ") + std::to_string(node->depth) + node->name;
   }
-  return names;
+  return text;
 }
 
 template <typename Node>
@@ -60,38 +44,43 @@ void ExpectTree(Node* root, const Scratch& scratch) {
   ASSERT_NE(root, nullptr);
   EXPECT_EQ(root->name, root->path);
   EXPECT_EQ(root->open, 0);
-  EXPECT_EQ(Shown(root), (Names{"1a", "1B", "1c"}));
+  EXPECT_EQ(Shown(root), "1a 1B 1c");
   Node* b = &root->children[1];
   ASSERT_EQ(b->child_count, 2);  // the second level is there, closed
   EXPECT_EQ(b->children[0].children, nullptr);
-  b->open = b->children[1].open = 1;
-  EXPECT_EQ(Shown(root), (Names{"1a", "1B", "2x", "2y", "1c"}));
   Expand(&b->children[1]);
-  EXPECT_EQ(b->children[1].open, 0);
-  b->children[1].open = 1;
-  EXPECT_EQ(Shown(root), (Names{"1a", "1B", "2x", "2y", "3deep", "1c"}));
-  EXPECT_EQ(Shown(b), (Names{"2x", "2y", "3deep"}));
+  EXPECT_EQ(Shown(root), "1a 1B 1c");
+  b->open = b->children[1].open = 1;
+  EXPECT_EQ(Shown(root), "1a 1B 2x 2y 3deep 1c");
+  EXPECT_EQ(Shown(b), "2x 2y 3deep");
 
   b->children[1].children[0].selected = 7;
   EXPECT_EQ(IsSelected(root), 1);
   EXPECT_EQ(IsSelected(&root->children[0]), 0);
-  ClearSel(root);
+  ClearSelected(root);
   EXPECT_EQ(IsSelected(root), 0);
   root->selected = 1;
   EXPECT_EQ(IsSelected(root), 1);
+  ClearSelected(root);
+  EXPECT_EQ(root->selected, 0);
 
   scratch.Folder("new");
-  root->open = 1;
-  b->selected = 1;
+  root->open = b->selected = 1;
   Expand(root);
   EXPECT_EQ(root->open, 0);
-  EXPECT_EQ(Shown(root), (Names{"1a", "1B", "1c", "1new"}));
+  EXPECT_EQ(Shown(root), "1a 1B 1c 1new");
   EXPECT_EQ(root->children[1].selected, 0);
+  std::filesystem::remove(scratch.At("new"));
+  // A folder that has gone keeps what it had.
   Expand(&root->children[1]);
+  root->children[1].open = 1;
+  std::filesystem::rename(scratch.At("B"), scratch.At("gone"));
+  Expand(&root->children[1]);
+  EXPECT_EQ(Scan(root, nullptr), 6);
+  std::filesystem::rename(scratch.At("gone"), scratch.At("B"));
   Destroy(&root->children[1]);  // the node itself stays
   EXPECT_EQ(root->children[1].child_count, 0);
   EXPECT_EQ(root->children[1].children, nullptr);
-  std::filesystem::remove(scratch.At("new"));
   Destroy(root);
 }
 
@@ -101,78 +90,51 @@ TEST(Tree, ExpandScanSelectDestroy) {
   scratch.File("file");
   ExpectTree(OS_TreeCreate(scratch.path().c_str()), scratch);
   ExpectTree(OS_TreeCreateN(scratch.path().c_str()), scratch);
-}
-
-TEST(Tree, RootOfTheSystemAndEmptyFolders) {
-  Scratch scratch;
-  scratch.Folder("empty");
-  OS_TreeNode* root = OS_TreeCreate("/");
-  ASSERT_GT(root->child_count, 0);
-  EXPECT_EQ(root->children[0].path, "//" + std::string(root->children[0].name));
-  OS_TreeDestroy(root);
-  root = OS_TreeCreate(scratch.path().c_str());
+  OS_TreeNode* root = OS_TreeCreate(scratch.path().c_str());
   EXPECT_EQ(root->children[0].child_count, 0);
   EXPECT_NE(root->children[0].children, nullptr);
   OS_TreeDestroy(root);
+  root = OS_TreeCreate("/");
+  ASSERT_GT(root->child_count, 0);
+  EXPECT_EQ(root->children[0].path, "//" + std::string(root->children[0].name));
+  OS_TreeDestroy(root);
 }
 
-TEST(Tree, WhatCannotBeReadStaysAsItIs) {
-  Scratch scratch;
-  scratch.Folder("a/b");
-  OS_TreeNode* root = OS_TreeCreate(scratch.path().c_str());
-  OS_TreeNodeN* whole = OS_TreeCreateN(scratch.path().c_str());
-  root->children[0].open = whole->children[0].open = 1;
-  std::filesystem::remove_all(scratch.At("a"));
-  OS_TreeExpand(&root->children[0]);
-  EXPECT_EQ(OS_TreeExpandN(&whole->children[0]), -1);
+TEST(Tree, RootsThatCannotBeRead) {
+  OS_TreeNode* plain = OS_TreeCreate("/missing");
+  OS_TreeNodeN* whole = OS_TreeCreateN("/missing");
   EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(OS_TreeScan(root, nullptr), 2);
-  EXPECT_EQ(OS_TreeScanN(whole, nullptr), 2);
-  OS_TreeDestroy(root);
-  OS_TreeDestroyN(whole);
-  root = OS_TreeCreate("/missing");
-  whole = OS_TreeCreateN("/missing");
+  EXPECT_EQ(plain->open, 1);
+  EXPECT_EQ(plain->children, nullptr);
+  errno = 0;
+  EXPECT_EQ(OS_TreeExpandN(whole), -1);
   EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(root->open, 1);
-  EXPECT_EQ(root->children, nullptr);
   EXPECT_EQ(whole->child_count, 0);
-  OS_TreeDestroy(root);
+  OS_TreeDestroy(plain);
   OS_TreeDestroyN(whole);
 }
 
-// Paths that the plain record has no room for, and depths past its byte.
-TEST(Tree, DeepAndLong) {
+// Paths that the plain record has no room for, depths past its byte; links only in the twin.
+TEST(Tree, WhatOnlyTheTwinHas) {
   Scratch scratch;
-  scratch.Folder(std::string(20, 'n'));
   std::string path = scratch.path();
   while (path.size() < 232) path += "/" + std::string(std::min<size_t>(231 - path.size(), 99), 'd');
-  std::filesystem::create_directories(path + "/" + std::string(19, 'f'));  // 252 bytes
-  std::filesystem::create_directories(path + "/" + std::string(20, 'g'));
-  OS_TreeNode* root = OS_TreeCreate(path.c_str());
-  EXPECT_EQ(Shown(root), Names{"1" + std::string(19, 'f')});
-  OS_TreeDestroy(root);
+  const std::string fits(19, 'f'), long_one(20, 'g');  // 252 and 253 bytes
+  for (const auto& name : {fits, long_one}) std::filesystem::create_directories(path + "/" + name);
+  std::filesystem::create_directory_symlink(fits, path + "/link:");
+  OS_TreeNode* plain = OS_TreeCreate(path.c_str());
+  EXPECT_EQ(Shown(plain), "1" + fits);
+  OS_TreeDestroy(plain);
   EXPECT_EQ(OS_TreeCreate((path + std::string(30, 'x')).c_str()), nullptr);
   OS_TreeNodeN* whole = OS_TreeCreateN(path.c_str());
-  EXPECT_EQ(whole->child_count, 2);
-  EXPECT_EQ(whole->children[1].path, path + "/" + std::string(20, 'g'));
+  EXPECT_EQ(Shown(whole), "1" + fits + " 1" + long_one + " 1link:");
   OS_TreeDestroyN(whole);
-  root = OS_TreeCreate(scratch.path().c_str());
-  root->children[0].depth = 255;
-  std::filesystem::create_directories(std::string(root->children[0].path) + "/x");
-  OS_TreeExpand(&root->children[0]);
-  EXPECT_EQ(root->children[0].children[0].depth, 255);
-  OS_TreeDestroy(root);
-}
-
-TEST(Tree, TheTwinFollowsLinksToFolders) {
-  Scratch scratch;
-  scratch.Folder("a:b/in");
-  scratch.Link("link", "a:b");
-  scratch.Link("dead", "nowhere");
-  OS_TreeNodeN* root = OS_TreeCreateN(scratch.path().c_str());
-  root->children[0].open = root->children[1].open = 1;
-  EXPECT_EQ(Shown(root), (Names{"1a:b", "2in", "1link", "2in"}));
-  OS_TreeDestroyN(root);
+  scratch.Folder("a/x");
+  plain = OS_TreeCreate(scratch.path().c_str());
+  plain->children[0].depth = 255;
+  OS_TreeExpand(&plain->children[0]);
+  EXPECT_EQ(plain->children[0].children[0].depth, 255);
+  OS_TreeDestroy(plain);
 }
 
 TEST(Tree, NullIsIgnored) {
