@@ -67,13 +67,18 @@ struct Old {
 // Keeps the newest outputs. What has no name of an output is somebody else's.
 void TrimOutputs(int folder, const std::string& subfolder, int64_t keep) {
   std::vector<Old> outputs;
-  for (const std::string& name : NamesIn(folder)) {
-    OutputParts parts;
-    struct stat info;
-    if (!ParseOutputName(name, &parts)) continue;
-    if (fstatat(folder, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) continue;
-    if (S_ISREG(info.st_mode)) outputs.push_back({parts.counter, info.st_mtim, name});
+  OutputParts parts;
+  for (std::string& name : NamesIn(folder)) {
+    if (ParseOutputName(name, &parts)) outputs.push_back({parts.counter, {}, std::move(name)});
   }
+  if (outputs.size() <= static_cast<size_t>(keep)) return;
+  const auto foreign = [folder](Old& output) {
+    struct stat info;
+    if (fstatat(folder, output.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) return true;
+    output.modified = info.st_mtim;
+    return !S_ISREG(info.st_mode);
+  };
+  outputs.erase(std::remove_if(outputs.begin(), outputs.end(), foreign), outputs.end());
   std::sort(outputs.begin(), outputs.end());
   for (size_t i = 0; i + static_cast<size_t>(keep) < outputs.size(); ++i) {
     if (unlinkat(folder, outputs[i].name.c_str(), 0) != 0) continue;

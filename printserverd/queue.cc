@@ -285,7 +285,7 @@ void Queue::Remove(const RequestId& id, std::string peer, Answer answer) {
 }
 
 void Queue::Removed(const RequestId& id, int error, const std::string& peer) {
-  const std::vector<Answer> answers = std::move(removing_[id]);
+  const auto answers = std::make_shared<std::vector<Answer>>(std::move(removing_[id]));
   removing_.erase(id);
   if (error == 0) {
     const Job* job = Find(id);
@@ -293,17 +293,20 @@ void Queue::Removed(const RequestId& id, int error, const std::string& peer) {
     Unlink(job);
     jobs_.erase(id);
     Touch();
-  } else {
-    Edit job(this, id);
-    job->removing = false;
-    if (!job->Ended()) job->ticket.hold = 1;
-    job->reasons = "not-removed";
-    job->text = std::string("it could not be removed: ") + strerror(error);
-    Store(*job, nullptr);  // it is perhaps gone from the disk
+    for (size_t i = 0; i < answers->size(); ++i) {
+      answers->at(i)(i == 0 ? Status::kDone : Status::kUnknownId);
+    }
+    return;
   }
-  for (size_t i = 0; i < answers.size(); ++i) {
-    answers[i](error != 0 ? Status::kStorage : i == 0 ? Status::kDone : Status::kUnknownId);
-  }
+  Edit job(this, id);
+  job->removing = false;
+  if (!job->Ended()) job->ticket.hold = 1;
+  job->reasons = "not-removed";
+  job->text = std::string("it could not be removed: ") + strerror(error);
+  // The record is perhaps gone from the disk.
+  Store(*job, [answers](bool) {
+    for (const Answer& answer : *answers) answer(Status::kStorage);
+  });
 }
 
 void Queue::Finish(const RequestId& id, JobState state, std::string_view reason,

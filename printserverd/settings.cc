@@ -262,7 +262,7 @@ bool CheckWhole(const Settings& settings, std::string* error) {
     list += RecordBytes(printer);
     if (printer.name.empty()) *error = "a printer has no name";
     if (!names.insert(printer.name).second) *error = "two printers named " + printer.name;
-    if (!folders.insert(printer.folder).second) {
+    if (!folders.insert(printer.folder).second && error->empty()) {
       *error = "two printers with the folder " + printer.folder;
     }
   }

@@ -81,6 +81,7 @@ bool Counters::Load() {
   std::string_view rest = text, line, key, value;
   while (TakeLine(&rest, &line) && !line.empty()) {
     if (!SplitField(line, &key, &value)) return false;
+    if (key != "number" && key != "output") unknown_.append(line).push_back('\n');
     for (const auto& [name, counter] : {std::pair{"number", &number_}, {"output", &output_}}) {
       if (key != name) continue;
       const auto number = ParseNumber(value, 0, INT64_MAX / 2);
@@ -113,6 +114,7 @@ void Counters::StoreAs(int64_t number, int64_t output) {
   std::string text;
   AppendField(&text, "number", number);
   AppendField(&text, "output", output);
+  text += unknown_;
   text.push_back('\n');
   const auto stored = std::make_shared<bool>(false);
   disk_->Do([stored, root = root_, text] { *stored = StoreIn(root, kCountersName, text); },

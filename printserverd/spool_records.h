@@ -45,6 +45,7 @@ class Counters {
   int root_;
   Disk* disk_;
   int64_t number_ = 0, output_ = 0;
+  std::string unknown_;  // lines that this version does not know
   int64_t stored_number_ = 0,
           stored_output_ = 0;  // no lower than what is on the disk or on its way
 };
