@@ -191,6 +191,7 @@ TEST(List, PathsAndVolumes) {
   scratch.Folder("a:b");
   scratch.File("a:b/in");
   EXPECT_EQ(Plain("vol:" + scratch.path(), "*", kFiles, 0).names, "one");
+  EXPECT_EQ(Plain("vol:" + scratch.At("a:b"), "*", kFiles, 0).names, "in");
   EXPECT_EQ(Whole(scratch.At("a:b"), "*", kFiles, 0).names, "in");
   EXPECT_EQ(Plain("vol:", "*", kFolders, OS_SORT_NAME).names,
             Plain("/", "*", kFolders, OS_SORT_NAME).names);

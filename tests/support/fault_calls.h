@@ -20,4 +20,9 @@ size_t HalfOf(size_t size);
 // The wrapped calls of a child of this process work.
 void DisarmChild();
 
+// The variable that names the file through which a test and a program of its own share the fault.
+constexpr char kFaultFile[] = "QUORVIK_FAULT_FILE";
+// From now on the calls of this process count.
+void Arm();
+
 }  // namespace support

@@ -1,6 +1,10 @@
 // System calls that fail on request. A program that is linked with this (LIBS faults) has its calls
 // of the functions in faults.cmake wrapped. A scenario is run again and again: each time another
 // one of its calls has another one of the outcomes that such a call can have.
+//
+// A program of its own is run with faults when it is linked with FAULTY_PROGRAM as well: the test
+// names a file in QUORVIK_FAULT_FILE, for itself before its first fault and for the program, and is
+// exempt itself.
 #pragma once
 #include <functional>
 #include <string>
