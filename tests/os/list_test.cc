@@ -167,8 +167,9 @@ TEST(List, FiguresAndTotals) {
   const std::string name(255, 'n');
   SetTime(scratch.File(name, "12345"), 0x123456789);
   ASSERT_EQ(truncate(scratch.File("large").c_str(), 0x300000001), 0);
+  scratch.Link("link", "c.c");  // counts as what it leads to
   const auto whole = Whole(scratch.path(), "*", kBoth | OS_LIST_SELF, OS_SORT_TIME);
-  EXPECT_EQ(whole.entries[0].size, 0x300000001 + 7017u + 5u);
+  EXPECT_EQ(whole.entries[0].size, 0x300000001 + 7017u + 5u + 2000u);
   EXPECT_TRUE(S_ISDIR(whole.entries[1].mode));
   EXPECT_EQ(whole.texts.back(), name);
   EXPECT_EQ(whole.entries.back().time, 0x123456789);
@@ -181,8 +182,10 @@ TEST(List, ManyFilesFit) {
   Scratch scratch;
   for (int i = 0; i < 400; ++i) scratch.File("f" + std::to_string(i) + ".txt");
   EXPECT_EQ(Plain(scratch.path(), "f*,*.txt", kFiles, OS_SORT_NAME).entries.size(), 800u);
-  // Just full: the two entries in front need new room.
+  // Just full, and all but one: the two entries in front need new room.
   EXPECT_EQ(Plain(scratch.path(), "f*", kBoth | OS_LIST_SELF, OS_SORT_NAME).entries.size(), 402u);
+  unlink(scratch.At("f0.txt").c_str());
+  EXPECT_EQ(Plain(scratch.path(), "f*", kBoth | OS_LIST_SELF, OS_SORT_NAME).entries.size(), 401u);
 }
 
 TEST(List, PathsAndVolumes) {
