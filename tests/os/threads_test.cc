@@ -22,9 +22,17 @@ void* CountAndEnd(void*) {
   OS_EndThread(42);
 }
 
-void* WaitForItself(void* handle) {
-  while (*static_cast<std::atomic<int>*>(handle) == 0) OS_Sleep(1);
-  OS_WaitThread(*static_cast<std::atomic<int>*>(handle));
+struct Own {
+  std::atomic<int> handle{0};
+  std::atomic<bool> ended{false};
+};
+
+void* WaitForItself(void* arg) {
+  auto* own = static_cast<Own*>(arg);
+  while (own->handle == 0) OS_Sleep(1);
+  OS_WaitThread(own->handle);
+  OS_Sleep(20);
+  own->ended = true;
   return nullptr;
 }
 
@@ -37,10 +45,11 @@ TEST(Threads, HandlesCountFromOneAndAreUsedAgain) {
   for (int handle : {first, first, -1, 0, 99, INT32_MAX, INT32_MIN}) {
     EXPECT_EQ(OS_WaitThread(handle), 0);
   }
-  std::atomic<int> own{0};
-  own = OS_StartThread(WaitForItself, &own);
-  EXPECT_EQ(own, 1);
-  EXPECT_EQ(OS_WaitThread(own), 0);
+  Own own;
+  own.handle = OS_StartThread(WaitForItself, &own);
+  EXPECT_EQ(own.handle, 1);
+  EXPECT_EQ(OS_WaitThread(own.handle), 0);
+  EXPECT_TRUE(own.ended);
   EXPECT_EQ(OS_WaitThread(second), 0);
   EXPECT_EQ(started, 2);
   EXPECT_EQ(OS_StartThread(nullptr, nullptr), -1);

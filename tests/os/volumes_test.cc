@@ -88,6 +88,9 @@ TEST_F(Volumes, MountedFolders) {
   scratch.Folder("run/media/somebody/b");
   scratch.Folder("run/media/somebody/A");
   EXPECT_EQ(Whole(), place("run/media/somebody", "A") + place("run/media/somebody", "b"));
+  scratch.File("Volumes");  // there, and no folder
+  EXPECT_EQ(Plain(), "");
+  std::filesystem::remove(scratch.At("Volumes"));
   scratch.Folder("Volumes");
   EXPECT_EQ(Plain(), "");
   const std::string name(200, 'v');
