@@ -30,7 +30,8 @@ class Running {
     const std::string config = spool_ + "/config";
     FILE* file = fopen(config.c_str(), "w");
     fputs(
-        "[server]\ndone-keep=2000\naccess-log=/dev/null\ndone-seconds=1G\n[printer]\nname=P\nrate=0\nkeep=1\n"
+        "[server]\ndone-keep=2000\naccess-log=/dev/"
+        "null\ndone-seconds=1G\n[printer]\nname=P\nrate=0\nkeep=1\n"
         "[printer]\nname=Q\nrate=0\nkeep=1\n[scanner]\nname=S\n",
         file);
     fclose(file);

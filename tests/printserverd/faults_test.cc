@@ -167,4 +167,28 @@ TEST_F(DaemonFaults, ALifeOfJobs) {
   });
 }
 
+// A daemon that could not read something when it started leaves it as it is: the next one has all.
+TEST_F(DaemonFaults, AStartWithJobs) {
+  const support::ExemptFromFaults exempt;
+  ASSERT_TRUE(Start(PRINTSERVERD));
+  std::vector<Sent> all(4);
+  for (Sent& sent : all) {
+    sent.document = std::string(2000, 'x');
+    sent.accepted = On([&](int fd) { return Send(fd, "hold=1\n", sent.document, sent.id); });
+  }
+  Stop();
+  support::SweepFaults("printserverd with jobs", 10, [&](support::Fault& fault) {
+    fault.Begin();
+    if (Start(PRINTSERVERD_FAULTY)) {
+      Stop();
+    } else {
+      EXPECT_TRUE(WIFEXITED(status_) && WEXITSTATUS(status_) != 0) << status_;
+    }
+    fault.End();
+    ASSERT_TRUE(Start(PRINTSERVERD)) << ReadWhole(folder_ + "/log");
+    Check(all, fault);
+    Stop();
+  });
+}
+
 }  // namespace
