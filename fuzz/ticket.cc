@@ -18,14 +18,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (ParseTicket(text, &job.ticket, &given) == Status::kDone) {
     // What was taken is listed within bounds, and is read back from its file the same.
     std::string listed;
-    AppendListed(&listed, job, {});
+    AppendListed(&listed, job, {std::string(127, 'r'), 1});
     Job again;
     if (listed.size() > 2048 || !ParseStoredRecord(StoredRecord(job), &again)) abort();
     const Ticket& a = job.ticket;
     const Ticket& b = again.ticket;
     const bool same = a.document == b.document && a.owner == b.owner && a.printer == b.printer &&
                       a.profile == b.profile && a.media == b.media && a.copies == b.copies &&
-                      a.priority == b.priority;
+                      a.priority == b.priority && a.colour == b.colour;
     if (!same) abort();
   }
   Job stored;

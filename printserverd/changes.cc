@@ -35,7 +35,7 @@ Status Queue::CheckChange(const Job& job, TicketKeys keys, Job* changed) const {
 }
 
 // The job is held or released.
-void Queue::ApplyHold(const Job& job, Wish* wish, Job* changed) const {
+void Queue::ApplyHold(const Job& job, Job* changed) {
   if (changed->ticket.hold) {
     changed->state = JobState::kHeld;
     changed->printed = 0;
@@ -44,13 +44,6 @@ void Queue::ApplyHold(const Job& job, Wish* wish, Job* changed) const {
   } else if (!job.AtPrinter()) {
     changed->state = JobState::kWaiting;
     if (job.Ended()) changed->printed = changed->finished = 0;
-    if (job.state == JobState::kDone) {
-      // It waits behind the others; its earlier output is not this one's.
-      if (wish->place < 0) wish->place = LastPlace(changed->ticket.priority);
-      if (wish->outputs < 0) wish->outputs = uses_.counters->last_output();
-      changed->place = wish->place;
-      changed->outputs = wish->outputs;
-    }
   }
   if (changed->state == job.state) return;
   changed->text.clear();
@@ -64,11 +57,22 @@ Status Queue::Changed(const Job& job, Wish* wish, Job* changed) {
   Status status = ParseTicket(wish->text, &changed->ticket, &given);
   if (status == Status::kDone) status = CheckChange(job, given.keys, changed);
   if (status != Status::kDone) return status;
-  const bool moves = given.keys & kBeforeKey;
-  if ((given.keys & kPriorityKey) && !moves) changed->place = PlaceOf(job.number);
-  if (given.keys & kHoldKey) ApplyHold(job, wish, changed);
+  if (given.keys & kHoldKey) ApplyHold(job, changed);
   if (changed->state == JobState::kDone) changed->printed = changed->Total();
-  return moves ? PlaceBefore(given.before, wish, changed) : Status::kDone;
+  const bool again = job.state == JobState::kDone && changed->state == JobState::kWaiting;
+  if (again) {
+    // An earlier output is not this one's.
+    if (wish->outputs < 0) wish->outputs = uses_.counters->last_output();
+    changed->outputs = wish->outputs;
+  }
+  if (given.keys & kBeforeKey) return PlaceBefore(given.before, wish, changed);
+  if (again) {
+    if (wish->place < 0) wish->place = LastPlace(changed->ticket.priority);
+    changed->place = wish->place;
+  } else if (given.keys & kPriorityKey) {
+    changed->place = PlaceOf(job.number);
+  }
+  return Status::kDone;
 }
 
 Status Queue::PlaceBefore(const RequestId& before, Wish* wish, Job* changed) {

@@ -14,6 +14,10 @@
 
 namespace printserverd {
 
+// The system is set to write a large file each time that so many bytes have come, so that the sync
+// at its end is short.
+constexpr int64_t kFlushEach = 8 << 20;
+
 class Disk {
  public:
   using Call = std::function<void()>;

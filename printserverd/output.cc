@@ -9,13 +9,13 @@
 #include <cstring>
 #include <ctime>
 
+#include "printserverd/disk.h"
 #include "printserverd/log.h"
 
 namespace printserverd {
 
 namespace {
 
-constexpr int64_t kFlushBytes = 8 << 20;
 constexpr size_t kIdDigits = 8;
 constexpr size_t kCounterDigits = 10;
 constexpr size_t kPartSize = 38;
@@ -114,7 +114,8 @@ void RemoveParts(int folder) {
 
 void FailOutput(PrintRun* run, int error) {
   const std::string text = std::string("the output cannot be written: ") + strerror(error);
-  if (error == EFBIG) return Fail(run, Fault::kDocument, "document-rejected", text);
+  if (error == EFBIG || error == ENAMETOOLONG)
+    return Fail(run, Fault::kDocument, "document-rejected", text);
   const bool full = error == ENOSPC || error == EDQUOT;
   Fail(run, Fault::kPrinter, full ? "disk-full" : "output-error", text);
 }
@@ -122,7 +123,9 @@ void FailOutput(PrintRun* run, int error) {
 void OpenRun(PrintRun* run, const std::function<Fd()>& open_document) {
   run->document = open_document();
   if (!run->document) {
-    return Fail(run, Fault::kDocument, "document-unreadable",
+    const bool short_of = errno == EMFILE || errno == ENFILE || errno == ENOMEM;
+    return Fail(run, short_of ? Fault::kPrinter : Fault::kDocument,
+                short_of ? "output-error" : "document-unreadable",
                 std::string("the document cannot be read: ") + strerror(errno));
   }
   run->folder = OpenOutputFolder(run->root, run->subfolder);
@@ -134,11 +137,11 @@ void OpenRun(PrintRun* run, const std::function<Fd()>& open_document) {
 }
 
 void CopyStretches(PrintRun* run, const std::vector<Stretch>& stretches) {
-  const int64_t before = run->written - run->written % kFlushBytes;
+  const int64_t before = run->written - run->written % kFlushEach;
   for (const Stretch& stretch : stretches) {
     if (!CopyBytes(run, stretch)) return;
   }
-  if (run->written - before < kFlushBytes) return;
+  if (run->written - before < kFlushEach) return;
   sync_file_range(run->output.get(), before, run->written - before, SYNC_FILE_RANGE_WRITE);
 }
 

@@ -145,6 +145,7 @@ class Queue {
     int64_t place = -1, outputs = -1;  // what was found for the job when it was looked at first
   };
   using Ordered = std::set<const Job*, ListedBefore>;
+  // What waits for one printer, and how many jobs are not at their end.
   struct Lane {
     Ordered waiting;
     int64_t live = 0;
@@ -177,7 +178,7 @@ class Queue {
   Status CheckNames(const Ticket& ticket, bool arrives) const;
   Status Changed(const Job& job, Wish* wish, Job* changed);
   Status CheckChange(const Job& job, TicketKeys keys, Job* changed) const;
-  void ApplyHold(const Job& job, Wish* wish, Job* changed) const;
+  static void ApplyHold(const Job& job, Job* changed);
   Status PlaceBefore(const RequestId& before, Wish* wish, Job* changed);
   int64_t PlaceBetween(const Job* target, const RequestId& moved) const;
   int64_t LastPlace(int64_t priority) const;
@@ -204,8 +205,5 @@ class Queue {
 // Names in the spool's folder of jobs.
 std::string DocumentName(const RequestId& id);
 std::string RecordName(const RequestId& id);
-
-// Bytes of the documents go to the disk as they come: the sync at the end is short.
-constexpr int64_t kFlushEach = 8 << 20;
 
 }  // namespace printserverd
