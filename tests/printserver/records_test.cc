@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include "printserver/nc.h"
+#include "printserver/words.h"
 
 namespace {
 
@@ -155,6 +159,34 @@ TEST(Records, Ids) {
   EXPECT_STREQ(NC_JobStateWord(NC_JOB_PAPER_OUT), "paper-out");
   EXPECT_STREQ(NC_JobStateWord(static_cast<NC_JobState>(-1)), "waiting");
   EXPECT_STREQ(NC_PrinterStateWord(static_cast<NC_PrinterState>(3)), "idle");
+}
+
+TEST(Words, WhatConsoleAndCommandLineSay) {
+  EXPECT_STREQ(nc::JobStateText(NC_JOB_PAPER_OUT), "out of paper");
+  EXPECT_STREQ(nc::JobStateText(NC_JOB_DONE), "printed");
+  EXPECT_STREQ(nc::JobStateText(static_cast<NC_JobState>(6)), "waiting");
+  EXPECT_STREQ(nc::PrinterStateText(NC_PRINTER_PAPER_OUT), "out of paper");
+  EXPECT_EQ(nc::ReasonsText(nullptr), "");
+  EXPECT_EQ(nc::ReasonsText(",printer-refuses,,new-one,"), "the printer takes no jobs, new one");
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_WRONG_STATE, nc::Asked::kPrint),
+               "the printer takes no new jobs");
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_WRONG_STATE, nc::Asked::kJob),
+               NC_StatusText(NC_STATUS_WRONG_STATE));
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_UNKNOWN_ID, nc::Asked::kPrinter), "no such printer");
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_UNKNOWN_ID, nc::Asked::kJob), "no such job");
+  const struct {
+    int code, error;
+    const char* text;
+  } rows[] = {{NC_NO_HOST, ENOENT, "this host is not known"},
+              {NC_NO_HOST, ETIMEDOUT, "nobody says in time where this host is"},
+              {NC_NO_HOST, EINVAL, "its port is not a number from 1 to 65535"},
+              {NC_NO_SERVER, ECONNREFUSED, "no server there"},
+              {NC_NO_SERVER, ETIMEDOUT, "it does not answer"},
+              {NC_REFUSED, 0, "it refuses connections"},
+              {NC_NO_SOCKET, EMFILE, "the system has no connection left"}};
+  for (const auto& row : rows) EXPECT_EQ(nc::ConnectText(row.code, row.error), row.text);
+  EXPECT_EQ(nc::FailureText(EPIPE), nc::FailureText(ECONNRESET));
+  EXPECT_EQ(nc::FailureText(ETIMEDOUT), "it does not answer");
 }
 
 }  // namespace

@@ -63,6 +63,30 @@ TEST_F(Cli, TheQueueInThreeForms) {
           "\"text\": \"gone\"}\n]\n");
 }
 
+// The borders of what a terminal obeys, and of what is UTF-8.
+TEST_F(Cli, CharactersThatAreShown) {
+  const struct {
+    const char *bytes, *shown;
+  } rows[] = {{" ~", " ~"},
+              {"\x01\x1f\x7f", "???"},
+              {"\u0080\u009f\u00a0", "??\u00a0"},
+              {"\u061b\u061c\u061d", "\u061b?\u061d"},
+              {"\u200d\u200e\u200f\u2010", "\u200d??\u2010"},
+              {"\u2027\u2028\u202e\u202f", "\u2027??\u202f"},
+              {"\u2065\u2066\u2069\u206a", "\u2065??\u206a"},
+              {"\xc1\xbf|\xc2\x80|\xdf\xbf", "??|?|\u07ff"},
+              {"\xe0\x9f\xbf|\xe0\xa0\x80|\xef\xbf\xbf", "???|\u0800|\uffff"},
+              {"\xed\x9f\xbf|\xed\xa0\x80|\xee\x80\x80", "\ud7ff|???|\ue000"},
+              {"\xf0\x8f\xbf\xbf|\xf0\x90\x80\x80", "????|\U00010000"},
+              {"\xf4\x8f\xbf\xbf|\xf4\x90\x80\x80|\xf5", "\U0010ffff|????|?"},
+              {"\xe2\x82|\xbf", "??|?"}};
+  for (const auto& row : rows) {
+    server.queues = {Job("a", 1, "document=" + std::string(row.bytes) + "|\n")};
+    const std::string out = Run({"queue", "--tsv"}).out;
+    EXPECT_TRUE(Has(out, "\tP\t" + std::string(row.shown) + "|\t")) << row.shown << out;
+  }
+}
+
 TEST_F(Cli, FiltersAndEmptyLists) {
   server.queues = {Job("a", 1) + Job("b", 2, "owner=bob\nstate=held\n") +
                    Job("c", 3, "printer=Q\ntotal=3\nprinted=2\nstate=paper-out\n")};
