@@ -188,7 +188,6 @@ void DrawPrinterList(Console* c);
 void AddPrinterListHits(Console* c);
 // Whether the pointer (Inp) is over it.
 bool ListHoldsPointer(const Console* c);
-const char* PrinterStateText(const NC_Printer& printer);
 
 // --- The queue (queue_pane.cc)
 void DrawQueuePane(Console* c);

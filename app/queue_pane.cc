@@ -4,6 +4,7 @@
 
 #include "app/console.h"
 #include "app/texts.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
@@ -41,15 +42,13 @@ const char* PendingText(const Console* c, const JobId& id) {
 }
 
 struct StateLook {
-  const char* text;
   int32_t Look::*ink;
   int32_t Look::*dot;
 };
 // By NC_JobState.
 constexpr StateLook kStates[] = {
-    {"waiting", &Look::ink, &Look::line},    {"held", &Look::warning, &Look::warning},
-    {"printing", &Look::ink, &Look::accent}, {"out of paper", &Look::bad, &Look::bad},
-    {"printed", &Look::good, &Look::good},   {"failed", &Look::bad, &Look::bad},
+    {&Look::ink, &Look::line}, {&Look::warning, &Look::warning}, {&Look::ink, &Look::accent},
+    {&Look::bad, &Look::bad},  {&Look::good, &Look::good},       {&Look::bad, &Look::bad},
 };
 
 void DrawBarAndText(const CellLook& cell, int64_t part, int64_t whole, const std::string& text) {
@@ -94,7 +93,7 @@ void DrawJobProgress(const Console* c, const NC_Job& job, const CellLook& cell) 
     DrawBarAndText(cell, job.printed, job.total, PartText(job.printed, job.total));
   } else {
     const StateLook& look = kStates[job.state];
-    std::string text = look.text;
+    std::string text = nc::JobStateText(job.state);
     if (job.state == NC_JOB_FAILED && job.text[0]) text += ": " + Shown(job.text);
     DrawWord(cell, text.c_str(), l.*look.ink);
   }
@@ -184,7 +183,7 @@ std::string Summary(const Console* c) {
   std::string text = std::to_string(counts[NC_JOB_WAITING]) + " waiting, " +
                      std::to_string(counts[NC_JOB_PRINTING]) + " printing";
   for (NC_JobState state : {NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
-    if (counts[state]) text += ", " + std::to_string(counts[state]) + " " + kStates[state].text;
+    if (counts[state]) text += ", " + std::to_string(counts[state]) + " " + nc::JobStateText(state);
   return unsent ? text + ", " + waits : text;
 }
 

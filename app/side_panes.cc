@@ -5,6 +5,7 @@
 
 #include "app/console.h"
 #include "app/texts.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
@@ -139,7 +140,8 @@ void DrawPrinter(const Console* c, Area a) {
   const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
                       : p->state == NC_PRINTER_PRINTING ? l.accent
                                                         : l.good;
-  DrawLabel(l.view, Align::kLeft, row, PrinterStateText(*p), away ? Dimmed(ink, l.side) : ink);
+  DrawLabel(l.view, Align::kLeft, row, nc::PrinterStateText(p->state),
+            away ? Dimmed(ink, l.side) : ink);
   DrawFact(&a, "Jobs", std::to_string(p->jobs));
   DrawFact(&a, "Paper", p->paper < 0 ? "enough" : CountText(p->paper, "sheet", "sheets"));
 }

@@ -33,12 +33,17 @@ Fd CreateFileIn(int parent, const std::string& name);
 // fdatasync of a file, fsync of a folder. False with errno.
 bool SyncFile(int fd);
 bool SyncFolder(int fd);
-// For tests: each of the two takes so many milliseconds longer. Set before there are threads.
-void SlowSyncs(int ms);
+// For tests: each of the two takes so many milliseconds longer, and the `fail`th one fails (0:
+// none). Set before there are threads.
+void SimulateSyncs(int ms, int64_t fail);
 
 // Replaces the file `name` as a whole: written under another name, then renamed. With `sync` the
 // bytes are on the disk before the rename; the folder itself is not synced.
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync);
+
+// Moves an entry to another folder under its name, or, where that is taken, with a number behind
+// it. The name that it has got; empty on failure, errno set.
+std::string MoveAside(int from, const std::string& name, int to);
 
 // Reads to the end of a file or a pipe. False when that fails, errno set, or when it has more than
 // `max` bytes (EFBIG); `content` is then in any state.

@@ -7,12 +7,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/events/sources.h"
 #include "platform/input/record.h"
+#include "platform/text/characters.h"
+#include "platform/text/utf8.h"
 #include "platform/windows/internal.h"
 
 namespace platform {
@@ -76,11 +80,29 @@ void Button(const RawEvent& raw, WindowRef w) {
   main_event_queue.Push(MouseEvent(raw, w, press ? kEventMouseDown : kEventMouseUp));
 }
 
+// What the key typed, without control characters; nothing while a command is given with it.
+std::string TypedText(const RawEvent& raw) {
+  if (raw.modifiers & (controlKey | rightControlKey | cmdKey)) return {};
+  char one[4];
+  std::string_view typed(raw.typed, strnlen(raw.typed, sizeof raw.typed));
+  if (typed.empty() && raw.unicode) typed = {one, size_t(PutUtf8(raw.unicode, one))};
+  std::string text;
+  while (!typed.empty()) {
+    const char32_t c = TakeUtf8(&typed);
+    char bytes[4];
+    if (KindOf(c) != CharacterKind::kControl) text.append(bytes, size_t(PutUtf8(c, bytes)));
+  }
+  return text;
+}
+
 void Key(const RawEvent& raw, WindowRef w, uint32_t kind) {
   Event e(kEventClassKeyboard, kind, w);
   e.time = raw.time;
   MacKey key = LookUpKey(raw.keysym, raw.base_keysym, raw.unicode, raw.modifiers);
-  e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym, raw.keycode, key.character};
+  e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym,
+           raw.keycode,  key.character, {}};
+  const bool types = kind == kEventRawKeyDown || kind == kEventRawKeyRepeat;
+  if (types) CopyUtf8(TypedText(raw), e.key.text, sizeof e.key.text);
   main_event_queue.Push(e);
 }
 

@@ -1,5 +1,7 @@
 #include "platform/text/utf8.h"
 
+#include <cstring>
+
 namespace platform {
 namespace {
 
@@ -73,6 +75,13 @@ size_t CutUtf8(std::string_view text, size_t size) {
   std::string_view rest = text.substr(from);
   TakeUtf8(&rest);
   return text.size() - rest.size() > size ? from : size;
+}
+
+void CopyUtf8(std::string_view text, char* out, size_t size) {
+  if (size == 0) return;
+  const size_t n = CutUtf8(text, size - 1);
+  std::memcpy(out, text.data(), n);
+  out[n] = 0;
 }
 
 }  // namespace platform

@@ -17,5 +17,7 @@ int PutUtf8(char32_t c, char out[4]);
 std::string ValidUtf8(std::string_view text);
 // The length of the longest beginning of at most `size` bytes that ends between two characters.
 size_t CutUtf8(std::string_view text, size_t size);
+// Copies what fits of it with an ending zero, cut so; nothing when `size` is 0.
+void CopyUtf8(std::string_view text, char* out, size_t size);
 
 }  // namespace platform

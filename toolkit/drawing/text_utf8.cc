@@ -1,7 +1,6 @@
 // Measuring, shortening and drawing one line of UTF-8. The rules are those of the toolkit's set,
 // with clusters in place of characters and results in the caller's memory.
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -37,11 +36,7 @@ size_t CountNarrower(const TextLine& line, const TextScale& scale, int width) {
 }
 
 int Deliver(const std::string& text, char* dst, int size) {
-  if (dst && size > 0) {
-    const size_t n = CutUtf8(text, size_t(size) - 1);
-    std::memcpy(dst, text.data(), n);
-    dst[n] = 0;
-  }
+  if (dst && size > 0) CopyUtf8(text, dst, size_t(size));
   return int(std::min(text.size(), size_t{INT32_MAX}));
 }
 

@@ -3,6 +3,7 @@
 
 #include "platform/display/headless/state.h"
 #include "platform/events/queue.h"
+#include "platform/text/utf8.h"
 
 namespace platform::headless {
 namespace {
@@ -174,12 +175,14 @@ void Pen(const TabletPoint& pen, RawEvent::Type type, int button) {
   if (raw.window) Push(raw);
 }
 
-void KeyDown(uint32_t keysym, uint32_t unicode) {
+void KeyDown(uint32_t keysym, uint32_t unicode, const char* typed) {
   State& s = Headless();
   if (!KeyTarget()) return;
   const bool held = s.held.count(keysym) != 0;
   s.held[keysym] = {.unicode = unicode, .window = KeyTarget()};
-  Push(KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode));
+  RawEvent raw = KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode);
+  if (typed) CopyUtf8(typed, raw.typed, sizeof raw.typed);
+  Push(raw);
 }
 
 void KeyUp(uint32_t keysym, uint32_t unicode) {

@@ -42,7 +42,7 @@ struct Keymap {
 struct Held {
   bool down = false;
   const Window* window = nullptr;  // that heard of it last; null: it has ended
-  uint32_t keysym = 0, unicode = 0;
+  Composed as;
 };
 
 struct Keyboard {
@@ -200,8 +200,10 @@ void ReportModifiers(Native* n, xcb_timestamp_t time) {
 void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time) {
   RawEvent* e = Emit(type, n, time);
   e->keycode = code;
-  e->keysym = k.held[code].keysym;
-  e->unicode = k.held[code].unicode;
+  const Composed& as = k.held[code].as;
+  e->keysym = as.keysym;
+  e->unicode = as.unicode;
+  if (type != RawEvent::kKeyUp) memcpy(e->typed, as.typed, sizeof e->typed);
   e->base_keysym = BaseSymbol(code);
   e->modifiers = Modifiers(k.state);
 }
@@ -312,9 +314,7 @@ void HandleKey(const xcb_key_press_event_t* e, bool press) {
   held.window = n->w;
   if (!repeat) {
     const uint32_t sym = Lookup(e->detail, (e->state >> 13) & 3, uint8_t(e->state));
-    const Composed composed = Compose(sym);
-    held.keysym = composed.keysym;
-    held.unicode = composed.unicode;
+    held.as = Compose(sym);
   }
   EmitKey(repeat ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, n, e->detail, e->time);
 }
