@@ -7,7 +7,7 @@
 namespace platform {
 
 bool IsValidWindow(const Window* w) {
-  return w && IsLiveObject(&w->object) && w->object.type == &kWindowType;
+  return w && IsLiveObject(&w->object) && w->object.type->kind == ObjectKind::kWindow;
 }
 WindowRef LiveWindow(const Window* w) {
   return IsValidWindow(w) ? const_cast<WindowRef>(w) : nullptr;

@@ -63,8 +63,6 @@ struct Window {
   unsigned number = 0;       // in the order of creation, from 1
 };
 
-extern const ObjectType kWindowType;
-
 // The window that a display's report names; null when it is gone, or for none.
 WindowRef LiveWindow(const Window* w);
 // The limits that hold now: the screen's size where the program set none, the window's own where it

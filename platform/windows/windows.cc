@@ -29,9 +29,9 @@ void Describe(const void* record, Description* out) {
 constexpr EventKind kBoundsReported[] = {{kEventClassWindow, kEventWindowBoundsReported}};
 constexpr EventKind kPointerMoved[] = {{kEventClassMouse, kEventMouseMoved}};
 
-}  // namespace
+constexpr ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
 
-const ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
+}  // namespace
 
 WindowsState& Windows() {
   if (!state) state = new WindowsState;
