@@ -153,6 +153,7 @@ class Swapper {
           const std::string spare = path + ".spare";
           std::error_code ignored;
           for (unsigned round = 0; !stop_; ++round) {
+            std::filesystem::remove_all(spare, ignored);  // where the rename has failed
             Make(round % 6, spare, target, second_names);
             std::filesystem::remove_all(path, ignored);
             rename(spare.c_str(), path.c_str());
