@@ -157,13 +157,13 @@ void Worker::Finish(int number, int result, const std::string& why) {
   if (result == NC_STATUS_DONE) Serve(kServeMs);
   hold_back_ = false;
   Locked lock(shared_);
-  Settle(number, result, why);
+  NoteResult(number, result, why);
   shared_->cancelled = 0;
   shared_->Published();
 }
 
 // What becomes of a transfer that has ended. Under the mutex.
-void Worker::Settle(int number, int result, const std::string& why) {
+void Worker::NoteResult(int number, int result, const std::string& why) {
   ServerState& state = shared_->state;
   const bool done = result == NC_STATUS_DONE;
   const bool cancelled = shared_->cancelled == number || result == NC_CANCELLED;

@@ -79,7 +79,7 @@ bool PrinterListKey(Console* c, int type) {
 }
 
 void DrawPrinterList(Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area a = ListArea(c);
   DrawShadow(a, 5);
   XwRoundBox(a.x, a.y, a.w, a.h, 5, l.document, l.line);

@@ -43,7 +43,7 @@ int LogicalPixel(double device, double scale) {
 
 Point GlobalPoint(const Window& w, const RawEvent& raw) {
   return {w.content.left + LogicalPixel(raw.x, w.surface.scale),
-          w.content.top - w.strip + LogicalPixel(raw.y, w.surface.scale)};
+          w.content.top - w.menu_bar_height + LogicalPixel(raw.y, w.surface.scale)};
 }
 
 Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
@@ -119,11 +119,13 @@ void Configure(const RawEvent& raw, WindowRef window) {
   int width = LogicalSize(device_width, scale), height = LogicalSize(device_height, scale);
   const DeviceRect known = same_scale ? DeviceBounds(w) : DeviceRect();
   if (known.width() == device_width) width = w.content.width();
-  if (known.height() == device_height) height = w.content.height() + w.strip;
+  if (known.height() == device_height) height = w.content.height() + w.menu_bar_height;
   if (same_scale && float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
-  if (same_scale && float(known.top) == std::trunc(raw.root_y)) top = w.content.top - w.strip;
+  if (same_scale && float(known.top) == std::trunc(raw.root_y))
+    top = w.content.top - w.menu_bar_height;
   // A window has at least one row of content.
-  e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
+  e.bounds.current = {left, top + w.menu_bar_height, left + width,
+                      top + std::max(height, w.menu_bar_height + 1)};
   e.bounds.placement = w.placing;
   e.bounds.scale = raw.scale > 0 ? float(scale) : 0;
   e.bounds.replayed = Replaying();
@@ -264,7 +266,7 @@ void TakeRawEvents() {
     raw = RawEvent();
   }
   if (Replaying()) ReplayDue();
-  SettleActivation();
+  UpdateActivation();
 }
 
 void FinishInput() {

@@ -141,7 +141,7 @@ TEST(Configure, LimitsStepsAndThoseWhoInsist) {
     EXPECT_NE(Receive(), "");
     EXPECT_EQ(w->content, row.taken);
     EXPECT_EQ(w->surface.width, row.taken.width());
-    EXPECT_EQ(w->surface.height, row.taken.height() + w->strip);
+    EXPECT_EQ(w->surface.height, row.taken.height() + w->menu_bar_height);
   }
   headless::Configure(w, {90, 80, 900, 5000});
   Receive();

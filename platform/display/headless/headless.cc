@@ -79,7 +79,7 @@ void FollowScreen(const Window* w) {
   State& s = Headless();
   const DeviceRect at = DeviceBounds(*w);
   const double scale =
-      ScaleAt(*w, {at.left, at.top}, w->content.width(), w->content.height() + w->strip);
+      ScaleAt(*w, {at.left, at.top}, w->content.width(), w->content.height() + w->menu_bar_height);
   if (scale == Native(w)->scale) return;
   Native(w)->scale = scale;
   RawEvent raw;

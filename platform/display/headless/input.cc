@@ -28,7 +28,7 @@ const Window* UnderPointer() {
   const Point device{DeviceEdge(s.x, s.scale), DeviceEdge(s.y, s.scale)};
   for (const Window* w : s.stack) {
     Rect r = w->content;
-    r.top -= w->strip;
+    r.top -= w->menu_bar_height;
     const bool same = w->surface.scale == s.scale;
     if (same ? r.contains({s.x, s.y}) : DeviceBounds(*w).contains(device)) return w;
   }
@@ -55,7 +55,8 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   raw.root_x = float(root_x);
   raw.root_y = float(root_y);
   raw.x = float(same ? DeviceEdge(s.x - w->content.left, s.scale) : root_x - at.left);
-  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->strip, s.scale) : root_y - at.top);
+  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->menu_bar_height, s.scale)
+                     : root_y - at.top);
   return raw;
 }
 
@@ -228,8 +229,9 @@ void GiveFocus(const Window* w) {
 void Configure(const Window* w, const Rect& content) {
   if (!IsValidWindow(w)) return;
   const double before = w->surface.scale;
-  const Point corner{DeviceEdge(content.left, before), DeviceEdge(content.top - w->strip, before)};
-  const int width = content.width(), height = content.height() + w->strip;
+  const Point corner{DeviceEdge(content.left, before),
+                     DeviceEdge(content.top - w->menu_bar_height, before)};
+  const int width = content.width(), height = content.height() + w->menu_bar_height;
   RawEvent raw = Report(RawEvent::kConfigure, w);
   raw.scale = Native(w)->scale = ScaleAt(*w, corner, width, height);
   raw.root_x = float(corner.x);

@@ -1,4 +1,4 @@
-#include "toolkit/target/ground.h"
+#include "toolkit/target/background.h"
 
 #include "platform/graphics/context.h"
 #include "platform/theme/roles.h"
@@ -26,7 +26,7 @@ void FillWith(uint32_t rgb, const Rect& r) {
 
 }  // namespace
 
-uint32_t GroundUpward(const XwWindow* w) {
+uint32_t BackgroundUpward(const XwWindow* w) {
   for (const XwWindow* at = w; at; at = at->parent) {
     if (at->brush) return ThemeBrushColor(at->brush, LooksActive(w));
     if (IsRealColor(at->color)) return ColorToRgb(at->color);
@@ -35,8 +35,8 @@ uint32_t GroundUpward(const XwWindow* w) {
   return 0xFFFFFF;
 }
 
-void EraseToGround(const Rect& r) {
-  if (XW) FillWith(GroundUpward(XW), r);
+void EraseToBackground(const Rect& r) {
+  if (XW) FillWith(BackgroundUpward(XW), r);
 }
 
 void XwClear(int x, int y, int width, int height) {

@@ -1,4 +1,4 @@
-#include "app/errand.h"
+#include "app/background_task.h"
 
 #include <algorithm>
 #include <chrono>
@@ -16,7 +16,7 @@ constexpr size_t kMostDropped = 32;
 
 }  // namespace
 
-struct Errand::State {
+struct BackgroundTask::State {
   std::function<void()> work;
   int thread = -1;  // -1: it has none
   std::mutex lock;
@@ -30,7 +30,7 @@ struct Errand::State {
 };
 
 // Those that were dropped while they had a thread.
-struct Errand::Dropped {
+struct BackgroundTask::Dropped {
   std::mutex lock;
   std::vector<std::shared_ptr<State>> all;
 
@@ -51,12 +51,12 @@ struct Errand::Dropped {
 };
 
 // Kept for the life of the process: a thread may hang beyond the session.
-Errand::Dropped& Errand::TheDropped() {
+BackgroundTask::Dropped& BackgroundTask::TheDropped() {
   static auto* dropped = new Dropped;
   return *dropped;
 }
 
-void* Errand::Run(void* argument) {
+void* BackgroundTask::Run(void* argument) {
   const std::unique_ptr<std::shared_ptr<State>> mine(
       static_cast<std::shared_ptr<State>*>(argument));
   State& state = **mine;
@@ -68,7 +68,7 @@ void* Errand::Run(void* argument) {
   return nullptr;
 }
 
-Errand::Errand(std::function<void()> work) : state_(std::make_shared<State>()) {
+BackgroundTask::BackgroundTask(std::function<void()> work) : state_(std::make_shared<State>()) {
   state_->work = std::move(work);
   if (TheDropped().Reap() < kMostDropped) {
     auto* theirs = new std::shared_ptr<State>(state_);
@@ -78,32 +78,32 @@ Errand::Errand(std::function<void()> work) : state_(std::make_shared<State>()) {
   if (state_->thread < 0) state_->done = true;
 }
 
-Errand& Errand::operator=(Errand&& other) noexcept {
+BackgroundTask& BackgroundTask::operator=(BackgroundTask&& other) noexcept {
   if (this == &other) return *this;
   Drop();
   state_ = std::move(other.state_);
   return *this;
 }
 
-bool Errand::failed() const {
+bool BackgroundTask::failed() const {
   return state_ && state_->thread < 0;
 }
 
-bool Errand::Done() const {
+bool BackgroundTask::Done() const {
   return WaitFor(0);
 }
 
-bool Errand::WaitFor(int ms) const {
+bool BackgroundTask::WaitFor(int ms) const {
   return state_ && state_->WaitFor(ms);
 }
 
-void Errand::Drop() {
+void BackgroundTask::Drop() {
   if (state_ && state_->thread >= 0) TheDropped().Add(std::move(state_));
   state_.reset();
   TheDropped().Reap();
 }
 
-int Errand::Settle(int ms) {
+int BackgroundTask::WaitForAll(int ms) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
   std::vector<std::shared_ptr<State>> all;
   {

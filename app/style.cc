@@ -1,4 +1,4 @@
-#include "app/look.h"
+#include "app/style.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,9 +6,9 @@
 namespace console {
 namespace {
 
-Look MakeLook() {
+Style MakeStyle() {
   auto c = [](int role) { return XwThemeColor(role); };
-  Look l{};
+  Style l{};
   l.document = c(XWR_DOCUMENT), l.row = c(XWR_ROW), l.tool_bar = c(XWR_TOOL_BAR);
   l.side = c(XWR_SIDE), l.status = c(XWR_STATUS);
   l.ink = c(XWR_INK), l.second = c(XWR_SECOND_INK);
@@ -29,9 +29,9 @@ Look MakeLook() {
 
 }  // namespace
 
-const Look& TheLook() {
-  static const Look look = MakeLook();
-  return look;
+const Style& TheStyle() {
+  static const Style style = MakeStyle();
+  return style;
 }
 
 int32_t Mix(int32_t a, int32_t b, int percent) {
@@ -57,29 +57,29 @@ void Fill(const Area& a, int32_t colour) {
   if (!a.Empty()) XwBox(a.x, a.y, a.w, a.h, colour);
 }
 void LineAtTop(const Area& a) {
-  Fill({a.x, a.y, a.w, 1}, TheLook().hairline);
+  Fill({a.x, a.y, a.w, 1}, TheStyle().hairline);
 }
 void LineAtBottom(const Area& a) {
-  Fill({a.x, a.bottom() - 1, a.w, 1}, TheLook().hairline);
+  Fill({a.x, a.bottom() - 1, a.w, 1}, TheStyle().hairline);
 }
 void LineAtRight(const Area& a) {
-  Fill({a.right() - 1, a.y, 1, a.h}, TheLook().hairline);
+  Fill({a.right() - 1, a.y, 1, a.h}, TheStyle().hairline);
 }
 void LineAtLeft(const Area& a) {
-  Fill({a.x, a.y, 1, a.h}, TheLook().hairline);
+  Fill({a.x, a.y, 1, a.h}, TheStyle().hairline);
 }
 
-void DrawFocusRing(const Area& a, int radius, int32_t ground) {
-  int32_t ring = Mix(TheLook().accent, ground, 45);
+void DrawFocusRing(const Area& a, int radius, int32_t background) {
+  int32_t ring = Mix(TheStyle().accent, background, 45);
   XwRoundBox(a.x - 2, a.y - 2, a.w + 4, a.h + 4, radius + 2, ring, -1);
 }
 
-int32_t DrawFace(const Area& a, const ButtonState& s, int32_t ground) {
-  const Look& l = TheLook();
-  if (s.focused) DrawFocusRing(a, 4, ground);
+int32_t DrawFace(const Area& a, const ButtonState& s, int32_t background) {
+  const Style& l = TheStyle();
+  if (s.focused) DrawFocusRing(a, 4, background);
   int32_t face = l.face, line = l.line, ink = l.ink;
   if (!s.enabled) {
-    face = Dimmed(face, ground), line = Dimmed(line, ground), ink = Dimmed(ink, ground);
+    face = Dimmed(face, background), line = Dimmed(line, background), ink = Dimmed(ink, background);
   } else if (s.pressed) {
     face = l.pressed, line = l.pressed_line;
   } else if (s.hover) {
@@ -90,14 +90,14 @@ int32_t DrawFace(const Area& a, const ButtonState& s, int32_t ground) {
 }
 
 void DrawShadow(const Area& a, int radius) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   for (int i = 3; i > 0; --i)
     XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, radius + i,
                Mix(l.line, l.document, 40 - 10 * i), -1);
 }
 
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   int32_t bar = muted ? Mix(l.accent, l.track, 40) : l.accent;
   XwRoundBox(a.x, a.y, a.w, a.h, a.h / 2, l.track, l.progress_line);
   if (whole <= 0 || part <= 0) return;

@@ -1,7 +1,7 @@
 // Signs on buttons, and the icons of files.
 #include <strings.h>
 
-#include "app/look.h"
+#include "app/style.h"
 
 namespace console {
 namespace {
@@ -64,7 +64,7 @@ constexpr Picture kTickSign = {
     "    ######      ", "     ####       ", "      ##        ", "                ",
     "                ", "                ", "                ", "                ",
 };
-constexpr const Picture* kSigns[] = {&kPrinterSign, &kUpSign,    &kRefreshSign, &kPauseSign,
+constexpr const Picture* kIcons[] = {&kPrinterSign, &kUpSign,    &kRefreshSign, &kPauseSign,
                                      &kPlaySign,    &kCrossSign, &kPlusSign,    &kMinusSign};
 
 struct Icon {
@@ -74,9 +74,9 @@ struct Icon {
 
 // Each picture becomes a one-bit icon when it is first drawn.
 void DrawPicture(const Picture* picture, int x, int y, int32_t ink) {
-  static Icon icons[std::size(kSigns) + 1];
+  static Icon icons[std::size(kIcons) + 1];
   size_t slot = 0;
-  while (slot < std::size(kSigns) && kSigns[slot] != picture) ++slot;
+  while (slot < std::size(kIcons) && kIcons[slot] != picture) ++slot;
   Icon& icon = icons[slot];
   if (!icon.icon.cache) {
     for (int row = 0; row < kSize; ++row)
@@ -129,19 +129,19 @@ const char* KindText(FileKind kind) {
   return kKindTexts[int(kind)];
 }
 
-void DrawSign(Sign sign, int x, int y, int32_t ink, int32_t ground) {
-  if (sign == Sign::kRefresh) {
+void DrawIcon(ToolIcon icon, int x, int y, int32_t ink, int32_t background) {
+  if (icon == ToolIcon::kRefresh) {
     // An open ring with an arrow head at its upper end.
     XwRoundBox(x + 2, y + 2, 12, 12, 6, ink, -1);
-    XwRoundBox(x + 4, y + 4, 8, 8, 4, ground, -1);
-    XwBox(x + 9, y + 2, 5, 5, ground);
+    XwRoundBox(x + 4, y + 4, 8, 8, 4, background, -1);
+    XwBox(x + 9, y + 2, 5, 5, background);
     const int16_t head[] = {int16_t(x + 8), int16_t(y),     int16_t(x + 13),
                             int16_t(y + 3), int16_t(x + 8), int16_t(y + 6)};
     XwSetColor(ink);
     XwFillPolygon(head, 3);
     return;
   }
-  DrawPicture(kSigns[int(sign)], x, y, ink);
+  DrawPicture(kIcons[int(icon)], x, y, ink);
 }
 
 void DrawTick(int x, int y, int32_t ink) {
@@ -156,13 +156,13 @@ void DrawArrowUp(int x, int y, int32_t ink) {
   for (int row = 0; row < 4; ++row) XwBox(x + row, y + 3 - row, 8 - 2 * row, 1, ink);
 }
 
-void DrawFileIcon(FileKind kind, int x, int y, int32_t ground, int percent) {
-  const Look& l = TheLook();
-  auto shade = [&](int32_t colour) { return Mix(colour, ground, percent); };
+void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) {
+  const Style& l = TheStyle();
+  auto shade = [&](int32_t colour) { return Mix(colour, background, percent); };
   const int32_t edge = shade(Mix(l.second, l.line, 50)), paper = shade(l.document);
   switch (kind) {
     case FileKind::kFolder: {
-      const bool selected = ground == l.accent;
+      const bool selected = background == l.accent;
       const int32_t border = selected ? l.on_accent : shade(Mix(l.accent, l.second, 62));
       const int32_t face = Mix(l.accent, selected ? l.on_accent : l.document, 42);
       XwRoundBox(x + 1, y + 2, 7, 6, 1, border, -1);

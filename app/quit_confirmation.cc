@@ -51,7 +51,7 @@ void KeepOpen(Console* c) {
 
 }  // namespace
 
-bool AskBeforeLeaving(Console* c) {
+bool AskBeforeQuit(Console* c) {
   if (Unsent(c) == 0) return true;
   c->asking = true;
   c->answer = kKeepOpen;
@@ -95,7 +95,7 @@ bool QuestionKey(Console* c, int type) {
 }
 
 void DrawQuestion(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area a = SheetArea(c);
   DrawShadow(a, 8);
   XwRoundBox(a.x, a.y, a.w, a.h, 8, l.tool_bar, l.line);

@@ -1,23 +1,22 @@
 // Work that may hang, such as on a folder of a mount that does not answer, on a thread of its own.
 //
-// Any thread may start one. Nobody waits for it longer than he chooses to. An errand that is
-// dropped while it runs goes on by itself, and its thread is taken back after it has ended; so the
-// work owns what it touches.
+// Any thread may start one. Waiting is bounded by the caller. A task that is dropped while it runs
+// goes on by itself, and its thread is joined after it has ended; so the work owns what it touches.
 #pragma once
 #include <functional>
 #include <memory>
 
 namespace console {
 
-class Errand {
+class BackgroundTask {
  public:
   // None: neither running nor done.
-  Errand() = default;
+  BackgroundTask() = default;
   // Starts it. Where no thread can be had, or too many hang already, it has failed at once.
-  explicit Errand(std::function<void()> work);
-  ~Errand() { Drop(); }
-  Errand(Errand&& other) noexcept = default;
-  Errand& operator=(Errand&& other) noexcept;
+  explicit BackgroundTask(std::function<void()> work);
+  ~BackgroundTask() { Drop(); }
+  BackgroundTask(BackgroundTask&& other) noexcept = default;
+  BackgroundTask& operator=(BackgroundTask&& other) noexcept;
 
   bool started() const { return state_ != nullptr; }
   bool failed() const;
@@ -29,7 +28,7 @@ class Errand {
   void Drop();
 
   // Gives those that were dropped so many milliseconds to end, all together. How many still run.
-  static int Settle(int ms);
+  static int WaitForAll(int ms);
 
  private:
   struct State;
