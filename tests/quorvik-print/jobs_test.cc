@@ -91,6 +91,7 @@ TEST_F(Cli, WhatIsAskedForJobsAndPrinters) {
       {"hold 1 2", "", 0, "a hold=1, b hold=1", "held 1 d1, ann\nheld 2 d2, ann\n", ""},
       {"hold 1 2", "21", 1, "a hold=1, b hold=1", "held 2 d2, ann\n", "1 d1, ann: no such job"},
       {"hold 1 2", "-", 3, "a hold=1", "", "whether 1 d1, ann was changed"},
+      {"hold 1", "0", 1, "a hold=1", "", "1 d1, ann: refused"},
       {"release 5", "", 0, "e hold=0", "released 5 d5, ann\n", ""},
       {"release 4 1", "", 1, "a hold=0", "released 1 d1, ann\n", "4 d4, ann: not"},
       {"change 1 --copies 999 --priority 100 --hold --title T --media A3 --profile Fine "
@@ -158,6 +159,7 @@ TEST_F(Cli, RemovingManyAsksOnATerminal) {
   server.queues = {Job("a", 1) + Job("b", 2, "owner=bob\n")};
   EXPECT_EQ(Shell("$Q remove --all </dev/null").code, 2);
   for (const std::string answer : {"y\n", "n\n", "\n", "\x04"}) {
+    server.Sync();
     int terminal;
     const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
     ASSERT_GE(pid, 0);
