@@ -21,8 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     AppendListed(&listed, job, {std::string(127, 'r'), 1});
     Job again;
     if (listed.size() > 2048 || !ParseStoredRecord(StoredRecord(job), &again)) abort();
-    if (again.ticket.colour != job.ticket.colour || again.ticket.document != job.ticket.document || again.ticket.owner != job.ticket.owner ||
-        again.ticket.copies != job.ticket.copies) {
+    if (again.ticket.colour != job.ticket.colour || again.ticket.document != job.ticket.document ||
+        again.ticket.owner != job.ticket.owner || again.ticket.copies != job.ticket.copies) {
       abort();
     }
   }
