@@ -77,7 +77,8 @@ std::string Shortly(const Strings& requests) {
 }
 
 TEST_F(Cli, WhatIsAskedForJobsAndPrinters) {
-  server.printers = "name=P\nid=" + Id("7") + "\n\nname=Old one\n\nname=Q\nid=" + Id("8") + "\n\n";
+  server.printers = "name=Px\nid=" + Id("6") + "\n\nname=P\nid=" + Id("7") +
+                    "\n\nname=Old one\n\nname=Q\nid=" + Id("8") + "\n\n";
   server.queues = {Job("a", 1) + Job("b", 2, "state=held\nhold=1\n") +
                    Job("c", 3, "state=printing\n") + Job("d", 4, "state=done\nkept=1\n") +
                    Job("e", 5, "state=failed\n") + Job("f", 6, "state=done\n") + "id=" + Id("9") +

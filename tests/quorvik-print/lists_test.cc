@@ -189,6 +189,7 @@ TEST_F(Cli, FaultyCommandLines) {
       {{"print", "--hold=1", "f"}, 2, "--hold takes no value"},
       {{"queue", "--loud"}, 2, "unknown option \"--loud\""},
       {{"queue", "--copies", "3"}, 2, "queue: --copies is no option of \"queue\""},
+      {{"again", "--hold", "1"}, 2, "--hold is no option of \"again\""},
       {{"hold", "--wait", "1"}, 2, "--wait is no option of \"hold\""},
       {{"list", "--json", "--tsv"}, 2, "--json or --tsv, not both"},
       {{"queue", "--state", "out"}, 2, "--state wants"},
