@@ -77,7 +77,8 @@ std::string Shortly(const Strings& requests) {
 }
 
 TEST_F(Cli, WhatIsAskedForJobsAndPrinters) {
-  server.printers = "name=P\nid=" + Id("7") + "\n\nname=Old one\n\nname=Q\nid=" + Id("8") + "\n\n";
+  server.printers = "name=Px\nid=" + Id("6") + "\n\nname=P\nid=" + Id("7") +
+                    "\n\nname=Old one\n\nname=Q\nid=" + Id("8") + "\n\n";
   server.queues = {Job("a", 1) + Job("b", 2, "state=held\nhold=1\n") +
                    Job("c", 3, "state=printing\n") + Job("d", 4, "state=done\nkept=1\n") +
                    Job("e", 5, "state=failed\n") + Job("f", 6, "state=done\n") + "id=" + Id("9") +
@@ -91,6 +92,7 @@ TEST_F(Cli, WhatIsAskedForJobsAndPrinters) {
       {"hold 1 2", "", 0, "a hold=1, b hold=1", "held 1 d1, ann\nheld 2 d2, ann\n", ""},
       {"hold 1 2", "21", 1, "a hold=1, b hold=1", "held 2 d2, ann\n", "1 d1, ann: no such job"},
       {"hold 1 2", "-", 3, "a hold=1", "", "whether 1 d1, ann was changed"},
+      {"hold 1", "0", 1, "a hold=1", "", "1 d1, ann: refused"},
       {"release 5", "", 0, "e hold=0", "released 5 d5, ann\n", ""},
       {"release 4 1", "", 1, "a hold=0", "released 1 d1, ann\n", "4 d4, ann: not"},
       {"change 1 --copies 999 --priority 100 --hold --title T --media A3 --profile Fine "
@@ -147,6 +149,7 @@ TEST_F(Cli, WhatIsAskedForJobsAndPrinters) {
   }
   EXPECT_EQ(Run(Words("change 1 --before 2")).code, 0);
   EXPECT_EQ(Requests(), Strings{Id("a") + " before=" + Id("b") + "\n\n"});
+  server.statuses = {2};  // one that went by itself is no failure
   EXPECT_EQ(Run(Words("remove --all --yes")).code, 0);
   EXPECT_EQ(Requests().size(), 7U);
   server.queues = {""};
@@ -158,6 +161,7 @@ TEST_F(Cli, RemovingManyAsksOnATerminal) {
   server.queues = {Job("a", 1) + Job("b", 2, "owner=bob\n")};
   EXPECT_EQ(Shell("$Q remove --all </dev/null").code, 2);
   for (const std::string answer : {"y\n", "n\n", "\n", "\x04"}) {
+    server.Sync();
     int terminal;
     const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
     ASSERT_GE(pid, 0);

@@ -1,4 +1,6 @@
 // What quorvik-print shows, and how it refuses command lines.
+#include <algorithm>
+
 #include "tests/quorvik-print/fake_server.h"
 
 namespace {
@@ -140,6 +142,13 @@ TEST_F(Cli, PrintersProfilesScanners) {
                   "two\t" +
                       Id("c0") + "\nQ\tidle\t0\t1\t0\t\t\t\t0\t\t\t\n"))
       << outcome.out;
+  // The longest list there is.
+  server.printers.clear();
+  for (int i = 0; i < 1024; ++i) {
+    server.printers += "name=P" + std::to_string(i) + "\ntext=" + std::string(1000, 'x') + "\n\n";
+  }
+  outcome = Run({"list", "--tsv"});
+  EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1025) << outcome.error;
   server.scanners = "name=S\nstate=away\ntext=there\n\nname=T\n\n";
   EXPECT_EQ(Run({"scanners"}).out, "NAME  STATE  REMARK\nS     away   there\nT     ready\n");
   server.profiles = "Fine" + std::string(28, 0) + "A4" + std::string(10, 0) + "\xb0\x04\x58\x02";
@@ -180,6 +189,7 @@ TEST_F(Cli, FaultyCommandLines) {
       {{"print", "--hold=1", "f"}, 2, "--hold takes no value"},
       {{"queue", "--loud"}, 2, "unknown option \"--loud\""},
       {{"queue", "--copies", "3"}, 2, "queue: --copies is no option of \"queue\""},
+      {{"again", "--hold", "1"}, 2, "--hold is no option of \"again\""},
       {{"hold", "--wait", "1"}, 2, "--wait is no option of \"hold\""},
       {{"list", "--json", "--tsv"}, 2, "--json or --tsv, not both"},
       {{"queue", "--state", "out"}, 2, "--state wants"},
@@ -226,11 +236,10 @@ TEST_F(Cli, Completion) {
       {"--copies hold 1", ""},
   };
   for (const auto& row : rows) {
-    const Outcome outcome = RunProgram(
+    const Outcome outcome = RunSynced(
         {"/bin/bash", "-c",
          "source <(\"$Q\" completion); COMP_WORDS=(\"$Q\" " + row.words +
-             "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quorvik_print; echo \"${COMPREPLY[@]}\""},
-        {"QUORVIK_SERVER=" + server.host(), "Q=" QUORVIK_PRINT});
+             "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quorvik_print; echo \"${COMPREPLY[@]}\""});
     EXPECT_EQ(outcome.out, row.offered + "\n") << row.words << outcome.error;
   }
 }
