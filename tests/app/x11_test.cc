@@ -71,7 +71,7 @@ class Walk : public testing::Test {
     return Pixel(s, layout_.status.x + 16, layout_.status.y + layout_.status.h / 2);
   }
   bool DotBecomes(uint32_t colour) {
-    return Eventually([&] { return Dot(user_->Style()) == colour; });
+    return Eventually([&] { return Dot(user_->Look()) == colour; });
   }
   void ClickAt(int x, int y) {
     user_->Move(at_.x + x, at_.y + kBar + y);
@@ -84,11 +84,11 @@ class Walk : public testing::Test {
     return Pixel(s, layout_.folder.x + 3, FileRowY(row) + 2) == kAccent;
   }
   bool Selects(int row) {
-    return Eventually([&] { return IsSelected(user_->Style(), row); });
+    return Eventually([&] { return IsSelected(user_->Look(), row); });
   }
   // How much is written in the first row of the queue.
   int QueueInk() {
-    const support::Screenshot s = user_->Style();
+    const support::Screenshot s = user_->Look();
     int ink = 0;
     for (int y = layout_.queue.y + kRow; y < layout_.queue.y + 2 * kRow; ++y)
       for (int x = 34; x < 180; ++x) ink += (Pixel(s, x, y) & 0xFF) < 0x80;
@@ -117,7 +117,7 @@ TEST_F(Walk, AFileIsPrintedWhileTheServerStallsDiesAndComesBack) {
   user_->Type(kDownKey);
   ASSERT_TRUE(Selects(0));
   user_->Type(kReturnKey);
-  ASSERT_TRUE(Eventually([&] { return !IsSelected(user_->Style(), 0); }));
+  ASSERT_TRUE(Eventually([&] { return !IsSelected(user_->Look(), 0); }));
   ClickFile(0);
   ASSERT_TRUE(Selects(0));
 
@@ -126,7 +126,7 @@ TEST_F(Walk, AFileIsPrintedWhileTheServerStallsDiesAndComesBack) {
   ASSERT_TRUE(DotBecomes(kWarning));
   ClickFile(1);
   ASSERT_TRUE(Eventually([&] {
-    const support::Screenshot s = user_->Style();
+    const support::Screenshot s = user_->Look();
     return IsSelected(s, 1) && Dot(s) != kGood;
   }));
   ClickFile(0);
@@ -142,7 +142,7 @@ TEST_F(Walk, AFileIsPrintedWhileTheServerStallsDiesAndComesBack) {
                        XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
   ASSERT_TRUE(Eventually([&] {
     Place();
-    return at_.width == 800 && at_.height == 560 && Dot(user_->Style()) == kBad;
+    return at_.width == 800 && at_.height == 560 && Dot(user_->Look()) == kBad;
   }));
   daemon.Start({"--rate", "1K"});
   const int fd = daemon.Connect();
@@ -164,7 +164,7 @@ TEST_F(Walk, AFileIsPrintedWhileTheServerStallsDiesAndComesBack) {
   // on while a window manager looks at each.
   const int row_y = layout_.queue.y + kRow;
   ClickAt(200, row_y + 11);
-  ASSERT_TRUE(Eventually([&] { return Pixel(user_->Style(), 3, row_y + 2) == kAccent; }));
+  ASSERT_TRUE(Eventually([&] { return Pixel(user_->Look(), 3, row_y + 2) == kAccent; }));
   Click(layout_.remove_job);
   EXPECT_TRUE(Eventually([&] { return testing_daemon::Jobs(fd).empty(); }));
   NC_Disconnect(fd);
