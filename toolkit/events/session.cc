@@ -131,6 +131,7 @@ void DropSession() {
   if (!W_Root) return;
   XwEndSession();
   DestroyWindows();
+  free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();
   CloseFonts();
