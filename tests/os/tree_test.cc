@@ -49,6 +49,7 @@ void ExpectTree(Node* root, const Scratch& scratch) {
   ASSERT_EQ(b->child_count, 2);  // the second level is there, closed
   EXPECT_EQ(b->children[0].children, nullptr);
   Expand(&b->children[1]);
+  root->open = 1;  // says nothing about what lies below its children
   EXPECT_EQ(Shown(root), "1a 1B 1c");
   b->open = b->children[1].open = 1;
   EXPECT_EQ(Shown(root), "1a 1B 2x 2y 3deep 1c");
