@@ -83,6 +83,22 @@ TEST(Pipes, CarryMoreThanTheyHold) {
   EXPECT_EQ(CountDescriptors(), before);
 }
 
+// A pipe whose descriptors were closed by hand: the next one with their numbers is not mixed up.
+TEST(Pipes, NumbersComeBack) {
+  OS_Pipe* closed = OS_StartPipe("cat", nullptr);
+  close(closed->write_fd);
+  close(closed->read_fd);
+  OS_WaitProcess(closed->pid);
+  OS_Pipe* p = OS_StartPipe("sh", "-c", "read line; echo $line", nullptr);
+  EXPECT_TRUE(p->write_fd == closed->write_fd || p->read_fd == closed->read_fd);
+  char back[3] = "";
+  EXPECT_EQ(OS_WritePipe(p, "a\n", 2), 2);
+  EXPECT_EQ(OS_ReadPipe(p, back, 2), 2);
+  EXPECT_STREQ(back, "a\n");
+  CloseAndReap(p);
+  free(closed);
+}
+
 // A child that has ended, reaped or not, ends reading and writing; what it left can still be read.
 TEST(Pipes, EndWithTheirChild) {
   for (bool reaped : {false, true}) {

@@ -229,6 +229,7 @@ int SweepFaults(const char* name, int share, const std::function<void(Fault&)>& 
   scenario(none);
   before = std::max(before, SettledDescriptors(before));
   const auto pairs = PairsOfLastRun();
+  EXPECT_GT(pairs.size(), 0U) << name << " makes no call that is wrapped";
   int runs = 0;
   for (size_t i = 0; i < pairs.size() && !testing::Test::HasFailure(); i += share) {
     Fault fault(pairs[i].first, pairs[i].second);
