@@ -4,8 +4,12 @@
 #include <cstring>
 
 #include "platform/display/headless/headless.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
 #include "toolkit/xw.h"
 
 namespace {

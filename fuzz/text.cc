@@ -4,7 +4,7 @@
 
 #include "fuzz/input.h"
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "tests/support/canvas.h"
 
 namespace {

@@ -67,5 +67,8 @@ struct Context;
 using ContextRef = Context*;
 struct Cursor;
 using CursorRef = Cursor*;
+struct Event;
+struct HandlerCall;  // reserved for calling the next handler; may be passed on unread
+using EventHandler = OSStatus (*)(HandlerCall* call, Event* event, void* user_data);
 
 }  // namespace platform

@@ -88,7 +88,7 @@ int ConnectWithin(const Place& place, int32_t ms, Deadline deadline) {
   const int greeted = Greet(fd.get(), deadline);
   if (greeted < 0) return greeted;
   const int flags = fcntl(fd.get(), F_GETFL);
-  if (fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return NC_NO_SOCKET;
+  if (flags < 0 || fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return NC_NO_SOCKET;
   if (NC_SetDeadline(fd.get(), ms) != 0) return NC_NO_SOCKET;
   return fd.Release();
 }

@@ -162,18 +162,28 @@ bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* co
   return fd && ReadAll(fd.get(), max, content);
 }
 
+bool IsForeign(int error) {
+  return error == EFBIG || error == ELOOP || error == EINVAL || error == ENXIO;
+}
+
 std::vector<std::string> NamesIn(int folder) {
   std::vector<std::string> names;
   const int fd = openat(folder, ".", kFolderFlags);
   if (fd < 0) return names;
-  const std::unique_ptr<DIR, int (*)(DIR*)> dir(fdopendir(fd), closedir);
+  std::unique_ptr<DIR, int (*)(DIR*)> dir(fdopendir(fd), closedir);
   if (!dir) {
+    const int error = errno;
     close(fd);
+    errno = error;
     return names;
   }
-  while (const dirent* entry = readdir(dir.get())) {
+  const dirent* entry = nullptr;
+  while (errno = 0, entry = readdir(dir.get())) {
     if (IsPlainName(entry->d_name)) names.emplace_back(entry->d_name);
   }
+  const int error = errno;
+  dir.reset();
+  errno = error;
   return names;
 }
 

@@ -52,7 +52,11 @@ bool ReadAll(int fd, size_t max, std::string* content);
 // The whole of a small file; false when it cannot be read or is larger than `max`.
 bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content);
 
-// Names in a folder but `.` and `..`, in no order.
+// Whether ReadFileIn failed because the entry is none of ours: too large, a link, not a file. Any
+// other error may pass.
+bool IsForeign(int error);
+
+// Names in a folder but `.` and `..`, in no order. errno is 0 when these are all.
 std::vector<std::string> NamesIn(int folder);
 
 enum class RemoveResult { kRemoved, kBadPath, kNotThere, kNotAFile, kFailed };

@@ -23,6 +23,10 @@ std::string_view BaseOf(std::string_view name) {
 
 void Queue::Load() {
   const std::vector<std::string> names = NamesIn(uses_.jobs);
+  if (errno != 0) {
+    Log(std::string("cannot read all of the folder of jobs: ") + strerror(errno) +
+        "; what is missing is left where it is");
+  }
   bool aside = false;
   for (const std::string& name : names) {
     if (name.ends_with(".job") && !LoadJob(name)) aside = SetJobAside(name) || aside;
@@ -39,6 +43,10 @@ bool Queue::LoadJob(const std::string& name) {
   Job job;
   std::string text;
   const bool read = ReadFileIn(uses_.jobs, name, kMaxTicket, &text);
+  if (!read && !IsForeign(errno)) {
+    Log("jobs/" + name + " cannot be read: " + strerror(errno) + "; it is left where it is");
+    return true;
+  }
   const bool whole = read && ParseStoredRecord(text, &job);
   uses_.counters->SawNumber(job.number);  // whether or not the rest can be used
   if (!whole || !IdOfHex(BaseOf(name), &job.id) || jobs_.size() >= kMaxJobs) return false;

@@ -45,7 +45,7 @@ class Server {
   bool Listen(std::string* error);
   bool WatchSignals();
   bool CountPeers(size_t printers, std::string* error);
-  void LoadSpool();
+  bool LoadSpool(std::string* error);
   void MakePrinters();
   void Reload();
 

@@ -26,11 +26,13 @@ bool StoreIn(int root, const char* name, const std::string& text) {
   return false;
 }
 
-// The text of a file; true and nothing when there is none.
+// The text of a file; true and nothing when there is none. errno is 0 unless it could not be read.
 bool ReadRecords(int root, const char* name, std::string* text) {
-  if (ReadFileIn(root, name, kMaxFile, text)) return true;
-  text->clear();
-  return errno == ENOENT;
+  const bool read = ReadFileIn(root, name, kMaxFile, text);
+  const bool none = !read && errno == ENOENT;
+  if (!read) text->clear();
+  if (read || none || IsForeign(errno)) errno = 0;
+  return read || none;
 }
 
 std::string TextOf(const std::vector<PrinterEntry>& entries) {

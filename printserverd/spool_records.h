@@ -22,7 +22,8 @@ class Counters {
  public:
   Counters(int root, Disk* disk) : root_(root), disk_(disk) {}
 
-  // Takes what an earlier run stored. False when the file is there but cannot be understood.
+  // Takes what an earlier run stored. False when the file is there but cannot be understood (errno
+  // 0) or read.
   bool Load();
 
   int64_t NextNumber() { return ++number_; }

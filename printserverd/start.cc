@@ -188,8 +188,9 @@ void Server::Reload() {
   Log("configuration read again, printers: " + std::to_string(printers_.size()));
 }
 
-// Takes over what an earlier run has stored.
-void Server::LoadSpool() {
+// Takes over what an earlier run has stored. What cannot be understood is set aside; what cannot be
+// read may be good, and nothing is to take its place.
+bool Server::LoadSpool(std::string* error) {
   const int root = spool_.root.get();
   counters_ = std::make_unique<Counters>(root, disk_.get());
   entries_ = std::make_unique<PrinterEntries>(root, disk_.get());
@@ -198,12 +199,19 @@ void Server::LoadSpool() {
     Log(name + (as.empty() ? " cannot be understood: it will be replaced"
                            : " cannot be understood: set aside as aside/" + as));
   };
-  if (!counters_->Load()) aside("counters");
-  if (!entries_->Load()) aside("printers");
+  const auto load = [&](const std::string& name, auto* records) {
+    if (records->Load()) return true;
+    const int code = errno;
+    if (code == 0) aside(name);
+    if (code != 0) *error = name + " of the spool: " + strerror(code);
+    return code == 0;
+  };
+  if (!load("counters", counters_.get()) || !load("printers", entries_.get())) return false;
   queue_ = std::make_unique<Queue>(QueueUses{root, spool_.jobs.get(), spool_.aside.get(), settings_,
                                              disk_.get(), counters_.get(), log_.get()});
   queue_->Load();
   MakePrinters();
+  return true;
 }
 
 bool Server::Start(std::string* error) {
@@ -220,7 +228,7 @@ bool Server::Start(std::string* error) {
     *error = "access log " + settings_.access_log + ": " + strerror(errno);
     return false;
   }
-  LoadSpool();
+  if (!LoadSpool(error)) return false;
   Log("listening on " + TextOf(options_.listen) + ", spool " + options_.spool + ", printers: " +
       std::to_string(printers_.size()) + ", jobs: " + std::to_string(queue_->size()));
   if (!IsLoopback(options_.listen)) {

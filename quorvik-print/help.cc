@@ -37,7 +37,7 @@ Jobs:
       --before JOB          prints it directly before that one
   again JOB...          prints jobs once more that have ended, changed as by "change"
   remove JOB...         takes jobs out of the queue
-      --mine, --all         all of the user's, or all; asks first
+      --mine, --all         your jobs, or everybody's; asks first
       --yes                 does not ask
   move FROM TO          gives all jobs of a printer that have not ended to another one
 

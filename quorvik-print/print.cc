@@ -104,8 +104,8 @@ std::string TitleOf(const std::string& path, const Options& options) {
 int PrintFile(Session& session, const std::string& path, const Options& options, Id* id) {
   Document document;
   if (const int code = document.Open(path)) return code;
-  // The server does not wait for ever between two requests.
-  if (document.copied()) {
+  // The server does not wait for ever between two requests; and the last file may have cost it.
+  if (document.copied() || session.fd() < 0) {
     if (const int code = session.Connect()) return code;
   }
   nc::Order order;
@@ -136,6 +136,7 @@ struct Waited {
   NC_JobState state = NC_JOB_WAITING;
   std::string name;
   bool ended = false;
+  std::string told;  // why it does not go on
 };
 
 // What a new list says of one job; an exit code. `printed_stay`: jobs that were done before this
@@ -146,8 +147,13 @@ int TakeNews(const std::vector<NC_Job>& jobs, bool printed_stay, Waited* waited)
     waited->state = job->state;
     waited->name = NameOf(*job);
     waited->ended = job->state == NC_JOB_DONE || job->state == NC_JOB_FAILED;
-    if (job->state != NC_JOB_FAILED) return kGood;
-    const std::string why = nc::ReasonsText(job->reasons);
+    std::string why = nc::ReasonsText(job->reasons);
+    if (job->state == NC_JOB_PAPER_OUT) why = nc::JobStateText(job->state);
+    if (job->state != NC_JOB_FAILED) {
+      if (!why.empty() && why != waited->told) Fail(kGood, waited->name + ": " + why);
+      waited->told = why;
+      return kGood;
+    }
     return Fail(kRefused, waited->name + ": failed: " + (why.empty() ? job->text : why));
   }
   waited->ended = true;
@@ -210,8 +216,8 @@ int PrintFiles(Session& session, const Options& options) {
     Note(code, &first);
     if (code == kNoServer) break;
     if (code != kGood) continue;
-    sent.push_back(
-        {id, options.Has(kHoldOption) ? NC_JOB_HELD : NC_JOB_WAITING, IdText(id.data()), false});
+    sent.push_back({id, options.Has(kHoldOption) ? NC_JOB_HELD : NC_JOB_WAITING, IdText(id.data()),
+                    false, ""});
   }
   if (options.Has(kWaitOption) && !sent.empty()) Note(Wait(session, &sent), &first);
   return first;

@@ -5,15 +5,15 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <deque>
 
 #include "platform/desktop/bus.h"
-#include "platform/desktop/requests.h"
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/startup.h"
 #include "platform/desktop/uris.h"
-#include "platform/windows/window.h"
-#include "platform/windows/windows.h"
+#include "platform/events/clock.h"
+#include "platform/events/raw_event.h"
+#include "platform/events/sources.h"
+#include "platform/events/timers.h"
 
 namespace platform {
 namespace {
@@ -27,9 +27,6 @@ struct Application {
   std::string name, path;
   bool tried = false;
   BusConnection bus;
-  std::deque<RawEvent> out;
-  std::string file;  // handed out with the last report
-  std::deque<std::string> files;
   // Of another start of the program.
   enum { kUnasked, kAsked, kAlone, kCameForward, kTooLate } first = kUnasked;
   EventLoopTimerRef hold = nullptr;  // runs while windows are held
@@ -48,34 +45,34 @@ bool HasBus() {
   return folder != nullptr && access((std::string(folder) + "/bus").c_str(), F_OK) == 0;
 }
 
-void Report(RawEvent::Type type) {
-  RawEvent& e = app.out.emplace_back();
-  e.type = type;
+void Report(RawEvent::Type type, const char* text = nullptr) {
+  RawEvent raw;
+  raw.type = type;
+  raw.text = text;
+  PostRawEvent(raw);
 }
 
 // The caller's word for the user's action behind a call, out of the last argument of each: a table
 // from names to values.
-void TakeToken(sd_bus_message* m) {
+const char* ReadToken(sd_bus_message* m) {
   const char *name = nullptr, *token = nullptr;
-  if (Lib().enter(m, 'a', "{sv}") <= 0) return;
+  if (Lib().enter(m, 'a', "{sv}") <= 0) return nullptr;
   while (Lib().enter(m, 'e', "sv") > 0) {
-    if (Lib().read(m, "s", &name) <= 0) return;
+    if (Lib().read(m, "s", &name) <= 0) return nullptr;
     const bool known =
         strcmp(name, "desktop-startup-id") == 0 || strcmp(name, "activation-token") == 0;
     if (known && Lib().enter(m, 'v', "s") > 0) {
-      if (Lib().read(m, "s", &token) <= 0 || Lib().exit(m) < 0) return;
+      if (Lib().read(m, "s", &token) <= 0 || Lib().exit(m) < 0) return nullptr;
     } else if (Lib().skip(m, "v") < 0) {
-      return;
+      return nullptr;
     }
-    if (Lib().exit(m) < 0) return;
+    if (Lib().exit(m) < 0) return nullptr;
   }
-  const Display* d = CurrentDisplay();
-  if (token != nullptr && *token != 0 && d->use_token != nullptr) d->use_token(token);
+  return token;
 }
 
 void Activate(sd_bus_message* m) {
-  TakeToken(m);
-  SelectWindow(MenuBarWindow());
+  Report(RawEvent::kActivate, ReadToken(m));
 }
 
 // The first file; the others are passed over.
@@ -83,11 +80,8 @@ void OnOpen(sd_bus_message* m) {
   const char *uri = nullptr, *other = nullptr;
   if (Lib().enter(m, 'a', "s") < 0) return;
   if (Lib().read(m, "s", &uri) > 0) {
-    std::string path = LocalPathOfUri(uri);
-    if (!path.empty()) {
-      app.files.push_back(std::move(path));
-      Report(RawEvent::kOpenFile);
-    }
+    const std::string path = LocalPathOfUri(uri);
+    if (!path.empty()) Report(RawEvent::kOpenFile, path.c_str());
     while (Lib().read(m, "s", &other) > 0) {
     }
   }
@@ -170,34 +164,22 @@ void Join() {
 void ShowAfterAll(EventLoopTimerRef timer, void*) {
   RemoveEventLoopTimer(timer);
   app.hold = nullptr;
-  HoldWindows(false);
+  Report(RawEvent::kLetGo);
 }
 
 // Asked for when the loop is about to wait.
-int Descriptor() {
+void Descriptors(PollList* list) {
   if (!app.tried) Join();
-  return app.bus.Descriptor();
+  app.bus.AddTo(list);
 }
 
-short Events() {
-  return app.bus.Events();
+void Take() {
+  if (app.bus.get() == nullptr) return;
+  app.bus.Process();
+  if (app.bus.get() == nullptr) Leave();
 }
 
-bool Next(RawEvent* out) {
-  if (app.bus.get() != nullptr) {
-    app.bus.Process();
-    if (app.bus.get() == nullptr) Leave();
-  }
-  if (app.out.empty()) return false;
-  *out = app.out.front();
-  app.out.pop_front();
-  if (out->type == RawEvent::kOpenFile) {
-    app.file = std::move(app.files.front());
-    app.files.pop_front();
-    out->path = app.file.c_str();
-  }
-  return true;
-}
+constexpr WaitSource kSource{Descriptors, Take};
 
 }  // namespace
 
@@ -223,17 +205,15 @@ std::string ApplicationObjectPath(const std::string& bus_name) {
   return path;
 }
 
-void InstallApplicationSource(const char* session_name) {
-  static bool installed = false;
+void InitApplication(const char* session_name) {
   app = Application{};
   app.name = ApplicationBusName(session_name != nullptr ? session_name : "");
   app.path = ApplicationObjectPath(app.name);
-  if (!installed) AddRequestSource({Descriptor, Next, Events});
-  installed = true;
+  AddWaitSource(kSource);
 }
 
-void HandOverStart() {
-  if (app.tried) return;
+bool HandOverStart() {
+  if (app.tried) return false;
   app.first = Application::kAsked;
   Join();
   const double end = GetCurrentEventTime() + kHandOverPatience;
@@ -246,16 +226,16 @@ void HandOverStart() {
     poll(&p, 1, int(left * 1000) + 1);
   }
   if (app.first == Application::kAsked) app.first = Application::kTooLate;
-  if (app.first != Application::kCameForward) return;
-  HoldWindows(true);
+  if (app.first != Application::kCameForward) return false;
   app.hold = InstallEventLoopTimer(kHold, 0, ShowAfterAll, nullptr);
+  return true;
 }
 
-void RemoveApplicationSource() {
+void FinishApplication() {
   RemoveEventLoopTimer(app.hold);
-  app.hold = nullptr;
   Leave();
-  app.tried = true;
+  RemoveWaitSource(kSource);
+  app = Application{};
 }
 
 }  // namespace platform

@@ -6,17 +6,17 @@
 
 namespace platform {
 
-// Adds the bus to the sources of requests. The name on the bus comes from the session's name.
+// Adds the bus to what the loop watches. The name on the bus comes from the session's name.
 // Activate brings the first window forward, with the caller's activation token; Open does, and
 // gives the first file when it is local; the actions "quit" and "preferences" are requests. A
 // second start of the same program activates the first, then is asked to quit.
-void InstallApplicationSource(const char* session_name);
-// Another start of this program is there: it is asked at once to come forward. When it does, no
-// window of this one comes onto the screen before it is asked to quit; when it does not within a
-// second, or the bus does not know it, this start goes on like any other.
-void HandOverStart();
+void InitApplication(const char* session_name);
 // Leaves the bus.
-void RemoveApplicationSource();
+void FinishApplication();
+// Another start of this program is there: it is asked at once to come forward. True when it does:
+// then windows of this one stay off the screen until kLetGo is reported, and it is asked to quit.
+// False when it does not within a second, or the bus does not know it.
+bool HandOverStart();
 
 // The name on the bus: `session_name` itself when it has dots, else one under org.quorvik. Only
 // letters, digits and underscores stay.

@@ -62,6 +62,10 @@ short BusConnection::Events() const {
   return short(events > 0 ? events : POLLIN);
 }
 
+void BusConnection::AddTo(PollList* list) const {
+  if (bus_ != nullptr) list->push_back({Descriptor(), Events(), 0});
+}
+
 void BusConnection::Process() {
   while (bus_ != nullptr) {
     const int done = lib.process(bus_, nullptr);

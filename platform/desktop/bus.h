@@ -2,6 +2,8 @@
 #pragma once
 #include <systemd/sd-bus.h>
 
+#include "platform/events/sources.h"
+
 namespace platform {
 
 // What is used of it, under the library's own names.
@@ -45,6 +47,8 @@ class BusConnection {
   sd_bus* get() const { return bus_; }
   int Descriptor() const;
   short Events() const;  // what to poll it for
+  // Appends what to poll; nothing when it is closed.
+  void AddTo(PollList* list) const;
   // Deals with everything that has come and sends what waits. Closed when the bus is gone.
   void Process();
 

@@ -7,7 +7,8 @@
 #include <string>
 
 #include "platform/desktop/bus.h"
-#include "platform/desktop/requests.h"
+#include "platform/events/raw_event.h"
+#include "platform/events/sources.h"
 
 namespace platform {
 namespace {
@@ -35,7 +36,6 @@ struct SessionEnd {
   const Manager* manager = nullptr;  // who has registered this program
   std::string client;                // as which object
   bool ending = false;               // reported; not again until the end is called off
-  bool report = false;               // not handed out yet
   bool answer_due = false;           // when the program has dealt with the request
   int lock = -1;                     // delays a shutdown while it is open
 };
@@ -46,8 +46,11 @@ const BusLibrary& Lib() {
 }
 
 void Ends() {
-  if (!end.ending) end.report = true;
+  if (end.ending) return;
   end.ending = true;
+  RawEvent raw;
+  raw.type = RawEvent::kQuit;
+  PostRawEvent(raw);
 }
 
 void Answer() {
@@ -133,31 +136,29 @@ void JoinSystem() {
 }
 
 // Asked for when the loop is about to wait: the program has dealt with what was reported.
-int Descriptor() {
-  if (end.answer_due && !end.report) Answer();
-  return end.system.Descriptor();
+void Descriptors(PollList* list) {
+  if (end.answer_due) Answer();
+  end.system.AddTo(list);
 }
 
-short Events() {
-  return end.system.Events();
-}
-
-bool Next(RawEvent* out) {
+void Take() {
   end.system.Process();
-  if (!end.report) return false;
-  end.report = false;
-  out->type = RawEvent::kQuit;
-  return true;
 }
+
+constexpr WaitSource kSource{Descriptors, Take};
 
 }  // namespace
 
-void InstallSessionEnd(const char* session_name) {
-  static bool installed = false;
+void InitSessionEnd(const char* session_name) {
   end = SessionEnd{};
   end.program = session_name;
-  if (!installed) AddRequestSource({Descriptor, Next, Events});
-  installed = true;
+  AddWaitSource(kSource);
+}
+
+void FinishSessionEnd() {
+  ForgetSessionEnd();
+  RemoveWaitSource(kSource);
+  end = SessionEnd{};
 }
 
 void WatchSessionEnd(sd_bus* session) {

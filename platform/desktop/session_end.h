@@ -6,8 +6,9 @@
 
 namespace platform {
 
-// Adds the source of requests; nothing is asked of anyone yet.
-void InstallSessionEnd(const char* session_name);
+// Nothing is asked of anyone yet.
+void InitSessionEnd(const char* session_name);
+void FinishSessionEnd();
 // Registers with the session's manager, if there is one, over a connection that its owner goes on
 // processing; and joins the system's bus.
 void WatchSessionEnd(sd_bus* session);

@@ -14,8 +14,14 @@ struct Cursor {
   // Of pictures only, in logical pixels. Pixels are 0xAARRGGBB, colours not multiplied by alpha.
   int width = 0, height = 0, hot_x = 0, hot_y = 0;
   std::vector<uint32_t> pixels;
-  uintptr_t native = 0;  // the display's own, made for this scale
-  double native_scale = 0;
 };
+
+// A cursor's picture at device size: each logical pixel fills its rectangle, nothing is blurred.
+struct CursorPicture {
+  int width = 0, height = 0, hot_x = 0, hot_y = 0;
+  std::vector<uint32_t> pixels;  // colours multiplied by alpha
+};
+// Empty for the desktop's own shapes.
+CursorPicture PictureOf(const Cursor& cursor, double scale);
 
 }  // namespace platform

@@ -2,13 +2,16 @@
 // file and one line in the list of displays.cc. docs/new-display.md walks through it.
 //
 // Only platform/display/displays.cc and the rooms of the platform call the table. Device pixels
-// everywhere; `w->native` belongs to the display. Unless a line says "may be null", an entry is
-// required. A function that may fail returns false and has then changed nothing.
+// everywhere. A display reads the window record and never writes it: what it knows of a window it
+// says in reports, and what it keeps of one hangs on the handle that create_window returns, which
+// the record has in `native`. Unless a line says "may be null", an entry is required. A function
+// that may fail returns false or null and has then changed nothing.
 #pragma once
 #include <cstdint>
 
 #include "platform/base.h"
-#include "platform/events/events.h"
+#include "platform/events/raw_event.h"
+#include "platform/events/sources.h"
 
 namespace platform {
 
@@ -17,107 +20,84 @@ struct Screen {
   double scale = 1.0;
 };
 
-// What the display reports, before any translation. Coordinates are device pixels.
-struct RawEvent {
-  enum Type : uint8_t {
-    kNone,
-    kMotion,
-    kPress,
-    kRelease,  // x, y, root_x, root_y, button, tablet, modifiers
-    kScroll,   // dx, dy: logical pixels, positive is right and down
-    kEnter,
-    kLeave,  // x, y, root_x, root_y: where the pointer is now
-    kKeyDown,
-    kKeyRepeat,
-    kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers
-    kModifiers,  // modifiers
-    kConfigure,  // root_x, root_y: the buffer's corner; width, height: its size
-    kExpose,     // pixels lost on the screen; the buffer still has them
-    kLost,       // content lost: it must be drawn again
-    kClose,      // the user asks for it
-    kFocusIn,
-    kFocusOut,
-    kShown,
-    kHidden,  // mapped or unmapped, iconified
-    kQuit,    // SIGTERM, the session's end
-    kPreferences,
-    kOpenFile,     // path: absolute and local, valid until the next call
-    kScreens,      // the screens or the scale changed
-    kDisplayLost,  // the connection is gone
-  } type = kNone;
-  uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
-  uint8_t tablet_type = 0;
-  WindowRef window = nullptr;
-  double time = 0;     // seconds on now()
-  float x = 0, y = 0;  // relative to the buffer's corner
-  float root_x = 0, root_y = 0;
-  float dx = 0, dy = 0;
-  TabletPoint tablet{};
-  int width = 0, height = 0;
-  uint32_t modifiers = 0;  // cmdKey ...
-  uint32_t keycode = 0, keysym = 0, base_keysym = 0;
-  uint32_t unicode = 0;  // 0: none
-  const char* path = nullptr;
+// --- Words of the table.
+enum class OpenResult : uint8_t {
+  kNotHere,  // there is no such display here; nothing has been said about it
+  kOpened,
+  kShared,  // and another program of the session's name has it open
+};
+// What of the record has changed; bits.
+enum UpdateWhat : uint32_t {
+  kUpdateTitle = 1,   // title, modified
+  kUpdateHints = 2,   // class, attributes, size limits, transient_for, state
+  kUpdateCursor = 4,  // cursor
+};
+enum RaiseHow : uint32_t {
+  kRaiseOnly = 1,   // above the program's others
+  kRaiseFocus = 2,  // ask for the input focus
+  kRaiseBoth = 3,
+};
+// Which window gets the reports of the pointer, wherever it is.
+enum class GrabMode : uint8_t {
+  kNone,     // each its own, as without a grab
+  kWindow,   // the one that grabs
+  kProgram,  // the program's window under the pointer; outside all of them, the one that grabs
+  kMenu,     // the same, and the one that grabs gets the keyboard as well
 };
 
 struct Display {
   const char* name;
-  // Connects. False, silently, when there is no such display here.
-  bool (*open)(const char* session_name);
-  // Destroys what is left and disconnects.
+  // Connects, and does no more than the first frame needs. Silent when there is no display.
+  OpenResult (*open)(const char* session_name);
+  // Destroys what is left and disconnects. `open` may follow again.
   void (*close)();
-  // Another program of the same session name has this display open. May be null.
-  bool (*others_run)() = nullptr;
   // Up to `max` screens, main first; returns how many there are. At least one.
   int (*screens)(Screen* out, int max);
-  // Makes the native window, hidden, at DeviceBounds(*w), with title and hints as the record says.
-  bool (*create_window)(WindowRef w);
-  // `native` is null afterwards.
-  void (*destroy_window)(WindowRef w);
+  // Makes the native window, hidden, at DeviceBounds(*w), with all that the record says; a pop-up
+  // (`w->parent`) at the place that PopUpBounds tells. The display's own handle; null: refused.
+  void* (*create_window)(const Window* w);
+  // Frees it, and drops the reports that name it. The core nulls `native` afterwards.
+  void (*destroy_window)(const Window* w);
   // Shows or hides; with `w->state` and hints as they are then.
-  void (*map_window)(WindowRef w, bool shown);
+  void (*map_window)(const Window* w, bool shown);
   // Asks for DeviceBounds(*w). Bounds that the window passes through on the way there, and those of
-  // requests before, are not reported; what is granted instead is.
-  void (*move_resize)(WindowRef w);
-  void (*set_title)(WindowRef w);
-  // Class, attributes, size limits, transient parent, state: all that the record says.
-  void (*set_hints)(WindowRef w);
-  // Raises it above the program's others.
-  void (*raise)(WindowRef w);
-  // Asks for the input focus, with the time of the user's last action.
-  void (*activate)(WindowRef w);
-  // The desktop's word for the action of the user's that the next `activate` follows, out of a
-  // request of another program. May be null.
-  void (*use_token)(const char* token) = nullptr;
+  // requests before, are not reported; what is granted instead is. A pop-up is placed again.
+  void (*move_resize)(const Window* w);
+  // Passes on what the record says now; `what` is bits of UpdateWhat.
+  void (*update)(const Window* w, uint32_t what);
+  // `how` is bits of RaiseHow. The focus is asked for with the time of the user's last action, or
+  // of the one that `token` stands for: the desktop's word out of another program's request, null
+  // when there is none. Of a window that is not on the screen yet it is asked for when it comes up.
+  void (*raise)(const Window* w, uint32_t how, const char* token);
   // Memory for width x height pixels, in place of the old, whose pixels are kept where both
   // overlap. Sets `*stride` in pixels. Null when the size is refused.
-  uint32_t* (*resize_buffer)(WindowRef w, int width, int height, int* stride);
+  uint32_t* (*resize_buffer)(const Window* w, int width, int height, int* stride);
   // Shows the rectangles of the buffer. May be asynchronous; flush completes it.
-  void (*present)(WindowRef w, const DeviceRect* rects, int count);
+  void (*present)(const Window* w, const DeviceRect* rects, int count);
   // Sends what is batched; `wait` also waits until the display has carried it out.
   void (*flush)(bool wait);
-  // The cursor over the window; null is the display's arrow. May be null.
-  void (*set_cursor)(WindowRef w, CursorRef cursor);
-  // Native resources of a cursor are gone after this. May be null.
-  void (*destroy_cursor)(CursorRef cursor);
-  // All pointer events go to `w`, with this cursor; a null window ends it. Of a window that is not
-  // on the screen it begins when the window comes up. May be null.
-  bool (*grab_pointer)(WindowRef w, CursorRef cursor);
+  // Native resources of a cursor are gone after this, and no grab shows it. May be null.
+  void (*destroy_cursor)(const Cursor* cursor);
+  // Takes the pointer for `w`, with this cursor everywhere (null: the window's own), in place of a
+  // grab before. Mode none, with a null window, ends it. A grab that is refused is reported as
+  // kGrabLost, and tried again when the window comes onto the screen. May be null: without it a
+  // grab holds inside the program's windows.
+  void (*grab)(const Window* w, GrabMode mode, const Cursor* cursor);
   // May be null.
   void (*beep)();
-  // The next report, without waiting. False when there is none. Also called when the file
-  // descriptor shows nothing, since reports may have been read with something else.
+  // The next report, without waiting. False when there is none. Also called when the descriptors
+  // show nothing, since reports may have been read with something else.
   bool (*next_event)(RawEvent* out);
-  // What to poll for reports; -1 when the display has none.
-  int (*file_descriptor)();
-  // Waits at most `seconds` (negative: for ever) for a report. Null: the core polls the descriptor.
+  // Appends what to wait on for reports: descriptors with their poll events. May be null: the
+  // display has none.
+  void (*descriptors)(PollList* list);
+  // Waits at most `seconds` (negative: for ever) for a report. May be null: the core polls the
+  // descriptors.
   void (*wait)(double seconds);
-  // Seconds, monotonic. Null: the system's clock.
+  // Seconds, monotonic. May be null: the system's clock.
   double (*now)();
 };
 
-// The display in use; null before InitPlatform.
-const Display* CurrentDisplay();
 // The list; a null entry ends it.
 extern const Display* const kDisplays[];
 extern const Display kHeadlessDisplay;

@@ -3,7 +3,8 @@
 #include <cmath>
 #include <vector>
 
-#include "platform/events/queue.h"
+#include "platform/events/clock.h"
+#include "platform/events/timers.h"
 
 namespace platform {
 
@@ -119,6 +120,13 @@ void FireTimers(double now) {
   --l.firing;
   Sweep();
   UpdateEarliest();
+}
+
+void FinishTimers() {
+  TimerList& l = List();
+  for (EventLoopTimer* t : l.timers) t->removed = true;
+  Sweep();
+  l.earliest = l.fired_at = -1;
 }
 
 double NextTimer(double now) {

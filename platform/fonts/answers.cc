@@ -80,14 +80,14 @@ bool ParseAnswer(std::string_view line, FontAnswer* a) {
   a->key = TakeUntil(&line, '\t');
   a->file = TakeUntil(&line, '\t');
   bool good = !a->key.empty() && TakeNumber(&line, &a->index) &&
-              TakeNumber(&line, &a->units_per_em) && TakeNumber(&line, &a->ascender) &&
-              TakeNumber(&line, &a->descender) && TakeNumber(&line, &a->max_advance) &&
+              TakeNumber(&line, &a->units.per_em) && TakeNumber(&line, &a->units.ascender) &&
+              TakeNumber(&line, &a->units.descender) && TakeNumber(&line, &a->units.max_advance) &&
               line.empty();
   bool is_font = good && !a->file.empty() && a->key[0] != 'd';
   if (is_font && (a->file[0] != '/' || a->index < 0)) return false;
-  if (is_font && (a->units_per_em < 16 || a->units_per_em > 1 << 16)) return false;
-  return good && std::abs(a->ascender) <= 1 << 20 && std::abs(a->descender) <= 1 << 20 &&
-         std::abs(a->max_advance) <= 1 << 20;
+  if (is_font && (a->units.per_em < 16 || a->units.per_em > 1 << 16)) return false;
+  return good && std::abs(a->units.ascender) <= 1 << 20 &&
+         std::abs(a->units.descender) <= 1 << 20 && std::abs(a->units.max_advance) <= 1 << 20;
 }
 
 // Writes and renames, so that a reader sees all of it or the one before.
@@ -108,7 +108,7 @@ void Replace(const std::string& path, const std::string& text) {
 
 void AppendAnswer(std::string* text, const FontAnswer& a) {
   *text += a.key + '\t' + a.file;
-  for (int n : {a.index, a.units_per_em, a.ascender, a.descender, a.max_advance})
+  for (int n : {a.index, a.units.per_em, a.units.ascender, a.units.descender, a.units.max_advance})
     *text += '\t' + std::to_string(n);
   *text += "\n";
 }

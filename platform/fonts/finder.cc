@@ -3,107 +3,29 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/fonts/face.h"
+#include "platform/fonts/state.h"
 
 namespace platform {
 namespace {
 
-// Answers are looked up here first; what is not there asks the catalogue, which is read at most
-// once a process, and is then remembered.
-class Book {
- public:
-  Book() {
-    const char* folder = getenv("XW_FONTS");
-    if (folder && *folder) {
-      folder_ = folder;
-      return;
-    }
-    if (auto answers = LoadFontAnswers()) answers_ = std::move(*answers);
-  }
+bool HasCharacter(const FontEntry& e, char32_t c) {
+  FontHandle font;
+  return font.Open(e.file, e.index) && FT_Get_Char_Index(font.face(), c) != 0;
+}
 
-  const FontAnswer& Ask(const std::string& key) {
-    for (const FontAnswer& a : answers_)
-      if (a.key == key) return a;
-    const FontCatalogue& catalogue = Catalogue();
-    FontAnswer a;
-    a.key = key;
-    if (key == "d") {
-      a.file = catalogue.sans_serif;
-    } else {
-      const FontFace* face = key[0] == 'n' ? ByName(key.substr(1)) : ByCharacter(key.substr(1));
-      if (face) {
-        a.file = face->file;
-        a.index = face->index;
-        a.units_per_em = face->units_per_em;
-        a.ascender = face->ascender;
-        a.descender = face->descender;
-        a.max_advance = face->max_advance;
-      }
-    }
-    answers_.push_back(std::move(a));
-    if (folder_.empty()) SaveFontAnswers(catalogue.stamps, answers_);
-    return answers_.back();
-  }
+FontAnswer AnswerOf(const FontFace* face) {
+  FontAnswer a;
+  if (!face) return a;
+  a.file = face->file;
+  a.index = face->index;
+  a.units = face->units;
+  return a;
+}
 
-  const FontFace* AskFace(const std::string& key) {
-    const FontAnswer& a = Ask(key);
-    if (a.file.empty()) return nullptr;
-    FontFace known;
-    known.units_per_em = a.units_per_em;
-    known.ascender = a.ascender;
-    known.descender = a.descender;
-    known.max_advance = a.max_advance;
-    return FaceOfFile(a.file, a.index, &known);
-  }
-
-  // The catalogue's first face that can be read, for programs that ask for nothing that exists.
-  const FontFace* Any() {
-    for (const FontEntry& e : Catalogue().entries)
-      if (const FontFace* face = FaceOfFile(e.file, e.index); face && OpenFace(face)) return face;
-    return nullptr;
-  }
-
- private:
-  const FontCatalogue& Catalogue() {
-    if (read_) return catalogue_;
-    read_ = true;
-    catalogue_ = folder_.empty() ? ReadInstalledFonts() : ReadFontFolder(folder_);
-    // Answers from the file that were given for an older set of fonts are not here: the file is
-    // refused as a whole when anything that it depends on has changed.
-    return catalogue_;
-  }
-
-  const FontFace* ByName(const std::string& name) {
-    const FontEntry* e = MatchFont(Catalogue(), name);
-    return e ? FaceOfFile(e->file, e->index) : nullptr;
-  }
-
-  static bool HasCharacter(const FontEntry& e, char32_t c) {
-    FT_Face face;
-    if (!FontLibrary() || FT_New_Face(FontLibrary(), e.file.c_str(), e.index, &face)) return false;
-    bool has = FT_Get_Char_Index(face, c) != 0;
-    FT_Done_Face(face);
-    return has;
-  }
-
-  const FontFace* ByCharacter(const std::string& hex) {
-    char32_t c = char32_t(strtoul(hex.c_str(), nullptr, 16));
-    const FontEntry* sans = MatchFont(Catalogue(), Catalogue().sans_serif);
-    if (sans && HasCharacter(*sans, c)) return FaceOfFile(sans->file, sans->index);
-    for (const FontEntry& e : Catalogue().entries)
-      if (HasCharacter(e, c)) return FaceOfFile(e.file, e.index);
-    return nullptr;
-  }
-
-  std::string folder_;
-  std::vector<FontAnswer> answers_;
-  FontCatalogue catalogue_;
-  bool read_ = false;
-};
-
-Book& TheBook() {
-  static Book* book = new Book;
-  return *book;
+FontFinder& TheFinder() {
+  auto& finder = Fonts().finder;
+  if (!finder) finder = std::make_unique<FontFinder>();
+  return *finder;
 }
 
 struct ThemeFontRow {
@@ -115,31 +37,130 @@ constexpr ThemeFontRow kThemeFonts[] = {
 
 }  // namespace
 
+FontFinder::FontFinder() {
+  const char* folder = getenv("XW_FONTS");
+  if (folder && *folder) {
+    folder_ = folder;
+    return;
+  }
+  if (auto answers = LoadFontAnswers()) answers_ = std::move(*answers);
+}
+
+const FontAnswer& FontFinder::Ask(const std::string& key) {
+  for (const FontAnswer& a : answers_)
+    if (a.key == key) return a;
+  const FontCatalogue& catalogue = Catalogue();
+  FontAnswer a;
+  if (key == "d") {
+    a.file = catalogue.sans_serif;
+  } else {
+    a = AnswerOf(key[0] == 'n' ? ByName(key.substr(1)) : ByCharacter(key.substr(1)));
+  }
+  a.key = key;
+  answers_.push_back(std::move(a));
+  if (folder_.empty()) SaveFontAnswers(catalogue.stamps, answers_);
+  return answers_.back();
+}
+
+const FontFace* FontFinder::AskFace(const std::string& key) {
+  const FontAnswer& a = Ask(key);
+  return a.file.empty() ? nullptr : FaceOfFile(a.file, a.index, &a.units);
+}
+
+const FontFace* FontFinder::Any() {
+  for (const FontEntry& e : Catalogue().entries)
+    if (const FontFace* face = FaceOfFile(e.file, e.index); face && OpenFace(face)) return face;
+  return nullptr;
+}
+
+bool FontFinder::Remembered(const std::string& key, std::vector<const FontFace*>* faces) const {
+  bool known = false;
+  for (const FontAnswer& a : answers_) {
+    if (a.key != key) continue;
+    known = true;
+    if (!a.file.empty()) faces->push_back(FaceOfFile(a.file, a.index, &a.units));
+  }
+  return known;
+}
+
+const std::vector<const FontFace*>& FontFinder::Page(uint32_t page, int style) {
+  auto [at, added] = pages_.try_emplace(page << 2 | uint32_t(style));
+  std::vector<const FontFace*>& faces = at->second;
+  if (!added) return faces;
+  if (!folder_.empty()) {
+    Catalogue();
+    for (const FontEntry& e : FolderFallback(&catalogue_, page))
+      if (const FontFace* face = FaceOfFile(e.file, e.index)) faces.push_back(face);
+    return faces;
+  }
+  char key[16];
+  snprintf(key, sizeof key, "p%d%X", style, page);
+  if (Remembered(key, &faces)) return faces;
+  const FontCatalogue& catalogue = Catalogue();
+  if (!order_) order_ = std::make_unique<FallbackOrder>();
+  for (const FontEntry& e : order_->OfPage(page, style))
+    if (const FontFace* face = FaceOfFile(e.file, e.index)) faces.push_back(face);
+  for (const FontFace* face : faces) {
+    FontAnswer a = AnswerOf(face);
+    a.key = key;
+    answers_.push_back(std::move(a));
+  }
+  if (faces.empty()) answers_.push_back({key, "", 0, {0, 0, 0, 0}});
+  SaveFontAnswers(catalogue.stamps, answers_);
+  return faces;
+}
+
+// Answers from the file that were given for an older set of fonts are not here: the file is refused
+// as a whole when anything that it depends on has changed.
+const FontCatalogue& FontFinder::Catalogue() {
+  if (!read_) catalogue_ = folder_.empty() ? ReadInstalledFonts() : ReadFontFolder(folder_);
+  read_ = true;
+  return catalogue_;
+}
+
+const FontFace* FontFinder::ByName(const std::string& name) {
+  const FontEntry* e = MatchFont(Catalogue(), name);
+  return e ? FaceOfFile(e->file, e->index) : nullptr;
+}
+
+const FontFace* FontFinder::ByCharacter(const std::string& hex) {
+  char32_t c = char32_t(strtoul(hex.c_str(), nullptr, 16));
+  const FontEntry* sans = MatchFont(Catalogue(), Catalogue().sans_serif);
+  if (sans && HasCharacter(*sans, c)) return FaceOfFile(sans->file, sans->index);
+  for (const FontEntry& e : Catalogue().entries)
+    if (HasCharacter(e, c)) return FaceOfFile(e.file, e.index);
+  return nullptr;
+}
+
 const FontFace* FindFont(const char* name) {
-  return name && *name ? TheBook().AskFace(std::string("n") + name) : nullptr;
+  return name && *name ? TheFinder().AskFace(std::string("n") + name) : nullptr;
 }
 
 const FontFace* FindFontWithCharacter(char32_t c) {
   char key[16];
   snprintf(key, sizeof key, "u%X", unsigned(c));
-  return TheBook().AskFace(key);
+  return TheFinder().AskFace(key);
+}
+
+const std::vector<const FontFace*>& FallbackFaces(uint32_t page, int style) {
+  return TheFinder().Page(page, style);
 }
 
 const FontFace* FallbackFont() {
-  static const FontFace* font = [] {
-    const FontFace* f = FindFont(TheBook().Ask("d").file.c_str());
-    if (!f || !OpenFace(f)) f = TheBook().Any();
-    if (!f) fputs("xw: there is no font to draw text with\n", stderr);
-    return f;
-  }();
-  return font;
+  FontState& fonts = Fonts();
+  if (fonts.fallback_sought) return fonts.fallback;
+  fonts.fallback_sought = true;
+  const FontFace* f = FindFont(TheFinder().Ask("d").file.c_str());
+  if (!f || !OpenFace(f)) f = TheFinder().Any();
+  if (!f) fputs("xw: there is no font to draw text with\n", stderr);
+  return fonts.fallback = f;
 }
 
 ThemeFont GetThemeFont(int id) {
   const ThemeFontRow* row = &kThemeFonts[0];
   for (const ThemeFontRow& r : kThemeFonts)
     if (r.id == id) row = &r;
-  return {TheBook().Ask("d").file, row->size, row->style};
+  return {TheFinder().Ask("d").file, row->size, row->style};
 }
 
 }  // namespace platform

@@ -1,11 +1,12 @@
-// A clipped 2D context over one window: colours, fills, thin lines, glyphs, images. All coordinates
-// are logical pixels of the context's own origin (top-left, y down); the context knows the scale.
+// A clipped 2D context over one surface: colours, fills, thin lines, glyphs, images. All
+// coordinates are logical pixels of the context's own origin (top-left, y down); the context knows
+// the scale.
 //
-// A context refers to its window's pixels by generation, never by pointer: once the window has been
-// resized it paints nothing until a new context is made. No call here allocates, looks anything up
-// or enters the system, besides scratch memory that grows to the largest polygon seen. Every
-// drawing call takes any numbers: what lies outside the clip costs nothing, empty and negative
-// sizes paint nothing, a null context is ignored.
+// A context refers to its surface's pixels by generation, never by pointer: once the surface has
+// been resized it paints nothing until a new context is made. No call here allocates, looks
+// anything up or enters the system, besides scratch memory that grows to the largest polygon seen.
+// Every drawing call takes any numbers: what lies outside the clip costs nothing, empty and
+// negative sizes paint nothing, a null context is ignored.
 #pragma once
 #include <cstdint>
 
@@ -15,9 +16,10 @@
 
 namespace platform {
 
-// Null for a null window. The origin is the content's top-left corner, the clip empty, the colour
-// black, lines solid.
-ContextRef CreateContext(WindowRef window);
+// Over the content that begins `top` logical rows below the surface's upper edge: a window's, below
+// its menu bar. The origin is the content's top-left corner, the clip empty, the colour black,
+// lines solid. Null for a null surface.
+ContextRef CreateContext(Surface* surface, int top);
 // A context over any surface (measuring, benches, tests); the surface must outlive it. `origin` is
 // the surface's own top-left.
 ContextRef CreateSurfaceContext(Surface* surface);
@@ -28,8 +30,8 @@ void ReleaseContext(ContextRef c);
 void SetContextOrigin(ContextRef c, int x, int y);
 // `region` is in content coordinates (not moved by the context's origin); it is copied.
 void ClipContextToRegion(ContextRef c, const Region& region);
-// Intersects the clip with a rectangle in the context's own coordinates until the matching Restore.
-// One level.
+// Cuts the clip to a rectangle in the context's own coordinates until the matching Restore. Cuts
+// stack without a limit; a Restore without one is ignored.
 void ClipContextToRect(ContextRef c, const Rect& r);
 void RestoreContextClip(ContextRef c);
 

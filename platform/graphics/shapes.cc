@@ -1,15 +1,11 @@
 // Soft shapes: rounded boxes whose corners are coverage masks, rasterised once a radius and pen.
-#include <ft2build.h>
-
 #include <cstdlib>
 
 #include "platform/graphics/context_state.h"
-#include FT_FREETYPE_H
+#include "platform/graphics/font_library.h"
 #include FT_OUTLINE_H
 
 namespace platform {
-FT_Library FontLibrary();
-
 namespace {
 
 // Coverage of the top-left corner of a box; the other corners are mirrored.

@@ -4,6 +4,7 @@ target_link_libraries(xw PUBLIC ${xw_pixman_archives} m Threads::Threads)
 target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/context.cc
   ${CMAKE_CURRENT_LIST_DIR}/fills.cc
+  ${CMAKE_CURRENT_LIST_DIR}/font_library.cc
   ${CMAKE_CURRENT_LIST_DIR}/lines.cc
   ${CMAKE_CURRENT_LIST_DIR}/pictures.cc
   ${CMAKE_CURRENT_LIST_DIR}/region.cc

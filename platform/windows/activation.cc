@@ -1,22 +1,17 @@
 // Which window is active, and whether the application is.
 #include <algorithm>
 
-#include "platform/display/display.h"
+#include "platform/display/screens.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/theme/roles.h"
-#include "platform/windows/window.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 namespace {
 
-struct Activation {
-  WindowRef focused = nullptr;
-  bool known = false;   // the display has said where the focus is
-  bool posted = false;  // what the handlers have been told
-};
-Activation state;
-
 void PostActivation(bool active) {
+  auto& state = Windows().activation;
   if (state.posted == active) return;
   state.posted = active;
   Event e(kEventClassApplication, active ? kEventAppActivated : kEventAppDeactivated);
@@ -24,19 +19,38 @@ void PostActivation(bool active) {
   PostEventToQueue(GetMainEventQueue(), e);
 }
 
-// The ground of an inactive window is lighter, so all of it is drawn again.
+// The desktop itself has given the window the focus.
+void PostFocus(WindowRef w) {
+  Event e(kEventClassWindow, kEventWindowFocusAcquired, w);
+  e.time = GetCurrentEventTime();
+  PostEventToQueue(GetMainEventQueue(), e);
+}
+
+// An answer to the program's own request comes within this time, in seconds.
+constexpr double kAnswerTime = 2;
+
+bool AnswersRequest(WindowRef w) {
+  auto& state = Windows().activation;
+  const bool own = state.asked == w && GetCurrentEventTime() - state.asked_at <= kAnswerTime;
+  state.asked = nullptr;
+  return own;
+}
+
+// The background of an inactive window is lighter, so all of it is drawn again.
 void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
-  uint32_t before = WindowGround(w);
+  uint32_t before = WindowBackground(w);
   w->active = active;
-  if (w->visible && w->brush && WindowGround(w) != before)
+  if (w->visible && w->brush && WindowBackground(w) != before)
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
 }
 
 // Docked windows are active while any window is; windows of a group that shares its activation with
 // the one that has the focus.
 bool LooksActive(const Window& w) {
+  const auto& state = Windows().activation;
   if (!state.focused) return false;
+  if (w.parent) return LooksActive(*w.parent);
   if (&w == state.focused || (w.state & kStateDocked)) return true;
   return w.group && w.group == state.focused->group &&
          (w.group->attributes & kWindowGroupAttrSharedActivation);
@@ -47,10 +61,12 @@ bool LooksActive(const Window& w) {
 void HandleFocus(WindowRef w, bool focused) {
   if (w->focused == focused) return;
   w->focused = focused;
+  auto& state = Windows().activation;
   if (focused) {
     if (state.focused && IsValidWindow(state.focused)) state.focused->focused = false;
     state.focused = w;
     w->focused = true;
+    if (!AnswersRequest(w)) PostFocus(w);
     PostActivation(true);
     auto& list = WindowList();
     if (std::find(list.begin(), list.end(), w) != list.end()) {
@@ -63,7 +79,15 @@ void HandleFocus(WindowRef w, bool focused) {
   state.known = true;
 }
 
-void SettleActivation() {
+void NoteFocusRequest(WindowRef w) {
+  auto& state = Windows().activation;
+  if (w->focused || w->parent) return;  // a pop-up takes none
+  state.asked = w;
+  state.asked_at = GetCurrentEventTime();
+}
+
+void UpdateActivation() {
+  auto& state = Windows().activation;
   if (!state.known) return;
   state.known = false;
   if (!state.focused) PostActivation(false);
@@ -74,16 +98,16 @@ bool IsWindowActive(WindowRef w) {
   return IsValidWindow(w) && w->active;
 }
 bool IsApplicationActive() {
-  return state.focused != nullptr;
+  return Windows().activation.focused != nullptr;
 }
 
-void SelectWindow(WindowRef w) {
+void SelectWindow(WindowRef w, const char* token) {
   if (!IsValidWindow(w)) return;
   auto& list = WindowList();
   std::erase(list, w);
   list.insert(list.begin(), w);
-  CurrentDisplay()->raise(w);
-  if (w->visible) CurrentDisplay()->activate(w);
+  if (w->visible) NoteFocusRequest(w);
+  CurrentDisplay()->raise(w, w->visible ? kRaiseBoth : kRaiseOnly, token);
 }
 
 void ActivateWindow(WindowRef w, bool activate) {
@@ -95,7 +119,9 @@ void SetFrontProcess() {
 }
 
 void SetUserFocusWindow(WindowRef w) {
-  if (IsValidWindow(w) && w->visible && !w->focused) CurrentDisplay()->activate(w);
+  if (!IsValidWindow(w) || !w->visible || w->focused) return;
+  NoteFocusRequest(w);
+  CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
 }
 
 void ClearKeyboardFocus(WindowRef) {

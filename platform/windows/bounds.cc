@@ -2,16 +2,18 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/display/display.h"
-#include "platform/events/journal.h"
-#include "platform/windows/session.h"
-#include "platform/windows/window.h"
+#include "platform/display/screens.h"
+#include "platform/events/clock.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 namespace {
 
+constexpr int kWidestFrame = 4096;
+constexpr double kLeastScale = 0.5, kMostScale = 8;
+
 Rect Structure(const Window& w) {
-  return {w.content.left - w.frame.left, w.content.top - w.strip - w.frame.top,
+  return {w.content.left - w.frame.left, w.content.top - w.menu_bar_height - w.frame.top,
           w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
 }
 
@@ -25,6 +27,7 @@ void MoveGroup(const Window& leader, int dx, int dy) {
     if (w == &leader || w->group != leader.group) continue;
     w->content = Offset(w->content, dx, dy);
     CurrentDisplay()->move_resize(w);
+    PlacePopUps(w);
   }
 }
 
@@ -47,7 +50,8 @@ int WithinBySteps(int size, int low, int high, int step) {
 Rect Constrained(WindowRef w, const Rect& reported) {
   if (reported.width() == w->content.width() && reported.height() == w->content.height())
     return reported;
-  // Full screen and the way back from it are the desktop's.
+  // Full screen and the way back from it are the desktop's, and so is the place of a pop-up.
+  if (w->parent) return reported;
   if ((w->state & kStateFullScreen) || w->full_bounds) return reported;
   SizeLimits l = LimitsOf(*w);
   Event e(kEventClassWindow, kEventWindowBoundsChanging, w);
@@ -55,7 +59,7 @@ Rect Constrained(WindowRef w, const Rect& reported) {
   e.bounds.current = reported;
   e.bounds.current.right = reported.left + Clamp(reported.width(), l.min_width, l.max_width);
   e.bounds.current.bottom = reported.top + Clamp(reported.height(), l.min_height, l.max_height);
-  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  SendEventToEventTarget(&e, &w->object.target);
   if (!IsValidWindow(w)) return reported;
   // The nearest whole step may lie a little outside the limits.
   Rect& c = e.bounds.current;
@@ -69,24 +73,6 @@ bool SameSize(const Rect& a, const Rect& b) {
 }
 
 }  // namespace
-
-SizeLimits LimitsOf(const Window& w) {
-  if (!w.has_limits) {
-    const int width = w.content.width(), height = w.content.height();
-    return {width, height, width, height, 0, 0};
-  }
-  SizeLimits l = w.limits;
-  l.max_width = std::max(l.max_width != 0 ? l.max_width : ScreenWidth(), w.widest);
-  l.max_height = std::max(l.max_height != 0 ? l.max_height : ScreenHeight(), w.tallest);
-  return l;
-}
-
-DeviceRect DeviceBounds(const Window& w) {
-  double s = w.surface.scale;
-  int left = DeviceEdge(w.content.left, s), top = DeviceEdge(w.content.top - w.strip, s);
-  return {left, top, left + std::max(1, DeviceEdge(w.content.width(), s)),
-          top + std::max(1, DeviceEdge(w.content.height() + w.strip, s))};
-}
 
 Rect GetWindowBounds(WindowRef w, int region) {
   if (!IsValidWindow(w)) return {};
@@ -112,14 +98,14 @@ void ResizeSurface(WindowRef w) {
   s.width = d.width();
   s.height = d.height();
   s.stride = stride;
-  ++s.generation;
+  ++*s.generation;
   s.damage.Reset(s.width, s.height);
-  // What is new takes the ground; what was there stays.
-  uint32_t ground = WindowGround(w);
-  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, ground);
-  FillSurface(&s, {0, old_height, s.width, s.height}, ground);
+  // What is new takes the background; what was there stays.
+  uint32_t background = WindowBackground(w);
+  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, background);
+  FillSurface(&s, {0, old_height, s.width, s.height}, background);
   s.damage.Mark(0, 0, s.width, s.height);
-  if (old_width != s.width) DrawMenuStrip(w);
+  if (old_width != s.width) DrawFrame(w);
 }
 
 // Takes `content` as the window's bounds. True when it grew.
@@ -128,13 +114,17 @@ static bool TakeBounds(WindowRef w, const Rect& content) {
   w->content = content;
   if (SameSize(old, content)) return false;
   if (w->visible || w->surface.pixels) ResizeSurface(w);
-  bool grew = content.width() > old.width() || content.height() > old.height();
-  if (grew && w->visible) InvalidateWindow(w, {}, false);
+  const int width = content.width(), height = content.height();
+  const bool grew = width > old.width() || height > old.height();
+  if (grew && w->visible) {
+    InvalidateWindow(w, {old.width(), 0, width, height}, false);
+    InvalidateWindow(w, {0, old.height(), width, height}, false);
+  }
   return grew;
 }
 
 void SetWindowBounds(WindowRef w, const Rect& content) {
-  if (!IsValidWindow(w)) return;
+  if (!IsValidWindow(w) || w->parent) return;
   Rect old = w->content;
   if (old == content) return;
   if (!w->has_limits || SameSize(old, content)) {
@@ -149,21 +139,55 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   TakeBounds(w, content);
   w->refused = {};
   w->full_bounds = false;
-  if (!SameSize(old, content)) CurrentDisplay()->set_hints(w);
+  if (!SameSize(old, content)) CurrentDisplay()->update(w, kUpdateHints);
   CurrentDisplay()->move_resize(w);
   MoveGroup(*w, content.left - old.left, content.top - old.top);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
-  e.bounds = {old, content, true, false};
-  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  PlacePopUps(w);
+  e.bounds = {old, content, true, false, false, 0};
+  SendEventToEventTarget(&e, &w->object.target);
 }
 
-bool HandleConfigure(Event* event) {
+static bool IsScale(double scale) {
+  return scale >= kLeastScale && scale <= kMostScale;
+}
+
+// The window keeps its place on the screen and its logical size; its pixels are made anew. `ask`:
+// the display is asked for the size that this makes.
+static void Rescale(WindowRef w, double scale, bool ask) {
+  if (w->surface.scale == scale) return;
+  const DeviceRect at = DeviceBounds(*w);
+  const Rect old = w->content;
+  Surface& s = w->surface;
+  s.scale = scale;
+  w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
+                      LogicalSize(at.top, scale) + w->menu_bar_height - old.top);
+  if (s.pixels) {
+    s.width = s.height = 0;  // nothing of the old picture fits
+    ResizeSurface(w);
+  }
+  w->refused = {};
+  CurrentDisplay()->update(w, kUpdateHints | kUpdateCursor);
+  if (ask) CurrentDisplay()->move_resize(w);
+  if (w->visible) InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, false);
+  for (WindowRef p : PopUpsOf(w)) Rescale(p, scale, true);
+  Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
+  e.time = GetCurrentEventTime();
+  e.bounds = {old, w->content, true, false, false, 0};
+  SendEventToEventTarget(&e, &w->object.target);
+}
+
+// Takes the bounds that the display reports (device pixels, menu bar included) and tells the
+// handlers.
+OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
   WindowRef w = event->window;
+  if (IsScale(event->bounds.scale)) Rescale(w, event->bounds.scale, false);
+  if (!IsValidWindow(w)) return noErr;
   Rect reported = event->bounds.current, old = w->content;
-  if (reported == old) return false;
+  if (reported == old) return noErr;
   Rect wanted = Constrained(w, reported);
-  if (!IsValidWindow(w)) return false;
+  if (!IsValidWindow(w)) return noErr;
   if (!SameSize(wanted, reported)) {
     // Answered once; who insists on the same size gets it.
     if (w->refused == reported) {
@@ -176,54 +200,57 @@ bool HandleConfigure(Event* event) {
   }
   if (!(w->content == wanted)) TakeBounds(w, wanted);
   // What is replayed the desktop does not know of.
-  if (journal_mode == JournalMode::kReplaying) CurrentDisplay()->move_resize(w);
+  if (event->bounds.replayed) CurrentDisplay()->move_resize(w);
   // The desktop may report the place before the size that comes back.
   const bool was_full = w->full_bounds;
   w->full_bounds = (w->state & kStateFullScreen) || (was_full && SameSize(old, wanted));
-  if (was_full && !w->full_bounds) CurrentDisplay()->set_hints(w);
-  if (wanted == old) return false;
+  if (was_full && !w->full_bounds) CurrentDisplay()->update(w, kUpdateHints);
+  if (wanted == old) return noErr;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
-  event->bounds.programmatic = event->bounds.placement && SameSize(old, wanted);
-  event->bounds.original = old;
-  event->bounds.current = wanted;
-  return true;
+  PlacePopUps(w);
+  Event changed(kEventClassWindow, kEventWindowBoundsChanged, w);
+  changed.time = event->time;
+  changed.bounds = {old, wanted, event->bounds.placement && SameSize(old, wanted), false, false, 0};
+  return SendEventToEventTarget(&changed, &w->object.target);
 }
 
-// The window keeps its place on the screen and its logical size; its pixels are made anew.
-static void Rescale(WindowRef w, double scale) {
-  const DeviceRect at = DeviceBounds(*w);
-  const Rect old = w->content;
-  Surface& s = w->surface;
-  s.scale = scale;
-  w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
-                      LogicalSize(at.top, scale) + w->strip - old.top);
-  if (s.pixels) {
-    s.width = s.height = 0;  // nothing of the old picture fits
-    ResizeSurface(w);
-  }
-  w->refused = {};
-  CurrentDisplay()->set_hints(w);
-  CurrentDisplay()->move_resize(w);
-  if (CurrentDisplay()->set_cursor) CurrentDisplay()->set_cursor(w, w->cursor);
-  if (w->visible) InvalidateWindow(w, {}, false);
-  Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
+void ReadScreens() {
+  const bool main_changed = UpdateScreens();
+  PlacePopUps(nullptr);
+  if (!main_changed) return;
+  // Figures of the screen first: the windows are told of theirs after that.
+  Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
   e.time = GetCurrentEventTime();
-  e.bounds = {old, w->content, true, false};
-  SendEventToEventTarget(&e, GetWindowEventTarget(w));
+  SendEventToEventTarget(&e, GetApplicationEventTarget());
+  for (WindowRef w : WindowList())
+    if (w->has_limits) CurrentDisplay()->update(w, kUpdateHints);  // the screen may be its limit
 }
 
-void RescaleWindows(double scale) {
-  const std::vector<WindowRef> all = WindowList();
-  for (WindowRef w : all)
-    if (IsValidWindow(w) && w->surface.scale != scale) Rescale(w, scale);
+void HandleScale(WindowRef w, double scale) {
+  // A pop-up has its parent's.
+  if (IsScale(scale) && !w->parent) Rescale(w, scale, true);
+}
+
+void HandleFrame(WindowRef w, const DeviceRect& widths) {
+  auto logical = [w](int device) {
+    return LogicalSize(std::clamp(device, 0, kWidestFrame), w->surface.scale);
+  };
+  w->frame = {logical(widths.left), logical(widths.top), logical(widths.right),
+              logical(widths.bottom)};
+}
+
+void HandleState(WindowRef w, uint32_t state) {
+  constexpr uint32_t kDesktops = kStateFullScreen;
+  w->state = (w->state & ~kDesktops) | (state & kDesktops);
 }
 
 void MoveWindowStructure(WindowRef w, int left, int top) {
-  if (!IsValidWindow(w)) return;
+  if (!IsValidWindow(w) || w->parent) return;
   Rect s = Structure(*w);
   if (s.left == left && s.top == top) return;
   w->content = Offset(w->content, left - s.left, top - s.top);
   CurrentDisplay()->move_resize(w);
+  PlacePopUps(w);
 }
 
 Rect ConstrainWindowToScreen(WindowRef w) {
@@ -235,23 +262,12 @@ Rect ConstrainWindowToScreen(WindowRef w) {
   return Offset(s, dx, dy);
 }
 
-int FindWindow(Point where, WindowRef* w) {
-  const WindowRef first = MenuBarWindow();
-  const bool hidden_with_first = first && !first->visible;
-  for (WindowRef candidate : WindowList()) {
-    if (!candidate->visible || (candidate->state & kStateDocked && hidden_with_first)) continue;
-    const Rect& c = candidate->content;
-    if (c.contains(where)) {
-      if (w) *w = candidate;
-      return inContent;
-    }
-    if (Rect{c.left, c.top - candidate->strip, c.right, c.top}.contains(where)) {
-      if (w) *w = candidate;
-      return inMenuBar;
-    }
-  }
-  if (w) *w = nullptr;
-  return inDesk;
+int FindWindow(Point where, WindowRef w) {
+  if (!IsValidWindow(w)) return inDesk;
+  const Rect& c = w->content;
+  if (c.contains(where)) return inContent;
+  return Rect{c.left, c.top - w->menu_bar_height, c.right, c.top}.contains(where) ? inMenuBar
+                                                                                  : inDesk;
 }
 
 void SetSystemUIMode(int mode, uint32_t) {
@@ -263,7 +279,7 @@ void SetWindowFullScreen(WindowRef w, bool full) {
   uint32_t state = full ? w->state | kStateFullScreen : w->state & ~uint32_t{kStateFullScreen};
   if (state == w->state) return;
   w->state = state;
-  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->update(w, kUpdateHints);
 }
 
 }  // namespace platform

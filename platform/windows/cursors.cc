@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/display/display.h"
-#include "platform/windows/window.h"
-#include "platform/windows/windows.h"
+#include "platform/display/screens.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 
@@ -41,16 +40,24 @@ void ReleaseCursor(CursorRef cursor) {
 }
 
 void ShowCursor(WindowRef w, CursorRef cursor) {
-  const Display* d = CurrentDisplay();
-  if (!cursor || !IsValidWindow(w) || w->cursor == cursor || !d->set_cursor) return;
+  if (!cursor || !IsValidWindow(w) || w->cursor == cursor) return;
   w->cursor = cursor;
-  d->set_cursor(w, cursor);
+  CurrentDisplay()->update(w, kUpdateCursor);
 }
 
-void CapturePointer(WindowRef w, CursorRef cursor) {
+OSStatus ChooseCursor(HandlerCall*, Event* event, void*) {
+  Event e(kEventClassWindow, kEventWindowCursorChange, event->window);
+  e.time = event->time;
+  e.mouse.where = event->mouse.where;
+  SendEventToEventTarget(&e, GetWindowEventTarget(event->window));
+  return eventNotHandledErr;
+}
+
+void CapturePointer(WindowRef w, CursorRef cursor, Capture who) {
+  constexpr GrabMode kModes[] = {GrabMode::kWindow, GrabMode::kProgram, GrabMode::kMenu};
   const Display* d = CurrentDisplay();
-  if (!d || !d->grab_pointer || (w && !IsValidWindow(w))) return;
-  d->grab_pointer(w, w && !cursor ? w->cursor : cursor);
+  if (!d || !d->grab || (w && !IsValidWindow(w))) return;
+  d->grab(w, w ? kModes[int(who)] : GrabMode::kNone, cursor);
 }
 
 }  // namespace platform

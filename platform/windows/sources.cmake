@@ -2,7 +2,6 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/activation.cc
   ${CMAKE_CURRENT_LIST_DIR}/bounds.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
-  ${CMAKE_CURRENT_LIST_DIR}/ground.cc
-  ${CMAKE_CURRENT_LIST_DIR}/platform.cc
-  ${CMAKE_CURRENT_LIST_DIR}/strip.cc
+  ${CMAKE_CURRENT_LIST_DIR}/painting.cc
+  ${CMAKE_CURRENT_LIST_DIR}/pop_ups.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc)

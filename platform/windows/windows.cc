@@ -2,100 +2,153 @@
 #include "platform/windows/windows.h"
 
 #include <algorithm>
-#include <unordered_set>
 
-#include "platform/display/display.h"
+#include "platform/display/screens.h"
 #include "platform/events/queue.h"
-#include "platform/windows/session.h"
-#include "platform/windows/window.h"
+#include "platform/theme/metrics.h"
+#include "platform/windows/state.h"
 
 namespace platform {
 namespace {
 
-struct Windows {
-  std::vector<WindowRef> list;  // front first
-  std::unordered_set<const Window*> alive;
-  std::vector<WindowRef> ended;  // destroyed inside a dispatch
-  WindowRef menu_bar = nullptr;
-  bool menu_bar_given = false;
-  bool held = false;  // shown windows are kept from the screen
-};
-
-Windows& All() {
-  static Windows* all = new Windows;
-  return *all;
-}
+WindowsState* state = nullptr;
 
 void Hints(WindowRef w) {
-  CurrentDisplay()->set_hints(w);
+  CurrentDisplay()->update(w, kUpdateHints);
 }
+
+void ReleaseRecord(void* record) {
+  delete static_cast<Window*>(record);
+}
+
+void Describe(const void* record, Description* out) {
+  auto* w = static_cast<const Window*>(record);
+  *out = {w->title, w->content, w->visible};
+}
+
+constexpr EventKind kBoundsReported[] = {{kEventClassWindow, kEventWindowBoundsReported}};
+constexpr EventKind kPointerMoved[] = {{kEventClassMouse, kEventMouseMoved}};
+
+constexpr ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
 
 }  // namespace
 
-std::vector<WindowRef>& WindowList() {
-  return All().list;
-}
-bool IsValidWindow(WindowRef w) {
-  return w && All().alive.count(w);
-}
-WindowRef MenuBarWindow() {
-  return All().menu_bar;
+WindowsState& Windows() {
+  if (!state) state = new WindowsState;
+  return *state;
 }
 
-WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
-  const Display* d = CurrentDisplay();
-  if (!d) return nullptr;
-  static unsigned count;
-  auto* w = new Window;
-  w->number = ++count;
-  w->window_class = window_class;
-  w->attributes = attributes;
-  w->content = content;
-  w->surface.scale = MainScreen().scale;
-  Windows& all = All();
-  bool carries_menu_bar = !all.menu_bar_given;
-  if (carries_menu_bar) w->strip = GetMBarHeight();
-  w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
-  all.alive.insert(w);
-  if (!d->create_window(w)) {
-    all.alive.erase(w);
-    delete w;
+void InitWindows() {
+  Windows();
+}
+
+void FinishWindows() {
+  while (!Windows().list.empty()) DisposeWindow(Windows().list.back());
+  for (WindowGroup* g : Windows().groups) delete g;
+  delete state;
+  state = nullptr;
+}
+
+std::vector<WindowRef>& WindowList() {
+  return Windows().list;
+}
+EventTargetRef GetWindowEventTarget(WindowRef w) {
+  return IsValidWindow(w) ? &w->object.target : nullptr;
+}
+WindowRef MenuBarWindow() {
+  return Windows().menu_bar;
+}
+
+int GetMBarHeight() {
+  return kMenuBarHeight;
+}
+
+void DrawFrame(WindowRef w) {
+  Event e(kEventClassWindow, kEventWindowDrawFrame, w);
+  SendEventToEventTarget(&e, &w->object.target);
+}
+
+WindowRef EnterWindow(Window* w) {
+  WindowsState& all = Windows();
+  w->object.type = &kWindowType;
+  w->object.record = w;
+  w->number = ++all.made;
+  EnterObject(&w->object);
+  w->native = CurrentDisplay()->create_window(w);
+  if (!w->native) {
+    EndObject(&w->object);
     return nullptr;
   }
-  if (carries_menu_bar) {
-    all.menu_bar = w;
-    all.menu_bar_given = true;
-  }
+  InstallEventHandler(&w->object.target, TakeReportedBounds, kBoundsReported, 1, nullptr);
+  InstallEventHandler(&w->object.target, ChooseCursor, kPointerMoved, 1, nullptr);
   all.list.insert(all.list.begin(), w);
   return w;
 }
 
+WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
+  if (!CurrentDisplay()) return nullptr;
+  WindowsState& all = Windows();
+  auto* w = new Window;
+  w->window_class = window_class;
+  w->attributes = attributes;
+  w->content = content;
+  w->surface.scale = MainScreen().scale;
+  const bool carries_menu_bar = !all.menu_bar_given;
+  if (carries_menu_bar) w->menu_bar_height = GetMBarHeight();
+  w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
+  if (!EnterWindow(w)) return nullptr;
+  if (carries_menu_bar) {
+    all.menu_bar = w;
+    all.menu_bar_given = true;
+  }
+  Event created(kEventClassWindow, kEventWindowCreated, w);
+  SendEventToEventTarget(&created, GetApplicationEventTarget());
+  return w;
+}
+
+// What lets go of a button or a key takes effect though its window has ended.
+static bool IsRelease(const Event& e) {
+  if (e.cls == kEventClassMouse) return e.kind == kEventMouseUp;
+  return e.cls == kEventClassKeyboard &&
+         (e.kind == kEventRawKeyUp || e.kind == kEventRawKeyModifiersChanged);
+}
+
+// Its queued events go, besides releases, which name no window from now on.
+static void PurgeWindow(const Window* w) {
+  ForEachEvent(GetMainEventQueue(), [w](Event* e) {
+    if (e->posted()) return;
+    if (e->window == w && IsRelease(*e)) e->window = nullptr;
+    if (e->cls == kEventClassMouse && e->mouse.under == w) e->mouse.under = nullptr;
+  });
+  RemoveEventsFromQueue(GetMainEventQueue(),
+                        [w](const Event& e) { return !e.posted() && e.window == w; });
+}
+
 void DisposeWindow(WindowRef w) {
   if (!IsValidWindow(w)) return;
-  Windows& all = All();
+  WindowsState& all = Windows();
   HandleFocus(w, false);
+  for (WindowRef p : PopUpsOf(w)) {
+    HideWindow(p);
+    p->parent = nullptr;
+  }
   if (all.menu_bar == w) all.menu_bar = nullptr;
+  if (all.activation.asked == w) all.activation.asked = nullptr;
   for (WindowRef other : all.list)
     if (other->transient_for == w) other->transient_for = nullptr;
   std::erase(all.list, w);
-  all.alive.erase(w);
-  w->disposed = true;
-  RemoveEventsFromQueue(GetMainEventQueue(), [w](const Event& e) { return e.window == w; });
+  PurgeWindow(w);
   CurrentDisplay()->destroy_window(w);
+  w->native = nullptr;
   w->surface.pixels = nullptr;
-  all.ended.push_back(w);
-  if (!InDispatch()) CollectWindows();
-}
-
-void CollectWindows() {
-  for (WindowRef w : All().ended) delete w;
-  All().ended.clear();
+  *w->surface.generation = 0;
+  EndObject(&w->object);
 }
 
 namespace {
 
 void Map(WindowRef w) {
-  if (!All().held) CurrentDisplay()->map_window(w, true);
+  if (!Windows().held) CurrentDisplay()->map_window(w, true);
 }
 
 // Windows docked to the one that carries the menu come and go with it.
@@ -118,8 +171,8 @@ bool WaitsForFirst(const Window& w) {
 }  // namespace
 
 void HoldWindows(bool held) {
-  if (All().held == held) return;
-  All().held = held;
+  if (Windows().held == held) return;
+  Windows().held = held;
   const std::vector<WindowRef> all = WindowList();
   // The front one last, as they would have come.
   for (size_t i = all.size(); i-- > 0;) {
@@ -130,12 +183,14 @@ void HoldWindows(bool held) {
 
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
+  if (w->window_class == kPopUpWindowClass && !w->parent) return;
   w->visible = w->placing = true;
+  if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
   ResizeSurface(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
-  DrawMenuStrip(w);
-  std::erase(All().list, w);
-  All().list.insert(All().list.begin(), w);
+  DrawFrame(w);
+  std::erase(WindowList(), w);
+  WindowList().insert(WindowList().begin(), w);
   if (!WaitsForFirst(*w)) Map(w);
   if (w == MenuBarWindow()) MapDocked(true);
 }
@@ -144,6 +199,8 @@ void HideWindow(WindowRef w) {
   if (!IsValidWindow(w) || !w->visible) return;
   w->visible = false;
   w->needs_draw = false;
+  w->lost.Clear();
+  for (WindowRef p : PopUpsOf(w)) HideWindow(p);
   if (w == MenuBarWindow()) MapDocked(false);
   CurrentDisplay()->map_window(w, false);
 }
@@ -155,7 +212,7 @@ bool IsWindowVisible(WindowRef w) {
 void SetWindowTitle(WindowRef w, const char* utf8) {
   if (!IsValidWindow(w)) return;
   w->title = utf8 ? utf8 : "";
-  CurrentDisplay()->set_title(w);
+  CurrentDisplay()->update(w, kUpdateTitle);
 }
 
 const char* GetWindowTitle(WindowRef w) {
@@ -163,13 +220,13 @@ const char* GetWindowTitle(WindowRef w) {
 }
 
 uint32_t WindowGeneration(WindowRef w) {
-  return IsValidWindow(w) ? w->surface.generation : 0;
+  return IsValidWindow(w) ? *w->surface.generation : 0;
 }
 
 void SetWindowModified(WindowRef w, bool modified) {
   if (!IsValidWindow(w) || w->modified == modified) return;
   w->modified = modified;
-  CurrentDisplay()->set_title(w);
+  CurrentDisplay()->update(w, kUpdateTitle);
 }
 
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {
@@ -188,27 +245,18 @@ void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits) {
   Hints(w);
 }
 
-// --- Groups ---------------------------------------------------------------------------------
-
-namespace {
-
-std::vector<WindowGroup*>& Groups() {
-  static auto* groups = new std::vector<WindowGroup*>;
-  return *groups;
-}
-
-}  // namespace
+// --- Groups
 
 WindowGroupRef CreateWindowGroup(uint32_t attributes) {
-  Groups().push_back(new WindowGroup{attributes, 0, nullptr});
-  return Groups().back();
+  Windows().groups.push_back(new WindowGroup{attributes, 0, nullptr});
+  return Windows().groups.back();
 }
 
 WindowGroupRef GetWindowGroupOfClass(int window_class) {
-  for (WindowGroup* g : Groups())
+  for (WindowGroup* g : Windows().groups)
     if (g->window_class == window_class) return g;
-  Groups().push_back(new WindowGroup{0, window_class, nullptr});
-  return Groups().back();
+  Windows().groups.push_back(new WindowGroup{0, window_class, nullptr});
+  return Windows().groups.back();
 }
 
 void SetWindowGroupParent(WindowGroupRef group, WindowGroupRef parent) {

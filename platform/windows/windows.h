@@ -4,35 +4,12 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/base.h"
+#include "platform/display/pop_up.h"
+#include "platform/display/window_kinds.h"
+#include "platform/events/targets.h"
+#include "platform/graphics/context.h"
 
 namespace platform {
-
-// Starts the platform on the display named by XW_DISPLAY, else on the first that opens. False, with
-// one line on standard error, when none does. Called once more it does nothing.
-bool InitPlatform(const char* session_name);
-// Closes the display. Windows must be gone or are dropped with it.
-void FinishPlatform();
-
-enum WindowClass : int {
-  kAlertWindowClass = 1,
-  kModalWindowClass = 3,
-  kFloatingWindowClass = 5,
-  kDocumentWindowClass = 6,
-  kToolbarWindowClass = 12,
-  kSimpleWindowClass = 18,
-};
-
-enum WindowAttributes : uint32_t {
-  kWindowCloseBoxAttribute = 1,
-  kWindowFullZoomAttribute = 6,
-  kWindowCollapseBoxAttribute = 8,
-  kWindowResizableAttribute = 16,
-  kWindowNoShadowAttribute = 0x200000,
-  kWindowStandardHandlerAttribute = 0x2000000,
-  kWindowInWindowMenuAttribute = 0x8000000,
-  kWindowNoConstrainAttribute = 0x80000000u,
-};
 
 enum WindowPart : int { inDesk = 0, inMenuBar = 1, inContent = 3, inDrag = 4, inGrow = 5 };
 enum WindowRegionCode : int {
@@ -42,18 +19,26 @@ enum WindowRegionCode : int {
 };
 
 // Null when the display refuses. Created hidden. The first window of the process carries the menu
-// strip above its content.
+// menu bar above its content.
 WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content);
+// A window without a frame that lies above its parent, beside a rectangle of it, and never gets the
+// focus. Created hidden; it is hidden with its parent, and cannot be shown once that has ended.
+// What it is granted of its place and size comes as kEventWindowBoundsChanged. Null for a stale
+// parent, or when the display refuses.
+WindowRef CreatePopUpWindow(WindowRef parent, const PopUpPlace& place);
+// Gives a pop-up another place or size; other windows are ignored.
+void SetPopUpPlace(WindowRef w, const PopUpPlace& place);
 // Null and stale handles are ignored. Queued events of the window are dropped.
 void DisposeWindow(WindowRef w);
-// The one test of a handle: true for a window that is alive.
-bool IsValidWindow(WindowRef w);
+// Null for a null or stale handle. Lives as long as the window.
+EventTargetRef GetWindowEventTarget(WindowRef w);
 
 void ShowWindow(WindowRef w);
 void HideWindow(WindowRef w);
 bool IsWindowVisible(WindowRef w);
-// Raises it and asks for the input focus.
-void SelectWindow(WindowRef w);
+// Raises it and asks for the input focus; for the action that `token` stands for, when another
+// program asked for it with one.
+void SelectWindow(WindowRef w, const char* token = nullptr);
 // Asks for (or gives up) the look of the active window; the stacking stays.
 void ActivateWindow(WindowRef w, bool activate);
 bool IsWindowActive(WindowRef w);
@@ -64,33 +49,29 @@ void SetFrontProcess();
 void SetWindowTitle(WindowRef w, const char* utf8);
 void SetWindowModified(WindowRef w, bool modified);
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
-// Content size limits and steps in logical pixels; maximum 0 means the screen's size, step 0 any
-// size.
-struct SizeLimits {
-  int min_width = 0, min_height = 0, max_width = 0, max_height = 0, step_x = 0, step_y = 0;
-};
 void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);
 
-// Content rectangle, global; kWindowStructureRgn adds frame and strip; the grow region is empty.
+// Content rectangle, global; kWindowStructureRgn adds frame and menu bar; the grow region is empty.
 Rect GetWindowBounds(WindowRef w, int region);
 // Content rectangle only. Handlers see kEventWindowBoundsChanged with `programmatic` at once.
 void SetWindowBounds(WindowRef w, const Rect& content);
 // The structure rectangle moved (never resized) so that it lies on the screen.
 Rect ConstrainWindowToScreen(WindowRef w);
 void MoveWindowStructure(WindowRef w, int left, int top);
-// What lies at a global point, and in which window (null outside all).
-int FindWindow(Point where, WindowRef* w);
+// Which part of the window a global point lies in; inDesk outside it. Which window lies under the
+// pointer only the display knows (MouseFields::under).
+int FindWindow(Point where, WindowRef w);
 
-// Erasing takes the brush, else the colour (0xRRGGBB), else white. kNoColor: none.
-constexpr uint32_t kNoColor = 0xFFFFFFFFu;
+// Erasing takes the brush, else the colour (0xRRGGBB; kNoColor: none), else white.
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw);
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb);
 // The colour that erasing uses now.
-uint32_t WindowGround(WindowRef w);
-// Paints a content rectangle with the ground.
+uint32_t WindowBackground(WindowRef w);
+// Paints a content rectangle with the background.
 void EraseRect(WindowRef w, const Rect& r);
-// Marks the window's content as lost: one draw event in the next turn of the loop. `erase` paints
-// the ground there first.
+// Marks a part of the window's content as lost: one draw event in the next turn of the loop, whose
+// `bounds.current` is the bounds of all that is lost. `erase` paints the background there first.
+// What lies outside the content is ignored.
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
 
 // --- Groups -----------------------------------------------------------------------------------
@@ -115,20 +96,13 @@ void SetWindowActivationScope(WindowRef w, int scope);
 
 void SetUserFocusWindow(WindowRef w);
 void ClearKeyboardFocus(WindowRef w);
-// Height of the strip at the top of the first window's frame: 24.
+// Height of the menu bar at the top of the first window's frame: 24.
 int GetMBarHeight();
 enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
-// Of the window that carries the menu strip: suppressed content is the desktop's full-screen state.
+// Of the window that carries the menu bar: suppressed content is the desktop's full-screen state.
 void SetSystemUIMode(int mode, uint32_t options);
 // The same for any window.
 void SetWindowFullScreen(WindowRef w, bool full);
-// Whether the session's menu offers Preferences; requests from the desktop arrive all the same.
-void SetPreferencesCommand(bool offered);
-bool PreferencesCommandOffered();
-// Main screen, logical pixels.
-int ScreenWidth();
-int ScreenHeight();
-
 // The title as it was set; valid until the next change. Empty for a stale handle.
 const char* GetWindowTitle(WindowRef w);
 
@@ -136,6 +110,8 @@ const char* GetWindowTitle(WindowRef w);
 
 // Sends what was drawn to the screen now (null: every window) and waits until the display has it.
 void FlushWindow(WindowRef w);
+// A context over the window's content; null for a stale handle.
+ContextRef CreateContext(WindowRef w);
 // Changes whenever the window's pixels are replaced; contexts made before then paint nothing.
 uint32_t WindowGeneration(WindowRef w);
 
@@ -149,7 +125,13 @@ CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const
 void ReleaseCursor(CursorRef cursor);
 // The pointer looks like this over the window; null is ignored.
 void ShowCursor(WindowRef w, CursorRef cursor);
-// All pointer events go to the window, with this cursor (null: its own), until a null window.
-void CapturePointer(WindowRef w, CursorRef cursor);
+// Who gets the events of the pointer while a window has it.
+enum class Capture : uint8_t {
+  kWindow,   // the window, wherever the pointer is
+  kProgram,  // the program's window under the pointer; outside all of them, the window
+  kMenu,     // the same, and the window gets the keyboard as well
+};
+// The window takes the pointer, with this cursor everywhere (null: its own), until a null window.
+void CapturePointer(WindowRef w, CursorRef cursor, Capture who = Capture::kWindow);
 
 }  // namespace platform

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/display/headless/headless.h"
+#include "platform/loop/start.h"
 #include "platform/windows/windows.h"
 #include "tests/displays/window_picture.h"
 #include "tests/os/scratch.h"

@@ -4,8 +4,10 @@
 #include <cstdlib>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
-#include "toolkit/windows/windows.h"
+#include "platform/display/window.h"
+#include "platform/loop/start.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/record.h"
 #include "toolkit/xw.h"
 
 namespace platform {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
+#include "platform/text/mac_roman.h"
 #include "tests/support/canvas.h"
 
 using namespace platform;

@@ -4,8 +4,14 @@
 #include <random>
 
 #include "platform/display/headless/headless.h"
+#include "platform/display/window.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
-#include "platform/windows/window.h"
+#include "platform/events/targets.h"
+#include "platform/events/timers.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
+#include "platform/windows/windows.h"
 
 namespace platform {
 namespace {
@@ -201,7 +207,7 @@ TEST(Handlers, MayInstallOthersAndEndTheWindow) {
         for (int i = 0; i < 100; ++i)
           InstallEventHandler(GetWindowEventTarget(e->window), Pass, kPress, 1,
                               const_cast<char*>("x"));
-        PostEventToQueue(GetMainEventQueue(), Event(kEventClassMouse, kEventMouseUp, e->window));
+        PostEventToQueue(GetMainEventQueue(), Event(kEventClassMouse, kEventMouseDown, e->window));
         DisposeWindow(e->window);
         EXPECT_FALSE(IsValidWindow(e->window));
         return eventNotHandledErr;

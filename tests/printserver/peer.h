@@ -115,7 +115,10 @@ class Listener {
     }
     abort();
   }
-  explicit Listener(const std::string& address) : host(address) { Bind(address); }
+  // With port 0 it is any free one.
+  explicit Listener(const std::string& address, uint16_t at = NC_PORT) : host(address), port(at) {
+    Bind(address);
+  }
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
   ~Listener() {
@@ -141,19 +144,23 @@ class Listener {
   }
 
   std::string host;
+  uint16_t port = NC_PORT;
   int fd = -1;
 
  private:
   bool Bind(const std::string& address_text) {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(NC_PORT);
+    address.sin_port = htons(port);
     inet_pton(AF_INET, address_text.c_str(), &address.sin_addr);
     fd = socket(AF_INET, SOCK_STREAM, 0);
     const int on = 1;
     setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
         listen(fd, 8) == 0) {
+      socklen_t size = sizeof address;
+      getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
+      port = ntohs(address.sin_port);
       return true;
     }
     close(fd);

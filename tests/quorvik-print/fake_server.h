@@ -47,6 +47,8 @@ class FakeServer {
     });
   }
   const std::string& host() const { return listener_.host; }
+  // What one side has written the other one sees: before and after a program has run.
+  void Sync() { const std::lock_guard<std::mutex> lock(mutex_); }
 
  private:
   bool Answer(int end, char code) {
@@ -95,15 +97,22 @@ class Cli : public ::testing::Test {
  protected:
   Outcome Run(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), QUORVIK_PRINT);
-    return RunProgram(arguments, {"QUORVIK_SERVER=" + server.host(), "USER=ann"});
+    return RunSynced(arguments);
   }
   // By a shell, which finds the program in $Q.
-  Outcome Shell(const std::string& line) {
-    return RunProgram({"/bin/sh", "-c", line},
-                      {"QUORVIK_SERVER=" + server.host(), "USER=ann", "Q=" QUORVIK_PRINT});
-  }
+  Outcome Shell(const std::string& line) { return RunSynced({"/bin/sh", "-c", line}); }
   // What it asked for, and forgets it.
-  std::vector<std::string> Requests() { return std::exchange(server.requests, {}); }
+  std::vector<std::string> Requests() {
+    server.Sync();
+    return std::exchange(server.requests, {});
+  }
+  Outcome RunSynced(const std::vector<std::string>& arguments) {
+    server.Sync();
+    const Outcome outcome =
+        RunProgram(arguments, {"QUORVIK_SERVER=" + server.host(), "USER=ann", "Q=" QUORVIK_PRINT});
+    server.Sync();
+    return outcome;
+  }
 
   FakeServer server;
 };

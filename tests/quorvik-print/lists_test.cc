@@ -1,4 +1,6 @@
 // What quorvik-print shows, and how it refuses command lines.
+#include <algorithm>
+
 #include "tests/quorvik-print/fake_server.h"
 
 namespace {
@@ -63,6 +65,30 @@ TEST_F(Cli, TheQueueInThreeForms) {
           "\"text\": \"gone\"}\n]\n");
 }
 
+// The borders of what a terminal obeys, and of what is UTF-8.
+TEST_F(Cli, CharactersThatAreShown) {
+  const struct {
+    const char *bytes, *shown;
+  } rows[] = {{" ~", " ~"},
+              {"\x01\x1f\x7f", "???"},
+              {"\u0080\u009f\u00a0", "??\u00a0"},
+              {"\u061b\u061c\u061d", "\u061b?\u061d"},
+              {"\u200d\u200e\u200f\u2010", "\u200d??\u2010"},
+              {"\u2027\u2028\u202e\u202f", "\u2027??\u202f"},
+              {"\u2065\u2066\u2069\u206a", "\u2065??\u206a"},
+              {"\xc1\xbf|\xc2\x80|\xdf\xbf", "??|?|\u07ff"},
+              {"\xe0\x9f\xbf|\xe0\xa0\x80|\xef\xbf\xbf", "???|\u0800|\uffff"},
+              {"\xed\x9f\xbf|\xed\xa0\x80|\xee\x80\x80", "\ud7ff|???|\ue000"},
+              {"\xf0\x8f\xbf\xbf|\xf0\x90\x80\x80", "????|\U00010000"},
+              {"\xf4\x8f\xbf\xbf|\xf4\x90\x80\x80|\xf5", "\U0010ffff|????|?"},
+              {"\xe2\x82|\xbf", "??|?"}};
+  for (const auto& row : rows) {
+    server.queues = {Job("a", 1, "document=" + std::string(row.bytes) + "|\n")};
+    const std::string out = Run({"queue", "--tsv"}).out;
+    EXPECT_TRUE(Has(out, "\tP\t" + std::string(row.shown) + "|\t")) << row.shown << out;
+  }
+}
+
 TEST_F(Cli, FiltersAndEmptyLists) {
   server.queues = {Job("a", 1) + Job("b", 2, "owner=bob\nstate=held\n") +
                    Job("c", 3, "printer=Q\ntotal=3\nprinted=2\nstate=paper-out\n")};
@@ -116,6 +142,13 @@ TEST_F(Cli, PrintersProfilesScanners) {
                   "two\t" +
                       Id("c0") + "\nQ\tidle\t0\t1\t0\t\t\t\t0\t\t\t\n"))
       << outcome.out;
+  // The longest list there is.
+  server.printers.clear();
+  for (int i = 0; i < 1024; ++i) {
+    server.printers += "name=P" + std::to_string(i) + "\ntext=" + std::string(1000, 'x') + "\n\n";
+  }
+  outcome = Run({"list", "--tsv"});
+  EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1025) << outcome.error;
   server.scanners = "name=S\nstate=away\ntext=there\n\nname=T\n\n";
   EXPECT_EQ(Run({"scanners"}).out, "NAME  STATE  REMARK\nS     away   there\nT     ready\n");
   server.profiles = "Fine" + std::string(28, 0) + "A4" + std::string(10, 0) + "\xb0\x04\x58\x02";
@@ -156,6 +189,7 @@ TEST_F(Cli, FaultyCommandLines) {
       {{"print", "--hold=1", "f"}, 2, "--hold takes no value"},
       {{"queue", "--loud"}, 2, "unknown option \"--loud\""},
       {{"queue", "--copies", "3"}, 2, "queue: --copies is no option of \"queue\""},
+      {{"again", "--hold", "1"}, 2, "--hold is no option of \"again\""},
       {{"hold", "--wait", "1"}, 2, "--wait is no option of \"hold\""},
       {{"list", "--json", "--tsv"}, 2, "--json or --tsv, not both"},
       {{"queue", "--state", "out"}, 2, "--state wants"},
@@ -202,11 +236,10 @@ TEST_F(Cli, Completion) {
       {"--copies hold 1", ""},
   };
   for (const auto& row : rows) {
-    const Outcome outcome = RunProgram(
+    const Outcome outcome = RunSynced(
         {"/bin/bash", "-c",
          "source <(\"$Q\" completion); COMP_WORDS=(\"$Q\" " + row.words +
-             "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quorvik_print; echo \"${COMPREPLY[@]}\""},
-        {"QUORVIK_SERVER=" + server.host(), "Q=" QUORVIK_PRINT});
+             "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quorvik_print; echo \"${COMPREPLY[@]}\""});
     EXPECT_EQ(outcome.out, row.offered + "\n") << row.words << outcome.error;
   }
 }

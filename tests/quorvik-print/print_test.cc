@@ -120,6 +120,10 @@ TEST_F(Cli, WaitingForTheEnd) {
   } rows[] = {
       {{}, {{"state=waiting\n"}, {"state=printing\n"}, {"state=done\n"}}, 0, ""},
       {{},
+       {{}, {"reasons=printer-paused\n"}, {"state=done\n"}},
+       0,
+       "d5, ann: the printer is paused"},
+      {{},
        {{}, {"state=failed\nreasons=document-rejected\n"}},
        1,
        "5 d5, ann: failed: the printer cannot print this document"},

@@ -3,10 +3,12 @@
 #include <utility>
 
 #include "platform/display/headless/headless.h"
+#include "platform/events/timers.h"
 #include "platform/windows/windows.h"
 #include "tests/support/script.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
 
 namespace support {
 

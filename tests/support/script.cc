@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 
 namespace support {
 

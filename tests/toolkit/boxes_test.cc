@@ -4,7 +4,8 @@
 #include <climits>
 
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/trace.h"
+#include "toolkit/windows/boxes.h"
 
 namespace {
 

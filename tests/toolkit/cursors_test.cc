@@ -7,6 +7,7 @@
 #include "tests/support/picture.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/events/cursor_art.h"
+#include "toolkit/events/cursors.h"
 
 namespace {
 

@@ -4,7 +4,9 @@
 #include <cstring>
 
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
+#include "toolkit/events/desktop.h"
 
 namespace {
 

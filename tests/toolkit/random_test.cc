@@ -7,10 +7,17 @@
 #include <cstdlib>
 #include <set>
 
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
+#include "platform/events/queue.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
 
 namespace {
 

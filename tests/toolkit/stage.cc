@@ -1,4 +1,7 @@
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
 
 #include <cstdlib>
 #include <map>
@@ -51,6 +54,10 @@ int Note(int type, int answer) {
 }  // namespace
 
 void Open(uint8_t flags) {
+  seen.clear();
+  names.clear();
+  result = 0;
+  on_event = nullptr;
   setenv("XW_DISPLAY", "headless", 1);
   setenv("HOME", "/", 1);
   input::UseSteppedClock(1000);
@@ -110,7 +117,7 @@ void Name(XwWindow* w, const char* name) {
 XwWindow* Main(XwHandler handler) {
   XwWindow* w = XwCreate(0, 100, 100, 300, 200, handler);
   Name(w, "main");
-  // A ground that looks the same in an inactive window: no redraws when the focus moves.
+  // A background that looks the same in an inactive window: no redraws when the focus moves.
   XwSetGround(w, nullptr, 0);
   XwShow(w, 1);
   Settle();

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "platform/display/headless/headless.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/events/timers.h"
+#include "platform/windows/windows.h"
 #include "toolkit/xw.h"
 
 namespace stage {

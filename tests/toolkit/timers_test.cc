@@ -3,9 +3,12 @@
 
 #include <climits>
 
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 

@@ -5,9 +5,14 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
+#include "platform/events/queue.h"
+#include "platform/windows/windows.h"
 #include "tests/toolkit/stage.h"
-#include "toolkit/events/trace.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
 
 namespace {
 
@@ -73,7 +78,7 @@ TEST(Tree, BoundsAreKeptOnTheScreen) {
   Open();
   const struct {
     int x, y, width, height;
-    Rect first, later;  // with and without the menu strip
+    Rect first, later;  // with and without the menu bar
   } rows[] = {
       {-50, 100, 200, 100, {0, 100, 200, 200}, {0, 100, 200, 200}},
       {700, 100, 200, 100, {600, 100, 800, 200}, {600, 100, 800, 200}},

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
 #include "tests/x11/session.h"
 
 namespace x11_test {

@@ -8,9 +8,10 @@
 #include <map>
 
 #include "platform/display/x11/x.h"
+#include "platform/events/event.h"
+#include "platform/windows/windows.h"
 #include "tests/x11/session.h"
 #include "tests/x11/turn.h"
-#include "toolkit/events/events.h"
 #include "toolkit/xw.h"
 
 namespace x11_test {

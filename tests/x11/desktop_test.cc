@@ -8,6 +8,7 @@
 #include "platform/desktop/application.h"
 #include "platform/desktop/uris.h"
 #include "platform/display/x11/x.h"
+#include "platform/loop/start.h"
 #include "tests/x11/bus.h"
 
 namespace x11_test {
@@ -184,8 +185,8 @@ class SecondStart : public Bus {
 TEST_F(SecondStart, ShowsNothingAndIsAskedToQuit) {
   StartServer("", {});
   RunFirst();
-  KeepRunning();
   StartSession();
+  KeepRunning();
   WindowRef w = ShowWithDocked();
   EXPECT_TRUE(WaitUntil([&] { return QuitRequests() == 1; }));
   EXPECT_TRUE(IsWindowVisible(w));
@@ -199,8 +200,8 @@ TEST_F(SecondStart, IsLikeAnyOtherWhereTheFirstDoesNotAnswer) {
   StartServer("", {});
   RunFirst();
   kill(first(), SIGSTOP);
-  KeepRunning();
   StartSession();
+  KeepRunning();
   ShowWithDocked();
   EXPECT_TRUE(WaitUntil([&] { return Mapped() == 2; }));
   // That it answers much later makes no difference any more.
@@ -236,7 +237,7 @@ TEST_F(SecondStart, IsTheFirstWhenThatOneHasEnded) {
     return owner && owner->owner == XCB_NONE && !Joined();
   }));
   StartSession();
-  EXPECT_FALSE(kX11Display.others_run());
+  EXPECT_FALSE(x11::OthersRun());
   ShowWithDocked();
   EXPECT_TRUE(WaitUntil([&] { return Mapped() == 2; }));
   // Who asks what is behind the name is told that there is nothing.

@@ -125,7 +125,7 @@ class Drops : public Reports {
     return support::Eventually([&] {
       RawEvent raw;
       while (kX11Display.next_event(&raw)) {
-        if (raw.type == RawEvent::kOpenFile) paths.push_back(raw.path);
+        if (raw.type == RawEvent::kOpenFile) paths.push_back(raw.text);
       }
       while (auto* e = xcb_poll_for_event(user().connection())) {
         for (Source* s : sources) s->Take(e);

@@ -91,6 +91,44 @@ class Hostile : public Reports {
   xcb_window_t target = 0;
 };
 
+// What another program says of the window's place counts for nothing, before and after a true word
+// of the server's in the same batch.
+TEST_F(Hostile, AForgedPlaceIsNotBelieved) {
+  Start();
+  WindowRef w = Ready();
+  target = x11::NativeOf(w)->id;
+  Prepare();
+  auto forge = [&](int16_t left) {
+    xcb_configure_notify_event_t e{};
+    e.response_type = XCB_CONFIGURE_NOTIFY;
+    e.event = e.window = target;
+    e.x = left;
+    e.y = -19898;
+    e.width = 9000;
+    e.height = 300;
+    xcb_send_event(c, 0, target, 0, reinterpret_cast<const char*>(&e));
+  };
+  const Rect first = w->content;
+  forge(-12334);
+  user().Sync();
+  Settle();
+  EXPECT_EQ(w->content, first);
+  for (int16_t left : {int16_t{150}, int16_t{170}}) {
+    forge(-12334);
+    const uint32_t place[] = {uint32_t(left), 200};
+    xcb_configure_window(c, target, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place);
+    forge(left == 150 ? int16_t(-12335) : int16_t(first.left));
+    user().Sync();
+    EXPECT_TRUE(RunUntil([&] { return w->content.left == left; })) << w->content.left;
+    Settle();
+    EXPECT_EQ(w->content, (Rect{left, 224, left + 200, 224 + first.height()}));
+  }
+  HideWindow(w);
+  ShowWindow(w);
+  ASSERT_TRUE(RunUntil([&] { return user().Viewable(target); }));
+  EXPECT_EQ(user().Where(target).x, 170);
+}
+
 TEST_F(Hostile, ForgedEventsAndPropertiesAreSurvived) {
   Start();
   WindowRef w = Ready();

@@ -1,5 +1,8 @@
 // A user at the keyboard and the pointer, with and without a window manager.
 #include "platform/display/x11/x.h"
+#include "platform/events/clock.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/x11/reports.h"
 
 namespace x11_test {
@@ -70,13 +73,13 @@ TEST_F(Reports, AReleaseThatNobodyHeardIsNotForgotten) {
 TEST_F(Reports, AGrabTakesThePointerEverywhere) {
   Start();
   WindowRef w = Ready();
-  ASSERT_TRUE(kX11Display.grab_pointer(w, nullptr));
+  kX11Display.grab(w, GrabMode::kWindow, nullptr);
   user().Move(800, 650);
   user().Click(1);
   ASSERT_TRUE(Wait(RawEvent::kRelease));
   EXPECT_EQ(Of(RawEvent::kPress)[0].window, w);
   EXPECT_EQ(Of(RawEvent::kPress)[0].x, 700);
-  kX11Display.grab_pointer(nullptr, nullptr);
+  kX11Display.grab(nullptr, GrabMode::kNone, nullptr);
   kX11Display.flush(true);
   reports.clear();
   user().Click(1);
@@ -195,6 +198,7 @@ TEST_F(Reports, AKeyThatEndsItsWindowDoesNotStayDown) {
   SelectWindow(WindowList().front());
   ASSERT_TRUE(Wait(RawEvent::kFocusIn));
   ASSERT_TRUE(Wait(RawEvent::kKeyUp));
+  EXPECT_EQ(Of(RawEvent::kKeyUp).front().window, nullptr);
   user().Key('x', true);
   ASSERT_TRUE(Wait(RawEvent::kKeyDown));
   EXPECT_TRUE(Of(RawEvent::kKeyRepeat).empty());

@@ -4,8 +4,10 @@
 #include <string>
 
 #include "platform/display/x11/xkb.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
 #include "tests/x11/reports.h"
-#include "toolkit/events/events.h"
+#include "toolkit/core/post.h"
 #include "toolkit/xw.h"
 
 namespace x11_test {

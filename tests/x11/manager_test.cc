@@ -1,4 +1,5 @@
 // Windows under a window manager: placement, focus, resizing, states.
+#include "platform/events/targets.h"
 #include "tests/x11/managed.h"
 
 namespace x11_test {
@@ -99,7 +100,7 @@ TEST_F(Managed, MovesOfTheUserAreFollowed) {
   EXPECT_TRUE(RunUntil([&] { return w->content.left == 277; }));
   Settle();
   ExpectBoundsAgree(w);
-  EXPECT_GE(Count(kEventClassWindow, kEventWindowBoundsChanged), 1u);
+  EXPECT_GE(Count(kEventClassWindow, kEventWindowBoundsReported), 1u);
   EXPECT_EQ(Count(kEventClassWindow, kEventWindowDrawContent), drawn);
 }
 
@@ -211,7 +212,7 @@ TEST_F(Managed, FullScreenIsTheDesktops) {
   EXPECT_TRUE(RunUntil([&] { return w->content.width() == 1024; }));
   Settle();
   EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
-  EXPECT_EQ(w->content.height() + w->strip, 768);
+  EXPECT_EQ(w->content.height() + w->menu_bar_height, 768);
   EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
   // Hidden, it keeps the wish.
   HideWindow(w);

@@ -1,6 +1,8 @@
 // What the display reports, untranslated, while a user is at it.
 #pragma once
 #include "platform/display/x11/x.h"
+#include "platform/events/raw_event.h"
+#include "platform/windows/internal.h"
 #include "tests/x11/session.h"
 
 namespace x11_test {
@@ -15,7 +17,7 @@ class Reports : public X11Test {
       RawEvent raw;
       while (kX11Display.next_event(&raw)) {
         if (raw.type == RawEvent::kFocusIn || raw.type == RawEvent::kFocusOut) {
-          HandleFocus(raw.window, raw.type == RawEvent::kFocusIn);
+          HandleFocus(LiveWindow(raw.window), raw.type == RawEvent::kFocusIn);
         }
         reports.push_back(raw);
       }

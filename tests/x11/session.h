@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "platform/display/display.h"
-#include "platform/events/events.h"
+#include "platform/display/window.h"
+#include "platform/events/event.h"
+#include "platform/events/targets.h"
 #include "platform/graphics/surface.h"
-#include "platform/windows/window.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
 #include "platform/windows/windows.h"
 #include "tests/support/x_server.h"
 

@@ -2,8 +2,10 @@
 #pragma once
 #include <cstdlib>
 
-#include "platform/events/events.h"
-#include "toolkit/events/events.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/post.h"
 
 namespace x11_test {
 

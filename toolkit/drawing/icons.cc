@@ -3,9 +3,11 @@
 #include <vector>
 
 #include "platform/graphics/context.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
+using toolkit::state;
 
 namespace {
 
@@ -32,12 +34,12 @@ void XwDrawIcon(XwIcon* icon, int x, int y, int w, int h, int32_t colour, int32_
   if (!h) h = icon->height;
   if (IsRealColor(colour)) {
     XwSetColor(colour);
-    SetContextColor(c, g_colors.fill);
+    SetContextColor(c, state.colors.fill);
     TileBitmap(c, bitmap, false, x, y, w, h);
   }
   if (IsRealColor(background)) {
     XwSetColor(background);
-    SetContextColor(c, g_colors.fill);
+    SetContextColor(c, state.colors.fill);
     TileBitmap(c, bitmap, true, x, y, w, h);
   }
 }

@@ -2,7 +2,8 @@
 #include <cstdlib>
 
 #include "platform/graphics/context.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
 

@@ -1,19 +1,21 @@
 // Rectangles, lines, polygons, ovals. Nothing is checked here that the context checks.
 #include "platform/graphics/context.h"
-#include "toolkit/drawing/drawing.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
+using toolkit::state;
 
 void XwFillRect(int x, int y, int w, int h) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.fill);
+  SetContextColor(c, state.colors.fill);
   FillRect(c, x, y, w, h);
 }
 
 void XwBox(int x, int y, int w, int h, int32_t colour) {
   if (!IsRealColor(colour)) {
-    if (colour == kEraseToGround && w > 0 && h > 0) XwClear(x, y, w, h);
+    if (colour == kEraseToBackground && w > 0 && h > 0) XwClear(x, y, w, h);
     return;
   }
   XwSetColor(colour);
@@ -25,53 +27,76 @@ static uint32_t Encode(const float color[4]) {
   return part(color[0]) << 16 | part(color[1]) << 8 | part(color[2]);
 }
 
+namespace {
+
+// What can be stroked. It lies on the stack of the call that makes it, so that a line costs no
+// memory.
+struct Path {
+  enum Kind { kRect, kLine, kLines } kind;
+  int a, b, c, d;  // x, y, w, h; both ends; the number of points
+  const int16_t* points;
+};
+
+inline void Stroke(ContextRef context, const Path& p) {
+  switch (p.kind) {
+    case Path::kRect:
+      return FrameRect(context, p.a, p.b, p.c, p.d);
+    case Path::kLine:
+      return StrokeLine(context, p.a, p.b, p.c, p.d);
+    case Path::kLines:
+      // A point names the upper border of its row here, which belongs to the row above.
+      return StrokeLines(context, p.points, p.a, 0, -1);
+  }
+}
+
 // Strokes once, or when a pattern is set twice: the second colour follows one dash behind the
-// first. Its colour and its shifted pattern stay in force.
-template <typename Stroke>
-static void StrokeCurrent(Stroke stroke) {
+// first. Its colour and its shifted pattern stay in force. Each caller has it inline, with the kind
+// of its path folded in: a short line is a few instructions more than this.
+[[gnu::always_inline]] inline void DrawAndReleasePath(const Path& path) {
   ContextRef c = TargetContext();
   if (!c) return;
   if (DashCount) {
     SetContextColor(c, Encode(DashCol1));
     SetContextDash(c, DashOffset, DashArray1, DashCount);
-    stroke(c);
-    g_colors.stroke = Encode(DashCol2);
+    Stroke(c, path);
+    state.colors.stroke = Encode(DashCol2);
     SetContextDash(c, DashOffset + DashArray1[0], DashArray1, DashCount);
   }
-  SetContextColor(c, g_colors.stroke);
-  stroke(c);
+  SetContextColor(c, state.colors.stroke);
+  Stroke(c, path);
 }
 
+}  // namespace
+
 void XwDrawRect(int x, int y, int w, int h) {
-  StrokeCurrent([=](ContextRef c) { FrameRect(c, x, y, w, h); });
+  DrawAndReleasePath({Path::kRect, x, y, w, h, nullptr});
 }
 
 void XwDrawLine(int x1, int y1, int x2, int y2) {
-  StrokeCurrent([=](ContextRef c) { StrokeLine(c, x1, y1, x2, y2); });
+  DrawAndReleasePath({Path::kLine, x1, y1, x2, y2, nullptr});
 }
 
-// A point names the upper border of its row here, which belongs to the row above.
 void XwDrawLines(const int16_t* points, int n) {
-  StrokeCurrent([=](ContextRef c) { StrokeLines(c, points, n, 0, -1); });
+  DrawAndReleasePath({Path::kLines, n, 0, 0, 0, points});
 }
 
 void XwFillPolygon(const int16_t* points, int n) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.fill);
+  SetContextColor(c, state.colors.fill);
   FillPolygon(c, points, n);
 }
 
 void XwDrawEllipse(int x, int y, int w, int h) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.oval);
+  SetContextColor(c, state.colors.oval);
   FrameOval(c, x, y, w, h);
 }
 
 void XwFillEllipse(int x, int y, int w, int h) {
   ContextRef c = TargetContext();
   if (!c) return;
-  SetContextColor(c, g_colors.oval);
+  SetContextColor(c, state.colors.oval);
   FillOval(c, x, y, w, h);
 }

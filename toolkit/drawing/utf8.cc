@@ -1,6 +1,6 @@
 // The toolkit's characters and UTF-8, for programs whose names come from elsewhere.
-#include "platform/fonts/mac_roman.h"
-#include "toolkit/drawing/drawing.h"
+#include "platform/text/mac_roman.h"
+#include "toolkit/xw.h"
 
 int XwFromUtf8(const char* utf8, char* dst, int size) {
   if (!dst || size <= 0) return 0;

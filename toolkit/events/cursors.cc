@@ -1,11 +1,13 @@
-// The set of pointer shapes.
+#include "toolkit/events/cursors.h"
+
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
 #include "toolkit/events/cursor_art.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/events/mouse.h"
 
 using namespace platform;
-
-XwCursor* XWcursors[XW_CURSORS];
 
 namespace {
 
@@ -68,7 +70,6 @@ XwCursor* XwCocoaCreateCursor(const uint8_t* record) {
 }
 
 void FillCursorTable() {
-  if (XWcursors[0]) return;
   for (int i = 0; i < XW_CURSORS; ++i) {
     switch (i) {
       case 0:
@@ -89,8 +90,29 @@ void FillCursorTable() {
   }
 }
 
+void ReleaseCursorTable() {
+  for (XwCursor*& cursor : XWcursors) {
+    ReleaseCursor(reinterpret_cast<CursorRef>(cursor));
+    cursor = nullptr;
+  }
+}
+
 void XwCocoaSetCursor(XwWindow* w, XwCursor* cursor) {
   if (cursor && IsLive(w)) ShowCursor(NativeWindow(w), reinterpret_cast<CursorRef>(cursor));
+}
+
+void ChooseCursor(XwWindow* w, Point where) {
+  if (GrabCursor) {
+    XwCocoaSetCursor(w, GrabCursor);
+    return;
+  }
+  XwWindow* sub = FindVirtualWindow(w, where.x - w->x, where.y - w->y);
+  XwCocoaSetCursor(w, sub ? sub->cursor : w->cursor);
+}
+
+void RestoreCursors() {
+  for (XwWindow* w = W_Start; w; w = w->next)
+    if (IsTopLevel(w)) ChooseCursor(w, {Inp.root_x, Inp.root_y});
 }
 
 void XwSetCursor(XwWindow* w, int32_t index) {

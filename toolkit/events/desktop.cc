@@ -1,20 +1,24 @@
-// What the desktop does to windows and asks of the program.
+#include "toolkit/events/desktop.h"
+
 #include <cstring>
 
+#include "platform/events/queue.h"
 #include "platform/windows/windows.h"
-#include "toolkit/drawing/target.h"
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/core/state.h"
+#include "toolkit/events/cursors.h"
+#include "toolkit/events/keyboard.h"
+#include "toolkit/events/session.h"
+#include "toolkit/target/clip.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
-
-bool AppActive;
+using toolkit::state;
 
 namespace {
-
-constexpr size_t kPathSize = 400;
-constexpr int kPaths = 16;  // that may wait to be opened at once
 
 // The size next to `current` that differs from `original` by whole steps.
 int Snap(int original, int current, int step) {
@@ -40,8 +44,7 @@ void ReadDockedPlaces() {
 }
 
 void TakeBounds(XwWindow* w, const Rect& now) {
-  ResetClipMask(w);
-  ResetClipsBelow(w);
+  ResetClipsFrom(w);
   if (w == W_Start) ReadDockedPlaces();
   w->x = Sat16(now.left);
   w->y = Sat16(now.top);
@@ -74,13 +77,15 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
   if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
 }
 
-void ChooseCursor(XwWindow* w, Point where) {
-  if (GrabCursor) {
-    XwCocoaSetCursor(w, GrabCursor);
-    return;
-  }
-  XwWindow* sub = FindVirtualWindow(w, where.x - w->x, where.y - w->y);
-  XwCocoaSetCursor(w, sub ? sub->cursor : w->cursor);
+// The desktop has moved the focus to another top-level window: keys go there from now on, also the
+// focus that waiting events carry.
+void TakeFocus(XwWindow* w) {
+  if (TopLevel(Inp.focus) == w) return;
+  Inp.focus = w;
+  ForEachUserEvent(GetMainEventQueue(), kToolkitEventClass, [w](void* payload) {
+    auto* record = static_cast<XwEvent*>(payload);
+    if (TopLevel(record->focus) != w) record->focus = w;
+  });
 }
 
 void DrawContent(XwWindow* w) {
@@ -101,11 +106,6 @@ bool AskFirstWindow(int type) {
 
 }  // namespace
 
-void RestoreCursors() {
-  for (XwWindow* w = W_Start; w; w = w->next)
-    if (IsTopLevel(w)) ChooseCursor(w, {Inp.root_x, Inp.root_y});
-}
-
 OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
   switch (event->kind) {
@@ -125,6 +125,9 @@ OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
       return eventNotHandledErr;
     case kEventWindowDrawContent:
       DrawContent(w);
+      break;
+    case kEventWindowFocusAcquired:
+      TakeFocus(w);
       break;
     default:
       break;
@@ -155,23 +158,24 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
     case kEventClassSystem:
       TakeScreenSize();
       return eventNotHandledErr;
+    case kEventClassKeyboard:
+      ReleaseKey(*event);
+      return noErr;
     default:
       return eventNotHandledErr;
   }
 }
 
 OSStatus EVapple_func(const Event* event) {
-  static char files[kPaths][kPathSize];
-  static unsigned next = 0;
   // Only the first document, however many were dropped.
   if (event->request.file_count < 1) return noErr;
   const char* path = event->request.files[0];
   size_t length = strlen(path);
-  if (length >= kPathSize) {
+  if (length >= toolkit::kPathSize) {
     Refuse(Refusal::kPathTooLong);
     return noErr;
   }
-  char* file = files[next++ % kPaths];
+  char* file = state.paths[state.next_path++ % toolkit::kPaths];
   memcpy(file, path, length + 1);
   if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, 0);
   return noErr;

@@ -1,8 +1,11 @@
-// Which platform events reach which handler of the toolkit.
-#include <iterator>
+#include "toolkit/events/install.h"
 
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/events/event.h"
+#include "platform/events/targets.h"
+#include "platform/windows/windows.h"
+#include "toolkit/events/desktop.h"
+#include "toolkit/events/keyboard.h"
+#include "toolkit/events/mouse.h"
 
 using namespace platform;
 
@@ -16,6 +19,7 @@ constexpr EventKind kWindowEvents[] = {
     {kEventClassWindow, kEventWindowCursorChange},
     {kEventClassWindow, kEventWindowClose},
     {kEventClassWindow, kEventWindowZoom},
+    {kEventClassWindow, kEventWindowFocusAcquired},
 };
 constexpr EventKind kMouseEvents[] = {
     {kEventClassMouse, kEventMouseDown},
@@ -36,6 +40,8 @@ constexpr EventKind kApplicationEvents[] = {
     {kEventClassApplication, kEventAppDeactivated},
     {kEventClassCommand, kEventCommandProcess},
     {kEventClassSystem, kEventSystemDisplayReconfigured},
+    {kEventClassKeyboard, kEventRawKeyUp},
+    {kEventClassKeyboard, kEventRawKeyModifiersChanged},
 };
 
 template <int N>

@@ -1,13 +1,12 @@
-// Keys: from the platform's characters and virtual keys to the toolkit's codes.
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/events/keyboard.h"
+
+#include "toolkit/core/post.h"
+#include "toolkit/core/state.h"
+#include "toolkit/windows/boxes.h"
 
 using namespace platform;
 
 namespace {
-
-constexpr int kKeyCodes = 532;
-uint8_t KeyState[kKeyCodes];
 
 struct CodeRow {
   uint8_t character;
@@ -52,11 +51,15 @@ int MapKey(uint32_t key_code, uint8_t character) {
   return 0;
 }
 
-void ChangeModifiers(uint32_t modifiers) {
+void SetModifiers(uint32_t modifiers) {
   uint32_t state = Inp.state & XWS_BUTTONS;
   for (const ModifierRow& row : kModifiers)
     if (modifiers & row.platform) state |= row.state;
   Inp.state = state;
+}
+
+void ChangeModifiers(uint32_t modifiers) {
+  SetModifiers(modifiers);
   Inp.window = Inp.focus;
   Inp.type = XWE_MODIFIERS;
 }
@@ -83,6 +86,13 @@ OSStatus EVkeyboard_func(HandlerCall*, Event* event, void*) {
   Inp.time = EventMilliseconds(event->time);
   if (Inp.window) Inp.item = XCheckbl(Inp.window->boxes);
   return eventNotHandledErr;
+}
+
+void ReleaseKey(const Event& event) {
+  if (event.kind == kEventRawKeyModifiersChanged)
+    SetModifiers(event.key.modifiers);
+  else if (int code = MapKey(event.key.key_code, event.key.character))
+    KeyState[code] = 0;
 }
 
 uint8_t XwGetKeyState(int key) {

@@ -1,20 +1,53 @@
-// Waiting for events and handing them to the windows that they are addressed to.
+#include "toolkit/events/loop.h"
+
 #include <cstdlib>
 
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "platform/events/clock.h"
+#include "platform/events/event.h"
+#include "platform/events/targets.h"
+#include "platform/loop/receive.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/grab.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/timers.h"
+#include "toolkit/core/trace.h"
 
 using namespace platform;
+using toolkit::Modal, toolkit::state;
+
+static XwWindow* RawMode() {
+  return reinterpret_cast<XwWindow*>(intptr_t{-1});
+}
+
+// The window that a wait is about. One that has ended no longer keeps anything out, even
+// when another has taken its place in memory.
+class toolkit::Modal {
+ public:
+  explicit Modal(XwWindow* w) : window_(w), outer_(state.innermost_wait) {
+    if (!raw() && IsLive(w)) serial_ = w->serial;
+    state.innermost_wait = this;
+  }
+  ~Modal() { state.innermost_wait = outer_; }
+  Modal(const Modal&) = delete;
+  Modal& operator=(const Modal&) = delete;
+  bool raw() const { return window_ == RawMode(); }
+  bool KeepsOut(XwWindow* w) const {
+    if (!serial_ || !IsLive(window_) || window_->serial != serial_) return false;
+    return w != window_ && !IsSubWindow(window_, w);
+  }
+
+ private:
+  XwWindow* window_;
+  uint64_t serial_ = 0;
+  const Modal* outer_;
+};
 
 namespace {
 
 constexpr int64_t kPollPeriod = 25000;  // microseconds between two events of XwGetEvent
 constexpr uint32_t kDoubleClickMs = 219;
-
-XwWindow* RawMode() {
-  return reinterpret_cast<XwWindow*>(intptr_t{-1});
-}
 
 inline void TakeRecord(const Event& e) {
   auto* record = static_cast<XwEvent*>(e.payload);
@@ -24,38 +57,13 @@ inline void TakeRecord(const Event& e) {
     TimerTaken(Inp.window, Inp.value);
 }
 
-// The window that a wait is about. One that has gone meanwhile no longer keeps anything out, even
-// when another has taken its place in memory.
-class Modal {
- public:
-  explicit Modal(XwWindow* w) : window_(w), outer_(innermost) {
-    if (!raw() && IsLive(w)) serial_ = w->serial;
-    innermost = this;
-  }
-  ~Modal() { innermost = outer_; }
-  Modal(const Modal&) = delete;
-  Modal& operator=(const Modal&) = delete;
-  bool raw() const { return window_ == RawMode(); }
-  bool KeepsOut(XwWindow* w) const {
-    if (!serial_ || !IsLive(window_) || window_->serial != serial_) return false;
-    return w != window_ && !IsSubWindow(window_, w);
-  }
-  static const Modal* innermost;
-
- private:
-  XwWindow* window_;
-  uint64_t serial_ = 0;
-  const Modal* outer_;
-};
-const Modal* Modal::innermost = nullptr;
-
 // A release outside the window that holds the pointer is translated here, since no handler of that
 // window would see it. False when the platform must not see it either.
 bool ReleaseOutsideGrab(const Event& e) {
-  if (!GrabWindow) return true;
-  WindowRef under = nullptr;
-  int part = FindWindow(e.mouse.where, &under);
-  if (part == inContent && under == NativeWindow(GrabWindow)) return true;
+  // One that no window heard of ends the button, and that is all.
+  if (!GrabWindow || !e.window) return true;
+  const int part = FindWindow(e.mouse.where, e.mouse.under);
+  if (part == inContent && e.mouse.under == NativeWindow(GrabWindow)) return true;
   Inp.window = GrabWindow;
   Inp.type = XWE_RELEASE;
   PassiveGrab = false;
@@ -81,7 +89,7 @@ int TakePlatformEvent(Event* e) {
     if (!ReleaseOutsideGrab(*e)) return 0;
   }
   if (e->cls == kEventClassMouse && e->kind == kEventMouseDown &&
-      FindWindow(e->mouse.where, nullptr) == inMenuBar)
+      FindWindow(e->mouse.where, e->mouse.under) == inMenuBar)
     return 0;
   Translate(e);
   return 0;
@@ -98,7 +106,7 @@ void ClearAndCall(XwWindow* w, int type) {
 }  // namespace
 
 bool WaitKeepsOut(XwWindow* w) {
-  const Modal* m = Modal::innermost;
+  const Modal* m = state.innermost_wait;
   return m && (m->raw() || m->KeepsOut(w));
 }
 
@@ -137,15 +145,13 @@ int XwWaitEvent(XwWindow* modal) {
 }
 
 int XwGetEvent(XwWindow* modal, int dispatch) {
-  static bool first = true;
-  static int64_t last;
   Inp.type = 0;
   // Microseconds in 32 bits: the count wraps, and polling pauses until it has caught up.
   int64_t now = int32_t(uint32_t(uint64_t(GetTimeOfDayMicroseconds())));
-  if (first) last = now;
-  first = false;
-  if (now - last < kPollPeriod) return 0;
-  last = now;
+  if (!state.polled) state.last_poll = now;
+  state.polled = true;
+  if (now - state.last_poll < kPollPeriod) return 0;
+  state.last_poll = now;
   const Modal only(modal);
   Event e;
   if (!ReceiveNextEvent(kEventDurationNoWait, &e)) return 0;
@@ -183,10 +189,9 @@ int XwGrabEvent() {
 }
 
 int XwDoubleClick(uint32_t* last_time) {
-  static int32_t last_item = -1;
   if (!last_time) return 0;
-  bool twice = Inp.time - *last_time <= kDoubleClickMs && Inp.item == last_item;
-  last_item = Inp.item;
+  bool twice = Inp.time - *last_time <= kDoubleClickMs && Inp.item == state.last_click_item;
+  state.last_click_item = Inp.item;
   *last_time = Inp.time;
   return twice;
 }

@@ -1,13 +1,15 @@
-// Pointer events: which window of the tree gets them, in which coordinates; grabs.
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/events/mouse.h"
+
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/grab.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/events/cursors.h"
+#include "toolkit/events/loop.h"
+#include "toolkit/windows/boxes.h"
 
 using namespace platform;
-
-XwWindow* GrabWindow;
-bool PassiveGrab, ActiveGrab;
-XwCursor* GrabCursor;
 
 namespace {
 
@@ -63,7 +65,10 @@ XwWindow* Press(XwWindow* w, Pressed pressed) {
     if (XwWindow* sub = FindVirtualWindow(w, Inp.px, Inp.py)) GrabWindow = Inp.focus = target = sub;
   }
   if (Inp.type != XWE_PRESS) {
-    // Only the primary button keeps a grab.
+    // Only the primary button keeps a grab. An active one leaves its cursor.
+    if (ActiveGrab && GrabWindow)
+      CapturePointer(NativeWindow(GrabWindow), reinterpret_cast<CursorRef>(GrabCursor),
+                     Capture::kProgram);
     GrabWindow = nullptr;
     PassiveGrab = false;
   }
@@ -71,7 +76,7 @@ XwWindow* Press(XwWindow* w, Pressed pressed) {
 }
 
 OSStatus Button(XwWindow* w, const Event& e) {
-  if (FindWindow(e.mouse.where, nullptr) != inContent) return eventNotHandledErr;
+  if (FindWindow(e.mouse.where, e.mouse.under) != inContent) return eventNotHandledErr;
   Pressed pressed{};
   if (e.mouse.tablet_type == kEventTabletPoint) {
     ReadPen(e.mouse.tablet);
@@ -91,7 +96,7 @@ OSStatus Button(XwWindow* w, const Event& e) {
 }
 
 OSStatus Motion(XwWindow* w, const Event& e) {
-  static Point lastpos{-1, -1};
+  Point& lastpos = toolkit::state.last_pen;
   if (e.mouse.tablet_type == kEventTabletPoint) {
     if (e.mouse.where == lastpos) {
       Inp.type = 0;
@@ -110,13 +115,6 @@ OSStatus Motion(XwWindow* w, const Event& e) {
 }
 
 }  // namespace
-
-void DropButtons(uint32_t mask) {
-  Inp.state &= ~mask;
-  if (Inp.state & XWS_BUTTONS) return;
-  PassiveGrab = false;
-  if (!ActiveGrab) GrabWindow = nullptr;
-}
 
 void SetTargetCoordinates(XwWindow* target) {
   Inp.px = Inp.root_x - target->x;
@@ -176,8 +174,4 @@ void XwUngrabPointer() {
   if (!GrabCursor) return;
   GrabCursor = nullptr;
   RestoreCursors();
-}
-
-XwWindow* XwPointerIsGrabbed() {
-  return GrabWindow;
 }

@@ -1,5 +1,5 @@
 // Record and replay, as programs see them.
-#include "platform/events/journal.h"
+#include "platform/input/record.h"
 #include "toolkit/xw.h"
 
 const char* XwTakeUp(const char* what, const char* detail) {
@@ -7,5 +7,5 @@ const char* XwTakeUp(const char* what, const char* detail) {
 }
 
 int XwReplaying() {
-  return platform::journal_mode == platform::JournalMode::kReplaying;
+  return platform::record_mode == platform::RecordMode::kReplaying;
 }

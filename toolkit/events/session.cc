@@ -1,33 +1,27 @@
-// Opening and closing the session.
+#include "toolkit/events/session.h"
+
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
+#include "platform/display/screens.h"
+#include "platform/events/queue.h"
+#include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
-#include "platform/fonts/mac_roman.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/loop/start.h"
+#include "platform/menus/menu_bar.h"
+#include "platform/text/mac_roman.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/hooks.h"
+#include "toolkit/core/memory.h"
+#include "toolkit/core/state.h"
+#include "toolkit/drawing/fonts.h"
+#include "toolkit/events/cursors.h"
+#include "toolkit/events/install.h"
 
 using namespace platform;
-
-const char* SessionName;
-const char* SessionTitle;
-int32_t OSversion;
-int32_t XW_SCREENX, XW_SCREENY;
-double XW_SCREENRES;
-int32_t CL_HILIGHT, CL_HILIGHTTEXT;
-void* MainQueue;
-void* MainTarget;
-void* XW_ColorSpace;
-void* TextMeasContext;
-void* Pserial;
-void* XW_DockedWindowsGroup;
-float TextCTM[6];
-XwFont *XWF_NORMAL, *XWF_BOLD, *XWF_NARROW, *XWF_VIEW;
-XwFont *FT_SMALL, *FT_BUTTON, *FT_ALERT;
 
 namespace {
 
@@ -67,18 +61,16 @@ void TakeScreenSize() {
   XW_SCREENY = ScreenHeight();
 }
 
-void OutOfMemory() {
-  constexpr char kLine[] = "out of memory\n";
-  [[maybe_unused]] ssize_t n = write(2, kLine, sizeof kLine - 1);
-  _exit(1);
+void XwCocoaInit() {
+  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str())) exit(1);
+  FillCursorTable();
 }
 
 void XwSession(const char* name, const char* title, uint8_t flags) {
   std::set_new_handler(OutOfMemory);
-  if (!InitPlatform(name)) exit(1);
-  FillCursorTable();
-  OSversion = kAppearance;
   SessionName = name;
+  XwCocoaInit();
+  OSversion = kAppearance;
   SessionTitle = title;
   SetPreferencesCommand(!(flags & kNoPreferences));
   for (XwTimerSlot& slot : Timers) slot = {};
@@ -95,8 +87,10 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
                         kWindowGroupAttrSharedActivation | kWindowGroupAttrHideOnCollapse);
   SetWindowGroupParent(static_cast<WindowGroupRef>(XW_DockedWindowsGroup),
                        GetWindowGroupOfClass(kDocumentWindowClass));
+  install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
+  ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
   Pserial = &process;
@@ -117,19 +111,31 @@ void XwEndSession() {
   FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
 }
 
-char* P2CSTR(const unsigned char* pascal) {
-  static char str[255];
-  size_t n = pascal ? pascal[0] : 0;
-  if (n > sizeof str - 1) n = sizeof str - 1;
-  if (n) memcpy(str, pascal + 1, n);
-  str[n] = 0;
-  return str;
+namespace {
+
+void DestroyWindows() {
+  while (W_End) {
+    XwWindow* w = W_End;
+    // The first window's record stays behind, empty.
+    const bool first = w == W_Start;
+    XwDestroy(w);
+    if (!first) continue;
+    free(w);
+    break;
+  }
 }
 
-unsigned char* C2PSTR(const char* text) {
-  static unsigned char str[256];
-  size_t n = text ? strnlen(text, 255) : 0;
-  str[0] = static_cast<unsigned char>(n);
-  if (n) memcpy(str + 1, text, n);
-  return str;
+}  // namespace
+
+void DropSession() {
+  if (!W_Root) return;
+  XwEndSession();
+  DestroyWindows();
+  free(W_Root->children);
+  free(W_Root);
+  ReleaseCursorTable();
+  CloseFonts();
+  DropLive();
+  FinishPlatform();
+  toolkit::ResetState();
 }

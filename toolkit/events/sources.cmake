@@ -7,7 +7,4 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/loop.cc
   ${CMAKE_CURRENT_LIST_DIR}/mouse.cc
   ${CMAKE_CURRENT_LIST_DIR}/replay.cc
-  ${CMAKE_CURRENT_LIST_DIR}/send.cc
-  ${CMAKE_CURRENT_LIST_DIR}/session.cc
-  ${CMAKE_CURRENT_LIST_DIR}/timers.cc
-  ${CMAKE_CURRENT_LIST_DIR}/trace.cc)
+  ${CMAKE_CURRENT_LIST_DIR}/session.cc)

@@ -1,8 +1,11 @@
 // Hit-box lists: which drawn thing lies under the pointer.
+#include "toolkit/windows/boxes.h"
+
 #include <cstdlib>
 
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/core/state.h"
 
 namespace {
 
@@ -25,8 +28,6 @@ struct XwBoxes {
   uint16_t count;
   uint16_t capacity;
 };
-
-int16_t blpx, blpy, bllx, blly;
 
 XwBoxes* XAllocbl() {
   auto* list = static_cast<XwBoxes*>(calloc(1, sizeof(XwBoxes)));

@@ -3,15 +3,19 @@
 #include <vector>
 
 #include "platform/graphics/context.h"
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/state.h"
+#include "toolkit/core/trace.h"
+#include "toolkit/target/selection.h"
+#include "toolkit/windows/boxes.h"
 
 using namespace platform;
+using toolkit::state;
 
 namespace {
-
-bool first_window_ended = false;
 
 void ReleaseInput(XwWindow* w) {
   if (GrabWindow == w) {
@@ -39,7 +43,7 @@ void FreeContents(XwWindow* w) {
 
 void EndNative(XwWindow* w) {
   ResetClipMask(w);
-  if ((w->flags2 & XW_DOCKED) && IsLive(W_Start) && !first_window_ended)
+  if ((w->flags2 & XW_DOCKED) && IsLive(W_Start) && !state.first_window_ended)
     ActivateWindow(NativeWindow(W_Start), true);
   if (w->kind == 0) DisposeWindow(static_cast<WindowRef>(w->platform));
   w->platform = nullptr;
@@ -81,7 +85,7 @@ void EmptyRecord(XwWindow* w) {
 
 // What comes before the children end.
 void Begin(XwWindow* w) {
-  if (w == W_Start) first_window_ended = true;
+  if (w == W_Start) state.first_window_ended = true;
   XwTimer(w, 0, 0);
   for (XwTimerSlot& slot : Timers)
     if (slot.window == w) slot.window = nullptr;
@@ -140,15 +144,11 @@ void DestroyBelow(XwWindow* top) {
 
 }  // namespace
 
-bool FirstWindowEnded() {
-  return first_window_ended;
-}
-
 void XwDestroy(XwWindow* w) {
   if (!w || !CheckWindow(w)) return;
   Begin(w);
   if (w->child_count > 0) DestroyBelow(w);
   Finish(w);
-  PurgeEvents();
+  PurgeEvents(w);
   FreeRecord(w);
 }

@@ -1,18 +1,15 @@
 // Moving and sizing windows.
-#include "toolkit/drawing/target.h"
-#include "toolkit/events/events.h"
-#include "toolkit/windows/windows.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/target/clip.h"
+#include "toolkit/target/selection.h"
 
 using namespace platform;
 
 namespace {
-
-void SetEventRect(int x, int y, int width, int height) {
-  Inp.x = x;
-  Inp.y = y;
-  Inp.width = width;
-  Inp.height = height;
-}
 
 void SetBounds(XwWindow* w, int x, int y, int width, int height) {
   w->x = Sat16(x);
@@ -28,8 +25,8 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
   SetBounds(w, x, y, width, height);
   w->origin_x = w->x;
   w->origin_y = w->y;
-  ResetFamilyClips(w->parent);
-  ResetClipsBelow(w);
+  ResetClipMask(w->parent);
+  ResetClipsFrom(w);
   PostExpose(w->parent);
   PostExpose(w);
   XwWindow* parent = w->parent;
@@ -46,7 +43,7 @@ void MoveTopLevel(XwWindow* w, int x, int y, int width, int height) {
   if (docked) {
     x = Sat16(x) + w->parent->x;
     y = Sat16(y) + w->parent->y;
-    // Out of the group meanwhile, so that the first window does not follow.
+    // Out of the group for now, so that the first window does not follow.
     SetWindowGroup(native, GetWindowGroupOfClass(kDocumentWindowClass));
   }
   ResetClipMask(w);
@@ -60,11 +57,6 @@ void MoveTopLevel(XwWindow* w, int x, int y, int width, int height) {
 }
 
 }  // namespace
-
-void PostExpose(XwWindow* w) {
-  SetEventRect(0, 0, w->width, w->height);
-  XwSendEvent(w, XWE_EXPOSE, 0, 0, 0);
-}
 
 void XwMove(XwWindow* w, int x, int y, int width, int height) {
   if (!CheckWindow(w)) return;

@@ -1,5 +1,4 @@
 target_sources(xw PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/alive.cc
   ${CMAKE_CURRENT_LIST_DIR}/attributes.cc
   ${CMAKE_CURRENT_LIST_DIR}/boxes.cc
   ${CMAKE_CURRENT_LIST_DIR}/destroy.cc

@@ -3,16 +3,13 @@
 #include <cstdlib>
 
 #include "platform/windows/windows.h"
-#include "toolkit/events/events.h"
-#include "toolkit/events/trace.h"
-#include "toolkit/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/hooks.h"
+#include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
+#include "toolkit/core/trace.h"
 
 using namespace platform;
-
-XwWindow* W_Root;
-XwWindow* W_Start;
-XwWindow* W_End;
-XwWindow* W_MenuBar;
 
 namespace {
 
@@ -58,15 +55,6 @@ bool HasRoom(const XwWindow* parent) {
     if (!parent->children[i]) return true;
   Refuse(Refusal::kTooManyChildren);
   return false;
-}
-
-XwWindow* NewRecord() {
-  static uint64_t serial = 0;
-  auto* w = static_cast<XwWindow*>(calloc(1, sizeof(XwWindow)));
-  w->color = -1;
-  w->slot = -1;
-  w->serial = ++serial;
-  return w;
 }
 
 void EnterCreationList(XwWindow* w) {
@@ -117,7 +105,7 @@ bool MakeNative(XwWindow* w, int window_class, uint32_t attributes, const Rect& 
     return false;
   }
   EnterLive(w);
-  InstallEventHandlers(w);
+  install_event_handlers(w);
   return true;
 }
 
@@ -189,25 +177,6 @@ XwWindow* CreateSub(XwWindow* parent, int x, int y, int width, int height, XwHan
 }
 
 }  // namespace
-
-XwWindow* TopLevel(XwWindow* w) {
-  while (w && w->kind != 0) w = w->parent;
-  return w;
-}
-
-WindowRef NativeWindow(const XwWindow* w) {
-  // A sub-window keeps that of its top-level window.
-  const XwWindow* top = w && IsSub(w) ? w : TopLevel(const_cast<XwWindow*>(w));
-  return top ? static_cast<WindowRef>(top->platform) : nullptr;
-}
-
-void SetLinked(XwWindow* w, XwWindow* other) {
-  if (w->linked) w->linked->linked_by = nullptr;
-  w->linked = other;
-  if (!other) return;
-  if (other->linked_by) other->linked_by->linked = nullptr;
-  other->linked_by = w;
-}
 
 XwWindow* XwCreate(XwValue parent_or_style, int x, int y, int width, int height,
                    XwHandler handler) {

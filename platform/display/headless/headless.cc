@@ -7,10 +7,9 @@
 #include <cstring>
 #include <ctime>
 
-#include <poll.h>
-
+#include "platform/display/cursor.h"
 #include "platform/display/headless/state.h"
-#include "platform/events/translate.h"
+#include "platform/events/queue.h"
 
 namespace platform::headless {
 
@@ -19,7 +18,20 @@ State& Headless() {
   return *state;
 }
 
+// Where the middle of the window would be at scale 1, from the corner where it is: the scale that
+// follows does not change it.
+double ScaleAt(const Window& w, Point corner, int width, int height) {
+  const std::vector<Screen>& screens = Headless().screens;
+  if (w.parent) return w.parent->surface.scale;
+  return ScreenAt(screens.data(), int(screens.size()),
+                  {corner.x + width / 2, corner.y + height / 2})
+      .scale;
+}
+
 namespace {
+
+constexpr int kMostSide = 16384;
+constexpr size_t kMostScreens = 16;
 
 double SystemSeconds() {
   timespec t;
@@ -27,22 +39,75 @@ double SystemSeconds() {
   return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
 }
 
-bool Open(const char*) {
+double ScaleIn(const char* text, double otherwise) {
+  const double scale = text ? atof(text) : 0;
+  return scale >= 0.5 && scale <= 8 ? scale : otherwise;
+}
+
+// WIDTHxHEIGHT[@SCALE], any number of them with commas between: from left to right, the first is
+// the main one. What is none of this ends the list.
+std::vector<Screen> ReadScreens(const char* text, double scale) {
+  std::vector<Screen> screens;
+  int left = 0;
+  while (text) {
+    int width = 0, height = 0, length = 0;
+    if (sscanf(text, "%dx%d%n", &width, &height, &length) != 2) break;
+    if (width <= 0 || height <= 0 || width > kMostSide || height > kMostSide) break;
+    text += length;
+    const double own = *text == '@' ? ScaleIn(text + 1, scale) : scale;
+    screens.push_back({{left, 0, left + width, height}, own});
+    left += width;
+    text = screens.size() < kMostScreens ? strchr(text, ',') : nullptr;
+    if (text) ++text;
+  }
+  if (screens.empty()) screens.push_back({{0, 0, 1280, 1024}, scale});
+  return screens;
+}
+
+OpenResult Open(const char*) {
   State& s = Headless();
   s.open = true;
-  s.screen = {{0, 0, 1280, 1024}, 1.0};
   // A replay needs no time of its own.
   if (const char* replay = getenv("XW_REPLAY"); replay && *replay && !s.stepped) UseSteppedClock(0);
-  if (const char* scale = getenv("XW_SCALE")) {
-    double v = atof(scale);
-    if (v >= 0.5 && v <= 8) s.screen.scale = v;
-  }
-  if (const char* size = getenv("XW_SCREEN")) {
-    int w = 0, h = 0;
-    if (sscanf(size, "%dx%d", &w, &h) == 2 && w > 0 && h > 0 && w <= 16384 && h <= 16384)
-      s.screen.bounds = {0, 0, w, h};
-  }
-  return true;
+  s.screens = ReadScreens(getenv("XW_SCREEN"), ScaleIn(getenv("XW_SCALE"), 1));
+  s.scale = s.screens[0].scale;
+  return OpenResult::kOpened;
+}
+
+// A window that lies on a screen of another scale hears of it.
+void FollowScreen(const Window* w) {
+  State& s = Headless();
+  const DeviceRect at = DeviceBounds(*w);
+  const double scale =
+      ScaleAt(*w, {at.left, at.top}, w->content.width(), w->content.height() + w->menu_bar_height);
+  if (scale == Native(w)->scale) return;
+  Native(w)->scale = scale;
+  RawEvent raw;
+  raw.type = RawEvent::kScale;
+  raw.window = w;
+  raw.time = kHeadlessDisplay.now();
+  raw.scale = scale;
+  s.raw.push_back(raw);
+  intake_hints.ReportWaits();
+}
+
+DeviceRect Wanted(const Window& w) {
+  const std::vector<Screen>& screens = Headless().screens;
+  return WantedBounds(w, screens.data(), int(screens.size()));
+}
+
+void ReportBounds(const Window* w, const DeviceRect& bounds) {
+  State& s = Headless();
+  RawEvent raw;
+  raw.type = RawEvent::kConfigure;
+  raw.window = w;
+  raw.time = kHeadlessDisplay.now();
+  raw.root_x = float(bounds.left);
+  raw.root_y = float(bounds.top);
+  raw.width = bounds.width();
+  raw.height = bounds.height();
+  s.raw.push_back(raw);
+  intake_hints.ReportWaits();
 }
 
 void CloseDisplay() {
@@ -55,66 +120,85 @@ void CloseDisplay() {
 }
 
 int Screens(Screen* out, int max) {
-  if (max > 0) out[0] = Headless().screen;
-  return 1;
+  const std::vector<Screen>& screens = Headless().screens;
+  const int count = int(screens.size());
+  std::copy_n(screens.begin(), std::min(count, max), out);
+  return count;
 }
 
-bool CreateNative(WindowRef w) {
-  w->native = new NativeWindow;
-  ++Headless().counts.windows;
-  return true;
+void* CreateNative(const Window* w) {
+  auto* n = new NativeWindow;
+  n->cursor = w->cursor;
+  n->scale = w->surface.scale;
+  n->unseen = true;
+  State& s = Headless();
+  s.unseen = true;
+  s.windows.push_back(w);
+  ++s.counts.windows;
+  return n;
 }
 
-void DestroyNative(WindowRef w) {
+// Reports of a window that ends go; what they let go of is reported without one.
+void ForgetReports(const Window* w) {
+  for (RawEvent& e : Headless().raw) {
+    if (e.under == w) e.under = nullptr;
+    if (e.window == w && IsRelease(e.type)) e.window = nullptr;
+  }
+  std::erase_if(Headless().raw, [w](const RawEvent& e) { return e.window == w; });
+}
+
+void DestroyNative(const Window* w) {
   State& s = Headless();
   std::erase(s.stack, w);
-  std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
-  if (s.pressed_in == w) s.pressed_in = nullptr;
-  if (s.entered == w) s.entered = nullptr;
-  if (s.grab == w) {
-    s.grab = nullptr;
-    s.grab_cursor = nullptr;
+  std::erase(s.windows, w);
+  ForgetReports(w);
+  if (s.pressed_in == w) {
+    s.pressed_in = nullptr;
+    s.orphans = s.reported;
   }
+  if (s.entered == w) s.entered = nullptr;
+  if (s.grab.window == w) s.grab = {};
+  for (auto& [keysym, key] : s.held) key.orphan = key.orphan || key.window == w;
   if (s.focus == w) {
     s.focus = nullptr;
+    s.focus_ended = true;
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   }
   delete Native(w);
-  w->native = nullptr;
   --s.counts.windows;
 }
 
 // A window that is shown gets the focus, as from most window managers.
-void Map(WindowRef w, bool shown) {
+void Map(const Window* w, bool shown) {
   State& s = Headless();
   Native(w)->mapped = shown;
   std::erase(s.stack, w);
   if (!shown && s.pressed_in == w) s.pressed_in = nullptr;
+  if (!shown && s.grab.window == w) LoseGrab();
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
-    if (!(w->state & kStateDocked)) GiveFocus(w);
+    if (!(w->state & kStateDocked) && !w->parent) GiveFocus(w);
+    TryGrab();
   } else if (s.focus == w) {
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   }
 }
 
-void MoveResize(WindowRef) {}
-void SetTitle(WindowRef) {}
-void SetHints(WindowRef) {}
-
-void Raise(WindowRef w) {
-  State& s = Headless();
-  auto it = std::find(s.stack.begin(), s.stack.end(), w);
-  if (it == s.stack.end()) return;
-  s.stack.erase(it);
-  s.stack.insert(s.stack.begin(), w);
+void MoveResize(const Window* w) {
+  if (w->parent && Wanted(*w) != DeviceBounds(*w)) ReportBounds(w, Wanted(*w));
+  FollowScreen(w);
 }
 
-void Activate(WindowRef w) {
-  if (Native(w)->mapped) GiveFocus(w);
+void Update(const Window* w, uint32_t what) {
+  if (what & kUpdateCursor) Native(w)->cursor = w->cursor;
 }
 
-uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
+void RaiseNative(const Window* w, uint32_t how, const char*) {
+  if (how & kRaiseOnly) Raise(w);
+  if (how & kRaiseFocus && Native(w)->mapped) GiveFocus(w);
+}
+
+uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   if (width <= 0 || height <= 0 || int64_t(width) * height > (int64_t{1} << 28)) return nullptr;
   NativeWindow* n = Native(w);
   std::vector<uint32_t> pixels(size_t(width) * size_t(height), 0xFF000000u);
@@ -127,7 +211,7 @@ uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
   return n->buffer.data();
 }
 
-void Present(WindowRef w, const DeviceRect* rects, int count) {
+void Present(const Window* w, const DeviceRect* rects, int count) {
   NativeWindow* n = Native(w);
   if (n->shown_width != n->width || n->shown_height != n->height) {
     n->shown.assign(n->buffer.size(), 0xFF000000u);
@@ -147,36 +231,51 @@ void Present(WindowRef w, const DeviceRect* rects, int count) {
 }
 
 void Flush(bool) {}
-void SetCursor(WindowRef w, CursorRef cursor) {
-  Native(w)->cursor = cursor;
+
+void DestroyCursor(const Cursor* cursor) {
+  State& s = Headless();
+  if (s.grab.cursor == cursor) s.grab.cursor = nullptr;
 }
 
-bool GrabPointer(WindowRef w, CursorRef cursor) {
+void Grab(const Window* w, GrabMode mode, const Cursor* cursor) {
   State& s = Headless();
-  s.grab = w;
-  s.grab_cursor = w ? cursor : nullptr;
-  return true;
+  s.grab = {};
+  if (!w || mode == GrabMode::kNone) return;
+  s.grab = {w, mode, cursor, false};
+  TryGrab();
 }
 
 void Beep() {
   ++Headless().counts.beeps;
 }
 
+// New windows hear here where they are: while they are made nothing of them is known yet.
+void LookAtNewWindows() {
+  State& s = Headless();
+  for (size_t i = 0; s.unseen && i < s.windows.size(); ++i) {
+    NativeWindow* n = Native(s.windows[i]);
+    if (n->unseen) MoveResize(s.windows[i]);
+    n->unseen = false;
+  }
+  s.unseen = false;
+}
+
 bool NextEvent(RawEvent* out) {
   State& s = Headless();
+  LookAtNewWindows();
   if (s.raw.empty()) return false;
   *out = s.raw.front();
   s.raw.pop_front();
+  // The windows follow the screens, those made in the meantime too.
+  if (out->type == RawEvent::kScreens) {
+    for (const Window* w : s.windows) FollowScreen(w);
+  }
   if (out->type == RawEvent::kOpenFile && !s.paths.empty()) {
     s.path = s.paths.front();
     s.paths.pop_front();
-    out->path = s.path.c_str();
+    out->text = s.path.c_str();
   }
   return true;
-}
-
-int FileDescriptor() {
-  return -1;
 }
 
 // XW_SNAPSHOT=FILE: whenever the program comes to rest and has shown something new, the file gets
@@ -191,23 +290,26 @@ void WriteSnapshot() {
   if (WritePng(TakePicture(s.stack.back()), beside)) rename(beside.c_str(), path);
 }
 
+// Where time is stepped by hand nothing but a source can come by itself: those are looked at first,
+// and waited for when no timer is left.
 void Wait(double seconds) {
+  constexpr double kPatience = 5;
   State& s = Headless();
   if (!s.raw.empty()) return;  // injected by what ran since reports were taken
   WriteSnapshot();
-  if (s.stepped) {
-    if (seconds >= 0) {
-      s.now += seconds;
-      return;
-    }
-    if (s.idle && s.idle()) return;
-    fprintf(stderr, "headless display: nothing left to wait for\n");
-    exit(3);
+  if (!s.stepped) {
+    WaitForSources(seconds);
+    return;
   }
-  pollfd fds[4];
-  int n = DesktopDescriptors(fds, 4);
-  timespec t{time_t(seconds), long((seconds - double(time_t(seconds))) * 1e9)};
-  ppoll(fds, nfds_t(n), seconds < 0 ? nullptr : &t, nullptr);
+  if (WaitForSources(0)) return;
+  if (seconds >= 0) {
+    s.now += seconds;
+    return;
+  }
+  if (s.idle && s.idle()) return;
+  if (WaitForSources(kPatience)) return;
+  fprintf(stderr, "headless display: nothing left to wait for\n");
+  exit(3);
 }
 
 double Now() {
@@ -218,7 +320,7 @@ double Now() {
 
 void UseSteppedClock(double start_seconds) {
   Headless().stepped = true;
-  input_hints.ClockIsStepped();
+  intake_hints.ClockIsStepped();
   Headless().now = start_seconds;
 }
 void Step(double seconds) {
@@ -230,15 +332,22 @@ void SetIdleHandler(bool (*handler)()) {
 Counters Counts() {
   return Headless().counts;
 }
-CursorRef ShownCursor(WindowRef w) {
-  State& s = Headless();
-  if (s.grab && s.grab_cursor) return s.grab_cursor;
-  return IsValidWindow(w) && w->native ? Native(w)->cursor : nullptr;
+CursorRef ShownCursor(const Window* w) {
+  const State& s = Headless();
+  const bool everywhere = s.grab.held && s.grab.cursor;
+  const Cursor* shown = everywhere ? s.grab.cursor : IsValidWindow(w) ? Native(w)->cursor : nullptr;
+  return const_cast<CursorRef>(shown);
 }
-WindowRef PointerGrab() {
-  return Headless().grab;
+Picture ShownCursorPicture(const Window* w) {
+  const Cursor* shown = ShownCursor(w);
+  if (!shown) return {};
+  CursorPicture p = PictureOf(*shown, w->surface.scale);
+  return {p.width, p.height, std::move(p.pixels)};
 }
-std::string ShownTitle(WindowRef w) {
+const Window* PointerGrab() {
+  return Headless().grab.held ? Headless().grab.window : nullptr;
+}
+std::string ShownTitle(const Window* w) {
   if (!IsValidWindow(w)) return {};
   return w->modified ? "\u2022 " + w->title : w->title;
 }
@@ -258,19 +367,16 @@ const Display kHeadlessDisplay = {
     .destroy_window = DestroyNative,
     .map_window = Map,
     .move_resize = MoveResize,
-    .set_title = SetTitle,
-    .set_hints = SetHints,
-    .raise = Raise,
-    .activate = Activate,
+    .update = Update,
+    .raise = RaiseNative,
     .resize_buffer = ResizeBuffer,
     .present = headless::Present,
     .flush = Flush,
-    .set_cursor = SetCursor,
-    .destroy_cursor = nullptr,
-    .grab_pointer = GrabPointer,
+    .destroy_cursor = DestroyCursor,
+    .grab = Grab,
     .beep = Beep,
     .next_event = NextEvent,
-    .file_descriptor = FileDescriptor,
+    .descriptors = nullptr,
     .wait = headless::Wait,
     .now = Now,
 };

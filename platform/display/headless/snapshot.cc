@@ -5,7 +5,7 @@
 
 namespace platform::headless {
 
-Picture TakePicture(WindowRef w) {
+Picture TakePicture(const Window* w) {
   if (!IsValidWindow(w) || !w->native) return {};
   NativeWindow* n = Native(w);
   return {n->shown_width, n->shown_height, n->shown};

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
+#include "platform/display/window.h"
 
 namespace platform {
 
@@ -20,14 +20,14 @@ struct NativeWindow {
   int width = 0, height = 0;
 };
 
-NativeWindow* Native(WindowRef w) {
+NativeWindow* Native(const Window* w) {
   return static_cast<NativeWindow*>(w->native);
 }
 
 // What has happened and was not asked for yet.
 std::deque<RawEvent> reports;
 
-void Report(RawEvent::Type type, WindowRef w) {
+void Report(RawEvent::Type type, const Window* w) {
   RawEvent raw;
   raw.type = type;
   raw.window = w;
@@ -35,8 +35,8 @@ void Report(RawEvent::Type type, WindowRef w) {
 }
 
 // Connects, without waiting for more than it must: the first frame waits for this.
-bool Open(const char*) {
-  return true;
+OpenResult Open(const char*) {
+  return OpenResult::kOpened;
 }
 
 void Close() {
@@ -48,34 +48,33 @@ int Screens(Screen* out, int max) {
   return 1;
 }
 
-// Makes the window at DeviceBounds(*w), with what set_title and set_hints tell.
-bool CreateWindow(WindowRef w) {
-  w->native = new NativeWindow;
-  return true;
+// Makes the window at DeviceBounds(*w), with all that Update tells. What is returned is in
+// `w->native` from now on.
+void* CreateWindow(const Window*) {
+  return new NativeWindow;
 }
 
-void DestroyWindow(WindowRef w) {
+void DestroyWindow(const Window* w) {
   std::erase_if(reports, [w](const RawEvent& r) { return r.window == w; });
   delete Native(w);
-  w->native = nullptr;
 }
 
 // The focus comes by itself on most desktops; here it comes with the window.
-void MapWindow(WindowRef w, bool shown) {
+void MapWindow(const Window* w, bool shown) {
   Report(shown ? RawEvent::kFocusIn : RawEvent::kFocusOut, w);
 }
 
 // The platform has noted the new place already; a display that grants another one reports it with
 // kConfigure.
-void MoveResize(WindowRef) {}
-void SetTitle(WindowRef) {}
-void SetHints(WindowRef) {}
-void Raise(WindowRef) {}
-void Activate(WindowRef w) {
-  Report(RawEvent::kFocusIn, w);
+void MoveResize(const Window*) {}
+// Title, hints, cursor: those that `what` names.
+void Update(const Window*, uint32_t) {}
+
+void Raise(const Window* w, uint32_t how, const char*) {
+  if (how & kRaiseFocus) Report(RawEvent::kFocusIn, w);
 }
 
-uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
+uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   constexpr int64_t kMostPixels = int64_t{1} << 28;
   if (width <= 0 || height <= 0 || int64_t{width} * height > kMostPixels) return nullptr;
   NativeWindow* n = Native(w);
@@ -91,7 +90,7 @@ uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
 }
 
 // Copies the rectangles of the buffer to the screen; Flush sends what is batched.
-void Present(WindowRef, const DeviceRect*, int) {}
+void Present(const Window*, const DeviceRect*, int) {}
 void Flush(bool) {}
 
 bool NextEvent(RawEvent* out) {
@@ -101,15 +100,10 @@ bool NextEvent(RawEvent* out) {
   return true;
 }
 
-// The connection, so that the loop sleeps until it can be read.
-int FileDescriptor() {
-  return -1;
-}
-
 }  // namespace
 
-// Entries that are left out may be null: no cursors, no grab, no beep, the system's clock, and the
-// platform itself waits on the descriptor.
+// Entries that may be null: no cursors, no grab, no beep, the system's clock. A display with a
+// connection names its descriptor, and the platform waits on it.
 const Display kSkeletonDisplay = {
     .name = "skeleton",
     .open = Open,
@@ -119,19 +113,16 @@ const Display kSkeletonDisplay = {
     .destroy_window = DestroyWindow,
     .map_window = MapWindow,
     .move_resize = MoveResize,
-    .set_title = SetTitle,
-    .set_hints = SetHints,
+    .update = Update,
     .raise = Raise,
-    .activate = Activate,
     .resize_buffer = ResizeBuffer,
     .present = Present,
     .flush = Flush,
-    .set_cursor = nullptr,
     .destroy_cursor = nullptr,
-    .grab_pointer = nullptr,
+    .grab = nullptr,
     .beep = nullptr,
     .next_event = NextEvent,
-    .file_descriptor = FileDescriptor,
+    .descriptors = nullptr,
     .wait = nullptr,
     .now = nullptr,
 };

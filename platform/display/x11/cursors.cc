@@ -19,6 +19,13 @@ xcb_cursor_context_t* theme = nullptr;
 xcb_cursor_t shapes[4] = {};  // by Cursor::Shape
 xcb_render_pictformat_t argb = 0;
 
+// The server's cursors of the program's pictures, for one scale each.
+struct Picture {
+  xcb_cursor_t id = XCB_NONE;
+  double scale = 0;
+};
+std::unordered_map<const Cursor*, Picture> pictures;
+
 // Names differ from theme to theme: the first that it has.
 xcb_cursor_t LoadShape(std::initializer_list<const char*> names) {
   if (theme == nullptr && xcb_cursor_context_new(x.c, x.screen, &theme) < 0) return XCB_NONE;
@@ -64,36 +71,12 @@ xcb_render_pictformat_t FindFormat() {
   return 0;
 }
 
-uint32_t Premultiply(uint32_t p) {
-  const uint32_t a = p >> 24;
-  auto part = [p, a](int shift) { return ((p >> shift & 0xFF) * a + 127) / 255 << shift; };
-  return a << 24 | part(16) | part(8) | part(0);
-}
-
-// The picture at device size: each logical pixel fills its rectangle, nothing is blurred.
-std::vector<uint32_t> DevicePixels(const Cursor& c, int width, int height) {
-  std::vector<uint32_t> out(size_t(width) * size_t(height));
-  for (int y = 0; y < c.height; ++y) {
-    for (int x0 = 0; x0 < c.width; ++x0) {
-      const uint32_t p = Premultiply(c.pixels[size_t(y) * size_t(c.width) + size_t(x0)]);
-      for (int dy = DeviceEdge(y, x.scale); dy < DeviceEdge(y + 1, x.scale); ++dy) {
-        auto row = out.begin() + long(dy) * width;
-        std::fill(row + DeviceEdge(x0, x.scale), row + DeviceEdge(x0 + 1, x.scale), p);
-      }
-    }
-  }
-  return out;
-}
-
 xcb_cursor_t PictureCursor(const Cursor& c) {
-  const int width = DeviceEdge(c.width, x.scale), height = DeviceEdge(c.height, x.scale);
-  if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide ||
-      c.pixels.size() < size_t(c.width) * size_t(c.height)) {
-    return XCB_NONE;
-  }
+  const CursorPicture p = PictureOf(c, x.scale);
+  const int width = p.width, height = p.height;
+  if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return XCB_NONE;
   if (argb == 0) argb = FindFormat();
   if (argb == 0) return XCB_NONE;
-  const std::vector<uint32_t> pixels = DevicePixels(c, width, height);
   const xcb_pixmap_t pixmap = xcb_generate_id(x.c);
   const xcb_gcontext_t gc = xcb_generate_id(x.c);
   const xcb_render_picture_t picture = xcb_generate_id(x.c);
@@ -105,12 +88,10 @@ xcb_cursor_t PictureCursor(const Cursor& c) {
     const int lines = std::min(rows, height - top);
     xcb_put_image(x.c, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, uint16_t(width), uint16_t(lines), 0,
                   int16_t(top), 0, 32, uint32_t(width * lines * 4),
-                  reinterpret_cast<const uint8_t*>(pixels.data() + long(top) * width));
+                  reinterpret_cast<const uint8_t*>(p.pixels.data() + long(top) * width));
   }
   xcb_render_create_picture(x.c, picture, pixmap, argb, 0, nullptr);
-  xcb_render_create_cursor(x.c, cursor, picture,
-                           uint16_t(std::clamp(DeviceEdge(c.hot_x, x.scale), 0, width - 1)),
-                           uint16_t(std::clamp(DeviceEdge(c.hot_y, x.scale), 0, height - 1)));
+  xcb_render_create_cursor(x.c, cursor, picture, uint16_t(p.hot_x), uint16_t(p.hot_y));
   xcb_render_free_picture(x.c, picture);
   xcb_free_gc(x.c, gc);
   xcb_free_pixmap(x.c, pixmap);
@@ -118,10 +99,12 @@ xcb_cursor_t PictureCursor(const Cursor& c) {
 }
 
 // What the server has of it.
-void FreeNative(CursorRef cursor) {
-  if (cursor == nullptr || cursor->native == 0) return;
-  const xcb_cursor_t gone = xcb_cursor_t(cursor->native);
-  cursor->native = 0;
+void FreeNative(const Cursor* cursor) {
+  const auto made = pictures.find(cursor);
+  if (made == pictures.end()) return;
+  const xcb_cursor_t gone = made->second.id;
+  pictures.erase(made);
+  if (gone == XCB_NONE) return;
   // Windows go on showing it until they are given another one.
   for (auto& [id, n] : x.windows) {
     if (n->cursor == gone) n->cursor = XCB_NONE;
@@ -129,77 +112,36 @@ void FreeNative(CursorRef cursor) {
   xcb_free_cursor(x.c, gone);
 }
 
-xcb_cursor_t NativeCursor(CursorRef c) {
+}  // namespace
+
+xcb_cursor_t NativeCursor(const Cursor* c) {
   if (c == nullptr || c->shape != Cursor::kPicture) {
     return ShapeCursor(c == nullptr ? Cursor::kArrow : c->shape);
   }
-  if (c->native_scale != x.scale) FreeNative(c);
-  if (c->native == 0) c->native = PictureCursor(*c);
-  c->native_scale = x.scale;
-  return xcb_cursor_t(c->native);
+  const auto made = pictures.find(c);
+  if (made != pictures.end() && made->second.scale != x.scale) FreeNative(c);
+  Picture& picture = pictures[c];
+  if (picture.id == XCB_NONE) picture = {PictureCursor(*c), x.scale};
+  return picture.id;
 }
 
-// The program's grab. The server refuses it for a window that is not on the screen (yet) and ends
-// it when the window leaves the screen; it is asked for again when the window comes up.
-struct Grab {
-  const Native* window = nullptr;
-  CursorRef cursor = nullptr;
-  bool held = false;
-};
-Grab grab;
-
-bool TryGrab() {
-  constexpr uint16_t kMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                             XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
-                             XCB_EVENT_MASK_LEAVE_WINDOW;
-  auto cookie =
-      xcb_grab_pointer(x.c, 0, grab.window->id, kMask, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
-                       XCB_NONE, NativeCursor(grab.cursor), XCB_CURRENT_TIME);
-  Reply<xcb_grab_pointer_reply_t> r(xcb_grab_pointer_reply(x.c, cookie, nullptr));
-  grab.held = r && r->status == XCB_GRAB_STATUS_SUCCESS;
-  return grab.held;
-}
-
-}  // namespace
-
-void SetCursor(WindowRef w, CursorRef cursor) {
-  Native* n = NativeOf(w);
+void SetCursor(Native* n) {
   // Before the first frame the record's is enough: OpenCursors looks there.
-  if (n == nullptr || !x.late_done) return;
-  const xcb_cursor_t shown = NativeCursor(cursor);
+  if (!x.late_done) return;
+  const xcb_cursor_t shown = NativeCursor(n->w->cursor);
   if (shown == n->cursor) return;
   n->cursor = shown;
   xcb_change_window_attributes(x.c, n->id, XCB_CW_CURSOR, &shown);
 }
 
-void DestroyCursor(CursorRef cursor) {
-  if (grab.cursor == cursor) grab.cursor = nullptr;
+void DestroyCursor(const Cursor* cursor) {
+  DropGrabCursor(cursor);
   FreeNative(cursor);
-}
-
-bool GrabPointer(WindowRef w, CursorRef cursor) {
-  grab = {NativeOf(w), cursor, false};
-  if (grab.window != nullptr) return TryGrab();
-  xcb_ungrab_pointer(x.c, XCB_CURRENT_TIME);
-  xcb_flush(x.c);  // others wait for the pointer
-  return true;
-}
-
-void GrabWhenShown(const Native* n) {
-  if (n == grab.window && !grab.held) TryGrab();
-}
-
-void LoseGrab(const Native* n) {
-  if (n == grab.window) grab.held = false;
-}
-
-void ForgetGrab(const Native* n) {
-  if (n == grab.window) grab = {};
 }
 
 void OpenCursors() {
   for (auto& [id, n] : x.windows) {
-    if (n->cursor == XCB_NONE) SetCursor(n->w, n->w->cursor);
+    if (n->cursor == XCB_NONE) SetCursor(n);
   }
 }
 
@@ -210,6 +152,7 @@ void CloseCursors() {
   }
   if (theme != nullptr) xcb_cursor_context_free(theme);
   theme = nullptr;
+  pictures.clear();
   argb = 0;
 }
 

@@ -31,13 +31,18 @@ double LocalTime(xcb_timestamp_t t) {
   return k.server + k.offset;
 }
 
-// A later configure of the same window is waiting: this one is stale.
-bool Superseded(const xcb_configure_notify_event_t* e) {
+bool IsSent(const xcb_generic_event_t* e) {
+  return (e->response_type & 0x80) != 0;
+}
+
+// A later configure of the same window is waiting: this one is stale. One that was sent may be
+// forged, so it leaves a mark where it stands for one of the server's own.
+bool Superseded(Native* n, const xcb_generic_event_t* e) {
   for (const xcb_generic_event_t* p : x.pending) {
-    const auto* later = As<xcb_configure_notify_event_t>(p);
-    if ((p->response_type & 0x7F) == XCB_CONFIGURE_NOTIFY && later->window == e->window) {
-      return true;
-    }
+    if ((p->response_type & 0x7F) != XCB_CONFIGURE_NOTIFY) continue;
+    if (As<xcb_configure_notify_event_t>(p)->window != n->id) continue;
+    if (IsSent(p) && !IsSent(e)) n->check.passed_over = true;
+    return true;
   }
   return false;
 }
@@ -47,16 +52,20 @@ void OnConfigure(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_configure_notify_event_t>(event);
   if (e->window == x.screen->root) return;  // the monitors have an event of their own
   Native* n = FindNative(e->window);
-  if (n == nullptr || Superseded(e)) return;
-  int left = e->x, top = e->y;
-  if ((event->response_type & 0x80) == 0 && n->reparented) {
+  if (n == nullptr || Superseded(n, event)) return;
+  DeviceRect bounds{e->x, e->y, e->x + e->width, e->y + e->height};
+  if (IsSent(event)) {
+    TakeToldBounds(n, bounds, event->full_sequence);
+    return;
+  }
+  if (n->reparented) {
     Reply<xcb_translate_coordinates_reply_t> at(xcb_translate_coordinates_reply(
         x.c, xcb_translate_coordinates(x.c, n->id, x.screen->root, 0, 0), nullptr));
     if (!at) return;
-    left = at->dst_x;
-    top = at->dst_y;
+    bounds = {at->dst_x, at->dst_y, at->dst_x + e->width, at->dst_y + e->height};
   }
-  TakeBounds(n, {left, top, left + e->width, top + e->height}, e->sequence);
+  n->check.passed_over = false;
+  TakeBounds(n, bounds, event->full_sequence);
 }
 
 void OnReparent(const xcb_generic_event_t* event) {
@@ -70,7 +79,6 @@ void OnReparent(const xcb_generic_event_t* event) {
 void OnMap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_map_notify_event_t>(event)->window)) {
     TakeMapped(n);
-    Emit(RawEvent::kShown, n);
   }
 }
 
@@ -78,7 +86,6 @@ void OnUnmap(const xcb_generic_event_t* event) {
   if (Native* n = FindNative(As<xcb_unmap_notify_event_t>(event)->window)) {
     if (n->w->focused) ReleaseKeys(n, 0);
     LoseGrab(n);
-    Emit(RawEvent::kHidden, n);
   }
 }
 
@@ -99,8 +106,10 @@ void OnFocus(const xcb_generic_event_t* event) {
   Native* n = FindNative(e->event);
   const bool in = (event->response_type & 0x7F) == XCB_FOCUS_IN;
   if (n == nullptr) return;
-  if (!in) ReleaseKeys(n, 0);
   const bool transient = e->mode == XCB_NOTIFY_MODE_GRAB || e->mode == XCB_NOTIFY_MODE_UNGRAB;
+  // A keyboard that the program itself takes, or gives back, still brings the releases.
+  const bool own = transient && (GrabsKeyboard() || e->mode == XCB_NOTIFY_MODE_UNGRAB);
+  if (!in && !own) ReleaseKeys(n, 0);
   const bool by_pointer =
       e->detail == XCB_NOTIFY_DETAIL_POINTER || e->detail == XCB_NOTIFY_DETAIL_POINTER_ROOT;
   if (transient || by_pointer || e->detail == XCB_NOTIFY_DETAIL_INFERIOR) return;
@@ -222,7 +231,7 @@ constexpr Route kRoutes[] = {
 
 void Dispatch(const xcb_generic_event_t* event) {
   const uint8_t type = event->response_type & 0x7F;
-  const bool sent = (event->response_type & 0x80) != 0;
+  const bool sent = IsSent(event);
   if (x.randr_event != 0 && type == x.randr_event + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
     if (!sent) RefreshScreens();
   } else if (x.xkb_event != 0 && type == x.xkb_event) {
@@ -282,6 +291,7 @@ static void TakePending() {
     free(e);
     if (x.pending.empty()) Pump();
   }
+  if (x.out.empty()) TakeChecks();
 }
 
 bool NextEvent(RawEvent* out) {
@@ -309,7 +319,7 @@ bool NextEvent(RawEvent* out) {
   if (out->type == RawEvent::kOpenFile) {
     x.path = std::move(x.paths.front());
     x.paths.pop_front();
-    out->path = x.path.c_str();
+    out->text = x.path.c_str();
   }
   return true;
 }

@@ -19,20 +19,23 @@ bool BehindAnother(const Native& n) {
 
 void Map(Native* n) {
   // Before it is asked for: as yet the window manager keeps no state of it.
-  SetHints(n->w);
+  SetHints(n);
   WriteStates(n);
   if (x.user_time != 0) {
     xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, n->id, Atom(kNetWmUserTime), XCB_ATOM_CARDINAL,
                         32, 1, &x.user_time);
   }
   n->phase = Native::kMapping;
+  // Nobody else raises a pop-up.
+  if (n->w->parent != nullptr) RaiseNative(n->w, kRaiseOnly, nullptr);
   xcb_map_window(x.c, n->id);
-  if (n->activate) ActivateNative(n->w);
+  if (n->activate) Activate(n);
 }
 
 void Withdraw(Native* n) {
   n->phase = n->reparented ? Native::kWithdrawing : Native::kUnmapped;
   xcb_unmap_window(x.c, n->id);
+  if (n->w->parent != nullptr) return;
   // Tells the window manager that this is a withdrawal even when it was iconified.
   xcb_unmap_notify_event_t e{};
   e.response_type = XCB_UNMAP_NOTIFY;
@@ -50,9 +53,10 @@ void Step(Native* n) {
 
 }  // namespace
 
-void MapNative(WindowRef w, bool shown) {
+void MapNative(const Window* w, bool shown) {
   Native* n = NativeOf(w);
   if (n == nullptr || n->wanted == shown) return;
+  ForgetUnder();
   n->wanted = shown;
   n->activate = false;
   Step(n);

@@ -115,7 +115,7 @@ void RefuseSharedMemory() {
 
 }  // namespace
 
-uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride) {
+uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   Native* n = NativeOf(w);
   if (n == nullptr || width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) {
     return nullptr;
@@ -139,7 +139,7 @@ void FreeBuffer(Native* n) {
   n->attach_sequence = 0;
 }
 
-void Present(WindowRef w, const DeviceRect* rects, int count) {
+void Present(const Window* w, const DeviceRect* rects, int count) {
   Native* n = NativeOf(w);
   if (n == nullptr || n->pixels == nullptr) return;
   n->presented = true;

@@ -3,6 +3,7 @@
 #include <xcb/xinput.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "platform/display/x11/tablet.h"
 #include "platform/display/x11/x.h"
@@ -13,6 +14,7 @@ namespace {
 
 // Logical pixels of one notch of a wheel.
 constexpr double kNotch = 48;
+constexpr int kDeepest = 8;  // windows of a window manager around one of ours
 // Buttons of the server, from 1 on: ours, and which way a notch of the wheel goes.
 struct ButtonMeaning {
   uint8_t button;
@@ -32,8 +34,16 @@ std::vector<PointerDevice> devices;
 struct Held {
   uint32_t buttons = 0;
   int device = 0;
+  const Window* window = nullptr;  // in which the first of them went down
+  uint32_t orphans = 0;            // whose window has ended: their release has none
 };
 Held held;
+
+// What was found under the pointer at the last press or release, and where that was.
+struct {
+  double root_x = 0, root_y = 0;
+  const Window* window = nullptr;
+} found;
 
 PointerDevice* FindDevice(int id) {
   for (PointerDevice& d : devices) {
@@ -44,6 +54,7 @@ PointerDevice* FindDevice(int id) {
 
 RawEvent* EmitPointer(RawEvent::Type type, Native* n, const PointerEvent& e) {
   RawEvent* out = Emit(type, n, e.time);
+  out->under = n->w;
   out->x = float(e.x);
   out->y = float(e.y);
   out->root_x = float(e.root_x);
@@ -63,6 +74,44 @@ void EmitScroll(Native* n, const PointerEvent& e, double dx, double dy) {
   out->dy = float(dy * kNotch);
 }
 
+// A button of a window that has ended comes up without a window.
+RawEvent* EmitRelease(Native* n, const PointerEvent& e, uint8_t button) {
+  const uint32_t bit = 1u << button;
+  held.buttons &= ~bit;
+  RawEvent* out = EmitPointer(RawEvent::kRelease, n, e);
+  out->button = button;
+  if ((held.orphans & bit) != 0) out->window = nullptr;
+  held.orphans &= ~bit;
+  return out;
+}
+
+// The program's window that the screen shows at a point, down from the window manager's frame.
+const Window* WindowAt(double root_x, double root_y) {
+  const auto left = int16_t(Clamp16(int(std::floor(root_x)))),
+             top = int16_t(Clamp16(int(std::floor(root_y))));
+  xcb_window_t in = x.screen->root;
+  for (int depth = 0; depth < kDeepest; ++depth) {
+    Reply<xcb_translate_coordinates_reply_t> at(xcb_translate_coordinates_reply(
+        x.c, xcb_translate_coordinates(x.c, x.screen->root, in, left, top), nullptr));
+    if (!at || at->child == XCB_NONE) return nullptr;
+    if (const Native* n = FindNative(at->child)) return n->w;
+    in = at->child;
+  }
+  return nullptr;
+}
+
+// What lies under a button. Only a window that has the pointer to itself, because of a grab or of
+// the button that is held, hears of the pointer elsewhere; a click does not move it.
+const Window* Under(const Native* n, const PointerEvent& e, bool captured) {
+  const bool its_own = !HoldsGrab(n) && (GrabsForProgram() || !captured);
+  if (its_own) {
+    found = {e.root_x, e.root_y, n->w};
+  } else if (found.window == nullptr || found.root_x != e.root_x || found.root_y != e.root_y) {
+    found = {e.root_x, e.root_y, WindowAt(e.root_x, e.root_y)};
+  }
+  return found.window;
+}
+
 // A release can happen where nobody hears of it: its window was destroyed or hidden with the button
 // down. The server's own list of held buttons, which comes with every event, tells.
 void ReleaseMissed(Native* n, const PointerEvent& e) {
@@ -72,8 +121,7 @@ void ReleaseMissed(Native* n, const PointerEvent& e) {
     const uint8_t button = kButtons[i].button;
     if (button == 0 || (held.buttons >> button & 1) == 0 || (e.buttons >> (i + 1) & 1) != 0)
       continue;
-    held.buttons &= ~(1u << button);
-    EmitPointer(RawEvent::kRelease, n, e)->button = button;
+    EmitRelease(n, e, button);
   }
 }
 
@@ -83,10 +131,18 @@ void OnButton(Native* n, const PointerEvent& e, bool press) {
   const ButtonMeaning& meaning = kButtons[e.detail - 1];
   if (press) x.user_time = e.time;
   if (meaning.button != 0) {
-    const uint32_t bit = 1u << meaning.button;
-    held.buttons = press ? held.buttons | bit : held.buttons & ~bit;
+    const Window* under = Under(n, e, held.buttons != 0);
     held.device = e.device;
-    EmitPointer(press ? RawEvent::kPress : RawEvent::kRelease, n, e)->button = meaning.button;
+    RawEvent* out = nullptr;
+    if (press) {
+      if (held.buttons == 0) held.window = n->w;
+      held.buttons |= 1u << meaning.button;
+      out = EmitPointer(RawEvent::kPress, n, e);
+      out->button = meaning.button;
+    } else {
+      out = EmitRelease(n, e, meaning.button);
+    }
+    out->under = under;
   } else if (press) {
     EmitScroll(n, e, meaning.dx, meaning.dy);
   }
@@ -204,6 +260,7 @@ void OpenPointer() {
 void ClosePointer() {
   devices.clear();
   held = Held{};
+  found = {};
 }
 
 void SelectPointer(const Native& n) {
@@ -213,6 +270,18 @@ void SelectPointer(const Native& n) {
     uint32_t mask;
   } select = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, kEvents};
   xcb_input_xi_select_events(x.c, n.id, 1, &select.head);
+}
+
+void ForgetUnder() {
+  found = {};
+}
+
+uint32_t DropReleased(uint16_t state) {
+  for (uint8_t i = 0; i < 5; ++i) {
+    // Bit 8 is the first button's.
+    if ((state >> (8 + i) & 1) == 0) held.buttons &= ~(1u << kButtons[i].button);
+  }
+  return held.buttons;
 }
 
 void HandleButton(const xcb_button_press_event_t* e, bool press) {
@@ -233,7 +302,7 @@ void HandleCrossing(const xcb_enter_notify_event_t* e, bool enter) {
   if (n == nullptr || e->mode == XCB_NOTIFY_MODE_GRAB || e->detail == XCB_NOTIFY_DETAIL_INFERIOR) {
     return;
   }
-  EmitPointer(enter ? RawEvent::kEnter : RawEvent::kLeave, n, FromCore(e));
+  if (!enter) EmitPointer(RawEvent::kLeave, n, FromCore(e));
 }
 
 void HandleInput2(const xcb_ge_generic_event_t* event) {
@@ -259,6 +328,12 @@ void HandleInput2(const xcb_ge_generic_event_t* event) {
   const bool emulated = (e.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) != 0;
   if (emulated && device != nullptr && ToldByPosition(*device, e.detail)) return;
   OnButton(n, e, event->event_type == XCB_INPUT_BUTTON_PRESS);
+}
+
+void ForgetPress(const Window* w) {
+  if (held.window != w) return;
+  held.orphans = held.buttons;
+  held.window = nullptr;
 }
 
 }  // namespace platform::x11

@@ -167,12 +167,17 @@ void ReadScreens() {
 
 void RefreshScreens() {
   const std::vector<Screen> old = x.screens;
+  const double scale = x.scale;
   ReadScreens();
   bool same = old.size() == x.screens.size();
   for (size_t i = 0; same && i < old.size(); ++i) {
     same = old[i].bounds == x.screens[i].bounds && old[i].scale == x.screens[i].scale;
   }
-  if (!same) Emit(RawEvent::kScreens, nullptr);
+  if (same) return;
+  Emit(RawEvent::kScreens, nullptr);
+  if (scale == x.scale) return;
+  // The settings of the desktop hold for all windows, wherever they are.
+  for (auto& [id, n] : x.windows) Emit(RawEvent::kScale, n)->scale = x.scale;
 }
 
 int Screens(Screen* out, int max) {

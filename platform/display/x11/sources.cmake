@@ -4,6 +4,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
   ${CMAKE_CURRENT_LIST_DIR}/drops.cc
   ${CMAKE_CURRENT_LIST_DIR}/events.cc
+  ${CMAKE_CURRENT_LIST_DIR}/grab.cc
   ${CMAKE_CURRENT_LIST_DIR}/hints.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
   ${CMAKE_CURRENT_LIST_DIR}/mapping.cc

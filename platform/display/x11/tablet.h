@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/events/events.h"
+#include "platform/events/event.h"
 
 namespace platform::x11 {
 

@@ -41,61 +41,73 @@ void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, cons
   xcb_send_event(x.c, 0, to, mask, reinterpret_cast<const char*>(&m));
 }
 
-bool CreateNative(WindowRef w) {
-  if (xcb_connection_has_error(x.c)) return false;
+void* CreateNative(const Window* w) {
+  if (xcb_connection_has_error(x.c)) return nullptr;
   auto* n = new Native;
-  const DeviceRect r = DeviceBounds(*w);
+  const DeviceRect r = Wanted(*w);
   n->w = w;
   n->id = xcb_generate_id(x.c);
   n->bounds = r;
   n->bounds_known = true;
   // No background, and pixels that stay where they are: a resize does not flash.
   const uint32_t mask = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY |
-                        XCB_CW_EVENT_MASK | (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
-  const uint32_t values[] = {XCB_BACK_PIXMAP_NONE, 0, XCB_GRAVITY_NORTH_WEST, kWindowEvents,
-                             x.colormap};
+                        XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
+                        (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
+  const uint32_t values[] = {XCB_BACK_PIXMAP_NONE,   0,
+                             XCB_GRAVITY_NORTH_WEST, w->parent != nullptr,
+                             kWindowEvents,          x.colormap};
   xcb_create_window(x.c, x.depth, n->id, x.screen->root, int16_t(Clamp16(r.left)),
                     int16_t(Clamp16(r.top)), uint16_t(Side(r.width())), uint16_t(Side(r.height())),
                     0, XCB_WINDOW_CLASS_INPUT_OUTPUT, x.visual, mask, values);
   if (x.leader == 0) x.leader = n->id;
-  w->native = n;
   x.windows[n->id] = n;
   SelectPointer(*n);
   SetIdentity(*n);
   MarkStartup(*n);
   MarkProgram(*n);
-  SetTitle(w);
-  SetHints(w);
-  if (x.late_done) SetCursor(w, w->cursor);
-  return true;
+  SetTitle(*n);
+  SetHints(n);
+  SetCursor(n);
+  if (r != DeviceBounds(*w)) EmitBounds(n, r);
+  return n;
 }
 
-void DestroyNative(WindowRef w) {
+void DestroyNative(const Window* w) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
   ForgetDrop(n);
   ForgetGrab(n);
+  ForgetUnder();
   ForgetAsked(n);
+  ForgetCheck(n);
   FreeBuffer(n);
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);
   if (x.leader == n->id) x.leader = XCB_NONE;
+  ForgetKeys(w);
+  ForgetPress(w);
+  for (RawEvent& e : x.out) {
+    if (e.under == w) e.under = nullptr;
+    if (e.window == w && IsRelease(e.type)) e.window = nullptr;
+  }
   std::erase_if(x.out, [w](const RawEvent& e) { return e.window == w; });
-  w->native = nullptr;
   delete n;
   StepDocked();
 }
 
-void RaiseNative(WindowRef w) {
+void RaiseNative(const Window* w, uint32_t how, const char* token) {
+  if (token != nullptr && *token != 0) UseToken(token);
   Native* n = NativeOf(w);
   if (n == nullptr) return;
+  ForgetUnder();
   const uint32_t above = XCB_STACK_MODE_ABOVE;
-  xcb_configure_window(x.c, n->id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+  if ((how & kRaiseOnly) != 0)
+    xcb_configure_window(x.c, n->id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+  if ((how & kRaiseFocus) != 0) Activate(n);
 }
 
-void ActivateNative(WindowRef w) {
-  Native* n = NativeOf(w);
-  if (n == nullptr || !n->wanted) return;
+void Activate(Native* n) {
+  if (!n->wanted) return;
   n->activate = !n->mapped();
   if (n->activate) return;
   if (!HasWindowManager()) {
@@ -114,15 +126,12 @@ void ActivateNative(WindowRef w) {
 void ReadFrameExtents(Native* n) {
   auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetFrameExtents), XCB_ATOM_CARDINAL, 0, 4);
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
-  Rect frame;
+  RawEvent* out = Emit(RawEvent::kFrame, n);
   if (reply && reply->format == 32 && xcb_get_property_value_length(reply.p) >= 16) {
     const auto* v = static_cast<const uint32_t*>(xcb_get_property_value(reply.p));
-    auto logical = [n](uint32_t device) {
-      return LogicalSize(int(std::min<uint32_t>(device, 4096)), n->w->surface.scale);
-    };
-    frame = {logical(v[0]), logical(v[2]), logical(v[1]), logical(v[3])};
+    auto width = [v](int i) { return int(std::min<uint32_t>(v[i], 4096)); };
+    out->frame = {width(0), width(2), width(1), width(3)};
   }
-  n->w->frame = frame;
 }
 
 }  // namespace platform::x11

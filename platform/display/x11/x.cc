@@ -105,21 +105,21 @@ void Disconnect() {
 }
 
 // Three batches in all: the connection's own, names and extensions, then what needed those.
-bool Open(const char* session_name) {
+OpenResult Open(const char* session_name) {
   const char* display = getenv("DISPLAY");
-  if (display == nullptr || *display == 0) return false;
+  if (display == nullptr || *display == 0) return OpenResult::kNotHere;
   int number = 0;
   x.c = xcb_connect(nullptr, &number);
   if (xcb_connection_has_error(x.c)) {
     Disconnect();
-    return false;
+    return OpenResult::kNotHere;
   }
   auto screens = xcb_setup_roots_iterator(xcb_get_setup(x.c));
   while (number-- > 0 && screens.rem > 1) xcb_screen_next(&screens);
   x.screen = screens.data;
   if (!ChooseVisual()) {
     Disconnect();
-    return false;
+    return OpenResult::kNotHere;
   }
   x.session_name = session_name != nullptr ? session_name : "";
   xcb_prefetch_extension_data(x.c, &xcb_shm_id);
@@ -137,7 +137,7 @@ bool Open(const char* session_name) {
   ReadScreens();
   TakeOthers();
   x.shm = SharedMemoryUsable(has_shm, version);
-  return true;
+  return OthersRun() ? OpenResult::kShared : OpenResult::kOpened;
 }
 
 void Close() {
@@ -153,8 +153,8 @@ void Beep() {
   xcb_bell(x.c, 0);
 }
 
-int FileDescriptor() {
-  return xcb_get_file_descriptor(x.c);
+void Descriptors(PollList* list) {
+  if (x.c != nullptr) list->push_back({xcb_get_file_descriptor(x.c), POLLIN, 0});
 }
 
 }  // namespace
@@ -172,26 +172,21 @@ const Display kX11Display = {
     .name = "x11",
     .open = x11::Open,
     .close = x11::Close,
-    .others_run = x11::OthersRun,
     .screens = x11::Screens,
     .create_window = x11::CreateNative,
     .destroy_window = x11::DestroyNative,
     .map_window = x11::MapNative,
     .move_resize = x11::MoveResizeNative,
-    .set_title = x11::SetTitle,
-    .set_hints = x11::SetHints,
+    .update = x11::UpdateNative,
     .raise = x11::RaiseNative,
-    .activate = x11::ActivateNative,
-    .use_token = x11::UseToken,
     .resize_buffer = x11::ResizeBuffer,
     .present = x11::Present,
     .flush = x11::Flush,
-    .set_cursor = x11::SetCursor,
     .destroy_cursor = x11::DestroyCursor,
-    .grab_pointer = x11::GrabPointer,
+    .grab = x11::Grab,
     .beep = x11::Beep,
     .next_event = x11::NextEvent,
-    .file_descriptor = x11::FileDescriptor,
+    .descriptors = x11::Descriptors,
     .wait = nullptr,
     .now = nullptr,
 };

@@ -10,54 +10,59 @@
 #include <vector>
 
 #include "platform/display/display.h"
-#include "platform/windows/window.h"
+#include "platform/display/screens.h"
+#include "platform/display/window.h"
+#include "platform/events/clock.h"
+#include "platform/events/queue.h"
+#include "platform/events/timers.h"
 
 namespace platform::x11 {
 
 // Every atom that is used, by the name of its constant. All are asked for in one batch.
-#define XW_ATOMS(ATOM)                                         \
-  ATOM(kUtf8String, "UTF8_STRING")                             \
-  ATOM(kWmProtocols, "WM_PROTOCOLS")                           \
-  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                    \
-  ATOM(kWmState, "WM_STATE")                                   \
-  ATOM(kNetWmPing, "_NET_WM_PING")                             \
-  ATOM(kNetWmName, "_NET_WM_NAME")                             \
-  ATOM(kNetWmPid, "_NET_WM_PID")                               \
-  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                    \
-  ATOM(kNetStartupId, "_NET_STARTUP_ID")                       \
-  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")        \
-  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                   \
-  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                 \
-  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                 \
-  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")      \
-  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                \
-  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")   \
-  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")   \
-  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY") \
-  ATOM(kNetWmState, "_NET_WM_STATE")                           \
-  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                \
-  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")      \
-  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")   \
-  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")       \
-  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                       \
-  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                   \
-  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")              \
-  ATOM(kManager, "MANAGER")                                    \
-  ATOM(kXdndAware, "XdndAware")                                \
-  ATOM(kXdndEnter, "XdndEnter")                                \
-  ATOM(kXdndPosition, "XdndPosition")                          \
-  ATOM(kXdndStatus, "XdndStatus")                              \
-  ATOM(kXdndLeave, "XdndLeave")                                \
-  ATOM(kXdndDrop, "XdndDrop")                                  \
-  ATOM(kXdndFinished, "XdndFinished")                          \
-  ATOM(kXdndSelection, "XdndSelection")                        \
-  ATOM(kXdndTypeList, "XdndTypeList")                          \
-  ATOM(kXdndActionCopy, "XdndActionCopy")                      \
-  ATOM(kTextUriList, "text/uri-list")                          \
-  ATOM(kXwDrop, "_XW_DROP")                                    \
-  ATOM(kIncr, "INCR")                                          \
-  ATOM(kAbsPressure, "Abs Pressure")                           \
-  ATOM(kAbsTiltX, "Abs Tilt X")                                \
+#define XW_ATOMS(ATOM)                                          \
+  ATOM(kUtf8String, "UTF8_STRING")                              \
+  ATOM(kWmProtocols, "WM_PROTOCOLS")                            \
+  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                     \
+  ATOM(kWmState, "WM_STATE")                                    \
+  ATOM(kNetWmPing, "_NET_WM_PING")                              \
+  ATOM(kNetWmName, "_NET_WM_NAME")                              \
+  ATOM(kNetWmPid, "_NET_WM_PID")                                \
+  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                     \
+  ATOM(kNetStartupId, "_NET_STARTUP_ID")                        \
+  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")         \
+  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                    \
+  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                  \
+  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                  \
+  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")       \
+  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                 \
+  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")    \
+  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")    \
+  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")  \
+  ATOM(kNetWmWindowTypePopUp, "_NET_WM_WINDOW_TYPE_POPUP_MENU") \
+  ATOM(kNetWmState, "_NET_WM_STATE")                            \
+  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                 \
+  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")       \
+  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")    \
+  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")        \
+  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                        \
+  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                    \
+  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")               \
+  ATOM(kManager, "MANAGER")                                     \
+  ATOM(kXdndAware, "XdndAware")                                 \
+  ATOM(kXdndEnter, "XdndEnter")                                 \
+  ATOM(kXdndPosition, "XdndPosition")                           \
+  ATOM(kXdndStatus, "XdndStatus")                               \
+  ATOM(kXdndLeave, "XdndLeave")                                 \
+  ATOM(kXdndDrop, "XdndDrop")                                   \
+  ATOM(kXdndFinished, "XdndFinished")                           \
+  ATOM(kXdndSelection, "XdndSelection")                         \
+  ATOM(kXdndTypeList, "XdndTypeList")                           \
+  ATOM(kXdndActionCopy, "XdndActionCopy")                       \
+  ATOM(kTextUriList, "text/uri-list")                           \
+  ATOM(kXwDrop, "_XW_DROP")                                     \
+  ATOM(kIncr, "INCR")                                           \
+  ATOM(kAbsPressure, "Abs Pressure")                            \
+  ATOM(kAbsTiltX, "Abs Tilt X")                                 \
   ATOM(kAbsTiltY, "Abs Tilt Y")
 
 enum AtomIndex {
@@ -69,7 +74,7 @@ enum AtomIndex {
 
 // What the display keeps of one window.
 struct Native {
-  WindowRef w = nullptr;
+  const Window* w = nullptr;
   xcb_window_t id = 0;
   // Pixels. `rows` x `stride` is what the memory holds; width and height are what is in use.
   uint32_t* pixels = nullptr;
@@ -92,6 +97,12 @@ struct Native {
     DeviceRect held;                       // the last other bounds that came meanwhile
     EventLoopTimerRef patience = nullptr;  // runs while something is held
   } asked;
+  // The question to the server where the window is, asked when an event that another program sent
+  // tells of other bounds than the known ones. Sequence numbers of its two requests; 0: not asked.
+  struct {
+    unsigned place = 0, size = 0;
+    bool passed_over = false;  // an event of the server's own, for one that was sent after it
+  } check;
   bool reparented = false;
   // Whether the program wants it shown, and how far that has come.
   bool wanted = false;
@@ -130,6 +141,7 @@ struct State {
     double server = 0, offset = 0;
   } clock;
   std::unordered_map<xcb_window_t, Native*> windows;
+  int checks = 0;                            // windows about whose place the server has been asked
   std::deque<xcb_generic_event_t*> pending;  // read, not looked at
   std::deque<RawEvent> out;                  // made, not handed out
   std::deque<std::string> paths;             // of the files to open in `out`, in their order
@@ -138,7 +150,7 @@ struct State {
 };
 extern State x;
 
-inline Native* NativeOf(WindowRef w) {
+inline Native* NativeOf(const Window* w) {
   return w != nullptr ? static_cast<Native*>(w->native) : nullptr;
 }
 Native* FindNative(xcb_window_t id);
@@ -166,34 +178,46 @@ struct Reply {
 };
 
 // --- bounds.cc
-// Asks for DeviceBounds(*w).
-void MoveResizeNative(WindowRef w);
+// Where the window shall be.
+DeviceRect Wanted(const Window& w);
+// Asks for that.
+void MoveResizeNative(const Window* w);
+// Reports bounds.
+void EmitBounds(Native* n, const DeviceRect& r);
 // What the server says of the window's place, in an event with this sequence number.
-void TakeBounds(Native* n, const DeviceRect& bounds, uint16_t sequence);
+void TakeBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
+// The same out of an event that was sent by a program: the window manager, or one that pretends.
+void TakeToldBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
+// Takes the answers to the questions that TakeToldBounds has asked, as far as they have come.
+void TakeChecks();
 void ForgetAsked(Native* n);
+void ForgetCheck(Native* n);
 
 // --- windows.cc, hints.cc
-bool CreateNative(WindowRef w);
-void DestroyNative(WindowRef w);
-void RaiseNative(WindowRef w);
-void ActivateNative(WindowRef w);
+void* CreateNative(const Window* w);
+void DestroyNative(const Window* w);
+void RaiseNative(const Window* w, uint32_t how, const char* token);
+// Asks for the focus, now or once it is mapped.
+void Activate(Native* n);
 // What never changes: class, process, protocols.
 void SetIdentity(const Native& n);
-void SetTitle(WindowRef w);
-void SetHints(WindowRef w);
+void UpdateNative(const Window* w, uint32_t what);
+void SetTitle(const Native& n);
+void SetHints(Native* n);
 // Size hints only: when the size changes they may have to follow.
 void SetSizeHints(const Native& n);
 // The state property of a window that is about to be mapped.
 void WriteStates(Native* n);
-// The states as the window manager has them: the user may have ended full screen there.
+// The states as the window manager has them, reported where they have changed: the user may have
+// ended full screen there.
 void ReadStates(Native* n);
-// The window manager's frame, into the record.
+// The widths of the window manager's frame, reported.
 void ReadFrameExtents(Native* n);
 void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
                        uint32_t mask);
 
 // --- mapping.cc
-void MapNative(WindowRef w, bool shown);
+void MapNative(const Window* w, bool shown);
 // The window manager has the window, or there is none; it has let go of it.
 void TakeMapped(Native* n);
 void TakeWithdrawn(Native* n);
@@ -217,9 +241,9 @@ void EndStartup();
 void UseToken(const char* token);
 
 // --- pixels.cc
-uint32_t* ResizeBuffer(WindowRef w, int width, int height, int* stride);
+uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride);
 void FreeBuffer(Native* n);
-void Present(WindowRef w, const DeviceRect* rects, int count);
+void Present(const Window* w, const DeviceRect* rects, int count);
 void Flush(bool wait);
 // An error of the server; true when it was about shared memory and has been dealt with.
 bool HandleSharedMemoryError(const xcb_generic_error_t* error);
@@ -255,6 +279,9 @@ void HandleKey(const xcb_key_press_event_t* e, bool press);
 void HandleXkb(const xcb_generic_event_t* event);
 // Ends every held key: the releases will not reach the program.
 void ReleaseKeys(Native* n, xcb_timestamp_t time);
+// The window ends: what went down in it comes up without a window.
+void ForgetKeys(const Window* w);
+void ForgetPress(const Window* w);
 // `n` has the focus: what was pressed or released meanwhile is reported.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
@@ -268,18 +295,33 @@ void HandleButton(const xcb_button_press_event_t* e, bool press);
 void HandleMotion(const xcb_motion_notify_event_t* e);
 void HandleCrossing(const xcb_enter_notify_event_t* e, bool enter);
 void HandleInput2(const xcb_ge_generic_event_t* event);
+// Forgets the buttons that the server's state says are up; those that are still held, bit n for
+// button n.
+uint32_t DropReleased(uint16_t state);
+// Windows have come or gone: what lay under the pointer may be covered.
+void ForgetUnder();
 
 // --- cursors.cc
-void SetCursor(WindowRef w, CursorRef cursor);
-void DestroyCursor(CursorRef cursor);
-bool GrabPointer(WindowRef w, CursorRef cursor);
+// Shows the record's cursor.
+void SetCursor(Native* n);
+void DestroyCursor(const Cursor* cursor);
+// The server's cursor for one of the program's, null included.
+xcb_cursor_t NativeCursor(const Cursor* cursor);
+// Gives the windows made so far the theme's arrow.
+void OpenCursors();
+void CloseCursors();
+
+// --- grab.cc
+void Grab(const Window* w, GrabMode mode, const Cursor* cursor);
+// `n` has the pointer, in whichever mode; the windows of the program share it.
+bool HoldsGrab(const Native* n);
+bool GrabsForProgram();
+bool GrabsKeyboard();
 // The window is on the screen; it has left the screen; it ends.
 void GrabWhenShown(const Native* n);
 void LoseGrab(const Native* n);
 void ForgetGrab(const Native* n);
-// Gives the windows made so far the theme's arrow.
-void OpenCursors();
-void CloseCursors();
+void DropGrabCursor(const Cursor* cursor);
 
 // --- drops.cc
 bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e);

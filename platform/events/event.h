@@ -1,0 +1,124 @@
+// One event of the platform: its classes, kinds and fields. Everything about events runs on the
+// main thread.
+#pragma once
+#include <cstdint>
+
+#include "platform/base.h"
+
+namespace platform {
+
+constexpr uint32_t kEventClassMouse = FourCC("mous");
+constexpr uint32_t kEventClassKeyboard = FourCC("keyb");
+constexpr uint32_t kEventClassWindow = FourCC("wind");
+constexpr uint32_t kEventClassApplication = FourCC("appl");
+constexpr uint32_t kEventClassAppleEvent = FourCC("eppc");
+constexpr uint32_t kEventClassCommand = FourCC("cmds");
+constexpr uint32_t kEventClassMenu = FourCC("menu");
+constexpr uint32_t kEventClassControl = FourCC("cntl");
+constexpr uint32_t kEventClassSystem = FourCC("macs");
+
+enum : uint32_t {
+  kEventMouseDown = 1,
+  kEventMouseUp = 2,
+  kEventMouseMoved = 5,
+  kEventMouseDragged = 6,
+  kEventMouseWheelMoved = 10,
+  kEventRawKeyDown = 1,
+  kEventRawKeyRepeat = 2,
+  kEventRawKeyUp = 3,
+  kEventRawKeyModifiersChanged = 4,
+  kEventWindowDrawContent = 2,
+  kEventWindowBoundsChanging = 26,
+  kEventWindowBoundsChanged = 27,
+  kEventWindowClickResizeRgn = 33,
+  kEventWindowCursorChange = 40,
+  kEventWindowClose = 72,
+  kEventWindowZoom = 75,
+  kEventWindowFocusAcquired = 200,    // the desktop itself has moved the input focus to the window
+  kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
+  kEventWindowCreated = 2000,         // sent to the application
+  kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27
+  kEventAppActivated = 1,
+  kEventAppDeactivated = 2,
+  kEventAppleEvent = 1,
+  kEventCommandProcess = 1,
+  kEventMenuOpening = 4,
+  kEventSystemDisplayReconfigured = 4,  // the main screen has another size or scale
+};
+
+// The high-level requests of the desktop (class 'eppc'), in RequestFields::id.
+constexpr uint32_t kAEQuitApplication = FourCC("quit");
+constexpr uint32_t kAEOpenDocuments = FourCC("odoc");
+constexpr uint32_t kHICommandQuit = FourCC("quit");
+constexpr uint32_t kHICommandPreferences = FourCC("pref");
+
+// Modifier bits of KeyFields::modifiers.
+enum : uint32_t {
+  cmdKey = 0x100,
+  shiftKey = 0x200,
+  alphaLock = 0x400,
+  optionKey = 0x800,
+  controlKey = 0x1000,
+  rightShiftKey = 0x2000,
+  rightOptionKey = 0x4000,
+  rightControlKey = 0x8000,
+};
+
+struct TabletPoint {
+  uint16_t buttons;   // bit 0 tip, 1 and 2 the side buttons
+  uint16_t pressure;  // 0..65535
+  int16_t tilt_x, tilt_y;
+};
+constexpr uint32_t kEventTabletPoint = 1;
+
+struct MouseFields {
+  Point where;           // global
+  uint16_t button;       // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
+  uint16_t tablet_type;  // kEventTabletPoint, else 0
+  TabletPoint tablet;
+  float dx, dy;     // wheel: logical pixels
+  WindowRef under;  // press, release: what lies under the pointer, whoever gets the event
+};
+// Bytes of the text that one key may type.
+constexpr int kTypedText = 15;
+struct KeyFields {
+  uint32_t key_code;  // virtual key
+  uint32_t modifiers;
+  uint32_t keysym, base_keysym, native_code;
+  uint8_t character;          // of the toolkit's set; 0 none
+  char text[kTypedText + 1];  // UTF-8 that it typed, cut between characters; "" for a release
+};
+struct BoundsFields {
+  Rect original, current;  // content, global
+  bool programmatic;       // moved by the program, not by the user or the desktop
+  bool placement;          // the place that a new window was given by the desktop
+  bool replayed;           // out of a recording: the desktop does not know of it
+  float scale;             // the window's at these bounds; 0: as before
+};
+struct RequestFields {
+  uint32_t id;               // quit, odoc; a command
+  const char* const* files;  // odoc: absolute local paths, valid during the dispatch
+  int file_count;
+};
+
+// One platform event. `cls` and `kind` say which member of the union is valid.
+struct Event {
+  uint32_t cls = 0, kind = 0;
+  double time = 0;             // seconds on the display's clock
+  WindowRef window = nullptr;  // the native window it happened in; null for application events
+  void* payload = nullptr;     // user events: exactly one owner; the receiver frees it
+  union {
+    MouseFields mouse;
+    KeyFields key;
+    BoundsFields bounds;
+    RequestFields request;
+  };
+  // A program's own event: whoever receives it owns the payload.
+  bool posted() const { return payload && cls != kEventClassAppleEvent; }
+  Event() : bounds{} {}
+  Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}
+};
+// The queue holds thousands of them.
+static_assert(sizeof(Event) == 72 || sizeof(void*) != 8);
+
+}  // namespace platform

@@ -1,0 +1,74 @@
+// What a display or the desktop reports, before any translation, and the reports that wait.
+#pragma once
+#include "platform/events/event.h"
+
+namespace platform {
+
+// What the display reports, before any translation. Coordinates are device pixels.
+struct RawEvent {
+  enum Type : uint8_t {
+    kNone,
+    kMotion,
+    kPress,
+    kRelease,  // x, y, root_x, root_y, under, button, tablet, modifiers
+    kScroll,   // dx, dy: logical pixels, positive is right and down
+    kLeave,    // x, y, root_x, root_y: where the pointer is now
+    kKeyDown,
+    kKeyRepeat,
+    kKeyUp,      // keycode, keysym, base_keysym, unicode, typed, modifiers
+    kModifiers,  // modifiers
+    // root_x, root_y: the buffer's corner; width, height: its size; scale: what it has there, 0 as
+    // before
+    kConfigure,
+    kExpose,  // x, y, width, height: pixels lost on the screen; the buffer still has them
+    kLost,    // content lost: it must be drawn again
+    kClose,   // the user asks for it
+    kFocusIn,
+    kFocusOut,
+    kFrame,     // frame: the widths of the desktop's frame around the buffer
+    kState,     // state: those bits of WindowState that the desktop decides, as they are now
+    kScale,     // scale: the window's, from now on
+    kGrabLost,  // held: a grab of the pointer is refused or has ended by itself
+    kQuit,      // SIGTERM, the session's end
+    kPreferences,
+    kOpenFile,     // text: a path, absolute and local
+    kActivate,     // the first window shall come forward; text: the activation token, may be null
+    kLetGo,        // windows that were held back come onto the screen
+    kScreens,      // the screens or the scale changed
+    kDisplayLost,  // the connection is gone
+  } type = kNone;
+  uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
+  uint8_t tablet_type = 0;
+  const Window* window = nullptr;
+  double time = 0;     // seconds on now()
+  float x = 0, y = 0;  // relative to the buffer's corner
+  float root_x = 0, root_y = 0;
+  // The program's window that lies under the pointer, whichever gets the report; null: none.
+  const Window* under = nullptr;
+  float dx = 0, dy = 0;
+  TabletPoint tablet{};
+  int width = 0, height = 0;
+  uint32_t modifiers = 0;  // cmdKey ...
+  uint32_t keycode = 0, keysym = 0, base_keysym = 0;
+  uint32_t unicode = 0;  // 0: none
+  // UTF-8 that the key typed where it is more than that one character; else "".
+  char typed[kTypedText + 1] = {};
+  uint32_t held = 0;  // buttons that are still down, bit n for button n
+  uint32_t state = 0;
+  double scale = 0;
+  DeviceRect frame;
+  const char* text = nullptr;  // valid until the next report is taken
+};
+
+// Reports that let go of something: they count also when their window has ended.
+inline bool IsRelease(RawEvent::Type type) {
+  return type == RawEvent::kRelease || type == RawEvent::kKeyUp || type == RawEvent::kModifiers;
+}
+
+// Appends a report that does not come from the display itself. Its text is copied.
+void PostRawEvent(const RawEvent& raw);
+// Takes the next one; false when none waits.
+bool TakePostedRawEvent(RawEvent* out);
+void FinishRawEvents();
+
+}  // namespace platform

@@ -1,0 +1,20 @@
+#include "platform/fonts/state.h"
+
+namespace platform {
+namespace {
+
+FontState* state = nullptr;
+
+}  // namespace
+
+FontState& Fonts() {
+  if (!state) state = new FontState;
+  return *state;
+}
+
+void FinishFonts() {
+  delete state;
+  state = nullptr;
+}
+
+}  // namespace platform

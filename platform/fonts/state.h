@@ -1,0 +1,21 @@
+// What the room of fonts keeps: made with the first font, freed by FinishFonts.
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "platform/fonts/face.h"
+#include "platform/fonts/finder.h"
+#include "platform/fonts/glyphs.h"
+
+namespace platform {
+
+struct FontState {
+  std::vector<std::unique_ptr<FontFace>> faces;
+  std::vector<std::unique_ptr<SizedFont>> sized;
+  std::unique_ptr<FontFinder> finder;
+  bool fallback_sought = false;
+  const FontFace* fallback = nullptr;
+};
+FontState& Fonts();
+
+}  // namespace platform

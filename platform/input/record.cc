@@ -1,0 +1,245 @@
+#include "platform/input/record.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <vector>
+
+#include "platform/events/clock.h"
+#include "platform/events/queue.h"
+#include "platform/events/timers.h"
+#include "platform/input/record_line.h"
+#include "platform/input/translate.h"
+#include "platform/windows/internal.h"
+
+namespace platform {
+
+RecordMode record_mode = RecordMode::kNone;
+
+namespace {
+
+constexpr char kHeading[] = "xw-record 1\n";
+// Written with six digits.
+constexpr double kDigit = 1e-6;
+// Seconds that the replay waits for a take beyond its time.
+constexpr double kTakePatience = 20;
+// Beyond what a real clock's waits miss.
+constexpr double kLate = 0.005;
+
+struct Recording {
+  double start = 0;
+  FILE* file = nullptr;  // recording
+  std::vector<RecordLine> lines;
+  size_t next = 0;    // to be played
+  size_t played = 0;  // events that were played and may still be queued
+  std::string program, detail;
+  // What was asked for at this moment, and how often.
+  double asked_at = -1;
+  std::map<std::string, unsigned> asked;
+};
+Recording& Current() {
+  static auto* recording = new Recording;
+  return *recording;
+}
+
+bool Fail(const char* file, const char* why) {
+  fprintf(stderr, "%s: %s: %s\n", Current().program.c_str(), file, why);
+  return false;
+}
+
+bool ReadRecording(const char* name) {
+  FILE* f = fopen(name, "re");
+  if (!f) return Fail(name, strerror(errno));
+  char* text = nullptr;
+  size_t size = 0;
+  bool good = getline(&text, &size, f) > 0 && !strcmp(text, kHeading);
+  if (!good) Fail(name, "is no recording");
+  for (int number = 2; good && getline(&text, &size, f) > 0; ++number) {
+    text[strcspn(text, "\n")] = 0;
+    RecordLine line;
+    if (*text == 0 || *text == '#') continue;
+    good = ParseRecordLine(text, &line) &&
+           (Current().lines.empty() || line.time >= Current().lines.back().time);
+    if (!good) Fail(name, ("line " + std::to_string(number) + " is faulty").c_str());
+    Current().lines.push_back(line);
+  }
+  free(text);
+  fclose(f);
+  return good;
+}
+
+WindowRef WindowOfNumber(unsigned number) {
+  for (WindowRef w : WindowList())
+    if (w->number == number) return w;
+  return nullptr;
+}
+
+void Write(RecordLine line) {
+  Recording& r = Current();
+  const double now = GetCurrentEventTime();
+  line.time = now - r.start;
+  line.after_timers = TimersFiredAt() == now;
+  if (line.raw.time > 0) line.raw.time -= r.start;
+  fprintf(r.file, "%s\n", FormatRecordLine(line).c_str());
+  // A recording is read when the program has crashed.
+  fflush(r.file);
+}
+
+bool TimeHasCome(const RecordLine& line, double now) {
+  return line.time <= now - Current().start + kDigit;
+}
+
+bool TimeIsOver(const RecordLine& line, double now) {
+  return line.time < now - Current().start - kDigit;
+}
+
+// Its time has come, and the timers that fired before it have fired.
+bool IsDue(const RecordLine& line, double now) {
+  if (!TimeHasCome(line, now)) return false;
+  const double timer = line.after_timers ? NextTimer(now) : -1;
+  return timer < 0 || timer > kDigit;
+}
+
+void Play(const RecordLine& line) {
+  RawEvent raw = line.raw;
+  raw.time = line.raw.time + Current().start;
+  raw.window = line.window ? WindowOfNumber(line.window) : nullptr;
+  raw.under = line.under < 0 ? raw.window : WindowOfNumber(unsigned(line.under));
+  if (raw.type == RawEvent::kOpenFile) raw.text = line.path.c_str();
+  TranslateRawEvent(raw);
+}
+
+// How often it was asked for at this moment before. Where time is stepped, a program asks more than
+// once at one moment, and what has not come at the first may have come at the next.
+unsigned CountAsking(const char* what, double now) {
+  Recording& r = Current();
+  if (r.asked_at != now) r.asked.clear();
+  r.asked_at = now;
+  return r.asked[what]++;
+}
+
+// Nobody else could end it: on a display whose time is stepped nothing comes any more.
+void EndReplay() {
+  record_mode = RecordMode::kNone;
+  if (!intake_hints.stepped) return;
+  RawEvent quit;
+  quit.type = RawEvent::kQuit;
+  TranslateRawEvent(quit);
+}
+
+}  // namespace
+
+bool OpenRecord(const char* program) {
+  Recording& r = Current();
+  r = Recording();
+  r.program = program ? program : "";
+  r.start = GetCurrentEventTime();
+  const char* replay = getenv("XW_REPLAY");
+  if (replay && *replay) {
+    if (!ReadRecording(replay)) return false;
+    record_mode = RecordMode::kReplaying;
+    return true;
+  }
+  const char* record = getenv("XW_RECORD");
+  if (!record || !*record) return true;
+  r.file = fopen(record, "we");
+  if (!r.file) return Fail(record, strerror(errno));
+  fputs(kHeading, r.file);
+  record_mode = RecordMode::kRecording;
+  return true;
+}
+
+void CloseRecord() {
+  if (Current().file) fclose(Current().file);
+  Current() = Recording();
+  record_mode = RecordMode::kNone;
+}
+
+void TakeReport(const RawEvent& raw) {
+  if (record_mode == RecordMode::kNone || IsDisplaysOwn(raw.type)) {
+    TranslateRawEvent(raw);
+    return;
+  }
+  if (record_mode == RecordMode::kReplaying) {
+    // A replay can be ended from outside.
+    if (raw.type == RawEvent::kQuit) TranslateRawEvent(raw);
+    return;
+  }
+  RecordLine line;
+  line.raw = raw;
+  const bool live = IsValidWindow(raw.window);
+  if (!live && NamesWindow(raw.type) && !IsRelease(raw.type)) return;
+  if (live) {
+    line.window = raw.window->number;
+    const bool button = raw.type == RawEvent::kPress || raw.type == RawEvent::kRelease;
+    if (button && raw.under != raw.window)
+      line.under = IsValidWindow(raw.under) ? raw.under->number : 0;
+  }
+  if (raw.text) line.path = raw.text;
+  Write(line);
+  TranslateRawEvent(raw);
+}
+
+void ReplayDue() {
+  Recording& r = Current();
+  const double now = GetCurrentEventTime();
+  double group = -1;
+  while (r.next < r.lines.size() && IsDue(r.lines[r.next], now)) {
+    const RecordLine& line = r.lines[r.next];
+    // After a take that was waited for, what came together comes together.
+    const bool late = now - r.start > line.time + kLate;
+    if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
+    group = line.time;
+    if (line.take()) {
+      if (now - r.start < line.time + kTakePatience) return;
+      Fail("replay", ("nobody took up " + line.what).c_str());
+    }
+    ++r.next;
+    Play(line);
+    r.played = main_event_queue.size();
+  }
+  if (r.next == r.lines.size()) EndReplay();
+}
+
+bool ReplayHoldsTimers() {
+  Recording& r = Current();
+  if (intake_hints.stepped || main_event_queue.empty()) r.played = 0;
+  if (r.played == 0) return false;
+  --r.played;
+  return true;
+}
+
+double NextReplay(double now) {
+  const Recording& r = Current();
+  if (record_mode != RecordMode::kReplaying || r.next >= r.lines.size()) return -1;
+  const RecordLine& line = r.lines[r.next];
+  if (line.take()) return line.time + kTakePatience - (now - r.start);
+  // What is due and not played waits for a timer.
+  return TimeHasCome(line, now) ? -1 : line.time - (now - r.start);
+}
+
+const char* TakeUp(const char* what, const char* detail) {
+  Recording& r = Current();
+  if (record_mode == RecordMode::kNone) return detail;
+  const double now = GetCurrentEventTime();
+  const unsigned asked = CountAsking(what, now);
+  if (record_mode == RecordMode::kRecording) {
+    RecordLine line;
+    line.what = what;
+    line.asked = asked;
+    if (detail) line.detail = detail;
+    if (detail) Write(line);
+    return detail;
+  }
+  if (r.next >= r.lines.size()) return nullptr;
+  const RecordLine& line = r.lines[r.next];
+  if (line.what != what || !TimeHasCome(line, now)) return nullptr;
+  if (asked < line.asked && !TimeIsOver(line, now)) return nullptr;
+  r.detail = line.detail;
+  ++r.next;
+  return r.detail.c_str();
+}
+
+}  // namespace platform

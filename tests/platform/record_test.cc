@@ -1,0 +1,165 @@
+// Lines of a recording: what is written is read again; what is no line is refused.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "platform/display/headless/headless.h"
+#include "platform/events/timers.h"
+#include "platform/input/record.h"
+#include "platform/input/record_line.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
+#include "platform/windows/windows.h"
+#include "tests/support/seed.h"
+
+namespace platform {
+namespace {
+
+TEST(RecordLine, ReadsWhatItWrites) {
+  const char* const kLines[] = {
+      "0.000000 focus w1",
+      "0.350000 press w1 x=20 y=54.5 rx=50 ry=134 button=1 at=0.349",
+      "0.350000+ motion w12 x=-3 y=7",
+      "0.360000 leave w12 x=-3 y=900 rx=100 ry=1000",
+      "1.500000 motion w1 x=1 y=2 tablet=1 tip=1 pressure=65535 tilt-x=-32768 tilt-y=32767",
+      "2.000000 key-down w1 modifiers=4096 code=112 key=65293 base=65293 char=13",
+      "2.250000 scroll w1 x=5 y=6 dx=-0.5 dy=40",
+      "3.000000 configure w2 rx=40 ry=96 w=860 h=624",
+      "4.000000 open /a b/\\\\with\\nline",
+      "5.000000+ take server 51f0 quiet 0",
+      "5.000000+2 take server 51f0 quiet 0",
+      "6.000000 quit",
+  };
+  for (const char* text : kLines) {
+    RecordLine line;
+    ASSERT_TRUE(ParseRecordLine(text, &line)) << text;
+    EXPECT_EQ(FormatRecordLine(line), text);
+  }
+  RecordLine line;
+  ASSERT_TRUE(ParseRecordLine("4 open /a b/\\\\with\\nline", &line));
+  EXPECT_EQ(line.path, "/a b/\\with\nline");
+}
+
+TEST(RecordLine, RefusesWhatIsNone) {
+  const char* const kFaulty[] = {
+      "",          "1.0",           "x press w1",        "-1 press w1",        "1.0 jump w1",
+      "1.0 press", "1.0 press w0",  "1.0 press 1",       "1.0 press w1 x",     "1.0 press w1 x=",
+      "1.0 open",  "1.0 take",      "1.0 press w1 x=1y", "nan press w1",       "1.0++ press w1",
+      "1e99 quit", "1.0 press w-1", "1.0 press w1 z=1",  "1.0 press w1 x=inf", "1.0 quit now",
+      "1+1 quit",  "1+- take a b",  "1++1 take a b",
+  };
+  for (const char* text : kFaulty) {
+    RecordLine line;
+    EXPECT_FALSE(ParseRecordLine(text, &line)) << text;
+  }
+}
+
+TEST(RecordLine, TakesAnyBytes) {
+  support::Dice dice(support::Seed(5));
+  const std::string bits = "0123456789.+-= wxyhr\\nopentakequitpress\x80";
+  for (int i = 0; i < 20000; ++i) {
+    std::string text = i % 2 ? "1.0 press w1 " : "";
+    for (int n = dice.Between(0, 40); n-- > 0;)
+      text += bits[size_t(dice.Between(0, int(bits.size()) - 1))];
+    RecordLine line, again;
+    if (!ParseRecordLine(text, &line)) continue;
+    ASSERT_TRUE(ParseRecordLine(FormatRecordLine(line), &again)) << text;
+    ASSERT_EQ(FormatRecordLine(line), FormatRecordLine(again)) << text;
+  }
+}
+
+TEST(Journal, AFaultyFileIsToldAndNothingBegins) {
+  const struct {
+    const char* content;
+    const char* told;
+  } kRows[] = {{"", "is no recording"},
+               {"xw-record 2\n", "is no recording"},
+               {"xw-record 1\n0.1 press w1\n0.2 nothing\n", "line 3 is faulty"},
+               {"xw-record 1\n0.2 press w1\n\n0.1 press w1\n", "line 4 is faulty"}};
+  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  setenv("XW_DISPLAY", "headless", 1);
+  setenv("XW_REPLAY", file.c_str(), 1);
+  for (const auto& row : kRows) {
+    std::ofstream(file) << row.content;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(InitPlatform("journal"));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find(row.told), std::string::npos);
+  }
+  remove(file.c_str());
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(InitPlatform("journal"));
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("No such file"), std::string::npos);
+  unsetenv("XW_REPLAY");
+}
+
+// A program that asks twice at one moment.
+struct Asker {
+  int ready;  // the asking at which the result has come
+  int asked = 0, taken = 0;
+};
+void Ask(EventLoopTimerRef, void* data) {
+  auto* asker = static_cast<Asker*>(data);
+  const bool ready = ++asker->asked >= asker->ready;
+  if (TakeUp("news", ready && !asker->taken ? "of the day" : nullptr)) asker->taken = asker->asked;
+}
+
+// The number of the asking that took the result up.
+int AskTwice(const char* variable, const std::string& file, int ready) {
+  setenv(variable, file.c_str(), 1);
+  EXPECT_TRUE(OpenRecord("journal"));
+  unsetenv(variable);
+  Asker asker{ready};
+  const EventLoopTimerRef timers[] = {InstallEventLoopTimer(0.1, 0, Ask, &asker),
+                                      InstallEventLoopTimer(0.1, 0, Ask, &asker)};
+  Event event;
+  while (asker.asked < 2) ReceiveNextEvent(0.05, &event);
+  for (const EventLoopTimerRef timer : timers) RemoveEventLoopTimer(timer);
+  CloseRecord();
+  return asker.taken;
+}
+
+TEST(Journal, AResultIsTakenUpAtTheSameAskingOfAMoment) {
+  setenv("XW_DISPLAY", "headless", 1);
+  headless::UseSteppedClock(1000);
+  ASSERT_TRUE(InitPlatform("journal"));
+  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  for (const int recorded : {1, 2}) {
+    EXPECT_EQ(AskTwice("XW_RECORD", file, recorded), recorded);
+    for (const int ready : {1, 2, 3}) EXPECT_EQ(AskTwice("XW_REPLAY", file, ready), recorded);
+  }
+  remove(file.c_str());
+}
+
+// On a real clock timers are due all the time; none fires among what was recorded together.
+TEST(Journal, TimersWaitForWhatIsPlayedTogether) {
+  setenv("XW_DISPLAY", "headless", 1);
+  ASSERT_TRUE(InitPlatform("journal"));
+  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  const WindowRef window = CreateNewWindow(kDocumentWindowClass, 0, {100, 100, 300, 300});
+  setenv("XW_REPLAY", file.c_str(), 1);
+  std::ofstream(file) << "xw-record 1\n0.02 press w1 x=9 y=9 button=1\n"
+                         "0.02 release w1 x=9 y=9 button=1\n9 quit\n";
+  ASSERT_TRUE(OpenRecord("journal"));
+  int fired = 0, at_press = -1;
+  InstallEventLoopTimer(
+      0, 1e-6, [](EventLoopTimerRef, void* count) { ++*static_cast<int*>(count); }, &fired);
+  Event event;
+  while (event.cls != kEventClassMouse || event.kind != kEventMouseUp) {
+    ReceiveNextEvent(0.001, &event);
+    if (event.cls == kEventClassMouse && event.kind == kEventMouseDown) at_press = fired;
+    usleep(100);
+  }
+  EXPECT_GT(at_press, 0);
+  EXPECT_EQ(fired, at_press);
+  ReceiveNextEvent(0.001, &event);
+  EXPECT_GT(fired, at_press);
+  CloseRecord();
+  DisposeWindow(window);
+  remove(file.c_str());
+}
+
+}  // namespace
+}  // namespace platform

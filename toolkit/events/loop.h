@@ -1,0 +1,6 @@
+// Waiting for events and handing them to the windows that they are addressed to.
+#pragma once
+#include "toolkit/xw.h"
+
+// The innermost wait under way keeps events of this window from its handlers.
+bool WaitKeepsOut(XwWindow* w);
