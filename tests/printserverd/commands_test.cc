@@ -116,6 +116,7 @@ TEST_F(Commands, TicketsThatAreRefused) {
       {"copies=0\ncopies=1\n", NC_STATUS_BAD_TICKET},
       {"colour=12345\n", NC_STATUS_BAD_TICKET},
       {"colour=12345g\n", NC_STATUS_BAD_TICKET},
+      {"colour=1234567\n", NC_STATUS_BAD_TICKET},
       {"priority=0\n", NC_STATUS_BAD_TICKET},
       {"priority=101\n", NC_STATUS_BAD_TICKET},
       {"hold=2\n", NC_STATUS_BAD_TICKET},

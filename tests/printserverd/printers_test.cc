@@ -199,6 +199,15 @@ TEST_F(Printing, AgainFromItsBeginning) {
     ASSERT_EQ(FilesIn(daemon.Path(folder)).size(), 1U);
     EXPECT_EQ(ReadWhole(daemon.Path(folder + ("/" + FilesIn(daemon.Path(folder))[0]))), "document");
   }
+  // A crash does not take its earlier output for the one that is wanted.
+  EXPECT_EQ(Tell(fd, "B", "paused=1\n"), 1);
+  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  StartWith(kTwo);
+  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
+  EXPECT_EQ(Tell(fd, "B", "paused=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(FilesIn(daemon.Path("printed/b")).size(), 2U);
   // Without its document it cannot.
   std::filesystem::remove(daemon.Path("jobs/" + IdText(id) + ".doc"));
   EXPECT_EQ(Stop(SIGTERM), 0);
