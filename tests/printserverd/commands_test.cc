@@ -251,14 +251,6 @@ TEST_F(Commands, PaperRunsOut) {
   EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
 }
 
-TEST_F(Commands, PaperIsLoadedByItself) {
-  StartWith("[printer]\nname=P\nrate=0\npaper=1\nsheet-bytes=10\nrefill-seconds=1\n");
-  uint8_t id[16];
-  ASSERT_EQ(Send(fd, "", "123456789012345", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-}
-
 TEST_F(Commands, GamutFiles) {
   Start();
   const std::string big(300000, 'g');
