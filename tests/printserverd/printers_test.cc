@@ -169,6 +169,12 @@ TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
   EXPECT_EQ(outputs("2"), "-short -folder ");
   EXPECT_EQ(FilesIn(folder).size(), 7U);
   EXPECT_TRUE(FilesIn(folder)[2].starts_with("0000000003-")) << FilesIn(folder)[2];
+  // Nor do they come back after somebody has taken all outputs.
+  std::filesystem::remove_all(folder);
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  StartWith(config);
+  print("six");
+  EXPECT_GT(FilesIn(folder)[0], "0000000006");
 }
 
 TEST_F(Printing, AgainFromItsBeginning) {

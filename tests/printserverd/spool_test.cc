@@ -244,6 +244,9 @@ TEST_F(Spool, NothingIsSaidToBeDoneThatIsNotOnTheDisk) {
     const auto act = [&] {
       memcpy(printer, Printers(fd)[0].id, 16);
       const int status = Change(fd, printer, "paused=1\n");
+      if (sync < 3) {
+        EXPECT_EQ(Change(fd, printer, "accepting=1\n"), 1);
+      }
       EXPECT_EQ(Printers(fd)[0].paused, sync < 3 ? 0 : 1);
       return status;
     };
