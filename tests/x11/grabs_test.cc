@@ -134,8 +134,8 @@ TEST_F(Grabs, ARefusalIsTold) {
   EXPECT_TRUE(Wait(RawEvent::kGrabLost)) << "and lost with its window";
 }
 
-int Note(int type) {
-  return type == XWE_TIMER ? type : 0;
+int Note(int) {
+  return 0;
 }
 
 class ToolkitGrabs : public Grabs {
@@ -146,19 +146,28 @@ class ToolkitGrabs : public Grabs {
     XwEndSession();
     Grabs::TearDown();
   }
-  // The toolkit's own loop, in turns of a timer.
-  static bool Run(const std::function<bool()>& done) {
+  // The toolkit's own loop, without a timer: its events would carry the buttons from when it fired.
+  bool Run(const std::function<bool()>& done) {
     return support::Eventually([&] {
-      while (XwWaitEvent(nullptr) != XWE_TIMER) {
+      while (const int type = XwGetEvent(nullptr, 1)) {
+        presses += type == XWE_PRESS && Inp.window == over;
       }
       return done();
     });
   }
-  static void Rest() {
+  void Rest() {
     int quiet = 0;
-    Run([&] { return ++quiet > 20; });
+    Run([&] { return ++quiet > 40; });
+  }
+  static WindowRef Window(XwWindow* w) { return static_cast<WindowRef>(w->platform); }
+  // Shown by the server, and nothing is left to come.
+  void Appear(XwWindow* w) {
+    XwShow(w, 1);
+    ASSERT_TRUE(Run([&] { return user().Viewable(Id(Window(w))); }));
+    Rest();
   }
   XwWindow *top = nullptr, *over = nullptr;
+  int presses = 0;  // of `over`
 };
 
 // The variables are set whatever the server says, and what it says takes the buttons away.
@@ -166,8 +175,7 @@ TEST_F(ToolkitGrabs, AnotherProgramHasThePointer) {
   StartServer("", {});
   XwSession("Session", "Grabs", 0);
   top = XwCreate(nullptr, 200, 150, 200, 100, Note);
-  XwTimer(top, 9, 2);
-  XwShow(top, 1);
+  Appear(top);
   XwSetFocus(top);
   Rest();
   user().Move(250, 200);
@@ -178,8 +186,7 @@ TEST_F(ToolkitGrabs, AnotherProgramHasThePointer) {
   ASSERT_TRUE(support::Eventually([&] { return Steal(); }));
   user().Button(1, false);
   user().Sync();
-  XwShow(top, 1);
-  Rest();
+  Appear(top);
   XwGrabPointer(top, 2);
   EXPECT_EQ(XwPointerIsGrabbed(), top);
   ASSERT_TRUE(Run([] { return (Inp.state & XWS_BUTTONS) == 0; }));
@@ -194,22 +201,14 @@ class Stacking : public ToolkitGrabs, public testing::WithParamInterface<bool> {
 TEST_P(Stacking, DecidesAboutThePress) {
   StartServer("", {});
   XwSession("Session", "Stacking", 0);
-  static int presses;
-  presses = 0;
-  auto count = [](int type) {
-    presses += type == XWE_PRESS;
-    return 0;
-  };
   top = XwCreate(nullptr, 200, 150, 300, 100, Note);
-  XwTimer(top, 9, 2);
-  over = XwCreate(nullptr, 250, 100, 100, 100, count);
-  for (XwWindow* w : {top, over}) XwShow(w, 1);
-  auto native = [](XwWindow* w) { return static_cast<WindowRef>(w->platform); };
+  over = XwCreate(nullptr, 250, 100, 100, 100, Note);
+  for (XwWindow* w : {top, over}) Appear(w);
   const bool shown = GetParam();  // over the menu bar, which the program has in front of it
   XwSetFocus(shown ? top : over);
-  SelectWindow(native(shown ? top : over));
+  SelectWindow(Window(shown ? top : over));
   Rest();
-  Restack(native(shown ? over : top));
+  Restack(Window(shown ? over : top));
   user().Move(300, 140);
   Rest();
   user().Click(1);
