@@ -126,13 +126,15 @@ Glyphs::Glyphs(const Buffer& b, const platform::FontFace* face, int size) : impl
   impl_->ink = Black();
   impl_->cache = pixman_glyph_cache_create();
   pixman_glyph_cache_freeze(impl_->cache);
-  FT_Set_Char_Size(face->face, 0, size * 64, 72, 72);
+  FT_Set_Char_Size(face->handle.face(), 0, size * 64, 72, 72);
   for (int i = 0; i < 256; ++i) {
     impl_->glyphs[i] = nullptr;
-    impl_->advances[i] = double(face->advances[i]) * size / face->units.per_em;
-    if (face->glyphs[i] == platform::kNoGlyph || face->sources[i] != face) continue;
-    FT_Load_Glyph(face->face, face->glyphs[i], FT_LOAD_TARGET_LIGHT | FT_LOAD_RENDER);
-    FT_GlyphSlot slot = face->face->glyph;
+    impl_->advances[i] = double(face->toolkit->advances[i]) * size / face->units.per_em;
+    if (face->toolkit->glyphs[i] == platform::kNoGlyph || face->toolkit->sources[i] != face)
+      continue;
+    FT_Load_Glyph(face->handle.face(), face->toolkit->glyphs[i],
+                  FT_LOAD_TARGET_LIGHT | FT_LOAD_RENDER);
+    FT_GlyphSlot slot = face->handle.face()->glyph;
     if (!slot->bitmap.width) continue;
     pixman_image_t* mask = pixman_image_create_bits(PIXMAN_a8, int(slot->bitmap.width),
                                                     int(slot->bitmap.rows), nullptr, 0);

@@ -24,7 +24,7 @@ function(quorvik_program name)
 endfunction()
 
 # quorvik_test(NAME SOURCES... [LIBS ...] [LABELS ...] [ENVIRONMENT NAME=VALUE ...] [TIMEOUT
-# seconds]): each TEST runs in a process of its own, because a toolkit session is one per process.
+# seconds]): each TEST runs in a process of its own, so that a crash is that of one test.
 function(quorvik_test name)
   cmake_parse_arguments(P "" "TIMEOUT" "LIBS;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT P_TIMEOUT)
@@ -53,18 +53,21 @@ function(quorvik_test name)
   quorvik_test_whole(${name} TIMEOUT ${P_TIMEOUT} LABELS ${P_LABELS} ENVIRONMENT ${P_ENVIRONMENT})
 endfunction()
 
-# quorvik_test's program as a whole: all its tests in one process, shuffled, three times. Only
+# quorvik_test's program as a whole: all its tests in one process, in three orders. Only
 # `ctest -C whole` runs these (tools/test whole).
 function(quorvik_test_whole name)
   cmake_parse_arguments(P "" "TIMEOUT" "LABELS;ENVIRONMENT" ${ARGN})
   math(EXPR seconds "${P_TIMEOUT} - 3")
-  add_test(NAME whole:${name} CONFIGURATIONS whole
-    COMMAND ${name} --seconds=${seconds} --gtest_shuffle --gtest_repeat=3 --gtest_brief=1)
-  set_tests_properties(whole:${name} PROPERTIES TIMEOUT 3600)
-  foreach(property LABELS ENVIRONMENT)
-    if(P_${property})
-      set_property(TEST whole:${name} PROPERTY ${property} ${P_${property}})
-    endif()
+  foreach(round 1 2 3)
+    set(test whole:${name}:${round})
+    add_test(NAME ${test} CONFIGURATIONS whole
+      COMMAND ${name} --seconds=${seconds} --gtest_shuffle --gtest_brief=1)
+    set_tests_properties(${test} PROPERTIES TIMEOUT 1200)
+    foreach(property LABELS ENVIRONMENT)
+      if(P_${property})
+        set_property(TEST ${test} PROPERTY ${property} ${P_${property}})
+      endif()
+    endforeach()
   endforeach()
 endfunction()
 

@@ -68,7 +68,7 @@ typedef int (*XwHandler)(int type);
  * fonts and makes the root of the window tree. When no display can be opened it says so in one line
  * on standard error and ends the process with status 1. */
 
-/* `name` is the short name (menu strip, window class), `title` the first window's title; both
+/* `name` is the short name (menu bar, window class), `title` the first window's title; both
  * pointers are kept, not copied. Bit value 4 of `flags`: the program has no Preferences command; no
  * other bit is read. The working directory becomes the user's home. */
 void XwSession(const char* name, const char* title, uint8_t flags);
@@ -235,7 +235,7 @@ void XwSetCursor(XwWindow* w, int32_t index);
  *
  * Every top-level window, docked window, sub-window and control is one record in one tree. The
  * first top-level window is the main window: it gets quit, preferences and open requests, and
- * carries the session's title and the menu strip.
+ * carries the session's title and the menu bar.
  *
  * The record's fields are for reading. Kind 0 is a top-level or docked window, 12 a sub-window,
  * other kinds are controls. */
@@ -244,8 +244,8 @@ struct XwWindow {
   XwWindow* toolbar;
   XwWindow* linked;
   void* platform;        /* native window (a sub-window shares its parent's) or control */
-  int16_t brush;         /* theme brush of the ground, 0 none */
-  int32_t color;         /* colour of the ground when brush is 0; -1 none */
+  int16_t brush;         /* theme brush of the background, 0 none */
+  int32_t color;         /* colour of the background when brush is 0; -1 none */
   XwContext* context;    /* made when the window is selected */
   void* menu;
   XwRegion* clip_region; /* made with the context */
@@ -294,7 +294,7 @@ extern XwWindow* W_MenuBar;
  * Otherwise makes a top-level window, hidden: 0 is the standard one; -256..-1 gives in its low byte
  * a style index (bits 0-2: 0 alert, 1 document, 2 utility, 3 modal dialog, 4 floating, 5 document,
  * 6 alert, 7 tool bar) and boxes (8 collapse, 16 zoom, 32 close). Width or height 0: full screen
- * below the menu strip. A window that would lie partly off the screen is moved. The size is fixed
+ * below the menu bar. A window that would lie partly off the screen is moved. The size is fixed
  * until XwSetSizes. Null when the display refuses it. */
 XwWindow* XwCreate(XwValue parent_or_style, int x, int y, int width, int height, XwHandler handler);
 /* A borderless window that moves, layers and hides with the first window; (x, y) on the screen. */
@@ -314,7 +314,7 @@ void AddSubWindow(XwWindow* parent, XwWindow* child);
 void XwMove(XwWindow* window, int x, int y, int width, int height);
 /* Centres it over the bounds of `reference`, keeping the size. */
 void XwCenter(XwWindow* window, XwWindow* reference);
-/* The first window fills the screen below the menu strip, until it is moved. */
+/* The first window fills the screen below the menu bar, until it is moved. */
 void XwSetFullScreen(void);
 /* Makes the window resizable: content limits (maximum 0: the screen's size) and steps (0: any size;
  * else sizes that differ from the present one by whole steps). Values saturate at 16 bits. */
@@ -326,13 +326,15 @@ void XwEnable(XwWindow* window, int enable);
 void XwSetFocus(XwWindow* window);
 /* Title of a top-level window, Mac Roman. */
 void XwSetText(XwWindow* window, const char* text);
+/* The same in UTF-8, of every script; cut to 4096 bytes. */
+void XwSetTextUtf8(XwWindow* window, const char* utf8);
 /* Of a top-level window: 1 puts a mark before the shown title, the document has changes; 0 takes it
  * away. */
 void XwSetValue(XwWindow* window, XwValue value);
 /* Copies the title of a top-level window (without the mark) to `dst`, 256 bytes, and returns it. */
 char* XwGetText(XwWindow* window, char* dst);
-/* The ground that erasing paints. `colour` not null: that colour value. Else a theme brush by code:
- * 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
+/* The background that erasing paints. `colour` not null: that colour value. Else a theme brush by
+ * code: 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
 
 /* The wheel over the window's own content: dx, dy in logical pixels, positive right and down; the
@@ -359,7 +361,7 @@ void XwBoxList(int op, int x, int y, int width, int height);
  * nothing. With no window selected the calls do nothing.
  *
  * A colour value is 0x00BBGGRR: red in the low byte. -1 to -10 are no colours: -1 paints nothing,
- * -2 erases to the window's own ground, the others paint nothing. */
+ * -2 erases to the window's own background, the others paint nothing. */
 
 extern XwWindow* XW; /* the selected window, null when none */
 /* Selects (null: none). XwPush saves the selection first, XwPop selects the last one saved; more
@@ -393,8 +395,8 @@ void XwFlush(void);
 /* Brings everything drawn so far to the screen and waits until the display has it. The loop does
  * the same by itself before it waits. */
 void XwSync(void);
-/* Paints the rectangle with the window's own ground (a colour becomes the current colour); nothing
- * when the window has none. Width and height both 0: the whole window. */
+/* Paints the rectangle with the window's own background (a colour becomes the current colour);
+ * nothing when the window has none. Width and height both 0: the whole window. */
 void XwClear(int x, int y, int width, int height);
 
 /* ---- Shapes. A rectangle (x, y, w, h) covers w columns from x and h rows from y; an empty or
@@ -485,6 +487,21 @@ char* XwTextFit(XwFont* font, const char* text, int width);
  * or the underline where there was one, until XwSetColor. */
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background);
+
+/* The same for UTF-8, text of every script: what the font lacks comes from another font of the
+ * desktop (of XW_FONTS, where that is set), at last as a box with the character's number. From left
+ * to right in stored order. A byte that is not UTF-8 shows as U+FFFD; control and format characters
+ * take no room. These calls count in clusters, which are never cut: a letter with its marks, a
+ * syllable, a joined picture. Nothing bounds the length of a text. */
+int XwTextWidthUtf8(XwFont* font, const char* utf8);
+void XwDrawTextUtf8(XwFont* font, int flags, int x, int y, int w, int h, const char* utf8,
+                    int32_t colour, int32_t background);
+/* As XwTextTrim and XwTextFit. They write valid UTF-8, at most `size` bytes with the ending zero,
+ * cut between characters, and return the length of the whole result without the zero; they write
+ * nothing for a null `dst` or a size below 1. `dst` may be the text itself. Null text is the empty
+ * one. */
+int XwTextTrimUtf8(XwFont* font, const char* utf8, int width, char* dst, int size);
+int XwTextFitUtf8(XwFont* font, const char* utf8, int width, char* dst, int size);
 
 /* File names, and whatever else comes as UTF-8, to the toolkit's characters and back. Both write at
  * most `size` bytes with the ending zero, never a part of a character, and return the length. What

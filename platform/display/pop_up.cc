@@ -94,8 +94,8 @@ DeviceRect WantedBounds(const Window& w, const Screen* screens, int count) {
   const DeviceRect at = DeviceBounds(parent);
   const Rect& a = w.place.anchor;
   const DeviceRect anchor{
-      at.left + DeviceEdge(a.left, s), at.top + DeviceEdge(a.top + parent.strip, s),
-      at.left + DeviceEdge(a.right, s), at.top + DeviceEdge(a.bottom + parent.strip, s)};
+      at.left + DeviceEdge(a.left, s), at.top + DeviceEdge(a.top + parent.menu_bar_height, s),
+      at.left + DeviceEdge(a.right, s), at.top + DeviceEdge(a.bottom + parent.menu_bar_height, s)};
   const Point middle{anchor.left + anchor.width() / 2, anchor.top + anchor.height() / 2};
   return PlacePopUp(anchor, DeviceEdge(w.place.width, s), DeviceEdge(w.place.height, s), w.place,
                     ScreenAt(screens, count, middle).bounds);

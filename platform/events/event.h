@@ -79,11 +79,14 @@ struct MouseFields {
   float dx, dy;     // wheel: logical pixels
   WindowRef under;  // press, release: what lies under the pointer, whoever gets the event
 };
+// Bytes of the text that one key may type.
+constexpr int kTypedText = 15;
 struct KeyFields {
   uint32_t key_code;  // virtual key
   uint32_t modifiers;
   uint32_t keysym, base_keysym, native_code;
-  uint8_t character;  // Mac Roman; 0 none
+  uint8_t character;          // of the toolkit's set; 0 none
+  char text[kTypedText + 1];  // UTF-8 that it typed, cut between characters; "" for a release
 };
 struct BoundsFields {
   Rect original, current;  // content, global
@@ -115,5 +118,7 @@ struct Event {
   Event() : bounds{} {}
   Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}
 };
+// The queue holds thousands of them.
+static_assert(sizeof(Event) == 72 || sizeof(void*) != 8);
 
 }  // namespace platform

@@ -15,7 +15,7 @@ struct RawEvent {
     kLeave,    // x, y, root_x, root_y: where the pointer is now
     kKeyDown,
     kKeyRepeat,
-    kKeyUp,      // keycode, keysym, base_keysym, unicode, modifiers
+    kKeyUp,      // keycode, keysym, base_keysym, unicode, typed, modifiers
     kModifiers,  // modifiers
     // root_x, root_y: the buffer's corner; width, height: its size; scale: what it has there, 0 as
     // before
@@ -51,7 +51,9 @@ struct RawEvent {
   uint32_t modifiers = 0;  // cmdKey ...
   uint32_t keycode = 0, keysym = 0, base_keysym = 0;
   uint32_t unicode = 0;  // 0: none
-  uint32_t held = 0;     // buttons that are still down, bit n for button n
+  // UTF-8 that the key typed where it is more than that one character; else "".
+  char typed[kTypedText + 1] = {};
+  uint32_t held = 0;  // buttons that are still down, bit n for button n
   uint32_t state = 0;
   double scale = 0;
   DeviceRect frame;

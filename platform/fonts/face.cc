@@ -2,6 +2,8 @@
 
 #include FT_ADVANCES_H
 
+#include <utility>
+
 #include "platform/fonts/state.h"
 #include "platform/text/mac_roman.h"
 
@@ -9,15 +11,9 @@ namespace platform {
 namespace {
 
 bool LoadHandle(FontFace* f) {
-  if (f->tried) return f->face;
-  f->tried = true;
-  FT_Library library = FontLibrary();
-  if (!library || FT_New_Face(library, f->file.c_str(), f->index, &f->face)) f->face = nullptr;
-  if (f->face && (!FT_IS_SCALABLE(f->face) || f->face->units_per_EM == 0)) {
-    FT_Done_Face(f->face);
-    f->face = nullptr;
-  }
-  return f->face;
+  if (!std::exchange(f->tried, true) && f->handle.Open(f->file, f->index))
+    f->units.per_em = f->handle.face()->units_per_EM;
+  return f->handle.face();
 }
 
 int32_t AdvanceUnits(FT_Face face, FT_UInt glyph) {
@@ -26,61 +22,117 @@ int32_t AdvanceUnits(FT_Face face, FT_UInt glyph) {
   return int32_t(advance < 0 ? 0 : advance > 1 << 20 ? 1 << 20 : advance);
 }
 
-// Control characters neither show nor advance.
-bool IsShown(char32_t c) {
-  return c >= 32 && c != 127;
-}
-
 // The apple-shaped slot of the set has no glyph outside one maker's fonts: a lozenge stands there.
 char32_t StandIn(char32_t c) {
   return c == 0xF8FF ? 0x25CA : c;
 }
 
-void TakeGlyph(FontFace* f, int character, const FontFace* from, FT_UInt glyph) {
-  f->glyphs[character] = glyph;
-  f->sources[character] = from;
-  int64_t units = AdvanceUnits(from->face, glyph);
+void TakeGlyph(FontFace* f, CharacterPage* page, int at, const FontFace* from, FT_UInt glyph) {
+  page->glyphs[at] = glyph;
+  page->sources[at] = from;
+  int64_t units = AdvanceUnits(from->handle.face(), glyph);
   if (int em = from->units.per_em; em != f->units.per_em)
     units = (units * f->units.per_em + em / 2) / em;
-  f->advances[character] = int32_t(units);
+  page->advances[at] = int32_t(units);
+}
+
+bool TakeFrom(FontFace* f, CharacterPage* page, int at, const FontFace* from, char32_t c) {
+  FontFace* source = const_cast<FontFace*>(from);
+  FT_UInt glyph = LoadHandle(source) ? FT_Get_Char_Index(source->handle.face(), c) : 0;
+  if (glyph) TakeGlyph(f, page, at, source, glyph);
+  return glyph != 0;
 }
 
 // From another font; then the replacement sign, a question mark, and the font's own empty box.
-void TakeFallback(FontFace* f, int character, char32_t c) {
-  if (const FontFace* other = FindFontWithCharacter(c); other && other != f) {
-    FontFace* source = const_cast<FontFace*>(other);
-    FT_UInt glyph = LoadHandle(source) ? FT_Get_Char_Index(source->face, c) : 0;
-    if (glyph) return TakeGlyph(f, character, source, glyph);
+void TakeFallback(FontFace* f, CharacterPage* page, int at, char32_t c) {
+  const FontFace* other = FindFontWithCharacter(c);
+  if (other && other != f && TakeFrom(f, page, at, other, c)) return;
+  for (char32_t stand_in : {char32_t{0xFFFD}, char32_t{'?'}})
+    if (TakeFrom(f, page, at, f, stand_in)) return;
+  TakeGlyph(f, page, at, f, 0);
+}
+
+void FillToolkitPage(FontFace* f) {
+  f->toolkit = std::make_unique<CharacterPage>();
+  CharacterPage* page = f->toolkit.get();
+  for (int i = 0; i < 256; ++i) {
+    page->sources[i] = f;
+    page->glyphs[i] = kNoGlyph;
+    char32_t c = StandIn(MacRomanToUnicode(uint8_t(i)));
+    page->kinds[i] = KindOf(c);
+    if (page->kinds[i] == CharacterKind::kControl) continue;
+    if (!TakeFrom(f, page, i, f, c)) TakeFallback(f, page, i, c);
   }
-  for (char32_t stand_in : {char32_t{0xFFFD}, char32_t{'?'}}) {
-    if (FT_UInt glyph = FT_Get_Char_Index(f->face, stand_in))
-      return TakeGlyph(f, character, f, glyph);
+}
+
+// --- The other pages
+
+int StyleOf(const FontFace* f) {
+  return int(f->handle.face()->style_flags & (FT_STYLE_FLAG_BOLD | FT_STYLE_FLAG_ITALIC));
+}
+
+bool TakeFromAny(FontFace* f, CharacterPage* page, int at, char32_t c) {
+  if (TakeFrom(f, page, at, f, c)) return true;
+  for (const FontFace* other : FallbackFaces(c >> 8, StyleOf(f)))
+    if (TakeFrom(f, page, at, other, c)) return true;
+  return false;
+}
+
+void TakeBox(FontFace* f, CharacterPage* page, int at, char32_t c) {
+  page->glyphs[at] = kBoxGlyph;
+  page->sources[at] = f;
+  page->advances[at] = f->units.per_em * BoxColumns(c) / 13;
+}
+
+// Marks take no room. Most reach back over the letter before their pen; those of some fonts, of one
+// width for instance, do not, and are drawn where the letter was.
+void PlaceMark(CharacterPage* page, int at) {
+  page->advances[at] = 0;
+  FT_Face face = page->sources[at]->handle.face();
+  if (FT_Load_Glyph(face, page->glyphs[at], FT_LOAD_NO_SCALE)) return;
+  page->overhang[at] = face->glyph->metrics.horiBearingX < 0;
+}
+
+void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
+  int at = int(c & 0xFF);
+  CharacterKind kind = page->kinds[at] = KindOf(c);
+  page->glyphs[at] = kNoGlyph;
+  page->sources[at] = f;
+  if (kind == CharacterKind::kControl || kind == CharacterKind::kInvisible ||
+      kind == CharacterKind::kJoiner)
+    return;
+  if (int mac = UnicodeToMacRoman(c); mac >= 0) {
+    page->glyphs[at] = f->toolkit->glyphs[mac];
+    page->sources[at] = f->toolkit->sources[mac];
+    page->advances[at] = f->toolkit->advances[mac];
+  } else if (!TakeFromAny(f, page, at, c)) {
+    if (kind == CharacterKind::kMark) page->kinds[at] = CharacterKind::kFollower;
+    TakeBox(f, page, at, c);
+  } else if (kind == CharacterKind::kMark) {
+    PlaceMark(page, at);
   }
-  TakeGlyph(f, character, f, 0);
 }
 
 }  // namespace
 
-FontFace::~FontFace() {
-  if (face) FT_Done_Face(face);
-}
-
 bool OpenFace(const FontFace* face) {
   FontFace* f = const_cast<FontFace*>(face);
-  if (f->sources[0]) return true;
+  if (f->toolkit) return true;
   if (!LoadHandle(f)) return false;
-  f->units.per_em = f->face->units_per_EM;
-  for (int i = 0; i < 256; ++i) {
-    f->sources[i] = f;
-    f->glyphs[i] = kNoGlyph;
-    char32_t c = StandIn(MacRomanToUnicode(uint8_t(i)));
-    if (!IsShown(c)) continue;
-    if (FT_UInt glyph = FT_Get_Char_Index(f->face, c))
-      TakeGlyph(f, i, f, glyph);
-    else
-      TakeFallback(f, i, c);
-  }
+  FillToolkitPage(f);
   return true;
+}
+
+const CharacterPage& PageOfSlot(const FontFace* face, uint32_t slot) {
+  if (slot < 256) return *face->toolkit;
+  FontFace* f = const_cast<FontFace*>(face);
+  char32_t c = slot - 256;
+  size_t number = c >> 8;
+  if (number >= f->pages.size()) f->pages.resize(number + 1);
+  auto& page = f->pages[number];
+  if (!page) page = std::make_unique<CharacterPage>();
+  if (page->kinds[c & 0xFF] == CharacterKind::kUnknown) LookUp(f, page.get(), c);
+  return *page;
 }
 
 const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* known) {
@@ -94,8 +146,8 @@ const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* 
     f->units = *known;
   } else {
     if (!LoadHandle(f.get())) return nullptr;
-    f->units = {f->face->units_per_EM, f->face->ascender, f->face->descender,
-                f->face->max_advance_width};
+    FT_Face face = f->handle.face();
+    f->units = {face->units_per_EM, face->ascender, face->descender, face->max_advance_width};
   }
   faces.push_back(std::move(f));
   return faces.back().get();

@@ -1,44 +1,62 @@
-// A font file as the rooms of text see it, and FreeType's handles, opened when first needed.
+// A font file as the room of fonts sees it: metrics, and pages of 256 characters each.
 #pragma once
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "platform/fonts/font_file.h"
 #include "platform/fonts/fonts.h"
-#include "platform/graphics/font_library.h"
+#include "platform/text/characters.h"
 
 namespace platform {
 
-// In place of a glyph: nothing is drawn.
-constexpr uint32_t kNoGlyph = 0xFFFFFFFFu;
+// In place of a glyph's number: nothing is drawn; a box with the character's number.
+constexpr uint32_t kNoGlyph = 0xFFFFFFFFu, kBoxGlyph = 0xFFFFFFFEu;
 
 // Metrics in the font's own units.
 struct FontUnits {
   int per_em = 1000, ascender = 0, descender = 0, max_advance = 0;
 };
 
-struct FontFace {
-  FontFace() = default;
-  FontFace(const FontFace&) = delete;
-  FontFace& operator=(const FontFace&) = delete;
-  ~FontFace();
+// Advances are in the units of the font that was chosen, whichever font has the glyph.
+struct CharacterPage {
+  int32_t advances[256] = {};
+  uint32_t glyphs[256];
+  const FontFace* sources[256] = {};  // the font that has the glyph; null: not looked up
+  CharacterKind kinds[256] = {};      // kUnknown: not looked up
+  bool overhang[256] = {};            // a mark that is drawn to the left of its pen
+};
 
+struct FontFace {
   std::string file;
   int index = 0;
   FontUnits units;
   // --- Filled by OpenFace.
-  FT_Face face = nullptr;
+  FontHandle handle;
   bool tried = false;
-  int ft_size = 0;  // 26.6 size that `face` is set to
-  int32_t advances[256] = {};
-  uint32_t glyphs[256];
-  const FontFace* sources[256] = {};  // the face that has the glyph
+  int ft_size = 0;  // 26.6 size that the handle is set to
+  // The 256 characters of the toolkit's set.
+  std::unique_ptr<CharacterPage> toolkit;
+  // By code point / 256, made when one of its characters is asked for.
+  std::vector<std::unique_ptr<CharacterPage>> pages;
 };
 
-// Opens the file and reads the advances; false when it cannot be read. Once a face.
+// Opens the file and reads the toolkit's page; false when it cannot be read. Once a face.
 bool OpenFace(const FontFace* face);
 // The face for a file, made on first use. Metrics are taken from `known` or read from the file;
 // null when it cannot be read.
 const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* known = nullptr);
+
+// A character's place in the pages of an open face: below 256 the toolkit's page, which ASCII is
+// taken from, else the code point + 256.
+inline uint32_t SlotOf(char32_t c) {
+  return c < 0x80 ? c : c + 256;
+}
+// The page of a slot, with that slot's character looked up.
+const CharacterPage& PageOfSlot(const FontFace* face, uint32_t slot);
+// Advance of a box with a number, in units of 1/13 em: the number has four digits or six.
+constexpr int BoxColumns(char32_t c) {
+  return c > 0xFFFF ? 17 : 13;
+}
 
 }  // namespace platform

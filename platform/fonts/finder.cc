@@ -9,11 +9,17 @@ namespace platform {
 namespace {
 
 bool HasCharacter(const FontEntry& e, char32_t c) {
-  FT_Face face;
-  if (!FontLibrary() || FT_New_Face(FontLibrary(), e.file.c_str(), e.index, &face)) return false;
-  bool has = FT_Get_Char_Index(face, c) != 0;
-  FT_Done_Face(face);
-  return has;
+  FontHandle font;
+  return font.Open(e.file, e.index) && FT_Get_Char_Index(font.face(), c) != 0;
+}
+
+FontAnswer AnswerOf(const FontFace* face) {
+  FontAnswer a;
+  if (!face) return a;
+  a.file = face->file;
+  a.index = face->index;
+  a.units = face->units;
+  return a;
 }
 
 FontFinder& TheFinder() {
@@ -45,17 +51,12 @@ const FontAnswer& FontFinder::Ask(const std::string& key) {
     if (a.key == key) return a;
   const FontCatalogue& catalogue = Catalogue();
   FontAnswer a;
-  a.key = key;
   if (key == "d") {
     a.file = catalogue.sans_serif;
   } else {
-    const FontFace* face = key[0] == 'n' ? ByName(key.substr(1)) : ByCharacter(key.substr(1));
-    if (face) {
-      a.file = face->file;
-      a.index = face->index;
-      a.units = face->units;
-    }
+    a = AnswerOf(key[0] == 'n' ? ByName(key.substr(1)) : ByCharacter(key.substr(1)));
   }
+  a.key = key;
   answers_.push_back(std::move(a));
   if (folder_.empty()) SaveFontAnswers(catalogue.stamps, answers_);
   return answers_.back();
@@ -70,6 +71,43 @@ const FontFace* FontFinder::Any() {
   for (const FontEntry& e : Catalogue().entries)
     if (const FontFace* face = FaceOfFile(e.file, e.index); face && OpenFace(face)) return face;
   return nullptr;
+}
+
+bool FontFinder::Remembered(const std::string& key, std::vector<const FontFace*>* faces) const {
+  bool known = false;
+  for (const FontAnswer& a : answers_) {
+    if (a.key != key) continue;
+    known = true;
+    if (!a.file.empty()) faces->push_back(FaceOfFile(a.file, a.index, &a.units));
+  }
+  return known;
+}
+
+const std::vector<const FontFace*>& FontFinder::Page(uint32_t page, int style) {
+  auto [at, added] = pages_.try_emplace(page << 2 | uint32_t(style));
+  std::vector<const FontFace*>& faces = at->second;
+  if (!added) return faces;
+  if (!folder_.empty()) {
+    Catalogue();
+    for (const FontEntry& e : FolderFallback(&catalogue_, page))
+      if (const FontFace* face = FaceOfFile(e.file, e.index)) faces.push_back(face);
+    return faces;
+  }
+  char key[16];
+  snprintf(key, sizeof key, "p%d%X", style, page);
+  if (Remembered(key, &faces)) return faces;
+  const FontCatalogue& catalogue = Catalogue();
+  if (!order_) order_ = std::make_unique<FallbackOrder>();
+  for (const FontEntry& e : order_->OfPage(page, style))
+    if (const FontFace* face = FaceOfFile(e.file, e.index)) faces.push_back(face);
+  for (const FontFace* face : faces) {
+    FontAnswer a = AnswerOf(face);
+    a.key = key;
+    answers_.push_back(std::move(a));
+  }
+  if (faces.empty()) answers_.push_back({key, "", 0, {0, 0, 0, 0}});
+  SaveFontAnswers(catalogue.stamps, answers_);
+  return faces;
 }
 
 // Answers from the file that were given for an older set of fonts are not here: the file is refused
@@ -102,6 +140,10 @@ const FontFace* FindFontWithCharacter(char32_t c) {
   char key[16];
   snprintf(key, sizeof key, "u%X", unsigned(c));
   return TheFinder().AskFace(key);
+}
+
+const std::vector<const FontFace*>& FallbackFaces(uint32_t page, int style) {
+  return TheFinder().Page(page, style);
 }
 
 const FontFace* FallbackFont() {

@@ -2,6 +2,7 @@
 #include <dirent.h>
 
 #include <algorithm>
+#include <bitset>
 
 #include "platform/fonts/face.h"
 #include "platform/fonts/finder.h"
@@ -46,24 +47,43 @@ void ReadNames(FT_Face face, FontEntry* e) {
 }
 
 bool ReadEntry(const std::string& file, int index, FontEntry* e, int* count) {
-  FT_Face face;
-  if (!FontLibrary() || FT_New_Face(FontLibrary(), file.c_str(), index, &face)) return false;
+  FontHandle font;
+  if (!font.Open(file, index)) return false;
+  FT_Face face = font.face();
   *count = int(face->num_faces);
-  bool good = FT_IS_SCALABLE(face);
-  if (good) {
-    e->file = file;
-    e->index = index;
-    if (const char* name = FT_Get_Postscript_Name(face)) e->postscript = name;
-    e->weight = face->style_flags & FT_STYLE_FLAG_BOLD ? 200 : 80;
-    e->slant = face->style_flags & FT_STYLE_FLAG_ITALIC ? 100 : 0;
-    e->type1 = !FT_IS_SFNT(face);
-    auto* os2 = static_cast<TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
-    if (os2 && os2->usWidthClass && os2->usWidthClass < 5) e->width = 75;
-    if (os2 && e->weight == 80 && os2->usWeightClass && os2->usWeightClass < 350) e->weight = 50;
-    ReadNames(face, e);
-  }
-  FT_Done_Face(face);
-  return good;
+  e->file = file;
+  e->index = index;
+  if (const char* name = FT_Get_Postscript_Name(face)) e->postscript = name;
+  e->weight = face->style_flags & FT_STYLE_FLAG_BOLD ? 200 : 80;
+  e->slant = face->style_flags & FT_STYLE_FLAG_ITALIC ? 100 : 0;
+  e->type1 = !FT_IS_SFNT(face);
+  auto* os2 = static_cast<TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+  if (os2 && os2->usWidthClass && os2->usWidthClass < 5) e->width = 75;
+  if (os2 && e->weight == 80 && os2->usWeightClass && os2->usWeightClass < 350) e->weight = 50;
+  ReadNames(face, e);
+  return true;
+}
+
+// One look-up a page, since the next character that it has may lie many pages on.
+std::vector<uint16_t> ReadPages(const FontEntry& e) {
+  std::vector<uint16_t> pages;
+  FontHandle font;
+  if (!font.Open(e.file, e.index)) return pages;
+  FT_UInt glyph = 0;
+  for (FT_ULong c = FT_Get_First_Char(font.face(), &glyph); glyph && c < 0x110000;
+       c = FT_Get_Next_Char(font.face(), c | 0xFF, &glyph))
+    pages.push_back(uint16_t(c >> 8));
+  return pages;
+}
+
+// Adds what the font has of the page to `have`; false when that is nothing new.
+bool AddCharacters(const FontEntry& e, uint32_t page, std::bitset<256>* have) {
+  FontHandle font;
+  if (!font.Open(e.file, e.index)) return false;
+  const std::bitset<256> before = *have;
+  for (uint32_t i = 0; i < 256; ++i)
+    if (!have->test(i) && FT_Get_Char_Index(font.face(), page << 8 | i)) have->set(i);
+  return *have != before;
 }
 
 std::vector<std::string> FilesOf(const std::string& folder) {
@@ -97,6 +117,24 @@ FontCatalogue ReadFontFolder(const std::string& folder) {
       if (family == "DejaVu Sans") catalogue.sans_serif = family;
   }
   return catalogue;
+}
+
+std::vector<FontEntry> FolderFallback(FontCatalogue* catalogue, uint32_t page) {
+  std::vector<FontEntry>& all = catalogue->entries;
+  if (!catalogue->pages_read)
+    for (FontEntry& e : all) e.pages = ReadPages(e);
+  catalogue->pages_read = true;
+  std::vector<const FontEntry*> having;
+  for (const FontEntry& e : all)
+    if (std::binary_search(e.pages.begin(), e.pages.end(), page)) having.push_back(&e);
+  std::sort(having.begin(), having.end(), [](const FontEntry* a, const FontEntry* b) {
+    return a->file != b->file ? a->file < b->file : a->index < b->index;
+  });
+  std::vector<FontEntry> fonts;
+  std::bitset<256> have;
+  for (const FontEntry* e : having)
+    if (AddCharacters(*e, page, &have)) fonts.push_back(*e);
+  return fonts;
 }
 
 }  // namespace platform

@@ -1,4 +1,5 @@
-// Fonts: finding them by exact name, measuring and drawing text in Mac Roman.
+// Fonts: finding them by exact name, measuring and drawing text: UTF-8, and the toolkit's 8-bit
+// set.
 //
 // A face is a font file; a sized font is a face at a size in logical pixels. Both live until
 // FinishFonts. Advances are unhinted and summed in font units, exactly; measuring and drawing use
@@ -6,6 +7,8 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/base.h"
 
@@ -49,13 +52,49 @@ struct TextScale {
   bool Narrower(int64_t sum, int64_t width) const { return sum * size < width * units_per_em; }
 };
 TextScale GetTextScale(const SizedFont* font);
-// Font units of each of the 256 characters.
+// Font units of each of the 256 characters of the toolkit's set.
 const int32_t* GetAdvances(const SizedFont* font);
 int64_t MeasureText(const SizedFont* font, const char* text, size_t n);
+
+// --- The toolkit's set: one byte a character
 
 // Draws with the pen starting at x and the baseline on the edge y (logical, of the context).
 void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, size_t n,
                 uint32_t rgb);
+
+// --- UTF-8. A line is laid out once; measuring, cutting, drawing and carets go by that layout, and
+// --- a shaper would fill it in another way. Characters stand from left to right in stored order.
+// --- What the font lacks comes from another font, at last as a box with its number; the line's
+// --- height stays the font's.
+
+struct LineGlyph {
+  uint32_t slot;    // the place in the font's pages
+  int32_t advance;  // font units
+  int64_t pen;      // font units from the beginning of the line
+};
+// What a caret does not stand inside of: a letter with its marks, a syllable, a joined picture.
+struct TextCluster {
+  size_t start;  // bytes from the beginning
+  size_t glyph;  // its first
+  int64_t pen;
+};
+struct TextLine {
+  std::vector<LineGlyph> glyphs;
+  std::vector<TextCluster> clusters;  // one more than there are: the end
+  size_t count() const { return clusters.size() - 1; }
+  int64_t width() const { return clusters.back().pen; }
+};
+// Fills `line`, which keeps its memory from text to text. It ends behind the first cluster that
+// brings the width to `enough` font units or more. A null font has no glyphs and no width, but all
+// clusters.
+void LayOutText(const SizedFont* font, std::string_view utf8, TextLine* line,
+                int64_t enough = INT64_MAX);
+// Keeps the first `n` clusters.
+void CutLine(TextLine* line, size_t n);
+// As DrawGlyphs. The line must have been laid out with this font.
+void DrawLine(ContextRef c, SizedFont* font, int x, int y, const TextLine& line, uint32_t rgb);
+// Lays out and draws.
+void DrawUtf8(ContextRef c, SizedFont* font, int x, int y, std::string_view utf8, uint32_t rgb);
 
 // Frees faces, sized fonts, masks and the finder's answers. What was given out is then dead; fonts
 // can be found again at once.

@@ -15,56 +15,104 @@ constexpr int kBias = 1 << 20;
 // Larger characters are not drawn: a mask would cost megabytes.
 constexpr int kMaxDeviceSize = 1024 * 64;
 
-bool Open(const SizedFont* font) {
-  if (!font || !font->face) return false;
-  if (font->opened) return true;
-  SizedFont* f = const_cast<SizedFont*>(font);
-  // The desktop's font draws in place of a file that can be read no longer.
-  if (!OpenFace(f->face)) f->face = FallbackFont();
-  f->opened = f->face && OpenFace(f->face);
-  return f->opened;
-}
+// Bytes of one set's masks: a few thousand large characters.
+constexpr size_t kMaxMasks = size_t{16} << 20;
 
 GlyphSet* SetFor(SizedFont* font, double scale) {
   int device_size = int(std::min(font->size * scale * 64 + 0.5, 1e9));
-  for (auto& s : font->sets)
-    if (s->device_size == device_size) return s.get();
+  for (auto& s : font->sets) {
+    if (s->device_size != device_size) continue;
+    // What a text shows does not decide how much memory its masks take.
+    if (s->masks.size() > kMaxMasks) *s = {device_size, {}, {}, s->ascent, s->descent};
+    return s.get();
+  }
   font->sets.push_back(std::make_unique<GlyphSet>());
   font->sets.back()->device_size = device_size;
   return font->sets.back().get();
 }
 
-void StoreMask(GlyphSet* set, Glyph* g, const FT_GlyphSlot slot) {
-  const FT_Bitmap& b = slot->bitmap;
-  if (b.pixel_mode != FT_PIXEL_MODE_GRAY || b.width > 4096 || b.rows > 4096) return;
-  g->left = int16_t(slot->bitmap_left);
-  g->top = int16_t(slot->bitmap_top);
-  g->width = uint16_t(b.width);
-  g->rows = uint16_t(b.rows);
-  g->stride = uint16_t((b.width + 3) & ~3u);
+// Room for a mask whose corner is at (left, -top) of the pen; null when it is too large.
+uint8_t* AddMask(GlyphSet* set, Glyph* g, int left, int top, unsigned width, unsigned rows) {
+  if (width > 4096 || rows > 4096) return nullptr;
+  g->left = int16_t(left);
+  g->top = int16_t(top);
+  g->width = uint16_t(width);
+  g->rows = uint16_t(rows);
+  g->stride = uint16_t((width + 3) & ~3u);
   g->offset = set->masks.size();
   set->masks.resize(g->offset + size_t(g->stride) * g->rows);
-  for (unsigned y = 0; y < b.rows; ++y)
-    std::memcpy(&set->masks[g->offset + size_t(y) * g->stride], b.buffer + int(y) * b.pitch,
-                b.width);
   set->ascent = std::max(set->ascent, int(g->top));
   set->descent = std::max(set->descent, int(g->rows) - g->top);
+  return set->masks.data() + g->offset;
 }
 
-void MakeGlyph(const SizedFont* font, GlyphSet* set, uint8_t character) {
-  Glyph* g = &set->glyphs[character];
+void StoreMask(GlyphSet* set, Glyph* g, const FT_GlyphSlot slot) {
+  const FT_Bitmap& b = slot->bitmap;
+  if (b.pixel_mode != FT_PIXEL_MODE_GRAY) return;
+  uint8_t* mask = AddMask(set, g, slot->bitmap_left, slot->bitmap_top, b.width, b.rows);
+  for (unsigned y = 0; mask && y < b.rows; ++y)
+    std::memcpy(mask + size_t(y) * g->stride, b.buffer + int(y) * b.pitch, b.width);
+}
+
+// Three columns and five rows a digit, the top row in the highest bits.
+constexpr uint16_t kDigits[16] = {
+    075557, 026227, 071747, 071717, 055711, 074717, 074757, 071111,
+    075757, 075717, 075755, 065656, 074447, 065556, 074647, 074644,
+};
+
+// A frame around the character's number in hexadecimal digits, in two rows; all in units of 1/13
+// em, which is a pixel in the usual size. Where a digit's strokes would be thinner than a pixel
+// there is the frame alone.
+void MakeBox(GlyphSet* set, Glyph* g, char32_t c) {
+  const double unit = set->device_size / 64.0 / 13;
+  const int columns = BoxColumns(c) - 2, digits = c > 0xFFFF ? 3 : 2;
+  auto edge = [unit](int n) { return std::max(0, int(n * unit + 0.5)); };
+  uint8_t* mask = AddMask(set, g, edge(1), edge(12), unsigned(edge(columns)), unsigned(edge(15)));
+  if (!mask) return;
+  auto fill = [&](int x, int y, int x2, int y2) {
+    for (int row = edge(y); row < std::max(edge(y) + 1, edge(y2)) && row < g->rows; ++row)
+      for (int i = edge(x); i < std::max(edge(x) + 1, edge(x2)) && i < g->width; ++i)
+        mask[row * g->stride + i] = 255;
+  };
+  fill(0, 0, columns, 1);
+  fill(0, 14, columns, 15);
+  fill(0, 0, 1, 15);
+  fill(columns - 1, 0, columns, 15);
+  if (unit < 0.95) return;
+  for (int i = 0; i < 2 * digits; ++i) {
+    const uint16_t shape = kDigits[c >> 4 * (2 * digits - 1 - i) & 15];
+    const int x = 2 + i % digits * 4, y = 2 + i / digits * 6;
+    for (int bit = 0; bit < 15; ++bit)
+      if (shape >> (14 - bit) & 1) fill(x + bit % 3, y + bit / 3, x + bit % 3 + 1, y + bit / 3 + 1);
+  }
+}
+
+void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
   g->made = true;
-  FontFace* f = const_cast<FontFace*>(font->face->sources[character]);
-  uint32_t glyph = font->face->glyphs[character];
+  const CharacterPage& page = PageOfSlot(font->face, slot);
+  const uint32_t glyph = page.glyphs[slot & 0xFF];
   if (glyph == kNoGlyph || set->device_size <= 0 || set->device_size > kMaxDeviceSize) return;
+  if (glyph == kBoxGlyph) return MakeBox(set, g, slot - 256);
+  FontFace* f = const_cast<FontFace*>(page.sources[slot & 0xFF]);
+  FT_Face face = f->handle.face();
   if (f->ft_size != set->device_size) {
-    if (FT_Set_Char_Size(f->face, 0, set->device_size, 72, 72)) return;
+    if (FT_Set_Char_Size(face, 0, set->device_size, 72, 72)) return;
     f->ft_size = set->device_size;
   }
   // Light: the shapes are fitted to the rows, never moved sideways.
-  if (FT_Load_Glyph(f->face, glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP)) return;
-  if (FT_Render_Glyph(f->face->glyph, FT_RENDER_MODE_NORMAL)) return;
-  StoreMask(set, g, f->face->glyph);
+  if (FT_Load_Glyph(face, glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP)) return;
+  if (FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL)) return;
+  StoreMask(set, g, face->glyph);
+}
+
+const Glyph& GlyphOf(const SizedFont* font, GlyphSet* set, uint32_t slot) {
+  const size_t number = slot >> 8;
+  if (number >= set->pages.size()) set->pages.resize(number + 1);
+  auto& page = set->pages[number];
+  if (!page) page = std::make_unique<GlyphPage>();
+  Glyph& g = page->glyphs[slot & 0xFF];
+  if (!g.made) MakeGlyph(font, set, &g, slot);
+  return g;
 }
 
 // Paints the part of a mask that lies in `part` (device pixels); its corner is at (x, y).
@@ -106,6 +154,16 @@ void PaintGlyph(const Context* c, const GlyphSet& set, const Glyph& g, int x, in
 
 }  // namespace
 
+bool OpenSized(const SizedFont* font) {
+  if (!font || !font->face) return false;
+  if (font->opened) return true;
+  SizedFont* f = const_cast<SizedFont*>(font);
+  // The desktop's font draws in place of a file that can be read no longer.
+  if (!OpenFace(f->face)) f->face = FallbackFont();
+  f->opened = f->face && OpenFace(f->face);
+  return f->opened;
+}
+
 SizedFont* OpenFont(const FontFace* face, int size) {
   if (!face) return nullptr;
   auto& fonts = Fonts().sized;
@@ -116,13 +174,13 @@ SizedFont* OpenFont(const FontFace* face, int size) {
 }
 
 TextScale GetTextScale(const SizedFont* font) {
-  if (!Open(font)) return {0, 1};
+  if (!OpenSized(font)) return {0, 1};
   return {std::clamp(font->size, 0, 1 << 24), font->face->units.per_em};
 }
 
 const int32_t* GetAdvances(const SizedFont* font) {
   static const int32_t kNone[256] = {};
-  return Open(font) ? font->face->advances : kNone;
+  return OpenSized(font) ? font->face->toolkit->advances : kNone;
 }
 
 int64_t MeasureText(const SizedFont* font, const char* text, size_t n) {
@@ -132,38 +190,61 @@ int64_t MeasureText(const SizedFont* font, const char* text, size_t n) {
   return sum;
 }
 
-void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, size_t n,
-                uint32_t rgb) {
-  if (!Ready(c) || !text || !Open(font)) return;
+namespace {
+
+// Draws what `each` names: it calls its argument with a slot, the sum of the advances before it and
+// its own, until that says false.
+template <typename Each>
+void DrawEach(ContextRef c, SizedFont* font, int x, int y, uint32_t rgb, Each each) {
   int baseline = EdgeY(c, y);
   GlyphSet* set = SetFor(font, c->scale);
-  const FontFace* face = font->face;
   const pixman_box32_t* whole = c->box_count == 1 ? c->boxes : nullptr;
   uint32_t color = 0xFF000000u | rgb;
   // Device position of the pen = (origin * em + sum * size) * scale / em, rounded.
-  double unit = double(std::clamp(font->size, 0, 1 << 24)) * c->scale / face->units.per_em;
+  double unit = double(std::clamp(font->size, 0, 1 << 24)) * c->scale / font->face->units.per_em;
   double pen = double(int64_t{x} + c->origin_x) * c->scale + 0.5;
-  int margin = set->device_size >> 5;  // two ems: no glyph reaches further from its pen
-  int64_t sum = 0;
+  int margin = set->device_size >> 5;  // two ems: no glyph reaches further beyond its advance
   DeviceRect box{c->extents.right, baseline, c->extents.left, baseline};
-  for (size_t i = 0; i < n; ++i) {
-    uint8_t character = uint8_t(text[i]);
+  each([&](uint32_t slot, int64_t sum, int32_t advance) {
     double exact = pen + double(sum) * unit;
-    sum += face->advances[character];
-    if (exact > c->extents.right + margin) break;
-    if (exact < c->extents.left - margin) continue;
+    if (exact > c->extents.right + margin) return false;
+    if (exact + advance * unit < c->extents.left - margin) return true;
     int at = int(exact + kBias) - kBias;  // the floor
-    Glyph& g = set->glyphs[character];
-    if (!g.made) MakeGlyph(font, set, character);
-    if (!g.width) continue;
+    const Glyph& g = GlyphOf(font, set, slot);
+    if (!g.width) return true;
     int left = at + g.left;
     PaintGlyph(c, *set, g, left, baseline - g.top, whole, color);
     box.left = std::min(box.left, left);
     box.right = std::max(box.right, left + g.width);
-  }
+    return true;
+  });
   box.top = baseline - set->ascent;
   box.bottom = baseline + set->descent;
   MarkClipped(c, box);
+}
+
+}  // namespace
+
+void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, size_t n,
+                uint32_t rgb) {
+  if (!Ready(c) || !text || !OpenSized(font)) return;
+  const int32_t* advances = font->face->toolkit->advances;
+  DrawEach(c, font, x, y, rgb, [=](auto draw) {
+    int64_t sum = 0;
+    for (size_t i = 0; i < n; ++i) {
+      const uint8_t character = uint8_t(text[i]);
+      if (!draw(character, sum, advances[character])) return;
+      sum += advances[character];
+    }
+  });
+}
+
+void DrawLine(ContextRef c, SizedFont* font, int x, int y, const TextLine& line, uint32_t rgb) {
+  if (!Ready(c) || !OpenSized(font)) return;
+  DrawEach(c, font, x, y, rgb, [&line](auto draw) {
+    for (const LineGlyph& g : line.glyphs)
+      if (!draw(g.slot, g.pen, g.advance)) return;
+  });
 }
 
 }  // namespace platform

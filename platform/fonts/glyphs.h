@@ -16,10 +16,14 @@ struct Glyph {
   size_t offset = 0;
 };
 
-// Masks for one size in device pixels (26.6).
+struct GlyphPage {
+  Glyph glyphs[256];
+};
+
+// Masks for one size in device pixels (26.6), in pages as a face has its characters.
 struct GlyphSet {
   int device_size = 0;
-  Glyph glyphs[256];
+  std::vector<std::unique_ptr<GlyphPage>> pages;  // by slot / 256
   std::vector<uint8_t> masks;
   int ascent = 0, descent = 0;  // of the masks made so far
 };
@@ -30,5 +34,7 @@ struct SizedFont {
   bool opened = false;
   std::vector<std::unique_ptr<GlyphSet>> sets;
 };
+// Opens its face, or the desktop's font in its place; false when there is none.
+bool OpenSized(const SizedFont* font);
 
 }  // namespace platform

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <bitset>
 #include <cstdio>
 #include <cstdlib>
 
@@ -29,6 +30,11 @@ struct Finder {
   decltype(&FcConfigSubstitute) substitute;
   decltype(&FcDefaultSubstitute) default_substitute;
   decltype(&FcFontMatch) match;
+  decltype(&FcPatternAddInteger) add_integer;
+  decltype(&FcFontSort) sort;
+  decltype(&FcPatternGetCharSet) get_charset;
+  decltype(&FcCharSetHasChar) has_char;
+  decltype(&FcFontSetDestroy) destroy_set;
   decltype(&FcPatternDestroy) destroy_pattern;
   decltype(&FcConfigDestroy) destroy_config;
   decltype(&FcFini) finish;
@@ -49,9 +55,20 @@ bool LoadFinder(void* lib, Finder* f) {
          FindFunction(lib, "FcConfigSubstitute", &f->substitute) &&
          FindFunction(lib, "FcDefaultSubstitute", &f->default_substitute) &&
          FindFunction(lib, "FcFontMatch", &f->match) &&
+         FindFunction(lib, "FcPatternAddInteger", &f->add_integer) &&
+         FindFunction(lib, "FcFontSort", &f->sort) &&
+         FindFunction(lib, "FcPatternGetCharSet", &f->get_charset) &&
+         FindFunction(lib, "FcCharSetHasChar", &f->has_char) &&
+         FindFunction(lib, "FcFontSetDestroy", &f->destroy_set) &&
          FindFunction(lib, "FcPatternDestroy", &f->destroy_pattern) &&
          FindFunction(lib, "FcConfigDestroy", &f->destroy_config) &&
          FindFunction(lib, "FcFini", &f->finish);
+}
+
+// Null when there is none here.
+FcConfig* OpenFinder(Finder* f) {
+  void* library = dlopen("libfontconfig.so.1", RTLD_NOW | RTLD_LOCAL);
+  return library && LoadFinder(library, f) ? f->init() : nullptr;
 }
 
 std::vector<std::string> Strings(const Finder& f, FcPattern* p, const char* object) {
@@ -146,10 +163,8 @@ std::string StampOf(const std::string& path) {
 
 FontCatalogue ReadInstalledFonts() {
   FontCatalogue catalogue;
-  void* library = dlopen("libfontconfig.so.1", RTLD_NOW | RTLD_LOCAL);
-  if (!library) return catalogue;
   Finder f;
-  FcConfig* config = LoadFinder(library, &f) ? f.init() : nullptr;
+  FcConfig* config = OpenFinder(&f);
   if (!config) return catalogue;
   AddStamps(f, config, &catalogue);
   FcFontSet* set = f.fonts(config, FcSetSystem);
@@ -166,6 +181,75 @@ FontCatalogue ReadInstalledFonts() {
   f.destroy_config(config);
   f.finish();
   return catalogue;
+}
+
+// --- The order of fonts for what a chosen font lacks
+
+struct FallbackOrder::Impl {
+  Finder f;
+  FcConfig* config = nullptr;
+  FcFontSet* sorted[4] = {};  // by style, asked for once each
+};
+
+FallbackOrder::FallbackOrder() : impl_(new Impl) {
+  impl_->config = OpenFinder(&impl_->f);
+}
+
+FallbackOrder::~FallbackOrder() {
+  if (!impl_->config) return;
+  for (FcFontSet* set : impl_->sorted)
+    if (set) impl_->f.destroy_set(set);
+  impl_->f.destroy_config(impl_->config);
+  impl_->f.finish();
+}
+
+namespace {
+
+FcFontSet* Sort(const Finder& f, FcConfig* config, int style) {
+  FcPattern* p = f.parse(reinterpret_cast<const FcChar8*>("sans-serif"));
+  f.add_integer(p, FC_SLANT, style & 1 ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+  f.add_integer(p, FC_WEIGHT, style & 2 ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+  f.substitute(config, p, FcMatchPattern);
+  f.default_substitute(p);
+  FcResult result;
+  FcFontSet* set = f.sort(config, p, FcTrue, nullptr, &result);
+  f.destroy_pattern(p);
+  return set;
+}
+
+// Adds what the font has of the page to `have`; false when that is nothing new.
+bool AddCharacters(const Finder& f, FcPattern* p, uint32_t page, std::bitset<256>* have) {
+  FcCharSet* set;
+  if (f.get_charset(p, FC_CHARSET, 0, &set) != FcResultMatch) return false;
+  const std::bitset<256> before = *have;
+  for (uint32_t i = 0; i < 256; ++i)
+    if (!have->test(i) && f.has_char(set, page << 8 | i)) have->set(i);
+  return *have != before;
+}
+
+// Pictures of glyphs, which coloured fonts have, cannot be drawn in an ink.
+bool HasOutlines(const Finder& f, FcPattern* p) {
+  FcBool outline = FcFalse;
+  return f.get_bool(p, FC_OUTLINE, 0, &outline) == FcResultMatch && outline;
+}
+
+}  // namespace
+
+std::vector<FontEntry> FallbackOrder::OfPage(uint32_t page, int style) {
+  std::vector<FontEntry> fonts;
+  if (!impl_->config) return fonts;
+  FcFontSet*& set = impl_->sorted[style & 3];
+  if (!set) set = Sort(impl_->f, impl_->config, style);
+  std::bitset<256> have;
+  for (int i = 0; set && i < set->nfont; ++i) {
+    FcPattern* p = set->fonts[i];
+    FontEntry e;
+    if (!HasOutlines(impl_->f, p) || !ReadPattern(impl_->f, p, &e)) continue;
+    // A variable font stands for all its instances; its default one is drawn.
+    if (e.index < 0 || e.index >> 16 == 0x8000) e.index &= 0xFFFF;
+    if (AddCharacters(impl_->f, p, page, &have)) fonts.push_back(std::move(e));
+  }
+  return fonts;
 }
 
 }  // namespace platform

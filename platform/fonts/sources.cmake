@@ -9,7 +9,9 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/face.cc
   ${CMAKE_CURRENT_LIST_DIR}/finder.cc
   ${CMAKE_CURRENT_LIST_DIR}/folder.cc
+  ${CMAKE_CURRENT_LIST_DIR}/font_file.cc
   ${CMAKE_CURRENT_LIST_DIR}/glyphs.cc
   ${CMAKE_CURRENT_LIST_DIR}/installed.cc
+  ${CMAKE_CURRENT_LIST_DIR}/layout.cc
   ${CMAKE_CURRENT_LIST_DIR}/match.cc
   ${CMAKE_CURRENT_LIST_DIR}/state.cc)

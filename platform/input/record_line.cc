@@ -108,6 +108,27 @@ bool SetField(RawEvent* raw, const std::string& name, double v) {
   return false;
 }
 
+// The bytes of a key's text, two hexadecimal digits each.
+std::string FormatTyped(const RawEvent& raw) {
+  std::string text;
+  for (const char* at = raw.typed; *at; ++at) {
+    char digits[4];
+    snprintf(digits, sizeof digits, "%02x", unsigned(uint8_t(*at)));
+    text += digits;
+  }
+  return text;
+}
+
+bool TakeTyped(const std::string& digits, RawEvent* raw) {
+  const size_t n = digits.size() / 2;
+  if (digits.size() % 2 || n >= sizeof raw->typed) return false;
+  for (size_t i = 0; i < n; ++i) {
+    if (!isxdigit(uint8_t(digits[2 * i])) || !isxdigit(uint8_t(digits[2 * i + 1]))) return false;
+    raw->typed[i] = char(strtoul(digits.substr(2 * i, 2).c_str(), nullptr, 16));
+  }
+  return true;
+}
+
 bool ParseFields(std::istringstream* in, RecordLine* line) {
   std::string word;
   while (*in >> word) {
@@ -116,6 +137,10 @@ bool ParseFields(std::istringstream* in, RecordLine* line) {
     if (equals == std::string::npos || equals + 1 == word.size()) return false;
     const double value = strtod(word.c_str() + equals + 1, &end);
     const std::string name = word.substr(0, equals);
+    if (name == "typed") {
+      if (!TakeTyped(word.substr(equals + 1), &line->raw)) return false;
+      continue;
+    }
     if (*end) return false;
     if (name == "under") {
       line->under = Cut<int64_t>(value, 0, UINT32_MAX);
@@ -160,6 +185,7 @@ std::string FormatRecordLine(const RecordLine& line) {
         row.real    ? double(r.*row.real)
         : row.whole ? double(r.*row.whole)
                     : double(r.*row.bits));
+  if (r.typed[0]) text += " typed=" + FormatTyped(r);
   if (line.under >= 0) text += " under=" + std::to_string(line.under);
   Put(&text, "button", r.button);
   Put(&text, "tablet", r.tablet_type);

@@ -7,12 +7,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/events/sources.h"
 #include "platform/input/record.h"
+#include "platform/text/characters.h"
+#include "platform/text/utf8.h"
 #include "platform/windows/internal.h"
 
 namespace platform {
@@ -39,7 +43,7 @@ int LogicalPixel(double device, double scale) {
 
 Point GlobalPoint(const Window& w, const RawEvent& raw) {
   return {w.content.left + LogicalPixel(raw.x, w.surface.scale),
-          w.content.top - w.strip + LogicalPixel(raw.y, w.surface.scale)};
+          w.content.top - w.menu_bar_height + LogicalPixel(raw.y, w.surface.scale)};
 }
 
 Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
@@ -76,11 +80,29 @@ void Button(const RawEvent& raw, WindowRef w) {
   main_event_queue.Push(MouseEvent(raw, w, press ? kEventMouseDown : kEventMouseUp));
 }
 
+// What the key typed, without control characters; nothing while a command is given with it.
+std::string TypedText(const RawEvent& raw) {
+  if (raw.modifiers & (controlKey | rightControlKey | cmdKey)) return {};
+  char one[4];
+  std::string_view typed(raw.typed, strnlen(raw.typed, sizeof raw.typed));
+  if (typed.empty() && raw.unicode) typed = {one, size_t(PutUtf8(raw.unicode, one))};
+  std::string text;
+  while (!typed.empty()) {
+    const char32_t c = TakeUtf8(&typed);
+    char bytes[4];
+    if (KindOf(c) != CharacterKind::kControl) text.append(bytes, size_t(PutUtf8(c, bytes)));
+  }
+  return text;
+}
+
 void Key(const RawEvent& raw, WindowRef w, uint32_t kind) {
   Event e(kEventClassKeyboard, kind, w);
   e.time = raw.time;
   MacKey key = LookUpKey(raw.keysym, raw.base_keysym, raw.unicode, raw.modifiers);
-  e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym, raw.keycode, key.character};
+  e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym,
+           raw.keycode,  key.character, {}};
+  const bool types = kind == kEventRawKeyDown || kind == kEventRawKeyRepeat;
+  if (types) CopyUtf8(TypedText(raw), e.key.text, sizeof e.key.text);
   main_event_queue.Push(e);
 }
 
@@ -97,11 +119,13 @@ void Configure(const RawEvent& raw, WindowRef window) {
   int width = LogicalSize(device_width, scale), height = LogicalSize(device_height, scale);
   const DeviceRect known = same_scale ? DeviceBounds(w) : DeviceRect();
   if (known.width() == device_width) width = w.content.width();
-  if (known.height() == device_height) height = w.content.height() + w.strip;
+  if (known.height() == device_height) height = w.content.height() + w.menu_bar_height;
   if (same_scale && float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
-  if (same_scale && float(known.top) == std::trunc(raw.root_y)) top = w.content.top - w.strip;
+  if (same_scale && float(known.top) == std::trunc(raw.root_y))
+    top = w.content.top - w.menu_bar_height;
   // A window has at least one row of content.
-  e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
+  e.bounds.current = {left, top + w.menu_bar_height, left + width,
+                      top + std::max(height, w.menu_bar_height + 1)};
   e.bounds.placement = w.placing;
   e.bounds.scale = raw.scale > 0 ? float(scale) : 0;
   e.bounds.replayed = Replaying();
@@ -242,7 +266,7 @@ void TakeRawEvents() {
     raw = RawEvent();
   }
   if (Replaying()) ReplayDue();
-  SettleActivation();
+  UpdateActivation();
 }
 
 void FinishInput() {

@@ -51,20 +51,24 @@ class NestedWait {
 
 }  // namespace
 
+bool trackers_wait = false;
+
 void StartTracking(Tracker* tracker) {
   if (!tracker) return;
   StopTracking(tracker);
   tracker->owner_serial = tracker->owner ? tracker->owner->serial : 0;
   state.trackers.push_back(tracker);
+  trackers_wait = true;
 }
 
 void StopTracking(Tracker* tracker) {
   std::erase(state.trackers, tracker);
 }
 
-Tracking AskTracker(Event* event) {
+Tracking AskNewestTracker(Event* event) {
   std::erase_if(state.trackers, [](const Tracker* t) { return !OwnerLives(*t); });
-  if (state.trackers.empty()) return Tracking::kPass;
+  trackers_wait = !state.trackers.empty();
+  if (!trackers_wait) return Tracking::kPass;
   const Tracker* t = state.trackers.back();
   return t->ask(t->data, event);
 }
@@ -109,6 +113,7 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
 
 void FinishTracking() {
   state = TrackingState();
+  trackers_wait = false;
 }
 
 }  // namespace platform

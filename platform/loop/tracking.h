@@ -28,7 +28,11 @@ struct Tracker {
 void StartTracking(Tracker* tracker);
 void StopTracking(Tracker* tracker);
 // Of the newest tracker whose owner is alive; kPass when there is none.
-Tracking AskTracker(Event* event);
+extern bool trackers_wait;  // there may be one
+Tracking AskNewestTracker(Event* event);
+inline Tracking AskTracker(Event* event) {
+  return trackers_wait ? AskNewestTracker(event) : Tracking::kPass;
+}
 
 enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 // Receives and dispatches events until `done` is true, with `tracker` as the newest. A program's

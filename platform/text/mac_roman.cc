@@ -49,35 +49,6 @@ int UnicodeToMacRoman(char32_t c) {
   return at != kReverse.end() && at->unicode == c ? at->character : -1;
 }
 
-char32_t NextUtf8(const char** text) {
-  const uint8_t* p = reinterpret_cast<const uint8_t*>(*text);
-  if (!*p) return 0;
-  int more = *p < 0x80                 ? 0
-             : *p >= 0xC2 && *p < 0xE0 ? 1
-             : (*p & 0xF0) == 0xE0     ? 2
-             : *p >= 0xF0 && *p < 0xF5 ? 3
-                                       : -1;
-  if (more < 0) return ++*text, 0xFFFD;
-  char32_t c = more == 0 ? *p : *p & (0x3F >> more);
-  for (int i = 1; i <= more; ++i) {
-    if ((p[i] & 0xC0) != 0x80) return ++*text, 0xFFFD;
-    c = c << 6 | (p[i] & 0x3F);
-  }
-  bool bad = (more == 2 && c < 0x800) || (more == 3 && c < 0x10000) || c > 0x10FFFF ||
-             (c >= 0xD800 && c < 0xE000);
-  if (bad) return ++*text, 0xFFFD;
-  *text += more + 1;
-  return c;
-}
-
-int PutUtf8(char32_t c, char out[4]) {
-  if (c < 0x80) return out[0] = char(c), 1;
-  int n = c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
-  for (int i = n - 1; i > 0; --i, c >>= 6) out[i] = char(0x80 | (c & 0x3F));
-  out[0] = char((0xF00 >> n & 0xFF) | c);
-  return n;
-}
-
 size_t MacRomanToUtf8(const char* text, char* out, size_t size) {
   if (!size) return 0;
   size_t n = 0;

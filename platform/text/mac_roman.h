@@ -1,9 +1,10 @@
-// The one table between the toolkit's characters and Unicode: glyphs, titles, clipboard, keyboard.
+// The one table between the toolkit's characters and Unicode.
 #pragma once
 #include <cstdint>
 #include <string>
 
 #include "platform/base.h"
+#include "platform/text/utf8.h"
 
 namespace platform {
 
@@ -20,11 +21,5 @@ size_t Utf8ToMacRoman(const char* text, char* out, size_t size, char substitute 
 
 std::string MacRomanToUtf8(const char* text);
 std::string Utf8ToMacRoman(const char* text);
-
-// Takes one character from *text and moves behind it. Bytes that are not UTF-8 give 0xFFFD and
-// count one each. The end of the string gives 0 and stays.
-char32_t NextUtf8(const char** text);
-// Writes 1 to 4 bytes.
-int PutUtf8(char32_t c, char out[4]);
 
 }  // namespace platform

@@ -36,12 +36,12 @@ bool AnswersRequest(WindowRef w) {
   return own;
 }
 
-// The ground of an inactive window is lighter, so all of it is drawn again.
+// The background of an inactive window is lighter, so all of it is drawn again.
 void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
-  uint32_t before = WindowGround(w);
+  uint32_t before = WindowBackground(w);
   w->active = active;
-  if (w->visible && w->brush && WindowGround(w) != before)
+  if (w->visible && w->brush && WindowBackground(w) != before)
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
 }
 
@@ -86,7 +86,7 @@ void NoteFocusRequest(WindowRef w) {
   state.asked_at = GetCurrentEventTime();
 }
 
-void SettleActivation() {
+void UpdateActivation() {
   auto& state = Windows().activation;
   if (!state.known) return;
   state.known = false;

@@ -13,7 +13,7 @@ constexpr int kWidestFrame = 4096;
 constexpr double kLeastScale = 0.5, kMostScale = 8;
 
 Rect Structure(const Window& w) {
-  return {w.content.left - w.frame.left, w.content.top - w.strip - w.frame.top,
+  return {w.content.left - w.frame.left, w.content.top - w.menu_bar_height - w.frame.top,
           w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
 }
 
@@ -100,10 +100,10 @@ void ResizeSurface(WindowRef w) {
   s.stride = stride;
   ++*s.generation;
   s.damage.Reset(s.width, s.height);
-  // What is new takes the ground; what was there stays.
-  uint32_t ground = WindowGround(w);
-  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, ground);
-  FillSurface(&s, {0, old_height, s.width, s.height}, ground);
+  // What is new takes the background; what was there stays.
+  uint32_t background = WindowBackground(w);
+  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, background);
+  FillSurface(&s, {0, old_height, s.width, s.height}, background);
   s.damage.Mark(0, 0, s.width, s.height);
   if (old_width != s.width) DrawFrame(w);
 }
@@ -162,7 +162,7 @@ static void Rescale(WindowRef w, double scale, bool ask) {
   Surface& s = w->surface;
   s.scale = scale;
   w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
-                      LogicalSize(at.top, scale) + w->strip - old.top);
+                      LogicalSize(at.top, scale) + w->menu_bar_height - old.top);
   if (s.pixels) {
     s.width = s.height = 0;  // nothing of the old picture fits
     ResizeSurface(w);
@@ -266,7 +266,8 @@ int FindWindow(Point where, WindowRef w) {
   if (!IsValidWindow(w)) return inDesk;
   const Rect& c = w->content;
   if (c.contains(where)) return inContent;
-  return Rect{c.left, c.top - w->strip, c.right, c.top}.contains(where) ? inMenuBar : inDesk;
+  return Rect{c.left, c.top - w->menu_bar_height, c.right, c.top}.contains(where) ? inMenuBar
+                                                                                  : inDesk;
 }
 
 void SetSystemUIMode(int mode, uint32_t) {

@@ -9,7 +9,7 @@
 namespace platform {
 
 ContextRef CreateContext(WindowRef w) {
-  return IsValidWindow(w) ? CreateContext(&w->surface, w->strip) : nullptr;
+  return IsValidWindow(w) ? CreateContext(&w->surface, w->menu_bar_height) : nullptr;
 }
 
 constexpr size_t kMostLost = 32;  // rectangles; beyond that their bounds stand for them
@@ -22,12 +22,12 @@ void SetThemeWindowBackground(WindowRef w, int brush, bool redraw) {
 }
 
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb) {
-  if (IsValidWindow(w)) w->ground_color = rgb;
+  if (IsValidWindow(w)) w->background_color = rgb;
 }
 
-uint32_t WindowGround(WindowRef w) {
+uint32_t WindowBackground(WindowRef w) {
   if (w->brush) return ThemeBrushColor(w->brush, w->active);
-  return w->ground_color != kNoColor ? w->ground_color : 0xFFFFFF;
+  return w->background_color != kNoColor ? w->background_color : 0xFFFFFF;
 }
 
 void EraseRect(WindowRef w, const Rect& r) {
@@ -36,9 +36,9 @@ void EraseRect(WindowRef w, const Rect& r) {
   Rect c = Intersect(r, {0, 0, w->content.width(), w->content.height()});
   if (c.empty()) return;
   FillSurface(&w->surface,
-              {DeviceEdge(c.left, s), DeviceEdge(c.top + w->strip, s), DeviceEdge(c.right, s),
-               DeviceEdge(c.bottom + w->strip, s)},
-              WindowGround(w));
+              {DeviceEdge(c.left, s), DeviceEdge(c.top + w->menu_bar_height, s),
+               DeviceEdge(c.right, s), DeviceEdge(c.bottom + w->menu_bar_height, s)},
+              WindowBackground(w));
 }
 
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase) {

@@ -29,9 +29,9 @@ void Describe(const void* record, Description* out) {
 constexpr EventKind kBoundsReported[] = {{kEventClassWindow, kEventWindowBoundsReported}};
 constexpr EventKind kPointerMoved[] = {{kEventClassMouse, kEventMouseMoved}};
 
-}  // namespace
+constexpr ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
 
-const ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
+}  // namespace
 
 WindowsState& Windows() {
   if (!state) state = new WindowsState;
@@ -94,7 +94,7 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   w->content = content;
   w->surface.scale = MainScreen().scale;
   const bool carries_menu_bar = !all.menu_bar_given;
-  if (carries_menu_bar) w->strip = GetMBarHeight();
+  if (carries_menu_bar) w->menu_bar_height = GetMBarHeight();
   w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
   if (!EnterWindow(w)) return nullptr;
   if (carries_menu_bar) {

@@ -76,18 +76,18 @@ TEST(Translate, PlacesAtAFractionalScale) {
 
 TEST(Translate, DrawRequestsWaitUntilIdleOrFiftyMilliseconds) {
   WindowRef w = Open();
-  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {20, 20, 30, 30}, false);
   InvalidateWindow(w, {0, 0, 10, 10}, true);
   EventQueueRef queue = GetMainEventQueue();
   for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
   EXPECT_EQ(Receive(), "test0 test1 test2 wind2") << "one request, after the rest";
-  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {20, 20, 30, 30}, false);
   for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
   Event e;
   ReceiveNextEvent(0, &e);
   headless::Step(0.0501);
   EXPECT_EQ(Receive(), "wind2 test1 test2") << "it has waited long enough";
-  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {20, 20, 30, 30}, false);
   HideWindow(w);
   EXPECT_EQ(Receive(), "appl2") << "a hidden window draws nothing";
 }
@@ -141,7 +141,7 @@ TEST(Configure, LimitsStepsAndThoseWhoInsist) {
     EXPECT_NE(Receive(), "");
     EXPECT_EQ(w->content, row.taken);
     EXPECT_EQ(w->surface.width, row.taken.width());
-    EXPECT_EQ(w->surface.height, row.taken.height() + w->strip);
+    EXPECT_EQ(w->surface.height, row.taken.height() + w->menu_bar_height);
   }
   headless::Configure(w, {90, 80, 900, 5000});
   Receive();

@@ -78,7 +78,7 @@ TEST(Tree, BoundsAreKeptOnTheScreen) {
   Open();
   const struct {
     int x, y, width, height;
-    Rect first, later;  // with and without the menu strip
+    Rect first, later;  // with and without the menu bar
   } rows[] = {
       {-50, 100, 200, 100, {0, 100, 200, 200}, {0, 100, 200, 200}},
       {700, 100, 200, 100, {600, 100, 800, 200}, {600, 100, 800, 200}},

@@ -1,6 +1,7 @@
 // Who has the pointer and the keyboard, and what lies under the pointer, on a screen that other
 // programs share; and pop-ups.
 #include "platform/display/x11/x.h"
+#include "platform/events/raw_event.h"
 #include "tests/x11/managed.h"
 #include "tests/x11/reports.h"
 #include "toolkit/xw.h"
@@ -147,15 +148,14 @@ class ToolkitGrabs : public Grabs {
     Grabs::TearDown();
   }
   // The toolkit's own loop, without a timer: its events would carry the buttons from when it fired.
-  bool Run(const std::function<bool()>& done) {
+  static bool Run(const std::function<bool()>& done) {
     return support::Eventually([&] {
-      while (const int type = XwGetEvent(nullptr, 1)) {
+      while (const int type = XwGetEvent(nullptr, 1))
         presses += type == XWE_PRESS && Inp.window == over;
-      }
       return done();
     });
   }
-  void Rest() {
+  static void Rest() {
     int quiet = 0;
     Run([&] { return ++quiet > 40; });
   }
@@ -166,8 +166,8 @@ class ToolkitGrabs : public Grabs {
     ASSERT_TRUE(Run([&] { return user().Viewable(Id(Window(w))); }));
     Rest();
   }
-  XwWindow *top = nullptr, *over = nullptr;
-  int presses = 0;  // of `over`
+  static inline XwWindow *top = nullptr, *over = nullptr;
+  static inline int presses = 0;  // in `over`; polling hands the pointer's events to no handler
 };
 
 // The variables are set whatever the server says, and what it says takes the buttons away.
@@ -201,6 +201,7 @@ class Stacking : public ToolkitGrabs, public testing::WithParamInterface<bool> {
 TEST_P(Stacking, DecidesAboutThePress) {
   StartServer("", {});
   XwSession("Session", "Stacking", 0);
+  presses = 0;
   top = XwCreate(nullptr, 200, 150, 300, 100, Note);
   over = XwCreate(nullptr, 250, 100, 100, 100, Note);
   for (XwWindow* w : {top, over}) Appear(w);

@@ -1,4 +1,5 @@
-// Font handles and font names.
+#include "toolkit/drawing/fonts.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -17,10 +18,9 @@ namespace {
 
 enum : int32_t { kBold = 1, kItalic = 2, kNarrow = 32 };
 
-XwFont* NewFont() {
+std::vector<std::unique_ptr<XwFont>>& Fonts() {
   static auto* fonts = new std::vector<std::unique_ptr<XwFont>>;
-  fonts->push_back(std::make_unique<XwFont>());
-  return fonts->back().get();
+  return *fonts;
 }
 
 const FontFace* Find(const std::string& name) {
@@ -40,10 +40,28 @@ int Truncate(double v) {
   return v >= INT_MAX ? INT_MAX : v <= INT_MIN ? INT_MIN : int(v);
 }
 
+// Null for the face: a name that was not found.
+void Open(XwFont* font, const FontFace* face) {
+  FontMetrics m = GetFontMetrics(face);
+  float points = float(font->size);
+  font->ascent = Truncate(double(points * m.ascent) + 0.5);
+  font->descent = Truncate(0.5 - double(points * m.descent));
+  font->max_advance = Truncate(double(points * m.max_advance));
+  font->platform = OpenFont(face ? face : FallbackFont(), font->size);
+}
+
 }  // namespace
 
+void CloseFonts() {
+  for (const auto& font : Fonts()) font->platform = nullptr;
+}
+
+void ReopenFonts() {
+  for (const auto& font : Fonts()) Open(font.get(), Find(font->name));
+}
+
 XwFont* LoadFont(const char* family, int size, int style) {
-  XwFont* font = NewFont();
+  XwFont* font = Fonts().emplace_back(std::make_unique<XwFont>()).get();
   std::string plain = std::string(family ? family : "").substr(0, 255), name;
   const FontFace* face = nullptr;
   for (int attempt = 0; attempt < 4 && !face; ++attempt) {
@@ -58,12 +76,7 @@ XwFont* LoadFont(const char* family, int size, int style) {
   std::memcpy(font->name, name.data(), length);
   font->style = style;
   font->size = size;
-  FontMetrics m = GetFontMetrics(face);
-  float points = float(size);
-  font->ascent = Truncate(double(points * m.ascent) + 0.5);
-  font->descent = Truncate(0.5 - double(points * m.descent));
-  font->max_advance = Truncate(double(points * m.max_advance));
-  font->platform = OpenFont(face ? face : FallbackFont(), size);
+  Open(font, face);
   return font;
 }
 

@@ -1,27 +1,20 @@
-// Measuring, shortening and drawing one line of text. Widths are exact sums of advances; they are
-// truncated only where a whole number of pixels is asked for.
+// Measuring, shortening and drawing one line of text in the toolkit's set. Widths are exact sums of
+// advances; they are truncated only where a whole number of pixels is asked for.
 #include <algorithm>
 #include <cstring>
 
 #include "platform/fonts/fonts.h"
-#include "toolkit/core/saturate.h"
+#include "toolkit/drawing/text.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
-using toolkit::state;
+using namespace toolkit;
 
 namespace {
 
-enum : int { kAlignMask = 0x700, kRight = 0x200, kLeft = 0x400, kUnderline = 0x800 };
-
 constexpr size_t kResultSize = 200;  // of the static results, with the ending zero
 constexpr size_t kFitSize = 212;     // longer texts are cut before they are shortened
-
-SizedFont* Sized(const XwFont* font) {
-  if (!font) font = XWF_NORMAL;
-  return font ? static_cast<SizedFont*>(font->platform) : nullptr;
-}
 
 char g_trimmed[kResultSize];
 
@@ -77,7 +70,7 @@ char* XwTextFit(XwFont* font, const char* text, int width) {
   SizedFont* sized = Sized(font);
   const int32_t* advances = GetAdvances(sized);
   TextScale scale = GetTextScale(sized);
-  int64_t limit = int64_t{width} - 6;
+  int64_t limit = int64_t{width} - kFitMargin;
   if (scale.Narrower(MeasureText(sized, text, std::strlen(text)), limit)) {
     size_t n = std::min(std::strlen(text), kResultSize - 1);
     std::memmove(result, text, n);
@@ -106,48 +99,21 @@ char* XwTextFit(XwFont* font, const char* text, int width) {
   }
 }
 
-namespace {
-
-// Fills behind the text: a colour, or the ground.
-void PaintBackground(int x, int y, int w, int h, int32_t background) {
-  if (w <= 0 || h <= 0) return;
-  if (IsRealColor(background))
-    XwBox(x, y, w, h, background);
-  else if (background == kEraseToGround)
-    XwClear(x, y, w, h);
-}
-
-void DrawLineOfText(const XwFont* font, int flags, int x, int y, const char* text, int32_t colour,
-                    int32_t background) {
-  size_t n = std::strlen(text);
-  SizedFont* sized = Sized(font);
-  int line_height = Saturate(int64_t{font->ascent} + font->descent);
-  int width = 0;
-  if (background != -1 || flags & kUnderline)
-    width = GetTextScale(sized).Pixels(MeasureText(sized, text, n));
-  PaintBackground(x, y, width, line_height, background);
-  if (!IsRealColor(colour)) return;
-  state.colors.fill = ColorToRgb(colour);
-  DrawGlyphs(TargetContext(), sized, x, Saturate(int64_t{y} + font->ascent), text, n,
-             state.colors.fill);
-  if (flags & kUnderline) XwBox(x, Saturate(int64_t{y} + line_height), width, 1, colour);
-}
-
-}  // namespace
-
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background) {
   if (!text || !*text || !XW) return;
-  if (!font) font = XWF_NORMAL;
-  if (!font) return;
-  if (!w || !h) return DrawLineOfText(font, flags, x, y, text, colour, background);
-  if (w < 0 || h < 0) return;
-  PaintBackground(x, y, w, h, background);
-  text = XwTextTrim(font, text, w - 6);
-  if (!*text) return;
-  int width = XwTextWidth(font, text);
-  int align = flags & kAlignMask;
-  int dx = align == kRight ? w - 5 - width : align == kLeft ? 5 : (w - width) / 2;
-  int64_t dy = (int64_t{h} - font->ascent - font->descent) / 2;
-  DrawLineOfText(font, flags, Saturate(int64_t{x} + dx), Saturate(y + dy), text, colour, -1);
+  TextBox box{font ? font : XWF_NORMAL, flags, x, y, colour, background};
+  if (!box.font) return;
+  if (w && h) {
+    if (!FillTextBox(box, w, h)) return;
+    text = XwTextTrim(box.font, text, w - kFitMargin);
+    if (!*text) return;
+    PlaceInBox(&box, w, h, XwTextWidth(box.font, text));
+  }
+  DrawTextLine(
+      box, [&] { return XwTextWidth(box.font, text); },
+      [&](int left, int baseline) {
+        DrawGlyphs(TargetContext(), Sized(box.font), left, baseline, text, std::strlen(text),
+                   state.colors.fill);
+      });
 }

@@ -17,6 +17,7 @@
 #include "toolkit/core/hooks.h"
 #include "toolkit/core/memory.h"
 #include "toolkit/core/state.h"
+#include "toolkit/drawing/fonts.h"
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/install.h"
 
@@ -61,7 +62,7 @@ void TakeScreenSize() {
 }
 
 void XwCocoaInit() {
-  if (!InitPlatform(SessionName)) exit(1);
+  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str())) exit(1);
   FillCursorTable();
 }
 
@@ -89,6 +90,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
+  ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
   Pserial = &process;
@@ -129,8 +131,10 @@ void DropSession() {
   if (!W_Root) return;
   XwEndSession();
   DestroyWindows();
+  free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();
+  CloseFonts();
   DropLive();
   FinishPlatform();
   toolkit::ResetState();

@@ -16,6 +16,8 @@ using namespace platform;
 namespace {
 
 constexpr int kTitleLimit = 255;
+// Bytes of UTF-8: more than any title bar shows, and less than a display would refuse.
+constexpr size_t kLongestTitle = 4096;
 
 void ShowTopLevel(XwWindow* w, bool show) {
   WindowRef native = NativeWindow(w);
@@ -73,6 +75,12 @@ void XwSetText(XwWindow* w, const char* text) {
   char utf8[kTitleLimit * 3 + 1];
   MacRomanToUtf8(cut, utf8, sizeof utf8);
   SetWindowTitle(NativeWindow(w), utf8);
+}
+
+void XwSetTextUtf8(XwWindow* w, const char* utf8) {
+  if (!CheckWindow(w) || !IsTopLevel(w)) return;
+  const std::string title = ValidUtf8(utf8 ? utf8 : "");
+  SetWindowTitle(NativeWindow(w), title.substr(0, CutUtf8(title, kLongestTitle)).c_str());
 }
 
 void XwSetValue(XwWindow* w, XwValue value) {

@@ -79,7 +79,7 @@ void FollowScreen(const Window* w) {
   State& s = Headless();
   const DeviceRect at = DeviceBounds(*w);
   const double scale =
-      ScaleAt(*w, {at.left, at.top}, w->content.width(), w->content.height() + w->strip);
+      ScaleAt(*w, {at.left, at.top}, w->content.width(), w->content.height() + w->menu_bar_height);
   if (scale == Native(w)->scale) return;
   Native(w)->scale = scale;
   RawEvent raw;
@@ -151,11 +151,19 @@ void DestroyNative(const Window* w) {
   State& s = Headless();
   std::erase(s.stack, w);
   std::erase(s.windows, w);
-  if (s.focus == w) GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   ForgetReports(w);
-  if (s.pressed_in == w) s.pressed_in = nullptr;
+  if (s.pressed_in == w) {
+    s.pressed_in = nullptr;
+    s.orphans = s.reported;
+  }
   if (s.entered == w) s.entered = nullptr;
   if (s.grab.window == w) s.grab = {};
+  for (auto& [keysym, key] : s.held) key.orphan = key.orphan || key.window == w;
+  if (s.focus == w) {
+    s.focus = nullptr;
+    s.focus_ended = true;
+    GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
+  }
   delete Native(w);
   --s.counts.windows;
 }

@@ -32,8 +32,8 @@ void Scroll(float dx, float dy);
 void Pen(const TabletPoint& pen, RawEvent::Type type, int button = 0);
 
 // --- Keyboard; goes to the focused window. A key that goes down while it is held repeats; one that
-// is not held does not come up.
-void KeyDown(uint32_t keysym, uint32_t unicode = 0);
+// is not held does not come up. `typed`: UTF-8 where the key types more than one character.
+void KeyDown(uint32_t keysym, uint32_t unicode = 0, const char* typed = nullptr);
 void KeyUp(uint32_t keysym, uint32_t unicode = 0);
 void Modifiers(uint32_t modifiers);
 
@@ -72,7 +72,7 @@ void Step(double seconds);
 void SetIdleHandler(bool (*handler)());
 
 // --- Looking.
-// The picture as last presented, 0xFFRRGGBB, strip included. Empty when never shown.
+// The picture as last presented, 0xFFRRGGBB, menu bar included. Empty when never shown.
 struct Picture {
   int width = 0, height = 0;
   std::vector<uint32_t> pixels;

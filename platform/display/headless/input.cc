@@ -3,6 +3,7 @@
 
 #include "platform/display/headless/state.h"
 #include "platform/events/queue.h"
+#include "platform/text/utf8.h"
 
 namespace platform::headless {
 namespace {
@@ -27,7 +28,7 @@ const Window* UnderPointer() {
   const Point device{DeviceEdge(s.x, s.scale), DeviceEdge(s.y, s.scale)};
   for (const Window* w : s.stack) {
     Rect r = w->content;
-    r.top -= w->strip;
+    r.top -= w->menu_bar_height;
     const bool same = w->surface.scale == s.scale;
     if (same ? r.contains({s.x, s.y}) : DeviceBounds(*w).contains(device)) return w;
   }
@@ -54,30 +55,37 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   raw.root_x = float(root_x);
   raw.root_y = float(root_y);
   raw.x = float(same ? DeviceEdge(s.x - w->content.left, s.scale) : root_x - at.left);
-  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->strip, s.scale) : root_y - at.top);
+  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->menu_bar_height, s.scale)
+                     : root_y - at.top);
   return raw;
+}
+
+// A button of a window that has ended comes up without a window.
+void PushRelease(RawEvent raw) {
+  State& s = Headless();
+  const uint32_t bit = 1u << raw.button;
+  if (s.orphans & bit) raw.window = raw.under = nullptr;
+  s.reported &= ~bit;
+  s.orphans &= ~bit;
+  Push(raw);
 }
 
 // A release that no window heard of comes before the next report that one gets.
 void PushPointer(const RawEvent& raw) {
   State& s = Headless();
-  // A button that comes up outside all windows, after its own has ended, is reported without one.
-  const bool lone = raw.type == RawEvent::kRelease && (s.reported >> raw.button & 1);
-  if (!raw.window && !lone) return;
+  const bool release = raw.type == RawEvent::kRelease && raw.button >= 1 && raw.button <= 5;
+  if (!raw.window && !(release && (s.orphans >> raw.button & 1))) return;
   for (int button = 1; button <= 5; ++button) {
-    const uint32_t bit = 1u << button;
-    const bool itself = raw.type == RawEvent::kRelease && raw.button == button;
-    if (!(s.reported & bit) || (s.buttons & bit) || itself) continue;
-    RawEvent release = raw;
-    release.type = RawEvent::kRelease;
-    release.button = uint8_t(button);
-    s.reported &= ~bit;
-    Push(release);
+    const bool itself = release && raw.button == button;
+    if (!(s.reported >> button & 1) || (s.buttons >> button & 1) || itself) continue;
+    RawEvent missed = raw;
+    missed.type = RawEvent::kRelease;
+    missed.button = uint8_t(button);
+    PushRelease(missed);
   }
-  if (raw.button >= 1 && raw.button <= 5) {
-    if (raw.type == RawEvent::kPress) s.reported |= 1u << raw.button;
-    if (raw.type == RawEvent::kRelease) s.reported &= ~(1u << raw.button);
-  }
+  if (release) return PushRelease(raw);
+  if (raw.type == RawEvent::kPress && raw.button >= 1 && raw.button <= 5)
+    s.reported |= 1u << raw.button;
   Push(raw);
 }
 
@@ -100,6 +108,13 @@ RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
   raw.keysym = raw.base_keysym = raw.keycode = keysym;
   raw.unicode = unicode ? unicode : keysym < 0x100 ? keysym : 0;
   return raw;
+}
+
+// A key of a window that has ended comes up without a window.
+void PushKeyUp(uint32_t keysym, const State::Key& key) {
+  RawEvent raw = KeyReport(RawEvent::kKeyUp, keysym, key.unicode);
+  if (key.orphan) raw.window = nullptr;
+  Push(raw);
 }
 
 }  // namespace
@@ -161,30 +176,34 @@ void Pen(const TabletPoint& pen, RawEvent::Type type, int button) {
   if (raw.window) Push(raw);
 }
 
-void KeyDown(uint32_t keysym, uint32_t unicode) {
+void KeyDown(uint32_t keysym, uint32_t unicode, const char* typed) {
   State& s = Headless();
   if (!KeyTarget()) return;
   const bool held = s.held.count(keysym) != 0;
-  s.held[keysym] = {unicode, false};
-  Push(KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode));
+  s.held[keysym] = {.unicode = unicode, .window = KeyTarget()};
+  RawEvent raw = KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode);
+  if (typed) CopyUtf8(typed, raw.typed, sizeof raw.typed);
+  Push(raw);
 }
 
 void KeyUp(uint32_t keysym, uint32_t unicode) {
   State& s = Headless();
   auto key = s.held.find(keysym);
   if (key == s.held.end()) return;
-  if (!KeyTarget()) {
+  const bool orphan = key->second.orphan;
+  if (!KeyTarget() && !orphan) {
     key->second.missed = true;
     return;
   }
+  const State::Key up{.unicode = unicode, .orphan = orphan};
   s.held.erase(key);
-  Push(KeyReport(RawEvent::kKeyUp, keysym, unicode));
+  PushKeyUp(keysym, up);
 }
 
 void Modifiers(uint32_t modifiers) {
   State& s = Headless();
   s.modifiers = modifiers;
-  if (!KeyTarget()) return;
+  if (!KeyTarget() && !s.focus_ended) return;
   s.reported_modifiers = modifiers;
   Push(Report(RawEvent::kModifiers, KeyTarget()));
 }
@@ -193,15 +212,16 @@ void GiveFocus(const Window* w) {
   State& s = Headless();
   if (s.focus == w) return;
   if (s.focus) {
-    for (const auto& [keysym, key] : s.held) Push(KeyReport(RawEvent::kKeyUp, keysym, key.unicode));
+    for (const auto& [keysym, key] : s.held) PushKeyUp(keysym, key);
     s.held.clear();
     Push(Report(RawEvent::kFocusOut, s.focus));
   }
   s.focus = w;
   if (!w) return;
+  s.focus_ended = false;
   Push(Report(RawEvent::kFocusIn, w));
   for (const auto& [keysym, key] : s.held)
-    if (key.missed) Push(KeyReport(RawEvent::kKeyUp, keysym, key.unicode));
+    if (key.missed) PushKeyUp(keysym, key);
   std::erase_if(s.held, [](const auto& entry) { return entry.second.missed; });
   if (s.reported_modifiers != s.modifiers) Modifiers(s.modifiers);
 }
@@ -209,8 +229,9 @@ void GiveFocus(const Window* w) {
 void Configure(const Window* w, const Rect& content) {
   if (!IsValidWindow(w)) return;
   const double before = w->surface.scale;
-  const Point corner{DeviceEdge(content.left, before), DeviceEdge(content.top - w->strip, before)};
-  const int width = content.width(), height = content.height() + w->strip;
+  const Point corner{DeviceEdge(content.left, before),
+                     DeviceEdge(content.top - w->menu_bar_height, before)};
+  const int width = content.width(), height = content.height() + w->menu_bar_height;
   RawEvent raw = Report(RawEvent::kConfigure, w);
   raw.scale = Native(w)->scale = ScaleAt(*w, corner, width, height);
   raw.root_x = float(corner.x);

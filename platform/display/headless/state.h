@@ -30,13 +30,17 @@ struct State {
   std::vector<const Window*> stack;    // front first
   std::vector<const Window*> windows;  // all, in the order of creation
   const Window* focus = nullptr;
-  int x = 0, y = 0;  // the pointer, logical at this scale
+  bool focus_ended = false;  // the window that had it has ended, and no other has it
+  int x = 0, y = 0;          // the pointer, logical at this scale
   double scale = 1;
   uint32_t buttons = 0, modifiers = 0;
   uint32_t reported = 0;  // buttons whose press was reported and whose release was not
+  uint32_t orphans = 0;   // those of them whose window has ended: their release has none
   struct Key {
     uint32_t unicode = 0;
-    bool missed = false;  // let go when no window had the focus
+    const Window* window = nullptr;  // that heard of it going down
+    bool orphan = false;             // that window has ended
+    bool missed = false;             // let go when no window had the focus
   };
   std::map<uint32_t, Key> held;     // by symbol; a window has heard of each
   uint32_t reported_modifiers = 0;  // to the last window that had the focus

@@ -1,13 +1,15 @@
 // xkbcommon's tables, loaded when they are needed: the library with the first key, the sequences of
 // the locale with the first dead or compose key.
 #include "platform/display/x11/compose.h"
-#include "platform/late_library.h"
 
 #include <dlfcn.h>
 #include <xkbcommon/xkbcommon-compose.h>
 
 #include <cstdlib>
 #include <initializer_list>
+
+#include "platform/late_library.h"
+#include "platform/text/utf8.h"
 
 namespace platform::x11 {
 
@@ -95,20 +97,12 @@ bool StartsSequence(uint32_t keysym) {
   return keysym == 0xFF20 || (keysym >= 0xFE50 && keysym <= 0xFE93);
 }
 
-// The character that one UTF-8 string begins with; the library makes only well-formed ones.
-uint32_t FirstCharacter(const char* s) {
-  const auto* u = reinterpret_cast<const unsigned char*>(s);
-  if (u[0] < 0x80) return u[0];
-  int more = u[0] >= 0xF0 ? 3 : u[0] >= 0xE0 ? 2 : 1;
-  uint32_t c = u[0] & (0x3F >> more);
-  for (int i = 1; i <= more && (u[i] & 0xC0) == 0x80; ++i) c = c << 6 | (u[i] & 0x3F);
-  return c;
-}
-
 Composed Result() {
   char text[64] = {};
   lib.utf8(seq.state, text, sizeof text);
-  Composed out{lib.one_sym(seq.state), FirstCharacter(text)};
+  const char* rest = text;
+  Composed out{lib.one_sym(seq.state), uint32_t(NextUtf8(&rest)), {}};
+  if (*rest) CopyUtf8(text, out.typed, sizeof out.typed);
   // A result without a symbol of its own is named by its character.
   if (out.keysym == 0 && out.unicode != 0) {
     out.keysym = out.unicode < 0x100 ? out.unicode : out.unicode | 0x01000000;
@@ -129,14 +123,14 @@ uint32_t UpperKeysym(uint32_t keysym) {
 }
 
 Composed Compose(uint32_t keysym) {
-  const Composed plain{keysym, UnicodeOfKeysym(keysym)};
+  const Composed plain{keysym, UnicodeOfKeysym(keysym), {}};
   if (StartsSequence(keysym)) LoadSequences();
   if (seq.state == nullptr || keysym == 0) return plain;
   const bool fed = lib.feed(seq.state, keysym) == XKB_COMPOSE_FEED_ACCEPTED;
   if (!fed) return plain;  // a modifier
   switch (lib.status(seq.state)) {
     case XKB_COMPOSE_COMPOSING:
-      return StartsSequence(keysym) ? Composed{keysym, 0} : Composed{};
+      return StartsSequence(keysym) ? Composed{keysym, 0, {}} : Composed{};
     case XKB_COMPOSE_COMPOSED: {
       const Composed result = Result();
       lib.reset(seq.state);

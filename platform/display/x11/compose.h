@@ -2,10 +2,13 @@
 #pragma once
 #include <cstdint>
 
+#include "platform/events/event.h"
+
 namespace platform::x11 {
 
 struct Composed {
   uint32_t keysym = 0, unicode = 0;  // both 0: the key is part of an unfinished sequence
+  char typed[kTypedText + 1] = {};   // UTF-8, where it is more than one character
 };
 
 // Takes the symbol of a pressed key. The result of a sequence stands in place of its last key. A

@@ -84,6 +84,12 @@ void DestroyNative(const Window* w) {
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);
   if (x.leader == n->id) x.leader = XCB_NONE;
+  ForgetKeys(w);
+  ForgetPress(w);
+  for (RawEvent& e : x.out) {
+    if (e.under == w) e.under = nullptr;
+    if (e.window == w && IsRelease(e.type)) e.window = nullptr;
+  }
   std::erase_if(x.out, [w](const RawEvent& e) { return e.window == w; });
   delete n;
   StepDocked();

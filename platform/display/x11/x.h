@@ -279,6 +279,9 @@ void HandleKey(const xcb_key_press_event_t* e, bool press);
 void HandleXkb(const xcb_generic_event_t* event);
 // Ends every held key: the releases will not reach the program.
 void ReleaseKeys(Native* n, xcb_timestamp_t time);
+// The window ends: what went down in it comes up without a window.
+void ForgetKeys(const Window* w);
+void ForgetPress(const Window* w);
 // `n` has the focus: what was pressed or released meanwhile is reported.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
