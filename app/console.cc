@@ -12,7 +12,7 @@ constexpr int kFirstWidth = 1200, kFirstHeight = 756;
 constexpr int kMessageTicks = 60;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
-constexpr int kSettleMs = 50;
+constexpr int kLastWaitMs = 50;
 
 // The handlers of a window carry no argument of the program's: there is one console.
 Console* g_console;
@@ -94,7 +94,7 @@ void SetHover(Console* c, const Hit& hit) {
   }
 }
 
-void SetStop(Console* c, Stop stop) {
+void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
   c->damage |= kToolsPane | kFolderPane | kQueuePane;
@@ -105,7 +105,7 @@ void FilesChanged(Console* c) {
   c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
 }
 
-// --- Leaving
+// --- Quitting
 
 [[noreturn]] void Quit(Console* c) {
   CloseConsole(c);
@@ -114,7 +114,7 @@ void FilesChanged(Console* c) {
 }
 
 void Leave(Console* c) {
-  if (AskBeforeLeaving(c)) Quit(c);
+  if (AskBeforeQuit(c)) Quit(c);
   SetHover(c, {});  // it is covered
 }
 
@@ -128,7 +128,7 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
     table.Press(hit, Inp.px, Inp.py);
     return;
   }
-  SetStop(c, files ? Stop::kFiles : Stop::kQueue);
+  SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
   table.Press(hit, Inp.px, Inp.py);
   if (!files) c->missing = {};
   c->damage |= PaneOf(hit);
@@ -157,11 +157,11 @@ void Press(Console* c) {
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
   if (hit == Hit{kTools, kSlider, 0}) {
-    SetStop(c, Stop::kPriority);
+    SetFocusStop(c, FocusStop::kPriority);
     SlidePriority(c, Inp.px);
   }
   if (hit == Hit{kTools, kPrinter, 0}) {
-    SetStop(c, Stop::kPrinter);
+    SetFocusStop(c, FocusStop::kPrinter);
     OpenPrinterList(c);
   }
 }
@@ -323,47 +323,47 @@ int Step(int type, int page) {
 void StopKey(Console* c, int type) {
   const bool go = type == ' ' || type == XWE_RETURN;
   switch (c->stop) {
-    case Stop::kFiles:
+    case FocusStop::kFiles:
       FilesKey(c, type);
       break;
-    case Stop::kQueue:
+    case FocusStop::kQueue:
       QueueKey(c, type);
       break;
-    case Stop::kPrint:
+    case FocusStop::kPrint:
       if (go) PrintSelected(c);
       break;
-    case Stop::kPrinter:
+    case FocusStop::kPrinter:
       if (go || type == XWE_DOWN) OpenPrinterList(c);
       break;
-    case Stop::kCopies:
+    case FocusStop::kCopies:
       ChangeCopies(c, Step(type, 10));
       break;
-    case Stop::kPriority:
+    case FocusStop::kPriority:
       ChangePriority(c, Step(type, 10));
       break;
-    case Stop::kHold:
+    case FocusStop::kHold:
       if (go) UseTool(c, kHold);
       break;
-    case Stop::kCount:
+    case FocusStop::kCount:
       break;
   }
 }
 
 // What is disabled is passed over.
-bool CanStop(const Console* c, Stop stop) {
-  if (stop == Stop::kPrint) return CanPrint(c);
-  return stop != Stop::kPrinter || !c->state.printers->empty();
+bool CanFocus(const Console* c, FocusStop stop) {
+  if (stop == FocusStop::kPrint) return CanPrint(c);
+  return stop != FocusStop::kPrinter || !c->state.printers->empty();
 }
 
 void Escape(Console* c) {
   StopReading(c);
   c->message_ticks = 0;
   c->damage |= kStatusPane;
-  SetStop(c, Stop::kFiles);
+  SetFocusStop(c, FocusStop::kFiles);
 }
 
 void Key(Console* c, int type) {
-  const int stops = int(Stop::kCount), shift = c->modifiers & XWS_SHIFT ? stops - 1 : 1;
+  const int stops = int(FocusStop::kCount), shift = c->modifiers & XWS_SHIFT ? stops - 1 : 1;
   if (c->asking) {
     if (QuestionKey(c, type)) Quit(c);
     return;
@@ -380,8 +380,8 @@ void Key(Console* c, int type) {
   }
   if (type == XWE_TAB) {
     int stop = (int(c->stop) + shift) % stops;
-    while (!CanStop(c, Stop(stop))) stop = (stop + shift) % stops;
-    SetStop(c, Stop(stop));
+    while (!CanFocus(c, FocusStop(stop))) stop = (stop + shift) % stops;
+    SetFocusStop(c, FocusStop(stop));
   } else if (type == XWE_ESCAPE)
     Escape(c);
   else if (type == XWE_F1 + 4)
@@ -505,7 +505,7 @@ void CloseConsole(Console* c) {
   XwSync();
   g_console = nullptr;
   delete c;
-  Errand::Settle(kSettleMs);
+  BackgroundTask::WaitForAll(kLastWaitMs);
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {

@@ -9,8 +9,8 @@
 #include "app/folder_reader.h"
 #include "app/hits.h"
 #include "app/layout.h"
-#include "app/look.h"
 #include "app/server.h"
+#include "app/style.h"
 #include "app/table.h"
 
 namespace console {
@@ -46,14 +46,14 @@ enum Pane : unsigned {
 };
 
 // Where the keyboard is; Tab goes through them in this order.
-enum class Stop { kFiles, kQueue, kPrint, kPrinter, kCopies, kPriority, kHold, kCount };
+enum class FocusStop { kFiles, kQueue, kPrint, kPrinter, kCopies, kPriority, kHold, kCount };
 
 struct Place {
   std::string name, path;
 };
 // Which of the places there are.
 struct PlaceFinder {
-  Errand errand;
+  BackgroundTask task;
   std::shared_ptr<std::vector<Place>> found;
 };
 
@@ -78,7 +78,7 @@ struct Console {
   Layout layout;
   Hits hits;
   Hit hover, pressed;
-  Stop stop = Stop::kFiles;
+  FocusStop stop = FocusStop::kFiles;
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -135,7 +135,7 @@ void DrawConsole(Console* c);
 // How a button looks that can be hit there.
 ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
 // Whether the keyboard is there; a question has it before everything else.
-inline bool HasKeyboard(const Console* c, Stop stop) {
+inline bool HasKeyboard(const Console* c, FocusStop stop) {
   return c->stop == stop && !c->asking;
 }
 
@@ -188,7 +188,6 @@ void DrawPrinterList(Console* c);
 void AddPrinterListHits(Console* c);
 // Whether the pointer (Inp) is over it.
 bool ListHoldsPointer(const Console* c);
-const char* PrinterStateText(const NC_Printer& printer);
 
 // --- The queue (queue_pane.cc)
 void DrawQueuePane(Console* c);
@@ -199,9 +198,9 @@ void FillQueue(Console* c);
 bool CanChange(const Console* c, JobAction action);
 void ChangeSelected(Console* c, JobAction action);
 
-// --- Leaving (leaving.cc)
+// --- Quitting (quit_confirmation.cc)
 // Whether the window may close at once; else the question is shown.
-bool AskBeforeLeaving(Console* c);
+bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.
 bool MayLeaveNow(const Console* c);
 // True when the answer is to leave.

@@ -95,9 +95,9 @@ Document::Document(const std::string& path) : reading_(std::make_shared<Reading>
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0) {
     reading_->in = os::Handle(ends[0]);
     out_ = os::Handle(ends[1]);
-    errand_ = Errand([reading = reading_] { reading->Run(); });
+    task_ = BackgroundTask([reading = reading_] { reading->Run(); });
   }
-  if (out_ && !errand_.failed()) return;
+  if (out_ && !task_.failed()) return;
   reading_->opened = true;
   reading_->trouble = out_ ? "no thread is left to read it" : strerror(errno);
 }

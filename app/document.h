@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "app/errand.h"
+#include "app/background_task.h"
 #include "os/final_path.h"
 
 namespace console {
@@ -37,7 +37,7 @@ class Document {
   struct Reading;
   std::shared_ptr<Reading> reading_;
   os::Handle out_;
-  Errand errand_;
+  BackgroundTask task_;
 };
 
 }  // namespace console

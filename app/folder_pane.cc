@@ -27,7 +27,7 @@ int HeadTextWidth(const Console* c) {
 }
 
 void DrawHeadText(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area a = c->layout.folder_head.Inset(12, 0);
   a.h -= 1;
   a = a.TakeRight(HeadTextWidth(c));
@@ -41,7 +41,7 @@ void DrawHeadText(const Console* c) {
 
 // From the right, as many as there is room for; the last one is the folder itself.
 std::vector<Crumb> LayOutCrumbs(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area strip = c->layout.folder_head.Inset(12, 0);
   strip.h -= 1;
   strip.TakeRight(HeadTextWidth(c));
@@ -69,7 +69,7 @@ std::vector<Crumb> LayOutCrumbs(const Console* c) {
 }
 
 void DrawHead(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area head = c->layout.folder_head;
   Fill(head, l.tool_bar);
   LineAtBottom(head);
@@ -103,7 +103,7 @@ void DrawFolderPane(Console* c) {
   c->files.SetEmptyText(!c->folder.known() ? "This folder has not been read yet"
                         : trouble.empty()  ? "This folder is empty"
                                            : trouble.c_str());
-  c->files.SetFocused(HasKeyboard(c, Stop::kFiles));
+  c->files.SetFocused(HasKeyboard(c, FocusStop::kFiles));
   DrawHead(c);
   c->files.Draw(c->hover);
 }
@@ -116,13 +116,13 @@ void AddFolderHits(Console* c) {
 }
 
 void DrawFileCell(Console* c, int row, int column, const CellLook& cell) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const FolderEntry e = c->folder.At(row);
   Area a = cell.area;
   switch (column) {
     case kName: {
       const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
-      DrawFileIcon(kind, a.x, a.y + 3, cell.ground, 100);
+      DrawFileIcon(kind, a.x, a.y + 3, cell.background, 100);
       a.TakeLeft(21);
       DrawLabel(l.view, cell.align, a, Shown(e.name), cell.ink);
       break;
@@ -144,17 +144,17 @@ namespace {
 constexpr int kAtOnceMs = 8;
 constexpr int kWatchTicks = 10, kLongTicks = 2, kSilentTicks = 30, kTypingTicks = 10;
 
-// Whether a wish leads elsewhere.
-bool Moves(const FolderWish& w) {
-  return w.kind != FolderWish::kAgain && w.kind != FolderWish::kWatch;
+// Whether a request leads elsewhere.
+bool Moves(const FolderRequest& w) {
+  return w.kind != FolderRequest::kAgain && w.kind != FolderRequest::kWatch;
 }
 
-void AskFolder(Console* c, FolderWish wish) {
-  if (c->reader.wish() && *c->reader.wish() == wish) return;
-  c->reader.Ask(std::move(wish));
+void AskFolder(Console* c, FolderRequest request) {
+  if (c->reader.request() && *c->reader.request() == request) return;
+  c->reader.Ask(std::move(request));
   c->reading_ticks = 0;
   TakeUpFolder(c, kAtOnceMs);
-  if (c->reader.wish()) XwTimer(c->window, kShortTickTimer, kShortTickMs);
+  if (c->reader.request()) XwTimer(c->window, kShortTickTimer, kShortTickMs);
 }
 
 void Listed(Console* c, const std::string& select) {
@@ -176,17 +176,17 @@ void Entered(Console* c, FolderReading* r) {
   c->files.ScrollTo(0);
   Listed(c, r->select);
   c->files.Reveal(c->files.selected());
-  if (r->wish.kind != FolderWish::kDocument) return;
-  c->stop = Stop::kFiles;
+  if (r->request.kind != FolderRequest::kDocument) return;
+  c->stop = FocusStop::kFiles;
   if (!r->select.empty() && c->files.selected() < 0)
     Tell(c, false, r->select + ": " + strerror(ENOENT));
 }
 
 // The folder shown stays; where none is yet, it is the root.
 void NotEntered(Console* c, const FolderReading& r) {
-  Tell(c, false, r.wish.path + ": " + strerror(r.error));
+  Tell(c, false, r.request.path + ": " + strerror(r.error));
   if (c->folder.known()) return;
-  if (r.wish.path != "/") return AskFolder(c, {FolderWish::kEnter, "/", "", {}});
+  if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", "", {}});
   c->folder.Begin("/");
   c->folder.Lose(r.error, {});
   Listed(c, "");
@@ -204,16 +204,16 @@ void ReadAgain(Console* c, FolderReading* r) {
 
 // A word for what a recording has to take up here.
 std::string FolderNews(const Console* c) {
-  return c->reader.wish()->kind == FolderWish::kWatch ? "changed"
-                                                      : std::to_string(c->reader.number());
+  return c->reader.request()->kind == FolderRequest::kWatch ? "changed"
+                                                            : std::to_string(c->reader.number());
 }
 
 // For how many seconds a look for changes has had no answer, once that is long. How long a look
 // takes is nothing that a replay could repeat, so it is taken up.
 void TakeUpSilence(Console* c) {
-  const FolderWish* w = c->reader.wish();
-  const bool silent =
-      w && w->kind == FolderWish::kWatch && !c->reader.Done() && c->reading_ticks >= kSilentTicks;
+  const FolderRequest* w = c->reader.request();
+  const bool silent = w && w->kind == FolderRequest::kWatch && !c->reader.Done() &&
+                      c->reading_ticks >= kSilentTicks;
   const int seconds = silent ? c->reading_ticks * kTickMs / 1000 : 0;
   const std::string news = seconds == c->silent_s ? "" : std::to_string(seconds);
   if (const char* wanted = XwTakeUp("silence", news.empty() ? nullptr : news.c_str()))
@@ -226,8 +226,8 @@ std::string SilenceText(const std::string& path, int seconds) {
 
 // What is said of a reading that takes its time.
 std::string ReadingText(const Console* c) {
-  const FolderWish* w = c->reader.wish();
-  if (!w || w->kind == FolderWish::kWatch)
+  const FolderRequest* w = c->reader.request();
+  if (!w || w->kind == FolderRequest::kWatch)
     return c->silent_s > 0 ? SilenceText(c->folder.path(), c->silent_s) : "";
   if (c->reading_ticks < kLongTicks) return "";
   if (c->reading_ticks >= kSilentTicks)
@@ -243,11 +243,11 @@ void TakeUpFolder(Console* c, int wait_ms) {
   if (!wanted) return;
   // In a replay the folder may not have changed by itself.
   if (news != wanted && !strcmp(wanted, "changed"))
-    c->reader.Ask({FolderWish::kWatch, c->folder.path(), "", kNoStamp});
+    c->reader.Ask({FolderRequest::kWatch, c->folder.path(), "", kNoStamp});
   if (!c->reader.WaitFor(kReplayPatienceMs)) return;
   XwTimer(c->window, kShortTickTimer, 0);
   const auto reading = c->reader.Take();
-  if (!Moves(reading->wish))
+  if (!Moves(reading->request))
     ReadAgain(c, reading.get());
   else if (reading->error == 0)
     Entered(c, reading.get());
@@ -258,8 +258,8 @@ void TakeUpFolder(Console* c, int wait_ms) {
 void WatchFolder(Console* c) {
   ++c->reading_ticks;
   TakeUpFolder(c, 0);
-  if (c->ticks % kWatchTicks == 0 && !c->reader.wish() && c->folder.known()) {
-    c->reader.Ask({FolderWish::kWatch, c->folder.path(), "", c->folder.stamp()});
+  if (c->ticks % kWatchTicks == 0 && !c->reader.request() && c->folder.known()) {
+    c->reader.Ask({FolderRequest::kWatch, c->folder.path(), "", c->folder.stamp()});
     c->reading_ticks = 0;
   }
   TakeUpSilence(c);
@@ -270,19 +270,19 @@ void WatchFolder(Console* c) {
 }
 
 void StopReading(Console* c) {
-  const FolderWish* w = c->reader.wish();
+  const FolderRequest* w = c->reader.request();
   if (!w || !Moves(*w) || !c->folder.known()) return;
   c->reader.Drop();
   XwTimer(c->window, kShortTickTimer, 0);
 }
 
 void EnterFolder(Console* c, const std::string& path, const std::string& select) {
-  AskFolder(c, {FolderWish::kEnter, path, select, {}});
+  AskFolder(c, {FolderRequest::kEnter, path, select, {}});
 }
 
 void GoUp(Console* c) {
   const std::string here = c->folder.path();
-  if (here != "/") AskFolder(c, {FolderWish::kUp, ParentPath(here), LastName(here), {}});
+  if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here), {}});
 }
 
 void OpenSelected(Console* c) {
@@ -307,8 +307,8 @@ void SortBy(Console* c, int column) {
 
 // What is being entered is read just now.
 void RefreshFolder(Console* c) {
-  if (c->reader.wish() && Moves(*c->reader.wish())) return;
-  AskFolder(c, {FolderWish::kAgain, c->folder.path(), "", {}});
+  if (c->reader.request() && Moves(*c->reader.request())) return;
+  AskFolder(c, {FolderRequest::kAgain, c->folder.path(), "", {}});
 }
 
 void FindLetter(Console* c, int character) {
@@ -339,7 +339,7 @@ void ShowDocument(Console* c, const char* path) {
   if (!path || path[0] != '/') return;
   std::string document = path;
   while (document.size() > 1 && document.back() == '/') document.pop_back();
-  AskFolder(c, {FolderWish::kDocument, document, "", {}});
+  AskFolder(c, {FolderRequest::kDocument, document, "", {}});
 }
 
 }  // namespace console

@@ -37,7 +37,7 @@ int ListUpwards(std::string path, FolderReading* r) {
 }
 
 int ListAroundDocument(FolderReading* r) {
-  const std::string& path = r->wish.path;
+  const std::string& path = r->request.path;
   struct stat s {};
   if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) return List(path, &r->listing);
   r->select = LastName(path);
@@ -45,16 +45,16 @@ int ListAroundDocument(FolderReading* r) {
 }
 
 void ReadFolder(FolderReading* r) {
-  const FolderWish& w = r->wish;
+  const FolderRequest& w = r->request;
   r->select = w.select;
-  if (w.kind == FolderWish::kWatch && StampOf(w.path) == w.since) {
+  if (w.kind == FolderRequest::kWatch && StampOf(w.path) == w.since) {
     r->changed = false;
     r->error = 0;
     return;
   }
-  r->error = w.kind == FolderWish::kUp         ? ListUpwards(w.path, r)
-             : w.kind == FolderWish::kDocument ? ListAroundDocument(r)
-                                               : List(w.path, &r->listing);
+  r->error = w.kind == FolderRequest::kUp         ? ListUpwards(w.path, r)
+             : w.kind == FolderRequest::kDocument ? ListAroundDocument(r)
+                                                  : List(w.path, &r->listing);
   struct statvfs s {};
   if (r->error != 0 || statvfs(r->listing.path.c_str(), &s) != 0) return;
   r->free = int64_t(s.f_bavail) * int64_t(s.f_frsize);
@@ -65,22 +65,22 @@ void ReadFolder(FolderReading* r) {
 
 FolderReader::Read FolderReader::read = ReadFolder;
 
-void FolderReader::Ask(FolderWish wish) {
-  if (wish.kind != FolderWish::kWatch) ++number_;
+void FolderReader::Ask(FolderRequest request) {
+  if (request.kind != FolderRequest::kWatch) ++number_;
   auto reading = std::make_shared<FolderReading>();
-  reading->wish = std::move(wish);
+  reading->request = std::move(request);
   reading->error = EAGAIN;  // where no thread can be had
   reading_ = reading;
-  errand_ = Errand([reading, how = read] { how(reading.get()); });
+  task_ = BackgroundTask([reading, how = read] { how(reading.get()); });
 }
 
 void FolderReader::Drop() {
-  errand_.Drop();
+  task_.Drop();
   reading_.reset();
 }
 
 bool FolderReader::WaitFor(int ms) {
-  if (!errand_.WaitFor(ms)) return false;
+  if (!task_.WaitFor(ms)) return false;
   if (reading_->changed) return true;
   Drop();
   return false;

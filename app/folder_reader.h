@@ -1,12 +1,12 @@
 // Reads folders on threads of their own: a mount that does not answer holds up neither the window
 // nor its end.
 #pragma once
-#include "app/errand.h"
+#include "app/background_task.h"
 #include "app/folder.h"
 
 namespace console {
 
-struct FolderWish {
+struct FolderRequest {
   enum Kind : uint8_t {
     kEnter,     // another folder
     kUp,        // the same, or the nearest one above it that can be read
@@ -16,15 +16,15 @@ struct FolderWish {
   } kind = kEnter;
   std::string path, select;  // `select`: a name in it, "" for none
   FolderStamp since;         // kWatch
-  bool operator==(const FolderWish&) const = default;
+  bool operator==(const FolderRequest&) const = default;
 };
 
-// A wish and what came of it.
+// A request and what came of it.
 struct FolderReading {
-  FolderWish wish;
+  FolderRequest request;
   int error;                     // of the system; 0 when it was read
   bool changed = true;           // kWatch: false when there is nothing new
-  FolderListing listing;         // its path may differ from the wish's
+  FolderListing listing;         // its path may differ from the request's
   std::string select;            // the name to select there
   int64_t free = -1, room = -1;  // bytes on its volume, -1 when not known
 };
@@ -36,13 +36,13 @@ class FolderReader {
   static Read read;
 
   // What was asked for before is dropped, and its result never shown.
-  void Ask(FolderWish wish);
+  void Ask(FolderRequest request);
   void Drop();
   // What is being waited for; null when nothing is.
-  const FolderWish* wish() const { return reading_ ? &reading_->wish : nullptr; }
+  const FolderRequest* request() const { return reading_ ? &reading_->request : nullptr; }
   // How many have been asked for, those that only watch left out.
   int number() const { return number_; }
-  bool Done() const { return errand_.Done(); }
+  bool Done() const { return task_.Done(); }
   // Whether there is something to be shown, after at most that many milliseconds. A watch that has
   // found nothing new is dropped by that.
   bool WaitFor(int ms);
@@ -50,7 +50,7 @@ class FolderReader {
   std::shared_ptr<FolderReading> Take();
 
  private:
-  Errand errand_;
+  BackgroundTask task_;
   std::shared_ptr<FolderReading> reading_;
   int number_ = 0;
 };

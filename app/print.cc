@@ -3,29 +3,29 @@
 
 #include "app/document.h"
 #include "app/server_worker.h"
+#include "printserver/changes.h"
 #include "printserver/nc.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
 
 constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000, kSliceMs = 100;
 constexpr int kMostTries = 5, kRetryMs = 1000;
-constexpr int kTicketSize = 8192;
 constexpr size_t kArrivals = 32;
 // A result of sending beside a server's status and the codes below 0.
 constexpr int kUnread = 1000;
 constexpr char kNoAnswer[] = "the file does not answer";
 
-bool MakeTicket(const PrintOrder& order, char* ticket) {
-  ticket[0] = 0;
-  bool fits = NC_AddTicketText(ticket, kTicketSize, "document", order.document.c_str()) &&
-              NC_AddTicketText(ticket, kTicketSize, "owner", order.owner.c_str()) &&
-              NC_AddTicketNumber(ticket, kTicketSize, "copies", order.copies) &&
-              NC_AddTicketNumber(ticket, kTicketSize, "priority", order.priority) &&
-              NC_AddTicketNumber(ticket, kTicketSize, "hold", order.hold);
-  if (!order.printer.empty())
-    fits = fits && NC_AddTicketText(ticket, kTicketSize, "printer", order.printer.c_str());
-  return fits;
+std::string TicketOf(const PrintOrder& order) {
+  nc::Order whole;
+  whole.document = order.document;
+  whole.owner = order.owner;
+  whole.printer = order.printer;
+  whole.copies = order.copies;
+  whole.priority = order.priority;
+  whole.hold = order.hold;
+  return nc::TicketOf(whole);
 }
 
 }  // namespace
@@ -89,8 +89,8 @@ int Worker::SendOnceOpened(const Transfer& t, const Document& document, std::str
 }
 
 int Worker::SendDocument(const Transfer& t, const Document& document, std::string* why) {
-  char ticket[kTicketSize];
-  if (!MakeTicket(t.order, ticket)) {
+  const std::string ticket = TicketOf(t.order);
+  if (ticket.empty()) {
     *why = "the name is too long";
     return NC_BAD_REQUEST;
   }
@@ -110,7 +110,7 @@ int Worker::SendDocument(const Transfer& t, const Document& document, std::strin
   if (result == 0) {
     broken_.has_id = true;
     NC_SetDeadline(fd, kStallMs);
-    result = NC_WritePrintRequestN(fd, broken_.id.data(), ticket, document.descriptor(),
+    result = NC_WritePrintRequestN(fd, broken_.id.data(), ticket.c_str(), document.descriptor(),
                                    document.size(), Progress, this);
   }
   if (result == NC_ERROR && errno == ETIMEDOUT && document.Silent()) {
@@ -120,7 +120,7 @@ int Worker::SendDocument(const Transfer& t, const Document& document, std::strin
   Close(kFile);
   if (result == NC_BAD_REQUEST) *why = "it is too large";
   if (result == NC_UNREADABLE) *why = document.Trouble();
-  if (result >= 0 && result != NC_STATUS_DONE) *why = NC_StatusText(result);
+  if (result >= 0 && result != NC_STATUS_DONE) *why = nc::RefusalText(result, nc::Asked::kPrint);
   return result;
 }
 
@@ -157,13 +157,13 @@ void Worker::Finish(int number, int result, const std::string& why) {
   if (result == NC_STATUS_DONE) Serve(kServeMs);
   hold_back_ = false;
   Locked lock(shared_);
-  Settle(number, result, why);
+  NoteResult(number, result, why);
   shared_->cancelled = 0;
   shared_->Published();
 }
 
 // What becomes of a transfer that has ended. Under the mutex.
-void Worker::Settle(int number, int result, const std::string& why) {
+void Worker::NoteResult(int number, int result, const std::string& why) {
   ServerState& state = shared_->state;
   const bool done = result == NC_STATUS_DONE;
   const bool cancelled = shared_->cancelled == number || result == NC_CANCELLED;

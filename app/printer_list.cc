@@ -3,6 +3,7 @@
 
 #include "app/console.h"
 #include "app/texts.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
@@ -26,17 +27,6 @@ Area RowArea(const Console* c, int row) {
 }
 
 }  // namespace
-
-const char* PrinterStateText(const NC_Printer& printer) {
-  switch (printer.state) {
-    case NC_PRINTER_PRINTING:
-      return "printing";
-    case NC_PRINTER_PAPER_OUT:
-      return "out of paper";
-    default:
-      return "idle";
-  }
-}
 
 void OpenPrinterList(Console* c) {
   if (c->state.printers->empty()) return;
@@ -89,7 +79,7 @@ bool PrinterListKey(Console* c, int type) {
 }
 
 void DrawPrinterList(Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area a = ListArea(c);
   DrawShadow(a, 5);
   XwRoundBox(a.x, a.y, a.w, a.h, 5, l.document, l.line);
@@ -102,7 +92,7 @@ void DrawPrinterList(Console* c) {
     if (&p == chosen) DrawTick(row.x + 4, row.y + 3, lit ? l.on_accent : l.ink);
     row.TakeLeft(24);
     row.TakeRight(8);
-    std::string state = PrinterStateText(p);
+    std::string state = nc::PrinterStateText(p.state);
     if (p.jobs > 0) state += ", " + CountText(p.jobs, "job", "jobs");
     const int32_t ink = p.state == NC_PRINTER_PAPER_OUT ? l.bad : l.second;
     const int width = XwTextWidth(l.small_text, state.c_str()) + 12;

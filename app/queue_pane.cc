@@ -4,6 +4,7 @@
 
 #include "app/console.h"
 #include "app/texts.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
@@ -40,16 +41,14 @@ const char* PendingText(const Console* c, const JobId& id) {
   return nullptr;
 }
 
-struct StateLook {
-  const char* text;
-  int32_t Look::*ink;
-  int32_t Look::*dot;
+struct StateStyle {
+  int32_t Style::*ink;
+  int32_t Style::*dot;
 };
 // By NC_JobState.
-constexpr StateLook kStates[] = {
-    {"waiting", &Look::ink, &Look::line},    {"held", &Look::warning, &Look::warning},
-    {"printing", &Look::ink, &Look::accent}, {"out of paper", &Look::bad, &Look::bad},
-    {"printed", &Look::good, &Look::good},   {"failed", &Look::bad, &Look::bad},
+constexpr StateStyle kStates[] = {
+    {&Style::ink, &Style::line}, {&Style::warning, &Style::warning}, {&Style::ink, &Style::accent},
+    {&Style::bad, &Style::bad},  {&Style::good, &Style::good},       {&Style::bad, &Style::bad},
 };
 
 void DrawBarAndText(const CellLook& cell, int64_t part, int64_t whole, const std::string& text) {
@@ -57,15 +56,15 @@ void DrawBarAndText(const CellLook& cell, int64_t part, int64_t whole, const std
   const Area bar = a.TakeLeft(64);
   DrawProgress({bar.x, bar.y + (bar.h - 10) / 2, bar.w, 10}, part, whole, cell.muted);
   a.TakeLeft(10);
-  DrawLabel(TheLook().small_text, Align::kLeft, a, text, cell.second);
+  DrawLabel(TheStyle().small_text, Align::kLeft, a, text, cell.second);
 }
 
 void DrawWord(const CellLook& cell, const char* text, int32_t colour) {
-  DrawLabel(TheLook().view, cell.align, cell.area, text, CellColor(cell, colour));
+  DrawLabel(TheStyle().view, cell.align, cell.area, text, CellColor(cell, colour));
 }
 
 void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   switch (t.state) {
     case Sending::kWaiting:
       DrawWord(cell, "to be sent", l.second);
@@ -87,16 +86,16 @@ void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
 }
 
 void DrawJobProgress(const Console* c, const NC_Job& job, const CellLook& cell) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   if (const char* pending = PendingText(c, IdOf(job))) {
     DrawWord(cell, pending, l.second);
   } else if (job.state == NC_JOB_PRINTING) {
     DrawBarAndText(cell, job.printed, job.total, PartText(job.printed, job.total));
   } else {
-    const StateLook& look = kStates[job.state];
-    std::string text = look.text;
+    const StateStyle& style = kStates[job.state];
+    std::string text = nc::JobStateText(job.state);
     if (job.state == NC_JOB_FAILED && job.text[0]) text += ": " + Shown(job.text);
-    DrawWord(cell, text.c_str(), l.*look.ink);
+    DrawWord(cell, text.c_str(), l.*style.ink);
   }
 }
 
@@ -104,11 +103,11 @@ void DrawDocument(const CellLook& cell, const std::string& name, int32_t dot) {
   Area a = cell.area;
   DrawDot(a.x, a.y + (a.h - 9) / 2, CellColor(cell, dot));
   a.TakeLeft(20);
-  DrawLabel(TheLook().view, cell.align, a, name, cell.ink);
+  DrawLabel(TheStyle().view, cell.align, a, name, cell.ink);
 }
 
 void DrawTransferCell(const Transfer& t, int column, const CellLook& cell) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   auto text = [&](const std::string& s) { DrawLabel(l.view, cell.align, cell.area, s, cell.ink); };
   switch (column) {
     case kDocument:
@@ -141,7 +140,7 @@ void DrawTransferCell(const Transfer& t, int column, const CellLook& cell) {
 }
 
 void DrawJobCell(const Console* c, const NC_Job& job, int column, const CellLook& cell) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   auto text = [&](const std::string& s) { DrawLabel(l.view, cell.align, cell.area, s, cell.ink); };
   switch (column) {
     case kDocument:
@@ -184,7 +183,7 @@ std::string Summary(const Console* c) {
   std::string text = std::to_string(counts[NC_JOB_WAITING]) + " waiting, " +
                      std::to_string(counts[NC_JOB_PRINTING]) + " printing";
   for (NC_JobState state : {NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
-    if (counts[state]) text += ", " + std::to_string(counts[state]) + " " + kStates[state].text;
+    if (counts[state]) text += ", " + std::to_string(counts[state]) + " " + nc::JobStateText(state);
   return unsent ? text + ", " + waits : text;
 }
 
@@ -198,7 +197,7 @@ constexpr ButtonRow kButtons[] = {{JobAction::kHold, "Hold", &Layout::hold_job},
                                   {JobAction::kRemove, "Remove", &Layout::remove_job}};
 
 void DrawHead(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area head = c->layout.queue_head;
   Fill(head, l.tool_bar);
   LineAtTop(head);
@@ -219,7 +218,7 @@ void DrawHead(const Console* c) {
 }  // namespace
 
 void DrawQueuePane(Console* c) {
-  c->queue.SetFocused(HasKeyboard(c, Stop::kQueue));
+  c->queue.SetFocused(HasKeyboard(c, FocusStop::kQueue));
   c->queue.SetMuted(c->state.link != Link::kReady);
   c->queue.SetEmptyText(c->state.link == Link::kReady ? "Nothing is waiting"
                                                       : "The queue is not known yet");

@@ -21,7 +21,7 @@ int64_t MonotonicMs() {
 namespace {
 
 constexpr int kPatienceMs = 20000;
-// Nothing that the worker waits for outlasts the wish to stop.
+// Nothing that the worker waits for outlasts the request to stop.
 constexpr int kStopMs = 200;
 
 // What a person would see of the state, as one number. How far a transfer has come, and how long
@@ -88,7 +88,7 @@ Server::Server(const std::string& host, bool replaying)
   shared_->host = host_;
   shared_->keep = replaying;
   if (replaying) shared_->kept.push_back(shared_->state);
-  worker_ = Errand([shared = shared_] { RunWorker(shared.get()); });
+  worker_ = BackgroundTask([shared = shared_] { RunWorker(shared.get()); });
   if (worker_.failed()) {
     shared_->state.link = Link::kAway;
     shared_->state.trouble = "no thread could be started";

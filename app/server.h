@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "app/errand.h"
+#include "app/background_task.h"
 #include "printserver/records.h"
 
 namespace console {
@@ -115,7 +115,7 @@ class Server {
 
   std::string host_;
   std::shared_ptr<Shared> shared_;
-  Errand worker_;
+  BackgroundTask worker_;
   // What the last News() told of: the worker may have published more since.
   ServerState offered_;
   int64_t offered_change_ = 0;

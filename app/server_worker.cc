@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "printserver/nc.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
@@ -13,19 +14,6 @@ constexpr int kConnectMs = 3000, kCallMs = 5000;
 constexpr int kPollMs = 700;
 constexpr size_t kMostUnwanted = 64;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
-
-const char* ConnectTrouble(int code, int error) {
-  switch (code) {
-    case NC_NO_HOST:
-      return "this host is not known";
-    case NC_REFUSED:
-      return "it refuses connections";
-    case NC_NO_SERVER:
-      return error == ETIMEDOUT ? "it does not answer" : "no server there";
-    default:
-      return "the system has no connection left";
-  }
-}
 
 const char* const kDone[] = {"Held", "Released", "Removed"};
 const char* const kNotDone[] = {"Not held", "Not released", "Not removed"};
@@ -84,7 +72,7 @@ bool Worker::TryToConnect(int ms) {
   const int error = errno;
   Ended();
   if (fd < 0) {
-    GoAway(ConnectTrouble(fd, error));
+    GoAway(nc::ConnectText(fd, error));
     return false;
   }
   next_poll_ = 0;
@@ -177,7 +165,7 @@ void Worker::Answered(const PendingChange& change, int status) {
     if (IdOf(job) == change.id) name = job.document;
   const bool done = status == NC_STATUS_DONE;
   std::string text = (done ? kDone : kNotDone)[int(change.action)] + (": " + name);
-  if (status >= 0 && !done) text += std::string(", ") + NC_StatusText(status);
+  if (status >= 0 && !done) text += std::string(", ") + nc::RefusalText(status, nc::Asked::kJob);
   if (status < 0) text += ", the connection broke";
   state.notices.push_back({done, text});
   shared_->Published();

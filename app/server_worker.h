@@ -45,7 +45,7 @@ class Worker {
   int SendOnceOpened(const Transfer& t, const Document& document, std::string* why);
   int SendDocument(const Transfer& t, const Document& document, std::string* why);
   void Finish(int number, int result, const std::string& why);
-  void Settle(int number, int result, const std::string& why);
+  void NoteResult(int number, int result, const std::string& why);
   bool Arrived(const JobId& id);
   int SilentSeconds(int64_t sent);
   static int Progress(void* worker, int64_t sent, int64_t total);

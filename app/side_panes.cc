@@ -5,6 +5,7 @@
 
 #include "app/console.h"
 #include "app/texts.h"
+#include "printserver/words.h"
 
 namespace console {
 namespace {
@@ -37,7 +38,7 @@ int PlaceAround(const Console* c) {
 }
 
 void DrawFact(Area* a, const char* name, const std::string& value) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area row = a->TakeTop(20);
   DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
   DrawLabel(l.view, Align::kLeft, row, value, l.ink);
@@ -60,7 +61,7 @@ std::vector<std::string> LinesOf(XwFont* font, std::string name, int width) {
 }
 
 void DrawName(Area* a, const std::vector<std::string>& lines) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   DrawFact(a, "Name", lines[0]);
   for (size_t i = 1; i < lines.size(); ++i) {
     Area row = a->TakeTop(kNextLine);
@@ -70,12 +71,12 @@ void DrawName(Area* a, const std::vector<std::string>& lines) {
 }
 
 void DrawCaption(const Area& a, const char* text) {
-  DrawLabel(TheLook().caption, Align::kLeft, {a.x, a.y + 9, a.w, 16}, text, TheLook().second);
+  DrawLabel(TheStyle().caption, Align::kLeft, {a.x, a.y + 9, a.w, 16}, text, TheStyle().second);
 }
 
 // A sheet with a soft shadow, and the ending of the name where a page has its title.
 void DrawSheet(const Area& a, const FolderEntry& e, FileKind kind) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   for (int i = 4; i > 0; --i)
     XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, i + 1,
                Mix(l.line, l.side, 36 - 8 * i), -1);
@@ -102,7 +103,7 @@ void DrawSheet(const Area& a, const FolderEntry& e, FileKind kind) {
 }
 
 void DrawSelected(const Console* c, Area a) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const int row = c->files.selected();
   if (row < 0) {
     DrawLabel(l.view, Align::kLeft, a.TakeTop(20), "Nothing is selected", l.second);
@@ -110,7 +111,7 @@ void DrawSelected(const Console* c, Area a) {
   }
   const FolderEntry e = c->folder.At(row);
   const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
-  const auto name = LinesOf(TheLook().view, Shown(e.name), a.w - kFactName);
+  const auto name = LinesOf(TheStyle().view, Shown(e.name), a.w - kFactName);
   const int facts = 5 * 20 + int(name.size() - 1) * kNextLine;
   const int sheet = std::min(220, a.h - facts - 16);
   if (!e.folder && sheet >= 120) {
@@ -124,7 +125,7 @@ void DrawSelected(const Console* c, Area a) {
 }
 
 void DrawPrinter(const Console* c, Area a) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const NC_Printer* p = ChosenPrinter(c);
   if (!p) {
     DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
@@ -139,7 +140,8 @@ void DrawPrinter(const Console* c, Area a) {
   const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
                       : p->state == NC_PRINTER_PRINTING ? l.accent
                                                         : l.good;
-  DrawLabel(l.view, Align::kLeft, row, PrinterStateText(*p), away ? Dimmed(ink, l.side) : ink);
+  DrawLabel(l.view, Align::kLeft, row, nc::PrinterStateText(p->state),
+            away ? Dimmed(ink, l.side) : ink);
   DrawFact(&a, "Jobs", std::to_string(p->jobs));
   DrawFact(&a, "Paper", p->paper < 0 ? "enough" : CountText(p->paper, "sheet", "sheets"));
 }
@@ -155,7 +157,7 @@ void FindPlaces(Console* c) {
   c->places = always;
   auto found = std::make_shared<std::vector<Place>>(always);
   c->finder.found = found;
-  c->finder.errand = Errand([found, others] {
+  c->finder.task = BackgroundTask([found, others] {
     for (const Place& place : others)
       if (IsFolder(place)) found->push_back(place);
   });
@@ -163,8 +165,8 @@ void FindPlaces(Console* c) {
 
 void TakeUpPlaces(Console* c) {
   if (!c->finder.found) return;
-  if (!XwTakeUp("places", c->finder.errand.Done() ? "found" : nullptr)) return;
-  if (c->finder.errand.WaitFor(kReplayPatienceMs)) c->places = *c->finder.found;
+  if (!XwTakeUp("places", c->finder.task.Done() ? "found" : nullptr)) return;
+  if (c->finder.task.WaitFor(kReplayPatienceMs)) c->places = *c->finder.found;
   c->finder = {};
   c->damage |= kPlacesPane;
 }
@@ -172,7 +174,7 @@ void TakeUpPlaces(Console* c) {
 void DrawPlacesPane(Console* c) {
   Area a = c->layout.places;
   if (a.Empty()) return;
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Fill(a, l.side);
   LineAtRight(a);
   DrawCaption(a.Inset(12, 0), "PLACES");
@@ -181,12 +183,12 @@ void DrawPlacesPane(Console* c) {
     const Place& place = c->places[size_t(i)];
     const Area row = PlaceArea(c, i);
     const bool here = place.path == c->folder.path(), lit = c->hover == Hit{kPlaces, 1, i};
-    int32_t ground = l.side;
+    int32_t background = l.side;
     if (here || lit || i == around) {
-      ground = here ? l.accent : i == around ? l.inactive_selection : Mix(l.accent, l.side, 9);
-      XwRoundBox(row.x, row.y, row.w, row.h, 4, ground, -1);
+      background = here ? l.accent : i == around ? l.inactive_selection : Mix(l.accent, l.side, 9);
+      XwRoundBox(row.x, row.y, row.w, row.h, 4, background, -1);
     }
-    DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, ground, 100);
+    DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, background, 100);
     Area text = row;
     text.TakeLeft(31);
     DrawLabel(l.view, Align::kLeft, text, place.name, here ? l.on_accent : l.ink);
@@ -206,7 +208,7 @@ void AddPlacesHits(Console* c) {
 void DrawDetailsPane(Console* c) {
   Area a = c->layout.details;
   if (a.Empty()) return;
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Fill(a, l.side);
   LineAtLeft(a);
   a = a.Inset(16, 0);

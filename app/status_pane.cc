@@ -29,7 +29,7 @@ std::string ServerName(const Console* c) {
 
 // As wide as its words, up to a part of the line.
 Area ServerArea(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area a = c->layout.status;
   const int words =
       XwTextWidth(l.view, ServerName(c).c_str()) + XwTextWidth(l.view, ServerText(c).c_str()) + 2;
@@ -38,7 +38,7 @@ Area ServerArea(const Console* c) {
 
 // Where both have no room, the server's name is cut and not what it does.
 void DrawServer(const Console* c, Area a) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   a.TakeLeft(kDotRoom);
   a.TakeRight(kServerEnd);
   const std::string name = ServerName(c), state = ServerText(c);
@@ -49,14 +49,14 @@ void DrawServer(const Console* c, Area a) {
 }
 
 int32_t LinkColor(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   if (c->state.link == Link::kAway) return l.bad;
   return c->state.link == Link::kReady && c->state.quiet_s < 1 ? l.good : l.warning;
 }
 
 // The result is how much of the right side it took.
 int DrawSending(const Console* c, const Transfer& t) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area a = c->layout.status;
   const Area cross = CrossArea(c);
   const Hit hit{kStatus, kStopSending, 0};
@@ -64,7 +64,7 @@ int DrawSending(const Console* c, const Transfer& t) {
   if (lit)
     XwRoundBox(cross.x, cross.y, cross.w, cross.h, 4, c->pressed == hit ? l.pressed : l.face,
                l.line);
-  DrawSign(Sign::kCross, cross.x + 1, cross.y + 1, lit ? l.bad : l.second, l.status);
+  DrawIcon(ToolIcon::kCross, cross.x + 1, cross.y + 1, lit ? l.bad : l.second, l.status);
   a.w = cross.x - 6 - a.x;
   const Area bar = a.TakeRight(kBar);
   DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, false);
@@ -105,7 +105,7 @@ std::string ServerText(const Console* c) {
 }
 
 void DrawStatusPane(Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area a = c->layout.status;
   Fill(a, l.status);
   LineAtTop(a);

@@ -83,11 +83,11 @@ void Table::LayOutColumns() {
   const int room = Body().w, rank = ShownRank(room);
   left_.assign(columns_.size(), 0);
   width_.assign(columns_.size(), 0);
-  wished_.resize(columns_.size());
+  asked_.resize(columns_.size());
   int need = 0, shares = 0;
   for (size_t i = 0; i < columns_.size(); ++i) {
     if (columns_[i].rank > rank) continue;
-    width_[i] = wished_[i] ? wished_[i] : columns_[i].width;
+    width_[i] = asked_[i] ? asked_[i] : columns_[i].width;
     need += width_[i];
     shares += columns_[i].share;
   }
@@ -110,7 +110,7 @@ void Table::LayOutColumns() {
 void Table::ShrinkColumns(int excess) {
   for (const bool any : {false, true}) {
     for (size_t i = 0; i < columns_.size() && excess > 0; ++i) {
-      if (width_[i] == 0 || !wished_[i]) continue;
+      if (width_[i] == 0 || !asked_[i]) continue;
       const int least = any ? LeastWidth(int(i)) : columns_[i].width;
       const int less = std::clamp(width_[i] - least, 0, excess);
       width_[i] -= less;
@@ -131,7 +131,7 @@ int Table::NextColumn(int column) const {
 }
 
 void Table::ResetColumns() {
-  wished_.assign(columns_.size(), 0);
+  asked_.assign(columns_.size(), 0);
   LayOutColumns();
 }
 
@@ -255,11 +255,11 @@ bool Table::DragBorder(int px) {
   const int most = std::max(least, both - LeastWidth(next));
   const int w = std::clamp(px - grip_ - a.x, least, most);
   if (w == a.w) return false;
-  // What is seen is what was wished for.
+  // What is seen is what was asked for.
   for (size_t i = 0; i < columns_.size(); ++i)
-    if (width_[i] > 0) wished_[i] = width_[i];
-  wished_[size_t(border_)] = w;
-  wished_[size_t(next)] = both - w;
+    if (width_[i] > 0) asked_[i] = width_[i];
+  asked_[size_t(border_)] = w;
+  asked_[size_t(next)] = both - w;
   LayOutColumns();
   return true;
 }
@@ -268,7 +268,7 @@ bool Table::DragBorder(int px) {
 
 int32_t CellColor(const CellLook& c, int32_t colour) {
   if (c.selected) return c.ink;
-  return c.muted ? Dimmed(colour, c.ground) : colour;
+  return c.muted ? Dimmed(colour, c.background) : colour;
 }
 
 void Table::AddHits(Hits* hits) const {
@@ -302,7 +302,7 @@ void Table::AddHits(Hits* hits) const {
 }
 
 void Table::DrawHeader(const Hit& hover) const {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area head = area_;
   head.h = std::min(kHeaderHeight, area_.h);
   Fill(head, l.tool_bar);
@@ -332,21 +332,21 @@ void Table::DrawHeader(const Hit& hover) const {
 }
 
 void Table::DrawRow(int row, const Hit& hover) const {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area a = RowArea(row);
   CellLook cell{};
   cell.muted = muted_;
   cell.selected = row == selected_ && focused_ && !muted_;
-  cell.ground = row % 2 ? l.row : l.document;
+  cell.background = row % 2 ? l.row : l.document;
   if (row == selected_)
-    cell.ground = cell.selected ? l.accent : l.inactive_selection;
+    cell.background = cell.selected ? l.accent : l.inactive_selection;
   else if (hover == Hit{owner_, kRow, row})
-    cell.ground = Mix(l.accent, cell.ground, 7);
-  cell.ink = cell.selected ? l.on_accent : muted_ ? Dimmed(l.ink, cell.ground) : l.ink;
+    cell.background = Mix(l.accent, cell.background, 7);
+  cell.ink = cell.selected ? l.on_accent : muted_ ? Dimmed(l.ink, cell.background) : l.ink;
   cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80)
-                : muted_      ? Dimmed(l.second, cell.ground)
+                : muted_      ? Dimmed(l.second, cell.background)
                               : l.second;
-  Fill(a, cell.ground);
+  Fill(a, cell.background);
   for (int i = 0; i < int(columns_.size()); ++i) {
     if (ColumnArea(i).Empty()) continue;
     cell.area = CellArea(i, a.y, a.h);
@@ -356,7 +356,7 @@ void Table::DrawRow(int row, const Hit& hover) const {
 }
 
 void Table::DrawBar(const Hit& hover) const {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area bar = Bar(), thumb = Thumb();
   Fill(bar, l.scroll_ground);
   LineAtLeft(bar);
@@ -366,7 +366,7 @@ void Table::DrawBar(const Hit& hover) const {
 
 void Table::Draw(const Hit& hover) {
   if (area_.Empty()) return;
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area body = Body();
   XwClip(uint16_t(area_.x), uint16_t(area_.y), uint16_t(area_.w), uint16_t(area_.h));
   DrawHeader(hover);

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "app/hits.h"
-#include "app/look.h"
+#include "app/style.h"
 
 namespace console {
 
@@ -28,7 +28,7 @@ struct Column {
 struct CellLook {
   Area area;  // without the column's padding
   Align align;
-  int32_t ink, second, ground;
+  int32_t ink, second, background;
   bool selected;  // on the accent: colours of states give way to the ink
   bool muted;
 };
@@ -114,7 +114,7 @@ class Table {
   std::vector<Column> columns_;
   DrawCell draw_;
   std::vector<int> left_, width_;
-  std::vector<int> wished_;  // widths that the user has given, 0: none
+  std::vector<int> asked_;  // widths that the user has given, 0: none
   Area area_;
   int rows_ = 0, selected_ = -1, top_ = 0;
   int sort_ = -1;

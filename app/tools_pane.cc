@@ -15,30 +15,30 @@ ButtonState StateOf(const Console* c, int tool, bool enabled) {
   return ButtonAt(c, {kTools, tool, 0}, enabled);
 }
 
-void DrawSignButton(const Console* c, int tool, const Area& a, Sign sign, bool enabled) {
-  const Look& l = TheLook();
+void DrawIconButton(const Console* c, int tool, const Area& a, ToolIcon icon, bool enabled) {
+  const Style& l = TheStyle();
   const ButtonState s = StateOf(c, tool, enabled);
   const int32_t ink = DrawFace(a, s, l.tool_bar);
   const int32_t face = s.pressed ? l.pressed : s.hover ? Mix(l.pressed, l.face, 35) : l.face;
-  DrawSign(sign, a.x + (a.w - 16) / 2, a.y + (a.h - 16) / 2, ink, face);
+  DrawIcon(icon, a.x + (a.w - 16) / 2, a.y + (a.h - 16) / 2, ink, face);
 }
 
 void DrawPrintButton(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area a = c->layout.print;
   ButtonState s = StateOf(c, kPrint, CanPrint(c));
-  s.focused = HasKeyboard(c, Stop::kPrint);
+  s.focused = HasKeyboard(c, FocusStop::kPrint);
   const int32_t ink = DrawFace(a, s, l.tool_bar);
-  DrawSign(Sign::kPrinter, a.x + 10, a.y + 5, ink, l.face);
+  DrawIcon(ToolIcon::kPrinter, a.x + 10, a.y + 5, ink, l.face);
   a.TakeLeft(32);
   DrawLabel(l.normal, Align::kLeft, a, "Print", ink);
 }
 
 void DrawPrinterField(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area a = c->layout.printer;
   ButtonState s = StateOf(c, kPrinter, !c->state.printers->empty());
-  s.focused = HasKeyboard(c, Stop::kPrinter);
+  s.focused = HasKeyboard(c, FocusStop::kPrinter);
   s.pressed |= c->list_open;
   DrawLabel(l.normal, Align::kRight, c->layout.printer_label, "Printer", l.ink);
   const int32_t ink = DrawFace(a, s, l.tool_bar);
@@ -50,14 +50,14 @@ void DrawPrinterField(const Console* c) {
 }
 
 void DrawCopies(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area field = c->layout.copies;
   DrawLabel(l.normal, Align::kRight, c->layout.copies_label, "Copies", l.ink);
-  if (HasKeyboard(c, Stop::kCopies))
+  if (HasKeyboard(c, FocusStop::kCopies))
     DrawFocusRing({c->layout.less.x, field.y, c->layout.more.right() - c->layout.less.x, field.h},
                   4, l.tool_bar);
-  DrawSignButton(c, kLess, c->layout.less, Sign::kMinus, c->choice.copies > 1);
-  DrawSignButton(c, kMore, c->layout.more, Sign::kPlus, c->choice.copies < kMostCopies);
+  DrawIconButton(c, kLess, c->layout.less, ToolIcon::kMinus, c->choice.copies > 1);
+  DrawIconButton(c, kMore, c->layout.more, ToolIcon::kPlus, c->choice.copies < kMostCopies);
   Fill({field.x - 1, field.y, field.w + 2, field.h}, l.document);
   XwSetColor(l.line);
   XwDrawRect(field.x - 1, field.y, field.w + 2, field.h);
@@ -65,7 +65,7 @@ void DrawCopies(const Console* c) {
 }
 
 void DrawSlider(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   const Area a = c->layout.slider;
   DrawLabel(l.normal, Align::kRight, c->layout.priority_label, "Priority", l.ink);
   const int way = a.w - kKnob, x = a.x + way * (c->choice.priority - 1) / (kMostPriority - 1);
@@ -73,7 +73,7 @@ void DrawSlider(const Console* c) {
   XwRoundBox(a.x, y - 2, a.w, 4, 2, l.track, -1);
   XwRoundBox(a.x, y - 2, x - a.x + kKnob / 2, 4, 2, l.accent, -1);
   const Area knob{x, y - 7, kKnob, kKnob};
-  if (HasKeyboard(c, Stop::kPriority)) DrawFocusRing(knob, 7, l.tool_bar);
+  if (HasKeyboard(c, FocusStop::kPriority)) DrawFocusRing(knob, 7, l.tool_bar);
   const bool held = c->pressed == Hit{kTools, kSlider, 0};
   const bool lit = c->hover == Hit{kTools, kSlider, 0};
   XwRoundBox(knob.x, knob.y, kKnob, kKnob, 7, held ? l.pressed : l.face,
@@ -83,11 +83,11 @@ void DrawSlider(const Console* c) {
 }
 
 void DrawHold(const Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Area a = c->layout.hold;
   const Area box{a.x + 1, a.y + (a.h - 14) / 2, 14, 14};
   const ButtonState s = StateOf(c, kHold, true);
-  if (HasKeyboard(c, Stop::kHold)) DrawFocusRing(box, 3, l.tool_bar);
+  if (HasKeyboard(c, FocusStop::kHold)) DrawFocusRing(box, 3, l.tool_bar);
   if (c->choice.hold) {
     XwRoundBox(box.x, box.y, 14, 14, 3, s.pressed ? l.dark_accent : l.accent, l.dark_accent);
     DrawTick(box.x - 2, box.y, l.on_accent);
@@ -102,12 +102,12 @@ void DrawHold(const Console* c) {
 }  // namespace
 
 void DrawToolsPane(Console* c) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Fill(c->layout.tools, l.tool_bar);
   LineAtBottom(c->layout.tools);
   DrawPrintButton(c);
-  DrawSignButton(c, kUp, c->layout.up, Sign::kUp, c->folder.path() != "/");
-  DrawSignButton(c, kRefresh, c->layout.refresh, Sign::kRefresh, true);
+  DrawIconButton(c, kUp, c->layout.up, ToolIcon::kUp, c->folder.path() != "/");
+  DrawIconButton(c, kRefresh, c->layout.refresh, ToolIcon::kRefresh, true);
   DrawPrinterField(c);
   DrawCopies(c);
   DrawSlider(c);

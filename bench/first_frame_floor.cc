@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int kWidth = 320, kHeight = 184, kStrip = 24;
+constexpr int kWidth = 320, kHeight = 184, kBar = 24;
 uint32_t* pixels;
 
 void Fill(int left, int top, int right, int bottom, uint32_t color) {
@@ -68,12 +68,12 @@ void Paint(const char* regular_path, const char* bold_path) {
   }
   FT_Set_Pixel_Sizes(regular, 0, 13);
   FT_Set_Pixel_Sizes(bold, 0, 13);
-  Fill(0, 0, kWidth, kStrip, 0xFFF5F5F4);
-  Fill(0, kStrip, kWidth, kHeight, 0xFFFFFFFF);
+  Fill(0, 0, kWidth, kBar, 0xFFF5F5F4);
+  Fill(0, kBar, kWidth, kHeight, 0xFFFFFFFF);
   Text(bold, "Hello", 12, 0, 17, 0xFF1D2022);
-  Text(bold, "Hello, world", 0, kWidth / 2, kStrip + 75, 0xFF1D2022);
-  Text(regular, "drawn with xw.h", 0, kWidth / 2, kStrip + 95, 0xFF646A6E);
-  Fill(100, kStrip + 106, 221, kStrip + 107, 0xFF3875D7);
+  Text(bold, "Hello, world", 0, kWidth / 2, kBar + 75, 0xFF1D2022);
+  Text(regular, "drawn with xw.h", 0, kWidth / 2, kBar + 95, 0xFF646A6E);
+  Fill(100, kBar + 106, 221, kBar + 107, 0xFF3875D7);
 }
 
 }  // namespace

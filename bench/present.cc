@@ -97,7 +97,7 @@ double Median(std::vector<double> v) {
 // covered costs nothing to put.
 double Measure(const Case& one, platform::WindowRef w, Bare* bare, int rounds) {
   std::vector<double> ours, floor;
-  const int strip = w->strip;
+  const int bar = w->menu_bar_height;
   for (int block = 0; block < 10; ++block) {
     bare->Raise();
     for (int i = 0; i < rounds / 10; ++i) {
@@ -109,8 +109,8 @@ double Measure(const Case& one, platform::WindowRef w, Bare* bare, int rounds) {
     platform::FlushWindow(w);
     for (int i = 0; i < rounds / 10; ++i) {
       const double start = Microseconds();
-      w->surface.damage.Mark(one.rect.left, one.rect.top + strip, one.rect.right,
-                             one.rect.bottom + strip);
+      w->surface.damage.Mark(one.rect.left, one.rect.top + bar, one.rect.right,
+                             one.rect.bottom + bar);
       platform::FlushWindow(w);
       ours.push_back(Microseconds() - start);
     }

@@ -3,36 +3,18 @@
 // end with one byte that says: on the disk. Rounds alternate; the ratio is of the medians.
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "printserver/nc.h"
+#include "bench/daemon.h"
 
 namespace {
 
 constexpr int64_t kSize = 64 << 20;
 constexpr size_t kPiece = 256 << 10;
 constexpr int kRounds = 9;
-
-[[noreturn]] void Die(const char* what) {
-  perror(what);
-  exit(1);
-}
-
-double Seconds() {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
 
 void WriteWhole(int fd, const char* data, size_t size) {
   while (size > 0) {
@@ -101,15 +83,6 @@ double SendRequest(int fd, const std::string& source) {
   return seconds;
 }
 
-pid_t StartDaemon(const std::string& host, const std::string& spool) {
-  const pid_t pid = fork();
-  if (pid == 0) {
-    execl(PRINTSERVERD, PRINTSERVERD, "--listen", host.c_str(), "--spool", spool.c_str(), nullptr);
-    _exit(127);
-  }
-  return pid;
-}
-
 double Median(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   return values[values.size() / 2];
@@ -128,9 +101,7 @@ int main() {
     for (int64_t i = 0; i < kSize; i += 1 << 20) WriteWhole(file, block.data(), block.size());
     close(file);
   }
-  const int pid = getpid();
-  const std::string host =
-      "127.126." + std::to_string((pid >> 8) & 255) + "." + std::to_string(pid & 255);
+  const std::string host = AddressOfBench(126);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   inet_pton(AF_INET, host.c_str(), &address.sin_addr);
@@ -143,13 +114,8 @@ int main() {
   }
   const pid_t bare = fork();
   if (bare == 0) ReceiveFiles(listener, folder);
-  const pid_t daemon = StartDaemon(host, folder + "/spool");
-  int fd = -1;
-  for (int i = 0; i < 500 && fd < 0; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    fd = NC_ConnectN(host.c_str(), 60000);
-  }
-  if (fd < 0) Die("connect to printserverd");
+  const BenchDaemon daemon = StartDaemon(host, folder + "/spool");
+  const int fd = daemon.fd;
 
   std::vector<double> bare_times, request_times;
   SendBare(address, source);
@@ -158,11 +124,9 @@ int main() {
     bare_times.push_back(SendBare(address, source));
     request_times.push_back(SendRequest(fd, source));
   }
-  NC_Disconnect(fd);
-  for (const pid_t child : {bare, daemon}) {
-    kill(child, SIGTERM);
-    waitpid(child, nullptr, 0);
-  }
+  EndDaemon(daemon);
+  kill(bare, SIGTERM);
+  waitpid(bare, nullptr, 0);
   const double bare_rate = static_cast<double>(kSize) / Median(bare_times) / 1e6;
   const double rate = static_cast<double>(kSize) / Median(request_times) / 1e6;
   const std::string remove = "rm -rf " + folder;

@@ -1,3 +1,5 @@
-quorvik_bench(print_path print_path.cc LIBS nc)
-target_compile_definitions(bench_print_path PRIVATE PRINTSERVERD="$<TARGET_FILE:printserverd>")
-add_dependencies(bench_print_path printserverd)
+foreach(name print_path queue)
+  quorvik_bench(${name} ${name}.cc LIBS nc)
+  target_compile_definitions(bench_${name} PRIVATE PRINTSERVERD="$<TARGET_FILE:printserverd>")
+  add_dependencies(bench_${name} printserverd)
+endforeach()

@@ -1,5 +1,5 @@
-// What a window costs among 1,000 siblings and among 10,000: making, finding its place again,
-// moving and ending it.
+// What a window costs among 1,000 siblings and among 10,000: making it, finding its place again,
+// ending it; and showing it.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,7 +34,7 @@ double Median(std::vector<double> values) {
 XwWindow* parent;
 
 struct Times {
-  double create, reuse, destroy_each, destroy_whole;
+  double create, reuse, destroy_each, destroy_whole, show;
 };
 
 Times Round(int count) {
@@ -58,14 +58,30 @@ Times Round(int count) {
   return t;
 }
 
+// Shows 10,000 windows in families of `count`, and takes the time of one family: showing is short,
+// so that what counts is whether memory is near, and both sizes must have the same of it.
+Times ShowRound(int count) {
+  Times t{};
+  std::vector<XwWindow*> children;
+  while (int(children.size()) < kMany) {
+    parent = XwCreate(-255, 100, 100, 300, 200, Handle);
+    for (int i = 0; i < count; ++i) children.push_back(XwCreate(parent, 1, 1, 10, 10, Handle));
+  }
+  t.show = Seconds([&] {
+    for (XwWindow* c : children) XwShow(c, 1);
+  });
+  t.show *= double(count) / kMany;
+  return t;
+}
+
 // In a process of its own: memory that is touched for the first time costs few and many alike.
-Times RoundApart(int count) {
+Times RoundApart(Times (*round)(int), int count) {
   Times t{};
   int ends[2];
   if (pipe(ends) != 0) exit(1);
   pid_t child = fork();
   if (child == 0) {
-    t = Round(count);
+    t = round(count);
     _exit(write(ends[1], &t, sizeof t) == sizeof t ? 0 : 1);
   }
   close(ends[1]);
@@ -83,6 +99,21 @@ constexpr Row kRows[] = {{"create", &Times::create},
                          {"end half and create again", &Times::reuse},
                          {"end one by one", &Times::destroy_each},
                          {"end with the parent", &Times::destroy_whole}};
+constexpr Row kShow = {"show", &Times::show};
+
+// Medians of one figure over all rounds.
+struct Pair {
+  double few, many;
+};
+Pair Compare(const Row& row, const std::vector<Times>& few, const std::vector<Times>& many) {
+  std::vector<double> f, m;
+  for (const Times& t : few) f.push_back(t.*row.field);
+  for (const Times& t : many) m.push_back(t.*row.field);
+  const Pair p{Median(f), Median(m)};
+  printf("%-26s %7.1f ns a window of %d, %7.1f ns of %d, ratio %.1f\n", row.name,
+         p.few / kFew * 1e9, kFew, p.many / kMany * 1e9, kMany, p.many / p.few);
+  return p;
+}
 
 }  // namespace
 
@@ -90,26 +121,25 @@ int main() {
   setenv("XW_DISPLAY", "headless", 1);
   XwSession("tree", "Tree", 7);
   XwCreate(-255, 100, 100, 300, 200, Handle);
-  std::vector<Times> few, many;
+  std::vector<Times> few, many, few_shown, many_shown;
   for (int round = 0; round <= kRounds; ++round) {
-    Times a = RoundApart(kFew), b = RoundApart(kMany);
+    const Times a = RoundApart(Round, kFew), b = RoundApart(Round, kMany);
+    const Times c = RoundApart(ShowRound, kFew), d = RoundApart(ShowRound, kMany);
     if (round == 0) continue;
     few.push_back(a);
     many.push_back(b);
+    few_shown.push_back(c);
+    many_shown.push_back(d);
   }
   double worst = 0, all_few = 0, all_many = 0;
   for (const Row& row : kRows) {
-    std::vector<double> f, m;
-    for (const Times& t : few) f.push_back(t.*row.field);
-    for (const Times& t : many) m.push_back(t.*row.field);
-    double a = Median(f), b = Median(m);
-    printf("%-26s %7.1f ns a window of %d, %7.1f ns of %d, ratio %.1f\n", row.name, a / kFew * 1e9,
-           kFew, b / kMany * 1e9, kMany, b / a);
-    worst = std::max(worst, b / a);
-    all_few += a;
-    all_many += b;
+    const Pair p = Compare(row, few, many);
+    worst = std::max(worst, p.many / p.few);
+    all_few += p.few;
+    all_many += p.many;
   }
-  printf("tree growth_ratio=%.2f worst_ratio=%.2f ns_per_window=%.0f\n", all_many / all_few, worst,
-         all_many / kMany * 1e9);
+  const Pair show = Compare(kShow, few_shown, many_shown);
+  printf("tree growth_ratio=%.2f worst_ratio=%.2f show_growth_ratio=%.2f ns_per_window=%.0f\n",
+         all_many / all_few, worst, show.many / show.few, all_many / kMany * 1e9);
   return 0;
 }

@@ -24,7 +24,7 @@ function(quorvik_program name)
 endfunction()
 
 # quorvik_test(NAME SOURCES... [LIBS ...] [LABELS ...] [ENVIRONMENT NAME=VALUE ...] [TIMEOUT
-# seconds]): each TEST runs in a process of its own, because a toolkit session is one per process.
+# seconds]): each TEST runs in a process of its own, so that a crash is that of one test.
 function(quorvik_test name)
   cmake_parse_arguments(P "" "TIMEOUT" "LIBS;LABELS;ENVIRONMENT" ${ARGN})
   if(NOT P_TIMEOUT)
@@ -50,6 +50,25 @@ function(quorvik_test name)
       "  set_tests_properties(\${${name}_TESTS} PROPERTIES${lists})\nendif()\n")
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${file})
   endif()
+  quorvik_test_whole(${name} TIMEOUT ${P_TIMEOUT} LABELS ${P_LABELS} ENVIRONMENT ${P_ENVIRONMENT})
+endfunction()
+
+# quorvik_test's program as a whole: all its tests in one process, in three orders. Only
+# `ctest -C whole` runs these (tools/test whole).
+function(quorvik_test_whole name)
+  cmake_parse_arguments(P "" "TIMEOUT" "LABELS;ENVIRONMENT" ${ARGN})
+  math(EXPR seconds "${P_TIMEOUT} - 3")
+  foreach(round 1 2 3)
+    set(test whole:${name}:${round})
+    add_test(NAME ${test} CONFIGURATIONS whole
+      COMMAND ${name} --seconds=${seconds} --gtest_shuffle --gtest_brief=1)
+    set_tests_properties(${test} PROPERTIES TIMEOUT 1200)
+    foreach(property LABELS ENVIRONMENT)
+      if(P_${property})
+        set_property(TEST ${test} PROPERTY ${property} ${P_${property}})
+      endif()
+    endforeach()
+  endforeach()
 endfunction()
 
 # quorvik_bench(NAME SOURCES... [LIBS ...])

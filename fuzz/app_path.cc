@@ -8,23 +8,16 @@
 #include <fstream>
 #include <string>
 
+#include "fuzz/root.h"
 #include "os/os.h"
-#include "os/system_paths.h"
 
 namespace {
 
-std::string MakeRoot() {
-  std::string root = std::filesystem::temp_directory_path() / "quorvik-fuzz-XXXXXX";
-  if (!mkdtemp(root.data())) abort();
-  std::filesystem::create_directories(root + "/Users/Shared/Quorvik");
-  os::SetSystemRoot(root.c_str());
+std::string MakeRegistry() {
+  const std::string registry = FuzzRoot() + "/Users/Shared/Quorvik/";
+  std::filesystem::create_directories(registry);
   os::SetExecutablePath("/opt/bin/tool");
-  atexit([] {
-    const std::string shared = OS_GetPathName(OS_FOLDER_SHARED);
-    std::error_code ignored;
-    std::filesystem::remove_all(std::filesystem::path(shared).parent_path().parent_path(), ignored);
-  });
-  return root;
+  return registry;
 }
 
 // The first line of at most 255 bytes, up to a zero, its last line feed or its last return.
@@ -38,7 +31,7 @@ std::string Expected(const std::string& content) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static const std::string registry = MakeRoot() + "/Users/Shared/Quorvik/";
+  static const std::string registry = MakeRegistry();
   const std::string content(reinterpret_cast<const char*>(data), size);
   std::ofstream(registry + "key", std::ios::binary) << content;
   if (OS_GetAppPath("key") != Expected(content)) abort();

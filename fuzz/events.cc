@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "platform/display/headless/headless.h"
-#include "platform/events/event.h"
 #include "platform/events/raw_event.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"

@@ -1,2 +1,5 @@
 quorvik_fuzz(records records.cc LIBS nc)
+quorvik_fuzz(client_calls client_calls.cc LIBS nc -Wl,--wrap=recv)
 quorvik_fuzz(ticket ticket.cc LIBS printserverd_core)
+quorvik_fuzz(settings settings.cc LIBS printserverd_core)
+quorvik_fuzz(daemon_requests daemon_requests.cc LIBS printserverd_core nc)

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "printserver/records.h"
+#include "printserver/words.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static NC_Job jobs[8];
@@ -20,7 +21,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (int32_t i = 0; i < count; ++i) {
     const NC_Job& job = jobs[i];
     const bool good = job.copies >= 1 && job.copies <= 999 && job.printed >= 0 &&
-                      job.printed <= job.total &&
+                      job.printed <= job.total && job.number >= 0 && job.colour >= -1 &&
+                      job.colour <= 0xffffff && (job.kept == 0 || job.kept == 1) &&
+                      nc::ReasonsText(job.reasons).size() < 8 * sizeof job.reasons &&
                       memchr(job.document, 0, sizeof job.document) != nullptr &&
                       memchr(job.text, 0, sizeof job.text) != nullptr;
     if (!good) abort();

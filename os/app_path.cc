@@ -53,17 +53,21 @@ os::Handle MakeEntry(int registry, std::string* name) {
   return os::Handle();
 }
 
-// Read at most 255 bytes of the first line into `text`.
-void ReadFirstLine(int fd, char (&text)[kLongest]) {
+// Read at most 255 bytes of the first line into `result`. A file that cannot be read to its end is
+// as good as none: nothing is stored.
+void ReadFirstLine(int fd, char (&result)[kLongest]) {
+  char text[kLongest];
   size_t length = 0;
   while (length < sizeof text - 1) {
     const ssize_t n = read(fd, text + length, sizeof text - 1 - length);
     if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) break;
+    if (n < 0) return;
+    if (n == 0) break;
     length += n;
   }
   text[length] = 0;
   if (auto* end = static_cast<char*>(memchr(text, '\n', length))) end[1] = 0;
+  memcpy(result, text, sizeof text);
 }
 
 void CutAtLast(char* text, char c) {

@@ -1,5 +1,6 @@
 // Folder listings in fixed-size records.
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <stdlib.h>
@@ -39,15 +40,6 @@ void Fill(OS_ListEntry* entry, const char* name, uint32_t size, uint32_t time) {
   entry->time = time;
 }
 
-// Whether a name that begins with '.' is left out. With folders asked for, hidden names of two
-// characters are kept, as are names that begin with two dots.
-bool IsLeftOut(const char* name, int types) {
-  if (name[0] != '.') return false;
-  if (!(types & OS_LIST_FOLDERS)) return !(types & OS_LIST_HIDDEN);
-  if (!name[1]) return true;
-  return name[1] != '.' && name[2] && !(types & OS_LIST_HIDDEN);
-}
-
 // Whether the state of a file cannot matter, known from the folder alone: only folders are wanted
 // and no total.
 bool IsNeverListed(const dirent* file, int types) {
@@ -61,7 +53,7 @@ bool AddFile(int folder, const dirent* file, int types, Listing* list) {
   if (fstatat(folder, file->d_name, &state, AT_SYMLINK_NOFOLLOW) != 0) return true;
   if (state.st_mode < 0x4000) return true;
   if (state.st_mode & OS_LIST_FILES) list->total += state.st_size;
-  if (IsLeftOut(file->d_name, types) || !(state.st_mode & types)) return true;
+  if (os::IsLeftOut(file->d_name, types) || !(state.st_mode & types)) return true;
   if (list->count == list->room && !Grow(list, list->room * 2)) return false;
   Fill(&list->entries[list->count++], file->d_name, static_cast<uint32_t>(state.st_size),
        static_cast<uint32_t>(state.st_mtime));
@@ -83,10 +75,13 @@ bool AddPattern(const char* path, const char* pattern, int types, int sort, List
   if (!folder) return false;
   const size_t first = list->count;
   bool good = true;
-  while (const dirent* file = good ? readdir(folder) : nullptr) {
+  // At the folder's end, and only there, errno stays 0.
+  const dirent* file = nullptr;
+  while (good && (errno = 0, file = readdir(folder))) {
     if (strcmp(file->d_name, "..") == 0 || !match_name(pattern, file->d_name)) continue;
     good = AddFile(dirfd(folder), file, types, list);
   }
+  good = good && errno == 0;
   if (good && sort && !(sort & OS_SORT_WHOLE)) SortFrom(*list, first);
   closedir(folder);
   return good;

@@ -71,7 +71,9 @@ bool ReadFolder(const char* path, const char* patterns, int types, WholeListing*
   const std::vector<std::string> split = os::SplitPatterns(patterns);
   DIR* folder = opendir(path);
   if (!folder) return false;
-  while (const dirent* file = readdir(folder)) {
+  // At the folder's end, and only there, errno stays 0.
+  const dirent* file = nullptr;
+  while (errno = 0, file = readdir(folder)) {
     const char* name = file->d_name;
     if (IsParent(name)) continue;
     const bool matched = std::any_of(split.begin(), split.end(), [name](const std::string& p) {
@@ -79,8 +81,10 @@ bool ReadFolder(const char* path, const char* patterns, int types, WholeListing*
     });
     AddFile(dirfd(folder), file, matched, types, list);
   }
+  const int error = errno;
   closedir(folder);
-  return true;
+  errno = error;
+  return error == 0;
 }
 
 template <typename T>

@@ -40,6 +40,13 @@ std::vector<std::string> SplitPatterns(const char* patterns) {
   return result;
 }
 
+bool IsLeftOut(const char* name, int types) {
+  if (name[0] != '.') return false;
+  if (!(types & OS_LIST_FOLDERS)) return !(types & OS_LIST_HIDDEN);
+  if (!name[1]) return true;
+  return name[1] != '.' && name[2] && !(types & OS_LIST_HIDDEN);
+}
+
 }  // namespace os
 
 namespace {

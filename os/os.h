@@ -1,5 +1,6 @@
-// The services layer: folder listings, standard folders and application-path files, temporary
-// files, threads and recursive mutexes, and the debug log. Valid C11 and C++20.
+// The services layer: folder listings, volumes and folder trees, standard folders and
+// application-path files, temporary files, threads and recursive mutexes, child processes and
+// pipes, and the debug log. Valid C11 and C++20.
 //
 // Conventions. Nothing here throws, prints (besides DBG_printf) or keeps an error text: a failure
 // is the return value named at each call, with errno left as the system set it. File names and
@@ -104,6 +105,105 @@ int match_name(const char* pattern, const char* name);
 int sort_func(const OS_ListEntry* a, const OS_ListEntry* b);
 
 // ------------------------------------------------------------------------------------------------
+// Volumes
+//
+// The places that a user can browse, in this order: "ROOT", "LOCAL" (home), "DOCUMENTS" and
+// "DESKTOP"; network mounts of the mount table, sorted by name; what the table of remote file
+// systems (/etc/rfstab) names, in its order; and the folders of /Volumes, by name ignoring case.
+// Where there is no /Volumes, the folder in which the desktop mounts things takes its place:
+// /run/media/<user>, else /media/<user>. Missing tables are skipped.
+
+// One place of OS_ListDev. Texts are cut, always zero-terminated.
+typedef struct OS_Device {
+  char name[40];  // of a network mount: its path without the first slash, in capitals, with a ':'
+  char path[87];
+  char host[64];  // the server of a network mount, else ""
+  uint8_t index;  // bits 2..7: the place's number in the list; bits 0..1: 0, the caller's to use
+} OS_Device;
+
+// Find the places: an array of *count records of this layer, at most 50, that the next call
+// overwrites; for one thread. Only the first 120 bytes of each line of the tables are read. Never
+// null; `count` may be null.
+OS_Device* OS_ListDev(int* count);
+
+// Compare two places by name, as strcmp does; 0 when either is null.
+int lsdev_sort(const OS_Device* a, const OS_Device* b);
+
+// One place of OS_ListDevN; the texts live as long as the list.
+typedef struct OS_DeviceN {
+  const char* name;
+  const char* path;
+  const char* host;
+} OS_DeviceN;
+
+// The same list, whole: every place, every line, every byte. An array of *count records that the
+// caller frees with OS_ListDevFreeN. `count` may be null. Safe on several threads at once.
+OS_DeviceN* OS_ListDevN(int* count);
+
+// Free a result of OS_ListDevN; null is allowed.
+void OS_ListDevFreeN(OS_DeviceN* list);
+
+// ------------------------------------------------------------------------------------------------
+// Folder trees
+//
+// The folders below a starting folder, read on demand. The caller writes `open` (show the children)
+// and `selected`; everything else is the tree's. A null node is ignored: the results are then 0.
+
+// A node. Only the root is a block of its own; all others lie in their parent's array.
+typedef struct OS_TreeNode {
+  uint8_t open;   // whether OS_TreeScan goes into the children
+  uint8_t depth;  // 0 for the root; 255 for all that lie deeper than that
+  uint8_t selected;
+  char path[253];                // zero-terminated
+  char* name;                    // in `path`: its last part; for the root, all of it
+  int16_t child_count;           // at most 32767: further folders are left out
+  struct OS_TreeNode* children;  // null before the first expansion
+} OS_TreeNode;
+
+// Make the tree of `path` with two levels of folders read. Nothing is open, but for a root that
+// cannot be read: it has no children and `open` 1. Null when `path` is null or has more than 252
+// bytes. OS_TreeDestroy frees it.
+OS_TreeNode* OS_TreeCreate(const char* path);
+
+// Read the folders of a node again, as OS_ListDir lists them by name. What was below it is freed,
+// with its open and selected states, and the node itself is closed; if the folder cannot be read
+// nothing changes. Folders whose path would have more than 252 bytes are left out.
+void OS_TreeExpand(OS_TreeNode* node);
+
+// Free a tree. Of another node than the root everything below it is freed, and the node stays.
+void OS_TreeDestroy(OS_TreeNode* node);
+
+// Store the nodes below this one that are to be shown, in order, in `out` (null: nothing is stored;
+// it needs room for all of them). Their number.
+int OS_TreeScan(OS_TreeNode* node, OS_TreeNode** out);
+
+// Clear `selected` of the node and of everything below it; 1 if any of these is selected, else 0.
+void OS_TreeClearSel(OS_TreeNode* node);
+int OS_TreeIsSelected(OS_TreeNode* node);
+
+// A node of the twin, with paths of any length. Nodes of different trees may be used on several
+// threads at once.
+typedef struct OS_TreeNodeN {
+  uint8_t open;
+  int32_t depth;
+  uint8_t selected;
+  const char* path;
+  const char* name;  // in `path`
+  int32_t child_count;
+  struct OS_TreeNodeN* children;
+} OS_TreeNodeN;
+
+// As above, with the folders as OS_ListDirN lists them: links that lead to folders are there, names
+// that begin with '.' are not, and ':' has no meaning. OS_TreeExpandN returns 0, or -1 with errno
+// when the folder cannot be read; OS_TreeCreateN leaves that errno for its root.
+OS_TreeNodeN* OS_TreeCreateN(const char* path);
+int OS_TreeExpandN(OS_TreeNodeN* node);
+void OS_TreeDestroyN(OS_TreeNodeN* node);
+int OS_TreeScanN(OS_TreeNodeN* node, OS_TreeNodeN** out);
+void OS_TreeClearSelN(OS_TreeNodeN* node);
+int OS_TreeIsSelectedN(OS_TreeNodeN* node);
+
+// ------------------------------------------------------------------------------------------------
 // Standard folders
 
 #define OS_FOLDER_APPLICATION 0  // of the program; outside the ".app" bundle if it sits in one
@@ -132,8 +232,8 @@ char* OS_GetUserName(void);
 // file.
 
 // The folder recorded under `key`; with a null key this program's own application folder. If
-// nothing is recorded (or the key holds a '/', or is too long) the result is the name of the file
-// that was looked for. At most 255 bytes.
+// nothing is recorded (or the file cannot be read, or the key holds a '/', or is too long) the
+// result is the name of the file that was looked for. At most 255 bytes.
 char* OS_GetAppPath(const char* key);
 
 // Record this program's application folder under `key`, in a new file that takes the place of what
@@ -198,6 +298,59 @@ int OS_DestroyMutex(pthread_mutex_t* m);
 
 // Sleep for `ms` milliseconds, signals or not. Returns at once for 0 or less.
 void OS_Sleep(int ms);
+
+// ------------------------------------------------------------------------------------------------
+// Child processes and pipes
+//
+// A program is searched along PATH. Its arguments follow its name and end with a null pointer;
+// OS_StartProcess has room for 30 and OS_StartPipe for 34, those past it are left out. If the
+// program cannot be run, the call returns a second time, in the child, which goes on with the
+// caller's code: end it there with _exit. Every child has to be waited for.
+
+// Start a program. The id of its process; -1 if none could be made or `program` is null; in a child
+// that cannot run the program, 0.
+int OS_StartProcess(const char* program, ...) __attribute__((sentinel));
+
+// Wait until the child has ended, signals or not. Its status as waitpid gives it; 0 at once for an
+// id below 1 or of no child.
+int OS_WaitProcess(int pid);
+
+// A child whose standard input and output are pipes. From malloc: the caller frees it.
+typedef struct OS_Pipe {
+  int32_t write_fd;  // feeds the child's standard input
+  int32_t read_fd;   // carries its standard output
+  int32_t pid;
+} OS_Pipe;
+
+// Start a program with both streams piped. Null if that failed, if `program` is null, or in a child
+// that cannot run the program. The descriptors lie above those of the standard streams and are
+// closed on exec. The child's two ends stay open here as well, until OS_ClosePipe: the end of its
+// output is never seen on `read_fd` itself.
+OS_Pipe* OS_StartPipe(const char* program, ...) __attribute__((sentinel));
+
+// Read exactly `len` bytes. `len`; or 0 when fewer come before the child has ended, when a signal
+// interrupts the call, on any other failure, for a null, and for a `len` below 1.
+int OS_ReadPipe(OS_Pipe* p, void* buf, int len);
+
+// Write `len` bytes, waiting for room. `len`; or -1 when the child has ended (errno EPIPE), on any
+// other failure, and for a null or a negative `len`. A signal ends the call with what had been
+// written by then, -1 for nothing.
+int OS_WritePipe(OS_Pipe* p, const void* buf, int len);
+
+// Close all ends of the pipes and set the two descriptors to -1. The child is not waited for. 0, or
+// -1: the result of closing `read_fd`.
+int OS_ClosePipe(OS_Pipe* p);
+
+// ------------------------------------------------------------------------------------------------
+// Figures
+
+// The size and the free part, in bytes, of the file system that holds the current folder (what is
+// kept back for the superuser counts as free). Both 0 when that cannot be found out. Each may be
+// null.
+void OS_DiskInfo(uint64_t* total, uint64_t* free);
+
+// Memory figures, in bytes: always 246579200, 104857600, 246579200, 104857600. Each may be null.
+void OS_MemInfo(uint64_t* a, uint64_t* b, uint64_t* c, uint64_t* d);
 
 // ------------------------------------------------------------------------------------------------
 // Debug log

@@ -1,8 +1,8 @@
 // The standard folders and the user's name, each found once and kept in a buffer of its own.
 #include <stdlib.h>
-#include <string.h>
 #include <sys/stat.h>
 
+#include <mutex>
 #include <string>
 
 #include "os/os.h"
@@ -13,13 +13,30 @@ namespace {
 constexpr int kFolders = 9;
 constexpr char kBundle[] = ".app/Contents/MacOS";
 
-char folder_slots[kFolders][256];
-char user_slot[64];
-
+// One name: whole, and cut to the size that the plain call gives.
 template <size_t kSize>
-void Store(char (&slot)[kSize], const std::string& text) {
-  const size_t length = text.copy(slot, kSize - 1);
-  slot[length] = 0;
+struct Kept {
+  bool found = false;
+  std::string whole;
+  char cut[kSize] = {};
+
+  void Keep(std::string text) {
+    whole = std::move(text);
+    cut[whole.copy(cut, kSize - 1)] = 0;
+    found = true;
+  }
+};
+
+// Kept until the process ends. The lock is recursive because some folders are found from others.
+struct Names {
+  std::recursive_mutex lock;
+  Kept<256> folders[kFolders];
+  Kept<64> user;
+};
+
+Names& TheNames() {
+  static auto* names = new Names;
+  return *names;
 }
 
 std::string FolderOf(const std::string& path) {
@@ -42,11 +59,11 @@ std::string SharedFolder() {
 }
 
 std::string DocumentsFolder() {
-  return std::string(OS_GetPathName(OS_FOLDER_HOME)) + "/Documents";
+  return os::FolderPath(OS_FOLDER_HOME) + "/Documents";
 }
 
 std::string DesktopFolder() {
-  return std::string(OS_GetPathName(OS_FOLDER_HOME)) + "/Desktop";
+  return os::FolderPath(OS_FOLDER_HOME) + "/Desktop";
 }
 
 std::string NoFolder() {
@@ -69,35 +86,57 @@ constexpr FolderFinder kFinders[kFolders] = {
     DesktopFolder,     NoFolder,   ExecutableFolder,    ResourcesFolder,
 };
 
+Kept<256>& Folder(int folder) {
+  if (folder < 0 || folder >= kFolders) folder = OS_FOLDER_NONE;
+  Kept<256>& kept = TheNames().folders[folder];
+  const std::lock_guard guard(TheNames().lock);
+  if (!kept.found) kept.Keep(kFinders[folder]());
+  return kept;
+}
+
+Kept<64>& User() {
+  Kept<64>& kept = TheNames().user;
+  const std::lock_guard guard(TheNames().lock);
+  const char* user = kept.found ? nullptr : getenv("USER");
+  if (!kept.found) kept.Keep(user ? user : "nobody");
+  return kept;
+}
+
 }  // namespace
 
-std::string os::TemporaryFolder() {
-  const std::string path = os::SystemPath("/var/tmp/Quorvik");
+namespace os {
+
+std::string TemporaryFolder() {
+  const std::string path = SystemPath("/var/tmp/Quorvik");
   mkdir(path.c_str(), 0777);
   OS_SetFileShared(path.c_str());
   return path;
 }
 
-void os::ForgetPathNames() {
-  memset(folder_slots, 0, sizeof folder_slots);
-  memset(user_slot, 0, sizeof user_slot);
+std::string FolderPath(int folder) {
+  return Folder(folder).whole;
 }
+
+std::string UserName() {
+  return User().whole;
+}
+
+void ForgetPathNames() {
+  const std::lock_guard guard(TheNames().lock);
+  for (auto& folder : TheNames().folders) folder = {};
+  TheNames().user = {};
+}
+
+}  // namespace os
 
 extern "C" {
 
 char* OS_GetPathName(int folder) {
-  if (folder < 0 || folder >= kFolders) folder = OS_FOLDER_NONE;
-  auto& slot = folder_slots[folder];
-  if (!slot[0]) Store(slot, kFinders[folder]());
-  return slot;
+  return Folder(folder).cut;
 }
 
 char* OS_GetUserName(void) {
-  if (!user_slot[0]) {
-    const char* user = getenv("USER");
-    Store(user_slot, user ? user : "nobody");
-  }
-  return user_slot;
+  return User().cut;
 }
 
 }  // extern "C"

@@ -17,6 +17,10 @@ std::string TemporaryFolder();
 // The path of the running executable.
 std::string ExecutablePath();
 
+// What OS_GetPathName and OS_GetUserName give, whole. Safe on several threads.
+std::string FolderPath(int folder);
+std::string UserName();
+
 // Put `root` in front of every fixed path; null or "" for none. Forgets what was found before.
 void SetSystemRoot(const char* root);
 

@@ -10,6 +10,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <charconv>
+#include <string>
+
 #include "os/final_path.h"
 #include "printserver/nc.h"
 #include "printserver/resolve.h"
@@ -22,12 +25,29 @@ constexpr int32_t kUsualDeadline = 10000;
 
 using nc::Deadline;
 
+// A server's name and port. What is null or "" is left to those who look it up.
+struct Place {
+  std::string host;
+  uint16_t port = NC_PORT;
+};
+
+// Take "HOST:PORT" apart; the host alone has the usual port. False when the port is none.
+bool TakePort(const char* text, Place* place) {
+  place->host = text ? text : "";
+  const size_t colon = place->host.rfind(':');
+  if (colon == std::string::npos) return true;
+  const char* end = place->host.data() + place->host.size();
+  const auto [last, error] = std::from_chars(place->host.data() + colon + 1, end, place->port);
+  place->host.resize(colon);
+  return error == std::errc() && last == end && place->port != 0;
+}
+
 // Open a socket and begin to connect it. 1: connected; 0: still connecting; below 0: the code.
-int Begin(const char* host, bool wait, Deadline deadline, os::Handle* socket_out) {
+int Begin(const Place& place, bool wait, Deadline deadline, os::Handle* socket_out) {
   sockaddr_in address = {};
   address.sin_family = AF_INET;
-  address.sin_port = htons(NC_PORT);
-  if (!nc::Resolve(host, &address.sin_addr, deadline)) return NC_NO_HOST;
+  address.sin_port = htons(place.port);
+  if (!nc::Resolve(place.host.c_str(), &address.sin_addr, deadline)) return NC_NO_HOST;
   os::Handle made(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | (wait ? 0 : SOCK_NONBLOCK), 0));
   if (!made) return NC_NO_SOCKET;
   // Requests are written whole: nothing is won by holding back their last bytes.
@@ -59,16 +79,16 @@ bool FinishConnect(int fd, Deadline deadline) {
   return error == 0;
 }
 
-// A greeted connection with that deadline, or the code.
-int ConnectWithin(const char* host, int32_t ms, Deadline deadline) {
+// A greeted connection with the deadline `ms`, made within `deadline`, or the code.
+int ConnectWithin(const Place& place, int32_t ms, Deadline deadline) {
   os::Handle fd;
-  const int began = Begin(host, false, deadline, &fd);
+  const int began = Begin(place, false, deadline, &fd);
   if (began < 0) return began;
   if (began == 0 && !FinishConnect(fd.get(), deadline)) return NC_NO_SERVER;
   const int greeted = Greet(fd.get(), deadline);
   if (greeted < 0) return greeted;
   const int flags = fcntl(fd.get(), F_GETFL);
-  if (fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return NC_NO_SOCKET;
+  if (flags < 0 || fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return NC_NO_SOCKET;
   if (NC_SetDeadline(fd.get(), ms) != 0) return NC_NO_SOCKET;
   return fd.Release();
 }
@@ -78,9 +98,9 @@ bool IsWritable(int fd) {
   return poll(&one, 1, 0) > 0 && !(one.revents & POLLNVAL);
 }
 
-// What NC_Ready does; `connect_whole` makes the greeted connection.
-template <typename Connect>
-int Ready(const char* host, int* fd, Connect connect_whole) {
+// What NC_Ready does; `connect_whole` makes the greeted connection, `begin` a fresh attempt.
+template <typename Connect, typename Start>
+int Ready(int* fd, Connect connect_whole, Start begin) {
   if (!fd) return 0;
   if (*fd >= 0) {
     if (!IsWritable(*fd)) return 0;
@@ -88,7 +108,7 @@ int Ready(const char* host, int* fd, Connect connect_whole) {
     *fd = connect_whole();
     if (*fd >= 0) return 1;
   }
-  *fd = NC_Connect(host, 0);
+  *fd = begin();
   return 0;
 }
 
@@ -106,7 +126,9 @@ void NC_GetHostAddr(char* dst) {
 
 int NC_Connect(const char* host, int32_t blocking) {
   os::Handle fd;
-  const int began = Begin(host, blocking != 0, Deadline::None(), &fd);
+  Place place;
+  if (host) place.host = host;
+  const int began = Begin(place, blocking != 0, Deadline::None(), &fd);
   if (began < 0) return began;
   const int greeted = blocking ? Greet(fd.get(), Deadline::None()) : 0;
   return greeted < 0 ? greeted : fd.Release();
@@ -118,17 +140,30 @@ int NC_ConnectN(const char* host, int32_t ms) {
 
 int NC_ConnectStopN(const char* host, int32_t ms, int stop) {
   if (ms < 1) ms = kUsualDeadline;
+  Place place;
+  if (!TakePort(host, &place)) return nc::Refuse(EINVAL), NC_NO_HOST;
   const Deadline deadline = Deadline::In(ms, stop);
-  const int fd = ConnectWithin(host, ms, deadline);
+  const int fd = ConnectWithin(place, ms, deadline);
   return fd < 0 && deadline.Stopped() ? NC_CANCELLED : fd;
 }
 
 int NC_Ready(const char* host, int* fd) {
-  return Ready(host, fd, [host] { return NC_Connect(host, 4); });
+  return Ready(
+      fd, [host] { return NC_Connect(host, 4); }, [host] { return NC_Connect(host, 0); });
 }
 
 int NC_ReadyN(const char* host, int* fd, int32_t ms) {
-  return Ready(host, fd, [host, ms] { return NC_ConnectN(host, ms); });
+  if (ms < 1) ms = kUsualDeadline;
+  const Deadline deadline = Deadline::In(ms);
+  Place place;
+  const bool good = TakePort(host, &place);
+  const auto begin = [&] {
+    os::Handle attempt;
+    const int began = good ? Begin(place, false, deadline, &attempt) : NC_NO_HOST;
+    return began < 0 ? began : attempt.Release();
+  };
+  return Ready(
+      fd, [&] { return good ? ConnectWithin(place, ms, deadline) : NC_NO_HOST; }, begin);
 }
 
 }  // extern "C"

@@ -69,8 +69,9 @@ void NC_GetHostAddr(char* dst);
 int NC_Connect(const char* host, int32_t blocking);
 
 // Connect and greet within `ms` milliseconds in all (below 1: 10000), finding the host included.
-// That is also the deadline of the connection from then on. The codes are those of NC_Connect;
-// errno is ETIMEDOUT when time ran out.
+// That is also the deadline of the connection from then on. `host` may be "HOST:PORT", here and in
+// the other calls ending in N; a port that is not 1..65535 is NC_NO_HOST with EINVAL. The codes are
+// those of NC_Connect; errno is ETIMEDOUT when time ran out.
 int NC_ConnectN(const char* host, int32_t ms);
 
 // The same, but another thread can end the waiting: as soon as the descriptor `stop` (of an eventfd
@@ -83,7 +84,9 @@ int NC_ConnectStopN(const char* host, int32_t ms, int stop);
 // and the result is 0.
 int NC_Ready(const char* host, int* fd);
 
-// The same; the new connection is made within `ms` milliseconds, as by NC_ConnectN.
+// The same within `ms` milliseconds (below 1: 10000), finding the host included; the new connection
+// carries that deadline, as by NC_ConnectN. With "HOST:PORT" let it begin itself, from an *fd
+// below 0: NC_Connect knows the usual port alone.
 int NC_ReadyN(const char* host, int* fd, int32_t ms);
 
 // Set the deadline of every later call on this connection, milliseconds; 0 for none. 0, or -1.

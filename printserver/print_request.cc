@@ -85,7 +85,7 @@ int SendThroughBuffer(Transfer* transfer, int document, int64_t left) {
   std::vector<char> piece(std::min<int64_t>(left, kPiece));
   while (left > 0) {
     pollfd one = {document, POLLIN, 0};
-    if (poll(&one, 1, 0) == 0) {
+    if (poll(&one, 1, 0) <= 0) {
       if (const int code = transfer->Wait(document, POLLIN)) return code;
       continue;
     }

@@ -38,6 +38,12 @@ int PlaceOf(std::string_view value, const std::string_view (&words)[n]) {
   return found == words + n ? 0 : static_cast<int>(found - words);
 }
 
+// The word at a place, the first for a place outside.
+template <size_t n>
+const char* WordOf(int place, const std::string_view (&words)[n]) {
+  return words[place >= 0 && place < static_cast<int>(n) ? place : 0].data();
+}
+
 constexpr std::string_view kJobStates[] = {"waiting",   "held", "printing",
                                            "paper-out", "done", "failed"};
 constexpr std::string_view kPrinterStates[] = {"idle", "printing", "paper-out"};
@@ -64,6 +70,11 @@ constexpr Field kJobFields[] = {
     TEXT_FIELD(NC_Job, profile),
     TEXT_FIELD(NC_Job, media),
     TEXT_FIELD(NC_Job, text),
+    TEXT_FIELD(NC_Job, reasons),
+    NUMBER_FIELD(NC_Job, "number", number, 0, INT32_MAX),
+    NUMBER_FIELD(NC_Job, "kept", kept, 0, 1),
+    NUMBER_FIELD(NC_Job, "pages", pages, 0, INT32_MAX),
+    NUMBER_FIELD(NC_Job, "pages-printed", pages_printed, 0, INT32_MAX),
     NUMBER_FIELD(NC_Job, "copies", copies, 1, 999),
     NUMBER_FIELD(NC_Job, "priority", priority, 1, 100),
     NUMBER_FIELD(NC_Job, "hold", hold, 0, 1),
@@ -77,6 +88,10 @@ constexpr Field kPrinterFields[] = {
     TEXT_FIELD(NC_Printer, name),
     TEXT_FIELD(NC_Printer, media),
     TEXT_FIELD(NC_Printer, text),
+    TEXT_FIELD(NC_Printer, reasons),
+    TEXT_FIELD(NC_Printer, supplies),
+    NUMBER_FIELD(NC_Printer, "paused", paused, 0, 1),
+    NUMBER_FIELD(NC_Printer, "accepting", accepting, 0, 1),
     NUMBER_FIELD(NC_Printer, "default", is_default, 0, 1),
     NUMBER_FIELD(NC_Printer, "jobs", jobs, 0, INT32_MAX),
     NUMBER_FIELD(NC_Printer, "paper", paper, -1, INT32_MAX),
@@ -111,6 +126,22 @@ void SetByKey(const Field (&fields)[n], std::string_view key, std::string_view v
   }
 }
 
+// An id of a record, which is 32 digits and nothing else.
+bool TakeId(std::string_view value, uint8_t* id) {
+  char text[33];
+  CopyText(value, text, sizeof text);
+  return value.size() == 32 && NC_ParseId(text, id);
+}
+
+// Six digits, red first; -1 for anything else.
+int32_t ColourOf(std::string_view value) {
+  int32_t colour = 0;
+  const char* end = value.data() + value.size();
+  const bool good = value.size() == 6 && value[0] != '-' &&
+                    std::from_chars(value.data(), end, colour, 16).ptr == end;
+  return good ? colour : -1;
+}
+
 // One kind of record: how it begins, what a field does to it, whether it is complete.
 struct JobReader {
   NC_Job job;
@@ -119,20 +150,19 @@ struct JobReader {
     job = NC_Job();
     job.copies = 1;
     job.priority = 50;
+    job.kept = job.pages = job.pages_printed = job.colour = -1;
     has_id = false;
   }
   void Take(std::string_view key, std::string_view value) {
     if (key == "state") job.state = static_cast<NC_JobState>(PlaceOf(value, kJobStates));
-    if (key == "id") {
-      char text[33];
-      CopyText(value, text, sizeof text);
-      has_id = value.size() == 32 && NC_ParseId(text, job.id);
-    }
+    if (key == "id") has_id = TakeId(value, job.id);
+    if (key == "colour") job.colour = ColourOf(value);
     SetByKey(kJobFields, key, value, &job);
   }
   bool End(NC_Job* to) {
     if (!has_id) return false;
     job.printed = std::min(job.printed, job.total);
+    if (job.kept < 0) job.kept = job.state != NC_JOB_DONE;
     *to = job;
     return true;
   }
@@ -143,11 +173,13 @@ struct PrinterReader {
   void Begin() {
     printer = NC_Printer();
     printer.paper = -1;
+    printer.accepting = 1;
   }
   void Take(std::string_view key, std::string_view value) {
     if (key == "state") {
       printer.state = static_cast<NC_PrinterState>(PlaceOf(value, kPrinterStates));
     }
+    if (key == "id") printer.has_id = TakeId(value, printer.id);
     SetByKey(kPrinterFields, key, value, &printer);
   }
   bool End(NC_Printer* to) {
@@ -215,6 +247,14 @@ constexpr const char* kStatusTexts[] = {
 const char* NC_StatusText(int status) {
   const int count = static_cast<int>(std::size(kStatusTexts));
   return status >= 0 && status < count ? kStatusTexts[status] : "refused for a reason unknown here";
+}
+
+const char* NC_JobStateWord(NC_JobState state) {
+  return WordOf(state, kJobStates);
+}
+
+const char* NC_PrinterStateWord(NC_PrinterState state) {
+  return WordOf(state, kPrinterStates);
 }
 
 int32_t NC_ParseJobs(const void* list, int32_t size, NC_Job* jobs, int32_t max) {

@@ -21,14 +21,16 @@ extern "C" {
 #define NC_MEDIA_TEXT 32
 #define NC_MEDIA_LIST_TEXT 256
 #define NC_DISPLAY_TEXT 128
+#define NC_REASONS_TEXT 128
+#define NC_SUPPLIES_TEXT 256
 
 // A queue list that a server sends never has more bytes and jobs than these.
 #define NC_QUEUE_MAX 8388608
 #define NC_JOBS_MAX 4096
 
 // Other lists have at most so many records, and no more bytes than NC_LIST_MAX.
-#define NC_RECORDS_MAX 64
-#define NC_LIST_MAX 131072
+#define NC_RECORDS_MAX 1024
+#define NC_LIST_MAX 1048576
 
 // The status bytes of commands 3, 6 and 7. Take all but NC_STATUS_DONE for a refusal.
 #define NC_STATUS_REFUSED 0
@@ -57,24 +59,33 @@ typedef enum NC_JobState {
 typedef struct NC_Job {
   uint8_t id[16];  // for NC_WritePrintRequest and NC_RemovePrintRequest
   NC_JobState state;
-  int32_t copies;     // 1..999
-  int32_t priority;   // 1..100, higher prints first
-  int32_t hold;       // 0, 1
-  int64_t submitted;  // seconds since 1970
-  int64_t size;       // bytes of the document
-  int64_t total;      // bytes to print
-  int64_t printed;    // 0..total
+  int32_t copies;         // 1..999
+  int32_t priority;       // 1..100, higher prints first
+  int32_t hold;           // 0, 1
+  int64_t submitted;      // seconds since 1970
+  int64_t size;           // bytes of the document
+  int64_t total;          // bytes to print
+  int64_t printed;        // 0..total
+  int32_t number;         // from 1 on, no two jobs of a spool alike; 0: the server gives none
+  int32_t kept;           // 0, 1: the server has the document
+  int32_t pages;          // -1: not known
+  int32_t pages_printed;  // -1: not known
+  int32_t colour;         // 0xRRGGBB, -1: none
   char document[NC_DOCUMENT_TEXT];
   char owner[NC_NAME_TEXT];
   char printer[NC_NAME_TEXT];
   char profile[NC_PROFILE_TEXT];
   char media[NC_MEDIA_TEXT];
-  char text[NC_DISPLAY_TEXT];  // to be shown, not to be interpreted
+  char text[NC_DISPLAY_TEXT];     // to be shown, not to be interpreted
+  char reasons[NC_REASONS_TEXT];  // keywords with commas between, why it does not go on
 } NC_Job;
 
 // Read a queue list of `size` bytes into at most `max` jobs, in the server's order. The number
 // stored; 0 also for a null or a size below 1. Jobs past `max` are left out.
 int32_t NC_ParseJobs(const void* list, int32_t size, NC_Job* jobs, int32_t max);
+
+// The protocol's word for a state: "paper-out". Never null; "waiting" for what is no state.
+const char* NC_JobStateWord(NC_JobState state);
 
 typedef enum NC_PrinterState {
   NC_PRINTER_IDLE,  // also for a state that is not known
@@ -87,13 +98,22 @@ typedef struct NC_Printer {
   int32_t is_default;  // 0, 1
   int32_t jobs;        // that wait for it or are at it
   int32_t paper;       // sheets left, -1: does not run out
+  int32_t paused;      // 0, 1: begins no job
+  int32_t accepting;   // 0, 1: takes new jobs
+  int32_t has_id;      // 0, 1: `id` is one, under which a ticket alone changes the printer
+  uint8_t id[16];
   char name[NC_NAME_TEXT];
   char media[NC_MEDIA_LIST_TEXT];  // names separated by commas
   char text[NC_DISPLAY_TEXT];
+  char reasons[NC_REASONS_TEXT];    // keywords with commas between, why it does not go on
+  char supplies[NC_SUPPLIES_TEXT];  // "name:percent" with commas between, -1: not known
 } NC_Printer;
 
 // The same for a printer list.
 int32_t NC_ParsePrinters(const void* list, int32_t size, NC_Printer* printers, int32_t max);
+
+// The protocol's word for a state. Never null; "idle" for what is no state.
+const char* NC_PrinterStateWord(NC_PrinterState state);
 
 typedef struct NC_Scanner {
   int32_t away;  // 0, 1

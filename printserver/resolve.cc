@@ -75,7 +75,7 @@ bool StartSearch(const std::shared_ptr<Search>& search) {
 bool Resolve(const char* host, in_addr* address, Deadline deadline) {
   if (!host || !host[0]) host = "localhost";
   if (inet_pton(AF_INET, host, address) == 1) return true;
-  if (deadline.none()) return LookUp(host, address);
+  if (deadline.none()) return LookUp(host, address) || (errno = ENOENT, false);
   const auto search = std::make_shared<Search>();
   search->host = host;
   if (!search->ended || !StartSearch(search)) return false;
@@ -84,6 +84,7 @@ bool Resolve(const char* host, in_addr* address, Deadline deadline) {
   if (ready <= 0) return false;
   const std::lock_guard<std::mutex> guard(search->lock);
   *address = search->address;
+  if (!search->found) errno = ENOENT;
   return search->found;
 }
 

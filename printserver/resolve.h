@@ -8,8 +8,9 @@
 
 namespace nc {
 
-// The first IPv4 address of `host` (null or "": "localhost"); false if there is none. With a
-// deadline, false and ETIMEDOUT once it has passed: the look-up is then left to end by itself.
+// The first IPv4 address of `host` (null or "": "localhost"); false and ENOENT if there is none.
+// With a deadline, false and ETIMEDOUT once it has passed: the look-up is then left to end by
+// itself.
 bool Resolve(const char* host, in_addr* address, Deadline deadline);
 
 }  // namespace nc

@@ -67,9 +67,10 @@ int Spawn(const std::vector<std::string>& arguments, pid_t* pid) {
 
 }  // namespace
 
-Child::~Child() {
+void Child::End() {
   Reap();
   if (pid_ > 0) kill(pid_, SIGTERM);
+  pid_ = 0;
 }
 
 void Child::Start(const std::vector<std::string>& command, std::string_view first,

@@ -12,8 +12,7 @@ namespace printserverd {
 class Child {
  public:
   explicit Child(std::string_view what) : what_(what) {}
-  // Asks a running program to end.
-  ~Child();
+  ~Child() { End(); }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
@@ -21,6 +20,9 @@ class Child {
   // when the command is empty, the last one still runs, or an argument could pass for an option.
   void Start(const std::vector<std::string>& command, std::string_view first,
              std::string_view second);
+
+  // Asks a running program to end.
+  void End();
 
   // Takes notice of its end, when it has ended.
   void Reap();

@@ -1,5 +1,4 @@
 // The eleven commands.
-#include <sys/random.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -26,11 +25,6 @@ std::string U32(uint32_t value) {
   uint8_t bytes[4];
   StoreU32(bytes, value);
   return std::string(reinterpret_cast<const char*>(bytes), sizeof bytes);
-}
-
-bool NewId(RequestId* id) {
-  id->assign(kIdSize, '\0');
-  return getrandom(id->data(), kIdSize, 0) == static_cast<ssize_t>(kIdSize);
 }
 
 // The last bytes of the fixed fields stay zero, so that each ends within itself.
@@ -159,7 +153,7 @@ void Server::PrintQueue(Peer* peer) {
 void Server::PrinterList(Peer* peer) {
   auto list = std::make_shared<std::string>();
   for (const auto& printer : printers_) {
-    *list += printer->Record(*queue_, printer == printers_.front());
+    *list += printer->Record(printer == printers_.front());
   }
   ReplyBlock(peer, "\1", static_cast<uint32_t>(list->size()), list);
 }
@@ -196,7 +190,8 @@ void Server::WriteRequest(Peer* peer) {
     peer->close_after_reply = true;
     return ReplyStatus(peer, Status::kTooLarge);
   }
-  upload.changes = queue_->Find(upload.id) != nullptr;
+  upload.printer = FindPrinter(upload.id) != nullptr;
+  upload.changes = upload.printer || queue_->Find(upload.id);
   const auto issued = std::find(peer->issued.begin(), peer->issued.end(), upload.id);
   if (!upload.changes && issued == peer->issued.end()) upload.status = Status::kUnknownId;
   peer->state = PeerState::kDocument;
@@ -236,7 +231,34 @@ void Server::CreateId(Peer* peer) {
 
 void Server::RemoveRequest(Peer* peer) {
   const RequestId id(reinterpret_cast<const char*>(peer->input), kIdSize);
-  queue_->Remove(id, AnswerLater(peer));
+  if (FindPrinter(id)) return ReplyStatus(peer, Status::kWrongState);
+  queue_->Remove(id, peer->address, AnswerLater(peer));
+}
+
+// The printer of the list that has this id; null when none has.
+Printer* Server::FindPrinter(const RequestId& id) {
+  for (const auto& printer : printers_) {
+    if (printer->entry().id == id) return printer.get();
+  }
+  return nullptr;
+}
+
+void Server::ChangePrinter(Peer* peer, const RequestId& id, const std::string& text) {
+  PrinterTicket ticket;
+  const Status parsed = ParsePrinterTicket(text, &ticket);
+  if (parsed != Status::kDone) return ReplyStatus(peer, parsed);
+  entries_->Change(
+      id, ticket,
+      [this, id, ticket, from = peer->address, answer = AnswerLater(peer)](bool stored) {
+        if (!stored) return answer(Status::kStorage);
+        const PrinterEntry* entry = entries_->Find(id);
+        if (Printer* printer = FindPrinter(id)) {
+          printer->SetEntry(*entry, ticket.paused == 0);
+          if (ticket.paper_loaded == 1) printer->LoadPaper();
+        }
+        log_->TellPrinter(from, entry->name, id);
+        answer(Status::kDone);
+      });
 }
 
 void Server::RemoveFile(Peer* peer) {

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <sys/eventfd.h>
 
+#include <chrono>
 #include <system_error>
 
 namespace printserverd {
@@ -15,6 +16,25 @@ Disk::~Disk() {
   }
   wake_.notify_one();
   thread_.join();
+}
+
+bool Disk::Finish(int64_t ms) {
+  if (!thread_.joinable()) return true;
+  {
+    std::unique_lock<std::mutex> lock(mutex_);
+    ending_ = true;
+    wake_.notify_one();
+    if (!end_.wait_for(lock, std::chrono::milliseconds(ms), [this] { return ended_; })) {
+      return false;
+    }
+  }
+  thread_.join();
+  return true;
+}
+
+size_t Disk::Pending() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return wanted_.size() + (busy_ ? 1 : 0) + done_.size();
 }
 
 bool Disk::Start() {
@@ -47,17 +67,21 @@ void Disk::Serve() {
   std::unique_lock<std::mutex> lock(mutex_);
   while (true) {
     wake_.wait(lock, [this] { return ending_ || !wanted_.empty(); });
-    if (wanted_.empty()) return;
+    if (wanted_.empty()) break;
     Piece piece = std::move(wanted_.front());
     wanted_.pop_front();
+    busy_ = true;
     lock.unlock();
     piece.work();
     piece.work = nullptr;  // what it holds goes here, not on the other thread
     lock.lock();
+    busy_ = false;
     if (!piece.done) continue;
     done_.push_back(std::move(piece.done));
     if (done_.size() == 1) eventfd_write(ready_.get(), 1);
   }
+  ended_ = true;
+  end_.notify_all();
 }
 
 void Disk::RunDone() {

@@ -14,6 +14,10 @@
 
 namespace printserverd {
 
+// The system is set to write a large file each time that so many bytes have come, so that the sync
+// at its end is short.
+constexpr int64_t kFlushEach = 8 << 20;
+
 class Disk {
  public:
   using Call = std::function<void()>;
@@ -21,6 +25,13 @@ class Disk {
   Disk() = default;
   // Finishes every piece of work that was asked for; calls no `done` any more.
   ~Disk();
+
+  // As the destructor, but waits `ms` at most. False when the thread is still at work then: it
+  // cannot be ended, only the process can.
+  bool Finish(int64_t ms);
+
+  // Pieces of work that are not done yet.
+  size_t Pending();
   Disk(const Disk&) = delete;
   Disk& operator=(const Disk&) = delete;
 
@@ -45,9 +56,12 @@ class Disk {
   Fd ready_;  // an eventfd
   std::mutex mutex_;
   std::condition_variable wake_;
-  std::deque<Piece> wanted_;  // these three under the mutex
+  std::condition_variable end_;
+  std::deque<Piece> wanted_;  // from here on under the mutex
   std::vector<Call> done_;
+  bool busy_ = false;
   bool ending_ = false;
+  bool ended_ = false;
   std::thread thread_;
 };
 

@@ -38,19 +38,24 @@ void AppendField(std::string* out, std::string_view key, std::string_view value,
   out->append(key);
   out->push_back('=');
   value = value.substr(0, max);
-  for (const char c : value.substr(0, value.find('\0'))) {
-    if (c == '\n') {
-      out->append("\\n");
-      continue;
-    }
-    if (c == '\\') out->push_back('\\');
-    out->push_back(c);
+  value = value.substr(0, value.find('\0'));
+  // Whole runs at once: a list has thousands of fields, and few need an escape.
+  for (size_t special; (special = value.find_first_of("\n\\")) != std::string_view::npos;) {
+    out->append(value.substr(0, special));
+    out->append(value[special] == '\n' ? "\\n" : "\\\\");
+    value.remove_prefix(special + 1);
   }
+  out->append(value);
   out->push_back('\n');
 }
 
 void AppendField(std::string* out, std::string_view key, int64_t value) {
-  AppendField(out, key, std::to_string(value), 20);
+  char digits[24];
+  const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+  out->append(key);
+  out->push_back('=');
+  out->append(digits, static_cast<size_t>(end - digits));
+  out->push_back('\n');
 }
 
 std::optional<int64_t> ParseNumber(std::string_view text, int64_t low, int64_t high) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <memory>
@@ -32,9 +33,15 @@ mode_t TypeIn(int folder, const std::string& name) {
 }
 
 int sync_delay_ms = 0;
+int64_t sync_to_fail = 0;
+std::atomic<int64_t> syncs{0};
 
-void Dawdle() {
+// What comes before a sync; false when it is to fail.
+bool BeforeSync() {
   if (sync_delay_ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(sync_delay_ms));
+  if (sync_to_fail == 0 || ++syncs != sync_to_fail) return true;
+  errno = EIO;
+  return false;
 }
 }  // namespace
 
@@ -93,17 +100,16 @@ Fd CreateFileIn(int parent, const std::string& name) {
 }
 
 bool SyncFile(int fd) {
-  Dawdle();
-  return fdatasync(fd) == 0;
+  return BeforeSync() && fdatasync(fd) == 0;
 }
 
 bool SyncFolder(int fd) {
-  Dawdle();
-  return fsync(fd) == 0;
+  return BeforeSync() && fsync(fd) == 0;
 }
 
-void SlowSyncs(int ms) {
+void SimulateSyncs(int ms, int64_t fail) {
   sync_delay_ms = ms;
+  sync_to_fail = fail;
 }
 
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync) {
@@ -119,6 +125,22 @@ bool ReplaceFileIn(int parent, const std::string& name, std::string_view content
   unlinkat(parent, draft.c_str(), 0);
   errno = error;
   return false;
+}
+
+std::string MoveAside(int from, const std::string& name, int to) {
+  constexpr int kTries = 1000;
+  std::string as = name;
+  for (int i = 1; i <= kTries; ++i) {
+    if (renameat2(from, name.c_str(), to, as.c_str(), RENAME_NOREPLACE) == 0) return as;
+    // Not every file system knows how to leave what is there.
+    if (errno == EINVAL && TypeIn(to, as) == 0) {
+      if (renameat(from, name.c_str(), to, as.c_str()) == 0) return as;
+      break;
+    }
+    if (errno != EEXIST && errno != EINVAL) break;
+    as = name + "." + std::to_string(i);
+  }
+  return "";
 }
 
 bool ReadAll(int fd, size_t max, std::string* content) {
@@ -140,18 +162,28 @@ bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* co
   return fd && ReadAll(fd.get(), max, content);
 }
 
+bool IsForeign(int error) {
+  return error == EFBIG || error == ELOOP || error == EINVAL || error == ENXIO;
+}
+
 std::vector<std::string> NamesIn(int folder) {
   std::vector<std::string> names;
   const int fd = openat(folder, ".", kFolderFlags);
   if (fd < 0) return names;
-  const std::unique_ptr<DIR, int (*)(DIR*)> dir(fdopendir(fd), closedir);
+  std::unique_ptr<DIR, int (*)(DIR*)> dir(fdopendir(fd), closedir);
   if (!dir) {
+    const int error = errno;
     close(fd);
+    errno = error;
     return names;
   }
-  while (const dirent* entry = readdir(dir.get())) {
+  const dirent* entry = nullptr;
+  while (errno = 0, entry = readdir(dir.get())) {
     if (IsPlainName(entry->d_name)) names.emplace_back(entry->d_name);
   }
+  const int error = errno;
+  dir.reset();
+  errno = error;
   return names;
 }
 

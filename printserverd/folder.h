@@ -33,12 +33,17 @@ Fd CreateFileIn(int parent, const std::string& name);
 // fdatasync of a file, fsync of a folder. False with errno.
 bool SyncFile(int fd);
 bool SyncFolder(int fd);
-// For tests: each of the two takes so many milliseconds longer. Set before there are threads.
-void SlowSyncs(int ms);
+// For tests: each of the two takes so many milliseconds longer, and the `fail`th one fails (0:
+// none). Set before there are threads.
+void SimulateSyncs(int ms, int64_t fail);
 
 // Replaces the file `name` as a whole: written under another name, then renamed. With `sync` the
 // bytes are on the disk before the rename; the folder itself is not synced.
 bool ReplaceFileIn(int parent, const std::string& name, std::string_view content, bool sync);
+
+// Moves an entry to another folder under its name, or, where that is taken, with a number behind
+// it. The name that it has got; empty on failure, errno set.
+std::string MoveAside(int from, const std::string& name, int to);
 
 // Reads to the end of a file or a pipe. False when that fails, errno set, or when it has more than
 // `max` bytes (EFBIG); `content` is then in any state.
@@ -47,7 +52,11 @@ bool ReadAll(int fd, size_t max, std::string* content);
 // The whole of a small file; false when it cannot be read or is larger than `max`.
 bool ReadFileIn(int parent, const std::string& name, size_t max, std::string* content);
 
-// Names in a folder but `.` and `..`, in no order.
+// Whether ReadFileIn failed because the entry is none of ours: too large, a link, not a file. Any
+// other error may pass.
+bool IsForeign(int error);
+
+// Names in a folder but `.` and `..`, in no order. errno is 0 when these are all.
 std::vector<std::string> NamesIn(int folder);
 
 enum class RemoveResult { kRemoved, kBadPath, kNotThere, kNotAFile, kFailed };

@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
     Log(error);
     return 1;
   }
-  server.Run();
+  if (!server.Run()) _exit(0);  // the disk is still at work, and nothing can end it
   Log("ended");
   return 0;
 }

@@ -46,6 +46,9 @@ bool ParseFault(std::string_view fault, Faults* faults) {
   if (name == "stall") return faults->stall = value, true;
   if (name == "length") return faults->length = value, true;
   if (name == "slow-disk" && value <= 60000) return faults->slow_disk = value, true;
+  if (name == "sync-error") return faults->sync_error = value, true;
+  if (name == "disk-full") return faults->disk_full = value, true;
+  if (name == "output-error") return faults->output_error = value, true;
   return false;
 }
 
@@ -54,7 +57,8 @@ bool ParseFaults(std::string_view text, Faults* faults, std::string* error) {
     const size_t comma = text.find(',');
     if (!ParseFault(text.substr(0, comma), faults)) {
       *error =
-          "--simulate wants refuse, cut=N, stall=N, length=N, slow-disk=N or paper-out, not \"" +
+          "--simulate wants refuse, cut=N, stall=N, length=N, slow-disk=N, sync-error=N, "
+          "disk-full=N, output-error=N or paper-out, not \"" +
           std::string(text.substr(0, comma)) + "\"";
       return false;
     }
@@ -200,6 +204,9 @@ const char* HelpText() {
          "      stall=N              stop every reply after N bytes\n"
          "      length=N             announce N as every length, size and count\n"
          "      slow-disk=N          each sync to the disk takes N milliseconds longer\n"
+         "      sync-error=N         the Nth sync to the disk fails\n"
+         "      disk-full=N, output-error=N\n"
+         "                           the first N outputs of each printer cannot be written\n"
          "      paper-out            printers have no paper at first and for each new job\n"
          "  --help, -h               this text\n"
          "\n"

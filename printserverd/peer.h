@@ -18,7 +18,8 @@ struct Upload {
   RequestId id;
   uint32_t left = 0;              // announced bytes that have not come
   Status status = Status::kDone;  // once it is something else the rest is read and dropped
-  bool changes = false;           // a ticket for a job that is in the queue
+  bool changes = false;           // a ticket for a job that is in the queue, or for a printer
+  bool printer = false;           // the latter
   bool ticket_whole = false;
   std::string ticket;  // at most kMaxTicket bytes
   Ticket parsed;
@@ -50,6 +51,7 @@ enum class PeerState {
 
 struct Peer : std::enable_shared_from_this<Peer> {
   Fd fd;
+  std::string address;  // and port
   PeerState state = PeerState::kGreeting;
   uint8_t input[kMaxField];  // greeting, header or fields
   size_t have = 0;

@@ -1,13 +1,10 @@
 #include "printserverd/printer.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 
 #include "printserverd/fields.h"
 #include "printserverd/log.h"
@@ -15,174 +12,120 @@
 namespace printserverd {
 
 namespace {
+
 constexpr int kTickMs = 50;
+constexpr int64_t kRetryMs = 30000;
 constexpr int64_t kBytesATick = 4 << 20;  // of one document, so that peers are heard in between
-constexpr int64_t kFlushEach = 8 << 20;
 
-std::string PartName(const RequestId& id) {
-  return "." + HexOfId(id) + ".part";
-}
-
-std::string OutputName(const Job& job) {
-  const time_t now = time(nullptr);
-  tm parts{};
-  gmtime_r(&now, &parts);
-  char stamp[32];
-  strftime(stamp, sizeof stamp, "%Y%m%dT%H%M%S", &parts);
-  return std::string(stamp) + "-" + HexOfId(job.id).substr(0, 8) + "-" +
-         PlainNameOf(job.ticket.document, 200);
-}
-// From here on in the disk's thread.
-
-std::string CannotWrite() {
-  return std::string("the output cannot be written: ") + strerror(errno);
-}
-
-void OpenFiles(PrintRun* run, const std::function<Fd()>& open_document) {
-  run->document = open_document();
-  if (!run->document) {
-    run->error = std::string("the document cannot be read: ") + strerror(errno);
-    return;
-  }
-  unlinkat(run->folder->get(), run->part.c_str(), 0);
-  run->output = CreateFileIn(run->folder->get(), run->part);
-  if (!run->output) run->error = CannotWrite();
-}
-
-struct Stretch {
-  int64_t from, count;
-};
-
-bool CopyBytes(PrintRun* run, Stretch stretch) {
-  static char buffer[1 << 18];
-  while (stretch.count > 0) {
-    const auto part = static_cast<size_t>(std::min<int64_t>(stretch.count, sizeof buffer));
-    const ssize_t n = pread(run->document.get(), buffer, part, stretch.from);
-    if (n < 0 && errno == EINTR) continue;
-    if (n == 0) errno = EIO;
-    if (n <= 0 || !WriteAll(run->output.get(), buffer, static_cast<size_t>(n))) return false;
-    stretch.from += n;
-    stretch.count -= n;
-    run->written += n;
-  }
-  return true;
-}
-
-void CopyAll(PrintRun* run, const std::vector<Stretch>& stretches) {
-  const int64_t before = run->written - run->written % kFlushEach;
-  for (const Stretch& stretch : stretches) {
-    if (!CopyBytes(run, stretch)) {
-      run->error = CannotWrite();
-      return;
-    }
-  }
-  if (run->written - before < kFlushEach) return;
-  sync_file_range(run->output.get(), before, run->written - before, SYNC_FILE_RANGE_WRITE);
-}
-
-// Keeps the newest outputs.
-void TrimOutputs(int folder, int64_t keep) {
-  std::vector<std::string> names = NamesIn(folder);
-  names.erase(std::remove_if(names.begin(), names.end(),
-                             [](const std::string& name) { return name[0] == '.'; }),
-              names.end());
-  std::sort(names.begin(), names.end());
-  for (size_t i = 0; i + static_cast<size_t>(keep) < names.size(); ++i) {
-    unlinkat(folder, names[i].c_str(), 0);
+// What has become of a job once its files are done with, whether or not the printer is still there.
+void Settle(const PrintRun& run, const RequestId& id, const std::string& printer, Queue* queue) {
+  const Job* job = queue->Find(id);
+  if (run.abandoned || !job || !job->AtPrinter()) return;
+  if (run.whole) return queue->Finish(id, JobState::kDone, "", "");
+  if (run.fault == Fault::kNone) return;
+  Log("printer " + printer + ": " + job->ticket.document + ": " + run.error);
+  if (run.fault == Fault::kDocument) {
+    queue->Finish(id, JobState::kFailed, run.reason, run.error);
+  } else {
+    queue->GiveBack(id, run.error);
   }
 }
 
-// The output is on the disk under its own name, or there is an error.
-void FinishOutput(PrintRun* run, const std::string& name, int64_t keep) {
-  const int folder = run->folder->get();
-  if (!SyncFile(run->output.get()) ||
-      renameat(folder, run->part.c_str(), folder, name.c_str()) != 0) {
-    run->error = CannotWrite();
-    return;
-  }
-  run->whole = true;
-  TrimOutputs(folder, keep);
-}
 }  // namespace
 
-Printer::Printer(const PrinterSettings& settings, int printed, Disk* disk, bool no_paper)
+Printer::Printer(const PrinterSettings& settings, const PrinterEntry& entry,
+                 const PrinterUses& uses)
     : settings_(settings),
-      folder_(std::make_shared<const Fd>(OpenSubfolder(printed, settings.folder, true))),
-      disk_(disk),
-      no_paper_(no_paper),
-      paper_(no_paper ? 0 : settings.paper) {
-  if (no_paper_ && settings_.paper == 0) settings_.paper = 1;
-  if (!*folder_) Log("printer " + settings.name + ": folder not usable: " + strerror(errno));
+      entry_(entry),
+      uses_(uses),
+      outputs_to_fail_(uses.faults.disk_full + uses.faults.output_error) {
+  if (uses_.faults.paper_out && settings_.paper == 0) settings_.paper = 1;
+  paper_ = uses_.faults.paper_out ? 0 : settings_.paper;
+  CheckFolder(true);
+}
+
+// Makes the folder when it is missing; with `clean`, removes what an earlier run left unfinished.
+void Printer::CheckFolder(bool clean) {
+  uses_.disk->Do([root = uses_.root, settings = settings_, clean] {
+    const Fd folder = OpenOutputFolder(root, settings.folder);
+    if (!folder) {
+      Log("printer " + settings.name + ": folder not usable: " + strerror(errno));
+    } else if (clean) {
+      RemoveParts(folder.get());
+    }
+  });
 }
 
 void Printer::Set(const PrinterSettings& settings) {
   if (settings.paper != settings_.paper) paper_ = settings.paper;
   settings_ = settings;
+  stopped_.clear();
+  CheckFolder(false);
 }
 
-void Printer::Stop(Queue* queue) {
+void Printer::SetEntry(const PrinterEntry& entry, bool resume) {
+  entry_ = entry;
+  if (resume) stopped_.clear();
+  uses_.queue->SetPrinter(settings_.name, View());
+}
+
+void Printer::LoadPaper() {
+  paper_ = settings_.paper;
+  paper_loaded_ = true;
+  uses_.queue->Touch();
+}
+
+void Printer::Stop() {
   if (current_.empty()) return;
-  Job* job = queue->Find(current_);
-  if (job && job->AtPrinter()) {
-    job->state = JobState::kWaiting;
-    job->printed = 0;
-    job->text.clear();
-    queue->Touch();
-  }
+  const Job* job = uses_.queue->Find(current_);
+  // The disk is about to end an output: the job becomes what the disk makes of it.
+  if (job && job->finishing && run_->busy) return;
+  if (job && job->AtPrinter()) uses_.queue->GiveBack(current_, "");
   Abandon();
 }
 
-void Printer::CleanUp() {
-  disk_->Do([folder = folder_] {
-    for (const std::string& name : NamesIn(folder->get())) {
-      if (name[0] == '.' && name.size() == 38) unlinkat(folder->get(), name.c_str(), 0);
-    }
-  });
-}
-
 // Has something done with the files, then itself called again.
-void Printer::Work(Queue* queue, std::function<void(PrintRun*)> work) {
+void Printer::Work(std::function<void(PrintRun*)> work) {
   run_->busy = true;
-  disk_->Do(
+  uses_.disk->Do(
       [run = run_, work = std::move(work)] {
-        if (run->error.empty()) work(run.get());
+        if (run->fault == Fault::kNone) work(run.get());
       },
-      [run = run_, queue] {
+      [run = run_, id = current_, name = settings_.name, queue = uses_.queue] {
         run->busy = false;
+        Settle(*run, id, name, queue);
         queue->Touch();
       });
 }
 
-void Printer::Fail(Job* job, Queue* queue, const std::string& why) {
-  Log("printer " + settings_.name + ": " + job->ticket.document + ": " + why);
-  queue->Finish(job, JobState::kFailed, why);
-  Abandon();
-}
-
 void Printer::Abandon() {
-  disk_->Do([run = run_] {
-    if (!run->whole) unlinkat(run->folder->get(), run->part.c_str(), 0);
+  run_->abandoned = true;
+  uses_.disk->Do([run = run_] {
+    if (!run->whole && run->folder) unlinkat(run->folder.get(), run->part.c_str(), 0);
   });
   run_.reset();
   current_.clear();
   out_of_paper_ = false;
 }
 
-void Printer::Begin(Job* job, int64_t now, Queue* queue) {
-  current_ = job->id;
-  job->state = JobState::kPrinting;
-  job->printed = 0;
-  job->paper_loaded = false;
-  job->text.clear();
+void Printer::Begin(const Job& job, int64_t now) {
+  current_ = job.id;
+  {
+    Queue::Edit edit(uses_.queue, current_);
+    edit->state = JobState::kPrinting;
+    edit->printed = 0;
+    edit->paper_loaded = false;
+    edit->text.clear();
+  }
   run_ = std::make_shared<PrintRun>();
-  run_->folder = folder_;
+  run_->root = uses_.root;
+  run_->subfolder = settings_.folder;
   run_->part = PartName(current_);
-  Work(queue, [open = queue->DocumentOpener(*job)](PrintRun* run) { OpenFiles(run, open); });
-  if (no_paper_) paper_ = 0;
-  has_sheet_ = out_of_paper_ = false;
+  Work([open = uses_.queue->DocumentOpener(job)](PrintRun* run) { OpenRun(run, open); });
+  if (uses_.faults.paper_out) paper_ = 0;
+  has_sheet_ = out_of_paper_ = paper_loaded_ = false;
   since_ = next_ = now;
   base_ = 0;
-  queue->Touch();
 }
 
 bool Printer::TakeSheet() {
@@ -191,107 +134,156 @@ bool Printer::TakeSheet() {
   return has_sheet_ = true;
 }
 
-// Is the byte at which the job stands the first one of a sheet?
-bool Printer::WantsSheet(const Job& job) const {
+// Is the byte at which a job of `size` bytes stands the first one of a sheet?
+bool Printer::WantsSheet(int64_t size, int64_t printed) const {
   if (has_sheet_) return false;
-  return job.size == 0 || job.printed % job.size % settings_.sheet_bytes == 0;
+  return size == 0 || printed % size % settings_.sheet_bytes == 0;
 }
 
 // Prints up to the byte `goal`, or to where the paper ends.
-void Printer::Print(Job* job, int64_t goal, Queue* queue) {
+void Printer::Print(const Job& job, int64_t goal) {
   std::vector<Stretch> stretches;
-  while (job->printed < goal) {
-    if (WantsSheet(*job) && !TakeSheet()) break;
-    const int64_t at = job->printed % job->size;
+  int64_t printed = job.printed;
+  while (printed < goal) {
+    if (WantsSheet(job.size, printed) && !TakeSheet()) break;
+    const int64_t at = printed % job.size;
     const int64_t sheet_end =
-        std::min(job->size, at - at % settings_.sheet_bytes + settings_.sheet_bytes);
-    const int64_t count = std::min(goal - job->printed, sheet_end - at);
-    if (job->printed < job->size) stretches.push_back({at, count});
-    job->printed += count;
+        std::min(job.size, at - at % settings_.sheet_bytes + settings_.sheet_bytes);
+    const int64_t count = std::min(goal - printed, sheet_end - at);
+    if (printed < job.size) stretches.push_back({at, count});
+    printed += count;
     if (at + count == sheet_end) has_sheet_ = false;
-    queue->Touch();
   }
+  if (printed != job.printed) uses_.queue->SetPrinted(job.id, printed);
   if (stretches.empty()) return;
-  Work(queue, [stretches = std::move(stretches)](PrintRun* run) { CopyAll(run, stretches); });
+  Work([stretches = std::move(stretches)](PrintRun* run) { CopyStretches(run, stretches); });
 }
 
-void Printer::RunOut(Job* job, int64_t now, Queue* queue) {
+void Printer::RunOut(const Job& job, int64_t now) {
   out_of_paper_ = true;
+  paper_loaded_ = false;
   since_ = now;
-  job->state = JobState::kPaperOut;
-  job->text = "out of paper";
-  job->paper_loaded = false;
-  queue->Touch();
+  Queue::Edit edit(uses_.queue, job.id);
+  edit->state = JobState::kPaperOut;
+  edit->text = "out of paper";
+  edit->paper_loaded = false;
   Log("printer " + settings_.name + ": out of paper");
 }
 
-void Printer::Complete(Job* job, Queue* queue) {
-  Work(queue, [name = OutputName(*job), keep = settings_.keep](PrintRun* run) {
-    FinishOutput(run, name, keep);
-  });
+void Printer::Complete(const Job& job) {
+  Queue::Edit(uses_.queue, job.id)->finishing = true;
+  if (outputs_to_fail_ > 0) {
+    --outputs_to_fail_;
+    const int error = uses_.faults.disk_full > 0 ? ENOSPC : EIO;
+    return Work([error](PrintRun* run) { FailOutput(run, error); });
+  }
+  Work([name = OutputName(job, uses_.counters->NextOutput()),
+        keep = settings_.keep](PrintRun* run) { FinishRun(run, name, keep); });
 }
 
-int Printer::Tick(int64_t now, Queue* queue) {
-  Job* job = current_.empty() ? nullptr : queue->Find(current_);
-  if (run_ && (!job || !job->AtPrinter())) Abandon();
-  if (run_ && run_->busy) return -1;
-  if (run_ && run_->whole) {
-    queue->Finish(job, JobState::kDone, "");
+// Takes notice of what has become of the job at it.
+void Printer::EndRun(int64_t now) {
+  const bool whole = run_->whole;
+  const bool stops = run_->fault == Fault::kPrinter;
+  if (stops) {
+    stopped_ = run_->reason;
+    next_ = now + kRetryMs;
+  }
+  if (whole) {
     run_.reset();
     current_.clear();
-  } else if (run_ && !run_->error.empty()) {
-    Fail(job, queue, std::string(run_->error));
+  } else {
+    Abandon();
   }
-  if (!run_) {
-    job = queue->Next(settings_.name);
-    if (job) Begin(job, now, queue);
-    return -1;
+  if (stops) uses_.queue->SetPrinter(settings_.name, View());
+}
+
+// Begins the next job, if it may. As Tick.
+int Printer::AwaitJob(int64_t now) {
+  if (!stopped_.empty() && now < next_) return static_cast<int>(next_ - now);
+  if (!stopped_.empty()) {
+    stopped_.clear();
+    uses_.queue->SetPrinter(settings_.name, View());
   }
+  const Job* job = entry_.paused ? nullptr : uses_.queue->Next(settings_.name);
+  if (job) Begin(*job, now);
+  return -1;
+}
+
+// Whether there is paper again for the job that ran out of it.
+bool Printer::AwaitPaper(const Job& job, int64_t now) {
+  const bool refill =
+      settings_.refill_seconds > 0 && now - since_ >= settings_.refill_seconds * 1000;
+  if (!job.paper_loaded && !paper_loaded_ && !refill) return false;
+  paper_ = settings_.paper;
+  out_of_paper_ = paper_loaded_ = false;
+  since_ = now;
+  base_ = job.printed;
+  Queue::Edit edit(uses_.queue, job.id);
+  edit->paper_loaded = false;
+  edit->state = JobState::kPrinting;
+  edit->text.clear();
+  return true;
+}
+
+int Printer::Tick(int64_t now) {
+  const Job* job = current_.empty() ? nullptr : uses_.queue->Find(current_);
+  const bool ended = run_ && !run_->busy && (run_->whole || run_->fault != Fault::kNone);
+  if (ended) {
+    EndRun(now);
+  } else if (run_ && (!job || !job->AtPrinter())) {
+    Abandon();
+  }
+  if (!run_) return AwaitJob(now);
+  if (run_->busy) return -1;
   if (out_of_paper_) {
-    const bool refill =
-        settings_.refill_seconds > 0 && now - since_ >= settings_.refill_seconds * 1000;
-    if (!job->paper_loaded && !refill) return settings_.refill_seconds > 0 ? kTickMs : -1;
-    paper_ = settings_.paper;
-    out_of_paper_ = job->paper_loaded = false;
-    job->state = JobState::kPrinting;
-    job->text.clear();
-    since_ = now;
-    base_ = job->printed;
-    queue->Touch();
+    if (!AwaitPaper(*job, now)) return settings_.refill_seconds > 0 ? kTickMs : -1;
   } else if (now < next_) {
     return static_cast<int>(next_ - now);
   }
-  return PrintOn(job, now, queue);
+  return PrintOn(*job, now);
 }
 
 // Prints what is due.
-int Printer::PrintOn(Job* job, int64_t now, Queue* queue) {
-  int64_t goal = job->Total();
+int Printer::PrintOn(const Job& job, int64_t now) {
+  int64_t goal = job.Total();
   if (settings_.rate > 0) {
     const double due = static_cast<double>(now - since_) * static_cast<double>(settings_.rate);
     goal = static_cast<int64_t>(
         std::min(static_cast<double>(goal), static_cast<double>(base_) + due / 1000));
   }
-  const int64_t budget = job->printed + kBytesATick;
-  next_ = goal > budget || goal == job->Total() ? now : now + kTickMs;
-  Print(job, std::min(goal, budget), queue);
+  const int64_t budget = job.printed + kBytesATick;
+  next_ = goal > budget || goal == job.Total() ? now : now + kTickMs;
+  Print(job, std::min(goal, budget));
   if (run_->busy) return -1;
-  if (WantsSheet(*job) && job->printed < std::max<int64_t>(goal, 1) && !TakeSheet()) {
-    RunOut(job, now, queue);
-    return Tick(now, queue);
+  if (WantsSheet(job.size, job.printed) && job.printed < std::max<int64_t>(goal, 1) &&
+      !TakeSheet()) {
+    RunOut(job, now);
+    return Tick(now);
   }
-  if (job->printed >= job->Total()) {
-    Complete(job, queue);
+  if (job.printed >= job.Total()) {
+    Complete(job);
     return -1;
   }
   return static_cast<int>(next_ - now);
 }
 
-std::string Printer::Record(const Queue& queue, bool is_default) const {
-  int64_t jobs = 0;
-  for (const auto& [id, job] : queue.jobs()) {
-    if (job.ticket.printer == settings_.name && !job.Ended()) ++jobs;
-  }
+Queue::PrinterView Printer::View() const {
+  Queue::PrinterView view;
+  view.accepting = entry_.accepting;
+  view.sheet_bytes = settings_.sheet_bytes;
+  const auto add = [&view](bool holds, std::string_view keyword) {
+    if (!holds) return;
+    if (!view.reasons.empty()) view.reasons.push_back(',');
+    view.reasons += keyword;
+  };
+  add(entry_.paused, "printer-paused");
+  add(!entry_.accepting, "printer-refuses");
+  add(!stopped_.empty(), stopped_);
+  return view;
+}
+
+std::string Printer::Record(bool is_default) const {
   const std::string_view state = out_of_paper_      ? "paper-out"
                                  : current_.empty() ? "idle"
                                                     : "printing";
@@ -299,10 +291,15 @@ std::string Printer::Record(const Queue& queue, bool is_default) const {
   AppendField(&out, "name", settings_.name, kMaxName);
   AppendField(&out, "state", state, kMaxName);
   AppendField(&out, "default", is_default ? 1 : 0);
-  AppendField(&out, "jobs", jobs);
+  AppendField(&out, "jobs", uses_.queue->Live(settings_.name));
   AppendField(&out, "paper", settings_.paper == 0 ? -1 : paper_);
   AppendField(&out, "media", settings_.media, kMaxMediaList);
   AppendField(&out, "text", settings_.text, kMaxText);
+  AppendField(&out, "id", HexOfId(entry_.id), 32);
+  AppendField(&out, "paused", entry_.paused ? 1 : 0);
+  AppendField(&out, "accepting", entry_.accepting ? 1 : 0);
+  AppendField(&out, "reasons", stopped_, kMaxText);
+  AppendField(&out, "supplies", settings_.supplies, kMaxMediaList);
   out.push_back('\n');
   return out;
 }

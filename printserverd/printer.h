@@ -1,4 +1,5 @@
-// A printer that prints to a folder: it takes its time, uses paper, and can run out of it.
+// A printer that prints to a folder: it takes its time, uses paper, can run out of it, and stops
+// when its folder cannot be written.
 #pragma once
 
 #include <cstdint>
@@ -7,71 +8,77 @@
 #include <string>
 #include <vector>
 
-#include "printserverd/folder.h"
+#include "printserverd/output.h"
 #include "printserverd/queue.h"
 #include "printserverd/settings.h"
 
 namespace printserverd {
 
-// The files of a job at a printer. While `busy` they are the disk's, and so is `error`.
-struct PrintRun {
-  std::shared_ptr<const Fd> folder;
-  std::string part;  // the output's name until it is whole
-  Fd document, output;
-  int64_t written = 0;  // bytes handed to the disk
-  std::string error;    // why it cannot be printed; empty: nothing failed
-  bool busy = false;
-  bool whole = false;  // the output has got its name
+// What all printers use; it outlives them.
+struct PrinterUses {
+  int root;  // of the spool
+  Disk* disk;
+  Queue* queue;
+  Counters* counters;
+  const Faults& faults;
 };
 
 class Printer {
  public:
-  // Prints to the folder of its own beneath `printed`, which the caller keeps. With `no_paper` it
-  // begins without paper, and has none again for each job.
-  Printer(const PrinterSettings& settings, int printed, Disk* disk, bool no_paper);
+  // Prints to the folder of its own beneath `printed`.
+  Printer(const PrinterSettings& settings, const PrinterEntry& entry, const PrinterUses& uses);
 
   // Does what is due at `now` (milliseconds of a steady clock): takes the next job, prints on.
   // Returns after how many milliseconds it wants to be called again, -1 when there is nothing to
   // do.
-  int Tick(int64_t now, Queue* queue);
+  int Tick(int64_t now);
 
   // Gives the job at the printer back to the queue.
-  void Stop(Queue* queue);
+  void Stop();
 
-  // Other settings of the same printer.
+  // Other settings of the same printer. It tries again what it could not write.
   void Set(const PrinterSettings& settings);
   const PrinterSettings& settings() const { return settings_; }
 
-  // Removes unfinished outputs of an earlier run.
-  void CleanUp();
+  // What clients have set. With `resume` it also tries again what it could not write.
+  void SetEntry(const PrinterEntry& entry, bool resume);
+  const PrinterEntry& entry() const { return entry_; }
+  void LoadPaper();
 
+  // What the queue shows of it.
+  Queue::PrinterView View() const;
   // Its record in the printer list.
-  std::string Record(const Queue& queue, bool is_default) const;
+  std::string Record(bool is_default) const;
 
  private:
-  void Begin(Job* job, int64_t now, Queue* queue);
+  void Begin(const Job& job, int64_t now);
   void Abandon();
   bool HasPaper() const { return settings_.paper == 0 || paper_ > 0; }
   bool TakeSheet();
-  void Print(Job* job, int64_t goal, Queue* queue);
-  void Work(Queue* queue, std::function<void(PrintRun*)> work);
-  int PrintOn(Job* job, int64_t now, Queue* queue);
-  void RunOut(Job* job, int64_t now, Queue* queue);
-  void Complete(Job* job, Queue* queue);
-  void Fail(Job* job, Queue* queue, const std::string& why);
-  bool WantsSheet(const Job& job) const;
+  void Print(const Job& job, int64_t goal);
+  void Work(std::function<void(PrintRun*)> work);
+  int AwaitJob(int64_t now);
+  bool AwaitPaper(const Job& job, int64_t now);
+  int PrintOn(const Job& job, int64_t now);
+  void RunOut(const Job& job, int64_t now);
+  void Complete(const Job& job);
+  void EndRun(int64_t now);
+  bool WantsSheet(int64_t size, int64_t printed) const;
+  void CheckFolder(bool clean);
 
   PrinterSettings settings_;
-  std::shared_ptr<const Fd> folder_;
-  Disk* disk_;
-  bool no_paper_;
+  PrinterEntry entry_;
+  const PrinterUses uses_;
   int64_t paper_;
+  int64_t outputs_to_fail_;
   RequestId current_;  // empty: idle
   bool out_of_paper_ = false;
-  bool has_sheet_ = false;  // the sheet for the byte at which it prints is taken
-  int64_t since_ = 0;       // when it began to print, or ran out of paper
-  int64_t base_ = 0;        // bytes printed then
-  int64_t next_ = 0;        // when it prints on
+  bool paper_loaded_ = false;  // while it was out of paper
+  bool has_sheet_ = false;     // the sheet for the byte at which it prints is taken
+  int64_t since_ = 0;          // when it began to print, or ran out of paper
+  int64_t base_ = 0;           // bytes printed then
+  int64_t next_ = 0;           // when it prints on, or tries again
+  std::string stopped_;        // keyword of why it begins nothing until then
   std::shared_ptr<PrintRun> run_;
 };
 

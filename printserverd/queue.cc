@@ -1,7 +1,6 @@
 #include "printserverd/queue.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,8 +12,6 @@
 
 namespace printserverd {
 
-namespace {
-
 std::string DocumentName(const RequestId& id) {
   return HexOfId(id) + ".doc";
 }
@@ -22,8 +19,7 @@ std::string RecordName(const RequestId& id) {
   return HexOfId(id) + ".job";
 }
 
-// The disk is set to work while the rest arrives, so that the sync at the end is short.
-constexpr int64_t kFlushEach = 8 << 20;
+namespace {
 
 // From here on in the disk's thread.
 
@@ -41,8 +37,8 @@ void WriteDocument(Document* document, std::string_view bytes) {
   document->flushed = document->size;
 }
 
-bool StoreRecord(int folder, const std::string& name, const std::string& record, bool sync) {
-  if (ReplaceFileIn(folder, name, record, sync) && (!sync || SyncFolder(folder))) return true;
+bool StoreRecord(int folder, const std::string& name, const std::string& record, bool wait) {
+  if (ReplaceFileIn(folder, name, record, true) && (!wait || SyncFolder(folder))) return true;
   LogRarely(std::string("cannot store a job: ") + strerror(errno));
   return false;
 }
@@ -71,74 +67,80 @@ bool StoreJob(int folder, Document* document, const std::string& record) {
   return stored;
 }
 
-// To here.
-
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+bool UnlinkIn(int folder, const std::string& name) {
+  return unlinkat(folder, name.c_str(), 0) == 0 || errno == ENOENT;
 }
 
-// Order in which jobs print: at a printer, waiting by priority and age, ended last first.
-bool ListedBefore(const Job* a, const Job* b) {
-  const auto group = [](const Job& job) { return job.AtPrinter() ? 0 : job.Ended() ? 2 : 1; };
-  if (group(*a) != group(*b)) return group(*a) < group(*b);
-  if (a->Ended() && a->finished != b->finished) return a->finished > b->finished;
-  if (!a->Ended() && a->ticket.priority != b->ticket.priority) {
-    return a->ticket.priority > b->ticket.priority;
-  }
-  return a->Ended() ? a->number > b->number : a->number < b->number;
+// The record goes first, with `wait` for good: a document without one was never accepted. 0 or
+// errno.
+int UnlinkJob(int folder, const RequestId& id, bool wait) {
+  const bool gone = UnlinkIn(folder, RecordName(id)) && (!wait || SyncFolder(folder)) &&
+                    UnlinkIn(folder, DocumentName(id));
+  if (gone) return 0;
+  const int error = errno;
+  LogRarely("cannot remove the job " + HexOfId(id) + ": " + strerror(error));
+  return error;
 }
 
 }  // namespace
 
-void Queue::Load() {
-  const std::vector<std::string> names = NamesIn(folder_);
-  for (const std::string& name : names) {
-    if (!EndsWith(name, ".job")) continue;
-    if (!LoadJob(name)) Log("jobs/" + name + " is not a job: left where it is");
-  }
-  for (const std::string& name : names) {
-    RequestId id;
-    const bool document = EndsWith(name, ".doc") && IdOfHex(name.substr(0, name.size() - 4), &id);
-    const bool draft = EndsWith(name, ".job.new");
-    if (draft || (document && !Find(id))) unlinkat(folder_, name.c_str(), 0);
-  }
-  CheckPrinters();
-}
-
-bool Queue::LoadJob(const std::string& name) {
-  Job job;
-  std::string text;
-  if (!IdOfHex(name.substr(0, name.size() - 4), &job.id) || jobs_.size() >= kMaxJobs ||
-      !ReadFileIn(folder_, name, kMaxTicket, &text) || !ParseJobRecord(text, &job)) {
-    return false;
-  }
-  last_number_ = std::max(last_number_, job.number);
-  if (job.AtPrinter()) job.state = JobState::kWaiting;
-  if (job.state == JobState::kDone) {
-    DropDocument(job.id);
-    job.printed = job.Total();
+bool ListedBefore::operator()(const Job* a, const Job* b) const {
+  const auto group = [](const Job& job) { return job.AtPrinter() ? 0 : job.Ended() ? 2 : 1; };
+  if (group(*a) != group(*b)) return group(*a) < group(*b);
+  if (a->Ended()) {
+    if (a->finished != b->finished) return a->finished > b->finished;
   } else {
-    const Fd document = OpenFileIn(folder_, DocumentName(job.id));
-    struct stat info;
-    if (!document || fstat(document.get(), &info) != 0 || info.st_size != job.size) {
-      job.state = JobState::kFailed;
-      job.text = "the document is lost";
-      job.finished = time(nullptr);
-    }
-    bytes_ += job.size;
+    if (a->ticket.priority != b->ticket.priority) return a->ticket.priority > b->ticket.priority;
+    if (a->place != b->place) return a->place < b->place;
   }
-  jobs_.emplace(job.id, job);
-  return true;
+  if (a->number != b->number) return a->Ended() ? a->number > b->number : a->number < b->number;
+  return a->id < b->id;
 }
 
-Job* Queue::Find(const RequestId& id) {
+const Job* Queue::Find(const RequestId& id) const {
   const auto found = jobs_.find(id);
   return found == jobs_.end() ? nullptr : &found->second;
 }
 
+Queue::Edit::Edit(Queue* queue, const RequestId& id) : queue_(queue), job_(&queue->jobs_.at(id)) {
+  queue_->Unlink(job_);
+}
+
+Queue::Edit::~Edit() {
+  queue_->Link(job_);
+  queue_->Touch();
+}
+
+// Everything that is counted or ordered by a job's fields takes it in here, and out in Unlink.
+void Queue::Link(const Job* job) {
+  order_.insert(job);
+  if (job->kept) bytes_ += job->size;
+  if (job->state == JobState::kDone) {
+    ++done_;
+    if (job->kept) done_bytes_ += job->size;
+  }
+  if (job->Ended()) return;
+  Lane& lane = lanes_[job->ticket.printer];
+  ++lane.live;
+  if (job->state == JobState::kWaiting) lane.waiting.insert(job);
+}
+
+void Queue::Unlink(const Job* job) {
+  order_.erase(job);
+  if (job->kept) bytes_ -= job->size;
+  if (job->state == JobState::kDone) {
+    --done_;
+    if (job->kept) done_bytes_ -= job->size;
+  }
+  if (job->Ended()) return;
+  const auto lane = lanes_.find(job->ticket.printer);
+  lane->second.waiting.erase(job);
+  if (--lane->second.live == 0) lanes_.erase(lane);
+}
+
 DocumentRef Queue::CreateDocument(const RequestId& id) {
   auto document = std::make_shared<Document>(id);
-  disk_->Do([document, folder = folder_] {
+  uses_.disk->Do([document, folder = uses_.jobs] {
     document->file = CreateFileIn(folder, DocumentName(document->id));
     if (document->file) return;
     document->error = errno;
@@ -150,59 +152,72 @@ DocumentRef Queue::CreateDocument(const RequestId& id) {
 void Queue::Write(const DocumentRef& document, std::string bytes, Disk::Call done) {
   const size_t size = bytes.size();
   document->pending += size;
-  disk_->Do([document, bytes = std::move(bytes)] { WriteDocument(document.get(), bytes); },
-            [document, size, done = std::move(done)] {
-              document->pending -= size;
-              done();
-            });
+  uses_.disk->Do([document, bytes = std::move(bytes)] { WriteDocument(document.get(), bytes); },
+                 [document, size, done = std::move(done)] {
+                   document->pending -= size;
+                   done();
+                 });
 }
 
 void Queue::Drop(const DocumentRef& document) {
-  disk_->Do([document, folder = folder_] { DropFile(folder, document.get()); });
+  uses_.disk->Do([document, folder = uses_.jobs] { DropFile(folder, document.get()); });
 }
 
 void Queue::DropDocument(const RequestId& id) {
-  disk_->Do([folder = folder_, name = DocumentName(id)] { unlinkat(folder, name.c_str(), 0); });
+  uses_.disk->Do(
+      [folder = uses_.jobs, name = DocumentName(id)] { unlinkat(folder, name.c_str(), 0); });
 }
 
 std::function<Fd()> Queue::DocumentOpener(const Job& job) const {
-  return [folder = folder_, name = DocumentName(job.id)] { return OpenFileIn(folder, name); };
+  return [folder = uses_.jobs, name = DocumentName(job.id)] { return OpenFileIn(folder, name); };
 }
 
 void Queue::Store(const Job& job, std::function<void(bool)> done) {
   const auto stored = std::make_shared<bool>(false);
   Disk::Call after;
   if (done) after = [stored, done] { done(*stored); };
-  disk_->Do([stored, folder = folder_, name = RecordName(job.id), record = JobRecord(job, true),
-             sync = done != nullptr] { *stored = StoreRecord(folder, name, record, sync); },
-            std::move(after));
+  uses_.disk->Do(
+      [stored, folder = uses_.jobs, name = RecordName(job.id), record = StoredRecord(job),
+       wait = done != nullptr] { *stored = StoreRecord(folder, name, record, wait); },
+      std::move(after));
 }
 
-Status Queue::CheckNames(const Ticket& ticket) const {
-  if (!settings_.FindPrinter(ticket.printer)) return Status::kUnknownName;
-  if (!ticket.profile.empty() && !settings_.FindProfile(ticket.profile, ticket.printer)) {
-    return Status::kUnknownName;
+// The done job that ended first (with its document), of those that nobody wants to change.
+const Job* Queue::OldestDone(bool kept) const {
+  if (done_ == 0) return nullptr;
+  for (auto job = order_.rbegin(); job != order_.rend() && (*job)->Ended(); ++job) {
+    if ((*job)->state != JobState::kDone || (*job)->removing) continue;
+    if ((!kept || (*job)->kept) && changing_.count((*job)->id) == 0) return *job;
   }
-  return Status::kDone;
+  return nullptr;
 }
 
-Status Queue::CheckNew(Ticket* ticket) {
-  if (ticket->printer.empty()) ticket->printer = settings_.printers.front().name;
-  return CheckNames(*ticket);
-}
-
-// Makes room for one more job, of ended ones when need be.
+// Makes room for one more job, of done ones when need be.
 bool Queue::MakeRoom() {
   if (jobs_.size() + accepting_ < kMaxJobs) return true;
-  const Job* oldest = nullptr;
-  for (const auto& [id, job] : jobs_) {
-    if (job.Ended() && (!oldest || ListedBefore(oldest, &job))) oldest = &job;
-  }
-  if (oldest) Forget(RequestId(oldest->id));
-  return oldest != nullptr;
+  const Job* oldest = OldestDone(false);
+  if (!oldest) return false;
+  Forget(RequestId(oldest->id));
+  return true;
 }
 
-void Queue::Accept(const DocumentRef& document, const Ticket& ticket, int64_t size, Answer answer) {
+bool Queue::MakeBytes(int64_t count) {
+  while (bytes_ + count > uses_.settings.spool_limit) {
+    const Job* oldest = OldestDone(true);
+    if (!oldest) return false;
+    DropKept(RequestId(oldest->id));
+  }
+  return true;
+}
+
+// A done job's document goes, the job stays listed.
+void Queue::DropKept(const RequestId& id) {
+  Edit(this, id)->kept = false;
+  DropDocument(id);
+}
+
+void Queue::Accept(const DocumentRef& document, const Ticket& ticket, int64_t size,
+                   std::string peer, Answer answer) {
   Job job;
   job.id = document->id;
   job.ticket = ticket;
@@ -210,185 +225,185 @@ void Queue::Accept(const DocumentRef& document, const Ticket& ticket, int64_t si
   job.submitted = time(nullptr);
   job.size = size;
   // The configuration may have changed while the document came.
-  Status refused = CheckNames(ticket);
+  Status refused = CheckNames(ticket, true);
   if (refused == Status::kDone && !MakeRoom()) refused = Status::kTooLarge;
   if (refused != Status::kDone) {
     Drop(document);
     bytes_ -= size;
     return answer(refused);
   }
-  job.number = ++last_number_;
+  job.number = uses_.counters->NextNumber();
+  job.place = PlaceOf(job.number);
+  job.outputs = uses_.counters->last_output();
   ++accepting_;
   const auto stored = std::make_shared<bool>(false);
-  disk_->Do([stored, document, folder = folder_,
-             record = JobRecord(job, true)] { *stored = StoreJob(folder, document.get(), record); },
-            [this, stored, job, answer] { Accepted(job, *stored, answer); });
+  uses_.disk->Do(
+      [stored, document, folder = uses_.jobs, record = StoredRecord(job)] {
+        *stored = StoreJob(folder, document.get(), record);
+      },
+      [this, stored, job, peer = std::move(peer), answer] {
+        Accepted(job, *stored, peer, answer);
+      });
 }
 
-void Queue::Accepted(const Job& job, bool stored, const Answer& answer) {
+void Queue::Accepted(const Job& job, bool stored, const std::string& peer, const Answer& answer) {
   --accepting_;
+  bytes_ -= job.size;  // as one that arrives
   if (stored) {
-    jobs_.emplace(job.id, job);
-    CheckPrinters();
+    Link(&jobs_.emplace(job.id, job).first->second);
     Touch();
-  } else {
-    bytes_ -= job.size;
+    uses_.log->Tell("accepted", peer, job);
   }
   answer(stored ? Status::kDone : Status::kStorage);
 }
 
-// What `text` makes of a job.
-Status Queue::Changed(const Job& job, std::string_view text, Job* changed) {
-  *changed = job;
-  TicketKeys keys;
-  const Status parsed = ParseTicket(text, &changed->ticket, &keys);
-  if (parsed != Status::kDone) return parsed;
-  if (job.state == JobState::kDone) return Status::kWrongState;
-  const bool output = keys & (kPrinterKey | kProfileKey | kMediaKey | kCopiesKey);
-  if (output && job.AtPrinter()) return Status::kWrongState;
-  if (keys & (kPrinterKey | kProfileKey)) {
-    const Status named = CheckNew(&changed->ticket);
-    if (named != Status::kDone) return named;
-  }
-  if (keys & kHoldKey) {
-    if (changed->ticket.hold) {
-      changed->state = JobState::kHeld;
-      changed->printed = 0;
-    } else if (job.state == JobState::kPaperOut) {
-      changed->paper_loaded = true;
-    } else if (!job.AtPrinter()) {
-      changed->state = JobState::kWaiting;
-    }
-    if (changed->state != job.state) changed->text.clear();
-  }
-  return Status::kDone;
-}
-
-void Queue::Change(const RequestId& id, std::string text, Answer answer) {
-  auto& wishes = changing_[id];
-  wishes.push_back({std::move(text), std::move(answer)});
-  if (wishes.size() == 1) NextChange(id);
-}
-
-// Answers what cannot be, up to the first change that can, which is stored.
-void Queue::NextChange(RequestId id) {
-  while (!changing_[id].empty()) {
-    const Job* job = Find(id);
-    Job changed;
-    const Status status =
-        job ? Changed(*job, changing_[id].front().text, &changed) : Status::kUnknownId;
-    if (status == Status::kDone) return StoreChange(id, changed);
-    EndChange(id, status);
-  }
-  changing_.erase(id);
-}
-
-void Queue::StoreChange(const RequestId& id, const Job& changed) {
-  Store(changed, [this, id, record = JobRecord(changed, true)](bool stored) {
-    if (!ChangeStored(id, record, stored)) return;
-    NextChange(id);
-  });
-}
-
-// The job may have gone on meanwhile. What it has become is what counts, and what is stored. False
-// when that is being stored now.
-bool Queue::ChangeStored(const RequestId& id, const std::string& record, bool stored) {
-  Job* job = Find(id);
-  Job changed;
-  Status status = !job ? Status::kUnknownId : !stored ? Status::kStorage : Status::kDone;
-  if (status == Status::kDone) {
-    status = Changed(*job, changing_[id].front().text, &changed);
-    if (status != Status::kDone) {
-      Store(*job, nullptr);
-    } else if (JobRecord(changed, true) != record) {
-      StoreChange(id, changed);
-      return false;
-    } else {
-      *job = changed;
-    }
-  }
-  EndChange(id, status);
-  return true;
-}
-
-void Queue::EndChange(const RequestId& id, Status status) {
-  auto& wishes = changing_[id];
-  const Answer answer = std::move(wishes.front().answer);
-  wishes.pop_front();
-  CheckPrinters();
-  Touch();
-  answer(status);
-}
-
+// A done job leaves the list. Should its files stay, it is a done job again after a restart.
 void Queue::Forget(const RequestId& id) {
   const Job* job = Find(id);
-  if (job->state != JobState::kDone) bytes_ -= job->size;
-  disk_->Do([folder = folder_, name = RecordName(id)] { unlinkat(folder, name.c_str(), 0); });
-  DropDocument(id);
+  uses_.counters->KeepNumber(job->number);
+  uses_.log->Tell("forgotten", "", *job);
+  uses_.disk->Do([folder = uses_.jobs, id] { UnlinkJob(folder, id, false); });
+  Unlink(job);
   jobs_.erase(id);
   Touch();
 }
 
-void Queue::Remove(const RequestId& id, Answer answer) {
+void Queue::Remove(const RequestId& id, std::string peer, Answer answer) {
   if (!Find(id)) return answer(Status::kUnknownId);
-  Forget(RequestId(id));
-  const auto synced = std::make_shared<bool>(false);
-  disk_->Do([synced, folder = folder_] { *synced = SyncFolder(folder); },
-            [synced, answer] { answer(*synced ? Status::kDone : Status::kStorage); });
+  auto& answers = removing_[id];
+  answers.push_back(std::move(answer));
+  if (answers.size() > 1) return;
+  {
+    Edit job(this, id);
+    job->removing = true;
+    if (!job->Ended()) job->state = JobState::kHeld;
+  }
+  uses_.counters->KeepNumber(Find(id)->number);
+  const auto error = std::make_shared<int>(0);
+  uses_.disk->Do([error, folder = uses_.jobs, id] { *error = UnlinkJob(folder, id, true); },
+                 [this, error, id, peer = std::move(peer)] { Removed(id, *error, peer); });
 }
 
-void Queue::Finish(Job* job, JobState state, std::string_view text) {
-  job->state = state;
-  job->text = text.substr(0, kMaxText);
-  job->finished = time(nullptr);
-  if (state == JobState::kDone) {
-    bytes_ -= job->size;
-    job->printed = job->Total();
+void Queue::Removed(const RequestId& id, int error, const std::string& peer) {
+  const auto answers = std::make_shared<std::vector<Answer>>(std::move(removing_[id]));
+  removing_.erase(id);
+  if (error == 0) {
+    const Job* job = Find(id);
+    uses_.log->Tell("removed", peer, *job);
+    Unlink(job);
+    jobs_.erase(id);
+    Touch();
+    for (size_t i = 0; i < answers->size(); ++i) {
+      answers->at(i)(i == 0 ? Status::kDone : Status::kUnknownId);
+    }
+    return;
   }
-  // Without waiting for the disk: after a crash of the machine the job may print once more.
-  Store(*job, nullptr);
-  if (state == JobState::kDone) DropDocument(job->id);
+  Edit job(this, id);
+  job->removing = false;
+  if (!job->Ended()) job->ticket.hold = 1;
+  job->reasons = "not-removed";
+  job->text = std::string("it could not be removed: ") + strerror(error);
+  // The record is perhaps gone from the disk.
+  Store(*job, [answers](bool) {
+    for (const Answer& answer : *answers) answer(Status::kStorage);
+  });
+}
+
+void Queue::Finish(const RequestId& id, JobState state, std::string_view reason,
+                   std::string_view text) {
+  {
+    Edit job(this, id);
+    job->state = state;
+    job->finishing = false;
+    job->reasons = reason;
+    job->text = text.substr(0, kMaxText);
+    job->finished = time(nullptr);
+    if (state == JobState::kDone) job->printed = job->Total();
+  }
+  const Job& job = *Find(id);
+  Store(job, nullptr);
+  uses_.log->Tell(state == JobState::kDone ? "printed" : "failed", "", job);
+  TrimDone();
+}
+
+void Queue::SetPrinted(const RequestId& id, int64_t printed) {
+  jobs_.at(id).printed = printed;
   Touch();
 }
 
-Job* Queue::Next(std::string_view printer) {
-  Job* next = nullptr;
-  for (auto& [id, job] : jobs_) {
-    if (job.state != JobState::kWaiting || job.ticket.printer != printer) continue;
-    if (changing_.count(id) > 0) continue;
-    if (!next || ListedBefore(&job, next)) next = &job;
+void Queue::GiveBack(const RequestId& id, std::string_view text) {
+  Edit job(this, id);
+  job->state = JobState::kWaiting;
+  job->finishing = false;
+  job->printed = 0;
+  job->text = text.substr(0, kMaxText);
+}
+
+void Queue::SetPrinters(std::map<std::string, PrinterView> printers) {
+  printers_.clear();
+  for (auto& [name, view] : printers) printers_.emplace(name, std::move(view));
+  Touch();
+}
+
+void Queue::SetPrinter(const std::string& name, PrinterView view) {
+  printers_[name] = std::move(view);
+  Touch();
+}
+
+const Job* Queue::Next(std::string_view printer) const {
+  const auto lane = lanes_.find(printer);
+  if (lane == lanes_.end()) return nullptr;
+  for (const Job* job : lane->second.waiting) {
+    if (changing_.count(job->id) == 0) return job;
   }
-  return next;
+  return nullptr;
+}
+
+int64_t Queue::Live(std::string_view printer) const {
+  const auto lane = lanes_.find(printer);
+  return lane == lanes_.end() ? 0 : lane->second.live;
+}
+
+// Documents of done jobs go until the rest is no larger than it may be.
+void Queue::TrimDone() {
+  while (done_bytes_ > uses_.settings.done_bytes) {
+    const Job* oldest = OldestDone(true);
+    if (!oldest) return;
+    DropKept(RequestId(oldest->id));
+  }
 }
 
 void Queue::Prune(int64_t now) {
-  std::vector<const Job*> ended;
-  for (const auto& [id, job] : jobs_) {
-    if (job.Ended()) ended.push_back(&job);
-  }
-  std::sort(ended.begin(), ended.end(), ListedBefore);
   std::vector<RequestId> old;
-  for (size_t i = 0; i < ended.size(); ++i) {
-    const bool surplus = i >= static_cast<size_t>(settings_.done_keep);
-    if (surplus || now - ended[i]->finished >= settings_.done_seconds) old.push_back(ended[i]->id);
+  int64_t left = done_;
+  for (auto at = order_.rbegin(); left > 0 && at != order_.rend() && (*at)->Ended(); ++at) {
+    const Job& job = **at;
+    if (job.state != JobState::kDone) continue;
+    const bool surplus = left-- > uses_.settings.done_keep;
+    if (!surplus && now - job.finished < uses_.settings.done_seconds) continue;
+    if (!job.removing && changing_.count(job.id) == 0) old.push_back(job.id);
   }
   for (const RequestId& id : old) Forget(id);
+  TrimDone();
 }
 
-void Queue::CheckPrinters() {
-  for (auto& [id, job] : jobs_) {
-    if (job.state != JobState::kWaiting || settings_.FindPrinter(job.ticket.printer)) continue;
-    Finish(&job, JobState::kFailed, "the printer is not configured any more");
-  }
+Shown Queue::ShownOf(const Job& job) const {
+  Shown shown;
+  shown.reasons = job.reasons;
+  const auto printer = printers_.find(job.ticket.printer);
+  if (printer != printers_.end()) shown.sheet_bytes = printer->second.sheet_bytes;
+  if (job.state != JobState::kWaiting) return shown;
+  const std::string_view more =
+      printer == printers_.end() ? "printer-unknown" : std::string_view(printer->second.reasons);
+  if (!shown.reasons.empty() && !more.empty()) shown.reasons.push_back(',');
+  shown.reasons += more;
+  return shown;
 }
 
 std::string Queue::List() const {
-  std::vector<const Job*> order;
-  order.reserve(jobs_.size());
-  for (const auto& [id, job] : jobs_) order.push_back(&job);
-  std::sort(order.begin(), order.end(), ListedBefore);
   std::string out;
-  for (const Job* job : order) out += JobRecord(*job, false);
+  out.reserve(jobs_.size() * 320);
+  for (const Job* job : order_) AppendListed(&out, *job, ShownOf(*job));
   return out;
 }
 

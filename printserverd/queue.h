@@ -1,69 +1,26 @@
-// The print queue: jobs, their tickets and their files in the spool's `jobs` folder.
+// The print queue: jobs, their order, and their files in the spool's `jobs` folder.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "printserverd/access_log.h"
 #include "printserverd/disk.h"
-#include "printserverd/fields.h"
 #include "printserverd/folder.h"
+#include "printserverd/job.h"
 #include "printserverd/settings.h"
-#include "printserverd/wire.h"
+#include "printserverd/spool_records.h"
 
 namespace printserverd {
-
-struct Ticket {
-  std::string document;
-  std::string owner;
-  std::string printer;
-  std::string profile;
-  std::string media;
-  int64_t copies = 1;
-  int64_t priority = 50;
-  int64_t hold = 0;
-};
-
-// Which keys of a ticket were given, a bit each in the order of Ticket's fields.
-using TicketKeys = uint32_t;
-constexpr TicketKeys kPrinterKey = 4, kProfileKey = 8, kMediaKey = 16, kCopiesKey = 32,
-                     kHoldKey = 128;
-
-// Sets what the record `text` names in `ticket`, leaves the rest, tells which keys it named.
-// kDone, or kBadTicket with `ticket` in any state.
-Status ParseTicket(std::string_view text, Ticket* ticket, TicketKeys* keys);
-
-enum class JobState { kWaiting, kHeld, kPrinting, kPaperOut, kDone, kFailed };
-
-struct Job {
-  RequestId id;
-  Ticket ticket;
-  JobState state = JobState::kWaiting;
-  int64_t submitted = 0;  // seconds since 1970
-  int64_t finished = 0;   // the same, of an ended job
-  int64_t number = 0;     // order of acceptance
-  int64_t size = 0;       // bytes of the document
-  int64_t printed = 0;
-  bool paper_loaded = false;  // the operator released it while it was out of paper
-  std::string text;
-
-  int64_t Total() const { return size * ticket.copies; }
-  bool AtPrinter() const { return state == JobState::kPrinting || state == JobState::kPaperOut; }
-  bool Ended() const { return state == JobState::kDone || state == JobState::kFailed; }
-};
-
-// A job's key=value lines and the empty line: what the queue list and, with `stored`, the job
-// file hold.
-std::string JobRecord(const Job& job, bool stored);
-
-// Fills a job from the record of a job file; false when it is none. The id is not set.
-bool ParseJobRecord(std::string_view text, Job* job);
 
 // The document of a request that arrives. Its file is the disk's alone.
 struct Document {
@@ -79,19 +36,51 @@ using DocumentRef = std::shared_ptr<Document>;
 // Called with a request's result when what it has changed is on the disk; perhaps at once.
 using Answer = std::function<void(Status)>;
 
+// The folders and helpers that the queue uses; they outlive it.
+struct QueueUses {
+  int root;   // of the spool
+  int jobs;   // its folder of job files
+  int aside;  // where goes what cannot be understood
+  const Settings& settings;
+  Disk* disk;
+  Counters* counters;
+  AccessLog* log;
+};
+
+// Whether `a` stands before `b` in the list: at a printer, then by priority and place, and those
+// that have ended last, the latest first.
+struct ListedBefore {
+  bool operator()(const Job* a, const Job* b) const;
+};
+
 // What jobs are is decided at once; their files follow on the disk's thread in the same order.
 class Queue {
  public:
-  // `jobs` is the folder, kept by the caller; `settings` may change under the queue.
-  Queue(int jobs, const Settings& settings, Disk* disk)
-      : folder_(jobs), settings_(settings), disk_(disk) {}
+  // `settings` may change under the queue.
+  explicit Queue(const QueueUses& uses) : uses_(uses) {}
 
-  // Takes the jobs of an earlier run from the folder and removes what was never accepted.
+  // Takes the jobs of an earlier run from the folder, sets aside what is no job, and removes what
+  // was never accepted. Jobs whose output the earlier run had finished are done.
   void Load();
 
   // Null when there is none.
-  Job* Find(const RequestId& id);
-  const std::unordered_map<RequestId, Job>& jobs() const { return jobs_; }
+  const Job* Find(const RequestId& id) const;
+  size_t size() const { return jobs_.size(); }
+
+  // A job to change; its place in the list follows when this goes.
+  class Edit {
+   public:
+    Edit(Queue* queue, const RequestId& id);
+    ~Edit();
+    Edit(const Edit&) = delete;
+    Edit& operator=(const Edit&) = delete;
+    Job* operator->() const { return job_; }
+    Job& operator*() const { return *job_; }
+
+   private:
+    Queue* queue_;
+    Job* job_;
+  };
 
   // The calls for a document that arrives. A failure is seen in it later.
   DocumentRef CreateDocument(const RequestId& id);
@@ -101,29 +90,41 @@ class Queue {
   std::function<Fd()> DocumentOpener(const Job& job) const;
 
   // Checks the ticket of a new job and fills in the default printer.
-  Status CheckNew(Ticket* ticket);
+  Status CheckNew(Ticket* ticket) const;
 
-  // Makes a job of a document that is whole, of `size` bytes. It is in the queue once it is
-  // accepted; the document is gone otherwise.
-  void Accept(const DocumentRef& document, const Ticket& ticket, int64_t size, Answer answer);
+  // Makes a job of a document that is whole, of `size` bytes, for the client `peer`. It is in the
+  // queue once it is accepted; the document is gone otherwise.
+  void Accept(const DocumentRef& document, const Ticket& ticket, int64_t size, std::string peer,
+              Answer answer);
 
   // Applies the record `text` to a job, after what others want to change in the same one.
-  void Change(const RequestId& id, std::string text, Answer answer);
+  void Change(const RequestId& id, std::string text, std::string peer, Answer answer);
 
   // Removes the job with its files.
-  void Remove(const RequestId& id, Answer answer);
+  void Remove(const RequestId& id, std::string peer, Answer answer);
 
-  // The job is at its printer no more.
-  void Finish(Job* job, JobState state, std::string_view text);
+  // The job is at its printer no more: done, or failed with a keyword and a text.
+  void Finish(const RequestId& id, JobState state, std::string_view reason, std::string_view text);
+  void SetPrinted(const RequestId& id, int64_t printed);
+  // The job at its printer waits again, from its beginning.
+  void GiveBack(const RequestId& id, std::string_view text);
+
+  // What the queue knows of a printer that is configured. Others are unknown to it.
+  struct PrinterView {
+    bool accepting = true;
+    std::string reasons;  // that its waiting jobs show
+    int64_t sheet_bytes = 0;
+  };
+  void SetPrinters(std::map<std::string, PrinterView> printers);
+  void SetPrinter(const std::string& name, PrinterView view);
 
   // The next job for a printer, null when none waits.
-  Job* Next(std::string_view printer);
+  const Job* Next(std::string_view printer) const;
+  // How many jobs wait for a printer or are at it.
+  int64_t Live(std::string_view printer) const;
 
-  // Forgets ended jobs that are old or too many.
+  // Forgets done jobs that are old or too many, and documents of done jobs that are too large.
   void Prune(int64_t now);
-
-  // Holds back what no printer is there for (after the configuration changed).
-  void CheckPrinters();
 
   // Something in the list has changed.
   void Touch() { ++generation_; }
@@ -133,35 +134,76 @@ class Queue {
   // Bytes of all documents, those that arrive included.
   int64_t bytes() const { return bytes_; }
   void AddBytes(int64_t n) { bytes_ += n; }
+  // Drops documents of done jobs until `count` more bytes fit; false when they never do.
+  bool MakeBytes(int64_t count);
 
  private:
   struct Wish {
     std::string text;
+    std::string peer;
     Answer answer;
+    int64_t place = -1, outputs = -1;  // what was found for the job when it was looked at first
   };
+  using Ordered = std::set<const Job*, ListedBefore>;
+  // What waits for one printer, and how many jobs are not at their end.
+  struct Lane {
+    Ordered waiting;
+    int64_t live = 0;
+  };
+
+  // load.cc
   bool LoadJob(const std::string& name);
+  void CheckDocument(Job* job);
+  bool SetJobAside(const std::string& name);
+  void Sweep(const std::vector<std::string>& names);
+  void FinishPrinted();
+  void FinishPrintedAt(const PrinterSettings& printer, const Lane& lane);
+
+  // queue.cc
+  void Link(const Job* job);
+  void Unlink(const Job* job);
   void DropDocument(const RequestId& id);
-  // Writes a job's record; `done` is told whether it is on the disk. Null: without waiting for it.
+  // Writes a job's record; `done` is told whether it is on the disk, and may be null.
   void Store(const Job& job, std::function<void(bool)> done);
+  const Job* OldestDone(bool kept) const;
   bool MakeRoom();
-  void Accepted(const Job& job, bool stored, const Answer& answer);
-  Status Changed(const Job& job, std::string_view text, Job* changed);
+  void Accepted(const Job& job, bool stored, const std::string& peer, const Answer& answer);
+  void DropKept(const RequestId& id);
+  void TrimDone();
+  void Forget(const RequestId& id);
+  void Removed(const RequestId& id, int error, const std::string& peer);
+  Shown ShownOf(const Job& job) const;
+
+  // changes.cc
+  Status CheckNames(const Ticket& ticket, bool arrives) const;
+  Status Changed(const Job& job, Wish* wish, Job* changed);
+  Status CheckChange(const Job& job, TicketKeys keys, Job* changed) const;
+  static void ApplyHold(const Job& job, Job* changed);
+  Status PlaceBefore(const RequestId& before, Wish* wish, Job* changed);
+  int64_t PlaceBetween(const Job* target) const;
+  int64_t LastPlace(int64_t priority) const;
+  void SpreadPlaces(int64_t priority);
   void NextChange(RequestId id);
   void StoreChange(const RequestId& id, const Job& changed);
   bool ChangeStored(const RequestId& id, const std::string& record, bool stored);
   void EndChange(const RequestId& id, Status status);
-  void Forget(const RequestId& id);
-  Status CheckNames(const Ticket& ticket) const;
 
-  int folder_;
-  const Settings& settings_;
-  Disk* disk_;
+  const QueueUses uses_;
   std::unordered_map<RequestId, Job> jobs_;
+  Ordered order_;                                   // all jobs
+  std::map<std::string, Lane, std::less<>> lanes_;  // by printer
+  std::map<std::string, PrinterView, std::less<>> printers_;
   std::unordered_map<RequestId, std::deque<Wish>> changing_;  // the first of each is being stored
-  size_t accepting_ = 0;                                      // jobs that are being stored
-  int64_t last_number_ = 0;
+  std::unordered_map<RequestId, std::vector<Answer>> removing_;
+  size_t accepting_ = 0;  // jobs that are being stored
+  int64_t done_ = 0;      // done jobs, and the bytes of their documents
+  int64_t done_bytes_ = 0;
   int64_t bytes_ = 0;
   uint64_t generation_ = 1;
 };
+
+// Names in the spool's folder of jobs.
+std::string DocumentName(const RequestId& id);
+std::string RecordName(const RequestId& id);
 
 }  // namespace printserverd

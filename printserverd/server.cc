@@ -27,6 +27,8 @@ constexpr int64_t kQuietMs = 600000;
 constexpr int64_t kReplyMs = 10000;
 constexpr int64_t kLingerMs = 2000;
 constexpr int64_t kSweepMs = 500;
+constexpr int64_t kEndMs = 4000;     // for answers, when it is asked to end
+constexpr int64_t kEndRestMs = 500;  // and then for the disk
 
 // Bytes that must move within one of the windows above for it to begin again.
 constexpr int64_t kDocumentWindow = 4096;
@@ -46,27 +48,66 @@ bool WouldBlock() {
 
 }  // namespace
 
-void Server::Run() {
+bool Server::Run() {
+  while (!ending_) Turn(Timeout());
+  return End();
+}
+
+void Server::Turn(int timeout) {
   epoll_event events[256];
-  while (!ending_) {
-    const int count = epoll_wait(epoll_.get(), events, std::size(events), Timeout());
-    now_ = SteadyMs();
-    for (int i = 0; i < count; ++i) {
-      void* source = events[i].data.ptr;
-      if (source == &signals_) {
-        TakeSignals();
-      } else if (source == &listener_) {
-        AcceptPeers();
-      } else if (source == disk_.get()) {
-        disk_->RunDone();
-      } else {
-        Serve(static_cast<Peer*>(source), events[i].events);
-      }
+  const int count = epoll_wait(epoll_.get(), events, std::size(events), timeout);
+  now_ = SteadyMs();
+  for (int i = 0; i < count; ++i) {
+    void* source = events[i].data.ptr;
+    if (source == &signals_) {
+      TakeSignals();
+    } else if (source == &listener_) {
+      AcceptPeers();
+    } else if (source == disk_.get()) {
+      disk_->RunDone();
+    } else {
+      Serve(static_cast<Peer*>(source), events[i].events);
     }
-    TickPrinters();
-    if (now_ >= next_sweep_) Sweep();
-    ForgetClosed();
   }
+  if (!ending_) TickPrinters();
+  if (now_ >= next_sweep_) Sweep();
+  ForgetClosed();
+}
+
+// Nothing new begins, and whoever has not sent all is let go.
+void Server::BeginEnd() {
+  epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, listener_.get(), nullptr);
+  listener_.Reset();
+  for (const auto& printer : printers_) printer->Stop();
+  layout_.End();
+  scan_.End();
+  for (const auto& peer : peers_) {
+    const bool stays = peer->state == PeerState::kStoring || peer->state == PeerState::kReply;
+    if (!stays && peer->state != PeerState::kClosed) Drop(peer.get());
+  }
+  ForgetClosed();
+}
+
+// Answers what is being stored, as long as there is time.
+bool Server::End() {
+  const int64_t end_by = SteadyMs() + kEndMs;
+  BeginEnd();
+  const auto waits = [](const std::shared_ptr<Peer>& peer) {
+    return peer->state == PeerState::kStoring || peer->state == PeerState::kReply;
+  };
+  while (SteadyMs() < end_by) {
+    const bool answers = std::any_of(peers_.begin(), peers_.end(), waits);
+    if (!answers && disk_->Pending() == 0) break;
+    Turn(static_cast<int>(std::min<int64_t>(end_by - SteadyMs(), 50)));
+  }
+  for (const auto& peer : peers_) {
+    if (peer->state != PeerState::kClosed) Drop(peer.get());
+  }
+  counters_->Store();
+  const size_t left = disk_->Pending();
+  if (disk_->Finish(std::max<int64_t>(end_by + kEndRestMs - SteadyMs(), 1))) return true;
+  Log("ended while the disk was still at work; undone: " + std::to_string(left));
+  return false;
 }
 
 // How long nothing needs to be done without an event, milliseconds.
@@ -74,7 +115,7 @@ int Server::Timeout() {
   const int64_t now = SteadyMs();
   int64_t until = INT64_MAX;
   if (open_peers_ > 0) until = next_sweep_;
-  if (!queue_->jobs().empty()) until = std::min(until, next_sweep_ + 1000);
+  if (queue_->size() > 0) until = std::min(until, next_sweep_ + 1000);
   until = std::min(until, next_tick_);
   if (until == INT64_MAX) return -1;
   return static_cast<int>(std::clamp<int64_t>(until - now, 0, 60000));
@@ -84,7 +125,7 @@ void Server::TickPrinters() {
   if (now_ < next_tick_ && ticked_generation_ == queue_->generation()) return;
   next_tick_ = INT64_MAX;
   for (const auto& printer : printers_) {
-    const int wait = printer->Tick(now_, queue_.get());
+    const int wait = printer->Tick(now_);
     if (wait >= 0) next_tick_ = std::min(next_tick_, now_ + wait);
   }
   ticked_generation_ = queue_->generation();
@@ -110,7 +151,10 @@ void Server::TakeSignals() {
 void Server::AcceptPeers() {
   for (int i = 0; i < 64; ++i) {
     if (open_peers_ >= max_peers_ && !EvictPeer()) return;
-    Fd fd(accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    sockaddr_in from{};
+    socklen_t size = sizeof from;
+    Fd fd(accept4(listener_.get(), reinterpret_cast<sockaddr*>(&from), &size,
+                  SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!fd) {
       if (WouldBlock()) return;
       const bool full = errno == EMFILE || errno == ENFILE;
@@ -123,6 +167,7 @@ void Server::AcceptPeers() {
     event.data.ptr = peer.get();
     if (epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, fd.get(), &event) != 0) continue;
     peer->fd = std::move(fd);
+    peer->address = TextOf(from);
     peer->deadline = now_ + kGreetingMs;
     peer->useful = now_;
     peers_.push_back(std::move(peer));
@@ -146,6 +191,8 @@ void Server::Drop(Peer* peer) {
   peer->upload = Upload();
   peer->reply = Reply();
   peer->issued.clear();
+  // Closing alone would leave it in the set as long as a process that was forked off has it too.
+  epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, peer->fd.get(), nullptr);
   peer->fd.Reset();
   peer->state = PeerState::kClosed;
   --open_peers_;
@@ -309,6 +356,7 @@ bool Server::Send(Peer* peer) {
 
 void Server::AfterReply(Peer* peer) {
   peer->reply = Reply();
+  if (ending_) return Drop(peer);
   if (peer->close_after_reply) return Linger(peer);
   AwaitHeader(peer);
 }

@@ -20,6 +20,9 @@
 
 namespace printserverd {
 
+// Address and port.
+std::string TextOf(const sockaddr_in& address);
+
 class Server {
  public:
   Server(const Options& options, Settings settings);
@@ -28,22 +31,28 @@ class Server {
   // Opens the spool, listens. False with `error`.
   bool Start(std::string* error);
 
-  // Serves until SIGTERM or SIGINT.
-  void Run();
+  // Serves until SIGTERM or SIGINT, answers what is being stored, and ends. False when the disk
+  // did not come to an end in time: then only the process can be ended.
+  bool Run();
 
  private:
   struct Spool {
-    Fd root, lock, jobs, printed, files, gamut;
+    Fd root, lock, jobs, printed, files, gamut, aside;
   };
 
   // start.cc
   bool OpenSpool(std::string* error);
   bool Listen(std::string* error);
   bool WatchSignals();
+  bool CountPeers(size_t printers, std::string* error);
+  bool LoadSpool(std::string* error);
   void MakePrinters();
   void Reload();
 
   // server.cc
+  void Turn(int timeout);
+  void BeginEnd();
+  bool End();
   void TakeSignals();
   void AcceptPeers();
   bool EvictPeer();
@@ -74,6 +83,8 @@ class Server {
   void CopyGamut(Peer* peer);
   void CreateId(Peer* peer);
   void RemoveRequest(Peer* peer);
+  Printer* FindPrinter(const RequestId& id);
+  void ChangePrinter(Peer* peer, const RequestId& id, const std::string& text);
   void RemoveFile(Peer* peer);
   void StartLayout(Peer* peer);
   void StartScan(Peer* peer);
@@ -100,6 +111,9 @@ class Server {
   Settings settings_;
   Spool spool_;
   std::unique_ptr<Disk> disk_;
+  std::unique_ptr<Counters> counters_;
+  std::unique_ptr<PrinterEntries> entries_;
+  std::unique_ptr<AccessLog> log_;
   std::unique_ptr<Queue> queue_;
   std::vector<std::unique_ptr<Printer>> printers_;
   Child layout_{"layout server"};

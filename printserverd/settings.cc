@@ -1,6 +1,8 @@
 #include "printserverd/settings.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <map>
 #include <set>
 
 #include "printserverd/fields.h"
@@ -52,6 +54,24 @@ bool SetCommand(std::string_view value, std::vector<std::string>* out) {
   return !out->empty() && out->front()[0] == '/';
 }
 
+bool SetPath(std::string_view value, std::string* out) {
+  return SetText(value, 4096, out) && !out->empty() && (*out)[0] == '/';
+}
+
+// NAME:PERCENT with commas between.
+bool SetSupplies(std::string_view value, std::string* out) {
+  if (!SetText(value, kMaxMediaList, out)) return false;
+  for (std::string_view rest = *out; !rest.empty();) {
+    const size_t comma = std::min(rest.find(','), rest.size());
+    const std::string_view one = rest.substr(0, comma);
+    const size_t colon = one.rfind(':');
+    if (colon == 0 || colon == std::string_view::npos) return false;
+    if (!ParseNumber(one.substr(colon + 1), -1, 100)) return false;
+    rest.remove_prefix(std::min(comma + 1, rest.size()));
+  }
+  return out->empty() || out->back() != ',';
+}
+
 constexpr int64_t kMost = INT64_MAX / 4;
 
 struct Key {
@@ -72,6 +92,10 @@ const Key kKeys[] = {
      [](std::string_view v, Settings* s) { return SetNumber(v, 0, 1 << 30, &s->done_seconds); }},
     {"server", "done-keep", "a number of jobs, at most 2000",
      [](std::string_view v, Settings* s) { return SetNumber(v, 0, 2000, &s->done_keep); }},
+    {"server", "done-bytes", "a number of bytes",
+     [](std::string_view v, Settings* s) { return SetNumber(v, 0, kMost, &s->done_bytes); }},
+    {"server", "access-log", "an absolute path",
+     [](std::string_view v, Settings* s) { return SetPath(v, &s->access_log); }},
     {"printer", "name", "a name of at most 63 bytes",
      [](std::string_view v, Settings* s) {
        return SetName(v, kMaxName, &s->printers.back().name);
@@ -86,6 +110,8 @@ const Key kKeys[] = {
      [](std::string_view v, Settings* s) {
        return SetText(v, kMaxMediaList, &s->printers.back().media);
      }},
+    {"printer", "supplies", "NAME:PERCENT with commas between, -1 to 100, at most 255 bytes",
+     [](std::string_view v, Settings* s) { return SetSupplies(v, &s->printers.back().supplies); }},
     {"printer", "rate", "bytes a second",
      [](std::string_view v, Settings* s) {
        return SetNumber(v, 0, int64_t{1} << 40, &s->printers.back().rate);
@@ -129,19 +155,19 @@ const Key kKeys[] = {
 };
 
 bool BeginSection(std::string_view section, Settings* settings, std::string* error) {
-  const auto full = [error](size_t count) {
-    if (count >= kMaxListed) *error = "more than 64 of these";
-    return count >= kMaxListed;
+  const auto full = [error](size_t count, size_t most) {
+    if (count >= most) *error = "more than " + std::to_string(most) + " of these";
+    return count >= most;
   };
   if (section == "server") return true;
   if (section == "printer") {
-    if (full(settings->printers.size())) return false;
+    if (full(settings->printers.size(), kMaxPrinters)) return false;
     settings->printers.emplace_back();
   } else if (section == "profile") {
-    if (full(settings->profiles.size())) return false;
+    if (full(settings->profiles.size(), kMaxProfiles)) return false;
     settings->profiles.emplace_back();
   } else if (section == "scanner") {
-    if (full(settings->scanners.size())) return false;
+    if (full(settings->scanners.size(), kMaxScanners)) return false;
     settings->scanners.emplace_back();
   } else {
     *error = "unknown section [" + std::string(section) + "]";
@@ -169,6 +195,39 @@ bool ApplyLine(std::string_view section, std::string_view line, Settings* settin
   return false;
 }
 
+std::string FolderOf(std::string_view name) {
+  std::string folder;
+  for (const char c : name) {
+    const bool upper = c >= 'A' && c <= 'Z';
+    const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+    folder.push_back(upper ? static_cast<char>(c + 32) : plain ? c : '-');
+  }
+  return folder;
+}
+
+// Eight digits that tell a name from others: FNV-1a.
+std::string DigitsOf(std::string_view name) {
+  uint32_t hash = 2166136261;
+  for (const char c : name) hash = (hash ^ static_cast<uint8_t>(c)) * 16777619;
+  char digits[9];
+  snprintf(digits, sizeof digits, "%08x", hash);
+  return digits;
+}
+
+// Names in other scripts, and those that differ in little, leave the same letters.
+void NameFolders(Settings* settings) {
+  std::map<std::string, int> uses;
+  for (const PrinterSettings& printer : settings->printers) {
+    ++uses[printer.folder.empty() ? FolderOf(printer.name) : printer.folder];
+  }
+  for (PrinterSettings& printer : settings->printers) {
+    if (!printer.folder.empty()) continue;
+    printer.folder = FolderOf(printer.name);
+    const bool bare = printer.folder.find_first_not_of('-') == std::string::npos;
+    if (bare || uses[printer.folder] > 1) printer.folder += "-" + DigitsOf(printer.name);
+  }
+}
+
 void AddDefaults(Settings* settings) {
   if (settings->printers.empty()) {
     PrinterSettings printer;
@@ -183,25 +242,31 @@ void AddDefaults(Settings* settings) {
                           {"Standard", "A4", 300, 300, ""},
                           {"Fine", "A4", 600, 600, ""}};
   }
-  for (PrinterSettings& printer : settings->printers) {
-    if (!printer.folder.empty()) continue;
-    for (const char c : printer.name) {
-      const bool upper = c >= 'A' && c <= 'Z';
-      const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
-      printer.folder.push_back(upper ? static_cast<char>(c + 32) : plain ? c : '-');
-    }
+  NameFolders(settings);
+}
+
+// The most that a printer's record can take.
+size_t RecordBytes(const PrinterSettings& printer) {
+  size_t bytes = 384;
+  for (const std::string* text :
+       {&printer.name, &printer.media, &printer.text, &printer.supplies}) {
+    bytes += text->size() + static_cast<size_t>(std::count(text->begin(), text->end(), '\\'));
   }
+  return bytes;
 }
 
 bool CheckWhole(const Settings& settings, std::string* error) {
   std::set<std::string_view> names, folders;
+  size_t list = 0;
   for (const PrinterSettings& printer : settings.printers) {
+    list += RecordBytes(printer);
     if (printer.name.empty()) *error = "a printer has no name";
     if (!names.insert(printer.name).second) *error = "two printers named " + printer.name;
-    if (!folders.insert(printer.folder).second) {
+    if (!folders.insert(printer.folder).second && error->empty()) {
       *error = "two printers with the folder " + printer.folder;
     }
   }
+  if (list > kMaxPrinterList) *error = "the printer list could pass 1 MiB";
   for (const ProfileSettings& profile : settings.profiles) {
     if (profile.name.empty()) *error = "a profile has no name";
     if (!profile.printer.empty() && !settings.FindPrinter(profile.printer)) {

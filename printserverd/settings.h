@@ -16,6 +16,7 @@ struct PrinterSettings {
   std::string folder;
   std::string text;
   std::string media;
+  std::string supplies;
   int64_t rate = 1 << 20;  // bytes a second, 0: without delay
   int64_t paper = 500;     // sheets, 0: never runs out
   int64_t sheet_bytes = 1 << 20;
@@ -45,6 +46,8 @@ struct Settings {
   int64_t spool_limit = int64_t{16} << 30;
   int64_t done_seconds = 600;
   int64_t done_keep = 100;
+  int64_t done_bytes = int64_t{1} << 30;
+  std::string access_log;  // empty: standard error
 
   const PrinterSettings* FindPrinter(std::string_view name) const;  // null: not there
   const ProfileSettings* FindProfile(std::string_view name, std::string_view printer) const;
@@ -61,6 +64,8 @@ struct Faults {
   std::optional<uint32_t> stall;
   std::optional<uint32_t> length;
   uint32_t slow_disk = 0;  // milliseconds
+  uint32_t sync_error = 0;
+  uint32_t disk_full = 0, output_error = 0;
 };
 
 struct Options {

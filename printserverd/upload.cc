@@ -43,8 +43,8 @@ void Server::TakeTicket(Upload* upload, std::string_view* bytes) {
 void Server::TicketComplete(Upload* upload) {
   upload->ticket_whole = true;
   if (upload->changes) return;
-  TicketKeys keys;
-  upload->status = ParseTicket(upload->ticket, &upload->parsed, &keys);
+  Given given;
+  upload->status = ParseTicket(upload->ticket, &upload->parsed, &given);
   if (upload->status == Status::kDone) upload->status = queue_->CheckNew(&upload->parsed);
   if (upload->status != Status::kDone) return;
   upload->document = queue_->CreateDocument(upload->id);
@@ -55,7 +55,7 @@ void Server::StoreDocument(Upload* upload, std::string_view bytes) {
   const auto count = static_cast<int64_t>(bytes.size());
   if (upload->changes) {
     upload->status = Status::kWrongState;
-  } else if (queue_->bytes() + count > settings_.spool_limit) {
+  } else if (!queue_->MakeBytes(count)) {
     upload->status = Status::kTooLarge;
   } else if (upload->document->error != 0) {
     upload->status = Status::kStorage;
@@ -103,10 +103,13 @@ void Server::EndUpload(Peer* peer) {
     DropUpload(&upload);
     return ReplyStatus(peer, upload.status);
   }
+  if (upload.printer) return ChangePrinter(peer, upload.id, upload.ticket);
   const Answer answer = AnswerLater(peer);
   // A job that is to be changed may have gone while the ticket came.
-  if (upload.changes) return queue_->Change(upload.id, std::move(upload.ticket), answer);
-  queue_->Accept(upload.document, upload.parsed, upload.size,
+  if (upload.changes) {
+    return queue_->Change(upload.id, std::move(upload.ticket), peer->address, answer);
+  }
+  queue_->Accept(upload.document, upload.parsed, upload.size, peer->address,
                  [weak = peer->weak_from_this(), id = upload.id, answer](Status status) {
                    const std::shared_ptr<Peer> there = weak.lock();
                    if (there && status == Status::kDone) {

@@ -35,15 +35,17 @@ constexpr int64_t kMaxPriority = 100;
 constexpr size_t kMaxTicket = 8192;
 constexpr uint32_t kMaxRequest = 0x7fffffff;
 constexpr size_t kMaxJobs = 4096;
-constexpr size_t kMaxListed = 64;  // printers, profiles, scanners
+constexpr int64_t kMaxNumber = 999999999;
+constexpr size_t kMaxPrinters = 1024, kMaxProfiles = 1024, kMaxScanners = 64;
+constexpr size_t kMaxPrinterList = 1 << 20;  // bytes
 
 constexpr size_t kProfileRecord = 48;
 constexpr size_t kMaxField = 512;       // the longest run of fixed fields in a request
 constexpr int64_t kDocumentMs = 30000;  // the deadline for the next bytes of a document
 
 // With every byte of every text escaped a job record stays below 2048 bytes, the list below 8 MiB.
-static_assert(2 * (kMaxDocumentName + 2 * kMaxName + kMaxProfile + kMaxMedia + kMaxText) + 8 * 32 +
-                  128 <
+static_assert(2 * (kMaxDocumentName + 2 * kMaxName + kMaxProfile + kMaxMedia + kMaxText) + 13 * 34 +
+                  kMaxText + 128 <
               2048);
 
 inline uint32_t LoadU32(const uint8_t* p) {

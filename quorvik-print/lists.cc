@@ -1,60 +1,17 @@
 // The commands that show something: list, queue, profiles, scanners.
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 
 #include "printserver/nc.h"
-#include "printserver/records.h"
-#include "quorvik-print/cli.h"
+#include "printserver/read_lists.h"
+#include "printserver/words.h"
 #include "quorvik-print/jobs.h"
+#include "quorvik-print/table.h"
 
 namespace cli {
 
 namespace {
-
-using Row = std::vector<std::string>;
-
-// Rows in columns, two spaces apart. Bytes of UTF-8 that continue a character take no place.
-void ShowTable(const std::vector<Row>& rows) {
-  const auto width = [](const std::string& text) {
-    return std::count_if(text.begin(), text.end(),
-                         [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; });
-  };
-  std::vector<long> widths;
-  for (const Row& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max<long>(widths[i], width(row[i]));
-  }
-  for (const Row& row : rows) {
-    std::string line;
-    for (size_t i = 0; i < row.size(); ++i) {
-      line += Shown(row[i]);
-      line.append(static_cast<size_t>(widths[i] - width(row[i]) + 2), ' ');
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    puts(line.c_str());
-  }
-}
-
-int Lost() {
-  return Fail(kNoServer, std::string("the connection to the server failed: ") + strerror(errno));
-}
-
-std::string JobStateText(const NC_Job& job) {
-  static const char* const kWords[] = {"waiting",      "held", "printing",
-                                       "out of paper", "done", "failed"};
-  std::string text = kWords[job.state];
-  if (job.state == NC_JOB_PRINTING && job.total > 0) {
-    text += " " +
-            std::to_string(static_cast<int>(100.0 * static_cast<double>(job.printed) /
-                                            static_cast<double>(job.total))) +
-            "%";
-  }
-  if (job.state == NC_JOB_FAILED && job.text[0]) text += std::string(": ") + job.text;
-  return text;
-}
 
 std::string TimeText(int64_t seconds) {
   const time_t when = static_cast<time_t>(seconds);
@@ -65,106 +22,176 @@ std::string TimeText(int64_t seconds) {
   return text;
 }
 
+// Empty for what is not known.
+std::string Known(int64_t number) {
+  return number < 0 ? "" : std::to_string(number);
+}
+
+std::string ColourText(int32_t colour) {
+  char text[16] = "";
+  if (colour >= 0) snprintf(text, sizeof text, "%06x", static_cast<unsigned>(colour));
+  return text;
+}
+
+// How much of a job at a printer, or that has left it, is printed.
+std::string DoneText(const NC_Job& job) {
+  if (job.state != NC_JOB_PRINTING && job.state != NC_JOB_PAPER_OUT) return "";
+  if (job.pages > 0 && job.pages_printed >= 0) {
+    return std::to_string(job.pages_printed) + "/" + std::to_string(job.pages);
+  }
+  if (job.total < 1) return "";
+  const double part = static_cast<double>(job.printed) / static_cast<double>(job.total);
+  return std::to_string(static_cast<int>(100 * part)) + "%";
+}
+
+// Why it stands as it does, and what the server says of it.
+std::string Remark(const char* reasons, const char* text) {
+  std::string remark = nc::ReasonsText(reasons);
+  if (!remark.empty() && text[0]) remark += ": ";
+  return remark + text;
+}
+
+bool Wanted(const Options& options, const NC_Job& job) {
+  if (options.Has(kPrinterOption) && options.printer != job.printer) return false;
+  if (options.Has(kStateOption) && options.state != NC_JobStateWord(job.state)) return false;
+  return !(options.given & (kOwnerOption | kMineOption)) || options.Owner() == job.owner;
+}
+
+const std::vector<Column> kJobColumns = {
+    {"number", "NUMBER", Kind::kNumber},
+    {"state", "STATE"},
+    {nullptr, "DONE"},
+    {"priority", "PRIORITY", Kind::kNumber},
+    {"copies", "COPIES", Kind::kNumber},
+    {"size", "SIZE", Kind::kNumber},
+    {nullptr, "SUBMITTED"},
+    {"owner", "OWNER"},
+    {"printer", "PRINTER"},
+    {"document", "DOCUMENT"},
+    {nullptr, "REMARK"},
+    {"id", "ID"},
+    {"profile", nullptr},
+    {"media", nullptr},
+    {"hold", nullptr, Kind::kFlag},
+    {"submitted", nullptr, Kind::kNumber},
+    {"total", nullptr, Kind::kNumber},
+    {"printed", nullptr, Kind::kNumber},
+    {"pages", nullptr, Kind::kNumber},
+    {"pages-printed", nullptr, Kind::kNumber},
+    {"colour", nullptr},
+    {"kept", nullptr, Kind::kFlag},
+    {"reasons", nullptr, Kind::kWords},
+    {"text", nullptr},
+};
+
+std::vector<std::string> RowOf(const NC_Job& job) {
+  return {job.number > 0 ? std::to_string(job.number) : "",
+          NC_JobStateWord(job.state),
+          DoneText(job),
+          std::to_string(job.priority),
+          std::to_string(job.copies),
+          std::to_string(job.size),
+          TimeText(job.submitted),
+          job.owner,
+          job.printer,
+          job.document,
+          Remark(job.reasons, job.text),
+          IdText(job.id),
+          job.profile,
+          job.media,
+          job.hold ? "1" : "0",
+          std::to_string(job.submitted),
+          std::to_string(job.total),
+          std::to_string(job.printed),
+          Known(job.pages),
+          Known(job.pages_printed),
+          ColourText(job.colour),
+          job.kept ? "1" : "0",
+          job.reasons,
+          job.text};
+}
+
 }  // namespace
 
-bool ReadJobs(int fd, std::vector<NC_Job>* jobs) {
-  std::vector<char> list(NC_QUEUE_MAX);
-  const int32_t size = NC_GetPrintQueueN(fd, list.data(), NC_QUEUE_MAX);
-  if (size < 0) {
-    Lost();
-    return false;
-  }
-  jobs->resize(NC_JOBS_MAX);
-  jobs->resize(static_cast<size_t>(NC_ParseJobs(list.data(), size, jobs->data(), NC_JOBS_MAX)));
-  return true;
-}
-
-int ShowQueue(int fd, const Options&) {
+int ShowQueue(Session& session, const Options& options) {
   std::vector<NC_Job> jobs;
-  if (!ReadJobs(fd, &jobs)) return kNoServer;
-  if (jobs.empty()) {
-    puts("no jobs");
-    return kGood;
+  if (!nc::ReadJobs(session.fd(), &jobs)) return Lost();
+  int code = kGood;
+  std::vector<std::vector<std::string>> rows;
+  for (const std::string& word : options.words) {
+    const NC_Job* job = FindJob(jobs, word);
+    if (!job) Note(kRefused, &code);
+    if (job && Wanted(options, *job)) rows.push_back(RowOf(*job));
   }
-  std::vector<Row> rows = {
-      {"ID", "STATE", "PRIORITY", "COPIES", "SIZE", "SUBMITTED", "OWNER", "PRINTER", "DOCUMENT"}};
+  if (code != kGood && rows.empty()) return code;
   for (const NC_Job& job : jobs) {
-    char id[33];
-    NC_FormatId(job.id, id);
-    rows.push_back({id, JobStateText(job), std::to_string(job.priority), std::to_string(job.copies),
-                    std::to_string(job.size), TimeText(job.submitted), job.owner, job.printer,
-                    job.document});
+    if (options.words.empty() && Wanted(options, job)) rows.push_back(RowOf(job));
   }
-  ShowTable(rows);
+  ShowTable(options, kJobColumns, rows, "no jobs");
+  return code;
+}
+
+int List(Session& session, const Options& options) {
+  std::vector<NC_Printer> printers;
+  if (!nc::ReadPrinters(session.fd(), &printers)) return Lost();
+  const std::vector<Column> columns = {
+      {"name", "NAME"},
+      {"state", "STATE"},
+      {"paused", "PAUSED", Kind::kFlag},
+      {"accepting", nullptr, Kind::kFlag},
+      {nullptr, "REFUSING", Kind::kFlag},
+      {"jobs", "JOBS", Kind::kNumber},
+      {"paper", "PAPER", Kind::kNumber},
+      {"supplies", "SUPPLIES", Kind::kWords},
+      {"media", "MEDIA", Kind::kWords},
+      {"default", "DEFAULT", Kind::kFlag},
+      {nullptr, "REMARK"},
+      {"reasons", nullptr, Kind::kWords},
+      {"text", nullptr},
+      {"id", nullptr},
+  };
+  std::vector<std::vector<std::string>> rows;
+  for (const NC_Printer& printer : printers) {
+    rows.push_back({printer.name, NC_PrinterStateWord(printer.state), printer.paused ? "1" : "0",
+                    printer.accepting ? "1" : "0", printer.accepting ? "0" : "1",
+                    std::to_string(printer.jobs), Known(printer.paper), printer.supplies,
+                    printer.media, printer.is_default ? "1" : "0",
+                    Remark(printer.reasons, printer.text), printer.reasons, printer.text,
+                    printer.has_id ? IdText(printer.id) : ""});
+  }
+  ShowTable(options, columns, rows, "no printers");
   return kGood;
 }
 
-int List(int fd, const Options&) {
-  std::vector<char> list(NC_LIST_MAX);
-  uint8_t status;
-  const int32_t size = NC_GetPrinterListN(fd, &status, list.data(), NC_LIST_MAX);
-  if (size < 0) return Lost();
-  std::vector<NC_Printer> printers(NC_RECORDS_MAX);
-  const int count = NC_ParsePrinters(list.data(), size, printers.data(), NC_RECORDS_MAX);
-  if (count == 0) {
-    puts("no printers");
-    return kGood;
-  }
-  static const char* const kStates[] = {"idle", "printing", "out of paper"};
-  std::vector<Row> rows = {{"NAME", "STATE", "JOBS", "PAPER", "MEDIA", "DEFAULT", "REMARK"}};
-  for (int i = 0; i < count; ++i) {
-    const NC_Printer& printer = printers[static_cast<size_t>(i)];
-    rows.push_back({printer.name, kStates[printer.state], std::to_string(printer.jobs),
-                    printer.paper < 0 ? "-" : std::to_string(printer.paper), printer.media,
-                    printer.is_default ? "yes" : "", printer.text});
-  }
-  ShowTable(rows);
-  return kGood;
-}
-
-int Profiles(int fd, const Options& options) {
-  char key[NC_PROFILE_KEY] = {};
-  if (!options.words.empty()) {
-    if (options.words[0].size() >= sizeof key) return Fail(kUsage, "the name is too long");
-    strcpy(key, options.words[0].c_str());
-  }
-  std::vector<char> records(NC_RECORDS_MAX * NC_PROFILE_SIZE);
-  const int32_t count =
-      NC_GetProfileListN(fd, key, records.data(), static_cast<uint32_t>(records.size()));
-  if (count < 0) return Lost();
-  std::vector<NC_Profile> profiles(NC_RECORDS_MAX);
-  profiles.resize(static_cast<size_t>(
-      NC_ParseProfiles(records.data(), count, profiles.data(), NC_RECORDS_MAX)));
-  if (profiles.empty()) {
-    puts("no profiles");
-    return kGood;
-  }
-  std::vector<Row> rows = {{"NAME", "MEDIA", "DPI"}};
+int Profiles(Session& session, const Options& options) {
+  std::vector<NC_Profile> profiles;
+  const std::string printer = options.words.empty() ? "" : options.words[0];
+  if (printer.size() >= NC_PROFILE_KEY) return Fail(kUsage, "the name is too long");
+  if (!nc::ReadProfiles(session.fd(), printer, &profiles)) return Lost();
+  const std::vector<Column> columns = {{"name", "NAME"},
+                                       {"media", "MEDIA", Kind::kWords},
+                                       {nullptr, "DPI"},
+                                       {"dpi-across", nullptr, Kind::kNumber},
+                                       {"dpi-along", nullptr, Kind::kNumber}};
+  std::vector<std::vector<std::string>> rows;
   for (const NC_Profile& profile : profiles) {
-    rows.push_back({profile.name, profile.media,
-                    std::to_string(profile.dpi_across) + "x" + std::to_string(profile.dpi_along)});
+    const std::string across = std::to_string(profile.dpi_across);
+    const std::string along = std::to_string(profile.dpi_along);
+    rows.push_back({profile.name, profile.media, across + "x" + along, across, along});
   }
-  ShowTable(rows);
+  ShowTable(options, columns, rows, "no profiles");
   return kGood;
 }
 
-int Scanners(int fd, const Options&) {
-  std::vector<char> list(NC_LIST_MAX);
-  uint8_t status;
-  const int32_t size = NC_GetScannerListN(fd, &status, list.data(), NC_LIST_MAX);
-  if (size < 0) return Lost();
-  std::vector<NC_Scanner> scanners(NC_RECORDS_MAX);
-  const int count = NC_ParseScanners(list.data(), size, scanners.data(), NC_RECORDS_MAX);
-  if (count == 0) {
-    puts("no scanners");
-    return kGood;
-  }
-  std::vector<Row> rows = {{"NAME", "STATE", "REMARK"}};
-  for (int i = 0; i < count; ++i) {
-    const NC_Scanner& scanner = scanners[static_cast<size_t>(i)];
+int Scanners(Session& session, const Options& options) {
+  std::vector<NC_Scanner> scanners;
+  if (!nc::ReadScanners(session.fd(), &scanners)) return Lost();
+  std::vector<std::vector<std::string>> rows;
+  for (const NC_Scanner& scanner : scanners) {
     rows.push_back({scanner.name, scanner.away ? "away" : "ready", scanner.text});
   }
-  ShowTable(rows);
+  ShowTable(options, {{"name", "NAME"}, {"state", "STATE"}, {"text", "REMARK"}}, rows,
+            "no scanners");
   return kGood;
 }
 

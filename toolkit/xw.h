@@ -68,7 +68,7 @@ typedef int (*XwHandler)(int type);
  * fonts and makes the root of the window tree. When no display can be opened it says so in one line
  * on standard error and ends the process with status 1. */
 
-/* `name` is the short name (menu strip, window class), `title` the first window's title; both
+/* `name` is the short name (menu bar, window class), `title` the first window's title; both
  * pointers are kept, not copied. Bit value 4 of `flags`: the program has no Preferences command; no
  * other bit is read. The working directory becomes the user's home. */
 void XwSession(const char* name, const char* title, uint8_t flags);
@@ -173,7 +173,7 @@ int XwGetEvent(XwWindow* modal, int dispatch);
 /* XwGetEvent until it returns 0. Returns 0. For long computations that stay responsive. */
 int XwPeekEvents(XwWindow* modal, int dispatch);
 /* The next raw event for a loop of the program's own, such as a drag. Timer events for windows with
- * a handler are dropped meanwhile. */
+ * a handler are dropped while it waits. */
 int XwGrabEvent(void);
 /* Puts a copy of Inp with these fields replaced at the end of the queue. Dropped when the window is
  * null or has been destroyed. What `value` points at stays the sender's, and must live until the
@@ -217,7 +217,7 @@ void XwTimer(XwWindow* w, int32_t value, int32_t ms);
  * XwUngrabPointer. A press of another button is the last event that a grab sends to its window.
  * Outside the program's windows a grab hears motion and releases, no press. */
 
-/* `cursor` is an index into XWcursors and is shown everywhere meanwhile; outside 0..21: none. */
+/* `cursor` is an index into XWcursors and is shown everywhere until then; outside 0..21: none. */
 void XwGrabPointer(XwWindow* w, int32_t cursor);
 void XwUngrabPointer(void);
 /* The window of the grab, also of a passive one; null when there is none. */
@@ -235,7 +235,7 @@ void XwSetCursor(XwWindow* w, int32_t index);
  *
  * Every top-level window, docked window, sub-window and control is one record in one tree. The
  * first top-level window is the main window: it gets quit, preferences and open requests, and
- * carries the session's title and the menu strip.
+ * carries the session's title and the menu bar.
  *
  * The record's fields are for reading. Kind 0 is a top-level or docked window, 12 a sub-window,
  * other kinds are controls. */
@@ -244,8 +244,8 @@ struct XwWindow {
   XwWindow* toolbar;
   XwWindow* linked;
   void* platform;        /* native window (a sub-window shares its parent's) or control */
-  int16_t brush;         /* theme brush of the ground, 0 none */
-  int32_t color;         /* colour of the ground when brush is 0; -1 none */
+  int16_t brush;         /* theme brush of the background, 0 none */
+  int32_t color;         /* colour of the background when brush is 0; -1 none */
   XwContext* context;    /* made when the window is selected */
   void* menu;
   XwRegion* clip_region; /* made with the context */
@@ -294,7 +294,7 @@ extern XwWindow* W_MenuBar;
  * Otherwise makes a top-level window, hidden: 0 is the standard one; -256..-1 gives in its low byte
  * a style index (bits 0-2: 0 alert, 1 document, 2 utility, 3 modal dialog, 4 floating, 5 document,
  * 6 alert, 7 tool bar) and boxes (8 collapse, 16 zoom, 32 close). Width or height 0: full screen
- * below the menu strip. A window that would lie partly off the screen is moved. The size is fixed
+ * below the menu bar. A window that would lie partly off the screen is moved. The size is fixed
  * until XwSetSizes. Null when the display refuses it. */
 XwWindow* XwCreate(XwValue parent_or_style, int x, int y, int width, int height, XwHandler handler);
 /* A borderless window that moves, layers and hides with the first window; (x, y) on the screen. */
@@ -314,7 +314,7 @@ void AddSubWindow(XwWindow* parent, XwWindow* child);
 void XwMove(XwWindow* window, int x, int y, int width, int height);
 /* Centres it over the bounds of `reference`, keeping the size. */
 void XwCenter(XwWindow* window, XwWindow* reference);
-/* The first window fills the screen below the menu strip, until it is moved. */
+/* The first window fills the screen below the menu bar, until it is moved. */
 void XwSetFullScreen(void);
 /* Makes the window resizable: content limits (maximum 0: the screen's size) and steps (0: any size;
  * else sizes that differ from the present one by whole steps). Values saturate at 16 bits. */
@@ -333,8 +333,8 @@ void XwSetTextUtf8(XwWindow* window, const char* utf8);
 void XwSetValue(XwWindow* window, XwValue value);
 /* Copies the title of a top-level window (without the mark) to `dst`, 256 bytes, and returns it. */
 char* XwGetText(XwWindow* window, char* dst);
-/* The ground that erasing paints. `colour` not null: that colour value. Else a theme brush by code:
- * 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
+/* The background that erasing paints. `colour` not null: that colour value. Else a theme brush by
+ * code: 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
 
 /* The wheel over the window's own content: dx, dy in logical pixels, positive right and down; the
@@ -361,7 +361,7 @@ void XwBoxList(int op, int x, int y, int width, int height);
  * nothing. With no window selected the calls do nothing.
  *
  * A colour value is 0x00BBGGRR: red in the low byte. -1 to -10 are no colours: -1 paints nothing,
- * -2 erases to the window's own ground, the others paint nothing. */
+ * -2 erases to the window's own background, the others paint nothing. */
 
 extern XwWindow* XW; /* the selected window, null when none */
 /* Selects (null: none). XwPush saves the selection first, XwPop selects the last one saved; more
@@ -371,7 +371,7 @@ void XwPush(XwWindow* window);
 void XwPop(void);
 /* Cuts drawing into XW to a rectangle; width or height 0: the whole window again. */
 void XwClip(uint16_t x, uint16_t y, uint16_t width, uint16_t height);
-/* After changes of a record made by hand: its clip is made anew when it is next selected. */
+/* After changes of a record made by hand: its clip is made again when it is next selected. */
 void ResetClipMask(XwWindow* w);
 
 /* ---- Colours and dashes. The current colour and the dash pattern are the program's, not the
@@ -395,8 +395,8 @@ void XwFlush(void);
 /* Brings everything drawn so far to the screen and waits until the display has it. The loop does
  * the same by itself before it waits. */
 void XwSync(void);
-/* Paints the rectangle with the window's own ground (a colour becomes the current colour); nothing
- * when the window has none. Width and height both 0: the whole window. */
+/* Paints the rectangle with the window's own background (a colour becomes the current colour);
+ * nothing when the window has none. Width and height both 0: the whole window. */
 void XwClear(int x, int y, int width, int height);
 
 /* ---- Shapes. A rectangle (x, y, w, h) covers w columns from x and h rows from y; an empty or
@@ -496,9 +496,10 @@ void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char*
 int XwTextWidthUtf8(XwFont* font, const char* utf8);
 void XwDrawTextUtf8(XwFont* font, int flags, int x, int y, int w, int h, const char* utf8,
                     int32_t colour, int32_t background);
-/* As XwTextTrim and XwTextFit. They write valid UTF-8, at most `size` bytes with the ending zero, cut
- * between characters, and return the length of the whole result without the zero; they write nothing
- * for a null `dst` or a size below 1. `dst` may be the text itself. Null text is the empty one. */
+/* As XwTextTrim and XwTextFit. They write valid UTF-8, at most `size` bytes with the ending zero,
+ * cut between characters, and return the length of the whole result without the zero; they write
+ * nothing for a null `dst` or a size below 1. `dst` may be the text itself. Null text is the empty
+ * one. */
 int XwTextTrimUtf8(XwFont* font, const char* utf8, int width, char* dst, int size);
 int XwTextFitUtf8(XwFont* font, const char* utf8, int width, char* dst, int size);
 

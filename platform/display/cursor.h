@@ -16,4 +16,12 @@ struct Cursor {
   std::vector<uint32_t> pixels;
 };
 
+// A cursor's picture at device size: each logical pixel fills its rectangle, nothing is blurred.
+struct CursorPicture {
+  int width = 0, height = 0, hot_x = 0, hot_y = 0;
+  std::vector<uint32_t> pixels;  // colours multiplied by alpha
+};
+// Empty for the desktop's own shapes.
+CursorPicture PictureOf(const Cursor& cursor, double scale);
+
 }  // namespace platform

@@ -15,8 +15,6 @@
 
 namespace platform {
 
-using PollList = std::vector<pollfd>;
-
 struct Screen {
   DeviceRect bounds;
   double scale = 1.0;
@@ -24,7 +22,7 @@ struct Screen {
 
 // --- Words of the table.
 enum class OpenResult : uint8_t {
-  kNotHere,  // there is no such display here; nothing has been said about it
+  kNotHere,  // there is no such display, or none that can be used
   kOpened,
   kShared,  // and another program of the session's name has it open
 };
@@ -56,9 +54,10 @@ struct Display {
   // Up to `max` screens, main first; returns how many there are. At least one.
   int (*screens)(Screen* out, int max);
   // Makes the native window, hidden, at DeviceBounds(*w), with all that the record says; a pop-up
-  // (`w->parent`) at the place that PopUpBounds tells. The display's own handle; null: refused.
+  // (`w->parent`) at the place that WantedBounds tells. The display's own handle; null: refused.
   void* (*create_window)(const Window* w);
-  // Frees it, and drops the reports that name it. The core nulls `native` afterwards.
+  // Frees it, and drops the reports that name it; those that let go of something (IsRelease) name
+  // no window instead. The core nulls `native` afterwards.
   void (*destroy_window)(const Window* w);
   // Shows or hides; with `w->state` and hints as they are then.
   void (*map_window)(const Window* w, bool shown);

@@ -7,7 +7,7 @@
 namespace platform {
 
 bool IsValidWindow(const Window* w) {
-  return w && IsLiveObject(&w->object) && w->object.type == &kWindowType;
+  return w && IsLiveObject(&w->object) && w->object.type->kind == ObjectKind::kWindow;
 }
 WindowRef LiveWindow(const Window* w) {
   return IsValidWindow(w) ? const_cast<WindowRef>(w) : nullptr;
@@ -26,9 +26,9 @@ SizeLimits LimitsOf(const Window& w) {
 
 DeviceRect DeviceBounds(const Window& w) {
   double s = w.surface.scale;
-  int left = DeviceEdge(w.content.left, s), top = DeviceEdge(w.content.top - w.strip, s);
+  int left = DeviceEdge(w.content.left, s), top = DeviceEdge(w.content.top - w.menu_bar_height, s);
   return {left, top, left + std::max(1, DeviceEdge(w.content.width(), s)),
-          top + std::max(1, DeviceEdge(w.content.height() + w.strip, s))};
+          top + std::max(1, DeviceEdge(w.content.height() + w.menu_bar_height, s))};
 }
 
 }  // namespace platform

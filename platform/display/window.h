@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/display/pop_up.h"
 #include "platform/display/window_kinds.h"
+#include "platform/graphics/region.h"
 #include "platform/graphics/surface.h"
 #include "platform/objects/object.h"
 
@@ -28,8 +30,8 @@ struct Window {
   int window_class = 0;
   uint32_t attributes = 0;
   uint32_t state = 0;
-  Rect content;   // global, logical
-  int strip = 0;  // logical height of the menu strip above the content
+  Rect content;             // global, logical
+  int menu_bar_height = 0;  // logical, above the content
   bool visible = false;
   bool placing = false;  // shown, and nothing has happened in it yet: it is still being placed
   std::string title;     // UTF-8, without the mark
@@ -38,15 +40,18 @@ struct Window {
   SizeLimits limits;            // as asked for; see LimitsOf
   int widest = 0, tallest = 0;  // that the program itself has made it since
   WindowRef transient_for = nullptr;
+  WindowRef parent = nullptr;  // of a pop-up: it lies beside a rectangle of it, above it
+  PopUpPlace place;            // of a pop-up
   WindowGroup* group = nullptr;
   // --- Erasing.
   int brush = 0;
-  uint32_t ground_color = kNoColor;
+  uint32_t background_color = kNoColor;
   bool active = true;    // looks active
   bool focused = false;  // has the display's input focus
-  // --- Pixels: strip and content together.
+  // --- Pixels: menu bar and content together.
   Surface surface;
   bool needs_draw = false;
+  Region lost;  // content that a redraw was asked for, logical
   double draw_since = 0;
   CursorRef cursor = nullptr;
   // --- The display's handle, which no other room looks into.
@@ -58,14 +63,12 @@ struct Window {
   unsigned number = 0;       // in the order of creation, from 1
 };
 
-extern const ObjectType kWindowType;
-
 // The window that a display's report names; null when it is gone, or for none.
 WindowRef LiveWindow(const Window* w);
 // The limits that hold now: the screen's size where the program set none, the window's own where it
 // has a fixed size.
 SizeLimits LimitsOf(const Window& w);
-// The window's rectangle on the screen in device pixels, strip included.
+// The window's rectangle on the screen in device pixels, menu bar included.
 DeviceRect DeviceBounds(const Window& w);
 
 }  // namespace platform

@@ -16,6 +16,7 @@ enum WindowClass : int {
   kFloatingWindowClass = 5,
   kDocumentWindowClass = 6,
   kToolbarWindowClass = 12,
+  kPopUpWindowClass = 14,
   kSimpleWindowClass = 18,
 };
 

@@ -34,6 +34,7 @@ enum : uint32_t {
   kEventWindowCursorChange = 40,
   kEventWindowClose = 72,
   kEventWindowZoom = 75,
+  kEventWindowFocusAcquired = 200,    // the desktop itself has moved the input focus to the window
   kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
   kEventWindowCreated = 2000,         // sent to the application
   kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27
@@ -92,6 +93,7 @@ struct BoundsFields {
   bool programmatic;       // moved by the program, not by the user or the desktop
   bool placement;          // the place that a new window was given by the desktop
   bool replayed;           // out of a recording: the desktop does not know of it
+  float scale;             // the window's at these bounds; 0: as before
 };
 struct RequestFields {
   uint32_t id;               // quit, odoc; a command
@@ -111,6 +113,8 @@ struct Event {
     BoundsFields bounds;
     RequestFields request;
   };
+  // A program's own event: whoever receives it owns the payload.
+  bool posted() const { return payload && cls != kEventClassAppleEvent; }
   Event() : bounds{} {}
   Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}
 };

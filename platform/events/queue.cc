@@ -28,21 +28,54 @@ void PostEventToQueue(EventQueueRef queue, const Event& event) {
   if (queue) queue->Push(event);
 }
 
-void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit) {
+// Outermost wait first.
+static void ForEachLyingBy(LyingBy* innermost, const std::function<void(std::vector<Event>*)>& f) {
+  if (!innermost) return;
+  ForEachLyingBy(innermost->outer, f);
+  f(&innermost->events);
+}
+
+void EventQueue::Prepend(const std::vector<Event>& events) {
+  std::vector<Event> all = events;
+  for (size_t i = 0; i < size(); ++i) all.push_back(at(i));
+  head = tail = 0;
+  for (const Event& e : all) Push(e);
+}
+
+Event* EventQueue::Last() {
+  if (!empty()) return &back();
+  for (LyingBy* l = lying_by; l; l = l->outer)
+    if (!l->events.empty()) return &l->events.back();
+  return nullptr;
+}
+
+void ForEachEvent(EventQueueRef queue, const std::function<void(Event*)>& visit) {
   if (!queue) return;
-  for (size_t i = 0; i < queue->size(); ++i)
-    if (queue->at(i).cls == cls) visit(queue->at(i).payload);
+  ForEachLyingBy(queue->lying_by, [&](std::vector<Event>* events) {
+    for (Event& e : *events) visit(&e);
+  });
+  for (size_t i = 0; i < queue->size(); ++i) visit(&queue->at(i));
+}
+
+void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit) {
+  ForEachEvent(queue, [&](Event* e) {
+    if (e->cls == cls) visit(e->payload);
+  });
 }
 
 void RemoveEventsFromQueue(EventQueueRef queue, const std::function<bool(const Event&)>& drop) {
   if (!queue) return;
+  auto gone = [&drop](Event& e) {
+    const bool dropped = drop(e);
+    if (dropped) ReleaseEvent(&e);
+    return dropped;
+  };
+  ForEachLyingBy(queue->lying_by,
+                 [&](std::vector<Event>* events) { std::erase_if(*events, gone); });
   size_t kept = 0, n = queue->size();
   for (size_t i = 0; i < n; ++i) {
     Event& e = queue->at(i);
-    if (drop(e)) {
-      ReleaseEvent(&e);
-      continue;
-    }
+    if (gone(e)) continue;
     if (kept != i) queue->at(kept) = e;
     ++kept;
   }

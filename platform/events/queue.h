@@ -2,10 +2,18 @@
 #pragma once
 #include <cstddef>
 #include <functional>
+#include <vector>
 
 #include "platform/events/event.h"
 
 namespace platform {
+
+// What a nested wait leaves for later, in order. It comes first once the wait is over; what looks
+// through the queue sees it before that.
+struct LyingBy {
+  std::vector<Event> events;
+  LyingBy* outer = nullptr;  // of the wait around this one, whose events came earlier
+};
 
 // A ring of events that grows and never shrinks. The insides stand here because every event passes
 // through them: posting and taking are a few instructions of the caller's own.
@@ -42,10 +50,15 @@ struct EventQueue {
     out->payload = e.payload;
   }
   void Grow();
+  // Puts the events before all others, in their order.
+  void Prepend(const std::vector<Event>& events);
+  // The event that was queued last, also when it lies by; null when there is none.
+  Event* Last();
 
   size_t head = 0, tail = 0, capacity = 0;  // capacity: 0 or a power of two
   Event* ring = nullptr;                    // kept for the life of the process
   int quick = 0;  // events that may still be taken before the next look at clock and display
+  LyingBy* lying_by = nullptr;  // of the innermost nested wait
 };
 extern constinit EventQueue main_event_queue;
 
@@ -61,6 +74,8 @@ void PostEventToQueue(EventQueueRef queue, const Event& event);
 inline void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload) {
   if (queue) queue->PushUser(cls, payload);
 }
+// Every queued event, oldest first. `visit` may change it, but not the queue.
+void ForEachEvent(EventQueueRef queue, const std::function<void(Event*)>& visit);
 // The record of every queued user event of class `cls`, oldest first.
 void ForEachUserEvent(EventQueueRef queue, uint32_t cls, const std::function<void(void*)>& visit);
 // Drops each queued event for which `drop` is true; `drop` frees what the event owns.

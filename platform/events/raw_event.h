@@ -17,10 +17,12 @@ struct RawEvent {
     kKeyRepeat,
     kKeyUp,      // keycode, keysym, base_keysym, unicode, typed, modifiers
     kModifiers,  // modifiers
-    kConfigure,  // root_x, root_y: the buffer's corner; width, height: its size
-    kExpose,     // x, y, width, height: pixels lost on the screen; the buffer still has them
-    kLost,       // content lost: it must be drawn again
-    kClose,      // the user asks for it
+    // root_x, root_y: the buffer's corner; width, height: its size; scale: what it has there, 0 as
+    // before
+    kConfigure,
+    kExpose,  // x, y, width, height: pixels lost on the screen; the buffer still has them
+    kLost,    // content lost: it must be drawn again
+    kClose,   // the user asks for it
     kFocusIn,
     kFocusOut,
     kFrame,     // frame: the widths of the desktop's frame around the buffer
@@ -57,6 +59,11 @@ struct RawEvent {
   DeviceRect frame;
   const char* text = nullptr;  // valid until the next report is taken
 };
+
+// Reports that let go of something: they count also when their window has ended.
+inline bool IsRelease(RawEvent::Type type) {
+  return type == RawEvent::kRelease || type == RawEvent::kKeyUp || type == RawEvent::kModifiers;
+}
 
 // Appends a report that does not come from the display itself. Its text is copied.
 void PostRawEvent(const RawEvent& raw);

@@ -7,10 +7,7 @@ struct Targets {
   EventTarget application, dispatcher;
 };
 
-Targets& State() {
-  static Targets* state = new Targets;
-  return *state;
-}
+constinit Targets state;
 
 bool Wants(const InstalledHandler& h, const Event& e) {
   return h.cls == 0 || (h.cls == e.cls && h.kind == e.kind);
@@ -19,10 +16,10 @@ bool Wants(const InstalledHandler& h, const Event& e) {
 }  // namespace
 
 EventTargetRef GetApplicationEventTarget() {
-  return &State().application;
+  return &state.application;
 }
 EventTargetRef GetEventDispatcherTarget() {
-  return &State().dispatcher;
+  return &state.dispatcher;
 }
 
 void InstallEventHandler(EventTargetRef target, EventHandler handler, const EventKind* kinds,
@@ -47,7 +44,7 @@ OSStatus SendEventToEventTarget(Event* event, EventTargetRef target) {
 }
 
 void FinishTargets() {
-  State() = Targets();
+  state = Targets();
 }
 
 }  // namespace platform

@@ -5,10 +5,13 @@
 namespace platform {
 namespace {
 
+constexpr uint32_t kNoPixels = ~0u;  // no surface's generation
+
 ContextRef NewContext(Surface* surface) {
   Context* c = new Context;
   c->surface = surface;
-  c->generation = surface->generation;
+  c->now = surface->generation;
+  c->generation = surface->pixels ? *c->now : kNoPixels;
   c->scale = surface->scale;
   c->pen = std::max(1, int(std::floor(surface->scale)));
   c->edges.reserve(64);
@@ -24,6 +27,7 @@ void UseClip(ContextRef c) {
 }
 
 DeviceRect SurfaceBounds(const Context* c) {
+  if (*c->now != c->generation) return {};
   return {0, 0, c->surface->width, c->surface->height};
 }
 
@@ -57,7 +61,7 @@ void SetContextOrigin(ContextRef c, int x, int y) {
 
 void ClipContextToRegion(ContextRef c, const Region& region) {
   if (!c) return;
-  c->clip_saved = false;
+  c->outer_clips.clear();
   if (c->scale == 1.0) {
     c->clip = region;
     c->clip.Translate(0, c->base_y);
@@ -74,19 +78,16 @@ void ClipContextToRegion(ContextRef c, const Region& region) {
 }
 
 void ClipContextToRect(ContextRef c, const Rect& r) {
-  if (!c || c->clip_saved) return;
-  if (!c->saved_clip) c->saved_clip = std::make_unique<Region>();
-  *c->saved_clip = c->clip;
-  c->clip_saved = true;
+  if (!c) return;
+  c->outer_clips.push_back(c->clip);
   c->clip.Intersect({EdgeX(c, r.left), EdgeY(c, r.top), EdgeX(c, r.right), EdgeY(c, r.bottom)});
   UseClip(c);
 }
 
 void RestoreContextClip(ContextRef c) {
-  if (!c || !c->clip_saved) return;
-  c->clip = std::move(*c->saved_clip);
-  c->saved_clip.reset();
-  c->clip_saved = false;
+  if (!c || c->outer_clips.empty()) return;
+  c->clip = std::move(c->outer_clips.back());
+  c->outer_clips.pop_back();
   UseClip(c);
 }
 

@@ -30,8 +30,8 @@ void ReleaseContext(ContextRef c);
 void SetContextOrigin(ContextRef c, int x, int y);
 // `region` is in content coordinates (not moved by the context's origin); it is copied.
 void ClipContextToRegion(ContextRef c, const Region& region);
-// Intersects the clip with a rectangle in the context's own coordinates until the matching Restore.
-// One level.
+// Cuts the clip to a rectangle in the context's own coordinates until the matching Restore. Cuts
+// stack without a limit; a Restore without one is ignored.
 void ClipContextToRect(ContextRef c, const Rect& r);
 void RestoreContextClip(ContextRef c);
 

@@ -28,8 +28,9 @@ struct PolygonEdge {
 };
 
 struct Context {
-  Surface* surface = nullptr;
-  uint32_t generation = 0;
+  Surface* surface = nullptr;           // there while ready() is true
+  std::shared_ptr<const uint32_t> now;  // the surface's generation
+  uint32_t generation = 0;              // for which this context was made
   double scale = 1.0;
   int base_y = 0;                  // logical rows of the surface above the content
   int origin_x = 0, origin_y = 0;  // logical, in the surface
@@ -40,17 +41,14 @@ struct Context {
   const pixman_box32_t* boxes = nullptr;
   int box_count = 0;
   Rect extents;
-  std::unique_ptr<Region> saved_clip;
-  bool clip_saved = false;
+  std::vector<Region> outer_clips;  // those that Restore brings back, the newest last
   Dash dash;
   std::vector<PolygonEdge> edges;
   std::vector<int> crossings;
   std::vector<int> columns;  // scaled pictures: source column of each device column
 
   // False when nothing can be painted.
-  bool ready() const {
-    return box_count > 0 && surface->generation == generation && surface->pixels;
-  }
+  bool ready() const { return box_count > 0 && *now == generation; }
   uint32_t* row(int y) const { return surface->pixels + int64_t(y) * surface->stride; }
 };
 

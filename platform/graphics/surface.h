@@ -2,6 +2,7 @@
 // last shown. Owned by the window; the memory itself comes from the display.
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "platform/base.h"
@@ -37,12 +38,18 @@ class Damage {
 
 // 32 bits a pixel, 0xFFRRGGBB in the machine's byte order.
 struct Surface {
+  Surface() = default;
+  ~Surface() { *generation = 0; }
+  Surface(const Surface&) = delete;
+  Surface& operator=(const Surface&) = delete;
+
   uint32_t* pixels = nullptr;
   int width = 0, height = 0;  // device pixels
   int stride = 0;             // in pixels
   double scale = 1.0;
-  // Changes whenever `pixels` or the size does; contexts compare it before they paint.
-  uint32_t generation = 0;
+  // Changes whenever `pixels` or the size does, and is 0 once the surface is gone. Contexts share
+  // it: they compare it before they paint, and so never reach a surface that is not there.
+  std::shared_ptr<uint32_t> generation = std::make_shared<uint32_t>(1);
   Damage damage;
 };
 

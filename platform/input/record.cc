@@ -169,8 +169,9 @@ void TakeReport(const RawEvent& raw) {
   }
   RecordLine line;
   line.raw = raw;
-  if (raw.window) {
-    if (!IsValidWindow(raw.window)) return;
+  const bool live = IsValidWindow(raw.window);
+  if (!live && NamesWindow(raw.type) && !IsRelease(raw.type)) return;
+  if (live) {
     line.window = raw.window->number;
     const bool button = raw.type == RawEvent::kPress || raw.type == RawEvent::kRelease;
     if (button && raw.under != raw.window)

@@ -14,10 +14,10 @@
 // The first column is when it was taken in, in seconds since the session began; a '+' behind it
 // says that timers had fired at that moment already. wN is the Nth window that was made. What is 0
 // is left out; `at` is the event's own time where it differs, `under` the number of the window
-// under the pointer where that is another one, 0 for none, `char` the code point that a key typed and
-// `typed` its text as hexadecimal bytes where that is more than one character. A "take" is where the program took
-// something up that came from elsewhere (TakeUp); what follows waits for it. A number behind its
-// '+' is how often the program had asked at that moment before.
+// under the pointer where that is another one, 0 for none, `char` the code point that a key typed
+// and `typed` its text as hexadecimal bytes where that is more than one character. A "take" is
+// where the program took something up that came from elsewhere (TakeUp); what follows waits for it.
+// A number behind its '+' is how often the program had asked at that moment before.
 #pragma once
 #include "platform/events/raw_event.h"
 

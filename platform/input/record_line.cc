@@ -23,7 +23,7 @@ constexpr KindRow kKinds[] = {
     {RawEvent::kFocusIn, "focus"},       {RawEvent::kFocusOut, "unfocus"},
     {RawEvent::kQuit, "quit"},           {RawEvent::kPreferences, "preferences"},
     {RawEvent::kOpenFile, "open"},       {RawEvent::kLeave, "leave"},
-    {RawEvent::kGrabLost, "grab-lost"},
+    {RawEvent::kGrabLost, "grab-lost"},  {RawEvent::kGrabLost, "grab-lost"},
 };
 
 // One of these points at a field of a report.
@@ -47,6 +47,7 @@ constexpr FieldRow kFields[] = {
     {"key", nullptr, nullptr, &RawEvent::keysym},
     {"base", nullptr, nullptr, &RawEvent::base_keysym},
     {"char", nullptr, nullptr, &RawEvent::unicode},
+    {"held", nullptr, nullptr, &RawEvent::held},
     {"held", nullptr, nullptr, &RawEvent::held},
 };
 
@@ -163,6 +164,11 @@ bool IsDisplaysOwn(RawEvent::Type type) {
   return !KindName(type);
 }
 
+bool NamesWindow(RawEvent::Type type) {
+  return type != RawEvent::kQuit && type != RawEvent::kPreferences && type != RawEvent::kOpenFile &&
+         type != RawEvent::kGrabLost;
+}
+
 std::string FormatRecordLine(const RecordLine& line) {
   char time[64];
   snprintf(time, sizeof time, "%.6f%s", line.time, line.after_timers || line.asked ? "+" : "");
@@ -217,9 +223,15 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
     line->path = Unescaped(Rest(&in));
     return !line->path.empty();
   }
-  if (line->raw.type == RawEvent::kQuit || line->raw.type == RawEvent::kPreferences)
+  if (!NamesWindow(line->raw.type)) return ParseFields(&in, line);
+  const std::streampos fields = in.tellg();
+  // A release that no window hears of names none.
+  if (!(in >> window) || window[0] != 'w' || !isdigit(uint8_t(window[1]))) {
+    if (!IsRelease(line->raw.type)) return false;
+    in.clear();
+    in.seekg(fields);
     return ParseFields(&in, line);
-  if (!(in >> window) || window[0] != 'w') return false;
+  }
   const unsigned long number = strtoul(window.c_str() + 1, &end, 10);
   if (*end || number < 1 || number > UINT32_MAX) return false;
   line->window = unsigned(number);

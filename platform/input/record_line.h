@@ -20,6 +20,8 @@ struct RecordLine {
 
 // Reports that are neither recorded nor replayed: the display shows its windows by them.
 bool IsDisplaysOwn(RawEvent::Type type);
+// Whether it is a report of one window.
+bool NamesWindow(RawEvent::Type type);
 std::string FormatRecordLine(const RecordLine& line);
 // False for what is no line.
 bool ParseRecordLine(const std::string& text, RecordLine* line);

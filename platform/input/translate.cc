@@ -43,14 +43,14 @@ int LogicalPixel(double device, double scale) {
 
 Point GlobalPoint(const Window& w, const RawEvent& raw) {
   return {w.content.left + LogicalPixel(raw.x, w.surface.scale),
-          w.content.top - w.strip + LogicalPixel(raw.y, w.surface.scale)};
+          w.content.top - w.menu_bar_height + LogicalPixel(raw.y, w.surface.scale)};
 }
 
 Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
   Event e(kEventClassMouse, kind, w);
   e.time = raw.time;
   e.mouse = {};
-  e.mouse.where = GlobalPoint(*w, raw);
+  if (w) e.mouse.where = GlobalPoint(*w, raw);
   e.mouse.under = LiveWindow(raw.under);
   e.mouse.button = raw.button;
   e.mouse.tablet_type = raw.tablet_type;
@@ -64,15 +64,13 @@ void Motion(const RawEvent& raw, WindowRef w) {
   EventQueue& q = main_event_queue;
   Event e = MouseEvent(raw, w, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
   // Neighbouring motions of one window merge; a pen's samples stay, since each has its pressure.
-  if (!q.empty() && !raw.tablet_type) {
-    Event& last = q.back();
-    if (last.cls == e.cls && last.kind == e.kind && last.window == e.window &&
-        !last.mouse.tablet_type) {
-      last = e;
-      return;
-    }
-  }
-  q.Push(e);
+  Event* last = q.Last();
+  const bool merges = last && last->cls == e.cls && last->kind == e.kind &&
+                      last->window == e.window && !last->mouse.tablet_type && !raw.tablet_type;
+  if (merges)
+    *last = e;
+  else
+    q.Push(e);
 }
 
 void Button(const RawEvent& raw, WindowRef w) {
@@ -110,7 +108,8 @@ void Key(const RawEvent& raw, WindowRef w, uint32_t kind) {
 
 void Configure(const RawEvent& raw, WindowRef window) {
   const Window& w = *window;
-  double scale = w.surface.scale;
+  const bool same_scale = !(raw.scale > 0) || raw.scale == w.surface.scale;
+  double scale = same_scale ? w.surface.scale : std::clamp(raw.scale, 0.5, 8.0);
   Event e(kEventClassWindow, kEventWindowBoundsReported, window);
   e.time = raw.time;
   int left = LogicalPixel(raw.root_x, scale), top = LogicalPixel(raw.root_y, scale);
@@ -118,18 +117,22 @@ void Configure(const RawEvent& raw, WindowRef window) {
   int device_width = std::clamp(raw.width, 1, int(kFar)),
       device_height = std::clamp(raw.height, 1, int(kFar));
   int width = LogicalSize(device_width, scale), height = LogicalSize(device_height, scale);
-  DeviceRect known = DeviceBounds(w);
+  const DeviceRect known = same_scale ? DeviceBounds(w) : DeviceRect();
   if (known.width() == device_width) width = w.content.width();
-  if (known.height() == device_height) height = w.content.height() + w.strip;
-  if (float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
-  if (float(known.top) == std::trunc(raw.root_y)) top = w.content.top - w.strip;
+  if (known.height() == device_height) height = w.content.height() + w.menu_bar_height;
+  if (same_scale && float(known.left) == std::trunc(raw.root_x)) left = w.content.left;
+  if (same_scale && float(known.top) == std::trunc(raw.root_y))
+    top = w.content.top - w.menu_bar_height;
   // A window has at least one row of content.
-  e.bounds.current = {left, top + w.strip, left + width, top + std::max(height, w.strip + 1)};
+  e.bounds.current = {left, top + w.menu_bar_height, left + width,
+                      top + std::max(height, w.menu_bar_height + 1)};
   e.bounds.placement = w.placing;
+  e.bounds.scale = raw.scale > 0 ? float(scale) : 0;
   e.bounds.replayed = Replaying();
   EventQueue& q = main_event_queue;
-  if (!q.empty() && q.back().cls == e.cls && q.back().kind == e.kind && q.back().window == e.window)
-    q.back() = e;
+  Event* last = q.Last();
+  if (last && last->cls == e.cls && last->kind == e.kind && last->window == e.window)
+    *last = e;
   else
     q.Push(e);
 }
@@ -209,6 +212,13 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
   }
 }
 
+// What comes up after its window has ended: no window hears of it, but nothing stays held.
+void Released(const RawEvent& raw) {
+  if (raw.type == RawEvent::kRelease) Button(raw, nullptr);
+  if (raw.type == RawEvent::kKeyUp) Key(raw, nullptr, kEventRawKeyUp);
+  if (raw.type == RawEvent::kModifiers) Key(raw, nullptr, kEventRawKeyModifiersChanged);
+}
+
 // Nothing can be shown any more. The connection's own clean-up would write to it.
 [[noreturn]] void DisplayLost() {
   fprintf(stderr, "%s: the connection to the display is gone\n", PlatformSessionName());
@@ -236,7 +246,10 @@ void TranslateRawEvent(const RawEvent& raw) {
     case RawEvent::kGrabLost:
       return GrabLost(raw);
     default:
-      if (WindowRef w = LiveWindow(raw.window)) WindowEvent(raw, w);
+      if (WindowRef w = LiveWindow(raw.window))
+        WindowEvent(raw, w);
+      else
+        Released(raw);
   }
 }
 
@@ -253,7 +266,7 @@ void TakeRawEvents() {
     raw = RawEvent();
   }
   if (Replaying()) ReplayDue();
-  SettleActivation();
+  UpdateActivation();
 }
 
 void FinishInput() {

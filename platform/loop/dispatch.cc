@@ -4,26 +4,24 @@
 
 #include "platform/events/queue.h"
 #include "platform/events/targets.h"
+#include "platform/loop/tracking.h"
 #include "platform/windows/windows.h"
 
 namespace platform {
 namespace {
 
+// Releases whose window has ended are the application's.
 bool BelongsToWindow(const Event& e) {
-  return e.cls == kEventClassMouse || e.cls == kEventClassKeyboard || e.cls == kEventClassWindow;
+  const bool of_window =
+      e.cls == kEventClassMouse || e.cls == kEventClassKeyboard || e.cls == kEventClassWindow;
+  return of_window && e.window;
 }
 
 // The dispatcher's only handler.
 OSStatus Dispatch(HandlerCall*, Event* event, void*) {
-  EventTargetRef target =
-      BelongsToWindow(*event) ? GetWindowEventTarget(event->window) : GetApplicationEventTarget();
-  if (event->cls == kEventClassAppleEvent && event->payload) {
-    event->request.files = reinterpret_cast<const char* const*>(&event->payload);
-    event->request.file_count = 1;
-  }
-  const OSStatus status = SendEventToEventTarget(event, target);
+  if (AskTracker(event) != Tracking::kTake) return DispatchEvent(event);
   ReleaseEvent(event);
-  return status;
+  return noErr;
 }
 
 // Nobody takes the request to quit: the process ends as if it had not been caught.
@@ -36,6 +34,18 @@ OSStatus EndProcess(HandlerCall*, Event* event, void*) {
 }
 
 }  // namespace
+
+OSStatus DispatchEvent(Event* event) {
+  EventTargetRef target =
+      BelongsToWindow(*event) ? GetWindowEventTarget(event->window) : GetApplicationEventTarget();
+  if (event->cls == kEventClassAppleEvent && event->payload) {
+    event->request.files = reinterpret_cast<const char* const*>(&event->payload);
+    event->request.file_count = 1;
+  }
+  const OSStatus status = SendEventToEventTarget(event, target);
+  ReleaseEvent(event);
+  return status;
+}
 
 void InitDispatch() {
   constexpr EventKind kAll[] = {{0, 0}};

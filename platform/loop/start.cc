@@ -20,6 +20,7 @@
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
+#include "platform/loop/tracking.h"
 #include "platform/menus/menu_bar.h"
 #include "platform/windows/internal.h"
 
@@ -78,6 +79,7 @@ bool InitPlatform(const char* name) {
 void FinishPlatform() {
   const Display* d = CurrentDisplay();
   if (!d) return;
+  FinishTracking();
   FinishReceive();
   FinishWindows();
   FinishMenus();

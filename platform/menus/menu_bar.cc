@@ -45,14 +45,14 @@ OSStatus DrawBar(HandlerCall*, Event* event, void*) {
   WindowRef w = event->window;
   Surface& s = w->surface;
   if (!s.pixels) return noErr;
-  int bottom = DeviceEdge(w->strip, s.scale);
+  int bottom = DeviceEdge(w->menu_bar_height, s.scale);
   int line = std::max(1, int(s.scale));
   FillSurface(&s, {0, 0, s.width, bottom - line}, RoleColor(Role::kToolBar));
   FillSurface(&s, {0, bottom - line, s.width, bottom}, RoleColor(Role::kHairline));
-  SizedFont* font = BarFont(w->strip);
+  SizedFont* font = BarFont(w->menu_bar_height);
   if (!font) return noErr;
   ContextRef c = CreateSurfaceContext(&s);
-  ClipContextToRegion(c, Region(Rect{0, 0, w->content.width(), w->strip - 1}));
+  ClipContextToRegion(c, Region(Rect{0, 0, w->content.width(), w->menu_bar_height - 1}));
   DrawUtf8(c, font, kNameLeft, bar.baseline, PlatformSessionName(), RoleColor(Role::kInk));
   ReleaseContext(c);
   return noErr;

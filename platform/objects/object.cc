@@ -6,66 +6,60 @@ namespace platform {
 namespace {
 
 struct Objects {
-  PointerSet live;
-  const Object* last_found = nullptr;  // the live object that was asked about last
-  std::vector<Object*> ended;          // their records are still in memory
-  int depth = 0;                       // dispatches under way
+  PointerSet* live = nullptr;  // made with the first object
+  std::vector<Object*> ended;  // their records are still in memory
+  int depth = 0;               // dispatches under way
 };
-
-Objects& State() {
-  static Objects* state = new Objects;
-  return *state;
-}
+constinit Objects state;
 
 uint64_t last_serial = 0;
 
 void ReleaseEnded() {
   std::vector<Object*> ended;
-  ended.swap(State().ended);
+  ended.swap(state.ended);
   for (Object* o : ended) o->type->release(o->record);
 }
 
 }  // namespace
 
 void EnterObject(Object* object) {
+  if (!state.live) state.live = new PointerSet;
   object->serial = ++last_serial;
-  State().live.Add(object);
+  state.live->Add(object);
 }
 
-bool IsLiveObject(const Object* object) {
-  Objects& s = State();
-  if (!object) return false;
-  if (object == s.last_found) return true;
-  if (!s.live.Contains(object)) return false;
-  s.last_found = object;
+const Object* last_live_object = nullptr;
+
+bool FindLiveObject(const Object* object) {
+  if (!state.live || !state.live->Contains(object)) return false;
+  last_live_object = object;
   return true;
 }
 
 void EndObject(Object* object) {
-  Objects& s = State();
   if (!IsLiveObject(object)) return;
-  s.live.Remove(object);
-  s.last_found = nullptr;
+  state.live->Remove(object);
+  last_live_object = nullptr;
   object->target.ended = true;
-  s.ended.push_back(object);
-  if (s.depth == 0) ReleaseEnded();
+  state.ended.push_back(object);
+  if (state.depth == 0) ReleaseEnded();
 }
 
 DispatchScope::DispatchScope() {
-  ++State().depth;
+  ++state.depth;
 }
 DispatchScope::~DispatchScope() {
-  if (--State().depth == 0 && !State().ended.empty()) ReleaseEnded();
+  if (--state.depth == 0 && !state.ended.empty()) ReleaseEnded();
 }
 bool InDispatch() {
-  return State().depth > 0;
+  return state.depth > 0;
 }
 
 void FinishObjects() {
-  Objects& s = State();
   ReleaseEnded();
-  s.live = PointerSet();
-  s.last_found = nullptr;
+  delete state.live;
+  state.live = nullptr;
+  last_live_object = nullptr;
 }
 
 }  // namespace platform

@@ -48,8 +48,13 @@ struct Object {
 
 // Makes the object live and gives it a serial. `type` and `record` are set.
 void EnterObject(Object* object);
+// The object that was found alive last.
+extern const Object* last_live_object;
+bool FindLiveObject(const Object* object);
 // True for an object that was entered and has not ended. Any pointer may be asked about.
-bool IsLiveObject(const Object* object);
+inline bool IsLiveObject(const Object* object) {
+  return object && (object == last_live_object || FindLiveObject(object));
+}
 // The object is live no longer; its record is freed when no dispatch is under way. One that is not
 // live is ignored.
 void EndObject(Object* object);

@@ -1,5 +1,5 @@
-// The one table of colour roles and metrics. Everything that the theme draws, and the grounds and
-// inks of programs, come from here, so that a dark table can stand beside it.
+// The one table of colour roles and metrics. Everything that the theme draws, and the backgrounds
+// and inks of programs, come from here, so that a dark table can stand beside it.
 #pragma once
 #include <cstdint>
 
@@ -30,7 +30,7 @@ enum class Role : uint8_t {
   kProgressLine,
   kThumb,
   kHeldThumb,
-  kScrollGround,
+  kScrollBackground,
   kGood,
   kWarning,
   kBad,
@@ -41,7 +41,8 @@ enum class Role : uint8_t {
 uint32_t RoleColor(Role role);
 
 // Theme brushes by number: 1 dialog, 3 alert, 7 utility, 15 document, 52 tool bar, -1 black,
-// -2 white, any other the dialog's. `active` false gives the lighter ground of inactive windows.
+// -2 white, any other the dialog's. `active` false gives the lighter background of inactive
+// windows.
 uint32_t ThemeBrushColor(int brush, bool active);
 
 }  // namespace platform

@@ -22,7 +22,7 @@ struct ThemeButtonDrawInfo {
 void DrawThemeButton(ContextRef c, const Rect& r, ThemeButtonKind kind,
                      const ThemeButtonDrawInfo& info);
 // A frame around sunken content, one pixel wide; the content begins two pixels inside.
-// `fill_center` also paints the document ground there.
+// `fill_center` also paints the document background there.
 void DrawThemeGenericWell(ContextRef c, const Rect& r, int state, bool fill_center);
 // A hairline along the longer side of a rectangle two pixels thick, in its second pixel. With equal
 // sides it is vertical.

@@ -19,12 +19,29 @@ void PostActivation(bool active) {
   PostEventToQueue(GetMainEventQueue(), e);
 }
 
-// The ground of an inactive window is lighter, so all of it is drawn again.
+// The desktop itself has given the window the focus.
+void PostFocus(WindowRef w) {
+  Event e(kEventClassWindow, kEventWindowFocusAcquired, w);
+  e.time = GetCurrentEventTime();
+  PostEventToQueue(GetMainEventQueue(), e);
+}
+
+// An answer to the program's own request comes within this time, in seconds.
+constexpr double kAnswerTime = 2;
+
+bool AnswersRequest(WindowRef w) {
+  auto& state = Windows().activation;
+  const bool own = state.asked == w && GetCurrentEventTime() - state.asked_at <= kAnswerTime;
+  state.asked = nullptr;
+  return own;
+}
+
+// The background of an inactive window is lighter, so all of it is drawn again.
 void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
-  uint32_t before = WindowGround(w);
+  uint32_t before = WindowBackground(w);
   w->active = active;
-  if (w->visible && w->brush && WindowGround(w) != before)
+  if (w->visible && w->brush && WindowBackground(w) != before)
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
 }
 
@@ -33,6 +50,7 @@ void SetActive(WindowRef w, bool active) {
 bool LooksActive(const Window& w) {
   const auto& state = Windows().activation;
   if (!state.focused) return false;
+  if (w.parent) return LooksActive(*w.parent);
   if (&w == state.focused || (w.state & kStateDocked)) return true;
   return w.group && w.group == state.focused->group &&
          (w.group->attributes & kWindowGroupAttrSharedActivation);
@@ -48,6 +66,7 @@ void HandleFocus(WindowRef w, bool focused) {
     if (state.focused && IsValidWindow(state.focused)) state.focused->focused = false;
     state.focused = w;
     w->focused = true;
+    if (!AnswersRequest(w)) PostFocus(w);
     PostActivation(true);
     auto& list = WindowList();
     if (std::find(list.begin(), list.end(), w) != list.end()) {
@@ -60,7 +79,14 @@ void HandleFocus(WindowRef w, bool focused) {
   state.known = true;
 }
 
-void SettleActivation() {
+void NoteFocusRequest(WindowRef w) {
+  auto& state = Windows().activation;
+  if (w->focused || w->parent) return;  // a pop-up takes none
+  state.asked = w;
+  state.asked_at = GetCurrentEventTime();
+}
+
+void UpdateActivation() {
   auto& state = Windows().activation;
   if (!state.known) return;
   state.known = false;
@@ -80,6 +106,7 @@ void SelectWindow(WindowRef w, const char* token) {
   auto& list = WindowList();
   std::erase(list, w);
   list.insert(list.begin(), w);
+  if (w->visible) NoteFocusRequest(w);
   CurrentDisplay()->raise(w, w->visible ? kRaiseBoth : kRaiseOnly, token);
 }
 
@@ -92,8 +119,9 @@ void SetFrontProcess() {
 }
 
 void SetUserFocusWindow(WindowRef w) {
-  if (IsValidWindow(w) && w->visible && !w->focused)
-    CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
+  if (!IsValidWindow(w) || !w->visible || w->focused) return;
+  NoteFocusRequest(w);
+  CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
 }
 
 void ClearKeyboardFocus(WindowRef) {

@@ -13,7 +13,7 @@ constexpr int kWidestFrame = 4096;
 constexpr double kLeastScale = 0.5, kMostScale = 8;
 
 Rect Structure(const Window& w) {
-  return {w.content.left - w.frame.left, w.content.top - w.strip - w.frame.top,
+  return {w.content.left - w.frame.left, w.content.top - w.menu_bar_height - w.frame.top,
           w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
 }
 
@@ -27,6 +27,7 @@ void MoveGroup(const Window& leader, int dx, int dy) {
     if (w == &leader || w->group != leader.group) continue;
     w->content = Offset(w->content, dx, dy);
     CurrentDisplay()->move_resize(w);
+    PlacePopUps(w);
   }
 }
 
@@ -49,7 +50,8 @@ int WithinBySteps(int size, int low, int high, int step) {
 Rect Constrained(WindowRef w, const Rect& reported) {
   if (reported.width() == w->content.width() && reported.height() == w->content.height())
     return reported;
-  // Full screen and the way back from it are the desktop's.
+  // Full screen and the way back from it are the desktop's, and so is the place of a pop-up.
+  if (w->parent) return reported;
   if ((w->state & kStateFullScreen) || w->full_bounds) return reported;
   SizeLimits l = LimitsOf(*w);
   Event e(kEventClassWindow, kEventWindowBoundsChanging, w);
@@ -96,12 +98,12 @@ void ResizeSurface(WindowRef w) {
   s.width = d.width();
   s.height = d.height();
   s.stride = stride;
-  ++s.generation;
+  ++*s.generation;
   s.damage.Reset(s.width, s.height);
-  // What is new takes the ground; what was there stays.
-  uint32_t ground = WindowGround(w);
-  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, ground);
-  FillSurface(&s, {0, old_height, s.width, s.height}, ground);
+  // What is new takes the background; what was there stays.
+  uint32_t background = WindowBackground(w);
+  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, background);
+  FillSurface(&s, {0, old_height, s.width, s.height}, background);
   s.damage.Mark(0, 0, s.width, s.height);
   if (old_width != s.width) DrawFrame(w);
 }
@@ -112,13 +114,17 @@ static bool TakeBounds(WindowRef w, const Rect& content) {
   w->content = content;
   if (SameSize(old, content)) return false;
   if (w->visible || w->surface.pixels) ResizeSurface(w);
-  bool grew = content.width() > old.width() || content.height() > old.height();
-  if (grew && w->visible) InvalidateWindow(w, {}, false);
+  const int width = content.width(), height = content.height();
+  const bool grew = width > old.width() || height > old.height();
+  if (grew && w->visible) {
+    InvalidateWindow(w, {old.width(), 0, width, height}, false);
+    InvalidateWindow(w, {0, old.height(), width, height}, false);
+  }
   return grew;
 }
 
 void SetWindowBounds(WindowRef w, const Rect& content) {
-  if (!IsValidWindow(w)) return;
+  if (!IsValidWindow(w) || w->parent) return;
   Rect old = w->content;
   if (old == content) return;
   if (!w->has_limits || SameSize(old, content)) {
@@ -138,7 +144,37 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   MoveGroup(*w, content.left - old.left, content.top - old.top);
   Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
   e.time = GetCurrentEventTime();
-  e.bounds = {old, content, true, false, false};
+  PlacePopUps(w);
+  e.bounds = {old, content, true, false, false, 0};
+  SendEventToEventTarget(&e, &w->object.target);
+}
+
+static bool IsScale(double scale) {
+  return scale >= kLeastScale && scale <= kMostScale;
+}
+
+// The window keeps its place on the screen and its logical size; its pixels are made anew. `ask`:
+// the display is asked for the size that this makes.
+static void Rescale(WindowRef w, double scale, bool ask) {
+  if (w->surface.scale == scale) return;
+  const DeviceRect at = DeviceBounds(*w);
+  const Rect old = w->content;
+  Surface& s = w->surface;
+  s.scale = scale;
+  w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
+                      LogicalSize(at.top, scale) + w->menu_bar_height - old.top);
+  if (s.pixels) {
+    s.width = s.height = 0;  // nothing of the old picture fits
+    ResizeSurface(w);
+  }
+  w->refused = {};
+  CurrentDisplay()->update(w, kUpdateHints | kUpdateCursor);
+  if (ask) CurrentDisplay()->move_resize(w);
+  if (w->visible) InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, false);
+  for (WindowRef p : PopUpsOf(w)) Rescale(p, scale, true);
+  Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
+  e.time = GetCurrentEventTime();
+  e.bounds = {old, w->content, true, false, false, 0};
   SendEventToEventTarget(&e, &w->object.target);
 }
 
@@ -146,6 +182,8 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
 // handlers.
 OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
   WindowRef w = event->window;
+  if (IsScale(event->bounds.scale)) Rescale(w, event->bounds.scale, false);
+  if (!IsValidWindow(w)) return noErr;
   Rect reported = event->bounds.current, old = w->content;
   if (reported == old) return noErr;
   Rect wanted = Constrained(w, reported);
@@ -169,36 +207,17 @@ OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
   if (was_full && !w->full_bounds) CurrentDisplay()->update(w, kUpdateHints);
   if (wanted == old) return noErr;
   MoveGroup(*w, wanted.left - old.left, wanted.top - old.top);
+  PlacePopUps(w);
   Event changed(kEventClassWindow, kEventWindowBoundsChanged, w);
   changed.time = event->time;
-  changed.bounds = {old, wanted, event->bounds.placement && SameSize(old, wanted), false, false};
+  changed.bounds = {old, wanted, event->bounds.placement && SameSize(old, wanted), false, false, 0};
   return SendEventToEventTarget(&changed, &w->object.target);
 }
 
-// The window keeps its place on the screen and its logical size; its pixels are made anew.
-static void Rescale(WindowRef w, double scale) {
-  const DeviceRect at = DeviceBounds(*w);
-  const Rect old = w->content;
-  Surface& s = w->surface;
-  s.scale = scale;
-  w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
-                      LogicalSize(at.top, scale) + w->strip - old.top);
-  if (s.pixels) {
-    s.width = s.height = 0;  // nothing of the old picture fits
-    ResizeSurface(w);
-  }
-  w->refused = {};
-  CurrentDisplay()->update(w, kUpdateHints | kUpdateCursor);
-  CurrentDisplay()->move_resize(w);
-  if (w->visible) InvalidateWindow(w, {}, false);
-  Event e(kEventClassWindow, kEventWindowBoundsChanged, w);
-  e.time = GetCurrentEventTime();
-  e.bounds = {old, w->content, true, false, false};
-  SendEventToEventTarget(&e, &w->object.target);
-}
-
 void ReadScreens() {
-  if (!UpdateScreens()) return;
+  const bool main_changed = UpdateScreens();
+  PlacePopUps(nullptr);
+  if (!main_changed) return;
   // Figures of the screen first: the windows are told of theirs after that.
   Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
   e.time = GetCurrentEventTime();
@@ -208,8 +227,8 @@ void ReadScreens() {
 }
 
 void HandleScale(WindowRef w, double scale) {
-  const bool sound = scale >= kLeastScale && scale <= kMostScale;
-  if (sound && w->surface.scale != scale) Rescale(w, scale);
+  // A pop-up has its parent's.
+  if (IsScale(scale) && !w->parent) Rescale(w, scale, true);
 }
 
 void HandleFrame(WindowRef w, const DeviceRect& widths) {
@@ -226,11 +245,12 @@ void HandleState(WindowRef w, uint32_t state) {
 }
 
 void MoveWindowStructure(WindowRef w, int left, int top) {
-  if (!IsValidWindow(w)) return;
+  if (!IsValidWindow(w) || w->parent) return;
   Rect s = Structure(*w);
   if (s.left == left && s.top == top) return;
   w->content = Offset(w->content, left - s.left, top - s.top);
   CurrentDisplay()->move_resize(w);
+  PlacePopUps(w);
 }
 
 Rect ConstrainWindowToScreen(WindowRef w) {
@@ -246,7 +266,8 @@ int FindWindow(Point where, WindowRef w) {
   if (!IsValidWindow(w)) return inDesk;
   const Rect& c = w->content;
   if (c.contains(where)) return inContent;
-  return Rect{c.left, c.top - w->strip, c.right, c.top}.contains(where) ? inMenuBar : inDesk;
+  return Rect{c.left, c.top - w->menu_bar_height, c.right, c.top}.contains(where) ? inMenuBar
+                                                                                  : inDesk;
 }
 
 void SetSystemUIMode(int mode, uint32_t) {

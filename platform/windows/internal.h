@@ -21,7 +21,7 @@ void HandleState(WindowRef w, uint32_t state);
 // The display reports focus: activation of windows and of the application follows.
 void HandleFocus(WindowRef w, bool focused);
 // After a batch of reports: focus that has not come back to any window is gone.
-void SettleActivation();
+void UpdateActivation();
 // While they are held, windows that are shown do not come onto the screen.
 void HoldWindows(bool held);
 // The window that carries the menu bar; null when it is gone.

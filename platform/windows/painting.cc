@@ -9,8 +9,10 @@
 namespace platform {
 
 ContextRef CreateContext(WindowRef w) {
-  return IsValidWindow(w) ? CreateContext(&w->surface, w->strip) : nullptr;
+  return IsValidWindow(w) ? CreateContext(&w->surface, w->menu_bar_height) : nullptr;
 }
+
+constexpr size_t kMostLost = 32;  // rectangles; beyond that their bounds stand for them
 
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw) {
   if (!IsValidWindow(w)) return;
@@ -20,12 +22,12 @@ void SetThemeWindowBackground(WindowRef w, int brush, bool redraw) {
 }
 
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb) {
-  if (IsValidWindow(w)) w->ground_color = rgb;
+  if (IsValidWindow(w)) w->background_color = rgb;
 }
 
-uint32_t WindowGround(WindowRef w) {
+uint32_t WindowBackground(WindowRef w) {
   if (w->brush) return ThemeBrushColor(w->brush, w->active);
-  return w->ground_color != kNoColor ? w->ground_color : 0xFFFFFF;
+  return w->background_color != kNoColor ? w->background_color : 0xFFFFFF;
 }
 
 void EraseRect(WindowRef w, const Rect& r) {
@@ -34,14 +36,18 @@ void EraseRect(WindowRef w, const Rect& r) {
   Rect c = Intersect(r, {0, 0, w->content.width(), w->content.height()});
   if (c.empty()) return;
   FillSurface(&w->surface,
-              {DeviceEdge(c.left, s), DeviceEdge(c.top + w->strip, s), DeviceEdge(c.right, s),
-               DeviceEdge(c.bottom + w->strip, s)},
-              WindowGround(w));
+              {DeviceEdge(c.left, s), DeviceEdge(c.top + w->menu_bar_height, s),
+               DeviceEdge(c.right, s), DeviceEdge(c.bottom + w->menu_bar_height, s)},
+              WindowBackground(w));
 }
 
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase) {
   if (!IsValidWindow(w)) return;
-  if (erase) EraseRect(w, r);
+  const Rect part = Intersect(r, {0, 0, w->content.width(), w->content.height()});
+  if (part.empty()) return;
+  if (erase) EraseRect(w, part);
+  w->lost.Add(part);
+  if (w->lost.boxes().size() > kMostLost) w->lost = Region(w->lost.extents());
   if (w->needs_draw) return;
   w->needs_draw = true;
   w->draw_since = GetCurrentEventTime();
@@ -70,6 +76,8 @@ bool TakeDrawEvent(double asked_before, Event* out) {
   w->needs_draw = false;
   *out = Event(kEventClassWindow, kEventWindowDrawContent, w);
   out->time = w->draw_since;
+  out->bounds.current = w->lost.extents();
+  w->lost.Clear();
   return true;
 }
 

@@ -17,17 +17,27 @@ struct WindowsState {
   std::vector<DeviceRect> rects;  // memory of the last present
   struct {
     WindowRef focused = nullptr;
-    bool known = false;   // the display has said where the focus is
-    bool posted = false;  // what the handlers have been told
+    bool known = false;         // the display has said where the focus is
+    bool posted = false;        // what the handlers have been told
+    WindowRef asked = nullptr;  // the program has asked for the focus of this window
+    double asked_at = 0;
   } activation;
 };
 
 WindowsState& Windows();
 
+// Makes the native window of a new record. Null, and the record is gone, when the display refuses.
+WindowRef EnterWindow(Window* w);
+// The pop-ups of a window; null: all.
+std::vector<WindowRef> PopUpsOf(const Window* parent);
+// Their parent, or the screen, has changed.
+void PlacePopUps(const Window* parent);
 // The display reports other bounds.
 OSStatus TakeReportedBounds(HandlerCall* call, Event* event, void* user_data);
 // The window under a pointer that moves freely chooses its cursor.
 OSStatus ChooseCursor(HandlerCall* call, Event* event, void* user_data);
+// The program asks for the input focus: its coming is no action of the desktop.
+void NoteFocusRequest(WindowRef w);
 // Asks the handlers to draw what surrounds the content.
 void DrawFrame(WindowRef w);
 

@@ -29,9 +29,9 @@ void Describe(const void* record, Description* out) {
 constexpr EventKind kBoundsReported[] = {{kEventClassWindow, kEventWindowBoundsReported}};
 constexpr EventKind kPointerMoved[] = {{kEventClassMouse, kEventMouseMoved}};
 
-}  // namespace
+constexpr ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
 
-const ObjectType kWindowType = {ObjectKind::kWindow, ReleaseRecord, Describe};
+}  // namespace
 
 WindowsState& Windows() {
   if (!state) state = new WindowsState;
@@ -68,61 +68,80 @@ void DrawFrame(WindowRef w) {
   SendEventToEventTarget(&e, &w->object.target);
 }
 
-WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
-  const Display* d = CurrentDisplay();
-  if (!d) return nullptr;
+WindowRef EnterWindow(Window* w) {
   WindowsState& all = Windows();
-  auto* w = new Window;
   w->object.type = &kWindowType;
   w->object.record = w;
   w->number = ++all.made;
-  w->window_class = window_class;
-  w->attributes = attributes;
-  w->content = content;
-  w->surface.scale = MainScreen().scale;
-  const bool carries_menu_bar = !all.menu_bar_given;
-  if (carries_menu_bar) w->strip = GetMBarHeight();
-  w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
   EnterObject(&w->object);
-  w->native = d->create_window(w);
+  w->native = CurrentDisplay()->create_window(w);
   if (!w->native) {
     EndObject(&w->object);
     return nullptr;
   }
   InstallEventHandler(&w->object.target, TakeReportedBounds, kBoundsReported, 1, nullptr);
   InstallEventHandler(&w->object.target, ChooseCursor, kPointerMoved, 1, nullptr);
+  all.list.insert(all.list.begin(), w);
+  return w;
+}
+
+WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content) {
+  if (!CurrentDisplay()) return nullptr;
+  WindowsState& all = Windows();
+  auto* w = new Window;
+  w->window_class = window_class;
+  w->attributes = attributes;
+  w->content = content;
+  w->surface.scale = MainScreen().scale;
+  const bool carries_menu_bar = !all.menu_bar_given;
+  if (carries_menu_bar) w->menu_bar_height = GetMBarHeight();
+  w->transient_for = carries_menu_bar ? nullptr : all.menu_bar;
+  if (!EnterWindow(w)) return nullptr;
   if (carries_menu_bar) {
     all.menu_bar = w;
     all.menu_bar_given = true;
   }
-  all.list.insert(all.list.begin(), w);
   Event created(kEventClassWindow, kEventWindowCreated, w);
   SendEventToEventTarget(&created, GetApplicationEventTarget());
   return w;
 }
 
-// Events for others that tell of the pointer over a window that ends.
-static void ForgetUnderPointer(const Window* w) {
-  EventQueue& queue = *GetMainEventQueue();
-  for (size_t i = 0; i < queue.size(); ++i) {
-    Event& e = queue.at(i);
-    if (e.cls == kEventClassMouse && e.mouse.under == w) e.mouse.under = nullptr;
-  }
+// What lets go of a button or a key takes effect though its window has ended.
+static bool IsRelease(const Event& e) {
+  if (e.cls == kEventClassMouse) return e.kind == kEventMouseUp;
+  return e.cls == kEventClassKeyboard &&
+         (e.kind == kEventRawKeyUp || e.kind == kEventRawKeyModifiersChanged);
+}
+
+// Its queued events go, besides releases, which name no window from now on.
+static void PurgeWindow(const Window* w) {
+  ForEachEvent(GetMainEventQueue(), [w](Event* e) {
+    if (e->posted()) return;
+    if (e->window == w && IsRelease(*e)) e->window = nullptr;
+    if (e->cls == kEventClassMouse && e->mouse.under == w) e->mouse.under = nullptr;
+  });
+  RemoveEventsFromQueue(GetMainEventQueue(),
+                        [w](const Event& e) { return !e.posted() && e.window == w; });
 }
 
 void DisposeWindow(WindowRef w) {
   if (!IsValidWindow(w)) return;
   WindowsState& all = Windows();
   HandleFocus(w, false);
+  for (WindowRef p : PopUpsOf(w)) {
+    HideWindow(p);
+    p->parent = nullptr;
+  }
   if (all.menu_bar == w) all.menu_bar = nullptr;
+  if (all.activation.asked == w) all.activation.asked = nullptr;
   for (WindowRef other : all.list)
     if (other->transient_for == w) other->transient_for = nullptr;
   std::erase(all.list, w);
-  RemoveEventsFromQueue(GetMainEventQueue(), [w](const Event& e) { return e.window == w; });
-  ForgetUnderPointer(w);
+  PurgeWindow(w);
   CurrentDisplay()->destroy_window(w);
   w->native = nullptr;
   w->surface.pixels = nullptr;
+  *w->surface.generation = 0;
   EndObject(&w->object);
 }
 
@@ -164,7 +183,9 @@ void HoldWindows(bool held) {
 
 void ShowWindow(WindowRef w) {
   if (!IsValidWindow(w) || w->visible) return;
+  if (w->window_class == kPopUpWindowClass && !w->parent) return;
   w->visible = w->placing = true;
+  if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
   ResizeSurface(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
   DrawFrame(w);
@@ -178,6 +199,8 @@ void HideWindow(WindowRef w) {
   if (!IsValidWindow(w) || !w->visible) return;
   w->visible = false;
   w->needs_draw = false;
+  w->lost.Clear();
+  for (WindowRef p : PopUpsOf(w)) HideWindow(p);
   if (w == MenuBarWindow()) MapDocked(false);
   CurrentDisplay()->map_window(w, false);
 }
@@ -197,7 +220,7 @@ const char* GetWindowTitle(WindowRef w) {
 }
 
 uint32_t WindowGeneration(WindowRef w) {
-  return IsValidWindow(w) ? w->surface.generation : 0;
+  return IsValidWindow(w) ? *w->surface.generation : 0;
 }
 
 void SetWindowModified(WindowRef w, bool modified) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/display/pop_up.h"
 #include "platform/display/window_kinds.h"
 #include "platform/events/targets.h"
 #include "platform/graphics/context.h"
@@ -18,8 +19,15 @@ enum WindowRegionCode : int {
 };
 
 // Null when the display refuses. Created hidden. The first window of the process carries the menu
-// strip above its content.
+// menu bar above its content.
 WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content);
+// A window without a frame that lies above its parent, beside a rectangle of it, and never gets the
+// focus. Created hidden; it is hidden with its parent, and cannot be shown once that has ended.
+// What it is granted of its place and size comes as kEventWindowBoundsChanged. Null for a stale
+// parent, or when the display refuses.
+WindowRef CreatePopUpWindow(WindowRef parent, const PopUpPlace& place);
+// Gives a pop-up another place or size; other windows are ignored.
+void SetPopUpPlace(WindowRef w, const PopUpPlace& place);
 // Null and stale handles are ignored. Queued events of the window are dropped.
 void DisposeWindow(WindowRef w);
 // Null for a null or stale handle. Lives as long as the window.
@@ -43,7 +51,7 @@ void SetWindowModified(WindowRef w, bool modified);
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
 void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);
 
-// Content rectangle, global; kWindowStructureRgn adds frame and strip; the grow region is empty.
+// Content rectangle, global; kWindowStructureRgn adds frame and menu bar; the grow region is empty.
 Rect GetWindowBounds(WindowRef w, int region);
 // Content rectangle only. Handlers see kEventWindowBoundsChanged with `programmatic` at once.
 void SetWindowBounds(WindowRef w, const Rect& content);
@@ -58,11 +66,12 @@ int FindWindow(Point where, WindowRef w);
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw);
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb);
 // The colour that erasing uses now.
-uint32_t WindowGround(WindowRef w);
-// Paints a content rectangle with the ground.
+uint32_t WindowBackground(WindowRef w);
+// Paints a content rectangle with the background.
 void EraseRect(WindowRef w, const Rect& r);
-// Marks the window's content as lost: one draw event in the next turn of the loop. `erase` paints
-// the ground there first.
+// Marks a part of the window's content as lost: one draw event in the next turn of the loop, whose
+// `bounds.current` is the bounds of all that is lost. `erase` paints the background there first.
+// What lies outside the content is ignored.
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
 
 // --- Groups -----------------------------------------------------------------------------------
@@ -90,7 +99,7 @@ void ClearKeyboardFocus(WindowRef w);
 // Height of the menu bar at the top of the first window's frame: 24.
 int GetMBarHeight();
 enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
-// Of the window that carries the menu strip: suppressed content is the desktop's full-screen state.
+// Of the window that carries the menu bar: suppressed content is the desktop's full-screen state.
 void SetSystemUIMode(int mode, uint32_t options);
 // The same for any window.
 void SetWindowFullScreen(WindowRef w, bool full);

@@ -85,8 +85,8 @@ class ConsoleTest : public testing::Test {
   // Until what was asked for has been read.
   bool HasRead() {
     return Until([&] {
-      const FolderWish* w = c_->reader.wish();
-      return !w || w->kind == FolderWish::kWatch;
+      const FolderRequest* w = c_->reader.request();
+      return !w || w->kind == FolderRequest::kWatch;
     });
   }
   void Enter(const std::string& path, const std::string& select = "") {
@@ -105,8 +105,8 @@ class ConsoleTest : public testing::Test {
     XwSync();
     XwPop();
     const display::Picture p = display::TakePicture(native);
-    const int strip = p.height - c_->window->height;
-    return p.pixels[size_t(y + strip) * size_t(p.width) + size_t(x)] & 0xFFFFFF;
+    const int bar = p.height - c_->window->height;
+    return p.pixels[size_t(y + bar) * size_t(p.width) + size_t(x)] & 0xFFFFFF;
   }
   uint32_t LinkColor() {
     const Area s = c_->layout.status;

@@ -14,7 +14,7 @@ FolderReader::Read usual_read;
 Gate* gate;
 
 void ReadBehindGate(FolderReading* r) {
-  if (r->wish.path.find("hangs") != std::string::npos) gate->Pass();
+  if (r->request.path.find("hangs") != std::string::npos) gate->Pass();
   usual_read(r);
 }
 
@@ -26,12 +26,14 @@ class FolderTest : public ConsoleTest {
     home_.File("hangs/inside.txt", "x");
     static auto* the_gate = new Gate;  // may be waited at beyond the end
     gate = the_gate;
+    gate->Close();
     usual_read = usual_read_;
   }
   void TearDown() override {
     gate->Open();
     ConsoleTest::TearDown();
-    EXPECT_EQ(Errand::Settle(20000), 0);
+    EXPECT_EQ(BackgroundTask::WaitForAll(20000), 0);
+    FolderReader::read = usual_read_;
   }
   // From now on what hangs is behind the gate.
   void CloseGate() { FolderReader::read = ReadBehindGate; }
@@ -39,7 +41,7 @@ class FolderTest : public ConsoleTest {
     return Until([&] { return c_->reading_text.find(words) == 0; });
   }
   bool HangsIn(const std::string& path) {
-    const FolderWish* w = c_->reader.wish();
+    const FolderRequest* w = c_->reader.request();
     return w && w->path == path && gate->Waiting() > 0;
   }
 };
@@ -74,7 +76,7 @@ TEST_F(FolderTest, OneThatHangsHoldsUpNothing) {
   Turn(20);
   EXPECT_EQ(c_->reading_text, "");
   gate->Open();
-  ASSERT_TRUE(Until([&] { return Errand::Settle(0) == 0; }));
+  ASSERT_TRUE(Until([&] { return BackgroundTask::WaitForAll(0) == 0; }));
   Turn(50);
   EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
 }
@@ -84,7 +86,7 @@ TEST_F(FolderTest, EscapeGivesUpAndWhatComesIsShown) {
   CloseGate();
   EnterFolder(c_, home_.At("hangs"), "inside.txt");
   Key(kEscapeKey);
-  EXPECT_EQ(c_->reader.wish(), nullptr);
+  EXPECT_EQ(c_->reader.request(), nullptr);
   Turn(20);
   EXPECT_EQ(c_->reading_text, "");
   EnterFolder(c_, home_.At("hangs"), "inside.txt");
@@ -111,7 +113,7 @@ TEST_F(FolderTest, AStartInOneThatHangsLeadsElsewhere) {
   EXPECT_EQ(c_->folder.path(), start);
   EXPECT_FALSE(CanPrint(c_));
   Key(kEscapeKey);
-  EXPECT_NE(c_->reader.wish(), nullptr);
+  EXPECT_NE(c_->reader.request(), nullptr);
   PressCrumb(c_, 0);
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(c_->folder.path(), "/");
@@ -144,7 +146,7 @@ TEST_F(FolderTest, TooManyThatHangAreRefused) {
   EXPECT_LE(gate->Waiting(), 40);
   EXPECT_EQ(c_->folder.path(), home_.path());
   gate->Open();
-  ASSERT_TRUE(Until([&] { return Errand::Settle(0) == 0; }));
+  ASSERT_TRUE(Until([&] { return BackgroundTask::WaitForAll(0) == 0; }));
   Enter(home_.At("hangs"));
   EXPECT_EQ(c_->folder.path(), home_.At("hangs"));
 }

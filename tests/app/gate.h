@@ -17,6 +17,11 @@ struct Gate {
     opened.wait(guard, [this] { return open; });
     --waiting;
   }
+  // Only when nobody waits.
+  void Close() {
+    const std::lock_guard<std::mutex> guard(lock);
+    open = false;
+  }
   void Open() {
     const std::lock_guard<std::mutex> guard(lock);
     open = true;

@@ -85,17 +85,18 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   XwShow(pump_, 1);
   Turn(4);
   XwSet(pump_);
-  Fill({0, 0, 600, 60}, TheLook().document);
-  DrawLabel(TheLook().view, Align::kLeft, {5, 5, cell.w, cell.h}, Shown(kLongName), TheLook().ink);
+  Fill({0, 0, 600, 60}, TheStyle().document);
+  DrawLabel(TheStyle().view, Align::kLeft, {5, 5, cell.w, cell.h}, Shown(kLongName),
+            TheStyle().ink);
   XwSync();
   const auto drawn = display::TakePicture(static_cast<platform::WindowRef>(pump_->platform));
   const auto shown = display::TakePicture(static_cast<platform::WindowRef>(c_->window->platform));
-  const int strip = shown.height - c_->window->height;
+  const int bar = shown.height - c_->window->height;
   int inked = 0;
   for (int y = 0; y < cell.h; ++y) {
     for (int x = 0; x < cell.w; ++x) {
       const uint32_t a = drawn.pixels[size_t((y + 5) * drawn.width + x + 5)];
-      const uint32_t b = shown.pixels[size_t((y + cell.y + strip) * shown.width + x + cell.x)];
+      const uint32_t b = shown.pixels[size_t((y + cell.y + bar) * shown.width + x + cell.x)];
       ASSERT_EQ(a, b) << x << " " << y;
       inked += (a & 0xFFFFFF) != 0xFFFFFF;
     }
@@ -151,7 +152,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
   Key(kTabKey);
   Key(0xFF50);
-  EXPECT_EQ(c_->stop, Stop::kQueue);
+  EXPECT_EQ(c_->stop, FocusStop::kQueue);
   EXPECT_EQ(c_->queue.selected(), 0);
   Key('h', 'h');
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
@@ -159,10 +160,10 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(0xFFFF);
   ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
   Key(0xFF1B);
-  EXPECT_EQ(c_->stop, Stop::kFiles);
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
 
   // Tab goes round; each stop takes its keys.
-  for (int i = 0; i < int(Stop::kCopies); ++i) Key(kTabKey);
+  for (int i = 0; i < int(FocusStop::kCopies); ++i) Key(kTabKey);
   Key(0xFF52);
   Key(0xFF55);
   EXPECT_EQ(c_->choice.copies, 12);
@@ -173,7 +174,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
   Key(kTabKey);
-  EXPECT_EQ(c_->stop, Stop::kFiles);
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
 }
 
 // The beginning of a name, typed within a second, and one letter again and again. Tab passes over
@@ -197,7 +198,7 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   EXPECT_EQ(Shown("with\nline\x7f.txt"), "with?line?.txt");
   Turn(70);
   c_->files.Select(-1);
-  for (const Stop stop : {Stop::kQueue, Stop::kCopies}) {
+  for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }

@@ -110,7 +110,7 @@ TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
   Click(FileRow("letter.txt"));
   PrintSelected(c_);
   ASSERT_TRUE(c_->state.transfers.empty());
-  EXPECT_FALSE(AskBeforeLeaving(c_));
+  EXPECT_FALSE(AskBeforeQuit(c_));
   ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
@@ -185,7 +185,7 @@ TEST(DocumentTest, SaysWhyItCannotBeReadOn) {
     EXPECT_EQ(all, row.read);
     EXPECT_EQ(document.Trouble(), row.trouble);
   }
-  EXPECT_EQ(Errand::Settle(20000), 0);
+  EXPECT_EQ(BackgroundTask::WaitForAll(20000), 0);
   Document::read_file = usual_read;
 }
 
@@ -197,6 +197,7 @@ class HangingDocument : public SendingTest, public testing::WithParamInterface<b
     for (const char* name : {"hangs 1.pdf", "hangs 2.pdf"}) home_.File(name, Bytes(600000));
     static auto* the_gate = new Gate;
     gate = the_gate;
+    gate->Close();
     hangs_in_reading = GetParam();
     Document::open_file = OpenBehindGate;
     Document::read_file = ReadBehindGate;
@@ -206,7 +207,9 @@ class HangingDocument : public SendingTest, public testing::WithParamInterface<b
     SendingTest::TearDown();
     EXPECT_GT(gate->Waiting(), 0);
     gate->Open();
-    EXPECT_EQ(Errand::Settle(20000), 0);
+    EXPECT_EQ(BackgroundTask::WaitForAll(20000), 0);
+    Document::open_file = usual_open;
+    Document::read_file = usual_read;
   }
   void Print(const char* name) {
     Click(FileRow(name));

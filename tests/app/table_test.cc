@@ -176,12 +176,12 @@ class OnAWindow : public testing::Test {
     ASSERT_NE(window_, nullptr);
     XwShow(window_, 1);
   }
-  // What is on the window, 0xRRGGBB, strip left out.
+  // What is on the window, 0xRRGGBB, bar left out.
   uint32_t At(int x, int y) {
     const auto native = static_cast<platform::WindowRef>(window_->platform);
     if (picture_.pixels.empty()) picture_ = platform::headless::TakePicture(native);
-    const int strip = picture_.height - window_->height;
-    return picture_.pixels[size_t(y + strip) * size_t(picture_.width) + size_t(x)] & 0xFFFFFF;
+    const int bar = picture_.height - window_->height;
+    return picture_.pixels[size_t(y + bar) * size_t(picture_.width) + size_t(x)] & 0xFFFFFF;
   }
   void Draw(Table* t) {
     XwSet(window_);
@@ -220,7 +220,7 @@ TEST_F(OnAWindow, EveryPixelOfARowHitsThatRow) {
 }
 
 TEST_F(OnAWindow, NothingIsDrawnOutsideAndTextIsCutAtALetter) {
-  const Look& l = TheLook();
+  const Style& l = TheStyle();
   Table t(kOwner, {{"Wide", 60}, {"Empty", 100}}, [&](int, int column, const CellLook& cell) {
     if (column == 0) DrawLabel(l.view, Align::kLeft, cell.area, std::string(80, 'W'), cell.ink);
   });
@@ -259,14 +259,14 @@ TEST_F(OnAWindow, TheSelectionTellsWhetherItHasTheKeyboard) {
   const Area row = t.RowArea(2);
   const struct {
     bool focused, muted;
-    uint32_t ground;
+    uint32_t background;
   } kRows[] = {{true, false, 0x3875D7}, {false, false, 0xD8D5CF}, {true, true, 0xD8D5CF}};
   for (const auto& r : kRows) {
     t.SetFocused(r.focused);
     t.SetMuted(r.muted);
     Draw(&t);
-    EXPECT_EQ(At(row.x + 3, row.y), r.ground);
-    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.ground);
+    EXPECT_EQ(At(row.x + 3, row.y), r.background);
+    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.background);
     EXPECT_EQ(At(row.x + 3, row.y - 1), 0xFBFAF9u);
     EXPECT_EQ(At(row.x + 3, row.bottom()), 0xFBFAF9u);
   }

@@ -24,7 +24,7 @@ constexpr const char* kLongName =
     "Spalte ihn kürzen muss, und noch etwas mehr, weil Namen so sind (Kopie 2).pdf";
 constexpr uint32_t kGood = 0x2E8B57, kWarning = 0xB9770E, kBad = 0xC0392B, kAccent = 0x3875D7;
 constexpr uint32_t kReturnKey = 0xFF0D, kDownKey = 0xFF54, kControlKey = 0xFFE3;
-constexpr int kStrip = 24, kRow = 22;
+constexpr int kBar = 24, kRow = 22;
 
 class Walk : public testing::Test {
  protected:
@@ -61,10 +61,10 @@ class Walk : public testing::Test {
   // Where the window is now, and what is where in it.
   void Place() {
     at_ = user_->Where(window_);
-    layout_ = LayOut(at_.width, at_.height - kStrip);
+    layout_ = LayOut(at_.width, at_.height - kBar);
   }
   uint32_t Pixel(const support::Screenshot& s, int x, int y) {
-    return s.at(at_.x + x, at_.y + kStrip + y);
+    return s.at(at_.x + x, at_.y + kBar + y);
   }
   // Of the server's dot.
   uint32_t Dot(const support::Screenshot& s) {
@@ -74,7 +74,7 @@ class Walk : public testing::Test {
     return Eventually([&] { return Dot(user_->Look()) == colour; });
   }
   void ClickAt(int x, int y) {
-    user_->Move(at_.x + x, at_.y + kStrip + y);
+    user_->Move(at_.x + x, at_.y + kBar + y);
     user_->Click(1);
   }
   void Click(const Area& a) { ClickAt(a.x + a.w / 2, a.y + a.h / 2); }

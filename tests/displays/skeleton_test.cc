@@ -5,7 +5,6 @@
 
 #include "platform/display/display.h"
 #include "platform/display/window.h"
-#include "platform/events/event.h"
 #include "platform/loop/start.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/record.h"

@@ -1,4 +1,4 @@
-// The picture of a window as the screen shows it, its strip included.
+// The picture of a window as the screen shows it, its menu bar included.
 #pragma once
 #include "tests/support/picture.h"
 #include "tests/support/x_server.h"

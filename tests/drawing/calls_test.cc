@@ -131,8 +131,9 @@ TEST(State, Clearing) {
     int32_t colour;
     int brush;
     uint32_t pixel;
-  } const grounds[] = {{kRedColour, 0, kRed}, {-1, 15, 0xFFFFFFFFu}, {kRedColour, -1, 0xFF000000u}};
-  for (const auto& g : grounds) {
+  } const backgrounds[] = {
+      {kRedColour, 0, kRed}, {-1, 15, 0xFFFFFFFFu}, {kRedColour, -1, 0xFF000000u}};
+  for (const auto& g : backgrounds) {
     Canvas c(40, 40);
     XwBox(0, 0, 40, 40, kGreenColour);
     c.window().color = g.colour;
@@ -149,7 +150,7 @@ TEST(State, Clearing) {
   XwBox(0, 0, 40, 40, kGreenColour);
   XwClear(0, 0, 0, 0);  // neither brush nor colour
   EXPECT_EQ(c.Count(kGreen), 1600);
-  // A separator erases with the ground above, white where there is none.
+  // A separator erases with the background above, white where there is none.
   XwWindow parent{};
   parent.kind = 0;
   parent.color = kBlueColour;
@@ -333,7 +334,7 @@ TEST(BadArguments, NothingSelected) {
 // A context made for pixels that are gone paints nothing.
 TEST(Contexts, StaleGenerationPaintsNothing) {
   Canvas c(40, 40);
-  ++c.surface().generation;
+  ++*c.surface().generation;
   for (const auto& call : kCalls) call();
   EXPECT_EQ(Painted(c), 0);
 }

@@ -1,4 +1,5 @@
-// Drawing into real windows: clips, grounds and sub-windows of a session on the headless display.
+// Drawing into real windows: clips, backgrounds and sub-windows of a session on the headless
+// display.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -26,7 +27,7 @@ class Target : public testing::Test {
   uint32_t At(int x, int y) {
     const Window* native = static_cast<WindowRef>(w_->platform);
     const Surface& s = native->surface;
-    return s.pixels[(y + native->strip) * s.stride + x] & 0xFFFFFF;
+    return s.pixels[(y + native->menu_bar_height) * s.stride + x] & 0xFFFFFF;
   }
   int Count(uint32_t rgb) {
     int n = 0;
@@ -116,7 +117,7 @@ TEST_F(Target, Grounds) {
   XwSetGround(w_, &colour, 3);
   EXPECT_EQ(w_->brush, 0);
   EXPECT_EQ(w_->color, kRed);
-  EXPECT_EQ(WindowGround(static_cast<WindowRef>(w_->platform)), 0xFF0000u);
+  EXPECT_EQ(WindowBackground(static_cast<WindowRef>(w_->platform)), 0xFF0000u);
   XwSetGround(w_, nullptr, 0);  // no brush; the colour is kept
   EXPECT_EQ(w_->color, kRed);
   XwSet(w_);

@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <climits>
+#include <functional>
 #include <thread>
 
 #include "os/final_path.h"
@@ -68,31 +70,45 @@ TEST_F(SharedFolder, RegistryThatIsALinkIsNone) {
   EXPECT_EQ(ModeOf(scratch.At("elsewhere")), 0700u);
 }
 
+// A chain of two links; every one of them needs an owner who may lead us.
 TEST_F(SharedFolder, LinksAreFollowedForTheirOwnerAndTheTargetsOwner) {
   if (geteuid() != 0) GTEST_SKIP() << "needs to give files away";
+  constexpr uid_t kNobody = UINT_MAX;  // there is no target
   const struct {
-    uid_t link, target;
+    uid_t first, second, target;
     bool followed;
   } rows[] = {
-      {0, 0, true},          {0, kVictim, true},          {kStranger, kStranger, true},
-      {kStranger, 0, false}, {kStranger, kVictim, false},
+      {0, 0, 0, true},
+      {0, 0, kVictim, true},
+      {0, kStranger, kStranger, true},
+      {kStranger, kStranger, kStranger, true},
+      {0, kStranger, 0, false},
+      {0, kStranger, kVictim, false},
+      {kStranger, 0, 0, false},
+      {kStranger, 0, kVictim, false},
+      {0, 0, kNobody, true},
+      {0, kStranger, kNobody, false},
+      {kStranger, 0, kNobody, false},
   };
   for (const auto& row : rows) {
-    const std::string target = scratch.File("target", "content");
-    const std::string link = scratch.Link("link", "target");
-    const std::string link2 = scratch.Link("link2", link);
+    SCOPED_TRACE(testing::Message() << row.first << " " << row.second << " " << row.target);
+    const bool dead = row.target == kNobody;
+    const std::string target = dead ? scratch.At("target") : scratch.File("target", "content");
+    const std::string second = scratch.Link("second", "target");
+    const std::string first = scratch.Link("first", second);
     chmod(target.c_str(), 0600);
-    ASSERT_EQ(chown(target.c_str(), row.target, 0), 0);
-    ASSERT_EQ(lchown(link.c_str(), row.link, 0), 0);
-    EXPECT_EQ(OS_SetFileShared(link2.c_str()), row.followed ? 0 : -1);
-    EXPECT_EQ(ModeOf(target), row.followed ? 0666u : 0600u);
-    OS_SetFileTime(link.c_str(), 7, 7);
-    struct stat state;
-    ASSERT_EQ(stat(target.c_str(), &state), 0);
-    EXPECT_EQ(state.st_mtime == 7, row.followed);
-    EXPECT_EQ(static_cast<bool>(os::OpenForWriting(link2.c_str())), row.followed);
-    EXPECT_EQ(ReadFile(target), row.followed ? "" : "content");
-    for (const auto& path : {link2, link, target}) unlink(path.c_str());
+    ASSERT_EQ(dead ? 0 : chown(target.c_str(), row.target, 0), 0);
+    ASSERT_EQ(lchown(second.c_str(), row.second, 0) + lchown(first.c_str(), row.first, 0), 0);
+    EXPECT_EQ(OS_SetFileShared(first.c_str()), row.followed && !dead ? 0 : -1);
+    OS_SetFileTime(first.c_str(), 7, 7);
+    struct stat state = {};
+    EXPECT_EQ(stat(target.c_str(), &state), dead ? -1 : 0);
+    EXPECT_EQ(state.st_mtime == 7, row.followed && !dead);
+    EXPECT_EQ(state.st_mode & 07777u, dead ? 0u : row.followed ? 0666u : 0600u);
+    EXPECT_EQ(static_cast<bool>(os::OpenForWriting(first.c_str())), row.followed);
+    EXPECT_EQ(std::filesystem::exists(target), !dead || row.followed);
+    EXPECT_EQ(ReadFile(target), row.followed || dead ? "" : "content");
+    for (const auto& path : {first, second, target}) unlink(path.c_str());
   }
 }
 
@@ -128,43 +144,93 @@ TEST_F(SharedFolder, WritingNeverWaitsForAPipe) {
   EXPECT_FALSE(os::OpenForWriting(scratch.path().c_str()));
 }
 
-// A thread keeps putting other things in the entry's place while this one records and shares.
-TEST_F(SharedFolder, SwapsBetweenCheckAndUse) {
-  std::atomic<bool> stop{false};
-  const std::string spare = scratch.At("Users/Shared/Quorvik/spare");
-  const std::string victim = scratch.At("victim");
-  std::thread swapper([&] {
-    for (unsigned round = 0; !stop; ++round) {
-      std::error_code ignored;
-      std::filesystem::remove_all(spare, ignored);
-      switch (round % 5) {
-        case 0:
-          static_cast<void>(symlink(victim.c_str(), spare.c_str()) + 1);
-          break;
-        case 1:
-          static_cast<void>(link(victim.c_str(), spare.c_str()) + 1);
-          break;
-        case 2:
-          mkfifo(spare.c_str(), 0666);
-          break;
-        case 3:
-          mkdir(spare.c_str(), 0777);
-          break;
-        case 4:
-          std::ofstream(spare) << "/other";
-          break;
-      }
-      std::filesystem::remove_all(entry, ignored);
-      rename(spare.c_str(), entry.c_str());
+// A thread that keeps putting other things in the place of `path`: a stranger's link to the target,
+// a second name of it (where there may be one), a pipe, a folder, a file, nothing.
+class Swapper {
+ public:
+  Swapper(const std::string& path, const std::string& target, bool second_names)
+      : thread_([this, path, target, second_names] {
+          const std::string spare = path + ".spare";
+          std::error_code ignored;
+          for (unsigned round = 0; !stop_; ++round) {
+            std::filesystem::remove_all(spare, ignored);  // where the rename has failed
+            Make(round % 6, spare, target, second_names);
+            std::filesystem::remove_all(path, ignored);
+            rename(spare.c_str(), path.c_str());
+          }
+          std::filesystem::remove_all(path, ignored);
+        }) {}
+  ~Swapper() {
+    stop_ = true;
+    thread_.join();
+  }
+
+ private:
+  static void Make(unsigned what, const std::string& spare, const std::string& target,
+                   bool second_names) {
+    if (what == 0 && symlink(target.c_str(), spare.c_str()) == 0) {
+      static_cast<void>(lchown(spare.c_str(), kStranger, kStranger) + 1);
     }
-  });
-  for (int i = 0; i < 2000; ++i) {
+    if (what == 1 && second_names) static_cast<void>(link(target.c_str(), spare.c_str()) + 1);
+    if (what == 2) mkfifo(spare.c_str(), 0666);
+    if (what == 3) mkdir(spare.c_str(), 0777);
+    if (what == 4) std::ofstream(spare) << "/other";
+  }
+
+  std::atomic<bool> stop_{false};
+  std::thread thread_;
+};
+
+// Whatever is swapped in between a check and its use, the victim stays as it is, and nothing waits.
+TEST_F(SharedFolder, SwapsBetweenCheckAndUse) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs to give links away";
+  const std::string registry = scratch.At("Users/Shared/Quorvik");
+  const std::string temporary = scratch.At("var/tmp/Quorvik");
+  const std::string file = scratch.At("file");
+  chmod(scratch.Folder("private").c_str(), 0700);
+  scratch.File("private/key", "/precious");
+  const auto record = [] {
     OS_SetAppPath("key");
     OS_GetAppPath("key");
+  };
+  const struct {
+    std::string path, target;
+    bool second_names;
+    std::function<void()> use;
+  } rows[] = {
+      {entry, scratch.At("victim"), true, record},
+      {registry, scratch.At("private"), false, record},
+      {temporary, scratch.At("private"), false,
+       [] {
+         char path[256];
+         const int fd = OS_TempFileN("x", path, sizeof path);
+         if (fd >= 0) close(fd);
+       }},
+      {file, scratch.At("victim"), false, [&file] { OS_SetFileShared(file.c_str()); }},
+      {file, scratch.At("victim"), false, [&file] { OS_SetFileTime(file.c_str(), 7, 7); }},
+      {file, scratch.At("victim"), false,
+       [&file] {
+         const os::Handle opened = os::OpenForWriting(file.c_str());
+         if (opened) os::WriteAll(opened.get(), "mine", 4);
+       }},
+  };
+  SetTime(scratch.At("victim"), 5);
+  for (const auto& row : rows) {
+    std::filesystem::remove_all(registry);
+    scratch.Folder("Users/Shared/Quorvik");
+    {
+      const Swapper swapper(row.path, row.target, row.second_names);
+      for (int i = 0; i < 1000; ++i) row.use();
+    }
+    ExpectVictimUntouched();
+    struct stat state;
+    ASSERT_EQ(stat(scratch.At("victim").c_str(), &state), 0);
+    EXPECT_EQ(state.st_mtime, 5);
+    EXPECT_EQ(ModeOf(scratch.At("private")), 0700u);
+    EXPECT_EQ(ReadFile(scratch.At("private/key")), "/precious");
+    std::filesystem::directory_iterator held(scratch.At("private"));
+    EXPECT_EQ(std::distance(begin(held), end(held)), 1);
   }
-  stop = true;
-  swapper.join();
-  ExpectVictimUntouched();
 }
 
 }  // namespace

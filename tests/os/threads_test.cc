@@ -22,36 +22,39 @@ void* CountAndEnd(void*) {
   OS_EndThread(42);
 }
 
+struct Own {
+  std::atomic<int> handle{0};
+  std::atomic<bool> tried{false}, ended{false};
+};
+
+void* WaitForItself(void* arg) {
+  auto* own = static_cast<Own*>(arg);
+  while (own->handle == 0) OS_Sleep(1);
+  OS_WaitThread(own->handle);
+  own->tried = true;
+  OS_Sleep(20);
+  own->ended = true;
+  return nullptr;
+}
+
 TEST(Threads, HandlesCountFromOneAndAreUsedAgain) {
   const int first = OS_StartThread(Count, nullptr);
   const int second = OS_StartThread(CountAndEnd, nullptr);
   EXPECT_EQ(first, 1);
   EXPECT_EQ(second, 2);
-  EXPECT_EQ(OS_WaitThread(first), 0);
-  EXPECT_EQ(OS_WaitThread(first), 0);  // given back: returns at once
-  EXPECT_EQ(OS_StartThread(Count, nullptr), 1);
-  EXPECT_EQ(OS_WaitThread(1), 0);
+  // What is no thread's, is no longer, and is the caller's own: all return at once.
+  for (int handle : {first, first, -1, 0, 99, INT32_MAX, INT32_MIN}) {
+    EXPECT_EQ(OS_WaitThread(handle), 0);
+  }
+  Own own;
+  own.handle = OS_StartThread(WaitForItself, &own);
+  EXPECT_EQ(own.handle, 1);
+  while (!own.tried) OS_Sleep(1);
+  EXPECT_EQ(OS_WaitThread(own.handle), 0);
+  EXPECT_TRUE(own.ended);
   EXPECT_EQ(OS_WaitThread(second), 0);
-  EXPECT_EQ(started, 3);
-}
-
-TEST(Threads, BadHandlesReturnAtOnce) {
-  for (int handle : {-1, 0, 1, 99, INT32_MAX, INT32_MIN}) EXPECT_EQ(OS_WaitThread(handle), 0);
+  EXPECT_EQ(started, 2);
   EXPECT_EQ(OS_StartThread(nullptr, nullptr), -1);
-}
-
-TEST(Threads, OwnHandleIsNotWaitedFor) {
-  std::atomic<int> handle{0};
-  const int thread = OS_StartThread(
-      [](void* arg) -> void* {
-        auto* own = static_cast<std::atomic<int>*>(arg);
-        while (*own == 0) OS_Sleep(1);
-        OS_WaitThread(*own);
-        return nullptr;
-      },
-      &handle);
-  handle = thread;
-  EXPECT_EQ(OS_WaitThread(thread), 0);
 }
 
 struct Shared {
@@ -79,10 +82,7 @@ TEST(Threads, ManyAtOnceStartedFromManyThreads) {
     starters.emplace_back([&shared] {
       std::vector<int> handles;
       for (int i = 0; i < 8; ++i) handles.push_back(OS_StartThread(AddMany, &shared));
-      for (int handle : handles) {
-        EXPECT_GT(handle, 0);
-        EXPECT_EQ(OS_WaitThread(handle), 0);
-      }
+      for (int handle : handles) OS_WaitThread(handle);
     });
   }
   for (std::thread& starter : starters) starter.join();
@@ -101,20 +101,15 @@ TEST(Mutex, IsReleasedAsOftenAsReserved) {
     }).join();
     return result;
   };
-  EXPECT_EQ(OS_ReserveMutex(&mutex), 0);
-  EXPECT_EQ(OS_ReserveMutex(&mutex), 0);
-  EXPECT_EQ(OS_ReleaseMutex(&mutex), 0);
+  EXPECT_EQ(OS_ReserveMutex(&mutex) + OS_ReserveMutex(&mutex) + OS_ReleaseMutex(&mutex), 0);
   EXPECT_EQ(others_try(), EBUSY);
   EXPECT_EQ(OS_ReleaseMutex(&mutex), 0);
   EXPECT_EQ(others_try(), 0);
   EXPECT_EQ(OS_DestroyMutex(&mutex), 0);
-}
-
-TEST(Mutex, NullIsRefused) {
   EXPECT_EQ(OS_CreateMutex(nullptr), 0);
-  EXPECT_EQ(OS_ReserveMutex(nullptr), EINVAL);
-  EXPECT_EQ(OS_ReleaseMutex(nullptr), EINVAL);
-  EXPECT_EQ(OS_DestroyMutex(nullptr), EINVAL);
+  for (auto call : {OS_ReserveMutex, OS_ReleaseMutex, OS_DestroyMutex}) {
+    EXPECT_EQ(call(nullptr), EINVAL);
+  }
 }
 
 TEST(Sleep, LastsThroughSignalsAndNotForNothing) {

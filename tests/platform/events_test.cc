@@ -207,7 +207,7 @@ TEST(Handlers, MayInstallOthersAndEndTheWindow) {
         for (int i = 0; i < 100; ++i)
           InstallEventHandler(GetWindowEventTarget(e->window), Pass, kPress, 1,
                               const_cast<char*>("x"));
-        PostEventToQueue(GetMainEventQueue(), Event(kEventClassMouse, kEventMouseUp, e->window));
+        PostEventToQueue(GetMainEventQueue(), Event(kEventClassMouse, kEventMouseDown, e->window));
         DisposeWindow(e->window);
         EXPECT_FALSE(IsValidWindow(e->window));
         return eventNotHandledErr;

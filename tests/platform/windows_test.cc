@@ -76,18 +76,18 @@ TEST(Translate, PlacesAtAFractionalScale) {
 
 TEST(Translate, DrawRequestsWaitUntilIdleOrFiftyMilliseconds) {
   WindowRef w = Open();
-  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {20, 20, 30, 30}, false);
   InvalidateWindow(w, {0, 0, 10, 10}, true);
   EventQueueRef queue = GetMainEventQueue();
   for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
   EXPECT_EQ(Receive(), "test0 test1 test2 wind2") << "one request, after the rest";
-  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {20, 20, 30, 30}, false);
   for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
   Event e;
   ReceiveNextEvent(0, &e);
   headless::Step(0.0501);
   EXPECT_EQ(Receive(), "wind2 test1 test2") << "it has waited long enough";
-  InvalidateWindow(w, {}, false);
+  InvalidateWindow(w, {20, 20, 30, 30}, false);
   HideWindow(w);
   EXPECT_EQ(Receive(), "appl2") << "a hidden window draws nothing";
 }
@@ -105,6 +105,10 @@ TEST(Translate, ReportsOfAnyKindAndNumberDoNoHarm) {
         raw.width = f < 0 ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
         if (f == 0) raw.width = 0;
         raw.height = raw.width;
+        raw.frame = {raw.width, raw.width, raw.width, raw.width};
+        raw.scale = f;
+        raw.under = target;
+        raw.state = raw.held = 0xFFFFFFFF;
         raw.button = 255;
         raw.keycode = raw.keysym = raw.unicode = raw.modifiers = 0xFFFFFFFF;
         if (type == RawEvent::kOpenFile) raw.text = "/x";
@@ -126,6 +130,32 @@ TEST(Translate, ReportsOfAnyKindAndNumberDoNoHarm) {
   EXPECT_TRUE(IsValidWindow(w));
 }
 
+TEST(Reports, FrameStateAndExposure) {
+  WindowRef w = Open();
+  SetWindowSizeLimits(w, {50, 60, 400, 400, 0, 0});
+  headless::Frame(w, {2, 20, 3, 4});
+  Receive();
+  EXPECT_EQ(GetWindowBounds(w, kWindowStructureRgn), (Rect{98, 56, 303, 304}));
+  // The user makes it full screen, past its limits, and ends that.
+  headless::SetState(w, kStateFullScreen);
+  headless::Configure(w, {0, 24, 1280, 1024});
+  Receive();
+  EXPECT_EQ(w->content.width(), 1280);
+  EXPECT_TRUE(w->state & kStateFullScreen);
+  headless::SetState(w, 0);
+  headless::Configure(w, {100, 100, 300, 300});
+  Receive();
+  EXPECT_FALSE(w->state & kStateFullScreen);
+  EXPECT_EQ(w->content.width(), 200);
+  // What the screen forgets is sent once more, and not drawn.
+  FlushWindow(w);
+  const int64_t sent = headless::Counts().presented_pixels;
+  headless::Expose(w, {10, 20, 40, 30});
+  EXPECT_EQ(Receive(), "");
+  FlushWindow(w);
+  EXPECT_EQ(headless::Counts().presented_pixels, sent + 30 * 10);
+}
+
 TEST(Configure, LimitsStepsAndThoseWhoInsist) {
   WindowRef w = Open();
   SetWindowSizeLimits(w, {50, 60, 400, 0, 0, 0});
@@ -141,7 +171,7 @@ TEST(Configure, LimitsStepsAndThoseWhoInsist) {
     EXPECT_NE(Receive(), "");
     EXPECT_EQ(w->content, row.taken);
     EXPECT_EQ(w->surface.width, row.taken.width());
-    EXPECT_EQ(w->surface.height, row.taken.height() + w->strip);
+    EXPECT_EQ(w->surface.height, row.taken.height() + w->menu_bar_height);
   }
   headless::Configure(w, {90, 80, 900, 5000});
   Receive();

@@ -62,6 +62,17 @@ inline std::string Integer(uint32_t value) {
   return text;
 }
 
+// Take in what follows the header of command 3: the ticket with the document behind it.
+inline std::string ReceiveRequest(int fd, std::string* id) {
+  *id = ReceiveText(fd, 16);
+  const std::string size = ReceiveText(fd, 4);
+  size_t n = 0;
+  for (size_t i = 0; i < size.size(); ++i) {
+    n |= static_cast<size_t>(static_cast<unsigned char>(size[i])) << (8 * i);
+  }
+  return ReceiveText(fd, n);
+}
+
 // The two ends of a connection that has been greeted: `fd` for the client, the other end for
 // `serve`, which runs on a thread of its own and whose return closes it.
 class Pair {
@@ -104,15 +115,19 @@ class Listener {
     }
     abort();
   }
-  explicit Listener(const std::string& address) : host(address) { Bind(address); }
+  // With port 0 it is any free one.
+  explicit Listener(const std::string& address, uint16_t at = NC_PORT) : host(address), port(at) {
+    Bind(address);
+  }
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
   ~Listener() {
-    if (fd >= 0) close(fd);
+    if (fd >= 0) shutdown(fd, SHUT_RDWR);  // accept ends
     if (thread_.joinable()) thread_.join();
+    if (fd >= 0) close(fd);
   }
 
-  // Accept `connections` in turn, each served by `serve` on one thread.
+  // Accept `connections` in turn, or fewer, each served by `serve` on one thread.
   void Serve(int connections, std::function<void(int)> serve) {
     thread_ = std::thread([this, connections, serve = std::move(serve)] {
       for (int i = 0; i < connections; ++i) {
@@ -129,19 +144,23 @@ class Listener {
   }
 
   std::string host;
+  uint16_t port = NC_PORT;
   int fd = -1;
 
  private:
   bool Bind(const std::string& address_text) {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    address.sin_port = htons(NC_PORT);
+    address.sin_port = htons(port);
     inet_pton(AF_INET, address_text.c_str(), &address.sin_addr);
     fd = socket(AF_INET, SOCK_STREAM, 0);
     const int on = 1;
     setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
         listen(fd, 8) == 0) {
+      socklen_t size = sizeof address;
+      getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
+      port = ntohs(address.sin_port);
       return true;
     }
     close(fd);

@@ -118,22 +118,19 @@ TEST(PrintRequest, DocumentsFromAPipeAndFromTheMiddle) {
   EXPECT_TRUE(send(document.fd, 300000) == content.substr(1234, 300000));
 }
 
-TEST(PrintRequest, RefusedBeforeAnythingIsSent) {
+TEST(PrintRequest, LengthsAndTicketsThatAreRefused) {
   Scratch scratch;
-  const Document document(scratch.File("doc", "x"));
-  std::string received;
-  Pair pair([&](int end) { received = ReceiveText(end, 1); });
+  const std::string path = scratch.File("doc");
+  const int64_t largest = int64_t{INT32_MAX} - 5;  // with "a=b", its end and the blank line
+  ASSERT_EQ(truncate(path.c_str(), largest), 0);
+  const Document document(path);
   const struct {
     const char* ticket;
     int64_t size;
-  } rows[] = {{"a=b", int64_t{INT32_MAX} - 4},
-              {"a=b", int64_t{1} << 33},
-              {"a=b", INT64_MAX},
-              {"a=b", -1},
-              {nullptr, 1},
-              {"a=b\n\nc=d", 1},
-              {"\na=b", 1},
-              {"a=b\n\n", 1}};
+  } rows[] = {{"a=b", largest + 1}, {"a=b", int64_t{1} << 33}, {"a=b", INT64_MAX}, {"a=b", -1},
+              {nullptr, 1},         {"a=b\n\nc=d", 1},         {"\na=b", 1},       {"a=b\n\n", 1}};
+  std::string head;
+  Pair pair([&](int end) { head = ReceiveText(end, 24); });
   for (const auto& row : rows) {
     EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), row.ticket, document.fd, row.size, nullptr,
                                     nullptr),
@@ -141,23 +138,12 @@ TEST(PrintRequest, RefusedBeforeAnythingIsSent) {
         << (row.ticket ? row.ticket : "null") << " " << row.size;
   }
   EXPECT_EQ(NC_WritePrintRequestN(pair.fd, nullptr, "", -1, 0, nullptr, nullptr), NC_BAD_REQUEST);
-  pair.Finish();
-  EXPECT_EQ(received, "");
   EXPECT_EQ(NC_WritePrintRequestN(-1, kId.data(), "", -1, 0, nullptr, nullptr), NC_ERROR);
-}
-
-// The largest length there is goes out as it is: the document is sparse, the server stops early.
-TEST(PrintRequest, LargestLength) {
-  Scratch scratch;
-  const std::string path = scratch.File("doc");
-  const int64_t size = int64_t{INT32_MAX} - 5;  // with "a=b", its end and the blank line
-  ASSERT_EQ(truncate(path.c_str(), size), 0);
-  const Document document(path);
-  std::string head;
-  Pair pair([&](int end) { head = ReceiveText(end, 24); });
+  // The largest goes out, as the first that the server gets; it stops early.
   NC_SetDeadline(pair.fd, 20000);
-  EXPECT_EQ(NC_WritePrintRequestN(pair.fd, kId.data(), "a=b", document.fd, size, nullptr, nullptr),
-            NC_ERROR);
+  EXPECT_EQ(
+      NC_WritePrintRequestN(pair.fd, kId.data(), "a=b", document.fd, largest, nullptr, nullptr),
+      NC_ERROR);
   pair.Finish();
   EXPECT_EQ(head, "KRV\x03" + kId + Integer(INT32_MAX));
 }
@@ -174,61 +160,72 @@ TEST(PrintRequest, DocumentsThatCannotBeRead) {
   }
 }
 
-TEST(PrintRequest, CancelWhileMovingWhileStalledAndWhileWaiting) {
+// A server that takes so much and then stalls or closes: the request ends by its progress function,
+// by its deadline, or by the failure. A document that stalls ends in the first two ways as well.
+TEST(PrintRequest, WhatStallsOrEnds) {
   Scratch scratch;
   constexpr int64_t size = 4 << 20;
   const Document document(scratch.File("doc", Pattern(size)));
+  int silent[2];
+  ASSERT_EQ(pipe(silent), 0);
+  enum How { kCancel, kStall, kClose };
   const struct {
-    size_t taken;  // what the server takes in before it stalls
+    size_t taken;
     int64_t stop_at;
-  } rows[] = {{0, 0}, {1 << 20, 1 << 20}, {SIZE_MAX, size}};
+    int document;
+  } rows[] = {{0, 0, document.fd},
+              {10, 0, document.fd},
+              {1 << 20, 1 << 20, document.fd},
+              {size + 25, size, document.fd},
+              {size, 1, silent[0]}};
   for (const auto& row : rows) {
-    Pair pair([&](int end) {
-      ReceiveText(end, std::min(row.taken, size_t{size} + 25));
-      Hold(end);
-    });
-    lseek(document.fd, 0, SEEK_SET);
-    Watched watched;
-    watched.stop_at = row.stop_at;
-    EXPECT_EQ(Write(pair.fd, document.fd, size, Watch, &watched), NC_CANCELLED);
-    EXPECT_EQ(fcntl(pair.fd, F_GETFL) & O_NONBLOCK, 0);
-  }
-  // A stalled server: the progress function is still called, and may stop it with nothing moving.
-  Pair pair(Hold);
-  lseek(document.fd, 0, SEEK_SET);
-  struct Patience {
-    int64_t last = -1;
-    int still = 0;
-  } patience;
-  const auto lose_patience = [](void* context, int64_t sent, int64_t) {
-    auto* p = static_cast<Patience*>(context);
-    p->still = sent == p->last ? p->still + 1 : 0;
-    p->last = sent;
-    return p->still >= 3 ? 1 : 0;
-  };
-  EXPECT_EQ(Write(pair.fd, document.fd, size, lose_patience, &patience), NC_CANCELLED);
-}
-
-TEST(PrintRequest, ServersThatStallOrEnd) {
-  Scratch scratch;
-  constexpr int64_t size = 4 << 20;
-  const Document document(scratch.File("doc", Pattern(size)));
-  for (const bool stall : {true, false}) {
-    for (const size_t taken :
-         {size_t{0}, size_t{10}, size_t{24}, size_t{1} << 20, size_t{size} + 25}) {
+    for (const How how : {kCancel, kStall, kClose}) {
+      if (how == kClose && row.document == silent[0]) continue;
       Pair pair([&](int end) {
-        ReceiveText(end, taken);
-        if (stall) Hold(end);
+        if (row.document == document.fd) ReceiveText(end, row.taken);
+        if (how != kClose) Hold(end);
       });
       lseek(document.fd, 0, SEEK_SET);
-      NC_SetDeadline(pair.fd, stall ? 30 : 20000);
+      NC_SetDeadline(pair.fd, how == kStall ? 30 : 20000);
+      // Called though nothing moves, and may end it then.
+      struct Patience {
+        int64_t stop_at;
+        int still;
+      } patience = {row.stop_at, 0};
+      const auto lose_patience = [](void* context, int64_t sent, int64_t) {
+        auto* p = static_cast<Patience*>(context);
+        return sent >= p->stop_at && ++p->still >= 3 ? 1 : 0;
+      };
       errno = 0;
-      EXPECT_EQ(Write(pair.fd, document.fd, size), NC_ERROR);
-      if (stall) {
-        EXPECT_EQ(errno, ETIMEDOUT) << taken;
-      }
+      EXPECT_EQ(
+          Write(pair.fd, row.document, size, how == kCancel ? +lose_patience : nullptr, &patience),
+          how == kCancel ? NC_CANCELLED : NC_ERROR)
+          << row.taken << " " << how;
+      EXPECT_TRUE(how != kStall || errno == ETIMEDOUT) << row.taken;
+      EXPECT_EQ(fcntl(pair.fd, F_GETFL) & O_NONBLOCK, 0);
     }
   }
+  close(silent[0]);
+  close(silent[1]);
+}
+
+// It takes longer than the deadline, which counts from progress to progress.
+TEST(PrintRequest, SlowServersAreNoTimeouts) {
+  Scratch scratch;
+  constexpr size_t size = 6 << 20;
+  const Document document(scratch.File("doc", Pattern(size)));
+  Pair pair([](int end) {
+    for (size_t left = size + 25; left > 0;) {
+      usleep(50000);
+      const size_t n = std::min<size_t>(left, 250000);
+      if (ReceiveText(end, n).size() < n) return;
+      left -= n;
+    }
+    SendText(end, "\x07");
+    AwaitEnd(end);
+  });
+  NC_SetDeadline(pair.fd, 1000);
+  EXPECT_EQ(Write(pair.fd, document.fd, size), 7);
 }
 
 }  // namespace

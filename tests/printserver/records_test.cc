@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include "printserver/nc.h"
+#include "printserver/words.h"
 
 namespace {
 
@@ -33,6 +37,37 @@ TEST(Records, JobDefaultsAndValues) {
   EXPECT_EQ(jobs[1].state, NC_JOB_PAPER_OUT);
   EXPECT_EQ(jobs[1].copies, 7);
   EXPECT_EQ(jobs[1].printed, 9);
+  // What a server of today does not send.
+  EXPECT_EQ(jobs[0].number, 0);
+  EXPECT_EQ(jobs[0].kept, 1);
+  EXPECT_EQ(jobs[0].pages, -1);
+  EXPECT_EQ(jobs[0].pages_printed, -1);
+  EXPECT_EQ(jobs[0].colour, -1);
+}
+
+TEST(Records, NewKeysOfJobs) {
+  const struct {
+    const char* lines;
+    int number, kept, pages, printed, colour;
+  } rows[] = {
+      {"number=2147483647\nkept=0\npages=12\npages-printed=0\ncolour=0A00ff", INT32_MAX, 0, 12, 0,
+       0x0a00ff},
+      {"number=2147483648\nkept=2\npages=-1\npages-printed=x\ncolour=0a00f", 0, 1, -1, -1, -1},
+      {"state=done\ncolour=-a00ff", 0, 0, -1, -1, -1},
+      {"state=done\nkept=1\ncolour=0a00fff", 0, 1, -1, -1, -1},
+      {"state=failed\ncolour=0a00fg", 0, 1, -1, -1, -1},
+      {"colour=ffffff\ncolour=", 0, 1, -1, -1, -1},
+  };
+  for (const auto& row : rows) {
+    const auto jobs = ParseJobs("id=" + kId + "\n" + row.lines + "\nreasons=a,b\n\n");
+    ASSERT_EQ(jobs.size(), 1U);
+    EXPECT_EQ(jobs[0].number, row.number) << row.lines;
+    EXPECT_EQ(jobs[0].kept, row.kept) << row.lines;
+    EXPECT_EQ(jobs[0].pages, row.pages) << row.lines;
+    EXPECT_EQ(jobs[0].pages_printed, row.printed) << row.lines;
+    EXPECT_EQ(jobs[0].colour, row.colour) << row.lines;
+    EXPECT_STREQ(jobs[0].reasons, "a,b");
+  }
 }
 
 TEST(Records, WhatIsWrongIsLeftOut) {
@@ -70,13 +105,24 @@ TEST(Records, WhatIsWrongIsLeftOut) {
 }
 
 TEST(Records, PrintersScannersProfiles) {
-  const std::string list = "name=A\nstate=printing\npaper=3\n\nstate=idle\n\nname=B\nstate=new\n";
+  const std::string list = "name=A\nstate=printing\npaper=3\nid=" + kId +
+                           "\npaused=1\naccepting=0\nreasons=x\nsupplies=k:-1\n\nstate=idle\n\n"
+                           "name=B\nstate=new\nid=1\n";
   NC_Printer printers[4];
   ASSERT_EQ(NC_ParsePrinters(list.data(), static_cast<int32_t>(list.size()), printers, 4), 2);
   EXPECT_EQ(printers[0].state, NC_PRINTER_PRINTING);
   EXPECT_EQ(printers[0].paper, 3);
   EXPECT_EQ(printers[1].state, NC_PRINTER_IDLE);
+  EXPECT_EQ(printers[0].has_id, 1);
+  EXPECT_EQ(printers[0].id[15], 0xff);
+  EXPECT_EQ(printers[0].paused, 1);
+  EXPECT_EQ(printers[0].accepting, 0);
+  EXPECT_STREQ(printers[0].reasons, "x");
+  EXPECT_STREQ(printers[0].supplies, "k:-1");
   EXPECT_EQ(printers[1].paper, -1);
+  EXPECT_EQ(printers[1].has_id, 0);
+  EXPECT_EQ(printers[1].paused, 0);
+  EXPECT_EQ(printers[1].accepting, 1);
   NC_Scanner scanners[1];
   ASSERT_EQ(NC_ParseScanners(list.data(), static_cast<int32_t>(list.size()), scanners, 1), 1);
   std::string records(96, '\xff');  // names without an end
@@ -110,6 +156,37 @@ TEST(Records, Ids) {
   EXPECT_EQ(NC_ParseId(nullptr, id), 0);
   EXPECT_STRNE(NC_StatusText(-1), "");
   EXPECT_STRNE(NC_StatusText(200), NC_StatusText(1));
+  EXPECT_STREQ(NC_JobStateWord(NC_JOB_PAPER_OUT), "paper-out");
+  EXPECT_STREQ(NC_JobStateWord(static_cast<NC_JobState>(-1)), "waiting");
+  EXPECT_STREQ(NC_PrinterStateWord(static_cast<NC_PrinterState>(3)), "idle");
+}
+
+TEST(Words, WhatConsoleAndCommandLineSay) {
+  EXPECT_STREQ(nc::JobStateText(NC_JOB_PAPER_OUT), "out of paper");
+  EXPECT_STREQ(nc::JobStateText(NC_JOB_DONE), "printed");
+  EXPECT_STREQ(nc::JobStateText(static_cast<NC_JobState>(6)), "waiting");
+  EXPECT_STREQ(nc::PrinterStateText(NC_PRINTER_PAPER_OUT), "out of paper");
+  EXPECT_EQ(nc::ReasonsText(nullptr), "");
+  EXPECT_EQ(nc::ReasonsText(",printer-refuses,,new-one,"), "the printer takes no jobs, new one");
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_WRONG_STATE, nc::Asked::kPrint),
+               "the printer takes no new jobs");
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_WRONG_STATE, nc::Asked::kJob),
+               NC_StatusText(NC_STATUS_WRONG_STATE));
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_UNKNOWN_ID, nc::Asked::kPrinter), "no such printer");
+  EXPECT_STREQ(nc::RefusalText(NC_STATUS_UNKNOWN_ID, nc::Asked::kJob), "no such job");
+  const struct {
+    int code, error;
+    const char* text;
+  } rows[] = {{NC_NO_HOST, ENOENT, "this host is not known"},
+              {NC_NO_HOST, ETIMEDOUT, "nobody says in time where this host is"},
+              {NC_NO_HOST, EINVAL, "its port is not a number from 1 to 65535"},
+              {NC_NO_SERVER, ECONNREFUSED, "no server there"},
+              {NC_NO_SERVER, ETIMEDOUT, "it does not answer"},
+              {NC_REFUSED, 0, "it refuses connections"},
+              {NC_NO_SOCKET, EMFILE, "the system has no connection left"}};
+  for (const auto& row : rows) EXPECT_EQ(nc::ConnectText(row.code, row.error), row.text);
+  EXPECT_EQ(nc::FailureText(EPIPE), nc::FailureText(ECONNRESET));
+  EXPECT_EQ(nc::FailureText(ETIMEDOUT), "it does not answer");
 }
 
 }  // namespace

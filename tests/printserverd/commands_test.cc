@@ -50,9 +50,15 @@ TEST_F(Commands, PrintAndSee) {
   EXPECT_EQ(job.size, 6);
   EXPECT_EQ(job.total, 18);
   EXPECT_EQ(job.printed, 18);
+  EXPECT_EQ(job.number, 1);
+  EXPECT_EQ(job.pages, 3);
+  EXPECT_EQ(job.pages_printed, 3);
+  EXPECT_EQ(job.colour, -1);
   EXPECT_GE(job.submitted, before);
   EXPECT_EQ(Printed(daemon, "proof"), document);
-  EXPECT_TRUE(FilesIn(daemon.Path("printed/proof"))[0].ends_with("-One_Two \\ \xc3\xa4.pdf"));
+  const std::string name = FilesIn(daemon.Path("printed/proof"))[0];
+  EXPECT_TRUE(name.starts_with("0000000001-20")) << name;
+  EXPECT_TRUE(name.ends_with("-" + IdText(id).substr(0, 8) + "-One_Two \\ \xc3\xa4.pdf")) << name;
   struct stat info;
   ASSERT_EQ(stat(daemon.Path("").c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 0777, 0700U);
@@ -107,6 +113,11 @@ TEST_F(Commands, TicketsThatAreRefused) {
       {"copies=0\n", NC_STATUS_BAD_TICKET},
       {"copies=1000\n", NC_STATUS_BAD_TICKET},
       {"copies=1x\n", NC_STATUS_BAD_TICKET},
+      {"copies=0\ncopies=1\n", NC_STATUS_BAD_TICKET},
+      {"colour=12345\n", NC_STATUS_BAD_TICKET},
+      {"colour=12345g\n", NC_STATUS_BAD_TICKET},
+      {"colour=1234567\n", NC_STATUS_BAD_TICKET},
+      {"priority=0\n", NC_STATUS_BAD_TICKET},
       {"priority=101\n", NC_STATUS_BAD_TICKET},
       {"hold=2\n", NC_STATUS_BAD_TICKET},
       {"no equals sign\n", NC_STATUS_BAD_TICKET},
@@ -120,8 +131,7 @@ TEST_F(Commands, TicketsThatAreRefused) {
       {"profile=Poster\n", NC_STATUS_UNKNOWN_NAME},
       {"profile=Poster\nprinter=Wide one\nhold=1\n", NC_STATUS_DONE},
       {"document=" + std::string(255, '\\').append(255, '\\') + "\nhold=1\n", NC_STATUS_DONE},
-      {"hold=1\n", NC_STATUS_DONE},
-      {"", NC_STATUS_DONE},
+      {"hold=1\ncopies=999\npriority=100\ncolour=00aaFF\n", NC_STATUS_DONE},
   };
   int accepted = 0;
   for (const auto& row : cases) {
@@ -131,7 +141,32 @@ TEST_F(Commands, TicketsThatAreRefused) {
   }
   EXPECT_EQ(Jobs(fd).size(), static_cast<size_t>(accepted));
   // Nothing of what was refused stays.
-  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 6; }));
+  EXPECT_EQ(Jobs(fd)[0].colour, 0x00aaff);
+  EXPECT_EQ(Jobs(fd)[0].copies, 999);
+}
+
+TEST_F(Commands, TicketsInPieces) {
+  Start();
+  const int other = daemon.Connect();
+  const std::string data = "hold=1\n\n\ndocument";
+  for (size_t cut = 1; cut < data.size(); ++cut) {
+    uint8_t id[16];
+    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
+    std::string head = "KRV\3" + std::string(id, id + 16);
+    for (int i = 0; i < 4; ++i) head += static_cast<char>(i ? 0 : data.size());
+    ASSERT_EQ(NC_Write(fd, head.data(), 24), 24);
+    ASSERT_EQ(NC_Write(fd, data.data(), static_cast<int32_t>(cut)), static_cast<int32_t>(cut));
+    // Another answer of the server says that the first piece has been taken in.
+    EXPECT_EQ(Printers(other).size(), 1U);
+    const auto rest = static_cast<int32_t>(data.size() - cut);
+    ASSERT_EQ(NC_Write(fd, data.data() + cut, rest), rest);
+    uint8_t status = 0;
+    ASSERT_EQ(NC_Read(fd, &status, 1), 1);
+    EXPECT_EQ(status, NC_STATUS_DONE) << cut;
+    EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + IdText(id) + ".doc")), "\ndocument") << cut;
+  }
+  NC_Disconnect(other);
 }
 
 TEST_F(Commands, RequestIds) {
@@ -216,14 +251,6 @@ TEST_F(Commands, PaperRunsOut) {
   EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
 }
 
-TEST_F(Commands, PaperIsLoadedByItself) {
-  StartWith("[printer]\nname=P\nrate=0\npaper=1\nsheet-bytes=10\nrefill-seconds=1\n");
-  uint8_t id[16];
-  ASSERT_EQ(Send(fd, "", "123456789012345", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-}
-
 TEST_F(Commands, GamutFiles) {
   Start();
   const std::string big(300000, 'g');
@@ -233,6 +260,7 @@ TEST_F(Commands, GamutFiles) {
   std::ofstream(daemon.Path("gamut/Wide/own.icc")) << "own";
   std::filesystem::create_symlink("../../lock", daemon.Path("gamut/Wide/link"));
   std::filesystem::create_symlink("..", daemon.Path("gamut/up"));
+  ASSERT_EQ(mkfifo(daemon.Path("gamut/pipe").c_str(), 0600), 0);
   std::ofstream(daemon.Path("outside")) << "x";
   const struct {
     const char *name, *folder;
@@ -242,7 +270,8 @@ TEST_F(Commands, GamutFiles) {
                {"link", "Wide", ""},     {"outside", "up", ""},
                {"../outside", "", ""},   {"outside", "..", ""},
                {"Wide/own.icc", "", ""}, {"", "", ""},
-               {"Wide", "", ""},         {"common.icc", "Wide", ""}};
+               {"Wide", "", ""},         {"common.icc", "Wide", ""},
+               {"pipe", "", ""}};
   for (const auto& row : cases) {
     char a[NC_GAMUT_A] = {}, b[NC_GAMUT_B] = {};
     strcpy(a, row.name);
@@ -279,7 +308,7 @@ TEST_F(Commands, RemoveFilesOnlyBelowItsOwn) {
                {"..", NC_STATUS_BAD_PATH},
                {"a/b", NC_STATUS_WRONG_STATE},
                {"a/none", NC_STATUS_NO_FILE},
-               {"none/none", NC_STATUS_NO_FILE},
+               {"none/../top", NC_STATUS_NO_FILE},
                {"up", NC_STATUS_BAD_PATH},
                {"top/x", NC_STATUS_NO_FILE},
                {std::string(511, 'n'), NC_STATUS_NO_FILE},
@@ -306,6 +335,10 @@ TEST_F(Commands, LayoutAndScanServers) {
   EXPECT_TRUE(Eventually([&] { return ReadWhole(out) == "[scan][Flat bed; true $(id)][two]"; }));
   EXPECT_EQ(NC_StartLayoutServer(fd), 1);
   EXPECT_TRUE(Eventually([&] { return ReadWhole(out).ends_with("[two][layout][]"); }));
+  // Once one has ended another is started.
+  EXPECT_TRUE(Eventually([&] {
+    return NC_StartScanServer(fd, "again", "") == 1 && ReadWhole(out).ends_with("[again][]");
+  }));
   EXPECT_TRUE(Jobs(fd).empty());  // the connection is in step
 }
 
@@ -342,18 +375,48 @@ TEST_F(Commands, StartedProgramsInheritNothing) {
                 "0\n1\n2\n3\n/\n");  // 3: the folder that ls reads
 }
 
-TEST_F(Commands, EndedJobsGo) {
-  StartWith("[server]\ndone-keep=3\nspool-limit=100K\n[printer]\nname=P\nrate=0\nkeep=2\n");
-  uint8_t id[16];
+TEST_F(Commands, DoneJobsGoAndFailedOnesStay) {
+  const std::string config =
+      "[server]\ndone-keep=3\nspool-limit=100K\ndone-bytes=30K\n"
+      "[printer]\nname=P\nrate=0\nkeep=2\n";
+  StartWith(config);
+  uint8_t id[16], failed[16];
+  ASSERT_EQ(Send(fd, "hold=1\n", "x", failed), 1);
+  std::filesystem::resize_file(daemon.Path("jobs/" + IdText(failed) + ".doc"), 0);
+  ASSERT_EQ(Change(fd, failed, "hold=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, failed, NC_JOB_FAILED));
+  EXPECT_STREQ(JobOf(fd, failed).text, "the document is shorter than it was");
+  EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
   for (int i = 0; i < 8; ++i) {
-    ASSERT_EQ(Send(fd, "", std::string(50000, 'x'), id), 1);
+    ASSERT_EQ(Send(fd, "", std::string(20000, 'x'), id), 1);
     EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
   }
-  EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 3; }));
+  EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 4; }));
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 2; }));
-  // The room of what is done is free again; what waits takes it.
-  EXPECT_EQ(Send(fd, "hold=1\n", std::string(90000, 'x'), id), 1);
+  EXPECT_EQ(Jobs(fd)[0].kept, 1);
+  EXPECT_EQ(Jobs(fd)[1].kept, 0);
+  EXPECT_EQ(FilesIn(daemon.Path("jobs")).size(), 6U);
+  // The room of a done job's document is for what comes; what waits keeps it.
+  uint8_t waits[16];
+  EXPECT_EQ(Send(fd, "hold=1\n", std::string(90000, 'x'), waits), 1);
+  EXPECT_EQ(JobOf(fd, id).kept, 0);
   EXPECT_EQ(Send(fd, "hold=1\n", std::string(20000, 'x'), id), NC_STATUS_TOO_LARGE);
+  // A request that broke off, and one that is removed, leave their room.
+  const int other = daemon.Connect();
+  ASSERT_EQ(NC_CreateRequestID(other, id), 1);
+  const std::string part = "KRV\3" + std::string(id, id + 16) + std::string("\0\0\1\0\n", 5);
+  ASSERT_EQ(NC_Write(other, (part + std::string(11000, 'x')).data(), 11025), 11025);
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 8; }));
+  NC_Disconnect(other);
+  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
+  EXPECT_EQ(Send(fd, "hold=1\n", std::string(12000, 'x'), id), 1);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, waits), 1);
+  EXPECT_EQ(Send(fd, "hold=1\n", std::string(100000, 'x'), id), 1);
+  daemon.WriteFile("config", "[server]\ndone-seconds=0\n" + config.substr(9));
+  daemon.Signal(SIGHUP);
+  EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 2; }));
+  EXPECT_EQ(JobOf(fd, failed).state, NC_JOB_FAILED);
 }
 
 TEST_F(Commands, ConfigurationReadAgain) {
@@ -364,11 +427,14 @@ TEST_F(Commands, ConfigurationReadAgain) {
   daemon.Signal(SIGHUP);
   EXPECT_TRUE(Eventually([&] { return strcmp(Printers(fd)[1].name, "Third") == 0; }));
   EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_FAILED);
-  EXPECT_EQ(Change(fd, id, "printer=First\nhold=0\n"), 1);
+  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
+  EXPECT_STREQ(JobOf(fd, id).reasons, "printer-unknown");
+  EXPECT_EQ(JobOf(fd, id).pages, -1);
+  EXPECT_EQ(Change(fd, id, "printer=First\n"), 1);
   EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
   daemon.WriteFile("config", "[nonsense]\n");
   daemon.Signal(SIGHUP);
+  EXPECT_TRUE(daemon.Says("unknown section [nonsense]; the configuration stays as it was"));
   EXPECT_EQ(Printers(fd).size(), 2U);
 }
 
@@ -391,7 +457,25 @@ TEST_F(Commands, ConfigurationFromAPipe) {
   EXPECT_EQ(Printers(fd).size(), 60U);
   // What can be read but once stays as it was read.
   daemon.Signal(SIGHUP);
+  EXPECT_TRUE(daemon.Says("no regular file cannot be read again"));
   EXPECT_EQ(Printers(fd).size(), 60U);
+}
+
+TEST_F(Commands, PrintersAndProfilesByTheThousand) {
+  std::string config;
+  for (int i = 0; i < 1024; ++i) {
+    const std::string number = std::to_string(i);
+    config += "[printer]\nname=P" + number + "\ntext=" + std::string(127, 't') +
+              "\nmedia=" + std::string(255, 'm') + "\n[profile]\nname=Q" + number + "\n";
+  }
+  StartWith(config);
+  EXPECT_EQ(Printers(fd).size(), 1024U);
+  std::vector<char> list(1024 * NC_PROFILE_SIZE);
+  const char every[NC_PROFILE_KEY] = {};
+  EXPECT_EQ(NC_GetProfileListN(fd, every, list.data(), 1024 * NC_PROFILE_SIZE), 1024);
+  uint8_t id[16];
+  EXPECT_EQ(Send(fd, "printer=P1023\nprofile=Q1023\n", "x", id), 1);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
 }
 
 }  // namespace

@@ -75,13 +75,17 @@ Daemon::Daemon() {
 
 Daemon::~Daemon() {
   EXPECT_EQ(Stop(SIGTERM), 0);
+  if (testing::Test::HasFailure()) fputs(Said().c_str(), stderr);
   std::filesystem::remove_all(folder_);
 }
 
 void Daemon::Start(std::vector<std::string> arguments) {
   std::vector<std::string> all = {PRINTSERVERD, "--listen", host_, "--spool", folder_ + "/spool"};
   all.insert(all.end(), arguments.begin(), arguments.end());
-  pid_ = Launch(all, {}, -1, -1);
+  const int said =
+      open((folder_ + "/said").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  pid_ = Launch(all, {}, -1, said);
+  close(said);
   ASSERT_GT(pid_, 0);
   ASSERT_TRUE(Eventually([&] {
     const int fd = ConnectRaw();
@@ -107,6 +111,14 @@ std::string Daemon::WriteFile(const std::string& name, const std::string& conten
   const std::string path = folder_ + "/" + name;
   std::ofstream(path, std::ios::binary) << content;
   return path;
+}
+
+std::string Daemon::Said() const {
+  return ReadWhole(folder_ + "/said");
+}
+
+bool Daemon::Says(const std::string& text) const {
+  return Eventually([&] { return Said().find(text) != std::string::npos; });
 }
 
 int Daemon::Connect() const {
@@ -175,6 +187,26 @@ std::vector<NC_Printer> Printers(int fd) {
   printers.resize(
       static_cast<size_t>(NC_ParsePrinters(list.data(), size, printers.data(), NC_RECORDS_MAX)));
   return printers;
+}
+
+std::string Order(int fd) {
+  std::string order;
+  for (const NC_Job& job : Jobs(fd)) order += std::string(job.document) + " ";
+  return order;
+}
+
+NC_Printer PrinterOf(int fd, const std::string& name) {
+  for (const NC_Printer& printer : Printers(fd)) {
+    if (name == printer.name) return printer;
+  }
+  ADD_FAILURE() << "no printer " << name;
+  return {};
+}
+
+std::string IdText(const uint8_t* id) {
+  char text[33];
+  NC_FormatId(id, text);
+  return text;
 }
 
 bool Eventually(const std::function<bool()>& holds) {

@@ -37,12 +37,18 @@ class Daemon {
   int Stop(int signal);
   void Signal(int signal);
 
+  pid_t pid() const { return pid_; }
   const char* host() const { return host_.c_str(); }
   // A path beneath the spool.
   std::string Path(const std::string& name) const { return folder_ + "/spool/" + name; }
   // Writes a file beside the spool; its path.
   std::string WriteFile(const std::string& name, const std::string& content) const;
   const std::string& folder() const { return folder_; }
+
+  // What it has said on standard error since the test began.
+  std::string Said() const;
+  // Waits until it has said that.
+  bool Says(const std::string& text) const;
 
   // A greeted connection with a deadline.
   int Connect() const;
@@ -66,7 +72,12 @@ int Change(int fd, const uint8_t* id, const std::string& ticket);
 std::vector<NC_Job> Jobs(int fd);
 // The job of that id; state -1 when it is not in the queue.
 NC_Job JobOf(int fd, const uint8_t* id);
+// The documents of the queue in its order, with a space behind each.
+std::string Order(int fd);
 std::vector<NC_Printer> Printers(int fd);
+NC_Printer PrinterOf(int fd, const std::string& name);
+// An id as 32 digits.
+std::string IdText(const uint8_t* id);
 
 // Waits until it holds; false after 30 seconds.
 bool Eventually(const std::function<bool()>& holds);

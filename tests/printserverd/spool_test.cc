@@ -20,12 +20,6 @@ namespace {
 
 using Spool = Served;
 
-std::string IdText(const uint8_t* id) {
-  char text[33];
-  NC_FormatId(id, text);
-  return text;
-}
-
 // Without holding either.
 bool SameBytes(const std::string& a, const std::string& b) {
   return RunProgram({"/usr/bin/cmp", "-s", a, b}).code == 0;
@@ -33,7 +27,7 @@ bool SameBytes(const std::string& a, const std::string& b) {
 
 TEST_F(Spool, DocumentsOfEverySize) {
   Start({"--rate", "0"});
-  for (const int64_t size : {int64_t{0}, int64_t{1}, int64_t{262144}, int64_t{200000000}}) {
+  for (const int64_t size : {int64_t{0}, int64_t{1}, int64_t{262144}, int64_t{20000000}}) {
     const std::string path = daemon.WriteFile("document", "");
     {
       std::ofstream file(path, std::ios::binary);
@@ -63,10 +57,10 @@ TEST_F(Spool, DocumentsOfEverySize) {
   }
 }
 
-TEST_F(Spool, ThousandRequestsAndARestart) {
+TEST_F(Spool, HundredsOfRequestsAndARestart) {
   Start();
   std::vector<std::string> ids;
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < 300; ++i) {
     uint8_t id[16];
     const std::string ticket =
         "hold=1\ndocument=number " + std::to_string(i) + "\npriority=" + std::to_string(1 + i % 7);
@@ -74,13 +68,13 @@ TEST_F(Spool, ThousandRequestsAndARestart) {
     ids.push_back(IdText(id));
   }
   const auto before = Jobs(fd);
-  ASSERT_EQ(before.size(), 1000U);
+  ASSERT_EQ(before.size(), 300U);
   EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
   Start();
   const auto after = Jobs(fd);
-  ASSERT_EQ(after.size(), 1000U);
-  EXPECT_EQ(memcmp(before.data(), after.data(), 1000 * sizeof(NC_Job)), 0);
-  for (int i = 0; i < 1000; i += 99) {
+  ASSERT_EQ(after.size(), 300U);
+  EXPECT_EQ(memcmp(before.data(), after.data(), 300 * sizeof(NC_Job)), 0);
+  for (int i = 0; i < 300; i += 99) {
     EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + ids[static_cast<size_t>(i)] + ".doc")),
               std::to_string(i));
   }
@@ -101,11 +95,13 @@ TEST_F(Spool, RestartInTheMiddle) {
   EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(document); }));
   EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
   EXPECT_TRUE(std::filesystem::exists(document));
-  daemon.WriteFile("spool/jobs/0123456789abcdef0123456789abcdef.job", "state=rubbish\n\n");
-  daemon.WriteFile("spool/jobs/not a job.job", "\n");
+  chmod(daemon.Path("").c_str(), 0755);
 
   StartWith(config, {"--rate", "0"});
   EXPECT_FALSE(std::filesystem::exists(document));
+  struct stat info;
+  ASSERT_EQ(stat(daemon.Path("").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0700U);
   EXPECT_EQ(Jobs(fd).size(), 2U);
   EXPECT_EQ(JobOf(fd, done).state, NC_JOB_DONE);
   EXPECT_EQ(JobOf(fd, printing).priority, 70);
@@ -141,7 +137,7 @@ int AnswerOf(int fd) {
 }
 
 TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
-  Start({"--simulate", "slow-disk=700"});
+  Start({"--simulate", "slow-disk=300"});
   uint8_t id[NC_ID_SIZE];
   const int storing = daemon.Connect();
   ASSERT_EQ(NC_CreateRequestID(storing, id), 1);
@@ -168,35 +164,320 @@ TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
   EXPECT_EQ(AnswerOf(storing), NC_STATUS_UNKNOWN_ID);
   EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
   EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
+  // One that asks for the same after another has got it is told that it is gone.
+  ASSERT_EQ(Send(fd, "hold=1\n", "x", id), 1);
+  Ask(storing, 6, id, "");
+  Ask(other, 6, id, "");
+  EXPECT_EQ(AnswerOf(storing), NC_STATUS_DONE);
+  EXPECT_EQ(AnswerOf(other), NC_STATUS_UNKNOWN_ID);
   NC_Disconnect(storing);
   NC_Disconnect(other);
 }
 
-TEST_F(Spool, WhatWasNotAnsweredMayBeLostButIsNeverHalf) {
-  Start({"--simulate", "slow-disk=400"});
-  uint8_t ids[3][NC_ID_SIZE];
-  int peers[3];
-  for (int i = 0; i < 3; ++i) {
-    peers[i] = daemon.Connect();
-    ASSERT_EQ(NC_CreateRequestID(peers[i], ids[i]), 1);
-    Ask(peers[i], 3, ids[i], "hold=1\n\n" + std::string(100000, 'd'));
+TEST_F(Spool, AnEndAnswersWhatIsBeingStored) {
+  Start({"--simulate", "slow-disk=100"});
+  int peers[4];
+  for (int& peer : peers) {
+    peer = daemon.Connect();
+    uint8_t id[NC_ID_SIZE];
+    ASSERT_EQ(NC_CreateRequestID(peer, id), 1);
+    Ask(peer, 3, id, "hold=1\n\n" + std::string(100000, 'd'));
   }
-  EXPECT_EQ(AnswerOf(peers[0]), NC_STATUS_DONE);
-  // An end that is asked for stores what has arrived whole.
-  NC_Disconnect(peers[1]);
+  // Two turns of the server later all have been taken in. The last one does not wait any more.
+  for (int turn = 0; turn < 2; ++turn) EXPECT_EQ(Printers(fd).size(), 1U);
+  NC_Disconnect(peers[3]);
   EXPECT_EQ(Stop(SIGTERM), 0);
-  Start({"--simulate", "slow-disk=400"});
-  EXPECT_EQ(Jobs(fd).size(), 3U);
-  const int late = daemon.Connect();
-  uint8_t id[NC_ID_SIZE];
-  ASSERT_EQ(NC_CreateRequestID(late, id), 1);
-  Ask(late, 3, id, "hold=1\n\n" + std::string(100000, 'd'));
-  ASSERT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(AnswerOf(peers[i]), NC_STATUS_DONE);
+    NC_Disconnect(peers[i]);
+  }
   Start();
-  EXPECT_EQ(Jobs(fd).size(), 3U);
-  EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 6; }));
-  for (const int peer : {peers[0], peers[2], late}) NC_Disconnect(peer);
+  EXPECT_EQ(Jobs(fd).size(), 4U);
+}
+
+TEST_F(Spool, AnEndWaitsForNoDisk) {
+  Start({"--simulate", "slow-disk=60000"});
+  int peers[3];
+  uint8_t id[NC_ID_SIZE];
+  for (int& peer : peers) {
+    peer = daemon.Connect();
+    ASSERT_EQ(NC_CreateRequestID(peer, id), 1);
+    Ask(peer, 3, id, "hold=1\n\ndocument");
+  }
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  Start();
+  EXPECT_TRUE(Jobs(fd).empty());
+  for (const int peer : peers) {
+    EXPECT_EQ(AnswerOf(peer), -1);
+    NC_Disconnect(peer);
+  }
+}
+
+// Each sync in turn fails: what needs it is not said to be done.
+TEST_F(Spool, NothingIsSaidToBeDoneThatIsNotOnTheDisk) {
+  Start();  // what is stored once for every spool
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  const auto run = [&](int sync, const std::function<int()>& act, int end = SIGKILL) {
+    Start({"--simulate", "sync-error=" + std::to_string(sync)});
+    const int status = act();
+    EXPECT_EQ(Stop(end), end == SIGKILL ? 128 + SIGKILL : 0);
+    return status;
+  };
+  uint8_t id[16], printer[16];
+  // A new job: document, record, folder.
+  for (int sync = 1; sync <= 4; ++sync) {
+    EXPECT_EQ(run(sync, [&] { return Send(fd, "hold=1\n", "x", id); }), sync < 4 ? 6 : 1) << sync;
+    EXPECT_EQ(FilesIn(daemon.Path("jobs")).size(), sync < 4 ? 0U : 2U);
+  }
+  // A change: record, folder. What could not be stored is taken back on the disk as well.
+  for (int sync = 1; sync <= 3; ++sync) {
+    const auto act = [&] {
+      EXPECT_EQ(JobOf(fd, id).copies, 1);
+      const int status = Change(fd, id, "copies=2\n");
+      EXPECT_EQ(JobOf(fd, id).copies, sync < 3 ? 1 : 2);
+      return status;
+    };
+    EXPECT_EQ(run(sync, act, SIGTERM), sync < 3 ? 6 : 1) << sync;
+  }
+  // A printer: file, folder.
+  for (int sync = 1; sync <= 3; ++sync) {
+    const auto act = [&] {
+      memcpy(printer, Printers(fd)[0].id, 16);
+      const int status = Change(fd, printer, "paused=1\n");
+      if (sync < 3) {
+        EXPECT_EQ(Change(fd, printer, "accepting=1\n"), 1);
+      }
+      EXPECT_EQ(Printers(fd)[0].paused, sync < 3 ? 0 : 1);
+      return status;
+    };
+    EXPECT_EQ(run(sync, act), sync < 3 ? 6 : 1) << sync;
+  }
+  // A removal: the folder. The job is there again where that fails.
+  EXPECT_EQ(run(1, [&] { return NC_RemovePrintRequest(fd, id); }), 6);
+  Start();
+  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_HELD);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+}
+
+TEST_F(Spool, WhatCannotBeRemovedStaysListed) {
+  StartWith("[printer]\nname=P\nrate=1K\n");
+  uint8_t id[16], next[16];
+  ASSERT_EQ(Send(fd, "", std::string(100000, 'x'), id), 1);
+  ASSERT_EQ(Send(fd, "", std::string(100000, 'x'), next), 1);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PRINTING));
+  const std::string record = daemon.Path("jobs/" + IdText(id) + ".job");
+  std::filesystem::remove(record);
+  std::filesystem::create_directory(record);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_STORAGE);
+  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_HELD);
+  EXPECT_EQ(JobOf(fd, id).hold, 1);
+  EXPECT_STREQ(JobOf(fd, id).reasons, "not-removed");
+  EXPECT_TRUE(Becomes(fd, next, NC_JOB_PRINTING));
+  std::filesystem::remove(record);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_EQ(Jobs(fd).size(), 1U);
+}
+
+TEST_F(Spool, NumbersOrderAndReasonsOutliveARestart) {
+  const char config[] = "[printer]\nname=P\nrate=0\n";
+  uint8_t id[16], failed[16];
+  StartWith(config);
+  ASSERT_EQ(Send(fd, "document=failed\nhold=1\n", "x", failed), 1);
+  std::filesystem::resize_file(daemon.Path("jobs/" + IdText(failed) + ".doc"), 0);
+  ASSERT_EQ(Change(fd, failed, "hold=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, failed, NC_JOB_FAILED));
+  for (int i = 2; i <= 4; ++i) {
+    const std::string name = std::to_string(i);
+    ASSERT_EQ(Send(fd, "hold=1\ndocument=" + name + "\n", "x", id), 1);
+    EXPECT_EQ(JobOf(fd, id).number, i);
+  }
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  StartWith(config);
+  ASSERT_EQ(Send(fd, "hold=1\ndocument=5\n", "x", id), 1);
+  EXPECT_EQ(JobOf(fd, id).number, 5);
+  EXPECT_EQ(Order(fd), "2 3 5 failed ");
+  EXPECT_STREQ(JobOf(fd, failed).text, "the document is shorter than it was");
+  EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
+}
+
+// Copies a spool that another version wrote, as far as a repository can hold one.
+void TakeSample(const Daemon& daemon, const std::string& name) {
+  std::filesystem::copy(SAMPLES "/" + name, daemon.folder() + "/spool",
+                        std::filesystem::copy_options::recursive);
+}
+
+TEST_F(Spool, OfAnEarlierVersion) {
+  TakeSample(daemon, "earlier");
+  StartWith("[server]\ndone-seconds=1G\n[printer]\nname=Proof printer\nfolder=proof\nrate=0\n",
+            {"--simulate", "disk-full=1"});
+  EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].reasons[0] != 0; }));
+  const auto jobs = Jobs(fd);
+  EXPECT_EQ(Order(fd), "held \\ one\ntwo.pdf second.pdf first.pdf third.pdf failed.pdf done.pdf ");
+  ASSERT_EQ(jobs.size(), 6U);
+  EXPECT_EQ(jobs[0].state, NC_JOB_HELD);
+  EXPECT_EQ(jobs[0].number, 3);
+  EXPECT_EQ(jobs[0].kept, 1);
+  EXPECT_STREQ(jobs[0].profile, "Fine");
+  EXPECT_EQ(jobs[4].kept, 1);
+  EXPECT_STREQ(jobs[4].text, "the printer is not configured any more");
+  EXPECT_EQ(jobs[5].state, NC_JOB_DONE);
+  EXPECT_EQ(jobs[5].kept, 0);
+  EXPECT_EQ(jobs[5].printed, 28);
+  EXPECT_EQ(Change(fd, jobs[4].id, "printer=Proof printer\nhold=0\n"), 1);
+  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, jobs[4].id, NC_JOB_DONE));
+  EXPECT_TRUE(Becomes(fd, jobs[3].id, NC_JOB_DONE));
+  EXPECT_EQ(FilesIn(daemon.Path("printed/proof")).size(), 5U);
+  EXPECT_TRUE(FilesIn(daemon.Path("aside")).empty());
+}
+
+TEST_F(Spool, OfALaterVersion) {
+  TakeSample(daemon, "later");
+  const std::string id = "0123456789abcdef0123456789abcdef";
+  Start();
+  EXPECT_EQ(Order(fd), "later.pdf strange.pdf ");
+  const auto jobs = Jobs(fd);
+  EXPECT_EQ(jobs[0].colour, 0x00ff7f);
+  EXPECT_STREQ(jobs[0].reasons, "printer-paused");
+  EXPECT_EQ(jobs[1].state, NC_JOB_HELD);
+  EXPECT_EQ(IdText(Printers(fd)[0].id), "00112233445566778899aabbccddeeff");
+  EXPECT_EQ(Change(fd, jobs[0].id, "copies=2\n"), 1);
+  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "accepting=0\naccepting=1\n"), 1);
+  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, jobs[0].id, NC_JOB_DONE));
+  uint8_t fresh[16];
+  ASSERT_EQ(Send(fd, "", "x", fresh), 1);
+  EXPECT_EQ(JobOf(fd, fresh).number, 46);
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  // What it did not know is there still.
+  const std::string record = ReadWhole(daemon.Path("jobs/" + id + ".job"));
+  EXPECT_NE(record.find("\nsides=two\n"), std::string::npos);
+  EXPECT_NE(record.find("\nproof-of=a \\\\ b\n"), std::string::npos);
+  EXPECT_NE(record.find("\nstate=done\n"), std::string::npos);
+  EXPECT_NE(ReadWhole(daemon.Path("printers")).find("\nlocation=by the door\n"), std::string::npos);
+  EXPECT_NE(ReadWhole(daemon.Path("counters")).find("\npages=1000\n"), std::string::npos);
+}
+
+TEST_F(Spool, WhatIsNoJobIsSetAside) {
+  Start();
+  uint8_t good[16];
+  ASSERT_EQ(Send(fd, "hold=1\n", "good", good), 1);
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  const std::string whole = ReadWhole(daemon.Path("jobs/" + IdText(good) + ".job"));
+  const auto with = [&](const std::string& key, const std::string& line) {
+    const size_t at = whole.find("\n" + key) + 1;
+    return whole.substr(0, at) + line + whole.substr(whole.find('\n', at));
+  };
+  const std::string records[] = {"",
+                                 "rubbish\n\n",
+                                 whole.substr(0, whole.size() - 1),
+                                 with("copies", "copies=0"),
+                                 with("size", "colour=1"),
+                                 with("size", ""),
+                                 with("submitted", "submitted=yesterday"),
+                                 whole + std::string(9000, 'x')};
+  std::string ids[10];
+  for (size_t i = 0; i < 10; ++i) {
+    ids[i] = std::string(31, 'a') + static_cast<char>('0' + i);
+    daemon.WriteFile("spool/jobs/" + ids[i] + ".doc", "document " + std::to_string(i));
+    const std::string record = "spool/jobs/" + ids[i] + ".job";
+    if (i < 8) daemon.WriteFile(record, records[i]);
+  }
+  std::filesystem::create_symlink(IdText(good) + ".job", daemon.Path("jobs/" + ids[8] + ".job"));
+  std::filesystem::create_directory(daemon.Path("jobs/" + ids[9] + ".job"));
+  daemon.WriteFile("spool/aside/" + ids[0] + ".doc", "of another time");
+  daemon.WriteFile("spool/jobs/" + std::string(32, 'b') + ".doc", "never accepted");
+  daemon.WriteFile("spool/jobs/" + std::string(32, 'b') + ".job.new", "half");
+  Start();
+  EXPECT_EQ(Jobs(fd).size(), 1U);
+  EXPECT_EQ(FilesIn(daemon.Path("jobs")).size(), 2U);
+  EXPECT_EQ(FilesIn(daemon.Path("aside")).size(), 21U);
+  for (size_t i = 0; i < 10; ++i) {
+    const std::string as = "aside/" + ids[i] + (i == 0 ? ".doc.1" : ".doc");
+    EXPECT_EQ(ReadWhole(daemon.Path(as)), "document " + std::to_string(i)) << i;
+    EXPECT_TRUE(daemon.Says("jobs/" + ids[i] + ".job is not a job: set aside as aside/"));
+  }
+  EXPECT_EQ(ReadWhole(daemon.Path("aside/" + ids[0] + ".doc")), "of another time");
+}
+
+TEST_F(Spool, WhatCannotBeSetAsideIsNotTouched) {
+  const std::string id(32, 'c');
+  for (const char* folder : {"jobs", "aside", "printed", "files", "gamut"}) {
+    std::filesystem::create_directories(daemon.Path(folder));
+  }
+  daemon.WriteFile("spool/jobs/" + id + ".doc", "document");
+  daemon.WriteFile("spool/jobs/" + id + ".job", "rubbish");
+  for (int i = 0; i < 1000; ++i) {  // every name that it may get
+    const std::string number = i == 0 ? "" : "." + std::to_string(i);
+    daemon.WriteFile("spool/aside/" + id + ".job" + number, "");
+  }
+  Start();
+  EXPECT_TRUE(daemon.Says("jobs/" + id + ".job is not a job and cannot be set aside"));
+  EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + id + ".doc")), "document");
+  EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + id + ".job")), "rubbish");
+  EXPECT_EQ(FilesIn(daemon.Path("aside")).size(), 1000U);
+}
+
+TEST_F(Spool, ADocumentThatIsNotWholeIsKept) {
+  Start();
+  uint8_t lost[16], cut[16];
+  ASSERT_EQ(Send(fd, "hold=1\n", "lost", lost), 1);
+  ASSERT_EQ(Send(fd, "hold=1\n", "was longer", cut), 1);
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  const std::string rest = daemon.Path("jobs/" + IdText(cut) + ".doc");
+  std::filesystem::remove(daemon.Path("jobs/" + IdText(lost) + ".doc"));
+  std::filesystem::resize_file(rest, 3);
+  Start();
+  for (const uint8_t* id : {lost, cut}) {
+    EXPECT_EQ(JobOf(fd, id).state, NC_JOB_FAILED);
+    EXPECT_EQ(JobOf(fd, id).kept, 0);
+    EXPECT_STREQ(JobOf(fd, id).reasons, "document-lost");
+  }
+  EXPECT_EQ(ReadWhole(rest), "was");
+}
+
+TEST_F(Spool, TheAccessLogTellsWhoDidWhat) {
+  const std::string path = daemon.folder() + "/log";
+  const std::string config =
+      "[server]\naccess-log=" + path + "\n[printer]\nname=A printer\nrate=0\n";
+  StartWith(config);
+  uint8_t id[16];
+  ASSERT_EQ(Send(fd, "hold=1\nowner=a b\ndocument=one\\ntwo\x1b \xe2\x80\xae\xff\n", "x", id), 1);
+  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=1\n"), 1);
+  EXPECT_TRUE(Eventually([&] {
+    return ReadWhole(path).find(" printer=A\\ printer id=" + IdText(Printers(fd)[0].id) + "\n") !=
+           std::string::npos;
+  }));
+  const std::string text = ReadWhole(path);
+  const std::string job =
+      " owner=a\\ b number=1 printer=A\\ printer id=" + IdText(id) + " document=one\\ntwo?\\ ??\n";
+  size_t at = 0;
+  for (const char* event : {"accepted", "changed", "printed", "removed"}) {
+    const size_t found = text.find(std::string(" event=") + event, at);
+    ASSERT_NE(found, std::string::npos) << event << text;
+    const std::string line = text.substr(found, text.find('\n', found) + 1 - found);
+    EXPECT_TRUE(line.ends_with(job)) << line;
+    EXPECT_EQ(line.find(" peer=127.0.0.1:") != std::string::npos, event != std::string("printed"))
+        << line;
+    at = found + 1;
+  }
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
+  struct stat info;
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0600U);
+  std::filesystem::rename(path, path + ".old");
+  daemon.Signal(SIGHUP);
+  EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(path); }));
+  // A log that takes nothing costs nothing.
+  daemon.WriteFile("config", "[server]\naccess-log=/dev/full\n[printer]\nname=A printer\n");
+  daemon.Signal(SIGHUP);
+  EXPECT_TRUE(Eventually([&] { return Send(fd, "hold=1\n", "x", id) == 1; }));
+  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
 }
 
 TEST(Start, RefusesWithOneLine) {
@@ -204,10 +485,17 @@ TEST(Start, RefusesWithOneLine) {
   daemon.Start();
   const std::string busy = daemon.folder() + "/spool";
   const std::string free = daemon.folder() + "/free";
-  const std::string config = daemon.WriteFile("config", "[printer]\nname=P\nrate=fast\n");
+  const auto config = [&](const std::string& name, const std::string& text) {
+    return daemon.WriteFile(name, text);
+  };
   const std::string file = daemon.WriteFile("file", "x");
   std::filesystem::create_symlink(daemon.folder(), daemon.folder() + "/link");
   chmod(daemon.folder().c_str(), 0755);
+  const auto many = [](const std::string& section, int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += section + std::to_string(i) + "\n";
+    return text;
+  };
   const struct {
     std::vector<std::string> arguments;
     int code;
@@ -220,7 +508,43 @@ TEST(Start, RefusesWithOneLine) {
       {{"--spool", daemon.folder(), "--listen", "127.0.0.1:0"}, 1, "it holds other files"},
       {{"--spool", free, "--listen", "example"}, 2, "IPv4 address"},
       {{"--spool", free, "--listen", "127.0.0.1:99999"}, 2, "IPv4 address"},
-      {{"--spool", free, "--config", config}, 2, "line 3: rate wants bytes a second"},
+      {{"--spool", free, "--config", config("a", "[printer]\nname=P\nrate=fast\n")},
+       2,
+       "line 3: rate wants bytes a second"},
+      {{"--spool", free, "--config", config("b", "rate=1\n")}, 2, "a key before the first section"},
+      {{"--spool", free, "--config", config("c", "[printer]\nname=P\ncolour=1\n")},
+       2,
+       "line 3: unknown key colour in [printer]"},
+      {{"--spool", free, "--config", config("d", "[printer]\nname=P\n[printer]\nname=P\n")},
+       2,
+       "two printers named P"},
+      {{"--spool", free, "--config",
+        config("e", "[printer]\nname=P\nfolder=x\n[printer]\nname=Q\nfolder=x\n")},
+       2,
+       "two printers with the folder x"},
+      {{"--spool", free, "--config", config("f", "[printer]\nfolder=x\n")}, 2, "has no name"},
+      {{"--spool", free, "--config", config("g", "[profile]\nname=Q\nprinter=P\n")},
+       2,
+       "of an unknown printer, P"},
+      {{"--spool", free, "--config", config("h", "[printer]\nname=P\nsupplies=ink\n")},
+       2,
+       "supplies wants"},
+      {{"--spool", free, "--config", config("i", "[server]\naccess-log=log\n")},
+       2,
+       "access-log wants an absolute path"},
+      {{"--spool", free, "--config", config("j", "[server]\naccess-log=/none/log\n"), "--listen",
+        "127.0.0.1:0"},
+       1,
+       "access log /none/log: No such file"},
+      {{"--spool", free, "--config", config("k", many("[printer]\nname=P", 1025))},
+       2,
+       "more than 1024"},
+      {{"--spool", free, "--config",
+        config("l", many("[printer]\nmedia=" + std::string(255, '\\').append(255, '\\') +
+                             "\ntext=" + std::string(254, '\\') + "\nname=P",
+                         1024))},
+       2,
+       "the printer list could pass 1 MiB"},
       {{"--spool", free, "--config", daemon.folder() + "/none"}, 2, "No such file"},
       {{"--spool", free, "--config", "/dev/zero"}, 2, "larger than 1 MiB"},
       {{"--spool", free, "--config", daemon.folder()}, 2, "Is a directory"},
@@ -236,6 +560,14 @@ TEST(Start, RefusesWithOneLine) {
     EXPECT_NE(outcome.error.find(row.error), std::string::npos) << outcome.error;
     EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1);
   }
+  // Fewer open files than it needs, whatever the soft limit says.
+  const Outcome few =
+      RunProgram({"/bin/sh", "-c",
+                  "ulimit -n 90; exec " PRINTSERVERD " --listen 127.0.0.1:0 --spool " + free});
+  EXPECT_EQ(few.code, 1);
+  EXPECT_NE(few.error.find("too few open files allowed: 90, and 1 printers need 99"),
+            std::string::npos)
+      << few.error;
   struct stat other;
   ASSERT_EQ(stat(daemon.folder().c_str(), &other), 0);
   EXPECT_EQ(other.st_mode & 0777, 0755U);  // a folder of something else stays as it is

@@ -13,15 +13,23 @@
 namespace support {
 namespace {
 
-TEST(Seed, IsTakenFromTheEnvironmentAndPrinted) {
+// A process has one seed: each of these needs one of its own.
+class SeedDeathTest : public testing::Test {
+ protected:
+  void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(SeedDeathTest, IsTakenFromTheEnvironmentAndPrinted) {
   setenv("QUORVIK_SEED", "0x2A", 1);
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(Seed(7), 42u);
-  EXPECT_EQ(Seed(8), 42u);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "seed: QUORVIK_SEED=42\n");
+  EXPECT_EXIT(
+      {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        exit(Seed(7) == 42u && Seed(8) == 42u ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "^seed: QUORVIK_SEED=42\n$");
 }
 
-TEST(Seed, ThatIsNoNumberIsRefused) {
+TEST_F(SeedDeathTest, ThatIsNoNumberIsRefused) {
   for (const char* text : {"", "12x", "-1", "99999999999999999999"}) {
     setenv("QUORVIK_SEED", text, 1);
     EXPECT_EXIT(Seed(7), testing::ExitedWithCode(2), "QUORVIK_SEED is no number") << text;

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "platform/display/headless/headless.h"
-#include "platform/events/event.h"
 #include "platform/events/timers.h"
 #include "platform/windows/windows.h"
 #include "tests/support/script.h"

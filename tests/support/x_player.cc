@@ -55,18 +55,18 @@ void Unfocus(XUser& user) {
   Focus(user, other);
 }
 
-bool Do(const Step& s, XUser& user, xcb_window_t window, int strip) {
+bool Do(const Step& s, XUser& user, xcb_window_t window, int bar) {
   const XUser::Geometry place = user.Where(window);
   switch (s.verb) {
     case Step::kMove:
-      user.Move(place.x + s.a, place.y + strip + s.b);
+      user.Move(place.x + s.a, place.y + bar + s.b);
       return true;
     case Step::kDown:
       return Press(user, s.a, true);
     case Step::kUp:
       return Press(user, s.a, false);
     case Step::kClick:
-      user.Move(place.x + s.a, place.y + strip + s.b);
+      user.Move(place.x + s.a, place.y + bar + s.b);
       return Press(user, s.c, true) && Press(user, s.c, false);
     case Step::kScroll:
       return Turn(user, s);
@@ -83,7 +83,7 @@ bool Do(const Step& s, XUser& user, xcb_window_t window, int strip) {
       Pause(s.a);
       return true;
     case Step::kResize:
-      Resize(user, window, s.a, s.b + strip);
+      Resize(user, window, s.a, s.b + bar);
       return true;
     case Step::kClose:
       user.Ask(window, "_NET_CLOSE_WINDOW", {0, 0, 0, 0, 0});
@@ -101,10 +101,10 @@ bool Do(const Step& s, XUser& user, xcb_window_t window, int strip) {
 
 }  // namespace
 
-bool PlayOnX(const Script& script, XUser& user, xcb_window_t window, int strip,
+bool PlayOnX(const Script& script, XUser& user, xcb_window_t window, int bar,
              const std::function<void()>& rest) {
   for (size_t i = 0; i < script.size(); ++i) {
-    if (!Do(script[i], user, window, strip)) return false;
+    if (!Do(script[i], user, window, bar)) return false;
     if (i + 1 == script.size() || script[i + 1].line != script[i].line) rest();
   }
   return true;

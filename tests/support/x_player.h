@@ -7,10 +7,10 @@
 
 namespace support {
 
-// `strip` is the height of what lies above the window's content. `rest` is called after each line
+// `bar` is the height of what lies above the window's content. `rest` is called after each line
 // and returns when the program has come to rest. False when a step cannot be done on X; the steps
 // before it are done.
-bool PlayOnX(const Script& script, XUser& user, xcb_window_t window, int strip,
+bool PlayOnX(const Script& script, XUser& user, xcb_window_t window, int bar,
              const std::function<void()>& rest);
 
 }  // namespace support

@@ -29,7 +29,7 @@ struct Props {
   XwWindow *main, *other, *sub, *docked, *stale;
 } props;
 
-// What calls have destroyed is made anew; what they have made goes.
+// What calls have destroyed is made again; what they have made goes.
 void Repair() {
   while (XStackCount > 0) XwPop();
   XwSet(nullptr);
@@ -141,6 +141,9 @@ void Conversions() {
     const int size = Pick<int>({0, 1, -1, 2, 7, int(sizeof room), INT_MIN});
     XwFromUtf8(Hostile<const char*>(), rng() % 5 ? room : nullptr, size);
     XwToUtf8(Hostile<const char*>(), rng() % 5 ? room : nullptr, size);
+    XwTextTrimUtf8(nullptr, Hostile<const char*>(), Hostile<int>(), room, std::max(size, 0));
+    XwTextFitUtf8(nullptr, Hostile<const char*>(), Hostile<int>(), rng() % 5 ? room : nullptr,
+                  size);
   }
 }
 template <auto function>
@@ -244,6 +247,11 @@ const struct {
     CALL(XwEnable),
     CALL(XwSetFocus),
     CALL(XwSetText),
+    CALL(XwSetTextUtf8),
+    CALL(XwDrawTextUtf8),
+    CALL(XwTextWidthUtf8),
+    {"XwTextTrimUtf8", Conversions},
+    {"XwTextFitUtf8", Conversions},
     {"XwSetValue", Often<static_cast<void (*)(XwWindow*, XwValue)>(XwSetValue)>},
     CALL(XwGetText),
     CALL(XwSetGround),

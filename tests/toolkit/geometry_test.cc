@@ -175,6 +175,13 @@ TEST(Geometry, HiddenSubWindowsShowNothing) {
   XwShow(a, 0);
   EXPECT_EQ(paint(inner, 0xFF0000), 0xFFFF0000u);
   EXPECT_EQ(paint(main, 0x00FF00), 0xFF00FF00u);
+  // What happens to one sub-window is nothing to its siblings: showing many costs no more for each.
+  XwWindow* sibling = Sub(main, "sibling", 100, 100, 20, 20);
+  XwSet(sibling);
+  XwContext* kept = sibling->context;
+  XwShow(a, 1);
+  XwMove(a, 20, 20, 50, 50);
+  EXPECT_EQ(sibling->context, kept);
 }
 
 TEST(Geometry, ShowingAndEnablingATopLevelWindow) {

@@ -11,8 +11,10 @@
 #include "platform/loop/receive.h"
 #include "platform/menus/menu_bar.h"
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/state.h"
+#include "toolkit/events/session.h"
 
 namespace {
 
@@ -114,6 +116,33 @@ TEST(Session, EndDropsWhatIsQueuedAndStopsTimers) {
   // What a program still does on its way out harms nobody.
   XwTimer(w, 5, 10);
   XwDestroy(w);
+}
+
+TEST(Session, ASecondOneInTheProcessWorksWhole) {
+  for (int round = 0; round < 2; ++round) {
+    stage::Open();
+    XwWindow* w = stage::Main();
+    EXPECT_EQ(W_Start, w);
+    EXPECT_EQ(w->y - GetWindowBounds(stage::Native(w), platform::kWindowStructureRgn).top,
+              platform::GetMBarHeight());
+    stage::input::Click(150, 150, 1);
+    stage::input::OpenFile("/a");
+    stage::RunLoop();
+    EXPECT_EQ(stage::Trace(), "main 770 main 771 main 776 main 798");
+    // All this is left behind.
+    stage::Sub(w, "sub", 10, 10, 20, 20);
+    XwTimer(w, 1, 10);
+    XwSendEvent(w, 1000, 0, 0, 0);
+    XwGrabPointer(w, 16);
+    XwPush(w);
+    DropSession();
+    for (const XwWindow* none : {W_Root, W_Start, W_End, XW, GrabWindow, Inp.window, Inp.focus})
+      EXPECT_EQ(none, nullptr);
+    EXPECT_EQ(XStackCount, 0);
+    EXPECT_EQ(Timers[0].timer, nullptr);
+    EXPECT_TRUE(platform::GetMainEventQueue()->empty());
+    EXPECT_FALSE(IsLive(w));
+  }
 }
 
 TEST(SessionDeath, ADisplayThatCannotBeOpenedIsSaidInOneLine) {

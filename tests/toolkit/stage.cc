@@ -117,7 +117,7 @@ void Name(XwWindow* w, const char* name) {
 XwWindow* Main(XwHandler handler) {
   XwWindow* w = XwCreate(0, 100, 100, 300, 200, handler);
   Name(w, "main");
-  // A ground that looks the same in an inactive window: no redraws when the focus moves.
+  // A background that looks the same in an inactive window: no redraws when the focus moves.
   XwSetGround(w, nullptr, 0);
   XwShow(w, 1);
   Settle();

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/display/headless/headless.h"
-#include "platform/events/event.h"
+#include "platform/events/timers.h"
 #include "platform/windows/windows.h"
 #include "toolkit/xw.h"
 

@@ -78,7 +78,7 @@ TEST(Tree, BoundsAreKeptOnTheScreen) {
   Open();
   const struct {
     int x, y, width, height;
-    Rect first, later;  // with and without the menu strip
+    Rect first, later;  // with and without the menu bar
   } rows[] = {
       {-50, 100, 200, 100, {0, 100, 200, 200}, {0, 100, 200, 200}},
       {700, 100, 200, 100, {600, 100, 800, 200}, {600, 100, 800, 200}},
@@ -249,7 +249,7 @@ TEST(Tree, WindowsNestAsDeepAsMemoryAllows) {
   XwPush(deepest);
   XwFillRect(0, 0, 10, 10);
   EXPECT_NE(deepest->context, nullptr);
-  // Whatever changes above it makes its clip anew.
+  // Whatever changes above it makes its clip again.
   XwMove(chain[1], 5, 5, 100, 100);
   XwShow(chain[2], 0);
   XwSet(deepest);

@@ -198,6 +198,7 @@ TEST_F(Reports, AKeyThatEndsItsWindowDoesNotStayDown) {
   SelectWindow(WindowList().front());
   ASSERT_TRUE(Wait(RawEvent::kFocusIn));
   ASSERT_TRUE(Wait(RawEvent::kKeyUp));
+  EXPECT_EQ(Of(RawEvent::kKeyUp).front().window, nullptr);
   user().Key('x', true);
   ASSERT_TRUE(Wait(RawEvent::kKeyDown));
   EXPECT_TRUE(Of(RawEvent::kKeyRepeat).empty());

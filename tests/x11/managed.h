@@ -32,9 +32,9 @@ class Managed : public X11Test {
   void ExpectBoundsAgree(WindowRef w) {
     const auto at = user().Where(Id(w));
     EXPECT_EQ(w->content.left, at.x);
-    EXPECT_EQ(w->content.top, at.y + w->strip);
+    EXPECT_EQ(w->content.top, at.y + w->menu_bar_height);
     EXPECT_EQ(w->content.width(), at.width);
-    EXPECT_EQ(w->content.height() + w->strip, at.height);
+    EXPECT_EQ(w->content.height() + w->menu_bar_height, at.height);
   }
   // A window of another program, shown.
   xcb_window_t Foreign(const Rect& r) {

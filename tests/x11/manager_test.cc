@@ -212,7 +212,7 @@ TEST_F(Managed, FullScreenIsTheDesktops) {
   EXPECT_TRUE(RunUntil([&] { return w->content.width() == 1024; }));
   Settle();
   EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
-  EXPECT_EQ(w->content.height() + w->strip, 768);
+  EXPECT_EQ(w->content.height() + w->menu_bar_height, 768);
   EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
   // Hidden, it keeps the wish.
   HideWindow(w);

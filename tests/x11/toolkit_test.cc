@@ -60,7 +60,7 @@ class Toolkit : public Base {
 
 class Sizes : public Toolkit<X11Test> {
  protected:
-  // The user gives the window this size, the strip included.
+  // The user gives the window this size, the menu bar included.
   void Resize(int width, int height) {
     const uint32_t size[2] = {uint32_t(width), uint32_t(height)};
     xcb_configure_window(user().connection(), Id(),

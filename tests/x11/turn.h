@@ -2,7 +2,6 @@
 #pragma once
 #include <cstdlib>
 
-#include "platform/events/event.h"
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
 #include "platform/windows/windows.h"

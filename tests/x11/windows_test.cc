@@ -149,7 +149,7 @@ TEST_F(X11Test, SizeHintsHoldTheStripAndTheSteps) {
   const xcb_window_t id = user().Find("Hints");
   auto hints = user().Words(id, "WM_NORMAL_HINTS");
   ASSERT_EQ(hints.size(), 18u);
-  // No limits yet: the size is what it is, the menu strip (24) above it.
+  // No limits yet: the size is what it is, the menu bar (24) above it.
   EXPECT_EQ(hints[kMinWidth], 203u);
   EXPECT_EQ(hints[kMaxHeight], 101u + 24);
   SetWindowSizeLimits(w, {100, 50, 500, 400, 10, 20});

@@ -2,11 +2,8 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <vector>
 
 #include "platform/base.h"
-#include "platform/events/event.h"
 #include "platform/events/timers.h"
 #include "toolkit/core/trace.h"
 #include "toolkit/xw.h"
@@ -41,10 +38,13 @@ extern int16_t blpx, blpy, bllx, blly;
 
 // --- The struct.
 
+namespace platform {
+class PointerSet;
+}
+
 namespace toolkit {
 
 class Modal;
-struct PointerSet;
 
 // The current colours outlive the selection. Filling, stroking and ovals keep one each: dashed
 // lines change only the second, text only the first.
@@ -56,12 +56,11 @@ constexpr size_t kPathSize = 400;
 constexpr int kPaths = 16;  // that may wait to be opened at once
 
 struct State {
-  PointerSet* live = nullptr;            // records that are alive; null while there are none
+  platform::PointerSet* live = nullptr;  // records that are alive; null while there are none
   const XwWindow* last_found = nullptr;  // the record that was asked about last, when it is alive
   bool first_window_ended = false;       // or is being torn down
   Refusal refusal = Refusal::kNone;      // the latest
   CurrentColors colors{};
-  std::vector<std::unique_ptr<XwFont>>* fonts = nullptr;
   const Modal* innermost_wait = nullptr;
   bool polled = false;                 // XwGetEvent has been called
   int64_t last_poll = 0;               // microseconds

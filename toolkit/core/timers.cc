@@ -1,7 +1,8 @@
+#include "toolkit/core/timers.h"
+
 #include "platform/events/timers.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
-#include "toolkit/core/timers.h"
 
 using namespace platform;
 

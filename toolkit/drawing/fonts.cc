@@ -10,7 +10,7 @@
 
 #include "platform/fonts/fonts.h"
 #include "platform/text/mac_roman.h"
-#include "toolkit/core/state.h"
+#include "toolkit/xw.h"
 
 using namespace platform;
 
@@ -18,11 +18,9 @@ namespace {
 
 enum : int32_t { kBold = 1, kItalic = 2, kNarrow = 32 };
 
-XwFont* NewFont() {
-  auto*& fonts = toolkit::state.fonts;
-  if (!fonts) fonts = new std::vector<std::unique_ptr<XwFont>>;
-  fonts->push_back(std::make_unique<XwFont>());
-  return fonts->back().get();
+std::vector<std::unique_ptr<XwFont>>& Fonts() {
+  static auto* fonts = new std::vector<std::unique_ptr<XwFont>>;
+  return *fonts;
 }
 
 const FontFace* Find(const std::string& name) {
@@ -42,10 +40,28 @@ int Truncate(double v) {
   return v >= INT_MAX ? INT_MAX : v <= INT_MIN ? INT_MIN : int(v);
 }
 
+// Null for the face: a name that was not found.
+void Open(XwFont* font, const FontFace* face) {
+  FontMetrics m = GetFontMetrics(face);
+  float points = float(font->size);
+  font->ascent = Truncate(double(points * m.ascent) + 0.5);
+  font->descent = Truncate(0.5 - double(points * m.descent));
+  font->max_advance = Truncate(double(points * m.max_advance));
+  font->platform = OpenFont(face ? face : FallbackFont(), font->size);
+}
+
 }  // namespace
 
+void CloseFonts() {
+  for (const auto& font : Fonts()) font->platform = nullptr;
+}
+
+void ReopenFonts() {
+  for (const auto& font : Fonts()) Open(font.get(), Find(font->name));
+}
+
 XwFont* LoadFont(const char* family, int size, int style) {
-  XwFont* font = NewFont();
+  XwFont* font = Fonts().emplace_back(std::make_unique<XwFont>()).get();
   std::string plain = std::string(family ? family : "").substr(0, 255), name;
   const FontFace* face = nullptr;
   for (int attempt = 0; attempt < 4 && !face; ++attempt) {
@@ -60,12 +76,7 @@ XwFont* LoadFont(const char* family, int size, int style) {
   std::memcpy(font->name, name.data(), length);
   font->style = style;
   font->size = size;
-  FontMetrics m = GetFontMetrics(face);
-  float points = float(size);
-  font->ascent = Truncate(double(points * m.ascent) + 0.5);
-  font->descent = Truncate(0.5 - double(points * m.descent));
-  font->max_advance = Truncate(double(points * m.max_advance));
-  font->platform = OpenFont(face ? face : FallbackFont(), size);
+  Open(font, face);
   return font;
 }
 
@@ -92,9 +103,4 @@ XwFont* XwLoadFont(const char* xname) {
   if (std::strcmp(GetFontParm(xname, 4, part), "i") == 0) style += kItalic;
   long size = std::strtol(GetFontParm(xname, 7, part), nullptr, 10);
   return LoadFont(family, int(std::clamp(size, long{INT_MIN}, long{INT_MAX})), style);
-}
-
-void DropFonts() {
-  delete toolkit::state.fonts;
-  toolkit::state.fonts = nullptr;
 }

@@ -3,8 +3,8 @@
 
 #include "platform/theme/theme.h"
 #include "toolkit/core/saturate.h"
+#include "toolkit/target/background.h"
 #include "toolkit/target/colors.h"
-#include "toolkit/target/ground.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
@@ -26,8 +26,9 @@ void XwDrawBevel(int x, int y, int w, int h, int state) {
 void XwDrawHole(int x, int y, int w, int h, int32_t fill) {
   if (w <= 0 || h <= 0) return;
   DrawThemeGenericWell(TargetContext(), MakeRect(x, y, w, h), kThemeStateActive, false);
-  if (fill == kEraseToGround)  // two pixels from the left and top, four from the right and bottom
-    EraseToGround(MakeRect(int64_t{x} + 2, int64_t{y} + 2, int64_t{w} - 6, int64_t{h} - 6));
+  if (fill ==
+      kEraseToBackground)  // two pixels from the left and top, four from the right and bottom
+    EraseToBackground(MakeRect(int64_t{x} + 2, int64_t{y} + 2, int64_t{w} - 6, int64_t{h} - 6));
   else if (IsRealColor(fill))
     XwBox(Saturate(int64_t{x} + 2), Saturate(int64_t{y} + 2), w - 4, h - 4, fill);
 }
@@ -46,7 +47,7 @@ static Rect SeparatorRect(int64_t x, int64_t y, int64_t w, int64_t h) {
 
 void XwDrawSeparator(int x, int y, int w, int h) {
   Rect r = SeparatorRect(x, y, w, h);
-  EraseToGround(r);
+  EraseToBackground(r);
   DrawThemeSeparator(TargetContext(), r, kThemeStateActive);
 }
 
@@ -74,7 +75,7 @@ static void ForEachTableLine(int x, int y, int rows, int row_height, const int* 
 
 void XwDrawTable(int x, int y, int rows, int rowHeight, const int* colWidths) {
   if (!XW || !colWidths) return;
-  ForEachTableLine(x, y, rows, rowHeight, colWidths, EraseToGround);
+  ForEachTableLine(x, y, rows, rowHeight, colWidths, EraseToBackground);
   ContextRef c = TargetContext();
   ForEachTableLine(x, y, rows, rowHeight, colWidths,
                    [c](const Rect& r) { DrawThemeSeparator(c, r, kThemeStateActive); });

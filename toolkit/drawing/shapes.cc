@@ -15,7 +15,7 @@ void XwFillRect(int x, int y, int w, int h) {
 
 void XwBox(int x, int y, int w, int h, int32_t colour) {
   if (!IsRealColor(colour)) {
-    if (colour == kEraseToGround && w > 0 && h > 0) XwClear(x, y, w, h);
+    if (colour == kEraseToBackground && w > 0 && h > 0) XwClear(x, y, w, h);
     return;
   }
   XwSetColor(colour);

@@ -5,7 +5,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/icon_bits.cc
   ${CMAKE_CURRENT_LIST_DIR}/icons.cc
   ${CMAKE_CURRENT_LIST_DIR}/images.cc
-  ${CMAKE_CURRENT_LIST_DIR}/look.cc
+  ${CMAKE_CURRENT_LIST_DIR}/style.cc
   ${CMAKE_CURRENT_LIST_DIR}/shapes.cc
   ${CMAKE_CURRENT_LIST_DIR}/text.cc
   ${CMAKE_CURRENT_LIST_DIR}/text_box.cc

@@ -6,7 +6,7 @@ void PaintBackground(int x, int y, int w, int h, int32_t background) {
   if (w <= 0 || h <= 0) return;
   if (IsRealColor(background))
     XwBox(x, y, w, h, background);
-  else if (background == kEraseToGround)
+  else if (background == kEraseToBackground)
     XwClear(x, y, w, h);
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/events/queue.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
@@ -9,6 +10,7 @@
 #include "toolkit/core/saturate.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/cursors.h"
+#include "toolkit/events/keyboard.h"
 #include "toolkit/events/session.h"
 #include "toolkit/target/clip.h"
 #include "toolkit/target/selection.h"
@@ -42,8 +44,7 @@ void ReadDockedPlaces() {
 }
 
 void TakeBounds(XwWindow* w, const Rect& now) {
-  ResetClipMask(w);
-  ResetClipsBelow(w);
+  ResetClipsFrom(w);
   if (w == W_Start) ReadDockedPlaces();
   w->x = Sat16(now.left);
   w->y = Sat16(now.top);
@@ -74,6 +75,17 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
   TakeBounds(w, now);
   // What grew is drawn on the platform's own request.
   if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
+}
+
+// The desktop has moved the focus to another top-level window: keys go there from now on, also the
+// focus that waiting events carry.
+void TakeFocus(XwWindow* w) {
+  if (TopLevel(Inp.focus) == w) return;
+  Inp.focus = w;
+  ForEachUserEvent(GetMainEventQueue(), kToolkitEventClass, [w](void* payload) {
+    auto* record = static_cast<XwEvent*>(payload);
+    if (TopLevel(record->focus) != w) record->focus = w;
+  });
 }
 
 void DrawContent(XwWindow* w) {
@@ -114,6 +126,9 @@ OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
     case kEventWindowDrawContent:
       DrawContent(w);
       break;
+    case kEventWindowFocusAcquired:
+      TakeFocus(w);
+      break;
     default:
       break;
   }
@@ -143,6 +158,9 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
     case kEventClassSystem:
       TakeScreenSize();
       return eventNotHandledErr;
+    case kEventClassKeyboard:
+      ReleaseKey(*event);
+      return noErr;
     default:
       return eventNotHandledErr;
   }

@@ -1,6 +1,6 @@
 // What the desktop does to windows and asks of the program.
 #pragma once
-#include "platform/events/event.h"
+#include "platform/events/targets.h"
 
 platform::OSStatus EVwindow_func(platform::HandlerCall* call, platform::Event* event, void* window);
 platform::OSStatus EVapp_func(platform::HandlerCall* call, platform::Event* event, void* user_data);

@@ -19,6 +19,7 @@ constexpr EventKind kWindowEvents[] = {
     {kEventClassWindow, kEventWindowCursorChange},
     {kEventClassWindow, kEventWindowClose},
     {kEventClassWindow, kEventWindowZoom},
+    {kEventClassWindow, kEventWindowFocusAcquired},
 };
 constexpr EventKind kMouseEvents[] = {
     {kEventClassMouse, kEventMouseDown},
@@ -39,6 +40,8 @@ constexpr EventKind kApplicationEvents[] = {
     {kEventClassApplication, kEventAppDeactivated},
     {kEventClassCommand, kEventCommandProcess},
     {kEventClassSystem, kEventSystemDisplayReconfigured},
+    {kEventClassKeyboard, kEventRawKeyUp},
+    {kEventClassKeyboard, kEventRawKeyModifiersChanged},
 };
 
 template <int N>

@@ -51,11 +51,15 @@ int MapKey(uint32_t key_code, uint8_t character) {
   return 0;
 }
 
-void ChangeModifiers(uint32_t modifiers) {
+void SetModifiers(uint32_t modifiers) {
   uint32_t state = Inp.state & XWS_BUTTONS;
   for (const ModifierRow& row : kModifiers)
     if (modifiers & row.platform) state |= row.state;
   Inp.state = state;
+}
+
+void ChangeModifiers(uint32_t modifiers) {
+  SetModifiers(modifiers);
   Inp.window = Inp.focus;
   Inp.type = XWE_MODIFIERS;
 }
@@ -82,6 +86,13 @@ OSStatus EVkeyboard_func(HandlerCall*, Event* event, void*) {
   Inp.time = EventMilliseconds(event->time);
   if (Inp.window) Inp.item = XCheckbl(Inp.window->boxes);
   return eventNotHandledErr;
+}
+
+void ReleaseKey(const Event& event) {
+  if (event.kind == kEventRawKeyModifiersChanged)
+    SetModifiers(event.key.modifiers);
+  else if (int code = MapKey(event.key.key_code, event.key.character))
+    KeyState[code] = 0;
 }
 
 uint8_t XwGetKeyState(int key) {

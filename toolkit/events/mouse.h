@@ -1,6 +1,6 @@
 // Pointer events: which window of the tree gets them, in which coordinates.
 #pragma once
-#include "platform/events/event.h"
+#include "platform/events/targets.h"
 #include "toolkit/xw.h"
 
 platform::OSStatus EVmouse_func(platform::HandlerCall* call, platform::Event* event, void* window);

@@ -90,6 +90,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
+  ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
   Pserial = &process;
@@ -130,9 +131,10 @@ void DropSession() {
   if (!W_Root) return;
   XwEndSession();
   DestroyWindows();
+  free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();
-  DropFonts();
+  CloseFonts();
   DropLive();
   FinishPlatform();
   toolkit::ResetState();

@@ -6,5 +6,6 @@ void XwCocoaInit();
 // Reads the figures of the main screen.
 void TakeScreenSize();
 // For tests: everything that a session has made goes, and all is as before the first XwSession, the
-// platform too. Not from inside a handler. Where there is no session it does nothing.
+// platform too; only the handles of fonts and the caches of icons live on. Not from inside a
+// handler. Where there is no session it does nothing.
 void DropSession();

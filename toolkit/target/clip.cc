@@ -65,22 +65,14 @@ void ResetClipMask(XwWindow* w) {
   w->clip_region = nullptr;
 }
 
-void ResetFamilyClips(XwWindow* parent) {
-  if (!parent) return;
-  ResetClipMask(parent);
-  for (int i = 0; i < parent->child_count; ++i) ResetClipMask(parent->children[i]);
-}
-
-void ResetClipsBelow(XwWindow* w) {
+void ResetClipsFrom(XwWindow* w) {
+  if (w->child_count == 0) return ResetClipMask(w);
   std::vector<XwWindow*> left{w};
   while (!left.empty()) {
-    XwWindow* parent = left.back();
+    XwWindow* at = left.back();
     left.pop_back();
-    for (int i = 0; i < parent->child_count; ++i) {
-      XwWindow* c = parent->children[i];
-      if (!c) continue;
-      ResetClipMask(c);
-      if (c->child_count > 0) left.push_back(c);
-    }
+    ResetClipMask(at);
+    for (int i = 0; i < at->child_count; ++i)
+      if (at->children[i]) left.push_back(at->children[i]);
   }
 }

@@ -7,7 +7,6 @@
 platform::Point ContentOrigin(const XwWindow* w);
 // Its clip in content coordinates; the caller frees it.
 platform::Region* MakeClip(const XwWindow* w, platform::Point origin);
-// Drops the clips of a parent and of its children: one of them has moved, come or gone.
-void ResetFamilyClips(XwWindow* parent);
-// Drops the clips of everything below a window.
-void ResetClipsBelow(XwWindow* w);
+// Drops the clips of a window and of everything below it. One that comes, goes or moves changes
+// its parent's clip too (ResetClipMask), and no sibling's: only children are taken from a clip.
+void ResetClipsFrom(XwWindow* w);

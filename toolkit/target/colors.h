@@ -4,7 +4,7 @@
 
 #include "toolkit/core/state.h"
 
-constexpr int32_t kEraseToGround = -2;
+constexpr int32_t kEraseToBackground = -2;
 
 // -1 to -10 are markers.
 inline bool IsRealColor(int32_t colour) {

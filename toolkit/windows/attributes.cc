@@ -34,8 +34,8 @@ void ShowTopLevel(XwWindow* w, bool show) {
 void ShowSub(XwWindow* w, bool show) {
   if (bool(w->flags & XW_SHOWN) == show) return;
   w->flags = uint8_t(show ? w->flags | XW_SHOWN : w->flags & ~XW_SHOWN);
-  ResetFamilyClips(w->parent);
-  ResetClipsBelow(w);
+  ResetClipMask(w->parent);
+  ResetClipsFrom(w);
   PostExpose(show ? w : w->parent);
 }
 

@@ -25,8 +25,8 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
   SetBounds(w, x, y, width, height);
   w->origin_x = w->x;
   w->origin_y = w->y;
-  ResetFamilyClips(w->parent);
-  ResetClipsBelow(w);
+  ResetClipMask(w->parent);
+  ResetClipsFrom(w);
   PostExpose(w->parent);
   PostExpose(w);
   XwWindow* parent = w->parent;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "platform/display/cursor.h"
 #include "platform/display/headless/state.h"
 #include "platform/events/queue.h"
 
@@ -17,7 +18,20 @@ State& Headless() {
   return *state;
 }
 
+// Where the middle of the window would be at scale 1, from the corner where it is: the scale that
+// follows does not change it.
+double ScaleAt(const Window& w, Point corner, int width, int height) {
+  const std::vector<Screen>& screens = Headless().screens;
+  if (w.parent) return w.parent->surface.scale;
+  return ScreenAt(screens.data(), int(screens.size()),
+                  {corner.x + width / 2, corner.y + height / 2})
+      .scale;
+}
+
 namespace {
+
+constexpr int kMostSide = 16384;
+constexpr size_t kMostScreens = 16;
 
 double SystemSeconds() {
   timespec t;
@@ -25,35 +39,75 @@ double SystemSeconds() {
   return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
 }
 
+double ScaleIn(const char* text, double otherwise) {
+  const double scale = text ? atof(text) : 0;
+  return scale >= 0.5 && scale <= 8 ? scale : otherwise;
+}
+
+// WIDTHxHEIGHT[@SCALE], any number of them with commas between: from left to right, the first is
+// the main one. What is none of this ends the list.
+std::vector<Screen> ReadScreens(const char* text, double scale) {
+  std::vector<Screen> screens;
+  int left = 0;
+  while (text) {
+    int width = 0, height = 0, length = 0;
+    if (sscanf(text, "%dx%d%n", &width, &height, &length) != 2) break;
+    if (width <= 0 || height <= 0 || width > kMostSide || height > kMostSide) break;
+    text += length;
+    const double own = *text == '@' ? ScaleIn(text + 1, scale) : scale;
+    screens.push_back({{left, 0, left + width, height}, own});
+    left += width;
+    text = screens.size() < kMostScreens ? strchr(text, ',') : nullptr;
+    if (text) ++text;
+  }
+  if (screens.empty()) screens.push_back({{0, 0, 1280, 1024}, scale});
+  return screens;
+}
+
 OpenResult Open(const char*) {
   State& s = Headless();
   s.open = true;
-  s.screen = {{0, 0, 1280, 1024}, 1.0};
   // A replay needs no time of its own.
   if (const char* replay = getenv("XW_REPLAY"); replay && *replay && !s.stepped) UseSteppedClock(0);
-  if (const char* scale = getenv("XW_SCALE")) {
-    double v = atof(scale);
-    if (v >= 0.5 && v <= 8) s.screen.scale = v;
-  }
-  if (const char* size = getenv("XW_SCREEN")) {
-    int w = 0, h = 0;
-    if (sscanf(size, "%dx%d", &w, &h) == 2 && w > 0 && h > 0 && w <= 16384 && h <= 16384)
-      s.screen.bounds = {0, 0, w, h};
-  }
+  s.screens = ReadScreens(getenv("XW_SCREEN"), ScaleIn(getenv("XW_SCALE"), 1));
+  s.scale = s.screens[0].scale;
   return OpenResult::kOpened;
 }
 
-// A window whose scale is not that of its screen hears of it.
-void ReportScales() {
+// A window that lies on a screen of another scale hears of it.
+void FollowScreen(const Window* w) {
   State& s = Headless();
-  for (const Window* w : s.windows) {
-    if (w->surface.scale == s.screen.scale) continue;
-    RawEvent& raw = s.raw.emplace_back();
-    raw.type = RawEvent::kScale;
-    raw.window = w;
-    raw.time = s.raw.front().time;
-    raw.scale = s.screen.scale;
-  }
+  const DeviceRect at = DeviceBounds(*w);
+  const double scale =
+      ScaleAt(*w, {at.left, at.top}, w->content.width(), w->content.height() + w->menu_bar_height);
+  if (scale == Native(w)->scale) return;
+  Native(w)->scale = scale;
+  RawEvent raw;
+  raw.type = RawEvent::kScale;
+  raw.window = w;
+  raw.time = kHeadlessDisplay.now();
+  raw.scale = scale;
+  s.raw.push_back(raw);
+  intake_hints.ReportWaits();
+}
+
+DeviceRect Wanted(const Window& w) {
+  const std::vector<Screen>& screens = Headless().screens;
+  return WantedBounds(w, screens.data(), int(screens.size()));
+}
+
+void ReportBounds(const Window* w, const DeviceRect& bounds) {
+  State& s = Headless();
+  RawEvent raw;
+  raw.type = RawEvent::kConfigure;
+  raw.window = w;
+  raw.time = kHeadlessDisplay.now();
+  raw.root_x = float(bounds.left);
+  raw.root_y = float(bounds.top);
+  raw.width = bounds.width();
+  raw.height = bounds.height();
+  s.raw.push_back(raw);
+  intake_hints.ReportWaits();
 }
 
 void CloseDisplay() {
@@ -66,29 +120,48 @@ void CloseDisplay() {
 }
 
 int Screens(Screen* out, int max) {
-  if (max > 0) out[0] = Headless().screen;
-  return 1;
+  const std::vector<Screen>& screens = Headless().screens;
+  const int count = int(screens.size());
+  std::copy_n(screens.begin(), std::min(count, max), out);
+  return count;
 }
 
 void* CreateNative(const Window* w) {
   auto* n = new NativeWindow;
   n->cursor = w->cursor;
+  n->scale = w->surface.scale;
+  n->unseen = true;
   State& s = Headless();
+  s.unseen = true;
   s.windows.push_back(w);
   ++s.counts.windows;
   return n;
+}
+
+// Reports of a window that ends go; what they let go of is reported without one.
+void ForgetReports(const Window* w) {
+  for (RawEvent& e : Headless().raw) {
+    if (e.under == w) e.under = nullptr;
+    if (e.window == w && IsRelease(e.type)) e.window = nullptr;
+  }
+  std::erase_if(Headless().raw, [w](const RawEvent& e) { return e.window == w; });
 }
 
 void DestroyNative(const Window* w) {
   State& s = Headless();
   std::erase(s.stack, w);
   std::erase(s.windows, w);
-  std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
-  if (s.pressed_in == w) s.pressed_in = nullptr;
+  ForgetReports(w);
+  if (s.pressed_in == w) {
+    s.pressed_in = nullptr;
+    s.orphans = s.reported;
+  }
   if (s.entered == w) s.entered = nullptr;
   if (s.grab.window == w) s.grab = {};
+  for (auto& [keysym, key] : s.held) key.orphan = key.orphan || key.window == w;
   if (s.focus == w) {
     s.focus = nullptr;
+    s.focus_ended = true;
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   }
   delete Native(w);
@@ -104,14 +177,17 @@ void Map(const Window* w, bool shown) {
   if (!shown && s.grab.window == w) LoseGrab();
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
-    if (!(w->state & kStateDocked)) GiveFocus(w);
+    if (!(w->state & kStateDocked) && !w->parent) GiveFocus(w);
     TryGrab();
   } else if (s.focus == w) {
     GiveFocus(s.stack.empty() ? nullptr : s.stack.front());
   }
 }
 
-void MoveResize(const Window*) {}
+void MoveResize(const Window* w) {
+  if (w->parent && Wanted(*w) != DeviceBounds(*w)) ReportBounds(w, Wanted(*w));
+  FollowScreen(w);
+}
 
 void Update(const Window* w, uint32_t what) {
   if (what & kUpdateCursor) Native(w)->cursor = w->cursor;
@@ -173,13 +249,27 @@ void Beep() {
   ++Headless().counts.beeps;
 }
 
+// New windows hear here where they are: while they are made nothing of them is known yet.
+void LookAtNewWindows() {
+  State& s = Headless();
+  for (size_t i = 0; s.unseen && i < s.windows.size(); ++i) {
+    NativeWindow* n = Native(s.windows[i]);
+    if (n->unseen) MoveResize(s.windows[i]);
+    n->unseen = false;
+  }
+  s.unseen = false;
+}
+
 bool NextEvent(RawEvent* out) {
   State& s = Headless();
+  LookAtNewWindows();
   if (s.raw.empty()) return false;
   *out = s.raw.front();
   s.raw.pop_front();
-  // The scales of the windows follow the screens, those of windows made meanwhile too.
-  if (out->type == RawEvent::kScreens) ReportScales();
+  // The windows follow the screens, those made in the meantime too.
+  if (out->type == RawEvent::kScreens) {
+    for (const Window* w : s.windows) FollowScreen(w);
+  }
   if (out->type == RawEvent::kOpenFile && !s.paths.empty()) {
     s.path = s.paths.front();
     s.paths.pop_front();
@@ -247,6 +337,12 @@ CursorRef ShownCursor(const Window* w) {
   const bool everywhere = s.grab.held && s.grab.cursor;
   const Cursor* shown = everywhere ? s.grab.cursor : IsValidWindow(w) ? Native(w)->cursor : nullptr;
   return const_cast<CursorRef>(shown);
+}
+Picture ShownCursorPicture(const Window* w) {
+  const Cursor* shown = ShownCursor(w);
+  if (!shown) return {};
+  CursorPicture p = PictureOf(*shown, w->surface.scale);
+  return {p.width, p.height, std::move(p.pixels)};
 }
 const Window* PointerGrab() {
   return Headless().grab.held ? Headless().grab.window : nullptr;

@@ -1,12 +1,15 @@
 // The headless display: windows are memory images, input is injected by these functions, time can
 // be stepped by hand, a snapshot is a PNG. For tests, recordings and machines without a screen.
 //
-// XW_SCALE sets the scale (device pixels per logical pixel, default 1), XW_SCREEN the screen's size
-// as WIDTHxHEIGHT in device pixels (default 1280x1024), XW_SNAPSHOT a PNG file that follows the
+// XW_SCALE sets the scale (device pixels per logical pixel, default 1), XW_SCREEN the screens from
+// left to right, each as WIDTHxHEIGHT in device pixels with a scale of its own behind an @ where it
+// has one (default 1280x1024; 1280x1024,2560x2048@2 are two). A window has the scale of the screen
+// that it lies on. XW_SNAPSHOT a PNG file that follows the
 // picture of the program's first window.
 //
-// Coordinates are logical and global unless said otherwise. What is injected waits, in order, until
-// the loop takes it in. Calls before the display is open are ignored.
+// Coordinates are logical, at the scale of the main screen, and global unless said otherwise. What
+// is injected waits, in order, until the loop takes it in. Calls before the display is open are
+// ignored.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -19,6 +22,8 @@ namespace platform::headless {
 // --- Pointer. The window is the front one under the pointer; while a button is held, the one it
 // was pressed in, as on a real display.
 void MovePointer(int x, int y);
+// To a place in the content of a window, whatever its scale.
+void MovePointerIn(const Window* w, int x, int y);
 void Press(int button);
 void Release(int button);
 void Click(int x, int y, int button = 1);
@@ -35,8 +40,10 @@ void Modifiers(uint32_t modifiers);
 // --- What a desktop does to windows.
 // The user gives the window these content bounds.
 void Configure(const Window* w, const Rect& content);
-// The screen gets this size in device pixels, and this scale.
+// The only screen gets this size in device pixels, and this scale.
 void ChangeScreen(int width, int height, double scale);
+// These are the screens from now on, main first; at least one.
+void ChangeScreens(const std::vector<Screen>& screens);
 void Close(const Window* w);
 // Null: another program takes the focus. Keys that are held are let go of first.
 void Focus(const Window* w);
@@ -65,7 +72,7 @@ void Step(double seconds);
 void SetIdleHandler(bool (*handler)());
 
 // --- Looking.
-// The picture as last presented, 0xFFRRGGBB, strip included. Empty when never shown.
+// The picture as last presented, 0xFFRRGGBB, menu bar included. Empty when never shown.
 struct Picture {
   int width = 0, height = 0;
   std::vector<uint32_t> pixels;
@@ -83,6 +90,8 @@ Counters Counts();
 // What the window's frame says: the shown title, the cursor, whether it is mapped.
 std::string ShownTitle(const Window* w);
 CursorRef ShownCursor(const Window* w);
+// The cursor's own picture at the scale of the window; empty for the desktop's shapes.
+Picture ShownCursorPicture(const Window* w);
 // The window that has the pointer; null: none, or the grab that it asked for is not held.
 const Window* PointerGrab();
 

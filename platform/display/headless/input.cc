@@ -25,10 +25,12 @@ RawEvent Report(RawEvent::Type type, const Window* w) {
 
 const Window* UnderPointer() {
   State& s = Headless();
+  const Point device{DeviceEdge(s.x, s.scale), DeviceEdge(s.y, s.scale)};
   for (const Window* w : s.stack) {
     Rect r = w->content;
-    r.top -= w->strip;
-    if (r.contains({s.x, s.y})) return w;
+    r.top -= w->menu_bar_height;
+    const bool same = w->surface.scale == s.scale;
+    if (same ? r.contains({s.x, s.y}) : DeviceBounds(*w).contains(device)) return w;
   }
   return nullptr;
 }
@@ -47,32 +49,43 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   RawEvent raw = Report(type, w);
   if (!w) return raw;
   raw.under = UnderPointer();
-  double scale = w->surface.scale;
-  raw.root_x = float(DeviceEdge(s.x, scale));
-  raw.root_y = float(DeviceEdge(s.y, scale));
-  raw.x = float(DeviceEdge(s.x - w->content.left, scale));
-  raw.y = float(DeviceEdge(s.y - w->content.top + w->strip, scale));
+  const DeviceRect at = DeviceBounds(*w);
+  const bool same = w->surface.scale == s.scale;
+  const int root_x = DeviceEdge(s.x, s.scale), root_y = DeviceEdge(s.y, s.scale);
+  raw.root_x = float(root_x);
+  raw.root_y = float(root_y);
+  raw.x = float(same ? DeviceEdge(s.x - w->content.left, s.scale) : root_x - at.left);
+  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->menu_bar_height, s.scale)
+                     : root_y - at.top);
   return raw;
+}
+
+// A button of a window that has ended comes up without a window.
+void PushRelease(RawEvent raw) {
+  State& s = Headless();
+  const uint32_t bit = 1u << raw.button;
+  if (s.orphans & bit) raw.window = raw.under = nullptr;
+  s.reported &= ~bit;
+  s.orphans &= ~bit;
+  Push(raw);
 }
 
 // A release that no window heard of comes before the next report that one gets.
 void PushPointer(const RawEvent& raw) {
   State& s = Headless();
-  if (!raw.window) return;
+  const bool release = raw.type == RawEvent::kRelease && raw.button >= 1 && raw.button <= 5;
+  if (!raw.window && !(release && (s.orphans >> raw.button & 1))) return;
   for (int button = 1; button <= 5; ++button) {
-    const uint32_t bit = 1u << button;
-    const bool itself = raw.type == RawEvent::kRelease && raw.button == button;
-    if (!(s.reported & bit) || (s.buttons & bit) || itself) continue;
-    RawEvent release = raw;
-    release.type = RawEvent::kRelease;
-    release.button = uint8_t(button);
-    s.reported &= ~bit;
-    Push(release);
+    const bool itself = release && raw.button == button;
+    if (!(s.reported >> button & 1) || (s.buttons >> button & 1) || itself) continue;
+    RawEvent missed = raw;
+    missed.type = RawEvent::kRelease;
+    missed.button = uint8_t(button);
+    PushRelease(missed);
   }
-  if (raw.button >= 1 && raw.button <= 5) {
-    if (raw.type == RawEvent::kPress) s.reported |= 1u << raw.button;
-    if (raw.type == RawEvent::kRelease) s.reported &= ~(1u << raw.button);
-  }
+  if (release) return PushRelease(raw);
+  if (raw.type == RawEvent::kPress && raw.button >= 1 && raw.button <= 5)
+    s.reported |= 1u << raw.button;
   Push(raw);
 }
 
@@ -97,14 +110,30 @@ RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
   return raw;
 }
 
+// A key of a window that has ended comes up without a window.
+void PushKeyUp(uint32_t keysym, const State::Key& key) {
+  RawEvent raw = KeyReport(RawEvent::kKeyUp, keysym, key.unicode);
+  if (key.orphan) raw.window = nullptr;
+  Push(raw);
+}
+
 }  // namespace
 
-void MovePointer(int x, int y) {
+static void MoveTo(int x, int y, double scale) {
   State& s = Headless();
   s.x = x;
   s.y = y;
+  s.scale = scale;
   LeaveWindow();
   PushPointer(PointerReport(RawEvent::kMotion));
+}
+
+void MovePointer(int x, int y) {
+  if (Headless().open) MoveTo(x, y, Headless().screens[0].scale);
+}
+
+void MovePointerIn(const Window* w, int x, int y) {
+  if (IsValidWindow(w)) MoveTo(w->content.left + x, w->content.top + y, w->surface.scale);
 }
 
 void Press(int button) {
@@ -151,7 +180,7 @@ void KeyDown(uint32_t keysym, uint32_t unicode, const char* typed) {
   State& s = Headless();
   if (!KeyTarget()) return;
   const bool held = s.held.count(keysym) != 0;
-  s.held[keysym] = {unicode, false};
+  s.held[keysym] = {.unicode = unicode, .window = KeyTarget()};
   RawEvent raw = KeyReport(held ? RawEvent::kKeyRepeat : RawEvent::kKeyDown, keysym, unicode);
   if (typed) CopyUtf8(typed, raw.typed, sizeof raw.typed);
   Push(raw);
@@ -161,18 +190,20 @@ void KeyUp(uint32_t keysym, uint32_t unicode) {
   State& s = Headless();
   auto key = s.held.find(keysym);
   if (key == s.held.end()) return;
-  if (!KeyTarget()) {
+  const bool orphan = key->second.orphan;
+  if (!KeyTarget() && !orphan) {
     key->second.missed = true;
     return;
   }
+  const State::Key up{.unicode = unicode, .orphan = orphan};
   s.held.erase(key);
-  Push(KeyReport(RawEvent::kKeyUp, keysym, unicode));
+  PushKeyUp(keysym, up);
 }
 
 void Modifiers(uint32_t modifiers) {
   State& s = Headless();
   s.modifiers = modifiers;
-  if (!KeyTarget()) return;
+  if (!KeyTarget() && !s.focus_ended) return;
   s.reported_modifiers = modifiers;
   Push(Report(RawEvent::kModifiers, KeyTarget()));
 }
@@ -181,27 +212,32 @@ void GiveFocus(const Window* w) {
   State& s = Headless();
   if (s.focus == w) return;
   if (s.focus) {
-    for (const auto& [keysym, key] : s.held) Push(KeyReport(RawEvent::kKeyUp, keysym, key.unicode));
+    for (const auto& [keysym, key] : s.held) PushKeyUp(keysym, key);
     s.held.clear();
     Push(Report(RawEvent::kFocusOut, s.focus));
   }
   s.focus = w;
   if (!w) return;
+  s.focus_ended = false;
   Push(Report(RawEvent::kFocusIn, w));
   for (const auto& [keysym, key] : s.held)
-    if (key.missed) Push(KeyReport(RawEvent::kKeyUp, keysym, key.unicode));
+    if (key.missed) PushKeyUp(keysym, key);
   std::erase_if(s.held, [](const auto& entry) { return entry.second.missed; });
   if (s.reported_modifiers != s.modifiers) Modifiers(s.modifiers);
 }
 
 void Configure(const Window* w, const Rect& content) {
   if (!IsValidWindow(w)) return;
-  double scale = w->surface.scale;
+  const double before = w->surface.scale;
+  const Point corner{DeviceEdge(content.left, before),
+                     DeviceEdge(content.top - w->menu_bar_height, before)};
+  const int width = content.width(), height = content.height() + w->menu_bar_height;
   RawEvent raw = Report(RawEvent::kConfigure, w);
-  raw.root_x = float(DeviceEdge(content.left, scale));
-  raw.root_y = float(DeviceEdge(content.top - w->strip, scale));
-  raw.width = DeviceEdge(content.width(), scale);
-  raw.height = DeviceEdge(content.height() + w->strip, scale);
+  raw.scale = Native(w)->scale = ScaleAt(*w, corner, width, height);
+  raw.root_x = float(corner.x);
+  raw.root_y = float(corner.y);
+  raw.width = DeviceEdge(width, raw.scale);
+  raw.height = DeviceEdge(height, raw.scale);
   Push(raw);
 }
 
@@ -251,6 +287,7 @@ void StealPointer(bool stolen) {
   else if (s.pressed_in)
     ReportLoss(s.pressed_in);
   s.pressed_in = nullptr;
+  LeaveWindow();
 }
 
 void Frame(const Window* w, const DeviceRect& widths) {
@@ -266,7 +303,13 @@ void SetState(const Window* w, uint32_t state) {
 }
 
 void ChangeScreen(int width, int height, double scale) {
-  Headless().screen = {{0, 0, width, height}, scale};
+  ChangeScreens({{{0, 0, width, height}, scale}});
+}
+
+void ChangeScreens(const std::vector<Screen>& screens) {
+  if (screens.empty()) return;
+  Headless().screens = screens;
+  Headless().scale = screens[0].scale;
   Push(Report(RawEvent::kScreens, nullptr));
 }
 

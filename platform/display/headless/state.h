@@ -15,24 +15,32 @@ struct NativeWindow {
   int width = 0, height = 0;              // of the buffer
   int shown_width = 0, shown_height = 0;  // of the picture on the "screen"
   bool mapped = false;
+  bool unseen = false;  // new: nothing was reported of it yet
+  double scale = 1;     // as the window knows it, or is about to hear
   const Cursor* cursor = nullptr;
 };
 
 struct State {
   bool open = false;
-  Screen screen;
+  std::vector<Screen> screens;  // main first
+  bool unseen = false;          // a window is new
   std::deque<RawEvent> raw;
   std::deque<std::string> paths;       // of open requests, in the order of `raw`
   std::string path;                    // the one handed out last
   std::vector<const Window*> stack;    // front first
   std::vector<const Window*> windows;  // all, in the order of creation
   const Window* focus = nullptr;
-  int x = 0, y = 0;
+  bool focus_ended = false;  // the window that had it has ended, and no other has it
+  int x = 0, y = 0;          // the pointer, logical at this scale
+  double scale = 1;
   uint32_t buttons = 0, modifiers = 0;
   uint32_t reported = 0;  // buttons whose press was reported and whose release was not
+  uint32_t orphans = 0;   // those of them whose window has ended: their release has none
   struct Key {
     uint32_t unicode = 0;
-    bool missed = false;  // let go when no window had the focus
+    const Window* window = nullptr;  // that heard of it going down
+    bool orphan = false;             // that window has ended
+    bool missed = false;             // let go when no window had the focus
   };
   std::map<uint32_t, Key> held;     // by symbol; a window has heard of each
   uint32_t reported_modifiers = 0;  // to the last window that had the focus
@@ -60,6 +68,8 @@ inline NativeWindow* Native(const Window* w) {
 // Moves the focus and reports it: the keys that are held are let go of in the old window, and what
 // changed while no window had it is reported to the new one.
 void GiveFocus(const Window* w);
+// The scale of a window with this corner (device pixels) and logical size.
+double ScaleAt(const Window& w, Point corner, int width, int height);
 // The grab that was asked for begins if it can; it ends by itself. Both report what is lost.
 void TryGrab();
 void LoseGrab();

@@ -41,11 +41,7 @@ void Report(Native* n, const DeviceRect& r) {
   if (n->bounds_known && n->bounds == r) return;
   n->bounds = r;
   n->bounds_known = true;
-  RawEvent* out = Emit(RawEvent::kConfigure, n);
-  out->root_x = float(r.left);
-  out->root_y = float(r.top);
-  out->width = r.width();
-  out->height = r.height();
+  EmitBounds(n, r);
 }
 
 // Sequence numbers wrap.
@@ -93,12 +89,33 @@ void PatienceIsOver(EventLoopTimerRef, void* native) {
 
 }  // namespace
 
+DeviceRect Wanted(const Window& w) {
+  return WantedBounds(w, x.screens.data(), int(x.screens.size()));
+}
+
+void EmitBounds(Native* n, const DeviceRect& r) {
+  RawEvent* out = Emit(RawEvent::kConfigure, n);
+  out->root_x = float(r.left);
+  out->root_y = float(r.top);
+  out->width = r.width();
+  out->height = r.height();
+}
+
 void MoveResizeNative(const Window* w) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
-  const DeviceRect r = DeviceBounds(*w);
-  n->bounds_known = false;
-  SetSizeHints(*n);
+  const DeviceRect r = Wanted(*w);
+  if (w->parent != nullptr) {
+    // The server does what it is told with a pop-up; the program has to be told what that was.
+    const bool there = n->bounds == r && r == DeviceBounds(*w);
+    n->bounds = r;
+    n->bounds_known = true;
+    if (there) return;
+    EmitBounds(n, r);
+  } else {
+    n->bounds_known = false;
+    SetSizeHints(*n);
+  }
   const uint32_t values[] = {uint32_t(Clamp16(r.left)), uint32_t(Clamp16(r.top)), Side(r.width()),
                              Side(r.height())};
   const unsigned sequence =

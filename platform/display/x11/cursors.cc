@@ -71,36 +71,12 @@ xcb_render_pictformat_t FindFormat() {
   return 0;
 }
 
-uint32_t Premultiply(uint32_t p) {
-  const uint32_t a = p >> 24;
-  auto part = [p, a](int shift) { return ((p >> shift & 0xFF) * a + 127) / 255 << shift; };
-  return a << 24 | part(16) | part(8) | part(0);
-}
-
-// The picture at device size: each logical pixel fills its rectangle, nothing is blurred.
-std::vector<uint32_t> DevicePixels(const Cursor& c, int width, int height) {
-  std::vector<uint32_t> out(size_t(width) * size_t(height));
-  for (int y = 0; y < c.height; ++y) {
-    for (int x0 = 0; x0 < c.width; ++x0) {
-      const uint32_t p = Premultiply(c.pixels[size_t(y) * size_t(c.width) + size_t(x0)]);
-      for (int dy = DeviceEdge(y, x.scale); dy < DeviceEdge(y + 1, x.scale); ++dy) {
-        auto row = out.begin() + long(dy) * width;
-        std::fill(row + DeviceEdge(x0, x.scale), row + DeviceEdge(x0 + 1, x.scale), p);
-      }
-    }
-  }
-  return out;
-}
-
 xcb_cursor_t PictureCursor(const Cursor& c) {
-  const int width = DeviceEdge(c.width, x.scale), height = DeviceEdge(c.height, x.scale);
-  if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide ||
-      c.pixels.size() < size_t(c.width) * size_t(c.height)) {
-    return XCB_NONE;
-  }
+  const CursorPicture p = PictureOf(c, x.scale);
+  const int width = p.width, height = p.height;
+  if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return XCB_NONE;
   if (argb == 0) argb = FindFormat();
   if (argb == 0) return XCB_NONE;
-  const std::vector<uint32_t> pixels = DevicePixels(c, width, height);
   const xcb_pixmap_t pixmap = xcb_generate_id(x.c);
   const xcb_gcontext_t gc = xcb_generate_id(x.c);
   const xcb_render_picture_t picture = xcb_generate_id(x.c);
@@ -112,12 +88,10 @@ xcb_cursor_t PictureCursor(const Cursor& c) {
     const int lines = std::min(rows, height - top);
     xcb_put_image(x.c, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, uint16_t(width), uint16_t(lines), 0,
                   int16_t(top), 0, 32, uint32_t(width * lines * 4),
-                  reinterpret_cast<const uint8_t*>(pixels.data() + long(top) * width));
+                  reinterpret_cast<const uint8_t*>(p.pixels.data() + long(top) * width));
   }
   xcb_render_create_picture(x.c, picture, pixmap, argb, 0, nullptr);
-  xcb_render_create_cursor(x.c, cursor, picture,
-                           uint16_t(std::clamp(DeviceEdge(c.hot_x, x.scale), 0, width - 1)),
-                           uint16_t(std::clamp(DeviceEdge(c.hot_y, x.scale), 0, height - 1)));
+  xcb_render_create_cursor(x.c, cursor, picture, uint16_t(p.hot_x), uint16_t(p.hot_y));
   xcb_render_free_picture(x.c, picture);
   xcb_free_gc(x.c, gc);
   xcb_free_pixmap(x.c, pixmap);

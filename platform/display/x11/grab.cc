@@ -9,13 +9,13 @@ namespace platform::x11 {
 
 namespace {
 
-struct Wish {
+struct GrabRequest {
   Native* window = nullptr;
   GrabMode mode = GrabMode::kNone;
   const Cursor* cursor = nullptr;
   bool held = false, keys = false;  // what the server has granted
 };
-Wish grab;
+GrabRequest grab;
 
 void ReportLoss() {
   Reply<xcb_query_pointer_reply_t> now(
@@ -57,7 +57,7 @@ void DropKeyboard() {
 void Grab(const Window* w, GrabMode mode, const Cursor* cursor) {
   DropKeyboard();
   Native* n = NativeOf(w);
-  grab = Wish{mode == GrabMode::kNone ? nullptr : n, mode, cursor, false, false};
+  grab = GrabRequest{mode == GrabMode::kNone ? nullptr : n, mode, cursor, false, false};
   if (grab.window != nullptr) {
     Try();
     return;
@@ -89,7 +89,7 @@ void LoseGrab(const Native* n) {
 }
 
 void ForgetGrab(const Native* n) {
-  if (n == grab.window) grab = Wish{};
+  if (n == grab.window) grab = GrabRequest{};
 }
 
 void DropGrabCursor(const Cursor* cursor) {

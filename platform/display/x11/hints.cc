@@ -29,6 +29,7 @@ constexpr ClassStyle kClassStyles[] = {
     {kToolbarWindowClass, kNetWmWindowTypeUtility, false, true},
     {kSimpleWindowClass, kNetWmWindowTypeNormal, false, false},
 };
+constexpr ClassStyle kPopUpStyle = {0, kNetWmWindowTypePopUp, false, true};
 constexpr ClassStyle kDockedStyle = {0, kNetWmWindowTypeUtility, false, true};
 
 // Attributes and what they allow: functions and decorations of the Motif hints.
@@ -55,6 +56,7 @@ constexpr StateAtoms kStateAtoms[] = {
 };
 
 const ClassStyle& StyleOf(const Window& w) {
+  if (w.parent != nullptr) return kPopUpStyle;
   if ((w.state & kStateDocked) != 0) return kDockedStyle;
   const int window_class = (w.state & kStateModal) != 0 ? kModalWindowClass : w.window_class;
   for (const ClassStyle& s : kClassStyles) {
@@ -87,7 +89,8 @@ void SetMotifHints(const Native& n, const ClassStyle& style) {
 void SetTransient(const Native& n, const ClassStyle& style) {
   xcb_window_t parent = 0;
   if (style.transient) {
-    const Native* named = NativeOf(n.w->transient_for);
+    const Window* above = n.w->parent != nullptr ? n.w->parent : n.w->transient_for;
+    const Native* named = NativeOf(above);
     parent = named != nullptr ? named->id : x.leader;
   }
   if (parent == 0 || parent == n.id) {
@@ -97,21 +100,21 @@ void SetTransient(const Native& n, const ClassStyle& style) {
   }
 }
 
-uint32_t WishedStates(const Window& w) {
+uint32_t WantedStates(const Window& w) {
   return w.state & (kStateFullScreen | kStateModal | kStateDocked);
 }
 
 // A mapped window's state belongs to the window manager: it is asked.
 void AskStates(Native* n) {
-  const uint32_t wished = WishedStates(*n->w);
+  const uint32_t wanted = WantedStates(*n->w);
   for (const StateAtoms& s : kStateAtoms) {
-    if (((wished ^ n->states) & s.bit) == 0) continue;
+    if (((wanted ^ n->states) & s.bit) == 0) continue;
     const uint32_t second = s.second == kAtomCount ? 0 : Atom(s.second);
-    const uint32_t data[5] = {(wished & s.bit) != 0 ? 1u : 0u, Atom(s.first), second, 1, 0};
+    const uint32_t data[5] = {(wanted & s.bit) != 0 ? 1u : 0u, Atom(s.first), second, 1, 0};
     SendClientMessage(x.screen->root, n->id, kNetWmState, data,
                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
   }
-  n->states = wished;
+  n->states = wanted;
 }
 
 // The step of one axis in device pixels; 1 where it would not be whole.
@@ -159,7 +162,7 @@ void SetTitle(const Native& n) {
   SetText(n.id, XCB_ATOM_WM_NAME, Atom(kUtf8String), shown);
 }
 
-// The window manager measures the whole window, so the menu strip is part of every figure.
+// The window manager measures the whole window, so the menu bar is part of every figure.
 void SetSizeHints(const Native& n) {
   const Window& w = *n.w;
   const int width = w.content.width(), height = w.content.height();
@@ -182,16 +185,17 @@ void SetSizeHints(const Native& n) {
     const SizeLimits l = LimitsOf(w);
     h.flags |= XCB_ICCCM_SIZE_HINT_P_MIN_SIZE | XCB_ICCCM_SIZE_HINT_P_MAX_SIZE;
     h.min_width = device(fixed ? width : std::min(l.min_width, width));
-    h.min_height = device((fixed ? height : std::min(l.min_height, height)) + w.strip);
+    h.min_height = device((fixed ? height : std::min(l.min_height, height)) + w.menu_bar_height);
     h.max_width = device(fixed ? width : std::max(l.max_width, width));
-    h.max_height = device((fixed ? height : std::max(l.max_height, height)) + w.strip);
+    h.max_height = device((fixed ? height : std::max(l.max_height, height)) + w.menu_bar_height);
     const int step_x = DeviceStep(l.step_x, scale), step_y = DeviceStep(l.step_y, scale);
     if (!fixed && (step_x > 1 || step_y > 1)) {
       h.flags |= XCB_ICCCM_SIZE_HINT_P_RESIZE_INC | XCB_ICCCM_SIZE_HINT_BASE_SIZE;
       h.width_inc = step_x;
       h.height_inc = step_y;
       h.base_width = device(width) % step_x;
-      h.base_height = (bounds.height() - device(w.strip)) % step_y + device(w.strip);
+      h.base_height =
+          (bounds.height() - device(w.menu_bar_height)) % step_y + device(w.menu_bar_height);
     }
   }
   xcb_icccm_set_wm_normal_hints(x.c, n.id, &h);
@@ -204,7 +208,7 @@ void SetHints(Native* n) {
   SetTransient(*n, style);
   // On the way out of full screen the size that the record has is still the screen's: the hints
   // wait for the one that comes back.
-  const bool leaving = n->mapped() && (n->states & ~WishedStates(*n->w) & kStateFullScreen) != 0;
+  const bool leaving = n->mapped() && (n->states & ~WantedStates(*n->w) & kStateFullScreen) != 0;
   if (!leaving) SetSizeHints(*n);
   if (n->mapped()) AskStates(n);
 }
@@ -230,7 +234,7 @@ void ReadStates(Native* n) {
 void WriteStates(Native* n) {
   xcb_atom_t atoms[8];
   size_t count = 0;
-  n->states = WishedStates(*n->w);
+  n->states = WantedStates(*n->w);
   for (const StateAtoms& s : kStateAtoms) {
     if ((n->states & s.bit) == 0) continue;
     atoms[count++] = Atom(s.first);

@@ -41,6 +41,7 @@ struct Keymap {
 // What a held key was reported as, so that its release tells the same.
 struct Held {
   bool down = false;
+  const Window* window = nullptr;  // that heard of it last; null: it has ended
   Composed as;
 };
 
@@ -49,6 +50,8 @@ struct Keyboard {
   Keymap map;
   Held held[256];
   uint32_t reported = 0;  // modifiers
+  const Window* reported_to = nullptr;
+  bool orphaned = false;  // the window that heard of the modifiers has ended, no other has since
   uint32_t state = 0;     // the server's, as last told
 };
 Keyboard k;
@@ -185,8 +188,12 @@ Native* FocusedNative() {
 
 void ReportModifiers(Native* n, xcb_timestamp_t time) {
   const uint32_t now = Modifiers(k.state);
-  if (now == k.reported || n == nullptr) return;
+  if (now == k.reported || (n == nullptr && !k.orphaned)) return;
   k.reported = now;
+  if (n != nullptr) {
+    k.reported_to = n->w;
+    k.orphaned = false;
+  }
   Emit(RawEvent::kModifiers, n, time)->modifiers = now;
 }
 
@@ -201,6 +208,11 @@ void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time)
   e->modifiers = Modifiers(k.state);
 }
 
+// A key of a window that has ended comes up without a window.
+void EmitKeyUp(Native* n, uint8_t code, xcb_timestamp_t time) {
+  EmitKey(RawEvent::kKeyUp, k.held[code].window != nullptr ? n : nullptr, code, time);
+}
+
 // A release that no window heard of, since the one with the focus was destroyed with the key down.
 void ReleaseMissed(Native* n) {
   const bool any =
@@ -210,7 +222,7 @@ void ReleaseMissed(Native* n) {
   for (int code = 8; now && code < 256; ++code) {
     if (!k.held[code].down || (now->keys[code / 8] >> (code % 8) & 1) != 0) continue;
     k.held[code].down = false;
-    EmitKey(RawEvent::kKeyUp, n, uint8_t(code), 0);
+    EmitKeyUp(n, uint8_t(code), 0);
   }
 }
 
@@ -294,11 +306,12 @@ void HandleKey(const xcb_key_press_event_t* e, bool press) {
   k.state = e->state;
   if (!press) {
     held.down = false;
-    EmitKey(RawEvent::kKeyUp, n, e->detail, e->time);
+    EmitKeyUp(n, e->detail, e->time);
     return;
   }
   const bool repeat = held.down;
   held.down = true;
+  held.window = n->w;
   if (!repeat) {
     const uint32_t sym = Lookup(e->detail, (e->state >> 13) & 3, uint8_t(e->state));
     held.as = Compose(sym);
@@ -326,9 +339,17 @@ void ReleaseKeys(Native* n, xcb_timestamp_t time) {
   for (int code = 8; code < 256; ++code) {
     if (!k.held[code].down) continue;
     k.held[code].down = false;
-    EmitKey(RawEvent::kKeyUp, n, uint8_t(code), time);
+    EmitKeyUp(n, uint8_t(code), time);
   }
   ResetCompose();
+}
+
+void ForgetKeys(const Window* w) {
+  for (Held& held : k.held)
+    if (held.window == w) held.window = nullptr;
+  if (k.reported_to != w) return;
+  k.reported_to = nullptr;
+  k.orphaned = true;
 }
 
 }  // namespace platform::x11

@@ -26,6 +26,8 @@ void Map(Native* n) {
                         32, 1, &x.user_time);
   }
   n->phase = Native::kMapping;
+  // Nobody else raises a pop-up.
+  if (n->w->parent != nullptr) RaiseNative(n->w, kRaiseOnly, nullptr);
   xcb_map_window(x.c, n->id);
   if (n->activate) Activate(n);
 }
@@ -33,6 +35,7 @@ void Map(Native* n) {
 void Withdraw(Native* n) {
   n->phase = n->reparented ? Native::kWithdrawing : Native::kUnmapped;
   xcb_unmap_window(x.c, n->id);
+  if (n->w->parent != nullptr) return;
   // Tells the window manager that this is a withdrawal even when it was iconified.
   xcb_unmap_notify_event_t e{};
   e.response_type = XCB_UNMAP_NOTIFY;

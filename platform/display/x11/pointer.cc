@@ -34,6 +34,8 @@ std::vector<PointerDevice> devices;
 struct Held {
   uint32_t buttons = 0;
   int device = 0;
+  const Window* window = nullptr;  // in which the first of them went down
+  uint32_t orphans = 0;            // whose window has ended: their release has none
 };
 Held held;
 
@@ -72,6 +74,17 @@ void EmitScroll(Native* n, const PointerEvent& e, double dx, double dy) {
   out->dy = float(dy * kNotch);
 }
 
+// A button of a window that has ended comes up without a window.
+RawEvent* EmitRelease(Native* n, const PointerEvent& e, uint8_t button) {
+  const uint32_t bit = 1u << button;
+  held.buttons &= ~bit;
+  RawEvent* out = EmitPointer(RawEvent::kRelease, n, e);
+  out->button = button;
+  if ((held.orphans & bit) != 0) out->window = nullptr;
+  held.orphans &= ~bit;
+  return out;
+}
+
 // The program's window that the screen shows at a point, down from the window manager's frame.
 const Window* WindowAt(double root_x, double root_y) {
   const auto left = int16_t(Clamp16(int(std::floor(root_x)))),
@@ -108,8 +121,7 @@ void ReleaseMissed(Native* n, const PointerEvent& e) {
     const uint8_t button = kButtons[i].button;
     if (button == 0 || (held.buttons >> button & 1) == 0 || (e.buttons >> (i + 1) & 1) != 0)
       continue;
-    held.buttons &= ~(1u << button);
-    EmitPointer(RawEvent::kRelease, n, e)->button = button;
+    EmitRelease(n, e, button);
   }
 }
 
@@ -119,12 +131,17 @@ void OnButton(Native* n, const PointerEvent& e, bool press) {
   const ButtonMeaning& meaning = kButtons[e.detail - 1];
   if (press) x.user_time = e.time;
   if (meaning.button != 0) {
-    const uint32_t bit = 1u << meaning.button;
     const Window* under = Under(n, e, held.buttons != 0);
-    held.buttons = press ? held.buttons | bit : held.buttons & ~bit;
     held.device = e.device;
-    RawEvent* out = EmitPointer(press ? RawEvent::kPress : RawEvent::kRelease, n, e);
-    out->button = meaning.button;
+    RawEvent* out = nullptr;
+    if (press) {
+      if (held.buttons == 0) held.window = n->w;
+      held.buttons |= 1u << meaning.button;
+      out = EmitPointer(RawEvent::kPress, n, e);
+      out->button = meaning.button;
+    } else {
+      out = EmitRelease(n, e, meaning.button);
+    }
     out->under = under;
   } else if (press) {
     EmitScroll(n, e, meaning.dx, meaning.dy);
@@ -311,6 +328,12 @@ void HandleInput2(const xcb_ge_generic_event_t* event) {
   const bool emulated = (e.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) != 0;
   if (emulated && device != nullptr && ToldByPosition(*device, e.detail)) return;
   OnButton(n, e, event->event_type == XCB_INPUT_BUTTON_PRESS);
+}
+
+void ForgetPress(const Window* w) {
+  if (held.window != w) return;
+  held.orphans = held.buttons;
+  held.window = nullptr;
 }
 
 }  // namespace platform::x11

@@ -44,16 +44,18 @@ void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, cons
 void* CreateNative(const Window* w) {
   if (xcb_connection_has_error(x.c)) return nullptr;
   auto* n = new Native;
-  const DeviceRect r = DeviceBounds(*w);
+  const DeviceRect r = Wanted(*w);
   n->w = w;
   n->id = xcb_generate_id(x.c);
   n->bounds = r;
   n->bounds_known = true;
   // No background, and pixels that stay where they are: a resize does not flash.
   const uint32_t mask = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY |
-                        XCB_CW_EVENT_MASK | (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
-  const uint32_t values[] = {XCB_BACK_PIXMAP_NONE, 0, XCB_GRAVITY_NORTH_WEST, kWindowEvents,
-                             x.colormap};
+                        XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
+                        (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
+  const uint32_t values[] = {XCB_BACK_PIXMAP_NONE,   0,
+                             XCB_GRAVITY_NORTH_WEST, w->parent != nullptr,
+                             kWindowEvents,          x.colormap};
   xcb_create_window(x.c, x.depth, n->id, x.screen->root, int16_t(Clamp16(r.left)),
                     int16_t(Clamp16(r.top)), uint16_t(Side(r.width())), uint16_t(Side(r.height())),
                     0, XCB_WINDOW_CLASS_INPUT_OUTPUT, x.visual, mask, values);
@@ -66,6 +68,7 @@ void* CreateNative(const Window* w) {
   SetTitle(*n);
   SetHints(n);
   SetCursor(n);
+  if (r != DeviceBounds(*w)) EmitBounds(n, r);
   return n;
 }
 
@@ -81,6 +84,12 @@ void DestroyNative(const Window* w) {
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);
   if (x.leader == n->id) x.leader = XCB_NONE;
+  ForgetKeys(w);
+  ForgetPress(w);
+  for (RawEvent& e : x.out) {
+    if (e.under == w) e.under = nullptr;
+    if (e.window == w && IsRelease(e.type)) e.window = nullptr;
+  }
   std::erase_if(x.out, [w](const RawEvent& e) { return e.window == w; });
   delete n;
   StepDocked();

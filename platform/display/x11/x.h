@@ -19,49 +19,50 @@
 namespace platform::x11 {
 
 // Every atom that is used, by the name of its constant. All are asked for in one batch.
-#define XW_ATOMS(ATOM)                                         \
-  ATOM(kUtf8String, "UTF8_STRING")                             \
-  ATOM(kWmProtocols, "WM_PROTOCOLS")                           \
-  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                    \
-  ATOM(kWmState, "WM_STATE")                                   \
-  ATOM(kNetWmPing, "_NET_WM_PING")                             \
-  ATOM(kNetWmName, "_NET_WM_NAME")                             \
-  ATOM(kNetWmPid, "_NET_WM_PID")                               \
-  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                    \
-  ATOM(kNetStartupId, "_NET_STARTUP_ID")                       \
-  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")        \
-  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                   \
-  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                 \
-  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                 \
-  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")      \
-  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                \
-  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")   \
-  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")   \
-  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY") \
-  ATOM(kNetWmState, "_NET_WM_STATE")                           \
-  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                \
-  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")      \
-  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")   \
-  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")       \
-  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                       \
-  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                   \
-  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")              \
-  ATOM(kManager, "MANAGER")                                    \
-  ATOM(kXdndAware, "XdndAware")                                \
-  ATOM(kXdndEnter, "XdndEnter")                                \
-  ATOM(kXdndPosition, "XdndPosition")                          \
-  ATOM(kXdndStatus, "XdndStatus")                              \
-  ATOM(kXdndLeave, "XdndLeave")                                \
-  ATOM(kXdndDrop, "XdndDrop")                                  \
-  ATOM(kXdndFinished, "XdndFinished")                          \
-  ATOM(kXdndSelection, "XdndSelection")                        \
-  ATOM(kXdndTypeList, "XdndTypeList")                          \
-  ATOM(kXdndActionCopy, "XdndActionCopy")                      \
-  ATOM(kTextUriList, "text/uri-list")                          \
-  ATOM(kXwDrop, "_XW_DROP")                                    \
-  ATOM(kIncr, "INCR")                                          \
-  ATOM(kAbsPressure, "Abs Pressure")                           \
-  ATOM(kAbsTiltX, "Abs Tilt X")                                \
+#define XW_ATOMS(ATOM)                                          \
+  ATOM(kUtf8String, "UTF8_STRING")                              \
+  ATOM(kWmProtocols, "WM_PROTOCOLS")                            \
+  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                     \
+  ATOM(kWmState, "WM_STATE")                                    \
+  ATOM(kNetWmPing, "_NET_WM_PING")                              \
+  ATOM(kNetWmName, "_NET_WM_NAME")                              \
+  ATOM(kNetWmPid, "_NET_WM_PID")                                \
+  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                     \
+  ATOM(kNetStartupId, "_NET_STARTUP_ID")                        \
+  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")         \
+  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                    \
+  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                  \
+  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                  \
+  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")       \
+  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                 \
+  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")    \
+  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")    \
+  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")  \
+  ATOM(kNetWmWindowTypePopUp, "_NET_WM_WINDOW_TYPE_POPUP_MENU") \
+  ATOM(kNetWmState, "_NET_WM_STATE")                            \
+  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                 \
+  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")       \
+  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")    \
+  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")        \
+  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                        \
+  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                    \
+  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")               \
+  ATOM(kManager, "MANAGER")                                     \
+  ATOM(kXdndAware, "XdndAware")                                 \
+  ATOM(kXdndEnter, "XdndEnter")                                 \
+  ATOM(kXdndPosition, "XdndPosition")                           \
+  ATOM(kXdndStatus, "XdndStatus")                               \
+  ATOM(kXdndLeave, "XdndLeave")                                 \
+  ATOM(kXdndDrop, "XdndDrop")                                   \
+  ATOM(kXdndFinished, "XdndFinished")                           \
+  ATOM(kXdndSelection, "XdndSelection")                         \
+  ATOM(kXdndTypeList, "XdndTypeList")                           \
+  ATOM(kXdndActionCopy, "XdndActionCopy")                       \
+  ATOM(kTextUriList, "text/uri-list")                           \
+  ATOM(kXwDrop, "_XW_DROP")                                     \
+  ATOM(kIncr, "INCR")                                           \
+  ATOM(kAbsPressure, "Abs Pressure")                            \
+  ATOM(kAbsTiltX, "Abs Tilt X")                                 \
   ATOM(kAbsTiltY, "Abs Tilt Y")
 
 enum AtomIndex {
@@ -177,8 +178,12 @@ struct Reply {
 };
 
 // --- bounds.cc
-// Asks for DeviceBounds(*w).
+// Where the window shall be.
+DeviceRect Wanted(const Window& w);
+// Asks for that.
 void MoveResizeNative(const Window* w);
+// Reports bounds.
+void EmitBounds(Native* n, const DeviceRect& r);
 // What the server says of the window's place, in an event with this sequence number.
 void TakeBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
 // The same out of an event that was sent by a program: the window manager, or one that pretends.
@@ -274,6 +279,9 @@ void HandleKey(const xcb_key_press_event_t* e, bool press);
 void HandleXkb(const xcb_generic_event_t* event);
 // Ends every held key: the releases will not reach the program.
 void ReleaseKeys(Native* n, xcb_timestamp_t time);
+// The window ends: what went down in it comes up without a window.
+void ForgetKeys(const Window* w);
+void ForgetPress(const Window* w);
 // `n` has the focus: what was pressed or released meanwhile is reported.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
