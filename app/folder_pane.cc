@@ -54,7 +54,7 @@ std::vector<Crumb> LayOutCrumbs(const Console* c) {
   size_t first = crumbs.size();
   while (first > 0) {
     XwFont* font = first == crumbs.size() ? l.bold : l.normal;
-    const int w = XwTextWidth(font, crumbs[first - 1].text.c_str()) + 1;
+    const int w = XwTextWidthUtf8(font, crumbs[first - 1].text.c_str()) + 1;
     if (first < crumbs.size() && width + w + 18 > strip.w) break;
     crumbs[--first].area.w = w;
     width += w + 18;

@@ -95,7 +95,7 @@ void DrawPrinterList(Console* c) {
     std::string state = nc::PrinterStateText(p.state);
     if (p.jobs > 0) state += ", " + CountText(p.jobs, "job", "jobs");
     const int32_t ink = p.state == NC_PRINTER_PAPER_OUT ? l.bad : l.second;
-    const int width = XwTextWidth(l.small_text, state.c_str()) + 12;
+    const int width = XwTextWidthUtf8(l.small_text, state.c_str()) + 12;
     DrawLabel(l.small_text, Align::kRight, row.TakeRight(width), state, lit ? l.on_accent : ink);
     DrawLabel(l.normal, Align::kLeft, row, Shown(p.name), lit ? l.on_accent : l.ink);
   }

@@ -35,7 +35,7 @@ const QueueRow* SelectedRow(const Console* c) {
 
 // What is being done to a job, null when nothing is.
 const char* PendingText(const Console* c, const JobId& id) {
-  static const char* const kTexts[] = {"holding\xC9", "releasing\xC9", "removing\xC9"};
+  static const char* const kTexts[] = {"holding…", "releasing…", "removing…"};
   for (const PendingChange& p : c->state.pending)
     if (p.id == id) return kTexts[int(p.action)];
   return nullptr;
@@ -70,7 +70,7 @@ void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
       DrawWord(cell, "to be sent", l.second);
       break;
     case Sending::kCancelling:
-      DrawWord(cell, "cancelling\xC9", l.second);
+      DrawWord(cell, "cancelling…", l.second);
       break;
     case Sending::kFailed:
       DrawWord(cell, ("not sent: " + Shown(t.text)).c_str(), l.bad);
@@ -211,7 +211,7 @@ void DrawHead(const Console* c) {
   head = head.Inset(12, 0);
   head.w = c->layout.hold_job.x - head.x - 12;
   DrawLabel(l.bold, Align::kLeft, head, "Queue", l.ink);
-  head.TakeLeft(XwTextWidth(l.bold, "Queue") + 8);
+  head.TakeLeft(XwTextWidthUtf8(l.bold, "Queue") + 8);
   DrawLabel(l.small_text, Align::kLeft, head, Summary(c), l.second);
 }
 

@@ -48,9 +48,11 @@ void DrawFact(Area* a, const char* name, const std::string& value) {
 // that are more than half full. The last one holds all that remains.
 std::vector<std::string> LinesOf(XwFont* font, std::string name, int width) {
   std::vector<std::string> lines;
-  while (int(lines.size()) + 1 < kNameLines && XwTextWidth(font, name.c_str()) > width) {
-    size_t fits = name.size();
-    while (fits > 1 && XwTextWidth(font, name.substr(0, fits).c_str()) > width) --fits;
+  while (int(lines.size()) + 1 < kNameLines && XwTextWidthUtf8(font, name.c_str()) > width) {
+    // A line has at least one character, however wide.
+    size_t fits = size_t(XwTextTrimUtf8(font, name.c_str(), width + 1, nullptr, 0));
+    if (fits == 0) fits = 1;
+    while (fits < name.size() && (name[fits] & 0xC0) == 0x80) ++fits;
     const size_t blank = name.rfind(' ', fits);
     if (blank != std::string::npos && blank > fits / 2) fits = std::min(blank + 1, name.size());
     lines.push_back(name.substr(0, fits));

@@ -31,8 +31,8 @@ std::string ServerName(const Console* c) {
 Area ServerArea(const Console* c) {
   const Style& l = TheStyle();
   const Area a = c->layout.status;
-  const int words =
-      XwTextWidth(l.view, ServerName(c).c_str()) + XwTextWidth(l.view, ServerText(c).c_str()) + 2;
+  const int words = XwTextWidthUtf8(l.view, ServerName(c).c_str()) +
+                    XwTextWidthUtf8(l.view, ServerText(c).c_str()) + 2;
   return {a.x + 6, a.y + 3, std::min(kDotRoom + words + kServerEnd, a.w * 55 / 100), a.h - 5};
 }
 
@@ -42,8 +42,8 @@ void DrawServer(const Console* c, Area a) {
   a.TakeLeft(kDotRoom);
   a.TakeRight(kServerEnd);
   const std::string name = ServerName(c), state = ServerText(c);
-  const int tail = XwTextWidth(l.view, state.c_str()) + 1;
-  const int head = XwTextWidth(l.view, name.c_str()) + 1;
+  const int tail = XwTextWidthUtf8(l.view, state.c_str()) + 1;
+  const int head = XwTextWidthUtf8(l.view, name.c_str()) + 1;
   DrawLabel(l.view, Align::kLeft, a.TakeLeft(std::min(head, std::max(0, a.w - tail))), name, l.ink);
   DrawLabel(l.view, Align::kLeft, a, state, l.ink);
 }
@@ -71,7 +71,7 @@ int DrawSending(const Console* c, const Transfer& t) {
   a.TakeRight(10);
   const int64_t percent = t.total > 0 ? t.sent * 100 / t.total : 0;
   const std::string tail = ", " + std::to_string(percent) + " %";
-  const int tail_width = XwTextWidth(l.view, tail.c_str()) + 1;
+  const int tail_width = XwTextWidthUtf8(l.view, tail.c_str()) + 1;
   Area room = a.TakeRight(std::min(300, a.w * 40 / 100));
   const Area end = room.TakeRight(tail_width);
   const char* verb = t.state == Sending::kSending ? "Sending " : "Cancelling ";
@@ -93,7 +93,7 @@ std::string ServerText(const Console* c) {
   const ServerState& s = c->state;
   switch (s.link) {
     case Link::kConnecting:
-      return "connecting\xC9";
+      return "connecting…";
     case Link::kReady:
       if (s.quiet_s < 1) return "ready";
       return "no answer for " + std::to_string(s.quiet_s) + " s";

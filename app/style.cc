@@ -46,11 +46,12 @@ int32_t Mix(int32_t a, int32_t b, int percent) {
 void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32_t ink) {
   if (a.Empty()) return;
   // Trimmed is what is narrower than the width: a text that just fits is whole.
-  const char* shown = XwTextTrim(font, text, a.w + 1);
-  int spare = a.w - XwTextWidth(font, shown);
+  char shown[1024];
+  XwTextTrimUtf8(font, text, a.w + 1, shown, sizeof shown);
+  int spare = a.w - XwTextWidthUtf8(font, shown);
   int dx = align == Align::kRight ? spare : align == Align::kCenter ? spare / 2 : 0;
-  XwDrawText(font, 0, a.x + dx, a.y + (a.h - font->ascent - font->descent + 1) / 2, 0, 0, shown,
-             ink, -1);
+  XwDrawTextUtf8(font, 0, a.x + dx, a.y + (a.h - font->ascent - font->descent + 1) / 2, 0, 0, shown,
+                 ink, -1);
 }
 
 void Fill(const Area& a, int32_t colour) {

@@ -317,7 +317,7 @@ void Table::DrawHeader(const Hit& hover) const {
     if (hover == Hit{owner_, kHeader, i})
       Fill({column.x, head.y, column.w, head.h - 1}, Mix(l.pressed, l.tool_bar, 35));
     if (i == sort_) {
-      const int w = std::min(cell.w - 12, XwTextWidth(l.view_bold, c.title));
+      const int w = std::min(cell.w - 12, XwTextWidthUtf8(l.view_bold, c.title));
       if (c.align == Align::kRight) cell.TakeRight(12);
       const int x = c.align == Align::kRight ? cell.right() + 4 : cell.x + w + 4;
       (descending_ ? DrawArrowDown : DrawArrowUp)(x, head.y + 9, l.second);

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "toolkit/xw.h"
+#include "printserver/visible.h"
 
 namespace console {
 namespace {
@@ -63,12 +63,8 @@ std::string HourText(int64_t seconds, int64_t now) {
   return Format(this_year ? "%e %b" : "%e %b %Y", seconds);
 }
 
-std::string Shown(const std::string& utf8) {
-  std::string visible = utf8, text(utf8.size() + 1, 0);
-  for (char& ch : visible)
-    if (uint8_t(ch) < ' ' || ch == 127) ch = '?';
-  text.resize(size_t(XwFromUtf8(visible.c_str(), text.data(), int(text.size()))));
-  return text;
+std::string Shown(const std::string& bytes) {
+  return nc::VisibleName(bytes);
 }
 
 std::string CountText(int64_t n, const char* one, const char* many) {

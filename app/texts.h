@@ -1,4 +1,4 @@
-// Sizes, times and names as a person reads them, in the toolkit's characters.
+// Sizes, times and names as a person reads them, in UTF-8.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -13,8 +13,9 @@ std::string PartText(int64_t part, int64_t whole);
 std::string DayText(int64_t seconds, int64_t now);
 // "09:41" today, else the day as above without the time.
 std::string HourText(int64_t seconds, int64_t now);
-// From UTF-8; what has no letter to show is '?'.
-std::string Shown(const std::string& utf8);
+// A name or a message that comes from elsewhere: every script as it is, what cannot be seen as its
+// code.
+std::string Shown(const std::string& bytes);
 // "1 file", "14 files".
 std::string CountText(int64_t n, const char* one, const char* many);
 

@@ -7,9 +7,9 @@
 #include <cstring>
 
 #include "printserver/nc.h"
+#include "printserver/visible.h"
 #include "printserver/words.h"
 #include "quorvik-print/options.h"
-#include "quorvik-print/text.h"
 
 namespace cli {
 
@@ -65,7 +65,7 @@ int Session::Connect(bool quiet) {
 }
 
 int Fail(int code, const std::string& text) {
-  fprintf(stderr, "quorvik-print: %s\n", Shown(text).c_str());
+  fprintf(stderr, "quorvik-print: %s\n", nc::VisibleName(text).c_str());
   return code;
 }
 
@@ -84,7 +84,7 @@ void Print(const std::string& text) {
 }
 
 void PrintLine(const std::string& line) {
-  Print(Shown(line) + "\n");
+  Print(nc::VisibleName(line) + "\n");
   if (output_error == 0 && fflush(stdout) != 0) output_error = errno;
 }
 

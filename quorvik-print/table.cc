@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "printserver/visible.h"
 #include "quorvik-print/text.h"
 
 namespace cli {
@@ -62,7 +63,7 @@ void ShowTabs(const std::vector<Column>& columns, const Rows& rows) {
       if (!columns[i].key) continue;
       if (!first) line += '\t';
       first = false;
-      line += Shown(row[i]);
+      line += nc::VisibleName(row[i]);
     }
     Print(line + "\n");
   }
@@ -70,7 +71,7 @@ void ShowTabs(const std::vector<Column>& columns, const Rows& rows) {
 
 std::string Cell(const std::string& value, Kind kind) {
   if (kind == Kind::kFlag) return value == "1" ? "yes" : "";
-  return Shown(value);
+  return nc::VisibleName(value);
 }
 
 // Two places between columns.

@@ -195,7 +195,6 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   EXPECT_EQ(typed("b"), "bravo.txt");
   Turn(70);
   EXPECT_EQ(typed("bq"), "brochure.pdf") << "what is not there selects nothing else";
-  EXPECT_EQ(Shown("with\nline\x7f.txt"), "with?line?.txt");
   Turn(70);
   c_->files.Select(-1);
   for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kCopies}) {
