@@ -118,36 +118,44 @@ struct Glyphs::Impl {
   pixman_glyph_cache_t* cache;
   const void* glyphs[256];
   double advances[256];
-};
 
-Glyphs::Glyphs(const Buffer& b, const platform::FontFace* face, int size) : impl_(new Impl) {
-  platform::OpenFace(face);
-  impl_->target = Target(b);
-  impl_->ink = Black();
-  impl_->cache = pixman_glyph_cache_create();
-  pixman_glyph_cache_freeze(impl_->cache);
-  FT_Set_Char_Size(face->handle.face(), 0, size * 64, 72, 72);
-  for (int i = 0; i < 256; ++i) {
-    impl_->glyphs[i] = nullptr;
-    impl_->advances[i] = double(face->toolkit->advances[i]) * size / face->units.per_em;
-    if (face->toolkit->glyphs[i] == platform::kNoGlyph || face->toolkit->sources[i] != face)
-      continue;
-    FT_Load_Glyph(face->handle.face(), face->toolkit->glyphs[i],
-                  FT_LOAD_TARGET_LIGHT | FT_LOAD_RENDER);
-    FT_GlyphSlot slot = face->handle.face()->glyph;
-    if (!slot->bitmap.width) continue;
+  void Insert(size_t i, FT_GlyphSlot slot) {
+    if (!slot->bitmap.width) return;
     pixman_image_t* mask = pixman_image_create_bits(PIXMAN_a8, int(slot->bitmap.width),
                                                     int(slot->bitmap.rows), nullptr, 0);
     uint8_t* out = reinterpret_cast<uint8_t*>(pixman_image_get_data(mask));
     for (unsigned y = 0; y < slot->bitmap.rows; ++y)
       std::memcpy(out + int(y) * pixman_image_get_stride(mask),
                   slot->bitmap.buffer + int(y) * slot->bitmap.pitch, slot->bitmap.width);
-    impl_->glyphs[i] =
-        pixman_glyph_cache_insert(impl_->cache, this, reinterpret_cast<void*>(size_t(i + 1)),
-                                  -slot->bitmap_left, slot->bitmap_top, mask);
+    glyphs[i] = pixman_glyph_cache_insert(cache, this, reinterpret_cast<void*>(i + 1),
+                                          -slot->bitmap_left, slot->bitmap_top, mask);
     pixman_image_unref(mask);
   }
-  const_cast<platform::FontFace*>(face)->ft_size = 0;
+};
+
+Glyphs::Glyphs(const Buffer& b, const platform::FontFace* face, int size,
+               const std::u32string& characters)
+    : impl_(new Impl) {
+  platform::OpenFace(face);
+  impl_->target = Target(b);
+  impl_->ink = Black();
+  impl_->cache = pixman_glyph_cache_create();
+  pixman_glyph_cache_freeze(impl_->cache);
+  for (size_t i = 0; i < 256; ++i) {
+    impl_->glyphs[i] = nullptr;
+    const bool other = i >= 1 && i <= characters.size();
+    if (!characters.empty() && !other) continue;
+    const uint32_t slot = other ? platform::SlotOf(characters[i - 1]) : uint32_t(i);
+    const platform::CharacterPage& page = platform::PageOfSlot(face, slot);
+    const uint32_t glyph = page.glyphs[slot & 0xFF];
+    impl_->advances[i] = double(page.advances[slot & 0xFF]) * size / face->units.per_em;
+    if (glyph >= platform::kBoxGlyph) continue;
+    auto* source = const_cast<platform::FontFace*>(page.sources[slot & 0xFF]);
+    FT_Set_Char_Size(source->handle.face(), 0, size * 64, 72, 72);
+    source->ft_size = 0;
+    FT_Load_Glyph(source->handle.face(), glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_RENDER);
+    impl_->Insert(i, source->handle.face()->glyph);
+  }
 }
 
 Glyphs::~Glyphs() {

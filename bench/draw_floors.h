@@ -28,7 +28,9 @@ int64_t Sum(const int32_t* advances, const char* text);
 // Strings through pixman's glyph compositing, from a warm cache of the same masks.
 class Glyphs {
  public:
-  Glyphs(const Buffer& b, const platform::FontFace* face, int size);
+  // `characters`: what the bytes of a text stand for, from 1 on; empty: the toolkit's set.
+  Glyphs(const Buffer& b, const platform::FontFace* face, int size,
+         const std::u32string& characters = {});
   ~Glyphs();
   void Draw(int x, int baseline, const std::string& text);
   Glyphs(const Glyphs&) = delete;

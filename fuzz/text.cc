@@ -5,6 +5,7 @@
 #include "fuzz/input.h"
 #include "platform/fonts/fonts.h"
 #include "platform/text/mac_roman.h"
+#include "platform/text/utf8.h"
 #include "tests/support/canvas.h"
 
 namespace {
@@ -47,6 +48,32 @@ std::string SlowFit(XwFont* font, std::string text, int width) {
   }
 }
 
+// A line's clusters cover the text in order, each is laid out by itself as it is in the line, and
+// the results of the UTF-8 calls are valid and narrow enough.
+void CheckUtf8(XwFont* font, const std::string& text, int width) {
+  auto* sized = static_cast<platform::SizedFont*>(font->platform);
+  const platform::TextScale scale = platform::GetTextScale(sized);
+  platform::TextLine line, part;
+  platform::LayOutText(sized, text, &line);
+  Require(line.clusters[0].start == 0 && line.clusters.back().start == text.size());
+  size_t fitting = 0;
+  for (size_t i = 0; i < line.count(); ++i) {
+    const platform::TextCluster &a = line.clusters[i], &b = line.clusters[i + 1];
+    Require(a.start < b.start && a.glyph <= b.glyph && a.pen <= b.pen);
+    platform::LayOutText(sized, text.substr(0, b.start), &part);
+    Require(part.width() == b.pen && part.glyphs.size() == b.glyph);
+    if (scale.Narrower(b.pen, width)) fitting = b.start;
+  }
+  std::vector<char> out(3 * text.size() + 4);
+  const int n = XwTextTrimUtf8(font, text.c_str(), width, out.data(), int(out.size()));
+  Require(out.data() == platform::ValidUtf8(text.substr(0, fitting)) &&
+          n == int(std::strlen(out.data())));
+  Require(XwTextFitUtf8(font, text.c_str(), width, out.data(), int(out.size())) ==
+          int(std::strlen(out.data())));
+  Require(!out[0] || XwTextWidthUtf8(font, out.data()) < int64_t{width} - 6);
+  Require(platform::ValidUtf8(out.data()) == out.data());
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -65,6 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Require(platform::Utf8ToMacRoman(platform::MacRomanToUtf8(text.c_str()).c_str()) == text);
   std::string mac = platform::Utf8ToMacRoman(text.c_str());
   Require(mac.size() <= text.size());
+  CheckUtf8(font, text.substr(0, 120), width);
   char small[8];
   Require(platform::Utf8ToMacRoman(text.c_str(), small, sizeof small) < sizeof small);
   Require(mac.starts_with(small));
@@ -74,6 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   GetFontParm(text.c_str(), x, field);
   testkit::Canvas canvas(40, 30, 1.0, 4, 4);
   XwDrawText(font, flags, x, y, w, h, text.c_str(), 0, -1);
+  XwDrawTextUtf8(font, flags, x, y, w, h, text.c_str(), 0, -1);
   for (int row = 0; row < 38; ++row)
     for (int column = 0; column < 48; ++column)
       if (column < 4 || column >= 44 || row < 4 || row >= 34)

@@ -81,7 +81,7 @@ bool TakeFromAny(FontFace* f, CharacterPage* page, int at, char32_t c) {
 void TakeBox(FontFace* f, CharacterPage* page, int at, char32_t c) {
   page->glyphs[at] = kBoxGlyph;
   page->sources[at] = f;
-  page->advances[at] = f->units.per_em * BoxColumns(c) / 13;
+  page->advances[at] = (f->units.per_em * BoxColumns(c) + 12) / 13;
 }
 
 // Marks take no room. Most reach back over the letter before their pen; those of some fonts, of one

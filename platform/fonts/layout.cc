@@ -75,14 +75,15 @@ class Layout {
     return page.glyphs[slot & 0xFF] == kBoxGlyph ? nullptr : page.sources[slot & 0xFF];
   }
 
-  // One character in place of the letter and this mark, where the letter's own font has it.
+  // One character in place of the letter and this mark, where a font has it: of a letter that the
+  // chosen font has, that one.
   bool Compose(char32_t mark) {
     const char32_t whole = letter_ ? ComposeCharacters(letter_, mark) : 0;
     if (!whole) return false;
     LineGlyph& g = line_->glyphs[letter_at_];
     const FontFace* source = SourceOf(g.slot);
     const uint32_t slot = SlotOf(whole);
-    if (SourceOf(slot) == nullptr || (source && SourceOf(slot) != source)) return false;
+    if (!SourceOf(slot) || (source == face_ && SourceOf(slot) != face_)) return false;
     const int32_t advance = AdvanceOf(slot);
     pen_ += advance - g.advance;
     g.slot = slot;

@@ -85,7 +85,8 @@ std::string TypedText(const RawEvent& raw) {
   if (raw.modifiers & (controlKey | rightControlKey | cmdKey)) return {};
   char one[4];
   std::string_view typed(raw.typed, strnlen(raw.typed, sizeof raw.typed));
-  if (typed.empty() && raw.unicode) typed = {one, size_t(PutUtf8(raw.unicode, one))};
+  const bool character = raw.unicode && raw.unicode < 0x110000 && raw.unicode >> 11 != 0x1B;
+  if (typed.empty() && character) typed = {one, size_t(PutUtf8(raw.unicode, one))};
   std::string text;
   while (!typed.empty()) {
     const char32_t c = TakeUtf8(&typed);

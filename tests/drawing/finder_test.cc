@@ -98,6 +98,31 @@ TEST_F(Finder, FontsInstalledLaterAreFound) {
   }
 }
 
+// Fonts that stand in: asked for once a page and style, and an answer that is no font any more is
+// passed over, whatever is in its place.
+TEST_F(Finder, PagesOfOtherFontsAreRemembered) {
+  Install("bold.ttf", "fonts/deep");
+  const auto text = [](const char* utf8, bool asked, int width) {
+    return InProcess([=] {
+      const bool right = XwTextWidthUtf8(LoadFont("Liberation Mono", 20, 0), utf8) == width;
+      return right && FinderLoaded() == asked;
+    });
+  };
+  Install("mono.ttf", "fonts/deep");
+  fs::copy_file("/usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf",
+                root_ / "fonts/deep/han.ttf");
+  EXPECT_TRUE(text("\u4e2d", true, 20));
+  EXPECT_TRUE(text("\u4e2d", false, 20));
+  EXPECT_TRUE(text("\u4e2d\u0915", true, 40)) << "another page; no font has it";
+  EXPECT_TRUE(text("\u4e2d\u0915", false, 40));
+  // In place, so that the folder's time stamp is the one before.
+  const auto stamp = fs::last_write_time(root_ / "fonts/deep");
+  fs::remove(root_ / "fonts/deep/han.ttf");
+  ASSERT_EQ(mkfifo((root_ / "fonts/deep/han.ttf").c_str(), 0600), 0);
+  fs::last_write_time(root_ / "fonts/deep", stamp);
+  EXPECT_TRUE(text("\u4e2d", false, 20)) << "a box";
+}
+
 TEST_F(Finder, DamagedAnswersAreNotBelieved) {
   auto plain = [&] {
     return InProcess([&] { return Loads("Quorvik Test", 0, "QuorvikTest", true); });

@@ -257,7 +257,12 @@ TEST(Geometry, Titles) {
   EXPECT_EQ(XwGetText(main, text), all);
   XwSetText(main, std::string(1000, '\xF0').c_str());
   EXPECT_EQ(XwGetText(main, text), std::string(255, '\xF0'));
-  XwSetText(main, nullptr);
+  XwSetTextUtf8(main, "印刷 \xff");
+  EXPECT_EQ(input::ShownTitle(Native(main)), "印刷 \ufffd");
+  EXPECT_STREQ(XwGetText(main, text), "?? ?");
+  XwSetTextUtf8(main, std::string(5000, '\xff').c_str());
+  EXPECT_EQ(input::ShownTitle(Native(main)).size(), 4095u) << "cut between characters";
+  XwSetTextUtf8(main, nullptr);
   EXPECT_STREQ(XwGetText(main, text), "");
   EXPECT_EQ(XwGetText(main, nullptr), nullptr);
   EXPECT_STREQ(XwGetText(nullptr, text), "");

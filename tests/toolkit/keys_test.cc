@@ -130,6 +130,49 @@ TEST(Keys, OfAWindowThatEndedComeUpWithoutAnEvent) {
   EXPECT_TRUE(seen.empty());
 }
 
+// What a key types is whole UTF-8, of every script; a command or a release types nothing.
+TEST(Keys, CarryTheTextThatTheyTyped) {
+  Open();
+  XwSetFocus(Main());
+  static std::string typed;
+  const platform::EventKind kinds[] = {
+      {platform::kEventClassKeyboard, platform::kEventRawKeyDown},
+      {platform::kEventClassKeyboard, platform::kEventRawKeyRepeat},
+      {platform::kEventClassKeyboard, platform::kEventRawKeyUp}};
+  platform::InstallEventHandler(
+      platform::GetWindowEventTarget(Native(W_Start)),
+      [](platform::HandlerCall*, Event* e, void*) -> platform::OSStatus {
+        typed += std::string("[") + e->key.text + "]";
+        return platform::eventNotHandledErr;
+      },
+      kinds, 3, nullptr);
+  const struct {
+    uint32_t keysym, unicode;
+    const char* text;
+    uint32_t modifiers;
+    const char* result;
+  } rows[] = {
+      {'a', 0, nullptr, 0, "[a][]"},
+      {0x01004E2D, 0x4E2D, nullptr, 0, "[\u4e2d][]"},
+      {'x', 'x', "x\u0301", platform::optionKey, "[x\u0301][]"},
+      {'c', 'c', nullptr, platform::controlKey, "[][]"},
+      {'c', 'c', nullptr, platform::cmdKey, "[][]"},
+      {0xFF0D, 13, nullptr, 0, "[][]"},
+      {'y', 'y', "12345678901234\u00e9", 0, "[12345678901234][]"},
+      {0, 0x110000, nullptr, 0, "[][]"},
+      {0, 0xDFFF, nullptr, 0, "[][]"},
+  };
+  for (const auto& row : rows) {
+    input::Modifiers(row.modifiers);
+    Settle();
+    typed.clear();
+    input::KeyDown(row.keysym, row.unicode, row.text);
+    input::KeyUp(row.keysym, row.unicode);
+    RunLoop();
+    EXPECT_EQ(typed, row.result) << row.keysym;
+  }
+}
+
 TEST(Keys, GoToTheFocus) {
   Open();
   XwWindow* main = Main();
