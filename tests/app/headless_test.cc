@@ -332,6 +332,30 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   EXPECT_EQ(Selected(), "second.txt");
 }
 
+// Names that read alike without their codes, and names in other scripts.
+TEST_F(ConsoleTest, NamesAreShownApartAndFoundByTheirBytes) {
+  const std::string names[] = {"a\xff.txt", "a\\xFF.txt", "a\u200b.txt", "a.txt", "印刷.txt"};
+  for (const std::string& name : names) home_.File("Empty/" + name, name);
+  Open("127.0.0.2");
+  std::set<std::vector<uint32_t>> looks;
+  for (const std::string& name : names) {
+    Enter(home_.At("Empty"), name);
+    ASSERT_EQ(Selected(), name);
+    EXPECT_EQ(ReadFile(c_->folder.PathOf(c_->files.selected())), name);
+    const Area row = FileRow(name.c_str());
+    Turn(4);
+    At(0, 0);
+    const auto native = static_cast<platform::WindowRef>(c_->window->platform);
+    const display::Picture p = display::TakePicture(native);
+    const int bar = p.height - c_->window->height;
+    std::vector<uint32_t> look;
+    for (int y = row.y; y < row.bottom(); ++y)
+      for (int x = row.x + 34; x < row.x + 134; ++x)
+        look.push_back(p.pixels[size_t(y + bar) * size_t(p.width) + size_t(x)]);
+    EXPECT_TRUE(looks.insert(look).second) << name;
+  }
+}
+
 TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
   Open("127.0.0.0");
   const std::string path = home_.At(std::string(kFolder) + "/" + kLongName);
