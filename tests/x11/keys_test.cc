@@ -2,10 +2,12 @@
 // layouts.
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "platform/display/x11/xkb.h"
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
+#include "tests/os/scratch.h"
 #include "tests/x11/reports.h"
 #include "toolkit/core/post.h"
 #include "toolkit/xw.h"
@@ -243,6 +245,35 @@ TEST_F(Keys, DeadKeysComeFirst) {
   user().Code(48, true);
   user().Code(48, false);
   EXPECT_EQ(Press(65), '\'');
+}
+
+// The whole of it is the text of the event, cut between characters where it is too long.
+TEST_F(Keys, ASequenceMayTypeMoreThanOneCharacter) {
+  const Scratch scratch;
+  setenv("XCOMPOSEFILE",
+         scratch
+             .File("sequences",
+                   "<dead_acute> <e> : \"q\u0301!\"\n<dead_acute> <a> : \"0123456789abcd\u4e2d\"\n")
+             .c_str(),
+         1);
+  Settled();
+  Layout("us -variant intl");
+  static std::vector<std::string> typed;
+  typed.clear();
+  const EventKind kind{kEventClassKeyboard, kEventRawKeyDown};
+  InstallEventHandler(
+      GetWindowEventTarget(static_cast<WindowRef>(top->platform)),
+      [](HandlerCall*, Event* e, void*) -> OSStatus {
+        typed.push_back(e->key.text);
+        return eventNotHandledErr;
+      },
+      &kind, 1, nullptr);
+  for (int code : std::initializer_list<int>{48, kE, 48, kA}) {
+    user().Code(code, true);
+    user().Code(code, false);
+  }
+  ASSERT_TRUE(Run([] { return typed.size() == 4; }));
+  EXPECT_EQ(typed, (std::vector<std::string>{"", "q\u0301!", "", "0123456789abcd"}));
 }
 
 TEST_F(Keys, ModifiersAreTheirOwnEvent) {
