@@ -30,6 +30,8 @@ int OpenRegular(const std::string& file, size_t* size) {
 }  // namespace
 
 class FontStream {
+  static constexpr size_t kBlock = 4096, kBlocks = 16;
+
  public:
   FontStream() = default;
   FontStream(const FontStream&) = delete;
@@ -54,16 +56,32 @@ class FontStream {
   FT_Stream record() { return &record_; }
 
  private:
-  // Small readings, of which a font has many, come from one piece of the file.
+  // A font has thousands of small readings in a few places: they come from blocks of the file.
   size_t Read(size_t offset, uint8_t* out, size_t count) {
-    if (count >= sizeof piece_) return ReadFile(offset, out, count);
-    if (offset < piece_at_ || offset + count > piece_at_ + piece_size_) {
-      piece_at_ = offset;
-      piece_size_ = ReadFile(offset, piece_, sizeof piece_);
+    if (count >= kBlock) return ReadFile(offset, out, count);
+    size_t n = 0;
+    while (n < count) {
+      const size_t within = (offset + n) % kBlock;
+      const Block& block = BlockAt(offset + n - within);
+      if (within >= block.size) break;
+      const size_t part = std::min(count - n, block.size - within);
+      std::memcpy(out + n, block.bytes.get() + within, part);
+      n += part;
     }
-    count = std::min(count, piece_size_ - (offset - piece_at_));
-    std::memcpy(out, piece_ + (offset - piece_at_), count);
-    return count;
+    return n;
+  }
+
+  struct Block {
+    size_t at = SIZE_MAX, size = 0;
+    std::unique_ptr<uint8_t[]> bytes;
+  };
+  const Block& BlockAt(size_t at) {
+    Block& block = blocks_[at / kBlock % kBlocks];
+    if (block.at == at) return block;
+    if (!block.bytes) block.bytes = std::make_unique_for_overwrite<uint8_t[]>(kBlock);
+    block.at = at;
+    block.size = ReadFile(at, block.bytes.get(), kBlock);
+    return block;
   }
 
   size_t ReadFile(size_t offset, uint8_t* out, size_t count) const {
@@ -79,8 +97,7 @@ class FontStream {
 
   FT_StreamRec record_{};
   int fd_ = -1;
-  size_t piece_at_ = 0, piece_size_ = 0;
-  uint8_t piece_[4096];
+  Block blocks_[kBlocks];
 };
 
 FontHandle::FontHandle() = default;
