@@ -89,17 +89,17 @@ struct Client {
   std::string Id() const { return std::string(id, id + 16); }
 };
 
-void NewRequest(Client* client, const std::string& data) {
-  if (NC_CreateRequestID(client->fd, client->id) != 1) abort();
+// Under an id that was refused before this makes a job too; under one that has a job it changes it.
+void Write(Client* client, const std::string& data) {
   const auto size = static_cast<uint32_t>(data.size());
   if (IsStatus(NC_WritePrintRequest(client->fd, client->id, data.data(), size)) == 1) {
     client->jobs.insert(client->Id());
   }
 }
 
-void Change(Client* client, const std::string& data) {
-  const auto size = static_cast<uint32_t>(data.size());
-  IsStatus(NC_WritePrintRequest(client->fd, client->id, data.data(), size));
+void NewRequest(Client* client, const std::string& data) {
+  if (NC_CreateRequestID(client->fd, client->id) != 1) abort();
+  Write(client, data);
 }
 
 void Remove(Client* client) {
@@ -153,7 +153,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text = input.Text(2048);
     if (step == 0) NewRequest(&client, "hold=1\n" + text);
     if (step == 1) NewRequest(&client, text);
-    if (step == 2) Change(&client, text);
+    if (step == 2) Write(&client, text);
     if (step == 3) Remove(&client);
     if (step == 4) Files(&client, text);
     // A garbage request could be one that is well-formed: its commands are none of the eleven.

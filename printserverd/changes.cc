@@ -1,5 +1,6 @@
 // Changes of jobs: what a ticket makes of one, and how it gets to the disk before it counts.
 #include <algorithm>
+#include <iterator>
 
 #include "printserverd/queue.h"
 
@@ -83,25 +84,23 @@ Status Queue::PlaceBefore(const RequestId& before, Wish* wish, Job* changed) {
     return Status::kWrongState;
   }
   changed->ticket.priority = target->ticket.priority;
-  if (wish->place < 0) wish->place = PlaceBetween(target, changed->id);
+  if (wish->place < 0) wish->place = PlaceBetween(target);
   if (wish->place < 0) {
     SpreadPlaces(target->ticket.priority);
-    wish->place = PlaceBetween(target, changed->id);
+    wish->place = PlaceBetween(target);
   }
   changed->place = wish->place;
   return Status::kDone;
 }
 
-// The place in the middle between a job and the one before it, `moved` not counted; -1 when there
-// is none left.
-int64_t Queue::PlaceBetween(const Job* target, const RequestId& moved) const {
+// The place in the middle between a job and the one before it; -1 when there is none left.
+int64_t Queue::PlaceBetween(const Job* target) const {
   int64_t low = 0;
-  for (auto at = order_.find(target); at != order_.begin();) {
-    const Job& previous = **--at;
-    if (previous.id == moved) continue;
+  const auto at = order_.find(target);
+  if (at != order_.begin()) {
+    const Job& previous = **std::prev(at);
     const bool same = previous.Waits() && previous.ticket.priority == target->ticket.priority;
     if (same) low = previous.place;
-    break;
   }
   const int64_t place = low + (target->place - low) / 2;
   return place > low ? place : -1;

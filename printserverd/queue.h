@@ -180,7 +180,7 @@ class Queue {
   Status CheckChange(const Job& job, TicketKeys keys, Job* changed) const;
   static void ApplyHold(const Job& job, Job* changed);
   Status PlaceBefore(const RequestId& before, Wish* wish, Job* changed);
-  int64_t PlaceBetween(const Job* target, const RequestId& moved) const;
+  int64_t PlaceBetween(const Job* target) const;
   int64_t LastPlace(int64_t priority) const;
   void SpreadPlaces(int64_t priority);
   void NextChange(RequestId id);

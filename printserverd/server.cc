@@ -191,6 +191,8 @@ void Server::Drop(Peer* peer) {
   peer->upload = Upload();
   peer->reply = Reply();
   peer->issued.clear();
+  // Closing alone would leave it in the set as long as a process that was forked off has it too.
+  epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, peer->fd.get(), nullptr);
   peer->fd.Reset();
   peer->state = PeerState::kClosed;
   --open_peers_;

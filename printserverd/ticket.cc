@@ -184,7 +184,7 @@ std::string StoredRecord(const Job& job) {
   AppendCommon(&out, job);
   AppendField(&out, "finished", job.finished);
   AppendField(&out, "place", job.place);
-  AppendField(&out, "outputs", job.outputs);
+  if (job.outputs >= 0) AppendField(&out, "outputs", job.outputs);
   AppendField(&out, "reasons", job.reasons, kMaxText);
   out += job.unknown;
   out.push_back('\n');

@@ -173,7 +173,7 @@ int XwGetEvent(XwWindow* modal, int dispatch);
 /* XwGetEvent until it returns 0. Returns 0. For long computations that stay responsive. */
 int XwPeekEvents(XwWindow* modal, int dispatch);
 /* The next raw event for a loop of the program's own, such as a drag. Timer events for windows with
- * a handler are dropped meanwhile. */
+ * a handler are dropped while it waits. */
 int XwGrabEvent(void);
 /* Puts a copy of Inp with these fields replaced at the end of the queue. Dropped when the window is
  * null or has been destroyed. What `value` points at stays the sender's, and must live until the
@@ -217,7 +217,7 @@ void XwTimer(XwWindow* w, int32_t value, int32_t ms);
  * XwUngrabPointer. A press of another button is the last event that a grab sends to its window.
  * Outside the program's windows a grab hears motion and releases, no press. */
 
-/* `cursor` is an index into XWcursors and is shown everywhere meanwhile; outside 0..21: none. */
+/* `cursor` is an index into XWcursors and is shown everywhere until then; outside 0..21: none. */
 void XwGrabPointer(XwWindow* w, int32_t cursor);
 void XwUngrabPointer(void);
 /* The window of the grab, also of a passive one; null when there is none. */
@@ -371,7 +371,7 @@ void XwPush(XwWindow* window);
 void XwPop(void);
 /* Cuts drawing into XW to a rectangle; width or height 0: the whole window again. */
 void XwClip(uint16_t x, uint16_t y, uint16_t width, uint16_t height);
-/* After changes of a record made by hand: its clip is made anew when it is next selected. */
+/* After changes of a record made by hand: its clip is made again when it is next selected. */
 void ResetClipMask(XwWindow* w);
 
 /* ---- Colours and dashes. The current colour and the dash pattern are the program's, not the

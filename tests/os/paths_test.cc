@@ -120,29 +120,6 @@ TEST_F(Paths, AppPathIsWrittenSharedAndReadBack) {
   EXPECT_EQ(OS_SetAppPath("Tovalle"), -1);
 }
 
-TEST_F(Paths, AppPathFilesOfOthers) {
-  const struct {
-    std::string content;
-    std::string expected;
-  } rows[] = {
-      {"/Apps\r\n", "/Apps"},
-      {"/Apps\n/More\n", "/Apps"},
-      {"/Apps\r", "/Apps"},
-      {"a\rb\rc", "a\rb"},
-      {"", ""},
-      {"\n", ""},
-      {std::string("/Ap\0ps", 6), "/Ap"},
-      {std::string(300, 'p'), std::string(255, 'p')},
-      {std::string(254, 'p') + "\n", std::string(254, 'p')},
-      {std::string(255, 'p') + "\n", std::string(255, 'p')},
-  };
-  scratch.Folder("Users/Shared/Quorvik");
-  for (const auto& row : rows) {
-    scratch.File(Entry("key"), row.content);
-    EXPECT_EQ(OS_GetAppPath("key"), row.expected) << row.content;
-  }
-}
-
 TEST_F(Paths, UnknownKeysGiveTheNameOfTheFile) {
   scratch.Folder("Users/Shared/Quorvik/folder");
   mkfifo(scratch.At(Entry("pipe")).c_str(), 0666);

@@ -24,13 +24,14 @@ void* CountAndEnd(void*) {
 
 struct Own {
   std::atomic<int> handle{0};
-  std::atomic<bool> ended{false};
+  std::atomic<bool> tried{false}, ended{false};
 };
 
 void* WaitForItself(void* arg) {
   auto* own = static_cast<Own*>(arg);
   while (own->handle == 0) OS_Sleep(1);
   OS_WaitThread(own->handle);
+  own->tried = true;
   OS_Sleep(20);
   own->ended = true;
   return nullptr;
@@ -48,6 +49,7 @@ TEST(Threads, HandlesCountFromOneAndAreUsedAgain) {
   Own own;
   own.handle = OS_StartThread(WaitForItself, &own);
   EXPECT_EQ(own.handle, 1);
+  while (!own.tried) OS_Sleep(1);
   EXPECT_EQ(OS_WaitThread(own.handle), 0);
   EXPECT_TRUE(own.ended);
   EXPECT_EQ(OS_WaitThread(second), 0);

@@ -116,6 +116,7 @@ TEST_F(Commands, TicketsThatAreRefused) {
       {"copies=0\ncopies=1\n", NC_STATUS_BAD_TICKET},
       {"colour=12345\n", NC_STATUS_BAD_TICKET},
       {"colour=12345g\n", NC_STATUS_BAD_TICKET},
+      {"colour=1234567\n", NC_STATUS_BAD_TICKET},
       {"priority=0\n", NC_STATUS_BAD_TICKET},
       {"priority=101\n", NC_STATUS_BAD_TICKET},
       {"hold=2\n", NC_STATUS_BAD_TICKET},
@@ -248,14 +249,6 @@ TEST_F(Commands, PaperRunsOut) {
   EXPECT_TRUE(Becomes(fd, next, NC_JOB_PAPER_OUT));
   EXPECT_EQ(NC_RemovePrintRequest(fd, next), 1);
   EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
-}
-
-TEST_F(Commands, PaperIsLoadedByItself) {
-  StartWith("[printer]\nname=P\nrate=0\npaper=1\nsheet-bytes=10\nrefill-seconds=1\n");
-  uint8_t id[16];
-  ASSERT_EQ(Send(fd, "", "123456789012345", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
 }
 
 TEST_F(Commands, GamutFiles) {

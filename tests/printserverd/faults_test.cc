@@ -33,7 +33,11 @@ class DaemonFaults : public testing::Test {
     host_ = "127." + std::to_string(64 + (pid >> 16 & 63)) + "." + std::to_string(pid >> 8 & 255) +
             "." + std::to_string(pid & 255);
     std::ofstream(folder_ + "/config") << kConfig;
-    setenv("QUORVIK_FAULT_FILE", (folder_ + "/fault").c_str(), 1);
+    // One for the process: it stays mapped.
+    static const std::string shared = ::testing::TempDir() + "faults." + std::to_string(pid);
+    static const int removed = atexit([] { unlink(shared.c_str()); });
+    EXPECT_EQ(removed, 0);
+    setenv("QUORVIK_FAULT_FILE", shared.c_str(), 1);
   }
   ~DaemonFaults() override { std::filesystem::remove_all(folder_); }
 

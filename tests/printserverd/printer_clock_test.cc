@@ -143,6 +143,7 @@ TEST_F(PrinterClock, HoldsNothingWhoseOutputIsOnItsWay) {
     Settle();
     printer->Tick(0);
   }
+  EXPECT_EQ(queue.Find(id)->state, JobState::kPrinting);
   queue.Change(id, "hold=1\n", "", [&](Status answer) { status = answer; });
   EXPECT_EQ(status, Status::kWrongState);
   EXPECT_EQ(At(0, id).state, JobState::kDone);

@@ -169,6 +169,12 @@ TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
   EXPECT_EQ(outputs("2"), "-short -folder ");
   EXPECT_EQ(FilesIn(folder).size(), 7U);
   EXPECT_TRUE(FilesIn(folder)[2].starts_with("0000000003-")) << FilesIn(folder)[2];
+  // Nor do they come back after somebody has taken all outputs.
+  std::filesystem::remove_all(folder);
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  StartWith(config);
+  print("six");
+  EXPECT_GT(FilesIn(folder)[0], "0000000006");
 }
 
 TEST_F(Printing, AgainFromItsBeginning) {
@@ -199,6 +205,15 @@ TEST_F(Printing, AgainFromItsBeginning) {
     ASSERT_EQ(FilesIn(daemon.Path(folder)).size(), 1U);
     EXPECT_EQ(ReadWhole(daemon.Path(folder + ("/" + FilesIn(daemon.Path(folder))[0]))), "document");
   }
+  // A crash does not take its earlier output for the one that is wanted.
+  EXPECT_EQ(Tell(fd, "B", "paused=1\n"), 1);
+  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  StartWith(kTwo);
+  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
+  EXPECT_EQ(Tell(fd, "B", "paused=0\n"), 1);
+  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(FilesIn(daemon.Path("printed/b")).size(), 2U);
   // Without its document it cannot.
   std::filesystem::remove(daemon.Path("jobs/" + IdText(id) + ".doc"));
   EXPECT_EQ(Stop(SIGTERM), 0);

@@ -69,14 +69,19 @@ const std::vector<Calls>& Table() {
   return *table;
 }
 
-// The place of a call in the table.
-size_t KindOf(const char* call) {
+// A call as a number that processes can share: its kind and its place among the names of that.
+constexpr int kMostNames = 16;
+int NumberOf(const char* call) {
   for (size_t kind = 0; kind < Table().size(); ++kind) {
-    for (const char* name : Table()[kind].names) {
-      if (strcmp(name, call) == 0) return kind;
+    const auto& names = Table()[kind].names;
+    for (size_t i = 0; i < names.size(); ++i) {
+      if (strcmp(names[i], call) == 0) return static_cast<int>(kind * kMostNames + i);
     }
   }
   abort();
+}
+const Calls& KindOf(int number) {
+  return Table()[static_cast<size_t>(number / kMostNames)];
 }
 
 constexpr int kMostCalls = 1 << 16;
@@ -86,11 +91,10 @@ struct State {
   std::atomic<int> seen{0};
   std::atomic<int> target{-1};
   std::atomic<int> outcome{0};
-  std::atomic<bool> reached{false};
   std::atomic<int> error{0};
   std::atomic<bool> pending{false};  // the next call of the same name is to fail
-  char call[32] = "";
-  uint8_t kinds[kMostCalls] = {};  // of the calls, in their order
+  std::atomic<int> call{-1};         // the one that was reached
+  std::atomic<int16_t> calls[kMostCalls] = {};
 };
 
 // In the file that the environment names, or this process's own.
@@ -113,10 +117,10 @@ std::atomic<bool> armed{false};
 thread_local int exempt = 0;
 
 // The outcome of the call that was reached; null if its kind has none.
-const Outcome* Reach(const char* call, const std::vector<Outcome>& outcomes) {
+const Outcome* Reach(int call) {
   State& state = Shared();
-  strncpy(state.call, call, sizeof state.call - 1);
-  state.reached = true;
+  const std::vector<Outcome>& outcomes = KindOf(call).outcomes;
+  state.call = call;
   if (outcomes.empty()) return nullptr;
   const Outcome& outcome = outcomes[state.outcome % outcomes.size()];
   state.error = outcome.error;
@@ -129,7 +133,7 @@ std::vector<std::pair<int, int>> PairsOfLastRun() {
   std::vector<std::pair<int, int>> pairs;
   const State& state = Shared();
   for (int call = 0; call < std::min<int>(state.seen, kMostCalls); ++call) {
-    const int outcomes = static_cast<int>(Table()[state.kinds[call]].outcomes.size());
+    const int outcomes = static_cast<int>(KindOf(state.calls[call]).outcomes.size());
     for (int outcome = 0; outcome < outcomes; ++outcome) pairs.push_back({call, outcome});
   }
   return pairs;
@@ -140,13 +144,11 @@ std::vector<std::pair<int, int>> PairsOfLastRun() {
 const Outcome* NextOutcome(const char* call) {
   if (!armed || exempt > 0) return nullptr;
   State& state = Shared();
-  const size_t kind = KindOf(call);
+  const int which = NumberOf(call);
   const int number = state.seen++;
-  if (number < kMostCalls) state.kinds[number] = static_cast<uint8_t>(kind);
-  if (number == state.target) return Reach(call, Table()[kind].outcomes);
-  if (!state.pending || strcmp(state.call, call) != 0 || !state.pending.exchange(false)) {
-    return nullptr;
-  }
+  if (number < kMostCalls) state.calls[number] = static_cast<int16_t>(which);
+  if (number == state.target) return Reach(which);
+  if (!state.pending || state.call != which || !state.pending.exchange(false)) return nullptr;
   static thread_local Outcome second;
   second = {state.error, false};
   return &second;
@@ -171,8 +173,8 @@ void Fault::Begin() {
   if (begun_) return;
   begun_ = true;
   state.seen = state.error = 0;
-  state.call[0] = 0;
-  state.pending = state.reached = false;
+  state.call = -1;
+  state.pending = false;
   state.target = target_;
   state.outcome = outcome_;
   armed = true;
@@ -183,11 +185,12 @@ void Fault::End() {
 }
 
 bool Fault::happened() const {
-  return Shared().reached;
+  return Shared().call >= 0;
 }
 
 std::string Fault::call() const {
-  return Shared().call;
+  const int call = Shared().call;
+  return call < 0 ? "" : KindOf(call).names[static_cast<size_t>(call % kMostNames)];
 }
 
 int Fault::error() const {
@@ -217,8 +220,12 @@ int OpenDescriptors() {
 // How many are open when there are no more than `before`, or in the end: threads that a scenario
 // left to themselves, and peers, close theirs in their own time.
 static int SettledDescriptors(int before) {
-  for (int i = 0; i < 300 && OpenDescriptors() > before; ++i) usleep(10000);
-  return OpenDescriptors();
+  int count = OpenDescriptors();
+  for (int i = 0; i < 300 && count > before; ++i) {
+    usleep(10000);
+    count = OpenDescriptors();
+  }
+  return count;
 }
 
 int SweepFaults(const char* name, int share, const std::function<void(Fault&)>& scenario) {
@@ -229,6 +236,7 @@ int SweepFaults(const char* name, int share, const std::function<void(Fault&)>& 
   scenario(none);
   before = std::max(before, SettledDescriptors(before));
   const auto pairs = PairsOfLastRun();
+  EXPECT_GT(pairs.size(), 0U) << name << " makes no call that is wrapped";
   int runs = 0;
   for (size_t i = 0; i < pairs.size() && !testing::Test::HasFailure(); i += share) {
     Fault fault(pairs[i].first, pairs[i].second);

@@ -29,7 +29,7 @@ struct Props {
   XwWindow *main, *other, *sub, *docked, *stale;
 } props;
 
-// What calls have destroyed is made anew; what they have made goes.
+// What calls have destroyed is made again; what they have made goes.
 void Repair() {
   while (XStackCount > 0) XwPop();
   XwSet(nullptr);

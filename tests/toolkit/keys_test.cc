@@ -104,7 +104,7 @@ TEST(Keys, AreLetGoOfWithTheFocus) {
   EXPECT_EQ(XwGetKeyState('b'), 0);
 }
 
-// A window that ends takes its keys along; the next one hears of what came up meanwhile.
+// A window that ends takes its keys along; the next one hears of what came up by then.
 TEST(Keys, OfAWindowThatEndedComeUpWithoutAnEvent) {
   Open();
   Main();

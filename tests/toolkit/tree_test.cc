@@ -249,7 +249,7 @@ TEST(Tree, WindowsNestAsDeepAsMemoryAllows) {
   XwPush(deepest);
   XwFillRect(0, 0, 10, 10);
   EXPECT_NE(deepest->context, nullptr);
-  // Whatever changes above it makes its clip anew.
+  // Whatever changes above it makes its clip again.
   XwMove(chain[1], 5, 5, 100, 100);
   XwShow(chain[2], 0);
   XwSet(deepest);

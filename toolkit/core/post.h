@@ -5,8 +5,8 @@
 #include "platform/events/event.h"
 #include "toolkit/xw.h"
 
-// Their class in the queue; the payload is one XwEvent from malloc, which whoever takes the event
-// out of the queue frees.
+// Their class in the queue; the payload is one XwEvent from malloc, freed by those who take the
+// event out of the queue.
 constexpr uint32_t kToolkitEventClass = platform::FourCC("KRV ");
 
 // A copy of a record, queued. The window must be alive.
