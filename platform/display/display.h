@@ -86,8 +86,8 @@ struct Display {
   void (*grab)(const Window* w, GrabMode mode, const Cursor* cursor);
   // May be null.
   void (*beep)();
-  // The next report, without waiting. False when there is none. Also called when the descriptors
-  // show nothing, since reports may have been read with something else.
+  // The next report, all of it, without waiting. False when there is none. Also called when the
+  // descriptors show nothing, since reports may have been read with something else.
   bool (*next_event)(RawEvent* out);
   // Appends what to wait on for reports: descriptors with their poll events. May be null: the
   // display has none.

@@ -43,7 +43,8 @@ struct RawEvent {
   double time = 0;     // seconds on now()
   float x = 0, y = 0;  // relative to the buffer's corner
   float root_x = 0, root_y = 0;
-  // The program's window that lies under the pointer, whichever gets the report; null: none.
+  // Of presses and releases: the program's window that lies under the pointer, whichever gets the
+  // report; null: none.
   const Window* under = nullptr;
   float dx = 0, dy = 0;
   TabletPoint tablet{};

@@ -261,11 +261,7 @@ void TakeRawEvents() {
   // descriptor then no longer shows.
   TakeFromSources();
   while (TakePostedRawEvent(&raw)) TakeReport(raw);
-  raw = RawEvent();
-  while (d->next_event(&raw)) {
-    TakeReport(raw);
-    raw = RawEvent();
-  }
+  while (d->next_event(&raw)) TakeReport(raw);
   if (Replaying()) ReplayDue();
   UpdateActivation();
 }

@@ -140,11 +140,14 @@ void* CreateNative(const Window* w) {
 
 // Reports of a window that ends go; what they let go of is reported without one.
 void ForgetReports(const Window* w) {
-  for (RawEvent& e : Headless().raw) {
+  State& s = Headless();
+  s.raw.erase(s.raw.begin(), s.raw.begin() + long(s.next));
+  s.next = 0;
+  for (RawEvent& e : s.raw) {
     if (e.under == w) e.under = nullptr;
     if (e.window == w && IsRelease(e.type)) e.window = nullptr;
   }
-  std::erase_if(Headless().raw, [w](const RawEvent& e) { return e.window == w; });
+  std::erase_if(s.raw, [w](const RawEvent& e) { return e.window == w; });
 }
 
 void DestroyNative(const Window* w) {
@@ -264,8 +267,11 @@ bool NextEvent(RawEvent* out) {
   State& s = Headless();
   LookAtNewWindows();
   if (s.raw.empty()) return false;
-  *out = s.raw.front();
-  s.raw.pop_front();
+  *out = s.raw[s.next++];
+  if (s.next == s.raw.size()) {
+    s.raw.clear();
+    s.next = 0;
+  }
   // The windows follow the screens, those made in the meantime too.
   if (out->type == RawEvent::kScreens) {
     for (const Window* w : s.windows) FollowScreen(w);

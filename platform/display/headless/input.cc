@@ -23,15 +23,20 @@ RawEvent Report(RawEvent::Type type, const Window* w) {
   return raw;
 }
 
-const Window* UnderPointer() {
-  State& s = Headless();
-  const Point device{DeviceEdge(s.x, s.scale), DeviceEdge(s.y, s.scale)};
-  for (const Window* w : s.stack) {
-    Rect r = w->content;
-    r.top -= w->menu_bar_height;
-    const bool same = w->surface.scale == s.scale;
-    if (same ? r.contains({s.x, s.y}) : DeviceBounds(*w).contains(device)) return w;
+// The pointer is a logical place of one scale: windows of that scale are asked in logical pixels.
+bool HasPointer(const Window& w) {
+  const State& s = Headless();
+  if (w.surface.scale == s.scale) {
+    Rect r = w.content;
+    r.top -= w.menu_bar_height;
+    return r.contains({s.x, s.y});
   }
+  return DeviceBounds(w).contains({DeviceEdge(s.x, s.scale), DeviceEdge(s.y, s.scale)});
+}
+
+const Window* UnderPointer() {
+  for (const Window* w : Headless().stack)
+    if (HasPointer(*w)) return w;
   return nullptr;
 }
 
@@ -48,15 +53,18 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   State& s = Headless();
   RawEvent raw = Report(type, w);
   if (!w) return raw;
-  raw.under = UnderPointer();
-  const DeviceRect at = DeviceBounds(*w);
-  const bool same = w->surface.scale == s.scale;
+  if (type == RawEvent::kPress || type == RawEvent::kRelease) raw.under = UnderPointer();
   const int root_x = DeviceEdge(s.x, s.scale), root_y = DeviceEdge(s.y, s.scale);
   raw.root_x = float(root_x);
   raw.root_y = float(root_y);
-  raw.x = float(same ? DeviceEdge(s.x - w->content.left, s.scale) : root_x - at.left);
-  raw.y = float(same ? DeviceEdge(s.y - w->content.top + w->menu_bar_height, s.scale)
-                     : root_y - at.top);
+  if (w->surface.scale == s.scale) {
+    raw.x = float(DeviceEdge(s.x - w->content.left, s.scale));
+    raw.y = float(DeviceEdge(s.y - w->content.top + w->menu_bar_height, s.scale));
+  } else {
+    const DeviceRect at = DeviceBounds(*w);
+    raw.x = float(root_x - at.left);
+    raw.y = float(root_y - at.top);
+  }
   return raw;
 }
 
@@ -81,6 +89,7 @@ void PushPointer(const RawEvent& raw) {
     RawEvent missed = raw;
     missed.type = RawEvent::kRelease;
     missed.button = uint8_t(button);
+    missed.under = UnderPointer();
     PushRelease(missed);
   }
   if (release) return PushRelease(raw);
@@ -89,12 +98,12 @@ void PushPointer(const RawEvent& raw) {
   Push(raw);
 }
 
-// Tells the window that the pointer has left of it.
-void LeaveWindow() {
+// Tells the window that the pointer has left of it. The window that hears of the pointer now.
+const Window* LeaveWindow() {
   State& s = Headless();
   const Window* now = PointerTarget();
   if (s.entered && s.entered != now) PushPointer(PointerReport(RawEvent::kLeave, s.entered));
-  s.entered = now;
+  return s.entered = now;
 }
 
 // A menu has the keyboard as well.
@@ -124,8 +133,8 @@ static void MoveTo(int x, int y, double scale) {
   s.x = x;
   s.y = y;
   s.scale = scale;
-  LeaveWindow();
-  PushPointer(PointerReport(RawEvent::kMotion));
+  const Window* target = LeaveWindow();
+  PushPointer(PointerReport(RawEvent::kMotion, target));
 }
 
 void MovePointer(int x, int y) {

@@ -24,7 +24,8 @@ struct State {
   bool open = false;
   std::vector<Screen> screens;  // main first
   bool unseen = false;          // a window is new
-  std::deque<RawEvent> raw;
+  std::vector<RawEvent> raw;    // not handed out: those from `next` on
+  size_t next = 0;
   std::deque<std::string> paths;       // of open requests, in the order of `raw`
   std::string path;                    // the one handed out last
   std::vector<const Window*> stack;    // front first

@@ -54,7 +54,7 @@ PointerDevice* FindDevice(int id) {
 
 RawEvent* EmitPointer(RawEvent::Type type, Native* n, const PointerEvent& e) {
   RawEvent* out = Emit(type, n, e.time);
-  out->under = n->w;
+  if (type == RawEvent::kPress || type == RawEvent::kRelease) out->under = n->w;
   out->x = float(e.x);
   out->y = float(e.y);
   out->root_x = float(e.root_x);
