@@ -24,7 +24,7 @@ TEST_F(Cli, TicketsAndDocuments) {
       "colour=0a0b0c\n\n";
   EXPECT_EQ(Requests(), (Strings{kOne + " document=a.txt\n" + rest + "text",
                                  kTwo + " document=empty\n" + rest}));
-  EXPECT_EQ(outcome.out, kOne + " 41 d41, ann\n" + kTwo + " 42 ?x, ann\n");
+  EXPECT_EQ(outcome.out, kOne + " 41 d41, ann\n" + kTwo + " 42 \\u{001B}x, ann\n");
 
   const std::string plain = "owner=ann\ncopies=1\npriority=50\nhold=0\n\n";
   const struct {
