@@ -266,12 +266,12 @@ void SetWindowGroupParent(WindowGroupRef group, WindowGroupRef parent) {
 void SetWindowGroup(WindowRef w, WindowGroupRef group) {
   if (!IsValidWindow(w) || !group) return;
   w->group = group;
-  uint32_t state = w->state;
+  uint32_t bits = w->state;
   if (w->window_class == kSimpleWindowClass && (group->attributes & kWindowGroupAttrMoveTogether))
-    state |= kStateDocked;
-  if (group->window_class == kModalWindowClass) state |= kStateModal;
-  if (state == w->state) return;
-  w->state = state;
+    bits |= kStateDocked;
+  if (group->window_class == kModalWindowClass) bits |= kStateModal;
+  if (bits == w->state) return;
+  w->state = bits;
   Hints(w);
 }
 
