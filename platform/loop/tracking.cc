@@ -80,11 +80,13 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   bool asked = false;
   WaitEnd result = WaitEnd::kDone;
   Event e;
-  while (!done(tracker->data)) {
+  for (;;) {
+    // First, since what `done` looks at may have gone with the owner.
     if (!OwnerLives(*tracker)) {
       result = WaitEnd::kOwnerEnded;
       break;
     }
+    if (done(tracker->data)) break;
     const double now = GetCurrentEventTime();
     if (timeout >= 0 && asked && now >= end) {
       result = WaitEnd::kTimeout;

@@ -19,7 +19,7 @@ enum WindowRegionCode : int {
 };
 
 // Null when the display refuses. Created hidden. The first window of the process carries the menu
-// menu bar above its content.
+// bar above its content.
 WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& content);
 // A window without a frame that lies above its parent, beside a rectangle of it, and never gets the
 // focus. Created hidden; it is hidden with its parent, and cannot be shown once that has ended.

@@ -93,7 +93,7 @@ TEST(RecordLine, TakesAnyBytes) {
   }
 }
 
-TEST(Journal, AFaultyFileIsToldAndNothingBegins) {
+TEST(Record, AFaultyFileIsToldAndNothingBegins) {
   const struct {
     const char* content;
     const char* told;
@@ -101,18 +101,18 @@ TEST(Journal, AFaultyFileIsToldAndNothingBegins) {
                {"xw-record 2\n", "is no recording"},
                {"xw-record 1\n0.1 press w1\n0.2 nothing\n", "line 3 is faulty"},
                {"xw-record 1\n0.2 press w1\n\n0.1 press w1\n", "line 4 is faulty"}};
-  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
   setenv("XW_DISPLAY", "headless", 1);
   setenv("XW_REPLAY", file.c_str(), 1);
   for (const auto& row : kRows) {
     std::ofstream(file) << row.content;
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(InitPlatform("journal"));
+    EXPECT_FALSE(InitPlatform("record"));
     EXPECT_NE(testing::internal::GetCapturedStderr().find(row.told), std::string::npos);
   }
   remove(file.c_str());
   testing::internal::CaptureStderr();
-  EXPECT_FALSE(InitPlatform("journal"));
+  EXPECT_FALSE(InitPlatform("record"));
   EXPECT_NE(testing::internal::GetCapturedStderr().find("No such file"), std::string::npos);
   unsetenv("XW_REPLAY");
 }
@@ -131,7 +131,7 @@ void Ask(EventLoopTimerRef, void* data) {
 // The number of the asking that took the result up.
 int AskTwice(const char* variable, const std::string& file, int ready) {
   setenv(variable, file.c_str(), 1);
-  EXPECT_TRUE(OpenRecord("journal"));
+  EXPECT_TRUE(OpenRecord("record"));
   unsetenv(variable);
   Asker asker{ready};
   const EventLoopTimerRef timers[] = {InstallEventLoopTimer(0.1, 0, Ask, &asker),
@@ -143,11 +143,11 @@ int AskTwice(const char* variable, const std::string& file, int ready) {
   return asker.taken;
 }
 
-TEST(Journal, AResultIsTakenUpAtTheSameAskingOfAMoment) {
+TEST(Record, AResultIsTakenUpAtTheSameAskingOfAMoment) {
   setenv("XW_DISPLAY", "headless", 1);
   headless::UseSteppedClock(1000);
-  ASSERT_TRUE(InitPlatform("journal"));
-  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  ASSERT_TRUE(InitPlatform("record"));
+  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
   for (const int recorded : {1, 2}) {
     EXPECT_EQ(AskTwice("XW_RECORD", file, recorded), recorded);
     for (const int ready : {1, 2, 3}) EXPECT_EQ(AskTwice("XW_REPLAY", file, ready), recorded);
@@ -156,15 +156,15 @@ TEST(Journal, AResultIsTakenUpAtTheSameAskingOfAMoment) {
 }
 
 // On a real clock timers are due all the time; none fires among what was recorded together.
-TEST(Journal, TimersWaitForWhatIsPlayedTogether) {
+TEST(Record, TimersWaitForWhatIsPlayedTogether) {
   setenv("XW_DISPLAY", "headless", 1);
-  ASSERT_TRUE(InitPlatform("journal"));
-  const std::string file = testing::TempDir() + "journal-" + std::to_string(getpid());
+  ASSERT_TRUE(InitPlatform("record"));
+  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
   const WindowRef window = CreateNewWindow(kDocumentWindowClass, 0, {100, 100, 300, 300});
   setenv("XW_REPLAY", file.c_str(), 1);
   std::ofstream(file) << "xw-record 1\n0.02 press w1 x=9 y=9 button=1\n"
                          "0.02 release w1 x=9 y=9 button=1\n9 quit\n";
-  ASSERT_TRUE(OpenRecord("journal"));
+  ASSERT_TRUE(OpenRecord("record"));
   int fired = 0, at_press = -1;
   InstallEventLoopTimer(
       0, 1e-6, [](EventLoopTimerRef, void* count) { ++*static_cast<int*>(count); }, &fired);
