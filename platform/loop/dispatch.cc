@@ -4,7 +4,7 @@
 
 #include "platform/events/queue.h"
 #include "platform/events/targets.h"
-#include "platform/loop/tracking.h"
+#include "platform/events/trackers.h"
 #include "platform/windows/windows.h"
 
 namespace platform {

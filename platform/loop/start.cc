@@ -13,6 +13,7 @@
 #include "platform/events/clock.h"
 #include "platform/events/raw_event.h"
 #include "platform/events/sources.h"
+#include "platform/events/trackers.h"
 #include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/font_library.h"
@@ -20,7 +21,6 @@
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
-#include "platform/loop/tracking.h"
 #include "platform/menus/menu_bar.h"
 #include "platform/windows/internal.h"
 
@@ -79,7 +79,7 @@ bool InitPlatform(const char* name) {
 void FinishPlatform() {
   const Display* d = CurrentDisplay();
   if (!d) return;
-  FinishTracking();
+  FinishTrackers();
   FinishReceive();
   FinishWindows();
   FinishMenus();

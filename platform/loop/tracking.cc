@@ -11,15 +11,6 @@
 namespace platform {
 namespace {
 
-struct TrackingState {
-  std::vector<Tracker*> trackers;  // oldest first
-};
-TrackingState state;
-
-bool OwnerLives(const Tracker& t) {
-  return !t.owner || (IsLiveObject(t.owner) && t.owner->serial == t.owner_serial);
-}
-
 // Collects what lies by, and puts it before everything else at the end.
 class NestedWait {
  public:
@@ -51,28 +42,6 @@ class NestedWait {
 
 }  // namespace
 
-bool trackers_wait = false;
-
-void StartTracking(Tracker* tracker) {
-  if (!tracker) return;
-  StopTracking(tracker);
-  tracker->owner_serial = tracker->owner ? tracker->owner->serial : 0;
-  state.trackers.push_back(tracker);
-  trackers_wait = true;
-}
-
-void StopTracking(Tracker* tracker) {
-  std::erase(state.trackers, tracker);
-}
-
-Tracking AskNewestTracker(Event* event) {
-  std::erase_if(state.trackers, [](const Tracker* t) { return !OwnerLives(*t); });
-  trackers_wait = !state.trackers.empty();
-  if (!trackers_wait) return Tracking::kPass;
-  const Tracker* t = state.trackers.back();
-  return t->ask(t->data, event);
-}
-
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout) {
   StartTracking(tracker);
   NestedWait wait;
@@ -82,7 +51,7 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   Event e;
   for (;;) {
     // First, since what `done` looks at may have gone with the owner.
-    if (!OwnerLives(*tracker)) {
+    if (!TrackerLives(*tracker)) {
       result = WaitEnd::kOwnerEnded;
       break;
     }
@@ -111,11 +80,6 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   }
   StopTracking(tracker);
   return result;
-}
-
-void FinishTracking() {
-  state = TrackingState();
-  trackers_wait = false;
 }
 
 }  // namespace platform

@@ -1,45 +1,14 @@
-// Trackers, which see events before all handlers, and the nested waits. Menus, drags and held
-// controls are state machines: they are asked about events and never receive any themselves. All
-// nested waits of the platform stand here.
+// The nested waits of the platform: all of them stand here. What they wait for are state machines,
+// which are asked about events as trackers.
 #pragma once
-#include "platform/events/event.h"
-#include "platform/objects/object.h"
+#include "platform/events/trackers.h"
 
 namespace platform {
-
-// What a tracker says about an event.
-enum class Tracking : uint8_t {
-  kPass,   // it is not the tracker's: the handlers get it
-  kTake,   // the tracker has dealt with it
-  kLater,  // as kPass; in a nested wait of the tracker it lies by until the wait is over
-};
-
-// Asked for each event of the platform, never for a program's own. Kept by whoever tracks.
-struct Tracker {
-  Tracking (*ask)(void* data, Event* event) = nullptr;
-  void* data = nullptr;
-  // The tracker ends with this object; null: with nobody.
-  const Object* owner = nullptr;
-  uint64_t owner_serial = 0;  // set by the calls below
-};
-
-// The newest is asked first, and only that one. One that is there already moves to the front; null
-// is ignored.
-void StartTracking(Tracker* tracker);
-void StopTracking(Tracker* tracker);
-// Of the newest tracker whose owner is alive; kPass when there is none.
-extern bool trackers_wait;  // there may be one
-Tracking AskNewestTracker(Event* event);
-inline Tracking AskTracker(Event* event) {
-  return trackers_wait ? AskNewestTracker(event) : Tracking::kPass;
-}
 
 enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 // Receives and dispatches events until `done` is true, with `tracker` as the newest. A program's
 // own events and those that the tracker wants later lie by, in order: purging, removing and merging
 // see them, and they come first afterwards. `timeout` in seconds, as for ReceiveNextEvent.
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout);
-
-void FinishTracking();
 
 }  // namespace platform

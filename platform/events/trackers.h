@@ -1,0 +1,40 @@
+// Trackers, which see the platform's events before all handlers. Menus, drags and held controls are
+// state machines: they are asked about events and never receive any themselves.
+#pragma once
+#include "platform/events/event.h"
+#include "platform/objects/object.h"
+
+namespace platform {
+
+// What a tracker says about an event.
+enum class Tracking : uint8_t {
+  kPass,   // it is not the tracker's: the handlers get it
+  kTake,   // the tracker has dealt with it
+  kLater,  // as kPass; in a nested wait of the tracker it lies by until the wait is over
+};
+
+// Asked for each event of the platform, never for a program's own. Kept by whoever tracks.
+struct Tracker {
+  Tracking (*ask)(void* data, Event* event) = nullptr;
+  void* data = nullptr;
+  // The tracker ends with this object; null: with nobody.
+  const Object* owner = nullptr;
+  uint64_t owner_serial = 0;  // set by StartTracking
+};
+
+// The newest is asked first, and only that one. One that is there already moves to the front; null
+// is ignored.
+void StartTracking(Tracker* tracker);
+void StopTracking(Tracker* tracker);
+// Whether its owner is alive.
+bool TrackerLives(const Tracker& tracker);
+// Of the newest tracker whose owner is alive; kPass when there is none.
+extern bool trackers_wait;  // there may be one
+Tracking AskNewestTracker(Event* event);
+inline Tracking AskTracker(Event* event) {
+  return trackers_wait ? AskNewestTracker(event) : Tracking::kPass;
+}
+
+void FinishTrackers();
+
+}  // namespace platform
