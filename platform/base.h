@@ -67,6 +67,9 @@ struct Context;
 using ContextRef = Context*;
 struct Cursor;
 using CursorRef = Cursor*;
+struct Control;
+using ControlRef = Control*;
+struct WindowControls;  // what the controls' room keeps of a window
 struct Event;
 struct HandlerCall;  // reserved for calling the next handler; may be passed on unread
 using EventHandler = OSStatus (*)(HandlerCall* call, Event* event, void* user_data);

@@ -281,9 +281,10 @@ struct XwWindow {
   XwWindow* linked_by;   /* the record whose `linked` this is */
   uint64_t serial;       /* never given twice, though a record may take a place used before */
   void (*scroll_handler)(float dx, float dy);
+  void* pane;            /* sub-windows: the platform's part of the window, once it has controls */
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
-enum { XW_DOCKED = 1 };                                                /* flags2 */
+enum { XW_DOCKED = 1, XW_HAS_PANES = 2 };                              /* flags2 */
 
 extern XwWindow* W_Root;  /* parent of the top-level windows */
 extern XwWindow* W_Start; /* the first window; never changes */
@@ -324,14 +325,20 @@ void XwShow(XwWindow* window, int show);
 void XwEnable(XwWindow* window, int enable);
 /* Keys go to the window (of a control: to its top-level window, and the control gets the caret). */
 void XwSetFocus(XwWindow* window);
-/* Title of a top-level window, Mac Roman. */
+/* Title of a top-level window, text of a control; Mac Roman. Style bits of a control may append to
+ * it. Null: the empty text. Ignored for a sub-window. */
 void XwSetText(XwWindow* window, const char* text);
-/* The same in UTF-8, of every script; cut to 4096 bytes. */
+/* Title of a top-level window in UTF-8, of every script; cut to 4096 bytes. */
 void XwSetTextUtf8(XwWindow* window, const char* utf8);
 /* Of a top-level window: 1 puts a mark before the shown title, the document has changes; 0 takes it
- * away. */
+ * away. Of a control: its value, cut to its kind's range. */
 void XwSetValue(XwWindow* window, XwValue value);
-/* Copies the title of a top-level window (without the mark) to `dst`, 256 bytes, and returns it. */
+/* The value of a control as the platform has it: 0 for those that the toolkit draws. 0 for windows
+ * and null. */
+int32_t XwGetValue(XwWindow* window);
+/* Copies the title of a top-level window (without the mark) to `dst`, 256 bytes, and returns it. Of
+ * a control: its length in the first byte and then the title, without an ending zero; length 0
+ * where it has none. The empty string for a sub-window and null. Null `dst`: null. */
 char* XwGetText(XwWindow* window, char* dst);
 /* The background that erasing paints. `colour` not null: that colour value. Else a theme brush by
  * code: 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
@@ -342,6 +349,85 @@ void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
  * dispatches nothing, let its wheel turn nothing. */
 typedef void (*XwScrollHandler)(float dx, float dy);
 void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
+
+/* ==== Controls ==================================================================================
+ *
+ * A control is a record of its own kind in a top-level window or a sub-window. It draws itself,
+ * tracks the pointer and the keyboard by itself, and reports to its parent: 783 with its id as
+ * item. The parent's handler never sees the press. One with id 0 reports nothing.
+ *
+ * Tab goes from control to control in the order of creation; Space and Return press the one with
+ * the keyboard; Alt and the first letter of a text press the first control that has it. A report
+ * that a key has caused takes the place of that key's event. */
+
+/* Kinds of records beside 0 (top-level) and 12 (sub-window). */
+enum {
+  XWK_BUTTON = 1, XWK_CHECK_BOX = 2, XWK_EDIT = 3, XWK_COMBO = 4, XWK_LABEL = 5, XWK_SCROLL = 7,
+  XWK_COLOR = 8, XWK_LIST = 9
+};
+/* The style word. Bits 20 to 23 mean something else for each kind. */
+enum {
+  XWC_CENTER = 0x100, XWC_RIGHT = 0x200, XWC_LEFT = 0x400, /* text of a label, of a drawn button */
+  XWC_SORT_DOWN = 0x800,    /* list header: the mark of value 1 points down */
+  XWC_ENABLED = 0x10000,    /* only an enabled control reports */
+  XWC_VISIBLE = 0x20000,
+  XWC_DOTS = 0x40000,       /* its text gets " ..." appended */
+  XWC_COLON = 0x80000,      /* its text gets ":" appended, behind the dots */
+  XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken */
+  XWC_ICON = 0x200000,      /* button, label: the text argument is an XwIcon*. Well: a bevel */
+  XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */
+  XWC_HEADER = 0x800000,    /* button: the head of a column */
+  XWC_OWN_TEXT = 0xC00000   /* of a button: the toolkit draws its text */
+};
+
+/* A push button of w - 6 by h - 4 pixels inside the rectangle, whose record is h + 3 high; with
+ * XWC_VARIANT a bevel button (pressed while `value` is not 0); with XWC_ICON, XWC_MENU or
+ * XWC_HEADER one that the toolkit draws. `text` is copied; as an icon it stays the caller's. A menu
+ * button reports the command that was chosen as item; its menu (an XwMenuItem*) stays the caller's.
+ * A list header has a value: 1 pressed with a sorting mark, 2 pressed, -1 greyed. A press of the
+ * secondary button reports at once. Null for a null parent, or one that is no window. */
+XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
+                   uint32_t style, XwValue value);
+/* 16 pixels high at y + 2, as wide as its text needs. Value 0 off, 1 on, 2 mixed; a press turns it
+ * on or off, a radio button on: the others of its group are the program's. */
+XwWindow* XwCheckBox(XwWindow* parent, const char* text, int32_t id, int x, int y, uint32_t style,
+                     int32_t value);
+/* A field of one colour (a colour value). A press reports; the program chooses another colour and
+ * sets it with XwSetValue. */
+XwWindow* XwColor(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
+                  uint32_t style, int32_t colour);
+/* A line of text in the middle of the height, centred unless XWC_LEFT or XWC_RIGHT. A press on one
+ * with an id reports, with value -1. With XWC_ICON an icon that is pressed like a button. */
+XwWindow* XwLabel(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
+                  uint32_t style);
+
+/* One control of a list that ends with type 0. */
+typedef struct XwDialogItem {
+  uint8_t type;      /* 1 button, 2 check box, 5 label, 8 colour well; others are skipped */
+  const char* text;  /* null: "" */
+  int16_t id;
+  int16_t x, y;      /* negative: from the parent's right and lower edge */
+  int16_t width, height;
+  uint32_t style;
+  XwValue value;
+  int32_t minimum, maximum, line, page;
+} XwDialogItem;
+/* Makes them all in `parent`. (dx, dy) is added to places that are not negative. */
+void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx, int32_t dy);
+
+/* The control with the keyboard in the window's top-level window; null when none has it. */
+XwWindow* XwGetFocus(XwWindow* window);
+/* Gives the keyboard to a control that shows and is enabled, and the keys to its window. Ignored
+ * for labels that are text. */
+void XwFocusControl(XwWindow* control);
+/* In the top-level window of `window`: Return presses `ok`, which looks like it, and Escape presses
+ * `cancel`, when the control with the keyboard does not take the key. Null: none. */
+void XwSetDefaultButtons(XwWindow* window, XwWindow* ok, XwWindow* cancel);
+/* 0: Tab moves nothing in the top-level window; the program does it in its 513. 1 at creation. */
+void XwSetTab(XwWindow* window, int on);
+/* What a control is called for those who cannot see it, in UTF-8, copied. Null: by its own text, or
+ * that of the label made before it. */
+void XwDescribeControl(XwWindow* control, const char* name);
 
 /* ==== Hit boxes =================================================================================
  *
@@ -536,6 +622,17 @@ extern XwIcon IC_OPT_MENU[1];                                       /* 7 x 16 */
 extern XwIcon IC_CHECKBOX[1];                                       /* 16 x 16 */
 extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 */
 
+/* A part of an outline: (x, y) is its end, the others are control points of curves. In the pixels
+ * of the icon, y down. */
+enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
+typedef struct XwPathPart {
+  uint8_t verb;
+  float x, y, x1, y1, x2, y2;
+} XwPathPart;
+/* Gives an icon an outline, filled even-odd, in place of its bits where buttons show it: it is
+ * sharp at every scale. Copied. Null or a count below 1 takes it away; a verb that is none and a
+ * number that is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
+void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count);
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);
 /* Fills the rectangle with copies of the icon, from its bottom-left corner to the right and up; w
@@ -586,6 +683,28 @@ inline void XwSetValue(XwWindow* w, const void* value) {
   XwSetValue(w, reinterpret_cast<XwValue>(value));
 }
 inline void XwSetValue(XwWindow* w, int value) { XwSetValue(w, XwValue(value)); }
+inline XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y, int w,
+                          int h, uint32_t style, int value) {
+  return XwButton(parent, text, id, x, y, w, h, style, XwValue(value));
+}
+inline XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y, int w,
+                          int h, uint32_t style, const void* menu) {
+  return XwButton(parent, text, id, x, y, w, h, style, reinterpret_cast<XwValue>(menu));
+}
+inline XwWindow* XwButton(XwWindow* parent, const XwIcon* icon, int32_t id, int x, int y, int w,
+                          int h, uint32_t style, int value) {
+  return XwButton(parent, reinterpret_cast<const char*>(icon), id, x, y, w, h, style,
+                  XwValue(value));
+}
+inline XwWindow* XwButton(XwWindow* parent, const XwIcon* icon, int32_t id, int x, int y, int w,
+                          int h, uint32_t style, const void* menu) {
+  return XwButton(parent, reinterpret_cast<const char*>(icon), id, x, y, w, h, style,
+                  reinterpret_cast<XwValue>(menu));
+}
+inline XwWindow* XwLabel(XwWindow* parent, const XwIcon* icon, int32_t id, int x, int y, int w,
+                         int h, uint32_t style) {
+  return XwLabel(parent, reinterpret_cast<const char*>(icon), id, x, y, w, h, style);
+}
 #endif
 
 #endif

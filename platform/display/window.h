@@ -54,6 +54,8 @@ struct Window {
   Region lost;  // content that a redraw was asked for, logical
   double draw_since = 0;
   CursorRef cursor = nullptr;
+  // --- The controls in it; null while there are none.
+  WindowControls* controls = nullptr;
   // --- The display's handle, which no other room looks into.
   void* native = nullptr;
   // --- As the display reports it.

@@ -28,6 +28,8 @@ enum : uint32_t {
   kEventRawKeyUp = 3,
   kEventRawKeyModifiersChanged = 4,
   kEventWindowDrawContent = 2,
+  kEventWindowActivated = 5,  // it looks active from now on
+  kEventWindowDeactivated = 6,
   kEventWindowBoundsChanging = 26,
   kEventWindowBoundsChanged = 27,
   kEventWindowClickResizeRgn = 33,
@@ -38,11 +40,16 @@ enum : uint32_t {
   kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
   kEventWindowCreated = 2000,         // sent to the application
   kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27
+  kEventWindowEnding = 2002,          // the last that its handlers hear
   kEventAppActivated = 1,
   kEventAppDeactivated = 2,
   kEventAppleEvent = 1,
   kEventCommandProcess = 1,
   kEventMenuOpening = 4,
+  kEventControlHit = 1,                   // a press or a key has done its work
+  kEventControlSetFocusPart = 7,          // the keyboard comes (a part) or goes (0)
+  kEventControlContextualMenuClick = 12,  // a press of the secondary button
+  kEventControlClick = 13,  // a press of the primary button; one that is taken is not tracked
   kEventSystemDisplayReconfigured = 4,  // the main screen has another size or scale
 };
 
@@ -87,6 +94,7 @@ struct KeyFields {
   uint32_t keysym, base_keysym, native_code;
   uint8_t character;          // of the toolkit's set; 0 none
   char text[kTypedText + 1];  // UTF-8 that it typed, cut between characters; "" for a release
+  bool ignored;               // a handler wants the platform to do nothing with it
 };
 struct BoundsFields {
   Rect original, current;  // content, global
@@ -101,6 +109,12 @@ struct RequestFields {
   int file_count;
 };
 
+struct ControlFields {
+  ControlRef control;
+  int part;     // of the focus, else 0
+  bool by_key;  // the keyboard has pressed it
+};
+
 // One platform event. `cls` and `kind` say which member of the union is valid.
 struct Event {
   uint32_t cls = 0, kind = 0;
@@ -112,6 +126,7 @@ struct Event {
     KeyFields key;
     BoundsFields bounds;
     RequestFields request;
+    ControlFields control;
   };
   // A program's own event: whoever receives it owns the payload.
   bool posted() const { return payload && cls != kEventClassAppleEvent; }

@@ -91,10 +91,12 @@ void LayOutText(const SizedFont* font, std::string_view utf8, TextLine* line,
                 int64_t enough = INT64_MAX);
 // Keeps the first `n` clusters.
 void CutLine(TextLine* line, size_t n);
-// As DrawGlyphs. The line must have been laid out with this font.
-void DrawLine(ContextRef c, SizedFont* font, int x, int y, const TextLine& line, uint32_t rgb);
+// As DrawGlyphs, with `alpha` 0..255. The line must have been laid out with this font.
+void DrawLine(ContextRef c, SizedFont* font, int x, int y, const TextLine& line, uint32_t rgb,
+              int alpha = 255);
 // Lays out and draws.
-void DrawUtf8(ContextRef c, SizedFont* font, int x, int y, std::string_view utf8, uint32_t rgb);
+void DrawUtf8(ContextRef c, SizedFont* font, int x, int y, std::string_view utf8, uint32_t rgb,
+              int alpha = 255);
 
 // Frees faces, sized fonts, masks and the finder's answers. What was given out is then dead; fonts
 // can be found again at once.

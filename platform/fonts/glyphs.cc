@@ -145,10 +145,32 @@ void PaintWhole(const Context* c, const uint8_t* mask, const Glyph& g, int x, in
   }
 }
 
+// The same with a share of the coverage.
+void PaintPale(const Context* c, const uint8_t* mask, int stride, int x, int y,
+               const DeviceRect& part, uint32_t color, uint32_t alpha) {
+  for (int py = part.top; py < part.bottom; ++py) {
+    const uint8_t* in = mask + int64_t(py - y) * stride - x;
+    uint32_t* out = c->row(py);
+    for (int px = part.left; px < part.right; ++px)
+      if (const uint32_t coverage = (in[px] * alpha + 127) / 255)
+        out[px] = Blend(out[px], color, coverage);
+  }
+}
+
+struct Ink {
+  uint32_t color;
+  uint32_t alpha;  // 0..255
+};
+
 void PaintGlyph(const Context* c, const GlyphSet& set, const Glyph& g, int x, int y,
-                const pixman_box32_t* whole, uint32_t color) {
+                const pixman_box32_t* whole, Ink ink) {
+  const uint32_t color = ink.color;
   DeviceRect r{x, y, x + g.width, y + g.rows};
   const uint8_t* mask = set.masks.data() + g.offset;
+  if (ink.alpha < 255)
+    return ForEachPart(c, r, [&](const DeviceRect& part) {
+      PaintPale(c, mask, g.stride, x, y, part, color, ink.alpha);
+    });
   if (whole && r.left >= whole->x1 && r.left + g.stride <= whole->x2 && r.top >= whole->y1 &&
       r.bottom <= whole->y2)
     return PaintWhole(c, mask, g, x, y, color);
@@ -199,11 +221,10 @@ namespace {
 // Draws what `each` names: it calls its argument with a slot, the sum of the advances before it and
 // its own, until that says false.
 template <typename Each>
-void DrawEach(ContextRef c, SizedFont* font, int x, int y, uint32_t rgb, Each each) {
+void DrawEach(ContextRef c, SizedFont* font, int x, int y, Ink ink, Each each) {
   int baseline = EdgeY(c, y);
   GlyphSet* set = SetFor(font, c->scale);
   const pixman_box32_t* whole = c->box_count == 1 ? c->boxes : nullptr;
-  uint32_t color = 0xFF000000u | rgb;
   // Device position of the pen = (origin * em + sum * size) * scale / em, rounded.
   double unit = double(std::clamp(font->size, 0, 1 << 24)) * c->scale / font->face->units.per_em;
   double pen = double(int64_t{x} + c->origin_x) * c->scale + 0.5;
@@ -217,7 +238,7 @@ void DrawEach(ContextRef c, SizedFont* font, int x, int y, uint32_t rgb, Each ea
     const Glyph& g = GlyphOf(font, set, slot);
     if (!g.width) return true;
     int left = at + g.left;
-    PaintGlyph(c, *set, g, left, baseline - g.top, whole, color);
+    PaintGlyph(c, *set, g, left, baseline - g.top, whole, ink);
     box.left = std::min(box.left, left);
     box.right = std::max(box.right, left + g.width);
     return true;
@@ -233,7 +254,7 @@ void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, s
                 uint32_t rgb) {
   if (!Ready(c) || !text || !OpenSized(font)) return;
   const int32_t* advances = font->face->toolkit->advances;
-  DrawEach(c, font, x, y, rgb, [=](auto draw) {
+  DrawEach(c, font, x, y, {0xFF000000u | rgb, 255}, [=](auto draw) {
     int64_t sum = 0;
     for (size_t i = 0; i < n; ++i) {
       const uint8_t character = uint8_t(text[i]);
@@ -243,9 +264,11 @@ void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, s
   });
 }
 
-void DrawLine(ContextRef c, SizedFont* font, int x, int y, const TextLine& line, uint32_t rgb) {
+void DrawLine(ContextRef c, SizedFont* font, int x, int y, const TextLine& line, uint32_t rgb,
+              int alpha) {
   if (!Ready(c) || !OpenSized(font)) return;
-  DrawEach(c, font, x, y, rgb, [&line](auto draw) {
+  const Ink ink{0xFF000000u | rgb, uint32_t(std::clamp(alpha, 0, 255))};
+  DrawEach(c, font, x, y, ink, [&line](auto draw) {
     for (const LineGlyph& g : line.glyphs)
       if (!draw(g.slot, g.pen, g.advance)) return;
   });

@@ -143,10 +143,11 @@ void CutLine(TextLine* line, size_t n) {
   line->clusters.resize(n + 1);
 }
 
-void DrawUtf8(ContextRef c, SizedFont* font, int x, int y, std::string_view utf8, uint32_t rgb) {
+void DrawUtf8(ContextRef c, SizedFont* font, int x, int y, std::string_view utf8, uint32_t rgb,
+              int alpha) {
   TextLine line;
   LayOutText(font, utf8, &line);
-  DrawLine(c, font, x, y, line, rgb);
+  DrawLine(c, font, x, y, line, rgb, alpha);
 }
 
 }  // namespace platform

@@ -80,5 +80,8 @@ void TileBitmap(ContextRef c, const Bitmap* b, bool inverted, int x, int y, int 
 void FillRoundRect(ContextRef c, const Rect& r, int radius, uint32_t rgb, int alpha);
 // The outline, one pen wide, inside the same rectangle.
 void FrameRoundRect(ContextRef c, const Rect& r, int radius, uint32_t rgb, int alpha);
+// The same, `width` logical pixels wide (1..64).
+void FrameRoundRectWide(ContextRef c, const Rect& r, int radius, int width, uint32_t rgb,
+                        int alpha);
 
 }  // namespace platform

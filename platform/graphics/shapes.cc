@@ -140,11 +140,10 @@ void FillRoundRect(ContextRef c, const Rect& rect, int radius, uint32_t rgb, int
   BlendBox(c, {r.left + k.size, r.bottom - k.size, r.right - k.size, r.bottom}, ink);
 }
 
-void FrameRoundRect(ContextRef c, const Rect& rect, int radius, uint32_t rgb, int alpha) {
+// Of a pen `p` device pixels wide.
+static void Frame(ContextRef c, const Rect& rect, int radius, Ink ink, int p) {
   DeviceRect r;
   if (!Prepare(c, rect, &r)) return;
-  Ink ink{0xFF000000u | rgb, std::clamp(alpha, 0, 255)};
-  int p = c->pen;
   if (r.width() <= 2 * p || r.height() <= 2 * p) return BlendBox(c, r, ink);
   int corner = RadiusFor(c, r, radius);
   const Corner& k = CornerFor(std::max(corner, p * 64), p);
@@ -153,6 +152,17 @@ void FrameRoundRect(ContextRef c, const Rect& rect, int radius, uint32_t rgb, in
   BlendBox(c, {r.left + k.size, r.bottom - p, r.right - k.size, r.bottom}, ink);
   BlendBox(c, {r.left, r.top + k.size, r.left + p, r.bottom - k.size}, ink);
   BlendBox(c, {r.right - p, r.top + k.size, r.right, r.bottom - k.size}, ink);
+}
+
+void FrameRoundRect(ContextRef c, const Rect& rect, int radius, uint32_t rgb, int alpha) {
+  if (c) Frame(c, rect, radius, {0xFF000000u | rgb, std::clamp(alpha, 0, 255)}, c->pen);
+}
+
+void FrameRoundRectWide(ContextRef c, const Rect& rect, int radius, int width, uint32_t rgb,
+                        int alpha) {
+  if (!c) return;
+  const int pen = std::max(1, int(std::clamp(width, 1, 64) * c->scale + 0.5));
+  Frame(c, rect, radius, {0xFF000000u | rgb, std::clamp(alpha, 0, 255)}, pen);
 }
 
 }  // namespace platform

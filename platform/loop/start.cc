@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/access/access.h"
+#include "platform/controls/controls.h"
 #include "platform/desktop/application.h"
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/signals.h"
@@ -22,6 +24,7 @@
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
 #include "platform/menus/menu_bar.h"
+#include "platform/theme/theme.h"
 #include "platform/windows/internal.h"
 
 namespace platform {
@@ -69,6 +72,7 @@ bool InitPlatform(const char* name) {
   }
   InitDispatch();
   InitMenus();
+  InitControls();
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
@@ -82,6 +86,8 @@ void FinishPlatform() {
   FinishTrackers();
   FinishReceive();
   FinishWindows();
+  FinishControls();
+  FinishAccess();
   FinishMenus();
   FinishInput();
   FinishApplication();
@@ -96,6 +102,7 @@ void FinishPlatform() {
   FinishRawEvents();
   FinishTargets();
   FinishObjects();
+  FinishTheme();
   FinishFonts();
   FinishFontLibrary();
 }

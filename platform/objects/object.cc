@@ -22,9 +22,13 @@ void ReleaseEnded() {
 
 }  // namespace
 
+uint64_t TakeSerial() {
+  return ++last_serial;
+}
+
 void EnterObject(Object* object) {
   if (!state.live) state.live = new PointerSet;
-  object->serial = ++last_serial;
+  object->serial = TakeSerial();
   state.live->Add(object);
 }
 

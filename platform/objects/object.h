@@ -2,10 +2,10 @@
 // description, and a memory that outlives the dispatch in which they end.
 #pragma once
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "platform/base.h"
+#include "platform/objects/description.h"
 
 namespace platform {
 
@@ -23,13 +23,6 @@ struct EventTarget {
 
 enum class ObjectKind : uint8_t { kWindow, kMenu, kControl };
 
-// What an object says of itself to tests, inspectors and assistive technology.
-struct Description {
-  std::string name;  // UTF-8
-  Rect bounds;       // global, logical pixels
-  bool shown = false;
-};
-
 // What all objects of a kind share.
 struct ObjectType {
   ObjectKind kind;
@@ -46,6 +39,8 @@ struct Object {
   EventTarget target;
 };
 
+// The next serial.
+uint64_t TakeSerial();
 // Makes the object live and gives it a serial. `type` and `record` are set.
 void EnterObject(Object* object);
 // The object that was found alive last.

@@ -3,38 +3,18 @@
 #include <algorithm>
 
 #include "platform/graphics/context.h"
+#include "platform/theme/metrics.h"
 #include "platform/theme/roles.h"
 
 namespace platform {
 namespace {
 
-// Metrics, in logical pixels.
-constexpr int kCorner = 4;
 constexpr int kTrackEnd = 4;  // of a progress bar, where it is rounded
-constexpr int kOpaque = 255;
-constexpr int kDisabled = 102;  // 40 percent
-
-struct BevelLook {
-  Role face, line;
-  int alpha;
-};
-constexpr BevelLook kBevels[] = {
-    {Role::kFace, Role::kLine, kDisabled},
-    {Role::kFace, Role::kLine, kOpaque},
-    {Role::kPressed, Role::kPressedLine, kOpaque},
-};
 
 }  // namespace
 
-void DrawThemeButton(ContextRef c, const Rect& r, ThemeButtonKind,
-                     const ThemeButtonDrawInfo& info) {
-  const BevelLook& look = kBevels[std::clamp(info.state, 0, 2)];
-  FillRoundRect(c, r, kCorner, RoleColor(look.face), look.alpha);
-  FrameRoundRect(c, r, kCorner, RoleColor(look.line), look.alpha);
-}
-
 void DrawThemeGenericWell(ContextRef c, const Rect& r, int state, bool fill_center) {
-  int alpha = state == kThemeStateInactive ? kDisabled : kOpaque;
+  int alpha = state == kThemeStateInactive ? kThemeDisabledAlpha : kOpaqueAlpha;
   if (fill_center) FillRoundRect(c, r, kCorner, RoleColor(Role::kDocument), alpha);
   FrameRoundRect(c, r, kCorner, RoleColor(Role::kLine), alpha);
 }
@@ -56,7 +36,7 @@ void DrawThemeTrack(ContextRef c, const ThemeTrackDrawInfo& info) {
   const Rect& r = info.bounds;
   if (!c || r.empty()) return;
   int radius = int(std::min<int64_t>((int64_t{r.bottom} - r.top + 1) / 2, 64));
-  int alpha = info.active ? kOpaque : kDisabled;
+  int alpha = info.active ? kOpaqueAlpha : kThemeDisabledAlpha;
   FillRoundRect(c, r, radius, RoleColor(Role::kTrack), alpha);
   FrameRoundRect(c, r, radius, RoleColor(Role::kProgressLine), alpha);
   int64_t value = std::clamp<int64_t>(info.value, info.min, std::max(info.min, info.max));

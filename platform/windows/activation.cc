@@ -1,6 +1,7 @@
 // Which window is active, and whether the application is.
 #include <algorithm>
 
+#include "platform/access/access.h"
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
@@ -41,8 +42,11 @@ void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
   uint32_t before = WindowBackground(w);
   w->active = active;
+  NoticeChange(w->object.serial, Change::kState);
   if (w->visible && w->brush && WindowBackground(w) != before)
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+  Event e(kEventClassWindow, active ? kEventWindowActivated : kEventWindowDeactivated, w);
+  SendEventToEventTarget(&e, &w->object.target);
 }
 
 // Docked windows are active while any window is; windows of a group that shares its activation with
@@ -122,10 +126,6 @@ void SetUserFocusWindow(WindowRef w) {
   if (!IsValidWindow(w) || !w->visible || w->focused) return;
   NoteFocusRequest(w);
   CurrentDisplay()->raise(w, kRaiseFocus, nullptr);
-}
-
-void ClearKeyboardFocus(WindowRef) {
-  // No native control holds the caret.
 }
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/access/access.h"
 #include "platform/display/screens.h"
 #include "platform/events/queue.h"
 #include "platform/theme/metrics.h"
@@ -23,7 +24,9 @@ void ReleaseRecord(void* record) {
 
 void Describe(const void* record, Description* out) {
   auto* w = static_cast<const Window*>(record);
-  *out = {w->title, w->content, w->visible};
+  *out = {ObjectRole::kWindow, w->title, "", kIsEnabled, 0, w->content};
+  if (w->visible) out->state |= kIsShown;
+  if (w->active) out->state |= kIsActive;
 }
 
 constexpr EventKind kBoundsReported[] = {{kEventClassWindow, kEventWindowBoundsReported}};
@@ -127,6 +130,8 @@ static void PurgeWindow(const Window* w) {
 void DisposeWindow(WindowRef w) {
   if (!IsValidWindow(w)) return;
   WindowsState& all = Windows();
+  Event ending(kEventClassWindow, kEventWindowEnding, w);
+  SendEventToEventTarget(&ending, &w->object.target);
   HandleFocus(w, false);
   for (WindowRef p : PopUpsOf(w)) {
     HideWindow(p);
@@ -142,6 +147,7 @@ void DisposeWindow(WindowRef w) {
   w->native = nullptr;
   w->surface.pixels = nullptr;
   *w->surface.generation = 0;
+  NoticeChange(w->object.serial, Change::kEnded);
   EndObject(&w->object);
 }
 
@@ -193,11 +199,13 @@ void ShowWindow(WindowRef w) {
   WindowList().insert(WindowList().begin(), w);
   if (!WaitsForFirst(*w)) Map(w);
   if (w == MenuBarWindow()) MapDocked(true);
+  NoticeChange(w->object.serial, Change::kState);
 }
 
 void HideWindow(WindowRef w) {
   if (!IsValidWindow(w) || !w->visible) return;
   w->visible = false;
+  NoticeChange(w->object.serial, Change::kState);
   w->needs_draw = false;
   w->lost.Clear();
   for (WindowRef p : PopUpsOf(w)) HideWindow(p);
@@ -212,6 +220,7 @@ bool IsWindowVisible(WindowRef w) {
 void SetWindowTitle(WindowRef w, const char* utf8) {
   if (!IsValidWindow(w)) return;
   w->title = utf8 ? utf8 : "";
+  NoticeChange(w->object.serial, Change::kName);
   CurrentDisplay()->update(w, kUpdateTitle);
 }
 
@@ -221,6 +230,13 @@ const char* GetWindowTitle(WindowRef w) {
 
 uint32_t WindowGeneration(WindowRef w) {
   return IsValidWindow(w) ? *w->surface.generation : 0;
+}
+
+bool DescribeWindow(WindowRef w, uint64_t* serial, Description* out) {
+  if (!IsValidWindow(w)) return false;
+  *serial = w->object.serial;
+  Describe(w, out);
+  return true;
 }
 
 void SetWindowModified(WindowRef w, bool modified) {

@@ -95,7 +95,6 @@ void SetWindowActivationScope(WindowRef w, int scope);
 // --- Keyboard focus and the screen --------------------------------------------------------------
 
 void SetUserFocusWindow(WindowRef w);
-void ClearKeyboardFocus(WindowRef w);
 // Height of the menu bar at the top of the first window's frame: 24.
 int GetMBarHeight();
 enum SystemUIMode : int { kUIModeNormal = 0, kUIModeContentSuppressed = 1 };
@@ -105,6 +104,9 @@ void SetSystemUIMode(int mode, uint32_t options);
 void SetWindowFullScreen(WindowRef w, bool full);
 // The title as it was set; valid until the next change. Empty for a stale handle.
 const char* GetWindowTitle(WindowRef w);
+
+// How it describes itself; false for a stale handle.
+bool DescribeWindow(WindowRef w, uint64_t* serial, Description* out);
 
 // --- Pixels -------------------------------------------------------------------------------------
 

@@ -141,8 +141,7 @@ void Case::DrawIcon() {
   for (int y = 0; y < ih; ++y)
     for (int x = 0; x < iw; ++x)
       bits.push_back(bytes[size_t(y * ((iw + 7) / 8) + x / 8)] >> (x % 8) & 1);
-  Bitmap* bitmap = CreateBitmap(iw, ih, bytes.data());
-  XwIcon icon{iw, ih, bitmap, bytes.data()};
+  XwIcon icon{iw, ih, nullptr, bytes.data()};
   int x = dice.Place(), y = dice.Place(), w = dice.Between(0, 30), h = dice.Between(0, 30);
   int32_t colour = dice.Color(), background = dice.OneIn(2) ? dice.Between(-10, -1) : dice.Color();
   XwDrawIcon(&icon, x, y, w, h, colour, background);
@@ -152,7 +151,6 @@ void Case::DrawIcon() {
   painter.Icon(iw, ih, bits, true, x, y, w, h);
   painter.color = Rgb(background);
   if (background >= 0) painter.Icon(iw, ih, bits, false, x, y, w, h);
-  ReleaseBitmap(bitmap);
 }
 
 void Case::Draw() {

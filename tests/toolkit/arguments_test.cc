@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -202,6 +203,58 @@ void Points() {
   }
 }
 
+// Each kind with each style, and what the user does to it.
+void Controls() {
+  for (int i = 0; i < 400; ++i) {
+    XwWindow* parent = Hostile<XwWindow*>();
+    const uint32_t style = uint32_t(Hostile<int32_t>()) ^ uint32_t(rng());
+    const int x = Hostile<int32_t>(), y = Hostile<int32_t>(), w = Hostile<int32_t>(),
+              h = Hostile<int32_t>();
+    const char* text = Hostile<const char*>();
+    const bool icon = style & XWC_ICON;
+    if (icon) text = reinterpret_cast<const char*>(Hostile<XwIcon*>());
+    XwWindow* made[] = {
+        XwButton(parent, text, Hostile<int32_t>(), x, y, w, h, style & ~uint32_t{XWC_MENU},
+                 Hostile<XwValue>()),
+        XwLabel(parent, text, Hostile<int32_t>(), x, y, w, h, style),
+        XwCheckBox(parent, Hostile<const char*>(), 1, x, y, style, Hostile<int32_t>()),
+        XwColor(parent, Hostile<const char*>(), 1, x, y, w, h, style, Hostile<int32_t>())};
+    for (XwWindow* c : made) {
+      XwMove(c, Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>());
+      XwShow(c, int(rng() % 2));
+      XwSetValue(c, Hostile<XwValue>());
+      XwFocusControl(c);
+      XwSetDefaultButtons(parent, c, Hostile<XwWindow*>());
+      if (c && rng() % 2) XwSetText(c, Hostile<const char*>());
+      if (c) XwDescribeControl(c, Hostile<const char*>());
+    }
+    if (rng() % 8 == 0) stage::input::Click(int(rng() % 600), int(rng() % 400), 1 + int(rng() % 5));
+    if (rng() % 8 == 0) stage::input::KeyDown(Pick<uint32_t>({' ', 0xFF09, 0xFF0D, 0xFF1B}), ' ');
+    const XwDialogItem items[] = {
+        {Pick<uint8_t>({1, 2, 3, 5, 8, 200}), nullptr, 5, int16_t(x), int16_t(y), int16_t(w),
+         int16_t(h), style & ~uint32_t{XWC_MENU | XWC_ICON}, Hostile<XwValue>(), 0, 0, 0, 0},
+        {}};
+    XwCreateDialogItems(parent, rng() % 5 ? items : nullptr, x, y);
+    Repair();
+  }
+}
+
+void Outlines() {
+  static const uint8_t bits[32] = {};
+  for (int i = 0; i < 100; ++i) {
+    XwIcon icon = {16, 16, nullptr, bits};
+    XwPathPart parts[5];
+    for (XwPathPart& p : parts) {
+      auto number = [] { return Pick<float>({0, 3.5f, -7, 16, 1e9f, NAN, INFINITY, 16384}); };
+      p = {uint8_t(rng() % 6), number(), number(), number(), number(), number(), number()};
+    }
+    XwSetIconOutline(rng() % 9 ? &icon : nullptr, rng() % 9 ? parts : nullptr, int(rng() % 6) - 1);
+    if (XwWindow* b = XwButton(props.other, &icon, 1, 0, 0, 20, 20, XWC_ICON | XWC_VISIBLE, 0))
+      XwDestroy(b);
+    Repair();
+  }
+}
+
 void Nothing() {}
 
 const struct {
@@ -254,6 +307,18 @@ const struct {
     {"XwTextFitUtf8", Conversions},
     {"XwSetValue", Often<static_cast<void (*)(XwWindow*, XwValue)>(XwSetValue)>},
     CALL(XwGetText),
+    CALL(XwGetValue),
+    {"XwButton", Controls},
+    {"XwCheckBox", Controls},
+    {"XwColor", Controls},
+    {"XwLabel", Controls},
+    {"XwCreateDialogItems", Controls},
+    {"XwSetIconOutline", Outlines},
+    CALL(XwGetFocus),
+    CALL(XwFocusControl),
+    CALL(XwSetDefaultButtons),
+    CALL(XwSetTab),
+    CALL(XwDescribeControl),
     CALL(XwSetGround),
     CALL(XwSetScrollHandler),
     CALL(XwBoxList),

@@ -2,16 +2,15 @@
 
 #include <cstdlib>
 
+#include "platform/objects/object.h"
 #include "toolkit/core/memory.h"
 
 XwWindow* NewRecord() {
-  // Serials go on over the sessions of a process.
-  static uint64_t serial = 0;
   auto* w = static_cast<XwWindow*>(calloc(1, sizeof(XwWindow)));
   if (!w) OutOfMemory();
   w->color = -1;
   w->slot = -1;
-  w->serial = ++serial;
+  w->serial = platform::TakeSerial();
   return w;
 }
 

@@ -3,6 +3,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/fonts.cc
   ${CMAKE_CURRENT_LIST_DIR}/frames.cc
   ${CMAKE_CURRENT_LIST_DIR}/icon_bits.cc
+  ${CMAKE_CURRENT_LIST_DIR}/icon_outlines.cc
   ${CMAKE_CURRENT_LIST_DIR}/icons.cc
   ${CMAKE_CURRENT_LIST_DIR}/images.cc
   ${CMAKE_CURRENT_LIST_DIR}/style.cc

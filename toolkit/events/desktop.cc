@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/controls/controls.h"
 #include "platform/events/queue.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -88,8 +89,9 @@ void TakeFocus(XwWindow* w) {
   });
 }
 
-void DrawContent(XwWindow* w) {
+void DrawContent(XwWindow* w, const Rect& lost) {
   TargetScope scope;
+  DrawControls(NativeWindow(w), lost);
   PostExpose(w);
   for (int i = 0; i < w->child_count; ++i) {
     XwWindow* c = w->children[i];
@@ -124,7 +126,7 @@ OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
     case kEventWindowZoom:
       return eventNotHandledErr;
     case kEventWindowDrawContent:
-      DrawContent(w);
+      DrawContent(w, event->bounds.current);
       break;
     case kEventWindowFocusAcquired:
       TakeFocus(w);

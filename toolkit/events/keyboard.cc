@@ -2,6 +2,7 @@
 
 #include "toolkit/core/post.h"
 #include "toolkit/core/state.h"
+#include "toolkit/events/loop.h"
 #include "toolkit/windows/boxes.h"
 
 using namespace platform;
@@ -66,8 +67,9 @@ void ChangeModifiers(uint32_t modifiers) {
 
 }  // namespace
 
-OSStatus EVkeyboard_func(HandlerCall*, Event* event, void*) {
+OSStatus EVkeyboard_func(HandlerCall*, Event* event, void* window) {
   Inp.type = 0;
+  event->key.ignored = ModalKeepsOut(static_cast<XwWindow*>(window));
   if (event->kind == kEventRawKeyModifiersChanged) {
     ChangeModifiers(event->key.modifiers);
     return eventNotHandledErr;

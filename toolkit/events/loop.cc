@@ -110,6 +110,11 @@ bool WaitKeepsOut(XwWindow* w) {
   return m && (m->raw() || m->KeepsOut(w));
 }
 
+bool ModalKeepsOut(XwWindow* w) {
+  const Modal* m = state.innermost_wait;
+  return m && m->KeepsOut(w);
+}
+
 void XwRunEventLoop() {
   for (;;) XwWaitEvent(nullptr);
 }

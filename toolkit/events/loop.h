@@ -4,3 +4,5 @@
 
 // The innermost wait under way keeps events of this window from its handlers.
 bool WaitKeepsOut(XwWindow* w);
+// The same of a wait for another window; a wait that dispatches nothing does not count.
+bool ModalKeepsOut(XwWindow* w);

@@ -1,5 +1,6 @@
 #include "toolkit/events/mouse.h"
 
+#include "platform/controls/controls.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/grab.h"
@@ -85,8 +86,16 @@ OSStatus Button(XwWindow* w, const Event& e) {
     if (e.mouse.button < 1 || e.mouse.button > kLastButton) return eventNotHandledErr;
     pressed = {e.mouse.button, 1u << (e.mouse.button - 1)};
   }
-  TakePointer(w, e);
   Inp.time = EventMilliseconds(e.time);
+  if (!GrabWindow &&
+      FindControlUnderMouse({e.mouse.where.x - w->x, e.mouse.where.y - w->y}, NativeWindow(w))) {
+    if (e.kind == kEventMouseDown && ModalKeepsOut(w)) {
+      XwBeep();
+      return noErr;
+    }
+    return eventNotHandledErr;
+  }
+  TakePointer(w, e);
   XwWindow* target = e.kind == kEventMouseUp ? Release(w, pressed.mask) : Press(w, pressed);
   if (!target) return noErr;
   Inp.window = target;

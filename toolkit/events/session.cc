@@ -19,6 +19,7 @@
 #include "toolkit/core/state.h"
 #include "toolkit/drawing/fonts.h"
 #include "toolkit/events/cursors.h"
+#include "toolkit/events/describe.h"
 #include "toolkit/events/install.h"
 
 using namespace platform;
@@ -93,6 +94,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
+  DescribeWindows();
   Pserial = &process;
   SetFrontProcess();
   const char* home = getenv("HOME");

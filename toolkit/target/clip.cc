@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "platform/controls/controls.h"
 #include "platform/graphics/context.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
@@ -35,10 +36,13 @@ Region* MakeClip(const XwWindow* w, Point origin) {
         bounds, {w->clip_x, w->clip_y, w->clip_x + w->clip_width, w->clip_y + w->clip_height});
   clip->Add(bounds);
   std::vector<Rect> holes;
+  const ControlRef focus = GetKeyboardFocus(NativeWindow(w));
   for (int i = 0; i < w->child_count; ++i) {
     const XwWindow* c = w->children[i];
-    if (c && c->kind != 0 && (c->flags & XW_SHOWN))
-      holes.push_back({c->x, c->y, c->x + c->width, c->y + c->height});
+    if (!c || c->kind == 0 || !(c->flags & XW_SHOWN)) continue;
+    // The ring around the control with the keyboard is the platform's.
+    const int ring = focus && c->platform == focus ? kFocusRingSpace : 0;
+    holes.push_back({c->x - ring, c->y - ring, c->x + c->width + ring, c->y + c->height + ring});
   }
   clip->Subtract(holes);
   clip->Translate(origin.x, origin.y);

@@ -1,15 +1,19 @@
-// Showing, enabling, focus, title and the other attributes of a window.
+// Showing, enabling, focus, text and the other attributes of a window.
+#include <cstdlib>
 #include <cstring>
 
+#include "platform/controls/controls.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
+#include "toolkit/core/memory.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
 #include "toolkit/core/saturate.h"
 #include "toolkit/target/clip.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/panes.h"
 
 using namespace platform;
 
@@ -18,6 +22,10 @@ namespace {
 constexpr int kTitleLimit = 255;
 // Bytes of UTF-8: more than any title bar shows, and less than a display would refuse.
 constexpr size_t kLongestTitle = 4096;
+
+ControlRef Native(const XwWindow* control) {
+  return static_cast<ControlRef>(control->platform);
+}
 
 void ShowTopLevel(XwWindow* w, bool show) {
   WindowRef native = NativeWindow(w);
@@ -37,6 +45,54 @@ void ShowSub(XwWindow* w, bool show) {
   ResetClipMask(w->parent);
   ResetClipsFrom(w);
   PostExpose(show ? w : w->parent);
+  if (!w->pane) return;
+  // Hidden before its controls are, so that each does not uncover what the parent draws anyway.
+  if (!show) UpdatePane(w);
+  for (int i = 0; i < w->child_count; ++i) {
+    XwWindow* c = w->children[i];
+    if (!c || !IsControl(c)) continue;
+    show ? ShowControl(Native(c)) : HideControl(Native(c));
+  }
+  if (show) UpdatePane(w);
+}
+
+void ShowControlRecord(XwWindow* w, bool show) {
+  if (bool(w->flags & XW_SHOWN) == show) return;
+  ResetClipMask(w->parent);
+  w->flags = uint8_t(show ? w->flags | XW_SHOWN : w->flags & ~XW_SHOWN);
+  if (!show) return HideControl(Native(w));
+  RedrawInParent(w, {w->x, w->y, w->x + w->width, w->y + w->height});
+  ShowControl(Native(w));
+}
+
+// The text that a control shows: its style may append to it.
+std::string ShownText(const XwWindow* w, const char* text) {
+  std::string shown = text ? text : "";
+  if (w->style & XWC_DOTS) shown += " ...";
+  if (w->style & XWC_COLON) shown += ":";
+  return shown;
+}
+
+void SetControlText(XwWindow* w, const char* text) {
+  const std::string shown = ShownText(w, text);
+  const std::string utf8 = MacRomanToUtf8(shown.c_str());
+  const bool self_drawn =
+      w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & XWC_OWN_TEXT);
+  if (self_drawn) {
+    w->text = static_cast<char*>(realloc(w->text, shown.size() + 2));
+    if (!w->text) OutOfMemory();
+    memcpy(w->text, shown.c_str(), shown.size() + 1);
+    SetPaneName(Native(w), utf8.c_str());
+    Draw1Control(Native(w));
+  } else if (w->kind == XWK_LABEL) {
+    SetStaticText(Native(w), utf8.c_str());
+  } else {
+    SetControlTitle(Native(w), utf8.c_str());
+  }
+}
+
+void EnableControl(XwWindow* w, bool enable) {
+  enable ? ActivateControl(Native(w)) : DeactivateControl(Native(w));
 }
 
 }  // namespace
@@ -48,13 +104,18 @@ void XwShow(XwWindow* w, int show) {
     ShowTopLevel(w, show != 0);
   else if (IsSub(w))
     ShowSub(w, show != 0);
+  else
+    ShowControlRecord(w, show != 0);
 }
 
 void XwEnable(XwWindow* w, int enable) {
   if (!CheckWindow(w)) return;
   TargetScope scope;
   w->enabled = enable != 0;
-  if (IsTopLevel(w)) ActivateWindow(NativeWindow(w), enable != 0);
+  if (IsTopLevel(w))
+    ActivateWindow(NativeWindow(w), enable != 0);
+  else if (IsControl(w))
+    EnableControl(w, enable != 0);
 }
 
 void XwSetFocus(XwWindow* w) {
@@ -67,7 +128,9 @@ void XwSetFocus(XwWindow* w) {
 }
 
 void XwSetText(XwWindow* w, const char* text) {
-  if (!CheckWindow(w) || !IsTopLevel(w)) return;
+  if (!CheckWindow(w) || IsSub(w)) return;
+  TargetScope scope;
+  if (IsControl(w)) return SetControlText(w, text);
   const unsigned char* title = C2PSTR(text);
   char cut[kTitleLimit + 1];
   memcpy(cut, title + 1, title[0]);
@@ -83,18 +146,6 @@ void XwSetTextUtf8(XwWindow* w, const char* utf8) {
   SetWindowTitle(NativeWindow(w), title.substr(0, CutUtf8(title, kLongestTitle)).c_str());
 }
 
-void XwSetValue(XwWindow* w, XwValue value) {
-  if (CheckWindow(w) && IsTopLevel(w)) SetWindowModified(NativeWindow(w), (value & 255) != 0);
-}
-
-char* XwGetText(XwWindow* w, char* dst) {
-  if (!dst) return dst;
-  *dst = 0;
-  if (CheckWindow(w) && IsTopLevel(w))
-    Utf8ToMacRoman(GetWindowTitle(NativeWindow(w)), dst, kTitleLimit + 1);
-  return dst;
-}
-
 void XwSetScrollHandler(XwWindow* w, XwScrollHandler handler) {
   if (CheckWindow(w)) w->scroll_handler = handler;
 }
@@ -108,6 +159,7 @@ void XwSetGround(XwWindow* window, const int32_t* colour, int brush) {
   } else {
     window->brush = brush >= 0 && brush <= 4 ? kCodes[brush] : Sat16(brush);
   }
+  if (IsSub(window)) UpdatePane(window);
   if (!IsTopLevel(window)) return;
   WindowRef native = NativeWindow(window);
   SetWindowBackgroundColor(native,

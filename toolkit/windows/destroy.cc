@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "platform/controls/controls.h"
 #include "platform/graphics/context.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -11,6 +12,7 @@
 #include "toolkit/core/trace.h"
 #include "toolkit/target/selection.h"
 #include "toolkit/windows/boxes.h"
+#include "toolkit/windows/panes.h"
 
 using namespace platform;
 using toolkit::state;
@@ -45,7 +47,12 @@ void EndNative(XwWindow* w) {
   ResetClipMask(w);
   if ((w->flags2 & XW_DOCKED) && IsLive(W_Start) && !state.first_window_ended)
     ActivateWindow(NativeWindow(W_Start), true);
-  if (w->kind == 0) DisposeWindow(static_cast<WindowRef>(w->platform));
+  if (IsTopLevel(w))
+    DisposeWindow(static_cast<WindowRef>(w->platform));
+  else if (IsSub(w))
+    LeavePane(w);
+  else
+    DisposeControl(static_cast<ControlRef>(w->platform));
   w->platform = nullptr;
 }
 

@@ -6,6 +6,8 @@
 #include "toolkit/core/saturate.h"
 #include "toolkit/target/clip.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/control_bounds.h"
+#include "toolkit/windows/panes.h"
 
 using namespace platform;
 
@@ -25,6 +27,7 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
   SetBounds(w, x, y, width, height);
   w->origin_x = w->x;
   w->origin_y = w->y;
+  UpdatePane(w);
   ResetClipMask(w->parent);
   ResetClipsFrom(w);
   PostExpose(w->parent);
@@ -34,6 +37,21 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
     XwWindow* c = parent->children[i];
     if (c && IsSub(c)) PostExpose(c);
   }
+}
+
+void MoveControl(XwWindow* w, int x, int y, int width, int height) {
+  x = Sat16(x);
+  y = Sat16(y);
+  width = Sat16(width);
+  height = Sat16(height);
+  auto control = static_cast<ControlRef>(w->platform);
+  const bool shown = w->flags & XW_SHOWN;
+  if (shown) RedrawInParent(w, {x, y, x + width, y + height});
+  SetBounds(w, x, y, width, RecordedHeight(w->kind, w->style, height));
+  SetControlBounds(control, ControlRect(w->kind, w->style, x, y, width, height));
+  SetControlArea(control, {x, y, x + width, y + w->height});
+  if (shown) Draw1Control(control);
+  ResetClipMask(w->parent);
 }
 
 void MoveTopLevel(XwWindow* w, int x, int y, int width, int height) {
@@ -65,6 +83,8 @@ void XwMove(XwWindow* w, int x, int y, int width, int height) {
     MoveSub(w, x, y, width, height);
   else if (IsTopLevel(w))
     MoveTopLevel(w, x, y, width, height);
+  else
+    MoveControl(w, x, y, width, height);
 }
 
 void XwCenter(XwWindow* w, XwWindow* reference) {

@@ -8,6 +8,8 @@
 #include "toolkit/core/record.h"
 #include "toolkit/core/saturate.h"
 #include "toolkit/core/trace.h"
+#include "toolkit/windows/panes.h"
+#include "toolkit/windows/tree.h"
 
 using namespace platform;
 
@@ -46,21 +48,6 @@ Style DecodeStyle(XwValue value) {
   if (bits & 16) attributes |= kWindowFullZoomAttribute;
   if (bits & 32) attributes |= kWindowCloseBoxAttribute;
   return {row.window_class, attributes, &row};
-}
-
-// A window holds at most 32767 children, since the count has 16 bits.
-bool HasRoom(const XwWindow* parent) {
-  if (parent->child_count < INT16_MAX) return true;
-  for (int i = parent->free_slot; i < parent->child_count; ++i)
-    if (!parent->children[i]) return true;
-  Refuse(Refusal::kTooManyChildren);
-  return false;
-}
-
-void EnterCreationList(XwWindow* w) {
-  w->previous = W_End;
-  if (W_End) W_End->next = w;
-  W_End = w;
 }
 
 void TakeContentBounds(XwWindow* w) {
@@ -170,6 +157,7 @@ XwWindow* CreateSub(XwWindow* parent, int x, int y, int width, int height, XwHan
   parent->flags |= XW_HAS_SUBWINDOWS;
   AddSubWindow(parent, w);
   w->parent = parent;
+  EnterPane(w);
   w->handler = handler;
   w->cursor = XWcursors[0];
   Trace(Subject::kWindows, "create sub-window %d %d %d %d", w->x, w->y, w->width, w->height);
@@ -177,6 +165,21 @@ XwWindow* CreateSub(XwWindow* parent, int x, int y, int width, int height, XwHan
 }
 
 }  // namespace
+
+// A window holds at most 32767 children, since the count has 16 bits.
+bool HasRoom(const XwWindow* parent) {
+  if (parent->child_count < INT16_MAX) return true;
+  for (int i = parent->free_slot; i < parent->child_count; ++i)
+    if (!parent->children[i]) return true;
+  Refuse(Refusal::kTooManyChildren);
+  return false;
+}
+
+void EnterCreationList(XwWindow* w) {
+  w->previous = W_End;
+  if (W_End) W_End->next = w;
+  W_End = w;
+}
 
 XwWindow* XwCreate(XwValue parent_or_style, int x, int y, int width, int height,
                    XwHandler handler) {

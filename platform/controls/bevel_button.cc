@@ -1,0 +1,37 @@
+#include <climits>
+
+#include "platform/controls/control.h"
+
+namespace platform {
+namespace {
+
+void Draw(Control* c, ContextRef context) {
+  ThemeButtonDrawInfo info;
+  const bool pressed = c->value != 0 || IsControlHilited(c);
+  info.state = !c->active ? kThemeStateInactive : pressed ? kThemeStatePressed : kThemeStateActive;
+  info.value = c->value ? kThemeButtonOn : kThemeButtonOff;
+  const Rect r = GetControlBounds(c);
+  DrawThemeButton(context, r, kThemeBevelButton, info);
+  LineStyle line;
+  line.bold = true;
+  line.underline_first = c->underlined;
+  line.rgb = ThemeButtonTextColor(kThemeBevelButton, info);
+  line.alpha = c->active ? 255 : kThemeDisabledAlpha;
+  DrawControlText(context, {r.left + 4, r.top, r.right - 4, r.bottom}, c->text, line);
+}
+
+}  // namespace
+
+const KindRow kBevelButtonKind = {Draw,      PressButton, DragButton, ReleaseButton,
+                                  ButtonKey, nullptr,     nullptr,    nullptr,
+                                  INT32_MIN, INT32_MAX,   true,       ObjectRole::kButton};
+
+ControlRef CreateBevelButtonControl(PaneRef pane, const Rect& bounds, int value) {
+  ControlRef c = NewControl(pane, kBevelButtonKind, bounds);
+  if (!c) return nullptr;
+  c->value = value;
+  SetControlKeys(c, kKeysByTab | kKeysByRequest | kKeysLetter);
+  return c;
+}
+
+}  // namespace platform

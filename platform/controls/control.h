@@ -1,0 +1,164 @@
+// The records of this room, and what its files share.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/controls/controls.h"
+#include "platform/display/window.h"
+#include "platform/fonts/fonts.h"
+#include "platform/theme/metrics.h"
+#include "platform/theme/theme.h"
+
+namespace platform {
+
+struct Pane {
+  WindowControls* owner = nullptr;
+  Pane* parent = nullptr;
+  Rect bounds;  // in the content; the root's is not used
+  int order = 0;
+  bool shown = false;
+  int brush = 0;
+  uint32_t color = kNoColor;
+  std::vector<Pane*> children;
+};
+
+// What a kind of control does. Functions that a kind does not need are null.
+struct KindRow {
+  // In its context, on the background.
+  void (*draw)(Control* c, ContextRef context);
+  // The primary button went down in it: false when it is not tracked.
+  bool (*press)(Control* c, Point where);
+  // The pointer moved while it is held.
+  void (*drag)(Control* c, Point where);
+  // It was let go, inside or outside: true when it has done its work.
+  bool (*release)(Control* c, bool inside);
+  // A key came to it: true when it has taken it.
+  bool (*key)(Control* c, const Event& e);
+  // Adds what is special to it: value, checked or mixed.
+  void (*describe)(const Control* c, Description* out);
+  // What the ring goes around, and its corner: from the bounds to what is drawn of them.
+  void (*border)(const Control* c, Rect* border, int* corner);
+  // The value that a press or a key gives it, before its event goes out.
+  void (*act)(Control* c);
+  int32_t minimum, maximum;
+  bool has_title;
+  ObjectRole role;
+};
+
+struct Control {
+  Object object;
+  const KindRow* kind = nullptr;
+  Pane* pane = nullptr;
+  Rect bounds;  // relative to the pane
+  Rect area;    // what it is erased with, relative to the pane; not less than the bounds
+  int32_t value = 0;
+  bool shown = false, active = false;
+  bool inside = false;  // the pointer that holds it is inside
+  bool held = false;    // what it has opened is open
+  bool bold = false;
+  TextJustification justification = TextJustification::kCenter;
+  uint8_t keys = 0;
+  bool underlined = false;  // its letter, while Alt is held
+  ObjectRole role = ObjectRole::kPane;
+  std::string text;
+  std::string described;  // what the program calls it for those who cannot see it
+  void* reference = nullptr;
+  PaneDraw draw = nullptr;
+  PaneHitTest hit_test = nullptr;
+  Control *next = nullptr, *previous = nullptr;  // in the order of creation
+};
+
+// Of one window.
+struct WindowControls {
+  WindowRef window = nullptr;
+  Pane root;
+  Control *first = nullptr, *last = nullptr;
+  Control* focus = nullptr;
+  Control* tab_from = nullptr;  // had the keyboard last
+  Control *ok = nullptr, *cancel = nullptr;
+  bool tab_moves = true;
+  bool alt = false;  // is held
+  ContextRef context = nullptr;
+  uint32_t generation = 0;  // of the pixels that it is for
+};
+
+// What all kinds of buttons do with a press: they look pressed while the pointer is inside.
+bool PressButton(Control* c, Point where);
+void DragButton(Control* c, Point where);
+bool ReleaseButton(Control* c, bool inside);
+// Space and Return press.
+bool ButtonKey(Control* c, const Event& e);
+
+extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
+    kStaticTextKind, kUserPaneKind;
+
+Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds);
+inline WindowControls& OwnerOf(const Control* c) {
+  return *c->pane->owner;
+}
+// Null where the window has none.
+WindowControls* ControlsOf(WindowRef w);
+
+// --- drawing.cc
+// The pane's area less the panes over it.
+Region PaneArea(const Pane* p);
+bool PaneShows(const Pane* p);
+// Erases a part of the window and draws the controls that meet it.
+void RedrawArea(WindowControls& all, const Pane* pane, const Rect& area);
+// What a control covered is gone: erased, and lost content of the window.
+void Uncover(const Control* c, const Rect& area);
+// In the content.
+Rect ControlArea(const Control* c);
+// The same with the space of the ring around it.
+Rect RingArea(const Control* c);
+void ReleaseControlContext(WindowControls& all);
+
+// --- tracking.cc
+// Sends an event to the control's target.
+OSStatus SendControlEvent(Control* c, uint32_t kind, int part = 0, bool by_key = false);
+// The work of a press is done: the value changes and the event goes out.
+void HitControl(Control* c, bool by_key);
+// As a press and a release of the pointer, by a key.
+void PressByKey(Control* c);
+// Whether a point of the content presses it.
+bool IsControlUnder(const Control* c, Point at);
+OSStatus HandlePress(HandlerCall* call, Event* event, void* user_data);
+void ForgetTracking(const Control* c);
+
+// --- focus.cc and keys.cc
+bool CanTakeKeys(const Control* c, uint8_t how);
+// It is hidden, inactive or at its end.
+void LoseFocus(Control* c);
+// Gives the keyboard to the next (or the one before) that Tab reaches; false when there is none.
+bool MoveFocusByTab(WindowControls& all, bool back);
+// While Alt is held, the letters that press are underlined.
+void ShowLetters(WindowControls& all, bool shown);
+OSStatus HandleKey(HandlerCall* call, Event* event, void* user_data);
+OSStatus HandleActivation(HandlerCall* call, Event* event, void* user_data);
+
+// --- keys.cc
+// A letter without case; 0 for what is none.
+char32_t FoldLetter(char32_t c);
+// Of the text of a control that Alt and a letter press.
+char32_t LetterOf(const Control* c);
+
+// --- text.cc: one line of text in a rectangle
+struct ControlFont {
+  SizedFont* font = nullptr;
+  int ascent = 0, descent = 0;
+};
+const ControlFont& GetControlFont(bool bold);
+struct LineStyle {
+  bool bold = false;
+  TextJustification justification = TextJustification::kCenter;
+  bool underline_first = false;
+  uint32_t rgb = 0;
+  int alpha = 255;
+};
+// In the middle of the height; shortened with "…" where it is too wide.
+void DrawControlText(ContextRef c, const Rect& r, const std::string& text, const LineStyle& style);
+int ControlTextWidth(const std::string& text, bool bold);
+void FinishControlFonts();
+
+}  // namespace platform

@@ -1,0 +1,289 @@
+// Making and ending controls, and what they are.
+#include <algorithm>
+
+#include "platform/access/access.h"
+#include "platform/controls/control.h"
+#include "platform/text/utf8.h"
+#include "platform/windows/internal.h"
+
+namespace platform {
+namespace {
+
+void ReleaseRecord(void* record) {
+  delete static_cast<Control*>(record);
+}
+
+void Describe(const void* record, Description* out) {
+  auto* c = static_cast<const Control*>(record);
+  auto* control = const_cast<Control*>(c);
+  const WindowControls& all = OwnerOf(c);
+  *out = {};
+  out->role = c->role;
+  out->name = c->described.empty() ? c->text : c->described;
+  const Rect content = GetWindowBounds(all.window, kWindowContentRgn);
+  out->bounds = Offset(GetControlBounds(control), content.left, content.top);
+  auto is = [&](bool yes, uint32_t bit) { out->state |= yes ? bit : 0; };
+  is(all.window->visible && IsControlVisible(control), kIsShown);
+  is(c->active, kIsEnabled);
+  is(c->keys & (kKeysByTab | kKeysByRequest), kIsFocusable);
+  is(all.focus == c, kIsFocused);
+  is(IsControlHilited(control), kIsPressed);
+  is(all.ok == c, kIsDefault);
+  if (c->active && c->kind->key) out->actions |= kActionPress;
+  if (CanTakeKeys(c, kKeysByTab | kKeysByRequest)) out->actions |= kActionFocus;
+  if (c->kind->describe) c->kind->describe(c, out);
+}
+
+constexpr ObjectType kControlType = {ObjectKind::kControl, ReleaseRecord, Describe};
+
+void Unlink(Control* c) {
+  WindowControls& all = OwnerOf(c);
+  (c->previous ? c->previous->next : all.first) = c->next;
+  (c->next ? c->next->previous : all.last) = c->previous;
+  if (all.ok == c) all.ok = nullptr;
+  if (all.cancel == c) all.cancel = nullptr;
+  if (all.tab_from == c) all.tab_from = c->previous;
+}
+
+OSStatus EndOfWindow(HandlerCall*, Event* event, void*) {
+  WindowControls* all = event->window->controls;
+  if (!all) return eventNotHandledErr;
+  for (Control* c = all->first; c;) {
+    Control* next = c->next;
+    ForgetTracking(c);
+    EndObject(&c->object);
+    c = next;
+  }
+  while (!all->root.children.empty()) DisposePane(all->root.children.back());
+  ReleaseControlContext(*all);
+  event->window->controls = nullptr;
+  delete all;
+  return eventNotHandledErr;
+}
+
+// What the platform does by itself in a window comes behind all other handlers.
+OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
+  constexpr EventKind kPress[] = {{kEventClassMouse, kEventMouseDown}};
+  constexpr EventKind kKeys[] = {{kEventClassKeyboard, kEventRawKeyDown},
+                                 {kEventClassKeyboard, kEventRawKeyRepeat},
+                                 {kEventClassKeyboard, kEventRawKeyModifiersChanged}};
+  constexpr EventKind kActivation[] = {{kEventClassWindow, kEventWindowActivated},
+                                       {kEventClassWindow, kEventWindowDeactivated}};
+  constexpr EventKind kEnd[] = {{kEventClassWindow, kEventWindowEnding}};
+  EventTargetRef target = GetWindowEventTarget(event->window);
+  InstallEventHandler(target, HandlePress, kPress, 1, nullptr);
+  InstallEventHandler(target, HandleKey, kKeys, 3, nullptr);
+  InstallEventHandler(target, HandleActivation, kActivation, 2, nullptr);
+  InstallEventHandler(target, EndOfWindow, kEnd, 1, nullptr);
+  return eventNotHandledErr;
+}
+
+}  // namespace
+
+void InitControls() {
+  constexpr EventKind kCreated[] = {{kEventClassWindow, kEventWindowCreated}};
+  InstallEventHandler(GetApplicationEventTarget(), WindowCreated, kCreated, 1, nullptr);
+}
+
+void FinishControls() {
+  ForgetTracking(nullptr);
+  FinishControlFonts();
+}
+
+WindowControls* ControlsOf(WindowRef w) {
+  return IsValidWindow(w) ? w->controls : nullptr;
+}
+
+bool IsValidControl(ControlRef c) {
+  return IsLiveObject(reinterpret_cast<const Object*>(c)) &&
+         c->object.type->kind == ObjectKind::kControl;
+}
+
+Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
+  if (!pane) return nullptr;
+  auto* c = new Control;
+  c->object.type = &kControlType;
+  c->object.record = c;
+  c->kind = &kind;
+  c->pane = pane;
+  c->bounds = c->area = bounds;
+  WindowControls& all = *pane->owner;
+  c->previous = all.last;
+  (all.last ? all.last->next : all.first) = c;
+  all.last = c;
+  c->role = kind.role;
+  EnterObject(&c->object);
+  NoticeChange(all.window->object.serial, Change::kChildren);
+  return c;
+}
+
+void DisposeControl(ControlRef c) {
+  if (!IsValidControl(c)) return;
+  LoseFocus(c);
+  if (IsControlVisible(c)) Uncover(c, ControlArea(c));
+  ForgetTracking(c);
+  Unlink(c);
+  NoticeChange(c->object.serial, Change::kEnded);
+  NoticeChange(OwnerOf(c).window->object.serial, Change::kChildren);
+  EndObject(&c->object);
+}
+
+EventTargetRef GetControlEventTarget(ControlRef c) {
+  return IsValidControl(c) ? &c->object.target : nullptr;
+}
+void SetControlReference(ControlRef c, void* reference) {
+  if (IsValidControl(c)) c->reference = reference;
+}
+void* GetControlReference(ControlRef c) {
+  return IsValidControl(c) ? c->reference : nullptr;
+}
+WindowRef GetControlOwner(ControlRef c) {
+  return IsValidControl(c) ? OwnerOf(c).window : nullptr;
+}
+
+Rect GetControlBounds(ControlRef c) {
+  if (!IsValidControl(c)) return {};
+  return Offset(c->bounds, c->pane->bounds.left, c->pane->bounds.top);
+}
+
+namespace {
+
+// Gives it another place; what it uncovers is erased and lost.
+template <typename Function>
+void Replace(Control* c, Function place) {
+  auto covered = [c] { return OwnerOf(c).focus == c ? RingArea(c) : ControlArea(c); };
+  const bool visible = IsControlVisible(c);
+  const Rect before = covered();
+  place();
+  if (!visible) return;
+  Uncover(c, before);
+  RedrawArea(OwnerOf(c), c->pane, covered());
+}
+
+}  // namespace
+
+void SetControlBounds(ControlRef c, const Rect& bounds) {
+  if (!IsValidControl(c) || c->bounds == bounds) return;
+  Replace(c, [&] { c->bounds = c->area = bounds; });
+  NoticeChange(c->object.serial, Change::kBounds);
+}
+
+void SetControlArea(ControlRef c, const Rect& area) {
+  if (!IsValidControl(c)) return;
+  const Rect& b = c->bounds;
+  const Rect wanted{std::min(area.left, b.left), std::min(area.top, b.top),
+                    std::max(area.right, b.right), std::max(area.bottom, b.bottom)};
+  if (wanted != c->area) Replace(c, [&] { c->area = wanted; });
+}
+
+static void SetText(Control* c, const char* utf8) {
+  std::string text = ValidUtf8(utf8 ? utf8 : "");
+  if (c->text == text) return;
+  c->text = std::move(text);
+  NoticeChange(c->object.serial, Change::kName);
+  Draw1Control(c);
+}
+
+void SetControlTitle(ControlRef c, const char* utf8) {
+  if (IsValidControl(c) && c->kind->has_title) SetText(c, utf8);
+}
+const char* GetControlTitle(ControlRef c) {
+  return IsValidControl(c) && c->kind->has_title ? c->text.c_str() : "";
+}
+void SetStaticText(ControlRef c, const char* utf8) {
+  if (IsValidControl(c) && c->kind == &kStaticTextKind) SetText(c, utf8);
+}
+void SetPaneName(ControlRef c, const char* utf8) {
+  if (IsValidControl(c) && c->kind == &kUserPaneKind) SetText(c, utf8);
+}
+
+void SetControlRole(ControlRef c, ObjectRole role) {
+  if (IsValidControl(c)) c->role = role;
+}
+void SetControlDescription(ControlRef c, const char* utf8) {
+  if (!IsValidControl(c)) return;
+  c->described = ValidUtf8(utf8 ? utf8 : "");
+  NoticeChange(c->object.serial, Change::kName);
+}
+bool DescribeControl(ControlRef c, uint64_t* serial, Description* out) {
+  if (!IsValidControl(c)) return false;
+  *serial = c->object.serial;
+  Describe(c, out);
+  return true;
+}
+void PressControl(ControlRef c) {
+  if (IsValidControl(c) && c->active && c->kind->key) PressByKey(c);
+}
+
+void SetControl32BitValue(ControlRef c, int32_t value) {
+  if (!IsValidControl(c)) return;
+  value = std::clamp(value, c->kind->minimum, c->kind->maximum);
+  if (c->value == value) return;
+  c->value = value;
+  NoticeChange(c->object.serial, Change::kValue);
+  Draw1Control(c);
+}
+int32_t GetControl32BitValue(ControlRef c) {
+  return IsValidControl(c) ? c->value : 0;
+}
+
+void SetControlKeys(ControlRef c, uint8_t keys) {
+  if (IsValidControl(c)) c->keys = keys;
+}
+
+void ActivateControl(ControlRef c) {
+  if (!IsValidControl(c) || c->active) return;
+  c->active = true;
+  NoticeChange(c->object.serial, Change::kState);
+  Draw1Control(c);
+}
+
+void DeactivateControl(ControlRef c) {
+  if (!IsValidControl(c) || !c->active) return;
+  c->active = false;
+  NoticeChange(c->object.serial, Change::kState);
+  c->inside = false;
+  LoseFocus(c);
+  if (IsValidControl(c)) Draw1Control(c);
+}
+
+bool IsControlActive(ControlRef c) {
+  return IsValidControl(c) && c->active;
+}
+
+void ShowControl(ControlRef c) {
+  if (!IsValidControl(c) || c->shown) return;
+  c->shown = true;
+  NoticeChange(c->object.serial, Change::kState);
+  Draw1Control(c);
+}
+
+void HideControl(ControlRef c) {
+  if (!IsValidControl(c) || !c->shown) return;
+  LoseFocus(c);
+  if (!IsValidControl(c)) return;
+  const bool visible = IsControlVisible(c);
+  c->shown = c->inside = false;
+  NoticeChange(c->object.serial, Change::kState);
+  if (visible) Uncover(c, ControlArea(c));
+}
+
+bool IsControlVisible(ControlRef c) {
+  return IsValidControl(c) && c->shown && PaneShows(c->pane);
+}
+bool IsControlHilited(ControlRef c) {
+  return IsValidControl(c) && (c->inside || c->held);
+}
+
+bool IsControlLetterShown(ControlRef c) {
+  return IsValidControl(c) && c->underlined;
+}
+
+void HoldControl(ControlRef c, bool held) {
+  if (!IsValidControl(c) || c->held == held) return;
+  c->held = held;
+  NoticeChange(c->object.serial, Change::kState);
+  Draw1Control(c);
+}
+
+}  // namespace platform

@@ -1,0 +1,139 @@
+// Native controls: state machines in a window that track the pointer and the keyboard by
+// themselves. What happens to one goes as an event to its own target.
+//
+// Rectangles are in the content of the window. Null and stale controls are ignored everywhere; a
+// question about one gives 0, false, "" or null. Texts are UTF-8, copied.
+#pragma once
+#include <cstdint>
+
+#include "platform/events/targets.h"
+#include "platform/graphics/context.h"
+
+namespace platform {
+
+// --- Panes: the window's content, and the parts of it that come, go and move with what is in them.
+
+struct Pane;
+using PaneRef = Pane*;
+// The whole content. Null for a stale window.
+PaneRef RootPane(WindowRef w);
+// Hidden. Of the panes of one parent that overlap, the one with the greater order lies above.
+// Lives until DisposePane or the end of the window.
+PaneRef CreatePane(PaneRef parent, const Rect& bounds, int order);
+// Those in it go with it. Null is ignored.
+void DisposePane(PaneRef p);
+// Its controls move along, and show where they are then.
+void SetPaneBounds(PaneRef p, const Rect& bounds);
+void ShowPane(PaneRef p, bool shown);
+// What its controls are erased with: a theme brush, else a colour (kNoColor: none), else what the
+// pane above it has.
+void SetPaneBackground(PaneRef p, int brush, uint32_t rgb);
+// Erases a rectangle of the content, as far as the pane shows there, and draws the controls that
+// meet it.
+void RedrawPane(PaneRef p, const Rect& area);
+
+// --- Making controls. Hidden and inactive; the latest lies above the others and is the last that
+// --- Tab reaches. `bounds` are relative to the pane.
+
+ControlRef CreatePushButtonControl(PaneRef pane, const Rect& bounds);
+// `value` other than 0 draws it pressed.
+ControlRef CreateBevelButtonControl(PaneRef pane, const Rect& bounds, int value);
+ControlRef CreateCheckBoxControl(PaneRef pane, const Rect& bounds, const char* title, int value);
+ControlRef CreateRadioButtonControl(PaneRef pane, const Rect& bounds, const char* title, int value);
+enum class TextJustification : uint8_t { kLeft, kCenter, kRight };
+ControlRef CreateStaticTextControl(PaneRef pane, const Rect& bounds, TextJustification just,
+                                   bool bold);
+// Drawn by `draw`, pressed where `hit_test` gives another part than 0.
+using PaneDraw = void (*)(ControlRef control);
+using PaneHitTest = int (*)(ControlRef control, Point where);
+ControlRef CreateUserPaneControl(PaneRef pane, const Rect& bounds, PaneDraw draw,
+                                 PaneHitTest hit_test);
+// Its area is erased and lost. Legal inside its own events.
+void DisposeControl(ControlRef c);
+
+// --- What a control is
+
+bool IsValidControl(ControlRef c);
+EventTargetRef GetControlEventTarget(ControlRef c);
+void SetControlReference(ControlRef c, void* reference);
+void* GetControlReference(ControlRef c);
+WindowRef GetControlOwner(ControlRef c);
+// In the content of the window.
+Rect GetControlBounds(ControlRef c);
+// Relative to its pane. What it uncovers is erased and lost; one that shows is drawn.
+void SetControlBounds(ControlRef c, const Rect& bounds);
+// What is erased with it: more than its bounds, relative to its pane.
+void SetControlArea(ControlRef c, const Rect& area);
+// The smallest rectangle that shows all of a check box or radio button, at its place.
+Rect GetBestControlRect(ControlRef c);
+void SetControlTitle(ControlRef c, const char* utf8);
+// Static text and user panes have none: the empty string. Valid until the next change.
+const char* GetControlTitle(ControlRef c);
+// The text of a static text.
+void SetStaticText(ControlRef c, const char* utf8);
+// What a user pane is called, for the letter that presses it and for those who cannot see it.
+void SetPaneName(ControlRef c, const char* utf8);
+// How it describes itself. The role is that of its kind, a button for a user pane, until it is set.
+// `utf8` comes before its own text; "" and null take it away.
+void SetControlRole(ControlRef c, ObjectRole role);
+void SetControlDescription(ControlRef c, const char* utf8);
+bool DescribeControl(ControlRef c, uint64_t* serial, Description* out);
+// Cut to the range of its kind: push button 0 and 1, check box and radio button 0 to 2, static text
+// and user pane 0; a bevel button takes any.
+void SetControl32BitValue(ControlRef c, int32_t value);
+int32_t GetControl32BitValue(ControlRef c);
+
+// How it takes the keyboard; bits.
+enum ControlKeys : uint8_t {
+  kKeysByTab = 1,      // Tab reaches it
+  kKeysByRequest = 2,  // SetKeyboardFocus does
+  kKeysClick = 4,      // a key sends kEventControlClick first, as a press does; else only the hit
+  kKeysLetter = 8,     // Alt with the first letter of its text presses it
+};
+void SetControlKeys(ControlRef c, uint8_t keys);
+
+// --- Showing
+
+void ActivateControl(ControlRef c);
+void DeactivateControl(ControlRef c);
+bool IsControlActive(ControlRef c);
+void ShowControl(ControlRef c);
+void HideControl(ControlRef c);
+// Whether it shows, and every pane that it is in.
+bool IsControlVisible(ControlRef c);
+// A press on it is held inside it, or its menu is open.
+bool IsControlHilited(ControlRef c);
+// Whether the letter that presses it is underlined now, because Alt is held.
+bool IsControlLetterShown(ControlRef c);
+// Draws it pressed while something that it has opened is open.
+void HoldControl(ControlRef c, bool held);
+void Draw1Control(ControlRef c);
+// Those that meet `lost`, in the order in which they were made.
+void DrawControls(WindowRef w, const Rect& lost);
+// In a draw function of a user pane: its context, whose clip is what must be drawn. The background
+// is painted already.
+ContextRef GetControlContext(ControlRef c);
+
+// --- Pointer and keyboard
+
+// The one under a point of the content. None where a shown pane covers it.
+ControlRef FindControlUnderMouse(Point where, WindowRef w);
+// As a key would, whoever has the keyboard. An inactive one is ignored.
+void PressControl(ControlRef c);
+// Part 0 takes the keyboard away from it; any other gives it to a control that shows, is active and
+// can take it.
+void SetKeyboardFocus(WindowRef w, ControlRef c, int part);
+void ClearKeyboardFocus(WindowRef w);
+ControlRef GetKeyboardFocus(WindowRef w);
+// Around the control with the keyboard this much of the content is its ring's.
+constexpr int kFocusRingSpace = 3;
+// Return presses the one, Escape the other, when the control with the keyboard does not take the
+// key. Null: none.
+void SetDefaultButtons(WindowRef w, ControlRef ok, ControlRef cancel);
+// Whether Tab goes from control to control; it does in a new window.
+void SetTabMoves(WindowRef w, bool moves);
+
+void InitControls();
+void FinishControls();
+
+}  // namespace platform

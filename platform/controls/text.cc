@@ -1,0 +1,79 @@
+// Lines of text in controls.
+#include <algorithm>
+
+#include "platform/controls/control.h"
+#include "platform/graphics/context.h"
+
+namespace platform {
+namespace {
+
+constexpr int kBigSystemFont = -1;
+constexpr const char* kEllipsis = "…";
+
+ControlFont fonts[2];
+
+ControlFont Open(bool bold) {
+  const ThemeFont theme = GetThemeFont(kBigSystemFont);
+  const FontFace* face = bold ? FindFont((theme.family + " Bold").c_str()) : nullptr;
+  if (!face) face = FindFont(theme.family.c_str());
+  if (!face) face = FallbackFont();
+  if (!face) return {};
+  const FontMetrics m = GetFontMetrics(face);
+  return {OpenFont(face, theme.size), int(m.ascent * float(theme.size) + 0.5f),
+          int(0.5f - m.descent * float(theme.size))};
+}
+
+// Lays the text out so that it is no wider than `width`, with an ellipsis at the end of one that is
+// cut. The logical width of the result.
+int LayOutCut(const ControlFont& font, const std::string& text, int width, TextLine* line) {
+  const TextScale scale = GetTextScale(font.font);
+  // No further than what shows and one cluster more.
+  LayOutText(font.font, text, line,
+             (int64_t{width} + 1) * scale.units_per_em / std::max<int64_t>(scale.size, 1) + 1);
+  if (scale.Pixels(line->width()) <= width) return scale.Pixels(line->width());
+  TextLine dots;
+  LayOutText(font.font, kEllipsis, &dots);
+  size_t n = line->count();
+  while (n > 0 && scale.Pixels(line->clusters[n].pen + dots.width()) > width) --n;
+  const std::string cut = text.substr(0, line->clusters[n].start) + kEllipsis;
+  LayOutText(font.font, cut, line);
+  return scale.Pixels(line->width());
+}
+
+}  // namespace
+
+const ControlFont& GetControlFont(bool bold) {
+  ControlFont& f = fonts[bold];
+  if (!f.font) f = Open(bold);
+  return f;
+}
+
+void FinishControlFonts() {
+  fonts[0] = fonts[1] = ControlFont();
+}
+
+int ControlTextWidth(const std::string& text, bool bold) {
+  const ControlFont& font = GetControlFont(bold);
+  if (!font.font) return 0;
+  TextLine line;
+  LayOutText(font.font, text, &line);
+  return GetTextScale(font.font).Pixels(line.width()) + 1;
+}
+
+void DrawControlText(ContextRef c, const Rect& r, const std::string& text, const LineStyle& style) {
+  const ControlFont& font = GetControlFont(style.bold);
+  if (!font.font || text.empty() || r.empty()) return;
+  static TextLine line;
+  const int width = LayOutCut(font, text, r.width(), &line);
+  int x = r.left;
+  if (style.justification == TextJustification::kCenter) x += (r.width() - width) / 2;
+  if (style.justification == TextJustification::kRight) x = r.right - width;
+  const int baseline = r.top + (r.height() - font.ascent - font.descent) / 2 + font.ascent;
+  DrawLine(c, font.font, x, baseline, line, style.rgb, style.alpha);
+  if (!style.underline_first || line.count() == 0) return;
+  const int under = GetTextScale(font.font).Pixels(line.clusters[1].pen);
+  SetContextColor(c, style.rgb);
+  StrokeLineSolid(c, x, baseline + 1, x + std::max(1, under) - 1, baseline + 1);
+}
+
+}  // namespace platform

@@ -1,0 +1,125 @@
+// A press of the primary button on a control, until it is let go.
+#include "platform/controls/control.h"
+#include "platform/events/trackers.h"
+#include "platform/windows/windows.h"
+
+namespace platform {
+namespace {
+
+constexpr uint16_t kPrimary = 1, kSecondary = 2;
+
+struct Held {
+  Control* control = nullptr;  // null once it has ended: the release is still swallowed
+  Tracker tracker;
+};
+Held held;
+
+Point InContent(const Control* c, Point where) {
+  const Rect content = GetWindowBounds(OwnerOf(c).window, kWindowContentRgn);
+  return {where.x - content.left, where.y - content.top};
+}
+
+bool Inside(const Control* c, Point at) {
+  auto* control = const_cast<Control*>(c);
+  return c->active && IsControlVisible(control) && GetControlBounds(control).contains(at) &&
+         PaneArea(c->pane).contains(at);
+}
+
+void EndTracking() {
+  StopTracking(&held.tracker);
+  held.control = nullptr;
+}
+
+// A release that names no window comes of a grab that was taken away.
+void Release(const Event& e) {
+  Control* c = held.control;
+  EndTracking();
+  if (!c) return;
+  const bool inside = e.window && Inside(c, InContent(c, e.mouse.where));
+  if (c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+}
+
+Tracking Ask(void*, Event* event) {
+  if (event->cls != kEventClassMouse) return Tracking::kPass;
+  switch (event->kind) {
+    case kEventMouseUp:
+      if (event->mouse.button == kPrimary || !event->window) Release(*event);
+      return Tracking::kTake;
+    case kEventMouseDown:
+      // Its release was lost.
+      if (event->mouse.button == kPrimary) {
+        Event lost(kEventClassMouse, kEventMouseUp);
+        lost.mouse = {};
+        Release(lost);
+        return Tracking::kPass;
+      }
+      return Tracking::kTake;
+    case kEventMouseMoved:
+    case kEventMouseDragged:
+      if (Control* c = held.control; c && c->kind->drag)
+        c->kind->drag(c, InContent(c, event->mouse.where));
+      return Tracking::kTake;
+    default:
+      return Tracking::kTake;
+  }
+}
+
+void Press(Control* c, const Event& e) {
+  if (e.mouse.button == kSecondary) {
+    SendControlEvent(c, kEventControlContextualMenuClick);
+    return;
+  }
+  if (e.mouse.button != kPrimary) return;
+  const Point at = InContent(c, e.mouse.where);
+  DispatchScope scope;  // the record stays
+  if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
+  if (!IsValidControl(c) || !c->active || !c->kind->press || !c->kind->press(c, at)) return;
+  held.control = c;
+  held.tracker = {Ask, nullptr, nullptr, 0};
+  StartTracking(&held.tracker);
+}
+
+}  // namespace
+
+OSStatus SendControlEvent(Control* c, uint32_t kind, int part, bool by_key) {
+  Event e(kEventClassControl, kind, OwnerOf(c).window);
+  e.control = {c, part, by_key};
+  return SendEventToEventTarget(&e, &c->object.target);
+}
+
+void HitControl(Control* c, bool by_key) {
+  if (c->kind->act) c->kind->act(c);
+  SendControlEvent(c, kEventControlHit, 0, by_key);
+}
+
+void PressByKey(Control* c) {
+  DispatchScope scope;
+  if ((c->keys & kKeysClick) &&
+      SendControlEvent(c, kEventControlClick, 0, true) != eventNotHandledErr)
+    return;
+  if (IsValidControl(c)) HitControl(c, true);
+}
+
+bool IsControlUnder(const Control* c, Point at) {
+  return Inside(c, at);
+}
+
+OSStatus HandlePress(HandlerCall*, Event* event, void*) {
+  WindowRef w = event->window;
+  if (!ControlsOf(w) || FindWindow(event->mouse.where, w) != inContent) return eventNotHandledErr;
+  const Rect content = GetWindowBounds(w, kWindowContentRgn);
+  Control* c = FindControlUnderMouse(
+      {event->mouse.where.x - content.left, event->mouse.where.y - content.top}, w);
+  if (!c) return eventNotHandledErr;
+  Press(c, *event);
+  return noErr;
+}
+
+void ForgetTracking(const Control* c) {
+  if (!c)
+    EndTracking();
+  else if (held.control == c)
+    held.control = nullptr;
+}
+
+}  // namespace platform

@@ -1,0 +1,25 @@
+// Outlines: shapes of lines and curves, anti-aliased at the device's own pixels. FreeType's
+// rasteriser makes a mask for each scale, which the outline keeps.
+#pragma once
+#include "platform/base.h"
+
+namespace platform {
+
+enum class PathVerb : uint8_t { kMove, kLine, kQuad, kCubic, kClose };
+// (x, y) is the end, the others are control points; logical pixels, y down.
+struct PathPart {
+  PathVerb verb;
+  float x = 0, y = 0, x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+};
+
+struct Outline;
+// Copied. `stroke` above 0: a line of that width along it, with round ends and joins; else filled,
+// even-odd. Null for no parts, a verb that is none, and numbers that are not finite or beyond
+// 16384.
+Outline* CreateOutline(const PathPart* parts, int count, float stroke);
+void ReleaseOutline(Outline* o);
+// With its origin at (x, y); `alpha` 0..255. One whose mask would be larger than 2048 pixels a side
+// paints nothing, as do a null context and a null outline.
+void DrawOutline(ContextRef c, Outline* o, int x, int y, uint32_t rgb, int alpha);
+
+}  // namespace platform

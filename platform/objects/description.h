@@ -1,0 +1,53 @@
+// What an object says of itself to tests, inspectors and assistive technology.
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "platform/base.h"
+
+namespace platform {
+
+enum class ObjectRole : uint8_t {
+  kWindow,
+  kPane,  // a part of a window
+  kButton,
+  kMenuButton,
+  kCheckBox,
+  kRadioButton,
+  kColorWell,
+  kColumnHeader,
+  kLabel,
+  kMenuBar,
+  kMenu,
+  kMenuItem,
+  kSeparator,
+};
+
+enum ObjectState : uint32_t {
+  kIsShown = 1,  // and everything that it is in
+  kIsEnabled = 2,
+  kIsFocusable = 4,
+  kIsFocused = 8,
+  kIsChecked = 16,
+  kIsMixed = 32,    // neither on nor off
+  kIsPressed = 64,  // held by the pointer, or its menu is open
+  kIsDefault = 128,
+  kIsActive = 256,  // a window that looks so
+  kHasMenu = 512,   // opens one
+};
+
+// What can be done to it; bits.
+enum ObjectAction : uint32_t {
+  kActionPress = 1,  // as the pointer or a key would
+  kActionFocus = 2,  // gives it the keyboard
+};
+
+struct Description {
+  ObjectRole role = ObjectRole::kPane;
+  std::string name, value;  // UTF-8
+  uint32_t state = 0;       // bits of ObjectState
+  uint32_t actions = 0;     // bits of ObjectAction
+  Rect bounds;              // global, logical pixels
+};
+
+}  // namespace platform

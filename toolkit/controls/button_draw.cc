@@ -1,0 +1,133 @@
+// The buttons and wells that the toolkit draws: a face, a colour, an icon, a line of text.
+#include <cstring>
+#include <string>
+
+#include "platform/fonts/fonts.h"
+#include "platform/graphics/context.h"
+#include "platform/text/mac_roman.h"
+#include "platform/theme/roles.h"
+#include "platform/theme/theme.h"
+#include "toolkit/controls/buttons.h"
+#include "toolkit/controls/framework.h"
+#include "toolkit/drawing/icons.h"
+#include "toolkit/drawing/text.h"
+#include "toolkit/target/colors.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr int kOpaque = 255, kPressedAlpha = 204, kGreyAlpha = 102;
+constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kArrowRight = 11, kWellInset = 3;
+constexpr int kDarkest = 128;  // of the luminances that take black text
+
+struct Look {
+  ThemeButtonDrawInfo info;
+  int alpha = kOpaque;       // of text and icon
+  uint32_t rgb = 0;          // of text and icon
+  uint32_t face = 0xFFFFFF;  // behind them
+};
+
+Look LookOf(const XwWindow* w, ControlRef control) {
+  Look look;
+  look.face = RoleColor(Role::kFace);
+  // While it is held or its menu is open it looks as with the value 1, without the sorting mark.
+  const bool held = IsControlHilited(control);
+  const int value = w->kind == XWK_COLOR ? 0 : held ? 1 : w->value;
+  if (!IsControlActive(control) || value == -1) {
+    look.info.state = kThemeStateInactive;
+    look.alpha = kGreyAlpha;
+  } else if (value == 1 || value == 2) {
+    look.info.state = kThemeStatePressed;
+    look.info.value = kThemeButtonOn;
+    look.alpha = kPressedAlpha;
+    look.face = RoleColor(Role::kPressed);
+  }
+  const bool marked = w->style & XWC_HEADER && w->value == 1 && !held;
+  if (w->kind == XWK_BUTTON && marked)
+    look.info.adornment = w->style & XWC_SORT_DOWN ? kThemeAdornmentHeaderButtonSortDown
+                                                   : kThemeAdornmentHeaderButtonSortUp;
+  return look;
+}
+
+Rect Inset(const Rect& r, int by) {
+  return {r.left + by, r.top + by, r.right - by, r.bottom - by};
+}
+
+void DrawWell(ContextRef c, const XwWindow* w, const Rect& r, Look* look) {
+  const uint32_t rgb = ColorToRgb(w->value);
+  const int alpha = look->info.state == kThemeStateInactive ? kGreyAlpha : kOpaque;
+  Rect inside = r;
+  if (w->style & XWC_VARIANT) {
+    DrawThemeGenericWell(c, r, look->info.state, false);
+    inside = Inset(r, kWellInset);
+  } else if (w->style & XWC_ICON) {
+    DrawThemeButton(c, r, kThemeBevelButton, look->info);
+    inside = Inset(r, kWellInset);
+  }
+  FillRoundRect(c, inside, 0, rgb, alpha);
+  if (inside == r) FrameRoundRect(c, r, 0, 0x000000, alpha);
+  const double luminance =
+      0.3 * (rgb >> 16 & 0xFF) + 0.59 * (rgb >> 8 & 0xFF) + 0.11 * (rgb & 0xFF);
+  look->rgb = int(luminance) <= kDarkest ? 0xFFFFFF : 0x000000;
+  look->alpha = alpha;
+  look->face = rgb;
+}
+
+// A distance from the lower edge that leaves the odd pixel of the height at the top.
+int Below(const Rect& r, int inner) {
+  return (r.height() - inner) / 2;
+}
+
+void DrawLabel(ContextRef c, const XwWindow* w, const Rect& r, bool arrow, const Look& look) {
+  const XwFont* font = arrow ? FT_BUTTON : FT_SMALL;
+  SizedFont* sized = toolkit::Sized(font);
+  if (!sized) return;
+  int x = r.left + kTextLeft;
+  int up = font->descent + Below(r, font->ascent + font->descent);
+  if (!arrow) {
+    ++up;
+    if (!(w->style & XWC_LEFT)) {
+      const std::string trimmed =
+          XwTextTrim(const_cast<XwFont*>(font), w->text, r.width() - kTextMargin);
+      x = r.left + (r.width() - XwTextWidth(const_cast<XwFont*>(font), trimmed.c_str())) / 2;
+    }
+  }
+  const std::string text = MacRomanToUtf8(w->text);
+  DrawUtf8(c, sized, x, r.bottom - up, text, look.rgb, look.alpha);
+  if (!IsControlLetterShown(NativeControl(w))) return;
+  const char first[2] = {w->text[0], 0};
+  SetContextColor(c, look.rgb);
+  const int under = XwTextWidth(const_cast<XwFont*>(font), first);
+  StrokeLineSolid(c, x, r.bottom - up + 1, x + (under > 1 ? under - 1 : 0), r.bottom - up + 1);
+}
+
+void DrawIconAt(ContextRef c, XwIcon* icon, int x, int bottom, const Look& look) {
+  PaintIcon(c, icon, x, bottom - icon->height, look.rgb, look.alpha, look.face);
+}
+
+}  // namespace
+
+void ButtonDraw_Func(ControlRef control) {
+  auto* w = static_cast<XwWindow*>(GetControlReference(control));
+  ContextRef c = GetControlContext(control);
+  if (!w || !c) return;
+  const Rect r = GetControlBounds(control);
+  auto* icon =
+      w->style & XWC_ICON && w->kind != XWK_COLOR ? static_cast<XwIcon*>(w->user_data) : nullptr;
+  Look look = LookOf(w, control);
+  bool arrow = false;
+  if (w->kind == XWK_COLOR) {
+    DrawWell(c, w, r, &look);
+  } else if (w->kind == XWK_BUTTON) {
+    const bool header = w->style & XWC_HEADER;
+    arrow = !header && w->style & XWC_MENU && w->button_menu;
+    DrawThemeButton(c, r, header ? kThemeListHeaderButton : kThemeBevelButton, look.info);
+  }
+  if (w->text && *w->text) DrawLabel(c, w, r, arrow, look);
+  if (icon) {
+    const int x = arrow ? r.left + kIconLeft : r.left + (r.width() - icon->width) / 2;
+    DrawIconAt(c, icon, x, r.bottom - Below(r, icon->height), look);
+  }
+  if (arrow) DrawIconAt(c, IC_OPT_MENU, r.right - kArrowRight, r.bottom, look);
+}

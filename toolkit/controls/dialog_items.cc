@@ -1,0 +1,34 @@
+// Many controls out of one list.
+#include "toolkit/core/alive.h"
+#include "toolkit/xw.h"
+
+namespace {
+
+enum : uint8_t { kEnd = 0, kButton = 1, kCheckBox = 2, kLabel = 5, kColor = 8 };
+
+}  // namespace
+
+void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx, int32_t dy) {
+  if (!CheckWindow(parent) || !items) return;
+  for (const XwDialogItem* i = items; i->type != kEnd; ++i) {
+    const char* text = i->text ? i->text : "";
+    const int x = i->x < 0 ? parent->width + i->x : i->x + dx;
+    const int y = i->y < 0 ? parent->height + i->y : i->y + dy;
+    switch (i->type) {
+      case kButton:
+        XwButton(parent, text, i->id, x, y, i->width, i->height, i->style, i->value);
+        break;
+      case kCheckBox:
+        XwCheckBox(parent, text, i->id, x, y, i->style, int32_t(i->value));
+        break;
+      case kLabel:
+        XwLabel(parent, text, i->id, x, y, i->width, i->height, i->style);
+        break;
+      case kColor:
+        XwColor(parent, text, i->id, x, y, i->width, i->height, i->style, int32_t(i->value));
+        break;
+      default:
+        break;
+    }
+  }
+}

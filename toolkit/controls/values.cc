@@ -1,0 +1,58 @@
+// Values and texts of controls and windows.
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "platform/access/access.h"
+#include "platform/text/mac_roman.h"
+#include "platform/windows/windows.h"
+#include "toolkit/controls/framework.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/record.h"
+#include "toolkit/target/selection.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr int kLongestText = 255;
+
+// Whether the record holds the value, and the toolkit draws it.
+bool KeepsValue(const XwWindow* w) {
+  return w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & (XWC_ICON | XWC_HEADER));
+}
+
+}  // namespace
+
+void XwSetValue(XwWindow* w, XwValue value) {
+  if (!CheckWindow(w) || IsSub(w)) return;
+  TargetScope scope;
+  if (IsTopLevel(w)) return SetWindowModified(NativeWindow(w), (value & 255) != 0);
+  if (!KeepsValue(w)) return SetControl32BitValue(NativeControl(w), int32_t(value));
+  w->value = int32_t(value);
+  Draw1Control(NativeControl(w));
+  uint64_t serial;
+  Description described;
+  if (tree_is_heard && DescribeControl(NativeControl(w), &serial, &described))
+    NoticeChange(serial, Change::kValue);
+}
+
+int32_t XwGetValue(XwWindow* w) {
+  return CheckWindow(w) && IsControl(w) ? GetControl32BitValue(NativeControl(w)) : 0;
+}
+
+char* XwGetText(XwWindow* w, char* dst) {
+  if (!dst) return dst;
+  *dst = 0;
+  if (!CheckWindow(w) || IsSub(w)) return dst;
+  if (IsTopLevel(w)) {
+    Utf8ToMacRoman(GetWindowTitle(NativeWindow(w)), dst, kLongestText + 1);
+    return dst;
+  }
+  char title[kLongestText + 1];
+  Utf8ToMacRoman(GetControlTitle(NativeControl(w)), title, sizeof title);
+  const size_t n = strlen(title);
+  dst[0] = char(n);
+  memcpy(dst + 1, title, n);
+  return dst;
+}

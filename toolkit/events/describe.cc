@@ -1,0 +1,137 @@
+#include "toolkit/events/describe.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "platform/access/access.h"
+#include "platform/controls/controls.h"
+#include "platform/text/mac_roman.h"
+#include "platform/windows/windows.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/record.h"
+#include "toolkit/target/clip.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/target/selection.h"
+
+using namespace platform;
+
+namespace {
+
+ControlRef NativeControl(const XwWindow* control) {
+  return static_cast<ControlRef>(control->platform);
+}
+
+// What was made directly before a control, in the same parent, where that is a label.
+std::string NameFromLabel(const XwWindow* control) {
+  const XwWindow* before = control->previous;
+  while (before && before->parent != control->parent) before = before->previous;
+  if (!before || before->kind != XWK_LABEL || before->style & XWC_ICON) return "";
+  uint64_t serial;
+  Description label;
+  return DescribeControl(NativeControl(before), &serial, &label) ? label.name : "";
+}
+
+void DescribeRecord(const XwWindow* w, DescribedNode* node) {
+  if (!DescribeControl(NativeControl(w), &node->serial, &node->what)) return;
+  Description& d = node->what;
+  if (w->kind == XWK_COLOR) {
+    char value[8];
+    snprintf(value, sizeof value, "#%06X", ColorToRgb(w->value) & 0xFFFFFF);
+    d.value = value;
+  }
+  if (w->kind == XWK_BUTTON && w->style & XWC_MENU) d.state |= kHasMenu;
+  if (w->kind == XWK_BUTTON && w->style & (XWC_ICON | XWC_HEADER) &&
+      (w->value == 1 || w->value == 2))
+    d.state |= kIsChecked;
+  if (d.name.empty() && w->kind != XWK_LABEL) d.name = NameFromLabel(w);
+}
+
+void DescribeSub(const XwWindow* w, DescribedNode* node) {
+  node->serial = w->serial;
+  Description& d = node->what;
+  d.role = ObjectRole::kPane;
+  uint64_t serial;
+  Description window;
+  DescribeWindow(NativeWindow(w), &serial, &window);
+  const Point origin = ContentOrigin(w);
+  d.bounds = Offset({origin.x, origin.y, origin.x + w->width, origin.y + w->height},
+                    window.bounds.left, window.bounds.top);
+  d.state = kIsEnabled;
+  bool shown = window.state & kIsShown;
+  for (const XwWindow* at = w; at && !IsTopLevel(at); at = at->parent)
+    shown = shown && at->flags & XW_SHOWN;
+  if (shown) d.state |= kIsShown;
+}
+
+// In the order of creation, which Tab follows.
+std::vector<XwWindow*> ChildrenOf(const XwWindow* w) {
+  std::vector<XwWindow*> children;
+  for (int i = 0; i < w->child_count; ++i)
+    if (w->children[i]) children.push_back(w->children[i]);
+  std::sort(children.begin(), children.end(),
+            [](const XwWindow* a, const XwWindow* b) { return a->serial < b->serial; });
+  return children;
+}
+
+DescribedNode Describe(XwWindow* w) {
+  DescribedNode node;
+  if (IsTopLevel(w))
+    DescribeWindow(NativeWindow(w), &node.serial, &node.what);
+  else if (IsSub(w))
+    DescribeSub(w, &node);
+  else
+    DescribeRecord(w, &node);
+  for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
+  return node;
+}
+
+void DescribeAll(std::vector<DescribedNode>* roots) {
+  for (XwWindow* w : ChildrenOf(W_Root)) roots->push_back(Describe(w));
+}
+
+XwWindow* FindControl(uint64_t serial) {
+  for (XwWindow* w = W_Start; w; w = w->next) {
+    uint64_t found;
+    Description d;
+    if (IsLive(w) && IsControl(w) && DescribeControl(NativeControl(w), &found, &d) &&
+        found == serial)
+      return w;
+  }
+  return nullptr;
+}
+
+// What a press reports is sent, since no dispatch is under way that would deliver it.
+void Press(XwWindow* control) {
+  const XwEvent before = Inp;
+  Inp.type = 0;
+  PressControl(NativeControl(control));
+  const XwEvent report = Inp;
+  Inp = before;
+  if (report.type) XwSendEvent(report.window, report.type, report.item, report.value, 0);
+}
+
+bool Act(uint64_t serial, uint32_t action) {
+  XwWindow* control = FindControl(serial);
+  if (!control || !IsControlActive(NativeControl(control))) return false;
+  TargetScope scope;
+  if (action == kActionPress)
+    Press(control);
+  else if (action == kActionFocus)
+    SetKeyboardFocus(NativeWindow(control), NativeControl(control), 1);
+  else
+    return false;
+  return true;
+}
+
+constexpr TreeSource kSource = {DescribeAll, Act};
+
+}  // namespace
+
+void DescribeWindows() {
+  SetTreeSource(&kSource);
+}
+
+void XwDescribeControl(XwWindow* control, const char* name) {
+  if (CheckWindow(control) && IsControl(control))
+    SetControlDescription(NativeControl(control), name);
+}
