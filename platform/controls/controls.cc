@@ -87,7 +87,6 @@ void InitControls() {
 
 void FinishControls() {
   ForgetTracking(nullptr);
-  FinishControlFonts();
 }
 
 WindowControls* ControlsOf(WindowRef w) {
