@@ -69,6 +69,8 @@ struct Cursor;
 using CursorRef = Cursor*;
 struct Control;
 using ControlRef = Control*;
+struct Menu;
+using MenuRef = Menu*;
 struct WindowControls;  // what the controls' room keeps of a window
 struct Event;
 struct HandlerCall;  // reserved for calling the next handler; may be passed on unread

@@ -429,6 +429,62 @@ void XwSetTab(XwWindow* window, int on);
  * that of the label made before it. */
 void XwDescribeControl(XwWindow* control, const char* name);
 
+/* ==== Menus =====================================================================================
+ *
+ * A menu is an array of items of the program's own, ended by one whose text is null. The toolkit
+ * keeps pointers into it and writes the state back; it copies nothing. A menu bar is such an array,
+ * too: its texts are the titles, its ids point at the menus.
+ *
+ * Before a menu of the bar shows, the first window hears 793 with the menu's array as value, and
+ * may change it. A chosen item comes as 794 with its id as item. */
+typedef struct XwMenuItem {
+  const char* text; /* "": a separator. In a bar: the title */
+  int32_t flags;    /* XWM_ bits */
+  XwValue id;       /* below 0x10000: the command. Else: the array of a sub-menu. With XWM_COLOUR: a
+                       colour value, which is the command */
+  void* menu;       /* the toolkit's */
+} XwMenuItem;
+enum {
+  XWM_DISABLED = 1, XWM_DOTS = 2 /* "..." is appended */, XWM_CHECKED = 16, XWM_HIDDEN = 32,
+  XWM_COLOUR = 64 /* shows a swatch of its id */, XWM_UTF8 = 0x100 /* its text is UTF-8 */,
+  XWM_BUILT = 0x8000 /* the toolkit's, in the first item */
+};
+
+/* Makes `bar` the menu bar. Only for the first window. Called again it only changes which menus
+ * stand in the bar, and in which order. Null empties it. */
+void XwSetMenu(XwWindow* window, XwMenuItem* bar);
+/* Shows a menu at (Inp.root_x, Inp.root_y) and waits. The chosen item's id; of a colour item its
+ * negative position from 1; 0 when it is dismissed. */
+int32_t XwPopupMenu(XwMenuItem* items);
+/* The same with a null-terminated list of texts, the one at `current` with a mark. The index of the
+ * chosen one from 0; -1. */
+int32_t XwPopupList(const char* const* strings, int32_t current);
+/* The next pop-up comes at (x, y) of the window's own position. Returns the current event. */
+XwEvent* XwPopupLocation(XwWindow* window, int x, int y);
+
+/* What follows finds an item by its id in `items` and the menus below; one that is not there is
+ * ignored. Shown menus follow. The id of a sub-menu's item (the array's address) means, for
+ * enabling, the whole sub-menu. */
+void XwEnableMenuItem(XwMenuItem* items, XwValue id, int enable);
+/* `text` is kept. It is shown as it is, without dots. */
+void XwChangeMenuItemText(XwMenuItem* items, XwValue id, const char* text);
+void XwChangeMenuItemFlags(XwMenuItem* items, XwValue id, int32_t flags);
+void XwCheckMenuItem(XwMenuItem* items, XwValue id, int check);
+/* Of the items from id `first` to id `last`, or (first 0) of all of `items`, checks those whose id
+ * is `selected` and no other. The range stands at the top of its menu. */
+void XwCheckMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last, XwValue selected);
+/* 1 for a checked item, else 0. */
+int XwGetMenuItemState(XwMenuItem* items, XwValue id);
+/* The id of the first checked item of the range; 0. */
+XwValue XwGetMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last);
+/* Copies its text to `buffer`, which has room for it; the empty string and null when there is no
+ * such item. */
+char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
+/* The key that chooses the item while it stands in the bar, shown at its right: the type of the
+ * key's event, letters without case, and exactly the modifiers that are held (XWS_ bits; caps lock
+ * does not count). 794 comes after the key's own event. Type 0 takes the key away. */
+void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
+
 /* ==== Hit boxes =================================================================================
  *
  * A window that draws its own content registers a rectangle for each thing that can be hit, while

@@ -12,12 +12,12 @@ void Draw(Control* c, ContextRef context) {
   info.value = c->value ? kThemeButtonOn : kThemeButtonOff;
   const Rect r = GetControlBounds(c);
   DrawThemeButton(context, r, kThemeBevelButton, info);
-  LineStyle line;
+  ThemeTextStyle line;
   line.bold = true;
   line.underline_first = c->underlined;
   line.rgb = ThemeButtonTextColor(kThemeBevelButton, info);
   line.alpha = c->active ? 255 : kThemeDisabledAlpha;
-  DrawControlText(context, {r.left + 4, r.top, r.right - 4, r.bottom}, c->text, line);
+  DrawThemeText(context, {r.left + 4, r.top, r.right - 4, r.bottom}, c->text, line);
 }
 
 }  // namespace

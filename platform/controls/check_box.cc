@@ -21,12 +21,12 @@ void Draw(Control* c, ContextRef context) {
   info.value = c->value;
   const Rect r = GetControlBounds(c);
   DrawThemeButton(context, r, ThemeKind(c), info);
-  LineStyle line;
+  ThemeTextStyle line;
   line.justification = TextJustification::kLeft;
   line.underline_first = c->underlined;
   line.rgb = ThemeButtonTextColor(ThemeKind(c), {info.state, kThemeButtonOff, 0});
   line.alpha = c->active ? 255 : kThemeDisabledAlpha;
-  DrawControlText(context, {r.left + kCheckCell + kGap, r.top, r.right, r.bottom}, c->text, line);
+  DrawThemeText(context, {r.left + kCheckCell + kGap, r.top, r.right, r.bottom}, c->text, line);
 }
 
 void Border(const Control* c, Rect* border, int* corner) {
@@ -79,7 +79,7 @@ Rect GetBestControlRect(ControlRef c) {
   if (!IsValidControl(c)) return {};
   Rect r = GetControlBounds(c);
   if (c->kind != &kCheckBoxKind && c->kind != &kRadioButtonKind) return r;
-  const int text = c->text.empty() ? 0 : kGap + ControlTextWidth(c->text, false) + kRoom;
+  const int text = c->text.empty() ? 0 : kGap + ThemeTextWidth(c->text, false) + kRoom;
   return {r.left, r.top, r.left + kCheckCell + text, r.top + kCheckCell};
 }
 

@@ -6,8 +6,8 @@
 
 #include "platform/controls/controls.h"
 #include "platform/display/window.h"
-#include "platform/fonts/fonts.h"
 #include "platform/theme/metrics.h"
+#include "platform/theme/text.h"
 #include "platform/theme/theme.h"
 
 namespace platform {
@@ -145,29 +145,5 @@ bool MoveFocusByTab(WindowControls& all, bool back);
 void ShowLetters(WindowControls& all, bool shown);
 OSStatus HandleKey(HandlerCall* call, Event* event, void* user_data);
 OSStatus HandleActivation(HandlerCall* call, Event* event, void* user_data);
-
-// --- keys.cc
-// A letter without case; 0 for what is none.
-char32_t FoldLetter(char32_t c);
-// Of the text of a control that Alt and a letter press.
-char32_t LetterOf(const Control* c);
-
-// --- text.cc: one line of text in a rectangle
-struct ControlFont {
-  SizedFont* font = nullptr;
-  int ascent = 0, descent = 0;
-};
-const ControlFont& GetControlFont(bool bold);
-struct LineStyle {
-  bool bold = false;
-  TextJustification justification = TextJustification::kCenter;
-  bool underline_first = false;
-  uint32_t rgb = 0;
-  int alpha = 255;
-};
-// In the middle of the height; shortened with "…" where it is too wide.
-void DrawControlText(ContextRef c, const Rect& r, const std::string& text, const LineStyle& style);
-int ControlTextWidth(const std::string& text, bool bold);
-void FinishControlFonts();
 
 }  // namespace platform

@@ -88,7 +88,6 @@ void InitControls() {
 
 void FinishControls() {
   ForgetTracking(nullptr);
-  FinishControlFonts();
 }
 
 WindowControls* ControlsOf(WindowRef w) {

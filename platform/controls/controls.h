@@ -8,6 +8,7 @@
 
 #include "platform/events/targets.h"
 #include "platform/graphics/context.h"
+#include "platform/theme/text.h"
 
 namespace platform {
 
@@ -40,7 +41,6 @@ ControlRef CreatePushButtonControl(PaneRef pane, const Rect& bounds);
 ControlRef CreateBevelButtonControl(PaneRef pane, const Rect& bounds, int value);
 ControlRef CreateCheckBoxControl(PaneRef pane, const Rect& bounds, const char* title, int value);
 ControlRef CreateRadioButtonControl(PaneRef pane, const Rect& bounds, const char* title, int value);
-enum class TextJustification : uint8_t { kLeft, kCenter, kRight };
 ControlRef CreateStaticTextControl(PaneRef pane, const Rect& bounds, TextJustification just,
                                    bool bold);
 // Drawn by `draw`, pressed where `hit_test` gives another part than 0.

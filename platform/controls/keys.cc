@@ -2,7 +2,8 @@
 #include <set>
 
 #include "platform/controls/control.h"
-#include "platform/text/utf8.h"
+#include "platform/menus/menus.h"
+#include "platform/text/letters.h"
 
 namespace platform {
 namespace {
@@ -11,20 +12,11 @@ constexpr uint8_t kTab = 9, kReturn = 13, kEnter = 3, kEscape = 27;
 constexpr uint32_t kAlt = optionKey | rightOptionKey;
 constexpr uint32_t kControlOrCommand = cmdKey | controlKey | rightControlKey;
 
-// The character that a key stands for, whatever is held with it.
-char32_t LetterOfKey(const KeyFields& key) {
-  const uint32_t s = key.base_keysym ? key.base_keysym : key.keysym;
-  if ((s >= 0x20 && s < 0x7F) || (s >= 0xA0 && s <= 0xFF)) return FoldLetter(s);
-  if ((s & 0xFF000000u) == 0x01000000u) return FoldLetter(s & 0xFFFFFF);
-  const char* text = key.text;
-  return *text ? FoldLetter(NextUtf8(&text)) : 0;
-}
-
 bool PressLetter(WindowControls& all, const Event& e) {
-  const char32_t letter = LetterOfKey(e.key);
+  const char32_t letter = LetterOfKey(e.key.base_keysym, e.key.keysym, e.key.text);
   if (!letter) return false;
   for (Control* c = all.first; c; c = c->next) {
-    if (!CanTakeKeys(c, kKeysLetter) || LetterOf(c) != letter) continue;
+    if (!CanTakeKeys(c, kKeysLetter) || FirstLetter(c->text) != letter) continue;
     if (e.kind == kEventRawKeyDown) PressByKey(c);
     return true;
   }
@@ -57,20 +49,6 @@ bool TakeKey(WindowControls& all, const Event& e) {
 
 }  // namespace
 
-char32_t FoldLetter(char32_t c) {
-  if ((c >= 'A' && c <= 'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7) ||
-      (c >= 0x391 && c <= 0x3A9) || (c >= 0x410 && c <= 0x42F))
-    return c + 0x20;
-  if (c >= 0x400 && c <= 0x40F) return c + 0x50;
-  const bool digit = c >= '0' && c <= '9';
-  return digit || (c >= 'a' && c <= 'z') || c >= 0xB5 ? c : 0;
-}
-
-char32_t LetterOf(const Control* c) {
-  const char* text = c->text.c_str();
-  return *text ? FoldLetter(NextUtf8(&text)) : 0;
-}
-
 void ShowLetters(WindowControls& all, bool shown) {
   if (all.alt == shown) return;
   all.alt = shown;
@@ -78,7 +56,8 @@ void ShowLetters(WindowControls& all, bool shown) {
   for (Control* c = all.first; c; c = c->next) {
     bool underlined = false;
     if (shown && CanTakeKeys(c, kKeysLetter))
-      if (const char32_t letter = LetterOf(c)) underlined = taken.insert(letter).second;
+      if (const char32_t letter = FirstLetter(c->text))
+        underlined = !MenuBarTakesLetter(letter) && taken.insert(letter).second;
     if (underlined == c->underlined) continue;
     c->underlined = underlined;
     Draw1Control(c);

@@ -13,11 +13,11 @@ void Draw(Control* c, ContextRef context) {
   if (all.ok == c && all.window->active) info.adornment = kThemeAdornmentDefault;
   const Rect r = GetControlBounds(c);
   DrawThemeButton(context, r, kThemePushButton, info);
-  LineStyle line;
+  ThemeTextStyle line;
   line.underline_first = c->underlined;
   line.rgb = ThemeButtonTextColor(kThemePushButton, info);
   line.alpha = c->active ? 255 : kThemeDisabledAlpha;
-  DrawControlText(context, {r.left + 6, r.top, r.right - 6, r.bottom}, c->text, line);
+  DrawThemeText(context, {r.left + 6, r.top, r.right - 6, r.bottom}, c->text, line);
 }
 
 }  // namespace

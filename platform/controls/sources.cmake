@@ -10,6 +10,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/panes.cc
   ${CMAKE_CURRENT_LIST_DIR}/push_button.cc
   ${CMAKE_CURRENT_LIST_DIR}/static_text.cc
-  ${CMAKE_CURRENT_LIST_DIR}/text.cc
   ${CMAKE_CURRENT_LIST_DIR}/tracking.cc
   ${CMAKE_CURRENT_LIST_DIR}/user_pane.cc)

@@ -5,12 +5,12 @@ namespace platform {
 namespace {
 
 void Draw(Control* c, ContextRef context) {
-  LineStyle line;
+  ThemeTextStyle line;
   line.bold = c->bold;
   line.justification = c->justification;
   line.rgb = RoleColor(Role::kInk);
   line.alpha = c->active ? 255 : kThemeDisabledAlpha;
-  DrawControlText(context, GetControlBounds(c), c->text, line);
+  DrawThemeText(context, GetControlBounds(c), c->text, line);
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ namespace {
 
 struct PointerState {
   uint32_t buttons = 0;  // bit n - 1: button n is held
+  Point where;           // global
 };
 PointerState pointer;
 
@@ -50,7 +51,7 @@ Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
   Event e(kEventClassMouse, kind, w);
   e.time = raw.time;
   e.mouse = {};
-  if (w) e.mouse.where = GlobalPoint(*w, raw);
+  if (w) e.mouse.where = pointer.where = GlobalPoint(*w, raw);
   e.mouse.under = LiveWindow(raw.under);
   e.mouse.button = raw.button;
   e.mouse.tablet_type = raw.tablet_type;
@@ -167,6 +168,9 @@ void GrabLost(const RawEvent& raw) {
     e.mouse.button = button;
     main_event_queue.Push(e);
   }
+  Event lost(kEventClassSystem, kEventSystemPointerLost);
+  lost.time = raw.time;
+  main_event_queue.Push(lost);
 }
 
 void WindowEvent(const RawEvent& raw, WindowRef w) {
@@ -264,6 +268,14 @@ void TakeRawEvents() {
   while (d->next_event(&raw)) TakeReport(raw);
   if (Replaying()) ReplayDue();
   UpdateActivation();
+}
+
+uint32_t HeldButtons() {
+  return pointer.buttons;
+}
+
+Point LastPointer() {
+  return pointer.where;
 }
 
 void FinishInput() {

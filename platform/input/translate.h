@@ -8,6 +8,10 @@ namespace platform {
 void TranslateRawEvent(const RawEvent& raw);
 // Takes in all that the display and the sources report.
 void TakeRawEvents();
+// Buttons that are down, as far as reports have been taken in: bit 0 the primary one.
+uint32_t HeldButtons();
+// The last place of the pointer that was reported, global.
+Point LastPointer();
 void FinishInput();
 
 // A key symbol and character as (virtual key, Mac Roman character); {0xFFFF, 0}: no such key.

@@ -5,6 +5,7 @@
 #include "platform/events/queue.h"
 #include "platform/events/targets.h"
 #include "platform/events/trackers.h"
+#include "platform/menus/menus.h"
 #include "platform/windows/windows.h"
 
 namespace platform {
@@ -19,6 +20,8 @@ bool BelongsToWindow(const Event& e) {
 
 // The dispatcher's only handler.
 OSStatus Dispatch(HandlerCall*, Event* event, void*) {
+  if (lone_alt_waits) [[unlikely]]
+    WatchLoneAlt(*event);
   if (AskTracker(event) != Tracking::kTake) return DispatchEvent(event);
   ReleaseEvent(event);
   return noErr;

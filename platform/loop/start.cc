@@ -23,7 +23,7 @@
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
-#include "platform/menus/menu_bar.h"
+#include "platform/menus/menus.h"
 #include "platform/theme/theme.h"
 #include "platform/windows/internal.h"
 

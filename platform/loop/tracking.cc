@@ -7,6 +7,7 @@
 #include "platform/events/timers.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
+#include "platform/menus/menus.h"
 
 namespace platform {
 namespace {
@@ -80,6 +81,27 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   }
   StopTracking(tracker);
   return result;
+}
+
+static int WaitForMenu() {
+  // Menus that are opened meanwhile close this one: its tracker is theirs then, and they have ended
+  // when the wait comes back here.
+  WaitTracking(
+      MenuTracker(), [](void*) { return MenuIsDone(); }, kEventDurationForever);
+  const MenuChoice choice = CloseMenus();
+  return choice.item ? choice.menu << 16 | choice.item : 0;
+}
+
+int PopUpMenuSelect(MenuRef menu, int top, int left, int item) {
+  return OpenPopUpMenu(menu, {left, top}, item) ? WaitForMenu() : 0;
+}
+
+int MenuSelect(Point where) {
+  return OpenMenuBarAt(where) ? WaitForMenu() : 0;
+}
+
+int MenuSelectByKey(MenuRef menu) {
+  return OpenMenuOfBar(menu) ? WaitForMenu() : 0;
 }
 
 }  // namespace platform

@@ -11,4 +11,12 @@ enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 // see them, and they come first afterwards. `timeout` in seconds, as for ReceiveNextEvent.
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout);
 
+// Shows a menu at a global point until an item is chosen, which comes as the menu's id (high 16
+// bits) and the item's number (low), or it is dismissed: 0. `item` (0: none) is selected at first.
+int PopUpMenuSelect(MenuRef menu, int top, int left, int item);
+// The same with the bar, from the title under a global point, or (by the keyboard) from a menu of
+// it. What was chosen is sent to its menu.
+int MenuSelect(Point where);
+int MenuSelectByKey(MenuRef menu);
+
 }  // namespace platform

@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "platform/graphics/outline.h"
+#include "platform/theme/text.h"
 #include "platform/theme/theme.h"
 
 namespace platform {
@@ -51,6 +52,7 @@ void DrawThemeMark(ContextRef c, ThemeMark mark, const Rect& box, uint32_t rgb, 
 }
 
 void FinishTheme() {
+  FinishThemeText();
   for (Outline*& o : outlines) {
     ReleaseOutline(o);
     o = nullptr;

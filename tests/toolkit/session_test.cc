@@ -9,7 +9,7 @@
 
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
-#include "platform/menus/menu_bar.h"
+#include "platform/menus/menus.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"

@@ -29,7 +29,7 @@ void OpenMenu(XwWindow* control) {
   const ControlRef native = NativeControl(control);
   HoldControl(native, true);
   Inp.type = 0;
-  const int chosen = 0;  // XwPopupMenu(static_cast<XwMenuItem*>(control->button_menu));
+  const int chosen = XwPopupMenu(static_cast<XwMenuItem*>(control->button_menu));
   Inp.type = 0;
   if (!IsLive(control) || control->serial != serial) return;
   HoldControl(native, false);

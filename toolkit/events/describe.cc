@@ -5,7 +5,7 @@
 
 #include "platform/access/access.h"
 #include "platform/controls/controls.h"
-#include "platform/text/mac_roman.h"
+#include "platform/menus/menus.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
@@ -73,6 +73,40 @@ std::vector<XwWindow*> ChildrenOf(const XwWindow* w) {
   return children;
 }
 
+DescribedNode FromItem(const DescribedMenuItem& i, ObjectRole role) {
+  DescribedNode node;
+  node.serial = i.serial;
+  node.what = {i.separator ? ObjectRole::kSeparator : role, i.text, i.key, 0, 0, i.bounds};
+  Description& d = node.what;
+  if (!i.bounds.empty()) d.state |= kIsShown;
+  if (i.enabled) d.state |= kIsEnabled;
+  if (i.checked) d.state |= kIsChecked;
+  if (i.selected) d.state |= kIsFocused;
+  if (!i.items.empty()) d.state |= kHasMenu;
+  for (const DescribedMenuItem& sub : i.items)
+    node.children.push_back(FromItem(sub, ObjectRole::kMenuItem));
+  return node;
+}
+
+// The bar before what is in the first window, an open pop-up behind.
+void AddMenus(DescribedNode* window) {
+  static const uint64_t bar_serial = TakeSerial(), popup_serial = TakeSerial();
+  DescribedNode bar;
+  bar.serial = bar_serial;
+  bar.what.role = ObjectRole::kMenuBar;
+  bar.what.state = window->what.state & (kIsShown | kIsEnabled);
+  for (const DescribedMenuItem& title : DescribeMenuBar())
+    bar.children.push_back(FromItem(title, ObjectRole::kMenu));
+  window->children.insert(window->children.begin(), bar);
+  DescribedNode popup;
+  popup.serial = popup_serial;
+  popup.what.role = ObjectRole::kMenu;
+  popup.what.state = kIsShown | kIsEnabled;
+  for (const DescribedMenuItem& i : DescribeOpenPopUp())
+    popup.children.push_back(FromItem(i, ObjectRole::kMenuItem));
+  if (!popup.children.empty()) window->children.push_back(popup);
+}
+
 DescribedNode Describe(XwWindow* w) {
   DescribedNode node;
   if (IsTopLevel(w))
@@ -82,6 +116,7 @@ DescribedNode Describe(XwWindow* w) {
   else
     DescribeRecord(w, &node);
   for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
+  if (w == W_Start) AddMenus(&node);
   return node;
 }
 

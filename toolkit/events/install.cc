@@ -5,6 +5,7 @@
 #include "platform/windows/windows.h"
 #include "toolkit/events/desktop.h"
 #include "toolkit/events/keyboard.h"
+#include "toolkit/events/menu_bar.h"
 #include "toolkit/events/mouse.h"
 
 using namespace platform;
@@ -44,9 +45,18 @@ constexpr EventKind kApplicationEvents[] = {
     {kEventClassKeyboard, kEventRawKeyModifiersChanged},
 };
 
+constexpr EventKind kWindowCreated[] = {{kEventClassWindow, kEventWindowCreated}};
+constexpr EventKind kKeyPresses[] = {{kEventClassKeyboard, kEventRawKeyDown}};
+
 template <int N>
 void Install(EventTargetRef target, EventHandler handler, const EventKind (&kinds)[N], void* data) {
   InstallEventHandler(target, handler, kinds, N, data);
+}
+
+// Before the platform's own handlers are, so that those come first.
+OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
+  Install(GetWindowEventTarget(event->window), EVmenukey_func, kKeyPresses, nullptr);
+  return eventNotHandledErr;
 }
 
 }  // namespace
@@ -54,6 +64,7 @@ void Install(EventTargetRef target, EventHandler handler, const EventKind (&kind
 void InstallEventHandlers(XwWindow* w) {
   if (!w) {
     Install(GetApplicationEventTarget(), EVapp_func, kApplicationEvents, nullptr);
+    Install(GetApplicationEventTarget(), WindowCreated, kWindowCreated, nullptr);
     return;
   }
   EventTargetRef target = GetWindowEventTarget(static_cast<WindowRef>(w->platform));

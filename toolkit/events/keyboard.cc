@@ -1,5 +1,6 @@
 #include "toolkit/events/keyboard.h"
 
+#include "toolkit/core/modifiers.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/loop.h"
@@ -25,17 +26,6 @@ constexpr uint32_t kKeypadDecimal = 0x41, kEscapeKey = 0x35, kF13Key = 0x69;
 constexpr uint8_t kFunctionKeys[] = {0x7A, 0x78, 0x63, 0x76, 0x60, 0x61,
                                      0x62, 0x64, 0x65, 0x6D, 0x67, 0x6F};
 
-struct ModifierRow {
-  uint32_t platform, state;
-};
-constexpr ModifierRow kModifiers[] = {
-    {cmdKey, XWS_COMMAND},
-    {alphaLock, XWS_CAPS},
-    {shiftKey | rightShiftKey, XWS_SHIFT},
-    {optionKey | rightOptionKey, XWS_OPTION},
-    {controlKey | rightControlKey, XWS_CONTROL},
-};
-
 // 0: no toolkit key.
 int MapKey(uint32_t key_code, uint8_t character) {
   if (character >= 32 && character <= 126)
@@ -53,10 +43,7 @@ int MapKey(uint32_t key_code, uint8_t character) {
 }
 
 void SetModifiers(uint32_t modifiers) {
-  uint32_t state = Inp.state & XWS_BUTTONS;
-  for (const ModifierRow& row : kModifiers)
-    if (modifiers & row.platform) state |= row.state;
-  Inp.state = state;
+  Inp.state = (Inp.state & XWS_BUTTONS) | ModifierBits(modifiers);
 }
 
 void ChangeModifiers(uint32_t modifiers) {

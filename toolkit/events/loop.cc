@@ -13,6 +13,7 @@
 #include "toolkit/core/record.h"
 #include "toolkit/core/timers.h"
 #include "toolkit/core/trace.h"
+#include "toolkit/events/menu_bar.h"
 
 using namespace platform;
 using toolkit::Modal, toolkit::state;
@@ -89,9 +90,13 @@ int TakePlatformEvent(Event* e) {
     if (!ReleaseOutsideGrab(*e)) return 0;
   }
   if (e->cls == kEventClassMouse && e->kind == kEventMouseDown &&
-      FindWindow(e->mouse.where, e->mouse.under) == inMenuBar)
+      FindWindow(e->mouse.where, e->mouse.under) == inMenuBar) {
+    PressMenuBar(*e);
+    Inp.type = 0;
     return 0;
+  }
   Translate(e);
+  OpenRequestedMenu();
   return 0;
 }
 

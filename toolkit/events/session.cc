@@ -10,7 +10,7 @@
 #include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
 #include "platform/loop/start.h"
-#include "platform/menus/menu_bar.h"
+#include "platform/menus/menus.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -21,6 +21,7 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/describe.h"
 #include "toolkit/events/install.h"
+#include "toolkit/windows/menus.h"
 
 using namespace platform;
 
@@ -95,6 +96,8 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
   DescribeWindows();
+  ClearMenuBar();
+  DrawMenuBar();
   Pserial = &process;
   SetFrontProcess();
   const char* home = getenv("HOME");
@@ -133,6 +136,7 @@ void DropSession() {
   if (!W_Root) return;
   XwEndSession();
   DestroyWindows();
+  DropMenus();
   free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();

@@ -6,6 +6,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/install.cc
   ${CMAKE_CURRENT_LIST_DIR}/keyboard.cc
   ${CMAKE_CURRENT_LIST_DIR}/loop.cc
+  ${CMAKE_CURRENT_LIST_DIR}/menu_bar.cc
   ${CMAKE_CURRENT_LIST_DIR}/mouse.cc
   ${CMAKE_CURRENT_LIST_DIR}/replay.cc
   ${CMAKE_CURRENT_LIST_DIR}/session.cc)

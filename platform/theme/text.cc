@@ -1,7 +1,7 @@
-// Lines of text in controls.
+#include "platform/theme/text.h"
+
 #include <algorithm>
 
-#include "platform/controls/control.h"
 #include "platform/graphics/context.h"
 
 namespace platform {
@@ -10,9 +10,13 @@ namespace {
 constexpr int kBigSystemFont = -1;
 constexpr const char* kEllipsis = "…";
 
-ControlFont fonts[2];
+struct TextFont {
+  SizedFont* font = nullptr;
+  int ascent = 0, descent = 0;
+};
+TextFont fonts[2];
 
-ControlFont Open(bool bold) {
+TextFont Open(bool bold) {
   const ThemeFont theme = GetThemeFont(kBigSystemFont);
   const FontFace* face = bold ? FindFont((theme.family + " Bold").c_str()) : nullptr;
   if (!face) face = FindFont(theme.family.c_str());
@@ -25,7 +29,7 @@ ControlFont Open(bool bold) {
 
 // Lays the text out so that it is no wider than `width`, with an ellipsis at the end of one that is
 // cut. The logical width of the result.
-int LayOutCut(const ControlFont& font, const std::string& text, int width, TextLine* line) {
+int LayOutCut(const TextFont& font, const std::string& text, int width, TextLine* line) {
   const TextScale scale = GetTextScale(font.font);
   // No further than what shows and one cluster more.
   LayOutText(font.font, text, line,
@@ -40,28 +44,29 @@ int LayOutCut(const ControlFont& font, const std::string& text, int width, TextL
   return scale.Pixels(line->width());
 }
 
-}  // namespace
-
-const ControlFont& GetControlFont(bool bold) {
-  ControlFont& f = fonts[bold];
+const TextFont& FontOf(bool bold) {
+  TextFont& f = fonts[bold];
   if (!f.font) f = Open(bold);
   return f;
 }
 
-void FinishControlFonts() {
-  fonts[0] = fonts[1] = ControlFont();
+}  // namespace
+
+void FinishThemeText() {
+  fonts[0] = fonts[1] = TextFont();
 }
 
-int ControlTextWidth(const std::string& text, bool bold) {
-  const ControlFont& font = GetControlFont(bold);
+int ThemeTextWidth(const std::string& text, bool bold) {
+  const TextFont& font = FontOf(bold);
   if (!font.font) return 0;
   TextLine line;
   LayOutText(font.font, text, &line);
   return GetTextScale(font.font).Pixels(line.width()) + 1;
 }
 
-void DrawControlText(ContextRef c, const Rect& r, const std::string& text, const LineStyle& style) {
-  const ControlFont& font = GetControlFont(style.bold);
+void DrawThemeText(ContextRef c, const Rect& r, const std::string& text,
+                   const ThemeTextStyle& style) {
+  const TextFont& font = FontOf(style.bold);
   if (!font.font || text.empty() || r.empty()) return;
   static TextLine line;
   const int width = LayOutCut(font, text, r.width(), &line);

@@ -1,0 +1,76 @@
+// The records of this room, and what its files share.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "platform/display/window.h"
+#include "platform/events/timers.h"
+#include "platform/events/trackers.h"
+#include "platform/menus/menus.h"
+
+namespace platform {
+
+struct MenuItem {
+  std::string text, key;
+  uint32_t attributes = 0;
+  bool checked = false;
+  uint32_t command = 0;
+  MenuRef sub = nullptr;
+  int picture_width = 0, picture_height = 0;
+  std::vector<uint8_t> picture;
+  uint64_t serial = 0;
+  bool hidden() const { return attributes & kMenuItemAttrHidden; }
+  bool separator() const { return attributes & kMenuItemAttrSeparator; }
+  bool enabled() const { return !(attributes & kMenuItemAttrDisabled) && !separator(); }
+};
+
+struct Menu {
+  Object object;
+  int id = 0;
+  std::string title;
+  bool disabled = false;
+  std::vector<MenuItem> items;
+};
+
+// A title of the bar, in the content's coordinates (above 0).
+struct BarTitle {
+  MenuRef menu;
+  Rect cell;
+};
+
+// --- bar.cc
+// The titles as they stand now: the application's, the inserted ones, and » where they do not fit.
+const std::vector<BarTitle>& BarTitles();
+// The title at a point of the first window's content; null: none.
+const BarTitle* TitleAt(Point where);
+// The titles have changed.
+void ForgetBarLayout();
+void ForgetInBar(const Menu* m);
+// What the keyboard asks of the bar.
+void RequestMenuBar(MenuRef m);
+
+// --- layout.cc: a menu as a list of rows
+struct MenuLayout {
+  int width = 0, height = 0;  // with the border
+  struct Row {
+    int item;  // from 1
+    int top, height;
+  };
+  std::vector<Row> rows;
+};
+MenuLayout LayOutMenu(const Menu& m);
+// What one row looks like.
+void DrawMenuRow(ContextRef c, const Menu& m, const MenuLayout::Row& row, const Rect& at,
+                 bool selected);
+constexpr int kMenuBorder = 1, kMenuPadding = 4, kMenuScrollHeight = 16;
+
+// --- session.cc
+// Closes what is open if it shows this menu, with nothing chosen.
+void MenuEnds(const Menu* m);
+// What it shows has changed.
+void MenuChanged(const Menu* m);
+// The menu of the bar that is open; null: none.
+MenuRef OpenMenuOfTheBar();
+bool MenusAreOpen();
+
+}  // namespace platform

@@ -1,0 +1,391 @@
+// What the pointer and the desktop do to open menus.
+#include "platform/menus/session.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "platform/events/clock.h"
+#include "platform/windows/internal.h"
+
+namespace platform {
+namespace {
+
+constexpr double kClickTime = 0.25;  // a release sooner leaves a menu open
+constexpr double kAimTime = 0.3;     // the pointer may take to a sub-menu over other rows
+constexpr double kScrollPeriod = 0.03;
+constexpr int kScrollStep = 8, kSlop = 3;
+
+int Far(Point a, Point b) {
+  return std::max(std::abs(a.x - b.x), std::abs(a.y - b.y));
+}
+
+// The level under a point, the innermost first; -1: none.
+int LevelAt(Point where) {
+  for (size_t i = menu_session.levels.size(); i-- > 0;)
+    if (HasPoint(menu_session.levels[i], where)) return int(i);
+  return -1;
+}
+
+const BarTitle* BarTitleAt(const Event& e) {
+  WindowRef w = MenuBarWindow();
+  if (!w || !menu_session.of_bar) return nullptr;
+  return TitleAt({e.mouse.where.x - w->content.left, e.mouse.where.y - w->content.top});
+}
+
+// --- The way to a sub-menu: while the pointer moves towards it, other rows that it crosses are not
+// --- selected.
+
+void StopAiming() {
+  RemoveEventLoopTimer(menu_session.aim_timer);
+  menu_session.aim_timer = nullptr;
+}
+
+int64_t Turn(Point a, Point b, Point c) {
+  return int64_t{b.x - a.x} * (c.y - a.y) - int64_t{b.y - a.y} * (c.x - a.x);
+}
+
+// Whether `p` lies in the triangle of the point where the row was left and the near edge of the
+// sub-menu.
+bool Aims(const MenuLevel& sub, Point from, Point p) {
+  const Rect b = LevelBounds(sub);
+  const int x = from.x < b.left ? b.left : b.right;
+  const Point top{x, b.top - kSlop}, bottom{x, b.bottom + kSlop};
+  const int64_t t1 = Turn(from, top, p), t2 = Turn(top, bottom, p), t3 = Turn(bottom, from, p);
+  return (t1 >= 0 && t2 >= 0 && t3 >= 0) || (t1 <= 0 && t2 <= 0 && t3 <= 0);
+}
+
+void Hover(size_t level, Point where);
+
+void AimIsOver(EventLoopTimerRef, void*) {
+  MenuSession& s = menu_session;
+  StopAiming();
+  const int level = LevelAt(s.last);
+  if (level >= 0) Hover(size_t(level), s.last);
+}
+
+// The pointer is over a row of this level.
+void Hover(size_t level, Point where) {
+  MenuSession& s = menu_session;
+  MenuLevel& l = s.levels[level];
+  const int item = ItemAt(l, where);
+  if (item == l.selected && item) {
+    s.aim = where;
+    StopAiming();
+    // Its sub-menu stays, and what is open in that closes.
+    if (s.levels.size() > level + 2) PopLevels(level + 2);
+    if (s.levels.size() == level + 2) SelectItem(&s.levels[level + 1], 0);
+    OpenSubMenu(level, false);
+    return;
+  }
+  if (s.levels.size() > level + 1 && Aims(s.levels[level + 1], s.aim, where)) {
+    if (!s.aim_timer) s.aim_timer = InstallEventLoopTimer(kAimTime, 0, AimIsOver, nullptr);
+    return;
+  }
+  StopAiming();
+  PopLevels(level + 1);
+  SelectItem(&l, item);
+  s.aim = where;
+  OpenSubMenu(level, false);
+}
+
+// --- Scrolling while the pointer rests at an end
+
+void StopScrolling() {
+  RemoveEventLoopTimer(menu_session.scroll_timer);
+  menu_session.scroll_timer = nullptr;
+}
+
+void ScrollOn(EventLoopTimerRef, void*) {
+  const int level = LevelAt(menu_session.last);
+  if (level >= 0)
+    ScrollLevel(&menu_session.levels[size_t(level)], menu_session.scroll_by * kScrollStep);
+}
+
+void Motion(const Event& e) {
+  MenuSession& s = menu_session;
+  const Point where = e.mouse.where;
+  if (Far(where, s.last) > kSlop) s.moved = true;
+  s.last = where;
+  const int level = LevelAt(where);
+  const int zone = level >= 0 ? ScrollZone(s.levels[size_t(level)], where) : 0;
+  if (zone) {
+    s.scroll_by = zone;
+    if (!s.scroll_timer)
+      s.scroll_timer = InstallEventLoopTimer(kScrollPeriod, kScrollPeriod, ScrollOn, nullptr);
+    return;
+  }
+  StopScrolling();
+  if (level >= 0) return Hover(size_t(level), where);
+  if (const BarTitle* t = BarTitleAt(e)) {
+    if (t->menu != s.levels.front().menu && !t->menu->disabled) SwitchTitle(t->menu, false);
+    return;
+  }
+  if (s.levels.size() > 1 && Aims(s.levels.back(), s.aim, where)) return;
+  MenuLevel& l = s.levels.back();
+  SelectItem(&l, 0);
+}
+
+void Press(const Event& e) {
+  MenuSession& s = menu_session;
+  const int level = LevelAt(e.mouse.where);
+  s.pressed = true;
+  s.last = e.mouse.where;
+  if (level >= 0) return Hover(size_t(level), e.mouse.where);
+  const BarTitle* t = BarTitleAt(e);
+  if (t && t->menu != s.levels.front().menu && !t->menu->disabled)
+    SwitchTitle(t->menu, false);
+  else
+    FinishSession(false);
+}
+
+void Release(const Event& e) {
+  MenuSession& s = menu_session;
+  const bool click = !s.pressed && GetCurrentEventTime() - s.opened < kClickTime;
+  const int level = LevelAt(e.mouse.where);
+  if (level >= 0) {
+    const int item = ItemAt(s.levels[size_t(level)], e.mouse.where);
+    // The release of the press that has opened it: only once the pointer has come to an item.
+    if (item && !click && (s.moved || s.pressed)) ChooseItem(size_t(level), item, false);
+    return;
+  }
+  if (click || BarTitleAt(e)) return;
+  if (!s.pressed && !s.moved) return;
+  FinishSession(false);
+}
+
+Tracking TakePointer(const Event& e) {
+  switch (e.kind) {
+    case kEventMouseMoved:
+    case kEventMouseDragged:
+      Motion(e);
+      break;
+    case kEventMouseDown:
+      Press(e);
+      break;
+    case kEventMouseUp:
+      if (!e.window) return Tracking::kPass;
+      Release(e);
+      break;
+    case kEventMouseWheelMoved:
+      if (const int level = LevelAt(e.mouse.where); level >= 0)
+        ScrollLevel(&menu_session.levels[size_t(level)], int(e.mouse.dy));
+      break;
+    default:
+      break;
+  }
+  return Tracking::kTake;
+}
+
+Tracking TakeKey(Event* e) {
+  if (e->kind == kEventRawKeyDown || e->kind == kEventRawKeyRepeat) {
+    MenuKey(*e);
+    return Tracking::kTake;
+  }
+  // What comes up takes effect, and no window hears of it.
+  e->window = nullptr;
+  return Tracking::kPass;
+}
+
+Tracking Ask(void*, Event* e) {
+  MenuSession& s = menu_session;
+  if (s.done || s.levels.empty()) return Tracking::kLater;
+  switch (e->cls) {
+    case kEventClassMouse:
+      return TakePointer(*e);
+    case kEventClassKeyboard:
+      return TakeKey(e);
+    case kEventClassWindow:
+      if (e->kind == kEventWindowClose) break;
+      return Tracking::kPass;
+    case kEventClassApplication:
+      if (e->kind != kEventAppDeactivated) return Tracking::kPass;
+      FinishSession(false);
+      return Tracking::kPass;
+    case kEventClassSystem:
+      if (e->kind == kEventSystemPointerLost) FinishSession(false);
+      return Tracking::kPass;
+    default:
+      break;
+  }
+  // A request to close, to quit, to open: it is dealt with afterwards.
+  FinishSession(false);
+  return Tracking::kLater;
+}
+
+void Begin(WindowRef owner, bool of_bar) {
+  MenuSession& s = menu_session;
+  s = MenuSession();
+  s.owner = owner;
+  s.of_bar = of_bar;
+  s.opened = GetCurrentEventTime();
+  s.tracker = {Ask, nullptr, &owner->object, 0};
+}
+
+bool Opened(bool shown) {
+  MenuSession& s = menu_session;
+  if (!shown) {
+    FinishSession(false);
+    return false;
+  }
+  s.aim = s.last;
+  CapturePointer(s.owner, nullptr, Capture::kMenu);
+  DrawMenuBar();
+  return true;
+}
+
+// A pop-up is opened against the window whose content shows the point, else the active one.
+WindowRef OwnerAt(Point where) {
+  WindowRef active = nullptr;
+  for (WindowRef w : WindowList()) {
+    if (!w->visible || w->parent) continue;
+    if (w->content.contains(where)) return w;
+    if (w->active && !active) active = w;
+  }
+  return active;
+}
+
+PopUpPlace BelowTitle(const BarTitle& t) {
+  PopUpPlace place;
+  place.anchor = t.cell;
+  return place;
+}
+
+}  // namespace
+
+void FinishSession(bool chosen) {
+  MenuSession& s = menu_session;
+  if (s.done) return;
+  s.done = true;
+  if (!chosen) s.choice = MenuChoice();
+  StopAiming();
+  StopScrolling();
+}
+
+void SwitchTitle(MenuRef m, bool by_key) {
+  MenuSession& s = menu_session;
+  PopLevels(0);
+  for (const BarTitle& t : BarTitles()) {
+    if (t.menu != m) continue;
+    const BarTitle title = t;
+    if (!PushLevel(m, s.owner, BelowTitle(title))) return FinishSession(false);
+    if (by_key) SelectItem(&s.levels.back(), NextItem(s.levels.back(), 0, 1));
+    DrawMenuBar();
+    return;
+  }
+  FinishSession(false);
+}
+
+void ChooseItem(size_t level, int item, bool by_key) {
+  MenuSession& s = menu_session;
+  MenuLevel& l = s.levels[level];
+  const MenuItem& i = l.menu->items[size_t(item - 1)];
+  if (!i.enabled() || l.menu->disabled) return;
+  SelectItem(&l, item);
+  if (i.sub) {
+    OpenSubMenu(level, by_key);
+    return;
+  }
+  s.choice = {l.menu->id, item};
+  s.command = i.command;
+  s.chosen_in = l.menu;
+  FinishSession(true);
+}
+
+bool OpenPopUpMenu(MenuRef m, Point where, int item) {
+  CloseMenus();
+  WindowRef owner = OwnerAt(where);
+  if (!owner) return false;
+  Begin(owner, false);
+  menu_session.last = where;
+  PopUpPlace place;
+  const int x = where.x - owner->content.left, y = where.y - owner->content.top;
+  place.anchor = {x, y, x, y};
+  const bool shown = PushLevel(m, owner, place);
+  if (shown && item) SelectItem(&menu_session.levels.back(), item);
+  return Opened(shown);
+}
+
+static bool OpenBar(const BarTitle& t, bool by_key) {
+  WindowRef owner = MenuBarWindow();
+  const BarTitle title = t;
+  Begin(owner, true);
+  const bool shown = !title.menu->disabled && PushLevel(title.menu, owner, BelowTitle(title));
+  if (shown && by_key)
+    SelectItem(&menu_session.levels.back(), NextItem(menu_session.levels.back(), 0, 1));
+  return Opened(shown);
+}
+
+bool OpenMenuBarAt(Point where) {
+  CloseMenus();
+  WindowRef w = MenuBarWindow();
+  if (!w) return false;
+  const BarTitle* t = TitleAt({where.x - w->content.left, where.y - w->content.top});
+  if (!t || !OpenBar(*t, false)) return false;
+  menu_session.last = menu_session.aim = where;
+  return true;
+}
+
+bool OpenMenuOfBar(MenuRef m) {
+  CloseMenus();
+  if (!MenuBarWindow() || !IsValidMenu(m)) return false;
+  for (const BarTitle& t : BarTitles())
+    if (t.menu == m) return OpenBar(t, true);
+  return false;
+}
+
+Tracker* MenuTracker() {
+  return &menu_session.tracker;
+}
+bool MenuIsDone() {
+  return menu_session.done;
+}
+
+MenuChoice CloseMenus() {
+  MenuSession& s = menu_session;
+  if (!s.owner) return {};
+  FinishSession(false);
+  StopTracking(&s.tracker);
+  const MenuChoice choice = s.choice;
+  const bool of_bar = s.of_bar;
+  const uint32_t command = s.command;
+  MenuRef chosen_in = s.chosen_in;
+  CapturePointer(nullptr, nullptr);
+  PopLevels(0);
+  s = MenuSession();
+  s.done = true;
+  DrawMenuBar();
+  if (choice.item && of_bar && IsValidMenu(chosen_in)) {
+    Event e(kEventClassCommand, kEventCommandProcess);
+    e.request = {command, nullptr, 0};
+    if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
+      SendEventToEventTarget(&e, GetApplicationEventTarget());
+  }
+  return choice;
+}
+
+void MenuEnds(const Menu* m) {
+  for (const MenuLevel& l : menu_session.levels)
+    if (l.menu == m) {
+      PopLevels(0);
+      return FinishSession(false);
+    }
+}
+
+void MenuChanged(const Menu* m) {
+  for (MenuLevel& l : menu_session.levels) {
+    if (l.menu != m) continue;
+    l.layout = LayOutMenu(*m);
+    if (l.selected > int(m->items.size())) l.selected = 0;
+    DrawLevel(&l, true);
+  }
+}
+
+MenuRef OpenMenuOfTheBar() {
+  const MenuSession& s = menu_session;
+  return s.of_bar && !s.done && !s.levels.empty() ? s.levels.front().menu : nullptr;
+}
+bool MenusAreOpen() {
+  return !menu_session.levels.empty();
+}
+
+}  // namespace platform

@@ -1,0 +1,65 @@
+// What is open: the menus from the first to the innermost, and how it came to be open.
+#pragma once
+#include "platform/menus/menu.h"
+
+namespace platform {
+
+// One open menu.
+struct MenuLevel {
+  MenuRef menu = nullptr;
+  WindowRef window = nullptr;  // its pop-up
+  MenuLayout layout;
+  int selected = 0;  // item, 0 none
+  int scroll = 0;    // pixels of the rows that are above the view
+  int drawn = -1;    // the item that is drawn as selected; -1: nothing is drawn yet
+};
+
+struct MenuSession {
+  std::vector<MenuLevel> levels;
+  WindowRef owner = nullptr;  // the window that it was opened against, and that has the pointer
+  bool of_bar = false;
+  bool done = false;
+  MenuChoice choice;
+  uint32_t command = 0;
+  MenuRef chosen_in = nullptr;
+  double opened = 0;
+  bool moved = false;    // the pointer has been in a menu since it was opened
+  bool pressed = false;  // a button went down since it was opened
+  Point last;            // of the pointer, global
+  Point aim;             // where it left the row whose sub-menu is open
+  EventLoopTimerRef aim_timer = nullptr, scroll_timer = nullptr;
+  int scroll_by = 0;
+  Tracker tracker;
+};
+
+extern MenuSession menu_session;
+
+// --- levels.cc
+// Shows a menu below those that are open; false when there is nothing to show.
+bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place);
+void PopLevels(size_t keep);
+// The sub-menu of the selected item of the innermost level, if it has one.
+bool OpenSubMenu(size_t level, bool select_first);
+void SelectItem(MenuLevel* l, int item);
+// The item at a global point, 0 for none.
+int ItemAt(const MenuLevel& l, Point where);
+bool HasPoint(const MenuLevel& l, Point where);
+// -1, 1: the point is at the arrow with which the menu scrolls up or down; 0: not.
+int ScrollZone(const MenuLevel& l, Point where);
+void ScrollLevel(MenuLevel* l, int by);
+// The item after `from` (0: the first) that can be chosen; 0 when there is none.
+int NextItem(const MenuLevel& l, int from, int step);
+void DrawLevel(MenuLevel* l, bool all);
+Rect LevelBounds(const MenuLevel& l);
+// Of an item, global; empty when it does not show.
+Rect ItemBounds(const MenuLevel& l, int item);
+
+// --- session.cc
+void FinishSession(bool chosen);
+// The item is chosen, or its sub-menu opened.
+void ChooseItem(size_t level, int item, bool by_key);
+void SwitchTitle(MenuRef m, bool by_key);
+// --- keys.cc
+void MenuKey(const Event& e);
+
+}  // namespace platform

@@ -1,0 +1,24 @@
+// Lines of text as controls and menus show them.
+#pragma once
+#include <string>
+
+#include "platform/fonts/fonts.h"
+
+namespace platform {
+
+enum class TextJustification : uint8_t { kLeft, kCenter, kRight };
+struct ThemeTextStyle {
+  bool bold = false;
+  TextJustification justification = TextJustification::kCenter;
+  bool underline_first = false;  // the first letter
+  uint32_t rgb = 0;
+  int alpha = 255;
+};
+// In the middle of the height; shortened with "…" where it is too wide. `text` is UTF-8.
+void DrawThemeText(ContextRef c, const Rect& r, const std::string& text,
+                   const ThemeTextStyle& style);
+// Rounded up.
+int ThemeTextWidth(const std::string& text, bool bold);
+void FinishThemeText();
+
+}  // namespace platform

@@ -1,0 +1,61 @@
+#include "toolkit/events/menu_bar.h"
+
+#include "platform/input/translate.h"
+#include "platform/loop/tracking.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/core/grab.h"
+#include "toolkit/core/modifiers.h"
+#include "toolkit/events/loop.h"
+#include "toolkit/target/selection.h"
+#include "toolkit/windows/menus.h"
+
+using namespace platform;
+
+namespace {
+
+void MenuClosed() {
+  HiliteMenu(0);
+  DropButtons(XWS_BUTTONS & ~HeldButtons());
+}
+
+void SendCommand(MenuRef menu, uint32_t command) {
+  Event e(kEventClassCommand, kEventCommandProcess);
+  e.request = {command, nullptr, 0};
+  SendEventToEventTarget(&e, GetMenuEventTarget(menu));
+}
+
+}  // namespace
+
+void PressMenuBar(const Event& e) {
+  if (ModalKeepsOut(W_Start)) return XwBeep();
+  TargetScope scope;
+  MenuSelect(e.mouse.where);
+  MenuClosed();
+}
+
+void OpenRequestedMenu() {
+  MenuRef menu = TakeMenuBarRequest();
+  if (!menu || ModalKeepsOut(W_Start)) return;
+  TargetScope scope;
+  MenuSelectByKey(menu);
+  MenuClosed();
+}
+
+OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
+  if (event->key.ignored || !IsLive(W_MenuBar) || ModalKeepsOut(W_Start)) return eventNotHandledErr;
+  const int type = Inp.type;
+  const uint32_t modifiers = ModifierBits(event->key.modifiers);
+  if (MenuKeyHit hit = FindMenuKey(type, modifiers); hit.record) {
+    Event opening(kEventClassMenu, kEventMenuOpening);
+    SendEventToEventTarget(&opening, GetMenuEventTarget(hit.menu));
+    // The program may have changed the menu.
+    hit = FindMenuKey(type, modifiers);
+    if (hit.record) SendCommand(hit.menu, uint32_t(hit.record->id));
+  } else if ((type == 'q' || type == 'Q') && modifiers == XWS_CONTROL &&
+             !MenuBarHasKey('q', XWS_CONTROL)) {
+    Event quit(kEventClassCommand, kEventCommandProcess);
+    quit.request = {kHICommandQuit, nullptr, 0};
+    SendEventToEventTarget(&quit, GetApplicationEventTarget());
+  }
+  return eventNotHandledErr;
+}

@@ -1,0 +1,143 @@
+// From the program's arrays to the platform's menus.
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "platform/text/mac_roman.h"
+#include "platform/text/utf8.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/target/colors.h"
+#include "toolkit/windows/menu_state.h"
+
+using namespace platform;
+
+XwMenuEntry MenuList[kMenuListSize];
+int32_t MenuListCount, SubMenuCount;
+uint8_t* MenuColor[kMenuColorSize];
+int32_t MenuColorCount;
+
+namespace {
+
+constexpr int kSwatchWidth = 25, kSwatchHeight = 16;
+constexpr int kFirstPopupId = 100;
+
+// The arrays that are being built, from the outermost.
+std::vector<const XwMenuItem*>& Building() {
+  static auto* building = new std::vector<const XwMenuItem*>;
+  return *building;
+}
+
+// A black frame, one pixel free at the right and below it, around the colour.
+uint8_t* MakeSwatch(int32_t colour) {
+  uint8_t* image = XwAllocImage(kSwatchWidth, kSwatchHeight);
+  const uint32_t rgb = ColorToRgb(colour);
+  for (int y = 1; y < kSwatchHeight - 1; ++y)
+    for (int x = 1; x < kSwatchWidth - 1; ++x) {
+      uint8_t* p = image + 4 * (y * kSwatchWidth + x);
+      p[1] = uint8_t(rgb >> 16);
+      p[2] = uint8_t(rgb >> 8);
+      p[3] = uint8_t(rgb);
+    }
+  return image;
+}
+
+void AddSwatch(MenuRef menu, int item, int32_t colour, bool popup) {
+  if (popup && MenuColorCount >= kMenuColorSize) return;
+  uint8_t* image = MakeSwatch(colour);
+  SetMenuItemPicture(menu, item, kSwatchWidth, kSwatchHeight, image);
+  if (popup)
+    MenuColor[MenuColorCount++] = image;
+  else
+    XwFreeImage(image);
+}
+
+MenuRef KnownPopup(const XwMenuItem* items) {
+  for (int i = 0; i < MenuListCount; ++i)
+    if (MenuList[i].items == items) return MenuList[i].menu;
+  return nullptr;
+}
+
+MenuRef Begin(XwMenuItem* items, int menu_id, bool popup) {
+  if (!popup) {
+    MenuRef menu = CreateNewMenu(menu_id);
+    InstallMenuHandler(menu, items);
+    SubMenuCount = 0;
+    return menu;
+  }
+  if (MenuListCount >= kMenuListSize) return nullptr;
+  MenuRef menu = CreateNewMenu(kFirstPopupId + MenuListCount);
+  MenuList[MenuListCount++] = {items, menu};
+  return menu;
+}
+
+void AddItem(MenuRef menu, XwMenuItem* record, bool popup) {
+  const int item = AppendMenuItemText(menu, MenuItemText(*record).c_str());
+  uint32_t attributes = uint32_t(record->flags) & (XWM_DISABLED | XWM_HIDDEN);
+  if (record->flags & XWM_COLOUR) AddSwatch(menu, item, int32_t(record->id), popup);
+  if (IsMenuLeaf(*record)) {
+    if (!*record->text) attributes |= kMenuItemAttrSeparator;
+    CheckMenuItem(menu, item, record->flags & XWM_CHECKED);
+  } else {
+    MenuRef sub =
+        CreateMenuTree(reinterpret_cast<XwMenuItem*>(record->id), nullptr, SubMenuCount, popup);
+    SetMenuItemHierarchicalMenu(menu, item, sub);
+  }
+  ChangeMenuItemAttributes(menu, item, attributes, 0);
+  SetMenuItemCommandID(menu, item, uint32_t(record->id));
+  if (!popup) SetMenuItemKeyText(menu, item, MenuKeyText(record).c_str());
+}
+
+}  // namespace
+
+bool IsMenuLeaf(const XwMenuItem& record) {
+  return record.flags & XWM_COLOUR || record.id < 0x10000;
+}
+
+std::string MenuItemText(const XwMenuItem& record) {
+  std::string text = record.flags & XWM_UTF8 ? ValidUtf8(record.text) : MacRomanToUtf8(record.text);
+  if (record.flags & XWM_DOTS) text += "...";
+  return text;
+}
+
+MenuRef CreateMenuTree(XwMenuItem* items, const char* title, int menu_id, bool popup) {
+  if (!items) return nullptr;
+  auto& building = Building();
+  if (std::find(building.begin(), building.end(), items) != building.end()) return nullptr;
+  MenuRef menu = popup ? KnownPopup(items) : BuiltMenu(items);
+  if (menu) return menu;
+  menu = Begin(items, menu_id, popup);
+  if (!menu) return nullptr;
+  building.push_back(items);
+  if (title) {
+    const unsigned char* pascal = C2PSTR(title);
+    SetMenuTitle(menu, MacRomanToUtf8(P2CSTR(pascal)).c_str());
+  }
+  for (XwMenuItem* record = items; record->text; ++record) AddItem(menu, record, popup);
+  building.pop_back();
+  if (popup) {
+    ++SubMenuCount;
+  } else {
+    NoteBuilt(items, menu);
+    items->flags |= XWM_BUILT;
+    items->menu = menu;
+  }
+  return menu;
+}
+
+void XwSetMenu(XwWindow* window, XwMenuItem* bar) {
+  if (!CheckWindow(window) || window != W_Start) return;
+  ClearMenuBar();
+  SetBarArray(bar);
+  for (int i = 0; bar && bar[i].text; ++i) {
+    auto* items = reinterpret_cast<XwMenuItem*>(bar[i].id);
+    MenuRef menu = items ? CreateMenuTree(items, bar[i].text, i + 1, false) : EmptyMenu(bar + i);
+    bar[i].menu = menu;
+    if (bar[i].flags & XWM_HIDDEN) continue;
+    bar[i].flags& XWM_DISABLED ? DisableMenuItem(menu, 0) : EnableMenuItem(menu, 0);
+    InsertMenu(menu);
+  }
+  W_MenuBar = window;
+  ShowQuitKey();
+  DrawMenuBar();
+}
