@@ -7,9 +7,10 @@
 
 enum { INK = 0x1D2022, GREY = 0x646A6E, NONE = -1 };
 enum { RED = 0x5A35D9, GOLD = 0x5FD2F5, BLUE = 0xD77538 };
-enum { WELL_COLOURS = 3, HEADS = 3, RADIOS = 3 };
+enum { WELL_COLOURS = 3, HEADS = 3, RADIOS = 3, SIZES = 3 };
 /* Ids of the controls that do more than report. */
 enum { GO = 3, CANCEL = 4, KEYBOARD = 5, WELL = 11, TABS = 24, PANE = 25, RADIO = 30, HEAD = 50 };
+enum { SIZE = 101 };
 enum { ON = XWC_ENABLED | XWC_VISIBLE, OFF = XWC_VISIBLE };
 enum { BUTTON = 1, CHECK = 2, LABEL = 5 }; /* types of dialog items */
 
@@ -19,6 +20,11 @@ static const int32_t colours[WELL_COLOURS] = {RED, GOLD, BLUE};
 static int well_colour[WELL_COLOURS] = {0, 1, 2};
 static int sorted_by = 0;
 static XwFont* caption;
+
+static XwMenuItem sizes[] = {{"A4", XWM_CHECKED, SIZE, NULL},
+                             {"A3", 0, SIZE + 1, NULL},
+                             {"Letter", 0, SIZE + 2, NULL},
+                             {NULL, 0, 0, NULL}};
 
 #define ITEM(type, text, id, x, y, w, h, style, value) \
   { type, text, id, x, y, w, h, style, value, 0, 0, 0, 0 }
@@ -77,6 +83,7 @@ static void Report(int id, int value) {
     *colour = (*colour + 1) % WELL_COLOURS;
     XwSetValue(wells[id - WELL], colours[*colour]);
   }
+  if (id >= SIZE && id < SIZE + SIZES) XwCheckMenuRadioItem(sizes, SIZE, SIZE + SIZES - 1, id);
   if (id == TABS) XwSetTab(window, value);
   if (id == PANE) XwShow(pane, value);
   if (id == KEYBOARD) XwFocusControl(cancel);
@@ -102,7 +109,8 @@ static void MakeButtons(void) {
   for (int i = 0; i < 3; ++i) /* an icon button: free, held down and out of use */
     XwButton(window, (const char*)IC_EXCHANGE, 8 + i, 196 + i * 32, 96, 26, 26,
              XWC_ICON | (i < 2 ? ON : OFF), i == 1 ? 2 : 0);
-  XwDescribeControl(XwButton(window, "Size", 15, 292, 96, 48, 26, ON | XWC_MENU, 0), "Paper size");
+  XwDescribeControl(XwButton(window, "Size", 15, 292, 96, 52, 26, ON | XWC_MENU, (XwValue)sizes),
+                    "Paper size");
 }
 
 static void MakeRest(void) {

@@ -39,7 +39,7 @@ Bar bar;
 MenuRef ApplicationMenu() {
   if (bar.application) return bar.application;
   MenuRef m = CreateNewMenu(0);
-  SetMenuTitle(m, PlatformSessionName());
+  m->title = PlatformSessionName();
   if (bar.preferences) {
     SetMenuItemCommandID(m, AppendMenuItemText(m, "Preferences…"), kHICommandPreferences);
     ChangeMenuItemAttributes(m, AppendMenuItemText(m, ""), kMenuItemAttrSeparator, 0);
@@ -67,7 +67,7 @@ int WidthOf(const Menu& m, bool bold) {
 // The titles from `first` on do not fit: they are in a menu of their own.
 void CollectRest(size_t first, int left, int height) {
   bar.more = CreateNewMenu(0);
-  SetMenuTitle(bar.more, "»");
+  bar.more->title = "»";
   for (size_t i = first; i < bar.menus.size(); ++i) {
     MenuRef m = bar.menus[i];
     const int item = AppendMenuItemText(bar.more, m->title.c_str());
