@@ -37,7 +37,7 @@ const Example kExamples[] = {
       {"keyboard", "key 65289\nkey 65289\nkey 65289\nmodifiers 2048"},
       {"changed",
        "click 28 164\nclick 264 186\nclick 380 108\nclick 200 284\nclick 200 284\n"
-       "click 132 186"},
+       "click 132 186\nclick 316 108\nclick 330 152"},
       {"inactive", "unfocus"}}},
 };
 
