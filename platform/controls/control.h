@@ -59,6 +59,7 @@ struct Control {
   bool held = false;    // what it has opened is open
   bool bold = false;
   TextJustification justification = TextJustification::kCenter;
+  int corner = kCorner;  // of the ring
   uint8_t keys = 0;
   bool underlined = false;  // its letter, while Alt is held
   ObjectRole role = ObjectRole::kPane;

@@ -203,6 +203,9 @@ void SetPaneName(ControlRef c, const char* utf8) {
 void SetControlRole(ControlRef c, ObjectRole role) {
   if (IsValidControl(c)) c->role = role;
 }
+void SetControlCorner(ControlRef c, int corner) {
+  if (IsValidControl(c)) c->corner = corner;
+}
 void SetControlDescription(ControlRef c, const char* utf8) {
   if (!IsValidControl(c)) return;
   c->described = ValidUtf8(utf8 ? utf8 : "");

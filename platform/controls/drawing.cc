@@ -42,7 +42,7 @@ bool RingShows(const WindowControls& all) {
 }
 
 void DrawRing(ContextRef context, const Control* c) {
-  int corner = kCorner;
+  int corner = c->corner;
   Rect border = GetControlBounds(const_cast<Control*>(c));
   if (c->kind->border) c->kind->border(c, &border, &corner);
   DrawThemeFocusRing(context, border, corner);

@@ -100,7 +100,10 @@ XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y,
                             : menu             ? ObjectRole::kMenuButton
                                                : ObjectRole::kButton);
   uint8_t keys = kKeysByTab | kKeysByRequest | kKeysLetter;
-  if (style & XWC_HEADER) keys = kKeysByRequest;
+  if (style & XWC_HEADER) {
+    keys = kKeysByRequest;
+    SetControlCorner(control, 0);
+  }
   SetControlKeys(control, menu ? keys | kKeysClick : keys);
   InstallControlHandler(b, Button_func,
                         {kEventControlHit, kEventControlContextualMenuClick, kEventControlClick});
@@ -137,6 +140,7 @@ XwWindow* XwColor(XwWindow* parent, const char* text, int32_t id, int x, int y, 
   if (!c) return nullptr;
   SetControlKeys(control, kKeysByTab | kKeysByRequest | kKeysClick);
   SetControlRole(control, ObjectRole::kColorWell);
+  if (!(style & (XWC_VARIANT | XWC_ICON))) SetControlCorner(control, 0);
   InstallControlHandler(c, Button_func, {kEventControlHit, kEventControlClick});
   ActivateWindowControl(c, text);
   return c;
