@@ -686,8 +686,9 @@ typedef struct XwPathPart {
   float x, y, x1, y1, x2, y2;
 } XwPathPart;
 /* Gives an icon an outline, filled even-odd, in place of its bits where buttons show it: it is
- * sharp at every scale. Copied. Null or a count below 1 takes it away; a verb that is none and a
- * number that is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
+ * sharp at every scale. Copied. A part that follows none or a close begins at its end. Null or a
+ * count below 1 takes the outline away; more than 4096 parts, a verb that is none and a number that
+ * is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
 void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count);
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);

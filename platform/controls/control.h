@@ -21,6 +21,7 @@ struct Pane {
   int brush = 0;
   uint32_t color = kNoColor;
   std::vector<Pane*> children;
+  std::vector<std::vector<Control*>> bands;  // its controls, by their place; see bands.cc
 };
 
 // What a kind of control does. Functions that a kind does not need are null.
@@ -58,6 +59,7 @@ struct Control {
   bool held = false;    // what it has opened is open
   bool bold = false;
   TextJustification justification = TextJustification::kCenter;
+  int corner = kCorner;  // of the ring
   uint8_t keys = 0;
   bool underlined = false;  // its letter, while Alt is held
   ObjectRole role = ObjectRole::kPane;
@@ -99,6 +101,14 @@ inline WindowControls& OwnerOf(const Control* c) {
 }
 // Null where the window has none.
 WindowControls* ControlsOf(WindowRef w);
+
+// --- bands.cc
+// A control is found by its area from the one call to the other; the area must not change between.
+void EnterBands(Control* c);
+void LeaveBands(Control* c);
+// Those of the pane that meet `area` (relative to it) and were not made before the one with serial
+// `from`, in the order of creation.
+std::vector<Control*> FindInBands(const Pane* pane, const Rect& area, uint64_t from);
 
 // --- drawing.cc
 // The pane's area less the panes over it.

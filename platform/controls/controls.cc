@@ -37,6 +37,7 @@ void Describe(const void* record, Description* out) {
 constexpr ObjectType kControlType = {ObjectKind::kControl, ReleaseRecord, Describe};
 
 void Unlink(Control* c) {
+  LeaveBands(c);
   WindowControls& all = OwnerOf(c);
   (c->previous ? c->previous->next : all.first) = c->next;
   (c->next ? c->next->previous : all.last) = c->previous;
@@ -112,6 +113,7 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   all.last = c;
   c->role = kind.role;
   EnterObject(&c->object);
+  EnterBands(c);
   NoticeChange(all.window->object.serial, Change::kChildren);
   return c;
 }
@@ -153,7 +155,9 @@ void Replace(Control* c, Function place) {
   auto covered = [c] { return OwnerOf(c).focus == c ? RingArea(c) : ControlArea(c); };
   const bool visible = IsControlVisible(c);
   const Rect before = covered();
+  LeaveBands(c);
   place();
+  EnterBands(c);
   if (!visible) return;
   Uncover(c, before);
   RedrawArea(OwnerOf(c), c->pane, covered());
@@ -198,6 +202,9 @@ void SetPaneName(ControlRef c, const char* utf8) {
 
 void SetControlRole(ControlRef c, ObjectRole role) {
   if (IsValidControl(c)) c->role = role;
+}
+void SetControlCorner(ControlRef c, int corner) {
+  if (IsValidControl(c)) c->corner = corner;
 }
 void SetControlDescription(ControlRef c, const char* utf8) {
   if (!IsValidControl(c)) return;

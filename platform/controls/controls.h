@@ -77,6 +77,8 @@ void SetPaneName(ControlRef c, const char* utf8);
 // `utf8` comes before its own text; "" and null take it away.
 void SetControlRole(ControlRef c, ObjectRole role);
 void SetControlDescription(ControlRef c, const char* utf8);
+// How round the ring around it is at its corners; that of a button until it is set.
+void SetControlCorner(ControlRef c, int corner);
 bool DescribeControl(ControlRef c, uint64_t* serial, Description* out);
 // Cut to the range of its kind: push button 0 and 1, check box and radio button 0 to 2, static text
 // and user pane 0; a bevel button takes any.

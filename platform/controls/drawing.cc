@@ -42,7 +42,7 @@ bool RingShows(const WindowControls& all) {
 }
 
 void DrawRing(ContextRef context, const Control* c) {
-  int corner = kCorner;
+  int corner = c->corner;
   Rect border = GetControlBounds(const_cast<Control*>(c));
   if (c->kind->border) c->kind->border(c, &border, &corner);
   DrawThemeFocusRing(context, border, corner);
@@ -85,12 +85,17 @@ void Paint(WindowControls& all, const Pane* only, const Rect& area, Control* fir
   if (erase && clip.Use(only)) Erase(context, only, area);
   if (!erase && ring && clip.Use(all.focus->pane))
     Erase(context, all.focus->pane, RingArea(all.focus));
-  for (Control* c = first; c; c = c->next) {
-    if (only && c->pane != only) continue;
+  auto paint = [&](Control* c) {
     const Rect own = ControlArea(c);
-    if (!c->shown || !Meets(own, area) || !PaneShows(c->pane) || !clip.Use(c->pane)) continue;
+    if (!c->shown || !Meets(own, area) || !PaneShows(c->pane) || !clip.Use(c->pane)) return;
     Erase(context, c->pane, own);
     Draw(context, c);
+  };
+  if (only && first) {
+    const Rect inside = Offset(area, -only->bounds.left, -only->bounds.top);
+    for (Control* c : FindInBands(only, inside, first->object.serial)) paint(c);
+  } else {
+    for (Control* c = first; c; c = c->next) paint(c);
   }
   if (ring && clip.Use(all.focus->pane)) DrawRing(context, all.focus);
 }

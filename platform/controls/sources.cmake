@@ -1,4 +1,5 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/bands.cc
   ${CMAKE_CURRENT_LIST_DIR}/bevel_button.cc
   ${CMAKE_CURRENT_LIST_DIR}/buttons.cc
   ${CMAKE_CURRENT_LIST_DIR}/check_box.cc

@@ -52,9 +52,10 @@ struct Shape {
     points.push_back(p);
     tags.push_back(tag);
   }
+  // The next point is the first of its contour: no curve leads to it.
+  bool Fresh() const { return int(points.size()) == (contours.empty() ? 0 : contours.back() + 1); }
   void EndContour() {
-    const int begin = contours.empty() ? 0 : contours.back() + 1;
-    if (int(points.size()) > begin) contours.push_back(short(points.size() - 1));
+    if (!Fresh()) contours.push_back(short(points.size() - 1));
   }
   FT_Outline Raw() {
     FT_Outline o{};
@@ -82,12 +83,14 @@ Shape Filled(const std::vector<PathPart>& parts, double scale) {
         s.Add(At(p.x, p.y, scale), kOn);
         break;
       case PathVerb::kQuad:
-        s.Add(At(p.x1, p.y1, scale), kConic);
+        if (!s.Fresh()) s.Add(At(p.x1, p.y1, scale), kConic);
         s.Add(At(p.x, p.y, scale), kOn);
         break;
       case PathVerb::kCubic:
-        s.Add(At(p.x1, p.y1, scale), kCubicTag);
-        s.Add(At(p.x2, p.y2, scale), kCubicTag);
+        if (!s.Fresh()) {
+          s.Add(At(p.x1, p.y1, scale), kCubicTag);
+          s.Add(At(p.x2, p.y2, scale), kCubicTag);
+        }
         s.Add(At(p.x, p.y, scale), kOn);
         break;
       case PathVerb::kClose:
@@ -200,7 +203,8 @@ const OutlineMask& MaskFor(Outline* o, double scale) {
 }  // namespace
 
 Outline* CreateOutline(const PathPart* parts, int count, float stroke) {
-  if (!parts || count < 1 || !std::isfinite(stroke) || stroke > kFar) return nullptr;
+  if (!parts || count < 1 || count > kMostPathParts) return nullptr;
+  if (!std::isfinite(stroke) || stroke > kFar) return nullptr;
   for (int i = 0; i < count; ++i)
     if (!Usable(parts[i])) return nullptr;
   return new Outline{{parts, parts + count}, stroke, {}};

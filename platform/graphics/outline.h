@@ -13,9 +13,11 @@ struct PathPart {
 };
 
 struct Outline;
-// Copied. `stroke` above 0: a line of that width along it, with round ends and joins; else filled,
-// even-odd. Null for no parts, a verb that is none, and numbers that are not finite or beyond
-// 16384.
+constexpr int kMostPathParts = 4096;
+// Copied. A contour begins at a move, and at the end of a part that follows none or a close.
+// `stroke` above 0: a line of that width along it, with round ends and joins; else filled,
+// even-odd. Null for no parts or too many, a verb that is none, and numbers that are not finite or
+// beyond 16384.
 Outline* CreateOutline(const PathPart* parts, int count, float stroke);
 void ReleaseOutline(Outline* o);
 // With its origin at (x, y); `alpha` 0..255. One whose mask would be larger than 2048 pixels a side

@@ -64,14 +64,16 @@ void DrawRadioButton(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& inf
 void DrawColumnHead(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& info) {
   constexpr int kMarkRight = 6, kMarkWidth = 9, kLineInset = 4;
   const int alpha = AlphaOf(info);
-  FillRoundRect(c, r, 0,
-                RoleColor(StateOf(info) == kThemeStatePressed ? Role::kPressed : Role::kToolBar),
+  const bool up = info.adornment & kThemeAdornmentHeaderButtonSortUp;
+  const bool sorts = up || info.adornment & kThemeAdornmentHeaderButtonSortDown;
+  // The column that sorts stays pressed as long as it does, so it is only a shade darker.
+  const Role pressed = sorts ? Role::kUtility : Role::kPressed;
+  FillRoundRect(c, r, 0, RoleColor(StateOf(info) == kThemeStatePressed ? pressed : Role::kToolBar),
                 alpha);
   FillRoundRect(c, {r.left, r.bottom - 1, r.right, r.bottom}, 0, RoleColor(Role::kHairline), alpha);
   FillRoundRect(c, {r.right - 1, r.top + kLineInset, r.right, r.bottom - kLineInset}, 0,
                 RoleColor(Role::kHairline), alpha);
-  const bool up = info.adornment & kThemeAdornmentHeaderButtonSortUp;
-  if (!up && !(info.adornment & kThemeAdornmentHeaderButtonSortDown)) return;
+  if (!sorts) return;
   DrawThemeMark(c, up ? ThemeMark::kSortUp : ThemeMark::kSortDown,
                 {r.right - kMarkRight - kMarkWidth, r.top, r.right - kMarkRight, r.bottom},
                 RoleColor(Role::kSecondInk), alpha);

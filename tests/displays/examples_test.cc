@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "tests/displays/window_picture.h"
@@ -15,11 +17,67 @@ namespace {
 
 using testkit::Picture;
 
+// What the user has done: nothing, or steps with places in the content. The picture is that of the
+// moment behind the last one.
+struct State {
+  const char* name;
+  const char* steps;
+};
 struct Example {
   const char* name;
   const char* title;
+  std::vector<State> states = {};
 };
-constexpr Example kExamples[] = {{"01-hello", "Hello"}, {"02-drawing", "Drawing"}};
+const Example kExamples[] = {
+    {"01-hello", "Hello"},
+    {"02-drawing", "Drawing"},
+    {"04-buttons",
+     "Buttons",
+     {{"pressed", "press 276 48"},
+      {"keyboard", "key 65289\nkey 65289\nkey 65289\nmodifiers 2048"},
+      {"changed",
+       "click 28 164\nclick 264 186\nclick 380 108\nclick 200 284\nclick 200 284\n"
+       "click 132 186\nclick 316 108\nclick 330 152"},
+      {"inactive", "unfocus"}}},
+};
+
+void PrintTo(const Example& e, std::ostream* out) {
+  *out << e.name;
+}
+
+// The steps as a recording, a twentieth of a second apart.
+void WriteRecording(const char* steps, const std::string& file) {
+  std::ofstream out(file);
+  out << "xw-record 1\n0.1 focus w1\n";
+  std::istringstream lines(steps);
+  double time = 0.1;
+  auto line = [&](const char* kind) -> std::ofstream& {
+    out << (time += 0.05) << ' ' << kind << " w1";
+    return out;
+  };
+  auto pointer = [&](const char* kind, int x, int y) {
+    y += 24;  // the menu bar
+    line(kind) << " x=" << x << " y=" << y << " rx=" << 120 + x << " ry=" << 96 + y
+               << (*kind == 'm' ? "" : " button=1") << '\n';
+  };
+  std::string step;
+  while (lines >> step) {
+    int a = 0, b = 0;
+    if (step != "unfocus") lines >> a;
+    if (step == "click" || step == "press") {
+      lines >> b;
+      pointer("motion", a, b);
+      pointer("press", a, b);
+      if (step == "click") pointer("release", a, b);
+    } else if (step == "key") {
+      for (const char* kind : {"key-down", "key-up"})
+        line(kind) << " key=" << a << " base=" << a << '\n';
+    } else {
+      line(step.c_str()) << (a ? " modifiers=" + std::to_string(a) : "") << '\n';
+    }
+  }
+  pointer("motion", 1, 1);
+}
 
 // A running example, ended as a session ends it.
 class Program {
@@ -36,8 +94,11 @@ class Program {
   }
   // The exit status; -1 when it did not exit by itself.
   int End() {
-    int status = 0;
     kill(pid_, SIGTERM);
+    return Wait();
+  }
+  int Wait() {
+    int status = 0;
     waitpid(pid_, &status, 0);
     pid_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -47,6 +108,7 @@ class Program {
   pid_t pid_;
 };
 
+// Of the program at rest; with a recording, at its end.
 Picture OnHeadless(const Example& example, const std::string& folder, const char* scale) {
   std::string file = folder + "/" + example.name + ".png";
   unlink(file.c_str());
@@ -55,9 +117,11 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   setenv("XW_SCALE", scale, 1);
   Program program(example.name);
   Picture picture;
-  support::Eventually([&] { return testkit::LoadPng(file, &picture); });
-  EXPECT_EQ(program.End(), 0) << example.name;
+  const bool ends_by_itself = getenv("XW_REPLAY");
+  if (!ends_by_itself) support::Eventually([&] { return testkit::LoadPng(file, &picture); });
+  EXPECT_EQ(ends_by_itself ? program.Wait() : program.End(), 0) << example.name;
   unsetenv("XW_SNAPSHOT");
+  testkit::LoadPng(file, &picture);
   return picture;
 }
 
@@ -94,6 +158,20 @@ TEST_P(Examples, ShowTheSameOnBothDisplays) {
   std::string doubled = std::string(GetParam().name) + "-2x";
   EXPECT_TRUE(
       testkit::MatchesReference(OnHeadless(GetParam(), scratch_.path(), "2"), PICTURES, doubled));
+}
+
+TEST_P(Examples, LookTheSameAfterWhatTheUserDid) {
+  for (const State& state : GetParam().states) {
+    SCOPED_TRACE(state.name);
+    const std::string file = scratch_.path() + "/" + state.name;
+    WriteRecording(state.steps, file);
+    setenv("XW_REPLAY", file.c_str(), 1);
+    const Picture headless = OnHeadless(GetParam(), scratch_.path(), "1");
+    EXPECT_TRUE(testkit::MatchesReference(headless, PICTURES,
+                                          std::string(GetParam().name) + "-" + state.name));
+    EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), headless)));
+    unsetenv("XW_REPLAY");
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Examples, testing::ValuesIn(kExamples),

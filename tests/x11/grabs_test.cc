@@ -104,6 +104,33 @@ TEST_F(Grabs, TheScreenSaysWhatIsUnderThePointer) {
   EXPECT_EQ(drag(), other);
 }
 
+TEST_F(Grabs, OneBeginsWhileAButtonIsHeld) {
+  Start();
+  WindowRef w = Ready();
+  WindowRef other = Show("Other", {400, 124, 600, 300});
+  user().Sync();
+  for (GrabMode mode : {GrabMode::kWindow, GrabMode::kProgram, GrabMode::kMenu}) {
+    reports.clear();
+    user().Move(150, 200);
+    user().Button(1, true);
+    ASSERT_TRUE(Wait(RawEvent::kPress));
+    kX11Display.grab(w, mode, nullptr);
+    reports.clear();
+    user().Move(450, 200);
+    user().Button(1, false);
+    ASSERT_TRUE(Wait(RawEvent::kRelease));
+    EXPECT_TRUE(Of(RawEvent::kGrabLost).empty());
+    const WindowRef heard = mode == GrabMode::kWindow ? w : other;
+    for (auto type : {RawEvent::kMotion, RawEvent::kRelease}) {
+      ASSERT_EQ(Of(type).size(), 1u);
+      EXPECT_EQ(Of(type)[0].window, heard);
+    }
+    EXPECT_EQ(Of(RawEvent::kRelease)[0].under, other);
+    kX11Display.grab(nullptr, GrabMode::kNone, nullptr);
+    kX11Display.flush(true);
+  }
+}
+
 TEST_F(Grabs, ARefusalIsTold) {
   Start();
   WindowRef w = Ready();

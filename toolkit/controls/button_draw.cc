@@ -102,6 +102,14 @@ void DrawLabel(ContextRef c, const XwWindow* w, const Rect& r, bool arrow, const
   StrokeLineSolid(c, x, r.bottom - up + 1, x + (under > 1 ? under - 1 : 0), r.bottom - up + 1);
 }
 
+// Null where it has none, or one of a size that no button shows.
+XwIcon* IconOf(const XwWindow* w) {
+  if (!(w->style & XWC_ICON) || w->kind == XWK_COLOR) return nullptr;
+  auto* icon = static_cast<XwIcon*>(w->user_data);
+  auto shown = [](int size) { return size > 0 && size <= INT16_MAX; };
+  return icon && shown(icon->width) && shown(icon->height) ? icon : nullptr;
+}
+
 void DrawIconAt(ContextRef c, XwIcon* icon, int x, int bottom, const Look& look) {
   PaintIcon(c, icon, x, bottom - icon->height, look.rgb, look.alpha, look.face);
 }
@@ -113,8 +121,7 @@ void ButtonDraw_Func(ControlRef control) {
   ContextRef c = GetControlContext(control);
   if (!w || !c) return;
   const Rect r = GetControlBounds(control);
-  auto* icon =
-      w->style & XWC_ICON && w->kind != XWK_COLOR ? static_cast<XwIcon*>(w->user_data) : nullptr;
+  XwIcon* icon = IconOf(w);
   Look look = LookOf(w, control);
   bool arrow = false;
   if (w->kind == XWK_COLOR) {

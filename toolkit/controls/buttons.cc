@@ -5,6 +5,7 @@
 #include "toolkit/controls/framework.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
 #include "toolkit/windows/control_bounds.h"
 
 using namespace platform;
@@ -99,7 +100,10 @@ XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y,
                             : menu             ? ObjectRole::kMenuButton
                                                : ObjectRole::kButton);
   uint8_t keys = kKeysByTab | kKeysByRequest | kKeysLetter;
-  if (style & XWC_HEADER) keys = kKeysByRequest;
+  if (style & XWC_HEADER) {
+    keys = kKeysByRequest;
+    SetControlCorner(control, 0);
+  }
   SetControlKeys(control, menu ? keys | kKeysClick : keys);
   InstallControlHandler(b, Button_func,
                         {kEventControlHit, kEventControlContextualMenuClick, kEventControlClick});
@@ -110,7 +114,8 @@ XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y,
 XwWindow* XwCheckBox(XwWindow* parent, const char* text, int32_t id, int x, int y, uint32_t style,
                      int32_t value) {
   PaneRef pane = PaneForControl(parent);
-  y += kCheckBoxDrop;
+  x = Sat16(x);
+  y = Sat16(y) + kCheckBoxDrop;
   const Rect r{x, y, x + kCheckBoxSize, y + kCheckBoxSize};
   const std::string title = MacRomanToUtf8(text ? text : "");
   ControlRef control = style & XWC_VARIANT ? CreateRadioButtonControl(pane, r, title.c_str(), value)
@@ -127,13 +132,15 @@ XwWindow* XwCheckBox(XwWindow* parent, const char* text, int32_t id, int x, int 
 
 XwWindow* XwColor(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
                   uint32_t style, int32_t colour) {
-  ControlRef control = CreateUserPaneControl(PaneForControl(parent), {x, y, x + w, y + h},
-                                             ButtonDraw_Func, ButtonHitTest_Func);
+  ControlRef control =
+      CreateUserPaneControl(PaneForControl(parent), ControlRect(XWK_COLOR, style, x, y, w, h),
+                            ButtonDraw_Func, ButtonHitTest_Func);
   XwWindow* c =
       CreateWindowControl(parent, id, XWK_COLOR, x, y, w, h, style, text, colour, control);
   if (!c) return nullptr;
   SetControlKeys(control, kKeysByTab | kKeysByRequest | kKeysClick);
   SetControlRole(control, ObjectRole::kColorWell);
+  if (!(style & (XWC_VARIANT | XWC_ICON))) SetControlCorner(control, 0);
   InstallControlHandler(c, Button_func, {kEventControlHit, kEventControlClick});
   ActivateWindowControl(c, text);
   return c;

@@ -1,5 +1,6 @@
 // Many controls out of one list.
 #include "toolkit/core/alive.h"
+#include "toolkit/core/saturate.h"
 #include "toolkit/xw.h"
 
 namespace {
@@ -12,8 +13,8 @@ void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx
   if (!CheckWindow(parent) || !items) return;
   for (const XwDialogItem* i = items; i->type != kEnd; ++i) {
     const char* text = i->text ? i->text : "";
-    const int x = i->x < 0 ? parent->width + i->x : i->x + dx;
-    const int y = i->y < 0 ? parent->height + i->y : i->y + dy;
+    const int x = i->x < 0 ? parent->width + i->x : Saturate(int64_t{i->x} + dx);
+    const int y = i->y < 0 ? parent->height + i->y : Saturate(int64_t{i->y} + dy);
     switch (i->type) {
       case kButton:
         XwButton(parent, text, i->id, x, y, i->width, i->height, i->style, i->value);

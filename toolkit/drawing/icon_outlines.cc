@@ -11,32 +11,31 @@ constexpr PathPart kPopupUp[] = {{kMove, 12.5f, 1}, {kLine, 24.5f, 13.5f}, {kLin
                                  {kLine, 0.5f, 15}, {kLine, 0.5f, 13.5f},  {kClose}};
 constexpr PathPart kPopupDown[] = {{kMove, 12.5f, 15}, {kLine, 0.5f, 2.5f},  {kLine, 0.5f, 1},
                                    {kLine, 24.5f, 1},  {kLine, 24.5f, 2.5f}, {kClose}};
-// Two arrows that go around.
-constexpr PathPart kExchange[] = {{kMove, 1.82f, 6.46f},
-                                  {kCubic, 5.14f, 1.5f, 2.01f, 4.35f, 3.26f, 2.48f},
-                                  {kCubic, 11.1f, 1.63f, 7.02f, 0.52f, 9.27f, 0.57f},
-                                  {kLine, 12.2f, -0.27f},
-                                  {kLine, 12.86f, 4.42f},
-                                  {kLine, 9.2f, 4.92f},
-                                  {kLine, 10.3f, 3.02f},
-                                  {kCubic, 5.88f, 2.92f, 8.94f, 2.23f, 7.27f, 2.19f},
-                                  {kCubic, 3.42f, 6.6f, 4.48f, 3.65f, 3.55f, 5.03f},
+// Two arrows that go around, one the other turned by half.
+constexpr PathPart kExchange[] = {{kMove, 2, 7},
+                                  {kCubic, 5.7f, 1.46f, 2, 4.57f, 3.46f, 2.39f},
+                                  {kCubic, 12.24f, 2.76f, 7.95f, 0.53f, 10.53f, 1.04f},
+                                  {kLine, 14, 1},
+                                  {kLine, 14, 6},
+                                  {kLine, 9, 6},
+                                  {kLine, 10.97f, 4.03f},
+                                  {kCubic, 6.39f, 3.12f, 9.77f, 2.83f, 7.96f, 2.47f},
+                                  {kCubic, 3.8f, 7, 4.82f, 3.77f, 3.8f, 5.3f},
                                   {kClose},
-                                  {kMove, 14.18f, 7.54f},
-                                  {kCubic, 10.86f, 12.5f, 13.99f, 9.65f, 12.74f, 11.52f},
-                                  {kCubic, 4.9f, 12.37f, 8.98f, 13.48f, 6.73f, 13.43f},
-                                  {kLine, 3.8f, 14.27f},
-                                  {kLine, 3.14f, 9.58f},
-                                  {kLine, 6.8f, 9.08f},
-                                  {kLine, 5.7f, 10.98f},
-                                  {kCubic, 10.12f, 11.08f, 7.06f, 11.77f, 8.73f, 11.81f},
-                                  {kCubic, 12.58f, 7.4f, 11.52f, 10.35f, 12.45f, 8.97f},
+                                  {kMove, 14, 7},
+                                  {kCubic, 10.3f, 12.54f, 14, 9.43f, 12.54f, 11.61f},
+                                  {kCubic, 3.76f, 11.24f, 8.05f, 13.47f, 5.47f, 12.96f},
+                                  {kLine, 2, 13},
+                                  {kLine, 2, 8},
+                                  {kLine, 7, 8},
+                                  {kLine, 5.03f, 9.97f},
+                                  {kCubic, 9.61f, 10.88f, 6.23f, 11.17f, 8.04f, 11.53f},
+                                  {kCubic, 12.2f, 7, 11.18f, 10.23f, 12.2f, 8.7f},
                                   {kClose}};
-constexpr PathPart kSmallDown[] = {
-    {kMove, 0, 0.5f}, {kLine, 7, 0.5f}, {kLine, 3.5f, 4.5f}, {kClose}};
-constexpr PathPart kSmallUp[] = {{kMove, 0, 4.5f}, {kLine, 3.5f, 0.5f}, {kLine, 7, 4.5f}, {kClose}};
+constexpr PathPart kSmallDown[] = {{kMove, 0, 0}, {kLine, 7, 0}, {kLine, 3.5f, 4.5f}, {kClose}};
+constexpr PathPart kSmallUp[] = {{kMove, 0, 5}, {kLine, 3.5f, 0.5f}, {kLine, 7, 5}, {kClose}};
 constexpr PathPart kDialog[] = {{kMove, 0.5f, 2.5f}, {kLine, 6, 8}, {kLine, 0.5f, 13.5f}, {kClose}};
-constexpr PathPart kMenu[] = {{kMove, 0, 6.5f}, {kLine, 7, 6.5f}, {kLine, 3.5f, 10.5f}, {kClose}};
+constexpr PathPart kMenu[] = {{kMove, 0, 6}, {kLine, 7, 6}, {kLine, 3.5f, 10.5f}, {kClose}};
 constexpr PathPart kCheck[] = {{kMove, 2, 8},     {kLine, 5.2f, 11},    {kLine, 14, 4.2f},
                                {kLine, 15, 5.6f}, {kLine, 5.2f, 13.5f}, {kLine, 0.8f, 9.4f},
                                {kClose}};

@@ -29,7 +29,7 @@ IconCache* NewCache() {
 }
 
 Outline* MakeOutline(const XwPathPart* parts, int count) {
-  if (!parts || count < 1) return nullptr;
+  if (!parts || count < 1 || count > kMostPathParts) return nullptr;
   std::vector<PathPart> copy;
   for (int i = 0; i < count; ++i) {
     const XwPathPart& p = parts[i];

@@ -1,5 +1,7 @@
 #include "toolkit/windows/control_bounds.h"
 
+#include "toolkit/core/saturate.h"
+
 using namespace platform;
 
 namespace {
@@ -34,10 +36,15 @@ Insets InsetsOf(int kind, uint32_t style, int width, int height) {
 }  // namespace
 
 Rect ControlRect(int kind, uint32_t style, int x, int y, int width, int height) {
+  // As the record keeps them.
+  x = Sat16(x);
+  y = Sat16(y);
+  width = Sat16(width);
+  height = Sat16(height);
   const Insets in = InsetsOf(kind, style, width, height);
   return {x + in.left, y + in.top, x + width + in.right, y + height + in.bottom};
 }
 
 int RecordedHeight(int kind, uint32_t style, int height) {
-  return kind == XWK_BUTTON && !(style & kDrawnOrBevel) ? height + 3 : height;
+  return kind == XWK_BUTTON && !(style & kDrawnOrBevel) ? Sat16(height) + 3 : height;
 }

@@ -37,6 +37,7 @@ void Try() {
                              XCB_EVENT_MASK_LEAVE_WINDOW;
   const uint8_t others_too = grab.mode != GrabMode::kWindow;
   const Cursor* cursor = grab.cursor != nullptr ? grab.cursor : grab.window->w->cursor;
+  DropPressGrab();
   auto cookie =
       xcb_grab_pointer(x.c, others_too, grab.window->id, kMask, XCB_GRAB_MODE_ASYNC,
                        XCB_GRAB_MODE_ASYNC, XCB_NONE, NativeCursor(cursor), XCB_CURRENT_TIME);

@@ -276,6 +276,11 @@ void ForgetUnder() {
   found = {};
 }
 
+void DropPressGrab() {
+  if (x.xi_opcode == 0 || held.buttons == 0 || held.device == 0) return;
+  xcb_input_xi_ungrab_device(x.c, XCB_CURRENT_TIME, xcb_input_device_id_t(held.device));
+}
+
 uint32_t DropReleased(uint16_t state) {
   for (uint8_t i = 0; i < 5; ++i) {
     // Bit 8 is the first button's.

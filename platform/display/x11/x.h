@@ -300,6 +300,9 @@ void HandleInput2(const xcb_ge_generic_event_t* event);
 uint32_t DropReleased(uint16_t state);
 // Windows have come or gone: what lay under the pointer may be covered.
 void ForgetUnder();
+// A press begins a grab of the server's own. One that the extension reported stands in the way of
+// the program's, even of the same window: it ends.
+void DropPressGrab();
 
 // --- cursors.cc
 // Shows the record's cursor.

@@ -1,0 +1,242 @@
+// Outlines: how much they cover and where, at every scale; what they refuse; and the outlines of
+// icons.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "platform/graphics/outline.h"
+#include "tests/support/canvas.h"
+#include "toolkit/drawing/icons.h"
+
+namespace {
+
+using namespace platform;
+using testkit::Canvas;
+using enum PathVerb;
+
+constexpr int kSide = 40, kX = 8, kY = 10;
+
+// What black covers on white: the area in device pixels, and the pixels that are touched.
+struct Ink {
+  double area = 0;
+  DeviceRect box{1 << 20, 1 << 20, 0, 0};
+};
+Ink InkOf(const Canvas& canvas, int side) {
+  Ink ink;
+  for (int y = 0; y < side; ++y)
+    for (int x = 0; x < side; ++x) {
+      const uint32_t dark = 255 - (canvas.at(x, y) & 0xFF);
+      if (!dark) continue;
+      ink.area += dark / 255.0;
+      ink.box = {std::min(ink.box.left, x), std::min(ink.box.top, y),
+                 std::max(ink.box.right, x + 1), std::max(ink.box.bottom, y + 1)};
+    }
+  return ink;
+}
+
+constexpr float kRound = 5.523f;  // the control points of a quarter of a circle of radius 10
+struct Shape {
+  const char* name;
+  std::vector<PathPart> parts;
+  float stroke;
+  double area;
+  float left, top, right, bottom;
+};
+const Shape kShapes[] = {
+    {"triangle",
+     {{kMove, 1.5f, 2}, {kLine, 13.5f, 2}, {kLine, 1.5f, 14}},
+     0,
+     72,
+     1.5f,
+     2,
+     13.5f,
+     14},
+    {"two of a kind leave a hole",
+     {{kMove, 0, 0},
+      {kLine, 20, 0},
+      {kLine, 20, 20},
+      {kLine, 0, 20},
+      {kClose},
+      {kMove, 5, 5},
+      {kLine, 15, 5},
+      {kLine, 15, 15},
+      {kLine, 5, 15},
+      {kClose}},
+     0,
+     300,
+     0,
+     0,
+     20,
+     20},
+    {"circle",
+     {{kMove, 10, 0},
+      {kCubic, 20, 10, 10 + kRound, 0, 20, 10 - kRound},
+      {kCubic, 10, 20, 20, 10 + kRound, 10 + kRound, 20},
+      {kCubic, 0, 10, 10 - kRound, 20, 0, 10 + kRound},
+      {kCubic, 10, 0, 0, 10 - kRound, 10 - kRound, 0}},
+     0,
+     100 * std::numbers::pi,
+     0,
+     0,
+     20,
+     20},
+    // A parabola takes two thirds of its box; a curve that follows a close begins where it ends.
+    {"parabola",
+     {{kQuad, 0, 12, 99, 99}, {kQuad, 12, 12, 6, -12}, {kClose}, {kCubic, 30, 3, 9, 9, 9, 9}},
+     0,
+     96,
+     0,
+     0,
+     12,
+     12},
+    {"line",
+     {{kMove, 2, 6}, {kLine, 22, 6}},
+     3,
+     20 * 3 + 2.25 * std::numbers::pi,
+     0.5f,
+     4.5f,
+     23.5f,
+     7.5f},
+    {"closed line",
+     {{kMove, 2, 2}, {kLine, 22, 2}, {kLine, 22, 22}, {kLine, 2, 22}, {kClose}},
+     2,
+     80 * 2 - 4 + std::numbers::pi,
+     1,
+     1,
+     23,
+     23},
+};
+
+TEST(Outline, CoversItsAreaAtEveryScale) {
+  for (const Shape& s : kShapes)
+    for (double scale : {1.0, 1.5, 2.0, 3.25}) {
+      SCOPED_TRACE(std::string(s.name) + " at " + std::to_string(scale));
+      Canvas canvas(kSide, kSide, scale);
+      Outline* o = CreateOutline(s.parts.data(), int(s.parts.size()), s.stroke);
+      ASSERT_NE(o, nullptr);
+      for (int again = 0; again < 2; ++again) {
+        canvas.Wipe();
+        DrawOutline(canvas.context(), o, kX, kY, 0, 255);
+      }
+      const Ink ink = InkOf(canvas, canvas.surface().width);
+      EXPECT_NEAR(ink.area, s.area * scale * scale, 0.01 * s.area * scale * scale);
+      const int x = DeviceEdge(kX, scale), y = DeviceEdge(kY, scale);
+      const DeviceRect box{x + int(std::floor(s.left * scale)), y + int(std::floor(s.top * scale)),
+                           x + int(std::ceil(s.right * scale)),
+                           y + int(std::ceil(s.bottom * scale))};
+      EXPECT_EQ(ink.box, box);
+      DrawOutline(canvas.context(), o, kX, kY, 0xFFFFFF, 255);
+      ReleaseOutline(o);
+    }
+}
+
+TEST(Outline, IsMixedAndCut) {
+  Canvas canvas(kSide, kSide, 1.0);
+  const PathPart square[] = {{kMove, 0, 0}, {kLine, 10, 0}, {kLine, 10, 10}, {kLine, 0, 10}};
+  Outline* o = CreateOutline(square, 4, 0);
+  DrawOutline(canvas.context(), o, 4, 4, 0x204060, 102);
+  EXPECT_EQ(canvas.at(8, 8), 0xFFA6B3BFu);
+  canvas.Wipe();
+  ClipContextToRect(canvas.context(), {6, 6, 9, 30});
+  DrawOutline(canvas.context(), o, 4, 4, 0, 255);
+  const Ink ink = InkOf(canvas, kSide);
+  EXPECT_EQ(ink.box, (DeviceRect{6, 6, 9, 14}));
+  RestoreContextClip(canvas.context());
+  canvas.Wipe();
+  for (int far : {-(1 << 30), INT_MIN, INT_MAX}) {
+    DrawOutline(canvas.context(), o, far, 4, 0, 255);
+    DrawOutline(canvas.context(), o, 4, far, 0, 255);
+  }
+  DrawOutline(canvas.context(), nullptr, 0, 0, 0, 255);
+  DrawOutline(nullptr, o, 0, 0, 0, 255);
+  EXPECT_EQ(InkOf(canvas, kSide).area, 0);
+  EXPECT_TRUE(canvas.GapsUntouched());
+  ReleaseOutline(o);
+}
+
+TEST(Outline, RefusesWhatItCannotDraw) {
+  const std::vector<PathPart> many(kMostPathParts + 1, {kLine, 1, 1});
+  EXPECT_EQ(CreateOutline(many.data(), int(many.size()), 0), nullptr);
+  const PathPart good{kMove, 1, 1};
+  EXPECT_EQ(CreateOutline(nullptr, 1, 0), nullptr);
+  EXPECT_EQ(CreateOutline(&good, 0, 0), nullptr);
+  for (float number : {NAN, INFINITY, 16385.f}) {
+    EXPECT_EQ(CreateOutline(&good, 1, number), nullptr);
+    const PathPart bad{kLine, 1, 1, number, 1};
+    EXPECT_EQ(CreateOutline(&bad, 1, 0), nullptr);
+  }
+  const PathPart none{PathVerb(5), 1, 1};
+  EXPECT_EQ(CreateOutline(&none, 1, 0), nullptr);
+  // One whose mask would be too large shows nothing; the largest number of parts does.
+  Canvas canvas(kSide, kSide, 1.0);
+  const PathPart large[] = {{kMove, -9000, 0}, {kLine, 9000, 0}, {kLine, 0, 9000}};
+  std::vector<PathPart> most = many;
+  most.resize(kMostPathParts);
+  for (size_t i = 0; i < most.size(); ++i)
+    most[i] = {kCubic, float(i % 7), float(i % 5), 3, 1, float(i % 9), 2};
+  for (float stroke : {0.f, 2.f}) {
+    Outline* o = CreateOutline(large, 3, stroke);
+    DrawOutline(canvas.context(), o, 0, 0, 0, 255);
+    EXPECT_EQ(InkOf(canvas, kSide).area, 0);
+    ReleaseOutline(o);
+    o = CreateOutline(most.data(), int(most.size()), stroke);
+    DrawOutline(canvas.context(), o, 5, 5, 0, 255);
+    EXPECT_EQ(InkOf(canvas, kSide).area > 0, stroke == 0);
+    canvas.Wipe();
+    ReleaseOutline(o);
+  }
+}
+
+// An icon whose bits are its left half and whose outline is its upper half.
+TEST(Outline, TakesThePlaceOfAnIconsBitsOnButtons) {
+  Canvas canvas(kSide, kSide, 1.0);
+  static const uint8_t bits[] = {0x0F, 0x0F, 0x0F, 0x0F, 0x0F, 0x0F, 0x0F, 0x0F};
+  XwIcon icon = {8, 8, nullptr, bits};
+  auto painted = [&] {
+    canvas.Wipe();
+    PaintIcon(canvas.context(), &icon, 4, 4, 0, 255, 0xFFFFFF);
+    return InkOf(canvas, kSide).box;
+  };
+  const DeviceRect by_bits{4, 4, 8, 12}, by_outline{4, 4, 12, 8};
+  EXPECT_EQ(painted(), by_bits);
+  XwPathPart upper[] = {{XWP_MOVE, 0, 0, 0, 0, 0, 0},
+                        {XWP_LINE, 8, 0, 0, 0, 0, 0},
+                        {XWP_LINE, 8, 4, 0, 0, 0, 0},
+                        {XWP_LINE, 0, 4, 0, 0, 0, 0}};
+  XwSetIconOutline(&icon, upper, 4);
+  upper[2].y = 8;  // it was copied
+  EXPECT_EQ(painted(), by_outline);
+  XwDrawIcon(&icon, 4, 20, 0, 0, 0, -1);
+  EXPECT_EQ(canvas.at(4, 27), 0xFF000000u);
+  EXPECT_EQ(canvas.at(8, 20), Canvas::kBlank);
+  upper[1].verb = XWP_CLOSE + 1;
+  XwSetIconOutline(&icon, upper, 4);
+  EXPECT_EQ(painted(), by_outline) << "refused whole";
+  XwSetIconOutline(&icon, upper, 0);
+  EXPECT_EQ(painted(), by_bits);
+  XwSetIconOutline(nullptr, upper, 1);
+}
+
+// Each of the toolkit's own icons covers about what its bits do, at the same place.
+TEST(Outline, TheToolkitsIconsResembleTheirBits) {
+  for (XwIcon* icon :
+       {IC_POPUP_MORE_DATA_UP, IC_POPUP_MORE_DATA_DOWN, IC_EXCHANGE, IC_SMALL_ARROW_UP,
+        IC_SMALL_ARROW_DOWN, IC_OPT_DIALOG, IC_OPT_MENU, IC_CHECKBOX, IC_ARROWS}) {
+    SCOPED_TRACE(std::to_string(icon->width) + "x" + std::to_string(icon->height));
+    Canvas canvas(kSide, kSide, 1.0);
+    XwDrawIcon(icon, 4, 4, 0, 0, 0, -1);
+    const Ink bits = InkOf(canvas, kSide);
+    canvas.Wipe();
+    PaintIcon(canvas.context(), icon, 4, 4, 0, 255, 0xFFFFFF);
+    const Ink outline = InkOf(canvas, kSide);
+    EXPECT_NEAR(outline.area, bits.area, 0.35 * bits.area);
+    for (int DeviceRect::*edge :
+         {&DeviceRect::left, &DeviceRect::top, &DeviceRect::right, &DeviceRect::bottom})
+      EXPECT_NEAR(outline.box.*edge, bits.box.*edge, 2);
+    EXPECT_LE(outline.box.right, 4 + icon->width);
+    EXPECT_LE(outline.box.bottom, 4 + icon->height);
+  }
+}
+
+}  // namespace
