@@ -54,17 +54,17 @@ bool Aims(const MenuLevel& sub, Point from, Point p) {
   return (t1 >= 0 && t2 >= 0 && t3 >= 0) || (t1 <= 0 && t2 <= 0 && t3 <= 0);
 }
 
-void Hover(size_t level, Point where);
+void Hover(size_t level, Point where, bool rests = false);
 
 void AimIsOver(EventLoopTimerRef, void*) {
   MenuSession& s = menu_session;
   StopAiming();
   const int level = LevelAt(s.last);
-  if (level >= 0) Hover(size_t(level), s.last);
+  if (level >= 0) Hover(size_t(level), s.last, true);
 }
 
-// The pointer is over a row of this level.
-void Hover(size_t level, Point where) {
+// The pointer is over a row of this level, on its way or at rest.
+void Hover(size_t level, Point where, bool rests) {
   MenuSession& s = menu_session;
   MenuLevel& l = s.levels[level];
   const int item = ItemAt(l, where);
@@ -77,7 +77,7 @@ void Hover(size_t level, Point where) {
     OpenSubMenu(level, false);
     return;
   }
-  if (s.levels.size() > level + 1 && Aims(s.levels[level + 1], s.aim, where)) {
+  if (!rests && s.levels.size() > level + 1 && Aims(s.levels[level + 1], s.aim, where)) {
     if (!s.aim_timer) s.aim_timer = InstallEventLoopTimer(kAimTime, 0, AimIsOver, nullptr);
     return;
   }
@@ -125,6 +125,21 @@ void Motion(const Event& e) {
   SelectItem(&l, 0);
 }
 
+// The release of the press that has dismissed a menu goes with it.
+Tracking SwallowRelease(void*, Event* e);
+Tracker swallow = {SwallowRelease, nullptr, nullptr, 0};
+
+Tracking SwallowRelease(void*, Event* e) {
+  if (e->cls != kEventClassMouse) return Tracking::kPass;
+  if (e->kind == kEventMouseUp || e->kind == kEventMouseDown) StopTracking(&swallow);
+  return e->kind == kEventMouseUp ? Tracking::kTake : Tracking::kPass;
+}
+
+void Dismiss() {
+  menu_session.swallows = true;
+  FinishSession(false);
+}
+
 void Press(const Event& e) {
   MenuSession& s = menu_session;
   const int level = LevelAt(e.mouse.where);
@@ -135,7 +150,7 @@ void Press(const Event& e) {
   if (t && t->menu != s.levels.front().menu && !t->menu->disabled)
     SwitchTitle(t->menu, false);
   else
-    FinishSession(false);
+    Dismiss();
 }
 
 void Release(const Event& e) {
@@ -346,7 +361,7 @@ MenuChoice CloseMenus() {
   FinishSession(false);
   StopTracking(&s.tracker);
   const MenuChoice choice = s.choice;
-  const bool of_bar = s.of_bar;
+  const bool of_bar = s.of_bar, swallows = s.swallows;
   const uint32_t command = s.command;
   MenuRef chosen_in = s.chosen_in;
   CapturePointer(nullptr, nullptr);
@@ -354,6 +369,7 @@ MenuChoice CloseMenus() {
   s = MenuSession();
   s.done = true;
   DrawMenuBar();
+  if (swallows) StartTracking(&swallow);
   if (choice.item && of_bar && IsValidMenu(chosen_in)) {
     Event e(kEventClassCommand, kEventCommandProcess);
     e.request = {command, nullptr, 0};

@@ -23,10 +23,11 @@ struct MenuSession {
   uint32_t command = 0;
   MenuRef chosen_in = nullptr;
   double opened = 0;
-  bool moved = false;    // the pointer has been in a menu since it was opened
-  bool pressed = false;  // a button went down since it was opened
-  Point last;            // of the pointer, global
-  Point aim;             // where it left the row whose sub-menu is open
+  bool moved = false;     // the pointer has been in a menu since it was opened
+  bool pressed = false;   // a button went down since it was opened
+  bool swallows = false;  // a press has dismissed it
+  Point last;             // of the pointer, global
+  Point aim;              // where it left the row whose sub-menu is open
   EventLoopTimerRef aim_timer = nullptr, scroll_timer = nullptr;
   int scroll_by = 0;
   Tracker tracker;

@@ -1,0 +1,410 @@
+// Menus: the bar, pop-ups, their items and keys, by the pointer and by the keyboard alone.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+#include "platform/access/access.h"
+#include "platform/events/event.h"
+#include "platform/loop/tracking.h"
+#include "tests/toolkit/stage.h"
+#include "toolkit/core/state.h"
+#include "toolkit/events/session.h"
+#include "toolkit/windows/menus.h"
+
+namespace {
+
+using namespace stage;
+using namespace platform;
+
+constexpr uint32_t kF10 = 0xFFC7, kUp = 0xFF52, kDown = 0xFF54, kLeft = 0xFF51, kRight = 0xFF53,
+                   kReturn = 0xFF0D, kEscape = 0xFF1B, kEnd = 0xFF57;
+
+constexpr double kStep = 0.15;  // seconds
+// Steps of a user, so far apart, which go on while a menu waits.
+std::vector<std::function<void()>> steps;
+size_t next_step;
+void Tick(EventLoopTimerRef, void*) {
+  if (next_step < steps.size()) steps[next_step++]();
+}
+void User(std::vector<std::function<void()>> what) {
+  steps = std::move(what);
+  next_step = 0;
+  const double length = double(steps.size() + 2) * kStep;
+  EventLoopTimerRef timer = InstallEventLoopTimer(kStep, kStep, Tick, nullptr);
+  RunFor(length);
+  RemoveEventLoopTimer(timer);
+  EXPECT_EQ(next_step, steps.size()) << "something hangs";
+}
+
+struct Menus {
+  XwMenuItem deep[4] = {{"One", 0, 301, nullptr}, {"Two", 0, 302, nullptr}, {}, {}};
+  XwMenuItem sort[4] = {{"By name", XWM_CHECKED, 201, nullptr},
+                        {"By size", 0, 202, nullptr},
+                        {"Deeper", 0, 0, nullptr},
+                        {}};
+  XwMenuItem file[8] = {{"Open", XWM_DOTS, 101, nullptr},
+                        {"Print", 0, 102, nullptr},
+                        {"", 0, 0, nullptr},
+                        {"Sort", 0, 0, nullptr},
+                        {"Again", XWM_DISABLED, 104, nullptr},
+                        {"Secret", XWM_HIDDEN, 105, nullptr},
+                        {" ", XWM_COLOUR, 0x0000FF, nullptr},
+                        {}};
+  XwMenuItem edit[3] = {{"Cut", 0, 401, nullptr}, {"Copy", 0, 402, nullptr}, {}};
+  XwMenuItem none[1] = {};
+  XwMenuItem bar[4] = {
+      {"File", 0, 0, nullptr}, {"Edit", 0, 0, nullptr}, {"Hidden", XWM_HIDDEN, 0, nullptr}, {}};
+  XwWindow* main;
+  Menus() {
+    Open(3);
+    sort[2].id = reinterpret_cast<XwValue>(deep);
+    file[3].id = reinterpret_cast<XwValue>(sort);
+    bar[0].id = reinterpret_cast<XwValue>(file);
+    bar[1].id = reinterpret_cast<XwValue>(edit);
+    bar[2].id = reinterpret_cast<XwValue>(none);
+    main = Main();
+    input::Focus(Native(main));
+    RunLoop();
+    XwSetFocus(main);
+    XwSetMenu(main, bar);
+    Settle();
+  }
+  ~Menus() { DropSession(); }
+};
+
+void Collect(const std::vector<DescribedNode>& nodes, const std::string& name,
+             std::vector<Description>* out) {
+  for (const DescribedNode& n : nodes) {
+    if (n.what.name == name) out->push_back(n.what);
+    Collect(n.children, name, out);
+  }
+}
+// One that is open before others.
+Description Item(const std::string& name) {
+  std::vector<Description> found;
+  Collect(DescribeTree(), name, &found);
+  for (const Description& d : found)
+    if (!d.bounds.empty()) return d;
+  return found.empty() ? Description() : found.front();
+}
+bool Shown(const std::string& name) {
+  return Item(name).state & kIsShown && !Item(name).bounds.empty();
+}
+std::function<void()> Move(const char* name) {
+  return [name] {
+    const Rect r = Item(name).bounds;
+    input::MovePointer((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+  };
+}
+void Down() {
+  input::Press(1);
+}
+void Up() {
+  input::Release(1);
+}
+std::function<void()> Key(uint32_t keysym, uint32_t unicode = 0, uint32_t modifiers = 0) {
+  return [=] {
+    if (modifiers) input::Modifiers(modifiers);
+    input::KeyDown(keysym, unicode);
+    input::KeyUp(keysym, unicode);
+    if (modifiers) input::Modifiers(0);
+  };
+}
+// What came but motion and redraws, "type" or "type:item".
+std::string Came() {
+  std::string out;
+  for (const Seen& s : seen) {
+    if (s.type == XWE_MOTION || s.type == XWE_EXPOSE) continue;
+    out += (out.empty() ? "" : " ") + std::to_string(s.type);
+    if (s.type == XWE_MENU) out += ":" + std::to_string(s.event.item);
+  }
+  seen.clear();
+  return out;
+}
+
+TEST(Menus, ByThePointer) {
+  Menus m;
+  // A press opens, a drag goes through, the release chooses.
+  User({Move("File"), Down, Move("Print"), Up});
+  EXPECT_EQ(Came(), "793 794:102");
+  EXPECT_FALSE(Shown("Print"));
+  EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
+  // A click opens, another title follows the pointer, a second click chooses.
+  User({Move("File"), [] { Down(), Up(); }, [] { EXPECT_TRUE(Shown("Print")); }, Move("Edit"),
+        [] {
+          EXPECT_TRUE(Shown("Copy"));
+          EXPECT_FALSE(Shown("Print"));
+        },
+        Move("Copy"), [] { Down(), Up(); }});
+  EXPECT_EQ(Came(), "793 793 794:402");
+  // Sub-menus to any depth; what is disabled or a line stays open.
+  User({Move("File"), [] { Down(), Up(); }, Move("Again"), [] { Down(), Up(); },
+        [] { EXPECT_TRUE(Shown("Again")); }, Move("Sort"),
+        [] { EXPECT_TRUE(Item("By name").state & kIsChecked); }, Move("Deeper"),
+        [] { EXPECT_TRUE(Shown("Two")); }, Move("Two"), [] { Down(), Up(); }});
+  EXPECT_EQ(Came(), "793 793 793 794:302");
+  // A colour item of the bar gives its colour.
+  User({Move("File"), Down, Move(" "), Up});
+  EXPECT_EQ(Came(), "793 794:255");
+  // The press that dismisses is swallowed, with its release.
+  User({Move("File"), [] { Down(), Up(); }, [] { input::Click(350, 280); }});
+  EXPECT_EQ(Came(), "793");
+  EXPECT_FALSE(Shown("Print"));
+  input::Click(350, 280);
+  RunLoop();
+  EXPECT_EQ(Came(), "771 776");
+}
+
+TEST(Menus, TheWayToASubMenuIsNotCut) {
+  Menus m;
+  User({Move("File"), [] { Down(), Up(); }, Move("Sort"),
+        [] {
+          // Over the row below, towards the sub-menu.
+          const Rect row = Item("Again").bounds, sub = Item("By size").bounds;
+          input::MovePointer(row.right - 20, row.top + 3);
+          EXPECT_GT(sub.left, row.left);
+        },
+        [] { EXPECT_TRUE(Shown("By size")); }, [] {}, [] {}, [] {},
+        [] { EXPECT_FALSE(Shown("By size")) << "one that rests there closes it"; },
+        Key(kEscape, 27)});
+}
+
+TEST(Menus, ByTheKeyboardAlone) {
+  Menus m;
+  const auto check = [](const char* name) {
+    return [name] { EXPECT_TRUE(Item(name).state & kIsFocused) << name; };
+  };
+  // F10 opens the application's menu; Right goes on; what opened it is delivered after 793.
+  User({Key(kF10), Key(kRight), check("Open..."), Key(kUp), check(" "), Key(kDown), Key(kEnd),
+        Key(kUp), check("Sort"), Key(kRight), check("By name"), Key(kDown), check("By size"),
+        Key(kReturn, 13)});
+  EXPECT_EQ(Came(), "793 793 265 800 794:202");
+  User({Key(kF10), Key(kLeft), check("Cut"), Key(kDown), Key(' ', ' ')});
+  EXPECT_EQ(Came(), "793 265 800 794:402");
+  // First letters; Escape closes one level after the other.
+  User({Key('f', 'f', optionKey), Key('p', 'p'), check("Print"), Key('s', 's'), Key(kReturn, 13),
+        check("By name"), Key(kEscape, 27), check("Sort"), Key(kEscape, 27),
+        [] { EXPECT_FALSE(Shown("Sort")); }});
+  EXPECT_EQ(KeyState['p'], 0);
+  EXPECT_EQ(Came().find("794"), std::string::npos);
+  // A lone Alt, and Alts that are not alone.
+  const auto alt = [](std::function<void()> between) {
+    input::Modifiers(optionKey);
+    if (between) between();
+    input::Modifiers(0);
+  };
+  User({[&] { alt(nullptr); }, [] { EXPECT_TRUE(Shown("Quit")); }, Key(kEscape, 27)});
+  for (std::function<void()> between : {std::function<void()>([] { Key('x', 'x')(); }),
+                                        {[] { input::Click(350, 280); }},
+                                        {[] { input::Scroll(0, 3); }},
+                                        {[] { input::Modifiers(optionKey | shiftKey); }}})
+    User({[&] { alt(between); }, [] { EXPECT_FALSE(Shown("Quit")); }});
+}
+
+TEST(Menus, KeysOfItems) {
+  Menus m;
+  XwSetMenuItemKey(m.file, 101, 'O', XWS_CONTROL);
+  XwSetMenuItemKey(m.file, 301, XWE_F1 + 4, 0);
+  XwSetMenuItemKey(m.file, 104, 'r', XWS_CONTROL);
+  XwSetMenuItemKey(m.file, 105, 's', XWS_CONTROL);
+  EXPECT_EQ(Item("Open...").value, "Ctrl+O");
+  EXPECT_EQ(Item("One").value, "F5");
+  EXPECT_EQ(Item("Quit").value, "Ctrl+Q");
+  const struct {
+    uint32_t keysym, unicode, modifiers;
+    const char* came;
+  } rows[] = {{'o', 'o', controlKey, "777 793 111 800 777 794:101"},
+              {'o', 'o', controlKey | alphaLock, "777 793 111 800 777 794:101"},
+              {'o', 'o', controlKey | shiftKey, "777 111 800 777"},
+              {0xFFC2, 0, 0, "793 260 800 794:301"},
+              {'r', 'r', controlKey, "777 114 800 777"},
+              {'s', 's', controlKey, "777 115 800 777"},
+              {'q', 'q', controlKey, "777 113 800 777 796"}};
+  for (const auto& row : rows) {
+    Key(row.keysym, row.unicode, row.modifiers)();
+    RunLoop();
+    EXPECT_EQ(Came(), row.came) << row.keysym;
+  }
+  // The program may take Control+Q, and give keys up.
+  XwSetMenuItemKey(m.edit, 402, 'q', XWS_CONTROL);
+  XwSetMenuItemKey(m.file, 101, 0, 0);
+  EXPECT_EQ(Item("Quit").value, "");
+  EXPECT_EQ(Item("Open...").value, "");
+  Key('q', 'q', controlKey)();
+  RunLoop();
+  EXPECT_EQ(Came(), "777 793 113 800 777 794:402");
+  // 793 may change the menu before the key is looked up.
+  on_event = [](int type) {
+    if (type == XWE_MENU_OPENING)
+      XwEnableMenuItem(reinterpret_cast<XwMenuItem*>(Inp.value), 402, 0);
+  };
+  Key('q', 'q', controlKey)();
+  RunLoop();
+  EXPECT_EQ(Came(), "777 793 113 800 777");
+}
+
+TEST(Menus, PopUps) {
+  Menus m;
+  static Menus* menus;
+  menus = &m;
+  static int result;
+  on_event = [](int type) {
+    if (type == XWE_PRESS) result = XwPopupMenu(menus->file);
+  };
+  const auto open = [] {
+    input::MovePointer(150, 130);
+    Down();
+  };
+  User({open, Move("Print"), Up});
+  EXPECT_EQ(result, 102);
+  User({open, [] { Up(); }, [] { EXPECT_TRUE(Shown("Print")) << "a quick release keeps it open"; },
+        Move(" "), [] { Down(), Up(); }});
+  EXPECT_EQ(result, -7);
+  User({open, Up, Move("Sort"), Move("Deeper"), Move("Two"), [] { Down(), Up(); }});
+  EXPECT_EQ(result, 302);
+  EXPECT_EQ(m.file[0].flags & XWM_BUILT, XWM_BUILT) << "that of the bar";
+  EXPECT_EQ(MenuListCount + MenuColorCount, 0);
+  // It is closed by what takes the pointer or the window away, and by requests, which follow.
+  const std::function<void()> ends[] = {Key(kEscape, 27), [] { input::Quit(); },
+                                        [] { input::Close(Native(W_Start)); },
+                                        [] { input::Focus(nullptr); },
+                                        [] {
+                                          RawEvent lost;
+                                          lost.type = RawEvent::kGrabLost;
+                                          input::Inject(lost);
+                                        }};
+  for (const auto& end : ends) {
+    result = 77;
+    input::Focus(Native(m.main));
+    User({open, Up, end});
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(input::PointerGrab(), nullptr);
+    EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
+    EXPECT_EQ(XwPointerIsGrabbed(), nullptr);
+    input::Focus(Native(m.main));
+  }
+  EXPECT_NE(Came().find("796"), std::string::npos);
+  EXPECT_EQ(XwPopupMenu(nullptr), 0);
+  EXPECT_EQ(XwPopupMenu(m.none), 0);
+
+  on_event = [](int type) {
+    static const char* const names[] = {"first", "", "third", nullptr};
+    if (type == XWE_PRESS) result = XwPopupList(names, 2);
+  };
+  User({open, Up, [] { EXPECT_TRUE(Item("third").state & kIsChecked); }, Move("first"),
+        [] { Down(), Up(); }});
+  EXPECT_EQ(result, 0);
+  User({open, Up, Key(kEscape, 27)});
+  EXPECT_EQ(result, -1);
+  EXPECT_EQ(XwPopupLocation(m.main, 5, 6)->root_x, 105);
+}
+
+TEST(Menus, ItemsByTheirIds) {
+  Menus m;
+  XwEnableMenuItem(m.file, 302, 0);
+  EXPECT_EQ(m.deep[1].flags, XWM_DISABLED);
+  EXPECT_FALSE(Item("Two").state & kIsEnabled);
+  XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
+  EXPECT_FALSE(Item("By size").state & kIsEnabled) << "the whole sub-menu";
+  XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 1);
+  XwChangeMenuItemText(m.file, 101, "Load");
+  EXPECT_TRUE(Item("Load").state & kIsEnabled) << "without dots";
+  XwChangeMenuItemFlags(m.file, 101, XWM_CHECKED | XWM_DISABLED);
+  EXPECT_EQ(m.file[0].flags, XWM_CHECKED | XWM_DISABLED | XWM_BUILT);
+  EXPECT_TRUE(Item("Load").state & kIsChecked);
+  XwChangeMenuItemFlags(m.file, 105, 0);
+  EXPECT_TRUE(Item("Secret").state & kIsEnabled);
+  XwCheckMenuItem(m.file, 101, 0);
+  EXPECT_EQ(XwGetMenuItemState(m.file, 101), 0);
+  EXPECT_EQ(XwGetMenuRadioItem(m.sort, 0, 0), 201);
+  XwCheckMenuRadioItem(m.file, 201, 202, 202);
+  EXPECT_EQ(XwGetMenuRadioItem(m.file, 201, 202), 202);
+  EXPECT_TRUE(Item("By size").state & kIsChecked);
+  EXPECT_FALSE(Item("By name").state & kIsChecked);
+  char text[40];
+  EXPECT_STREQ(XwGetMenuItemText(m.file, 202, text), "By size");
+  EXPECT_EQ(XwGetMenuItemText(m.file, 999, text), nullptr);
+  EXPECT_STREQ(text, "");
+  // An array inside itself, and one whose menu has ended.
+  XwMenuItem loop[3] = {{"again", 0, 0, nullptr}, {"x", XWM_UTF8, 5, nullptr}, {}};
+  loop[0].id = reinterpret_cast<XwValue>(loop);
+  loop[1].text = "\xC3\x89tage";
+  XwMenuItem other[2] = {{"Loop", 0, reinterpret_cast<XwValue>(loop), nullptr}, {}};
+  XwSetMenu(m.main, other);
+  EXPECT_TRUE(Item("\xC3\x89tage").state & kIsEnabled);
+  EXPECT_EQ(XwGetMenuItemState(loop, 6), 0);
+  XwSetMenu(m.main, m.bar);
+  EXPECT_FALSE(Item("Load").name.empty()) << "what was built stays";
+}
+
+TEST(Menus, TooMany) {
+  Menus m;
+  std::vector<XwMenuItem> many;
+  std::vector<std::string> names;
+  for (int i = 0; i < 200; ++i) names.push_back("Item " + std::to_string(i));
+  for (int i = 0; i < 200; ++i) many.push_back({names[size_t(i)].c_str(), 0, 1000 + i, nullptr});
+  many.push_back({});
+  static std::vector<XwMenuItem>* items;
+  items = &many;
+  static int result;
+  on_event = [](int type) {
+    if (type == XWE_PRESS) result = XwPopupMenu(items->data());
+  };
+  User({[] { input::MovePointer(150, 130), Down(); }, Up,
+        [] { EXPECT_FALSE(Shown("Item 150")) << "longer than the screen"; }, Key(kUp),
+        [] {
+          EXPECT_TRUE(Shown("Item 199"));
+          input::MovePointer(170, 500);
+          input::Scroll(0, -100000);
+        },
+        [] { EXPECT_TRUE(Shown("Item 0")); }, Key(kEnd), Key(kReturn, 13)});
+  EXPECT_EQ(result, 1199);
+  // A bar too narrow for its titles.
+  std::vector<XwMenuItem> titles;
+  for (int i = 0; i < 12; ++i)
+    titles.push_back({names[size_t(i)].c_str(), 0, reinterpret_cast<XwValue>(m.edit), nullptr});
+  std::vector<XwMenuItem> own(24);
+  for (int i = 0; i < 12; ++i) {
+    own[size_t(2 * i)] = {"entry", 0, 600 + i, nullptr};
+    titles[size_t(i)].id = reinterpret_cast<XwValue>(&own[size_t(2 * i)]);
+  }
+  titles.push_back({});
+  on_event = nullptr;
+  XwSetMenu(m.main, titles.data());
+  Settle();
+  User({Move("\xC2\xBB"), [] { Down(), Up(); }, [] { EXPECT_TRUE(Shown("Item 11")); }, Key(kUp),
+        Key(kRight), Key(kReturn, 13)});
+  EXPECT_NE(Came().find("794:611"), std::string::npos);
+}
+
+TEST(Menus, AWaitForAnotherWindow) {
+  Menus m;
+  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
+  XwShow(other, 1);
+  input::Focus(Native(m.main));
+  RunLoop();
+  const int beeps = input::Counts().beeps;
+  Move("File")();
+  Down();
+  Up();
+  while (RunLoop(other)) {
+  }
+  EXPECT_EQ(input::Counts().beeps, beeps + 1);
+  EXPECT_FALSE(Shown("Print"));
+  XwSetMenuItemKey(m.file, 102, 'p', XWS_CONTROL);
+  seen.clear();
+  for (auto key : {Key(kF10), Key('p', 'p', controlKey), Key('f', 'f', optionKey)}) {
+    key();
+    while (RunLoop(other)) {
+    }
+  }
+  EXPECT_EQ(Came(), "");
+  // XwGetEvent opens none either.
+  Key(kF10)();
+  input::Step(1);
+  while (XwGetEvent(nullptr, 0)) input::Step(1);
+  EXPECT_FALSE(Shown("Quit"));
+}
+
+}  // namespace
