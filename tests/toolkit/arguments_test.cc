@@ -8,9 +8,11 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <set>
 #include <tuple>
+#include <vector>
 
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
@@ -255,6 +257,56 @@ void Outlines() {
   }
 }
 
+// A menu of any kind, whose sub-menus are among those made before, itself included.
+XwMenuItem* AnyMenu() {
+  static std::vector<std::unique_ptr<XwMenuItem[]>> kept;  // the toolkit keeps what it has shown
+  constexpr int kItems = 5;
+  kept.emplace_back(new XwMenuItem[kItems + 1]());
+  XwMenuItem* items = kept.back().get();
+  for (int i = 0; i < kItems; ++i) {
+    items[i].text = Pick<const char*>({"", "a", " ", "Long as a menu's text may be", nullptr});
+    items[i].flags = int32_t(rng() & 0x173);
+    items[i].id = Pick<XwValue>({0, 1, 7, -1, 0xFFFF, INT_MIN});
+    if (rng() % 16 == 0) {
+      items[i].flags &= ~XWM_COLOUR;
+      items[i].id = reinterpret_cast<XwValue>(kept[rng() % kept.size()].get());
+    }
+  }
+  return rng() % 8 ? items : nullptr;
+}
+
+void Menus() {
+  static char room[256];
+  for (int i = 0; i < 12; ++i) {
+    XwMenuItem* items = AnyMenu();
+    XwMenuItem* bar = AnyMenu();
+    for (XwMenuItem* m = bar; m && m->text; ++m) {
+      XwMenuItem* menu = AnyMenu();
+      m->flags &= ~XWM_COLOUR;
+      m->id = reinterpret_cast<XwValue>(menu ? menu : bar);
+    }
+    auto id = [] { return Pick<XwValue>({0, 1, 7, -1, 0xFFFF, 65536, INT_MIN, INT_MAX}); };
+    XwSetMenu(Hostile<XwWindow*>(), bar);
+    for (XwMenuItem* m : {items, bar}) {
+      XwEnableMenuItem(m, id(), Hostile<int32_t>());
+      XwChangeMenuItemText(m, id(), Pick<const char*>({"new", "", "\xA5"}));
+      XwChangeMenuItemFlags(m, id(), Hostile<int32_t>());
+      XwCheckMenuItem(m, id(), Hostile<int32_t>());
+      XwCheckMenuRadioItem(m, id(), id(), id());
+      XwGetMenuItemState(m, id());
+      XwGetMenuRadioItem(m, id(), id());
+      XwGetMenuItemText(m, id(), room);
+      XwSetMenuItemKey(m, Hostile<int32_t>(), Hostile<int32_t>(), uint32_t(Hostile<int32_t>()));
+    }
+    XwPopupLocation(Hostile<XwWindow*>(), Hostile<int32_t>(), Hostile<int32_t>());
+    input::KeyDown(Pick<uint32_t>({0xFF54, 0xFF53, 0xFF0D, 0xFFC7}));
+    XwPopupMenu(items);
+    const char* const list[] = {"a", "", nullptr};
+    XwPopupList(rng() % 4 ? list : nullptr, Hostile<int32_t>());
+    Repair();
+  }
+}
+
 void Nothing() {}
 
 const struct {
@@ -314,6 +366,19 @@ const struct {
     {"XwLabel", Controls},
     {"XwCreateDialogItems", Controls},
     {"XwSetIconOutline", Outlines},
+    {"XwSetMenu", Menus},
+    {"XwPopupMenu", Menus},
+    {"XwPopupList", Menus},
+    {"XwPopupLocation", Menus},
+    {"XwEnableMenuItem", Menus},
+    {"XwChangeMenuItemText", Menus},
+    {"XwChangeMenuItemFlags", Menus},
+    {"XwCheckMenuItem", Menus},
+    {"XwCheckMenuRadioItem", Menus},
+    {"XwGetMenuItemState", Menus},
+    {"XwGetMenuRadioItem", Menus},
+    {"XwGetMenuItemText", Menus},
+    {"XwSetMenuItemKey", Menus},
     CALL(XwGetFocus),
     CALL(XwFocusControl),
     CALL(XwSetDefaultButtons),

@@ -18,7 +18,17 @@ constexpr int kEnough = 9999;  // a type that no handler sees: it ends a run
 XwEvent before_end;
 std::map<XwWindow*, std::string> names;
 
+// Ends that were posted since one was received. An open menu receives none, and closes when another
+// program takes the pointer.
+int unreceived = 0;
+constexpr int kPatience = 20;
+
 void PostEnd() {
+  if (++unreceived > kPatience) {
+    input::StealPointer(true);
+    input::StealPointer(false);
+    unreceived = 0;
+  }
   before_end = Inp;
   XwEvent end = Inp;
   end.window = nullptr;
@@ -28,6 +38,7 @@ void PostEnd() {
 
 // Windows may have ended after the copy was made.
 void TakeBack() {
+  unreceived = 0;
   Inp = before_end;
   if (!IsLive(Inp.window)) Inp.window = nullptr;
   if (!IsLive(Inp.focus)) Inp.focus = nullptr;
