@@ -241,6 +241,8 @@ TEST_F(Commands, PaperRunsOut) {
   ASSERT_EQ(Send(fd, "", "", next), 1);                         // an empty one takes one too
   EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
   EXPECT_EQ(JobOf(fd, id).printed, 15);
+  EXPECT_EQ(JobOf(fd, id).pages, 4);
+  EXPECT_EQ(JobOf(fd, id).pages_printed, 2);
   EXPECT_EQ(Printers(fd)[0].state, NC_PRINTER_PAPER_OUT);
   EXPECT_EQ(Printers(fd)[0].paper, 0);
   EXPECT_EQ(JobOf(fd, next).state, NC_JOB_WAITING);

@@ -186,11 +186,14 @@ TEST_F(Spool, AnEndAnswersWhatIsBeingStored) {
   // Two turns of the server later all have been taken in. The last one does not wait any more.
   for (int turn = 0; turn < 2; ++turn) EXPECT_EQ(Printers(fd).size(), 1U);
   NC_Disconnect(peers[3]);
-  EXPECT_EQ(Stop(SIGTERM), 0);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(AnswerOf(peers[i]), NC_STATUS_DONE);
-    NC_Disconnect(peers[i]);
+  daemon.Signal(SIGTERM);
+  for (const int peer : {peers[0], peers[1], peers[2]}) {
+    EXPECT_EQ(AnswerOf(peer), NC_STATUS_DONE);
+    uint8_t more[NC_ID_SIZE];
+    EXPECT_EQ(NC_CreateRequestID(peer, more), -1);  // while the others are being stored
+    NC_Disconnect(peer);
   }
+  EXPECT_EQ(Stop(SIGTERM), 0);
   Start();
   EXPECT_EQ(Jobs(fd).size(), 4U);
 }
@@ -299,6 +302,8 @@ TEST_F(Spool, NumbersOrderAndReasonsOutliveARestart) {
   EXPECT_EQ(Order(fd), "2 3 5 failed ");
   EXPECT_STREQ(JobOf(fd, failed).text, "the document is shorter than it was");
   EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
+  EXPECT_EQ(Change(fd, failed, "hold=1\n"), 1);
+  EXPECT_EQ(std::string(JobOf(fd, failed).text) + JobOf(fd, failed).reasons, "");
 }
 
 // Copies a spool that another version wrote, as far as a repository can hold one.
