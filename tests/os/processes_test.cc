@@ -161,32 +161,24 @@ TEST(Pipes, BadArguments) {
   OS_Pipe none = {-1, -1, 0};
   char c = 0;
   EXPECT_EQ(OS_StartPipe(nullptr, nullptr), nullptr);
-  EXPECT_EQ(
-      OS_ReadPipe(nullptr, &c, 1) + OS_ReadPipe(&none, nullptr, 1) + OS_ReadPipe(&none, &c, 0), 0);
-  EXPECT_EQ(OS_ReadPipe(&none, &c, 1), 0);
-  EXPECT_EQ(OS_WritePipe(nullptr, &c, 1), -1);
-  EXPECT_EQ(OS_WritePipe(&none, nullptr, 1), -1);
-  EXPECT_EQ(OS_WritePipe(&none, &c, -1), -1);
-  EXPECT_EQ(OS_WritePipe(&none, &c, 1), -1);
+  EXPECT_EQ(OS_ReadPipe(nullptr, &c, 1) + OS_ReadPipe(&none, nullptr, 1), 0);
+  EXPECT_EQ(OS_ReadPipe(&none, &c, 0) + OS_ReadPipe(&none, &c, 1), 0);
+  EXPECT_EQ(OS_WritePipe(nullptr, &c, 1) + OS_WritePipe(&none, nullptr, 1), -2);
+  EXPECT_EQ(OS_WritePipe(&none, &c, -1) + OS_WritePipe(&none, &c, 1), -2);
   EXPECT_EQ(OS_ClosePipe(nullptr), -1);
 }
 
 TEST(Figures, OfTheDiskAndOfMemory) {
-  uint64_t figures[4] = {1, 1, 1, 1};
-  struct statfs before, after;
-  ASSERT_EQ(chdir("/"), 0);
-  do {  // others write to the disk as well
-    ASSERT_EQ(statfs("/", &before), 0);
-    OS_DiskInfo(&figures[0], &figures[1]);
-    ASSERT_EQ(statfs("/", &after), 0);
-  } while (before.f_bfree != after.f_bfree);
-  EXPECT_EQ(figures[0], uint64_t(after.f_bsize) * after.f_blocks);
-  EXPECT_EQ(figures[1], uint64_t(after.f_bsize) * after.f_bfree);
+  uint64_t total = 1, available = 1, figures[2] = {};
+  struct statfs disk;
+  ASSERT_EQ(chdir("/") + statfs("/", &disk), 0);
+  OS_DiskInfo(&total, &available);
+  EXPECT_EQ(total, uint64_t(disk.f_bsize) * disk.f_blocks);
+  EXPECT_TRUE(available <= total && available % disk.f_bsize == 0);
   OS_DiskInfo(nullptr, nullptr);
-  OS_MemInfo(&figures[0], &figures[1], nullptr, &figures[3]);
+  OS_MemInfo(&figures[0], nullptr, nullptr, &figures[1]);
   EXPECT_EQ(figures[0], 0xEB28000u);
-  EXPECT_EQ(figures[3], 0x6400000u);
-  OS_MemInfo(nullptr, nullptr, nullptr, nullptr);
+  EXPECT_EQ(figures[1], 0x6400000u);
 }
 
 }  // namespace
