@@ -248,7 +248,6 @@ TEST_F(Printing, OrderBeforeAnother) {
   EXPECT_EQ(before(0, 5), NC_STATUS_WRONG_STATE);  // of another printer
   EXPECT_EQ(before(0, 0), NC_STATUS_WRONG_STATE);
   EXPECT_EQ(Change(fd, ids[0], "before=" + std::string(32, '0') + "\n"), NC_STATUS_UNKNOWN_ID);
-  EXPECT_EQ(Change(fd, ids[0], "before=1\n"), NC_STATUS_BAD_TICKET);
   EXPECT_EQ(Change(fd, ids[0], "printer=B\nbefore=" + IdText(ids[5]) + "\n"), 1);
   // More often than there is room between two places.
   for (int i = 0; i < 40; ++i) {
