@@ -137,6 +137,8 @@ TEST(Commands, AnnouncedSizesThatAreRefused) {
   } rows[] = {
       {"plain queue", Integer(0x80000000),
        [](int fd, Buffer* b) { return NC_GetPrintQueue(fd, b->bytes); }},
+      {"huge queue", Integer(UINT32_MAX),
+       [](int fd, Buffer* b) { return NC_GetPrintQueueN(fd, b->bytes, UINT32_MAX); }},
       {"plain scanners", "\x01" + Integer(UINT32_MAX),
        [](int fd, Buffer* b) { return NC_GetScannerList(fd, &b->status, b->bytes); }},
       {"profiles", Integer(3),
