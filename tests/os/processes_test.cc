@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include "os/os.h"
-#include "tests/os/alarms.h"
 #include "tests/os/scratch.h"
 
 namespace {
@@ -100,22 +99,6 @@ TEST(Pipes, EndWithTheirChild) {
     EXPECT_EQ(errno, EPIPE);
     CloseAndReap(p);
   }
-}
-
-TEST(Pipes, EndWithASignal) {
-  OS_Pipe* p = OS_StartPipe("sleep", "100", nullptr);
-  const std::string large(200000, 'x');
-  {
-    const Alarms ringing;
-    char c;
-    EXPECT_EQ(OS_ReadPipe(p, &c, 1), 0);
-    const int written = OS_WritePipe(p, large.data(), static_cast<int>(large.size()));
-    EXPECT_TRUE(written > 0 && written < 200000) << written;
-    EXPECT_EQ(OS_WritePipe(p, large.data(), 1), -1);
-    EXPECT_EQ(errno, EINTR);
-  }
-  kill(p->pid, SIGKILL);
-  CloseAndReap(p);
 }
 
 // Without standard streams the pipe's ends do not take their numbers; a child has the same few
