@@ -31,6 +31,9 @@ struct Example {
 const Example kExamples[] = {
     {"01-hello", "Hello"},
     {"02-drawing", "Drawing"},
+    {"03-menus",
+     "Menus",
+     {{"keyed", "modifiers 4096\nkey 111\nmodifiers 0"}, {"inactive", "unfocus"}}},
     {"04-buttons",
      "Buttons",
      {{"pressed", "press 276 48"},

@@ -8,15 +8,14 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <random>
 #include <set>
 #include <tuple>
-#include <vector>
 
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/state.h"
+#include "toolkit/windows/menus.h"
 
 namespace {
 
@@ -241,6 +240,55 @@ void Controls() {
   }
 }
 
+// Any bits but those that say what the id points at; sub-menus, also into themselves.
+void Menus() {
+  static XwMenuItem arrays[4][6];
+  static char text[70001];
+  static const char* const lists[] = {"", "a", "%s", nullptr};
+  for (int i = 0; i < 60; ++i) {
+    for (auto& array : arrays) {
+      const int n = int(rng() % 6);
+      for (int k = 0; k < 6; ++k) {
+        const char* name = Hostile<const char*>();
+        const int32_t flags = Hostile<int32_t>() & ~XWM_BUILT;
+        const bool sub = rng() % 3 == 0 && !(flags & XWM_COLOUR);
+        array[k] = {k < n ? (name ? name : "x") : nullptr, flags,
+                    sub ? reinterpret_cast<XwValue>(arrays[rng() % 4])
+                        : XwValue(Hostile<int32_t>() & 0xFFFF),
+                    Pick<void*>({nullptr, &arrays, props.main})};
+      }
+    }
+    XwMenuItem bar[5] = {};
+    const int titles = int(rng() % 5);
+    for (int k = 0; k < titles; ++k)
+      bar[k] = {Hostile<const char*>(), Hostile<int32_t>() & ~XWM_BUILT,
+                rng() % 5 ? reinterpret_cast<XwValue>(arrays[k]) : 0, nullptr};
+    XwSetMenu(Hostile<XwWindow*>(), rng() % 5 ? bar : nullptr);
+    XwSetMenu(props.main, bar);
+    XwMenuItem* items = rng() % 6 ? arrays[rng() % 4] : nullptr;
+    const XwValue id = rng() % 2 ? arrays[0][0].id : Hostile<XwValue>();
+    XwEnableMenuItem(items, id, int(rng() % 2));
+    XwCheckMenuItem(items, id, int(rng() % 2));
+    XwChangeMenuItemText(items, id, Hostile<const char*>());
+    XwChangeMenuItemFlags(items, id, Hostile<int32_t>() & ~(XWM_COLOUR | XWM_BUILT));
+    XwCheckMenuRadioItem(items, Hostile<int32_t>(), id, id);
+    XwGetMenuRadioItem(items, Hostile<int32_t>(), id);
+    XwGetMenuItemState(items, id);
+    XwGetMenuItemText(items, id, rng() % 4 ? text : nullptr);
+    XwSetMenuItemKey(items, int32_t(id), Hostile<int32_t>(), uint32_t(Hostile<int32_t>()));
+    XwPopupLocation(Hostile<XwWindow*>(), Hostile<int32_t>(), Hostile<int32_t>());
+    XwPopupMenu(items);
+    XwPopupList(rng() % 5 ? lists : nullptr, Hostile<int32_t>());
+    stage::input::Click(int(rng() % 600), int(rng() % 120));
+    stage::input::KeyDown(0xFFC7);
+    stage::input::KeyUp(0xFFC7);
+    stage::RunLoop();
+    XwSetMenu(props.main, nullptr);
+    Repair();
+  }
+  DropMenus();
+}
+
 void Outlines() {
   static const uint8_t bits[32] = {};
   for (int i = 0; i < 100; ++i) {
@@ -253,56 +301,6 @@ void Outlines() {
     XwSetIconOutline(rng() % 9 ? &icon : nullptr, rng() % 9 ? parts : nullptr, int(rng() % 6) - 1);
     if (XwWindow* b = XwButton(props.other, &icon, 1, 0, 0, 20, 20, XWC_ICON | XWC_VISIBLE, 0))
       XwDestroy(b);
-    Repair();
-  }
-}
-
-// A menu of any kind, whose sub-menus are among those made before, itself included.
-XwMenuItem* AnyMenu() {
-  static std::vector<std::unique_ptr<XwMenuItem[]>> kept;  // the toolkit keeps what it has shown
-  constexpr int kItems = 5;
-  kept.emplace_back(new XwMenuItem[kItems + 1]());
-  XwMenuItem* items = kept.back().get();
-  for (int i = 0; i < kItems; ++i) {
-    items[i].text = Pick<const char*>({"", "a", " ", "Long as a menu's text may be", nullptr});
-    items[i].flags = int32_t(rng() & 0x173);
-    items[i].id = Pick<XwValue>({0, 1, 7, -1, 0xFFFF, INT_MIN});
-    if (rng() % 16 == 0) {
-      items[i].flags &= ~XWM_COLOUR;
-      items[i].id = reinterpret_cast<XwValue>(kept[rng() % kept.size()].get());
-    }
-  }
-  return rng() % 8 ? items : nullptr;
-}
-
-void Menus() {
-  static char room[256];
-  for (int i = 0; i < 12; ++i) {
-    XwMenuItem* items = AnyMenu();
-    XwMenuItem* bar = AnyMenu();
-    for (XwMenuItem* m = bar; m && m->text; ++m) {
-      XwMenuItem* menu = AnyMenu();
-      m->flags &= ~XWM_COLOUR;
-      m->id = reinterpret_cast<XwValue>(menu ? menu : bar);
-    }
-    auto id = [] { return Pick<XwValue>({0, 1, 7, -1, 0xFFFF, 65536, INT_MIN, INT_MAX}); };
-    XwSetMenu(Hostile<XwWindow*>(), bar);
-    for (XwMenuItem* m : {items, bar}) {
-      XwEnableMenuItem(m, id(), Hostile<int32_t>());
-      XwChangeMenuItemText(m, id(), Pick<const char*>({"new", "", "\xA5"}));
-      XwChangeMenuItemFlags(m, id(), Hostile<int32_t>());
-      XwCheckMenuItem(m, id(), Hostile<int32_t>());
-      XwCheckMenuRadioItem(m, id(), id(), id());
-      XwGetMenuItemState(m, id());
-      XwGetMenuRadioItem(m, id(), id());
-      XwGetMenuItemText(m, id(), room);
-      XwSetMenuItemKey(m, Hostile<int32_t>(), Hostile<int32_t>(), uint32_t(Hostile<int32_t>()));
-    }
-    XwPopupLocation(Hostile<XwWindow*>(), Hostile<int32_t>(), Hostile<int32_t>());
-    input::KeyDown(Pick<uint32_t>({0xFF54, 0xFF53, 0xFF0D, 0xFFC7}));
-    XwPopupMenu(items);
-    const char* const list[] = {"a", "", nullptr};
-    XwPopupList(rng() % 4 ? list : nullptr, Hostile<int32_t>());
     Repair();
   }
 }
@@ -360,25 +358,25 @@ const struct {
     {"XwSetValue", Often<static_cast<void (*)(XwWindow*, XwValue)>(XwSetValue)>},
     CALL(XwGetText),
     CALL(XwGetValue),
-    {"XwButton", Controls},
-    {"XwCheckBox", Controls},
-    {"XwColor", Controls},
-    {"XwLabel", Controls},
-    {"XwCreateDialogItems", Controls},
+    {"XwButton", Controls},  // and all others that make controls
+    {"XwCheckBox", Nothing},
+    {"XwColor", Nothing},
+    {"XwLabel", Nothing},
+    {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
-    {"XwSetMenu", Menus},
-    {"XwPopupMenu", Menus},
-    {"XwPopupList", Menus},
-    {"XwPopupLocation", Menus},
-    {"XwEnableMenuItem", Menus},
-    {"XwChangeMenuItemText", Menus},
-    {"XwChangeMenuItemFlags", Menus},
-    {"XwCheckMenuItem", Menus},
-    {"XwCheckMenuRadioItem", Menus},
-    {"XwGetMenuItemState", Menus},
-    {"XwGetMenuRadioItem", Menus},
-    {"XwGetMenuItemText", Menus},
-    {"XwSetMenuItemKey", Menus},
+    {"XwSetMenu", Menus},  // and all others of menus
+    {"XwPopupMenu", Nothing},
+    {"XwPopupList", Nothing},
+    {"XwPopupLocation", Nothing},
+    {"XwEnableMenuItem", Nothing},
+    {"XwChangeMenuItemText", Nothing},
+    {"XwChangeMenuItemFlags", Nothing},
+    {"XwCheckMenuItem", Nothing},
+    {"XwCheckMenuRadioItem", Nothing},
+    {"XwGetMenuItemState", Nothing},
+    {"XwGetMenuRadioItem", Nothing},
+    {"XwGetMenuItemText", Nothing},
+    {"XwSetMenuItemKey", Nothing},
     CALL(XwGetFocus),
     CALL(XwFocusControl),
     CALL(XwSetDefaultButtons),

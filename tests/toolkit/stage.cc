@@ -1,4 +1,5 @@
 #include "tests/toolkit/stage.h"
+#include "platform/menus/menu.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
@@ -18,17 +19,7 @@ constexpr int kEnough = 9999;  // a type that no handler sees: it ends a run
 XwEvent before_end;
 std::map<XwWindow*, std::string> names;
 
-// Ends that were posted since one was received. An open menu receives none, and closes when another
-// program takes the pointer.
-int unreceived = 0;
-constexpr int kPatience = 20;
-
 void PostEnd() {
-  if (++unreceived > kPatience) {
-    input::StealPointer(true);
-    input::StealPointer(false);
-    unreceived = 0;
-  }
   before_end = Inp;
   XwEvent end = Inp;
   end.window = nullptr;
@@ -38,13 +29,23 @@ void PostEnd() {
 
 // Windows may have ended after the copy was made.
 void TakeBack() {
-  unreceived = 0;
   Inp = before_end;
   if (!IsLive(Inp.window)) Inp.window = nullptr;
   if (!IsLive(Inp.focus)) Inp.focus = nullptr;
 }
 
+// True when one is open: it closes in the next turn.
+bool CloseMenu() {
+  if (!platform::MenusAreOpen()) return false;
+  platform::RawEvent lost;
+  lost.type = platform::RawEvent::kGrabLost;
+  input::Inject(lost);
+  return true;
+}
+
 bool Idle() {
+  // Nobody is left who would close a menu.
+  if (CloseMenu()) return true;
   PostEnd();
   return true;
 }
@@ -96,6 +97,7 @@ void RunFor(double seconds, XwWindow* modal) {
       seconds, 0.001,
       [](platform::EventLoopTimerRef, void*) {
         over = true;
+        CloseMenu();
         PostEnd();
       },
       nullptr);
