@@ -294,7 +294,6 @@ void ChooseItem(size_t level, int item, bool by_key) {
   MenuSession& s = menu_session;
   MenuLevel& l = s.levels[level];
   const MenuItem& i = l.menu->items[size_t(item - 1)];
-  if (!i.enabled() || l.menu->disabled) return;
   SelectItem(&l, item);
   if (i.sub) {
     OpenSubMenu(level, by_key);

@@ -121,9 +121,16 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   // While one button holds it, others are swallowed.
   input::MovePointer(r.left, r.top);
   for (int held : {1, 2}) input::Press(held);
-  for (int held : {2, 1}) input::Release(held);
+  input::Release(2);
+  RunLoop();
+  EXPECT_EQ(Reports(), "");
+  input::Release(1);
   RunLoop();
   EXPECT_EQ(Reports(), "5=0");
+  input::Press(3);
+  RunLoop();
+  EXPECT_FALSE(State("Go") & kIsPressed);
+  input::Release(3);
   // The pointer is taken away: nothing has been pressed, and nothing stays held.
   input::Press(1);
   RunLoop();
@@ -194,6 +201,14 @@ TEST(Controls, WhoGetsAPress) {
   RunLoop();
   EXPECT_EQ(Others(), "771 776");
   XwUngrabPointer();
+  // Of two sub-windows the later one is above, and so is what is in it.
+  XwWindow* above = Sub(s.main, "above", 10, 100, 120, 60);
+  XwButton(above, "topmost", 12, 10, 10, 60, 26, kOn, 0);
+  RunLoop();
+  seen.clear();
+  EXPECT_EQ(ClickAt(130, 222), "12=0");
+  XwDestroy(above);
+  RunLoop();
   // Hidden and shown with its sub-window.
   XwShow(sub, 0);
   RunLoop();
@@ -374,6 +389,13 @@ TEST(Controls, TheKeyboardAlone) {
   RunLoop();
   EXPECT_EQ(Others(), "32") << "a repeat presses nothing and is an ordinary key";
   input::KeyUp(' ', ' ');
+  XwFocusControl(XwButton(s.main, "silent", 0, 10, 170, 60, 26, kOn, 0));
+  Key(' ', ' ');
+  input::KeyDown(kReturnKey, 13);
+  RunLoop();
+  EXPECT_EQ(Others(), "") << "one that reports nothing takes the key all the same";
+  input::KeyUp(kReturnKey, 13);
+  XwFocusControl(XwFind(s.main, 1));
   XwSetTab(s.main, 0);
   RunLoop();
   seen.clear();

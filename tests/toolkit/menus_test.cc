@@ -1,6 +1,7 @@
 // Menus: the bar, pop-ups, their items and keys, by the pointer and by the keyboard alone.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -177,8 +178,8 @@ TEST(Menus, ByTheKeyboardAlone) {
   };
   // F10 opens the application's menu; Right goes on; what opened it is delivered after 793.
   User({Key(kF10), Key(kRight), check("Open..."), Key(kUp), check(" "), Key(kDown), Key(kEnd),
-        Key(kUp), check("Sort"), Key(kRight), check("By name"), Key(kDown), check("By size"),
-        Key(kReturn, 13)});
+        Key(kUp), check("Sort"), Key(kRight), check("By name"), Key(kLeft), check("Sort"),
+        Key(kRight), Key(kDown), check("By size"), Key(kReturn, 13)});
   EXPECT_EQ(Came(), "793 793 265 800 794:202");
   User({Key(kF10), Key(kLeft), check("Cut"), Key(kDown), Key(' ', ' ')});
   EXPECT_EQ(Came(), "793 265 800 794:402");
@@ -205,7 +206,7 @@ TEST(Menus, ByTheKeyboardAlone) {
 TEST(Menus, KeysOfItems) {
   Menus m;
   XwSetMenuItemKey(m.file, 101, 'O', XWS_CONTROL);
-  XwSetMenuItemKey(m.file, 301, XWE_F1 + 4, 0);
+  XwSetMenuItemKey(m.file, 301, XWE_F1 + 4, XWS_CAPS);
   XwSetMenuItemKey(m.file, 104, 'r', XWS_CONTROL);
   XwSetMenuItemKey(m.file, 105, 's', XWS_CONTROL);
   EXPECT_EQ(Item("Open...").value, "Ctrl+O");
@@ -261,6 +262,13 @@ TEST(Menus, PopUps) {
   User({open, [] { Up(); }, [] { EXPECT_TRUE(Shown("Print")) << "a quick release keeps it open"; },
         Move(" "), [] { Down(), Up(); }});
   EXPECT_EQ(result, -7);
+  User({open,
+        [] {
+          Move("Print")();
+          Up();
+        },
+        [] { EXPECT_TRUE(Shown("Print")) << "also over an item"; }, Key(kEscape, 27)});
+  EXPECT_EQ(result, 0);
   User({open, Up, Move("Sort"), Move("Deeper"), Move("Two"), [] { Down(), Up(); }});
   EXPECT_EQ(result, 302);
   EXPECT_EQ(m.file[0].flags & XWM_BUILT, XWM_BUILT) << "that of the bar";
@@ -302,6 +310,10 @@ TEST(Menus, PopUps) {
 
 TEST(Menus, ItemsByTheirIds) {
   Menus m;
+  std::vector<Description> nameless;
+  Collect(DescribeTree(), "", &nameless);
+  EXPECT_TRUE(std::any_of(nameless.begin(), nameless.end(),
+                          [](const Description& d) { return d.role == ObjectRole::kSeparator; }));
   XwEnableMenuItem(m.file, 302, 0);
   EXPECT_EQ(m.deep[1].flags, XWM_DISABLED);
   EXPECT_FALSE(Item("Two").state & kIsEnabled);
