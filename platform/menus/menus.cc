@@ -70,6 +70,10 @@ void SetMenuTitle(MenuRef m, const char* utf8) {
   ForgetBarLayout();
 }
 
+bool MenuHasTitle(MenuRef m) {
+  return IsValidMenu(m) && !m->title.empty();
+}
+
 int AppendMenuItemText(MenuRef m, const char* utf8) {
   if (!IsValidMenu(m)) return 0;
   MenuItem item;

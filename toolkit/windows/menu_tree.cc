@@ -28,7 +28,7 @@ std::vector<const XwMenuItem*>& Building() {
   return *building;
 }
 
-// A black frame, one pixel free at the right and below it, around the colour.
+// The colour in a black frame of one pixel.
 uint8_t* MakeSwatch(int32_t colour) {
   uint8_t* image = XwAllocImage(kSwatchWidth, kSwatchHeight);
   const uint32_t rgb = ColorToRgb(colour);
@@ -132,6 +132,9 @@ void XwSetMenu(XwWindow* window, XwMenuItem* bar) {
   for (int i = 0; bar && bar[i].text; ++i) {
     auto* items = reinterpret_cast<XwMenuItem*>(bar[i].id);
     MenuRef menu = items ? CreateMenuTree(items, bar[i].text, i + 1, false) : EmptyMenu(bar + i);
+    // The other calls know no UTF-8, and a menu that was made as a sub-menu has no title yet.
+    if (bar[i].flags & XWM_UTF8 || !MenuHasTitle(menu))
+      SetMenuTitle(menu, MenuItemText(bar[i]).c_str());
     bar[i].menu = menu;
     if (bar[i].flags & XWM_HIDDEN) continue;
     bar[i].flags& XWM_DISABLED ? DisableMenuItem(menu, 0) : EnableMenuItem(menu, 0);
