@@ -104,6 +104,8 @@ void ScrollOn(EventLoopTimerRef, void*) {
 void Motion(const Event& e) {
   MenuSession& s = menu_session;
   const Point where = e.mouse.where;
+  // A menu that comes up under a pointer that rests is no motion of it.
+  if (where == s.last) return;
   if (Far(where, s.last) > kSlop) s.moved = true;
   s.last = where;
   const int level = LevelAt(where);
@@ -346,6 +348,10 @@ bool OpenMenuOfBar(MenuRef m) {
   for (const BarTitle& t : BarTitles())
     if (t.menu == m) return OpenBar(t, true);
   return false;
+}
+
+void SetMenuPointer(Point where) {
+  menu_session.last = menu_session.aim = where;
 }
 
 Tracker* MenuTracker() {
