@@ -245,8 +245,9 @@ bool Opened(bool shown) {
     return false;
   }
   s.aim = s.last;
+  if (s.of_bar) DrawMenuBar();
+  PresentWindows();  // the answer to the grab is not waited for before the menu is seen
   CapturePointer(s.owner, nullptr, Capture::kMenu);
-  DrawMenuBar();
   return true;
 }
 
@@ -374,7 +375,7 @@ MenuChoice CloseMenus() {
   PopLevels(0);
   s = MenuSession();
   s.done = true;
-  DrawMenuBar();
+  if (of_bar) DrawMenuBar();
   if (swallows) StartTracking(&swallow);
   if (choice.item && of_bar && IsValidMenu(chosen_in)) {
     Event e(kEventClassCommand, kEventCommandProcess);
