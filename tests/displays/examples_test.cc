@@ -31,6 +31,13 @@ struct Example {
 const Example kExamples[] = {
     {"01-hello", "Hello"},
     {"02-drawing", "Drawing"},
+    {"03-menus",
+     "Menus",
+     {{"chosen",
+       "key 65479\nkey 65361\nkey 65361\nkey 65364\nkey 65293\n"
+       "key 65479\nkey 65363\nkey 65363\nkey 65363\n"
+       "key 65364\nkey 65364\nkey 65364\nkey 65293"},
+      {"letters", "modifiers 2048"}}},
     {"04-buttons",
      "Buttons",
      {{"pressed", "press 276 48"},
