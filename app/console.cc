@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "app/commands.h"
 #include "app/texts.h"
 
 namespace console {
@@ -113,10 +114,14 @@ void FilesChanged(Console* c) {
   exit(0);
 }
 
+}  // namespace
+
 void Leave(Console* c) {
   if (AskBeforeQuit(c)) Quit(c);
   SetHover(c, {});  // it is covered
 }
+
+namespace {
 
 // --- Pointer
 
@@ -166,6 +171,8 @@ void Press(Console* c) {
   }
 }
 
+}  // namespace
+
 void StopSending(Console* c) {
   for (const Transfer& t : c->state.transfers)
     if (t.state == Sending::kSending) c->server.Cancel(t.number);
@@ -175,6 +182,8 @@ void RefreshAll(Console* c) {
   RefreshFolder(c);
   c->server.Refresh();
 }
+
+namespace {
 
 void UseTool(Console* c, int tool) {
   switch (tool) {
@@ -373,6 +382,8 @@ void Key(Console* c, int type) {
     return;
   }
   if (c->modifiers & (XWS_CONTROL | XWS_COMMAND)) {
+    // Those with Control come from the menu bar, as commands.
+    if (c->modifiers & XWS_CONTROL) return;
     if (type == 'p') PrintSelected(c);
     if (type == 'r') RefreshAll(c);
     if (type == 'q' || type == 'w') Leave(c);
@@ -452,9 +463,17 @@ int Handle(int type) {
     case XWE_CLOSE:
       Leave(c);
       break;
+    case XWE_MENU_OPENING:
+      ShowCommands(c);
+      break;
+    case XWE_MENU:
+      RunCommand(c, Inp.item);
+      break;
     // The session's end and signals do not wait for an answer.
     case XWE_QUIT:
-      Quit(c);
+      if (!Inp.param) Quit(c);
+      Leave(c);
+      break;
     default:
       if (type < XWE_CONFIGURE) Key(c, type);
       break;
@@ -493,6 +512,7 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   c->folder.Begin(start);
   FindPlaces(c);
   EnterFolder(c, start, "");
+  SetUpCommands(c);
   XwShow(w, 1);
   XwSetFocus(w);
   return c;

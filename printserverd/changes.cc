@@ -93,14 +93,15 @@ Status Queue::PlaceBefore(const RequestId& before, Wish* wish, Job* changed) {
   return Status::kDone;
 }
 
-// The place in the middle between a job and the one before it; -1 when there is none left.
+// The place in the middle between a job and the one before it; -1 when there is none left. No job
+// that stands by its number comes to stand between, whenever it gets this priority.
 int64_t Queue::PlaceBetween(const Job* target) const {
-  int64_t low = 0;
+  int64_t low = PlaceOf(NumberBefore(target->place - 1));
   const auto at = order_.find(target);
   if (at != order_.begin()) {
     const Job& previous = **std::prev(at);
     const bool same = previous.Waits() && previous.ticket.priority == target->ticket.priority;
-    if (same) low = previous.place;
+    if (same) low = std::max(low, previous.place);
   }
   const int64_t place = low + (target->place - low) / 2;
   return place > low ? place : -1;
@@ -115,31 +116,20 @@ int64_t Queue::LastPlace(int64_t priority) const {
   return last + 1;
 }
 
-// Gives the moved jobs of a priority even distances between those that stand by their numbers.
+// Gives the moved jobs of a priority even distances between the numbers around them.
 void Queue::SpreadPlaces(int64_t priority) {
-  std::vector<const Job*> run;
-  std::vector<std::pair<RequestId, int64_t>> places;
-  int64_t low = 0;
-  const auto close = [&](int64_t high) {
-    const int64_t step = (high - low) / static_cast<int64_t>(run.size() + 1);
-    for (size_t i = 0; i < run.size(); ++i) {
-      places.emplace_back(run[i]->id, low + step * static_cast<int64_t>(i + 1));
-    }
-    run.clear();
-    low = high;
-  };
+  std::map<int64_t, std::vector<RequestId>> moved;  // by the number before them
   for (const Job* job : order_) {
     if (!job->Waits() || job->ticket.priority != priority) continue;
-    if (job->place == PlaceOf(job->number)) {
-      close(job->place);
-    } else {
-      run.push_back(job);
-    }
+    if (job->place != PlaceOf(job->number)) moved[NumberBefore(job->place)].push_back(job->id);
   }
-  close(PlaceOf(uses_.counters->last_number() + 1));
-  for (const auto& [id, place] : places) {
-    Edit(this, id)->place = place;
-    Store(*Find(id), [](bool) {});
+  for (const auto& [number, ids] : moved) {
+    const int64_t step = PlaceOf(1) / static_cast<int64_t>(ids.size() + 1);
+    int64_t place = PlaceOf(number);
+    for (const RequestId& id : ids) {
+      Edit(this, id)->place = place += step;
+      Store(*Find(id), [](bool) {});
+    }
   }
   for (auto& [id, wishes] : changing_) {
     for (Wish& wish : wishes) wish.place = -1;

@@ -78,6 +78,11 @@ inline int64_t PlaceOf(int64_t number) {
   return number << 32;
 }
 
+// The number whose place is the last one at or below `place`.
+inline int64_t NumberBefore(int64_t place) {
+  return place >> 32;
+}
+
 // The record that the job file holds.
 std::string StoredRecord(const Job& job);
 

@@ -129,10 +129,7 @@ void OpenRun(PrintRun* run, const std::function<Fd()>& open_document) {
                 std::string("the document cannot be read: ") + strerror(errno));
   }
   run->folder = OpenOutputFolder(run->root, run->subfolder);
-  if (run->folder) {
-    unlinkat(run->folder.get(), run->part.c_str(), 0);
-    run->output = CreateFileIn(run->folder.get(), run->part);
-  }
+  if (run->folder) run->output = CreateFileIn(run->folder.get(), run->part);
   if (!run->output) FailOutput(run, errno);
 }
 

@@ -142,7 +142,7 @@ struct XwEvent {
   XwValue value;     /* 779: the timer's value. 798: the path, a char*. 800: the key released */
   int32_t item;      /* pointer and keys: position of the box under the pointer (XwBoxList), 0 none.
                         783: the control's id. 794: the command */
-  int32_t param;     /* XwSendEvent's last argument, else 0 */
+  int32_t param;     /* XwSendEvent's last argument, else 0. 796: 1 when the user chose Quit */
   int32_t spare;     /* the program's own; copied along */
   int32_t x, y, width, height; /* 768: new bounds. 769: 0, 0 and the size. item != 0: the box */
   int32_t root_x, root_y;      /* pointer: on the screen */

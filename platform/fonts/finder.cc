@@ -13,8 +13,8 @@ bool HasCharacter(const FontEntry& e, char32_t c) {
   return font.Open(e.file, e.index) && FT_Get_Char_Index(font.face(), c) != 0;
 }
 
-FontAnswer AnswerOf(const FontFace* face) {
-  FontAnswer a;
+CachedFont CacheEntryOf(const FontFace* face) {
+  CachedFont a;
   if (!face) return a;
   a.file = face->file;
   a.index = face->index;
@@ -43,27 +43,27 @@ FontFinder::FontFinder() {
     folder_ = folder;
     return;
   }
-  if (auto answers = LoadFontAnswers()) answers_ = std::move(*answers);
+  if (auto cache = LoadFontCache()) cache_ = std::move(*cache);
 }
 
-const FontAnswer& FontFinder::Ask(const std::string& key) {
-  for (const FontAnswer& a : answers_)
+const CachedFont& FontFinder::Ask(const std::string& key) {
+  for (const CachedFont& a : cache_)
     if (a.key == key) return a;
   const FontCatalogue& catalogue = Catalogue();
-  FontAnswer a;
+  CachedFont a;
   if (key == "d") {
     a.file = catalogue.sans_serif;
   } else {
-    a = AnswerOf(key[0] == 'n' ? ByName(key.substr(1)) : ByCharacter(key.substr(1)));
+    a = CacheEntryOf(key[0] == 'n' ? ByName(key.substr(1)) : ByCharacter(key.substr(1)));
   }
   a.key = key;
-  answers_.push_back(std::move(a));
-  if (folder_.empty()) SaveFontAnswers(catalogue.stamps, answers_);
-  return answers_.back();
+  cache_.push_back(std::move(a));
+  if (folder_.empty()) SaveFontCache(catalogue.stamps, cache_);
+  return cache_.back();
 }
 
 const FontFace* FontFinder::AskFace(const std::string& key) {
-  const FontAnswer& a = Ask(key);
+  const CachedFont& a = Ask(key);
   return a.file.empty() ? nullptr : FaceOfFile(a.file, a.index, &a.units);
 }
 
@@ -75,7 +75,7 @@ const FontFace* FontFinder::Any() {
 
 bool FontFinder::Remembered(const std::string& key, std::vector<const FontFace*>* faces) const {
   bool known = false;
-  for (const FontAnswer& a : answers_) {
+  for (const CachedFont& a : cache_) {
     if (a.key != key) continue;
     known = true;
     if (!a.file.empty()) faces->push_back(FaceOfFile(a.file, a.index, &a.units));
@@ -101,12 +101,12 @@ const std::vector<const FontFace*>& FontFinder::Page(uint32_t page, int style) {
   for (const FontEntry& e : order_->OfPage(page, style))
     if (const FontFace* face = FaceOfFile(e.file, e.index)) faces.push_back(face);
   for (const FontFace* face : faces) {
-    FontAnswer a = AnswerOf(face);
+    CachedFont a = CacheEntryOf(face);
     a.key = key;
-    answers_.push_back(std::move(a));
+    cache_.push_back(std::move(a));
   }
-  if (faces.empty()) answers_.push_back({key, "", 0, {0, 0, 0, 0}});
-  SaveFontAnswers(catalogue.stamps, answers_);
+  if (faces.empty()) cache_.push_back({key, "", 0, {0, 0, 0, 0}});
+  SaveFontCache(catalogue.stamps, cache_);
   return faces;
 }
 

@@ -1,5 +1,5 @@
 // Which file a font name means. Names are looked up in one catalogue of the installed fonts; the
-// answers are remembered, in the process and in a small file, so that a warm start never asks.
+// answers are kept in a cache, in the process and in a small file, so that a warm start never asks.
 #pragma once
 #include <map>
 #include <memory>
@@ -69,23 +69,23 @@ const std::vector<const FontFace*>& FallbackFaces(uint32_t page, int style);
 
 // --- Answers that survive the process. Keys: "n" and a name, "u" and a character, "d", "p", a
 // --- digit for the style and a page; a page has one answer a font.
-struct FontAnswer {
+struct CachedFont {
   std::string key;
   std::string file;  // empty: no such font. Of "d": the family
   int index = 0;
   FontUnits units{0, 0, 0, 0};
 };
 // Nothing when there is no file, or it is damaged, or anything that it depends on has changed.
-std::optional<std::vector<FontAnswer>> LoadFontAnswers();
+std::optional<std::vector<CachedFont>> LoadFontCache();
 // Writes the whole file again; silently not when it cannot.
-void SaveFontAnswers(const std::vector<FontStamp>& stamps, const std::vector<FontAnswer>& answers);
+void SaveFontCache(const std::vector<FontStamp>& stamps, const std::vector<CachedFont>& cache);
 
 // Answers are looked up here first; what is not there asks the catalogue, which is read at most
 // once a process, and is then remembered.
 class FontFinder {
  public:
   FontFinder();
-  const FontAnswer& Ask(const std::string& key);
+  const CachedFont& Ask(const std::string& key);
   const FontFace* AskFace(const std::string& key);
   // The catalogue's first face that can be read, for programs that ask for nothing that exists.
   const FontFace* Any();
@@ -98,7 +98,7 @@ class FontFinder {
   bool Remembered(const std::string& key, std::vector<const FontFace*>* faces) const;
 
   std::string folder_;  // of XW_FONTS; "": the desktop's configuration
-  std::vector<FontAnswer> answers_;
+  std::vector<CachedFont> cache_;
   FontCatalogue catalogue_;
   bool read_ = false;
   std::map<uint32_t, std::vector<const FontFace*>> pages_;  // by page and style

@@ -70,10 +70,6 @@ void SetMenuTitle(MenuRef m, const char* utf8) {
   ForgetBarLayout();
 }
 
-bool MenuHasTitle(MenuRef m) {
-  return IsValidMenu(m) && !m->title.empty();
-}
-
 int AppendMenuItemText(MenuRef m, const char* utf8) {
   if (!IsValidMenu(m)) return 0;
   MenuItem item;

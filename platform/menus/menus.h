@@ -33,7 +33,6 @@ EventTargetRef GetMenuEventTarget(MenuRef m);
 int GetMenuID(MenuRef m);
 // In the bar.
 void SetMenuTitle(MenuRef m, const char* utf8);
-bool MenuHasTitle(MenuRef m);
 // Appends an enabled item; its number.
 int AppendMenuItemText(MenuRef m, const char* utf8);
 int CountMenuItems(MenuRef m);

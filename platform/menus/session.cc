@@ -311,6 +311,8 @@ void ChooseItem(size_t level, int item, bool by_key) {
 
 bool OpenPopUpMenu(MenuRef m, Point where, int item) {
   CloseMenus();
+  constexpr int kFar = 1 << 16;  // beyond every screen
+  where = {std::clamp(where.x, -kFar, kFar), std::clamp(where.y, -kFar, kFar)};
   WindowRef owner = OwnerAt(where);
   if (!owner) return false;
   Begin(owner, false);

@@ -33,11 +33,7 @@ const Example kExamples[] = {
     {"02-drawing", "Drawing"},
     {"03-menus",
      "Menus",
-     {{"chosen",
-       "key 65479\nkey 65361\nkey 65361\nkey 65364\nkey 65293\n"
-       "key 65479\nkey 65363\nkey 65363\nkey 65363\n"
-       "key 65364\nkey 65364\nkey 65364\nkey 65293"},
-      {"letters", "modifiers 2048"}}},
+     {{"keyed", "modifiers 4096\nkey 111\nmodifiers 0"}, {"inactive", "unfocus"}}},
     {"04-buttons",
      "Buttons",
      {{"pressed", "press 276 48"},

@@ -209,18 +209,14 @@ TEST(List, PathsAndVolumes) {
 TEST(List, CompareFollowsTheLastSort) {
   const OS_ListEntry small = {"b", 1, 0x90000000};
   const OS_ListEntry large = {"A", 0x80000000, 5};
-  const struct {
-    int sort;
-    int expected;
-  } rows[] = {{0, 0},
-              {OS_SORT_NAME, 1},
-              {OS_SORT_TIME, 1},
-              {OS_SORT_SIZE, -1},
-              {OS_SORT_SIZE | OS_SORT_DESCENDING, 1}};
-  for (const auto& row : rows) {
-    Plain("/", "none", 0, row.sort);
+  for (const auto& [sort, expected] : {std::pair{0, 0},
+                                       {OS_SORT_NAME, 1},
+                                       {OS_SORT_TIME, 1},
+                                       {OS_SORT_SIZE, -1},
+                                       {OS_SORT_SIZE | OS_SORT_DESCENDING, 1}}) {
+    Plain("/", "none", 0, sort);
     const int result = sort_func(&small, &large);
-    EXPECT_EQ((result > 0) - (result < 0), row.expected) << row.sort;
+    EXPECT_EQ((result > 0) - (result < 0), expected) << sort;
   }
   EXPECT_EQ(sort_func(nullptr, &large), 0);
 }

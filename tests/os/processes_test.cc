@@ -8,34 +8,15 @@
 #include <unistd.h>
 
 #include "os/os.h"
-#include "tests/os/alarms.h"
 #include "tests/os/scratch.h"
 
 namespace {
-
-int CountDescriptors() {
-  int count = 0;
-  for ([[maybe_unused]] const auto& fd : std::filesystem::directory_iterator("/proc/self/fd")) {
-    ++count;
-  }
-  return count;
-}
 
 void CloseAndReap(OS_Pipe* p) {
   EXPECT_EQ(OS_ClosePipe(p), 0);
   EXPECT_EQ(OS_ClosePipe(p), -1);  // nothing that somebody else opened since is closed
   OS_WaitProcess(p->pid);
   free(p);
-}
-
-TEST(Processes, RunAndGiveTheirStatus) {
-  const Alarms ringing;
-  const int pid = OS_StartProcess("sh", "-c", "sleep 0.05; exit $1", "name", "7", nullptr);
-  ASSERT_GT(pid, 0);
-  const int status = OS_WaitProcess(pid);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << status;
-  for (int none : {pid, 0, -5, INT32_MAX}) EXPECT_EQ(OS_WaitProcess(none), 0) << none;
-  EXPECT_EQ(OS_StartProcess(nullptr, nullptr), -1);
 }
 
 // The shell tells how many arguments there were in all.
@@ -45,6 +26,8 @@ TEST(Processes, ArgumentsPastTheRoomAreLeftOut) {
   EXPECT_EQ(3 + count(OS_StartProcess("sh", "-c", "exit $#", TEN, TEN, TEN, TEN, nullptr)), 30);
   OS_Pipe* p = OS_StartPipe("sh", "-c", "exit $#", TEN, TEN, TEN, TEN, nullptr);
   EXPECT_EQ(3 + count(p->pid), 34);
+  for (int none : {p->pid, 0, -5, INT32_MAX}) EXPECT_EQ(OS_WaitProcess(none), 0) << none;
+  EXPECT_EQ(OS_StartProcess(nullptr, nullptr), -1);
   CloseAndReap(p);
 }
 
@@ -67,21 +50,18 @@ TEST(Processes, AChildThatCannotRunGoesOn) {
 }
 
 TEST(Pipes, CarryMoreThanTheyHold) {
-  const int before = CountDescriptors();
   OS_Pipe* p = OS_StartPipe("cat", nullptr);
   ASSERT_NE(p, nullptr);
   for (int fd : {p->write_fd, p->read_fd}) EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
-  std::string sent(40000, 'x');
+  std::string sent(40000, 'x'), got = sent;
   for (size_t i = 0; i < sent.size(); ++i) sent[i] = static_cast<char>(i * 7);
-  std::string got(sent.size(), 0);
   for (int round = 0; round < 5; ++round) {
-    EXPECT_EQ(OS_WritePipe(p, sent.data(), static_cast<int>(sent.size())), 40000);
-    EXPECT_EQ(OS_ReadPipe(p, got.data(), static_cast<int>(got.size())), 40000);
+    EXPECT_EQ(OS_WritePipe(p, sent.data(), 40000), 40000);
+    EXPECT_EQ(OS_ReadPipe(p, got.data(), 40000), 40000);
     EXPECT_TRUE(got == sent);
   }
   kill(p->pid, SIGKILL);
   CloseAndReap(p);
-  EXPECT_EQ(CountDescriptors(), before);
 }
 
 // A pipe whose descriptors were closed by hand: the next one with their numbers is not mixed up.
@@ -121,22 +101,6 @@ TEST(Pipes, EndWithTheirChild) {
   }
 }
 
-TEST(Pipes, EndWithASignal) {
-  OS_Pipe* p = OS_StartPipe("sleep", "100", nullptr);
-  const std::string large(200000, 'x');
-  {
-    const Alarms ringing;
-    char c;
-    EXPECT_EQ(OS_ReadPipe(p, &c, 1), 0);
-    const int written = OS_WritePipe(p, large.data(), static_cast<int>(large.size()));
-    EXPECT_TRUE(written > 0 && written < 200000) << written;
-    EXPECT_EQ(OS_WritePipe(p, large.data(), 1), -1);
-    EXPECT_EQ(errno, EINTR);
-  }
-  kill(p->pid, SIGKILL);
-  CloseAndReap(p);
-}
-
 // Without standard streams the pipe's ends do not take their numbers; a child has the same few
 // descriptors whatever other pipes are open.
 TEST(Pipes, DescriptorsLieAboveTheStandardStreams) {
@@ -161,32 +125,24 @@ TEST(Pipes, BadArguments) {
   OS_Pipe none = {-1, -1, 0};
   char c = 0;
   EXPECT_EQ(OS_StartPipe(nullptr, nullptr), nullptr);
-  EXPECT_EQ(
-      OS_ReadPipe(nullptr, &c, 1) + OS_ReadPipe(&none, nullptr, 1) + OS_ReadPipe(&none, &c, 0), 0);
-  EXPECT_EQ(OS_ReadPipe(&none, &c, 1), 0);
-  EXPECT_EQ(OS_WritePipe(nullptr, &c, 1), -1);
-  EXPECT_EQ(OS_WritePipe(&none, nullptr, 1), -1);
-  EXPECT_EQ(OS_WritePipe(&none, &c, -1), -1);
-  EXPECT_EQ(OS_WritePipe(&none, &c, 1), -1);
+  EXPECT_EQ(OS_ReadPipe(nullptr, &c, 1) + OS_ReadPipe(&none, nullptr, 1), 0);
+  EXPECT_EQ(OS_ReadPipe(&none, &c, 0) + OS_ReadPipe(&none, &c, 1), 0);
+  EXPECT_EQ(OS_WritePipe(nullptr, &c, 1) + OS_WritePipe(&none, nullptr, 1), -2);
+  EXPECT_EQ(OS_WritePipe(&none, &c, -1) + OS_WritePipe(&none, &c, 1), -2);
   EXPECT_EQ(OS_ClosePipe(nullptr), -1);
 }
 
 TEST(Figures, OfTheDiskAndOfMemory) {
-  uint64_t figures[4] = {1, 1, 1, 1};
-  struct statfs before, after;
-  ASSERT_EQ(chdir("/"), 0);
-  do {  // others write to the disk as well
-    ASSERT_EQ(statfs("/", &before), 0);
-    OS_DiskInfo(&figures[0], &figures[1]);
-    ASSERT_EQ(statfs("/", &after), 0);
-  } while (before.f_bfree != after.f_bfree);
-  EXPECT_EQ(figures[0], uint64_t(after.f_bsize) * after.f_blocks);
-  EXPECT_EQ(figures[1], uint64_t(after.f_bsize) * after.f_bfree);
+  uint64_t total = 1, available = 1, figures[2] = {};
+  struct statfs disk;
+  ASSERT_EQ(chdir("/") + statfs("/", &disk), 0);
+  OS_DiskInfo(&total, &available);
+  EXPECT_EQ(total, uint64_t(disk.f_bsize) * disk.f_blocks);
+  EXPECT_TRUE(available <= total && available % disk.f_bsize == 0);
   OS_DiskInfo(nullptr, nullptr);
-  OS_MemInfo(&figures[0], &figures[1], nullptr, &figures[3]);
+  OS_MemInfo(&figures[0], nullptr, nullptr, &figures[1]);
   EXPECT_EQ(figures[0], 0xEB28000u);
-  EXPECT_EQ(figures[3], 0x6400000u);
-  OS_MemInfo(nullptr, nullptr, nullptr, nullptr);
+  EXPECT_EQ(figures[1], 0x6400000u);
 }
 
 }  // namespace

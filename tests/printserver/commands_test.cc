@@ -53,40 +53,22 @@ std::vector<Case> Cases() {
   return {
       {"queue", "KRV\x01", five, 5, "queue", 99,
        [](int fd, Buffer* b) { return NC_GetPrintQueue(fd, b->bytes); }},
-      {"empty queue", "KRV\x01", Integer(0), 0, "", 99,
-       [](int fd, Buffer* b) { return NC_GetPrintQueue(fd, b->bytes); }},
-      {"bounded queue", "KRV\x01", five, 5, "queue", 99,
-       [](int fd, Buffer* b) { return NC_GetPrintQueueN(fd, b->bytes, 5); }},
       {"printers", "KRV\x02", list, 5, "queue", 7,
-       [](int fd, Buffer* b) { return NC_GetPrinterList(fd, &b->status, b->bytes); }},
-      {"no printers", "KRV\x02", none, 0, "", 7,
        [](int fd, Buffer* b) { return NC_GetPrinterList(fd, &b->status, b->bytes); }},
       {"printers of status 0", "KRV\x02", zero, 0, "", 0,
        [](int fd, Buffer* b) { return NC_GetPrinterList(fd, &b->status, b->bytes); }},
-      {"bounded printers", "KRV\x02", list, 5, "queue", 7,
-       [](int fd, Buffer* b) { return NC_GetPrinterListN(fd, &b->status, b->bytes, 5); }},
-      {"printers, status not wanted", "KRV\x02", list, 5, "queue", 99,
-       [](int fd, Buffer* b) { return NC_GetPrinterListN(fd, nullptr, b->bytes, 256); }},
       {"scanners", "KRV\x0A", list, 5, "queue", 7,
        [](int fd, Buffer* b) { return NC_GetScannerList(fd, &b->status, b->bytes); }},
       {"scanners of status 0", "KRV\x0A", zero, 0, "", 0,
        [](int fd, Buffer* b) { return NC_GetScannerListN(fd, &b->status, b->bytes, 0); }},
       {"profiles", "KRV\x0B" + kKey, Integer(3) + kRecords, 3, kRecords, 99,
        [](int fd, Buffer* b) { return NC_GetProfileList(fd, kKey.data(), b->bytes); }},
-      {"bounded profiles", "KRV\x0B" + kKey, Integer(3) + kRecords, 3, kRecords, 99,
-       [](int fd, Buffer* b) { return NC_GetProfileListN(fd, kKey.data(), b->bytes, 144); }},
       {"no profiles", "KRV\x0B" + kKey, Integer(0), 0, "", 99,
        [](int fd, Buffer* b) { return NC_GetProfileListN(fd, kKey.data(), b->bytes, 0); }},
       {"print", "KRV\x03" + kId + Integer(4) + "data", "\xFF", 255, "", 99,
        [](int fd, Buffer*) { return NC_WritePrintRequest(fd, kId.data(), "data", 4); }},
       {"print nothing", "KRV\x03" + kId + Integer(0), "\x05", 5, "", 99,
        [](int fd, Buffer*) { return NC_WritePrintRequest(fd, kId.data(), nullptr, 0); }},
-      {"new id", "KRV\x05", kId, 1, kId, 99,
-       [](int fd, Buffer* b) { return NC_CreateRequestID(fd, b->bytes); }},
-      {"remove request", "KRV\x06" + kId, zero, 0, "", 99,
-       [](int fd, Buffer*) { return NC_RemovePrintRequest(fd, kId.data()); }},
-      {"remove file", "KRV\x07" + Padded("/a/b", 512), "\x09", 9, "", 99,
-       [](int fd, Buffer*) { return NC_RemoveFile(fd, "/a/b"); }},
       {"remove file, longest", "KRV\x07" + Padded(string(511, 'p'), 512), "\x01", 1, "", 99,
        [](int fd, Buffer*) { return NC_RemoveFile(fd, string(511, 'p').c_str()); }},
       {"layout", "KRV\x08", "", 1, "", 99,
@@ -130,6 +112,7 @@ void Exchange(const Case& c, const std::vector<std::string>& pieces, Then then) 
   EXPECT_EQ(extra, "") << c.name;  // sent nothing more
 }
 
+// The calls that have no second reading in fuzz/client_calls.cc.
 TEST(Commands, RepliesInAnySplitAndCut) {
   for (const Case& c : Cases()) {
     Exchange(c, {c.reply}, Then::kMore);
@@ -152,16 +135,10 @@ TEST(Commands, AnnouncedSizesThatAreRefused) {
     std::string reply;
     std::function<int32_t(int, Buffer*)> call;
   } rows[] = {
-      {"queue of one more", Integer(6),
-       [](int fd, Buffer* b) { return NC_GetPrintQueueN(fd, b->bytes, 5); }},
-      {"queue into nothing", Integer(1),
-       [](int fd, Buffer* b) { return NC_GetPrintQueueN(fd, b->bytes, 0); }},
       {"plain queue", Integer(0x80000000),
        [](int fd, Buffer* b) { return NC_GetPrintQueue(fd, b->bytes); }},
       {"huge queue", Integer(UINT32_MAX),
        [](int fd, Buffer* b) { return NC_GetPrintQueueN(fd, b->bytes, UINT32_MAX); }},
-      {"printers", "\x01" + Integer(6),
-       [](int fd, Buffer* b) { return NC_GetPrinterListN(fd, &b->status, b->bytes, 5); }},
       {"plain scanners", "\x01" + Integer(UINT32_MAX),
        [](int fd, Buffer* b) { return NC_GetScannerList(fd, &b->status, b->bytes); }},
       {"profiles", Integer(3),
@@ -218,17 +195,6 @@ TEST(Commands, BadArgumentsSendNothing) {
   for (const int32_t& result : results) EXPECT_EQ(result, -1) << &result - results;
   pair.Finish();
   EXPECT_EQ(received, "");
-  // A peer that closed: every command fails, and none is killed by a signal.
-  signal(SIGPIPE, SIG_DFL);
-  for (const Case& c : Cases()) {
-    Buffer buffer;
-    int ends[2];
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
-    close(ends[1]);
-    EXPECT_EQ(c.call(ends[0], &buffer), -1) << c.name;
-    close(ends[0]);
-    EXPECT_EQ(c.call(ends[0], &buffer), -1) << c.name;
-  }
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -267,30 +233,15 @@ TEST(Gamut, FilesOfEverySize) {
     struct stat state;
     ASSERT_EQ(stat(path.c_str(), &state), 0);  // before reading it, which may set a time
     EXPECT_EQ(ReadFile(path), content);
-    EXPECT_EQ(state.st_mtime, 0x90000000);
-    EXPECT_EQ(state.st_atime, 0x90000000);
+    EXPECT_TRUE(state.st_mtime == 0x90000000 && state.st_atime == 0x90000000);
     EXPECT_EQ(state.st_mtim.tv_nsec, 0);
   }
-  // None touches nothing.
-  const std::string path = scratch.File("gamut", "old");
-  EXPECT_EQ(FetchGamut(Integer(5) + Integer(0), path, -1).result, 0);
-  EXPECT_EQ(ReadFile(path), "old");
+  // None touches nothing; what cannot be written is taken in all the same.
   EXPECT_EQ(FetchGamut(Integer(5) + Integer(0), scratch.At("new"), 0).result, 0);
   EXPECT_FALSE(std::filesystem::exists(scratch.At("new")));
-}
-
-TEST(Gamut, WhatCannotBeWrittenIsReadAllTheSame) {
-  Scratch scratch;
-  mkfifo(scratch.At("pipe").c_str(), 0600);
-  const std::string reply = Integer(5) + Integer(20000) + Bytes(20000, 1) + "next";
-  for (const std::string& path : {scratch.At("no/such"), scratch.path(), scratch.At("pipe"),
-                                  std::string("/dev/full"), std::string()}) {
-    for (const int64_t limit : {-1, 20000}) {
-      const GamutRun run = FetchGamut(reply, path, limit);
-      EXPECT_EQ(run.result, 1) << path;
-      EXPECT_EQ(run.left, "next") << path;
-    }
-  }
+  const GamutRun run = FetchGamut(Integer(5) + Integer(9000) + Bytes(9000, 1) + "next", "", 9000);
+  EXPECT_EQ(run.result, 1);
+  EXPECT_EQ(run.left, "next");
 }
 
 TEST(Gamut, ConnectionsThatEndEarly) {

@@ -5,7 +5,6 @@
 #include <signal.h>
 #include <string.h>
 #include <sys/eventfd.h>
-#include <sys/resource.h>
 
 #include "os/final_path.h"
 #include "printserver/nc.h"
@@ -65,29 +64,10 @@ TEST(Connect, GreetingAndItsAnswers) {
 }
 
 TEST(Connect, NobodyThereAndNoSuchHost) {
-  std::string silent;
-  {
-    Listener gone;
-    silent = gone.host;
-  }
   for (const Connector connect_to : kConnectors) {
-    EXPECT_EQ(connect_to(silent.c_str()), NC_NO_SERVER);
+    EXPECT_EQ(connect_to("127.3.3.3"), NC_NO_SERVER);
     EXPECT_EQ(connect_to("256.256.256.256"), NC_NO_HOST);
     EXPECT_EQ(connect_to(std::string(5000, 'h').c_str()), NC_NO_HOST);
-  }
-  EXPECT_EQ(NC_Disconnect(-1), -1);
-}
-
-TEST(Connect, NoHostIsLocalhost) {
-  Listener server("127.0.0.1");
-  if (server.fd < 0) GTEST_SKIP() << "the port is in use on localhost";
-  server.Serve(4, Greet);
-  for (const char* host : {static_cast<const char*>(nullptr), ""}) {
-    for (const Connector connect_to : kConnectors) {
-      const int fd = connect_to(host);
-      EXPECT_GE(fd, 0);
-      NC_Disconnect(fd);
-    }
   }
 }
 
@@ -129,6 +109,8 @@ TEST(Connect, LookUpsHaveADeadline) {
   EXPECT_EQ(errno, ETIMEDOUT);
   in_addr address;
   EXPECT_TRUE(nc::Resolve("localhost", &address, nc::Deadline::In(20000)));
+  EXPECT_TRUE(nc::Resolve(nullptr, &address, nc::Deadline::None()));
+  EXPECT_EQ(address.s_addr, htonl(INADDR_LOOPBACK));
   EXPECT_FALSE(nc::Resolve("no-such-host.invalid", &address, nc::Deadline::In(20000)));
   EXPECT_EQ(errno, ENOENT);
 }
@@ -154,20 +136,10 @@ TEST(Connect, PortsOfTheCallsEndingInN) {
     errno = 0;
     EXPECT_EQ(NC_ConnectN((server.host + bad).c_str(), 1000), NC_NO_HOST) << bad;
     EXPECT_EQ(errno, EINVAL) << bad;
-    fd = -1;
-    EXPECT_EQ(NC_ReadyN(bad, &fd, 1000), 0);
-    EXPECT_EQ(fd, NC_NO_HOST);
   }
-}
-
-TEST(Connect, NoSocketLeft) {
-  rlimit before;
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-  const rlimit low = {0, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
-  EXPECT_EQ(NC_Connect("127.0.0.1", 1), NC_NO_SOCKET);
-  EXPECT_EQ(NC_ConnectN("127.0.0.1", 1000), NC_NO_SOCKET);
-  setrlimit(RLIMIT_NOFILE, &before);
+  fd = -1;
+  EXPECT_EQ(NC_ReadyN(":0", &fd, 1000), 0);
+  EXPECT_EQ(fd, NC_NO_HOST);
 }
 
 using ReadyCall = int (*)(const char*, int*);
@@ -247,50 +219,34 @@ TEST(Ready, PendingStaysPending) {
 }
 
 TEST(Transfer, ExactCountsOrNothing) {
-  {
-    Pair pair([](int end) { SendText(end, "12345"); });
-    char buf[8];
-    EXPECT_EQ(NC_Read(pair.fd, buf, 8), -1);
-  }
-  {
-    Pair pair([](int end) {
-      for (const char* piece : {"1", "234", "5678"}) {
-        SendText(end, piece);
-        usleep(1000);
-      }
-      AwaitEnd(end);
-    });
-    char buf[9] = {};
-    EXPECT_EQ(NC_Read(pair.fd, buf, 8), 8);
-    EXPECT_STREQ(buf, "12345678");
-    EXPECT_EQ(NC_Read(pair.fd, buf, 0), -1);  // nothing to wait for
-    EXPECT_EQ(NC_Read(pair.fd, buf, -5), -1);
-    EXPECT_EQ(NC_Read(pair.fd, nullptr, 5), -1);
-    EXPECT_EQ(NC_Write(pair.fd, buf, 0), 0);
-    EXPECT_EQ(NC_Write(pair.fd, buf, -5), -1);
-    EXPECT_EQ(NC_Write(pair.fd, nullptr, 5), -1);
-  }
+  char buf[9] = {};
+  Pair pair([](int end) {
+    for (const char* piece : {"1", "234", "5678", "9"}) {
+      SendText(end, piece);
+      usleep(1000);
+    }
+  });
+  EXPECT_EQ(NC_Read(pair.fd, buf, 8), 8);
+  EXPECT_STREQ(buf, "12345678");
+  // Nothing to wait for, and an end in the middle.
+  for (const int32_t n : {0, -5, 2}) EXPECT_EQ(NC_Read(pair.fd, buf, n), -1) << n;
+  EXPECT_EQ(NC_Write(pair.fd, buf, 0), 0);
+  EXPECT_EQ(NC_Write(pair.fd, buf, -5), -1);
+  EXPECT_EQ(NC_Write(pair.fd, buf, 1), -1);  // and no signal
+  EXPECT_EQ(NC_Write(pair.fd, nullptr, 5) + NC_Read(pair.fd, nullptr, 5), -2);
+  EXPECT_EQ(NC_Read(-1, buf, 1) + NC_Write(-1, buf, 1) + NC_SendCommand(-1, 1), -3);
   std::string received;
   const std::string large(3 << 20, 'x');  // more than any socket holds
   for (const int deadline : {0, 20000}) {
-    Pair pair([&](int end) {
+    Pair slow([&](int end) {
       usleep(20000);
       received = ReceiveText(end, large.size());
     });
-    EXPECT_EQ(NC_SetDeadline(pair.fd, deadline), 0);
-    EXPECT_EQ(NC_Write(pair.fd, large.data(), static_cast<int32_t>(large.size())),
-              static_cast<int32_t>(large.size()));
-    pair.Finish();
+    EXPECT_EQ(NC_SetDeadline(slow.fd, deadline), 0);
+    EXPECT_EQ(NC_Write(slow.fd, large.data(), 3 << 20), 3 << 20);
+    slow.Finish();
     EXPECT_EQ(received, large);
   }
-  Pair gone([](int) {});
-  char byte = 0;
-  usleep(10000);
-  EXPECT_EQ(NC_Read(gone.fd, &byte, 1), -1);
-  EXPECT_EQ(NC_Write(gone.fd, &byte, 1), -1);  // and no signal
-  EXPECT_EQ(NC_Read(-1, &byte, 1), -1);
-  EXPECT_EQ(NC_Write(-1, &byte, 1), -1);
-  EXPECT_EQ(NC_SendCommand(-1, 1), -1);
 }
 
 TEST(Transfer, DeadlinesEndBothDirections) {
@@ -354,15 +310,14 @@ TEST(Transfer, SignalsEndOnlyWritesWithoutADeadline) {
 }
 
 TEST(Host, NameAndAddress) {
-  char name[64] = {}, expected[64] = {};
+  char name[64] = {}, expected[64] = {}, address[16] = "unset";
   ASSERT_EQ(gethostname(expected, 64), 0);
   EXPECT_EQ(NC_GetHostName(name), 0);
   EXPECT_STREQ(name, expected);
-  char address[16] = "unset";
   NC_GetHostAddr(address);
   EXPECT_STREQ(address, "127.0.0.1");
-  EXPECT_EQ(NC_GetHostName(nullptr), -1);
   NC_GetHostAddr(nullptr);
+  EXPECT_EQ(NC_GetHostName(nullptr) + NC_Disconnect(-1), -2);
 }
 
 }  // namespace

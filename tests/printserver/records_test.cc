@@ -14,93 +14,55 @@ namespace {
 
 const std::string kId = "00112233445566778899aabbccddeeff";
 
-std::vector<NC_Job> ParseJobs(const std::string& list, int32_t max = 10) {
+// The jobs of a list, the fields that have defaults or limits in a line each.
+std::string Shown(const std::string& list, int32_t max = 10) {
   std::vector<NC_Job> jobs(static_cast<size_t>(max) + 1);
   memset(jobs.data(), 0x55, jobs.size() * sizeof(NC_Job));
   const int32_t count =
       NC_ParseJobs(list.data(), static_cast<int32_t>(list.size()), jobs.data(), max);
-  jobs.resize(static_cast<size_t>(count));
-  return jobs;
-}
-
-TEST(Records, JobDefaultsAndValues) {
-  const auto jobs =
-      ParseJobs("id=" + kId + "\n\ntext=a=b \\\\\\n\\x\\\nstate=paper-out\ncopies=7\n" +
-                "total=9\nprinted=12\nnew-key=1\njunk\nid=" + kId);
-  ASSERT_EQ(jobs.size(), 2U);
-  EXPECT_EQ(jobs[0].state, NC_JOB_WAITING);
-  EXPECT_EQ(jobs[0].copies, 1);
-  EXPECT_EQ(jobs[0].priority, 50);
-  EXPECT_STREQ(jobs[0].document, "");
-  EXPECT_EQ(jobs[0].id[1], 0x11);
-  EXPECT_STREQ(jobs[1].text, "a=b \\\nx\\");
-  EXPECT_EQ(jobs[1].state, NC_JOB_PAPER_OUT);
-  EXPECT_EQ(jobs[1].copies, 7);
-  EXPECT_EQ(jobs[1].printed, 9);
-  // What a server of today does not send.
-  EXPECT_EQ(jobs[0].number, 0);
-  EXPECT_EQ(jobs[0].kept, 1);
-  EXPECT_EQ(jobs[0].pages, -1);
-  EXPECT_EQ(jobs[0].pages_printed, -1);
-  EXPECT_EQ(jobs[0].colour, -1);
-}
-
-TEST(Records, NewKeysOfJobs) {
-  const struct {
-    const char* lines;
-    int number, kept, pages, printed, colour;
-  } rows[] = {
-      {"number=2147483647\nkept=0\npages=12\npages-printed=0\ncolour=0A00ff", INT32_MAX, 0, 12, 0,
-       0x0a00ff},
-      {"number=2147483648\nkept=2\npages=-1\npages-printed=x\ncolour=0a00f", 0, 1, -1, -1, -1},
-      {"state=done\ncolour=-a00ff", 0, 0, -1, -1, -1},
-      {"state=done\nkept=1\ncolour=0a00fff", 0, 1, -1, -1, -1},
-      {"state=failed\ncolour=0a00fg", 0, 1, -1, -1, -1},
-      {"colour=ffffff\ncolour=", 0, 1, -1, -1, -1},
-  };
-  for (const auto& row : rows) {
-    const auto jobs = ParseJobs("id=" + kId + "\n" + row.lines + "\nreasons=a,b\n\n");
-    ASSERT_EQ(jobs.size(), 1U);
-    EXPECT_EQ(jobs[0].number, row.number) << row.lines;
-    EXPECT_EQ(jobs[0].kept, row.kept) << row.lines;
-    EXPECT_EQ(jobs[0].pages, row.pages) << row.lines;
-    EXPECT_EQ(jobs[0].pages_printed, row.printed) << row.lines;
-    EXPECT_EQ(jobs[0].colour, row.colour) << row.lines;
-    EXPECT_STREQ(jobs[0].reasons, "a,b");
-  }
-}
-
-TEST(Records, WhatIsWrongIsLeftOut) {
-  const struct {
-    std::string list;
-    size_t count;
-  } cases[] = {
-      {"", 0},
-      {"\n\n\n", 0},
-      {"state=held\n\n", 0},
-      {"id=\n\n", 0},
-      {"id=" + kId + "0\n\n", 0},
-      {"id=0x" + kId.substr(2) + "\n\n", 0},
-      {"id=-" + kId.substr(1) + "\n\n", 0},
-      {std::string(100, '\0'), 0},
-      {"===\n=\n\nid=" + kId + "\n\n\n\n", 1},
-      {"id=" + kId + "\ncopies=99999999999999999999\npriority=-1\nhold=x\nsize=1.5\n", 1},
-      {"id=" + kId + "\ndocument=" + std::string(100000, 'x') + "\n\n", 1},
-  };
-  for (const auto& row : cases) {
-    const auto jobs = ParseJobs(row.list);
-    ASSERT_EQ(jobs.size(), row.count) << row.list.substr(0, 60);
-    for (const NC_Job& job : jobs) {
-      EXPECT_EQ(job.copies, 1);
-      EXPECT_EQ(job.priority, 50);
-      EXPECT_EQ(job.hold, 0);
-      EXPECT_EQ(job.size, 0);
-      EXPECT_LT(strlen(job.document), sizeof job.document);
+  std::string text;
+  for (int32_t i = 0; i < count; ++i) {
+    const NC_Job& job = jobs[static_cast<size_t>(i)];
+    text += NC_JobStateWord(job.state);
+    for (const int64_t number :
+         {int64_t{job.copies}, int64_t{job.priority}, int64_t{job.hold}, job.size, job.printed,
+          int64_t{job.number}, int64_t{job.kept}, int64_t{job.pages}, int64_t{job.pages_printed},
+          int64_t{job.colour}}) {
+      text += " " + std::to_string(number);
     }
+    text += " " + std::string(job.document) + "|" + job.text + "|" + job.reasons + ";";
   }
-  std::string many;
-  for (int i = 0; i < 20; ++i) many += "id=" + kId + "\n\n";
-  EXPECT_EQ(ParseJobs(many, 7).size(), 7U);
+  return text;
+}
+
+TEST(Records, Jobs) {
+  const std::string id = "id=" + kId + "\n", rest = " 1 50 0 0 0 ";
+  const std::string usual = "waiting" + rest + "0 1 -1 -1 -1 ||;";
+  const struct {
+    std::string list, shown;
+  } rows[] = {
+      {id, usual},
+      {"===\n=\n\n" + id + "\n\n\n" + id, usual + usual},
+      {"text=a=b \\\\\\n\\x\\\nstate=paper-out\ncopies=7\ntotal=9\nprinted=12\nnew-key=1\njunk\n" +
+           id,
+       "paper-out 7 50 0 0 9 0 1 -1 -1 -1 |a=b \\\nx\\|;"},
+      {id + "copies=99999999999999999999\npriority=-1\nhold=x\nsize=1.5\n", usual},
+      {id + "document=" + std::string(100000, 'x') + "\n\n",
+       "waiting" + rest + "0 1 -1 -1 -1 " + std::string(255, 'x') + "||;"},
+      {id + "number=2147483647\nkept=0\npages=12\npages-printed=0\ncolour=0A00ff\nreasons=a,b\n",
+       "waiting" + rest + "2147483647 0 12 0 655615 ||a,b;"},
+      {id + "number=2147483648\nkept=2\npages=-1\npages-printed=x\ncolour=0a00f\n", usual},
+      {id + "state=done\ncolour=-a00ff\n", "done" + rest + "0 0 -1 -1 -1 ||;"},
+      {id + "state=done\nkept=1\ncolour=0a00fff\n", "done" + rest + "0 1 -1 -1 -1 ||;"},
+      {id + "state=failed\ncolour=0a00fg\n", "failed" + rest + "0 1 -1 -1 -1 ||;"},
+      {id + "colour=ffffff\ncolour=\n", usual},
+      {"\n\n\n", ""},
+      {"state=held\n\nid=\n\n", ""},
+      {"id=" + kId + "0\n\nid=0x" + kId.substr(2) + "\n\nid=-" + kId.substr(1) + "\n\n", ""},
+      {std::string(100, '\0'), ""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(Shown(row.list), row.shown) << row.list.substr(0, 60);
+  EXPECT_EQ(Shown(id + "\n" + id + "\n" + id, 2), usual + usual);
   EXPECT_EQ(NC_ParseJobs(nullptr, 10, nullptr, 1), 0);
 }
 
@@ -163,7 +125,6 @@ TEST(Records, Ids) {
 
 TEST(Words, WhatConsoleAndCommandLineSay) {
   EXPECT_STREQ(nc::JobStateText(NC_JOB_PAPER_OUT), "out of paper");
-  EXPECT_STREQ(nc::JobStateText(NC_JOB_DONE), "printed");
   EXPECT_STREQ(nc::JobStateText(static_cast<NC_JobState>(6)), "waiting");
   EXPECT_STREQ(nc::PrinterStateText(NC_PRINTER_PAPER_OUT), "out of paper");
   EXPECT_EQ(nc::ReasonsText(nullptr), "");
@@ -174,17 +135,10 @@ TEST(Words, WhatConsoleAndCommandLineSay) {
                NC_StatusText(NC_STATUS_WRONG_STATE));
   EXPECT_STREQ(nc::RefusalText(NC_STATUS_UNKNOWN_ID, nc::Asked::kPrinter), "no such printer");
   EXPECT_STREQ(nc::RefusalText(NC_STATUS_UNKNOWN_ID, nc::Asked::kJob), "no such job");
-  const struct {
-    int code, error;
-    const char* text;
-  } rows[] = {{NC_NO_HOST, ENOENT, "this host is not known"},
-              {NC_NO_HOST, ETIMEDOUT, "nobody says in time where this host is"},
-              {NC_NO_HOST, EINVAL, "its port is not a number from 1 to 65535"},
-              {NC_NO_SERVER, ECONNREFUSED, "no server there"},
-              {NC_NO_SERVER, ETIMEDOUT, "it does not answer"},
-              {NC_REFUSED, 0, "it refuses connections"},
-              {NC_NO_SOCKET, EMFILE, "the system has no connection left"}};
-  for (const auto& row : rows) EXPECT_EQ(nc::ConnectText(row.code, row.error), row.text);
+  EXPECT_NE(nc::ConnectText(NC_NO_HOST, ETIMEDOUT), nc::ConnectText(NC_NO_HOST, ENOENT));
+  EXPECT_EQ(nc::ConnectText(NC_NO_SERVER, ETIMEDOUT), "it does not answer");
+  EXPECT_EQ(nc::ConnectText(NC_REFUSED, 0), "it refuses connections");
+  EXPECT_EQ(nc::ConnectText(NC_NO_SOCKET, EMFILE), "the system has no connection left");
   EXPECT_EQ(nc::FailureText(EPIPE), nc::FailureText(ECONNRESET));
   EXPECT_EQ(nc::FailureText(ETIMEDOUT), "it does not answer");
 }

@@ -102,6 +102,15 @@ TEST_F(PrinterClock, GoesOnAtItsRateWithFreshPaper) {
   EXPECT_EQ(At(2000, id).state, JobState::kPrinting);
   EXPECT_EQ(At(2050, id).state, JobState::kPaperOut);
   EXPECT_EQ(At(90000, id).printed, 2000);
+  const auto paper = [&](int64_t sheets) {
+    settings.printers[0].paper = sheets;
+    printer->Set(settings.printers[0]);
+    const std::string record = printer->Record(true);
+    return record.substr(record.find("paper=") + 6, 1);
+  };
+  EXPECT_EQ(paper(2), "0");  // the same settings load nothing
+  EXPECT_EQ(paper(3), "3");
+  EXPECT_EQ(paper(2), "2");
   printer->LoadPaper();
   EXPECT_EQ(At(90000, id).printed, 2000);
   EXPECT_EQ(At(91000, id).printed, 3000);
@@ -147,6 +156,32 @@ TEST_F(PrinterClock, HoldsNothingWhoseOutputIsOnItsWay) {
   queue.Change(id, "hold=1\n", "", [&](Status answer) { status = answer; });
   EXPECT_EQ(status, Status::kWrongState);
   EXPECT_EQ(At(0, id).state, JobState::kDone);
+}
+
+// Neither the printer nor an end of what is kept comes between a change and the disk.
+TEST_F(PrinterClock, WhatIsBeingChangedIsNotTouched) {
+  settings.printers[0].rate = 0;
+  Make();
+  const RequestId id = Add(10);
+  std::string answers;
+  const auto change = [&](const char* ticket) {
+    queue.Change(id, ticket, "",
+                 [&](Status answer) { answers += std::to_string(static_cast<int>(answer)); });
+  };
+  change("copies=2\n");
+  printer->Tick(0);
+  EXPECT_EQ(queue.Find(id)->state, JobState::kWaiting);
+  Settle();
+  EXPECT_EQ(At(0, id).state, JobState::kDone);
+  settings.done_keep = settings.spool_limit = 0;
+  change("hold=0\n");
+  queue.Prune(time(nullptr));
+  EXPECT_FALSE(queue.MakeBytes(1));
+  Settle();
+  EXPECT_EQ(answers, "11");
+  EXPECT_EQ(At(0, id).state, JobState::kDone);
+  EXPECT_TRUE(queue.MakeBytes(0));
+  EXPECT_FALSE(queue.Find(id)->kept);
 }
 
 }  // namespace

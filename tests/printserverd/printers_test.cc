@@ -138,7 +138,7 @@ TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
                                     {"20250101T000000-00000000-new", 1},
                                     {"00-notes.txt", 90},
                                     {"20250101T000000-0000000-short", 90},
-                                    {"0-x", 90}}) {
+                                    {"0000000000-20250101T000000-00000000-zero", 90}}) {
     std::ofstream(folder + "/" + name) << name;
     std::filesystem::last_write_time(folder + "/" + name, now - std::chrono::hours(hours));
   }
@@ -165,7 +165,7 @@ TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
   StartWith(config);
   EXPECT_TRUE(daemon.Says("set aside as aside/counters"));
   for (const char* name : {"three", "four", "five"}) print(name);
-  EXPECT_EQ(outputs("00000"), "-three -four -five ");
+  EXPECT_EQ(outputs("00000"), "-zero -three -four -five ");
   EXPECT_EQ(outputs("2"), "-short -folder ");
   EXPECT_EQ(FilesIn(folder).size(), 7U);
   EXPECT_TRUE(FilesIn(folder)[2].starts_with("0000000003-")) << FilesIn(folder)[2];
@@ -237,29 +237,33 @@ TEST_F(Printing, OrderBeforeAnother) {
     return Change(fd, ids[job], "before=" + IdText(ids[other]) + "\n");
   };
   EXPECT_EQ(before(3, 1), 1);
-  EXPECT_EQ(Order(fd), "e a d b c f ");
+  EXPECT_EQ(before(2, 1), 1);
+  EXPECT_EQ(Order(fd), "e a d c b f ");
   EXPECT_EQ(before(2, 4), 1);  // it takes the priority as well
   EXPECT_EQ(Order(fd), "c e a d b f ");
   EXPECT_EQ(JobOf(fd, ids[2]).priority, 70);
+  EXPECT_EQ(Change(fd, ids[3], "priority=70\n"), 1);  // by its number it stands before both
+  EXPECT_EQ(Order(fd), "d c e a b f ");
+  EXPECT_EQ(before(3, 1), 1);
+  EXPECT_EQ(Order(fd), "c e a d b f ");
   EXPECT_EQ(before(0, 5), NC_STATUS_WRONG_STATE);  // of another printer
   EXPECT_EQ(before(0, 0), NC_STATUS_WRONG_STATE);
   EXPECT_EQ(Change(fd, ids[0], "before=" + std::string(32, '0') + "\n"), NC_STATUS_UNKNOWN_ID);
-  EXPECT_EQ(Change(fd, ids[0], "before=1\n"), NC_STATUS_BAD_TICKET);
   EXPECT_EQ(Change(fd, ids[0], "printer=B\nbefore=" + IdText(ids[5]) + "\n"), 1);
   // More often than there is room between two places.
   for (int i = 0; i < 40; ++i) {
     EXPECT_EQ(before(i % 2 ? 3 : 4, i % 2 ? 4 : 1), 1) << i;
     EXPECT_EQ(before(4, 3), 1) << i;
+    EXPECT_EQ(Order(fd), "c e d b a f ") << i;
   }
-  EXPECT_EQ(Order(fd), "c e d b a f ");
   EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
   StartWith(kTwo);
   EXPECT_EQ(Order(fd), "c e d b a f ");
   EXPECT_EQ(Change(fd, ids[3], "priority=50\n"), 1);
-  EXPECT_EQ(Order(fd), "c e b a d f ");
+  EXPECT_EQ(Order(fd), "c e b d a f ");
   uint8_t fresh[16];
   ASSERT_EQ(Send(fd, "document=g\nhold=1\n", "x", fresh), 1);
-  EXPECT_EQ(Order(fd), "c e b a d f g ");
+  EXPECT_EQ(Order(fd), "c e b d a f g ");
   EXPECT_EQ(Tell(fd, "A", "paused=0\n"), 1);
   EXPECT_TRUE(Becomes(fd, ids[4], NC_JOB_DONE));
   EXPECT_EQ(before(3, 4), NC_STATUS_WRONG_STATE);
@@ -269,13 +273,14 @@ TEST(Folders, AreOfEachPrinterItsOwn) {
   Daemon daemon;
   daemon.Start({"--config", daemon.WriteFile("config",
                                              "[printer]\nname=\xd0\x96\xd0\xb0\n"
-                                             "[printer]\nname=\xce\xa9\xce\xb1\n"
+                                             "[printer]\nname=\xce\xa9\n"
                                              "[printer]\nname=A b\n[printer]\nname=A-B\n"
                                              "[printer]\nname=Wide One\n")});
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed")).size() == 5; }));
   int plain = 0;
   for (const std::string& name : FilesIn(daemon.Path("printed"))) {
-    plain += name == "wide-one" || name.starts_with("a-b-") || name.starts_with("-----");
+    plain += name == "wide-one" || name.starts_with("a-b-") ||
+             (name.starts_with("---") && name.find_first_not_of('-') != std::string::npos);
   }
   EXPECT_EQ(plain, 5);
 }

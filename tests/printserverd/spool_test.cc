@@ -186,11 +186,14 @@ TEST_F(Spool, AnEndAnswersWhatIsBeingStored) {
   // Two turns of the server later all have been taken in. The last one does not wait any more.
   for (int turn = 0; turn < 2; ++turn) EXPECT_EQ(Printers(fd).size(), 1U);
   NC_Disconnect(peers[3]);
-  EXPECT_EQ(Stop(SIGTERM), 0);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(AnswerOf(peers[i]), NC_STATUS_DONE);
-    NC_Disconnect(peers[i]);
+  daemon.Signal(SIGTERM);
+  for (const int peer : {peers[0], peers[1], peers[2]}) {
+    EXPECT_EQ(AnswerOf(peer), NC_STATUS_DONE);
+    uint8_t more[NC_ID_SIZE];
+    EXPECT_EQ(NC_CreateRequestID(peer, more), -1);  // while the others are being stored
+    NC_Disconnect(peer);
   }
+  EXPECT_EQ(Stop(SIGTERM), 0);
   Start();
   EXPECT_EQ(Jobs(fd).size(), 4U);
 }
@@ -299,6 +302,8 @@ TEST_F(Spool, NumbersOrderAndReasonsOutliveARestart) {
   EXPECT_EQ(Order(fd), "2 3 5 failed ");
   EXPECT_STREQ(JobOf(fd, failed).text, "the document is shorter than it was");
   EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
+  EXPECT_EQ(Change(fd, failed, "hold=1\n"), 1);
+  EXPECT_EQ(std::string(JobOf(fd, failed).text) + JobOf(fd, failed).reasons, "");
 }
 
 // Copies a spool that another version wrote, as far as a repository can hold one.
@@ -485,9 +490,6 @@ TEST(Start, RefusesWithOneLine) {
   daemon.Start();
   const std::string busy = daemon.folder() + "/spool";
   const std::string free = daemon.folder() + "/free";
-  const auto config = [&](const std::string& name, const std::string& text) {
-    return daemon.WriteFile(name, text);
-  };
   const std::string file = daemon.WriteFile("file", "x");
   std::filesystem::create_symlink(daemon.folder(), daemon.folder() + "/link");
   chmod(daemon.folder().c_str(), 0755);
@@ -508,43 +510,6 @@ TEST(Start, RefusesWithOneLine) {
       {{"--spool", daemon.folder(), "--listen", "127.0.0.1:0"}, 1, "it holds other files"},
       {{"--spool", free, "--listen", "example"}, 2, "IPv4 address"},
       {{"--spool", free, "--listen", "127.0.0.1:99999"}, 2, "IPv4 address"},
-      {{"--spool", free, "--config", config("a", "[printer]\nname=P\nrate=fast\n")},
-       2,
-       "line 3: rate wants bytes a second"},
-      {{"--spool", free, "--config", config("b", "rate=1\n")}, 2, "a key before the first section"},
-      {{"--spool", free, "--config", config("c", "[printer]\nname=P\ncolour=1\n")},
-       2,
-       "line 3: unknown key colour in [printer]"},
-      {{"--spool", free, "--config", config("d", "[printer]\nname=P\n[printer]\nname=P\n")},
-       2,
-       "two printers named P"},
-      {{"--spool", free, "--config",
-        config("e", "[printer]\nname=P\nfolder=x\n[printer]\nname=Q\nfolder=x\n")},
-       2,
-       "two printers with the folder x"},
-      {{"--spool", free, "--config", config("f", "[printer]\nfolder=x\n")}, 2, "has no name"},
-      {{"--spool", free, "--config", config("g", "[profile]\nname=Q\nprinter=P\n")},
-       2,
-       "of an unknown printer, P"},
-      {{"--spool", free, "--config", config("h", "[printer]\nname=P\nsupplies=ink\n")},
-       2,
-       "supplies wants"},
-      {{"--spool", free, "--config", config("i", "[server]\naccess-log=log\n")},
-       2,
-       "access-log wants an absolute path"},
-      {{"--spool", free, "--config", config("j", "[server]\naccess-log=/none/log\n"), "--listen",
-        "127.0.0.1:0"},
-       1,
-       "access log /none/log: No such file"},
-      {{"--spool", free, "--config", config("k", many("[printer]\nname=P", 1025))},
-       2,
-       "more than 1024"},
-      {{"--spool", free, "--config",
-        config("l", many("[printer]\nmedia=" + std::string(255, '\\').append(255, '\\') +
-                             "\ntext=" + std::string(254, '\\') + "\nname=P",
-                         1024))},
-       2,
-       "the printer list could pass 1 MiB"},
       {{"--spool", free, "--config", daemon.folder() + "/none"}, 2, "No such file"},
       {{"--spool", free, "--config", "/dev/zero"}, 2, "larger than 1 MiB"},
       {{"--spool", free, "--config", daemon.folder()}, 2, "Is a directory"},
@@ -552,14 +517,39 @@ TEST(Start, RefusesWithOneLine) {
       {{"--spool"}, 2, "wants a value"},
       {{"print"}, 2, "unknown argument"},
   };
-  for (const auto& row : cases) {
-    std::vector<std::string> all = {PRINTSERVERD};
-    all.insert(all.end(), row.arguments.begin(), row.arguments.end());
-    const Outcome outcome = RunProgram(all);
-    EXPECT_EQ(outcome.code, row.code) << outcome.error;
-    EXPECT_NE(outcome.error.find(row.error), std::string::npos) << outcome.error;
+  const auto refuses = [](std::vector<std::string> arguments, int code, const std::string& error) {
+    arguments.insert(arguments.begin(), PRINTSERVERD);
+    const Outcome outcome = RunProgram(arguments);
+    EXPECT_EQ(outcome.code, code) << outcome.error;
+    EXPECT_NE(outcome.error.find(error), std::string::npos) << outcome.error;
     EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1);
+  };
+  for (const auto& row : cases) refuses(row.arguments, row.code, row.error);
+  const struct {
+    std::string configuration, error;
+  } faulty[] = {
+      {"[printer]\nname=P\nrate=fast\n", "line 3: rate wants bytes a second"},
+      {"rate=1\n", "a key before the first section"},
+      {"[printer]\nname=P\ncolour=1\n", "line 3: unknown key colour in [printer]"},
+      {"[printer]\nname=P\n[printer]\nname=P\n", "two printers named P"},
+      {"[printer]\nname=P\nfolder=x\n[printer]\nname=Q\nfolder=x\n", "with the folder x"},
+      {"[printer]\nfolder=x\n", "has no name"},
+      {"[profile]\nname=Q\nprinter=P\n", "of an unknown printer, P"},
+      {"[printer]\nname=P\nsupplies=ink\n", "supplies wants"},
+      {"[server]\naccess-log=log\n", "access-log wants an absolute path"},
+      {many("[printer]\nname=P", 1025), "more than 1024"},
+      {many("[printer]\nmedia=" + std::string(510, '\\') + "\ntext=" + std::string(254, '\\') +
+                "\nname=P",
+            1024),
+       "the printer list could pass 1 MiB"},
+  };
+  for (const auto& row : faulty) {
+    refuses({"--spool", free, "--config", daemon.WriteFile("config", row.configuration)}, 2,
+            row.error);
   }
+  refuses({"--spool", free, "--listen", "127.0.0.1:0", "--config",
+           daemon.WriteFile("config", "[server]\naccess-log=/none/log\n")},
+          1, "access log /none/log: No such file");
   // Fewer open files than it needs, whatever the soft limit says.
   const Outcome few =
       RunProgram({"/bin/sh", "-c",

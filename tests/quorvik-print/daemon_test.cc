@@ -33,16 +33,13 @@ TEST_F(Cli, PrintHoldReleaseRemove) {
   daemon_.Start({"--rate", "0"});
   outcome = Run({"print", "--hold", "--owner", "ann", one, "no-such-file", two});
   EXPECT_EQ(outcome.code, 4) << outcome.error;
-  const std::string id = outcome.out.substr(0, 32), beginning = id.substr(0, 12);
+  const std::string id = outcome.out.substr(0, 32);
   EXPECT_EQ(ReadWhole(daemon_.Path("jobs/" + id + ".doc")), "first");
   EXPECT_TRUE(Has(outcome.out, " two, ann\n")) << outcome.out;
-  EXPECT_TRUE(Has(Run({"queue", "--state=held"}).out, id)) << Run({"queue"}).out;
-  EXPECT_EQ(Run({"release", beginning}).code, 0);
+  EXPECT_EQ(Run({"release", id.substr(0, 12)}).code, 0);
   EXPECT_TRUE(Eventually([&] { return Has(Run({"queue", "--state=done"}).out, id); }));
   EXPECT_EQ(Run({"hold", id}).code, 1);
   EXPECT_EQ(Run({"remove", id, id}).code, 1);
-  EXPECT_FALSE(Has(Run({"queue"}).out, id));
-  EXPECT_EQ(Run({"print", "--wait", one}).code, 0);
 }
 
 TEST_F(Cli, ListsAndGamut) {
@@ -50,8 +47,6 @@ TEST_F(Cli, ListsAndGamut) {
   EXPECT_TRUE(Has(Run({"list"}).out, "Proof printer  idle"));
   EXPECT_TRUE(Has(Run({"profiles"}).out, "Fine"));
   EXPECT_EQ(Run({"profiles", "Nobody"}).out, "no profiles\n");
-  EXPECT_EQ(Run({"scanners"}).out, "no scanners\n");
-  EXPECT_EQ(Run({"queue"}).out, "no jobs\n");
   std::ofstream(daemon_.Path("gamut/g.icc")) << "gamut";
   const std::string output = daemon_.folder() + "/got.icc";
   EXPECT_EQ(Run({"gamut", "g.icc", "--output", output}).code, 0);
@@ -86,7 +81,6 @@ TEST_F(Cli, NumbersPrintersAndPrintingAgain) {
   EXPECT_EQ(Run({"pause", "P", "Q"}).out, "paused P\npaused Q\n");
   EXPECT_TRUE(Has(Run({"print", "--profile=Fine", file}).out, " 1 file, "));
   EXPECT_EQ(Run({"print", file, file, file}).code, 0);
-  EXPECT_TRUE(Has(Run({"queue", "1"}).out, "the printer is paused"));
   EXPECT_EQ(Run({"change", "4", "--before", "2"}).code, 0);
   EXPECT_EQ(ordered(), "1423");
   EXPECT_EQ(Run({"remove", "2"}).code, 0);
@@ -95,7 +89,6 @@ TEST_F(Cli, NumbersPrintersAndPrintingAgain) {
   EXPECT_EQ(outcome.code, 1);
   EXPECT_TRUE(Has(outcome.error, "1 file, ")) << outcome.error;
   EXPECT_TRUE(Has(Run({"queue", "--printer=P", "--state=waiting"}).out, "1 "));
-  EXPECT_TRUE(Has(Run({"list", "--tsv"}).out, "Q\tidle\t1\t1\t2\t"));
   EXPECT_EQ(Run({"refuse", "Q"}).code, 0);
   outcome = Run({"print", "--printer=Q", file});
   EXPECT_EQ(outcome.code, 1);

@@ -15,6 +15,7 @@
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/state.h"
+#include "toolkit/windows/menus.h"
 
 namespace {
 
@@ -239,6 +240,55 @@ void Controls() {
   }
 }
 
+// Any bits but those that say what the id points at; sub-menus, also into themselves.
+void Menus() {
+  static XwMenuItem arrays[4][6];
+  static char text[70001];
+  static const char* const lists[] = {"", "a", "%s", nullptr};
+  for (int i = 0; i < 60; ++i) {
+    for (auto& array : arrays) {
+      const int n = int(rng() % 6);
+      for (int k = 0; k < 6; ++k) {
+        const char* name = Hostile<const char*>();
+        const int32_t flags = Hostile<int32_t>() & ~XWM_BUILT;
+        const bool sub = rng() % 3 == 0 && !(flags & XWM_COLOUR);
+        array[k] = {k < n ? (name ? name : "x") : nullptr, flags,
+                    sub ? reinterpret_cast<XwValue>(arrays[rng() % 4])
+                        : XwValue(Hostile<int32_t>() & 0xFFFF),
+                    Pick<void*>({nullptr, &arrays, props.main})};
+      }
+    }
+    XwMenuItem bar[5] = {};
+    const int titles = int(rng() % 5);
+    for (int k = 0; k < titles; ++k)
+      bar[k] = {Hostile<const char*>(), Hostile<int32_t>() & ~XWM_BUILT,
+                rng() % 5 ? reinterpret_cast<XwValue>(arrays[k]) : 0, nullptr};
+    XwSetMenu(Hostile<XwWindow*>(), rng() % 5 ? bar : nullptr);
+    XwSetMenu(props.main, bar);
+    XwMenuItem* items = rng() % 6 ? arrays[rng() % 4] : nullptr;
+    const XwValue id = rng() % 2 ? arrays[0][0].id : Hostile<XwValue>();
+    XwEnableMenuItem(items, id, int(rng() % 2));
+    XwCheckMenuItem(items, id, int(rng() % 2));
+    XwChangeMenuItemText(items, id, Hostile<const char*>());
+    XwChangeMenuItemFlags(items, id, Hostile<int32_t>() & ~(XWM_COLOUR | XWM_BUILT));
+    XwCheckMenuRadioItem(items, Hostile<int32_t>(), id, id);
+    XwGetMenuRadioItem(items, Hostile<int32_t>(), id);
+    XwGetMenuItemState(items, id);
+    XwGetMenuItemText(items, id, rng() % 4 ? text : nullptr);
+    XwSetMenuItemKey(items, int32_t(id), Hostile<int32_t>(), uint32_t(Hostile<int32_t>()));
+    XwPopupLocation(Hostile<XwWindow*>(), Hostile<int32_t>(), Hostile<int32_t>());
+    XwPopupMenu(items);
+    XwPopupList(rng() % 5 ? lists : nullptr, Hostile<int32_t>());
+    stage::input::Click(int(rng() % 600), int(rng() % 120));
+    stage::input::KeyDown(0xFFC7);
+    stage::input::KeyUp(0xFFC7);
+    stage::RunLoop();
+    XwSetMenu(props.main, nullptr);
+    Repair();
+  }
+  DropMenus();
+}
+
 void Outlines() {
   static const uint8_t bits[32] = {};
   for (int i = 0; i < 100; ++i) {
@@ -308,12 +358,25 @@ const struct {
     {"XwSetValue", Often<static_cast<void (*)(XwWindow*, XwValue)>(XwSetValue)>},
     CALL(XwGetText),
     CALL(XwGetValue),
-    {"XwButton", Controls},
-    {"XwCheckBox", Controls},
-    {"XwColor", Controls},
-    {"XwLabel", Controls},
-    {"XwCreateDialogItems", Controls},
+    {"XwButton", Controls},  // and all others that make controls
+    {"XwCheckBox", Nothing},
+    {"XwColor", Nothing},
+    {"XwLabel", Nothing},
+    {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
+    {"XwSetMenu", Menus},  // and all others of menus
+    {"XwPopupMenu", Nothing},
+    {"XwPopupList", Nothing},
+    {"XwPopupLocation", Nothing},
+    {"XwEnableMenuItem", Nothing},
+    {"XwChangeMenuItemText", Nothing},
+    {"XwChangeMenuItemFlags", Nothing},
+    {"XwCheckMenuItem", Nothing},
+    {"XwCheckMenuRadioItem", Nothing},
+    {"XwGetMenuItemState", Nothing},
+    {"XwGetMenuRadioItem", Nothing},
+    {"XwGetMenuItemText", Nothing},
+    {"XwSetMenuItemKey", Nothing},
     CALL(XwGetFocus),
     CALL(XwFocusControl),
     CALL(XwSetDefaultButtons),

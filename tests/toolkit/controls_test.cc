@@ -521,13 +521,13 @@ TEST(Controls, DescribeThemselves) {
   XwWindow* icon = XwButton(s.main, IC_ARROWS, 3, 130, 10, 20, 20, kOn | XWC_ICON, 0);
   XwSetDefaultButtons(s.main, icon, nullptr);
   const auto children = DescribeTree().front().children;
-  ASSERT_EQ(children.size(), 3u);
-  EXPECT_EQ(children[1].what.name, "Copies") << "of the label before it";
-  EXPECT_EQ(children[1].what.role, ObjectRole::kColorWell);
-  EXPECT_EQ(children[2].what.name, "") << "only of one that stands directly before it";
-  EXPECT_TRUE(children[2].what.state & kIsDefault);
+  ASSERT_EQ(children.size(), 4u) << "behind the menu bar";
+  EXPECT_EQ(children[2].what.name, "Copies") << "of the label before it";
+  EXPECT_EQ(children[2].what.role, ObjectRole::kColorWell);
+  EXPECT_EQ(children[3].what.name, "") << "only of one that stands directly before it";
+  EXPECT_TRUE(children[3].what.state & kIsDefault);
   XwDescribeControl(icon, "Reload \xE2\x86\xBB");
-  EXPECT_EQ(DescribeTree().front().children[2].what.name, "Reload \xE2\x86\xBB");
+  EXPECT_EQ(DescribeTree().front().children[3].what.name, "Reload \xE2\x86\xBB");
 
   // Each change is told while somebody listens.
   static std::vector<std::pair<uint64_t, Change>> told;
@@ -550,7 +550,7 @@ TEST(Controls, DescribeThemselves) {
   for (const auto& row : rows) {
     told.clear();
     row.act(well);
-    const std::pair<uint64_t, Change> wanted{children[1].serial, row.what};
+    const std::pair<uint64_t, Change> wanted{children[2].serial, row.what};
     EXPECT_NE(std::find(told.begin(), told.end(), wanted), told.end()) << int(row.what);
   }
   RemoveTreeListener(&listener);
@@ -558,9 +558,9 @@ TEST(Controls, DescribeThemselves) {
   // What is done through the tree is reported like a press.
   RunLoop();
   seen.clear();
-  EXPECT_TRUE(ActOn(children[2].serial, kActionPress));
-  EXPECT_TRUE(ActOn(children[2].serial, kActionFocus));
-  EXPECT_FALSE(ActOn(children[1].serial, kActionPress)) << "it has ended";
+  EXPECT_TRUE(ActOn(children[3].serial, kActionPress));
+  EXPECT_TRUE(ActOn(children[3].serial, kActionFocus));
+  EXPECT_FALSE(ActOn(children[2].serial, kActionPress)) << "it has ended";
   RunLoop();
   EXPECT_EQ(Reports(), "3=0");
   EXPECT_EQ(FocusedId(), 3);

@@ -562,16 +562,4 @@ TEST(Mouse, TheWheelOfAWindowThatAWaitKeepsOutTurnsNothing) {
   EXPECT_TRUE(scrolled.empty()) << "a loop of the program's own";
 }
 
-TEST(Mouse, TheMenuStripSwallowsAPress) {
-  Open();
-  Main();
-  MoveTo(150, 90);
-  seen.clear();
-  input::Press(1);
-  input::Release(1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "");
-  EXPECT_EQ(XwPointerIsGrabbed(), nullptr);
-}
-
 }  // namespace

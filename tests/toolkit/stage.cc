@@ -1,4 +1,5 @@
 #include "tests/toolkit/stage.h"
+#include "platform/menus/menu.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
@@ -33,7 +34,18 @@ void TakeBack() {
   if (!IsLive(Inp.focus)) Inp.focus = nullptr;
 }
 
+// True when one is open: it closes in the next turn.
+bool CloseMenu() {
+  if (!platform::MenusAreOpen()) return false;
+  platform::RawEvent lost;
+  lost.type = platform::RawEvent::kGrabLost;
+  input::Inject(lost);
+  return true;
+}
+
 bool Idle() {
+  // Nobody is left who would close a menu.
+  if (CloseMenu()) return true;
   PostEnd();
   return true;
 }
@@ -85,6 +97,7 @@ void RunFor(double seconds, XwWindow* modal) {
       seconds, 0.001,
       [](platform::EventLoopTimerRef, void*) {
         over = true;
+        CloseMenu();
         PostEnd();
       },
       nullptr);

@@ -100,9 +100,9 @@ void DrawContent(XwWindow* w, const Rect& lost) {
 }
 
 // True when the first window is there to take it.
-bool AskFirstWindow(int type) {
+bool AskFirstWindow(int type, int param = 0) {
   if (!IsLive(W_Start)) return false;
-  XwSendEvent(W_Start, type, 0, 0, 0);
+  XwSendEvent(W_Start, type, 0, 0, param);
   return true;
 }
 
@@ -149,7 +149,7 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
       return eventNotHandledErr;
     case kEventClassCommand:
       if (event->request.id == kHICommandQuit) {
-        AskFirstWindow(XWE_QUIT);
+        AskFirstWindow(XWE_QUIT, 1);
         return noErr;
       }
       if (event->request.id == kHICommandPreferences) {

@@ -98,7 +98,11 @@ MenuRef BuiltMenu(const XwMenuItem* items) {
 }
 
 void NoteBuilt(XwMenuItem* items, MenuRef menu) {
-  std::erase_if(State().built, [items](const BuiltEntry& e) { return e.items == items; });
+  std::erase_if(State().built, [&](const BuiltEntry& e) {
+    if (e.items != items) return false;
+    if (e.menu != menu) DisposeMenu(e.menu);
+    return true;
+  });
   State().built.push_back({items, menu});
 }
 

@@ -88,6 +88,11 @@ void AddItem(MenuRef menu, XwMenuItem* record, bool popup) {
   if (!popup) SetMenuItemKeyText(menu, item, MenuKeyText(record).c_str());
 }
 
+void SetTitle(MenuRef menu, const char* title) {
+  const unsigned char* pascal = C2PSTR(title);
+  SetMenuTitle(menu, MacRomanToUtf8(P2CSTR(pascal)).c_str());
+}
+
 }  // namespace
 
 bool IsMenuLeaf(const XwMenuItem& record) {
@@ -109,10 +114,7 @@ MenuRef CreateMenuTree(XwMenuItem* items, const char* title, int menu_id, bool p
   menu = Begin(items, menu_id, popup);
   if (!menu) return nullptr;
   building.push_back(items);
-  if (title) {
-    const unsigned char* pascal = C2PSTR(title);
-    SetMenuTitle(menu, MacRomanToUtf8(P2CSTR(pascal)).c_str());
-  }
+  if (title) SetTitle(menu, title);
   for (XwMenuItem* record = items; record->text; ++record) AddItem(menu, record, popup);
   building.pop_back();
   if (popup) {
@@ -132,10 +134,12 @@ void XwSetMenu(XwWindow* window, XwMenuItem* bar) {
   for (int i = 0; bar && bar[i].text; ++i) {
     auto* items = reinterpret_cast<XwMenuItem*>(bar[i].id);
     MenuRef menu = items ? CreateMenuTree(items, bar[i].text, i + 1, false) : EmptyMenu(bar + i);
-    // The other calls know no UTF-8, and a menu that was made as a sub-menu has no title yet.
-    if (bar[i].flags & XWM_UTF8 || !MenuHasTitle(menu))
-      SetMenuTitle(menu, MenuItemText(bar[i]).c_str());
     bar[i].menu = menu;
+    // An array that was a sub-menu before has no title yet.
+    if (bar[i].flags & XWM_UTF8)
+      SetMenuTitle(menu, ValidUtf8(bar[i].text).c_str());
+    else
+      SetTitle(menu, bar[i].text);
     if (bar[i].flags & XWM_HIDDEN) continue;
     bar[i].flags& XWM_DISABLED ? DisableMenuItem(menu, 0) : EnableMenuItem(menu, 0);
     InsertMenu(menu);

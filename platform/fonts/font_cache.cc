@@ -1,4 +1,4 @@
-// The file of remembered answers: lines of fields between tabs. It is only ever a short cut, so
+// The file of the font cache: lines of fields between tabs. It is only ever a short cut, so
 // anything odd about it means that it is not there.
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -76,7 +76,7 @@ bool TakeNumber(std::string_view* line, int* out) {
   return error == std::errc() && end == part.data() + part.size();
 }
 
-bool ParseAnswer(std::string_view line, FontAnswer* a) {
+bool ParseCachedFont(std::string_view line, CachedFont* a) {
   a->key = TakeUntil(&line, '\t');
   a->file = TakeUntil(&line, '\t');
   bool good = !a->key.empty() && TakeNumber(&line, &a->index) &&
@@ -106,7 +106,7 @@ void Replace(const std::string& path, const std::string& text) {
   if (!good || rename(temporary.c_str(), path.c_str())) unlink(temporary.c_str());
 }
 
-void AppendAnswer(std::string* text, const FontAnswer& a) {
+void AppendCachedFont(std::string* text, const CachedFont& a) {
   *text += a.key + '\t' + a.file;
   for (int n : {a.index, a.units.per_em, a.units.ascender, a.units.descender, a.units.max_advance})
     *text += '\t' + std::to_string(n);
@@ -122,14 +122,14 @@ bool MakeFolder(const std::string& folder) {
 
 }  // namespace
 
-std::optional<std::vector<FontAnswer>> LoadFontAnswers() {
+std::optional<std::vector<CachedFont>> LoadFontCache() {
   std::string folder = CacheFolder();
   if (folder.empty()) return std::nullopt;
   std::string text = ReadAll(folder + "/fonts");
   std::string_view rest = text;
   if (!text.ends_with('\n') || TakeUntil(&rest, '\n') != kTitle) return std::nullopt;
   if (TakeUntil(&rest, '\n') != Environment()) return std::nullopt;
-  std::vector<FontAnswer> answers;
+  std::vector<CachedFont> cache;
   while (!rest.empty()) {
     std::string_view line = TakeUntil(&rest, '\n');
     if (line.starts_with("s\t")) {
@@ -138,14 +138,14 @@ std::optional<std::vector<FontAnswer>> LoadFontAnswers() {
       if (StampOf(std::string(line)) != time) return std::nullopt;
       continue;
     }
-    FontAnswer a;
-    if (!ParseAnswer(line, &a)) return std::nullopt;
-    answers.push_back(std::move(a));
+    CachedFont a;
+    if (!ParseCachedFont(line, &a)) return std::nullopt;
+    cache.push_back(std::move(a));
   }
-  return answers;
+  return cache;
 }
 
-void SaveFontAnswers(const std::vector<FontStamp>& stamps, const std::vector<FontAnswer>& answers) {
+void SaveFontCache(const std::vector<FontStamp>& stamps, const std::vector<CachedFont>& cache) {
   std::string folder = CacheFolder();
   std::string environment = Environment();
   if (folder.empty() || !IsPlain(environment) || stamps.empty()) return;
@@ -154,8 +154,8 @@ void SaveFontAnswers(const std::vector<FontStamp>& stamps, const std::vector<Fon
     if (!IsPlain(s.path)) return;
     text += "s\t" + s.time + '\t' + s.path + "\n";
   }
-  for (const FontAnswer& a : answers)
-    if (IsPlain(a.key) && IsPlain(a.file)) AppendAnswer(&text, a);
+  for (const CachedFont& a : cache)
+    if (IsPlain(a.key) && IsPlain(a.file)) AppendCachedFont(&text, a);
   if (text.size() > kMaxFile || !MakeFolder(folder)) return;
   Replace(folder + "/fonts", text);
 }
