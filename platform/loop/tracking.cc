@@ -5,6 +5,7 @@
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
+#include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
 #include "platform/menus/menus.h"
@@ -84,8 +85,8 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
 }
 
 static int WaitForMenu() {
-  // Menus that are opened meanwhile close this one: its tracker is theirs then, and they have ended
-  // when the wait comes back here.
+  // Menus that are opened during the wait close this one: its tracker is theirs then, and they have
+  // ended when the wait comes back here.
   WaitTracking(
       MenuTracker(), [](void*) { return MenuIsDone(); }, kEventDurationForever);
   const MenuChoice choice = CloseMenus();
@@ -93,7 +94,9 @@ static int WaitForMenu() {
 }
 
 int PopUpMenuSelect(MenuRef menu, int top, int left, int item) {
-  return OpenPopUpMenu(menu, {left, top}, item) ? WaitForMenu() : 0;
+  if (!OpenPopUpMenu(menu, {left, top}, item)) return 0;
+  SetMenuPointer(LastPointer());
+  return WaitForMenu();
 }
 
 int MenuSelect(Point where) {
@@ -101,7 +104,9 @@ int MenuSelect(Point where) {
 }
 
 int MenuSelectByKey(MenuRef menu) {
-  return OpenMenuOfBar(menu) ? WaitForMenu() : 0;
+  if (!OpenMenuOfBar(menu)) return 0;
+  SetMenuPointer(LastPointer());
+  return WaitForMenu();
 }
 
 }  // namespace platform

@@ -50,7 +50,7 @@ MenuRef ApplicationMenu() {
   return bar.application = m;
 }
 
-void MakeAnew() {
+void RemakeApplicationMenu() {
   MenuRef before = bar.application;
   bar.application = nullptr;
   DisposeMenu(before);
@@ -288,7 +288,7 @@ void HiliteMenu(int id) {
 void SetPreferencesCommand(bool offered) {
   if (bar.preferences == offered) return;
   bar.preferences = offered;
-  MakeAnew();
+  RemakeApplicationMenu();
   ForgetBarLayout();
 }
 bool PreferencesCommandOffered() {

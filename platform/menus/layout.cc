@@ -43,9 +43,10 @@ MenuLayout LayOutMenu(const Menu& m) {
 }
 
 void DrawMenuRow(ContextRef c, const Menu& m, const MenuLayout::Row& row, const Rect& at,
-                 bool selected) {
+                 bool selected, bool erased) {
   const MenuItem& i = m.items[size_t(row.item - 1)];
-  FillRoundRect(c, at, 0, RoleColor(selected ? Role::kAccent : Role::kFace), kOpaqueAlpha);
+  if (selected || !erased)
+    FillRoundRect(c, at, 0, RoleColor(selected ? Role::kAccent : Role::kFace), kOpaqueAlpha);
   if (i.separator()) {
     const int middle = at.top + row.height / 2;
     FillRoundRect(c, {at.left, middle, at.right, middle + 1}, 0, RoleColor(Role::kHairline),

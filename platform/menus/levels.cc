@@ -47,11 +47,12 @@ const MenuLayout::Row* RowOf(const MenuLevel& l, int item) {
   return nullptr;
 }
 
-void DrawRow(ContextRef c, const MenuLevel& l, int item) {
+// On its background, if `erased`.
+void DrawRow(ContextRef c, const MenuLevel& l, int item, bool erased) {
   const MenuLayout::Row* row = RowOf(l, item);
   if (!row) return;
   ClipContextToRect(c, View(l));
-  DrawMenuRow(c, *l.menu, *row, RowRect(l, *row), item == l.selected);
+  DrawMenuRow(c, *l.menu, *row, RowRect(l, *row), item == l.selected, erased);
   RestoreContextClip(c);
 }
 
@@ -59,7 +60,7 @@ void DrawFrame(ContextRef c, const MenuLevel& l) {
   const Rect b = GetWindowBounds(l.window, kWindowContentRgn);
   const Rect all{0, 0, b.width(), b.height()};
   // A pop-up has no see-through corners: outside of them it is a line, too.
-  FillRoundRect(c, all, 0, RoleColor(Role::kFace), kOpaqueAlpha);
+  if (l.drawn >= 0) FillRoundRect(c, all, 0, RoleColor(Role::kFace), kOpaqueAlpha);
   FrameRoundRect(c, all, 0, RoleColor(Role::kLine), kOpaqueAlpha);
   if (!Scrolls(l)) return;
   const uint32_t ink = RoleColor(Role::kSecondInk);
@@ -95,10 +96,10 @@ void DrawLevel(MenuLevel* l, bool all) {
   ClipContextToRegion(c, Region(Rect{0, 0, b.width(), b.height()}));
   if (all || l->drawn < 0) {
     DrawFrame(c, *l);
-    for (const MenuLayout::Row& row : l->layout.rows) DrawRow(c, *l, row.item);
+    for (const MenuLayout::Row& row : l->layout.rows) DrawRow(c, *l, row.item, true);
   } else if (l->drawn != l->selected) {
-    DrawRow(c, *l, l->drawn);
-    DrawRow(c, *l, l->selected);
+    DrawRow(c, *l, l->drawn, false);
+    DrawRow(c, *l, l->selected, false);
   }
   l->drawn = l->selected;
   ReleaseContext(c);
@@ -129,6 +130,7 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   s.levels.push_back(l);
   ShowWindow(l.window);
   DrawLevel(&s.levels.back(), true);
+  ValidateWindow(l.window);
   NoticeChange(m->object.serial, Change::kState);
   return true;
 }

@@ -59,9 +59,9 @@ struct MenuLayout {
   std::vector<Row> rows;
 };
 MenuLayout LayOutMenu(const Menu& m);
-// What one row looks like.
+// What one row looks like; `erased`: it has the menu's background already.
 void DrawMenuRow(ContextRef c, const Menu& m, const MenuLayout::Row& row, const Rect& at,
-                 bool selected);
+                 bool selected, bool erased);
 constexpr int kMenuBorder = 1, kMenuPadding = 4, kMenuScrollHeight = 16;
 
 // --- session.cc

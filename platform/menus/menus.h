@@ -81,6 +81,8 @@ bool OpenPopUpMenu(MenuRef m, Point where, int item);
 bool OpenMenuBarAt(Point where);
 // By the keyboard, its first item selected.
 bool OpenMenuOfBar(MenuRef m);
+// Where the pointer rests: until it leaves that place it selects nothing.
+void SetMenuPointer(Point where);
 struct MenuChoice {
   int menu = 0, item = 0;  // 0, 0: nothing
 };

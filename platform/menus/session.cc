@@ -104,6 +104,8 @@ void ScrollOn(EventLoopTimerRef, void*) {
 void Motion(const Event& e) {
   MenuSession& s = menu_session;
   const Point where = e.mouse.where;
+  // A menu that comes up under a pointer that rests is no motion of it.
+  if (where == s.last) return;
   if (Far(where, s.last) > kSlop) s.moved = true;
   s.last = where;
   const int level = LevelAt(where);
@@ -243,8 +245,9 @@ bool Opened(bool shown) {
     return false;
   }
   s.aim = s.last;
+  if (s.of_bar) DrawMenuBar();
+  PresentWindows();  // the answer to the grab is not waited for before the menu is seen
   CapturePointer(s.owner, nullptr, Capture::kMenu);
-  DrawMenuBar();
   return true;
 }
 
@@ -349,6 +352,10 @@ bool OpenMenuOfBar(MenuRef m) {
   return false;
 }
 
+void SetMenuPointer(Point where) {
+  menu_session.last = menu_session.aim = where;
+}
+
 Tracker* MenuTracker() {
   return &menu_session.tracker;
 }
@@ -369,7 +376,7 @@ MenuChoice CloseMenus() {
   PopLevels(0);
   s = MenuSession();
   s.done = true;
-  DrawMenuBar();
+  if (of_bar) DrawMenuBar();
   if (swallows) StartTracking(&swallow);
   if (choice.item && of_bar && IsValidMenu(chosen_in)) {
     Event e(kEventClassCommand, kEventCommandProcess);

@@ -53,6 +53,12 @@ void InvalidateWindow(WindowRef w, const Rect& r, bool erase) {
   w->draw_since = GetCurrentEventTime();
 }
 
+void ValidateWindow(WindowRef w) {
+  if (!IsValidWindow(w)) return;
+  w->lost.Clear();
+  w->needs_draw = false;
+}
+
 static void Present(WindowRef w) {
   std::vector<DeviceRect>& rects = Windows().rects;
   if (!w->visible || !w->surface.pixels || w->surface.damage.empty()) return;

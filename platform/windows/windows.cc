@@ -192,8 +192,9 @@ void ShowWindow(WindowRef w) {
   if (w->window_class == kPopUpWindowClass && !w->parent) return;
   w->visible = w->placing = true;
   if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
+  const bool erased = !w->surface.pixels;  // new pixels have the background
   ResizeSurface(w);
-  InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+  InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, !erased);
   DrawFrame(w);
   std::erase(WindowList(), w);
   WindowList().insert(WindowList().begin(), w);

@@ -73,6 +73,8 @@ void EraseRect(WindowRef w, const Rect& r);
 // `bounds.current` is the bounds of all that is lost. `erase` paints the background there first.
 // What lies outside the content is ignored.
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
+// All of it has been drawn: no redraw is asked for.
+void ValidateWindow(WindowRef w);
 
 // --- Groups -----------------------------------------------------------------------------------
 

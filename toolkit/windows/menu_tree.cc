@@ -28,7 +28,7 @@ std::vector<const XwMenuItem*>& Building() {
   return *building;
 }
 
-// A black frame, one pixel free at the right and below it, around the colour.
+// The colour in a black frame of one pixel.
 uint8_t* MakeSwatch(int32_t colour) {
   uint8_t* image = XwAllocImage(kSwatchWidth, kSwatchHeight);
   const uint32_t rgb = ColorToRgb(colour);
@@ -136,7 +136,10 @@ void XwSetMenu(XwWindow* window, XwMenuItem* bar) {
     MenuRef menu = items ? CreateMenuTree(items, bar[i].text, i + 1, false) : EmptyMenu(bar + i);
     bar[i].menu = menu;
     // An array that was a sub-menu before has no title yet.
-    SetTitle(menu, bar[i].text);
+    if (bar[i].flags & XWM_UTF8)
+      SetMenuTitle(menu, ValidUtf8(bar[i].text).c_str());
+    else
+      SetTitle(menu, bar[i].text);
     if (bar[i].flags & XWM_HIDDEN) continue;
     bar[i].flags& XWM_DISABLED ? DisableMenuItem(menu, 0) : EnableMenuItem(menu, 0);
     InsertMenu(menu);

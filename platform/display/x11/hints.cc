@@ -204,8 +204,9 @@ void SetSizeHints(const Native& n) {
 void SetHints(Native* n) {
   const ClassStyle& style = StyleOf(*n->w);
   SetProperty(n->id, Atom(kNetWmWindowType), XCB_ATOM_ATOM, &x.atoms[style.type], 1);
-  SetMotifHints(*n, style);
   SetTransient(*n, style);
+  if (n->w->parent != nullptr) return;  // no window manager reads more of a pop-up
+  SetMotifHints(*n, style);
   // On the way out of full screen the size that the record has is still the screen's: the hints
   // wait for the one that comes back.
   const bool leaving = n->mapped() && (n->states & ~WantedStates(*n->w) & kStateFullScreen) != 0;

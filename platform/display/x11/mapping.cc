@@ -18,17 +18,22 @@ bool BehindAnother(const Native& n) {
 }
 
 void Map(Native* n) {
+  const bool managed = n->w->parent == nullptr;
   // Before it is asked for: as yet the window manager keeps no state of it.
-  SetHints(n);
-  WriteStates(n);
-  if (x.user_time != 0) {
+  if (managed) {
+    SetHints(n);
+    WriteStates(n);
+  }
+  if (managed && x.user_time != 0) {
     xcb_change_property(x.c, XCB_PROP_MODE_REPLACE, n->id, Atom(kNetWmUserTime), XCB_ATOM_CARDINAL,
                         32, 1, &x.user_time);
   }
   n->phase = Native::kMapping;
   // Nobody else raises a pop-up.
-  if (n->w->parent != nullptr) RaiseNative(n->w, kRaiseOnly, nullptr);
+  if (!managed) RaiseNative(n->w, kRaiseOnly, nullptr);
   xcb_map_window(x.c, n->id);
+  // The server brings a menu up while the program draws it.
+  if (!managed) xcb_flush(x.c);
   if (n->activate) Activate(n);
 }
 

@@ -53,11 +53,41 @@ void CopyOverlap(const Native& from, uint32_t* to, int stride, int width, int he
   }
 }
 
+// Memory of pop-ups that have closed, for the next ones: the pages are there on both sides, and the
+// server knows them.
+struct Spare {
+  uint32_t* pixels;
+  size_t bytes;
+  uint32_t segment;
+  unsigned attach_sequence;
+};
+std::vector<Spare> spares;
+constexpr size_t kMostSpares = 2, kLargestSpare = size_t{8} << 20;
+
+bool TakeSpare(Native* n, int stride, int rows) {
+  const size_t bytes = size_t(stride) * size_t(rows) * 4;
+  for (size_t i = 0; i < spares.size(); ++i) {
+    const Spare s = spares[i];
+    if (s.bytes < bytes || !x.shm) continue;
+    spares.erase(spares.begin() + ptrdiff_t(i));
+    n->pixels = s.pixels;
+    n->bytes = s.bytes;
+    n->segment = s.segment;
+    n->attach_sequence = s.attach_sequence;
+    n->stride = stride;
+    // The server is told the whole segment's rows of this stride.
+    n->rows = int(std::min(s.bytes / 4 / size_t(stride), size_t(kMaxSide)));
+    return true;
+  }
+  return false;
+}
+
 // New memory for at least width x height, in place of what `n` has.
 bool Reallocate(Native* n, int width, int height) {
   const bool first = n->pixels == nullptr;
   const int stride = std::min((width + (first ? 0 : kGrowth) + 15) & ~15, kMaxSide + 1);
   const int rows = std::min(height + (first ? 0 : kGrowth), kMaxSide);
+  if (first && n->w->parent != nullptr && TakeSpare(n, stride, rows)) return true;
   const size_t bytes = size_t(stride) * size_t(rows) * 4;
   Memory m = x.shm ? AllocateShared(bytes) : Memory{};
   if (m.pixels == nullptr) m.pixels = AllocatePlain(bytes);
@@ -139,6 +169,27 @@ void FreeBuffer(Native* n) {
   n->attach_sequence = 0;
 }
 
+static void FreeSpare(const Spare& s) {
+  xcb_shm_detach(x.c, s.segment);
+  munmap(s.pixels, s.bytes);
+}
+
+void KeepBuffer(Native* n) {
+  if (n->w->parent == nullptr || n->segment == 0 || !x.shm || n->bytes > kLargestSpare) return;
+  if (spares.size() == kMostSpares) {
+    FreeSpare(spares.front());
+    spares.erase(spares.begin());
+  }
+  spares.push_back({n->pixels, n->bytes, n->segment, n->attach_sequence});
+  n->pixels = nullptr;
+  n->segment = 0;
+}
+
+void DropSpareBuffers() {
+  for (const Spare& s : spares) FreeSpare(s);
+  spares.clear();
+}
+
 void Present(const Window* w, const DeviceRect* rects, int count) {
   Native* n = NativeOf(w);
   if (n == nullptr || n->pixels == nullptr) return;
@@ -161,6 +212,13 @@ bool HandleSharedMemoryError(const xcb_generic_error_t* error) {
     if (n->segment == 0 || n->attach_sequence == 0) continue;
     if (n->attach_sequence != error->full_sequence) continue;
     RefuseSharedMemory();
+    DropSpareBuffers();
+    return true;
+  }
+  for (const Spare& s : spares) {
+    if (s.attach_sequence != error->full_sequence) continue;
+    RefuseSharedMemory();
+    DropSpareBuffers();
     return true;
   }
   return false;

@@ -13,6 +13,12 @@ constexpr uint32_t kWindowEvents =
     XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
     XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_PROPERTY_CHANGE;
 
+// Nobody but the program sets properties of a pop-up.
+uint32_t EventsOf(const Window& w) {
+  return w.parent != nullptr ? kWindowEvents & ~uint32_t{XCB_EVENT_MASK_PROPERTY_CHANGE}
+                             : kWindowEvents;
+}
+
 xcb_window_t ReadWindow(xcb_get_property_cookie_t cookie) {
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
   if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.p) < 4) return XCB_NONE;
@@ -55,17 +61,19 @@ void* CreateNative(const Window* w) {
                         (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
   const uint32_t values[] = {XCB_BACK_PIXMAP_NONE,   0,
                              XCB_GRAVITY_NORTH_WEST, w->parent != nullptr,
-                             kWindowEvents,          x.colormap};
+                             EventsOf(*w),           x.colormap};
   xcb_create_window(x.c, x.depth, n->id, x.screen->root, int16_t(Clamp16(r.left)),
                     int16_t(Clamp16(r.top)), uint16_t(Side(r.width())), uint16_t(Side(r.height())),
                     0, XCB_WINDOW_CLASS_INPUT_OUTPUT, x.visual, mask, values);
   if (x.leader == 0) x.leader = n->id;
   x.windows[n->id] = n;
   SelectPointer(*n);
-  SetIdentity(*n);
-  MarkStartup(*n);
-  MarkProgram(*n);
-  SetTitle(*n);
+  if (w->parent == nullptr) {
+    SetIdentity(*n);
+    MarkStartup(*n);
+    MarkProgram(*n);
+    SetTitle(*n);
+  }
   SetHints(n);
   SetCursor(n);
   if (r != DeviceBounds(*w)) EmitBounds(n, r);
@@ -80,6 +88,7 @@ void DestroyNative(const Window* w) {
   ForgetUnder();
   ForgetAsked(n);
   ForgetCheck(n);
+  KeepBuffer(n);
   FreeBuffer(n);
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);

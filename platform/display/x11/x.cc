@@ -143,6 +143,7 @@ OpenResult Open(const char* session_name) {
 void Close() {
   if (x.c == nullptr) return;
   while (!x.windows.empty()) DestroyNative(x.windows.begin()->second->w);
+  DropSpareBuffers();
   CloseCursors();
   CloseKeyboard();
   ClosePointer();

@@ -243,6 +243,9 @@ void UseToken(const char* token);
 // --- pixels.cc
 uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride);
 void FreeBuffer(Native* n);
+// The buffer of a pop-up that ends is kept for the next one.
+void KeepBuffer(Native* n);
+void DropSpareBuffers();
 void Present(const Window* w, const DeviceRect* rects, int count);
 void Flush(bool wait);
 // An error of the server; true when it was about shared memory and has been dealt with.
