@@ -312,8 +312,11 @@ TEST(Menus, ItemsByTheirIds) {
   Menus m;
   std::vector<Description> nameless;
   Collect(DescribeTree(), "", &nameless);
-  EXPECT_TRUE(std::any_of(nameless.begin(), nameless.end(),
-                          [](const Description& d) { return d.role == ObjectRole::kSeparator; }));
+  const auto lines = std::count_if(nameless.begin(), nameless.end(), [](const Description& d) {
+    return d.role == ObjectRole::kSeparator;
+  });
+  EXPECT_EQ(lines, 2) << "of the application's menu and of the first";
+
   XwEnableMenuItem(m.file, 302, 0);
   EXPECT_EQ(m.deep[1].flags, XWM_DISABLED);
   EXPECT_FALSE(Item("Two").state & kIsEnabled);
