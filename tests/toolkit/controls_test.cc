@@ -575,6 +575,12 @@ TEST(Controls, DescribeThemselves) {
     const std::pair<uint64_t, Change> wanted{children[2].serial, row.what};
     EXPECT_NE(std::find(told.begin(), told.end(), wanted), told.end()) << int(row.what);
   }
+  XwWindow* sub = Sub(s.main, "sub", 5, 100, 50, 50);
+  told.clear();
+  XwMove(sub, 9, 100, 50, 50);
+  XwShow(sub, 0);
+  const decltype(told) both{{sub->serial, Change::kBounds}, {sub->serial, Change::kState}};
+  EXPECT_EQ(told, both);
   RemoveTreeListener(&listener);
   told.clear();
   // What is done through the tree is reported like a press.

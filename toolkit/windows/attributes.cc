@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/access/access.h"
 #include "platform/controls/controls.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
@@ -42,6 +43,7 @@ void ShowTopLevel(XwWindow* w, bool show) {
 void ShowSub(XwWindow* w, bool show) {
   if (bool(w->flags & XW_SHOWN) == show) return;
   w->flags = uint8_t(show ? w->flags | XW_SHOWN : w->flags & ~XW_SHOWN);
+  NoticeChange(w->serial, Change::kState);
   ResetClipMask(w->parent);
   ResetClipsFrom(w);
   PostExpose(show ? w : w->parent);

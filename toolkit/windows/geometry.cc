@@ -1,4 +1,5 @@
 // Moving and sizing windows.
+#include "platform/access/access.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
@@ -28,6 +29,7 @@ void MoveSub(XwWindow* w, int x, int y, int width, int height) {
   w->origin_x = w->x;
   w->origin_y = w->y;
   UpdatePane(w);
+  NoticeChange(w->serial, Change::kBounds);
   ResetClipMask(w->parent);
   ResetClipsFrom(w);
   PostExpose(w->parent);

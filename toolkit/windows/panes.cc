@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "platform/windows/windows.h"
-
 #include "toolkit/core/record.h"
 #include "toolkit/target/colors.h"
 
