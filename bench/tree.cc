@@ -74,7 +74,7 @@ Times ShowRound(int count) {
   return t;
 }
 
-// In a process of its own: memory that is touched for the first time costs few and many alike.
+// Runs in a new process, since memory costs most when it is first touched.
 Times RoundApart(Times (*round)(int), int count) {
   Times t{};
   int ends[2];

@@ -352,7 +352,7 @@ void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
 
 /* ==== Controls ==================================================================================
  *
- * A control is a record of its own kind in a top-level window or a sub-window. It draws itself,
+ * A control is a record in a top-level window or a sub-window, of an XWK_ kind. It draws itself,
  * tracks the pointer and the keyboard by itself, and reports to its parent: 783 with its id as
  * item. The parent's handler never sees the press. One with id 0 reports nothing.
  *

@@ -28,7 +28,7 @@ static XwMenuItem sizes[] = {{"A4", XWM_CHECKED, SIZE, NULL},
 
 #define ITEM(type, text, id, x, y, w, h, style, value) \
   { type, text, id, x, y, w, h, style, value, 0, 0, 0, 0 }
-/* What needs no pointer of its own. */
+/* Controls that nothing below refers to. */
 static const XwDialogItem items[] = {
     ITEM(BUTTON, "Normal", 1, 18, 36, 98, 26, ON, 0),
     ITEM(BUTTON, "Off", 2, 122, 36, 98, 26, OFF, 0),

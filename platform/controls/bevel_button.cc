@@ -10,14 +10,7 @@ void Draw(Control* c, ContextRef context) {
   const bool pressed = c->value != 0 || IsControlHilited(c);
   info.state = !c->active ? kThemeStateInactive : pressed ? kThemeStatePressed : kThemeStateActive;
   info.value = c->value ? kThemeButtonOn : kThemeButtonOff;
-  const Rect r = GetControlBounds(c);
-  DrawThemeButton(context, r, kThemeBevelButton, info);
-  ThemeTextStyle line;
-  line.bold = true;
-  line.underline_first = c->underlined;
-  line.rgb = ThemeButtonTextColor(kThemeBevelButton, info);
-  line.alpha = c->active ? 255 : kThemeDisabledAlpha;
-  DrawThemeText(context, {r.left + 4, r.top, r.right - 4, r.bottom}, c->text, line);
+  DrawButtonWithText(c, context, kThemeBevelButton, info, true, 4);
 }
 
 }  // namespace

@@ -17,6 +17,18 @@ constexpr uint8_t kReturn = 13, kEnter = 3;
 
 }  // namespace
 
+void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind kind,
+                        const ThemeButtonDrawInfo& info, bool bold, int margin) {
+  const Rect r = GetControlBounds(const_cast<Control*>(c));
+  DrawThemeButton(context, r, kind, info);
+  ThemeTextStyle line;
+  line.bold = bold;
+  line.underline_first = c->underlined;
+  line.rgb = ThemeButtonTextColor(kind, info);
+  line.alpha = c->active ? kOpaqueAlpha : kThemeDisabledAlpha;
+  DrawThemeText(context, {r.left + margin, r.top, r.right - margin, r.bottom}, c->text, line);
+}
+
 bool PressButton(Control* c, Point) {
   SetInside(c, true);
   return true;

@@ -91,6 +91,9 @@ void DragButton(Control* c, Point where);
 bool ReleaseButton(Control* c, bool inside);
 // Space and Return press.
 bool ButtonKey(Control* c, const Event& e);
+// A face and the control's text in the middle of it, `margin` pixels from its sides.
+void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind kind,
+                        const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
     kStaticTextKind, kUserPaneKind;

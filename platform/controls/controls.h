@@ -120,7 +120,8 @@ ContextRef GetControlContext(ControlRef c);
 
 // The one under a point of the content. None where a shown pane covers it.
 ControlRef FindControlUnderMouse(Point where, WindowRef w);
-// As a key would, whoever has the keyboard. An inactive one is ignored.
+// Presses the control as a key does, also when it does not have the keyboard. An inactive one is
+// ignored.
 void PressControl(ControlRef c);
 // Part 0 takes the keyboard away from it; any other gives it to a control that shows, is active and
 // can take it.

@@ -11,13 +11,7 @@ void Draw(Control* c, ContextRef context) {
                                      : kThemeStateActive;
   info.value = c->value ? kThemeButtonOn : kThemeButtonOff;
   if (all.ok == c && all.window->active) info.adornment = kThemeAdornmentDefault;
-  const Rect r = GetControlBounds(c);
-  DrawThemeButton(context, r, kThemePushButton, info);
-  ThemeTextStyle line;
-  line.underline_first = c->underlined;
-  line.rgb = ThemeButtonTextColor(kThemePushButton, info);
-  line.alpha = c->active ? 255 : kThemeDisabledAlpha;
-  DrawThemeText(context, {r.left + 6, r.top, r.right - 6, r.bottom}, c->text, line);
+  DrawButtonWithText(c, context, kThemePushButton, info, false, 6);
 }
 
 }  // namespace

@@ -13,7 +13,8 @@ enum class Tracking : uint8_t {
   kLater,  // as kPass; in a nested wait of the tracker it lies by until the wait is over
 };
 
-// Asked for each event of the platform, never for a program's own. Kept by whoever tracks.
+// Asked for each event of the platform, never for those that the program has posted.
+// The caller of StartTracking keeps the record.
 struct Tracker {
   Tracking (*ask)(void* data, Event* event) = nullptr;
   void* data = nullptr;

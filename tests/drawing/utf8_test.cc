@@ -20,7 +20,7 @@ namespace {
 
 const fs::path kFonts = "/usr/share/fonts/truetype";
 
-// Every test begins with fonts that nobody has asked for, in a folder of its own.
+// Each test has a new folder of fonts, and none of them has been asked for yet.
 class Utf8Text : public testing::Test {
  protected:
   void SetUp() override {
