@@ -73,10 +73,12 @@ void Press(Control* c, const Event& e) {
   const Point at = InContent(c, e.mouse.where);
   DispatchScope scope;  // the record stays
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
-  if (!IsValidControl(c) || !c->active || !c->kind->press || !c->kind->press(c, at)) return;
+  if (!IsValidControl(c) || !c->active || !c->kind->press) return;
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
   StartTracking(&held.tracker);
+  // One that ends in what it calls is tracked all the same, until its release is over.
+  if (!c->kind->press(c, at) && held.control == c) EndTracking();
 }
 
 }  // namespace
