@@ -12,7 +12,6 @@ void SetInside(Control* c, bool inside) {
   Draw1Control(c);
 }
 
-constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 constexpr uint8_t kReturn = 13, kEnter = 3;
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 namespace {
 
-enum : uint8_t { kEnd = 0, kButton = 1, kCheckBox = 2, kLabel = 5, kColor = 8 };
+enum : uint8_t { kEnd = 0, kButton = 1, kCheckBox = 2, kLabel = 5, kSlider = 6, kScrollBar = 7, kColor = 8 };
 
 }  // namespace
 
@@ -24,6 +24,14 @@ void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx
         break;
       case kLabel:
         XwLabel(parent, text, i->id, x, y, i->width, i->height, i->style);
+        break;
+      case kSlider:
+        XwSlider(parent, i->id, x, y, i->width, i->height, i->style, i->minimum, i->maximum,
+                 int32_t(i->value));
+        break;
+      case kScrollBar:
+        XwScrollBar(parent, i->id, x, y, i->width, i->height, i->style, i->minimum, i->maximum,
+                    i->line, i->page, int32_t(i->value));
         break;
       case kColor:
         XwColor(parent, text, i->id, x, y, i->width, i->height, i->style, int32_t(i->value));

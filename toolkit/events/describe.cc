@@ -135,11 +135,14 @@ XwWindow* FindControl(uint64_t serial) {
   return nullptr;
 }
 
-// What a press reports is sent, since no dispatch is under way that would deliver it.
-void Press(XwWindow* control) {
+// What a press or a step reports is sent, since no dispatch is under way that would deliver it.
+void Operate(XwWindow* control, uint32_t action) {
   const XwEvent before = Inp;
   Inp.type = 0;
-  PressControl(NativeControl(control));
+  if (action == kActionPress)
+    PressControl(NativeControl(control));
+  else
+    StepControl(NativeControl(control), action == kActionIncrease);
   const XwEvent report = Inp;
   Inp = before;
   if (report.type) XwSendEvent(report.window, report.type, report.item, report.value, 0);
@@ -149,8 +152,11 @@ bool Act(uint64_t serial, uint32_t action) {
   XwWindow* control = FindControl(serial);
   if (!control || !IsControlActive(NativeControl(control))) return false;
   TargetScope scope;
-  if (action == kActionPress)
-    Press(control);
+  uint64_t found;
+  Description d;
+  DescribeControl(NativeControl(control), &found, &d);
+  if (action & d.actions & (kActionPress | kActionIncrease | kActionDecrease))
+    Operate(control, action);
   else if (action == kActionFocus)
     SetKeyboardFocus(NativeWindow(control), NativeControl(control), 1);
   else
