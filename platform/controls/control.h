@@ -45,6 +45,13 @@ struct KindRow {
   int32_t minimum, maximum;
   bool has_title;
   ObjectRole role;
+  // Opens what it chooses from, where a press does that; a choice sends the hit.
+  void (*open)(Control* c, bool by_key) = nullptr;
+  // The pointer was taken away from it while it was held.
+  void (*lost)(Control* c) = nullptr;
+  // Frees its `data`, with the record.
+  void (*end)(Control* c) = nullptr;
+  bool focus_by_press = false;  // the pointer gives it the keyboard
 };
 
 struct Control {
@@ -53,7 +60,7 @@ struct Control {
   Pane* pane = nullptr;
   Rect bounds;  // relative to the pane
   Rect area;    // what it is erased with, relative to the pane; not less than the bounds
-  int32_t value = 0;
+  int32_t value = 0, minimum = 0, maximum = 0;
   bool shown = false, active = false;
   bool inside = false;  // the pointer that holds it is inside
   bool held = false;    // what it has opened is open
@@ -66,6 +73,8 @@ struct Control {
   std::string text;
   std::string described;  // what the program calls it for those who cannot see it
   void* reference = nullptr;
+  void* data = nullptr;                             // of its kind
+  Control *opener = nullptr, *opens_for = nullptr;  // which know each other
   PaneDraw draw = nullptr;
   PaneHitTest hit_test = nullptr;
   Control *next = nullptr, *previous = nullptr;  // in the order of creation
@@ -96,7 +105,7 @@ void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind ki
                         const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
-    kStaticTextKind, kUserPaneKind;
+    kStaticTextKind, kUserPaneKind, kPopUpButtonKind;
 
 Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds);
 inline WindowControls& OwnerOf(const Control* c) {
@@ -139,7 +148,13 @@ bool IsControlUnder(const Control* c, Point at);
 OSStatus HandlePress(HandlerCall* call, Event* event, void* user_data);
 void ForgetTracking(const Control* c);
 
+// --- pop_up_button.cc
+// Shows a menu below a rectangle of the window's content with this item selected, and waits: the
+// item that was chosen, or 0. The loop sets it at the start.
+extern int (*select_below)(MenuRef menu, WindowRef w, const Rect& anchor, int item);
+
 // --- focus.cc and keys.cc
+constexpr int kWholeControl = 1;  // the part of a control that has no others
 bool CanTakeKeys(const Control* c, uint8_t how);
 // It is hidden, inactive or at its end.
 void LoseFocus(Control* c);

@@ -10,7 +10,9 @@ namespace platform {
 namespace {
 
 void ReleaseRecord(void* record) {
-  delete static_cast<Control*>(record);
+  auto* c = static_cast<Control*>(record);
+  if (c->kind->end) c->kind->end(c);
+  delete c;
 }
 
 void Describe(const void* record, Description* out) {
@@ -44,6 +46,8 @@ void Unlink(Control* c) {
   if (all.ok == c) all.ok = nullptr;
   if (all.cancel == c) all.cancel = nullptr;
   if (all.tab_from == c) all.tab_from = c->previous;
+  SetControlOpener(c, nullptr);
+  if (c->opens_for) SetControlOpener(c->opens_for, nullptr);
 }
 
 OSStatus EndOfWindow(HandlerCall*, Event* event, void*) {
@@ -112,6 +116,8 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   (all.last ? all.last->next : all.first) = c;
   all.last = c;
   c->role = kind.role;
+  c->minimum = kind.minimum;
+  c->maximum = kind.maximum;
   EnterObject(&c->object);
   EnterBands(c);
   NoticeChange(all.window->object.serial, Change::kChildren);
@@ -223,7 +229,7 @@ void PressControl(ControlRef c) {
 
 void SetControl32BitValue(ControlRef c, int32_t value) {
   if (!IsValidControl(c)) return;
-  value = std::clamp(value, c->kind->minimum, c->kind->maximum);
+  value = std::clamp(value, c->minimum, c->maximum);
   if (c->value == value) return;
   c->value = value;
   NoticeChange(c->object.serial, Change::kValue);
@@ -231,6 +237,9 @@ void SetControl32BitValue(ControlRef c, int32_t value) {
 }
 int32_t GetControl32BitValue(ControlRef c) {
   return IsValidControl(c) ? c->value : 0;
+}
+int32_t GetControl32BitMaximum(ControlRef c) {
+  return IsValidControl(c) ? c->maximum : 0;
 }
 
 void SetControlKeys(ControlRef c, uint8_t keys) {
@@ -283,6 +292,15 @@ bool IsControlHilited(ControlRef c) {
 
 bool IsControlLetterShown(ControlRef c) {
   return IsValidControl(c) && c->underlined;
+}
+
+void SetControlOpener(ControlRef c, ControlRef opener) {
+  if (!IsValidControl(c)) return;
+  if (c->opener) c->opener->opens_for = nullptr;
+  c->opener = IsValidControl(opener) && &OwnerOf(opener) == &OwnerOf(c) ? opener : nullptr;
+  if (!c->opener) return;
+  if (opener->opens_for) opener->opens_for->opener = nullptr;
+  opener->opens_for = c;
 }
 
 void HoldControl(ControlRef c, bool held) {
