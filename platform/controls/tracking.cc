@@ -35,6 +35,7 @@ void Release(const Event& e) {
   Control* c = held.control;
   EndTracking();
   if (!c) return;
+  if (!e.window && c->kind->lost) return c->kind->lost(c);
   const bool inside = e.window && Inside(c, InContent(c, e.mouse.where));
   if (c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
 }
@@ -73,7 +74,9 @@ void Press(Control* c, const Event& e) {
   const Point at = InContent(c, e.mouse.where);
   DispatchScope scope;  // the record stays
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
-  if (!IsValidControl(c) || !c->active || !c->kind->press) return;
+  auto usable = [c] { return IsValidControl(c) && c->active; };
+  if (usable() && c->kind->focus_by_press) SetKeyboardFocus(OwnerOf(c).window, c, kWholeControl);
+  if (!usable() || !c->kind->press) return;
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
   StartTracking(&held.tracker);
@@ -103,7 +106,11 @@ void PressByKey(Control* c) {
   if ((c->keys & kKeysClick) &&
       SendControlEvent(c, kEventControlClick, 0, true) != eventNotHandledErr)
     return;
-  if (IsValidControl(c)) HitControl(c, true);
+  if (!IsValidControl(c)) return;
+  if (c->kind->open)
+    c->kind->open(c, true);
+  else
+    HitControl(c, true);
 }
 
 bool IsControlUnder(const Control* c, Point at) {

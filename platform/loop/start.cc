@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "platform/access/access.h"
-#include "platform/controls/controls.h"
+#include "platform/controls/control.h"
 #include "platform/desktop/application.h"
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/signals.h"
@@ -23,6 +23,7 @@
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
+#include "platform/loop/tracking.h"
 #include "platform/menus/menus.h"
 #include "platform/theme/theme.h"
 #include "platform/windows/internal.h"
@@ -73,6 +74,7 @@ bool InitPlatform(const char* name) {
   InitDispatch();
   InitMenus();
   InitControls();
+  select_below = PopUpMenuSelectBelow;
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
