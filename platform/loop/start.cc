@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "platform/access/access.h"
+#include "platform/clipboard/clipboard.h"
 #include "platform/controls/controls.h"
 #include "platform/desktop/application.h"
 #include "platform/desktop/session_end.h"
@@ -71,6 +72,7 @@ bool InitPlatform(const char* name) {
     return false;
   }
   InitDispatch();
+  InitClipboard();
   InitMenus();
   InitControls();
   InitSignals();
@@ -91,6 +93,9 @@ void FinishPlatform() {
   FinishMenus();
   FinishInput();
   FinishApplication();
+  // The windows have gone: nobody looks at what is waited for.
+  KeepText();
+  FinishClipboard();
   FinishSessionEnd();
   FinishSignals();
   FlushEventQueue(GetMainEventQueue(), nullptr);
