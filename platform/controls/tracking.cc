@@ -1,4 +1,6 @@
 // A press of the primary button on a control, until it is let go.
+#include <utility>
+
 #include "platform/controls/control.h"
 #include "platform/events/trackers.h"
 #include "platform/windows/windows.h"
@@ -30,16 +32,21 @@ void EndTracking() {
   held.control = nullptr;
 }
 
+void LetGo(Control* c, bool inside) {
+  if (c && c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+}
+
 // A release that names no window comes of a grab that was taken away.
 void Release(const Event& e) {
   Control* c = held.control;
   EndTracking();
-  if (!c) return;
-  const bool inside = e.window && Inside(c, InContent(c, e.mouse.where));
-  if (c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+  LetGo(c, c && e.window && Inside(c, InContent(c, e.mouse.where)));
 }
 
 Tracking Ask(void*, Event* event) {
+  // The pointer is another's while the button is down: where it comes up does not count.
+  if (event->cls == kEventClassSystem && event->kind == kEventSystemPointerLost)
+    LetGo(std::exchange(held.control, nullptr), false);
   if (event->cls != kEventClassMouse) return Tracking::kPass;
   switch (event->kind) {
     case kEventMouseUp:

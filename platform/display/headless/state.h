@@ -71,8 +71,9 @@ inline NativeWindow* Native(const Window* w) {
 void GiveFocus(const Window* w);
 // The scale of a window with this corner (device pixels) and logical size.
 double ScaleAt(const Window& w, Point corner, int width, int height);
-// The grab that was asked for begins if it can; it ends by itself. Both report what is lost.
+// The grab that was asked for begins if it can; a refusal is reported.
 void TryGrab();
-void LoseGrab();
+// The window leaves the screen: a grab of it, and a press in it, end, which is reported.
+void LosePointer(const Window* w);
 
 }  // namespace platform::headless
