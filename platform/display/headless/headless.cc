@@ -179,8 +179,7 @@ void Map(const Window* w, bool shown) {
   State& s = Headless();
   Native(w)->mapped = shown;
   std::erase(s.stack, w);
-  if (!shown && s.pressed_in == w) s.pressed_in = nullptr;
-  if (!shown && s.grab.window == w) LoseGrab();
+  if (!shown) LosePointer(w);
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
     if (!(w->state & kStateDocked) && !w->parent) GiveFocus(w);

@@ -89,8 +89,9 @@ void AskOtherForText(Selection which, int request, double seconds);
 void KeepOwnText();
 // The text of an answer that is handed out; null: none.
 std::string* TakeArrived(int request);
-// The grab that was asked for begins if it can; it ends by itself. Both report what is lost.
+// The grab that was asked for begins if it can; a refusal is reported.
 void TryGrab();
-void LoseGrab();
+// The window leaves the screen: a grab of it, and a press in it, end, which is reported.
+void LosePointer(const Window* w);
 
 }  // namespace platform::headless
