@@ -56,6 +56,7 @@ struct State {
     bool held = false;
   } grab;
   bool taken = false;  // another program has the pointer
+  DeviceRect frames;   // of new windows
   bool stepped = false;
   double now = 0;
   bool (*idle)() = nullptr;
