@@ -281,6 +281,7 @@ struct XwWindow {
   XwWindow* linked_by;   /* the record whose `linked` this is */
   uint64_t serial;       /* never given twice, though a record may take a place used before */
   void (*scroll_handler)(float dx, float dy);
+  void (*activation_handler)(int active);
   void* pane;            /* sub-windows: the platform's part of the window, once it has controls */
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
@@ -354,6 +355,18 @@ void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
  * wheel turns the vertical scroll bar, where exactly one shows. */
 typedef void (*XwScrollHandler)(float dx, float dy);
 void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
+
+/* A top-level window becomes active (1: the desktop gives it the keyboard) or stops being so (0).
+ * Called in the order of the events; a program shows there that keys do not reach its selection.
+ * Null takes it away. Ignored for other windows. */
+typedef void (*XwActivationHandler)(int active);
+void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
+
+/* The program's icon, which the desktop shows beside its windows and their names: size x size
+ * pixels, rows from the top, 0xAARRGGBB, colours not multiplied by alpha. One for each size (16,
+ * 32, 48 and 128 are common), copied; null takes that size away. Sizes outside 1 to 256 are
+ * ignored. */
+void XwSetProgramIcon(const uint32_t* argb, int size);
 
 /* ==== Controls ==================================================================================
  *

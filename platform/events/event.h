@@ -38,6 +38,7 @@ enum : uint32_t {
   kEventWindowClose = 72,
   kEventWindowZoom = 75,
   kEventWindowFocusAcquired = 200,    // the desktop itself has moved the input focus to the window
+  kEventWindowActivity = 201,         // the toolkit's: it has become active or inactive
   kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
   kEventWindowCreated = 2000,         // sent to the application
   kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27

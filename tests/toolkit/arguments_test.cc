@@ -122,6 +122,15 @@ XwScrollHandler Hostile() {
   return nullptr;
 }
 template <>
+XwActivationHandler Hostile() {
+  return nullptr;
+}
+template <>
+const uint32_t* Hostile() {  // the largest icon
+  static const std::vector<uint32_t> pixels(256 * 256, 0x80FFFFFF);
+  return rng() % 3 ? pixels.data() : nullptr;
+}
+template <>
 XwIcon* Hostile() {
   static const uint8_t bits[8] = {};
   static XwIcon odd[] = {{0, 5, nullptr, bits},
@@ -399,6 +408,8 @@ const struct {
     CALL(XwDescribeControl),
     CALL(XwSetGround),
     CALL(XwSetScrollHandler),
+    CALL(XwSetActivationHandler),
+    CALL(XwSetProgramIcon),
     CALL(XwBoxList),
     CALL(XwSet),
     CALL(XwPush),

@@ -129,7 +129,7 @@ int Screens(Screen* out, int max) {
   return count;
 }
 
-void* CreateNative(const Window* w) {
+void* CreateNative(const Window* w, DeviceRect* frame) {
   auto* n = new NativeWindow;
   n->cursor = w->cursor;
   n->scale = w->surface.scale;
@@ -137,6 +137,7 @@ void* CreateNative(const Window* w) {
   State& s = Headless();
   s.unseen = true;
   s.windows.push_back(w);
+  if (w->parent == nullptr) *frame = s.frames;
   ++s.counts.windows;
   return n;
 }

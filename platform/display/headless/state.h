@@ -68,6 +68,7 @@ struct State {
   std::string taken_text;              // the one handed out last
   bool selections_kept = false;        // the other program lets nobody else offer
   SharedText kept;                     // the desktop's copy; it outlives the display
+  DeviceRect frames;                   // of new windows
   bool stepped = false;
   double now = 0;
   bool (*idle)() = nullptr;
