@@ -1,5 +1,6 @@
 #include "toolkit/events/menu_bar.h"
 
+#include "platform/controls/edit_text.h"
 #include "platform/input/translate.h"
 #include "platform/loop/tracking.h"
 #include "toolkit/core/alive.h"
@@ -43,9 +44,11 @@ void OpenRequestedMenu() {
 
 OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
   if (event->key.ignored || !IsLive(W_MenuBar) || ModalKeepsOut(W_Start)) return eventNotHandledErr;
+  if (FocusTakesKey(event->window, *event)) return eventNotHandledErr;
   const int type = Inp.type;
   const uint32_t modifiers = ModifierBits(event->key.modifiers);
   if (MenuKeyHit hit = FindMenuKey(type, modifiers); hit.record) {
+    event->key.ignored = true;  // it has done its work
     Event opening(kEventClassMenu, kEventMenuOpening);
     SendEventToEventTarget(&opening, GetMenuEventTarget(hit.menu));
     // The program may have changed the menu.
