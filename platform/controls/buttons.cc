@@ -13,8 +13,6 @@ void SetInside(Control* c, bool inside) {
   Draw1Control(c);
 }
 
-constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
-
 }  // namespace
 
 void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind kind,

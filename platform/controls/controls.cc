@@ -31,7 +31,10 @@ void Describe(const void* record, Description* out) {
   is(all.focus == c, kIsFocused);
   is(IsControlHilited(control), kIsPressed);
   is(all.ok == c, kIsDefault);
-  if (c->active && c->kind->key) out->actions |= kActionPress;
+  if (c->active && c->kind->step)
+    out->actions |= kActionIncrease | kActionDecrease;
+  else if (c->active && c->kind->key)
+    out->actions |= kActionPress;
   if (CanTakeKeys(c, kKeysByTab | kKeysByRequest)) out->actions |= kActionFocus;
   if (c->kind->describe) c->kind->describe(c, out);
 }
@@ -46,6 +49,7 @@ void Unlink(Control* c) {
   if (all.ok == c) all.ok = nullptr;
   if (all.cancel == c) all.cancel = nullptr;
   if (all.tab_from == c) all.tab_from = c->previous;
+  if (c->whole) c->whole->part = nullptr;
   SetControlOpener(c, nullptr);
   if (c->opens_for) SetControlOpener(c->opens_for, nullptr);
 }
@@ -69,6 +73,7 @@ OSStatus EndOfWindow(HandlerCall*, Event* event, void*) {
 // What the platform does by itself in a window comes behind all other handlers.
 OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
   constexpr EventKind kPress[] = {{kEventClassMouse, kEventMouseDown}};
+  constexpr EventKind kWheel[] = {{kEventClassMouse, kEventMouseWheelMoved}};
   constexpr EventKind kKeys[] = {{kEventClassKeyboard, kEventRawKeyDown},
                                  {kEventClassKeyboard, kEventRawKeyRepeat},
                                  {kEventClassKeyboard, kEventRawKeyModifiersChanged}};
@@ -77,6 +82,7 @@ OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
   constexpr EventKind kEnd[] = {{kEventClassWindow, kEventWindowEnding}};
   EventTargetRef target = GetWindowEventTarget(event->window);
   InstallEventHandler(target, HandlePress, kPress, 1, nullptr);
+  InstallEventHandler(target, HandleWheel, kWheel, 1, nullptr);
   InstallEventHandler(target, HandleKey, kKeys, 3, nullptr);
   InstallEventHandler(target, HandleActivation, kActivation, 2, nullptr);
   InstallEventHandler(target, EndOfWindow, kEnd, 1, nullptr);
@@ -111,6 +117,7 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   c->kind = &kind;
   c->pane = pane;
   c->bounds = c->area = bounds;
+  c->horizontal = bounds.width() > bounds.height();
   WindowControls& all = *pane->owner;
   c->previous = all.last;
   (all.last ? all.last->next : all.first) = c;
@@ -127,6 +134,7 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
 void DisposeControl(ControlRef c) {
   if (!IsValidControl(c)) return;
   LoseFocus(c);
+  DisposeControl(c->part);
   if (IsControlVisible(c)) Uncover(c, ControlArea(c));
   ForgetTracking(c);
   Unlink(c);
@@ -173,7 +181,11 @@ void Replace(Control* c, Function place) {
 
 void SetControlBounds(ControlRef c, const Rect& bounds) {
   if (!IsValidControl(c) || c->bounds == bounds) return;
-  Replace(c, [&] { c->bounds = c->area = bounds; });
+  Replace(c, [&] {
+    c->bounds = c->area = bounds;
+    c->horizontal = bounds.width() > bounds.height();
+    if (c->kind->placed) c->kind->placed(c);
+  });
   NoticeChange(c->object.serial, Change::kBounds);
 }
 
@@ -224,7 +236,20 @@ bool DescribeControl(ControlRef c, uint64_t* serial, Description* out) {
   return true;
 }
 void PressControl(ControlRef c) {
-  if (IsValidControl(c) && c->active && c->kind->key) PressByKey(c);
+  if (IsValidControl(c) && c->active && c->kind->key && !c->kind->step) PressByKey(c);
+}
+void StepControl(ControlRef c, bool up) {
+  if (!IsValidControl(c) || !c->active || !c->kind->step) return;
+  DispatchScope scope;
+  c->kind->step(c, up);
+}
+bool ControlTakesWheel(ControlRef c) {
+  return IsValidControl(c) && c->kind->wheel;
+}
+void AttachControl(ControlRef whole, ControlRef part) {
+  if (!IsValidControl(whole) || !IsValidControl(part)) return;
+  whole->part = part;
+  part->whole = whole;
 }
 
 void SetControl32BitValue(ControlRef c, int32_t value) {
@@ -233,7 +258,22 @@ void SetControl32BitValue(ControlRef c, int32_t value) {
   if (c->value == value) return;
   c->value = value;
   NoticeChange(c->object.serial, Change::kValue);
-  Draw1Control(c);
+  RedrawWithRing(c);
+}
+void SetControlRange(ControlRef c, int32_t minimum, int32_t maximum) {
+  if (!IsValidControl(c)) return;
+  maximum = std::max(minimum, maximum);
+  if (c->minimum == minimum && c->maximum == maximum) return;
+  c->minimum = minimum;
+  c->maximum = maximum;
+  c->value = std::clamp(c->value, minimum, maximum);
+  NoticeChange(c->object.serial, Change::kValue);
+  RedrawWithRing(c);
+}
+void SetControlViewSize(ControlRef c, int32_t view) {
+  if (!IsValidControl(c) || c->view == view) return;
+  c->view = view;
+  RedrawWithRing(c);
 }
 int32_t GetControl32BitValue(ControlRef c) {
   return IsValidControl(c) ? c->value : 0;
@@ -251,6 +291,7 @@ void ActivateControl(ControlRef c) {
   c->active = true;
   NoticeChange(c->object.serial, Change::kState);
   Draw1Control(c);
+  ActivateControl(c->part);
 }
 
 void DeactivateControl(ControlRef c) {
@@ -259,7 +300,9 @@ void DeactivateControl(ControlRef c) {
   NoticeChange(c->object.serial, Change::kState);
   c->inside = false;
   LoseFocus(c);
-  if (IsValidControl(c)) Draw1Control(c);
+  if (!IsValidControl(c)) return;
+  Draw1Control(c);
+  DeactivateControl(c->part);
 }
 
 bool IsControlActive(ControlRef c) {
@@ -271,12 +314,14 @@ void ShowControl(ControlRef c) {
   c->shown = true;
   NoticeChange(c->object.serial, Change::kState);
   Draw1Control(c);
+  ShowControl(c->part);
 }
 
 void HideControl(ControlRef c) {
   if (!IsValidControl(c) || !c->shown) return;
   LoseFocus(c);
   if (!IsValidControl(c)) return;
+  HideControl(c->part);
   const bool visible = IsControlVisible(c);
   c->shown = c->inside = false;
   NoticeChange(c->object.serial, Change::kState);

@@ -90,9 +90,13 @@ OSStatus SendControlEvent(Control* c, uint32_t kind, int part, bool by_key) {
   return SendEventToEventTarget(&e, &c->object.target);
 }
 
-void HitControl(Control* c, bool by_key) {
+void HitControl(Control* c, bool by_key, int part) {
   if (c->kind->act) c->kind->act(c);
-  SendControlEvent(c, kEventControlHit, 0, by_key);
+  SendControlEvent(c, kEventControlHit, part, by_key);
+}
+
+bool IsControlHeld(const Control* c) {
+  return c && held.control == c;
 }
 
 void PressByKey(Control* c) {
@@ -119,6 +123,30 @@ OSStatus HandlePress(HandlerCall*, Event* event, void*) {
       {event->mouse.where.x - content.left, event->mouse.where.y - content.top}, w);
   if (!c) return eventNotHandledErr;
   Press(c, *event);
+  return noErr;
+}
+
+// The one that the wheel turns where nothing under the pointer takes it: null unless it is the only
+// one that shows.
+static Control* OnlyVerticalBar(const WindowControls& all) {
+  Control* only = nullptr;
+  for (Control* c = all.first; c; c = c->next) {
+    if (c->kind != &kScrollBarKind || c->horizontal || c->whole || !IsControlVisible(c)) continue;
+    if (only) return nullptr;
+    only = c;
+  }
+  return only;
+}
+
+OSStatus HandleWheel(HandlerCall*, Event* event, void*) {
+  WindowControls* all = ControlsOf(event->window);
+  if (!all || FindWindow(event->mouse.where, event->window) != inContent) return eventNotHandledErr;
+  const Rect content = GetWindowBounds(event->window, kWindowContentRgn);
+  Control* c = FindControlUnderMouse(
+      {event->mouse.where.x - content.left, event->mouse.where.y - content.top}, event->window);
+  if (!ControlTakesWheel(c)) c = OnlyVerticalBar(*all);
+  if (!c) return eventNotHandledErr;
+  if (c->active) c->kind->wheel(c, event->mouse.dx, event->mouse.dy);
   return noErr;
 }
 

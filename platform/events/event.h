@@ -72,6 +72,9 @@ enum : uint32_t {
   rightControlKey = 0x8000,
 };
 
+// Logical pixels of one notch of a wheel.
+constexpr float kWheelNotch = 48;
+
 struct TabletPoint {
   uint16_t buttons;   // bit 0 tip, 1 and 2 the side buttons
   uint16_t pressure;  // 0..65535
@@ -112,7 +115,7 @@ struct RequestFields {
 
 struct ControlFields {
   ControlRef control;
-  int part;     // of the focus, else 0
+  int part;     // of the focus; of a hit, where the control has parts; else 0
   bool by_key;  // the keyboard has pressed it
 };
 
