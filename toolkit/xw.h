@@ -429,8 +429,8 @@ void XwSetScrollRange(XwWindow* bar, int32_t minimum, int32_t maximum, int32_t l
 
 /* One control of a list that ends with type 0. */
 typedef struct XwDialogItem {
-  uint8_t type;      /* 1 button, 2 check box, 5 label, 6 slider, 7 scroll bar, 8 colour well; others
-                        are skipped */
+  uint8_t type;      /* 1 button, 2 check box, 5 label, 6 slider, 7 scroll bar, 8 colour well;
+                        others are skipped */
   const char* text;  /* null: "" */
   int16_t id;
   int16_t x, y;      /* negative: from the parent's right and lower edge */

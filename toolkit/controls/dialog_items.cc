@@ -5,7 +5,15 @@
 
 namespace {
 
-enum : uint8_t { kEnd = 0, kButton = 1, kCheckBox = 2, kLabel = 5, kSlider = 6, kScrollBar = 7, kColor = 8 };
+enum : uint8_t {
+  kEnd = 0,
+  kButton = 1,
+  kCheckBox = 2,
+  kLabel = 5,
+  kSlider = 6,
+  kScrollBar = 7,
+  kColor = 8
+};
 
 }  // namespace
 
