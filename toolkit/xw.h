@@ -348,9 +348,10 @@ char* XwGetText(XwWindow* window, char* dst);
  * code: 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
 
-/* The wheel over the window's own content: dx, dy in logical pixels, positive right and down; the
- * pointer fields of Inp are set. Null takes it away. A wait that keeps the window out, and one that
- * dispatches nothing, let its wheel turn nothing. */
+/* The wheel over the window's own content: dx, dy in logical pixels, positive right and down, 48
+ * a notch; the pointer fields of Inp are set. Null takes it away. A wait that keeps the window out,
+ * and one that dispatches nothing, let its wheel turn nothing. In a window without a handler the
+ * wheel turns the vertical scroll bar, where exactly one shows. */
 typedef void (*XwScrollHandler)(float dx, float dy);
 void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
 
@@ -378,7 +379,8 @@ enum {
   XWC_DOTS = 0x40000,       /* its text gets " ..." appended */
   XWC_COLON = 0x80000,      /* its text gets ":" appended, behind the dots */
   XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken.
-                               Combo box: two items open a menu as well */
+                               Combo box: two items open a menu as well. Scroll bar: reports
+                               when it is let go, and not before */
   XWC_ICON = 0x200000,      /* button, label: the text argument is an XwIcon*. Well: a bevel */
   XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */
   XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
@@ -423,10 +425,34 @@ void XwUpdateListBox(XwWindow* list, const char* const* items);
 XwWindow* XwComboBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
                      int h, uint32_t style, int32_t value);
 
+/* A slider takes `minimum` to `maximum`. With w > h it lies, else it stands and its maximum is at
+ * the top. A press on its track moves the knob there. Left and Down, Right and Up and each notch of
+ * the wheel change it by 1, the page keys by a tenth of its range, Home and End go to its ends.
+ *
+ * While it moves, its parent's handler is called at once with 792 for each change; 791 follows when
+ * it is let go, and after each key and each turn of the wheel. Both carry its id as item and the
+ * value. A minimum other than 0 lowers what the user can reach: it is maximum - minimum + 1 at most
+ * (of a scroll bar, less its page). */
+XwWindow* XwSlider(XwWindow* parent, int32_t id, int x, int y, int w, int h, uint32_t style,
+                   int32_t minimum, int32_t maximum, int32_t value);
+/* All three, without a report. */
+void XwSetSliderRange(XwWindow* slider, int32_t minimum, int32_t maximum, int32_t value);
+/* A scroll bar over a document that reaches from `minimum` to `maximum` and of which `page` shows
+ * from its value on, so that the greatest value is maximum + 1 - page; with w > h it lies. Arrow
+ * keys change it by `line`, the wheel by three lines a notch, page keys and a press beside the
+ * thumb by `page`, for as long as it is held; they count from the value reported last (or set with
+ * the bar's range). It reports as a slider does. With XWC_VARIANT there is no 792, and a press
+ * beside the thumb counts once, when it is let go. Tab does not reach it; XwFocusControl does. One
+ * with nothing to scroll shows no thumb and takes no input. */
+XwWindow* XwScrollBar(XwWindow* parent, int32_t id, int x, int y, int w, int h, uint32_t style,
+                      int32_t minimum, int32_t maximum, int32_t line, int32_t page, int32_t value);
+void XwSetScrollRange(XwWindow* bar, int32_t minimum, int32_t maximum, int32_t line, int32_t page,
+                      int32_t value);
+
 /* One control of a list that ends with type 0. */
 typedef struct XwDialogItem {
-  uint8_t type;      /* 1 button, 2 check box, 4 combo box, 5 label, 8 colour well, 9 list; others
-                        are skipped */
+  uint8_t type;      /* 1 button, 2 check box, 4 combo box, 5 label, 6 slider, 7 scroll bar,
+                        8 colour well, 9 list; others are skipped */
   const char* text;  /* null: "". 4 and 9: the array of texts */
   int16_t id;
   int16_t x, y;      /* negative: from the parent's right and lower edge */

@@ -53,7 +53,7 @@ struct KindRow {
   // It has another place or size: what it is made of follows, before it is drawn.
   void (*placed)(Control* c) = nullptr;
   bool front_looks = false;  // in the front window it looks different
-  // Opens what it chooses from, where a press does that; a choice sends the hit.
+  // A press opens what it chooses from and waits; a choice sends the hit. In place of `press`.
   void (*open)(Control* c, bool by_key) = nullptr;
   // The pointer was taken away from it while it was held.
   void (*lost)(Control* c) = nullptr;

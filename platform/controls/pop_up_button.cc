@@ -55,11 +55,6 @@ void Open(Control* c, bool by_key) {
   HitControl(c, by_key);
 }
 
-bool Press(Control* c, Point) {
-  Open(c, false);
-  return false;  // the menu has tracked the pointer
-}
-
 bool Key(Control* c, const Event& e) {
   const uint8_t key = e.key.character;
   if ((key != kSpaceKey && key != kDownKey) || e.key.modifiers & kShortcut) return false;
@@ -79,7 +74,7 @@ void Describe(const Control* c, Description* out) {
 int (*select_below)(MenuRef menu, WindowRef w, const Rect& anchor, int item) = nullptr;
 
 const KindRow kPopUpButtonKind = {.draw = Draw,
-                                  .press = Press,
+                                  .press = nullptr,
                                   .drag = nullptr,
                                   .release = nullptr,
                                   .key = Key,

@@ -76,10 +76,13 @@ void Press(Control* c, const Event& e) {
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
   auto usable = [c] { return IsValidControl(c) && c->active; };
   if (usable() && c->kind->focus_by_press) SetKeyboardFocus(OwnerOf(c).window, c, kWholeControl);
-  if (!usable() || !c->kind->press || !c->kind->press(c, at)) return;
+  if (usable() && c->kind->open) return c->kind->open(c, false);
+  if (!usable() || !c->kind->press) return;
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
   StartTracking(&held.tracker);
+  // One that ends in what it calls is tracked all the same, until its release is over.
+  if (!c->kind->press(c, at) && held.control == c) EndTracking();
 }
 
 }  // namespace

@@ -219,7 +219,10 @@ void Controls() {
                  Hostile<XwValue>()),
         XwLabel(parent, text, Hostile<int32_t>(), x, y, w, h, style),
         XwCheckBox(parent, Hostile<const char*>(), 1, x, y, style, Hostile<int32_t>()),
-        XwColor(parent, Hostile<const char*>(), 1, x, y, w, h, style, Hostile<int32_t>())};
+        XwColor(parent, Hostile<const char*>(), 1, x, y, w, h, style, Hostile<int32_t>()),
+        XwSlider(parent, 1, x, y, w, h, style, Hostile<int32_t>(), Hostile<int32_t>(), x),
+        XwScrollBar(parent, 1, x, y, w, h, style, Hostile<int32_t>(), Hostile<int32_t>(),
+                    Hostile<int32_t>(), Hostile<int32_t>(), x)};
     for (XwWindow* c : made) {
       XwMove(c, Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>());
       XwShow(c, int(rng() % 2));
@@ -230,10 +233,15 @@ void Controls() {
       if (c) XwDescribeControl(c, Hostile<const char*>());
     }
     if (rng() % 8 == 0) stage::input::Click(int(rng() % 600), int(rng() % 400), 1 + int(rng() % 5));
-    if (rng() % 8 == 0) stage::input::KeyDown(Pick<uint32_t>({' ', 0xFF09, 0xFF0D, 0xFF1B}), ' ');
+    if (rng() % 8 == 0)
+      stage::input::KeyDown(
+          Pick<uint32_t>({' ', 0xFF09, 0xFF0D, 0xFF1B, 0xFF50, 0xFF52, 0xFF53, 0xFF55, 0xFF57}),
+          ' ');
+    if (rng() % 8 == 0) stage::input::Scroll(float(x), float(y));
     const XwDialogItem items[] = {
-        {Pick<uint8_t>({1, 2, 3, 5, 8, 200}), nullptr, 5, int16_t(x), int16_t(y), int16_t(w),
-         int16_t(h), style & ~uint32_t{XWC_MENU | XWC_ICON}, Hostile<XwValue>(), 0, 0, 0, 0},
+        {Pick<uint8_t>({1, 2, 3, 5, 6, 7, 8, 200}), nullptr, 5, int16_t(x), int16_t(y), int16_t(w),
+         int16_t(h), style & ~uint32_t{XWC_MENU | XWC_ICON}, Hostile<XwValue>(), Hostile<int32_t>(),
+         Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>()},
         {}};
     XwCreateDialogItems(parent, rng() % 5 ? items : nullptr, x, y);
     Repair();
@@ -364,6 +372,10 @@ const struct {
     {"XwListBox", Nothing},
     {"XwUpdateListBox", Nothing},
     {"XwComboBox", Nothing},
+    {"XwSlider", Nothing},
+    {"XwScrollBar", Nothing},
+    CALL(XwSetSliderRange),
+    CALL(XwSetScrollRange),
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},

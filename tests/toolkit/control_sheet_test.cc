@@ -13,7 +13,7 @@ namespace {
 using namespace stage;
 using testkit::Picture;
 
-constexpr int kWidth = 664, kHeight = 78, kLeft = 72, kGap = 14, kRow = 36;
+constexpr int kWidth = 664, kHeight = 124, kLeft = 72, kGap = 14, kRow = 36;
 constexpr uint32_t kOn = XWC_ENABLED | XWC_VISIBLE;
 
 int32_t no_menu[8];
@@ -28,6 +28,7 @@ class Sheet {
     name_ = XwLabel(window_, "", 0, 4, 12, kLeft - 4, 22, kOn | XWC_LEFT);
     MakeButtons();
     MakeMarks();
+    MakeSliders();
     XwShow(window_, 1);
     input::Focus(Native(window_));
     Settle();
@@ -80,6 +81,17 @@ class Sheet {
     for (uint32_t frame : {uint32_t{XWC_VARIANT}, uint32_t{XWC_ICON}, 0u})
       Put(XwColor(window_, "Hue", 1, x_, 6 + kRow, 40, 26, kOn | frame, 0x5A35D9));
     Put(XwLabel(window_, "Label", 1, x_, 8 + kRow, 56, 22, kOn | XWC_LEFT));
+  }
+  void MakeSliders() {
+    x_ = kLeft;
+    const int y = 6 + 2 * kRow;
+    for (int value : {0, 40, 100})
+      Put(XwSlider(window_, 1, x_, y + 10, 80, 22, kOn, 0, 100, value));
+    Put(XwSlider(window_, 1, x_, y, 22, 44, kOn, 0, 100, 40));
+    // A small part of the document, most of it, all of it.
+    for (int page : {10, 70, 100})
+      Put(XwScrollBar(window_, 1, x_, y + 12, 70, 15, kOn, 0, 99, 1, page, 20));
+    Put(XwScrollBar(window_, 1, x_, y, 15, 44, kOn, 0, 99, 1, 30, 20));
   }
 
   static int Device(int logical) { return int(std::lround(logical * atof(getenv("XW_SCALE")))); }

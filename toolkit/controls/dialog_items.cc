@@ -11,6 +11,8 @@ enum : uint8_t {
   kCheckBox = 2,
   kComboBox = 4,
   kLabel = 5,
+  kSlider = 6,
+  kScrollBar = 7,
   kColor = 8,
   kListBox = 9
 };
@@ -36,6 +38,14 @@ void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx
         break;
       case kLabel:
         XwLabel(parent, text, i->id, x, y, i->width, i->height, i->style);
+        break;
+      case kSlider:
+        XwSlider(parent, i->id, x, y, i->width, i->height, i->style, i->minimum, i->maximum,
+                 int32_t(i->value));
+        break;
+      case kScrollBar:
+        XwScrollBar(parent, i->id, x, y, i->width, i->height, i->style, i->minimum, i->maximum,
+                    i->line, i->page, int32_t(i->value));
         break;
       case kColor:
         XwColor(parent, text, i->id, x, y, i->width, i->height, i->style, int32_t(i->value));

@@ -137,12 +137,12 @@ XwWindow* FindControl(uint64_t serial) {
   return nullptr;
 }
 
-// What a press reports is sent, since no dispatch is under way that would deliver it.
+// What a press or a step reports is sent, since no dispatch is under way that would deliver it.
 template <typename Function>
-bool Press(Function press) {
+bool Operate(Function function) {
   const XwEvent before = Inp;
   Inp.type = 0;
-  const bool done = press();
+  const bool done = function();
   const XwEvent report = Inp;
   Inp = before;
   if (report.type) XwSendEvent(report.window, report.type, report.item, report.value, 0);
@@ -151,7 +151,7 @@ bool Press(Function press) {
 
 bool PressRow(uint64_t serial) {
   TargetScope scope;
-  return Press([serial] {
+  return Operate([serial] {
     for (XwWindow* w = W_Start; w; w = w->next)
       if (IsLive(w) && w->kind == XWK_LIST && PressListRow(NativeControl(w), serial)) return true;
     return false;
@@ -163,8 +163,14 @@ bool Act(uint64_t serial, uint32_t action) {
   if (!control) return action == kActionPress && PressRow(serial);
   if (!IsControlActive(NativeControl(control))) return false;
   TargetScope scope;
-  if (action == kActionPress)
-    Press([control] { return PressControl(NativeControl(control)), true; });
+  const ControlRef native = NativeControl(control);
+  uint64_t found;
+  Description d;
+  DescribeControl(native, &found, &d);
+  if (action & d.actions & kActionPress)
+    Operate([native] { return PressControl(native), true; });
+  else if (action & d.actions & (kActionIncrease | kActionDecrease))
+    Operate([&] { return StepControl(native, action == kActionIncrease), true; });
   else if (action == kActionFocus)
     SetKeyboardFocus(NativeWindow(control), NativeControl(control), 1);
   else
