@@ -197,6 +197,10 @@ void SetControlArea(ControlRef c, const Rect& area) {
   if (wanted != c->area) Replace(c, [&] { c->area = wanted; });
 }
 
+Rect GetControlArea(ControlRef c) {
+  return IsValidControl(c) ? ControlArea(c) : Rect();
+}
+
 static void SetText(Control* c, const char* utf8) {
   std::string text = ValidUtf8(utf8 ? utf8 : "");
   if (c->text == text) return;

@@ -82,7 +82,8 @@ void PlaceBar(Control* c) {
   const int most = LargestTop(c);
   const Rect& r = c->bounds;
   const int right = r.right - kSideInset;
-  SetControlBounds(c->part, {right - (most ? kScrollBar : 0), r.top + 1, right, r.bottom - 1});
+  SetControlBounds(
+      c->part, {right - (most ? kScrollBar : 0), r.top + kEndInset, right, r.bottom - kEndInset});
   SetControlViewSize(c->part, RowsInView(c));
   SetControlRange(c->part, 0, most);
   ScrollList(c, l.top);
