@@ -14,7 +14,7 @@ static XwWindow *window, *status;
 static const char* const printers[] = {"Proof printer", "Wide format", "", "Office", NULL};
 static const char* const profiles[] = {
     "ISO Coated v2", "PSO Uncoated", "Japan Color 2011", "GRACoL 2013",
-    "sRGB",          "Display P3",   "Adobe RGB (1998)", NULL};
+    "sRGB",          "Display P3",   "Newspaper 26v4",   NULL};
 
 #define ITEM(type, text, id, x, y, w, h, style, value) \
   { type, text, id, x, y, w, h, style, value, 0, 0, 0, 0 }
