@@ -281,6 +281,7 @@ struct XwWindow {
   XwWindow* linked_by;   /* the record whose `linked` this is */
   uint64_t serial;       /* never given twice, though a record may take a place used before */
   void (*scroll_handler)(float dx, float dy);
+  void (*activation_handler)(int active);
   void* pane;            /* sub-windows: the platform's part of the window, once it has controls */
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
@@ -355,6 +356,18 @@ void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
 typedef void (*XwScrollHandler)(float dx, float dy);
 void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
 
+/* A top-level window becomes active (1: the desktop gives it the keyboard) or stops being so (0).
+ * Called in the order of the events; a program shows there that keys do not reach its selection.
+ * Null takes it away. Ignored for other windows. */
+typedef void (*XwActivationHandler)(int active);
+void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
+
+/* The program's icon, which the desktop shows beside its windows and their names: size x size
+ * pixels, rows from the top, 0xAARRGGBB, colours not multiplied by alpha. One for each size (16,
+ * 32, 48 and 128 are common), copied; null takes that size away. Sizes outside 1 to 256 are
+ * ignored. */
+void XwSetProgramIcon(const uint32_t* argb, int size);
+
 /* ==== Controls ==================================================================================
  *
  * A control is a record in a top-level window or a sub-window, of an XWK_ kind. It draws itself,
@@ -379,8 +392,8 @@ enum {
   XWC_DOTS = 0x40000,       /* its text gets " ..." appended */
   XWC_COLON = 0x80000,      /* its text gets ":" appended, behind the dots */
   XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken.
-                               Combo box: two items open a menu as well. Scroll bar: reports
-                               when it is let go, and not before */
+                               Scroll bar: reports when it is let go, and not before.
+                               Combo box: two items open a menu as well */
   XWC_ICON = 0x200000,      /* button, label: the text argument is an XwIcon*. Well: a bevel */
   XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */
   XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
@@ -409,22 +422,6 @@ XwWindow* XwColor(XwWindow* parent, const char* text, int32_t id, int x, int y, 
 XwWindow* XwLabel(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
                   uint32_t style);
 
-/* One column of rows, one of which can be selected; `items` is an array of texts that ends with a
- * null pointer (null: empty), copied. A row that is chosen, by a click, at the end of a drag, by
- * the arrow and page keys, Home, End or its first letters, comes as the value of 783, also when it
- * was selected before by a click; a double click is two of them (XwDoubleClick). Its value is the
- * row that was chosen or set last, -1 for none. */
-XwWindow* XwListBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
-                    int h, uint32_t style);
-/* All rows become those; none is selected. */
-void XwUpdateListBox(XwWindow* list, const char* const* items);
-/* A choice among fixed items, counted from 0: a button that shows the chosen one and opens a menu
- * of all. An empty text is a separator, which counts. Two items take turns without a menu, unless
- * XWC_VARIANT. The button lies two pixels below its rectangle. 783 has the item as its value.
- * `value` -1: none is chosen. With XWC_EDITABLE the menu fills an edit box. */
-XwWindow* XwComboBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
-                     int h, uint32_t style, int32_t value);
-
 /* A slider takes `minimum` to `maximum`. With w > h it lies, else it stands and its maximum is at
  * the top. A press on its track moves the knob there. Left and Down, Right and Up and each notch of
  * the wheel change it by 1, the page keys by a tenth of its range, Home and End go to its ends.
@@ -448,6 +445,22 @@ XwWindow* XwScrollBar(XwWindow* parent, int32_t id, int x, int y, int w, int h, 
                       int32_t minimum, int32_t maximum, int32_t line, int32_t page, int32_t value);
 void XwSetScrollRange(XwWindow* bar, int32_t minimum, int32_t maximum, int32_t line, int32_t page,
                       int32_t value);
+
+/* One column of rows, one of which can be selected; `items` is an array of texts that ends with a
+ * null pointer (null: empty), copied. A row that is chosen, by a click, at the end of a drag, by
+ * the arrow and page keys, Home, End or its first letters, comes as the value of 783, also when it
+ * was selected before by a click; a double click is two of them (XwDoubleClick). Its value is the
+ * row that was chosen or set last, -1 for none. */
+XwWindow* XwListBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
+                    int h, uint32_t style);
+/* All rows become those; none is selected. */
+void XwUpdateListBox(XwWindow* list, const char* const* items);
+/* A choice among fixed items, counted from 0: a button that shows the chosen one and opens a menu
+ * of all. An empty text is a separator, which counts. Two items take turns without a menu, unless
+ * XWC_VARIANT. The button lies two pixels below its rectangle. 783 has the item as its value.
+ * `value` -1: none is chosen. With XWC_EDITABLE the menu fills an edit box. */
+XwWindow* XwComboBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
+                     int h, uint32_t style, int32_t value);
 
 /* One control of a list that ends with type 0. */
 typedef struct XwDialogItem {

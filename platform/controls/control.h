@@ -120,7 +120,7 @@ void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind ki
                         const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
-    kStaticTextKind, kUserPaneKind, kSliderKind, kScrollBarKind, kPopUpButtonKind;
+    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind;
 // Held with a key, they make it a command that no control takes.
 constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 

@@ -1,4 +1,6 @@
 // A press of the primary button on a control, until it is let go.
+#include <utility>
+
 #include "platform/controls/control.h"
 #include "platform/events/trackers.h"
 #include "platform/windows/windows.h"
@@ -30,17 +32,32 @@ void EndTracking() {
   held.control = nullptr;
 }
 
+void LetGo(Control* c, bool inside) {
+  if (c && c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+}
+
+// Where the button comes up does not count.
+void Lost(Control* c) {
+  if (c && c->kind->lost)
+    c->kind->lost(c);
+  else
+    LetGo(c, false);
+}
+
 // A release that names no window comes of a grab that was taken away.
 void Release(const Event& e) {
   Control* c = held.control;
   EndTracking();
-  if (!c) return;
-  if (!e.window && c->kind->lost) return c->kind->lost(c);
-  const bool inside = e.window && Inside(c, InContent(c, e.mouse.where));
-  if (c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+  if (c && !e.window)
+    Lost(c);
+  else
+    LetGo(c, c && Inside(c, InContent(c, e.mouse.where)));
 }
 
 Tracking Ask(void*, Event* event) {
+  // The pointer is another's while the button is down.
+  if (event->cls == kEventClassSystem && event->kind == kEventSystemPointerLost)
+    Lost(std::exchange(held.control, nullptr));
   if (event->cls != kEventClassMouse) return Tracking::kPass;
   switch (event->kind) {
     case kEventMouseUp:

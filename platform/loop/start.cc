@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "platform/access/access.h"
+#include "platform/clipboard/clipboard.h"
 #include "platform/controls/control.h"
 #include "platform/desktop/application.h"
 #include "platform/desktop/session_end.h"
@@ -72,6 +73,7 @@ bool InitPlatform(const char* name) {
     return false;
   }
   InitDispatch();
+  InitClipboard();
   InitMenus();
   InitControls();
   select_below = PopUpMenuSelectBelow;
@@ -93,6 +95,9 @@ void FinishPlatform() {
   FinishMenus();
   FinishInput();
   FinishApplication();
+  // The windows have gone: nobody looks at what is waited for.
+  KeepText();
+  FinishClipboard();
   FinishSessionEnd();
   FinishSignals();
   FlushEventQueue(GetMainEventQueue(), nullptr);

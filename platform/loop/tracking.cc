@@ -84,6 +84,40 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   return result;
 }
 
+namespace {
+
+struct TextWait {
+  TextArrived arrived;
+  void* data;
+  int request = 0;
+  bool done = false;
+};
+
+}  // namespace
+
+void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data) {
+  TextWait wait{arrived, data};
+  wait.request = AskText(
+      which, timeout_ms,
+      [](void* waiting, const std::string* text) {
+        auto* w = static_cast<TextWait*>(waiting);
+        w->done = true;
+        w->arrived(w->data, text);
+      },
+      &wait);
+  Tracker tracker;
+  tracker.data = &wait;
+  tracker.ask = [](void* waiting, Event* e) {
+    const auto* w = static_cast<const TextWait*>(waiting);
+    const bool own = e->cls == kEventClassClipboard && int(e->request.id) == w->request;
+    return own ? Tracking::kPass : Tracking::kLater;
+  };
+  WaitTracking(
+      &tracker, [](void* waiting) { return static_cast<const TextWait*>(waiting)->done; },
+      timeout_ms / 1000.0);
+  ForgetAsk(wait.request);
+}
+
 static MenuChoice WaitForChoice() {
   // Menus that are opened during the wait close this one: its tracker is theirs then, and they have
   // ended when the wait comes back here.

@@ -122,6 +122,15 @@ XwScrollHandler Hostile() {
   return nullptr;
 }
 template <>
+XwActivationHandler Hostile() {
+  return nullptr;
+}
+template <>
+const uint32_t* Hostile() {  // the largest icon
+  static const std::vector<uint32_t> pixels(256 * 256, 0x80FFFFFF);
+  return rng() % 3 ? pixels.data() : nullptr;
+}
+template <>
 XwIcon* Hostile() {
   static const uint8_t bits[8] = {};
   static XwIcon odd[] = {{0, 5, nullptr, bits},
@@ -369,13 +378,13 @@ const struct {
     {"XwButton", Controls},  // and all others that make controls
     {"XwCheckBox", Nothing},
     {"XwColor", Nothing},
-    {"XwListBox", Nothing},
-    {"XwUpdateListBox", Nothing},
-    {"XwComboBox", Nothing},
     {"XwSlider", Nothing},
     {"XwScrollBar", Nothing},
     CALL(XwSetSliderRange),
     CALL(XwSetScrollRange),
+    {"XwListBox", Nothing},
+    {"XwUpdateListBox", Nothing},
+    {"XwComboBox", Nothing},
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
@@ -399,6 +408,8 @@ const struct {
     CALL(XwDescribeControl),
     CALL(XwSetGround),
     CALL(XwSetScrollHandler),
+    CALL(XwSetActivationHandler),
+    CALL(XwSetProgramIcon),
     CALL(XwBoxList),
     CALL(XwSet),
     CALL(XwPush),

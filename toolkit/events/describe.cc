@@ -139,10 +139,10 @@ XwWindow* FindControl(uint64_t serial) {
 
 // What a press or a step reports is sent, since no dispatch is under way that would deliver it.
 template <typename Function>
-bool Operate(Function function) {
+bool Operate(Function operate) {
   const XwEvent before = Inp;
   Inp.type = 0;
-  const bool done = function();
+  const bool done = operate();
   const XwEvent report = Inp;
   Inp = before;
   if (report.type) XwSendEvent(report.window, report.type, report.item, report.value, 0);
@@ -163,14 +163,17 @@ bool Act(uint64_t serial, uint32_t action) {
   if (!control) return action == kActionPress && PressRow(serial);
   if (!IsControlActive(NativeControl(control))) return false;
   TargetScope scope;
-  const ControlRef native = NativeControl(control);
   uint64_t found;
   Description d;
-  DescribeControl(native, &found, &d);
-  if (action & d.actions & kActionPress)
-    Operate([native] { return PressControl(native), true; });
-  else if (action & d.actions & (kActionIncrease | kActionDecrease))
-    Operate([&] { return StepControl(native, action == kActionIncrease), true; });
+  DescribeControl(NativeControl(control), &found, &d);
+  if (action & d.actions & (kActionPress | kActionIncrease | kActionDecrease))
+    Operate([=] {
+      if (action == kActionPress)
+        PressControl(NativeControl(control));
+      else
+        StepControl(NativeControl(control), action == kActionIncrease);
+      return true;
+    });
   else if (action == kActionFocus)
     SetKeyboardFocus(NativeWindow(control), NativeControl(control), 1);
   else

@@ -176,6 +176,10 @@ void XwSetScrollHandler(XwWindow* w, XwScrollHandler handler) {
   if (CheckWindow(w)) w->scroll_handler = handler;
 }
 
+void XwSetActivationHandler(XwWindow* w, XwActivationHandler handler) {
+  if (CheckWindow(w) && IsTopLevel(w)) w->activation_handler = handler;
+}
+
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush) {
   static constexpr int16_t kCodes[] = {0, 15, 1, 7, 52};
   if (!CheckWindow(window)) return;
