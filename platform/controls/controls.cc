@@ -117,8 +117,6 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   c->kind = &kind;
   c->pane = pane;
   c->bounds = c->area = bounds;
-  c->minimum = kind.minimum;
-  c->maximum = kind.maximum;
   c->horizontal = bounds.width() > bounds.height();
   WindowControls& all = *pane->owner;
   c->previous = all.last;
@@ -201,6 +199,10 @@ void SetControlArea(ControlRef c, const Rect& area) {
     c->area = wanted;
     if (c->kind->placed) c->kind->placed(c);
   });
+}
+
+Rect GetControlArea(ControlRef c) {
+  return IsValidControl(c) ? ControlArea(c) : Rect();
 }
 
 static void SetText(Control* c, const char* utf8) {
