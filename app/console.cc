@@ -19,8 +19,8 @@ constexpr int kLastWaitMs = 50;
 Console* g_console;
 
 std::vector<Column> FileColumns() {
-  return {{"Name", 220, 1, Align::kLeft, true, 0, 12, 21},
-          {"Size", 110, 0, Align::kRight, true, 0, 12},
+  return {{"Name", 220, 1, Align::kLeft, true, 0, 12},
+          {"Size", 110, 0, Align::kRight, true, 0, 6},
           {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
 }
 
@@ -53,7 +53,21 @@ void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height);
   c->files.Place(c->layout.folder);
   c->queue.Place(c->layout.queue);
+  const Area s = c->layout.slider;
+  XwMove(c->priority, s.x, s.y, s.w, s.h);
   c->damage |= kAllPanes;
+}
+
+// The controls follow what the window shows: what lies over the tables hides theirs, a question
+// stops the slider, which has the keyboard at its stop.
+void UpdateControls(Console* c) {
+  c->files.Cover(c->list_open || c->asking);
+  c->queue.Cover(c->list_open || c->asking);
+  if (c->priority->enabled != !c->asking) XwEnable(c->priority, !c->asking);
+  const bool has = XwGetFocus(c->window) == c->priority;
+  const bool wants = HasKeyboard(c, FocusStop::kPriority) && !c->list_open;
+  if (wants && !has) XwFocusControl(c->priority);
+  if (has && !wants) XwSetFocus(c->window);
 }
 
 // The pane that a hit lies in.
@@ -130,11 +144,11 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
   Table& table = files ? c->files : c->queue;
   if (IsBorder(hit)) {
     if (twice) table.ResetColumns();
-    table.Press(hit, Inp.px, Inp.py);
+    table.Press(hit, Inp.px);
     return;
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  table.Press(hit, Inp.px, Inp.py);
+  table.Press(hit, Inp.px);
   if (!files) c->missing = {};
   c->damage |= PaneOf(hit);
   if (!files) return;
@@ -161,10 +175,6 @@ void Press(Console* c) {
   c->pressed = hit;
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
-  if (hit == Hit{kTools, kSlider, 0}) {
-    SetFocusStop(c, FocusStop::kPriority);
-    SlidePriority(c, Inp.px);
-  }
   if (hit == Hit{kTools, kPrinter, 0}) {
     SetFocusStop(c, FocusStop::kPrinter);
     OpenPrinterList(c);
@@ -217,9 +227,6 @@ void Use(Console* c, const Hit& hit) {
     case kTools:
       UseTool(c, hit.part);
       break;
-    case kFiles:
-      if (hit.part == Table::kHeader) SortBy(c, hit.index);
-      break;
     case kPlaces:
       EnterFolder(c, c->places[size_t(hit.index)].path, "");
       break;
@@ -257,8 +264,7 @@ void Release(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  if (c->pressed == Hit{kTools, kSlider, 0}) return SlidePriority(c, Inp.px);
-  const bool files = c->files.Drag(Inp.px, Inp.py), queue = c->queue.Drag(Inp.px, Inp.py);
+  const bool files = c->files.Drag(Inp.px), queue = c->queue.Drag(Inp.px);
   if (files) c->damage |= kFolderPane;
   if (queue) c->damage |= kQueuePane;
   if (files || queue) c->last_press = 0;  // what was dragged was not clicked
@@ -266,6 +272,17 @@ void Motion(Console* c) {
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
+}
+
+// What a control reports.
+void ControlMoved(Console* c, int id, int value) {
+  if (id == kPriorityControl) {
+    if (c->list_open) ClosePrinterList(c);
+    SetFocusStop(c, FocusStop::kPriority);
+    SlidePriority(c, value);
+  }
+  if (c->files.Scrolled(id, value)) c->damage |= kFolderPane;
+  if (c->queue.Scrolled(id, value)) c->damage |= kQueuePane;
 }
 
 void Scrolled(float, float dy) {
@@ -457,6 +474,13 @@ int Handle(int type) {
       else
         TakeUpFolder(c, 0);
       break;
+    case XWE_CONTROL:
+      if (const int column = c->files.HeadOf(Inp.item); column >= 0) SortBy(c, column);
+      break;
+    case XWE_SCROLLING:
+    case XWE_SCROLLED:
+      ControlMoved(c, Inp.item, int(Inp.value));
+      break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
       break;
@@ -507,6 +531,12 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   c->window = w;
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
+  XwSetTab(w, 0);
+  c->priority = XwSlider(w, kPriorityControl, 0, 0, 9, 1, XWC_ENABLED | XWC_VISIBLE, 1,
+                         kMostPriority, c->choice.priority);
+  XwDescribeControl(c->priority, "Priority");
+  c->files.MakeControls(w, kFilesControls, "Files");
+  c->queue.MakeControls(w, kQueueControls, "Queue");
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
   c->folder.Begin(start);
@@ -544,6 +574,7 @@ ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled) {
 
 void DrawConsole(Console* c) {
   if (!c->damage) return;
+  UpdateControls(c);
   unsigned damage = c->damage;
   if (c->asking) damage = kAllPanes;
   // What the list lies over is drawn again below it.

@@ -30,7 +30,9 @@ enum Owner {
 };
 
 // Parts of the tools.
-enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kSlider, kHold };
+enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kHold };
+// Ids of controls; those of a table's heads follow its own.
+enum ControlId { kPriorityControl = 1, kFilesControls = 100, kQueueControls = 200 };
 // Parts of the status line.
 enum StatusPart { kServer = 1, kStopSending };
 
@@ -64,6 +66,7 @@ struct QueueRow {
   bool operator==(const QueueRow&) const = default;
 };
 
+constexpr int kMostPriority = 100;
 // How the next file is printed.
 struct PrintChoice {
   std::string printer;  // its name, "" as long as none is chosen: the server's default
@@ -75,6 +78,7 @@ struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
+  XwWindow* priority = nullptr;  // the slider
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -178,8 +182,8 @@ void PrintSelected(Console* c);
 const NC_Printer* ChosenPrinter(const Console* c);
 void ChangeCopies(Console* c, int by);
 void ChangePriority(Console* c, int by);
-// To where the pointer is on the slider.
-void SlidePriority(Console* c, int px);
+// The slider has been moved.
+void SlidePriority(Console* c, int value);
 void OpenPrinterList(Console* c);
 void ClosePrinterList(Console* c);
 void ChoosePrinter(Console* c, int row);
