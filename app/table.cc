@@ -12,7 +12,7 @@ constexpr int kHeadReach = 6;
 // The text of a head is this far from its left side.
 constexpr int kHeadText = 5;
 // Room for the mark of the column that sorts, at its right.
-constexpr int kMark = 12;
+constexpr int kMark = 14;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 
 }  // namespace
@@ -362,7 +362,7 @@ void Table::DrawHead(int column) const {
   if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
   Area text = CellArea(column, head.y, head.h);
   if (!c.sorts) text.TakeLeft(c.indent);
-  if (!c.sorts) return DrawLabel(l.view, c.align, text, c.title, l.second);
+  if (!c.sorts) return DrawLabel(l.small_text, c.align, text, c.title, l.ink);
   if (!covered_) return;
   const bool right = c.align == Align::kRight;
   DrawLabel(l.small_text, c.align, column == sort_ && right ? text.Inset(kMark, 0) : text, c.title,

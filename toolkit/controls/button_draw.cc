@@ -18,7 +18,7 @@ using namespace platform;
 namespace {
 
 constexpr int kOpaque = 255, kPressedAlpha = 204, kGreyAlpha = 102;
-constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kArrowRight = 11, kSortMark = 12,
+constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kArrowRight = 11, kSortMark = 14,
               kWellInset = 3;
 constexpr int kDarkest = 128;  // of the luminances that take black text
 
