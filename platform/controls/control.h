@@ -53,6 +53,13 @@ struct KindRow {
   // It has another place or size: what it is made of follows, before it is drawn.
   void (*placed)(Control* c) = nullptr;
   bool front_looks = false;  // in the front window it looks different
+  // Opens what it chooses from, where a press does that; a choice sends the hit.
+  void (*open)(Control* c, bool by_key) = nullptr;
+  // The pointer was taken away from it while it was held.
+  void (*lost)(Control* c) = nullptr;
+  // Frees its `data`, with the record.
+  void (*end)(Control* c) = nullptr;
+  bool focus_by_press = false;  // the pointer gives it the keyboard
 };
 
 struct Control {
@@ -81,6 +88,8 @@ struct Control {
   std::string text;
   std::string described;  // what the program calls it for those who cannot see it
   void* reference = nullptr;
+  void* data = nullptr;                             // of its kind
+  Control *opener = nullptr, *opens_for = nullptr;  // which know each other
   PaneDraw draw = nullptr;
   PaneHitTest hit_test = nullptr;
   Control *next = nullptr, *previous = nullptr;  // in the order of creation
@@ -111,7 +120,7 @@ void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind ki
                         const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
-    kStaticTextKind, kUserPaneKind, kSliderKind, kScrollBarKind;
+    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind;
 // Held with a key, they make it a command that no control takes.
 constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 
@@ -176,8 +185,13 @@ bool MoveThumb(Control* c, int32_t value);
 // next turn of the same control.
 int TakeWheelSteps(const Control* c, float dx, float dy, float pixels);
 void DescribeThumb(const Control* c, Description* out);
+// --- pop_up_button.cc
+// Shows a menu below a rectangle of the window's content with this item selected, and waits: the
+// item that was chosen, or 0. The loop sets it at the start.
+extern int (*select_below)(MenuRef menu, WindowRef w, const Rect& anchor, int item);
 
 // --- focus.cc and keys.cc
+constexpr int kWholeControl = 1;  // the part of a control that has no others
 bool CanTakeKeys(const Control* c, uint8_t how);
 // It is hidden, inactive or at its end.
 void LoseFocus(Control* c);

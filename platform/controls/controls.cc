@@ -10,7 +10,9 @@ namespace platform {
 namespace {
 
 void ReleaseRecord(void* record) {
-  delete static_cast<Control*>(record);
+  auto* c = static_cast<Control*>(record);
+  if (c->kind->end) c->kind->end(c);
+  delete c;
 }
 
 void Describe(const void* record, Description* out) {
@@ -48,6 +50,8 @@ void Unlink(Control* c) {
   if (all.cancel == c) all.cancel = nullptr;
   if (all.tab_from == c) all.tab_from = c->previous;
   if (c->whole) c->whole->part = nullptr;
+  SetControlOpener(c, nullptr);
+  if (c->opens_for) SetControlOpener(c->opens_for, nullptr);
 }
 
 OSStatus EndOfWindow(HandlerCall*, Event* event, void*) {
@@ -121,6 +125,8 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   (all.last ? all.last->next : all.first) = c;
   all.last = c;
   c->role = kind.role;
+  c->minimum = kind.minimum;
+  c->maximum = kind.maximum;
   EnterObject(&c->object);
   EnterBands(c);
   NoticeChange(all.window->object.serial, Change::kChildren);
@@ -274,6 +280,9 @@ void SetControlViewSize(ControlRef c, int32_t view) {
 int32_t GetControl32BitValue(ControlRef c) {
   return IsValidControl(c) ? c->value : 0;
 }
+int32_t GetControl32BitMaximum(ControlRef c) {
+  return IsValidControl(c) ? c->maximum : 0;
+}
 
 void SetControlKeys(ControlRef c, uint8_t keys) {
   if (IsValidControl(c)) c->keys = keys;
@@ -330,6 +339,15 @@ bool IsControlHilited(ControlRef c) {
 
 bool IsControlLetterShown(ControlRef c) {
   return IsValidControl(c) && c->underlined;
+}
+
+void SetControlOpener(ControlRef c, ControlRef opener) {
+  if (!IsValidControl(c)) return;
+  if (c->opener) c->opener->opens_for = nullptr;
+  c->opener = IsValidControl(opener) && &OwnerOf(opener) == &OwnerOf(c) ? opener : nullptr;
+  if (!c->opener) return;
+  if (opener->opens_for) opener->opens_for->opener = nullptr;
+  opener->opens_for = c;
 }
 
 void HoldControl(ControlRef c, bool held) {

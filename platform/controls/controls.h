@@ -8,6 +8,7 @@
 
 #include "platform/events/targets.h"
 #include "platform/graphics/context.h"
+#include "platform/menus/menus.h"
 #include "platform/theme/text.h"
 
 namespace platform {
@@ -43,6 +44,12 @@ ControlRef CreateCheckBoxControl(PaneRef pane, const Rect& bounds, const char* t
 ControlRef CreateRadioButtonControl(PaneRef pane, const Rect& bounds, const char* title, int value);
 ControlRef CreateStaticTextControl(PaneRef pane, const Rect& bounds, TextJustification just,
                                    bool bold);
+// Shows the item that is its value, counted from 1 (0: none); a press, Down and Space open its
+// menu.
+ControlRef CreatePopUpButtonControl(PaneRef pane, const Rect& bounds, const char* title);
+// Its range becomes 0 to the number of items. The menu stays the caller's, and must not end before
+// it has got another or ended. Null: none; only an arrow shows then, and a press opens nothing.
+void SetPopUpButtonMenu(ControlRef c, MenuRef menu);
 // Drawn by `draw`, pressed where `hit_test` gives another part than 0.
 using PaneDraw = void (*)(ControlRef control);
 using PaneHitTest = int (*)(ControlRef control, Point where);
@@ -114,6 +121,7 @@ bool DescribeControl(ControlRef c, uint64_t* serial, Description* out);
 // button 0 to 2, static text and user pane 0; a bevel button takes any.
 void SetControl32BitValue(ControlRef c, int32_t value);
 int32_t GetControl32BitValue(ControlRef c);
+int32_t GetControl32BitMaximum(ControlRef c);
 
 // How it takes the keyboard; bits.
 enum ControlKeys : uint8_t {
@@ -137,6 +145,8 @@ bool IsControlVisible(ControlRef c);
 bool IsControlHilited(ControlRef c);
 // Whether the letter that presses it is underlined now, because Alt is held.
 bool IsControlLetterShown(ControlRef c);
+// Alt+Down presses the opener while `c`, of the same window, has the keyboard. Null: none.
+void SetControlOpener(ControlRef c, ControlRef opener);
 // Draws it pressed while something that it has opened is open.
 void HoldControl(ControlRef c, bool held);
 void Draw1Control(ControlRef c);

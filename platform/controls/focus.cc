@@ -7,8 +7,6 @@
 namespace platform {
 namespace {
 
-constexpr int kWholeControl = 1;  // the part of a control that has no others
-
 // `marked`: what the ring covered is lost content as well.
 void RedrawRing(Control* c, bool marked) {
   if (!IsControlVisible(c)) return;

@@ -8,6 +8,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/focus.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
   ${CMAKE_CURRENT_LIST_DIR}/panes.cc
+  ${CMAKE_CURRENT_LIST_DIR}/pop_up_button.cc
   ${CMAKE_CURRENT_LIST_DIR}/push_button.cc
   ${CMAKE_CURRENT_LIST_DIR}/scroll_bar.cc
   ${CMAKE_CURRENT_LIST_DIR}/slider.cc

@@ -1,4 +1,6 @@
 // A press of the primary button on a control, until it is let go.
+#include <utility>
+
 #include "platform/controls/control.h"
 #include "platform/events/trackers.h"
 #include "platform/windows/windows.h"
@@ -30,16 +32,32 @@ void EndTracking() {
   held.control = nullptr;
 }
 
+void LetGo(Control* c, bool inside) {
+  if (c && c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+}
+
+// Where the button comes up does not count.
+void Lost(Control* c) {
+  if (c && c->kind->lost)
+    c->kind->lost(c);
+  else
+    LetGo(c, false);
+}
+
 // A release that names no window comes of a grab that was taken away.
 void Release(const Event& e) {
   Control* c = held.control;
   EndTracking();
-  if (!c) return;
-  const bool inside = e.window && Inside(c, InContent(c, e.mouse.where));
-  if (c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+  if (c && !e.window)
+    Lost(c);
+  else
+    LetGo(c, c && Inside(c, InContent(c, e.mouse.where)));
 }
 
 Tracking Ask(void*, Event* event) {
+  // The pointer is another's while the button is down.
+  if (event->cls == kEventClassSystem && event->kind == kEventSystemPointerLost)
+    Lost(std::exchange(held.control, nullptr));
   if (event->cls != kEventClassMouse) return Tracking::kPass;
   switch (event->kind) {
     case kEventMouseUp:
@@ -73,7 +91,9 @@ void Press(Control* c, const Event& e) {
   const Point at = InContent(c, e.mouse.where);
   DispatchScope scope;  // the record stays
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
-  if (!IsValidControl(c) || !c->active || !c->kind->press) return;
+  auto usable = [c] { return IsValidControl(c) && c->active; };
+  if (usable() && c->kind->focus_by_press) SetKeyboardFocus(OwnerOf(c).window, c, kWholeControl);
+  if (!usable() || !c->kind->press) return;
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
   StartTracking(&held.tracker);
@@ -103,7 +123,11 @@ void PressByKey(Control* c) {
   if ((c->keys & kKeysClick) &&
       SendControlEvent(c, kEventControlClick, 0, true) != eventNotHandledErr)
     return;
-  if (IsValidControl(c)) HitControl(c, true);
+  if (!IsValidControl(c)) return;
+  if (c->kind->open)
+    c->kind->open(c, true);
+  else
+    HitControl(c, true);
 }
 
 bool IsControlUnder(const Control* c, Point at) {

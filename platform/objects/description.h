@@ -23,6 +23,9 @@ enum class ObjectRole : uint8_t {
   kMenu,
   kMenuItem,
   kSeparator,
+  kList,
+  kRow,  // of a list
+  kPopUpButton,
 };
 
 enum ObjectState : uint32_t {
@@ -36,6 +39,7 @@ enum ObjectState : uint32_t {
   kIsDefault = 128,
   kIsActive = 256,  // a window that looks so
   kHasMenu = 512,   // opens one
+  kIsSelected = 1024,
 };
 
 // What can be done to it; bits.

@@ -122,6 +122,15 @@ XwScrollHandler Hostile() {
   return nullptr;
 }
 template <>
+XwActivationHandler Hostile() {
+  return nullptr;
+}
+template <>
+const uint32_t* Hostile() {  // the largest icon
+  static const std::vector<uint32_t> pixels(256 * 256, 0x80FFFFFF);
+  return rng() % 3 ? pixels.data() : nullptr;
+}
+template <>
 XwIcon* Hostile() {
   static const uint8_t bits[8] = {};
   static XwIcon odd[] = {{0, 5, nullptr, bits},
@@ -357,8 +366,8 @@ const struct {
     CALL(XwShow),
     CALL(XwEnable),
     CALL(XwSetFocus),
-    CALL(XwSetText),
-    CALL(XwSetTextUtf8),
+    {"XwSetText", Often<static_cast<void (*)(XwWindow*, const char*)>(XwSetText)>},
+    {"XwSetTextUtf8", Often<static_cast<void (*)(XwWindow*, const char*)>(XwSetTextUtf8)>},
     CALL(XwDrawTextUtf8),
     CALL(XwTextWidthUtf8),
     {"XwTextTrimUtf8", Conversions},
@@ -373,6 +382,9 @@ const struct {
     {"XwScrollBar", Nothing},
     CALL(XwSetSliderRange),
     CALL(XwSetScrollRange),
+    {"XwListBox", Nothing},
+    {"XwUpdateListBox", Nothing},
+    {"XwComboBox", Nothing},
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
@@ -396,6 +408,8 @@ const struct {
     CALL(XwDescribeControl),
     CALL(XwSetGround),
     CALL(XwSetScrollHandler),
+    CALL(XwSetActivationHandler),
+    CALL(XwSetProgramIcon),
     CALL(XwBoxList),
     CALL(XwSet),
     CALL(XwPush),

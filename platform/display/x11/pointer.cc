@@ -333,6 +333,10 @@ void HandleInput2(const xcb_ge_generic_event_t* event) {
   OnButton(n, e, event->event_type == XCB_INPUT_BUTTON_PRESS);
 }
 
+bool IsPressedIn(const Window* w) {
+  return held.buttons != 0 && held.window == w;
+}
+
 void ForgetPress(const Window* w) {
   if (held.window != w) return;
   held.orphans = held.buttons;
