@@ -53,7 +53,7 @@ struct KindRow {
   // It has another place or size: what it is made of follows, before it is drawn.
   void (*placed)(Control* c) = nullptr;
   bool front_looks = false;  // in the front window it looks different
-  // Opens what it chooses from, where a press does that; a choice sends the hit.
+  // A press opens what it chooses from and waits; a choice sends the hit. In place of `press`.
   void (*open)(Control* c, bool by_key) = nullptr;
   // The pointer was taken away from it while it was held.
   void (*lost)(Control* c) = nullptr;
@@ -185,6 +185,7 @@ bool MoveThumb(Control* c, int32_t value);
 // next turn of the same control.
 int TakeWheelSteps(const Control* c, float dx, float dy, float pixels);
 void DescribeThumb(const Control* c, Description* out);
+
 // --- pop_up_button.cc
 // Shows a menu below a rectangle of the window's content with this item selected, and waits: the
 // item that was chosen, or 0. The loop sets it at the start.

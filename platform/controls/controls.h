@@ -101,6 +101,8 @@ Rect GetControlBounds(ControlRef c);
 void SetControlBounds(ControlRef c, const Rect& bounds);
 // What is erased with it: more than its bounds, relative to its pane.
 void SetControlArea(ControlRef c, const Rect& area);
+// The same in the content of the window.
+Rect GetControlArea(ControlRef c);
 // The smallest rectangle that shows all of a check box or radio button, at its place.
 Rect GetBestControlRect(ControlRef c);
 void SetControlTitle(ControlRef c, const char* utf8);

@@ -93,6 +93,7 @@ void Press(Control* c, const Event& e) {
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
   auto usable = [c] { return IsValidControl(c) && c->active; };
   if (usable() && c->kind->focus_by_press) SetKeyboardFocus(OwnerOf(c).window, c, kWholeControl);
+  if (usable() && c->kind->open) return c->kind->open(c, false);
   if (!usable() || !c->kind->press) return;
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
