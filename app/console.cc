@@ -52,23 +52,8 @@ void AddAllHits(Console* c) {
 
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height);
-  c->files.Place(c->layout.folder);
-  c->queue.Place(c->layout.queue);
-  const Area s = c->layout.slider;
-  XwMove(c->priority, s.x, s.y, s.w, s.h);
+  PlaceControls(c);
   c->damage |= kAllPanes;
-}
-
-// The controls follow what the window shows: what lies over the tables hides theirs, a question
-// stops the slider, which has the keyboard at its stop.
-void UpdateControls(Console* c) {
-  c->files.Cover(c->list_open || c->asking);
-  c->queue.Cover(c->list_open || c->asking);
-  if (c->priority->enabled != !c->asking) XwEnable(c->priority, !c->asking);
-  const bool has = XwGetFocus(c->window) == c->priority;
-  const bool wants = HasKeyboard(c, FocusStop::kPriority) && !c->list_open;
-  if (wants && !has) XwFocusControl(c->priority);
-  if (has && !wants) XwSetFocus(c->window);
 }
 
 // The pane that a hit lies in.
@@ -110,11 +95,15 @@ void SetHover(Console* c, const Hit& hit) {
   }
 }
 
+}  // namespace
+
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
   c->damage |= kToolsPane | kFolderPane | kQueuePane;
 }
+
+namespace {
 
 // What follows a change of the folder's selection.
 void FilesChanged(Console* c) {
@@ -273,17 +262,6 @@ void Motion(Console* c) {
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
-}
-
-// What a control reports.
-void ControlMoved(Console* c, int id, int value) {
-  if (id == kPriorityControl) {
-    if (c->list_open) ClosePrinterList(c);
-    SetFocusStop(c, FocusStop::kPriority);
-    SlidePriority(c, value);
-  }
-  if (c->files.Scrolled(id, value)) c->damage |= kFolderPane;
-  if (c->queue.Scrolled(id, value)) c->damage |= kQueuePane;
 }
 
 void Scrolled(float, float dy) {
@@ -484,11 +462,9 @@ int Handle(int type) {
         TakeUpFolder(c, 0);
       break;
     case XWE_CONTROL:
-      if (const int column = c->files.HeadOf(Inp.item); column >= 0) SortBy(c, column);
-      break;
     case XWE_SCROLLING:
     case XWE_SCROLLED:
-      ControlMoved(c, Inp.item, int(Inp.value));
+      UseControl(c, Inp.item, int(Inp.value));
       break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
@@ -542,12 +518,7 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   SetUpProgramIcon();
-  XwSetTab(w, 0);
-  c->priority = XwSlider(w, kPriorityControl, 0, 0, 9, 1, XWC_ENABLED | XWC_VISIBLE, 1,
-                         kMostPriority, c->choice.priority);
-  XwDescribeControl(c->priority, "Priority");
-  c->files.MakeControls(w, kFilesControls, "Files");
-  c->queue.MakeControls(w, kQueueControls, "Queue");
+  MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
   c->folder.Begin(start);

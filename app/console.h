@@ -139,11 +139,22 @@ void Tell(Console* c, bool good, const std::string& utf8);
 void DrawConsole(Console* c);
 // How a button looks that can be hit there.
 ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
+void SetFocusStop(Console* c, FocusStop stop);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
   return c->active && c->stop == stop && !c->asking;
 }
+
+// --- The controls (controls.cc)
+void MakeControls(Console* c);
+// Where the layout says.
+void PlaceControls(Console* c);
+// They follow what the window shows: what lies over the tables hides theirs, a question stops the
+// slider, which has the keyboard at its stop.
+void UpdateControls(Console* c);
+// What one reports.
+void UseControl(Console* c, int id, int value);
 
 // --- The folder (folder_pane.cc)
 void DrawFolderPane(Console* c);
