@@ -390,7 +390,8 @@ enum {
 };
 /* The style word. Bits 20 to 23 mean something else for each kind. */
 enum {
-  XWC_CENTER = 0x100, XWC_RIGHT = 0x200, XWC_LEFT = 0x400, /* text of a label, of a drawn button */
+  XWC_CENTER = 0x100, XWC_RIGHT = 0x200, XWC_LEFT = 0x400, /* text of a label, of a list header;
+                                                            left: of any drawn button */
   XWC_SORT_DOWN = 0x800,    /* list header: the mark of value 1 points down */
   XWC_ENABLED = 0x10000,    /* only an enabled control reports */
   XWC_VISIBLE = 0x20000,
