@@ -119,7 +119,10 @@ void OnFocus(const xcb_generic_event_t* event) {
 
 void OnProperty(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_property_notify_event_t>(event);
-  if (e->atom == Atom(kNetFrameExtents)) {
+  if (e->state == XCB_PROPERTY_DELETE) HandlePieceTaken(e->window, e->atom);
+  if (e->atom == Atom(kXwText)) {
+    if (e->state == XCB_PROPERTY_NEW_VALUE) HandleTextPiece(e->window);
+  } else if (e->atom == Atom(kNetFrameExtents)) {
     if (Native* n = FindNative(e->window)) ReadFrameExtents(n);
   } else if (e->atom == Atom(kNetWmState)) {
     if (Native* n = FindNative(e->window)) ReadStates(n);
@@ -161,15 +164,27 @@ void OnClientMessage(const xcb_generic_event_t* event) {
 }
 
 void OnSelectionRequest(const xcb_generic_event_t* event) {
-  RefuseSelection(As<xcb_selection_request_event_t>(event));
+  const auto* e = As<xcb_selection_request_event_t>(event);
+  if (!HandleAsker(e)) RefuseSelection(e);
+}
+
+void OnSelectionClear(const xcb_generic_event_t* event) {
+  HandleSelectionClear(As<xcb_selection_clear_event_t>(event), event->full_sequence);
 }
 
 void OnSelection(const xcb_generic_event_t* event) {
-  HandleDropData(As<xcb_selection_notify_event_t>(event));
+  const auto* e = As<xcb_selection_notify_event_t>(event);
+  HandleDropData(e);
+  HandleText(e);
 }
 
 void OnDestroy(const xcb_generic_event_t* event) {
-  HandleSourceEnd(As<xcb_destroy_notify_event_t>(event)->window);
+  const xcb_window_t window = As<xcb_destroy_notify_event_t>(event)->window;
+  ForgetWatch(window);
+  if (window == x.settings_owner) x.settings_owner = XCB_NONE;
+  HandleSourceEnd(window);
+  HandleAskerEnd(window);
+  HandleOwnerEnd(window);
 }
 
 void OnKeyPress(const xcb_generic_event_t* e) {
@@ -225,6 +240,7 @@ constexpr Route kRoutes[] = {
     {XCB_PROPERTY_NOTIFY, false, OnProperty},
     {XCB_SELECTION_NOTIFY, true, OnSelection},
     {XCB_SELECTION_REQUEST, false, OnSelectionRequest},
+    {XCB_SELECTION_CLEAR, false, OnSelectionClear},
     {XCB_CLIENT_MESSAGE, true, OnClientMessage},
     {XCB_GE_GENERIC, false, OnGeneric},
 };
@@ -294,6 +310,13 @@ static void TakePending() {
   if (x.out.empty()) TakeChecks();
 }
 
+static void TakeArrivedText(RawEvent* out) {
+  const auto text = x.arrived.extract(out->request);
+  if (!text) return;
+  x.taken_text = std::move(text.mapped());
+  out->arrived = &x.taken_text;
+}
+
 bool NextEvent(RawEvent* out) {
   if (x.c == nullptr) return false;
   TakePending();
@@ -321,6 +344,7 @@ bool NextEvent(RawEvent* out) {
     x.paths.pop_front();
     out->text = x.path.c_str();
   }
+  if (out->type == RawEvent::kTextArrived) TakeArrivedText(out);
   return true;
 }
 

@@ -147,6 +147,9 @@ void Close() {
   CloseCursors();
   CloseKeyboard();
   ClosePointer();
+  CloseSelections();
+  CloseTextRequests();
+  CloseWatches();
   Disconnect();
 }
 
@@ -185,9 +188,9 @@ const Display kX11Display = {
     .flush = x11::Flush,
     .destroy_cursor = x11::DestroyCursor,
     .grab = x11::Grab,
-    .offer_text = nullptr,
-    .ask_text = nullptr,
-    .keep_text = nullptr,
+    .offer_text = x11::OfferText,
+    .ask_text = x11::AskText,
+    .keep_text = x11::KeepText,
     .beep = x11::Beep,
     .next_event = x11::NextEvent,
     .descriptors = x11::Descriptors,

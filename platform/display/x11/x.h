@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -61,6 +62,17 @@ namespace platform::x11 {
   ATOM(kTextUriList, "text/uri-list")                           \
   ATOM(kXwDrop, "_XW_DROP")                                     \
   ATOM(kIncr, "INCR")                                           \
+  ATOM(kClipboard, "CLIPBOARD")                                 \
+  ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                  \
+  ATOM(kSaveTargets, "SAVE_TARGETS")                            \
+  ATOM(kTargets, "TARGETS")                                     \
+  ATOM(kMultiple, "MULTIPLE")                                   \
+  ATOM(kAtomPair, "ATOM_PAIR")                                  \
+  ATOM(kTimestamp, "TIMESTAMP")                                 \
+  ATOM(kText, "TEXT")                                           \
+  ATOM(kTextPlain, "text/plain")                                \
+  ATOM(kTextPlainUtf8, "text/plain;charset=utf-8")              \
+  ATOM(kXwText, "_XW_TEXT")                                     \
   ATOM(kAbsPressure, "Abs Pressure")                            \
   ATOM(kAbsTiltX, "Abs Tilt X")                                 \
   ATOM(kAbsTiltY, "Abs Tilt Y")
@@ -147,6 +159,9 @@ struct State {
   std::deque<std::string> paths;             // of the files to open in `out`, in their order
   std::string path;                          // the one handed out last
   double drop_patience = 5;                  // seconds that a dropped list may make no progress
+  std::map<int, std::string> arrived;        // texts of the answers in `out`, by request
+  std::string taken_text;                    // the one handed out last
+  double delivery_patience = 5;              // seconds until an asker takes the next piece
 };
 extern State x;
 
@@ -336,5 +351,39 @@ void HandleDropPiece(const Native* n);
 // The window of a source is gone.
 void HandleSourceEnd(xcb_window_t source);
 void ForgetDrop(const Native* n);
+
+// --- watches.cc: windows of other programs.
+// The server tells of its end, and of its properties, until Unwatch is called as often. Nothing
+// happens for the program's own windows and the root.
+enum WatchWhat : uint8_t { kWatchEnd, kWatchProperties };
+void Watch(xcb_window_t window, WatchWhat what);
+void Unwatch(xcb_window_t window, WatchWhat what);
+// The window is gone.
+void ForgetWatch(xcb_window_t window);
+void CloseWatches();
+
+// --- selections.cc: the texts that the program offers.
+bool OfferText(Selection which, const SharedText& text);
+void KeepText();
+xcb_atom_t SelectionAtom(Selection which);
+// The window that stands for the program; 0 while it has offered nothing.
+xcb_window_t SelectionWindow();
+// False when it asks for something else.
+bool HandleAsker(const xcb_selection_request_event_t* e);
+void HandleSelectionClear(const xcb_selection_clear_event_t* e, unsigned sequence);
+// An asker may have taken a piece. False when it was none.
+bool HandlePieceTaken(xcb_window_t window, xcb_atom_t property);
+// The window of an asker is gone.
+void HandleAskerEnd(xcb_window_t window);
+void CloseSelections();
+
+// --- text_requests.cc: the texts that the program asks for.
+void AskText(Selection which, int request, bool wanted);
+bool AsksWith(xcb_window_t window);
+void HandleText(const xcb_selection_notify_event_t* e);
+void HandleTextPiece(xcb_window_t window);
+// The window of an owner is gone.
+void HandleOwnerEnd(xcb_window_t window);
+void CloseTextRequests();
 
 }  // namespace platform::x11
