@@ -132,7 +132,7 @@ OSStatus CallBack(HandlerCall*, Event* event, void*) {
 // Most programs end by exit. A child that this process has forked is not the program.
 void KeepAtExit() {
   static pid_t process = 0;
-  if (process) return;
+  if (process == getpid()) return;
   process = getpid();
   atexit([] {
     if (getpid() == process) KeepText();
@@ -210,6 +210,7 @@ void SelectionLost(Selection which) {
 void KeepText() {
   const Display* d = CurrentDisplay();
   if (d && d->keep_text && Offered(Selection::kClipboard)) d->keep_text();
+  Offered(Selection::kClipboard) = nullptr;
 }
 
 void FinishClipboard() {

@@ -96,7 +96,7 @@ enum class Taken : uint8_t { kNothing, kText, kPieces, kOther, kTooMuch };
 Taken TakePieces(const xcb_get_property_reply_t& reply) {
   const bool tells = reply.format == 32 && xcb_get_property_value_length(&reply) >= 4;
   const auto* size = static_cast<const uint32_t*>(xcb_get_property_value(&reply));
-  return tells && *size > kMostText ? Taken::kTooMuch : Taken::kPieces;
+  return tells && *size > x.most_text ? Taken::kTooMuch : Taken::kPieces;
 }
 
 // Takes what the owner has put into the property; when it is gone the owner puts the next piece
@@ -113,11 +113,12 @@ Taken TakeProperty(TextRequest* r, xcb_atom_t* type, size_t* size) {
     if (!reply || (at != 0 && reply->type != *type)) return Taken::kOther;
     *type = reply->type;
     if (!IsText(*type) || reply->format != 8) {
-      xcb_delete_property(x.c, r->window, Atom(kXwText));
+      // What was read to its end is gone already: this would be the first piece.
+      if (reply->bytes_after != 0) xcb_delete_property(x.c, r->window, Atom(kXwText));
       return *type == Atom(kIncr) ? TakePieces(*reply.p) : Taken::kOther;
     }
     const size_t length = size_t(xcb_get_property_value_length(reply.p));
-    if (r->data.size() + length > kMostText) return Taken::kTooMuch;
+    if (r->data.size() + length > x.most_text) return Taken::kTooMuch;
     r->data.append(static_cast<const char*>(xcb_get_property_value(reply.p)), length);
     *size += length;
     if (reply->bytes_after == 0) return Taken::kText;

@@ -162,6 +162,7 @@ struct State {
   std::map<int, std::string> arrived;        // texts of the answers in `out`, by request
   std::string taken_text;                    // the one handed out last
   double delivery_patience = 5;              // seconds until an asker takes the next piece
+  size_t most_text = kMostText;              // bytes that are taken of an owner
 };
 extern State x;
 
