@@ -29,9 +29,11 @@ enum class OpenResult : uint8_t {
 };
 // What of the record has changed; bits.
 enum UpdateWhat : uint32_t {
-  kUpdateTitle = 1,   // title, modified
-  kUpdateHints = 2,   // class, attributes, size limits, transient_for, state
-  kUpdateCursor = 4,  // cursor
+  kUpdateTitle = 1,     // title, modified
+  kUpdateHints = 2,     // class, attributes, size limits, transient_for, state
+  kUpdateCursor = 4,    // cursor
+  kUpdateBackdrop = 8,  // backdrop
+  kUpdateIcon = 16,     // the program's icon, which ProgramIcons has
 };
 enum RaiseHow : uint32_t {
   kRaiseOnly = 1,   // above the program's others
@@ -56,7 +58,9 @@ struct Display {
   int (*screens)(Screen* out, int max);
   // Makes the native window, hidden, at DeviceBounds(*w), with all that the record says; a pop-up
   // (`w->parent`) at the place that WantedBounds tells. The display's own handle; null: refused.
-  void* (*create_window)(const Window* w);
+  // `*frame`, which is empty, takes the widths of the frame that the desktop will put around it,
+  // where that frame could lie off the screen and its widths can be known at once.
+  void* (*create_window)(const Window* w, DeviceRect* frame);
   // Frees it, and drops the reports that name it; those that let go of something (IsRelease) name
   // no window instead. The core nulls `native` afterwards.
   void (*destroy_window)(const Window* w);

@@ -38,6 +38,7 @@ enum : uint32_t {
   kEventWindowClose = 72,
   kEventWindowZoom = 75,
   kEventWindowFocusAcquired = 200,    // the desktop itself has moved the input focus to the window
+  kEventWindowActivity = 201,         // the toolkit's: it has become active or inactive
   kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
   kEventWindowCreated = 2000,         // sent to the application
   kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27
@@ -73,6 +74,9 @@ enum : uint32_t {
   rightOptionKey = 0x4000,
   rightControlKey = 0x8000,
 };
+
+// Logical pixels of one notch of a wheel.
+constexpr float kWheelNotch = 48;
 
 struct TabletPoint {
   uint16_t buttons;   // bit 0 tip, 1 and 2 the side buttons
@@ -114,7 +118,7 @@ struct RequestFields {
 
 struct ControlFields {
   ControlRef control;
-  int part;     // of the focus, else 0
+  int part;     // of the focus; of a hit, where the control has parts; else 0
   bool by_key;  // the keyboard has pressed it
 };
 

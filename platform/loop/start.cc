@@ -7,7 +7,7 @@
 
 #include "platform/access/access.h"
 #include "platform/clipboard/clipboard.h"
-#include "platform/controls/controls.h"
+#include "platform/controls/control.h"
 #include "platform/desktop/application.h"
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/signals.h"
@@ -24,6 +24,7 @@
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
+#include "platform/loop/tracking.h"
 #include "platform/menus/menus.h"
 #include "platform/theme/theme.h"
 #include "platform/windows/internal.h"
@@ -75,6 +76,7 @@ bool InitPlatform(const char* name) {
   InitClipboard();
   InitMenus();
   InitControls();
+  select_below = PopUpMenuSelectBelow;
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);

@@ -121,12 +121,16 @@ void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* dat
   ForgetAsk(wait.request);
 }
 
-static int WaitForMenu() {
+static MenuChoice WaitForChoice() {
   // Menus that are opened during the wait close this one: its tracker is theirs then, and they have
   // ended when the wait comes back here.
   WaitTracking(
       MenuTracker(), [](void*) { return MenuIsDone(); }, kEventDurationForever);
-  const MenuChoice choice = CloseMenus();
+  return CloseMenus();
+}
+
+static int WaitForMenu() {
+  const MenuChoice choice = WaitForChoice();
   return choice.item ? choice.menu << 16 | choice.item : 0;
 }
 
@@ -134,6 +138,12 @@ int PopUpMenuSelect(MenuRef menu, int top, int left, int item) {
   if (!OpenPopUpMenu(menu, {left, top}, item)) return 0;
   SetMenuPointer(LastPointer());
   return WaitForMenu();
+}
+
+int PopUpMenuSelectBelow(MenuRef menu, WindowRef w, const Rect& anchor, int item) {
+  if (!OpenPopUpMenuBelow(menu, w, anchor, item)) return 0;
+  SetMenuPointer(LastPointer());
+  return WaitForChoice().item;
 }
 
 int MenuSelect(Point where) {

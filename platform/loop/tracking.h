@@ -19,6 +19,8 @@ void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* dat
 // Shows a menu at a global point until an item is chosen, which comes as the menu's id (high 16
 // bits) and the item's number (low), or it is dismissed: 0. `item` (0: none) is selected at first.
 int PopUpMenuSelect(MenuRef menu, int top, int left, int item);
+// The same below a rectangle of a window's content, at least as wide: the item's number.
+int PopUpMenuSelectBelow(MenuRef menu, WindowRef w, const Rect& anchor, int item);
 // The same with the bar, from the title under a global point, or (by the keyboard) from a menu of
 // it. What was chosen is sent to its menu.
 int MenuSelect(Point where);

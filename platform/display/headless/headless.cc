@@ -129,7 +129,7 @@ int Screens(Screen* out, int max) {
   return count;
 }
 
-void* CreateNative(const Window* w) {
+void* CreateNative(const Window* w, DeviceRect* frame) {
   auto* n = new NativeWindow;
   n->cursor = w->cursor;
   n->scale = w->surface.scale;
@@ -137,6 +137,7 @@ void* CreateNative(const Window* w) {
   State& s = Headless();
   s.unseen = true;
   s.windows.push_back(w);
+  if (w->parent == nullptr) *frame = s.frames;
   ++s.counts.windows;
   return n;
 }
@@ -179,8 +180,7 @@ void Map(const Window* w, bool shown) {
   State& s = Headless();
   Native(w)->mapped = shown;
   std::erase(s.stack, w);
-  if (!shown && s.pressed_in == w) s.pressed_in = nullptr;
-  if (!shown && s.grab.window == w) LoseGrab();
+  if (!shown) LosePointer(w);
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
     if (!(w->state & kStateDocked) && !w->parent) GiveFocus(w);

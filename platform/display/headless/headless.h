@@ -57,6 +57,8 @@ void StealPointer(bool stolen);
 // The desktop puts a frame of these widths (device pixels) around it; makes it full screen, or ends
 // that (bits of WindowState).
 void Frame(const Window* w, const DeviceRect& widths);
+// The frames of windows made from now on have these widths, which the desktop knows beforehand.
+void Frames(const DeviceRect& widths);
 void SetState(const Window* w, uint32_t state);
 void OpenFile(const char* path);
 void Preferences();

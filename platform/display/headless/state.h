@@ -68,6 +68,7 @@ struct State {
   std::string taken_text;              // the one handed out last
   bool selections_kept = false;        // the other program lets nobody else offer
   SharedText kept;                     // the desktop's copy; it outlives the display
+  DeviceRect frames;                   // of new windows
   bool stepped = false;
   double now = 0;
   bool (*idle)() = nullptr;
@@ -89,8 +90,9 @@ void AskOtherForText(Selection which, int request, bool wanted);
 void KeepOwnText();
 // The text of an answer that is handed out; null: none.
 std::string* TakeArrived(int request);
-// The grab that was asked for begins if it can; it ends by itself. Both report what is lost.
+// The grab that was asked for begins if it can; a refusal is reported.
 void TryGrab();
-void LoseGrab();
+// The window leaves the screen: a grab of it, and a press in it, end, which is reported.
+void LosePointer(const Window* w);
 
 }  // namespace platform::headless
