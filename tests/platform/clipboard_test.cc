@@ -2,8 +2,11 @@
 #include "platform/clipboard/clipboard.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -183,6 +186,30 @@ TEST_F(Clipboard, TheTextOutlivesTheProgram) {
   EXPECT_FALSE(OfferedText(Selection::kClipboard));
   Turn(1);
   EXPECT_EQ(Answers(), "");
+}
+
+// What came from another program comes again in a replay, where nobody has it.
+TEST_F(Clipboard, AReplayPastesWhatWasPasted) {
+  FinishPlatform();
+  const std::string file = testing::TempDir() + "clipboard-" + std::to_string(getpid());
+  for (const char* variable : {"XW_RECORD", "XW_REPLAY"}) {
+    SCOPED_TRACE(variable);
+    const bool recording = !strcmp(variable, "XW_RECORD");
+    setenv(variable, file.c_str(), 1);
+    ASSERT_TRUE(InitPlatform("clipboard"));
+    ASSERT_TRUE(OfferText(Selection::kPrimary, "mine"));
+    Turn(0.1);
+    if (recording) headless::OfferText(Selection::kPrimary, std::string("th\0eirs\n\\", 9));
+    Turn();
+    Ask(Selection::kPrimary);
+    Ask(Selection::kClipboard);
+    Turn();
+    EXPECT_EQ(Answers(), "[th\uFFFDeirs\n\\][(none)]");
+    FinishPlatform();
+    unsetenv(variable);
+  }
+  remove(file.c_str());
+  ASSERT_TRUE(InitPlatform("clipboard"));
 }
 
 // --- What programs call.
