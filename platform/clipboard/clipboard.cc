@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <list>
+#include <map>
 #include <utility>
 
 #include "platform/display/screens.h"
@@ -28,6 +29,8 @@ struct Clipboard {
   SharedText offered[kSelectionCount];  // null: not this program's
   std::list<Request> requests;
   int last_number = 0;
+  // In a replay an answer may come together with what makes the program ask.
+  std::map<int, SharedText> early;
 };
 
 Clipboard& State() {
@@ -174,7 +177,9 @@ int AskText(Selection which, int timeout_ms, TextArrived arrived, void* data) {
   r.arrived = arrived;
   r.data = data;
   r.text = Offered(which);
-  if (r.text || !d || !d->ask_text || timeout_ms < 1) {
+  const auto early = s.early.extract(r.number);
+  if (early && !r.text) r.text = early.mapped();
+  if (r.text || early || !d || !d->ask_text || timeout_ms < 1) {
     Answer(&r);
   } else {
     r.deadline = InstallEventLoopTimer(timeout_ms / 1000.0, 0, DeadlineHasCome, nullptr);
@@ -198,8 +203,15 @@ void InitClipboard() {
 
 void TextReported(int request, std::string* text) {
   Request* r = Find(request);
-  if (!r || !r->deadline) return;
-  if (text && MakeValid(text)) r->text = std::make_shared<const std::string>(std::move(*text));
+  const bool early = !r && request > State().last_number;
+  if (!early && (!r || !r->deadline)) return;
+  SharedText valid;
+  if (text && MakeValid(text)) valid = std::make_shared<const std::string>(std::move(*text));
+  if (early) {
+    State().early[request] = std::move(valid);
+    return;
+  }
+  r->text = std::move(valid);
   Answer(r);
 }
 
@@ -217,6 +229,7 @@ void FinishClipboard() {
   Clipboard& s = State();
   while (!s.requests.empty()) ForgetAsk(s.requests.front().number);
   for (SharedText& text : s.offered) text = nullptr;
+  s.early.clear();
   s.last_number = 0;
 }
 
