@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 #include "platform/display/x11/x.h"
 #include "platform/display/x11/xkb.h"
@@ -38,7 +39,8 @@ bool IsSent(const xcb_generic_event_t* e) {
 // A later configure of the same window is waiting: this one is stale. One that was sent may be
 // forged, so it leaves a mark where it stands for one of the server's own.
 bool Superseded(Native* n, const xcb_generic_event_t* e) {
-  for (const xcb_generic_event_t* p : x.pending) {
+  for (const ServerEvent& pending : x.pending) {
+    const xcb_generic_event_t* p = pending.get();
     if ((p->response_type & 0x7F) != XCB_CONFIGURE_NOTIFY) continue;
     if (As<xcb_configure_notify_event_t>(p)->window != n->id) continue;
     if (IsSent(p) && !IsSent(e)) n->check.passed_over = true;
@@ -170,8 +172,7 @@ void OnClientMessage(const xcb_generic_event_t* event) {
 }
 
 void OnSelectionRequest(const xcb_generic_event_t* event) {
-  const auto* e = As<xcb_selection_request_event_t>(event);
-  if (!HandleAsker(e)) RefuseSelection(e);
+  HandleAsker(As<xcb_selection_request_event_t>(event));
 }
 
 void OnSelectionClear(const xcb_generic_event_t* event) {
@@ -295,7 +296,7 @@ RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t) {
 
 static void Keep(xcb_generic_event_t* e) {
   if (e->response_type != 0) {
-    x.pending.push_back(e);
+    x.pending.emplace_back(e);
     return;
   }
   HandleSharedMemoryError(reinterpret_cast<const xcb_generic_error_t*>(e));
@@ -310,10 +311,9 @@ void Pump() {
 static void TakePending() {
   if (x.out.empty() && x.pending.empty()) Pump();
   while (x.out.empty() && !x.pending.empty()) {
-    xcb_generic_event_t* e = x.pending.front();
+    const ServerEvent e = std::move(x.pending.front());
     x.pending.pop_front();
-    Dispatch(e);
-    free(e);
+    Dispatch(e.get());
     if (x.pending.empty()) Pump();
   }
   if (x.out.empty()) TakeChecks();

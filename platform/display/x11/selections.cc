@@ -87,7 +87,7 @@ xcb_timestamp_t ServerTime() {
       xcb_get_input_focus_reply(x.c, xcb_get_input_focus(x.c), nullptr));
   Pump();
   for (auto at = x.pending.rbegin(); at != x.pending.rend(); ++at) {
-    const auto* e = reinterpret_cast<const xcb_property_notify_event_t*>(*at);
+    const auto* e = reinterpret_cast<const xcb_property_notify_event_t*>(at->get());
     if (e->response_type == XCB_PROPERTY_NOTIFY && e->window == owner.window) return e->time;
   }
   return XCB_CURRENT_TIME;
@@ -203,7 +203,8 @@ bool MayAsk(const xcb_selection_request_event_t& e, const Offer& offer) {
 bool ServeManager(const xcb_generic_event_t* e) {
   const auto* changed = reinterpret_cast<const xcb_property_notify_event_t*>(e);
   if (e->response_type == XCB_SELECTION_REQUEST) {
-    return HandleAsker(reinterpret_cast<const xcb_selection_request_event_t*>(e));
+    HandleAsker(reinterpret_cast<const xcb_selection_request_event_t*>(e));
+    return true;
   }
   return e->response_type == XCB_PROPERTY_NOTIFY && changed->state == XCB_PROPERTY_DELETE &&
          HandlePieceTaken(changed->window, changed->atom);
@@ -222,11 +223,9 @@ bool ManagerIsDone(const xcb_generic_event_t* e, xcb_window_t manager) {
 bool TalkToManager(xcb_window_t manager) {
   Pump();
   bool done = false;
-  std::erase_if(x.pending, [&](xcb_generic_event_t* e) {
-    done = done || ManagerIsDone(e, manager);
-    if (!ServeManager(e)) return false;
-    free(e);
-    return true;
+  std::erase_if(x.pending, [&](const ServerEvent& e) {
+    done = done || ManagerIsDone(e.get(), manager);
+    return ServeManager(e.get());
   });
   return done;
 }
@@ -274,16 +273,16 @@ void HandleSelectionClear(const xcb_selection_clear_event_t* e, unsigned sequenc
   Emit(RawEvent::kSelectionLost, nullptr)->selection = uint8_t(which);
 }
 
-bool HandleAsker(const xcb_selection_request_event_t* e) {
-  Selection which;
-  if (owner.window == 0 || e->owner != owner.window || !FindSelection(e->selection, &which)) {
-    return false;
-  }
+// Under the program's name and other selections there is nothing to be had.
+void HandleAsker(const xcb_selection_request_event_t* e) {
+  Selection which{};
+  const bool texts = e->owner == owner.window && FindSelection(e->selection, &which);
   Offer& offer = owner.offers[int(which)];
   const xcb_atom_t property = e->property != XCB_NONE ? e->property : e->target;
-  const bool done = MayAsk(*e, offer) && (e->target == Atom(kMultiple)
-                                              ? ConvertEach(offer, e->requestor, e->property)
-                                              : Convert(offer, e->requestor, e->target, property));
+  const bool done =
+      texts && MayAsk(*e, offer) &&
+      (e->target == Atom(kMultiple) ? ConvertEach(offer, e->requestor, e->property)
+                                    : Convert(offer, e->requestor, e->target, property));
   xcb_selection_notify_event_t answer{};
   answer.response_type = XCB_SELECTION_NOTIFY;
   answer.time = e->time;
@@ -292,7 +291,6 @@ bool HandleAsker(const xcb_selection_request_event_t* e) {
   answer.target = e->target;
   answer.property = done ? property : xcb_atom_t{XCB_NONE};
   xcb_send_event(x.c, 0, e->requestor, 0, reinterpret_cast<const char*>(&answer));
-  return true;
 }
 
 bool HandlePieceTaken(xcb_window_t window, xcb_atom_t property) {

@@ -99,7 +99,6 @@ void WatchRoot() {
 }
 
 void Disconnect() {
-  for (xcb_generic_event_t* e : x.pending) free(e);
   if (x.c != nullptr) xcb_disconnect(x.c);
   x = State{};
 }

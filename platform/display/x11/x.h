@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -141,6 +142,12 @@ struct Native {
   } sync;
 };
 
+// An event as xcb gives it.
+struct FreeEvent {
+  void operator()(xcb_generic_event_t* e) const { free(e); }
+};
+using ServerEvent = std::unique_ptr<xcb_generic_event_t, FreeEvent>;
+
 struct State {
   xcb_connection_t* c = nullptr;
   xcb_screen_t* screen = nullptr;
@@ -179,16 +186,16 @@ struct State {
     double server = 0, offset = 0;
   } clock;
   std::unordered_map<xcb_window_t, Native*> windows;
-  int checks = 0;                            // windows about whose place the server has been asked
-  std::deque<xcb_generic_event_t*> pending;  // read, not looked at
-  std::deque<RawEvent> out;                  // made, not handed out
-  std::deque<std::string> paths;             // of the files to open in `out`, in their order
-  std::string path;                          // the one handed out last
-  double drop_patience = 5;                  // seconds that a dropped list may make no progress
-  std::map<int, std::string> arrived;        // texts of the answers in `out`, by request
-  std::string taken_text;                    // the one handed out last
-  double delivery_patience = 5;              // seconds until an asker takes the next piece
-  size_t most_text = kMostText;              // bytes that are taken of an owner
+  int checks = 0;                      // windows about whose place the server has been asked
+  std::deque<ServerEvent> pending;     // read, not looked at
+  std::deque<RawEvent> out;            // made, not handed out
+  std::deque<std::string> paths;       // of the files to open in `out`, in their order
+  std::string path;                    // the one handed out last
+  double drop_patience = 5;            // seconds that a dropped list may make no progress
+  std::map<int, std::string> arrived;  // texts of the answers in `out`, by request
+  std::string taken_text;              // the one handed out last
+  double delivery_patience = 5;        // seconds until an asker takes the next piece
+  size_t most_text = kMostText;        // bytes that are taken of an owner
 };
 extern State x;
 
@@ -303,7 +310,6 @@ void TakeOthers();
 bool OthersRun();
 // The first window of the process stands for it.
 void MarkProgram(const Native& n);
-void RefuseSelection(const xcb_selection_request_event_t* e);
 // The first frame is shown.
 void EndStartup();
 void UseToken(const char* token);
@@ -423,8 +429,7 @@ void KeepText();
 xcb_atom_t SelectionAtom(Selection which);
 // The window that stands for the program; 0 while it has offered nothing.
 xcb_window_t SelectionWindow();
-// False when it asks for something else.
-bool HandleAsker(const xcb_selection_request_event_t* e);
+void HandleAsker(const xcb_selection_request_event_t* e);
 void HandleSelectionClear(const xcb_selection_clear_event_t* e, unsigned sequence);
 // An asker may have taken a piece. False when it was none.
 bool HandlePieceTaken(xcb_window_t window, xcb_atom_t property);
