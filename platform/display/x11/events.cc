@@ -303,8 +303,12 @@ static void Keep(xcb_generic_event_t* e) {
   free(e);
 }
 
-void Pump() {
-  while (xcb_generic_event_t* e = xcb_poll_for_event(x.c)) Keep(e);
+void Pump(int most) {
+  for (; most != 0; --most) {
+    xcb_generic_event_t* e = xcb_poll_for_event(x.c);
+    if (e == nullptr) return;
+    Keep(e);
+  }
 }
 
 // Looks at what has come until it makes a report.

@@ -221,7 +221,8 @@ bool ManagerIsDone(const xcb_generic_event_t* e, xcb_window_t manager) {
 
 // Looks at what has come; what is not about the manager stays for later.
 bool TalkToManager(xcb_window_t manager) {
-  Pump();
+  constexpr int kEvents = 100;  // between two looks at the time
+  Pump(kEvents);
   bool done = false;
   std::erase_if(x.pending, [&](const ServerEvent& e) {
     done = done || ManagerIsDone(e.get(), manager);

@@ -341,8 +341,8 @@ double ScaleOfDpi(double dpi);
 bool NextEvent(RawEvent* out);
 // Opens what the first picture does not need, once.
 void OpenLate();
-// Reads what the connection has into `pending`.
-void Pump();
+// Reads what the connection has into `pending`, at most so many events (negative: all).
+void Pump(int most = -1);
 // A report for `n` at the server's time `t` (0: now), at the end of the queue.
 RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t = 0);
 double Now();
