@@ -67,6 +67,10 @@ class Peer {
   // Called instead, where it is set.
   std::function<void(const xcb_selection_request_event_t&)> on_request;
   size_t requests = 0, pieces_sent = 0;
+  // The pieces that are still to come, by the window that they go to.
+  std::map<xcb_window_t, std::vector<Value>> sending;
+  // Whatever else it is told.
+  std::function<void(const xcb_client_message_event_t&)> on_message;
 
   void Own(const std::string& selection) {
     xcb_set_selection_owner(c_, window_, Atom(selection), XCB_CURRENT_TIME);
@@ -143,6 +147,8 @@ class Peer {
         OnAnswer(*reinterpret_cast<const xcb_selection_notify_event_t*>(e));
       else if (type == XCB_PROPERTY_NOTIFY)
         OnProperty(*reinterpret_cast<const xcb_property_notify_event_t*>(e));
+      else if (type == XCB_CLIENT_MESSAGE && on_message)
+        on_message(*reinterpret_cast<const xcb_client_message_event_t*>(e));
       free(e);
     }
     xcb_flush(c_);
@@ -162,7 +168,7 @@ class Peer {
     if (!answer->pieces.empty())
       xcb_change_window_attributes(c_, r.requestor, XCB_CW_EVENT_MASK, &mask);
     if (!answer->value.type.empty()) Put(r.requestor, r.property, answer->value);
-    sending_[r.requestor] = answer->pieces;
+    sending[r.requestor] = answer->pieces;
     Say(r, answer->how == Answer::kNamesAnother ? Atom("OTHER") : r.property);
     if (answer->how == Answer::kSaysTwice) Say(r, r.property);
   }
@@ -182,8 +188,8 @@ class Peer {
         p.atom == at->second.property && !at->second.stalls) {
       Take(&at->second);
     }
-    const auto to = sending_.find(p.window);
-    if (to == sending_.end() || p.state != XCB_PROPERTY_DELETE || to->second.empty()) return;
+    const auto to = sending.find(p.window);
+    if (to == sending.end() || p.state != XCB_PROPERTY_DELETE || to->second.empty()) return;
     Put(p.window, p.atom, to->second.front());
     to->second.erase(to->second.begin());
     ++pieces_sent;
@@ -217,7 +223,6 @@ class Peer {
   xcb_window_t root_ = 0, window_ = 0;
   std::map<std::string, xcb_atom_t> atoms_;
   std::map<xcb_window_t, Question> questions_;
-  std::map<xcb_window_t, std::vector<Value>> sending_;
 };
 
 }  // namespace x11_test
