@@ -201,6 +201,21 @@ const char* XwTakeUp(const char* what, const char* detail);
 /* 1 while a recording is played back. */
 int XwReplaying(void);
 
+/* ==== Clipboard =================================================================================
+ *
+ * The desktop's, for text in UTF-8: what one program puts there every other can take. Where the
+ * desktop keeps such texts, the program's stays there when it ends. */
+
+/* Puts a copy of the text there; bytes that are not UTF-8 become U+FFFD. Null takes the program's
+ * text away again. 1; 0 when the desktop or another program refuses it, or it is longer than 256
+ * MiB: then the clipboard is as it was. */
+int XwSetClipboard(const char* utf8);
+/* The text that is there, in a block from malloc that the caller frees; null when there is none or
+ * it has not come whole within `ms` milliseconds. Zero bytes in it are U+FFFD, and more than 256
+ * MiB count as none. Only timers run while it waits: other events stay queued, in order. The
+ * program's own text is there at once, and with `ms` below 1 no other is asked for. */
+char* XwGetClipboard(int ms);
+
 /* ==== Timers ====================================================================================
  *
  * A timer is a pair of window and value, 32 in all. It sends 779 with that value. */
