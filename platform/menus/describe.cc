@@ -6,21 +6,21 @@
 namespace platform {
 namespace {
 
-constexpr int kDeepest = 16;  // a menu may hang in itself
-
 const MenuLevel* LevelOf(const Menu* m) {
   for (const MenuLevel& l : menu_session.levels)
     if (l.menu == m) return &l;
   return nullptr;
 }
 
-std::vector<DescribedMenuItem> Describe(const Menu* m, int depth) {
+// `left`: how many items there is still room for.
+std::vector<DescribedMenuItem> Describe(const Menu* m, int depth, int* left) {
   std::vector<DescribedMenuItem> out;
-  if (!IsValidMenu(const_cast<Menu*>(m)) || depth > kDeepest) return out;
+  if (!IsValidMenu(const_cast<Menu*>(m)) || depth >= kDeepestMenu) return out;
   const MenuLevel* open = LevelOf(m);
   for (size_t n = 0; n < m->items.size(); ++n) {
     const MenuItem& i = m->items[n];
     if (i.hidden()) continue;
+    if (--*left < 0) break;
     DescribedMenuItem d;
     d.serial = i.serial;
     d.text = i.text;
@@ -30,10 +30,15 @@ std::vector<DescribedMenuItem> Describe(const Menu* m, int depth) {
     d.separator = i.separator();
     d.selected = open && open->selected == int(n + 1);
     if (open) d.bounds = ItemBounds(*open, int(n + 1));
-    if (i.sub) d.items = Describe(i.sub, depth + 1);
+    if (i.sub) d.items = Describe(i.sub, depth + 1, left);
     out.push_back(std::move(d));
   }
   return out;
+}
+
+std::vector<DescribedMenuItem> DescribeWhole(const Menu* m) {
+  int left = kMostDescribedItems;
+  return Describe(m, 0, &left);
 }
 
 }  // namespace
@@ -49,7 +54,7 @@ std::vector<DescribedMenuItem> DescribeMenuBar() {
     d.enabled = !t.menu->disabled;
     d.selected = OpenMenuOfTheBar() == t.menu;
     d.bounds = Offset(t.cell, w->content.left, w->content.top);
-    d.items = Describe(t.menu, 0);
+    d.items = DescribeWhole(t.menu);
     out.push_back(std::move(d));
   }
   return out;
@@ -58,7 +63,7 @@ std::vector<DescribedMenuItem> DescribeMenuBar() {
 std::vector<DescribedMenuItem> DescribeOpenPopUp() {
   const MenuSession& s = menu_session;
   return s.of_bar || s.levels.empty() ? std::vector<DescribedMenuItem>()
-                                      : Describe(s.levels.front().menu, 0);
+                                      : DescribeWhole(s.levels.front().menu);
 }
 
 }  // namespace platform

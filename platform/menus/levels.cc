@@ -12,7 +12,6 @@
 namespace platform {
 namespace {
 
-constexpr size_t kDeepest = 16;
 constexpr int kCornerOfMenus = 5;
 constexpr int kInset = kMenuBorder + kMenuPadding;  // above the first row
 
@@ -107,7 +106,7 @@ void DrawLevel(MenuLevel* l, bool all) {
 
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   MenuSession& s = menu_session;
-  if (!IsValidMenu(m) || s.levels.size() >= kDeepest) return false;
+  if (!IsValidMenu(m) || s.levels.size() >= size_t{kDeepestMenu}) return false;
   for (const MenuLevel& l : s.levels)
     if (l.menu == m) return false;
   Event opening(kEventClassMenu, kEventMenuOpening);

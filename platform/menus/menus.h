@@ -19,6 +19,10 @@ enum MenuItemAttributes : uint32_t {
   kMenuItemAttrSeparator = 64,
 };
 
+// Menus hang in each other at most so deep; what is deeper is not there. One menu may hang in many
+// places, and so be described many times: no more items than this of one title or pop-up.
+constexpr int kDeepestMenu = 64, kMostDescribedItems = 4096;
+
 // --- Menus and their items
 
 // Empty. `id` says which menu an item was chosen from.

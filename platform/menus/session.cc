@@ -11,6 +11,7 @@ namespace platform {
 namespace {
 
 constexpr double kClickTime = 0.25;  // a release sooner leaves a menu open
+constexpr double kTravelTime = 0.5;  // a press so soon after a title has opened under it opens it
 constexpr double kAimTime = 0.3;     // the pointer may take to a sub-menu over other rows
 constexpr double kScrollPeriod = 0.03;
 constexpr int kScrollStep = 8, kSlop = 3;
@@ -119,7 +120,9 @@ void Motion(const Event& e) {
   StopScrolling();
   if (level >= 0) return Hover(size_t(level), where);
   if (const BarTitle* t = BarTitleAt(e)) {
-    if (t->menu != s.levels.front().menu && !t->menu->disabled) SwitchTitle(t->menu, false);
+    if (t->menu == s.levels.front().menu || t->menu->disabled) return;
+    SwitchTitle(t->menu, false);
+    s.travelled = GetCurrentEventTime();
     return;
   }
   if (s.levels.size() > 1 && Aims(s.levels.back(), s.aim, where)) return;
@@ -149,10 +152,12 @@ void Press(const Event& e) {
   s.last = e.mouse.where;
   if (level >= 0) return Hover(size_t(level), e.mouse.where);
   const BarTitle* t = BarTitleAt(e);
-  if (t && t->menu != s.levels.front().menu && !t->menu->disabled)
-    SwitchTitle(t->menu, false);
-  else
-    Dismiss();
+  if (!t || t->menu->disabled) return Dismiss();
+  // The way to another title opens it, just before the press that means to.
+  const bool came = s.travelled >= 0 && GetCurrentEventTime() - s.travelled < kTravelTime;
+  s.travelled = -1;
+  if (t->menu != s.levels.front().menu) return SwitchTitle(t->menu, false);
+  if (!came) Dismiss();
 }
 
 void Release(const Event& e) {

@@ -23,6 +23,7 @@ struct MenuSession {
   uint32_t command = 0;
   MenuRef chosen_in = nullptr;
   double opened = 0;
+  double travelled = -1;  // when the pointer, not pressed, came to the title that is open
   bool moved = false;     // the pointer has been in a menu since it was opened
   bool pressed = false;   // a button went down since it was opened
   bool swallows = false;  // a press has dismissed it

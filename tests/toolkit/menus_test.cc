@@ -8,6 +8,7 @@
 #include "platform/access/access.h"
 #include "platform/events/event.h"
 #include "platform/loop/tracking.h"
+#include "platform/menus/menus.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/session.h"
@@ -139,6 +140,11 @@ TEST(Menus, ByThePointer) {
         },
         Move("Copy"), [] { Down(), Up(); }});
   EXPECT_EQ(Came(), "793 793 794:402");
+  // A press that goes to another title opens it, and the next one closes it.
+  User({Move("File"), [] { Down(), Up(); }, [] { Move("Edit")(), Down(), Up(); },
+        [] { EXPECT_TRUE(Shown("Copy")); }, [] { Down(), Up(); },
+        [] { EXPECT_FALSE(Shown("Copy")); }});
+  EXPECT_EQ(Came(), "793 793");
   // Sub-menus to any depth; what is disabled or a line stays open.
   User({Move("File"), [] { Down(), Up(); }, Move("Again"), [] { Down(), Up(); },
         [] { EXPECT_TRUE(Shown("Again")); }, Move("Sort"),
@@ -349,6 +355,20 @@ TEST(Menus, ItemsByTheirIds) {
   XwSetMenu(m.main, other);
   EXPECT_TRUE(Item("\xC3\x89tage").state & kIsEnabled);
   EXPECT_EQ(XwGetMenuItemState(loop, 6), 0);
+  EXPECT_FALSE(Item("again").state & kIsEnabled) << "an address is never chosen";
+  // Each array twice in the one before it: looked through once, and described up to a limit.
+  std::vector<XwMenuItem> twice(3 * 40);
+  for (size_t i = 0; i < 40; ++i)
+    twice[3 * i] = twice[3 * i + 1] = {
+        "sub", 0, i < 39 ? reinterpret_cast<XwValue>(&twice[3 * i + 3]) : 7, nullptr};
+  other[0].id = reinterpret_cast<XwValue>(twice.data());
+  XwSetMenu(m.main, other);
+  XwCheckMenuItem(twice.data(), 7, 1);
+  EXPECT_EQ(twice[3 * 39].flags & XWM_CHECKED, XWM_CHECKED);
+  EXPECT_EQ(XwGetMenuItemState(twice.data(), 8), 0);
+  std::vector<Description> subs;
+  Collect(DescribeTree(), "sub", &subs);
+  EXPECT_EQ(subs.size(), size_t{kMostDescribedItems});
   XwSetMenu(m.main, m.bar);
   EXPECT_FALSE(Item("Load").name.empty()) << "what was built stays";
 }
