@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "app/commands.h"
+#include "app/program_icon.h"
 #include "app/texts.h"
 
 namespace console {
@@ -429,6 +430,14 @@ void Tick(Console* c) {
   if (MayLeaveNow(c)) Quit(c);
 }
 
+void ShowActivity(int active) {
+  Console* c = g_console;
+  if (!c) return;
+  c->active = active != 0;
+  c->damage = kAllPanes;
+  DrawConsole(c);
+}
+
 int Handle(int type) {
   Console* c = g_console;
   if (!c) return 0;
@@ -507,6 +516,8 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   c->window = w;
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
+  XwSetActivationHandler(w, ShowActivity);
+  SetUpProgramIcon();
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
   c->folder.Begin(start);

@@ -79,6 +79,7 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
+  bool active = true;  // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -134,9 +135,10 @@ void Tell(Console* c, bool good, const std::string& utf8);
 void DrawConsole(Console* c);
 // How a button looks that can be hit there.
 ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
-// Whether the keyboard is there; a question has it before everything else.
+// Whether the keyboard is there; a question has it before everything else, and an inactive window
+// has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
-  return c->stop == stop && !c->asking;
+  return c->active && c->stop == stop && !c->asking;
 }
 
 // --- The folder (folder_pane.cc)

@@ -111,7 +111,7 @@ void DrawQuestion(const Console* c) {
   for (const int answer : {kClose, kKeepOpen}) {
     const Hit hit{kQuestion, 1, answer};
     ButtonState s = ButtonAt(c, hit, true);
-    s.focused = c->answer == answer;
+    s.focused = c->active && c->answer == answer;
     const Area button = ButtonArea(c, answer);
     DrawLabel(l.normal, Align::kCenter, button, kLabels[answer], DrawFace(button, s, l.tool_bar));
   }

@@ -185,15 +185,18 @@ void DrawPlacesPane(Console* c) {
     const Place& place = c->places[size_t(i)];
     const Area row = PlaceArea(c, i);
     const bool here = place.path == c->folder.path(), lit = c->hover == Hit{kPlaces, 1, i};
+    const bool lights = here && c->active;
     int32_t background = l.side;
     if (here || lit || i == around) {
-      background = here ? l.accent : i == around ? l.inactive_selection : Mix(l.accent, l.side, 9);
+      background = lights                ? l.accent
+                   : here || i == around ? l.inactive_selection
+                                         : Mix(l.accent, l.side, 9);
       XwRoundBox(row.x, row.y, row.w, row.h, 4, background, -1);
     }
     DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, background, 100);
     Area text = row;
     text.TakeLeft(31);
-    DrawLabel(l.view, Align::kLeft, text, place.name, here ? l.on_accent : l.ink);
+    DrawLabel(l.view, Align::kLeft, text, place.name, lights ? l.on_accent : l.ink);
   }
   Area foot = a.TakeBottom(kFooter);
   foot.w -= 1;

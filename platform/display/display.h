@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "platform/base.h"
+#include "platform/display/selection.h"
 #include "platform/events/raw_event.h"
 #include "platform/events/sources.h"
 
@@ -28,9 +29,11 @@ enum class OpenResult : uint8_t {
 };
 // What of the record has changed; bits.
 enum UpdateWhat : uint32_t {
-  kUpdateTitle = 1,   // title, modified
-  kUpdateHints = 2,   // class, attributes, size limits, transient_for, state
-  kUpdateCursor = 4,  // cursor
+  kUpdateTitle = 1,     // title, modified
+  kUpdateHints = 2,     // class, attributes, size limits, transient_for, state
+  kUpdateCursor = 4,    // cursor
+  kUpdateBackdrop = 8,  // backdrop
+  kUpdateIcon = 16,     // the program's icon, which ProgramIcons has
 };
 enum RaiseHow : uint32_t {
   kRaiseOnly = 1,   // above the program's others
@@ -55,7 +58,9 @@ struct Display {
   int (*screens)(Screen* out, int max);
   // Makes the native window, hidden, at DeviceBounds(*w), with all that the record says; a pop-up
   // (`w->parent`) at the place that WantedBounds tells. The display's own handle; null: refused.
-  void* (*create_window)(const Window* w);
+  // `*frame`, which is empty, takes the widths of the frame that the desktop will put around it,
+  // where that frame could lie off the screen and its widths can be known at once.
+  void* (*create_window)(const Window* w, DeviceRect* frame);
   // Frees it, and drops the reports that name it; those that let go of something (IsRelease) name
   // no window instead. The core nulls `native` afterwards.
   void (*destroy_window)(const Window* w);
@@ -84,6 +89,18 @@ struct Display {
   // kGrabLost, and tried again when the window comes onto the screen. May be null: without it a
   // grab holds inside the program's windows.
   void (*grab)(const Window* w, GrabMode mode, const Cursor* cursor);
+  // Offers a text as the content of a selection to all programs, in place of what was offered
+  // before; null gives it up. False: another program keeps the selection. The loss to another one
+  // is reported as kSelectionLost. Waits for the display, since the answer is known only then. May
+  // be null: texts stay inside the program.
+  bool (*offer_text)(Selection which, const SharedText& text);
+  // Asks the program that offers a selection for its text. The answer is one report, kTextArrived.
+  // What comes later than `seconds` is not taken; 0: the answer is no longer wanted, and what has
+  // come of it goes. Never called for what the program offers itself. May be null: there is none.
+  void (*ask_text)(Selection which, int request, double seconds);
+  // The program ends: the clipboard's text is left to the desktop, if that keeps such texts. Waits
+  // at most half a second. May be null.
+  void (*keep_text)();
   // May be null.
   void (*beep)();
   // The next report, all of it, without waiting. False when there is none. Also called when the

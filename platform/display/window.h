@@ -46,8 +46,9 @@ struct Window {
   // --- Erasing.
   int brush = 0;
   uint32_t background_color = kNoColor;
-  bool active = true;    // looks active
-  bool focused = false;  // has the display's input focus
+  uint32_t backdrop = kNoColor;  // what shows where it has grown and was not drawn yet
+  bool active = true;            // looks active
+  bool focused = false;          // has the display's input focus
   // --- Pixels: menu bar and content together.
   Surface surface;
   bool needs_draw = false;

@@ -43,6 +43,7 @@ void SetActive(WindowRef w, bool active) {
   uint32_t before = WindowBackground(w);
   w->active = active;
   NoticeChange(w->object.serial, Change::kState);
+  ShowBackdrop(w);
   if (w->visible && w->brush && WindowBackground(w) != before)
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
   Event e(kEventClassWindow, active ? kEventWindowActivated : kEventWindowDeactivated, w);

@@ -14,15 +14,25 @@ ContextRef CreateContext(WindowRef w) {
 
 constexpr size_t kMostLost = 32;  // rectangles; beyond that their bounds stand for them
 
+void ShowBackdrop(WindowRef w) {
+  const uint32_t now = WindowBackground(w);
+  if (w->parent || w->backdrop == now) return;
+  w->backdrop = now;
+  CurrentDisplay()->update(w, kUpdateBackdrop);
+}
+
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw) {
   if (!IsValidWindow(w)) return;
   w->brush = brush;
+  ShowBackdrop(w);
   if (redraw && w->visible)
     InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
 }
 
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb) {
-  if (IsValidWindow(w)) w->background_color = rgb;
+  if (!IsValidWindow(w)) return;
+  w->background_color = rgb;
+  ShowBackdrop(w);
 }
 
 uint32_t WindowBackground(WindowRef w) {

@@ -38,6 +38,8 @@ OSStatus TakeReportedBounds(HandlerCall* call, Event* event, void* user_data);
 OSStatus ChooseCursor(HandlerCall* call, Event* event, void* user_data);
 // The program asks for the input focus: its coming is no action of the desktop.
 void NoteFocusRequest(WindowRef w);
+// Tells the display the colour of the window's background, where that has changed.
+void ShowBackdrop(WindowRef w);
 // Asks the handlers to draw what surrounds the content.
 void DrawFrame(WindowRef w);
 

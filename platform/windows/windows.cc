@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "platform/access/access.h"
+#include "platform/display/program_icon.h"
 #include "platform/display/screens.h"
 #include "platform/events/queue.h"
 #include "platform/theme/metrics.h"
@@ -47,6 +48,7 @@ void InitWindows() {
 
 void FinishWindows() {
   while (!Windows().list.empty()) DisposeWindow(Windows().list.back());
+  FinishProgramIcons();
   for (WindowGroup* g : Windows().groups) delete g;
   delete state;
   state = nullptr;
@@ -77,11 +79,13 @@ WindowRef EnterWindow(Window* w) {
   w->object.record = w;
   w->number = ++all.made;
   EnterObject(&w->object);
-  w->native = CurrentDisplay()->create_window(w);
+  DeviceRect frame;
+  w->native = CurrentDisplay()->create_window(w, &frame);
   if (!w->native) {
     EndObject(&w->object);
     return nullptr;
   }
+  HandleFrame(w, frame);
   InstallEventHandler(&w->object.target, TakeReportedBounds, kBoundsReported, 1, nullptr);
   InstallEventHandler(&w->object.target, ChooseCursor, kPointerMoved, 1, nullptr);
   all.list.insert(all.list.begin(), w);
@@ -194,6 +198,7 @@ void ShowWindow(WindowRef w) {
   if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
   const bool erased = !w->surface.pixels;  // new pixels have the background
   ResizeSurface(w);
+  ShowBackdrop(w);
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, !erased);
   DrawFrame(w);
   std::erase(WindowList(), w);
@@ -244,6 +249,12 @@ void SetWindowModified(WindowRef w, bool modified) {
   if (!IsValidWindow(w) || w->modified == modified) return;
   w->modified = modified;
   CurrentDisplay()->update(w, kUpdateTitle);
+}
+
+void SetProgramIcon(const uint32_t* argb, int size) {
+  if (!KeepProgramIcon(argb, size)) return;
+  for (WindowRef w : WindowList())
+    if (!w->parent) CurrentDisplay()->update(w, kUpdateIcon);
 }
 
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {

@@ -254,9 +254,9 @@ xcb_atom_t XUser::Atom(const char* name) {
   return a->atom;
 }
 
-std::vector<uint32_t> XUser::Words(xcb_window_t window, const char* property) {
+std::vector<uint32_t> XUser::Words(xcb_window_t window, const char* property, uint32_t most) {
   Reply r(xcb_get_property_reply(
-      c_, xcb_get_property(c_, 0, window, Atom(property), XCB_ATOM_ANY, 0, 1024), nullptr));
+      c_, xcb_get_property(c_, 0, window, Atom(property), XCB_ATOM_ANY, 0, most), nullptr));
   if (r.p == nullptr || r->format != 32) return {};
   const auto* words = static_cast<const uint32_t*>(xcb_get_property_value(r.p));
   return {words, words + xcb_get_property_value_length(r.p) / 4};

@@ -81,7 +81,7 @@ class XUser {
   bool Viewable(xcb_window_t window);
   xcb_window_t Focus();
   // 32-bit words of a property; text of one.
-  std::vector<uint32_t> Words(xcb_window_t window, const char* property);
+  std::vector<uint32_t> Words(xcb_window_t window, const char* property, uint32_t most = 1024);
   std::string Text(xcb_window_t window, const char* property);
   xcb_atom_t Atom(const char* name);
   // A request to the window manager, as pagers and menus make it.

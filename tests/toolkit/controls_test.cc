@@ -7,7 +7,7 @@
 
 #include "platform/access/access.h"
 #include "platform/controls/controls.h"
-#include "tests/toolkit/stage.h"
+#include "tests/toolkit/control_stage.h"
 #include "toolkit/core/state.h"
 
 namespace {
@@ -15,78 +15,10 @@ namespace {
 using namespace stage;
 using namespace platform;
 
-constexpr uint32_t kOn = XWC_ENABLED | XWC_VISIBLE;
 constexpr uint32_t kTabKey = 0xFF09, kReturnKey = 0xFF0D, kEscapeKey = 0xFF1B;
 
-// Where controls are: inside a window at (100, 100).
-struct Screen {
-  XwWindow* main;
-  Screen() {
-    Open();
-    main = Main();
-    input::Focus(Native(main));
-    RunLoop();
-    XwSetFocus(main);
-    Settle();
-  }
-};
-
-const DescribedNode* FindNode(const std::vector<DescribedNode>& nodes, const std::string& name) {
-  for (const DescribedNode& n : nodes) {
-    if (n.what.name == name) return &n;
-    if (const DescribedNode* found = FindNode(n.children, name)) return found;
-  }
-  return nullptr;
-}
-DescribedNode Node(const std::string& name) {
-  const auto roots = DescribeTree();
-  const DescribedNode* n = FindNode(roots, name);
-  return n ? *n : DescribedNode();
-}
-uint32_t State(const std::string& name) {
-  return Node(name).what.state;
-}
-
-// The reports that came, "id=value" each.
-std::string Reports() {
-  std::string out;
-  for (const Seen& s : seen)
-    if (s.type == XWE_CONTROL)
-      out += (out.empty() ? "" : " ") + std::to_string(s.event.item) + "=" +
-             std::to_string(s.event.value);
-  seen.clear();
-  return out;
-}
-// Everything else that came.
-std::string Others() {
-  std::string out;
-  for (const Seen& s : seen)
-    if (s.type != XWE_CONTROL && s.type != XWE_MOTION)
-      out += (out.empty() ? "" : " ") + std::to_string(s.type);
-  seen.clear();
-  return out;
-}
-
-std::string ClickAt(int x, int y, int button = 1) {
-  input::Click(x, y, button);
-  RunLoop();
-  return Reports();
-}
-std::string Key(uint32_t keysym, uint32_t unicode, uint32_t modifiers = 0) {
-  if (modifiers) input::Modifiers(modifiers);
-  input::KeyDown(keysym, unicode);
-  input::KeyUp(keysym, unicode);
-  if (modifiers) input::Modifiers(0);
-  RunLoop();
-  return Reports();
-}
-int FocusedId() {
-  XwWindow* f = XwGetFocus(W_Start);
-  return f ? f->id : 0;
-}
-
 TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
-  Screen s;
+  ControlScreen s;
   XwButton(s.main, "Go", 5, 10, 10, 100, 26, kOn, 0);
   Settle();
   const Rect r = Node("Go").what.bounds;
@@ -145,7 +77,7 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
 }
 
 TEST(Controls, WhoGetsAPress) {
-  Screen s;
+  ControlScreen s;
   XwButton(s.main, "off", 1, 10, 10, 60, 26, XWC_VISIBLE, 0);
   XwButton(s.main, "silent", 0, 80, 10, 60, 26, kOn, 0);
   XwButton(s.main, "hidden", 3, 150, 10, 60, 26, XWC_ENABLED, 0);
@@ -220,7 +152,7 @@ TEST(Controls, WhoGetsAPress) {
 }
 
 TEST(Controls, ValuesStayInTheirRanges) {
-  Screen s;
+  ControlScreen s;
   const struct {
     XwWindow* w;
     int set[4], got[4];
@@ -251,7 +183,7 @@ TEST(Controls, ValuesStayInTheirRanges) {
 }
 
 TEST(Controls, RecordsTextsAndPlaces) {
-  Screen s;
+  ControlScreen s;
   XwWindow* push = XwButton(s.main, "Open", 1, 10, 10, 100, 20, kOn | XWC_DOTS | XWC_COLON, 0);
   EXPECT_EQ(push->height, 23);
   EXPECT_EQ(Node("Open ...:").what.bounds, (Rect{112, 111, 206, 127}));
@@ -312,7 +244,7 @@ TEST(Controls, RecordsTextsAndPlaces) {
 }
 
 TEST(Controls, TheKeyboardAlone) {
-  Screen s;
+  ControlScreen s;
   XwButton(s.main, "First", 1, 10, 10, 60, 26, kOn, 0);
   XwLabel(s.main, "Text", 2, 80, 10, 60, 26, kOn);
   XwButton(s.main, "grey", 3, 150, 10, 60, 26, XWC_VISIBLE, 0);
@@ -414,7 +346,7 @@ uint32_t PixelAt(const XwWindow* w, int x, int y) {
 }
 
 TEST(Controls, TheRingAndWhatIsDrawnAgain) {
-  Screen s;
+  ControlScreen s;
   const int32_t green = 0x00FF00;
   XwSetGround(s.main, &green, 0);
   XwWindow* bevel = XwButton(s.main, "b", 1, 50, 50, 80, 30, kOn | XWC_VARIANT, 0);
@@ -474,7 +406,7 @@ TEST(Controls, TheRingAndWhatIsDrawnAgain) {
 }
 
 TEST(Controls, AWaitForAnotherWindowKeepsThemStill) {
-  Screen s;
+  ControlScreen s;
   XwWindow* go = XwButton(s.main, "Go", 5, 10, 10, 100, 26, kOn, 0);
   XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
   XwShow(other, 1);
@@ -500,7 +432,7 @@ TEST(Controls, AWaitForAnotherWindowKeepsThemStill) {
 
 XwWindow* doomed;
 TEST(Controls, MayEndInTheirOwnReport) {
-  Screen s;
+  ControlScreen s;
   on_event = [](int type) {
     if (type == XWE_CONTROL) XwDestroy(doomed);
   };
@@ -527,7 +459,7 @@ TEST(Controls, MayEndInTheirOwnReport) {
 }
 
 TEST(Controls, DescribeThemselves) {
-  Screen s;
+  ControlScreen s;
   XwLabel(s.main, "Copies", 1, 10, 10, 60, 20, kOn);
   XwWindow* well = XwColor(s.main, nullptr, 2, 80, 10, 40, 20, kOn, 0x0000FF);
   XwWindow* icon = XwButton(s.main, IC_ARROWS, 3, 130, 10, 20, 20, kOn | XWC_ICON, 0);

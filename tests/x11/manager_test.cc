@@ -1,4 +1,6 @@
 // Windows under a window manager: placement, focus, resizing, states.
+#include <xcb/sync.h>
+
 #include "platform/events/targets.h"
 #include "tests/x11/managed.h"
 
@@ -17,6 +19,92 @@ TEST_F(Managed, AWindowComesWhereItWasAskedForAndTakesTheFocus) {
   EXPECT_TRUE(IsApplicationActive());
   EXPECT_EQ(user().Look().at(210, 160), 0x3366CCu);
   EXPECT_EQ(GetWindowBounds(w, kWindowStructureRgn).top, 150 - 24 - w->frame.top);
+}
+
+// A window that is made in a corner has its whole frame on the screen. Of the same kind and place,
+// the second costs no question.
+TEST_F(Managed, AFrameInACornerLiesOnTheScreen) {
+  for (const char* manager : {"openbox", "icewm"}) {
+    SCOPED_TRACE(manager);
+    Start(manager);
+    for (const Rect& asked : {Rect{0, 24, 300, 200}, Rect{800, 600, 1024, 768}}) {
+      WindowRef w = CreateNewWindow(kDocumentWindowClass, kAllBoxes, asked);
+      EXPECT_GT(w->frame.top, 0);
+      const Rect structure = ConstrainWindowToScreen(w);
+      MoveWindowStructure(w, structure.left, structure.top);
+      ShowWindow(w);
+      EXPECT_TRUE(RunUntil([&] { return w->focused && user().Viewable(Id(w)); }));
+      Settle();
+      ExpectBoundsAgree(w);
+      const auto frame = user().Where(user().Frame(Id(w)));
+      EXPECT_GE(frame.x, 0);
+      EXPECT_GE(frame.y, 0);
+      EXPECT_LE(frame.x + frame.width, 1024);
+      EXPECT_LE(frame.y + frame.height, 768);
+    }
+    EXPECT_EQ(x11::x.manager.frames.size(), 1u);
+    TearDown();
+  }
+}
+
+// The manager gives no further size before it sees the picture of the last one: it is told the
+// value that it announced, once the window is drawn at that size, or has not been for a while.
+TEST_F(Managed, AManagerWaitsForThePictureOfANewSize) {
+  Start("openbox");
+  WindowRef w = Show("Growing", {200, 150, 500, 350});
+  RunUntil([&] { return x11::NativeOf(w)->sync.counter != 0; });
+  const uint32_t counter = user().Words(Id(w), "_NET_WM_SYNC_REQUEST_COUNTER").at(0);
+  auto value = [&] {
+    auto* reply = xcb_sync_query_counter_reply(
+        user().connection(), xcb_sync_query_counter(user().connection(), counter), nullptr);
+    const int64_t now = reply ? int64_t(reply->counter_value.lo) : -1;
+    free(reply);
+    return now;
+  };
+  EXPECT_EQ(value(), 0);
+  // By hand, as the manager does.
+  auto announce = [&](uint32_t number) {
+    xcb_client_message_event_t m{};
+    m.response_type = XCB_CLIENT_MESSAGE;
+    m.format = 32;
+    m.window = Id(w);
+    m.type = user().Atom("WM_PROTOCOLS");
+    m.data.data32[0] = user().Atom("_NET_WM_SYNC_REQUEST");
+    m.data.data32[2] = number;
+    xcb_send_event(user().connection(), 0, Id(w), 0, reinterpret_cast<const char*>(&m));
+  };
+  announce(7);
+  user().Sync();
+  // Nothing grows: after a while it is told all the same, not before.
+  Event e;
+  ReceiveNextEvent(0, &e);
+  EXPECT_EQ(value(), 0);
+  EXPECT_TRUE(RunUntil([&] { return value() == 7; }));
+  announce(8);
+  user().Ask(Id(w), "_NET_MOVERESIZE_WINDOW", {0x2F00, 200, 126, 400, 300});
+  EXPECT_TRUE(RunUntil([&] { return value() >= 8; }));
+  EXPECT_EQ(w->surface.width, 400);
+  EXPECT_FALSE(x11::NativeOf(w)->sync.waits);
+}
+
+TEST_F(Managed, TheProgramsIconComesAfterTheFirstPicture) {
+  Start("openbox");
+  const std::vector<uint32_t> small(16 * 16, 0x80123456), large(256 * 256, 0xFFFFFFFF);
+  SetProgramIcon(large.data(), 256);
+  SetProgramIcon(small.data(), 16);
+  WindowRef w = Show("Icon", {200, 150, 500, 350});
+  WindowRef second = Show("Second", {250, 150, 500, 350});
+  for (WindowRef each : {w, second}) {
+    const auto words = user().Words(Id(each), "_NET_WM_ICON", 70000);
+    ASSERT_EQ(words.size(), 2 + 16 * 16 + 2 + 256 * 256u);
+    EXPECT_EQ(words[0], 16u);
+    EXPECT_EQ(words[2], 0x80123456u);
+    EXPECT_EQ(words[2 + 256], 256u);
+  }
+  SetProgramIcon(nullptr, 256);
+  SetProgramIcon(small.data(), 257);
+  FlushWindow(w);
+  EXPECT_EQ(user().Words(Id(w), "_NET_WM_ICON", 70000).size(), 2 + 16 * 16u);
 }
 
 TEST_F(Managed, MovesOfTheProgramLandExactly) {
@@ -303,7 +391,8 @@ TEST_F(Managed, PingsAreAnswered) {
   WindowRef w = Show("Pinged", {200, 150, 500, 350});
   const auto protocols = user().Words(Id(w), "WM_PROTOCOLS");
   EXPECT_EQ(protocols,
-            (std::vector<uint32_t>{user().Atom("WM_DELETE_WINDOW"), user().Atom("_NET_WM_PING")}));
+            (std::vector<uint32_t>{user().Atom("WM_DELETE_WINDOW"), user().Atom("_NET_WM_PING"),
+                                   user().Atom("_NET_WM_SYNC_REQUEST")}));
   // The manager asks the window; the answer is the same message, at the root window.
   xcb_connection_t* c = user().connection();
   const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/controls/controls.h"
+#include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -99,6 +100,21 @@ void DrawContent(XwWindow* w, const Rect& lost) {
   }
 }
 
+// The platform tells it at once, in the middle of what it takes in; the program hears of it in the
+// order of the events.
+void PostActivity(XwWindow* w) {
+  if (!w->activation_handler) return;
+  Event e(kEventClassWindow, kEventWindowActivity, NativeWindow(w));
+  e.time = GetCurrentEventTime();
+  PostEventToQueue(GetMainEventQueue(), e);
+}
+
+void TellActivity(XwWindow* w) {
+  if (!w->activation_handler) return;
+  TargetScope scope;
+  w->activation_handler(IsWindowActive(NativeWindow(w)));
+}
+
 // True when the first window is there to take it.
 bool AskFirstWindow(int type, int param = 0) {
   if (!IsLive(W_Start)) return false;
@@ -130,6 +146,13 @@ OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
       break;
     case kEventWindowFocusAcquired:
       TakeFocus(w);
+      break;
+    case kEventWindowActivated:
+    case kEventWindowDeactivated:
+      PostActivity(w);
+      return eventNotHandledErr;
+    case kEventWindowActivity:
+      TellActivity(w);
       break;
     default:
       break;

@@ -21,6 +21,9 @@ constexpr EventKind kWindowEvents[] = {
     {kEventClassWindow, kEventWindowClose},
     {kEventClassWindow, kEventWindowZoom},
     {kEventClassWindow, kEventWindowFocusAcquired},
+    {kEventClassWindow, kEventWindowActivated},
+    {kEventClassWindow, kEventWindowDeactivated},
+    {kEventClassWindow, kEventWindowActivity},
 };
 constexpr EventKind kMouseEvents[] = {
     {kEventClassMouse, kEventMouseDown},

@@ -67,6 +67,7 @@ std::vector<Screen> ReadScreens(const char* text, double scale) {
 OpenResult Open(const char*) {
   State& s = Headless();
   s.open = true;
+  s.kept = nullptr;
   // A replay needs no time of its own.
   if (const char* replay = getenv("XW_REPLAY"); replay && *replay && !s.stepped) UseSteppedClock(0);
   s.screens = ReadScreens(getenv("XW_SCREEN"), ScaleIn(getenv("XW_SCALE"), 1));
@@ -114,7 +115,9 @@ void CloseDisplay() {
   State& s = Headless();
   bool stepped = s.stepped;
   double now = s.now;
+  SharedText kept = std::move(s.kept);
   s = State();
+  s.kept = std::move(kept);
   s.stepped = stepped;
   s.now = now;
 }
@@ -126,7 +129,7 @@ int Screens(Screen* out, int max) {
   return count;
 }
 
-void* CreateNative(const Window* w) {
+void* CreateNative(const Window* w, DeviceRect* frame) {
   auto* n = new NativeWindow;
   n->cursor = w->cursor;
   n->scale = w->surface.scale;
@@ -134,6 +137,7 @@ void* CreateNative(const Window* w) {
   State& s = Headless();
   s.unseen = true;
   s.windows.push_back(w);
+  if (w->parent == nullptr) *frame = s.frames;
   ++s.counts.windows;
   return n;
 }
@@ -280,6 +284,7 @@ bool NextEvent(RawEvent* out) {
     s.paths.pop_front();
     out->text = s.path.c_str();
   }
+  if (out->type == RawEvent::kTextArrived) out->arrived = TakeArrived(out->request);
   return true;
 }
 
@@ -379,6 +384,9 @@ const Display kHeadlessDisplay = {
     .flush = Flush,
     .destroy_cursor = DestroyCursor,
     .grab = Grab,
+    .offer_text = OfferOwnText,
+    .ask_text = AskOtherForText,
+    .keep_text = KeepOwnText,
     .beep = Beep,
     .next_event = NextEvent,
     .descriptors = nullptr,

@@ -315,6 +315,10 @@ void Frame(const Window* w, const DeviceRect& widths) {
   Push(raw);
 }
 
+void Frames(const DeviceRect& widths) {
+  Headless().frames = widths;
+}
+
 void SetState(const Window* w, uint32_t state) {
   RawEvent raw = Report(RawEvent::kState, w);
   raw.state = state;

@@ -49,8 +49,8 @@ int Screens(Screen* out, int max) {
 }
 
 // Makes the window at DeviceBounds(*w), with all that Update tells. What is returned is in
-// `w->native` from now on.
-void* CreateWindow(const Window*) {
+// `w->native` from now on. There are no frames here.
+void* CreateWindow(const Window*, DeviceRect*) {
   return new NativeWindow;
 }
 
@@ -67,7 +67,7 @@ void MapWindow(const Window* w, bool shown) {
 // The platform has noted the new place already; a display that grants another one reports it with
 // kConfigure.
 void MoveResize(const Window*) {}
-// Title, hints, cursor: those that `what` names.
+// Title, hints, cursor, backdrop, icon: those that `what` names.
 void Update(const Window*, uint32_t) {}
 
 void Raise(const Window* w, uint32_t how, const char*) {
@@ -120,6 +120,9 @@ const Display kSkeletonDisplay = {
     .flush = Flush,
     .destroy_cursor = nullptr,
     .grab = nullptr,
+    .offer_text = nullptr,
+    .ask_text = nullptr,
+    .keep_text = nullptr,
     .beep = nullptr,
     .next_event = NextEvent,
     .descriptors = nullptr,

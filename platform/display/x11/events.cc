@@ -65,6 +65,7 @@ void OnConfigure(const xcb_generic_event_t* event) {
     bounds = {at->dst_x, at->dst_y, at->dst_x + e->width, at->dst_y + e->height};
   }
   n->check.passed_over = false;
+  NoteSize(n);
   TakeBounds(n, bounds, event->full_sequence);
 }
 
@@ -128,6 +129,9 @@ void OnProperty(const xcb_generic_event_t* event) {
     if (Native* n = FindNative(e->window)) TakeMapped(n);
   } else if (e->atom == Atom(kXwDrop) && e->state == XCB_PROPERTY_NEW_VALUE) {
     if (Native* n = FindNative(e->window)) HandleDropPiece(n);
+  } else if (e->window == x.screen->root &&
+             (e->atom == Atom(kNetSupported) || e->atom == Atom(kNetSupportingWmCheck))) {
+    ForgetManager();
   } else if ((e->window == x.screen->root && e->atom == XCB_ATOM_RESOURCE_MANAGER) ||
              (e->window == x.settings_owner && e->atom == Atom(kXsettingsSettings))) {
     RefreshScreens();
@@ -138,6 +142,8 @@ void OnProtocol(Native* n, const xcb_client_message_event_t* e) {
   const xcb_atom_t what = e->data.data32[0];
   if (what == Atom(kWmDeleteWindow)) {
     Emit(RawEvent::kClose, n, e->data.data32[1]);
+  } else if (what == Atom(kNetWmSyncRequest)) {
+    HandleSyncRequest(n, e);
   } else if (what == Atom(kNetWmPing)) {
     SendClientMessage(x.screen->root, x.screen->root, kWmProtocols, e->data.data32,
                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
@@ -252,6 +258,9 @@ void OpenLate() {
   OpenKeyboard();
   OpenCursors();
   EndStartup();
+  for (auto& [id, n] : x.windows) {
+    if (n->presented) FinishWindow(n);
+  }
 }
 
 double Now() {

@@ -75,14 +75,23 @@ void SetText(xcb_window_t id, xcb_atom_t property, xcb_atom_t type, const std::s
                       text.data());
 }
 
-void SetMotifHints(const Native& n, const ClassStyle& style) {
-  uint32_t functions = kMoveFunction, decorations = style.decorated ? kFrameDecorations : 0;
+// Functions and decorations of the Motif hints.
+struct MotifWords {
+  uint32_t functions, decorations;
+};
+MotifWords MotifWordsOf(const Window& w, const ClassStyle& style) {
+  MotifWords words{kMoveFunction, style.decorated ? kFrameDecorations : 0};
   for (const AttributeHint& h : kAttributeHints) {
-    if ((n.w->attributes & h.attribute) == 0) continue;
-    functions |= h.functions;
-    if (style.decorated) decorations |= h.decorations;
+    if ((w.attributes & h.attribute) == 0) continue;
+    words.functions |= h.functions;
+    if (style.decorated) words.decorations |= h.decorations;
   }
-  const uint32_t hints[5] = {1 | 2, functions, decorations, 0, 0};
+  return words;
+}
+
+void SetMotifHints(const Native& n, const ClassStyle& style) {
+  const MotifWords words = MotifWordsOf(*n.w, style);
+  const uint32_t hints[5] = {1 | 2, words.functions, words.decorations, 0, 0};
   SetProperty(n.id, Atom(kMotifWmHints), Atom(kMotifWmHints), hints, 5);
 }
 
@@ -125,6 +134,12 @@ int DeviceStep(int step, double scale) {
 
 }  // namespace
 
+uint64_t FrameKind(const Window& w) {
+  const ClassStyle& style = StyleOf(w);
+  if (!style.decorated) return 0;
+  return uint64_t{Atom(style.type)} << 32 | MotifWordsOf(w, style).decorations;
+}
+
 void SetIdentity(const Native& n) {
   std::string names = program_invocation_short_name;
   names.push_back('\0');
@@ -137,8 +152,7 @@ void SetIdentity(const Native& n) {
     const uint32_t pid = uint32_t(getpid());
     SetProperty(n.id, Atom(kNetWmPid), XCB_ATOM_CARDINAL, &pid, 1);
   }
-  const xcb_atom_t protocols[] = {Atom(kWmDeleteWindow), Atom(kNetWmPing)};
-  SetProperty(n.id, Atom(kWmProtocols), XCB_ATOM_ATOM, protocols, 2);
+  SetProtocols(n);
   xcb_icccm_wm_hints_t hints{};
   xcb_icccm_wm_hints_set_input(&hints, 1);
   xcb_icccm_wm_hints_set_normal(&hints);
@@ -148,12 +162,24 @@ void SetIdentity(const Native& n) {
   SetProperty(n.id, Atom(kXdndAware), XCB_ATOM_ATOM, &version, 1);
 }
 
+void SetProtocols(const Native& n) {
+  const xcb_atom_t protocols[] = {Atom(kWmDeleteWindow), Atom(kNetWmPing), Atom(kNetWmSyncRequest)};
+  SetProperty(n.id, Atom(kWmProtocols), XCB_ATOM_ATOM, protocols, n.sync.counter != 0 ? 3 : 2);
+}
+
+void SetBackdrop(const Native& n) {
+  if (n.w->backdrop == kNoColor) return;
+  xcb_change_window_attributes(x.c, n.id, XCB_CW_BACK_PIXEL, &n.w->backdrop);
+}
+
 void UpdateNative(const Window* w, uint32_t what) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
   if ((what & kUpdateTitle) != 0) SetTitle(*n);
   if ((what & kUpdateHints) != 0) SetHints(n);
   if ((what & kUpdateCursor) != 0) SetCursor(n);
+  if ((what & kUpdateBackdrop) != 0) SetBackdrop(*n);
+  if ((what & kUpdateIcon) != 0 && n->finished) SetIcon(*n);
 }
 
 void SetTitle(const Native& n) {

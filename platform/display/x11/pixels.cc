@@ -205,6 +205,8 @@ void Present(const Window* w, const DeviceRect* rects, int count) {
       PutPlain(*n, r);
     }
   }
+  NotePresented(n);
+  if (x.late_done && !n->finished) FinishWindow(n);
 }
 
 bool HandleSharedMemoryError(const xcb_generic_error_t* error) {

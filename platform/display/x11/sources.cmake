@@ -7,16 +7,18 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/grab.cc
   ${CMAKE_CURRENT_LIST_DIR}/hints.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
+  ${CMAKE_CURRENT_LIST_DIR}/manager.cc
   ${CMAKE_CURRENT_LIST_DIR}/mapping.cc
   ${CMAKE_CURRENT_LIST_DIR}/pixels.cc
   ${CMAKE_CURRENT_LIST_DIR}/pointer.cc
   ${CMAKE_CURRENT_LIST_DIR}/screens.cc
   ${CMAKE_CURRENT_LIST_DIR}/startup.cc
+  ${CMAKE_CURRENT_LIST_DIR}/sync.cc
   ${CMAKE_CURRENT_LIST_DIR}/tablet.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc
   ${CMAKE_CURRENT_LIST_DIR}/x.cc)
 
 # xkbcommon is loaded with the first key (compose.cc).
 quorvik_archives(xw_x11_archives xcb-cursor xcb-image xcb-render-util xcb-render xcb-util xcb-shm
-  xcb-randr xcb-xkb xcb-xinput xcb-xfixes xcb-icccm xcb Xau Xdmcp)
+  xcb-randr xcb-xkb xcb-xinput xcb-xfixes xcb-icccm xcb-sync xcb Xau Xdmcp)
 target_link_libraries(xw PUBLIC ${xw_x11_archives} ${CMAKE_DL_LIBS})

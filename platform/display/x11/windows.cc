@@ -19,21 +19,6 @@ uint32_t EventsOf(const Window& w) {
                              : kWindowEvents;
 }
 
-xcb_window_t ReadWindow(xcb_get_property_cookie_t cookie) {
-  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
-  if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.p) < 4) return XCB_NONE;
-  return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.p));
-}
-
-// A window manager runs when its check window names itself.
-bool HasWindowManager() {
-  auto ask = [](xcb_window_t window) {
-    return xcb_get_property(x.c, 0, window, Atom(kNetSupportingWmCheck), XCB_ATOM_WINDOW, 0, 1);
-  };
-  const xcb_window_t check = ReadWindow(ask(x.screen->root));
-  return check != XCB_NONE && ReadWindow(ask(check)) == check;
-}
-
 }  // namespace
 
 void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
@@ -47,7 +32,7 @@ void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, cons
   xcb_send_event(x.c, 0, to, mask, reinterpret_cast<const char*>(&m));
 }
 
-void* CreateNative(const Window* w) {
+void* CreateNative(const Window* w, DeviceRect* frame) {
   if (xcb_connection_has_error(x.c)) return nullptr;
   auto* n = new Native;
   const DeviceRect r = Wanted(*w);
@@ -55,7 +40,7 @@ void* CreateNative(const Window* w) {
   n->id = xcb_generate_id(x.c);
   n->bounds = r;
   n->bounds_known = true;
-  // No background, and pixels that stay where they are: a resize does not flash.
+  // Pixels that stay where they are, and no background until SetBackdrop: a resize does not flash.
   const uint32_t mask = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY |
                         XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
                         (x.colormap != 0 ? XCB_CW_COLORMAP : 0);
@@ -76,6 +61,7 @@ void* CreateNative(const Window* w) {
   }
   SetHints(n);
   SetCursor(n);
+  if (w->parent == nullptr) *frame = FrameOf(*n, FrameKind(*w));
   if (r != DeviceBounds(*w)) EmitBounds(n, r);
   return n;
 }
@@ -90,6 +76,7 @@ void DestroyNative(const Window* w) {
   ForgetCheck(n);
   KeepBuffer(n);
   FreeBuffer(n);
+  ForgetCounter(n);
   xcb_destroy_window(x.c, n->id);
   x.windows.erase(n->id);
   if (x.leader == n->id) x.leader = XCB_NONE;
@@ -130,17 +117,6 @@ void Activate(Native* n) {
   const uint32_t data[5] = {1, x.user_time, current, 0, 0};
   SendClientMessage(x.screen->root, n->id, kNetActiveWindow, data,
                     XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-}
-
-void ReadFrameExtents(Native* n) {
-  auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetFrameExtents), XCB_ATOM_CARDINAL, 0, 4);
-  Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
-  RawEvent* out = Emit(RawEvent::kFrame, n);
-  if (reply && reply->format == 32 && xcb_get_property_value_length(reply.p) >= 16) {
-    const auto* v = static_cast<const uint32_t*>(xcb_get_property_value(reply.p));
-    auto width = [v](int i) { return int(std::min<uint32_t>(v[i], 4096)); };
-    out->frame = {width(0), width(2), width(1), width(3)};
-  }
 }
 
 }  // namespace platform::x11

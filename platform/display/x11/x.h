@@ -19,50 +19,55 @@
 namespace platform::x11 {
 
 // Every atom that is used, by the name of its constant. All are asked for in one batch.
-#define XW_ATOMS(ATOM)                                          \
-  ATOM(kUtf8String, "UTF8_STRING")                              \
-  ATOM(kWmProtocols, "WM_PROTOCOLS")                            \
-  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                     \
-  ATOM(kWmState, "WM_STATE")                                    \
-  ATOM(kNetWmPing, "_NET_WM_PING")                              \
-  ATOM(kNetWmName, "_NET_WM_NAME")                              \
-  ATOM(kNetWmPid, "_NET_WM_PID")                                \
-  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                     \
-  ATOM(kNetStartupId, "_NET_STARTUP_ID")                        \
-  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")         \
-  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                    \
-  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                  \
-  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                  \
-  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")       \
-  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                 \
-  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")    \
-  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")    \
-  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")  \
-  ATOM(kNetWmWindowTypePopUp, "_NET_WM_WINDOW_TYPE_POPUP_MENU") \
-  ATOM(kNetWmState, "_NET_WM_STATE")                            \
-  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                 \
-  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")       \
-  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")    \
-  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")        \
-  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                        \
-  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                    \
-  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")               \
-  ATOM(kManager, "MANAGER")                                     \
-  ATOM(kXdndAware, "XdndAware")                                 \
-  ATOM(kXdndEnter, "XdndEnter")                                 \
-  ATOM(kXdndPosition, "XdndPosition")                           \
-  ATOM(kXdndStatus, "XdndStatus")                               \
-  ATOM(kXdndLeave, "XdndLeave")                                 \
-  ATOM(kXdndDrop, "XdndDrop")                                   \
-  ATOM(kXdndFinished, "XdndFinished")                           \
-  ATOM(kXdndSelection, "XdndSelection")                         \
-  ATOM(kXdndTypeList, "XdndTypeList")                           \
-  ATOM(kXdndActionCopy, "XdndActionCopy")                       \
-  ATOM(kTextUriList, "text/uri-list")                           \
-  ATOM(kXwDrop, "_XW_DROP")                                     \
-  ATOM(kIncr, "INCR")                                           \
-  ATOM(kAbsPressure, "Abs Pressure")                            \
-  ATOM(kAbsTiltX, "Abs Tilt X")                                 \
+#define XW_ATOMS(ATOM)                                           \
+  ATOM(kUtf8String, "UTF8_STRING")                               \
+  ATOM(kWmProtocols, "WM_PROTOCOLS")                             \
+  ATOM(kWmDeleteWindow, "WM_DELETE_WINDOW")                      \
+  ATOM(kWmState, "WM_STATE")                                     \
+  ATOM(kNetWmPing, "_NET_WM_PING")                               \
+  ATOM(kNetWmSyncRequest, "_NET_WM_SYNC_REQUEST")                \
+  ATOM(kNetWmSyncRequestCounter, "_NET_WM_SYNC_REQUEST_COUNTER") \
+  ATOM(kNetWmIcon, "_NET_WM_ICON")                               \
+  ATOM(kNetWmName, "_NET_WM_NAME")                               \
+  ATOM(kNetWmPid, "_NET_WM_PID")                                 \
+  ATOM(kNetWmUserTime, "_NET_WM_USER_TIME")                      \
+  ATOM(kNetStartupId, "_NET_STARTUP_ID")                         \
+  ATOM(kNetStartupInfoBegin, "_NET_STARTUP_INFO_BEGIN")          \
+  ATOM(kNetStartupInfo, "_NET_STARTUP_INFO")                     \
+  ATOM(kNetActiveWindow, "_NET_ACTIVE_WINDOW")                   \
+  ATOM(kNetFrameExtents, "_NET_FRAME_EXTENTS")                   \
+  ATOM(kNetRequestFrameExtents, "_NET_REQUEST_FRAME_EXTENTS")    \
+  ATOM(kNetSupported, "_NET_SUPPORTED")                          \
+  ATOM(kNetSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")        \
+  ATOM(kNetWmWindowType, "_NET_WM_WINDOW_TYPE")                  \
+  ATOM(kNetWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")     \
+  ATOM(kNetWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")     \
+  ATOM(kNetWmWindowTypeUtility, "_NET_WM_WINDOW_TYPE_UTILITY")   \
+  ATOM(kNetWmWindowTypePopUp, "_NET_WM_WINDOW_TYPE_POPUP_MENU")  \
+  ATOM(kNetWmState, "_NET_WM_STATE")                             \
+  ATOM(kNetWmStateModal, "_NET_WM_STATE_MODAL")                  \
+  ATOM(kNetWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")        \
+  ATOM(kNetWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")     \
+  ATOM(kNetWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")         \
+  ATOM(kMotifWmHints, "_MOTIF_WM_HINTS")                         \
+  ATOM(kXsettingsSelection, "_XSETTINGS_S0")                     \
+  ATOM(kXsettingsSettings, "_XSETTINGS_SETTINGS")                \
+  ATOM(kManager, "MANAGER")                                      \
+  ATOM(kXdndAware, "XdndAware")                                  \
+  ATOM(kXdndEnter, "XdndEnter")                                  \
+  ATOM(kXdndPosition, "XdndPosition")                            \
+  ATOM(kXdndStatus, "XdndStatus")                                \
+  ATOM(kXdndLeave, "XdndLeave")                                  \
+  ATOM(kXdndDrop, "XdndDrop")                                    \
+  ATOM(kXdndFinished, "XdndFinished")                            \
+  ATOM(kXdndSelection, "XdndSelection")                          \
+  ATOM(kXdndTypeList, "XdndTypeList")                            \
+  ATOM(kXdndActionCopy, "XdndActionCopy")                        \
+  ATOM(kTextUriList, "text/uri-list")                            \
+  ATOM(kXwDrop, "_XW_DROP")                                      \
+  ATOM(kIncr, "INCR")                                            \
+  ATOM(kAbsPressure, "Abs Pressure")                             \
+  ATOM(kAbsTiltX, "Abs Tilt X")                                  \
   ATOM(kAbsTiltY, "Abs Tilt Y")
 
 enum AtomIndex {
@@ -112,6 +117,16 @@ struct Native {
   uint32_t states = 0;       // bits of kStateAtoms that the desktop was told
   bool full_screen = false;  // as the desktop says
   xcb_cursor_t cursor = 0;
+  bool finished = false;  // has what comes after the first picture (sync.cc)
+  // The window manager's wait for the picture of a size that it gives.
+  struct {
+    uint32_t counter = 0;  // 0: none
+    uint32_t low = 0;      // the value that it waits for
+    int32_t high = 0;
+    bool waits = false;
+    bool sized = false;  // the size that it has announced is here
+    EventLoopTimerRef patience = nullptr;
+  } sync;
 };
 
 struct State {
@@ -133,6 +148,17 @@ struct State {
   bool idle = false;              // and after that the program had nothing left to do
   xcb_timestamp_t user_time = 0;  // of the user's last press or key
   xcb_window_t leader = 0;        // the first window
+  // What is known of the window manager (manager.cc).
+  struct {
+    bool known = false;
+    bool tells_frames = false, syncs = false;
+    struct Frame {
+      uint64_t kind;
+      DeviceRect widths;
+    };
+    std::vector<Frame> frames;
+  } manager;
+  enum { kSyncUnknown, kSyncMissing, kSyncHere } sync = kSyncUnknown;  // the extension
   uint8_t randr_event = 0, xkb_event = 0, xi_opcode = 0;
   // The server's clock in seconds since its first report, and what leads from there to ours.
   struct {
@@ -194,7 +220,7 @@ void ForgetAsked(Native* n);
 void ForgetCheck(Native* n);
 
 // --- windows.cc, hints.cc
-void* CreateNative(const Window* w);
+void* CreateNative(const Window* w, DeviceRect* frame);
 void DestroyNative(const Window* w);
 void RaiseNative(const Window* w, uint32_t how, const char* token);
 // Asks for the focus, now or once it is mapped.
@@ -211,10 +237,36 @@ void WriteStates(Native* n);
 // The states as the window manager has them, reported where they have changed: the user may have
 // ended full screen there.
 void ReadStates(Native* n);
-// The widths of the window manager's frame, reported.
-void ReadFrameExtents(Native* n);
+// What decides how wide the frame of a window is, as one number; 0: there is none.
+uint64_t FrameKind(const Window& w);
+// The protocols of the window manager that the window takes part in.
+void SetProtocols(const Native& n);
+// The colour of what is uncovered before it is drawn.
+void SetBackdrop(const Native& n);
 void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, const uint32_t data[5],
                        uint32_t mask);
+
+// --- manager.cc
+bool HasWindowManager();
+// It takes part in the protocol of sync.cc.
+bool ManagerSyncs();
+// Another one may run now.
+void ForgetManager();
+// The widths of the frame that a new window of this kind will get, where that is known or has to be
+// asked for; waits for the answer.
+DeviceRect FrameOf(const Native& n, uint64_t kind);
+// The widths of the window's frame, reported.
+void ReadFrameExtents(Native* n);
+
+// --- sync.cc
+// Gives a window, after its first picture, what that did not need.
+void FinishWindow(Native* n);
+void SetIcon(const Native& n);
+// The manager announces a size; the server has given it; a picture is out.
+void HandleSyncRequest(Native* n, const xcb_client_message_event_t* e);
+void NoteSize(Native* n);
+void NotePresented(Native* n);
+void ForgetCounter(Native* n);
 
 // --- mapping.cc
 void MapNative(const Window* w, bool shown);
