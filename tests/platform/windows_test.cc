@@ -85,7 +85,9 @@ TEST(Translate, DrawRequestsWaitUntilIdleOrFiftyMilliseconds) {
   for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
   Event e;
   ReceiveNextEvent(0, &e);
-  headless::Step(0.0501);
+  headless::Step(0.03);
+  InvalidateWindow(w, {40, 20, 50, 30}, false);  // the first request counts
+  headless::Step(0.0201);
   EXPECT_EQ(Receive(), "wind2 test1 test2") << "it has waited long enough";
   InvalidateWindow(w, {20, 20, 30, 30}, false);
   HideWindow(w);
