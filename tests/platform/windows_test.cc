@@ -59,8 +59,21 @@ TEST(Translate, NeighbouringMotionsMerge) {
 }
 
 TEST(Translate, PlacesAtAFractionalScale) {
-  setenv("XW_SCALE", "1.5", 1);
+  setenv("XW_SCALE", "1.25", 1);
   WindowRef w = Open();
+  RawEvent raw;
+  raw.type = RawEvent::kMotion;
+  raw.window = w;
+  for (int x = 0; x < 50; ++x) {
+    raw.x = float(DeviceEdge(x, 1.25));  // the first of its device pixels
+    headless::Inject(raw);
+    Event e;
+    ASSERT_TRUE(ReceiveNextEvent(0, &e)) << x;
+    EXPECT_EQ(e.mouse.where.x, w->content.left + x);
+  }
+  FinishPlatform();
+  setenv("XW_SCALE", "1.5", 1);
+  w = Open();
   for (int x = 100; x < 149; ++x) {
     MovePointer(x, 2 * x);
     Event e;

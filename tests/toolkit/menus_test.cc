@@ -275,10 +275,33 @@ TEST(Menus, PopUps) {
         },
         [] { EXPECT_TRUE(Shown("Print")) << "also over an item"; }, Key(kEscape, 27)});
   EXPECT_EQ(result, 0);
+  User({open,
+        [] {
+          input::MovePointer(390, 290);
+          Up();
+        },
+        [] { EXPECT_TRUE(Shown("Print")) << "and beside it"; }, Key(kEscape, 27)});
   User({open, Up, Move("Sort"), Move("Deeper"), Move("Two"), [] { Down(), Up(); }});
   EXPECT_EQ(result, 302);
   EXPECT_EQ(m.file[0].flags & XWM_BUILT, XWM_BUILT) << "that of the bar";
   EXPECT_EQ(MenuListCount + MenuColorCount, 0);
+  // One that is opened as another is about to open takes its place.
+  const auto press = on_event;
+  on_event = [](int type) {
+    if (type != XWE_MENU_OPENING) return;
+    on_event = nullptr;
+    XwPopupMenu(menus->sort);
+  };
+  User({Move("File"), [] { Down(), Up(); }, [] { EXPECT_TRUE(Shown("By size")); }, Key(kEscape, 27),
+        [] { EXPECT_FALSE(Shown("Print")); }});
+  on_event = press;
+  // A letter goes on to the next item that it begins.
+  on_event = [](int type) {
+    if (type == XWE_PRESS) result = XwPopupMenu(menus->sort);
+  };
+  User({open, Up, Key('b', 'b'), Key('b', 'b'), Key(kReturn, 13)});
+  EXPECT_EQ(result, 202);
+  on_event = press;
   // It is closed by what takes the pointer or the window away, and by requests, which follow.
   const std::function<void()> ends[] = {Key(kEscape, 27), [] { input::Quit(); },
                                         [] { input::Close(Native(W_Start)); },
@@ -347,6 +370,9 @@ TEST(Menus, ItemsByTheirIds) {
   EXPECT_STREQ(XwGetMenuItemText(m.file, 202, text), "By size");
   EXPECT_EQ(XwGetMenuItemText(m.file, 999, text), nullptr);
   EXPECT_STREQ(text, "");
+  m.deep[1].id = 65535;
+  EXPECT_EQ(XwGetMenuItemText(m.file, 65535, text), nullptr) << "not below the array";
+  EXPECT_STREQ(XwGetMenuItemText(m.deep, 65535, text), "Two");
   // An array inside itself, and one whose menu has ended.
   XwMenuItem loop[3] = {{"again", 0, 0, nullptr}, {"x", XWM_UTF8, 5, nullptr}, {}};
   loop[0].id = reinterpret_cast<XwValue>(loop);
@@ -356,21 +382,38 @@ TEST(Menus, ItemsByTheirIds) {
   EXPECT_TRUE(Item("\xC3\x89tage").state & kIsEnabled);
   EXPECT_EQ(XwGetMenuItemState(loop, 6), 0);
   EXPECT_FALSE(Item("again").state & kIsEnabled) << "an address is never chosen";
-  // Each array twice in the one before it: looked through once, and described up to a limit.
-  std::vector<XwMenuItem> twice(3 * 40);
-  for (size_t i = 0; i < 40; ++i)
-    twice[3 * i] = twice[3 * i + 1] = {
-        "sub", 0, i < 39 ? reinterpret_cast<XwValue>(&twice[3 * i + 3]) : 7, nullptr};
+  // Each array twice in the one before it: looked through once, to a depth, and described up to a
+  // number of items.
+  std::vector<XwMenuItem> twice(3 * kDeepestMenu + 6);
+  for (size_t i = 0; 3 * i + 3 < twice.size(); ++i)
+    twice[3 * i] =
+        twice[3 * i + 1] = {"sub", 0, reinterpret_cast<XwValue>(&twice[3 * i + 3]), nullptr};
+  XwMenuItem *deepest = &twice[3 * kDeepestMenu - 3], *deeper = deepest + 3;
+  deepest[1] = {"deepest", 0, 7, nullptr};
+  deeper[0] = {"deeper", 0, 8, nullptr};
   other[0].id = reinterpret_cast<XwValue>(twice.data());
   XwSetMenu(m.main, other);
+  EXPECT_EQ(deepest->flags, XWM_BUILT);
+  EXPECT_EQ(deeper->flags, 0);
   XwCheckMenuItem(twice.data(), 7, 1);
-  EXPECT_EQ(twice[3 * 39].flags & XWM_CHECKED, XWM_CHECKED);
-  EXPECT_EQ(XwGetMenuItemState(twice.data(), 8), 0);
+  EXPECT_EQ(deepest[1].flags, XWM_CHECKED);
+  XwCheckMenuItem(twice.data(), 8, 1);
+  EXPECT_EQ(deeper->flags, 0);
   std::vector<Description> subs;
   Collect(DescribeTree(), "sub", &subs);
-  EXPECT_EQ(subs.size(), size_t{kMostDescribedItems});
+  EXPECT_GT(subs.size(), size_t{kMostDescribedItems / 2});
   XwSetMenu(m.main, m.bar);
   EXPECT_FALSE(Item("Load").name.empty()) << "what was built stays";
+  // One that is made again closes the one that is open.
+  static Menus* menus;
+  menus = &m;
+  User({Move("File"), [] { Down(), Up(); },
+        [] {
+          EXPECT_TRUE(Shown("Load"));
+          menus->file[0].flags = 0;
+          XwSetMenu(menus->main, menus->bar);
+        },
+        [] { EXPECT_FALSE(Shown("Load")); }});
 }
 
 TEST(Menus, TooMany) {
@@ -393,7 +436,15 @@ TEST(Menus, TooMany) {
           input::MovePointer(170, 500);
           input::Scroll(0, -100000);
         },
-        [] { EXPECT_TRUE(Shown("Item 0")); }, Key(kEnd), Key(kReturn, 13)});
+        [] {
+          EXPECT_TRUE(Shown("Item 0"));
+          input::Scroll(0, 100000);
+        },
+        [] {
+          EXPECT_TRUE(Shown("Item 199"));
+          EXPECT_EQ(Item("Item 199").bounds.height(), Item("Item 198").bounds.height());
+        },
+        Key(kEnd), Key(kReturn, 13)});
   EXPECT_EQ(result, 1199);
   // A bar too narrow for its titles.
   std::vector<XwMenuItem> titles;
