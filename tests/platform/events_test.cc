@@ -59,7 +59,8 @@ TEST(Queue, KeepsItsOrderWhileItGrowsAndIsThinnedOut) {
     }
     ASSERT_EQ(main_event_queue.size(), expected.size());
   }
-  static int disposed = 0;
+  static int disposed;
+  disposed = 0;
   FlushEventQueue(queue, [](void*) { ++disposed; });
   EXPECT_TRUE(main_event_queue.empty());
   EXPECT_EQ(disposed, 0) << "no payloads";

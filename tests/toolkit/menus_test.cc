@@ -8,7 +8,7 @@
 #include "platform/access/access.h"
 #include "platform/events/event.h"
 #include "platform/loop/tracking.h"
-#include "platform/menus/menus.h"
+#include "platform/menus/menu.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/session.h"
@@ -413,7 +413,7 @@ TEST(Menus, ItemsByTheirIds) {
           menus->file[0].flags = 0;
           XwSetMenu(menus->main, menus->bar);
         },
-        [] { EXPECT_FALSE(Shown("Load")); }});
+        [] { EXPECT_FALSE(MenusAreOpen()); }});
 }
 
 TEST(Menus, TooMany) {
