@@ -81,7 +81,8 @@ TEST(Queue, UserEventsHaveOneOwner) {
   std::vector<void*> seen;
   ForEachUserEvent(queue, FourCC("mine"), [&](void* p) { seen.push_back(p); });
   EXPECT_EQ(seen, (std::vector<void*>{&payloads[0], &payloads[1], &payloads[2]}));
-  static int disposed = 0;
+  static int disposed;
+  disposed = 0;
   FlushEventQueue(queue, [](void*) { ++disposed; });
   EXPECT_EQ(disposed, 3);
 }
