@@ -225,8 +225,8 @@ TEST(Menus, KeysOfItems) {
               {'o', 'o', controlKey | alphaLock, "777 793 111 800 777 794:101"},
               {'o', 'o', controlKey | shiftKey, "777 111 800 777"},
               {0xFFC2, 0, 0, "793 260 800 794:301"},
-              {'r', 'r', controlKey, "777 114 800 777"},
-              {'s', 's', controlKey, "777 115 800 777"},
+              {'r', 'r', controlKey, "777 793 114 800 777"},
+              {'s', 's', controlKey, "777 793 115 800 777"},
               {'q', 'q', controlKey, "777 113 800 777 796"}};
   for (const auto& row : rows) {
     Key(row.keysym, row.unicode, row.modifiers)();
@@ -242,13 +242,21 @@ TEST(Menus, KeysOfItems) {
   RunLoop();
   EXPECT_EQ(Came(), "777 793 113 800 777 794:402");
   // 793 may change the menu before the key is looked up.
+  static int enable;
   on_event = [](int type) {
     if (type == XWE_MENU_OPENING)
-      XwEnableMenuItem(reinterpret_cast<XwMenuItem*>(Inp.value), 402, 0);
+      XwEnableMenuItem(reinterpret_cast<XwMenuItem*>(Inp.value), 402, enable);
   };
+  for (enable = 0; enable < 2; ++enable) {
+    Key('q', 'q', controlKey)();
+    RunLoop();
+    EXPECT_EQ(Came(), enable ? "777 793 113 800 777 794:402" : "777 793 113 800 777");
+  }
+  XwChangeMenuItemFlags(m.bar, 402, 0);
+  m.bar[1].flags = XWM_DISABLED;
   Key('q', 'q', controlKey)();
   RunLoop();
-  EXPECT_EQ(Came(), "777 793 113 800 777");
+  EXPECT_EQ(Came(), "777 113 800 777") << "a greyed menu hears nothing";
 }
 
 TEST(Menus, PopUps) {

@@ -147,12 +147,12 @@ void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifier
   ShowQuitKey();
 }
 
-MenuKeyHit FindMenuKey(int type, uint32_t modifiers) {
+MenuKeyHit FindMenuKey(int type, uint32_t modifiers, bool any) {
   SearchedArrays searched;
   for (XwMenuItem* title = BarArray(); title && title->text; ++title) {
     if (title->flags & (XWM_DISABLED | XWM_HIDDEN)) continue;
     auto* items = reinterpret_cast<XwMenuItem*>(title->id);
-    XwMenuItem* record = FindKey(items, type, modifiers, false, &searched);
+    XwMenuItem* record = FindKey(items, type, modifiers, any, &searched);
     if (record) return {record, items, BuiltMenu(items)};
   }
   return {};
