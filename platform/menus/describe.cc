@@ -1,4 +1,4 @@
-// What menus say of themselves.
+// What menus say of themselves, and what is chosen by that.
 #include "platform/menus/session.h"
 #include "platform/windows/internal.h"
 #include "platform/windows/windows.h"
@@ -30,6 +30,7 @@ std::vector<DescribedMenuItem> Describe(const Menu* m, int depth, int* left) {
     d.separator = i.separator();
     d.selected = open && open->selected == int(n + 1);
     if (open) d.bounds = ItemBounds(*open, int(n + 1));
+    d.opens = i.sub;
     if (i.sub) d.items = Describe(i.sub, depth + 1, left);
     out.push_back(std::move(d));
   }
@@ -41,7 +42,48 @@ std::vector<DescribedMenuItem> DescribeWhole(const Menu* m) {
   return Describe(m, 0, &left);
 }
 
+bool CanBeChosen(const MenuItem& i) {
+  return i.enabled() && !i.hidden() && !i.sub;
+}
+
+// The number of the item in this menu; 0 when it is not there, or cannot be chosen.
+int ItemWith(const Menu& m, uint64_t serial) {
+  for (size_t n = 0; n < m.items.size() && !m.disabled; ++n)
+    if (m.items[n].serial == serial) return CanBeChosen(m.items[n]) ? int(n + 1) : 0;
+  return 0;
+}
+
+// The menu with the item, reached through what is shown and enabled; null.
+Menu* MenuWith(Menu* m, uint64_t serial, int depth, int* left) {
+  if (!IsValidMenu(m) || m->disabled || depth >= kDeepestMenu) return nullptr;
+  if (ItemWith(*m, serial)) return m;
+  for (const MenuItem& i : m->items) {
+    if (--*left < 0) return nullptr;
+    if (!i.sub || !i.enabled() || i.hidden()) continue;
+    if (Menu* found = MenuWith(i.sub, serial, depth + 1, left)) return found;
+  }
+  return nullptr;
+}
+
 }  // namespace
+
+bool ChooseDescribedItem(uint64_t serial) {
+  const auto& levels = menu_session.levels;
+  for (size_t i = 0; i < levels.size(); ++i)
+    if (const int item = ItemWith(*levels[i].menu, serial)) {
+      ChooseItem(i, item, false);
+      return true;
+    }
+  if (!levels.empty()) return false;
+  for (const BarTitle& t : BarTitles()) {
+    int left = kMostDescribedItems;
+    if (Menu* m = MenuWith(t.menu, serial, 0, &left)) {
+      SendMenuCommand(m, m->items[size_t(ItemWith(*m, serial) - 1)].command);
+      return true;
+    }
+  }
+  return false;
+}
 
 std::vector<DescribedMenuItem> DescribeMenuBar() {
   std::vector<DescribedMenuItem> out;

@@ -107,11 +107,15 @@ struct DescribedMenuItem {
   std::string text, key;
   Rect bounds;  // global; empty while it is not open
   bool enabled = false, checked = false, separator = false, selected = false;
+  bool opens = false;  // a sub-menu
   std::vector<DescribedMenuItem> items;  // of its sub-menu
 };
 // The titles of the bar, and the menus that are open as a pop-up.
 std::vector<DescribedMenuItem> DescribeMenuBar();
 std::vector<DescribedMenuItem> DescribeOpenPopUp();
+// Chooses an item of the menus that are open, or when none is, one below the bar, as a click would.
+// False when there is no such item that can be chosen.
+bool ChooseDescribedItem(uint64_t serial);
 
 void InitMenus();
 void FinishMenus();

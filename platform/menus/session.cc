@@ -298,6 +298,13 @@ void SwitchTitle(MenuRef m, bool by_key) {
   FinishSession(false);
 }
 
+void SendMenuCommand(MenuRef chosen_in, uint32_t command) {
+  Event e(kEventClassCommand, kEventCommandProcess);
+  e.request = {command, nullptr, 0};
+  if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
+    SendEventToEventTarget(&e, GetApplicationEventTarget());
+}
+
 void ChooseItem(size_t level, int item, bool by_key) {
   MenuSession& s = menu_session;
   MenuLevel& l = s.levels[level];
@@ -393,12 +400,7 @@ MenuChoice CloseMenus() {
   s.done = true;
   if (of_bar) DrawMenuBar();
   if (swallows) StartTracking(&swallow);
-  if (choice.item && of_bar && IsValidMenu(chosen_in)) {
-    Event e(kEventClassCommand, kEventCommandProcess);
-    e.request = {command, nullptr, 0};
-    if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
-      SendEventToEventTarget(&e, GetApplicationEventTarget());
-  }
+  if (choice.item && of_bar && IsValidMenu(chosen_in)) SendMenuCommand(chosen_in, command);
   return choice;
 }
 

@@ -61,6 +61,8 @@ void FinishSession(bool chosen);
 // The item is chosen, or its sub-menu opened.
 void ChooseItem(size_t level, int item, bool by_key);
 void SwitchTitle(MenuRef m, bool by_key);
+// Of an item of the bar that was chosen.
+void SendMenuCommand(MenuRef chosen_in, uint32_t command);
 // --- keys.cc
 void MenuKey(const Event& e);
 

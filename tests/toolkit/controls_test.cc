@@ -530,6 +530,10 @@ TEST(Controls, DescribeThemselves) {
   told.clear();
   // What is done through the tree is reported like a press.
   Settle();
+  XwShow(icon, 0);
+  EXPECT_FALSE(ActOn(children[3].serial, kActionPress)) << "nobody sees it";
+  XwShow(icon, 1);
+  Settle();
   EXPECT_TRUE(ActOn(children[3].serial, kActionPress));
   EXPECT_TRUE(ActOn(children[3].serial, kActionFocus));
   EXPECT_FALSE(ActOn(children[2].serial, kActionPress)) << "it has ended";

@@ -472,6 +472,39 @@ TEST(Menus, TooMany) {
   EXPECT_NE(Came().find("794:611"), std::string::npos);
 }
 
+// The tree's own way to choose: what a click could.
+TEST(Menus, ThroughTheTree) {
+  Menus m;
+  const auto serial = [](const char* name) {
+    uint64_t found = 0;
+    std::function<void(const std::vector<DescribedNode>&)> look = [&](const auto& nodes) {
+      for (const DescribedNode& n : nodes) {
+        if (n.what.name == name) found = n.serial;
+        look(n.children);
+      }
+    };
+    look(DescribeTree());
+    return found;
+  };
+  for (const char* name : {"Two", "Quit", "Sort", "Again", "File"}) {
+    const bool leaf = *name == 'T' || *name == 'Q';
+    EXPECT_EQ(Item(name).actions, leaf ? kActionPress : 0u) << name;
+    EXPECT_EQ(ActOn(serial(name), kActionPress), leaf) << name;
+  }
+  const uint64_t print = serial("Print");
+  XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
+  EXPECT_FALSE(ActOn(serial("Two"), kActionPress)) << "nobody gets there";
+  RunLoop();
+  EXPECT_EQ(Came(), "794:302 796");
+  User({Move("Edit"), [] { Down(), Up(); },
+        [&] {
+          EXPECT_FALSE(ActOn(print, kActionPress)) << "another menu is open";
+          EXPECT_TRUE(ActOn(serial("Copy"), kActionPress));
+        },
+        [] { EXPECT_FALSE(MenusAreOpen()); }});
+  EXPECT_EQ(Came(), "793 794:402");
+}
+
 TEST(Menus, AWaitForAnotherWindow) {
   Menus m;
   XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
