@@ -107,7 +107,7 @@ struct DescribedMenuItem {
   std::string text, key;
   Rect bounds;  // global; empty while it is not open
   bool enabled = false, checked = false, separator = false, selected = false;
-  bool opens = false;  // a sub-menu
+  bool opens = false;                    // a sub-menu
   std::vector<DescribedMenuItem> items;  // of its sub-menu
 };
 // The titles of the bar, and the menus that are open as a pop-up.
