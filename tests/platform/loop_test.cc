@@ -72,7 +72,7 @@ class Loop : public ::testing::Test {
 // Takes what happens in the second window, leaves what happens in the first for later.
 struct Menu {
   WindowRef window, other;
-  int presses = 0;
+  int presses = 0, lost = 0;
   std::string seen{};
   Tracker tracker{Ask, this, nullptr, 0};
 
@@ -80,6 +80,7 @@ struct Menu {
     auto* m = static_cast<Menu*>(data);
     m->seen += (m->seen.empty() ? "" : " ") + Name(*e);
     if (e->cls == kEventClassMouse && e->kind == kEventMouseDown) ++m->presses;
+    if (e->cls == kEventClassMouse && e->kind == kEventMouseUp) m->lost += !e->window;
     if (e->window == m->other) return Tracking::kLater;
     return e->cls == kEventClassMouse ? Tracking::kTake : Tracking::kPass;
   }
@@ -177,6 +178,8 @@ TEST_F(Loop, ATrackerSeesEventsBeforeHandlersAndEndsWithItsOwner) {
   headless::Click(600, 200);
   Drain();
   EXPECT_EQ(newer.presses, 1);
+  EXPECT_EQ(newer.lost, 0);
+  EXPECT_EQ(menu.lost, 1) << "where the button comes up is not its own";
   EndObject(&owner);
   EnterObject(&owner);
   headless::Click(600, 200);
