@@ -118,13 +118,15 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   l.menu = m;
   l.layout = LayOutMenu(*m);
   if (l.layout.rows.empty()) return false;
+  l.least_width = place.width;
   PopUpPlace sized = place;
-  sized.width = std::max(place.width, l.layout.width);
+  sized.width = std::max(l.least_width, l.layout.width);
   sized.height = l.layout.height;
   l.window = CreatePopUpWindow(parent, sized);
   if (!l.window) return false;
-  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}};
-  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 1, nullptr);
+  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent},
+                                 {kEventClassWindow, kEventWindowBoundsChanged}};
+  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 2, nullptr);
   SetWindowBackgroundColor(l.window, RoleColor(Role::kFace));
   s.levels.push_back(l);
   ShowWindow(l.window);
@@ -132,6 +134,15 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   ValidateWindow(l.window);
   NoticeChange(m->object.serial, Change::kState);
   return true;
+}
+
+void FitLevel(const MenuLevel& l) {
+  PopUpPlace place = l.window->place;
+  const int width = std::max(l.least_width, l.layout.width);
+  if (place.width == width && place.height == l.layout.height) return;
+  place.width = width;
+  place.height = l.layout.height;
+  SetPopUpPlace(l.window, place);
 }
 
 void PopLevels(size_t keep) {

@@ -417,6 +417,7 @@ void MenuChanged(const Menu* m) {
     if (l.menu != m) continue;
     l.layout = LayOutMenu(*m);
     if (l.selected > int(m->items.size())) l.selected = 0;
+    FitLevel(l);
     DrawLevel(&l, true);
   }
 }

@@ -9,6 +9,7 @@
 #include "platform/events/event.h"
 #include "platform/loop/tracking.h"
 #include "platform/menus/menu.h"
+#include "platform/windows/internal.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/session.h"
@@ -412,9 +413,24 @@ TEST(Menus, ItemsByTheirIds) {
   EXPECT_GT(subs.size(), size_t{kMostDescribedItems / 2});
   XwSetMenu(m.main, m.bar);
   EXPECT_FALSE(Item("Load").name.empty()) << "what was built stays";
-  // One that is made again closes the one that is open.
+  // An open menu looks as if it had just been opened.
   static Menus* menus;
   menus = &m;
+  std::vector<uint32_t> pictures[2];
+  auto look = [&](int which) {
+    for (WindowRef w : WindowList())
+      if (w->parent && w->visible) pictures[which] = input::TakePicture(w).pixels;
+  };
+  User({Move("File"), [] { Down(), Up(); },
+        [] {
+          XwChangeMenuItemFlags(menus->file, 104, XWM_HIDDEN);
+          XwChangeMenuItemText(menus->file, 102, "Print on paper of every size");
+        },
+        [&] { look(0); }, Key(kEscape, 27), [] { Down(), Up(); }, [&] { look(1); },
+        Key(kEscape, 27)});
+  EXPECT_GT(pictures[0].size(), 0u);
+  EXPECT_EQ(pictures[0], pictures[1]);
+  // One that is made again closes the one that is open.
   User({Move("File"), [] { Down(), Up(); },
         [] {
           EXPECT_TRUE(Shown("Load"));
