@@ -536,8 +536,12 @@ void XwDescribeControl(XwWindow* control, const char* name);
  * keeps pointers into it and writes the state back; it copies nothing. A menu bar is such an array,
  * too: its texts are the titles, its ids point at the menus.
  *
- * Before a menu of the bar shows, the first window hears 793 with the menu's array as value, and
- * may change it. A chosen item comes as 794 with its id as item. */
+ * Menus nest at most 64 deep. A sub-menu that is not made, as it lies deeper or in itself, leaves
+ * its item greyed.
+ *
+ * Before a menu of the bar shows, and before a key of its items is looked up, the first window
+ * hears 793 with the menu's array as value, and may change it. A chosen item comes as 794 with its
+ * id as item. */
 typedef struct XwMenuItem {
   const char* text; /* "": a separator. In a bar: the title */
   int32_t flags;    /* XWM_ bits */

@@ -47,7 +47,6 @@ Control* NextByTab(const WindowControls& all, const Control* from, bool back) {
       continue;
     }
     if (CanTakeKeys(c, kKeysByTab)) return c;
-    if (c == from) return nullptr;
     c = step(c);
   }
   return nullptr;

@@ -40,6 +40,7 @@ TEST(PopUps, LieBesideTheirAnchorAndOnTheScreen) {
        60,
        {150, 40, 200, 100}},
       {"centred", {100, 100, 200, 120}, 0, 0, kAdjustAll, 40, 10, {130, 105, 170, 115}},
+      {"just room", {100, 700, 200, 720}, kLB, kRB, kAdjustAll, 50, 80, {100, 720, 150, 800}},
       {"turned over", {100, 700, 200, 720}, kLB, kRB, kAdjustAll, 50, 100, {100, 600, 150, 700}},
       {"turned to the left",
        {900, 100, 950, 120},

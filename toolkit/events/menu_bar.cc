@@ -47,12 +47,15 @@ OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
   if (FocusTakesKey(event->window, *event)) return eventNotHandledErr;
   const int type = Inp.type;
   const uint32_t modifiers = ModifierBits(event->key.modifiers);
-  if (MenuKeyHit hit = FindMenuKey(type, modifiers); hit.record) {
-    event->key.ignored = true;  // it has done its work
+  MenuKeyHit hit = FindMenuKey(type, modifiers);
+  // One that is greyed or hidden now may be the program's to show when its menu opens.
+  if (!hit.record) hit = FindMenuKey(type, modifiers, true);
+  if (hit.record) {
     Event opening(kEventClassMenu, kEventMenuOpening);
     SendEventToEventTarget(&opening, GetMenuEventTarget(hit.menu));
     // The program may have changed the menu.
     hit = FindMenuKey(type, modifiers);
+    event->key.ignored = hit.record;  // it has done its work
     if (hit.record) SendCommand(hit.menu, uint32_t(hit.record->id));
   } else if ((type == 'q' || type == 'Q') && modifiers == XWS_CONTROL &&
              !MenuBarHasKey('q', XWS_CONTROL)) {
