@@ -48,8 +48,8 @@ void SetFrontProcess();
 // Title in UTF-8, copied. The modified mark shows before it.
 void SetWindowTitle(WindowRef w, const char* utf8);
 void SetWindowModified(WindowRef w, bool modified);
-// The program's icon at this size, width and height in pixels: 0xAARRGGBB, colours not multiplied by
-// alpha. Copied; null takes that size away. Sizes outside 1 to 256 are ignored.
+// The program's icon at this size, width and height in pixels: 0xAARRGGBB, colours not multiplied
+// by alpha. Copied; null takes that size away. Sizes outside 1 to 256 are ignored.
 void SetProgramIcon(const uint32_t* argb, int size);
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
 void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);

@@ -63,6 +63,20 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   EXPECT_EQ(testing_daemon::ReadWhole(daemon.Path("jobs/" + std::string(id) + ".doc")), document_);
 }
 
+TEST_F(ConsoleTest, AnInactiveWindowShowsThatKeysGoElsewhere) {
+  Open("127.0.0.9:1");
+  Click(FileRow("letter.txt"));
+  const Area row = FileRow("letter.txt");
+  const uint32_t active = At(row.x + 2, row.y + 2);
+  display::Focus(static_cast<platform::WindowRef>(pump_->platform));
+  Turn(2);
+  EXPECT_NE(At(row.x + 2, row.y + 2), active);
+  EXPECT_FALSE(HasKeyboard(c_, FocusStop::kFiles));
+  display::Focus(static_cast<platform::WindowRef>(c_->window->platform));
+  Turn(2);
+  EXPECT_EQ(At(row.x + 2, row.y + 2), active);
+}
+
 TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   Daemon daemon;
   daemon.Start({"--rate", "1K"});

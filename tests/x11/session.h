@@ -56,6 +56,9 @@ class X11Test : public testing::Test {
     platform::SetWindowTitle(w, title);
     platform::SetWindowBackgroundColor(w, 0x3366CC);
     platform::ShowWindow(w);
+    // What the server paints by itself is no picture.
+    w->backdrop = 0x00FF00;
+    platform::kX11Display.update(w, platform::kUpdateBackdrop);
     Settle();
     return w;
   }

@@ -89,6 +89,21 @@ TEST_F(X11Test, UncoveredPixelsComeFromTheBuffer) {
   EXPECT_EQ(Count(kEventClassWindow, kEventWindowDrawContent), before);
 }
 
+// Until the program has drawn what the desktop has given it, its background shows there.
+TEST_F(X11Test, WhatHasGrownShowsTheBackground) {
+  Start();
+  WindowRef w = Show("Growing", {100, 124, 300, 300});
+  SetWindowBackgroundColor(w, 0x884422);
+  FlushWindow(w);
+  const uint32_t size[] = {400, 350};
+  xcb_configure_window(user().connection(), x11::NativeOf(w)->id,
+                       XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+  user().Sync();
+  const auto look = user().Look();
+  EXPECT_EQ(look.at(499, 449), 0x884422u);
+  EXPECT_EQ(look.at(150, 200), 0x3366CCu) << "what was there stays";
+}
+
 TEST_F(X11Test, TheDesktopIsToldWhatAWindowIs) {
   Start();
   WindowRef first = Show("First", {50, 80, 250, 180});
