@@ -18,12 +18,9 @@ xcb_get_property_cookie_t AskProperty(xcb_window_t window, xcb_atom_t property) 
   return xcb_get_property(x.c, 0, window, property, XCB_ATOM_ANY, 0, kMaxPropertyWords);
 }
 
-// The variable that forces the scale; 0 when it is not set or not a number of sense.
+// The variable that forces the scale; 0 when it is not set or no scale.
 double ForcedScale() {
-  const char* text = getenv("XW_SCALE");
-  if (text == nullptr) return 0;
-  double scale = strtod(text, nullptr);
-  return scale >= 0.5 && scale <= 8 ? scale : 0;
+  return ScaleInText(getenv("XW_SCALE"));
 }
 
 double DpiOfDesktop(xcb_get_property_cookie_t resources, xcb_get_selection_owner_cookie_t owner) {
