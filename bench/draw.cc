@@ -99,7 +99,7 @@ std::vector<Row> MakeRows() {
   static floors::Copy copy(w.buffer, 256, 256, w.image);
   static floors::Mask mask(w.buffer, 16, 14, IC_EXCHANGE->bits);
   static const int32_t* advances =
-      platform::GetAdvances(static_cast<platform::SizedFont*>(font->platform));
+      platform::GetAdvances(static_cast<platform::SizedFont*>(font->platform), w.text);
   floors::Buffer& b = w.buffer;
   auto line = [](const Shape& s) {
     XwSetColor(s.colour);

@@ -149,14 +149,15 @@ DocumentRef Queue::CreateDocument(const RequestId& id) {
   return document;
 }
 
-void Queue::Write(const DocumentRef& document, std::string bytes, Disk::Call done) {
-  const size_t size = bytes.size();
-  document->pending += size;
-  uses_.disk->Do([document, bytes = std::move(bytes)] { WriteDocument(document.get(), bytes); },
-                 [document, size, done = std::move(done)] {
-                   document->pending -= size;
-                   done();
-                 });
+void Queue::Write(const DocumentRef& document, std::shared_ptr<const std::vector<char>> buffer,
+                  std::string_view bytes, Disk::Call done) {
+  document->pending += bytes.size();
+  uses_.disk->Do(
+      [document, buffer = std::move(buffer), bytes] { WriteDocument(document.get(), bytes); },
+      [document, size = bytes.size(), done = std::move(done)] {
+        document->pending -= size;
+        done();
+      });
 }
 
 void Queue::Drop(const DocumentRef& document) {

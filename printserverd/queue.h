@@ -84,7 +84,9 @@ class Queue {
 
   // The calls for a document that arrives. A failure is seen in it later.
   DocumentRef CreateDocument(const RequestId& id);
-  void Write(const DocumentRef& document, std::string bytes, Disk::Call done);
+  // `bytes` lie in `buffer`, which nothing changes before `done`.
+  void Write(const DocumentRef& document, std::shared_ptr<const std::vector<char>> buffer,
+             std::string_view bytes, Disk::Call done);
   void Drop(const DocumentRef& document);
   // How the disk's thread opens the document of a job; empty on failure, errno set.
   std::function<Fd()> DocumentOpener(const Job& job) const;

@@ -246,8 +246,8 @@ bool Server::Receive(Peer* peer, size_t* budget) {
     return false;
   }
   const bool streams = peer->state == PeerState::kDocument || peer->state == PeerState::kLinger;
-  void* to = streams ? static_cast<void*>(buffer_.data()) : peer->input + peer->have;
-  size_t want = streams ? buffer_.size() : peer->need - peer->have;
+  void* to = streams ? static_cast<void*>(buffer_->data()) : peer->input + peer->have;
+  size_t want = streams ? buffer_->size() : peer->need - peer->have;
   if (peer->state == PeerState::kDocument) want = std::min<size_t>(want, peer->upload.left);
   const ssize_t n = recv(peer->fd.get(), to, want, 0);
   if (n < 0 && errno == EINTR) return true;
@@ -260,7 +260,7 @@ bool Server::Receive(Peer* peer, size_t* budget) {
   *budget -= std::min(*budget, count);
   if (peer->state == PeerState::kDocument) {
     Progress(peer, n, kDocumentWindow, kDocumentMs);
-    TakeUpload(peer, buffer_.data(), count);
+    TakeUpload(peer, buffer_->data(), count);
   } else if (peer->state != PeerState::kLinger) {
     if (peer->state == PeerState::kHeader && peer->have == 0) peer->deadline = now_ + kFieldsMs;
     peer->have += count;

@@ -36,6 +36,7 @@ class Server {
   bool Run();
 
  private:
+  using Buffer = std::vector<char>;
   struct Spool {
     Fd root, lock, jobs, printed, files, gamut, aside;
   };
@@ -102,6 +103,7 @@ class Server {
   void TakeTicket(Upload* upload, std::string_view* bytes);
   void TicketComplete(Upload* upload);
   void StoreDocument(Upload* upload, std::string_view bytes);
+  void TakeBuffer();
   void EndUpload(Peer* peer);
   bool MustPause(const Peer& peer) const;
   void Written(size_t bytes);
@@ -131,8 +133,9 @@ class Server {
   int64_t next_tick_ = 0;
   uint64_t ticked_generation_ = 0;
   bool ending_ = false;
-  std::vector<char> buffer_;
-  std::shared_ptr<const std::string> list_;  // the queue list of `list_generation_`
+  std::shared_ptr<Buffer> buffer_;              // for what arrives
+  std::vector<std::shared_ptr<Buffer>> spare_;  // those that the disk gave back
+  std::shared_ptr<const std::string> list_;     // the queue list of `list_generation_`
   uint64_t list_generation_ = 0;
   std::vector<std::weak_ptr<const std::string>> lists_alive_;
 };

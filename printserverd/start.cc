@@ -64,7 +64,9 @@ std::string TextOf(const sockaddr_in& address) {
 }
 
 Server::Server(const Options& options, Settings settings)
-    : options_(options), settings_(std::move(settings)), buffer_(1 << 18) {}
+    : options_(options), settings_(std::move(settings)) {
+  TakeBuffer();
+}
 
 Server::~Server() {
   disk_.reset();  // what was asked of it is done first

@@ -9,6 +9,8 @@ namespace {
 // What waits for the disk of one document, and of all.
 constexpr size_t kMaxPending = 1 << 20;
 constexpr size_t kMaxUnwritten = 32 << 20;
+constexpr size_t kBuffer = 256 << 10;
+constexpr size_t kMaxSpare = 8;  // as many as one document fills, and some
 }  // namespace
 
 void Server::TakeUpload(Peer* peer, const char* bytes, size_t count) {
@@ -63,8 +65,30 @@ void Server::StoreDocument(Upload* upload, std::string_view bytes) {
     upload->size += count;
     queue_->AddBytes(count);
     unwritten_ += bytes.size();
-    queue_->Write(upload->document, std::string(bytes),
-                  [this, size = bytes.size()] { Written(size); });
+    // Much goes to the disk in the buffer that it came in. Little is copied, so that what waits
+    // holds no more than twice its bytes.
+    const bool whole = bytes.size() >= buffer_->size() / 2;
+    auto buffer = whole ? std::move(buffer_) : std::make_shared<Buffer>(bytes.begin(), bytes.end());
+    if (whole) {
+      TakeBuffer();
+    } else {
+      bytes = {buffer->data(), buffer->size()};
+    }
+    queue_->Write(upload->document, buffer, bytes,
+                  [this, size = bytes.size(), back = whole ? buffer : nullptr] {
+                    if (back && spare_.size() < kMaxSpare) spare_.push_back(back);
+                    Written(size);
+                  });
+  }
+}
+
+// A buffer for what comes next: one that the disk has done with, or a new one.
+void Server::TakeBuffer() {
+  if (spare_.empty()) {
+    buffer_ = std::make_shared<Buffer>(kBuffer);
+  } else {
+    buffer_ = std::move(spare_.back());
+    spare_.pop_back();
   }
 }
 

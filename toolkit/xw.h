@@ -340,15 +340,19 @@ void XwEnable(XwWindow* window, int enable);
 /* Keys go to the window (of a control: to its top-level window, and the control gets the caret). */
 void XwSetFocus(XwWindow* window);
 /* Title of a top-level window, text of a control; Mac Roman. Style bits of a control may append to
- * it. Null: the empty text. Ignored for a sub-window. */
+ * it. Null: the empty text. Ignored for a sub-window. For a list, and a combo box that is not
+ * editable, it is an array of texts that ends with a null pointer: all rows, all items. */
 void XwSetText(XwWindow* window, const char* text);
-/* Title of a top-level window in UTF-8, of every script; cut to 4096 bytes. */
+/* The same in UTF-8, of every script, for top-level windows (cut to 4096 bytes), lists and combo
+ * boxes. */
 void XwSetTextUtf8(XwWindow* window, const char* utf8);
 /* Of a top-level window: 1 puts a mark before the shown title, the document has changes; 0 takes it
- * away. Of a control: its value, cut to its kind's range. */
+ * away. Of a control: its value, cut to its kind's range. Of a list: the row that is selected and
+ * scrolled to; one that is not there selects none. Of an editable combo box: the array of the texts
+ * of its menu, 0 for none. */
 void XwSetValue(XwWindow* window, XwValue value);
-/* The value of a control as the platform has it: 0 for those that the toolkit draws. 0 for windows
- * and null. */
+/* The value of a control as the platform has it: 0 for those that the toolkit draws. Of a list the
+ * row that was chosen or set last. -1 for an editable combo box; 0 for windows and null. */
 int32_t XwGetValue(XwWindow* window);
 /* Copies the title of a top-level window (without the mark) to `dst`, 256 bytes, and returns it. Of
  * a control: its length in the first byte and then the title, without an ending zero; length 0
@@ -358,9 +362,10 @@ char* XwGetText(XwWindow* window, char* dst);
  * code: 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
 
-/* The wheel over the window's own content: dx, dy in logical pixels, positive right and down; the
- * pointer fields of Inp are set. Null takes it away. A wait that keeps the window out, and one that
- * dispatches nothing, let its wheel turn nothing. */
+/* The wheel over the window's own content: dx, dy in logical pixels, positive right and down, 48
+ * a notch; the pointer fields of Inp are set. Null takes it away. A wait that keeps the window out,
+ * and one that dispatches nothing, let its wheel turn nothing. In a window without a handler the
+ * wheel turns the vertical scroll bar, where exactly one shows. */
 typedef void (*XwScrollHandler)(float dx, float dy);
 void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
 
@@ -399,9 +404,12 @@ enum {
   XWC_VISIBLE = 0x20000,
   XWC_DOTS = 0x40000,       /* its text gets " ..." appended */
   XWC_COLON = 0x80000,      /* its text gets ":" appended, behind the dots */
-  XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken */
+  XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken.
+                               Scroll bar: reports when it is let go, and not before.
+                               Combo box: two items open a menu as well */
   XWC_ICON = 0x200000,      /* button, label: the text argument is an XwIcon*. Well: a bevel */
   XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */
+  XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
   XWC_HEADER = 0x800000,    /* button: the head of a column */
   XWC_OWN_TEXT = 0xC00000   /* of a button: the toolkit draws its text */
 };
@@ -427,10 +435,51 @@ XwWindow* XwColor(XwWindow* parent, const char* text, int32_t id, int x, int y, 
 XwWindow* XwLabel(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
                   uint32_t style);
 
+/* A slider takes `minimum` to `maximum`. With w > h it lies, else it stands and its maximum is at
+ * the top. A press on its track moves the knob there. Left and Down, Right and Up and each notch of
+ * the wheel change it by 1, the page keys by a tenth of its range, Home and End go to its ends.
+ *
+ * While it moves, its parent's handler is called at once with 792 for each change; 791 follows when
+ * it is let go, and after each key and each turn of the wheel. Both carry its id as item and the
+ * value. A minimum other than 0 lowers what the user can reach: it is maximum - minimum + 1 at most
+ * (of a scroll bar, less its page). */
+XwWindow* XwSlider(XwWindow* parent, int32_t id, int x, int y, int w, int h, uint32_t style,
+                   int32_t minimum, int32_t maximum, int32_t value);
+/* All three, without a report. */
+void XwSetSliderRange(XwWindow* slider, int32_t minimum, int32_t maximum, int32_t value);
+/* A scroll bar over a document that reaches from `minimum` to `maximum` and of which `page` shows
+ * from its value on, so that the greatest value is maximum + 1 - page; with w > h it lies. Arrow
+ * keys change it by `line`, the wheel by three lines a notch, page keys and a press beside the
+ * thumb by `page`, for as long as it is held; they count from the value reported last (or set with
+ * the bar's range). It reports as a slider does. With XWC_VARIANT there is no 792, and a press
+ * beside the thumb counts once, when it is let go. Tab does not reach it; XwFocusControl does. One
+ * with nothing to scroll shows no thumb and takes no input. */
+XwWindow* XwScrollBar(XwWindow* parent, int32_t id, int x, int y, int w, int h, uint32_t style,
+                      int32_t minimum, int32_t maximum, int32_t line, int32_t page, int32_t value);
+void XwSetScrollRange(XwWindow* bar, int32_t minimum, int32_t maximum, int32_t line, int32_t page,
+                      int32_t value);
+
+/* One column of rows, one of which can be selected; `items` is an array of texts that ends with a
+ * null pointer (null: empty), copied. A row that is chosen, by a click, at the end of a drag, by
+ * the arrow and page keys, Home, End or its first letters, comes as the value of 783, also when it
+ * was selected before by a click; a double click is two of them (XwDoubleClick). Its value is the
+ * row that was chosen or set last, -1 for none. */
+XwWindow* XwListBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
+                    int h, uint32_t style);
+/* All rows become those; none is selected. */
+void XwUpdateListBox(XwWindow* list, const char* const* items);
+/* A choice among fixed items, counted from 0: a button that shows the chosen one and opens a menu
+ * of all. An empty text is a separator, which counts. Two items take turns without a menu, unless
+ * XWC_VARIANT. The button lies two pixels below its rectangle. 783 has the item as its value.
+ * `value` -1: none is chosen. With XWC_EDITABLE the menu fills an edit box. */
+XwWindow* XwComboBox(XwWindow* parent, const char* const* items, int32_t id, int x, int y, int w,
+                     int h, uint32_t style, int32_t value);
+
 /* One control of a list that ends with type 0. */
 typedef struct XwDialogItem {
-  uint8_t type;      /* 1 button, 2 check box, 5 label, 8 colour well; others are skipped */
-  const char* text;  /* null: "" */
+  uint8_t type;      /* 1 button, 2 check box, 4 combo box, 5 label, 6 slider, 7 scroll bar,
+                        8 colour well, 9 list; others are skipped */
+  const char* text;  /* null: "". 4 and 9: the array of texts */
   int16_t id;
   int16_t x, y;      /* negative: from the parent's right and lower edge */
   int16_t width, height;
@@ -764,6 +813,14 @@ inline int DirectSendEvent(XwWindow* w, int type, int item, int value) {
 }
 inline void XwSetValue(XwWindow* w, const void* value) {
   XwSetValue(w, reinterpret_cast<XwValue>(value));
+}
+template <typename Text> /* char, or const char */
+inline void XwSetText(XwWindow* w, Text* const* texts) {
+  XwSetText(w, reinterpret_cast<const char*>(texts));
+}
+template <typename Text>
+inline void XwSetTextUtf8(XwWindow* w, Text* const* texts) {
+  XwSetTextUtf8(w, reinterpret_cast<const char*>(texts));
 }
 inline void XwSetValue(XwWindow* w, int value) { XwSetValue(w, XwValue(value)); }
 inline XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y, int w,

@@ -1,6 +1,7 @@
 // What all kinds of buttons have in common.
 #include "platform/access/access.h"
 #include "platform/controls/control.h"
+#include "platform/events/key_characters.h"
 
 namespace platform {
 namespace {
@@ -11,9 +12,6 @@ void SetInside(Control* c, bool inside) {
   NoticeChange(c->object.serial, Change::kState);
   Draw1Control(c);
 }
-
-constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
-constexpr uint8_t kReturn = 13, kEnter = 3;
 
 }  // namespace
 
@@ -45,7 +43,7 @@ bool ReleaseButton(Control* c, bool inside) {
 
 bool ButtonKey(Control* c, const Event& e) {
   const uint8_t key = e.key.character;
-  if ((key != ' ' && key != kReturn && key != kEnter) || (e.key.modifiers & kShortcut))
+  if ((key != kSpaceKey && key != kReturnKey && key != kEnterKey) || (e.key.modifiers & kShortcut))
     return false;
   if (e.kind == kEventRawKeyDown) PressByKey(c);
   return true;

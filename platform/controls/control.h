@@ -9,6 +9,7 @@
 #include "platform/theme/metrics.h"
 #include "platform/theme/text.h"
 #include "platform/theme/theme.h"
+#include "platform/theme/thumbs.h"
 
 namespace platform {
 
@@ -42,9 +43,23 @@ struct KindRow {
   void (*border)(const Control* c, Rect* border, int* corner);
   // The value that a press or a key gives it, before its event goes out.
   void (*act)(Control* c);
-  int32_t minimum, maximum;
+  int32_t minimum, maximum;  // of its value, in a new one
   bool has_title;
   ObjectRole role;
+  // The wheel turned over it; logical pixels. Null: the wheel is the window's.
+  void (*wheel)(Control* c, float dx, float dy) = nullptr;
+  // A small step up or down, by assistive technology. One that has it is not pressed.
+  void (*step)(Control* c, bool up) = nullptr;
+  // It has another place or size: what it is made of follows, before it is drawn.
+  void (*placed)(Control* c) = nullptr;
+  bool front_looks = false;  // in the front window it looks different
+  // Opens what it chooses from, where a press does that; a choice sends the hit.
+  void (*open)(Control* c, bool by_key) = nullptr;
+  // The pointer was taken away from it while it was held.
+  void (*lost)(Control* c) = nullptr;
+  // Frees its `data`, with the record.
+  void (*end)(Control* c) = nullptr;
+  bool focus_by_press = false;  // the pointer gives it the keyboard
 };
 
 struct Control {
@@ -54,6 +69,13 @@ struct Control {
   Rect bounds;  // relative to the pane
   Rect area;    // what it is erased with, relative to the pane; not less than the bounds
   int32_t value = 0;
+  int32_t minimum = 0, maximum = 0;  // of the value
+  int32_t view = 0;                  // of a scroll bar
+  bool horizontal = false;           // of a slider or scroll bar
+  bool live = true;                  // of a scroll bar
+  ControlAction action = nullptr;
+  Control* part = nullptr;   // belongs to it: shown, active and alive with it
+  Control* whole = nullptr;  // what it is the part of
   bool shown = false, active = false;
   bool inside = false;  // the pointer that holds it is inside
   bool held = false;    // what it has opened is open
@@ -66,6 +88,8 @@ struct Control {
   std::string text;
   std::string described;  // what the program calls it for those who cannot see it
   void* reference = nullptr;
+  void* data = nullptr;                             // of its kind
+  Control *opener = nullptr, *opens_for = nullptr;  // which know each other
   PaneDraw draw = nullptr;
   PaneHitTest hit_test = nullptr;
   Control *next = nullptr, *previous = nullptr;  // in the order of creation
@@ -96,7 +120,9 @@ void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind ki
                         const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
-    kStaticTextKind, kUserPaneKind;
+    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind;
+// Held with a key, they make it a command that no control takes.
+constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 
 Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds);
 inline WindowControls& OwnerOf(const Control* c) {
@@ -121,6 +147,8 @@ bool PaneShows(const Pane* p);
 void RedrawArea(WindowControls& all, const Pane* pane, const Rect& area);
 // What a control covered is gone: erased, and lost content of the window.
 void Uncover(const Control* c, const Rect& area);
+// Draws it, and the ring around it.
+void RedrawWithRing(Control* c);
 // In the content.
 Rect ControlArea(const Control* c);
 // The same with the space of the ring around it.
@@ -131,7 +159,9 @@ void ReleaseControlContext(WindowControls& all);
 // Sends an event to the control's target.
 OSStatus SendControlEvent(Control* c, uint32_t kind, int part = 0, bool by_key = false);
 // The work of a press is done: the value changes and the event goes out.
-void HitControl(Control* c, bool by_key);
+void HitControl(Control* c, bool by_key, int part = 0);
+// The pointer holds it.
+bool IsControlHeld(const Control* c);
 // As a press and a release of the pointer, by a key.
 void PressByKey(Control* c);
 // Whether a point of the content presses it.
@@ -139,7 +169,29 @@ bool IsControlUnder(const Control* c, Point at);
 OSStatus HandlePress(HandlerCall* call, Event* event, void* user_data);
 void ForgetTracking(const Control* c);
 
+OSStatus HandleWheel(HandlerCall* call, Event* event, void* user_data);
+
+// --- thumb.cc: what sliders and scroll bars have in common
+ThemeThumbInfo ThumbInfo(const Control* c);
+// The pointer takes hold of the thumb, at its own place in it or in its middle.
+void HoldThumb(Control* c, Point where);
+// The value when the held thumb follows the pointer; back where it began, the one it had there.
+int32_t HeldThumbValue(const Control* c, Point where);
+// Calls the action. False when the control has ended in it.
+bool ActOnPart(Control* c, int part);
+// Gives it a value as the thumb does: the action hears of it.
+bool MoveThumb(Control* c, int32_t value);
+// The whole steps, each of `pixels`, that the wheel has turned along it; fractions are kept for the
+// next turn of the same control.
+int TakeWheelSteps(const Control* c, float dx, float dy, float pixels);
+void DescribeThumb(const Control* c, Description* out);
+// --- pop_up_button.cc
+// Shows a menu below a rectangle of the window's content with this item selected, and waits: the
+// item that was chosen, or 0. The loop sets it at the start.
+extern int (*select_below)(MenuRef menu, WindowRef w, const Rect& anchor, int item);
+
 // --- focus.cc and keys.cc
+constexpr int kWholeControl = 1;  // the part of a control that has no others
 bool CanTakeKeys(const Control* c, uint8_t how);
 // It is hidden, inactive or at its end.
 void LoseFocus(Control* c);

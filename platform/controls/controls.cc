@@ -10,7 +10,9 @@ namespace platform {
 namespace {
 
 void ReleaseRecord(void* record) {
-  delete static_cast<Control*>(record);
+  auto* c = static_cast<Control*>(record);
+  if (c->kind->end) c->kind->end(c);
+  delete c;
 }
 
 void Describe(const void* record, Description* out) {
@@ -29,7 +31,10 @@ void Describe(const void* record, Description* out) {
   is(all.focus == c, kIsFocused);
   is(IsControlHilited(control), kIsPressed);
   is(all.ok == c, kIsDefault);
-  if (c->active && c->kind->key) out->actions |= kActionPress;
+  if (c->active && c->kind->step)
+    out->actions |= kActionIncrease | kActionDecrease;
+  else if (c->active && c->kind->key)
+    out->actions |= kActionPress;
   if (CanTakeKeys(c, kKeysByTab | kKeysByRequest)) out->actions |= kActionFocus;
   if (c->kind->describe) c->kind->describe(c, out);
 }
@@ -44,6 +49,9 @@ void Unlink(Control* c) {
   if (all.ok == c) all.ok = nullptr;
   if (all.cancel == c) all.cancel = nullptr;
   if (all.tab_from == c) all.tab_from = c->previous;
+  if (c->whole) c->whole->part = nullptr;
+  SetControlOpener(c, nullptr);
+  if (c->opens_for) SetControlOpener(c->opens_for, nullptr);
 }
 
 OSStatus EndOfWindow(HandlerCall*, Event* event, void*) {
@@ -65,6 +73,7 @@ OSStatus EndOfWindow(HandlerCall*, Event* event, void*) {
 // What the platform does by itself in a window comes behind all other handlers.
 OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
   constexpr EventKind kPress[] = {{kEventClassMouse, kEventMouseDown}};
+  constexpr EventKind kWheel[] = {{kEventClassMouse, kEventMouseWheelMoved}};
   constexpr EventKind kKeys[] = {{kEventClassKeyboard, kEventRawKeyDown},
                                  {kEventClassKeyboard, kEventRawKeyRepeat},
                                  {kEventClassKeyboard, kEventRawKeyModifiersChanged}};
@@ -73,6 +82,7 @@ OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
   constexpr EventKind kEnd[] = {{kEventClassWindow, kEventWindowEnding}};
   EventTargetRef target = GetWindowEventTarget(event->window);
   InstallEventHandler(target, HandlePress, kPress, 1, nullptr);
+  InstallEventHandler(target, HandleWheel, kWheel, 1, nullptr);
   InstallEventHandler(target, HandleKey, kKeys, 3, nullptr);
   InstallEventHandler(target, HandleActivation, kActivation, 2, nullptr);
   InstallEventHandler(target, EndOfWindow, kEnd, 1, nullptr);
@@ -107,11 +117,16 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   c->kind = &kind;
   c->pane = pane;
   c->bounds = c->area = bounds;
+  c->minimum = kind.minimum;
+  c->maximum = kind.maximum;
+  c->horizontal = bounds.width() > bounds.height();
   WindowControls& all = *pane->owner;
   c->previous = all.last;
   (all.last ? all.last->next : all.first) = c;
   all.last = c;
   c->role = kind.role;
+  c->minimum = kind.minimum;
+  c->maximum = kind.maximum;
   EnterObject(&c->object);
   EnterBands(c);
   NoticeChange(all.window->object.serial, Change::kChildren);
@@ -121,6 +136,7 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
 void DisposeControl(ControlRef c) {
   if (!IsValidControl(c)) return;
   LoseFocus(c);
+  DisposeControl(c->part);
   if (IsControlVisible(c)) Uncover(c, ControlArea(c));
   ForgetTracking(c);
   Unlink(c);
@@ -167,7 +183,11 @@ void Replace(Control* c, Function place) {
 
 void SetControlBounds(ControlRef c, const Rect& bounds) {
   if (!IsValidControl(c) || c->bounds == bounds) return;
-  Replace(c, [&] { c->bounds = c->area = bounds; });
+  Replace(c, [&] {
+    c->bounds = c->area = bounds;
+    c->horizontal = bounds.width() > bounds.height();
+    if (c->kind->placed) c->kind->placed(c);
+  });
   NoticeChange(c->object.serial, Change::kBounds);
 }
 
@@ -218,19 +238,50 @@ bool DescribeControl(ControlRef c, uint64_t* serial, Description* out) {
   return true;
 }
 void PressControl(ControlRef c) {
-  if (IsValidControl(c) && c->active && c->kind->key) PressByKey(c);
+  if (IsValidControl(c) && c->active && c->kind->key && !c->kind->step) PressByKey(c);
+}
+void StepControl(ControlRef c, bool up) {
+  if (!IsValidControl(c) || !c->active || !c->kind->step) return;
+  DispatchScope scope;
+  c->kind->step(c, up);
+}
+bool ControlTakesWheel(ControlRef c) {
+  return IsValidControl(c) && c->kind->wheel;
+}
+void AttachControl(ControlRef whole, ControlRef part) {
+  if (!IsValidControl(whole) || !IsValidControl(part)) return;
+  whole->part = part;
+  part->whole = whole;
 }
 
 void SetControl32BitValue(ControlRef c, int32_t value) {
   if (!IsValidControl(c)) return;
-  value = std::clamp(value, c->kind->minimum, c->kind->maximum);
+  value = std::clamp(value, c->minimum, c->maximum);
   if (c->value == value) return;
   c->value = value;
   NoticeChange(c->object.serial, Change::kValue);
-  Draw1Control(c);
+  RedrawWithRing(c);
+}
+void SetControlRange(ControlRef c, int32_t minimum, int32_t maximum) {
+  if (!IsValidControl(c)) return;
+  maximum = std::max(minimum, maximum);
+  if (c->minimum == minimum && c->maximum == maximum) return;
+  c->minimum = minimum;
+  c->maximum = maximum;
+  c->value = std::clamp(c->value, minimum, maximum);
+  NoticeChange(c->object.serial, Change::kValue);
+  RedrawWithRing(c);
+}
+void SetControlViewSize(ControlRef c, int32_t view) {
+  if (!IsValidControl(c) || c->view == view) return;
+  c->view = view;
+  RedrawWithRing(c);
 }
 int32_t GetControl32BitValue(ControlRef c) {
   return IsValidControl(c) ? c->value : 0;
+}
+int32_t GetControl32BitMaximum(ControlRef c) {
+  return IsValidControl(c) ? c->maximum : 0;
 }
 
 void SetControlKeys(ControlRef c, uint8_t keys) {
@@ -242,6 +293,7 @@ void ActivateControl(ControlRef c) {
   c->active = true;
   NoticeChange(c->object.serial, Change::kState);
   Draw1Control(c);
+  ActivateControl(c->part);
 }
 
 void DeactivateControl(ControlRef c) {
@@ -250,7 +302,9 @@ void DeactivateControl(ControlRef c) {
   NoticeChange(c->object.serial, Change::kState);
   c->inside = false;
   LoseFocus(c);
-  if (IsValidControl(c)) Draw1Control(c);
+  if (!IsValidControl(c)) return;
+  Draw1Control(c);
+  DeactivateControl(c->part);
 }
 
 bool IsControlActive(ControlRef c) {
@@ -262,12 +316,14 @@ void ShowControl(ControlRef c) {
   c->shown = true;
   NoticeChange(c->object.serial, Change::kState);
   Draw1Control(c);
+  ShowControl(c->part);
 }
 
 void HideControl(ControlRef c) {
   if (!IsValidControl(c) || !c->shown) return;
   LoseFocus(c);
   if (!IsValidControl(c)) return;
+  HideControl(c->part);
   const bool visible = IsControlVisible(c);
   c->shown = c->inside = false;
   NoticeChange(c->object.serial, Change::kState);
@@ -283,6 +339,15 @@ bool IsControlHilited(ControlRef c) {
 
 bool IsControlLetterShown(ControlRef c) {
   return IsValidControl(c) && c->underlined;
+}
+
+void SetControlOpener(ControlRef c, ControlRef opener) {
+  if (!IsValidControl(c)) return;
+  if (c->opener) c->opener->opens_for = nullptr;
+  c->opener = IsValidControl(opener) && &OwnerOf(opener) == &OwnerOf(c) ? opener : nullptr;
+  if (!c->opener) return;
+  if (opener->opens_for) opener->opens_for->opener = nullptr;
+  opener->opens_for = c;
 }
 
 void HoldControl(ControlRef c, bool held) {

@@ -8,6 +8,7 @@
 
 #include "platform/events/targets.h"
 #include "platform/graphics/context.h"
+#include "platform/menus/menus.h"
 #include "platform/theme/text.h"
 
 namespace platform {
@@ -43,11 +44,47 @@ ControlRef CreateCheckBoxControl(PaneRef pane, const Rect& bounds, const char* t
 ControlRef CreateRadioButtonControl(PaneRef pane, const Rect& bounds, const char* title, int value);
 ControlRef CreateStaticTextControl(PaneRef pane, const Rect& bounds, TextJustification just,
                                    bool bold);
+// Shows the item that is its value, counted from 1 (0: none); a press, Down and Space open its
+// menu.
+ControlRef CreatePopUpButtonControl(PaneRef pane, const Rect& bounds, const char* title);
+// Its range becomes 0 to the number of items. The menu stays the caller's, and must not end before
+// it has got another or ended. Null: none; only an arrow shows then, and a press opens nothing.
+void SetPopUpButtonMenu(ControlRef c, MenuRef menu);
 // Drawn by `draw`, pressed where `hit_test` gives another part than 0.
 using PaneDraw = void (*)(ControlRef control);
 using PaneHitTest = int (*)(ControlRef control, Point where);
 ControlRef CreateUserPaneControl(PaneRef pane, const Rect& bounds, PaneDraw draw,
                                  PaneHitTest hit_test);
+// Parts of a scroll bar, in the action and in kEventControlHit.
+enum ControlPart : int {
+  kControlUpButtonPart = 20,  // a line back: an arrow key, the wheel
+  kControlDownButtonPart = 21,
+  kControlPageUpPart = 22,  // beside the thumb: a press, a page key
+  kControlPageDownPart = 23,
+  kControlIndicatorPart = 129,  // the thumb, also of a slider
+};
+// Called while the control is tracked, and for keys and the wheel before their hit. The thumb has
+// moved the value already; for the other parts the callback gives the bar another. It may end the
+// control.
+using ControlAction = void (*)(ControlRef control, int part);
+// The value moves with the thumb, with arrow keys and the wheel by 1, with page keys by a tenth of
+// the range. One that is not horizontal has its maximum at the top. A new place makes it horizontal
+// when that is wider than high.
+ControlRef CreateSliderControl(PaneRef pane, const Rect& bounds, bool horizontal, int32_t value,
+                               int32_t minimum, int32_t maximum, ControlAction action);
+// Horizontal when it is wider than high. `view` is what shows of the document beyond `value`; it
+// sizes the thumb. One whose maximum is not above its minimum has no thumb and does nothing. Not
+// `live`: the action is never called; the hit names the part, once a press beside the thumb is let
+// go in the bar, and else 0.
+ControlRef CreateScrollBarControl(PaneRef pane, const Rect& bounds, int32_t value, int32_t minimum,
+                                  int32_t maximum, int32_t view, bool live, ControlAction action);
+// `part` (made after `whole`, in its pane) belongs to `whole`: it is shown, hidden, activated,
+// deactivated and disposed of with it; a scroll bar then has no frame but a line at its left or
+// upper side. Placing it is up to the kind of `whole`.
+void AttachControl(ControlRef whole, ControlRef part);
+// The value is cut to it. A maximum below the minimum counts as the minimum.
+void SetControlRange(ControlRef c, int32_t minimum, int32_t maximum);
+void SetControlViewSize(ControlRef c, int32_t view);
 // Its area is erased and lost. Legal inside its own events.
 void DisposeControl(ControlRef c);
 
@@ -80,10 +117,11 @@ void SetControlDescription(ControlRef c, const char* utf8);
 // How round the ring around it is at its corners; that of a button until it is set.
 void SetControlCorner(ControlRef c, int corner);
 bool DescribeControl(ControlRef c, uint64_t* serial, Description* out);
-// Cut to the range of its kind: push button 0 and 1, check box and radio button 0 to 2, static text
-// and user pane 0; a bevel button takes any.
+// Cut to its range; that of its kind until it is set: push button 0 and 1, check box and radio
+// button 0 to 2, static text and user pane 0; a bevel button takes any.
 void SetControl32BitValue(ControlRef c, int32_t value);
 int32_t GetControl32BitValue(ControlRef c);
+int32_t GetControl32BitMaximum(ControlRef c);
 
 // How it takes the keyboard; bits.
 enum ControlKeys : uint8_t {
@@ -107,6 +145,8 @@ bool IsControlVisible(ControlRef c);
 bool IsControlHilited(ControlRef c);
 // Whether the letter that presses it is underlined now, because Alt is held.
 bool IsControlLetterShown(ControlRef c);
+// Alt+Down presses the opener while `c`, of the same window, has the keyboard. Null: none.
+void SetControlOpener(ControlRef c, ControlRef opener);
 // Draws it pressed while something that it has opened is open.
 void HoldControl(ControlRef c, bool held);
 void Draw1Control(ControlRef c);
@@ -123,6 +163,10 @@ ControlRef FindControlUnderMouse(Point where, WindowRef w);
 // Presses the control as a key does, also when it does not have the keyboard. An inactive one is
 // ignored.
 void PressControl(ControlRef c);
+// One small step up or down, as an arrow key does, of an active control that has steps.
+void StepControl(ControlRef c, bool up);
+// Whether the wheel over it turns it, active or not.
+bool ControlTakesWheel(ControlRef c);
 // Part 0 takes the keyboard away from it; any other gives it to a control that shows, is active and
 // can take it.
 void SetKeyboardFocus(WindowRef w, ControlRef c, int part);

@@ -129,6 +129,11 @@ void RedrawPane(PaneRef p, const Rect& area) {
   if (p) RedrawArea(*p->owner, p, area);
 }
 
+void RedrawWithRing(Control* c) {
+  if (OwnerOf(c).focus != c) return Draw1Control(c);
+  if (IsControlVisible(c)) RedrawArea(OwnerOf(c), c->pane, RingArea(c));
+}
+
 void Draw1Control(ControlRef c) {
   if (!IsControlVisible(c)) return;
   Paint(OwnerOf(c), c->pane, ControlArea(c), c, true);

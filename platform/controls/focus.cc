@@ -7,8 +7,6 @@
 namespace platform {
 namespace {
 
-constexpr int kWholeControl = 1;  // the part of a control that has no others
-
 // `marked`: what the ring covered is lost content as well.
 void RedrawRing(Control* c, bool marked) {
   if (!IsControlVisible(c)) return;
@@ -121,6 +119,8 @@ OSStatus HandleActivation(HandlerCall*, Event* event, void*) {
   if (event->kind == kEventWindowDeactivated) ShowLetters(*all, false);
   if (all->focus) RedrawRing(all->focus, false);
   Draw1Control(all->ok);
+  for (Control* c = all->first; c; c = c->next)
+    if (c->kind->front_looks && c->shown) Draw1Control(c);
   return eventNotHandledErr;
 }
 

@@ -2,13 +2,14 @@
 #include <set>
 
 #include "platform/controls/control.h"
+#include "platform/events/key_characters.h"
 #include "platform/menus/menus.h"
 #include "platform/text/letters.h"
 
 namespace platform {
 namespace {
 
-constexpr uint8_t kTab = 9, kReturn = 13, kEnter = 3, kEscape = 27;
+constexpr uint8_t kTab = 9;
 constexpr uint32_t kAlt = optionKey | rightOptionKey;
 constexpr uint32_t kControlOrCommand = cmdKey | controlKey | rightControlKey;
 
@@ -23,25 +24,34 @@ bool PressLetter(WindowControls& all, const Event& e) {
   return false;
 }
 
-bool PressDefault(Control* c, const Event& e) {
+bool PressOther(Control* c, const Event& e) {
   if (!c || !c->active || !IsControlVisible(c)) return false;
   if (e.kind == kEventRawKeyDown) PressByKey(c);
   return true;
 }
 
+// Alt+Down opens what stands beside the control with the keyboard, or what that has itself.
+bool PressOpener(const WindowControls& all, const Event& e) {
+  if (e.key.character != kDownKey || !all.focus) return false;
+  Control* opener = all.focus->opener;
+  if (!opener && all.focus->kind->open) opener = all.focus;
+  return PressOther(opener, e);
+}
+
 bool TakeKey(WindowControls& all, const Event& e) {
   const uint32_t modifiers = e.key.modifiers;
-  if (modifiers & kAlt) return !(modifiers & kControlOrCommand) && PressLetter(all, e);
+  if (modifiers & kAlt)
+    return !(modifiers & kControlOrCommand) && (PressOpener(all, e) || PressLetter(all, e));
   if (all.focus && all.focus->kind->key && all.focus->kind->key(all.focus, e)) return true;
   if (modifiers & kControlOrCommand) return false;
   switch (e.key.character) {
     case kTab:
       return all.tab_moves && MoveFocusByTab(all, modifiers & (shiftKey | rightShiftKey));
-    case kReturn:
-    case kEnter:
-      return PressDefault(all.ok, e);
-    case kEscape:
-      return PressDefault(all.cancel, e);
+    case kReturnKey:
+    case kEnterKey:
+      return PressOther(all.ok, e);
+    case kEscapeKey:
+      return PressOther(all.cancel, e);
     default:
       return false;
   }

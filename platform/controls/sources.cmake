@@ -8,7 +8,11 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/focus.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
   ${CMAKE_CURRENT_LIST_DIR}/panes.cc
+  ${CMAKE_CURRENT_LIST_DIR}/pop_up_button.cc
   ${CMAKE_CURRENT_LIST_DIR}/push_button.cc
+  ${CMAKE_CURRENT_LIST_DIR}/scroll_bar.cc
+  ${CMAKE_CURRENT_LIST_DIR}/slider.cc
   ${CMAKE_CURRENT_LIST_DIR}/static_text.cc
+  ${CMAKE_CURRENT_LIST_DIR}/thumb.cc
   ${CMAKE_CURRENT_LIST_DIR}/tracking.cc
   ${CMAKE_CURRENT_LIST_DIR}/user_pane.cc)

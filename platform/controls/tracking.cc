@@ -1,4 +1,6 @@
 // A press of the primary button on a control, until it is let go.
+#include <utility>
+
 #include "platform/controls/control.h"
 #include "platform/events/trackers.h"
 #include "platform/windows/windows.h"
@@ -30,16 +32,32 @@ void EndTracking() {
   held.control = nullptr;
 }
 
+void LetGo(Control* c, bool inside) {
+  if (c && c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+}
+
+// Where the button comes up does not count.
+void Lost(Control* c) {
+  if (c && c->kind->lost)
+    c->kind->lost(c);
+  else
+    LetGo(c, false);
+}
+
 // A release that names no window comes of a grab that was taken away.
 void Release(const Event& e) {
   Control* c = held.control;
   EndTracking();
-  if (!c) return;
-  const bool inside = e.window && Inside(c, InContent(c, e.mouse.where));
-  if (c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
+  if (c && !e.window)
+    Lost(c);
+  else
+    LetGo(c, c && Inside(c, InContent(c, e.mouse.where)));
 }
 
 Tracking Ask(void*, Event* event) {
+  // The pointer is another's while the button is down.
+  if (event->cls == kEventClassSystem && event->kind == kEventSystemPointerLost)
+    Lost(std::exchange(held.control, nullptr));
   if (event->cls != kEventClassMouse) return Tracking::kPass;
   switch (event->kind) {
     case kEventMouseUp:
@@ -73,10 +91,14 @@ void Press(Control* c, const Event& e) {
   const Point at = InContent(c, e.mouse.where);
   DispatchScope scope;  // the record stays
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
-  if (!IsValidControl(c) || !c->active || !c->kind->press || !c->kind->press(c, at)) return;
+  auto usable = [c] { return IsValidControl(c) && c->active; };
+  if (usable() && c->kind->focus_by_press) SetKeyboardFocus(OwnerOf(c).window, c, kWholeControl);
+  if (!usable() || !c->kind->press) return;
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
   StartTracking(&held.tracker);
+  // One that ends in what it calls is tracked all the same, until its release is over.
+  if (!c->kind->press(c, at) && held.control == c) EndTracking();
 }
 
 }  // namespace
@@ -87,9 +109,13 @@ OSStatus SendControlEvent(Control* c, uint32_t kind, int part, bool by_key) {
   return SendEventToEventTarget(&e, &c->object.target);
 }
 
-void HitControl(Control* c, bool by_key) {
+void HitControl(Control* c, bool by_key, int part) {
   if (c->kind->act) c->kind->act(c);
-  SendControlEvent(c, kEventControlHit, 0, by_key);
+  SendControlEvent(c, kEventControlHit, part, by_key);
+}
+
+bool IsControlHeld(const Control* c) {
+  return c && held.control == c;
 }
 
 void PressByKey(Control* c) {
@@ -97,7 +123,11 @@ void PressByKey(Control* c) {
   if ((c->keys & kKeysClick) &&
       SendControlEvent(c, kEventControlClick, 0, true) != eventNotHandledErr)
     return;
-  if (IsValidControl(c)) HitControl(c, true);
+  if (!IsValidControl(c)) return;
+  if (c->kind->open)
+    c->kind->open(c, true);
+  else
+    HitControl(c, true);
 }
 
 bool IsControlUnder(const Control* c, Point at) {
@@ -112,6 +142,30 @@ OSStatus HandlePress(HandlerCall*, Event* event, void*) {
       {event->mouse.where.x - content.left, event->mouse.where.y - content.top}, w);
   if (!c) return eventNotHandledErr;
   Press(c, *event);
+  return noErr;
+}
+
+// The one that the wheel turns where nothing under the pointer takes it: null unless it is the only
+// one that shows.
+static Control* OnlyVerticalBar(const WindowControls& all) {
+  Control* only = nullptr;
+  for (Control* c = all.first; c; c = c->next) {
+    if (c->kind != &kScrollBarKind || c->horizontal || c->whole || !IsControlVisible(c)) continue;
+    if (only) return nullptr;
+    only = c;
+  }
+  return only;
+}
+
+OSStatus HandleWheel(HandlerCall*, Event* event, void*) {
+  WindowControls* all = ControlsOf(event->window);
+  if (!all || FindWindow(event->mouse.where, event->window) != inContent) return eventNotHandledErr;
+  const Rect content = GetWindowBounds(event->window, kWindowContentRgn);
+  Control* c = FindControlUnderMouse(
+      {event->mouse.where.x - content.left, event->mouse.where.y - content.top}, event->window);
+  if (!ControlTakesWheel(c)) c = OnlyVerticalBar(*all);
+  if (!c) return eventNotHandledErr;
+  if (c->active) c->kind->wheel(c, event->mouse.dx, event->mouse.dy);
   return noErr;
 }
 

@@ -14,6 +14,9 @@ struct Cursor {
   // Of pictures only, in logical pixels. Pixels are 0xAARRGGBB, colours not multiplied by alpha.
   int width = 0, height = 0, hot_x = 0, hot_y = 0;
   std::vector<uint32_t> pixels;
+  // In place of pixels: fills width * height of them from `source` whenever they are needed.
+  void (*draw)(const void* source, uint32_t* argb) = nullptr;
+  const void* source = nullptr;
 };
 
 // A cursor's picture at device size: each logical pixel fills its rectangle, nothing is blurred.

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "platform/base.h"
+#include "platform/display/selection.h"
 #include "platform/events/raw_event.h"
 #include "platform/events/sources.h"
 
@@ -88,6 +89,18 @@ struct Display {
   // kGrabLost, and tried again when the window comes onto the screen. May be null: without it a
   // grab holds inside the program's windows.
   void (*grab)(const Window* w, GrabMode mode, const Cursor* cursor);
+  // Offers a text as the content of a selection to all programs, in place of what was offered
+  // before; null gives it up. False: another program keeps the selection. The loss to another one
+  // is reported as kSelectionLost. Waits for the display, since the answer is known only then. May
+  // be null: texts stay inside the program.
+  bool (*offer_text)(Selection which, const SharedText& text);
+  // Asks the program that offers a selection for its text. The answer is one report, kTextArrived.
+  // What comes later than `seconds` is not taken; 0: the answer is no longer wanted, and what has
+  // come of it goes. Never called for what the program offers itself. May be null: there is none.
+  void (*ask_text)(Selection which, int request, double seconds);
+  // The program ends: the clipboard's text is left to the desktop, if that keeps such texts. Waits
+  // at most half a second. May be null.
+  void (*keep_text)();
   // May be null.
   void (*beep)();
   // The next report, all of it, without waiting. False when there is none. Also called when the

@@ -16,6 +16,7 @@ constexpr uint32_t kEventClassCommand = FourCC("cmds");
 constexpr uint32_t kEventClassMenu = FourCC("menu");
 constexpr uint32_t kEventClassControl = FourCC("cntl");
 constexpr uint32_t kEventClassSystem = FourCC("macs");
+constexpr uint32_t kEventClassClipboard = FourCC("clip");
 
 enum : uint32_t {
   kEventMouseDown = 1,
@@ -53,6 +54,7 @@ enum : uint32_t {
   kEventControlClick = 13,      // a press of the primary button; one that is taken is not tracked
   kEventSystemPointerLost = 5,  // a grab has been refused or taken away
   kEventSystemDisplayReconfigured = 4,  // the main screen has another size or scale
+  kEventTextArrived = 1,                // the answer to a request for a text is there
 };
 
 // The high-level requests of the desktop (class 'eppc'), in RequestFields::id.
@@ -72,6 +74,9 @@ enum : uint32_t {
   rightOptionKey = 0x4000,
   rightControlKey = 0x8000,
 };
+
+// Logical pixels of one notch of a wheel.
+constexpr float kWheelNotch = 48;
 
 struct TabletPoint {
   uint16_t buttons;   // bit 0 tip, 1 and 2 the side buttons
@@ -106,14 +111,14 @@ struct BoundsFields {
   float scale;             // the window's at these bounds; 0: as before
 };
 struct RequestFields {
-  uint32_t id;               // quit, odoc; a command
+  uint32_t id;               // quit, odoc; a command; the number of a request for a text
   const char* const* files;  // odoc: absolute local paths, valid during the dispatch
   int file_count;
 };
 
 struct ControlFields {
   ControlRef control;
-  int part;     // of the focus, else 0
+  int part;     // of the focus; of a hit, where the control has parts; else 0
   bool by_key;  // the keyboard has pressed it
 };
 

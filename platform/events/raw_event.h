@@ -1,5 +1,7 @@
 // What a display or the desktop reports, before any translation, and the reports that wait.
 #pragma once
+#include <string>
+
 #include "platform/events/event.h"
 
 namespace platform {
@@ -31,14 +33,17 @@ struct RawEvent {
     kGrabLost,  // held: a grab of the pointer is refused or has ended by itself
     kQuit,      // SIGTERM, the session's end
     kPreferences,
-    kOpenFile,     // text: a path, absolute and local
-    kActivate,     // the first window shall come forward; text: the activation token, may be null
-    kLetGo,        // windows that were held back come onto the screen
-    kScreens,      // the screens or the scale changed
-    kDisplayLost,  // the connection is gone
+    kOpenFile,       // text: a path, absolute and local
+    kActivate,       // the first window shall come forward; text: the activation token, may be null
+    kLetGo,          // windows that were held back come onto the screen
+    kTextArrived,    // request, arrived: the answer of another program, null when it has none
+    kSelectionLost,  // selection: another program offers it from now on
+    kScreens,        // the screens or the scale changed
+    kDisplayLost,    // the connection is gone
   } type = kNone;
   uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
   uint8_t tablet_type = 0;
+  uint8_t selection = 0;  // a Selection
   const Window* window = nullptr;
   double time = 0;     // seconds on now()
   float x = 0, y = 0;  // relative to the buffer's corner
@@ -59,6 +64,8 @@ struct RawEvent {
   double scale = 0;
   DeviceRect frame;
   const char* text = nullptr;  // valid until the next report is taken
+  int request = 0;
+  std::string* arrived = nullptr;  // may be moved from; valid as `text` is
 };
 
 // Reports that let go of something: they count also when their window has ended.

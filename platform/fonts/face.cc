@@ -52,10 +52,9 @@ void TakeFallback(FontFace* f, CharacterPage* page, int at, char32_t c) {
   TakeGlyph(f, page, at, f, 0);
 }
 
-void FillToolkitPage(FontFace* f) {
-  f->toolkit = std::make_unique<CharacterPage>();
+void FillToolkitPage(FontFace* f, int first, int end) {
   CharacterPage* page = f->toolkit.get();
-  for (int i = 0; i < 256; ++i) {
+  for (int i = first; i < end; ++i) {
     page->sources[i] = f;
     page->glyphs[i] = kNoGlyph;
     char32_t c = StandIn(MacRomanToUnicode(uint8_t(i)));
@@ -102,6 +101,7 @@ void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
       kind == CharacterKind::kJoiner)
     return;
   if (int mac = UnicodeToMacRoman(c); mac >= 0) {
+    if (mac >= 0x80) ReadUpperHalf(f);
     page->glyphs[at] = f->toolkit->glyphs[mac];
     page->sources[at] = f->toolkit->sources[mac];
     page->advances[at] = f->toolkit->advances[mac];
@@ -119,12 +119,19 @@ bool OpenFace(const FontFace* face) {
   FontFace* f = const_cast<FontFace*>(face);
   if (f->toolkit) return true;
   if (!LoadHandle(f)) return false;
-  FillToolkitPage(f);
+  f->toolkit = std::make_unique<CharacterPage>();
+  FillToolkitPage(f, 0, 0x80);
   return true;
 }
 
+void ReadUpperHalf(const FontFace* face) {
+  FontFace* f = const_cast<FontFace*>(face);
+  if (!std::exchange(f->upper_half, true)) FillToolkitPage(f, 0x80, 0x100);
+}
+
 const CharacterPage& PageOfSlot(const FontFace* face, uint32_t slot) {
-  if (slot < 256) return *face->toolkit;
+  if (slot >= 0x80 && slot < 0x100) ReadUpperHalf(face);
+  if (slot < 0x100) return *face->toolkit;
   FontFace* f = const_cast<FontFace*>(face);
   char32_t c = slot - 256;
   size_t number = c >> 8;

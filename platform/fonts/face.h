@@ -35,14 +35,19 @@ struct FontFace {
   FontHandle handle;
   bool tried = false;
   int ft_size = 0;  // 26.6 size that the handle is set to
-  // The 256 characters of the toolkit's set.
+  // The 256 characters of the toolkit's set; the upper half is looked up on first use, since other
+  // fonts may have to be opened for it.
   std::unique_ptr<CharacterPage> toolkit;
+  bool upper_half = false;
   // By code point / 256, made when one of its characters is asked for.
   std::vector<std::unique_ptr<CharacterPage>> pages;
 };
 
-// Opens the file and reads the toolkit's page; false when it cannot be read. Once a face.
+// Opens the file and reads the lower half of the toolkit's page; false when it cannot be read. Once
+// a face.
 bool OpenFace(const FontFace* face);
+// Reads the upper half of an open face's toolkit page, once.
+void ReadUpperHalf(const FontFace* face);
 // The face for a file, made on first use. Metrics are taken from `known` or read from the file;
 // null when it cannot be read.
 const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* known = nullptr);

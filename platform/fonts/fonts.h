@@ -52,8 +52,8 @@ struct TextScale {
   bool Narrower(int64_t sum, int64_t width) const { return sum * size < width * units_per_em; }
 };
 TextScale GetTextScale(const SizedFont* font);
-// Font units of each of the 256 characters of the toolkit's set.
-const int32_t* GetAdvances(const SizedFont* font);
+// Font units of each of the 256 characters of the toolkit's set, as far as `text` has them.
+const int32_t* GetAdvances(const SizedFont* font, std::string_view text);
 int64_t MeasureText(const SizedFont* font, const char* text, size_t n);
 
 // --- The toolkit's set: one byte a character

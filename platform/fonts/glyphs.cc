@@ -199,18 +199,33 @@ SizedFont* OpenFont(const FontFace* face, int size) {
   return fonts.back().get();
 }
 
+// Whether a text has bytes from 0x80 on, asked eight at a time.
+static bool HasUpperHalf(std::string_view text) {
+  uint64_t all = 0;
+  size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    uint64_t eight;
+    std::memcpy(&eight, text.data() + i, 8);
+    all |= eight;
+  }
+  for (; i < text.size(); ++i) all |= uint8_t(text[i]);
+  return all & 0x8080808080808080u;
+}
+
 TextScale GetTextScale(const SizedFont* font) {
   if (!OpenSized(font)) return {0, 1};
   return {std::clamp(font->size, 0, 1 << 24), font->face->units.per_em};
 }
 
-const int32_t* GetAdvances(const SizedFont* font) {
+const int32_t* GetAdvances(const SizedFont* font, std::string_view text) {
   static const int32_t kNone[256] = {};
-  return OpenSized(font) ? font->face->toolkit->advances : kNone;
+  if (!OpenSized(font)) return kNone;
+  if (!font->face->upper_half && HasUpperHalf(text)) ReadUpperHalf(font->face);
+  return font->face->toolkit->advances;
 }
 
 int64_t MeasureText(const SizedFont* font, const char* text, size_t n) {
-  const int32_t* advances = GetAdvances(font);
+  const int32_t* advances = GetAdvances(font, {text, n});
   int64_t sum = 0;
   for (size_t i = 0; i < n; ++i) sum += advances[uint8_t(text[i])];
   return sum;
@@ -253,7 +268,7 @@ void DrawEach(ContextRef c, SizedFont* font, int x, int y, Ink ink, Each each) {
 void DrawGlyphs(ContextRef c, SizedFont* font, int x, int y, const char* text, size_t n,
                 uint32_t rgb) {
   if (!Ready(c) || !text || !OpenSized(font)) return;
-  const int32_t* advances = font->face->toolkit->advances;
+  const int32_t* advances = GetAdvances(font, {text, n});
   DrawEach(c, font, x, y, {0xFF000000u | rgb, 255}, [=](auto draw) {
     int64_t sum = 0;
     for (size_t i = 0; i < n; ++i) {

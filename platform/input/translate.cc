@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/clipboard/clipboard.h"
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
@@ -244,6 +245,10 @@ void TranslateRawEvent(const RawEvent& raw) {
       return SelectWindow(MenuBarWindow(), raw.text);
     case RawEvent::kLetGo:
       return HoldWindows(false);
+    case RawEvent::kTextArrived:
+      return TextReported(raw.request, raw.arrived);
+    case RawEvent::kSelectionLost:
+      return SelectionLost(Selection(raw.selection));
     case RawEvent::kScreens:
       return ReadScreens();
     case RawEvent::kDisplayLost:

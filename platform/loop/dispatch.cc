@@ -2,6 +2,7 @@
 
 #include <csignal>
 
+#include "platform/clipboard/clipboard.h"
 #include "platform/events/queue.h"
 #include "platform/events/targets.h"
 #include "platform/events/trackers.h"
@@ -30,6 +31,7 @@ OSStatus Dispatch(HandlerCall*, Event* event, void*) {
 // Nobody takes the request to quit: the process ends as if it had not been caught.
 OSStatus EndProcess(HandlerCall*, Event* event, void*) {
   if (event->request.id == kAEQuitApplication) {
+    KeepText();
     signal(SIGTERM, SIG_DFL);
     raise(SIGTERM);
   }

@@ -6,7 +6,8 @@
 #include <cstring>
 
 #include "platform/access/access.h"
-#include "platform/controls/controls.h"
+#include "platform/clipboard/clipboard.h"
+#include "platform/controls/control.h"
 #include "platform/desktop/application.h"
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/signals.h"
@@ -23,6 +24,7 @@
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
+#include "platform/loop/tracking.h"
 #include "platform/menus/menus.h"
 #include "platform/theme/theme.h"
 #include "platform/windows/internal.h"
@@ -71,8 +73,10 @@ bool InitPlatform(const char* name) {
     return false;
   }
   InitDispatch();
+  InitClipboard();
   InitMenus();
   InitControls();
+  select_below = PopUpMenuSelectBelow;
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
@@ -91,6 +95,9 @@ void FinishPlatform() {
   FinishMenus();
   FinishInput();
   FinishApplication();
+  // The windows have gone: nobody looks at what is waited for.
+  KeepText();
+  FinishClipboard();
   FinishSessionEnd();
   FinishSignals();
   FlushEventQueue(GetMainEventQueue(), nullptr);

@@ -84,12 +84,50 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   return result;
 }
 
-static int WaitForMenu() {
+namespace {
+
+struct TextWait {
+  TextArrived arrived;
+  void* data;
+  int request = 0;
+  bool done = false;
+};
+
+}  // namespace
+
+void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data) {
+  TextWait wait{arrived, data};
+  wait.request = AskText(
+      which, timeout_ms,
+      [](void* waiting, const std::string* text) {
+        auto* w = static_cast<TextWait*>(waiting);
+        w->done = true;
+        w->arrived(w->data, text);
+      },
+      &wait);
+  Tracker tracker;
+  tracker.data = &wait;
+  tracker.ask = [](void* waiting, Event* e) {
+    const auto* w = static_cast<const TextWait*>(waiting);
+    const bool own = e->cls == kEventClassClipboard && int(e->request.id) == w->request;
+    return own ? Tracking::kPass : Tracking::kLater;
+  };
+  WaitTracking(
+      &tracker, [](void* waiting) { return static_cast<const TextWait*>(waiting)->done; },
+      timeout_ms / 1000.0);
+  ForgetAsk(wait.request);
+}
+
+static MenuChoice WaitForChoice() {
   // Menus that are opened during the wait close this one: its tracker is theirs then, and they have
   // ended when the wait comes back here.
   WaitTracking(
       MenuTracker(), [](void*) { return MenuIsDone(); }, kEventDurationForever);
-  const MenuChoice choice = CloseMenus();
+  return CloseMenus();
+}
+
+static int WaitForMenu() {
+  const MenuChoice choice = WaitForChoice();
   return choice.item ? choice.menu << 16 | choice.item : 0;
 }
 
@@ -97,6 +135,12 @@ int PopUpMenuSelect(MenuRef menu, int top, int left, int item) {
   if (!OpenPopUpMenu(menu, {left, top}, item)) return 0;
   SetMenuPointer(LastPointer());
   return WaitForMenu();
+}
+
+int PopUpMenuSelectBelow(MenuRef menu, WindowRef w, const Rect& anchor, int item) {
+  if (!OpenPopUpMenuBelow(menu, w, anchor, item)) return 0;
+  SetMenuPointer(LastPointer());
+  return WaitForChoice().item;
 }
 
 int MenuSelect(Point where) {

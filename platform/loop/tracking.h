@@ -1,6 +1,7 @@
 // The nested waits of the platform: all of them stand here. What they wait for are state machines,
 // which are asked about events as trackers.
 #pragma once
+#include "platform/clipboard/clipboard.h"
 #include "platform/events/trackers.h"
 
 namespace platform {
@@ -11,9 +12,15 @@ enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 // see them, and they come first afterwards. `timeout` in seconds, as for ReceiveNextEvent.
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout);
 
+// Asks for the text of a selection and waits for the answer, as AskText tells: `arrived` has run
+// when this returns, unless the queue was emptied meanwhile.
+void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data);
+
 // Shows a menu at a global point until an item is chosen, which comes as the menu's id (high 16
 // bits) and the item's number (low), or it is dismissed: 0. `item` (0: none) is selected at first.
 int PopUpMenuSelect(MenuRef menu, int top, int left, int item);
+// The same below a rectangle of a window's content, at least as wide: the item's number.
+int PopUpMenuSelectBelow(MenuRef menu, WindowRef w, const Rect& anchor, int item);
 // The same with the bar, from the title under a global point, or (by the keyboard) from a menu of
 // it. What was chosen is sent to its menu.
 int MenuSelect(Point where);

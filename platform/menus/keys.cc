@@ -1,25 +1,11 @@
 // What keys do in open menus.
+#include "platform/events/key_characters.h"
 #include "platform/menus/session.h"
 #include "platform/text/letters.h"
 
 namespace platform {
 namespace {
 
-// Characters of the toolkit's keys.
-enum : uint8_t {
-  kHome = 1,
-  kEnter = 3,
-  kEnd = 4,
-  kPageUp = 11,
-  kPageDown = 12,
-  kReturn = 13,
-  kEscape = 27,
-  kLeft = 28,
-  kRight = 29,
-  kUp = 30,
-  kDown = 31,
-  kSpace = ' ',
-};
 constexpr uint32_t kF10 = 0xFFC7;
 constexpr int kPage = 10;  // rows
 
@@ -62,35 +48,35 @@ void MenuKey(const Event& e) {
   s.pressed = true;
   if (e.key.keysym == kF10) return FinishSession(false);
   switch (e.key.character) {
-    case kUp:
+    case kUpKey:
       return SelectItem(l, NextItem(*l, l->selected, -1));
-    case kDown:
+    case kDownKey:
       return SelectItem(l, NextItem(*l, l->selected, 1));
-    case kHome:
+    case kHomeKey:
       return SelectItem(l, NextItem(*l, 0, 1));
-    case kEnd:
+    case kEndKey:
       return SelectItem(l, NextItem(*l, 0, -1));
-    case kPageUp:
-    case kPageDown: {
-      const int step = e.key.character == kPageUp ? -1 : 1;
+    case kPageUpKey:
+    case kPageDownKey: {
+      const int step = e.key.character == kPageUpKey ? -1 : 1;
       const int end = NextItem(*l, 0, -step);
       int at = l->selected;
       for (int i = 0; i < kPage && at != end; ++i) at = NextItem(*l, at, step);
       return SelectItem(l, at);
     }
-    case kLeft:
+    case kLeftKey:
       if (level > 0) return PopLevels(level);
       if (s.of_bar) NextTitle(-1);
       return;
-    case kRight:
+    case kRightKey:
       if (!OpenSubMenu(level, true) && s.of_bar && !s.done) NextTitle(1);
       return;
-    case kReturn:
-    case kEnter:
-    case kSpace:
+    case kReturnKey:
+    case kEnterKey:
+    case kSpaceKey:
       if (l->selected) ChooseItem(level, l->selected, true);
       return;
-    case kEscape:
+    case kEscapeKey:
       return Leave();
     default:
       if (const char32_t letter = LetterOfKey(e.key.base_keysym, e.key.keysym, e.key.text))

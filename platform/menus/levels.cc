@@ -120,7 +120,7 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   l.layout = LayOutMenu(*m);
   if (l.layout.rows.empty()) return false;
   PopUpPlace sized = place;
-  sized.width = l.layout.width;
+  sized.width = std::max(place.width, l.layout.width);
   sized.height = l.layout.height;
   l.window = CreatePopUpWindow(parent, sized);
   if (!l.window) return false;

@@ -92,6 +92,11 @@ void SetMenuItemText(MenuRef m, int item, const char* utf8) {
   Changed(m, *i, Change::kName);
 }
 
+const char* GetMenuItemText(MenuRef m, int item) {
+  const MenuItem* i = ItemOf(m, item);
+  return i ? i->text.c_str() : "";
+}
+
 void ChangeMenuItemAttributes(MenuRef m, int item, uint32_t set, uint32_t clear) {
   MenuItem* i = ItemOf(m, item);
   if (!i) return;

@@ -37,6 +37,8 @@ void SetMenuTitle(MenuRef m, const char* utf8);
 int AppendMenuItemText(MenuRef m, const char* utf8);
 int CountMenuItems(MenuRef m);
 void SetMenuItemText(MenuRef m, int item, const char* utf8);
+// Valid until the next change.
+const char* GetMenuItemText(MenuRef m, int item);
 void ChangeMenuItemAttributes(MenuRef m, int item, uint32_t set, uint32_t clear);
 void EnableMenuItem(MenuRef m, int item);
 void DisableMenuItem(MenuRef m, int item);
@@ -77,6 +79,8 @@ void WatchLoneAlt(const Event& e);
 
 // At a global point, with the item (0: none) selected. False when there is nothing to show.
 bool OpenPopUpMenu(MenuRef m, Point where, int item);
+// Below a rectangle of a window's content, and at least as wide.
+bool OpenPopUpMenuBelow(MenuRef m, WindowRef owner, const Rect& anchor, int item);
 // Of the bar: the title under a global point.
 bool OpenMenuBarAt(Point where);
 // By the keyboard, its first item selected.

@@ -308,20 +308,30 @@ void ChooseItem(size_t level, int item, bool by_key) {
   FinishSession(true);
 }
 
+static bool OpenPopUp(MenuRef m, WindowRef owner, const Rect& anchor, int item) {
+  Begin(owner, false);
+  menu_session.last = {owner->content.left + anchor.left, owner->content.top + anchor.top};
+  PopUpPlace place;
+  place.anchor = anchor;
+  place.width = anchor.width();
+  const bool shown = PushLevel(m, owner, place);
+  if (shown && item) SelectItem(&menu_session.levels.back(), item);
+  return Opened(shown);
+}
+
 bool OpenPopUpMenu(MenuRef m, Point where, int item) {
   CloseMenus();
   constexpr int kFar = 1 << 16;  // beyond every screen
   where = {std::clamp(where.x, -kFar, kFar), std::clamp(where.y, -kFar, kFar)};
   WindowRef owner = OwnerAt(where);
   if (!owner) return false;
-  Begin(owner, false);
-  menu_session.last = where;
-  PopUpPlace place;
   const int x = where.x - owner->content.left, y = where.y - owner->content.top;
-  place.anchor = {x, y, x, y};
-  const bool shown = PushLevel(m, owner, place);
-  if (shown && item) SelectItem(&menu_session.levels.back(), item);
-  return Opened(shown);
+  return OpenPopUp(m, owner, {x, y, x, y}, item);
+}
+
+bool OpenPopUpMenuBelow(MenuRef m, WindowRef owner, const Rect& anchor, int item) {
+  CloseMenus();
+  return IsWindowVisible(owner) && OpenPopUp(m, owner, anchor, item);
 }
 
 static bool OpenBar(const BarTitle& t, bool by_key) {

@@ -16,11 +16,16 @@ enum class ObjectRole : uint8_t {
   kRadioButton,
   kColorWell,
   kColumnHeader,
+  kSlider,
+  kScrollBar,
   kLabel,
   kMenuBar,
   kMenu,
   kMenuItem,
   kSeparator,
+  kList,
+  kRow,  // of a list
+  kPopUpButton,
 };
 
 enum ObjectState : uint32_t {
@@ -34,20 +39,24 @@ enum ObjectState : uint32_t {
   kIsDefault = 128,
   kIsActive = 256,  // a window that looks so
   kHasMenu = 512,   // opens one
+  kIsSelected = 1024,
 };
 
 // What can be done to it; bits.
 enum ObjectAction : uint32_t {
-  kActionPress = 1,  // as the pointer or a key would
-  kActionFocus = 2,  // gives it the keyboard
+  kActionPress = 1,     // as the pointer or a key would
+  kActionFocus = 2,     // gives it the keyboard
+  kActionIncrease = 4,  // by a small step, as a key would
+  kActionDecrease = 8,
 };
 
 struct Description {
   ObjectRole role = ObjectRole::kPane;
-  std::string name, value;  // UTF-8
-  uint32_t state = 0;       // bits of ObjectState
-  uint32_t actions = 0;     // bits of ObjectAction
-  Rect bounds;              // global, logical pixels
+  std::string name, value;           // UTF-8
+  uint32_t state = 0;                // bits of ObjectState
+  uint32_t actions = 0;              // bits of ObjectAction
+  Rect bounds;                       // global, logical pixels
+  int32_t minimum = 0, maximum = 0;  // of a slider or scroll bar; `value` is the number
 };
 
 }  // namespace platform

@@ -56,6 +56,12 @@ int PutUtf8(char32_t c, char out[4]) {
   return n;
 }
 
+bool IsAscii(std::string_view text) {
+  uint8_t all = 0;
+  for (const char c : text) all |= uint8_t(c);
+  return all < 0x80;
+}
+
 std::string ValidUtf8(std::string_view text) {
   std::string valid;
   valid.reserve(text.size());

@@ -8,6 +8,7 @@ constexpr int kCorner = 4;      // of faces, fields and wells
 constexpr int kCheckCell = 16;  // a check box or radio button stands in the middle of it
 constexpr int kCheckMark = 14;  // and has this size
 constexpr int kCheckCorner = 3;
+constexpr int kListRow = 18;   // height of a row
 constexpr int kFocusRing = 2;  // its width, outside the border
 constexpr int kOpaqueAlpha = 255;
 constexpr int kThemeDisabledAlpha = 102;  // 40 percent

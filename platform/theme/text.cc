@@ -7,18 +7,19 @@
 namespace platform {
 namespace {
 
-constexpr int kBigSystemFont = -1;
+constexpr int kBigSystemFont = -1, kViewsFont = 3;
 constexpr const char* kEllipsis = "…";
 
 struct TextFont {
   SizedFont* font = nullptr;
   int ascent = 0, descent = 0;
 };
-TextFont fonts[2];
+enum Which { kPlain, kBold, kView, kFonts };
+TextFont fonts[kFonts];
 
-TextFont Open(bool bold) {
-  const ThemeFont theme = GetThemeFont(kBigSystemFont);
-  const FontFace* face = bold ? FindFont((theme.family + " Bold").c_str()) : nullptr;
+TextFont Open(Which which) {
+  const ThemeFont theme = GetThemeFont(which == kView ? kViewsFont : kBigSystemFont);
+  const FontFace* face = which == kBold ? FindFont((theme.family + " Bold").c_str()) : nullptr;
   if (!face) face = FindFont(theme.family.c_str());
   if (!face) face = FallbackFont();
   if (!face) return {};
@@ -44,20 +45,20 @@ int LayOutCut(const TextFont& font, const std::string& text, int width, TextLine
   return scale.Pixels(line->width());
 }
 
-const TextFont& FontOf(bool bold) {
-  TextFont& f = fonts[bold];
-  if (!f.font) f = Open(bold);
+const TextFont& FontOf(Which which) {
+  TextFont& f = fonts[which];
+  if (!f.font) f = Open(which);
   return f;
 }
 
 }  // namespace
 
 void FinishThemeText() {
-  fonts[0] = fonts[1] = TextFont();
+  for (TextFont& f : fonts) f = TextFont();
 }
 
 int ThemeTextWidth(const std::string& text, bool bold) {
-  const TextFont& font = FontOf(bold);
+  const TextFont& font = FontOf(bold ? kBold : kPlain);
   if (!font.font) return 0;
   TextLine line;
   LayOutText(font.font, text, &line);
@@ -66,7 +67,7 @@ int ThemeTextWidth(const std::string& text, bool bold) {
 
 void DrawThemeText(ContextRef c, const Rect& r, const std::string& text,
                    const ThemeTextStyle& style) {
-  const TextFont& font = FontOf(style.bold);
+  const TextFont& font = FontOf(style.view ? kView : style.bold ? kBold : kPlain);
   if (!font.font || text.empty() || r.empty()) return;
   static TextLine line;
   const int width = LayOutCut(font, text, r.width(), &line);

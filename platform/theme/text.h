@@ -9,6 +9,7 @@ namespace platform {
 enum class TextJustification : uint8_t { kLeft, kCenter, kRight };
 struct ThemeTextStyle {
   bool bold = false;
+  bool view = false;  // the smaller font of lists, which has no bold
   TextJustification justification = TextJustification::kCenter;
   bool underline_first = false;  // the first letter
   uint32_t rgb = 0;

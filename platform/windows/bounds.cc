@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/access/access.h"
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/windows/state.h"
@@ -17,6 +18,12 @@ Rect Structure(const Window& w) {
           w.content.right + w.frame.right, w.content.bottom + w.frame.bottom};
 }
 
+void SetContent(WindowRef w, const Rect& content) {
+  if (w->content == content) return;
+  w->content = content;
+  NoticeChange(w->object.serial, Change::kBounds);
+}
+
 // Windows of a group that moves together follow the first window, without a notice of their own.
 // It follows none of them: what the desktop does to one stays between the two.
 void MoveGroup(const Window& leader, int dx, int dy) {
@@ -25,7 +32,7 @@ void MoveGroup(const Window& leader, int dx, int dy) {
   if (dx == 0 && dy == 0) return;
   for (WindowRef w : WindowList()) {
     if (w == &leader || w->group != leader.group) continue;
-    w->content = Offset(w->content, dx, dy);
+    SetContent(w, Offset(w->content, dx, dy));
     CurrentDisplay()->move_resize(w);
     PlacePopUps(w);
   }
@@ -111,7 +118,7 @@ void ResizeSurface(WindowRef w) {
 // Takes `content` as the window's bounds. True when it grew.
 static bool TakeBounds(WindowRef w, const Rect& content) {
   Rect old = w->content;
-  w->content = content;
+  SetContent(w, content);
   if (SameSize(old, content)) return false;
   if (w->visible || w->surface.pixels) ResizeSurface(w);
   const int width = content.width(), height = content.height();
@@ -161,8 +168,8 @@ static void Rescale(WindowRef w, double scale, bool ask) {
   const Rect old = w->content;
   Surface& s = w->surface;
   s.scale = scale;
-  w->content = Offset(old, LogicalSize(at.left, scale) - old.left,
-                      LogicalSize(at.top, scale) + w->menu_bar_height - old.top);
+  SetContent(w, Offset(old, LogicalSize(at.left, scale) - old.left,
+                       LogicalSize(at.top, scale) + w->menu_bar_height - old.top));
   if (s.pixels) {
     s.width = s.height = 0;  // nothing of the old picture fits
     ResizeSurface(w);
@@ -248,7 +255,7 @@ void MoveWindowStructure(WindowRef w, int left, int top) {
   if (!IsValidWindow(w) || w->parent) return;
   Rect s = Structure(*w);
   if (s.left == left && s.top == top) return;
-  w->content = Offset(w->content, left - s.left, top - s.top);
+  SetContent(w, Offset(w->content, left - s.left, top - s.top));
   CurrentDisplay()->move_resize(w);
   PlacePopUps(w);
 }

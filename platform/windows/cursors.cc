@@ -18,15 +18,29 @@ CursorRef CreateDesktopCursor(DesktopCursor which) {
   return c;
 }
 
-CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb) {
-  if (!argb || width < 1 || height < 1 || width > kCursorSide || height > kCursorSide)
-    return nullptr;
+static Cursor* NewPicture(int width, int height, int hot_x, int hot_y) {
+  if (width < 1 || height < 1 || width > kCursorSide || height > kCursorSide) return nullptr;
   auto* c = new Cursor;
   c->width = width;
   c->height = height;
   c->hot_x = std::clamp(hot_x, 0, width - 1);
   c->hot_y = std::clamp(hot_y, 0, height - 1);
-  c->pixels.assign(argb, argb + width * height);
+  return c;
+}
+
+CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb) {
+  Cursor* c = argb ? NewPicture(width, height, hot_x, hot_y) : nullptr;
+  if (c) c->pixels.assign(argb, argb + width * height);
+  return c;
+}
+
+CursorRef CreateDrawnCursor(int width, int height, int hot_x, int hot_y,
+                            void (*draw)(const void* source, uint32_t* argb), const void* source) {
+  Cursor* c = draw ? NewPicture(width, height, hot_x, hot_y) : nullptr;
+  if (c) {
+    c->draw = draw;
+    c->source = source;
+  }
   return c;
 }
 

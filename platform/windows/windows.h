@@ -126,9 +126,12 @@ uint32_t WindowGeneration(WindowRef w);
 
 // A picture of at most 32 x 32 logical pixels, 0xAARRGGBB, or one of the desktop's own.
 enum class DesktopCursor { kNone, kArrow, kCrosshair, kOpenHand };
-// Both live until ReleaseCursor. Null for a size outside 1..32.
+// All live until ReleaseCursor. Null for a size outside 1..32.
 CursorRef CreateDesktopCursor(DesktopCursor which);
 CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb);
+// The same, but `draw` fills the pixels when the cursor is shown first; `source` lives as long.
+CursorRef CreateDrawnCursor(int width, int height, int hot_x, int hot_y,
+                            void (*draw)(const void* source, uint32_t* argb), const void* source);
 void ReleaseCursor(CursorRef cursor);
 // The pointer looks like this over the window; null is ignored.
 void ShowCursor(WindowRef w, CursorRef cursor);

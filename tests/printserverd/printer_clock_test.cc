@@ -48,7 +48,8 @@ class PrinterClock : public testing::Test {
     NewId(&id);
     const DocumentRef document = queue.CreateDocument(id);
     queue.AddBytes(size);
-    queue.Write(document, std::string(static_cast<size_t>(size), 'x'), [] {});
+    const auto bytes = std::make_shared<std::vector<char>>(size, 'x');
+    queue.Write(document, bytes, {bytes->data(), bytes->size()}, [] {});
     Ticket ticket;
     ticket.printer = "P";
     ticket.copies = copies;

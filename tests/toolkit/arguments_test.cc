@@ -228,7 +228,10 @@ void Controls() {
                  Hostile<XwValue>()),
         XwLabel(parent, text, Hostile<int32_t>(), x, y, w, h, style),
         XwCheckBox(parent, Hostile<const char*>(), 1, x, y, style, Hostile<int32_t>()),
-        XwColor(parent, Hostile<const char*>(), 1, x, y, w, h, style, Hostile<int32_t>())};
+        XwColor(parent, Hostile<const char*>(), 1, x, y, w, h, style, Hostile<int32_t>()),
+        XwSlider(parent, 1, x, y, w, h, style, Hostile<int32_t>(), Hostile<int32_t>(), x),
+        XwScrollBar(parent, 1, x, y, w, h, style, Hostile<int32_t>(), Hostile<int32_t>(),
+                    Hostile<int32_t>(), Hostile<int32_t>(), x)};
     for (XwWindow* c : made) {
       XwMove(c, Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>());
       XwShow(c, int(rng() % 2));
@@ -239,10 +242,15 @@ void Controls() {
       if (c) XwDescribeControl(c, Hostile<const char*>());
     }
     if (rng() % 8 == 0) stage::input::Click(int(rng() % 600), int(rng() % 400), 1 + int(rng() % 5));
-    if (rng() % 8 == 0) stage::input::KeyDown(Pick<uint32_t>({' ', 0xFF09, 0xFF0D, 0xFF1B}), ' ');
+    if (rng() % 8 == 0)
+      stage::input::KeyDown(
+          Pick<uint32_t>({' ', 0xFF09, 0xFF0D, 0xFF1B, 0xFF50, 0xFF52, 0xFF53, 0xFF55, 0xFF57}),
+          ' ');
+    if (rng() % 8 == 0) stage::input::Scroll(float(x), float(y));
     const XwDialogItem items[] = {
-        {Pick<uint8_t>({1, 2, 3, 5, 8, 200}), nullptr, 5, int16_t(x), int16_t(y), int16_t(w),
-         int16_t(h), style & ~uint32_t{XWC_MENU | XWC_ICON}, Hostile<XwValue>(), 0, 0, 0, 0},
+        {Pick<uint8_t>({1, 2, 3, 5, 6, 7, 8, 200}), nullptr, 5, int16_t(x), int16_t(y), int16_t(w),
+         int16_t(h), style & ~uint32_t{XWC_MENU | XWC_ICON}, Hostile<XwValue>(), Hostile<int32_t>(),
+         Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>()},
         {}};
     XwCreateDialogItems(parent, rng() % 5 ? items : nullptr, x, y);
     Repair();
@@ -358,8 +366,8 @@ const struct {
     CALL(XwShow),
     CALL(XwEnable),
     CALL(XwSetFocus),
-    CALL(XwSetText),
-    CALL(XwSetTextUtf8),
+    {"XwSetText", Often<static_cast<void (*)(XwWindow*, const char*)>(XwSetText)>},
+    {"XwSetTextUtf8", Often<static_cast<void (*)(XwWindow*, const char*)>(XwSetTextUtf8)>},
     CALL(XwDrawTextUtf8),
     CALL(XwTextWidthUtf8),
     {"XwTextTrimUtf8", Conversions},
@@ -370,6 +378,13 @@ const struct {
     {"XwButton", Controls},  // and all others that make controls
     {"XwCheckBox", Nothing},
     {"XwColor", Nothing},
+    {"XwSlider", Nothing},
+    {"XwScrollBar", Nothing},
+    CALL(XwSetSliderRange),
+    CALL(XwSetScrollRange),
+    {"XwListBox", Nothing},
+    {"XwUpdateListBox", Nothing},
+    {"XwComboBox", Nothing},
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},

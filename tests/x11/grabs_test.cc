@@ -137,6 +137,8 @@ TEST_F(Grabs, ARefusalIsTold) {
   user().Button(1, true);
   ASSERT_TRUE(Wait(RawEvent::kPress));
   HideWindow(w);
+  ASSERT_TRUE(Wait(RawEvent::kGrabLost)) << "that of the press, with its window";
+  EXPECT_EQ(Of(RawEvent::kGrabLost)[0].held, 2u);
   Settle();
   ASSERT_TRUE(support::Eventually([&] { return Steal(); }));
   user().Button(1, false);

@@ -2,6 +2,7 @@
 
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
+#include "toolkit/controls/combos.h"
 #include "toolkit/controls/framework.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
@@ -59,6 +60,7 @@ OSStatus Click(XwWindow* control) {
       ReportControl(control, control->id, GetControl32BitValue(NativeControl(control)) - 1);
     return noErr;
   }
+  if (control->kind == XWK_COMBO) return ClickCombo(control);
   return eventNotHandledErr;
 }
 
@@ -70,7 +72,9 @@ OSStatus Button_func(HandlerCall*, Event* event, void* data) {
   if (event->control.by_key) Inp.type = 0;
   if (event->kind == kEventControlClick) return Click(control);
   if (!control->id || !control->enabled) return noErr;
-  ReportControl(control, control->id, GetControl32BitValue(NativeControl(control)));
+  // Items of a menu count from 1.
+  const int first = control->kind == XWK_COMBO ? 1 : 0;
+  ReportControl(control, control->id, GetControl32BitValue(NativeControl(control)) - first);
   return noErr;
 }
 

@@ -4,6 +4,7 @@
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/item_texts.h"
 
 using namespace platform;
 
@@ -22,6 +23,7 @@ XwWindow* XwGetFocus(XwWindow* window) {
 
 void XwFocusControl(XwWindow* control) {
   if (!CheckWindow(control) || !IsControl(control)) return;
+  if (IsEditableCombo(control)) return XwFocusControl(control->linked);
   TargetScope scope;
   XwWindow* top = TopLevel(control);
   WindowRef native = NativeWindow(top);

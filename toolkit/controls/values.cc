@@ -4,12 +4,14 @@
 #include <string>
 
 #include "platform/access/access.h"
+#include "platform/lists/lists.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/controls/framework.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/item_texts.h"
 
 using namespace platform;
 
@@ -17,9 +19,29 @@ namespace {
 
 constexpr int kLongestText = 255;
 
+constexpr XwValue kPointer = 0x10000;  // values from here on are addresses
+
 // Whether the record holds the value, and the toolkit draws it.
 bool KeepsValue(const XwWindow* w) {
   return w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & (XWC_ICON | XWC_HEADER));
+}
+
+void SetListValue(XwWindow* list, int32_t row) {
+  ControlRef control = NativeControl(list);
+  list->value = row;
+  ListSelectRow(control, row);
+  ListAutoScroll(control);
+  Draw1Control(control);
+}
+
+// An editable one takes the texts of its menu.
+void SetComboValue(XwWindow* combo, XwValue value) {
+  if (!IsEditableCombo(combo)) {
+    combo->value = int32_t(value);
+    SetControl32BitValue(NativeControl(combo), std::min(combo->value, INT32_MAX - 1) + 1);
+  } else if (value == 0 || value >= kPointer) {
+    SetComboMenu(combo, reinterpret_cast<const char* const*>(value), false);
+  }
 }
 
 }  // namespace
@@ -28,6 +50,8 @@ void XwSetValue(XwWindow* w, XwValue value) {
   if (!CheckWindow(w) || IsSub(w)) return;
   TargetScope scope;
   if (IsTopLevel(w)) return SetWindowModified(NativeWindow(w), (value & 255) != 0);
+  if (w->kind == XWK_LIST) return SetListValue(w, int32_t(value));
+  if (w->kind == XWK_COMBO) return SetComboValue(w, value);
   if (!KeepsValue(w)) return SetControl32BitValue(NativeControl(w), int32_t(value));
   w->value = int32_t(value);
   Draw1Control(NativeControl(w));
@@ -38,7 +62,9 @@ void XwSetValue(XwWindow* w, XwValue value) {
 }
 
 int32_t XwGetValue(XwWindow* w) {
-  return CheckWindow(w) && IsControl(w) ? GetControl32BitValue(NativeControl(w)) : 0;
+  if (!CheckWindow(w) || !IsControl(w)) return 0;
+  if (w->kind == XWK_LIST) return w->value;
+  return GetControl32BitValue(NativeControl(w)) - (w->kind == XWK_COMBO ? 1 : 0);
 }
 
 char* XwGetText(XwWindow* w, char* dst) {
@@ -49,6 +75,7 @@ char* XwGetText(XwWindow* w, char* dst) {
     Utf8ToMacRoman(GetWindowTitle(NativeWindow(w)), dst, kLongestText + 1);
     return dst;
   }
+  if (IsEditableCombo(w)) return w->linked ? XwGetText(w->linked, dst) : dst;
   char title[kLongestText + 1];
   Utf8ToMacRoman(GetControlTitle(NativeControl(w)), title, sizeof title);
   const size_t n = strlen(title);

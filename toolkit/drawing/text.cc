@@ -43,19 +43,17 @@ char* Join(char* out, const char* head, size_t head_length, const char* tail) {
 int XwTextWidth(XwFont* font, const char* text) {
   if (!text) return 0;
   SizedFont* sized = Sized(font);
-  const int32_t* advances = GetAdvances(sized);
-  int64_t sum = 0;
-  for (; *text; ++text) sum += advances[uint8_t(*text)];
-  return GetTextScale(sized).Pixels(sum);
+  return GetTextScale(sized).Pixels(MeasureText(sized, text, std::strlen(text)));
 }
 
 char* XwTextTrim(XwFont* font, const char* text, int width) {
   SizedFont* sized = Sized(font);
-  const int32_t* advances = GetAdvances(sized);
+  if (!text) text = "";
+  const int32_t* advances = GetAdvances(sized, {text, strnlen(text, kResultSize)});
   TextScale scale = GetTextScale(sized);
   size_t n = 0;
   int64_t sum = 0;
-  while (text && text[n] && n < kResultSize - 1) {
+  while (text[n] && n < kResultSize - 1) {
     sum += advances[uint8_t(text[n])];
     if (!scale.Narrower(sum, width)) break;
     ++n;
@@ -69,7 +67,7 @@ char* XwTextFit(XwFont* font, const char* text, int width) {
   static char result[kResultSize];
   if (!text) text = "";
   SizedFont* sized = Sized(font);
-  const int32_t* advances = GetAdvances(sized);
+  const int32_t* advances = GetAdvances(sized, text);
   TextScale scale = GetTextScale(sized);
   int64_t limit = int64_t{width} - kFitMargin;
   if (scale.Narrower(MeasureText(sized, text, std::strlen(text)), limit)) {

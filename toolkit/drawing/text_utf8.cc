@@ -92,7 +92,7 @@ int XwTextFitUtf8(XwFont* font, const char* utf8, int width, char* dst, int size
   TextLine& line = TheLine();
   LayOutText(sized, text, &line);
   if (scale.Narrower(line.width(), limit)) return Deliver(ValidUtf8(text), dst, size);
-  const int64_t dots = 3 * int64_t{GetAdvances(sized)[uint8_t('.')]};
+  const int64_t dots = 3 * int64_t{GetAdvances(sized, ".")[uint8_t('.')]};
   return Deliver(Shorten(line, scale, text, limit, dots), dst, size);
 }
 

@@ -53,20 +53,30 @@ CursorRecord MakeCursorRecord(const CursorArt& art) {
   return record;
 }
 
-XwCursor* XwCocoaCreateCursor(const uint8_t* record) {
-  if (!record) return nullptr;
+// Fills a picture from a valid record.
+static void DrawRecord(const uint8_t* record, uint32_t* argb) {
   int width = record[6], height = record[7];
-  if (width < 8 || width > 32 || width % 8 || height < 1 || height > 32) return nullptr;
   const uint8_t* plane_a = record + kCursorHeader;
   const uint8_t* plane_b = plane_a + width * height / 8;
-  uint32_t argb[32 * 32];
   for (int y = 0; y < height; ++y)
     for (int x = 0; x < width; ++x)
       argb[y * width + x] = BitSet(plane_a, width, x, y)   ? Opaque(record)
                             : BitSet(plane_b, width, x, y) ? Opaque(record + 3)
                                                            : 0;
+}
+
+XwCursor* XwCocoaCreateCursor(const uint8_t* record) {
+  if (!record) return nullptr;
+  int width = record[6], height = record[7];
+  if (width < 8 || width > 32 || width % 8 || height < 1 || height > 32) return nullptr;
+  uint32_t argb[32 * 32];
+  DrawRecord(record, argb);
   return reinterpret_cast<XwCursor*>(
       CreatePictureCursor(width, height, record[8], record[9], argb));
+}
+
+static void DrawArt(const void* art, uint32_t* argb) {
+  DrawRecord(MakeCursorRecord(*static_cast<const CursorArt*>(art)).bytes, argb);
 }
 
 void FillCursorTable() {
@@ -82,10 +92,9 @@ void FillCursorTable() {
         XWcursors[i] = Desktop(DesktopCursor::kOpenHand);
         break;
       default:
-        if (const CursorArt* art = FindCursorArt(i)) {
-          CursorRecord record = MakeCursorRecord(*art);
-          XWcursors[i] = XwCocoaCreateCursor(record.bytes);
-        }
+        if (const CursorArt* art = FindCursorArt(i))
+          XWcursors[i] = reinterpret_cast<XwCursor*>(
+              CreateDrawnCursor(art->side, art->side, art->hot_x, art->hot_y, DrawArt, art));
     }
   }
 }

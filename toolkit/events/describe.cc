@@ -5,6 +5,7 @@
 
 #include "platform/access/access.h"
 #include "platform/controls/controls.h"
+#include "platform/lists/lists.h"
 #include "platform/menus/menus.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -44,6 +45,7 @@ void DescribeRecord(const XwWindow* w, DescribedNode* node) {
       (w->value == 1 || w->value == 2))
     d.state |= kIsChecked;
   if (d.name.empty() && w->kind != XWK_LABEL) d.name = NameFromLabel(w);
+  if (w->kind == XWK_LIST) DescribeListRows(NativeControl(w), &node->children);
 }
 
 void DescribeSub(const XwWindow* w, DescribedNode* node) {
@@ -135,22 +137,43 @@ XwWindow* FindControl(uint64_t serial) {
   return nullptr;
 }
 
-// What a press reports is sent, since no dispatch is under way that would deliver it.
-void Press(XwWindow* control) {
+// What a press or a step reports is sent, since no dispatch is under way that would deliver it.
+template <typename Function>
+bool Operate(Function operate) {
   const XwEvent before = Inp;
   Inp.type = 0;
-  PressControl(NativeControl(control));
+  const bool done = operate();
   const XwEvent report = Inp;
   Inp = before;
   if (report.type) XwSendEvent(report.window, report.type, report.item, report.value, 0);
+  return done;
+}
+
+bool PressRow(uint64_t serial) {
+  TargetScope scope;
+  return Operate([serial] {
+    for (XwWindow* w = W_Start; w; w = w->next)
+      if (IsLive(w) && w->kind == XWK_LIST && PressListRow(NativeControl(w), serial)) return true;
+    return false;
+  });
 }
 
 bool Act(uint64_t serial, uint32_t action) {
   XwWindow* control = FindControl(serial);
-  if (!control || !IsControlActive(NativeControl(control))) return false;
+  if (!control) return action == kActionPress && PressRow(serial);
+  if (!IsControlActive(NativeControl(control))) return false;
   TargetScope scope;
-  if (action == kActionPress)
-    Press(control);
+  uint64_t found;
+  Description d;
+  DescribeControl(NativeControl(control), &found, &d);
+  if (action & d.actions & (kActionPress | kActionIncrease | kActionDecrease))
+    Operate([=] {
+      if (action == kActionPress)
+        PressControl(NativeControl(control));
+      else
+        StepControl(NativeControl(control), action == kActionIncrease);
+      return true;
+    });
   else if (action == kActionFocus)
     SetKeyboardFocus(NativeWindow(control), NativeControl(control), 1);
   else

@@ -156,9 +156,12 @@ OSStatus EVmouse_func(HandlerCall*, Event* event, void* window) {
 OSStatus EVwheel_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
   int px = event->mouse.where.x - w->x, py = event->mouse.where.y - w->y;
+  const OSStatus controls = ModalKeepsOut(w) ? noErr : eventNotHandledErr;
+  if (ControlTakesWheel(FindControlUnderMouse({px, py}, NativeWindow(w)))) return controls;
   XwWindow* target = FindVirtualWindow(w, px, py);
   if (!target || !target->scroll_handler) target = w;
-  if (!target->scroll_handler || WaitKeepsOut(target)) return eventNotHandledErr;
+  if (!target->scroll_handler) return controls;
+  if (WaitKeepsOut(target)) return noErr;
   Inp.window = target;
   Inp.root_x = event->mouse.where.x;
   Inp.root_y = event->mouse.where.y;

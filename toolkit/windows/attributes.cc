@@ -14,12 +14,14 @@
 #include "toolkit/target/clip.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/item_texts.h"
 #include "toolkit/windows/panes.h"
 
 using namespace platform;
 
 namespace {
 
+constexpr int kTextPart = 5;
 constexpr int kTitleLimit = 255;
 // Bytes of UTF-8: more than any title bar shows, and less than a display would refuse.
 constexpr size_t kLongestTitle = 4096;
@@ -62,9 +64,9 @@ void ShowControlRecord(XwWindow* w, bool show) {
   if (bool(w->flags & XW_SHOWN) == show) return;
   ResetClipMask(w->parent);
   w->flags = uint8_t(show ? w->flags | XW_SHOWN : w->flags & ~XW_SHOWN);
-  if (!show) return HideControl(Native(w));
-  RedrawInParent(w, {w->x, w->y, w->x + w->width, w->y + w->height});
-  ShowControl(Native(w));
+  if (show) RedrawInParent(w, {w->x, w->y, w->x + w->width, w->y + w->height});
+  show ? ShowControl(Native(w)) : HideControl(Native(w));
+  if (IsEditableCombo(w) && w->linked) ShowControlRecord(w->linked, show);
 }
 
 // The text that a control shows: its style may append to it.
@@ -75,7 +77,21 @@ std::string ShownText(const XwWindow* w, const char* text) {
   return shown;
 }
 
+// Lists and combo boxes take an array; false for other kinds.
+bool SetItems(XwWindow* w, const char* text, bool utf8) {
+  const auto* texts = reinterpret_cast<const char* const*>(text);
+  if (w->kind == XWK_LIST)
+    SetListRows(w, texts, utf8);
+  else if (w->kind == XWK_COMBO && !IsEditableCombo(w))
+    SetComboMenu(w, texts, utf8);
+  else
+    return false;
+  return true;
+}
+
 void SetControlText(XwWindow* w, const char* text) {
+  if (SetItems(w, text, false)) return;
+  if (IsEditableCombo(w)) return XwSetText(w->linked, text);
   const std::string shown = ShownText(w, text);
   const std::string utf8 = MacRomanToUtf8(shown.c_str());
   const bool self_drawn =
@@ -95,6 +111,9 @@ void SetControlText(XwWindow* w, const char* text) {
 
 void EnableControl(XwWindow* w, bool enable) {
   enable ? ActivateControl(Native(w)) : DeactivateControl(Native(w));
+  if (!IsEditableCombo(w) || !w->linked) return;
+  w->linked->enabled = enable;
+  EnableControl(w->linked, enable);
 }
 
 }  // namespace
@@ -127,6 +146,8 @@ void XwSetFocus(XwWindow* w) {
   SetUserFocusWindow(NativeWindow(top));
   ClearKeyboardFocus(NativeWindow(top));
   Inp.focus = top;
+  if (!IsEditableCombo(w) || !w->linked) return;
+  for (int part : {0, kTextPart}) SetKeyboardFocus(NativeWindow(top), Native(w->linked), part);
 }
 
 void XwSetText(XwWindow* w, const char* text) {
@@ -143,7 +164,10 @@ void XwSetText(XwWindow* w, const char* text) {
 }
 
 void XwSetTextUtf8(XwWindow* w, const char* utf8) {
-  if (!CheckWindow(w) || !IsTopLevel(w)) return;
+  if (!CheckWindow(w)) return;
+  TargetScope scope;
+  if (IsEditableCombo(w)) return XwSetTextUtf8(w->linked, utf8);
+  if (SetItems(w, utf8, true) || !IsTopLevel(w)) return;
   const std::string title = ValidUtf8(utf8 ? utf8 : "");
   SetWindowTitle(NativeWindow(w), title.substr(0, CutUtf8(title, kLongestTitle)).c_str());
 }

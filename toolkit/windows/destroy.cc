@@ -4,6 +4,7 @@
 
 #include "platform/controls/controls.h"
 #include "platform/graphics/context.h"
+#include "platform/menus/menus.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/post.h"
@@ -53,6 +54,8 @@ void EndNative(XwWindow* w) {
     LeavePane(w);
   else
     DisposeControl(static_cast<ControlRef>(w->platform));
+  DisposeMenu(static_cast<MenuRef>(w->menu));
+  w->menu = nullptr;
   w->platform = nullptr;
 }
 

@@ -8,11 +8,14 @@
 #include "toolkit/target/clip.h"
 #include "toolkit/target/selection.h"
 #include "toolkit/windows/control_bounds.h"
+#include "toolkit/windows/item_texts.h"
 #include "toolkit/windows/panes.h"
 
 using namespace platform;
 
 namespace {
+
+constexpr int kComboButtonRoom = 25;  // to the right of the edit box
 
 void SetBounds(XwWindow* w, int x, int y, int width, int height) {
   w->x = Sat16(x);
@@ -54,6 +57,8 @@ void MoveControl(XwWindow* w, int x, int y, int width, int height) {
   SetControlArea(control, {x, y, x + width, y + w->height});
   if (shown) Draw1Control(control);
   ResetClipMask(w->parent);
+  if (IsEditableCombo(w) && w->linked)
+    MoveControl(w->linked, x, y, width - kComboButtonRoom, height);
 }
 
 void MoveTopLevel(XwWindow* w, int x, int y, int width, int height) {

@@ -4,6 +4,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/control_bounds.cc
   ${CMAKE_CURRENT_LIST_DIR}/destroy.cc
   ${CMAKE_CURRENT_LIST_DIR}/geometry.cc
+  ${CMAKE_CURRENT_LIST_DIR}/item_texts.cc
   ${CMAKE_CURRENT_LIST_DIR}/menu_items.cc
   ${CMAKE_CURRENT_LIST_DIR}/menu_keys.cc
   ${CMAKE_CURRENT_LIST_DIR}/menu_tree.cc

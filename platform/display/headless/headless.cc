@@ -70,6 +70,7 @@ std::vector<Screen> ReadScreens(const char* text, double scale) {
 OpenResult Open(const char*) {
   State& s = Headless();
   s.open = true;
+  s.kept = nullptr;
   // A replay needs no time of its own.
   if (const char* replay = getenv("XW_REPLAY"); replay && *replay && !s.stepped) UseSteppedClock(0);
   s.screens = ReadScreens(getenv("XW_SCREEN"), ScaleIn(getenv("XW_SCALE"), 1));
@@ -117,7 +118,9 @@ void CloseDisplay() {
   State& s = Headless();
   bool stepped = s.stepped;
   double now = s.now;
+  SharedText kept = std::move(s.kept);
   s = State();
+  s.kept = std::move(kept);
   s.stepped = stepped;
   s.now = now;
 }
@@ -180,8 +183,7 @@ void Map(const Window* w, bool shown) {
   State& s = Headless();
   Native(w)->mapped = shown;
   std::erase(s.stack, w);
-  if (!shown && s.pressed_in == w) s.pressed_in = nullptr;
-  if (!shown && s.grab.window == w) LoseGrab();
+  if (!shown) LosePointer(w);
   if (shown) {
     s.stack.insert(s.stack.begin(), w);
     if (!(w->state & kStateDocked) && !w->parent) GiveFocus(w);
@@ -285,6 +287,7 @@ bool NextEvent(RawEvent* out) {
     s.paths.pop_front();
     out->text = s.path.c_str();
   }
+  if (out->type == RawEvent::kTextArrived) out->arrived = TakeArrived(out->request);
   return true;
 }
 
@@ -384,6 +387,9 @@ const Display kHeadlessDisplay = {
     .flush = Flush,
     .destroy_cursor = DestroyCursor,
     .grab = Grab,
+    .offer_text = OfferOwnText,
+    .ask_text = AskOtherForText,
+    .keep_text = KeepOwnText,
     .beep = Beep,
     .next_event = NextEvent,
     .descriptors = nullptr,

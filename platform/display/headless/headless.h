@@ -65,6 +65,21 @@ void Preferences();
 void Quit();
 void Inject(const RawEvent& raw);
 
+// --- Selections: another program of the desktop.
+// It offers a text from now on; asked for it, it answers at once, or only with AnswerAsks.
+void OfferText(Selection which, const std::string& text);
+void OfferTextLater(Selection which);
+// What it asked for and was not answered yet is answered with this; null: there is none.
+void AnswerAsks(const std::string* text);
+// Requests of the program that wait for AnswerAsks.
+int OpenAsks();
+// From now on it keeps what it offers, or lets others offer again.
+void KeepSelections(bool kept);
+// What it gets when it asks: the text that the program offers, else null.
+SharedText AskForText(Selection which);
+// Texts that the desktop has taken over at the program's end; null: none.
+SharedText KeptText();
+
 // --- Time.
 // From now on the clock stands still but for Step, and waits jump to what comes next.
 void UseSteppedClock(double start_seconds);

@@ -280,11 +280,21 @@ void TryGrab() {
   if (s.taken) ReportLoss(s.grab.window);
 }
 
-void LoseGrab() {
+static void LoseGrab() {
   State& s = Headless();
   if (!s.grab.held) return;
   s.grab.held = false;
   ReportLoss(s.grab.window);
+}
+
+void LosePointer(const Window* w) {
+  State& s = Headless();
+  const bool pressed = s.pressed_in == w;
+  if (pressed) s.pressed_in = nullptr;
+  if (s.grab.held && s.grab.window == w)
+    LoseGrab();
+  else if (pressed && !s.grab.held)
+    ReportLoss(w);
 }
 
 void StealPointer(bool stolen) {

@@ -5,4 +5,5 @@ target_link_libraries(xw PUBLIC ${xw_png_archives} m)
 target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/headless.cc
   ${CMAKE_CURRENT_LIST_DIR}/input.cc
+  ${CMAKE_CURRENT_LIST_DIR}/selections.cc
   ${CMAKE_CURRENT_LIST_DIR}/snapshot.cc)

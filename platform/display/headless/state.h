@@ -56,7 +56,19 @@ struct State {
     bool held = false;
   } grab;
   bool taken = false;  // another program has the pointer
-  DeviceRect frames;   // of new windows
+  // One of the two selections.
+  struct Offer {
+    SharedText own;      // the program's; null: another's
+    SharedText foreign;  // of the other program; null: none, or it answers later
+    bool later = false;
+  };
+  Offer offers[kSelectionCount];
+  std::vector<int> asks;               // that the other program has not answered
+  std::map<int, std::string> arrived;  // the texts of answers in `raw`
+  std::string taken_text;              // the one handed out last
+  bool selections_kept = false;        // the other program lets nobody else offer
+  SharedText kept;                     // the desktop's copy; it outlives the display
+  DeviceRect frames;                   // of new windows
   bool stepped = false;
   double now = 0;
   bool (*idle)() = nullptr;
@@ -72,8 +84,15 @@ inline NativeWindow* Native(const Window* w) {
 void GiveFocus(const Window* w);
 // The scale of a window with this corner (device pixels) and logical size.
 double ScaleAt(const Window& w, Point corner, int width, int height);
-// The grab that was asked for begins if it can; it ends by itself. Both report what is lost.
+// The entries of the table.
+bool OfferOwnText(Selection which, const SharedText& text);
+void AskOtherForText(Selection which, int request, double seconds);
+void KeepOwnText();
+// The text of an answer that is handed out; null: none.
+std::string* TakeArrived(int request);
+// The grab that was asked for begins if it can; a refusal is reported.
 void TryGrab();
-void LoseGrab();
+// The window leaves the screen: a grab of it, and a press in it, end, which is reported.
+void LosePointer(const Window* w);
 
 }  // namespace platform::headless

@@ -17,11 +17,11 @@ struct GrabRequest {
 };
 GrabRequest grab;
 
-void ReportLoss() {
+void ReportLoss(Native* n) {
   Reply<xcb_query_pointer_reply_t> now(
       xcb_query_pointer_reply(x.c, xcb_query_pointer(x.c, x.screen->root), nullptr));
   if (!now) return;
-  Emit(RawEvent::kGrabLost, grab.window)->held = DropReleased(now->mask);
+  Emit(RawEvent::kGrabLost, n)->held = DropReleased(now->mask);
 }
 
 void TryKeyboard() {
@@ -45,7 +45,7 @@ void Try() {
   grab.held = r && r->status == XCB_GRAB_STATUS_SUCCESS;
   if (grab.held && grab.mode == GrabMode::kMenu) TryKeyboard();
   // One that only waits for its window is no loss.
-  if (r && !grab.held && r->status != XCB_GRAB_STATUS_NOT_VIEWABLE) ReportLoss();
+  if (r && !grab.held && r->status != XCB_GRAB_STATUS_NOT_VIEWABLE) ReportLoss(grab.window);
 }
 
 void DropKeyboard() {
@@ -83,10 +83,10 @@ void GrabWhenShown(const Native* n) {
   if (n == grab.window && !grab.held) Try();
 }
 
-void LoseGrab(const Native* n) {
-  if (n != grab.window || !grab.held) return;
+void LoseGrab(Native* n) {
+  if (grab.held ? n != grab.window : !IsPressedIn(n->w)) return;
   grab.held = grab.keys = false;
-  ReportLoss();
+  ReportLoss(n);
 }
 
 void ForgetGrab(const Native* n) {

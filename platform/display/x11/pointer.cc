@@ -12,8 +12,6 @@ namespace platform::x11 {
 
 namespace {
 
-// Logical pixels of one notch of a wheel.
-constexpr double kNotch = 48;
 constexpr int kDeepest = 8;  // windows of a window manager around one of ours
 // Buttons of the server, from 1 on: ours, and which way a notch of the wheel goes.
 struct ButtonMeaning {
@@ -70,8 +68,8 @@ RawEvent* EmitPointer(RawEvent::Type type, Native* n, const PointerEvent& e) {
 
 void EmitScroll(Native* n, const PointerEvent& e, double dx, double dy) {
   RawEvent* out = EmitPointer(RawEvent::kScroll, n, e);
-  out->dx = float(dx * kNotch);
-  out->dy = float(dy * kNotch);
+  out->dx = float(dx * kWheelNotch);
+  out->dy = float(dy * kWheelNotch);
 }
 
 // A button of a window that has ended comes up without a window.
@@ -333,6 +331,10 @@ void HandleInput2(const xcb_ge_generic_event_t* event) {
   const bool emulated = (e.flags & XCB_INPUT_POINTER_EVENT_FLAGS_POINTER_EMULATED) != 0;
   if (emulated && device != nullptr && ToldByPosition(*device, e.detail)) return;
   OnButton(n, e, event->event_type == XCB_INPUT_BUTTON_PRESS);
+}
+
+bool IsPressedIn(const Window* w) {
+  return held.buttons != 0 && held.window == w;
 }
 
 void ForgetPress(const Window* w) {

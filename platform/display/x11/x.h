@@ -337,6 +337,8 @@ void ReleaseKeys(Native* n, xcb_timestamp_t time);
 // The window ends: what went down in it comes up without a window.
 void ForgetKeys(const Window* w);
 void ForgetPress(const Window* w);
+// A button went down in it and is held.
+bool IsPressedIn(const Window* w);
 // `n` has the focus: what was pressed or released meanwhile is reported.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
@@ -377,7 +379,7 @@ bool GrabsForProgram();
 bool GrabsKeyboard();
 // The window is on the screen; it has left the screen; it ends.
 void GrabWhenShown(const Native* n);
-void LoseGrab(const Native* n);
+void LoseGrab(Native* n);
 void ForgetGrab(const Native* n);
 void DropGrabCursor(const Cursor* cursor);
 

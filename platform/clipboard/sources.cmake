@@ -1,0 +1,2 @@
+target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/clipboard.cc)

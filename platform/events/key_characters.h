@@ -1,0 +1,22 @@
+// The characters of keys that type none.
+#pragma once
+#include <cstdint>
+
+namespace platform {
+
+enum KeyCharacter : uint8_t {
+  kHomeKey = 1,
+  kEnterKey = 3,
+  kEndKey = 4,
+  kPageUpKey = 11,
+  kPageDownKey = 12,
+  kReturnKey = 13,
+  kEscapeKey = 27,
+  kLeftKey = 28,
+  kRightKey = 29,
+  kUpKey = 30,
+  kDownKey = 31,
+  kSpaceKey = ' ',
+};
+
+}  // namespace platform
