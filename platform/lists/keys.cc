@@ -11,7 +11,6 @@ namespace {
 
 constexpr double kTypingTime = 1;  // between two keys of one beginning
 constexpr size_t kLongestTyped = 256;
-constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 
 char32_t Fold(char32_t c) {
   const char32_t letter = FoldLetter(c);

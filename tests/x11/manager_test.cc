@@ -362,6 +362,14 @@ TEST_F(Managed, HiddenAndIconifiedWindowsComeBackWhole) {
   EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
   Settle();
   EXPECT_EQ(user().Look().at(499, 349), 0x3366CCu);
+  // An icon that is hidden is no icon any more: it is shown as a window.
+  user().Ask(Id(w), "WM_CHANGE_STATE", {3});
+  EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
+  HideWindow(w);
+  FlushWindow(nullptr);
+  EXPECT_TRUE(RunUntil([&] { return user().Words(user().root(), "_NET_CLIENT_LIST").empty(); }));
+  ShowWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
 }
 
 // Hidden and shown faster than the manager follows.
