@@ -72,6 +72,9 @@ bool PressEdit(Control* c, Point at) {
     SelectEditWord(&e.state, place);
     e.held_first = e.state.first();
     e.held_last = e.state.last();
+  } else if (e.unit == Edit::kAll) {
+    e.held_first = 0;
+    e.held_last = e.state.text.size();
   }
   Follow(c);
   WakeCaret(c);
