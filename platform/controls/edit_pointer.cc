@@ -120,7 +120,8 @@ void PressEditWithOther(Control* c, Point at, int button) {
   SelectEdit(&e.state, place, place);
   ShowEdit(c);
   WakeCaret(c);
-  Paste(c, Selection::kPrimary);
+  // The box that has just got the keyboard is about to select its text.
+  Paste(c, Selection::kPrimary, place);
 }
 
 }  // namespace platform

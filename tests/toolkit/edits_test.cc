@@ -243,6 +243,12 @@ TEST(EditBoxes, ThePointerSelects) {
   RunFor(0.01);
   EXPECT_EQ(Text(s.box), "abtwo three four five six seven eight nine ten");
   EXPECT_EQ(Came(), "789");
+  XwSetText(s.box, "ab");
+  XwSetFocus(s.main);
+  Settle();
+  input::Click(end, 122, 3);
+  RunFor(0.01);
+  EXPECT_EQ(Text(s.box).substr(0, 5), "abtwo") << "also where the box gets the keyboard by it";
 }
 
 TEST(EditBoxes, TheClipboardComesLaterOrNotAtAll) {
