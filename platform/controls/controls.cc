@@ -194,7 +194,11 @@ void SetControlArea(ControlRef c, const Rect& area) {
   const Rect& b = c->bounds;
   const Rect wanted{std::min(area.left, b.left), std::min(area.top, b.top),
                     std::max(area.right, b.right), std::max(area.bottom, b.bottom)};
-  if (wanted != c->area) Replace(c, [&] { c->area = wanted; });
+  if (wanted == c->area) return;
+  Replace(c, [&] {
+    c->area = wanted;
+    if (c->kind->placed) c->kind->placed(c);
+  });
 }
 
 Rect GetControlArea(ControlRef c) {

@@ -13,7 +13,6 @@
 namespace platform {
 namespace {
 
-constexpr size_t kDeepest = 16;
 constexpr int kCornerOfMenus = 5;
 constexpr int kInset = kMenuBorder + kMenuPadding;  // above the first row
 
@@ -123,7 +122,7 @@ void DrawLevel(MenuLevel* l, bool all) {
 
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   MenuSession& s = menu_session;
-  if (!IsValidMenu(m) || s.levels.size() >= kDeepest) return false;
+  if (!IsValidMenu(m) || s.levels.size() >= size_t{kDeepestMenu}) return false;
   for (const MenuLevel& l : s.levels)
     if (l.menu == m) return false;
   Event opening(kEventClassMenu, kEventMenuOpening);
@@ -135,14 +134,15 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   l.menu = m;
   l.layout = LayOutMenu(*m);
   if (l.layout.rows.empty()) return false;
+  l.least_width = place.width;
   PopUpPlace sized = place;
-  sized.width = std::max(place.width, l.layout.width);
+  sized.width = std::max(l.least_width, l.layout.width);
   sized.height = l.layout.height;
   l.window = CreatePopUpWindow(parent, sized);
   if (!l.window) return false;
-  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}};
   constexpr EventKind kPlaced[] = {{kEventClassWindow, kEventWindowBoundsChanged}};
-  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 1, nullptr);
+  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}, kPlaced[0]};
+  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 2, nullptr);
   InstallEventHandler(GetWindowEventTarget(l.window), Placed, kPlaced, 1, nullptr);
   SetWindowBackgroundColor(l.window, RoleColor(Role::kFace));
   s.levels.push_back(l);
@@ -151,6 +151,15 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   ValidateWindow(l.window);
   NoticeChange(m->object.serial, Change::kState);
   return true;
+}
+
+void FitLevel(const MenuLevel& l) {
+  PopUpPlace place = l.window->place;
+  const int width = std::max(l.least_width, l.layout.width);
+  if (place.width == width && place.height == l.layout.height) return;
+  place.width = width;
+  place.height = l.layout.height;
+  SetPopUpPlace(l.window, place);
 }
 
 void PopLevels(size_t keep) {
