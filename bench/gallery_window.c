@@ -6,7 +6,7 @@
 #include "toolkit/xw.h"
 
 enum { WIDTH = 800, HEIGHT = 600, COLUMNS = 10, CELL = 78, LINE = 30, ROWS = 100 };
-enum { BUTTONS = 40, CHECK_BOXES = 20, LABELS = 20, SLIDERS = 5, LISTS = 5 };
+enum { BUTTONS = 40, CHECK_BOXES = 20, LABELS = 20, EDITS = 10, SLIDERS = 5, LISTS = 5 };
 enum { ON = XWC_ENABLED | XWC_VISIBLE };
 
 static char texts[ROWS][16];
@@ -42,6 +42,8 @@ int main(void) {
     XwLabel(window, text, 0, 8 + i % COLUMNS * CELL, y + i / COLUMNS * LINE, CELL - 4, 22, ON);
   }
   y += LABELS / COLUMNS * LINE;
+  for (i = 0; i < EDITS; ++i) XwEditBox(window, "text", 200 + i, 4 + i * CELL, y, CELL, 30, ON);
+  y += LINE;
   for (i = 0; i < SLIDERS; ++i)
     XwSlider(window, 300 + i, 8 + i * 2 * CELL, y, 2 * CELL - 8, 22, ON, 0, 100, 20 * i);
   y += LINE;
@@ -50,7 +52,7 @@ int main(void) {
     rows[i] = texts[i];
   }
   for (i = 0; i < LISTS; ++i)
-    XwListBox(window, rows, 400 + i, 8 + i * 2 * CELL, y, 2 * CELL - 8, 200, ON);
+    XwListBox(window, rows, 400 + i, 8 + i * 2 * CELL, y, 2 * CELL - 8, 190, ON);
   XwShow(window, 1);
   XwRunEventLoop();
 }

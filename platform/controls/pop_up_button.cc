@@ -59,7 +59,6 @@ void Open(Control* c, bool by_key) {
 
 bool Key(Control* c, const Event& e) {
   const uint8_t key = e.key.character;
-  if ((key != kSpaceKey && key != kDownKey) || e.key.modifiers & kShortcutButAlt) return false;
   if ((key != kSpaceKey && key != kDownKey) || e.key.modifiers & kMenuShortcut) return false;
   if (e.kind == kEventRawKeyDown) PressByKey(c);
   return true;
