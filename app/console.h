@@ -34,7 +34,7 @@ enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kSlider, kHold };
 // Parts of the status line.
 enum StatusPart { kServer = 1, kStopSending };
 
-// Panes, as bits: what is to be drawn anew.
+// Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
   kToolsPane = 1,
   kPlacesPane = 2,

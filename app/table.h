@@ -1,7 +1,7 @@
 // A table that the program draws: a header that sorts, rows of columns, a selection, scrolling.
 //
 // The table knows nothing of what it shows: it asks for each visible cell to be drawn, and tells by
-// results what the user wants. Whoever owns it places it, enters its areas into the window's hits
+// results what the user wants. Its owner places it, enters its areas into the window's hits
 // while drawing, and hands over keys, wheel and pointer.
 #pragma once
 #include <cstdint>
@@ -45,13 +45,13 @@ class Table {
   Table(int owner, std::vector<Column> columns, DrawCell draw)
       : owner_(owner), columns_(std::move(columns)), draw_(std::move(draw)) {}
 
-  // Laid out anew; the selection stays in sight if it was.
+  // Laid out again; the selection stays in sight if it was.
   void Place(const Area& a);
   void SetRows(int rows);
   int rows() const { return rows_; }
   // The row is cut to what exists; below 0 is none. Scrolls it into sight.
   void Select(int row);
-  // The same without scrolling: for a list that was filled anew.
+  // The same without scrolling: for a list that was filled again.
   void KeepSelected(int row) { selected_ = row < rows_ ? row : -1; }
   int selected() const { return selected_; }
   void ScrollTo(int top);

@@ -13,7 +13,7 @@ enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout);
 
 // Asks for the text of a selection and waits for the answer, as AskText tells: `arrived` has run
-// when this returns, unless the queue was emptied meanwhile.
+// when this returns, unless the queue was emptied during the wait.
 void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data);
 
 // Shows a menu at a global point until an item is chosen, which comes as the menu's id (high 16

@@ -1,5 +1,5 @@
 // What menus say of themselves.
-#include "platform/menus/session.h"
+#include "platform/menus/open_menus.h"
 #include "platform/windows/internal.h"
 #include "platform/windows/windows.h"
 
@@ -9,7 +9,7 @@ namespace {
 constexpr int kDeepest = 16;  // a menu may hang in itself
 
 const MenuLevel* LevelOf(const Menu* m) {
-  for (const MenuLevel& l : menu_session.levels)
+  for (const MenuLevel& l : open_menus.levels)
     if (l.menu == m) return &l;
   return nullptr;
 }
@@ -56,7 +56,7 @@ std::vector<DescribedMenuItem> DescribeMenuBar() {
 }
 
 std::vector<DescribedMenuItem> DescribeOpenPopUp() {
-  const MenuSession& s = menu_session;
+  const OpenMenus& s = open_menus;
   return s.of_bar || s.levels.empty() ? std::vector<DescribedMenuItem>()
                                       : Describe(s.levels.front().menu, 0);
 }

@@ -306,7 +306,7 @@ TEST_F(Drops, ASourceThatEndsLeavesNothing) {
   source->Put(id, user().Atom("_XW_DROP"), "text/uri-list", 8, "half", 4);
   source->Destroy();
   EXPECT_TRUE(Run([&] { return user().Text(id, "_XW_DROP").empty(); }));
-  // Of one that was still hovering neither: a window that gets its number has to enter anew.
+  // Of one that was still hovering neither: a window that gets its number has to enter again.
   auto hovering = MakeSource();
   hovering->Enter("text/uri-list");
   ASSERT_TRUE(Answered(*hovering, 1));
