@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// Made and owned by whoever shows it. Before it is freed, Display::destroy_cursor is called.
+// Made and owned by the code that shows it. Before it is freed, Display::destroy_cursor is called.
 struct Cursor {
   enum Shape : uint8_t { kPicture, kArrow, kCrosshair, kOpenHand };
   Shape shape = kPicture;
