@@ -7,6 +7,7 @@
 
 #include "platform/display/headless/headless.h"
 #include "platform/display/pop_up.h"
+#include "platform/display/screens.h"
 #include "platform/display/window.h"
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
@@ -40,6 +41,7 @@ TEST(PopUps, LieBesideTheirAnchorAndOnTheScreen) {
        60,
        {150, 40, 200, 100}},
       {"centred", {100, 100, 200, 120}, 0, 0, kAdjustAll, 40, 10, {130, 105, 170, 115}},
+      {"just room", {100, 700, 200, 720}, kLB, kRB, kAdjustAll, 50, 80, {100, 720, 150, 800}},
       {"turned over", {100, 700, 200, 720}, kLB, kRB, kAdjustAll, 50, 100, {100, 600, 150, 700}},
       {"turned to the left",
        {900, 100, 950, 120},
@@ -155,6 +157,16 @@ TEST(PopUps, FollowParentAndScreen) {
   ShowWindow(menu);
   EXPECT_FALSE(menu->visible);
   EXPECT_EQ(CreatePopUpWindow(w, place), nullptr);
+}
+
+TEST(Screens, AScaleIsANumberAndNothingElse) {
+  const struct {
+    const char* text;
+    double scale;
+  } rows[] = {{"2", 2},   {"1.25", 1.25}, {"0.5", 0.5}, {"8", 8}, {"2x", 0},
+              {"2,0", 0}, {"8.1", 0},     {"0.4", 0},   {"", 0},  {" 2", 0},
+              {"1e0", 0}, {nullptr, 0},   {"nan", 0}};
+  for (const auto& row : rows) EXPECT_EQ(ScaleInText(row.text), row.scale) << row.text;
 }
 
 TEST(Screens, AreReadFromLeftToRight) {

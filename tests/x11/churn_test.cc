@@ -74,12 +74,11 @@ class Churn : public X11Test {
     while (TakeTurn(0)) {
     }
   }
-  // Until nothing has come for a while.
-  static void Rest() {
-    int turns = 0;
-    support::Eventually([&] {
-      Turn();
-      return ++turns > 20;
+  void Rest() {
+    SettleWith([] {
+      bool came = false;
+      while (TakeTurn(0)) came = true;
+      return came;
     });
   }
   void OneWindow(int i) {

@@ -187,6 +187,7 @@ TEST_F(Reports, AKeyThatEndsItsWindowDoesNotStayDown) {
   WindowRef other = Show("Ended", {500, 124, 600, 200});
   SelectWindow(other);
   ASSERT_TRUE(RunUntil([&] { return other->focused; }));
+  user().Move(900, 700);  // in no window, which would get the focus back, and lose it
   user().Key('x', true);
   ASSERT_TRUE(Wait(RawEvent::kKeyDown));
   DisposeWindow(other);

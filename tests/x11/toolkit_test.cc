@@ -48,9 +48,12 @@ class Toolkit : public Base {
       return done();
     });
   }
-  static void Rest() {
-    int quiet = 0;
-    Run([&] { return ++quiet > 20; });
+  void Rest() {
+    this->SettleWith([] {
+      bool came = false;
+      while (TakeTurn(0)) came = true;
+      return came;
+    });
   }
   xcb_window_t Id() { return x11::NativeOf(static_cast<WindowRef>(top->platform))->id; }
   XwWindow* top = nullptr;
