@@ -29,6 +29,25 @@ unfocus
 release q
 focus
 key q
+move 20 172        # the slider: by its knob, beside it, with keys and the wheel
+down
+move 50 190
+move 40 172
+up
+click 90 172 1
+key Tab
+key Right
+key Page_Up
+key End
+scroll 0 48
+move 280 20        # the bar: by its thumb, beside it, with the wheel
+down
+move 282 40
+up
+click 280 150 1
+scroll 0 -48
+move 60 120        # the only bar that stands
+scroll 0 48
 resize 360 240
 move 200 220
 resize 280 180
@@ -64,6 +83,8 @@ XwWindow* Make() {
   top = XwCreate(0, 200, 200, kWidth, kHeight, Handle);
   XwSetSizes(top, 100, 100, 0, 0, 0, 0);
   sub = XwCreate(top, 120, 80, 100, 60, Handle);
+  XwSlider(top, 5, 10, 160, 118, 20, XWC_ENABLED | XWC_VISIBLE, 0, 100, 0);
+  XwScrollBar(top, 6, 270, 10, 15, 180, XWC_ENABLED | XWC_VISIBLE, 0, 999, 7, 100, 0);
   support::HookTrace(top, "top");
   support::HookTrace(sub, "sub");
   XwShow(sub, 1);
@@ -74,7 +95,7 @@ XwWindow* Make() {
 
 TEST(SameScript, GivesTheSameTraceAndPictureOnBothDisplays) {
   displays::ExpectTheSame(
-      {Make, {{kScript, displays::Act::kPicture}, {"close\n"}}, true, {"top 778"}});
+      {Make, {{kScript, displays::Act::kPicture}, {"close\n"}}, true, {"top 778", "top 791", "top 792"}});
 }
 
 }  // namespace

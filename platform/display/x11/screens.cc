@@ -40,6 +40,15 @@ double ForcedScale() {
   return scale >= 0.5 && scale <= 8 ? scale : 0;
 }
 
+void WatchSettings(xcb_window_t owner) {
+  if (owner == x.settings_owner) return;
+  for (WatchWhat what : {kWatchEnd, kWatchProperties}) {
+    Unwatch(x.settings_owner, what);
+    Watch(owner, what);
+  }
+  x.settings_owner = owner;
+}
+
 double DpiOfDesktop(xcb_get_property_cookie_t resources, xcb_get_selection_owner_cookie_t owner) {
   double dpi = 0;
   Reply<xcb_get_property_reply_t> text(xcb_get_property_reply(x.c, resources, nullptr));
@@ -48,10 +57,8 @@ double DpiOfDesktop(xcb_get_property_cookie_t resources, xcb_get_selection_owner
                          size_t(xcb_get_property_value_length(text.p)));
   }
   Reply<xcb_get_selection_owner_reply_t> who(xcb_get_selection_owner_reply(x.c, owner, nullptr));
-  x.settings_owner = who ? who->owner : XCB_NONE;
+  WatchSettings(who ? who->owner : xcb_window_t{XCB_NONE});
   if (x.settings_owner == XCB_NONE) return dpi;
-  const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-  xcb_change_window_attributes(x.c, x.settings_owner, XCB_CW_EVENT_MASK, &mask);
   Reply<xcb_get_property_reply_t> settings(xcb_get_property_reply(
       x.c, AskProperty(x.settings_owner, Atom(kXsettingsSettings)), nullptr));
   if (dpi == 0 && settings && settings->format == 8) {
