@@ -10,9 +10,9 @@ struct MenuLevel {
   WindowRef window = nullptr;  // its pop-up
   MenuLayout layout;
   int least_width = 0;  // that was asked for
-  int selected = 0;  // item, 0 none
-  int scroll = 0;    // pixels of the rows that are above the view
-  int drawn = -1;    // the item that is drawn as selected; -1: nothing is drawn yet
+  int selected = 0;     // item, 0 none
+  int scroll = 0;       // pixels of the rows that are above the view
+  int drawn = -1;       // the item that is drawn as selected; -1: nothing is drawn yet
 };
 
 struct OpenMenus {
