@@ -196,6 +196,7 @@ TEST(EditBoxes, ThePointerSelects) {
   press(two);
   release();
   EXPECT_EQ(Came(), "788=1");
+  EXPECT_EQ(OfferedText(Selection::kPrimary), nullptr) << "not the user's selection";
   RunFor(1);
   press(two);
   release();
