@@ -105,13 +105,14 @@ static void MakeBoxes(void) {
   Field(2, "Note", NOTE, WIDTH, ON);
   Field(3, "Folder", PATH, WIDTH, ON | XWC_VARIANT);
   Field(4, "Out of use", OFF_BOX, WIDTH, XWC_VISIBLE);
-  boxes[FORMAT] = XwComboBox(window, formats, FORMAT, FIELD + 130, 32 + STEP, 120, 24,
-                             ON | XWC_EDITABLE, 0);
+  boxes[FORMAT] =
+      XwComboBox(window, formats, FORMAT, FIELD + 130, 32 + STEP, 120, 24, ON | XWC_EDITABLE, 0);
   Field(5, "Search", SEARCH, WIDTH, ON | XWC_DROPS_FOCUS);
   XwSetText(boxes[NAME], "report-2026.pdf");
   XwSetValue(boxes[COPIES], 2);
-  XwSetTextUtf8(boxes[NOTE], "\xE5\xA4\xA7\xE5\x88\xA4 \xD0\x9F\xD0\xBB\xD0\xB0\xD0\xBA\xD0\xB0\xD1\x82 "
-                             "\xCE\xB1\xCE\xB2\xCE\xB3");
+  XwSetTextUtf8(boxes[NOTE],
+                "\xE5\xA4\xA7\xE5\x88\xA4 \xD0\x9F\xD0\xBB\xD0\xB0\xD0\xBA\xD0\xB0\xD1\x82 "
+                "\xCE\xB1\xCE\xB2\xCE\xB3");
   XwSetText(boxes[PATH], "/srv/print/incoming");
   XwSetText(boxes[OFF_BOX], "not now");
   XwSetText(boxes[FORMAT], "*.pdf");
