@@ -272,6 +272,9 @@ void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
   }
   EXPECT_EQ((w->flags & XW_HAS_SUBWINDOWS) != 0, subs > 0);
   EXPECT_TRUE(platform::IsValidWindow(NativeWindow(w)));
+  if (!IsTopLevel(w)) return;
+  const Rect native = platform::GetWindowBounds(NativeWindow(w), platform::kWindowContentRgn);
+  EXPECT_EQ((Rect{w->x, w->y, w->x + w->width, w->y + w->height}), native);
 }
 
 bool LiveOrNull(XwWindow* w) {
@@ -325,7 +328,9 @@ uint64_t Play(uint64_t seed, int64_t steps) {
   for (int64_t i = 0; i < steps; ++i) {
     Random(8) ? Input() : Act();
     if (Random(6) == 0) RunFor(Random(30) / 1000.0);
-    if (i % 256 == 0) {
+    for (XwWindow* w : {Inp.window, Inp.focus, GrabWindow})
+      if (!LiveOrNull(w)) ADD_FAILURE() << "a window that has ended";
+    if (i % 256 == 0 || testing::Test::HasFailure()) {
       Check();
       if (testing::Test::HasFailure()) {
         ADD_FAILURE() << "at step " << i << " of seed " << seed;

@@ -306,7 +306,7 @@ TEST_F(Managed, FullScreenIsTheDesktops) {
   EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
   EXPECT_EQ(w->content.height() + w->menu_bar_height, 768);
   EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
-  // Hidden, it keeps the wish.
+  // Hidden, it keeps what was asked for.
   HideWindow(w);
   EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
   Settle();

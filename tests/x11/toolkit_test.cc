@@ -95,7 +95,7 @@ TEST_F(Sizes, OneOffTheStepsIsAnsweredOnceThenAccepted) {
   Resize(137, 24 + 169);
   EXPECT_EQ(Size(), Pair(137, 24 + 169));
   EXPECT_EQ(seen.size(), 3u);
-  // Another one off the steps is answered anew.
+  // Another one off the steps is answered again.
   Resize(140, 24 + 169);
   EXPECT_EQ(Size(), Pair(137, 24 + 169));
 }

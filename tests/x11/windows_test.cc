@@ -13,7 +13,7 @@
 #include "platform/display/x11/x.h"
 #include "platform/events/raw_event.h"
 #include "platform/windows/internal.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 
 namespace x11_test {
 namespace {
@@ -253,7 +253,7 @@ TEST_F(X11Test, ScaleFollowsTheDesktop) {
   EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 512; }));
 }
 
-// Windows that are open take a new scale: the same logical size, in the same place, drawn anew.
+// Windows that are open take a new scale: the same logical size, in the same place, drawn again.
 TEST_F(X11Test, OpenWindowsTakeANewScale) {
   StartServer("openbox", {});
   SettingsDaemon daemon(&user());
@@ -306,7 +306,7 @@ TEST_F(X11Test, SettingsAreFollowedWhoeverPublishesThem) {
   first.Publish(96);  // it is asked no more
   Settle();
   EXPECT_EQ(ScreenWidth(), 256);
-  // One that goes away, to be started anew perhaps, changes nothing.
+  // One that goes away, to be started again perhaps, changes nothing.
   second.End();
   Settle();
   EXPECT_EQ(ScreenWidth(), 256);
