@@ -94,8 +94,10 @@ XwWindow* Make() {
 }
 
 TEST(SameScript, GivesTheSameTraceAndPictureOnBothDisplays) {
-  displays::ExpectTheSame(
-      {Make, {{kScript, displays::Act::kPicture}, {"close\n"}}, true, {"top 778", "top 791", "top 792"}});
+  displays::ExpectTheSame({Make,
+                           {{kScript, displays::Act::kPicture}, {"close\n"}},
+                           true,
+                           {"top 778", "top 791", "top 792"}});
 }
 
 }  // namespace
