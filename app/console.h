@@ -36,7 +36,7 @@ enum ControlId { kPriorityControl = 1, kFilesControls = 100, kQueueControls = 20
 // Parts of the status line.
 enum StatusPart { kServer = 1, kStopSending };
 
-// Panes, as bits: what is to be drawn anew.
+// Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
   kToolsPane = 1,
   kPlacesPane = 2,

@@ -63,7 +63,7 @@ class Table {
   int rows() const { return rows_; }
   // The row is cut to what exists; below 0 is none. Scrolls it into sight.
   void Select(int row);
-  // The same without scrolling: for a list that was filled anew.
+  // The same without scrolling: for a list that was filled again.
   void KeepSelected(int row) { selected_ = row < rows_ ? row : -1; }
   int selected() const { return selected_; }
   void ScrollTo(int top);

@@ -1,4 +1,4 @@
-// The strip of tools: printing what is selected, and how.
+// The tool bar: printing what is selected, and how.
 #include <algorithm>
 #include <cstring>
 

@@ -3,6 +3,8 @@
  * A program opens a session, creates windows, and receives everything that happens as one kind of
  * record, the XwEvent. It selects a window and draws into it with whole coordinates.
  *
+ *     #include <stdlib.h>
+ *
  *     #include "toolkit/xw.h"
  *
  *     static int Main(int type) {
@@ -27,7 +29,11 @@
  *              relative to its parent. Stores into 16-bit fields saturate.
  *   Text       One byte a character, Mac Roman, zero-terminated. Longer than a fixed buffer: cut.
  *   Null       A null window, font or string is ignored (or means the default, where said).
- *   Failure    Shows in the result: null, 0 or -1. Nothing throws, nothing prints.
+ *   Failure    Shows in the result: null, 0 or -1. Nothing throws. Two failures print a line on
+ *              standard error: no display can be opened, and the system has no font.
+ *   Scale      Coordinates do not change with the screen's scale, and a program need not know it:
+ *              one logical pixel is one to eight device pixels, text and lines are sharp at each.
+ *              When a window comes to a screen of another scale, its content is drawn again (769).
  *   Threads    Everything runs on the main thread. Worker threads hand their results over through
  *              memory of the program's own and a timer that picks them up.
  *   Memory     Windows belong to the tree and are freed by XwDestroy; no pointer to a destroyed
@@ -105,7 +111,9 @@ unsigned char* C2PSTR(const char* text);
  * copy of a whole record that waits in the queue, so receiving one restores the sender's other
  * fields as well.
  *
- * Types. The number of a printable key is its character. */
+ * Types. The number of a printable key is its character; with Control held it stays that of the
+ * letter (Control-A is 'a', with XWS_CONTROL in Inp.state). A notch of the wheel has no type: it
+ * goes to a scroll handler (XwSetScrollHandler) or a scroll bar, 48 logical pixels each. */
 enum {
   XWE_NONE = 0,
   /* 32..126: a printable key. */
@@ -114,7 +122,9 @@ enum {
   XWE_HELP = 520, XWE_DELETE = 521, XWE_HOME = 522, XWE_END = 523, XWE_PAGE_UP = 524,
   XWE_PAGE_DOWN = 525, XWE_UP = 526, XWE_LEFT = 527, XWE_DOWN = 528, XWE_RIGHT = 529,
   XWE_CONFIGURE = 768,    /* moved or resized */
-  XWE_EXPOSE = 769,       /* draw the content: it has been cleared; select the window and draw */
+  /* Draw the content: it has been cleared; select the window and draw. A program asks for it with
+   * XwSendEvent(w, XWE_EXPOSE, 0, 0, 0). Requests are not merged: two of them draw twice. */
+  XWE_EXPOSE = 769,
   XWE_MOTION = 770,       /* the pointer moved; one outside the window tells that it has left */
   XWE_PRESS = 771,        /* primary; 772 secondary, 773 tertiary, 774 and 775 side buttons */
   XWE_RELEASE = 776,
@@ -124,7 +134,10 @@ enum {
   XWE_CONTROL = 783, XWE_EDIT_SELECT = 788, XWE_EDIT_CHANGED = 789, XWE_EDIT_DONE = 790,
   XWE_SCROLLED = 791, XWE_SCROLLING = 792,
   XWE_MENU_OPENING = 793, XWE_MENU = 794, XWE_TOOLBAR = 795,
-  XWE_QUIT = 796, XWE_PREFERENCES = 797, XWE_OPEN = 798, /* to the first window */
+  XWE_QUIT = 796, XWE_PREFERENCES = 797, /* to the first window */
+  /* To the first window: a document to open, asked for by the desktop or dropped on a window of the
+   * program. The value is its path, a char* in UTF-8. */
+  XWE_OPEN = 798,
   XWE_KEY_UP = 800
 };
 

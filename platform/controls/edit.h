@@ -11,8 +11,10 @@ namespace platform {
 // A text that the box has asked for.
 struct EditPaste {
   Control* box;
+  size_t at;  // where it goes; kAtSelection: in place of what is selected then
   int request;
 };
+constexpr size_t kAtSelection = SIZE_MAX;
 
 struct Edit {
   EditState state;
@@ -65,7 +67,7 @@ bool EditKey(Control* c, const Event& e);
 bool EditTakesKey(const Control* c, const Event& e);
 // The user has selected something: it becomes the primary selection.
 void OfferSelection(const Control* c);
-void Paste(Control* c, Selection from);
+void Paste(Control* c, Selection from, size_t at = kAtSelection);
 void ForgetPastes(Edit* e);
 void OpenEditMenu(Control* c, Point at);
 

@@ -183,19 +183,22 @@ void ForgetPastes(Edit* e) {
 static void PasteArrived(void* data, const std::string* text) {
   auto* paste = static_cast<EditPaste*>(data);
   Control* c = paste->box;
+  const size_t at = paste->at;
   std::erase_if(EditOf(c).pastes, [paste](const auto& p) { return p.get() == paste; });
   if (!text || OwnerOf(c).focus != c) return;
-  if (!InsertEdit(&EditOf(c).state, EditLine(*text), false)) return;
+  EditState& s = EditOf(c).state;
+  if (at != kAtSelection) SelectEdit(&s, at, at);
+  if (!InsertEdit(&s, EditLine(*text), false)) return;
   DispatchScope scope;  // the record stays
   Changed(c);
   WakeCaret(c);
   Tell(c);
 }
 
-void Paste(Control* c, Selection from) {
+void Paste(Control* c, Selection from, size_t at) {
   Edit& e = EditOf(c);
   if (e.pastes.size() >= kMostPastes) return;
-  e.pastes.push_back(std::make_unique<EditPaste>(EditPaste{c, 0}));
+  e.pastes.push_back(std::make_unique<EditPaste>(EditPaste{c, at, 0}));
   EditPaste* paste = e.pastes.back().get();
   paste->request = AskText(from, kPasteTime, PasteArrived, paste);
 }

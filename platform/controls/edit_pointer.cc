@@ -72,6 +72,9 @@ bool PressEdit(Control* c, Point at) {
     SelectEditWord(&e.state, place);
     e.held_first = e.state.first();
     e.held_last = e.state.last();
+  } else if (e.unit == Edit::kAll) {
+    e.held_first = 0;
+    e.held_last = e.state.text.size();
   }
   Follow(c);
   WakeCaret(c);
@@ -117,7 +120,8 @@ void PressEditWithOther(Control* c, Point at, int button) {
   SelectEdit(&e.state, place, place);
   ShowEdit(c);
   WakeCaret(c);
-  Paste(c, Selection::kPrimary);
+  // The box that has just got the keyboard is about to select its text.
+  Paste(c, Selection::kPrimary, place);
 }
 
 }  // namespace platform

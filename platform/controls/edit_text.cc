@@ -166,6 +166,7 @@ constexpr KindRow MakeKind() {
   kind.role = ObjectRole::kTextField;
   kind.focus_by_press = true;
   kind.whole_area = true;
+  kind.text_cursor = true;
   return kind;
 }
 

@@ -71,7 +71,7 @@ struct Display {
   void (*move_resize)(const Window* w);
   // Passes on what the record says now; `what` is bits of UpdateWhat.
   void (*update)(const Window* w, uint32_t what);
-  // `how` is bits of RaiseHow. The focus is asked for with the time of the user's last action, or
+  // `how` is bits of RaiseHow. The focus is asked for with the time of the last input, or
   // of the one that `token` stands for: the desktop's word out of another program's request, null
   // when there is none. Of a window that is not on the screen yet it is asked for when it comes up.
   void (*raise)(const Window* w, uint32_t how, const char* token);

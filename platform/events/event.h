@@ -92,7 +92,7 @@ struct MouseFields {
   uint16_t tablet_type;  // kEventTabletPoint, else 0
   TabletPoint tablet;
   float dx, dy;     // wheel: logical pixels
-  WindowRef under;  // press, release: what lies under the pointer, whoever gets the event
+  WindowRef under;  // press, release: what lies under the pointer, whichever window gets the event
 };
 // Bytes of the text that one key may type.
 constexpr int kTypedText = 15;
@@ -136,7 +136,7 @@ struct Event {
     RequestFields request;
     ControlFields control;
   };
-  // A program's own event: whoever receives it owns the payload.
+  // A program's own event: its receiver owns the payload.
   bool posted() const { return payload && cls != kEventClassAppleEvent; }
   Event() : bounds{} {}
   Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}

@@ -10,7 +10,7 @@ namespace platform {
 enum class Tracking : uint8_t {
   kPass,   // it is not the tracker's: the handlers get it
   kTake,   // the tracker has dealt with it
-  kLater,  // as kPass; in a nested wait of the tracker it lies by until the wait is over
+  kLater,  // as kPass; in a nested wait of the tracker it is deferred until the wait is over
 };
 
 // Asked for each event of the platform, never for those that the program has posted.

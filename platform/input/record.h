@@ -3,7 +3,7 @@
 // XW_RECORD=file writes each report of the display and each request of the desktop as a line, when
 // it is taken in. XW_REPLAY=file plays such a file back: the reports come at their times, and the
 // display's own input is ignored, but for what it needs to show its windows. Timers, redraws and
-// posted events are not in the file: they arise anew.
+// posted events are not in the file: they arise again.
 //
 //     xw-record 1
 //     0.350000 press w1 x=20 y=54 rx=50 ry=134 button=1 at=0.349

@@ -14,21 +14,21 @@
 namespace platform {
 namespace {
 
-// Collects what lies by, and puts it before everything else at the end.
+// Collects deferred events, and puts it before everything else at the end.
 class NestedWait {
  public:
   NestedWait() {
-    list_.outer = main_event_queue.lying_by;
-    main_event_queue.lying_by = &list_;
+    list_.outer = main_event_queue.deferred;
+    main_event_queue.deferred = &list_;
   }
   ~NestedWait() {
-    main_event_queue.lying_by = list_.outer;
+    main_event_queue.deferred = list_.outer;
     main_event_queue.Prepend(list_.events);
   }
   NestedWait(const NestedWait&) = delete;
   NestedWait& operator=(const NestedWait&) = delete;
 
-  void LayBy(const Event& e) {
+  void Defer(const Event& e) {
     if (!e.posted()) {
       list_.events.push_back(e);
       return;
@@ -40,7 +40,7 @@ class NestedWait {
   }
 
  private:
-  LyingBy list_;
+  DeferredEvents list_;
 };
 
 }  // namespace
@@ -70,12 +70,12 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
     if (const double timer = NextTimer(now); timer >= 0 && (left < 0 || timer < left)) left = timer;
     if (!ReceiveNextEvent(left, &e)) continue;
     if (e.posted()) {
-      wait.LayBy(e);
+      wait.Defer(e);
       continue;
     }
     const Tracking answer = AskTracker(&e);
     if (answer == Tracking::kLater)
-      wait.LayBy(e);
+      wait.Defer(e);
     else if (answer == Tracking::kPass)
       DispatchEvent(&e);
     else

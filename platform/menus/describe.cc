@@ -1,5 +1,5 @@
 // What menus say of themselves, and what is chosen by that.
-#include "platform/menus/session.h"
+#include "platform/menus/open_menus.h"
 #include "platform/windows/internal.h"
 #include "platform/windows/windows.h"
 
@@ -7,7 +7,7 @@ namespace platform {
 namespace {
 
 const MenuLevel* LevelOf(const Menu* m) {
-  for (const MenuLevel& l : menu_session.levels)
+  for (const MenuLevel& l : open_menus.levels)
     if (l.menu == m) return &l;
   return nullptr;
 }
@@ -68,7 +68,7 @@ Menu* MenuWith(Menu* m, uint64_t serial, int depth, int* left) {
 }  // namespace
 
 bool ChooseDescribedItem(uint64_t serial) {
-  const auto& levels = menu_session.levels;
+  const auto& levels = open_menus.levels;
   for (size_t i = 0; i < levels.size(); ++i)
     if (const int item = ItemWith(*levels[i].menu, serial)) {
       ChooseItem(i, item, false);
@@ -103,7 +103,7 @@ std::vector<DescribedMenuItem> DescribeMenuBar() {
 }
 
 std::vector<DescribedMenuItem> DescribeOpenPopUp() {
-  const MenuSession& s = menu_session;
+  const OpenMenus& s = open_menus;
   return s.of_bar || s.levels.empty() ? std::vector<DescribedMenuItem>()
                                       : DescribeWhole(s.levels.front().menu);
 }

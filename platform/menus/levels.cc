@@ -4,7 +4,7 @@
 
 #include "platform/access/access.h"
 #include "platform/graphics/context.h"
-#include "platform/menus/session.h"
+#include "platform/menus/open_menus.h"
 #include "platform/theme/metrics.h"
 #include "platform/theme/roles.h"
 #include "platform/theme/theme.h"
@@ -73,7 +73,7 @@ void DrawFrame(ContextRef c, const MenuLevel& l) {
 }
 
 MenuLevel* LevelOf(WindowRef w) {
-  for (MenuLevel& l : menu_session.levels)
+  for (MenuLevel& l : open_menus.levels)
     if (l.window == w) return &l;
   return nullptr;
 }
@@ -103,7 +103,7 @@ OSStatus DrawContent(HandlerCall*, Event* event, void*) {
 
 }  // namespace
 
-MenuSession menu_session;
+OpenMenus open_menus;
 
 void DrawLevel(MenuLevel* l, bool all) {
   ContextRef c = CreateContext(l->window);
@@ -121,7 +121,7 @@ void DrawLevel(MenuLevel* l, bool all) {
 }
 
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (!IsValidMenu(m) || s.levels.size() >= size_t{kDeepestMenu}) return false;
   for (const MenuLevel& l : s.levels)
     if (l.menu == m) return false;
@@ -163,7 +163,7 @@ void FitLevel(const MenuLevel& l) {
 }
 
 void PopLevels(size_t keep) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   while (s.levels.size() > keep) {
     const WindowRef w = s.levels.back().window;
     if (IsValidMenu(s.levels.back().menu))
@@ -174,7 +174,7 @@ void PopLevels(size_t keep) {
 }
 
 bool OpenSubMenu(size_t level, bool select_first) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (level >= s.levels.size()) return false;
   MenuLevel& l = s.levels[level];
   const MenuLayout::Row* row = RowOf(l, l.selected);

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <algorithm>
+
 #include "app/texts.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
@@ -61,6 +63,20 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   char id[33];
   NC_FormatId(job.id, id);
   EXPECT_EQ(testing_daemon::ReadWhole(daemon.Path("jobs/" + std::string(id) + ".doc")), document_);
+}
+
+TEST_F(ConsoleTest, AnInactiveWindowShowsThatKeysGoElsewhere) {
+  Open("127.0.0.9:1");
+  Click(FileRow("letter.txt"));
+  const Area row = FileRow("letter.txt");
+  const uint32_t active = At(row.x + 2, row.y + 2);
+  display::Focus(static_cast<platform::WindowRef>(pump_->platform));
+  Turn(2);
+  EXPECT_NE(At(row.x + 2, row.y + 2), active);
+  EXPECT_FALSE(HasKeyboard(c_, FocusStop::kFiles));
+  display::Focus(static_cast<platform::WindowRef>(c_->window->platform));
+  Turn(2);
+  EXPECT_EQ(At(row.x + 2, row.y + 2), active);
 }
 
 TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
@@ -201,6 +217,74 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
+}
+
+// Where one came from is selected in the folder above; only places that a folder lies in are lit.
+TEST_F(ConsoleTest, CrumbsAndPlacesShowWhereOneIs) {
+  for (const char* name : {"user", "user/in", "user2"}) home_.Folder(name);
+  Open("127.0.0.0");
+  Enter(home_.At("user/in"));
+  PressCrumb(c_, 1000);
+  EXPECT_EQ(c_->folder.path(), home_.At("user/in"));
+  const std::string path = c_->folder.path();
+  PressCrumb(c_, int(std::count(path.begin(), path.end(), '/')) - 1);
+  EXPECT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), home_.At("user"));
+  EXPECT_EQ(Selected(), "in");
+
+  const Area places = c_->layout.places;
+  const struct {
+    const char* folder;
+    uint32_t look;
+  } kRows[] = {{"user", 0x3875D7}, {"user/in", 0xD8D5CF}, {"user2", 0xF7F5F2}};
+  for (const auto& row : kRows) {
+    Enter(home_.At(row.folder));
+    c_->places = {{"Root", "/"}, {"User", home_.At("user")}};
+    c_->damage = kAllPanes;
+    DrawConsole(c_);
+    EXPECT_EQ(At(places.x + 8, places.y + 32 + 22 + 10), row.look) << row.folder;
+  }
+}
+
+TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
+  Open("127.0.0.0");
+  const Area slider = c_->layout.slider;
+  for (const auto& [x, priority] :
+       {std::pair(slider.x + 1, 1), {slider.right() - 2, 100}, {slider.x + slider.w / 2, 50}}) {
+    ClickAt(x, slider.y + slider.h / 2);
+    EXPECT_NEAR(c_->choice.priority, priority, 1);
+  }
+  NC_Printer first{}, standard{};
+  snprintf(first.name, sizeof first.name, "First");
+  snprintf(standard.name, sizeof standard.name, "Standard");
+  standard.is_default = 1;
+  auto printers = std::make_shared<std::vector<NC_Printer>>(100, first);
+  (*printers)[70] = standard;
+  c_->state.printers = printers;
+  EXPECT_STREQ(ChosenPrinter(c_)->name, "Standard");
+  // The list ends above the status line, and has the rows that there is room for.
+  Inp.px = c_->layout.printer.x + 5;
+  Inp.py = c_->layout.status.y;
+  EXPECT_FALSE(ListHoldsPointer(c_));
+  Inp.py -= 30;
+  EXPECT_TRUE(ListHoldsPointer(c_));
+
+  Turn(20);
+  const Area s = c_->layout.status;
+  const auto line = [&] {
+    std::vector<uint32_t> pixels;
+    for (int x = s.x + s.w / 2; x < s.right(); ++x)
+      for (int y = s.y + 8; y < s.bottom() - 8; y += 3) pixels.push_back(At(x, y));
+    return pixels;
+  };
+  const auto before = line();
+  Tell(c_, false, "Something went wrong, and this line says what");
+  Turn(10);
+  EXPECT_NE(line(), before);
+  Turn(330);
+  EXPECT_EQ(line(), before);
+  EXPECT_TRUE(AskBeforeQuit(c_)) << "nothing waits";
+  EXPECT_FALSE(c_->asking);
 }
 
 TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {

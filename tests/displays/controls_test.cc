@@ -123,4 +123,70 @@ TEST(ControlScript, GivesTheSameTraceAndPictureOnBothDisplays) {
         "top 769 320x220\nsub 769 100x60\ntop 783 item 72"}});
 }
 
+// Edit boxes, lists and combo boxes. A caret that blinks is in no picture.
+constexpr char kFields[] = R"(
+click 60 22 1      # selects all
+key a
+key b
+key minus
+key c
+hold Shift_L
+key Left
+release Shift_L
+key d
+key BackSpace
+hold Control_L
+key z
+release Control_L
+wait 700
+click 60 22 1; click 60 22 1   # a word
+key x
+down
+move 200 30
+up
+)";
+constexpr char kMoving[] = R"(
+key Return         # to the next box
+hold Tab           # to the list
+release Tab
+key Down
+key End
+click 60 106 1
+click 190 106 1    # two items take turns
+click 220 60 1     # reports, and takes no keyboard
+hold Tab
+release Tab
+hold Shift_L
+hold Tab
+release Tab
+release Shift_L
+key Escape
+)";
+
+XwWindow* MakeFields() {
+  static const char* const kRows[] = {"One", "Two", "Three", "Four", "Five", "Six", nullptr};
+  static const char* const kPair[] = {"On", "Off", nullptr};
+  top = XwCreate(0, 200, 200, 320, 220, Handle);
+  XwSetGround(top, nullptr, 1);
+  XwEditBox(top, "Text", 1, 10, 10, 140, 24, kOn);
+  XwEditBox(top, "", 2, 10, 48, 140, 24, kOn);
+  XwEditBox(top, "fixed", 3, 160, 48, 140, 24, kOn | XWC_VARIANT);
+  XwListBox(top, kRows, 4, 10, 86, 120, 70, kOn);
+  XwComboBox(top, kPair, 5, 160, 90, 120, 26, kOn, 0);
+  support::HookTrace(top, "top");
+  XwShow(top, 1);
+  XwSetFocus(top);
+  return top;
+}
+
+TEST(FieldScript, GivesTheSameTraceAndPictureOnBothDisplays) {
+  using displays::Act;
+  displays::ExpectTheSame(
+      {MakeFields,
+       {{kFields, Act::kPicture}, {kMoving, Act::kPicture}, {"close\n"}},
+       false,
+       {"top 788 item 1 value 1", "top 789 item 1", "top 790 item 1", "top 783 item 3",
+        "top 783 item 4", "top 783 item 5"}});
+}
+
 }  // namespace

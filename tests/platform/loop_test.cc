@@ -102,7 +102,7 @@ TEST_F(Loop, ANestedWaitLeavesTheRestInOrder) {
   }());
   headless::Click(600, 200);
   EXPECT_EQ(WaitTracking(&menu.tracker, Menu::Pressed, kEventDurationForever), WaitEnd::kDone);
-  // What the tracker was asked about, and what lay by in the order in which it had come.
+  // What the tracker was asked about, and what was deferred in the order in which it had come.
   EXPECT_NE(menu.seen.find("mouse1"), std::string::npos);
   EXPECT_EQ(Drain(false), "a b mouse5 window72 mouse5 mouse2");
 }
@@ -111,7 +111,7 @@ TEST_F(Loop, WhatLiesByIsPurgedRemovedAndMergedWith) {
   Menu menu{second, first};
   static Menu* inner = nullptr;
   inner = &menu;
-  // In the middle of the wait, while the first motion over the other window lies by.
+  // In the middle of the wait, while the first motion over the other window is deferred.
   InstallEventLoopTimer(
       0.1, 0, [](EventLoopTimerRef, void*) { headless::MovePointer(220, 220); }, nullptr);
   InstallEventLoopTimer(

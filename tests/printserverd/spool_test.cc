@@ -126,7 +126,7 @@ TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
   const int storing = daemon.Connect();
   ASSERT_EQ(NC_CreateRequestID(storing, id), 1);
   Ask(storing, 3, id, "hold=1\n\n" + std::string(3 << 20, 'd'));
-  // Another one is greeted and served meanwhile, and does not see what is not stored yet.
+  // Another one is greeted and served in between, and does not see what is not stored yet.
   const int other = daemon.Connect();
   EXPECT_TRUE(Jobs(other).empty());
   EXPECT_EQ(Printers(other).size(), 1U);

@@ -269,6 +269,7 @@ TEST(Keys, SymbolsOfTheDisplay) {
       {0xE9, 0xE9, 0xE9, 0, -1, 0x8E},                     // an accented letter
       {'c', 'c', 3, platform::controlKey, -1, 'c'},        // the letter, not the control code
       {0x6D3, 'c', 0x441, platform::controlKey, -1, 'c'},  // another script: the base layout
+      {0x6D3, 'c', 0x441, platform::rightControlKey, -1, 'c'},
       {'c', 'c', 0, platform::cmdKey, -1, 'c'},
       {0xFF63, 0xFF63, 0, 0, 0x72, 5},      // Insert
       {0xFF6A, 0xFF6A, 0, 0, 0x72, 5},      // Help

@@ -236,7 +236,7 @@ TEST_F(Drops, ASourceThatEndsLeavesNothing) {
   source->Put(id, source->Atom("_XW_DROP"), {kList, 8, "half"});
   source->Die();
   EXPECT_TRUE(Run([&] { return user().Text(id, "_XW_DROP").empty(); }));
-  // Of one that was still hovering neither: a window that gets its number has to enter anew.
+  // Of one that was still hovering neither: a window that gets its number has to enter again.
   auto hovering = MakeSource();
   hovering->Enter("text/uri-list");
   ASSERT_TRUE(Answered(*hovering, 1));

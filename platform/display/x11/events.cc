@@ -344,7 +344,7 @@ bool NextEvent(RawEvent* out) {
   }
   if (x.out.empty()) {
     xcb_flush(x.c);
-    // One that had to wait for the server has read meanwhile.
+    // A request that had to wait for the server has read events.
     xcb_generic_event_t* e = xcb_poll_for_queued_event(x.c);
     if (e == nullptr) return false;
     Keep(e);

@@ -32,12 +32,9 @@ xcb_randr_get_monitors_cookie_t AskMonitors(xcb_window_t root) {
   return {xcb_send_request(x.c, XCB_REQUEST_CHECKED, parts + 2, &kind)};
 }
 
-// The variable that forces the scale; 0 when it is not set or not a number of sense.
+// The variable that forces the scale; 0 when it is not set or no scale.
 double ForcedScale() {
-  const char* text = getenv("XW_SCALE");
-  if (text == nullptr) return 0;
-  double scale = strtod(text, nullptr);
-  return scale >= 0.5 && scale <= 8 ? scale : 0;
+  return ScaleInText(getenv("XW_SCALE"));
 }
 
 void WatchSettings(xcb_window_t owner) {

@@ -112,7 +112,7 @@ void EndStartup() {
 void UseToken(const char* token) {
   const std::string text = std::string(token).substr(0, 1024);
   const xcb_timestamp_t time = TimeOfToken(text);
-  // Only forward: the user may have done more meanwhile.
+  // Only forward: the user may have done more since.
   if (time != 0 && (x.user_time == 0 || int32_t(time - x.user_time) > 0)) x.user_time = time;
   TellEnd(text);
 }

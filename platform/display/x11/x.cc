@@ -66,8 +66,8 @@ bool SharedMemoryUsable(bool present, xcb_shm_query_version_cookie_t cookie) {
   const int fd = xcb_get_file_descriptor(x.c);
   if (getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) != 0) return false;
   if (address.ss_family != AF_UNIX) return false;
-  const char* wish = getenv("XW_SHM");
-  if (wish != nullptr && strcmp(wish, "0") == 0) return false;
+  const char* setting = getenv("XW_SHM");
+  if (setting != nullptr && strcmp(setting, "0") == 0) return false;
   return v && (v->major_version > 1 || (v->major_version == 1 && v->minor_version >= 2));
 }
 

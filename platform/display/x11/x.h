@@ -112,7 +112,7 @@ struct Native {
     };
     std::vector<Request> open;             // oldest first, neighbours differ
     double since = 0;                      // the newest
-    DeviceRect held;                       // the last other bounds that came meanwhile
+    DeviceRect held;                       // the last other bounds that came
     EventLoopTimerRef patience = nullptr;  // runs while something is held
   } asked;
   // The question to the server where the window is, asked when an event that another program sent
@@ -159,13 +159,13 @@ struct State {
   std::string session_name;
   std::vector<Screen> screens;
   double scale = 1.0;
-  xcb_window_t settings_owner = 0;  // whoever publishes the desktop's settings
+  xcb_window_t settings_owner = 0;  // publishes the desktop's settings
   bool shm = false;
   bool lost = false;              // the loss of the connection has been reported
   bool late_done = false;         // keymap, XInput and the like are open
   bool shown = false;             // something has been presented
   bool idle = false;              // and after that the program had nothing left to do
-  xcb_timestamp_t user_time = 0;  // of the user's last press or key
+  xcb_timestamp_t user_time = 0;  // of the last press or key
   xcb_window_t leader = 0;        // the first window
   // What is known of the window manager (manager.cc).
   struct {
@@ -361,7 +361,7 @@ void ForgetKeys(const Window* w);
 void ForgetPress(const Window* w);
 // A button went down in it and is held.
 bool IsPressedIn(const Window* w);
-// `n` has the focus: what was pressed or released meanwhile is reported.
+// `n` has the focus: what was pressed or released before is reported.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
 uint32_t Modifiers(uint32_t state);

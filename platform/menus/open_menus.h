@@ -15,7 +15,7 @@ struct MenuLevel {
   int drawn = -1;       // the item that is drawn as selected; -1: nothing is drawn yet
 };
 
-struct MenuSession {
+struct OpenMenus {
   std::vector<MenuLevel> levels;
   WindowRef owner = nullptr;  // the window that it was opened against, and that has the pointer
   bool of_bar = false;
@@ -35,7 +35,7 @@ struct MenuSession {
   Tracker tracker;
 };
 
-extern MenuSession menu_session;
+extern OpenMenus open_menus;
 
 // --- levels.cc
 // Shows a menu below those that are open; false when there is nothing to show.
@@ -59,7 +59,7 @@ Rect LevelBounds(const MenuLevel& l);
 // Of an item, global; empty when it does not show.
 Rect ItemBounds(const MenuLevel& l, int item);
 
-// --- session.cc
+// --- open_menus.cc
 void FinishSession(bool chosen);
 // The item is chosen, or its sub-menu opened.
 void ChooseItem(size_t level, int item, bool by_key);
