@@ -26,9 +26,8 @@ click 170 126 1    # button-like label
 click 250 130 1    # in a sub-window
 move 50 20
 down
-hold h             # the window goes and comes again
+key h              # the window goes and comes again
 wait 300
-release h
 up
 move 200 92
 click 200 92 1     # a menu
