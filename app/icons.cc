@@ -153,10 +153,6 @@ void DrawArrowDown(int x, int y, int32_t ink) {
   for (int row = 0; row < 4; ++row) XwBox(x + row, y + row, 8 - 2 * row, 1, ink);
 }
 
-void DrawArrowUp(int x, int y, int32_t ink) {
-  for (int row = 0; row < 4; ++row) XwBox(x + row, y + 3 - row, 8 - 2 * row, 1, ink);
-}
-
 void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) {
   const Style& l = TheStyle();
   auto shade = [&](int32_t colour) { return Mix(colour, background, percent); };

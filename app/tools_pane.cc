@@ -8,8 +8,7 @@
 namespace console {
 namespace {
 
-constexpr int kMostCopies = 999, kMostPriority = 100;
-constexpr int kKnob = 15;
+constexpr int kMostCopies = 999;
 
 ButtonState StateOf(const Console* c, int tool, bool enabled) {
   return ButtonAt(c, {kTools, tool, 0}, enabled);
@@ -64,20 +63,10 @@ void DrawCopies(const Console* c) {
   DrawLabel(l.normal, Align::kCenter, field, std::to_string(c->choice.copies), l.ink);
 }
 
-void DrawSlider(const Console* c) {
+// The slider itself is a control.
+void DrawPriority(const Console* c) {
   const Style& l = TheStyle();
-  const Area a = c->layout.slider;
   DrawLabel(l.normal, Align::kRight, c->layout.priority_label, "Priority", l.ink);
-  const int way = a.w - kKnob, x = a.x + way * (c->choice.priority - 1) / (kMostPriority - 1);
-  const int y = a.y + a.h / 2;
-  XwRoundBox(a.x, y - 2, a.w, 4, 2, l.track, -1);
-  XwRoundBox(a.x, y - 2, x - a.x + kKnob / 2, 4, 2, l.accent, -1);
-  const Area knob{x, y - 7, kKnob, kKnob};
-  if (HasKeyboard(c, FocusStop::kPriority)) DrawFocusRing(knob, 7, l.tool_bar);
-  const bool held = c->pressed == Hit{kTools, kSlider, 0};
-  const bool lit = c->hover == Hit{kTools, kSlider, 0};
-  XwRoundBox(knob.x, knob.y, kKnob, kKnob, 7, held ? l.pressed : l.face,
-             held || lit ? l.pressed_line : l.line);
   DrawLabel(l.view, Align::kRight, c->layout.priority, std::to_string(c->choice.priority),
             l.second);
 }
@@ -110,7 +99,7 @@ void DrawToolsPane(Console* c) {
   DrawIconButton(c, kRefresh, c->layout.refresh, ToolIcon::kRefresh, true);
   DrawPrinterField(c);
   DrawCopies(c);
-  DrawSlider(c);
+  DrawPriority(c);
   DrawHold(c);
 }
 
@@ -120,7 +109,7 @@ void AddToolsHits(Console* c) {
     Tool tool;
     const Area& area;
   } kAreas[] = {{kPrint, l.print}, {kUp, l.up},     {kRefresh, l.refresh}, {kPrinter, l.printer},
-                {kLess, l.less},   {kMore, l.more}, {kSlider, l.slider},   {kHold, l.hold}};
+                {kLess, l.less},   {kMore, l.more}, {kHold, l.hold}};
   for (const auto& row : kAreas) c->hits.Add({kTools, row.tool, 0}, row.area);
 }
 
@@ -165,14 +154,12 @@ void ChangeCopies(Console* c, int by) {
 }
 
 void ChangePriority(Console* c, int by) {
-  c->choice.priority = std::clamp(c->choice.priority + by, 1, kMostPriority);
-  c->damage |= kToolsPane;
+  SlidePriority(c, std::clamp(c->choice.priority + by, 1, kMostPriority));
+  XwSetSliderRange(c->priority, 1, kMostPriority, c->choice.priority);
 }
 
-void SlidePriority(Console* c, int px) {
-  const Area a = c->layout.slider;
-  const int way = a.w - kKnob, x = std::clamp(px - a.x - kKnob / 2, 0, way);
-  c->choice.priority = 1 + (x * (kMostPriority - 1) + way / 2) / way;
+void SlidePriority(Console* c, int value) {
+  c->choice.priority = value;
   c->damage |= kToolsPane;
 }
 

@@ -53,13 +53,20 @@ struct KindRow {
   // It has another place or size: what it is made of follows, before it is drawn.
   void (*placed)(Control* c) = nullptr;
   bool front_looks = false;  // in the front window it looks different
-  // Opens what it chooses from, where a press does that; a choice sends the hit.
+  // A press opens what it chooses from and waits; a choice sends the hit. In place of `press`.
   void (*open)(Control* c, bool by_key) = nullptr;
   // The pointer was taken away from it while it was held.
   void (*lost)(Control* c) = nullptr;
   // Frees its `data`, with the record.
   void (*end)(Control* c) = nullptr;
   bool focus_by_press = false;  // the pointer gives it the keyboard
+  bool whole_area = false;      // the pointer finds it in all of its area
+  // Another button than the primary one went down in it, and its target has not taken that.
+  void (*press_other)(Control* c, Point where, int button) = nullptr;
+  // Whether it takes this key before a menu may.
+  bool (*takes)(const Control* c, const Event& key) = nullptr;
+  // The keyboard came or went, or its window became the active one.
+  void (*focused)(Control* c, bool gained) = nullptr;
 };
 
 struct Control {
@@ -105,6 +112,7 @@ struct WindowControls {
   Control *ok = nullptr, *cancel = nullptr;
   bool tab_moves = true;
   bool alt = false;  // is held
+  bool shift = false;
   ContextRef context = nullptr;
   uint32_t generation = 0;  // of the pixels that it is for
 };
@@ -120,7 +128,7 @@ void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind ki
                         const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
-    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind;
+    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind, kEditTextKind;
 // Held with a key, they make it a command that no control takes.
 constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 
@@ -164,6 +172,10 @@ void HitControl(Control* c, bool by_key, int part = 0);
 bool IsControlHeld(const Control* c);
 // As a press and a release of the pointer, by a key.
 void PressByKey(Control* c);
+// Where the pointer finds it, in the content.
+Rect PressArea(const Control* c);
+// Of the press that the control hears of, in seconds.
+double PressTime();
 // Whether a point of the content presses it.
 bool IsControlUnder(const Control* c, Point at);
 OSStatus HandlePress(HandlerCall* call, Event* event, void* user_data);
@@ -185,6 +197,7 @@ bool MoveThumb(Control* c, int32_t value);
 // next turn of the same control.
 int TakeWheelSteps(const Control* c, float dx, float dy, float pixels);
 void DescribeThumb(const Control* c, Description* out);
+
 // --- pop_up_button.cc
 // Shows a menu below a rectangle of the window's content with this item selected, and waits: the
 // item that was chosen, or 0. The loop sets it at the start.

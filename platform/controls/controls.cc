@@ -117,8 +117,6 @@ Control* NewControl(PaneRef pane, const KindRow& kind, const Rect& bounds) {
   c->kind = &kind;
   c->pane = pane;
   c->bounds = c->area = bounds;
-  c->minimum = kind.minimum;
-  c->maximum = kind.maximum;
   c->horizontal = bounds.width() > bounds.height();
   WindowControls& all = *pane->owner;
   c->previous = all.last;
@@ -196,7 +194,15 @@ void SetControlArea(ControlRef c, const Rect& area) {
   const Rect& b = c->bounds;
   const Rect wanted{std::min(area.left, b.left), std::min(area.top, b.top),
                     std::max(area.right, b.right), std::max(area.bottom, b.bottom)};
-  if (wanted != c->area) Replace(c, [&] { c->area = wanted; });
+  if (wanted == c->area) return;
+  Replace(c, [&] {
+    c->area = wanted;
+    if (c->kind->placed) c->kind->placed(c);
+  });
+}
+
+Rect GetControlArea(ControlRef c) {
+  return IsValidControl(c) ? ControlArea(c) : Rect();
 }
 
 static void SetText(Control* c, const char* utf8) {

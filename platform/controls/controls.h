@@ -101,6 +101,8 @@ Rect GetControlBounds(ControlRef c);
 void SetControlBounds(ControlRef c, const Rect& bounds);
 // What is erased with it: more than its bounds, relative to its pane.
 void SetControlArea(ControlRef c, const Rect& area);
+// The same in the content of the window.
+Rect GetControlArea(ControlRef c);
 // The smallest rectangle that shows all of a check box or radio button, at its place.
 Rect GetBestControlRect(ControlRef c);
 void SetControlTitle(ControlRef c, const char* utf8);
@@ -167,6 +169,9 @@ void PressControl(ControlRef c);
 void StepControl(ControlRef c, bool up);
 // Whether the wheel over it turns it, active or not.
 bool ControlTakesWheel(ControlRef c);
+// With one of these parts Tab leaves a control that loses the keyboard to the next or the one
+// before.
+constexpr int kControlFocusNextPart = -1, kControlFocusPrevPart = -2;
 // Part 0 takes the keyboard away from it; any other gives it to a control that shows, is active and
 // can take it.
 void SetKeyboardFocus(WindowRef w, ControlRef c, int part);

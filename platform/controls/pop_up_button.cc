@@ -57,11 +57,6 @@ void Open(Control* c, bool by_key) {
   HitControl(c, by_key);
 }
 
-bool Press(Control* c, Point) {
-  Open(c, false);
-  return false;  // the menu has tracked the pointer
-}
-
 bool Key(Control* c, const Event& e) {
   const uint8_t key = e.key.character;
   if ((key != kSpaceKey && key != kDownKey) || e.key.modifiers & kMenuShortcut) return false;
@@ -76,23 +71,23 @@ void Describe(const Control* c, Description* out) {
   out->state |= kHasMenu;
 }
 
-constexpr KindRow MakeKind() {
-  KindRow kind{};
-  kind.draw = Draw;
-  kind.press = Press;
-  kind.open = Open;
-  kind.key = Key;
-  kind.describe = Describe;
-  kind.has_title = true;
-  kind.role = ObjectRole::kPopUpButton;
-  return kind;
-}
-
 }  // namespace
 
 int (*select_below)(MenuRef menu, WindowRef w, const Rect& anchor, int item) = nullptr;
 
-const KindRow kPopUpButtonKind = MakeKind();
+const KindRow kPopUpButtonKind = {.draw = Draw,
+                                  .press = nullptr,
+                                  .drag = nullptr,
+                                  .release = nullptr,
+                                  .key = Key,
+                                  .describe = Describe,
+                                  .border = nullptr,
+                                  .act = nullptr,
+                                  .minimum = 0,
+                                  .maximum = 0,
+                                  .has_title = true,
+                                  .role = ObjectRole::kPopUpButton,
+                                  .open = Open};
 
 ControlRef CreatePopUpButtonControl(PaneRef pane, const Rect& bounds, const char* title) {
   ControlRef c = NewControl(pane, kPopUpButtonKind, bounds);
@@ -105,8 +100,7 @@ ControlRef CreatePopUpButtonControl(PaneRef pane, const Rect& bounds, const char
 void SetPopUpButtonMenu(ControlRef c, MenuRef menu) {
   if (!IsValidControl(c) || c->kind != &kPopUpButtonKind) return;
   c->data = IsValidMenu(menu) ? menu : nullptr;
-  c->maximum = CountMenuItems(menu);
-  c->value = std::min(c->value, c->maximum);
+  SetControlRange(c, 0, CountMenuItems(menu));
   NoticeChange(c->object.serial, Change::kValue);
   Draw1Control(c);
 }

@@ -41,7 +41,7 @@ ThemeThumbInfo ThumbInfo(const Control* c) {
   i.value = c->value;
   i.view = c->view;
   i.active = c->active;
-  i.held = c->inside;
+  i.held = IsControlHilited(const_cast<Control*>(c));
   i.front = OwnerOf(c).window->active;
   i.framed = !c->whole;
   return i;

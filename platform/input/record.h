@@ -10,6 +10,7 @@
 //     0.351200 configure w1 rx=30 ry=80 w=800 h=600
 //     0.400000 take server 51f0 quiet 0
 //     1.200000 open /home/mia/report.pdf
+//     1.300000 text 1 :what another program had on the clipboard
 //
 // The first column is when it was taken in, in seconds since the session began; a '+' behind it
 // says that timers had fired at that moment already. wN is the Nth window that was made. What is 0

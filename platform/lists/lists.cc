@@ -63,12 +63,51 @@ void DrawRow(const Control* c, ContextRef context, int row) {
 }
 
 void Draw(Control* c, ContextRef context) {
-  ScrollList(c, ListOf(c).top);
   const int state = c->active ? kThemeStateActive : kThemeStateInactive;
   DrawThemeGenericWell(context, GetControlBounds(c), state, true);
   ClipContextToRect(context, RowsArea(c));
   for (int row = ListOf(c).top; row < EndOfView(c); ++row) DrawRow(c, context, row);
   RestoreContextClip(context);
+}
+
+// --- The bar, which is as wide as nothing while all rows are in view.
+
+int LargestTop(const Control* c) {
+  return std::max(0, ListOf(c).rows.count() - RowsInView(c));
+}
+
+// The bar fits the place and the rows.
+void PlaceBar(Control* c) {
+  List& l = ListOf(c);
+  const int most = LargestTop(c);
+  const Rect& r = c->bounds;
+  const int right = r.right - kSideInset;
+  SetControlBounds(
+      c->part, {right - (most ? kScrollBar : 0), r.top + kEndInset, right, r.bottom - kEndInset});
+  SetControlViewSize(c->part, RowsInView(c));
+  SetControlRange(c->part, 0, most);
+  ScrollList(c, l.top);
+}
+
+void BarMoves(ControlRef bar, int part) {
+  static constexpr struct {
+    int part, lines, pages;
+  } kRows[] = {{kControlUpButtonPart, -1, 0},
+               {kControlDownButtonPart, 1, 0},
+               {kControlPageUpPart, 0, -1},
+               {kControlPageDownPart, 0, 1}};
+  Control* c = bar->whole;
+  int top = bar->value;
+  for (const auto& row : kRows)
+    if (row.part == part) top += row.lines + row.pages * RowsInView(c);
+  ScrollList(c, top);
+  Draw1Control(c);
+}
+
+void Wheel(Control* c, float, float dy) {
+  constexpr int kRowsANotch = 3;
+  ScrollList(c, ListOf(c).top + TakeWheelSteps(c, 0, dy, kWheelNotch / kRowsANotch));
+  Draw1Control(c);
 }
 
 void Describe(const Control* c, Description* out) {
@@ -81,36 +120,41 @@ void End(Control* c) {
   delete &ListOf(c);
 }
 
-constexpr KindRow MakeKind() {
-  KindRow kind{};
-  kind.draw = Draw;
-  kind.press = PressList;
-  kind.drag = DragList;
-  kind.release = ReleaseList;
-  kind.lost = LoseList;
-  kind.key = ListKey;
-  kind.describe = Describe;
-  kind.end = End;
-  kind.focus_by_press = true;
-  kind.role = ObjectRole::kList;
-  return kind;
-}
-
 }  // namespace
 
-const KindRow kListKind = MakeKind();
+const KindRow kListKind = {.draw = Draw,
+                           .press = PressList,
+                           .drag = DragList,
+                           .release = ReleaseList,
+                           .key = ListKey,
+                           .describe = Describe,
+                           .border = nullptr,
+                           .act = nullptr,
+                           .minimum = 0,
+                           .maximum = 0,
+                           .has_title = false,
+                           .role = ObjectRole::kList,
+                           .wheel = Wheel,
+                           .placed = PlaceBar,
+                           .front_looks = true,
+                           .lost = LoseList,
+                           .end = End,
+                           .focus_by_press = true};
 
 ControlRef CreateListBoxControl(PaneRef pane, const Rect& bounds) {
   ControlRef c = NewControl(pane, kListKind, bounds);
   if (!c) return nullptr;
   c->data = new List;
   SetControlKeys(c, kKeysByTab | kKeysByRequest);
+  AttachControl(c, CreateScrollBarControl(pane, bounds, 0, 0, 0, 0, true, BarMoves));
+  PlaceBar(c);
   return c;
 }
 
 Rect RowsArea(const Control* c) {
   const Rect r = GetControlBounds(const_cast<Control*>(c));
-  return {r.left + kSideInset, r.top + kEndInset, r.right - kSideInset, r.bottom - kEndInset};
+  const int bar = c->part ? c->part->bounds.width() : 0;
+  return {r.left + kSideInset, r.top + kEndInset, r.right - kSideInset - bar, r.bottom - kEndInset};
 }
 
 int RowsInView(const Control* c) {
@@ -119,7 +163,8 @@ int RowsInView(const Control* c) {
 
 void ScrollList(Control* c, int top) {
   List& l = ListOf(c);
-  l.top = std::clamp(top, 0, std::max(0, l.rows.count() - RowsInView(c)));
+  l.top = std::clamp(top, 0, LargestTop(c));
+  SetControl32BitValue(c->part, l.top);
 }
 
 void SelectAndShow(Control* c, int row) {
@@ -159,8 +204,13 @@ void ListDeleteRows(ControlRef c, int row) {
   l.rows.Cut(row);
   if (l.selected >= row) ListSelectRow(c, -1);
   std::erase_if(l.serials, [&](const auto& described) { return described.first >= row; });
-  ScrollList(c, l.top);
+}
+
+void ListShowRows(ControlRef c) {
+  if (!IsList(c)) return;
+  PlaceBar(c);
   NoticeChange(c->object.serial, Change::kChildren);
+  Draw1Control(c);
 }
 
 void ListSelectRow(ControlRef c, int row) {
@@ -195,7 +245,6 @@ void SetListLastClick(ControlRef c, int row) {
 void DescribeListRows(ControlRef c, std::vector<DescribedNode>* rows) {
   if (!IsList(c)) return;
   List& l = ListOf(c);
-  ScrollList(c, l.top);
   uint64_t serial;
   Description list;
   DescribeControl(c, &serial, &list);

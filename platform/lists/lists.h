@@ -19,13 +19,15 @@ constexpr int kControlListBoxPart = 24;
 // becomes the last click, and the hit is sent.
 ControlRef CreateListBoxControl(PaneRef pane, const Rect& bounds);
 int ListRowCount(ControlRef c);
+// After rows were added, set or deleted: shows them, and how far there is to scroll.
+void ListShowRows(ControlRef c);
 // "" for a row that is not there. Valid until the next change.
 std::string_view ListRowText(ControlRef c, int row);
 void ListAddRow(ControlRef c, std::string_view utf8);
 void ListSetRow(ControlRef c, int row, std::string_view utf8);
 // From `row` to the end. The selection goes with its row.
 void ListDeleteRows(ControlRef c, int row);
-// -1, or a row that is not there: none.
+// -1, or a row that is not there: none. Draws nothing: Draw1Control shows it.
 void ListSelectRow(ControlRef c, int row);
 int ListSelectedRow(ControlRef c);
 // Scrolls as little as it takes to bring the selected row into view.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
@@ -96,6 +97,8 @@ struct TextWait {
 }  // namespace
 
 void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data) {
+  const SharedText own = OfferedText(which);
+  if (own || timeout_ms < 1 || !CurrentDisplay()) return arrived(data, own.get());
   TextWait wait{arrived, data};
   wait.request = AskText(
       which, timeout_ms,
@@ -109,8 +112,8 @@ void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* dat
   tracker.data = &wait;
   tracker.ask = [](void* waiting, Event* e) {
     const auto* w = static_cast<const TextWait*>(waiting);
-    const bool own = e->cls == kEventClassClipboard && int(e->request.id) == w->request;
-    return own ? Tracking::kPass : Tracking::kLater;
+    const bool answer = e->cls == kEventClassClipboard && int(e->request.id) == w->request;
+    return answer ? Tracking::kPass : Tracking::kLater;
   };
   WaitTracking(
       &tracker, [](void* waiting) { return static_cast<const TextWait*>(waiting)->done; },

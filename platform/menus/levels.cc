@@ -1,5 +1,6 @@
 // One open menu: its pop-up window, its rows, what is selected and scrolled.
 #include <algorithm>
+#include <utility>
 
 #include "platform/access/access.h"
 #include "platform/graphics/context.h"
@@ -12,7 +13,6 @@
 namespace platform {
 namespace {
 
-constexpr size_t kDeepest = 16;
 constexpr int kCornerOfMenus = 5;
 constexpr int kInset = kMenuBorder + kMenuPadding;  // above the first row
 
@@ -78,6 +78,21 @@ MenuLevel* LevelOf(WindowRef w) {
   return nullptr;
 }
 
+// Scrolls to the selected item; false when it shows already.
+bool ShowSelected(MenuLevel* l) {
+  const MenuLayout::Row* row = RowOf(*l, l->selected);
+  if (!row || !Scrolls(*l)) return false;
+  const int least = row->top + row->height - View(*l).height();
+  const int scroll = std::clamp(l->scroll, std::min(least, row->top), row->top);
+  return scroll != std::exchange(l->scroll, scroll);
+}
+
+// The display may grant less than a long menu needs.
+OSStatus Placed(HandlerCall*, Event* event, void*) {
+  if (MenuLevel* l = LevelOf(event->window)) ShowSelected(l);
+  return eventNotHandledErr;
+}
+
 OSStatus DrawContent(HandlerCall*, Event* event, void*) {
   MenuLevel* l = LevelOf(event->window);
   if (!l) return eventNotHandledErr;
@@ -107,7 +122,7 @@ void DrawLevel(MenuLevel* l, bool all) {
 
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   OpenMenus& s = open_menus;
-  if (!IsValidMenu(m) || s.levels.size() >= kDeepest) return false;
+  if (!IsValidMenu(m) || s.levels.size() >= size_t{kDeepestMenu}) return false;
   for (const MenuLevel& l : s.levels)
     if (l.menu == m) return false;
   Event opening(kEventClassMenu, kEventMenuOpening);
@@ -119,13 +134,16 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   l.menu = m;
   l.layout = LayOutMenu(*m);
   if (l.layout.rows.empty()) return false;
+  l.least_width = place.width;
   PopUpPlace sized = place;
-  sized.width = std::max(place.width, l.layout.width);
+  sized.width = std::max(l.least_width, l.layout.width);
   sized.height = l.layout.height;
   l.window = CreatePopUpWindow(parent, sized);
   if (!l.window) return false;
-  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}};
-  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 1, nullptr);
+  constexpr EventKind kPlaced[] = {{kEventClassWindow, kEventWindowBoundsChanged}};
+  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}, kPlaced[0]};
+  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 2, nullptr);
+  InstallEventHandler(GetWindowEventTarget(l.window), Placed, kPlaced, 1, nullptr);
   SetWindowBackgroundColor(l.window, RoleColor(Role::kFace));
   s.levels.push_back(l);
   ShowWindow(l.window);
@@ -133,6 +151,15 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   ValidateWindow(l.window);
   NoticeChange(m->object.serial, Change::kState);
   return true;
+}
+
+void FitLevel(const MenuLevel& l) {
+  PopUpPlace place = l.window->place;
+  const int width = std::max(l.least_width, l.layout.width);
+  if (place.width == width && place.height == l.layout.height) return;
+  place.width = width;
+  place.height = l.layout.height;
+  SetPopUpPlace(l.window, place);
 }
 
 void PopLevels(size_t keep) {
@@ -179,15 +206,7 @@ void SelectItem(MenuLevel* l, int item) {
   for (int changed : {before, item})
     if (changed >= 1 && changed <= int(l->menu->items.size()))
       NoticeChange(l->menu->items[size_t(changed - 1)].serial, Change::kState);
-  if (const MenuLayout::Row* row = RowOf(*l, item); row && Scrolls(*l)) {
-    const int view = View(*l).height();
-    const int scroll = std::clamp(l->scroll, row->top + row->height - view, row->top);
-    if (scroll != l->scroll) {
-      l->scroll = scroll;
-      return DrawLevel(l, true);
-    }
-  }
-  DrawLevel(l, false);
+  DrawLevel(l, ShowSelected(l));
 }
 
 Rect LevelBounds(const MenuLevel& l) {

@@ -11,6 +11,7 @@ namespace platform {
 namespace {
 
 constexpr double kClickTime = 0.25;  // a release sooner leaves a menu open
+constexpr double kTravelTime = 0.5;  // a press so soon after a title has opened under it opens it
 constexpr double kAimTime = 0.3;     // the pointer may take to a sub-menu over other rows
 constexpr double kScrollPeriod = 0.03;
 constexpr int kScrollStep = 8, kSlop = 3;
@@ -119,7 +120,9 @@ void Motion(const Event& e) {
   StopScrolling();
   if (level >= 0) return Hover(size_t(level), where);
   if (const BarTitle* t = BarTitleAt(e)) {
-    if (t->menu != s.levels.front().menu && !t->menu->disabled) SwitchTitle(t->menu, false);
+    if (t->menu == s.levels.front().menu || t->menu->disabled) return;
+    SwitchTitle(t->menu, false);
+    s.travelled = GetCurrentEventTime();
     return;
   }
   if (s.levels.size() > 1 && Aims(s.levels.back(), s.aim, where)) return;
@@ -149,10 +152,12 @@ void Press(const Event& e) {
   s.last = e.mouse.where;
   if (level >= 0) return Hover(size_t(level), e.mouse.where);
   const BarTitle* t = BarTitleAt(e);
-  if (t && t->menu != s.levels.front().menu && !t->menu->disabled)
-    SwitchTitle(t->menu, false);
-  else
-    Dismiss();
+  if (!t || t->menu->disabled) return Dismiss();
+  // The way to another title opens it, just before the press that means to.
+  const bool came = s.travelled >= 0 && GetCurrentEventTime() - s.travelled < kTravelTime;
+  s.travelled = -1;
+  if (t->menu != s.levels.front().menu) return SwitchTitle(t->menu, false);
+  if (!came) Dismiss();
 }
 
 void Release(const Event& e) {
@@ -293,6 +298,13 @@ void SwitchTitle(MenuRef m, bool by_key) {
   FinishSession(false);
 }
 
+void SendMenuCommand(MenuRef chosen_in, uint32_t command) {
+  Event e(kEventClassCommand, kEventCommandProcess);
+  e.request = {command, nullptr, 0};
+  if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
+    SendEventToEventTarget(&e, GetApplicationEventTarget());
+}
+
 void ChooseItem(size_t level, int item, bool by_key) {
   OpenMenus& s = open_menus;
   MenuLevel& l = s.levels[level];
@@ -388,12 +400,7 @@ MenuChoice CloseMenus() {
   s.done = true;
   if (of_bar) DrawMenuBar();
   if (swallows) StartTracking(&swallow);
-  if (choice.item && of_bar && IsValidMenu(chosen_in)) {
-    Event e(kEventClassCommand, kEventCommandProcess);
-    e.request = {command, nullptr, 0};
-    if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
-      SendEventToEventTarget(&e, GetApplicationEventTarget());
-  }
+  if (choice.item && of_bar && IsValidMenu(chosen_in)) SendMenuCommand(chosen_in, command);
   return choice;
 }
 
@@ -410,6 +417,7 @@ void MenuChanged(const Menu* m) {
     if (l.menu != m) continue;
     l.layout = LayOutMenu(*m);
     if (l.selected > int(m->items.size())) l.selected = 0;
+    FitLevel(l);
     DrawLevel(&l, true);
   }
 }

@@ -416,6 +416,49 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   EXPECT_EQ(Selected(), "second.txt");
 }
 
+TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
+  for (int i = 0; i < 60; ++i) home_.File("Empty/" + std::to_string(i), "x");
+  Open("127.0.0.2");
+  Enter(home_.At("Empty"));
+  const Area body = c_->files.Body();
+  ClickAt(body.right() + 7, body.bottom() - 5);
+  Turn(2);
+  EXPECT_EQ(c_->files.top(), body.h) << "a page";
+  display::MovePointer(c_->window->x + body.right() + 7, c_->window->y + body.y + body.h / 2);
+  display::Press(1);
+  display::MovePointer(c_->window->x + body.right() + 7, c_->window->y + 2000);
+  display::Release(1);
+  Turn(4);
+  EXPECT_EQ(c_->files.top(), 60 * Table::kRowHeight - body.h);
+  Enter(home_.At(kFolder));
+  EXPECT_EQ(c_->files.Body().right(), c_->layout.folder.right()) << "without a bar";
+
+  const Area slider = c_->layout.slider;
+  ClickAt(slider.right() - 1, slider.y + slider.h / 2);
+  EXPECT_EQ(c_->choice.priority, 100);
+  EXPECT_EQ(c_->stop, FocusStop::kPriority);
+  Key(0xFF51);
+  Key('-', '-');
+  Key(0xFF51);
+  EXPECT_EQ(c_->choice.priority, 97) << "its own keys, and the console's";
+  EXPECT_EQ(XwGetValue(c_->priority), 97);
+
+  Click(FileRow("second.txt"));
+  PrintSelected(c_);
+  EXPECT_FALSE(AskBeforeQuit(c_));
+  const std::string first = c_->folder.At(0).name;
+  Turn(2);
+  ClickAt(slider.x + 1, slider.y + slider.h / 2);
+  const Area head = c_->files.ColumnArea(0);
+  Click({head.x, head.y, head.w, Table::kHeaderHeight});
+  EXPECT_EQ(c_->choice.priority, 97);
+  EXPECT_EQ(c_->folder.At(0).name, first);
+  Key(0xFF1B);
+  ASSERT_FALSE(c_->asking);
+  Click({head.x, head.y, head.w, Table::kHeaderHeight});
+  EXPECT_NE(c_->folder.At(0).name, first) << "there again";
+}
+
 // Names that read alike without their codes, and names in other scripts.
 TEST_F(ConsoleTest, NamesAreShownApartAndFoundByTheirBytes) {
   const std::string names[] = {"a\xff.txt", "a\\xFF.txt", "a\u200b.txt", "a.txt", "印刷.txt"};

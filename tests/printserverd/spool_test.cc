@@ -120,22 +120,6 @@ bool Answered(int fd) {
   return poll(&one, 1, 0) != 0;
 }
 
-// Sends a request but does not wait for its answer.
-void Ask(int fd, char code, const void* id, const std::string& data) {
-  ASSERT_EQ(NC_SendCommand(fd, static_cast<uint8_t>(code)), 4);
-  ASSERT_EQ(NC_Write(fd, id, NC_ID_SIZE), NC_ID_SIZE);
-  if (code == 3) {
-    const auto size = static_cast<int32_t>(data.size());
-    ASSERT_EQ(NC_Write(fd, &size, 4), 4);
-    ASSERT_EQ(NC_Write(fd, data.data(), size), size);
-  }
-}
-
-int AnswerOf(int fd) {
-  uint8_t status = 0;
-  return NC_Read(fd, &status, 1) == 1 ? status : -1;
-}
-
 TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
   Start({"--simulate", "slow-disk=300"});
   uint8_t id[NC_ID_SIZE];
@@ -304,6 +288,16 @@ TEST_F(Spool, NumbersOrderAndReasonsOutliveARestart) {
   EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
   EXPECT_EQ(Change(fd, failed, "hold=1\n"), 1);
   EXPECT_EQ(std::string(JobOf(fd, failed).text) + JobOf(fd, failed).reasons, "");
+  // A job with the last number there is loads again; after it nothing is accepted.
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  daemon.WriteFile("spool/counters", "number=999999998\n\n");
+  for (const int status : {NC_STATUS_DONE, NC_STATUS_TOO_LARGE}) {
+    StartWith(config);
+    uint8_t next[16];
+    EXPECT_EQ(Send(fd, "priority=99\nhold=1\n", "x", next), status);
+    EXPECT_EQ(Jobs(fd)[0].number, 999999999);
+    EXPECT_EQ(Stop(SIGTERM), 0);
+  }
 }
 
 // Copies a spool that another version wrote, as far as a repository can hold one.

@@ -13,7 +13,7 @@ namespace {
 using namespace stage;
 using testkit::Picture;
 
-constexpr int kWidth = 664, kHeight = 78, kLeft = 72, kGap = 14, kRow = 36;
+constexpr int kWidth = 664, kHeight = 208, kLeft = 72, kGap = 14, kRow = 36;
 constexpr uint32_t kOn = XWC_ENABLED | XWC_VISIBLE;
 
 int32_t no_menu[8];
@@ -28,6 +28,8 @@ class Sheet {
     name_ = XwLabel(window_, "", 0, 4, 12, kLeft - 4, 22, kOn | XWC_LEFT);
     MakeButtons();
     MakeMarks();
+    MakeSliders();
+    MakeChoices();
     XwShow(window_, 1);
     input::Focus(Native(window_));
     Settle();
@@ -81,6 +83,32 @@ class Sheet {
       Put(XwColor(window_, "Hue", 1, x_, 6 + kRow, 40, 26, kOn | frame, 0x5A35D9));
     Put(XwLabel(window_, "Label", 1, x_, 8 + kRow, 56, 22, kOn | XWC_LEFT));
   }
+  void MakeSliders() {
+    x_ = kLeft;
+    const int y = 6 + 2 * kRow;
+    for (int value : {0, 40, 100})
+      Put(XwSlider(window_, 1, x_, y + 10, 80, 22, kOn, 0, 100, value));
+    Put(XwSlider(window_, 1, x_, y, 22, 44, kOn, 0, 100, 40));
+    // A small part of the document, most of it, all of it.
+    for (int page : {10, 70, 100})
+      Put(XwScrollBar(window_, 1, x_, y + 12, 70, 15, kOn, 0, 99, 1, page, 20));
+    Put(XwScrollBar(window_, 1, x_, y, 15, 44, kOn, 0, 99, 1, 30, 20));
+  }
+
+  void MakeChoices() {
+    static const char* const kProfiles[] = {
+        "ISO Coated v2", "PSO Uncoated", "", "Japan Color 2011", "GRACoL 2013", "sRGB", nullptr};
+    static const char* const kPapers[] = {"A4", "A3", "Letter", nullptr};
+    x_ = kLeft;
+    const int y = 16 + 3 * kRow;
+    Put(XwComboBox(window_, kProfiles, 1, x_, y, 116, 24, kOn, 0));
+    Put(XwComboBox(window_, kProfiles, 1, x_, y, 70, 24, kOn, 3));
+    Put(XwComboBox(window_, kProfiles, 1, x_, y, 50, 24, kOn, -1));
+    // More rows than show, all of them, none; a choice in two of them.
+    XwSetValue(Put(XwListBox(window_, kProfiles, 1, x_, y, 124, 84, kOn)), 1);
+    XwSetValue(Put(XwListBox(window_, kPapers, 1, x_, y, 80, 84, kOn)), 0);
+    Put(XwListBox(window_, nullptr, 1, x_, y, 50, 84, kOn));
+  }
 
   static int Device(int logical) { return int(std::lround(logical * atof(getenv("XW_SCALE")))); }
 
@@ -96,7 +124,8 @@ class Sheet {
     return p;
   }
   static void Copy(const Picture& from, const XwWindow* c, Picture* to) {
-    for (int y = Device(c->y - 3); y < Device(c->y + c->height + 3); ++y)
+    // A pop-up button and its ring reach five pixels below the record.
+    for (int y = Device(c->y - 3); y < Device(c->y + c->height + 5); ++y)
       for (int x = Device(c->x - 3); x < Device(c->x + c->width + 3); ++x) {
         const size_t i = size_t(y) * size_t(to->width) + size_t(x);
         to->pixels[i] = from.pixels[i];

@@ -79,6 +79,27 @@ void Forget(XwWindow* w) {
   std::erase_if(windows, [w](XwWindow* other) { return other == w || IsSubWindow(w, other); });
 }
 
+// Of any kind; null where there can be none.
+XwWindow* CreateControl(XwWindow* parent, int x, int y, int width, int height) {
+  const uint32_t on = Random(8) ? XWC_ENABLED | XWC_VISIBLE : 0, style = on | Random(2) << 20;
+  const int id = Between(0, 9), low = Between(-9, 9), high = Between(-9, 99);
+  switch (Random(6)) {
+    case 0:
+      return XwButton(parent, "Button", id, x, y, width, height, style | Random(2) << 23, 0);
+    case 1:
+      return XwCheckBox(parent, "Check", id, x, y, style, Between(0, 2));
+    case 2:
+      return XwColor(parent, "Hue", id, x, y, width, height, style, Between(0, 0xFFFFFF));
+    case 3:
+      return XwLabel(parent, "Label", id, x, y, width, height, style);
+    case 4:
+      return XwSlider(parent, id, x, y, width, height, style, low, high, Between(-9, 99));
+    default:
+      return XwScrollBar(parent, id, x, y, width, height, style, low, high, Between(0, 9),
+                         Between(-1, 60), Between(-9, 99));
+  }
+}
+
 void Create() {
   if (int(windows.size()) >= kMostWindows) return;
   XwHandler handler = Random(8) ? Handler : nullptr;
@@ -86,12 +107,17 @@ void Create() {
       height = Between(0, 200);
   XwWindow* parent = Any();
   XwWindow* w;
-  switch (Random(6)) {
+  switch (Random(9)) {
     case 0:
       w = XwCreate(Between(-260, 0), x, y, width, height, handler);
       break;
     case 1:
       w = XwCreateDocked(parent, x, y, width, height, handler);
+      break;
+    case 2:
+    case 3:
+    case 4:
+      w = CreateControl(parent, x / 4, y / 4, width / 2, height / 2);
       break;
     default:
       w = parent ? XwCreate(parent, x / 8, y / 8, width, height, handler) : nullptr;
@@ -112,7 +138,7 @@ void Destroy() {
 // One call of the program.
 void Act() {
   XwWindow* w = Any();
-  switch (Random(22)) {
+  switch (Random(24)) {
     case 0:
     case 1:
     case 2:
@@ -162,10 +188,23 @@ void Act() {
     case 20:
       XwGetEvent(Random(3) ? nullptr : w, int(Random(2)));
       return;
+    case 21:
+      Random(2) ? XwFocusControl(w) : XwSetValue(w, Between(-9, 99));
+      return;
+    case 22:
+      return XwSetScrollRange(w, Between(-9, 9), Between(-9, 99), 3, Between(0, 50), Between(0, 9));
     default:
       if (Random(10) == 0) XwSetFullScreen();
       return XwCenter(w, Any());
   }
+}
+
+// Letters and marks; what moves and presses.
+void Key() {
+  const uint32_t special[] = {0xFF09, 0xFF0D, 0xFF1B, 0xFFC7, uint32_t(Between(0xFF50, 0xFF57))};
+  const uint32_t key = Random(2) ? special[Random(5)] : uint32_t(Between(30, 130));
+  const uint32_t typed = key == 0xFF09 ? 9 : key == 0xFF0D ? 13 : key == 0xFF1B ? 27 : key;
+  Random(2) ? input::KeyDown(key, typed) : input::KeyUp(key, typed);
 }
 
 // One thing that a user or the desktop does.
@@ -179,8 +218,7 @@ void Input() {
     case 9:
       return input::Release(Between(1, 6));
     case 10:
-      return Random(2) ? input::KeyDown(uint32_t(Between(30, 130)))
-                       : input::KeyUp(uint32_t(Between(30, 130)));
+      return Key();
     case 11:
       return Random(3) ? input::Scroll(float(Between(-9, 9)), float(Between(-90, 90)))
                        : input::Modifiers(Random(65536));
@@ -217,6 +255,10 @@ void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
     CheckRecord(c, found);
   }
   EXPECT_EQ(w->subwindows, subs);
+  if (IsControl(w)) {
+    XwWindow* focus = XwGetFocus(w);
+    EXPECT_TRUE(focus != w || (w->enabled && w->flags & XW_SHOWN)) << "keys for nobody";
+  }
   EXPECT_EQ((w->flags & XW_HAS_SUBWINDOWS) != 0, subs > 0);
   EXPECT_TRUE(platform::IsValidWindow(NativeWindow(w)));
   if (!IsTopLevel(w)) return;
@@ -268,6 +310,10 @@ uint64_t Play(uint64_t seed, int64_t steps) {
   trace = 0xCBF29CE484222325u;
   Open();
   Create();
+  static XwMenuItem menu[] = {
+      {"Item", 0, 5, nullptr}, {"", 0, 0, nullptr}, {nullptr, 0, 0, nullptr}};
+  static XwMenuItem bar[] = {{"Menu", 0, XwValue(menu), nullptr}, {nullptr, 0, 0, nullptr}};
+  XwSetMenu(W_Start, bar);
   for (int64_t i = 0; i < steps; ++i) {
     Random(8) ? Input() : Act();
     if (Random(6) == 0) RunFor(Random(30) / 1000.0);

@@ -51,7 +51,6 @@ std::string Shorten(const TextLine& line, const TextScale& scale, std::string_vi
   for (size_t half = length / 2, tail = half + 2;; ++tail) {
     const size_t head = half > 1 ? half - 1 : half;
     for (size_t from : {tail - 1, tail}) {
-      if (from > length) continue;
       const int64_t sum = clusters[head].pen + dots + line.width() - clusters[from].pen;
       if (!scale.Narrower(sum, limit)) continue;
       return ValidUtf8(text.substr(0, clusters[head].start)) + "..." +

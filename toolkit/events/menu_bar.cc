@@ -1,5 +1,6 @@
 #include "toolkit/events/menu_bar.h"
 
+#include "platform/controls/edit_text.h"
 #include "platform/input/translate.h"
 #include "platform/loop/tracking.h"
 #include "toolkit/core/alive.h"
@@ -43,13 +44,18 @@ void OpenRequestedMenu() {
 
 OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
   if (event->key.ignored || !IsLive(W_MenuBar) || ModalKeepsOut(W_Start)) return eventNotHandledErr;
+  if (FocusTakesKey(event->window, *event)) return eventNotHandledErr;
   const int type = Inp.type;
   const uint32_t modifiers = ModifierBits(event->key.modifiers);
-  if (MenuKeyHit hit = FindMenuKey(type, modifiers); hit.record) {
+  MenuKeyHit hit = FindMenuKey(type, modifiers);
+  // One that is greyed or hidden now may be the program's to show when its menu opens.
+  if (!hit.record) hit = FindMenuKey(type, modifiers, true);
+  if (hit.record) {
     Event opening(kEventClassMenu, kEventMenuOpening);
     SendEventToEventTarget(&opening, GetMenuEventTarget(hit.menu));
     // The program may have changed the menu.
     hit = FindMenuKey(type, modifiers);
+    event->key.ignored = hit.record;  // it has done its work
     if (hit.record) SendCommand(hit.menu, uint32_t(hit.record->id));
   } else if ((type == 'q' || type == 'Q') && modifiers == XWS_CONTROL &&
              !MenuBarHasKey('q', XWS_CONTROL)) {

@@ -41,9 +41,13 @@ Region* MakeClip(const XwWindow* w, Point origin) {
   for (int i = 0; i < w->child_count; ++i) {
     const XwWindow* c = w->children[i];
     if (!c || c->kind == 0 || !(c->flags & XW_SHOWN)) continue;
+    Rect r{c->x, c->y, c->x + c->width, c->y + c->height};
+    // Some controls reach farther than their records.
+    if (IsControl(c))
+      r = Offset(GetControlArea(static_cast<ControlRef>(c->platform)), -origin.x, -origin.y);
     // The ring around the control with the keyboard is the platform's.
     const int ring = focus && c->platform == focus ? kFocusRingSpace : 0;
-    holes.push_back({c->x - ring, c->y - ring, c->x + c->width + ring, c->y + c->height + ring});
+    holes.push_back({r.left - ring, r.top - ring, r.right + ring, r.bottom + ring});
   }
   clip->Subtract(holes);
   clip->Translate(origin.x, origin.y);

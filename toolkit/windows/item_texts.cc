@@ -53,5 +53,5 @@ void SetListRows(XwWindow* list, const char* const* texts, bool utf8) {
   ListDeleteRows(control, row);
   ListSelectRow(control, -1);
   list->value = -1;
-  Draw1Control(control);
+  ListShowRows(control);
 }
