@@ -458,14 +458,14 @@ XwWindow* XwLabel(XwWindow* parent, const char* text, int32_t id, int x, int y, 
                   uint32_t style);
 
 /* One line of text, of every script: what is typed and pasted is kept whole. XwSetText and
- * XwGetText speak the toolkit's characters ('?' for what has no place there, at most 255), XwSetTextUtf8 and
- * XwGetTextUtf8 all of it. A copy of `text` (null: "").
+ * XwGetText speak the toolkit's characters ('?' for what has no place there, at most 255),
+ * XwSetTextUtf8 and XwGetTextUtf8 all of it. A copy of `text` (null: "").
  * The parent's handler gets 788 with value 1 when the box gets the keyboard, which selects its
- * text, and with 0 when it loses it; 789 for each key that it takes and each change by the user; 790 for
- * Return and for Tab, which move on to the next box (XWC_DROPS_FOCUS: Return to none). Escape gives
- * the keyboard up. The item is the id without its sign. Keys with Control, Alt or Super keep their
- * own codes; Control with A, C, X, V, Z, Y edits. One that is read-only (XWC_VARIANT) takes no
- * keyboard; a press on it is 783 with the id as it is. */
+ * text, and with 0 when it loses it; 789 for each key that it takes and each change by the user;
+ * 790 for Return and for Tab, which move on to the next box (XWC_DROPS_FOCUS: Return to none).
+ * Escape gives the keyboard up. The item is the id without its sign. Keys with Control, Alt or
+ * Super keep their own codes; Control with A, C, X, V, Z, Y edits. One that is read-only
+ * (XWC_VARIANT) takes no keyboard; a press on it is 783 with the id as it is. */
 XwWindow* XwEditBox(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
                     uint32_t style);
 /* Edits `text`, 256 bytes, in a box of its own inside `parent`, at least 22 high, and waits: 1 once

@@ -160,15 +160,6 @@ TEST(Scrolling, WheelAddsUpPartsOfPixels) {
   EXPECT_EQ(t.top(), 5);
 }
 
-// Where it was pressed it stays under the pointer.
-TEST(Scrolling, AHeldThumbDoesNotJump) {
-  Table t = MakeTable({0, 0, 400, 22 + 220}, 100);
-  t.ScrollTo(700);
-  t.Press({kOwner, Table::kThumb, 0}, 390, 22 + 82);
-  t.Drag(390, 22 + 82);
-  EXPECT_NEAR(t.top(), 700, 12);
-}
-
 TEST(Texts, ReadAsAPersonReadsThem) {
   setenv("TZ", "UTC", 1);
   const struct {
