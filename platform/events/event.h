@@ -51,9 +51,9 @@ enum : uint32_t {
   kEventControlHit = 1,                   // a press or a key has done its work
   kEventControlSetFocusPart = 7,          // the keyboard comes (a part) or goes (0)
   kEventControlContextualMenuClick = 12,  // a press of the secondary button
-  kEventControlClick = 13,      // a press of the primary button; one that is taken is not tracked
-  kEventControlTextChanged = 151,  // by the user, not by a key that the box's filter has seen
-  kEventSystemPointerLost = 5,  // a grab has been refused or taken away
+  kEventControlClick = 13,  // a press of the primary button; one that is taken is not tracked
+  kEventControlTextChanged = 151,       // by the user, not by a key that the box's filter has seen
+  kEventSystemPointerLost = 5,          // a grab has been refused or taken away
   kEventSystemDisplayReconfigured = 4,  // the main screen has another size or scale
   kEventTextArrived = 1,                // the answer to a request for a text is there
 };

@@ -122,7 +122,6 @@ TEST_F(Walk, AFileIsPrintedOnTheScreen) {
   daemon.Stop(SIGKILL);
   ASSERT_TRUE(DotBecomes(kBad));
   Click(layout_.print);
-  ASSERT_TRUE(Eventually([&] { return QueueInk() > 100; }));
   const uint32_t size[] = {800, 560};
   xcb_configure_window(user_->connection(), window_,
                        XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);

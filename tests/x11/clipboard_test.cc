@@ -96,7 +96,7 @@ enum class End { kExit, kFinish, kSignal };
 class Manager : public Selections {
  protected:
   void SetUp() override { StartServer("", {}); }
-  // A program that offers the text, and ends. The manager works while it ends.
+  // A program that offers the text, and ends. The manager works on.
   int RunProgram(End how, const std::string& text, Peer* manager) {
     const pid_t pid = fork();
     if (pid == 0) {

@@ -4,8 +4,8 @@
 
 #include "platform/clipboard/clipboard.h"
 #include "platform/display/x11/x.h"
+#include "tests/x11/fixture.h"
 #include "tests/x11/peer.h"
-#include "tests/x11/session.h"
 
 namespace x11_test {
 

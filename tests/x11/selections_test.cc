@@ -151,7 +151,7 @@ TEST_F(Selections, ALongTextGoesOutInPieces) {
   ASSERT_TRUE(Run([&] { return b->done; }));
   EXPECT_GT(b->pieces, 4u);
   EXPECT_EQ(b->bytes, first);
-  // One that has begun gets its text to the end, whatever is offered in between.
+  // One that has begun gets its text to the end, whatever is offered during it.
   ASSERT_TRUE(OfferText(kClip, second));
   peers = {&quick, &slow};
   auto* c = quick.Ask("CLIPBOARD", "UTF8_STRING");
@@ -161,6 +161,7 @@ TEST_F(Selections, ALongTextGoesOutInPieces) {
 }
 
 // A client that stops in the middle holds nothing up, and what it would have got is freed.
+// A requestor that stops in the middle holds nothing up, and what it would have got is freed.
 TEST_F(Selections, AnAskerThatStopsIsGivenUp) {
   auto freed = [this](SharedText text) {
     GiveUp(kClip);
