@@ -143,7 +143,8 @@ move 200 30
 up
 )";
 constexpr char kMoving[] = R"(
-key Return         # to the next box
+hold Return        # to the next box
+release Return
 hold Tab           # to the list
 release Tab
 key Down
@@ -174,12 +175,11 @@ XwWindow* MakeFields() {
 
 TEST(FieldScript, GivesTheSameTraceAndPictureOnBothDisplays) {
   using displays::Act;
-  displays::ExpectTheSame(
-      {MakeFields,
-       {{kFields, Act::kPicture}, {kMoving, Act::kPicture}, {"close\n"}},
-       false,
-       {"top 788 item 1 value 1", "top 789 item 1", "top 790 item 1", "top 783 item 3",
-        "top 783 item 4", "top 783 item 5"}});
+  displays::ExpectTheSame({MakeFields,
+                           {{kFields, Act::kPicture}, {kMoving, Act::kPicture}, {"close\n"}},
+                           false,
+                           {"top 788 item 1", "top 789 item 1", "top 790 item 1", "top 783 item 3",
+                            "top 783 item 4", "top 783 item 5"}});
 }
 
 }  // namespace
