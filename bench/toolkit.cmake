@@ -1,3 +1,5 @@
-foreach(name events tree pointer controls menus)
+foreach(name events tree pointer controls menus typing)
   quorvik_bench(${name} ${CMAKE_CURRENT_LIST_DIR}/${name}.cc LIBS xw)
 endforeach()
+find_library(xcb_xtest_archive NAMES libxcb-xtest.a xcb-xtest REQUIRED)
+target_link_libraries(bench_typing PRIVATE ${xcb_xtest_archive})

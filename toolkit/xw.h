@@ -459,7 +459,8 @@ XwWindow* XwLabel(XwWindow* parent, const char* text, int32_t id, int x, int y, 
 
 /* One line of text, of every script: what is typed and pasted is kept whole. XwSetText and
  * XwGetText speak the toolkit's characters ('?' for what has no place there, at most 255),
- * XwSetTextUtf8 and XwGetTextUtf8 all of it. A copy of `text` (null: "").
+ * XwSetTextUtf8 and XwGetTextUtf8 all of it. `text` is copied (null: "").
+ *
  * The parent's handler gets 788 with value 1 when the box gets the keyboard, which selects its
  * text, and with 0 when it loses it; 789 for each key that it takes and each change by the user;
  * 790 for Return and for Tab, which move on to the next box (XWC_DROPS_FOCUS: Return to none).

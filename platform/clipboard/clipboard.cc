@@ -73,20 +73,12 @@ size_t ValidSize(std::string_view text) {
   return size;
 }
 
-bool IsValid(std::string_view text) {
-  while (TakePlain(&text), !text.empty()) {
-    const size_t before = text.size();
-    if (TakeValid(&text) == 0xFFFD && before - text.size() != 3) return false;
-  }
-  return true;
-}
-
 // Texts end as C strings do elsewhere: zeros at the end are no part of them. What is left of zeros
 // and of bytes that are not UTF-8 becomes U+FFFD. False: too long.
 bool MakeValid(std::string* text) {
   while (!text->empty() && text->back() == 0) text->pop_back();
   if (text->size() > kMostText) return false;
-  if (IsValid(*text)) return true;
+  if (text->find('\0') == std::string::npos && IsUtf8(*text)) return true;
   const size_t size = ValidSize(*text);
   if (size > kMostText) return false;
   std::string valid;

@@ -63,6 +63,8 @@ struct KindRow {
   bool whole_area = false;      // the pointer finds it in all of its area
   // Another button than the primary one went down in it, and its target has not taken that.
   void (*press_other)(Control* c, Point where, int button) = nullptr;
+  // Text can be selected in it, which the pointer's shape says.
+  bool text_cursor = false;
   // Whether it takes this key before a menu may.
   bool (*takes)(const Control* c, const Event& key) = nullptr;
   // The keyboard came or went, or its window became the active one.

@@ -9,6 +9,8 @@
 namespace platform {
 namespace {
 
+CursorRef text_cursor;  // made on first use
+
 void ReleaseRecord(void* record) {
   auto* c = static_cast<Control*>(record);
   if (c->kind->end) c->kind->end(c);
@@ -97,7 +99,16 @@ void InitControls() {
 }
 
 void FinishControls() {
+  ReleaseCursor(text_cursor);
+  text_cursor = nullptr;
   ForgetTracking(nullptr);
+}
+
+CursorRef FindControlCursor(Point where, WindowRef w) {
+  const Control* c = FindControlUnderMouse(where, w);
+  if (!c || !c->kind->text_cursor || !c->active) return nullptr;
+  if (!text_cursor) text_cursor = CreateDesktopCursor(DesktopCursor::kText);
+  return text_cursor;
 }
 
 WindowControls* ControlsOf(WindowRef w) {

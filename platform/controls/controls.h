@@ -162,6 +162,8 @@ ContextRef GetControlContext(ControlRef c);
 
 // The one under a point of the content. None where a shown pane covers it.
 ControlRef FindControlUnderMouse(Point where, WindowRef w);
+// The pointer's shape over what lies under a point of the content; null: the window's own.
+CursorRef FindControlCursor(Point where, WindowRef w);
 // Presses the control as a key does, also when it does not have the keyboard. An inactive one is
 // ignored.
 void PressControl(ControlRef c);

@@ -31,6 +31,7 @@ struct Edit {
   // While the pointer holds it: what was pressed on, and by how much it selects.
   enum Unit : uint8_t { kCharacter, kWord, kAll } unit = kCharacter;
   size_t held_first = 0, held_last = 0;
+  bool pointer_selects = false;  // what is selected now was so by the pointer
   Point pointer;
   EventLoopTimerRef scroll_timer = nullptr;
   double pressed_at = 0;  // the press before

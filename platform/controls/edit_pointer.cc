@@ -1,6 +1,7 @@
 // What the pointer does in an edit box: it sets the caret, selects by characters, words or all, and
 // scrolls while it is held beside the text.
 #include <cstdlib>
+#include <utility>
 
 #include "platform/controls/edit.h"
 
@@ -34,6 +35,7 @@ void Follow(Control* c) {
     SelectEdit(&e.state, e.held_last, first);
   else
     SelectEdit(&e.state, e.held_first, std::max(last, e.held_last));
+  e.pointer_selects = e.state.selects();
   ShowEdit(c);
 }
 
@@ -103,7 +105,7 @@ bool ReleaseEdit(Control* c, bool) {
 void LoseEdit(Control* c) {
   Edit& e = EditOf(c);
   StopEditScrolling(&e);
-  if (OwnerOf(c).focus == c && e.state.selects()) OfferSelection(c);
+  if (OwnerOf(c).focus == c && std::exchange(e.pointer_selects, false)) OfferSelection(c);
 }
 
 void PressEditWithOther(Control* c, Point at, int button) {

@@ -97,8 +97,8 @@ void Draw(Control* c, ContextRef context) {
     SetContextColor(context, ink);
     FillRect(context, begin, baseline + 1, end - begin, 1);
   }
-  if (HasCaret(c) && !e.caret_off && !e.state.selects()) {
-    SetContextColor(context, ink);
+  if (focused && !e.caret_off && !e.state.selects()) {
+    SetContextColor(context, HasCaret(c) ? ink : RoleColor(Role::kSecondInk));
     const Rect caret = CaretRect(c);
     FillRect(context, caret.left, caret.top, caret.width(), caret.height());
   }
@@ -166,6 +166,7 @@ constexpr KindRow MakeKind() {
   kind.role = ObjectRole::kTextField;
   kind.focus_by_press = true;
   kind.whole_area = true;
+  kind.text_cursor = true;
   return kind;
 }
 
@@ -277,6 +278,7 @@ void SelectEditText(ControlRef c, int first, int last) {
   if (!e) return;
   auto offset = [e](int n) { return EditOffset(e->state, size_t(std::max(0, n))); };
   SelectEdit(&e->state, offset(first), offset(last));
+  e->pointer_selects = false;
   ShowEdit(c);
 }
 

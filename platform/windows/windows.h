@@ -125,7 +125,7 @@ uint32_t WindowGeneration(WindowRef w);
 // --- Cursors ------------------------------------------------------------------------------------
 
 // A picture of at most 32 x 32 logical pixels, 0xAARRGGBB, or one of the desktop's own.
-enum class DesktopCursor { kNone, kArrow, kCrosshair, kOpenHand };
+enum class DesktopCursor { kNone, kArrow, kCrosshair, kOpenHand, kText };
 // All live until ReleaseCursor. Null for a size outside 1..32.
 CursorRef CreateDesktopCursor(DesktopCursor which);
 CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb);

@@ -26,9 +26,8 @@ click 170 126 1    # button-like label
 click 250 130 1    # in a sub-window
 move 50 20
 down
-hold h             # the window goes and comes again
+key h              # the window goes and comes again
 wait 300
-release h
 up
 move 200 92
 click 200 92 1     # a menu
@@ -122,6 +121,65 @@ TEST(ControlScript, GivesTheSameTraceAndPictureOnBothDisplays) {
        {"top 783 item 1", "top 783 item 2", "top 783 item 4", "top 783 item 5", "top 783 item 6",
         "top 783 item 8", "top 783 item 9", "top 783 item 10", "sub 783 item 11",
         "top 769 320x220\nsub 769 100x60\ntop 783 item 72"}});
+}
+
+// Edit boxes, lists and combo boxes. A caret that blinks is in no picture.
+constexpr char kFields[] = R"(
+click 60 22 1      # selects all
+key a
+key b
+key -
+key c
+key Left
+key d
+key BackSpace
+key Home
+key Delete
+wait 700
+click 60 22 1; click 60 22 1   # a word
+key x
+down
+move 200 30
+up
+)";
+constexpr char kMoving[] = R"(
+key Return         # to the next box
+hold Tab           # to the list
+release Tab
+key Down
+key End
+click 60 106 1
+click 190 106 1    # two items take turns
+click 220 60 1     # reports, and takes no keyboard
+hold Tab
+release Tab
+key Escape
+)";
+
+XwWindow* MakeFields() {
+  static const char* const kRows[] = {"One", "Two", "Three", "Four", "Five", "Six", nullptr};
+  static const char* const kPair[] = {"On", "Off", nullptr};
+  top = XwCreate(0, 200, 200, 320, 220, Handle);
+  XwSetGround(top, nullptr, 1);
+  XwEditBox(top, "Text", 1, 10, 10, 140, 24, kOn);
+  XwEditBox(top, "", 2, 10, 48, 140, 24, kOn);
+  XwEditBox(top, "fixed", 3, 160, 48, 140, 24, kOn | XWC_VARIANT);
+  XwListBox(top, kRows, 4, 10, 86, 120, 70, kOn);
+  XwComboBox(top, kPair, 5, 160, 90, 120, 26, kOn, 0);
+  support::HookTrace(top, "top");
+  XwShow(top, 1);
+  XwSetFocus(top);
+  return top;
+}
+
+TEST(FieldScript, GivesTheSameTraceAndPictureOnBothDisplays) {
+  using displays::Act;
+  displays::ExpectTheSame(
+      {MakeFields,
+       {{kFields, Act::kPicture}, {kMoving, Act::kPicture}, {"close\n"}},
+       false,
+       {"top 788 item 1 value 1", "top 789 item 1", "top 790 item 1", "top 783 item 3",
+        "top 783 item 4", "top 783 item 5"}});
 }
 
 }  // namespace

@@ -165,6 +165,10 @@ Outcome OnX(const Play& play, const std::vector<Picture>& wanted) {
   support::XServer server;
   if (!server.running() || !server.StartManager("openbox")) return {};
   support::XUser user;
+  // A busy machine lets keys be held for long.
+  const uint32_t off = XCB_AUTO_REPEAT_MODE_OFF;
+  xcb_change_keyboard_control(user.connection(), XCB_KB_AUTO_REPEAT_MODE, &off);
+  user.Sync();
   Child child(play, "");
   const xcb_window_t window = user.Find("Script");
   if (!window || !support::Eventually([&] { return user.Focus() == window; })) return {};

@@ -110,6 +110,7 @@ TEST_F(Clipboard, TextsAreMadeValid) {
       {std::string("a\0b\xC3\xA4", 5), "a\uFFFDb\u00E4"},
       {"\xFF\xC3\xA4\xC3", "\uFFFD\u00E4\uFFFD"},
       {"\xEF\xBF\xBD \xF0\x9F\x98\x80", "\uFFFD \U0001F600"},
+      {"12345678\xC3\xA4 1234567\xC3", "12345678\u00E4 1234567\uFFFD"},
       {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
   };
   for (const auto& row : rows) {

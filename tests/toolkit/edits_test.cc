@@ -4,6 +4,7 @@
 
 #include "platform/clipboard/clipboard.h"
 #include "platform/controls/edit_text.h"
+#include "platform/display/cursor.h"
 #include "tests/toolkit/control_stage.h"
 #include "toolkit/core/state.h"
 
@@ -195,6 +196,7 @@ TEST(EditBoxes, ThePointerSelects) {
   press(two);
   release();
   EXPECT_EQ(Came(), "788=1");
+  EXPECT_EQ(OfferedText(Selection::kPrimary), nullptr) << "not the user's selection";
   RunFor(1);
   press(two);
   release();
@@ -378,6 +380,10 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
 
 TEST(EditBoxes, NumbersAndTexts) {
   Boxes s;
+  MoveTo(130, 122);
+  EXPECT_EQ(input::ShownCursor(Native(s.main))->shape, Cursor::kText);
+  MoveTo(300, 122);
+  EXPECT_EQ(input::ShownCursor(Native(s.main))->shape, Cursor::kArrow);
   XwSetValue(s.box, -12);
   EXPECT_EQ(Text(s.box), "-12");
   EXPECT_EQ(XwGetValue(s.box), -12);

@@ -160,6 +160,7 @@ TEST_F(Selections, ALongTextGoesOutInPieces) {
   EXPECT_EQ(c->bytes, second);
 }
 
+// A client that stops in the middle holds nothing up, and what it would have got is freed.
 // A requestor that stops in the middle holds nothing up, and what it would have got is freed.
 TEST_F(Selections, AnAskerThatStopsIsGivenUp) {
   auto freed = [this](SharedText text) {

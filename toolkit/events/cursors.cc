@@ -1,5 +1,6 @@
 #include "toolkit/events/cursors.h"
 
+#include "platform/controls/controls.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
@@ -115,7 +116,10 @@ void ChooseCursor(XwWindow* w, Point where) {
     XwCocoaSetCursor(w, GrabCursor);
     return;
   }
-  XwWindow* sub = FindVirtualWindow(w, where.x - w->x, where.y - w->y);
+  const Point at{where.x - w->x, where.y - w->y};
+  if (CursorRef of_control = FindControlCursor(at, NativeWindow(w)))
+    return ShowCursor(NativeWindow(w), of_control);
+  XwWindow* sub = FindVirtualWindow(w, at.x, at.y);
   XwCocoaSetCursor(w, sub ? sub->cursor : w->cursor);
 }
 
