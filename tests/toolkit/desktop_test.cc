@@ -29,7 +29,8 @@ TEST(Desktop, MovesAndSizesAreTold) {
       {{120, 130, 420, 400}, "main 768 main 769"},  // one side grew
       {{120, 130, 400, 390}, "main 768 main 769"},  // shrunk
       {{120, 130, 390, 390}, "main 768 main 769"},  // one side shrank
-      {{120, 130, 390, 390}, ""},
+      {{120, 130, 390, 380}, "main 768 main 769"},  // the other side
+      {{120, 130, 390, 380}, ""},
   };
   for (const auto& row : rows) {
     seen.clear();

@@ -107,6 +107,7 @@ TEST_F(Managed, TheProgramsIconComesAfterTheFirstPicture) {
   }
   SetProgramIcon(nullptr, 256);
   SetProgramIcon(small.data(), 257);
+  SetProgramIcon(small.data(), 16);  // in place of the one before
   FlushWindow(w);
   EXPECT_EQ(user().Words(Id(w), "_NET_WM_ICON", 70000).size(), 2 + 16 * 16u);
 }
