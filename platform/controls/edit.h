@@ -24,6 +24,12 @@ struct Edit {
   TextLine line;
   bool laid_out = false;
   int scroll = 0;  // pixels of the line that are left of the view
+  // What was drawn last: so much of the line as a key changes is drawn again.
+  struct {
+    std::string text;
+    int caret = 0, width = 0, scroll = 0;  // pixels
+    bool whole = true;                     // a selection or a text that is being composed showed
+  } drawn;
   // The caret blinks by a timer.
   EventLoopTimerRef blink = nullptr;
   bool caret_off = false;

@@ -1,6 +1,7 @@
 #include "platform/controls/edit_state.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "platform/text/characters.h"
 #include "platform/text/utf8.h"
@@ -13,6 +14,11 @@ constexpr size_t kMostChanges = 500;
 
 // The places for a caret.
 std::vector<size_t> CaretPlaces(const EditState& e, std::string_view text) {
+  if (IsAscii(text)) {
+    std::vector<size_t> places(text.size() + 1);
+    std::iota(places.begin(), places.end(), size_t{0});
+    return places;
+  }
   TextLine line;
   LayOutText(e.font, text, &line);
   std::vector<size_t> places;

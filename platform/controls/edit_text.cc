@@ -117,7 +117,7 @@ void Blink(EventLoopTimerRef, void* control) {
   Edit& e = EditOf(c);
   e.caret_off = !e.caret_off;
   if (!HasCaret(c) || GetCurrentEventTime() >= e.last_input + kBlinkTime) StopBlinking(&e);
-  if (!e.state.selects()) Draw1Control(c);
+  if (!e.state.selects()) RedrawArea(OwnerOf(c), c->pane, CaretRect(c));
 }
 
 void Describe(const Control* c, Description* out) {
@@ -230,9 +230,27 @@ void WakeCaret(Control* c) {
 }
 
 void ShowEdit(Control* c) {
-  EditOf(c).laid_out = false;
+  Edit& e = EditOf(c);
+  e.laid_out = false;
   ScrollToCaret(c);
-  Draw1Control(c);
+  const auto before = std::exchange(
+      e.drawn, {e.state.text, PixelsAt(c, e.state.caret), PixelsBefore(c, LineOf(c).count()),
+                e.scroll, e.state.selects() || !e.state.preedit.empty()});
+  if (before.whole || e.drawn.whole || before.scroll != e.scroll) return Draw1Control(c);
+  const auto same = std::mismatch(before.text.begin(), before.text.end(), e.state.text.begin(),
+                                  e.state.text.end());
+  // The cluster before what has changed may have changed with it.
+  const size_t first = ClusterAt(LineOf(c), size_t(same.second - e.state.text.begin()));
+  const int left = std::min({PixelsBefore(c, first ? first - 1 : 0), before.caret, e.drawn.caret});
+  const bool equal = same.first == before.text.end() && same.second == e.state.text.end();
+  const int right =
+      equal ? std::max(before.caret, e.drawn.caret) : std::max(before.width, e.drawn.width);
+  constexpr int kBeside = 2;  // letters reach out of their advance
+  const int x = EditTextArea(c).left - e.scroll;
+  Rect changed = ControlArea(c);
+  changed.left = std::max(changed.left, x + left - kBeside);
+  changed.right = std::min(changed.right, x + right + kCaretWidth + kBeside);
+  RedrawArea(OwnerOf(c), c->pane, changed);
 }
 
 ControlRef CreateEditTextControl(PaneRef pane, const Rect& bounds) {

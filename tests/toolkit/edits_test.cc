@@ -373,6 +373,15 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
   EXPECT_EQ(look(), on) << "it rests";
   RunFor(0.6);
   EXPECT_EQ(look(), on);
+  // What a key draws again is what all of the box would be.
+  for (uint32_t key :
+       {uint32_t{'f'}, kLeft, kLeft, uint32_t{'W'}, kBack, kDelete, kHome, uint32_t{'j'}}) {
+    Type(key, key < 0x80 ? key : 0);
+    const auto part = look();
+    Draw1Control(static_cast<ControlRef>(s.box->platform));
+    RunFor(0.001);
+    EXPECT_EQ(look(), part) << key;
+  }
   const auto presented = input::Counts().presented_pixels;
   Type('x', 'x');
   EXPECT_LE(input::Counts().presented_pixels - presented, 130 * 34) << "the box alone is drawn";
