@@ -85,7 +85,8 @@ struct ComboScreen : ControlScreen {
     Settle();
   }
   Description What() {
-    for (const DescribedNode& n : DescribeTree()[0].children)
+    const std::vector<DescribedNode> roots = DescribeTree();
+    for (const DescribedNode& n : roots[0].children)
       if (n.what.role == ObjectRole::kPopUpButton) return n.what;
     return {};
   }
