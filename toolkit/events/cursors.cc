@@ -82,6 +82,7 @@ static void DrawArt(const void* art, uint32_t* argb) {
 
 void FillCursorTable() {
   for (int i = 0; i < XW_CURSORS; ++i) {
+    if (XWcursors[i]) continue;  // of a session before
     switch (i) {
       case 0:
         XWcursors[i] = Desktop(DesktopCursor::kArrow);
