@@ -65,8 +65,6 @@ struct KindRow {
   void (*press_other)(Control* c, Point where, int button) = nullptr;
   // Text can be selected in it, which the pointer's shape says.
   bool text_cursor = false;
-  // Whether it takes this key before a menu may.
-  bool (*takes)(const Control* c, const Event& key) = nullptr;
   // The keyboard came or went, or its window became the active one.
   void (*focused)(Control* c, bool gained) = nullptr;
 };

@@ -71,7 +71,6 @@ void StopEditScrolling(Edit* e);
 
 // --- edit_keys.cc
 bool EditKey(Control* c, const Event& e);
-bool EditTakesKey(const Control* c, const Event& e);
 // The user has selected something: it becomes the primary selection.
 void OfferSelection(const Control* c);
 void Paste(Control* c, Selection from, size_t at = kAtSelection);

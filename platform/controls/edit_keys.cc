@@ -163,12 +163,6 @@ void Tell(Control* c) {
   SendControlEvent(c, kEventControlTextChanged);
 }
 
-bool IsMove(uint8_t character) {
-  for (const MoveRow& row : kMoves)
-    if (row.character == character) return true;
-  return false;
-}
-
 }  // namespace
 
 void OfferSelection(const Control* c) {
@@ -221,14 +215,6 @@ void OpenEditMenu(Control* c, Point at) {
   if (Do(c, kCommands[chosen - 1].command)) Tell(c);
 }
 
-bool EditTakesKey(const Control*, const Event& e) {
-  if (ShortcutOf(e) != Command::kSeparator) return true;
-  if (e.key.modifiers & (kHeld & ~kShift)) return false;
-  const uint8_t character = e.key.character;
-  return e.key.text[0] || IsMove(character) || character == kReturnKey || character == kEnterKey ||
-         character == kEscapeKey;
-}
-
 bool EditKey(Control* c, const Event& e) {
   if (e.key.keysym == kMenuKeysym) {
     if (e.kind == kEventRawKeyDown) {
@@ -252,7 +238,8 @@ bool EditKey(Control* c, const Event& e) {
   else
     changed = Apply(c, key);
   if (changed && !filtered) Tell(c);
-  return filtered || shortcut != Command::kSeparator || IsMove(e.key.character);
+  // What else is held with Control may be a menu's as well.
+  return filtered || shortcut != Command::kSeparator;
 }
 
 }  // namespace platform

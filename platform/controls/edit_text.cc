@@ -157,7 +157,6 @@ constexpr KindRow MakeKind() {
   kind.lost = LoseEdit;
   kind.press_other = PressEditWithOther;
   kind.key = EditKey;
-  kind.takes = EditTakesKey;
   kind.focused = Focused;
   kind.describe = Describe;
   kind.border = Border;
@@ -309,11 +308,6 @@ void SetEditPreedit(ControlRef c, const char* utf8) {
 
 Rect GetEditCaret(ControlRef c) {
   return Find(c) && OwnerOf(c).focus == c ? CaretRect(c) : Rect();
-}
-
-bool FocusTakesKey(WindowRef w, const Event& key) {
-  const Control* c = GetKeyboardFocus(w);
-  return c && c->kind->takes && c->kind->takes(c, key);
 }
 
 }  // namespace platform

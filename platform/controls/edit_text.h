@@ -33,7 +33,5 @@ void SelectEditText(ControlRef c, int first, int last);
 void SetEditPreedit(ControlRef c, const char* utf8);
 // In the content of the window; empty while the box has not the keyboard.
 Rect GetEditCaret(ControlRef c);
-// Whether the control with the keyboard takes this key before a menu may.
-bool FocusTakesKey(WindowRef w, const Event& key);
 
 }  // namespace platform

@@ -36,7 +36,7 @@ void FocusPart(XwWindow* box, int part) {
     box->flags &= uint8_t(~XW_EDITING);
     if (had && part) Post(box, XWE_EDIT_DONE, 0);
     if (had) Post(box, XWE_EDIT_SELECT, 0);
-  } else if (!had && part != kControlFocusPrevPart) {
+  } else if (!had) {
     Post(box, XWE_EDIT_SELECT, 1);
     box->flags |= XW_EDITING;
   }

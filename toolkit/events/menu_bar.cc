@@ -1,6 +1,5 @@
 #include "toolkit/events/menu_bar.h"
 
-#include "platform/controls/edit_text.h"
 #include "platform/input/translate.h"
 #include "platform/loop/tracking.h"
 #include "toolkit/core/alive.h"
@@ -44,7 +43,6 @@ void OpenRequestedMenu() {
 
 OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
   if (event->key.ignored || !IsLive(W_MenuBar) || ModalKeepsOut(W_Start)) return eventNotHandledErr;
-  if (FocusTakesKey(event->window, *event)) return eventNotHandledErr;
   const int type = Inp.type;
   const uint32_t modifiers = ModifierBits(event->key.modifiers);
   MenuKeyHit hit = FindMenuKey(type, modifiers);
@@ -55,7 +53,6 @@ OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
     SendEventToEventTarget(&opening, GetMenuEventTarget(hit.menu));
     // The program may have changed the menu.
     hit = FindMenuKey(type, modifiers);
-    event->key.ignored = hit.record;  // it has done its work
     if (hit.record) SendCommand(hit.menu, uint32_t(hit.record->id));
   } else if ((type == 'q' || type == 'Q') && modifiers == XWS_CONTROL &&
              !MenuBarHasKey('q', XWS_CONTROL)) {
