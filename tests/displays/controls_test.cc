@@ -174,12 +174,11 @@ XwWindow* MakeFields() {
 
 TEST(FieldScript, GivesTheSameTraceAndPictureOnBothDisplays) {
   using displays::Act;
-  displays::ExpectTheSame(
-      {MakeFields,
-       {{kFields, Act::kPicture}, {kMoving, Act::kPicture}, {"close\n"}},
-       false,
-       {"top 788 item 1 value 1", "top 789 item 1", "top 790 item 1", "top 783 item 3",
-        "top 783 item 4", "top 783 item 5"}});
+  displays::ExpectTheSame({MakeFields,
+                           {{kFields, Act::kPicture}, {kMoving, Act::kPicture}, {"close\n"}},
+                           false,
+                           {"top 788 item 1 value 1", "top 789 item 1", "top 790 item 1",
+                            "top 783 item 3", "top 783 item 4", "top 783 item 5"}});
 }
 
 }  // namespace
