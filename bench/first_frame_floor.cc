@@ -1,6 +1,7 @@
 // The least work that shows the example's window: one connection, one window, one shared segment,
-// two font files opened by their paths. No event is looked at, nothing is laid out.
-//   first_frame_floor <regular.ttf> <bold.ttf> <width> <height>
+// two font files opened by their paths. No event is looked at, nothing is laid out. With a number
+// of rows, it first makes as many texts and keeps a copy of each in a bare array, as for a list.
+//   first_frame_floor <regular.ttf> <bold.ttf> <width> <height> <rows>
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include <sys/ipc.h>
@@ -10,6 +11,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -18,6 +20,7 @@ namespace {
 constexpr int kBar = 24;
 int width, height;
 uint32_t* pixels;
+char** volatile kept;  // so that the copies are made
 
 void Fill(int left, int top, int right, int bottom, uint32_t color) {
   for (int y = top; y < bottom; ++y) {
@@ -77,10 +80,19 @@ void Paint(const char* regular_path, const char* bold_path) {
   Fill(100, kBar + 106, 221, kBar + 107, 0xFF3875D7);
 }
 
+// As lists_window.c makes them.
+void KeepRows(int count) {
+  auto* texts = static_cast<char(*)[16]>(malloc(size_t(count) * 16));
+  auto** copies = static_cast<char**>(malloc(size_t(count) * sizeof(char*)));
+  for (int i = 0; i < count; ++i) snprintf(texts[i], sizeof texts[i], "Job %d", i + 1);
+  for (int i = 0; i < count; ++i) copies[i] = strdup(texts[i]);
+  kept = copies;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5) return 2;
+  if (argc != 6) return 2;
   width = atoi(argv[3]);
   height = atoi(argv[4]);
   if (width < 320 || height < 184) return 2;
@@ -102,6 +114,7 @@ int main(int argc, char** argv) {
   pixels = static_cast<uint32_t*>(shmat(id, nullptr, 0));
   const xcb_shm_seg_t segment = xcb_generate_id(c);
   xcb_shm_attach(c, segment, uint32_t(id), 1);
+  KeepRows(atoi(argv[5]));
   Paint(argv[1], argv[2]);
   xcb_shm_put_image(c, window, gc, uint16_t(width), uint16_t(height), 0, 0, uint16_t(width),
                     uint16_t(height), 0, 0, screen->root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0,

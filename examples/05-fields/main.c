@@ -10,7 +10,7 @@ enum { INK = 0x1D2022, GREY = 0x646A6E, NONE = -1 };
 enum { NAME = 1, COPIES = 2, NOTE = 3, PATH = 4, OFF_BOX = 5, SEARCH = 6, FORMAT = 7 };
 enum { COPY = 20, PASTE = 21, RENAME = 22, CLEAR = 23 };
 enum { ON = XWC_ENABLED | XWC_VISIBLE };
-enum { LEFT = 20, FIELD = 110, WIDTH = 250, STEP = 34 };
+enum { LEFT = 20, FIELD = 110, WIDTH = 290, STEP = 34 };
 
 static XwWindow *window, *boxes[8], *status;
 static XwFont* caption;
@@ -105,8 +105,9 @@ static void MakeBoxes(void) {
   Field(2, "Note", NOTE, WIDTH, ON);
   Field(3, "Folder", PATH, WIDTH, ON | XWC_VARIANT);
   Field(4, "Out of use", OFF_BOX, WIDTH, XWC_VISIBLE);
-  boxes[FORMAT] =
-      XwComboBox(window, formats, FORMAT, FIELD + 130, 32 + STEP, 120, 24, ON | XWC_EDITABLE, 0);
+  XwLabel(window, "Format", 0, FIELD + 70, 34 + STEP, 92, 20, ON | XWC_RIGHT | XWC_COLON);
+  boxes[FORMAT] = XwComboBox(window, formats, FORMAT, FIELD + WIDTH - 120, 32 + STEP, 120, 24,
+                             ON | XWC_EDITABLE, 0);
   Field(5, "Search", SEARCH, WIDTH, ON | XWC_DROPS_FOCUS);
   XwSetText(boxes[NAME], "report-2026.pdf");
   XwSetValue(boxes[COPIES], 2);
@@ -123,7 +124,7 @@ int main(void) {
   window = XwCreate(0, 200, 160, 420, 372, Handle);
   if (!window) return 1;
   XwSetGround(window, NULL, 2);
-  caption = LoadFont("Lucida Grande Bold", 10, 0);
+  caption = LoadFont(XWF_BOLD->name, 11, 0);
   MakeBoxes();
   XwButton(window, "Rename", RENAME, LEFT - 2, 270, 86, 26, ON, 0);
   XwButton(window, "Copy", COPY, FIELD + WIDTH - 220, 310, 70, 26, ON, 0);
