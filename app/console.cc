@@ -340,8 +340,7 @@ void StopKey(Console* c, int type) {
     case FocusStop::kPrinter:
       if (go || type == XWE_DOWN) OpenPrinterList(c);
       break;
-    case FocusStop::kCopies:
-      ChangeCopies(c, Step(type, 10));
+    case FocusStop::kCopies:  // its box has taken them
       break;
     case FocusStop::kPriority:
       ChangePriority(c, Step(type, 10));
@@ -465,6 +464,11 @@ int Handle(int type) {
     case XWE_SCROLLING:
     case XWE_SCROLLED:
       UseControl(c, Inp.item, int(Inp.value));
+      break;
+    case XWE_EDIT_SELECT:
+    case XWE_EDIT_CHANGED:
+    case XWE_EDIT_DONE:
+      EditCopies(c, Inp.type, Inp.value == 1);
       break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));

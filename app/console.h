@@ -32,7 +32,12 @@ enum Owner {
 // Parts of the tools.
 enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kHold };
 // Ids of controls; those of a table's heads follow its own.
-enum ControlId { kPriorityControl = 1, kFilesControls = 100, kQueueControls = 200 };
+enum ControlId {
+  kPriorityControl = 1,
+  kCopiesControl = 2,
+  kFilesControls = 100,
+  kQueueControls = 200
+};
 // Parts of the status line.
 enum StatusPart { kServer = 1, kStopSending };
 
@@ -79,6 +84,7 @@ struct Console {
 
   XwWindow* window = nullptr;
   XwWindow* priority = nullptr;  // the slider
+  XwWindow* copies = nullptr;    // the edit box
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -193,7 +199,10 @@ bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
 // The printer that the next file goes to; null when no list is known.
 const NC_Printer* ChosenPrinter(const Console* c);
+constexpr int kMostCopies = 999;
 void ChangeCopies(Console* c, int by);
+// A report of the box: 788 (gained or lost), 789, 790.
+void EditCopies(Console* c, int type, bool gained);
 void ChangePriority(Console* c, int by);
 // The slider has been moved.
 void SlidePriority(Console* c, int value);

@@ -8,8 +8,6 @@
 namespace console {
 namespace {
 
-constexpr int kMostCopies = 999;
-
 ButtonState StateOf(const Console* c, int tool, bool enabled) {
   return ButtonAt(c, {kTools, tool, 0}, enabled);
 }
@@ -48,19 +46,12 @@ void DrawPrinterField(const Console* c) {
   DrawLabel(l.normal, Align::kLeft, a, p ? Shown(p->name) : Shown(c->choice.printer), ink);
 }
 
+// The box between the buttons is a control.
 void DrawCopies(const Console* c) {
   const Style& l = TheStyle();
-  const Area field = c->layout.copies;
   DrawLabel(l.normal, Align::kRight, c->layout.copies_label, "Copies", l.ink);
-  if (HasKeyboard(c, FocusStop::kCopies))
-    DrawFocusRing({c->layout.less.x, field.y, c->layout.more.right() - c->layout.less.x, field.h},
-                  4, l.tool_bar);
   DrawIconButton(c, kLess, c->layout.less, ToolIcon::kMinus, c->choice.copies > 1);
   DrawIconButton(c, kMore, c->layout.more, ToolIcon::kPlus, c->choice.copies < kMostCopies);
-  Fill({field.x - 1, field.y, field.w + 2, field.h}, l.document);
-  XwSetColor(l.line);
-  XwDrawRect(field.x - 1, field.y, field.w + 2, field.h);
-  DrawLabel(l.normal, Align::kCenter, field, std::to_string(c->choice.copies), l.ink);
 }
 
 // The slider itself is a control.
@@ -150,6 +141,7 @@ const NC_Printer* ChosenPrinter(const Console* c) {
 
 void ChangeCopies(Console* c, int by) {
   c->choice.copies = std::clamp(c->choice.copies + by, 1, kMostCopies);
+  XwSetValue(c->copies, c->choice.copies);
   c->damage |= kToolsPane;
 }
 

@@ -180,9 +180,10 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
 
   // Tab goes round; each stop takes its keys.
   for (int i = 0; i < int(FocusStop::kCopies); ++i) Key(kTabKey);
-  Key(0xFF52);
-  Key(0xFF55);
+  for (char digit : {'1', '2', 'x'}) Key(uint8_t(digit), uint8_t(digit));
   EXPECT_EQ(c_->choice.copies, 12);
+  for (char digit : {'0', '0'}) Key(uint8_t(digit), uint8_t(digit));
+  EXPECT_EQ(c_->choice.copies, 12) << "of 12x00, and never too many";
   Key(kTabKey);
   Key(0xFF57);
   EXPECT_EQ(c_->choice.priority, 100);

@@ -122,16 +122,16 @@ TEST(EditBoxes, KeysEditAndEndAsOneEventEach) {
   for (uint32_t key : {kLeft, kRight}) {
     Type('a', 'a', controlKey);
     Type(key);
-    TypeText("-");
+    TypeText(key == kLeft ? "<" : ">");
   }
-  EXPECT_EQ(Text(s.box), "-xyz-") << "a selection ends at the side to which the caret goes";
+  EXPECT_EQ(Text(s.box), "<xyz>") << "a selection ends at the side to which the caret goes";
   Type('a', 'a', controlKey);
   Type(kBack);
   Type('z', 'z', controlKey);
   Type('c', 'C', controlKey | shiftKey);
   EXPECT_EQ(OfferedText(Selection::kClipboard)->find('x'), std::string::npos) << "Control alone";
   Type(kInsert, 0, controlKey);
-  EXPECT_EQ(*OfferedText(Selection::kClipboard), "-xyz-") << "what was deleted is selected again";
+  EXPECT_EQ(*OfferedText(Selection::kClipboard), "<xyz>") << "what was deleted is selected again";
   XwSetText(s.box, "");
   EXPECT_EQ(Type(kKeypadDecimal, ','), "789");
   EXPECT_EQ(Text(s.box), ".");
@@ -254,7 +254,7 @@ TEST(EditBoxes, ThePointerSelects) {
   press(one);
   release();
   input::Modifiers(0);
-  EXPECT_EQ(OfferedText(Selection::kPrimary)->size(), 3u);
+  EXPECT_NE(*OfferedText(Selection::kPrimary), "ne ") << "a longer or shorter one";
   XwSetText(s.box, "one two three four five six seven eight nine ten");
   RunFor(1);
   Type(kHome);
