@@ -262,7 +262,9 @@ TEST(Combos, AnEditableOneFillsItsBox) {
   EXPECT_EQ(box->x + box->width, 115);
   EXPECT_EQ(s.Text(), "");
   EXPECT_EQ(XwGetValue(s.combo), -1);
-  EXPECT_EQ(User({s.Press(), Look, ClickItem("Office")}), "7=3");
+  EXPECT_EQ(User({s.Press(), Look, [] { EXPECT_LT(OpenMenu().what.bounds.top, 130); },
+                  ClickItem("Office")}),
+            "7=3");
   EXPECT_EQ(shown, "Proof Wide - Office Label") << "no tick, nothing selected";
   EXPECT_EQ(s.Text(), "Office");
   EXPECT_EQ(XwGetValue(s.combo), -1);
