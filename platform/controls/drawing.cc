@@ -57,8 +57,13 @@ void DrawRing(ContextRef context, const Control* c) {
 
 // Whether some of the ring may lie in an area.
 bool RingMeets(const Control* c, const Rect& area) {
+  if (!Meets(RingArea(c), area)) return false;
   int corner;
-  return Meets(RingArea(c), area) && Intersect(BorderOf(c, &corner), area) != area;
+  Rect inside = BorderOf(c, &corner);
+  // Its round corners reach into the border's.
+  inside.left += corner;
+  inside.right -= corner;
+  return Intersect(inside, area) != area;
 }
 
 // The clip of the context: a part of a pane.

@@ -416,6 +416,10 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
     RunFor(0.001);
     EXPECT_EQ(look(), part) << key;
   }
+  const auto whole = look();
+  RedrawPane(RootPane(Native(s.main)), {0, 0, 200, 60});
+  RunFor(0.001);
+  EXPECT_EQ(look(), whole) << "the ring's corners are whole";
   const auto presented = input::Counts().presented_pixels;
   Type('x', 'x');
   EXPECT_LE(input::Counts().presented_pixels - presented, 130 * 34) << "the box alone is drawn";
