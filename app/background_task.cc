@@ -11,7 +11,7 @@
 namespace console {
 namespace {
 
-// Threads that hang at the same time: whoever tries again and again gets a failure then.
+// Threads that hang at the same time: a caller that tries again and again gets a failure then.
 constexpr size_t kMostDropped = 32;
 
 }  // namespace

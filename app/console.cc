@@ -20,8 +20,8 @@ constexpr int kLastWaitMs = 50;
 Console* g_console;
 
 std::vector<Column> FileColumns() {
-  return {{"Name", 220, 1, Align::kLeft, true, 0, 12, 21},
-          {"Size", 110, 0, Align::kRight, true, 0, 12},
+  return {{"Name", 220, 1, Align::kLeft, true, 0, 12},
+          {"Size", 110, 0, Align::kRight, true, 0, 6},
           {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
 }
 
@@ -52,8 +52,7 @@ void AddAllHits(Console* c) {
 
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height);
-  c->files.Place(c->layout.folder);
-  c->queue.Place(c->layout.queue);
+  PlaceControls(c);
   c->damage |= kAllPanes;
 }
 
@@ -96,11 +95,15 @@ void SetHover(Console* c, const Hit& hit) {
   }
 }
 
+}  // namespace
+
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
   c->damage |= kToolsPane | kFolderPane | kQueuePane;
 }
+
+namespace {
 
 // What follows a change of the folder's selection.
 void FilesChanged(Console* c) {
@@ -131,11 +134,11 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
   Table& table = files ? c->files : c->queue;
   if (IsBorder(hit)) {
     if (twice) table.ResetColumns();
-    table.Press(hit, Inp.px, Inp.py);
+    table.Press(hit, Inp.px);
     return;
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  table.Press(hit, Inp.px, Inp.py);
+  table.Press(hit, Inp.px);
   if (!files) c->missing = {};
   c->damage |= PaneOf(hit);
   if (!files) return;
@@ -162,10 +165,6 @@ void Press(Console* c) {
   c->pressed = hit;
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
-  if (hit == Hit{kTools, kSlider, 0}) {
-    SetFocusStop(c, FocusStop::kPriority);
-    SlidePriority(c, Inp.px);
-  }
   if (hit == Hit{kTools, kPrinter, 0}) {
     SetFocusStop(c, FocusStop::kPrinter);
     OpenPrinterList(c);
@@ -218,9 +217,6 @@ void Use(Console* c, const Hit& hit) {
     case kTools:
       UseTool(c, hit.part);
       break;
-    case kFiles:
-      if (hit.part == Table::kHeader) SortBy(c, hit.index);
-      break;
     case kPlaces:
       EnterFolder(c, c->places[size_t(hit.index)].path, "");
       break;
@@ -258,8 +254,7 @@ void Release(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  if (c->pressed == Hit{kTools, kSlider, 0}) return SlidePriority(c, Inp.px);
-  const bool files = c->files.Drag(Inp.px, Inp.py), queue = c->queue.Drag(Inp.px, Inp.py);
+  const bool files = c->files.Drag(Inp.px), queue = c->queue.Drag(Inp.px);
   if (files) c->damage |= kFolderPane;
   if (queue) c->damage |= kQueuePane;
   if (files || queue) c->last_press = 0;  // what was dragged was not clicked
@@ -345,8 +340,7 @@ void StopKey(Console* c, int type) {
     case FocusStop::kPrinter:
       if (go || type == XWE_DOWN) OpenPrinterList(c);
       break;
-    case FocusStop::kCopies:
-      ChangeCopies(c, Step(type, 10));
+    case FocusStop::kCopies:  // its box has taken them
       break;
     case FocusStop::kPriority:
       ChangePriority(c, Step(type, 10));
@@ -466,6 +460,16 @@ int Handle(int type) {
       else
         TakeUpFolder(c, 0);
       break;
+    case XWE_CONTROL:
+    case XWE_SCROLLING:
+    case XWE_SCROLLED:
+      UseControl(c, Inp.item, int(Inp.value));
+      break;
+    case XWE_EDIT_SELECT:
+    case XWE_EDIT_CHANGED:
+    case XWE_EDIT_DONE:
+      EditCopies(c, Inp.type, Inp.value == 1);
+      break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
       break;
@@ -518,6 +522,7 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   SetUpProgramIcon();
+  MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
   c->folder.Begin(start);
@@ -555,6 +560,7 @@ ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled) {
 
 void DrawConsole(Console* c) {
   if (!c->damage) return;
+  UpdateControls(c);
   unsigned damage = c->damage;
   if (c->asking) damage = kAllPanes;
   // What the list lies over is drawn again below it.

@@ -30,11 +30,18 @@ enum Owner {
 };
 
 // Parts of the tools.
-enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kSlider, kHold };
+enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kHold };
+// Ids of controls; those of a table's heads follow its own.
+enum ControlId {
+  kPriorityControl = 1,
+  kCopiesControl = 2,
+  kFilesControls = 100,
+  kQueueControls = 200
+};
 // Parts of the status line.
 enum StatusPart { kServer = 1, kStopSending };
 
-// Panes, as bits: what is to be drawn anew.
+// Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
   kToolsPane = 1,
   kPlacesPane = 2,
@@ -64,6 +71,7 @@ struct QueueRow {
   bool operator==(const QueueRow&) const = default;
 };
 
+constexpr int kMostPriority = 100;
 // How the next file is printed.
 struct PrintChoice {
   std::string printer;  // its name, "" as long as none is chosen: the server's default
@@ -75,6 +83,8 @@ struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
+  XwWindow* priority = nullptr;  // the slider
+  XwWindow* copies = nullptr;    // the edit box
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -135,11 +145,22 @@ void Tell(Console* c, bool good, const std::string& utf8);
 void DrawConsole(Console* c);
 // How a button looks that can be hit there.
 ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
+void SetFocusStop(Console* c, FocusStop stop);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
   return c->active && c->stop == stop && !c->asking;
 }
+
+// --- The controls (controls.cc)
+void MakeControls(Console* c);
+// Where the layout says.
+void PlaceControls(Console* c);
+// They follow what the window shows: what lies over the tables hides theirs, a question stops the
+// slider, which has the keyboard at its stop.
+void UpdateControls(Console* c);
+// What one reports.
+void UseControl(Console* c, int id, int value);
 
 // --- The folder (folder_pane.cc)
 void DrawFolderPane(Console* c);
@@ -178,10 +199,13 @@ bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
 // The printer that the next file goes to; null when no list is known.
 const NC_Printer* ChosenPrinter(const Console* c);
+constexpr int kMostCopies = 999;
 void ChangeCopies(Console* c, int by);
+// A report of the box: 788 (gained or lost), 789, 790.
+void EditCopies(Console* c, int type, bool gained);
 void ChangePriority(Console* c, int by);
-// To where the pointer is on the slider.
-void SlidePriority(Console* c, int px);
+// The slider has been moved.
+void SlidePriority(Console* c, int value);
 void OpenPrinterList(Console* c);
 void ClosePrinterList(Console* c);
 void ChoosePrinter(Console* c, int row);

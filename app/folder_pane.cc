@@ -42,9 +42,9 @@ void DrawHeadText(const Console* c) {
 // From the right, as many as there is room for; the last one is the folder itself.
 std::vector<Crumb> LayOutCrumbs(const Console* c) {
   const Style& l = TheStyle();
-  Area strip = c->layout.folder_head.Inset(12, 0);
-  strip.h -= 1;
-  strip.TakeRight(HeadTextWidth(c));
+  Area bar = c->layout.folder_head.Inset(12, 0);
+  bar.h -= 1;
+  bar.TakeRight(HeadTextWidth(c));
   std::vector<Crumb> crumbs;
   for (std::string path = c->folder.path();; path = ParentPath(path)) {
     crumbs.insert(crumbs.begin(), {path, path == "/" ? "Root" : Shown(LastName(path)), {}});
@@ -55,15 +55,15 @@ std::vector<Crumb> LayOutCrumbs(const Console* c) {
   while (first > 0) {
     XwFont* font = first == crumbs.size() ? l.bold : l.normal;
     const int w = XwTextWidthUtf8(font, crumbs[first - 1].text.c_str()) + 1;
-    if (first < crumbs.size() && width + w + 18 > strip.w) break;
+    if (first < crumbs.size() && width + w + 18 > bar.w) break;
     crumbs[--first].area.w = w;
     width += w + 18;
   }
   crumbs.erase(crumbs.begin(), crumbs.begin() + int(first));
   for (Crumb& crumb : crumbs) {
     const int w = crumb.area.w;
-    crumb.area = strip.TakeLeft(w);
-    strip.TakeLeft(18);
+    crumb.area = bar.TakeLeft(w);
+    bar.TakeLeft(18);
   }
   return crumbs;
 }

@@ -18,7 +18,7 @@ FolderStamp StampOf(const std::string& path) {
 
 // 0, or the error.
 int List(const std::string& path, FolderListing* out) {
-  // Before it is read: what changes meanwhile is seen by the next watch.
+  // Before it is read: what changes until then is seen by the next watch.
   out->path = path;
   out->stamp = StampOf(path);
   out->entries.reset(OS_ListDirN(path.c_str(), nullptr, &out->count, kTypes, 0));

@@ -1,4 +1,4 @@
-// Signs on buttons, and the icons of files.
+// Pictures on buttons, and the icons of files.
 #include <strings.h>
 
 #include "app/style.h"
@@ -10,62 +10,63 @@ namespace {
 constexpr int kSize = 16;
 using Picture = const char* [kSize];
 
-constexpr Picture kPrinterSign = {
+constexpr Picture kPrinterPicture = {
     "                ", "                ", "    ########    ", "    #      #    ",
     "    #      #    ", "    #      #    ", " ############## ", " #            # ",
     " #          # # ", " #            # ", " ############## ", "    #      #    ",
     "    #      #    ", "    ########    ", "                ", "                ",
 };
-constexpr Picture kUpSign = {
+constexpr Picture kUpPicture = {
     "                ", "                ", "                ", "       ##       ",
     "      ####      ", "     ######     ", "    ###  ###    ", "   ###    ###   ",
     "   ##      ##   ", "                ", "                ", "                ",
     "                ", "                ", "                ", "                ",
 };
-constexpr Picture kRefreshSign = {
+constexpr Picture kRefreshPicture = {
     "                ",  "                ",  "          #     ",  "     ##   ##    ",
     "   ########## # ",  "  ###   #######  ", "  ##      ##  #  ", "  #       #      ",
     "  #            # ", "  ##           # ", "  ##          ## ", "   ###       ##  ",
     "    ########## ",   "      ######    ",  "                ",  "                ",
 };
-constexpr Picture kPauseSign = {
+constexpr Picture kPausePicture = {
     "                ", "                ", "                ", "    ###  ###    ",
     "    ###  ###    ", "    ###  ###    ", "    ###  ###    ", "    ###  ###    ",
     "    ###  ###    ", "    ###  ###    ", "    ###  ###    ", "    ###  ###    ",
     "    ###  ###    ", "                ", "                ", "                ",
 };
-constexpr Picture kPlaySign = {
+constexpr Picture kPlayPicture = {
     "                ", "                ", "                ", "    ##          ",
     "    ####        ", "    ######      ", "    ########    ", "    #########   ",
     "    #########   ", "    ########    ", "    ######      ", "    ####        ",
     "    ##          ", "                ", "                ", "                ",
 };
-constexpr Picture kCrossSign = {
+constexpr Picture kCrossPicture = {
     "                ", "                ", "                ", "                ",
     "    ##    ##    ", "    ###  ###    ", "     ######     ", "      ####      ",
     "      ####      ", "     ######     ", "    ###  ###    ", "    ##    ##    ",
     "                ", "                ", "                ", "                ",
 };
-constexpr Picture kPlusSign = {
+constexpr Picture kPlusPicture = {
     "                ", "                ", "                ", "                ",
     "       ##       ", "       ##       ", "       ##       ", "    ########    ",
     "    ########    ", "       ##       ", "       ##       ", "       ##       ",
     "                ", "                ", "                ", "                ",
 };
-constexpr Picture kMinusSign = {
+constexpr Picture kMinusPicture = {
     "                ", "                ", "                ", "                ",
     "                ", "                ", "                ", "    ########    ",
     "    ########    ", "                ", "                ", "                ",
     "                ", "                ", "                ", "                ",
 };
-constexpr Picture kTickSign = {
+constexpr Picture kTickPicture = {
     "                ", "                ", "                ", "            ##  ",
     "           ###  ", "          ###   ", "   ##    ###    ", "   ###  ###     ",
     "    ######      ", "     ####       ", "      ##        ", "                ",
     "                ", "                ", "                ", "                ",
 };
-constexpr const Picture* kIcons[] = {&kPrinterSign, &kUpSign,    &kRefreshSign, &kPauseSign,
-                                     &kPlaySign,    &kCrossSign, &kPlusSign,    &kMinusSign};
+constexpr const Picture* kIcons[] = {&kPrinterPicture, &kUpPicture,   &kRefreshPicture,
+                                     &kPausePicture,   &kPlayPicture, &kCrossPicture,
+                                     &kPlusPicture,    &kMinusPicture};
 
 struct Icon {
   uint8_t bits[kSize * 2] = {};
@@ -145,15 +146,11 @@ void DrawIcon(ToolIcon icon, int x, int y, int32_t ink, int32_t background) {
 }
 
 void DrawTick(int x, int y, int32_t ink) {
-  DrawPicture(&kTickSign, x, y, ink);
+  DrawPicture(&kTickPicture, x, y, ink);
 }
 
 void DrawArrowDown(int x, int y, int32_t ink) {
   for (int row = 0; row < 4; ++row) XwBox(x + row, y + row, 8 - 2 * row, 1, ink);
-}
-
-void DrawArrowUp(int x, int y, int32_t ink) {
-  for (int row = 0; row < 4; ++row) XwBox(x + row, y + 3 - row, 8 - 2 * row, 1, ink);
 }
 
 void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) {

@@ -12,41 +12,41 @@ constexpr int kDetailsFrom = 1080, kDetails = 280;
 // Header and rows of the queue: four rows at least, a third of the height at most.
 constexpr int kQueueLeast = 22 + 4 * 22;
 
-// A control of that width in the middle of the strip's height, and a gap after it.
-Area Next(Area* strip, int width, int gap, int height = kButton) {
-  Area piece = strip->TakeLeft(width);
-  strip->TakeLeft(gap);
+// A control of that width in the middle of the bar's height, and a gap after it.
+Area Next(Area* bar, int width, int gap, int height = kButton) {
+  Area piece = bar->TakeLeft(width);
+  bar->TakeLeft(gap);
   return {piece.x, piece.y + (piece.h - height) / 2, piece.w, height};
 }
 
 void LayOutTools(Layout* l) {
-  Area strip = l->tools.Inset(7, 0);
-  strip.h -= 1;  // the hairline below
+  Area bar = l->tools.Inset(7, 0);
+  bar.h -= 1;  // the hairline below
   // What is spare goes to the printer's name first, then to the slider.
   const int spare = std::max(0, l->tools.w - kLeastWidth);
   const int name = std::min(60, spare), slide = std::clamp(spare - name, 0, 50);
   const int gap = 14 + std::clamp(spare - name - slide, 0, 24) / 4;
-  l->print = Next(&strip, 72, 10);
-  l->up = Next(&strip, 27, 0);
-  l->refresh = Next(&strip, 27, gap);
-  l->printer_label = Next(&strip, 46, 6);
-  l->printer = Next(&strip, 124 + name, gap);
-  l->copies_label = Next(&strip, 46, 6);
-  l->less = Next(&strip, 24, 0);
-  l->copies = Next(&strip, 36, 0);
-  l->more = Next(&strip, 24, gap);
-  l->priority_label = Next(&strip, 49, 6);
-  l->slider = Next(&strip, 64 + slide, 6);
-  l->priority = Next(&strip, 24, gap);
-  l->hold = Next(&strip, 56, 0);
+  l->print = Next(&bar, 72, 10);
+  l->up = Next(&bar, 27, 0);
+  l->refresh = Next(&bar, 27, gap);
+  l->printer_label = Next(&bar, 46, 6);
+  l->printer = Next(&bar, 124 + name, gap);
+  l->copies_label = Next(&bar, 46, 6);
+  l->less = Next(&bar, 24, 0);
+  l->copies = Next(&bar, 36, 0);
+  l->more = Next(&bar, 24, gap);
+  l->priority_label = Next(&bar, 49, 6);
+  l->slider = Next(&bar, 64 + slide, 6);
+  l->priority = Next(&bar, 24, gap);
+  l->hold = Next(&bar, 56, 0);
 }
 
 void LayOutQueueHead(Layout* l) {
-  Area strip = l->queue_head;
-  strip.TakeRight(12);
-  auto last = [&strip](int width) {
-    Area piece = strip.TakeRight(width);
-    strip.TakeRight(6);
+  Area bar = l->queue_head;
+  bar.TakeRight(12);
+  auto last = [&bar](int width) {
+    Area piece = bar.TakeRight(width);
+    bar.TakeRight(6);
     return Area{piece.x, piece.y + 4, piece.w, 22};
   };
   l->remove_job = last(78);

@@ -6,7 +6,7 @@ namespace console {
 
 struct Layout {
   Area tools;
-  // On the tools strip: the button that prints, moving about, and how to print.
+  // On the tool bar: the button that prints, moving about, and how to print.
   Area print, up, refresh;
   Area printer_label, printer;
   Area copies_label, less, copies, more;

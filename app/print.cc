@@ -1,4 +1,4 @@
-// Sending a file to the spool, in pieces, with progress; the lists are served meanwhile.
+// Sending a file to the spool, in pieces, with progress; the lists are served between them.
 #include <cerrno>
 
 #include "app/document.h"

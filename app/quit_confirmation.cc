@@ -34,12 +34,12 @@ Area SheetArea(const Console* c) {
 }
 
 Area ButtonArea(const Console* c, int answer) {
-  Area strip = SheetArea(c).Inset(kBorder, kBorder);
-  strip = strip.TakeBottom(kButtonHeight);
+  Area buttons = SheetArea(c).Inset(kBorder, kBorder);
+  buttons = buttons.TakeBottom(kButtonHeight);
   Area button{};
   for (int i = kKeepOpen; i >= answer; --i) {
-    button = strip.TakeRight(kButtonWidths[i]);
-    strip.TakeRight(kGap);
+    button = buttons.TakeRight(kButtonWidths[i]);
+    buttons.TakeRight(kGap);
   }
   return button;
 }

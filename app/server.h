@@ -2,7 +2,7 @@
 // asks and looks through this room and never waits.
 //
 // The worker keeps a connection for lists and for changes of jobs, and a second one while a file is
-// sent, so that the queue stays alive meanwhile. Every call has a deadline. When the server does
+// sent, so that the queue stays alive. Every call has a deadline. When the server does
 // not answer, the worker says so at once, gives up at the deadline, and tries again by itself after
 // a while that doubles up to fifteen seconds. A file whose sending broke off is sent again when the
 // server is back, unless the queue shows that it had arrived.
@@ -99,12 +99,12 @@ class Server {
   void StopKeeping();
   // The order's number as a transfer.
   int Send(PrintOrder order);
-  // Takes a transfer out, whatever its state; one that has arrived meanwhile is removed as a job.
+  // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
   // Tries a failed one again.
   void Retry(int number);
   void Change(const JobId& id, JobAction action);
-  // Asks anew now; when it is away: tries now.
+  // Asks again now; when it is away: tries now.
   void Refresh();
 
   // What the worker and this side share (server_shared.h).

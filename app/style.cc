@@ -17,10 +17,9 @@ Style MakeStyle() {
   l.accent = c(XWR_ACCENT), l.dark_accent = c(XWR_DARK_ACCENT);
   l.inactive_selection = c(XWR_INACTIVE_SELECTION), l.on_accent = CL_HILIGHTTEXT;
   l.track = c(XWR_TRACK), l.progress_line = c(XWR_PROGRESS_LINE);
-  l.thumb = c(XWR_THUMB), l.held_thumb = c(XWR_HELD_THUMB), l.scroll_ground = c(XWR_SCROLL_GROUND);
+  l.scroll_ground = c(XWR_SCROLL_GROUND);
   l.good = c(XWR_GOOD), l.warning = c(XWR_WARNING), l.bad = c(XWR_BAD);
   l.normal = XWF_NORMAL, l.bold = XWF_BOLD, l.view = XWF_VIEW;
-  l.view_bold = LoadFont(XWF_VIEW->name, XWF_VIEW->size, 1);
   l.small_text = LoadFont(XWF_VIEW->name, 11, 0);
   l.caption = LoadFont(XWF_VIEW->name, 11, 1);
   l.heading = LoadFont(XWF_VIEW->name, 17, 1);

@@ -13,10 +13,10 @@ struct Style {
   int32_t document, row, tool_bar, side, status;
   int32_t ink, second, hairline, line, face, pressed, pressed_line;
   int32_t accent, dark_accent, inactive_selection, on_accent;
-  int32_t track, progress_line, thumb, held_thumb, scroll_ground;
+  int32_t track, progress_line, scroll_ground;
   int32_t good, warning, bad;
   XwFont *normal, *bold;                   // 13: controls and headings
-  XwFont *view, *view_bold;                // 12: tables
+  XwFont* view;                            // 12: tables
   XwFont *small_text, *caption, *heading;  // 11: secondary lines, captions; 17: a page's name
 };
 // Made on the first call, which needs the session.
@@ -56,9 +56,8 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
 void DrawTick(int x, int y, int32_t ink);
-// Triangles in a field of 8 x 5.
+// A triangle in a field of 8 x 5.
 void DrawArrowDown(int x, int y, int32_t ink);
-void DrawArrowUp(int x, int y, int32_t ink);
 
 enum class ToolIcon : uint8_t { kPrinter, kUp, kRefresh, kPause, kPlay, kCross, kPlus, kMinus };
 // In a field of 16 x 16.

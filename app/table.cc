@@ -7,8 +7,78 @@ namespace {
 
 // How far beside a border the pointer may be to take hold of it.
 constexpr int kBorderReach = 4;
+// Where there is the head of a column that sorts, it is taken hold of beside that.
+constexpr int kHeadReach = 6;
+// The text of a head is this far from its left side.
+constexpr int kHeadText = 5;
+// Room for the mark of the column that sorts, at its right.
+constexpr int kMark = 14;
+constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 
 }  // namespace
+
+// --- Controls
+
+void Table::MakeControls(XwWindow* window, int id, const char* name) {
+  id_ = id;
+  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, kRowHeight, 1, 0);
+  XwDescribeControl(bar_, name);
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    const Column& c = columns_[i];
+    const uint32_t align = c.align == Align::kRight ? XWC_RIGHT : XWC_LEFT;
+    heads_.push_back(
+        c.sorts ? XwButton(window, c.title, id + 1 + int(i), 0, 0, 0, 0, kHeadStyle | align, 0)
+                : nullptr);
+  }
+}
+
+void Table::Cover(bool on) {
+  if (covered_ == on) return;
+  covered_ = on;
+  PlaceControls();
+}
+
+int Table::HeadOf(int id) const {
+  const int column = id - id_ - 1;
+  const bool own = bar_ && column >= 0 && size_t(column) < heads_.size();
+  return own && heads_[size_t(column)] ? column : -1;
+}
+
+bool Table::Scrolled(int id, int value) {
+  if (!bar_ || id != id_) return false;
+  ScrollTo(value);
+  return true;
+}
+
+void Table::SetSort(int column, bool descending) {
+  sort_ = column;
+  descending_ = descending;
+  for (size_t i = 0; i < heads_.size(); ++i) {
+    if (!heads_[i]) continue;
+    uint32_t& style = heads_[i]->style;
+    style = descending ? style | XWC_SORT_DOWN : style & ~uint32_t{XWC_SORT_DOWN};
+    XwSetValue(heads_[i], int(i) == column ? 1 : 0);
+  }
+}
+
+namespace {
+
+void PlaceControl(XwWindow* w, const Area& a, bool shown) {
+  if (!w) return;
+  shown = shown && !a.Empty();
+  if (!shown) XwShow(w, 0);
+  if (shown && a != Area{w->x, w->y, w->width, w->height}) XwMove(w, a.x, a.y, a.w, a.h);
+  if (shown) XwShow(w, 1);
+}
+
+}  // namespace
+
+void Table::PlaceControls() {
+  for (size_t i = 0; i < heads_.size(); ++i) PlaceControl(heads_[i], HeadArea(int(i)), !covered_);
+  PlaceControl(bar_, Bar(), !covered_);
+  const int64_t all = std::min<int64_t>(int64_t{rows_} * kRowHeight, INT32_MAX);
+  if (Scrolls()) XwSetScrollRange(bar_, 0, int(all) - 1, kRowHeight, Body().h, top_);
+}
 
 // --- Geometry
 
@@ -17,7 +87,8 @@ void Table::Place(const Area& a) {
                     RowArea(selected_).y < Body().bottom();
   area_ = a;
   LayOutColumns();
-  ScrollTo(top_);
+  top_ = std::clamp(top_, 0, MostTop());
+  PlaceControls();
   if (seen) Reveal(selected_);
 }
 
@@ -25,8 +96,9 @@ void Table::SetRows(int rows) {
   const bool scrolled = Scrolls();
   rows_ = rows < 0 ? 0 : rows;
   if (selected_ >= rows_) selected_ = -1;
-  ScrollTo(top_);
+  top_ = std::clamp(top_, 0, MostTop());
   if (scrolled != Scrolls()) LayOutColumns();
+  PlaceControls();
 }
 
 bool Table::Scrolls() const {
@@ -44,16 +116,6 @@ Area Table::Bar() const {
   Area a = area_;
   a.TakeTop(kHeaderHeight);
   return Scrolls() ? a.TakeRight(kScrollBar) : Area{};
-}
-
-Area Table::Thumb() const {
-  const Area bar = Bar().Inset(0, 2);
-  if (bar.Empty()) return {};
-  const int64_t all = int64_t{rows_} * kRowHeight;
-  const int h = std::max(24, int(bar.h * int64_t{Body().h} / all));
-  if (h >= bar.h) return bar;
-  const int y = MostTop() > 0 ? int(int64_t{bar.h - h} * top_ / MostTop()) : 0;
-  return {bar.x, bar.y + y, bar.w, h};
 }
 
 int Table::MostTop() const {
@@ -133,11 +195,31 @@ int Table::NextColumn(int column) const {
 void Table::ResetColumns() {
   asked_.assign(columns_.size(), 0);
   LayOutColumns();
+  PlaceControls();
 }
 
 Area Table::ColumnArea(int column) const {
   if (column < 0 || size_t(column) >= width_.size() || width_[size_t(column)] == 0) return {};
   return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
+}
+
+// The head's button: its text stands over that of the cells, and the border before it is free.
+Area Table::HeadArea(int column) const {
+  const Area c = ColumnArea(column);
+  if (c.Empty() || area_.h < kHeaderHeight) return {};
+  const int before = std::max(kHeadReach, columns_[size_t(column)].padding - kHeadText);
+  const int right = std::min(c.right() - (NextColumn(column) < 0 ? 0 : 1), area_.right());
+  return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
+}
+
+Area Table::BorderArea(int column) const {
+  const Area c = ColumnArea(column);
+  const int next = NextColumn(column);
+  if (c.Empty() || next < 0) return {};
+  const bool head = columns_[size_t(column)].sorts, next_head = columns_[size_t(next)].sorts;
+  const int left = c.right() - (head ? 1 : kBorderReach);
+  const int right = c.right() + (next_head ? kHeadReach : kBorderReach);
+  return {left, area_.y, right - left, std::min(kHeaderHeight, area_.h)};
 }
 
 Area Table::CellArea(int column, int y, int h) const {
@@ -151,7 +233,9 @@ Area Table::CellArea(int column, int y, int h) const {
 // --- Selection and scrolling
 
 void Table::ScrollTo(int top) {
+  const int before = top_;
   top_ = std::clamp(top, 0, MostTop());
+  if (top_ != before && top_ != XwGetValue(bar_)) PlaceControls();
 }
 
 void Table::Reveal(int row) {
@@ -204,7 +288,7 @@ bool Table::Wheel(float dy) {
   return top_ != before;
 }
 
-bool Table::Press(const Hit& hit, int px, int py) {
+bool Table::Press(const Hit& hit, int px) {
   switch (hit.part) {
     case kRow:
       Select(hit.index);
@@ -212,19 +296,9 @@ bool Table::Press(const Hit& hit, int px, int py) {
     case kBody:
       Select(-1);
       return true;
-    case kBefore:
-      ScrollTo(top_ - Body().h);
-      return true;
-    case kAfter:
-      ScrollTo(top_ + Body().h);
-      return true;
-    case kThumb:
-      dragging_ = kThumb;
-      grip_ = py - Thumb().y;
-      return true;
     case kBorder:
       if (ColumnArea(hit.index).Empty()) return false;
-      dragging_ = kBorder;
+      dragging_ = true;
       border_ = hit.index;
       grip_ = px - ColumnArea(border_).right();
       return true;
@@ -233,18 +307,8 @@ bool Table::Press(const Hit& hit, int px, int py) {
   }
 }
 
-bool Table::Drag(int px, int py) {
-  return dragging_ == kThumb ? DragThumb(py) : dragging_ == kBorder && DragBorder(px);
-}
-
-bool Table::DragThumb(int py) {
-  const Area bar = Bar().Inset(0, 2);
-  const int way = bar.h - Thumb().h, before = top_;
-  if (way > 0) {
-    const int y = std::clamp(py - grip_ - bar.y, 0, way);
-    ScrollTo(int(int64_t{MostTop()} * y / way));
-  }
-  return top_ != before;
+bool Table::Drag(int px) {
+  return dragging_ && DragBorder(px);
 }
 
 bool Table::DragBorder(int px) {
@@ -261,6 +325,7 @@ bool Table::DragBorder(int px) {
   asked_[size_t(border_)] = w;
   asked_[size_t(next)] = both - w;
   LayOutColumns();
+  PlaceControls();
   return true;
 }
 
@@ -284,21 +349,24 @@ void Table::AddHits(Hits* hits) const {
       hits->Add({owner_, kRow, row}, a);
     }
   }
-  for (int i = 0; i < int(columns_.size()); ++i) {
-    if (!columns_[size_t(i)].sorts) continue;
-    Area c = ColumnArea(i);
-    hits->Add({owner_, kHeader, i}, {c.x, area_.y, c.w, std::min(kHeaderHeight, area_.h)});
-  }
-  for (int i = 0; i < int(columns_.size()); ++i) {
-    if (ColumnArea(i).Empty() || NextColumn(i) < 0) continue;
-    hits->Add({owner_, kBorder, i}, {ColumnArea(i).right() - kBorderReach, area_.y,
-                                     2 * kBorderReach, std::min(kHeaderHeight, area_.h)});
-  }
-  if (!Scrolls()) return;
-  const Area bar = Bar(), thumb = Thumb();
-  hits->Add({owner_, kBefore, 0}, {bar.x, bar.y, bar.w, thumb.y - bar.y});
-  hits->Add({owner_, kAfter, 0}, {bar.x, thumb.bottom(), bar.w, bar.bottom() - thumb.bottom()});
-  hits->Add({owner_, kThumb, 0}, thumb);
+  for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));
+}
+
+// What lies around a head's button, or its place while it is covered.
+void Table::DrawHead(int column) const {
+  const Style& l = TheStyle();
+  const Column& c = columns_[size_t(column)];
+  const Area all = ColumnArea(column);
+  Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
+  if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
+  Area text = CellArea(column, head.y, head.h);
+  if (!c.sorts) text.TakeLeft(c.indent);
+  if (!c.sorts) return DrawLabel(l.small_text, c.align, text, c.title, l.ink);
+  if (!covered_) return;
+  const bool right = c.align == Align::kRight;
+  DrawLabel(l.small_text, c.align, column == sort_ && right ? text.Inset(kMark, 0) : text, c.title,
+            l.ink);
 }
 
 void Table::DrawHeader(const Hit& hover) const {
@@ -309,25 +377,11 @@ void Table::DrawHeader(const Hit& hover) const {
   LineAtBottom(head);
   bool lit = false;
   for (int i = 0; i < int(columns_.size()); ++i) {
-    const Column& c = columns_[size_t(i)];
-    const Area column = ColumnArea(i);
-    if (column.Empty()) continue;
-    Area cell = CellArea(i, head.y, head.h - 1);
-    cell.TakeLeft(c.indent);
-    if (hover == Hit{owner_, kHeader, i})
-      Fill({column.x, head.y, column.w, head.h - 1}, Mix(l.pressed, l.tool_bar, 35));
-    if (i == sort_) {
-      const int w = std::min(cell.w - 12, XwTextWidthUtf8(l.view_bold, c.title));
-      if (c.align == Align::kRight) cell.TakeRight(12);
-      const int x = c.align == Align::kRight ? cell.right() + 4 : cell.x + w + 4;
-      (descending_ ? DrawArrowDown : DrawArrowUp)(x, head.y + 9, l.second);
-    }
-    DrawLabel(i == sort_ ? l.view_bold : l.view, c.align, cell, c.title,
-              i == sort_ ? l.ink : l.second);
-    if (c.sorts && column.x > area_.x) Fill({column.x, head.y + 4, 1, head.h - 9}, l.hairline);
+    if (ColumnArea(i).Empty()) continue;
+    DrawHead(i);
     // The border that is under the pointer, at the left of the column behind it.
-    if (lit) Fill({column.x - 1, head.y + 3, 2, head.h - 7}, l.accent);
-    lit = hover == Hit{owner_, kBorder, i} || (dragging_ == kBorder && border_ == i);
+    if (lit) Fill({ColumnArea(i).x - 1, head.y + 3, 2, head.h - 7}, l.accent);
+    lit = hover == Hit{owner_, kBorder, i} || (dragging_ && border_ == i);
   }
 }
 
@@ -355,13 +409,11 @@ void Table::DrawRow(int row, const Hit& hover) const {
   }
 }
 
-void Table::DrawBar(const Hit& hover) const {
+// In place of the control that is covered: without a thumb, since it scrolls nothing now.
+void Table::DrawBar() const {
   const Style& l = TheStyle();
-  const Area bar = Bar(), thumb = Thumb();
-  Fill(bar, l.scroll_ground);
-  LineAtLeft(bar);
-  const bool held = dragging_ == kThumb || hover == Hit{owner_, kThumb, 0};
-  XwRoundBox(bar.x + 4, thumb.y, 8, thumb.h, 4, held ? l.held_thumb : l.thumb, -1);
+  const Area bar = Bar();
+  XwRoundBox(bar.x, bar.y, bar.w, bar.h, 3, l.scroll_ground, l.hairline);
 }
 
 void Table::Draw(const Hit& hover) {
@@ -383,7 +435,7 @@ void Table::Draw(const Hit& hover) {
     }
   }
   XwClip(0, 0, 0, 0);
-  if (Scrolls()) DrawBar(hover);
+  if (Scrolls() && covered_) DrawBar();
 }
 
 }  // namespace console

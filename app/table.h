@@ -1,8 +1,9 @@
-// A table that the program draws: a header that sorts, rows of columns, a selection, scrolling.
+// A table: heads that sort, rows of columns, a selection, scrolling. It draws its rows; the heads
+// of columns that sort and the scroll bar are controls.
 //
 // The table knows nothing of what it shows: it asks for each visible cell to be drawn, and tells by
-// results what the user wants. Whoever owns it places it, enters its areas into the window's hits
-// while drawing, and hands over keys, wheel and pointer.
+// results what the user wants. Its owner places it, enters its areas into the window's hits while
+// drawing, and hands over keys, wheel, pointer and the reports of its controls.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -21,7 +22,7 @@ struct Column {
   bool sorts = false;
   int rank = 0;      // columns of the highest rank go first where the room is too narrow; 0 stays
   int padding = 10;  // left and right
-  int indent = 0;    // of the title, beyond the padding: over the text of cells with an icon
+  int indent = 0;    // of a title that does not sort, beyond the padding: over text behind an icon
 };
 
 // What a cell is drawn on and with.
@@ -39,19 +40,30 @@ class Table {
  public:
   static constexpr int kHeaderHeight = 22, kRowHeight = 22, kScrollBar = 15;
   // Parts of hits; the index is the column or the row. A border is that at a column's right.
-  enum Part { kHeader = 1, kRow, kBody, kThumb, kBefore, kAfter, kBorder };
+  enum Part { kRow = 1, kBody, kBorder };
 
   using DrawCell = std::function<void(int row, int column, const CellLook&)>;
   Table(int owner, std::vector<Column> columns, DrawCell draw)
       : owner_(owner), columns_(std::move(columns)), draw_(std::move(draw)) {}
 
-  // Laid out anew; the selection stays in sight if it was.
+  // Makes its controls in the window: the bar with this id, the head of column n with n + 1 more.
+  // Without them (a null window) it works, and cannot be scrolled or sorted by the pointer. They
+  // end with the window.
+  void MakeControls(XwWindow* window, int id, const char* name);
+  // While something lies over it, it draws what its controls show.
+  void Cover(bool on);
+  // The column whose head has this id; -1 for other ids.
+  int HeadOf(int id) const;
+  // A report of its bar: false when the id is another's.
+  bool Scrolled(int id, int value);
+
+  // Laid out again; the selection stays in sight if it was.
   void Place(const Area& a);
   void SetRows(int rows);
   int rows() const { return rows_; }
   // The row is cut to what exists; below 0 is none. Scrolls it into sight.
   void Select(int row);
-  // The same without scrolling: for a list that was filled anew.
+  // The same without scrolling: for a list that was filled again.
   void KeepSelected(int row) { selected_ = row < rows_ ? row : -1; }
   int selected() const { return selected_; }
   void ScrollTo(int top);
@@ -63,10 +75,7 @@ class Table {
   // Shown in the middle of a table without rows.
   void SetEmptyText(const char* text) { empty_ = text; }
   // The column that shows the arrow, -1 none.
-  void SetSort(int column, bool descending) {
-    sort_ = column;
-    descending_ = descending;
-  }
+  void SetSort(int column, bool descending);
 
   void Draw(const Hit& hover);
   void AddHits(Hits* hits) const;
@@ -75,12 +84,12 @@ class Table {
   bool Key(int type);
   // Logical pixels, positive down. True when something moved.
   bool Wheel(float dy);
-  // A press on a part, at (px, py); then each motion while it is held. True when to be redrawn.
-  // The border of two columns moves room from one to the other; the widths stay in proportion to
-  // the table's from then on.
-  bool Press(const Hit& hit, int px, int py);
-  bool Drag(int px, int py);
-  void Release() { dragging_ = 0; }
+  // A press on a part, in column px of the window; then each motion while it is held. True when to
+  // be redrawn. The border of two columns moves room from one to the other; the widths stay in
+  // proportion to the table's from then on.
+  bool Press(const Hit& hit, int px);
+  bool Drag(int px);
+  void Release() { dragging_ = false; }
   // Columns as wide as they were at first.
   void ResetColumns();
 
@@ -99,16 +108,18 @@ class Table {
   // The next shown column, -1 for none.
   int NextColumn(int column) const;
   bool DragBorder(int px);
-  bool DragThumb(int py);
   int Fits() const { return Body().h / kRowHeight; }
   int MostTop() const;
   bool Scrolls() const;
   Area Bar() const;
-  Area Thumb() const;
+  Area HeadArea(int column) const;
+  Area BorderArea(int column) const;
+  void PlaceControls();
   Area CellArea(int column, int y, int h) const;
+  void DrawHead(int column) const;
   void DrawHeader(const Hit& hover) const;
   void DrawRow(int row, const Hit& hover) const;
-  void DrawBar(const Hit& hover) const;
+  void DrawBar() const;
 
   int owner_;
   std::vector<Column> columns_;
@@ -119,11 +130,15 @@ class Table {
   int rows_ = 0, selected_ = -1, top_ = 0;
   int sort_ = -1;
   bool descending_ = false, focused_ = false, muted_ = false;
-  int dragging_ = 0;  // the part that is held: kThumb, kBorder, 0
-  int border_ = 0;    // of which column
-  int grip_ = 0;      // where in the thumb, or beside the border, it was pressed
-  float wheel_ = 0;   // of a pixel not yet moved
+  bool dragging_ = false;  // a border
+  int border_ = 0;         // of which column
+  int grip_ = 0;           // where beside the border it was pressed
+  float wheel_ = 0;        // of a pixel not yet moved
   const char* empty_ = "";
+  int id_ = 0;
+  bool covered_ = false;
+  XwWindow* bar_ = nullptr;
+  std::vector<XwWindow*> heads_;  // null for columns that do not sort
 };
 
 }  // namespace console

@@ -1,4 +1,4 @@
-// The strip of tools: printing what is selected, and how.
+// The tool bar: printing what is selected, and how.
 #include <algorithm>
 #include <cstring>
 
@@ -7,9 +7,6 @@
 
 namespace console {
 namespace {
-
-constexpr int kMostCopies = 999, kMostPriority = 100;
-constexpr int kKnob = 15;
 
 ButtonState StateOf(const Console* c, int tool, bool enabled) {
   return ButtonAt(c, {kTools, tool, 0}, enabled);
@@ -49,35 +46,18 @@ void DrawPrinterField(const Console* c) {
   DrawLabel(l.normal, Align::kLeft, a, p ? Shown(p->name) : Shown(c->choice.printer), ink);
 }
 
+// The box between the buttons is a control.
 void DrawCopies(const Console* c) {
   const Style& l = TheStyle();
-  const Area field = c->layout.copies;
   DrawLabel(l.normal, Align::kRight, c->layout.copies_label, "Copies", l.ink);
-  if (HasKeyboard(c, FocusStop::kCopies))
-    DrawFocusRing({c->layout.less.x, field.y, c->layout.more.right() - c->layout.less.x, field.h},
-                  4, l.tool_bar);
   DrawIconButton(c, kLess, c->layout.less, ToolIcon::kMinus, c->choice.copies > 1);
   DrawIconButton(c, kMore, c->layout.more, ToolIcon::kPlus, c->choice.copies < kMostCopies);
-  Fill({field.x - 1, field.y, field.w + 2, field.h}, l.document);
-  XwSetColor(l.line);
-  XwDrawRect(field.x - 1, field.y, field.w + 2, field.h);
-  DrawLabel(l.normal, Align::kCenter, field, std::to_string(c->choice.copies), l.ink);
 }
 
-void DrawSlider(const Console* c) {
+// The slider itself is a control.
+void DrawPriority(const Console* c) {
   const Style& l = TheStyle();
-  const Area a = c->layout.slider;
   DrawLabel(l.normal, Align::kRight, c->layout.priority_label, "Priority", l.ink);
-  const int way = a.w - kKnob, x = a.x + way * (c->choice.priority - 1) / (kMostPriority - 1);
-  const int y = a.y + a.h / 2;
-  XwRoundBox(a.x, y - 2, a.w, 4, 2, l.track, -1);
-  XwRoundBox(a.x, y - 2, x - a.x + kKnob / 2, 4, 2, l.accent, -1);
-  const Area knob{x, y - 7, kKnob, kKnob};
-  if (HasKeyboard(c, FocusStop::kPriority)) DrawFocusRing(knob, 7, l.tool_bar);
-  const bool held = c->pressed == Hit{kTools, kSlider, 0};
-  const bool lit = c->hover == Hit{kTools, kSlider, 0};
-  XwRoundBox(knob.x, knob.y, kKnob, kKnob, 7, held ? l.pressed : l.face,
-             held || lit ? l.pressed_line : l.line);
   DrawLabel(l.view, Align::kRight, c->layout.priority, std::to_string(c->choice.priority),
             l.second);
 }
@@ -110,7 +90,7 @@ void DrawToolsPane(Console* c) {
   DrawIconButton(c, kRefresh, c->layout.refresh, ToolIcon::kRefresh, true);
   DrawPrinterField(c);
   DrawCopies(c);
-  DrawSlider(c);
+  DrawPriority(c);
   DrawHold(c);
 }
 
@@ -120,7 +100,7 @@ void AddToolsHits(Console* c) {
     Tool tool;
     const Area& area;
   } kAreas[] = {{kPrint, l.print}, {kUp, l.up},     {kRefresh, l.refresh}, {kPrinter, l.printer},
-                {kLess, l.less},   {kMore, l.more}, {kSlider, l.slider},   {kHold, l.hold}};
+                {kLess, l.less},   {kMore, l.more}, {kHold, l.hold}};
   for (const auto& row : kAreas) c->hits.Add({kTools, row.tool, 0}, row.area);
 }
 
@@ -161,18 +141,17 @@ const NC_Printer* ChosenPrinter(const Console* c) {
 
 void ChangeCopies(Console* c, int by) {
   c->choice.copies = std::clamp(c->choice.copies + by, 1, kMostCopies);
+  XwSetValue(c->copies, c->choice.copies);
   c->damage |= kToolsPane;
 }
 
 void ChangePriority(Console* c, int by) {
-  c->choice.priority = std::clamp(c->choice.priority + by, 1, kMostPriority);
-  c->damage |= kToolsPane;
+  SlidePriority(c, std::clamp(c->choice.priority + by, 1, kMostPriority));
+  XwSetSliderRange(c->priority, 1, kMostPriority, c->choice.priority);
 }
 
-void SlidePriority(Console* c, int px) {
-  const Area a = c->layout.slider;
-  const int way = a.w - kKnob, x = std::clamp(px - a.x - kKnob / 2, 0, way);
-  c->choice.priority = 1 + (x * (kMostPriority - 1) + way / 2) / way;
+void SlidePriority(Console* c, int value) {
+  c->choice.priority = value;
   c->damage |= kToolsPane;
 }
 

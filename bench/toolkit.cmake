@@ -1,3 +1,7 @@
-foreach(name events tree pointer controls menus)
+foreach(name events tree pointer controls menus typing lists)
   quorvik_bench(${name} ${CMAKE_CURRENT_LIST_DIR}/${name}.cc LIBS xw)
 endforeach()
+find_library(xcb_xtest_archive NAMES libxcb-xtest.a xcb-xtest REQUIRED)
+target_link_libraries(bench_typing PRIVATE ${xcb_xtest_archive})
+target_compile_definitions(bench_lists PRIVATE FRAME="$<TARGET_FILE:bench_lists_frame>")
+add_dependencies(bench_lists bench_lists_frame)

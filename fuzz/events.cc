@@ -1,4 +1,4 @@
-// Streams of a display's reports, with windows that come and go meanwhile. After each stream no
+// Streams of a display's reports, with windows that come and go between them. After each stream no
 // pointer of the toolkit may name a window that has ended, and everything that waits is handled.
 #include <cstdlib>
 #include <cstring>

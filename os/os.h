@@ -87,8 +87,8 @@ typedef struct OS_ListEntryN {
 // when the folder cannot be read. `count` may be null. Safe on several threads at once.
 OS_ListEntryN* OS_ListDirN(const char* path, const char* patterns, int* count, int types, int sort);
 
-// Sort the `count` entries of a result of OS_ListDirN anew, in any of its orders; ".." and "." stay
-// in front. Nothing is read. Null, and a sort of 0, change nothing.
+// Sort the `count` entries of a result of OS_ListDirN again, in any of its orders; ".." and "."
+// stay in front. Nothing is read. Null, and a sort of 0, change nothing.
 void OS_ListSortN(OS_ListEntryN* list, int count, int sort);
 
 // Free a result of OS_ListDirN; null is allowed.

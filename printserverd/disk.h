@@ -39,7 +39,7 @@ class Disk {
   bool Start();
 
   // Has `work` done on the disk's thread, in the order of the calls, and then `done` called by
-  // RunDone. `work` may use nothing that other threads change meanwhile.
+  // RunDone. `work` may use nothing that other threads change.
   void Do(Call work, Call done = nullptr);
 
   // Can be read when something is done.

@@ -195,6 +195,7 @@ const Job* Queue::OldestDone(bool kept) const {
 
 // Makes room for one more job, of done ones when need be.
 bool Queue::MakeRoom() {
+  if (uses_.counters->last_number() >= kMaxNumber) return false;  // no number is left
   if (jobs_.size() + accepting_ < kMaxJobs) return true;
   const Job* oldest = OldestDone(false);
   if (!oldest) return false;

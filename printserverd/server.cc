@@ -74,7 +74,7 @@ void Server::Turn(int timeout) {
   ForgetClosed();
 }
 
-// Nothing new begins, and whoever has not sent all is let go.
+// Nothing new begins, and peers that have not sent all are let go.
 void Server::BeginEnd() {
   epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, listener_.get(), nullptr);
   listener_.Reset();

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <tuple>
 
 #include "printserverd/log.h"
 
@@ -16,6 +17,8 @@ namespace {
 constexpr const char* kCountersName = "counters";
 constexpr const char* kPrintersName = "printers";
 constexpr size_t kMaxFile = 4 << 20;
+
+constexpr int64_t kMaxOutput = 9999999999;  // ten digits
 
 // Outputs of a crashed run that the counter has left out at most.
 constexpr int64_t kOutputsAhead = 100;
@@ -84,9 +87,11 @@ bool Counters::Load() {
   while (TakeLine(&rest, &line) && !line.empty()) {
     if (!SplitField(line, &key, &value)) return false;
     if (key != "number" && key != "output") unknown_.append(line).push_back('\n');
-    for (const auto& [name, counter] : {std::pair{"number", &number_}, {"output", &output_}}) {
+    // No more than the records of jobs and the names of outputs have room for.
+    for (const auto& [name, counter, most] :
+         {std::tuple{"number", &number_, kMaxNumber}, {"output", &output_, kMaxOutput}}) {
       if (key != name) continue;
-      const auto number = ParseNumber(value, 0, INT64_MAX / 2);
+      const auto number = ParseNumber(value, 0, most);
       good = good && number;
       if (number) *counter = *number;
     }
@@ -115,7 +120,7 @@ void Counters::StoreAs(int64_t number, int64_t output) {
   stored_output_ = output;
   std::string text;
   AppendField(&text, "number", number);
-  AppendField(&text, "output", output);
+  AppendField(&text, "output", std::min(output, kMaxOutput));
   text += unknown_;
   text.push_back('\n');
   const auto stored = std::make_shared<bool>(false);

@@ -26,7 +26,7 @@ class Counters {
   // 0) or read.
   bool Load();
 
-  int64_t NextNumber() { return ++number_; }
+  int64_t NextNumber() { return number_ = std::min(number_ + 1, kMaxNumber); }
   int64_t last_number() const { return number_; }
   // The number stood in a job file.
   void SawNumber(int64_t number) { number_ = std::max(number_, number); }

@@ -219,7 +219,8 @@ bool ParseStoredRecord(std::string_view text, Job* job) {
     state = state || key == "state";
     size = size || key == "size";
   }
-  if (job->place < 0) job->place = PlaceOf(job->number);
+  // One that is past all numbers is nobody's.
+  if (job->place < 0 || job->place >= PlaceOf(kMaxNumber + 1)) job->place = PlaceOf(job->number);
   return good && state && size && whole;
 }
 

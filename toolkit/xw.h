@@ -3,6 +3,8 @@
  * A program opens a session, creates windows, and receives everything that happens as one kind of
  * record, the XwEvent. It selects a window and draws into it with whole coordinates.
  *
+ *     #include <stdlib.h>
+ *
  *     #include "toolkit/xw.h"
  *
  *     static int Main(int type) {
@@ -27,7 +29,11 @@
  *              relative to its parent. Stores into 16-bit fields saturate.
  *   Text       One byte a character, Mac Roman, zero-terminated. Longer than a fixed buffer: cut.
  *   Null       A null window, font or string is ignored (or means the default, where said).
- *   Failure    Shows in the result: null, 0 or -1. Nothing throws, nothing prints.
+ *   Failure    Shows in the result: null, 0 or -1. Nothing throws. Two failures print a line on
+ *              standard error: no display can be opened, and the system has no font.
+ *   Scale      Coordinates do not change with the screen's scale, and a program need not know it:
+ *              one logical pixel is one to eight device pixels, text and lines are sharp at each.
+ *              When a window comes to a screen of another scale, its content is drawn again (769).
  *   Threads    Everything runs on the main thread. Worker threads hand their results over through
  *              memory of the program's own and a timer that picks them up.
  *   Memory     Windows belong to the tree and are freed by XwDestroy; no pointer to a destroyed
@@ -105,7 +111,9 @@ unsigned char* C2PSTR(const char* text);
  * copy of a whole record that waits in the queue, so receiving one restores the sender's other
  * fields as well.
  *
- * Types. The number of a printable key is its character. */
+ * Types. The number of a printable key is its character; with Control held it stays that of the
+ * letter (Control-A is 'a', with XWS_CONTROL in Inp.state). A notch of the wheel has no type: it
+ * goes to a scroll handler (XwSetScrollHandler) or a scroll bar, 48 logical pixels each. */
 enum {
   XWE_NONE = 0,
   /* 32..126: a printable key. */
@@ -114,7 +122,9 @@ enum {
   XWE_HELP = 520, XWE_DELETE = 521, XWE_HOME = 522, XWE_END = 523, XWE_PAGE_UP = 524,
   XWE_PAGE_DOWN = 525, XWE_UP = 526, XWE_LEFT = 527, XWE_DOWN = 528, XWE_RIGHT = 529,
   XWE_CONFIGURE = 768,    /* moved or resized */
-  XWE_EXPOSE = 769,       /* draw the content: it has been cleared; select the window and draw */
+  /* Draw the content: it has been cleared; select the window and draw. A program asks for it with
+   * XwSendEvent(w, XWE_EXPOSE, 0, 0, 0). Requests are not merged: two of them draw twice. */
+  XWE_EXPOSE = 769,
   XWE_MOTION = 770,       /* the pointer moved; one outside the window tells that it has left */
   XWE_PRESS = 771,        /* primary; 772 secondary, 773 tertiary, 774 and 775 side buttons */
   XWE_RELEASE = 776,
@@ -124,7 +134,10 @@ enum {
   XWE_CONTROL = 783, XWE_EDIT_SELECT = 788, XWE_EDIT_CHANGED = 789, XWE_EDIT_DONE = 790,
   XWE_SCROLLED = 791, XWE_SCROLLING = 792,
   XWE_MENU_OPENING = 793, XWE_MENU = 794, XWE_TOOLBAR = 795,
-  XWE_QUIT = 796, XWE_PREFERENCES = 797, XWE_OPEN = 798, /* to the first window */
+  XWE_QUIT = 796, XWE_PREFERENCES = 797, /* to the first window */
+  /* To the first window: a document to open, asked for by the desktop or dropped on a window of the
+   * program. The value is its path, a char* in UTF-8. */
+  XWE_OPEN = 798,
   XWE_KEY_UP = 800
 };
 
@@ -200,6 +213,21 @@ void XwBeep(void);
 const char* XwTakeUp(const char* what, const char* detail);
 /* 1 while a recording is played back. */
 int XwReplaying(void);
+
+/* ==== Clipboard =================================================================================
+ *
+ * The desktop's, for text in UTF-8: what one program puts there every other can take. Where the
+ * desktop keeps such texts, the program's stays there when it ends. */
+
+/* Puts a copy of the text there; bytes that are not UTF-8 become U+FFFD. Null takes the program's
+ * text away again. 1; 0 when the desktop or another program refuses it, or it is longer than 256
+ * MiB: then the clipboard is as it was. */
+int XwSetClipboard(const char* utf8);
+/* The text that is there, in a block from malloc that the caller frees; null when there is none or
+ * it has not come whole within `ms` milliseconds. Zero bytes in it are U+FFFD, and more than 256
+ * MiB count as none. Only timers run while it waits: other events stay queued, in order. The
+ * program's own text is there at once, and with `ms` below 1 no other is asked for. */
+char* XwGetClipboard(int ms);
 
 /* ==== Timers ====================================================================================
  *
@@ -284,7 +312,7 @@ struct XwWindow {
   void (*activation_handler)(int active);
   void* pane;            /* sub-windows: the platform's part of the window, once it has controls */
 };
-enum { XW_DATA_NOT_OWNED = 4, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
+enum { XW_DATA_NOT_OWNED = 4, XW_EDITING = 8, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
 enum { XW_DOCKED = 1, XW_HAS_PANES = 2 };                              /* flags2 */
 
 extern XwWindow* W_Root;  /* parent of the top-level windows */
@@ -330,8 +358,8 @@ void XwSetFocus(XwWindow* window);
  * it. Null: the empty text. Ignored for a sub-window. For a list, and a combo box that is not
  * editable, it is an array of texts that ends with a null pointer: all rows, all items. */
 void XwSetText(XwWindow* window, const char* text);
-/* The same in UTF-8, of every script, for top-level windows (cut to 4096 bytes), lists and combo
- * boxes. */
+/* The same in UTF-8, of every script, for every kind that XwSetText takes; the title of a top-level
+ * window is cut to 4096 bytes. */
 void XwSetTextUtf8(XwWindow* window, const char* utf8);
 /* Of a top-level window: 1 puts a mark before the shown title, the document has changes; 0 takes it
  * away. Of a control: its value, cut to its kind's range. Of a list: the row that is selected and
@@ -345,6 +373,11 @@ int32_t XwGetValue(XwWindow* window);
  * a control: its length in the first byte and then the title, without an ending zero; length 0
  * where it has none. The empty string for a sub-window and null. Null `dst`: null. */
 char* XwGetText(XwWindow* window, char* dst);
+/* In UTF-8: the title of a top-level window, the text of an edit box or of an editable combo box's,
+ * the title of other controls, the chosen row of a list or combo box. Returns its whole length in
+ * bytes; writes at most `size` bytes with the ending zero, cut between characters, and nothing for
+ * a null `dst` or a size below 1. "" for a sub-window and null. */
+int XwGetTextUtf8(XwWindow* window, char* dst, int size);
 /* The background that erasing paints. `colour` not null: that colour value. Else a theme brush by
  * code: 1 document, 2 dialog, 3 utility, 4 tool bar, other values are brush numbers, 0 none. */
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush);
@@ -385,7 +418,8 @@ enum {
 };
 /* The style word. Bits 20 to 23 mean something else for each kind. */
 enum {
-  XWC_CENTER = 0x100, XWC_RIGHT = 0x200, XWC_LEFT = 0x400, /* text of a label, of a drawn button */
+  XWC_CENTER = 0x100, XWC_RIGHT = 0x200, XWC_LEFT = 0x400, /* text of a label, of a list header;
+                                                            left: of any drawn button */
   XWC_SORT_DOWN = 0x800,    /* list header: the mark of value 1 points down */
   XWC_ENABLED = 0x10000,    /* only an enabled control reports */
   XWC_VISIBLE = 0x20000,
@@ -393,9 +427,10 @@ enum {
   XWC_COLON = 0x80000,      /* its text gets ":" appended, behind the dots */
   XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken.
                                Scroll bar: reports when it is let go, and not before.
-                               Combo box: two items open a menu as well */
+                               Combo box: two items open a menu as well. Edit box: read-only */
   XWC_ICON = 0x200000,      /* button, label: the text argument is an XwIcon*. Well: a bevel */
   XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */
+  XWC_DROPS_FOCUS = 0x400000, /* edit box: Return does not go on to the next */
   XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
   XWC_HEADER = 0x800000,    /* button: the head of a column */
   XWC_OWN_TEXT = 0xC00000   /* of a button: the toolkit draws its text */
@@ -421,6 +456,24 @@ XwWindow* XwColor(XwWindow* parent, const char* text, int32_t id, int x, int y, 
  * with an id reports, with value -1. With XWC_ICON an icon that is pressed like a button. */
 XwWindow* XwLabel(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
                   uint32_t style);
+
+/* One line of text, of every script: what is typed and pasted is kept whole. XwSetText and
+ * XwGetText speak the toolkit's characters ('?' for what has no place there, at most 255),
+ * XwSetTextUtf8 and XwGetTextUtf8 all of it. `text` is copied (null: "").
+ *
+ * The parent's handler gets 788 with value 1 when the box gets the keyboard, which selects its
+ * text, and with 0 when it loses it; 789 for each key that it takes and each change by the user;
+ * 790 for Return and for Tab, which move on to the next box (XWC_DROPS_FOCUS: Return to none).
+ * Escape gives the keyboard up. The item is the id without its sign. Keys with Control, Alt or
+ * Super keep their own codes; Control with A, C, X, V, Z, Y edits. One that is read-only
+ * (XWC_VARIANT) takes no keyboard; a press on it is 783 with the id as it is. */
+XwWindow* XwEditBox(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
+                    uint32_t style);
+/* Edits `text`, 256 bytes, in a box of its own inside `parent`, at least 22 high, and waits: 1 once
+ * Return has confirmed it, which writes the text back, 0 after a press of the secondary button.
+ * Other events are dropped; redraws and requests of the desktop come again afterwards. A null text
+ * or parent: 0. */
+int32_t XwEditField(XwWindow* parent, int x, int y, int w, int h, char* text);
 
 /* A slider takes `minimum` to `maximum`. With w > h it lies, else it stands and its maximum is at
  * the top. A press on its track moves the knob there. Left and Down, Right and Up and each notch of
@@ -464,8 +517,8 @@ XwWindow* XwComboBox(XwWindow* parent, const char* const* items, int32_t id, int
 
 /* One control of a list that ends with type 0. */
 typedef struct XwDialogItem {
-  uint8_t type;      /* 1 button, 2 check box, 4 combo box, 5 label, 6 slider, 7 scroll bar,
-                        8 colour well, 9 list; others are skipped */
+  uint8_t type;      /* 1 button, 2 check box, 3 edit box, 4 combo box, 5 label, 6 slider,
+                        7 scroll bar, 8 colour well, 9 list; others are skipped */
   const char* text;  /* null: "". 4 and 9: the array of texts */
   int16_t id;
   int16_t x, y;      /* negative: from the parent's right and lower edge */
@@ -497,8 +550,12 @@ void XwDescribeControl(XwWindow* control, const char* name);
  * keeps pointers into it and writes the state back; it copies nothing. A menu bar is such an array,
  * too: its texts are the titles, its ids point at the menus.
  *
- * Before a menu of the bar shows, the first window hears 793 with the menu's array as value, and
- * may change it. A chosen item comes as 794 with its id as item. */
+ * Menus nest at most 64 deep. A sub-menu that is not made, as it lies deeper or in itself, leaves
+ * its item greyed.
+ *
+ * Before a menu of the bar shows, and before a key of its items is looked up, the first window
+ * hears 793 with the menu's array as value, and may change it. A chosen item comes as 794 with its
+ * id as item. */
 typedef struct XwMenuItem {
   const char* text; /* "": a separator. In a bar: the title */
   int32_t flags;    /* XWM_ bits */

@@ -23,17 +23,17 @@ static const char* const profiles[] = {
 #define NAME(text, y) ITEM(LABEL, text, 0, 10, y, 90, 22, ON | XWC_RIGHT | XWC_COLON, 0)
 /* A label gives its name to what follows it. Negative places count from the right and below. */
 static const XwDialogItem items[] = {
-    NAME("Printer", 18),
-    ITEM(COMBO, (const char*)printers, PRINTER, 106, 16, 180, 24, ON, 0),
-    NAME("Copies", 52),
-    ITEM(EDIT, NULL, COPIES, 104, 49, 60, 28, ON, 1), /* a number, since it has no text */
+    NAME("Printer", 19),
+    ITEM(COMBO, (const char*)printers, PRINTER, 106, 16, 184, 24, ON, 0),
+    NAME("Copies", 53),
+    ITEM(EDIT, NULL, COPIES, 107, 52, 60, 24, ON, 1), /* a number, since it has no text */
     NAME("Priority", 86),
-    RANGE(SLIDER, PRIORITY, 106, 86, 160, 22, 50, 1, 100, 0, 0),
+    RANGE(SLIDER, PRIORITY, 107, 86, 181, 22, 50, 1, 100, 0, 0),
     NAME("Profile", 118),
-    ITEM(LIST, (const char*)profiles, PROFILE, 104, 116, 186, 98, ON, 0),
+    ITEM(LIST, (const char*)profiles, PROFILE, 105, 116, 185, 98, ON, 0),
     NAME("Shift", 224),
-    RANGE(BAR, SHIFT, 106, 228, 182, 15, 40, 0, 99, 1, 20),
-    ITEM(CHECK, "Hold", HOLD, 310, 18, 0, 0, ON, 1),
+    RANGE(BAR, SHIFT, 107, 228, 181, 15, 40, 0, 99, 1, 20),
+    ITEM(CHECK, "Hold", HOLD, 310, 19, 0, 0, ON, 1),
     ITEM(LABEL, "Mark", 0, 310, 44, 80, 20, ON | XWC_LEFT, 0),
     ITEM(COLOUR, "Rush", INK, 310, 66, 60, 26, ON | XWC_VARIANT, GOLD),
     ITEM(BUTTON, "Cancel", CANCEL, -210, -36, 98, 26, ON, 0),

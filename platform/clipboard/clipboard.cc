@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <list>
+#include <map>
 #include <utility>
 
 #include "platform/display/screens.h"
@@ -17,6 +18,7 @@ namespace {
 
 struct Request {
   int number = 0;
+  Selection which = Selection::kClipboard;
   TextArrived arrived = nullptr;
   void* data = nullptr;
   EventLoopTimerRef deadline = nullptr;  // null: answered
@@ -27,6 +29,8 @@ struct Clipboard {
   SharedText offered[kSelectionCount];  // null: not this program's
   std::list<Request> requests;
   int last_number = 0;
+  // In a replay an answer may come together with what makes the program ask.
+  std::map<int, SharedText> early;
 };
 
 Clipboard& State() {
@@ -44,8 +48,29 @@ Request* Find(int number) {
   return nullptr;
 }
 
-bool IsPlain(char c) {
-  return c != 0 && uint8_t(c) < 0x80;
+// Takes the characters that stand for themselves off the front of a text; how many bytes.
+size_t TakePlain(std::string_view* text) {
+  size_t n = 0;
+  while (n < text->size() && (*text)[n] != 0 && uint8_t((*text)[n]) < 0x80) ++n;
+  text->remove_prefix(n);
+  return n;
+}
+
+// Takes one character; what is none, and zero, is U+FFFD.
+char32_t TakeValid(std::string_view* text) {
+  const char32_t c = TakeUtf8(text);
+  return c != 0 ? c : 0xFFFD;
+}
+
+// Bytes that the text has once it is valid; too many when it would be longer than a text may be.
+size_t ValidSize(std::string_view text) {
+  size_t size = 0;
+  while (!text.empty() && size <= kMostText) {
+    size += TakePlain(&text);
+    char bytes[4];
+    if (!text.empty()) size += size_t(PutUtf8(TakeValid(&text), bytes));
+  }
+  return size;
 }
 
 // Texts end as C strings do elsewhere: zeros at the end are no part of them. What is left of zeros
@@ -53,22 +78,16 @@ bool IsPlain(char c) {
 bool MakeValid(std::string* text) {
   while (!text->empty() && text->back() == 0) text->pop_back();
   if (text->size() > kMostText) return false;
-  // Where everything is well it stays where it is.
-  std::string_view rest = *text;
-  while (!rest.empty() && IsPlain(rest.front())) rest.remove_prefix(1);
-  bool same = true;
-  for (std::string_view at = rest; same && !at.empty();) {
-    const size_t before = at.size();
-    const char32_t c = TakeUtf8(&at);
-    same = c != 0 && (c != 0xFFFD || before - at.size() == 3);
-  }
-  if (same) return true;
-  std::string valid(*text, 0, text->size() - rest.size());
-  while (!rest.empty()) {
+  if (text->find('\0') == std::string::npos && IsUtf8(*text)) return true;
+  const size_t size = ValidSize(*text);
+  if (size > kMostText) return false;
+  std::string valid;
+  valid.reserve(size);
+  for (std::string_view rest = *text; !rest.empty();) {
+    const std::string_view at = rest;
+    valid.append(at.substr(0, TakePlain(&rest)));
     char bytes[4];
-    const char32_t c = TakeUtf8(&rest);
-    valid.append(bytes, size_t(PutUtf8(c != 0 ? c : 0xFFFD, bytes)));
-    if (valid.size() > kMostText) return false;
+    if (!rest.empty()) valid.append(bytes, size_t(PutUtf8(TakeValid(&rest), bytes)));
   }
   *text = std::move(valid);
   return true;
@@ -85,7 +104,7 @@ void Answer(Request* r) {
 
 void DropAtDisplay(const Request& r) {
   const Display* d = CurrentDisplay();
-  if (r.deadline && d && d->ask_text) d->ask_text(Selection::kClipboard, r.number, 0);
+  if (r.deadline && d && d->ask_text) d->ask_text(r.which, r.number, false);
 }
 
 void DeadlineHasCome(EventLoopTimerRef timer, void*) {
@@ -108,7 +127,7 @@ OSStatus CallBack(HandlerCall*, Event* event, void*) {
 // Most programs end by exit. A child that this process has forked is not the program.
 void KeepAtExit() {
   static pid_t process = 0;
-  if (process) return;
+  if (process == getpid()) return;
   process = getpid();
   atexit([] {
     if (getpid() == process) KeepText();
@@ -146,15 +165,17 @@ int AskText(Selection which, int timeout_ms, TextArrived arrived, void* data) {
   } while (Find(s.last_number));
   Request& r = s.requests.emplace_back();
   r.number = s.last_number;
+  r.which = which;
   r.arrived = arrived;
   r.data = data;
   r.text = Offered(which);
-  if (r.text || !d || !d->ask_text || timeout_ms < 1) {
+  const auto early = s.early.extract(r.number);
+  if (early && !r.text) r.text = early.mapped();
+  if (r.text || early || !d || !d->ask_text || timeout_ms < 1) {
     Answer(&r);
   } else {
-    const double seconds = timeout_ms / 1000.0;
-    r.deadline = InstallEventLoopTimer(seconds, 0, DeadlineHasCome, nullptr);
-    d->ask_text(which, r.number, seconds);
+    r.deadline = InstallEventLoopTimer(timeout_ms / 1000.0, 0, DeadlineHasCome, nullptr);
+    d->ask_text(which, r.number, true);
   }
   return s.last_number;
 }
@@ -174,8 +195,15 @@ void InitClipboard() {
 
 void TextReported(int request, std::string* text) {
   Request* r = Find(request);
-  if (!r || !r->deadline) return;
-  if (text && MakeValid(text)) r->text = std::make_shared<const std::string>(std::move(*text));
+  const bool early = !r && request > State().last_number;
+  if (!early && (!r || !r->deadline)) return;
+  SharedText valid;
+  if (text && MakeValid(text)) valid = std::make_shared<const std::string>(std::move(*text));
+  if (early) {
+    State().early[request] = std::move(valid);
+    return;
+  }
+  r->text = std::move(valid);
   Answer(r);
 }
 
@@ -186,12 +214,14 @@ void SelectionLost(Selection which) {
 void KeepText() {
   const Display* d = CurrentDisplay();
   if (d && d->keep_text && Offered(Selection::kClipboard)) d->keep_text();
+  Offered(Selection::kClipboard) = nullptr;
 }
 
 void FinishClipboard() {
   Clipboard& s = State();
   while (!s.requests.empty()) ForgetAsk(s.requests.front().number);
   for (SharedText& text : s.offered) text = nullptr;
+  s.early.clear();
   s.last_number = 0;
 }
 

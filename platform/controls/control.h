@@ -60,6 +60,13 @@ struct KindRow {
   // Frees its `data`, with the record.
   void (*end)(Control* c) = nullptr;
   bool focus_by_press = false;  // the pointer gives it the keyboard
+  bool whole_area = false;      // the pointer finds it in all of its area
+  // Another button than the primary one went down in it, and its target has not taken that.
+  void (*press_other)(Control* c, Point where, int button) = nullptr;
+  // Text can be selected in it, which the pointer's shape says.
+  bool text_cursor = false;
+  // The keyboard came or went, or its window became the active one.
+  void (*focused)(Control* c, bool gained) = nullptr;
 };
 
 struct Control {
@@ -105,6 +112,7 @@ struct WindowControls {
   Control *ok = nullptr, *cancel = nullptr;
   bool tab_moves = true;
   bool alt = false;  // is held
+  bool shift = false;
   ContextRef context = nullptr;
   uint32_t generation = 0;  // of the pixels that it is for
 };
@@ -120,7 +128,7 @@ void DrawButtonWithText(const Control* c, ContextRef context, ThemeButtonKind ki
                         const ThemeButtonDrawInfo& info, bool bold, int margin);
 
 extern const KindRow kPushButtonKind, kBevelButtonKind, kCheckBoxKind, kRadioButtonKind,
-    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind;
+    kStaticTextKind, kUserPaneKind, kPopUpButtonKind, kSliderKind, kScrollBarKind, kEditTextKind;
 // Held with a key, they make it a command that no control takes.
 constexpr uint32_t kShortcut = cmdKey | optionKey | controlKey | rightOptionKey | rightControlKey;
 
@@ -164,6 +172,10 @@ void HitControl(Control* c, bool by_key, int part = 0);
 bool IsControlHeld(const Control* c);
 // As a press and a release of the pointer, by a key.
 void PressByKey(Control* c);
+// Where the pointer finds it, in the content.
+Rect PressArea(const Control* c);
+// Of the press that the control hears of, in seconds.
+double PressTime();
 // Whether a point of the content presses it.
 bool IsControlUnder(const Control* c, Point at);
 OSStatus HandlePress(HandlerCall* call, Event* event, void* user_data);

@@ -9,6 +9,8 @@
 namespace platform {
 namespace {
 
+CursorRef text_cursor;  // made on first use
+
 void ReleaseRecord(void* record) {
   auto* c = static_cast<Control*>(record);
   if (c->kind->end) c->kind->end(c);
@@ -97,7 +99,16 @@ void InitControls() {
 }
 
 void FinishControls() {
+  ReleaseCursor(text_cursor);
+  text_cursor = nullptr;
   ForgetTracking(nullptr);
+}
+
+CursorRef FindControlCursor(Point where, WindowRef w) {
+  const Control* c = FindControlUnderMouse(where, w);
+  if (!c || !c->kind->text_cursor || !c->active) return nullptr;
+  if (!text_cursor) text_cursor = CreateDesktopCursor(DesktopCursor::kText);
+  return text_cursor;
 }
 
 WindowControls* ControlsOf(WindowRef w) {
@@ -194,7 +205,11 @@ void SetControlArea(ControlRef c, const Rect& area) {
   const Rect& b = c->bounds;
   const Rect wanted{std::min(area.left, b.left), std::min(area.top, b.top),
                     std::max(area.right, b.right), std::max(area.bottom, b.bottom)};
-  if (wanted != c->area) Replace(c, [&] { c->area = wanted; });
+  if (wanted == c->area) return;
+  Replace(c, [&] {
+    c->area = wanted;
+    if (c->kind->placed) c->kind->placed(c);
+  });
 }
 
 Rect GetControlArea(ControlRef c) {

@@ -162,6 +162,8 @@ ContextRef GetControlContext(ControlRef c);
 
 // The one under a point of the content. None where a shown pane covers it.
 ControlRef FindControlUnderMouse(Point where, WindowRef w);
+// The pointer's shape over what lies under a point of the content; null: the window's own.
+CursorRef FindControlCursor(Point where, WindowRef w);
 // Presses the control as a key does, also when it does not have the keyboard. An inactive one is
 // ignored.
 void PressControl(ControlRef c);
@@ -169,6 +171,9 @@ void PressControl(ControlRef c);
 void StepControl(ControlRef c, bool up);
 // Whether the wheel over it turns it, active or not.
 bool ControlTakesWheel(ControlRef c);
+// With one of these parts Tab leaves a control that loses the keyboard to the next or the one
+// before.
+constexpr int kControlFocusNextPart = -1, kControlFocusPrevPart = -2;
 // Part 0 takes the keyboard away from it; any other gives it to a control that shows, is active and
 // can take it.
 void SetKeyboardFocus(WindowRef w, ControlRef c, int part);

@@ -41,11 +41,24 @@ bool RingShows(const WindowControls& all) {
   return all.focus && all.window->active && IsControlVisible(all.focus);
 }
 
-void DrawRing(ContextRef context, const Control* c) {
-  int corner = c->corner;
+// What the ring goes around.
+Rect BorderOf(const Control* c, int* corner) {
+  *corner = c->corner;
   Rect border = GetControlBounds(const_cast<Control*>(c));
-  if (c->kind->border) c->kind->border(c, &border, &corner);
+  if (c->kind->border) c->kind->border(c, &border, corner);
+  return border;
+}
+
+void DrawRing(ContextRef context, const Control* c) {
+  int corner;
+  const Rect border = BorderOf(c, &corner);
   DrawThemeFocusRing(context, border, corner);
+}
+
+// Whether some of the ring may lie in an area.
+bool RingMeets(const Control* c, const Rect& area) {
+  int corner;
+  return Meets(RingArea(c), area) && Intersect(BorderOf(c, &corner), area) != area;
 }
 
 // The clip of the context: a part of a pane.
@@ -81,7 +94,7 @@ void Paint(WindowControls& all, const Pane* only, const Rect& area, Control* fir
   ContextRef context = ContextOf(all);
   PaneClip clip(context, area);
   const bool ring =
-      RingShows(all) && (!only || only == all.focus->pane) && Meets(RingArea(all.focus), area);
+      RingShows(all) && (!only || only == all.focus->pane) && RingMeets(all.focus, area);
   if (erase && clip.Use(only)) Erase(context, only, area);
   if (!erase && ring && clip.Use(all.focus->pane))
     Erase(context, all.focus->pane, RingArea(all.focus));

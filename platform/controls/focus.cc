@@ -18,14 +18,16 @@ void RedrawRing(Control* c, bool marked) {
   if (!area.empty()) InvalidateWindow(OwnerOf(c).window, area.extents(), false);
 }
 
-void TakeFrom(WindowControls& all) {
+// The part says where it goes: 0, or to the next or the one before by Tab.
+void TakeFrom(WindowControls& all, int part = 0) {
   Control* before = all.focus;
   if (!before) return;
   all.focus = nullptr;
   all.tab_from = before;
   NoticeChange(before->object.serial, Change::kState);
   DispatchScope scope;
-  SendControlEvent(before, kEventControlSetFocusPart, 0);
+  if (before->kind->focused) before->kind->focused(before, false);
+  SendControlEvent(before, kEventControlSetFocusPart, part);
   if (IsValidControl(before)) RedrawRing(before, true);
 }
 
@@ -45,7 +47,6 @@ Control* NextByTab(const WindowControls& all, const Control* from, bool back) {
       continue;
     }
     if (CanTakeKeys(c, kKeysByTab)) return c;
-    if (c == from) return nullptr;
     c = step(c);
   }
   return nullptr;
@@ -57,23 +58,27 @@ bool CanTakeKeys(const Control* c, uint8_t how) {
   return (c->keys & how) && c->active && IsControlVisible(const_cast<Control*>(c));
 }
 
-void SetKeyboardFocus(WindowRef w, ControlRef c, int part) {
-  WindowControls* all = ControlsOf(w);
-  if (!all || !IsValidControl(c) || &OwnerOf(c) != all) return;
-  if (part == 0) {
-    if (all->focus == c) TakeFrom(*all);
-    return;
-  }
-  if (all->focus == c || !CanTakeKeys(c, kKeysByTab | kKeysByRequest)) return;
+static void GiveTo(WindowControls& all, Control* c, int part, int left_by) {
   DispatchScope scope;
-  TakeFrom(*all);
+  TakeFrom(all, left_by);
   // A handler may have ended the window, or given the keyboard to another.
   if (!IsValidControl(c) || !CanTakeKeys(c, kKeysByTab | kKeysByRequest) || OwnerOf(c).focus)
     return;
   OwnerOf(c).focus = c;
   NoticeChange(c->object.serial, Change::kState);
+  if (c->kind->focused) c->kind->focused(c, true);
   SendControlEvent(c, kEventControlSetFocusPart, part);
   if (IsValidControl(c) && OwnerOf(c).focus == c) RedrawRing(c, false);
+}
+
+void SetKeyboardFocus(WindowRef w, ControlRef c, int part) {
+  WindowControls* all = ControlsOf(w);
+  if (!all || !IsValidControl(c) || &OwnerOf(c) != all) return;
+  if (part == 0) {
+    if (all->focus == c) TakeFrom(*all);
+  } else if (all->focus != c && CanTakeKeys(c, kKeysByTab | kKeysByRequest)) {
+    GiveTo(*all, c, part, 0);
+  }
 }
 
 void ClearKeyboardFocus(WindowRef w) {
@@ -109,7 +114,7 @@ void SetTabMoves(WindowRef w, bool moves) {
 
 bool MoveFocusByTab(WindowControls& all, bool back) {
   Control* next = NextByTab(all, all.focus ? all.focus : all.tab_from, back);
-  if (next) SetKeyboardFocus(all.window, next, kWholeControl);
+  if (next) GiveTo(all, next, kWholeControl, back ? kControlFocusPrevPart : kControlFocusNextPart);
   return next != nullptr;
 }
 
@@ -117,6 +122,8 @@ OSStatus HandleActivation(HandlerCall*, Event* event, void*) {
   WindowControls* all = ControlsOf(event->window);
   if (!all) return eventNotHandledErr;
   if (event->kind == kEventWindowDeactivated) ShowLetters(*all, false);
+  if (all->focus && all->focus->kind->focused)
+    all->focus->kind->focused(all->focus, event->kind == kEventWindowActivated);
   if (all->focus) RedrawRing(all->focus, false);
   Draw1Control(all->ok);
   for (Control* c = all->first; c; c = c->next)

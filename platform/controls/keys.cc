@@ -76,6 +76,7 @@ void ShowLetters(WindowControls& all, bool shown) {
 
 OSStatus HandleKey(HandlerCall*, Event* event, void*) {
   WindowControls* all = ControlsOf(event->window);
+  if (all) all->shift = event->key.modifiers & (shiftKey | rightShiftKey);
   if (!all || event->key.ignored) return eventNotHandledErr;
   if (event->kind == kEventRawKeyModifiersChanged) {
     const uint32_t modifiers = event->key.modifiers;

@@ -111,7 +111,7 @@ Control* FindIn(const Pane* p, Point where) {
       over = child;
   if (over) return FindIn(over, where);
   for (Control* c = p->owner->last; c; c = c->previous)
-    if (c->pane == p && c->shown && GetControlBounds(c).contains(where)) return c;
+    if (c->pane == p && c->shown && PressArea(c).contains(where)) return c;
   return nullptr;
 }
 

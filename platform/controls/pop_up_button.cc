@@ -10,6 +10,8 @@ namespace platform {
 namespace {
 
 constexpr int kTextLeft = 10, kTextRight = 22, kArrowRight = 14;
+// Option with the arrow opens the menu as well.
+constexpr uint32_t kMenuShortcut = cmdKey | controlKey | rightControlKey;
 
 MenuRef MenuOf(const Control* c) {
   return static_cast<MenuRef>(c->data);
@@ -57,7 +59,7 @@ void Open(Control* c, bool by_key) {
 
 bool Key(Control* c, const Event& e) {
   const uint8_t key = e.key.character;
-  if ((key != kSpaceKey && key != kDownKey) || e.key.modifiers & kShortcut) return false;
+  if ((key != kSpaceKey && key != kDownKey) || e.key.modifiers & kMenuShortcut) return false;
   if (e.kind == kEventRawKeyDown) PressByKey(c);
   return true;
 }

@@ -1,11 +1,10 @@
 #include "platform/controls/control.h"
+#include "platform/events/key_characters.h"
 #include "platform/events/timers.h"
 
 namespace platform {
 namespace {
 
-constexpr uint8_t kHome = 1, kEnd = 4, kPageUp = 11, kPageDown = 12;
-constexpr uint8_t kLeft = 28, kRight = 29, kUp = 30, kDown = 31;
 constexpr double kRepeatDelay = 0.4, kRepeatPeriod = 0.05;  // seconds
 constexpr int kLinesANotch = 3;
 
@@ -105,16 +104,16 @@ bool Key(Control* c, const Event& e) {
   static constexpr struct {
     uint8_t key;
     int part;
-  } kRows[] = {{kLeft, kControlUpButtonPart},    {kUp, kControlUpButtonPart},
-               {kRight, kControlDownButtonPart}, {kDown, kControlDownButtonPart},
-               {kPageUp, kControlPageUpPart},    {kPageDown, kControlPageDownPart}};
+  } kRows[] = {{kLeftKey, kControlUpButtonPart},    {kUpKey, kControlUpButtonPart},
+               {kRightKey, kControlDownButtonPart}, {kDownKey, kControlDownButtonPart},
+               {kPageUpKey, kControlPageUpPart},    {kPageDownKey, kControlPageDownPart}};
   for (const auto& row : kRows) {
     if (row.key != e.key.character) continue;
     Steps(c, row.part, 1, true);
     return true;
   }
-  if (e.key.character != kHome && e.key.character != kEnd) return false;
-  SetControl32BitValue(c, e.key.character == kHome ? c->minimum : c->maximum);
+  if (e.key.character != kHomeKey && e.key.character != kEndKey) return false;
+  SetControl32BitValue(c, e.key.character == kHomeKey ? c->minimum : c->maximum);
   if (!c->live || ActOnPart(c, kControlIndicatorPart)) HitControl(c, true, kControlIndicatorPart);
   return true;
 }

@@ -1,12 +1,10 @@
 #include <algorithm>
 
 #include "platform/controls/control.h"
+#include "platform/events/key_characters.h"
 
 namespace platform {
 namespace {
-
-constexpr uint8_t kHome = 1, kEnd = 4, kPageUp = 11, kPageDown = 12;
-constexpr uint8_t kLeft = 28, kRight = 29, kUp = 30, kDown = 31;
 
 void Draw(Control* c, ContextRef context) {
   DrawThemeSlider(context, ThumbInfo(c));
@@ -53,8 +51,8 @@ bool Key(Control* c, const Event& e) {
   const struct {
     uint8_t key;
     int64_t by;
-  } rows[] = {{kLeft, -1},     {kDown, -1},        {kRight, 1},     {kUp, 1},
-              {kPageUp, page}, {kPageDown, -page}, {kHome, -range}, {kEnd, range}};
+  } rows[] = {{kLeftKey, -1},     {kDownKey, -1},        {kRightKey, 1},     {kUpKey, 1},
+              {kPageUpKey, page}, {kPageDownKey, -page}, {kHomeKey, -range}, {kEndKey, range}};
   for (const auto& row : rows) {
     if (row.key != e.key.character) continue;
     Change(c, row.by, true);

@@ -5,6 +5,10 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/check_box.cc
   ${CMAKE_CURRENT_LIST_DIR}/controls.cc
   ${CMAKE_CURRENT_LIST_DIR}/drawing.cc
+  ${CMAKE_CURRENT_LIST_DIR}/edit_keys.cc
+  ${CMAKE_CURRENT_LIST_DIR}/edit_pointer.cc
+  ${CMAKE_CURRENT_LIST_DIR}/edit_state.cc
+  ${CMAKE_CURRENT_LIST_DIR}/edit_text.cc
   ${CMAKE_CURRENT_LIST_DIR}/focus.cc
   ${CMAKE_CURRENT_LIST_DIR}/keys.cc
   ${CMAKE_CURRENT_LIST_DIR}/panes.cc

@@ -13,6 +13,7 @@ constexpr uint16_t kPrimary = 1, kSecondary = 2;
 struct Held {
   Control* control = nullptr;  // null once it has ended: the release is still swallowed
   Tracker tracker;
+  double pressed_at = 0;  // seconds
 };
 Held held;
 
@@ -23,7 +24,7 @@ Point InContent(const Control* c, Point where) {
 
 bool Inside(const Control* c, Point at) {
   auto* control = const_cast<Control*>(c);
-  return c->active && IsControlVisible(control) && GetControlBounds(control).contains(at) &&
+  return c->active && IsControlVisible(control) && PressArea(c).contains(at) &&
          PaneArea(c->pane).contains(at);
 }
 
@@ -82,14 +83,17 @@ Tracking Ask(void*, Event* event) {
   }
 }
 
+void PressWithOther(Control* c, Point at, int button) {
+  const bool taken = button == kSecondary &&
+                     SendControlEvent(c, kEventControlContextualMenuClick) != eventNotHandledErr;
+  if (!taken && IsValidControl(c) && c->kind->press_other) c->kind->press_other(c, at, button);
+}
+
 void Press(Control* c, const Event& e) {
-  if (e.mouse.button == kSecondary) {
-    SendControlEvent(c, kEventControlContextualMenuClick);
-    return;
-  }
-  if (e.mouse.button != kPrimary) return;
   const Point at = InContent(c, e.mouse.where);
   DispatchScope scope;  // the record stays
+  if (e.mouse.button != kPrimary) return PressWithOther(c, at, e.mouse.button);
+  held.pressed_at = e.time;
   if (SendControlEvent(c, kEventControlClick) != eventNotHandledErr) return;
   auto usable = [c] { return IsValidControl(c) && c->active; };
   if (usable() && c->kind->focus_by_press) SetKeyboardFocus(OwnerOf(c).window, c, kWholeControl);
@@ -129,6 +133,14 @@ void PressByKey(Control* c) {
     c->kind->open(c, true);
   else
     HitControl(c, true);
+}
+
+Rect PressArea(const Control* c) {
+  return c->kind->whole_area ? ControlArea(c) : GetControlBounds(const_cast<Control*>(c));
+}
+
+double PressTime() {
+  return held.pressed_at;
 }
 
 bool IsControlUnder(const Control* c, Point at) {

@@ -118,7 +118,7 @@ int OnHandedOver(sd_bus_message* m, void*, sd_bus_error*) {
   return 1;
 }
 
-// The first start comes forward in place of this one, for the same action of the user's.
+// The first start comes forward in place of this one, for the same action.
 void HandOver() {
   const char* token = StartToken().c_str();
   auto call = [](auto... arguments) {

@@ -7,9 +7,9 @@
 
 namespace platform {
 
-// Made and owned by whoever shows it. Before it is freed, Display::destroy_cursor is called.
+// Made and owned by the code that shows it. Before it is freed, Display::destroy_cursor is called.
 struct Cursor {
-  enum Shape : uint8_t { kPicture, kArrow, kCrosshair, kOpenHand };
+  enum Shape : uint8_t { kPicture, kArrow, kCrosshair, kOpenHand, kText };
   Shape shape = kPicture;
   // Of pictures only, in logical pixels. Pixels are 0xAARRGGBB, colours not multiplied by alpha.
   int width = 0, height = 0, hot_x = 0, hot_y = 0;

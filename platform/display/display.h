@@ -71,7 +71,7 @@ struct Display {
   void (*move_resize)(const Window* w);
   // Passes on what the record says now; `what` is bits of UpdateWhat.
   void (*update)(const Window* w, uint32_t what);
-  // `how` is bits of RaiseHow. The focus is asked for with the time of the user's last action, or
+  // `how` is bits of RaiseHow. The focus is asked for with the time of the last input, or
   // of the one that `token` stands for: the desktop's word out of another program's request, null
   // when there is none. Of a window that is not on the screen yet it is asked for when it comes up.
   void (*raise)(const Window* w, uint32_t how, const char* token);
@@ -95,16 +95,17 @@ struct Display {
   // be null: texts stay inside the program.
   bool (*offer_text)(Selection which, const SharedText& text);
   // Asks the program that offers a selection for its text. The answer is one report, kTextArrived.
-  // What comes later than `seconds` is not taken; 0: the answer is no longer wanted, and what has
-  // come of it goes. Never called for what the program offers itself. May be null: there is none.
-  void (*ask_text)(Selection which, int request, double seconds);
+  // Not `wanted`: the answer is no longer waited for, and what has come of it goes. Never called
+  // for what the program offers itself. May be null: there is none.
+  void (*ask_text)(Selection which, int request, bool wanted);
   // The program ends: the clipboard's text is left to the desktop, if that keeps such texts. Waits
   // at most half a second. May be null.
   void (*keep_text)();
   // May be null.
   void (*beep)();
-  // The next report, all of it, without waiting. False when there is none. Also called when the
-  // descriptors show nothing, since reports may have been read with something else.
+  // The next report, all of it, without waiting. False when there is none; kNone: there may be
+  // more, and the loop looks after the rest first. Also called when the descriptors show nothing,
+  // since reports may have been read with something else.
   bool (*next_event)(RawEvent* out);
   // Appends what to wait on for reports: descriptors with their poll events. May be null: the
   // display has none.

@@ -1,5 +1,7 @@
 #include "platform/display/screens.h"
 
+#include <charconv>
+#include <cstring>
 #include <string>
 
 namespace platform {
@@ -25,6 +27,14 @@ const char* PlatformSessionName() {
 }
 const Screen& MainScreen() {
   return state.main;
+}
+
+double ScaleInText(const char* text) {
+  if (!text) return 0;
+  double scale = 0;
+  const char* end = text + strlen(text);
+  const auto [rest, error] = std::from_chars(text, end, scale, std::chars_format::fixed);
+  return error == std::errc() && rest == end && scale >= 0.5 && scale <= 8 ? scale : 0;
 }
 
 bool UpdateScreens() {

@@ -10,6 +10,9 @@ const Display* CurrentDisplay();
 void SetCurrentDisplay(const Display* display, const char* session_name);
 const char* PlatformSessionName();
 const Screen& MainScreen();
+// The scale that a text gives, all of it a number from 0.5 to 8 with a point; 0 for any other, and
+// for null.
+double ScaleInText(const char* text);
 // Asks the display; true when the main screen has changed.
 bool UpdateScreens();
 // Main screen, logical pixels.

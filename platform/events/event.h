@@ -51,8 +51,9 @@ enum : uint32_t {
   kEventControlHit = 1,                   // a press or a key has done its work
   kEventControlSetFocusPart = 7,          // the keyboard comes (a part) or goes (0)
   kEventControlContextualMenuClick = 12,  // a press of the secondary button
-  kEventControlClick = 13,      // a press of the primary button; one that is taken is not tracked
-  kEventSystemPointerLost = 5,  // a grab has been refused or taken away
+  kEventControlClick = 13,  // a press of the primary button; one that is taken is not tracked
+  kEventControlTextChanged = 151,       // by the user, not by a key that the box's filter has seen
+  kEventSystemPointerLost = 5,          // a grab has been refused or taken away
   kEventSystemDisplayReconfigured = 4,  // the main screen has another size or scale
   kEventTextArrived = 1,                // the answer to a request for a text is there
 };
@@ -91,7 +92,7 @@ struct MouseFields {
   uint16_t tablet_type;  // kEventTabletPoint, else 0
   TabletPoint tablet;
   float dx, dy;     // wheel: logical pixels
-  WindowRef under;  // press, release: what lies under the pointer, whoever gets the event
+  WindowRef under;  // press, release: what lies under the pointer, whichever window gets the event
 };
 // Bytes of the text that one key may type.
 constexpr int kTypedText = 15;
@@ -135,7 +136,7 @@ struct Event {
     RequestFields request;
     ControlFields control;
   };
-  // A program's own event: whoever receives it owns the payload.
+  // A program's own event: its receiver owns the payload.
   bool posted() const { return payload && cls != kEventClassAppleEvent; }
   Event() : bounds{} {}
   Event(uint32_t c, uint32_t k, WindowRef w = nullptr) : cls(c), kind(k), window(w), bounds{} {}

@@ -29,9 +29,10 @@ void PostEventToQueue(EventQueueRef queue, const Event& event) {
 }
 
 // Outermost wait first.
-static void ForEachLyingBy(LyingBy* innermost, const std::function<void(std::vector<Event>*)>& f) {
+static void ForEachDeferred(DeferredEvents* innermost,
+                            const std::function<void(std::vector<Event>*)>& f) {
   if (!innermost) return;
-  ForEachLyingBy(innermost->outer, f);
+  ForEachDeferred(innermost->outer, f);
   f(&innermost->events);
 }
 
@@ -44,14 +45,14 @@ void EventQueue::Prepend(const std::vector<Event>& events) {
 
 Event* EventQueue::Last() {
   if (!empty()) return &back();
-  for (LyingBy* l = lying_by; l; l = l->outer)
+  for (DeferredEvents* l = deferred; l; l = l->outer)
     if (!l->events.empty()) return &l->events.back();
   return nullptr;
 }
 
 void ForEachEvent(EventQueueRef queue, const std::function<void(Event*)>& visit) {
   if (!queue) return;
-  ForEachLyingBy(queue->lying_by, [&](std::vector<Event>* events) {
+  ForEachDeferred(queue->deferred, [&](std::vector<Event>* events) {
     for (Event& e : *events) visit(&e);
   });
   for (size_t i = 0; i < queue->size(); ++i) visit(&queue->at(i));
@@ -70,8 +71,8 @@ void RemoveEventsFromQueue(EventQueueRef queue, const std::function<bool(const E
     if (dropped) ReleaseEvent(&e);
     return dropped;
   };
-  ForEachLyingBy(queue->lying_by,
-                 [&](std::vector<Event>* events) { std::erase_if(*events, gone); });
+  ForEachDeferred(queue->deferred,
+                  [&](std::vector<Event>* events) { std::erase_if(*events, gone); });
   size_t kept = 0, n = queue->size();
   for (size_t i = 0; i < n; ++i) {
     Event& e = queue->at(i);

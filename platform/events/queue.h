@@ -10,9 +10,9 @@ namespace platform {
 
 // What a nested wait leaves for later, in order. It comes first once the wait is over; what looks
 // through the queue sees it before that.
-struct LyingBy {
+struct DeferredEvents {
   std::vector<Event> events;
-  LyingBy* outer = nullptr;  // of the wait around this one, whose events came earlier
+  DeferredEvents* outer = nullptr;  // of the wait around this one, whose events came earlier
 };
 
 // A ring of events that grows and never shrinks. The insides stand here because every event passes
@@ -52,13 +52,13 @@ struct EventQueue {
   void Grow();
   // Puts the events before all others, in their order.
   void Prepend(const std::vector<Event>& events);
-  // The event that was queued last, also when it lies by; null when there is none.
+  // The event that was queued last, also when it is deferred; null when there is none.
   Event* Last();
 
   size_t head = 0, tail = 0, capacity = 0;  // capacity: 0 or a power of two
   Event* ring = nullptr;                    // kept for the life of the process
   int quick = 0;  // events that may still be taken before the next look at clock and display
-  LyingBy* lying_by = nullptr;  // of the innermost nested wait
+  DeferredEvents* deferred = nullptr;  // of the innermost nested wait
 };
 extern constinit EventQueue main_event_queue;
 
@@ -69,7 +69,7 @@ inline EventQueueRef GetMainEventQueue() {
 
 // Appends a copy.
 void PostEventToQueue(EventQueueRef queue, const Event& event);
-// Appends an event of the program's own class; whoever receives it owns `payload`, which is not
+// Appends an event of the program's own class; its receiver owns `payload`, which is not
 // null. A null queue is ignored, and the payload stays the caller's.
 inline void PostUserEvent(EventQueueRef queue, uint32_t cls, void* payload) {
   if (queue) queue->PushUser(cls, payload);

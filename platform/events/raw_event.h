@@ -9,7 +9,7 @@ namespace platform {
 // What the display reports, before any translation. Coordinates are device pixels.
 struct RawEvent {
   enum Type : uint8_t {
-    kNone,
+    kNone,  // something long is going on: the display is to be asked again
     kMotion,
     kPress,
     kRelease,  // x, y, root_x, root_y, under, button, tablet, modifiers

@@ -1,5 +1,6 @@
 #include "platform/events/trackers.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace platform {
@@ -30,12 +31,28 @@ void StopTracking(Tracker* tracker) {
   std::erase(state.list, tracker);
 }
 
+// What waits behind the newest tracker never sees a button come up again.
+static void ReleaseOlder(const std::vector<Tracker*>& trackers, Event release) {
+  release.window = nullptr;
+  for (size_t i = trackers.size() - 1; i-- > 0;) {
+    Tracker* t = trackers[i];
+    const bool waits = std::find(state.list.begin(), state.list.end(), t) != state.list.end();
+    if (waits && TrackerLives(*t)) t->ask(t->data, &release);
+  }
+}
+
 Tracking AskNewestTracker(Event* event) {
   std::erase_if(state.list, [](const Tracker* t) { return !TrackerLives(*t); });
   trackers_wait = !state.list.empty();
   if (!trackers_wait) return Tracking::kPass;
   const Tracker* t = state.list.back();
-  return t->ask(t->data, event);
+  const bool release = event->cls == kEventClassMouse && event->kind == kEventMouseUp;
+  if (!release || state.list.size() == 1) return t->ask(t->data, event);
+  const std::vector<Tracker*> all = state.list;
+  const Event before = *event;
+  const Tracking answer = t->ask(t->data, event);
+  if (answer != Tracking::kLater) ReleaseOlder(all, before);
+  return answer;
 }
 
 void FinishTrackers() {

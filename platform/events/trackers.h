@@ -10,7 +10,7 @@ namespace platform {
 enum class Tracking : uint8_t {
   kPass,   // it is not the tracker's: the handlers get it
   kTake,   // the tracker has dealt with it
-  kLater,  // as kPass; in a nested wait of the tracker it lies by until the wait is over
+  kLater,  // as kPass; in a nested wait of the tracker it is deferred until the wait is over
 };
 
 // Asked for each event of the platform, never for those that the program has posted.
@@ -23,8 +23,8 @@ struct Tracker {
   uint64_t owner_serial = 0;  // set by StartTracking
 };
 
-// The newest is asked first, and only that one. One that is there already moves to the front; null
-// is ignored.
+// The newest is asked first, and only that one; those behind it hear of a button that comes up then
+// as of one that no window got. One that is there already moves to the front; null is ignored.
 void StartTracking(Tracker* tracker);
 void StopTracking(Tracker* tracker);
 // Whether its owner is alive.

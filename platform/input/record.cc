@@ -25,6 +25,8 @@ constexpr char kHeading[] = "xw-record 1\n";
 constexpr double kDigit = 1e-6;
 // Seconds that the replay waits for a take beyond its time.
 constexpr double kTakePatience = 20;
+// Bytes of a text that another program has given.
+constexpr size_t kLongestText = 1 << 20;
 // Beyond what a real clock's waits miss.
 constexpr double kLate = 0.005;
 
@@ -107,7 +109,9 @@ void Play(const RecordLine& line) {
   raw.time = line.raw.time + Current().start;
   raw.window = line.window ? WindowOfNumber(line.window) : nullptr;
   raw.under = line.under < 0 ? raw.window : WindowOfNumber(unsigned(line.under));
-  if (raw.type == RawEvent::kOpenFile) raw.text = line.path.c_str();
+  std::string text = line.path;
+  if (raw.type == RawEvent::kOpenFile) raw.text = text.c_str();
+  if (line.has_text) raw.arrived = &text;
   TranslateRawEvent(raw);
 }
 
@@ -178,7 +182,10 @@ void TakeReport(const RawEvent& raw) {
       line.under = IsValidWindow(raw.under) ? raw.under->number : 0;
   }
   if (raw.text) line.path = raw.text;
-  Write(line);
+  line.has_text = raw.arrived != nullptr;
+  if (raw.arrived) line.path = *raw.arrived;
+  // What would be a line without end is missing in the file, and comes too late in the replay.
+  if (line.path.size() <= kLongestText) Write(line);
   TranslateRawEvent(raw);
 }
 

@@ -3,13 +3,14 @@
 // XW_RECORD=file writes each report of the display and each request of the desktop as a line, when
 // it is taken in. XW_REPLAY=file plays such a file back: the reports come at their times, and the
 // display's own input is ignored, but for what it needs to show its windows. Timers, redraws and
-// posted events are not in the file: they arise anew.
+// posted events are not in the file: they arise again.
 //
 //     xw-record 1
 //     0.350000 press w1 x=20 y=54 rx=50 ry=134 button=1 at=0.349
 //     0.351200 configure w1 rx=30 ry=80 w=800 h=600
 //     0.400000 take server 51f0 quiet 0
 //     1.200000 open /home/mia/report.pdf
+//     1.300000 text 1 :what another program had on the clipboard
 //
 // The first column is when it was taken in, in seconds since the session began; a '+' behind it
 // says that timers had fired at that moment already. wN is the Nth window that was made. What is 0

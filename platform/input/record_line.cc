@@ -15,15 +15,25 @@ struct KindRow {
   const char* name;
 };
 constexpr KindRow kKinds[] = {
-    {RawEvent::kMotion, "motion"},       {RawEvent::kPress, "press"},
-    {RawEvent::kRelease, "release"},     {RawEvent::kScroll, "scroll"},
-    {RawEvent::kKeyDown, "key-down"},    {RawEvent::kKeyRepeat, "key-repeat"},
-    {RawEvent::kKeyUp, "key-up"},        {RawEvent::kModifiers, "modifiers"},
-    {RawEvent::kConfigure, "configure"}, {RawEvent::kClose, "close"},
-    {RawEvent::kFocusIn, "focus"},       {RawEvent::kFocusOut, "unfocus"},
-    {RawEvent::kQuit, "quit"},           {RawEvent::kPreferences, "preferences"},
-    {RawEvent::kOpenFile, "open"},       {RawEvent::kLeave, "leave"},
-    {RawEvent::kGrabLost, "grab-lost"},  {RawEvent::kGrabLost, "grab-lost"},
+    {RawEvent::kMotion, "motion"},
+    {RawEvent::kPress, "press"},
+    {RawEvent::kRelease, "release"},
+    {RawEvent::kScroll, "scroll"},
+    {RawEvent::kKeyDown, "key-down"},
+    {RawEvent::kKeyRepeat, "key-repeat"},
+    {RawEvent::kKeyUp, "key-up"},
+    {RawEvent::kModifiers, "modifiers"},
+    {RawEvent::kConfigure, "configure"},
+    {RawEvent::kClose, "close"},
+    {RawEvent::kFocusIn, "focus"},
+    {RawEvent::kFocusOut, "unfocus"},
+    {RawEvent::kQuit, "quit"},
+    {RawEvent::kPreferences, "preferences"},
+    {RawEvent::kOpenFile, "open"},
+    {RawEvent::kLeave, "leave"},
+    {RawEvent::kGrabLost, "grab-lost"},
+    {RawEvent::kTextArrived, "text"},
+    {RawEvent::kSelectionLost, "text-lost"},
 };
 
 // One of these points at a field of a report.
@@ -67,8 +77,8 @@ void Put(std::string* text, const char* name, double value) {
 std::string Escaped(const std::string& path) {
   std::string text;
   for (char c : path) {
-    if (c == '\n' || c == '\\') text += '\\';
-    text += c == '\n' ? 'n' : c;
+    if (c == '\n' || c == '\\' || c == 0) text += '\\';
+    text += c == '\n' ? 'n' : c == 0 ? '0' : c;
   }
   return text;
 }
@@ -78,7 +88,7 @@ std::string Unescaped(const std::string& text) {
   for (size_t i = 0; i < text.size(); ++i) {
     const bool escape = text[i] == '\\' && i + 1 < text.size();
     if (escape) ++i;
-    path += escape && text[i] == 'n' ? '\n' : text[i];
+    path += escape && text[i] == 'n' ? '\n' : escape && text[i] == '0' ? '\0' : text[i];
   }
   return path;
 }
@@ -151,6 +161,27 @@ bool ParseFields(std::istringstream* in, RecordLine* line) {
   return true;
 }
 
+// The number of a request, and its answer behind a colon, if there was one; a selection.
+std::string FormatSelection(const RecordLine& line) {
+  if (line.raw.type == RawEvent::kSelectionLost)
+    return line.raw.selection ? "primary" : "clipboard";
+  return std::to_string(line.raw.request) + (line.has_text ? " :" + Escaped(line.path) : "");
+}
+
+bool ParseSelection(const std::string& rest, RecordLine* line) {
+  if (line->raw.type == RawEvent::kSelectionLost) {
+    line->raw.selection = rest == "primary";
+    return rest == "primary" || rest == "clipboard";
+  }
+  char* end = nullptr;
+  const unsigned long number = strtoul(rest.c_str(), &end, 10);
+  line->raw.request = int(number);
+  line->has_text = end[0] == ' ' && end[1] == ':';
+  if (line->has_text) line->path = Unescaped(end + 2);
+  return isdigit(uint8_t(rest[0])) && number >= 1 && number <= INT32_MAX &&
+         (line->has_text || !*end);
+}
+
 // What remains of the line behind one blank.
 std::string Rest(std::istringstream* in) {
   std::string rest;
@@ -164,9 +195,13 @@ bool IsDisplaysOwn(RawEvent::Type type) {
   return !KindName(type);
 }
 
+static bool NamesSelection(RawEvent::Type type) {
+  return type == RawEvent::kTextArrived || type == RawEvent::kSelectionLost;
+}
+
 bool NamesWindow(RawEvent::Type type) {
   return type != RawEvent::kQuit && type != RawEvent::kPreferences && type != RawEvent::kOpenFile &&
-         type != RawEvent::kGrabLost;
+         type != RawEvent::kGrabLost && !NamesSelection(type);
 }
 
 std::string FormatRecordLine(const RecordLine& line) {
@@ -178,6 +213,7 @@ std::string FormatRecordLine(const RecordLine& line) {
   if (line.take()) return text + "take " + line.what + " " + line.detail;
   text += KindName(line.raw.type);
   if (line.raw.type == RawEvent::kOpenFile) return text + " " + Escaped(line.path);
+  if (NamesSelection(line.raw.type)) return text + " " + FormatSelection(line);
   if (line.window) text += " w" + std::to_string(line.window);
   const RawEvent& r = line.raw;
   for (const FieldRow& row : kFields)
@@ -223,6 +259,7 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
     line->path = Unescaped(Rest(&in));
     return !line->path.empty();
   }
+  if (NamesSelection(line->raw.type)) return ParseSelection(Rest(&in), line);
   if (!NamesWindow(line->raw.type)) return ParseFields(&in, line);
   const std::streampos fields = in.tellg();
   // A release that no window hears of names none.

@@ -12,7 +12,8 @@ struct RecordLine {
   unsigned window = 0;       // its number, 0 none
   int64_t under = -1;        // that of the window under the pointer, 0 none; -1: the same
   RawEvent raw;              // without its window; `time` since the session began
-  std::string path;          // of an open request
+  std::string path;          // of an open request; the text of an answer
+  bool has_text = false;     // it is no answer of none
   std::string what, detail;  // of a take
   unsigned asked = 0;        // how often it had been asked for at that very moment before
   bool take() const { return !what.empty(); }

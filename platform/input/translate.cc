@@ -270,7 +270,14 @@ void TakeRawEvents() {
   // descriptor then no longer shows.
   TakeFromSources();
   while (TakePostedRawEvent(&raw)) TakeReport(raw);
-  while (d->next_event(&raw)) TakeReport(raw);
+  while (d->next_event(&raw)) {
+    if (raw.type != RawEvent::kNone) {
+      TakeReport(raw);
+      continue;
+    }
+    intake_hints.ReportWaits();
+    break;
+  }
   if (Replaying()) ReplayDue();
   UpdateActivation();
 }

@@ -101,7 +101,7 @@ bool ReceiveWithUpkeep(double timeout, Event* out) {
     // Answers that were waited for may have brought reports along, which the descriptor then no
     // longer shows.
     TakeRawEvents();
-    if (!queue.empty() || DrawEventWaits()) continue;
+    if (!queue.empty() || DrawEventWaits() || intake_hints.waiting) continue;
     double wait = NextTimer(now);
     if (double replay = NextReplay(now); replay >= 0 && (wait < 0 || replay < wait)) wait = replay;
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;

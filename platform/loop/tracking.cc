@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
@@ -13,21 +14,21 @@
 namespace platform {
 namespace {
 
-// Collects what lies by, and puts it before everything else at the end.
+// Collects deferred events, and puts it before everything else at the end.
 class NestedWait {
  public:
   NestedWait() {
-    list_.outer = main_event_queue.lying_by;
-    main_event_queue.lying_by = &list_;
+    list_.outer = main_event_queue.deferred;
+    main_event_queue.deferred = &list_;
   }
   ~NestedWait() {
-    main_event_queue.lying_by = list_.outer;
+    main_event_queue.deferred = list_.outer;
     main_event_queue.Prepend(list_.events);
   }
   NestedWait(const NestedWait&) = delete;
   NestedWait& operator=(const NestedWait&) = delete;
 
-  void LayBy(const Event& e) {
+  void Defer(const Event& e) {
     if (!e.posted()) {
       list_.events.push_back(e);
       return;
@@ -39,7 +40,7 @@ class NestedWait {
   }
 
  private:
-  LyingBy list_;
+  DeferredEvents list_;
 };
 
 }  // namespace
@@ -69,12 +70,12 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
     if (const double timer = NextTimer(now); timer >= 0 && (left < 0 || timer < left)) left = timer;
     if (!ReceiveNextEvent(left, &e)) continue;
     if (e.posted()) {
-      wait.LayBy(e);
+      wait.Defer(e);
       continue;
     }
     const Tracking answer = AskTracker(&e);
     if (answer == Tracking::kLater)
-      wait.LayBy(e);
+      wait.Defer(e);
     else if (answer == Tracking::kPass)
       DispatchEvent(&e);
     else
@@ -96,6 +97,8 @@ struct TextWait {
 }  // namespace
 
 void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data) {
+  const SharedText own = OfferedText(which);
+  if (own || timeout_ms < 1 || !CurrentDisplay()) return arrived(data, own.get());
   TextWait wait{arrived, data};
   wait.request = AskText(
       which, timeout_ms,
@@ -109,8 +112,8 @@ void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* dat
   tracker.data = &wait;
   tracker.ask = [](void* waiting, Event* e) {
     const auto* w = static_cast<const TextWait*>(waiting);
-    const bool own = e->cls == kEventClassClipboard && int(e->request.id) == w->request;
-    return own ? Tracking::kPass : Tracking::kLater;
+    const bool answer = e->cls == kEventClassClipboard && int(e->request.id) == w->request;
+    return answer ? Tracking::kPass : Tracking::kLater;
   };
   WaitTracking(
       &tracker, [](void* waiting) { return static_cast<const TextWait*>(waiting)->done; },

@@ -12,8 +12,8 @@ enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 // see them, and they come first afterwards. `timeout` in seconds, as for ReceiveNextEvent.
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout);
 
-// Asks for the text of a selection and waits for the answer, as AskText tells: `arrived` has run
-// when this returns, unless the queue was emptied meanwhile.
+// As AskText, and waits for the answer: the callback has run when this returns, unless the wait was
+// longer than it may be. What the program offers itself is there at once, without a wait.
 void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data);
 
 // Shows a menu at a global point until an item is chosen, which comes as the menu's id (high 16

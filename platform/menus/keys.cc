@@ -1,6 +1,6 @@
 // What keys do in open menus.
 #include "platform/events/key_characters.h"
-#include "platform/menus/session.h"
+#include "platform/menus/open_menus.h"
 #include "platform/text/letters.h"
 
 namespace platform {
@@ -15,7 +15,7 @@ void NextTitle(int step) {
   const int n = int(titles.size());
   int at = 0;
   for (int i = 0; i < n; ++i)
-    if (titles[size_t(i)].menu == menu_session.levels.front().menu) at = i;
+    if (titles[size_t(i)].menu == open_menus.levels.front().menu) at = i;
   for (int k = 0; k < n; ++k) {
     at = (at + step + n) % n;
     MenuRef m = titles[size_t(at)].menu;
@@ -32,7 +32,7 @@ void SelectByLetter(MenuLevel* l, char32_t letter) {
 }
 
 void Leave() {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (s.levels.size() > 1)
     PopLevels(s.levels.size() - 1);
   else
@@ -42,7 +42,7 @@ void Leave() {
 }  // namespace
 
 void MenuKey(const Event& e) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   const size_t level = s.levels.size() - 1;
   MenuLevel* l = &s.levels[level];
   s.pressed = true;

@@ -4,7 +4,7 @@
 
 #include "platform/access/access.h"
 #include "platform/graphics/context.h"
-#include "platform/menus/session.h"
+#include "platform/menus/open_menus.h"
 #include "platform/theme/metrics.h"
 #include "platform/theme/roles.h"
 #include "platform/theme/theme.h"
@@ -13,7 +13,6 @@
 namespace platform {
 namespace {
 
-constexpr size_t kDeepest = 16;
 constexpr int kCornerOfMenus = 5;
 constexpr int kInset = kMenuBorder + kMenuPadding;  // above the first row
 
@@ -74,7 +73,7 @@ void DrawFrame(ContextRef c, const MenuLevel& l) {
 }
 
 MenuLevel* LevelOf(WindowRef w) {
-  for (MenuLevel& l : menu_session.levels)
+  for (MenuLevel& l : open_menus.levels)
     if (l.window == w) return &l;
   return nullptr;
 }
@@ -104,7 +103,7 @@ OSStatus DrawContent(HandlerCall*, Event* event, void*) {
 
 }  // namespace
 
-MenuSession menu_session;
+OpenMenus open_menus;
 
 void DrawLevel(MenuLevel* l, bool all) {
   ContextRef c = CreateContext(l->window);
@@ -122,8 +121,8 @@ void DrawLevel(MenuLevel* l, bool all) {
 }
 
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
-  MenuSession& s = menu_session;
-  if (!IsValidMenu(m) || s.levels.size() >= kDeepest) return false;
+  OpenMenus& s = open_menus;
+  if (!IsValidMenu(m) || s.levels.size() >= size_t{kDeepestMenu}) return false;
   for (const MenuLevel& l : s.levels)
     if (l.menu == m) return false;
   Event opening(kEventClassMenu, kEventMenuOpening);
@@ -135,14 +134,15 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   l.menu = m;
   l.layout = LayOutMenu(*m);
   if (l.layout.rows.empty()) return false;
+  l.least_width = place.width;
   PopUpPlace sized = place;
-  sized.width = std::max(place.width, l.layout.width);
+  sized.width = std::max(l.least_width, l.layout.width);
   sized.height = l.layout.height;
   l.window = CreatePopUpWindow(parent, sized);
   if (!l.window) return false;
-  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}};
   constexpr EventKind kPlaced[] = {{kEventClassWindow, kEventWindowBoundsChanged}};
-  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 1, nullptr);
+  constexpr EventKind kDraw[] = {{kEventClassWindow, kEventWindowDrawContent}, kPlaced[0]};
+  InstallEventHandler(GetWindowEventTarget(l.window), DrawContent, kDraw, 2, nullptr);
   InstallEventHandler(GetWindowEventTarget(l.window), Placed, kPlaced, 1, nullptr);
   SetWindowBackgroundColor(l.window, RoleColor(Role::kFace));
   s.levels.push_back(l);
@@ -153,8 +153,17 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   return true;
 }
 
+void FitLevel(const MenuLevel& l) {
+  PopUpPlace place = l.window->place;
+  const int width = std::max(l.least_width, l.layout.width);
+  if (place.width == width && place.height == l.layout.height) return;
+  place.width = width;
+  place.height = l.layout.height;
+  SetPopUpPlace(l.window, place);
+}
+
 void PopLevels(size_t keep) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   while (s.levels.size() > keep) {
     const WindowRef w = s.levels.back().window;
     if (IsValidMenu(s.levels.back().menu))
@@ -165,7 +174,7 @@ void PopLevels(size_t keep) {
 }
 
 bool OpenSubMenu(size_t level, bool select_first) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (level >= s.levels.size()) return false;
   MenuLevel& l = s.levels[level];
   const MenuLayout::Row* row = RowOf(l, l.selected);

@@ -64,7 +64,7 @@ void DrawMenuRow(ContextRef c, const Menu& m, const MenuLayout::Row& row, const 
                  bool selected, bool erased);
 constexpr int kMenuBorder = 1, kMenuPadding = 4, kMenuScrollHeight = 16;
 
-// --- session.cc
+// --- open_menus.cc
 // Closes what is open if it shows this menu, with nothing chosen.
 void MenuEnds(const Menu* m);
 // What it shows has changed.

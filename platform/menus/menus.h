@@ -19,6 +19,10 @@ enum MenuItemAttributes : uint32_t {
   kMenuItemAttrSeparator = 64,
 };
 
+// Menus hang in each other at most so deep; what is deeper is not there. One menu may hang in many
+// places, and so be described many times: no more items than this of one title or pop-up.
+constexpr int kDeepestMenu = 64, kMostDescribedItems = 4096;
+
 // --- Menus and their items
 
 // Empty. `id` says which menu an item was chosen from.
@@ -103,11 +107,15 @@ struct DescribedMenuItem {
   std::string text, key;
   Rect bounds;  // global; empty while it is not open
   bool enabled = false, checked = false, separator = false, selected = false;
+  bool opens = false;                    // a sub-menu
   std::vector<DescribedMenuItem> items;  // of its sub-menu
 };
 // The titles of the bar, and the menus that are open as a pop-up.
 std::vector<DescribedMenuItem> DescribeMenuBar();
 std::vector<DescribedMenuItem> DescribeOpenPopUp();
+// Chooses an item of the menus that are open, or when none is, one below the bar, as a click would.
+// False when there is no such item that can be chosen.
+bool ChooseDescribedItem(uint64_t serial);
 
 void InitMenus();
 void FinishMenus();

@@ -5,4 +5,4 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/layout.cc
   ${CMAKE_CURRENT_LIST_DIR}/levels.cc
   ${CMAKE_CURRENT_LIST_DIR}/menus.cc
-  ${CMAKE_CURRENT_LIST_DIR}/session.cc)
+  ${CMAKE_CURRENT_LIST_DIR}/open_menus.cc)

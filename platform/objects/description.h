@@ -26,6 +26,7 @@ enum class ObjectRole : uint8_t {
   kList,
   kRow,  // of a list
   kPopUpButton,
+  kTextField,
 };
 
 enum ObjectState : uint32_t {
@@ -40,6 +41,7 @@ enum ObjectState : uint32_t {
   kIsActive = 256,  // a window that looks so
   kHasMenu = 512,   // opens one
   kIsSelected = 1024,
+  kIsReadOnly = 2048,  // a text that cannot be changed
 };
 
 // What can be done to it; bits.

@@ -62,6 +62,23 @@ bool IsAscii(std::string_view text) {
   return all < 0x80;
 }
 
+bool IsUtf8(std::string_view text) {
+  constexpr uint64_t kHigh = 0x8080808080808080;
+  const uint8_t* p = reinterpret_cast<const uint8_t*>(text.data());
+  for (const uint8_t* end = p + text.size(); p < end;) {
+    uint64_t eight = kHigh;
+    if (end - p >= 8) std::memcpy(&eight, p, 8);
+    if (!(eight & kHigh)) {
+      p += 8;
+      continue;
+    }
+    int length;
+    if (Read(p, size_t(end - p), &length) == 0xFFFD && length == 1) return false;
+    p += length;
+  }
+  return true;
+}
+
 std::string ValidUtf8(std::string_view text) {
   std::string valid;
   valid.reserve(text.size());

@@ -15,6 +15,7 @@ char32_t TakeUtf8(std::string_view* text);
 int PutUtf8(char32_t c, char out[4]);
 // Whether all characters are below 128.
 bool IsAscii(std::string_view text);
+bool IsUtf8(std::string_view text);
 // The text with U+FFFD in place of each byte that is not UTF-8.
 std::string ValidUtf8(std::string_view text);
 // The length of the longest beginning of at most `size` bytes that ends between two characters.

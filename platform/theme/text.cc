@@ -10,14 +10,10 @@ namespace {
 constexpr int kBigSystemFont = -1, kViewsFont = 3;
 constexpr const char* kEllipsis = "…";
 
-struct TextFont {
-  SizedFont* font = nullptr;
-  int ascent = 0, descent = 0;
-};
 enum Which { kPlain, kBold, kView, kFonts };
-TextFont fonts[kFonts];
+ThemeTextFont fonts[kFonts];
 
-TextFont Open(Which which) {
+ThemeTextFont Open(Which which) {
   const ThemeFont theme = GetThemeFont(which == kView ? kViewsFont : kBigSystemFont);
   const FontFace* face = which == kBold ? FindFont((theme.family + " Bold").c_str()) : nullptr;
   if (!face) face = FindFont(theme.family.c_str());
@@ -30,7 +26,7 @@ TextFont Open(Which which) {
 
 // Lays the text out so that it is no wider than `width`, with an ellipsis at the end of one that is
 // cut. The logical width of the result.
-int LayOutCut(const TextFont& font, const std::string& text, int width, TextLine* line) {
+int LayOutCut(const ThemeTextFont& font, const std::string& text, int width, TextLine* line) {
   const TextScale scale = GetTextScale(font.font);
   // No further than what shows and one cluster more.
   LayOutText(font.font, text, line,
@@ -45,20 +41,24 @@ int LayOutCut(const TextFont& font, const std::string& text, int width, TextLine
   return scale.Pixels(line->width());
 }
 
-const TextFont& FontOf(Which which) {
-  TextFont& f = fonts[which];
+const ThemeTextFont& FontOf(Which which) {
+  ThemeTextFont& f = fonts[which];
   if (!f.font) f = Open(which);
   return f;
 }
 
 }  // namespace
 
+ThemeTextFont GetViewTextFont() {
+  return FontOf(kView);
+}
+
 void FinishThemeText() {
-  for (TextFont& f : fonts) f = TextFont();
+  for (ThemeTextFont& f : fonts) f = ThemeTextFont();
 }
 
 int ThemeTextWidth(const std::string& text, bool bold) {
-  const TextFont& font = FontOf(bold ? kBold : kPlain);
+  const ThemeTextFont& font = FontOf(bold ? kBold : kPlain);
   if (!font.font) return 0;
   TextLine line;
   LayOutText(font.font, text, &line);
@@ -67,7 +67,7 @@ int ThemeTextWidth(const std::string& text, bool bold) {
 
 void DrawThemeText(ContextRef c, const Rect& r, const std::string& text,
                    const ThemeTextStyle& style) {
-  const TextFont& font = FontOf(style.view ? kView : style.bold ? kBold : kPlain);
+  const ThemeTextFont& font = FontOf(style.view ? kView : style.bold ? kBold : kPlain);
   if (!font.font || text.empty() || r.empty()) return;
   static TextLine line;
   const int width = LayOutCut(font, text, r.width(), &line);

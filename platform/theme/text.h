@@ -20,6 +20,12 @@ void DrawThemeText(ContextRef c, const Rect& r, const std::string& text,
                    const ThemeTextStyle& style);
 // Rounded up.
 int ThemeTextWidth(const std::string& text, bool bold);
+// The smaller font, for those who lay out lines themselves. Null when there is none at all.
+struct ThemeTextFont {
+  SizedFont* font = nullptr;
+  int ascent = 0, descent = 0;  // pixels
+};
+ThemeTextFont GetViewTextFont();
 void FinishThemeText();
 
 }  // namespace platform

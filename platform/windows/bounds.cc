@@ -115,8 +115,8 @@ void ResizeSurface(WindowRef w) {
   if (old_width != s.width) DrawFrame(w);
 }
 
-// Takes `content` as the window's bounds. True when it grew.
-static bool TakeBounds(WindowRef w, const Rect& content) {
+// Makes `content` the window's bounds. True when it grew.
+static bool ApplyBounds(WindowRef w, const Rect& content) {
   Rect old = w->content;
   SetContent(w, content);
   if (SameSize(old, content)) return false;
@@ -143,7 +143,7 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
     w->widest = std::max(w->widest, content.width());
     w->tallest = std::max(w->tallest, content.height());
   }
-  TakeBounds(w, content);
+  ApplyBounds(w, content);
   w->refused = {};
   w->full_bounds = false;
   if (!SameSize(old, content)) CurrentDisplay()->update(w, kUpdateHints);
@@ -160,7 +160,7 @@ static bool IsScale(double scale) {
   return scale >= kLeastScale && scale <= kMostScale;
 }
 
-// The window keeps its place on the screen and its logical size; its pixels are made anew. `ask`:
+// The window keeps its place on the screen and its logical size; its pixels are made again. `ask`:
 // the display is asked for the size that this makes.
 static void Rescale(WindowRef w, double scale, bool ask) {
   if (w->surface.scale == scale) return;
@@ -201,11 +201,11 @@ OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
       wanted = reported;
     } else {
       w->refused = reported;
-      TakeBounds(w, wanted);
+      ApplyBounds(w, wanted);
       CurrentDisplay()->move_resize(w);
     }
   }
-  if (!(w->content == wanted)) TakeBounds(w, wanted);
+  if (!(w->content == wanted)) ApplyBounds(w, wanted);
   // What is replayed the desktop does not know of.
   if (event->bounds.replayed) CurrentDisplay()->move_resize(w);
   // The desktop may report the place before the size that comes back.

@@ -11,7 +11,7 @@ static constexpr int kCursorSide = 32;
 
 CursorRef CreateDesktopCursor(DesktopCursor which) {
   static constexpr Cursor::Shape kShapes[] = {Cursor::kPicture, Cursor::kArrow, Cursor::kCrosshair,
-                                              Cursor::kOpenHand};
+                                              Cursor::kOpenHand, Cursor::kText};
   if (which == DesktopCursor::kNone) return nullptr;
   auto* c = new Cursor;
   c->shape = kShapes[int(which)];

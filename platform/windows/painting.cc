@@ -69,7 +69,7 @@ void ValidateWindow(WindowRef w) {
   w->needs_draw = false;
 }
 
-static void Present(WindowRef w) {
+static void PresentWindow(WindowRef w) {
   std::vector<DeviceRect>& rects = Windows().rects;
   if (!w->visible || !w->surface.pixels || w->surface.damage.empty()) return;
   rects.clear();
@@ -102,7 +102,7 @@ bool DrawEventWaits() {
 }
 
 void PresentWindows() {
-  for (WindowRef w : WindowList()) Present(w);
+  for (WindowRef w : WindowList()) PresentWindow(w);
 }
 
 void FlushWindow(WindowRef w) {
@@ -110,7 +110,7 @@ void FlushWindow(WindowRef w) {
   if (!w)
     PresentWindows();
   else if (IsValidWindow(w))
-    Present(w);
+    PresentWindow(w);
   CurrentDisplay()->flush(true);
 }
 

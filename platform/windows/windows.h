@@ -48,8 +48,8 @@ void SetFrontProcess();
 // Title in UTF-8, copied. The modified mark shows before it.
 void SetWindowTitle(WindowRef w, const char* utf8);
 void SetWindowModified(WindowRef w, bool modified);
-// The program's icon at this size, width and height in pixels: 0xAARRGGBB, colours not multiplied by
-// alpha. Copied; null takes that size away. Sizes outside 1 to 256 are ignored.
+// The program's icon at this size, width and height in pixels: 0xAARRGGBB, colours not multiplied
+// by alpha. Copied; null takes that size away. Sizes outside 1 to 256 are ignored.
 void SetProgramIcon(const uint32_t* argb, int size);
 void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear);
 void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);
@@ -125,7 +125,7 @@ uint32_t WindowGeneration(WindowRef w);
 // --- Cursors ------------------------------------------------------------------------------------
 
 // A picture of at most 32 x 32 logical pixels, 0xAARRGGBB, or one of the desktop's own.
-enum class DesktopCursor { kNone, kArrow, kCrosshair, kOpenHand };
+enum class DesktopCursor { kNone, kArrow, kCrosshair, kOpenHand, kText };
 // All live until ReleaseCursor. Null for a size outside 1..32.
 CursorRef CreateDesktopCursor(DesktopCursor which);
 CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const uint32_t* argb);

@@ -40,7 +40,7 @@ class ConsoleTest : public testing::Test {
     home_.Folder("Empty");
     home_.File(std::string(kFolder) + "/" + kLongName, document_);
     home_.File(std::string(kFolder) + "/second.txt", "a few words\n");
-    home_.File("letter.txt", Bytes(100000));  // more than a slow printer prints meanwhile
+    home_.File("letter.txt", Bytes(100000));  // more than a slow printer prints in a test
   }
 
   // After this the console is shown; its window's own time runs when the test lets it.

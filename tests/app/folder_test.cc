@@ -68,7 +68,7 @@ TEST_F(FolderTest, OneThatHangsHoldsUpNothing) {
   Key(kF5Key);
   Turn(150);
   EXPECT_EQ(gate->Waiting(), 1);
-  // Another folder is entered meanwhile. What comes late is not shown.
+  // Another folder is entered before that one has come. What comes late is not shown.
   Click(FileRow("Empty"));
   Key(kReturnKey);
   ASSERT_TRUE(HasRead());

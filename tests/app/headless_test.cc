@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <algorithm>
+
 #include "app/texts.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
@@ -61,6 +63,20 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   char id[33];
   NC_FormatId(job.id, id);
   EXPECT_EQ(testing_daemon::ReadWhole(daemon.Path("jobs/" + std::string(id) + ".doc")), document_);
+}
+
+TEST_F(ConsoleTest, AnInactiveWindowShowsThatKeysGoElsewhere) {
+  Open("127.0.0.9:1");
+  Click(FileRow("letter.txt"));
+  const Area row = FileRow("letter.txt");
+  const uint32_t active = At(row.x + 2, row.y + 2);
+  display::Focus(static_cast<platform::WindowRef>(pump_->platform));
+  Turn(2);
+  EXPECT_NE(At(row.x + 2, row.y + 2), active);
+  EXPECT_FALSE(HasKeyboard(c_, FocusStop::kFiles));
+  display::Focus(static_cast<platform::WindowRef>(c_->window->platform));
+  Turn(2);
+  EXPECT_EQ(At(row.x + 2, row.y + 2), active);
 }
 
 TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
@@ -164,8 +180,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
 
   // Tab goes round; each stop takes its keys.
   for (int i = 0; i < int(FocusStop::kCopies); ++i) Key(kTabKey);
-  Key(0xFF52);
-  Key(0xFF55);
+  for (char typed : {'1', '2', 'x'}) Key(uint8_t(typed), uint8_t(typed));
   EXPECT_EQ(c_->choice.copies, 12);
   Key(kTabKey);
   Key(0xFF57);
@@ -201,6 +216,74 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
+}
+
+// Where one came from is selected in the folder above; only places that a folder lies in are lit.
+TEST_F(ConsoleTest, CrumbsAndPlacesShowWhereOneIs) {
+  for (const char* name : {"user", "user/in", "user2"}) home_.Folder(name);
+  Open("127.0.0.0");
+  Enter(home_.At("user/in"));
+  PressCrumb(c_, 1000);
+  EXPECT_EQ(c_->folder.path(), home_.At("user/in"));
+  const std::string path = c_->folder.path();
+  PressCrumb(c_, int(std::count(path.begin(), path.end(), '/')) - 1);
+  EXPECT_TRUE(HasRead());
+  EXPECT_EQ(c_->folder.path(), home_.At("user"));
+  EXPECT_EQ(Selected(), "in");
+
+  const Area places = c_->layout.places;
+  const struct {
+    const char* folder;
+    uint32_t look;
+  } kRows[] = {{"user", 0x3875D7}, {"user/in", 0xD8D5CF}, {"user2", 0xF7F5F2}};
+  for (const auto& row : kRows) {
+    Enter(home_.At(row.folder));
+    c_->places = {{"Root", "/"}, {"User", home_.At("user")}};
+    c_->damage = kAllPanes;
+    DrawConsole(c_);
+    EXPECT_EQ(At(places.x + 8, places.y + 32 + 22 + 10), row.look) << row.folder;
+  }
+}
+
+TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
+  Open("127.0.0.0");
+  const Area slider = c_->layout.slider;
+  for (const auto& [x, priority] :
+       {std::pair(slider.x + 1, 1), {slider.right() - 2, 100}, {slider.x + slider.w / 2, 50}}) {
+    ClickAt(x, slider.y + slider.h / 2);
+    EXPECT_NEAR(c_->choice.priority, priority, 1);
+  }
+  NC_Printer first{}, standard{};
+  snprintf(first.name, sizeof first.name, "First");
+  snprintf(standard.name, sizeof standard.name, "Standard");
+  standard.is_default = 1;
+  auto printers = std::make_shared<std::vector<NC_Printer>>(100, first);
+  (*printers)[70] = standard;
+  c_->state.printers = printers;
+  EXPECT_STREQ(ChosenPrinter(c_)->name, "Standard");
+  // The list ends above the status line, and has the rows that there is room for.
+  Inp.px = c_->layout.printer.x + 5;
+  Inp.py = c_->layout.status.y;
+  EXPECT_FALSE(ListHoldsPointer(c_));
+  Inp.py -= 30;
+  EXPECT_TRUE(ListHoldsPointer(c_));
+
+  Turn(20);
+  const Area s = c_->layout.status;
+  const auto line = [&] {
+    std::vector<uint32_t> pixels;
+    for (int x = s.x + s.w / 2; x < s.right(); ++x)
+      for (int y = s.y + 8; y < s.bottom() - 8; y += 3) pixels.push_back(At(x, y));
+    return pixels;
+  };
+  const auto before = line();
+  Tell(c_, false, "Something went wrong, and this line says what");
+  Turn(10);
+  EXPECT_NE(line(), before);
+  Turn(330);
+  EXPECT_EQ(line(), before);
+  EXPECT_TRUE(AskBeforeQuit(c_)) << "nothing waits";
+  EXPECT_FALSE(c_->asking);
 }
 
 TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
@@ -330,6 +413,49 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   home_.File(std::string(kFolder) + "/third.txt", "x");
   ASSERT_TRUE(Until([&] { return c_->folder.count() == 3; }));
   EXPECT_EQ(Selected(), "second.txt");
+}
+
+TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
+  for (int i = 0; i < 60; ++i) home_.File("Empty/" + std::to_string(i), "x");
+  Open("127.0.0.2");
+  Enter(home_.At("Empty"));
+  const Area body = c_->files.Body();
+  ClickAt(body.right() + 7, body.bottom() - 5);
+  Turn(2);
+  EXPECT_EQ(c_->files.top(), body.h) << "a page";
+  display::MovePointer(c_->window->x + body.right() + 7, c_->window->y + body.y + body.h / 2);
+  display::Press(1);
+  display::MovePointer(c_->window->x + body.right() + 7, c_->window->y + 2000);
+  display::Release(1);
+  Turn(4);
+  EXPECT_EQ(c_->files.top(), 60 * Table::kRowHeight - body.h);
+  Enter(home_.At(kFolder));
+  EXPECT_EQ(c_->files.Body().right(), c_->layout.folder.right()) << "without a bar";
+
+  const Area slider = c_->layout.slider;
+  ClickAt(slider.right() - 1, slider.y + slider.h / 2);
+  EXPECT_EQ(c_->choice.priority, 100);
+  EXPECT_EQ(c_->stop, FocusStop::kPriority);
+  Key(0xFF51);
+  Key('-', '-');
+  Key(0xFF51);
+  EXPECT_EQ(c_->choice.priority, 97) << "its own keys, and the console's";
+  EXPECT_EQ(XwGetValue(c_->priority), 97);
+
+  Click(FileRow("second.txt"));
+  PrintSelected(c_);
+  EXPECT_FALSE(AskBeforeQuit(c_));
+  const std::string first = c_->folder.At(0).name;
+  Turn(2);
+  ClickAt(slider.x + 1, slider.y + slider.h / 2);
+  const Area head = c_->files.ColumnArea(0);
+  Click({head.x, head.y, head.w, Table::kHeaderHeight});
+  EXPECT_EQ(c_->choice.priority, 97);
+  EXPECT_EQ(c_->folder.At(0).name, first);
+  Key(0xFF1B);
+  ASSERT_FALSE(c_->asking);
+  Click({head.x, head.y, head.w, Table::kHeaderHeight});
+  EXPECT_NE(c_->folder.At(0).name, first) << "there again";
 }
 
 // Names that read alike without their codes, and names in other scripts.

@@ -92,7 +92,7 @@ TEST_F(SendingTest, WhatArrivedUnnoticedIsRemovedWithItsRow) {
   EXPECT_TRUE(QueueIs(0, 0));
 }
 
-// Another row is selected meanwhile: it stays so.
+// Another row is selected before the job comes: it stays so.
 TEST_F(SendingTest, AnotherSelectionStays) {
   PrintAndSelect("alone.pdf");
   ASSERT_TRUE(QueueIs(0, 0));

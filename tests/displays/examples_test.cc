@@ -42,6 +42,23 @@ const Example kExamples[] = {
        "click 28 164\nclick 264 186\nclick 380 108\nclick 200 284\nclick 200 284\n"
        "click 132 186\nclick 316 108\nclick 330 152"},
       {"inactive", "unfocus"}}},
+    {"05-fields",
+     "Fields",
+     {{"typed", "key 65367 key 65288 key 88 key 65289 key 49 key 50"},
+      {"combo", "click 389 73 key 65364 key 65364 key 65293"},
+      {"in-place", "click 60 283 key 65367 key 65288 key 65293"},
+      {"inactive", "unfocus"}}},
+    {"06-lists",
+     "Lists",
+     {{"keyboard", "key 65289 key 65367 key 65362"},
+      {"pressed", "click 200 116 click 170 168 press 60 97"},
+      {"changed", "click 60 97 click 340 114 click 340 46 key 65364 key 65364 key 65293"},
+      {"inactive", "unfocus"}}},
+    {"07-dialog",
+     "Dialog",
+     {{"keyboard", "key 65289 key 51 key 65289 key 65363 key 65289 key 65364"},
+      {"changed", "click 150 30 key 65364 key 65293 click 270 235 click 150 200 press 360 277"},
+      {"inactive", "unfocus"}}},
 };
 
 void PrintTo(const Example& e, std::ostream* out) {
@@ -74,7 +91,8 @@ void WriteRecording(const char* steps, const std::string& file) {
       if (step == "click") pointer("release", a, b);
     } else if (step == "key") {
       for (const char* kind : {"key-down", "key-up"})
-        line(kind) << " key=" << a << " base=" << a << '\n';
+        line(kind) << " key=" << a << " base=" << a << (a < 128 ? " char=" + std::to_string(a) : "")
+                   << '\n';
     } else {
       line(step.c_str()) << (a ? " modifiers=" + std::to_string(a) : "") << '\n';
     }

@@ -7,6 +7,7 @@
 
 #include "platform/display/headless/headless.h"
 #include "platform/display/pop_up.h"
+#include "platform/display/screens.h"
 #include "platform/display/window.h"
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
@@ -22,6 +23,9 @@ constexpr uint8_t kLB = kEdgeLeft | kEdgeBottom, kRB = kEdgeRight | kEdgeBottom,
 
 TEST(PopUps, LieBesideTheirAnchorAndOnTheScreen) {
   const DeviceRect screen{0, 0, 1000, 800};
+  const DeviceRect top{100, 100, 200, 120}, low{100, 700, 200, 720}, right{900, 100, 950, 120};
+  const DeviceRect tall{100, 300, 200, 500}, out{-50, 100, 0, 120}, corner{900, 700, 950, 750};
+  constexpr uint8_t kAll = kAdjustAll, kCut = kResizeX | kResizeY;
   const struct {
     const char* what;
     DeviceRect anchor;
@@ -29,68 +33,20 @@ TEST(PopUps, LieBesideTheirAnchorAndOnTheScreen) {
     int width, height;
     DeviceRect place;
   } rows[] = {
-      {"below", {100, 100, 200, 120}, kLB, kRB, kAdjustAll, 300, 50, {100, 120, 400, 170}},
-      {"beside", {100, 100, 200, 120}, kRT, kRB, kAdjustAll, 50, 60, {200, 100, 250, 160}},
-      {"above, ends aligned",
-       {100, 100, 200, 120},
-       kRT,
-       kLT,
-       kAdjustAll,
-       50,
-       60,
-       {150, 40, 200, 100}},
-      {"centred", {100, 100, 200, 120}, 0, 0, kAdjustAll, 40, 10, {130, 105, 170, 115}},
-      {"turned over", {100, 700, 200, 720}, kLB, kRB, kAdjustAll, 50, 100, {100, 600, 150, 700}},
-      {"turned to the left",
-       {900, 100, 950, 120},
-       kRT,
-       kRB,
-       kAdjustAll,
-       80,
-       60,
-       {820, 100, 900, 160}},
-      {"no room on either side",
-       {100, 300, 200, 500},
-       kLB,
-       kRB,
-       kAdjustAll,
-       50,
-       400,
-       {100, 400, 150, 800}},
-      {"may not turn", {100, 700, 200, 720}, kLB, kRB, kSlideY, 50, 100, {100, 700, 150, 800}},
-      {"slides back",
-       {-50, 100, 0, 120},
-       kLB,
-       kRB,
-       kAdjustAll & ~kFlipX,
-       80,
-       50,
-       {0, 120, 80, 170}},
-      {"larger than the screen",
-       {0, 100, 10, 120},
-       kLB,
-       kRB,
-       kAdjustAll,
-       1500,
-       900,
-       {0, 0, 1000, 800}},
-      {"its start comes first",
-       {500, 100, 510, 120},
-       kLB,
-       kRB,
-       kSlideX,
-       1500,
-       50,
-       {0, 120, 1500, 170}},
-      {"only cut",
-       {900, 700, 950, 750},
-       kLB,
-       kRB,
-       kResizeX | kResizeY,
-       300,
-       300,
-       {900, 750, 1000, 800}},
-      {"as it is", {900, 700, 950, 750}, kLB, kRB, 0, 300, 300, {900, 750, 1200, 1050}},
+      {"below", top, kLB, kRB, kAll, 300, 50, {100, 120, 400, 170}},
+      {"beside", top, kRT, kRB, kAll, 50, 60, {200, 100, 250, 160}},
+      {"above, ends aligned", top, kRT, kLT, kAll, 50, 60, {150, 40, 200, 100}},
+      {"centred", top, 0, 0, kAll, 40, 10, {130, 105, 170, 115}},
+      {"just room", low, kLB, kRB, kAll, 50, 80, {100, 720, 150, 800}},
+      {"turned over", low, kLB, kRB, kAll, 50, 100, {100, 600, 150, 700}},
+      {"turned to the left", right, kRT, kRB, kAll, 80, 60, {820, 100, 900, 160}},
+      {"no room on either side", tall, kLB, kRB, kAll, 50, 400, {100, 400, 150, 800}},
+      {"may not turn", low, kLB, kRB, kSlideY, 50, 100, {100, 700, 150, 800}},
+      {"slides back", out, kLB, kRB, kAll & ~kFlipX, 80, 50, {0, 120, 80, 170}},
+      {"too large", {0, 100, 10, 120}, kLB, kRB, kAll, 1500, 900, {0, 0, 1000, 800}},
+      {"start first", {500, 100, 510, 120}, kLB, kRB, kSlideX, 1500, 50, {0, 120, 1500, 170}},
+      {"only cut", corner, kLB, kRB, kCut, 300, 300, {900, 750, 1000, 800}},
+      {"as it is", corner, kLB, kRB, 0, 300, 300, {900, 750, 1200, 1050}},
       {"elsewhere", {2000, 100, 2010, 110}, kLB, kRB, kResizeX, 0, -5, {2000, 110, 2001, 111}},
   };
   for (const auto& row : rows) {
@@ -155,6 +111,16 @@ TEST(PopUps, FollowParentAndScreen) {
   ShowWindow(menu);
   EXPECT_FALSE(menu->visible);
   EXPECT_EQ(CreatePopUpWindow(w, place), nullptr);
+}
+
+TEST(Screens, AScaleIsANumberAndNothingElse) {
+  const struct {
+    const char* text;
+    double scale;
+  } rows[] = {{"2", 2},   {"1.25", 1.25}, {"0.5", 0.5}, {"8", 8}, {"2x", 0},
+              {"2,0", 0}, {"8.1", 0},     {"0.4", 0},   {"", 0},  {" 2", 0},
+              {"1e0", 0}, {nullptr, 0},   {"nan", 0}};
+  for (const auto& row : rows) EXPECT_EQ(ScaleInText(row.text), row.scale) << row.text;
 }
 
 TEST(Screens, AreReadFromLeftToRight) {

@@ -79,6 +79,17 @@ TEST_F(Finder, WarmStartsDoNotAsk) {
   EXPECT_TRUE(InProcess([] { return Loads("Monaco", 0, "Monaco", true); }));
 }
 
+TEST_F(Finder, AnotherEnvironmentIsAskedAgain) {
+  const auto plain = [](bool asked) {
+    return InProcess([=] { return Loads("Quorvik Test", 0, "QuorvikTest", asked); });
+  };
+  EXPECT_TRUE(plain(true));
+  EXPECT_TRUE(plain(false));
+  fs::copy_file(root_ / "fonts.conf", root_ / "other.conf");
+  setenv("FONTCONFIG_FILE", (root_ / "other.conf").c_str(), 1);
+  EXPECT_TRUE(plain(true));
+}
+
 TEST_F(Finder, FontsInstalledLaterAreFound) {
   auto bold = [&](const char* name, bool asked) {
     return InProcess([&] { return Loads("Quorvik Test", 1, name, asked); });

@@ -83,7 +83,7 @@ TEST_F(Target, SubWindowsAreCutOutAndTranslated) {
   EXPECT_EQ(Count(0xFF0000), 40 * 30 - 6);
 }
 
-// Leaving a sub-window gives its context back the solid lines that it was made with.
+// Selecting another window gives its context back the solid lines that it was made with.
 TEST_F(Target, SubWindowsForgetDashes) {
   const uint8_t dashes[] = {2, 2, 0}, none[] = {0};
   XwShow(sub_, 1);

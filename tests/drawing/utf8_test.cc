@@ -143,10 +143,9 @@ TEST_F(Utf8Text, CaretsStandBetweenClusters) {
 TEST_F(Utf8Text, MarksStandOverTheirLetters) {
   UseScripts();
   XwFont* font = Dejavu();
-  const char* const same[][2] = {{"e\u0301", "\u00e9"},
-                                 {"o\u031b\u0323", "\u1ee3"},
-                                 {"\u304b\u3099", "\u304c"},
-                                 {"a\xff", "a\ufffd"},
+  const char* const same[][2] = {{"e\u0301", "\u00e9"},      {"o\u031b\u0323", "\u1ee3"},
+                                 {"l\u030cx", "\u013ex"},  // wider than the letter
+                                 {"\u304b\u3099", "\u304c"}, {"a\xff", "a\ufffd"},
                                  {"a\u200bb", "ab"}};
   for (const auto& [text, other] : same) EXPECT_EQ(Drawn(font, text), Drawn(font, other)) << text;
   for (const char* letter : {"x", "\u0e01", "\u0915"}) {
@@ -172,6 +171,7 @@ TEST_F(Utf8Text, WhatTheFontLacksComesFromTheFirstFileThatHasIt) {
   font = LoadFont("Quorvik Test", 10, 0);
   EXPECT_EQ(Drawn(font, "\u4e2d"), han);
   EXPECT_NE(Drawn(font, "\u03b1"), greek);
+  EXPECT_EQ(XwTextWidthUtf8(font, "c\u030c"), 6) << "the font's own letter stays";
 }
 
 TEST_F(Utf8Text, WhatNoFontHasIsABoxWithItsNumber) {
@@ -235,6 +235,8 @@ TEST_F(Utf8Text, ResultsAreCutBetweenCharacters) {
               {"e\u0301e\u0301", 6, 300, "", 0},
               {"a\xff", 100, 300, "a\ufffd", 4},
               {"a\xff", 100, 4, "a", 4},
+              {"\U0001F600b", 100, 4, "", 5},
+              {"\xf0\x80\x81\x81", 100, 300, "\ufffd\ufffd\ufffd\ufffd", 12},
               {"abc", 100, 1, "", 3},
               {"abc", 100, 0, "untouched", 3},
               {"abc", INT_MIN, 300, "", 0},

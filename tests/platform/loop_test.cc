@@ -72,7 +72,7 @@ class Loop : public ::testing::Test {
 // Takes what happens in the second window, leaves what happens in the first for later.
 struct Menu {
   WindowRef window, other;
-  int presses = 0;
+  int presses = 0, lost = 0;
   std::string seen{};
   Tracker tracker{Ask, this, nullptr, 0};
 
@@ -80,6 +80,7 @@ struct Menu {
     auto* m = static_cast<Menu*>(data);
     m->seen += (m->seen.empty() ? "" : " ") + Name(*e);
     if (e->cls == kEventClassMouse && e->kind == kEventMouseDown) ++m->presses;
+    if (e->cls == kEventClassMouse && e->kind == kEventMouseUp) m->lost += !e->window;
     if (e->window == m->other) return Tracking::kLater;
     return e->cls == kEventClassMouse ? Tracking::kTake : Tracking::kPass;
   }
@@ -101,7 +102,7 @@ TEST_F(Loop, ANestedWaitLeavesTheRestInOrder) {
   }());
   headless::Click(600, 200);
   EXPECT_EQ(WaitTracking(&menu.tracker, Menu::Pressed, kEventDurationForever), WaitEnd::kDone);
-  // What the tracker was asked about, and what lay by in the order in which it had come.
+  // What the tracker was asked about, and what was deferred in the order in which it had come.
   EXPECT_NE(menu.seen.find("mouse1"), std::string::npos);
   EXPECT_EQ(Drain(false), "a b mouse5 window72 mouse5 mouse2");
 }
@@ -110,7 +111,7 @@ TEST_F(Loop, WhatLiesByIsPurgedRemovedAndMergedWith) {
   Menu menu{second, first};
   static Menu* inner = nullptr;
   inner = &menu;
-  // In the middle of the wait, while the first motion over the other window lies by.
+  // In the middle of the wait, while the first motion over the other window is deferred.
   InstallEventLoopTimer(
       0.1, 0, [](EventLoopTimerRef, void*) { headless::MovePointer(220, 220); }, nullptr);
   InstallEventLoopTimer(
@@ -167,12 +168,31 @@ TEST_F(Loop, ATrackerSeesEventsBeforeHandlersAndEndsWithItsOwner) {
   Drain();
   EXPECT_EQ(handled, 0);
   EXPECT_EQ(menu.presses, 1);
+  // The newest one is asked, as long as its owner lives; another object in its place is none.
+  Menu newer{second, first};
+  const ObjectType type{ObjectKind::kControl, [](void*) {}, nullptr};
+  Object owner{&type, nullptr, 0, {}};
+  EnterObject(&owner);
+  newer.tracker.owner = &owner;
+  StartTracking(&newer.tracker);
+  headless::Click(600, 200);
+  Drain();
+  EXPECT_EQ(newer.presses, 1);
+  EXPECT_EQ(newer.lost, 0);
+  EXPECT_EQ(menu.lost, 1) << "where the button comes up is not its own";
+  EndObject(&owner);
+  EnterObject(&owner);
+  headless::Click(600, 200);
+  Drain();
+  EXPECT_EQ(newer.presses, 1);
+  EXPECT_EQ(menu.presses, 2);
+  EndObject(&owner);
   DisposeWindow(first);
   first = nullptr;
   headless::Click(600, 200);
   Drain();
   EXPECT_EQ(handled, 1);
-  EXPECT_EQ(menu.presses, 1);
+  EXPECT_EQ(menu.presses, 2);
 }
 
 // Five descriptors of two sources, and a stepped clock: the last one wakes the loop.
@@ -204,6 +224,7 @@ TEST_F(Loop, AnyDescriptorOfAnySourceWakesAWait) {
                                  },
                                  take}};
   for (const WaitSource& s : sources) AddWaitSource(s);
+  RemoveWaitSource({sources[1].descriptors, nullptr});  // another one
   Event e;
   // What is ready comes first: the clock does not step to the timer.
   InstallEventLoopTimer(
@@ -298,6 +319,7 @@ TEST_F(Loop, OnlyTheDesktopsOwnFocusIsAnEvent) {
   Drain();
   SetUserFocusWindow(second);
   headless::Step(3);
+  EXPECT_NE(Drain().find(acquired), std::string::npos) << "too late for an answer";
   headless::Focus(first);
   Drain();
   headless::Focus(second);
@@ -321,6 +343,11 @@ TEST_F(Loop, LostPartsAreDrawnOnceWithTheirBounds) {
   for (int i = 0; i < 60; ++i) InvalidateWindow(first, {3 * i, 2 * i, 3 * i + 1, 2 * i + 1}, false);
   EXPECT_LE(first->lost.boxes().size(), 32u);
   EXPECT_EQ(drawn(), (std::vector<Rect>{{0, 0, 178, 119}}));
+  // The window that has waited longest comes first.
+  InvalidateWindow(second, {1, 1, 2, 2}, false);
+  headless::Step(0.01);
+  InvalidateWindow(first, {3, 3, 4, 4}, false);
+  EXPECT_EQ(drawn(), (std::vector<Rect>{{1, 1, 2, 2}, {3, 3, 4, 4}}));
   SetWindowBounds(first, {100, 100, 310, 300});
   EXPECT_EQ(drawn(), (std::vector<Rect>{{200, 0, 210, 200}}));
 }

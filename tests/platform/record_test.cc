@@ -33,6 +33,11 @@ TEST(RecordLine, ReadsWhatItWrites) {
       "5.000000+ take server 51f0 quiet 0",
       "5.000000+2 take server 51f0 quiet 0",
       "6.000000 quit",
+      "7.000000 text 1",
+      "7.000000 text 12 :",
+      "7.000000 text 2147483647 : a\\0b\\\\\\n:",
+      "7.000000 text-lost clipboard",
+      "7.000000 text-lost primary",
   };
   for (const char* text : kLines) {
     RecordLine line;
@@ -72,6 +77,14 @@ TEST(RecordLine, RefusesWhatIsNone) {
       "1+1 quit",
       "1+- take a b",
       "1++1 take a b",
+      "1 text",
+      "1 text 0",
+      "1 text -1",
+      "1 text 2147483648",
+      "1 text 1:a",
+      "1 text 1 a",
+      "1 text-lost",
+      "1 text-lost both",
   };
   for (const char* text : kFaulty) {
     RecordLine line;

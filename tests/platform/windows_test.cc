@@ -59,8 +59,21 @@ TEST(Translate, NeighbouringMotionsMerge) {
 }
 
 TEST(Translate, PlacesAtAFractionalScale) {
-  setenv("XW_SCALE", "1.5", 1);
+  setenv("XW_SCALE", "1.25", 1);
   WindowRef w = Open();
+  RawEvent raw;
+  raw.type = RawEvent::kMotion;
+  raw.window = w;
+  for (int x = 0; x < 50; ++x) {
+    raw.x = float(DeviceEdge(x, 1.25));  // the first of its device pixels
+    headless::Inject(raw);
+    Event e;
+    ASSERT_TRUE(ReceiveNextEvent(0, &e)) << x;
+    EXPECT_EQ(e.mouse.where.x, w->content.left + x);
+  }
+  FinishPlatform();
+  setenv("XW_SCALE", "1.5", 1);
+  w = Open();
   for (int x = 100; x < 149; ++x) {
     MovePointer(x, 2 * x);
     Event e;
@@ -85,7 +98,9 @@ TEST(Translate, DrawRequestsWaitUntilIdleOrFiftyMilliseconds) {
   for (uint32_t i = 0; i < 3; ++i) PostEventToQueue(queue, Event(FourCC("test"), i));
   Event e;
   ReceiveNextEvent(0, &e);
-  headless::Step(0.0501);
+  headless::Step(0.03);
+  InvalidateWindow(w, {40, 20, 50, 30}, false);  // the first request counts
+  headless::Step(0.0201);
   EXPECT_EQ(Receive(), "wind2 test1 test2") << "it has waited long enough";
   InvalidateWindow(w, {20, 20, 30, 30}, false);
   HideWindow(w);

@@ -203,7 +203,7 @@ TEST_F(Commands, HoldReleaseAndPriority) {
   EXPECT_STREQ(JobOf(fd, low).document, "new name");
   EXPECT_EQ(Change(fd, low, "hold=1\n\nbytes"), NC_STATUS_WRONG_STATE);
 
-  // Held at the printer: the next by priority takes its place, and it starts anew when released.
+  // Held at the printer: the next by priority takes its place, and it starts again when released.
   EXPECT_EQ(Change(fd, held, "hold=0\n"), 1);
   EXPECT_EQ(JobOf(fd, held).state, NC_JOB_WAITING);
   EXPECT_EQ(Change(fd, printing, "hold=1\n"), 1);
@@ -339,7 +339,7 @@ TEST_F(Commands, StartedProgramsInheritNothing) {
       "ls /proc/self/fd; readlink /proc/$$/cwd; } > " +
           out + ".new 2>&1\nmv " + out + ".new " + out + "\n");
   chmod(script.c_str(), 0700);
-  // What the daemon itself has got from whoever started it.
+  // What the daemon itself has got from its parent.
   constexpr int kOpen = 77;
   ASSERT_EQ(dup2(STDERR_FILENO, kOpen), kOpen);
   setenv("SECRET_OF_THE_OPERATOR", "1", 1);

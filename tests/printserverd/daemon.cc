@@ -160,6 +160,21 @@ int Change(int fd, const uint8_t* id, const std::string& ticket) {
   return NC_WritePrintRequest(fd, id, ticket.data(), static_cast<uint32_t>(ticket.size()));
 }
 
+void Ask(int fd, char code, const void* id, const std::string& data) {
+  ASSERT_EQ(NC_SendCommand(fd, static_cast<uint8_t>(code)), 4);
+  ASSERT_EQ(NC_Write(fd, id, NC_ID_SIZE), NC_ID_SIZE);
+  if (code == 3) {
+    const auto size = static_cast<int32_t>(data.size());
+    ASSERT_EQ(NC_Write(fd, &size, 4), 4);
+    ASSERT_EQ(NC_Write(fd, data.data(), size), size);
+  }
+}
+
+int AnswerOf(int fd) {
+  uint8_t status = 0;
+  return NC_Read(fd, &status, 1) == 1 ? status : -1;
+}
+
 std::vector<NC_Job> Jobs(int fd) {
   std::vector<char> list(NC_QUEUE_MAX);
   const int32_t size = NC_GetPrintQueueN(fd, list.data(), NC_QUEUE_MAX);

@@ -69,6 +69,10 @@ int Send(int fd, const std::string& ticket, const std::string& document, uint8_t
 // Writes a ticket alone.
 int Change(int fd, const uint8_t* id, const std::string& ticket);
 
+// Sends command 3 with `data`, or 6, but does not wait for its answer, and takes that answer.
+void Ask(int fd, char code, const void* id, const std::string& data);
+int AnswerOf(int fd);
+
 std::vector<NC_Job> Jobs(int fd);
 // The job of that id; state -1 when it is not in the queue.
 NC_Job JobOf(int fd, const uint8_t* id);

@@ -250,14 +250,7 @@ TEST_F(Printing, OrderBeforeAnother) {
   EXPECT_EQ(before(0, 0), NC_STATUS_WRONG_STATE);
   EXPECT_EQ(Change(fd, ids[0], "before=" + std::string(32, '0') + "\n"), NC_STATUS_UNKNOWN_ID);
   EXPECT_EQ(Change(fd, ids[0], "printer=B\nbefore=" + IdText(ids[5]) + "\n"), 1);
-  // More often than there is room between two places.
-  for (int i = 0; i < 40; ++i) {
-    EXPECT_EQ(before(i % 2 ? 3 : 4, i % 2 ? 4 : 1), 1) << i;
-    EXPECT_EQ(before(4, 3), 1) << i;
-    EXPECT_EQ(Order(fd), "c e d b a f ") << i;
-  }
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  StartWith(kTwo);
+  EXPECT_EQ(before(4, 3), 1);
   EXPECT_EQ(Order(fd), "c e d b a f ");
   EXPECT_EQ(Change(fd, ids[3], "priority=50\n"), 1);
   EXPECT_EQ(Order(fd), "c e b d a f ");
@@ -267,6 +260,46 @@ TEST_F(Printing, OrderBeforeAnother) {
   EXPECT_EQ(Tell(fd, "A", "paused=0\n"), 1);
   EXPECT_TRUE(Becomes(fd, ids[4], NC_JOB_DONE));
   EXPECT_EQ(before(3, 4), NC_STATUS_WRONG_STATE);
+}
+
+// Four jobs stand so close together that none fits between two of them: they get new places, also
+// one that is being stored at that moment, and keep them after a crash.
+TEST_F(Printing, PlacesThatRunOut) {
+  StartWith(kTwo);
+  EXPECT_EQ(Tell(fd, "A", "paused=1\n"), 1);
+  uint8_t ids[10][16];
+  for (int i = 0; i < 10; ++i) {
+    ASSERT_EQ(Send(fd, std::string("document=") + "abcdefghij"[i] + "\n", "x", ids[i]), 1);
+  }
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  const auto edit = [&](int job, const std::string& key, const std::string& value) {
+    const std::string file = "jobs/" + IdText(ids[job]) + ".job";
+    std::string record = ReadWhole(daemon.Path(file));
+    const size_t at = record.find("\n" + key + "=") + key.size() + 2;
+    record.replace(at, record.find('\n', at) - at, value);
+    daemon.WriteFile("spool/" + file, record);
+  };
+  for (const auto& [job, step] : {std::pair{2, 1}, {3, 9}, {4, 10}, {7, 11}}) {
+    edit(job, "place", std::to_string((int64_t{1} << 32) + step));
+  }
+  edit(9, "place", "9223372036854775807");
+  edit(8, "state", "done");
+  edit(8, "finished", "4000000000");
+  StartWith(kTwo, {"--simulate", "slow-disk=100"});
+  EXPECT_EQ(Order(fd), "a c d e h b f g j i ");
+  const int other = daemon.Connect();
+  Ask(fd, 3, ids[5], "before=" + IdText(ids[3]) + "\n");
+  EXPECT_EQ(Printers(other).size(), 2U);  // the first is taken in
+  Ask(other, 3, ids[6], "before=" + IdText(ids[4]) + "\n");
+  EXPECT_EQ(AnswerOf(fd), NC_STATUS_DONE);
+  EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
+  NC_Disconnect(other);
+  EXPECT_EQ(Change(fd, ids[8], "hold=0\n"), 1);  // behind all that wait
+  for (int starts = 0; starts < 2; ++starts) {
+    EXPECT_EQ(Order(fd), "a c f d g e h b j i ");
+    EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+    StartWith(kTwo);
+  }
 }
 
 TEST(Folders, AreOfEachPrinterItsOwn) {

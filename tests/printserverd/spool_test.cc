@@ -120,29 +120,13 @@ bool Answered(int fd) {
   return poll(&one, 1, 0) != 0;
 }
 
-// Sends a request but does not wait for its answer.
-void Ask(int fd, char code, const void* id, const std::string& data) {
-  ASSERT_EQ(NC_SendCommand(fd, static_cast<uint8_t>(code)), 4);
-  ASSERT_EQ(NC_Write(fd, id, NC_ID_SIZE), NC_ID_SIZE);
-  if (code == 3) {
-    const auto size = static_cast<int32_t>(data.size());
-    ASSERT_EQ(NC_Write(fd, &size, 4), 4);
-    ASSERT_EQ(NC_Write(fd, data.data(), size), size);
-  }
-}
-
-int AnswerOf(int fd) {
-  uint8_t status = 0;
-  return NC_Read(fd, &status, 1) == 1 ? status : -1;
-}
-
 TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
   Start({"--simulate", "slow-disk=300"});
   uint8_t id[NC_ID_SIZE];
   const int storing = daemon.Connect();
   ASSERT_EQ(NC_CreateRequestID(storing, id), 1);
   Ask(storing, 3, id, "hold=1\n\n" + std::string(3 << 20, 'd'));
-  // Another one is greeted and served meanwhile, and does not see what is not stored yet.
+  // Another one is greeted and served in between, and does not see what is not stored yet.
   const int other = daemon.Connect();
   EXPECT_TRUE(Jobs(other).empty());
   EXPECT_EQ(Printers(other).size(), 1U);
@@ -304,6 +288,16 @@ TEST_F(Spool, NumbersOrderAndReasonsOutliveARestart) {
   EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
   EXPECT_EQ(Change(fd, failed, "hold=1\n"), 1);
   EXPECT_EQ(std::string(JobOf(fd, failed).text) + JobOf(fd, failed).reasons, "");
+  // A job with the last number there is loads again; after it nothing is accepted.
+  EXPECT_EQ(Stop(SIGTERM), 0);
+  daemon.WriteFile("spool/counters", "number=999999998\n\n");
+  for (const int status : {NC_STATUS_DONE, NC_STATUS_TOO_LARGE}) {
+    StartWith(config);
+    uint8_t next[16];
+    EXPECT_EQ(Send(fd, "priority=99\nhold=1\n", "x", next), status);
+    EXPECT_EQ(Jobs(fd)[0].number, 999999999);
+    EXPECT_EQ(Stop(SIGTERM), 0);
+  }
 }
 
 // Copies a spool that another version wrote, as far as a repository can hold one.

@@ -1,4 +1,4 @@
-// The seed, the time limit, the leak guard.
+// The time limit and the leak guard see what they are for.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -6,58 +6,11 @@
 #include <memory>
 
 #include "tests/support/leak_guard.h"
-#include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
 #include "toolkit/xw.h"
 
 namespace support {
 namespace {
-
-// A process has one seed: each of these needs one of its own.
-class SeedDeathTest : public testing::Test {
- protected:
-  void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
-
-TEST_F(SeedDeathTest, IsTakenFromTheEnvironmentAndPrinted) {
-  setenv("QUORVIK_SEED", "0x2A", 1);
-  EXPECT_EXIT(
-      {
-        dup2(STDERR_FILENO, STDOUT_FILENO);
-        exit(Seed(7) == 42u && Seed(8) == 42u ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "^seed: QUORVIK_SEED=42\n$");
-}
-
-TEST_F(SeedDeathTest, ThatIsNoNumberIsRefused) {
-  for (const char* text : {"", "12x", "-1", "99999999999999999999"}) {
-    setenv("QUORVIK_SEED", text, 1);
-    EXPECT_EXIT(Seed(7), testing::ExitedWithCode(2), "QUORVIK_SEED is no number") << text;
-  }
-}
-
-// As the build file gives it to this program.
-TEST(Environment, EveryEntryIsPassedOn) {
-  const char *first = getenv("KIT_FIRST"), *second = getenv("KIT_SECOND");
-  if (!first && !second) GTEST_SKIP() << "not run by the build's test driver";
-  EXPECT_STREQ(first, "one");
-  EXPECT_STREQ(second, "two words");
-}
-
-TEST(Dice, RepeatAndCoverTheirRange) {
-  Dice a(7), b(7), c(8);
-  EXPECT_EQ(a.Next(), b.Next());
-  EXPECT_NE(a.Next(), c.Next());
-  bool seen[5] = {};
-  for (int i = 0; i < 1000; ++i) {
-    const int n = a.Between(-2, 2);
-    ASSERT_TRUE(n >= -2 && n <= 2);
-    seen[n + 2] = true;
-  }
-  for (const bool s : seen) EXPECT_TRUE(s);
-  const int any = a.Between(INT32_MIN, INT32_MAX);
-  EXPECT_TRUE(any >= INT32_MIN && any <= INT32_MAX);
-}
 
 TEST(TimeLimit, TheOuterOneCountsAgainAfterTheInner) {
   EXPECT_DEATH(

@@ -11,7 +11,7 @@ namespace support {
 // From now on a line is noted for each event that `w` gets, then its own handler is called, whose
 // result counts. `name` stands for the window in the trace. A window without a handler gets one
 // that returns 0. Hooking it again replaces the name; a window that is destroyed is forgotten when
-// its address is hooked anew.
+// its address is hooked again.
 void HookTrace(XwWindow* w, const std::string& name);
 // Lines so far, normalised; ClearTrace forgets them.
 std::string Trace();

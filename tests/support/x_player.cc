@@ -44,7 +44,7 @@ void Focus(XUser& user, xcb_window_t window) {
   user.Sync();
 }
 
-// A window of the user's own takes the focus. No window manager has a say in it.
+// A window of another program takes the focus. No window manager has a say in it.
 void Unfocus(XUser& user) {
   xcb_connection_t* c = user.connection();
   const xcb_window_t other = xcb_generate_id(c);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -147,6 +148,22 @@ XUser::~XUser() {
 // it looks at it: a first window of our own is brought up with such events, and taken away again.
 void XUser::Sync() {
   Reply r(xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+}
+
+void XUser::PassMarker() {
+  const auto supported = Words(root(), "_NET_SUPPORTED");
+  if (std::find(supported.begin(), supported.end(), Atom("_NET_REQUEST_FRAME_EXTENTS")) ==
+      supported.end()) {
+    return Sync();
+  }
+  if (marker_ == 0) {
+    marker_ = xcb_generate_id(c_);
+    xcb_create_window(c_, XCB_COPY_FROM_PARENT, marker_, root(), 0, 0, 20, 20, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  }
+  xcb_delete_property(c_, marker_, Atom("_NET_FRAME_EXTENTS"));
+  Ask(marker_, "_NET_REQUEST_FRAME_EXTENTS", {});
+  Eventually([&] { return !Words(marker_, "_NET_FRAME_EXTENTS").empty(); });
 }
 
 void XUser::Move(int x, int y) {

@@ -89,11 +89,15 @@ class XUser {
   Screenshot Look();
   // Waits until the server has carried out what was sent.
   void Sync();
+  // Waits until a question has gone through the server and the window manager, if there is one, and
+  // has been answered: what was on its way to either before it has been dealt with.
+  void PassMarker();
 
  private:
   xcb_window_t Search(xcb_window_t in, const std::string& title);
   xcb_connection_t* c_ = nullptr;
   xcb_screen_t* screen_ = nullptr;
+  xcb_window_t marker_ = 0;  // whose frame the manager is asked about
 };
 
 }  // namespace support

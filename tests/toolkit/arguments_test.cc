@@ -189,6 +189,15 @@ void Images() {
   }
 }
 
+void GetClipboard() {
+  for (int i = 0; i < 60; ++i) {
+    if (rng() % 3 == 0) stage::input::OfferText(platform::Selection::kClipboard, "another's");
+    free(XwGetClipboard(Hostile<int32_t>()));
+    XwSetClipboard(Hostile<const char*>());
+    Repair();
+  }
+}
+
 void ImageData() {
   static uint8_t pixels[4 * 64 * 64];
   for (int i = 0; i < 100; ++i) {
@@ -338,6 +347,8 @@ const struct {
     {"XwWaitEvent", Waiting<XwWaitEvent>},
     {"XwGrabEvent", Waiting<XwGrabEvent>},
     CALL(XwGetEvent),
+    CALL(XwSetClipboard),
+    {"XwGetClipboard", GetClipboard},
     CALL(XwPeekEvents),
     {"XwSendEvent", Often<static_cast<void (*)(XwWindow*, int, int, XwValue, int)>(XwSendEvent)>},
     {"DirectSendEvent", Often<static_cast<int (*)(XwWindow*, int, int, XwValue)>(DirectSendEvent)>},
@@ -382,6 +393,9 @@ const struct {
     {"XwScrollBar", Nothing},
     CALL(XwSetSliderRange),
     CALL(XwSetScrollRange),
+    {"XwEditBox", Nothing},
+    {"XwEditField", Nothing},
+    CALL(XwGetTextUtf8),
     {"XwListBox", Nothing},
     {"XwUpdateListBox", Nothing},
     {"XwComboBox", Nothing},

@@ -85,7 +85,8 @@ struct ComboScreen : ControlScreen {
     Settle();
   }
   Description What() {
-    for (const DescribedNode& n : DescribeTree()[0].children)
+    const std::vector<DescribedNode> roots = DescribeTree();
+    for (const DescribedNode& n : roots[0].children)
       if (n.what.role == ObjectRole::kPopUpButton) return n.what;
     return {};
   }
@@ -237,6 +238,87 @@ TEST(Combos, EndWhileTheirMenuIsOpen) {
   XwShow(second, 1);
   Settle();
   EXPECT_EQ(User({Click(550, 135), [second] { XwDestroy(second); }}), "");
+}
+
+// Beside an edit box: the menu fills the box. Its button is at (217, 120) to (240, 135).
+struct EditableScreen : ControlScreen {
+  XwWindow* combo = nullptr;
+  explicit EditableScreen(uint32_t style = kOn) {
+    combo = XwComboBox(main, kPrinters, 7, 10, 20, 130, 24, style | XWC_EDITABLE, 3);
+    Settle();
+  }
+  static std::string Text(XwWindow* w) {
+    char text[256];
+    return XwGetText(w, text);
+  }
+  std::string Text() { return Text(combo); }
+  std::function<void()> Press() { return Click(225, 127); }
+};
+
+TEST(Combos, AnEditableOneFillsItsBox) {
+  EditableScreen s;
+  XwWindow* box = s.combo->linked;
+  ASSERT_EQ(box, XwFind(s.main, -7));
+  EXPECT_EQ(box->x + box->width, 115);
+  EXPECT_EQ(s.Text(), "");
+  EXPECT_EQ(XwGetValue(s.combo), -1);
+  EXPECT_EQ(User({s.Press(), Look, [] { EXPECT_LT(OpenMenu().what.bounds.top, 130); },
+                  ClickItem("Office")}),
+            "7=3");
+  EXPECT_EQ(shown, "Proof Wide - Office Label") << "no tick, nothing selected";
+  EXPECT_EQ(s.Text(), "Office");
+  EXPECT_EQ(XwGetValue(s.combo), -1);
+  XwSetFocus(s.combo);
+  EXPECT_EQ(FocusedId(), -7);
+  EXPECT_EQ(User({s.Press(), Type(kEscape)}), "");
+  EXPECT_EQ(s.Text() + std::to_string(FocusedId()), "Office-7");
+  EXPECT_EQ(User({s.Press(), ClickItem("Office")}), "7=3");
+  EXPECT_EQ(FocusedId(), 0) << "who chooses has done with the box";
+  XwSetText(s.combo, "Mine");
+  EXPECT_EQ(s.Text(box), "Mine") << "one string, not an array";
+  // Another menu; small numbers are none.
+  XwSetValue(s.combo, 3);
+  XwSetValue(s.combo, reinterpret_cast<XwValue>(kTwo));
+  EXPECT_EQ(User({s.Press(), Look, ClickItem("Best")}), "7=1") << "two items do not take turns";
+  EXPECT_EQ(shown, "Draft Best");
+  XwSetValue(s.combo, 0);
+  EXPECT_EQ(User({s.Press(), Look}), "");
+  EXPECT_EQ(shown, "");
+  EXPECT_EQ(s.Text(), "Best");
+}
+
+TEST(Combos, TheBoxOfAnEditableOneGoesAlong) {
+  EditableScreen s;
+  XwWindow* box = s.combo->linked;
+  XwMove(s.combo, 30, 60, 105, 26);
+  EXPECT_EQ((Rect{box->x, box->y, box->x + box->width, box->y + box->height}),
+            (Rect{30, 60, 110, 86}));
+  XwShow(s.combo, 0);
+  EXPECT_FALSE(box->flags & XW_SHOWN);
+  XwShow(s.combo, 1);
+  XwEnable(s.combo, 0);
+  EXPECT_FALSE(box->enabled);
+  XwEnable(s.combo, 1);
+  // Without its box it has nothing to fill, and its box stays when it goes.
+  XwWindow* other = XwEditBox(s.main, "other", -7, 10, 200, 80, 24, kOn);
+  XwDestroy(box);
+  EXPECT_EQ(s.combo->linked, nullptr);
+  XwMove(s.combo, 10, 20, 130, 24);
+  XwSetText(s.combo, "lost");
+  EXPECT_EQ(User({s.Press(), ClickItem("Wide")}), "");
+  EXPECT_EQ(s.Text() + s.Text(other), "other");
+  EditableScreen read_only(kOn | XWC_VARIANT);
+  XwWindow* stays = read_only.combo->linked;
+  EXPECT_EQ(ClickAt(150, 132), "-7=0") << "the box can only be read";
+  XwDestroy(read_only.combo);
+  EXPECT_EQ(XwFind(read_only.main, -7), stays);
+}
+
+TEST(Combos, AnEditableOneEndsWhileItsMenuIsOpen) {
+  EditableScreen s;
+  EXPECT_EQ(User({s.Press(), [&s] { XwDestroy(s.combo->linked); }, ClickItem("Wide")}), "");
+  EXPECT_EQ(User({s.Press(), [&s] { XwDestroy(s.combo); }}), "");
+  EXPECT_EQ(Items(), "");
 }
 
 }  // namespace

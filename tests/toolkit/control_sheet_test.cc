@@ -30,6 +30,7 @@ class Sheet {
     MakeMarks();
     MakeSliders();
     MakeChoices();
+    MakeBoxes();
     XwShow(window_, 1);
     input::Focus(Native(window_));
     Settle();
@@ -108,6 +109,17 @@ class Sheet {
     XwSetValue(Put(XwListBox(window_, kProfiles, 1, x_, y, 124, 84, kOn)), 1);
     XwSetValue(Put(XwListBox(window_, kPapers, 1, x_, y, 80, 84, kOn)), 0);
     Put(XwListBox(window_, nullptr, 1, x_, y, 50, 84, kOn));
+  }
+
+  // With a text, empty, one that can only be read, and one beside its menu.
+  void MakeBoxes() {
+    static const char* const kFiles[] = {"*.pdf", nullptr};
+    x_ = kLeft;
+    const int y = 166;
+    Put(XwEditBox(window_, "report", 1, x_, y, 66, 24, kOn));
+    Put(XwEditBox(window_, "", 1, x_, y, 24, 24, kOn));
+    Put(XwEditBox(window_, "fixed", 1, x_, y, 50, 24, kOn | XWC_VARIANT));
+    XwSetText(Put(XwComboBox(window_, kFiles, 1, x_, y, 84, 24, kOn | XWC_EDITABLE, 0)), "*.pdf");
   }
 
   static int Device(int logical) { return int(std::lround(logical * atof(getenv("XW_SCALE")))); }

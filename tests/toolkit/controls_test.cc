@@ -149,6 +149,17 @@ TEST(Controls, WhoGetsAPress) {
   Settle();
   EXPECT_EQ(Node("inner").what.bounds, (Rect{262, 251, 316, 273}));
   EXPECT_EQ(ClickAt(265, 255), "6=0");
+  // What the sub-window cuts off is outside of it, also while it is held.
+  XwMove(sub, 150, 140, 40, 60);
+  Settle();
+  for (int to : {285, 295}) {
+    input::MovePointer(265, 255);
+    input::Press(1);
+    input::MovePointer(to, 255);
+    input::Release(1);
+    RunLoop();
+    EXPECT_EQ(Reports(), to < 290 ? "6=0" : "");
+  }
 }
 
 TEST(Controls, ValuesStayInTheirRanges) {
@@ -321,6 +332,12 @@ TEST(Controls, TheKeyboardAlone) {
   RunLoop();
   EXPECT_EQ(Others(), "") << "one that reports nothing takes the key all the same";
   input::KeyUp(kReturnKey, 13);
+  input::Modifiers(optionKey);
+  for (int i = 0; i < 3; ++i) input::KeyDown('r', 'r');
+  RunLoop();
+  EXPECT_EQ(Reports(), "6=1") << "of a letter either";
+  input::KeyUp('r', 'r');
+  input::Modifiers(0);
   XwFocusControl(XwFind(s.main, 1));
   XwSetTab(s.main, 0);
   Settle();
@@ -335,6 +352,9 @@ TEST(Controls, TheKeyboardAlone) {
   XwFocusControl(XwFind(s.main, 7));
   XwDestroy(XwFind(s.main, 7));
   EXPECT_EQ(FocusedId(), 0);
+  XwSetTab(s.main, 1);
+  Key(kTabKey, 9);
+  EXPECT_EQ(FocusedId(), 8) << "on from its place";
   XwDestroy(ok);
   XwEnable(cancel, 0);
   EXPECT_EQ(Key(kReturnKey, 13) + Key(kEscapeKey, 27), "");
@@ -509,6 +529,10 @@ TEST(Controls, DescribeThemselves) {
   RemoveTreeListener(&listener);
   told.clear();
   // What is done through the tree is reported like a press.
+  Settle();
+  XwShow(icon, 0);
+  EXPECT_FALSE(ActOn(children[3].serial, kActionPress)) << "nobody sees it";
+  XwShow(icon, 1);
   Settle();
   EXPECT_TRUE(ActOn(children[3].serial, kActionPress));
   EXPECT_TRUE(ActOn(children[3].serial, kActionFocus));

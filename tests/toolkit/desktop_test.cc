@@ -28,7 +28,9 @@ TEST(Desktop, MovesAndSizesAreTold) {
       {{120, 130, 440, 340}, "main 768 main 769"},  // grown: the platform asks for drawing
       {{120, 130, 420, 400}, "main 768 main 769"},  // one side grew
       {{120, 130, 400, 390}, "main 768 main 769"},  // shrunk
-      {{120, 130, 400, 390}, ""},
+      {{120, 130, 390, 390}, "main 768 main 769"},  // one side shrank
+      {{120, 130, 390, 380}, "main 768 main 769"},  // the other side
+      {{120, 130, 390, 380}, ""},
   };
   for (const auto& row : rows) {
     seen.clear();
@@ -46,6 +48,45 @@ TEST(Desktop, MovesAndSizesAreTold) {
     EXPECT_EQ((Rect{redraw.x, redraw.y, redraw.width, redraw.height}),
               (Rect{0, 0, w->width, w->height}));
   }
+}
+
+std::vector<int> activity;
+void NoteActivity(int active) {
+  activity.push_back(active);
+}
+
+// Told in the order of the events, to the window that it is about.
+TEST(Desktop, ActivityIsTold) {
+  Open();
+  XwWindow* w = Main();
+  XwWindow* other = XwCreate(0, 500, 100, 50, 50, Record);
+  XwShow(other, 1);
+  Settle();
+  XwSetFocus(w);
+  Settle();
+  activity.clear();
+  XwSetActivationHandler(w, NoteActivity);
+  input::Focus(Native(other));
+  EXPECT_EQ(activity, std::vector<int>{});
+  RunLoop();
+  EXPECT_EQ(activity, std::vector<int>{0});
+  input::Focus(Native(w));
+  RunLoop();
+  EXPECT_EQ(activity, (std::vector<int>{0, 1}));
+  XwSetActivationHandler(w, nullptr);
+  input::Focus(nullptr);
+  RunLoop();
+  EXPECT_EQ(activity.size(), 2u);
+}
+
+TEST(Desktop, AFrameInTheCornerLiesOnTheScreen) {
+  Open();
+  input::Frames({4, 20, 4, 6});
+  XwWindow* w = XwCreate(0, 0, 0, 300, 200, Record);
+  EXPECT_EQ(Bounds(w), (Rect{4, 44, 304, 244})) << "title bar and menu bar above the content";
+  XwWindow* low = XwCreate(0, XW_SCREENX - 50, XW_SCREENY - 50, 100, 100, Record);
+  EXPECT_EQ(low->x + low->width, XW_SCREENX - 4);
+  EXPECT_EQ(low->y + low->height, XW_SCREENY - 6);
 }
 
 TEST(Desktop, RedrawsGoToTheWindowAndItsShownSubWindows) {

@@ -104,6 +104,38 @@ TEST(Keys, AreLetGoOfWithTheFocus) {
   EXPECT_EQ(XwGetKeyState('b'), 0);
 }
 
+// Where the desktop moves the focus by itself, keys follow, also in what waits; a focus that
+// already lies in that window stays.
+TEST(Keys, FollowTheDesktopsFocus) {
+  Open();
+  XwWindow* main = Main();
+  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
+  Name(other, "other");
+  XwSetGround(other, nullptr, 0);
+  static XwWindow* sub;
+  sub = Sub(other, "sub", 0, 0, 10, 10);
+  XwShow(other, 1);
+  Settle();
+  input::Focus(Native(main));
+  RunLoop();
+  seen.clear();
+  on_event = [](int type) {
+    if (type != 'a') return;
+    for (XwWindow* focus : {sub, W_Start}) {
+      Inp.focus = focus;
+      XwSendEvent(W_Start, 1000, 0, 0, 0);
+    }
+  };
+  input::KeyDown('a');
+  input::Focus(Native(other));
+  input::KeyDown('b');
+  RunLoop();
+  EXPECT_EQ(Trace(), "main 97 main 800 other 98 main 1000 main 1000");
+  EXPECT_EQ(seen[3].event.focus, sub);
+  EXPECT_EQ(seen[4].event.focus, other);
+  EXPECT_EQ(Inp.focus, other);
+}
+
 // A window that ends takes its keys along; the next one hears of what came up by then.
 TEST(Keys, OfAWindowThatEndedComeUpWithoutAnEvent) {
   Open();
@@ -237,6 +269,7 @@ TEST(Keys, SymbolsOfTheDisplay) {
       {0xE9, 0xE9, 0xE9, 0, -1, 0x8E},                     // an accented letter
       {'c', 'c', 3, platform::controlKey, -1, 'c'},        // the letter, not the control code
       {0x6D3, 'c', 0x441, platform::controlKey, -1, 'c'},  // another script: the base layout
+      {0x6D3, 'c', 0x441, platform::rightControlKey, -1, 'c'},
       {'c', 'c', 0, platform::cmdKey, -1, 'c'},
       {0xFF63, 0xFF63, 0, 0, 0x72, 5},      // Insert
       {0xFF6A, 0xFF6A, 0, 0, 0x72, 5},      // Help

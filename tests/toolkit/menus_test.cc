@@ -8,6 +8,8 @@
 #include "platform/access/access.h"
 #include "platform/events/event.h"
 #include "platform/loop/tracking.h"
+#include "platform/menus/menu.h"
+#include "platform/windows/internal.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/session.h"
@@ -139,6 +141,11 @@ TEST(Menus, ByThePointer) {
         },
         Move("Copy"), [] { Down(), Up(); }});
   EXPECT_EQ(Came(), "793 793 794:402");
+  // A press that goes to another title opens it, and the next one closes it.
+  User({Move("File"), [] { Down(), Up(); }, [] { Move("Edit")(), Down(), Up(); },
+        [] { EXPECT_TRUE(Shown("Copy")); }, [] { Down(), Up(); },
+        [] { EXPECT_FALSE(Shown("Copy")); }});
+  EXPECT_EQ(Came(), "793 793");
   // Sub-menus to any depth; what is disabled or a line stays open.
   User({Move("File"), [] { Down(), Up(); }, Move("Again"), [] { Down(), Up(); },
         [] { EXPECT_TRUE(Shown("Again")); }, Move("Sort"),
@@ -219,8 +226,8 @@ TEST(Menus, KeysOfItems) {
               {'o', 'o', controlKey | alphaLock, "777 793 111 800 777 794:101"},
               {'o', 'o', controlKey | shiftKey, "777 111 800 777"},
               {0xFFC2, 0, 0, "793 260 800 794:301"},
-              {'r', 'r', controlKey, "777 114 800 777"},
-              {'s', 's', controlKey, "777 115 800 777"},
+              {'r', 'r', controlKey, "777 793 114 800 777"},
+              {'s', 's', controlKey, "777 793 115 800 777"},
               {'q', 'q', controlKey, "777 113 800 777 796"}};
   for (const auto& row : rows) {
     Key(row.keysym, row.unicode, row.modifiers)();
@@ -236,13 +243,21 @@ TEST(Menus, KeysOfItems) {
   RunLoop();
   EXPECT_EQ(Came(), "777 793 113 800 777 794:402");
   // 793 may change the menu before the key is looked up.
+  static int enable;
   on_event = [](int type) {
     if (type == XWE_MENU_OPENING)
-      XwEnableMenuItem(reinterpret_cast<XwMenuItem*>(Inp.value), 402, 0);
+      XwEnableMenuItem(reinterpret_cast<XwMenuItem*>(Inp.value), 402, enable);
   };
+  for (enable = 0; enable < 2; ++enable) {
+    Key('q', 'q', controlKey)();
+    RunLoop();
+    EXPECT_EQ(Came(), enable ? "777 793 113 800 777 794:402" : "777 793 113 800 777");
+  }
+  XwChangeMenuItemFlags(m.bar, 402, 0);
+  m.bar[1].flags = XWM_DISABLED;
   Key('q', 'q', controlKey)();
   RunLoop();
-  EXPECT_EQ(Came(), "777 793 113 800 777");
+  EXPECT_EQ(Came(), "777 113 800 777") << "a greyed menu hears nothing";
 }
 
 TEST(Menus, PopUps) {
@@ -269,10 +284,33 @@ TEST(Menus, PopUps) {
         },
         [] { EXPECT_TRUE(Shown("Print")) << "also over an item"; }, Key(kEscape, 27)});
   EXPECT_EQ(result, 0);
+  User({open,
+        [] {
+          input::MovePointer(390, 290);
+          Up();
+        },
+        [] { EXPECT_TRUE(Shown("Print")) << "and beside it"; }, Key(kEscape, 27)});
   User({open, Up, Move("Sort"), Move("Deeper"), Move("Two"), [] { Down(), Up(); }});
   EXPECT_EQ(result, 302);
   EXPECT_EQ(m.file[0].flags & XWM_BUILT, XWM_BUILT) << "that of the bar";
   EXPECT_EQ(MenuListCount + MenuColorCount, 0);
+  // One that is opened as another is about to open takes its place.
+  const auto press = on_event;
+  on_event = [](int type) {
+    if (type != XWE_MENU_OPENING) return;
+    on_event = nullptr;
+    XwPopupMenu(menus->sort);
+  };
+  User({Move("File"), [] { Down(), Up(); }, [] { EXPECT_TRUE(Shown("By size")); }, Key(kEscape, 27),
+        [] { EXPECT_FALSE(Shown("Print")); }});
+  on_event = press;
+  // A letter goes on to the next item that it begins.
+  on_event = [](int type) {
+    if (type == XWE_PRESS) result = XwPopupMenu(menus->sort);
+  };
+  User({open, Up, Key('b', 'b'), Key('b', 'b'), Key(kReturn, 13)});
+  EXPECT_EQ(result, 202);
+  on_event = press;
   // It is closed by what takes the pointer or the window away, and by requests, which follow.
   const std::function<void()> ends[] = {Key(kEscape, 27), [] { input::Quit(); },
                                         [] { input::Close(Native(W_Start)); },
@@ -341,6 +379,9 @@ TEST(Menus, ItemsByTheirIds) {
   EXPECT_STREQ(XwGetMenuItemText(m.file, 202, text), "By size");
   EXPECT_EQ(XwGetMenuItemText(m.file, 999, text), nullptr);
   EXPECT_STREQ(text, "");
+  m.deep[1].id = 65535;
+  EXPECT_EQ(XwGetMenuItemText(m.file, 65535, text), nullptr) << "not below the array";
+  EXPECT_STREQ(XwGetMenuItemText(m.deep, 65535, text), "Two");
   // An array inside itself, and one whose menu has ended.
   XwMenuItem loop[3] = {{"again", 0, 0, nullptr}, {"x", XWM_UTF8, 5, nullptr}, {}};
   loop[0].id = reinterpret_cast<XwValue>(loop);
@@ -349,8 +390,54 @@ TEST(Menus, ItemsByTheirIds) {
   XwSetMenu(m.main, other);
   EXPECT_TRUE(Item("\xC3\x89tage").state & kIsEnabled);
   EXPECT_EQ(XwGetMenuItemState(loop, 6), 0);
+  EXPECT_FALSE(Item("again").state & kIsEnabled) << "an address is never chosen";
+  // Each array twice in the one before it: looked through once, to a depth, and described up to a
+  // number of items.
+  std::vector<XwMenuItem> twice(3 * kDeepestMenu + 6);
+  for (size_t i = 0; 3 * i + 3 < twice.size(); ++i)
+    twice[3 * i] =
+        twice[3 * i + 1] = {"sub", 0, reinterpret_cast<XwValue>(&twice[3 * i + 3]), nullptr};
+  XwMenuItem *deepest = &twice[3 * kDeepestMenu - 3], *deeper = deepest + 3;
+  deepest[1] = {"deepest", 0, 7, nullptr};
+  deeper[0] = {"deeper", 0, 8, nullptr};
+  other[0].id = reinterpret_cast<XwValue>(twice.data());
+  XwSetMenu(m.main, other);
+  EXPECT_EQ(deepest->flags, XWM_BUILT);
+  EXPECT_EQ(deeper->flags, 0);
+  XwCheckMenuItem(twice.data(), 7, 1);
+  EXPECT_EQ(deepest[1].flags, XWM_CHECKED);
+  XwCheckMenuItem(twice.data(), 8, 1);
+  EXPECT_EQ(deeper->flags, 0);
+  std::vector<Description> subs;
+  Collect(DescribeTree(), "sub", &subs);
+  EXPECT_GT(subs.size(), size_t{kMostDescribedItems / 2});
   XwSetMenu(m.main, m.bar);
   EXPECT_FALSE(Item("Load").name.empty()) << "what was built stays";
+  // An open menu looks as if it had just been opened.
+  static Menus* menus;
+  menus = &m;
+  std::vector<uint32_t> pictures[2];
+  auto look = [&](int which) {
+    for (WindowRef w : WindowList())
+      if (w->parent && w->visible) pictures[which] = input::TakePicture(w).pixels;
+  };
+  User({Move("File"), [] { Down(), Up(); },
+        [] {
+          XwChangeMenuItemFlags(menus->file, 104, XWM_HIDDEN);
+          XwChangeMenuItemText(menus->file, 102, "Print on paper of every size");
+        },
+        [&] { look(0); }, Key(kEscape, 27), [] { Down(), Up(); }, [&] { look(1); },
+        Key(kEscape, 27)});
+  EXPECT_GT(pictures[0].size(), 0u);
+  EXPECT_EQ(pictures[0], pictures[1]);
+  // One that is made again closes the one that is open.
+  User({Move("File"), [] { Down(), Up(); },
+        [] {
+          EXPECT_TRUE(Shown("Load"));
+          menus->file[0].flags = 0;
+          XwSetMenu(menus->main, menus->bar);
+        },
+        [] { EXPECT_FALSE(MenusAreOpen()); }});
 }
 
 TEST(Menus, TooMany) {
@@ -373,7 +460,15 @@ TEST(Menus, TooMany) {
           input::MovePointer(170, 500);
           input::Scroll(0, -100000);
         },
-        [] { EXPECT_TRUE(Shown("Item 0")); }, Key(kEnd), Key(kReturn, 13)});
+        [] {
+          EXPECT_TRUE(Shown("Item 0"));
+          input::Scroll(0, 100000);
+        },
+        [] {
+          EXPECT_TRUE(Shown("Item 199"));
+          EXPECT_EQ(Item("Item 199").bounds.height(), Item("Item 198").bounds.height());
+        },
+        Key(kEnd), Key(kReturn, 13)});
   EXPECT_EQ(result, 1199);
   // A bar too narrow for its titles.
   std::vector<XwMenuItem> titles;
@@ -391,6 +486,39 @@ TEST(Menus, TooMany) {
   User({Move("\xC2\xBB"), [] { Down(), Up(); }, [] { EXPECT_TRUE(Shown("Item 11")); }, Key(kUp),
         Key(kRight), Key(kReturn, 13)});
   EXPECT_NE(Came().find("794:611"), std::string::npos);
+}
+
+// The tree's own way to choose: what a click could.
+TEST(Menus, ThroughTheTree) {
+  Menus m;
+  const auto serial = [](const char* name) {
+    uint64_t found = 0;
+    std::function<void(const std::vector<DescribedNode>&)> look = [&](const auto& nodes) {
+      for (const DescribedNode& n : nodes) {
+        if (n.what.name == name) found = n.serial;
+        look(n.children);
+      }
+    };
+    look(DescribeTree());
+    return found;
+  };
+  for (const char* name : {"Two", "Quit", "Sort", "Again", "File"}) {
+    const bool leaf = *name == 'T' || *name == 'Q';
+    EXPECT_EQ(Item(name).actions, leaf ? kActionPress : 0u) << name;
+    EXPECT_EQ(ActOn(serial(name), kActionPress), leaf) << name;
+  }
+  const uint64_t print = serial("Print");
+  XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
+  EXPECT_FALSE(ActOn(serial("Two"), kActionPress)) << "nobody gets there";
+  RunLoop();
+  EXPECT_EQ(Came(), "794:302 796");
+  User({Move("Edit"), [] { Down(), Up(); },
+        [&] {
+          EXPECT_FALSE(ActOn(print, kActionPress)) << "another menu is open";
+          EXPECT_TRUE(ActOn(serial("Copy"), kActionPress));
+        },
+        [] { EXPECT_FALSE(MenusAreOpen()); }});
+  EXPECT_EQ(Came(), "793 794:402");
 }
 
 TEST(Menus, AWaitForAnotherWindow) {

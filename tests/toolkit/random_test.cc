@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <set>
 
+#include "platform/controls/controls.h"
 #include "platform/display/window.h"
 #include "platform/events/queue.h"
 #include "platform/events/raw_event.h"
@@ -83,7 +84,14 @@ void Forget(XwWindow* w) {
 XwWindow* CreateControl(XwWindow* parent, int x, int y, int width, int height) {
   const uint32_t on = Random(8) ? XWC_ENABLED | XWC_VISIBLE : 0, style = on | Random(2) << 20;
   const int id = Between(0, 9), low = Between(-9, 9), high = Between(-9, 99);
-  switch (Random(6)) {
+  static const char* const texts[] = {"One", "", "Three", "Two", nullptr};
+  switch (Random(9)) {
+    case 6:
+      return XwEditBox(parent, "text", id, x, y, width, height, style | Random(2) << 22);
+    case 7:
+      return XwListBox(parent, texts, id, x, y, width, height, style);
+    case 8:
+      return XwComboBox(parent, texts + Random(5), id, x, y, width, height, style, Between(-1, 3));
     case 0:
       return XwButton(parent, "Button", id, x, y, width, height, style | Random(2) << 23, 0);
     case 1:
@@ -182,6 +190,8 @@ void Act() {
     case 17:
       return XwEnable(w, int(Random(2)));
     case 18:
+      // Those two take an array.
+      if (w && (w->kind == XWK_COMBO || w->kind == XWK_LIST)) return;
       return XwSetText(w, Random(2) ? "title" : "another \xA5 title");
     case 19:
       return XwSetScrollHandler(w, Random(2) ? Scroll : nullptr);
@@ -256,11 +266,15 @@ void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
   }
   EXPECT_EQ(w->subwindows, subs);
   if (IsControl(w)) {
-    XwWindow* focus = XwGetFocus(w);
-    EXPECT_TRUE(focus != w || (w->enabled && w->flags & XW_SHOWN)) << "keys for nobody";
+    const auto control = static_cast<platform::ControlRef>(w->platform);
+    const bool takes = platform::IsControlActive(control) && platform::IsControlVisible(control);
+    EXPECT_TRUE(XwGetFocus(w) != w || takes) << "keys for nobody: kind " << int(w->kind);
   }
   EXPECT_EQ((w->flags & XW_HAS_SUBWINDOWS) != 0, subs > 0);
   EXPECT_TRUE(platform::IsValidWindow(NativeWindow(w)));
+  if (!IsTopLevel(w)) return;
+  const Rect native = platform::GetWindowBounds(NativeWindow(w), platform::kWindowContentRgn);
+  EXPECT_EQ((Rect{w->x, w->y, w->x + w->width, w->y + w->height}), native);
 }
 
 bool LiveOrNull(XwWindow* w) {
@@ -314,7 +328,9 @@ uint64_t Play(uint64_t seed, int64_t steps) {
   for (int64_t i = 0; i < steps; ++i) {
     Random(8) ? Input() : Act();
     if (Random(6) == 0) RunFor(Random(30) / 1000.0);
-    if (i % 256 == 0) {
+    for (XwWindow* w : {Inp.window, Inp.focus, GrabWindow})
+      if (!LiveOrNull(w)) ADD_FAILURE() << "a window that has ended";
+    if (i % 256 == 0 || testing::Test::HasFailure()) {
       Check();
       if (testing::Test::HasFailure()) {
         ADD_FAILURE() << "at step " << i << " of seed " << seed;

@@ -40,6 +40,40 @@ TEST(Session, SetsItsGlobals) {
   EXPECT_STREQ(getcwd(folder, sizeof folder), "/");
 }
 
+// XW_TRACE is read at the start of the process.
+TEST(Session, TracesWhatItNames) {
+  const char* const name = "/proc/self/exe";
+  char path[PATH_MAX] = {};
+  ASSERT_GT(readlink(name, path, sizeof path - 1), 0);
+  if (getenv("XW_TRACE")) {
+    stage::Open();
+    XwWindow* w = stage::Main();
+    XwSet(w);
+    XwDrawText(nullptr, 0, 3, 4, 50, 20, "text", 0, -1);
+    XwBox(1, 2, 3, 4, 5);
+    exit(0);
+  }
+  const struct {
+    const char* subjects;
+    const char* has;
+    const char* lacks;
+  } rows[] = {{"draw", "draw: XwBox 1 2 3 4 5\n", "events:"},
+              {"draw", "draw: XwDrawText 0 3 4 50 20 0 -1\n", "windows:"},
+              {"events,windows", "windows: create top-level 100 100 300 200\n", "draw:"},
+              {"windows,events", "events: 769\n", "draw:"}};
+  for (const auto& row : rows) {
+    const std::string command = std::string("XW_TRACE=") + row.subjects + " '" + path +
+                                "' --gtest_filter=Session.TracesWhatItNames 2>&1";
+    FILE* out = popen(command.c_str(), "r");
+    std::string text;
+    char piece[512];
+    while (fgets(piece, sizeof piece, out)) text += piece;
+    pclose(out);
+    EXPECT_NE(text.find(row.has), std::string::npos) << row.subjects << ": " << text;
+    EXPECT_EQ(text.find(row.lacks), std::string::npos) << row.subjects << ": " << text;
+  }
+}
+
 TEST(Session, FollowsTheScreen) {
   stage::Open();
   XwWindow* main = stage::Main();

@@ -297,6 +297,21 @@ TEST(Sliders, WithoutAnIdReportWhileTheyMoveOnly) {
   EXPECT_EQ(All({Press(117, 120), Drag(118, 120), Release()}), "0:~1");
   XwFocusControl(s.w);
   EXPECT_EQ(Type(kRight), "0:~2") << "it takes the key";
+  EXPECT_EQ(All({Type(kHome), Type(kHome)}), "0:~0") << "also when nothing changes";
+}
+
+TEST(Sliders, WhatAHandlerAnswersIsNotDeliveredAgain) {
+  One s;
+  XwWindow* w = XwCreate(0, 500, 100, 200, 100, Answer);
+  XwShow(w, 1);
+  XwSlider(w, 5, 10, 10, 118, 20, kOn, 0, 100, 0);
+  Settle();
+  result = XWE_SCROLLING;
+  input::MovePointer(517, 120);
+  input::Press(1);
+  EXPECT_EQ(Drag(527, 120), "~10");
+  result = 0;
+  EXPECT_EQ(Release(), "10");
 }
 
 XwWindow *doomed, *moved;

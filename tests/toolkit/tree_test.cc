@@ -344,6 +344,8 @@ TEST(Tree, TheMainWindowsRecordStays) {
   XwShow(docked, 1);
   XwShow(other, 1);
   Settle();
+  EXPECT_FALSE(IsWindowActive(Native(main)));
+  EXPECT_TRUE(IsWindowActive(Native(docked))) << "while any window is";
   XwSendEvent(main, 1000, 0, 0, 0);
   int native = input::Counts().windows;
   XwDestroy(main);

@@ -11,7 +11,7 @@
 
 #include "platform/events/targets.h"
 #include "platform/loop/receive.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 
 namespace x11_test {
 

@@ -10,7 +10,7 @@
 #include "platform/display/x11/x.h"
 #include "platform/events/event.h"
 #include "platform/windows/windows.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 #include "tests/x11/turn.h"
 #include "toolkit/xw.h"
 
@@ -74,12 +74,11 @@ class Churn : public X11Test {
     while (TakeTurn(0)) {
     }
   }
-  // Until nothing has come for a while.
-  static void Rest() {
-    int turns = 0;
-    support::Eventually([&] {
-      Turn();
-      return ++turns > 20;
+  void Rest() {
+    SettleWith([] {
+      bool came = false;
+      while (TakeTurn(0)) came = true;
+      return came;
     });
   }
   void OneWindow(int i) {
@@ -108,9 +107,9 @@ class Churn : public X11Test {
 class Managers : public Churn, public testing::WithParamInterface<const char*> {};
 
 TEST_P(Managers, ManyWindowsLeaveNothingBehind) {
-  const char* wish = getenv("QUORVIK_WINDOWS");
+  const char* wanted = getenv("QUORVIK_WINDOWS");
   // A window manager takes its time for each.
-  const int count = wish != nullptr ? atoi(wish) : *GetParam() != 0 ? kWindows / 10 : kWindows;
+  const int count = wanted != nullptr ? atoi(wanted) : *GetParam() != 0 ? kWindows / 10 : kWindows;
   StartServer(GetParam(), {});
   XwSession("Churn", "Churn", 0);
   XwWindow* top = XwCreate(0, 300, 300, 100, 100, Handle);

@@ -143,6 +143,7 @@ class SecondStart : public Bus {
   void RunFirst() {
     first_ = fork();
     if (first_ == 0) {
+      TakeOwnUser();
       StartSession();
       Show("First", {200, 150, 500, 350});
       WaitUntil([] { return false; }, 3000);
@@ -263,6 +264,7 @@ TEST_F(Bus, ASecondStartHandsOverToTheFirst) {
   // The first start, in a process of its own, says with its exit that it was brought forward.
   const pid_t first = fork();
   if (first == 0) {
+    TakeOwnUser();
     StartSession();
     WindowRef w = Show("First", {200, 150, 500, 350});
     _exit(w != nullptr && WaitUntil([&] { return w->focused; }, 1000) ? 7 : 1);

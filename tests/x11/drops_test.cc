@@ -1,116 +1,61 @@
 // Files dropped by other programs, well behaved and not.
 #include <algorithm>
+#include <list>
 
+#include "tests/x11/peer.h"
 #include "tests/x11/reports.h"
 
 namespace x11_test {
 namespace {
 
-// The other side of a drop: a program with a connection of its own.
-class Source {
+constexpr char kList[] = "text/uri-list";
+
+// The other side of a drop.
+class Source : public Peer {
  public:
-  Source(support::XUser* user, xcb_window_t target) : user_(user), target_(target) {
-    window_ = xcb_generate_id(c());
-    xcb_create_window(c(), 0, window_, user_->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0,
-                      0, nullptr);
-    // Its pieces follow the deletion of the one before.
-    const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(c(), target, XCB_CW_EVENT_MASK, &mask);
-    xcb_set_selection_owner(c(), window_, user_->Atom("XdndSelection"), XCB_CURRENT_TIME);
-    user_->Sync();
+  explicit Source(xcb_window_t target) : target_(target) {
+    Own("XdndSelection");
+    on_message = [this](const xcb_client_message_event_t& m) {
+      heard.push_back((m.type == Atom("XdndStatus") ? "status " : "finished ") +
+                      std::to_string(m.data.data32[1]));
+    };
   }
   void Enter(const char* type) {
-    Send("XdndEnter", {window_, 5u << 24, user_->Atom(type), 0, 0});
-    Send("XdndPosition", {window_, 0, 150 << 16 | 200, 0, user_->Atom("XdndActionCopy")});
+    Send("XdndEnter", {window(), 5u << 24, Atom(type), 0, 0});
+    Send("XdndPosition", {window(), 0, 150 << 16 | 200, 0, Atom("XdndActionCopy")});
   }
   void Drop() {
-    Enter("text/uri-list");
-    Send("XdndDrop", {window_, 0, 0, 0, 0});
+    Enter(kList);
+    Send("XdndDrop", {window(), 0, 0, 0, 0});
   }
-  void Leave() { Send("XdndLeave", {window_, 0, 0, 0, 0}); }
-  void Destroy() {
-    xcb_destroy_window(c(), window_);
-    user_->Sync();
+  void Leave() { Send("XdndLeave", {window(), 0, 0, 0, 0}); }
+  // What it says when it is asked for the list: all of it, in pieces of `size` bytes of which it
+  // has only so many, or nothing at all.
+  void Give(const Value& value) { answers[kList] = {value, {}}; }
+  void Give(const std::string& list) { Give({kList, 8, list}); }
+  void GiveInPieces(const std::string& list, size_t size, size_t most = SIZE_MAX) {
+    Answer answer = InPieces(kList, list, size);
+    late.assign(answer.pieces.begin() + ptrdiff_t(std::min(most, answer.pieces.size())),
+                answer.pieces.end());
+    answer.pieces.resize(answer.pieces.size() - late.size());
+    answers[kList] = answer;
   }
-  // What the selection is answered with: put into the property by `write`, in `pieces` after it.
-  std::function<void(xcb_window_t requestor, xcb_atom_t property)> write;
-  std::vector<std::string> pieces;
-  bool silent = false;  // asked for the list, it says nothing
-  std::vector<std::string> answers;
-
-  void Put(xcb_window_t w, xcb_atom_t property, const char* type, int format, const void* data,
-           size_t count) {
-    xcb_change_property(c(), XCB_PROP_MODE_REPLACE, w, property, user_->Atom(type), uint8_t(format),
-                        uint32_t(count), data);
-  }
-  void Answer(const std::string& list) {
-    write = [this, list](xcb_window_t w, xcb_atom_t property) {
-      Put(w, property, "text/uri-list", 8, list.data(), list.size());
-    };
-  }
-  // In pieces of `size` bytes, the empty one last.
-  void AnswerInPieces(const std::string& list, size_t size) {
-    for (size_t at = 0; at < list.size(); at += size) pieces.push_back(list.substr(at, size));
-    pieces.push_back("");
-    write = [this, list](xcb_window_t w, xcb_atom_t property) {
-      const uint32_t total = uint32_t(list.size());
-      Put(w, property, "INCR", 32, &total, 1);
-    };
-  }
-  // Does what a source does when this has come.
-  void Take(const xcb_generic_event_t* e) {
-    const int type = e->response_type & 0x7F;
-    if (type == XCB_CLIENT_MESSAGE) {
-      auto* m = reinterpret_cast<const xcb_client_message_event_t*>(e);
-      if (m->window != window_) return;
-      answers.push_back((m->type == user_->Atom("XdndStatus") ? "status " : "finished ") +
-                        std::to_string(m->data.data32[1]));
-    } else if (type == XCB_SELECTION_REQUEST && !silent) {
-      auto* r = reinterpret_cast<const xcb_selection_request_event_t*>(e);
-      if (r->owner == window_) OnRequest(*r);
-    } else if (type == XCB_PROPERTY_NOTIFY) {
-      OnProperty(*reinterpret_cast<const xcb_property_notify_event_t*>(e));
-    }
-  }
-  xcb_window_t window() const { return window_; }
+  void BeSilent() { answers[kList].how = Answer::kSaysNothing; }
   void Send(const char* type, std::vector<uint32_t> data) {
     xcb_client_message_event_t m{};
     m.response_type = XCB_CLIENT_MESSAGE;
     m.format = 32;
     m.window = target_;
-    m.type = user_->Atom(type);
+    m.type = Atom(type);
     std::copy(data.begin(), data.end(), m.data.data32);
-    xcb_send_event(c(), 0, target_, 0, reinterpret_cast<const char*>(&m));
-    user_->Sync();
+    xcb_send_event(connection(), 0, target_, 0, reinterpret_cast<const char*>(&m));
+    Sync();
   }
+  std::vector<Value> late;
+  std::vector<std::string> heard;
 
  private:
-  xcb_connection_t* c() { return user_->connection(); }
-  void OnRequest(const xcb_selection_request_event_t& r) {
-    xcb_selection_notify_event_t n{};
-    n.response_type = XCB_SELECTION_NOTIFY;
-    n.requestor = r.requestor;
-    n.selection = r.selection;
-    n.target = r.target;
-    n.property = write ? r.property : xcb_atom_t{XCB_ATOM_NONE};
-    if (write) write(r.requestor, r.property);
-    xcb_send_event(c(), 0, r.requestor, 0, reinterpret_cast<const char*>(&n));
-    user_->Sync();
-    sending_ = !pieces.empty();
-    property_ = r.property;
-  }
-  void OnProperty(const xcb_property_notify_event_t& p) {
-    if (!sending_ || p.atom != property_ || p.state != XCB_PROPERTY_DELETE || pieces.empty())
-      return;
-    Put(target_, property_, "text/uri-list", 8, pieces.front().data(), pieces.front().size());
-    pieces.erase(pieces.begin());
-    user_->Sync();
-  }
-
-  support::XUser* user_;
-  xcb_window_t target_, window_ = 0;
-  xcb_atom_t property_ = 0;
-  bool sending_ = false;
+  xcb_window_t target_;
 };
 
 class Drops : public Reports {
@@ -127,37 +72,34 @@ class Drops : public Reports {
       while (kX11Display.next_event(&raw)) {
         if (raw.type == RawEvent::kOpenFile) paths.push_back(raw.text);
       }
-      while (auto* e = xcb_poll_for_event(user().connection())) {
-        for (Source* s : sources) s->Take(e);
-        free(e);
-      }
+      for (Source& s : sources) s.Work();
       return done();
     });
   }
-  std::unique_ptr<Source> MakeSource() {
-    auto s = std::make_unique<Source>(&user(), id);
-    sources = {s.get()};
-    return s;
+  void TearDown() override {
+    sources.clear();
+    Reports::TearDown();
   }
+  Source* MakeSource() { return &sources.emplace_back(id); }
   bool Answered(const Source& s, size_t count) {
-    return Run([&] { return s.answers.size() >= count; });
+    return Run([&] { return s.heard.size() >= count; });
   }
   WindowRef window = nullptr;
   xcb_window_t id = 0;
-  std::vector<Source*> sources;
+  std::list<Source> sources;
   std::vector<std::string> paths;
 };
 
 TEST_F(Drops, OnlyListsOfAddressesAreTaken) {
   EXPECT_EQ(user().Words(id, "XdndAware"), std::vector<uint32_t>{5});
   auto source = MakeSource();
-  source->Answer("# list\r\nfile:///tmp/a%20file.txt\r\nfile:///second\r\n");
+  source->Give("# list\r\nfile:///tmp/a%20file.txt\r\nfile:///second\r\n");
   source->Enter("text/uri-list");
   source->Leave();
   source->Enter("image/png");
   source->Drop();
   ASSERT_TRUE(Answered(*source, 4));
-  EXPECT_EQ(source->answers,
+  EXPECT_EQ(source->heard,
             (std::vector<std::string>{"status 1", "status 0", "status 1", "finished 1"}));
   EXPECT_EQ(paths, std::vector<std::string>{"/tmp/a file.txt"});
 }
@@ -167,25 +109,25 @@ TEST_F(Drops, ALongListComesInPieces) {
   for (int i = 0; i < 2000; ++i) list += "file:///tmp/another-" + std::to_string(i) + "\r\n";
   for (size_t size : {size_t{7}, size_t{4096}}) {
     auto source = MakeSource();
-    source->AnswerInPieces(size == 7 ? list.substr(0, 200) : list, size);
+    source->GiveInPieces(size == 7 ? list.substr(0, 200) : list, size);
     source->Drop();
     ASSERT_TRUE(Answered(*source, 2));
-    EXPECT_EQ(source->answers.back(), "finished 1");
-    EXPECT_TRUE(source->pieces.empty());
+    EXPECT_EQ(source->heard.back(), "finished 1");
+    EXPECT_TRUE(source->sending[id].empty());
   }
   EXPECT_EQ(paths, (std::vector<std::string>{"/tmp/the first", "/tmp/the first"}));
 }
 
 TEST_F(Drops, AListWithoutEndIsCut) {
   auto source = MakeSource();
-  source->AnswerInPieces("file:///kept\r\n" + std::string(3 << 20, 'x'), 200000);
+  source->GiveInPieces("file:///kept\r\n" + std::string(3 << 20, 'x'), 200000);
   source->Drop();
   ASSERT_TRUE(Answered(*source, 2));
-  EXPECT_EQ(source->answers.back(), "finished 1");
-  EXPECT_GT(source->pieces.size(), 5u);  // it was not read to its end
+  EXPECT_EQ(source->heard.back(), "finished 1");
+  EXPECT_GT(source->sending[id].size(), 5u);  // it was not read to its end
   // The same in one piece; nothing of it stays with the window.
   source = MakeSource();
-  source->Answer("file:///kept\r\n" + std::string(3 << 20, 'x'));
+  source->Give("file:///kept\r\n" + std::string(3 << 20, 'x'));
   source->Drop();
   ASSERT_TRUE(Answered(*source, 2));
   EXPECT_EQ(paths, (std::vector<std::string>{"/kept", "/kept"}));
@@ -193,31 +135,28 @@ TEST_F(Drops, AListWithoutEndIsCut) {
 }
 
 TEST_F(Drops, WhatIsNoListIsRefused) {
-  const uint32_t words[] = {1, 2, 3};
-  const std::string list = "file:///tmp/a\r\n";
   struct Row {
     const char* what;
     std::function<void(Source&)> prepare;
   };
   const Row rows[] = {
       {"nothing", [](Source&) {}},
-      {"empty", [](Source& s) { s.Answer(""); }},
+      {"empty", [](Source& s) { s.Give(""); }},
       {"another type",
-       [&](Source& s) {
-         s.write = [&](xcb_window_t w, xcb_atom_t p) {
-           s.Put(w, p, "STRING", 8, list.data(), list.size());
-         };
+       [](Source& s) {
+         s.Give({"STRING", 8, "file:///tmp/a\r\n"});
        }},
       {"words",
-       [&](Source& s) {
-         s.write = [&](xcb_window_t w, xcb_atom_t p) {
-           s.Put(w, p, "text/uri-list", 32, words, 3);
-         };
+       [](Source& s) {
+         s.Give({kList, 32, "file:///tmp/a\r\n "});
        }},
-      {"no property", [](Source& s) { s.write = [](xcb_window_t, xcb_atom_t) {}; }},
-      {"an address elsewhere", [](Source& s) { s.Answer("http://elsewhere.example/a\r\n"); }},
-      {"bytes", [](Source& s) { s.Answer(std::string("file:///\0\xFF\r\n", 12)); }},
-      {"no pieces", [](Source& s) { s.AnswerInPieces("", 1); }},
+      {"no property", [](Source& s) { s.Give(Peer::Value{}); }},
+      {"an address elsewhere", [](Source& s) { s.Give("http://elsewhere.example/a\r\n"); }},
+      {"bytes", [](Source& s) { s.Give(std::string("file:///\0\xFF\r\n", 12)); }},
+      {"no pieces",
+       [](Source& s) {
+         s.answers[kList] = {{"INCR", 32, Peer::Word(0)}, {{kList, 8, ""}}};
+       }},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -225,7 +164,7 @@ TEST_F(Drops, WhatIsNoListIsRefused) {
     row.prepare(*source);
     source->Drop();
     ASSERT_TRUE(Answered(*source, 2));
-    EXPECT_EQ(source->answers.back(), "finished 0");
+    EXPECT_EQ(source->heard.back(), "finished 0");
   }
   EXPECT_TRUE(paths.empty());
 }
@@ -233,28 +172,26 @@ TEST_F(Drops, WhatIsNoListIsRefused) {
 // A source that stops in the middle holds up nothing, and what it sends much later is not opened.
 TEST_F(Drops, ASourceThatStopsIsGivenUp) {
   auto stuck = MakeSource();
-  stuck->AnswerInPieces("file:///tmp/stuck\r\n", 4);
-  stuck->pieces.resize(2);
+  stuck->GiveInPieces("file:///tmp/stuck\r\n", 4, 2);
   stuck->Drop();
-  ASSERT_TRUE(Run([&] { return stuck->pieces.empty(); }));
+  ASSERT_TRUE(Run([&] { return stuck->pieces_sent == 2; }));
   auto silent = MakeSource();
-  silent->silent = true;
+  silent->BeSilent();
   silent->Drop();
-  sources = {stuck.get(), silent.get()};
   ASSERT_TRUE(Answered(*silent, 1) && Answered(*stuck, 2));
-  EXPECT_EQ(stuck->answers.back(), "finished 0");
+  EXPECT_EQ(stuck->heard.back(), "finished 0");
   auto good = MakeSource();
-  good->Answer("file:///good\r\n");
+  good->Give("file:///good\r\n");
   good->Drop();
   ASSERT_TRUE(Answered(*good, 2));
   EXPECT_EQ(paths, std::vector<std::string>{"/good"});
   // Out of patience when the list comes.
   x11::x.drop_patience = -1;
   auto late = MakeSource();
-  late->Answer("file:///late\r\n");
+  late->Give("file:///late\r\n");
   late->Drop();
   ASSERT_TRUE(Answered(*late, 2));
-  EXPECT_EQ(late->answers.back(), "finished 0");
+  EXPECT_EQ(late->heard.back(), "finished 0");
   EXPECT_EQ(paths.size(), 1u);
 }
 
@@ -264,33 +201,27 @@ TEST_F(Drops, ASilentSourceIsGivenUpWithoutAnyEvent) {
   auto give_up = [this](Source* s) {
     s->Drop();
     // Until it says no more.
-    ASSERT_TRUE(Run([&] { return !s->answers.empty() && s->pieces.empty(); }));
+    ASSERT_TRUE(Run([&] { return s->requests == 1 && s->sending[id].empty(); }));
     Event e;
     EXPECT_FALSE(ReceiveNextEvent(1.5, &e) && e.cls == kEventClassAppleEvent);
     // The display is not looked at any more, and it is told all the same.
     ASSERT_TRUE(support::Eventually([&] {
-      while (auto* event = xcb_poll_for_event(user().connection())) {
-        s->Take(event);
-        free(event);
-      }
-      return s->answers.size() == 2;
+      s->Work();
+      return s->heard.size() == 2;
     }));
-    EXPECT_EQ(s->answers.back(), "finished 0");
+    EXPECT_EQ(s->heard.back(), "finished 0");
   };
   auto silent = MakeSource();
-  silent->silent = true;
-  give_up(silent.get());
+  silent->BeSilent();
+  give_up(silent);
   auto stuck = MakeSource();
-  stuck->AnswerInPieces("file:///tmp/stuck\r\nfile:///tmp/another\r\n", 4);
-  const std::vector<std::string> late(stuck->pieces.begin() + 2, stuck->pieces.end());
-  stuck->pieces.resize(2);
-  give_up(stuck.get());
+  stuck->GiveInPieces("file:///tmp/stuck\r\nfile:///tmp/another\r\n", 4, 2);
+  give_up(stuck);
   // What it sends after all is neither opened nor kept.
-  stuck->pieces = late;
-  stuck->pieces.push_back("");
-  stuck->Put(id, user().Atom("_XW_DROP"), "text/uri-list", 8, "late", 4);
-  user().Sync();
-  ASSERT_TRUE(Run([&] { return stuck->pieces.empty(); }));
+  stuck->sending[id] = stuck->late;
+  stuck->Put(id, stuck->Atom("_XW_DROP"), {kList, 8, "late"});
+  stuck->Sync();
+  ASSERT_TRUE(Run([&] { return stuck->sending[id].empty(); }));
   Run([&] { return user().Words(id, "_XW_DROP").empty(); });
   EXPECT_EQ(user().Text(id, "_XW_DROP"), "");
   EXPECT_TRUE(paths.empty());
@@ -299,51 +230,47 @@ TEST_F(Drops, ASilentSourceIsGivenUpWithoutAnyEvent) {
 TEST_F(Drops, ASourceThatEndsLeavesNothing) {
   x11::x.drop_patience = 1000;
   auto source = MakeSource();
-  source->AnswerInPieces("file:///tmp/a\r\n", 4);
-  source->pieces.resize(2);
+  source->GiveInPieces("file:///tmp/a\r\n", 4, 2);
   source->Drop();
-  ASSERT_TRUE(Run([&] { return source->pieces.empty(); }));
-  source->Put(id, user().Atom("_XW_DROP"), "text/uri-list", 8, "half", 4);
-  source->Destroy();
+  ASSERT_TRUE(Run([&] { return source->pieces_sent == 2; }));
+  source->Put(id, source->Atom("_XW_DROP"), {kList, 8, "half"});
+  source->Die();
   EXPECT_TRUE(Run([&] { return user().Text(id, "_XW_DROP").empty(); }));
-  // Of one that was still hovering neither: a window that gets its number has to enter anew.
+  // Of one that was still hovering neither: a window that gets its number has to enter again.
   auto hovering = MakeSource();
   hovering->Enter("text/uri-list");
   ASSERT_TRUE(Answered(*hovering, 1));
-  hovering->Destroy();
+  hovering->Die();
   Run([] { return true; });
   hovering->Send("XdndDrop", {hovering->window(), 0, 0, 0, 0});
   hovering->Send("XdndPosition", {hovering->window(), 0, 150 << 16 | 200, 0, 0});
   auto good = MakeSource();
-  good->Answer("file:///good\r\n");
+  good->Give("file:///good\r\n");
   good->Drop();
   ASSERT_TRUE(Answered(*good, 2));
   EXPECT_EQ(paths, std::vector<std::string>{"/good"});
-  EXPECT_EQ(hovering->answers.size(), 1u);
+  EXPECT_EQ(hovering->heard.size(), 1u);
 }
 
 TEST_F(Drops, EitherSideMayGoAwayInTheMiddle) {
   auto source = MakeSource();
-  source->AnswerInPieces("file:///tmp/a\r\n", 4);
-  source->pieces.resize(2);
+  source->GiveInPieces("file:///tmp/a\r\n", 4, 2);
   source->Drop();
-  ASSERT_TRUE(Run([&] { return source->pieces.empty(); }));
-  source->Destroy();
+  ASSERT_TRUE(Run([&] { return source->pieces_sent == 2; }));
+  source->Die();
   // Messages that name a window which is gone.
   source->Enter("text/uri-list");
   source->Drop();
   Run([] { return true; });
   WindowRef other = Show("Other", {500, 300, 600, 400});
   const xcb_window_t other_id = x11::NativeOf(other)->id;
-  auto second = std::make_unique<Source>(&user(), other_id);
-  sources = {second.get()};
-  second->AnswerInPieces("file:///tmp/a\r\n", 4);
-  second->pieces.resize(2);
+  auto* second = &sources.emplace_back(other_id);
+  second->GiveInPieces("file:///tmp/a\r\n", 4, 2);
   second->Drop();
-  ASSERT_TRUE(Run([&] { return second->pieces.empty(); }));
+  ASSERT_TRUE(Run([&] { return second->pieces_sent == 2; }));
   DisposeWindow(other);
   ASSERT_TRUE(Answered(*second, 2));
-  EXPECT_EQ(second->answers.back(), "finished 0");
+  EXPECT_EQ(second->heard.back(), "finished 0");
   EXPECT_TRUE(paths.empty());
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "platform/clipboard/clipboard.h"
 #include "tests/support/seed.h"
 #include "tests/x11/reports.h"
 
@@ -31,13 +32,21 @@ constexpr const char* kAtoms[] = {"WM_PROTOCOLS",
                                   "RESOURCE_MANAGER",
                                   "STRING",
                                   "CARDINAL",
-                                  "_NET_WM_STATE_FULLSCREEN"};
+                                  "_NET_WM_STATE_FULLSCREEN",
+                                  "CLIPBOARD",
+                                  "TARGETS",
+                                  "MULTIPLE",
+                                  "UTF8_STRING",
+                                  "_XW_TEXT"};
 
 class Hostile : public Reports {
  protected:
   void Prepare() {
     c = user().connection();
     for (const char* name : kAtoms) atoms.push_back(user().Atom(name));
+    own = xcb_generate_id(c);
+    xcb_create_window(c, 0, own, user().root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
+                      nullptr);
   }
   uint32_t AnyAtom() { return atoms[size_t(dice.Between(0, int(atoms.size()) - 1))]; }
   uint32_t AnyWord() {
@@ -76,6 +85,18 @@ class Hostile : public Reports {
     xcb_send_event(c, 0, dice.OneIn(20) ? user().root() : target, 0,
                    reinterpret_cast<const char*>(bytes));
   }
+  // The program offers or asks, and another one asks it for anything, or takes its place.
+  void Select() {
+    const bool offers = dice.OneIn(2);
+    if (offers) OfferText(Selection::kClipboard, std::string(size_t(dice.Between(0, 600000)), 'x'));
+    auto arrived = [](void* count, const std::string*) { ++*static_cast<int*>(count); };
+    asked += AskText(Selection::kClipboard, 20, arrived, &answered) > 0;
+    const xcb_window_t asker = dice.OneIn(3)   ? target
+                               : dice.OneIn(2) ? x11::SelectionWindow()
+                                               : own;
+    xcb_convert_selection(c, asker, user().Atom("CLIPBOARD"), AnyAtom(), AnyAtom(), 0);
+    if (dice.OneIn(3)) xcb_set_selection_owner(c, own, user().Atom("CLIPBOARD"), 0);
+  }
   void Write() {
     uint8_t bytes[256];
     for (uint8_t& b : bytes) b = uint8_t(dice.Next() >> 16);
@@ -88,7 +109,8 @@ class Hostile : public Reports {
   support::Dice dice{support::Seed(71)};
   xcb_connection_t* c = nullptr;
   std::vector<xcb_atom_t> atoms;
-  xcb_window_t target = 0;
+  xcb_window_t target = 0, own = 0;
+  int asked = 0, answered = 0;
 };
 
 // What another program says of the window's place counts for nothing, before and after a true word
@@ -143,6 +165,7 @@ TEST_F(Hostile, ForgedEventsAndPropertiesAreSurvived) {
       Forge();
     }
     if (i % 100 != 99) continue;
+    if (i % 500 == 499) Select();
     user().Sync();
     RunUntil([] { return true; });
     while (auto* e = xcb_poll_for_event(c)) free(e);  // answers
@@ -150,6 +173,7 @@ TEST_F(Hostile, ForgedEventsAndPropertiesAreSurvived) {
     events.clear();
   }
   EXPECT_GT(taken, 100u);
+  EXPECT_TRUE(RunUntil([&] { return answered == asked; })) << answered << " of " << asked;
   ASSERT_EQ(xcb_connection_has_error(c), 0);
   ASSERT_EQ(xcb_connection_has_error(x11::x.c), 0);
   EXPECT_LT(x11::NativeOf(w)->bytes, size_t{64} << 20);

@@ -25,7 +25,7 @@ TEST_F(Reports, FiveButtonsAndAWheel) {
     EXPECT_EQ(presses[size_t(i)].button, i + 1);
     EXPECT_EQ(releases[size_t(i)].button, i + 1);
     EXPECT_EQ(presses[size_t(i)].x, 50);
-    EXPECT_EQ(presses[size_t(i)].y, 100);  // the strip is part of the buffer
+    EXPECT_EQ(presses[size_t(i)].y, 100);  // the menu bar is part of the buffer
     EXPECT_EQ(presses[size_t(i)].root_y, 200);
   }
   const auto scrolls = Of(RawEvent::kScroll);
@@ -108,7 +108,7 @@ TEST_F(Reports, AGrabWaitsForItsWindow) {
   HideWindow(w);
   ShowWindow(w);
   Settle();
-  EXPECT_TRUE(grabbed()) << "hidden meanwhile";
+  EXPECT_TRUE(grabbed()) << "hidden before it ends";
   CapturePointer(nullptr, nullptr);
   Settle();
   reports.clear();
@@ -187,6 +187,7 @@ TEST_F(Reports, AKeyThatEndsItsWindowDoesNotStayDown) {
   WindowRef other = Show("Ended", {500, 124, 600, 200});
   SelectWindow(other);
   ASSERT_TRUE(RunUntil([&] { return other->focused; }));
+  user().Move(900, 700);  // in no window, which would get the focus back, and lose it
   user().Key('x', true);
   ASSERT_TRUE(Wait(RawEvent::kKeyDown));
   DisposeWindow(other);

@@ -7,7 +7,7 @@
 
 #include "platform/display/x11/x.h"
 #include "platform/late_library.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 
 namespace x11_test {
 namespace {

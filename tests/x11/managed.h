@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/display/x11/x.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 
 namespace x11_test {
 
@@ -43,7 +43,7 @@ class Managed : public X11Test {
     xcb_create_window(c, XCB_COPY_FROM_PARENT, id, user().root(), int16_t(r.left), int16_t(r.top),
                       uint16_t(r.width()), uint16_t(r.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       XCB_COPY_FROM_PARENT, 0, nullptr);
-    // Where it is asked for: position and size of the user's.
+    // Where it is asked for: position and size that the user chose.
     const uint32_t hints[18] = {3};
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NORMAL_HINTS,
                         XCB_ATOM_WM_SIZE_HINTS, 32, 18, hints);

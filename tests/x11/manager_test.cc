@@ -52,6 +52,7 @@ TEST_F(Managed, AFrameInACornerLiesOnTheScreen) {
 TEST_F(Managed, AManagerWaitsForThePictureOfANewSize) {
   Start("openbox");
   WindowRef w = Show("Growing", {200, 150, 500, 350});
+  SetWindowSizeLimits(w, {100, 100, 600, 500, 0, 0});
   RunUntil([&] { return x11::NativeOf(w)->sync.counter != 0; });
   const uint32_t counter = user().Words(Id(w), "_NET_WM_SYNC_REQUEST_COUNTER").at(0);
   auto value = [&] {
@@ -72,15 +73,18 @@ TEST_F(Managed, AManagerWaitsForThePictureOfANewSize) {
     m.data.data32[0] = user().Atom("_NET_WM_SYNC_REQUEST");
     m.data.data32[2] = number;
     xcb_send_event(user().connection(), 0, Id(w), 0, reinterpret_cast<const char*>(&m));
+    user().Sync();
   };
   announce(7);
-  user().Sync();
   // Nothing grows: after a while it is told all the same, not before.
   Event e;
   ReceiveNextEvent(0, &e);
   EXPECT_EQ(value(), 0);
   EXPECT_TRUE(RunUntil([&] { return value() == 7; }));
   announce(8);
+  EXPECT_TRUE(RunUntil([&] { return x11::NativeOf(w)->sync.waits; }));
+  RemoveEventLoopTimer(x11::NativeOf(w)->sync.patience);  // the picture alone counts now
+  x11::NativeOf(w)->sync.patience = nullptr;
   user().Ask(Id(w), "_NET_MOVERESIZE_WINDOW", {0x2F00, 200, 126, 400, 300});
   EXPECT_TRUE(RunUntil([&] { return value() >= 8; }));
   EXPECT_EQ(w->surface.width, 400);
@@ -103,6 +107,7 @@ TEST_F(Managed, TheProgramsIconComesAfterTheFirstPicture) {
   }
   SetProgramIcon(nullptr, 256);
   SetProgramIcon(small.data(), 257);
+  SetProgramIcon(small.data(), 16);  // in place of the one before
   FlushWindow(w);
   EXPECT_EQ(user().Words(Id(w), "_NET_WM_ICON", 70000).size(), 2 + 16 * 16u);
 }
@@ -302,7 +307,7 @@ TEST_F(Managed, FullScreenIsTheDesktops) {
   EXPECT_TRUE(HasState(w, "_NET_WM_STATE_FULLSCREEN"));
   EXPECT_EQ(w->content.height() + w->menu_bar_height, 768);
   EXPECT_EQ(user().Look().at(1023, 767), 0x3366CCu);
-  // Hidden, it keeps the wish.
+  // Hidden, it keeps what was asked for.
   HideWindow(w);
   EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
   Settle();
@@ -358,6 +363,14 @@ TEST_F(Managed, HiddenAndIconifiedWindowsComeBackWhole) {
   EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
   Settle();
   EXPECT_EQ(user().Look().at(499, 349), 0x3366CCu);
+  // An icon that is hidden is no icon any more: it is shown as a window.
+  user().Ask(Id(w), "WM_CHANGE_STATE", {3});
+  EXPECT_TRUE(RunUntil([&] { return !user().Viewable(Id(w)); }));
+  HideWindow(w);
+  FlushWindow(nullptr);
+  EXPECT_TRUE(RunUntil([&] { return user().Words(user().root(), "_NET_CLIENT_LIST").empty(); }));
+  ShowWindow(w);
+  EXPECT_TRUE(RunUntil([&] { return user().Viewable(Id(w)); }));
 }
 
 // Hidden and shown faster than the manager follows.

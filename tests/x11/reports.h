@@ -3,7 +3,7 @@
 #include "platform/display/x11/x.h"
 #include "platform/events/raw_event.h"
 #include "platform/windows/internal.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 
 namespace x11_test {
 

@@ -14,8 +14,8 @@ TEST(Scale, ComesInQuartersFromOneUp) {
   struct Row {
     double dpi, scale;
   };
-  constexpr Row kRows[] = {{0, 1},     {72, 1},  {96, 1},  {100, 1},   {120, 1.25},
-                           {144, 1.5}, {192, 2}, {288, 3}, {100000, 8}};
+  constexpr Row kRows[] = {{0, 1},      {72, 1},    {96, 1},  {100, 1}, {107, 1},   {109, 1.25},
+                           {120, 1.25}, {144, 1.5}, {192, 2}, {288, 3}, {100000, 8}};
   for (const Row& row : kRows) EXPECT_EQ(ScaleOfDpi(row.dpi), row.scale) << row.dpi;
 }
 

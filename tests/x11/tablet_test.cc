@@ -137,7 +137,7 @@ TEST(PointerEvents, WheelsCountFractionsOfANotch) {
   EXPECT_DOUBLE_EQ(turn(3, 1012).dy, -0.2);
   EXPECT_EQ(turn(2, 0).dx, 0);
   EXPECT_DOUBLE_EQ(turn(2, 5).dx, -0.5);
-  EXPECT_EQ(turn(3, 1e9).dy, 0);  // set anew
+  EXPECT_EQ(turn(3, 1e9).dy, 0);  // reset
   d.vertical.valid = false;       // the pointer was elsewhere
   EXPECT_EQ(turn(3, 1030).dy, 0);
   d.vertical.increment = 0;

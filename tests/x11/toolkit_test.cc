@@ -48,9 +48,12 @@ class Toolkit : public Base {
       return done();
     });
   }
-  static void Rest() {
-    int quiet = 0;
-    Run([&] { return ++quiet > 20; });
+  void Rest() {
+    this->SettleWith([] {
+      bool came = false;
+      while (TakeTurn(0)) came = true;
+      return came;
+    });
   }
   xcb_window_t Id() { return x11::NativeOf(static_cast<WindowRef>(top->platform))->id; }
   XwWindow* top = nullptr;
@@ -92,7 +95,7 @@ TEST_F(Sizes, OneOffTheStepsIsAnsweredOnceThenAccepted) {
   Resize(137, 24 + 169);
   EXPECT_EQ(Size(), Pair(137, 24 + 169));
   EXPECT_EQ(seen.size(), 3u);
-  // Another one off the steps is answered anew.
+  // Another one off the steps is answered again.
   Resize(140, 24 + 169);
   EXPECT_EQ(Size(), Pair(137, 24 + 169));
 }

@@ -13,7 +13,7 @@
 #include "platform/display/x11/x.h"
 #include "platform/events/raw_event.h"
 #include "platform/windows/internal.h"
-#include "tests/x11/session.h"
+#include "tests/x11/fixture.h"
 
 namespace x11_test {
 namespace {
@@ -61,13 +61,16 @@ TEST_F(X11Test, AConnectionOverTheNetworkShowsTheSame) {
 // The server has the extension and yet cannot take the memory: what was lost is sent again.
 TEST_F(X11Test, MemoryThatIsRefusedLateIsSentInstead) {
   Start();
+  WindowRef w = Show("Picture", {0, 30, 300, 200});
   const std::string folder = "/proc/" + std::to_string(server().pid()) + "/fd/";
   int used = 0;
   while (access((folder + std::to_string(used)).c_str(), F_OK) == 0) ++used;
   EXPECT_TRUE(x11::x.shm);
   const rlimit full{rlim_t(used), rlim_t(used)};
   ASSERT_EQ(prlimit(server().pid(), RLIMIT_NOFILE, &full, nullptr), 0);
-  ASSERT_NE(Show("Picture", {0, 30, 900, 700}), nullptr);
+  // It was on the screen before: no expose brings the picture again.
+  SetWindowBounds(w, {0, 30, 900, 700});
+  FlushWindow(w);
   EXPECT_FALSE(x11::x.shm);
   EXPECT_EQ(user().Look().at(899, 699), 0x3366CCu);
 }
@@ -87,6 +90,21 @@ TEST_F(X11Test, UncoveredPixelsComeFromTheBuffer) {
   DisposeWindow(above);
   EXPECT_TRUE(RunUntil([&] { return user().Look().at(200, 200) == 0x3366CCu; }));
   EXPECT_EQ(Count(kEventClassWindow, kEventWindowDrawContent), before);
+}
+
+// Until the program has drawn what the desktop has given it, its background shows there.
+TEST_F(X11Test, WhatHasGrownShowsTheBackground) {
+  Start();
+  WindowRef w = Show("Growing", {100, 124, 300, 300});
+  SetWindowBackgroundColor(w, 0x884422);
+  FlushWindow(w);
+  const uint32_t size[] = {400, 350};
+  xcb_configure_window(user().connection(), x11::NativeOf(w)->id,
+                       XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+  user().Sync();
+  const auto look = user().Look();
+  EXPECT_EQ(look.at(499, 449), 0x884422u);
+  EXPECT_EQ(look.at(150, 200), 0x3366CCu) << "what was there stays";
 }
 
 TEST_F(X11Test, TheDesktopIsToldWhatAWindowIs) {
@@ -235,7 +253,7 @@ TEST_F(X11Test, ScaleFollowsTheDesktop) {
   EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 512; }));
 }
 
-// Windows that are open take a new scale: the same logical size, in the same place, drawn anew.
+// Windows that are open take a new scale: the same logical size, in the same place, drawn again.
 TEST_F(X11Test, OpenWindowsTakeANewScale) {
   StartServer("openbox", {});
   SettingsDaemon daemon(&user());
@@ -288,7 +306,7 @@ TEST_F(X11Test, SettingsAreFollowedWhoeverPublishesThem) {
   first.Publish(96);  // it is asked no more
   Settle();
   EXPECT_EQ(ScreenWidth(), 256);
-  // One that goes away, to be started anew perhaps, changes nothing.
+  // One that goes away, to be started again perhaps, changes nothing.
   second.End();
   Settle();
   EXPECT_EQ(ScreenWidth(), 256);
@@ -382,6 +400,9 @@ TEST_F(X11Test, CursorsAreTheThemesOrThePrograms) {
   kX11Display.grab(nullptr, GrabMode::kNone, nullptr);
   kX11Display.flush(true);
   EXPECT_EQ(look(), cross);
+  // It follows the scale.
+  x11::x.scale = 1;
+  EXPECT_EQ(shown(&picture)[0], 16u);
   w->cursor = nullptr;
   kX11Display.destroy_cursor(&picture);
 }

@@ -18,7 +18,8 @@ using namespace platform;
 namespace {
 
 constexpr int kOpaque = 255, kPressedAlpha = 204, kGreyAlpha = 102;
-constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kArrowRight = 11, kWellInset = 3;
+constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kArrowRight = 11, kSortMark = 14,
+              kWellInset = 3;
 constexpr int kDarkest = 128;  // of the luminances that take black text
 
 struct Look {
@@ -90,7 +91,10 @@ void DrawLabel(ContextRef c, const XwWindow* w, const Rect& r, bool arrow, const
     if (!(w->style & XWC_LEFT)) {
       const std::string trimmed =
           XwTextTrim(const_cast<XwFont*>(font), w->text, r.width() - kTextMargin);
-      x = r.left + (r.width() - XwTextWidth(const_cast<XwFont*>(font), trimmed.c_str())) / 2;
+      const int spare = r.width() - XwTextWidth(const_cast<XwFont*>(font), trimmed.c_str());
+      const bool right = w->style & XWC_HEADER && w->style & XWC_RIGHT;
+      const int mark = look.info.adornment == kThemeAdornmentNone ? 0 : kSortMark;
+      x = r.left + (right ? spare - kTextLeft - mark : spare / 2);
     }
   }
   const std::string text = MacRomanToUtf8(w->text);

@@ -21,7 +21,7 @@ using namespace platform;
 namespace {
 
 constexpr int kMenuDrop = 4;  // from the top of an editable combo box to its menu
-constexpr int kButtonWidth = 23, kButtonHeight = 15;
+constexpr int kButtonWidth = 23, kButtonHeight = 15, kGap = 2;
 
 // The item that the user chooses; 0 for none.
 int ChooseFrom(XwWindow* combo) {
@@ -83,6 +83,11 @@ XwWindow* XwComboBox(XwWindow* parent, const char* const* items, int32_t id, int
     SetControlKeys(control, kKeysClick);
   else
     SetControl32BitValue(control, std::min(value, INT32_MAX - 1) + 1);
+  if (editable) {
+    XwWindow* box = XwEditBox(parent, "", -id, x, y, Sat16(w) - kButtonWidth - kGap, h, style);
+    SetLinked(combo, box);
+    if (box) SetControlOpener(NativeControl(box), control);
+  }
   ActivateWindowControl(combo, nullptr);
   InstallControlHandler(combo, Button_func, {kEventControlHit, kEventControlClick});
   return combo;

@@ -9,6 +9,7 @@ enum : uint8_t {
   kEnd = 0,
   kButton = 1,
   kCheckBox = 2,
+  kEditBox = 3,
   kComboBox = 4,
   kLabel = 5,
   kSlider = 6,
@@ -36,6 +37,11 @@ void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx
       case kComboBox:
         XwComboBox(parent, texts, i->id, x, y, i->width, i->height, i->style, int32_t(i->value));
         break;
+      case kEditBox: {
+        XwWindow* box = XwEditBox(parent, text, i->id, x, y, i->width, i->height, i->style);
+        if (!i->text) XwSetValue(box, int32_t(i->value));
+        break;
+      }
       case kLabel:
         XwLabel(parent, text, i->id, x, y, i->width, i->height, i->style);
         break;

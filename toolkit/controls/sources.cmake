@@ -3,6 +3,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/buttons.cc
   ${CMAKE_CURRENT_LIST_DIR}/combos.cc
   ${CMAKE_CURRENT_LIST_DIR}/dialog_items.cc
+  ${CMAKE_CURRENT_LIST_DIR}/edits.cc
   ${CMAKE_CURRENT_LIST_DIR}/focus.cc
   ${CMAKE_CURRENT_LIST_DIR}/framework.cc
   ${CMAKE_CURRENT_LIST_DIR}/lists.cc

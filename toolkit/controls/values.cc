@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/access/access.h"
+#include "platform/controls/edit_text.h"
 #include "platform/lists/lists.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
@@ -46,12 +47,19 @@ void SetComboValue(XwWindow* combo, XwValue value) {
 
 }  // namespace
 
+// As the C library's, but numbers that are too large are cut.
+static int32_t Number(const char* text) {
+  const long long n = strtoll(text, nullptr, 10);
+  return int32_t(std::clamp<long long>(n, INT32_MIN, INT32_MAX));
+}
+
 void XwSetValue(XwWindow* w, XwValue value) {
   if (!CheckWindow(w) || IsSub(w)) return;
   TargetScope scope;
   if (IsTopLevel(w)) return SetWindowModified(NativeWindow(w), (value & 255) != 0);
   if (w->kind == XWK_LIST) return SetListValue(w, int32_t(value));
   if (w->kind == XWK_COMBO) return SetComboValue(w, value);
+  if (w->kind == XWK_EDIT) return XwSetText(w, std::to_string(int32_t(value)).c_str());
   if (!KeepsValue(w)) return SetControl32BitValue(NativeControl(w), int32_t(value));
   w->value = int32_t(value);
   Draw1Control(NativeControl(w));
@@ -64,6 +72,10 @@ void XwSetValue(XwWindow* w, XwValue value) {
 int32_t XwGetValue(XwWindow* w) {
   if (!CheckWindow(w) || !IsControl(w)) return 0;
   if (w->kind == XWK_LIST) return w->value;
+  if (w->kind == XWK_EDIT) {
+    char text[kLongestText + 1];
+    return Number(XwGetText(w, text));
+  }
   return GetControl32BitValue(NativeControl(w)) - (w->kind == XWK_COMBO ? 1 : 0);
 }
 
@@ -76,10 +88,33 @@ char* XwGetText(XwWindow* w, char* dst) {
     return dst;
   }
   if (IsEditableCombo(w)) return w->linked ? XwGetText(w->linked, dst) : dst;
+  if (w->kind == XWK_EDIT) {
+    Utf8ToMacRoman(GetEditText(NativeControl(w)).c_str(), dst, kLongestText + 1);
+    return dst;
+  }
   char title[kLongestText + 1];
   Utf8ToMacRoman(GetControlTitle(NativeControl(w)), title, sizeof title);
   const size_t n = strlen(title);
   dst[0] = char(n);
   memcpy(dst + 1, title, n);
   return dst;
+}
+
+static std::string TextOf(const XwWindow* w) {
+  if (IsTopLevel(w)) return GetWindowTitle(NativeWindow(w));
+  if (IsEditableCombo(w)) return w->linked ? TextOf(w->linked) : std::string();
+  const ControlRef control = NativeControl(w);
+  if (w->kind == XWK_EDIT) return GetEditText(control);
+  if (w->kind == XWK_LIST) return std::string(ListRowText(control, ListSelectedRow(control)));
+  if (w->kind == XWK_COMBO)
+    return GetMenuItemText(static_cast<MenuRef>(w->menu), GetControl32BitValue(control));
+  return GetControlTitle(control);
+}
+
+int XwGetTextUtf8(XwWindow* w, char* dst, int size) {
+  if (dst && size > 0) *dst = 0;
+  if (!CheckWindow(w) || IsSub(w)) return 0;
+  const std::string text = TextOf(w);
+  if (dst && size > 0) CopyUtf8(text, dst, size_t(size));
+  return int(std::min(text.size(), size_t{INT32_MAX}));
 }

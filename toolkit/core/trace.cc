@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "toolkit/core/state.h"
@@ -35,6 +36,12 @@ void Trace(Subject subject, const char* format, ...) {
   vfprintf(stderr, format, args);
   va_end(args);
   fputc('\n', stderr);
+}
+
+void WriteDrawing(const char* call, std::initializer_list<int> numbers) {
+  std::string line = call;
+  for (const int n : numbers) line += " " + std::to_string(n);
+  Trace(Subject::kDraw, "%s", line.c_str());
 }
 
 void Refuse(Refusal what) {

@@ -1,6 +1,9 @@
 // What the toolkit does, a line each on standard error, when XW_TRACE names the subject
-// (XW_TRACE=events,windows,draw). Refusals have names, so that tests need not look at effects.
+// (XW_TRACE=events,windows,draw): events as they are dispatched, windows made and ended, and the
+// calls that draw, each with its numbers; XwSet with the window's serial and size. Refusals have
+// names, so that tests need not look at effects.
 #pragma once
+#include <initializer_list>
 
 enum class Subject { kEvents, kWindows, kDraw };
 
@@ -10,6 +13,14 @@ inline bool Traced(Subject subject) {
 }
 // A line with the subject's name before it; nothing when the subject is not traced.
 void Trace(Subject subject, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// The same for a drawing call: its name and its numbers.
+void WriteDrawing(const char* call, std::initializer_list<int> numbers);
+template <typename... N>
+inline void TraceDrawing(const char* call, N... numbers) {
+  if (Traced(Subject::kDraw)) [[unlikely]]
+    WriteDrawing(call, {int(numbers)...});
+}
 
 // The toolkit declined to do something: one name each.
 enum class Refusal {

@@ -2,6 +2,7 @@
 #include "platform/graphics/context.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/record.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
@@ -13,6 +14,7 @@ static void Decode(int32_t colour, float out[4]) {
 }
 
 void XwSetDashes(const uint8_t* pattern, int offset, int32_t colour1, int32_t colour2) {
+  TraceDrawing("XwSetDashes", offset, colour1, colour2);
   if (!pattern) {
     DashCount = 0;
     SetContextDash(TargetContext(), 0, nullptr, 0);
@@ -31,5 +33,6 @@ void XwSetDashes(const uint8_t* pattern, int offset, int32_t colour1, int32_t co
 void XwFlush() {}
 
 void XwSync() {
+  TraceDrawing("XwSync");
   if (XW) FlushWindow(NativeWindow(XW));
 }

@@ -3,6 +3,7 @@
 
 #include "platform/theme/theme.h"
 #include "toolkit/core/saturate.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/target/background.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
@@ -14,6 +15,7 @@ static Rect MakeRect(int64_t x, int64_t y, int64_t w, int64_t h) {
 }
 
 void XwDrawBevel(int x, int y, int w, int h, int state) {
+  TraceDrawing("XwDrawBevel", x, y, w, h, state);
   ThemeButtonDrawInfo info;
   info.state = state == 2   ? kThemeStatePressed
                : state == 1 ? kThemeStateActive
@@ -24,6 +26,7 @@ void XwDrawBevel(int x, int y, int w, int h, int state) {
 }
 
 void XwDrawHole(int x, int y, int w, int h, int32_t fill) {
+  TraceDrawing("XwDrawHole", x, y, w, h, fill);
   if (w <= 0 || h <= 0) return;
   DrawThemeGenericWell(TargetContext(), MakeRect(x, y, w, h), kThemeStateActive, false);
   if (fill ==
@@ -34,6 +37,7 @@ void XwDrawHole(int x, int y, int w, int h, int32_t fill) {
 }
 
 void XwDrawBorder() {
+  TraceDrawing("XwDrawBorder");
   if (!XW) return;
   XwSetColor(0x808080);
   XwDrawLine(0, 0, XW->width, 0);
@@ -46,6 +50,7 @@ static Rect SeparatorRect(int64_t x, int64_t y, int64_t w, int64_t h) {
 }
 
 void XwDrawSeparator(int x, int y, int w, int h) {
+  TraceDrawing("XwDrawSeparator", x, y, w, h);
   Rect r = SeparatorRect(x, y, w, h);
   EraseToBackground(r);
   DrawThemeSeparator(TargetContext(), r, kThemeStateActive);
@@ -74,6 +79,7 @@ static void ForEachTableLine(int x, int y, int rows, int row_height, const int* 
 }
 
 void XwDrawTable(int x, int y, int rows, int rowHeight, const int* colWidths) {
+  TraceDrawing("XwDrawTable", x, y, rows, rowHeight);
   if (!XW || !colWidths) return;
   ForEachTableLine(x, y, rows, rowHeight, colWidths, EraseToBackground);
   ContextRef c = TargetContext();
@@ -82,6 +88,7 @@ void XwDrawTable(int x, int y, int rows, int rowHeight, const int* colWidths) {
 }
 
 void XwDrawProgress(int x, int y, int w, int h, int value) {
+  TraceDrawing("XwDrawProgress", x, y, w, h, value);
   if (w <= 0 || h <= 0) return;
   XwClear(Saturate(int64_t{x} - 4), Saturate(int64_t{y} - 2), Saturate(int64_t{w} + 8),
           Saturate(int64_t{h} + 4));

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "platform/graphics/context.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/drawing/icons.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
@@ -83,6 +84,7 @@ void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count) {
 }
 
 void XwDrawIcon(XwIcon* icon, int x, int y, int w, int h, int32_t colour, int32_t background) {
+  TraceDrawing("XwDrawIcon", x, y, w, h, colour, background);
   if (!icon) return;
   const Bitmap* bitmap = CacheOf(icon)->bits;
   ContextRef c = TargetContext();

@@ -3,6 +3,7 @@
 
 #include "platform/graphics/context.h"
 #include "toolkit/core/saturate.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
@@ -58,6 +59,7 @@ uint8_t* XwReallocImage(uint8_t* image, int width, int height) {
 }
 
 void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* image) {
+  TraceDrawing("XwPutImage", srcX, srcY, dstX, dstY, w, h);
   if (!image) return;
   const ImageHeader* header = HeaderOf(image);
   int64_t sx = srcX, sy = srcY, dx = dstX, dy = dstY, width = w, height = h;
@@ -69,5 +71,6 @@ void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* i
 }
 
 void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels) {
+  TraceDrawing("XwPutImageData", x, y, w, h);
   DrawPixels(TargetContext(), x, y, w, h, pixels, w);
 }

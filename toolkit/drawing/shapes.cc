@@ -1,5 +1,6 @@
 // Rectangles, lines, polygons, ovals. Nothing is checked here that the context checks.
 #include "platform/graphics/context.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
 
@@ -7,6 +8,7 @@ using namespace platform;
 using toolkit::state;
 
 void XwFillRect(int x, int y, int w, int h) {
+  TraceDrawing("XwFillRect", x, y, w, h);
   ContextRef c = TargetContext();
   if (!c) return;
   SetContextColor(c, state.colors.fill);
@@ -14,6 +16,7 @@ void XwFillRect(int x, int y, int w, int h) {
 }
 
 void XwBox(int x, int y, int w, int h, int32_t colour) {
+  TraceDrawing("XwBox", x, y, w, h, colour);
   if (!IsRealColor(colour)) {
     if (colour == kEraseToBackground && w > 0 && h > 0) XwClear(x, y, w, h);
     return;
@@ -69,18 +72,22 @@ inline void Stroke(ContextRef context, const Path& p) {
 }  // namespace
 
 void XwDrawRect(int x, int y, int w, int h) {
+  TraceDrawing("XwDrawRect", x, y, w, h);
   DrawAndReleasePath({Path::kRect, x, y, w, h, nullptr});
 }
 
 void XwDrawLine(int x1, int y1, int x2, int y2) {
+  TraceDrawing("XwDrawLine", x1, y1, x2, y2);
   DrawAndReleasePath({Path::kLine, x1, y1, x2, y2, nullptr});
 }
 
 void XwDrawLines(const int16_t* points, int n) {
+  TraceDrawing("XwDrawLines", n);
   DrawAndReleasePath({Path::kLines, n, 0, 0, 0, points});
 }
 
 void XwFillPolygon(const int16_t* points, int n) {
+  TraceDrawing("XwFillPolygon", n);
   ContextRef c = TargetContext();
   if (!c) return;
   SetContextColor(c, state.colors.fill);
@@ -88,6 +95,7 @@ void XwFillPolygon(const int16_t* points, int n) {
 }
 
 void XwDrawEllipse(int x, int y, int w, int h) {
+  TraceDrawing("XwDrawEllipse", x, y, w, h);
   ContextRef c = TargetContext();
   if (!c) return;
   SetContextColor(c, state.colors.oval);
@@ -95,6 +103,7 @@ void XwDrawEllipse(int x, int y, int w, int h) {
 }
 
 void XwFillEllipse(int x, int y, int w, int h) {
+  TraceDrawing("XwFillEllipse", x, y, w, h);
   ContextRef c = TargetContext();
   if (!c) return;
   SetContextColor(c, state.colors.oval);

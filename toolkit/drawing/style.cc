@@ -2,6 +2,7 @@
 #include "platform/graphics/context.h"
 #include "platform/theme/roles.h"
 #include "toolkit/core/saturate.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
 
@@ -19,6 +20,7 @@ int32_t XwThemeColor(int role) {
 }
 
 void XwRoundBox(int x, int y, int w, int h, int radius, int32_t fill, int32_t line) {
+  TraceDrawing("XwRoundBox", x, y, w, h, radius, fill, line);
   if (!XW || w <= 0 || h <= 0) return;
   const Rect r{x, y, Saturate(int64_t{x} + w), Saturate(int64_t{y} + h)};
   int most = (w < h ? w : h) / 2;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/fonts/fonts.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/drawing/text.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
@@ -99,6 +100,7 @@ char* XwTextFit(XwFont* font, const char* text, int width) {
 
 void XwDrawText(XwFont* font, int flags, int x, int y, int w, int h, const char* text,
                 int32_t colour, int32_t background) {
+  TraceDrawing("XwDrawText", flags, x, y, w, h, colour, background);
   if (!text || !*text || !XW) return;
   TextBox box{font ? font : XWF_NORMAL, flags, x, y, colour, background};
   if (!box.font) return;

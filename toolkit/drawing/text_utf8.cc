@@ -6,6 +6,7 @@
 
 #include "platform/fonts/fonts.h"
 #include "platform/text/utf8.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/drawing/text.h"
 #include "toolkit/target/selection.h"
 
@@ -50,7 +51,6 @@ std::string Shorten(const TextLine& line, const TextScale& scale, std::string_vi
   for (size_t half = length / 2, tail = half + 2;; ++tail) {
     const size_t head = half > 1 ? half - 1 : half;
     for (size_t from : {tail - 1, tail}) {
-      if (from > length) continue;
       const int64_t sum = clusters[head].pen + dots + line.width() - clusters[from].pen;
       if (!scale.Narrower(sum, limit)) continue;
       return ValidUtf8(text.substr(0, clusters[head].start)) + "..." +
@@ -97,6 +97,7 @@ int XwTextFitUtf8(XwFont* font, const char* utf8, int width, char* dst, int size
 
 void XwDrawTextUtf8(XwFont* font, int flags, int x, int y, int w, int h, const char* utf8,
                     int32_t colour, int32_t background) {
+  TraceDrawing("XwDrawTextUtf8", flags, x, y, w, h, colour, background);
   if (!utf8 || !*utf8 || !XW) return;
   TextBox box{font ? font : XWF_NORMAL, flags, x, y, colour, background};
   if (!box.font) return;

@@ -1,5 +1,6 @@
 #include "toolkit/events/cursors.h"
 
+#include "platform/controls/controls.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
@@ -81,6 +82,7 @@ static void DrawArt(const void* art, uint32_t* argb) {
 
 void FillCursorTable() {
   for (int i = 0; i < XW_CURSORS; ++i) {
+    if (XWcursors[i]) continue;  // of a session before
     switch (i) {
       case 0:
         XWcursors[i] = Desktop(DesktopCursor::kArrow);
@@ -115,7 +117,10 @@ void ChooseCursor(XwWindow* w, Point where) {
     XwCocoaSetCursor(w, GrabCursor);
     return;
   }
-  XwWindow* sub = FindVirtualWindow(w, where.x - w->x, where.y - w->y);
+  const Point at{where.x - w->x, where.y - w->y};
+  if (CursorRef of_control = FindControlCursor(at, NativeWindow(w)))
+    return ShowCursor(NativeWindow(w), of_control);
+  XwWindow* sub = FindVirtualWindow(w, at.x, at.y);
   XwCocoaSetCursor(w, sub ? sub->cursor : w->cursor);
 }
 

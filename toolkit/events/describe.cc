@@ -10,6 +10,7 @@
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
+#include "toolkit/events/loop.h"
 #include "toolkit/target/clip.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
@@ -85,6 +86,7 @@ DescribedNode FromItem(const DescribedMenuItem& i, ObjectRole role) {
   if (i.checked) d.state |= kIsChecked;
   if (i.selected) d.state |= kIsFocused;
   if (!i.items.empty()) d.state |= kHasMenu;
+  if (role == ObjectRole::kMenuItem && i.enabled && !i.opens) d.actions |= kActionPress;
   for (const DescribedMenuItem& sub : i.items)
     node.children.push_back(FromItem(sub, ObjectRole::kMenuItem));
   return node;
@@ -158,14 +160,23 @@ bool PressRow(uint64_t serial) {
   });
 }
 
+// Of a pop-up, or of the bar.
+bool PressItem(uint64_t serial) {
+  if (DescribeOpenPopUp().empty() && ModalKeepsOut(W_Start)) return false;
+  TargetScope scope;
+  return ChooseDescribedItem(serial);
+}
+
 bool Act(uint64_t serial, uint32_t action) {
   XwWindow* control = FindControl(serial);
-  if (!control) return action == kActionPress && PressRow(serial);
-  if (!IsControlActive(NativeControl(control))) return false;
-  TargetScope scope;
+  if (!control) return action == kActionPress && (PressRow(serial) || PressItem(serial));
   uint64_t found;
   Description d;
   DescribeControl(NativeControl(control), &found, &d);
+  // What a user can do at this moment.
+  constexpr uint32_t kUsable = kIsShown | kIsEnabled;
+  if ((d.state & kUsable) != kUsable || ModalKeepsOut(TopLevel(control))) return false;
+  TargetScope scope;
   if (action & d.actions & (kActionPress | kActionIncrease | kActionDecrease))
     Operate([=] {
       if (action == kActionPress)

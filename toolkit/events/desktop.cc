@@ -45,7 +45,7 @@ void ReadDockedPlaces() {
   }
 }
 
-void TakeBounds(XwWindow* w, const Rect& now) {
+void CopyBounds(XwWindow* w, const Rect& now) {
   ResetClipsFrom(w);
   if (w == W_Start) ReadDockedPlaces();
   w->x = Sat16(now.left);
@@ -58,7 +58,7 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
   const Rect& now = b.current;
   int old_width = w->width, old_height = w->height;
   if (b.programmatic) {
-    TakeBounds(w, now);
+    CopyBounds(w, now);
     return;
   }
   Inp.x = now.left;
@@ -74,7 +74,7 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
     Inp.item = 0;
     Inp.value = 0;
   }
-  TakeBounds(w, now);
+  CopyBounds(w, now);
   // What grew is drawn on the platform's own request.
   if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
 }

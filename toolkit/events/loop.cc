@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "platform/controls/edit_text.h"
 #include "platform/events/clock.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
@@ -124,6 +125,14 @@ void XwRunEventLoop() {
   for (;;) XwWaitEvent(nullptr);
 }
 
+// A box that has got the keyboard shows its text selected.
+static void SelectBoxText() {
+  constexpr int kSelected = 100;
+  XwWindow* box = XwFind(Inp.window, Inp.item);
+  if (box && box->kind == XWK_COMBO) box = XwFind(Inp.window, -Inp.item);
+  if (box && IsControl(box)) SelectEditText(static_cast<ControlRef>(box->platform), 0, kSelected);
+}
+
 int XwWaitEvent(XwWindow* modal) {
   const Modal only(modal);
   Event e;
@@ -132,6 +141,8 @@ int XwWaitEvent(XwWindow* modal) {
     if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
     if (e.cls == kToolkitEventClass) {
       TakeRecord(e);
+      if (Inp.type == XWE_EDIT_SELECT && Inp.value == 1) [[unlikely]]
+        SelectBoxText();
     } else if (int status = TakePlatformEvent(&e)) {
       return status;
     }

@@ -45,7 +45,10 @@ OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
   if (event->key.ignored || !IsLive(W_MenuBar) || ModalKeepsOut(W_Start)) return eventNotHandledErr;
   const int type = Inp.type;
   const uint32_t modifiers = ModifierBits(event->key.modifiers);
-  if (MenuKeyHit hit = FindMenuKey(type, modifiers); hit.record) {
+  MenuKeyHit hit = FindMenuKey(type, modifiers);
+  // One that is greyed or hidden now may be the program's to show when its menu opens.
+  if (!hit.record) hit = FindMenuKey(type, modifiers, true);
+  if (hit.record) {
     Event opening(kEventClassMenu, kEventMenuOpening);
     SendEventToEventTarget(&opening, GetMenuEventTarget(hit.menu));
     // The program may have changed the menu.

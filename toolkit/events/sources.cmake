@@ -1,4 +1,5 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/clipboard.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursor_art.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
   ${CMAKE_CURRENT_LIST_DIR}/describe.cc

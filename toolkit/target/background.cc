@@ -1,4 +1,5 @@
 #include "toolkit/target/background.h"
+#include "toolkit/core/trace.h"
 
 #include "platform/graphics/context.h"
 #include "platform/theme/roles.h"
@@ -40,6 +41,7 @@ void EraseToBackground(const Rect& r) {
 }
 
 void XwClear(int x, int y, int width, int height) {
+  TraceDrawing("XwClear", x, y, width, height);
   if (!XW) return;
   if (!width && !height) {
     x = y = 0;

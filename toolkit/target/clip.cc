@@ -1,4 +1,5 @@
 #include "toolkit/target/clip.h"
+#include "toolkit/core/trace.h"
 
 #include <vector>
 
@@ -54,6 +55,7 @@ Region* MakeClip(const XwWindow* w, Point origin) {
 }
 
 void XwClip(uint16_t x, uint16_t y, uint16_t width, uint16_t height) {
+  TraceDrawing("XwClip", x, y, width, height);
   if (!XW) return;
   XwWindow* w = XW;
   w->clip_x = Sat16(x);

@@ -4,6 +4,7 @@
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
+#include "toolkit/core/trace.h"
 #include "toolkit/target/clip.h"
 
 using namespace platform;
@@ -39,6 +40,7 @@ void XwSet(XwWindow* w) {
   // The selected window again: what was made for it may be out of date.
   XW = w;
   if (w) Select(w);
+  if (w) TraceDrawing("XwSet", w->serial, w->width, w->height);
 }
 
 void XwPush(XwWindow* w) {

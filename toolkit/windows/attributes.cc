@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "platform/access/access.h"
-#include "platform/controls/controls.h"
+#include "platform/controls/edit_text.h"
 #include "platform/text/mac_roman.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -21,7 +21,6 @@ using namespace platform;
 
 namespace {
 
-constexpr int kTextPart = 5;
 constexpr int kTitleLimit = 255;
 // Bytes of UTF-8: more than any title bar shows, and less than a display would refuse.
 constexpr size_t kLongestTitle = 4096;
@@ -89,11 +88,18 @@ bool SetItems(XwWindow* w, const char* text, bool utf8) {
   return true;
 }
 
-void SetControlText(XwWindow* w, const char* text) {
-  if (SetItems(w, text, false)) return;
-  if (IsEditableCombo(w)) return XwSetText(w->linked, text);
-  const std::string shown = ShownText(w, text);
-  const std::string utf8 = MacRomanToUtf8(shown.c_str());
+void SetControlText(XwWindow* w, const char* text, bool is_utf8) {
+  if (SetItems(w, text, is_utf8)) return;
+  if (IsEditableCombo(w)) {
+    if (w->linked) SetControlText(w->linked, text, is_utf8);
+    return;
+  }
+  if (w->kind == XWK_EDIT)
+    return SetEditText(Native(w), is_utf8 ? text : MacRomanToUtf8(text ? text : "").c_str());
+  // What the toolkit draws itself is kept in its own characters.
+  const std::string given = ShownText(w, text);
+  const std::string utf8 = is_utf8 ? ValidUtf8(given) : MacRomanToUtf8(given.c_str());
+  const std::string shown = is_utf8 ? Utf8ToMacRoman(given.c_str()) : given;
   const bool self_drawn =
       w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & XWC_OWN_TEXT);
   if (self_drawn) {
@@ -110,7 +116,10 @@ void SetControlText(XwWindow* w, const char* text) {
 }
 
 void EnableControl(XwWindow* w, bool enable) {
-  enable ? ActivateControl(Native(w)) : DeactivateControl(Native(w));
+  if (w->kind == XWK_EDIT && w->style & XWC_VARIANT)
+    SetEditReadOnly(Native(w), enable);
+  else
+    enable ? ActivateControl(Native(w)) : DeactivateControl(Native(w));
   if (!IsEditableCombo(w) || !w->linked) return;
   w->linked->enabled = enable;
   EnableControl(w->linked, enable);
@@ -146,14 +155,14 @@ void XwSetFocus(XwWindow* w) {
   SetUserFocusWindow(NativeWindow(top));
   ClearKeyboardFocus(NativeWindow(top));
   Inp.focus = top;
-  if (!IsEditableCombo(w) || !w->linked) return;
-  for (int part : {0, kTextPart}) SetKeyboardFocus(NativeWindow(top), Native(w->linked), part);
+  XwWindow* box = IsEditableCombo(w) ? w->linked : w->kind == XWK_EDIT ? w : nullptr;
+  if (box) SetKeyboardFocus(NativeWindow(top), Native(box), kControlEditTextPart);
 }
 
 void XwSetText(XwWindow* w, const char* text) {
   if (!CheckWindow(w) || IsSub(w)) return;
   TargetScope scope;
-  if (IsControl(w)) return SetControlText(w, text);
+  if (IsControl(w)) return SetControlText(w, text, false);
   const unsigned char* title = C2PSTR(text);
   char cut[kTitleLimit + 1];
   memcpy(cut, title + 1, title[0]);
@@ -164,10 +173,9 @@ void XwSetText(XwWindow* w, const char* text) {
 }
 
 void XwSetTextUtf8(XwWindow* w, const char* utf8) {
-  if (!CheckWindow(w)) return;
+  if (!CheckWindow(w) || IsSub(w)) return;
   TargetScope scope;
-  if (IsEditableCombo(w)) return XwSetTextUtf8(w->linked, utf8);
-  if (SetItems(w, utf8, true) || !IsTopLevel(w)) return;
+  if (IsControl(w)) return SetControlText(w, utf8, true);
   const std::string title = ValidUtf8(utf8 ? utf8 : "");
   SetWindowTitle(NativeWindow(w), title.substr(0, CutUtf8(title, kLongestTitle)).c_str());
 }

@@ -44,6 +44,12 @@ void FreeContents(XwWindow* w) {
   w->text = nullptr;
 }
 
+// A box that ends with the keyboard tells nobody.
+void EndControl(XwWindow* w) {
+  w->flags &= uint8_t(~XW_EDITING);
+  DisposeControl(static_cast<ControlRef>(w->platform));
+}
+
 void EndNative(XwWindow* w) {
   ResetClipMask(w);
   if ((w->flags2 & XW_DOCKED) && IsLive(W_Start) && !state.first_window_ended)
@@ -53,7 +59,7 @@ void EndNative(XwWindow* w) {
   else if (IsSub(w))
     LeavePane(w);
   else
-    DisposeControl(static_cast<ControlRef>(w->platform));
+    EndControl(w);
   DisposeMenu(static_cast<MenuRef>(w->menu));
   w->menu = nullptr;
   w->platform = nullptr;

@@ -1,4 +1,5 @@
 // Items by their ids: the record changes first, the shown menu follows.
+#include <algorithm>
 #include <cstring>
 
 #include "toolkit/windows/menu_state.h"
@@ -9,7 +10,6 @@ namespace {
 
 constexpr XwValue kPointer = 0x10000;  // ids from here on are addresses
 constexpr XwValue kDeepId = 65534;     // greater ones are looked for in the array alone
-constexpr int kDeepest = 16;           // an array may hang in itself
 constexpr uint32_t kAttributes = XWM_DISABLED | XWM_HIDDEN;
 
 struct Found {
@@ -18,15 +18,22 @@ struct Found {
   int position = 0;
 };
 
-Found Find(XwMenuItem* items, XwValue id, int depth) {
+Found Find(XwMenuItem* items, XwValue id, SearchedArrays* searched) {
+  Found found;
+  if (!searched->Enter(items)) return found;
   int position = 1;
-  for (XwMenuItem* r = items; r && r->text && depth < kDeepest; ++r, ++position) {
+  for (XwMenuItem* r = items; r->text && !found.record; ++r, ++position) {
     if (!IsMenuLeaf(*r) && id <= kDeepId)
-      if (Found sub = Find(reinterpret_cast<XwMenuItem*>(r->id), id, depth + 1); sub.record)
-        return sub;
-    if (r->id == id) return {r, items, position};
+      found = Find(reinterpret_cast<XwMenuItem*>(r->id), id, searched);
+    if (!found.record && r->id == id) found = {r, items, position};
   }
-  return {};
+  searched->Leave();
+  return found;
+}
+
+Found Find(XwMenuItem* items, XwValue id) {
+  SearchedArrays searched;
+  return Find(items, id, &searched);
 }
 
 // The records of a radio range.
@@ -43,7 +50,7 @@ Range RangeOf(XwMenuItem* items, XwValue first, XwValue last) {
     while (r.end->text) ++r.end;
     return r;
   }
-  const Found found = Find(items, first, 0);
+  const Found found = Find(items, first);
   if (!found.record) return r;
   r.items = found.items;
   r.first = r.end = found.record;
@@ -54,11 +61,19 @@ Range RangeOf(XwMenuItem* items, XwValue first, XwValue last) {
 
 }  // namespace
 
+bool SearchedArrays::Enter(const XwMenuItem* items) {
+  if (!items || depth >= kDeepestMenu) return false;
+  if (std::find(arrays.begin(), arrays.end(), items) != arrays.end()) return false;
+  arrays.push_back(items);
+  ++depth;
+  return true;
+}
+
 XwMenuItem* FindMenuItem(XwMenuItem* items, XwValue id, MenuRef* menu, int* position,
                          bool item_level) {
   *menu = nullptr;
   *position = 0;
-  const Found found = Find(items, id, 0);
+  const Found found = Find(items, id);
   if (!found.record) return nullptr;
   if (id >= kPointer && !item_level && !IsMenuLeaf(*found.record)) {
     *menu = BuiltMenu(reinterpret_cast<XwMenuItem*>(id));
@@ -121,7 +136,7 @@ void XwCheckMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last, XwValu
 }
 
 int XwGetMenuItemState(XwMenuItem* items, XwValue id) {
-  const Found found = Find(items, id, 0);
+  const Found found = Find(items, id);
   return found.record && found.record->flags & XWM_CHECKED ? 1 : 0;
 }
 
@@ -135,7 +150,7 @@ XwValue XwGetMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last) {
 char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer) {
   if (!buffer) return nullptr;
   *buffer = 0;
-  const Found found = Find(items, id, 0);
+  const Found found = Find(items, id);
   if (!found.record) return nullptr;
   strcpy(buffer, found.record->text);
   return buffer;

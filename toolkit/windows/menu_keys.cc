@@ -71,21 +71,22 @@ bool IsKey(const ItemKey& k, int type, uint32_t modifiers) {
   return k.type == FoldType(type) && k.modifiers == (modifiers & kKeyModifiers);
 }
 
-constexpr int kDeepest = 16;  // an array may hang in itself
-
 // The shown and enabled record below `items` whose key this is; with `any`, whatever its state.
-XwMenuItem* FindKey(XwMenuItem* items, int type, uint32_t modifiers, bool any, int depth) {
-  for (XwMenuItem* r = items; r && r->text && depth < kDeepest; ++r) {
+XwMenuItem* FindKey(XwMenuItem* items, int type, uint32_t modifiers, bool any,
+                    SearchedArrays* searched) {
+  if (!searched->Enter(items)) return nullptr;
+  XwMenuItem* found = nullptr;
+  for (XwMenuItem* r = items; r->text && !found; ++r) {
     if (!any && r->flags & (XWM_DISABLED | XWM_HIDDEN)) continue;
     if (!IsMenuLeaf(*r)) {
-      auto* sub = reinterpret_cast<XwMenuItem*>(r->id);
-      if (XwMenuItem* found = FindKey(sub, type, modifiers, any, depth + 1)) return found;
+      found = FindKey(reinterpret_cast<XwMenuItem*>(r->id), type, modifiers, any, searched);
       continue;
     }
     const ItemKey* k = KeyOf(r);
-    if (k && *r->text && IsKey(*k, type, modifiers)) return r;
+    if (k && *r->text && IsKey(*k, type, modifiers)) found = r;
   }
-  return nullptr;
+  searched->Leave();
+  return found;
 }
 
 }  // namespace
@@ -146,19 +147,22 @@ void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifier
   ShowQuitKey();
 }
 
-MenuKeyHit FindMenuKey(int type, uint32_t modifiers) {
+MenuKeyHit FindMenuKey(int type, uint32_t modifiers, bool any) {
+  SearchedArrays searched;
   for (XwMenuItem* title = BarArray(); title && title->text; ++title) {
     if (title->flags & (XWM_DISABLED | XWM_HIDDEN)) continue;
     auto* items = reinterpret_cast<XwMenuItem*>(title->id);
-    XwMenuItem* record = FindKey(items, type, modifiers, false, 0);
+    XwMenuItem* record = FindKey(items, type, modifiers, any, &searched);
     if (record) return {record, items, BuiltMenu(items)};
   }
   return {};
 }
 
 bool MenuBarHasKey(int type, uint32_t modifiers) {
+  SearchedArrays searched;
   for (XwMenuItem* title = BarArray(); title && title->text; ++title)
-    if (FindKey(reinterpret_cast<XwMenuItem*>(title->id), type, modifiers, true, 0)) return true;
+    if (FindKey(reinterpret_cast<XwMenuItem*>(title->id), type, modifiers, true, &searched))
+      return true;
   return false;
 }
 

@@ -1,11 +1,20 @@
 // What the files of menus share.
 #pragma once
 #include <string>
+#include <vector>
 
 #include "toolkit/windows/menus.h"
 
 // The id of a leaf is a command, that of others the array of a sub-menu.
 bool IsMenuLeaf(const XwMenuItem& record);
+// Where a search has been: an array may hang in itself, and in many places.
+struct SearchedArrays {
+  std::vector<const XwMenuItem*> arrays;
+  int depth = 0;
+  // Whether this one is still to be searched. Each true is followed by a Leave.
+  bool Enter(const XwMenuItem* items);
+  void Leave() { --depth; }
+};
 // As its menu shows it, UTF-8.
 std::string MenuItemText(const XwMenuItem& record);
 

@@ -75,6 +75,7 @@ void AddItem(MenuRef menu, XwMenuItem* record, bool popup) {
   const int item = AppendMenuItemText(menu, MenuItemText(*record).c_str());
   uint32_t attributes = uint32_t(record->flags) & (XWM_DISABLED | XWM_HIDDEN);
   if (record->flags & XWM_COLOUR) AddSwatch(menu, item, int32_t(record->id), popup);
+  uint32_t command = uint32_t(record->id);
   if (IsMenuLeaf(*record)) {
     if (!*record->text) attributes |= kMenuItemAttrSeparator;
     CheckMenuItem(menu, item, record->flags & XWM_CHECKED);
@@ -82,9 +83,13 @@ void AddItem(MenuRef menu, XwMenuItem* record, bool popup) {
     MenuRef sub =
         CreateMenuTree(reinterpret_cast<XwMenuItem*>(record->id), nullptr, SubMenuCount, popup);
     SetMenuItemHierarchicalMenu(menu, item, sub);
+    if (!sub) {  // it is not built: there is nothing to choose
+      attributes |= kMenuItemAttrDisabled;
+      command = 0;
+    }
   }
   ChangeMenuItemAttributes(menu, item, attributes, 0);
-  SetMenuItemCommandID(menu, item, uint32_t(record->id));
+  SetMenuItemCommandID(menu, item, command);
   if (!popup) SetMenuItemKeyText(menu, item, MenuKeyText(record).c_str());
 }
 
@@ -111,6 +116,7 @@ MenuRef CreateMenuTree(XwMenuItem* items, const char* title, int menu_id, bool p
   if (std::find(building.begin(), building.end(), items) != building.end()) return nullptr;
   MenuRef menu = popup ? KnownPopup(items) : BuiltMenu(items);
   if (menu) return menu;
+  if (building.size() >= size_t{kDeepestMenu}) return nullptr;
   menu = Begin(items, menu_id, popup);
   if (!menu) return nullptr;
   building.push_back(items);

@@ -11,6 +11,7 @@
 #include "toolkit/core/post.h"
 #include "toolkit/core/saturate.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/menu_state.h"
 
 using namespace platform;
 
@@ -42,7 +43,10 @@ int32_t XwPopupMenu(XwMenuItem* items) {
   int32_t result = 0;
   if (chosen && index < menus.size()) {
     const XwMenuItem& record = menus[index].items[position - 1];
-    result = record.flags & XWM_COLOUR ? -position : int32_t(record.id);
+    if (record.flags & XWM_COLOUR)
+      result = -position;
+    else if (IsMenuLeaf(record))
+      result = int32_t(record.id);
   }
   for (const XwMenuEntry& e : menus) DisposeMenu(e.menu);
   for (uint8_t* image : colours) XwFreeImage(image);

@@ -28,14 +28,14 @@ void InstallMenuHandler(platform::MenuRef menu, void* user_data);
 platform::OSStatus EVmenu_func(platform::HandlerCall* call, platform::Event* event,
                                void* user_data);
 
-// The record in the bar whose key this is, shown and enabled, and its menu; null. `modifiers` are
-// XWS_ bits.
+// The record in the bar whose key this is, shown and enabled (`any`: whatever its state), and its
+// menu, which is; null. `modifiers` are XWS_ bits.
 struct MenuKeyHit {
   XwMenuItem* record = nullptr;
   XwMenuItem* items = nullptr;  // of its title
   platform::MenuRef menu = nullptr;
 };
-MenuKeyHit FindMenuKey(int type, uint32_t modifiers);
+MenuKeyHit FindMenuKey(int type, uint32_t modifiers, bool any = false);
 // Whether an item of the bar has this key, whatever its state.
 bool MenuBarHasKey(int type, uint32_t modifiers);
 

@@ -9,6 +9,7 @@
 
 #include "platform/display/cursor.h"
 #include "platform/display/headless/state.h"
+#include "platform/display/screens.h"
 #include "platform/events/queue.h"
 
 namespace platform::headless {
@@ -40,8 +41,8 @@ double SystemSeconds() {
 }
 
 double ScaleIn(const char* text, double otherwise) {
-  const double scale = text ? atof(text) : 0;
-  return scale >= 0.5 && scale <= 8 ? scale : otherwise;
+  const double scale = ScaleInText(text);
+  return scale != 0 ? scale : otherwise;
 }
 
 // WIDTHxHEIGHT[@SCALE], any number of them with commas between: from left to right, the first is
@@ -54,7 +55,9 @@ std::vector<Screen> ReadScreens(const char* text, double scale) {
     if (sscanf(text, "%dx%d%n", &width, &height, &length) != 2) break;
     if (width <= 0 || height <= 0 || width > kMostSide || height > kMostSide) break;
     text += length;
-    const double own = *text == '@' ? ScaleIn(text + 1, scale) : scale;
+    const size_t rest = strcspn(text, ",");
+    const double own =
+        *text == '@' ? ScaleIn(std::string(text + 1, rest - 1).c_str(), scale) : scale;
     screens.push_back({{left, 0, left + width, height}, own});
     left += width;
     text = screens.size() < kMostScreens ? strchr(text, ',') : nullptr;

@@ -52,10 +52,10 @@ bool OfferOwnText(Selection which, const SharedText& text) {
   return true;
 }
 
-void AskOtherForText(Selection which, int request, double seconds) {
+void AskOtherForText(Selection which, int request, bool wanted) {
   State& s = Headless();
   std::erase(s.asks, request);
-  if (seconds <= 0) {
+  if (!wanted) {
     s.arrived.erase(request);
     DropReports([request](const RawEvent& e) {
       return e.type == RawEvent::kTextArrived && e.request == request;

@@ -86,7 +86,7 @@ void GiveFocus(const Window* w);
 double ScaleAt(const Window& w, Point corner, int width, int height);
 // The entries of the table.
 bool OfferOwnText(Selection which, const SharedText& text);
-void AskOtherForText(Selection which, int request, double seconds);
+void AskOtherForText(Selection which, int request, bool wanted);
 void KeepOwnText();
 // The text of an answer that is handed out; null: none.
 std::string* TakeArrived(int request);

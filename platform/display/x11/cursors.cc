@@ -16,7 +16,7 @@ namespace {
 constexpr int kMaxSide = 256;  // device pixels of a picture
 
 xcb_cursor_context_t* theme = nullptr;
-xcb_cursor_t shapes[4] = {};  // by Cursor::Shape
+xcb_cursor_t shapes[5] = {};  // by Cursor::Shape
 xcb_render_pictformat_t argb = 0;
 
 // The server's cursors of the program's pictures, for one scale each.
@@ -44,6 +44,9 @@ xcb_cursor_t ShapeCursor(Cursor::Shape shape) {
       break;
     case Cursor::kOpenHand:
       cursor = LoadShape({"openhand", "grab", "hand1", "fleur"});
+      break;
+    case Cursor::kText:
+      cursor = LoadShape({"text", "xterm", "ibeam"});
       break;
     default:
       cursor = LoadShape({"left_ptr", "default"});

@@ -34,17 +34,8 @@ struct Transfer {
 Transfer transfer;
 double drained_until = 0;  // what comes of one that is over is passed over until then
 
-// The server tells when the source's window ends. What is watched for another reason stays so.
-void Watch(xcb_window_t source, bool watched) {
-  const bool others = source == XCB_NONE || source == x.screen->root ||
-                      source == x.settings_owner || FindNative(source) != nullptr;
-  if (others) return;
-  const uint32_t mask = watched ? XCB_EVENT_MASK_STRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT;
-  xcb_change_window_attributes(x.c, source, XCB_CW_EVENT_MASK, &mask);
-}
-
 void EndHover() {
-  if (hover.source != transfer.source) Watch(hover.source, false);
+  Unwatch(hover.source, kWatchEnd);
   hover = Hover{};
 }
 
@@ -67,7 +58,7 @@ void EndTransfer(bool arrived) {
   SendClientMessage(transfer.source, transfer.source, kXdndFinished, answer, 0);
   xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
   RemoveEventLoopTimer(transfer.deadline);
-  if (transfer.source != hover.source) Watch(transfer.source, false);
+  Unwatch(transfer.source, kWatchEnd);
   drained_until = transfer.started + kMaxSeconds;
   transfer = Transfer{};
   if (!done) return;
@@ -95,8 +86,8 @@ void DeadlineHasCome(EventLoopTimerRef timer, void*) {
 void OnEnter(Native* n, const uint32_t* d) {
   const uint32_t version = d[1] >> 24;
   const bool in_property = (d[1] & 1) != 0;
-  if (hover.source != d[0]) EndHover();
-  Watch(d[0], true);
+  EndHover();
+  Watch(d[0], kWatchEnd);
   hover.source = d[0];
   hover.target = n;
   hover.acceptable =
@@ -115,6 +106,7 @@ void OnDrop(Native* n, const uint32_t* d) {
   if (hover.source != d[0] || hover.target != n) return;
   EndTransfer(false);
   transfer.source = d[0];
+  Watch(transfer.source, kWatchEnd);
   transfer.target = n;
   transfer.started = transfer.progress = Now();
   const bool acceptable = hover.acceptable;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 #include "platform/display/x11/x.h"
 #include "platform/display/x11/xkb.h"
@@ -38,7 +39,8 @@ bool IsSent(const xcb_generic_event_t* e) {
 // A later configure of the same window is waiting: this one is stale. One that was sent may be
 // forged, so it leaves a mark where it stands for one of the server's own.
 bool Superseded(Native* n, const xcb_generic_event_t* e) {
-  for (const xcb_generic_event_t* p : x.pending) {
+  for (const ServerEvent& pending : x.pending) {
+    const xcb_generic_event_t* p = pending.get();
     if ((p->response_type & 0x7F) != XCB_CONFIGURE_NOTIFY) continue;
     if (As<xcb_configure_notify_event_t>(p)->window != n->id) continue;
     if (IsSent(p) && !IsSent(e)) n->check.passed_over = true;
@@ -120,7 +122,10 @@ void OnFocus(const xcb_generic_event_t* event) {
 
 void OnProperty(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_property_notify_event_t>(event);
-  if (e->atom == Atom(kNetFrameExtents)) {
+  if (e->state == XCB_PROPERTY_DELETE) HandlePieceTaken(e->window, e->atom);
+  if (e->atom == Atom(kXwText)) {
+    if (e->state == XCB_PROPERTY_NEW_VALUE) HandleTextPiece(e->window);
+  } else if (e->atom == Atom(kNetFrameExtents)) {
     if (Native* n = FindNative(e->window)) ReadFrameExtents(n);
   } else if (e->atom == Atom(kNetWmState)) {
     if (Native* n = FindNative(e->window)) ReadStates(n);
@@ -167,15 +172,26 @@ void OnClientMessage(const xcb_generic_event_t* event) {
 }
 
 void OnSelectionRequest(const xcb_generic_event_t* event) {
-  RefuseSelection(As<xcb_selection_request_event_t>(event));
+  HandleAsker(As<xcb_selection_request_event_t>(event));
+}
+
+void OnSelectionClear(const xcb_generic_event_t* event) {
+  HandleSelectionClear(As<xcb_selection_clear_event_t>(event), event->full_sequence);
 }
 
 void OnSelection(const xcb_generic_event_t* event) {
-  HandleDropData(As<xcb_selection_notify_event_t>(event));
+  const auto* e = As<xcb_selection_notify_event_t>(event);
+  HandleDropData(e);
+  HandleText(e);
 }
 
 void OnDestroy(const xcb_generic_event_t* event) {
-  HandleSourceEnd(As<xcb_destroy_notify_event_t>(event)->window);
+  const xcb_window_t window = As<xcb_destroy_notify_event_t>(event)->window;
+  ForgetWatch(window);
+  if (window == x.settings_owner) x.settings_owner = XCB_NONE;
+  HandleSourceEnd(window);
+  HandleAskerEnd(window);
+  HandleOwnerEnd(window);
 }
 
 void OnKeyPress(const xcb_generic_event_t* e) {
@@ -231,6 +247,7 @@ constexpr Route kRoutes[] = {
     {XCB_PROPERTY_NOTIFY, false, OnProperty},
     {XCB_SELECTION_NOTIFY, true, OnSelection},
     {XCB_SELECTION_REQUEST, false, OnSelectionRequest},
+    {XCB_SELECTION_CLEAR, false, OnSelectionClear},
     {XCB_CLIENT_MESSAGE, true, OnClientMessage},
     {XCB_GE_GENERIC, false, OnGeneric},
 };
@@ -279,28 +296,38 @@ RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t) {
 
 static void Keep(xcb_generic_event_t* e) {
   if (e->response_type != 0) {
-    x.pending.push_back(e);
+    x.pending.emplace_back(e);
     return;
   }
   HandleSharedMemoryError(reinterpret_cast<const xcb_generic_error_t*>(e));
   free(e);
 }
 
-void Pump() {
-  while (xcb_generic_event_t* e = xcb_poll_for_event(x.c)) Keep(e);
+void Pump(int most) {
+  for (; most != 0; --most) {
+    xcb_generic_event_t* e = xcb_poll_for_event(x.c);
+    if (e == nullptr) return;
+    Keep(e);
+  }
 }
 
 // Looks at what has come until it makes a report.
 static void TakePending() {
   if (x.out.empty() && x.pending.empty()) Pump();
   while (x.out.empty() && !x.pending.empty()) {
-    xcb_generic_event_t* e = x.pending.front();
+    const ServerEvent e = std::move(x.pending.front());
     x.pending.pop_front();
-    Dispatch(e);
-    free(e);
+    Dispatch(e.get());
     if (x.pending.empty()) Pump();
   }
   if (x.out.empty()) TakeChecks();
+}
+
+static void TakeArrivedText(RawEvent* out) {
+  const auto text = x.arrived.extract(out->request);
+  if (!text) return;
+  x.taken_text = std::move(text.mapped());
+  out->arrived = &x.taken_text;
 }
 
 bool NextEvent(RawEvent* out) {
@@ -317,7 +344,7 @@ bool NextEvent(RawEvent* out) {
   }
   if (x.out.empty()) {
     xcb_flush(x.c);
-    // One that had to wait for the server has read meanwhile.
+    // A request that had to wait for the server has read events.
     xcb_generic_event_t* e = xcb_poll_for_queued_event(x.c);
     if (e == nullptr) return false;
     Keep(e);
@@ -330,6 +357,7 @@ bool NextEvent(RawEvent* out) {
     x.paths.pop_front();
     out->text = x.path.c_str();
   }
+  if (out->type == RawEvent::kTextArrived) TakeArrivedText(out);
   return true;
 }
 

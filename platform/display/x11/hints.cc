@@ -241,7 +241,8 @@ void SetHints(Native* n) {
 }
 
 void ReadStates(Native* n) {
-  // Of a window that is withdrawn the manager takes its states away; the program's wish stays.
+  // Of a window that is withdrawn the manager takes its states away; what the program asked for
+  // stays.
   if (!n->mapped()) return;
   auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetWmState), XCB_ATOM_ATOM, 0, 64);
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));

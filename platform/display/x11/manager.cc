@@ -62,7 +62,7 @@ bool WaitForExtents(const Native& n) {
   for (;;) {
     Pump();
     for (; seen < x.pending.size(); ++seen) {
-      const auto* e = reinterpret_cast<const xcb_property_notify_event_t*>(x.pending[seen]);
+      const auto* e = reinterpret_cast<const xcb_property_notify_event_t*>(x.pending[seen].get());
       if ((e->response_type & 0x7F) == XCB_PROPERTY_NOTIFY && e->window == n.id &&
           e->atom == Atom(kNetFrameExtents)) {
         return true;

@@ -2,7 +2,7 @@
 //
 // A window manager takes its time: it puts a window that asks to be mapped into a frame, and takes
 // a hidden one out again. A request that overtakes it gets lost with the frame. So the next step is
-// taken only when the server has reported the last one; what the program wants meanwhile is
+// taken only when the server has reported the last one; what the program wants until then is
 // remembered.
 #include "platform/display/x11/x.h"
 

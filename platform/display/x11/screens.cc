@@ -1,5 +1,6 @@
 // Monitors and the scale of the desktop.
 #include <xcb/randr.h>
+#include <xcb/xcbext.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -18,12 +19,31 @@ xcb_get_property_cookie_t AskProperty(xcb_window_t window, xcb_atom_t property) 
   return xcb_get_property(x.c, 0, window, property, XCB_ATOM_ANY, 0, kMaxPropertyWords);
 }
 
-// The variable that forces the scale; 0 when it is not set or not a number of sense.
+// As xcb_randr_get_monitors, which leaves the last three bytes of the request as the stack has
+// them.
+xcb_randr_get_monitors_cookie_t AskMonitors(xcb_window_t root) {
+  xcb_randr_get_monitors_request_t request;
+  memset(&request, 0, sizeof request);
+  request.window = root;
+  request.get_active = 1;
+  // The library fills in the head, and needs two parts of its own in front.
+  const xcb_protocol_request_t kind = {1, &xcb_randr_id, XCB_RANDR_GET_MONITORS, 0};
+  iovec parts[3] = {{}, {}, {&request, sizeof request}};
+  return {xcb_send_request(x.c, XCB_REQUEST_CHECKED, parts + 2, &kind)};
+}
+
+// The variable that forces the scale; 0 when it is not set or no scale.
 double ForcedScale() {
-  const char* text = getenv("XW_SCALE");
-  if (text == nullptr) return 0;
-  double scale = strtod(text, nullptr);
-  return scale >= 0.5 && scale <= 8 ? scale : 0;
+  return ScaleInText(getenv("XW_SCALE"));
+}
+
+void WatchSettings(xcb_window_t owner) {
+  if (owner == x.settings_owner) return;
+  for (WatchWhat what : {kWatchEnd, kWatchProperties}) {
+    Unwatch(x.settings_owner, what);
+    Watch(owner, what);
+  }
+  x.settings_owner = owner;
 }
 
 double DpiOfDesktop(xcb_get_property_cookie_t resources, xcb_get_selection_owner_cookie_t owner) {
@@ -34,10 +54,8 @@ double DpiOfDesktop(xcb_get_property_cookie_t resources, xcb_get_selection_owner
                          size_t(xcb_get_property_value_length(text.p)));
   }
   Reply<xcb_get_selection_owner_reply_t> who(xcb_get_selection_owner_reply(x.c, owner, nullptr));
-  x.settings_owner = who ? who->owner : XCB_NONE;
+  WatchSettings(who ? who->owner : xcb_window_t{XCB_NONE});
   if (x.settings_owner == XCB_NONE) return dpi;
-  const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-  xcb_change_window_attributes(x.c, x.settings_owner, XCB_CW_EVENT_MASK, &mask);
   Reply<xcb_get_property_reply_t> settings(xcb_get_property_reply(
       x.c, AskProperty(x.settings_owner, Atom(kXsettingsSettings)), nullptr));
   if (dpi == 0 && settings && settings->format == 8) {
@@ -145,7 +163,7 @@ double ScaleOfDpi(double dpi) {
 void ReadScreens() {
   const xcb_window_t root = x.screen->root;
   xcb_randr_get_monitors_cookie_t monitors{};
-  if (x.randr_event != 0) monitors = xcb_randr_get_monitors(x.c, root, 1);
+  if (x.randr_event != 0) monitors = AskMonitors(root);
   double scale = ForcedScale();
   if (scale == 0) {
     auto resources = AskProperty(root, XCB_ATOM_RESOURCE_MANAGER);

@@ -12,9 +12,12 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/pixels.cc
   ${CMAKE_CURRENT_LIST_DIR}/pointer.cc
   ${CMAKE_CURRENT_LIST_DIR}/screens.cc
+  ${CMAKE_CURRENT_LIST_DIR}/selections.cc
   ${CMAKE_CURRENT_LIST_DIR}/startup.cc
   ${CMAKE_CURRENT_LIST_DIR}/sync.cc
   ${CMAKE_CURRENT_LIST_DIR}/tablet.cc
+  ${CMAKE_CURRENT_LIST_DIR}/text_requests.cc
+  ${CMAKE_CURRENT_LIST_DIR}/watches.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc
   ${CMAKE_CURRENT_LIST_DIR}/x.cc)
 

@@ -104,18 +104,6 @@ void MarkProgram(const Native& n) {
   xcb_set_selection_owner(x.c, n.id, program.selection, XCB_CURRENT_TIME);
 }
 
-// There is nothing to be had under the program's name.
-void RefuseSelection(const xcb_selection_request_event_t* e) {
-  xcb_selection_notify_event_t answer{};
-  answer.response_type = XCB_SELECTION_NOTIFY;
-  answer.time = e->time;
-  answer.requestor = e->requestor;
-  answer.selection = e->selection;
-  answer.target = e->target;
-  answer.property = XCB_NONE;
-  xcb_send_event(x.c, 0, e->requestor, 0, reinterpret_cast<const char*>(&answer));
-}
-
 void EndStartup() {
   if (!told && !StartToken().empty()) TellEnd(StartToken());
   told = true;
@@ -124,7 +112,7 @@ void EndStartup() {
 void UseToken(const char* token) {
   const std::string text = std::string(token).substr(0, 1024);
   const xcb_timestamp_t time = TimeOfToken(text);
-  // Only forward: the user may have done more meanwhile.
+  // Only forward: the user may have done more since.
   if (time != 0 && (x.user_time == 0 || int32_t(time - x.user_time) > 0)) x.user_time = time;
   TellEnd(text);
 }

@@ -53,7 +53,7 @@ double TakeNotches(ScrollAxis* axis, double value) {
   axis->last = value;
   axis->clicks = !axis->valid;
   axis->valid = true;
-  // A counter that was set anew is no turn of the wheel.
+  // A counter that was reset is no turn of the wheel.
   return std::isfinite(delta) && std::fabs(delta) < 100 ? delta : 0;
 }
 

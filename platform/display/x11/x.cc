@@ -66,8 +66,8 @@ bool SharedMemoryUsable(bool present, xcb_shm_query_version_cookie_t cookie) {
   const int fd = xcb_get_file_descriptor(x.c);
   if (getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) != 0) return false;
   if (address.ss_family != AF_UNIX) return false;
-  const char* wish = getenv("XW_SHM");
-  if (wish != nullptr && strcmp(wish, "0") == 0) return false;
+  const char* setting = getenv("XW_SHM");
+  if (setting != nullptr && strcmp(setting, "0") == 0) return false;
   return v && (v->major_version > 1 || (v->major_version == 1 && v->minor_version >= 2));
 }
 
@@ -99,7 +99,6 @@ void WatchRoot() {
 }
 
 void Disconnect() {
-  for (xcb_generic_event_t* e : x.pending) free(e);
   if (x.c != nullptr) xcb_disconnect(x.c);
   x = State{};
 }
@@ -147,6 +146,9 @@ void Close() {
   CloseCursors();
   CloseKeyboard();
   ClosePointer();
+  CloseSelections();
+  CloseTextRequests();
+  CloseWatches();
   Disconnect();
 }
 
@@ -185,9 +187,9 @@ const Display kX11Display = {
     .flush = x11::Flush,
     .destroy_cursor = x11::DestroyCursor,
     .grab = x11::Grab,
-    .offer_text = nullptr,
-    .ask_text = nullptr,
-    .keep_text = nullptr,
+    .offer_text = x11::OfferText,
+    .ask_text = x11::AskText,
+    .keep_text = x11::KeepText,
     .beep = x11::Beep,
     .next_event = x11::NextEvent,
     .descriptors = x11::Descriptors,

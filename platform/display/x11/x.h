@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -66,6 +68,17 @@ namespace platform::x11 {
   ATOM(kTextUriList, "text/uri-list")                            \
   ATOM(kXwDrop, "_XW_DROP")                                      \
   ATOM(kIncr, "INCR")                                            \
+  ATOM(kClipboard, "CLIPBOARD")                                  \
+  ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                   \
+  ATOM(kSaveTargets, "SAVE_TARGETS")                             \
+  ATOM(kTargets, "TARGETS")                                      \
+  ATOM(kMultiple, "MULTIPLE")                                    \
+  ATOM(kAtomPair, "ATOM_PAIR")                                   \
+  ATOM(kTimestamp, "TIMESTAMP")                                  \
+  ATOM(kText, "TEXT")                                            \
+  ATOM(kTextPlain, "text/plain")                                 \
+  ATOM(kTextPlainUtf8, "text/plain;charset=utf-8")               \
+  ATOM(kXwText, "_XW_TEXT")                                      \
   ATOM(kAbsPressure, "Abs Pressure")                             \
   ATOM(kAbsTiltX, "Abs Tilt X")                                  \
   ATOM(kAbsTiltY, "Abs Tilt Y")
@@ -99,7 +112,7 @@ struct Native {
     };
     std::vector<Request> open;             // oldest first, neighbours differ
     double since = 0;                      // the newest
-    DeviceRect held;                       // the last other bounds that came meanwhile
+    DeviceRect held;                       // the last other bounds that came
     EventLoopTimerRef patience = nullptr;  // runs while something is held
   } asked;
   // The question to the server where the window is, asked when an event that another program sent
@@ -129,6 +142,12 @@ struct Native {
   } sync;
 };
 
+// An event as xcb gives it.
+struct FreeEvent {
+  void operator()(xcb_generic_event_t* e) const { free(e); }
+};
+using ServerEvent = std::unique_ptr<xcb_generic_event_t, FreeEvent>;
+
 struct State {
   xcb_connection_t* c = nullptr;
   xcb_screen_t* screen = nullptr;
@@ -140,13 +159,13 @@ struct State {
   std::string session_name;
   std::vector<Screen> screens;
   double scale = 1.0;
-  xcb_window_t settings_owner = 0;  // whoever publishes the desktop's settings
+  xcb_window_t settings_owner = 0;  // publishes the desktop's settings
   bool shm = false;
   bool lost = false;              // the loss of the connection has been reported
   bool late_done = false;         // keymap, XInput and the like are open
   bool shown = false;             // something has been presented
   bool idle = false;              // and after that the program had nothing left to do
-  xcb_timestamp_t user_time = 0;  // of the user's last press or key
+  xcb_timestamp_t user_time = 0;  // of the last press or key
   xcb_window_t leader = 0;        // the first window
   // What is known of the window manager (manager.cc).
   struct {
@@ -167,12 +186,16 @@ struct State {
     double server = 0, offset = 0;
   } clock;
   std::unordered_map<xcb_window_t, Native*> windows;
-  int checks = 0;                            // windows about whose place the server has been asked
-  std::deque<xcb_generic_event_t*> pending;  // read, not looked at
-  std::deque<RawEvent> out;                  // made, not handed out
-  std::deque<std::string> paths;             // of the files to open in `out`, in their order
-  std::string path;                          // the one handed out last
-  double drop_patience = 5;                  // seconds that a dropped list may make no progress
+  int checks = 0;                      // windows about whose place the server has been asked
+  std::deque<ServerEvent> pending;     // read, not looked at
+  std::deque<RawEvent> out;            // made, not handed out
+  std::deque<std::string> paths;       // of the files to open in `out`, in their order
+  std::string path;                    // the one handed out last
+  double drop_patience = 5;            // seconds that a dropped list may make no progress
+  std::map<int, std::string> arrived;  // texts of the answers in `out`, by request
+  std::string taken_text;              // the one handed out last
+  double delivery_patience = 5;        // seconds until an asker takes the next piece
+  size_t most_text = kMostText;        // bytes that are taken of an owner
 };
 extern State x;
 
@@ -287,7 +310,6 @@ void TakeOthers();
 bool OthersRun();
 // The first window of the process stands for it.
 void MarkProgram(const Native& n);
-void RefuseSelection(const xcb_selection_request_event_t* e);
 // The first frame is shown.
 void EndStartup();
 void UseToken(const char* token);
@@ -319,8 +341,8 @@ double ScaleOfDpi(double dpi);
 bool NextEvent(RawEvent* out);
 // Opens what the first picture does not need, once.
 void OpenLate();
-// Reads what the connection has into `pending`.
-void Pump();
+// Reads what the connection has into `pending`, at most so many events (negative: all).
+void Pump(int most = -1);
 // A report for `n` at the server's time `t` (0: now), at the end of the queue.
 RawEvent* Emit(RawEvent::Type type, Native* n, xcb_timestamp_t t = 0);
 double Now();
@@ -339,7 +361,7 @@ void ForgetKeys(const Window* w);
 void ForgetPress(const Window* w);
 // A button went down in it and is held.
 bool IsPressedIn(const Window* w);
-// `n` has the focus: what was pressed or released meanwhile is reported.
+// `n` has the focus: what was pressed or released before is reported.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
 uint32_t Modifiers(uint32_t state);
@@ -390,5 +412,38 @@ void HandleDropPiece(const Native* n);
 // The window of a source is gone.
 void HandleSourceEnd(xcb_window_t source);
 void ForgetDrop(const Native* n);
+
+// --- watches.cc: windows of other programs.
+// The server tells of its end, and of its properties, until Unwatch is called as often. Nothing
+// happens for the program's own windows and the root.
+enum WatchWhat : uint8_t { kWatchEnd, kWatchProperties };
+void Watch(xcb_window_t window, WatchWhat what);
+void Unwatch(xcb_window_t window, WatchWhat what);
+// The window is gone.
+void ForgetWatch(xcb_window_t window);
+void CloseWatches();
+
+// --- selections.cc: the texts that the program offers.
+bool OfferText(Selection which, const SharedText& text);
+void KeepText();
+xcb_atom_t SelectionAtom(Selection which);
+// The window that stands for the program; 0 while it has offered nothing.
+xcb_window_t SelectionWindow();
+void HandleAsker(const xcb_selection_request_event_t* e);
+void HandleSelectionClear(const xcb_selection_clear_event_t* e, unsigned sequence);
+// An asker may have taken a piece. False when it was none.
+bool HandlePieceTaken(xcb_window_t window, xcb_atom_t property);
+// The window of an asker is gone.
+void HandleAskerEnd(xcb_window_t window);
+void CloseSelections();
+
+// --- text_requests.cc: the texts that the program asks for.
+void AskText(Selection which, int request, bool wanted);
+bool AsksWith(xcb_window_t window);
+void HandleText(const xcb_selection_notify_event_t* e);
+void HandleTextPiece(xcb_window_t window);
+// The window of an owner is gone.
+void HandleOwnerEnd(xcb_window_t window);
+void CloseTextRequests();
 
 }  // namespace platform::x11

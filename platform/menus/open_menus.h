@@ -9,12 +9,13 @@ struct MenuLevel {
   MenuRef menu = nullptr;
   WindowRef window = nullptr;  // its pop-up
   MenuLayout layout;
-  int selected = 0;  // item, 0 none
-  int scroll = 0;    // pixels of the rows that are above the view
-  int drawn = -1;    // the item that is drawn as selected; -1: nothing is drawn yet
+  int least_width = 0;  // that was asked for
+  int selected = 0;     // item, 0 none
+  int scroll = 0;       // pixels of the rows that are above the view
+  int drawn = -1;       // the item that is drawn as selected; -1: nothing is drawn yet
 };
 
-struct MenuSession {
+struct OpenMenus {
   std::vector<MenuLevel> levels;
   WindowRef owner = nullptr;  // the window that it was opened against, and that has the pointer
   bool of_bar = false;
@@ -23,6 +24,7 @@ struct MenuSession {
   uint32_t command = 0;
   MenuRef chosen_in = nullptr;
   double opened = 0;
+  double travelled = -1;  // when the pointer, not pressed, came to the title that is open
   bool moved = false;     // the pointer has been in a menu since it was opened
   bool pressed = false;   // a button went down since it was opened
   bool swallows = false;  // a press has dismissed it
@@ -33,12 +35,14 @@ struct MenuSession {
   Tracker tracker;
 };
 
-extern MenuSession menu_session;
+extern OpenMenus open_menus;
 
 // --- levels.cc
 // Shows a menu below those that are open; false when there is nothing to show.
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place);
 void PopLevels(size_t keep);
+// Its window takes the size that its rows need now.
+void FitLevel(const MenuLevel& l);
 // The sub-menu of the selected item of the innermost level, if it has one.
 bool OpenSubMenu(size_t level, bool select_first);
 void SelectItem(MenuLevel* l, int item);
@@ -55,11 +59,13 @@ Rect LevelBounds(const MenuLevel& l);
 // Of an item, global; empty when it does not show.
 Rect ItemBounds(const MenuLevel& l, int item);
 
-// --- session.cc
+// --- open_menus.cc
 void FinishSession(bool chosen);
 // The item is chosen, or its sub-menu opened.
 void ChooseItem(size_t level, int item, bool by_key);
 void SwitchTitle(MenuRef m, bool by_key);
+// Of an item of the bar that was chosen.
+void SendMenuCommand(MenuRef chosen_in, uint32_t command);
 // --- keys.cc
 void MenuKey(const Event& e);
 

@@ -1,5 +1,5 @@
 // What the pointer and the desktop do to open menus.
-#include "platform/menus/session.h"
+#include "platform/menus/open_menus.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,6 +11,7 @@ namespace platform {
 namespace {
 
 constexpr double kClickTime = 0.25;  // a release sooner leaves a menu open
+constexpr double kTravelTime = 0.5;  // a press so soon after a title has opened under it opens it
 constexpr double kAimTime = 0.3;     // the pointer may take to a sub-menu over other rows
 constexpr double kScrollPeriod = 0.03;
 constexpr int kScrollStep = 8, kSlop = 3;
@@ -21,14 +22,14 @@ int Far(Point a, Point b) {
 
 // The level under a point, the innermost first; -1: none.
 int LevelAt(Point where) {
-  for (size_t i = menu_session.levels.size(); i-- > 0;)
-    if (HasPoint(menu_session.levels[i], where)) return int(i);
+  for (size_t i = open_menus.levels.size(); i-- > 0;)
+    if (HasPoint(open_menus.levels[i], where)) return int(i);
   return -1;
 }
 
 const BarTitle* BarTitleAt(const Event& e) {
   WindowRef w = MenuBarWindow();
-  if (!w || !menu_session.of_bar) return nullptr;
+  if (!w || !open_menus.of_bar) return nullptr;
   return TitleAt({e.mouse.where.x - w->content.left, e.mouse.where.y - w->content.top});
 }
 
@@ -36,8 +37,8 @@ const BarTitle* BarTitleAt(const Event& e) {
 // --- selected.
 
 void StopAiming() {
-  RemoveEventLoopTimer(menu_session.aim_timer);
-  menu_session.aim_timer = nullptr;
+  RemoveEventLoopTimer(open_menus.aim_timer);
+  open_menus.aim_timer = nullptr;
 }
 
 int64_t Turn(Point a, Point b, Point c) {
@@ -57,7 +58,7 @@ bool Aims(const MenuLevel& sub, Point from, Point p) {
 void Hover(size_t level, Point where, bool rests = false);
 
 void AimIsOver(EventLoopTimerRef, void*) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   StopAiming();
   const int level = LevelAt(s.last);
   if (level >= 0) Hover(size_t(level), s.last, true);
@@ -65,7 +66,7 @@ void AimIsOver(EventLoopTimerRef, void*) {
 
 // The pointer is over a row of this level, on its way or at rest.
 void Hover(size_t level, Point where, bool rests) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   MenuLevel& l = s.levels[level];
   const int item = ItemAt(l, where);
   if (item == l.selected && item) {
@@ -91,18 +92,18 @@ void Hover(size_t level, Point where, bool rests) {
 // --- Scrolling while the pointer rests at an end
 
 void StopScrolling() {
-  RemoveEventLoopTimer(menu_session.scroll_timer);
-  menu_session.scroll_timer = nullptr;
+  RemoveEventLoopTimer(open_menus.scroll_timer);
+  open_menus.scroll_timer = nullptr;
 }
 
 void ScrollOn(EventLoopTimerRef, void*) {
-  const int level = LevelAt(menu_session.last);
+  const int level = LevelAt(open_menus.last);
   if (level >= 0)
-    ScrollLevel(&menu_session.levels[size_t(level)], menu_session.scroll_by * kScrollStep);
+    ScrollLevel(&open_menus.levels[size_t(level)], open_menus.scroll_by * kScrollStep);
 }
 
 void Motion(const Event& e) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   const Point where = e.mouse.where;
   // A menu that comes up under a pointer that rests is no motion of it.
   if (where == s.last) return;
@@ -119,7 +120,9 @@ void Motion(const Event& e) {
   StopScrolling();
   if (level >= 0) return Hover(size_t(level), where);
   if (const BarTitle* t = BarTitleAt(e)) {
-    if (t->menu != s.levels.front().menu && !t->menu->disabled) SwitchTitle(t->menu, false);
+    if (t->menu == s.levels.front().menu || t->menu->disabled) return;
+    SwitchTitle(t->menu, false);
+    s.travelled = GetCurrentEventTime();
     return;
   }
   if (s.levels.size() > 1 && Aims(s.levels.back(), s.aim, where)) return;
@@ -138,25 +141,27 @@ Tracking SwallowRelease(void*, Event* e) {
 }
 
 void Dismiss() {
-  menu_session.swallows = true;
+  open_menus.swallows = true;
   FinishSession(false);
 }
 
 void Press(const Event& e) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   const int level = LevelAt(e.mouse.where);
   s.pressed = true;
   s.last = e.mouse.where;
   if (level >= 0) return Hover(size_t(level), e.mouse.where);
   const BarTitle* t = BarTitleAt(e);
-  if (t && t->menu != s.levels.front().menu && !t->menu->disabled)
-    SwitchTitle(t->menu, false);
-  else
-    Dismiss();
+  if (!t || t->menu->disabled) return Dismiss();
+  // The way to another title opens it, just before the press that means to.
+  const bool came = s.travelled >= 0 && GetCurrentEventTime() - s.travelled < kTravelTime;
+  s.travelled = -1;
+  if (t->menu != s.levels.front().menu) return SwitchTitle(t->menu, false);
+  if (!came) Dismiss();
 }
 
 void Release(const Event& e) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   const bool click = !s.pressed && GetCurrentEventTime() - s.opened < kClickTime;
   const int level = LevelAt(e.mouse.where);
   if (level >= 0) {
@@ -185,7 +190,7 @@ Tracking TakePointer(const Event& e) {
       break;
     case kEventMouseWheelMoved:
       if (const int level = LevelAt(e.mouse.where); level >= 0)
-        ScrollLevel(&menu_session.levels[size_t(level)], int(e.mouse.dy));
+        ScrollLevel(&open_menus.levels[size_t(level)], int(e.mouse.dy));
       break;
     default:
       break;
@@ -204,7 +209,7 @@ Tracking TakeKey(Event* e) {
 }
 
 Tracking Ask(void*, Event* e) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (s.done || s.levels.empty()) return Tracking::kLater;
   switch (e->cls) {
     case kEventClassMouse:
@@ -230,8 +235,8 @@ Tracking Ask(void*, Event* e) {
 }
 
 void Begin(WindowRef owner, bool of_bar) {
-  MenuSession& s = menu_session;
-  s = MenuSession();
+  OpenMenus& s = open_menus;
+  s = OpenMenus();
   s.owner = owner;
   s.of_bar = of_bar;
   s.opened = GetCurrentEventTime();
@@ -239,7 +244,7 @@ void Begin(WindowRef owner, bool of_bar) {
 }
 
 bool Opened(bool shown) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (!shown) {
     FinishSession(false);
     return false;
@@ -271,7 +276,7 @@ PopUpPlace BelowTitle(const BarTitle& t) {
 }  // namespace
 
 void FinishSession(bool chosen) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (s.done) return;
   s.done = true;
   if (!chosen) s.choice = MenuChoice();
@@ -280,7 +285,7 @@ void FinishSession(bool chosen) {
 }
 
 void SwitchTitle(MenuRef m, bool by_key) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   PopLevels(0);
   for (const BarTitle& t : BarTitles()) {
     if (t.menu != m) continue;
@@ -293,8 +298,15 @@ void SwitchTitle(MenuRef m, bool by_key) {
   FinishSession(false);
 }
 
+void SendMenuCommand(MenuRef chosen_in, uint32_t command) {
+  Event e(kEventClassCommand, kEventCommandProcess);
+  e.request = {command, nullptr, 0};
+  if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
+    SendEventToEventTarget(&e, GetApplicationEventTarget());
+}
+
 void ChooseItem(size_t level, int item, bool by_key) {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   MenuLevel& l = s.levels[level];
   const MenuItem& i = l.menu->items[size_t(item - 1)];
   SelectItem(&l, item);
@@ -310,12 +322,12 @@ void ChooseItem(size_t level, int item, bool by_key) {
 
 static bool OpenPopUp(MenuRef m, WindowRef owner, const Rect& anchor, int item) {
   Begin(owner, false);
-  menu_session.last = {owner->content.left + anchor.left, owner->content.top + anchor.top};
+  open_menus.last = {owner->content.left + anchor.left, owner->content.top + anchor.top};
   PopUpPlace place;
   place.anchor = anchor;
   place.width = anchor.width();
   const bool shown = PushLevel(m, owner, place);
-  if (shown && item) SelectItem(&menu_session.levels.back(), item);
+  if (shown && item) SelectItem(&open_menus.levels.back(), item);
   return Opened(shown);
 }
 
@@ -340,7 +352,7 @@ static bool OpenBar(const BarTitle& t, bool by_key) {
   Begin(owner, true);
   const bool shown = !title.menu->disabled && PushLevel(title.menu, owner, BelowTitle(title));
   if (shown && by_key)
-    SelectItem(&menu_session.levels.back(), NextItem(menu_session.levels.back(), 0, 1));
+    SelectItem(&open_menus.levels.back(), NextItem(open_menus.levels.back(), 0, 1));
   return Opened(shown);
 }
 
@@ -350,7 +362,7 @@ bool OpenMenuBarAt(Point where) {
   if (!w) return false;
   const BarTitle* t = TitleAt({where.x - w->content.left, where.y - w->content.top});
   if (!t || !OpenBar(*t, false)) return false;
-  menu_session.last = menu_session.aim = where;
+  open_menus.last = open_menus.aim = where;
   return true;
 }
 
@@ -363,18 +375,18 @@ bool OpenMenuOfBar(MenuRef m) {
 }
 
 void SetMenuPointer(Point where) {
-  menu_session.last = menu_session.aim = where;
+  open_menus.last = open_menus.aim = where;
 }
 
 Tracker* MenuTracker() {
-  return &menu_session.tracker;
+  return &open_menus.tracker;
 }
 bool MenuIsDone() {
-  return menu_session.done;
+  return open_menus.done;
 }
 
 MenuChoice CloseMenus() {
-  MenuSession& s = menu_session;
+  OpenMenus& s = open_menus;
   if (!s.owner) return {};
   FinishSession(false);
   StopTracking(&s.tracker);
@@ -384,21 +396,16 @@ MenuChoice CloseMenus() {
   MenuRef chosen_in = s.chosen_in;
   CapturePointer(nullptr, nullptr);
   PopLevels(0);
-  s = MenuSession();
+  s = OpenMenus();
   s.done = true;
   if (of_bar) DrawMenuBar();
   if (swallows) StartTracking(&swallow);
-  if (choice.item && of_bar && IsValidMenu(chosen_in)) {
-    Event e(kEventClassCommand, kEventCommandProcess);
-    e.request = {command, nullptr, 0};
-    if (SendEventToEventTarget(&e, GetMenuEventTarget(chosen_in)) == eventNotHandledErr)
-      SendEventToEventTarget(&e, GetApplicationEventTarget());
-  }
+  if (choice.item && of_bar && IsValidMenu(chosen_in)) SendMenuCommand(chosen_in, command);
   return choice;
 }
 
 void MenuEnds(const Menu* m) {
-  for (const MenuLevel& l : menu_session.levels)
+  for (const MenuLevel& l : open_menus.levels)
     if (l.menu == m) {
       PopLevels(0);
       return FinishSession(false);
@@ -406,20 +413,21 @@ void MenuEnds(const Menu* m) {
 }
 
 void MenuChanged(const Menu* m) {
-  for (MenuLevel& l : menu_session.levels) {
+  for (MenuLevel& l : open_menus.levels) {
     if (l.menu != m) continue;
     l.layout = LayOutMenu(*m);
     if (l.selected > int(m->items.size())) l.selected = 0;
+    FitLevel(l);
     DrawLevel(&l, true);
   }
 }
 
 MenuRef OpenMenuOfTheBar() {
-  const MenuSession& s = menu_session;
+  const OpenMenus& s = open_menus;
   return s.of_bar && !s.done && !s.levels.empty() ? s.levels.front().menu : nullptr;
 }
 bool MenusAreOpen() {
-  return !menu_session.levels.empty();
+  return !open_menus.levels.empty();
 }
 
 }  // namespace platform

@@ -9,6 +9,7 @@
 
 #include "platform/display/display.h"
 #include "platform/display/window.h"
+#include "platform/display/x11/x.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
 #include "platform/graphics/surface.h"
@@ -38,6 +39,11 @@ class X11Test : public testing::Test {
     ASSERT_TRUE(server_->running());
     user_ = std::make_unique<support::XUser>();
   }
+  // In a child: the parent's connection stays the parent's.
+  void TakeOwnUser() {
+    user_.release();
+    user_ = std::make_unique<support::XUser>();
+  }
   void StartSession() { ASSERT_TRUE(platform::InitPlatform("Session")); }
   void TearDown() override {
     platform::FinishPlatform();
@@ -56,6 +62,9 @@ class X11Test : public testing::Test {
     platform::SetWindowTitle(w, title);
     platform::SetWindowBackgroundColor(w, 0x3366CC);
     platform::ShowWindow(w);
+    // What the server paints by itself is no picture.
+    w->backdrop = 0x00FF00;
+    platform::kX11Display.update(w, platform::kUpdateBackdrop);
     Settle();
     return w;
   }
@@ -71,15 +80,36 @@ class X11Test : public testing::Test {
       return done();
     });
   }
-  // Runs the loop until nothing has come for a while.
+  // Until the program, the server and a window manager have nothing left to tell each other: a
+  // marker goes the way of what they say, until two have come back with nothing before them. `turn`
+  // runs the loop until nothing waits, and is true when something came.
+  template <typename Turn>
+  void SettleWith(Turn turn) {
+    int quiet = 0;
+    EXPECT_TRUE(support::Eventually([&] {
+      platform::FlushWindow(nullptr);
+      user_->PassMarker();
+      platform::FlushWindow(nullptr);
+      quiet = turn() || WaitsForBounds() ? 0 : quiet + 1;
+      return quiet == 2;
+    }));
+  }
   void Settle() {
-    size_t quiet = 0, count = events.size();
-    RunUntil([&] {
-      quiet = count == events.size() ? quiet + 1 : 0;
-      count = events.size();
-      return quiet > 12;
+    SettleWith([this] {
+      const size_t count = events.size();
+      platform::Event e;
+      while (platform::ReceiveNextEvent(0, &e)) {
+        events.push_back(e);
+        platform::SendEventToEventTarget(&e, platform::GetEventDispatcherTarget());
+      }
+      return events.size() != count;
     });
-    platform::FlushWindow(nullptr);
+  }
+  // The display holds back what it has heard of a window's place.
+  static bool WaitsForBounds() {
+    for (const auto& [id, native] : platform::x11::x.windows)
+      if (native->asked.patience != nullptr) return true;
+    return false;
   }
   size_t Count(uint32_t cls, uint32_t kind) const {
     size_t n = 0;
