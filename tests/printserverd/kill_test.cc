@@ -155,7 +155,13 @@ TEST_F(Killed, WhileChanging) {
             if (Write(id, "hold=1\ndocument=0\n\ndocument") != 1) return;
             ids.push_back(id);
           }
-          memcpy(printer, Printers(fd)[0].id, 16);
+          // The daemon may be killed while it answers.
+          std::vector<char> list(NC_LIST_MAX);
+          uint8_t status = 0;
+          const int32_t size = NC_GetPrinterListN(fd, &status, list.data(), NC_LIST_MAX);
+          NC_Printer first;
+          if (size < 0 || NC_ParsePrinters(list.data(), size, &first, 1) < 1) return ids.clear();
+          memcpy(printer, first.id, 16);
         }
         for (int version = round * 10000 + 1;; ++version) {
           const Id& id = ids[static_cast<size_t>(version) % ids.size()];
