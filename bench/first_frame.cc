@@ -1,8 +1,8 @@
-// Process start to the first complete frame answered by the server: a program beside the floor, in
-// turn, on a server of its own. Built three times: for the first example, as the gallery for a
-// window of a hundred controls, and for a list of 100,000 rows. The floor, which
-// keeps as many rows, runs twice, with shared libraries and with the
-// archives that the example has: much of a small program's start is the mapping of its libraries.
+// Process start to the first complete frame answered by the server: a program and the floor run in
+// turn on an X server that the bench starts. This file is built three times: first_frame runs the
+// first example, gallery a window of a hundred controls, lists_frame a list of 100,000 rows. The
+// floor, which keeps as many rows, runs twice, with shared libraries and with the archives that the
+// example has: much of a small program's start is the mapping of its libraries.
 //   first_frame [rounds], gallery [rounds], lists_frame [rounds]
 #include <fcntl.h>
 #include <signal.h>

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/clock.h"
 #include "bench/server.h"
 #include "platform/display/display.h"
 #include "platform/display/screens.h"
@@ -34,17 +35,6 @@ using namespace platform;
 
 constexpr int kItems = 30;
 xcb_connection_t* bare;  // asks the server, too, whether all before has been carried out
-
-double Microseconds() {
-  timespec t{};
-  clock_gettime(CLOCK_MONOTONIC, &t);
-  return double(t.tv_sec) * 1e6 + double(t.tv_nsec) * 1e-3;
-}
-
-double Median(std::vector<double> v) {
-  std::sort(v.begin(), v.end());
-  return v[v.size() / 2];
-}
 
 void Wait() {
   free(xcb_get_input_focus_reply(bare, xcb_get_input_focus(bare), nullptr));

@@ -16,6 +16,7 @@
 #include <ctime>
 #include <vector>
 
+#include "bench/clock.h"
 #include "bench/server.h"
 #include "platform/controls/edit_text.h"
 #include "platform/display/display.h"
@@ -33,17 +34,6 @@ using namespace platform;
 constexpr int kBatch = 20;       // keys to one client, then to the other
 constexpr uint8_t kKeyOfA = 38;  // in the server's default keymap
 constexpr int kGlyph = 8, kRows = 12;
-
-double Microseconds() {
-  timespec t{};
-  clock_gettime(CLOCK_MONOTONIC, &t);
-  return double(t.tv_sec) * 1e6 + double(t.tv_nsec) * 1e-3;
-}
-
-double Median(std::vector<double> v) {
-  std::sort(v.begin(), v.end());
-  return v[v.size() / 2];
-}
 
 // The client that presses the keys, and a window that shows them as little as it can.
 struct Bare {

@@ -101,7 +101,6 @@ struct ShortcutRow {
   uint32_t modifier;  // of which either key, and no other, is held
   Command command;
 };
-constexpr uint8_t kInsertKey = 5, kDeleteKey = 127, kBackspaceKey = 8, kTabKey = 9;
 constexpr ShortcutRow kShortcuts[] = {
     {'z', kControl, Command::kUndo},        {'y', kControl, Command::kRedo},
     {'x', kControl, Command::kCut},         {'c', kControl, Command::kCopy},

@@ -77,8 +77,7 @@ void Draw(Control* c, ContextRef context) {
   // One column more at the left, where letters may reach out of their advance.
   ClipContextToRect(context, {area.left - 1, area.top, area.right, area.bottom});
   const int x = area.left - e.scroll;
-  const int top = area.top + (area.height() - font.ascent - font.descent) / 2;
-  const int baseline = top + font.ascent;
+  const int top = CaretRect(c).top, baseline = top + font.ascent;
   const uint32_t ink = RoleColor(e.read_only ? Role::kSecondInk : Role::kInk);
   DrawLine(context, font.font, x, baseline, LineOf(c), ink, alpha);
   const bool focused = OwnerOf(c).focus == c;

@@ -9,7 +9,6 @@
 namespace platform {
 namespace {
 
-constexpr uint8_t kTab = 9;
 constexpr uint32_t kAlt = optionKey | rightOptionKey;
 constexpr uint32_t kControlOrCommand = cmdKey | controlKey | rightControlKey;
 
@@ -45,7 +44,7 @@ bool TakeKey(WindowControls& all, const Event& e) {
   if (all.focus && all.focus->kind->key && all.focus->kind->key(all.focus, e)) return true;
   if (modifiers & kControlOrCommand) return false;
   switch (e.key.character) {
-    case kTab:
+    case kTabKey:
       return all.tab_moves && MoveFocusByTab(all, modifiers & (shiftKey | rightShiftKey));
     case kReturnKey:
     case kEnterKey:

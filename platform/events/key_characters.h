@@ -1,4 +1,4 @@
-// The characters of keys that type none.
+// The characters of keys that type none, and of Space.
 #pragma once
 #include <cstdint>
 
@@ -8,6 +8,9 @@ enum KeyCharacter : uint8_t {
   kHomeKey = 1,
   kEnterKey = 3,
   kEndKey = 4,
+  kInsertKey = 5,
+  kBackspaceKey = 8,
+  kTabKey = 9,
   kPageUpKey = 11,
   kPageDownKey = 12,
   kReturnKey = 13,
@@ -17,6 +20,7 @@ enum KeyCharacter : uint8_t {
   kUpKey = 30,
   kDownKey = 31,
   kSpaceKey = ' ',
+  kDeleteKey = 127,
 };
 
 }  // namespace platform

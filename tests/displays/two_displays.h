@@ -1,6 +1,6 @@
 // One script, two displays: the same events in the same order, and the same pictures.
 //
-// The program under test runs in a process of its own and writes a line for each event that its
+// The program under test runs in a separate process and writes a line for each event that its
 // handlers get. On X a second connection plays the user; headless, the input is injected.
 #pragma once
 #include <vector>

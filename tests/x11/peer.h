@@ -1,4 +1,4 @@
-// Another program of the desktop, with a connection of its own: it owns selections and answers as
+// Another program of the desktop, on its own connection: it owns selections and answers as
 // it is told, or asks the owner. It does something only while Work() runs.
 #pragma once
 #include <xcb/xcb.h>
@@ -107,7 +107,7 @@ class Peer {
     xcb_send_event(c_, 0, r.requestor, 0, reinterpret_cast<const char*>(&n));
   }
 
-  // --- An asker. Each question has a window of its own.
+  // --- An asker. Each question uses a separate window.
   struct Question {
     xcb_window_t window = 0;
     bool told = false, refused = false, done = false;

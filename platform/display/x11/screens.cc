@@ -26,7 +26,7 @@ xcb_randr_get_monitors_cookie_t AskMonitors(xcb_window_t root) {
   memset(&request, 0, sizeof request);
   request.window = root;
   request.get_active = 1;
-  // The library fills in the head, and needs two parts of its own in front.
+  // The library fills in the head, and uses the two parts in front.
   const xcb_protocol_request_t kind = {1, &xcb_randr_id, XCB_RANDR_GET_MONITORS, 0};
   iovec parts[3] = {{}, {}, {&request, sizeof request}};
   return {xcb_send_request(x.c, XCB_REQUEST_CHECKED, parts + 2, &kind)};

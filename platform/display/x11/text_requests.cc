@@ -1,6 +1,6 @@
 // The texts that the program asks for.
 //
-// Each request has a window of its own: what an owner sends too late has no place to come to. The
+// Each request uses its own window, so an answer that comes too late finds no window. The
 // owner is another program and may do anything: nothing here waits for it, the platform ends a
 // request that takes too long, and a text that grows beyond the limit is given up.
 #include <algorithm>
