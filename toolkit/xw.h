@@ -808,6 +808,22 @@ int32_t XwThemeColor(int role);
  * -1 for either: not that. The radius is cut to half of the shorter side. */
 void XwRoundBox(int x, int y, int w, int h, int radius, int32_t fill, int32_t line);
 
+/* ---- Smooth paths: lines and curves with fractional coordinates, anti-aliased at the device's own
+ * pixels whatever the scale, cut by the clip. A part's (x, y) is its end, the others are control
+ * points of curves. A part that follows none or a close begins at its end. Each call rasterises. */
+enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
+typedef struct XwPathPart {
+  uint8_t verb;
+  float x, y, x1, y1, x2, y2;
+} XwPathPart;
+/* Closed and filled, inside and outside alternating where parts cross or lie in each other. The
+ * current colour stays. Markers, null, a count outside 1 to 10000, a verb that is none and a number
+ * that is not finite or beyond 16384 paint nothing. */
+void XwFillPath(const XwPathPart* parts, int count, int32_t colour);
+/* A line of `width` logical pixels along it, with round ends and joins; a width that is not above 0
+ * paints nothing. */
+void XwStrokePath(const XwPathPart* parts, int count, float width, int32_t colour);
+
 /* ---- Icons: small pictures of one bit a pixel, drawn in any pair of colours. */
 struct XwIcon {
   int32_t width, height; /* 1 to 32767; others draw nothing */
@@ -822,17 +838,10 @@ extern XwIcon IC_OPT_MENU[1];                                       /* 7 x 16 */
 extern XwIcon IC_CHECKBOX[1];                                       /* 16 x 16 */
 extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 */
 
-/* A part of an outline: (x, y) is its end, the others are control points of curves. In the pixels
- * of the icon, y down. */
-enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
-typedef struct XwPathPart {
-  uint8_t verb;
-  float x, y, x1, y1, x2, y2;
-} XwPathPart;
-/* Gives an icon an outline, filled even-odd, in place of its bits where buttons show it: it is
- * sharp at every scale. Copied. A part that follows none or a close begins at its end. Null or a
- * count below 1 takes the outline away; more than 4096 parts, a verb that is none and a number that
- * is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
+/* Gives an icon an outline, in pixels of the icon, filled as by XwFillPath, in place of its bits
+ * where buttons show it: it is sharp at every scale. Copied. Null or a count below 1 takes the
+ * outline away; more than 4096 parts, and what XwFillPath refuses, change nothing. The toolkit's
+ * own icons have one. */
 void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count);
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);

@@ -332,6 +332,11 @@ void Outlines() {
       auto number = [] { return Pick<float>({0, 3.5f, -7, 16, 1e9f, NAN, INFINITY, 16384}); };
       p = {uint8_t(rng() % 6), number(), number(), number(), number(), number(), number()};
     }
+    XwSet(Hostile<XwWindow*>());
+    const XwPathPart* path = rng() % 9 ? parts : nullptr;
+    XwFillPath(path, Pick<int>({5, 3, 0, INT_MIN}), Hostile<int32_t>());
+    XwStrokePath(path, Pick<int>({5, 1, 0, INT_MIN}), Pick<float>({2.5f, 1e-9f, 16384, NAN, -1}),
+                 Hostile<int32_t>());
     XwSetIconOutline(rng() % 9 ? &icon : nullptr, rng() % 9 ? parts : nullptr, int(rng() % 6) - 1);
     if (XwWindow* b = XwButton(props.other, &icon, 1, 0, 0, 20, 20, XWC_ICON | XWC_VISIBLE, 0))
       XwDestroy(b);
@@ -466,6 +471,8 @@ const struct {
     CALL(XwTextTrim),
     CALL(XwTextFit),
     CALL(XwDrawText),
+    {"XwFillPath", Nothing},  // with the outlines of icons
+    {"XwStrokePath", Nothing},
     CALL(XwThemeColor),
     CALL(XwRoundBox),
     {"XwFromUtf8", Conversions},
