@@ -614,6 +614,31 @@ void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifier
  * id 0 hides what lies under it and is never hit. The item of an event is the position in the list,
  * from 1. */
 void XwBoxList(int op, int x, int y, int width, int height);
+/* The id of a box in the window's present list by its position; 0 when there is none. */
+int XwBoxId(XwWindow* window, int position);
+
+/* What a drawn thing is, for those who cannot look at it: tests, inspectors, assistive technology.
+ * Controls describe themselves. */
+enum {
+  XWA_PANE = 1, XWA_BUTTON = 2, XWA_MENU_BUTTON = 3, XWA_CHECK_BOX = 4, XWA_RADIO_BUTTON = 5,
+  XWA_COLOR_WELL = 6, XWA_COLUMN_HEADER = 7, XWA_SLIDER = 8, XWA_SCROLL_BAR = 9, XWA_LABEL = 10,
+  XWA_LIST = 15, XWA_ROW = 16, XWA_POP_UP_BUTTON = 17, XWA_TEXT_FIELD = 18, XWA_TABLE = 19,
+  XWA_CELL = 20, XWA_GROUP = 21, XWA_PICTURE = 22, XWA_STATUS = 23, XWA_PROGRESS = 24,
+  XW_A_ROLES = 25
+};
+/* Bits of its state. Whether it shows is known from its rectangle. */
+enum {
+  XWT_DISABLED = 1, XWT_FOCUSABLE = 4, XWT_FOCUSED = 8, XWT_CHECKED = 16,
+  XWT_MIXED = 32 /* neither on nor off */, XWT_PRESSED = 64, XWT_DEFAULT = 128, XWT_HAS_MENU = 512,
+  XWT_SELECTED = 1024, XWT_READ_ONLY = 2048, XWT_EXPANDED = 4096 /* what is in it shows */
+};
+/* Says what the box at `position` of XW's list is (-1: the one added last), at best right behind
+ * it; position 0 is XW itself, of which a top-level window stays one, with its title where `name`
+ * is null or "". Names and values are UTF-8, copied; null is "". The same role and name at the same
+ * position of the next list is the same thing. Does nothing while nobody reads descriptions; when
+ * somebody begins to, all windows are asked to redraw. A position without a box, a role that is
+ * none and a control as XW are ignored. */
+void XwDescribe(int position, int role, uint32_t state, const char* name, const char* value);
 
 /* ==== Drawing ===================================================================================
  *

@@ -12,6 +12,7 @@
 #include <set>
 #include <tuple>
 
+#include "platform/access/access.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/state.h"
@@ -26,6 +27,9 @@ template <typename T, size_t N>
 T Pick(const T (&values)[N]) {
   return values[rng() % N];
 }
+
+// Descriptions are kept.
+platform::TreeListener listener = {[](void*, uint64_t, platform::Change) {}, nullptr};
 
 struct Props {
   XwWindow *main, *other, *sub, *docked, *stale;
@@ -66,6 +70,10 @@ XwWindow* Hostile() {
 template <>
 int32_t Hostile() {
   return Pick<int>({0, 1, -1, 2, 7, 100, 255, 256, 32767, 32768, -32769, 65536, INT_MAX, INT_MIN});
+}
+template <>
+uint32_t Hostile() {
+  return uint32_t(rng());
 }
 template <>
 XwValue Hostile() {
@@ -425,6 +433,8 @@ const struct {
     CALL(XwSetActivationHandler),
     CALL(XwSetProgramIcon),
     CALL(XwBoxList),
+    CALL(XwBoxId),
+    CALL(XwDescribe),
     CALL(XwSet),
     CALL(XwPush),
     CALL(XwPop),
@@ -509,6 +519,7 @@ void CallAll() {
 
 TEST(Arguments, OfAnyKindDoNoHarm) {
   Open();
+  platform::AddTreeListener(&listener);
   props.main = Main();
   props.stale = XwCreate(0, 0, 50, 10, 10, Record);
   XwDestroy(props.stale);
@@ -517,6 +528,7 @@ TEST(Arguments, OfAnyKindDoNoHarm) {
   // Again without a main window.
   XwDestroy(props.main);
   CallAll();
+  platform::RemoveTreeListener(&listener);
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/describe.h"
 #include "toolkit/events/install.h"
+#include "toolkit/windows/described.h"
 #include "toolkit/windows/menus.h"
 
 using namespace platform;
@@ -137,6 +138,7 @@ void DropSession() {
   XwEndSession();
   DestroyWindows();
   DropMenus();
+  DropDescribed();
   free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();
