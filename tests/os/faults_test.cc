@@ -71,42 +71,31 @@ TEST_F(Faults, ListingsAndVolumes) {
   const std::string path = scratch.At("tree");
   int count = 0;
   int error = 0;
-  const auto check = [&](const Fault& fault, const auto* list, int none) {
-    const bool unread = fault.In({"opendir", "readdir"});
-    EXPECT_EQ(list == nullptr, unread);
-    EXPECT_LE(count, unread ? none : 4);
-    EXPECT_GE(count, unread ? none : fault.In({"fstatat"}) ? 3 : 4);
-    EXPECT_TRUE(!unread || error == fault.error());
+  const auto sweep = [&](const char* name, auto list_dir, auto free_list, int none) {
+    Sweep(
+        name,
+        [&] {
+          auto* list = list_dir(path.c_str(), "*", &count, kTypes, OS_SORT_NAME);
+          error = errno;
+          return list;
+        },
+        [&](const Fault& fault, auto* list) {
+          const bool unread = fault.In({"opendir", "readdir"});
+          EXPECT_EQ(list == nullptr, unread);
+          EXPECT_LE(count, unread ? none : 4);
+          EXPECT_GE(count, unread ? none : fault.In({"fstatat"}) ? 3 : 4);
+          EXPECT_TRUE(!unread || error == fault.error());
+          free_list(list);
+        });
   };
-  Sweep(
-      "OS_ListDir", [&] { return OS_ListDir(path.c_str(), "*", &count, kTypes, OS_SORT_NAME); },
-      [&](const Fault& fault, OS_ListEntry* list) {
-        error = fault.error();
-        check(fault, list, 0);
-        OS_ListFree(list);
-      });
-  Sweep(
-      "OS_ListDirN",
-      [&] {
-        OS_ListEntryN* list = OS_ListDirN(path.c_str(), "*", &count, kTypes, OS_SORT_NAME);
-        error = errno;
-        return list;
-      },
-      [&](const Fault& fault, OS_ListEntryN* list) {
-        check(fault, list, -1);
-        OS_ListFreeN(list);
-      });
-  const auto check_volumes = [&](const Fault& fault, const auto* list) {
-    ASSERT_GE(count, fault.happened() ? 6 : 7);
-    EXPECT_LE(count, 7);
-    EXPECT_STREQ(list[3].name, "DESKTOP");
-  };
-  Sweep(
-      "OS_ListDev", [&] { return OS_ListDev(&count); }, check_volumes);
+  sweep("OS_ListDir", OS_ListDir, OS_ListFree, 0);
+  sweep("OS_ListDirN", OS_ListDirN, OS_ListFreeN, -1);
   Sweep(
       "OS_ListDevN", [&] { return OS_ListDevN(&count); },
       [&](const Fault& fault, OS_DeviceN* list) {
-        check_volumes(fault, list);
+        ASSERT_GE(count, fault.happened() ? 6 : 7);
+        EXPECT_LE(count, 7);
+        EXPECT_STREQ(list[3].name, "DESKTOP");
         OS_ListDevFreeN(list);
       });
 }
