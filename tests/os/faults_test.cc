@@ -162,15 +162,6 @@ TEST_F(Faults, TemporaryFiles) {
         if (fd >= 0) close(fd);
         unlink(path);
       });
-  Sweep(
-      "OS_TempFile",
-      [&] {
-        os::ForgetPathNames();
-        return std::string(OS_TempFile("x"));
-      },
-      [&](const Fault&, const std::string& name) {
-        EXPECT_EQ(name.rfind(scratch.At("var/tmp/Quorvik/."), 0), 0u);
-      });
 }
 
 TEST_F(Faults, Files) {
@@ -192,12 +183,6 @@ TEST_F(Faults, Files) {
         EXPECT_EQ(result + stat(file.c_str(), &state), 0);
         EXPECT_EQ(state.st_mtime, !fault.happened() || fault.In({"close"}) ? 7 : 5);
         SetTime(file, 5);
-      });
-  Sweep(
-      "OS_CreateDirectory", [&] { return OS_CreateDirectory(scratch.At("made").c_str()); },
-      [&](const Fault& fault, int result) {
-        EXPECT_EQ(result, !fault.happened());
-        EXPECT_EQ(std::filesystem::remove(scratch.At("made")), result == 1);
       });
   Sweep(
       "OpenForWriting",
@@ -256,15 +241,13 @@ TEST_F(Faults, Processes) {
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);  // no child is left
 }
 
-TEST_F(Faults, ThreadsSleepAndFigures) {
+TEST_F(Faults, ThreadsAndFigures) {
   Sweep(
       "OS_StartThread", [] { return OS_StartThread([](void* arg) { return arg; }, nullptr); },
       [](const Fault& fault, int thread) {
         EXPECT_EQ(thread, fault.happened() ? -1 : 1);
         OS_WaitThread(thread);
       });
-  Sweep(
-      "OS_Sleep", [] { return OS_Sleep(1), 0; }, [](const Fault&, int) {});
   Sweep(
       "OS_DiskInfo",
       [] {
