@@ -13,9 +13,10 @@ namespace {
 using namespace stage;
 using namespace platform;
 
-constexpr uint32_t kF10 = 0xFFC7, kMenuKey = 0xFF67, kBack = 0xFF08, kTab = 0xFF09, kReturn = 0xFF0D, kEscape = 0xFF1B,
-                   kHome = 0xFF50, kLeft = 0xFF51, kRight = 0xFF53, kEnd = 0xFF57, kInsert = 0xFF63,
-                   kKeypadDecimal = 0xFFAC, kDelete = 0xFFFF;
+constexpr uint32_t kF10 = 0xFFC7, kMenuKey = 0xFF67, kBack = 0xFF08, kTab = 0xFF09,
+                   kReturn = 0xFF0D, kEscape = 0xFF1B, kHome = 0xFF50, kLeft = 0xFF51,
+                   kRight = 0xFF53, kEnd = 0xFF57, kInsert = 0xFF63, kKeypadDecimal = 0xFFAC,
+                   kDelete = 0xFFFF;
 
 std::string Text(XwWindow* w) {
   char text[1000];
