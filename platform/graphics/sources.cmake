@@ -7,6 +7,8 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/font_library.cc
   ${CMAKE_CURRENT_LIST_DIR}/lines.cc
   ${CMAKE_CURRENT_LIST_DIR}/outline.cc
+  ${CMAKE_CURRENT_LIST_DIR}/outline_shape.cc
+  ${CMAKE_CURRENT_LIST_DIR}/paths.cc
   ${CMAKE_CURRENT_LIST_DIR}/pictures.cc
   ${CMAKE_CURRENT_LIST_DIR}/region.cc
   ${CMAKE_CURRENT_LIST_DIR}/shapes.cc

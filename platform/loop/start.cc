@@ -21,6 +21,7 @@
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
+#include "platform/input/results.h"
 #include "platform/input/translate.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
@@ -72,6 +73,7 @@ bool InitPlatform(const char* name) {
     FinishPlatform();
     return false;
   }
+  InitResults();
   InitDispatch();
   InitClipboard();
   InitMenus();
@@ -94,6 +96,7 @@ void FinishPlatform() {
   FinishAccess();
   FinishMenus();
   FinishInput();
+  FinishResults();
   FinishApplication();
   // The windows have gone: nobody looks at what is waited for.
   KeepText();
