@@ -372,6 +372,7 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
 
   // The list does not change while it has the keyboard.
   SetFocusStop(c_, FocusStop::kPrinter);
+  ASSERT_TRUE(Until([&] { return XwGetFocus(c_->window) == c_->tools.printer(); }));
   auto others = std::make_shared<std::vector<NC_Printer>>(*c_->state.printers);
   others->erase(others->begin() + 1);
   c_->state.printers = others;
