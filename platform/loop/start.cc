@@ -22,6 +22,7 @@
 #include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
 #include "platform/input/translate.h"
+#include "platform/inspect/inspect.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
 #include "platform/loop/tracking.h"
@@ -80,13 +81,18 @@ bool InitPlatform(const char* name) {
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
-  if (opened == OpenResult::kShared && HandOverStart()) HoldWindows(true);
+  const bool handed_over = opened == OpenResult::kShared && HandOverStart();
+  if (handed_over)
+    HoldWindows(true);
+  else
+    InitInspect(name);
   return true;
 }
 
 void FinishPlatform() {
   const Display* d = CurrentDisplay();
   if (!d) return;
+  FinishInspect();
   FinishTrackers();
   FinishReceive();
   FinishWindows();
