@@ -34,8 +34,8 @@
  *   Scale      Coordinates do not change with the screen's scale, and a program need not know it:
  *              one logical pixel is one to eight device pixels, text and lines are sharp at each.
  *              When a window comes to a screen of another scale, its content is drawn again (769).
- *   Threads    Everything runs on the main thread. Worker threads hand their results over through
- *              memory of the program's own and a timer that picks them up.
+ *   Threads    Everything runs on the main thread, but XwPost: by it the program's other threads
+ *              hand their results over.
  *   Memory     Windows belong to the tree and are freed by XwDestroy; no pointer to a destroyed
  *              window stays anywhere in the toolkit. Strings that are returned live in static
  *              buffers: the next call of the same function overwrites them.
@@ -203,6 +203,22 @@ int XwCheckPointer(int x, int y, int w, int h);
 /* 0 up, 1 down, 2 repeating; `key` is a key's type. 0 outside 0..531. */
 uint8_t XwGetKeyState(int key);
 void XwBeep(void);
+/* Hands the result of a background task to the main thread; on any thread, and before the session
+ * too. XwWaitEvent(null) wakes and calls take(data, 1) between two events, once those that have
+ * come before are handled; never inside a wait for one window or for raw events, an alert or a
+ * menu, nor in XwGetEvent. `data` is then the program's again.
+ *
+ * `kind` is one word. Of each kind one result waits at most: a newer one takes its place, and the
+ * older one ends with take(data, 0) on the thread that posts the newer. What still waits when the
+ * session ends, and what is posted after that or without a kind, ends so too. Null `take`: nothing
+ * is done.
+ *
+ * Record and replay: a recording notes where each result was taken, and a replay takes it at the
+ * same place, however long it is in coming. `detail`, one line, tells this result from others of
+ * its kind, so that the replay waits for the same; null or "": any will do. A recorded one that
+ * has passed by unseen in the replay is left out: one that comes later in the recording is there
+ * instead, or the state before it holds still when it has taken longer than it did. */
+void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data);
 /* Record and replay. XW_RECORD=file keeps a session's raw input as lines of text, XW_REPLAY=file
  * plays it back, without the user. What comes from elsewhere, such as a worker's result, is not in
  * the file; so that it is taken up at the same place again, a program asks here each time it looks

@@ -21,6 +21,7 @@
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
+#include "platform/input/results.h"
 #include "platform/input/translate.h"
 #include "platform/inspect/inspect.h"
 #include "platform/loop/dispatch.h"
@@ -73,6 +74,7 @@ bool InitPlatform(const char* name) {
     FinishPlatform();
     return false;
   }
+  InitResults();
   InitDispatch();
   InitClipboard();
   InitMenus();
@@ -100,6 +102,7 @@ void FinishPlatform() {
   FinishAccess();
   FinishMenus();
   FinishInput();
+  FinishResults();
   FinishApplication();
   // The windows have gone: nobody looks at what is waited for.
   KeepText();

@@ -22,8 +22,8 @@ int CodeOf(int status) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-pid_t Launch(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
-             int out, int error) {
+pid_t Spawn(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
+            int out, int error) {
   std::vector<char*> argv;
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
@@ -51,7 +51,7 @@ Outcome RunProgram(const std::vector<std::string>& arguments,
   FILE* out = tmpfile();
   FILE* error = tmpfile();
   int status = 0;
-  const pid_t pid = Launch(arguments, environment, fileno(out), fileno(error));
+  const pid_t pid = Spawn(arguments, environment, fileno(out), fileno(error));
   waitpid(pid, &status, 0);
   Outcome outcome;
   outcome.code = CodeOf(status);
@@ -79,19 +79,25 @@ Daemon::~Daemon() {
   std::filesystem::remove_all(folder_);
 }
 
-void Daemon::Start(std::vector<std::string> arguments) {
-  std::vector<std::string> all = {PRINTSERVERD, "--listen", host_, "--spool", folder_ + "/spool"};
+void Daemon::Start(const std::vector<std::string>& arguments) {
+  ASSERT_EQ(Launch(PRINTSERVERD, arguments), -1) << Said();
+}
+
+int Daemon::Launch(const char* program, const std::vector<std::string>& arguments) {
+  std::vector<std::string> all = {program, "--listen", host_, "--spool", folder_ + "/spool"};
   all.insert(all.end(), arguments.begin(), arguments.end());
   const int said =
       open((folder_ + "/said").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-  pid_ = Launch(all, {}, -1, said);
+  pid_ = Spawn(all, {}, -1, said);
   close(said);
-  ASSERT_GT(pid_, 0);
-  ASSERT_TRUE(Eventually([&] {
-    const int fd = ConnectRaw();
-    if (fd >= 0) close(fd);
-    return fd >= 0;
-  }));
+  EXPECT_GT(pid_, 0);
+  int status = 0, fd = -1;
+  while ((fd = NC_ConnectN(host(), 20000)) < 0 && fd != NC_REFUSED) {
+    if (waitpid(pid_, &status, WNOHANG) == pid_) return pid_ = 0, CodeOf(status);
+    usleep(1000);
+  }
+  if (fd >= 0) close(fd);
+  return -1;
 }
 
 void Daemon::Signal(int number) {

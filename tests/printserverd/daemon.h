@@ -32,7 +32,9 @@ class Daemon {
   ~Daemon();
 
   // Starts it with more arguments, and waits until it listens.
-  void Start(std::vector<std::string> arguments = {});
+  void Start(const std::vector<std::string>& arguments = {});
+  // The same with another program. -1, or its exit code when it ends instead.
+  int Launch(const char* program, const std::vector<std::string>& arguments);
   // Ends it with a signal; the exit code, or 128 + signal.
   int Stop(int signal);
   void Signal(int signal);

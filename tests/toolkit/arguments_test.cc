@@ -344,6 +344,21 @@ void Outlines() {
   }
 }
 
+void Posts() {
+  const char* const texts[] = {nullptr, "", "state", "two words\n", "\xFF\x01", " "};
+  static int posted, ended;
+  posted = ended = 0;
+  for (int i = 0; i < 300; ++i) {
+    void (*take)(void*, int) = [](void*, int) { ++ended; };
+    const bool some = rng() % 9 != 0;
+    posted += some;
+    XwPost(texts[rng() % 6], texts[rng() % 6], some ? take : nullptr, nullptr);
+    Repair();
+  }
+  RunLoop();
+  EXPECT_EQ(ended, posted);
+}
+
 void Nothing() {}
 
 const struct {
@@ -369,6 +384,7 @@ const struct {
     CALL(XwCheckPointer),
     CALL(XwGetKeyState),
     CALL(XwBeep),
+    {"XwPost", Posts},
     CALL(XwTakeUp),
     CALL(XwReplaying),
     CALL(XwTimer),
