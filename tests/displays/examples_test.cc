@@ -62,7 +62,6 @@ const Example kExamples[] = {
     {"08-toolbar",
      "Toolbar",
      {{"keyboard", "key 65289 key 65289 key 32"},
-      {"menu", "press 150 20 key 65364"},
       {"changed", "click 210 20 key 65364 key 65293 click 470 20 click 566 20 press 84 20"},
       {"inactive", "unfocus"}}},
 };
