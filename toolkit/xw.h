@@ -620,6 +620,50 @@ char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
  * does not count). 794 comes after the key's own event. Type 0 takes the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
 
+/* ==== Toolbar ===================================================================================
+ *
+ * A bar across the top of a window, 40 pixels high, filled from left to right with the controls of
+ * a list. What the user does with one (783, 790, 791) comes to the window as 795, with the
+ * control's id as item (of a menu, the chosen command), its value, and the place of the pointer in
+ * root_x and root_y; the bar's other events go nowhere. The window draws its content below. */
+
+typedef struct XwToolbarItem {
+  uint32_t word; /* an XWT_ type, XWT_ flags and the width, added. 0 ends the list */
+  XwValue data;  /* a text, an array of texts that ends with a null pointer, an XwIcon* or a colour
+                    value, as the type says. A null text is empty */
+  int32_t id;
+  XwValue menu;  /* buttons: 0, or the XwMenuItem* that a press opens below */
+} XwToolbarItem;
+enum {
+  XWT_BUTTON = 0x1000000,     /* a text */
+  XWT_EDIT_COMBO = 0x2000000, /* texts. Its box is read-only: a press on it comes with -id */
+  XWT_LIST = 0x3000000,       /* texts, of which the first shows */
+  XWT_COLOR = 0x4000000,      /* a colour value */
+  XWT_GAP = 0x5000000,        /* 5 pixels */
+  XWT_ICON = 0x6000000,       /* an icon */
+  XWT_OPTIONS = 0x7000000,    /* a narrow button, at the right of the control before it */
+  XWT_LABEL = 0x8000000,      /* a text */
+  XWT_SLIDER = 0x9000000,     /* a text, "minimum,maximum,value" */
+  XWT_EDIT = 0xA000000,       /* a text */
+  XWT_CHECK_BOX = 0xB000000,  /* a text */
+  XWT_WIDTH = 0x7FF,          /* its pixels; 0: what the texts need, where the type has any. Of a
+                                 combo box the least; of buttons, wells and icons none */
+  XWT_CLOSER = 0x40000000     /* the next one comes 3 pixels closer */
+};
+#define XWT_DISABLED 0x80000000u
+
+/* Makes the bar, or fills the one that is there with other controls, and shows it. `items` stays
+ * the program's and must live as long as the bar; null destroys it. The bar, a sub-window; null
+ * without one. */
+XwWindow* XwSetToolbar(XwWindow* window, const XwToolbarItem* items);
+/* Nothing without a bar. */
+void XwShowToolbar(XwWindow* window, int show);
+/* The control with this id gets the value 1 when `state` has bit 1, else 0 (an editable combo box
+ * none), and is enabled when `state` is not 0. */
+void XwSetToolbarItem(XwWindow* window, int32_t id, int32_t state);
+/* The control with this id; null. */
+XwWindow* XwGetToolbarItem(XwWindow* window, int32_t id);
+
 /* ==== Hit boxes =================================================================================
  *
  * A window that draws its own content registers a rectangle for each thing that can be hit, while

@@ -22,6 +22,7 @@ std::string TicketOf(const PrintOrder& order) {
   whole.document = order.document;
   whole.owner = order.owner;
   whole.printer = order.printer;
+  whole.profile = order.profile;
   whole.copies = order.copies;
   whole.priority = order.priority;
   whole.hold = order.hold;

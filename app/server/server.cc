@@ -53,6 +53,7 @@ std::string DigestOf(const ServerState& s) {
     d << j.document << j.owner << j.printer << j.text << int(j.state) << j.priority << j.copies
       << j.size << j.printed;
   for (const NC_Printer& p : *s.printers) d << p.name << int(p.state) << p.jobs << p.paper;
+  for (const NC_Profile& p : *s.profiles) d << p.name;
   for (const Transfer& t : s.transfers) d << t.number << int(t.state) << t.text;
   for (const PendingChange& p : s.pending) d << int(p.action);
   return d.Text();
@@ -69,6 +70,7 @@ Server::Shared::Shared() : stopped(eventfd(0, EFD_CLOEXEC)) {
   pthread_condattr_destroy(&attributes);
   state.jobs = std::make_shared<std::vector<NC_Job>>();
   state.printers = std::make_shared<std::vector<NC_Printer>>();
+  state.profiles = std::make_shared<std::vector<NC_Profile>>();
 }
 
 Server::Shared::~Shared() {

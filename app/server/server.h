@@ -28,7 +28,8 @@ inline JobId IdOf(const NC_Job& job) {
 
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
-  std::string path, document, owner, printer;  // an empty printer: the server's default
+  std::string path, document, owner;
+  std::string printer, profile;  // empty: the server's choice
   int copies = 1, priority = 50;
   bool hold = false;
 };
@@ -71,6 +72,7 @@ struct ServerState {
   std::string trouble;  // away: why, in a few words
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
+  std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
   std::vector<Transfer> transfers;
   std::vector<PendingChange> pending;
   std::vector<Notice> notices;    // since the last look

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "printserver/nc.h"
+#include "printserver/read_lists.h"
 #include "printserver/words.h"
 
 namespace console {
@@ -76,6 +77,7 @@ bool Worker::TryToConnect(int ms) {
     return false;
   }
   next_poll_ = 0;
+  ask_profiles_ = true;
   return true;
 }
 
@@ -99,6 +101,8 @@ bool Worker::Poll() {
   const std::string printer_bytes(reinterpret_cast<char*>(list_.get()), size_t(printers));
   const int32_t queue = NC_GetPrintQueueN(fd, list_.get(), NC_QUEUE_MAX);
   if (queue < 0) return false;
+  auto profiles = std::make_shared<std::vector<NC_Profile>>();
+  if (ask_profiles_ && !nc::ReadProfiles(fd, "", profiles.get())) return false;
   Ended();
   const std::string_view queue_bytes(reinterpret_cast<char*>(list_.get()), size_t(queue));
   const bool new_jobs = queue_bytes != last_jobs_, new_printers = printer_bytes != last_printers_;
@@ -121,8 +125,10 @@ bool Worker::Poll() {
   ServerState& state = shared_->state;
   if (jobs) state.jobs = jobs;
   if (list) state.printers = list;
-  const bool changed = jobs || list || state.link != Link::kReady;
+  if (ask_profiles_) state.profiles = profiles;
+  const bool changed = jobs || list || ask_profiles_ || state.link != Link::kReady;
   state.link = Link::kReady;
+  ask_profiles_ = false;
   if (changed && !hold_back_) shared_->Published();
   return true;
 }
@@ -217,6 +223,7 @@ void Worker::Serve(int connect_ms) {
     connected = shared_->open[kLists] >= 0;
     due = shared_->retry_at <= MonotonicMs();
     if (refresh) next_poll_ = 0;
+    if (refresh) ask_profiles_ = true;
   }
   if (!connected) {
     if (!due && !refresh) return;

@@ -8,38 +8,18 @@
 #include "app/look/hits.h"
 #include "app/look/style.h"
 #include "app/model/folder.h"
+#include "app/panes/layout.h"
+#include "app/panes/tools.h"
 #include "app/server/server.h"
 #include "app/table/table.h"
-#include "app/window/layout.h"
 #include "app/work/folder_reader.h"
 
 namespace console {
 
 // Owners of hits.
-enum Owner {
-  kNobody,
-  kFiles,
-  kQueue,
-  kTools,
-  kPlaces,
-  kCrumbs,
-  kJobButtons,
-  kPrinterList,
-  kStatus,
-  kQuestion
-};
-
-// Parts of the tools.
-enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kHold };
-// Ids of controls; those of a table's heads follow its own.
-enum ControlId {
-  kPriorityControl = 1,
-  kCopiesControl = 2,
-  kFilesControls = 100,
-  kQueueControls = 200
-};
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
 // Parts of the status line.
-enum StatusPart { kServer = 1, kStopSending };
+enum StatusPart { kServer = 1 };
 
 // Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
@@ -53,7 +33,20 @@ enum Pane : unsigned {
 };
 
 // Where the keyboard is; Tab goes through them in this order.
-enum class FocusStop { kFiles, kQueue, kPrint, kPrinter, kCopies, kPriority, kHold, kCount };
+enum class FocusStop {
+  kFiles,
+  kQueue,
+  kPrint,
+  kPrinter,
+  kProfile,
+  kCopies,
+  kPriority,
+  kHold,
+  kCount
+};
+inline bool IsControl(FocusStop stop) {
+  return stop >= FocusStop::kPrint;
+}
 
 struct Place {
   std::string name, path;
@@ -71,20 +64,16 @@ struct QueueRow {
   bool operator==(const QueueRow&) const = default;
 };
 
-constexpr int kMostPriority = 100;
-// How the next file is printed.
-struct PrintChoice {
-  std::string printer;  // its name, "" as long as none is chosen: the server's default
-  int copies = 1, priority = 50;
-  bool hold = false;
-};
-
 struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
-  XwWindow* priority = nullptr;  // the slider
-  XwWindow* copies = nullptr;    // the edit box
+  PrintChoice choice;
+  ToolsPane tools{&choice};
+  XwWindow *hold_job = nullptr, *release_job = nullptr, *remove_job = nullptr;
+  XwWindow* stop_sending = nullptr;
+  // Those of commands: each is enabled when its command can be run.
+  std::vector<XwWindow*> buttons;
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -116,12 +105,8 @@ struct Console {
   QueueRow missing;  // was selected when it went; selected again if it comes back
   Table queue;
 
-  PrintChoice choice;
-  bool list_open = false;  // of printers
-  int list_row = 0;
-
-  bool asking = false;  // whether to leave before everything is sent
-  int answer = 0;       // the one that has the keyboard
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   Notice message;
   int message_ticks = 0;
@@ -143,8 +128,6 @@ void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
-// How a button looks that can be hit there.
-ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
 void SetFocusStop(Console* c, FocusStop stop);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
@@ -156,11 +139,14 @@ inline bool HasKeyboard(const Console* c, FocusStop stop) {
 void MakeControls(Console* c);
 // Where the layout says.
 void PlaceControls(Console* c);
-// They follow what the window shows: what lies over the tables hides theirs, a question stops the
-// slider, which has the keyboard at its stop.
+// They follow what the window shows. While a question is asked they are disabled.
 void UpdateControls(Console* c);
 // What one reports.
 void UseControl(Console* c, int id, int value);
+// A report of the box of the copies: 788 (gained or lost), 789, 790.
+void EditCopies(Console* c, int type, bool gained);
+// The control of a stop; null for the tables.
+XwWindow* ControlAt(const Console* c, FocusStop stop);
 
 // --- The folder (folder_pane.cc)
 void DrawFolderPane(Console* c);
@@ -192,28 +178,9 @@ void DrawPlacesPane(Console* c);
 void AddPlacesHits(Console* c);
 void DrawDetailsPane(Console* c);
 
-// --- Printing (tools_pane.cc, printer_list.cc)
-void DrawToolsPane(Console* c);
-void AddToolsHits(Console* c);
+// --- Printing (controls.cc)
 bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
-// The printer that the next file goes to; null when no list is known.
-const NC_Printer* ChosenPrinter(const Console* c);
-constexpr int kMostCopies = 999;
-void ChangeCopies(Console* c, int by);
-// A report of the box: 788 (gained or lost), 789, 790.
-void EditCopies(Console* c, int type, bool gained);
-void ChangePriority(Console* c, int by);
-// The slider has been moved.
-void SlidePriority(Console* c, int value);
-void OpenPrinterList(Console* c);
-void ClosePrinterList(Console* c);
-void ChoosePrinter(Console* c, int row);
-bool PrinterListKey(Console* c, int type);
-void DrawPrinterList(Console* c);
-void AddPrinterListHits(Console* c);
-// Whether the pointer (Inp) is over it.
-bool ListHoldsPointer(const Console* c);
 
 // --- The queue (queue_pane.cc)
 void DrawQueuePane(Console* c);
@@ -225,19 +192,23 @@ bool CanChange(const Console* c, JobAction action);
 void ChangeSelected(Console* c, JobAction action);
 
 // --- Quitting (quit_confirmation.cc)
-// Whether the window may close at once; else the question is shown.
+// Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.
 bool MayLeaveNow(const Console* c);
-// True when the answer is to leave.
-bool GiveAnswer(Console* c, int answer);
-bool QuestionKey(Console* c, int type);
-void DrawQuestion(const Console* c);
-void AddQuestionHits(Console* c);
+// A report of the sheet's buttons: true when the answer is to leave.
+bool GiveAnswer(Console* c, int id);
+void QuestionKey(Console* c, int type);
+// Where it stands in the window.
+void PlaceQuestion(Console* c);
+// What lies around the sheet.
+void DrawAroundQuestion(const Console* c);
 
 // --- The status line (status_pane.cc)
 void DrawStatusPane(Console* c);
 void AddStatusHits(Console* c);
+// Something is being sent, or its cancelling is not yet answered.
+bool SendingRuns(const Console* c);
 // What the line says of the server, without its name.
 std::string ServerText(const Console* c);
 

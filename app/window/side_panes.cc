@@ -128,7 +128,7 @@ void DrawSelected(const Console* c, Area a) {
 
 void DrawPrinter(const Console* c, Area a) {
   const Style& l = TheStyle();
-  const NC_Printer* p = ChosenPrinter(c);
+  const NC_Printer* p = ChosenPrinter(c->choice, c->state);
   if (!p) {
     DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
               c->state.link == Link::kReady ? "The server has none" : "None is known yet",

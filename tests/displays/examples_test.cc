@@ -59,6 +59,11 @@ const Example kExamples[] = {
      {{"keyboard", "key 65289 key 51 key 65289 key 65363 key 65289 key 65364"},
       {"changed", "click 150 30 key 65364 key 65293 click 270 235 click 150 200 press 360 277"},
       {"inactive", "unfocus"}}},
+    {"08-toolbar",
+     "Toolbar",
+     {{"keyboard", "key 65289 key 65289 key 32"},
+      {"changed", "click 210 20 key 65364 key 65293 click 470 20 click 566 20 press 84 20"},
+      {"inactive", "unfocus"}}},
     {"10-clock", "Clock", {}, "10:08:36"},
 };
 
