@@ -296,6 +296,7 @@ void ServerChanged(Console* c, ServerState state) {
   FillQueue(c);
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
   DrawConsole(c);
+  if (MayLeaveNow(c)) Quit(c);
 }
 
 void ShowProgress(Console* c) {
@@ -401,12 +402,12 @@ void ShowSilence(int seconds) {
 }
 
 Console::Console(const std::string& host)
-    : files(kFiles, FileColumns(),
+    : reader([this](FolderReading* reading) { FolderCame(this, reading); }),
+      watch([this] { FolderChanged(this); }),
+      files(kFiles, FileColumns(),
             [this](int row, int column, const CellLook& cell) {
               DrawFileCell(this, row, column, cell);
             }),
-      reader([this](FolderReading* reading) { FolderCame(this, reading); }),
-      watch([this] { FolderChanged(this); }),
       server(host, [this](ServerState news) { ServerChanged(this, std::move(news)); }),
       queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
         DrawQueueCell(this, row, column, cell);

@@ -193,7 +193,7 @@ void Entered(Console* c, FolderReading* r) {
 void NotEntered(Console* c, const FolderReading& r) {
   Tell(c, false, r.request.path + ": " + strerror(r.error));
   if (c->folder.known()) return;
-  if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", "", {}});
+  if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", ""});
   c->folder.Begin("/");
   c->folder.Lose(r.error, {});
   Listed(c, "");
@@ -285,12 +285,12 @@ void StopReading(Console* c) {
 }
 
 void EnterFolder(Console* c, const std::string& path, const std::string& select) {
-  AskFolder(c, {FolderRequest::kEnter, path, select, {}});
+  AskFolder(c, {FolderRequest::kEnter, path, select});
 }
 
 void GoUp(Console* c) {
   const std::string here = c->folder.path();
-  if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here), {}});
+  if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here)});
 }
 
 void OpenSelected(Console* c) {
@@ -316,7 +316,7 @@ void SortBy(Console* c, int column) {
 // What is being entered is read just now.
 void RefreshFolder(Console* c) {
   if (c->reader.request() && Moves(*c->reader.request())) return;
-  AskFolder(c, {FolderRequest::kAgain, c->folder.path(), "", {}});
+  AskFolder(c, {FolderRequest::kAgain, c->folder.path(), ""});
 }
 
 void FindLetter(Console* c, int character) {
@@ -347,7 +347,7 @@ void ShowDocument(Console* c, const char* path) {
   if (!path || path[0] != '/') return;
   std::string document = path;
   while (document.size() > 1 && document.back() == '/') document.pop_back();
-  AskFolder(c, {FolderRequest::kDocument, document, "", {}});
+  AskFolder(c, {FolderRequest::kDocument, document, ""});
 }
 
 }  // namespace console

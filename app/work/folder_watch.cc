@@ -56,7 +56,7 @@ struct FolderWatch::Shared : std::enable_shared_from_this<Shared> {
   int told = 0;   // of which order the change has been told
   bool stop = false;
   int64_t look_began = 0;  // 0: it does not look just now
-  Changed changed;         // the main thread's; null at the end
+  Changed on_change;       // the main thread's; null at the end
   os::Handle wake{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   os::Handle events{inotify_init1(IN_CLOEXEC | IN_NONBLOCK)};
 
@@ -89,7 +89,7 @@ void FolderWatch::Shared::Tell() {
         const std::unique_ptr<std::shared_ptr<Shared>> posted(
             static_cast<std::shared_ptr<Shared>*>(data));
         Shared& s = **posted;
-        if (taken && s.changed) s.changed();
+        if (taken && s.on_change) s.on_change();
         // A folder does not change again for a replay: it has one at hand whenever its turn comes.
         if (!taken || !XwReplaying()) return;
         const std::lock_guard<std::mutex> guard(s.lock);
@@ -160,11 +160,11 @@ void FolderWatch::Shared::Run() {
 }
 
 FolderWatch::FolderWatch(Changed changed) : shared_(std::make_shared<Shared>()) {
-  shared_->changed = std::move(changed);
+  shared_->on_change = std::move(changed);
 }
 
 FolderWatch::~FolderWatch() {
-  shared_->changed = nullptr;
+  shared_->on_change = nullptr;
   {
     const std::lock_guard<std::mutex> guard(shared_->lock);
     shared_->stop = true;

@@ -271,6 +271,7 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
   };
   const auto before = line();
   Tell(c_, false, "Something went wrong, and this line says what");
+  DrawConsole(c_);
   Turn(10);
   EXPECT_NE(line(), before);
   Turn(330);
