@@ -111,6 +111,17 @@ void AddMenus(DescribedNode* window) {
   if (!popup.children.empty()) window->children.push_back(popup);
 }
 
+// The message of an alert, which is drawn.
+DescribedNode FromMessage(const char* message) {
+  static const uint64_t serial = TakeSerial();
+  DescribedNode node;
+  node.serial = serial;
+  node.what.role = ObjectRole::kLabel;
+  node.what.name = message;
+  node.what.state = kIsShown | kIsEnabled;
+  return node;
+}
+
 DescribedNode Describe(XwWindow* w) {
   DescribedNode node;
   if (IsTopLevel(w))
@@ -119,6 +130,7 @@ DescribedNode Describe(XwWindow* w) {
     DescribeSub(w, &node);
   else
     DescribeRecord(w, &node);
+  if (IsTopLevel(w) && w->text) node.children.push_back(FromMessage(w->text));
   for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
   if (w == W_Start) AddMenus(&node);
   return node;
