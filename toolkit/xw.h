@@ -699,6 +699,31 @@ XwWindow* XwGetToolbarItem(XwWindow* window, int32_t id);
  * id 0 hides what lies under it and is never hit. The item of an event is the position in the list,
  * from 1. */
 void XwBoxList(int op, int x, int y, int width, int height);
+/* The id of a box in the window's present list by its position; 0 when there is none. */
+int XwBoxId(XwWindow* window, int position);
+
+/* What a drawn thing is, for those who cannot look at it: tests, inspectors, assistive technology.
+ * Controls describe themselves. */
+enum {
+  XWA_PANE = 1, XWA_BUTTON = 2, XWA_MENU_BUTTON = 3, XWA_CHECK_BOX = 4, XWA_RADIO_BUTTON = 5,
+  XWA_COLOR_WELL = 6, XWA_COLUMN_HEADER = 7, XWA_SLIDER = 8, XWA_SCROLL_BAR = 9, XWA_LABEL = 10,
+  XWA_LIST = 15, XWA_ROW = 16, XWA_POP_UP_BUTTON = 17, XWA_TEXT_FIELD = 18, XWA_TABLE = 19,
+  XWA_CELL = 20, XWA_GROUP = 21, XWA_PICTURE = 22, XWA_STATUS = 23, XWA_PROGRESS = 24,
+  XW_A_ROLES = 25
+};
+/* Bits of its state. Whether it shows is known from its rectangle. */
+enum {
+  XWT_DISABLED = 1, XWT_FOCUSABLE = 4, XWT_FOCUSED = 8, XWT_CHECKED = 16,
+  XWT_MIXED = 32 /* neither on nor off */, XWT_PRESSED = 64, XWT_DEFAULT = 128, XWT_HAS_MENU = 512,
+  XWT_SELECTED = 1024, XWT_READ_ONLY = 2048, XWT_EXPANDED = 4096 /* what is in it shows */
+};
+/* Says what the box at `position` of XW's list is (-1: the one added last), at best right behind
+ * it; position 0 is XW itself, of which a top-level window stays one, with its title where `name`
+ * is null or "". Names and values are UTF-8, copied; null is "". The same role and name at the same
+ * position of the next list is the same thing. Does nothing while nobody reads descriptions; when
+ * somebody begins to, all windows are asked to redraw. A position without a box, a role that is
+ * none and a control as XW are ignored. */
+void XwDescribe(int position, int role, uint32_t state, const char* name, const char* value);
 
 /* ==== Drawing ===================================================================================
  *
@@ -868,6 +893,22 @@ int32_t XwThemeColor(int role);
  * -1 for either: not that. The radius is cut to half of the shorter side. */
 void XwRoundBox(int x, int y, int w, int h, int radius, int32_t fill, int32_t line);
 
+/* ---- Smooth paths: lines and curves with fractional coordinates, anti-aliased at the device's own
+ * pixels whatever the scale, cut by the clip. A part's (x, y) is its end, the others are control
+ * points of curves. A part that follows none or a close begins at its end. Each call rasterises. */
+enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
+typedef struct XwPathPart {
+  uint8_t verb;
+  float x, y, x1, y1, x2, y2;
+} XwPathPart;
+/* Closed and filled, inside and outside alternating where parts cross or lie in each other. The
+ * current colour stays. Markers, null, a count outside 1 to 10000, a verb that is none and a number
+ * that is not finite or beyond 16384 paint nothing. */
+void XwFillPath(const XwPathPart* parts, int count, int32_t colour);
+/* A line of `width` logical pixels along it, with round ends and joins; a width that is not above 0
+ * paints nothing. */
+void XwStrokePath(const XwPathPart* parts, int count, float width, int32_t colour);
+
 /* ---- Icons: small pictures of one bit a pixel, drawn in any pair of colours. */
 struct XwIcon {
   int32_t width, height; /* 1 to 32767; others draw nothing */
@@ -882,17 +923,10 @@ extern XwIcon IC_OPT_MENU[1];                                       /* 7 x 16 */
 extern XwIcon IC_CHECKBOX[1];                                       /* 16 x 16 */
 extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 */
 
-/* A part of an outline: (x, y) is its end, the others are control points of curves. In the pixels
- * of the icon, y down. */
-enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
-typedef struct XwPathPart {
-  uint8_t verb;
-  float x, y, x1, y1, x2, y2;
-} XwPathPart;
-/* Gives an icon an outline, filled even-odd, in place of its bits where buttons show it: it is
- * sharp at every scale. Copied. A part that follows none or a close begins at its end. Null or a
- * count below 1 takes the outline away; more than 4096 parts, a verb that is none and a number that
- * is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
+/* Gives an icon an outline, in pixels of the icon, filled as by XwFillPath, in place of its bits
+ * where buttons show it: it is sharp at every scale. Copied. Null or a count below 1 takes the
+ * outline away; more than 4096 parts, and what XwFillPath refuses, change nothing. The toolkit's
+ * own icons have one. */
 void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count);
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);

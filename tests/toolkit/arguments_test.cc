@@ -12,6 +12,7 @@
 #include <set>
 #include <tuple>
 
+#include "platform/access/access.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/state.h"
@@ -26,6 +27,9 @@ template <typename T, size_t N>
 T Pick(const T (&values)[N]) {
   return values[rng() % N];
 }
+
+// Descriptions are kept.
+platform::TreeListener listener = {[](void*, uint64_t, platform::Change) {}, nullptr};
 
 struct Props {
   XwWindow *main, *other, *sub, *docked, *stale;
@@ -66,6 +70,10 @@ XwWindow* Hostile() {
 template <>
 int32_t Hostile() {
   return Pick<int>({0, 1, -1, 2, 7, 100, 255, 256, 32767, 32768, -32769, 65536, INT_MAX, INT_MIN});
+}
+template <>
+uint32_t Hostile() {
+  return uint32_t(rng());
 }
 template <>
 XwValue Hostile() {
@@ -324,6 +332,11 @@ void Outlines() {
       auto number = [] { return Pick<float>({0, 3.5f, -7, 16, 1e9f, NAN, INFINITY, 16384}); };
       p = {uint8_t(rng() % 6), number(), number(), number(), number(), number(), number()};
     }
+    XwSet(Hostile<XwWindow*>());
+    const XwPathPart* path = rng() % 9 ? parts : nullptr;
+    XwFillPath(path, Pick<int>({5, 3, 0, INT_MIN}), Hostile<int32_t>());
+    XwStrokePath(path, Pick<int>({5, 1, 0, INT_MIN}), Pick<float>({2.5f, 1e-9f, 16384, NAN, -1}),
+                 Hostile<int32_t>());
     XwSetIconOutline(rng() % 9 ? &icon : nullptr, rng() % 9 ? parts : nullptr, int(rng() % 6) - 1);
     if (XwWindow* b = XwButton(props.other, &icon, 1, 0, 0, 20, 20, XWC_ICON | XWC_VISIBLE, 0))
       XwDestroy(b);
@@ -497,6 +510,8 @@ const struct {
     CALL(XwSetActivationHandler),
     CALL(XwSetProgramIcon),
     CALL(XwBoxList),
+    CALL(XwBoxId),
+    CALL(XwDescribe),
     CALL(XwSet),
     CALL(XwPush),
     CALL(XwPop),
@@ -528,6 +543,8 @@ const struct {
     CALL(XwTextTrim),
     CALL(XwTextFit),
     CALL(XwDrawText),
+    {"XwFillPath", Nothing},  // with the outlines of icons
+    {"XwStrokePath", Nothing},
     CALL(XwThemeColor),
     CALL(XwRoundBox),
     {"XwFromUtf8", Conversions},
@@ -581,6 +598,7 @@ void CallAll() {
 
 TEST(Arguments, OfAnyKindDoNoHarm) {
   Open();
+  platform::AddTreeListener(&listener);
   props.main = Main();
   props.stale = XwCreate(0, 0, 50, 10, 10, Record);
   XwDestroy(props.stale);
@@ -589,6 +607,7 @@ TEST(Arguments, OfAnyKindDoNoHarm) {
   // Again without a main window.
   XwDestroy(props.main);
   CallAll();
+  platform::RemoveTreeListener(&listener);
 }
 
 }  // namespace

@@ -115,6 +115,7 @@ TEST_F(Grabs, OneBeginsWhileAButtonIsHeld) {
     user().Button(1, true);
     ASSERT_TRUE(Wait(RawEvent::kPress));
     kX11Display.grab(w, mode, nullptr);
+    kX11Display.flush(true);
     reports.clear();
     user().Move(450, 200);
     user().Button(1, false);

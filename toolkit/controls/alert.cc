@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <cstdarg>
-#include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -13,7 +11,6 @@
 #include "toolkit/controls/alert_art.h"
 #include "toolkit/controls/dropped.h"
 #include "toolkit/core/alive.h"
-#include "toolkit/core/memory.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
@@ -71,9 +68,6 @@ bool Open(Alert* a) {
     XwSetTextUtf8(button, a->labels[size_t(i)].c_str());
     if (i == 0) a->first = button;
   }
-  // Those who cannot see it read the message as a label.
-  w->text = strdup(a->message.c_str());
-  if (!w->text) OutOfMemory();
   XwShow(w, 1);
   XwFocusControl(a->first);
   XwSetDefaultButtons(w, nullptr, a->first);
@@ -86,6 +80,12 @@ void Draw(const Alert& a) {
   DrawAlertPicture(TargetContext(), a.large, kLarge);
   DrawAlertPicture(TargetContext(), a.badge, kBadge);
   XwDrawTextUtf8(FT_ALERT, XWC_LEFT, kMessageLeft, kMessageTop, 0, 0, a.message.c_str(), 0, -1);
+  // Those who cannot see it read the message as a label.
+  XwBoxList(3, 0, 0, 0, 0);
+  XwBoxList(1, kMessageLeft, kMessageTop, a.window->width - kBesideMessage,
+            FT_ALERT->ascent + FT_ALERT->descent);
+  XwDescribe(-1, XWA_LABEL, 0, a.message.c_str(), nullptr);
+  XwBoxList(4, 0, 0, 0, 0);
   XwPop();
 }
 

@@ -14,6 +14,7 @@
 #include "toolkit/target/clip.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/described.h"
 
 using namespace platform;
 
@@ -111,17 +112,6 @@ void AddMenus(DescribedNode* window) {
   if (!popup.children.empty()) window->children.push_back(popup);
 }
 
-// The message of an alert, which is drawn.
-DescribedNode FromMessage(const char* message) {
-  static const uint64_t serial = TakeSerial();
-  DescribedNode node;
-  node.serial = serial;
-  node.what.role = ObjectRole::kLabel;
-  node.what.name = message;
-  node.what.state = kIsShown | kIsEnabled;
-  return node;
-}
-
 DescribedNode Describe(XwWindow* w) {
   DescribedNode node;
   if (IsTopLevel(w))
@@ -130,7 +120,7 @@ DescribedNode Describe(XwWindow* w) {
     DescribeSub(w, &node);
   else
     DescribeRecord(w, &node);
-  if (IsTopLevel(w) && w->text) node.children.push_back(FromMessage(w->text));
+  AddDescribed(w, &node);
   for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
   if (w == W_Start) AddMenus(&node);
   return node;
@@ -204,7 +194,15 @@ bool Act(uint64_t serial, uint32_t action) {
   return true;
 }
 
-constexpr TreeSource kSource = {DescribeAll, Act};
+// What is drawn is described while it is drawn: somebody who has just come sees it by a redraw.
+void Heard(bool is_heard) {
+  if (!is_heard) return DropDescribed();
+  for (XwWindow* w : ChildrenOf(W_Root))
+    if (IsLive(w) && IsTopLevel(w))
+      InvalidateWindow(NativeWindow(w), {0, 0, w->width, w->height}, true);
+}
+
+constexpr TreeSource kSource = {DescribeAll, Act, Heard};
 
 }  // namespace
 

@@ -23,6 +23,7 @@
 #include "toolkit/events/describe.h"
 #include "toolkit/events/install.h"
 #include "toolkit/events/loop.h"
+#include "toolkit/windows/described.h"
 #include "toolkit/windows/menus.h"
 
 using namespace platform;
@@ -141,6 +142,7 @@ void DropSession() {
   XwEndSession();
   DestroyWindows();
   DropMenus();
+  DropDescribed();
   free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();

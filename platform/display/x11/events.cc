@@ -320,6 +320,7 @@ static void TakePending() {
     Dispatch(e.get());
     if (x.pending.empty()) Pump();
   }
+  TakeGrabAnswers(false);
   if (x.out.empty()) TakeChecks();
 }
 

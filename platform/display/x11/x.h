@@ -395,6 +395,8 @@ void CloseCursors();
 
 // --- grab.cc
 void Grab(const Window* w, GrabMode mode, const Cursor* cursor);
+// Takes the server's answers to requests for a grab: those that have come, or all.
+void TakeGrabAnswers(bool wait);
 // `n` has the pointer, in whichever mode; the windows of the program share it.
 bool HoldsGrab(const Native* n);
 bool GrabsForProgram();
