@@ -1,8 +1,6 @@
 // The examples as a user starts them: their picture on the headless display is the reference, and
 // the real window on X, under a window manager, shows the same.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "tests/displays/program.h"
 #include "tests/displays/window_picture.h"
 #include "tests/os/scratch.h"
 
@@ -114,35 +113,6 @@ void WriteRecording(const char* steps, const std::string& file) {
   pointer("motion", 1, 1);
 }
 
-// A running example, ended as a session ends it.
-class Program {
- public:
-  explicit Program(const Example& example) {
-    pid_ = fork();
-    if (pid_ != 0) return;
-    std::string path = std::string(EXAMPLES) + "/" + example.name;
-    execl(path.c_str(), example.name, example.argument, nullptr);
-    _exit(127);
-  }
-  ~Program() {
-    if (pid_ > 0) End();
-  }
-  // The exit status; -1 when it did not exit by itself.
-  int End() {
-    kill(pid_, SIGTERM);
-    return Wait();
-  }
-  int Wait() {
-    int status = 0;
-    waitpid(pid_, &status, 0);
-    pid_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  pid_t pid_;
-};
-
 // Of the program at rest; with a recording, at its end.
 Picture OnHeadless(const Example& example, const std::string& folder, const char* scale) {
   std::string file = folder + "/" + example.name + ".png";
@@ -150,7 +120,7 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   setenv("XW_DISPLAY", "headless", 1);
   setenv("XW_SNAPSHOT", file.c_str(), 1);
   setenv("XW_SCALE", scale, 1);
-  Program program(example);
+  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument);
   Picture picture;
   const bool ends_by_itself = getenv("XW_REPLAY");
   if (!ends_by_itself) support::Eventually([&] { return testkit::LoadPng(file, &picture); });
@@ -167,7 +137,7 @@ Picture OnX(const Example& example, const Picture& wanted) {
   support::XServer server({"-screen", "0", "1280x1024x24"});
   EXPECT_TRUE(server.running() && server.StartManager("openbox"));
   support::XUser user;
-  Program program(example);
+  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument);
   xcb_window_t window = user.Find(example.title);
   Picture seen;
   if (!window) return seen;

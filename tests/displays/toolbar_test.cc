@@ -57,12 +57,12 @@ XwValue Of(T* pointer) {
 }
 
 const XwToolbarItem kItems[] = {
-    {XWT_ICON, Of(IC_ARROWS), 1, 0},
-    {XWT_ICON, Of(IC_EXCHANGE), 2, Of(menu)},
-    {XWT_LIST, Of(kPapers), 3, 0},
-    {XWT_SLIDER | 90, Of("0,100,40"), 4, 0},
-    {XWT_EDIT | 60, Of("2"), 5, 0},
-    {XWT_ICON | XWT_DISABLED, Of(IC_ARROWS), 6, 0},
+    {XWB_ICON, Of(IC_ARROWS), 1, 0},
+    {XWB_ICON, Of(IC_EXCHANGE), 2, Of(menu)},
+    {XWB_LIST, Of(kPapers), 3, 0},
+    {XWB_SLIDER | 90, Of("0,100,40"), 4, 0},
+    {XWB_EDIT | 60, Of("2"), 5, 0},
+    {XWB_ICON | XWB_DISABLED, Of(IC_ARROWS), 6, 0},
     {},
 };
 
