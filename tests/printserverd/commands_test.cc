@@ -36,6 +36,7 @@ TEST_F(Commands, PrintAndSee) {
   EXPECT_EQ(New("a", "document=" + name + "\nowner=me\ncopies=3\nunknown=x", document), 1);
   EXPECT_TRUE(IsDone("a"));
   EXPECT_EQ(See("a", "document owner printer"), name + " me Proof printer");
+  EXPECT_EQ(See("Proof printer", "default media paper"), "1 A4,A3 497");
   EXPECT_EQ(See("a", "copies priority size total printed number pages pages-printed colour"),
             "3 50 6 18 18 1 3 3 -");
   EXPECT_GE(std::stoll(See("a", "submitted")), before);
