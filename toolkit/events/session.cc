@@ -9,6 +9,7 @@
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
+#include "platform/input/results.h"
 #include "platform/loop/start.h"
 #include "platform/menus/menus.h"
 #include "platform/text/mac_roman.h"
@@ -115,6 +116,7 @@ void XwEndSession() {
       slot.timer = nullptr;
     }
   FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
+  DropResults();
 }
 
 namespace {
