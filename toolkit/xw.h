@@ -546,6 +546,31 @@ typedef struct XwDialogItem {
 /* Makes them all in `parent`. (dx, dy) is added to places that are not negative. */
 void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx, int32_t dy);
 
+/* Asks the user something: a window at the pointer, wholly on the screen, with a picture, one line
+ * and a button for each label, from left to right. Waits for one to be pressed and returns its
+ * number from 1; events of other windows wait or are dropped, but redraws and requests of the
+ * desktop come again afterwards. The first button has the keyboard, and Escape presses it: put the
+ * harmless label first. Without a label the alert has no way out.
+ *
+ * The first character of `kind`: '?' a question, 'i' information, anything else a warning. `title`
+ * is not used. The labels end with a null pointer. A message wider than the screen is shortened. 0
+ * when the display refuses the window. */
+#ifdef __GNUC__
+#define XW_ENDS_WITH_NULL __attribute__((sentinel))
+#else
+#define XW_ENDS_WITH_NULL
+#endif
+int XwConfirm(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
+/* The same in UTF-8. */
+int XwConfirmUtf8(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
+
+/* The file of the running program. */
+typedef struct FSSpec {
+  char path[4096]; /* absolute; bytes, not the toolkit's characters */
+} FSSpec;
+/* 0; -43 for null and where the system does not tell it. */
+int GetApplicationBundleFSSpec(FSSpec* spec);
+
 /* The control with the keyboard in the window's top-level window; null when none has it. */
 XwWindow* XwGetFocus(XwWindow* window);
 /* Gives the keyboard to a control that shows and is enabled, and the keys to its window. Ignored
@@ -619,6 +644,50 @@ char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
  * key's event, letters without case, and exactly the modifiers that are held (XWS_ bits; caps lock
  * does not count). 794 comes after the key's own event. Type 0 takes the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
+
+/* ==== Toolbar ===================================================================================
+ *
+ * A bar across the top of a window, 40 pixels high, filled from left to right with the controls of
+ * a list. What the user does with one (783, 790, 791) comes to the window as 795, with the
+ * control's id as item (of a menu, the chosen command), its value, and the place of the pointer in
+ * root_x and root_y; the bar's other events go nowhere. The window draws its content below. */
+
+typedef struct XwToolbarItem {
+  uint32_t word; /* an XWB_ type, XWB_ flags and the width, added. 0 ends the list */
+  XwValue data;  /* a text, an array of texts that ends with a null pointer, an XwIcon* or a colour
+                    value, as the type says. A null text is empty */
+  int32_t id;
+  XwValue menu;  /* buttons: 0, or the XwMenuItem* that a press opens below */
+} XwToolbarItem;
+enum {
+  XWB_BUTTON = 0x1000000,     /* a text */
+  XWB_EDIT_COMBO = 0x2000000, /* texts. Its box is read-only: a press on it comes with -id */
+  XWB_LIST = 0x3000000,       /* texts, of which the first shows */
+  XWB_COLOR = 0x4000000,      /* a colour value */
+  XWB_GAP = 0x5000000,        /* 5 pixels */
+  XWB_ICON = 0x6000000,       /* an icon */
+  XWB_OPTIONS = 0x7000000,    /* a narrow button, at the right of the control before it */
+  XWB_LABEL = 0x8000000,      /* a text */
+  XWB_SLIDER = 0x9000000,     /* a text, "minimum,maximum,value" */
+  XWB_EDIT = 0xA000000,       /* a text */
+  XWB_CHECK_BOX = 0xB000000,  /* a text */
+  XWB_WIDTH = 0x7FF,          /* its pixels; 0: what the texts need, where the type has any. Of a
+                                 combo box the least; of buttons, wells and icons none */
+  XWB_CLOSER = 0x40000000     /* the next one comes 3 pixels closer */
+};
+#define XWB_DISABLED 0x80000000u
+
+/* Makes the bar, or fills the one that is there with other controls, and shows it. `items` stays
+ * the program's and must live as long as the bar; null destroys it. The bar, a sub-window; null
+ * without one. */
+XwWindow* XwSetToolbar(XwWindow* window, const XwToolbarItem* items);
+/* Nothing without a bar. */
+void XwShowToolbar(XwWindow* window, int show);
+/* The control with this id gets the value 1 when `state` has bit 1, else 0 (an editable combo box
+ * none), and is enabled when `state` is not 0. */
+void XwSetToolbarItem(XwWindow* window, int32_t id, int32_t state);
+/* The control with this id; null. */
+XwWindow* XwGetToolbarItem(XwWindow* window, int32_t id);
 
 /* ==== Hit boxes =================================================================================
  *

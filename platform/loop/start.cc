@@ -23,6 +23,7 @@
 #include "platform/input/record.h"
 #include "platform/input/results.h"
 #include "platform/input/translate.h"
+#include "platform/inspect/inspect.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
 #include "platform/loop/tracking.h"
@@ -82,13 +83,18 @@ bool InitPlatform(const char* name) {
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
-  if (opened == OpenResult::kShared && HandOverStart()) HoldWindows(true);
+  const bool handed_over = opened == OpenResult::kShared && HandOverStart();
+  if (handed_over)
+    HoldWindows(true);
+  else
+    InitInspect(name);
   return true;
 }
 
 void FinishPlatform() {
   const Display* d = CurrentDisplay();
   if (!d) return;
+  FinishInspect();
   FinishTrackers();
   FinishReceive();
   FinishWindows();

@@ -172,6 +172,28 @@ TEST(Record, AResultIsTakenUpAtTheSameAskingOfAMoment) {
   remove(file.c_str());
 }
 
+// A program may never ask for what it asked for when it was recorded: the rest is played all the
+// same.
+TEST(Record, ATakeThatNobodyTakesUpEndsItsWait) {
+  setenv("XW_DISPLAY", "headless", 1);
+  headless::UseSteppedClock(1000);
+  ASSERT_TRUE(InitPlatform("record"));
+  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
+  std::ofstream(file) << "xw-record 1\n0.1 take server up\n0.2 quit\n";
+  setenv("XW_REPLAY", file.c_str(), 1);
+  ASSERT_TRUE(OpenRecord("record"));
+  unsetenv("XW_REPLAY");
+  testing::internal::CaptureStderr();
+  Event event;
+  EXPECT_FALSE(ReceiveNextEvent(15, &event));
+  EXPECT_TRUE(ReceiveNextEvent(10, &event));
+  EXPECT_EQ(event.cls, uint32_t{kEventClassAppleEvent});
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("nobody took up server"),
+            std::string::npos);
+  CloseRecord();
+  remove(file.c_str());
+}
+
 // On a real clock timers are due all the time; none fires among what was recorded together.
 TEST(Record, TimersWaitForWhatIsPlayedTogether) {
   setenv("XW_DISPLAY", "headless", 1);

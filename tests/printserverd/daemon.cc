@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 namespace testing_daemon {
@@ -238,11 +239,8 @@ bool Eventually(const std::function<bool()>& holds) {
   return false;
 }
 
-bool Becomes(int fd, const uint8_t* id, NC_JobState state) {
-  return Eventually([&] { return JobOf(fd, id).state == state; });
-}
-
 void Served::Start(const std::vector<std::string>& arguments) {
+  arguments_ = arguments;
   daemon.Start(arguments);
   fd = daemon.Connect();
 }
@@ -257,6 +255,54 @@ int Served::Stop(int signal) {
   if (fd >= 0) NC_Disconnect(fd);
   fd = -1;
   return code;
+}
+
+void Served::Restart() {
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  Start(std::vector<std::string>(arguments_));
+}
+
+int Served::New(const std::string& name, const std::string& ticket, const std::string& document) {
+  return Send(fd, ticket.empty() ? "" : ticket + "\n", document, ids[name].data());
+}
+
+int Served::Tell(const std::string& name, const std::string& ticket) {
+  return Change(fd, ids.count(name) ? ids[name].data() : PrinterOf(fd, name).id, ticket + "\n");
+}
+
+int Served::Remove(const std::string& name) {
+  return NC_RemovePrintRequest(fd, ids[name].data());
+}
+
+std::string Served::See(const std::string& name, const std::string& keys) {
+  std::vector<char> list(NC_QUEUE_MAX);
+  uint8_t status = 0;
+  const bool job = ids.count(name) > 0;
+  const int32_t size = job ? NC_GetPrintQueueN(fd, list.data(), NC_QUEUE_MAX)
+                           : NC_GetPrinterListN(fd, &status, list.data(), NC_LIST_MAX);
+  const std::string text = "\n" + std::string(list.data(), static_cast<size_t>(std::max(size, 0)));
+  const size_t at = text.find(job ? "\nid=" + IdText(ids[name].data()) : "\nname=" + name + "\n");
+  if (at == std::string::npos) return "none";
+  const size_t begin = text.rfind("\n\n", at);
+  const std::string record = text.substr(begin == std::string::npos ? 0 : begin + 1);
+  std::istringstream words(keys);
+  std::string values;
+  for (std::string key; words >> key;) {
+    const size_t line = record.substr(0, record.find("\n\n") + 1).find("\n" + key + "=");
+    const size_t value = line + key.size() + 2;
+    values +=
+        line == std::string::npos ? "-" : record.substr(value, record.find('\n', value) - value);
+    values += ' ';
+  }
+  return values.substr(0, values.size() - 1);
+}
+
+bool Served::Becomes(const std::string& name, const std::string& keys, const std::string& values) {
+  return Eventually([&] { return See(name, keys) == values; });
+}
+
+std::string Served::DocumentOf(const std::string& name) {
+  return daemon.Path("jobs/" + IdText(ids[name].data()) + ".doc");
 }
 
 }  // namespace testing_daemon

@@ -161,11 +161,9 @@ TEST_F(Hostile, TheDiskIsFull) {
   Start({"--rate", "0"});
   setrlimit(RLIMIT_FSIZE, &before);
   signal(SIGXFSZ, SIG_DFL);
-  uint8_t id[16];
-  EXPECT_EQ(Send(fd, "", std::string(500000, 'x'), id), NC_STATUS_STORAGE);
+  EXPECT_EQ(New("large", "", std::string(500000, 'x')), NC_STATUS_STORAGE);
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).empty(); }));
-  EXPECT_EQ(Send(fd, "", std::string(150000, 'x'), id), NC_STATUS_DONE);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_TRUE(New("a", "", std::string(150000, 'x')) == 1 && IsDone("a"));
 }
 
 TEST_F(Hostile, MoreConnectionsThanItTakes) {
@@ -191,9 +189,8 @@ TEST_F(Hostile, MoreConnectionsThanItTakes) {
 
 TEST_F(Hostile, ClientsThatDoNotRead) {
   Start();
-  uint8_t id[16];
-  const std::string ticket = "hold=1\ndocument=" + std::string(250, 'n') + "\n";
-  for (int i = 0; i < 300; ++i) ASSERT_EQ(Send(fd, ticket, "", id), 1);
+  const std::string ticket = "hold=1\ndocument=" + std::string(250, 'n');
+  for (int i = 0; i < 300; ++i) ASSERT_EQ(New("a", ticket, ""), 1);
   std::vector<int> deaf;
   for (int i = 0; i < 50; ++i) {
     const int one = daemon.ConnectRaw();
@@ -233,10 +230,10 @@ TEST_F(Faults, EachIsSeen) {
   }
 
   Start({"--simulate", "paper-out", "--rate", "0"});
-  EXPECT_EQ(Send(fd, "", "x", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(New("a", ""), 1);
+  EXPECT_TRUE(Becomes("a", "state", "paper-out"));
+  EXPECT_EQ(Tell("a", "hold=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
 }
 
 }  // namespace

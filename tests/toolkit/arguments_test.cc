@@ -344,6 +344,55 @@ void Outlines() {
   }
 }
 
+// Lists of toolbar items with any words; texts where the type wants some.
+void Toolbars() {
+  static const char* const texts[] = {"a", "", "9,1,99999999999999999999", nullptr};
+  XwWindow* const windows[] = {props.other, props.main, props.sub, nullptr};
+  for (int i = 0; i < 60; ++i) {
+    static XwToolbarItem items[9];
+    for (XwToolbarItem& item : items) {
+      const auto type = uint32_t(rng() % 16);
+      item = {type << 24 | uint32_t(rng() & 0xC00007FF), 0, int32_t(rng() % 5), 0};
+      if (type == 2 || type == 3)
+        item.data = reinterpret_cast<XwValue>(texts);
+      else if (type == 6)
+        item.data = reinterpret_cast<XwValue>(rng() % 2 ? IC_ARROWS : nullptr);
+      else if (type == 4)
+        item.data = XwValue(rng());
+      else
+        item.data = reinterpret_cast<XwValue>(texts[rng() % 4]);
+    }
+    items[rng() % 9].word = 0;
+    XwWindow* w = windows[rng() % 4];
+    XwSetToolbar(w, rng() % 5 ? items : nullptr);
+    XwSetToolbarItem(w, int32_t(rng() % 6), int32_t(rng()));
+    XwShowToolbar(w, int(rng() % 2));
+    XwGetToolbarItem(w, int32_t(rng() % 6));
+    RunLoop();
+    Repair();
+  }
+}
+
+// Escape answers each.
+void Alerts() {
+  input::SetIdleHandler([] {
+    input::KeyDown(0xFF1B);
+    input::KeyUp(0xFF1B);
+    return true;
+  });
+  for (int i = 0; i < 40; ++i) {
+    Inp.root_x = Hostile<int32_t>();
+    Inp.root_y = Hostile<int32_t>();
+    auto ask = rng() % 2 ? XwConfirm : XwConfirmUtf8;
+    const char* first = Hostile<const char*>();
+    EXPECT_EQ(ask(Hostile<const char*>(), Hostile<const char*>(), Hostile<const char*>(),
+                  first ? first : "", Hostile<const char*>(), nullptr),
+              1);
+    Repair();
+  }
+  Quiet();
+}
+
 void Posts() {
   const char* const texts[] = {nullptr, "", "state", "two words\n", "\xFF\x01", " "};
   static int posted, ended;
@@ -431,6 +480,13 @@ const struct {
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
+    {"XwConfirm", Alerts},
+    {"XwConfirmUtf8", Nothing},
+    {"GetApplicationBundleFSSpec", Nothing},
+    {"XwSetToolbar", Toolbars},  // and all others of toolbars
+    {"XwShowToolbar", Nothing},
+    {"XwSetToolbarItem", Nothing},
+    {"XwGetToolbarItem", Nothing},
     {"XwSetMenu", Menus},  // and all others of menus
     {"XwPopupMenu", Nothing},
     {"XwPopupList", Nothing},

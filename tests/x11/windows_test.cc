@@ -265,7 +265,7 @@ TEST_F(X11Test, OpenWindowsTakeANewScale) {
   Settle();
   const xcb_window_t id = user().Find("Scaled");
   const size_t drawn = Count(kEventClassWindow, kEventWindowDrawContent);
-  for (int dpi : {192, 144, 96}) {
+  for (int dpi : {192, 144, 120, 96}) {
     SCOPED_TRACE(dpi);
     daemon.Publish(dpi);
     EXPECT_TRUE(RunUntil([&] { return w->surface.scale == dpi / 96.0; }));
@@ -279,11 +279,12 @@ TEST_F(X11Test, OpenWindowsTakeANewScale) {
     EXPECT_NEAR(at.y, 100, 1);
     EXPECT_EQ(user().Look().at(at.x + at.width - 1, at.y + at.height - 1), 0x3366CCu);
     EXPECT_EQ(user().Words(id, "WM_NORMAL_HINTS")[kMinWidth], 100u * unsigned(dpi) / 96);
-    // The pointer is where it is seen.
-    user().Move(at.x + 50 * dpi / 96, at.y + 74 * dpi / 96);
+    // The pointer is where it is seen: at 125 % pixel 49 begins at 61.25 and is drawn from 61.
+    const int x = DeviceEdge(49, dpi / 96.0), y = DeviceEdge(24 + 50, dpi / 96.0);
+    user().Move(at.x + x, at.y + y);
     EXPECT_TRUE(RunUntil([&] {
       const Event* e = Last(kEventClassMouse, kEventMouseMoved);
-      return e != nullptr && e->mouse.where.x == w->content.left + 50 &&
+      return e != nullptr && e->mouse.where.x == w->content.left + 49 &&
              e->mouse.where.y == w->content.top + 50;
     }));
   }
