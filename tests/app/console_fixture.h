@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "app/console.h"
+#include "app/window/console.h"
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
 #include "tests/os/scratch.h"

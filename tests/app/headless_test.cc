@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "app/texts.h"
+#include "app/format/texts.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
 
