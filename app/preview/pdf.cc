@@ -92,13 +92,13 @@ void ShowPdf() {
   Report& report = TheReport();
   report.facts.kind = DocumentKind::kPdf;
   const Page page = ReadFacts();
-  const double scale =
-      std::min(report.room_width() / page.width, report.room_height() / page.height);
-  const auto pixels = [scale](double points) {
-    return std::to_string(std::max(1L, std::lround(points * scale)));
-  };
-  Output drawn = Begin({"pdftoppm", "-q", "-f", "1", "-l", "1", "-cropbox", "-scale-to-x",
-                        pixels(page.width), "-scale-to-y", pixels(page.height), kInput});
+  // The drawn size is rounded up.
+  const double scale = std::min((report.room_width() - 0.5) / page.width,
+                                (report.room_height() - 0.5) / page.height);
+  char dots_an_inch[32];
+  snprintf(dots_an_inch, sizeof dots_an_inch, "%.6f", scale * 72);
+  Output drawn =
+      Begin({"pdftoppm", "-q", "-f", "1", "-l", "1", "-cropbox", "-r", dots_an_inch, kInput});
   ReadPixels(drawn.stream);
   drawn.child.Wait();
   report.Finish(PreviewTrouble::kNone);

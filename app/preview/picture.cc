@@ -33,20 +33,23 @@ void Scaler::Begin(int width, int height, int new_width, int new_height) {
   pixels_.assign(size_t(new_width) * size_t(new_height) * 4, kMissing);
 }
 
-// A pixel is `new_width_` wide where a new one is `width_` wide: it lies in one or two of them.
+// A pixel is `new_width_` wide where a new one is `width_` wide: the new one takes a part of the
+// first pixel that it meets, whole ones, and a part of the last.
 void Scaler::Narrow(const uint8_t* rgb) {
-  std::fill(line_.begin(), line_.end(), 0);
-  uint32_t* to = line_.data();
-  int room = width_;
-  for (int x = 0; x < width_; ++x, rgb += 3) {
-    const int here = std::min(room, new_width_), rest = new_width_ - here;
-    for (int i = 0; i < 3; ++i) to[i] += uint32_t(rgb[i]) * uint32_t(here);
-    room -= here;
-    if (room > 0) continue;
-    to += 3;
-    room = width_ - rest;
-    if (rest > 0)
-      for (int i = 0; i < 3; ++i) to[i] += uint32_t(rgb[i]) * uint32_t(rest);
+  const auto unit = uint32_t(new_width_);
+  uint32_t left = unit;  // of the pixel at `rgb`
+  for (uint32_t* to = line_.data(); to < line_.data() + line_.size(); to += 3) {
+    auto room = uint32_t(width_);
+    uint32_t sums[3] = {rgb[0] * left, rgb[1] * left, rgb[2] * left};
+    room -= left;
+    rgb += 3;
+    uint32_t whole[3] = {};
+    for (uint32_t n = room / unit; n > 0; --n, rgb += 3)
+      for (int i = 0; i < 3; ++i) whole[i] += rgb[i];
+    const uint32_t part = room % unit;
+    for (int i = 0; i < 3; ++i) to[i] = sums[i] + whole[i] * unit + (part ? rgb[i] * part : 0);
+    // A pixel that ends with the new one is done.
+    left = part ? unit - part : unit;
   }
 }
 

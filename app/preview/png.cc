@@ -34,22 +34,29 @@ void ReadFacts(png_structp png, png_infop info) {
   facts.height_mm = 1000.0 * facts.original_height / y;
 }
 
-void ReadRows(png_structp png, int width, int height) {
-  std::vector<uint8_t> row(size_t(width) * 4);
-  for (int y = 0; y < height; ++y) {
+void AddRow(const uint8_t* row, int width) {
+  if (TheReport().facts.transparent)
+    TheReport().AddRowOverWhite(row, width);
+  else
+    TheReport().AddRow(row);
+}
+
+void ReadRows(png_structp png, int width, size_t row_size) {
+  std::vector<uint8_t> row(row_size);
+  for (int y = 0; y < TheReport().facts.original_height; ++y) {
     png_read_row(png, row.data(), nullptr);
-    TheReport().AddRowOverWhite(row.data(), width);
+    AddRow(row.data(), width);
   }
 }
 
-void ReadInterlaced(png_structp png, int width, int height) {
-  const int64_t size = int64_t(width) * height * 4;
-  if (size > kMostInterlaced) TheReport().Finish(PreviewTrouble::kTooLarge);
-  std::vector<uint8_t> all(size_t(size), 0xFF);
+void ReadInterlaced(png_structp png, int width, size_t row_size) {
+  const size_t height = size_t(TheReport().facts.original_height);
+  if (int64_t(row_size * height) > kMostInterlaced) TheReport().Finish(PreviewTrouble::kTooLarge);
+  std::vector<uint8_t> all(row_size * height, 0xFF);
   std::vector<png_bytep> rows;
-  for (int y = 0; y < height; ++y) rows.push_back(&all[size_t(y) * size_t(width) * 4]);
+  for (size_t y = 0; y < height; ++y) rows.push_back(&all[y * row_size]);
   png_read_image(png, rows.data());
-  for (const png_bytep row : rows) TheReport().AddRowOverWhite(row, width);
+  for (const png_bytep row : rows) AddRow(row, width);
 }
 
 }  // namespace
@@ -70,14 +77,16 @@ void ShowPng() {
   png_set_expand(png);
   png_set_scale_16(png);
   png_set_gray_to_rgb(png);
-  png_set_add_alpha(png, 0xFF, PNG_FILLER_AFTER);
+  if (report.facts.transparent) png_set_add_alpha(png, 0xFF, PNG_FILLER_AFTER);
   if (interlaced) png_set_interlace_handling(png);
   png_read_update_info(png, info);
+  const size_t row_size = size_t(width) * (report.facts.transparent ? 4 : 3);
+  if (png_get_rowbytes(png, info) != row_size) report.Finish(PreviewTrouble::kFailed);
   report.BeginPicture(width, height, 1);
   if (interlaced)
-    ReadInterlaced(png, width, height);
+    ReadInterlaced(png, width, row_size);
   else
-    ReadRows(png, width, height);
+    ReadRows(png, width, row_size);
   report.Finish(PreviewTrouble::kNone);
 }
 

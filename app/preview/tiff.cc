@@ -110,6 +110,30 @@ void ReadRows(TIFFRGBAImage* image, uint32_t band) {
   }
 }
 
+// Inks of 16 bits, which the library does not turn into colours.
+[[noreturn]] void ShowDeepInks(TIFF* tiff, int width, int height, int orientation) {
+  Report& report = TheReport();
+  const size_t samples = size_t(Number(tiff, TIFFTAG_SAMPLESPERPIXEL, 1));
+  const auto size = size_t(TIFFScanlineSize(tiff));
+  if (TIFFIsTiled(tiff) || samples < 4 || size < size_t(width) * samples * 2 ||
+      Number(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != PLANARCONFIG_CONTIG)
+    report.Finish(PreviewTrouble::kNoPreview);
+  report.BeginPicture(width, height, orientation);
+  std::vector<uint16_t> row(size / 2 + 1);
+  std::vector<uint8_t> rgb(size_t(width) * 3);
+  for (int y = 0; y < height; ++y) {
+    if (TIFFReadScanline(tiff, row.data(), uint32_t(y), 0) < 0) report.damaged = true;
+    for (size_t x = 0; x < size_t(width); ++x) {
+      const uint16_t* inks = &row[x * samples];
+      const unsigned light = 255u - (inks[3] >> 8);
+      for (size_t i = 0; i < 3; ++i)
+        rgb[x * 3 + i] = uint8_t((255u - (inks[i] >> 8)) * light / 255);
+    }
+    report.AddRow(rgb.data());
+  }
+  report.Finish(PreviewTrouble::kNone);
+}
+
 }  // namespace
 
 void ShowTiff() {
@@ -126,9 +150,11 @@ void ShowTiff() {
   CheckSize(width, height);
   const int orientation = Number(tiff, TIFFTAG_ORIENTATION, 1);
   ReadFacts(tiff, width, height, orientation);
+  decoding = true;
+  if (report.facts.colours == Colours::kCmyk && Number(tiff, TIFFTAG_BITSPERSAMPLE, 1) == 16)
+    ShowDeepInks(tiff, int(width), int(height), orientation);
   char message[1024];
   TIFFRGBAImage image;
-  decoding = true;
   if (!TIFFRGBAImageOK(tiff, message) || !TIFFRGBAImageBegin(&image, tiff, 0, message))
     report.Finish(PreviewTrouble::kNoPreview);
   report.facts.transparent = image.alpha != 0;
