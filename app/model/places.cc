@@ -2,8 +2,6 @@
 
 #include <string_view>
 
-#include "app/model/folder.h"
-
 namespace console {
 namespace {
 
@@ -81,9 +79,9 @@ bool Places::Select(const std::string& path) {
   selected_ = Plain(path);
   bool needs_reading = false;
   if (LiesIn(selected_, root_)) {
-    for (std::string above = ParentPath(selected_); above != root_ && LiesIn(above, root_);
-         above = ParentPath(above))
-      needs_reading |= open_.insert(above).second;
+    const size_t below = root_ == "/" ? 1 : root_.size() + 1;
+    for (size_t end = below; (end = selected_.find('/', end)) != std::string::npos; ++end)
+      needs_reading |= open_.insert(selected_.substr(0, end)).second;
   }
   Mark();
   return needs_reading;

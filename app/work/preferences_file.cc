@@ -10,20 +10,13 @@
 #include <mutex>
 #include <optional>
 
+#include "app/work/user_folders.h"
 #include "os/final_path.h"
 
 namespace console {
 namespace {
 
 constexpr size_t kMostBytes = 256 * 1024;
-
-// Makes the folder, and those above it that are missing, for this user alone.
-bool MakeFolder(const std::string& path) {
-  if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return true;
-  const size_t slash = path.rfind('/');
-  if (errno != ENOENT || slash == 0 || slash == std::string::npos) return false;
-  return MakeFolder(path.substr(0, slash)) && (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST);
-}
 
 bool ReadWhole(const std::string& path, std::string* text) {
   // Not waiting: a pipe would wait for its writer.
@@ -46,11 +39,8 @@ bool ReadWhole(const std::string& path, std::string* text) {
 }  // namespace
 
 std::string PreferencesPath() {
-  const char* own = getenv("XDG_CONFIG_HOME");
-  const char* home = getenv("HOME");
-  if (own && own[0] == '/') return std::string(own) + "/quorvik/console.conf";
-  if (home && home[0] == '/') return std::string(home) + "/.config/quorvik/console.conf";
-  return "";
+  const std::string folder = UserFolder("XDG_CONFIG_HOME", "/.config");
+  return folder.empty() ? "" : folder + "/quorvik/console.conf";
 }
 
 Preferences LoadPreferences(const std::string& path) {
@@ -65,7 +55,7 @@ bool StorePreferences(const std::string& path, const Preferences& preferences) {
     errno = EINVAL;
     return false;
   }
-  if (!MakeFolder(path.substr(0, slash))) return false;
+  if (!MakeUserFolder(path.substr(0, slash))) return false;
   // Made exclusively, with mode 0600, beside the file whose place it takes.
   std::string other = path + ".XXXXXX";
   os::Handle file(mkostemp(other.data(), O_CLOEXEC));

@@ -22,8 +22,6 @@ namespace {
 
 // Who walks through a list by the keys starts no process for each name.
 constexpr int kSettleMs = 60;
-// A little more than the process gives itself.
-constexpr int kPatienceMs = 11000;
 constexpr size_t kMostLine = 400;
 constexpr size_t kTab = 8;
 constexpr int kMostPages = 1000000;
@@ -53,7 +51,7 @@ enum class Ending { kEnded, kStopped, kTooLong, kTooMuch };
 
 // Until the writer has closed its end.
 Ending ReadToEnd(int from, int stop, size_t most, std::string* bytes) {
-  const auto end = Clock::now() + std::chrono::milliseconds(kPatienceMs);
+  const auto end = Clock::now() + std::chrono::milliseconds(PreviewMaker::patience_ms);
   std::vector<char> piece(1 << 16);
   for (;;) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
@@ -132,6 +130,7 @@ std::string Rounded(double mm) {
 }  // namespace
 
 std::string PreviewMaker::program;
+int PreviewMaker::patience_ms = 11000;
 
 // What the thread and the asker share.
 struct PreviewMaker::Job {

@@ -63,6 +63,8 @@ class PreviewMaker {
 
   // The path of quorvik-preview; "": it is looked for. Tests name another one.
   static std::string program;
+  // How long a process may take; a little more than it gives itself.
+  static int patience_ms;
 
  private:
   struct Job;
