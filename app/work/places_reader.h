@@ -12,7 +12,7 @@ class PlacesReader {
   using Read = void (*)(PlacesListing*);
   static Read read;
 
-  // What was asked for before is dropped, and its tree destroyed by whoever has it last.
+  // What was asked for before is dropped; its tree is destroyed when it has been read.
   void Ask(PlacesRequest request);
   void Drop();
   // What is being waited for; null when nothing is.
