@@ -96,7 +96,7 @@ typedef enum NC_PrinterState {
 typedef struct NC_Printer {
   NC_PrinterState state;
   int32_t is_default;  // 0, 1
-  int32_t jobs;        // that wait for it or are at it
+  int32_t jobs;        // that have not ended: they wait, are held, or are at it
   int32_t paper;       // sheets left, -1: does not run out
   int32_t paused;      // 0, 1: begins no job
   int32_t accepting;   // 0, 1: takes new jobs

@@ -58,8 +58,9 @@ Others:
 HOST is a name or an IPv4 address, perhaps with :PORT ($QUORVIK_SERVER, else localhost). A JOB is
 its number, or its id, of which the beginning is enough: 8 digits, with a letter among them or 10 in
 all. A value may also follow its option after "="; after "--" nothing is an option; -h is --help.
-Characters that a terminal obeys are shown as "?"; --json keeps them. Connecting may take 10 s; 30 s
-without an answer or any progress are a failed connection.
+A character that a terminal obeys is shown by its number, as \u{001B}, a byte that is not UTF-8 as
+\xFF; --json keeps such characters. Connecting may take 10 s; 30 s without an answer or any progress
+are a failed connection.
 
 Exit codes:
   0  done; with --wait: printed

@@ -34,8 +34,8 @@
  *   Scale      Coordinates do not change with the screen's scale, and a program need not know it:
  *              one logical pixel is one to eight device pixels, text and lines are sharp at each.
  *              When a window comes to a screen of another scale, its content is drawn again (769).
- *   Threads    Everything runs on the main thread. Worker threads hand their results over through
- *              memory of the program's own and a timer that picks them up.
+ *   Threads    Everything runs on the main thread, but XwPost: by it the program's other threads
+ *              hand their results over.
  *   Memory     Windows belong to the tree and are freed by XwDestroy; no pointer to a destroyed
  *              window stays anywhere in the toolkit. Strings that are returned live in static
  *              buffers: the next call of the same function overwrites them.
@@ -203,6 +203,22 @@ int XwCheckPointer(int x, int y, int w, int h);
 /* 0 up, 1 down, 2 repeating; `key` is a key's type. 0 outside 0..531. */
 uint8_t XwGetKeyState(int key);
 void XwBeep(void);
+/* Hands the result of a background task to the main thread; on any thread, and before the session
+ * too. XwWaitEvent(null) wakes and calls take(data, 1) between two events, once those that have
+ * come before are handled; never inside a wait for one window or for raw events, an alert or a
+ * menu, nor in XwGetEvent. `data` is then the program's again.
+ *
+ * `kind` is one word. Of each kind one result waits at most: a newer one takes its place, and the
+ * older one ends with take(data, 0) on the thread that posts the newer. What still waits when the
+ * session ends, and what is posted after that or without a kind, ends so too. Null `take`: nothing
+ * is done.
+ *
+ * Record and replay: a recording notes where each result was taken, and a replay takes it at the
+ * same place, however long it is in coming. `detail`, one line, tells this result from others of
+ * its kind, so that the replay waits for the same; null or "": any will do. A recorded one that
+ * has passed by unseen in the replay is left out: one that comes later in the recording is there
+ * instead, or the state before it holds still when it has taken longer than it did. */
+void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data);
 /* Record and replay. XW_RECORD=file keeps a session's raw input as lines of text, XW_REPLAY=file
  * plays it back, without the user. What comes from elsewhere, such as a worker's result, is not in
  * the file; so that it is taken up at the same place again, a program asks here each time it looks
@@ -604,6 +620,50 @@ char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
  * does not count). 794 comes after the key's own event. Type 0 takes the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
 
+/* ==== Toolbar ===================================================================================
+ *
+ * A bar across the top of a window, 40 pixels high, filled from left to right with the controls of
+ * a list. What the user does with one (783, 790, 791) comes to the window as 795, with the
+ * control's id as item (of a menu, the chosen command), its value, and the place of the pointer in
+ * root_x and root_y; the bar's other events go nowhere. The window draws its content below. */
+
+typedef struct XwToolbarItem {
+  uint32_t word; /* an XWT_ type, XWT_ flags and the width, added. 0 ends the list */
+  XwValue data;  /* a text, an array of texts that ends with a null pointer, an XwIcon* or a colour
+                    value, as the type says. A null text is empty */
+  int32_t id;
+  XwValue menu;  /* buttons: 0, or the XwMenuItem* that a press opens below */
+} XwToolbarItem;
+enum {
+  XWT_BUTTON = 0x1000000,     /* a text */
+  XWT_EDIT_COMBO = 0x2000000, /* texts. Its box is read-only: a press on it comes with -id */
+  XWT_LIST = 0x3000000,       /* texts, of which the first shows */
+  XWT_COLOR = 0x4000000,      /* a colour value */
+  XWT_GAP = 0x5000000,        /* 5 pixels */
+  XWT_ICON = 0x6000000,       /* an icon */
+  XWT_OPTIONS = 0x7000000,    /* a narrow button, at the right of the control before it */
+  XWT_LABEL = 0x8000000,      /* a text */
+  XWT_SLIDER = 0x9000000,     /* a text, "minimum,maximum,value" */
+  XWT_EDIT = 0xA000000,       /* a text */
+  XWT_CHECK_BOX = 0xB000000,  /* a text */
+  XWT_WIDTH = 0x7FF,          /* its pixels; 0: what the texts need, where the type has any. Of a
+                                 combo box the least; of buttons, wells and icons none */
+  XWT_CLOSER = 0x40000000     /* the next one comes 3 pixels closer */
+};
+#define XWT_DISABLED 0x80000000u
+
+/* Makes the bar, or fills the one that is there with other controls, and shows it. `items` stays
+ * the program's and must live as long as the bar; null destroys it. The bar, a sub-window; null
+ * without one. */
+XwWindow* XwSetToolbar(XwWindow* window, const XwToolbarItem* items);
+/* Nothing without a bar. */
+void XwShowToolbar(XwWindow* window, int show);
+/* The control with this id gets the value 1 when `state` has bit 1, else 0 (an editable combo box
+ * none), and is enabled when `state` is not 0. */
+void XwSetToolbarItem(XwWindow* window, int32_t id, int32_t state);
+/* The control with this id; null. */
+XwWindow* XwGetToolbarItem(XwWindow* window, int32_t id);
+
 /* ==== Hit boxes =================================================================================
  *
  * A window that draws its own content registers a rectangle for each thing that can be hit, while
@@ -614,6 +674,31 @@ void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifier
  * id 0 hides what lies under it and is never hit. The item of an event is the position in the list,
  * from 1. */
 void XwBoxList(int op, int x, int y, int width, int height);
+/* The id of a box in the window's present list by its position; 0 when there is none. */
+int XwBoxId(XwWindow* window, int position);
+
+/* What a drawn thing is, for those who cannot look at it: tests, inspectors, assistive technology.
+ * Controls describe themselves. */
+enum {
+  XWA_PANE = 1, XWA_BUTTON = 2, XWA_MENU_BUTTON = 3, XWA_CHECK_BOX = 4, XWA_RADIO_BUTTON = 5,
+  XWA_COLOR_WELL = 6, XWA_COLUMN_HEADER = 7, XWA_SLIDER = 8, XWA_SCROLL_BAR = 9, XWA_LABEL = 10,
+  XWA_LIST = 15, XWA_ROW = 16, XWA_POP_UP_BUTTON = 17, XWA_TEXT_FIELD = 18, XWA_TABLE = 19,
+  XWA_CELL = 20, XWA_GROUP = 21, XWA_PICTURE = 22, XWA_STATUS = 23, XWA_PROGRESS = 24,
+  XW_A_ROLES = 25
+};
+/* Bits of its state. Whether it shows is known from its rectangle. */
+enum {
+  XWT_DISABLED = 1, XWT_FOCUSABLE = 4, XWT_FOCUSED = 8, XWT_CHECKED = 16,
+  XWT_MIXED = 32 /* neither on nor off */, XWT_PRESSED = 64, XWT_DEFAULT = 128, XWT_HAS_MENU = 512,
+  XWT_SELECTED = 1024, XWT_READ_ONLY = 2048, XWT_EXPANDED = 4096 /* what is in it shows */
+};
+/* Says what the box at `position` of XW's list is (-1: the one added last), at best right behind
+ * it; position 0 is XW itself, of which a top-level window stays one, with its title where `name`
+ * is null or "". Names and values are UTF-8, copied; null is "". The same role and name at the same
+ * position of the next list is the same thing. Does nothing while nobody reads descriptions; when
+ * somebody begins to, all windows are asked to redraw. A position without a box, a role that is
+ * none and a control as XW are ignored. */
+void XwDescribe(int position, int role, uint32_t state, const char* name, const char* value);
 
 /* ==== Drawing ===================================================================================
  *
@@ -783,6 +868,22 @@ int32_t XwThemeColor(int role);
  * -1 for either: not that. The radius is cut to half of the shorter side. */
 void XwRoundBox(int x, int y, int w, int h, int radius, int32_t fill, int32_t line);
 
+/* ---- Smooth paths: lines and curves with fractional coordinates, anti-aliased at the device's own
+ * pixels whatever the scale, cut by the clip. A part's (x, y) is its end, the others are control
+ * points of curves. A part that follows none or a close begins at its end. Each call rasterises. */
+enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
+typedef struct XwPathPart {
+  uint8_t verb;
+  float x, y, x1, y1, x2, y2;
+} XwPathPart;
+/* Closed and filled, inside and outside alternating where parts cross or lie in each other. The
+ * current colour stays. Markers, null, a count outside 1 to 10000, a verb that is none and a number
+ * that is not finite or beyond 16384 paint nothing. */
+void XwFillPath(const XwPathPart* parts, int count, int32_t colour);
+/* A line of `width` logical pixels along it, with round ends and joins; a width that is not above 0
+ * paints nothing. */
+void XwStrokePath(const XwPathPart* parts, int count, float width, int32_t colour);
+
 /* ---- Icons: small pictures of one bit a pixel, drawn in any pair of colours. */
 struct XwIcon {
   int32_t width, height; /* 1 to 32767; others draw nothing */
@@ -797,17 +898,10 @@ extern XwIcon IC_OPT_MENU[1];                                       /* 7 x 16 */
 extern XwIcon IC_CHECKBOX[1];                                       /* 16 x 16 */
 extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 */
 
-/* A part of an outline: (x, y) is its end, the others are control points of curves. In the pixels
- * of the icon, y down. */
-enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
-typedef struct XwPathPart {
-  uint8_t verb;
-  float x, y, x1, y1, x2, y2;
-} XwPathPart;
-/* Gives an icon an outline, filled even-odd, in place of its bits where buttons show it: it is
- * sharp at every scale. Copied. A part that follows none or a close begins at its end. Null or a
- * count below 1 takes the outline away; more than 4096 parts, a verb that is none and a number that
- * is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
+/* Gives an icon an outline, in pixels of the icon, filled as by XwFillPath, in place of its bits
+ * where buttons show it: it is sharp at every scale. Copied. Null or a count below 1 takes the
+ * outline away; more than 4096 parts, and what XwFillPath refuses, change nothing. The toolkit's
+ * own icons have one. */
 void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count);
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);

@@ -15,6 +15,7 @@ bool tree_is_heard = false;
 
 void SetTreeSource(const TreeSource* source) {
   state.source = source;
+  if (source && tree_is_heard) source->heard(true);
 }
 
 std::vector<DescribedNode> DescribeTree() {
@@ -27,16 +28,23 @@ bool ActOn(uint64_t serial, uint32_t action) {
   return state.source && state.source->act(serial, action);
 }
 
+static void Hear() {
+  const bool heard = !state.listeners.empty();
+  if (heard == tree_is_heard) return;
+  tree_is_heard = heard;
+  if (state.source) state.source->heard(heard);
+}
+
 void AddTreeListener(TreeListener* listener) {
   if (!listener) return;
-  RemoveTreeListener(listener);
+  std::erase(state.listeners, listener);
   state.listeners.push_back(listener);
-  tree_is_heard = true;
+  Hear();
 }
 
 void RemoveTreeListener(TreeListener* listener) {
   std::erase(state.listeners, listener);
-  tree_is_heard = !state.listeners.empty();
+  Hear();
 }
 
 void TellListeners(uint64_t serial, Change what) {

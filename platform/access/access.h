@@ -20,6 +20,8 @@ struct TreeSource {
   void (*describe)(std::vector<DescribedNode>* roots);
   // Does what the bit of ObjectAction says; false when there is no such node, or it cannot.
   bool (*act)(uint64_t serial, uint32_t action);
+  // The first listener has come, or the last has gone.
+  void (*heard)(bool is_heard);
 };
 // Null: none.
 void SetTreeSource(const TreeSource* source);

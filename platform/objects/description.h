@@ -27,6 +27,13 @@ enum class ObjectRole : uint8_t {
   kRow,  // of a list
   kPopUpButton,
   kTextField,
+  kTable,
+  kCell,
+  kGroup,
+  kPicture,
+  kStatus,  // a line that tells how things are
+  kProgress,
+  kCount
 };
 
 enum ObjectState : uint32_t {
@@ -42,6 +49,7 @@ enum ObjectState : uint32_t {
   kHasMenu = 512,   // opens one
   kIsSelected = 1024,
   kIsReadOnly = 2048,  // a text that cannot be changed
+  kIsExpanded = 4096,  // what is in it shows
 };
 
 // What can be done to it; bits.

@@ -60,7 +60,7 @@ void FinishThemeText() {
 int ThemeTextWidth(const std::string& text, bool bold) {
   const ThemeTextFont& font = FontOf(bold ? kBold : kPlain);
   if (!font.font) return 0;
-  TextLine line;
+  static TextLine line;  // keeps its memory
   LayOutText(font.font, text, &line);
   return GetTextScale(font.font).Pixels(line.width()) + 1;
 }

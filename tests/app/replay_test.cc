@@ -9,7 +9,7 @@
 #include <functional>
 #include <sstream>
 
-#include "app/console.h"
+#include "app/window/console.h"
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
 #include "tests/app/scripted_server.h"

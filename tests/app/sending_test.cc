@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "app/document.h"
+#include "app/server/document.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/gate.h"
 #include "tests/app/scripted_server.h"

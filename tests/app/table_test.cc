@@ -1,5 +1,5 @@
 // The table by itself: columns, selection, scrolling, hits, and what is drawn where.
-#include "app/table.h"
+#include "app/table/table.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "app/texts.h"
+#include "app/format/texts.h"
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
 

@@ -138,6 +138,7 @@ key Delete
 wait 700
 click 60 22 1; click 60 22 1   # a word
 key x
+wait 700
 down
 move 200 30
 up

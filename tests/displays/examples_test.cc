@@ -27,6 +27,7 @@ struct Example {
   const char* name;
   const char* title;
   std::vector<State> states = {};
+  const char* argument = nullptr;
 };
 const Example kExamples[] = {
     {"01-hello", "Hello"},
@@ -59,6 +60,12 @@ const Example kExamples[] = {
      {{"keyboard", "key 65289 key 51 key 65289 key 65363 key 65289 key 65364"},
       {"changed", "click 150 30 key 65364 key 65293 click 270 235 click 150 200 press 360 277"},
       {"inactive", "unfocus"}}},
+    {"08-toolbar",
+     "Toolbar",
+     {{"keyboard", "key 65289 key 65289 key 32"},
+      {"changed", "click 210 20 key 65364 key 65293 click 470 20 click 566 20 press 84 20"},
+      {"inactive", "unfocus"}}},
+    {"10-clock", "Clock", {}, "10:08:36"},
 };
 
 void PrintTo(const Example& e, std::ostream* out) {
@@ -103,11 +110,11 @@ void WriteRecording(const char* steps, const std::string& file) {
 // A running example, ended as a session ends it.
 class Program {
  public:
-  explicit Program(const std::string& name) {
+  explicit Program(const Example& example) {
     pid_ = fork();
     if (pid_ != 0) return;
-    std::string path = std::string(EXAMPLES) + "/" + name;
-    execl(path.c_str(), name.c_str(), nullptr);
+    std::string path = std::string(EXAMPLES) + "/" + example.name;
+    execl(path.c_str(), example.name, example.argument, nullptr);
     _exit(127);
   }
   ~Program() {
@@ -136,7 +143,7 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   setenv("XW_DISPLAY", "headless", 1);
   setenv("XW_SNAPSHOT", file.c_str(), 1);
   setenv("XW_SCALE", scale, 1);
-  Program program(example.name);
+  Program program(example);
   Picture picture;
   const bool ends_by_itself = getenv("XW_REPLAY");
   if (!ends_by_itself) support::Eventually([&] { return testkit::LoadPng(file, &picture); });
@@ -153,7 +160,7 @@ Picture OnX(const Example& example, const Picture& wanted) {
   support::XServer server({"-screen", "0", "1280x1024x24"});
   EXPECT_TRUE(server.running() && server.StartManager("openbox"));
   support::XUser user;
-  Program program(example.name);
+  Program program(example);
   xcb_window_t window = user.Find(example.title);
   Picture seen;
   if (!window) return seen;

@@ -12,6 +12,7 @@
 #include <set>
 #include <tuple>
 
+#include "platform/access/access.h"
 #include "tests/toolkit/stage.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/state.h"
@@ -26,6 +27,9 @@ template <typename T, size_t N>
 T Pick(const T (&values)[N]) {
   return values[rng() % N];
 }
+
+// Descriptions are kept.
+platform::TreeListener listener = {[](void*, uint64_t, platform::Change) {}, nullptr};
 
 struct Props {
   XwWindow *main, *other, *sub, *docked, *stale;
@@ -66,6 +70,10 @@ XwWindow* Hostile() {
 template <>
 int32_t Hostile() {
   return Pick<int>({0, 1, -1, 2, 7, 100, 255, 256, 32767, 32768, -32769, 65536, INT_MAX, INT_MIN});
+}
+template <>
+uint32_t Hostile() {
+  return uint32_t(rng());
 }
 template <>
 XwValue Hostile() {
@@ -324,11 +332,60 @@ void Outlines() {
       auto number = [] { return Pick<float>({0, 3.5f, -7, 16, 1e9f, NAN, INFINITY, 16384}); };
       p = {uint8_t(rng() % 6), number(), number(), number(), number(), number(), number()};
     }
+    XwSet(Hostile<XwWindow*>());
+    const XwPathPart* path = rng() % 9 ? parts : nullptr;
+    XwFillPath(path, Pick<int>({5, 3, 0, INT_MIN}), Hostile<int32_t>());
+    XwStrokePath(path, Pick<int>({5, 1, 0, INT_MIN}), Pick<float>({2.5f, 1e-9f, 16384, NAN, -1}),
+                 Hostile<int32_t>());
     XwSetIconOutline(rng() % 9 ? &icon : nullptr, rng() % 9 ? parts : nullptr, int(rng() % 6) - 1);
     if (XwWindow* b = XwButton(props.other, &icon, 1, 0, 0, 20, 20, XWC_ICON | XWC_VISIBLE, 0))
       XwDestroy(b);
     Repair();
   }
+}
+
+// Lists of toolbar items with any words; texts where the type wants some.
+void Toolbars() {
+  static const char* const texts[] = {"a", "", "9,1,99999999999999999999", nullptr};
+  XwWindow* const windows[] = {props.other, props.main, props.sub, nullptr};
+  for (int i = 0; i < 60; ++i) {
+    static XwToolbarItem items[9];
+    for (XwToolbarItem& item : items) {
+      const auto type = uint32_t(rng() % 16);
+      item = {type << 24 | uint32_t(rng() & 0xC00007FF), 0, int32_t(rng() % 5), 0};
+      if (type == 2 || type == 3)
+        item.data = reinterpret_cast<XwValue>(texts);
+      else if (type == 6)
+        item.data = reinterpret_cast<XwValue>(rng() % 2 ? IC_ARROWS : nullptr);
+      else if (type == 4)
+        item.data = XwValue(rng());
+      else
+        item.data = reinterpret_cast<XwValue>(texts[rng() % 4]);
+    }
+    items[rng() % 9].word = 0;
+    XwWindow* w = windows[rng() % 4];
+    XwSetToolbar(w, rng() % 5 ? items : nullptr);
+    XwSetToolbarItem(w, int32_t(rng() % 6), int32_t(rng()));
+    XwShowToolbar(w, int(rng() % 2));
+    XwGetToolbarItem(w, int32_t(rng() % 6));
+    RunLoop();
+    Repair();
+  }
+}
+
+void Posts() {
+  const char* const texts[] = {nullptr, "", "state", "two words\n", "\xFF\x01", " "};
+  static int posted, ended;
+  posted = ended = 0;
+  for (int i = 0; i < 300; ++i) {
+    void (*take)(void*, int) = [](void*, int) { ++ended; };
+    const bool some = rng() % 9 != 0;
+    posted += some;
+    XwPost(texts[rng() % 6], texts[rng() % 6], some ? take : nullptr, nullptr);
+    Repair();
+  }
+  RunLoop();
+  EXPECT_EQ(ended, posted);
 }
 
 void Nothing() {}
@@ -356,6 +413,7 @@ const struct {
     CALL(XwCheckPointer),
     CALL(XwGetKeyState),
     CALL(XwBeep),
+    {"XwPost", Posts},
     CALL(XwTakeUp),
     CALL(XwReplaying),
     CALL(XwTimer),
@@ -402,6 +460,10 @@ const struct {
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
+    {"XwSetToolbar", Toolbars},  // and all others of toolbars
+    {"XwShowToolbar", Nothing},
+    {"XwSetToolbarItem", Nothing},
+    {"XwGetToolbarItem", Nothing},
     {"XwSetMenu", Menus},  // and all others of menus
     {"XwPopupMenu", Nothing},
     {"XwPopupList", Nothing},
@@ -425,6 +487,8 @@ const struct {
     CALL(XwSetActivationHandler),
     CALL(XwSetProgramIcon),
     CALL(XwBoxList),
+    CALL(XwBoxId),
+    CALL(XwDescribe),
     CALL(XwSet),
     CALL(XwPush),
     CALL(XwPop),
@@ -456,6 +520,8 @@ const struct {
     CALL(XwTextTrim),
     CALL(XwTextFit),
     CALL(XwDrawText),
+    {"XwFillPath", Nothing},  // with the outlines of icons
+    {"XwStrokePath", Nothing},
     CALL(XwThemeColor),
     CALL(XwRoundBox),
     {"XwFromUtf8", Conversions},
@@ -509,6 +575,7 @@ void CallAll() {
 
 TEST(Arguments, OfAnyKindDoNoHarm) {
   Open();
+  platform::AddTreeListener(&listener);
   props.main = Main();
   props.stale = XwCreate(0, 0, 50, 10, 10, Record);
   XwDestroy(props.stale);
@@ -517,6 +584,7 @@ TEST(Arguments, OfAnyKindDoNoHarm) {
   // Again without a main window.
   XwDestroy(props.main);
   CallAll();
+  platform::RemoveTreeListener(&listener);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include <climits>
 
-#include "tests/toolkit/stage.h"
+#include "tests/toolkit/control_stage.h"
 #include "toolkit/core/trace.h"
 #include "toolkit/windows/boxes.h"
 
@@ -106,6 +106,112 @@ TEST(Boxes, EventsOfOtherWindowsDoNotCount) {
   RunLoop();
   EXPECT_EQ(seen.back().type, 'k');
   EXPECT_EQ(seen.back().event.item, 1);
+}
+
+// --- What is drawn describes itself.
+
+struct Thing {
+  int id, x;
+  int role;
+  uint32_t state;
+  const char *name, *value;
+};
+std::vector<Thing> things;
+int draws = 0;
+int DrawThings(int type) {
+  if (type != XWE_EXPOSE) return Record(type);
+  ++draws;
+  XwSet(Inp.window);
+  XwBoxList(3, 0, 0, 0, 0);
+  for (const Thing& t : things) {
+    XwBoxList(t.id, t.x, 10, 40, 20);
+    XwDescribe(-1, t.role, t.state, t.name, t.value);
+  }
+  XwBoxList(4, 0, 0, 0, 0);
+  XwDescribe(0, XWA_TABLE, 0, "jobs", std::to_string(things.size()).c_str());
+  return 0;
+}
+
+// Everything that was told, by the first letters of what has changed.
+std::string told;
+void Hear(void*, uint64_t, platform::Change what) {
+  told += "nvsbce"[int(what)];
+}
+platform::TreeListener listener = {Hear, nullptr};
+
+std::string Redraw(XwWindow* w) {
+  told.clear();
+  XwSendEvent(w, XWE_EXPOSE, 0, 0, 0);
+  RunLoop();
+  return told;
+}
+
+TEST(Describe, IsKeptOnlyWhileSomebodyListens) {
+  Open();
+  things = {{7, 10, XWA_ROW, XWT_SELECTED, "a.pdf", "3 pages"},
+            {8, 60, XWA_BUTTON, XWT_DISABLED, "Stop", nullptr},
+            {0, 290, 99, 0, "no role", ""},
+            {9, 400, XWA_STATUS, XWT_EXPANDED | 1u << 31, "out\xFF", "of sight"}};
+  XwWindow* w = Main(DrawThings);
+  XwWindow* sub = Sub(w, "sub", 20, 40, 200, 100, DrawThings);
+  Settle();
+  EXPECT_EQ(Node("Stop").serial, 0u);
+  draws = 0;
+  platform::AddTreeListener(&listener);
+  RunLoop();
+  EXPECT_EQ(draws, 2) << "each window was asked to draw";
+  EXPECT_EQ(XwBoxId(w, 2), 8);
+  EXPECT_EQ(XwBoxId(w, 0) + XwBoxId(w, 5) + XwBoxId(nullptr, 1), 0);
+  const auto roots = platform::DescribeTree();
+  ASSERT_EQ(roots[0].children.size(), 5u) << "the bar, three things, the sub-window";
+  const DescribedNode &row = roots[0].children[1], &far = roots[0].children[3];
+  EXPECT_EQ(row.what.role, platform::ObjectRole::kRow);
+  EXPECT_EQ(row.what.value, "3 pages");
+  EXPECT_EQ(row.what.state, platform::kIsShown | platform::kIsEnabled | platform::kIsSelected);
+  EXPECT_EQ(row.what.bounds, (Rect{110, 110, 150, 130}));
+  EXPECT_EQ(far.what.name, "out\uFFFD");
+  EXPECT_EQ(far.what.state, platform::kIsEnabled | platform::kIsExpanded);
+  EXPECT_EQ(State("Stop"), platform::kIsShown);
+  EXPECT_EQ(roots[0].what.role, platform::ObjectRole::kWindow);
+  EXPECT_EQ(roots[0].what.value, "4");
+  const DescribedNode& pane = roots[0].children[4];
+  EXPECT_EQ(pane.what.role, platform::ObjectRole::kTable);
+  ASSERT_EQ(pane.children.size(), 3u);
+  EXPECT_EQ(pane.children[0].what.bounds, (Rect{130, 150, 170, 170}));
+  platform::RemoveTreeListener(&listener);
+  EXPECT_EQ(Node("Stop").serial, 0u) << "nothing is kept";
+  XwDestroy(sub);
+}
+
+TEST(Describe, TheSameThingKeepsItsSerialAndChangesAreTold) {
+  Open();
+  things = {{7, 10, XWA_ROW, 0, "a.pdf", "waits"}, {8, 60, XWA_ROW, 0, "b.pdf", "waits"}};
+  XwWindow* w = Main(DrawThings);
+  platform::AddTreeListener(&listener);
+  RunLoop();
+  const uint64_t a = Node("a.pdf").serial, b = Node("b.pdf").serial;
+  EXPECT_NE(a, b);
+  EXPECT_EQ(Redraw(w), "");
+  things[0] = {7, 12, XWA_ROW, XWT_SELECTED, "a.pdf", "prints"};
+  EXPECT_EQ(Redraw(w), "vsb");
+  EXPECT_EQ(Node("a.pdf").serial, a);
+  things[1].role = XWA_CELL;
+  EXPECT_EQ(Redraw(w), "ec");
+  EXPECT_NE(Node("b.pdf").serial, b);
+  std::swap(things[0], things[1]);
+  EXPECT_EQ(Redraw(w), "ecec") << "another place: another thing";
+  EXPECT_NE(Node("a.pdf").serial, a);
+  things.pop_back();
+  EXPECT_EQ(Redraw(w), "ev") << "it has gone, and the window tells how many there are";
+  XwSet(w);
+  XwDescribe(1, XWA_CELL, 0, "b.pdf", "done");
+  EXPECT_EQ(Node("b.pdf").what.value, "done") << "also between redraws";
+  told.clear();
+  XwDestroy(w);
+  EXPECT_NE(told.find('e'), std::string::npos);
+  XwSet(nullptr);
+  XwDescribe(1, XWA_CELL, 0, "nobody", "");
+  platform::RemoveTreeListener(&listener);
 }
 
 }  // namespace

@@ -8,4 +8,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/framework.cc
   ${CMAKE_CURRENT_LIST_DIR}/lists.cc
   ${CMAKE_CURRENT_LIST_DIR}/sliders.cc
+  ${CMAKE_CURRENT_LIST_DIR}/toolbar.cc
   ${CMAKE_CURRENT_LIST_DIR}/values.cc)

@@ -45,6 +45,7 @@ class PointerSet;
 namespace toolkit {
 
 class Modal;
+struct Described;
 
 // The current colours outlive the selection. Filling, stroking and ovals keep one each: dashed
 // lines change only the second, text only the first.
@@ -62,6 +63,8 @@ struct State {
   Refusal refusal = Refusal::kNone;      // the latest
   CurrentColors colors{};
   const Modal* innermost_wait = nullptr;
+  Described* described = nullptr;      // what programs say of what they draw; null while there is
+                                       // none
   bool polled = false;                 // XwGetEvent has been called
   int64_t last_poll = 0;               // microseconds
   int32_t last_click_item = -1;        // of XwDoubleClick

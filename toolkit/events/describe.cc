@@ -14,6 +14,7 @@
 #include "toolkit/target/clip.h"
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/described.h"
 
 using namespace platform;
 
@@ -119,6 +120,7 @@ DescribedNode Describe(XwWindow* w) {
     DescribeSub(w, &node);
   else
     DescribeRecord(w, &node);
+  AddDescribed(w, &node);
   for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
   if (w == W_Start) AddMenus(&node);
   return node;
@@ -192,7 +194,15 @@ bool Act(uint64_t serial, uint32_t action) {
   return true;
 }
 
-constexpr TreeSource kSource = {DescribeAll, Act};
+// What is drawn is described while it is drawn: somebody who has just come sees it by a redraw.
+void Heard(bool is_heard) {
+  if (!is_heard) return DropDescribed();
+  for (XwWindow* w : ChildrenOf(W_Root))
+    if (IsLive(w) && IsTopLevel(w))
+      InvalidateWindow(NativeWindow(w), {0, 0, w->width, w->height}, true);
+}
+
+constexpr TreeSource kSource = {DescribeAll, Act, Heard};
 
 }  // namespace
 

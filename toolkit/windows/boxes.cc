@@ -6,6 +6,7 @@
 #include "toolkit/core/alive.h"
 #include "toolkit/core/saturate.h"
 #include "toolkit/core/state.h"
+#include "toolkit/windows/described.h"
 
 namespace {
 
@@ -73,12 +74,29 @@ int XCheckbl(XwBoxes* list) {
   return 0;
 }
 
+int BoxCount(const XwWindow* w) {
+  return w->boxes ? w->boxes->count : 0;
+}
+
+bool BoxAt(const XwWindow* w, int position, platform::Rect* out) {
+  if (position < 1 || position > BoxCount(w)) return false;
+  const Box& b = w->boxes->boxes[position - 1];
+  *out = {b.x, b.y, b.x + b.width, b.y + b.height};
+  return true;
+}
+
+int XwBoxId(XwWindow* w, int position) {
+  if (!CheckWindow(w) || position < 1 || position > BoxCount(w)) return 0;
+  return w->boxes->boxes[position - 1].id;
+}
+
 void XwBoxList(int op, int x, int y, int width, int height) {
   XwWindow* w = XW;
   if (!CheckWindow(w)) return;
   if (op == 3) {
     XFreebl(w->boxes);
     w->boxes = XAllocbl();
+    BeginDescribed(w);
     return;
   }
   if (!w->boxes) {
@@ -87,6 +105,7 @@ void XwBoxList(int op, int x, int y, int width, int height) {
   }
   if (op == 4) {
     XEndbl(w->boxes);
+    EndDescribed(w);
     return;
   }
   blpx = Sat16(x);

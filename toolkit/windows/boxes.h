@@ -1,5 +1,6 @@
 // Hit-box lists.
 #pragma once
+#include "platform/base.h"
 #include "toolkit/xw.h"
 
 XwBoxes* XAllocbl();
@@ -10,3 +11,7 @@ void XFreebl(XwBoxes* list);
 // The position from 1 of the box under the pointer, whose rectangle goes to Inp; 0 when there is
 // none.
 int XCheckbl(XwBoxes* list);
+// How many the window has, and the rectangle of one by its position, in the window's coordinates;
+// false when there is no such box.
+int BoxCount(const XwWindow* w);
+bool BoxAt(const XwWindow* w, int position, platform::Rect* out);

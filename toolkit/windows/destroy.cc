@@ -13,6 +13,7 @@
 #include "toolkit/core/trace.h"
 #include "toolkit/target/selection.h"
 #include "toolkit/windows/boxes.h"
+#include "toolkit/windows/described.h"
 #include "toolkit/windows/panes.h"
 
 using namespace platform;
@@ -38,6 +39,7 @@ void FreeContents(XwWindow* w) {
   w->capacity = w->free_slot = 0;
   XFreebl(w->boxes);
   w->boxes = nullptr;
+  ForgetDescribed(w);
   if (!(w->flags & XW_DATA_NOT_OWNED)) free(w->user_data);
   w->user_data = nullptr;
   free(w->text);

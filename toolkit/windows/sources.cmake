@@ -2,6 +2,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/attributes.cc
   ${CMAKE_CURRENT_LIST_DIR}/boxes.cc
   ${CMAKE_CURRENT_LIST_DIR}/control_bounds.cc
+  ${CMAKE_CURRENT_LIST_DIR}/described.cc
   ${CMAKE_CURRENT_LIST_DIR}/destroy.cc
   ${CMAKE_CURRENT_LIST_DIR}/geometry.cc
   ${CMAKE_CURRENT_LIST_DIR}/item_texts.cc

@@ -109,11 +109,7 @@ void Grab(const Window* w, GrabMode mode, const Cursor* cursor) {
   grab = GrabRequest{mode == GrabMode::kNone ? nullptr : n, mode, cursor};
   if (grab.window != nullptr) {
     Ask();
-    if (mode == GrabMode::kMenu) {
-      xcb_flush(x.c);
-    } else {
-      TakePointerAnswer(true);
-    }
+    if (mode != GrabMode::kMenu) TakePointerAnswer(true);
     return;
   }
   xcb_ungrab_pointer(x.c, XCB_CURRENT_TIME);

@@ -1,0 +1,96 @@
+#include "app/look/style.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace console {
+namespace {
+
+Style MakeStyle() {
+  auto c = [](int role) { return XwThemeColor(role); };
+  Style l{};
+  l.document = c(XWR_DOCUMENT), l.row = c(XWR_ROW), l.tool_bar = c(XWR_TOOL_BAR);
+  l.side = c(XWR_SIDE), l.status = c(XWR_STATUS);
+  l.ink = c(XWR_INK), l.second = c(XWR_SECOND_INK);
+  l.hairline = c(XWR_HAIRLINE), l.line = c(XWR_LINE);
+  l.face = c(XWR_FACE), l.pressed = c(XWR_PRESSED), l.pressed_line = c(XWR_PRESSED_LINE);
+  l.accent = c(XWR_ACCENT), l.dark_accent = c(XWR_DARK_ACCENT);
+  l.inactive_selection = c(XWR_INACTIVE_SELECTION), l.on_accent = CL_HILIGHTTEXT;
+  l.track = c(XWR_TRACK), l.progress_line = c(XWR_PROGRESS_LINE);
+  l.scroll_ground = c(XWR_SCROLL_GROUND);
+  l.good = c(XWR_GOOD), l.warning = c(XWR_WARNING), l.bad = c(XWR_BAD);
+  l.normal = XWF_NORMAL, l.bold = XWF_BOLD, l.view = XWF_VIEW;
+  l.small_text = LoadFont(XWF_VIEW->name, 11, 0);
+  l.caption = LoadFont(XWF_VIEW->name, 11, 1);
+  l.heading = LoadFont(XWF_VIEW->name, 17, 1);
+  return l;
+}
+
+}  // namespace
+
+const Style& TheStyle() {
+  static const Style style = MakeStyle();
+  return style;
+}
+
+int32_t Mix(int32_t a, int32_t b, int percent) {
+  int32_t result = 0;
+  for (int shift = 0; shift < 24; shift += 8) {
+    int above = a >> shift & 0xFF, below = b >> shift & 0xFF;
+    result |= ((above * percent + below * (100 - percent) + 50) / 100) << shift;
+  }
+  return result;
+}
+
+void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32_t ink) {
+  if (a.Empty()) return;
+  // Trimmed is what is narrower than the width: a text that just fits is whole.
+  char shown[1024];
+  XwTextTrimUtf8(font, text, a.w + 1, shown, sizeof shown);
+  int spare = a.w - XwTextWidthUtf8(font, shown);
+  int dx = align == Align::kRight ? spare : align == Align::kCenter ? spare / 2 : 0;
+  XwDrawTextUtf8(font, 0, a.x + dx, a.y + (a.h - font->ascent - font->descent + 1) / 2, 0, 0, shown,
+                 ink, -1);
+}
+
+void Fill(const Area& a, int32_t colour) {
+  if (!a.Empty()) XwBox(a.x, a.y, a.w, a.h, colour);
+}
+void LineAtTop(const Area& a) {
+  Fill({a.x, a.y, a.w, 1}, TheStyle().hairline);
+}
+void LineAtBottom(const Area& a) {
+  Fill({a.x, a.bottom() - 1, a.w, 1}, TheStyle().hairline);
+}
+void LineAtRight(const Area& a) {
+  Fill({a.right() - 1, a.y, 1, a.h}, TheStyle().hairline);
+}
+void LineAtLeft(const Area& a) {
+  Fill({a.x, a.y, 1, a.h}, TheStyle().hairline);
+}
+
+void DrawShadow(const Area& a, int radius) {
+  const Style& l = TheStyle();
+  for (int i = 3; i > 0; --i)
+    XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, radius + i,
+               Mix(l.line, l.document, 40 - 10 * i), -1);
+}
+
+void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
+  const Style& l = TheStyle();
+  int32_t bar = muted ? Mix(l.accent, l.track, 40) : l.accent;
+  XwRoundBox(a.x, a.y, a.w, a.h, a.h / 2, l.track, l.progress_line);
+  if (whole <= 0 || part <= 0) return;
+  if (part > whole) part = whole;
+  const int w = std::max(1, int(double(a.w) * (double(part) / double(whole)) + 0.5));
+  // Narrower than its round ends it is a sliver as high as they are there.
+  const double r = a.h / 2.0, off = r - std::min(double(w), r) / 2;
+  const int h = w < a.h ? std::max(2, int(2 * std::sqrt(r * r - off * off))) : a.h;
+  XwRoundBox(a.x, a.y + (a.h - h) / 2, w, h, std::min(w, h) / 2, bar, -1);
+}
+
+void DrawDot(int x, int y, int32_t colour) {
+  XwRoundBox(x, y, 9, 9, 4, colour, -1);
+}
+
+}  // namespace console

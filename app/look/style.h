@@ -1,0 +1,63 @@
+// What the console's drawing shares: backgrounds, inks and fonts of the desktop, and the small
+// things that are drawn again and again. Everything draws into the selected window.
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "app/look/area.h"
+#include "toolkit/xw.h"
+
+namespace console {
+
+struct Style {
+  int32_t document, row, tool_bar, side, status;
+  int32_t ink, second, hairline, line, face, pressed, pressed_line;
+  int32_t accent, dark_accent, inactive_selection, on_accent;
+  int32_t track, progress_line, scroll_ground;
+  int32_t good, warning, bad;
+  XwFont *normal, *bold;                   // 13: controls and headings
+  XwFont* view;                            // 12: tables
+  XwFont *small_text, *caption, *heading;  // 11: secondary lines, captions; 17: a page's name
+};
+// Made on the first call, which needs the session.
+const Style& TheStyle();
+
+// `percent` of `a` over `b`.
+int32_t Mix(int32_t a, int32_t b, int percent);
+// The ink of what is disabled, on that background.
+inline int32_t Dimmed(int32_t ink, int32_t background) {
+  return Mix(ink, background, 40);
+}
+
+enum class Align : uint8_t { kLeft, kCenter, kRight };
+// One line in the middle of the area's height, cut at the border of a letter where it is too wide.
+void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32_t ink);
+inline void DrawLabel(XwFont* font, Align align, const Area& a, const std::string& text,
+                      int32_t ink) {
+  DrawLabel(font, align, a, text.c_str(), ink);
+}
+void Fill(const Area& a, int32_t colour);
+// Hairlines along one side, inside the area.
+void LineAtTop(const Area& a);
+void LineAtBottom(const Area& a);
+void LineAtRight(const Area& a);
+void LineAtLeft(const Area& a);
+
+// A bar that is `part` of `whole` full; on a selection it keeps its own background.
+void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
+// Below something round that lies over the rest.
+void DrawShadow(const Area& a, int radius);
+void DrawDot(int x, int y, int32_t colour);
+
+enum class ToolIcon : uint8_t { kUp, kRefresh, kPlus, kMinus, kCross };
+// 16 x 16, for buttons; kept for the life of the process.
+XwIcon* ButtonIcon(ToolIcon icon);
+
+// Kinds of files, by the ending of their names.
+enum class FileKind : uint8_t { kFolder, kPages, kPicture, kText, kOther };
+FileKind KindOf(const std::string& name);
+const char* KindText(FileKind kind);
+// In a field of 16 x 16; `background` shows through, `percent` of its colours.
+void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent);
+
+}  // namespace console

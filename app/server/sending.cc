@@ -1,0 +1,196 @@
+// Sending a file to the spool, in pieces, with progress; the lists are served between them.
+#include <cerrno>
+
+#include "app/server/document.h"
+#include "app/server/worker.h"
+#include "printserver/changes.h"
+#include "printserver/nc.h"
+#include "printserver/words.h"
+
+namespace console {
+namespace {
+
+constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000, kSliceMs = 100;
+constexpr int kMostTries = 5, kRetryMs = 1000;
+constexpr size_t kArrivals = 32;
+// A result of sending beside a server's status and the codes below 0.
+constexpr int kUnread = 1000;
+constexpr char kNoAnswer[] = "the file does not answer";
+
+std::string TicketOf(const PrintOrder& order) {
+  nc::Order whole;
+  whole.document = order.document;
+  whole.owner = order.owner;
+  whole.printer = order.printer;
+  whole.profile = order.profile;
+  whole.copies = order.copies;
+  whole.priority = order.priority;
+  whole.hold = order.hold;
+  return nc::TicketOf(whole);
+}
+
+}  // namespace
+
+bool Worker::NextTransfer(Transfer* out) {
+  Locked lock(shared_);
+  if (next_send_ > MonotonicMs()) return false;
+  for (Transfer& t : shared_->state.transfers) {
+    if (t.state != Sending::kWaiting) continue;
+    t.state = Sending::kSending;
+    t.sent = t.total = t.silent_s = 0;
+    sending_ = t.number;
+    *out = t;
+    shared_->Published();
+    return true;
+  }
+  return false;
+}
+
+// Whether the queue has it: then a broken connection cost nothing but the answer.
+bool Worker::Arrived(const JobId& id) {
+  Locked lock(shared_);
+  for (const NC_Job& job : *shared_->state.jobs)
+    if (IdOf(job) == id) return true;
+  return false;
+}
+
+void Worker::SendNext() {
+  Transfer t;
+  while (!Stopping() && Ready() && NextTransfer(&t)) {
+    if (broken_.number != t.number) {
+      ForgetBroken();
+      broken_ = {t.number, {}, false, 0};
+    }
+    std::string why;
+    int result = NC_STATUS_DONE;
+    if (!broken_.has_id || !Arrived(broken_.id)) result = SendFile(t, &why);
+    Finish(t.number, result, why);
+    sending_ = 0;
+  }
+}
+
+int Worker::SendFile(const Transfer& t, std::string* why) {
+  Document document(t.order.path);
+  document_ = &document;
+  progress_ = {0, MonotonicMs()};
+  const int result = SendOnceOpened(t, document, why);
+  document_ = nullptr;
+  return result;
+}
+
+int Worker::SendOnceOpened(const Transfer& t, const Document& document, std::string* why) {
+  while (!document.Opened(kSliceMs)) {
+    if (Progress(this, 0, 0) != 0) return NC_CANCELLED;
+    if (MonotonicMs() - progress_.at <= kStallMs) continue;
+    *why = kNoAnswer;
+    return kUnread;
+  }
+  *why = document.Trouble();
+  return why->empty() ? SendDocument(t, document, why) : kUnread;
+}
+
+int Worker::SendDocument(const Transfer& t, const Document& document, std::string* why) {
+  const std::string ticket = TicketOf(t.order);
+  if (ticket.empty()) {
+    *why = "the name is too long";
+    return NC_BAD_REQUEST;
+  }
+  Began();
+  const int fd = Connect(kFile, kConnectMs);
+  if (fd < 0) {
+    Ended();
+    return NC_ERROR;
+  }
+  {
+    Locked lock(shared_);
+    for (Transfer& one : shared_->state.transfers)
+      if (one.number == t.number) one.size = document.size();
+  }
+  int result = NC_CreateRequestID(fd, broken_.id.data()) == 1 ? 0 : NC_ERROR;
+  Ended();
+  if (result == 0) {
+    broken_.has_id = true;
+    NC_SetDeadline(fd, kStallMs);
+    result = NC_WritePrintRequestN(fd, broken_.id.data(), ticket.c_str(), document.descriptor(),
+                                   document.size(), Progress, this);
+  }
+  if (result == NC_ERROR && errno == ETIMEDOUT && document.Silent()) {
+    result = kUnread;
+    *why = kNoAnswer;
+  }
+  Close(kFile);
+  if (result == NC_BAD_REQUEST) *why = "it is too large";
+  if (result == NC_UNREADABLE) *why = document.Trouble();
+  if (result >= 0 && result != NC_STATUS_DONE) *why = nc::RefusalText(result, nc::Asked::kPrint);
+  return result;
+}
+
+// For how long nothing has come from the document.
+int Worker::SilentSeconds(int64_t sent) {
+  const int64_t now = MonotonicMs();
+  if (sent != progress_.sent) progress_ = {sent, now};
+  return document_->Silent() ? int((now - progress_.at) / 1000) : 0;
+}
+
+int Worker::Progress(void* context, int64_t sent, int64_t total) {
+  auto* worker = static_cast<Worker*>(context);
+  Server::Shared* shared = worker->shared_;
+  {
+    Locked lock(shared);
+    if (shared->stop || shared->cancelled == worker->sending_) return 1;
+    const int silent_s = worker->SilentSeconds(sent);
+    for (Transfer& t : shared->state.transfers) {
+      if (t.number != worker->sending_ || (t.sent == sent && t.silent_s == silent_s)) continue;
+      t.sent = sent;
+      t.total = total;
+      t.silent_s = silent_s;
+      shared->Published();
+    }
+  }
+  worker->Serve(kServeMs);
+  return 0;
+}
+
+void Worker::Finish(int number, int result, const std::string& why) {
+  next_poll_ = 0;
+  // The queue shows it in the same moment in which the transfer goes.
+  hold_back_ = true;
+  if (result == NC_STATUS_DONE) Serve(kServeMs);
+  hold_back_ = false;
+  Locked lock(shared_);
+  NoteResult(number, result, why);
+  shared_->cancelled = 0;
+  shared_->Published();
+}
+
+// What becomes of a transfer that has ended. Under the mutex.
+void Worker::NoteResult(int number, int result, const std::string& why) {
+  ServerState& state = shared_->state;
+  const bool done = result == NC_STATUS_DONE;
+  const bool cancelled = shared_->cancelled == number || result == NC_CANCELLED;
+  auto it = std::find_if(state.transfers.begin(), state.transfers.end(),
+                         [number](const Transfer& t) { return t.number == number; });
+  if (it == state.transfers.end()) return;
+  const std::string name = it->order.document;
+  if (done) {
+    state.arrivals.push_back({number, broken_.id});
+    if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
+    // Too late to be cancelled on its way.
+    if (cancelled) shared_->changes.push_back({broken_.id, JobAction::kRemove});
+    broken_ = {};
+  }
+  if (done || cancelled) {
+    state.transfers.erase(it);
+    state.notices.push_back({done, (done ? "Sent: " : "Cancelled: ") + name});
+  } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
+    it->state = Sending::kWaiting;
+    next_send_ = MonotonicMs() + kRetryMs;
+  } else {
+    broken_.times = 0;
+    it->state = Sending::kFailed;
+    it->text = why.empty() ? "the connection broke" : why;
+    state.notices.push_back({false, "Not sent: " + name + ", " + it->text});
+  }
+}
+
+}  // namespace console

@@ -1,0 +1,280 @@
+// The worker's side: connections, lists, changes of jobs.
+#include "app/server/worker.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "printserver/nc.h"
+#include "printserver/read_lists.h"
+#include "printserver/words.h"
+
+namespace console {
+namespace {
+
+constexpr int kConnectMs = 3000, kCallMs = 5000;
+constexpr int kPollMs = 700;
+constexpr size_t kMostUnwanted = 64;
+constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
+
+const char* const kDone[] = {"Held", "Released", "Removed"};
+const char* const kNotDone[] = {"Not held", "Not released", "Not removed"};
+
+}  // namespace
+
+Worker::Worker(Server::Shared* shared)
+    : shared_(shared), list_(new uint8_t[NC_QUEUE_MAX]), jobs_(new NC_Job[NC_JOBS_MAX]) {}
+
+Worker::~Worker() {
+  Close(kLists);
+}
+
+int Worker::Connect(Which which, int ms) {
+  const int fd = NC_ConnectStopN(shared_->host.c_str(), ms, shared_->stopped.get());
+  if (fd < 0) return fd;
+  NC_SetDeadline(fd, kCallMs);
+  Locked lock(shared_);
+  shared_->open[which] = fd;
+  if (shared_->stop) shutdown(fd, SHUT_RDWR);
+  return fd;
+}
+
+void Worker::Close(Which which) {
+  Locked lock(shared_);
+  if (shared_->open[which] >= 0) NC_Disconnect(shared_->open[which]);
+  shared_->open[which] = -1;
+}
+
+bool Worker::Stopping() {
+  Locked lock(shared_);
+  return shared_->stop;
+}
+
+// The server is gone: says so, and when to try again.
+void Worker::GoAway(const std::string& trouble) {
+  Close(kLists);
+  retry_ms_ = retry_ms_ == 0 ? kFirstRetryMs : std::min(retry_ms_ * 2, kLastRetryMs);
+  Locked lock(shared_);
+  shared_->state.link = Link::kAway;
+  shared_->state.trouble = trouble;
+  shared_->retry_at = MonotonicMs() + retry_ms_;
+  shared_->call_began = 0;
+  shared_->Published();
+}
+
+bool Worker::TryToConnect(int ms) {
+  {
+    Locked lock(shared_);
+    shared_->state.link = Link::kConnecting;
+    shared_->retry_at = 0;
+    shared_->Published();
+  }
+  Began();
+  const int fd = Connect(kLists, ms);
+  const int error = errno;
+  Ended();
+  if (fd < 0) {
+    GoAway(nc::ConnectText(fd, error));
+    return false;
+  }
+  next_poll_ = 0;
+  ask_profiles_ = true;
+  return true;
+}
+
+void Worker::Began() {
+  Locked lock(shared_);
+  shared_->call_began = MonotonicMs();
+}
+
+void Worker::Ended() {
+  Locked lock(shared_);
+  shared_->call_began = 0;
+}
+
+// Asks for both lists. What came is published only where it differs from the last.
+bool Worker::Poll() {
+  Began();
+  const int fd = shared_->open[kLists];
+  uint8_t status = 0;
+  const int32_t printers = NC_GetPrinterListN(fd, &status, list_.get(), NC_LIST_MAX);
+  if (printers < 0) return false;
+  const std::string printer_bytes(reinterpret_cast<char*>(list_.get()), size_t(printers));
+  const int32_t queue = NC_GetPrintQueueN(fd, list_.get(), NC_QUEUE_MAX);
+  if (queue < 0) return false;
+  auto profiles = std::make_shared<std::vector<NC_Profile>>();
+  if (ask_profiles_ && !nc::ReadProfiles(fd, "", profiles.get())) return false;
+  Ended();
+  const std::string_view queue_bytes(reinterpret_cast<char*>(list_.get()), size_t(queue));
+  const bool new_jobs = queue_bytes != last_jobs_, new_printers = printer_bytes != last_printers_;
+  std::shared_ptr<std::vector<NC_Job>> jobs;
+  std::shared_ptr<std::vector<NC_Printer>> list;
+  if (new_jobs) {
+    last_jobs_ = queue_bytes;
+    const int n = NC_ParseJobs(list_.get(), queue, jobs_.get(), NC_JOBS_MAX);
+    jobs = std::make_shared<std::vector<NC_Job>>(jobs_.get(), jobs_.get() + n);
+  }
+  if (new_printers) {
+    last_printers_ = printer_bytes;
+    list = std::make_shared<std::vector<NC_Printer>>(size_t{NC_RECORDS_MAX});
+    list->resize(
+        size_t(NC_ParsePrinters(printer_bytes.data(), printers, list->data(), NC_RECORDS_MAX)));
+  }
+  next_poll_ = MonotonicMs() + kPollMs;
+  retry_ms_ = 0;
+  Locked lock(shared_);
+  ServerState& state = shared_->state;
+  if (jobs) state.jobs = jobs;
+  if (list) state.printers = list;
+  if (ask_profiles_) state.profiles = profiles;
+  const bool changed = jobs || list || ask_profiles_ || state.link != Link::kReady;
+  state.link = Link::kReady;
+  ask_profiles_ = false;
+  if (changed && !hold_back_) shared_->Published();
+  return true;
+}
+
+// Carries out what was asked for. False when the connection broke; what was not done is dropped,
+// since nobody knows whether it was.
+bool Worker::MakeChanges() {
+  for (;;) {
+    PendingChange change;
+    {
+      Locked lock(shared_);
+      if (shared_->changes.empty()) return true;
+      change = shared_->changes.front();
+      shared_->changes.pop_front();
+    }
+    Began();
+    const int fd = shared_->open[kLists];
+    const char* ticket = change.action == JobAction::kHold ? "hold=1" : "hold=0";
+    const int status =
+        change.action == JobAction::kRemove
+            ? NC_RemovePrintRequest(fd, change.id.data())
+            : NC_WritePrintRequestN(fd, change.id.data(), ticket, -1, 0, nullptr, nullptr);
+    Ended();
+    next_poll_ = 0;
+    Answered(change, status);
+    if (status < 0) return false;
+  }
+}
+
+void Worker::Answered(const PendingChange& change, int status) {
+  Locked lock(shared_);
+  ServerState& state = shared_->state;
+  auto same = [&](const PendingChange& p) {
+    return p.id == change.id && p.action == change.action;
+  };
+  auto it = std::find_if(state.pending.begin(), state.pending.end(), same);
+  if (it != state.pending.end()) finished_.push_back(*it);
+  std::string name;
+  for (const NC_Job& job : *state.jobs)
+    if (IdOf(job) == change.id) name = job.document;
+  const bool done = status == NC_STATUS_DONE;
+  std::string text = (done ? kDone : kNotDone)[int(change.action)] + (": " + name);
+  if (status >= 0 && !done) text += std::string(", ") + nc::RefusalText(status, nc::Asked::kJob);
+  if (status < 0) text += ", the connection broke";
+  state.notices.push_back({done, text});
+  shared_->Published();
+}
+
+// What was answered is no longer pending once the lists tell of it.
+void Worker::ForgetFinished() {
+  if (finished_.empty()) return;
+  Locked lock(shared_);
+  for (const PendingChange& done : finished_) {
+    auto& pending = shared_->state.pending;
+    auto it = std::find_if(pending.begin(), pending.end(), [&](const PendingChange& p) {
+      return p.id == done.id && p.action == done.action;
+    });
+    if (it != pending.end()) pending.erase(it);
+  }
+  finished_.clear();
+  shared_->Published();
+}
+
+// A transfer that broke off and that nobody wants any more.
+void Worker::ForgetBroken() {
+  if (!broken_.has_id || sending_ == broken_.number) return;
+  Locked lock(shared_);
+  for (const Transfer& t : shared_->state.transfers)
+    if (t.number == broken_.number) return;
+  if (unwanted_.size() == kMostUnwanted) unwanted_.erase(unwanted_.begin());
+  unwanted_.push_back(broken_.id);
+  broken_ = {};
+}
+
+void Worker::RemoveUnwanted() {
+  ForgetBroken();
+  std::erase_if(unwanted_, [this](const JobId& id) {
+    if (!Arrived(id)) return false;
+    Locked lock(shared_);
+    shared_->changes.push_back({id, JobAction::kRemove});
+    return true;
+  });
+}
+
+// Everything that is due on the connection for lists. Called also while a file is being sent.
+void Worker::Serve(int connect_ms) {
+  bool connected, due, refresh;
+  {
+    Locked lock(shared_);
+    refresh = shared_->refresh;
+    shared_->refresh = false;
+    connected = shared_->open[kLists] >= 0;
+    due = shared_->retry_at <= MonotonicMs();
+    if (refresh) next_poll_ = 0;
+    if (refresh) ask_profiles_ = true;
+  }
+  if (!connected) {
+    if (!due && !refresh) return;
+    if (refresh) retry_ms_ = 0;
+    if (!TryToConnect(connect_ms)) return;
+  }
+  bool good = MakeChanges();
+  if (good && next_poll_ <= MonotonicMs()) {
+    good = Poll();
+    if (good) RemoveUnwanted();
+  }
+  if (!good) {
+    const int error = errno;
+    Ended();
+    GoAway(error == ETIMEDOUT ? "it does not answer" : "the connection broke");
+  }
+  ForgetFinished();
+}
+
+// Until something is asked for, or the next list or try is due.
+void Worker::Wait() {
+  Locked lock(shared_);
+  const bool connected = shared_->open[kLists] >= 0;
+  if (shared_->stop || shared_->refresh || (connected && !shared_->changes.empty())) return;
+  const int64_t now = MonotonicMs();
+  int64_t until = connected ? next_poll_ : shared_->retry_at;
+  for (const Transfer& t : shared_->state.transfers)
+    if (connected && t.state == Sending::kWaiting) until = std::min(until, next_send_);
+  if (until <= now) return;
+  timespec t;
+  t.tv_sec = time_t(until / 1000);
+  t.tv_nsec = long(until % 1000) * 1000000;
+  pthread_cond_timedwait(&shared_->wake, &shared_->mutex, &t);
+}
+
+void Worker::Run() {
+  while (!Stopping()) {
+    Serve(kConnectMs);
+    if (Ready()) SendNext();
+    Wait();
+  }
+}
+
+bool Worker::Ready() {
+  Locked lock(shared_);
+  return shared_->open[kLists] >= 0 && shared_->state.link == Link::kReady && !shared_->stop;
+}
+
+void RunWorker(Server::Shared* shared) {
+  Worker worker(shared);
+  worker.Run();
+}
+
+}  // namespace console

@@ -1,0 +1,78 @@
+// The worker thread's own things.
+#pragma once
+#include <sys/socket.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/server/shared.h"
+
+namespace console {
+
+class Document;
+
+class Worker {
+ public:
+  explicit Worker(Server::Shared* shared);
+  ~Worker();
+  void Run();
+
+ private:
+  enum Which { kLists, kFile };
+  int Connect(Which which, int ms);
+  void Close(Which which);
+  bool Stopping();
+  bool Ready();
+  void GoAway(const std::string& trouble);
+  bool TryToConnect(int ms);
+  // Around a call that waits for the server.
+  void Began();
+  void Ended();
+  bool Poll();
+  bool MakeChanges();
+  void Answered(const PendingChange& change, int status);
+  void ForgetFinished();
+  void ForgetBroken();
+  void RemoveUnwanted();
+  void Serve(int connect_ms);
+  void Wait();
+
+  // Sending (sending.cc).
+  void SendNext();
+  bool NextTransfer(Transfer* out);
+  int SendFile(const Transfer& t, std::string* why);
+  int SendOnceOpened(const Transfer& t, const Document& document, std::string* why);
+  int SendDocument(const Transfer& t, const Document& document, std::string* why);
+  void Finish(int number, int result, const std::string& why);
+  void NoteResult(int number, int result, const std::string& why);
+  bool Arrived(const JobId& id);
+  int SilentSeconds(int64_t sent);
+  static int Progress(void* worker, int64_t sent, int64_t total);
+
+  Server::Shared* shared_;
+  std::unique_ptr<uint8_t[]> list_;
+  std::unique_ptr<NC_Job[]> jobs_;
+  std::string last_jobs_, last_printers_;
+  bool ask_profiles_ = true;  // they change with the server's settings only
+  std::vector<PendingChange> finished_;
+  int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
+  int retry_ms_ = 0;
+  int sending_ = 0;  // number of the transfer
+  const Document* document_ = nullptr;
+  struct {
+    int64_t sent, at;  // bytes, and when there were so many of them
+  } progress_{};
+  bool hold_back_ = false;  // lists are stored, and published by what follows
+  // A transfer that broke off, under which id, and how often.
+  struct Broken {
+    int number = 0;
+    JobId id{};
+    bool has_id = false;
+    int times = 0;
+  } broken_;
+  // Of transfers that were cancelled after they had broken off: they may have arrived all the same.
+  std::vector<JobId> unwanted_;
+};
+
+}  // namespace console

@@ -1,0 +1,418 @@
+#include "app/table/table.h"
+
+#include <algorithm>
+
+#include "app/look/controls.h"
+
+namespace console {
+namespace {
+
+// How far beside a border the pointer may be to take hold of it.
+constexpr int kBorderReach = 4;
+// Where there is the head of a column that sorts, it is taken hold of beside that.
+constexpr int kHeadReach = 6;
+// The text of a head is this far from its left side.
+constexpr int kHeadText = 5;
+constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
+
+}  // namespace
+
+// --- Controls
+
+void Table::MakeControls(XwWindow* window, int id, const char* name) {
+  id_ = id;
+  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, kRowHeight, 1, 0);
+  XwDescribeControl(bar_, name);
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    const Column& c = columns_[i];
+    const uint32_t align = c.align == Align::kRight ? XWC_RIGHT : XWC_LEFT;
+    heads_.push_back(
+        c.sorts ? XwButton(window, c.title, id + 1 + int(i), 0, 0, 0, 0, kHeadStyle | align, 0)
+                : nullptr);
+  }
+}
+
+void Table::Enable(bool on) {
+  EnableControl(bar_, on);
+  for (XwWindow* head : heads_)
+    if (head) EnableControl(head, on);
+}
+
+int Table::HeadOf(int id) const {
+  const int column = id - id_ - 1;
+  const bool own = bar_ && column >= 0 && size_t(column) < heads_.size();
+  return own && heads_[size_t(column)] ? column : -1;
+}
+
+bool Table::Scrolled(int id, int value) {
+  if (!bar_ || id != id_) return false;
+  ScrollTo(value);
+  return true;
+}
+
+void Table::SetSort(int column, bool descending) {
+  sort_ = column;
+  descending_ = descending;
+  for (size_t i = 0; i < heads_.size(); ++i) {
+    if (!heads_[i]) continue;
+    uint32_t& style = heads_[i]->style;
+    style = descending ? style | XWC_SORT_DOWN : style & ~uint32_t{XWC_SORT_DOWN};
+    XwSetValue(heads_[i], int(i) == column ? 1 : 0);
+  }
+}
+
+void Table::PlaceControls() {
+  for (size_t i = 0; i < heads_.size(); ++i) PlaceControl(heads_[i], HeadArea(int(i)));
+  PlaceControl(bar_, Bar());
+  const int64_t all = std::min<int64_t>(int64_t{rows_} * kRowHeight, INT32_MAX);
+  if (Scrolls()) XwSetScrollRange(bar_, 0, int(all) - 1, kRowHeight, Body().h, top_);
+}
+
+// --- Geometry
+
+void Table::Place(const Area& a) {
+  const bool seen = selected_ >= 0 && RowArea(selected_).bottom() > Body().y &&
+                    RowArea(selected_).y < Body().bottom();
+  area_ = a;
+  LayOutColumns();
+  top_ = std::clamp(top_, 0, MostTop());
+  PlaceControls();
+  if (seen) Reveal(selected_);
+}
+
+void Table::SetRows(int rows) {
+  const bool scrolled = Scrolls();
+  rows_ = rows < 0 ? 0 : rows;
+  if (selected_ >= rows_) selected_ = -1;
+  top_ = std::clamp(top_, 0, MostTop());
+  if (scrolled != Scrolls()) LayOutColumns();
+  PlaceControls();
+}
+
+bool Table::Scrolls() const {
+  return int64_t{rows_} * kRowHeight > area_.h - kHeaderHeight;
+}
+
+Area Table::Body() const {
+  Area a = area_;
+  a.TakeTop(kHeaderHeight);
+  if (Scrolls()) a.TakeRight(kScrollBar);
+  return a;
+}
+
+Area Table::Bar() const {
+  Area a = area_;
+  a.TakeTop(kHeaderHeight);
+  return Scrolls() ? a.TakeRight(kScrollBar) : Area{};
+}
+
+int Table::MostTop() const {
+  return int(std::clamp<int64_t>(int64_t{rows_} * kRowHeight - Body().h, 0, INT32_MAX));
+}
+
+Area Table::RowArea(int row) const {
+  const Area body = Body();
+  const int64_t y = body.y + int64_t{row} * kRowHeight - top_;
+  return {body.x, int(std::clamp<int64_t>(y, INT32_MIN / 2, INT32_MAX / 2)), body.w, kRowHeight};
+}
+
+// Columns above that rank have no room.
+int Table::ShownRank(int room) const {
+  int rank = 0;
+  for (const Column& c : columns_) rank = std::max(rank, c.rank);
+  for (; rank > 0; --rank) {
+    int need = 0;
+    for (const Column& c : columns_) need += c.rank <= rank ? c.width : 0;
+    if (need <= room) break;
+  }
+  return rank;
+}
+
+// Drops columns until the rest has room, then gives away what is spare, or takes what is missing.
+void Table::LayOutColumns() {
+  const int room = Body().w, rank = ShownRank(room);
+  left_.assign(columns_.size(), 0);
+  width_.assign(columns_.size(), 0);
+  asked_.resize(columns_.size());
+  int need = 0, shares = 0;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    if (columns_[i].rank > rank) continue;
+    width_[i] = asked_[i] ? asked_[i] : columns_[i].width;
+    need += width_[i];
+    shares += columns_[i].share;
+  }
+  int spare = std::max(0, room - need), x = Body().x;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    if (width_[i] == 0 || shares == 0) continue;
+    const int more = spare * columns_[i].share / shares;
+    spare -= more;
+    shares -= columns_[i].share;
+    width_[i] += more;
+  }
+  ShrinkColumns(need - room);
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    left_[i] = x;
+    x += width_[i];
+  }
+}
+
+// From those that the user has made wider first, then from any.
+void Table::ShrinkColumns(int excess) {
+  for (const bool any : {false, true}) {
+    for (size_t i = 0; i < columns_.size() && excess > 0; ++i) {
+      if (width_[i] == 0 || !asked_[i]) continue;
+      const int least = any ? LeastWidth(int(i)) : columns_[i].width;
+      const int less = std::clamp(width_[i] - least, 0, excess);
+      width_[i] -= less;
+      excess -= less;
+    }
+  }
+}
+
+int Table::LeastWidth(int column) const {
+  const Column& c = columns_[size_t(column)];
+  return std::min(c.width, 2 * c.padding + c.indent + 26);
+}
+
+int Table::NextColumn(int column) const {
+  for (int i = column + 1; i < int(columns_.size()); ++i)
+    if (width_[size_t(i)] > 0) return i;
+  return -1;
+}
+
+void Table::ResetColumns() {
+  asked_.assign(columns_.size(), 0);
+  LayOutColumns();
+  PlaceControls();
+}
+
+Area Table::ColumnArea(int column) const {
+  if (column < 0 || size_t(column) >= width_.size() || width_[size_t(column)] == 0) return {};
+  return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
+}
+
+// The head's button: its text stands over that of the cells, and the border before it is free.
+Area Table::HeadArea(int column) const {
+  const Area c = ColumnArea(column);
+  if (c.Empty() || area_.h < kHeaderHeight) return {};
+  const int before = std::max(kHeadReach, columns_[size_t(column)].padding - kHeadText);
+  const int right = std::min(c.right() - (NextColumn(column) < 0 ? 0 : 1), area_.right());
+  return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
+}
+
+Area Table::BorderArea(int column) const {
+  const Area c = ColumnArea(column);
+  const int next = NextColumn(column);
+  if (c.Empty() || next < 0) return {};
+  const bool head = columns_[size_t(column)].sorts, next_head = columns_[size_t(next)].sorts;
+  const int left = c.right() - (head ? 1 : kBorderReach);
+  const int right = c.right() + (next_head ? kHeadReach : kBorderReach);
+  return {left, area_.y, right - left, std::min(kHeaderHeight, area_.h)};
+}
+
+Area Table::CellArea(int column, int y, int h) const {
+  const int padding = columns_[size_t(column)].padding;
+  const Area c = ColumnArea(column);
+  Area cell{c.x + padding, y, c.w - 2 * padding, h};
+  cell.w = std::min(cell.w, Body().right() - cell.x);
+  return cell;
+}
+
+// --- Selection and scrolling
+
+void Table::ScrollTo(int top) {
+  const int before = top_;
+  top_ = std::clamp(top, 0, MostTop());
+  if (top_ != before && top_ != XwGetValue(bar_)) PlaceControls();
+}
+
+void Table::Reveal(int row) {
+  if (row < 0) return;
+  const int64_t y = int64_t{row} * kRowHeight;
+  if (y < top_)
+    ScrollTo(int(y));
+  else if (y + kRowHeight > int64_t{top_} + Body().h)
+    ScrollTo(int(y + kRowHeight - Body().h));
+}
+
+void Table::Select(int row) {
+  selected_ = row < 0 || rows_ == 0 ? -1 : std::min(row, rows_ - 1);
+  Reveal(selected_);
+}
+
+bool Table::Key(int type) {
+  const int page = std::max(1, Fits() - 1), now = selected_;
+  switch (type) {
+    case XWE_UP:
+      Select(now < 0 ? rows_ - 1 : std::max(0, now - 1));
+      return true;
+    case XWE_DOWN:
+      Select(now + 1);
+      return true;
+    case XWE_PAGE_UP:
+      Select(std::max(0, now - page));
+      return true;
+    case XWE_PAGE_DOWN:
+      Select(std::max(0, now) + page);
+      return true;
+    case XWE_HOME:
+      Select(0);
+      return true;
+    case XWE_END:
+      Select(rows_ - 1);
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Table::Wheel(float dy) {
+  const int before = top_;
+  wheel_ += dy;
+  const int whole = int(std::clamp(wheel_, -1e6f, 1e6f));
+  wheel_ -= float(whole);
+  ScrollTo(int(std::clamp<int64_t>(int64_t{top_} + whole, 0, INT32_MAX)));
+  if (whole != 0 && top_ == before) wheel_ = 0;
+  return top_ != before;
+}
+
+bool Table::Press(const Hit& hit, int px) {
+  switch (hit.part) {
+    case kRow:
+      Select(hit.index);
+      return true;
+    case kBody:
+      Select(-1);
+      return true;
+    case kBorder:
+      if (ColumnArea(hit.index).Empty()) return false;
+      dragging_ = true;
+      border_ = hit.index;
+      grip_ = px - ColumnArea(border_).right();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Table::Drag(int px) {
+  return dragging_ && DragBorder(px);
+}
+
+bool Table::DragBorder(int px) {
+  const int next = NextColumn(border_);
+  const Area a = ColumnArea(border_);
+  if (next < 0 || a.Empty()) return false;
+  const int both = a.w + width_[size_t(next)], least = LeastWidth(border_);
+  const int most = std::max(least, both - LeastWidth(next));
+  const int w = std::clamp(px - grip_ - a.x, least, most);
+  if (w == a.w) return false;
+  // What is seen is what was asked for.
+  for (size_t i = 0; i < columns_.size(); ++i)
+    if (width_[i] > 0) asked_[i] = width_[i];
+  asked_[size_t(border_)] = w;
+  asked_[size_t(next)] = both - w;
+  LayOutColumns();
+  PlaceControls();
+  return true;
+}
+
+// --- Drawing
+
+int32_t CellColor(const CellLook& c, int32_t colour) {
+  if (c.selected) return c.ink;
+  return c.muted ? Dimmed(colour, c.background) : colour;
+}
+
+void Table::AddHits(Hits* hits) const {
+  if (area_.Empty()) return;
+  const Area body = Body();
+  hits->Add({owner_, kBody, 0}, body);
+  if (!body.Empty()) {
+    const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
+    for (int row = top_ / kRowHeight; row < last; ++row) {
+      Area a = RowArea(row);
+      if (a.y < body.y) a.h -= body.y - a.y, a.y = body.y;
+      a.h = std::min(a.h, body.bottom() - a.y);
+      hits->Add({owner_, kRow, row}, a);
+    }
+  }
+  for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));
+}
+
+// What lies around a head's button, or stands in its place.
+void Table::DrawHead(int column) const {
+  const Style& l = TheStyle();
+  const Column& c = columns_[size_t(column)];
+  const Area all = ColumnArea(column);
+  Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
+  if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
+  Area text = CellArea(column, head.y, head.h);
+  if (c.sorts) return;
+  text.TakeLeft(c.indent);
+  DrawLabel(l.small_text, c.align, text, c.title, l.ink);
+}
+
+void Table::DrawHeader(const Hit& hover) const {
+  const Style& l = TheStyle();
+  Area head = area_;
+  head.h = std::min(kHeaderHeight, area_.h);
+  Fill(head, l.tool_bar);
+  LineAtBottom(head);
+  bool lit = false;
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    if (ColumnArea(i).Empty()) continue;
+    DrawHead(i);
+    // The border that is under the pointer, at the left of the column behind it.
+    if (lit) Fill({ColumnArea(i).x - 1, head.y + 3, 2, head.h - 7}, l.accent);
+    lit = hover == Hit{owner_, kBorder, i} || (dragging_ && border_ == i);
+  }
+}
+
+void Table::DrawRow(int row, const Hit& hover) const {
+  const Style& l = TheStyle();
+  const Area a = RowArea(row);
+  CellLook cell{};
+  cell.muted = muted_;
+  cell.selected = row == selected_ && focused_ && !muted_;
+  cell.background = row % 2 ? l.row : l.document;
+  if (row == selected_)
+    cell.background = cell.selected ? l.accent : l.inactive_selection;
+  else if (hover == Hit{owner_, kRow, row})
+    cell.background = Mix(l.accent, cell.background, 7);
+  cell.ink = cell.selected ? l.on_accent : muted_ ? Dimmed(l.ink, cell.background) : l.ink;
+  cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80)
+                : muted_      ? Dimmed(l.second, cell.background)
+                              : l.second;
+  Fill(a, cell.background);
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    if (ColumnArea(i).Empty()) continue;
+    cell.area = CellArea(i, a.y, a.h);
+    cell.align = columns_[size_t(i)].align;
+    draw_(row, i, cell);
+  }
+}
+
+void Table::Draw(const Hit& hover) {
+  if (area_.Empty()) return;
+  const Style& l = TheStyle();
+  const Area body = Body();
+  XwClip(uint16_t(area_.x), uint16_t(area_.y), uint16_t(area_.w), uint16_t(area_.h));
+  DrawHeader(hover);
+  if (!body.Empty()) {
+    XwClip(uint16_t(body.x), uint16_t(body.y), uint16_t(body.w), uint16_t(body.h));
+    Fill(body, l.document);
+    const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
+    for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
+    if (rows_ == 0)
+      DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
+    if (focused_ && (rows_ == 0 || selected_ < 0)) {
+      XwSetColor(Mix(l.accent, l.document, 45));
+      XwDrawRect(body.x, body.y, body.w, body.h);
+    }
+  }
+  XwClip(0, 0, 0, 0);
+}
+
+}  // namespace console

@@ -1,0 +1,142 @@
+// A table: heads that sort, rows of columns, a selection, scrolling. It draws its rows; the heads
+// of columns that sort and the scroll bar are controls.
+//
+// The table knows nothing of what it shows: it asks for each visible cell to be drawn, and tells by
+// results what the user wants. Its owner places it, enters its areas into the window's hits while
+// drawing, and hands over keys, wheel, pointer and the reports of its controls.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "app/look/hits.h"
+#include "app/look/style.h"
+
+namespace console {
+
+struct Column {
+  const char* title;
+  int width;      // with its padding; the least where the column takes of what is spare
+  int share = 0;  // of the spare width, in proportion to the other columns' shares
+  Align align = Align::kLeft;
+  bool sorts = false;
+  int rank = 0;      // columns of the highest rank go first where the room is too narrow; 0 stays
+  int padding = 10;  // left and right
+  int indent = 0;    // of a title that does not sort, beyond the padding: over text behind an icon
+};
+
+// What a cell is drawn on and with.
+struct CellLook {
+  Area area;  // without the column's padding
+  Align align;
+  int32_t ink, second, background;
+  bool selected;  // on the accent: colours of states give way to the ink
+  bool muted;
+};
+// A colour that means something, on a cell: itself, but for selected and muted ones.
+int32_t CellColor(const CellLook& c, int32_t colour);
+
+class Table {
+ public:
+  static constexpr int kHeaderHeight = 22, kRowHeight = 22, kScrollBar = 15;
+  // Parts of hits; the index is the column or the row. A border is that at a column's right.
+  enum Part { kRow = 1, kBody, kBorder };
+
+  using DrawCell = std::function<void(int row, int column, const CellLook&)>;
+  Table(int owner, std::vector<Column> columns, DrawCell draw)
+      : owner_(owner), columns_(std::move(columns)), draw_(std::move(draw)) {}
+
+  // Makes its controls in the window: the bar with this id, the head of column n with n + 1 more.
+  // Without them (a null window) it works, and cannot be scrolled or sorted by the pointer. They
+  // end with the window.
+  void MakeControls(XwWindow* window, int id, const char* name);
+  // Whether its controls can be used.
+  void Enable(bool on);
+  // The column whose head has this id; -1 for other ids.
+  int HeadOf(int id) const;
+  // A report of its bar: false when the id is another's.
+  bool Scrolled(int id, int value);
+
+  // Laid out again; the selection stays in sight if it was.
+  void Place(const Area& a);
+  void SetRows(int rows);
+  int rows() const { return rows_; }
+  // The row is cut to what exists; below 0 is none. Scrolls it into sight.
+  void Select(int row);
+  // The same without scrolling: for a list that was filled again.
+  void KeepSelected(int row) { selected_ = row < rows_ ? row : -1; }
+  int selected() const { return selected_; }
+  void ScrollTo(int top);
+  int top() const { return top_; }
+  void Reveal(int row);
+
+  void SetFocused(bool on) { focused_ = on; }
+  void SetMuted(bool on) { muted_ = on; }
+  // Shown in the middle of a table without rows.
+  void SetEmptyText(const char* text) { empty_ = text; }
+  // The column that shows the arrow, -1 none.
+  void SetSort(int column, bool descending);
+
+  void Draw(const Hit& hover);
+  void AddHits(Hits* hits) const;
+
+  // Arrows, Home, End, Page Up, Page Down: true when the key was one of them.
+  bool Key(int type);
+  // Logical pixels, positive down. True when something moved.
+  bool Wheel(float dy);
+  // A press on a part, in column px of the window; then each motion while it is held. True when to
+  // be redrawn. The border of two columns moves room from one to the other; the widths stay in
+  // proportion to the table's from then on.
+  bool Press(const Hit& hit, int px);
+  bool Drag(int px);
+  void Release() { dragging_ = false; }
+  // Columns as wide as they were at first.
+  void ResetColumns();
+
+  const Area& area() const { return area_; }
+  // What the rows take: without header and scroll bar.
+  Area Body() const;
+  Area RowArea(int row) const;
+  // Of a shown column; empty for one that has gone.
+  Area ColumnArea(int column) const;
+
+ private:
+  void LayOutColumns();
+  int ShownRank(int room) const;
+  void ShrinkColumns(int excess);
+  int LeastWidth(int column) const;
+  // The next shown column, -1 for none.
+  int NextColumn(int column) const;
+  bool DragBorder(int px);
+  int Fits() const { return Body().h / kRowHeight; }
+  int MostTop() const;
+  bool Scrolls() const;
+  Area Bar() const;
+  Area HeadArea(int column) const;
+  Area BorderArea(int column) const;
+  void PlaceControls();
+  Area CellArea(int column, int y, int h) const;
+  void DrawHead(int column) const;
+  void DrawHeader(const Hit& hover) const;
+  void DrawRow(int row, const Hit& hover) const;
+
+  int owner_;
+  std::vector<Column> columns_;
+  DrawCell draw_;
+  std::vector<int> left_, width_;
+  std::vector<int> asked_;  // widths that the user has given, 0: none
+  Area area_;
+  int rows_ = 0, selected_ = -1, top_ = 0;
+  int sort_ = -1;
+  bool descending_ = false, focused_ = false, muted_ = false;
+  bool dragging_ = false;  // a border
+  int border_ = 0;         // of which column
+  int grip_ = 0;           // where beside the border it was pressed
+  float wheel_ = 0;        // of a pixel not yet moved
+  const char* empty_ = "";
+  int id_ = 0;
+  XwWindow* bar_ = nullptr;
+  std::vector<XwWindow*> heads_;  // null for columns that do not sort
+};
+
+}  // namespace console

@@ -1,0 +1,459 @@
+#include "app/window/console.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "app/format/texts.h"
+#include "app/look/controls.h"
+#include "app/window/commands.h"
+#include "app/window/program_icon.h"
+
+namespace console {
+namespace {
+
+constexpr int kFirstWidth = 1200, kFirstHeight = 756;
+constexpr int kMessageTicks = 60;
+constexpr int kArrowCursor = 0, kSizeCursor = 10;
+// For threads that read folders, at the end.
+constexpr int kLastWaitMs = 50;
+
+// The handlers of a window carry no argument of the program's: there is one console.
+Console* g_console;
+
+std::vector<Column> FileColumns() {
+  return {{"Name", 220, 1, Align::kLeft, true, 0, 12},
+          {"Size", 110, 0, Align::kRight, true, 0, 6},
+          {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
+}
+
+std::vector<Column> QueueColumns() {
+  return {{"Document", 180, 4, Align::kLeft, false, 0, 14, 20},
+          {"Owner", 74, 1, Align::kLeft, false, 0, 8},
+          {"Printer", 112, 1, Align::kLeft, false, 0, 8},
+          {"Profile", 110, 1, Align::kLeft, false, 2, 8},
+          {"Progress", 216, 1, Align::kLeft, false, 0, 8},
+          {"Size", 82, 0, Align::kRight, false, 0, 8},
+          {"Submitted", 102, 0, Align::kLeft, false, 0, 14},
+          {"Priority", 72, 0, Align::kRight, false, 1, 14}};
+}
+
+// --- Drawing
+
+void AddAllHits(Console* c) {
+  c->hits.Begin();
+  if (!c->asking) {
+    AddPlacesHits(c);
+    AddFolderHits(c);
+    AddQueueHits(c);
+    AddStatusHits(c);
+  }
+  c->hits.End();
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height);
+  PlaceControls(c);
+  c->damage |= kAllPanes;
+}
+
+// The pane that a hit lies in.
+unsigned PaneOf(const Hit& hit) {
+  switch (hit.owner) {
+    case kFiles:
+    case kCrumbs:
+      return kFolderPane;
+    case kQueue:
+      return kQueuePane;
+    case kPlaces:
+      return kPlacesPane;
+    case kStatus:
+      return kStatusPane;
+    default:
+      return 0;
+  }
+}
+
+// A border of columns that can be moved.
+bool IsBorder(const Hit& hit) {
+  return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
+void SetHover(Console* c, const Hit& hit) {
+  if (hit == c->hover) return;
+  c->damage |= PaneOf(c->hover) | PaneOf(hit);
+  if (IsBorder(hit) != IsBorder(c->hover))
+    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
+  c->hover = hit;
+}
+
+}  // namespace
+
+void SetFocusStop(Console* c, FocusStop stop) {
+  if (c->stop == stop) return;
+  c->stop = stop;
+  c->damage |= kToolsPane | kFolderPane | kQueuePane;
+}
+
+namespace {
+
+// What follows a change of the folder's selection.
+void FilesChanged(Console* c) {
+  c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
+}
+
+// --- Quitting
+
+[[noreturn]] void Quit(Console* c) {
+  CloseConsole(c);
+  XwEndSession();
+  exit(0);
+}
+
+}  // namespace
+
+void Leave(Console* c) {
+  if (AskBeforeQuit(c)) Quit(c);
+  SetHover(c, {});  // it is covered
+}
+
+namespace {
+
+// --- Pointer
+
+void PressTable(Console* c, const Hit& hit, bool twice) {
+  const bool files = hit.owner == kFiles;
+  Table& table = files ? c->files : c->queue;
+  if (IsBorder(hit)) {
+    if (twice) table.ResetColumns();
+    table.Press(hit, Inp.px);
+    return;
+  }
+  SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
+  table.Press(hit, Inp.px);
+  if (!files) c->missing = {};
+  c->damage |= PaneOf(hit);
+  if (!files) return;
+  FilesChanged(c);
+  if (twice && hit.part == Table::kRow) OpenSelected(c);
+}
+
+void Press(Console* c) {
+  const Hit hit = c->hits.At(Inp.item);
+  const bool twice = XwDoubleClick(&c->last_press);
+  SetHover(c, hit);
+  c->pressed = hit;
+  c->damage |= PaneOf(hit);
+  if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
+}
+
+// The secondary button opens the menu of the row.
+void PressSecondary(Console* c) {
+  const Hit hit = c->hits.At(Inp.item);
+  if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
+  PressTable(c, hit, false);
+  DrawConsole(c);
+  hit.owner == kFiles ? OpenFileMenu(c) : OpenJobMenu(c);
+}
+
+}  // namespace
+
+void StopSending(Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending) c->server.Cancel(t.number);
+}
+
+void RefreshAll(Console* c) {
+  RefreshFolder(c);
+  c->server.Refresh();
+}
+
+namespace {
+
+// Pressed and released on the same thing.
+void Use(Console* c, const Hit& hit) {
+  switch (hit.owner) {
+    case kPlaces:
+      EnterFolder(c, c->places[size_t(hit.index)].path, "");
+      break;
+    case kCrumbs:
+      PressCrumb(c, hit.index);
+      break;
+    case kStatus:
+      c->server.Refresh();
+      break;
+    default:
+      break;
+  }
+}
+
+void Release(Console* c) {
+  if (Inp.state & 1) return;  // another button
+  const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
+  c->pressed = {};
+  c->files.Release();
+  c->queue.Release();
+  c->damage |= PaneOf(pressed);
+  SetHover(c, hit);
+  if (pressed && hit == pressed) Use(c, hit);
+}
+
+void Motion(Console* c) {
+  const Hit hit = c->hits.At(Inp.item);
+  const bool files = c->files.Drag(Inp.px), queue = c->queue.Drag(Inp.px);
+  if (files) c->damage |= kFolderPane;
+  if (queue) c->damage |= kQueuePane;
+  if (files || queue) c->last_press = 0;  // what was dragged was not clicked
+  // A border is under the pointer as long as it is held.
+  if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
+  // While a button is held only the thing pressed shows that it is under the pointer.
+  SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
+}
+
+void Scrolled(float, float dy) {
+  Console* c = g_console;
+  if (!c || c->asking) return;
+  const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
+  const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
+  if (files && c->files.Wheel(dy)) c->damage |= kFolderPane;
+  if (queue && c->queue.Wheel(dy)) c->damage |= kQueuePane;
+  DrawConsole(c);
+}
+
+// --- Keyboard
+
+void FilesKey(Console* c, int type) {
+  if (!c->files.Key(type)) {
+    if (type <= ' ' || type > 126) return;
+    FindLetter(c, type);
+  }
+  FilesChanged(c);
+}
+
+void QueueKey(Console* c, int type) {
+  if (c->queue.Key(type)) {
+    c->missing = {};
+    c->damage |= kQueuePane;
+  } else if (type == ' ') {
+    RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
+  }
+}
+
+// What the control there has not taken.
+void StopKey(Console* c, int type) {
+  if (c->stop == FocusStop::kFiles) FilesKey(c, type);
+  if (c->stop == FocusStop::kQueue) QueueKey(c, type);
+  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
+    c->tools.ChangePriority(type == '+' ? 1 : -1);
+    c->damage |= kToolsPane;
+  }
+}
+
+// What is disabled is passed over.
+void MoveFocus(Console* c, int by) {
+  const int stops = int(FocusStop::kCount);
+  int stop = int(c->stop);
+  do {
+    stop = (stop + by + stops) % stops;
+  } while (IsControl(FocusStop(stop)) && !CanFocus(ControlAt(c, FocusStop(stop))));
+  SetFocusStop(c, FocusStop(stop));
+}
+
+void Escape(Console* c) {
+  StopReading(c);
+  c->message_ticks = 0;
+  c->damage |= kStatusPane;
+  SetFocusStop(c, FocusStop::kFiles);
+}
+
+void Key(Console* c, int type) {
+  if (c->asking) return QuestionKey(c, type);
+  // Those with Control come from the menu bar, as commands.
+  if (c->modifiers & XWS_CONTROL) return;
+  if (const int command = CommandOfKey(c, type)) return RunCommand(c, command);
+  if (c->modifiers & XWS_COMMAND) {
+    if (type == 'q') Leave(c);
+  } else if (type == XWE_TAB) {
+    MoveFocus(c, c->modifiers & XWS_SHIFT ? -1 : 1);
+  } else if (type == XWE_ESCAPE) {
+    Escape(c);
+  } else {
+    StopKey(c, type);
+  }
+}
+
+// --- Time
+
+void TakeUpServer(Console* c) {
+  if (!XwReplaying()) c->server.StopKeeping();
+  const std::string news = c->server.News();
+  const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
+  if (!wanted) return;
+  c->server.TakeUp(wanted, &c->state);
+  c->just_sent = 0;
+  c->state_ticks = 0;
+  for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
+  FillQueue(c);
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+}
+
+void Tick(Console* c) {
+  ++c->ticks;
+  ++c->state_ticks;
+  TakeUpServer(c);
+  TakeUpPlaces(c);
+  WatchFolder(c);
+  if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
+    c->damage |= kStatusPane;
+  if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
+  if (MayLeaveNow(c)) Quit(c);
+}
+
+void ShowActivity(int active) {
+  Console* c = g_console;
+  if (!c) return;
+  c->active = active != 0;
+  c->damage = kAllPanes;
+  DrawConsole(c);
+}
+
+int Handle(int type) {
+  Console* c = g_console;
+  if (!c) return 0;
+  switch (type) {
+    case XWE_CONFIGURE:
+      LayOutWindow(c);
+      break;
+    case XWE_EXPOSE:
+      c->damage = kAllPanes;
+      break;
+    case XWE_MOTION:
+      Motion(c);
+      break;
+    case XWE_PRESS:
+      Press(c);
+      break;
+    case XWE_PRESS + 1:
+      PressSecondary(c);
+      break;
+    case XWE_RELEASE:
+      Release(c);
+      break;
+    case XWE_MODIFIERS:
+      c->modifiers = Inp.state;
+      break;
+    case XWE_TIMER:
+      if (Inp.value == kTickTimer)
+        Tick(c);
+      else
+        TakeUpFolder(c, 0);
+      break;
+    case XWE_CONTROL:
+    case XWE_SCROLLING:
+    case XWE_SCROLLED:
+      if (GiveAnswer(c, Inp.item)) Quit(c);
+      UseControl(c, Inp.item, int(Inp.value));
+      break;
+    case XWE_EDIT_SELECT:
+    case XWE_EDIT_CHANGED:
+    case XWE_EDIT_DONE:
+      EditCopies(c, Inp.type, Inp.value == 1);
+      break;
+    case XWE_OPEN:
+      ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
+      break;
+    case XWE_CLOSE:
+      Leave(c);
+      break;
+    case XWE_MENU_OPENING:
+      ShowCommands(c);
+      break;
+    case XWE_MENU:
+      RunCommand(c, Inp.item);
+      break;
+    // The session's end and signals do not wait for an answer.
+    case XWE_QUIT:
+      if (!Inp.param) Quit(c);
+      Leave(c);
+      break;
+    default:
+      if (type < XWE_CONFIGURE) Key(c, type);
+      break;
+  }
+  DrawConsole(c);
+  return 0;
+}
+
+}  // namespace
+
+Console::Console(const std::string& host)
+    : files(kFiles, FileColumns(),
+            [this](int row, int column, const CellLook& cell) {
+              DrawFileCell(this, row, column, cell);
+            }),
+      server(host, XwReplaying()),
+      queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
+        DrawQueueCell(this, row, column, cell);
+      }) {
+  state.jobs = std::make_shared<std::vector<NC_Job>>();
+  state.printers = std::make_shared<std::vector<NC_Printer>>();
+  state.profiles = std::make_shared<std::vector<NC_Profile>>();
+}
+
+Console* OpenConsole(const std::string& host, const std::string& start) {
+  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, kFirstWidth);
+  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, kFirstHeight);
+  XwWindow* w = XwCreate(0, 30, 80, width, height, Handle);
+  if (!w) return nullptr;
+  auto* c = new Console(host);
+  g_console = c;
+  c->window = w;
+  XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
+  XwSetScrollHandler(w, Scrolled);
+  XwSetActivationHandler(w, ShowActivity);
+  SetUpProgramIcon();
+  MakeControls(c);
+  LayOutWindow(c);
+  XwTimer(w, kTickTimer, kTickMs);
+  c->folder.Begin(start);
+  FindPlaces(c);
+  EnterFolder(c, start, "");
+  SetUpCommands(c);
+  XwShow(w, 1);
+  XwSetFocus(w);
+  return c;
+}
+
+void CloseConsole(Console* c) {
+  if (!c) return;
+  XwTimer(c->window, 0, 0);
+  XwShow(c->window, 0);
+  XwSync();
+  g_console = nullptr;
+  delete c;
+  BackgroundTask::WaitForAll(kLastWaitMs);
+}
+
+void Tell(Console* c, bool good, const std::string& utf8) {
+  c->message = {good, utf8};
+  c->message_ticks = kMessageTicks;
+  c->damage |= kStatusPane;
+}
+
+void DrawConsole(Console* c) {
+  if (!c->damage) return;
+  UpdateControls(c);
+  const unsigned damage = c->damage;
+  c->damage = 0;
+  XwPush(c->window);
+  if (damage & kToolsPane) c->tools.Draw(c->layout);
+  if (damage & kPlacesPane) DrawPlacesPane(c);
+  if (damage & kFolderPane) DrawFolderPane(c);
+  if (damage & kDetailsPane) DrawDetailsPane(c);
+  if (damage & kQueuePane) DrawQueuePane(c);
+  if (damage & kStatusPane) DrawStatusPane(c);
+  if (c->asking) DrawAroundQuestion(c);
+  AddAllHits(c);
+  XwPop();
+}
+
+}  // namespace console

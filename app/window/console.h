@@ -1,0 +1,215 @@
+// The console's one window: what it shows and what the user has chosen. Each pane of it is a file
+// that draws the pane and knows what can be hit there; console.cc routes the events.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/look/hits.h"
+#include "app/look/style.h"
+#include "app/model/folder.h"
+#include "app/panes/layout.h"
+#include "app/panes/tools.h"
+#include "app/server/server.h"
+#include "app/table/table.h"
+#include "app/work/folder_reader.h"
+
+namespace console {
+
+// Owners of hits.
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
+// Parts of the status line.
+enum StatusPart { kServer = 1 };
+
+// Panes, as bits: what is to be drawn again.
+enum Pane : unsigned {
+  kToolsPane = 1,
+  kPlacesPane = 2,
+  kFolderPane = 4,
+  kDetailsPane = 8,
+  kQueuePane = 16,
+  kStatusPane = 32,
+  kAllPanes = 63
+};
+
+// Where the keyboard is; Tab goes through them in this order.
+enum class FocusStop {
+  kFiles,
+  kQueue,
+  kPrint,
+  kPrinter,
+  kProfile,
+  kCopies,
+  kPriority,
+  kHold,
+  kCount
+};
+inline bool IsControl(FocusStop stop) {
+  return stop >= FocusStop::kPrint;
+}
+
+struct Place {
+  std::string name, path;
+};
+// Which of the places there are.
+struct PlaceFinder {
+  BackgroundTask task;
+  std::shared_ptr<std::vector<Place>> found;
+};
+
+// A row of the queue: a transfer of our own, or a job of the server.
+struct QueueRow {
+  int transfer = 0;  // its number, 0 for a job
+  JobId job{};
+  bool operator==(const QueueRow&) const = default;
+};
+
+struct Console {
+  explicit Console(const std::string& host);
+
+  XwWindow* window = nullptr;
+  PrintChoice choice;
+  ToolsPane tools{&choice};
+  XwWindow *hold_job = nullptr, *release_job = nullptr, *remove_job = nullptr;
+  XwWindow* stop_sending = nullptr;
+  // Those of commands: each is enabled when its command can be run.
+  std::vector<XwWindow*> buttons;
+  Layout layout;
+  Hits hits;
+  Hit hover, pressed;
+  FocusStop stop = FocusStop::kFiles;
+  bool active = true;  // keys of the desktop come to the window
+  // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
+  // sent, brings back those of then in Inp.
+  uint32_t modifiers = 0;
+  unsigned damage = kAllPanes;
+  uint32_t last_press = 0;  // for double clicks
+
+  Folder folder;
+  FolderReader reader;
+  int reading_ticks = 0;     // since the present reading was asked for
+  int silent_s = 0;          // seconds that a look for changes has had no answer
+  std::string reading_text;  // what is said of it
+  std::vector<Place> places;
+  PlaceFinder finder;
+  std::string free_text;
+  std::string typed;  // the beginning of a name that is being looked for
+  int typed_at = 0;   // the tick of its last letter
+  Table files;
+
+  Server server;
+  ServerState state;
+  int state_ticks = 0;  // since the state came
+  int just_sent = 0;    // orders that are not yet in the state
+  std::vector<QueueRow> rows;
+  QueueRow missing;  // was selected when it went; selected again if it comes back
+  Table queue;
+
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
+
+  Notice message;
+  int message_ticks = 0;
+  int ticks = 0;
+};
+
+// A tick, and a short one while a folder is being read.
+constexpr int kTickMs = 100, kShortTickMs = 10;
+enum Timer { kTickTimer = 1, kShortTickTimer };
+// How long a replay waits for a result that the recording took up.
+constexpr int kReplayPatienceMs = 20000;
+
+// --- The window (console.cc)
+// Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
+// One console a process.
+Console* OpenConsole(const std::string& host, const std::string& start);
+// Hides the window and ends the worker.
+void CloseConsole(Console* c);
+void Tell(Console* c, bool good, const std::string& utf8);
+// Draws what is damaged.
+void DrawConsole(Console* c);
+void SetFocusStop(Console* c, FocusStop stop);
+// Whether the keyboard is there; a question has it before everything else, and an inactive window
+// has none.
+inline bool HasKeyboard(const Console* c, FocusStop stop) {
+  return c->active && c->stop == stop && !c->asking;
+}
+
+// --- The controls (controls.cc)
+void MakeControls(Console* c);
+// Where the layout says.
+void PlaceControls(Console* c);
+// They follow what the window shows. While a question is asked they are disabled.
+void UpdateControls(Console* c);
+// What one reports.
+void UseControl(Console* c, int id, int value);
+// A report of the box of the copies: 788 (gained or lost), 789, 790.
+void EditCopies(Console* c, int type, bool gained);
+// The control of a stop; null for the tables.
+XwWindow* ControlAt(const Console* c, FocusStop stop);
+
+// --- The folder (folder_pane.cc)
+void DrawFolderPane(Console* c);
+void AddFolderHits(Console* c);
+void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
+// Enters a folder, once it has been read; `select` is the name to select there, "" for none.
+void EnterFolder(Console* c, const std::string& path, const std::string& select);
+void GoUp(Console* c);
+// Shows what has been read, waiting for it so many milliseconds at most.
+void TakeUpFolder(Console* c, int wait_ms);
+// What a tick does: looks for changes, and says what takes long.
+void WatchFolder(Console* c);
+// Gives up what is being entered.
+void StopReading(Console* c);
+// Enters the selected folder; of a file it says how it is printed.
+void OpenSelected(Console* c);
+void SortBy(Console* c, int column);
+void RefreshFolder(Console* c);
+// Selects the next name that begins with what was typed within a second.
+void FindLetter(Console* c, int character);
+void PressCrumb(Console* c, int index);
+// A document that the desktop asks to open.
+void ShowDocument(Console* c, const char* path);
+
+// --- Places and details (side_panes.cc)
+void FindPlaces(Console* c);
+void TakeUpPlaces(Console* c);
+void DrawPlacesPane(Console* c);
+void AddPlacesHits(Console* c);
+void DrawDetailsPane(Console* c);
+
+// --- Printing (controls.cc)
+bool CanPrint(const Console* c);
+void PrintSelected(Console* c);
+
+// --- The queue (queue_pane.cc)
+void DrawQueuePane(Console* c);
+void AddQueueHits(Console* c);
+void DrawQueueCell(Console* c, int row, int column, const CellLook& cell);
+// After a new state: rows in order, the selection stays on its job.
+void FillQueue(Console* c);
+bool CanChange(const Console* c, JobAction action);
+void ChangeSelected(Console* c, JobAction action);
+
+// --- Quitting (quit_confirmation.cc)
+// Whether the window may close at once; else the question is shown, over everything else.
+bool AskBeforeQuit(Console* c);
+// It was asked, and nothing waits any more.
+bool MayLeaveNow(const Console* c);
+// A report of the sheet's buttons: true when the answer is to leave.
+bool GiveAnswer(Console* c, int id);
+void QuestionKey(Console* c, int type);
+// Where it stands in the window.
+void PlaceQuestion(Console* c);
+// What lies around the sheet.
+void DrawAroundQuestion(const Console* c);
+
+// --- The status line (status_pane.cc)
+void DrawStatusPane(Console* c);
+void AddStatusHits(Console* c);
+// Something is being sent, or its cancelling is not yet answered.
+bool SendingRuns(const Console* c);
+// What the line says of the server, without its name.
+std::string ServerText(const Console* c);
+
+}  // namespace console

@@ -1,0 +1,134 @@
+// The question that stands in the window's middle when it is to be closed before every document has
+// been sent. It answers itself once they have been.
+#include <algorithm>
+
+#include "app/format/texts.h"
+#include "app/look/controls.h"
+#include "app/panes/ids.h"
+#include "app/window/console.h"
+
+namespace console {
+namespace {
+
+constexpr int kWidth = 400, kHeight = 122, kBorder = 16;
+constexpr int kCloseWidth = 172, kKeepWidth = 100, kButtonHeight = 28, kGap = 10;
+constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+
+XwWindow *close_button, *keep_button;
+Console* asker;
+
+// Those that are given up when the window closes.
+int Unsent(const Console* c) {
+  const auto& all = c->state.transfers;
+  return c->just_sent + int(std::count_if(all.begin(), all.end(), [](const Transfer& t) {
+           return t.state != Sending::kCancelling;
+         }));
+}
+
+bool AllFailed(const Console* c) {
+  const auto& all = c->state.transfers;
+  return c->just_sent == 0 && std::all_of(all.begin(), all.end(), [](const Transfer& t) {
+           return t.state == Sending::kFailed || t.state == Sending::kCancelling;
+         });
+}
+
+Area SheetArea(const Console* c) {
+  const int w = c->window->width, h = c->window->height;
+  return {(w - kWidth) / 2, (h - kHeight) * 2 / 5, kWidth, kHeight};
+}
+
+void KeepOpen(Console* c) {
+  c->asking = false;
+  XwShow(c->question, 0);
+  XwSetFocus(c->window);
+  c->damage |= kAllPanes;
+}
+
+void DrawSheet(const Console* c) {
+  const Style& l = TheStyle();
+  const Area a{0, 0, kWidth, kHeight};
+  XwPush(c->question);
+  Fill(a, l.tool_bar);
+  XwSetColor(l.line);
+  XwDrawRect(a.x, a.y, a.w, a.h);
+  Area text = a.Inset(kBorder, kBorder);
+  const int n = Unsent(c);
+  DrawLabel(l.bold, Align::kLeft, text.TakeTop(18),
+            CountText(n, "document has", "documents have") + " not been sent", l.ink);
+  text.TakeTop(6);
+  DrawLabel(l.view, Align::kLeft, text.TakeTop(16),
+            AllFailed(c) ? "The queue says why. What is not sent is not printed."
+                         : "The window closes by itself as soon as everything is sent.",
+            l.second);
+  XwPop();
+}
+
+// Keys and reports are the window's.
+int Handle(int type) {
+  if (type == XWE_EXPOSE) {
+    DrawSheet(asker);
+    return 0;
+  }
+  const bool pointer = type >= XWE_CONFIGURE && type <= XWE_RELEASE;
+  return pointer ? 0 : asker->window->handler(type);
+}
+
+void MakeQuestion(Console* c) {
+  asker = c;
+  c->question = XwCreate(c->window, 0, 0, kWidth, kHeight, Handle);
+  XwSetGround(c->question, &TheStyle().tool_bar, 0);
+  const int top = kHeight - kBorder - kButtonHeight, right = kWidth - kBorder;
+  close_button =
+      XwButton(c->question, "Close without Sending", kCloseAnswer, 0, 0, 9, 9, kShown, 0);
+  keep_button = XwButton(c->question, "Keep Open", kKeepOpenAnswer, 0, 0, 9, 9, kShown, 0);
+  PlaceControl(keep_button, {right - kKeepWidth, top, kKeepWidth, kButtonHeight});
+  PlaceControl(close_button,
+               {right - kKeepWidth - kGap - kCloseWidth, top, kCloseWidth, kButtonHeight});
+}
+
+}  // namespace
+
+void PlaceQuestion(Console* c) {
+  if (!c->asking) return;
+  const Area a = SheetArea(c);
+  XwMove(c->question, a.x, a.y, a.w, a.h);
+}
+
+bool AskBeforeQuit(Console* c) {
+  if (Unsent(c) == 0) return true;
+  if (c->asking) return false;
+  c->asking = true;
+  if (!c->question) MakeQuestion(c);
+  PlaceQuestion(c);
+  c->pressed = {};
+  c->files.Release();
+  c->queue.Release();
+  c->damage |= kAllPanes;
+  XwShow(c->question, 1);
+  XwFocusControl(keep_button);
+  return false;
+}
+
+bool MayLeaveNow(const Console* c) {
+  return c->asking && Unsent(c) == 0;
+}
+
+bool GiveAnswer(Console* c, int id) {
+  if (c->asking && id == kKeepOpenAnswer) KeepOpen(c);
+  return c->asking && id == kCloseAnswer;
+}
+
+void QuestionKey(Console* c, int type) {
+  const bool keeps = XwGetFocus(c->window) == keep_button;
+  if (type == XWE_ESCAPE) KeepOpen(c);
+  if (type == XWE_TAB) XwFocusControl(keeps ? close_button : keep_button);
+  if (type == XWE_LEFT) XwFocusControl(close_button);
+  if (type == XWE_RIGHT) XwFocusControl(keep_button);
+}
+
+void DrawAroundQuestion(const Console* c) {
+  DrawShadow(SheetArea(c), 2);
+  DrawSheet(c);
+}
+
+}  // namespace console
