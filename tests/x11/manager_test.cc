@@ -372,14 +372,16 @@ TEST_F(Managed, PingsAreAnswered) {
   xcb_connection_t* c = user().connection();
   const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
   xcb_change_window_attributes(c, user().root(), XCB_CW_EVENT_MASK, &mask);
-  user().Tell(Id(w), "WM_PROTOCOLS", {user().Atom("_NET_WM_PING"), 4711, Id(w)});
+  const std::vector<uint32_t> data = {user().Atom("_NET_WM_PING"), 4711, Id(w), 0, 0};
+  user().Tell(Id(w), "WM_PROTOCOLS", data);
   bool answered = false;
   EXPECT_TRUE(RunUntil([&] {
     while (auto* e = xcb_poll_for_event(c)) {
       auto* a = reinterpret_cast<xcb_client_message_event_t*>(e);
-      answered = answered ||
-                 ((e->response_type & 0x7F) == XCB_CLIENT_MESSAGE && a->window == user().root() &&
-                  a->type == m.type && std::equal(data, data + 5, a->data.data32));
+      answered =
+          answered || ((e->response_type & 0x7F) == XCB_CLIENT_MESSAGE &&
+                       a->window == user().root() && a->type == user().Atom("WM_PROTOCOLS") &&
+                       std::equal(data.begin(), data.end(), a->data.data32));
       free(e);
     }
     return answered;
