@@ -628,29 +628,29 @@ void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifier
  * root_x and root_y; the bar's other events go nowhere. The window draws its content below. */
 
 typedef struct XwToolbarItem {
-  uint32_t word; /* an XWT_ type, XWT_ flags and the width, added. 0 ends the list */
+  uint32_t word; /* an XWB_ type, XWB_ flags and the width, added. 0 ends the list */
   XwValue data;  /* a text, an array of texts that ends with a null pointer, an XwIcon* or a colour
                     value, as the type says. A null text is empty */
   int32_t id;
   XwValue menu;  /* buttons: 0, or the XwMenuItem* that a press opens below */
 } XwToolbarItem;
 enum {
-  XWT_BUTTON = 0x1000000,     /* a text */
-  XWT_EDIT_COMBO = 0x2000000, /* texts. Its box is read-only: a press on it comes with -id */
-  XWT_LIST = 0x3000000,       /* texts, of which the first shows */
-  XWT_COLOR = 0x4000000,      /* a colour value */
-  XWT_GAP = 0x5000000,        /* 5 pixels */
-  XWT_ICON = 0x6000000,       /* an icon */
-  XWT_OPTIONS = 0x7000000,    /* a narrow button, at the right of the control before it */
-  XWT_LABEL = 0x8000000,      /* a text */
-  XWT_SLIDER = 0x9000000,     /* a text, "minimum,maximum,value" */
-  XWT_EDIT = 0xA000000,       /* a text */
-  XWT_CHECK_BOX = 0xB000000,  /* a text */
-  XWT_WIDTH = 0x7FF,          /* its pixels; 0: what the texts need, where the type has any. Of a
+  XWB_BUTTON = 0x1000000,     /* a text */
+  XWB_EDIT_COMBO = 0x2000000, /* texts. Its box is read-only: a press on it comes with -id */
+  XWB_LIST = 0x3000000,       /* texts, of which the first shows */
+  XWB_COLOR = 0x4000000,      /* a colour value */
+  XWB_GAP = 0x5000000,        /* 5 pixels */
+  XWB_ICON = 0x6000000,       /* an icon */
+  XWB_OPTIONS = 0x7000000,    /* a narrow button, at the right of the control before it */
+  XWB_LABEL = 0x8000000,      /* a text */
+  XWB_SLIDER = 0x9000000,     /* a text, "minimum,maximum,value" */
+  XWB_EDIT = 0xA000000,       /* a text */
+  XWB_CHECK_BOX = 0xB000000,  /* a text */
+  XWB_WIDTH = 0x7FF,          /* its pixels; 0: what the texts need, where the type has any. Of a
                                  combo box the least; of buttons, wells and icons none */
-  XWT_CLOSER = 0x40000000     /* the next one comes 3 pixels closer */
+  XWB_CLOSER = 0x40000000     /* the next one comes 3 pixels closer */
 };
-#define XWT_DISABLED 0x80000000u
+#define XWB_DISABLED 0x80000000u
 
 /* Makes the bar, or fills the one that is there with other controls, and shows it. `items` stays
  * the program's and must live as long as the bar; null destroys it. The bar, a sub-window; null

@@ -29,20 +29,20 @@ static const XwPathPart pause_outline[] = {RECT(4, 3, 7, 13), RECT(9, 3, 12, 13)
 static const XwPathPart stop_outline[] = {RECT(4, 4, 12, 12)};
 
 #define TEXT(text) ((XwValue)(text))
-static const XwToolbarItem items[] = {{XWT_BUTTON, TEXT("Print"), PRINT, 0},
-                                      {XWT_ICON | XWT_CLOSER, TEXT(&pause_icon), PAUSE, 0},
-                                      {XWT_ICON, TEXT(&stop_icon), STOP, 0},
-                                      {XWT_GAP, 0, 0, 0},
-                                      {XWT_BUTTON, TEXT("Jobs"), MORE, TEXT(menu)},
-                                      {XWT_LIST, TEXT(printers), PRINTER, 0},
-                                      {XWT_EDIT_COMBO, TEXT(sheets), SHEETS, 0},
-                                      {XWT_LABEL, TEXT("Sets"), 0, 0},
-                                      {XWT_EDIT | 34, TEXT("2"), COPIES, 0},
-                                      {XWT_SLIDER | 44, TEXT("0,100,40"), ZOOM, 0},
-                                      {XWT_COLOR, GOLD, INK, 0},
-                                      {XWT_GAP, 0, 0, 0},
-                                      {XWT_CHECK_BOX | 66, TEXT("Lock"), LOCK, 0},
-                                      {XWT_OPTIONS, 0, HIDE, 0},
+static const XwToolbarItem items[] = {{XWB_BUTTON, TEXT("Print"), PRINT, 0},
+                                      {XWB_ICON | XWB_CLOSER, TEXT(&pause_icon), PAUSE, 0},
+                                      {XWB_ICON, TEXT(&stop_icon), STOP, 0},
+                                      {XWB_GAP, 0, 0, 0},
+                                      {XWB_BUTTON, TEXT("Jobs"), MORE, TEXT(menu)},
+                                      {XWB_LIST, TEXT(printers), PRINTER, 0},
+                                      {XWB_EDIT_COMBO, TEXT(sheets), SHEETS, 0},
+                                      {XWB_LABEL, TEXT("Sets"), 0, 0},
+                                      {XWB_EDIT | 34, TEXT("2"), COPIES, 0},
+                                      {XWB_SLIDER | 44, TEXT("0,100,40"), ZOOM, 0},
+                                      {XWB_COLOR, GOLD, INK, 0},
+                                      {XWB_GAP, 0, 0, 0},
+                                      {XWB_CHECK_BOX | 66, TEXT("Lock"), LOCK, 0},
+                                      {XWB_OPTIONS, 0, HIDE, 0},
                                       {0, 0, 0, 0}};
 
 static void Draw(void) {

@@ -28,34 +28,34 @@ TEST(Toolbar, ItemsStandSideBySide) {
     XwToolbarItem item;
     int kind, x, y, width, height, advance;
   } rows[] = {
-      {{XWT_BUTTON, Of("Print"), 1, 0}, XWK_BUTTON, 0, 9, text + 30, 27, text + 35},
-      {{XWT_BUTTON, 0, 1, 0}, XWK_BUTTON, 0, 9, 30, 27, 35},
-      {{XWT_BUTTON, Of("Print"), 1, Of(menu)}, XWK_BUTTON, 0, 7, text + 20, 26, text + 30},
-      {{XWT_BUTTON, Of(""), 1, Of(menu)}, XWK_BUTTON, 0, 7, 15, 26, 25},
-      {{XWT_EDIT_COMBO | 10, Of(kTexts), 1, 0}, XWK_COMBO, 0, 7, longest + 55, 26, longest + 57},
-      {{XWT_LIST | 300, Of(kTexts), 1, 0}, XWK_COMBO, 0, 7, 300, 26, 302},
-      {{XWT_LIST, Of(kTexts), 1, 0}, XWK_COMBO, 0, 7, longest + 45, 26, longest + 47},
-      {{XWT_LIST | 80, 0, 1, 0}, XWK_COMBO, 0, 7, 80, 26, 82},
-      {{XWT_COLOR, 0x123456, 1, 0}, XWK_COLOR, 0, 7, 50, 26, 52},
-      {{XWT_GAP, 0, 1, 0}, 0, 0, 0, 0, 0, 5},
-      {{XWT_ICON, Of(IC_ARROWS), 1, 0}, XWK_BUTTON, 0, 7, 26, 26, 28},
-      {{XWT_ICON | XWT_CLOSER, Of(IC_ARROWS), 1, 0}, XWK_BUTTON, 0, 7, 26, 26, 25},
-      {{XWT_ICON, Of(IC_ARROWS), 1, Of(menu)}, XWK_BUTTON, 0, 7, 34, 26, 36},
-      {{XWT_ICON, 0, 1, 0}, XWK_BUTTON, 0, 7, 26, 26, 28},
-      {{XWT_OPTIONS, 0, 1, 0}, XWK_BUTTON, -3, 7, 15, 26, 14},
-      {{XWT_LABEL, Of("Print"), 1, 0}, XWK_LABEL, 0, 7, label + 25, 26, label + 25},
-      {{XWT_LABEL | 90, Of("Print"), 1, 0}, XWK_LABEL, 0, 7, 90, 26, 90},
-      {{XWT_SLIDER | 90, Of("-5,20,7"), 1, 0}, XWK_SCROLL, 0, 7, 90, 26, 92},
-      {{XWT_EDIT | 60, Of("2"), 1, 0}, XWK_EDIT, 0, 9, 60, 24, 62},
-      {{XWT_CHECK_BOX, Of("Print"), 1, 0}, XWK_CHECK_BOX, 0, 12, -1, 16, check + 45},
-      {{XWT_CHECK_BOX | 33, Of("Print"), 1, 0}, XWK_CHECK_BOX, 0, 12, -1, 16, 33},
+      {{XWB_BUTTON, Of("Print"), 1, 0}, XWK_BUTTON, 0, 9, text + 30, 27, text + 35},
+      {{XWB_BUTTON, 0, 1, 0}, XWK_BUTTON, 0, 9, 30, 27, 35},
+      {{XWB_BUTTON, Of("Print"), 1, Of(menu)}, XWK_BUTTON, 0, 7, text + 20, 26, text + 30},
+      {{XWB_BUTTON, Of(""), 1, Of(menu)}, XWK_BUTTON, 0, 7, 15, 26, 25},
+      {{XWB_EDIT_COMBO | 10, Of(kTexts), 1, 0}, XWK_COMBO, 0, 7, longest + 55, 26, longest + 57},
+      {{XWB_LIST | 300, Of(kTexts), 1, 0}, XWK_COMBO, 0, 7, 300, 26, 302},
+      {{XWB_LIST, Of(kTexts), 1, 0}, XWK_COMBO, 0, 7, longest + 45, 26, longest + 47},
+      {{XWB_LIST | 80, 0, 1, 0}, XWK_COMBO, 0, 7, 80, 26, 82},
+      {{XWB_COLOR, 0x123456, 1, 0}, XWK_COLOR, 0, 7, 50, 26, 52},
+      {{XWB_GAP, 0, 1, 0}, 0, 0, 0, 0, 0, 5},
+      {{XWB_ICON, Of(IC_ARROWS), 1, 0}, XWK_BUTTON, 0, 7, 26, 26, 28},
+      {{XWB_ICON | XWB_CLOSER, Of(IC_ARROWS), 1, 0}, XWK_BUTTON, 0, 7, 26, 26, 25},
+      {{XWB_ICON, Of(IC_ARROWS), 1, Of(menu)}, XWK_BUTTON, 0, 7, 34, 26, 36},
+      {{XWB_ICON, 0, 1, 0}, XWK_BUTTON, 0, 7, 26, 26, 28},
+      {{XWB_OPTIONS, 0, 1, 0}, XWK_BUTTON, -3, 7, 15, 26, 14},
+      {{XWB_LABEL, Of("Print"), 1, 0}, XWK_LABEL, 0, 7, label + 25, 26, label + 25},
+      {{XWB_LABEL | 90, Of("Print"), 1, 0}, XWK_LABEL, 0, 7, 90, 26, 90},
+      {{XWB_SLIDER | 90, Of("-5,20,7"), 1, 0}, XWK_SCROLL, 0, 7, 90, 26, 92},
+      {{XWB_EDIT | 60, Of("2"), 1, 0}, XWK_EDIT, 0, 9, 60, 24, 62},
+      {{XWB_CHECK_BOX, Of("Print"), 1, 0}, XWK_CHECK_BOX, 0, 12, -1, 16, check + 45},
+      {{XWB_CHECK_BOX | 33, Of("Print"), 1, 0}, XWK_CHECK_BOX, 0, 12, -1, 16, 33},
       {{1, 0, 1, 0}, 0, 0, 0, 0, 0, 0},
       {{0xC000000, 0, 1, 0}, 0, 0, 0, 0, 0, 0},
       {{0xF000000, 0, 1, 0}, 0, 0, 0, 0, 0, 0},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.item.word);
-    const XwToolbarItem items[] = {row.item, {XWT_COLOR, 0, 2, 0}, {}};
+    const XwToolbarItem items[] = {row.item, {XWB_COLOR, 0, 2, 0}, {}};
     ASSERT_TRUE(XwSetToolbar(s.main, items));
     XwWindow* w = XwGetToolbarItem(s.main, 1);
     ASSERT_EQ(w != nullptr, row.kind != 0);
@@ -95,10 +95,10 @@ std::string Keys(std::initializer_list<uint32_t> keys) {
 TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
   ControlScreen s;
   const XwToolbarItem items[] = {
-      {XWT_ICON, Of(IC_ARROWS), 1, 0},         {XWT_ICON, Of(IC_ARROWS), 2, Of(menu)},
-      {XWT_LIST | 90, Of(kTexts), 3, 0},       {XWT_SLIDER | 60, Of("0,100,40"), 4, 0},
-      {XWT_EDIT | 40, Of("2"), 5, 0},          {XWT_ICON | XWT_DISABLED, Of(IC_ARROWS), 6, 0},
-      {XWT_EDIT_COMBO | 90, Of(kTexts), 7, 0}, {},
+      {XWB_ICON, Of(IC_ARROWS), 1, 0},         {XWB_ICON, Of(IC_ARROWS), 2, Of(menu)},
+      {XWB_LIST | 90, Of(kTexts), 3, 0},       {XWB_SLIDER | 60, Of("0,100,40"), 4, 0},
+      {XWB_EDIT | 40, Of("2"), 5, 0},          {XWB_ICON | XWB_DISABLED, Of(IC_ARROWS), 6, 0},
+      {XWB_EDIT_COMBO | 90, Of(kTexts), 7, 0}, {},
   };
   XwSetToolbar(s.main, items);
   XwMove(s.main, 100, 100, 500, 200);
@@ -136,9 +136,9 @@ TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
 TEST(Toolbar, SettingAnItem) {
   ControlScreen s;
   const XwToolbarItem items[] = {
-      {XWT_CHECK_BOX, Of("Check"), 1, 0}, {XWT_EDIT | 40, Of("x"), 2, 0},
-      {XWT_LIST, Of(kTexts), 3, 0},       {XWT_EDIT_COMBO, Of(kTexts), 4, 0},
-      {XWT_SLIDER | 60, Of("1,9"), 5, 0}, {},
+      {XWB_CHECK_BOX, Of("Check"), 1, 0}, {XWB_EDIT | 40, Of("x"), 2, 0},
+      {XWB_LIST, Of(kTexts), 3, 0},       {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
+      {XWB_SLIDER | 60, Of("1,9"), 5, 0}, {},
   };
   XwSetToolbar(s.main, items);
   auto value = [&](int id) { return XwGetValue(XwGetToolbarItem(s.main, id)); };
@@ -161,7 +161,7 @@ TEST(Toolbar, SettingAnItem) {
 
 TEST(Toolbar, ItComesAndGoes) {
   ControlScreen s;
-  const XwToolbarItem none[] = {{}}, one[] = {{XWT_COLOR, 0x1FFFFFFFF & INTPTR_MAX, 1, 0}, {}};
+  const XwToolbarItem none[] = {{}}, one[] = {{XWB_COLOR, 0x1FFFFFFFF & INTPTR_MAX, 1, 0}, {}};
   XwShowToolbar(s.main, 1);
   EXPECT_EQ(XwSetToolbar(s.main, nullptr), nullptr);
   XwWindow* bar = XwSetToolbar(s.main, none);

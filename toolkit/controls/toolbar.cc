@@ -117,27 +117,27 @@ int AddCheckBox(const Place& p) {
 int AddItem(const Place& p) {
   constexpr int kGap = 5;
   switch (p.item.word >> kTypeShift & kTypeBits) {
-    case XWT_BUTTON >> kTypeShift:
+    case XWB_BUTTON >> kTypeShift:
       return AddButton(p);
-    case XWT_EDIT_COMBO >> kTypeShift:
+    case XWB_EDIT_COMBO >> kTypeShift:
       return AddComboBox(p, XWC_VARIANT | XWC_EDITABLE | XWC_RIGHT, 55);
-    case XWT_LIST >> kTypeShift:
+    case XWB_LIST >> kTypeShift:
       return AddComboBox(p, XWC_VARIANT, 45);
-    case XWT_COLOR >> kTypeShift:
+    case XWB_COLOR >> kTypeShift:
       return AddColor(p);
-    case XWT_GAP >> kTypeShift:
+    case XWB_GAP >> kTypeShift:
       return kGap;
-    case XWT_ICON >> kTypeShift:
+    case XWB_ICON >> kTypeShift:
       return AddIcon(p);
-    case XWT_OPTIONS >> kTypeShift:
+    case XWB_OPTIONS >> kTypeShift:
       return AddOptions(p);
-    case XWT_LABEL >> kTypeShift:
+    case XWB_LABEL >> kTypeShift:
       return AddLabel(p);
-    case XWT_SLIDER >> kTypeShift:
+    case XWB_SLIDER >> kTypeShift:
       return AddSlider(p);
-    case XWT_EDIT >> kTypeShift:
+    case XWB_EDIT >> kTypeShift:
       return AddEditBox(p);
-    case XWT_CHECK_BOX >> kTypeShift:
+    case XWB_CHECK_BOX >> kTypeShift:
       return AddCheckBox(p);
     default:
       return 0;
@@ -147,9 +147,9 @@ int AddItem(const Place& p) {
 void AddItems(XwWindow* bar, const XwToolbarItem* items) {
   int64_t x = kLeft;
   for (const XwToolbarItem* i = items; i->word; ++i) {
-    const uint32_t style = i->word & XWT_DISABLED ? kVisible : kBoth;
+    const uint32_t style = i->word & XWB_DISABLED ? kVisible : kBoth;
     x += AddItem({bar, *i, Saturate(x), style, int(i->word & kWidthBits)});
-    if (i->word & XWT_CLOSER) x -= kCloser;
+    if (i->word & XWB_CLOSER) x -= kCloser;
   }
 }
 
