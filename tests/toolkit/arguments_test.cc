@@ -214,6 +214,8 @@ void ImageData() {
                    nullptr);
     XwPutImageData(Hostile<int32_t>(), Hostile<int32_t>(), int(rng() % 70) - 5, int(rng() % 64),
                    pixels);
+    XwPutImageScaled(Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(), Hostile<int32_t>(),
+                     pixels, int(rng() % 70) - 5, int(rng() % 64));
     Repair();
   }
 }
@@ -502,6 +504,8 @@ const struct {
     {"XwSetMenuItemKey", Nothing},
     CALL(XwGetFocus),
     CALL(XwFocusControl),
+    CALL(XwSetTip),
+    CALL(XwGetScale),
     CALL(XwSetDefaultButtons),
     CALL(XwSetTab),
     CALL(XwDescribeControl),
@@ -556,6 +560,7 @@ const struct {
     {"XwFreeImage", Images},
     {"XwPutImage", Images},
     {"XwPutImageData", ImageData},
+    {"XwPutImageScaled", Nothing},
 #undef CALL
 };
 

@@ -9,6 +9,7 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/loop.h"
 #include "toolkit/windows/boxes.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 
@@ -123,6 +124,21 @@ OSStatus Motion(XwWindow* w, const Event& e) {
   return eventNotHandledErr;
 }
 
+// Tips belong to what the pointer rests on, in windows that hear of it.
+void ChooseTip(XwWindow* w, const Event& e) {
+  const int x = e.mouse.where.x - w->x, y = e.mouse.where.y - w->y;
+  const bool inside = x >= 0 && y >= 0 && x < w->width && y < w->height;
+  if (Inp.type != XWE_MOTION) return;
+  if (!inside || GrabWindow || Inp.state & XWS_BUTTONS || WaitKeepsOut(Inp.window)) {
+    EndTip();
+    PointAtTip(nullptr, nullptr, 0, e.mouse.where);
+    return;
+  }
+  const ControlRef control = FindControlUnderMouse({x, y}, NativeWindow(w));
+  auto* record = static_cast<XwWindow*>(control ? GetControlReference(control) : nullptr);
+  PointAtTip(Inp.window, IsLive(record) ? record : nullptr, Inp.item, e.mouse.where);
+}
+
 }  // namespace
 
 void SetTargetCoordinates(XwWindow* target) {
@@ -149,12 +165,18 @@ XwWindow* FindVirtualWindow(XwWindow* w, int x, int y) {
 OSStatus EVmouse_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
   Inp.pressure = 0;
-  if (event->kind == kEventMouseDown || event->kind == kEventMouseUp) return Button(w, *event);
-  return Motion(w, *event);
+  if (event->kind == kEventMouseDown || event->kind == kEventMouseUp) {
+    EndTip();
+    return Button(w, *event);
+  }
+  const OSStatus status = Motion(w, *event);
+  ChooseTip(w, *event);
+  return status;
 }
 
 OSStatus EVwheel_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
+  EndTip();
   int px = event->mouse.where.x - w->x, py = event->mouse.where.y - w->y;
   const OSStatus controls = ModalKeepsOut(w) ? noErr : eventNotHandledErr;
   if (ControlTakesWheel(FindControlUnderMouse({px, py}, NativeWindow(w)))) return controls;
