@@ -64,6 +64,10 @@ const Example kExamples[] = {
      {{"keyboard", "key 65289 key 65289 key 32"},
       {"changed", "click 210 20 key 65364 key 65293 click 470 20 click 566 20 press 84 20"},
       {"inactive", "unfocus"}}},
+    {"09-alert",
+     "Alert",
+     {{"keyboard", "key 65289 key 65289 key 32 in 2 key 65289 key 65289 key 65293 in 1"},
+      {"escaped", "click 60 30 in 2 key 65307 in 1"}}},
     {"10-clock", "Clock", {}, "10:08:36"},
 };
 
@@ -71,14 +75,15 @@ void PrintTo(const Example& e, std::ostream* out) {
   *out << e.name;
 }
 
-// The steps as a recording, a twentieth of a second apart.
+// The steps as a recording, a twentieth of a second apart. "in 2": keys go to the second window.
 void WriteRecording(const char* steps, const std::string& file) {
   std::ofstream out(file);
   out << "xw-record 1\n0.1 focus w1\n";
   std::istringstream lines(steps);
   double time = 0.1;
+  int window = 1;
   auto line = [&](const char* kind) -> std::ofstream& {
-    out << (time += 0.05) << ' ' << kind << " w1";
+    out << (time += 0.05) << ' ' << kind << " w" << window;
     return out;
   };
   auto pointer = [&](const char* kind, int x, int y) {
@@ -90,7 +95,9 @@ void WriteRecording(const char* steps, const std::string& file) {
   while (lines >> step) {
     int a = 0, b = 0;
     if (step != "unfocus") lines >> a;
-    if (step == "click" || step == "press") {
+    if (step == "in") {
+      window = a;
+    } else if (step == "click" || step == "press") {
       lines >> b;
       pointer("motion", a, b);
       pointer("press", a, b);
