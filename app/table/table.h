@@ -79,7 +79,8 @@ class Table {
   void SetSort(int column, bool descending);
 
   void Draw(const Hit& hover);
-  void AddHits(Hits* hits) const;
+  // `words` says what a row is; the table is called as its bar is.
+  void AddHits(Hits* hits, const std::function<Words(int row)>& words = {}) const;
 
   // Arrows, Home, End, Page Up, Page Down: true when the key was one of them.
   bool Key(int type);
@@ -136,6 +137,7 @@ class Table {
   float wheel_ = 0;        // of a pixel not yet moved
   std::string empty_;
   int id_ = 0;
+  std::string name_;
   XwWindow* bar_ = nullptr;
   std::vector<XwWindow*> heads_;  // null for columns that do not sort
 };

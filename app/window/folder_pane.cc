@@ -126,8 +126,12 @@ void AddFolderHits(Console* c) {
   const std::vector<ShownCrumb> crumbs = LayOutCrumbs(c);
   for (size_t i = 0; i < crumbs.size(); ++i)
     if (!crumbs[i].crumb.path.empty())
-      c->hits.Add({kCrumbs, 1, int(i)}, crumbs[i].area.Inset(-3, 3));
-  c->files.AddHits(&c->hits);
+      c->hits.Add({kCrumbs, 1, int(i)}, crumbs[i].area.Inset(-3, 3),
+                  {XWA_BUTTON, 0, crumbs[i].crumb.text, ""});
+  c->files.AddHits(&c->hits, [c](int row) -> Words {
+    const FolderEntry e = c->folder.At(row);
+    return {XWA_ROW, 0, Shown(e.name), e.folder ? "folder" : SizeText(e.size)};
+  });
 }
 
 void DrawFileCell(Console* c, int row, int column, const CellLook& cell) {
