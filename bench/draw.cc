@@ -90,6 +90,19 @@ std::function<void()> Over(std::vector<Shape>& list, Draw draw, int n = kBatch) 
   };
 }
 
+constexpr int kCircle = 60;
+
+void FillCircle(const Shape& s) {
+  constexpr float r = kCircle / 2.0f, k = r * 0.5522847498f;
+  const float x = float(s.x) + r, y = float(s.y) + r;
+  const XwPathPart parts[] = {{XWP_MOVE, x, y - r, 0, 0, 0, 0},
+                              {XWP_CUBIC, x + r, y, x + k, y - r, x + r, y - k},
+                              {XWP_CUBIC, x, y + r, x + r, y + k, x + k, y + r},
+                              {XWP_CUBIC, x - r, y, x - k, y + r, x - r, y + k},
+                              {XWP_CUBIC, x, y - r, x - r, y - k, x - k, y - r}};
+  XwFillPath(parts, 5, s.colour);
+}
+
 std::vector<Row> MakeRows() {
   World& w = TheWorld();
   static XwFont* font = LoadFont(platform::GetThemeFont(5).family.c_str(), kFont, 0);
@@ -97,6 +110,7 @@ std::vector<Row> MakeRows() {
   static const platform::FontFace* face = platform::FindFont(font->name);
   static floors::Glyphs glyphs(w.buffer, face, kFont);
   static floors::Copy copy(w.buffer, 256, 256, w.image);
+  static floors::Circle circle(w.buffer, kCircle);
   static floors::Mask mask(w.buffer, 16, 14, IC_EXCHANGE->bits);
   static const int32_t* advances =
       platform::GetAdvances(static_cast<platform::SizedFont*>(font->platform), w.text);
@@ -144,6 +158,8 @@ std::vector<Row> MakeRows() {
            w.shapes, [&w](const Shape& s) { XwPutImage(0, 0, s.x, s.y, 256, 256, w.image); }, 32),
        Over(
            w.shapes, [](const Shape& s) { copy.Draw(s.x, s.y); }, 32)},
+      {"path", kBatch, Over(w.shapes, FillCircle),
+       Over(w.shapes, [](const Shape& s) { circle.Draw(s.x, s.y, uint32_t(s.colour)); })},
       {"icon", kBatch,
        Over(w.shapes,
             [](const Shape& s) { XwDrawIcon(IC_EXCHANGE, s.x, s.y, 0, 0, 0x101010, -1); }),
@@ -217,6 +233,8 @@ int main(int argc, char** argv) {
     ratio[r.name] = ours / floor;
     printf("%-10s %10.1f %10.1f %7.2f\n", r.name, ours, floor, ours / floor);
   }
-  printf("draw rect_ratio=%.2f line_ratio=%.2f text_ratio=%.2f image_ratio=%.2f allocations=%ld\n",
-         ratio["rect"], ratio["line"], ratio["text"], ratio["image"], allocations);
+  printf(
+      "draw rect_ratio=%.2f line_ratio=%.2f text_ratio=%.2f image_ratio=%.2f path_ratio=%.2f "
+      "allocations=%ld\n",
+      ratio["rect"], ratio["line"], ratio["text"], ratio["image"], ratio["path"], allocations);
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "platform/fonts/face.h"
+#include FT_OUTLINE_H
 
 namespace floors {
 
@@ -230,6 +231,71 @@ Mask::~Mask() {
 void Mask::Draw(int x, int y) {
   pixman_image_composite32(PIXMAN_OP_OVER, impl_->ink, impl_->mask, impl_->target, 0, 0, 0, 0, x, y,
                            impl_->w, impl_->h);
+}
+
+struct Circle::Impl {
+  Buffer buffer;
+  FT_Library library = nullptr;
+  int diameter;
+  FT_Vector points[12] = {};
+  unsigned char tags[12] = {};
+  short end = 11;
+  FT_Outline outline{};
+  uint32_t color = 0;
+
+  // Two channels at a time.
+  static uint32_t Mix(uint32_t over, uint32_t under, uint32_t coverage) {
+    const uint32_t rest = 255 - coverage;
+    const uint32_t rb = (over & 0xFF00FF) * coverage + (under & 0xFF00FF) * rest + 0x800080;
+    const uint32_t g = (over >> 8 & 0xFF) * coverage + (under >> 8 & 0xFF) * rest + 0x80;
+    return 0xFF000000u | (rb >> 8 & 0xFF00FF) | (g & 0xFF00);
+  }
+  static void Spans(int y, int count, const FT_Span* spans, void* user) {
+    const auto* c = static_cast<const Impl*>(user);
+    uint32_t* row = c->buffer.pixels + size_t(c->buffer.height - 1 - y) * size_t(c->buffer.stride);
+    for (const FT_Span* s = spans; s != spans + count; ++s) {
+      uint32_t* p = row + s->x;
+      if (s->coverage == 255)
+        for (int i = 0; i < s->len; ++i) p[i] = c->color;
+      else
+        for (int i = 0; i < s->len; ++i) p[i] = Mix(c->color, p[i], s->coverage);
+    }
+  }
+};
+
+Circle::Circle(const Buffer& b, int diameter) : impl_(new Impl{.buffer = b, .diameter = diameter}) {
+  FT_Init_FreeType(&impl_->library);
+  const double r = diameter / 2.0, k = r * 0.5522847498;
+  const double at[12][2] = {{0, -r}, {k, -r}, {r, -k}, {r, 0},  {r, k},   {k, r},
+                            {0, r},  {-k, r}, {-r, k}, {-r, 0}, {-r, -k}, {-k, -r}};
+  for (int i = 0; i < 12; ++i) {
+    impl_->points[i] = {FT_Pos(at[i][0] * 64), FT_Pos(at[i][1] * 64)};
+    impl_->tags[i] = i % 3 ? FT_CURVE_TAG_CUBIC : FT_CURVE_TAG_ON;
+  }
+  impl_->outline.n_contours = 1;
+  impl_->outline.n_points = 12;
+  impl_->outline.points = impl_->points;
+  impl_->outline.tags = reinterpret_cast<decltype(impl_->outline.tags)>(impl_->tags);
+  impl_->outline.contours = reinterpret_cast<decltype(impl_->outline.contours)>(&impl_->end);
+}
+
+Circle::~Circle() {
+  FT_Done_FreeType(impl_->library);
+  delete impl_;
+}
+
+void Circle::Draw(int x, int y, uint32_t color) {
+  Impl& c = *impl_;
+  c.color = 0xFF000000u | color;
+  const FT_Pos dx = x * 64 + c.diameter * 32, dy = (c.buffer.height - y) * 64 - c.diameter * 32;
+  FT_Outline_Translate(&c.outline, dx, dy);
+  FT_Raster_Params params{};
+  params.flags = FT_RASTER_FLAG_AA | FT_RASTER_FLAG_DIRECT | FT_RASTER_FLAG_CLIP;
+  params.gray_spans = Impl::Spans;
+  params.user = &c;
+  params.clip_box = {0, 0, c.buffer.width, c.buffer.height};
+  FT_Outline_Render(c.library, &c.outline, &params);
+  FT_Outline_Translate(&c.outline, -dx, -dy);
 }
 
 }  // namespace floors

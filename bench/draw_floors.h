@@ -70,4 +70,19 @@ class Mask {
   Impl* impl_;
 };
 
+// A circle through FreeType's rasteriser: one outline, moved, and its spans blended into the
+// pixels.
+class Circle {
+ public:
+  Circle(const Buffer& b, int diameter);
+  ~Circle();
+  void Draw(int x, int y, uint32_t color);
+  Circle(const Circle&) = delete;
+  Circle& operator=(const Circle&) = delete;
+
+ private:
+  struct Impl;
+  Impl* impl_;
+};
+
 }  // namespace floors

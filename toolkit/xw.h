@@ -34,8 +34,8 @@
  *   Scale      Coordinates do not change with the screen's scale, and a program need not know it:
  *              one logical pixel is one to eight device pixels, text and lines are sharp at each.
  *              When a window comes to a screen of another scale, its content is drawn again (769).
- *   Threads    Everything runs on the main thread. Worker threads hand their results over through
- *              memory of the program's own and a timer that picks them up.
+ *   Threads    Everything runs on the main thread, but XwPost: by it the program's other threads
+ *              hand their results over.
  *   Memory     Windows belong to the tree and are freed by XwDestroy; no pointer to a destroyed
  *              window stays anywhere in the toolkit. Strings that are returned live in static
  *              buffers: the next call of the same function overwrites them.
@@ -203,6 +203,22 @@ int XwCheckPointer(int x, int y, int w, int h);
 /* 0 up, 1 down, 2 repeating; `key` is a key's type. 0 outside 0..531. */
 uint8_t XwGetKeyState(int key);
 void XwBeep(void);
+/* Hands the result of a background task to the main thread; on any thread, and before the session
+ * too. XwWaitEvent(null) wakes and calls take(data, 1) between two events, once those that have
+ * come before are handled; never inside a wait for one window or for raw events, an alert or a
+ * menu, nor in XwGetEvent. `data` is then the program's again.
+ *
+ * `kind` is one word. Of each kind one result waits at most: a newer one takes its place, and the
+ * older one ends with take(data, 0) on the thread that posts the newer. What still waits when the
+ * session ends, and what is posted after that or without a kind, ends so too. Null `take`: nothing
+ * is done.
+ *
+ * Record and replay: a recording notes where each result was taken, and a replay takes it at the
+ * same place, however long it is in coming. `detail`, one line, tells this result from others of
+ * its kind, so that the replay waits for the same; null or "": any will do. A recorded one that
+ * has passed by unseen in the replay is left out: one that comes later in the recording is there
+ * instead, or the state before it holds still when it has taken longer than it did. */
+void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data);
 /* Record and replay. XW_RECORD=file keeps a session's raw input as lines of text, XW_REPLAY=file
  * plays it back, without the user. What comes from elsewhere, such as a worker's result, is not in
  * the file; so that it is taken up at the same place again, a program asks here each time it looks
@@ -530,6 +546,31 @@ typedef struct XwDialogItem {
 /* Makes them all in `parent`. (dx, dy) is added to places that are not negative. */
 void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx, int32_t dy);
 
+/* Asks the user something: a window at the pointer, wholly on the screen, with a picture, one line
+ * and a button for each label, from left to right. Waits for one to be pressed and returns its
+ * number from 1; events of other windows wait or are dropped, but redraws and requests of the
+ * desktop come again afterwards. The first button has the keyboard, and Escape presses it: put the
+ * harmless label first. Without a label the alert has no way out.
+ *
+ * The first character of `kind`: '?' a question, 'i' information, anything else a warning. `title`
+ * is not used. The labels end with a null pointer. A message wider than the screen is shortened. 0
+ * when the display refuses the window. */
+#ifdef __GNUC__
+#define XW_ENDS_WITH_NULL __attribute__((sentinel))
+#else
+#define XW_ENDS_WITH_NULL
+#endif
+int XwConfirm(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
+/* The same in UTF-8. */
+int XwConfirmUtf8(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
+
+/* The file of the running program. */
+typedef struct FSSpec {
+  char path[4096]; /* absolute; bytes, not the toolkit's characters */
+} FSSpec;
+/* 0; -43 for null and where the system does not tell it. */
+int GetApplicationBundleFSSpec(FSSpec* spec);
+
 /* The control with the keyboard in the window's top-level window; null when none has it. */
 XwWindow* XwGetFocus(XwWindow* window);
 /* Gives the keyboard to a control that shows and is enabled, and the keys to its window. Ignored
@@ -603,6 +644,50 @@ char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
  * key's event, letters without case, and exactly the modifiers that are held (XWS_ bits; caps lock
  * does not count). 794 comes after the key's own event. Type 0 takes the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
+
+/* ==== Toolbar ===================================================================================
+ *
+ * A bar across the top of a window, 40 pixels high, filled from left to right with the controls of
+ * a list. What the user does with one (783, 790, 791) comes to the window as 795, with the
+ * control's id as item (of a menu, the chosen command), its value, and the place of the pointer in
+ * root_x and root_y; the bar's other events go nowhere. The window draws its content below. */
+
+typedef struct XwToolbarItem {
+  uint32_t word; /* an XWB_ type, XWB_ flags and the width, added. 0 ends the list */
+  XwValue data;  /* a text, an array of texts that ends with a null pointer, an XwIcon* or a colour
+                    value, as the type says. A null text is empty */
+  int32_t id;
+  XwValue menu;  /* buttons: 0, or the XwMenuItem* that a press opens below */
+} XwToolbarItem;
+enum {
+  XWB_BUTTON = 0x1000000,     /* a text */
+  XWB_EDIT_COMBO = 0x2000000, /* texts. Its box is read-only: a press on it comes with -id */
+  XWB_LIST = 0x3000000,       /* texts, of which the first shows */
+  XWB_COLOR = 0x4000000,      /* a colour value */
+  XWB_GAP = 0x5000000,        /* 5 pixels */
+  XWB_ICON = 0x6000000,       /* an icon */
+  XWB_OPTIONS = 0x7000000,    /* a narrow button, at the right of the control before it */
+  XWB_LABEL = 0x8000000,      /* a text */
+  XWB_SLIDER = 0x9000000,     /* a text, "minimum,maximum,value" */
+  XWB_EDIT = 0xA000000,       /* a text */
+  XWB_CHECK_BOX = 0xB000000,  /* a text */
+  XWB_WIDTH = 0x7FF,          /* its pixels; 0: what the texts need, where the type has any. Of a
+                                 combo box the least; of buttons, wells and icons none */
+  XWB_CLOSER = 0x40000000     /* the next one comes 3 pixels closer */
+};
+#define XWB_DISABLED 0x80000000u
+
+/* Makes the bar, or fills the one that is there with other controls, and shows it. `items` stays
+ * the program's and must live as long as the bar; null destroys it. The bar, a sub-window; null
+ * without one. */
+XwWindow* XwSetToolbar(XwWindow* window, const XwToolbarItem* items);
+/* Nothing without a bar. */
+void XwShowToolbar(XwWindow* window, int show);
+/* The control with this id gets the value 1 when `state` has bit 1, else 0 (an editable combo box
+ * none), and is enabled when `state` is not 0. */
+void XwSetToolbarItem(XwWindow* window, int32_t id, int32_t state);
+/* The control with this id; null. */
+XwWindow* XwGetToolbarItem(XwWindow* window, int32_t id);
 
 /* ==== Hit boxes =================================================================================
  *
@@ -808,6 +893,22 @@ int32_t XwThemeColor(int role);
  * -1 for either: not that. The radius is cut to half of the shorter side. */
 void XwRoundBox(int x, int y, int w, int h, int radius, int32_t fill, int32_t line);
 
+/* ---- Smooth paths: lines and curves with fractional coordinates, anti-aliased at the device's own
+ * pixels whatever the scale, cut by the clip. A part's (x, y) is its end, the others are control
+ * points of curves. A part that follows none or a close begins at its end. Each call rasterises. */
+enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
+typedef struct XwPathPart {
+  uint8_t verb;
+  float x, y, x1, y1, x2, y2;
+} XwPathPart;
+/* Closed and filled, inside and outside alternating where parts cross or lie in each other. The
+ * current colour stays. Markers, null, a count outside 1 to 10000, a verb that is none and a number
+ * that is not finite or beyond 16384 paint nothing. */
+void XwFillPath(const XwPathPart* parts, int count, int32_t colour);
+/* A line of `width` logical pixels along it, with round ends and joins; a width that is not above 0
+ * paints nothing. */
+void XwStrokePath(const XwPathPart* parts, int count, float width, int32_t colour);
+
 /* ---- Icons: small pictures of one bit a pixel, drawn in any pair of colours. */
 struct XwIcon {
   int32_t width, height; /* 1 to 32767; others draw nothing */
@@ -822,17 +923,10 @@ extern XwIcon IC_OPT_MENU[1];                                       /* 7 x 16 */
 extern XwIcon IC_CHECKBOX[1];                                       /* 16 x 16 */
 extern XwIcon IC_ARROWS[1];                                         /* 10 x 10 */
 
-/* A part of an outline: (x, y) is its end, the others are control points of curves. In the pixels
- * of the icon, y down. */
-enum { XWP_MOVE, XWP_LINE, XWP_QUAD, XWP_CUBIC, XWP_CLOSE };
-typedef struct XwPathPart {
-  uint8_t verb;
-  float x, y, x1, y1, x2, y2;
-} XwPathPart;
-/* Gives an icon an outline, filled even-odd, in place of its bits where buttons show it: it is
- * sharp at every scale. Copied. A part that follows none or a close begins at its end. Null or a
- * count below 1 takes the outline away; more than 4096 parts, a verb that is none and a number that
- * is not finite or beyond 16384 change nothing. The toolkit's own icons have one. */
+/* Gives an icon an outline, in pixels of the icon, filled as by XwFillPath, in place of its bits
+ * where buttons show it: it is sharp at every scale. Copied. Null or a count below 1 takes the
+ * outline away; more than 4096 parts, and what XwFillPath refuses, change nothing. The toolkit's
+ * own icons have one. */
 void XwSetIconOutline(XwIcon* icon, const XwPathPart* parts, int count);
 /* Makes the icon's cache if it has none: its bits are read once. Returns `icon`. */
 XwIcon* XwLoadIcon(XwIcon* icon);

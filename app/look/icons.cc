@@ -1,92 +1,10 @@
-// Pictures on buttons, and the icons of files.
+// The icons of files.
 #include <strings.h>
 
 #include "app/look/style.h"
 
 namespace console {
 namespace {
-
-// Drawn as text, so that it can be read: '#' is ink.
-constexpr int kSize = 16;
-using Picture = const char* [kSize];
-
-constexpr Picture kPrinterPicture = {
-    "                ", "                ", "    ########    ", "    #      #    ",
-    "    #      #    ", "    #      #    ", " ############## ", " #            # ",
-    " #          # # ", " #            # ", " ############## ", "    #      #    ",
-    "    #      #    ", "    ########    ", "                ", "                ",
-};
-constexpr Picture kUpPicture = {
-    "                ", "                ", "                ", "       ##       ",
-    "      ####      ", "     ######     ", "    ###  ###    ", "   ###    ###   ",
-    "   ##      ##   ", "                ", "                ", "                ",
-    "                ", "                ", "                ", "                ",
-};
-constexpr Picture kRefreshPicture = {
-    "                ",  "                ",  "          #     ",  "     ##   ##    ",
-    "   ########## # ",  "  ###   #######  ", "  ##      ##  #  ", "  #       #      ",
-    "  #            # ", "  ##           # ", "  ##          ## ", "   ###       ##  ",
-    "    ########## ",   "      ######    ",  "                ",  "                ",
-};
-constexpr Picture kPausePicture = {
-    "                ", "                ", "                ", "    ###  ###    ",
-    "    ###  ###    ", "    ###  ###    ", "    ###  ###    ", "    ###  ###    ",
-    "    ###  ###    ", "    ###  ###    ", "    ###  ###    ", "    ###  ###    ",
-    "    ###  ###    ", "                ", "                ", "                ",
-};
-constexpr Picture kPlayPicture = {
-    "                ", "                ", "                ", "    ##          ",
-    "    ####        ", "    ######      ", "    ########    ", "    #########   ",
-    "    #########   ", "    ########    ", "    ######      ", "    ####        ",
-    "    ##          ", "                ", "                ", "                ",
-};
-constexpr Picture kCrossPicture = {
-    "                ", "                ", "                ", "                ",
-    "    ##    ##    ", "    ###  ###    ", "     ######     ", "      ####      ",
-    "      ####      ", "     ######     ", "    ###  ###    ", "    ##    ##    ",
-    "                ", "                ", "                ", "                ",
-};
-constexpr Picture kPlusPicture = {
-    "                ", "                ", "                ", "                ",
-    "       ##       ", "       ##       ", "       ##       ", "    ########    ",
-    "    ########    ", "       ##       ", "       ##       ", "       ##       ",
-    "                ", "                ", "                ", "                ",
-};
-constexpr Picture kMinusPicture = {
-    "                ", "                ", "                ", "                ",
-    "                ", "                ", "                ", "    ########    ",
-    "    ########    ", "                ", "                ", "                ",
-    "                ", "                ", "                ", "                ",
-};
-constexpr Picture kTickPicture = {
-    "                ", "                ", "                ", "            ##  ",
-    "           ###  ", "          ###   ", "   ##    ###    ", "   ###  ###     ",
-    "    ######      ", "     ####       ", "      ##        ", "                ",
-    "                ", "                ", "                ", "                ",
-};
-constexpr const Picture* kIcons[] = {&kPrinterPicture, &kUpPicture,   &kRefreshPicture,
-                                     &kPausePicture,   &kPlayPicture, &kCrossPicture,
-                                     &kPlusPicture,    &kMinusPicture};
-
-struct Icon {
-  uint8_t bits[kSize * 2] = {};
-  XwIcon icon{kSize, kSize, nullptr, bits};
-};
-
-// Each picture becomes a one-bit icon when it is first drawn.
-void DrawPicture(const Picture* picture, int x, int y, int32_t ink) {
-  static Icon icons[std::size(kIcons) + 1];
-  size_t slot = 0;
-  while (slot < std::size(kIcons) && kIcons[slot] != picture) ++slot;
-  Icon& icon = icons[slot];
-  if (!icon.icon.cache) {
-    for (int row = 0; row < kSize; ++row)
-      for (int col = 0; col < kSize && (*picture)[row][col]; ++col)
-        if ((*picture)[row][col] == '#') icon.bits[row * 2 + col / 8] |= uint8_t(1 << col % 8);
-    XwLoadIcon(&icon.icon);
-  }
-  XwDrawIcon(&icon.icon, x, y, 0, 0, ink, -1);
-}
 
 struct KindRow {
   const char* ending;
@@ -128,29 +46,6 @@ FileKind KindOf(const std::string& name) {
 
 const char* KindText(FileKind kind) {
   return kKindTexts[int(kind)];
-}
-
-void DrawIcon(ToolIcon icon, int x, int y, int32_t ink, int32_t background) {
-  if (icon == ToolIcon::kRefresh) {
-    // An open ring with an arrow head at its upper end.
-    XwRoundBox(x + 2, y + 2, 12, 12, 6, ink, -1);
-    XwRoundBox(x + 4, y + 4, 8, 8, 4, background, -1);
-    XwBox(x + 9, y + 2, 5, 5, background);
-    const int16_t head[] = {int16_t(x + 8), int16_t(y),     int16_t(x + 13),
-                            int16_t(y + 3), int16_t(x + 8), int16_t(y + 6)};
-    XwSetColor(ink);
-    XwFillPolygon(head, 3);
-    return;
-  }
-  DrawPicture(kIcons[int(icon)], x, y, ink);
-}
-
-void DrawTick(int x, int y, int32_t ink) {
-  DrawPicture(&kTickPicture, x, y, ink);
-}
-
-void DrawArrowDown(int x, int y, int32_t ink) {
-  for (int row = 0; row < 4; ++row) XwBox(x + row, y + row, 8 - 2 * row, 1, ink);
 }
 
 void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) {

@@ -69,26 +69,6 @@ void LineAtLeft(const Area& a) {
   Fill({a.x, a.y, 1, a.h}, TheStyle().hairline);
 }
 
-void DrawFocusRing(const Area& a, int radius, int32_t background) {
-  int32_t ring = Mix(TheStyle().accent, background, 45);
-  XwRoundBox(a.x - 2, a.y - 2, a.w + 4, a.h + 4, radius + 2, ring, -1);
-}
-
-int32_t DrawFace(const Area& a, const ButtonState& s, int32_t background) {
-  const Style& l = TheStyle();
-  if (s.focused) DrawFocusRing(a, 4, background);
-  int32_t face = l.face, line = l.line, ink = l.ink;
-  if (!s.enabled) {
-    face = Dimmed(face, background), line = Dimmed(line, background), ink = Dimmed(ink, background);
-  } else if (s.pressed) {
-    face = l.pressed, line = l.pressed_line;
-  } else if (s.hover) {
-    face = Mix(l.pressed, l.face, 35), line = l.pressed_line;
-  }
-  XwRoundBox(a.x, a.y, a.w, a.h, 4, face, line);
-  return ink;
-}
-
 void DrawShadow(const Area& a, int radius) {
   const Style& l = TheStyle();
   for (int i = 3; i > 0; --i)

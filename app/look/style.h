@@ -43,25 +43,15 @@ void LineAtBottom(const Area& a);
 void LineAtRight(const Area& a);
 void LineAtLeft(const Area& a);
 
-struct ButtonState {
-  bool hover = false, pressed = false, enabled = true, focused = false;
-};
-// A button's face and its focus ring; the result is the ink for what lies on it.
-int32_t DrawFace(const Area& a, const ButtonState& s, int32_t background);
-// Around a thing that has the keyboard.
-void DrawFocusRing(const Area& a, int radius, int32_t background);
 // A bar that is `part` of `whole` full; on a selection it keeps its own background.
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
-void DrawTick(int x, int y, int32_t ink);
-// A triangle in a field of 8 x 5.
-void DrawArrowDown(int x, int y, int32_t ink);
 
-enum class ToolIcon : uint8_t { kPrinter, kUp, kRefresh, kPause, kPlay, kCross, kPlus, kMinus };
-// In a field of 16 x 16.
-void DrawIcon(ToolIcon icon, int x, int y, int32_t ink, int32_t background);
+enum class ToolIcon : uint8_t { kUp, kRefresh, kPlus, kMinus, kCross };
+// 16 x 16, for buttons; kept for the life of the process.
+XwIcon* ButtonIcon(ToolIcon icon);
 
 // Kinds of files, by the ending of their names.
 enum class FileKind : uint8_t { kFolder, kPages, kPicture, kText, kOther };

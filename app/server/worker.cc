@@ -5,13 +5,14 @@
 #include <cstring>
 
 #include "printserver/nc.h"
+#include "printserver/read_lists.h"
 #include "printserver/words.h"
 
 namespace console {
 namespace {
 
 constexpr int kConnectMs = 3000, kCallMs = 5000;
-constexpr int kPollMs = 700;
+constexpr int kPollMs = 1000;
 constexpr size_t kMostUnwanted = 64;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
 
@@ -56,6 +57,8 @@ void Worker::GoAway(const std::string& trouble) {
   shared_->state.link = Link::kAway;
   shared_->state.trouble = trouble;
   shared_->retry_at = MonotonicMs() + retry_ms_;
+  shared_->state.retry_ms = retry_ms_;
+  ++shared_->state.away_times;
   shared_->call_began = 0;
   shared_->Published();
 }
@@ -76,6 +79,7 @@ bool Worker::TryToConnect(int ms) {
     return false;
   }
   next_poll_ = 0;
+  ask_profiles_ = true;
   return true;
 }
 
@@ -99,6 +103,8 @@ bool Worker::Poll() {
   const std::string printer_bytes(reinterpret_cast<char*>(list_.get()), size_t(printers));
   const int32_t queue = NC_GetPrintQueueN(fd, list_.get(), NC_QUEUE_MAX);
   if (queue < 0) return false;
+  auto profiles = std::make_shared<std::vector<NC_Profile>>();
+  if (ask_profiles_ && !nc::ReadProfiles(fd, "", profiles.get())) return false;
   Ended();
   const std::string_view queue_bytes(reinterpret_cast<char*>(list_.get()), size_t(queue));
   const bool new_jobs = queue_bytes != last_jobs_, new_printers = printer_bytes != last_printers_;
@@ -121,8 +127,10 @@ bool Worker::Poll() {
   ServerState& state = shared_->state;
   if (jobs) state.jobs = jobs;
   if (list) state.printers = list;
-  const bool changed = jobs || list || state.link != Link::kReady;
+  if (ask_profiles_) state.profiles = profiles;
+  const bool changed = jobs || list || ask_profiles_ || state.link != Link::kReady;
   state.link = Link::kReady;
+  ask_profiles_ = false;
   if (changed && !hold_back_) shared_->Published();
   return true;
 }
@@ -167,7 +175,7 @@ void Worker::Answered(const PendingChange& change, int status) {
   std::string text = (done ? kDone : kNotDone)[int(change.action)] + (": " + name);
   if (status >= 0 && !done) text += std::string(", ") + nc::RefusalText(status, nc::Asked::kJob);
   if (status < 0) text += ", the connection broke";
-  state.notices.push_back({done, text});
+  shared_->AddNotice(done, text);
   shared_->Published();
 }
 
@@ -217,6 +225,7 @@ void Worker::Serve(int connect_ms) {
     connected = shared_->open[kLists] >= 0;
     due = shared_->retry_at <= MonotonicMs();
     if (refresh) next_poll_ = 0;
+    if (refresh) ask_profiles_ = true;
   }
   if (!connected) {
     if (!due && !refresh) return;

@@ -54,6 +54,7 @@ class Worker {
   std::unique_ptr<uint8_t[]> list_;
   std::unique_ptr<NC_Job[]> jobs_;
   std::string last_jobs_, last_printers_;
+  bool ask_profiles_ = true;  // they change with the server's settings only
   std::vector<PendingChange> finished_;
   int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
   int retry_ms_ = 0;

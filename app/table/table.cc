@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "app/look/controls.h"
+
 namespace console {
 namespace {
 
@@ -11,8 +13,6 @@ constexpr int kBorderReach = 4;
 constexpr int kHeadReach = 6;
 // The text of a head is this far from its left side.
 constexpr int kHeadText = 5;
-// Room for the mark of the column that sorts, at its right.
-constexpr int kMark = 14;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 
 }  // namespace
@@ -32,10 +32,10 @@ void Table::MakeControls(XwWindow* window, int id, const char* name) {
   }
 }
 
-void Table::Cover(bool on) {
-  if (covered_ == on) return;
-  covered_ = on;
-  PlaceControls();
+void Table::Enable(bool on) {
+  EnableControl(bar_, on);
+  for (XwWindow* head : heads_)
+    if (head) EnableControl(head, on);
 }
 
 int Table::HeadOf(int id) const {
@@ -61,21 +61,9 @@ void Table::SetSort(int column, bool descending) {
   }
 }
 
-namespace {
-
-void PlaceControl(XwWindow* w, const Area& a, bool shown) {
-  if (!w) return;
-  shown = shown && !a.Empty();
-  if (!shown) XwShow(w, 0);
-  if (shown && a != Area{w->x, w->y, w->width, w->height}) XwMove(w, a.x, a.y, a.w, a.h);
-  if (shown) XwShow(w, 1);
-}
-
-}  // namespace
-
 void Table::PlaceControls() {
-  for (size_t i = 0; i < heads_.size(); ++i) PlaceControl(heads_[i], HeadArea(int(i)), !covered_);
-  PlaceControl(bar_, Bar(), !covered_);
+  for (size_t i = 0; i < heads_.size(); ++i) PlaceControl(heads_[i], HeadArea(int(i)));
+  PlaceControl(bar_, Bar());
   const int64_t all = std::min<int64_t>(int64_t{rows_} * kRowHeight, INT32_MAX);
   if (Scrolls()) XwSetScrollRange(bar_, 0, int(all) - 1, kRowHeight, Body().h, top_);
 }
@@ -352,7 +340,7 @@ void Table::AddHits(Hits* hits) const {
   for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));
 }
 
-// What lies around a head's button, or its place while it is covered.
+// What lies around a head's button, or stands in its place.
 void Table::DrawHead(int column) const {
   const Style& l = TheStyle();
   const Column& c = columns_[size_t(column)];
@@ -361,12 +349,9 @@ void Table::DrawHead(int column) const {
   if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
   if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
   Area text = CellArea(column, head.y, head.h);
-  if (!c.sorts) text.TakeLeft(c.indent);
-  if (!c.sorts) return DrawLabel(l.small_text, c.align, text, c.title, l.ink);
-  if (!covered_) return;
-  const bool right = c.align == Align::kRight;
-  DrawLabel(l.small_text, c.align, column == sort_ && right ? text.Inset(kMark, 0) : text, c.title,
-            l.ink);
+  if (c.sorts) return;
+  text.TakeLeft(c.indent);
+  DrawLabel(l.small_text, c.align, text, c.title, l.ink);
 }
 
 void Table::DrawHeader(const Hit& hover) const {
@@ -409,13 +394,6 @@ void Table::DrawRow(int row, const Hit& hover) const {
   }
 }
 
-// In place of the control that is covered: without a thumb, since it scrolls nothing now.
-void Table::DrawBar() const {
-  const Style& l = TheStyle();
-  const Area bar = Bar();
-  XwRoundBox(bar.x, bar.y, bar.w, bar.h, 3, l.scroll_ground, l.hairline);
-}
-
 void Table::Draw(const Hit& hover) {
   if (area_.Empty()) return;
   const Style& l = TheStyle();
@@ -435,7 +413,6 @@ void Table::Draw(const Hit& hover) {
     }
   }
   XwClip(0, 0, 0, 0);
-  if (Scrolls() && covered_) DrawBar();
 }
 
 }  // namespace console

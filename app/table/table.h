@@ -50,8 +50,8 @@ class Table {
   // Without them (a null window) it works, and cannot be scrolled or sorted by the pointer. They
   // end with the window.
   void MakeControls(XwWindow* window, int id, const char* name);
-  // While something lies over it, it draws what its controls show.
-  void Cover(bool on);
+  // Whether its controls can be used.
+  void Enable(bool on);
   // The column whose head has this id; -1 for other ids.
   int HeadOf(int id) const;
   // A report of its bar: false when the id is another's.
@@ -119,7 +119,6 @@ class Table {
   void DrawHead(int column) const;
   void DrawHeader(const Hit& hover) const;
   void DrawRow(int row, const Hit& hover) const;
-  void DrawBar() const;
 
   int owner_;
   std::vector<Column> columns_;
@@ -136,7 +135,6 @@ class Table {
   float wheel_ = 0;        // of a pixel not yet moved
   const char* empty_ = "";
   int id_ = 0;
-  bool covered_ = false;
   XwWindow* bar_ = nullptr;
   std::vector<XwWindow*> heads_;  // null for columns that do not sort
 };

@@ -1,4 +1,4 @@
-// One table of commands: name, menu, key, when it can be used, what it does.
+// One table of commands: name, menu, keys, when it can be used, what it does.
 #include "app/window/commands.h"
 
 #include <iterator>
@@ -38,72 +38,122 @@ void About(Console* c) {
   Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
 }
 
-enum Menu : uint8_t { kFile, kQueue, kView, kHelp, kMenus };
+enum Menu : uint8_t { kFileMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
 constexpr const char* kTitles[kMenus] = {"File", "Queue", "View", "Help"};
+// Where a key without Control counts.
+enum Where : uint8_t { kNowhere, kInFiles, kInQueue, kInBoth };
 
 struct Command {
+  CommandId id;
   Menu menu;
-  const char* name;  // "": a separator
+  bool begins_group;  // a separator stands before it
+  const char* name;
+  bool (*enabled)(const Console* c);
+  void (*run)(Console* c);
+  // In the menu; with Control.
   int key = 0;
-  uint32_t modifiers = 0;
-  bool (*enabled)(const Console* c) = Always;
-  void (*run)(Console* c) = nullptr;
+  // Without.
+  Where where = kNowhere;
+  int plain_key = 0;
 };
-// A command's number is its place here and 1.
 constexpr Command kCommands[] = {
-    {kFile, "Open", 'o', XWS_CONTROL, HasSelection, OpenSelected},
-    {kFile, "Print", 'p', XWS_CONTROL, CanPrint, PrintSelected},
-    {kFile, ""},
-    {kFile, "Close Window", 'w', XWS_CONTROL, Always, Leave},
-    {kQueue, "Hold", 'h', XWS_CONTROL, CanDo<JobAction::kHold>, Do<JobAction::kHold>},
-    {kQueue, "Release", 'g', XWS_CONTROL, CanDo<JobAction::kRelease>, Do<JobAction::kRelease>},
-    {kQueue, "Remove", XWE_DELETE, XWS_CONTROL, CanDo<JobAction::kRemove>, Do<JobAction::kRemove>},
-    {kQueue, ""},
-    {kQueue, "Stop Sending", '.', XWS_CONTROL, IsSending, StopSending},
-    {kView, "Refresh", 'r', XWS_CONTROL, Always, RefreshAll},
-    {kView, "Enclosing Folder", XWE_UP, XWS_CONTROL, HasParent, GoUp},
-    {kView, ""},
-    {kView, "Sort by Name", '1', XWS_CONTROL, Always, Sort<0>},
-    {kView, "Sort by Size", '2', XWS_CONTROL, Always, Sort<1>},
-    {kView, "Sort by Date", '3', XWS_CONTROL, Always, Sort<2>},
-    {kHelp, "About Quorvik", 0, 0, Always, About},
+    {kOpenCommand, kFileMenu, false, "Open", HasSelection, OpenSelected, 'o', kInFiles, XWE_RETURN},
+    {kPrintCommand, kFileMenu, false, "Print", CanPrint, PrintSelected, 'p'},
+    {kCloseCommand, kFileMenu, true, "Close Window", Always, Leave, 'w'},
+    {kHoldCommand, kQueueMenu, false, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>, 'h',
+     kInQueue, 'h'},
+    {kReleaseCommand, kQueueMenu, false, "Release", CanDo<JobAction::kRelease>,
+     Do<JobAction::kRelease>, 'g', kInQueue, 'r'},
+    {kRemoveCommand, kQueueMenu, false, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
+     XWE_DELETE, kInQueue, XWE_DELETE},
+    {kStopSendingCommand, kQueueMenu, true, "Stop Sending", IsSending, StopSending, '.'},
+    {kRefreshCommand, kViewMenu, false, "Refresh", Always, RefreshAll, 'r', kInBoth, XWE_F1 + 4},
+    {kUpCommand, kViewMenu, false, "Enclosing Folder", HasParent, GoUp, XWE_UP, kInFiles,
+     XWE_BACKSPACE},
+    {kSortByNameCommand, kViewMenu, true, "Sort by Name", Always, Sort<0>, '1'},
+    {kSortBySizeCommand, kViewMenu, false, "Sort by Size", Always, Sort<1>, '2'},
+    {kSortByDateCommand, kViewMenu, false, "Sort by Date", Always, Sort<2>, '3'},
+    {kAboutCommand, kHelpMenu, false, "About Quorvik", Always, About},
 };
 constexpr int kCount = int(std::size(kCommands));
 
+const Command* Find(int id) {
+  for (const Command& command : kCommands)
+    if (command.id == id) return &command;
+  return nullptr;
+}
+
 // The arrays that the toolkit keeps pointers into, for the life of the program.
-XwMenuItem items[kMenus][kCount + 1];
+XwMenuItem items[kMenus][2 * kCount + 1];
 XwMenuItem bar[kMenus + 1];
+XwMenuItem file_menu[3], job_menu[4];
+
+void OpenMenu(Console* c, XwMenuItem* menu) {
+  for (XwMenuItem* item = menu; item->text; ++item)
+    XwEnableMenuItem(menu, item->id, CanRun(c, int(item->id)));
+  if (const int chosen = XwPopupMenu(menu)) RunCommand(c, chosen);
+}
+
+template <size_t n>
+void SetUpMenu(XwMenuItem (&menu)[n], std::initializer_list<CommandId> commands) {
+  size_t used = 0;
+  for (const CommandId id : commands) menu[used++] = {Find(id)->name, 0, id, nullptr};
+  menu[used] = {};
+}
 
 }  // namespace
 
 void SetUpCommands(Console* c) {
   int used[kMenus] = {};
-  for (int i = 0; i < kCount; ++i) {
-    const Command& command = kCommands[i];
-    items[command.menu][used[command.menu]++] = {command.name, 0, command.run ? i + 1 : 0, nullptr};
+  for (const Command& command : kCommands) {
+    XwMenuItem* menu = items[command.menu];
+    int& n = used[command.menu];
+    if (command.begins_group) menu[n++] = {"", 0, 0, nullptr};
+    menu[n++] = {command.name, 0, command.id, nullptr};
   }
   for (int m = 0; m < kMenus; ++m) {
     items[m][used[m]] = {};
     bar[m] = {kTitles[m], 0, reinterpret_cast<XwValue>(items[m]), nullptr};
   }
-  for (int i = 0; i < kCount; ++i)
-    if (kCommands[i].key)
-      XwSetMenuItemKey(items[kCommands[i].menu], i + 1, kCommands[i].key, kCommands[i].modifiers);
+  for (const Command& command : kCommands)
+    if (command.key) XwSetMenuItemKey(items[command.menu], command.id, command.key, XWS_CONTROL);
+  SetUpMenu(file_menu, {kOpenCommand, kPrintCommand});
+  SetUpMenu(job_menu, {kHoldCommand, kReleaseCommand, kRemoveCommand});
   XwSetMenu(c->window, bar);
 }
 
-void ShowCommands(const Console* c) {
-  for (int i = 0; i < kCount; ++i)
-    if (kCommands[i].run)
-      XwEnableMenuItem(items[kCommands[i].menu], i + 1, !c->asking && kCommands[i].enabled(c));
+bool CanRun(const Console* c, int id) {
+  const Command* command = Find(id);
+  return command && !c->asking && command->enabled(c);
 }
 
-void RunCommand(Console* c, int command) {
-  if (command < 1 || command > kCount || c->asking) return;
-  const Command& chosen = kCommands[command - 1];
-  if (!chosen.run || !chosen.enabled(c)) return;
-  if (c->list_open) ClosePrinterList(c);
-  chosen.run(c);
+void ShowCommands(const Console* c) {
+  for (const Command& command : kCommands)
+    XwEnableMenuItem(items[command.menu], command.id, CanRun(c, command.id));
+}
+
+void RunCommand(Console* c, int id) {
+  if (CanRun(c, id)) Find(id)->run(c);
+}
+
+int CommandOfKey(const Console* c, int type) {
+  const bool command_key = c->modifiers & XWS_COMMAND;
+  const Where here = c->stop == FocusStop::kQueue ? kInQueue : kInFiles;
+  for (const Command& command : kCommands) {
+    if (command_key ? command.key == type
+                    : command.plain_key == type && (command.where == kInBoth ||
+                                                    (command.where == here && !IsControl(c->stop))))
+      return command.id;
+  }
+  return 0;
+}
+
+void OpenFileMenu(Console* c) {
+  OpenMenu(c, file_menu);
+}
+
+void OpenJobMenu(Console* c) {
+  OpenMenu(c, job_menu);
 }
 
 }  // namespace console

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "app/format/texts.h"
+#include "app/look/controls.h"
 #include "app/window/commands.h"
 #include "app/window/program_icon.h"
 
@@ -11,7 +12,8 @@ namespace console {
 namespace {
 
 constexpr int kFirstWidth = 1200, kFirstHeight = 756;
-constexpr int kMessageTicks = 60;
+constexpr int kTickMs = 1000, kProgressMs = 100;
+constexpr int kMessageSeconds = 6;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
 constexpr int kLastWaitMs = 50;
@@ -40,13 +42,12 @@ std::vector<Column> QueueColumns() {
 
 void AddAllHits(Console* c) {
   c->hits.Begin();
-  AddToolsHits(c);
-  AddPlacesHits(c);
-  AddFolderHits(c);
-  AddQueueHits(c);
-  AddStatusHits(c);
-  if (c->list_open) AddPrinterListHits(c);
-  if (c->asking) AddQuestionHits(c);
+  if (!c->asking) {
+    AddPlacesHits(c);
+    AddFolderHits(c);
+    AddQueueHits(c);
+    AddStatusHits(c);
+  }
   c->hits.End();
 }
 
@@ -63,16 +64,11 @@ unsigned PaneOf(const Hit& hit) {
     case kCrumbs:
       return kFolderPane;
     case kQueue:
-    case kJobButtons:
       return kQueuePane;
-    case kTools:
-      return kToolsPane;
     case kPlaces:
       return kPlacesPane;
     case kStatus:
       return kStatusPane;
-    case kQuestion:
-      return kAllPanes;
     default:
       return 0;
   }
@@ -89,10 +85,6 @@ void SetHover(Console* c, const Hit& hit) {
   if (IsBorder(hit) != IsBorder(c->hover))
     XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
   c->hover = hit;
-  if (hit.owner == kPrinterList && c->list_open) {
-    c->list_row = hit.index;
-    c->damage |= kToolsPane;
-  }
 }
 
 }  // namespace
@@ -150,25 +142,18 @@ void Press(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
   const bool twice = XwDoubleClick(&c->last_press);
   SetHover(c, hit);
-  if (c->asking) {
-    if (hit.owner == kQuestion) c->pressed = hit;
-    c->damage |= kAllPanes;
-    return;
-  }
-  if (c->list_open) {
-    if (hit.owner == kPrinterList)
-      c->pressed = hit;
-    else if (!ListHoldsPointer(c))
-      ClosePrinterList(c);
-    return;
-  }
   c->pressed = hit;
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
-  if (hit == Hit{kTools, kPrinter, 0}) {
-    SetFocusStop(c, FocusStop::kPrinter);
-    OpenPrinterList(c);
-  }
+}
+
+// The secondary button opens the menu of the row.
+void PressSecondary(Console* c) {
+  const Hit hit = c->hits.At(Inp.item);
+  if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
+  PressTable(c, hit, false);
+  DrawConsole(c);
+  hit.owner == kFiles ? OpenFileMenu(c) : OpenJobMenu(c);
 }
 
 }  // namespace
@@ -185,56 +170,17 @@ void RefreshAll(Console* c) {
 
 namespace {
 
-void UseTool(Console* c, int tool) {
-  switch (tool) {
-    case kPrint:
-      PrintSelected(c);
-      break;
-    case kUp:
-      GoUp(c);
-      break;
-    case kRefresh:
-      RefreshAll(c);
-      break;
-    case kLess:
-      ChangeCopies(c, -1);
-      break;
-    case kMore:
-      ChangeCopies(c, 1);
-      break;
-    case kHold:
-      c->choice.hold = !c->choice.hold;
-      c->damage |= kToolsPane;
-      break;
-    default:
-      break;
-  }
-}
-
 // Pressed and released on the same thing.
 void Use(Console* c, const Hit& hit) {
   switch (hit.owner) {
-    case kTools:
-      UseTool(c, hit.part);
-      break;
     case kPlaces:
       EnterFolder(c, c->places[size_t(hit.index)].path, "");
       break;
     case kCrumbs:
       PressCrumb(c, hit.index);
       break;
-    case kJobButtons:
-      ChangeSelected(c, JobAction(hit.part - 1));
-      break;
-    case kPrinterList:
-      ChoosePrinter(c, hit.index);
-      break;
     case kStatus:
-      if (hit.part == kServer) c->server.Refresh();
-      if (hit.part == kStopSending) StopSending(c);
-      break;
-    case kQuestion:
-      if (GiveAnswer(c, hit.index)) Quit(c);
+      c->server.Refresh();
       break;
     default:
       break;
@@ -266,7 +212,7 @@ void Motion(Console* c) {
 
 void Scrolled(float, float dy) {
   Console* c = g_console;
-  if (!c || c->list_open || c->asking) return;
+  if (!c || c->asking) return;
   const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
   if (files && c->files.Wheel(dy)) c->damage |= kFolderPane;
@@ -276,151 +222,100 @@ void Scrolled(float, float dy) {
 
 // --- Keyboard
 
-bool FilesKey(Console* c, int type) {
-  if (type == XWE_RETURN) return OpenSelected(c), true;
-  if (type == XWE_BACKSPACE) return GoUp(c), true;
+void FilesKey(Console* c, int type) {
   if (!c->files.Key(type)) {
-    if (type <= ' ' || type > 126) return false;
+    if (type <= ' ' || type > 126) return;
     FindLetter(c, type);
   }
   FilesChanged(c);
-  return true;
 }
 
-bool QueueKey(Console* c, int type) {
+void QueueKey(Console* c, int type) {
   if (c->queue.Key(type)) {
     c->missing = {};
     c->damage |= kQueuePane;
-    return true;
-  }
-  if (type == XWE_DELETE || type == XWE_BACKSPACE)
-    return ChangeSelected(c, JobAction::kRemove), true;
-  if (type == 'h' || type == 'r' || type == ' ') {
-    const bool hold = type == 'h' || (type == ' ' && CanChange(c, JobAction::kHold));
-    return ChangeSelected(c, hold ? JobAction::kHold : JobAction::kRelease), true;
-  }
-  return false;
-}
-
-int Step(int type, int page) {
-  switch (type) {
-    case XWE_UP:
-    case XWE_RIGHT:
-    case '+':
-      return 1;
-    case XWE_DOWN:
-    case XWE_LEFT:
-    case '-':
-      return -1;
-    case XWE_PAGE_UP:
-      return page;
-    case XWE_PAGE_DOWN:
-      return -page;
-    case XWE_HOME:
-      return -1000;
-    case XWE_END:
-      return 1000;
-    default:
-      return 0;
+  } else if (type == ' ') {
+    RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
   }
 }
 
+// What the control there has not taken.
 void StopKey(Console* c, int type) {
-  const bool go = type == ' ' || type == XWE_RETURN;
-  switch (c->stop) {
-    case FocusStop::kFiles:
-      FilesKey(c, type);
-      break;
-    case FocusStop::kQueue:
-      QueueKey(c, type);
-      break;
-    case FocusStop::kPrint:
-      if (go) PrintSelected(c);
-      break;
-    case FocusStop::kPrinter:
-      if (go || type == XWE_DOWN) OpenPrinterList(c);
-      break;
-    case FocusStop::kCopies:  // its box has taken them
-      break;
-    case FocusStop::kPriority:
-      ChangePriority(c, Step(type, 10));
-      break;
-    case FocusStop::kHold:
-      if (go) UseTool(c, kHold);
-      break;
-    case FocusStop::kCount:
-      break;
+  if (c->stop == FocusStop::kFiles) FilesKey(c, type);
+  if (c->stop == FocusStop::kQueue) QueueKey(c, type);
+  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
+    c->tools.ChangePriority(type == '+' ? 1 : -1);
+    c->damage |= kToolsPane;
   }
 }
 
 // What is disabled is passed over.
-bool CanFocus(const Console* c, FocusStop stop) {
-  if (stop == FocusStop::kPrint) return CanPrint(c);
-  return stop != FocusStop::kPrinter || !c->state.printers->empty();
+void MoveFocus(Console* c, int by) {
+  const int stops = int(FocusStop::kCount);
+  int stop = int(c->stop);
+  do {
+    stop = (stop + by + stops) % stops;
+  } while (IsControl(FocusStop(stop)) && !CanFocus(ControlAt(c, FocusStop(stop))));
+  SetFocusStop(c, FocusStop(stop));
 }
 
 void Escape(Console* c) {
   StopReading(c);
-  c->message_ticks = 0;
+  c->message_s = 0;
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
 
 void Key(Console* c, int type) {
-  const int stops = int(FocusStop::kCount), shift = c->modifiers & XWS_SHIFT ? stops - 1 : 1;
-  if (c->asking) {
-    if (QuestionKey(c, type)) Quit(c);
-    return;
-  }
-  if (c->list_open) {
-    PrinterListKey(c, type);
-    return;
-  }
-  if (c->modifiers & (XWS_CONTROL | XWS_COMMAND)) {
-    // Those with Control come from the menu bar, as commands.
-    if (c->modifiers & XWS_CONTROL) return;
-    if (type == 'p') PrintSelected(c);
-    if (type == 'r') RefreshAll(c);
-    if (type == 'q' || type == 'w') Leave(c);
-    return;
-  }
-  if (type == XWE_TAB) {
-    int stop = (int(c->stop) + shift) % stops;
-    while (!CanFocus(c, FocusStop(stop))) stop = (stop + shift) % stops;
-    SetFocusStop(c, FocusStop(stop));
-  } else if (type == XWE_ESCAPE)
+  if (c->asking) return QuestionKey(c, type);
+  // Those with Control come from the menu bar, as commands.
+  if (c->modifiers & XWS_CONTROL) return;
+  if (const int command = CommandOfKey(c, type)) return RunCommand(c, command);
+  if (c->modifiers & XWS_COMMAND) {
+    if (type == 'q') Leave(c);
+  } else if (type == XWE_TAB) {
+    MoveFocus(c, c->modifiers & XWS_SHIFT ? -1 : 1);
+  } else if (type == XWE_ESCAPE) {
     Escape(c);
-  else if (type == XWE_F1 + 4)
-    RefreshAll(c);
-  else
+  } else {
     StopKey(c, type);
+  }
 }
 
 // --- Time
 
-void TakeUpServer(Console* c) {
-  if (!XwReplaying()) c->server.StopKeeping();
-  const std::string news = c->server.News();
-  const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
-  if (!wanted) return;
-  c->server.TakeUp(wanted, &c->state);
+void ServerChanged(Console* c, ServerState state) {
+  if (state.away_times != c->state.away_times) c->away_s = 0;
+  c->state = std::move(state);
   c->just_sent = 0;
-  c->state_ticks = 0;
-  for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
-  if (c->state.printers->empty()) c->list_open = false;
+  for (const Notice& n : c->state.notices)
+    if (n.number > c->last_notice) Tell(c, n.good, n.text);
+  if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
+  XwTimer(c->window, kProgressTimer, 0);
+  if (SendingRuns(c)) XwTimer(c->window, kProgressTimer, kProgressMs);
   FillQueue(c);
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  DrawConsole(c);
+  if (MayLeaveNow(c)) Quit(c);
+}
+
+void ShowProgress(Console* c) {
+  c->server.ShowProgress(&c->state.transfers);
+  c->damage |= kQueuePane | kStatusPane;
 }
 
 void Tick(Console* c) {
-  ++c->ticks;
-  ++c->state_ticks;
-  TakeUpServer(c);
-  TakeUpPlaces(c);
+  c->server.Tick();
   WatchFolder(c);
-  if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
-    c->damage |= kStatusPane;
-  if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
+  ++c->away_s;
+  if (c->state.link == Link::kAway) c->damage |= kStatusPane;
+  if (c->message_s > 0 && --c->message_s == 0) c->damage |= kStatusPane;
+}
+
+void OnTimer(Console* c, int timer) {
+  if (timer == kTickTimer) Tick(c);
+  if (timer == kReadingTimer) ShowWait(c);
+  if (timer == kProgressTimer) ShowProgress(c);
   if (MayLeaveNow(c)) Quit(c);
 }
 
@@ -448,6 +343,9 @@ int Handle(int type) {
     case XWE_PRESS:
       Press(c);
       break;
+    case XWE_PRESS + 1:
+      PressSecondary(c);
+      break;
     case XWE_RELEASE:
       Release(c);
       break;
@@ -455,14 +353,12 @@ int Handle(int type) {
       c->modifiers = Inp.state;
       break;
     case XWE_TIMER:
-      if (Inp.value == kTickTimer)
-        Tick(c);
-      else
-        TakeUpFolder(c, 0);
+      OnTimer(c, int(Inp.value));
       break;
     case XWE_CONTROL:
     case XWE_SCROLLING:
     case XWE_SCROLLED:
+      if (GiveAnswer(c, Inp.item)) Quit(c);
       UseControl(c, Inp.item, int(Inp.value));
       break;
     case XWE_EDIT_SELECT:
@@ -497,17 +393,28 @@ int Handle(int type) {
 
 }  // namespace
 
+void ShowSilence(int seconds) {
+  Console* c = g_console;
+  if (!c) return;
+  c->silent_s = seconds;
+  c->damage |= kFolderPane;
+  DrawConsole(c);
+}
+
 Console::Console(const std::string& host)
-    : files(kFiles, FileColumns(),
+    : reader([this](FolderReading* reading) { FolderCame(this, reading); }),
+      watch([this] { FolderChanged(this); }),
+      files(kFiles, FileColumns(),
             [this](int row, int column, const CellLook& cell) {
               DrawFileCell(this, row, column, cell);
             }),
-      server(host, XwReplaying()),
+      server(host, [this](ServerState news) { ServerChanged(this, std::move(news)); }),
       queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
         DrawQueueCell(this, row, column, cell);
       }) {
   state.jobs = std::make_shared<std::vector<NC_Job>>();
   state.printers = std::make_shared<std::vector<NC_Printer>>();
+  state.profiles = std::make_shared<std::vector<NC_Profile>>();
 }
 
 Console* OpenConsole(const std::string& host, const std::string& start) {
@@ -546,36 +453,23 @@ void CloseConsole(Console* c) {
 
 void Tell(Console* c, bool good, const std::string& utf8) {
   c->message = {good, utf8};
-  c->message_ticks = kMessageTicks;
+  c->message_s = kMessageSeconds;
   c->damage |= kStatusPane;
-}
-
-ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled) {
-  ButtonState s;
-  s.enabled = enabled;
-  s.hover = c->hover == hit && !c->pressed;
-  s.pressed = c->hover == hit && c->pressed == hit;
-  return s;
 }
 
 void DrawConsole(Console* c) {
   if (!c->damage) return;
   UpdateControls(c);
-  unsigned damage = c->damage;
-  if (c->asking) damage = kAllPanes;
-  // What the list lies over is drawn again below it.
-  if (c->list_open && damage & (kToolsPane | kFolderPane | kDetailsPane | kQueuePane))
-    damage |= kToolsPane | kFolderPane | kDetailsPane | kQueuePane;
+  const unsigned damage = c->damage;
   c->damage = 0;
   XwPush(c->window);
-  if (damage & kToolsPane) DrawToolsPane(c);
+  if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) DrawPlacesPane(c);
   if (damage & kFolderPane) DrawFolderPane(c);
   if (damage & kDetailsPane) DrawDetailsPane(c);
   if (damage & kQueuePane) DrawQueuePane(c);
   if (damage & kStatusPane) DrawStatusPane(c);
-  if (c->list_open) DrawPrinterList(c);
-  if (c->asking) DrawQuestion(c);
+  if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);
   XwPop();
 }

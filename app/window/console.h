@@ -8,38 +8,20 @@
 #include "app/look/hits.h"
 #include "app/look/style.h"
 #include "app/model/folder.h"
+#include "app/panes/layout.h"
+#include "app/panes/tools.h"
 #include "app/server/server.h"
 #include "app/table/table.h"
-#include "app/window/layout.h"
 #include "app/work/folder_reader.h"
+#include "app/work/folder_watch.h"
+#include "app/work/place_finder.h"
 
 namespace console {
 
 // Owners of hits.
-enum Owner {
-  kNobody,
-  kFiles,
-  kQueue,
-  kTools,
-  kPlaces,
-  kCrumbs,
-  kJobButtons,
-  kPrinterList,
-  kStatus,
-  kQuestion
-};
-
-// Parts of the tools.
-enum Tool { kPrint = 1, kUp, kRefresh, kPrinter, kLess, kMore, kHold };
-// Ids of controls; those of a table's heads follow its own.
-enum ControlId {
-  kPriorityControl = 1,
-  kCopiesControl = 2,
-  kFilesControls = 100,
-  kQueueControls = 200
-};
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
 // Parts of the status line.
-enum StatusPart { kServer = 1, kStopSending };
+enum StatusPart { kServer = 1 };
 
 // Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
@@ -53,16 +35,20 @@ enum Pane : unsigned {
 };
 
 // Where the keyboard is; Tab goes through them in this order.
-enum class FocusStop { kFiles, kQueue, kPrint, kPrinter, kCopies, kPriority, kHold, kCount };
-
-struct Place {
-  std::string name, path;
+enum class FocusStop {
+  kFiles,
+  kQueue,
+  kPrint,
+  kPrinter,
+  kProfile,
+  kCopies,
+  kPriority,
+  kHold,
+  kCount
 };
-// Which of the places there are.
-struct PlaceFinder {
-  BackgroundTask task;
-  std::shared_ptr<std::vector<Place>> found;
-};
+inline bool IsControl(FocusStop stop) {
+  return stop >= FocusStop::kPrint;
+}
 
 // A row of the queue: a transfer of our own, or a job of the server.
 struct QueueRow {
@@ -71,20 +57,16 @@ struct QueueRow {
   bool operator==(const QueueRow&) const = default;
 };
 
-constexpr int kMostPriority = 100;
-// How the next file is printed.
-struct PrintChoice {
-  std::string printer;  // its name, "" as long as none is chosen: the server's default
-  int copies = 1, priority = 50;
-  bool hold = false;
-};
-
 struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
-  XwWindow* priority = nullptr;  // the slider
-  XwWindow* copies = nullptr;    // the edit box
+  PrintChoice choice;
+  ToolsPane tools{&choice};
+  XwWindow *hold_job = nullptr, *release_job = nullptr, *remove_job = nullptr;
+  XwWindow* stop_sending = nullptr;
+  // Those of commands: each is enabled when its command can be run.
+  std::vector<XwWindow*> buttons;
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -98,41 +80,35 @@ struct Console {
 
   Folder folder;
   FolderReader reader;
-  int reading_ticks = 0;     // since the present reading was asked for
-  int silent_s = 0;          // seconds that a look for changes has had no answer
+  FolderWatch watch;
+  int reading_s = 0;         // since the present reading was asked for
+  int silent_s = 0;          // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;   // the same, on its way
   std::string reading_text;  // what is said of it
   std::vector<Place> places;
   PlaceFinder finder;
   std::string free_text;
-  std::string typed;  // the beginning of a name that is being looked for
-  int typed_at = 0;   // the tick of its last letter
+  std::string typed;      // the beginning of a name that is being looked for
+  uint32_t typed_at = 0;  // the time of its last letter
   Table files;
 
   Server server;
   ServerState state;
-  int state_ticks = 0;  // since the state came
+  int away_s = 0;       // since it went away
+  int last_notice = 0;  // that was shown
   int just_sent = 0;    // orders that are not yet in the state
   std::vector<QueueRow> rows;
   QueueRow missing;  // was selected when it went; selected again if it comes back
   Table queue;
 
-  PrintChoice choice;
-  bool list_open = false;  // of printers
-  int list_row = 0;
-
-  bool asking = false;  // whether to leave before everything is sent
-  int answer = 0;       // the one that has the keyboard
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   Notice message;
-  int message_ticks = 0;
-  int ticks = 0;
+  int message_s = 0;  // that it is still shown
 };
 
-// A tick, and a short one while a folder is being read.
-constexpr int kTickMs = 100, kShortTickMs = 10;
-enum Timer { kTickTimer = 1, kShortTickTimer };
-// How long a replay waits for a result that the recording took up.
-constexpr int kReplayPatienceMs = 20000;
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
@@ -143,8 +119,6 @@ void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
-// How a button looks that can be hit there.
-ButtonState ButtonAt(const Console* c, const Hit& hit, bool enabled);
 void SetFocusStop(Console* c, FocusStop stop);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
@@ -156,11 +130,14 @@ inline bool HasKeyboard(const Console* c, FocusStop stop) {
 void MakeControls(Console* c);
 // Where the layout says.
 void PlaceControls(Console* c);
-// They follow what the window shows: what lies over the tables hides theirs, a question stops the
-// slider, which has the keyboard at its stop.
+// They follow what the window shows. While a question is asked they are disabled.
 void UpdateControls(Console* c);
 // What one reports.
 void UseControl(Console* c, int id, int value);
+// A report of the box of the copies: 788 (gained or lost), 789, 790.
+void EditCopies(Console* c, int type, bool gained);
+// The control of a stop; null for the tables.
+XwWindow* ControlAt(const Console* c, FocusStop stop);
 
 // --- The folder (folder_pane.cc)
 void DrawFolderPane(Console* c);
@@ -169,9 +146,13 @@ void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
 void EnterFolder(Console* c, const std::string& path, const std::string& select);
 void GoUp(Console* c);
-// Shows what has been read, waiting for it so many milliseconds at most.
-void TakeUpFolder(Console* c, int wait_ms);
-// What a tick does: looks for changes, and says what takes long.
+// Results of the reader and of the watch.
+void FolderCame(Console* c, FolderReading* reading);
+void FolderChanged(Console* c);
+void ShowSilence(int seconds);
+// Says that something is being read.
+void ShowWait(Console* c);
+// What a tick does: says what takes long.
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
@@ -187,33 +168,13 @@ void ShowDocument(Console* c, const char* path);
 
 // --- Places and details (side_panes.cc)
 void FindPlaces(Console* c);
-void TakeUpPlaces(Console* c);
 void DrawPlacesPane(Console* c);
 void AddPlacesHits(Console* c);
 void DrawDetailsPane(Console* c);
 
-// --- Printing (tools_pane.cc, printer_list.cc)
-void DrawToolsPane(Console* c);
-void AddToolsHits(Console* c);
+// --- Printing (controls.cc)
 bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
-// The printer that the next file goes to; null when no list is known.
-const NC_Printer* ChosenPrinter(const Console* c);
-constexpr int kMostCopies = 999;
-void ChangeCopies(Console* c, int by);
-// A report of the box: 788 (gained or lost), 789, 790.
-void EditCopies(Console* c, int type, bool gained);
-void ChangePriority(Console* c, int by);
-// The slider has been moved.
-void SlidePriority(Console* c, int value);
-void OpenPrinterList(Console* c);
-void ClosePrinterList(Console* c);
-void ChoosePrinter(Console* c, int row);
-bool PrinterListKey(Console* c, int type);
-void DrawPrinterList(Console* c);
-void AddPrinterListHits(Console* c);
-// Whether the pointer (Inp) is over it.
-bool ListHoldsPointer(const Console* c);
 
 // --- The queue (queue_pane.cc)
 void DrawQueuePane(Console* c);
@@ -225,19 +186,23 @@ bool CanChange(const Console* c, JobAction action);
 void ChangeSelected(Console* c, JobAction action);
 
 // --- Quitting (quit_confirmation.cc)
-// Whether the window may close at once; else the question is shown.
+// Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.
 bool MayLeaveNow(const Console* c);
-// True when the answer is to leave.
-bool GiveAnswer(Console* c, int answer);
-bool QuestionKey(Console* c, int type);
-void DrawQuestion(const Console* c);
-void AddQuestionHits(Console* c);
+// A report of the sheet's buttons: true when the answer is to leave.
+bool GiveAnswer(Console* c, int id);
+void QuestionKey(Console* c, int type);
+// Where it stands in the window.
+void PlaceQuestion(Console* c);
+// What lies around the sheet.
+void DrawAroundQuestion(const Console* c);
 
 // --- The status line (status_pane.cc)
 void DrawStatusPane(Console* c);
 void AddStatusHits(Console* c);
+// Something is being sent, or its cancelling is not yet answered.
+bool SendingRuns(const Console* c);
 // What the line says of the server, without its name.
 std::string ServerText(const Console* c);
 

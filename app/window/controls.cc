@@ -1,68 +1,124 @@
-// The console's controls: the priority's slider, the box of the copies, and those of its tables.
+// The console's controls: those of the tools, of the tables, and the buttons of commands.
+#include "app/look/controls.h"
+
+#include "app/panes/ids.h"
+#include "app/window/commands.h"
 #include "app/window/console.h"
 
 namespace console {
 
+constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+
 void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
-  c->priority = XwSlider(w, kPriorityControl, 0, 0, 9, 1, XWC_ENABLED | XWC_VISIBLE, 1,
-                         kMostPriority, c->choice.priority);
-  XwDescribeControl(c->priority, "Priority");
-  c->copies = XwEditBox(w, "1", kCopiesControl, 0, 0, 9, 9, XWC_ENABLED | XWC_VISIBLE);
-  XwDescribeControl(c->copies, "Copies");
+  c->tools.MakeControls(w);
   c->files.MakeControls(w, kFilesControls, "Files");
   c->queue.MakeControls(w, kQueueControls, "Queue");
+  c->hold_job = XwButton(w, "Hold", kHoldCommand, 0, 0, 9, 9, kShown, 0);
+  c->release_job = XwButton(w, "Release", kReleaseCommand, 0, 0, 9, 9, kShown, 0);
+  c->remove_job = XwButton(w, "Remove", kRemoveCommand, 0, 0, 9, 9, kShown, 0);
+  c->stop_sending = XwButton(w, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9,
+                             XWC_ENABLED | XWC_ICON, 0);
+  XwDescribeControl(c->hold_job, "Hold Job");
+  XwDescribeControl(c->stop_sending, "Stop Sending");
+  c->buttons = {c->tools.print, c->tools.up,   c->tools.refresh, c->hold_job,
+                c->release_job, c->remove_job, c->stop_sending};
 }
 
 void PlaceControls(Console* c) {
-  c->files.Place(c->layout.folder);
-  c->queue.Place(c->layout.queue);
-  const Area s = c->layout.slider;
-  XwMove(c->priority, s.x, s.y, s.w, s.h);
-  const Area f = c->layout.copies;
-  XwMove(c->copies, f.x - 1, f.y, f.w + 2, f.h);
+  const Layout& l = c->layout;
+  c->tools.Place(l);
+  c->files.Place(l.folder);
+  c->queue.Place(l.queue);
+  PlaceControl(c->hold_job, l.hold_job);
+  PlaceControl(c->release_job, l.release_job);
+  PlaceControl(c->remove_job, l.remove_job);
+  PlaceQuestion(c);
 }
 
-void UpdateControls(Console* c) {
-  c->files.Cover(c->list_open || c->asking);
-  c->queue.Cover(c->list_open || c->asking);
-  XwWindow* wants = nullptr;
-  if (HasKeyboard(c, FocusStop::kPriority)) wants = c->priority;
-  if (HasKeyboard(c, FocusStop::kCopies)) wants = c->copies;
-  if (c->list_open) wants = nullptr;
-  for (XwWindow* control : {c->priority, c->copies})
-    if (control->enabled != !c->asking) XwEnable(control, !c->asking);
+XwWindow* ControlAt(const Console* c, FocusStop stop) {
+  switch (stop) {
+    case FocusStop::kPrint:
+      return c->tools.print;
+    case FocusStop::kPrinter:
+      return c->tools.printer();
+    case FocusStop::kProfile:
+      return c->tools.profile();
+    case FocusStop::kCopies:
+      return c->tools.copies;
+    case FocusStop::kPriority:
+      return c->tools.priority;
+    case FocusStop::kHold:
+      return c->tools.hold;
+    default:
+      return nullptr;
+  }
+}
+
+namespace {
+
+// The keyboard goes where the stop is; with a control that cannot have it any more it goes back to
+// the files.
+void UpdateFocus(Console* c) {
+  if (c->asking) return;
+  if (IsControl(c->stop) && !CanFocus(ControlAt(c, c->stop))) SetFocusStop(c, FocusStop::kFiles);
+  XwWindow* wants = ControlAt(c, c->stop);
   XwWindow* has = XwGetFocus(c->window);
   if (wants && has != wants) XwFocusControl(wants);
-  if (!wants && (has == c->priority || has == c->copies)) XwSetFocus(c->window);
+  if (!wants && has) XwSetFocus(c->window);
+}
+
+}  // namespace
+
+void UpdateControls(Console* c) {
+  PlaceControl(c->stop_sending, SendingRuns(c) ? c->layout.stop_sending : Area{});
+  for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
+  c->tools.Update(c->state, !c->asking);
+  c->files.Enable(!c->asking);
+  c->queue.Enable(!c->asking);
+  UpdateFocus(c);
 }
 
 void EditCopies(Console* c, int type, bool gained) {
-  if (type == XWE_EDIT_CHANGED) {
-    const int copies = XwGetValue(c->copies);
-    if (copies >= 1 && copies <= kMostCopies) c->choice.copies = copies;
-    c->damage |= kToolsPane;
-  } else if (type == XWE_EDIT_SELECT && gained) {
-    if (c->list_open) ClosePrinterList(c);
-    SetFocusStop(c, FocusStop::kCopies);
-  } else {
-    // What is no number of copies gives place to the one that counts.
-    XwSetValue(c->copies, c->choice.copies);
-    if (HasKeyboard(c, FocusStop::kCopies) && XwGetFocus(c->window) != c->copies)
-      SetFocusStop(c, FocusStop::kFiles);
-  }
+  if (type == XWE_EDIT_SELECT && gained) return SetFocusStop(c, FocusStop::kCopies);
+  c->tools.Edited(type);
+  c->damage |= kToolsPane;
+  if (type != XWE_EDIT_CHANGED && c->stop == FocusStop::kCopies && c->active &&
+      XwGetFocus(c->window) != c->tools.copies)
+    SetFocusStop(c, FocusStop::kFiles);
 }
 
 void UseControl(Console* c, int id, int value) {
-  if (id == kPriorityControl) {
-    if (c->list_open) ClosePrinterList(c);
-    SetFocusStop(c, FocusStop::kPriority);
-    SlidePriority(c, value);
-  }
+  RunCommand(c, id);
+  if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
+  if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.Scrolled(id, value)) c->damage |= kFolderPane;
   if (c->queue.Scrolled(id, value)) c->damage |= kQueuePane;
+}
+
+bool CanPrint(const Console* c) {
+  const int row = c->files.selected();
+  return row >= 0 && !c->folder.At(row).folder;
+}
+
+void PrintSelected(Console* c) {
+  const int row = c->files.selected();
+  PrintOrder order;
+  order.path = c->folder.PathOf(row);
+  order.document = c->folder.At(row).name;
+  order.owner = OS_GetUserName();
+  const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
+  order.printer = printer ? printer->name : c->choice.printer;
+  order.profile = c->choice.profile;
+  order.copies = c->choice.copies;
+  order.priority = c->choice.priority;
+  order.hold = c->choice.hold;
+  c->server.Send(std::move(order));
+  ++c->just_sent;
+  if (c->state.link == Link::kAway)
+    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
 }
 
 }  // namespace console

@@ -187,27 +187,12 @@ std::string Summary(const Console* c) {
   return unsent ? text + ", " + waits : text;
 }
 
-struct ButtonRow {
-  JobAction action;
-  const char* label;
-  Area Layout::*area;
-};
-constexpr ButtonRow kButtons[] = {{JobAction::kHold, "Hold", &Layout::hold_job},
-                                  {JobAction::kRelease, "Release", &Layout::release_job},
-                                  {JobAction::kRemove, "Remove", &Layout::remove_job}};
-
 void DrawHead(const Console* c) {
   const Style& l = TheStyle();
   Area head = c->layout.queue_head;
   Fill(head, l.tool_bar);
   LineAtTop(head);
   LineAtBottom(head);
-  for (const ButtonRow& row : kButtons) {
-    const Hit hit{kJobButtons, int(row.action) + 1, 0};
-    const Area a = c->layout.*row.area;
-    const ButtonState s = ButtonAt(c, hit, CanChange(c, row.action));
-    DrawLabel(l.view, Align::kCenter, a, row.label, DrawFace(a, s, l.tool_bar));
-  }
   head = head.Inset(12, 0);
   head.w = c->layout.hold_job.x - head.x - 12;
   DrawLabel(l.bold, Align::kLeft, head, "Queue", l.ink);
@@ -227,8 +212,6 @@ void DrawQueuePane(Console* c) {
 }
 
 void AddQueueHits(Console* c) {
-  for (const ButtonRow& row : kButtons)
-    c->hits.Add({kJobButtons, int(row.action) + 1, 0}, c->layout.*row.area);
   c->queue.AddHits(&c->hits);
 }
 

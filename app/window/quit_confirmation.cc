@@ -3,15 +3,19 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
+#include "app/look/controls.h"
+#include "app/panes/ids.h"
 #include "app/window/console.h"
 
 namespace console {
 namespace {
 
-enum Answer { kClose, kKeepOpen };
-constexpr const char* kLabels[] = {"Close without Sending", "Keep Open"};
 constexpr int kWidth = 400, kHeight = 122, kBorder = 16;
-constexpr int kButtonWidths[] = {172, 100}, kButtonHeight = 28, kGap = 10;
+constexpr int kCloseWidth = 172, kKeepWidth = 100, kButtonHeight = 28, kGap = 10;
+constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+
+XwWindow *close_button, *keep_button;
+Console* asker;
 
 // Those that are given up when the window closes.
 int Unsent(const Console* c) {
@@ -33,72 +37,20 @@ Area SheetArea(const Console* c) {
   return {(w - kWidth) / 2, (h - kHeight) * 2 / 5, kWidth, kHeight};
 }
 
-Area ButtonArea(const Console* c, int answer) {
-  Area buttons = SheetArea(c).Inset(kBorder, kBorder);
-  buttons = buttons.TakeBottom(kButtonHeight);
-  Area button{};
-  for (int i = kKeepOpen; i >= answer; --i) {
-    button = buttons.TakeRight(kButtonWidths[i]);
-    buttons.TakeRight(kGap);
-  }
-  return button;
-}
-
 void KeepOpen(Console* c) {
   c->asking = false;
+  XwShow(c->question, 0);
+  XwSetFocus(c->window);
   c->damage |= kAllPanes;
 }
 
-}  // namespace
-
-bool AskBeforeQuit(Console* c) {
-  if (Unsent(c) == 0) return true;
-  c->asking = true;
-  c->answer = kKeepOpen;
-  c->list_open = false;
-  c->pressed = {};
-  c->files.Release();
-  c->queue.Release();
-  c->damage |= kAllPanes;
-  return false;
-}
-
-bool MayLeaveNow(const Console* c) {
-  return c->asking && Unsent(c) == 0;
-}
-
-bool GiveAnswer(Console* c, int answer) {
-  if (answer == kClose) return true;
-  KeepOpen(c);
-  return false;
-}
-
-bool QuestionKey(Console* c, int type) {
-  switch (type) {
-    case XWE_TAB:
-    case XWE_LEFT:
-    case XWE_RIGHT:
-      c->answer = type == XWE_LEFT    ? kClose
-                  : type == XWE_RIGHT ? kKeepOpen
-                                      : kClose + kKeepOpen - c->answer;
-      c->damage |= kAllPanes;
-      return false;
-    case XWE_RETURN:
-    case ' ':
-      return GiveAnswer(c, c->answer);
-    case XWE_ESCAPE:
-      KeepOpen(c);
-      return false;
-    default:
-      return false;
-  }
-}
-
-void DrawQuestion(const Console* c) {
+void DrawSheet(const Console* c) {
   const Style& l = TheStyle();
-  const Area a = SheetArea(c);
-  DrawShadow(a, 8);
-  XwRoundBox(a.x, a.y, a.w, a.h, 8, l.tool_bar, l.line);
+  const Area a{0, 0, kWidth, kHeight};
+  XwPush(c->question);
+  Fill(a, l.tool_bar);
+  XwSetColor(l.line);
+  XwDrawRect(a.x, a.y, a.w, a.h);
   Area text = a.Inset(kBorder, kBorder);
   const int n = Unsent(c);
   DrawLabel(l.bold, Align::kLeft, text.TakeTop(18),
@@ -108,19 +60,75 @@ void DrawQuestion(const Console* c) {
             AllFailed(c) ? "The queue says why. What is not sent is not printed."
                          : "The window closes by itself as soon as everything is sent.",
             l.second);
-  for (const int answer : {kClose, kKeepOpen}) {
-    const Hit hit{kQuestion, 1, answer};
-    ButtonState s = ButtonAt(c, hit, true);
-    s.focused = c->active && c->answer == answer;
-    const Area button = ButtonArea(c, answer);
-    DrawLabel(l.normal, Align::kCenter, button, kLabels[answer], DrawFace(button, s, l.tool_bar));
-  }
+  XwPop();
 }
 
-void AddQuestionHits(Console* c) {
-  c->hits.Cover({0, 0, c->window->width, c->window->height});
-  for (const int answer : {kClose, kKeepOpen})
-    c->hits.Add({kQuestion, 1, answer}, ButtonArea(c, answer));
+// Keys and reports are the window's.
+int Handle(int type) {
+  if (type == XWE_EXPOSE) {
+    DrawSheet(asker);
+    return 0;
+  }
+  const bool pointer = type >= XWE_CONFIGURE && type <= XWE_RELEASE;
+  return pointer ? 0 : asker->window->handler(type);
+}
+
+void MakeQuestion(Console* c) {
+  asker = c;
+  c->question = XwCreate(c->window, 0, 0, kWidth, kHeight, Handle);
+  XwSetGround(c->question, &TheStyle().tool_bar, 0);
+  const int top = kHeight - kBorder - kButtonHeight, right = kWidth - kBorder;
+  close_button =
+      XwButton(c->question, "Close without Sending", kCloseAnswer, 0, 0, 9, 9, kShown, 0);
+  keep_button = XwButton(c->question, "Keep Open", kKeepOpenAnswer, 0, 0, 9, 9, kShown, 0);
+  PlaceControl(keep_button, {right - kKeepWidth, top, kKeepWidth, kButtonHeight});
+  PlaceControl(close_button,
+               {right - kKeepWidth - kGap - kCloseWidth, top, kCloseWidth, kButtonHeight});
+}
+
+}  // namespace
+
+void PlaceQuestion(Console* c) {
+  if (!c->asking) return;
+  const Area a = SheetArea(c);
+  XwMove(c->question, a.x, a.y, a.w, a.h);
+}
+
+bool AskBeforeQuit(Console* c) {
+  if (Unsent(c) == 0) return true;
+  if (c->asking) return false;
+  c->asking = true;
+  if (!c->question) MakeQuestion(c);
+  PlaceQuestion(c);
+  c->pressed = {};
+  c->files.Release();
+  c->queue.Release();
+  c->damage |= kAllPanes;
+  XwShow(c->question, 1);
+  XwFocusControl(keep_button);
+  return false;
+}
+
+bool MayLeaveNow(const Console* c) {
+  return c->asking && Unsent(c) == 0;
+}
+
+bool GiveAnswer(Console* c, int id) {
+  if (c->asking && id == kKeepOpenAnswer) KeepOpen(c);
+  return c->asking && id == kCloseAnswer;
+}
+
+void QuestionKey(Console* c, int type) {
+  const bool keeps = XwGetFocus(c->window) == keep_button;
+  if (type == XWE_ESCAPE) KeepOpen(c);
+  if (type == XWE_TAB) XwFocusControl(keeps ? close_button : keep_button);
+  if (type == XWE_LEFT) XwFocusControl(close_button);
+  if (type == XWE_RIGHT) XwFocusControl(keep_button);
+}
+
+void DrawAroundQuestion(const Console* c) {
+  DrawShadow(SheetArea(c), 2);
+  DrawSheet(c);
 }
 
 }  // namespace console

@@ -13,13 +13,7 @@ const Transfer* Running(const Console* c) {
   return nullptr;
 }
 
-constexpr int kBar = 90, kCross = 18;
-
-// From the right: the cross, the bar, the text.
-Area CrossArea(const Console* c) {
-  const Area a = c->layout.status;
-  return {a.right() - 8 - kCross, a.y + (a.h - kCross + 1) / 2, kCross, kCross};
-}
+constexpr int kBar = 90;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -54,18 +48,12 @@ int32_t LinkColor(const Console* c) {
   return c->state.link == Link::kReady && c->state.quiet_s < 1 ? l.good : l.warning;
 }
 
-// The result is how much of the right side it took.
+// From the right: the button that stops it, the bar, the text. The result is how much of the right
+// side it took.
 int DrawSending(const Console* c, const Transfer& t) {
   const Style& l = TheStyle();
   Area a = c->layout.status;
-  const Area cross = CrossArea(c);
-  const Hit hit{kStatus, kStopSending, 0};
-  const bool lit = c->hover == hit;
-  if (lit)
-    XwRoundBox(cross.x, cross.y, cross.w, cross.h, 4, c->pressed == hit ? l.pressed : l.face,
-               l.line);
-  DrawIcon(ToolIcon::kCross, cross.x + 1, cross.y + 1, lit ? l.bad : l.second, l.status);
-  a.w = cross.x - 6 - a.x;
+  a.w = c->layout.stop_sending.x - 6 - a.x;
   const Area bar = a.TakeRight(kBar);
   DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, false);
   a.TakeRight(10);
@@ -89,6 +77,10 @@ std::string SelectionText(const Console* c) {
 
 }  // namespace
 
+bool SendingRuns(const Console* c) {
+  return Running(c);
+}
+
 std::string ServerText(const Console* c) {
   const ServerState& s = c->state;
   switch (s.link) {
@@ -100,8 +92,8 @@ std::string ServerText(const Console* c) {
     case Link::kAway:
       break;
   }
-  const int left = std::max(0, s.retry_ms - c->state_ticks * kTickMs);
-  return s.trouble + ", next try in " + std::to_string((left + 999) / 1000) + " s";
+  const int left = std::max(0, s.retry_ms / 1000 - c->away_s);
+  return s.trouble + ", next try in " + std::to_string(left) + " s";
 }
 
 void DrawStatusPane(Console* c) {
@@ -118,7 +110,7 @@ void DrawStatusPane(Console* c) {
   const int taken = t ? DrawSending(c, *t) : 12;
   Area middle{server.right() + 12, a.y + 1, 0, a.h - 1};
   middle.w = a.right() - taken - middle.x;
-  if (c->message_ticks > 0)
+  if (c->message_s > 0)
     DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(c->message.text),
               c->message.good ? l.second : l.bad);
   else
@@ -127,7 +119,6 @@ void DrawStatusPane(Console* c) {
 
 void AddStatusHits(Console* c) {
   c->hits.Add({kStatus, kServer, 0}, ServerArea(c));
-  if (Running(c)) c->hits.Add({kStatus, kStopSending, 0}, CrossArea(c));
 }
 
 }  // namespace console

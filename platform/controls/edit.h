@@ -38,6 +38,9 @@ struct Edit {
   enum Unit : uint8_t { kCharacter, kWord, kAll } unit = kCharacter;
   size_t held_first = 0, held_last = 0;
   bool pointer_selects = false;  // what is selected now was so by the pointer
+  // Since the box has got the keyboard: whether its text is still to be selected for that, and
+  // whether the pointer was quicker.
+  enum Arrival : uint8_t { kSettled, kFresh, kPointerFirst } arrival = kSettled;
   Point pointer;
   EventLoopTimerRef scroll_timer = nullptr;
   double pressed_at = 0;  // the press before

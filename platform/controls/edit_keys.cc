@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kPasteTime = 2000;   // milliseconds
 constexpr size_t kMostPastes = 8;  // that may wait at once
-constexpr uint32_t kMenuKeysym = 0xFF67;
+constexpr uint32_t kMenuKeysym = 0xFF67, kF10Keysym = 0xFFC7;
 constexpr uint32_t kShift = shiftKey | rightShiftKey, kControl = controlKey | rightControlKey;
 constexpr uint32_t kHeld = kShift | kControl | cmdKey | optionKey | rightOptionKey;
 
@@ -83,8 +83,8 @@ bool Do(Control* c, Command command) {
       Paste(c, Selection::kClipboard);
       break;
     case Command::kAll:
+      // A selection that neither the pointer nor Shift has made is not the desktop's.
       SelectEdit(&s, 0, s.text.size());
-      OfferSelection(c);
       break;
     default:
       break;
@@ -117,6 +117,12 @@ Command ShortcutOf(const Event& e) {
     if (row.character == character && (held & row.modifier) && !(held & ~row.modifier))
       return row.command;
   return Command::kSeparator;
+}
+
+bool OpensMenu(const Event& e) {
+  const uint32_t held = e.key.modifiers & kHeld;
+  return e.key.keysym == kMenuKeysym ||
+         (e.key.keysym == kF10Keysym && (held & kShift) && !(held & ~kShift));
 }
 
 struct MoveRow {
@@ -215,7 +221,7 @@ void OpenEditMenu(Control* c, Point at) {
 }
 
 bool EditKey(Control* c, const Event& e) {
-  if (e.key.keysym == kMenuKeysym) {
+  if (OpensMenu(e)) {
     if (e.kind == kEventRawKeyDown) {
       const Rect caret = CaretRect(c);
       OpenEditMenu(c, {caret.left, caret.bottom});

@@ -36,6 +36,7 @@ void Follow(Control* c) {
   else
     SelectEdit(&e.state, e.held_first, std::max(last, e.held_last));
   e.pointer_selects = e.state.selects();
+  if (e.pointer_selects && e.arrival == Edit::kFresh) e.arrival = Edit::kPointerFirst;
   ShowEdit(c);
 }
 
@@ -65,6 +66,7 @@ bool PressEdit(Control* c, Point at) {
   if (OwnerOf(c).focus != c) return false;
   Edit& e = EditOf(c);
   CountPresses(&e, at);
+  if (e.arrival == Edit::kPointerFirst) e.arrival = Edit::kFresh;
   e.unit = e.presses == 3 ? Edit::kAll : e.presses == 2 ? Edit::kWord : Edit::kCharacter;
   const size_t place = EditPlaceAt(c, at.x);
   e.pointer = at;

@@ -141,6 +141,7 @@ void End(Control* c) {
 void Focused(Control* c, bool gained) {
   Edit& e = EditOf(c);
   e.presses = 0;
+  e.arrival = gained ? Edit::kFresh : Edit::kSettled;
   if (gained)
     WakeCaret(c);
   else
@@ -291,7 +292,7 @@ std::string GetEditText(ControlRef c) {
 
 void SelectEditText(ControlRef c, int first, int last) {
   Edit* e = Find(c);
-  if (!e) return;
+  if (!e || std::exchange(e->arrival, Edit::kSettled) == Edit::kPointerFirst) return;
   auto offset = [e](int n) { return EditOffset(e->state, size_t(std::max(0, n))); };
   SelectEdit(&e->state, offset(first), offset(last));
   e->pointer_selects = false;

@@ -27,7 +27,8 @@ void SetEditReadOnly(ControlRef c, bool looks_enabled);
 // control characters go.
 void SetEditText(ControlRef c, const char* utf8);
 std::string GetEditText(ControlRef c);
-// From the one to the other character, cut to the text. The caret stands at the end.
+// From the one to the other character, cut to the text. The caret stands at the end. What the
+// pointer has selected while the box was getting the keyboard stays.
 void SelectEditText(ControlRef c, int first, int last);
 // What an input method is composing, at the caret; it is shown, and no part of the text.
 void SetEditPreedit(ControlRef c, const char* utf8);

@@ -1,5 +1,6 @@
 // Outlines: shapes of lines and curves, anti-aliased at the device's own pixels. FreeType's
-// rasteriser makes a mask for each scale, which the outline keeps.
+// rasteriser makes a mask for each scale, which the outline keeps; what is drawn once goes straight
+// into the pixels.
 #pragma once
 #include "platform/base.h"
 
@@ -23,5 +24,13 @@ void ReleaseOutline(Outline* o);
 // With its origin at (x, y); `alpha` 0..255. One whose mask would be larger than 2048 pixels a side
 // paints nothing, as do a null context and a null outline.
 void DrawOutline(ContextRef c, Outline* o, int x, int y, uint32_t rgb, int alpha);
+
+// --- Drawn once, in the context's own coordinates, at its device pixels. Nothing is kept; a count
+// --- outside 1..kMostDrawnParts and what CreateOutline refuses paint nothing.
+constexpr int kMostDrawnParts = 10000;
+// Even-odd.
+void FillPath(ContextRef c, const PathPart* parts, int count, uint32_t rgb);
+// A line of that width (above 0) with round ends and joins.
+void StrokePath(ContextRef c, const PathPart* parts, int count, float width, uint32_t rgb);
 
 }  // namespace platform

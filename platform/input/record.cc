@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
 #include "platform/input/record_line.h"
+#include "platform/input/results.h"
 #include "platform/input/translate.h"
 #include "platform/windows/internal.h"
 
@@ -25,6 +27,8 @@ constexpr char kHeading[] = "xw-record 1\n";
 constexpr double kDigit = 1e-6;
 // Seconds that the replay waits for a take beyond its time.
 constexpr double kTakePatience = 20;
+// Seconds between two looks whether a result that is awaited still may come.
+constexpr double kAwaitedLook = 0.1;
 // Bytes of a text that another program has given.
 constexpr size_t kLongestText = 1 << 20;
 // Beyond what a real clock's waits miss.
@@ -36,6 +40,8 @@ struct Recording {
   std::vector<RecordLine> lines;
   size_t next = 0;    // to be played
   size_t played = 0;  // events that were played and may still be queued
+  // Since when results are awaited, real seconds, and the line before the first of them.
+  double awaited_since = -1, awaited_after = 0;
   std::string program, detail;
   // What was asked for at this moment, and how often.
   double asked_at = -1;
@@ -124,9 +130,27 @@ unsigned CountAsking(const char* what, double now) {
   return r.asked[what]++;
 }
 
+double RealSeconds() {
+  timespec t;
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+// Whether the replay goes on without the result of its next line.
+bool PassesOver(const RecordLine& line) {
+  Recording& r = Current();
+  const double now = RealSeconds();
+  if (r.awaited_since < 0) {
+    r.awaited_since = now;
+    r.awaited_after = r.next > 0 ? r.lines[r.next - 1].time : 0;
+  }
+  return GoesOnWithout(line, r.awaited_after, now - r.awaited_since);
+}
+
 // Nobody else could end it: on a display whose time is stepped nothing comes any more.
 void EndReplay() {
   record_mode = RecordMode::kNone;
+  KeepResults(false);
   if (!intake_hints.stepped) return;
   RawEvent quit;
   quit.type = RawEvent::kQuit;
@@ -144,6 +168,7 @@ bool OpenRecord(const char* program) {
   if (replay && *replay) {
     if (!ReadRecording(replay)) return false;
     record_mode = RecordMode::kReplaying;
+    KeepResults(true);
     return true;
   }
   const char* record = getenv("XW_RECORD");
@@ -159,6 +184,7 @@ void CloseRecord() {
   if (Current().file) fclose(Current().file);
   Current() = Recording();
   record_mode = RecordMode::kNone;
+  KeepResults(false);
 }
 
 void TakeReport(const RawEvent& raw) {
@@ -199,6 +225,12 @@ void ReplayDue() {
     const bool late = now - r.start > line.time + kLate;
     if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
     group = line.time;
+    if (line.result) {
+      if (!PassesOver(line)) return;
+      ++r.next;
+      continue;
+    }
+    r.awaited_since = -1;
     if (line.take()) {
       if (now - r.start < line.time + kTakePatience) return;
       Fail("replay", ("nobody took up " + line.what).c_str());
@@ -212,6 +244,7 @@ void ReplayDue() {
 
 bool ReplayHoldsTimers() {
   Recording& r = Current();
+  if (intake_hints.stepped && Replaying() && AwaitedResult()) return true;
   if (intake_hints.stepped || main_event_queue.empty()) r.played = 0;
   if (r.played == 0) return false;
   --r.played;
@@ -223,8 +256,38 @@ double NextReplay(double now) {
   if (record_mode != RecordMode::kReplaying || r.next >= r.lines.size()) return -1;
   const RecordLine& line = r.lines[r.next];
   if (line.take()) return line.time + kTakePatience - (now - r.start);
+  if (line.result && IsDue(line, now)) return kAwaitedLook;
   // What is due and not played waits for a timer.
   return TimeHasCome(line, now) ? -1 : line.time - (now - r.start);
+}
+
+void RecordResult(const std::string& kind, const std::string& detail) {
+  RecordLine line;
+  line.result = true;
+  line.what = kind;
+  line.detail = detail;
+  Write(line);
+}
+
+const RecordLine* AwaitedResult() {
+  const Recording& r = Current();
+  if (r.next >= r.lines.size()) return nullptr;
+  const RecordLine& line = r.lines[r.next];
+  return line.result && IsDue(line, GetCurrentEventTime()) ? &line : nullptr;
+}
+
+void ResultTaken() {
+  ++Current().next;
+  Current().awaited_since = -1;
+}
+
+double LaterResult(const std::string& kind, const std::string& detail) {
+  const Recording& r = Current();
+  for (size_t i = r.next + 1; i < r.lines.size(); ++i) {
+    const RecordLine& line = r.lines[i];
+    if (line.result && line.what == kind && line.detail == detail) return line.time;
+  }
+  return -1;
 }
 
 const char* TakeUp(const char* what, const char* detail) {

@@ -9,6 +9,7 @@
 //     0.350000 press w1 x=20 y=54 rx=50 ry=134 button=1 at=0.349
 //     0.351200 configure w1 rx=30 ry=80 w=800 h=600
 //     0.400000 take server 51f0 quiet 0
+//     0.600000 result folder 3
 //     1.200000 open /home/mia/report.pdf
 //     1.300000 text 1 :what another program had on the clipboard
 //
@@ -18,8 +19,11 @@
 // under the pointer where that is another one, 0 for none, `char` the code point that a key typed
 // and `typed` its text as hexadecimal bytes where that is more than one character. A "take" is
 // where the program took something up that came from elsewhere (TakeUp); what follows waits for it.
-// A number behind its '+' is how often the program had asked at that moment before.
+// A number behind its '+' is how often the program had asked at that moment before. A "result" is
+// where the result of a background task was taken up (results.h): its kind and its detail.
 #pragma once
+#include <string>
+
 #include "platform/events/raw_event.h"
 
 namespace platform {
@@ -45,6 +49,17 @@ void ReplayDue();
 bool ReplayHoldsTimers();
 // Seconds until the next line is due; negative when none waits for its time.
 double NextReplay(double now);
+
+// --- For the results of background tasks.
+struct RecordLine;
+void RecordResult(const std::string& kind, const std::string& detail);
+// The line of the result that the replay takes up now; null: none.
+const RecordLine* AwaitedResult();
+// It has been taken up.
+void ResultTaken();
+// The time of the next line that takes up such a result, behind the one that is awaited; negative
+// when there is none.
+double LaterResult(const std::string& kind, const std::string& detail);
 
 // The program is about to take up `detail`, a result called `what` that came from elsewhere; null
 // when nothing has come. Null: it must not now. Else what it has to take up: when replaying, the

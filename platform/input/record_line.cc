@@ -211,6 +211,8 @@ std::string FormatRecordLine(const RecordLine& line) {
   if (line.asked) text += std::to_string(line.asked);
   text += ' ';
   if (line.take()) return text + "take " + line.what + " " + line.detail;
+  if (line.result) text += "result " + line.what;
+  if (line.result) return line.detail.empty() ? text : text + " " + line.detail;
   text += KindName(line.raw.type);
   if (line.raw.type == RawEvent::kOpenFile) return text + " " + Escaped(line.path);
   if (NamesSelection(line.raw.type)) return text + " " + FormatSelection(line);
@@ -245,12 +247,13 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
     if (isdigit(uint8_t(*++end))) line->asked = unsigned(strtoul(end, &end, 10));
   }
   if (*end || !(line->time >= 0) || line->time > 1e9) return false;
-  if (kind == "take") {
+  line->result = kind == "result";
+  if (line->asked && kind != "take") return false;
+  if (line->result || kind == "take") {
     in >> line->what;
     line->detail = Rest(&in);
-    return line->take();
+    return !line->what.empty();
   }
-  if (line->asked) return false;
   for (const KindRow& row : kKinds)
     if (kind == row.name) line->raw.type = row.type;
   if (line->raw.type == RawEvent::kNone) return false;

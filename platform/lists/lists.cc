@@ -208,6 +208,7 @@ void ListDeleteRows(ControlRef c, int row) {
 
 void ListShowRows(ControlRef c) {
   if (!IsList(c)) return;
+  ListOf(c).selected_before = -1;  // it was a row of others
   PlaceBar(c);
   NoticeChange(c->object.serial, Change::kChildren);
   Draw1Control(c);

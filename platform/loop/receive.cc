@@ -10,6 +10,7 @@
 #include "platform/events/sources.h"
 #include "platform/events/timers.h"
 #include "platform/input/record.h"
+#include "platform/input/results.h"
 #include "platform/input/translate.h"
 #include "platform/windows/internal.h"
 
@@ -31,6 +32,11 @@ Receiver receiver;
 
 void Wait(double seconds) {
   const Display* d = CurrentDisplay();
+  // What a replay waits for comes in its own time, also where the clock is stepped.
+  if (intake_hints.stepped && Replaying() && AwaitedResult()) {
+    WaitForSources(NextReplay(GetCurrentEventTime()));
+    return;
+  }
   if (d->wait)
     d->wait(seconds);
   else
@@ -102,6 +108,7 @@ bool ReceiveWithUpkeep(double timeout, Event* out) {
     // longer shows.
     TakeRawEvents();
     if (!queue.empty() || DrawEventWaits() || intake_hints.waiting) continue;
+    if (ResultsWoke()) return false;
     double wait = NextTimer(now);
     if (double replay = NextReplay(now); replay >= 0 && (wait < 0 || replay < wait)) wait = replay;
     if (timeout > 0 && (wait < 0 || deadline - now < wait)) wait = deadline - now;

@@ -21,7 +21,9 @@
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
+#include "platform/input/results.h"
 #include "platform/input/translate.h"
+#include "platform/inspect/inspect.h"
 #include "platform/loop/dispatch.h"
 #include "platform/loop/receive.h"
 #include "platform/loop/tracking.h"
@@ -72,6 +74,7 @@ bool InitPlatform(const char* name) {
     FinishPlatform();
     return false;
   }
+  InitResults();
   InitDispatch();
   InitClipboard();
   InitMenus();
@@ -80,13 +83,18 @@ bool InitPlatform(const char* name) {
   InitSignals();
   InitApplication(name);
   InitSessionEnd(name);
-  if (opened == OpenResult::kShared && HandOverStart()) HoldWindows(true);
+  const bool handed_over = opened == OpenResult::kShared && HandOverStart();
+  if (handed_over)
+    HoldWindows(true);
+  else
+    InitInspect(name);
   return true;
 }
 
 void FinishPlatform() {
   const Display* d = CurrentDisplay();
   if (!d) return;
+  FinishInspect();
   FinishTrackers();
   FinishReceive();
   FinishWindows();
@@ -94,6 +102,7 @@ void FinishPlatform() {
   FinishAccess();
   FinishMenus();
   FinishInput();
+  FinishResults();
   FinishApplication();
   // The windows have gone: nobody looks at what is waited for.
   KeepText();

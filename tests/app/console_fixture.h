@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/window/console.h"
+#include "platform/access/access.h"
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
 #include "tests/os/scratch.h"
@@ -25,6 +26,22 @@ inline std::string Bytes(size_t n) {
   uint32_t x = 12345;
   for (char& c : bytes) c = char((x = x * 1664525 + 1013904223) >> 24);
   return bytes;
+}
+
+// Of the described tree; an empty one when nothing has that name.
+inline platform::DescribedNode Node(const std::string& name) {
+  const auto find =
+      [&](const auto& self,
+          const std::vector<platform::DescribedNode>& nodes) -> const platform::DescribedNode* {
+    for (const platform::DescribedNode& n : nodes) {
+      if (n.what.name == name) return &n;
+      if (const platform::DescribedNode* found = self(self, n.children)) return found;
+    }
+    return nullptr;
+  };
+  const auto roots = platform::DescribeTree();
+  const platform::DescribedNode* n = find(find, roots);
+  return n ? *n : platform::DescribedNode();
 }
 
 inline int Pump(int type) {
@@ -84,10 +101,7 @@ class ConsoleTest : public testing::Test {
   Area FileRow(const char* name) { return c_->files.RowArea(c_->folder.Find(name)); }
   // Until what was asked for has been read.
   bool HasRead() {
-    return Until([&] {
-      const FolderRequest* w = c_->reader.request();
-      return !w || w->kind == FolderRequest::kWatch;
-    });
+    return Until([&] { return !c_->reader.request(); });
   }
   void Enter(const std::string& path, const std::string& select = "") {
     EnterFolder(c_, path, select);

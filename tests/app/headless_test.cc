@@ -179,7 +179,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
 
   // Tab goes round; each stop takes its keys.
-  for (int i = 0; i < int(FocusStop::kCopies); ++i) Key(kTabKey);
+  for (int i = 0; i < 9 && c_->stop != FocusStop::kCopies; ++i) Key(kTabKey);
   for (char typed : {'1', '2', 'x'}) Key(uint8_t(typed), uint8_t(typed));
   EXPECT_EQ(c_->choice.copies, 12);
   Key(kTabKey);
@@ -260,14 +260,7 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
   auto printers = std::make_shared<std::vector<NC_Printer>>(100, first);
   (*printers)[70] = standard;
   c_->state.printers = printers;
-  EXPECT_STREQ(ChosenPrinter(c_)->name, "Standard");
-  // The list ends above the status line, and has the rows that there is room for.
-  Inp.px = c_->layout.printer.x + 5;
-  Inp.py = c_->layout.status.y;
-  EXPECT_FALSE(ListHoldsPointer(c_));
-  Inp.py -= 30;
-  EXPECT_TRUE(ListHoldsPointer(c_));
-
+  EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "Standard");
   Turn(20);
   const Area s = c_->layout.status;
   const auto line = [&] {
@@ -278,6 +271,7 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
   };
   const auto before = line();
   Tell(c_, false, "Something went wrong, and this line says what");
+  DrawConsole(c_);
   Turn(10);
   EXPECT_NE(line(), before);
   Turn(330);
@@ -302,8 +296,8 @@ TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
 
 TEST_F(ConsoleTest, NothingStaysLitWhenThePointerHasLeft) {
   Open("127.0.0.0");
-  const Area row = FileRow("letter.txt"), button = c_->layout.refresh;
-  for (const Area& a : {row, button}) {
+  const Area row = FileRow("letter.txt"), server = c_->layout.status;
+  for (const Area& a : {row, server.Inset(6, 3)}) {
     for (const auto& [dx, dy] : {std::pair(-3000, 0), {0, 1500}, {5000, 3}}) {
       const int x = c_->window->x + a.x + 5, y = c_->window->y + a.y + 5;
       display::MovePointer(x, y);
@@ -351,30 +345,51 @@ TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
   EXPECT_EQ(c_->folder.At(0).name, before);
 }
 
-TEST_F(ConsoleTest, ThePrinterListChoosesAndHidesWhatLiesUnderIt) {
+// By the pointer and by the keyboard; a printer that has gone stays shown until another is chosen.
+TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   Daemon daemon;
-  daemon.Start({"--config", daemon.WriteFile("printers",
-                                             "[printer]\nname=First\n[printer]\n"
-                                             "name=Zweiter Drücker\nrate=1K\n")});
+  const char* kPrinters = "[printer]\nname=First\n[printer]\nname=Zweiter Drücker\nrate=1K\n";
+  daemon.Start({"--config", daemon.WriteFile("printers", kPrinters)});
   Open(daemon.host());
-  ASSERT_TRUE(Until([&] { return IsReady() && c_->state.printers->size() == 2; }));
+  ASSERT_TRUE(Until([&] { return IsReady() && !c_->state.profiles->empty(); }));
+  const auto value = [](const char* name) { return Node(name).what.value; };
+  const auto choose = [this](const Area& field, int row) {
+    const int x = c_->window->x + field.x + 40, y = c_->window->y + field.y;
+    display::Click(x, y + 10);
+    display::Click(x, y + field.h + 6 + row * 22 + 11);
+    Turn(4);
+  };
   Click(FileRow("letter.txt"));
-  const Area field = c_->layout.printer;
-  Click(field);
-  ASSERT_TRUE(c_->list_open);
-  // Its border lies over the folder's table: a click there does nothing.
-  ClickAt(field.x + 1, field.bottom() + 10);
-  EXPECT_TRUE(c_->list_open);
-  EXPECT_EQ(Selected(), "letter.txt");
-  ClickAt(field.x + 40, field.bottom() + 2 + 4 + 22 + 11);
-  EXPECT_FALSE(c_->list_open);
-  EXPECT_STREQ(ChosenPrinter(c_)->name, "Zweiter Drücker");
-  Click(field);
-  Key(0xFF1B);
-  EXPECT_FALSE(c_->list_open);
+  EXPECT_EQ(value("Printer"), "First");
+  choose(c_->layout.printer, 1);
+  EXPECT_EQ(value("Printer"), "Zweiter Drücker");
+  EXPECT_EQ(Selected(), "letter.txt") << "what lies under the list is not pressed";
+  choose(c_->layout.profile, 2);
+  EXPECT_EQ(value("Profile"), "Standard");
   Click(c_->layout.print);
   ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
   EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
+  EXPECT_STREQ(c_->state.jobs->at(0).profile, "Standard");
+
+  // The list does not change while it has the keyboard.
+  SetFocusStop(c_, FocusStop::kPrinter);
+  ASSERT_TRUE(Until([&] { return XwGetFocus(c_->window) == c_->tools.printer(); }));
+  auto others = std::make_shared<std::vector<NC_Printer>>(*c_->state.printers);
+  others->erase(others->begin() + 1);
+  c_->state.printers = others;
+  const auto choose_by_key = [this](uint32_t last) {
+    for (uint32_t key : {uint32_t{' '}, 0xFF52u, last}) {
+      display::KeyDown(key, key < 0x80 ? key : 0);
+      display::KeyUp(key, key < 0x80 ? key : 0);
+    }
+    Turn(6);
+  };
+  choose_by_key(0xFF1B);
+  EXPECT_EQ(value("Printer"), "Zweiter Drücker");
+  EXPECT_FALSE(ChosenPrinter(c_->choice, c_->state));
+  choose_by_key(kReturnKey);
+  EXPECT_EQ(value("Printer"), "First");
+  EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "First");
 }
 
 TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
@@ -440,7 +455,7 @@ TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
   Key('-', '-');
   Key(0xFF51);
   EXPECT_EQ(c_->choice.priority, 97) << "its own keys, and the console's";
-  EXPECT_EQ(XwGetValue(c_->priority), 97);
+  EXPECT_EQ(XwGetValue(c_->tools.priority), 97);
 
   Click(FileRow("second.txt"));
   PrintSelected(c_);
@@ -537,61 +552,6 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
     return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
   }));
   EXPECT_EQ(c_->state.transfers[0].text, NC_StatusText(NC_STATUS_UNKNOWN_NAME));
-}
-
-// The program's own end, in a process of its own: its exit code, and its memory under a leak check.
-enum class Way { kCloseWithoutSending, kQuit, kCloseWhenSent };
-void QuitWhileSending(const std::string& home, const Daemon& daemon, Way way) {
-  setenv("HOME", home.c_str(), 1);
-  display::UseSteppedClock(1000);
-  XwSession("Quorvik", "Quorvik", 7);
-  Console* c = OpenConsole(daemon.host(), home);
-  XwWindow* pump = XwCreate(0, 0, 0, 50, 50, Pump);
-  XwTimer(pump, 1, 20);
-  auto until = [](const std::function<bool()>& holds) {
-    for (int i = 0; i < 20000 && !holds(); ++i) {
-      usleep(1000);
-      XwWaitEvent(nullptr);
-    }
-  };
-  until([&] { return c->state.link == Link::kReady && c->folder.Find("big.bin") >= 0; });
-  c->files.Select(c->folder.Find("big.bin"));
-  const_cast<Daemon&>(daemon).Signal(SIGSTOP);
-  PrintSelected(c);
-  until([&] { return c->state.quiet_s >= 1 && c->rows.size() == 1; });
-  if (c->rows.size() != 1) _exit(9);
-  auto key = [](uint32_t keysym) {
-    display::KeyDown(keysym);
-    display::KeyUp(keysym);
-  };
-  if (way == Way::kQuit) display::Quit();
-  // Asked twice: the first answer is to stay.
-  for (int i = 0; i < 2 && way != Way::kQuit; ++i) {
-    display::Close(static_cast<platform::WindowRef>(c->window->platform));
-    until([&] { return c->asking; });
-    if (i == 0) key(0xFF1B);
-    until([&] { return i == 1 || !c->asking; });
-  }
-  if (way == Way::kCloseWhenSent) const_cast<Daemon&>(daemon).Signal(SIGCONT);
-  if (way == Way::kCloseWithoutSending) key(0xFF09), key(0xFF0D);
-  for (;;) XwWaitEvent(nullptr);
-}
-
-TEST_F(ConsoleTest, QuittingEndsARunningTransferInOrder) {
-  home_.File("big.bin", Bytes(30000000));
-  Daemon daemon;
-  daemon.Start();
-  const auto jobs_after = [&](Way way) {
-    EXPECT_EXIT(QuitWhileSending(home_.path(), daemon, way), testing::ExitedWithCode(0), "");
-    daemon.Signal(SIGCONT);
-    const int fd = daemon.Connect();
-    const size_t jobs = testing_daemon::Jobs(fd).size();
-    NC_Disconnect(fd);
-    return jobs;
-  };
-  EXPECT_EQ(jobs_after(Way::kCloseWithoutSending), 0u);
-  EXPECT_EQ(jobs_after(Way::kQuit), 0u);
-  EXPECT_EQ(jobs_after(Way::kCloseWhenSent), 1u);
 }
 
 }  // namespace

@@ -85,6 +85,7 @@ bool Answer(int fd) {
   char head[4];
   if (NC_Read(fd, head, 4) != 4 || memcmp(head, "KRV", 3) != 0) return false;
   std::string id(16, 0), request;
+  if (head[3] == 11) request.resize(NC_PROFILE_KEY);
   if (head[3] == 3 || head[3] == 6)
     if (NC_Read(fd, id.data(), 16) != 16) return false;
   if (head[3] == 3) {
@@ -106,6 +107,8 @@ bool Answer(int fd) {
       Write(id, request);
       return (jobs.size() == before || AfterArrival(fd)) && Put(fd, "\1");
     }
+    case 11:  // profiles: there are none
+      return NC_Read(fd, request.data(), NC_PROFILE_KEY) == NC_PROFILE_KEY && Put(fd, Length(0));
     case 5: {
       std::string fresh(16, 0);
       fresh[0] = char(++ids);

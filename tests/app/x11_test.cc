@@ -7,7 +7,7 @@
 
 #include <optional>
 
-#include "app/window/layout.h"
+#include "app/panes/layout.h"
 #include "tests/os/scratch.h"
 #include "tests/printserverd/daemon.h"
 #include "tests/support/x_server.h"

@@ -109,6 +109,36 @@ TEST_F(Finder, FontsInstalledLaterAreFound) {
   }
 }
 
+// Two fonts in one file: each has its number in it, and the answer keeps that number.
+TEST_F(Finder, FontsOfACollectionAreToldApart) {
+  fs::remove(root_ / "fonts/deep/plain.ttf");
+  std::string file("ttcf\0\1\0\0\0\0\0\2", 12), fonts;
+  const auto append = [](std::string* to, uint32_t word) {
+    for (int shift : {24, 16, 8, 0}) *to += char(word >> shift);
+  };
+  for (const char* name : {"plain.ttf", "bold.ttf"}) {
+    std::string font = ReadFile(fs::path(FONTS) / name);
+    const uint32_t base = uint32_t(20 + fonts.size());
+    append(&file, base);
+    for (size_t table = 0; table < size_t(font[5]); ++table) {
+      std::string moved;
+      const auto* at = reinterpret_cast<const uint8_t*>(&font[12 + 16 * table + 8]);
+      append(&moved, base + (at[0] << 24 | at[1] << 16 | at[2] << 8 | at[3]));
+      font.replace(12 + 16 * table + 8, 4, moved);
+    }
+    fonts += font;
+  }
+  std::ofstream(root_ / "fonts/deep/both.ttc") << file + fonts;
+  for (const bool asked : {true, false}) {
+    EXPECT_TRUE(InProcess([=] {
+      return Loads("Quorvik Test", 0, "QuorvikTest", asked) &&
+             Loads("Quorvik Test", 1, "QuorvikTest-Bold", asked) &&
+             XwTextWidth(LoadFont("Quorvik Test", 20, 0), "x") == 12 &&
+             XwTextWidth(LoadFont("Quorvik Test", 20, 1), "x") == 14;
+    }));
+  }
+}
+
 // Fonts that stand in: asked for once a page and style, and an answer that is no font any more is
 // passed over, whatever is in its place.
 TEST_F(Finder, PagesOfOtherFontsAreRemembered) {

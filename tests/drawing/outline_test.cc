@@ -127,6 +127,17 @@ TEST(Outline, CoversItsAreaAtEveryScale) {
                            y + int(std::ceil(s.bottom * scale))};
       EXPECT_EQ(ink.box, box);
       DrawOutline(canvas.context(), o, kX, kY, 0xFFFFFF, 255);
+      // Drawn once it covers the same.
+      canvas.Wipe();
+      SetContextOrigin(canvas.context(), kX, kY);
+      if (s.stroke > 0)
+        StrokePath(canvas.context(), s.parts.data(), int(s.parts.size()), s.stroke, 0);
+      else
+        FillPath(canvas.context(), s.parts.data(), int(s.parts.size()), 0);
+      const Ink once = InkOf(canvas, canvas.surface().width);
+      EXPECT_NEAR(once.area, ink.area, 0.1);
+      EXPECT_EQ(once.box, box);
+      EXPECT_TRUE(canvas.GapsUntouched());
       ReleaseOutline(o);
     }
 }
@@ -186,6 +197,83 @@ TEST(Outline, RefusesWhatItCannotDraw) {
     canvas.Wipe();
     ReleaseOutline(o);
   }
+}
+
+// A square of 12.5 a side at (2.25, 3.5), by the public calls.
+const XwPathPart kSquare[] = {{XWP_MOVE, 2.25f, 3.5f, 0, 0, 0, 0},
+                              {XWP_LINE, 14.75f, 3.5f, 0, 0, 0, 0},
+                              {XWP_LINE, 14.75f, 16, 0, 0, 0, 0},
+                              {XWP_LINE, 2.25f, 16, 0, 0, 0, 0},
+                              {XWP_CLOSE, 0, 0, 0, 0, 0, 0}};
+
+TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
+  Canvas canvas(kSide, kSide, 1.0, 3, 3);
+  XwFillPath(kSquare, 5, 0x30A0F0);
+  EXPECT_EQ(canvas.at(10, 10), 0xFFF0A030u) << "red is the low byte";
+  EXPECT_EQ(canvas.at(5, 10) & 0xFF, 99u) << "three quarters of a column";
+  std::vector<DeviceRect> damage;
+  canvas.surface().damage.Take(&damage);
+  ASSERT_EQ(damage.size(), 1u);
+  EXPECT_EQ(Intersect(damage[0], {5, 6, 18, 19}), (DeviceRect{5, 6, 18, 19}));
+  canvas.Wipe();
+  Region parts({5, 5, 9, 30});
+  parts.Add({12, 5, 15, 30});
+  ClipContextToRegion(canvas.context(), parts);
+  XwFillPath(kSquare, 5, 0);
+  XwStrokePath(kSquare, 5, 3, 0);
+  for (int y = 0; y < kSide; ++y)
+    for (int x = 0; x < kSide; ++x)
+      ASSERT_TRUE(parts.contains({x, y}) || canvas.at(x, y) == Canvas::kBlank) << x << " " << y;
+  EXPECT_EQ(canvas.at(6, 10) & 0xFFFFFF, 0u);
+  EXPECT_EQ(canvas.at(13, 10) & 0xFFFFFF, 0u);
+}
+
+TEST(Path, PaintsNothingOfWhatItRefuses) {
+  Canvas canvas(kSide, kSide, 1.0);
+  const std::vector<XwPathPart> many(10001, {XWP_LINE, 9, 9, 0, 0, 0, 0});
+  for (int marker : {-1, -2, -10}) XwFillPath(kSquare, 5, marker);
+  XwFillPath(nullptr, 5, 0);
+  XwFillPath(kSquare, 0, 0);
+  XwFillPath(many.data(), int(many.size()), 0);
+  for (float width : {0.f, -1.f, NAN, INFINITY}) XwStrokePath(kSquare, 5, width, 0);
+  XwPathPart bad[5];
+  std::copy(kSquare, kSquare + 5, bad);
+  for (float number : {NAN, INFINITY, -16385.f}) {
+    bad[4].x2 = number;
+    XwFillPath(bad, 5, 0);
+    XwStrokePath(bad, 5, 2, 0);
+  }
+  EXPECT_EQ(InkOf(canvas, kSide).area, 0);
+}
+
+// Nowhere to go: the stroker itself must not see such a line.
+TEST(Path, ALineWithoutALengthIsADot) {
+  for (const std::vector<PathPart>& parts :
+       {std::vector<PathPart>{{kMove, 9, 9}, {kClose}},
+        {{kMove, 9, 9}, {kLine, 9, 9}},
+        {{kMove, 9, 9}, {kCubic, 9, 9, 9, 9, 9, 9}, {kQuad, 9, 9, 9.001f, 9}, {kClose}, {kClose}},
+        {{kLine, 9, 9}, {kQuad, 9, 9, 9, 9}, {kMove, 3, 3}}}) {
+    Canvas canvas(kSide, kSide, 1.0);
+    StrokePath(canvas.context(), parts.data(), int(parts.size()), 4, 0);
+    const Ink ink = InkOf(canvas, kSide);
+    EXPECT_NEAR(ink.area, 4 * std::numbers::pi, 0.4);
+    EXPECT_EQ(Intersect(ink.box, {7, 7, 12, 11}), ink.box);
+  }
+}
+
+// A line of as many parts as there may be, there and back: its edges have more points than the
+// rasteriser takes, and it is still one line.
+TEST(Path, ALongLineIsDrawnWholeAndCoversOnce) {
+  Canvas canvas(kSide, kSide, 2.0);
+  std::vector<XwPathPart> parts;
+  for (int i = 0; i < 10000; ++i) {
+    const float x = 5 + float(i % 2000 < 1000 ? i % 1000 : 1000 - i % 1000) * 0.03f;
+    parts.push_back({uint8_t(i ? XWP_CUBIC : XWP_MOVE), x, 20, x, 20, x, 20});
+  }
+  XwStrokePath(parts.data(), 10000, 3.25f, 0x000000);
+  const Ink ink = InkOf(canvas, canvas.surface().width);
+  EXPECT_EQ(ink.box, (DeviceRect{6, 36, 74, 44}));
+  EXPECT_NEAR(ink.area, 60 * 6.5 + 3.25 * 3.25 * std::numbers::pi, 4);
 }
 
 // An icon whose bits are its left half and whose outline is its upper half.

@@ -101,24 +101,26 @@ TEST(Pipes, EndWithTheirChild) {
   }
 }
 
-// Without standard streams the pipe's ends do not take their numbers; a child has the same few
-// descriptors whatever other pipes are open.
+// Where standard streams are closed the pipe's ends do not take their numbers; a child has the same
+// few descriptors whatever other pipes are open.
 TEST(Pipes, DescriptorsLieAboveTheStandardStreams) {
   fflush(nullptr);
-  const pid_t tester = fork();
-  if (tester == 0) {
-    for (int fd = 0; fd < 3; ++fd) close(fd);
-    std::string listed[2];
-    bool good = true;
-    for (std::string& list : listed) {
-      OS_Pipe* p =
-          OS_StartPipe("sh", "-c", "cd /proc/self/fd; set -- *; printf %-99s \"$*\"", nullptr);
-      list.resize(99);
-      good = good && p->write_fd > 2 && p->read_fd > 2 && OS_ReadPipe(p, list.data(), 99) == 99;
+  for (const int first : {0, 2}) {
+    const pid_t tester = fork();
+    if (tester == 0) {
+      for (int fd = first; fd < 3; ++fd) close(fd);
+      std::string listed[2];
+      bool good = true;
+      for (std::string& list : listed) {
+        OS_Pipe* p =
+            OS_StartPipe("sh", "-c", "cd /proc/self/fd; set -- *; printf %-99s \"$*\"", nullptr);
+        list.resize(99);
+        good = good && p->write_fd > 2 && p->read_fd > 2 && OS_ReadPipe(p, list.data(), 99) == 99;
+      }
+      _exit(good && listed[0] == listed[1] && listed[0].rfind("0 1 ", 0) == 0 ? 0 : 1);
     }
-    _exit(good && listed[0] == listed[1] && listed[0].rfind("0 1 ", 0) == 0 ? 0 : 1);
+    EXPECT_EQ(OS_WaitProcess(tester), 0);
   }
-  EXPECT_EQ(OS_WaitProcess(tester), 0);
 }
 
 TEST(Pipes, BadArguments) {
@@ -138,7 +140,7 @@ TEST(Figures, OfTheDiskAndOfMemory) {
   ASSERT_EQ(chdir("/") + statfs("/", &disk), 0);
   OS_DiskInfo(&total, &available);
   EXPECT_EQ(total, uint64_t(disk.f_bsize) * disk.f_blocks);
-  EXPECT_TRUE(available <= total && available % disk.f_bsize == 0);
+  EXPECT_TRUE(available > 0 && available <= total && available % disk.f_bsize == 0);
   OS_DiskInfo(nullptr, nullptr);
   OS_MemInfo(&figures[0], nullptr, nullptr, &figures[1]);
   EXPECT_EQ(figures[0], 0xEB28000u);

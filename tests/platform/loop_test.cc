@@ -1,8 +1,10 @@
 // The loop: trackers and nested waits, sources to wait on, what is released after its window has
 // ended, the focus that the desktop moves, lost regions, and a second start in one process.
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -195,6 +197,15 @@ TEST_F(Loop, ATrackerSeesEventsBeforeHandlersAndEndsWithItsOwner) {
   EXPECT_EQ(menu.presses, 2);
 }
 
+// The process waits in the kernel.
+bool Sleeps(pid_t process) {
+  std::ifstream stat("/proc/" + std::to_string(process) + "/stat");
+  std::string line;
+  std::getline(stat, line);
+  const size_t state = line.rfind(") ");
+  return state != std::string::npos && line[state + 2] == 'S';
+}
+
 // Five descriptors of two sources, and a stepped clock: the last one wakes the loop.
 struct Pipes {
   int fds[5][2];
@@ -236,8 +247,9 @@ TEST_F(Loop, AnyDescriptorOfAnySourceWakesAWait) {
   ASSERT_TRUE(ReceiveNextEvent(kEventDurationForever, &e));
   EXPECT_EQ(Name(e), "timer");
   // With no timer left the wait lasts until a descriptor is ready.
+  const pid_t self = getpid();
   if (fork() == 0) {
-    usleep(50000);
+    while (!Sleeps(self)) sched_yield();
     _exit(write(pipes.fds[4][1], "x", 1) == 1 ? 0 : 1);
   }
   ASSERT_TRUE(ReceiveNextEvent(kEventDurationForever, &e));

@@ -32,6 +32,8 @@ TEST(RecordLine, ReadsWhatItWrites) {
       "4.000000 open /a b/\\\\with\\nline",
       "5.000000+ take server 51f0 quiet 0",
       "5.000000+2 take server 51f0 quiet 0",
+      "5.000000+ result folder",
+      "5.500000 result folder 51f0 quiet",
       "6.000000 quit",
       "7.000000 text 1",
       "7.000000 text 12 :",
@@ -63,6 +65,8 @@ TEST(RecordLine, RefusesWhatIsNone) {
       "1.0 press w1 x=",
       "1.0 open",
       "1.0 take",
+      "1.0 result",
+      "1+1 result a",
       "1.0 press w1 x=1y",
       "nan press w1",
       "1.0++ press w1",
@@ -165,6 +169,28 @@ TEST(Record, AResultIsTakenUpAtTheSameAskingOfAMoment) {
     EXPECT_EQ(AskTwice("XW_RECORD", file, recorded), recorded);
     for (const int ready : {1, 2, 3}) EXPECT_EQ(AskTwice("XW_REPLAY", file, ready), recorded);
   }
+  remove(file.c_str());
+}
+
+// A program may never ask for what it asked for when it was recorded: the rest is played all the
+// same.
+TEST(Record, ATakeThatNobodyTakesUpEndsItsWait) {
+  setenv("XW_DISPLAY", "headless", 1);
+  headless::UseSteppedClock(1000);
+  ASSERT_TRUE(InitPlatform("record"));
+  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
+  std::ofstream(file) << "xw-record 1\n0.1 take server up\n0.2 quit\n";
+  setenv("XW_REPLAY", file.c_str(), 1);
+  ASSERT_TRUE(OpenRecord("record"));
+  unsetenv("XW_REPLAY");
+  testing::internal::CaptureStderr();
+  Event event;
+  EXPECT_FALSE(ReceiveNextEvent(15, &event));
+  EXPECT_TRUE(ReceiveNextEvent(10, &event));
+  EXPECT_EQ(event.cls, uint32_t{kEventClassAppleEvent});
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("nobody took up server"),
+            std::string::npos);
+  CloseRecord();
   remove(file.c_str());
 }
 

@@ -9,7 +9,6 @@
 #include "os/final_path.h"
 #include "printserver/nc.h"
 #include "printserver/resolve.h"
-#include "tests/os/alarms.h"
 #include "tests/printserver/peer.h"
 
 namespace {
@@ -281,32 +280,6 @@ TEST(Transfer, TricklesEnd) {
   errno = 0;
   EXPECT_EQ(NC_Read(pair.fd, buf, sizeof buf), -1);
   EXPECT_EQ(errno, ETIMEDOUT);
-}
-
-TEST(Transfer, SignalsEndOnlyWritesWithoutADeadline) {
-  sigset_t alarms;
-  sigemptyset(&alarms);
-  sigaddset(&alarms, SIGALRM);
-  pthread_sigmask(SIG_BLOCK, &alarms, nullptr);  // in the server's thread
-  Pair pair([](int end) {
-    usleep(40000);
-    SendText(end, "12345678");
-    Hold(end);
-  });
-  pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
-  const Alarms ringing;
-  char buf[8];
-  EXPECT_EQ(NC_Read(pair.fd, buf, 4), 4);
-  NC_SetDeadline(pair.fd, 20000);
-  EXPECT_EQ(NC_Read(pair.fd, buf, 4), 4);
-  const std::string large(3 << 20, 'x');
-  const auto size = static_cast<int32_t>(large.size());
-  NC_SetDeadline(pair.fd, 50);
-  EXPECT_EQ(NC_Write(pair.fd, large.data(), size), -1);
-  EXPECT_EQ(errno, ETIMEDOUT);
-  NC_SetDeadline(pair.fd, 0);
-  EXPECT_EQ(NC_Write(pair.fd, large.data(), size), -1);
-  EXPECT_EQ(errno, EINTR);
 }
 
 TEST(Host, NameAndAddress) {

@@ -11,6 +11,7 @@
 #include <set>
 #include <thread>
 
+#include "tests/printserver/peer.h"
 #include "tests/printserverd/daemon.h"
 
 using namespace testing_daemon;
@@ -27,57 +28,36 @@ const char kConfig[] =
     "[profile]\nname=Poster\nmedia=A1\ndpi=1200x600\nprinter=Wide one\n"
     "[scanner]\nname=Flatbed\ntext=by the window\n";
 
-std::string Printed(const Daemon& daemon, const std::string& folder) {
-  const auto names = FilesIn(daemon.Path("printed/" + folder));
-  return names.size() == 1 ? ReadWhole(daemon.Path("printed/" + folder + "/" + names[0])) : "";
-}
-
 TEST_F(Commands, PrintAndSee) {
   Start({"--rate", "0"});
-  uint8_t id[16];
   const std::string document("a\0b\n\nc", 6);
+  const std::string name = "One\\nTwo \\\\ \xc3\xa4.pdf";
   const auto before = time(nullptr);
-  EXPECT_EQ(Send(fd, "document=One\\nTwo \\\\ \xc3\xa4.pdf\nowner=me\ncopies=3\nunknown=x\n",
-                 document, id),
-            NC_STATUS_DONE);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-  const NC_Job job = JobOf(fd, id);
-  EXPECT_STREQ(job.document, "One\nTwo \\ \xc3\xa4.pdf");
-  EXPECT_STREQ(job.owner, "me");
-  EXPECT_STREQ(job.printer, "Proof printer");
-  EXPECT_EQ(job.copies, 3);
-  EXPECT_EQ(job.priority, 50);
-  EXPECT_EQ(job.size, 6);
-  EXPECT_EQ(job.total, 18);
-  EXPECT_EQ(job.printed, 18);
-  EXPECT_EQ(job.number, 1);
-  EXPECT_EQ(job.pages, 3);
-  EXPECT_EQ(job.pages_printed, 3);
-  EXPECT_EQ(job.colour, -1);
-  EXPECT_GE(job.submitted, before);
-  EXPECT_EQ(Printed(daemon, "proof"), document);
-  const std::string name = FilesIn(daemon.Path("printed/proof"))[0];
-  EXPECT_TRUE(name.starts_with("0000000001-20")) << name;
-  EXPECT_TRUE(name.ends_with("-" + IdText(id).substr(0, 8) + "-One_Two \\ \xc3\xa4.pdf")) << name;
+  EXPECT_EQ(New("a", "document=" + name + "\nowner=me\ncopies=3\nunknown=x", document), 1);
+  EXPECT_TRUE(IsDone("a"));
+  EXPECT_EQ(See("a", "document owner printer"), name + " me Proof printer");
+  EXPECT_EQ(See("Proof printer", "default media paper"), "1 A4,A3 497");
+  EXPECT_EQ(See("a", "copies priority size total printed number pages pages-printed colour"),
+            "3 50 6 18 18 1 3 3 -");
+  EXPECT_GE(std::stoll(See("a", "submitted")), before);
+  const std::string output = FilesIn(daemon.Path("printed/proof")).at(0);
+  EXPECT_EQ(ReadWhole(daemon.Path("printed/proof/" + output)), document);
+  EXPECT_TRUE(output.starts_with("0000000001-20")) << output;
+  EXPECT_TRUE(output.ends_with("-" + See("a", "id").substr(0, 8) + "-One_Two \\ \xc3\xa4.pdf"));
   struct stat info;
   ASSERT_EQ(stat(daemon.Path("").c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 0777, 0700U);
-  EXPECT_EQ(Change(fd, id, "hold=1\n"), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_DONE);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(Tell("a", "hold=1"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Remove("a"), NC_STATUS_DONE);
+  EXPECT_EQ(Remove("a"), NC_STATUS_UNKNOWN_ID);
   EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
 }
 
 TEST_F(Commands, Lists) {
   StartWith(kConfig);
-  const auto printers = Printers(fd);
-  ASSERT_EQ(printers.size(), 2U);
-  EXPECT_STREQ(printers[0].name, "First");
-  EXPECT_EQ(printers[0].is_default, 1);
-  EXPECT_EQ(printers[0].paper, 500);
-  EXPECT_STREQ(printers[1].media, "A2,A1");
-  EXPECT_STREQ(printers[1].text, "by the door");
-  EXPECT_EQ(printers[1].paper, -1);
+  EXPECT_EQ(Printers(fd).size(), 2U);
+  EXPECT_EQ(See("First", "default paper"), "1 500");
+  EXPECT_EQ(See("Wide one", "default paper media text"), "0 -1 A2,A1 by the door");
 
   char list[1024];
   uint8_t status = 0;
@@ -140,17 +120,11 @@ TEST_F(Commands, TicketsInPieces) {
   for (size_t cut = 1; cut < data.size(); ++cut) {
     uint8_t id[16];
     ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
-    std::string head = "KRV\3" + std::string(id, id + 16);
-    for (int i = 0; i < 4; ++i) head += static_cast<char>(i ? 0 : data.size());
-    ASSERT_EQ(NC_Write(fd, head.data(), 24), 24);
-    ASSERT_EQ(NC_Write(fd, data.data(), static_cast<int32_t>(cut)), static_cast<int32_t>(cut));
+    SendText(fd, "KRV\3" + std::string(id, id + 16) + Integer(data.size()) + data.substr(0, cut));
     // Another answer of the server says that the first piece has been taken in.
     EXPECT_EQ(Printers(other).size(), 1U);
-    const auto rest = static_cast<int32_t>(data.size() - cut);
-    ASSERT_EQ(NC_Write(fd, data.data() + cut, rest), rest);
-    uint8_t status = 0;
-    ASSERT_EQ(NC_Read(fd, &status, 1), 1);
-    EXPECT_EQ(status, NC_STATUS_DONE) << cut;
+    SendText(fd, data.substr(cut));
+    EXPECT_EQ(AnswerOf(fd), NC_STATUS_DONE) << cut;
     EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + IdText(id) + ".doc")), "\ndocument") << cut;
   }
   NC_Disconnect(other);
@@ -158,15 +132,16 @@ TEST_F(Commands, TicketsInPieces) {
 
 TEST_F(Commands, RequestIds) {
   Start();
-  std::set<std::string> ids;
-  uint8_t first[16], id[16];
-  ASSERT_EQ(NC_CreateRequestID(fd, first), 1);
-  for (int i = 0; i < 1000; ++i) {
-    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
-    ids.insert(std::string(id, id + 16));
+  std::vector<std::string> created(1000);
+  for (std::string& one : created) {
+    one.resize(NC_ID_SIZE);
+    ASSERT_EQ(NC_CreateRequestID(fd, one.data()), 1);
   }
-  EXPECT_EQ(ids.size(), 1000U);
-  EXPECT_EQ(NC_WritePrintRequest(fd, first, "\nx", 2), NC_STATUS_UNKNOWN_ID);  // long forgotten
+  EXPECT_EQ(std::set<std::string>(created.begin(), created.end()).size(), 1000U);
+  // The last 64 are kept.
+  EXPECT_EQ(NC_WritePrintRequest(fd, created[935].data(), "", 0), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(NC_WritePrintRequest(fd, created[936].data(), "", 0), NC_STATUS_BAD_TICKET);
+  const char* const id = created[999].data();
   const int other = daemon.Connect();
   EXPECT_EQ(NC_WritePrintRequest(other, id, "\nx", 2), NC_STATUS_UNKNOWN_ID);
   EXPECT_EQ(NC_WritePrintRequest(fd, id, "copies=x\n\nx", 11), NC_STATUS_BAD_TICKET);
@@ -180,64 +155,47 @@ TEST_F(Commands, RequestIds) {
 
 TEST_F(Commands, HoldReleaseAndPriority) {
   StartWith("[printer]\nname=P\nrate=1K\n");
-  uint8_t printing[16], low[16], high[16], held[16];
-  ASSERT_EQ(Send(fd, "", std::string(1 << 20, 'x'), printing), 1);
-  ASSERT_EQ(Send(fd, "priority=10\n", "low", low), 1);
-  ASSERT_EQ(Send(fd, "priority=20\n", "high", high), 1);
-  ASSERT_EQ(Send(fd, "hold=1\npriority=100\n", "held", held), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).printed > 0; }));
-  const auto order = [&] {
-    std::string text;
-    for (const NC_Job& job : Jobs(fd)) text += std::to_string(job.state) + " ";
-    return text;
-  };
-  EXPECT_EQ(order(), "2 1 0 0 ");
-  EXPECT_EQ(Jobs(fd)[2].priority, 20);
-  EXPECT_EQ(Change(fd, low, "priority=30\n"), 1);
-  EXPECT_EQ(Jobs(fd)[2].priority, 30);
-  EXPECT_EQ(Change(fd, printing, "copies=2\n"), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(Change(fd, low, "copies=2\n"), 1);
-  EXPECT_EQ(JobOf(fd, low).total, 6);
-  EXPECT_EQ(Change(fd, low, "printer=Nobody\n"), NC_STATUS_UNKNOWN_NAME);
-  EXPECT_EQ(Change(fd, low, "document=new name\n\n"), 1);
-  EXPECT_STREQ(JobOf(fd, low).document, "new name");
-  EXPECT_EQ(Change(fd, low, "hold=1\n\nbytes"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(New("long", "document=long", std::string(1 << 20, 'x')), 1);
+  EXPECT_EQ(New("low", "document=low\npriority=10", "low"), 1);
+  EXPECT_EQ(New("high", "document=high\npriority=20"), 1);
+  EXPECT_EQ(New("held", "document=held\nhold=1\npriority=100"), 1);
+  EXPECT_TRUE(Eventually([&] { return See("long", "printed") != "0"; }));
+  EXPECT_EQ(Order(fd), "long held high low ");
+  EXPECT_EQ(Tell("low", "priority=30"), 1);
+  EXPECT_EQ(Order(fd), "long held low high ");
+  EXPECT_EQ(See("long", "state") + See("held", "state"), "printingheld");
+  EXPECT_EQ(Tell("long", "copies=2"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Tell("low", "printer=Nobody"), NC_STATUS_UNKNOWN_NAME);
+  EXPECT_EQ(Tell("low", "copies=2\ndocument=new name\n"), 1);
+  EXPECT_EQ(See("low", "total document"), "6 new name");
+  EXPECT_EQ(Tell("low", "hold=1\n\nbytes"), NC_STATUS_WRONG_STATE);
 
   // Held at the printer: the next by priority takes its place, and it starts again when released.
-  EXPECT_EQ(Change(fd, held, "hold=0\n"), 1);
-  EXPECT_EQ(JobOf(fd, held).state, NC_JOB_WAITING);
-  EXPECT_EQ(Change(fd, printing, "hold=1\n"), 1);
-  EXPECT_EQ(JobOf(fd, printing).state, NC_JOB_HELD);
-  EXPECT_EQ(JobOf(fd, printing).printed, 0);
-  EXPECT_TRUE(Becomes(fd, high, NC_JOB_DONE));
-  const auto names = FilesIn(daemon.Path("printed/p"));
-  EXPECT_EQ(names.size(), 3U);
-  EXPECT_EQ(JobOf(fd, held).state, NC_JOB_DONE);
-  EXPECT_EQ(JobOf(fd, low).state, NC_JOB_DONE);
-  EXPECT_EQ(Change(fd, printing, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, printing, NC_JOB_PRINTING));
-  EXPECT_EQ(NC_RemovePrintRequest(fd, printing), 1);
+  EXPECT_EQ(Tell("held", "hold=0"), 1);
+  EXPECT_EQ(See("held", "state"), "waiting");
+  EXPECT_EQ(Tell("long", "hold=1"), 1);
+  EXPECT_EQ(See("long", "state printed"), "held 0");
+  EXPECT_TRUE(IsDone("high"));
+  EXPECT_EQ(FilesIn(daemon.Path("printed/p")).size(), 3U);
+  EXPECT_EQ(See("held", "state") + See("low", "state"), "donedone");
+  EXPECT_EQ(Tell("long", "hold=0"), 1);
+  EXPECT_TRUE(Becomes("long", "state", "printing"));
+  EXPECT_EQ(Remove("long"), 1);
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 3; }));
-  EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
+  EXPECT_TRUE(Becomes("P", "state", "idle"));
 }
 
 TEST_F(Commands, PaperRunsOut) {
   StartWith("[printer]\nname=P\nrate=0\npaper=2\nsheet-bytes=10\n");
-  uint8_t id[16], next[16];
-  ASSERT_EQ(Send(fd, "copies=2\n", "123456789012345", id), 1);  // two sheets a copy
-  ASSERT_EQ(Send(fd, "", "", next), 1);                         // an empty one takes one too
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_EQ(JobOf(fd, id).printed, 15);
-  EXPECT_EQ(JobOf(fd, id).pages, 4);
-  EXPECT_EQ(JobOf(fd, id).pages_printed, 2);
-  EXPECT_EQ(Printers(fd)[0].state, NC_PRINTER_PAPER_OUT);
-  EXPECT_EQ(Printers(fd)[0].paper, 0);
-  EXPECT_EQ(JobOf(fd, next).state, NC_JOB_WAITING);
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-  EXPECT_TRUE(Becomes(fd, next, NC_JOB_PAPER_OUT));
-  EXPECT_EQ(NC_RemovePrintRequest(fd, next), 1);
-  EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].state == NC_PRINTER_IDLE; }));
+  EXPECT_EQ(New("a", "copies=2", "123456789012345"), 1);  // two sheets a copy
+  EXPECT_EQ(New("next", "", ""), 1);                      // an empty one takes one too
+  EXPECT_TRUE(Becomes("a", "state printed pages pages-printed", "paper-out 15 4 2"));
+  EXPECT_EQ(See("P", "state paper") + See("next", "state"), "paper-out 0waiting");
+  EXPECT_EQ(Tell("a", "hold=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
+  EXPECT_TRUE(Becomes("next", "state", "paper-out"));
+  EXPECT_EQ(Remove("next"), 1);
+  EXPECT_TRUE(Becomes("P", "state", "idle"));
 }
 
 TEST_F(Commands, GamutFiles) {
@@ -283,30 +241,22 @@ TEST_F(Commands, RemoveFilesOnlyBelowItsOwn) {
   std::filesystem::create_symlink("..", files + "/up");
   std::filesystem::create_symlink("top", files + "/link");
   const struct {
-    std::string path;
     int status;
-  } cases[] = {{"../outside", NC_STATUS_BAD_PATH},
-               {"a/../../outside", NC_STATUS_BAD_PATH},
-               {daemon.Path("outside"), NC_STATUS_BAD_PATH},
-               {"up/outside", NC_STATUS_BAD_PATH},
-               {"link", NC_STATUS_BAD_PATH},
-               {"", NC_STATUS_BAD_PATH},
-               {"a//b/inner", NC_STATUS_BAD_PATH},
-               {"a/b/", NC_STATUS_BAD_PATH},
-               {"./top", NC_STATUS_BAD_PATH},
-               {"..", NC_STATUS_BAD_PATH},
-               {"a/b", NC_STATUS_WRONG_STATE},
-               {"a/none", NC_STATUS_NO_FILE},
-               {"none/../top", NC_STATUS_NO_FILE},
-               {"up", NC_STATUS_BAD_PATH},
-               {"top/x", NC_STATUS_NO_FILE},
-               {std::string(511, 'n'), NC_STATUS_NO_FILE},
-               {std::string(300, 'n') + "/x", NC_STATUS_NO_FILE},
-               {"a/b/inner", NC_STATUS_DONE},
-               {"top", NC_STATUS_DONE},
-               {"top", NC_STATUS_NO_FILE}};
-  for (const auto& row : cases)
-    EXPECT_EQ(NC_RemoveFile(fd, row.path.c_str()), row.status) << row.path;
+    std::vector<std::string> paths;
+  } cases[] = {
+      {NC_STATUS_BAD_PATH,
+       {"../outside", "a/../../outside", daemon.Path("outside"), "up/outside", "link", "",
+        "a//b/inner", "a/b/", "./top", "..", "up"}},
+      {NC_STATUS_WRONG_STATE, {"a/b"}},
+      {NC_STATUS_NO_FILE,
+       {"a/none", "none/../top", "top/x", std::string(511, 'n'), std::string(300, 'n') + "/x"}},
+      {NC_STATUS_DONE, {"a/b/inner", "top"}},
+      {NC_STATUS_NO_FILE, {"top"}}};
+  for (const auto& row : cases) {
+    for (const std::string& path : row.paths) {
+      EXPECT_EQ(NC_RemoveFile(fd, path.c_str()), row.status) << path;
+    }
+  }
   EXPECT_TRUE(std::filesystem::exists(daemon.Path("outside")));
   EXPECT_TRUE(std::filesystem::is_symlink(files + "/link"));
   EXPECT_FALSE(std::filesystem::exists(files + "/a/b/inner"));
@@ -369,16 +319,12 @@ TEST_F(Commands, DoneJobsGoAndFailedOnesStay) {
       "[server]\ndone-keep=3\nspool-limit=100K\ndone-bytes=30K\n"
       "[printer]\nname=P\nrate=0\nkeep=2\n";
   StartWith(config);
-  uint8_t id[16], failed[16];
-  ASSERT_EQ(Send(fd, "hold=1\n", "x", failed), 1);
-  std::filesystem::resize_file(daemon.Path("jobs/" + IdText(failed) + ".doc"), 0);
-  ASSERT_EQ(Change(fd, failed, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, failed, NC_JOB_FAILED));
-  EXPECT_STREQ(JobOf(fd, failed).text, "the document is shorter than it was");
-  EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
+  EXPECT_EQ(New("failed", "hold=1"), 1);
+  std::filesystem::resize_file(DocumentOf("failed"), 0);
+  EXPECT_EQ(Tell("failed", "hold=0"), 1);
+  EXPECT_TRUE(Becomes("failed", "state", "failed"));
   for (int i = 0; i < 8; ++i) {
-    ASSERT_EQ(Send(fd, "", std::string(20000, 'x'), id), 1);
-    EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+    EXPECT_TRUE(New("a", "", std::string(20000, 'x')) == 1 && IsDone("a"));
   }
   EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 4; }));
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("printed/p")).size() == 2; }));
@@ -386,41 +332,37 @@ TEST_F(Commands, DoneJobsGoAndFailedOnesStay) {
   EXPECT_EQ(Jobs(fd)[1].kept, 0);
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 6; }));
   // The room of a done job's document is for what comes; what waits keeps it.
-  uint8_t waits[16];
-  EXPECT_EQ(Send(fd, "hold=1\n", std::string(90000, 'x'), waits), 1);
-  EXPECT_EQ(JobOf(fd, id).kept, 0);
-  EXPECT_EQ(Send(fd, "hold=1\n", std::string(20000, 'x'), id), NC_STATUS_TOO_LARGE);
+  EXPECT_EQ(New("waits", "hold=1", std::string(90000, 'x')), 1);
+  EXPECT_EQ(See("a", "kept"), "0");
+  EXPECT_EQ(New("large", "hold=1", std::string(20000, 'x')), NC_STATUS_TOO_LARGE);
   // A request that broke off, and one that is removed, leave their room.
   const int other = daemon.Connect();
+  uint8_t id[16];
   ASSERT_EQ(NC_CreateRequestID(other, id), 1);
-  const std::string part = "KRV\3" + std::string(id, id + 16) + std::string("\0\0\1\0\n", 5);
-  ASSERT_EQ(NC_Write(other, (part + std::string(11000, 'x')).data(), 11025), 11025);
+  SendText(other,
+           "KRV\3" + std::string(id, id + 16) + Integer(65536) + "\n" + std::string(11000, 'x'));
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 8; }));
   NC_Disconnect(other);
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).size() == 7; }));
-  EXPECT_EQ(Send(fd, "hold=1\n", std::string(12000, 'x'), id), 1);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, waits), 1);
-  EXPECT_EQ(Send(fd, "hold=1\n", std::string(100000, 'x'), id), 1);
+  EXPECT_EQ(New("large", "hold=1", std::string(12000, 'x')), 1);
+  EXPECT_EQ(Remove("large") + Remove("waits"), 2);
+  EXPECT_EQ(New("large", "hold=1", std::string(100000, 'x')), 1);
   daemon.WriteFile("config", "[server]\ndone-seconds=0\n" + config.substr(9));
   daemon.Signal(SIGHUP);
   EXPECT_TRUE(Eventually([&] { return Jobs(fd).size() == 2; }));
-  EXPECT_EQ(JobOf(fd, failed).state, NC_JOB_FAILED);
+  EXPECT_EQ(See("failed", "state"), "failed");
 }
 
 TEST_F(Commands, ConfigurationReadAgain) {
   StartWith(kConfig);
-  uint8_t id[16];
-  ASSERT_EQ(Send(fd, "printer=Wide one\nhold=1\n", "x", id), 1);
+  EXPECT_EQ(New("a", "printer=Wide one\nhold=1"), 1);
   daemon.WriteFile("config", "[printer]\nname=First\nrate=0\n[printer]\nname=Third\n");
   daemon.Signal(SIGHUP);
-  EXPECT_TRUE(Eventually([&] { return strcmp(Printers(fd)[1].name, "Third") == 0; }));
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
-  EXPECT_STREQ(JobOf(fd, id).reasons, "printer-unknown");
-  EXPECT_EQ(JobOf(fd, id).pages, -1);
-  EXPECT_EQ(Change(fd, id, "printer=First\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_TRUE(Becomes("Third", "state", "idle"));
+  EXPECT_EQ(Tell("a", "hold=0"), 1);
+  EXPECT_EQ(See("a", "state reasons pages"), "waiting printer-unknown -");
+  EXPECT_EQ(Tell("a", "printer=First"), 1);
+  EXPECT_TRUE(IsDone("a"));
   daemon.WriteFile("config", "[nonsense]\n");
   daemon.Signal(SIGHUP);
   EXPECT_TRUE(daemon.Says("unknown section [nonsense]; the configuration stays as it was"));
@@ -462,9 +404,8 @@ TEST_F(Commands, PrintersAndProfilesByTheThousand) {
   std::vector<char> list(1024 * NC_PROFILE_SIZE);
   const char every[NC_PROFILE_KEY] = {};
   EXPECT_EQ(NC_GetProfileListN(fd, every, list.data(), 1024 * NC_PROFILE_SIZE), 1024);
-  uint8_t id[16];
-  EXPECT_EQ(Send(fd, "printer=P1023\nprofile=Q1023\n", "x", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(New("a", "printer=P1023\nprofile=Q1023"), 1);
+  EXPECT_TRUE(IsDone("a"));
 }
 
 }  // namespace

@@ -1,16 +1,11 @@
 // A proxy before the daemon ends, resets or stalls the connection after each byte of each reply.
 // The client's call fails as it says, within its deadline, and the daemon serves on: what it did
 // for the client whose answer was lost is done.
-#include <arpa/inet.h>
-#include <fcntl.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-
+#include <climits>
 #include <fstream>
-#include <thread>
 
 #include "os/final_path.h"
+#include "tests/printserver/peer.h"
 #include "tests/printserverd/daemon.h"
 
 using namespace testing_daemon;
@@ -23,28 +18,10 @@ enum class Way { kEnd, kReset, kStall };
 class Proxy {
  public:
   explicit Proxy(const Daemon* daemon) : daemon_(daemon) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(bind(listener_.get(), reinterpret_cast<sockaddr*>(&address), size), 0);
-    EXPECT_EQ(listen(listener_.get(), 8), 0);
-    getsockname(listener_.get(), reinterpret_cast<sockaddr*>(&address), &size);
-    place_ = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-    thread_ = std::thread([this] {
-      for (;;) {
-        const os::Handle client(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (!client) return;
-        Forward(client.get());
-      }
-    });
-  }
-  ~Proxy() {
-    shutdown(listener_.get(), SHUT_RDWR);
-    thread_.join();
+    listener_.Serve(INT_MAX, [this](int client) { Forward(client); });
   }
 
-  const char* place() const { return place_.c_str(); }
+  std::string place() const { return listener_.host + ":" + std::to_string(listener_.port); }
   // For the clients from now on; the answer to the greeting is the first byte.
   void Cut(int64_t after, Way way) {
     limit_ = after;
@@ -91,14 +68,12 @@ class Proxy {
   }
 
   const Daemon* daemon_;
-  os::Handle listener_{socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
-  std::string place_;
   std::atomic<int64_t> limit_{INT64_MAX}, forwarded_{0};
   std::atomic<Way> way_{Way::kEnd};
-  std::thread thread_;
+  Listener listener_{"127.0.0.1", 0};  // the last: its thread uses the others
 };
 
-class Cuts : public Served {};
+using Cuts = Served;
 
 TEST_F(Cuts, AfterEachByteOfEachReply) {
   StartWith("[printer]\nname=P\n[profile]\nname=Plain\nmedia=A4\n[scanner]\nname=S\n");
@@ -131,7 +106,7 @@ TEST_F(Cuts, AfterEachByteOfEachReply) {
     const auto run = [&](int deadline) {
       if (strcmp(command.name, "remove") == 0) Send(fd, "hold=1\n", "gone", job);
       std::ofstream(daemon.Path("files/file")) << "x";
-      const int to = NC_ConnectN(proxy.place(), deadline);
+      const int to = NC_ConnectN(proxy.place().c_str(), deadline);
       const int result = to < 0 ? to : command.call(to);
       if (to >= 0) NC_Disconnect(to);
       return result;

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 namespace testing_daemon {
@@ -22,8 +23,8 @@ int CodeOf(int status) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-pid_t Launch(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
-             int out, int error) {
+pid_t Spawn(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
+            int out, int error) {
   std::vector<char*> argv;
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
@@ -51,7 +52,7 @@ Outcome RunProgram(const std::vector<std::string>& arguments,
   FILE* out = tmpfile();
   FILE* error = tmpfile();
   int status = 0;
-  const pid_t pid = Launch(arguments, environment, fileno(out), fileno(error));
+  const pid_t pid = Spawn(arguments, environment, fileno(out), fileno(error));
   waitpid(pid, &status, 0);
   Outcome outcome;
   outcome.code = CodeOf(status);
@@ -79,19 +80,25 @@ Daemon::~Daemon() {
   std::filesystem::remove_all(folder_);
 }
 
-void Daemon::Start(std::vector<std::string> arguments) {
-  std::vector<std::string> all = {PRINTSERVERD, "--listen", host_, "--spool", folder_ + "/spool"};
+void Daemon::Start(const std::vector<std::string>& arguments) {
+  ASSERT_EQ(Launch(PRINTSERVERD, arguments), -1) << Said();
+}
+
+int Daemon::Launch(const char* program, const std::vector<std::string>& arguments) {
+  std::vector<std::string> all = {program, "--listen", host_, "--spool", folder_ + "/spool"};
   all.insert(all.end(), arguments.begin(), arguments.end());
   const int said =
       open((folder_ + "/said").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-  pid_ = Launch(all, {}, -1, said);
+  pid_ = Spawn(all, {}, -1, said);
   close(said);
-  ASSERT_GT(pid_, 0);
-  ASSERT_TRUE(Eventually([&] {
-    const int fd = ConnectRaw();
-    if (fd >= 0) close(fd);
-    return fd >= 0;
-  }));
+  EXPECT_GT(pid_, 0);
+  int status = 0, fd = -1;
+  while ((fd = NC_ConnectN(host(), 20000)) < 0 && fd != NC_REFUSED) {
+    if (waitpid(pid_, &status, WNOHANG) == pid_) return pid_ = 0, CodeOf(status);
+    usleep(1000);
+  }
+  if (fd >= 0) close(fd);
+  return -1;
 }
 
 void Daemon::Signal(int number) {
@@ -232,11 +239,8 @@ bool Eventually(const std::function<bool()>& holds) {
   return false;
 }
 
-bool Becomes(int fd, const uint8_t* id, NC_JobState state) {
-  return Eventually([&] { return JobOf(fd, id).state == state; });
-}
-
 void Served::Start(const std::vector<std::string>& arguments) {
+  arguments_ = arguments;
   daemon.Start(arguments);
   fd = daemon.Connect();
 }
@@ -251,6 +255,54 @@ int Served::Stop(int signal) {
   if (fd >= 0) NC_Disconnect(fd);
   fd = -1;
   return code;
+}
+
+void Served::Restart() {
+  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
+  Start(std::vector<std::string>(arguments_));
+}
+
+int Served::New(const std::string& name, const std::string& ticket, const std::string& document) {
+  return Send(fd, ticket.empty() ? "" : ticket + "\n", document, ids[name].data());
+}
+
+int Served::Tell(const std::string& name, const std::string& ticket) {
+  return Change(fd, ids.count(name) ? ids[name].data() : PrinterOf(fd, name).id, ticket + "\n");
+}
+
+int Served::Remove(const std::string& name) {
+  return NC_RemovePrintRequest(fd, ids[name].data());
+}
+
+std::string Served::See(const std::string& name, const std::string& keys) {
+  std::vector<char> list(NC_QUEUE_MAX);
+  uint8_t status = 0;
+  const bool job = ids.count(name) > 0;
+  const int32_t size = job ? NC_GetPrintQueueN(fd, list.data(), NC_QUEUE_MAX)
+                           : NC_GetPrinterListN(fd, &status, list.data(), NC_LIST_MAX);
+  const std::string text = "\n" + std::string(list.data(), static_cast<size_t>(std::max(size, 0)));
+  const size_t at = text.find(job ? "\nid=" + IdText(ids[name].data()) : "\nname=" + name + "\n");
+  if (at == std::string::npos) return "none";
+  const size_t begin = text.rfind("\n\n", at);
+  const std::string record = text.substr(begin == std::string::npos ? 0 : begin + 1);
+  std::istringstream words(keys);
+  std::string values;
+  for (std::string key; words >> key;) {
+    const size_t line = record.substr(0, record.find("\n\n") + 1).find("\n" + key + "=");
+    const size_t value = line + key.size() + 2;
+    values +=
+        line == std::string::npos ? "-" : record.substr(value, record.find('\n', value) - value);
+    values += ' ';
+  }
+  return values.substr(0, values.size() - 1);
+}
+
+bool Served::Becomes(const std::string& name, const std::string& keys, const std::string& values) {
+  return Eventually([&] { return See(name, keys) == values; });
+}
+
+std::string Served::DocumentOf(const std::string& name) {
+  return daemon.Path("jobs/" + IdText(ids[name].data()) + ".doc");
 }
 
 }  // namespace testing_daemon

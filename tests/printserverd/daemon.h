@@ -5,8 +5,10 @@
 #include <signal.h>
 #include <sys/types.h>
 
+#include <array>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -32,7 +34,9 @@ class Daemon {
   ~Daemon();
 
   // Starts it with more arguments, and waits until it listens.
-  void Start(std::vector<std::string> arguments = {});
+  void Start(const std::vector<std::string>& arguments = {});
+  // The same with another program. -1, or its exit code when it ends instead.
+  int Launch(const char* program, const std::vector<std::string>& arguments);
   // Ends it with a signal; the exit code, or 128 + signal.
   int Stop(int signal);
   void Signal(int signal);
@@ -85,10 +89,8 @@ std::string IdText(const uint8_t* id);
 
 // Waits until it holds; false after 30 seconds.
 bool Eventually(const std::function<bool()>& holds);
-// Waits until the job is in this state, and says whether it came to be.
-bool Becomes(int fd, const uint8_t* id, NC_JobState state);
 
-// A daemon with one client.
+// A daemon with one client. Jobs go by names that the test gives them, printers by their own.
 class Served : public testing::Test {
  protected:
   ~Served() override { EXPECT_EQ(Stop(SIGTERM), 0); }
@@ -98,9 +100,27 @@ class Served : public testing::Test {
   void StartWith(const std::string& configuration, std::vector<std::string> arguments = {});
   // Ends the daemon, then the connection; the exit code, or 128 + signal.
   int Stop(int signal);
+  // Kills it and starts it as before.
+  void Restart();
+
+  // Sends a request; its status.
+  int New(const std::string& name, const std::string& ticket, const std::string& document = "x");
+  // Changes or removes a job or a printer; the status.
+  int Tell(const std::string& name, const std::string& ticket);
+  int Remove(const std::string& name);
+  // What its record has for these keys, with a space between.
+  std::string See(const std::string& name, const std::string& keys);
+  // Waits until that is so.
+  bool Becomes(const std::string& name, const std::string& keys, const std::string& values);
+  bool IsDone(const std::string& name) { return Becomes(name, "state", "done"); }
+  std::string DocumentOf(const std::string& name);
 
   Daemon daemon;
   int fd = -1;
+  std::map<std::string, std::array<uint8_t, NC_ID_SIZE>> ids;
+
+ private:
+  std::vector<std::string> arguments_;
 };
 
 }  // namespace testing_daemon

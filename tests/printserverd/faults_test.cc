@@ -1,8 +1,7 @@
 // The daemon with each of its system calls failing in each way. It does not hang and does not die;
 // what it has accepted is there after a restart, whole; what it has removed is gone; what it has
 // refused is not there.
-#include <fcntl.h>
-#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -16,7 +15,6 @@ using namespace testing_daemon;
 namespace {
 
 const char kConfig[] = "[printer]\nname=P\nrate=0\npaper=0\nkeep=100000\n[scanner]\nname=S\n";
-constexpr int kDeadlineMs = 20000;
 
 struct Sent {
   uint8_t id[16] = {};
@@ -25,53 +23,29 @@ struct Sent {
   int removed = -2;   // the same, -2 when nobody asked for it
 };
 
-class DaemonFaults : public testing::Test {
+class DaemonFaults : public ::testing::Test {
  protected:
   DaemonFaults() {
-    folder_ = mkdtemp((::testing::TempDir() + "faults-XXXXXX").data());
-    const int pid = getpid();
-    host_ = "127." + std::to_string(64 + (pid >> 16 & 63)) + "." + std::to_string(pid >> 8 & 255) +
-            "." + std::to_string(pid & 255);
-    std::ofstream(folder_ + "/config") << kConfig;
+    daemon_.WriteFile("config", kConfig);
     // One for the process: it stays mapped.
-    static const std::string shared = ::testing::TempDir() + "faults." + std::to_string(pid);
+    static const std::string shared = ::testing::TempDir() + "faults." + std::to_string(getpid());
     static const int removed = atexit([] { unlink(shared.c_str()); });
     EXPECT_EQ(removed, 0);
     setenv("QUORVIK_FAULT_FILE", shared.c_str(), 1);
   }
-  ~DaemonFaults() override { std::filesystem::remove_all(folder_); }
 
-  // Starts the program and waits until it listens; false when it ends instead.
-  bool Start(const char* program) {
-    const std::string spool = folder_ + "/spool", config = folder_ + "/config";
-    pid_ = fork();
-    if (pid_ == 0) {
-      const int log = open((folder_ + "/log").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-      dup2(log, STDERR_FILENO);
-      execl(program, program, "--listen", host_.c_str(), "--spool", spool.c_str(), "--config",
-            config.c_str(), nullptr);
-      _exit(127);
-    }
-    for (;;) {
-      const int fd = NC_ConnectN(host_.c_str(), kDeadlineMs);
-      if (fd >= 0) {
-        NC_Disconnect(fd);
-        return true;
-      }
-      if (waitpid(pid_, &status_, WNOHANG) == pid_) return false;
-      usleep(1000);
-    }
+  // Starts the daemon, or the one with faults, which says why when it ends instead.
+  bool Start(const char* program = PRINTSERVERD) {
+    daemon_.WriteFile("said", "");
+    const int ended = daemon_.Launch(program, {"--config", daemon_.folder() + "/config"});
+    EXPECT_TRUE(ended < 0 || (ended > 0 && ended < 128 && daemon_.Said() != "")) << ended;
+    return ended < 0;
   }
-  void Stop() {
-    kill(pid_, SIGTERM);
-    waitpid(pid_, &status_, 0);
-    EXPECT_TRUE(WIFEXITED(status_) && WEXITSTATUS(status_) == 0)
-        << status_ << ReadWhole(folder_ + "/log");
-  }
+  void Stop() { EXPECT_EQ(daemon_.Stop(SIGTERM), 0); }
 
   // Runs `act` on a connection of its own.
   int On(const std::function<int(int fd)>& act) const {
-    const int fd = NC_ConnectN(host_.c_str(), kDeadlineMs);
+    const int fd = NC_ConnectN(daemon_.host(), 20000);
     const int result = fd < 0 ? -1 : act(fd);
     if (fd >= 0) NC_Disconnect(fd);
     return result;
@@ -93,11 +67,11 @@ class DaemonFaults : public testing::Test {
     On([&](int fd) { return NC_GetPrintQueueN(fd, list, sizeof list); });
     On([&](int fd) { return NC_GetPrinterListN(fd, &status, list, sizeof list); });
     On([&](int fd) { return NC_GetScannerListN(fd, &status, list, sizeof list); });
-    std::ofstream(folder_ + "/spool/files/file") << "x";
+    std::ofstream(daemon_.Path("files/file")) << "x";
     const int removed = On([&](int fd) { return NC_RemoveFile(fd, "file"); });
-    EXPECT_TRUE(removed != 1 || !std::filesystem::exists(folder_ + "/spool/files/file"));
-    const std::string gamut = folder_ + "/gamut";
-    std::ofstream(folder_ + "/spool/gamut/g") << "gamut";
+    EXPECT_TRUE(removed != 1 || !std::filesystem::exists(daemon_.Path("files/file")));
+    const std::string gamut = daemon_.folder() + "/gamut";
+    std::ofstream(daemon_.Path("gamut/g")) << "gamut";
     unlink(gamut.c_str());
     const int copied = On([&](int fd) {
       char a[NC_GAMUT_A] = "g", b[NC_GAMUT_B] = "";
@@ -118,55 +92,41 @@ class DaemonFaults : public testing::Test {
     for (const Sent& sent : all) {
       const std::string id = IdText(sent.id);
       const bool listed = jobs.count(id) > 0;
-      if (sent.accepted == 1 && sent.removed == -2) {
-        EXPECT_TRUE(listed) << fault.call();
-      }
-      if (sent.accepted == 1 && sent.removed == 1) {
-        EXPECT_FALSE(listed) << fault.call();
-      }
-      if (sent.accepted > 1) {
-        EXPECT_FALSE(listed) << fault.call() << " " << sent.accepted;
+      // An answer that was lost, or a removal that was refused, leaves both open.
+      if (sent.accepted > 0 && (sent.accepted > 1 || sent.removed == -2 || sent.removed == 1)) {
+        EXPECT_EQ(listed, sent.accepted == 1 && sent.removed == -2)
+            << fault.call() << " " << sent.accepted << " " << sent.removed;
       }
       if (!listed) continue;
-      EXPECT_EQ(ReadWhole(folder_ + "/spool/jobs/" + id + ".doc"), sent.document);
-      if (jobs[id].state == NC_JOB_DONE) {
-        EXPECT_TRUE(IsPrinted(sent)) << fault.call();
-      }
+      EXPECT_EQ(ReadWhole(daemon_.Path("jobs/" + id + ".doc")), sent.document);
+      EXPECT_TRUE(jobs[id].state != NC_JOB_DONE || IsPrinted(sent)) << fault.call();
     }
-    EXPECT_TRUE(FilesIn(folder_ + "/spool/aside").empty()) << fault.call();
+    EXPECT_TRUE(FilesIn(daemon_.Path("aside")).empty()) << fault.call();
   }
   bool IsPrinted(const Sent& sent) const {
-    for (const std::string& name : FilesIn(folder_ + "/spool/printed/p")) {
-      if (ReadWhole(folder_ + "/spool/printed/p/" + name) == sent.document) return true;
+    for (const std::string& name : FilesIn(daemon_.Path("printed/p"))) {
+      if (ReadWhole(daemon_.Path("printed/p/" + name)) == sent.document) return true;
     }
     return false;
   }
 
-  std::string folder_, host_;
-  pid_t pid_ = 0;
-  int status_ = 0;
+  Daemon daemon_;
 };
 
 TEST_F(DaemonFaults, ALifeOfJobs) {
   const support::ExemptFromFaults exempt;
   support::SweepFaults("printserverd", 10, [&](support::Fault& fault) {
-    std::filesystem::remove_all(folder_ + "/spool");
-    fault.Begin();
-    const bool started = Start(PRINTSERVERD_FAULTY);
+    std::filesystem::remove_all(daemon_.Path(""));
     std::vector<Sent> all;
-    if (started) {
+    fault.Begin();
+    if (Start(PRINTSERVERD_FAULTY)) {
       all = Live();
       Stop();
-    } else {
-      EXPECT_TRUE(WIFEXITED(status_) && WEXITSTATUS(status_) != 0) << status_;
-      EXPECT_NE(ReadWhole(folder_ + "/log"), "");
     }
     fault.End();
-    ASSERT_TRUE(Start(PRINTSERVERD)) << ReadWhole(folder_ + "/log");
+    ASSERT_TRUE(Start());
     Check(all, fault);
-    if (!fault.happened()) {
-      for (const Sent& sent : all) EXPECT_EQ(sent.accepted, 1);
-    }
+    for (const Sent& sent : all) EXPECT_TRUE(fault.happened() || sent.accepted == 1);
     Stop();
   });
 }
@@ -174,7 +134,7 @@ TEST_F(DaemonFaults, ALifeOfJobs) {
 // A daemon that could not read something when it started leaves it as it is: the next one has all.
 TEST_F(DaemonFaults, AStartWithJobs) {
   const support::ExemptFromFaults exempt;
-  ASSERT_TRUE(Start(PRINTSERVERD));
+  ASSERT_TRUE(Start());
   std::vector<Sent> all(4);
   for (Sent& sent : all) {
     sent.document = std::string(2000, 'x');
@@ -183,13 +143,9 @@ TEST_F(DaemonFaults, AStartWithJobs) {
   Stop();
   support::SweepFaults("printserverd with jobs", 10, [&](support::Fault& fault) {
     fault.Begin();
-    if (Start(PRINTSERVERD_FAULTY)) {
-      Stop();
-    } else {
-      EXPECT_TRUE(WIFEXITED(status_) && WEXITSTATUS(status_) != 0) << status_;
-    }
+    if (Start(PRINTSERVERD_FAULTY)) Stop();
     fault.End();
-    ASSERT_TRUE(Start(PRINTSERVERD)) << ReadWhole(folder_ + "/log");
+    ASSERT_TRUE(Start());
     Check(all, fault);
     Stop();
   });

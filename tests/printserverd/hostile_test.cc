@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <random>
 #include <thread>
 
 #include "tests/printserver/peer.h"
@@ -87,15 +86,6 @@ TEST_F(Hostile, GreetingsAndHeadersThatAreNone) {
   ExpectHonestWorks(daemon);
 }
 
-TEST_F(Hostile, RequestsSentTogetherAreAnsweredInOrder) {
-  Start();
-  const int one = daemon.ConnectRaw();
-  SendText(one, kGreeting + Header(10) + Header(1) + Header(6) + std::string(16, 'i') + Header(3) +
-                    std::string(16, 'i') + Integer(7) + "a=\n\nxyz" + Header(10));
-  EXPECT_EQ(ReceiveText(one, 9), std::string("\1\0\0\0\0\0\2\2\0", 9));
-  close(one);
-}
-
 TEST_F(Hostile, HalfRequestsLeaveNothing) {
   Start();
   for (const size_t sent : {0, 3, 8, 9, 500000}) {
@@ -110,23 +100,6 @@ TEST_F(Hostile, HalfRequestsLeaveNothing) {
     }
     NC_Disconnect(one);
     EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).empty(); }));
-  }
-  ExpectHonestWorks(daemon);
-}
-
-TEST_F(Hostile, Garbage) {
-  Start({"--rate", "0"});
-  std::mt19937 random(1);
-  for (int round = 0; round < 300; ++round) {
-    const int one = daemon.ConnectRaw();
-    std::string bytes = kGreeting;
-    for (int i = 0; i < 20; ++i) {
-      bytes += Header(static_cast<char>(1 + random() % 11));
-      const size_t length = random() % 600;
-      for (size_t k = 0; k < length; ++k) bytes += static_cast<char>(random() % 4 ? 0 : random());
-    }
-    SendText(one, bytes);
-    close(one);
   }
   ExpectHonestWorks(daemon);
 }
@@ -161,14 +134,18 @@ TEST_F(Hostile, ThousandSlowClientsAndAnHonestOne) {
   ExpectHonestWorks(daemon);
 }
 
-TEST_F(Hostile, ARequestThatWasSentWholeIsAnswered) {
+// Requests that are sent together, the last one with the end behind it.
+TEST_F(Hostile, WhatWasSentWholeIsAnsweredInOrder) {
   Start();
   const int one = daemon.Connect();
   uint8_t id[16];
   ASSERT_EQ(NC_CreateRequestID(one, id), 1);
-  SendText(one, Header(3) + std::string(id, id + 16) + Integer(9) + "hold=1\n\nx" + Header(10));
+  const std::string none(16, 'i');
+  SendText(one, Header(10) + Header(1) + Header(6) + none + Header(3) + none + Integer(7) +
+                    "a=\n\nxyz" + Header(3) + std::string(id, id + 16) + Integer(9) +
+                    "hold=1\n\nx" + Header(10));
   shutdown(one, SHUT_WR);
-  EXPECT_EQ(ReceiveText(one, 9), std::string("\1\0", 2));
+  EXPECT_EQ(ReceiveText(one, 99), std::string("\0\0\0\0\0\2\2\1\0", 9));
   EXPECT_TRUE(Ended(one));
   close(one);
   EXPECT_EQ(JobOf(fd, id).size, 1);
@@ -184,11 +161,9 @@ TEST_F(Hostile, TheDiskIsFull) {
   Start({"--rate", "0"});
   setrlimit(RLIMIT_FSIZE, &before);
   signal(SIGXFSZ, SIG_DFL);
-  uint8_t id[16];
-  EXPECT_EQ(Send(fd, "", std::string(500000, 'x'), id), NC_STATUS_STORAGE);
+  EXPECT_EQ(New("large", "", std::string(500000, 'x')), NC_STATUS_STORAGE);
   EXPECT_TRUE(Eventually([&] { return FilesIn(daemon.Path("jobs")).empty(); }));
-  EXPECT_EQ(Send(fd, "", std::string(150000, 'x'), id), NC_STATUS_DONE);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_TRUE(New("a", "", std::string(150000, 'x')) == 1 && IsDone("a"));
 }
 
 TEST_F(Hostile, MoreConnectionsThanItTakes) {
@@ -214,9 +189,8 @@ TEST_F(Hostile, MoreConnectionsThanItTakes) {
 
 TEST_F(Hostile, ClientsThatDoNotRead) {
   Start();
-  uint8_t id[16];
-  const std::string ticket = "hold=1\ndocument=" + std::string(250, 'n') + "\n";
-  for (int i = 0; i < 300; ++i) ASSERT_EQ(Send(fd, ticket, "", id), 1);
+  const std::string ticket = "hold=1\ndocument=" + std::string(250, 'n');
+  for (int i = 0; i < 300; ++i) ASSERT_EQ(New("a", ticket, ""), 1);
   std::vector<int> deaf;
   for (int i = 0; i < 50; ++i) {
     const int one = daemon.ConnectRaw();
@@ -256,10 +230,10 @@ TEST_F(Faults, EachIsSeen) {
   }
 
   Start({"--simulate", "paper-out", "--rate", "0"});
-  EXPECT_EQ(Send(fd, "", "x", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(New("a", ""), 1);
+  EXPECT_TRUE(Becomes("a", "state", "paper-out"));
+  EXPECT_EQ(Tell("a", "hold=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ class Killed : public Served {
     for (const NC_Job& job : Jobs(fd)) jobs[Id(job.id, job.id + 16)] = job;
     return jobs;
   }
-  std::string DocumentOf(const Id& id) {
+  std::string ContentOf(const Id& id) {
     return ReadWhole(
         daemon.Path("jobs/" + IdText(reinterpret_cast<const uint8_t*>(id.data())) + ".doc"));
   }
@@ -92,7 +92,7 @@ TEST_F(Killed, WhileSubmitting) {
         const auto jobs = Listed();
         for (const Id& id : accepted) EXPECT_EQ(jobs.count(id), 1U);
         for (const auto& [id, job] : jobs) {
-          EXPECT_EQ(DocumentOf(id), sent[id]);
+          EXPECT_EQ(ContentOf(id), sent[id]);
           EXPECT_EQ(static_cast<size_t>(job.size), sent[id].size());
           EXPECT_GT(job.number, number);
         }
@@ -143,29 +143,29 @@ TEST_F(Killed, WhilePrinting) {
 
 TEST_F(Killed, WhileChanging) {
   constexpr int kJobs = 5;
-  std::vector<Id> ids;
+  std::vector<Id> made;
   std::map<Id, int> said, asked;  // the version that was acknowledged, and the last one sent
   int paused_said = 0, paused_asked = 0;
   uint8_t printer[16];
   Run(
       [&](int round) {
-        if (ids.empty()) {
+        if (made.empty()) {
           for (int i = 0; i < kJobs; ++i) {
             const Id id = NewId();
             if (Write(id, "hold=1\ndocument=0\n\ndocument") != 1) return;
-            ids.push_back(id);
+            made.push_back(id);
           }
           // The daemon may be killed while it answers.
           std::vector<char> list(NC_LIST_MAX);
           uint8_t status = 0;
           const int32_t size = NC_GetPrinterListN(fd, &status, list.data(), NC_LIST_MAX);
           NC_Printer first;
-          if (size < 0 || NC_ParsePrinters(list.data(), size, &first, 1) < 1) return ids.clear();
+          if (size < 0 || NC_ParsePrinters(list.data(), size, &first, 1) < 1) return made.clear();
           memcpy(printer, first.id, 16);
         }
         for (int version = round * 10000 + 1;; ++version) {
-          const Id& id = ids[static_cast<size_t>(version) % ids.size()];
-          const Id& other = ids[static_cast<size_t>(version / 3) % ids.size()];
+          const Id& id = made[static_cast<size_t>(version) % made.size()];
+          const Id& other = made[static_cast<size_t>(version / 3) % made.size()];
           asked[id] = version;
           const std::string before =
               id == other ? "priority=" + std::to_string(1 + version % 100)
@@ -179,17 +179,17 @@ TEST_F(Killed, WhileChanging) {
       },
       [&] {
         const auto jobs = Listed();
-        if (ids.size() < kJobs) {
+        if (made.size() < kJobs) {
           RemoveAll();
-          return ids.clear();
+          return made.clear();
         }
-        EXPECT_EQ(jobs.size(), ids.size());
+        EXPECT_EQ(jobs.size(), made.size());
         for (const auto& [id, job] : jobs) {
           const int version = atoi(job.document);
           EXPECT_TRUE(version == said[id] || version == asked[id])
               << version << " " << said[id] << " " << asked[id];
           said[id] = asked[id] = version;
-          EXPECT_EQ(DocumentOf(id), "document");
+          EXPECT_EQ(ContentOf(id), "document");
         }
         const int paused = Printers(fd)[0].paused;
         EXPECT_TRUE(paused == paused_said || paused == paused_asked);
@@ -222,7 +222,7 @@ TEST_F(Killed, WhileRemoving) {
         for (const Id& id : there) EXPECT_TRUE(id == asked || jobs.count(id) == 1);
         for (const auto& [id, job] : jobs) {
           EXPECT_EQ(removed.count(id), 0U);
-          EXPECT_EQ(DocumentOf(id), "document");
+          EXPECT_EQ(ContentOf(id), "document");
         }
         ExpectNothingHalf(jobs.size());
         RemoveAll();

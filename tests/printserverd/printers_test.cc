@@ -19,86 +19,63 @@ const char kTwo[] =
     "[printer]\nname=A\nrate=0\nsupplies=black:80,red:-1\n"
     "[printer]\nname=B\nrate=0\n[profile]\nname=Of A\nprinter=A\n[profile]\nname=Any\n";
 
-int Tell(int fd, const std::string& printer, const std::string& ticket) {
-  return Change(fd, PrinterOf(fd, printer).id, ticket);
-}
-
 TEST_F(Printing, PausedAndRefusing) {
   StartWith(kTwo);
-  const NC_Printer before = PrinterOf(fd, "A");
-  EXPECT_STREQ(before.supplies, "black:80,red:-1");
-  EXPECT_EQ(before.accepting, 1);
-  EXPECT_EQ(before.paused, 0);
-  const uint8_t* printer = before.id;
-  for (const char* ticket : {"paused=2\n", "accepting=x\n", "paper-loaded=0\n", "no ticket\n"}) {
-    EXPECT_EQ(Change(fd, printer, ticket), NC_STATUS_BAD_TICKET) << ticket;
+  EXPECT_EQ(See("A", "supplies accepting paused"), "black:80,red:-1 1 0");
+  const std::string id = See("A", "id");
+  for (const char* ticket : {"paused=2", "accepting=x", "paper-loaded=0", "no ticket"}) {
+    EXPECT_EQ(Tell("A", ticket), NC_STATUS_BAD_TICKET) << ticket;
   }
-  EXPECT_EQ(Change(fd, printer, "paused=1\n\ndocument"), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, printer), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(PrinterOf(fd, "A").paused, 0);
+  EXPECT_EQ(Tell("A", "paused=1\n\ndocument"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(NC_RemovePrintRequest(fd, PrinterOf(fd, "A").id), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(See("A", "paused"), "0");
 
-  EXPECT_EQ(Change(fd, printer, "paused=1\nlater=x\n\n"), 1);
-  uint8_t id[16], other[16], refused[16];
-  ASSERT_EQ(Send(fd, "printer=A\n", "x", id), 1);
-  EXPECT_STREQ(JobOf(fd, id).reasons, "printer-paused");
-  EXPECT_EQ(Change(fd, printer, "accepting=0\n"), 1);
-  EXPECT_STREQ(JobOf(fd, id).reasons, "printer-paused,printer-refuses");
-  EXPECT_EQ(Send(fd, "printer=A\n", "x", refused), NC_STATUS_WRONG_STATE);
-  ASSERT_EQ(Send(fd, "printer=B\nhold=1\n", "x", other), 1);
-  EXPECT_EQ(Change(fd, other, "printer=A\n"), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(Change(fd, id, "printer=A\nmedia=A5\n"), 1);  // it is there
+  EXPECT_EQ(Tell("A", "paused=1\nlater=x\n"), 1);
+  EXPECT_EQ(New("a", "printer=A"), 1);
+  EXPECT_EQ(See("a", "reasons"), "printer-paused");
+  EXPECT_EQ(Tell("A", "accepting=0"), 1);
+  EXPECT_EQ(See("a", "reasons"), "printer-paused,printer-refuses");
+  EXPECT_EQ(New("refused", "printer=A"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(New("b", "printer=B\nhold=1"), 1);
+  EXPECT_EQ(Tell("b", "printer=A"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Tell("a", "printer=A\nmedia=A5"), 1);  // it is there
 
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  StartWith(kTwo);
-  const NC_Printer after = PrinterOf(fd, "A");
-  EXPECT_EQ(memcmp(after.id, printer, 16), 0);
-  EXPECT_NE(memcmp(PrinterOf(fd, "B").id, printer, 16), 0);
-  EXPECT_EQ(after.paused, 1);
-  EXPECT_EQ(after.accepting, 0);
-  EXPECT_EQ(after.jobs, 1);
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
-  EXPECT_EQ(Tell(fd, "A", "paused=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-  EXPECT_EQ(Tell(fd, "A", "accepting=1\n"), 1);
-  EXPECT_EQ(Change(fd, other, "printer=A\nhold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, other, NC_JOB_DONE));
+  Restart();
+  EXPECT_EQ(See("A", "id paused accepting jobs"), id + " 1 0 1");
+  EXPECT_NE(See("B", "id"), id);
+  EXPECT_EQ(See("a", "state"), "waiting");
+  EXPECT_EQ(Tell("A", "paused=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
+  EXPECT_EQ(Tell("A", "accepting=1"), 1);
+  EXPECT_EQ(Tell("b", "printer=A\nhold=0"), 1);
+  EXPECT_TRUE(IsDone("b"));
 }
 
 TEST_F(Printing, PausedWhileItPrints) {
   StartWith("[printer]\nname=P\nrate=20K\npaper=2\nsheet-bytes=10000\n");
-  uint8_t id[16], next[16];
-  ASSERT_EQ(Send(fd, "", std::string(25000, 'x'), id), 1);
-  ASSERT_EQ(Send(fd, "", "y", next), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PRINTING));
-  EXPECT_EQ(Tell(fd, "P", "paused=1\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PAPER_OUT));
-  EXPECT_EQ(JobOf(fd, id).pages, 3);
-  EXPECT_EQ(JobOf(fd, id).pages_printed, 2);
-  EXPECT_EQ(Tell(fd, "P", "paper-loaded=1\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-  EXPECT_EQ(PrinterOf(fd, "P").paper, 1);
-  EXPECT_EQ(Tell(fd, "P", "paper-loaded=1\n"), 1);
-  EXPECT_EQ(PrinterOf(fd, "P").paper, 2);
-  EXPECT_EQ(JobOf(fd, next).state, NC_JOB_WAITING);
+  EXPECT_EQ(New("a", "", std::string(25000, 'x')), 1);
+  EXPECT_EQ(New("next", ""), 1);
+  EXPECT_TRUE(Becomes("a", "state", "printing"));
+  EXPECT_EQ(Tell("P", "paused=1"), 1);
+  EXPECT_TRUE(Becomes("a", "state pages pages-printed", "paper-out 3 2"));
+  EXPECT_EQ(Tell("P", "paper-loaded=1"), 1);
+  EXPECT_TRUE(IsDone("a"));
+  EXPECT_EQ(See("P", "paper"), "1");
+  EXPECT_EQ(Tell("P", "paper-loaded=1"), 1);
+  EXPECT_EQ(See("P", "paper"), "2");
+  EXPECT_EQ(See("next", "state"), "waiting");
 }
 
 TEST_F(Printing, ItsOwnFaultFailsNoJob) {
-  const struct {
-    const char *fault, *reason;
-  } rows[] = {{"disk-full=1", "disk-full"}, {"output-error=1", "output-error"}};
-  for (const auto& row : rows) {
-    Start({"--rate", "0", "--simulate", row.fault});
-    uint8_t id[16];
-    ASSERT_EQ(Send(fd, "", "x", id), 1);
-    EXPECT_TRUE(Eventually([&] { return strcmp(JobOf(fd, id).reasons, row.reason) == 0; }));
-    EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
-    EXPECT_EQ(JobOf(fd, id).printed, 0);
-    EXPECT_NE(JobOf(fd, id).text[0], 0);
-    EXPECT_STREQ(Printers(fd)[0].reasons, row.reason);
-    EXPECT_EQ(Printers(fd)[0].state, NC_PRINTER_IDLE);
-    EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=0\n"), 1);
-    EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-    EXPECT_STREQ(Printers(fd)[0].reasons, "");
+  for (const std::string reason : {"disk-full", "output-error"}) {
+    Start({"--rate", "0", "--simulate", reason + "=1"});
+    EXPECT_EQ(New("a", ""), 1);
+    EXPECT_TRUE(Becomes("a", "reasons state printed", reason + " waiting 0"));
+    EXPECT_NE(See("a", "text"), "");
+    EXPECT_EQ(See("Proof printer", "reasons state"), reason + " idle");
+    EXPECT_EQ(Tell("Proof printer", "paused=0"), 1);
+    EXPECT_TRUE(IsDone("a"));
+    EXPECT_EQ(See("Proof printer", "reasons"), "");
     EXPECT_EQ(Stop(SIGTERM), 0);
   }
 }
@@ -106,26 +83,19 @@ TEST_F(Printing, ItsOwnFaultFailsNoJob) {
 TEST_F(Printing, ItsFolderGoes) {
   Start({"--rate", "0", "--config", daemon.WriteFile("config", "")});
   const std::string folder = daemon.Path("printed/proof");
-  const auto prints = [&] {
-    uint8_t id[16];
-    return Send(fd, "", "x", id) == 1 && Becomes(fd, id, NC_JOB_DONE);
-  };
-  EXPECT_TRUE(prints());
-  std::filesystem::remove_all(folder);
-  EXPECT_TRUE(prints());
-  std::filesystem::remove_all(daemon.Path("printed"));
-  EXPECT_TRUE(prints());
-  std::filesystem::remove_all(folder);
+  for (const std::string& goes : {folder, daemon.Path("printed"), folder}) {
+    EXPECT_TRUE(New("a", "") == 1 && IsDone("a"));
+    std::filesystem::remove_all(goes);
+  }
   daemon.WriteFile("spool/printed/proof", "in its place");
-  uint8_t id[16];
-  ASSERT_EQ(Send(fd, "", "x", id), 1);
-  EXPECT_TRUE(Eventually([&] { return strcmp(JobOf(fd, id).reasons, "output-error") == 0; }));
-  EXPECT_EQ(Change(fd, id, "hold=1\n"), 1);
+  EXPECT_EQ(New("a", ""), 1);
+  EXPECT_TRUE(Becomes("a", "reasons", "output-error"));
+  EXPECT_EQ(Tell("a", "hold=1"), 1);
   std::filesystem::remove(folder);
   daemon.Signal(SIGHUP);
   EXPECT_TRUE(Eventually([&] { return std::filesystem::is_directory(folder); }));
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(Tell("a", "hold=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
 }
 
 TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
@@ -151,18 +121,15 @@ TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
     return names;
   };
   const auto print = [&](const std::string& name) {
-    uint8_t id[16];
-    EXPECT_EQ(Send(fd, "document=" + name + "\n", name, id), 1);
-    EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+    EXPECT_TRUE(New(name, "document=" + name, name) == 1 && IsDone(name));
   };
   StartWith(config);
   print("one");
   print("two");
   EXPECT_EQ(outputs("2"), "-short -folder -new ");
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
   // After a crash the names go on above those that are there, should the counter be lost as well.
   daemon.WriteFile("spool/counters", "rubbish");
-  StartWith(config);
+  Restart();
   EXPECT_TRUE(daemon.Says("set aside as aside/counters"));
   for (const char* name : {"three", "four", "five"}) print(name);
   EXPECT_EQ(outputs("00000"), "-zero -three -four -five ");
@@ -171,130 +138,115 @@ TEST_F(Printing, TheNewestOutputsStayWhateverTheClockSays) {
   EXPECT_TRUE(FilesIn(folder)[2].starts_with("0000000003-")) << FilesIn(folder)[2];
   // Nor do they come back after somebody has taken all outputs.
   std::filesystem::remove_all(folder);
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  StartWith(config);
+  Restart();
   print("six");
   EXPECT_GT(FilesIn(folder)[0], "0000000006");
 }
 
 TEST_F(Printing, AgainFromItsBeginning) {
   StartWith(kTwo);
-  uint8_t id[16], waits[16];
-  ASSERT_EQ(Send(fd, "printer=A\nprofile=Of A\ndocument=again\n", "document", id), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-  EXPECT_EQ(JobOf(fd, id).kept, 1);
-  EXPECT_EQ(Tell(fd, "B", "paused=1\n"), 1);
-  ASSERT_EQ(Send(fd, "printer=B\ndocument=waits\nhold=1\n", "x", waits), 1);
-  EXPECT_EQ(Change(fd, id, "hold=1\n"), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(Change(fd, id, "printer=B\nhold=0\n"), NC_STATUS_UNKNOWN_NAME);  // the profile is of A
-  EXPECT_EQ(Change(fd, id, "copies=2\n"), 1);
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_DONE);
-  EXPECT_EQ(Change(fd, id, "printer=B\nprofile=Any\nhold=0\n"), 1);
+  EXPECT_EQ(New("a", "printer=A\nprofile=Of A\ndocument=again", "document"), 1);
+  EXPECT_TRUE(Becomes("a", "state kept", "done 1"));
+  EXPECT_EQ(Tell("B", "paused=1"), 1);
+  EXPECT_EQ(New("waits", "printer=B\ndocument=waits\nhold=1"), 1);
+  EXPECT_EQ(Tell("a", "hold=1"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Tell("a", "printer=B\nhold=0"), NC_STATUS_UNKNOWN_NAME);  // the profile is of A
+  EXPECT_EQ(Tell("a", "copies=2"), 1);
+  EXPECT_EQ(See("a", "state"), "done");
+  EXPECT_EQ(Tell("a", "printer=B\nprofile=Any\nhold=0"), 1);
+  EXPECT_EQ(See("a", "state total printed number"), "waiting 16 0 1");
   EXPECT_EQ(Order(fd), "waits again ");
-  const NC_Job job = JobOf(fd, id);
-  EXPECT_EQ(job.state, NC_JOB_WAITING);
-  EXPECT_EQ(job.total, 16);
-  EXPECT_EQ(job.printed, 0);
-  EXPECT_EQ(job.number, 1);
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  StartWith(kTwo);
+  Restart();
   EXPECT_EQ(Order(fd), "waits again ");
-  EXPECT_EQ(Tell(fd, "B", "paused=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(Tell("B", "paused=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
   for (const char* folder : {"printed/a", "printed/b"}) {
     ASSERT_EQ(FilesIn(daemon.Path(folder)).size(), 1U);
     EXPECT_EQ(ReadWhole(daemon.Path(folder + ("/" + FilesIn(daemon.Path(folder))[0]))), "document");
   }
   // A crash does not take its earlier output for the one that is wanted.
-  EXPECT_EQ(Tell(fd, "B", "paused=1\n"), 1);
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  StartWith(kTwo);
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_WAITING);
-  EXPECT_EQ(Tell(fd, "B", "paused=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+  EXPECT_EQ(Tell("B", "paused=1") + Tell("a", "hold=0"), 2);
+  Restart();
+  EXPECT_EQ(See("a", "state"), "waiting");
+  EXPECT_EQ(Tell("B", "paused=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
   EXPECT_EQ(FilesIn(daemon.Path("printed/b")).size(), 2U);
   // Without its document it cannot.
-  std::filesystem::remove(daemon.Path("jobs/" + IdText(id) + ".doc"));
-  EXPECT_EQ(Stop(SIGTERM), 0);
-  StartWith(kTwo);
-  EXPECT_EQ(JobOf(fd, id).kept, 0);
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(Change(fd, id, "owner=x\n"), NC_STATUS_WRONG_STATE);
+  std::filesystem::remove(DocumentOf("a"));
+  Restart();
+  EXPECT_EQ(See("a", "kept"), "0");
+  EXPECT_EQ(Tell("a", "hold=0"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Tell("a", "owner=x"), NC_STATUS_WRONG_STATE);
 }
 
 TEST_F(Printing, OrderBeforeAnother) {
   StartWith(kTwo);
-  for (const char* printer : {"A", "B"}) EXPECT_EQ(Tell(fd, printer, "paused=1\n"), 1);
-  uint8_t ids[8][16];
-  const char* const names[] = {"a", "b", "c", "d", "e", "f"};
-  for (int i = 0; i < 6; ++i) {
-    const std::string more = i == 4 ? "priority=70\n" : i == 5 ? "printer=B\n" : "hold=1\n";
-    ASSERT_EQ(Send(fd, std::string("document=") + names[i] + "\n" + more, "x", ids[i]), 1);
+  EXPECT_EQ(Tell("A", "paused=1") + Tell("B", "paused=1"), 2);
+  for (const std::string name : {"a", "b", "c", "d", "e", "f"}) {
+    const std::string more = name == "e" ? "priority=70" : name == "f" ? "printer=B" : "hold=1";
+    ASSERT_EQ(New(name, "document=" + name + "\n" + more), 1);
   }
   EXPECT_EQ(Order(fd), "e a b c d f ");
-  const auto before = [&](int job, int other) {
-    return Change(fd, ids[job], "before=" + IdText(ids[other]) + "\n");
+  const auto before = [&](const char* job, const char* other, const std::string& more = "") {
+    return Tell(job, more + "before=" + IdText(ids[other].data()));
   };
-  EXPECT_EQ(before(3, 1), 1);
-  EXPECT_EQ(before(2, 1), 1);
+  EXPECT_EQ(before("d", "b"), 1);
+  EXPECT_EQ(before("c", "b"), 1);
   EXPECT_EQ(Order(fd), "e a d c b f ");
-  EXPECT_EQ(before(2, 4), 1);  // it takes the priority as well
+  EXPECT_EQ(before("c", "e"), 1);
   EXPECT_EQ(Order(fd), "c e a d b f ");
-  EXPECT_EQ(JobOf(fd, ids[2]).priority, 70);
-  EXPECT_EQ(Change(fd, ids[3], "priority=70\n"), 1);  // by its number it stands before both
+  EXPECT_EQ(See("c", "priority"), "70");   // it takes the priority as well
+  EXPECT_EQ(Tell("d", "priority=70"), 1);  // by its number it stands before both
   EXPECT_EQ(Order(fd), "d c e a b f ");
-  EXPECT_EQ(before(3, 1), 1);
+  EXPECT_EQ(before("d", "b"), 1);
   EXPECT_EQ(Order(fd), "c e a d b f ");
-  EXPECT_EQ(before(0, 5), NC_STATUS_WRONG_STATE);  // of another printer
-  EXPECT_EQ(before(0, 0), NC_STATUS_WRONG_STATE);
-  EXPECT_EQ(Change(fd, ids[0], "before=" + std::string(32, '0') + "\n"), NC_STATUS_UNKNOWN_ID);
-  EXPECT_EQ(Change(fd, ids[0], "printer=B\nbefore=" + IdText(ids[5]) + "\n"), 1);
-  EXPECT_EQ(before(4, 3), 1);
+  EXPECT_EQ(before("a", "f"), NC_STATUS_WRONG_STATE);  // of another printer
+  EXPECT_EQ(before("a", "a"), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Tell("a", "before=" + std::string(32, '0')), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(before("a", "f", "printer=B\n"), 1);
+  EXPECT_EQ(before("e", "d"), 1);
   EXPECT_EQ(Order(fd), "c e d b a f ");
-  EXPECT_EQ(Change(fd, ids[3], "priority=50\n"), 1);
+  EXPECT_EQ(Tell("d", "priority=50"), 1);
   EXPECT_EQ(Order(fd), "c e b d a f ");
-  uint8_t fresh[16];
-  ASSERT_EQ(Send(fd, "document=g\nhold=1\n", "x", fresh), 1);
+  EXPECT_EQ(New("g", "document=g\nhold=1"), 1);
   EXPECT_EQ(Order(fd), "c e b d a f g ");
-  EXPECT_EQ(Tell(fd, "A", "paused=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, ids[4], NC_JOB_DONE));
-  EXPECT_EQ(before(3, 4), NC_STATUS_WRONG_STATE);
+  EXPECT_EQ(Tell("A", "paused=0"), 1);
+  EXPECT_TRUE(IsDone("e"));
+  EXPECT_EQ(before("d", "e"), NC_STATUS_WRONG_STATE);
 }
 
 // Four jobs stand so close together that none fits between two of them: they get new places, also
 // one that is being stored at that moment, and keep them after a crash.
 TEST_F(Printing, PlacesThatRunOut) {
   StartWith(kTwo);
-  EXPECT_EQ(Tell(fd, "A", "paused=1\n"), 1);
-  uint8_t ids[10][16];
-  for (int i = 0; i < 10; ++i) {
-    ASSERT_EQ(Send(fd, std::string("document=") + "abcdefghij"[i] + "\n", "x", ids[i]), 1);
+  EXPECT_EQ(Tell("A", "paused=1"), 1);
+  for (const std::string name : {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}) {
+    ASSERT_EQ(New(name, "document=" + name), 1);
   }
   EXPECT_EQ(Stop(SIGTERM), 0);
-  const auto edit = [&](int job, const std::string& key, const std::string& value) {
-    const std::string file = "jobs/" + IdText(ids[job]) + ".job";
+  const auto edit = [&](const char* job, const std::string& key, const std::string& value) {
+    const std::string file = "jobs/" + IdText(ids[job].data()) + ".job";
     std::string record = ReadWhole(daemon.Path(file));
     const size_t at = record.find("\n" + key + "=") + key.size() + 2;
     record.replace(at, record.find('\n', at) - at, value);
     daemon.WriteFile("spool/" + file, record);
   };
-  for (const auto& [job, step] : {std::pair{2, 1}, {3, 9}, {4, 10}, {7, 11}}) {
+  for (const auto& [job, step] : {std::pair{"c", 1}, {"d", 9}, {"e", 10}, {"h", 11}}) {
     edit(job, "place", std::to_string((int64_t{1} << 32) + step));
   }
-  edit(9, "place", "9223372036854775807");
-  edit(8, "state", "done");
-  edit(8, "finished", "4000000000");
+  edit("j", "place", "9223372036854775807");
+  edit("i", "state", "done");
+  edit("i", "finished", "4000000000");
   StartWith(kTwo, {"--simulate", "slow-disk=100"});
   EXPECT_EQ(Order(fd), "a c d e h b f g j i ");
   const int other = daemon.Connect();
-  Ask(fd, 3, ids[5], "before=" + IdText(ids[3]) + "\n");
+  Ask(fd, 3, ids["f"].data(), "before=" + IdText(ids["d"].data()) + "\n");
   EXPECT_EQ(Printers(other).size(), 2U);  // the first is taken in
-  Ask(other, 3, ids[6], "before=" + IdText(ids[4]) + "\n");
+  Ask(other, 3, ids["g"].data(), "before=" + IdText(ids["e"].data()) + "\n");
   EXPECT_EQ(AnswerOf(fd), NC_STATUS_DONE);
   EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
   NC_Disconnect(other);
-  EXPECT_EQ(Change(fd, ids[8], "hold=0\n"), 1);  // behind all that wait
+  EXPECT_EQ(Tell("i", "hold=0"), 1);  // behind all that wait
   for (int starts = 0; starts < 2; ++starts) {
     EXPECT_EQ(Order(fd), "a c f d g e h b j i ");
     EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "os/final_path.h"
 #include "tests/printserver/peer.h"
 #include "tests/printserverd/daemon.h"
 
@@ -20,99 +21,54 @@ namespace {
 
 using Spool = Served;
 
-// Without holding either.
-bool SameBytes(const std::string& a, const std::string& b) {
-  return RunProgram({"/usr/bin/cmp", "-s", a, b}).code == 0;
-}
-
 TEST_F(Spool, DocumentsOfEverySize) {
   Start({"--rate", "0"});
-  for (const int64_t size : {int64_t{0}, int64_t{1}, int64_t{262144}, int64_t{20000000}}) {
-    const std::string path = daemon.WriteFile("document", "");
-    {
-      std::ofstream file(path, std::ios::binary);
-      std::string block(1000000, '\0');
-      for (int64_t at = 0; at < size; at += 1000000) {
-        for (size_t i = 0; i < block.size(); i += 997) block[i] = static_cast<char>(at + i * 31);
-        file.write(block.data(), std::min<int64_t>(1000000, size - at));
-      }
-    }
-    const int file = open(path.c_str(), O_RDONLY);
-    uint8_t id[16];
+  for (const int64_t size : {0, 1, 262144, 20000000}) {
+    std::string document(static_cast<size_t>(size), '\0');
+    for (size_t i = 0; i < document.size(); ++i) document[i] = static_cast<char>(i * 31 + i / 997);
+    const std::string path = daemon.WriteFile("document", document);
+    const os::Handle file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    uint8_t* id = ids["a"].data();
     ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
-    ASSERT_EQ(NC_WritePrintRequestN(fd, id, "hold=1", file, size, nullptr, nullptr), 1);
-    close(file);
-    EXPECT_EQ(JobOf(fd, id).size, size);
-    const std::string stored = daemon.Path("jobs/" + IdText(id) + ".doc");
-    EXPECT_TRUE(SameBytes(path, stored)) << size;
+    ASSERT_EQ(NC_WritePrintRequestN(fd, id, "hold=1", file.get(), size, nullptr, nullptr), 1);
+    EXPECT_EQ(See("a", "size"), std::to_string(size));
+    EXPECT_TRUE(ReadWhole(DocumentOf("a")) == document) << size;
     struct stat info;
-    ASSERT_EQ(stat(stored.c_str(), &info), 0);
+    ASSERT_EQ(stat(DocumentOf("a").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600U);
-    EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-    EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
+    EXPECT_EQ(Tell("a", "hold=0"), 1);
+    EXPECT_TRUE(IsDone("a"));
     const auto outputs = FilesIn(daemon.Path("printed/proof"));
     ASSERT_EQ(outputs.size(), 1U);
-    EXPECT_TRUE(SameBytes(path, daemon.Path("printed/proof/" + outputs[0]))) << size;
+    EXPECT_TRUE(ReadWhole(daemon.Path("printed/proof/" + outputs[0])) == document) << size;
     unlink(daemon.Path("printed/proof/" + outputs[0]).c_str());
-  }
-}
-
-TEST_F(Spool, HundredsOfRequestsAndARestart) {
-  Start();
-  std::vector<std::string> ids;
-  for (int i = 0; i < 300; ++i) {
-    uint8_t id[16];
-    const std::string ticket =
-        "hold=1\ndocument=number " + std::to_string(i) + "\npriority=" + std::to_string(1 + i % 7);
-    ASSERT_EQ(Send(fd, ticket + "\n", std::to_string(i), id), 1);
-    ids.push_back(IdText(id));
-  }
-  const auto before = Jobs(fd);
-  ASSERT_EQ(before.size(), 300U);
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  Start();
-  const auto after = Jobs(fd);
-  ASSERT_EQ(after.size(), 300U);
-  EXPECT_EQ(memcmp(before.data(), after.data(), 300 * sizeof(NC_Job)), 0);
-  for (int i = 0; i < 300; i += 99) {
-    EXPECT_EQ(ReadWhole(daemon.Path("jobs/" + ids[static_cast<size_t>(i)] + ".doc")),
-              std::to_string(i));
   }
 }
 
 TEST_F(Spool, RestartInTheMiddle) {
   const char config[] = "[printer]\nname=P\nrate=64K\n";
+  const std::string document(1 << 20, 'p');
   StartWith(config);
-  uint8_t printing[16], done[16], half[16];
-  ASSERT_EQ(Send(fd, "", "quick", done), 1);
-  EXPECT_TRUE(Becomes(fd, done, NC_JOB_DONE));
-  ASSERT_EQ(Send(fd, "", std::string(1 << 20, 'p'), printing), 1);
-  EXPECT_TRUE(Eventually([&] { return JobOf(fd, printing).printed > 0; }));
-  EXPECT_EQ(Change(fd, printing, "priority=70\n"), 1);
+  EXPECT_EQ(New("a", "", document), 1);
+  EXPECT_TRUE(Eventually([&] { return See("a", "printed") != "0"; }));
+  uint8_t half[16];
   ASSERT_EQ(NC_CreateRequestID(fd, half), 1);
-  SendText(fd, "KRV\3" + std::string(half, half + 16) + std::string("\0\0\1\0\n", 5) + "begun");
-  const std::string document = daemon.Path("jobs/" + IdText(half) + ".doc");
-  EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(document); }));
+  SendText(fd, "KRV\3" + std::string(half, half + 16) + Integer(65536) + "\nbegun");
+  const std::string begun = daemon.Path("jobs/" + IdText(half) + ".doc");
+  EXPECT_TRUE(Eventually([&] { return std::filesystem::exists(begun); }));
   EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  EXPECT_TRUE(std::filesystem::exists(document));
+  EXPECT_TRUE(std::filesystem::exists(begun));
   chmod(daemon.Path("").c_str(), 0755);
 
   StartWith(config, {"--rate", "0"});
-  EXPECT_FALSE(std::filesystem::exists(document));
+  EXPECT_FALSE(std::filesystem::exists(begun));
   struct stat info;
   ASSERT_EQ(stat(daemon.Path("").c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 0777, 0700U);
-  EXPECT_EQ(Jobs(fd).size(), 2U);
-  EXPECT_EQ(JobOf(fd, done).state, NC_JOB_DONE);
-  EXPECT_EQ(JobOf(fd, printing).priority, 70);
-  EXPECT_TRUE(Becomes(fd, printing, NC_JOB_DONE));
+  EXPECT_TRUE(IsDone("a"));
   const auto outputs = FilesIn(daemon.Path("printed/p"));
-  ASSERT_EQ(outputs.size(), 2U);  // and nothing of the first attempt
-  int whole = 0;
-  for (const std::string& name : outputs) {
-    whole += ReadWhole(daemon.Path("printed/p/" + name)) == std::string(1 << 20, 'p');
-  }
-  EXPECT_EQ(whole, 1);
+  ASSERT_EQ(outputs.size(), 1U);  // and nothing of the first attempt
+  EXPECT_TRUE(ReadWhole(daemon.Path("printed/p/" + outputs[0])) == document);
 }
 
 bool Answered(int fd) {
@@ -122,7 +78,7 @@ bool Answered(int fd) {
 
 TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
   Start({"--simulate", "slow-disk=300"});
-  uint8_t id[NC_ID_SIZE];
+  uint8_t* id = ids["a"].data();
   const int storing = daemon.Connect();
   ASSERT_EQ(NC_CreateRequestID(storing, id), 1);
   Ask(storing, 3, id, "hold=1\n\n" + std::string(3 << 20, 'd'));
@@ -132,28 +88,24 @@ TEST_F(Spool, ASlowDiskHoldsUpOnlyThoseWhoStore) {
   EXPECT_EQ(Printers(other).size(), 1U);
   EXPECT_FALSE(Answered(storing));
   EXPECT_EQ(AnswerOf(storing), NC_STATUS_DONE);
-  EXPECT_EQ(JobOf(other, id).size, 3 << 20);
+  EXPECT_EQ(See("a", "size"), "3145728");
+  // Both ask at once; the answers are those of the second and the third word.
+  const auto both = [&](char code, const std::string& one, char other_code, const char* two) {
+    Ask(storing, code, id, one);
+    const std::string owner = See("a", "owner");  // not stored yet
+    Ask(other, other_code, id, two);
+    const int first = AnswerOf(storing);
+    return owner + " " + std::to_string(first) + " " + std::to_string(AnswerOf(other));
+  };
   // Changes of one job come one after another, and none is lost.
-  Ask(storing, 3, id, "owner=one\n");
-  Ask(other, 3, id, "copies=2\n");
-  EXPECT_EQ(AnswerOf(storing), NC_STATUS_DONE);
-  EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
-  NC_Job job = JobOf(fd, id);
-  EXPECT_STREQ(job.owner, "one");
-  EXPECT_EQ(job.copies, 2);
+  EXPECT_EQ(both(3, "owner=one\n", 3, "copies=2\n"), " 1 1");
+  EXPECT_EQ(See("a", "owner copies"), "one 2");
   // A job that goes takes what was still wanted of it along.
-  Ask(storing, 3, id, "owner=two\n");
-  EXPECT_STREQ(JobOf(fd, id).owner, "one");
-  Ask(other, 6, id, "");
-  EXPECT_EQ(AnswerOf(storing), NC_STATUS_UNKNOWN_ID);
-  EXPECT_EQ(AnswerOf(other), NC_STATUS_DONE);
+  EXPECT_EQ(both(3, "owner=two\n", 6, ""), "one 2 1");
   EXPECT_TRUE(FilesIn(daemon.Path("jobs")).empty());
   // One that asks for the same after another has got it is told that it is gone.
-  ASSERT_EQ(Send(fd, "hold=1\n", "x", id), 1);
-  Ask(storing, 6, id, "");
-  Ask(other, 6, id, "");
-  EXPECT_EQ(AnswerOf(storing), NC_STATUS_DONE);
-  EXPECT_EQ(AnswerOf(other), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(New("a", "hold=1"), 1);
+  EXPECT_EQ(both(6, "", 6, ""), " 1 2");
   NC_Disconnect(storing);
   NC_Disconnect(other);
 }
@@ -210,18 +162,17 @@ TEST_F(Spool, NothingIsSaidToBeDoneThatIsNotOnTheDisk) {
     EXPECT_EQ(Stop(end), end == SIGKILL ? 128 + SIGKILL : 0);
     return status;
   };
-  uint8_t id[16], printer[16];
   // A new job: document, record, folder.
   for (int sync = 1; sync <= 4; ++sync) {
-    EXPECT_EQ(run(sync, [&] { return Send(fd, "hold=1\n", "x", id); }), sync < 4 ? 6 : 1) << sync;
+    EXPECT_EQ(run(sync, [&] { return New("a", "hold=1"); }), sync < 4 ? 6 : 1) << sync;
     EXPECT_EQ(FilesIn(daemon.Path("jobs")).size(), sync < 4 ? 0U : 2U);
   }
   // A change: record, folder. What could not be stored is taken back on the disk as well.
   for (int sync = 1; sync <= 3; ++sync) {
     const auto act = [&] {
-      EXPECT_EQ(JobOf(fd, id).copies, 1);
-      const int status = Change(fd, id, "copies=2\n");
-      EXPECT_EQ(JobOf(fd, id).copies, sync < 3 ? 1 : 2);
+      EXPECT_EQ(See("a", "copies"), "1");
+      const int status = Tell("a", "copies=2");
+      EXPECT_EQ(See("a", "copies"), sync < 3 ? "1" : "2");
       return status;
     };
     EXPECT_EQ(run(sync, act, SIGTERM), sync < 3 ? 6 : 1) << sync;
@@ -229,74 +180,66 @@ TEST_F(Spool, NothingIsSaidToBeDoneThatIsNotOnTheDisk) {
   // A printer: file, folder.
   for (int sync = 1; sync <= 3; ++sync) {
     const auto act = [&] {
-      memcpy(printer, Printers(fd)[0].id, 16);
-      const int status = Change(fd, printer, "paused=1\n");
-      if (sync < 3) {
-        EXPECT_EQ(Change(fd, printer, "accepting=1\n"), 1);
-      }
-      EXPECT_EQ(Printers(fd)[0].paused, sync < 3 ? 0 : 1);
+      const int status = Tell("Proof printer", "paused=1");
+      EXPECT_TRUE(sync == 3 || Tell("Proof printer", "accepting=1") == 1);
+      EXPECT_EQ(See("Proof printer", "paused"), sync < 3 ? "0" : "1");
       return status;
     };
     EXPECT_EQ(run(sync, act), sync < 3 ? 6 : 1) << sync;
   }
   // A removal: the folder. The job is there again where that fails.
-  EXPECT_EQ(run(1, [&] { return NC_RemovePrintRequest(fd, id); }), 6);
+  EXPECT_EQ(run(1, [&] { return Remove("a"); }), 6);
   Start();
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_HELD);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_EQ(See("a", "state"), "held");
+  EXPECT_EQ(Remove("a"), 1);
 }
 
 TEST_F(Spool, WhatCannotBeRemovedStaysListed) {
   StartWith("[printer]\nname=P\nrate=1K\n");
-  uint8_t id[16], next[16];
-  ASSERT_EQ(Send(fd, "", std::string(100000, 'x'), id), 1);
-  ASSERT_EQ(Send(fd, "", std::string(100000, 'x'), next), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_PRINTING));
-  const std::string record = daemon.Path("jobs/" + IdText(id) + ".job");
+  EXPECT_EQ(New("a", "", std::string(100000, 'x')), 1);
+  EXPECT_EQ(New("next", "", std::string(100000, 'x')), 1);
+  EXPECT_TRUE(Becomes("a", "state", "printing"));
+  const std::string record = daemon.Path("jobs/" + See("a", "id") + ".job");
   std::filesystem::remove(record);
   std::filesystem::create_directory(record);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_STORAGE);
-  EXPECT_EQ(JobOf(fd, id).state, NC_JOB_HELD);
-  EXPECT_EQ(JobOf(fd, id).hold, 1);
-  EXPECT_STREQ(JobOf(fd, id).reasons, "not-removed");
-  EXPECT_TRUE(Becomes(fd, next, NC_JOB_PRINTING));
+  EXPECT_EQ(Remove("a"), NC_STATUS_STORAGE);
+  EXPECT_EQ(See("a", "state hold reasons"), "held 1 not-removed");
+  EXPECT_TRUE(Becomes("next", "state", "printing"));
   std::filesystem::remove(record);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_EQ(Remove("a"), 1);
   EXPECT_EQ(Jobs(fd).size(), 1U);
 }
 
 TEST_F(Spool, NumbersOrderAndReasonsOutliveARestart) {
-  const char config[] = "[printer]\nname=P\nrate=0\n";
-  uint8_t id[16], failed[16];
-  StartWith(config);
-  ASSERT_EQ(Send(fd, "document=failed\nhold=1\n", "x", failed), 1);
-  std::filesystem::resize_file(daemon.Path("jobs/" + IdText(failed) + ".doc"), 0);
-  ASSERT_EQ(Change(fd, failed, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, failed, NC_JOB_FAILED));
-  for (int i = 2; i <= 4; ++i) {
-    const std::string name = std::to_string(i);
-    ASSERT_EQ(Send(fd, "hold=1\ndocument=" + name + "\n", "x", id), 1);
-    EXPECT_EQ(JobOf(fd, id).number, i);
+  StartWith("[printer]\nname=P\nrate=0\n");
+  EXPECT_EQ(New("failed", "document=failed\nhold=1"), 1);
+  std::filesystem::resize_file(DocumentOf("failed"), 0);
+  EXPECT_EQ(Tell("failed", "hold=0"), 1);
+  EXPECT_TRUE(Becomes("failed", "state", "failed"));
+  for (const std::string name : {"2", "3", "4", "5"}) {
+    const std::string more =
+        name == "4" ? "\nowner=o\nmedia=A3\ncopies=7\npriority=9\ncolour=00aaff" : "";
+    EXPECT_EQ(New(name, "hold=1\ndocument=" + name + more), 1);
+    EXPECT_EQ(See(name, "number"), name);
   }
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
-  EXPECT_EQ(Stop(SIGKILL), 128 + SIGKILL);
-  StartWith(config);
-  ASSERT_EQ(Send(fd, "hold=1\ndocument=5\n", "x", id), 1);
-  EXPECT_EQ(JobOf(fd, id).number, 5);
-  EXPECT_EQ(Order(fd), "2 3 5 failed ");
-  EXPECT_STREQ(JobOf(fd, failed).text, "the document is shorter than it was");
-  EXPECT_STREQ(JobOf(fd, failed).reasons, "document-unreadable");
-  EXPECT_EQ(Change(fd, failed, "hold=1\n"), 1);
-  EXPECT_EQ(std::string(JobOf(fd, failed).text) + JobOf(fd, failed).reasons, "");
+  EXPECT_EQ(Remove("5"), 1);
+  const auto before = Jobs(fd);
+  Restart();
+  ASSERT_EQ(Jobs(fd).size(), 4U);
+  EXPECT_EQ(memcmp(before.data(), Jobs(fd).data(), 3 * sizeof(NC_Job)), 0);
+  EXPECT_EQ(New("6", "hold=1\ndocument=6"), 1);
+  EXPECT_EQ(See("6", "number"), "6");
+  EXPECT_EQ(Order(fd), "2 3 6 4 failed ");
+  EXPECT_EQ(See("failed", "text reasons"),
+            "the document is shorter than it was document-unreadable");
+  EXPECT_EQ(Tell("failed", "hold=1"), 1);
+  EXPECT_EQ(See("failed", "text reasons"), " ");
   // A job with the last number there is loads again; after it nothing is accepted.
-  EXPECT_EQ(Stop(SIGTERM), 0);
   daemon.WriteFile("spool/counters", "number=999999998\n\n");
   for (const int status : {NC_STATUS_DONE, NC_STATUS_TOO_LARGE}) {
-    StartWith(config);
-    uint8_t next[16];
-    EXPECT_EQ(Send(fd, "priority=99\nhold=1\n", "x", next), status);
+    Restart();
+    EXPECT_EQ(New("next", "priority=99\nhold=1"), status);
     EXPECT_EQ(Jobs(fd)[0].number, 999999999);
-    EXPECT_EQ(Stop(SIGTERM), 0);
   }
 }
 
@@ -311,22 +254,16 @@ TEST_F(Spool, OfAnEarlierVersion) {
   StartWith("[server]\ndone-seconds=1G\n[printer]\nname=Proof printer\nfolder=proof\nrate=0\n",
             {"--simulate", "disk-full=1"});
   EXPECT_TRUE(Eventually([&] { return Printers(fd)[0].reasons[0] != 0; }));
-  const auto jobs = Jobs(fd);
   EXPECT_EQ(Order(fd), "held \\ one\ntwo.pdf second.pdf first.pdf third.pdf failed.pdf done.pdf ");
-  ASSERT_EQ(jobs.size(), 6U);
-  EXPECT_EQ(jobs[0].state, NC_JOB_HELD);
-  EXPECT_EQ(jobs[0].number, 3);
-  EXPECT_EQ(jobs[0].kept, 1);
-  EXPECT_STREQ(jobs[0].profile, "Fine");
-  EXPECT_EQ(jobs[4].kept, 1);
-  EXPECT_STREQ(jobs[4].text, "the printer is not configured any more");
-  EXPECT_EQ(jobs[5].state, NC_JOB_DONE);
-  EXPECT_EQ(jobs[5].kept, 0);
-  EXPECT_EQ(jobs[5].printed, 28);
-  EXPECT_EQ(Change(fd, jobs[4].id, "printer=Proof printer\nhold=0\n"), 1);
-  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, jobs[4].id, NC_JOB_DONE));
-  EXPECT_TRUE(Becomes(fd, jobs[3].id, NC_JOB_DONE));
+  const auto jobs = Jobs(fd);
+  for (size_t i = 0; i < jobs.size(); ++i)
+    std::copy_n(jobs[i].id, 16, ids[std::to_string(i)].data());
+  EXPECT_EQ(See("0", "state number kept profile"), "held 3 1 Fine");
+  EXPECT_EQ(See("4", "kept text"), "1 the printer is not configured any more");
+  EXPECT_EQ(See("5", "state kept printed"), "done 0 28");
+  EXPECT_EQ(Tell("4", "printer=Proof printer\nhold=0"), 1);
+  EXPECT_EQ(Tell("Proof printer", "paused=0"), 1);
+  EXPECT_TRUE(IsDone("4") && IsDone("3"));
   EXPECT_EQ(FilesIn(daemon.Path("printed/proof")).size(), 5U);
   EXPECT_TRUE(FilesIn(daemon.Path("aside")).empty());
 }
@@ -336,18 +273,15 @@ TEST_F(Spool, OfALaterVersion) {
   const std::string id = "0123456789abcdef0123456789abcdef";
   Start();
   EXPECT_EQ(Order(fd), "later.pdf strange.pdf ");
-  const auto jobs = Jobs(fd);
-  EXPECT_EQ(jobs[0].colour, 0x00ff7f);
-  EXPECT_STREQ(jobs[0].reasons, "printer-paused");
-  EXPECT_EQ(jobs[1].state, NC_JOB_HELD);
-  EXPECT_EQ(IdText(Printers(fd)[0].id), "00112233445566778899aabbccddeeff");
-  EXPECT_EQ(Change(fd, jobs[0].id, "copies=2\n"), 1);
-  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "accepting=0\naccepting=1\n"), 1);
-  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, jobs[0].id, NC_JOB_DONE));
-  uint8_t fresh[16];
-  ASSERT_EQ(Send(fd, "", "x", fresh), 1);
-  EXPECT_EQ(JobOf(fd, fresh).number, 46);
+  ASSERT_EQ(NC_ParseId(id.c_str(), ids["later"].data()), 1);
+  EXPECT_EQ(See("later", "colour reasons"), "00ff7F printer-paused");
+  EXPECT_EQ(Jobs(fd)[1].state, NC_JOB_HELD);
+  EXPECT_EQ(See("Proof printer", "id"), "00112233445566778899aabbccddeeff");
+  EXPECT_EQ(Tell("later", "copies=2"), 1);
+  EXPECT_EQ(Tell("Proof printer", "accepting=0\naccepting=1\npaused=0"), 1);
+  EXPECT_TRUE(IsDone("later"));
+  EXPECT_EQ(New("fresh", ""), 1);
+  EXPECT_EQ(See("fresh", "number"), "46");
   EXPECT_EQ(Stop(SIGTERM), 0);
   // What it did not know is there still.
   const std::string record = ReadWhole(daemon.Path("jobs/" + id + ".job"));
@@ -376,16 +310,16 @@ TEST_F(Spool, WhatIsNoJobIsSetAside) {
                                  with("size", ""),
                                  with("submitted", "submitted=yesterday"),
                                  whole + std::string(9000, 'x')};
-  std::string ids[10];
+  std::string bad[10];
   for (size_t i = 0; i < 10; ++i) {
-    ids[i] = std::string(31, 'a') + static_cast<char>('0' + i);
-    daemon.WriteFile("spool/jobs/" + ids[i] + ".doc", "document " + std::to_string(i));
-    const std::string record = "spool/jobs/" + ids[i] + ".job";
+    bad[i] = std::string(31, 'a') + static_cast<char>('0' + i);
+    daemon.WriteFile("spool/jobs/" + bad[i] + ".doc", "document " + std::to_string(i));
+    const std::string record = "spool/jobs/" + bad[i] + ".job";
     if (i < 8) daemon.WriteFile(record, records[i]);
   }
-  std::filesystem::create_symlink(IdText(good) + ".job", daemon.Path("jobs/" + ids[8] + ".job"));
-  std::filesystem::create_directory(daemon.Path("jobs/" + ids[9] + ".job"));
-  daemon.WriteFile("spool/aside/" + ids[0] + ".doc", "of another time");
+  std::filesystem::create_symlink(IdText(good) + ".job", daemon.Path("jobs/" + bad[8] + ".job"));
+  std::filesystem::create_directory(daemon.Path("jobs/" + bad[9] + ".job"));
+  daemon.WriteFile("spool/aside/" + bad[0] + ".doc", "of another time");
   daemon.WriteFile("spool/jobs/" + std::string(32, 'b') + ".doc", "never accepted");
   daemon.WriteFile("spool/jobs/" + std::string(32, 'b') + ".job.new", "half");
   Start();
@@ -393,11 +327,11 @@ TEST_F(Spool, WhatIsNoJobIsSetAside) {
   EXPECT_EQ(FilesIn(daemon.Path("jobs")).size(), 2U);
   EXPECT_EQ(FilesIn(daemon.Path("aside")).size(), 21U);
   for (size_t i = 0; i < 10; ++i) {
-    const std::string as = "aside/" + ids[i] + (i == 0 ? ".doc.1" : ".doc");
+    const std::string as = "aside/" + bad[i] + (i == 0 ? ".doc.1" : ".doc");
     EXPECT_EQ(ReadWhole(daemon.Path(as)), "document " + std::to_string(i)) << i;
-    EXPECT_TRUE(daemon.Says("jobs/" + ids[i] + ".job is not a job: set aside as aside/"));
+    EXPECT_TRUE(daemon.Says("jobs/" + bad[i] + ".job is not a job: set aside as aside/"));
   }
-  EXPECT_EQ(ReadWhole(daemon.Path("aside/" + ids[0] + ".doc")), "of another time");
+  EXPECT_EQ(ReadWhole(daemon.Path("aside/" + bad[0] + ".doc")), "of another time");
 }
 
 TEST_F(Spool, WhatCannotBeSetAsideIsNotTouched) {
@@ -420,20 +354,15 @@ TEST_F(Spool, WhatCannotBeSetAsideIsNotTouched) {
 
 TEST_F(Spool, ADocumentThatIsNotWholeIsKept) {
   Start();
-  uint8_t lost[16], cut[16];
-  ASSERT_EQ(Send(fd, "hold=1\n", "lost", lost), 1);
-  ASSERT_EQ(Send(fd, "hold=1\n", "was longer", cut), 1);
-  EXPECT_EQ(Stop(SIGTERM), 0);
-  const std::string rest = daemon.Path("jobs/" + IdText(cut) + ".doc");
-  std::filesystem::remove(daemon.Path("jobs/" + IdText(lost) + ".doc"));
-  std::filesystem::resize_file(rest, 3);
-  Start();
-  for (const uint8_t* id : {lost, cut}) {
-    EXPECT_EQ(JobOf(fd, id).state, NC_JOB_FAILED);
-    EXPECT_EQ(JobOf(fd, id).kept, 0);
-    EXPECT_STREQ(JobOf(fd, id).reasons, "document-lost");
+  EXPECT_EQ(New("lost", "hold=1"), 1);
+  EXPECT_EQ(New("cut", "hold=1", "was longer"), 1);
+  std::filesystem::remove(DocumentOf("lost"));
+  std::filesystem::resize_file(DocumentOf("cut"), 3);
+  Restart();
+  for (const char* name : {"lost", "cut"}) {
+    EXPECT_EQ(See(name, "state kept reasons"), "failed 0 document-lost");
   }
-  EXPECT_EQ(ReadWhole(rest), "was");
+  EXPECT_EQ(ReadWhole(DocumentOf("cut")), "was");
 }
 
 TEST_F(Spool, TheAccessLogTellsWhoDidWhat) {
@@ -441,20 +370,19 @@ TEST_F(Spool, TheAccessLogTellsWhoDidWhat) {
   const std::string config =
       "[server]\naccess-log=" + path + "\n[printer]\nname=A printer\nrate=0\n";
   StartWith(config);
-  uint8_t id[16];
-  ASSERT_EQ(Send(fd, "hold=1\nowner=a b\ndocument=one\\ntwo\x1b \xe2\x80\xae\xff\n", "x", id), 1);
-  EXPECT_EQ(Change(fd, id, "hold=0\n"), 1);
-  EXPECT_TRUE(Becomes(fd, id, NC_JOB_DONE));
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), NC_STATUS_UNKNOWN_ID);
-  EXPECT_EQ(Change(fd, Printers(fd)[0].id, "paused=1\n"), 1);
+  EXPECT_EQ(New("a", "hold=1\nowner=a b\ndocument=one\\ntwo\x1b \xe2\x80\xae\xff"), 1);
+  EXPECT_EQ(Tell("a", "hold=0"), 1);
+  EXPECT_TRUE(IsDone("a"));
+  const std::string id = See("a", "id"), printer = See("A printer", "id");
+  EXPECT_EQ(Remove("a"), 1);
+  EXPECT_EQ(Remove("a"), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(Tell("A printer", "paused=1"), 1);
   EXPECT_TRUE(Eventually([&] {
-    return ReadWhole(path).find(" printer=A\\ printer id=" + IdText(Printers(fd)[0].id) + "\n") !=
-           std::string::npos;
+    return ReadWhole(path).find(" printer=A\\ printer id=" + printer + "\n") != std::string::npos;
   }));
   const std::string text = ReadWhole(path);
   const std::string job =
-      " owner=a\\ b number=1 printer=A\\ printer id=" + IdText(id) + " document=one\\ntwo?\\ ??\n";
+      " owner=a\\ b number=1 printer=A\\ printer id=" + id + " document=one\\ntwo?\\ ??\n";
   size_t at = 0;
   for (const char* event : {"accepted", "changed", "printed", "removed"}) {
     const size_t found = text.find(std::string(" event=") + event, at);
@@ -475,8 +403,8 @@ TEST_F(Spool, TheAccessLogTellsWhoDidWhat) {
   // A log that takes nothing costs nothing.
   daemon.WriteFile("config", "[server]\naccess-log=/dev/full\n[printer]\nname=A printer\n");
   daemon.Signal(SIGHUP);
-  EXPECT_TRUE(Eventually([&] { return Send(fd, "hold=1\n", "x", id) == 1; }));
-  EXPECT_EQ(NC_RemovePrintRequest(fd, id), 1);
+  EXPECT_TRUE(Eventually([&] { return New("a", "hold=1") == 1; }));
+  EXPECT_EQ(Remove("a"), 1);
 }
 
 TEST(Start, RefusesWithOneLine) {

@@ -332,11 +332,80 @@ void Outlines() {
       auto number = [] { return Pick<float>({0, 3.5f, -7, 16, 1e9f, NAN, INFINITY, 16384}); };
       p = {uint8_t(rng() % 6), number(), number(), number(), number(), number(), number()};
     }
+    XwSet(Hostile<XwWindow*>());
+    const XwPathPart* path = rng() % 9 ? parts : nullptr;
+    XwFillPath(path, Pick<int>({5, 3, 0, INT_MIN}), Hostile<int32_t>());
+    XwStrokePath(path, Pick<int>({5, 1, 0, INT_MIN}), Pick<float>({2.5f, 1e-9f, 16384, NAN, -1}),
+                 Hostile<int32_t>());
     XwSetIconOutline(rng() % 9 ? &icon : nullptr, rng() % 9 ? parts : nullptr, int(rng() % 6) - 1);
     if (XwWindow* b = XwButton(props.other, &icon, 1, 0, 0, 20, 20, XWC_ICON | XWC_VISIBLE, 0))
       XwDestroy(b);
     Repair();
   }
+}
+
+// Lists of toolbar items with any words; texts where the type wants some.
+void Toolbars() {
+  static const char* const texts[] = {"a", "", "9,1,99999999999999999999", nullptr};
+  XwWindow* const windows[] = {props.other, props.main, props.sub, nullptr};
+  for (int i = 0; i < 60; ++i) {
+    static XwToolbarItem items[9];
+    for (XwToolbarItem& item : items) {
+      const auto type = uint32_t(rng() % 16);
+      item = {type << 24 | uint32_t(rng() & 0xC00007FF), 0, int32_t(rng() % 5), 0};
+      if (type == 2 || type == 3)
+        item.data = reinterpret_cast<XwValue>(texts);
+      else if (type == 6)
+        item.data = reinterpret_cast<XwValue>(rng() % 2 ? IC_ARROWS : nullptr);
+      else if (type == 4)
+        item.data = XwValue(rng());
+      else
+        item.data = reinterpret_cast<XwValue>(texts[rng() % 4]);
+    }
+    items[rng() % 9].word = 0;
+    XwWindow* w = windows[rng() % 4];
+    XwSetToolbar(w, rng() % 5 ? items : nullptr);
+    XwSetToolbarItem(w, int32_t(rng() % 6), int32_t(rng()));
+    XwShowToolbar(w, int(rng() % 2));
+    XwGetToolbarItem(w, int32_t(rng() % 6));
+    RunLoop();
+    Repair();
+  }
+}
+
+// Escape answers each.
+void Alerts() {
+  input::SetIdleHandler([] {
+    input::KeyDown(0xFF1B);
+    input::KeyUp(0xFF1B);
+    return true;
+  });
+  for (int i = 0; i < 40; ++i) {
+    Inp.root_x = Hostile<int32_t>();
+    Inp.root_y = Hostile<int32_t>();
+    auto ask = rng() % 2 ? XwConfirm : XwConfirmUtf8;
+    const char* first = Hostile<const char*>();
+    EXPECT_EQ(ask(Hostile<const char*>(), Hostile<const char*>(), Hostile<const char*>(),
+                  first ? first : "", Hostile<const char*>(), nullptr),
+              1);
+    Repair();
+  }
+  Quiet();
+}
+
+void Posts() {
+  const char* const texts[] = {nullptr, "", "state", "two words\n", "\xFF\x01", " "};
+  static int posted, ended;
+  posted = ended = 0;
+  for (int i = 0; i < 300; ++i) {
+    void (*take)(void*, int) = [](void*, int) { ++ended; };
+    const bool some = rng() % 9 != 0;
+    posted += some;
+    XwPost(texts[rng() % 6], texts[rng() % 6], some ? take : nullptr, nullptr);
+    Repair();
+  }
+  RunLoop();
+  EXPECT_EQ(ended, posted);
 }
 
 void Nothing() {}
@@ -364,6 +433,7 @@ const struct {
     CALL(XwCheckPointer),
     CALL(XwGetKeyState),
     CALL(XwBeep),
+    {"XwPost", Posts},
     CALL(XwTakeUp),
     CALL(XwReplaying),
     CALL(XwTimer),
@@ -410,6 +480,13 @@ const struct {
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
+    {"XwConfirm", Alerts},
+    {"XwConfirmUtf8", Nothing},
+    {"GetApplicationBundleFSSpec", Nothing},
+    {"XwSetToolbar", Toolbars},  // and all others of toolbars
+    {"XwShowToolbar", Nothing},
+    {"XwSetToolbarItem", Nothing},
+    {"XwGetToolbarItem", Nothing},
     {"XwSetMenu", Menus},  // and all others of menus
     {"XwPopupMenu", Nothing},
     {"XwPopupList", Nothing},
@@ -466,6 +543,8 @@ const struct {
     CALL(XwTextTrim),
     CALL(XwTextFit),
     CALL(XwDrawText),
+    {"XwFillPath", Nothing},  // with the outlines of icons
+    {"XwStrokePath", Nothing},
     CALL(XwThemeColor),
     CALL(XwRoundBox),
     {"XwFromUtf8", Conversions},

@@ -13,9 +13,10 @@ namespace {
 using namespace stage;
 using namespace platform;
 
-constexpr uint32_t kBack = 0xFF08, kTab = 0xFF09, kReturn = 0xFF0D, kEscape = 0xFF1B,
-                   kHome = 0xFF50, kLeft = 0xFF51, kRight = 0xFF53, kEnd = 0xFF57, kInsert = 0xFF63,
-                   kKeypadDecimal = 0xFFAC, kDelete = 0xFFFF;
+constexpr uint32_t kF10 = 0xFFC7, kMenuKey = 0xFF67, kBack = 0xFF08, kTab = 0xFF09,
+                   kReturn = 0xFF0D, kEscape = 0xFF1B, kHome = 0xFF50, kLeft = 0xFF51,
+                   kRight = 0xFF53, kEnd = 0xFF57, kInsert = 0xFF63, kKeypadDecimal = 0xFFAC,
+                   kDelete = 0xFFFF;
 
 std::string Text(XwWindow* w) {
   char text[1000];
@@ -226,7 +227,21 @@ TEST(EditBoxes, ThePointerSelects) {
   RunFor(1);
   press(two);
   release();
-  EXPECT_EQ(OfferedText(Selection::kPrimary), nullptr) << "nothing is selected";
+  Type('a', 'a', controlKey);
+  EXPECT_EQ(OfferedText(Selection::kPrimary), nullptr) << "neither by the pointer nor by Shift";
+  XwSetFocus(s.main);
+  RunFor(1);
+  // All of a drag waits before the box gets the keyboard.
+  input::MovePointer(one - 1, 122);
+  input::Press(1);
+  input::MovePointer(two, 122);
+  release();
+  EXPECT_EQ(type("_"), "o_two");
+  XwSetText(s.box, "one two");
+  RunFor(1);
+  press(two);
+  release();
+  seen.clear();
   EXPECT_EQ(type("-"), "one -two") << "the first press selects all, the next sets the caret";
   RunFor(1);
   press(two);
@@ -346,6 +361,29 @@ TEST(EditBoxes, MenuKeysComeAfterTheBox) {
   EXPECT_FALSE(chosen('a', 0));
   EXPECT_TRUE(chosen('f', controlKey));
   EXPECT_EQ(Type(kLeft, 0, controlKey), "0:793 527 34:794");
+  // The box's own menu, by keys; what cannot be done now is greyed.
+  for (uint32_t key : {kMenuKey, kF10}) {
+    static uint32_t undo, redo;
+    undo = redo = 0;
+    Type('x', 'x');
+    Type('z', 'z', controlKey);
+    Type('x', 'x');
+    EventLoopTimerRef look = InstallEventLoopTimer(
+        0.1, 0,
+        [](EventLoopTimerRef, void*) {
+          undo = State("Undo");
+          redo = State("Redo");
+        },
+        nullptr);
+    if (key == kF10) input::Modifiers(shiftKey);
+    input::KeyDown(key);
+    input::KeyUp(key);
+    input::Modifiers(0);
+    RunFor(0.2);
+    RemoveEventLoopTimer(look);
+    EXPECT_TRUE(undo & kIsEnabled);
+    EXPECT_FALSE(redo & kIsEnabled) << "something new was typed";
+  }
 }
 
 TEST(EditBoxes, AFieldIsEditedInPlace) {

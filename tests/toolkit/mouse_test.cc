@@ -54,21 +54,23 @@ TEST(Mouse, PressAndReleaseSayWhatIsHeld) {
   Open();
   Main();
   MoveTo(150, 150);
-  seen.clear();
-  input::UseSteppedClock(5000.1239);
   const struct {
     int button, type;
     uint32_t state;
   } rows[] = {{1, 771, 1}, {2, 772, 2}, {3, 773, 4}, {4, 774, 8}, {5, 775, 16}};
   for (const auto& row : rows) {
     seen.clear();
+    input::UseSteppedClock(5000.1239);
     input::Press(row.button);
+    RunLoop();
+    input::Step(0.5);
     input::Release(row.button);
     RunLoop();
     ASSERT_EQ(seen.size(), 2u);
     EXPECT_EQ(seen[0].type, row.type);
     EXPECT_EQ(seen[0].event.state & XWS_BUTTONS, row.state);
     EXPECT_EQ(seen[0].event.time, 5000123u);
+    EXPECT_EQ(seen[1].event.time, 5000623u);
     EXPECT_EQ(seen[1].type, XWE_RELEASE);
     EXPECT_EQ(seen[1].event.state & XWS_BUTTONS, 0u);
     EXPECT_EQ(XwPointerIsGrabbed(), nullptr);

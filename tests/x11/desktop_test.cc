@@ -107,7 +107,7 @@ TEST_F(Bus, ACallersTokenGoesWithTheActivation) {
   xcb_change_window_attributes(user().connection(), user().root(), XCB_CW_EVENT_MASK, &mask);
   user().Sync();
   // What else such a table may hold is passed over; so is a token of another type.
-  const char* token = "caller_TIME123456789";
+  const char* token = "of the caller_TIME123456789";  // a message of two whole pieces
   ASSERT_GE(sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, "Activate", nullptr,
                                      nullptr, "a{sv}", 4, "x", "au", 2, 1, 2, "activation-token",
                                      "u", 7, "desktop-startup-id", "s", token, "y", "s", "z"),
@@ -126,7 +126,7 @@ TEST_F(Bus, ACallersTokenGoesWithTheActivation) {
     return time != 0 && w->focused;
   }));
   EXPECT_EQ(time, 123456789u);
-  EXPECT_STREQ(said.c_str(), "remove: ID=caller_TIME123456789");
+  EXPECT_EQ(said, "remove: ID=of\\ the\\ caller_TIME123456789" + std::string(20, '\0'));
 }
 
 // What a second start of the program does with the screen.

@@ -115,6 +115,15 @@ void TellActivity(XwWindow* w) {
   w->activation_handler(IsWindowActive(NativeWindow(w)));
 }
 
+// Toolbars reach across the screen as it is now.
+void FitToolbars() {
+  for (XwWindow* w = W_Start; w; w = w->next) {
+    XwWindow* bar = w->toolbar;
+    if (bar && bar->width != Sat16(XW_SCREENX))
+      XwMove(bar, bar->x, bar->y, XW_SCREENX, bar->height);
+  }
+}
+
 // True when the first window is there to take it.
 bool AskFirstWindow(int type, int param = 0) {
   if (!IsLive(W_Start)) return false;
@@ -182,6 +191,7 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
       return eventNotHandledErr;
     case kEventClassSystem:
       TakeScreenSize();
+      FitToolbars();
       return eventNotHandledErr;
     case kEventClassKeyboard:
       ReleaseKey(*event);

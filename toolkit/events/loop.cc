@@ -6,6 +6,7 @@
 #include "platform/events/clock.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
+#include "platform/input/results.h"
 #include "platform/loop/receive.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
@@ -35,6 +36,8 @@ class toolkit::Modal {
   Modal(const Modal&) = delete;
   Modal& operator=(const Modal&) = delete;
   bool raw() const { return window_ == RawMode(); }
+  // It and the waits around it are for all windows.
+  bool open_to_all() const { return !window_ && (!outer_ || outer_->open_to_all()); }
   bool KeepsOut(XwWindow* w) const {
     if (!serial_ || !IsLive(window_) || window_->serial != serial_) return false;
     return w != window_ && !IsSubWindow(window_, w);
@@ -121,6 +124,13 @@ bool ModalKeepsOut(XwWindow* w) {
   return m && m->KeepsOut(w);
 }
 
+bool ModalKeepsOutNative(const Window* native) {
+  if (!state.innermost_wait) return false;
+  for (XwWindow* w = W_Start; w; w = w->next)
+    if (w->platform == native) return ModalKeepsOut(w);
+  return false;
+}
+
 void XwRunEventLoop() {
   for (;;) XwWaitEvent(nullptr);
 }
@@ -133,11 +143,22 @@ static void SelectBoxText() {
   if (box && IsControl(box)) SelectEditText(static_cast<ControlRef>(box->platform), 0, kSelected);
 }
 
+// Takes the results of background tasks that have come. Those that come through it wait until the
+// loop has looked at the events.
+static void TakeResults() {
+  constexpr int kMost = 64;
+  for (int i = 0; i < kMost && ResultsWait(); ++i)
+    if (!TakeNextResult()) break;
+  Inp.type = 0;
+}
+
 int XwWaitEvent(XwWindow* modal) {
   const Modal only(modal);
   Event e;
   for (;;) {
     Inp.type = 0;
+    if (ResultsWait() && only.open_to_all()) [[unlikely]]
+      TakeResults();
     if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
     if (e.cls == kToolkitEventClass) {
       TakeRecord(e);

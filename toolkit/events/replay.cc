@@ -1,6 +1,11 @@
-// Record and replay, as programs see them.
+// Results of background tasks, and record and replay, as programs see them.
 #include "platform/input/record.h"
+#include "platform/input/results.h"
 #include "toolkit/xw.h"
+
+void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data) {
+  platform::PostResult(kind, detail, take, data);
+}
 
 const char* XwTakeUp(const char* what, const char* detail) {
   return what && *what ? platform::TakeUp(what, detail) : nullptr;

@@ -9,6 +9,7 @@
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
 #include "platform/fonts/fonts.h"
+#include "platform/input/results.h"
 #include "platform/loop/start.h"
 #include "platform/menus/menus.h"
 #include "platform/text/mac_roman.h"
@@ -21,6 +22,7 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/describe.h"
 #include "toolkit/events/install.h"
+#include "toolkit/events/loop.h"
 #include "toolkit/windows/described.h"
 #include "toolkit/windows/menus.h"
 
@@ -96,6 +98,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
+  SetRecoloringWaits(ModalKeepsOutNative);
   DescribeWindows();
   ClearMenuBar();
   DrawMenuBar();
@@ -115,6 +118,7 @@ void XwEndSession() {
       slot.timer = nullptr;
     }
   FlushEventQueue(static_cast<EventQueueRef>(MainQueue), free);
+  DropResults();
 }
 
 namespace {

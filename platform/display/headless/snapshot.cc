@@ -1,7 +1,8 @@
 // Pictures of headless windows.
-#include <png.h>
+#include <cstdio>
 
 #include "platform/display/headless/state.h"
+#include "platform/graphics/png.h"
 
 namespace platform::headless {
 
@@ -12,17 +13,12 @@ Picture TakePicture(const Window* w) {
 }
 
 bool WritePng(const Picture& picture, const std::string& path) {
-  if (picture.pixels.empty()) return false;
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = png_uint_32(picture.width);
-  image.height = png_uint_32(picture.height);
-  image.format = PNG_FORMAT_RGB;
-  std::vector<uint8_t> rgb;
-  rgb.reserve(picture.pixels.size() * 3);
-  for (uint32_t p : picture.pixels)
-    for (int shift : {16, 8, 0}) rgb.push_back(uint8_t(p >> shift));
-  return png_image_write_to_file(&image, path.c_str(), 0, rgb.data(), 0, nullptr) != 0;
+  const std::string bytes =
+      EncodePng(picture.pixels.data(), picture.width, picture.height, picture.width);
+  FILE* file = bytes.empty() ? nullptr : fopen(path.c_str(), "we");
+  if (!file) return false;
+  const bool whole = fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+  return fclose(file) == 0 && whole;
 }
 
 }  // namespace platform::headless

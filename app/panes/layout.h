@@ -9,13 +9,14 @@ struct Layout {
   // On the tool bar: the button that prints, moving about, and how to print.
   Area print, up, refresh;
   Area printer_label, printer;
+  Area profile_label, profile;  // empty where there is no room
   Area copies_label, less, copies, more;
   Area priority_label, slider, priority;
   Area hold;
   // The middle: places and details are empty where the window is too narrow for them.
-  Area places, folder_head, folder, details;
+  Area places, folder_head, filter, folder, details;
   Area queue_head, hold_job, release_job, remove_job, queue;
-  Area status;
+  Area status, stop_sending;
 };
 
 constexpr int kLeastWidth = 760, kLeastHeight = 480;

@@ -1,4 +1,4 @@
-#include "app/window/layout.h"
+#include "app/panes/layout.h"
 
 #include <algorithm>
 
@@ -6,7 +6,8 @@ namespace console {
 namespace {
 
 constexpr int kTools = 40, kStatus = 26, kHead = 30;
-constexpr int kButton = 26;
+constexpr int kButton = 26, kStop = 18;
+constexpr int kProfile = 192;  // with its label and a gap
 constexpr int kPlacesFrom = 900, kPlaces = 216;
 constexpr int kDetailsFrom = 1080, kDetails = 280;
 // Header and rows of the queue: four rows at least, a third of the height at most.
@@ -22,8 +23,10 @@ Area Next(Area* bar, int width, int gap, int height = kButton) {
 void LayOutTools(Layout* l) {
   Area bar = l->tools.Inset(7, 0);
   bar.h -= 1;  // the hairline below
-  // What is spare goes to the printer's name first, then to the slider.
-  const int spare = std::max(0, l->tools.w - kLeastWidth);
+  // What is spare goes to the profile first, then to the printer's name and to the slider.
+  int spare = std::max(0, l->tools.w - kLeastWidth);
+  const bool profile = spare >= kProfile;
+  if (profile) spare -= kProfile;
   const int name = std::min(60, spare), slide = std::clamp(spare - name, 0, 50);
   const int gap = 14 + std::clamp(spare - name - slide, 0, 24) / 4;
   l->print = Next(&bar, 72, 10);
@@ -31,6 +34,10 @@ void LayOutTools(Layout* l) {
   l->refresh = Next(&bar, 27, gap);
   l->printer_label = Next(&bar, 46, 6);
   l->printer = Next(&bar, 124 + name, gap);
+  if (profile) {
+    l->profile_label = Next(&bar, 42, 6);
+    l->profile = Next(&bar, kProfile - 48 - 14, gap);
+  }
   l->copies_label = Next(&bar, 46, 6);
   l->less = Next(&bar, 24, 0);
   l->copies = Next(&bar, 36, 0);
@@ -47,7 +54,8 @@ void LayOutQueueHead(Layout* l) {
   auto last = [&bar](int width) {
     Area piece = bar.TakeRight(width);
     bar.TakeRight(6);
-    return Area{piece.x, piece.y + 4, piece.w, 22};
+    // A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
+    return Area{piece.x, piece.y + 3, piece.w, 20};
   };
   l->remove_job = last(78);
   l->release_job = last(78);
@@ -61,6 +69,8 @@ Layout LayOut(int width, int height) {
   Area all{0, 0, std::max(0, width), std::max(0, height)};
   l.tools = all.TakeTop(kTools);
   l.status = all.TakeBottom(kStatus);
+  l.stop_sending = {l.status.right() - 8 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
+                    kStop};
   const int queue = std::max(kQueueLeast, (all.h - 2 * kHead) * 32 / 100);
   Area lower = all.TakeBottom(queue + kHead);
   l.queue_head = lower.TakeTop(kHead);

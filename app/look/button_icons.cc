@@ -1,0 +1,116 @@
+// What stands on buttons in place of words: outlines, smooth at every scale.
+#include <cmath>
+#include <initializer_list>
+#include <vector>
+
+#include "app/look/style.h"
+
+namespace console {
+namespace {
+
+constexpr int kSize = 16;
+
+using Parts = std::vector<XwPathPart>;
+
+void MoveOrLine(Parts* parts, bool first, float x, float y) {
+  parts->push_back({uint8_t(first ? XWP_MOVE : XWP_LINE), x, y, 0, 0, 0, 0});
+}
+
+struct Point {
+  float x, y;
+};
+void Polygon(Parts* parts, std::initializer_list<Point> points) {
+  for (const Point& p : points) MoveOrLine(parts, &p == points.begin(), p.x, p.y);
+  parts->push_back({XWP_CLOSE, 0, 0, 0, 0, 0, 0});
+}
+
+constexpr float kMiddle = 8, kDegree = 3.14159265f / 180;
+
+Point OnCircle(float radius, float degrees) {
+  return {kMiddle + radius * std::cos(degrees * kDegree),
+          kMiddle + radius * std::sin(degrees * kDegree)};
+}
+
+// A part of a circle as curves, from where the outline is.
+void Arc(Parts* parts, float radius, float from, float to) {
+  constexpr int kCurves = 4;
+  const float step = (to - from) / kCurves, arm = radius * 4 / 3 * std::tan(step * kDegree / 4);
+  for (int i = 0; i < kCurves; ++i) {
+    const float a = from + float(i) * step, b = a + step;
+    const Point p = OnCircle(radius, a), q = OnCircle(radius, b);
+    parts->push_back({XWP_CUBIC, q.x, q.y, p.x - arm * std::sin(a * kDegree),
+                      p.y + arm * std::cos(a * kDegree), q.x + arm * std::sin(b * kDegree),
+                      q.y - arm * std::cos(b * kDegree)});
+  }
+}
+
+// An open ring, clockwise, that ends in an arrow.
+void Refresh(Parts* parts) {
+  constexpr float kOuter = 6, kInner = 4.4f, kFrom = 20, kTo = 300;
+  const Point begin = OnCircle(kOuter, kFrom), turn = OnCircle(kInner, kTo);
+  MoveOrLine(parts, true, begin.x, begin.y);
+  Arc(parts, kOuter, kFrom, kTo);
+  MoveOrLine(parts, false, turn.x, turn.y);
+  Arc(parts, kInner, kTo, kFrom);
+  parts->push_back({XWP_CLOSE, 0, 0, 0, 0, 0, 0});
+  const Point a = OnCircle(8.2f, kTo), b = OnCircle(2.2f, kTo), tip = OnCircle(6.4f, kTo + 48);
+  Polygon(parts, {a, tip, b});
+}
+
+Parts PartsOf(ToolIcon icon) {
+  Parts parts;
+  switch (icon) {
+    case ToolIcon::kUp:
+      Polygon(&parts, {{8, 4.2f}, {13, 9.2f}, {11.5f, 10.7f}, {8, 7.2f}, {4.5f, 10.7f}, {3, 9.2f}});
+      break;
+    case ToolIcon::kRefresh:
+      Refresh(&parts);
+      break;
+    case ToolIcon::kPlus:
+      Polygon(&parts, {{7, 4},
+                       {9, 4},
+                       {9, 7},
+                       {12, 7},
+                       {12, 9},
+                       {9, 9},
+                       {9, 12},
+                       {7, 12},
+                       {7, 9},
+                       {4, 9},
+                       {4, 7},
+                       {7, 7}});
+      break;
+    case ToolIcon::kMinus:
+      Polygon(&parts, {{4, 7}, {12, 7}, {12, 9}, {4, 9}});
+      break;
+    case ToolIcon::kCross:
+      Polygon(&parts, {{5, 3.8f},
+                       {8, 6.8f},
+                       {11, 3.8f},
+                       {12.2f, 5},
+                       {9.2f, 8},
+                       {12.2f, 11},
+                       {11, 12.2f},
+                       {8, 9.2f},
+                       {5, 12.2f},
+                       {3.8f, 11},
+                       {6.8f, 8},
+                       {3.8f, 5}});
+      break;
+  }
+  return parts;
+}
+
+}  // namespace
+
+XwIcon* ButtonIcon(ToolIcon icon) {
+  static XwIcon icons[int(ToolIcon::kCross) + 1];
+  XwIcon* made = &icons[int(icon)];
+  if (made->width) return made;
+  *made = {kSize, kSize, nullptr, nullptr};
+  const Parts parts = PartsOf(icon);
+  XwSetIconOutline(made, parts.data(), int(parts.size()));
+  return made;
+}
+
+}  // namespace console

@@ -1,0 +1,38 @@
+#include "app/look/controls.h"
+
+namespace console {
+namespace {
+
+// The record whose control shows in the area.
+Area RecordOf(const XwWindow* control, const Area& a) {
+  switch (control->kind) {
+    case XWK_BUTTON:
+      if (control->style & (XWC_OWN_TEXT | XWC_ICON | XWC_VARIANT | XWC_HEADER)) return a;
+      return {a.x - 2, a.y - 1, a.w + 6, a.h + 4};
+    case XWK_COMBO:
+      return {a.x - 1, a.y - 2, a.w + 3, a.h};
+    case XWK_EDIT:
+      return {a.x - 1, a.y, a.w + 2, a.h};
+    case XWK_CHECK_BOX:
+      return {a.x, a.y + (a.h - 16) / 2, a.w, 16};
+    default:
+      return a;
+  }
+}
+
+}  // namespace
+
+void EnableControl(XwWindow* control, bool on) {
+  if (control && bool(control->enabled) != on) XwEnable(control, on);
+}
+
+void PlaceControl(XwWindow* control, const Area& a) {
+  if (!control) return;
+  if (a.Empty()) return XwShow(control, 0);
+  const Area r = RecordOf(control, a);
+  if (r != Area{control->x, control->y, control->width, control->height})
+    XwMove(control, r.x, r.y, r.w, r.h);
+  if (!(control->flags & XW_SHOWN)) XwShow(control, 1);
+}
+
+}  // namespace console

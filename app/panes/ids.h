@@ -1,0 +1,40 @@
+// The numbers that reports of controls and menus carry. A button of a command has the command's.
+#pragma once
+
+namespace console {
+
+enum CommandId {
+  kOpenCommand = 1,
+  kPrintCommand,
+  kCloseCommand,
+  kHoldCommand,
+  kReleaseCommand,
+  kRemoveCommand,
+  kStopSendingCommand,
+  kRefreshCommand,
+  kUpCommand,
+  kSortByNameCommand,
+  kSortBySizeCommand,
+  kSortByDateCommand,
+  kAboutCommand,
+  kCommandsEnd
+};
+
+enum ControlId {
+  kPrinterControl = 50,
+  kProfileControl,
+  kLessControl,
+  kCopiesControl,
+  kMoreControl,
+  kPriorityControl,
+  kHoldNextControl,
+  kFilterControl,
+  kCloseAnswer,
+  kKeepOpenAnswer,
+  // Those of a table's heads follow its own.
+  kFilesControls = 100,
+  kQueueControls = 200
+};
+static_assert(int(kCommandsEnd) <= int(kPrinterControl));
+
+}  // namespace console

@@ -1,0 +1,30 @@
+// A combo box over names that come from the server. The chosen name changes by the user alone:
+// where the server has it no longer it stays shown, after the others.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "toolkit/xw.h"
+
+namespace console {
+
+class NameChoice {
+ public:
+  // `name`: what it is called. `unchosen`: the item for "", null for none.
+  void Make(XwWindow* window, int id, const char* name, const char* unchosen);
+  XwWindow* control() const { return combo_; }
+  // What there is, and what is chosen. The items stay while the box has the keyboard. It is
+  // disabled where there is nothing, and when `enabled` is false.
+  void Show(std::vector<std::string> names, const std::string& chosen, bool enabled);
+  // The name of an item.
+  std::string At(int item) const;
+
+ private:
+  void SetItems(std::vector<std::string> names);
+
+  XwWindow* combo_ = nullptr;
+  const char* unchosen_ = nullptr;
+  std::vector<std::string> names_;  // of its items
+};
+
+}  // namespace console

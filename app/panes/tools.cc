@@ -1,0 +1,136 @@
+#include "app/panes/tools.h"
+
+#include <algorithm>
+
+#include "app/look/controls.h"
+#include "app/look/style.h"
+#include "app/panes/ids.h"
+
+namespace console {
+namespace {
+
+constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+
+XwWindow* MakeIconButton(XwWindow* window, ToolIcon icon, int id, const char* name) {
+  XwWindow* b = XwButton(window, ButtonIcon(icon), id, 0, 0, 9, 9, kShown | XWC_ICON, 0);
+  XwDescribeControl(b, name);
+  return b;
+}
+
+std::vector<std::string> NamesOf(const std::vector<NC_Printer>& printers) {
+  std::vector<std::string> names;
+  for (const NC_Printer& p : printers) names.push_back(p.name);
+  return names;
+}
+
+std::vector<std::string> NamesOf(const std::vector<NC_Profile>& profiles) {
+  std::vector<std::string> names;
+  for (const NC_Profile& p : profiles) names.push_back(p.name);
+  return names;
+}
+
+}  // namespace
+
+const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& state) {
+  const NC_Printer* standard = nullptr;
+  for (const NC_Printer& p : *state.printers) {
+    if (p.name == choice.printer) return &p;
+    if (!standard || p.is_default) standard = &p;
+  }
+  return choice.printer.empty() ? standard : nullptr;
+}
+
+void ToolsPane::MakeControls(XwWindow* w) {
+  print = XwButton(w, "Print", kPrintCommand, 0, 0, 9, 9, kShown, 0);
+  up = MakeIconButton(w, ToolIcon::kUp, kUpCommand, "Enclosing Folder");
+  refresh = MakeIconButton(w, ToolIcon::kRefresh, kRefreshCommand, "Refresh");
+  printer_.Make(w, kPrinterControl, "Printer", nullptr);
+  profile_.Make(w, kProfileControl, "Profile", "Default");
+  less_ = MakeIconButton(w, ToolIcon::kMinus, kLessControl, "Fewer Copies");
+  copies = XwEditBox(w, "1", kCopiesControl, 0, 0, 9, 9, kShown);
+  XwDescribeControl(copies, "Copies");
+  more_ = MakeIconButton(w, ToolIcon::kPlus, kMoreControl, "More Copies");
+  priority = XwSlider(w, kPriorityControl, 0, 0, 9, 1, kShown, 1, kMostPriority, choice_->priority);
+  XwDescribeControl(priority, "Priority");
+  hold = XwCheckBox(w, "Hold", kHoldNextControl, 0, 0, kShown, choice_->hold);
+}
+
+void ToolsPane::Place(const Layout& l) {
+  PlaceControl(print, l.print);
+  PlaceControl(up, l.up);
+  PlaceControl(refresh, l.refresh);
+  PlaceControl(printer(), l.printer);
+  PlaceControl(profile(), l.profile);
+  PlaceControl(less_, l.less);
+  PlaceControl(copies, l.copies);
+  PlaceControl(more_, l.more);
+  PlaceControl(priority, l.slider);
+  PlaceControl(hold, l.hold);
+}
+
+void ToolsPane::Update(const ServerState& state, bool enabled) {
+  const NC_Printer* p = ChosenPrinter(*choice_, state);
+  printer_.Show(NamesOf(*state.printers), p ? p->name : choice_->printer, enabled);
+  profile_.Show(NamesOf(*state.profiles), choice_->profile, enabled);
+  EnableControl(less_, enabled && choice_->copies > 1);
+  EnableControl(more_, enabled && choice_->copies < kMostCopies);
+  for (XwWindow* control : {copies, priority, hold}) EnableControl(control, enabled);
+}
+
+void ToolsPane::Draw(const Layout& l) const {
+  const Style& s = TheStyle();
+  Fill(l.tools, s.tool_bar);
+  LineAtBottom(l.tools);
+  DrawLabel(s.normal, Align::kRight, l.printer_label, "Printer", s.ink);
+  DrawLabel(s.normal, Align::kRight, l.profile_label, "Profile", s.ink);
+  DrawLabel(s.normal, Align::kRight, l.copies_label, "Copies", s.ink);
+  DrawLabel(s.normal, Align::kRight, l.priority_label, "Priority", s.ink);
+  DrawLabel(s.view, Align::kRight, l.priority, std::to_string(choice_->priority), s.second);
+}
+
+bool ToolsPane::Chosen(int id, int value) {
+  switch (id) {
+    case kPrinterControl:
+      choice_->printer = printer_.At(value);
+      return true;
+    case kProfileControl:
+      choice_->profile = profile_.At(value);
+      return true;
+    case kLessControl:
+      ChangeCopies(-1);
+      return true;
+    case kMoreControl:
+      ChangeCopies(1);
+      return true;
+    case kPriorityControl:
+      choice_->priority = value;
+      return true;
+    case kHoldNextControl:
+      choice_->hold = XwGetValue(hold) == 1;
+      return true;
+    default:
+      return false;
+  }
+}
+
+void ToolsPane::Edited(int type) {
+  if (type == XWE_EDIT_CHANGED) {
+    const int n = XwGetValue(copies);
+    if (n >= 1 && n <= kMostCopies) choice_->copies = n;
+  } else {
+    // What is no number of copies gives place to the one that counts.
+    XwSetValue(copies, choice_->copies);
+  }
+}
+
+void ToolsPane::ChangeCopies(int by) {
+  choice_->copies = std::clamp(choice_->copies + by, 1, kMostCopies);
+  XwSetValue(copies, choice_->copies);
+}
+
+void ToolsPane::ChangePriority(int by) {
+  choice_->priority = std::clamp(choice_->priority + by, 1, kMostPriority);
+  XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
+}
+
+}  // namespace console

@@ -1,0 +1,43 @@
+// The tool bar: printing what is selected, moving about, and how the next file is printed.
+#pragma once
+#include "app/model/print_choice.h"
+#include "app/panes/layout.h"
+#include "app/panes/name_choice.h"
+#include "app/server/server.h"
+
+namespace console {
+
+// The printer that the next file goes to; null when the server's list has none such.
+const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& state);
+
+class ToolsPane {
+ public:
+  // Changes the choice, as long as it lives.
+  explicit ToolsPane(PrintChoice* choice) : choice_(choice) {}
+  // They report to the window: what Chosen() and Edited() do not know are commands.
+  void MakeControls(XwWindow* window);
+  void Place(const Layout& layout);
+  // What can be chosen now. `enabled`: whether anything can.
+  void Update(const ServerState& state, bool enabled);
+  void Draw(const Layout& layout) const;
+
+  // A report of one of its controls: false when the id is another's.
+  bool Chosen(int id, int value);
+  // 788 to 790 of the box of the copies.
+  void Edited(int type);
+  void ChangePriority(int by);
+
+  XwWindow *print = nullptr, *up = nullptr, *refresh = nullptr;  // of commands
+  XwWindow *copies = nullptr, *priority = nullptr, *hold = nullptr;
+  XwWindow* printer() const { return printer_.control(); }
+  XwWindow* profile() const { return profile_.control(); }
+
+ private:
+  void ChangeCopies(int by);
+
+  PrintChoice* choice_;
+  NameChoice printer_, profile_;
+  XwWindow *less_ = nullptr, *more_ = nullptr;
+};
+
+}  // namespace console
