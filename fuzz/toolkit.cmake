@@ -1,1 +1,2 @@
 quorvik_fuzz(events ${CMAKE_CURRENT_LIST_DIR}/events.cc LIBS xw)
+quorvik_fuzz(inspect ${CMAKE_CURRENT_LIST_DIR}/inspect.cc LIBS xw)

@@ -546,6 +546,31 @@ typedef struct XwDialogItem {
 /* Makes them all in `parent`. (dx, dy) is added to places that are not negative. */
 void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx, int32_t dy);
 
+/* Asks the user something: a window at the pointer, wholly on the screen, with a picture, one line
+ * and a button for each label, from left to right. Waits for one to be pressed and returns its
+ * number from 1; events of other windows wait or are dropped, but redraws and requests of the
+ * desktop come again afterwards. The first button has the keyboard, and Escape presses it: put the
+ * harmless label first. Without a label the alert has no way out.
+ *
+ * The first character of `kind`: '?' a question, 'i' information, anything else a warning. `title`
+ * is not used. The labels end with a null pointer. A message wider than the screen is shortened. 0
+ * when the display refuses the window. */
+#ifdef __GNUC__
+#define XW_ENDS_WITH_NULL __attribute__((sentinel))
+#else
+#define XW_ENDS_WITH_NULL
+#endif
+int XwConfirm(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
+/* The same in UTF-8. */
+int XwConfirmUtf8(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
+
+/* The file of the running program. */
+typedef struct FSSpec {
+  char path[4096]; /* absolute; bytes, not the toolkit's characters */
+} FSSpec;
+/* 0; -43 for null and where the system does not tell it. */
+int GetApplicationBundleFSSpec(FSSpec* spec);
+
 /* The control with the keyboard in the window's top-level window; null when none has it. */
 XwWindow* XwGetFocus(XwWindow* window);
 /* Gives the keyboard to a control that shows and is enabled, and the keys to its window. Ignored

@@ -12,7 +12,8 @@ namespace console {
 namespace {
 
 constexpr int kFirstWidth = 1200, kFirstHeight = 756;
-constexpr int kMessageTicks = 60;
+constexpr int kTickMs = 1000, kProgressMs = 100;
+constexpr int kMessageSeconds = 6;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
 constexpr int kLastWaitMs = 50;
@@ -260,7 +261,7 @@ void MoveFocus(Console* c, int by) {
 
 void Escape(Console* c) {
   StopReading(c);
-  c->message_ticks = 0;
+  c->message_s = 0;
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
@@ -283,28 +284,38 @@ void Key(Console* c, int type) {
 
 // --- Time
 
-void TakeUpServer(Console* c) {
-  if (!XwReplaying()) c->server.StopKeeping();
-  const std::string news = c->server.News();
-  const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
-  if (!wanted) return;
-  c->server.TakeUp(wanted, &c->state);
+void ServerChanged(Console* c, ServerState state) {
+  if (state.away_times != c->state.away_times) c->away_s = 0;
+  c->state = std::move(state);
   c->just_sent = 0;
-  c->state_ticks = 0;
-  for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
+  for (const Notice& n : c->state.notices)
+    if (n.number > c->last_notice) Tell(c, n.good, n.text);
+  if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
+  XwTimer(c->window, kProgressTimer, 0);
+  if (SendingRuns(c)) XwTimer(c->window, kProgressTimer, kProgressMs);
   FillQueue(c);
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  DrawConsole(c);
+  if (MayLeaveNow(c)) Quit(c);
+}
+
+void ShowProgress(Console* c) {
+  c->server.ShowProgress(&c->state.transfers);
+  c->damage |= kQueuePane | kStatusPane;
 }
 
 void Tick(Console* c) {
-  ++c->ticks;
-  ++c->state_ticks;
-  TakeUpServer(c);
-  TakeUpPlaces(c);
+  c->server.Tick();
   WatchFolder(c);
-  if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
-    c->damage |= kStatusPane;
-  if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
+  ++c->away_s;
+  if (c->state.link == Link::kAway) c->damage |= kStatusPane;
+  if (c->message_s > 0 && --c->message_s == 0) c->damage |= kStatusPane;
+}
+
+void OnTimer(Console* c, int timer) {
+  if (timer == kTickTimer) Tick(c);
+  if (timer == kReadingTimer) ShowWait(c);
+  if (timer == kProgressTimer) ShowProgress(c);
   if (MayLeaveNow(c)) Quit(c);
 }
 
@@ -342,10 +353,7 @@ int Handle(int type) {
       c->modifiers = Inp.state;
       break;
     case XWE_TIMER:
-      if (Inp.value == kTickTimer)
-        Tick(c);
-      else
-        TakeUpFolder(c, 0);
+      OnTimer(c, int(Inp.value));
       break;
     case XWE_CONTROL:
     case XWE_SCROLLING:
@@ -385,12 +393,22 @@ int Handle(int type) {
 
 }  // namespace
 
+void ShowSilence(int seconds) {
+  Console* c = g_console;
+  if (!c) return;
+  c->silent_s = seconds;
+  c->damage |= kFolderPane;
+  DrawConsole(c);
+}
+
 Console::Console(const std::string& host)
-    : files(kFiles, FileColumns(),
+    : reader([this](FolderReading* reading) { FolderCame(this, reading); }),
+      watch([this] { FolderChanged(this); }),
+      files(kFiles, FileColumns(),
             [this](int row, int column, const CellLook& cell) {
               DrawFileCell(this, row, column, cell);
             }),
-      server(host, XwReplaying()),
+      server(host, [this](ServerState news) { ServerChanged(this, std::move(news)); }),
       queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
         DrawQueueCell(this, row, column, cell);
       }) {
@@ -435,7 +453,7 @@ void CloseConsole(Console* c) {
 
 void Tell(Console* c, bool good, const std::string& utf8) {
   c->message = {good, utf8};
-  c->message_ticks = kMessageTicks;
+  c->message_s = kMessageSeconds;
   c->damage |= kStatusPane;
 }
 

@@ -13,6 +13,8 @@
 #include "app/server/server.h"
 #include "app/table/table.h"
 #include "app/work/folder_reader.h"
+#include "app/work/folder_watch.h"
+#include "app/work/place_finder.h"
 
 namespace console {
 
@@ -48,15 +50,6 @@ inline bool IsControl(FocusStop stop) {
   return stop >= FocusStop::kPrint;
 }
 
-struct Place {
-  std::string name, path;
-};
-// Which of the places there are.
-struct PlaceFinder {
-  BackgroundTask task;
-  std::shared_ptr<std::vector<Place>> found;
-};
-
 // A row of the queue: a transfer of our own, or a job of the server.
 struct QueueRow {
   int transfer = 0;  // its number, 0 for a job
@@ -87,19 +80,22 @@ struct Console {
 
   Folder folder;
   FolderReader reader;
-  int reading_ticks = 0;     // since the present reading was asked for
-  int silent_s = 0;          // seconds that a look for changes has had no answer
+  FolderWatch watch;
+  int reading_s = 0;         // since the present reading was asked for
+  int silent_s = 0;          // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;   // the same, on its way
   std::string reading_text;  // what is said of it
   std::vector<Place> places;
   PlaceFinder finder;
   std::string free_text;
-  std::string typed;  // the beginning of a name that is being looked for
-  int typed_at = 0;   // the tick of its last letter
+  std::string typed;      // the beginning of a name that is being looked for
+  uint32_t typed_at = 0;  // the time of its last letter
   Table files;
 
   Server server;
   ServerState state;
-  int state_ticks = 0;  // since the state came
+  int away_s = 0;       // since it went away
+  int last_notice = 0;  // that was shown
   int just_sent = 0;    // orders that are not yet in the state
   std::vector<QueueRow> rows;
   QueueRow missing;  // was selected when it went; selected again if it comes back
@@ -109,15 +105,10 @@ struct Console {
   XwWindow* question = nullptr;  // the sheet that asks
 
   Notice message;
-  int message_ticks = 0;
-  int ticks = 0;
+  int message_s = 0;  // that it is still shown
 };
 
-// A tick, and a short one while a folder is being read.
-constexpr int kTickMs = 100, kShortTickMs = 10;
-enum Timer { kTickTimer = 1, kShortTickTimer };
-// How long a replay waits for a result that the recording took up.
-constexpr int kReplayPatienceMs = 20000;
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
@@ -155,9 +146,13 @@ void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
 void EnterFolder(Console* c, const std::string& path, const std::string& select);
 void GoUp(Console* c);
-// Shows what has been read, waiting for it so many milliseconds at most.
-void TakeUpFolder(Console* c, int wait_ms);
-// What a tick does: looks for changes, and says what takes long.
+// Results of the reader and of the watch.
+void FolderCame(Console* c, FolderReading* reading);
+void FolderChanged(Console* c);
+void ShowSilence(int seconds);
+// Says that something is being read.
+void ShowWait(Console* c);
+// What a tick does: says what takes long.
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
@@ -173,7 +168,6 @@ void ShowDocument(Console* c, const char* path);
 
 // --- Places and details (side_panes.cc)
 void FindPlaces(Console* c);
-void TakeUpPlaces(Console* c);
 void DrawPlacesPane(Console* c);
 void AddPlacesHits(Console* c);
 void DrawDetailsPane(Console* c);

@@ -16,6 +16,10 @@ namespace {
 enum Cells { kName, kSize, kModified };
 constexpr Order kOrders[] = {Order::kName, Order::kSize, Order::kTime};
 
+// When it is said that something is being read, and that it does not answer.
+constexpr int kLongMs = 200, kSilentSeconds = 3;
+constexpr uint32_t kTypingMs = 1000;
+
 struct Crumb {
   std::string path, text;
   Area area;
@@ -91,6 +95,12 @@ void DrawHead(const Console* c) {
   DrawHeadText(c);
 }
 
+// The one that is shown does not answer.
+bool FolderIsSilent(const Console* c) {
+  const FolderRequest* w = c->reader.request();
+  return c->silent_s > 0 || (w && w->path == c->folder.path() && c->reading_s >= kSilentSeconds);
+}
+
 std::string SelectedName(const Console* c) {
   return c->files.selected() < 0 ? "" : c->folder.At(c->files.selected()).name;
 }
@@ -100,10 +110,11 @@ std::string SelectedName(const Console* c) {
 void DrawFolderPane(Console* c) {
   static std::string trouble;
   trouble = Shown(c->folder.trouble());
-  c->files.SetEmptyText(!c->folder.known() ? "This folder has not been read yet"
+  c->files.SetEmptyText(!c->folder.known() ? ""
                         : trouble.empty()  ? "This folder is empty"
                                            : trouble.c_str());
   c->files.SetFocused(HasKeyboard(c, FocusStop::kFiles));
+  c->files.SetMuted(FolderIsSilent(c));
   DrawHead(c);
   c->files.Draw(c->hover);
 }
@@ -140,21 +151,17 @@ void DrawFileCell(Console* c, int row, int column, const CellLook& cell) {
 
 namespace {
 
-// What is read this fast is shown at once; well below a frame.
-constexpr int kAtOnceMs = 8;
-constexpr int kWatchTicks = 10, kLongTicks = 2, kSilentTicks = 30, kTypingTicks = 10;
-
 // Whether a request leads elsewhere.
 bool Moves(const FolderRequest& w) {
-  return w.kind != FolderRequest::kAgain && w.kind != FolderRequest::kWatch;
+  return w.kind != FolderRequest::kAgain;
 }
 
 void AskFolder(Console* c, FolderRequest request) {
   if (c->reader.request() && *c->reader.request() == request) return;
   c->reader.Ask(std::move(request));
-  c->reading_ticks = 0;
-  TakeUpFolder(c, kAtOnceMs);
-  if (c->reader.request()) XwTimer(c->window, kShortTickTimer, kShortTickMs);
+  c->reading_s = 0;
+  XwTimer(c->window, kReadingTimer, 0);
+  XwTimer(c->window, kReadingTimer, kLongMs);
 }
 
 void Listed(Console* c, const std::string& select) {
@@ -186,7 +193,7 @@ void Entered(Console* c, FolderReading* r) {
 void NotEntered(Console* c, const FolderReading& r) {
   Tell(c, false, r.request.path + ": " + strerror(r.error));
   if (c->folder.known()) return;
-  if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", "", {}});
+  if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", ""});
   c->folder.Begin("/");
   c->folder.Lose(r.error, {});
   Listed(c, "");
@@ -202,87 +209,88 @@ void ReadAgain(Console* c, FolderReading* r) {
   Listed(c, kept);
 }
 
-// A word for what a recording has to take up here.
-std::string FolderNews(const Console* c) {
-  return c->reader.request()->kind == FolderRequest::kWatch ? "changed"
-                                                            : std::to_string(c->reader.number());
-}
-
-// For how many seconds a look for changes has had no answer, once that is long. How long a look
-// takes is nothing that a replay could repeat, so it is taken up.
-void TakeUpSilence(Console* c) {
-  const FolderRequest* w = c->reader.request();
-  const bool silent = w && w->kind == FolderRequest::kWatch && !c->reader.Done() &&
-                      c->reading_ticks >= kSilentTicks;
-  const int seconds = silent ? c->reading_ticks * kTickMs / 1000 : 0;
-  const std::string news = seconds == c->silent_s ? "" : std::to_string(seconds);
-  if (const char* wanted = XwTakeUp("silence", news.empty() ? nullptr : news.c_str()))
-    c->silent_s = atoi(wanted);
-}
-
 std::string SilenceText(const std::string& path, int seconds) {
   return "No answer for " + std::to_string(seconds) + " s: " + LastName(path);
 }
 
-// What is said of a reading that takes its time.
-std::string ReadingText(const Console* c) {
-  const FolderRequest* w = c->reader.request();
-  if (!w || w->kind == FolderRequest::kWatch)
-    return c->silent_s > 0 ? SilenceText(c->folder.path(), c->silent_s) : "";
-  if (c->reading_ticks < kLongTicks) return "";
-  if (c->reading_ticks >= kSilentTicks)
-    return SilenceText(w->path, c->reading_ticks * kTickMs / 1000);
-  return "Reading " + (w->path == "/" ? "Root" : LastName(w->path)) + "…";
+void ShowReading(Console* c, const std::string& text) {
+  if (text == c->reading_text) return;
+  c->reading_text = text;
+  c->damage |= kFolderPane;
 }
 
 }  // namespace
 
-void TakeUpFolder(Console* c, int wait_ms) {
-  const std::string news = c->reader.WaitFor(wait_ms) ? FolderNews(c) : "";
-  const char* wanted = XwTakeUp("folder", news.empty() ? nullptr : news.c_str());
-  if (!wanted) return;
-  // In a replay the folder may not have changed by itself.
-  if (news != wanted && !strcmp(wanted, "changed"))
-    c->reader.Ask({FolderRequest::kWatch, c->folder.path(), "", kNoStamp});
-  if (!c->reader.WaitFor(kReplayPatienceMs)) return;
-  XwTimer(c->window, kShortTickTimer, 0);
-  const auto reading = c->reader.Take();
+void FolderCame(Console* c, FolderReading* reading) {
+  XwTimer(c->window, kReadingTimer, 0);
+  ShowReading(c, "");
   if (!Moves(reading->request))
-    ReadAgain(c, reading.get());
+    ReadAgain(c, reading);
   else if (reading->error == 0)
-    Entered(c, reading.get());
+    Entered(c, reading);
   else
     NotEntered(c, *reading);
+  if (c->folder.known()) c->watch.Watch(c->folder.path(), c->folder.stamp());
+  DrawConsole(c);
 }
 
+void FolderChanged(Console* c) {
+  RefreshFolder(c);
+  DrawConsole(c);
+}
+
+void ShowWait(Console* c) {
+  XwTimer(c->window, kReadingTimer, 0);
+  const FolderRequest* w = c->reader.request();
+  if (w && Moves(*w) && c->reading_s < kSilentSeconds)
+    ShowReading(c, "Reading " + (w->path == "/" ? "Root" : LastName(w->path)) + "…");
+}
+
+namespace {
+
+// How long the watch takes is nothing that a replay could repeat, so it is a result.
+void TakeSilence(void* data, int taken) {
+  const std::unique_ptr<int> seconds(static_cast<int*>(data));
+  if (taken) ShowSilence(*seconds);
+}
+
+void PostSilence(Console* c) {
+  int seconds = c->watch.SilentSeconds();
+  if (seconds < kSilentSeconds) seconds = 0;
+  if (seconds == c->posted_silent_s) return;
+  c->posted_silent_s = seconds;
+  XwPost("silence", std::to_string(seconds).c_str(), TakeSilence, new int(seconds));
+}
+
+}  // namespace
+
 void WatchFolder(Console* c) {
-  ++c->reading_ticks;
-  TakeUpFolder(c, 0);
-  if (c->ticks % kWatchTicks == 0 && !c->reader.request() && c->folder.known()) {
-    c->reader.Ask({FolderRequest::kWatch, c->folder.path(), "", c->folder.stamp()});
-    c->reading_ticks = 0;
-  }
-  TakeUpSilence(c);
-  const std::string text = ReadingText(c);
-  if (text == c->reading_text) return;
-  c->reading_text = text;
-  c->damage |= kFolderPane;
+  PostSilence(c);
+  const FolderRequest* w = c->reader.request();
+  if (w) ++c->reading_s;
+  if (w && c->reading_s >= kSilentSeconds)
+    ShowReading(c, SilenceText(w->path, c->reading_s));
+  else if (c->silent_s > 0)
+    ShowReading(c, SilenceText(c->folder.path(), c->silent_s));
+  else if (!w)
+    ShowReading(c, "");
 }
 
 void StopReading(Console* c) {
   const FolderRequest* w = c->reader.request();
   if (!w || !Moves(*w) || !c->folder.known()) return;
   c->reader.Drop();
-  XwTimer(c->window, kShortTickTimer, 0);
+  XwTimer(c->window, kReadingTimer, 0);
+  ShowReading(c, "");
 }
 
 void EnterFolder(Console* c, const std::string& path, const std::string& select) {
-  AskFolder(c, {FolderRequest::kEnter, path, select, {}});
+  AskFolder(c, {FolderRequest::kEnter, path, select});
 }
 
 void GoUp(Console* c) {
   const std::string here = c->folder.path();
-  if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here), {}});
+  if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here)});
 }
 
 void OpenSelected(Console* c) {
@@ -308,12 +316,12 @@ void SortBy(Console* c, int column) {
 // What is being entered is read just now.
 void RefreshFolder(Console* c) {
   if (c->reader.request() && Moves(*c->reader.request())) return;
-  AskFolder(c, {FolderRequest::kAgain, c->folder.path(), "", {}});
+  AskFolder(c, {FolderRequest::kAgain, c->folder.path(), ""});
 }
 
 void FindLetter(Console* c, int character) {
-  if (c->ticks - c->typed_at > kTypingTicks) c->typed.clear();
-  c->typed_at = c->ticks;
+  if (Inp.time - c->typed_at > kTypingMs) c->typed.clear();
+  c->typed_at = Inp.time;
   c->typed += char(tolower(character));
   // The same letter again and again goes through the names that begin with it.
   const bool steps = c->typed.find_first_not_of(c->typed[0]) == std::string::npos;
@@ -339,7 +347,7 @@ void ShowDocument(Console* c, const char* path) {
   if (!path || path[0] != '/') return;
   std::string document = path;
   while (document.size() > 1 && document.back() == '/') document.pop_back();
-  AskFolder(c, {FolderRequest::kDocument, document, "", {}});
+  AskFolder(c, {FolderRequest::kDocument, document, ""});
 }
 
 }  // namespace console

@@ -1,6 +1,4 @@
 // Left: places to go. Right: what is selected, and the printer that it would go to.
-#include <sys/stat.h>
-
 #include <ctime>
 
 #include "app/format/texts.h"
@@ -16,11 +14,6 @@ constexpr int kFactName = 64, kNextLine = 16;
 Area PlaceArea(const Console* c, int i) {
   const Area a = c->layout.places;
   return {a.x + 4, a.y + kCaption + i * kPlaceHeight, a.w - 9, kPlaceHeight - 1};
-}
-
-bool IsFolder(const Place& place) {
-  struct stat s {};
-  return stat(place.path.c_str(), &s) == 0 && S_ISDIR(s.st_mode);
 }
 
 // The place that the folder lies deepest in, -1 none. Everything lies in the root: that says
@@ -152,25 +145,15 @@ void DrawPrinter(const Console* c, Area a) {
 
 // Those that everyone has come first, and are not looked for.
 void FindPlaces(Console* c) {
-  const std::vector<Place> always = {{"Root", "/"}, {"Home", OS_GetPathName(OS_FOLDER_HOME)}};
-  const std::vector<Place> others = {{"Desktop", OS_GetPathName(OS_FOLDER_DESKTOP)},
-                                     {"Documents", OS_GetPathName(OS_FOLDER_DOCUMENTS)},
-                                     {"Shared", OS_GetPathName(OS_FOLDER_SHARED)}};
-  c->places = always;
-  auto found = std::make_shared<std::vector<Place>>(always);
-  c->finder.found = found;
-  c->finder.task = BackgroundTask([found, others] {
-    for (const Place& place : others)
-      if (IsFolder(place)) found->push_back(place);
-  });
-}
-
-void TakeUpPlaces(Console* c) {
-  if (!c->finder.found) return;
-  if (!XwTakeUp("places", c->finder.task.Done() ? "found" : nullptr)) return;
-  if (c->finder.task.WaitFor(kReplayPatienceMs)) c->places = *c->finder.found;
-  c->finder = {};
-  c->damage |= kPlacesPane;
+  c->places = {{"Root", "/"}, {"Home", OS_GetPathName(OS_FOLDER_HOME)}};
+  c->finder.Find({{"Desktop", OS_GetPathName(OS_FOLDER_DESKTOP)},
+                  {"Documents", OS_GetPathName(OS_FOLDER_DOCUMENTS)},
+                  {"Shared", OS_GetPathName(OS_FOLDER_SHARED)}},
+                 [c](const std::vector<Place>& found) {
+                   c->places.insert(c->places.end(), found.begin(), found.end());
+                   c->damage |= kPlacesPane;
+                   DrawConsole(c);
+                 });
 }
 
 void DrawPlacesPane(Console* c) {

@@ -92,8 +92,8 @@ std::string ServerText(const Console* c) {
     case Link::kAway:
       break;
   }
-  const int left = std::max(0, s.retry_ms - c->state_ticks * kTickMs);
-  return s.trouble + ", next try in " + std::to_string((left + 999) / 1000) + " s";
+  const int left = std::max(0, s.retry_ms / 1000 - c->away_s);
+  return s.trouble + ", next try in " + std::to_string(left) + " s";
 }
 
 void DrawStatusPane(Console* c) {
@@ -110,7 +110,7 @@ void DrawStatusPane(Console* c) {
   const int taken = t ? DrawSending(c, *t) : 12;
   Area middle{server.right() + 12, a.y + 1, 0, a.h - 1};
   middle.w = a.right() - taken - middle.x;
-  if (c->message_ticks > 0)
+  if (c->message_s > 0)
     DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(c->message.text),
               c->message.good ? l.second : l.bad);
   else

@@ -4,17 +4,21 @@
 #include <sys/statvfs.h>
 
 #include <cerrno>
+#include <mutex>
+
+#include "toolkit/xw.h"
 
 namespace console {
-namespace {
-
-constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_ALL_FOLDERS;
 
 FolderStamp StampOf(const std::string& path) {
   struct stat s {};
   if (stat(path.c_str(), &s) != 0) return {};
   return {s.st_mtim.tv_sec, s.st_mtim.tv_nsec};
 }
+
+namespace {
+
+constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_ALL_FOLDERS;
 
 // 0, or the error.
 int List(const std::string& path, FolderListing* out) {
@@ -47,11 +51,6 @@ int ListAroundDocument(FolderReading* r) {
 void ReadFolder(FolderReading* r) {
   const FolderRequest& w = r->request;
   r->select = w.select;
-  if (w.kind == FolderRequest::kWatch && StampOf(w.path) == w.since) {
-    r->changed = false;
-    r->error = 0;
-    return;
-  }
   r->error = w.kind == FolderRequest::kUp         ? ListUpwards(w.path, r)
              : w.kind == FolderRequest::kDocument ? ListAroundDocument(r)
                                                   : List(w.path, &r->listing);
@@ -65,31 +64,57 @@ void ReadFolder(FolderReading* r) {
 
 FolderReader::Read FolderReader::read = ReadFolder;
 
+// One that is being read. The task and the main thread share it.
+struct FolderReader::Waiting {
+  std::string number;
+  FolderReading reading;
+  std::mutex lock;                 // of `reader` while the task runs
+  FolderReader* reader = nullptr;  // null once nobody waits for it
+};
+
+// Under the lock, so that one that has been dropped never takes the place of a later one.
+void FolderReader::Post(const std::shared_ptr<Waiting>& waiting) {
+  const std::lock_guard<std::mutex> guard(waiting->lock);
+  if (!waiting->reader) return;
+  XwPost("folder", waiting->number.c_str(), Take, new std::shared_ptr<Waiting>(waiting));
+}
+
+void FolderReader::Take(void* data, int taken) {
+  const std::unique_ptr<std::shared_ptr<Waiting>> posted(
+      static_cast<std::shared_ptr<Waiting>*>(data));
+  Waiting& w = **posted;
+  FolderReader* reader = w.reader;
+  if (!taken || !reader || reader->waiting_ != *posted) return;
+  reader->Drop();
+  reader->show_(&w.reading);
+}
+
 void FolderReader::Ask(FolderRequest request) {
-  if (request.kind != FolderRequest::kWatch) ++number_;
-  auto reading = std::make_shared<FolderReading>();
-  reading->request = std::move(request);
-  reading->error = EAGAIN;  // where no thread can be had
-  reading_ = reading;
-  task_ = BackgroundTask([reading, how = read] { how(reading.get()); });
+  Drop();
+  auto waiting = std::make_shared<Waiting>();
+  waiting->number = std::to_string(++number_);
+  waiting->reading.request = std::move(request);
+  waiting->reading.error = EAGAIN;  // where no thread can be had
+  waiting->reader = this;
+  waiting_ = waiting;
+  task_ = BackgroundTask([waiting, how = read] {
+    how(&waiting->reading);
+    Post(waiting);
+  });
+  if (task_.failed()) Post(waiting);
 }
 
 void FolderReader::Drop() {
+  if (waiting_) {
+    const std::lock_guard<std::mutex> guard(waiting_->lock);
+    waiting_->reader = nullptr;
+  }
   task_.Drop();
-  reading_.reset();
+  waiting_.reset();
 }
 
-bool FolderReader::WaitFor(int ms) {
-  if (!task_.WaitFor(ms)) return false;
-  if (reading_->changed) return true;
-  Drop();
-  return false;
-}
-
-std::shared_ptr<FolderReading> FolderReader::Take() {
-  auto reading = std::move(reading_);
-  Drop();
-  return reading;
+const FolderRequest* FolderReader::request() const {
+  return waiting_ ? &waiting_->reading.request : nullptr;
 }
 
 }  // namespace console

@@ -52,7 +52,8 @@ struct Window {
   // --- Pixels: menu bar and content together.
   Surface surface;
   bool needs_draw = false;
-  Region lost;  // content that a redraw was asked for, logical
+  bool recolor = false;  // its background has changed and is still to be painted
+  Region lost;           // content that a redraw was asked for, logical
   double draw_since = 0;
   CursorRef cursor = nullptr;
   // --- The controls in it; null while there are none.

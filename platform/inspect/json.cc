@@ -1,7 +1,6 @@
 #include "platform/inspect/json.h"
 
 #include <charconv>
-#include <cmath>
 
 #include "platform/text/utf8.h"
 
@@ -86,10 +85,10 @@ class Reader {
   }
   bool Number(double* out) {
     const size_t length = NumberLength();
-    const char* end = left_.data() + length;
-    if (length == 0 || std::from_chars(left_.data(), end, *out).ptr != end) return false;
+    if (length == 0) return false;
+    const auto [end, fault] = std::from_chars(left_.data(), left_.data() + length, *out);
     left_.remove_prefix(length);
-    return std::isfinite(*out);
+    return fault == std::errc();
   }
 
   bool Hex(uint32_t* out) {

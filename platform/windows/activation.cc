@@ -37,7 +37,8 @@ bool AnswersRequest(WindowRef w) {
   return own;
 }
 
-// The background of an inactive window is lighter, so all of it is drawn again.
+// The background of an inactive window is lighter, so all of it is drawn again, unless it becomes
+// again what it was before that has happened.
 void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
   uint32_t before = WindowBackground(w);
@@ -45,7 +46,7 @@ void SetActive(WindowRef w, bool active) {
   NoticeChange(w->object.serial, Change::kState);
   ShowBackdrop(w);
   if (w->visible && w->brush && WindowBackground(w) != before)
-    InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+    w->recolor = !w->recolor;
   Event e(kEventClassWindow, active ? kEventWindowActivated : kEventWindowDeactivated, w);
   SendEventToEventTarget(&e, &w->object.target);
 }

@@ -77,7 +77,22 @@ static void PresentWindow(WindowRef w) {
   CurrentDisplay()->present(w, rects.data(), int(rects.size()));
 }
 
+static bool (*recoloring_waits)(const Window* w);
+
+void SetRecoloringWaits(bool (*waits)(const Window* w)) {
+  recoloring_waits = waits;
+}
+
+static void RecolorWindows() {
+  for (WindowRef w : WindowList()) {
+    if (!w->recolor || (recoloring_waits && recoloring_waits(w))) continue;
+    w->recolor = false;
+    InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, true);
+  }
+}
+
 static WindowRef NextToDraw(double asked_before) {
+  RecolorWindows();
   WindowRef found = nullptr;
   for (WindowRef w : WindowList())
     if (w->needs_draw && w->visible && w->draw_since <= asked_before &&

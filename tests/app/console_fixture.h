@@ -101,10 +101,7 @@ class ConsoleTest : public testing::Test {
   Area FileRow(const char* name) { return c_->files.RowArea(c_->folder.Find(name)); }
   // Until what was asked for has been read.
   bool HasRead() {
-    return Until([&] {
-      const FolderRequest* w = c_->reader.request();
-      return !w || w->kind == FolderRequest::kWatch;
-    });
+    return Until([&] { return !c_->reader.request(); });
   }
   void Enter(const std::string& path, const std::string& select = "") {
     EnterFolder(c_, path, select);

@@ -271,6 +271,7 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
   };
   const auto before = line();
   Tell(c_, false, "Something went wrong, and this line says what");
+  DrawConsole(c_);
   Turn(10);
   EXPECT_NE(line(), before);
   Turn(330);
@@ -372,6 +373,7 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
 
   // The list does not change while it has the keyboard.
   SetFocusStop(c_, FocusStop::kPrinter);
+  ASSERT_TRUE(Until([&] { return XwGetFocus(c_->window) == c_->tools.printer(); }));
   auto others = std::make_shared<std::vector<NC_Printer>>(*c_->state.printers);
   others->erase(others->begin() + 1);
   c_->state.printers = others;

@@ -40,29 +40,6 @@ class SendingTest : public ConsoleTest {
   scripted::Server server_{address_, false};
 };
 
-// What the worker publishes between the words and the taking up comes with the next words: else a
-// recording's words would tell of another state than was shown.
-class ServerNews : public testing::TestWithParam<bool> {};
-
-TEST_P(ServerNews, IsWhatIsTakenUp) {
-  const bool replayed = GetParam();
-  Server server("127.0.0.1", replayed);
-  if (replayed) server.StopKeeping();
-  std::string news;
-  while ((news = server.News()).empty()) usleep(1000);
-  PrintOrder order;
-  order.path = order.document = "/nowhere";
-  server.Send(order);
-  ServerState state;
-  server.TakeUp(news, &state);
-  EXPECT_TRUE(state.transfers.empty());
-  const std::string next = server.News();
-  EXPECT_FALSE(next.empty());
-  server.TakeUp(next, &state);
-  EXPECT_EQ(state.transfers.size(), 1u);
-}
-INSTANTIATE_TEST_SUITE_P(AfterAReplay, ServerNews, testing::Bool());
-
 // The selection goes from the sending to its job, also where the list of jobs comes later, and the
 // first click on a button counts.
 class SelectionTest : public SendingTest, public testing::WithParamInterface<const char*> {};

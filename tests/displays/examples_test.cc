@@ -1,8 +1,6 @@
 // The examples as a user starts them: their picture on the headless display is the reference, and
 // the real window on X, under a window manager, shows the same.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "tests/displays/program.h"
 #include "tests/displays/window_picture.h"
 #include "tests/os/scratch.h"
 
@@ -65,6 +64,10 @@ const Example kExamples[] = {
      {{"keyboard", "key 65289 key 65289 key 32"},
       {"changed", "click 210 20 key 65364 key 65293 click 470 20 click 566 20 press 84 20"},
       {"inactive", "unfocus"}}},
+    {"09-alert",
+     "Alert",
+     {{"keyboard", "key 65289 key 65289 key 32 in 2 key 65289 key 65289 key 65293 in 1"},
+      {"escaped", "click 60 30 in 2 key 65307 in 1"}}},
     {"10-clock", "Clock", {}, "10:08:36"},
 };
 
@@ -72,14 +75,15 @@ void PrintTo(const Example& e, std::ostream* out) {
   *out << e.name;
 }
 
-// The steps as a recording, a twentieth of a second apart.
+// The steps as a recording, a twentieth of a second apart. "in 2": keys go to the second window.
 void WriteRecording(const char* steps, const std::string& file) {
   std::ofstream out(file);
   out << "xw-record 1\n0.1 focus w1\n";
   std::istringstream lines(steps);
   double time = 0.1;
+  int window = 1;
   auto line = [&](const char* kind) -> std::ofstream& {
-    out << (time += 0.05) << ' ' << kind << " w1";
+    out << (time += 0.05) << ' ' << kind << " w" << window;
     return out;
   };
   auto pointer = [&](const char* kind, int x, int y) {
@@ -91,7 +95,9 @@ void WriteRecording(const char* steps, const std::string& file) {
   while (lines >> step) {
     int a = 0, b = 0;
     if (step != "unfocus") lines >> a;
-    if (step == "click" || step == "press") {
+    if (step == "in") {
+      window = a;
+    } else if (step == "click" || step == "press") {
       lines >> b;
       pointer("motion", a, b);
       pointer("press", a, b);
@@ -107,35 +113,6 @@ void WriteRecording(const char* steps, const std::string& file) {
   pointer("motion", 1, 1);
 }
 
-// A running example, ended as a session ends it.
-class Program {
- public:
-  explicit Program(const Example& example) {
-    pid_ = fork();
-    if (pid_ != 0) return;
-    std::string path = std::string(EXAMPLES) + "/" + example.name;
-    execl(path.c_str(), example.name, example.argument, nullptr);
-    _exit(127);
-  }
-  ~Program() {
-    if (pid_ > 0) End();
-  }
-  // The exit status; -1 when it did not exit by itself.
-  int End() {
-    kill(pid_, SIGTERM);
-    return Wait();
-  }
-  int Wait() {
-    int status = 0;
-    waitpid(pid_, &status, 0);
-    pid_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  pid_t pid_;
-};
-
 // Of the program at rest; with a recording, at its end.
 Picture OnHeadless(const Example& example, const std::string& folder, const char* scale) {
   std::string file = folder + "/" + example.name + ".png";
@@ -143,7 +120,7 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   setenv("XW_DISPLAY", "headless", 1);
   setenv("XW_SNAPSHOT", file.c_str(), 1);
   setenv("XW_SCALE", scale, 1);
-  Program program(example);
+  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument);
   Picture picture;
   const bool ends_by_itself = getenv("XW_REPLAY");
   if (!ends_by_itself) support::Eventually([&] { return testkit::LoadPng(file, &picture); });
@@ -160,7 +137,7 @@ Picture OnX(const Example& example, const Picture& wanted) {
   support::XServer server({"-screen", "0", "1280x1024x24"});
   EXPECT_TRUE(server.running() && server.StartManager("openbox"));
   support::XUser user;
-  Program program(example);
+  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument);
   xcb_window_t window = user.Find(example.title);
   Picture seen;
   if (!window) return seen;

@@ -373,6 +373,26 @@ void Toolbars() {
   }
 }
 
+// Escape answers each.
+void Alerts() {
+  input::SetIdleHandler([] {
+    input::KeyDown(0xFF1B);
+    input::KeyUp(0xFF1B);
+    return true;
+  });
+  for (int i = 0; i < 40; ++i) {
+    Inp.root_x = Hostile<int32_t>();
+    Inp.root_y = Hostile<int32_t>();
+    auto ask = rng() % 2 ? XwConfirm : XwConfirmUtf8;
+    const char* first = Hostile<const char*>();
+    EXPECT_EQ(ask(Hostile<const char*>(), Hostile<const char*>(), Hostile<const char*>(),
+                  first ? first : "", Hostile<const char*>(), nullptr),
+              1);
+    Repair();
+  }
+  Quiet();
+}
+
 void Posts() {
   const char* const texts[] = {nullptr, "", "state", "two words\n", "\xFF\x01", " "};
   static int posted, ended;
@@ -460,6 +480,9 @@ const struct {
     {"XwLabel", Nothing},
     {"XwCreateDialogItems", Nothing},
     {"XwSetIconOutline", Outlines},
+    {"XwConfirm", Alerts},
+    {"XwConfirmUtf8", Nothing},
+    {"GetApplicationBundleFSSpec", Nothing},
     {"XwSetToolbar", Toolbars},  // and all others of toolbars
     {"XwShowToolbar", Nothing},
     {"XwSetToolbarItem", Nothing},

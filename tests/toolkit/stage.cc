@@ -108,6 +108,10 @@ void RunFor(double seconds, XwWindow* modal) {
   platform::RemoveEventLoopTimer(timer);
 }
 
+void Quiet() {
+  input::SetIdleHandler(Idle);
+}
+
 void Settle() {
   RunLoop();
   seen.clear();

@@ -34,6 +34,8 @@ extern void (*on_event)(int type);
 int RunLoop(XwWindow* modal = nullptr);
 // Runs the loop for this long.
 void RunFor(double seconds, XwWindow* modal = nullptr);
+// Runs end again when nothing is left to do, after another handler for that was set.
+void Quiet();
 // Run, and forget what was seen.
 void Settle();
 

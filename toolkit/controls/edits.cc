@@ -1,10 +1,10 @@
 #include "toolkit/controls/edits.h"
 
 #include <cstdlib>
-#include <map>
 
 #include "platform/controls/edit_text.h"
 #include "platform/events/key_characters.h"
+#include "toolkit/controls/dropped.h"
 #include "toolkit/controls/framework.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
@@ -66,33 +66,6 @@ void LeaveBox(XwWindow* box, XwWindow* next) {
 
 // What an edit field waits for; the rest is dropped.
 constexpr int kDropsField = XWE_PRESS + 1;
-
-// What was dropped and must not be lost: redraws, and requests of the desktop.
-class Dropped {
- public:
-  void Add(const XwEvent& e) {
-    const bool drawing = e.type == XWE_CONFIGURE || e.type == XWE_EXPOSE;
-    if (drawing)
-      redraws_[{e.window, e.type}] = e;
-    else if (e.type == XWE_QUIT || e.type == XWE_PREFERENCES || e.type == XWE_OPEN)
-      requests_[e.type] = e;
-  }
-  void PostAgain() const {
-    const XwEvent current = Inp;
-    for (const auto& [key, e] : redraws_) Send(e);
-    for (const auto& [type, e] : requests_) Send(e);
-    Inp = current;
-  }
-
- private:
-  static void Send(const XwEvent& e) {
-    if (!IsLive(e.window)) return;
-    Inp = e;
-    XwSendEvent(e.window, e.type, e.item, e.value, e.param);
-  }
-  std::map<std::pair<XwWindow*, int>, XwEvent> redraws_;
-  std::map<int, XwEvent> requests_;
-};
 
 }  // namespace
 

@@ -124,6 +124,13 @@ bool ModalKeepsOut(XwWindow* w) {
   return m && m->KeepsOut(w);
 }
 
+bool ModalKeepsOutNative(const Window* native) {
+  if (!state.innermost_wait) return false;
+  for (XwWindow* w = W_Start; w; w = w->next)
+    if (w->platform == native) return ModalKeepsOut(w);
+  return false;
+}
+
 void XwRunEventLoop() {
   for (;;) XwWaitEvent(nullptr);
 }

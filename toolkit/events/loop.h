@@ -1,8 +1,11 @@
 // Waiting for events and handing them to the windows that they are addressed to.
 #pragma once
+#include "platform/base.h"
 #include "toolkit/xw.h"
 
 // The innermost wait under way keeps events of this window from its handlers.
 bool WaitKeepsOut(XwWindow* w);
 // The same of a wait for another window; a wait that dispatches nothing does not count.
 bool ModalKeepsOut(XwWindow* w);
+// The same of the platform's window. While an alert is open the others keep what they show.
+bool ModalKeepsOutNative(const platform::Window* native);

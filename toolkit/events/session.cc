@@ -22,6 +22,7 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/describe.h"
 #include "toolkit/events/install.h"
+#include "toolkit/events/loop.h"
 #include "toolkit/windows/described.h"
 #include "toolkit/windows/menus.h"
 
@@ -97,6 +98,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   ReopenFonts();
   LoadStandardFonts();
   InstallEventHandlers(nullptr);
+  SetRecoloringWaits(ModalKeepsOutNative);
   DescribeWindows();
   ClearMenuBar();
   DrawMenuBar();

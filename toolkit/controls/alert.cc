@@ -1,0 +1,162 @@
+// The alert: a small modal window with a picture, one line and a row of buttons.
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <string>
+#include <vector>
+
+#include "platform/text/mac_roman.h"
+#include "platform/text/utf8.h"
+#include "toolkit/controls/alert_art.h"
+#include "toolkit/controls/dropped.h"
+#include "toolkit/core/alive.h"
+#include "toolkit/target/selection.h"
+
+using namespace platform;
+
+namespace {
+
+constexpr int kAlertStyle = -250;
+constexpr int kLeastWidth = 410, kHeight = 100, kAbovePointer = 50;
+constexpr int kMessageLeft = 100, kMessageTop = 25, kBesideMessage = 110;
+constexpr int kButtonWidth = 100, kButtonStep = 105, kButtonHeight = 24, kButtonsUp = 30;
+constexpr int kFirstButton = 10001;
+constexpr Rect kLarge{10, 5, 74, 69}, kBadge{58, 53, 90, 85};
+
+// In UTF-8.
+struct Alert {
+  AlertPicture large = AlertPicture::kStop, badge = AlertPicture::kApplication;
+  std::string message;
+  std::vector<std::string> labels;
+  XwWindow* window = nullptr;
+  XwWindow* first = nullptr;
+};
+
+void ChoosePictures(const char* kind, Alert* a) {
+  const char c = kind ? *kind : 0;
+  if (c == '?') a->large = AlertPicture::kNote;
+  if (c != 'i') return;
+  a->large = AlertPicture::kApplication;
+  a->badge = AlertPicture::kNone;
+}
+
+// No wider than the screen, where the buttons leave a choice: the message is shortened then.
+int WidthOf(Alert* a) {
+  const int buttons = std::max(kLeastWidth, kButtonStep * (int(a->labels.size()) + 1));
+  const int message = XwTextWidthUtf8(FT_ALERT, a->message.c_str());
+  const int room = std::max(buttons, XW_SCREENX);
+  if (message <= room - kBesideMessage) return std::max(buttons, message + kBesideMessage);
+  std::vector<char> fitted(a->message.size() + 4);
+  XwTextFitUtf8(FT_ALERT, a->message.c_str(), room - kBesideMessage, fitted.data(),
+                int(fitted.size()));
+  a->message = fitted.data();
+  return room;
+}
+
+bool Open(Alert* a) {
+  const int width = WidthOf(a);
+  XwWindow* w = a->window = XwCreate(kAlertStyle, Inp.root_x - width / 2,
+                                     Inp.root_y - kAbovePointer, width, kHeight, nullptr);
+  if (!w) return false;
+  XwSetText(w, SessionTitle);
+  const int n = int(a->labels.size());
+  for (int i = 0; i < n; ++i) {
+    XwWindow* button =
+        XwButton(w, "", kFirstButton + i, w->width - kButtonStep * (n - i), w->height - kButtonsUp,
+                 kButtonWidth, kButtonHeight, XWC_ENABLED | XWC_VISIBLE, 1);
+    XwSetTextUtf8(button, a->labels[size_t(i)].c_str());
+    if (i == 0) a->first = button;
+  }
+  XwShow(w, 1);
+  XwFocusControl(a->first);
+  XwSetDefaultButtons(w, nullptr, a->first);
+  return true;
+}
+
+void Draw(const Alert& a) {
+  XwPush(a.window);
+  XwClear(0, 0, 0, 0);
+  DrawAlertPicture(TargetContext(), a.large, kLarge);
+  DrawAlertPicture(TargetContext(), a.badge, kBadge);
+  XwDrawTextUtf8(FT_ALERT, XWC_LEFT, kMessageLeft, kMessageTop, 0, 0, a.message.c_str(), 0, -1);
+  // Those who cannot see it read the message as a label.
+  XwBoxList(3, 0, 0, 0, 0);
+  XwBoxList(1, kMessageLeft, kMessageTop, a.window->width - kBesideMessage,
+            FT_ALERT->ascent + FT_ALERT->descent);
+  XwDescribe(-1, XWA_LABEL, 0, a.message.c_str(), nullptr);
+  XwBoxList(4, 0, 0, 0, 0);
+  XwPop();
+}
+
+int Run(Alert* a) {
+  if (!Open(a)) return 0;
+  const uint64_t serial = a->window->serial;
+  Dropped dropped;
+  int pressed = 0;
+  while (IsLive(a->window) && a->window->serial == serial) {
+    const int type = XwWaitEvent(a->window);
+    if (Inp.window != a->window) {
+      dropped.Add(Inp);
+    } else if (type == XWE_EXPOSE) {
+      Draw(*a);
+    } else if (type == XWE_CONTROL) {
+      pressed = Inp.item - (kFirstButton - 1);
+      XwDestroy(a->window);
+      break;
+    }
+  }
+  // The caller's loop does not see the press once more.
+  Inp.type = XWE_NONE;
+  dropped.PostAgain();
+  return pressed;
+}
+
+int Confirm(Alert* a, const char* kind) {
+  ChoosePictures(kind, a);
+  XwWindow* focus = Inp.focus;
+  const uint64_t serial = IsLive(focus) ? focus->serial : 0;
+  XwPush(nullptr);
+  const int pressed = Run(a);
+  XwPop();
+  // Keys go where they went before.
+  if (!Inp.focus && serial && IsLive(focus) && focus->serial == serial) Inp.focus = focus;
+  return pressed;
+}
+
+std::vector<std::string> Labels(va_list labels) {
+  std::vector<std::string> texts;
+  while (const char* label = va_arg(labels, const char*)) texts.push_back(label);
+  return texts;
+}
+
+}  // namespace
+
+int XwConfirm(const char* kind, const char*, const char* message, ...) {
+  Alert a;
+  a.message = MacRomanToUtf8(message ? message : "");
+  va_list labels;
+  va_start(labels, message);
+  for (const std::string& label : Labels(labels)) a.labels.push_back(MacRomanToUtf8(label.c_str()));
+  va_end(labels);
+  return Confirm(&a, kind);
+}
+
+int XwConfirmUtf8(const char* kind, const char*, const char* message, ...) {
+  Alert a;
+  a.message = ValidUtf8(message ? message : "");
+  va_list labels;
+  va_start(labels, message);
+  a.labels = Labels(labels);
+  va_end(labels);
+  return Confirm(&a, kind);
+}
+
+int GetApplicationBundleFSSpec(FSSpec* spec) {
+  constexpr int kFileNotFound = -43;
+  if (!spec) return kFileNotFound;
+  const ssize_t length = readlink("/proc/self/exe", spec->path, sizeof spec->path);
+  const bool whole = length > 0 && size_t(length) < sizeof spec->path;
+  spec->path[whole ? length : 0] = 0;
+  return whole ? 0 : kFileNotFound;
+}
