@@ -369,7 +369,7 @@ void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
 uint32_t Modifiers(uint32_t state);
 
-// --- pointer.cc, tablet.cc
+// --- pointer.cc, devices.cc
 void OpenPointer();
 void ClosePointer();
 void SelectPointer(const Native& n);
