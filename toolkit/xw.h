@@ -417,6 +417,16 @@ void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
  * ignored. */
 void XwSetProgramIcon(const uint32_t* argb, int size);
 
+/* Device pixels per logical pixel where the window shows, at most 8; null: of the main screen. When
+ * it changes, the window is drawn again (769). */
+double XwGetScale(XwWindow* window);
+
+/* A line about a window or control (position 0), or about a box of its present list by its
+ * position: a small window below it, once the pointer has rested on it for half a second, until it
+ * leaves or the user presses, types or scrolls. UTF-8, copied; null or "" takes it away. The tips
+ * of boxes go with the list: set them as the list is made. */
+void XwSetTip(XwWindow* window, int position, const char* utf8);
+
 /* ==== Controls ==================================================================================
  *
  * A control is a record in a top-level window or a sub-window, of an XWK_ kind. It draws itself,
@@ -950,6 +960,10 @@ void XwFreeImage(uint8_t* image);
 void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* image);
 /* The same for w x h pixels anywhere. They stay the caller's, and may be freed afterwards. */
 void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels);
+/* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device shows
+ * the one that lies nearest. So a picture with as many pixels as the rectangle has on the device
+ * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1 draw nothing. */
+void XwPutImageScaled(int x, int y, int w, int h, const uint8_t* pixels, int width, int height);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -58,6 +58,8 @@ void SetWindowSizeLimits(WindowRef w, const SizeLimits& limits);
 Rect GetWindowBounds(WindowRef w, int region);
 // Content rectangle only. Handlers see kEventWindowBoundsChanged with `programmatic` at once.
 void SetWindowBounds(WindowRef w, const Rect& content);
+// Device pixels per logical pixel of the window; null: of the main screen.
+double WindowScale(WindowRef w);
 // The structure rectangle moved (never resized) so that it lies on the screen.
 Rect ConstrainWindowToScreen(WindowRef w);
 void MoveWindowStructure(WindowRef w, int left, int top);

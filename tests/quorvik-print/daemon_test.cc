@@ -15,7 +15,7 @@ namespace {
 class Cli : public ::testing::Test {
  protected:
   Outcome Run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), QUORVIK_PRINT);
+    arguments.insert(arguments.begin(), {"/usr/bin/env", "-C", daemon_.folder(), QUORVIK_PRINT});
     return RunProgram(arguments, {"QUORVIK_SERVER=" + std::string(daemon_.host())});
   }
   Daemon daemon_;
@@ -34,6 +34,8 @@ TEST_F(Cli, ListsAndGamut) {
   const std::string output = daemon_.folder() + "/got.icc";
   EXPECT_EQ(Run({"gamut", "g.icc", "--output", output}).code, 0);
   EXPECT_EQ(ReadWhole(output), "gamut");
+  EXPECT_EQ(Run({"gamut", "g.icc"}).code, 0);  // beside it, under its own name
+  EXPECT_EQ(ReadWhole(daemon_.folder() + "/g.icc"), "gamut");
   EXPECT_EQ(Run({"gamut", "none", "--output", output}).code, 1);
   EXPECT_EQ(Run({"gamut", "g.icc", "--folder", "none", "--output", output}).code, 1);
   EXPECT_EQ(ReadWhole(output), "gamut");

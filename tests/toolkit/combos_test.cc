@@ -179,7 +179,9 @@ TEST(Combos, TwoItemsTakeTurns) {
   EXPECT_EQ(s.What().value, "Draft");
   XwFocusControl(s.combo);
   EXPECT_EQ(Key(' ', ' '), "7=1");
-  EXPECT_EQ(Key(kDown, 0), "7=0");
+  input::KeyDown(kDown);
+  input::KeyDown(kDown);
+  EXPECT_EQ(Key(kDown, 0), "7=0") << "its repeats press nothing";
   XwEnable(s.combo, 0);
   EXPECT_EQ(ClickAt(150, 135), "");
   EXPECT_EQ(XwGetValue(s.combo), 0);
