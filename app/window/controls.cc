@@ -89,7 +89,9 @@ void UpdateControls(Console* c) {
 void UseEditBox(Console* c, int type, int id, bool gained) {
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
-  if (type == XWE_EDIT_SELECT && gained) return SetFocusStop(c, stop);
+  // The report that a box has got the keyboard may wait behind its first keys.
+  if (XwGetFocus(c->window) == ControlAt(c, stop)) SetFocusStop(c, stop);
+  if (type == XWE_EDIT_SELECT && gained) return;
   if (filter && type == XWE_EDIT_CHANGED) {
     char text[1024];
     XwGetTextUtf8(c->filter, text, sizeof text);
