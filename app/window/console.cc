@@ -13,6 +13,8 @@ namespace {
 
 constexpr int kFirstWidth = 1200, kFirstHeight = 756;
 constexpr int kTickMs = 1000, kProgressMs = 100;
+// Drawing the program's icons takes longer than the first picture, which they are not to hold up.
+constexpr int kIconMs = 60;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
 constexpr int kLastWaitMs = 50;
@@ -297,6 +299,10 @@ void OnTimer(Console* c, int timer) {
   if (timer == kTickTimer) Tick(c);
   if (timer == kReadingTimer) ShowWait(c);
   if (timer == kProgressTimer) ShowProgress(c);
+  if (timer == kIconTimer) {
+    XwTimer(c->window, kIconTimer, 0);
+    SetUpProgramIcon();
+  }
   if (MayLeaveNow(c)) Quit(c);
 }
 
@@ -402,10 +408,10 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
-  SetUpProgramIcon();
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
+  XwTimer(w, kIconTimer, kIconMs);
   c->files.folder.Begin(start);
   FindPlaces(c);
   EnterFolder(c, start, "");

@@ -88,7 +88,7 @@ struct Console {
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
