@@ -219,14 +219,8 @@ void XwBeep(void);
  * has passed by unseen in the replay is left out: one that comes later in the recording is there
  * instead, or the state before it holds still when it has taken longer than it did. */
 void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data);
-/* Record and replay. XW_RECORD=file keeps a session's raw input as lines of text, XW_REPLAY=file
- * plays it back, without the user. What comes from elsewhere, such as a worker's result, is not in
- * the file; so that it is taken up at the same place again, a program asks here each time it looks
- * for one. `what` is one word, `detail` one line that tells this result from others; null when none
- * has come. The result is null: nothing is to be taken up now. Otherwise it is the detail of what
- * must be: `detail` itself, or, when replaying, that of the recording (in a static buffer), and the
- * program waits until it has this one. */
-const char* XwTakeUp(const char* what, const char* detail);
+/* Record and replay. XW_RECORD=file keeps a session's raw input, and where it took results, as
+ * lines of text; XW_REPLAY=file plays it back, without the user. */
 /* 1 while a recording is played back. */
 int XwReplaying(void);
 
@@ -416,6 +410,16 @@ void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
  * 32, 48 and 128 are common), copied; null takes that size away. Sizes outside 1 to 256 are
  * ignored. */
 void XwSetProgramIcon(const uint32_t* argb, int size);
+
+/* Device pixels per logical pixel where the window shows, at most 8; null: of the main screen. When
+ * it changes, the window is drawn again (769). */
+double XwGetScale(XwWindow* window);
+
+/* A line about a window or control (position 0), or about a box of its present list by its
+ * position: a small window below it, once the pointer has rested on it for half a second, until it
+ * leaves or the user presses, types or scrolls. UTF-8, copied; null or "" takes it away. The tips
+ * of boxes go with the list: set them as the list is made. */
+void XwSetTip(XwWindow* window, int position, const char* utf8);
 
 /* ==== Controls ==================================================================================
  *
@@ -950,6 +954,10 @@ void XwFreeImage(uint8_t* image);
 void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* image);
 /* The same for w x h pixels anywhere. They stay the caller's, and may be freed afterwards. */
 void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels);
+/* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device has
+ * the one that is nearest. So a picture with as many pixels as the rectangle has on the device
+ * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1 draw nothing. */
+void XwPutImageScaled(int x, int y, int w, int h, const uint8_t* pixels, int width, int height);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -10,6 +10,9 @@
 namespace console {
 namespace {
 
+// One that is printed and forgotten before a list comes is expected in vain.
+constexpr size_t kMostExpected = 32;
+
 // What goes on comes first, what has ended last.
 int StateRank(NC_JobState state) {
   switch (state) {
@@ -54,7 +57,13 @@ void QueueRows::Show(std::shared_ptr<const std::vector<NC_Job>> jobs,
   places_.clear();
   const int all = int(outgoing_.size() + (jobs_ ? jobs_->size() : 0));
   for (int place = 0; place < all; ++place) places_.emplace(IdOfPlace(place), place);
+  std::erase_if(expected_, [this](const QueueId& id) { return places_.count(id) != 0; });
   Arrange();
+}
+
+void QueueRows::Expect(const JobId& job) {
+  if (expected_.size() == kMostExpected) expected_.erase(expected_.begin());
+  if (places_.count({0, job}) == 0) expected_.push_back({0, job});
 }
 
 void QueueRows::Sort(QueueOrder order, bool descending) {
@@ -134,6 +143,11 @@ void QueueRows::Arrange() {
     row_of_[size_t(item.place)] = int(rows_.size());
     rows_.push_back(item.place);
   }
+}
+
+bool QueueRows::Has(const QueueId& id) const {
+  return places_.count(id) != 0 ||
+         std::find(expected_.begin(), expected_.end(), id) != expected_.end();
 }
 
 QueueId QueueRows::IdAt(int row) const {

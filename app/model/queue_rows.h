@@ -67,6 +67,9 @@ class QueueRows {
 
   // The jobs in the server's order, which is the one in which they print; null: not known.
   void Show(std::shared_ptr<const std::vector<NC_Job>> jobs, std::vector<Outgoing> outgoing);
+  // A document has become this job, which a list is still to show: until one has, it counts as
+  // there, so that what was selected on its way is selected in the queue (Selection::Rename).
+  void Expect(const JobId& job);
   void Sort(QueueOrder order, bool descending);
   void Filter(const QueueFilter& filter);
 
@@ -74,7 +77,7 @@ class QueueRows {
   int count() const { return int(rows_.size()); }
   QueueId IdAt(int row) const;
   int RowOf(const QueueId& id) const;
-  bool Has(const QueueId& id) const { return places_.count(id) != 0; }
+  bool Has(const QueueId& id) const;
 
   // One of them is null, and both for what is not there. They live until the next Show.
   const NC_Job* JobAt(int row) const;
@@ -113,6 +116,7 @@ class QueueRows {
   std::vector<Outgoing> outgoing_;
   // Places: documents on their way first, then the jobs.
   std::unordered_map<QueueId, int, QueueIdHash> places_;
+  std::vector<QueueId> expected_;
   QueueOrder order_ = QueueOrder::kPrint;
   bool descending_ = false;
   QueueFilter filter_;

@@ -13,6 +13,7 @@ enum CommandId {
   kStopSendingCommand,
   kRefreshCommand,
   kUpCommand,
+  kFilterCommand,
   kSortByNameCommand,
   kSortBySizeCommand,
   kSortByDateCommand,

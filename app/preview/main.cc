@@ -4,9 +4,6 @@
 // A program of its own, started by the console for one document: what a broken file does to a
 // decoder, it does to this process alone, which owns nothing but that file and a pipe. The console
 // does not load the decoders' libraries.
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,38 +13,12 @@
 #include <new>
 #include <string_view>
 
+#include "app/preview/confine.h"
 #include "app/preview/decoders.h"
 #include "app/preview/picture.h"
 
 namespace preview {
 namespace {
-
-constexpr rlim_t kSeconds = 10;
-// Sanitizers lay out far more memory than they use.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr rlim_t kMemory = RLIM_INFINITY;
-#else
-constexpr rlim_t kMemory = 512 << 20;
-#endif
-
-bool Limit(int what, rlim_t amount) {
-  const rlimit limit = {amount, amount};
-  return setrlimit(what, &limit) == 0;
-}
-
-// With what it has started.
-void EndGroup(int) {
-  kill(0, SIGKILL);
-}
-
-// From here on it has no more than it needs, and programs that it starts have no more either.
-bool Restrict() {
-  signal(SIGALRM, EndGroup);
-  alarm(unsigned(kSeconds));
-  signal(SIGXFSZ, SIG_IGN);  // nothing is written but to pipes
-  return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && Limit(RLIMIT_CPU, kSeconds) &&
-         Limit(RLIMIT_AS, kMemory) && Limit(RLIMIT_FSIZE, 0) && Limit(RLIMIT_CORE, 0);
-}
 
 struct Sign {
   std::string_view bytes;
@@ -68,10 +39,14 @@ constexpr Sign kSigns[] = {
   const ssize_t got = pread(STDIN_FILENO, head, sizeof head, 0);
   if (got < 0) TheReport().Finish(PreviewTrouble::kNotReadable);
   const std::string_view beginning(head, size_t(got));
-  for (const Sign& sign : kSigns)
-    if (beginning.substr(0, sign.bytes.size()) == sign.bytes) sign.show();
-  // Readers allow for other bytes before it.
-  if (beginning.find("%PDF-") != std::string_view::npos) ShowPdf();
+  const auto begins = [&](const Sign& sign) {
+    return beginning.substr(0, sign.bytes.size()) == sign.bytes;
+  };
+  const Sign* sign = std::find_if(std::begin(kSigns), std::end(kSigns), begins);
+  // Readers of PDF allow for other bytes before it.
+  if (sign == std::end(kSigns) && beginning.find("%PDF-") != std::string_view::npos) ShowPdf();
+  CloseDoors();
+  if (sign != std::end(kSigns)) sign->show();
   ShowText();
 }
 
@@ -93,6 +68,6 @@ int main(int argc, char** argv) {
   }
   TheReport().SetRoom(width, height);
   std::set_new_handler([] { TheReport().Finish(PreviewTrouble::kTooLarge); });
-  if (!Restrict()) TheReport().Finish(PreviewTrouble::kFailed);
+  if (!Confine()) TheReport().Finish(PreviewTrouble::kFailed);
   Show();
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "app/preview/confine.h"
 #include "app/preview/decoders.h"
 #include "app/preview/picture.h"
 #include "app/work/spawn.h"
@@ -34,12 +35,17 @@ Output Begin(std::vector<std::string> words) {
   program.output = ends[1];
   program.place = console::Program::kSameGroup;
   const console::Child child = console::Start(program);
+  EndInTime(child.pid());
   if (!child.running())
     TheReport().Finish(errno == ENOENT ? PreviewTrouble::kNoPdfProgram : PreviewTrouble::kFailed);
   close(ends[1]);
   FILE* stream = fdopen(ends[0], "r");
   if (!stream) TheReport().Finish(PreviewTrouble::kFailed);
   return {stream, child};
+}
+
+[[noreturn]] void GiveUp() {
+  TheReport().Finish(OutOfTime() ? PreviewTrouble::kTooSlow : PreviewTrouble::kPdfNotReadable);
 }
 
 struct Page {
@@ -58,10 +64,11 @@ Page ReadFacts() {
     sscanf(line, "Page 1 size: %20lf x %20lf pts", &page.width, &page.height);
     sscanf(line, "Page 1 rot: %9d", &page.turn);
   }
+  EndInTime(0);
   info.child.Wait();
   const bool good = pages > 0 && page.width > 0 && page.width < kMostPoints && page.height > 0 &&
                     page.height < kMostPoints;
-  if (!good) TheReport().Finish(PreviewTrouble::kPdfNotReadable);
+  if (!good) GiveUp();
   if (page.turn % 180 != 0) std::swap(page.width, page.height);
   PreviewHeader& facts = TheReport().facts;
   facts.pages = pages;
@@ -75,13 +82,12 @@ void ReadPixels(FILE* stream) {
   int width = 0, height = 0, most = 0;
   if (fscanf(stream, "P6 %9d %9d %9d", &width, &height, &most) != 3 || most != 255 ||
       fgetc(stream) == EOF)
-    report.Finish(PreviewTrouble::kPdfNotReadable);
+    GiveUp();
   CheckSize(width, height);
   report.BeginPicture(width, height, 1);
   std::vector<uint8_t> row(size_t(width) * 3);
   for (int y = 0; y < height; ++y) {
-    if (fread(row.data(), row.size(), 1, stream) != 1)
-      report.Finish(PreviewTrouble::kPdfNotReadable);
+    if (fread(row.data(), row.size(), 1, stream) != 1) GiveUp();
     report.AddRow(row.data());
   }
 }
@@ -100,6 +106,7 @@ void ShowPdf() {
   Output drawn =
       Begin({"pdftoppm", "-q", "-f", "1", "-l", "1", "-cropbox", "-r", dots_an_inch, kInput});
   ReadPixels(drawn.stream);
+  EndInTime(0);
   drawn.child.Wait();
   report.Finish(PreviewTrouble::kNone);
 }

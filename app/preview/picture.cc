@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/preview/confine.h"
 #include "os/final_path.h"
 
 namespace preview {
@@ -111,6 +112,11 @@ void Report::BeginPicture(int width, int height, int orientation) {
   row_.resize(size_t(width) * 3);
 }
 
+void Report::AddRow(const uint8_t* rgb) {
+  scaler_.AddRow(rgb);
+  if (OutOfTime()) Finish(PreviewTrouble::kTooSlow);
+}
+
 void Report::AddRowOverWhite(const uint8_t* rgba, int width) {
   for (int x = 0; x < width; ++x) {
     const uint8_t* from = rgba + size_t(x) * 4;
@@ -118,7 +124,7 @@ void Report::AddRowOverWhite(const uint8_t* rgba, int width) {
     for (size_t i = 0; i < 3; ++i)
       row_[size_t(x) * 3 + i] = uint8_t((from[i] * opacity + 255 * (255 - opacity) + 127) / 255);
   }
-  scaler_.AddRow(row_.data());
+  AddRow(row_.data());
 }
 
 std::vector<uint8_t> Report::Turned() {

@@ -58,7 +58,8 @@ class Report {
   void BeginPicture(int width, int height, int orientation);
   // The size that it will have before it is turned, of a picture of so many pixels.
   void Fit(int width, int height, int orientation, int* new_width, int* new_height) const;
-  void AddRow(const uint8_t* rgb) { scaler_.AddRow(rgb); }
+  // One row, three bytes a pixel. When time is up this ends the program with what there is.
+  void AddRow(const uint8_t* rgb);
   // The same from four bytes a pixel (red, green, blue, opacity), over white.
   void AddRowOverWhite(const uint8_t* rgba, int width);
 

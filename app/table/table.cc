@@ -22,6 +22,7 @@ constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 void Table::MakeControls(XwWindow* window, int id, const char* name) {
   id_ = id;
   bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, kRowHeight, 1, 0);
+  name_ = name;
   XwDescribeControl(bar_, name);
   for (size_t i = 0; i < columns_.size(); ++i) {
     const Column& c = columns_[i];
@@ -324,17 +325,20 @@ int32_t CellColor(const CellLook& c, int32_t colour) {
   return c.muted ? Dimmed(colour, c.background) : colour;
 }
 
-void Table::AddHits(Hits* hits) const {
+void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words) const {
   if (area_.Empty()) return;
   const Area body = Body();
-  hits->Add({owner_, kBody, 0}, body);
+  const uint32_t state = XWT_FOCUSABLE | (focused_ ? uint32_t{XWT_FOCUSED} : 0);
+  hits->Add({owner_, kBody, 0}, body, {XWA_TABLE, state, name_, std::to_string(rows_)});
   if (!body.Empty()) {
     const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
     for (int row = top_ / kRowHeight; row < last; ++row) {
       Area a = RowArea(row);
       if (a.y < body.y) a.h -= body.y - a.y, a.y = body.y;
       a.h = std::min(a.h, body.bottom() - a.y);
-      hits->Add({owner_, kRow, row}, a);
+      Words said = words ? words(row) : Words{};
+      if (row == selected_) said.state |= XWT_SELECTED;
+      hits->Add({owner_, kRow, row}, a, said);
     }
   }
   for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));

@@ -30,6 +30,9 @@ bool IsSending(const Console* c) {
     if (t.state == Sending::kSending) return true;
   return false;
 }
+void GoToFilter(Console* c) {
+  SetFocusStop(c, FocusStop::kFilter);
+}
 template <int column>
 void Sort(Console* c) {
   SortBy(c, column);
@@ -70,6 +73,7 @@ constexpr Command kCommands[] = {
     {kRefreshCommand, kViewMenu, false, "Refresh", Always, RefreshAll, 'r', kInBoth, XWE_F1 + 4},
     {kUpCommand, kViewMenu, false, "Enclosing Folder", HasParent, GoUp, XWE_UP, kInFiles,
      XWE_BACKSPACE},
+    {kFilterCommand, kViewMenu, false, "Filter Files", Always, GoToFilter, 'f'},
     {kSortByNameCommand, kViewMenu, true, "Sort by Name", Always, Sort<0>, '1'},
     {kSortBySizeCommand, kViewMenu, false, "Sort by Size", Always, Sort<1>, '2'},
     {kSortByDateCommand, kViewMenu, false, "Sort by Date", Always, Sort<2>, '3'},

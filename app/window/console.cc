@@ -224,7 +224,7 @@ void Scrolled(float, float dy) {
 
 void FilesKey(Console* c, int type) {
   if (!c->files.Key(type)) {
-    if (type <= ' ' || type > 126) return;
+    if (type < ' ' || type > 126) return;
     FindLetter(c, type);
   }
   FilesChanged(c);
@@ -261,6 +261,7 @@ void MoveFocus(Console* c, int by) {
 
 void Escape(Console* c) {
   StopReading(c);
+  if (c->folder.rows().filtered()) SetFilter(c, "");
   c->message_s = 0;
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
@@ -364,7 +365,7 @@ int Handle(int type) {
     case XWE_EDIT_SELECT:
     case XWE_EDIT_CHANGED:
     case XWE_EDIT_DONE:
-      EditCopies(c, Inp.type, Inp.value == 1);
+      UseEditBox(c, Inp.type, Inp.item, Inp.value == 1);
       break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));

@@ -7,7 +7,8 @@
 
 #include "app/look/hits.h"
 #include "app/look/style.h"
-#include "app/model/folder.h"
+#include "app/model/shown_folder.h"
+#include "app/model/type_ahead.h"
 #include "app/panes/layout.h"
 #include "app/panes/tools.h"
 #include "app/server/server.h"
@@ -44,6 +45,7 @@ enum class FocusStop {
   kCopies,
   kPriority,
   kHold,
+  kFilter,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
@@ -78,7 +80,8 @@ struct Console {
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
 
-  Folder folder;
+  ShownFolder folder;
+  XwWindow* filter = nullptr;  // the box
   FolderReader reader;
   FolderWatch watch;
   int reading_s = 0;         // since the present reading was asked for
@@ -88,8 +91,7 @@ struct Console {
   std::vector<Place> places;
   PlaceFinder finder;
   std::string free_text;
-  std::string typed;      // the beginning of a name that is being looked for
-  uint32_t typed_at = 0;  // the time of its last letter
+  TypeAhead typed;
   Table files;
 
   Server server;
@@ -134,8 +136,8 @@ void PlaceControls(Console* c);
 void UpdateControls(Console* c);
 // What one reports.
 void UseControl(Console* c, int id, int value);
-// A report of the box of the copies: 788 (gained or lost), 789, 790.
-void EditCopies(Console* c, int type, bool gained);
+// A report of an edit box: 788 (gained or lost), 789, 790.
+void UseEditBox(Console* c, int type, int id, bool gained);
 // The control of a stop; null for the tables.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
 
@@ -160,6 +162,8 @@ void StopReading(Console* c);
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
+// Shows the files alone that match; "": all.
+void SetFilter(Console* c, const std::string& text);
 // Selects the next name that begins with what was typed within a second.
 void FindLetter(Console* c, int character);
 void PressCrumb(Console* c, int index);

@@ -13,6 +13,8 @@ void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
+  c->filter = XwEditBox(w, "", kFilterControl, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
+  XwDescribeControl(c->filter, "Filter");
   c->files.MakeControls(w, kFilesControls, "Files");
   c->queue.MakeControls(w, kQueueControls, "Queue");
   c->hold_job = XwButton(w, "Hold", kHoldCommand, 0, 0, 9, 9, kShown, 0);
@@ -29,6 +31,7 @@ void MakeControls(Console* c) {
 void PlaceControls(Console* c) {
   const Layout& l = c->layout;
   c->tools.Place(l);
+  PlaceControl(c->filter, l.filter);
   c->files.Place(l.folder);
   c->queue.Place(l.queue);
   PlaceControl(c->hold_job, l.hold_job);
@@ -51,6 +54,8 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kFilter:
+      return c->filter;
     default:
       return nullptr;
   }
@@ -75,17 +80,30 @@ void UpdateControls(Console* c) {
   PlaceControl(c->stop_sending, SendingRuns(c) ? c->layout.stop_sending : Area{});
   for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
   c->tools.Update(c->state, !c->asking);
+  EnableControl(c->filter, !c->asking);
   c->files.Enable(!c->asking);
   c->queue.Enable(!c->asking);
   UpdateFocus(c);
 }
 
-void EditCopies(Console* c, int type, bool gained) {
-  if (type == XWE_EDIT_SELECT && gained) return SetFocusStop(c, FocusStop::kCopies);
-  c->tools.Edited(type);
-  c->damage |= kToolsPane;
-  if (type != XWE_EDIT_CHANGED && c->stop == FocusStop::kCopies && c->active &&
-      XwGetFocus(c->window) != c->tools.copies)
+void UseEditBox(Console* c, int type, int id, bool gained) {
+  const bool filter = id == kFilterControl;
+  const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
+  // The report that a box has got the keyboard may wait behind its first keys.
+  if (XwGetFocus(c->window) == ControlAt(c, stop)) SetFocusStop(c, stop);
+  if (type == XWE_EDIT_SELECT && gained) return;
+  if (filter && type == XWE_EDIT_CHANGED) {
+    char text[1024];
+    XwGetTextUtf8(c->filter, text, sizeof text);
+    SetFilter(c, text);
+  }
+  // The report of its Escape takes that key's place.
+  if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
+  if (filter && type == XWE_EDIT_DONE && c->files.selected() < 0) c->files.Select(0);
+  if (!filter) c->tools.Edited(type);
+  c->damage |= kToolsPane | kFolderPane | kDetailsPane;
+  if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
+      XwGetFocus(c->window) != ControlAt(c, stop))
     SetFocusStop(c, FocusStop::kFiles);
 }
 

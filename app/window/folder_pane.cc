@@ -1,75 +1,79 @@
 // The folder: the way to it as crumbs, and the table of its entries.
-#include <strings.h>
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
+#include "app/model/crumbs.h"
 #include "app/window/console.h"
 
 namespace console {
 namespace {
 
 enum Cells { kName, kSize, kModified };
-constexpr Order kOrders[] = {Order::kName, Order::kSize, Order::kTime};
+constexpr FileOrder kOrders[] = {FileOrder::kName, FileOrder::kSize, FileOrder::kTime};
 
 // When it is said that something is being read, and that it does not answer.
 constexpr int kLongMs = 200, kSilentSeconds = 3;
-constexpr uint32_t kTypingMs = 1000;
 
-struct Crumb {
-  std::string path, text;
+constexpr int kCrumbGapWidth = 18;
+
+struct ShownCrumb {
+  Crumb crumb;  // without a path: some are left out here
   Area area;
 };
 
 // What lies right of the crumbs: what is being read, or what there is.
+std::string HeadText(const Console* c) {
+  if (!c->reading_text.empty()) return Shown(c->reading_text);
+  if (!c->folder.known() || !c->folder.trouble().empty()) return "";
+  const FolderRows& rows = c->folder.rows();
+  return rows.CountText() + ", " + SizeText(rows.bytes());
+}
+
+Area HeadArea(const Console* c) {
+  Area a = c->layout.folder_head.Inset(12, 0);
+  a.h -= 1;
+  a.w = c->layout.filter_label.x - 12 - a.x;
+  return a;
+}
+
 int HeadTextWidth(const Console* c) {
-  return c->reading_text.empty() ? 130 : std::min(260, c->layout.folder_head.w / 2);
+  const int width = XwTextWidthUtf8(TheStyle().small_text, HeadText(c).c_str());
+  return std::min(width + 17, HeadArea(c).w / 2);
 }
 
 void DrawHeadText(const Console* c) {
   const Style& l = TheStyle();
-  Area a = c->layout.folder_head.Inset(12, 0);
-  a.h -= 1;
-  a = a.TakeRight(HeadTextWidth(c));
-  if (!c->reading_text.empty())
-    DrawLabel(l.small_text, Align::kRight, a, Shown(c->reading_text), l.warning);
-  else if (c->folder.known())
-    DrawLabel(l.small_text, Align::kRight, a,
-              CountText(c->folder.files(), "file", "files") + ", " + SizeText(c->folder.bytes()),
-              l.second);
+  Area a = HeadArea(c);
+  DrawLabel(l.small_text, Align::kRight, a.TakeRight(HeadTextWidth(c) - 16), HeadText(c),
+            c->reading_text.empty() ? l.second : l.warning);
 }
 
-// From the right, as many as there is room for; the last one is the folder itself.
-std::vector<Crumb> LayOutCrumbs(const Console* c) {
+// As many as there is room for; the last one is the folder itself.
+std::vector<ShownCrumb> LayOutCrumbs(const Console* c) {
   const Style& l = TheStyle();
-  Area bar = c->layout.folder_head.Inset(12, 0);
-  bar.h -= 1;
+  Area bar = HeadArea(c);
   bar.TakeRight(HeadTextWidth(c));
-  std::vector<Crumb> crumbs;
-  for (std::string path = c->folder.path();; path = ParentPath(path)) {
-    crumbs.insert(crumbs.begin(), {path, path == "/" ? "Root" : Shown(LastName(path)), {}});
-    if (path == "/") break;
+  const std::vector<Crumb> crumbs = CrumbsOf(c->folder.path());
+  std::vector<int> widths;
+  for (const Crumb& crumb : crumbs) {
+    XwFont* font = widths.size() + 1 == crumbs.size() ? l.bold : l.normal;
+    widths.push_back(XwTextWidthUtf8(font, crumb.text.c_str()) + 1 + kCrumbGapWidth);
   }
-  int width = 0;
-  size_t first = crumbs.size();
-  while (first > 0) {
-    XwFont* font = first == crumbs.size() ? l.bold : l.normal;
-    const int w = XwTextWidthUtf8(font, crumbs[first - 1].text.c_str()) + 1;
-    if (first < crumbs.size() && width + w + 18 > bar.w) break;
-    crumbs[--first].area.w = w;
-    width += w + 18;
+  const int gap = XwTextWidthUtf8(l.normal, "…") + 1 + kCrumbGapWidth;
+  std::vector<ShownCrumb> shown;
+  for (const int i : FitCrumbs(widths, gap, bar.w + kCrumbGapWidth)) {
+    const bool left_out = i == kCrumbGap;
+    const int width = left_out ? gap : widths[size_t(i)];
+    shown.push_back(
+        {left_out ? Crumb{"", "…"} : crumbs[size_t(i)], bar.TakeLeft(width - kCrumbGapWidth)});
+    bar.TakeLeft(kCrumbGapWidth);
   }
-  crumbs.erase(crumbs.begin(), crumbs.begin() + int(first));
-  for (Crumb& crumb : crumbs) {
-    const int w = crumb.area.w;
-    crumb.area = bar.TakeLeft(w);
-    bar.TakeLeft(18);
-  }
-  return crumbs;
+  return shown;
 }
 
 void DrawHead(const Console* c) {
@@ -77,11 +81,11 @@ void DrawHead(const Console* c) {
   const Area head = c->layout.folder_head;
   Fill(head, l.tool_bar);
   LineAtBottom(head);
-  const std::vector<Crumb> crumbs = LayOutCrumbs(c);
+  const std::vector<ShownCrumb> crumbs = LayOutCrumbs(c);
   for (size_t i = 0; i < crumbs.size(); ++i) {
-    const Crumb& crumb = crumbs[i];
+    const ShownCrumb& crumb = crumbs[i];
     const bool last = i + 1 == crumbs.size(), lit = c->hover == Hit{kCrumbs, 1, int(i)};
-    DrawLabel(last ? l.bold : l.normal, Align::kLeft, crumb.area, crumb.text,
+    DrawLabel(last ? l.bold : l.normal, Align::kLeft, crumb.area, crumb.crumb.text,
               last  ? l.ink
               : lit ? l.accent
                     : l.second);
@@ -93,6 +97,7 @@ void DrawHead(const Console* c) {
     XwDrawLine(x, y + 6, x + 3, y + 3);
   }
   DrawHeadText(c);
+  DrawLabel(l.small_text, Align::kRight, c->layout.filter_label, "Filter", l.second);
 }
 
 // The one that is shown does not answer.
@@ -108,11 +113,9 @@ std::string SelectedName(const Console* c) {
 }  // namespace
 
 void DrawFolderPane(Console* c) {
-  static std::string trouble;
-  trouble = Shown(c->folder.trouble());
-  c->files.SetEmptyText(!c->folder.known() ? ""
-                        : trouble.empty()  ? "This folder is empty"
-                                           : trouble.c_str());
+  const std::string& trouble = c->folder.trouble();
+  c->files.SetEmptyText(trouble.empty() ? c->folder.rows().EmptyText()
+                                        : "This folder cannot be shown: " + trouble);
   c->files.SetFocused(HasKeyboard(c, FocusStop::kFiles));
   c->files.SetMuted(FolderIsSilent(c));
   DrawHead(c);
@@ -120,10 +123,15 @@ void DrawFolderPane(Console* c) {
 }
 
 void AddFolderHits(Console* c) {
-  const std::vector<Crumb> crumbs = LayOutCrumbs(c);
+  const std::vector<ShownCrumb> crumbs = LayOutCrumbs(c);
   for (size_t i = 0; i < crumbs.size(); ++i)
-    c->hits.Add({kCrumbs, 1, int(i)}, crumbs[i].area.Inset(-3, 3));
-  c->files.AddHits(&c->hits);
+    if (!crumbs[i].crumb.path.empty())
+      c->hits.Add({kCrumbs, 1, int(i)}, crumbs[i].area.Inset(-3, 3),
+                  {XWA_BUTTON, 0, crumbs[i].crumb.text, ""});
+  c->files.AddHits(&c->hits, [c](int row) -> Words {
+    const FolderEntry e = c->folder.At(row);
+    return {XWA_ROW, 0, Shown(e.name), e.folder ? "folder" : SizeText(e.size)};
+  });
 }
 
 void DrawFileCell(Console* c, int row, int column, const CellLook& cell) {
@@ -177,8 +185,10 @@ void ShowFreeRoom(Console* c, const FolderReading& r) {
 }
 
 void Entered(Console* c, FolderReading* r) {
-  c->typed.clear();
-  c->folder.Show(std::move(r->listing));
+  c->typed.Stop();
+  const bool same = r->content->path() == c->folder.path();
+  if (!same) SetFilter(c, "");
+  c->folder.Show(std::move(r->content));
   ShowFreeRoom(c, *r);
   c->files.ScrollTo(0);
   Listed(c, r->select);
@@ -186,12 +196,12 @@ void Entered(Console* c, FolderReading* r) {
   if (r->request.kind != FolderRequest::kDocument) return;
   c->stop = FocusStop::kFiles;
   if (!r->select.empty() && c->files.selected() < 0)
-    Tell(c, false, r->select + ": " + strerror(ENOENT));
+    Tell(c, false, r->select + ": " + TroubleText(ENOENT));
 }
 
 // The folder shown stays; where none is yet, it is the root.
 void NotEntered(Console* c, const FolderReading& r) {
-  Tell(c, false, r.request.path + ": " + strerror(r.error));
+  Tell(c, false, r.request.path + ": " + TroubleText(r.error));
   if (c->folder.known()) return;
   if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", ""});
   c->folder.Begin("/");
@@ -202,9 +212,9 @@ void NotEntered(Console* c, const FolderReading& r) {
 void ReadAgain(Console* c, FolderReading* r) {
   const std::string kept = SelectedName(c);
   if (r->error == 0)
-    c->folder.Show(std::move(r->listing));
+    c->folder.Show(std::move(r->content));
   else
-    c->folder.Lose(r->error, r->listing.stamp);
+    c->folder.Lose(r->error, r->stamp);
   ShowFreeRoom(c, *r);
   Listed(c, kept);
 }
@@ -304,10 +314,10 @@ void OpenSelected(Console* c) {
 
 void SortBy(Console* c, int column) {
   const std::string kept = SelectedName(c);
-  const Order order = kOrders[column];
+  const FileOrder order = kOrders[column];
   // Names begin with the first, sizes and times with the largest.
   const bool descending =
-      order == c->folder.order() ? !c->folder.descending() : order != Order::kName;
+      order == c->folder.order() ? !c->folder.descending() : order != FileOrder::kName;
   c->folder.Sort(order, descending);
   Listed(c, kept);
   c->files.Reveal(c->files.selected());
@@ -320,27 +330,31 @@ void RefreshFolder(Console* c) {
 }
 
 void FindLetter(Console* c, int character) {
-  if (Inp.time - c->typed_at > kTypingMs) c->typed.clear();
-  c->typed_at = Inp.time;
-  c->typed += char(tolower(character));
-  // The same letter again and again goes through the names that begin with it.
-  const bool steps = c->typed.find_first_not_of(c->typed[0]) == std::string::npos;
-  const std::string wanted = steps ? c->typed.substr(0, 1) : c->typed;
-  const int n = c->folder.count(), from = c->files.selected();
-  for (int i = steps ? 1 : 0; i <= n && n > 0; ++i) {
-    const int row = (from + i + n) % n;
-    if (strncasecmp(c->folder.At(row).name, wanted.c_str(), wanted.size()) != 0) continue;
-    c->files.Select(row);
-    return;
-  }
+  if (!c->typed.Type(uint32_t(character), Inp.time)) return;
+  const int row = c->typed.Row(c->files.selected(), [c](std::string_view text, int from) {
+    return c->folder.rows().FindBeginning(text, from);
+  });
+  if (row >= 0) c->files.Select(row);
+}
+
+void SetFilter(Console* c, const std::string& text) {
+  const std::string kept = SelectedName(c);
+  c->folder.Filter(text);
+  Listed(c, kept);
+  c->files.Reveal(c->files.selected());
+  char shown[1024];
+  XwGetTextUtf8(c->filter, shown, sizeof shown);
+  if (text != shown) XwSetTextUtf8(c->filter, text.c_str());
 }
 
 void PressCrumb(Console* c, int index) {
-  const std::vector<Crumb> crumbs = LayOutCrumbs(c);
+  const std::vector<ShownCrumb> crumbs = LayOutCrumbs(c);
   if (index < 0 || size_t(index) >= crumbs.size()) return;
-  const std::string below =
-      size_t(index) + 1 < crumbs.size() ? LastName(crumbs[size_t(index) + 1].path) : "";
-  EnterFolder(c, crumbs[size_t(index)].path, below);
+  const std::string& path = crumbs[size_t(index)].crumb.path;
+  // Where one comes from is selected there.
+  std::string below = c->folder.path();
+  while (below != "/" && ParentPath(below) != path) below = ParentPath(below);
+  EnterFolder(c, path, LastName(below));
 }
 
 void ShowDocument(Console* c, const char* path) {

@@ -63,40 +63,49 @@ void DrawWord(const CellLook& cell, const char* text, int32_t colour) {
   DrawLabel(TheStyle().view, cell.align, cell.area, text, CellColor(cell, colour));
 }
 
-void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
-  const Style& l = TheStyle();
+std::string TransferText(const Transfer& t) {
   switch (t.state) {
     case Sending::kWaiting:
-      DrawWord(cell, "to be sent", l.second);
-      break;
+      return "to be sent";
     case Sending::kCancelling:
-      DrawWord(cell, "cancelling…", l.second);
-      break;
+      return "cancelling…";
     case Sending::kFailed:
-      DrawWord(cell, ("not sent: " + Shown(t.text)).c_str(), l.bad);
-      break;
+      return "not sent: " + Shown(t.text);
     case Sending::kSending:
-      if (t.silent_s > 0)
-        DrawWord(cell, ("file: no answer for " + std::to_string(t.silent_s) + " s").c_str(),
-                 l.warning);
-      else
-        DrawBarAndText(cell, t.sent, t.total, "sending " + PartText(t.sent, t.total));
       break;
   }
+  return t.silent_s > 0 ? "file: no answer for " + std::to_string(t.silent_s) + " s"
+                        : "sending " + PartText(t.sent, t.total);
+}
+
+void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
+  const Style& l = TheStyle();
+  const std::string text = TransferText(t);
+  if (t.state == Sending::kSending && t.silent_s <= 0)
+    DrawBarAndText(cell, t.sent, t.total, text);
+  else
+    DrawWord(cell, text.c_str(),
+             t.state == Sending::kFailed    ? l.bad
+             : t.state == Sending::kSending ? l.warning
+                                            : l.second);
+}
+
+std::string JobText(const Console* c, const NC_Job& job) {
+  if (const char* pending = PendingText(c, IdOf(job))) return pending;
+  if (job.state == NC_JOB_PRINTING) return PartText(job.printed, job.total);
+  const std::string text = nc::JobStateText(job.state);
+  return job.state == NC_JOB_FAILED && job.text[0] ? text + ": " + Shown(job.text) : text;
 }
 
 void DrawJobProgress(const Console* c, const NC_Job& job, const CellLook& cell) {
   const Style& l = TheStyle();
-  if (const char* pending = PendingText(c, IdOf(job))) {
-    DrawWord(cell, pending, l.second);
-  } else if (job.state == NC_JOB_PRINTING) {
-    DrawBarAndText(cell, job.printed, job.total, PartText(job.printed, job.total));
-  } else {
-    const StateStyle& style = kStates[job.state];
-    std::string text = nc::JobStateText(job.state);
-    if (job.state == NC_JOB_FAILED && job.text[0]) text += ": " + Shown(job.text);
-    DrawWord(cell, text.c_str(), l.*style.ink);
-  }
+  const std::string text = JobText(c, job);
+  if (PendingText(c, IdOf(job)))
+    DrawWord(cell, text.c_str(), l.second);
+  else if (job.state == NC_JOB_PRINTING)
+    DrawBarAndText(cell, job.printed, job.total, text);
+  else
+    DrawWord(cell, text.c_str(), l.*kStates[job.state].ink);
 }
 
 void DrawDocument(const CellLook& cell, const std::string& name, int32_t dot) {
@@ -212,7 +221,13 @@ void DrawQueuePane(Console* c) {
 }
 
 void AddQueueHits(Console* c) {
-  c->queue.AddHits(&c->hits);
+  c->queue.AddHits(&c->hits, [c](int row) -> Words {
+    const QueueRow& r = c->rows[size_t(row)];
+    if (const Transfer* t = r.transfer ? TransferOf(c, r) : nullptr)
+      return {XWA_ROW, 0, Shown(t->order.document), TransferText(*t)};
+    const NC_Job* job = JobOf(c, r);
+    return job ? Words{XWA_ROW, 0, Shown(job->document), JobText(c, *job)} : Words{};
+  });
 }
 
 void DrawQueueCell(Console* c, int row, int column, const CellLook& cell) {

@@ -190,7 +190,11 @@ void DrawPlacesPane(Console* c) {
 
 void AddPlacesHits(Console* c) {
   if (c->layout.places.Empty()) return;
-  for (int i = 0; i < int(c->places.size()); ++i) c->hits.Add({kPlaces, 1, i}, PlaceArea(c, i));
+  for (int i = 0; i < int(c->places.size()); ++i) {
+    const Place& place = c->places[size_t(i)];
+    const uint32_t state = place.path == c->folder.path() ? XWT_SELECTED : 0;
+    c->hits.Add({kPlaces, 1, i}, PlaceArea(c, i), {XWA_ROW, state, place.name, ""});
+  }
 }
 
 void DrawDetailsPane(Console* c) {

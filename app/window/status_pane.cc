@@ -118,7 +118,12 @@ void DrawStatusPane(Console* c) {
 }
 
 void AddStatusHits(Console* c) {
-  c->hits.Add({kStatus, kServer, 0}, ServerArea(c));
+  const Area server = ServerArea(c), line = c->layout.status;
+  c->hits.Add({kStatus, kServer, 0}, server,
+              {XWA_STATUS, 0, Shown(c->server.host()), ServerText(c)});
+  const std::string said = c->message_s > 0 ? Shown(c->message.text) : SelectionText(c);
+  c->hits.Cover({server.right(), line.y + 1, line.right() - server.right(), line.h - 1},
+                {XWA_STATUS, 0, "Message", said});
 }
 
 }  // namespace console

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <mutex>
 
+#include "app/work/unread_entries.h"
 #include "toolkit/xw.h"
 
 namespace console {
@@ -18,22 +19,26 @@ FolderStamp StampOf(const std::string& path) {
 
 namespace {
 
-constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_ALL_FOLDERS;
+constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_HIDDEN | OS_LIST_ALL_FOLDERS;
 
 // 0, or the error.
-int List(const std::string& path, FolderListing* out) {
-  // Before it is read: what changes until then is seen by the next watch.
-  out->path = path;
-  out->stamp = StampOf(path);
-  out->entries.reset(OS_ListDirN(path.c_str(), nullptr, &out->count, kTypes, 0));
-  if (out->count >= 0) return 0;
-  out->count = 0;
-  return errno;
+int List(const std::string& path, FolderReading* r) {
+  // Before it is read: what changes until then is seen by the watch.
+  r->stamp = StampOf(path);
+  FolderListing listing;
+  listing.path = path;
+  listing.stamp = r->stamp;
+  listing.entries.reset(OS_ListDirN(path.c_str(), nullptr, &listing.count, kTypes, 0));
+  if (listing.count < 0) return errno;
+  const UnreadEntries unread =
+      CountUnreadEntries(path.c_str(), listing.entries.get(), listing.count);
+  r->content = FolderContent::Of(std::move(listing), unread);
+  return 0;
 }
 
 int ListUpwards(std::string path, FolderReading* r) {
   for (;;) {
-    const int error = List(path, &r->listing);
+    const int error = List(path, r);
     if (error == 0 || path == "/") return error;
     r->select = LastName(path);
     path = ParentPath(path);
@@ -43,9 +48,9 @@ int ListUpwards(std::string path, FolderReading* r) {
 int ListAroundDocument(FolderReading* r) {
   const std::string& path = r->request.path;
   struct stat s {};
-  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) return List(path, &r->listing);
+  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) return List(path, r);
   r->select = LastName(path);
-  return List(ParentPath(path), &r->listing);
+  return List(ParentPath(path), r);
 }
 
 void ReadFolder(FolderReading* r) {
@@ -53,9 +58,9 @@ void ReadFolder(FolderReading* r) {
   r->select = w.select;
   r->error = w.kind == FolderRequest::kUp         ? ListUpwards(w.path, r)
              : w.kind == FolderRequest::kDocument ? ListAroundDocument(r)
-                                                  : List(w.path, &r->listing);
+                                                  : List(w.path, r);
   struct statvfs s {};
-  if (r->error != 0 || statvfs(r->listing.path.c_str(), &s) != 0) return;
+  if (r->error != 0 || statvfs(r->content->path().c_str(), &s) != 0) return;
   r->free = int64_t(s.f_bavail) * int64_t(s.f_frsize);
   r->room = int64_t(s.f_blocks) * int64_t(s.f_frsize);
 }

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "app/model/folder.h"
+#include "app/model/folder_rows.h"
 #include "app/work/background_task.h"
 
 namespace console {
@@ -24,10 +24,11 @@ struct FolderRequest {
 // A request and what came of it.
 struct FolderReading {
   FolderRequest request;
-  int error;                     // of the system; 0 when it was read
-  FolderListing listing;         // its path may differ from the request's
-  std::string select;            // the name to select there
-  int64_t free = -1, room = -1;  // bytes on its volume, -1 when not known
+  int error;                                     // of the system; 0 when it was read
+  std::shared_ptr<const FolderContent> content;  // null when it was not; its path may differ
+  FolderStamp stamp;                             // of the one that could not be read
+  std::string select;                            // the name to select there
+  int64_t free = -1, room = -1;                  // bytes on its volume, -1 when not known
 };
 
 class FolderReader {

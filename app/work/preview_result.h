@@ -26,8 +26,8 @@ enum class PreviewTrouble : uint32_t {
   kPdfNotReadable,  // damaged, or locked by a password
   kNoPreview,       // a kind that is not shown
   kFailed,          // the system refused something
-  // What only the reader finds:
   kTooSlow,
+  // What only the reader finds:
   kNotReadable,  // the document cannot be opened
   kNoProgram,    // quorvik-preview is not there
   kCount

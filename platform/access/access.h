@@ -11,6 +11,7 @@ namespace platform {
 struct DescribedNode {
   uint64_t serial = 0;  // of the object, or one of TakeSerial; never given twice
   Description what;
+  std::string help;  // its tip
   std::vector<DescribedNode> children;
 };
 

@@ -33,26 +33,23 @@ int SourceOf(const Context* c, int64_t origin, int d, int count) {
   return int(i < 0 ? 0 : i >= count ? count - 1 : i);
 }
 
-struct Placed {
-  int64_t x, y;  // logical, in the surface
-  int w, h;
-};
-
-void DrawScaled(Context* c, const DeviceRect& r, const Placed& at, const uint8_t* pixels,
-                int64_t stride) {
+// `column` and `row` give the source of a device column and row.
+template <typename Column, typename Row>
+void DrawScaled(Context* c, const DeviceRect& r, const uint8_t* pixels, int64_t stride,
+                Column column, Row row) {
   ForEachPart(c, r, [&](const DeviceRect& part) {
     c->columns.clear();
-    for (int x = part.left; x < part.right; ++x) c->columns.push_back(SourceOf(c, at.x, x, at.w));
+    for (int x = part.left; x < part.right; ++x) c->columns.push_back(column(x));
     int last_source = -1;
     for (int y = part.top; y < part.bottom; ++y) {
       uint32_t* out = c->row(y) + part.left;
-      int source = SourceOf(c, at.y, y, at.h);
+      int source = row(y);
       if (source == last_source) {
         std::copy(out - c->surface->stride, out - c->surface->stride + part.width(), out);
         continue;
       }
       const uint8_t* in = pixels + 4 * source * stride;
-      for (int column : c->columns) *out++ = FromBytes(Load(in + 4 * int64_t{column}));
+      for (int at : c->columns) *out++ = FromBytes(Load(in + 4 * int64_t{at}));
       last_source = source;
     }
     Mark(c, part);
@@ -67,7 +64,26 @@ void DrawPixels(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels,
   // A corner beyond the reach of device coordinates would shift the picture; nothing shows anyway.
   if (std::max({std::abs(r.left), std::abs(r.top)}) == kFarDevice) return;
   if (c->scale == 1.0) return DrawUnscaled(c, r, pixels, stride);
-  DrawScaled(c, r, {int64_t{x} + c->origin_x, int64_t{y} + c->origin_y, w, h}, pixels, stride);
+  const int64_t left = int64_t{x} + c->origin_x, top = int64_t{y} + c->origin_y;
+  DrawScaled(
+      c, r, pixels, stride, [&](int d) { return SourceOf(c, left, d, w); },
+      [&](int d) { return SourceOf(c, top, d, h); });
+}
+
+void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels, int width,
+                 int height) {
+  if (!Ready(c) || w <= 0 || h <= 0 || width <= 0 || height <= 0 || !pixels) return;
+  const DeviceRect r = DeviceBox(c, x, y, w, h);
+  for (const int edge : {r.left, r.top, r.right, r.bottom})
+    if (std::abs(edge) == kFarDevice) return;
+  if (r.width() == width && r.height() == height) return DrawUnscaled(c, r, pixels, width);
+  // The middle of a device pixel lies in the source's.
+  auto nearest = [](int d, int count, int of) {
+    return int((2 * int64_t{d} + 1) * count / (2 * int64_t{of}));
+  };
+  DrawScaled(
+      c, r, pixels, width, [&](int d) { return nearest(d - r.left, width, r.width()); },
+      [&](int d) { return nearest(d - r.top, height, r.height()); });
 }
 
 // --- One-bit pictures ---------------------------------------------------------------------------

@@ -105,6 +105,10 @@ void PutNode(std::string* out, const DescribedNode& node, bool deep) {
     *out += ",\"value\":";
     PutJsonText(out, d.value);
   }
+  if (!node.help.empty()) {
+    *out += ",\"help\":";
+    PutJsonText(out, node.help);
+  }
   PutBits(out, "states", d.state, kStates);
   if (d.actions) PutBits(out, "actions", d.actions, kActions);
   PutNumber(out, "x", d.bounds.left);

@@ -45,8 +45,7 @@ void SetActive(WindowRef w, bool active) {
   w->active = active;
   NoticeChange(w->object.serial, Change::kState);
   ShowBackdrop(w);
-  if (w->visible && w->brush && WindowBackground(w) != before)
-    w->recolor = !w->recolor;
+  if (w->visible && w->brush && WindowBackground(w) != before) w->recolor = !w->recolor;
   Event e(kEventClassWindow, active ? kEventWindowActivated : kEventWindowDeactivated, w);
   SendEventToEventTarget(&e, &w->object.target);
 }

@@ -156,6 +156,10 @@ void SetWindowBounds(WindowRef w, const Rect& content) {
   SendEventToEventTarget(&e, &w->object.target);
 }
 
+double WindowScale(WindowRef w) {
+  return IsValidWindow(w) ? w->surface.scale : MainScreen().scale;
+}
+
 static bool IsScale(double scale) {
   return scale >= kLeastScale && scale <= kMostScale;
 }

@@ -4,4 +4,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
   ${CMAKE_CURRENT_LIST_DIR}/painting.cc
   ${CMAKE_CURRENT_LIST_DIR}/pop_ups.cc
+  ${CMAKE_CURRENT_LIST_DIR}/tip.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc)

@@ -151,6 +151,41 @@ TEST_F(FolderTest, TooManyThatHangAreRefused) {
   EXPECT_EQ(c_->folder.path(), home_.At("hangs"));
 }
 
+TEST_F(FolderTest, TheFilterShowsWhatMatchesUntilEscape) {
+  for (const char* name : {"Ärger.pdf", "b.tif", "notes.txt", "z-arg.pdf"})
+    home_.File(std::string("Empty/") + name, "x");
+  Open("127.0.0.0");
+  Enter(home_.At("Empty"), "b.tif");
+  const auto type = [this](const char* text) {
+    Click(c_->layout.filter);
+    display::Modifiers(platform::controlKey);
+    Key('a', 'a');
+    display::Modifiers(0);
+    for (; *text; ++text) Key(uint8_t(*text), uint8_t(*text));
+    return c_->folder.count();
+  };
+  EXPECT_EQ(type("arg"), 2);
+  EXPECT_EQ(Selected(), "");
+  EXPECT_EQ(type("*.PDF,*.tif"), 3);
+  EXPECT_EQ(c_->folder.rows().CountText().find("3 of 4"), 0u);
+  EXPECT_EQ(c_->stop, FocusStop::kFilter);
+  // Return goes to the files, Escape shows all again and keeps the selection.
+  Key(kReturnKey);
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
+  EXPECT_EQ(Selected(), "Ärger.pdf");
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->folder.count(), 4);
+  EXPECT_EQ(Node("Filter").what.value, "");
+  EXPECT_EQ(Selected(), "Ärger.pdf");
+  EXPECT_EQ(type("tif"), 1);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->folder.count(), 4) << "from the box itself";
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
+  EXPECT_EQ(type("tif"), 1);
+  Enter(home_.At(kFolder));
+  EXPECT_EQ(c_->folder.count(), 2) << "another folder is shown whole";
+}
+
 // The program's own end while threads hang, under a leak check.
 void QuitWhileReading(const std::string& home) {
   setenv("HOME", home.c_str(), 1);

@@ -189,6 +189,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
   Key(kTabKey);
+  Key(kTabKey);
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
 }
 

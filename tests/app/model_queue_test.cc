@@ -90,6 +90,11 @@ TEST(QueueRows, AreSortedAndFiltered) {
   rows.Filter({false, QueueFilter::kAll, "nothing"});
   EXPECT_EQ(rows.EmptyText(), "No job here matches the filter");
   EXPECT_TRUE(rows.Has(Id(1)) && rows.JobOf(Id(1)) && rows.RowOf(Id(1)) == -1);
+  rows.Expect(Id(6).job);  // it has been sent, the list is on its way
+  EXPECT_TRUE(rows.Has(Id(6)));
+  rows.Show(Jobs({"a:w", "a:w", "a:w", "a:w", "a:w", "sent:w"}), {});
+  rows.Show(Jobs({"a:w"}), {});
+  EXPECT_FALSE(rows.Has(Id(6)));
 }
 
 TEST(QueueVerbs, AreTheServersRules) {

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,7 +41,22 @@ class PreviewTest : public testing::Test {
     const auto preview = maker_.Take();
     return preview ? *preview : Preview{};
   }
-  // "wb/ww": which quarters of the picture are black.
+  // The program itself; `from` reads what it writes.
+  static Child StartOn(const std::string& path, const char* side, int* from) {
+    int ends[2];
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    Program program;
+    program.words = {PREVIEW, side, side};
+    program.input = file;
+    program.output = ends[1];
+    const Child child = Start(program);
+    close(file);
+    close(ends[1]);
+    *from = ends[0];
+    return child;
+  }
+  // "wbww": which quarters of the picture are black.
   static std::string Quarters(const Preview& p) {
     std::string text;
     for (const int place : {0, 1, 2, 3}) {
@@ -76,8 +92,8 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
       {"mirrored and turned",
        [](auto& p) { WriteJpeg(p, {.width = 600, .height = 400, .orientation = 7}); },
        "JPEG picture", "RGB", "67.7 × 102 mm", 1, 200, 300, "wwwb"},
-      {"inks", [](auto& p) { WriteJpeg(p, {.width = 4000, .height = 1000, .inks = true}); },
-       "JPEG picture", "CMYK", "677 × 169 mm", 1, 300, 75, "bwww"},
+      {"inks", [](auto& p) { WriteJpeg(p, {.width = 1200, .height = 300, .inks = true}); },
+       "JPEG picture", "CMYK", "203 × 50.8 mm", 1, 300, 75, "bwww"},
       {"upside down", [](auto& p) { WriteTiff(p, {.bits = 1, .orientation = 3, .pages = 3}); },
        "TIFF picture", "black and white", "5.1 × 3.4 mm", 3, 60, 40, "wwwb"},
       {"deep inks", [](auto& p) { WriteTiff(p, {.bits = 16, .inks = true, .orientation = 8}); },
@@ -185,21 +201,13 @@ TEST_F(PreviewTest, BrokenFilesAreNoFaults) {
       std::string broken = whole.substr(0, round % 3 ? whole.size() : random() % whole.size());
       for (int i = 0; i < 1 + round / 5 && !broken.empty(); ++i)
         broken[random() % broken.size()] = char(random());
-      const int file = open(files_.File("broken", broken).c_str(), O_RDONLY | O_CLOEXEC);
-      int ends[2];
-      ASSERT_EQ(pipe(ends), 0);
-      Program program;
-      program.words = {PREVIEW, "100", "100"};
-      program.input = file;
-      program.output = ends[1];
-      Child child = Start(program);
-      close(ends[1]);
-      close(file);
+      int from = -1;
+      Child child = StartOn(files_.File("broken", broken), "100", &from);
       std::string said;
       char piece[65536];
-      for (ssize_t got; (got = read(ends[0], piece, sizeof piece)) > 0;)
+      for (ssize_t got; (got = read(from, piece, sizeof piece)) > 0;)
         said.append(piece, size_t(got));
-      close(ends[0]);
+      close(from);
       EXPECT_EQ(child.Wait(), 0);
       Preview preview;
       preview.request = {"", 100, 100};
@@ -207,6 +215,26 @@ TEST_F(PreviewTest, BrokenFilesAreNoFaults) {
       if (HasFailure()) FAIL() << "round " << round << " of a file of " << whole.size() << " bytes";
     }
   }
+}
+
+// A reader that does not take its picture finds it waiting, with nothing left that it could do.
+TEST_F(PreviewTest, DecodersAreConfined) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "a sanitizer needs more than is left";
+#endif
+  WritePng(files_.At("picture"), {.width = 400, .height = 400});
+  int from = -1;
+  Child child = StartOn(files_.At("picture"), "400", &from);
+  const std::string folder = "/proc/" + std::to_string(child.pid());
+  pollfd one = {from, POLLIN, 0};
+  EXPECT_EQ(poll(&one, 1, -1), 1);
+  const std::string status = ReadFile(folder + "/status"), limits = ReadFile(folder + "/limits");
+  EXPECT_NE(status.find("NoNewPrivs:\t1"), std::string::npos) << status;
+  EXPECT_NE(status.find("Seccomp:\t2"), std::string::npos) << status;
+  EXPECT_NE(limits.find("536870912            536870912            bytes"), std::string::npos)
+      << limits;
+  child.Kill();
+  close(from);
 }
 
 TEST_F(PreviewTest, MemoryIsLimited) {

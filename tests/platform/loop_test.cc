@@ -121,6 +121,12 @@ TEST_F(Loop, WhatLiesByIsPurgedRemovedAndMergedWith) {
       [](EventLoopTimerRef, void*) {
         Post("gone");
         Post("kept");
+      },
+      nullptr);
+  // They are deferred by now.
+  InstallEventLoopTimer(
+      0.25, 0,
+      [](EventLoopTimerRef, void*) {
         RemoveEventsFromQueue(GetMainEventQueue(),
                               [](const Event& e) { return e.cls == kOwn && Name(e) == "gone"; });
       },

@@ -78,8 +78,11 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
   }
 }
 
+platform::TreeListener listener = {[](void*, uint64_t, platform::Change) {}, nullptr};
+
 TEST(Alert, ItsShape) {
   ControlScreen s;
+  platform::AddTreeListener(&listener);
   const std::string wide(60, 'w');
   const int text = XwTextWidth(FT_ALERT, wide.c_str());
   auto look = [&](const char* message, int width, int x, std::initializer_list<int> buttons) {
@@ -115,6 +118,7 @@ TEST(Alert, ItsShape) {
         Press(kEnter)();
       }},
       "!", std::string(900, 'w').c_str(), "A");
+  platform::RemoveTreeListener(&listener);
 }
 
 TEST(Alert, ItLiesOnTheScreen) {
@@ -187,6 +191,7 @@ TEST(Alert, OneThatTheProgramDestroysIsOver) {
 
 TEST(Alert, TextsOfEveryScript) {
   ControlScreen s;
+  platform::AddTreeListener(&listener);
   steps = {[] {
     EXPECT_EQ(Node("Löschen “ж”?").what.role, platform::ObjectRole::kLabel);
     EXPECT_EQ(Node("Нет").what.role, platform::ObjectRole::kButton);
@@ -194,6 +199,7 @@ TEST(Alert, TextsOfEveryScript) {
   }};
   input::SetIdleHandler(NextStep);
   EXPECT_EQ(XwConfirmUtf8("!", nullptr, "Löschen “ж”?", "Нет", "Да", nullptr), 2);
+  platform::RemoveTreeListener(&listener);
 }
 
 TEST(Alert, TheFileOfTheProgram) {

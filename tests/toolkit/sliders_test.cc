@@ -252,6 +252,10 @@ TEST(ScrollBars, TheWheelTurnsWhatIsUnderIt) {
   EXPECT_EQ(Wheel(0, -48), "~51 51") << "a slider by one a notch, up for more";
   EXPECT_EQ(All({Wheel(0, 24), Wheel(0, 24)}), "51 ~50 50");
   EXPECT_EQ(Wheel(96, 0), "~52 52");
+  Wheel(0, 40);
+  Drag(150, 287);
+  EXPECT_EQ(Wheel(0, 8), "7:3") << "a fraction is its own bar's";
+  Drag(150, 120);
   XwEnable(slider, 0);
   EXPECT_EQ(All({Wheel(0, -48), Press(200, 120), Release()}), "")
       << "greyed it takes it and does nothing";
@@ -344,6 +348,10 @@ TEST(Sliders, TheirReportsMayDoAnything) {
   };
   moved = s.Bar(0, 999, 3, 100, 0);
   EXPECT_EQ(All({Press(387, 190), Release()}), "~100") << "greyed it reports no more";
+  moved = s.Bar(0, 999, 3, 100, 0);
+  EXPECT_EQ(All({Press(387, 120), Drag(387, 125), Drag(387, 160), Release()}), "~61");
+  moved = s.Slider();
+  EXPECT_EQ(All({Press(117, 120), Drag(127, 120), Drag(147, 120), Release()}), "~10");
 }
 
 TEST(Sliders, DescribeThemselves) {

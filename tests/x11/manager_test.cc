@@ -262,8 +262,9 @@ TEST_F(Managed, AlertsStayAboveTheFirstWindow) {
   Settle();
   EXPECT_TRUE(Above(alert, first));
   WindowRef modal = CreateNewWindow(kDocumentWindowClass, 0, {320, 270, 520, 370});
-  SetWindowGroup(modal, GetWindowGroupOfClass(kModalWindowClass));
   ShowWindow(modal);
+  FlushWindow(modal);
+  SetWindowGroup(modal, GetWindowGroupOfClass(kModalWindowClass));
   EXPECT_TRUE(RunUntil([&] { return HasState(modal, "_NET_WM_STATE_MODAL"); }));
   EXPECT_EQ(user().Words(Id(modal), "_NET_WM_WINDOW_TYPE"),
             std::vector<uint32_t>{user().Atom("_NET_WM_WINDOW_TYPE_DIALOG")});

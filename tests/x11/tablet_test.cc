@@ -1,5 +1,5 @@
 // Pointer events of the second input extension, decoded from their bytes.
-#include "platform/display/x11/tablet.h"
+#include "platform/display/x11/devices.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xinput.h>

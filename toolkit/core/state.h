@@ -46,6 +46,7 @@ namespace toolkit {
 
 class Modal;
 struct Described;
+struct Tips;
 
 // The current colours outlive the selection. Filling, stroking and ovals keep one each: dashed
 // lines change only the second, text only the first.
@@ -65,6 +66,7 @@ struct State {
   const Modal* innermost_wait = nullptr;
   Described* described = nullptr;      // what programs say of what they draw; null while there is
                                        // none
+  Tips* tips = nullptr;                // null while there are none
   bool polled = false;                 // XwGetEvent has been called
   int64_t last_poll = 0;               // microseconds
   int32_t last_click_item = -1;        // of XwDoubleClick

@@ -74,3 +74,8 @@ void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels) {
   TraceDrawing("XwPutImageData", x, y, w, h);
   DrawPixels(TargetContext(), x, y, w, h, pixels, w);
 }
+
+void XwPutImageScaled(int x, int y, int w, int h, const uint8_t* pixels, int width, int height) {
+  TraceDrawing("XwPutImageScaled", x, y, w, h, width, height);
+  DrawPicture(TargetContext(), x, y, w, h, pixels, width, height);
+}

@@ -15,6 +15,7 @@
 #include "toolkit/target/colors.h"
 #include "toolkit/target/selection.h"
 #include "toolkit/windows/described.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 
@@ -120,6 +121,9 @@ DescribedNode Describe(XwWindow* w) {
     DescribeSub(w, &node);
   else
     DescribeRecord(w, &node);
+  node.help = TipOf(w, 0);
+  // What shows a picture alone is called by its tip.
+  if (IsControl(w) && node.what.name.empty()) node.what.name = node.help;
   AddDescribed(w, &node);
   for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
   if (w == W_Start) AddMenus(&node);

@@ -5,6 +5,7 @@
 #include "toolkit/core/state.h"
 #include "toolkit/events/loop.h"
 #include "toolkit/windows/boxes.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 
@@ -61,6 +62,7 @@ OSStatus EVkeyboard_func(HandlerCall*, Event* event, void* window) {
     ChangeModifiers(event->key.modifiers);
     return eventNotHandledErr;
   }
+  if (event->kind == kEventRawKeyDown) EndTip();
   int code = MapKey(event->key.key_code, event->key.character);
   if (!code) return eventNotHandledErr;
   Inp.window = Inp.focus;

@@ -9,10 +9,14 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/loop.h"
 #include "toolkit/windows/boxes.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
+using toolkit::state;
 
 namespace {
+
+constexpr uint32_t kDoubleClickMs = 219;
 
 struct Pressed {
   int button;
@@ -105,7 +109,7 @@ OSStatus Button(XwWindow* w, const Event& e) {
 }
 
 OSStatus Motion(XwWindow* w, const Event& e) {
-  Point& lastpos = toolkit::state.last_pen;
+  Point& lastpos = state.last_pen;
   if (e.mouse.tablet_type == kEventTabletPoint) {
     if (e.mouse.where == lastpos) {
       Inp.type = 0;
@@ -121,6 +125,21 @@ OSStatus Motion(XwWindow* w, const Event& e) {
   SetTargetCoordinates(Inp.window);
   Inp.item = XCheckbl(Inp.window->boxes);
   return eventNotHandledErr;
+}
+
+// Tips belong to what the pointer rests on, in windows that hear of it.
+void ChooseTip(XwWindow* w, const Event& e) {
+  const int x = e.mouse.where.x - w->x, y = e.mouse.where.y - w->y;
+  const bool inside = x >= 0 && y >= 0 && x < w->width && y < w->height;
+  if (Inp.type != XWE_MOTION) return;
+  if (!inside || GrabWindow || Inp.state & XWS_BUTTONS || WaitKeepsOut(Inp.window)) {
+    EndTip();
+    PointAtTip(nullptr, nullptr, 0, e.mouse.where);
+    return;
+  }
+  const ControlRef control = FindControlUnderMouse({x, y}, NativeWindow(w));
+  auto* record = static_cast<XwWindow*>(control ? GetControlReference(control) : nullptr);
+  PointAtTip(Inp.window, IsLive(record) ? record : nullptr, Inp.item, e.mouse.where);
 }
 
 }  // namespace
@@ -149,12 +168,18 @@ XwWindow* FindVirtualWindow(XwWindow* w, int x, int y) {
 OSStatus EVmouse_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
   Inp.pressure = 0;
-  if (event->kind == kEventMouseDown || event->kind == kEventMouseUp) return Button(w, *event);
-  return Motion(w, *event);
+  if (event->kind == kEventMouseDown || event->kind == kEventMouseUp) {
+    EndTip();
+    return Button(w, *event);
+  }
+  const OSStatus status = Motion(w, *event);
+  ChooseTip(w, *event);
+  return status;
 }
 
 OSStatus EVwheel_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
+  EndTip();
   int px = event->mouse.where.x - w->x, py = event->mouse.where.y - w->y;
   const OSStatus controls = ModalKeepsOut(w) ? noErr : eventNotHandledErr;
   if (ControlTakesWheel(FindControlUnderMouse({px, py}, NativeWindow(w)))) return controls;
@@ -186,4 +211,17 @@ void XwUngrabPointer() {
   if (!GrabCursor) return;
   GrabCursor = nullptr;
   RestoreCursors();
+}
+
+int XwDoubleClick(uint32_t* last_time) {
+  if (!last_time) return 0;
+  bool twice = Inp.time - *last_time <= kDoubleClickMs && Inp.item == state.last_click_item;
+  state.last_click_item = Inp.item;
+  *last_time = Inp.time;
+  return twice;
+}
+
+int XwCheckPointer(int x, int y, int w, int h) {
+  int64_t px = Inp.px, py = Inp.py;
+  return x < px && px < int64_t{x} + w && y < py && py < int64_t{y} + h;
 }

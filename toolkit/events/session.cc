@@ -25,6 +25,7 @@
 #include "toolkit/events/loop.h"
 #include "toolkit/windows/described.h"
 #include "toolkit/windows/menus.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 
@@ -143,6 +144,7 @@ void DropSession() {
   DestroyWindows();
   DropMenus();
   DropDescribed();
+  DropTips();
   free(W_Root->children);
   free(W_Root);
   ReleaseCursorTable();

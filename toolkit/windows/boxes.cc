@@ -7,6 +7,7 @@
 #include "toolkit/core/saturate.h"
 #include "toolkit/core/state.h"
 #include "toolkit/windows/described.h"
+#include "toolkit/windows/tips.h"
 
 namespace {
 
@@ -97,6 +98,7 @@ void XwBoxList(int op, int x, int y, int width, int height) {
     XFreebl(w->boxes);
     w->boxes = XAllocbl();
     BeginDescribed(w);
+    BeginTips(w);
     return;
   }
   if (!w->boxes) {
@@ -106,6 +108,7 @@ void XwBoxList(int op, int x, int y, int width, int height) {
   if (op == 4) {
     XEndbl(w->boxes);
     EndDescribed(w);
+    EndTips(w);
     return;
   }
   blpx = Sat16(x);

@@ -11,6 +11,7 @@
 #include "toolkit/core/record.h"
 #include "toolkit/core/state.h"
 #include "toolkit/windows/boxes.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 using toolkit::state;
@@ -146,7 +147,10 @@ void AddDescribed(const XwWindow* w, DescribedNode* node) {
     if (!(self->state & kIsEnabled)) window.state &= ~uint32_t{kIsEnabled};
     window.state |= self->state & kGivenStates;
   }
-  for (const auto& [position, item] : all->items) node->children.push_back(NodeOf(item, window));
+  for (const auto& [position, item] : all->items) {
+    node->children.push_back(NodeOf(item, window));
+    node->children.back().help = TipOf(w, position);
+  }
 }
 
 void BeginDescribed(const XwWindow* w) {

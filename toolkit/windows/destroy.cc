@@ -15,6 +15,7 @@
 #include "toolkit/windows/boxes.h"
 #include "toolkit/windows/described.h"
 #include "toolkit/windows/panes.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 using toolkit::state;
@@ -40,6 +41,7 @@ void FreeContents(XwWindow* w) {
   XFreebl(w->boxes);
   w->boxes = nullptr;
   ForgetDescribed(w);
+  ForgetTips(w);
   if (!(w->flags & XW_DATA_NOT_OWNED)) free(w->user_data);
   w->user_data = nullptr;
   free(w->text);

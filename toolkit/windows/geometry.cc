@@ -107,6 +107,10 @@ void XwSetFullScreen() {
   SetSystemUIMode(kUIModeContentSuppressed, 0);
 }
 
+double XwGetScale(XwWindow* w) {
+  return WindowScale(IsLive(w) ? NativeWindow(w) : nullptr);
+}
+
 void XwSetSizes(XwWindow* w, int min_width, int min_height, int max_width, int max_height,
                 int step_x, int step_y) {
   if (!CheckWindow(w)) return;

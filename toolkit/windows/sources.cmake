@@ -12,4 +12,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/menus.cc
   ${CMAKE_CURRENT_LIST_DIR}/panes.cc
   ${CMAKE_CURRENT_LIST_DIR}/program_icon.cc
+  ${CMAKE_CURRENT_LIST_DIR}/tips.cc
   ${CMAKE_CURRENT_LIST_DIR}/tree.cc)
