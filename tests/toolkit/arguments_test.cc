@@ -105,7 +105,7 @@ const uint8_t* Hostile() {  // zero-terminated, and long enough for any length b
 }
 template <>
 char* Hostile() {
-  static char room[1024];
+  static char room[1 << 18];  // for the longest text, whatever size is given
   return rng() % 4 ? room : nullptr;
 }
 template <>
