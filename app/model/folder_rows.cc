@@ -168,7 +168,7 @@ void FolderContent::MakeOrders() {
 
 void FolderRows::Show(std::shared_ptr<const FolderContent> content) {
   content_ = std::move(content);
-  Arrange();
+  Choose();
 }
 
 void FolderRows::Sort(FileOrder order, bool descending) {
@@ -179,34 +179,44 @@ void FolderRows::Sort(FileOrder order, bool descending) {
 
 void FolderRows::Filter(std::string_view text) {
   filter_ = NameFilter(text);
-  Arrange();
+  Choose();
 }
 
 void FolderRows::ShowHidden(bool show) {
   show_hidden_ = show;
-  Arrange();
+  Choose();
 }
 
-bool FolderRows::Wanted(int entry) const {
+bool FolderRows::Matches(int entry) const {
   if (filter_.empty() || filter_.MatchesFolded(content_->FoldedName(entry))) return true;
   return filter_.HasPatterns() && content_->IsFolder(entry);
 }
 
-void FolderRows::Arrange() {
-  rows_.clear();
+// In the order in which the entries lie in memory, which is several times as fast as in another.
+void FolderRows::Choose() {
   files_ = all_ = 0;
   bytes_ = 0;
   row_of_.assign(content_ ? size_t(content_->count()) : 0, -1);
-  if (!content_) return;
-  auto take = [this](int entry) {
-    if (!show_hidden_ && content_->IsHidden(entry)) return;
+  for (int entry = 0; entry < int(row_of_.size()); ++entry) {
+    if (!show_hidden_ && content_->IsHidden(entry)) continue;
     ++all_;
-    if (!Wanted(entry)) return;
-    row_of_[size_t(entry)] = int(rows_.size());
-    rows_.push_back(entry);
-    if (content_->IsFolder(entry)) return;
+    if (!Matches(entry)) continue;
+    row_of_[size_t(entry)] = 0;
+    if (content_->IsFolder(entry)) continue;
     ++files_;
     bytes_ += content_->SizeOf(entry);
+  }
+  Arrange();
+}
+
+// What Choose took stands in its row.
+void FolderRows::Arrange() {
+  rows_.clear();
+  if (!content_) return;
+  auto take = [this](int32_t entry) {
+    if (row_of_[size_t(entry)] < 0) return;
+    row_of_[size_t(entry)] = int(rows_.size());
+    rows_.push_back(entry);
   };
   const std::vector<int32_t>& order = content_->In(order_);
   const int folders = content_->folders(), n = content_->count();

@@ -105,8 +105,9 @@ class FolderRows {
   std::string EmptyText() const;
 
  private:
+  void Choose();
   void Arrange();
-  bool Wanted(int entry) const;
+  bool Matches(int entry) const;
 
   std::shared_ptr<const FolderContent> content_;
   FileOrder order_ = FileOrder::kName;

@@ -44,27 +44,19 @@ void Places::Choose(const std::string& root) {
 // Sets the marks of the nodes by path, and makes the rows of what is shown.
 void Places::Mark() {
   rows_.clear();
-  if (!tree_) return;
-  // Marks of what is hidden need no care: they are set again when it is shown.
-  for (size_t count = 0;;) {
-    std::vector<OS_TreeNodeN*> nodes(size_t(OS_TreeScanN(tree_.get(), nullptr)));
-    OS_TreeScanN(tree_.get(), nodes.data());
-    for (OS_TreeNodeN* node : nodes) {
-      const std::string path = PathOfNode(*node);
-      node->open = open_.contains(path) && node->child_count > 0;
-      node->selected = path == selected_;
-    }
-    // What has just been opened shows more, which may be open in turn.
-    if (nodes.size() == count) break;
-    count = nodes.size();
-  }
-  std::vector<OS_TreeNodeN*> nodes(size_t(OS_TreeScanN(tree_.get(), nullptr)));
-  OS_TreeScanN(tree_.get(), nodes.data());
-  for (const OS_TreeNodeN* node : nodes) {
-    std::string path = PathOfNode(*node);
-    const bool unreadable = unreadable_.contains(path);
-    rows_.push_back({std::move(path), node->name, node->depth, node->open != 0,
-                     node->child_count > 0, node->selected != 0, unreadable});
+  if (tree_) MarkBelow(tree_.get());
+}
+
+void Places::MarkBelow(OS_TreeNodeN* node) {
+  for (int i = 0; i < node->child_count; ++i) {
+    OS_TreeNodeN* child = &node->children[i];
+    std::string path = PathOfNode(*child);
+    const bool has_folders = child->child_count > 0, unreadable = unreadable_.contains(path);
+    child->open = has_folders && open_.contains(path);
+    child->selected = path == selected_;
+    rows_.push_back({std::move(path), child->name, child->depth, child->open != 0, has_folders,
+                     child->selected != 0, unreadable});
+    if (child->open) MarkBelow(child);
   }
 }
 

@@ -76,6 +76,7 @@ class Places {
 
  private:
   void Mark();
+  void MarkBelow(OS_TreeNodeN* node);
 
   std::string root_ = "/", selected_;
   std::set<std::string> open_, unreadable_;

@@ -78,13 +78,9 @@ TEST(CutMiddle, KeepsBeginningAndEnding) {
   }
 }
 
-TEST(Words, OfNumbersAndKinds) {
+TEST(Words, OfNumbers) {
   EXPECT_EQ(NumberText(0) + " " + NumberText(999) + " " + NumberText(-1000), "0 999 -1,000");
   EXPECT_EQ(NumberOf(1234567, "file", "files"), "1,234,567 files");
-  EXPECT_EQ(NumberOf(1, "file", "files"), "1 file");
-  const char* const kinds[][2] = {
-      {"a.PDF", "PDF document"}, {"b.indd", "INDD file"}, {".profile", "File"}, {"c.d e", "File"}};
-  for (const auto& k : kinds) EXPECT_EQ(FileKindText(k[0]), k[1]);
 }
 
 TEST(NameFilter, TakesPatternsAndParts) {

@@ -99,10 +99,6 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   notices.Read();
   notices.Read();
   EXPECT_EQ(notices.Shown(9000).text, "cancelled");
-  for (int i = 0; i < 1000; ++i) notices.Tell({Tone::kBad, std::to_string(i)}, 0);
-  EXPECT_EQ(notices.errors(), 1000);
-  EXPECT_EQ(notices.Shown(0).text, "0 (and 999 more errors)");
-
   notices.Progress("a", "sending a");
   notices.Progress("b", "sending b");
   notices.Progress("a", "sending a, 10 %");

@@ -121,6 +121,9 @@ TEST_F(Paths, UnknownKeysGiveTheNameOfTheFile) {
   // What could not be read back is not recorded.
   const size_t room = 255 - scratch.At(Entry("")).size();
   EXPECT_EQ(OS_SetAppPath(std::string(room + 1, 'k').c_str()), -1);
+  const std::string longest(room, 'k');
+  EXPECT_EQ(OS_SetAppPath(longest.c_str()), 0);
+  EXPECT_TRUE(std::filesystem::remove(scratch.At(Entry(longest))));
   EXPECT_EQ(OS_SetAppPath(nullptr), -1);
   EXPECT_EQ(OS_SetAppPath(huge.c_str()), -1);
   EXPECT_EQ(ReadFile(scratch.At("secret")), "/secret");

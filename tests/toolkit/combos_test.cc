@@ -191,6 +191,19 @@ TEST(Combos, TwoItemsTakeTurns) {
   EXPECT_EQ(shown, "*+Draft Best");
 }
 
+TEST(Combos, AMenuButtonReportsTheCommand) {
+  ControlScreen s;
+  static XwMenuItem items[] = {{"First", 0, 71, nullptr}, {"Second", 0, 72, nullptr}, {}};
+  XwWindow* more = XwButton(s.main, "More", 7, 10, 20, 120, 24, kOn | XWC_MENU, items);
+  Settle();
+  EXPECT_EQ(User({Click(150, 135), ClickItem("Second")}), "72=0");
+  EXPECT_EQ(User({Click(150, 135), Type(kEscape)}), "") << "dismissed";
+  XwFocusControl(more);
+  EXPECT_EQ(User({Type(' '), Type(kDown), Type(kReturn)}), "71=0");
+  XwEnable(more, 0);
+  EXPECT_EQ(User({Click(150, 135)}), "");
+}
+
 TEST(Combos, KeyboardAlone) {
   ComboScreen s;
   XwButton(s.main, "OK", 8, 200, 10, 60, 26, kOn, 0);
