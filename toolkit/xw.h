@@ -960,9 +960,9 @@ void XwFreeImage(uint8_t* image);
 void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* image);
 /* The same for w x h pixels anywhere. They stay the caller's, and may be freed afterwards. */
 void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels);
-/* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device shows
- * the one that lies nearest. So a picture with as many pixels as the rectangle has on the device
- * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1 draw nothing. */
+/* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device
+ * shows the one that lies nearest. So one with as many pixels as the rectangle has on the device
+ * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1: nothing. */
 void XwPutImageScaled(int x, int y, int w, int h, const uint8_t* pixels, int width, int height);
 
 #ifdef __cplusplus

@@ -78,8 +78,8 @@ void EraseRect(WindowRef w, const Rect& r);
 // `bounds.current` is the bounds of all that is lost. `erase` paints the background there first.
 // What lies outside the content is ignored.
 void InvalidateWindow(WindowRef w, const Rect& r, bool erase);
-// A window that has become active or inactive, and so has another background, keeps its pixels while
-// this is true. Null: none does.
+// A window that has become active or inactive, and so has another background, keeps its pixels
+// while this is true. Null: none does.
 void SetRecoloringWaits(bool (*waits)(const Window* w));
 // All of it has been drawn: no redraw is asked for.
 void ValidateWindow(WindowRef w);
