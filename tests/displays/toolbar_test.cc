@@ -96,7 +96,7 @@ TEST(ToolbarScript, GivesTheSameTraceAndPictureOnBothDisplays) {
   using displays::Act;
   displays::ExpectTheSame(
       {Make,
-       {{kAsk, Act::kPicture}, {kAnswer, Act::kPicture}, {kByKeyboard, Act::kPicture}, {"close\n"}},
+       {{kAsk}, {kAnswer, Act::kPicture}, {kByKeyboard, Act::kPicture}, {"close\n"}},
        false,
        {"top 795 item 1", "top 795 item 72", "top 795 item 4", "top 795 item 5", "top 900 item 1",
         "top 900 item 2"}});
