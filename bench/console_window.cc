@@ -24,7 +24,7 @@ int main() {
   c->window->handler = Watch;
   // Wakes the wait below, so that it is seen as soon as the folder is there.
   XwTimer(XwCreate(0, 0, 0, 50, 50, nullptr), 1, 1);
-  while (!exposed || !c->folder.known()) XwWaitEvent(nullptr);
+  while (!exposed || !c->files.folder.known()) XwWaitEvent(nullptr);
   XwSync();
   _exit(0);
 }

@@ -406,9 +406,10 @@ void Table::Draw(const Hit& hover) {
   DrawHeader(hover);
   if (!body.Empty()) {
     XwClip(uint16_t(body.x), uint16_t(body.y), uint16_t(body.w), uint16_t(body.h));
-    Fill(body, l.document);
     const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
     for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
+    const int below = std::max(body.y, RowArea(last).y);
+    Fill({body.x, below, body.w, body.bottom() - below}, l.document);
     if (rows_ == 0)
       DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
     if (focused_ && (rows_ == 0 || selected_ < 0)) {

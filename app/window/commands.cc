@@ -12,18 +12,18 @@ bool Always(const Console*) {
   return true;
 }
 bool HasSelection(const Console* c) {
-  return c->files.selected() >= 0;
+  return c->files.table.selected() >= 0;
 }
 bool HasParent(const Console* c) {
-  return c->folder.path() != "/";
+  return c->files.folder.path() != "/";
 }
 template <JobAction action>
 bool CanDo(const Console* c) {
-  return CanChange(c, action);
+  return c->queue.CanChange(action);
 }
 template <JobAction action>
 void Do(Console* c) {
-  ChangeSelected(c, action);
+  c->queue.Change(action, &c->server);
 }
 bool IsSending(const Console* c) {
   for (const Transfer& t : c->state.transfers)

@@ -1,28 +1,24 @@
-// The console's one window: what it shows and what the user has chosen. Each pane of it is a file
-// that draws the pane and knows what can be hit there; console.cc routes the events.
+// The console's one window: what it shows and what the user has chosen. The panes
+// (app/panes) draw and know what can be hit there; console.cc routes the events.
 #pragma once
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/look/hits.h"
-#include "app/look/style.h"
-#include "app/model/shown_folder.h"
-#include "app/model/type_ahead.h"
-#include "app/panes/layout.h"
+#include "app/model/print_choice.h"
+#include "app/panes/details.h"
+#include "app/panes/files.h"
+#include "app/panes/ids.h"
+#include "app/panes/places.h"
+#include "app/panes/queue.h"
+#include "app/panes/status.h"
 #include "app/panes/tools.h"
 #include "app/server/server.h"
-#include "app/table/table.h"
 #include "app/work/folder_reader.h"
 #include "app/work/folder_watch.h"
-#include "app/work/place_finder.h"
 
 namespace console {
-
-// Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
-// Parts of the status line.
-enum StatusPart { kServer = 1 };
 
 // Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
@@ -52,23 +48,10 @@ inline bool IsControl(FocusStop stop) {
   return stop >= FocusStop::kPrint;
 }
 
-// A row of the queue: a transfer of our own, or a job of the server.
-struct QueueRow {
-  int transfer = 0;  // its number, 0 for a job
-  JobId job{};
-  bool operator==(const QueueRow&) const = default;
-};
-
 struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
-  PrintChoice choice;
-  ToolsPane tools{&choice};
-  XwWindow *hold_job = nullptr, *release_job = nullptr, *remove_job = nullptr;
-  XwWindow* stop_sending = nullptr;
-  // Those of commands: each is enabled when its command can be run.
-  std::vector<XwWindow*> buttons;
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -79,38 +62,33 @@ struct Console {
   uint32_t modifiers = 0;
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
+  // Buttons of commands: each is enabled when its command can be run.
+  std::vector<XwWindow*> buttons;
 
-  ShownFolder folder;
-  XwWindow* filter = nullptr;  // the box
+  // What is known, and what has been chosen. Results come to reader, watch and server.
   FolderReader reader;
   FolderWatch watch;
-  int reading_s = 0;         // since the present reading was asked for
-  int silent_s = 0;          // that the watch has had no answer; 0 as long as that is not long
-  int posted_silent_s = 0;   // the same, on its way
-  std::string reading_text;  // what is said of it
-  std::vector<Place> places;
   PlaceFinder finder;
-  std::string free_text;
-  TypeAhead typed;
-  Table files;
-
+  int reading_s = 0;        // since the present reading was asked for
+  int silent_s = 0;         // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;  // the same, on its way
   Server server;
   ServerState state;
-  int away_s = 0;       // since it went away
   int last_notice = 0;  // that was shown
   int just_sent = 0;    // orders that are not yet in the state
-  std::vector<QueueRow> rows;
-  QueueRow missing;  // was selected when it went; selected again if it comes back
-  Table queue;
-
+  PrintChoice choice;
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
 
-  Notice message;
-  int message_s = 0;  // that it is still shown
+  ToolsPane tools{&choice};
+  PlacesPane places{layout, {}, ""};
+  FilesPane files{layout};
+  DetailsPane details{layout, files.folder, choice, state};
+  QueuePane queue{layout, state};
+  StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
@@ -141,10 +119,7 @@ void UseEditBox(Console* c, int type, int id, bool gained);
 // The control of a stop; null for the tables.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
 
-// --- The folder (folder_pane.cc)
-void DrawFolderPane(Console* c);
-void AddFolderHits(Console* c);
-void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
+// --- The folder (browsing.cc)
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
 void EnterFolder(Console* c, const std::string& path, const std::string& select);
 void GoUp(Console* c);
@@ -164,30 +139,16 @@ void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
 void SetFilter(Console* c, const std::string& text);
-// Selects the next name that begins with what was typed within a second.
-void FindLetter(Console* c, int character);
 void PressCrumb(Console* c, int index);
+void FindPlaces(Console* c);
+// The one that is shown does not answer.
+bool FolderIsSilent(const Console* c);
 // A document that the desktop asks to open.
 void ShowDocument(Console* c, const char* path);
-
-// --- Places and details (side_panes.cc)
-void FindPlaces(Console* c);
-void DrawPlacesPane(Console* c);
-void AddPlacesHits(Console* c);
-void DrawDetailsPane(Console* c);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
-
-// --- The queue (queue_pane.cc)
-void DrawQueuePane(Console* c);
-void AddQueueHits(Console* c);
-void DrawQueueCell(Console* c, int row, int column, const CellLook& cell);
-// After a new state: rows in order, the selection stays on its job.
-void FillQueue(Console* c);
-bool CanChange(const Console* c, JobAction action);
-void ChangeSelected(Console* c, JobAction action);
 
 // --- Quitting (quit_confirmation.cc)
 // Whether the window may close at once; else the question is shown, over everything else.
@@ -201,13 +162,5 @@ void QuestionKey(Console* c, int type);
 void PlaceQuestion(Console* c);
 // What lies around the sheet.
 void DrawAroundQuestion(const Console* c);
-
-// --- The status line (status_pane.cc)
-void DrawStatusPane(Console* c);
-void AddStatusHits(Console* c);
-// Something is being sent, or its cancelling is not yet answered.
-bool SendingRuns(const Console* c);
-// What the line says of the server, without its name.
-std::string ServerText(const Console* c);
 
 }  // namespace console

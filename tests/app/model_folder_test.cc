@@ -112,7 +112,7 @@ TEST(UnreadEntries, AreWhatTheListingLacks) {
   // Files that were not asked for can be looked at, so they are not unread.
   UnreadEntries unread = CountUnreadEntries(folder.c_str(), nullptr, 0);
   EXPECT_EQ(unread.plain + unread.hidden, 0);
-  chmod(folder.c_str(), 0604);  // it can be read, and not entered
+  chmod(folder.c_str(), 0644);  // it can be read, and not entered
   const bool root = geteuid() == 0;
   ASSERT_TRUE(!root || seteuid(65534) == 0);
   unread = CountUnreadEntries(folder.c_str(), nullptr, 0);

@@ -41,7 +41,22 @@ class PreviewTest : public testing::Test {
     const auto preview = maker_.Take();
     return preview ? *preview : Preview{};
   }
-  // "wb/ww": which quarters of the picture are black.
+  // The program itself; `from` reads what it writes.
+  static Child StartOn(const std::string& path, const char* side, int* from) {
+    int ends[2];
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    Program program;
+    program.words = {PREVIEW, side, side};
+    program.input = file;
+    program.output = ends[1];
+    const Child child = Start(program);
+    close(file);
+    close(ends[1]);
+    *from = ends[0];
+    return child;
+  }
+  // "wbww": which quarters of the picture are black.
   static std::string Quarters(const Preview& p) {
     std::string text;
     for (const int place : {0, 1, 2, 3}) {
@@ -186,21 +201,13 @@ TEST_F(PreviewTest, BrokenFilesAreNoFaults) {
       std::string broken = whole.substr(0, round % 3 ? whole.size() : random() % whole.size());
       for (int i = 0; i < 1 + round / 5 && !broken.empty(); ++i)
         broken[random() % broken.size()] = char(random());
-      const int file = open(files_.File("broken", broken).c_str(), O_RDONLY | O_CLOEXEC);
-      int ends[2];
-      ASSERT_EQ(pipe(ends), 0);
-      Program program;
-      program.words = {PREVIEW, "100", "100"};
-      program.input = file;
-      program.output = ends[1];
-      Child child = Start(program);
-      close(ends[1]);
-      close(file);
+      int from = -1;
+      Child child = StartOn(files_.File("broken", broken), "100", &from);
       std::string said;
       char piece[65536];
-      for (ssize_t got; (got = read(ends[0], piece, sizeof piece)) > 0;)
+      for (ssize_t got; (got = read(from, piece, sizeof piece)) > 0;)
         said.append(piece, size_t(got));
-      close(ends[0]);
+      close(from);
       EXPECT_EQ(child.Wait(), 0);
       Preview preview;
       preview.request = {"", 100, 100};
@@ -216,16 +223,10 @@ TEST_F(PreviewTest, DecodersAreConfined) {
   GTEST_SKIP() << "a sanitizer needs more than is left";
 #endif
   WritePng(files_.At("picture"), {.width = 400, .height = 400});
-  const int file = open(files_.At("picture").c_str(), O_RDONLY | O_CLOEXEC);
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  Program program;
-  program.words = {PREVIEW, "400", "400"};
-  program.input = file;
-  program.output = ends[1];
-  Child child = Start(program);
+  int from = -1;
+  Child child = StartOn(files_.At("picture"), "400", &from);
   const std::string folder = "/proc/" + std::to_string(child.pid());
-  pollfd one = {ends[0], POLLIN, 0};
+  pollfd one = {from, POLLIN, 0};
   EXPECT_EQ(poll(&one, 1, -1), 1);
   const std::string status = ReadFile(folder + "/status"), limits = ReadFile(folder + "/limits");
   EXPECT_NE(status.find("NoNewPrivs:\t1"), std::string::npos) << status;
@@ -233,7 +234,7 @@ TEST_F(PreviewTest, DecodersAreConfined) {
   EXPECT_NE(limits.find("536870912            536870912            bytes"), std::string::npos)
       << limits;
   child.Kill();
-  for (const int fd : {file, ends[0], ends[1]}) close(fd);
+  close(from);
 }
 
 TEST_F(PreviewTest, MemoryIsLimited) {

@@ -105,7 +105,7 @@ const uint8_t* Hostile() {  // zero-terminated, and long enough for any length b
 }
 template <>
 char* Hostile() {
-  static char room[1024];
+  static char room[1 << 18];  // for the longest text, whatever size is given
   return rng() % 4 ? room : nullptr;
 }
 template <>
@@ -434,7 +434,7 @@ std::vector<Row> Plain(const char* names) {
 std::vector<Row> Calls() {
   std::vector<Row> rows = PLAIN(
       P2CSTR, C2PSTR, XwGetEvent, XwSetClipboard, XwPeekEvents, XwDoubleClick, XwCheckPointer,
-      XwGetKeyState, XwBeep, XwTakeUp, XwReplaying, XwTimer, XwGrabPointer, XwUngrabPointer,
+      XwGetKeyState, XwBeep, XwReplaying, XwTimer, XwGrabPointer, XwUngrabPointer,
       XwPointerIsGrabbed, XwSetCursor, XwCreateDocked, XwDestroy, XwFind, IsSubWindow, AddSubWindow,
       XwMove, XwCenter, XwSetFullScreen, XwSetSizes, XwShow, XwEnable, XwSetFocus, XwDrawTextUtf8,
       XwTextWidthUtf8, XwGetText, XwGetValue, XwSetSliderRange, XwSetScrollRange, XwGetTextUtf8,

@@ -332,12 +332,10 @@ TEST(EditBoxes, TheClipboardComesLaterOrNotAtAll) {
   EXPECT_EQ(*input::AskForText(Selection::kClipboard),
             "one twoab\u00E4\uFFFD"
             "c");
-  for (const std::string& many : {std::string(70000, 'x'), std::string(60000, '\xFF')}) {
-    input::OfferText(Selection::kClipboard, many);
-    XwSetText(s.box, "");
-    Type('v', 'v', controlKey);
-    EXPECT_NEAR(XwGetTextUtf8(s.box, nullptr, 0), 65535, 1) << "64 KiB, in whole characters";
-  }
+  input::OfferText(Selection::kClipboard, std::string(65535, 'x') + "\u00E4");
+  XwSetText(s.box, "");
+  Type('v', 'v', controlKey);
+  EXPECT_EQ(XwGetTextUtf8(s.box, nullptr, 0), 65535) << "64 KiB, in whole characters";
   input::OfferTextLater(Selection::kClipboard);
   for (int i = 0; i < 20; ++i) Type('v', 'v', controlKey);
   EXPECT_EQ(input::OpenAsks(), 8) << "a key that repeats asks for no more";

@@ -1,9 +1,11 @@
-// The queue: transfers of our own first, then the server's jobs in the order in which they print.
+#include "app/panes/queue.h"
+
 #include <algorithm>
 #include <ctime>
 
 #include "app/format/texts.h"
-#include "app/window/console.h"
+#include "app/look/controls.h"
+#include "app/panes/ids.h"
 #include "printserver/words.h"
 
 namespace console {
@@ -11,33 +13,33 @@ namespace {
 
 enum Cells { kDocument, kOwner, kPrinterName, kProfile, kProgress, kSize, kSubmitted, kPriority };
 
-const NC_Job* JobOf(const Console* c, const QueueRow& row) {
+const NC_Job* JobOf(const QueuePane* p, const QueueRow& row) {
   if (row.transfer) return nullptr;
   // Rows follow the list, so it is where it was, unless the list has changed since.
-  const auto& jobs = *c->state.jobs;
-  const size_t at = size_t(&row - c->rows.data()) - c->state.transfers.size();
+  const auto& jobs = *p->state.jobs;
+  const size_t at = size_t(&row - p->rows.data()) - p->state.transfers.size();
   if (at < jobs.size() && IdOf(jobs[at]) == row.job) return &jobs[at];
   for (const NC_Job& job : jobs)
     if (IdOf(job) == row.job) return &job;
   return nullptr;
 }
 
-const Transfer* TransferOf(const Console* c, const QueueRow& row) {
-  for (const Transfer& t : c->state.transfers)
+const Transfer* TransferOf(const QueuePane* p, const QueueRow& row) {
+  for (const Transfer& t : p->state.transfers)
     if (row.transfer == t.number) return &t;
   return nullptr;
 }
 
-const QueueRow* SelectedRow(const Console* c) {
-  const int row = c->queue.selected();
-  return row >= 0 && size_t(row) < c->rows.size() ? &c->rows[size_t(row)] : nullptr;
+const QueueRow* SelectedRow(const QueuePane* p) {
+  const int row = p->table.selected();
+  return row >= 0 && size_t(row) < p->rows.size() ? &p->rows[size_t(row)] : nullptr;
 }
 
 // What is being done to a job, null when nothing is.
-const char* PendingText(const Console* c, const JobId& id) {
+const char* PendingText(const QueuePane* p, const JobId& id) {
   static const char* const kTexts[] = {"holding…", "releasing…", "removing…"};
-  for (const PendingChange& p : c->state.pending)
-    if (p.id == id) return kTexts[int(p.action)];
+  for (const PendingChange& change : p->state.pending)
+    if (change.id == id) return kTexts[int(change.action)];
   return nullptr;
 }
 
@@ -90,17 +92,17 @@ void DrawTransferProgress(const Transfer& t, const CellLook& cell) {
                                             : l.second);
 }
 
-std::string JobText(const Console* c, const NC_Job& job) {
-  if (const char* pending = PendingText(c, IdOf(job))) return pending;
+std::string JobText(const QueuePane* p, const NC_Job& job) {
+  if (const char* pending = PendingText(p, IdOf(job))) return pending;
   if (job.state == NC_JOB_PRINTING) return PartText(job.printed, job.total);
   const std::string text = nc::JobStateText(job.state);
   return job.state == NC_JOB_FAILED && job.text[0] ? text + ": " + Shown(job.text) : text;
 }
 
-void DrawJobProgress(const Console* c, const NC_Job& job, const CellLook& cell) {
+void DrawJobProgress(const QueuePane* p, const NC_Job& job, const CellLook& cell) {
   const Style& l = TheStyle();
-  const std::string text = JobText(c, job);
-  if (PendingText(c, IdOf(job)))
+  const std::string text = JobText(p, job);
+  if (PendingText(p, IdOf(job)))
     DrawWord(cell, text.c_str(), l.second);
   else if (job.state == NC_JOB_PRINTING)
     DrawBarAndText(cell, job.printed, job.total, text);
@@ -148,7 +150,7 @@ void DrawTransferCell(const Transfer& t, int column, const CellLook& cell) {
   }
 }
 
-void DrawJobCell(const Console* c, const NC_Job& job, int column, const CellLook& cell) {
+void DrawJobCell(const QueuePane* p, const NC_Job& job, int column, const CellLook& cell) {
   const Style& l = TheStyle();
   auto text = [&](const std::string& s) { DrawLabel(l.view, cell.align, cell.area, s, cell.ink); };
   switch (column) {
@@ -165,7 +167,7 @@ void DrawJobCell(const Console* c, const NC_Job& job, int column, const CellLook
       text(Shown(job.profile));
       break;
     case kProgress:
-      DrawJobProgress(c, job, cell);
+      DrawJobProgress(p, job, cell);
       break;
     case kSize:
       text(SizeText(job.size));
@@ -182,13 +184,13 @@ void DrawJobCell(const Console* c, const NC_Job& job, int column, const CellLook
 }
 
 // "5 waiting, 1 printing", and what needs someone.
-std::string Summary(const Console* c) {
-  const size_t unsent = c->state.transfers.size();
-  const bool known = c->state.link == Link::kReady || !c->state.printers->empty();
+std::string Summary(const QueuePane* p) {
+  const size_t unsent = p->state.transfers.size();
+  const bool known = p->state.link == Link::kReady || !p->state.printers->empty();
   const std::string waits = unsent ? std::to_string(unsent) + " to be sent" : "";
   if (!known) return waits;
   int counts[6] = {};
-  for (const NC_Job& job : *c->state.jobs) ++counts[job.state];
+  for (const NC_Job& job : *p->state.jobs) ++counts[job.state];
   std::string text = std::to_string(counts[NC_JOB_WAITING]) + " waiting, " +
                      std::to_string(counts[NC_JOB_PRINTING]) + " printing";
   for (NC_JobState state : {NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
@@ -196,74 +198,108 @@ std::string Summary(const Console* c) {
   return unsent ? text + ", " + waits : text;
 }
 
-void DrawHead(const Console* c) {
+void DrawHead(const QueuePane* p) {
   const Style& l = TheStyle();
-  Area head = c->layout.queue_head;
+  Area head = p->layout.queue_head;
   Fill(head, l.tool_bar);
   LineAtTop(head);
   LineAtBottom(head);
   head = head.Inset(12, 0);
-  head.w = c->layout.hold_job.x - head.x - 12;
+  head.w = p->layout.hold_job.x - head.x - 12;
   DrawLabel(l.bold, Align::kLeft, head, "Queue", l.ink);
   head.TakeLeft(XwTextWidthUtf8(l.bold, "Queue") + 8);
-  DrawLabel(l.small_text, Align::kLeft, head, Summary(c), l.second);
+  DrawLabel(l.small_text, Align::kLeft, head, Summary(p), l.second);
+}
+
+void DrawCell(const QueuePane* p, int row, int column, const CellLook& cell) {
+  const QueueRow& r = p->rows[size_t(row)];
+  if (const Transfer* t = r.transfer ? TransferOf(p, r) : nullptr)
+    DrawTransferCell(*t, column, cell);
+  else if (const NC_Job* job = JobOf(p, r))
+    DrawJobCell(p, *job, column, cell);
+}
+
+std::vector<Column> Columns() {
+  return {{"Document", 180, 4, Align::kLeft, false, 0, 14, 20},
+          {"Owner", 74, 1, Align::kLeft, false, 0, 8},
+          {"Printer", 112, 1, Align::kLeft, false, 0, 8},
+          {"Profile", 110, 1, Align::kLeft, false, 2, 8},
+          {"Progress", 216, 1, Align::kLeft, false, 0, 8},
+          {"Size", 82, 0, Align::kRight, false, 0, 8},
+          {"Submitted", 102, 0, Align::kLeft, false, 0, 14},
+          {"Priority", 72, 0, Align::kRight, false, 1, 14}};
 }
 
 }  // namespace
 
-void DrawQueuePane(Console* c) {
-  c->queue.SetFocused(HasKeyboard(c, FocusStop::kQueue));
-  c->queue.SetMuted(c->state.link != Link::kReady);
-  c->queue.SetEmptyText(c->state.link == Link::kReady ? "Nothing is waiting"
-                                                      : "The queue is not known yet");
-  DrawHead(c);
-  c->queue.Draw(c->hover);
+QueuePane::QueuePane(const Layout& layout_of_all, const ServerState& state_now)
+    : layout(layout_of_all),
+      state(state_now),
+      table(kQueue, Columns(), [this](int row, int column, const CellLook& cell) {
+        DrawCell(this, row, column, cell);
+      }) {}
+
+void QueuePane::MakeControls(XwWindow* w) {
+  constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+  table.MakeControls(w, kQueueControls, "Queue");
+  hold = XwButton(w, "Hold", kHoldCommand, 0, 0, 9, 9, kShown, 0);
+  release = XwButton(w, "Release", kReleaseCommand, 0, 0, 9, 9, kShown, 0);
+  remove = XwButton(w, "Remove", kRemoveCommand, 0, 0, 9, 9, kShown, 0);
+  XwDescribeControl(hold, "Hold Job");
 }
 
-void AddQueueHits(Console* c) {
-  c->queue.AddHits(&c->hits, [c](int row) -> Words {
-    const QueueRow& r = c->rows[size_t(row)];
-    if (const Transfer* t = r.transfer ? TransferOf(c, r) : nullptr)
+void QueuePane::Place() {
+  table.Place(layout.queue);
+  PlaceControl(hold, layout.hold_job);
+  PlaceControl(release, layout.release_job);
+  PlaceControl(remove, layout.remove_job);
+}
+
+void QueuePane::AddHits(Hits* hits) const {
+  table.AddHits(hits, [this](int row) -> Words {
+    const QueueRow& r = rows[size_t(row)];
+    if (const Transfer* t = r.transfer ? TransferOf(this, r) : nullptr)
       return {XWA_ROW, 0, Shown(t->order.document), TransferText(*t)};
-    const NC_Job* job = JobOf(c, r);
-    return job ? Words{XWA_ROW, 0, Shown(job->document), JobText(c, *job)} : Words{};
+    const NC_Job* job = JobOf(this, r);
+    return job ? Words{XWA_ROW, 0, Shown(job->document), JobText(this, *job)} : Words{};
   });
 }
 
-void DrawQueueCell(Console* c, int row, int column, const CellLook& cell) {
-  const QueueRow& r = c->rows[size_t(row)];
-  if (const Transfer* t = r.transfer ? TransferOf(c, r) : nullptr)
-    DrawTransferCell(*t, column, cell);
-  else if (const NC_Job* job = JobOf(c, r))
-    DrawJobCell(c, *job, column, cell);
+void QueuePane::Draw(const Hit& hover, bool focused) {
+  table.SetFocused(focused);
+  table.SetMuted(state.link != Link::kReady);
+  table.SetEmptyText(state.link == Link::kReady ? "Nothing is waiting"
+                                                : "The queue is not known yet");
+  DrawHead(this);
+  table.Draw(hover);
 }
 
-void FillQueue(Console* c) {
-  const QueueRow* row = SelectedRow(c);
-  QueueRow kept = row ? *row : c->missing;
-  for (const Arrival& a : c->state.arrivals)
+void QueuePane::Fill() {
+  const QueueRow* row = SelectedRow(this);
+  QueueRow kept = row ? *row : missing;
+  for (const Arrival& a : state.arrivals)
     if (kept.transfer == a.number) kept = {0, a.id};
-  c->rows.clear();
-  for (const Transfer& t : c->state.transfers) c->rows.push_back({t.number, {}});
-  for (const NC_Job& job : *c->state.jobs) c->rows.push_back({0, IdOf(job)});
-  c->queue.SetRows(int(c->rows.size()));
+  rows.clear();
+  for (const Transfer& t : state.transfers) rows.push_back({t.number, {}});
+  for (const NC_Job& job : *state.jobs) rows.push_back({0, IdOf(job)});
+  table.SetRows(int(rows.size()));
   // What is sent can be gone for a moment before the list that shows it as a job has come.
-  if (kept == QueueRow{}) return c->queue.KeepSelected(-1);
-  const auto it = std::find(c->rows.begin(), c->rows.end(), kept);
-  const bool found = it != c->rows.end();
-  c->queue.KeepSelected(found ? int(it - c->rows.begin()) : -1);
-  c->missing = found ? QueueRow{} : kept;
+  if (kept == QueueRow{}) return table.KeepSelected(-1);
+  const auto it = std::find(rows.begin(), rows.end(), kept);
+  const bool found = it != rows.end();
+  table.KeepSelected(found ? int(it - rows.begin()) : -1);
+  missing = found ? QueueRow{} : kept;
 }
 
-bool CanChange(const Console* c, JobAction action) {
-  const QueueRow* row = SelectedRow(c);
+bool QueuePane::CanChange(JobAction action) const {
+  const QueueRow* row = SelectedRow(this);
   if (!row) return false;
-  if (const Transfer* t = row->transfer ? TransferOf(c, *row) : nullptr)
+  if (const Transfer* t = row->transfer ? TransferOf(this, *row) : nullptr)
     return action == JobAction::kRemove
                ? t->state != Sending::kCancelling
                : action == JobAction::kRelease && t->state == Sending::kFailed;
-  const NC_Job* job = JobOf(c, *row);
-  if (!job || c->state.link == Link::kAway || PendingText(c, row->job)) return false;
+  const NC_Job* job = JobOf(this, *row);
+  if (!job || state.link == Link::kAway || PendingText(this, row->job)) return false;
   switch (action) {
     case JobAction::kHold:
       return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING ||
@@ -276,15 +312,15 @@ bool CanChange(const Console* c, JobAction action) {
   }
 }
 
-void ChangeSelected(Console* c, JobAction action) {
-  if (!CanChange(c, action)) return;
-  const QueueRow row = *SelectedRow(c);
+void QueuePane::Change(JobAction action, Server* server) const {
+  if (!CanChange(action)) return;
+  const QueueRow row = *SelectedRow(this);
   if (!row.transfer)
-    c->server.Change(row.job, action);
+    server->Change(row.job, action);
   else if (action == JobAction::kRemove)
-    c->server.Cancel(row.transfer);
+    server->Cancel(row.transfer);
   else
-    c->server.Retry(row.transfer);
+    server->Retry(row.transfer);
 }
 
 }  // namespace console
