@@ -353,7 +353,8 @@ void Toolbars() {  // any words; texts where the type wants some
     static XwToolbarItem items[9];
     for (XwToolbarItem& item : items) {
       const auto type = uint32_t(rng() % 16);
-      const void* data = type == 2 || type == 3 ? texts : rng() % 2 ? texts[0] : nullptr;
+      const void* data = rng() % 2 ? texts[0] : nullptr;
+      if (type == 2 || type == 3) data = texts;
       if (type == 6) data = rng() % 2 ? IC_ARROWS : nullptr;
       item = {type << 24 | uint32_t(rng() & 0xC00007FF), reinterpret_cast<XwValue>(data),
               int32_t(rng() % 5), 0};
@@ -418,13 +419,14 @@ std::vector<Row> Calls() {
       XwPointerIsGrabbed, XwSetCursor, XwCreateDocked, XwDestroy, XwFind, IsSubWindow, AddSubWindow,
       XwMove, XwCenter, XwSetFullScreen, XwSetSizes, XwShow, XwEnable, XwSetFocus, XwDrawTextUtf8,
       XwTextWidthUtf8, XwGetText, XwGetValue, XwSetSliderRange, XwSetScrollRange, XwGetTextUtf8,
-      XwGetFocus, XwFocusControl, XwSetTip, XwGetScale, XwSetDefaultButtons, XwSetTab,
-      XwDescribeControl, XwSetGround, XwSetScrollHandler, XwSetActivationHandler, XwSetProgramIcon,
-      XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop, XwClip, ResetClipMask, XwSetColor,
-      XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect, XwDrawRect, XwDrawLine,
-      XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole, XwDrawBorder, XwDrawSeparator,
-      XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm, XwTextWidth, XwTextTrim,
-      XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon, XwDrawIcon);
+      XwGetFocus, XwFocusControl, XwSetToolbarItem, XwGetToolbarItem, XwSetTip, XwGetScale,
+      XwSetDefaultButtons, XwSetTab, XwDescribeControl, XwSetGround, XwSetScrollHandler,
+      XwSetActivationHandler, XwSetProgramIcon, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush,
+      XwPop, XwClip, ResetClipMask, XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox,
+      XwFillRect, XwDrawRect, XwDrawLine, XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole,
+      XwDrawBorder, XwDrawSeparator, XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm,
+      XwTextWidth, XwTextTrim, XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon,
+      XwDrawIcon);
   const Row special[] = {
       // These open and end the test's session, never return, or have nothing to vary.
       {"XwSession XwEndSession XwRunEventLoop GetApplicationBundleFSSpec", nullptr},
@@ -438,7 +440,7 @@ std::vector<Row> Calls() {
        Controls},
       {"XwSetIconOutline XwFillPath XwStrokePath", Outlines},
       {"XwConfirm XwConfirmUtf8", Alerts},
-      {"XwSetToolbar XwShowToolbar XwSetToolbarItem XwGetToolbarItem", Toolbars},
+      {"XwSetToolbar XwShowToolbar", Toolbars},
       {"XwSetMenu XwPopupMenu XwPopupList XwPopupLocation XwEnableMenuItem XwChangeMenuItemText "
        "XwChangeMenuItemFlags XwCheckMenuItem XwCheckMenuRadioItem XwGetMenuItemState "
        "XwGetMenuRadioItem XwGetMenuItemText XwSetMenuItemKey",
