@@ -61,7 +61,7 @@ TEST(Tips, TheyShowWhereThePointerRests) {
     if (!row.shows) continue;
     EXPECT_EQ(Tip()->content.top, row.top);
     EXPECT_EQ(Tip()->content.left, row.x);
-    EXPECT_GT(Tip()->content.width(), 30);
+    EXPECT_GT(Tip()->content.width(), 20);
     // It stays while the pointer moves over the same thing, and no time ends it.
     input::MovePointer(row.x + 3, row.y + 1);
     RunFor(3);
