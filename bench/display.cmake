@@ -3,6 +3,7 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
 quorvik_bench(first_frame first_frame.cc)
 quorvik_bench(first_frame_hello first_frame_hello.c LIBS xw)
+quorvik_bench(console_window console_window.cc LIBS console)
 quorvik_bench(gallery first_frame.cc)
 quorvik_bench(gallery_window gallery_window.c LIBS xw)
 quorvik_bench(lists_frame first_frame.cc)
@@ -28,7 +29,7 @@ foreach(bench first_frame gallery lists_frame)
 endforeach()
 target_compile_definitions(bench_first_frame PRIVATE
   PROGRAM="$<TARGET_FILE:bench_first_frame_hello>" WIDTH="320" HEIGHT="184" ROWS="0"
-  TIME_RATIO="time_ratio")
+  TIME_RATIO="time_ratio" CONSOLE="$<TARGET_FILE:bench_console_window>")
 # The floors' windows are as large as those of the programs with their menu bars.
 target_compile_definitions(bench_gallery PRIVATE
   PROGRAM="$<TARGET_FILE:bench_gallery_window>" WIDTH="800" HEIGHT="624" ROWS="0"
@@ -36,7 +37,7 @@ target_compile_definitions(bench_gallery PRIVATE
 target_compile_definitions(bench_lists_frame PRIVATE
   PROGRAM="$<TARGET_FILE:bench_lists_window>" WIDTH="320" HEIGHT="208" ROWS="100000"
   TIME_RATIO="frame_ratio")
-add_dependencies(bench_first_frame bench_first_frame_hello)
+add_dependencies(bench_first_frame bench_first_frame_hello bench_console_window)
 add_dependencies(bench_gallery bench_gallery_window)
 add_dependencies(bench_lists_frame bench_lists_window)
 

@@ -219,14 +219,8 @@ void XwBeep(void);
  * has passed by unseen in the replay is left out: one that comes later in the recording is there
  * instead, or the state before it holds still when it has taken longer than it did. */
 void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data);
-/* Record and replay. XW_RECORD=file keeps a session's raw input as lines of text, XW_REPLAY=file
- * plays it back, without the user. What comes from elsewhere, such as a worker's result, is not in
- * the file; so that it is taken up at the same place again, a program asks here each time it looks
- * for one. `what` is one word, `detail` one line that tells this result from others; null when none
- * has come. The result is null: nothing is to be taken up now. Otherwise it is the detail of what
- * must be: `detail` itself, or, when replaying, that of the recording (in a static buffer), and the
- * program waits until it has this one. */
-const char* XwTakeUp(const char* what, const char* detail);
+/* Record and replay. XW_RECORD=file keeps a session's raw input, and where it took results, as
+ * lines of text; XW_REPLAY=file plays it back, without the user. */
 /* 1 while a recording is played back. */
 int XwReplaying(void);
 
@@ -960,9 +954,9 @@ void XwFreeImage(uint8_t* image);
 void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* image);
 /* The same for w x h pixels anywhere. They stay the caller's, and may be freed afterwards. */
 void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels);
-/* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device
- * shows the one that lies nearest. So one with as many pixels as the rectangle has on the device
- * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1: nothing. */
+/* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device has
+ * the one that is nearest. So a picture with as many pixels as the rectangle has on the device
+ * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1 draw nothing. */
 void XwPutImageScaled(int x, int y, int w, int h, const uint8_t* pixels, int width, int height);
 
 #ifdef __cplusplus

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "app/format/words.h"
 #include "printserver/visible.h"
 
 namespace console {
@@ -68,7 +69,7 @@ std::string Shown(const std::string& bytes) {
 }
 
 std::string CountText(int64_t n, const char* one, const char* many) {
-  return std::to_string(n) + " " + (n == 1 ? one : many);
+  return NumberOf(n, one, many);
 }
 
 }  // namespace console

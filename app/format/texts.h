@@ -16,7 +16,7 @@ std::string HourText(int64_t seconds, int64_t now);
 // A name or a message that comes from elsewhere: every script as it is, what cannot be seen as its
 // code.
 std::string Shown(const std::string& bytes);
-// "1 file", "14 files".
+// "1 file", "14,000 files".
 std::string CountText(int64_t n, const char* one, const char* many);
 
 }  // namespace console

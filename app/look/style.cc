@@ -53,6 +53,10 @@ void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32
                  ink, -1);
 }
 
+void DrawCaption(const Area& a, const char* text) {
+  DrawLabel(TheStyle().caption, Align::kLeft, {a.x, a.y + 9, a.w, 16}, text, TheStyle().second);
+}
+
 void Fill(const Area& a, int32_t colour) {
   if (!a.Empty()) XwBox(a.x, a.y, a.w, a.h, colour);
 }

@@ -36,6 +36,8 @@ inline void DrawLabel(XwFont* font, Align align, const Area& a, const std::strin
                       int32_t ink) {
   DrawLabel(font, align, a, text.c_str(), ink);
 }
+// Of a part of a pane.
+void DrawCaption(const Area& a, const char* text);
 void Fill(const Area& a, int32_t colour);
 // Hairlines along one side, inside the area.
 void LineAtTop(const Area& a);

@@ -1,7 +1,11 @@
-// The numbers that reports of controls and menus carry. A button of a command has the command's.
+// The numbers that hits, and reports of controls and menus carry. A button of a command has the
+// command's.
 #pragma once
 
 namespace console {
+
+// Owners of hits.
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -13,6 +17,7 @@ enum CommandId {
   kStopSendingCommand,
   kRefreshCommand,
   kUpCommand,
+  kFilterCommand,
   kSortByNameCommand,
   kSortBySizeCommand,
   kSortByDateCommand,

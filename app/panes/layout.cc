@@ -6,7 +6,7 @@ namespace console {
 namespace {
 
 constexpr int kTools = 40, kStatus = 26, kHead = 30;
-constexpr int kButton = 26, kStop = 18;
+constexpr int kButton = 26, kStop = 18, kFilter = 170;
 constexpr int kProfile = 192;  // with its label and a gap
 constexpr int kPlacesFrom = 900, kPlaces = 216;
 constexpr int kDetailsFrom = 1080, kDetails = 280;
@@ -79,6 +79,8 @@ Layout LayOut(int width, int height) {
   if (width >= kDetailsFrom) l.details = all.TakeRight(kDetails);
   l.folder_head = all.TakeTop(kHead);
   l.folder = all;
+  l.filter = {l.folder_head.right() - 12 - kFilter, l.folder_head.y + 3, kFilter, 24};
+  l.filter_label = {l.filter.x - 46, l.folder_head.y, 40, kHead - 1};
   LayOutTools(&l);
   LayOutQueueHead(&l);
   return l;

@@ -105,6 +105,7 @@ int Worker::SendDocument(const Transfer& t, const Document& document, std::strin
     Locked lock(shared_);
     for (Transfer& one : shared_->state.transfers)
       if (one.number == t.number) one.size = document.size();
+    shared_->Published();
   }
   int result = NC_CreateRequestID(fd, broken_.id.data()) == 1 ? 0 : NC_ERROR;
   Ended();
@@ -144,7 +145,6 @@ int Worker::Progress(void* context, int64_t sent, int64_t total) {
       t.sent = sent;
       t.total = total;
       t.silent_s = silent_s;
-      shared->Published();
     }
   }
   worker->Serve(kServeMs);
@@ -181,7 +181,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   }
   if (done || cancelled) {
     state.transfers.erase(it);
-    state.notices.push_back({done, (done ? "Sent: " : "Cancelled: ") + name});
+    shared_->AddNotice(done, (done ? "Sent: " : "Cancelled: ") + name);
   } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
     next_send_ = MonotonicMs() + kRetryMs;
@@ -189,7 +189,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
     broken_.times = 0;
     it->state = Sending::kFailed;
     it->text = why.empty() ? "the connection broke" : why;
-    state.notices.push_back({false, "Not sent: " + name + ", " + it->text});
+    shared_->AddNotice(false, "Not sent: " + name + ", " + it->text);
   }
 }
 

@@ -6,9 +6,11 @@
 
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <string_view>
 
 #include "app/server/shared.h"
+#include "toolkit/xw.h"
 
 namespace console {
 
@@ -20,12 +22,11 @@ int64_t MonotonicMs() {
 
 namespace {
 
-constexpr int kPatienceMs = 20000;
 // Nothing that the worker waits for outlasts the request to stop.
 constexpr int kStopMs = 200;
+constexpr size_t kNotices = 16;
 
-// What a person would see of the state, as one number. How far a transfer has come, and how long
-// its file has been silent, are left out: they depend on the network and the disk alone.
+// Texts and numbers, one after the other, as one number.
 class Digest {
  public:
   Digest& operator<<(std::string_view text) {
@@ -36,27 +37,32 @@ class Digest {
     for (int i = 0; i < 64; i += 8) value_ = (value_ ^ uint8_t(number >> i)) * 0x100000001B3u;
     return *this;
   }
-  std::string Text() const {
-    char text[32];
-    snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(value_));
-    return text;
-  }
+  uint64_t value() const { return value_; }
 
  private:
   uint64_t value_ = 0xCBF29CE484222325u;
 };
 
-std::string DigestOf(const ServerState& s) {
+uint64_t DigestOfLists(const ServerState& s) {
   Digest d;
-  d << int(s.link) << s.trouble << int64_t(s.jobs->size()) << int64_t(s.printers->size());
+  d << int64_t(s.jobs->size()) << int64_t(s.printers->size());
   for (const NC_Job& j : *s.jobs)
     d << j.document << j.owner << j.printer << j.text << int(j.state) << j.priority << j.copies
       << j.size << j.printed;
   for (const NC_Printer& p : *s.printers) d << p.name << int(p.state) << p.jobs << p.paper;
   for (const NC_Profile& p : *s.profiles) d << p.name;
-  for (const Transfer& t : s.transfers) d << t.number << int(t.state) << t.text;
-  for (const PendingChange& p : s.pending) d << int(p.action);
-  return d.Text();
+  return d.value();
+}
+
+// A state on its way to the main thread.
+struct Posted {
+  std::shared_ptr<Server::Shared> shared;
+  ServerState state;
+};
+
+void Take(void* data, int taken) {
+  const std::unique_ptr<Posted> posted(static_cast<Posted*>(data));
+  if (taken && posted->shared->show) posted->shared->show(std::move(posted->state));
 }
 
 }  // namespace
@@ -85,19 +91,62 @@ Locked::~Locked() {
   OS_ReleaseMutex(&shared_->mutex);
 }
 
-Server::Server(const std::string& host, bool replaying)
+int Server::Shared::QuietSeconds() const {
+  return call_began ? int((MonotonicMs() - call_began) / 1000) : 0;
+}
+
+std::string Server::Shared::Detail() {
+  // The lists may be long, and most states have those of the one before.
+  const void* lists[] = {state.jobs.get(), state.printers.get(), state.profiles.get()};
+  if (!std::equal(std::begin(lists), std::end(lists), hashed_)) {
+    std::copy(std::begin(lists), std::end(lists), hashed_);
+    lists_ = DigestOfLists(state);
+  }
+  Digest d;
+  d << int64_t(lists_) << int(state.link) << state.trouble;
+  for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.text;
+  for (const PendingChange& p : state.pending) d << int(p.action);
+  char text[100];
+  snprintf(text, sizeof text, "%016llx quiet %d retry %d notices %d",
+           static_cast<unsigned long long>(d.value()), state.quiet_s, state.retry_ms,
+           next_notice - 1);
+  return text;
+}
+
+void Server::Shared::Published() {
+  state.quiet_s = QuietSeconds();
+  std::string detail = Detail();
+  // Jobs that look the same may be others.
+  if (detail == detail_ && jobs_ == state.jobs) return;
+  detail_ = std::move(detail);
+  jobs_ = state.jobs;
+  XwPost("server", detail_.c_str(), Take, new Posted{shared_from_this(), state});
+}
+
+void Server::Shared::PublishQuiet() {
+  if (QuietSeconds() != state.quiet_s) Published();
+}
+
+void Server::Shared::AddNotice(bool good, const std::string& text) {
+  auto& all = state.notices;
+  all.push_back({good, text, next_notice++});
+  if (all.size() > kNotices) all.erase(all.begin());
+}
+
+Server::Server(const std::string& host, Show show)
     : host_(host.empty() ? "localhost" : host), shared_(std::make_shared<Shared>()) {
   shared_->host = host_;
-  shared_->keep = replaying;
-  if (replaying) shared_->kept.push_back(shared_->state);
+  shared_->show = std::move(show);
   worker_ = BackgroundTask([shared = shared_] { RunWorker(shared.get()); });
-  if (worker_.failed()) {
-    shared_->state.link = Link::kAway;
-    shared_->state.trouble = "no thread could be started";
-  }
+  if (!worker_.failed()) return;
+  Locked lock(shared_.get());
+  shared_->state.link = Link::kAway;
+  shared_->state.trouble = "no thread could be started";
+  shared_->Published();
 }
 
 Server::~Server() {
+  shared_->show = nullptr;
   {
     Locked lock(shared_.get());
     shared_->stop = true;
@@ -109,69 +158,16 @@ Server::~Server() {
   worker_.WaitFor(kStopMs);
 }
 
-std::string Server::News() {
+void Server::ShowProgress(std::vector<Transfer>* transfers) const {
   Locked lock(shared_.get());
-  const Shared& s = *shared_;
-  const int64_t now = MonotonicMs();
-  const int quiet = s.call_began ? int((now - s.call_began) / 1000) : 0;
-  if (s.change == seen_ && quiet == seen_quiet_) return "";
-  offered_ = s.state;
-  offered_change_ = s.change;
-  const int64_t retry = std::max<int64_t>(0, s.retry_at - now);
-  char text[100];
-  snprintf(text, sizeof text, "%s quiet %d retry %d notices %zu", DigestOf(offered_).c_str(), quiet,
-           int(retry), offered_.notices.size());
-  return text;
+  for (const Transfer& now : shared_->state.transfers)
+    for (Transfer& t : *transfers)
+      if (t.number == now.number) t.sent = now.sent, t.total = now.total, t.silent_s = now.silent_s;
 }
 
-// Takes states out of those that were kept, up to the one with this digest and so many notices.
-bool Server::TakeKept(const char* digest, size_t notices, ServerState* state) {
+void Server::Tick() {
   Locked lock(shared_.get());
-  auto& kept = shared_->kept;
-  while (!(seen_digest_ == digest && state->notices.size() >= notices) && !kept.empty()) {
-    std::vector<Notice> all = std::move(state->notices);
-    all.insert(all.end(), kept.front().notices.begin(), kept.front().notices.end());
-    *state = std::move(kept.front());
-    state->notices = std::move(all);
-    kept.pop_front();
-    seen_digest_ = DigestOf(*state);
-  }
-  if (kept.empty()) seen_ = shared_->change;
-  return seen_digest_ == digest && state->notices.size() >= notices;
-}
-
-void Server::TakeUp(const std::string& news, ServerState* state) {
-  char digest[32] = "";
-  int quiet = 0, retry = 0;
-  size_t notices = 0;
-  sscanf(news.c_str(), "%31s quiet %d retry %d notices %zu", digest, &quiet, &retry, &notices);
-  state->notices.clear();
-  if (shared_->keep) {
-    const int64_t give_up = MonotonicMs() + kPatienceMs;
-    while (!TakeKept(digest, notices, state) && MonotonicMs() < give_up) OS_Sleep(1);
-    if (seen_digest_ != digest)
-      fprintf(stderr, "replay: the server did not come to %s\n", news.c_str());
-  } else {
-    Locked lock(shared_.get());
-    seen_ = offered_change_;
-    auto& all = shared_->state.notices;
-    all.erase(all.begin(), all.begin() + ptrdiff_t(offered_.notices.size()));
-    *state = std::move(offered_);
-  }
-  seen_quiet_ = state->quiet_s = quiet;
-  state->retry_ms = retry;
-}
-
-void Server::StopKeeping() {
-  Locked lock(shared_.get());
-  if (!shared_->keep) return;
-  shared_->keep = false;
-  std::vector<Notice> notices;
-  for (const ServerState& s : shared_->kept)
-    notices.insert(notices.end(), s.notices.begin(), s.notices.end());
-  shared_->kept.clear();
-  shared_->state.notices = std::move(notices);
-  seen_ = 0;
+  shared_->PublishQuiet();
 }
 
 int Server::Send(PrintOrder order) {

@@ -9,6 +9,7 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,6 +51,7 @@ struct Transfer {
 struct Notice {
   bool good = true;
   std::string text;  // UTF-8
+  int number = 0;    // from 1 on
 };
 
 // A transfer that has become a job.
@@ -67,7 +69,8 @@ struct PendingChange {
 // What is known. The lists stay when the server goes away.
 struct ServerState {
   Link link = Link::kConnecting;
-  int retry_ms = 0;     // away: until the next try, counted from when the state came
+  int retry_ms = 0;     // away: until the next try, counted from when it went
+  int away_times = 0;   // how often it has gone away
   int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
   std::string trouble;  // away: why, in a few words
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
@@ -75,30 +78,28 @@ struct ServerState {
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
   std::vector<Transfer> transfers;
   std::vector<PendingChange> pending;
-  std::vector<Notice> notices;    // since the last look
+  std::vector<Notice> notices;    // the last few
   std::vector<Arrival> arrivals;  // the last few
 };
 
 class Server {
  public:
+  // Gets each new state on the main thread, between two events; of those that came while it was
+  // busy the newest.
+  using Show = std::function<void(ServerState)>;
   // Starts the worker. `host` empty: localhost.
-  // `replaying`: keeps each state until it is taken up.
-  explicit Server(const std::string& host, bool replaying = false);
+  Server(const std::string& host, Show show);
   // Cancels what is being sent and ends the worker, whatever it is waiting for. One that hangs in
-  // reading a document is left to end by itself.
+  // reading a document is left to end by itself. Nothing is shown afterwards.
   ~Server();
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
   const std::string& host() const { return host_; }
-  // Words that tell the newest state from others, when something has changed since it was last
-  // taken up; else empty.
-  std::string News();
-  // Takes up the state that these words tell of. Usually that of the last News(); in a replay the
-  // worker may be ahead of it or behind, and is then waited for.
-  void TakeUp(const std::string& news, ServerState* state);
-  // The replay is over: from now on the newest state counts.
-  void StopKeeping();
+  // How far those in the state have come by now.
+  void ShowProgress(std::vector<Transfer>* transfers) const;
+  // To be called each second: a server that has been silent for another one is a new state.
+  void Tick();
   // The order's number as a transfer.
   int Send(PrintOrder order);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
@@ -113,17 +114,9 @@ class Server {
   struct Shared;
 
  private:
-  bool TakeKept(const char* digest, size_t notices, ServerState* state);
-
   std::string host_;
   std::shared_ptr<Shared> shared_;
   BackgroundTask worker_;
-  // What the last News() told of: the worker may have published more since.
-  ServerState offered_;
-  int64_t offered_change_ = 0;
-  int64_t seen_ = 0;
-  int seen_quiet_ = 0;
-  std::string seen_digest_;
 };
 
 }  // namespace console

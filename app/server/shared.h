@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <deque>
+#include <memory>
+#include <string>
 
 #include "app/server/server.h"
 #include "os/final_path.h"
@@ -13,35 +15,42 @@ namespace console {
 
 int64_t MonotonicMs();
 
-struct Server::Shared {
+struct Server::Shared : std::enable_shared_from_this<Shared> {
   Shared();
   ~Shared();
 
   pthread_mutex_t mutex;
   pthread_cond_t wake;                   // on the monotonic clock
-  ServerState state;                     // retry_ms and quiet_s are filled in when it is taken up
-  int64_t change = 1;                    // counts what was published
+  ServerState state;                     // quiet_s is filled in when it is published
   int64_t retry_at = 0, call_began = 0;  // MonotonicMs; 0: none
   std::deque<PendingChange> changes;     // not yet begun
   bool stop = false, refresh = false;
-  int next_number = 1;
+  int next_number = 1, next_notice = 1;
   int cancelled = 0;  // the transfer that is to be broken off
   // What ends the worker's waiting when it is to stop: its connections are shut down, and this
   // becomes readable for the one that is just being made.
   int open[2] = {-1, -1};
   os::Handle stopped;
   std::string host;
-  // Each state that was published and not taken up: for a replay, which may have to take up one
-  // that the next has replaced.
-  bool keep = false;
-  std::deque<ServerState> kept;
+  Show show;  // the main thread's; null once the server has ended
 
   // After a change of the state, under the mutex.
-  void Published() {
-    ++change;
-    if (keep) kept.push_back(state);
-    if (keep) state.notices.clear();
-  }
+  void Published();
+  // The same for a change of how long the server has been silent, if there is one.
+  void PublishQuiet();
+  void AddNotice(bool good, const std::string& text);
+
+ private:
+  int QuietSeconds() const;
+  // Words that tell the state from others, as far as a person would see a difference. How far a
+  // transfer has come, and how long its file has been silent, are left out: they depend on the
+  // network and the disk alone.
+  std::string Detail();
+  // Of what was published last.
+  std::string detail_;
+  std::shared_ptr<const std::vector<NC_Job>> jobs_;
+  uint64_t lists_ = 0;  // what the lists add to the words
+  const void* hashed_[3] = {};
 };
 
 // Owns the mutex as long as it lives.

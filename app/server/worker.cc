@@ -12,7 +12,7 @@ namespace console {
 namespace {
 
 constexpr int kConnectMs = 3000, kCallMs = 5000;
-constexpr int kPollMs = 700;
+constexpr int kPollMs = 1000;
 constexpr size_t kMostUnwanted = 64;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
 
@@ -57,6 +57,8 @@ void Worker::GoAway(const std::string& trouble) {
   shared_->state.link = Link::kAway;
   shared_->state.trouble = trouble;
   shared_->retry_at = MonotonicMs() + retry_ms_;
+  shared_->state.retry_ms = retry_ms_;
+  ++shared_->state.away_times;
   shared_->call_began = 0;
   shared_->Published();
 }
@@ -173,7 +175,7 @@ void Worker::Answered(const PendingChange& change, int status) {
   std::string text = (done ? kDone : kNotDone)[int(change.action)] + (": " + name);
   if (status >= 0 && !done) text += std::string(", ") + nc::RefusalText(status, nc::Asked::kJob);
   if (status < 0) text += ", the connection broke";
-  state.notices.push_back({done, text});
+  shared_->AddNotice(done, text);
   shared_->Published();
 }
 

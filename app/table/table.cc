@@ -22,6 +22,7 @@ constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 void Table::MakeControls(XwWindow* window, int id, const char* name) {
   id_ = id;
   bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, kRowHeight, 1, 0);
+  name_ = name;
   XwDescribeControl(bar_, name);
   for (size_t i = 0; i < columns_.size(); ++i) {
     const Column& c = columns_[i];
@@ -186,6 +187,20 @@ void Table::ResetColumns() {
   PlaceControls();
 }
 
+std::vector<int> Table::AskedWidths() const {
+  const bool any = std::any_of(asked_.begin(), asked_.end(), [](int width) { return width > 0; });
+  return any ? asked_ : std::vector<int>();
+}
+
+void Table::AskWidths(std::vector<int> widths) {
+  widths.resize(columns_.size());
+  for (size_t i = 0; i < widths.size(); ++i)
+    if (widths[i] > 0) widths[i] = std::max(widths[i], LeastWidth(int(i)));
+  asked_ = std::move(widths);
+  LayOutColumns();
+  PlaceControls();
+}
+
 Area Table::ColumnArea(int column) const {
   if (column < 0 || size_t(column) >= width_.size() || width_[size_t(column)] == 0) return {};
   return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
@@ -324,17 +339,20 @@ int32_t CellColor(const CellLook& c, int32_t colour) {
   return c.muted ? Dimmed(colour, c.background) : colour;
 }
 
-void Table::AddHits(Hits* hits) const {
+void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words) const {
   if (area_.Empty()) return;
   const Area body = Body();
-  hits->Add({owner_, kBody, 0}, body);
+  const uint32_t state = XWT_FOCUSABLE | (focused_ ? uint32_t{XWT_FOCUSED} : 0);
+  hits->Add({owner_, kBody, 0}, body, {XWA_TABLE, state, name_, std::to_string(rows_)});
   if (!body.Empty()) {
     const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
     for (int row = top_ / kRowHeight; row < last; ++row) {
       Area a = RowArea(row);
       if (a.y < body.y) a.h -= body.y - a.y, a.y = body.y;
       a.h = std::min(a.h, body.bottom() - a.y);
-      hits->Add({owner_, kRow, row}, a);
+      Words said = words ? words(row) : Words{};
+      if (row == selected_) said.state |= XWT_SELECTED;
+      hits->Add({owner_, kRow, row}, a, said);
     }
   }
   for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));
@@ -402,9 +420,10 @@ void Table::Draw(const Hit& hover) {
   DrawHeader(hover);
   if (!body.Empty()) {
     XwClip(uint16_t(body.x), uint16_t(body.y), uint16_t(body.w), uint16_t(body.h));
-    Fill(body, l.document);
     const int last = std::min<int64_t>(rows_, (int64_t{top_} + body.h - 1) / kRowHeight + 1);
     for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
+    const int below = std::max(body.y, RowArea(last).y);
+    Fill({body.x, below, body.w, body.bottom() - below}, l.document);
     if (rows_ == 0)
       DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
     if (focused_ && (rows_ == 0 || selected_ < 0)) {

@@ -7,6 +7,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "app/look/hits.h"
@@ -73,12 +74,13 @@ class Table {
   void SetFocused(bool on) { focused_ = on; }
   void SetMuted(bool on) { muted_ = on; }
   // Shown in the middle of a table without rows.
-  void SetEmptyText(const char* text) { empty_ = text; }
+  void SetEmptyText(std::string text) { empty_ = std::move(text); }
   // The column that shows the arrow, -1 none.
   void SetSort(int column, bool descending);
 
   void Draw(const Hit& hover);
-  void AddHits(Hits* hits) const;
+  // `words` says what a row is; the table is called as its bar is.
+  void AddHits(Hits* hits, const std::function<Words(int row)>& words = {}) const;
 
   // Arrows, Home, End, Page Up, Page Down: true when the key was one of them.
   bool Key(int type);
@@ -92,6 +94,10 @@ class Table {
   void Release() { dragging_ = false; }
   // Columns as wide as they were at first.
   void ResetColumns();
+  // The widths that the user has given, a number a column, 0 where it is the usual one; empty when
+  // all are. Too few ask nothing of the other columns, and those too many are passed over.
+  std::vector<int> AskedWidths() const;
+  void AskWidths(std::vector<int> widths);
 
   const Area& area() const { return area_; }
   // What the rows take: without header and scroll bar.
@@ -133,8 +139,9 @@ class Table {
   int border_ = 0;         // of which column
   int grip_ = 0;           // where beside the border it was pressed
   float wheel_ = 0;        // of a pixel not yet moved
-  const char* empty_ = "";
+  std::string empty_;
   int id_ = 0;
+  std::string name_;
   XwWindow* bar_ = nullptr;
   std::vector<XwWindow*> heads_;  // null for columns that do not sort
 };

@@ -12,23 +12,26 @@ bool Always(const Console*) {
   return true;
 }
 bool HasSelection(const Console* c) {
-  return c->files.selected() >= 0;
+  return c->files.table.selected() >= 0;
 }
 bool HasParent(const Console* c) {
-  return c->folder.path() != "/";
+  return c->files.folder.path() != "/";
 }
 template <JobAction action>
 bool CanDo(const Console* c) {
-  return CanChange(c, action);
+  return c->queue.CanChange(action);
 }
 template <JobAction action>
 void Do(Console* c) {
-  ChangeSelected(c, action);
+  c->queue.Change(action, &c->server);
 }
 bool IsSending(const Console* c) {
   for (const Transfer& t : c->state.transfers)
     if (t.state == Sending::kSending) return true;
   return false;
+}
+void GoToFilter(Console* c) {
+  SetFocusStop(c, FocusStop::kFilter);
 }
 template <int column>
 void Sort(Console* c) {
@@ -70,6 +73,7 @@ constexpr Command kCommands[] = {
     {kRefreshCommand, kViewMenu, false, "Refresh", Always, RefreshAll, 'r', kInBoth, XWE_F1 + 4},
     {kUpCommand, kViewMenu, false, "Enclosing Folder", HasParent, GoUp, XWE_UP, kInFiles,
      XWE_BACKSPACE},
+    {kFilterCommand, kViewMenu, false, "Filter Files", Always, GoToFilter, 'f'},
     {kSortByNameCommand, kViewMenu, true, "Sort by Name", Always, Sort<0>, '1'},
     {kSortBySizeCommand, kViewMenu, false, "Sort by Size", Always, Sort<1>, '2'},
     {kSortByDateCommand, kViewMenu, false, "Sort by Date", Always, Sort<2>, '3'},

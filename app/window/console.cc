@@ -11,8 +11,9 @@
 namespace console {
 namespace {
 
-constexpr int kFirstWidth = 1200, kFirstHeight = 756;
-constexpr int kMessageTicks = 60;
+constexpr int kTickMs = 1000, kProgressMs = 100;
+// Drawing the program's icons takes longer than the first picture, which they are not to hold up.
+constexpr int kIconMs = 60;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
 constexpr int kLastWaitMs = 50;
@@ -20,32 +21,15 @@ constexpr int kLastWaitMs = 50;
 // The handlers of a window carry no argument of the program's: there is one console.
 Console* g_console;
 
-std::vector<Column> FileColumns() {
-  return {{"Name", 220, 1, Align::kLeft, true, 0, 12},
-          {"Size", 110, 0, Align::kRight, true, 0, 6},
-          {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
-}
-
-std::vector<Column> QueueColumns() {
-  return {{"Document", 180, 4, Align::kLeft, false, 0, 14, 20},
-          {"Owner", 74, 1, Align::kLeft, false, 0, 8},
-          {"Printer", 112, 1, Align::kLeft, false, 0, 8},
-          {"Profile", 110, 1, Align::kLeft, false, 2, 8},
-          {"Progress", 216, 1, Align::kLeft, false, 0, 8},
-          {"Size", 82, 0, Align::kRight, false, 0, 8},
-          {"Submitted", 102, 0, Align::kLeft, false, 0, 14},
-          {"Priority", 72, 0, Align::kRight, false, 1, 14}};
-}
-
 // --- Drawing
 
 void AddAllHits(Console* c) {
   c->hits.Begin();
   if (!c->asking) {
-    AddPlacesHits(c);
-    AddFolderHits(c);
-    AddQueueHits(c);
-    AddStatusHits(c);
+    c->places.AddHits(c->files.folder.path(), &c->hits);
+    c->files.AddHits(&c->hits);
+    c->queue.AddHits(&c->hits);
+    c->status.AddHits(c->files.SelectionText(), &c->hits);
   }
   c->hits.End();
 }
@@ -122,7 +106,7 @@ namespace {
 
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
-  Table& table = files ? c->files : c->queue;
+  Table& table = files ? c->files.table : c->queue.table;
   if (IsBorder(hit)) {
     if (twice) table.ResetColumns();
     table.Press(hit, Inp.px);
@@ -130,7 +114,7 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
   table.Press(hit, Inp.px);
-  if (!files) c->missing = {};
+  if (!files) c->queue.missing = {};
   c->damage |= PaneOf(hit);
   if (!files) return;
   FilesChanged(c);
@@ -173,7 +157,7 @@ namespace {
 void Use(Console* c, const Hit& hit) {
   switch (hit.owner) {
     case kPlaces:
-      EnterFolder(c, c->places[size_t(hit.index)].path, "");
+      EnterFolder(c, c->places.places[size_t(hit.index)].path, "");
       break;
     case kCrumbs:
       PressCrumb(c, hit.index);
@@ -190,8 +174,8 @@ void Release(Console* c) {
   if (Inp.state & 1) return;  // another button
   const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
   c->pressed = {};
-  c->files.Release();
-  c->queue.Release();
+  c->files.table.Release();
+  c->queue.table.Release();
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
@@ -199,7 +183,7 @@ void Release(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  const bool files = c->files.Drag(Inp.px), queue = c->queue.Drag(Inp.px);
+  const bool files = c->files.table.Drag(Inp.px), queue = c->queue.table.Drag(Inp.px);
   if (files) c->damage |= kFolderPane;
   if (queue) c->damage |= kQueuePane;
   if (files || queue) c->last_press = 0;  // what was dragged was not clicked
@@ -214,24 +198,24 @@ void Scrolled(float, float dy) {
   if (!c || c->asking) return;
   const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
-  if (files && c->files.Wheel(dy)) c->damage |= kFolderPane;
-  if (queue && c->queue.Wheel(dy)) c->damage |= kQueuePane;
+  if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
+  if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
   DrawConsole(c);
 }
 
 // --- Keyboard
 
 void FilesKey(Console* c, int type) {
-  if (!c->files.Key(type)) {
-    if (type <= ' ' || type > 126) return;
-    FindLetter(c, type);
+  if (!c->files.table.Key(type)) {
+    if (type < ' ' || type > 126) return;
+    c->files.Find(type, Inp.time);
   }
   FilesChanged(c);
 }
 
 void QueueKey(Console* c, int type) {
-  if (c->queue.Key(type)) {
-    c->missing = {};
+  if (c->queue.table.Key(type)) {
+    c->queue.missing = {};
     c->damage |= kQueuePane;
   } else if (type == ' ') {
     RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
@@ -260,7 +244,8 @@ void MoveFocus(Console* c, int by) {
 
 void Escape(Console* c) {
   StopReading(c);
-  c->message_ticks = 0;
+  if (c->files.folder.rows().filtered()) SetFilter(c, "");
+  c->status.ForgetMessage();
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
@@ -283,28 +268,41 @@ void Key(Console* c, int type) {
 
 // --- Time
 
-void TakeUpServer(Console* c) {
-  if (!XwReplaying()) c->server.StopKeeping();
-  const std::string news = c->server.News();
-  const char* wanted = XwTakeUp("server", news.empty() ? nullptr : news.c_str());
-  if (!wanted) return;
-  c->server.TakeUp(wanted, &c->state);
+void ServerChanged(Console* c, ServerState state) {
+  if (state.away_times != c->state.away_times) c->status.away_s = 0;
+  c->state = std::move(state);
   c->just_sent = 0;
-  c->state_ticks = 0;
-  for (const Notice& n : c->state.notices) Tell(c, n.good, n.text);
-  FillQueue(c);
+  for (const Notice& n : c->state.notices)
+    if (n.number > c->last_notice) Tell(c, n.good, n.text);
+  if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
+  XwTimer(c->window, kProgressTimer, 0);
+  if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
+  c->queue.Fill();
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  DrawConsole(c);
+  if (MayLeaveNow(c)) Quit(c);
+}
+
+void ShowProgress(Console* c) {
+  c->server.ShowProgress(&c->state.transfers);
+  c->damage |= kQueuePane | kStatusPane;
 }
 
 void Tick(Console* c) {
-  ++c->ticks;
-  ++c->state_ticks;
-  TakeUpServer(c);
-  TakeUpPlaces(c);
+  c->server.Tick();
   WatchFolder(c);
-  if (c->state.link == Link::kAway && c->state_ticks % (1000 / kTickMs) == 0)
-    c->damage |= kStatusPane;
-  if (c->message_ticks > 0 && --c->message_ticks == 0) c->damage |= kStatusPane;
+  if (c->status.Tick()) c->damage |= kStatusPane;
+  Remember(c);
+}
+
+void OnTimer(Console* c, int timer) {
+  if (timer == kTickTimer) Tick(c);
+  if (timer == kReadingTimer) ShowWait(c);
+  if (timer == kProgressTimer) ShowProgress(c);
+  if (timer == kIconTimer) {
+    XwTimer(c->window, kIconTimer, 0);
+    SetUpProgramIcon();
+  }
   if (MayLeaveNow(c)) Quit(c);
 }
 
@@ -342,10 +340,7 @@ int Handle(int type) {
       c->modifiers = Inp.state;
       break;
     case XWE_TIMER:
-      if (Inp.value == kTickTimer)
-        Tick(c);
-      else
-        TakeUpFolder(c, 0);
+      OnTimer(c, int(Inp.value));
       break;
     case XWE_CONTROL:
     case XWE_SCROLLING:
@@ -356,7 +351,7 @@ int Handle(int type) {
     case XWE_EDIT_SELECT:
     case XWE_EDIT_CHANGED:
     case XWE_EDIT_DONE:
-      EditCopies(c, Inp.type, Inp.value == 1);
+      UseEditBox(c, Inp.type, Inp.item, Inp.value == 1);
       break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
@@ -385,36 +380,42 @@ int Handle(int type) {
 
 }  // namespace
 
+void ShowSilence(int seconds) {
+  Console* c = g_console;
+  if (!c) return;
+  c->silent_s = seconds;
+  c->damage |= kFolderPane;
+  DrawConsole(c);
+}
+
 Console::Console(const std::string& host)
-    : files(kFiles, FileColumns(),
-            [this](int row, int column, const CellLook& cell) {
-              DrawFileCell(this, row, column, cell);
-            }),
-      server(host, XwReplaying()),
-      queue(kQueue, QueueColumns(), [this](int row, int column, const CellLook& cell) {
-        DrawQueueCell(this, row, column, cell);
-      }) {
+    : reader([this](FolderReading* reading) { FolderCame(this, reading); }),
+      watch([this] { FolderChanged(this); }),
+      server(host, [this](ServerState news) { ServerChanged(this, std::move(news)); }) {
   state.jobs = std::make_shared<std::vector<NC_Job>>();
   state.printers = std::make_shared<std::vector<NC_Printer>>();
   state.profiles = std::make_shared<std::vector<NC_Profile>>();
 }
 
-Console* OpenConsole(const std::string& host, const std::string& start) {
-  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, kFirstWidth);
-  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, kFirstHeight);
+Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered) {
+  const Preferences& p = remembered.preferences;
+  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, p.window_width);
+  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, p.window_height);
   XwWindow* w = XwCreate(0, 30, 80, width, height, Handle);
   if (!w) return nullptr;
   auto* c = new Console(host);
   g_console = c;
   c->window = w;
+  c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
-  SetUpProgramIcon();
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
-  c->folder.Begin(start);
+  XwTimer(w, kIconTimer, kIconMs);
+  c->files.folder.Begin(start);
+  ShowRemembered(c);
   FindPlaces(c);
   EnterFolder(c, start, "");
   SetUpCommands(c);
@@ -428,14 +429,14 @@ void CloseConsole(Console* c) {
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  FinishRemembering(c);
   g_console = nullptr;
   delete c;
   BackgroundTask::WaitForAll(kLastWaitMs);
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {
-  c->message = {good, utf8};
-  c->message_ticks = kMessageTicks;
+  c->status.Tell(good, utf8);
   c->damage |= kStatusPane;
 }
 
@@ -446,11 +447,13 @@ void DrawConsole(Console* c) {
   c->damage = 0;
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
-  if (damage & kPlacesPane) DrawPlacesPane(c);
-  if (damage & kFolderPane) DrawFolderPane(c);
-  if (damage & kDetailsPane) DrawDetailsPane(c);
-  if (damage & kQueuePane) DrawQueuePane(c);
-  if (damage & kStatusPane) DrawStatusPane(c);
+  if (damage & kPlacesPane) c->places.Draw(c->files.folder.path(), c->active, c->hover);
+  if (damage & kFolderPane)
+    c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
+  c->details.selected = c->files.table.selected();
+  if (damage & kDetailsPane) c->details.Draw();
+  if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
+  if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);
   XwPop();

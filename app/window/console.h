@@ -1,25 +1,26 @@
-// The console's one window: what it shows and what the user has chosen. Each pane of it is a file
-// that draws the pane and knows what can be hit there; console.cc routes the events.
+// The console's one window: what it shows and what the user has chosen. The panes
+// (app/panes) draw and know what can be hit there; console.cc routes the events.
 #pragma once
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/look/hits.h"
-#include "app/look/style.h"
-#include "app/model/folder.h"
-#include "app/panes/layout.h"
+#include "app/model/print_choice.h"
+#include "app/panes/details.h"
+#include "app/panes/files.h"
+#include "app/panes/ids.h"
+#include "app/panes/places.h"
+#include "app/panes/queue.h"
+#include "app/panes/status.h"
 #include "app/panes/tools.h"
 #include "app/server/server.h"
-#include "app/table/table.h"
+#include "app/work/arguments.h"
 #include "app/work/folder_reader.h"
+#include "app/work/folder_watch.h"
+#include "app/work/preferences_file.h"
 
 namespace console {
-
-// Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
-// Parts of the status line.
-enum StatusPart { kServer = 1 };
 
 // Panes, as bits: what is to be drawn again.
 enum Pane : unsigned {
@@ -42,38 +43,23 @@ enum class FocusStop {
   kCopies,
   kPriority,
   kHold,
+  kFilter,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
   return stop >= FocusStop::kPrint;
 }
 
-struct Place {
-  std::string name, path;
-};
-// Which of the places there are.
-struct PlaceFinder {
-  BackgroundTask task;
-  std::shared_ptr<std::vector<Place>> found;
-};
-
-// A row of the queue: a transfer of our own, or a job of the server.
-struct QueueRow {
-  int transfer = 0;  // its number, 0 for a job
-  JobId job{};
-  bool operator==(const QueueRow&) const = default;
+// What is kept between two runs, and what writes it down; null where nothing is to be written.
+struct Remembered {
+  Preferences preferences;
+  std::unique_ptr<PreferencesWriter> writer;
 };
 
 struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
-  PrintChoice choice;
-  ToolsPane tools{&choice};
-  XwWindow *hold_job = nullptr, *release_job = nullptr, *remove_job = nullptr;
-  XwWindow* stop_sending = nullptr;
-  // Those of commands: each is enabled when its command can be run.
-  std::vector<XwWindow*> buttons;
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -84,45 +70,39 @@ struct Console {
   uint32_t modifiers = 0;
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
+  // Buttons of commands: each is enabled when its command can be run.
+  std::vector<XwWindow*> buttons;
 
-  Folder folder;
+  // What is known, and what has been chosen. Results come to reader, watch and server.
   FolderReader reader;
-  int reading_ticks = 0;     // since the present reading was asked for
-  int silent_s = 0;          // seconds that a look for changes has had no answer
-  std::string reading_text;  // what is said of it
-  std::vector<Place> places;
+  FolderWatch watch;
   PlaceFinder finder;
-  std::string free_text;
-  std::string typed;  // the beginning of a name that is being looked for
-  int typed_at = 0;   // the tick of its last letter
-  Table files;
-
+  int reading_s = 0;        // since the present reading was asked for
+  int silent_s = 0;         // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;  // the same, on its way
   Server server;
   ServerState state;
-  int state_ticks = 0;  // since the state came
+  int last_notice = 0;  // that was shown
   int just_sent = 0;    // orders that are not yet in the state
-  std::vector<QueueRow> rows;
-  QueueRow missing;  // was selected when it went; selected again if it comes back
-  Table queue;
-
+  PrintChoice choice;
+  Remembered remembered;
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
 
-  Notice message;
-  int message_ticks = 0;
-  int ticks = 0;
+  ToolsPane tools{&choice};
+  PlacesPane places{layout, {}, ""};
+  FilesPane files{layout};
+  DetailsPane details{layout, files.folder, choice, state};
+  QueuePane queue{layout, state};
+  StatusPane status{layout, state, server.host()};
 };
 
-// A tick, and a short one while a folder is being read.
-constexpr int kTickMs = 100, kShortTickMs = 10;
-enum Timer { kTickTimer = 1, kShortTickTimer };
-// How long a replay waits for a result that the recording took up.
-constexpr int kReplayPatienceMs = 20000;
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
 
 // --- The window (console.cc)
-// Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
-// One console a process.
-Console* OpenConsole(const std::string& host, const std::string& start);
+// Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
+// one above it. Null when the display refuses. One console a process.
+Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered = {});
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
@@ -143,21 +123,22 @@ void PlaceControls(Console* c);
 void UpdateControls(Console* c);
 // What one reports.
 void UseControl(Console* c, int id, int value);
-// A report of the box of the copies: 788 (gained or lost), 789, 790.
-void EditCopies(Console* c, int type, bool gained);
+// A report of an edit box: 788 (gained or lost), 789, 790.
+void UseEditBox(Console* c, int type, int id, bool gained);
 // The control of a stop; null for the tables.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
 
-// --- The folder (folder_pane.cc)
-void DrawFolderPane(Console* c);
-void AddFolderHits(Console* c);
-void DrawFileCell(Console* c, int row, int column, const CellLook& cell);
+// --- The folder (browsing.cc)
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
 void EnterFolder(Console* c, const std::string& path, const std::string& select);
 void GoUp(Console* c);
-// Shows what has been read, waiting for it so many milliseconds at most.
-void TakeUpFolder(Console* c, int wait_ms);
-// What a tick does: looks for changes, and says what takes long.
+// Results of the reader and of the watch.
+void FolderCame(Console* c, FolderReading* reading);
+void FolderChanged(Console* c);
+void ShowSilence(int seconds);
+// Says that something is being read.
+void ShowWait(Console* c);
+// What a tick does: says what takes long.
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
@@ -165,31 +146,30 @@ void StopReading(Console* c);
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
-// Selects the next name that begins with what was typed within a second.
-void FindLetter(Console* c, int character);
+// Shows the files alone that match; "": all.
+void SetFilter(Console* c, const std::string& text);
 void PressCrumb(Console* c, int index);
+void FindPlaces(Console* c);
+// The one that is shown does not answer.
+bool FolderIsSilent(const Console* c);
 // A document that the desktop asks to open.
 void ShowDocument(Console* c, const char* path);
+// The files that the program was started with: the first is selected, and what is missing is told.
+void OpenFiles(Console* c, const FilesToOpen& files);
 
-// --- Places and details (side_panes.cc)
-void FindPlaces(Console* c);
-void TakeUpPlaces(Console* c);
-void DrawPlacesPane(Console* c);
-void AddPlacesHits(Console* c);
-void DrawDetailsPane(Console* c);
+// --- What is remembered (remembering.cc)
+// Reads the file of preferences. Without an answer the usual ones count, and nothing is written.
+Remembered Recall(const std::string& path);
+// The window follows what was remembered: before its first folder has been read.
+void ShowRemembered(Console* c);
+// Stores what has changed, in the background.
+void Remember(Console* c);
+// The same at the end: waits a little until it has been written.
+void FinishRemembering(Console* c);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
-
-// --- The queue (queue_pane.cc)
-void DrawQueuePane(Console* c);
-void AddQueueHits(Console* c);
-void DrawQueueCell(Console* c, int row, int column, const CellLook& cell);
-// After a new state: rows in order, the selection stays on its job.
-void FillQueue(Console* c);
-bool CanChange(const Console* c, JobAction action);
-void ChangeSelected(Console* c, JobAction action);
 
 // --- Quitting (quit_confirmation.cc)
 // Whether the window may close at once; else the question is shown, over everything else.
@@ -203,13 +183,5 @@ void QuestionKey(Console* c, int type);
 void PlaceQuestion(Console* c);
 // What lies around the sheet.
 void DrawAroundQuestion(const Console* c);
-
-// --- The status line (status_pane.cc)
-void DrawStatusPane(Console* c);
-void AddStatusHits(Console* c);
-// Something is being sent, or its cancelling is not yet answered.
-bool SendingRuns(const Console* c);
-// What the line says of the server, without its name.
-std::string ServerText(const Console* c);
 
 }  // namespace console

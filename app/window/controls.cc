@@ -7,33 +7,21 @@
 
 namespace console {
 
-constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
-
 void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
-  c->files.MakeControls(w, kFilesControls, "Files");
-  c->queue.MakeControls(w, kQueueControls, "Queue");
-  c->hold_job = XwButton(w, "Hold", kHoldCommand, 0, 0, 9, 9, kShown, 0);
-  c->release_job = XwButton(w, "Release", kReleaseCommand, 0, 0, 9, 9, kShown, 0);
-  c->remove_job = XwButton(w, "Remove", kRemoveCommand, 0, 0, 9, 9, kShown, 0);
-  c->stop_sending = XwButton(w, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9,
-                             XWC_ENABLED | XWC_ICON, 0);
-  XwDescribeControl(c->hold_job, "Hold Job");
-  XwDescribeControl(c->stop_sending, "Stop Sending");
-  c->buttons = {c->tools.print, c->tools.up,   c->tools.refresh, c->hold_job,
-                c->release_job, c->remove_job, c->stop_sending};
+  c->files.MakeControls(w);
+  c->queue.MakeControls(w);
+  c->status.MakeControls(w);
+  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,      c->queue.hold,
+                c->queue.release, c->queue.remove, c->status.stop_sending};
 }
 
 void PlaceControls(Console* c) {
-  const Layout& l = c->layout;
-  c->tools.Place(l);
-  c->files.Place(l.folder);
-  c->queue.Place(l.queue);
-  PlaceControl(c->hold_job, l.hold_job);
-  PlaceControl(c->release_job, l.release_job);
-  PlaceControl(c->remove_job, l.remove_job);
+  c->tools.Place(c->layout);
+  c->files.Place();
+  c->queue.Place();
   PlaceQuestion(c);
 }
 
@@ -51,6 +39,8 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kFilter:
+      return c->files.filter;
     default:
       return nullptr;
   }
@@ -72,20 +62,28 @@ void UpdateFocus(Console* c) {
 }  // namespace
 
 void UpdateControls(Console* c) {
-  PlaceControl(c->stop_sending, SendingRuns(c) ? c->layout.stop_sending : Area{});
+  c->status.Update();
   for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
   c->tools.Update(c->state, !c->asking);
   c->files.Enable(!c->asking);
-  c->queue.Enable(!c->asking);
+  c->queue.table.Enable(!c->asking);
   UpdateFocus(c);
 }
 
-void EditCopies(Console* c, int type, bool gained) {
-  if (type == XWE_EDIT_SELECT && gained) return SetFocusStop(c, FocusStop::kCopies);
-  c->tools.Edited(type);
-  c->damage |= kToolsPane;
-  if (type != XWE_EDIT_CHANGED && c->stop == FocusStop::kCopies && c->active &&
-      XwGetFocus(c->window) != c->tools.copies)
+void UseEditBox(Console* c, int type, int id, bool gained) {
+  const bool filter = id == kFilterControl;
+  const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
+  // The report that a box has got the keyboard may wait behind its first keys.
+  if (XwGetFocus(c->window) == ControlAt(c, stop)) SetFocusStop(c, stop);
+  if (type == XWE_EDIT_SELECT && gained) return;
+  if (filter && type == XWE_EDIT_CHANGED) SetFilter(c, c->files.FilterText());
+  // The report of its Escape takes that key's place.
+  if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
+  if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);
+  if (!filter) c->tools.Edited(type);
+  c->damage |= kToolsPane | kFolderPane | kDetailsPane;
+  if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
+      XwGetFocus(c->window) != ControlAt(c, stop))
     SetFocusStop(c, FocusStop::kFiles);
 }
 
@@ -93,21 +91,21 @@ void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
-  if (const int column = c->files.HeadOf(id); column >= 0) SortBy(c, column);
-  if (c->files.Scrolled(id, value)) c->damage |= kFolderPane;
-  if (c->queue.Scrolled(id, value)) c->damage |= kQueuePane;
+  if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
+  if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
+  if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
 }
 
 bool CanPrint(const Console* c) {
-  const int row = c->files.selected();
-  return row >= 0 && !c->folder.At(row).folder;
+  const int row = c->files.table.selected();
+  return row >= 0 && !c->files.folder.At(row).folder;
 }
 
 void PrintSelected(Console* c) {
-  const int row = c->files.selected();
+  const int row = c->files.table.selected();
   PrintOrder order;
-  order.path = c->folder.PathOf(row);
-  order.document = c->folder.At(row).name;
+  order.path = c->files.folder.PathOf(row);
+  order.document = c->files.folder.At(row).name;
   order.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
   order.printer = printer ? printer->name : c->choice.printer;

@@ -101,8 +101,8 @@ bool AskBeforeQuit(Console* c) {
   if (!c->question) MakeQuestion(c);
   PlaceQuestion(c);
   c->pressed = {};
-  c->files.Release();
-  c->queue.Release();
+  c->files.table.Release();
+  c->queue.table.Release();
   c->damage |= kAllPanes;
   XwShow(c->question, 1);
   XwFocusControl(keep_button);

@@ -4,11 +4,12 @@
 #include <sys/statvfs.h>
 
 #include <cerrno>
+#include <mutex>
+
+#include "app/work/unread_entries.h"
+#include "toolkit/xw.h"
 
 namespace console {
-namespace {
-
-constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_ALL_FOLDERS;
 
 FolderStamp StampOf(const std::string& path) {
   struct stat s {};
@@ -16,20 +17,28 @@ FolderStamp StampOf(const std::string& path) {
   return {s.st_mtim.tv_sec, s.st_mtim.tv_nsec};
 }
 
+namespace {
+
+constexpr int kTypes = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_HIDDEN | OS_LIST_ALL_FOLDERS;
+
 // 0, or the error.
-int List(const std::string& path, FolderListing* out) {
-  // Before it is read: what changes until then is seen by the next watch.
-  out->path = path;
-  out->stamp = StampOf(path);
-  out->entries.reset(OS_ListDirN(path.c_str(), nullptr, &out->count, kTypes, 0));
-  if (out->count >= 0) return 0;
-  out->count = 0;
-  return errno;
+int List(const std::string& path, FolderReading* r) {
+  // Before it is read: what changes until then is seen by the watch.
+  r->stamp = StampOf(path);
+  FolderListing listing;
+  listing.path = path;
+  listing.stamp = r->stamp;
+  listing.entries.reset(OS_ListDirN(path.c_str(), nullptr, &listing.count, kTypes, 0));
+  if (listing.count < 0) return errno;
+  const UnreadEntries unread =
+      CountUnreadEntries(path.c_str(), listing.entries.get(), listing.count);
+  r->content = FolderContent::Of(std::move(listing), unread);
+  return 0;
 }
 
 int ListUpwards(std::string path, FolderReading* r) {
   for (;;) {
-    const int error = List(path, &r->listing);
+    const int error = List(path, r);
     if (error == 0 || path == "/") return error;
     r->select = LastName(path);
     path = ParentPath(path);
@@ -39,24 +48,19 @@ int ListUpwards(std::string path, FolderReading* r) {
 int ListAroundDocument(FolderReading* r) {
   const std::string& path = r->request.path;
   struct stat s {};
-  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) return List(path, &r->listing);
+  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) return List(path, r);
   r->select = LastName(path);
-  return List(ParentPath(path), &r->listing);
+  return List(ParentPath(path), r);
 }
 
 void ReadFolder(FolderReading* r) {
   const FolderRequest& w = r->request;
   r->select = w.select;
-  if (w.kind == FolderRequest::kWatch && StampOf(w.path) == w.since) {
-    r->changed = false;
-    r->error = 0;
-    return;
-  }
   r->error = w.kind == FolderRequest::kUp         ? ListUpwards(w.path, r)
              : w.kind == FolderRequest::kDocument ? ListAroundDocument(r)
-                                                  : List(w.path, &r->listing);
+                                                  : List(w.path, r);
   struct statvfs s {};
-  if (r->error != 0 || statvfs(r->listing.path.c_str(), &s) != 0) return;
+  if (r->error != 0 || statvfs(r->content->path().c_str(), &s) != 0) return;
   r->free = int64_t(s.f_bavail) * int64_t(s.f_frsize);
   r->room = int64_t(s.f_blocks) * int64_t(s.f_frsize);
 }
@@ -65,31 +69,57 @@ void ReadFolder(FolderReading* r) {
 
 FolderReader::Read FolderReader::read = ReadFolder;
 
+// One that is being read. The task and the main thread share it.
+struct FolderReader::Waiting {
+  std::string number;
+  FolderReading reading;
+  std::mutex lock;                 // of `reader` while the task runs
+  FolderReader* reader = nullptr;  // null once nobody waits for it
+};
+
+// Under the lock, so that one that has been dropped never takes the place of a later one.
+void FolderReader::Post(const std::shared_ptr<Waiting>& waiting) {
+  const std::lock_guard<std::mutex> guard(waiting->lock);
+  if (!waiting->reader) return;
+  XwPost("folder", waiting->number.c_str(), Take, new std::shared_ptr<Waiting>(waiting));
+}
+
+void FolderReader::Take(void* data, int taken) {
+  const std::unique_ptr<std::shared_ptr<Waiting>> posted(
+      static_cast<std::shared_ptr<Waiting>*>(data));
+  Waiting& w = **posted;
+  FolderReader* reader = w.reader;
+  if (!taken || !reader || reader->waiting_ != *posted) return;
+  reader->Drop();
+  reader->show_(&w.reading);
+}
+
 void FolderReader::Ask(FolderRequest request) {
-  if (request.kind != FolderRequest::kWatch) ++number_;
-  auto reading = std::make_shared<FolderReading>();
-  reading->request = std::move(request);
-  reading->error = EAGAIN;  // where no thread can be had
-  reading_ = reading;
-  task_ = BackgroundTask([reading, how = read] { how(reading.get()); });
+  Drop();
+  auto waiting = std::make_shared<Waiting>();
+  waiting->number = std::to_string(++number_);
+  waiting->reading.request = std::move(request);
+  waiting->reading.error = EAGAIN;  // where no thread can be had
+  waiting->reader = this;
+  waiting_ = waiting;
+  task_ = BackgroundTask([waiting, how = read] {
+    how(&waiting->reading);
+    Post(waiting);
+  });
+  if (task_.failed()) Post(waiting);
 }
 
 void FolderReader::Drop() {
+  if (waiting_) {
+    const std::lock_guard<std::mutex> guard(waiting_->lock);
+    waiting_->reader = nullptr;
+  }
   task_.Drop();
-  reading_.reset();
+  waiting_.reset();
 }
 
-bool FolderReader::WaitFor(int ms) {
-  if (!task_.WaitFor(ms)) return false;
-  if (reading_->changed) return true;
-  Drop();
-  return false;
-}
-
-std::shared_ptr<FolderReading> FolderReader::Take() {
-  auto reading = std::move(reading_);
-  Drop();
-  return reading;
+const FolderRequest* FolderReader::request() const {
+  return waiting_ ? &waiting_->reading.request : nullptr;
 }
 
 }  // namespace console

@@ -1,7 +1,11 @@
 // Reads folders on threads of their own: a mount that does not answer holds up neither the window
 // nor its end.
 #pragma once
-#include "app/model/folder.h"
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/model/folder_rows.h"
 #include "app/work/background_task.h"
 
 namespace console {
@@ -11,22 +15,20 @@ struct FolderRequest {
     kEnter,     // another folder
     kUp,        // the same, or the nearest one above it that can be read
     kDocument,  // a document's folder, with it selected; a folder itself
-    kAgain,     // the one that is shown
-    kWatch      // the one that is shown, if it has changed since
+    kAgain      // the one that is shown
   } kind = kEnter;
   std::string path, select;  // `select`: a name in it, "" for none
-  FolderStamp since;         // kWatch
   bool operator==(const FolderRequest&) const = default;
 };
 
 // A request and what came of it.
 struct FolderReading {
   FolderRequest request;
-  int error;                     // of the system; 0 when it was read
-  bool changed = true;           // kWatch: false when there is nothing new
-  FolderListing listing;         // its path may differ from the request's
-  std::string select;            // the name to select there
-  int64_t free = -1, room = -1;  // bytes on its volume, -1 when not known
+  int error;                                     // of the system; 0 when it was read
+  std::shared_ptr<const FolderContent> content;  // null when it was not; its path may differ
+  FolderStamp stamp;                             // of the one that could not be read
+  std::string select;                            // the name to select there
+  int64_t free = -1, room = -1;                  // bytes on its volume, -1 when not known
 };
 
 class FolderReader {
@@ -34,25 +36,32 @@ class FolderReader {
   // What looks at the file system. Tests put a slow one in its place.
   using Read = void (*)(FolderReading*);
   static Read read;
+  // Gets what was read, on the main thread, between two events.
+  using Show = std::function<void(FolderReading*)>;
+
+  explicit FolderReader(Show show) : show_(std::move(show)) {}
+  ~FolderReader() { Drop(); }
+  FolderReader(const FolderReader&) = delete;
+  FolderReader& operator=(const FolderReader&) = delete;
 
   // What was asked for before is dropped, and its result never shown.
   void Ask(FolderRequest request);
   void Drop();
   // What is being waited for; null when nothing is.
-  const FolderRequest* request() const { return reading_ ? &reading_->request : nullptr; }
-  // How many have been asked for, those that only watch left out.
-  int number() const { return number_; }
-  bool Done() const { return task_.Done(); }
-  // Whether there is something to be shown, after at most that many milliseconds. A watch that has
-  // found nothing new is dropped by that.
-  bool WaitFor(int ms);
-  // Of one that is done: hands it over.
-  std::shared_ptr<FolderReading> Take();
+  const FolderRequest* request() const;
 
  private:
+  struct Waiting;
+  static void Post(const std::shared_ptr<Waiting>& waiting);
+  static void Take(void* data, int taken);
+
+  Show show_;
   BackgroundTask task_;
-  std::shared_ptr<FolderReading> reading_;
-  int number_ = 0;
+  std::shared_ptr<Waiting> waiting_;
+  int number_ = 0;  // how many have been asked for
 };
+
+// The time of change of the folder; none where it cannot be looked at. May hang.
+FolderStamp StampOf(const std::string& path);
 
 }  // namespace console

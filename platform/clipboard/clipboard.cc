@@ -117,7 +117,7 @@ void DeadlineHasCome(EventLoopTimerRef timer, void*) {
 
 OSStatus CallBack(HandlerCall*, Event* event, void*) {
   Request* found = Find(int(event->request.id));
-  if (!found || found->deadline) return noErr;
+  if (!found) return noErr;
   const Request r = std::move(*found);
   ForgetAsk(r.number);
   r.arrived(r.data, r.text.get());

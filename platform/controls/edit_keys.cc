@@ -149,7 +149,7 @@ bool Move(Control* c, const MoveRow& row, uint32_t modifiers) {
     return changed;
   }
   MoveEditCaret(&s, move, modifiers & kShift);
-  if ((modifiers & kShift) && s.selects()) OfferSelection(c);
+  if (s.selects()) OfferSelection(c);
   ShowEdit(c);
   return false;
 }

@@ -124,11 +124,7 @@ std::string EditLine(std::string_view text) {
   while (!text.empty()) {
     const char32_t c = TakeUtf8(&text);
     char bytes[4];
-    if (KindOf(c) == CharacterKind::kControl) continue;
-    const size_t n = size_t(PutUtf8(c, bytes));
-    // Bytes that were not UTF-8 have become longer.
-    if (line.size() + n > kLongestLine) break;
-    line.append(bytes, n);
+    if (KindOf(c) != CharacterKind::kControl) line.append(bytes, size_t(PutUtf8(c, bytes)));
   }
   return line;
 }

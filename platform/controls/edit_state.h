@@ -37,8 +37,8 @@ struct EditState {
   }
 };
 
-// What a box takes of a text from outside: its first line, at most 64 KiB, valid, without control
-// characters.
+// What a box takes of a text from outside, which is UTF-8: its first line, at most 64 KiB, without
+// control characters.
 std::string EditLine(std::string_view text);
 
 // All of the text, from a program: the caret goes to its end, and nothing can be undone.

@@ -84,7 +84,7 @@ bool Release(Control* c, bool inside) {
   const bool thumb = press.part == kControlIndicatorPart;
   c->inside = false;
   Draw1Control(c);
-  HitControl(c, false, thumb || c->live || inside ? press.part : 0);
+  HitControl(c, false, thumb || inside ? press.part : 0);
   return false;
 }
 

@@ -57,7 +57,8 @@ struct Display {
   // Up to `max` screens, main first; returns how many there are. At least one.
   int (*screens)(Screen* out, int max);
   // Makes the native window, hidden, at DeviceBounds(*w), with all that the record says; a pop-up
-  // (`w->parent`) at the place that WantedBounds tells. The display's own handle; null: refused.
+  // (`w->parent`) at the place that WantedBounds tells, covering what PopUpOutline tells where the
+  // display can do that. The display's own handle; null: refused.
   // `*frame`, which is empty, takes the widths of the frame that the desktop will put around it,
   // where that frame could lie off the screen and its widths can be known at once.
   void* (*create_window)(const Window* w, DeviceRect* frame);

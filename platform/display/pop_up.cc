@@ -1,6 +1,7 @@
 #include "platform/display/pop_up.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 #include "platform/display/display.h"
@@ -59,6 +60,14 @@ Span PlaceOnAxis(const Axis& a) {
   return s;
 }
 
+// Columns of a round corner's row that lie outside of it, counted from the edges.
+int ColumnsOutside(int radius, int row) {
+  const double up = radius - row - 0.5;
+  int n = 0;
+  while (n < radius && std::hypot(radius - n - 0.5, up) > radius) ++n;
+  return n;
+}
+
 int Distance(int v, int low, int high) {
   return v < low ? low - v : v >= high ? v - high + 1 : 0;
 }
@@ -99,6 +108,21 @@ DeviceRect WantedBounds(const Window& w, const Screen* screens, int count) {
   const Point middle{anchor.left + anchor.width() / 2, anchor.top + anchor.height() / 2};
   return PlacePopUp(anchor, DeviceEdge(w.place.width, s), DeviceEdge(w.place.height, s), w.place,
                     ScreenAt(screens, count, middle).bounds);
+}
+
+std::vector<DeviceRect> PopUpOutline(const Window& w, int width, int height) {
+  const int radius =
+      std::min(DeviceEdge(w.place.corner, w.surface.scale), std::min(width, height) / 2);
+  if (!w.parent || radius <= 0) return {};
+  std::vector<DeviceRect> rows;
+  auto add = [&](int row) {
+    const int out = ColumnsOutside(radius, std::min(row, height - 1 - row));
+    rows.push_back({out, row, width - out, row + 1});
+  };
+  for (int row = 0; row < radius; ++row) add(row);
+  rows.push_back({0, radius, width, height - radius});
+  for (int row = height - radius; row < height; ++row) add(row);
+  return rows;
 }
 
 const Screen& ScreenAt(const Screen* screens, int count, Point at) {

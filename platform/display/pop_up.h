@@ -1,5 +1,7 @@
 // Where a pop-up goes: beside a rectangle of its parent, and on the screen.
 #pragma once
+#include <vector>
+
 #include "platform/base.h"
 
 namespace platform {
@@ -25,6 +27,7 @@ struct PopUpPlace {
   uint8_t gravity = kEdgeRight | kEdgeBottom;  // where it extends from that point
   uint8_t adjust = kAdjustAll;
   int width = 0, height = 0;  // logical, as the program wants it
+  int corner = 0;             // logical, the radius of its corners: what lies below shows there
 };
 
 // The rectangle of a pop-up of width x height, all in device pixels. Never empty.
@@ -33,6 +36,9 @@ DeviceRect PlacePopUp(const DeviceRect& anchor, int width, int height, const Pop
 // Where the display has to show `w`: its place on the screen that shows the middle of its anchor.
 // Of a window that is no pop-up, or has lost its parent, DeviceBounds.
 DeviceRect WantedBounds(const Window& w, const Screen* screens, int count);
+// What a pop-up of this size in device pixels covers, from the top: its corners are left out. None
+// where all of the rectangle is covered.
+std::vector<DeviceRect> PopUpOutline(const Window& w, int width, int height);
 // The screen that shows a point, or else the nearest. `count` is at least 1.
 const Screen& ScreenAt(const Screen* screens, int count, Point at);
 

@@ -64,7 +64,7 @@ void FrameOval(ContextRef c, int x, int y, int w, int h);
 // green, blue. Only pixels that show are read.
 void DrawPixels(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels, int64_t stride);
 
-// `width` x `height` pixels without gaps in the rectangle: each device pixel has the one that lies
+// `width` x `height` pixels without gaps in the rectangle: each device pixel has the pixel that is
 // nearest.
 void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels, int width,
                  int height);

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <map>
 #include <vector>
 
 #include "platform/events/clock.h"
@@ -25,8 +24,6 @@ namespace {
 constexpr char kHeading[] = "xw-record 1\n";
 // Written with six digits.
 constexpr double kDigit = 1e-6;
-// Seconds that the replay waits for a take beyond its time.
-constexpr double kTakePatience = 20;
 // Seconds between two looks whether a result that is awaited still may come.
 constexpr double kAwaitedLook = 0.1;
 // Bytes of a text that another program has given.
@@ -42,10 +39,7 @@ struct Recording {
   size_t played = 0;  // events that were played and may still be queued
   // Since when results are awaited, real seconds, and the line before the first of them.
   double awaited_since = -1, awaited_after = 0;
-  std::string program, detail;
-  // What was asked for at this moment, and how often.
-  double asked_at = -1;
-  std::map<std::string, unsigned> asked;
+  std::string program;
 };
 Recording& Current() {
   static auto* recording = new Recording;
@@ -99,10 +93,6 @@ bool TimeHasCome(const RecordLine& line, double now) {
   return line.time <= now - Current().start + kDigit;
 }
 
-bool TimeIsOver(const RecordLine& line, double now) {
-  return line.time < now - Current().start - kDigit;
-}
-
 // Its time has come, and the timers that fired before it have fired.
 bool IsDue(const RecordLine& line, double now) {
   if (!TimeHasCome(line, now)) return false;
@@ -119,15 +109,6 @@ void Play(const RecordLine& line) {
   if (raw.type == RawEvent::kOpenFile) raw.text = text.c_str();
   if (line.has_text) raw.arrived = &text;
   TranslateRawEvent(raw);
-}
-
-// How often it was asked for at this moment before. Where time is stepped, a program asks more than
-// once at one moment, and what has not come at the first may have come at the next.
-unsigned CountAsking(const char* what, double now) {
-  Recording& r = Current();
-  if (r.asked_at != now) r.asked.clear();
-  r.asked_at = now;
-  return r.asked[what]++;
 }
 
 double RealSeconds() {
@@ -221,7 +202,7 @@ void ReplayDue() {
   double group = -1;
   while (r.next < r.lines.size() && IsDue(r.lines[r.next], now)) {
     const RecordLine& line = r.lines[r.next];
-    // After a take that was waited for, what came together comes together.
+    // After a result that was waited for, what came together comes together.
     const bool late = now - r.start > line.time + kLate;
     if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
     group = line.time;
@@ -231,10 +212,6 @@ void ReplayDue() {
       continue;
     }
     r.awaited_since = -1;
-    if (line.take()) {
-      if (now - r.start < line.time + kTakePatience) return;
-      Fail("replay", ("nobody took up " + line.what).c_str());
-    }
     ++r.next;
     Play(line);
     r.played = main_event_queue.size();
@@ -255,7 +232,6 @@ double NextReplay(double now) {
   const Recording& r = Current();
   if (record_mode != RecordMode::kReplaying || r.next >= r.lines.size()) return -1;
   const RecordLine& line = r.lines[r.next];
-  if (line.take()) return line.time + kTakePatience - (now - r.start);
   if (line.result && IsDue(line, now)) return kAwaitedLook;
   // What is due and not played waits for a timer.
   return TimeHasCome(line, now) ? -1 : line.time - (now - r.start);
@@ -288,28 +264,6 @@ double LaterResult(const std::string& kind, const std::string& detail) {
     if (line.result && line.what == kind && line.detail == detail) return line.time;
   }
   return -1;
-}
-
-const char* TakeUp(const char* what, const char* detail) {
-  Recording& r = Current();
-  if (record_mode == RecordMode::kNone) return detail;
-  const double now = GetCurrentEventTime();
-  const unsigned asked = CountAsking(what, now);
-  if (record_mode == RecordMode::kRecording) {
-    RecordLine line;
-    line.what = what;
-    line.asked = asked;
-    if (detail) line.detail = detail;
-    if (detail) Write(line);
-    return detail;
-  }
-  if (r.next >= r.lines.size()) return nullptr;
-  const RecordLine& line = r.lines[r.next];
-  if (line.what != what || !TimeHasCome(line, now)) return nullptr;
-  if (asked < line.asked && !TimeIsOver(line, now)) return nullptr;
-  r.detail = line.detail;
-  ++r.next;
-  return r.detail.c_str();
 }
 
 }  // namespace platform

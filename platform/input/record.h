@@ -8,7 +8,7 @@
 //     xw-record 1
 //     0.350000 press w1 x=20 y=54 rx=50 ry=134 button=1 at=0.349
 //     0.351200 configure w1 rx=30 ry=80 w=800 h=600
-//     0.400000 take server 51f0 quiet 0
+//     0.400000 result server 51f0 quiet 0
 //     0.600000 result folder 3
 //     1.200000 open /home/mia/report.pdf
 //     1.300000 text 1 :what another program had on the clipboard
@@ -17,10 +17,9 @@
 // says that timers had fired at that moment already. wN is the Nth window that was made. What is 0
 // is left out; `at` is the event's own time where it differs, `under` the number of the window
 // under the pointer where that is another one, 0 for none, `char` the code point that a key typed
-// and `typed` its text as hexadecimal bytes where that is more than one character. A "take" is
-// where the program took something up that came from elsewhere (TakeUp); what follows waits for it.
-// A number behind its '+' is how often the program had asked at that moment before. A "result" is
-// where the result of a background task was taken up (results.h): its kind and its detail.
+// and `typed` its text as hexadecimal bytes where that is more than one character. A "result" is
+// where the result of a background task was taken up (results.h): its kind and its detail; what
+// follows waits for it.
 #pragma once
 #include <string>
 
@@ -60,10 +59,5 @@ void ResultTaken();
 // The time of the next line that takes up such a result, behind the one that is awaited; negative
 // when there is none.
 double LaterResult(const std::string& kind, const std::string& detail);
-
-// The program is about to take up `detail`, a result called `what` that came from elsewhere; null
-// when nothing has come. Null: it must not now. Else what it has to take up: when replaying, the
-// detail that was recorded at this place, for whose coming the caller waits. Words of one line.
-const char* TakeUp(const char* what, const char* detail);
 
 }  // namespace platform

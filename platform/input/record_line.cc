@@ -206,11 +206,9 @@ bool NamesWindow(RawEvent::Type type) {
 
 std::string FormatRecordLine(const RecordLine& line) {
   char time[64];
-  snprintf(time, sizeof time, "%.6f%s", line.time, line.after_timers || line.asked ? "+" : "");
+  snprintf(time, sizeof time, "%.6f%s", line.time, line.after_timers ? "+" : "");
   std::string text = time;
-  if (line.asked) text += std::to_string(line.asked);
   text += ' ';
-  if (line.take()) return text + "take " + line.what + " " + line.detail;
   if (line.result) text += "result " + line.what;
   if (line.result) return line.detail.empty() ? text : text + " " + line.detail;
   text += KindName(line.raw.type);
@@ -242,14 +240,11 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
   if (!(in >> time >> kind)) return false;
   char* end = nullptr;
   line->time = strtod(time.c_str(), &end);
-  if (*end == '+') {
-    line->after_timers = true;
-    if (isdigit(uint8_t(*++end))) line->asked = unsigned(strtoul(end, &end, 10));
-  }
+  line->after_timers = *end == '+';
+  end += line->after_timers;
   if (*end || !(line->time >= 0) || line->time > 1e9) return false;
   line->result = kind == "result";
-  if (line->asked && kind != "take") return false;
-  if (line->result || kind == "take") {
+  if (line->result) {
     in >> line->what;
     line->detail = Rest(&in);
     return !line->what.empty();

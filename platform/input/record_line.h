@@ -14,10 +14,8 @@ struct RecordLine {
   RawEvent raw;              // without its window; `time` since the session began
   std::string path;          // of an open request; the text of an answer
   bool has_text = false;     // it is no answer of none
-  std::string what, detail;  // of a take or a result
-  bool result = false;       // of a background task, taken up by the loop itself
-  unsigned asked = 0;        // how often it had been asked for at that very moment before
-  bool take() const { return !what.empty() && !result; }
+  std::string what, detail;  // of a result
+  bool result = false;       // of a background task
 };
 
 // Reports that are neither recorded nor replayed: the display shows its windows by them.

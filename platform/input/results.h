@@ -21,7 +21,7 @@ inline bool ResultsWait() {
 }
 // Takes the one that is next, when no event waits before it. False when none is to be taken now.
 bool TakeNextResult();
-// True once after some came, so that those who wait for events look at the results.
+// True once after some came, so that a wait for events looks at the results again.
 bool ResultsWoke();
 // Ends those that wait, and from now on all that come.
 void DropResults();

@@ -151,7 +151,7 @@ int MenuSelect(Point where) {
 }
 
 int MenuSelectByKey(MenuRef menu) {
-  if (!OpenMenuOfBar(menu)) return 0;
+  if (!OpenBarMenu(menu)) return 0;
   SetMenuPointer(LastPointer());
   return WaitForMenu();
 }

@@ -104,7 +104,7 @@ void LayOut(int width, int height) {
 }
 
 void DrawTitle(ContextRef c, const BarTitle& t) {
-  const bool open = OpenMenuOfTheBar() == t.menu || (bar.hilited && bar.hilited == t.menu->id);
+  const bool open = GetOpenBarMenu() == t.menu || (bar.hilited && bar.hilited == t.menu->id);
   if (open) FillRoundRect(c, t.cell, 0, RoleColor(Role::kAccent), kOpaqueAlpha);
   const uint32_t ink = RoleColor(open ? Role::kDocument : Role::kInk);
   const int alpha = t.menu->disabled ? kThemeDisabledAlpha : kOpaqueAlpha;

@@ -94,7 +94,7 @@ std::vector<DescribedMenuItem> DescribeMenuBar() {
     d.serial = t.menu->object.serial;
     d.text = t.menu->title;
     d.enabled = !t.menu->disabled;
-    d.selected = OpenMenuOfTheBar() == t.menu;
+    d.selected = GetOpenBarMenu() == t.menu;
     d.bounds = Offset(t.cell, w->content.left, w->content.top);
     d.items = DescribeWhole(t.menu);
     out.push_back(std::move(d));

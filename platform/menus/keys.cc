@@ -36,7 +36,7 @@ void Leave() {
   if (s.levels.size() > 1)
     PopLevels(s.levels.size() - 1);
   else
-    FinishSession(false);
+    EndMenuTracking(false);
 }
 
 }  // namespace
@@ -46,7 +46,7 @@ void MenuKey(const Event& e) {
   const size_t level = s.levels.size() - 1;
   MenuLevel* l = &s.levels[level];
   s.pressed = true;
-  if (e.key.keysym == kF10) return FinishSession(false);
+  if (e.key.keysym == kF10) return EndMenuTracking(false);
   switch (e.key.character) {
     case kUpKey:
       return SelectItem(l, NextItem(*l, l->selected, -1));

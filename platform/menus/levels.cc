@@ -59,9 +59,17 @@ void DrawRow(ContextRef c, const MenuLevel& l, int item, bool erased) {
 void DrawFrame(ContextRef c, const MenuLevel& l) {
   const Rect b = GetWindowBounds(l.window, kWindowContentRgn);
   const Rect all{0, 0, b.width(), b.height()};
-  // A pop-up has no see-through corners: outside of them it is a line, too.
   if (l.drawn >= 0) FillRoundRect(c, all, 0, RoleColor(Role::kFace), kOpaqueAlpha);
-  FrameRoundRect(c, all, 0, RoleColor(Role::kLine), kOpaqueAlpha);
+  // The pop-up's edge is where its corners end: there the line is no fainter than elsewhere.
+  for (const int x : {0, all.right - kCornerOfMenus}) {
+    for (const int y : {0, all.bottom - kCornerOfMenus}) {
+      ClipContextToRect(c, {x, y, x + kCornerOfMenus, y + kCornerOfMenus});
+      FillRoundRect(c, all, 0, RoleColor(Role::kLine), kOpaqueAlpha);
+      FillRoundRect(c, all, kCornerOfMenus, RoleColor(Role::kFace), kOpaqueAlpha);
+      RestoreContextClip(c);
+    }
+  }
+  FrameRoundRect(c, all, kCornerOfMenus, RoleColor(Role::kLine), kOpaqueAlpha);
   if (!Scrolls(l)) return;
   const uint32_t ink = RoleColor(Role::kSecondInk);
   const int edge = kMenuBorder + kMenuScrollHeight;
@@ -138,6 +146,7 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   PopUpPlace sized = place;
   sized.width = std::max(l.least_width, l.layout.width);
   sized.height = l.layout.height;
+  sized.corner = kCornerOfMenus;
   l.window = CreatePopUpWindow(parent, sized);
   if (!l.window) return false;
   constexpr EventKind kPlaced[] = {{kEventClassWindow, kEventWindowBoundsChanged}};

@@ -70,7 +70,7 @@ void MenuEnds(const Menu* m);
 // What it shows has changed.
 void MenuChanged(const Menu* m);
 // The menu of the bar that is open; null: none.
-MenuRef OpenMenuOfTheBar();
+MenuRef GetOpenBarMenu();
 bool MenusAreOpen();
 
 }  // namespace platform

@@ -88,7 +88,7 @@ bool OpenPopUpMenuBelow(MenuRef m, WindowRef owner, const Rect& anchor, int item
 // Of the bar: the title under a global point.
 bool OpenMenuBarAt(Point where);
 // By the keyboard, its first item selected.
-bool OpenMenuOfBar(MenuRef m);
+bool OpenBarMenu(MenuRef m);
 // Where the pointer rests: until it leaves that place it selects nothing.
 void SetMenuPointer(Point where);
 struct MenuChoice {

@@ -142,7 +142,7 @@ Tracking SwallowRelease(void*, Event* e) {
 
 void Dismiss() {
   open_menus.swallows = true;
-  FinishSession(false);
+  EndMenuTracking(false);
 }
 
 void Press(const Event& e) {
@@ -172,7 +172,7 @@ void Release(const Event& e) {
   }
   if (click || BarTitleAt(e)) return;
   if (!s.pressed && !s.moved) return;
-  FinishSession(false);
+  EndMenuTracking(false);
 }
 
 Tracking TakePointer(const Event& e) {
@@ -221,16 +221,16 @@ Tracking Ask(void*, Event* e) {
       return Tracking::kPass;
     case kEventClassApplication:
       if (e->kind != kEventAppDeactivated) return Tracking::kPass;
-      FinishSession(false);
+      EndMenuTracking(false);
       return Tracking::kPass;
     case kEventClassSystem:
-      if (e->kind == kEventSystemPointerLost) FinishSession(false);
+      if (e->kind == kEventSystemPointerLost) EndMenuTracking(false);
       return Tracking::kPass;
     default:
       break;
   }
   // A request to close, to quit, to open: it is dealt with afterwards.
-  FinishSession(false);
+  EndMenuTracking(false);
   return Tracking::kLater;
 }
 
@@ -246,7 +246,7 @@ void Begin(WindowRef owner, bool of_bar) {
 bool Opened(bool shown) {
   OpenMenus& s = open_menus;
   if (!shown) {
-    FinishSession(false);
+    EndMenuTracking(false);
     return false;
   }
   s.aim = s.last;
@@ -275,7 +275,7 @@ PopUpPlace BelowTitle(const BarTitle& t) {
 
 }  // namespace
 
-void FinishSession(bool chosen) {
+void EndMenuTracking(bool chosen) {
   OpenMenus& s = open_menus;
   if (s.done) return;
   s.done = true;
@@ -290,12 +290,12 @@ void SwitchTitle(MenuRef m, bool by_key) {
   for (const BarTitle& t : BarTitles()) {
     if (t.menu != m) continue;
     const BarTitle title = t;
-    if (!PushLevel(m, s.owner, BelowTitle(title))) return FinishSession(false);
+    if (!PushLevel(m, s.owner, BelowTitle(title))) return EndMenuTracking(false);
     if (by_key) SelectItem(&s.levels.back(), NextItem(s.levels.back(), 0, 1));
     DrawMenuBar();
     return;
   }
-  FinishSession(false);
+  EndMenuTracking(false);
 }
 
 void SendMenuCommand(MenuRef chosen_in, uint32_t command) {
@@ -317,7 +317,7 @@ void ChooseItem(size_t level, int item, bool by_key) {
   s.choice = {l.menu->id, item};
   s.command = i.command;
   s.chosen_in = l.menu;
-  FinishSession(true);
+  EndMenuTracking(true);
 }
 
 static bool OpenPopUp(MenuRef m, WindowRef owner, const Rect& anchor, int item) {
@@ -366,7 +366,7 @@ bool OpenMenuBarAt(Point where) {
   return true;
 }
 
-bool OpenMenuOfBar(MenuRef m) {
+bool OpenBarMenu(MenuRef m) {
   CloseMenus();
   if (!MenuBarWindow() || !IsValidMenu(m)) return false;
   for (const BarTitle& t : BarTitles())
@@ -388,7 +388,7 @@ bool MenuIsDone() {
 MenuChoice CloseMenus() {
   OpenMenus& s = open_menus;
   if (!s.owner) return {};
-  FinishSession(false);
+  EndMenuTracking(false);
   StopTracking(&s.tracker);
   const MenuChoice choice = s.choice;
   const bool of_bar = s.of_bar, swallows = s.swallows;
@@ -408,7 +408,7 @@ void MenuEnds(const Menu* m) {
   for (const MenuLevel& l : open_menus.levels)
     if (l.menu == m) {
       PopLevels(0);
-      return FinishSession(false);
+      return EndMenuTracking(false);
     }
 }
 
@@ -422,7 +422,7 @@ void MenuChanged(const Menu* m) {
   }
 }
 
-MenuRef OpenMenuOfTheBar() {
+MenuRef GetOpenBarMenu() {
   const OpenMenus& s = open_menus;
   return s.of_bar && !s.done && !s.levels.empty() ? s.levels.front().menu : nullptr;
 }

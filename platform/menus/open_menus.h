@@ -60,7 +60,7 @@ Rect LevelBounds(const MenuLevel& l);
 Rect ItemBounds(const MenuLevel& l, int item);
 
 // --- open_menus.cc
-void FinishSession(bool chosen);
+void EndMenuTracking(bool chosen);
 // The item is chosen, or its sub-menu opened.
 void ChooseItem(size_t level, int item, bool by_key);
 void SwitchTitle(MenuRef m, bool by_key);

@@ -98,21 +98,18 @@ class ConsoleTest : public testing::Test {
     display::KeyUp(keysym, unicode);
     Turn(2);
   }
-  Area FileRow(const char* name) { return c_->files.RowArea(c_->folder.Find(name)); }
+  Area FileRow(const char* name) { return c_->files.table.RowArea(c_->files.folder.Find(name)); }
   // Until what was asked for has been read.
   bool HasRead() {
-    return Until([&] {
-      const FolderRequest* w = c_->reader.request();
-      return !w || w->kind == FolderRequest::kWatch;
-    });
+    return Until([&] { return !c_->reader.request(); });
   }
   void Enter(const std::string& path, const std::string& select = "") {
     EnterFolder(c_, path, select);
     EXPECT_TRUE(HasRead());
   }
   std::string Selected() {
-    const int row = c_->files.selected();
-    return row < 0 ? "" : c_->folder.At(row).name;
+    const int row = c_->files.table.selected();
+    return row < 0 ? "" : c_->files.folder.At(row).name;
   }
   bool IsReady() { return c_->state.link == Link::kReady && !c_->state.printers->empty(); }
 

@@ -38,7 +38,7 @@ class FolderTest : public ConsoleTest {
   // From now on what hangs is behind the gate.
   void CloseGate() { FolderReader::read = ReadBehindGate; }
   bool HeadSays(const std::string& words) {
-    return Until([&] { return c_->reading_text.find(words) == 0; });
+    return Until([&] { return c_->files.reading_text.find(words) == 0; });
   }
   bool HangsIn(const std::string& path) {
     const FolderRequest* w = c_->reader.request();
@@ -58,7 +58,7 @@ TEST_F(FolderTest, OneThatHangsHoldsUpNothing) {
   ASSERT_TRUE(HeadSays("No answer for 3 s: hangs"));
   EXPECT_TRUE(HangsIn(home_.At("hangs")));
   // The folder shown stays, and can be used.
-  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
   Key(0xFF50);
   Key(kDownKey);
   EXPECT_EQ(Selected(), "Empty");
@@ -72,13 +72,13 @@ TEST_F(FolderTest, OneThatHangsHoldsUpNothing) {
   Click(FileRow("Empty"));
   Key(kReturnKey);
   ASSERT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   Turn(20);
-  EXPECT_EQ(c_->reading_text, "");
+  EXPECT_EQ(c_->files.reading_text, "");
   gate->Open();
   ASSERT_TRUE(Until([&] { return BackgroundTask::WaitForAll(0) == 0; }));
   Turn(50);
-  EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
 }
 
 TEST_F(FolderTest, EscapeGivesUpAndWhatComesIsShown) {
@@ -88,13 +88,13 @@ TEST_F(FolderTest, EscapeGivesUpAndWhatComesIsShown) {
   Key(kEscapeKey);
   EXPECT_EQ(c_->reader.request(), nullptr);
   Turn(20);
-  EXPECT_EQ(c_->reading_text, "");
+  EXPECT_EQ(c_->files.reading_text, "");
   EnterFolder(c_, home_.At("hangs"), "inside.txt");
   Turn(20);
-  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
   gate->Open();
   ASSERT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At("hangs"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("hangs"));
   EXPECT_EQ(Selected(), "inside.txt");
 }
 
@@ -110,14 +110,14 @@ TEST_F(FolderTest, AStartInOneThatHangsLeadsElsewhere) {
   pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
   XwTimer(pump_, 1, 20);
   ASSERT_TRUE(HeadSays("No answer for 3 s: deep"));
-  EXPECT_EQ(c_->folder.path(), start);
+  EXPECT_EQ(c_->files.folder.path(), start);
   EXPECT_FALSE(CanPrint(c_));
   Key(kEscapeKey);
   EXPECT_NE(c_->reader.request(), nullptr);
   PressCrumb(c_, 0);
   ASSERT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), "/");
-  EXPECT_GT(c_->folder.count(), 0);
+  EXPECT_EQ(c_->files.folder.path(), "/");
+  EXPECT_GT(c_->files.folder.count(), 0);
 }
 
 TEST_F(FolderTest, OneThatStopsAnsweringWhileItIsShownSaysSo) {
@@ -128,27 +128,62 @@ TEST_F(FolderTest, OneThatStopsAnsweringWhileItIsShownSaysSo) {
   ASSERT_TRUE(HeadSays("No answer for 3 s: hangs"));
   EXPECT_EQ(Selected(), "inside.txt");
   SortBy(c_, 0);
-  EXPECT_TRUE(c_->folder.descending());
+  EXPECT_TRUE(c_->files.folder.descending());
   gate->Open();
-  ASSERT_TRUE(Until([&] { return c_->folder.count() == 2; }));
+  ASSERT_TRUE(Until([&] { return c_->files.folder.count() == 2; }));
   EXPECT_EQ(Selected(), "inside.txt");
-  ASSERT_TRUE(Until([&] { return c_->reading_text.empty(); }));
+  ASSERT_TRUE(Until([&] { return c_->files.reading_text.empty(); }));
 }
 
 TEST_F(FolderTest, TooManyThatHangAreRefused) {
   Open("127.0.0.0");
   CloseGate();
-  for (int i = 0; i < 100 && c_->message.good; ++i) {
+  for (int i = 0; i < 100 && c_->status.message().good; ++i) {
     EnterFolder(c_, home_.At("hangs/" + std::to_string(i)), "");
     Turn();
   }
-  EXPECT_FALSE(c_->message.good);
+  EXPECT_FALSE(c_->status.message().good);
   EXPECT_LE(gate->Waiting(), 40);
-  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
   gate->Open();
   ASSERT_TRUE(Until([&] { return BackgroundTask::WaitForAll(0) == 0; }));
   Enter(home_.At("hangs"));
-  EXPECT_EQ(c_->folder.path(), home_.At("hangs"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("hangs"));
+}
+
+TEST_F(FolderTest, TheFilterShowsWhatMatchesUntilEscape) {
+  for (const char* name : {"Ärger.pdf", "b.tif", "notes.txt", "z-arg.pdf"})
+    home_.File(std::string("Empty/") + name, "x");
+  Open("127.0.0.0");
+  Enter(home_.At("Empty"), "b.tif");
+  const auto type = [this](const char* text) {
+    Click(c_->layout.filter);
+    display::Modifiers(platform::controlKey);
+    Key('a', 'a');
+    display::Modifiers(0);
+    for (; *text; ++text) Key(uint8_t(*text), uint8_t(*text));
+    return c_->files.folder.count();
+  };
+  EXPECT_EQ(type("arg"), 2);
+  EXPECT_EQ(Selected(), "");
+  EXPECT_EQ(type("*.PDF,*.tif"), 3);
+  EXPECT_EQ(c_->files.folder.rows().CountText().find("3 of 4"), 0u);
+  EXPECT_EQ(c_->stop, FocusStop::kFilter);
+  // Return goes to the files, Escape shows all again and keeps the selection.
+  Key(kReturnKey);
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
+  EXPECT_EQ(Selected(), "Ärger.pdf");
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->files.folder.count(), 4);
+  EXPECT_EQ(Node("Filter").what.value, "");
+  EXPECT_EQ(Selected(), "Ärger.pdf");
+  EXPECT_EQ(type("tif"), 1);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->files.folder.count(), 4) << "from the box itself";
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
+  EXPECT_EQ(type("tif"), 1);
+  Enter(home_.At(kFolder));
+  EXPECT_EQ(c_->files.folder.count(), 2) << "another folder is shown whole";
 }
 
 // The program's own end while threads hang, under a leak check.
@@ -175,29 +210,29 @@ TEST_F(FolderTest, UpLeadsToTheNearestThatIsThere) {
   std::filesystem::remove_all(home_.At("a/b"));
   Key(kBackspaceKey);
   ASSERT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At("a"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("a"));
   Key(kBackspaceKey);
   ASSERT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), "a");
   Enter(home_.At("a/b"));
-  EXPECT_EQ(c_->folder.path(), home_.path());
-  EXPECT_FALSE(c_->message.good);
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
+  EXPECT_FALSE(c_->status.message().good);
 }
 
 TEST_F(FolderTest, AFolderThatGoesAwayIsShownEmptyAndComesBack) {
   Open("127.0.0.0");
   Enter(home_.At(kFolder), kLongName);
   std::filesystem::remove_all(home_.At(kFolder));
-  ASSERT_TRUE(Until([&] { return !c_->folder.trouble().empty(); }));
-  EXPECT_EQ(c_->folder.count(), 0);
+  ASSERT_TRUE(Until([&] { return !c_->files.folder.trouble().empty(); }));
+  EXPECT_EQ(c_->files.folder.count(), 0);
   EXPECT_FALSE(CanPrint(c_));
   Click(c_->layout.print);
   EXPECT_TRUE(c_->state.transfers.empty());
   home_.Folder(kFolder);
   home_.File(std::string(kFolder) + "/new.txt", "x");
-  ASSERT_TRUE(Until([&] { return c_->folder.count() == 1; }));
-  EXPECT_TRUE(c_->folder.trouble().empty());
+  ASSERT_TRUE(Until([&] { return c_->files.folder.count() == 1; }));
+  EXPECT_TRUE(c_->files.folder.trouble().empty());
 }
 
 }  // namespace

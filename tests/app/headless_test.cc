@@ -26,7 +26,7 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   // A double click enters the folder, a click selects the file.
   Click(FileRow(kFolder));
   Click(FileRow(kFolder));
-  ASSERT_TRUE(Until([&] { return c_->folder.path() == home_.At(kFolder); }));
+  ASSERT_TRUE(Until([&] { return c_->files.folder.path() == home_.At(kFolder); }));
   Click(FileRow(kLongName));
   ASSERT_EQ(Selected(), kLongName);
   Click(c_->layout.more);
@@ -42,12 +42,12 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   Click(FileRow(kLongName));
   Click(c_->layout.print);
   ASSERT_TRUE(c_->state.link == Link::kReady && c_->state.quiet_s >= 1);
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
-  EXPECT_TRUE(c_->rows[0].transfer > 0);
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+  EXPECT_TRUE(c_->queue.rows[0].transfer > 0);
 
   // It is given up, tried again, killed, and comes back: the file arrives once, whole.
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_NE(ServerText(c_).find("next try in"), std::string::npos);
+  EXPECT_NE(c_->status.ServerText().find("next try in"), std::string::npos);
   EXPECT_EQ(LinkColor(), kBad);
   EXPECT_FALSE(c_->state.printers->empty());
   daemon.Stop(SIGKILL);
@@ -55,7 +55,7 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   EXPECT_EQ(Selected(), "second.txt");
   daemon.Start({"--rate", "1K"});
   ASSERT_TRUE(Until([&] { return IsReady() && c_->state.transfers.empty(); }));
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
   const NC_Job job = (*c_->state.jobs)[0];
   EXPECT_STREQ(job.document, kLongName);
   EXPECT_STREQ(job.owner, "mia");
@@ -90,12 +90,12 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   display::Modifiers(platform::controlKey);
   Key('p', 'p');
   display::Modifiers(0);
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
   Turn(8);
 
   // The name as it is drawn in the row is the name as it is drawn anywhere else.
-  const Area row = c_->queue.RowArea(0);
-  const Area column = c_->queue.ColumnArea(0);
+  const Area row = c_->queue.table.RowArea(0);
+  const Area column = c_->queue.table.ColumnArea(0);
   const Area cell{column.x + 34, row.y, column.w - 48, row.h};
   XwMove(pump_, 0, 0, 600, 60);
   XwShow(pump_, 1);
@@ -129,11 +129,11 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
     Click(c_->layout.*step.button);
     ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == step.state; })) << step.state;
     ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
-    EXPECT_EQ(c_->queue.selected(), 0);
+    EXPECT_EQ(c_->queue.table.selected(), 0);
   }
   Click(c_->layout.remove_job);
-  ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
-  EXPECT_EQ(c_->queue.selected(), -1);
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
+  EXPECT_EQ(c_->queue.table.selected(), -1);
 }
 
 TEST_F(ConsoleTest, KeysAloneDoEverything) {
@@ -146,16 +146,16 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   EXPECT_EQ(Selected(), kFolder);
   Key(kReturnKey);
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At(kFolder));
+  EXPECT_EQ(c_->files.folder.path(), home_.At(kFolder));
   Key(kBackspaceKey);
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), kFolder);
   Key('e', 'e');
   EXPECT_EQ(Selected(), "Empty");
   Key(kReturnKey);
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.count(), 0);
+  EXPECT_EQ(c_->files.folder.count(), 0);
   for (uint32_t key : {0xFF54u, 0xFF52u, 0xFF55u, 0xFF56u, 0xFF57u, kReturnKey}) Key(key);
   Key(kBackspaceKey);
   EXPECT_TRUE(HasRead());
@@ -165,16 +165,16 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   display::Modifiers(platform::cmdKey);
   Key('p', 'p');
   display::Modifiers(0);
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
   Key(kTabKey);
   Key(0xFF50);
   EXPECT_EQ(c_->stop, FocusStop::kQueue);
-  EXPECT_EQ(c_->queue.selected(), 0);
+  EXPECT_EQ(c_->queue.table.selected(), 0);
   Key('h', 'h');
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
   ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
   Key(0xFFFF);
-  ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
   Key(0xFF1B);
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
 
@@ -188,6 +188,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(kTabKey);
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
+  Key(kTabKey);
   Key(kTabKey);
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
 }
@@ -211,7 +212,7 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   Turn(70);
   EXPECT_EQ(typed("bq"), "brochure.pdf") << "what is not there selects nothing else";
   Turn(70);
-  c_->files.Select(-1);
+  c_->files.table.Select(-1);
   for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
@@ -224,11 +225,11 @@ TEST_F(ConsoleTest, CrumbsAndPlacesShowWhereOneIs) {
   Open("127.0.0.0");
   Enter(home_.At("user/in"));
   PressCrumb(c_, 1000);
-  EXPECT_EQ(c_->folder.path(), home_.At("user/in"));
-  const std::string path = c_->folder.path();
+  EXPECT_EQ(c_->files.folder.path(), home_.At("user/in"));
+  const std::string path = c_->files.folder.path();
   PressCrumb(c_, int(std::count(path.begin(), path.end(), '/')) - 1);
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At("user"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("user"));
   EXPECT_EQ(Selected(), "in");
 
   const Area places = c_->layout.places;
@@ -238,7 +239,7 @@ TEST_F(ConsoleTest, CrumbsAndPlacesShowWhereOneIs) {
   } kRows[] = {{"user", 0x3875D7}, {"user/in", 0xD8D5CF}, {"user2", 0xF7F5F2}};
   for (const auto& row : kRows) {
     Enter(home_.At(row.folder));
-    c_->places = {{"Root", "/"}, {"User", home_.At("user")}};
+    c_->places.places = {{"Root", "/"}, {"User", home_.At("user")}};
     c_->damage = kAllPanes;
     DrawConsole(c_);
     EXPECT_EQ(At(places.x + 8, places.y + 32 + 22 + 10), row.look) << row.folder;
@@ -271,6 +272,7 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
   };
   const auto before = line();
   Tell(c_, false, "Something went wrong, and this line says what");
+  DrawConsole(c_);
   Turn(10);
   EXPECT_NE(line(), before);
   Turn(330);
@@ -289,7 +291,7 @@ TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
     Key('p', 'p');
     display::Modifiers(0);
     Turn();
-    ASSERT_TRUE(Until([&] { return c_->rows.size() == size_t(i); }));
+    ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == size_t(i); }));
   }
 }
 
@@ -313,8 +315,8 @@ TEST_F(ConsoleTest, NothingStaysLitWhenThePointerHasLeft) {
 TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
   Open("127.0.0.0");
   const auto native = static_cast<platform::WindowRef>(c_->window->platform);
-  const std::string before = c_->folder.At(0).name;
-  for (Table* table : {&c_->files, &c_->queue}) {
+  const std::string before = c_->files.folder.At(0).name;
+  for (Table* table : {&c_->files.table, &c_->queue.table}) {
     const Area name = table->ColumnArea(0);
     const int x = c_->window->x + name.right() - 1, y = c_->window->y + name.y + 10;
     display::MovePointer(x, y - 300);
@@ -332,16 +334,16 @@ TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
     display::Release(1);
     Turn(2);
     EXPECT_NE(display::ShownCursor(native), sizing);
-    EXPECT_EQ(c_->folder.At(0).name, before) << "dragged";
+    EXPECT_EQ(c_->files.folder.At(0).name, before) << "dragged";
     display::MovePointer(x - 90, y);
     Turn(2);
     EXPECT_EQ(table->ColumnArea(0).w, name.w - 30);
     // A double click gives it back.
     for (int i = 0; i < 2; ++i) Click({name.right() - 31, name.y + 9, 2, 2});
     EXPECT_EQ(table->ColumnArea(0).w, name.w);
-    EXPECT_EQ(c_->folder.At(0).name, before) << "reset";
+    EXPECT_EQ(c_->files.folder.At(0).name, before) << "reset";
   }
-  EXPECT_EQ(c_->folder.At(0).name, before);
+  EXPECT_EQ(c_->files.folder.At(0).name, before);
 }
 
 // By the pointer and by the keyboard; a printer that has gone stays shown until another is chosen.
@@ -366,12 +368,13 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   choose(c_->layout.profile, 2);
   EXPECT_EQ(value("Profile"), "Standard");
   Click(c_->layout.print);
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1 && !c_->rows[0].transfer; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
   EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
   EXPECT_STREQ(c_->state.jobs->at(0).profile, "Standard");
 
   // The list does not change while it has the keyboard.
   SetFocusStop(c_, FocusStop::kPrinter);
+  ASSERT_TRUE(Until([&] { return XwGetFocus(c_->window) == c_->tools.printer(); }));
   auto others = std::make_shared<std::vector<NC_Printer>>(*c_->state.printers);
   others->erase(others->begin() + 1);
   c_->state.printers = others;
@@ -403,14 +406,14 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
     EXPECT_EQ(l.status.bottom(), h);
     EXPECT_EQ(l.places.w + l.folder.w + l.details.w, w);
     EXPECT_LE(l.hold.right(), w);
-    EXPECT_GE(c_->files.Body().h, 8 * Table::kRowHeight);
-    EXPECT_EQ(c_->files.area(), l.folder);
+    EXPECT_GE(c_->files.table.Body().h, 8 * Table::kRowHeight);
+    EXPECT_EQ(c_->files.table.area(), l.folder);
     EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);
   }
   Enter(home_.At(kFolder));
-  auto first = [&] { return std::string(c_->folder.At(0).name); };
+  auto first = [&] { return std::string(c_->files.folder.At(0).name); };
   auto header = [&](int column) {
-    const Area a = c_->files.ColumnArea(column);
+    const Area a = c_->files.table.ColumnArea(column);
     Click({a.x, a.y, a.w, Table::kHeaderHeight});
   };
   EXPECT_EQ(first(), "second.txt");
@@ -424,7 +427,7 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   EXPECT_EQ(first(), "second.txt");
   // A file that comes while the folder is shown appears by itself.
   home_.File(std::string(kFolder) + "/third.txt", "x");
-  ASSERT_TRUE(Until([&] { return c_->folder.count() == 3; }));
+  ASSERT_TRUE(Until([&] { return c_->files.folder.count() == 3; }));
   EXPECT_EQ(Selected(), "second.txt");
 }
 
@@ -432,18 +435,18 @@ TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
   for (int i = 0; i < 60; ++i) home_.File("Empty/" + std::to_string(i), "x");
   Open("127.0.0.2");
   Enter(home_.At("Empty"));
-  const Area body = c_->files.Body();
+  const Area body = c_->files.table.Body();
   ClickAt(body.right() + 7, body.bottom() - 5);
   Turn(2);
-  EXPECT_EQ(c_->files.top(), body.h) << "a page";
+  EXPECT_EQ(c_->files.table.top(), body.h) << "a page";
   display::MovePointer(c_->window->x + body.right() + 7, c_->window->y + body.y + body.h / 2);
   display::Press(1);
   display::MovePointer(c_->window->x + body.right() + 7, c_->window->y + 2000);
   display::Release(1);
   Turn(4);
-  EXPECT_EQ(c_->files.top(), 60 * Table::kRowHeight - body.h);
+  EXPECT_EQ(c_->files.table.top(), 60 * Table::kRowHeight - body.h);
   Enter(home_.At(kFolder));
-  EXPECT_EQ(c_->files.Body().right(), c_->layout.folder.right()) << "without a bar";
+  EXPECT_EQ(c_->files.table.Body().right(), c_->layout.folder.right()) << "without a bar";
 
   const Area slider = c_->layout.slider;
   ClickAt(slider.right() - 1, slider.y + slider.h / 2);
@@ -458,17 +461,17 @@ TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
   Click(FileRow("second.txt"));
   PrintSelected(c_);
   EXPECT_FALSE(AskBeforeQuit(c_));
-  const std::string first = c_->folder.At(0).name;
+  const std::string first = c_->files.folder.At(0).name;
   Turn(2);
   ClickAt(slider.x + 1, slider.y + slider.h / 2);
-  const Area head = c_->files.ColumnArea(0);
+  const Area head = c_->files.table.ColumnArea(0);
   Click({head.x, head.y, head.w, Table::kHeaderHeight});
   EXPECT_EQ(c_->choice.priority, 97);
-  EXPECT_EQ(c_->folder.At(0).name, first);
+  EXPECT_EQ(c_->files.folder.At(0).name, first);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
   Click({head.x, head.y, head.w, Table::kHeaderHeight});
-  EXPECT_NE(c_->folder.At(0).name, first) << "there again";
+  EXPECT_NE(c_->files.folder.At(0).name, first) << "there again";
 }
 
 // Names that read alike without their codes, and names in other scripts.
@@ -480,7 +483,7 @@ TEST_F(ConsoleTest, NamesAreShownApartAndFoundByTheirBytes) {
   for (const std::string& name : names) {
     Enter(home_.At("Empty"), name);
     ASSERT_EQ(Selected(), name);
-    EXPECT_EQ(ReadFile(c_->folder.PathOf(c_->files.selected())), name);
+    EXPECT_EQ(ReadFile(c_->files.folder.PathOf(c_->files.table.selected())), name);
     const Area row = FileRow(name.c_str());
     Turn(4);
     At(0, 0);
@@ -501,22 +504,22 @@ TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
   display::OpenFile(path.c_str());
   Turn(4);
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At(kFolder));
+  EXPECT_EQ(c_->files.folder.path(), home_.At(kFolder));
   EXPECT_EQ(Selected(), kLongName);
   display::OpenFile(home_.At("Empty").c_str());
   Turn(4);
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+  EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   for (const char* path_that_is_none : {"/no/such/folder/file.pdf", "relative.pdf", ""}) {
     ShowDocument(c_, path_that_is_none);
     EXPECT_TRUE(HasRead());
-    EXPECT_EQ(c_->folder.path(), home_.At("Empty"));
+    EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   }
   ShowDocument(c_, home_.At("gone.pdf").c_str());
   EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->folder.path(), home_.path());
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), "");
-  EXPECT_FALSE(c_->message.good);
+  EXPECT_FALSE(c_->status.message().good);
 }
 
 TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
@@ -529,9 +532,9 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   order.path = home_.At("gone.pdf");
   order.document = "gone.pdf";
   const int gone = c_->server.Send(order);
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
   c_->server.Cancel(gone);
-  ASSERT_TRUE(Until([&] { return c_->rows.empty(); }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
   daemon.Stop(SIGKILL);
   daemon.Start();
   c_->server.Refresh();
@@ -543,7 +546,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   EXPECT_FALSE(c_->state.transfers[0].text.empty());
   home_.File("gone.pdf", "here it is");
   c_->server.Retry(missing);
-  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->queue.rows.size() == 1; }));
   order.printer = "No such printer";
   c_->server.Send(order);
   ASSERT_TRUE(Until([&] {

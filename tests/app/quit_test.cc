@@ -25,12 +25,12 @@ void QuitWhileSending(const std::string& home, const Daemon& daemon, Way way) {
       XwWaitEvent(nullptr);
     }
   };
-  until([&] { return c->state.link == Link::kReady && c->folder.Find("big.bin") >= 0; });
-  c->files.Select(c->folder.Find("big.bin"));
+  until([&] { return c->state.link == Link::kReady && c->files.folder.Find("big.bin") >= 0; });
+  c->files.table.Select(c->files.folder.Find("big.bin"));
   const_cast<Daemon&>(daemon).Signal(SIGSTOP);
   PrintSelected(c);
-  until([&] { return c->state.quiet_s >= 1 && c->rows.size() == 1; });
-  if (c->rows.size() != 1) _exit(9);
+  until([&] { return c->state.quiet_s >= 1 && c->queue.rows.size() == 1; });
+  if (c->queue.rows.size() != 1) _exit(9);
   auto key = [](uint32_t keysym) {
     display::KeyDown(keysym);
     display::KeyUp(keysym);

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "app/format/words.h"
 #include "app/server/document.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/gate.h"
@@ -21,17 +22,17 @@ class SendingTest : public ConsoleTest {
     ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
     Click(FileRow(name));
     Click(c_->layout.print);
-    ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
-    Click(c_->queue.RowArea(0));
-    ASSERT_EQ(c_->queue.selected(), 0);
-    ASSERT_TRUE(c_->rows[0].transfer);
+    ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+    Click(c_->queue.table.RowArea(0));
+    ASSERT_EQ(c_->queue.table.selected(), 0);
+    ASSERT_TRUE(c_->queue.rows[0].transfer);
     server_.Listen();
     c_->server.Refresh();
   }
   bool QueueIs(size_t transfers, size_t jobs) {
     return Until([&] {
       return c_->state.transfers.size() == transfers && c_->state.jobs->size() == jobs &&
-             c_->rows.size() == transfers + jobs;
+             c_->queue.rows.size() == transfers + jobs;
     });
   }
 
@@ -40,29 +41,6 @@ class SendingTest : public ConsoleTest {
   scripted::Server server_{address_, false};
 };
 
-// What the worker publishes between the words and the taking up comes with the next words: else a
-// recording's words would tell of another state than was shown.
-class ServerNews : public testing::TestWithParam<bool> {};
-
-TEST_P(ServerNews, IsWhatIsTakenUp) {
-  const bool replayed = GetParam();
-  Server server("127.0.0.1", replayed);
-  if (replayed) server.StopKeeping();
-  std::string news;
-  while ((news = server.News()).empty()) usleep(1000);
-  PrintOrder order;
-  order.path = order.document = "/nowhere";
-  server.Send(order);
-  ServerState state;
-  server.TakeUp(news, &state);
-  EXPECT_TRUE(state.transfers.empty());
-  const std::string next = server.News();
-  EXPECT_FALSE(next.empty());
-  server.TakeUp(next, &state);
-  EXPECT_EQ(state.transfers.size(), 1u);
-}
-INSTANTIATE_TEST_SUITE_P(AfterAReplay, ServerNews, testing::Bool());
-
 // The selection goes from the sending to its job, also where the list of jobs comes later, and the
 // first click on a button counts.
 class SelectionTest : public SendingTest, public testing::WithParamInterface<const char*> {};
@@ -70,14 +48,14 @@ class SelectionTest : public SendingTest, public testing::WithParamInterface<con
 TEST_P(SelectionTest, FollowsWhatIsSentToItsJob) {
   PrintAndSelect(GetParam());
   ASSERT_TRUE(QueueIs(0, 1));
-  EXPECT_EQ(c_->queue.selected(), 0);
+  EXPECT_EQ(c_->queue.table.selected(), 0);
   Click(c_->layout.hold_job);
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
   ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
-  EXPECT_EQ(c_->queue.selected(), 0);
+  EXPECT_EQ(c_->queue.table.selected(), 0);
   Click(c_->layout.remove_job);
   ASSERT_TRUE(QueueIs(0, 0));
-  EXPECT_EQ(c_->queue.selected(), -1);
+  EXPECT_EQ(c_->queue.table.selected(), -1);
 }
 INSTANTIATE_TEST_SUITE_P(Sent, SelectionTest,
                          testing::Values("plain.pdf", "alone.pdf", "breaks.pdf"));
@@ -87,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(Sent, SelectionTest,
 TEST_F(SendingTest, WhatArrivedUnnoticedIsRemovedWithItsRow) {
   PrintAndSelect("breaks.pdf");
   ASSERT_TRUE(QueueIs(1, 1));
-  ASSERT_EQ(c_->queue.selected(), 0);
+  ASSERT_EQ(c_->queue.table.selected(), 0);
   Click(c_->layout.remove_job);
   EXPECT_TRUE(QueueIs(0, 0));
 }
@@ -98,9 +76,9 @@ TEST_F(SendingTest, AnotherSelectionStays) {
   ASSERT_TRUE(QueueIs(0, 0));
   Key(0xFF09);
   Key(0xFF54);
-  Click({c_->queue.Body().x, c_->queue.Body().bottom() - 9, 40, 8});
+  Click({c_->queue.table.Body().x, c_->queue.table.Body().bottom() - 9, 40, 8});
   ASSERT_TRUE(QueueIs(0, 1));
-  EXPECT_EQ(c_->queue.selected(), -1);
+  EXPECT_EQ(c_->queue.table.selected(), -1);
 }
 
 // The question before closing counts what was printed since the last tick, and ends the drag that
@@ -111,11 +89,11 @@ TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
   PrintSelected(c_);
   ASSERT_TRUE(c_->state.transfers.empty());
   EXPECT_FALSE(AskBeforeQuit(c_));
-  ASSERT_TRUE(Until([&] { return c_->rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
 
-  const Area name = c_->files.ColumnArea(0);
+  const Area name = c_->files.table.ColumnArea(0);
   const int x = c_->window->x + name.right() - 1, y = c_->window->y + name.y + 10;
   display::MovePointer(x, y);
   display::Press(1);
@@ -127,7 +105,7 @@ TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
   display::MovePointer(x - 30, y);
   display::Release(1);
   Turn(2);
-  EXPECT_EQ(c_->files.ColumnArea(0).w, name.w);
+  EXPECT_EQ(c_->files.table.ColumnArea(0).w, name.w);
 }
 
 // A document on a mount that does not answer, when it is opened or while it is read.
@@ -167,12 +145,12 @@ TEST(DocumentTest, SaysWhyItCannotBeReadOn) {
     int error;
     size_t size, read;
     std::string trouble;
-  } rows[] = {{"missing", 0, 0, 0, strerror(ENOENT)},
+  } rows[] = {{"missing", 0, 0, 0, TroubleText(ENOENT)},
               {"folder", 0, 0, 0, "not a file"},
               {"file", 0, 0, 0, ""},
               {"file", 0, 9000, 9000, ""},
               {"file", 0, 600000, 256 * 1024, "the file ended early"},
-              {"file", EIO, 600000, 256 * 1024, strerror(EIO)}};
+              {"file", EIO, 600000, 256 * 1024, TroubleText(EIO)}};
   for (const auto& row : rows) {
     home.File("file", Bytes(row.size));
     error = row.error;
@@ -228,10 +206,10 @@ TEST_P(HangingDocument, HoldsUpNothing) {
   ASSERT_TRUE(QueueIs(2, 1));
   ASSERT_TRUE(Until([&] { return c_->state.transfers[0].silent_s >= 1; }));
   EXPECT_EQ(c_->state.transfers[0].sent > 0, hangs_in_reading);
-  Click(c_->queue.RowArea(2));
+  Click(c_->queue.table.RowArea(2));
   Click(c_->layout.hold_job);
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
-  Click(c_->queue.RowArea(0));
+  Click(c_->queue.table.RowArea(0));
   Click(c_->layout.remove_job);
   ASSERT_TRUE(QueueIs(0, 2));
   Print("hangs 2.pdf");

@@ -104,6 +104,19 @@ TEST(PopUps, FollowParentAndScreen) {
   Receive();
   EXPECT_EQ(menu->content.width(), 1000) << "cut to the screen";
   EXPECT_EQ(menu->surface.width, 1000);
+  // Its corners show what lies below, at every scale.
+  menu->place.corner = 5;
+  for (const auto& [scale, outside] : {std::pair{1.0, "31100"}, {2.0, "7532211000"}}) {
+    menu->surface.scale = scale;
+    std::string columns;
+    for (const DeviceRect& row : PopUpOutline(*menu, 100, 60)) {
+      if (row.height() > 1) break;
+      EXPECT_EQ(row.right, 100 - row.left);
+      columns += std::to_string(row.left);
+    }
+    EXPECT_EQ(columns, outside);
+  }
+  menu->surface.scale = 1;
   HideWindow(w);
   EXPECT_FALSE(menu->visible || sub->visible);
   ShowWindow(w);

@@ -38,7 +38,7 @@ Picture HeadlessPicture(const XwWindow* top) {
     const int first = menu->content.top - w->content.top + w->menu_bar_height;
     for (int y = 0; y < over.height; ++y)
       for (int x = 0; x < over.width; ++x)
-        if (left + x < p.width && first + y < p.height)
+        if (left + x < p.width && first + y < p.height && over.pixels[size_t(y * over.width + x)])
           p.pixels[size_t((first + y) * p.width + left + x)] =
               over.pixels[size_t(y * over.width + x)];
   }

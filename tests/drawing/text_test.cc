@@ -224,23 +224,23 @@ TEST(Text, BackgroundsAndUnderline) {
   struct {
     int flags, w, h;
     int32_t background;
-    int ground, ink;  // pixels of 0x00FF00 and of red
+    int background_pixels, ink;  // pixels of 0x00FF00 and of red
   } const cases[] = {
       {0, 0, 0, 0x00FF00, 12 * 10 - 56, 56},
       {0, 40, 20, 0x00FF00, 40 * 20 - 56, 56},
       {0, 40, 20, -1, 0, 56},
       {0, 40, 20, -5, 0, 56},
-      {0, 40, 20, -2, 40 * 20 - 56, 56},  // the window's own ground
+      {0, 40, 20, -2, 40 * 20 - 56, 56},  // the window's own background
       {0, 0, 0, -2, 12 * 10 - 56, 56},
       {0x800, 0, 0, -1, 0, 56 + 12},
-      {0, 6, 20, 0x00FF00, 6 * 20, 0},  // nothing fits, the ground stays
+      {0, 6, 20, 0x00FF00, 6 * 20, 0},  // nothing fits, the background stays
       {0, -6, 20, 0x00FF00, 0, 0},
   };
   for (const auto& c : cases) {
     Canvas canvas(60, 40);
     canvas.window().color = 0x00FF00;
     XwDrawText(f, c.flags, 3, 5, c.w, c.h, "ab", 0x0000FF, c.background);
-    EXPECT_EQ(canvas.Count(0xFF00FF00u), c.ground) << c.background << " " << c.w;
+    EXPECT_EQ(canvas.Count(0xFF00FF00u), c.background_pixels) << c.background << " " << c.w;
     EXPECT_EQ(canvas.Count(0xFFFF0000u), c.ink) << c.background << " " << c.w;
   }
   Canvas canvas(60, 40);
@@ -259,7 +259,7 @@ TEST(Text, ScaledPens) {
     XwDrawText(f, 0, 2, 0, 0, 0, "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", 0, -1);
     int middle = DeviceEdge(5, scale);
     for (int i = 0; i < 30; ++i) {
-      // The middle of each block is full ink, the gap after it full ground.
+      // The middle of each block is full ink, the gap after it full background.
       double left = (2 + 6 * i) * scale;
       EXPECT_EQ(canvas.at(int(left + 3 * scale), middle), 0xFF000000u) << scale << " " << i;
       EXPECT_EQ(canvas.at(int(left + 0.5), middle), Canvas::kBlank) << scale << " " << i;

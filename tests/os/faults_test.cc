@@ -140,12 +140,16 @@ TEST_F(Faults, ApplicationPaths) {
         EXPECT_TRUE(got == "/opt/tool/bin" || (got == entry && fault.happened())) << got;
       });
   SweepFaults("OS_SetAppPath", 1, [&](Fault& fault) {
-    scratch.File("Users/Shared/Quorvik/key", "/old");
+    scratch.File("Users/Shared/Quorvik/key", "/old/longer/than/the/new");
+    chmod(scratch.At("Users/Shared/Quorvik").c_str(), 0700);
+    umask(077);
     fault.Begin();
     const int result = OS_SetAppPath("key");
     fault.End();
-    EXPECT_EQ(ReadFile(entry), result == 0 ? "/opt/tool/bin" : "/old");
+    umask(022);
+    EXPECT_EQ(ReadFile(entry), result == 0 ? "/opt/tool/bin" : "/old/longer/than/the/new");
     EXPECT_TRUE(result == 0 ? ModeOf(entry) == 0666u : fault.happened());
+    EXPECT_TRUE(fault.happened() || ModeOf(scratch.At("Users/Shared/Quorvik")) == 0777u);
     EXPECT_EQ(Files("Users/Shared/Quorvik"), std::set<std::string>{"key"});
   });
 }

@@ -203,6 +203,7 @@ TEST(List, PathsAndVolumes) {
   EXPECT_EQ(Whole(scratch.At("a:b"), "*", kFiles, 0).names, "in");
   EXPECT_EQ(Plain("vol:", "*", kFolders, OS_SORT_NAME).names,
             Plain("/", "*", kFolders, OS_SORT_NAME).names);
+  EXPECT_EQ(Whole("/", "etc", kFolders, 0).names, ".. etc");
   ASSERT_EQ(chdir(scratch.path().c_str()), 0);
   Expect("", {"*", kFiles, 0, "one", nullptr});
   OS_ListEntry* list = OS_ListDir(nullptr, "*", nullptr, kFiles, 0);

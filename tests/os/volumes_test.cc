@@ -54,9 +54,9 @@ TEST_F(Volumes, Tables) {
   EXPECT_EQ(Plain(), "");  // no table at all
   scratch.File(
       "etc/mtab",
-      "/dev/sda1 / ext4 rw\nb:/x /mnt/z nfs rw\nc:/y:z /a\\040b nfs4 0\n//s/t /a\xE4 cifs\n");
+      "/dev/sda1 / ext4 rw\nb:/x /mnt/z nfs rw\nc:/y:z /a\\040b nfs4 0\n//s/t /\\077\xE4 cifs\n");
   scratch.File("etc/rfstab", "#no|\nz  /z more\nword\n");
-  const std::string places = "A B:|/a b|c\nA\xE4:|/a\xE4|\nMNT/Z:|/mnt/z|b\nz|/z|\nword|word|\n";
+  const std::string places = "?\xE4:|/?\xE4|\nA B:|/a b|c\nMNT/Z:|/mnt/z|b\nz|/z|\nword|word|\n";
   EXPECT_EQ(Plain(), places);
   EXPECT_EQ(Whole(), places);
 }

@@ -1,8 +1,10 @@
 // The loop: trackers and nested waits, sources to wait on, what is released after its window has
 // ended, the focus that the desktop moves, lost regions, and a second start in one process.
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -119,6 +121,12 @@ TEST_F(Loop, WhatLiesByIsPurgedRemovedAndMergedWith) {
       [](EventLoopTimerRef, void*) {
         Post("gone");
         Post("kept");
+      },
+      nullptr);
+  // They are deferred by now.
+  InstallEventLoopTimer(
+      0.25, 0,
+      [](EventLoopTimerRef, void*) {
         RemoveEventsFromQueue(GetMainEventQueue(),
                               [](const Event& e) { return e.cls == kOwn && Name(e) == "gone"; });
       },
@@ -195,6 +203,15 @@ TEST_F(Loop, ATrackerSeesEventsBeforeHandlersAndEndsWithItsOwner) {
   EXPECT_EQ(menu.presses, 2);
 }
 
+// The process waits in the kernel.
+bool Sleeps(pid_t process) {
+  std::ifstream stat("/proc/" + std::to_string(process) + "/stat");
+  std::string line;
+  std::getline(stat, line);
+  const size_t state = line.rfind(") ");
+  return state != std::string::npos && line[state + 2] == 'S';
+}
+
 // Five descriptors of two sources, and a stepped clock: the last one wakes the loop.
 struct Pipes {
   int fds[5][2];
@@ -236,8 +253,9 @@ TEST_F(Loop, AnyDescriptorOfAnySourceWakesAWait) {
   ASSERT_TRUE(ReceiveNextEvent(kEventDurationForever, &e));
   EXPECT_EQ(Name(e), "timer");
   // With no timer left the wait lasts until a descriptor is ready.
+  const pid_t self = getpid();
   if (fork() == 0) {
-    usleep(50000);
+    while (!Sleeps(self)) sched_yield();
     _exit(write(pipes.fds[4][1], "x", 1) == 1 ? 0 : 1);
   }
   ASSERT_TRUE(ReceiveNextEvent(kEventDurationForever, &e));

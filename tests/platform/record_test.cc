@@ -30,8 +30,7 @@ TEST(RecordLine, ReadsWhatItWrites) {
       "2.250000 scroll w1 x=5 y=6 dx=-0.5 dy=40",
       "3.000000 configure w2 rx=40 ry=96 w=860 h=624",
       "4.000000 open /a b/\\\\with\\nline",
-      "5.000000+ take server 51f0 quiet 0",
-      "5.000000+2 take server 51f0 quiet 0",
+      "5.000000+ result server 51f0 quiet 0",
       "5.000000+ result folder",
       "5.500000 result folder 51f0 quiet",
       "6.000000 quit",
@@ -64,7 +63,6 @@ TEST(RecordLine, RefusesWhatIsNone) {
       "1.0 press w1 x",
       "1.0 press w1 x=",
       "1.0 open",
-      "1.0 take",
       "1.0 result",
       "1+1 result a",
       "1.0 press w1 x=1y",
@@ -79,8 +77,9 @@ TEST(RecordLine, RefusesWhatIsNone) {
       "1 key-down w1 typed=6g",
       "1 key-down w1 typed=61616161616161616161616161616161",
       "1+1 quit",
-      "1+- take a b",
-      "1++1 take a b",
+      "1+- result a b",
+      "1++ result a b",
+      "1 take a b",
       "1 text",
       "1 text 0",
       "1 text -1",
@@ -132,66 +131,6 @@ TEST(Record, AFaultyFileIsToldAndNothingBegins) {
   EXPECT_FALSE(InitPlatform("record"));
   EXPECT_NE(testing::internal::GetCapturedStderr().find("No such file"), std::string::npos);
   unsetenv("XW_REPLAY");
-}
-
-// A program that asks twice at one moment.
-struct Asker {
-  int ready;  // the asking at which the result has come
-  int asked = 0, taken = 0;
-};
-void Ask(EventLoopTimerRef, void* data) {
-  auto* asker = static_cast<Asker*>(data);
-  const bool ready = ++asker->asked >= asker->ready;
-  if (TakeUp("news", ready && !asker->taken ? "of the day" : nullptr)) asker->taken = asker->asked;
-}
-
-// The number of the asking that took the result up.
-int AskTwice(const char* variable, const std::string& file, int ready) {
-  setenv(variable, file.c_str(), 1);
-  EXPECT_TRUE(OpenRecord("record"));
-  unsetenv(variable);
-  Asker asker{ready};
-  const EventLoopTimerRef timers[] = {InstallEventLoopTimer(0.1, 0, Ask, &asker),
-                                      InstallEventLoopTimer(0.1, 0, Ask, &asker)};
-  Event event;
-  while (asker.asked < 2) ReceiveNextEvent(0.05, &event);
-  for (const EventLoopTimerRef timer : timers) RemoveEventLoopTimer(timer);
-  CloseRecord();
-  return asker.taken;
-}
-
-TEST(Record, AResultIsTakenUpAtTheSameAskingOfAMoment) {
-  setenv("XW_DISPLAY", "headless", 1);
-  headless::UseSteppedClock(1000);
-  ASSERT_TRUE(InitPlatform("record"));
-  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
-  for (const int recorded : {1, 2}) {
-    EXPECT_EQ(AskTwice("XW_RECORD", file, recorded), recorded);
-    for (const int ready : {1, 2, 3}) EXPECT_EQ(AskTwice("XW_REPLAY", file, ready), recorded);
-  }
-  remove(file.c_str());
-}
-
-// A program may never ask for what it asked for when it was recorded: the rest is played all the
-// same.
-TEST(Record, ATakeThatNobodyTakesUpEndsItsWait) {
-  setenv("XW_DISPLAY", "headless", 1);
-  headless::UseSteppedClock(1000);
-  ASSERT_TRUE(InitPlatform("record"));
-  const std::string file = testing::TempDir() + "record-" + std::to_string(getpid());
-  std::ofstream(file) << "xw-record 1\n0.1 take server up\n0.2 quit\n";
-  setenv("XW_REPLAY", file.c_str(), 1);
-  ASSERT_TRUE(OpenRecord("record"));
-  unsetenv("XW_REPLAY");
-  testing::internal::CaptureStderr();
-  Event event;
-  EXPECT_FALSE(ReceiveNextEvent(15, &event));
-  EXPECT_TRUE(ReceiveNextEvent(10, &event));
-  EXPECT_EQ(event.cls, uint32_t{kEventClassAppleEvent});
-  EXPECT_NE(testing::internal::GetCapturedStderr().find("nobody took up server"),
-            std::string::npos);
-  CloseRecord();
-  remove(file.c_str());
 }
 
 // On a real clock timers are due all the time; none fires among what was recorded together.

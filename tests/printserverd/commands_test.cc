@@ -36,6 +36,7 @@ TEST_F(Commands, PrintAndSee) {
   EXPECT_EQ(New("a", "document=" + name + "\nowner=me\ncopies=3\nunknown=x", document), 1);
   EXPECT_TRUE(IsDone("a"));
   EXPECT_EQ(See("a", "document owner printer"), name + " me Proof printer");
+  EXPECT_EQ(See("Proof printer", "default media paper"), "1 A4,A3 497");
   EXPECT_EQ(See("a", "copies priority size total printed number pages pages-printed colour"),
             "3 50 6 18 18 1 3 3 -");
   EXPECT_GE(std::stoll(See("a", "submitted")), before);
@@ -131,15 +132,16 @@ TEST_F(Commands, TicketsInPieces) {
 
 TEST_F(Commands, RequestIds) {
   Start();
-  std::set<std::string> created;
-  uint8_t first[16], id[16];
-  ASSERT_EQ(NC_CreateRequestID(fd, first), 1);
-  for (int i = 0; i < 1000; ++i) {
-    ASSERT_EQ(NC_CreateRequestID(fd, id), 1);
-    created.insert(std::string(id, id + 16));
+  std::vector<std::string> created(1000);
+  for (std::string& one : created) {
+    one.resize(NC_ID_SIZE);
+    ASSERT_EQ(NC_CreateRequestID(fd, one.data()), 1);
   }
-  EXPECT_EQ(created.size(), 1000U);
-  EXPECT_EQ(NC_WritePrintRequest(fd, first, "\nx", 2), NC_STATUS_UNKNOWN_ID);  // long forgotten
+  EXPECT_EQ(std::set<std::string>(created.begin(), created.end()).size(), 1000U);
+  // The last 64 are kept.
+  EXPECT_EQ(NC_WritePrintRequest(fd, created[935].data(), "", 0), NC_STATUS_UNKNOWN_ID);
+  EXPECT_EQ(NC_WritePrintRequest(fd, created[936].data(), "", 0), NC_STATUS_BAD_TICKET);
+  const char* const id = created[999].data();
   const int other = daemon.Connect();
   EXPECT_EQ(NC_WritePrintRequest(other, id, "\nx", 2), NC_STATUS_UNKNOWN_ID);
   EXPECT_EQ(NC_WritePrintRequest(fd, id, "copies=x\n\nx", 11), NC_STATUS_BAD_TICKET);

@@ -86,15 +86,6 @@ class PrinterClock : public testing::Test {
   std::unique_ptr<Printer> printer;
 };
 
-TEST_F(PrinterClock, TakesItsTime) {
-  Make();
-  const RequestId id = Add(5000, 2);
-  EXPECT_EQ(At(0, id).printed, 0);
-  EXPECT_EQ(At(4500, id).printed, 4500);
-  EXPECT_EQ(At(9990, id).state, JobState::kPrinting);
-  EXPECT_EQ(At(10050, id).state, JobState::kDone);
-}
-
 TEST_F(PrinterClock, GoesOnAtItsRateWithFreshPaper) {
   settings.printers[0].paper = 2;
   Make();

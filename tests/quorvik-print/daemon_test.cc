@@ -15,7 +15,7 @@ namespace {
 class Cli : public ::testing::Test {
  protected:
   Outcome Run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), QUORVIK_PRINT);
+    arguments.insert(arguments.begin(), {"/usr/bin/env", "-C", daemon_.folder(), QUORVIK_PRINT});
     return RunProgram(arguments, {"QUORVIK_SERVER=" + std::string(daemon_.host())});
   }
   Daemon daemon_;
@@ -23,23 +23,6 @@ class Cli : public ::testing::Test {
 
 bool Has(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
-}
-
-TEST_F(Cli, PrintHoldReleaseRemove) {
-  const std::string one = daemon_.WriteFile("one", "first"), two = daemon_.WriteFile("two", "");
-  Outcome outcome = Run({"print", one});
-  EXPECT_EQ(outcome.code, 3);
-  EXPECT_TRUE(Has(outcome.error, "no server there")) << outcome.error;
-  daemon_.Start({"--rate", "0"});
-  outcome = Run({"print", "--hold", "--owner", "ann", one, "no-such-file", two});
-  EXPECT_EQ(outcome.code, 4) << outcome.error;
-  const std::string id = outcome.out.substr(0, 32);
-  EXPECT_EQ(ReadWhole(daemon_.Path("jobs/" + id + ".doc")), "first");
-  EXPECT_TRUE(Has(outcome.out, " two, ann\n")) << outcome.out;
-  EXPECT_EQ(Run({"release", id.substr(0, 12)}).code, 0);
-  EXPECT_TRUE(Eventually([&] { return Has(Run({"queue", "--state=done"}).out, id); }));
-  EXPECT_EQ(Run({"hold", id}).code, 1);
-  EXPECT_EQ(Run({"remove", id, id}).code, 1);
 }
 
 TEST_F(Cli, ListsAndGamut) {
@@ -51,6 +34,8 @@ TEST_F(Cli, ListsAndGamut) {
   const std::string output = daemon_.folder() + "/got.icc";
   EXPECT_EQ(Run({"gamut", "g.icc", "--output", output}).code, 0);
   EXPECT_EQ(ReadWhole(output), "gamut");
+  EXPECT_EQ(Run({"gamut", "g.icc"}).code, 0);  // beside it, under its own name
+  EXPECT_EQ(ReadWhole(daemon_.folder() + "/g.icc"), "gamut");
   EXPECT_EQ(Run({"gamut", "none", "--output", output}).code, 1);
   EXPECT_EQ(Run({"gamut", "g.icc", "--folder", "none", "--output", output}).code, 1);
   EXPECT_EQ(ReadWhole(output), "gamut");

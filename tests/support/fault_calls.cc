@@ -133,30 +133,22 @@ WRAP3(pid_t, waitpid, pid_t, int*, int)
 
 extern "C" {
 
-ssize_t __real_read(int, void*, size_t);
-ssize_t __wrap_read(int fd, void* data, size_t size) {
-  return Transfer("read", size, [=](size_t n) { return __real_read(fd, data, n); });
-}
+// A wrapper of a call that moves `size` bytes: what it takes, and what it passes on to move n.
+#define TRANSFER(name, parameters, passed)                                        \
+  ssize_t __real_##name parameters;                                               \
+  ssize_t __wrap_##name parameters {                                              \
+    return Transfer(#name, size, [=](size_t n) { return __real_##name passed; }); \
+  }
 
-ssize_t __real_pread(int, void*, size_t, off_t);
-ssize_t __wrap_pread(int fd, void* data, size_t size, off_t at) {
-  return Transfer("pread", size, [=](size_t n) { return __real_pread(fd, data, n, at); });
-}
-
-ssize_t __real_write(int, const void*, size_t);
-ssize_t __wrap_write(int fd, const void* data, size_t size) {
-  return Transfer("write", size, [=](size_t n) { return __real_write(fd, data, n); });
-}
-
-ssize_t __real_recv(int, void*, size_t, int);
-ssize_t __wrap_recv(int fd, void* data, size_t size, int flags) {
-  return Transfer("recv", size, [=](size_t n) { return __real_recv(fd, data, n, flags); });
-}
-
-ssize_t __real_send(int, const void*, size_t, int);
-ssize_t __wrap_send(int fd, const void* data, size_t size, int flags) {
-  return Transfer("send", size, [=](size_t n) { return __real_send(fd, data, n, flags); });
-}
+TRANSFER(read, (int fd, void* data, size_t size), (fd, data, n))
+TRANSFER(pread, (int fd, void* data, size_t size, off_t at), (fd, data, n, at))
+TRANSFER(write, (int fd, const void* data, size_t size), (fd, data, n))
+TRANSFER(recv, (int fd, void* data, size_t size, int flags), (fd, data, n, flags))
+TRANSFER(send, (int fd, const void* data, size_t size, int flags), (fd, data, n, flags))
+TRANSFER(sendfile, (int to, int from, off_t* at, size_t size), (to, from, at, n))
+TRANSFER(copy_file_range,
+         (int from, off_t* from_at, int to, off_t* to_at, size_t size, unsigned flags),
+         (from, from_at, to, to_at, n, flags))
 
 // Half of a message is half of its first piece.
 ssize_t __real_sendmsg(int, const msghdr*, int);
@@ -172,38 +164,20 @@ ssize_t __wrap_sendmsg(int fd, const msghdr* message, int flags) {
   });
 }
 
-ssize_t __real_sendfile(int, int, off_t*, size_t);
-ssize_t __wrap_sendfile(int to, int from, off_t* at, size_t size) {
-  return Transfer("sendfile", size, [=](size_t n) { return __real_sendfile(to, from, at, n); });
-}
+// A wrapper of a call with a mode behind its flags when it makes a file.
+#define OPEN(name, parameters, passed)                                            \
+  int __real_##name parameters;                                                   \
+  int __wrap_##name parameters {                                                  \
+    va_list more;                                                                 \
+    va_start(more, flags);                                                        \
+    const mode_t mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(more, mode_t) : 0; \
+    va_end(more);                                                                 \
+    const Outcome* outcome = NextOutcome(#name);                                  \
+    return outcome ? Failure<int>(outcome->error) : __real_##name passed;         \
+  }
 
-ssize_t __real_copy_file_range(int, off_t*, int, off_t*, size_t, unsigned);
-ssize_t __wrap_copy_file_range(int from, off_t* from_at, int to, off_t* to_at, size_t size,
-                               unsigned flags) {
-  return Transfer("copy_file_range", size, [=](size_t n) {
-    return __real_copy_file_range(from, from_at, to, to_at, n, flags);
-  });
-}
-
-int __real_open(const char*, int, ...);
-int __wrap_open(const char* path, int flags, ...) {
-  va_list more;
-  va_start(more, flags);
-  const mode_t mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(more, mode_t) : 0;
-  va_end(more);
-  const Outcome* outcome = NextOutcome("open");
-  return outcome ? Failure<int>(outcome->error) : __real_open(path, flags, mode);
-}
-
-int __real_openat(int, const char*, int, ...);
-int __wrap_openat(int folder, const char* path, int flags, ...) {
-  va_list more;
-  va_start(more, flags);
-  const mode_t mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(more, mode_t) : 0;
-  va_end(more);
-  const Outcome* outcome = NextOutcome("openat");
-  return outcome ? Failure<int>(outcome->error) : __real_openat(folder, path, flags, mode);
-}
+OPEN(open, (const char* path, int flags, ...), (path, flags, mode))
+OPEN(openat, (int folder, const char* path, int flags, ...), (folder, path, flags, mode))
 
 // A descriptor is closed whatever the result is.
 int __real_close(int);

@@ -287,16 +287,25 @@ std::string XUser::Text(xcb_window_t window, const char* property) {
           size_t(xcb_get_property_value_length(r.p))};
 }
 
-void XUser::Ask(xcb_window_t window, const char* type, const std::vector<uint32_t>& data) {
+void SendMessage(xcb_connection_t* c, xcb_window_t to, uint32_t mask, xcb_window_t about,
+                 xcb_atom_t type, const std::vector<uint32_t>& data) {
   xcb_client_message_event_t m{};
   m.response_type = XCB_CLIENT_MESSAGE;
   m.format = 32;
-  m.window = window;
-  m.type = Atom(type);
+  m.window = about;
+  m.type = type;
   for (size_t i = 0; i < data.size() && i < 5; ++i) m.data.data32[i] = data[i];
-  xcb_send_event(c_, 0, root(),
-                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                 reinterpret_cast<const char*>(&m));
+  xcb_send_event(c, 0, to, mask, reinterpret_cast<const char*>(&m));
+}
+
+void XUser::Ask(xcb_window_t window, const char* type, const std::vector<uint32_t>& data) {
+  SendMessage(c_, root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+              window, Atom(type), data);
+  Sync();
+}
+
+void XUser::Tell(xcb_window_t window, const char* type, const std::vector<uint32_t>& data) {
+  SendMessage(c_, window, 0, window, Atom(type), data);
   Sync();
 }
 

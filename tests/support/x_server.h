@@ -43,6 +43,11 @@ class XServer {
   std::string display_;
 };
 
+// Sends a message of five words about a window to those that listen at `to` for `mask`, or, with
+// mask 0, to the program that made `to`.
+void SendMessage(xcb_connection_t* c, xcb_window_t to, uint32_t mask, xcb_window_t about,
+                 xcb_atom_t type, const std::vector<uint32_t>& data);
+
 // What a pixel of the screen looks like, 0xRRGGBB, rows from the top.
 struct Screenshot {
   int width = 0, height = 0;
@@ -86,6 +91,8 @@ class XUser {
   xcb_atom_t Atom(const char* name);
   // A request to the window manager, as pagers and menus make it.
   void Ask(xcb_window_t window, const char* type, const std::vector<uint32_t>& data);
+  // A message to a window, as a window manager sends it.
+  void Tell(xcb_window_t window, const char* type, const std::vector<uint32_t>& data);
   Screenshot Look();
   // Waits until the server has carried out what was sent.
   void Sync();

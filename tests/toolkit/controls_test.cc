@@ -337,7 +337,19 @@ TEST(Controls, TheKeyboardAlone) {
   RunLoop();
   EXPECT_EQ(Reports(), "6=1") << "of a letter either";
   input::KeyUp('r', 'r');
+  // The letters that Alt shows go with the window's keyboard.
+  auto look = [&] {
+    RunLoop();
+    return input::TakePicture(Native(s.main)).pixels;
+  };
+  input::Focus(nullptr);
+  const auto shown = look();
   input::Modifiers(0);
+  input::Focus(Native(s.main));
+  RunLoop();
+  input::Focus(nullptr);
+  EXPECT_EQ(look(), shown);
+  input::Focus(Native(s.main));
   XwFocusControl(XwFind(s.main, 1));
   XwSetTab(s.main, 0);
   Settle();

@@ -133,6 +133,20 @@ TEST(EditBoxes, KeysEditAndEndAsOneEventEach) {
   EXPECT_EQ(OfferedText(Selection::kClipboard)->find('x'), std::string::npos) << "Control alone";
   Type(kInsert, 0, controlKey);
   EXPECT_EQ(*OfferedText(Selection::kClipboard), "<xyz>") << "what was deleted is selected again";
+  XwSetText(s.box, "a1_b-c");
+  for (const char* text : {"a1_b-|c", "a1_b|-|c", "|a1_b|-|c"}) {
+    Type(kLeft, 0, controlKey);
+    TypeText("|");
+    EXPECT_EQ(Text(s.box), text) << "letters, digits and lines are words; signs are others";
+    Type(kLeft);
+  }
+  XwSetText(s.box, "");
+  for (int i = 0; i < 600; ++i) {
+    TypeText("x");
+    Type(kHome);
+  }
+  for (int i = 0; i < 600; ++i) Type('z', 'z', controlKey);
+  EXPECT_EQ(Text(s.box).size(), 100u) << "what can be undone has an end";
   XwSetText(s.box, "");
   EXPECT_EQ(Type(kKeypadDecimal, ','), "789");
   EXPECT_EQ(Text(s.box), ".");
@@ -224,6 +238,11 @@ TEST(EditBoxes, ThePointerSelects) {
   release();
   EXPECT_EQ(Came(), "788=1");
   EXPECT_EQ(OfferedText(Selection::kPrimary), nullptr) << "not the user's selection";
+  Type(kEscape);
+  press(two);
+  release();
+  EXPECT_EQ(type("one two"), "one two")
+      << "a press before the box had the keyboard is no first one";
   RunFor(1);
   press(two);
   release();
@@ -313,7 +332,14 @@ TEST(EditBoxes, TheClipboardComesLaterOrNotAtAll) {
   EXPECT_EQ(*input::AskForText(Selection::kClipboard),
             "one twoab\u00E4\uFFFD"
             "c");
+  input::OfferText(Selection::kClipboard, std::string(65535, 'x') + "\u00E4");
+  XwSetText(s.box, "");
+  Type('v', 'v', controlKey);
+  EXPECT_EQ(XwGetTextUtf8(s.box, nullptr, 0), 65535) << "64 KiB, in whole characters";
   input::OfferTextLater(Selection::kClipboard);
+  for (int i = 0; i < 20; ++i) Type('v', 'v', controlKey);
+  EXPECT_EQ(input::OpenAsks(), 8) << "a key that repeats asks for no more";
+  RunFor(2.1);
   XwSetText(s.box, "");
   EXPECT_EQ(Type('v', 'v', controlKey), "118");
   const std::string late = "late";
@@ -384,6 +410,25 @@ TEST(EditBoxes, MenuKeysComeAfterTheBox) {
     EXPECT_TRUE(undo & kIsEnabled);
     EXPECT_FALSE(redo & kIsEnabled) << "something new was typed";
   }
+  // By the pointer it comes with the keyboard; of what can only be read it copies all.
+  XwWindow* read = XwEditBox(s.main, "fixed", 6, 10, 40, 120, 24, kOn | XWC_VARIANT);
+  for (XwWindow* w : {s.box, read}) {
+    XwSetFocus(s.main);
+    EventLoopTimerRef copy = InstallEventLoopTimer(
+        0.1, 0,
+        [](EventLoopTimerRef, void*) {
+          input::KeyDown('c', 'c');
+          input::KeyUp('c', 'c');
+          input::KeyDown(kReturn);
+          input::KeyUp(kReturn);
+        },
+        nullptr);
+    input::Click(120, w->y + 110, 2);
+    RunFor(0.2);
+    RemoveEventLoopTimer(copy);
+    EXPECT_EQ(FocusedId(), w == read ? 0 : 5);
+  }
+  EXPECT_EQ(*OfferedText(Selection::kClipboard), "fixed");
 }
 
 TEST(EditBoxes, AFieldIsEditedInPlace) {
@@ -433,6 +478,12 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
   EXPECT_EQ(n.what.state & (kIsFocused | kIsEnabled | kIsReadOnly), kIsFocused | kIsEnabled);
   XwDescribeControl(read, "Read");
   EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable), kIsReadOnly);
+  auto shown = [&](const std::string& text) {
+    XwSetText(read, text.c_str());
+    RunFor(0.001);
+    return input::TakePicture(Native(s.main)).pixels;
+  };
+  EXPECT_EQ(shown("fixed" + std::string(60, ' ') + "end"), shown("fixed")) << "from its beginning";
   Type(kEnd);
   auto look = [&] { return input::TakePicture(Native(s.main)).pixels; };
   const auto on = look();

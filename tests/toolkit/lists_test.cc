@@ -259,6 +259,15 @@ TEST(Lists, WheelAndBarScroll) {
   XwUpdateListBox(s.list, Texts(8));
   XwMove(s.list, 10, 20, 150, 180);
   EXPECT_EQ(s.RowBounds(7).right, list.right - 1);
+  // Lower than a row it shows no part of a text.
+  XwMove(s.list, 10, 20, 150, 20);
+  const char* const blank[] = {"", nullptr};
+  auto look = [&](const char* const* rows) {
+    XwUpdateListBox(s.list, rows);
+    RunLoop();
+    return input::TakePicture(Native(s.main)).pixels;
+  };
+  EXPECT_EQ(look(Texts(1)), look(blank));
   XwShow(s.list, 0);
   EXPECT_FALSE(s.FindList().what.state & kIsShown);
 }

@@ -133,11 +133,16 @@ TEST(Menus, ByThePointer) {
   EXPECT_EQ(Came(), "793 794:102");
   EXPECT_FALSE(Shown("Print"));
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
+  // One that is let go of outside chooses nothing.
+  User({Move("File"), Down, Move("Print"), [] { input::MovePointer(390, 290); }, Up,
+        [] { EXPECT_FALSE(MenusAreOpen()); }});
+  EXPECT_EQ(Came(), "793");
   // A click opens, another title follows the pointer, a second click chooses.
   User({Move("File"), [] { Down(), Up(); }, [] { EXPECT_TRUE(Shown("Print")); }, Move("Edit"),
         [] {
           EXPECT_TRUE(Shown("Copy"));
           EXPECT_FALSE(Shown("Print"));
+          EXPECT_NEAR(Item("Copy").bounds.left, Item("Edit").bounds.left, 4) << "below its title";
         },
         Move("Copy"), [] { Down(), Up(); }});
   EXPECT_EQ(Came(), "793 793 794:402");

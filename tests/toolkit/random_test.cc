@@ -41,6 +41,9 @@ void Mix(uint64_t value) {
 constexpr int kMostWindows = 60;
 std::vector<XwWindow*> windows;  // the model: all that live
 int depth = 0;
+bool quiet = false;  // handlers do nothing but look
+// Serial numbers of what was shown and has not been drawn since.
+std::set<uint64_t> undrawn;
 
 XwWindow* Any() {
   return windows.empty() ? nullptr : windows[Random(uint32_t(windows.size()))];
@@ -52,7 +55,18 @@ platform::WindowRef AnyNative() {
 
 void Act();
 
+// The pointer's place in the window that hears of it is its place on the screen.
+void CheckEvent(int type) {
+  XwWindow* w = Inp.window;
+  if (type == XWE_EXPOSE) undrawn.erase(w->serial);
+  if (type < XWE_MOTION || type >= XWE_RELEASE) return;
+  const XwWindow* top = TopLevel(w);
+  EXPECT_EQ(Inp.px, Inp.root_x - top->x - (w == top ? 0 : w->origin_x)) << type;
+  EXPECT_EQ(Inp.py, Inp.root_y - top->y - (w == top ? 0 : w->origin_y)) << type;
+}
+
 int Handler(int type) {
+  CheckEvent(type);
   Mix(uint64_t(type));
   Mix(Inp.window ? Inp.window->serial : 0);
   Mix(uint64_t(uint32_t(Inp.px)) << 32 | uint32_t(Inp.py));
@@ -65,6 +79,7 @@ int Handler(int type) {
     XwFillRect(0, 0, 20, 20);
     XwSet(nullptr);
   }
+  if (quiet) return 0;
   ++depth;
   if (depth < 4 && Random(12) == 0) Act();
   --depth;
@@ -78,6 +93,14 @@ void Scroll(float dx, float dy) {
 
 void Forget(XwWindow* w) {
   std::erase_if(windows, [w](XwWindow* other) { return other == w || IsSubWindow(w, other); });
+}
+
+// A top-level window that comes onto the screen is drawn before the program rests.
+void Show(XwWindow* w, int show) {
+  const bool top = w && IsTopLevel(w) && w->handler == Handler;
+  if (top && show && !platform::IsWindowVisible(NativeWindow(w))) undrawn.insert(w->serial);
+  if (top && !show) undrawn.erase(w->serial);
+  XwShow(w, show);
 }
 
 // Of any kind; null where there can be none.
@@ -131,7 +154,7 @@ void Create() {
       w = parent ? XwCreate(parent, x / 8, y / 8, width, height, handler) : nullptr;
   }
   if (w) windows.push_back(w);
-  if (w && Random(8)) XwShow(w, 1);
+  if (w && Random(8)) Show(w, 1);
 }
 
 void Destroy() {
@@ -159,7 +182,7 @@ void Act() {
     case 5:
       return XwMove(w, Between(-50, 900), Between(-50, 700), Between(-5, 400), Between(-5, 300));
     case 6:
-      return XwShow(w, int(Random(3)));
+      return Show(w, int(Random(3)));
     case 7:
       return XwGrabPointer(w, Between(-1, 23));
     case 8:
@@ -167,8 +190,12 @@ void Act() {
       return XwUngrabPointer();
     case 10:
       return XwTimer(w, Between(-1, 8), Between(0, 60));
-    case 11:
-      return XwSendEvent(w, Between(1, 900), Between(0, 5), int(Random(9)), 0);
+    case 11: {
+      // Redraws and the pointer's events are those of the display: they are held against the model.
+      const int type = Between(1, 900);
+      return XwSendEvent(w, type >= XWE_EXPOSE && type <= XWE_RELEASE ? type + 200 : type,
+                         Between(0, 5), int(Random(9)), 0);
+    }
     case 12:
       DirectSendEvent(w, Between(1000, 1100), 0, 0);
       return;
@@ -277,6 +304,25 @@ void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
   EXPECT_EQ((Rect{w->x, w->y, w->x + w->width, w->y + w->height}), native);
 }
 
+// All is let go and nothing is left to come: no key or button is down, no input waits, and what was
+// shown has been drawn.
+void Rest() {
+  quiet = true;
+  RunFor(0.1);
+  for (int b = 1; b <= 6; ++b) input::Release(b);
+  for (uint32_t key = 30; key <= 130; ++key) input::KeyUp(key, key);
+  for (uint32_t key : {0xFF09, 0xFF0D, 0xFF1B, 0xFFC7}) input::KeyUp(key);
+  for (uint32_t key = 0xFF50; key <= 0xFF57; ++key) input::KeyUp(key);
+  RunFor(0.1);
+  platform::ForEachEvent(platform::GetMainEventQueue(), [](platform::Event* e) {
+    EXPECT_TRUE(e->cls != platform::kEventClassMouse && e->cls != platform::kEventClassKeyboard);
+  });
+  for (int type = 1; type < 768; ++type) EXPECT_EQ(XwGetKeyState(type), 0) << type;
+  for (XwWindow* w : windows)
+    EXPECT_FALSE(undrawn.count(w->serial)) << "shown and not drawn: " << w->serial;
+  quiet = false;
+}
+
 bool LiveOrNull(XwWindow* w) {
   return !w || IsLive(w);
 }
@@ -330,6 +376,7 @@ uint64_t Play(uint64_t seed, int64_t steps) {
     if (Random(6) == 0) RunFor(Random(30) / 1000.0);
     for (XwWindow* w : {Inp.window, Inp.focus, GrabWindow})
       if (!LiveOrNull(w)) ADD_FAILURE() << "a window that has ended";
+    if (i % 256 == 0) Rest();
     if (i % 256 == 0 || testing::Test::HasFailure()) {
       Check();
       if (testing::Test::HasFailure()) {

@@ -7,10 +7,6 @@
 #include <cstdlib>
 #include <map>
 
-#include "platform/display/x11/x.h"
-#include "platform/events/event.h"
-#include "platform/windows/windows.h"
-#include "tests/x11/fixture.h"
 #include "tests/x11/turn.h"
 #include "toolkit/xw.h"
 
@@ -29,7 +25,7 @@ int Handle(int type) {
   return 0;
 }
 
-class Churn : public X11Test {
+class Churn : public Toolkit<X11Test> {
  protected:
   // What the server keeps for this program, by kind.
   std::map<std::string, uint32_t> Resources() {
@@ -70,17 +66,6 @@ class Churn : public X11Test {
     fclose(f);
     return n;
   }
-  static void Turn() {
-    while (TakeTurn(0)) {
-    }
-  }
-  void Rest() {
-    SettleWith([] {
-      bool came = false;
-      while (TakeTurn(0)) came = true;
-      return came;
-    });
-  }
   void OneWindow(int i) {
     XwWindow* w = XwCreate(0, 10, 40, 150, 120, Handle);
     XwWindow* sub = XwCreate(w, 10, 10, 100, 60, Handle);
@@ -92,15 +77,15 @@ class Churn : public X11Test {
     XwBoxList(10, 5, 5, 40, 40);
     XwBoxList(4, 0, 0, 0, 0);
     XwShow(w, 1);
-    if (i % 3 != 0) Turn();
+    if (i % 3 != 0) TakeTurns();
     XwMove(w, 20, 50, 200, 150);
     if (i % 5 == 0) XwShow(w, 0);
     if (i % 7 == 0) XwGrabPointer(w, 3);
     for (int n = 0; n < 5; ++n) XwSendEvent(n % 2 != 0 ? w : sub, XWE_EXPOSE, 0, 0, 0);
-    if (i % 4 == 0) Turn();
+    if (i % 4 == 0) TakeTurns();
     XwDestroy(w);
     if (i % 7 == 0) XwUngrabPointer();
-    if (i % 2 == 0) Turn();
+    if (i % 2 == 0) TakeTurns();
   }
 };
 
@@ -112,7 +97,7 @@ TEST_P(Managers, ManyWindowsLeaveNothingBehind) {
   const int count = wanted != nullptr ? atoi(wanted) : *GetParam() != 0 ? kWindows / 10 : kWindows;
   StartServer(GetParam(), {});
   XwSession("Churn", "Churn", 0);
-  XwWindow* top = XwCreate(0, 300, 300, 100, 100, Handle);
+  top = XwCreate(0, 300, 300, 100, 100, Handle);
   XwShow(top, 1);
   Rest();
   for (int i = 0; i < kWarm; ++i) OneWindow(i);
@@ -133,8 +118,6 @@ TEST_P(Managers, ManyWindowsLeaveNothingBehind) {
     EXPECT_TRUE(support::Eventually(
         [&] { return user().Words(user().root(), "_NET_CLIENT_LIST").size() == 1; }));
   }
-  XwDestroy(top);
-  XwEndSession();
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, Managers, testing::Values("", "openbox"),

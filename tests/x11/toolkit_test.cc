@@ -26,42 +26,21 @@ int Handle(int type) {
 }
 
 template <class Base>
-class Toolkit : public Base {
+class Steps : public Toolkit<Base> {
  protected:
   // A session with a shown window that resizes in steps.
   void Session(int width, int height, int step_x, int step_y) {
     XwSession("Session", "Toolkit", 0);
-    top = XwCreate(0, 200, 150, int16_t(width), int16_t(height), Handle);
-    if (step_x != 0) XwSetSizes(top, 50, 50, 800, 600, uint16_t(step_x), uint16_t(step_y));
-    XwShow(top, 1);
+    XwWindow* w = this->top = XwCreate(0, 200, 150, int16_t(width), int16_t(height), Handle);
+    if (step_x != 0) XwSetSizes(w, 50, 50, 800, 600, uint16_t(step_x), uint16_t(step_y));
+    XwShow(w, 1);
     seen.clear();
   }
-  void TearDown() override {
-    XwDestroy(top);
-    XwEndSession();
-    Base::TearDown();
-  }
-  static bool Run(const std::function<bool()>& done) {
-    return support::Eventually([&] {
-      while (TakeTurn(0)) {
-      }
-      return done();
-    });
-  }
-  void Rest() {
-    this->SettleWith([] {
-      bool came = false;
-      while (TakeTurn(0)) came = true;
-      return came;
-    });
-  }
-  xcb_window_t Id() { return x11::NativeOf(static_cast<WindowRef>(top->platform))->id; }
-  XwWindow* top = nullptr;
 };
 
 // --- Sizes
 
-class Sizes : public Toolkit<X11Test> {
+class Sizes : public Steps<X11Test> {
  protected:
   // The user gives the window this size, the menu bar included.
   void Resize(int width, int height) {
@@ -133,7 +112,7 @@ TEST_F(Sizes, AStepThatIsNoWholeNumberOfPixelsIsKeptWithoutHints) {
 
 // --- The screen
 
-class Screens : public Toolkit<X11Test> {
+class Screens : public Steps<X11Test> {
  protected:
   void PublishDots(int dpi) {
     const std::string text = "Xft.dpi:\t" + std::to_string(dpi) + "\n";
@@ -199,7 +178,7 @@ TEST_F(Screens, FiguresFollowScaleAndSize) {
 
 // --- Files and requests
 
-class Requests : public Toolkit<Bus> {
+class Requests : public Steps<Bus> {
  protected:
   bool Wait(const std::function<bool()>& done) {
     for (int i = 0; i < 500; ++i) {

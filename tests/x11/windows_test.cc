@@ -14,6 +14,7 @@
 #include "platform/events/raw_event.h"
 #include "platform/windows/internal.h"
 #include "tests/x11/fixture.h"
+#include "tests/x11/peer.h"
 
 namespace x11_test {
 namespace {
@@ -23,39 +24,30 @@ using namespace platform;
 // The hints of the window manager, as words.
 constexpr size_t kMinWidth = 5, kMaxHeight = 8, kStepX = 9, kBaseWidth = 15, kBaseHeight = 16;
 
+// With memory in common with the server, refused by the environment or by the server, and as on
+// another machine.
 TEST_F(X11Test, AWindowShowsItsPicture) {
-  Start();
-  ASSERT_NE(Show("Picture", {100, 100, 300, 250}), nullptr);
-  const support::Screenshot shot = user().Look();
-  EXPECT_EQ(shot.at(100, 100), 0x3366CCu);
-  EXPECT_EQ(shot.at(299, 249), 0x3366CCu);
-  EXPECT_NE(shot.at(300, 249), 0x3366CCu);
-  EXPECT_NE(shot.at(299, 250), 0x3366CCu);
-}
-
-TEST_F(X11Test, AServerThatSharesNoMemoryShowsTheSame) {
-  setenv("XW_SHM", "0", 1);
-  Start();
-  unsetenv("XW_SHM");
-  ASSERT_NE(Show("Picture", {0, 30, 900, 700}), nullptr);
-  const support::Screenshot shot = user().Look();
-  EXPECT_EQ(shot.at(0, 30), 0x3366CCu);
-  EXPECT_EQ(shot.at(899, 699), 0x3366CCu);
-}
-
-TEST_F(X11Test, AServerWithoutTheExtensionShowsTheSame) {
-  Start("", {"-extension", "MIT-SHM"});
-  ASSERT_NE(Show("Picture", {0, 30, 900, 700}), nullptr);
-  EXPECT_EQ(user().Look().at(899, 699), 0x3366CCu);
-}
-
-// A server on another machine has no memory in common with us.
-TEST_F(X11Test, AConnectionOverTheNetworkShowsTheSame) {
-  StartServer("", {"-listen", "tcp"});
-  setenv("DISPLAY", ("127.0.0.1" + server().display()).c_str(), 1);
-  StartSession();
-  ASSERT_NE(Show("Picture", {0, 30, 900, 700}), nullptr);
-  EXPECT_EQ(user().Look().at(899, 699), 0x3366CCu);
+  const std::vector<std::string> kNoSharing = {"-extension", "MIT-SHM"},
+                                 kNetwork = {"-listen", "tcp"};
+  const struct {
+    const char* shm;
+    std::vector<std::string> arguments;
+  } rows[] = {{"1", {}}, {"0", {}}, {"1", kNoSharing}, {"1", kNetwork}};
+  for (const auto& row : rows) {
+    setenv("XW_SHM", row.shm, 1);
+    StartServer("", row.arguments);
+    if (row.arguments == kNetwork) setenv("DISPLAY", ("127.0.0.1" + server().display()).c_str(), 1);
+    StartSession();
+    unsetenv("XW_SHM");
+    ASSERT_NE(Show("Picture", {0, 30, 900, 700}), nullptr);
+    EXPECT_EQ(x11::x.shm, *row.shm == '1' && row.arguments.empty());
+    const support::Screenshot shot = user().Look();
+    EXPECT_EQ(shot.at(0, 30), 0x3366CCu);
+    EXPECT_EQ(shot.at(899, 699), 0x3366CCu);
+    EXPECT_NE(shot.at(900, 699), 0x3366CCu);
+    EXPECT_NE(shot.at(899, 700), 0x3366CCu);
+    TearDown();
+  }
 }
 
 // The server has the extension and yet cannot take the memory: what was lost is sent again.
@@ -200,65 +192,28 @@ TEST_F(X11Test, ScaleEnlargesWindowsAndKeepsFigures) {
 }
 
 // A program that publishes the desktop's settings, as a settings daemon does.
-class SettingsDaemon {
+class SettingsDaemon : public Peer {
  public:
-  explicit SettingsDaemon(support::XUser* user) : user_(user) {
-    xcb_connection_t* c = user->connection();
-    window_ = xcb_generate_id(c);
-    xcb_create_window(c, 0, window_, user->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
-                      nullptr);
-  }
   void Publish(int dpi) {
-    std::vector<uint8_t> bytes = {0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 7, 0};
-    for (char c : std::string("Xft/DPI")) bytes.push_back(uint8_t(c));
-    bytes.insert(bytes.end(), {0, 0, 0, 0, 0});
-    for (int i = 0; i < 4; ++i) bytes.push_back(uint8_t((dpi * 1024) >> (8 * i)));
-    const xcb_atom_t settings = user_->Atom("_XSETTINGS_SETTINGS");
-    xcb_change_property(user_->connection(), XCB_PROP_MODE_REPLACE, window_, settings, settings, 8,
-                        uint32_t(bytes.size()), bytes.data());
-    user_->Sync();
+    std::string bytes("\0\0\0\0\0\0\0\0\1\0\0\0\0\0\7\0Xft/DPI\0\0\0\0\0", 28);
+    const xcb_atom_t settings = Atom("_XSETTINGS_SETTINGS");
+    Put(window(), settings, {"_XSETTINGS_SETTINGS", 8, bytes + Word(uint32_t(dpi) * 1024)});
+    Sync();
   }
-  void Own() {
-    xcb_connection_t* c = user_->connection();
-    const xcb_atom_t selection = user_->Atom("_XSETTINGS_S0");
-    xcb_set_selection_owner(c, window_, selection, XCB_CURRENT_TIME);
-    xcb_client_message_event_t m{};
-    m.response_type = XCB_CLIENT_MESSAGE;
-    m.format = 32;
-    m.window = user_->root();
-    m.type = user_->Atom("MANAGER");
-    m.data.data32[1] = selection;
-    m.data.data32[2] = window_;
-    xcb_send_event(c, 0, user_->root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&m));
-    user_->Sync();
+  void Start(int dpi) {
+    Publish(dpi);
+    Own("_XSETTINGS_S0");
+    support::SendMessage(connection(), root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY, root(),
+                         Atom("MANAGER"), {0, Atom("_XSETTINGS_S0"), window()});
+    Sync();
   }
-  void End() {
-    xcb_destroy_window(user_->connection(), window_);
-    user_->Sync();
-  }
-
- private:
-  support::XUser* user_;
-  xcb_window_t window_;
 };
-
-TEST_F(X11Test, ScaleFollowsTheDesktop) {
-  Start();
-  EXPECT_EQ(ScreenWidth(), 1024);
-  const char text[] = "Xft.antialias:\t1\nXft.dpi:\t192\n";
-  xcb_change_property(user().connection(), XCB_PROP_MODE_REPLACE, user().root(),
-                      XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8, sizeof text - 1, text);
-  user().Sync();
-  EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 512; }));
-}
 
 // Windows that are open take a new scale: the same logical size, in the same place, drawn again.
 TEST_F(X11Test, OpenWindowsTakeANewScale) {
   StartServer("openbox", {});
-  SettingsDaemon daemon(&user());
-  daemon.Publish(96);
-  daemon.Own();
+  SettingsDaemon daemon;
+  daemon.Start(96);
   StartSession();
   WindowRef w = Show("Scaled", {100, 124, 300, 224});
   SetWindowSizeLimits(w, {100, 50, 400, 300, 10, 10});
@@ -293,22 +248,20 @@ TEST_F(X11Test, OpenWindowsTakeANewScale) {
 
 TEST_F(X11Test, SettingsAreFollowedWhoeverPublishesThem) {
   StartServer("", {});
-  SettingsDaemon first(&user()), second(&user());
-  first.Publish(192);
-  first.Own();
+  SettingsDaemon first, second;
+  first.Start(192);
   StartSession();
   Show("First", {50, 80, 250, 180});
   EXPECT_EQ(ScreenWidth(), 512);
   first.Publish(144);
   EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 683; }));
-  second.Publish(384);
-  second.Own();
+  second.Start(384);
   EXPECT_TRUE(RunUntil([] { return ScreenWidth() == 256; }));
   first.Publish(96);  // it is asked no more
   Settle();
   EXPECT_EQ(ScreenWidth(), 256);
   // One that goes away, to be started again perhaps, changes nothing.
-  second.End();
+  second.Die();
   Settle();
   EXPECT_EQ(ScreenWidth(), 256);
 }

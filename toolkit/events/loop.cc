@@ -52,7 +52,6 @@ class toolkit::Modal {
 namespace {
 
 constexpr int64_t kPollPeriod = 25000;  // microseconds between two events of XwGetEvent
-constexpr uint32_t kDoubleClickMs = 219;
 
 inline void TakeRecord(const Event& e) {
   auto* record = static_cast<XwEvent*>(e.payload);
@@ -228,19 +227,6 @@ int XwGrabEvent() {
     int type = XwWaitEvent(RawMode());
     if (type != XWE_TIMER || !Inp.window || !Inp.window->handler) return type;
   }
-}
-
-int XwDoubleClick(uint32_t* last_time) {
-  if (!last_time) return 0;
-  bool twice = Inp.time - *last_time <= kDoubleClickMs && Inp.item == state.last_click_item;
-  state.last_click_item = Inp.item;
-  *last_time = Inp.time;
-  return twice;
-}
-
-int XwCheckPointer(int x, int y, int w, int h) {
-  int64_t px = Inp.px, py = Inp.py;
-  return x < px && px < int64_t{x} + w && y < py && py < int64_t{y} + h;
 }
 
 void XwBeep() {

@@ -12,8 +12,11 @@
 #include "toolkit/windows/tips.h"
 
 using namespace platform;
+using toolkit::state;
 
 namespace {
+
+constexpr uint32_t kDoubleClickMs = 219;
 
 struct Pressed {
   int button;
@@ -106,7 +109,7 @@ OSStatus Button(XwWindow* w, const Event& e) {
 }
 
 OSStatus Motion(XwWindow* w, const Event& e) {
-  Point& lastpos = toolkit::state.last_pen;
+  Point& lastpos = state.last_pen;
   if (e.mouse.tablet_type == kEventTabletPoint) {
     if (e.mouse.where == lastpos) {
       Inp.type = 0;
@@ -208,4 +211,17 @@ void XwUngrabPointer() {
   if (!GrabCursor) return;
   GrabCursor = nullptr;
   RestoreCursors();
+}
+
+int XwDoubleClick(uint32_t* last_time) {
+  if (!last_time) return 0;
+  bool twice = Inp.time - *last_time <= kDoubleClickMs && Inp.item == state.last_click_item;
+  state.last_click_item = Inp.item;
+  *last_time = Inp.time;
+  return twice;
+}
+
+int XwCheckPointer(int x, int y, int w, int h) {
+  int64_t px = Inp.px, py = Inp.py;
+  return x < px && px < int64_t{x} + w && y < py && py < int64_t{y} + h;
 }

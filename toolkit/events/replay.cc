@@ -7,10 +7,6 @@ void XwPost(const char* kind, const char* detail, void (*take)(void* data, int t
   platform::PostResult(kind, detail, take, data);
 }
 
-const char* XwTakeUp(const char* what, const char* detail) {
-  return what && *what ? platform::TakeUp(what, detail) : nullptr;
-}
-
 int XwReplaying() {
   return platform::record_mode == platform::RecordMode::kReplaying;
 }

@@ -89,7 +89,8 @@ void Step(double seconds);
 void SetIdleHandler(bool (*handler)());
 
 // --- Looking.
-// The picture as last presented, 0xFFRRGGBB, menu bar included. Empty when never shown.
+// The picture as last presented, 0xFFRRGGBB, menu bar included; 0 outside of a pop-up's round
+// corners. Empty when never shown.
 struct Picture {
   int width = 0, height = 0;
   std::vector<uint32_t> pixels;

@@ -9,7 +9,14 @@ namespace platform::headless {
 Picture TakePicture(const Window* w) {
   if (!IsValidWindow(w) || !w->native) return {};
   NativeWindow* n = Native(w);
-  return {n->shown_width, n->shown_height, n->shown};
+  Picture p{n->shown_width, n->shown_height, n->shown};
+  for (const DeviceRect& row : PopUpOutline(*w, p.width, p.height)) {
+    if (row.left == 0) continue;
+    uint32_t* pixels = p.pixels.data() + size_t(row.top) * size_t(p.width);
+    std::fill(pixels, pixels + row.left, 0);
+    std::fill(pixels + row.right, pixels + p.width, 0);
+  }
+  return p;
 }
 
 bool WritePng(const Picture& picture, const std::string& path) {

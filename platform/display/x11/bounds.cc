@@ -111,6 +111,7 @@ void MoveResizeNative(const Window* w) {
     n->bounds = r;
     n->bounds_known = true;
     if (there) return;
+    ShapePopUp(*n);
     EmitBounds(n, r);
   } else {
     n->bounds_known = false;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/display/x11/tablet.h"
+#include "platform/display/x11/devices.h"
 #include "platform/display/x11/x.h"
 
 namespace platform::x11 {

@@ -15,7 +15,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/selections.cc
   ${CMAKE_CURRENT_LIST_DIR}/startup.cc
   ${CMAKE_CURRENT_LIST_DIR}/sync.cc
-  ${CMAKE_CURRENT_LIST_DIR}/tablet.cc
+  ${CMAKE_CURRENT_LIST_DIR}/devices.cc
   ${CMAKE_CURRENT_LIST_DIR}/text_requests.cc
   ${CMAKE_CURRENT_LIST_DIR}/watches.cc
   ${CMAKE_CURRENT_LIST_DIR}/windows.cc

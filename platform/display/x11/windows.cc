@@ -1,5 +1,8 @@
 // Windows: made, shown, moved, raised, activated.
+#include <xcb/xfixes.h>
+
 #include <algorithm>
+#include <utility>
 
 #include "platform/display/x11/x.h"
 
@@ -32,6 +35,23 @@ void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, cons
   xcb_send_event(x.c, 0, to, mask, reinterpret_cast<const char*>(&m));
 }
 
+// A server that lacks the extension shows square corners.
+void ShapePopUp(const Native& n) {
+  const std::vector<DeviceRect> rows = PopUpOutline(*n.w, n.bounds.width(), n.bounds.height());
+  if (rows.empty()) return;
+  const xcb_query_extension_reply_t* ext = xcb_get_extension_data(x.c, &xcb_xfixes_id);
+  if (ext == nullptr || !ext->present) return;
+  if (!std::exchange(x.shapes, true))
+    xcb_discard_reply(x.c, xcb_xfixes_query_version(x.c, 2, 0).sequence);
+  std::vector<xcb_rectangle_t> covered;
+  for (const DeviceRect& r : rows)
+    covered.push_back({int16_t(r.left), int16_t(r.top), uint16_t(r.width()), uint16_t(r.height())});
+  const xcb_xfixes_region_t region = xcb_generate_id(x.c);
+  xcb_xfixes_create_region(x.c, region, uint32_t(covered.size()), covered.data());
+  xcb_xfixes_set_window_shape_region(x.c, n.id, XCB_SHAPE_SK_BOUNDING, 0, 0, region);
+  xcb_xfixes_destroy_region(x.c, region);
+}
+
 void* CreateNative(const Window* w, DeviceRect* frame) {
   if (xcb_connection_has_error(x.c)) return nullptr;
   auto* n = new Native;
@@ -53,6 +73,7 @@ void* CreateNative(const Window* w, DeviceRect* frame) {
   if (x.leader == 0) x.leader = n->id;
   x.windows[n->id] = n;
   SelectPointer(*n);
+  ShapePopUp(*n);
   if (w->parent == nullptr) {
     SetIdentity(*n);
     MarkStartup(*n);

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <xcb/randr.h>
 #include <xcb/shm.h>
+#include <xcb/xfixes.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -123,6 +124,7 @@ OpenResult Open(const char* session_name) {
   x.session_name = session_name != nullptr ? session_name : "";
   xcb_prefetch_extension_data(x.c, &xcb_shm_id);
   xcb_prefetch_extension_data(x.c, &xcb_randr_id);
+  xcb_prefetch_extension_data(x.c, &xcb_xfixes_id);
   AskProgramName();
   InternAtoms();
   const xcb_query_extension_reply_t* shm = xcb_get_extension_data(x.c, &xcb_shm_id);

@@ -161,6 +161,7 @@ struct State {
   double scale = 1.0;
   xcb_window_t settings_owner = 0;  // publishes the desktop's settings
   bool shm = false;
+  bool shapes = false;            // the server has been told that windows get shapes
   bool lost = false;              // the loss of the connection has been reported
   bool late_done = false;         // keymap, XInput and the like are open
   bool shown = false;             // something has been presented
@@ -231,6 +232,8 @@ struct Reply {
 DeviceRect Wanted(const Window& w);
 // Asks for that.
 void MoveResizeNative(const Window* w);
+// Gives a pop-up its round corners, for the size that it has been asked for.
+void ShapePopUp(const Native& n);
 // Reports bounds.
 void EmitBounds(Native* n, const DeviceRect& r);
 // What the server says of the window's place, in an event with this sequence number.
@@ -366,7 +369,7 @@ void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
 uint32_t Modifiers(uint32_t state);
 
-// --- pointer.cc, tablet.cc
+// --- pointer.cc, devices.cc
 void OpenPointer();
 void ClosePointer();
 void SelectPointer(const Native& n);

@@ -1,4 +1,4 @@
-#include "platform/display/x11/tablet.h"
+#include "platform/display/x11/devices.h"
 
 #include <xcb/xinput.h>
 

@@ -1,41 +1,18 @@
-// Left: places to go. Right: what is selected, and the printer that it would go to.
-#include <sys/stat.h>
+#include "app/panes/details.h"
 
+#include <algorithm>
 #include <ctime>
 
 #include "app/format/texts.h"
-#include "app/window/console.h"
+#include "app/look/style.h"
+#include "app/panes/tools.h"
 #include "printserver/words.h"
 
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kPlaceHeight = 22, kFooter = 28, kNameLines = 4;
+constexpr int kCaption = 32, kNameLines = 4;
 constexpr int kFactName = 64, kNextLine = 16;
-
-Area PlaceArea(const Console* c, int i) {
-  const Area a = c->layout.places;
-  return {a.x + 4, a.y + kCaption + i * kPlaceHeight, a.w - 9, kPlaceHeight - 1};
-}
-
-bool IsFolder(const Place& place) {
-  struct stat s {};
-  return stat(place.path.c_str(), &s) == 0 && S_ISDIR(s.st_mode);
-}
-
-// The place that the folder lies deepest in, -1 none. Everything lies in the root: that says
-// nothing.
-int PlaceAround(const Console* c) {
-  int best = -1;
-  size_t length = 1;
-  for (int i = 0; i < int(c->places.size()); ++i) {
-    const std::string& path = c->places[size_t(i)].path;
-    if (path.size() <= length || (c->folder.path() + "/").rfind(path + "/", 0) != 0) continue;
-    best = i;
-    length = path.size();
-  }
-  return best;
-}
 
 void DrawFact(Area* a, const char* name, const std::string& value) {
   const Style& l = TheStyle();
@@ -72,10 +49,6 @@ void DrawName(Area* a, const std::vector<std::string>& lines) {
   }
 }
 
-void DrawCaption(const Area& a, const char* text) {
-  DrawLabel(TheStyle().caption, Align::kLeft, {a.x, a.y + 9, a.w, 16}, text, TheStyle().second);
-}
-
 // A sheet with a soft shadow, and the ending of the name where a page has its title.
 void DrawSheet(const Area& a, const FolderEntry& e, FileKind kind) {
   const Style& l = TheStyle();
@@ -104,14 +77,14 @@ void DrawSheet(const Area& a, const FolderEntry& e, FileKind kind) {
   }
 }
 
-void DrawSelected(const Console* c, Area a) {
+void DrawSelected(const DetailsPane* p, Area a) {
   const Style& l = TheStyle();
-  const int row = c->files.selected();
+  const int row = p->selected;
   if (row < 0) {
     DrawLabel(l.view, Align::kLeft, a.TakeTop(20), "Nothing is selected", l.second);
     return;
   }
-  const FolderEntry e = c->folder.At(row);
+  const FolderEntry e = p->folder.At(row);
   const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
   const auto name = LinesOf(TheStyle().view, Shown(e.name), a.w - kFactName);
   const int facts = 5 * 20 + int(name.size() - 1) * kNextLine;
@@ -126,16 +99,16 @@ void DrawSelected(const Console* c, Area a) {
   DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
 }
 
-void DrawPrinter(const Console* c, Area a) {
+void DrawPrinter(const DetailsPane* pane, Area a) {
   const Style& l = TheStyle();
-  const NC_Printer* p = ChosenPrinter(c->choice, c->state);
+  const NC_Printer* p = ChosenPrinter(pane->choice, pane->state);
   if (!p) {
     DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
-              c->state.link == Link::kReady ? "The server has none" : "None is known yet",
+              pane->state.link == Link::kReady ? "The server has none" : "None is known yet",
               l.second);
     return;
   }
-  const bool away = c->state.link == Link::kAway;
+  const bool away = pane->state.link == Link::kAway;
   DrawFact(&a, "Name", Shown(p->name));
   Area row = a.TakeTop(20);
   DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), "State", l.second);
@@ -150,68 +123,8 @@ void DrawPrinter(const Console* c, Area a) {
 
 }  // namespace
 
-// Those that everyone has come first, and are not looked for.
-void FindPlaces(Console* c) {
-  const std::vector<Place> always = {{"Root", "/"}, {"Home", OS_GetPathName(OS_FOLDER_HOME)}};
-  const std::vector<Place> others = {{"Desktop", OS_GetPathName(OS_FOLDER_DESKTOP)},
-                                     {"Documents", OS_GetPathName(OS_FOLDER_DOCUMENTS)},
-                                     {"Shared", OS_GetPathName(OS_FOLDER_SHARED)}};
-  c->places = always;
-  auto found = std::make_shared<std::vector<Place>>(always);
-  c->finder.found = found;
-  c->finder.task = BackgroundTask([found, others] {
-    for (const Place& place : others)
-      if (IsFolder(place)) found->push_back(place);
-  });
-}
-
-void TakeUpPlaces(Console* c) {
-  if (!c->finder.found) return;
-  if (!XwTakeUp("places", c->finder.task.Done() ? "found" : nullptr)) return;
-  if (c->finder.task.WaitFor(kReplayPatienceMs)) c->places = *c->finder.found;
-  c->finder = {};
-  c->damage |= kPlacesPane;
-}
-
-void DrawPlacesPane(Console* c) {
-  Area a = c->layout.places;
-  if (a.Empty()) return;
-  const Style& l = TheStyle();
-  Fill(a, l.side);
-  LineAtRight(a);
-  DrawCaption(a.Inset(12, 0), "PLACES");
-  const int around = PlaceAround(c);
-  for (int i = 0; i < int(c->places.size()); ++i) {
-    const Place& place = c->places[size_t(i)];
-    const Area row = PlaceArea(c, i);
-    const bool here = place.path == c->folder.path(), lit = c->hover == Hit{kPlaces, 1, i};
-    const bool lights = here && c->active;
-    int32_t background = l.side;
-    if (here || lit || i == around) {
-      background = lights                ? l.accent
-                   : here || i == around ? l.inactive_selection
-                                         : Mix(l.accent, l.side, 9);
-      XwRoundBox(row.x, row.y, row.w, row.h, 4, background, -1);
-    }
-    DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, background, 100);
-    Area text = row;
-    text.TakeLeft(31);
-    DrawLabel(l.view, Align::kLeft, text, place.name, lights ? l.on_accent : l.ink);
-  }
-  Area foot = a.TakeBottom(kFooter);
-  foot.w -= 1;
-  Fill(foot, l.status);
-  LineAtTop(foot);
-  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0), c->free_text, l.second);
-}
-
-void AddPlacesHits(Console* c) {
-  if (c->layout.places.Empty()) return;
-  for (int i = 0; i < int(c->places.size()); ++i) c->hits.Add({kPlaces, 1, i}, PlaceArea(c, i));
-}
-
-void DrawDetailsPane(Console* c) {
-  Area a = c->layout.details;
+void DetailsPane::Draw() const {
+  Area a = layout.details;
   if (a.Empty()) return;
   const Style& l = TheStyle();
   Fill(a, l.side);
@@ -220,10 +133,10 @@ void DrawDetailsPane(Console* c) {
   Area printer = a.TakeBottom(kCaption + 4 * 20 + 10);
   DrawCaption(a, "DOCUMENT");
   a.TakeTop(kCaption + 6);
-  DrawSelected(c, a);
+  DrawSelected(this, a);
   DrawCaption(printer, "PRINTER");
   printer.TakeTop(kCaption);
-  DrawPrinter(c, printer);
+  DrawPrinter(this, printer);
 }
 
 }  // namespace console

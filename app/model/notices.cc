@@ -1,0 +1,71 @@
+#include "app/model/notices.h"
+
+#include <algorithm>
+
+#include "app/format/words.h"
+
+namespace console {
+namespace {
+
+constexpr int kMessageMs = 6000;
+constexpr size_t kMostErrors = 100;
+
+}  // namespace
+
+void Notices::Tell(Message message, int64_t now_ms) {
+  if (message.text.empty()) return;
+  if (message.tone != Tone::kBad) {
+    message_ = std::move(message);
+    until_ms_ = now_ms + kMessageMs;
+    return;
+  }
+  const auto same = std::find_if(errors_.begin(), errors_.end(),
+                                 [&](const Error& e) { return e.text == message.text; });
+  if (same != errors_.end())
+    ++same->times;
+  else if (errors_.size() < kMostErrors)
+    errors_.push_back({std::move(message.text), 1});
+  else
+    ++left_out_;
+}
+
+void Notices::Read() {
+  if (errors_.empty()) return;
+  errors_.pop_front();
+  if (errors_.empty()) left_out_ = 0;
+}
+
+void Notices::Progress(const std::string& key, std::string text) {
+  for (Line& line : lines_) {
+    if (line.key != key) continue;
+    line.text = std::move(text);
+    return;
+  }
+  lines_.push_back({key, std::move(text)});
+}
+
+void Notices::EndProgress(const std::string& key) {
+  std::erase_if(lines_, [&](const Line& line) { return line.key == key; });
+}
+
+Message Notices::Shown(int64_t now_ms) const {
+  if (errors_.empty()) return now_ms < until_ms_ ? message_ : Message{};
+  const Error& first = errors_.front();
+  std::string text = first.text;
+  if (first.times > 1) text += " (" + NumberText(first.times) + " times)";
+  if (errors() > 1) text += " (and " + NumberOf(errors() - 1, "more error", "more errors") + ")";
+  return {Tone::kBad, std::move(text)};
+}
+
+std::string Notices::ProgressText() const {
+  if (lines_.empty()) return "";
+  std::string text = lines_.front().text;
+  if (lines_.size() > 1) text += " (and " + NumberText(int64_t(lines_.size()) - 1) + " more)";
+  return text;
+}
+
+int64_t Notices::NextChange(int64_t now_ms) const {
+  return errors_.empty() && now_ms < until_ms_ ? until_ms_ : -1;
+}
+
+}  // namespace console

@@ -1,0 +1,56 @@
+// What the status line tells: messages that pass, errors that stay until they are read, and what
+// takes a while.
+#pragma once
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace console {
+
+// How something is shown. Only what somebody has to do something about is kBad; what a person
+// asked for, such as a cancelled job, never is.
+enum class Tone : uint8_t { kPlain, kMuted, kBusy, kGood, kWarning, kBad };
+
+// Something that a person should be told once.
+struct Message {
+  Tone tone = Tone::kPlain;
+  std::string text;  // UTF-8; empty: nothing
+};
+
+class Notices {
+ public:
+  // An error (kBad) is kept until Read; one that is there already is counted. Anything else stands
+  // for some seconds, until the next one.
+  void Tell(Message message, int64_t now_ms);
+  // The error that is shown has been read: the next one comes.
+  void Read();
+  // Makes or changes the line of what takes a while; `key` names it. The longest-standing one is
+  // shown, with the number of the others.
+  void Progress(const std::string& key, std::string text);
+  void EndProgress(const std::string& key);
+
+  // What the line shows at this time: the oldest error, else the message, else nothing.
+  Message Shown(int64_t now_ms) const;
+  bool HasError() const { return !errors_.empty(); }
+  int errors() const { return int(errors_.size()) + left_out_; }
+  std::string ProgressText() const;
+  // When the line changes by itself, -1: never.
+  int64_t NextChange(int64_t now_ms) const;
+
+ private:
+  struct Error {
+    std::string text;
+    int times;
+  };
+  struct Line {
+    std::string key, text;
+  };
+  std::deque<Error> errors_;
+  int left_out_ = 0;
+  Message message_;
+  int64_t until_ms_ = 0;
+  std::vector<Line> lines_;
+};
+
+}  // namespace console

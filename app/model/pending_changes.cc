@@ -1,0 +1,98 @@
+#include "app/model/pending_changes.h"
+
+#include "app/format/words.h"
+#include "printserver/words.h"
+
+namespace console {
+namespace {
+
+constexpr int kLongestMs = 30000;
+
+struct Words {
+  const char* verb;
+  const char* under_way;
+  const char* done;      // before the name
+  const char* not_done;  // behind the name
+};
+// By Verb.
+constexpr Words kWords[] = {
+    {"Hold", "holding…", "Held: ", "was not held"},
+    {"Release", "releasing…", "Released: ", "was not released"},
+    {"Print again", "printing again…", "Will be printed again: ", "will not be printed again"},
+    {"Remove", "removing…", "Removed: ", "was not removed"},
+    {"Priority", "changing priority…", "Priority changed: ", "keeps its priority"},
+    {"Copies", "changing copies…", "Copies changed: ", "keeps its copies"},
+    {"Move to printer", "moving…", "Moved: ", "was not moved"},
+    {"Move in the queue", "moving…", "Moved: ", "was not moved"},
+};
+
+const Words& WordsOf(Verb verb) {
+  return kWords[int(verb)];
+}
+
+}  // namespace
+
+const char* VerbText(Verb verb) {
+  return WordsOf(verb).verb;
+}
+
+const char* UnderWayText(Verb verb) {
+  return WordsOf(verb).under_way;
+}
+
+Message AnswerMessage(Verb verb, int status, const std::string& document) {
+  const std::string name = Quoted(document);
+  const std::string not_done = name + " " + WordsOf(verb).not_done + ": ";
+  switch (status) {
+    case NC_STATUS_DONE:
+      return {Tone::kGood, WordsOf(verb).done + name};
+    case NC_STATUS_UNKNOWN_ID:
+      if (verb == Verb::kRemove)
+        return {Tone::kWarning, name + " had been removed already, by somebody else"};
+      if (verb == Verb::kReorder)
+        return {Tone::kWarning, not_done + "one of the two jobs has been removed by somebody else"};
+      return {Tone::kWarning, not_done + "somebody else has removed it"};
+    case NC_STATUS_WRONG_STATE:
+      return {Tone::kWarning, not_done + "its state has changed since"};
+    default:
+      break;
+  }
+  if (status < 0)
+    return {Tone::kBad, name + ": the connection broke before the server answered, see the queue"};
+  return {Tone::kBad, not_done + nc::RefusalText(status, nc::Asked::kJob)};
+}
+
+void PendingChanges::Begin(const JobId& job, Verb verb, int64_t now_ms) {
+  changes_[job] = {verb, now_ms};
+}
+
+void PendingChanges::Answered(const JobId& job, int status, int64_t now_ms) {
+  const auto it = changes_.find(job);
+  if (it == changes_.end()) return;
+  if (status == NC_STATUS_DONE)
+    it->second.answered_ms = now_ms;
+  else
+    changes_.erase(it);
+}
+
+bool PendingChanges::ListCame(int64_t asked_ms) {
+  return std::erase_if(changes_, [asked_ms](const auto& c) {
+           return c.second.answered_ms >= 0 && c.second.answered_ms <= asked_ms;
+         }) > 0;
+}
+
+int PendingChanges::Expire(int64_t now_ms) {
+  return int(std::erase_if(
+      changes_, [now_ms](const auto& c) { return now_ms - c.second.begun_ms >= kLongestMs; }));
+}
+
+int PendingChanges::Lose() {
+  return int(std::erase_if(changes_, [](const auto& c) { return c.second.answered_ms < 0; }));
+}
+
+std::optional<Verb> PendingChanges::Of(const JobId& job) const {
+  const auto it = changes_.find(job);
+  return it == changes_.end() ? std::nullopt : std::optional<Verb>(it->second.verb);
+}
+
+}  // namespace console

@@ -1,0 +1,61 @@
+// Changes of jobs that were asked for and that the lists do not show yet.
+//
+// A row says at once what is being done to it. That ends when the server refuses, with the first
+// list that was asked for after the server's answer, or when no answer comes for a while; what
+// the list says holds then.
+#pragma once
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "app/model/notices.h"
+#include "app/model/queue_rows.h"
+
+namespace console {
+
+enum class Verb : uint8_t {
+  kHold,
+  kRelease,
+  kPrintAgain,
+  kRemove,
+  kPriority,
+  kCopies,
+  kMove,
+  kReorder
+};
+
+// "Hold", "Print again".
+const char* VerbText(Verb verb);
+// "removing…".
+const char* UnderWayText(Verb verb);
+// What a person is told of the server's answer to a change of the job `document`: NC_STATUS_DONE
+// and the other status bytes, below 0 when the connection failed. What somebody else did first is
+// told and is no error.
+Message AnswerMessage(Verb verb, int status, const std::string& document);
+
+class PendingChanges {
+ public:
+  void Begin(const JobId& job, Verb verb, int64_t now_ms);
+  // The server's answer, as above.
+  void Answered(const JobId& job, int status, int64_t now_ms);
+  // A list has come that was asked for at that time. True when a row changes by it.
+  bool ListCame(int64_t asked_ms);
+  // Drops what has waited too long. How many.
+  int Expire(int64_t now_ms);
+  // The server is gone: what has no answer is given up. How many.
+  int Lose();
+
+  std::optional<Verb> Of(const JobId& job) const;
+  bool empty() const { return changes_.empty(); }
+
+ private:
+  struct Change {
+    Verb verb;
+    int64_t begun_ms;
+    int64_t answered_ms = -1;
+  };
+  std::map<JobId, Change> changes_;
+};
+
+}  // namespace console

@@ -1,0 +1,209 @@
+#include "app/model/queue_rows.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "app/format/folding.h"
+#include "app/format/words.h"
+#include "printserver/words.h"
+
+namespace console {
+namespace {
+
+// One that is printed and forgotten before a list comes is expected in vain.
+constexpr size_t kMostExpected = 32;
+
+// What goes on comes first, what has ended last.
+int StateRank(NC_JobState state) {
+  switch (state) {
+    case NC_JOB_PRINTING:
+      return 1;
+    case NC_JOB_PAPER_OUT:
+      return 2;
+    case NC_JOB_WAITING:
+      return 3;
+    case NC_JOB_HELD:
+      return 4;
+    case NC_JOB_FAILED:
+      return 5;
+    case NC_JOB_DONE:
+      return 6;
+  }
+  return 3;
+}
+
+}  // namespace
+
+bool HasEnded(NC_JobState state) {
+  return state == NC_JOB_DONE || state == NC_JOB_FAILED;
+}
+
+bool IsAtPrinter(NC_JobState state) {
+  return state == NC_JOB_PRINTING || state == NC_JOB_PAPER_OUT;
+}
+
+// The server draws ids at random; a server that does not gets slow look-ups and nothing else.
+size_t QueueIdHash::operator()(const QueueId& id) const {
+  uint64_t half[2];
+  memcpy(half, id.job.data(), sizeof half);
+  return size_t((half[0] ^ half[1] * 0x9E3779B97F4A7C15u) +
+                uint64_t(id.outgoing) * 0xBF58476D1CE4E5B9u);
+}
+
+void QueueRows::Show(std::shared_ptr<const std::vector<NC_Job>> jobs,
+                     std::vector<Outgoing> outgoing) {
+  jobs_ = std::move(jobs);
+  outgoing_ = std::move(outgoing);
+  places_.clear();
+  const int all = int(outgoing_.size() + (jobs_ ? jobs_->size() : 0));
+  for (int place = 0; place < all; ++place) places_.emplace(IdOfPlace(place), place);
+  std::erase_if(expected_, [this](const QueueId& id) { return places_.count(id) != 0; });
+  Arrange();
+}
+
+void QueueRows::Expect(const JobId& job) {
+  if (expected_.size() == kMostExpected) expected_.erase(expected_.begin());
+  if (places_.count({0, job}) == 0) expected_.push_back({0, job});
+}
+
+void QueueRows::Sort(QueueOrder order, bool descending) {
+  order_ = order;
+  descending_ = descending;
+  Arrange();
+}
+
+void QueueRows::Filter(const QueueFilter& filter) {
+  filter_ = filter;
+  Arrange();
+}
+
+QueueId QueueRows::IdOfPlace(int place) const {
+  return IsOutgoing(place) ? QueueId{outgoing_[size_t(place)].number, {}} : QueueIdOf(Job(place));
+}
+
+bool QueueRows::Wanted(int place, const NameFilter& text) const {
+  const bool outgoing = IsOutgoing(place);
+  const NC_Job* job = outgoing ? nullptr : &Job(place);
+  const Outgoing* out = outgoing ? &outgoing_[size_t(place)] : nullptr;
+  if (filter_.mine && job && !IsMine(*job)) return false;
+  const bool ended = job && HasEnded(job->state);
+  if (filter_.part != QueueFilter::kAll && ended != (filter_.part == QueueFilter::kEnded))
+    return false;
+  if (text.empty()) return true;
+  if (job && text.Matches(std::to_string(job->number))) return true;
+  for (const char* field :
+       {job ? job->document : out->document.c_str(), job ? job->owner : out->owner.c_str(),
+        job ? job->printer : out->printer.c_str()})
+    if (text.Matches(field)) return true;
+  return false;
+}
+
+QueueRows::Item QueueRows::ItemOf(int place) const {
+  const bool outgoing = IsOutgoing(place);
+  const NC_Job* job = outgoing ? nullptr : &Job(place);
+  const Outgoing* out = outgoing ? &outgoing_[size_t(place)] : nullptr;
+  switch (order_) {
+    case QueueOrder::kPrint:
+      return {"", 0, place};
+    case QueueOrder::kName:
+      return {NaturalKey(job ? job->document : out->document), 0, place};
+    case QueueOrder::kOwner:
+      return {NaturalKey(job ? job->owner : out->owner), 0, place};
+    case QueueOrder::kPrinter:
+      return {NaturalKey(job ? job->printer : out->printer), 0, place};
+    case QueueOrder::kState:
+      return {"", job ? StateRank(job->state) : 0, place};
+    case QueueOrder::kSize:
+      return {"", job ? job->size : out->size, place};
+    case QueueOrder::kTime:
+      return {"", job ? job->submitted : out->started, place};
+    case QueueOrder::kPriority:
+      return {"", job ? job->priority : out->priority, place};
+  }
+  return {"", 0, place};
+}
+
+void QueueRows::Arrange() {
+  const NameFilter text(filter_.text);
+  std::vector<Item> items;
+  const int all = int(outgoing_.size() + (jobs_ ? jobs_->size() : 0));
+  for (int place = 0; place < all; ++place)
+    if (Wanted(place, text)) items.push_back(ItemOf(place));
+  std::sort(items.begin(), items.end(), [this](const Item& a, const Item& b) {
+    int order = a.key.compare(b.key);
+    if (order == 0) order = a.number < b.number ? -1 : a.number > b.number;
+    // What is equal stays as it prints, in both directions.
+    if (order == 0 && order_ != QueueOrder::kPrint) return a.place < b.place;
+    if (order == 0) order = a.place - b.place;
+    return descending_ ? order > 0 : order < 0;
+  });
+  rows_.clear();
+  row_of_.assign(size_t(all), -1);
+  for (const Item& item : items) {
+    row_of_[size_t(item.place)] = int(rows_.size());
+    rows_.push_back(item.place);
+  }
+}
+
+bool QueueRows::Has(const QueueId& id) const {
+  return places_.count(id) != 0 ||
+         std::find(expected_.begin(), expected_.end(), id) != expected_.end();
+}
+
+QueueId QueueRows::IdAt(int row) const {
+  return row < 0 || row >= count() ? QueueId{} : IdOfPlace(rows_[size_t(row)]);
+}
+
+int QueueRows::RowOf(const QueueId& id) const {
+  const auto it = places_.find(id);
+  return it == places_.end() ? -1 : row_of_[size_t(it->second)];
+}
+
+const NC_Job* QueueRows::JobAt(int row) const {
+  if (row < 0 || row >= count() || IsOutgoing(rows_[size_t(row)])) return nullptr;
+  return &Job(rows_[size_t(row)]);
+}
+
+const Outgoing* QueueRows::OutgoingAt(int row) const {
+  if (row < 0 || row >= count() || !IsOutgoing(rows_[size_t(row)])) return nullptr;
+  return &outgoing_[size_t(rows_[size_t(row)])];
+}
+
+const NC_Job* QueueRows::JobOf(const QueueId& id) const {
+  const auto it = places_.find(id);
+  return it == places_.end() || IsOutgoing(it->second) ? nullptr : &Job(it->second);
+}
+
+const Outgoing* QueueRows::OutgoingOf(const QueueId& id) const {
+  const auto it = places_.find(id);
+  if (it == places_.end() || !IsOutgoing(it->second)) return nullptr;
+  return &outgoing_[size_t(it->second)];
+}
+
+std::string QueueRows::Summary() const {
+  std::string text;
+  auto add = [&](const std::string& part) { text += (text.empty() ? "" : ", ") + part; };
+  if (jobs_) {
+    int64_t counts[6] = {};
+    for (const NC_Job& job : *jobs_) ++counts[job.state];
+    for (const NC_JobState state :
+         {NC_JOB_WAITING, NC_JOB_PRINTING, NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
+      if (counts[state] || state <= NC_JOB_WAITING || state == NC_JOB_PRINTING)
+        add(NumberText(counts[state]) + " " + nc::JobStateText(state));
+  }
+  int64_t waiting = 0, failed = 0;
+  for (const Outgoing& o : outgoing_) ++(o.state == OutgoingState::kFailed ? failed : waiting);
+  if (waiting) add(NumberText(waiting) + " to be sent");
+  if (failed) add(NumberText(failed) + " not sent");
+  if (count() < int(row_of_.size()))
+    add(NumberText(count()) + " of " + NumberText(int64_t(row_of_.size())) + " shown");
+  return text;
+}
+
+std::string QueueRows::EmptyText() const {
+  if (count() > 0) return "";
+  if (!row_of_.empty()) return "No job here matches the filter";
+  return jobs_ ? "Nothing is waiting" : "The queue is not known yet";
+}
+
+}  // namespace console

@@ -1,0 +1,35 @@
+// What the queue's rows say of their state.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "app/model/notices.h"
+#include "app/model/pending_changes.h"
+#include "app/model/queue_rows.h"
+
+namespace console {
+
+struct ProgressPart {
+  int64_t part = 0, whole = 0;  // whole 0: there is no bar
+  std::string text;             // "3 of 12 pages", "2.1 of 4.2 MB"
+};
+
+struct RowWords {
+  std::string text;
+  Tone tone = Tone::kPlain;  // of the text
+  Tone dot = Tone::kMuted;
+  ProgressPart progress;  // of what is at a printer or being sent: stands for the text
+};
+// `pending` is what is being done to it.
+RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending);
+RowWords WordsOfOutgoing(const Outgoing& out);
+
+// A fact of a job, for the list of its details.
+struct Fact {
+  std::string name, value;
+};
+// What is known of it, each once, without what is not.
+std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now);
+
+}  // namespace console

@@ -1,0 +1,209 @@
+#include "app/panes/files.h"
+
+#include <algorithm>
+#include <ctime>
+
+#include "app/format/texts.h"
+#include "app/look/controls.h"
+#include "app/model/crumbs.h"
+#include "app/panes/ids.h"
+
+namespace console {
+namespace {
+
+enum Cells { kName, kSize, kModified };
+
+constexpr int kCrumbGapWidth = 18;
+
+struct ShownCrumb {
+  Crumb crumb;  // without a path: some are left out here
+  Area area;
+};
+
+// What lies right of the crumbs: what is being read, or what there is.
+std::string HeadText(const FilesPane* p) {
+  if (!p->reading_text.empty()) return Shown(p->reading_text);
+  if (!p->folder.known() || !p->folder.trouble().empty()) return "";
+  const FolderRows& rows = p->folder.rows();
+  return rows.CountText() + ", " + SizeText(rows.bytes());
+}
+
+Area HeadArea(const FilesPane* p) {
+  Area a = p->layout.folder_head.Inset(12, 0);
+  a.h -= 1;
+  a.w = p->layout.filter_label.x - 12 - a.x;
+  return a;
+}
+
+int HeadTextWidth(const FilesPane* p) {
+  const int width = XwTextWidthUtf8(TheStyle().small_text, HeadText(p).c_str());
+  return std::min(width + 17, HeadArea(p).w / 2);
+}
+
+void DrawHeadText(const FilesPane* p) {
+  const Style& l = TheStyle();
+  Area a = HeadArea(p);
+  DrawLabel(l.small_text, Align::kRight, a.TakeRight(HeadTextWidth(p) - 16), HeadText(p),
+            p->reading_text.empty() ? l.second : l.warning);
+}
+
+// As many as there is room for; the last one is the folder itself.
+std::vector<ShownCrumb> LayOutCrumbs(const FilesPane* p) {
+  const Style& l = TheStyle();
+  Area bar = HeadArea(p);
+  bar.TakeRight(HeadTextWidth(p));
+  const std::vector<Crumb> crumbs = CrumbsOf(p->folder.path());
+  std::vector<int> widths;
+  for (const Crumb& crumb : crumbs) {
+    XwFont* font = widths.size() + 1 == crumbs.size() ? l.bold : l.normal;
+    widths.push_back(XwTextWidthUtf8(font, crumb.text.c_str()) + 1 + kCrumbGapWidth);
+  }
+  const int gap = XwTextWidthUtf8(l.normal, "…") + 1 + kCrumbGapWidth;
+  std::vector<ShownCrumb> shown;
+  for (const int i : FitCrumbs(widths, gap, bar.w + kCrumbGapWidth)) {
+    const bool left_out = i == kCrumbGap;
+    const int width = left_out ? gap : widths[size_t(i)];
+    shown.push_back(
+        {left_out ? Crumb{"", "…"} : crumbs[size_t(i)], bar.TakeLeft(width - kCrumbGapWidth)});
+    bar.TakeLeft(kCrumbGapWidth);
+  }
+  return shown;
+}
+
+void DrawHead(const FilesPane* p, const Hit& hover) {
+  const Style& l = TheStyle();
+  const Area head = p->layout.folder_head;
+  Fill(head, l.tool_bar);
+  LineAtBottom(head);
+  const std::vector<ShownCrumb> crumbs = LayOutCrumbs(p);
+  for (size_t i = 0; i < crumbs.size(); ++i) {
+    const ShownCrumb& crumb = crumbs[i];
+    const bool last = i + 1 == crumbs.size(), lit = hover == Hit{kCrumbs, 1, int(i)};
+    DrawLabel(last ? l.bold : l.normal, Align::kLeft, crumb.area, crumb.crumb.text,
+              last  ? l.ink
+              : lit ? l.accent
+                    : l.second);
+    if (lit && !last) Fill({crumb.area.x, crumb.area.y + 21, crumb.area.w - 1, 1}, l.accent);
+    if (last) break;
+    const int x = crumb.area.right() + 6, y = crumb.area.y + 11;
+    XwSetColor(l.line);
+    XwDrawLine(x, y, x + 3, y + 3);
+    XwDrawLine(x, y + 6, x + 3, y + 3);
+  }
+  DrawHeadText(p);
+  DrawLabel(l.small_text, Align::kRight, p->layout.filter_label, "Filter", l.second);
+}
+
+void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {
+  const Style& l = TheStyle();
+  const FolderEntry e = p->folder.At(row);
+  Area a = cell.area;
+  switch (column) {
+    case kName: {
+      const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
+      DrawFileIcon(kind, a.x, a.y + 3, cell.background, 100);
+      a.TakeLeft(21);
+      DrawLabel(l.view, cell.align, a, Shown(e.name), cell.ink);
+      break;
+    }
+    case kSize:
+      if (!e.folder) DrawLabel(l.view, cell.align, a, SizeText(e.size), cell.ink);
+      break;
+    case kModified:
+      DrawLabel(l.view, cell.align, a, DayText(e.time, time(nullptr)), cell.ink);
+      break;
+    default:
+      break;
+  }
+}
+
+std::vector<Column> Columns() {
+  return {{"Name", 220, 1, Align::kLeft, true, 0, 12},
+          {"Size", 110, 0, Align::kRight, true, 0, 6},
+          {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
+}
+
+}  // namespace
+
+FilesPane::FilesPane(const Layout& layout_of_all)
+    : layout(layout_of_all),
+      table(kFiles, Columns(), [this](int row, int column, const CellLook& cell) {
+        DrawCell(this, row, column, cell);
+      }) {}
+
+void FilesPane::MakeControls(XwWindow* window) {
+  filter = XwEditBox(window, "", kFilterControl, 0, 0, 9, 9,
+                     XWC_ENABLED | XWC_VISIBLE | XWC_DROPS_FOCUS);
+  XwDescribeControl(filter, "Filter");
+  table.MakeControls(window, kFilesControls, "Files");
+}
+
+void FilesPane::Place() {
+  PlaceControl(filter, layout.filter);
+  table.Place(layout.folder);
+}
+
+void FilesPane::Enable(bool on) {
+  EnableControl(filter, on);
+  table.Enable(on);
+}
+
+void FilesPane::Draw(const Hit& hover, bool focused, bool silent) {
+  const std::string& trouble = folder.trouble();
+  table.SetEmptyText(trouble.empty() ? folder.rows().EmptyText()
+                                     : "This folder cannot be shown: " + trouble);
+  table.SetFocused(focused);
+  table.SetMuted(silent);
+  DrawHead(this, hover);
+  table.Draw(hover);
+}
+
+void FilesPane::AddHits(Hits* hits) const {
+  const std::vector<ShownCrumb> crumbs = LayOutCrumbs(this);
+  for (size_t i = 0; i < crumbs.size(); ++i)
+    if (!crumbs[i].crumb.path.empty())
+      hits->Add({kCrumbs, 1, int(i)}, crumbs[i].area.Inset(-3, 3),
+                {XWA_BUTTON, 0, crumbs[i].crumb.text, ""});
+  table.AddHits(hits, [this](int row) -> Words {
+    const FolderEntry e = folder.At(row);
+    return {XWA_ROW, 0, Shown(e.name), e.folder ? "folder" : SizeText(e.size)};
+  });
+}
+
+std::string FilesPane::CrumbPath(int index) const {
+  const std::vector<ShownCrumb> crumbs = LayOutCrumbs(this);
+  return index >= 0 && size_t(index) < crumbs.size() ? crumbs[size_t(index)].crumb.path : "";
+}
+
+std::string FilesPane::SelectedName() const {
+  return folder.At(table.selected()).name;
+}
+
+std::string FilesPane::FilterText() const {
+  char text[1024];
+  XwGetTextUtf8(filter, text, sizeof text);
+  return text;
+}
+
+std::string FilesPane::SelectionText() const {
+  const int row = table.selected();
+  if (row < 0) return "";
+  const FolderEntry e = folder.At(row);
+  return e.folder ? "1 folder selected" : "1 file selected, " + SizeText(e.size);
+}
+
+void FilesPane::Arranged(const std::string& select) {
+  table.SetRows(folder.count());
+  table.SetSort(int(folder.order()), folder.descending());
+  table.KeepSelected(select.empty() ? -1 : folder.Find(select));
+}
+
+void FilesPane::Find(int character, uint32_t now_ms) {
+  if (!typed.Type(uint32_t(character), now_ms)) return;
+  const int row = typed.Row(table.selected(), [this](std::string_view text, int from) {
+    return folder.rows().FindBeginning(text, from);
+  });
+  if (row >= 0) table.Select(row);
+}
+
+}  // namespace console

@@ -1,0 +1,44 @@
+// The folder: the way to it as crumbs, the filter, and the table of its entries.
+#pragma once
+#include <string>
+
+#include "app/model/shown_folder.h"
+#include "app/model/type_ahead.h"
+#include "app/panes/layout.h"
+#include "app/table/table.h"
+
+namespace console {
+
+struct FilesPane {
+  // Looked at for as long as the pane lives.
+  explicit FilesPane(const Layout& layout_of_all);
+
+  void MakeControls(XwWindow* window);
+  void Place();
+  void Enable(bool on);
+  // `silent`: the folder does not answer.
+  void Draw(const Hit& hover, bool focused, bool silent);
+  void AddHits(Hits* hits) const;
+  // Where a crumb leads; "" for none.
+  std::string CrumbPath(int index) const;
+
+  // "" when nothing is selected.
+  std::string SelectedName() const;
+  // The same with its size, in words.
+  std::string SelectionText() const;
+  // What the filter box holds.
+  std::string FilterText() const;
+  // The folder's rows are others: that name is selected now, "" none.
+  void Arranged(const std::string& select);
+  // Selects the next name that begins with what has been typed.
+  void Find(int character, uint32_t now_ms);
+
+  const Layout& layout;
+  ShownFolder folder;
+  Table table;
+  XwWindow* filter = nullptr;  // the box
+  std::string reading_text;    // what is said of a reading that takes long
+  TypeAhead typed;
+};
+
+}  // namespace console

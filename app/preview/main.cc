@@ -1,0 +1,73 @@
+// quorvik-preview WIDTH HEIGHT: finds out what the document on standard input is, and writes facts
+// and a small picture to standard output (app/work/preview_result.h).
+//
+// A program of its own, started by the console for one document: what a broken file does to a
+// decoder, it does to this process alone, which owns nothing but that file and a pipe. The console
+// does not load the decoders' libraries.
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include "app/preview/confine.h"
+#include "app/preview/decoders.h"
+#include "app/preview/picture.h"
+
+namespace preview {
+namespace {
+
+struct Sign {
+  std::string_view bytes;
+  void (*show)();
+};
+using namespace std::literals;
+constexpr Sign kSigns[] = {
+    {"\x89PNG\r\n\x1A\n"sv, ShowPng},
+    {"\xFF\xD8\xFF"sv, ShowJpeg},
+    {"II*\0"sv, ShowTiff},
+    {"MM\0*"sv, ShowTiff},
+    {"II+\0\x08\0"sv, ShowTiff},
+    {"MM\0+\0\x08"sv, ShowTiff},
+};
+
+[[noreturn]] void Show() {
+  char head[1024];
+  const ssize_t got = pread(STDIN_FILENO, head, sizeof head, 0);
+  if (got < 0) TheReport().Finish(PreviewTrouble::kNotReadable);
+  const std::string_view beginning(head, size_t(got));
+  const auto begins = [&](const Sign& sign) {
+    return beginning.substr(0, sign.bytes.size()) == sign.bytes;
+  };
+  const Sign* sign = std::find_if(std::begin(kSigns), std::end(kSigns), begins);
+  // Readers of PDF allow for other bytes before it.
+  if (sign == std::end(kSigns) && beginning.find("%PDF-") != std::string_view::npos) ShowPdf();
+  CloseDoors();
+  if (sign != std::end(kSigns)) sign->show();
+  ShowText();
+}
+
+bool ParseSide(const char* text, int* side) {
+  const char* end = text + strlen(text);
+  return std::from_chars(text, end, *side).ptr == end && *side >= 1 &&
+         *side <= console::kMostPreviewSide;
+}
+
+}  // namespace
+}  // namespace preview
+
+int main(int argc, char** argv) {
+  using namespace preview;
+  int width = 0, height = 0;
+  if (argc != 3 || !ParseSide(argv[1], &width) || !ParseSide(argv[2], &height)) {
+    fprintf(stderr, "usage: quorvik-preview WIDTH HEIGHT < DOCUMENT   (a helper of quorvik)\n");
+    return 2;
+  }
+  TheReport().SetRoom(width, height);
+  std::set_new_handler([] { TheReport().Finish(PreviewTrouble::kTooLarge); });
+  if (!Confine()) TheReport().Finish(PreviewTrouble::kFailed);
+  Show();
+}

@@ -1,0 +1,56 @@
+#include "app/work/unread_entries.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+#include <unordered_set>
+
+namespace console {
+namespace {
+
+bool LeadsUpwards(const char* name) {
+  return strcmp(name, ".") == 0 || strcmp(name, "..") == 0;
+}
+
+// It is there, and is not let be looked at. What is gone by now was only removed.
+bool CannotBeLookedAt(int folder, const char* name) {
+  struct stat s {};
+  return fstatat(folder, name, &s, AT_SYMLINK_NOFOLLOW) != 0 && errno != ENOENT;
+}
+
+// Calls `look` with each name of the folder.
+template <class Look>
+void ForEachName(DIR* folder, Look&& look) {
+  rewinddir(folder);
+  while (const dirent* file = readdir(folder))
+    if (!LeadsUpwards(file->d_name)) look(file->d_name);
+}
+
+}  // namespace
+
+UnreadEntries CountUnreadEntries(const char* path, const OS_ListEntryN* entries, int count) {
+  UnreadEntries unread;
+  std::unordered_set<std::string_view> listed;
+  DIR* folder = opendir(path);
+  if (!folder) return unread;
+  size_t named = 0;
+  ForEachName(folder, [&](const char*) { ++named; });
+  int known = 0;
+  for (int i = 0; i < count; ++i) known += !LeadsUpwards(entries[i].name);
+  // Nearly always nothing is missing.
+  if (named > size_t(known)) {
+    for (int i = 0; i < count; ++i) listed.insert(entries[i].name);
+    ForEachName(folder, [&](const char* name) {
+      if (listed.count(name) == 0 && CannotBeLookedAt(dirfd(folder), name))
+        ++(name[0] == '.' ? unread.hidden : unread.plain);
+    });
+  }
+  closedir(folder);
+  return unread;
+}
+
+}  // namespace console
