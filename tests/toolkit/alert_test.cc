@@ -177,6 +177,25 @@ TEST(Alert, WhatItDroppedComesAgain) {
   EXPECT_EQ(seen[2].event.param, 1);
 }
 
+// They are inactive meanwhile, and have a lighter background, but nobody would draw them.
+TEST(Alert, OtherWindowsKeepWhatTheyShow) {
+  ControlScreen s;
+  XwSetGround(s.main, nullptr, 1);
+  Settle();
+  XwSet(s.main);
+  XwBox(50, 50, 100, 100, 0x0000FF);
+  XwSet(nullptr);
+  auto shown = [&] {
+    XwSync();
+    const auto p = input::TakePicture(Native(s.main));
+    return p.pixels[size_t((100 + platform::GetMBarHeight()) * p.width + 100)] & 0xFFFFFF;
+  };
+  Ask({[] {}, [&] { EXPECT_EQ(shown(), 0xFF0000u); }, ClickOn(1)}, "!", "Go?", "A");
+  Quiet();
+  RunLoop();
+  EXPECT_EQ(shown(), 0xFF0000u);
+}
+
 TEST(Alert, OneThatTheProgramDestroysIsOver) {
   ControlScreen s;
   s.main->handler = Answer;

@@ -353,7 +353,7 @@ void Toolbars() {  // any words; texts where the type wants some
     static XwToolbarItem items[9];
     for (XwToolbarItem& item : items) {
       const auto type = uint32_t(rng() % 16);
-      const void* data = rng() % 2 ? texts[0] : nullptr;
+      const void* data = texts[rng() % 4];
       if (type == 2 || type == 3) data = texts;
       if (type == 6) data = rng() % 2 ? IC_ARROWS : nullptr;
       item = {type << 24 | uint32_t(rng() & 0xC00007FF), reinterpret_cast<XwValue>(data),
