@@ -177,7 +177,7 @@ TEST(Alert, WhatItDroppedComesAgain) {
   EXPECT_EQ(seen[2].event.param, 1);
 }
 
-// They are inactive meanwhile, and have a lighter background, but nobody would draw them.
+// They are inactive then, with a lighter background, but nobody would draw them.
 TEST(Alert, OtherWindowsKeepWhatTheyShow) {
   ControlScreen s;
   XwSetGround(s.main, nullptr, 1);
