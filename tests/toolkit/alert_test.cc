@@ -180,7 +180,7 @@ TEST(Alert, WhatItDroppedComesAgain) {
 // They are inactive then, with a lighter background, but nobody would draw them.
 TEST(Alert, OtherWindowsKeepWhatTheyShow) {
   ControlScreen s;
-  XwSetGround(s.main, nullptr, 1);
+  XwSetGround(s.main, nullptr, 2);
   Settle();
   XwSet(s.main);
   XwBox(50, 50, 100, 100, 0x0000FF);
