@@ -177,10 +177,10 @@ TEST(Alert, WhatItDroppedComesAgain) {
   EXPECT_EQ(seen[2].event.param, 1);
 }
 
-// They are inactive meanwhile, and have a lighter background, but nobody would draw them.
+// They are inactive then, with a lighter background, but nobody would draw them.
 TEST(Alert, OtherWindowsKeepWhatTheyShow) {
   ControlScreen s;
-  XwSetGround(s.main, nullptr, 1);
+  XwSetGround(s.main, nullptr, 2);
   Settle();
   XwSet(s.main);
   XwBox(50, 50, 100, 100, 0x0000FF);
