@@ -103,7 +103,7 @@ bool ParseColumns(std::string_view text, std::vector<int>* out) {
   while (!text.empty() && widths.size() < kMostColumns) {
     const size_t end = std::min(text.find(' '), text.size());
     int width = 0;
-    if (!ParseNumber(text.substr(0, end), 1, 8192, &width)) return false;
+    if (!ParseNumber(text.substr(0, end), 0, 8192, &width)) return false;
     widths.push_back(width);
     text.remove_prefix(std::min(end + 1, text.size()));
   }
@@ -162,7 +162,7 @@ Preferences ParsePreferences(const std::string& text) {
 }
 
 std::string FormatPreferences(const Preferences& p) {
-  std::string out = "# What quorvik remembers. It is written when the window closes.\n";
+  std::string out = "# What quorvik remembers. It is written when that changes.\n";
   const auto line = [&out](const char* name, const std::string& value) {
     out += std::string(name) + "=" + value + "\n";
   };

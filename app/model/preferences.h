@@ -7,10 +7,10 @@
 namespace console {
 
 struct Preferences {
-  int window_width = 1100, window_height = 720;  // logical pixels, of the content
+  int window_width = 1200, window_height = 756;  // logical pixels, of the content
   int places_width = 200, details_width = 260;   // of the panes; 0: hidden
   int queue_height = 260;
-  std::vector<int> file_columns, queue_columns;  // widths; empty: the usual ones
+  std::vector<int> file_columns, queue_columns;  // widths, 0 the usual; empty: all usual
   std::string folder;                            // bytes; "": home
   std::string printer;                           // the chosen one; "": the server's default
   std::string default_printer;                   // the user's own default; "": the server's

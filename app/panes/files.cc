@@ -179,6 +179,12 @@ std::string FilesPane::SelectedName() const {
   return folder.At(table.selected()).name;
 }
 
+std::string FilesPane::FilterText() const {
+  char text[1024];
+  XwGetTextUtf8(filter, text, sizeof text);
+  return text;
+}
+
 std::string FilesPane::SelectionText() const {
   const int row = table.selected();
   if (row < 0) return "";

@@ -26,6 +26,8 @@ struct FilesPane {
   std::string SelectedName() const;
   // The same with its size, in words.
   std::string SelectionText() const;
+  // What the filter box holds.
+  std::string FilterText() const;
   // The folder's rows are others: that name is selected now, "" none.
   void Arranged(const std::string& select);
   // Selects the next name that begins with what has been typed.

@@ -187,6 +187,20 @@ void Table::ResetColumns() {
   PlaceControls();
 }
 
+std::vector<int> Table::AskedWidths() const {
+  const bool any = std::any_of(asked_.begin(), asked_.end(), [](int width) { return width > 0; });
+  return any ? asked_ : std::vector<int>();
+}
+
+void Table::AskWidths(std::vector<int> widths) {
+  widths.resize(columns_.size());
+  for (size_t i = 0; i < widths.size(); ++i)
+    if (widths[i] > 0) widths[i] = std::max(widths[i], LeastWidth(int(i)));
+  asked_ = std::move(widths);
+  LayOutColumns();
+  PlaceControls();
+}
+
 Area Table::ColumnArea(int column) const {
   if (column < 0 || size_t(column) >= width_.size() || width_[size_t(column)] == 0) return {};
   return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};

@@ -94,6 +94,10 @@ class Table {
   void Release() { dragging_ = false; }
   // Columns as wide as they were at first.
   void ResetColumns();
+  // The widths that the user has given, a number a column, 0 where it is the usual one; empty when
+  // all are. Too few ask nothing of the other columns, and those too many are passed over.
+  std::vector<int> AskedWidths() const;
+  void AskWidths(std::vector<int> widths);
 
   const Area& area() const { return area_; }
   // What the rows take: without header and scroll bar.

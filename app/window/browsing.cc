@@ -60,11 +60,13 @@ void Entered(Console* c, FolderReading* r) {
     Tell(c, false, r->select + ": " + TroubleText(ENOENT));
 }
 
-// The folder shown stays; where none is yet, it is the root.
+// The folder shown stays; where none is yet, it is the nearest one above.
 void NotEntered(Console* c, const FolderReading& r) {
-  Tell(c, false, r.request.path + ": " + TroubleText(r.error));
+  const std::string& path = r.request.path;
+  Tell(c, false, path + ": " + TroubleText(r.error));
   if (c->files.folder.known()) return;
-  if (r.request.path != "/") return AskFolder(c, {FolderRequest::kEnter, "/", ""});
+  if (r.request.kind != FolderRequest::kUp && path != "/")
+    return AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
   c->files.folder.Begin("/");
   c->files.folder.Lose(r.error, {});
   Listed(c, "");
@@ -201,9 +203,7 @@ void SetFilter(Console* c, const std::string& text) {
   c->files.folder.Filter(text);
   Listed(c, kept);
   c->files.table.Reveal(c->files.table.selected());
-  char shown[1024];
-  XwGetTextUtf8(c->files.filter, shown, sizeof shown);
-  if (text != shown) XwSetTextUtf8(c->files.filter, text.c_str());
+  if (text != c->files.FilterText()) XwSetTextUtf8(c->files.filter, text.c_str());
 }
 
 void PressCrumb(Console* c, int index) {
@@ -234,6 +234,21 @@ void ShowDocument(Console* c, const char* path) {
   std::string document = path;
   while (document.size() > 1 && document.back() == '/') document.pop_back();
   AskFolder(c, {FolderRequest::kDocument, document, ""});
+}
+
+void OpenFiles(Console* c, const FilesToOpen& files) {
+  const auto& [found, missing] = files;
+  if (!found.empty() || !missing.empty())
+    ShowDocument(c, (found.empty() ? missing : found).front().c_str());
+  if (missing.size() > 1)
+    Tell(c, false, CountText(int64_t(missing.size()), "file is", "files are") + " missing");
+  else if (!missing.empty())
+    Tell(c, false, LastName(missing.front()) + ": " + TroubleText(ENOENT));
+  else if (found.size() > 1)
+    Tell(c, true,
+         "The first of " + CountText(int64_t(found.size()), "file", "files") + " is selected");
+  c->damage |= kStatusPane;
+  DrawConsole(c);
 }
 
 }  // namespace console

@@ -11,7 +11,6 @@
 namespace console {
 namespace {
 
-constexpr int kFirstWidth = 1200, kFirstHeight = 756;
 constexpr int kTickMs = 1000, kProgressMs = 100;
 // Drawing the program's icons takes longer than the first picture, which they are not to hold up.
 constexpr int kIconMs = 60;
@@ -293,6 +292,7 @@ void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
+  Remember(c);
 }
 
 void OnTimer(Console* c, int timer) {
@@ -401,14 +401,16 @@ Console::Console(const std::string& host)
   state.profiles = std::make_shared<std::vector<NC_Profile>>();
 }
 
-Console* OpenConsole(const std::string& host, const std::string& start) {
-  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, kFirstWidth);
-  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, kFirstHeight);
+Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered) {
+  const Preferences& p = remembered.preferences;
+  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, p.window_width);
+  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, p.window_height);
   XwWindow* w = XwCreate(0, 30, 80, width, height, Handle);
   if (!w) return nullptr;
   auto* c = new Console(host);
   g_console = c;
   c->window = w;
+  c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
@@ -417,6 +419,7 @@ Console* OpenConsole(const std::string& host, const std::string& start) {
   XwTimer(w, kTickTimer, kTickMs);
   XwTimer(w, kIconTimer, kIconMs);
   c->files.folder.Begin(start);
+  ShowRemembered(c);
   FindPlaces(c);
   EnterFolder(c, start, "");
   SetUpCommands(c);
@@ -430,6 +433,7 @@ void CloseConsole(Console* c) {
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  FinishRemembering(c);
   g_console = nullptr;
   delete c;
   BackgroundTask::WaitForAll(kLastWaitMs);

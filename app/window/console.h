@@ -15,8 +15,10 @@
 #include "app/panes/status.h"
 #include "app/panes/tools.h"
 #include "app/server/server.h"
+#include "app/work/arguments.h"
 #include "app/work/folder_reader.h"
 #include "app/work/folder_watch.h"
+#include "app/work/preferences_file.h"
 
 namespace console {
 
@@ -56,6 +58,12 @@ struct PreviewSubject {
   bool operator==(const PreviewSubject&) const = default;
 };
 
+// What is kept between two runs, and what writes it down; null where nothing is to be written.
+struct Remembered {
+  Preferences preferences;
+  std::unique_ptr<PreferencesWriter> writer;
+};
+
 struct Console {
   explicit Console(const std::string& host);
 
@@ -87,6 +95,7 @@ struct Console {
   int last_notice = 0;  // that was shown
   int just_sent = 0;    // orders that are not yet in the state
   PrintChoice choice;
+  Remembered remembered;
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
 
@@ -101,9 +110,9 @@ struct Console {
 enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
 
 // --- The window (console.cc)
-// Creates and shows it. `start` is the folder that it opens with. Null when the display refuses.
-// One console a process.
-Console* OpenConsole(const std::string& host, const std::string& start);
+// Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
+// one above it. Null when the display refuses. One console a process.
+Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered = {});
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
@@ -155,6 +164,18 @@ void FindPlaces(Console* c);
 bool FolderIsSilent(const Console* c);
 // A document that the desktop asks to open.
 void ShowDocument(Console* c, const char* path);
+// The files that the program was started with: the first is selected, and what is missing is told.
+void OpenFiles(Console* c, const FilesToOpen& files);
+
+// --- What is remembered (remembering.cc)
+// Reads the file of preferences. Without an answer the usual ones count, and nothing is written.
+Remembered Recall(const std::string& path);
+// The window follows what was remembered: before its first folder has been read.
+void ShowRemembered(Console* c);
+// Stores what has changed, in the background.
+void Remember(Console* c);
+// The same at the end: waits a little until it has been written.
+void FinishRemembering(Console* c);
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.

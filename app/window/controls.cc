@@ -76,11 +76,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   // The report that a box has got the keyboard may wait behind its first keys.
   if (XwGetFocus(c->window) == ControlAt(c, stop)) SetFocusStop(c, stop);
   if (type == XWE_EDIT_SELECT && gained) return;
-  if (filter && type == XWE_EDIT_CHANGED) {
-    char text[1024];
-    XwGetTextUtf8(c->files.filter, text, sizeof text);
-    SetFilter(c, text);
-  }
+  if (filter && type == XWE_EDIT_CHANGED) SetFilter(c, c->files.FilterText());
   // The report of its Escape takes that key's place.
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);

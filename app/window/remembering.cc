@@ -1,0 +1,59 @@
+// What is kept of the window between two runs.
+#include "app/window/console.h"
+
+namespace console {
+namespace {
+
+// For a home folder that does not answer, at the start and at the end.
+constexpr int kMostLoadMs = 500, kMostStoreMs = 500;
+
+// As the window shows it now; what it does not show stays as it was.
+Preferences Now(const Console* c) {
+  Preferences p = c->remembered.preferences;
+  p.window_width = c->window->width;
+  p.window_height = c->window->height;
+  p.file_columns = c->files.table.AskedWidths();
+  p.queue_columns = c->queue.table.AskedWidths();
+  if (c->files.folder.known()) p.folder = c->files.folder.path();
+  p.printer = c->choice.printer;
+  p.file_order = int(c->files.folder.order());
+  p.files_descending = c->files.folder.descending();
+  p.file_filter = c->files.FilterText();
+  return p;
+}
+
+}  // namespace
+
+Remembered Recall(const std::string& path) {
+  const auto read = std::make_shared<Preferences>();
+  const BackgroundTask task([read, path] { *read = LoadPreferences(path); });
+  // What could not be read in time is not written over.
+  if (!task.WaitFor(kMostLoadMs) || task.failed()) return {};
+  return {*read, path.empty() ? nullptr : std::make_unique<PreferencesWriter>(path)};
+}
+
+void ShowRemembered(Console* c) {
+  const Preferences& p = c->remembered.preferences;
+  c->files.table.AskWidths(p.file_columns);
+  c->queue.table.AskWidths(p.queue_columns);
+  c->choice.printer = p.printer;
+  if (p.file_order <= int(FileOrder::kTime))
+    c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
+  if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
+}
+
+void Remember(Console* c) {
+  Remembered& r = c->remembered;
+  if (!r.writer) return;
+  Preferences now = Now(c);
+  if (now == r.preferences) return;
+  r.preferences = std::move(now);
+  r.writer->Store(r.preferences);
+}
+
+void FinishRemembering(Console* c) {
+  Remember(c);
+  if (c->remembered.writer) c->remembered.writer->Finish(kMostStoreMs);
+}
+
+}  // namespace console
