@@ -77,7 +77,7 @@ void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area
   const Area box = p->PictureArea();
   if (box.Empty()) return;
   const bool shown = p->preview && DrawPreview(*p->preview, p->preview_scale, box);
-  if (!shown) DrawSheet(box, e.name, kind);
+  if (!shown) DrawKindSheet(box, e.name, kind);
   a->TakeTop(box.h);
   Area line = a->TakeTop(kTroubleLine).Inset(0, 3);
   if (p->preview)

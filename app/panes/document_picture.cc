@@ -72,7 +72,7 @@ void DrawText(const std::vector<std::string>& lines, const Area& box) {
 
 }  // namespace
 
-void DrawSheet(const Area& box, const std::string& name, FileKind kind) {
+void DrawKindSheet(const Area& box, const std::string& name, FileKind kind) {
   const Style& l = TheStyle();
   const int width = box.h * 10 / 14;
   const Area a = {box.x + (box.w - width) / 2, box.y, width, box.h};

@@ -9,7 +9,7 @@
 namespace console {
 
 // A sheet with the ending of the name where a page has its title.
-void DrawSheet(const Area& box, const std::string& name, FileKind kind);
+void DrawKindSheet(const Area& box, const std::string& name, FileKind kind);
 // The picture at the device's resolution, or the beginning of the text, in the middle of the box.
 // `scale` is that of the screen for which it was made. False, and nothing is drawn, where the
 // preview has neither.
