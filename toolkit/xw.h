@@ -210,14 +210,14 @@ void XwBeep(void);
  *
  * `kind` is one word. Of each kind one result waits at most: a newer one takes its place, and the
  * older one ends with take(data, 0) on the thread that posts the newer. What still waits when the
- * session ends, and what is posted after that or without a kind, ends so too. Null `take`: nothing
- * is done.
+ * session ends, and what is posted after that or without a kind, ends so too. Null `take`: nothing.
  *
- * Record and replay: a recording notes where each result was taken, and a replay takes it at the
- * same place, however long it is in coming. `detail`, one line, tells this result from others of
- * its kind, so that the replay waits for the same; null or "": any will do. A recorded one that
- * has passed by unseen in the replay is left out: one that comes later in the recording is there
- * instead, or the state before it holds still when it has taken longer than it did. */
+ * Record and replay: a recording notes where each result was taken, and a replay takes it there,
+ * however late it comes. `detail`, one line, tells this result from others of its kind, so that the
+ * replay waits for the same; null or "": any will do. A recorded one that has passed by unseen in
+ * the replay is left out: one that comes later in the recording is there instead, or the state
+ * before it holds still when it has taken longer than it did. A kind with a dot in front only
+ * adorns what is shown (".preview"): it is not recorded, and a replay takes it when it comes. */
 void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data);
 /* Record and replay. XW_RECORD=file keeps a session's raw input, and where it took results, as
  * lines of text; XW_REPLAY=file plays it back, without the user. */

@@ -5,6 +5,7 @@
 
 #include "app/format/texts.h"
 #include "app/look/style.h"
+#include "app/panes/document_picture.h"
 #include "app/panes/tools.h"
 #include "printserver/words.h"
 
@@ -13,6 +14,9 @@ namespace {
 
 constexpr int kCaption = 32, kNameLines = 4;
 constexpr int kFactName = 64, kNextLine = 16;
+constexpr int kPadding = 16, kPrinter = kCaption + 4 * 20 + 10;
+// Of a picture: below it is a line that says why there is none, and six facts.
+constexpr int kLeastPicture = 100, kMostPicture = 220, kTroubleLine = 22, kFacts = 6 * 20;
 
 void DrawFact(Area* a, const char* name, const std::string& value) {
   const Style& l = TheStyle();
@@ -49,32 +53,36 @@ void DrawName(Area* a, const std::vector<std::string>& lines) {
   }
 }
 
-// A sheet with a soft shadow, and the ending of the name where a page has its title.
-void DrawSheet(const Area& a, const FolderEntry& e, FileKind kind) {
-  const Style& l = TheStyle();
-  for (int i = 4; i > 0; --i)
-    XwRoundBox(a.x - i, a.y - i + 2, a.w + 2 * i, a.h + 2 * i, i + 1,
-               Mix(l.line, l.side, 36 - 8 * i), -1);
-  Fill(a, l.document);
-  XwSetColor(l.hairline);
-  XwDrawRect(a.x, a.y, a.w, a.h);
-  const int32_t inks[] = {l.accent, l.bad, l.good, l.second, l.line};
-  Area page = a.Inset(18, 18);
-  Fill(page.TakeTop(page.h / 3), Mix(inks[int(kind)], l.document, 14));
-  Fill({page.x, page.y - 3, page.w, 3}, inks[int(kind)]);
-  const std::string name = e.name;
-  const size_t dot = name.rfind('.');
-  std::string ending = dot == std::string::npos || dot == 0 ? "" : Shown(name.substr(dot + 1));
-  for (char& ch : ending)
-    if (ch >= 'a' && ch <= 'z') ch = char(ch - 32);
-  page.TakeTop(14);
-  DrawLabel(l.heading, Align::kLeft, page.TakeTop(24), ending.empty() ? "FILE" : ending,
-            Mix(inks[int(kind)], l.ink, 70));
-  page.TakeTop(6);
-  for (int i = 0; i < 4 && page.h > 6; ++i) {
-    Fill({page.x, page.y, page.w * (i == 3 ? 45 : 92 - 7 * (i % 2)) / 100, 3}, l.track);
-    page.TakeTop(11);
-  }
+std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
+  return LinesOf(TheStyle().view, Shown(e.name), a.w - kFactName);
+}
+
+// The document's part of the pane, below its caption.
+Area DocumentArea(const Layout& layout) {
+  Area a = layout.details.Inset(kPadding, 0);
+  a.TakeBottom(kPrinter);
+  a.TakeTop(kCaption + 6);
+  return a;
+}
+
+std::string KindOfDocument(const Preview* preview, FileKind by_name) {
+  const std::string kind = preview ? KindWords(*preview) : "";
+  if (kind.empty()) return KindText(by_name);
+  const bool tells_pages =
+      preview->pages > 1 || (preview->pages == 1 && preview->kind == DocumentKind::kPdf);
+  return tells_pages ? kind + ", " + CountText(preview->pages, "page", "pages") : kind;
+}
+
+void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area* a) {
+  const Area box = p->PictureArea();
+  if (box.Empty()) return;
+  const bool shown = p->preview && DrawPreview(*p->preview, p->preview_scale, box);
+  if (!shown) DrawKindSheet(box, e.name, kind);
+  a->TakeTop(box.h);
+  Area line = a->TakeTop(kTroubleLine).Inset(0, 3);
+  if (p->preview)
+    DrawLabel(TheStyle().small_text, Align::kCenter, line, TroubleWords(*p->preview),
+              TheStyle().second);
 }
 
 void DrawSelected(const DetailsPane* p, Area a) {
@@ -86,17 +94,16 @@ void DrawSelected(const DetailsPane* p, Area a) {
   }
   const FolderEntry e = p->folder.At(row);
   const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
-  const auto name = LinesOf(TheStyle().view, Shown(e.name), a.w - kFactName);
-  const int facts = 5 * 20 + int(name.size() - 1) * kNextLine;
-  const int sheet = std::min(220, a.h - facts - 16);
-  if (!e.folder && sheet >= 120) {
-    DrawSheet({a.x + (a.w - sheet * 10 / 14) / 2, a.y, sheet * 10 / 14, sheet}, e, kind);
-    a.TakeTop(sheet + 16);
-  }
-  DrawName(&a, name);
-  DrawFact(&a, "Kind", KindText(kind));
+  const Preview* preview = e.folder ? nullptr : p->preview.get();
+  DrawPicture(p, e, kind, &a);
+  DrawName(&a, NameLines(e, a));
+  DrawFact(&a, "Kind", KindOfDocument(preview, kind));
   if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
   DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
+  if (!preview) return;
+  if (const std::string size = SizeWords(*preview); !size.empty()) DrawFact(&a, "Format", size);
+  if (const std::string colours = ColourWords(*preview); !colours.empty())
+    DrawFact(&a, "Colours", colours);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
@@ -123,17 +130,26 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
 
 }  // namespace
 
+Area DetailsPane::PictureArea() const {
+  if (selected < 0 || layout.details.Empty()) return {};
+  const Area a = DocumentArea(layout);
+  const FolderEntry e = folder.At(selected);
+  const int name = int(NameLines(e, a).size() - 1) * kNextLine;
+  const int height = std::min(kMostPicture, a.h - kTroubleLine - kFacts - name);
+  if (e.folder || height < kLeastPicture) return {};
+  return {a.x, a.y, a.w, height};
+}
+
 void DetailsPane::Draw() const {
   Area a = layout.details;
   if (a.Empty()) return;
   const Style& l = TheStyle();
   Fill(a, l.side);
   LineAtLeft(a);
-  a = a.Inset(16, 0);
-  Area printer = a.TakeBottom(kCaption + 4 * 20 + 10);
+  a = a.Inset(kPadding, 0);
+  Area printer = a.TakeBottom(kPrinter);
   DrawCaption(a, "DOCUMENT");
-  a.TakeTop(kCaption + 6);
-  DrawSelected(this, a);
+  DrawSelected(this, DocumentArea(layout));
   DrawCaption(printer, "PRINTER");
   printer.TakeTop(kCaption);
   DrawPrinter(this, printer);

@@ -1,14 +1,19 @@
 // What is selected, and the printer that it would go to.
 #pragma once
+#include <memory>
+
 #include "app/model/print_choice.h"
 #include "app/model/shown_folder.h"
 #include "app/panes/layout.h"
 #include "app/server/server.h"
+#include "app/work/preview.h"
 
 namespace console {
 
 struct DetailsPane {
   void Draw() const;
+  // Where the selected document's picture stands; empty where there is no room for one.
+  Area PictureArea() const;
 
   // All are looked at for as long as the pane lives.
   const Layout& layout;
@@ -16,6 +21,10 @@ struct DetailsPane {
   const PrintChoice& choice;
   const ServerState& state;
   int selected = -1;  // the row of the folder
+  // Of the selected document; null while there is none. Made for this many device pixels per
+  // logical pixel.
+  std::shared_ptr<const Preview> preview = nullptr;
+  double preview_scale = 1;
 };
 
 }  // namespace console

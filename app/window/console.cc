@@ -388,6 +388,10 @@ void ShowSilence(int seconds) {
   DrawConsole(c);
 }
 
+void ShowPreview(void*, int taken) {
+  if (g_console && taken) TakePreview(g_console);
+}
+
 Console::Console(const std::string& host)
     : reader([this](FolderReading* reading) { FolderCame(this, reading); }),
       watch([this] { FolderChanged(this); }),
@@ -443,6 +447,8 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 void DrawConsole(Console* c) {
   if (!c->damage) return;
   UpdateControls(c);
+  c->details.selected = c->files.table.selected();
+  if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;
   c->damage = 0;
   XwPush(c->window);
@@ -450,7 +456,6 @@ void DrawConsole(Console* c) {
   if (damage & kPlacesPane) c->places.Draw(c->files.folder.path(), c->active, c->hover);
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
-  c->details.selected = c->files.table.selected();
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
   if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());

@@ -50,6 +50,14 @@ inline bool IsControl(FocusStop stop) {
   return stop >= FocusStop::kPrint;
 }
 
+// A document that has a preview: it is made again when one of these changes.
+struct PreviewSubject {
+  PreviewRequest request;  // its path is empty when there is none
+  double scale = 1;        // device pixels per logical pixel
+  int64_t size = 0, time = 0;
+  bool operator==(const PreviewSubject&) const = default;
+};
+
 // What is kept between two runs, and what writes it down; null where nothing is to be written.
 struct Remembered {
   Preferences preferences;
@@ -80,6 +88,8 @@ struct Console {
   int reading_s = 0;        // since the present reading was asked for
   int silent_s = 0;         // that the watch has had no answer; 0 as long as that is not long
   int posted_silent_s = 0;  // the same, on its way
+  PreviewMaker previews;
+  PreviewSubject previewed;  // what was asked for last
   Server server;
   ServerState state;
   int last_notice = 0;  // that was shown
@@ -166,6 +176,14 @@ void ShowRemembered(Console* c);
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The preview (preview.cc)
+// Asks for that of the selected document when it has none yet, and ends another one.
+void UpdatePreview(Console* c);
+// One is there.
+void TakePreview(Console* c);
+// The same, as the result of a background task.
+void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);

@@ -118,6 +118,15 @@ bool Matches(const Result& r, const RecordLine& line) {
          (r.detail.empty() || line.detail.empty() || r.detail == line.detail);
 }
 
+bool IsDecoration(const Result& r) {
+  return r.kind[0] == '.';
+}
+
+// Whether it can be taken now; `line` is what a replay waits for, null when it waits for nothing.
+bool IsNext(const Result& r, const RecordLine* line) {
+  return !Replaying() || IsDecoration(r) || (line && Matches(r, *line));
+}
+
 // Events that wait come first, but not for ever.
 bool EventsComeFirst() {
   if (main_event_queue.deferred) return true;
@@ -138,7 +147,7 @@ void PostResult(const char* kind, const char* detail, TakeResult take, void* dat
     if (s.dropped || result.kind.empty()) {
       ended.push_back(std::move(result));
     } else {
-      if (!s.keep_all)
+      if (!s.keep_all || IsDecoration(result))
         ended = Extract([&](size_t i) { return s.waiting[i].kind == result.kind; });
       else if (s.waiting.size() >= kMostKept)
         ended = Extract([](size_t i) { return i == 0; });
@@ -152,25 +161,26 @@ void PostResult(const char* kind, const char* detail, TakeResult take, void* dat
 
 bool TakeNextResult() {
   const RecordLine* line = Replaying() ? AwaitedResult() : nullptr;
-  if ((Replaying() && !line) || EventsComeFirst()) return false;
+  if (EventsComeFirst()) return false;
   Result next;
   std::vector<Result> older;
   {
     const Guard guard(State().lock);
     const auto& waiting = State().waiting;
     size_t at = 0;
-    while (at < waiting.size() && line && !Matches(waiting[at], *line)) ++at;
+    while (at < waiting.size() && !IsNext(waiting[at], line)) ++at;
     if (at == waiting.size()) return false;
     next = waiting[at];
     older = Extract([&](size_t i) { return i <= at && waiting[i].kind == next.kind; });
     older.pop_back();
   }
   waiting_since = -1;
-  if (line) {
+  if (line && !IsDecoration(next)) {
     replay.taken[next.kind] = next.detail;
     ResultTaken();
   }
-  if (record_mode == RecordMode::kRecording) RecordResult(next.kind, next.detail);
+  if (record_mode == RecordMode::kRecording && !IsDecoration(next))
+    RecordResult(next.kind, next.detail);
   End(older);
   next.take(next.data, 1);
   return true;
@@ -205,6 +215,7 @@ void KeepResults(bool all) {
       });
     if (!waiting.empty()) Wake();
   }
+  waiting_since = -1;
   replay = ReplayState();
   End(older);
 }

@@ -2,6 +2,9 @@
 //
 // Of each kind one waits at most: a newer one takes its place. A replay keeps them all, so that a
 // state that the recording took up is still there when its line comes.
+//
+// A kind that begins with a dot is decoration: it is not recorded, and a replay takes it whenever
+// it comes. How long a preview takes must hold up no replay, and nothing depends on it.
 #pragma once
 #include <atomic>
 

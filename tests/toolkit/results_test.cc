@@ -133,11 +133,11 @@ std::string Replay(const std::string& lines, const std::string& posts) {
   unsetenv("XW_REPLAY");
   log.clear();
   std::thread thread([&posts] {
-    static const char* const kDetails[] = {"A", "B", "C", "X"};
+    static const char* const kDetails[] = {"A", "B", "C", "D", "X"};
     for (const char c : posts) {
       usleep(c == ',' ? 60000 : 0);
       for (const char* detail : kDetails)
-        if (*detail == c) Post("s", detail);
+        if (*detail == c) Post(c == 'D' ? ".s" : "s", detail);
     }
   });
   while (XwWaitEvent(nullptr) != XWE_QUIT) {
@@ -165,6 +165,8 @@ TEST(Results, AReplayTakesThemWhereTheRecordingDid) {
       {"1 result s A\n2 preferences\n3 result s B\n4 preferences\n5 result s C\n", ",A,C",
        "A 797 797 C 797 796"},
       {"1 result s A\n1.1 result s B\n1.2 result s A\n", "A", "A 797 796"},
+      // Decoration comes while something else is waited for.
+      {"1 result s A\n2 preferences\n", "D,A", "D A 797 797 796"},
       // Without a detail any will do.
       {"1 result s\n1 result s\n", ",X,A", "X A 797 796"},
   };
@@ -194,6 +196,7 @@ TEST(Results, ARecordingNamesThem) {
   ASSERT_TRUE(platform::OpenRecord("results"));
   unsetenv("XW_RECORD");
   Post("two words", " a\nb ");
+  Post(".decoration", "c");
   XwPost("bare", nullptr, Take, const_cast<char*>("bare"));
   RunLoop();
   platform::CloseRecord();

@@ -1,0 +1,83 @@
+// The selected document's preview in the window: device pixel by device pixel, and always that of
+// the document that is selected now.
+#include "app/work/preview.h"
+#include "tests/app/console_fixture.h"
+#include "tests/app/documents.h"
+
+namespace console {
+namespace {
+
+class PreviewPaneTest : public ConsoleTest {
+ protected:
+  void SetUp() override {
+    ConsoleTest::SetUp();
+    PreviewMaker::program = PREVIEW;
+    WritePng(home_.At("picture.png"), {.width = 1201, .height = 901});
+    home_.File("broken.png", "\x89PNG\r\n\x1A\n");
+  }
+  void TearDown() override {
+    ConsoleTest::TearDown();
+    EXPECT_EQ(BackgroundTask::WaitForAll(30000), 0);
+    PreviewMaker::program.clear();
+  }
+  // The selected document has another preview than that one.
+  bool HasNew(const std::shared_ptr<const Preview>& old) {
+    return Until([&] { return c_->details.preview && c_->details.preview != old; });
+  }
+  // Whether the window shows it in the middle of its place, each pixel as one of the screen's.
+  void ExpectShown(const Preview& p, int scale) {
+    const Area box = c_->details.PictureArea();
+    const int width = (p.width + scale - 1) / scale, height = (p.height + scale - 1) / scale;
+    const int left = (box.x + (box.w - width) / 2) * scale;
+    const int top = (box.y + (box.h - height) / 2 + platform::GetMBarHeight()) * scale;
+    XwPush(c_->window);
+    XwSync();
+    XwPop();
+    const auto shown = display::TakePicture(static_cast<platform::WindowRef>(c_->window->platform));
+    for (int y = 0; y < p.height; ++y)
+      for (int x = 0; x < p.width; ++x) {
+        const uint8_t* rgb = &p.pixels[size_t(y * p.width + x) * 4];
+        const uint32_t pixel = shown.pixels[size_t((top + y) * shown.width + left + x)] & 0xFFFFFF;
+        ASSERT_EQ(pixel, uint32_t(rgb[1] << 16 | rgb[2] << 8 | rgb[3])) << x << " " << y;
+      }
+  }
+};
+
+TEST_F(PreviewPaneTest, FollowsTheSelectionTheFileAndTheScreen) {
+  Open("127.0.0.9:1");
+  Click(FileRow("picture.png"));
+  ASSERT_TRUE(HasNew(nullptr));
+  auto preview = c_->details.preview;
+  EXPECT_EQ(KindWords(*preview), "PNG picture");
+  EXPECT_EQ(preview->height, c_->details.PictureArea().h);
+  ExpectShown(*preview, 1);
+  display::ChangeScreen(2560, 2048, 2);
+  ASSERT_TRUE(HasNew(preview));
+  preview = c_->details.preview;
+  EXPECT_EQ(preview->height, 2 * c_->details.PictureArea().h);
+  ExpectShown(*preview, 2);
+
+  // The file is written again, with an odd number of pixels that are half as large as the window's.
+  WritePng(home_.At("picture.png"), {.width = 301, .height = 33});
+  ASSERT_TRUE(HasNew(preview));
+  preview = c_->details.preview;
+  EXPECT_EQ(preview->width, 301);
+  ExpectShown(*preview, 2);
+
+  // What is damaged costs its own picture, and no other document's stands in its place.
+  Click(FileRow("broken.png"));
+  EXPECT_NE(c_->details.preview, preview);
+  ASSERT_TRUE(HasNew(preview));
+  EXPECT_EQ(TroubleWords(*c_->details.preview), "This document is damaged");
+  Click(FileRow("picture.png"));
+  Click(FileRow("letter.txt"));
+  ASSERT_TRUE(HasNew(nullptr));
+  EXPECT_EQ(c_->details.preview->request.path, home_.At("letter.txt"));
+  Click(FileRow("picture.png"));
+  Click(FileRow("Empty"));
+  EXPECT_EQ(c_->previews.request(), nullptr);
+  EXPECT_EQ(c_->details.preview, nullptr);
+}
+
+}  // namespace
+}  // namespace console
