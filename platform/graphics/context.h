@@ -69,6 +69,10 @@ void DrawPixels(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels,
 void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels, int width,
                  int height);
 
+// A square of `size` pixels, 0xAARRGGBB, over what is in the rectangle: each device pixel has the
+// mean of those that it covers.
+void DrawIconPicture(ContextRef c, int x, int y, int w, int h, const uint32_t* argb, int size);
+
 // A one-bit picture as the runs of its set and of its clear bits, made once.
 struct Bitmap;
 // `bits`: `height` rows of (width + 7) / 8 bytes, the least significant bit leftmost; read here and

@@ -86,6 +86,50 @@ void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels
       [&](int d) { return nearest(d - r.top, height, r.height()); });
 }
 
+// The source pixels that one of `count` of `size` device pixels is the mean of.
+struct Span {
+  int first, last;
+  Span(int at, int count, int size)
+      : first(int(int64_t{at} * count / size)),
+        last(std::max(first + 1, int((at + int64_t{1}) * count / size))) {}
+};
+
+static uint32_t Mean(const uint32_t* argb, int stride, Span columns, Span rows,
+                     uint32_t* coverage) {
+  uint64_t count = 0, cover = 0, sums[3] = {};
+  for (int y = rows.first; y < rows.last; ++y) {
+    for (int x = columns.first; x < columns.last; ++x, ++count) {
+      const uint32_t p = argb[int64_t{y} * stride + x];
+      cover += p >> 24;
+      for (int i = 0; i < 3; ++i) sums[i] += uint64_t{p >> 24} * (p >> 8 * i & 0xFF);
+    }
+  }
+  *coverage = uint32_t((cover + count / 2) / count);
+  uint32_t color = 0xFF000000u;
+  for (int i = 0; i < 3 && cover; ++i) color |= uint32_t((sums[i] + cover / 2) / cover) << 8 * i;
+  return color;
+}
+
+void DrawIconPicture(ContextRef c, int x, int y, int w, int h, const uint32_t* argb, int size) {
+  if (!Ready(c) || w <= 0 || h <= 0 || size <= 0 || !argb) return;
+  const DeviceRect r = DeviceBox(c, x, y, w, h);
+  for (const int edge : {r.left, r.top, r.right, r.bottom})
+    if (std::abs(edge) == kFarDevice) return;
+  ForEachPart(c, r, [&](const DeviceRect& part) {
+    for (int row = part.top; row < part.bottom; ++row) {
+      const Span rows(row - r.top, size, r.height());
+      for (int column = part.left; column < part.right; ++column) {
+        uint32_t coverage = 0;
+        const uint32_t color =
+            Mean(argb, size, Span(column - r.left, size, r.width()), rows, &coverage);
+        uint32_t& out = c->row(row)[column];
+        out = Blend(out, color, coverage);
+      }
+    }
+    Mark(c, part);
+  });
+}
+
 // --- One-bit pictures ---------------------------------------------------------------------------
 
 struct Run {

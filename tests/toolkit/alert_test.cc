@@ -231,6 +231,27 @@ TEST(Alert, TheFileOfTheProgram) {
 }
 
 // Each kind at one scale.
+// Its left half red, the rest see-through.
+TEST(Alert, ShowsTheProgramsIcon) {
+  ControlScreen s;
+  std::vector<uint32_t> argb(256, 0);
+  for (size_t i = 0; i < argb.size(); ++i)
+    if (i % 16 < 8) argb[i] = 0xFFFF0000;
+  XwSetProgramIcon(argb.data(), 16);
+  Ask({[] {
+        XwSync();
+        const auto p = input::TakePicture(Native(alert));
+        auto at = [&](int x, int y) { return p.pixels[size_t(y * p.width + x)] & 0xFFFFFF; };
+        const int bar = int(p.height) - 100;  // of the menu
+        EXPECT_EQ(at(12, bar + 40), 0xFF0000u);
+        EXPECT_EQ(at(41, bar + 40), 0xFF0000u);
+        EXPECT_EQ(at(42, bar + 40), at(5, bar + 40));
+        Press(kEscape)();
+      }},
+      "i", "About", "Close");
+  XwSetProgramIcon(nullptr, 16);
+}
+
 class AlertPictures : public testing::TestWithParam<const char*> {};
 
 TEST_P(AlertPictures, AreCrisp) {

@@ -1,5 +1,8 @@
 #include "toolkit/controls/alert_art.h"
 
+#include <vector>
+
+#include "platform/display/program_icon.h"
 #include "platform/graphics/context.h"
 #include "platform/graphics/outline.h"
 #include "platform/theme/roles.h"
@@ -124,10 +127,21 @@ void DrawWindow(ContextRef c, const Rect& box) {
   FrameRoundRect(c, whole, kCorner * unit, RoleColor(Role::kDarkAccent), 255);
 }
 
+// At twice the box's size or the next larger one: sharp at each scale. False: the program has none.
+bool DrawProgramIcon(ContextRef c, const Rect& box) {
+  const std::vector<ProgramIcon>& icons = ProgramIcons();
+  if (icons.empty()) return false;
+  const ProgramIcon* best = &icons.back();
+  for (size_t i = icons.size(); i-- > 0;)
+    if (icons[i].size >= 2 * box.width()) best = &icons[i];
+  DrawIconPicture(c, box.left, box.top, box.width(), box.height(), best->argb.data(), best->size);
+  return true;
+}
+
 }  // namespace
 
 void DrawAlertPicture(ContextRef c, AlertPicture picture, const Rect& box) {
   if (picture == AlertPicture::kStop) DrawLayers(c, kStop, box);
   if (picture == AlertPicture::kNote) DrawLayers(c, kNote, box);
-  if (picture == AlertPicture::kApplication) DrawWindow(c, box);
+  if (picture == AlertPicture::kApplication && !DrawProgramIcon(c, box)) DrawWindow(c, box);
 }
