@@ -93,7 +93,7 @@ RawEvent Report(Bytes* in) {
   raw.keysym = in->Take<uint16_t>();
   raw.base_keysym = in->Next();
   raw.unicode = in->Take<uint16_t>();
-  if (raw.type == RawEvent::kOpenFile) raw.path = "/a";
+  if (raw.type == RawEvent::kOpenFile) raw.text = "/a";
   return raw;
 }
 

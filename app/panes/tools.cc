@@ -41,7 +41,7 @@ const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& st
 }
 
 void ToolsPane::MakeControls(XwWindow* w) {
-  print = XwButton(w, "Print", kPrintCommand, 0, 0, 9, 9, kShown, 0);
+  print = XwButton(w, "Print", kPrintCommand, 0, 0, 9, 9, kShown | XWC_VARIANT, 0);
   up = MakeIconButton(w, ToolIcon::kUp, kUpCommand, "Enclosing Folder");
   refresh = MakeIconButton(w, ToolIcon::kRefresh, kRefreshCommand, "Refresh");
   printer_.Make(w, kPrinterControl, "Printer", nullptr);

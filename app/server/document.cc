@@ -10,9 +10,10 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
-#include <cstring>
 #include <mutex>
 #include <vector>
+
+#include "app/format/words.h"
 
 namespace console {
 namespace {
@@ -67,7 +68,7 @@ void Document::Reading::Run() {
   const os::Handle file(open_file(path.c_str()));
   struct stat s {};
   if (!file || fstat(file.get(), &s) != 0)
-    Tell(&Reading::opened, 0, strerror(errno));
+    Tell(&Reading::opened, 0, TroubleText(errno));
   else if (!S_ISREG(s.st_mode))
     Tell(&Reading::opened, 0, "not a file");
   else
@@ -82,7 +83,7 @@ void Document::Reading::Read(int file, int64_t bytes) {
   for (int64_t left = bytes; left > 0;) {
     const ssize_t got = read_file(file, piece.data(), std::min(size_t(left), piece.size()));
     if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) why = got < 0 ? strerror(errno) : "the file ended early";
+    if (got <= 0) why = got < 0 ? TroubleText(errno) : "the file ended early";
     if (got <= 0 || !SendAll(in.get(), piece.data(), size_t(got))) break;
     left -= got;
   }
@@ -99,7 +100,7 @@ Document::Document(const std::string& path) : reading_(std::make_shared<Reading>
   }
   if (out_ && !task_.failed()) return;
   reading_->opened = true;
-  reading_->trouble = out_ ? "no thread is left to read it" : strerror(errno);
+  reading_->trouble = out_ ? "no thread is left to read it" : TroubleText(errno);
 }
 
 bool Document::Opened(int ms) const {

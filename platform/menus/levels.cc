@@ -59,9 +59,16 @@ void DrawRow(ContextRef c, const MenuLevel& l, int item, bool erased) {
 void DrawFrame(ContextRef c, const MenuLevel& l) {
   const Rect b = GetWindowBounds(l.window, kWindowContentRgn);
   const Rect all{0, 0, b.width(), b.height()};
+  if (l.drawn >= 0) FillRoundRect(c, all, 0, RoleColor(Role::kFace), kOpaqueAlpha);
   // The pop-up's edge is where its corners end: there the line is no fainter than elsewhere.
-  FillRoundRect(c, all, 0, RoleColor(Role::kLine), kOpaqueAlpha);
-  FillRoundRect(c, all, kCornerOfMenus, RoleColor(Role::kFace), kOpaqueAlpha);
+  for (const int x : {0, all.right - kCornerOfMenus}) {
+    for (const int y : {0, all.bottom - kCornerOfMenus}) {
+      ClipContextToRect(c, {x, y, x + kCornerOfMenus, y + kCornerOfMenus});
+      FillRoundRect(c, all, 0, RoleColor(Role::kLine), kOpaqueAlpha);
+      FillRoundRect(c, all, kCornerOfMenus, RoleColor(Role::kFace), kOpaqueAlpha);
+      RestoreContextClip(c);
+    }
+  }
   FrameRoundRect(c, all, kCornerOfMenus, RoleColor(Role::kLine), kOpaqueAlpha);
   if (!Scrolls(l)) return;
   const uint32_t ink = RoleColor(Role::kSecondInk);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/graphics/context.h"
+#include "platform/theme/metrics.h"
 
 namespace platform {
 namespace {
@@ -41,6 +42,18 @@ int LayOutCut(const ThemeTextFont& font, const std::string& text, int width, Tex
   return scale.Pixels(line->width());
 }
 
+// Printable ASCII needs no layout: its glyphs stand one behind the other.
+bool IsPlain(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+int PlainWidth(const ThemeTextFont& font, const std::string& text) {
+  const int32_t* advances = GetAdvances(font.font, text);
+  int64_t sum = 0;
+  for (const char c : text) sum += advances[uint8_t(c)];
+  return GetTextScale(font.font).Pixels(sum);
+}
+
 const ThemeTextFont& FontOf(Which which) {
   ThemeTextFont& f = fonts[which];
   if (!f.font) f = Open(which);
@@ -60,6 +73,7 @@ void FinishThemeText() {
 int ThemeTextWidth(const std::string& text, bool bold) {
   const ThemeTextFont& font = FontOf(bold ? kBold : kPlain);
   if (!font.font) return 0;
+  if (IsPlain(text)) return PlainWidth(font, text) + 1;
   static TextLine line;  // keeps its memory
   LayOutText(font.font, text, &line);
   return GetTextScale(font.font).Pixels(line.width()) + 1;
@@ -70,11 +84,15 @@ void DrawThemeText(ContextRef c, const Rect& r, const std::string& text,
   const ThemeTextFont& font = FontOf(style.view ? kView : style.bold ? kBold : kPlain);
   if (!font.font || text.empty() || r.empty()) return;
   static TextLine line;
-  const int width = LayOutCut(font, text, r.width(), &line);
+  bool plain = style.alpha == kOpaqueAlpha && !style.underline_first && IsPlain(text);
+  int width = plain ? PlainWidth(font, text) : 0;
+  plain = plain && width <= r.width();
+  if (!plain) width = LayOutCut(font, text, r.width(), &line);
   int x = r.left;
   if (style.justification == TextJustification::kCenter) x += (r.width() - width) / 2;
   if (style.justification == TextJustification::kRight) x = r.right - width;
   const int baseline = r.top + (r.height() - font.ascent - font.descent) / 2 + font.ascent;
+  if (plain) return DrawGlyphs(c, font.font, x, baseline, text.data(), text.size(), style.rgb);
   DrawLine(c, font.font, x, baseline, line, style.rgb, style.alpha);
   if (!style.underline_first || line.count() == 0) return;
   const int under = GetTextScale(font.font).Pixels(line.clusters[1].pen);

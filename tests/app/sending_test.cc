@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "app/format/words.h"
 #include "app/server/document.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/gate.h"
@@ -144,12 +145,12 @@ TEST(DocumentTest, SaysWhyItCannotBeReadOn) {
     int error;
     size_t size, read;
     std::string trouble;
-  } rows[] = {{"missing", 0, 0, 0, strerror(ENOENT)},
+  } rows[] = {{"missing", 0, 0, 0, TroubleText(ENOENT)},
               {"folder", 0, 0, 0, "not a file"},
               {"file", 0, 0, 0, ""},
               {"file", 0, 9000, 9000, ""},
               {"file", 0, 600000, 256 * 1024, "the file ended early"},
-              {"file", EIO, 600000, 256 * 1024, strerror(EIO)}};
+              {"file", EIO, 600000, 256 * 1024, TroubleText(EIO)}};
   for (const auto& row : rows) {
     home.File("file", Bytes(row.size));
     error = row.error;

@@ -177,6 +177,25 @@ TEST(Alert, WhatItDroppedComesAgain) {
   EXPECT_EQ(seen[2].event.param, 1);
 }
 
+// They are inactive then, with a lighter background, but nobody would draw them.
+TEST(Alert, OtherWindowsKeepWhatTheyShow) {
+  ControlScreen s;
+  XwSetGround(s.main, nullptr, 2);
+  Settle();
+  XwSet(s.main);
+  XwBox(50, 50, 100, 100, 0x0000FF);
+  XwSet(nullptr);
+  auto shown = [&] {
+    XwSync();
+    const auto p = input::TakePicture(Native(s.main));
+    return p.pixels[size_t((100 + platform::GetMBarHeight()) * p.width + 100)] & 0xFFFFFF;
+  };
+  Ask({[] {}, [&] { EXPECT_EQ(shown(), 0xFF0000u); }, ClickOn(1)}, "!", "Go?", "A");
+  Quiet();
+  RunLoop();
+  EXPECT_EQ(shown(), 0xFF0000u);
+}
+
 TEST(Alert, OneThatTheProgramDestroysIsOver) {
   ControlScreen s;
   s.main->handler = Answer;
@@ -219,14 +238,16 @@ TEST_P(AlertPictures, AreCrisp) {
   ControlScreen s;
   testkit::Picture sheet;
   for (const char* kind : {"!", "?", "i"}) {
-    Ask({[&] {
-          XwSync();
-          const auto p = input::TakePicture(Native(alert));
-          sheet.width = p.width;
-          sheet.height += p.height;
-          sheet.pixels.insert(sheet.pixels.end(), p.pixels.begin(), p.pixels.end());
-          Press(kEnter)();
-        }},
+    // Drawn twice it looks as when it is drawn once.
+    Ask({[] { XwSendEvent(alert, XWE_EXPOSE, 0, 0, 0); },
+         [&] {
+           XwSync();
+           const auto p = input::TakePicture(Native(alert));
+           sheet.width = p.width;
+           sheet.height += p.height;
+           sheet.pixels.insert(sheet.pixels.end(), p.pixels.begin(), p.pixels.end());
+           Press(kEnter)();
+         }},
         kind, "Remove 3 jobs from the queue?", "Cancel", "Remove");
   }
   EXPECT_TRUE(testkit::MatchesReference(sheet, PICTURES, std::string("alerts-") + GetParam()));

@@ -105,7 +105,7 @@ const uint8_t* Hostile() {  // zero-terminated, and long enough for any length b
 }
 template <>
 char* Hostile() {
-  static char room[1024];
+  static char room[1 << 18];  // for the longest text, whatever size is given
   return rng() % 4 ? room : nullptr;
 }
 template <>
@@ -347,50 +347,34 @@ void Outlines() {
   }
 }
 
-// Lists of toolbar items with any words; texts where the type wants some.
-void Toolbars() {
+void Toolbars() {  // any words; texts where the type wants some
   static const char* const texts[] = {"a", "", "9,1,99999999999999999999", nullptr};
-  XwWindow* const windows[] = {props.other, props.main, props.sub, nullptr};
   for (int i = 0; i < 60; ++i) {
     static XwToolbarItem items[9];
     for (XwToolbarItem& item : items) {
       const auto type = uint32_t(rng() % 16);
-      item = {type << 24 | uint32_t(rng() & 0xC00007FF), 0, int32_t(rng() % 5), 0};
-      if (type == 2 || type == 3)
-        item.data = reinterpret_cast<XwValue>(texts);
-      else if (type == 6)
-        item.data = reinterpret_cast<XwValue>(rng() % 2 ? IC_ARROWS : nullptr);
-      else if (type == 4)
-        item.data = XwValue(rng());
-      else
-        item.data = reinterpret_cast<XwValue>(texts[rng() % 4]);
+      const void* data = texts[rng() % 4];
+      if (type == 2 || type == 3) data = texts;
+      if (type == 6) data = rng() % 2 ? IC_ARROWS : nullptr;
+      item = {type << 24 | uint32_t(rng() & 0xC00007FF), reinterpret_cast<XwValue>(data),
+              int32_t(rng() % 5), 0};
     }
     items[rng() % 9].word = 0;
-    XwWindow* w = windows[rng() % 4];
+    XwWindow* w = Hostile<XwWindow*>();
     XwSetToolbar(w, rng() % 5 ? items : nullptr);
-    XwSetToolbarItem(w, int32_t(rng() % 6), int32_t(rng()));
-    XwShowToolbar(w, int(rng() % 2));
-    XwGetToolbarItem(w, int32_t(rng() % 6));
+    XwShowToolbar(XwGetToolbarItem(w, 1) ? w : nullptr, int(rng() % 2));
     RunLoop();
     Repair();
   }
 }
 
-// Escape answers each.
-void Alerts() {
-  input::SetIdleHandler([] {
-    input::KeyDown(0xFF1B);
-    input::KeyUp(0xFF1B);
-    return true;
-  });
+void Alerts() {  // Escape answers each
+  input::SetIdleHandler([] { return input::KeyDown(0xFF1B), input::KeyUp(0xFF1B), true; });
   for (int i = 0; i < 40; ++i) {
-    Inp.root_x = Hostile<int32_t>();
-    Inp.root_y = Hostile<int32_t>();
+    Inp.root_x = Inp.root_y = Hostile<int32_t>();
     auto ask = rng() % 2 ? XwConfirm : XwConfirmUtf8;
-    const char* first = Hostile<const char*>();
-    EXPECT_EQ(ask(Hostile<const char*>(), Hostile<const char*>(), Hostile<const char*>(),
-                  first ? first : "", Hostile<const char*>(), nullptr),
-              1);
+    const char *a = Hostile<const char*>(), *b = Hostile<const char*>();
+    EXPECT_EQ(ask(a, b, b, a ? a : "", b, nullptr), 1);
     Repair();
   }
   Quiet();
@@ -398,17 +382,14 @@ void Alerts() {
 
 void Posts() {
   const char* const texts[] = {nullptr, "", "state", "two words\n", "\xFF\x01", " "};
-  static int posted, ended;
-  posted = ended = 0;
-  for (int i = 0; i < 300; ++i) {
-    void (*take)(void*, int) = [](void*, int) { ++ended; };
-    const bool some = rng() % 9 != 0;
-    posted += some;
-    XwPost(texts[rng() % 6], texts[rng() % 6], some ? take : nullptr, nullptr);
-    Repair();
-  }
+  static int ended;
+  ended = 0;
+  for (int i = 0; i < 300; ++i)
+    XwPost(
+        texts[rng() % 6], texts[rng() % 6], [](void*, int) { ++ended; }, nullptr);
+  XwPost("state", nullptr, nullptr, nullptr);
   RunLoop();
-  EXPECT_EQ(ended, posted);
+  EXPECT_EQ(ended, 300);
 }
 
 // Calls with their arguments, by the names that stand for them; several of one call with a blank
@@ -438,13 +419,14 @@ std::vector<Row> Calls() {
       XwPointerIsGrabbed, XwSetCursor, XwCreateDocked, XwDestroy, XwFind, IsSubWindow, AddSubWindow,
       XwMove, XwCenter, XwSetFullScreen, XwSetSizes, XwShow, XwEnable, XwSetFocus, XwDrawTextUtf8,
       XwTextWidthUtf8, XwGetText, XwGetValue, XwSetSliderRange, XwSetScrollRange, XwGetTextUtf8,
-      XwGetFocus, XwFocusControl, XwSetTip, XwGetScale, XwSetDefaultButtons, XwSetTab,
-      XwDescribeControl, XwSetGround, XwSetScrollHandler, XwSetActivationHandler, XwSetProgramIcon,
-      XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop, XwClip, ResetClipMask, XwSetColor,
-      XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect, XwDrawRect, XwDrawLine,
-      XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole, XwDrawBorder, XwDrawSeparator,
-      XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm, XwTextWidth, XwTextTrim,
-      XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon, XwDrawIcon);
+      XwGetFocus, XwFocusControl, XwSetToolbarItem, XwGetToolbarItem, XwSetTip, XwGetScale,
+      XwSetDefaultButtons, XwSetTab, XwDescribeControl, XwSetGround, XwSetScrollHandler,
+      XwSetActivationHandler, XwSetProgramIcon, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush,
+      XwPop, XwClip, ResetClipMask, XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox,
+      XwFillRect, XwDrawRect, XwDrawLine, XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole,
+      XwDrawBorder, XwDrawSeparator, XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm,
+      XwTextWidth, XwTextTrim, XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon,
+      XwDrawIcon);
   const Row special[] = {
       // These open and end the test's session, never return, or have nothing to vary.
       {"XwSession XwEndSession XwRunEventLoop GetApplicationBundleFSSpec", nullptr},
@@ -458,7 +440,7 @@ std::vector<Row> Calls() {
        Controls},
       {"XwSetIconOutline XwFillPath XwStrokePath", Outlines},
       {"XwConfirm XwConfirmUtf8", Alerts},
-      {"XwSetToolbar XwShowToolbar XwSetToolbarItem XwGetToolbarItem", Toolbars},
+      {"XwSetToolbar XwShowToolbar", Toolbars},
       {"XwSetMenu XwPopupMenu XwPopupList XwPopupLocation XwEnableMenuItem XwChangeMenuItemText "
        "XwChangeMenuItemFlags XwCheckMenuItem XwCheckMenuRadioItem XwGetMenuItemState "
        "XwGetMenuRadioItem XwGetMenuItemText XwSetMenuItemKey",

@@ -57,8 +57,10 @@ int Waiting(int type) {
         [](platform::EventLoopTimerRef, void*) {
           Post("a", "a1");
           Post("a", "a2");
-          XwSendEvent(window, 1000, 0, 0, 0);
         },
+        nullptr);
+    platform::InstallEventLoopTimer(
+        0.02, 0, [](platform::EventLoopTimerRef, void*) { XwSendEvent(window, 1000, 0, 0, 0); },
         nullptr);
     wait_for();
     Note("over", 1);

@@ -83,12 +83,15 @@ std::string Heard() {
   seen.clear();
   return out;
 }
-std::string Keys(std::initializer_list<uint32_t> keys) {
+void Type(std::initializer_list<uint32_t> keys) {
   for (const uint32_t key : keys) {
     input::KeyDown(key, key < 128 ? key : 0);
     input::KeyUp(key, key < 128 ? key : 0);
   }
   RunLoop();
+}
+std::string Keys(std::initializer_list<uint32_t> keys) {
+  Type(keys);
   return Heard();
 }
 
@@ -115,7 +118,10 @@ TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
   EXPECT_EQ(seen.back().event.root_x, 110);
   EXPECT_EQ(seen.back().event.root_y, 117);
   EXPECT_EQ(Heard(), "1=0 ");
-  EXPECT_EQ(click(2, 10, {kDown, kDown, kEnter}), "72=0 ");
+  input::Click(100 + XwGetToolbarItem(s.main, 2)->x + 10, 117);
+  Type({kDown, kDown, kEnter});
+  EXPECT_EQ(seen.back().event.root_x, 100 + XwGetToolbarItem(s.main, 2)->x + 10);
+  EXPECT_EQ(Heard(), "72=0 ");
   EXPECT_EQ(click(3, 10, {kDown, kEnter}), "3=1 ");
   EXPECT_EQ(click(4, 1), "4=0 ");
   EXPECT_EQ(click(5, 10, {'7', kEnter}), "5=0 ");
@@ -142,7 +148,7 @@ TEST(Toolbar, SettingAnItem) {
   };
   XwSetToolbar(s.main, items);
   auto value = [&](int id) { return XwGetValue(XwGetToolbarItem(s.main, id)); };
-  for (const int state : {2, 1, 3, 0}) {
+  for (const int state : {2, 0, 3, 1}) {
     for (int id = 1; id <= 4; ++id) {
       XwSetToolbarItem(s.main, id, state);
       EXPECT_EQ(XwGetToolbarItem(s.main, id)->enabled, state != 0);
@@ -152,7 +158,14 @@ TEST(Toolbar, SettingAnItem) {
     EXPECT_EQ(value(3), state >> 1);
   }
   // The texts of the combo box are still there.
-  EXPECT_EQ(Node("wwwwwwwwwwww").what.name, "");
+  const XwWindow* combo = XwGetToolbarItem(s.main, 4);
+  XwMove(s.main, 100, 100, 600, 200);
+  RunLoop();
+  input::Click(100 + combo->x + combo->width - 5, 100 + combo->y + 5);
+  Type({kDown, kDown, kEnter});
+  char text[40];
+  XwGetTextUtf8(XwGetToolbarItem(s.main, 4), text, sizeof text);
+  EXPECT_STREQ(text, kTexts[1]);
   EXPECT_EQ(value(5), 1);
   XwSetToolbarItem(s.main, 99, 2);
   XwSetToolbarItem(nullptr, 1, 2);
@@ -162,6 +175,7 @@ TEST(Toolbar, SettingAnItem) {
 TEST(Toolbar, ItComesAndGoes) {
   ControlScreen s;
   const XwToolbarItem none[] = {{}}, one[] = {{XWB_COLOR, 0x1FFFFFFFF & INTPTR_MAX, 1, 0}, {}};
+  const XwToolbarItem more[] = {{XWB_COLOR, 1, 1, 0}, {XWB_COLOR, 1, 2, 0}, {}};
   XwShowToolbar(s.main, 1);
   EXPECT_EQ(XwSetToolbar(s.main, nullptr), nullptr);
   XwWindow* bar = XwSetToolbar(s.main, none);
@@ -170,7 +184,7 @@ TEST(Toolbar, ItComesAndGoes) {
   EXPECT_EQ(bar->child_count, 0);
   EXPECT_EQ(bar->width, XW_SCREENX);
   EXPECT_TRUE(bar->flags & XW_SHOWN);
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(XwSetToolbar(s.main, one), bar);
+  for (const XwToolbarItem* items : {one, more, one}) EXPECT_EQ(XwSetToolbar(s.main, items), bar);
   EXPECT_EQ(bar->child_count, 1);
   EXPECT_EQ(XwGetToolbarItem(s.main, 1)->value, -1);
   XwShowToolbar(s.main, 0);

@@ -101,9 +101,10 @@ class Manager : public Selections {
     const pid_t pid = fork();
     if (pid == 0) {
       if (!InitPlatform("program") || !OfferText(kClip, text)) _exit(2);
-      // A child of it that ends leaves nothing to anybody.
+      // A child of it that ends leaves nothing to anybody, and the connection alone.
       if (fork() == 0) exit(0);
       wait(nullptr);
+      if (!OfferText(kClip, text)) _exit(2);
       if (how == End::kExit) exit(0);
       if (how == End::kFinish) FinishPlatform();
       if (how == End::kFinish) _exit(0);

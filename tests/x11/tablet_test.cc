@@ -62,6 +62,7 @@ TEST(PointerEvents, DecodesPositionStateAndAxes) {
   ASSERT_TRUE(DecodePointerEvent(bytes.data(), bytes.size(), &e));
   EXPECT_EQ(e.source, 12);
   EXPECT_EQ(e.window, 77u);
+  EXPECT_EQ(e.time, 1000u);
   EXPECT_EQ(e.x, 10.5);
   EXPECT_EQ(e.y, -3.25);
   EXPECT_EQ(e.state, 0x05u | 1 << 13);

@@ -11,6 +11,7 @@
 #include "toolkit/controls/alert_art.h"
 #include "toolkit/controls/dropped.h"
 #include "toolkit/core/alive.h"
+#include "toolkit/core/saturate.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
@@ -56,8 +57,9 @@ int WidthOf(Alert* a) {
 
 bool Open(Alert* a) {
   const int width = WidthOf(a);
-  XwWindow* w = a->window = XwCreate(kAlertStyle, Inp.root_x - width / 2,
-                                     Inp.root_y - kAbovePointer, width, kHeight, nullptr);
+  XwWindow* w = a->window =
+      XwCreate(kAlertStyle, Saturate(int64_t{Inp.root_x} - width / 2),
+               Saturate(int64_t{Inp.root_y} - kAbovePointer), width, kHeight, nullptr);
   if (!w) return false;
   XwSetText(w, SessionTitle);
   const int n = int(a->labels.size());
