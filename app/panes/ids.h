@@ -22,6 +22,7 @@ enum CommandId {
   kSortBySizeCommand,
   kSortByDateCommand,
   kAboutCommand,
+  kStartServerCommand,
   kCommandsEnd
 };
 

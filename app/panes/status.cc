@@ -21,6 +21,8 @@ const Transfer* Running(const StatusPane* p) {
 
 constexpr int kBar = 90;
 
+constexpr int kStartWidth = 108;
+
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
 std::string ServerName(const StatusPane* p) {
@@ -99,9 +101,19 @@ void StatusPane::MakeControls(XwWindow* window) {
   stop_sending = XwButton(window, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9,
                           XWC_ENABLED | XWC_ICON, 0);
   XwDescribeControl(stop_sending, "Stop Sending");
+  start_server =
+      XwButton(window, "Start a Server", kStartServerCommand, 0, 0, 9, 9, XWC_ENABLED, 0);
 }
 
-void StatusPane::Update() {
+Area StatusPane::StartArea() const {
+  const Area server = ServerArea(this);
+  return offers_server_ ? Area{server.right() + 6, server.y + 1, kStartWidth, server.h - 2}
+                        : Area{};
+}
+
+void StatusPane::Update(bool offers_server) {
+  offers_server_ = offers_server;
+  PlaceControl(start_server, StartArea());
   PlaceControl(stop_sending, SendingRuns() ? layout.stop_sending : Area{});
 }
 
@@ -128,7 +140,8 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   DrawServer(this, server);
   const Transfer* t = Running(this);
   const int taken = t ? DrawSending(this, *t) : 12;
-  Area middle{server.right() + 12, a.y + 1, 0, a.h - 1};
+  const int end = std::max(server.right(), StartArea().right());
+  Area middle{end + 12, a.y + 1, 0, a.h - 1};
   middle.w = a.right() - taken - middle.x;
   if (message_s_ > 0)
     DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(message_.text),
@@ -140,7 +153,8 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
 void StatusPane::AddHits(const std::string& selection, Hits* hits) const {
   const Area server = ServerArea(this), line = layout.status;
   hits->Add({kStatus, kServer, 0}, server, {XWA_STATUS, 0, Shown(host), ServerText()});
-  hits->Cover({server.right(), line.y + 1, line.right() - server.right(), line.h - 1},
+  const int end = std::max(server.right(), StartArea().right());
+  hits->Cover({end, line.y + 1, line.right() - end, line.h - 1},
               {XWA_STATUS, 0, "Message", message_s_ > 0 ? Shown(message_.text) : selection});
 }
 

@@ -13,8 +13,8 @@ struct StatusPane {
   StatusPane(const Layout& layout_of_all, const ServerState& state_now, const std::string& server)
       : layout(layout_of_all), state(state_now), host(server) {}
   void MakeControls(XwWindow* window);
-  // Its button shows while something is being sent.
-  void Update();
+  // One button shows while something is being sent, the other when starting a server is offered.
+  void Update(bool offers_server);
   // `selection`: what is selected, in words; it shows where nothing is being told.
   void Draw(const Hit& hover, const std::string& selection) const;
   void AddHits(const std::string& selection, Hits* hits) const;
@@ -34,12 +34,16 @@ struct StatusPane {
   const Layout& layout;
   const ServerState& state;
   const std::string& host;
-  int away_s = 0;                    // since the server went away
-  XwWindow* stop_sending = nullptr;  // of a command
+  int away_s = 0;                                             // since the server went away
+  XwWindow *stop_sending = nullptr, *start_server = nullptr;  // of commands
 
  private:
+  // Beside the server's state; empty when nothing is offered.
+  Area StartArea() const;
+
   Notice message_;
   int message_s_ = 0;  // that it is still shown
+  bool offers_server_ = false;
 };
 
 }  // namespace console

@@ -243,7 +243,7 @@ void OpenFiles(Console* c, const FilesToOpen& files) {
   if (missing.size() > 1)
     Tell(c, false, CountText(int64_t(missing.size()), "file is", "files are") + " missing");
   else if (!missing.empty())
-    Tell(c, false, LastName(missing.front()) + ": " + TroubleText(ENOENT));
+    Tell(c, false, LastName(missing.front()) + ": no such file or folder");
   else if (found.size() > 1)
     Tell(c, true,
          "The first of " + CountText(int64_t(found.size()), "file", "files") + " is selected");

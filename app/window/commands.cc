@@ -70,6 +70,7 @@ constexpr Command kCommands[] = {
     {kRemoveCommand, kQueueMenu, false, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
      XWE_DELETE, kInQueue, XWE_DELETE},
     {kStopSendingCommand, kQueueMenu, true, "Stop Sending", IsSending, StopSending, '.'},
+    {kStartServerCommand, kQueueMenu, false, "Start a Server", CanStartServer, StartServer, 's'},
     {kRefreshCommand, kViewMenu, false, "Refresh", Always, RefreshAll, 'r', kInBoth, XWE_F1 + 4},
     {kUpCommand, kViewMenu, false, "Enclosing Folder", HasParent, GoUp, XWE_UP, kInFiles,
      XWE_BACKSPACE},

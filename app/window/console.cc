@@ -434,6 +434,7 @@ void CloseConsole(Console* c) {
   XwShow(c->window, 0);
   XwSync();
   FinishRemembering(c);
+  ForgetServerStart(c);
   g_console = nullptr;
   delete c;
   BackgroundTask::WaitForAll(kLastWaitMs);

@@ -64,6 +64,8 @@ struct Remembered {
   std::unique_ptr<PreferencesWriter> writer;
 };
 
+struct ServerStart;
+
 struct Console {
   explicit Console(const std::string& host);
 
@@ -96,8 +98,9 @@ struct Console {
   int just_sent = 0;    // orders that are not yet in the state
   PrintChoice choice;
   Remembered remembered;
-  bool asking = false;           // whether to leave before everything is sent
-  XwWindow* question = nullptr;  // the sheet that asks
+  std::shared_ptr<ServerStart> server_start;  // under way; null when none is
+  bool asking = false;                        // whether to leave before everything is sent
+  XwWindow* question = nullptr;               // the sheet that asks
 
   ToolsPane tools{&choice};
   PlacesPane places{layout, {}, ""};
@@ -166,6 +169,14 @@ bool FolderIsSilent(const Console* c);
 void ShowDocument(Console* c, const char* path);
 // The files that the program was started with: the first is selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
+
+// --- Starting a server on this computer (server_start.cc)
+// The server that does not answer would run here, and none is being started.
+bool CanStartServer(const Console* c);
+// In the background; the status line says what came of it.
+void StartServer(Console* c);
+// The window closes: it waits for nothing. The server starts all the same.
+void ForgetServerStart(Console* c);
 
 // --- What is remembered (remembering.cc)
 // Reads the file of preferences. Without an answer the usual ones count, and nothing is written.

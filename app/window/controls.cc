@@ -14,8 +14,8 @@ void MakeControls(Console* c) {
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,      c->queue.hold,
-                c->queue.release, c->queue.remove, c->status.stop_sending};
+  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,       c->queue.hold,
+                c->queue.release, c->queue.remove, c->status.stop_sending, c->status.start_server};
 }
 
 void PlaceControls(Console* c) {
@@ -62,7 +62,7 @@ void UpdateFocus(Console* c) {
 }  // namespace
 
 void UpdateControls(Console* c) {
-  c->status.Update();
+  c->status.Update(CanStartServer(c));
   for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
   c->tools.Update(c->state, !c->asking);
   c->files.Enable(!c->asking);

@@ -61,12 +61,13 @@ class ConsoleTest : public testing::Test {
   }
 
   // After this the console is shown; its window's own time runs when the test lets it.
-  void Open(const std::string& host) {
+  void Open(const std::string& host, Remembered remembered = {}) {
     setenv("HOME", home_.path().c_str(), 1);
     setenv("USER", "mia", 1);
     display::UseSteppedClock(1000);
     XwSession("Quorvik", "Quorvik", 7);
-    c_ = OpenConsole(host, home_.path());
+    const std::string folder = remembered.preferences.folder;
+    c_ = OpenConsole(host, folder.empty() ? home_.path() : folder, std::move(remembered));
     ASSERT_NE(c_, nullptr);
     // Wakes the loop, so that the test gets a turn each twenty milliseconds of stepped time.
     pump_ = XwCreate(0, 0, 0, 50, 50, Pump);

@@ -1,0 +1,59 @@
+// The offer to start a print server on this computer, when the one here does not answer.
+#include <mutex>
+
+#include "app/window/console.h"
+#include "app/work/local_server.h"
+
+namespace console {
+
+// The window and the task share it.
+struct ServerStart {
+  std::mutex lock;             // of `console` while the task runs
+  Console* console = nullptr;  // null once nobody waits for it
+  LocalServerResult result;
+};
+
+namespace {
+
+using Shared = std::shared_ptr<ServerStart>;
+
+void Take(void* data, int taken) {
+  const std::unique_ptr<Shared> start(static_cast<Shared*>(data));
+  Console* c = (*start)->console;
+  if (!taken || !c) return;
+  c->server_start.reset();
+  Tell(c, (*start)->result.started, (*start)->result.message);
+  c->server.Refresh();
+  DrawConsole(c);
+}
+
+void Run(const Shared& start, const std::string& server) {
+  start->result = StartLocalServer(server);
+  const std::lock_guard<std::mutex> guard(start->lock);
+  if (start->console) XwPost("server start", "", Take, new Shared(start));
+}
+
+}  // namespace
+
+bool CanStartServer(const Console* c) {
+  return c->state.link == Link::kAway && !c->server_start && IsLocalServer(c->server.host());
+}
+
+void StartServer(Console* c) {
+  const auto start = std::make_shared<ServerStart>();
+  start->console = c;
+  // Where only its usual address is wanted, its configuration may name others.
+  const std::string host = c->server.host(), server = host == "localhost" ? "" : host;
+  BackgroundTask task([start, server] { Run(start, server); });
+  if (task.failed()) return Tell(c, false, "A print server cannot be started now");
+  c->server_start = start;
+  Tell(c, true, "Starting a print server…");
+}
+
+void ForgetServerStart(Console* c) {
+  if (!c->server_start) return;
+  const std::lock_guard<std::mutex> guard(c->server_start->lock);
+  c->server_start->console = nullptr;
+}
+
+}  // namespace console

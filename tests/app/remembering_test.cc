@@ -1,0 +1,104 @@
+// What a console leaves to the next one, and the server that it starts.
+#include <gtest/gtest.h>
+
+#include "app/work/preferences_file.h"
+#include "os/system_paths.h"
+#include "tests/app/console_fixture.h"
+#include "toolkit/events/session.h"
+
+namespace console {
+namespace {
+
+class RememberingTest : public ConsoleTest {
+ protected:
+  void CloseAndOpen() {
+    CloseConsole(c_);
+    c_ = nullptr;
+    DropSession();
+    Open("127.0.0.9:1", Recall(path_));
+  }
+  // In the middle of what has that name in the window.
+  void ClickNode(const std::string& name) {
+    const platform::Rect r = Node(name).what.bounds;
+    display::Click((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+    Turn(2);
+  }
+
+  const std::string path_ = home_.At("config/quorvik/console.conf");
+};
+
+TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
+  const std::string leaf = std::string(kFolder) + "/leaf";
+  home_.Folder(leaf + "/inner");
+  Open("127.0.0.9:1", Recall(path_));
+  Enter(home_.At(leaf));
+  // It is stored while the console runs: a crash loses a second.
+  EXPECT_TRUE(Until([&] { return LoadPreferences(path_).folder == home_.At(leaf); }));
+  ClickNode("Size");
+  SetFocusStop(c_, FocusStop::kFilter);
+  DrawConsole(c_);
+  Key('n', 'n');
+  Key('o', 'o');
+  XwMove(c_->window, c_->window->x, c_->window->y, 1000, 600);
+  Turn(2);
+  const Area name = c_->files.table.ColumnArea(0);
+  display::MovePointer(c_->window->x + name.right(), c_->window->y + name.y + 8);
+  display::Press(1);
+  Turn(2);
+  display::MovePointer(c_->window->x + name.right() - 30, c_->window->y + name.y + 8);
+  Turn(2);
+  display::Release(1);
+  Turn(2);
+  const Area narrower = c_->files.table.ColumnArea(0);
+  ASSERT_EQ(narrower.w, name.w - 30);
+
+  CloseAndOpen();
+  EXPECT_EQ(c_->window->width, 1000);
+  EXPECT_EQ(c_->window->height, 600);
+  EXPECT_EQ(c_->files.folder.path(), home_.At(leaf));
+  EXPECT_EQ(Node("Filter").what.value, "no");
+  EXPECT_EQ(c_->files.folder.count(), 0);
+  EXPECT_EQ(c_->files.folder.order(), FileOrder::kSize);
+  EXPECT_TRUE(c_->files.folder.descending());
+  EXPECT_EQ(c_->files.table.ColumnArea(0).w, narrower.w);
+
+  // The folder has gone with the one above it, while a filter of the one that is left would hide
+  // it.
+  std::filesystem::remove_all(home_.At(kFolder));
+  CloseAndOpen();
+  EXPECT_EQ(c_->files.folder.path(), home_.path());
+  EXPECT_GE(c_->files.folder.Find("letter.txt"), 0);
+  EXPECT_NE(c_->status.message().text.find("leaf"), std::string::npos);
+}
+
+TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
+  Open("127.0.0.9:1");
+  OpenFiles(c_, {{home_.At(std::string(kFolder) + "/second.txt")}, {home_.At("gone.pdf")}});
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(Selected(), "second.txt");
+  EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
+}
+
+TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
+  const std::string program = home_.File("printserverd", "#!/bin/sh\nexit 1\n");
+  ASSERT_EQ(chmod(program.c_str(), 0700), 0);
+  os::SetExecutablePath(home_.At("quorvik").c_str());
+  setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
+  Open("127.0.0.9:1");
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+  Turn(2);
+  const XwWindow* button = c_->status.start_server;  // a menu's item has the same name
+  Click({button->x, button->y, button->width, button->height});
+  EXPECT_FALSE(CanStartServer(c_));
+  ASSERT_TRUE(Until([&] { return CanStartServer(c_); }));
+  EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
+  // Closed while one starts.
+  display::Modifiers(platform::controlKey);
+  Key('s', 's');
+  display::Modifiers(0);
+  EXPECT_TRUE(c_->server_start);
+  os::SetExecutablePath(nullptr);
+}
+
+}  // namespace
+}  // namespace console
