@@ -49,7 +49,9 @@ bool HandOver(const console::FilesToOpen& files) {
 
 [[noreturn]] void RunConsole(const console::FilesToOpen& files) {
   XwSession("Quorvik", "Quorvik", 7);
-  console::Remembered remembered = console::Recall(console::PreferencesPath());
+  // A recording begins as a first start does, and a replay changes nothing that is remembered.
+  const bool fresh = getenv("XW_RECORD") || getenv("XW_REPLAY");
+  console::Remembered remembered = console::Recall(fresh ? "" : console::PreferencesPath());
   const auto server = console::ChooseServer(getenv("QUORVIK_SERVER"), remembered.preferences);
   std::string folder = remembered.preferences.folder;
   if (folder.empty()) folder = OS_GetPathName(OS_FOLDER_HOME);

@@ -52,6 +52,7 @@ TEST_P(Driven, PrintsADocumentAndSoDoesItsRecording) {
         std::vector<std::string>{"-screen", "0", "1280x1024x24"});
   setenv("XW_DISPLAY", GetParam(), 1);
   setenv("HOME", home.path().c_str(), 1);
+  setenv("XDG_CONFIG_HOME", home.At(".config").c_str(), 1);
   setenv("QUORVIK_SERVER", daemon.host(), 1);
   setenv("XW_INSPECT", home.At(".socket").c_str(), 1);
   setenv("XW_RECORD", home.At(".recording").c_str(), 1);

@@ -47,6 +47,7 @@ class Walk : public testing::Test {
     if (pid_ == 0) {
       setenv("HOME", home_.path().c_str(), 1);
       setenv("XDG_CACHE_HOME", home_.At(".cache").c_str(), 1);
+      setenv("XDG_CONFIG_HOME", home_.At(".config").c_str(), 1);
       setenv("QUORVIK_SERVER", daemon.host(), 1);
       execl(QUORVIK, QUORVIK, nullptr);
       _exit(127);
