@@ -30,7 +30,7 @@ void Take(void* data, int taken) {
 void Run(const Shared& start, const std::string& server) {
   start->result = StartLocalServer(server);
   const std::lock_guard<std::mutex> guard(start->lock);
-  if (start->console) XwPost("server start", "", Take, new Shared(start));
+  if (start->console) XwPost("server-start", "", Take, new Shared(start));
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
 }
 
 TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
-  const std::string program = home_.File("printserverd", "#!/bin/sh\nexit 1\n");
+  const std::string program = home_.File("printserverd", "#!/bin/sh\nsleep 0.5\nexit 1\n");
   ASSERT_EQ(chmod(program.c_str(), 0700), 0);
   os::SetExecutablePath(home_.At("quorvik").c_str());
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);

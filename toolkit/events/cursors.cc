@@ -4,6 +4,7 @@
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
+#include "toolkit/core/saturate.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/cursor_art.h"
 #include "toolkit/events/mouse.h"
@@ -117,7 +118,7 @@ void ChooseCursor(XwWindow* w, Point where) {
     XwCocoaSetCursor(w, GrabCursor);
     return;
   }
-  const Point at{where.x - w->x, where.y - w->y};
+  const Point at{Saturate(int64_t{where.x} - w->x), Saturate(int64_t{where.y} - w->y)};
   if (CursorRef of_control = FindControlCursor(at, NativeWindow(w)))
     return ShowCursor(NativeWindow(w), of_control);
   XwWindow* sub = FindVirtualWindow(w, at.x, at.y);
