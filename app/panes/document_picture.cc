@@ -50,7 +50,7 @@ std::vector<uint8_t> Extended(const Preview& p, int width, int height) {
 }
 
 // A logical pixel can begin in the middle of the picture's last one: the picture is extended to
-// whole logical pixels, so that each of its own stays one of the device.
+// whole logical pixels, so that each of its pixels is one of the device.
 void PutPicture(const Preview& p, double scale, const Area& a) {
   const int width = DevicePixels(a.x, a.w, scale), height = DevicePixels(a.y, a.h, scale);
   const bool fits = width >= p.width && height >= p.height;

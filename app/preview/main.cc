@@ -1,7 +1,7 @@
 // quorvik-preview WIDTH HEIGHT: finds out what the document on standard input is, and writes facts
 // and a small picture to standard output (app/work/preview_result.h).
 //
-// A program of its own, started by the console for one document: what a broken file does to a
+// A separate program, started by the console for one document: what a broken file does to a
 // decoder, it does to this process alone, which owns nothing but that file and a pipe. The console
 // does not load the decoders' libraries.
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// Tells when the folder that is shown has changed. A thread of its own waits for the system to say
+// Tells when the folder that is shown has changed. A separate thread waits for the system to say
 // so; where the system does not (another machine's folder, one that is gone) it looks each second.
 #pragma once
 #include <functional>

@@ -1,5 +1,5 @@
 // Starts a print server on this computer, for a console that finds none: printserverd, beside this
-// program or else along PATH, in a session of its own, which outlives the console.
+// program or else along PATH, in a separate session, which outlives the console.
 #pragma once
 #include <sys/types.h>
 

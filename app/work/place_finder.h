@@ -1,4 +1,4 @@
-// Looks on a thread of its own which places there are.
+// Looks which places there are, on a separate thread.
 #pragma once
 #include <functional>
 #include <memory>

@@ -1,4 +1,4 @@
-// Reads volumes and folder trees on a thread of its own: each tree is built there, with the folders
+// Reads volumes and folder trees on a separate thread: each tree is built there, with the folders
 // that are open expanded, and handed over whole.
 #pragma once
 #include "app/model/places.h"

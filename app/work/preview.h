@@ -1,4 +1,4 @@
-// Previews of documents. Each is made by a process of its own, quorvik-preview, which gets the file
+// Previews of documents. Each is made by a separate process, quorvik-preview, which gets the file
 // as a descriptor and nothing else, and is ended when another document is chosen. Nothing here
 // waits for a file on the caller's thread.
 #pragma once

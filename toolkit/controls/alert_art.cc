@@ -22,33 +22,23 @@ struct Layer {
   PathPart parts[9];
 };
 
+constexpr PathPart kOctagon[] = {
+    {kMove, 21.5f, 5.5f},  {kLine, 44.5f, 5.5f},  {kLine, 60.5f, 21.5f},
+    {kLine, 60.5f, 44.5f}, {kLine, 44.5f, 60.5f}, {kLine, 21.5f, 60.5f},
+    {kLine, 5.5f, 44.5f},  {kLine, 5.5f, 21.5f},  {kClose}};
 constexpr Layer kStop[] = {
     {Role::kBad,
      100,
      0,
      9,
-     {{kMove, 21.5f, 5.5f},
-      {kLine, 44.5f, 5.5f},
-      {kLine, 60.5f, 21.5f},
-      {kLine, 60.5f, 44.5f},
-      {kLine, 44.5f, 60.5f},
-      {kLine, 21.5f, 60.5f},
-      {kLine, 5.5f, 44.5f},
-      {kLine, 5.5f, 21.5f},
-      {kClose}}},
+     {kOctagon[0], kOctagon[1], kOctagon[2], kOctagon[3], kOctagon[4], kOctagon[5], kOctagon[6],
+      kOctagon[7], kOctagon[8]}},
     {Role::kBad,
      82,
      1,
      9,
-     {{kMove, 21.5f, 5.5f},
-      {kLine, 44.5f, 5.5f},
-      {kLine, 60.5f, 21.5f},
-      {kLine, 60.5f, 44.5f},
-      {kLine, 44.5f, 60.5f},
-      {kLine, 21.5f, 60.5f},
-      {kLine, 5.5f, 44.5f},
-      {kLine, 5.5f, 21.5f},
-      {kClose}}},
+     {kOctagon[0], kOctagon[1], kOctagon[2], kOctagon[3], kOctagon[4], kOctagon[5], kOctagon[6],
+      kOctagon[7], kOctagon[8]}},
     {Role::kFace, 100, 6, 2, {{kMove, 33, 19}, {kLine, 33, 36}}},
     {Role::kFace, 100, 7.5f, 2, {{kMove, 33, 47}, {kLine, 33, 47.1f}}},
 };
