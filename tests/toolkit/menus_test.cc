@@ -528,8 +528,7 @@ TEST(Menus, ThroughTheTree) {
 
 TEST(Menus, AWaitForAnotherWindow) {
   Menus m;
-  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
-  XwShow(other, 1);
+  XwWindow* other = Top("other", 500, 100, 100, 100);
   input::Focus(Native(m.main));
   RunLoop();
   const int beeps = input::Counts().beeps;
