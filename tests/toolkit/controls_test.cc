@@ -529,6 +529,7 @@ TEST(Controls, DescribeThemselves) {
     EXPECT_NE(std::find(told.begin(), told.end(), wanted), told.end()) << int(row.what);
   }
   XwWindow* sub = Sub(s.main, "sub", 5, 100, 50, 50);
+  EXPECT_EQ(DescribeTree().front().children.back().serial, sub->serial);
   told.clear();
   XwMove(sub, 9, 100, 50, 50);
   XwShow(sub, 0);
