@@ -143,11 +143,13 @@ void RunCommand(Console* c, int id) {
 
 int CommandOfKey(const Console* c, int type) {
   const bool command_key = c->modifiers & XWS_COMMAND;
-  const Where here = c->stop == FocusStop::kQueue ? kInQueue : kInFiles;
+  const Where here = c->stop == FocusStop::kQueue   ? kInQueue
+                     : c->stop == FocusStop::kFiles ? kInFiles
+                                                    : kNowhere;
   for (const Command& command : kCommands) {
     if (command_key ? command.key == type
-                    : command.plain_key == type && (command.where == kInBoth ||
-                                                    (command.where == here && !IsControl(c->stop))))
+                    : command.plain_key == type &&
+                          (command.where == kInBoth || (command.where == here && here != kNowhere)))
       return command.id;
   }
   return 0;
