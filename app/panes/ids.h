@@ -27,7 +27,7 @@ enum CommandId {
 };
 
 enum ControlId {
-  kPrinterControl = 50,
+  kPrinterControl = 150,
   kProfileControl,
   kLessControl,
   kCopiesControl,
@@ -41,8 +41,8 @@ enum ControlId {
   kPlacesControl = 90,
   kPrintersControl,
   // Those of a table's heads follow its own.
-  kFilesControls = 100,
-  kQueueControls = 200
+  kFilesControls = 200,
+  kQueueControls = 300
 };
 static_assert(int(kCommandsEnd) <= int(kPrinterControl));
 

@@ -137,7 +137,7 @@ void PressSecondary(Console* c) {
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
   PressTable(c, hit, false);
   DrawConsole(c);
-  hit.owner == kFiles ? OpenFileMenu(c) : OpenJobMenu(c);
+  OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
 }
 
 }  // namespace
@@ -258,7 +258,10 @@ void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
   // Those with Control come from the menu bar, as commands.
   if (c->modifiers & XWS_CONTROL) return;
-  if (const int command = CommandOfKey(c, type)) return RunCommand(c, command);
+  if (const int command = CommandOfKey(c, type)) {
+    TellWhyNot(c, command);
+    return RunCommand(c, command);
+  }
   if (c->modifiers & XWS_COMMAND) {
     if (type == 'q') Leave(c);
   } else if (type == XWE_TAB) {

@@ -84,6 +84,7 @@ struct Console {
   uint32_t last_press = 0;  // for double clicks
   // Buttons of commands: each is enabled when its command can be run.
   std::vector<XwWindow*> buttons;
+  std::vector<std::string> button_tips;  // as they show now
 
   // What is known, and what has been chosen. Results come to reader, watch and server.
   FolderReader reader;

@@ -70,7 +70,7 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->status.Update(CanStartServer(c));
-  for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
+  ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
