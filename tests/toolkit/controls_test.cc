@@ -23,9 +23,7 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   Settle();
   const Rect r = Node("Go").what.bounds;
   EXPECT_EQ(r, (Rect{112, 111, 206, 133}));
-  input::MovePointer(r.left, r.top);
-  input::Press(1);
-  RunLoop();
+  PressAt(r.left, r.top);
   EXPECT_TRUE(State("Go") & kIsPressed);
   input::MovePointer(r.right, r.top);
   RunLoop();
@@ -34,29 +32,24 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   RunLoop();
   EXPECT_TRUE(State("Go") & kIsPressed);
   EXPECT_EQ(Others(), "") << "the window sees nothing of it";
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "5=0");
   EXPECT_FALSE(State("Go") & kIsPressed);
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
 
   input::Press(1);
   input::MovePointer(r.right, r.top);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "") << "let go outside";
   // The record reaches further than the button.
   input::Click(110, 110);
-  RunLoop();
   EXPECT_EQ(Others(), "771 776");
   // While one button holds it, others are swallowed.
   input::MovePointer(r.left, r.top);
   for (int held : {1, 2}) input::Press(held);
   input::Release(2);
-  RunLoop();
   EXPECT_EQ(Reports(), "");
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "5=0");
   input::Press(3);
   RunLoop();
@@ -64,9 +57,7 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   input::Release(3);
   // The pointer is taken away, or the window goes, with the button down: it is let go of.
   for (bool hidden : {false, true}) {
-    input::MovePointer(r.left, r.top);
-    input::Press(1);
-    RunLoop();
+    PressAt(r.left, r.top);
     hidden ? XwShow(s.main, 0) : input::StealPointer(true);
     RunLoop();
     EXPECT_FALSE(State("Go") & kIsPressed);
@@ -128,7 +119,6 @@ TEST(Controls, WhoGetsAPress) {
   // During a grab the window gets it.
   XwGrabPointer(s.main, 0);
   input::Click(120, 160);
-  RunLoop();
   EXPECT_EQ(Others(), "771 776");
   XwUngrabPointer();
   // Of two sub-windows the later one is above, and so is what is in it.
@@ -156,8 +146,7 @@ TEST(Controls, WhoGetsAPress) {
     input::MovePointer(265, 255);
     input::Press(1);
     input::MovePointer(to, 255);
-    input::Release(1);
-    RunLoop();
+    LetGo();
     EXPECT_EQ(Reports(), to < 290 ? "6=0" : "");
   }
 }
@@ -323,18 +312,15 @@ TEST(Controls, TheKeyboardAlone) {
   Key('x', 'x');
   input::KeyDown(' ', ' ');
   input::KeyDown(' ', ' ');
-  RunLoop();
   EXPECT_EQ(Others(), "32") << "a repeat presses nothing and is an ordinary key";
   input::KeyUp(' ', ' ');
   XwFocusControl(XwButton(s.main, "silent", 0, 10, 170, 60, 26, kOn, 0));
   Key(' ', ' ');
   input::KeyDown(kReturnKey, 13);
-  RunLoop();
   EXPECT_EQ(Others(), "") << "one that reports nothing takes the key all the same";
   input::KeyUp(kReturnKey, 13);
   input::Modifiers(optionKey);
   for (int i = 0; i < 3; ++i) input::KeyDown('r', 'r');
-  RunLoop();
   EXPECT_EQ(Reports(), "6=1") << "of a letter either";
   input::KeyUp('r', 'r');
   // The letters that Alt shows go with the window's keyboard.
@@ -409,23 +395,18 @@ TEST(Controls, TheRingAndWhatIsDrawnAgain) {
   EXPECT_NE(PixelAt(s.main, 48, 65), 0x00FF00u);
   seen.clear();
   XwSetFocus(s.main);
-  RunLoop();
   EXPECT_EQ(Others(), "769") << "what it covered is lost content";
   EXPECT_EQ(input::TakePicture(Native(s.main)).pixels, plain.pixels);
   // A press draws the control and nothing else.
   const int64_t before = input::Counts().presented_pixels;
-  input::MovePointer(190, 165);
-  input::Press(1);
-  RunLoop();
+  PressAt(190, 165);
   EXPECT_GT(input::Counts().presented_pixels, before);
   EXPECT_LE(input::Counts().presented_pixels - before, 128 * 128);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(input::TakePicture(Native(s.main)).pixels, plain.pixels);
   // One that goes leaves the background and one redraw.
   seen.clear();
   XwShow(bevel, 0);
-  RunLoop();
   EXPECT_EQ(Others(), "769");
   EXPECT_EQ(PixelAt(s.main, 60, 65), 0x00FF00u);
   XwShow(bevel, 1);
@@ -479,13 +460,10 @@ TEST(Controls, MayEndInTheirOwnReport) {
   }
   // One that goes while it is held swallows its release.
   doomed = XwButton(s.main, "d", 4, 10, 10, 60, 26, kOn, 0);
-  input::MovePointer(120, 120);
-  input::Press(1);
-  RunLoop();
+  PressAt(120, 120);
   XwDestroy(doomed);
   Settle();
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Others(), "");
 }
 
@@ -549,7 +527,6 @@ TEST(Controls, DescribeThemselves) {
   EXPECT_TRUE(ActOn(children[3].serial, kActionPress));
   EXPECT_TRUE(ActOn(children[3].serial, kActionFocus));
   EXPECT_FALSE(ActOn(children[2].serial, kActionPress)) << "it has ended";
-  RunLoop();
   EXPECT_EQ(Reports(), "3=0");
   EXPECT_EQ(FocusedId(), 3);
   EXPECT_TRUE(told.empty());

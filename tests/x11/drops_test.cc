@@ -247,16 +247,7 @@ TEST_F(Drops, ASourceThatEndsLeavesNothing) {
   EXPECT_EQ(hovering->heard.size(), 1u);
 }
 
-TEST_F(Drops, EitherSideMayGoAwayInTheMiddle) {
-  auto source = MakeSource();
-  source->GiveInPieces("file:///tmp/a\r\n", 4, 2);
-  source->Drop();
-  ASSERT_TRUE(Run([&] { return source->pieces_sent == 2; }));
-  source->Die();
-  // Messages that name a window which is gone.
-  source->Enter("text/uri-list");
-  source->Drop();
-  Run([] { return true; });
+TEST_F(Drops, ItsWindowMayGoAwayInTheMiddle) {
   WindowRef other = Show("Other", {500, 300, 600, 400});
   const xcb_window_t other_id = x11::NativeOf(other)->id;
   auto* second = &sources.emplace_back(other_id);

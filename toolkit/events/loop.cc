@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "platform/controls/edit_text.h"
-#include "platform/display/alert_sound.h"
 #include "platform/events/clock.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
@@ -228,8 +227,4 @@ int XwGrabEvent() {
     int type = XwWaitEvent(RawMode());
     if (type != XWE_TIMER || !Inp.window || !Inp.window->handler) return type;
   }
-}
-
-void XwBeep() {
-  AlertSoundPlay();
 }
