@@ -36,7 +36,8 @@ void SideList::UpdateBar() {
 }
 
 void SideList::Place(const Area& a) {
-  const bool seen = at_ >= 0 && !Visible(RowArea(at_)).Empty();
+  // In a list that comes into sight, too.
+  const bool seen = at_ >= 0 && (area_.Empty() || !Visible(RowArea(at_)).Empty());
   area_ = a;
   top_ = std::clamp(top_, 0, MostTop());
   UpdateBar();
@@ -52,7 +53,7 @@ void SideList::SetRows(int rows, int at) {
 
 void SideList::GoTo(int row) {
   at_ = std::clamp(row, -1, rows_ - 1);
-  if (at_ < 0) return;
+  if (at_ < 0 || area_.Empty()) return;
   const int y = at_ * row_height_;
   ScrollTo(std::clamp(top_, y + row_height_ - area_.h, std::max(y, y + row_height_ - area_.h)));
 }
