@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/format/folding.h"
 #include "app/look/controls.h"
 
 namespace console {
@@ -71,6 +72,21 @@ bool SideList::Key(int type) {
     return true;
   }
   return false;
+}
+
+bool SideList::Type(int character, uint32_t now_ms,
+                    const std::function<std::string(int row)>& name) {
+  if (character < ' ' || character > '~' || !typed_.Type(uint32_t(character), now_ms)) return false;
+  const int found = typed_.Row(at_, [&](std::string_view text, int from) {
+    const std::string wanted = Folded(text);
+    for (int i = 0; i < rows_; ++i) {
+      const int row = (std::max(from, 0) + i) % rows_;
+      if (Folded(name(row)).starts_with(wanted)) return row;
+    }
+    return -1;
+  });
+  if (found >= 0) GoTo(found);
+  return true;
 }
 
 bool SideList::Wheel(float dy) {

@@ -65,7 +65,9 @@ void UsePrinter(Console* c, const Hit& hit) {
 
 void PrintersKey(Console* c, int type) {
   c->damage |= kPrintersPane;
-  if (c->printer_list.list.Key(type)) return c->printer_list.KeyMoved();
+  SideList& list = c->printer_list.list;
+  const auto name = [c](int row) { return c->printers.rows()[size_t(row)].name; };
+  if (list.Key(type) || list.Type(type, Inp.time, name)) return c->printer_list.KeyMoved();
   if (type != XWE_RETURN && type != ' ') return;
   if (const PrinterRow* row = Meant(c)) ChoosePrinter(c, row->printer->name);
 }

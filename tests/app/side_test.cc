@@ -64,37 +64,37 @@ TEST_F(SideTest, PlacesAreATreeForKeysAndPointer) {
   home_.Folder("Empty/a/b/c");
   home_.Folder("Zoo");
   Open("127.0.0.9:1");
-  ASSERT_TRUE(PlacesAre("-Computer +Home* /-Empty /Zoo "));
+  ASSERT_TRUE(PlacesAre("-Root +Home* /-Empty /Zoo "));
   display::Modifiers(platform::shiftKey);
   Key(kTabKey);
   Key(kTabKey);
   display::Modifiers(0);
   ASSERT_EQ(c_->stop, FocusStop::kPlaces);
   for (const uint32_t key : {kDownKey, kRightKey}) Key(key);
-  ASSERT_TRUE(PlacesAre("-Computer +Home* /+Empty //-a /Zoo "));
+  ASSERT_TRUE(PlacesAre("-Root +Home* /+Empty //-a /Zoo "));
   for (const uint32_t key : {kRightKey, kRightKey, kRightKey}) Key(key);
-  ASSERT_TRUE(PlacesAre("-Computer +Home* /+Empty //+a ///-b /Zoo "));
+  ASSERT_TRUE(PlacesAre("-Root +Home* /+Empty //+a ///-b /Zoo "));
   Key(kReturnKey);
-  ASSERT_TRUE(PlacesAre("-Computer +Home /+Empty //+a ///-b* /Zoo "));
+  ASSERT_TRUE(PlacesAre("-Root +Home /+Empty //+a ///-b* /Zoo "));
   EXPECT_EQ(c_->files.folder.path(), home_.At("Empty/a/b"));
   // Out of the folders that it lies in, and the tree marks the nearest one.
   for (const uint32_t key : {kLeftKey, kLeftKey, kLeftKey, kLeftKey}) Key(key);
-  ASSERT_TRUE(PlacesAre("-Computer +Home /-Empty /Zoo "));
+  ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /Zoo "));
   EXPECT_EQ(c_->places.list.at(), 2);
   // A click enters, a click on the mark opens. What comes to the disk comes to the tree.
   ClickNode("Zoo");
-  ASSERT_TRUE(PlacesAre("-Computer +Home /-Empty /Zoo* "));
+  ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /Zoo* "));
   home_.Folder("Zoo/new");
-  ASSERT_TRUE(PlacesAre("-Computer +Home /-Empty /-Zoo* "));
+  ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /-Zoo* "));
   const Area row = c_->places.list.RowArea(3);
   ClickAt(row.x + 6 + 14 + 9, row.y + 10);
-  ASSERT_TRUE(PlacesAre("-Computer +Home /-Empty /+Zoo* //new "));
+  ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /+Zoo* //new "));
   EXPECT_NE(c_->places.free_text.find(" free of "), std::string::npos);
   // Another volume has another tree; elsewhere in it the folder is found, too.
   Enter("/");
   Until([&] { return !c_->places_reader.request() && c_->places.tree.known(); });
-  EXPECT_TRUE(Node("Computer").what.state & platform::kIsExpanded);
-  EXPECT_TRUE(Node("Computer").what.state & platform::kIsSelected);
+  const uint32_t shown = platform::kIsExpanded | platform::kIsSelected;
+  EXPECT_EQ(Node("Root").what.state & shown, shown);
   EXPECT_FALSE(Node("Home").what.state & platform::kIsExpanded);
   EXPECT_GE(c_->places.Find("/tmp"), 0);
 }
@@ -150,6 +150,9 @@ TEST_F(PrintersTest, FortyOfThemAreChosenAndChanged) {
   ASSERT_TRUE(SaysOf("Studio 39", "idle, "));
   EXPECT_EQ(c_->printers.chosen(), "Label") << "looked at alone";
   Key(kReturnKey);
+  EXPECT_EQ(c_->choice.printer, "Studio 39");
+  for (const char* c = "studio 12"; *c; ++c) Key(uint8_t(*c), uint8_t(*c));
+  EXPECT_EQ(c_->printer_list.at, "Studio 12");
   EXPECT_EQ(c_->choice.printer, "Studio 39");
 
   Do("Studio 2", kPausePrinterCommand);
