@@ -35,6 +35,7 @@ enum CommandId {
   kShowPlacesCommand,
   kShowPrintersCommand,
   kShowDetailsCommand,
+  kPaneSizeCommand,
   kCommandsEnd
 };
 

@@ -182,7 +182,10 @@ void PlacesPane::AddHits(Hits* hits, bool focused) const {
         const Row& r = rows[size_t(row)];
         const uint32_t state = (row == marked_ && r.path == folder_ ? uint32_t{XWT_SELECTED} : 0) |
                                (r.open ? uint32_t{XWT_EXPANDED} : 0);
-        return {XWA_ROW, state, r.name, r.unreadable ? "cannot be read" : Shown(r.path)};
+        const std::string path = Shown(r.path);
+        const int room = list.Body().w - 14 - r.depth * kStep - kMark - kIcon;
+        const bool cut = XwTextWidthUtf8(TheStyle().view, r.name.c_str()) > room;
+        return {XWA_ROW, state, r.name, r.unreadable ? "cannot be read" : path, cut ? path : ""};
       },
       [this, hits](int row) {
         if (rows[size_t(row)].opens)

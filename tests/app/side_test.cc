@@ -282,6 +282,14 @@ TEST_F(PanesTest, BordersMoveAndAreRemembered) {
   const int most = c_->layout.places.w;
   Drag(most, moved.folder.y + 100, -20, 0);
   EXPECT_EQ(c_->layout.places.w, most - 20);
+  // By the menu: all as usual, then the pane with the keyboard wider and lower.
+  ChangePaneSize(c_, 4);
+  EXPECT_EQ(c_->layout.places, usual.places);
+  SetFocusStop(c_, FocusStop::kPlaces);
+  ChangePaneSize(c_, 0);
+  ChangePaneSize(c_, 3);
+  EXPECT_EQ(c_->layout.places.w, usual.places.w + 40);
+  EXPECT_EQ(c_->layout.places.h, usual.places.h - 40);
 }
 
 TEST_F(PanesTest, WhatANarrowWindowHidesOpensByItsKey) {
