@@ -30,6 +30,13 @@ bool IsSending(const Console* c) {
     if (t.state == Sending::kSending) return true;
   return false;
 }
+bool HasMessage(const Console* c) {
+  return !c->status.message().text.empty();
+}
+void DismissMessage(Console* c) {
+  c->status.ReadMessage();
+  c->damage |= kStatusPane;
+}
 void GoToFilter(Console* c) {
   SetFocusStop(c, FocusStop::kFilter);
 }
@@ -71,10 +78,12 @@ constexpr Command kCommands[] = {
      XWE_DELETE, kInQueue, XWE_DELETE},
     {kStopSendingCommand, kQueueMenu, true, "Stop Sending", IsSending, StopSending, '.'},
     {kStartServerCommand, kQueueMenu, false, "Start a Server", CanStartServer, StartServer, 's'},
+    {kRetryCommand, kQueueMenu, false, "Retry Now", IsServerAway, RetryServer},
     {kRefreshCommand, kViewMenu, false, "Refresh", Always, RefreshAll, 'r', kInBoth, XWE_F1 + 4},
     {kUpCommand, kViewMenu, false, "Enclosing Folder", HasParent, GoUp, XWE_UP, kInFiles,
      XWE_BACKSPACE},
     {kFilterCommand, kViewMenu, false, "Filter Files", Always, GoToFilter, 'f'},
+    {kDismissCommand, kViewMenu, false, "Dismiss Message", HasMessage, DismissMessage},
     {kSortByNameCommand, kViewMenu, true, "Sort by Name", Always, Sort<0>, '1'},
     {kSortBySizeCommand, kViewMenu, false, "Sort by Size", Always, Sort<1>, '2'},
     {kSortByDateCommand, kViewMenu, false, "Sort by Date", Always, Sort<2>, '3'},
