@@ -16,6 +16,7 @@ struct Layout {
   // The middle: places and details are empty where the window is too narrow for them.
   Area places, folder_head, filter_label, filter, folder, details;
   Area queue_head, hold_job, release_job, remove_job, queue;
+  Area banner;  // empty while the server is there
   Area status, stop_sending;
 };
 

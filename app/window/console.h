@@ -7,6 +7,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
 #include "app/panes/ids.h"
@@ -31,7 +32,8 @@ enum Pane : unsigned {
   kDetailsPane = 8,
   kQueuePane = 16,
   kStatusPane = 32,
-  kAllPanes = 63
+  kBannerPane = 64,
+  kAllPanes = 127
 };
 
 // Where the keyboard is; Tab goes through them in this order.
@@ -39,6 +41,8 @@ enum class FocusStop {
   kPlaces,
   kFiles,
   kQueue,
+  kStartServer,
+  kRetry,
   kPrint,
   kPrinter,
   kProfile,
@@ -49,7 +53,7 @@ enum class FocusStop {
   kCount
 };
 inline bool IsControl(FocusStop stop) {
-  return stop >= FocusStop::kPrint;
+  return stop > FocusStop::kQueue;
 }
 
 // A document that has a preview: it is made again when one of these changes.
@@ -104,6 +108,7 @@ struct Console {
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
+  bool start_tried = false;                   // by itself, since the server was there last
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
@@ -112,6 +117,7 @@ struct Console {
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
   QueuePane queue{layout, state};
+  AwayBanner banner{layout, state, server.host()};
   StatusPane status{layout, state, server.host()};
 };
 
@@ -189,11 +195,15 @@ void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
 
-// --- Starting a server on this computer (server_start.cc)
+// --- A server that is away, and starting one on this computer (server_start.cc)
+bool IsServerAway(const Console* c);
+void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
 bool CanStartServer(const Console* c);
 // In the background; the status line says what came of it.
 void StartServer(Console* c);
+// The same where the preferences say so, once each time that the server has gone.
+void StartServerByItself(Console* c);
 // The window closes: it waits for nothing. The server starts all the same.
 void ForgetServerStart(Console* c);
 
