@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders, kNeeds };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -25,6 +25,18 @@ enum CommandId {
   kStartServerCommand,
   kRetryCommand,
   kDismissCommand,
+  kPausePrinterCommand,
+  kResumePrinterCommand,
+  kRefuseJobsCommand,
+  kTakeJobsCommand,
+  kPaperLoadedCommand,
+  kMoveAllJobsCommand,
+  kMakeMineCommand,
+  kLoadPaperCommand,
+  kGoToPrintersCommand,
+  kShowPlacesCommand,
+  kShowPrintersCommand,
+  kShowDetailsCommand,
   kCommandsEnd
 };
 

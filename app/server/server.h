@@ -31,6 +31,9 @@ inline JobId IdOf(const NC_Job& job) {
   return std::to_array(job.id);
 }
 
+// What is to be set in a printer.
+enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, kPaperLoaded };
+
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
   std::string path, document, owner;
@@ -118,6 +121,10 @@ class Server {
   // Tries a failed one again.
   void Retry(int number);
   void Change(const JobId& id, JobAction action);
+  // Sets something of a printer; a notice tells what has come of it.
+  void ChangePrinter(const std::string& name, PrinterSetting setting);
+  // Moves the jobs of a printer that have not ended to another one; told in the same way.
+  void MoveJobs(const std::string& printer, const std::string& target);
   // Asks again now; when it is away: tries now.
   void Refresh();
 

@@ -31,16 +31,11 @@ void AddAllHits(Console* c) {
     c->queue.AddHits(&c->hits);
     c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
+    c->needs.AddHits(&c->hits);
+    AddBorderHits(c);
   }
   c->hits.End();
-}
-
-void LayOutWindow(Console* c) {
-  c->layout = LayOut(c->window->width, c->window->height);
-  // Below the rows: none moves when it comes or goes.
-  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
-  PlaceControls(c);
-  c->damage |= kAllPanes;
 }
 
 // The pane that a hit lies in.
@@ -53,6 +48,8 @@ unsigned PaneOf(const Hit& hit) {
       return kQueuePane;
     case kPlaces:
       return kPlacesPane;
+    case kPrinters:
+      return kPrintersPane;
     case kStatus:
       return kStatusPane;
     default:
@@ -61,15 +58,24 @@ unsigned PaneOf(const Hit& hit) {
 }
 
 // A border of columns that can be moved.
-bool IsBorder(const Hit& hit) {
+bool IsColumnBorder(const Hit& hit) {
   return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
+bool IsBorder(const Hit& hit) {
+  return IsColumnBorder(hit) || hit.owner == kBorders;
+}
+
+int CursorOver(const Hit& hit) {
+  return hit.owner == kBorders ? BorderCursor(hit)
+         : IsColumnBorder(hit) ? kSizeCursor
+                               : kArrowCursor;
 }
 
 void SetHover(Console* c, const Hit& hit) {
   if (hit == c->hover) return;
   c->damage |= PaneOf(c->hover) | PaneOf(hit);
-  if (IsBorder(hit) != IsBorder(c->hover))
-    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
+  if (CursorOver(hit) != CursorOver(c->hover)) XwSetCursor(c->window, CursorOver(hit));
   c->hover = hit;
 }
 
@@ -78,7 +84,15 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane;
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height, c->panes);
+  // Below the rows: none moves when it comes or goes.
+  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  PlaceControls(c);
+  c->damage |= kAllPanes;
 }
 
 namespace {
@@ -110,7 +124,7 @@ namespace {
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
   Table& table = files ? c->files.table : c->queue.table;
-  if (IsBorder(hit)) {
+  if (IsColumnBorder(hit)) {
     if (twice) table.ResetColumns();
     table.Press(hit, Inp.px);
     return;
@@ -132,11 +146,18 @@ void Press(Console* c) {
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
   if (hit.owner == kPlaces) PressPlace(c, hit);
+  if (hit.owner == kPrinters) PressPrinter(c, hit);
+  if (hit.owner == kBorders) PressBorder(c, hit, twice);
 }
 
 // The secondary button opens the menu of the row.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
+  if (hit.owner == kPrinters && hit.part != SideList::kBody) {
+    PressPrinter(c, hit);
+    DrawConsole(c);
+    return OpenContextMenu(c, kOnPrinters);
+  }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
   PressTable(c, hit, false);
   DrawConsole(c);
@@ -164,6 +185,9 @@ void Use(Console* c, const Hit& hit) {
     case kPlaces:
       UsePlace(c, hit);
       break;
+    case kPrinters:
+      UsePrinter(c, hit);
+      break;
     case kCrumbs:
       PressCrumb(c, hit.index);
       break;
@@ -184,6 +208,7 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
+  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -193,6 +218,7 @@ void Motion(Console* c) {
   if (queue) c->damage |= kQueuePane;
   if (files || queue) c->last_press = 0;  // what was dragged was not clicked
   // A border is under the pointer as long as it is held.
+  if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
@@ -206,6 +232,8 @@ void Scrolled(float, float dy) {
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
   if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
   if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
+  if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
+    c->damage |= kPrintersPane;
   DrawConsole(c);
 }
 
@@ -233,6 +261,7 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
+  if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
   if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
     c->tools.ChangePriority(type == '+' ? 1 : -1);
     c->damage |= kToolsPane;
@@ -290,6 +319,7 @@ void ServerChanged(Console* c, ServerState state) {
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
   c->queue.Fill();
+  PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
@@ -474,6 +504,10 @@ void DrawConsole(Console* c) {
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
+  if (damage & kPrintersPane)
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
+                         c->state.link == Link::kAway);
+  if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();

@@ -11,7 +11,9 @@
 #include "app/panes/details.h"
 #include "app/panes/files.h"
 #include "app/panes/ids.h"
+#include "app/panes/needs.h"
 #include "app/panes/places.h"
+#include "app/panes/printers.h"
 #include "app/panes/queue.h"
 #include "app/panes/status.h"
 #include "app/panes/tools.h"
@@ -32,13 +34,16 @@ enum Pane : unsigned {
   kDetailsPane = 8,
   kQueuePane = 16,
   kStatusPane = 32,
-  kBannerPane = 64,
-  kAllPanes = 127
+  kPrintersPane = 64,
+  kNeedsPane = 128,
+  kBannerPane = 256,
+  kAllPanes = 511
 };
 
 // Where the keyboard is; Tab goes through them in this order.
 enum class FocusStop {
   kPlaces,
+  kPrinters,
   kFiles,
   kQueue,
   kStartServer,
@@ -112,7 +117,14 @@ struct Console {
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
+  PaneSizes panes;
+  int border_grip = 0;  // where beside a border it was pressed
+  Printers printers;
+  std::string printer_pressed;  // name
+
   ToolsPane tools{&choice};
+  PrintersPane printer_list{layout, printers};
+  NeedsPane needs{layout, printers};
   PlacesPane places{layout};
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
@@ -135,6 +147,8 @@ void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);
+// For the window's present size and what is wanted of the panes.
+void LayOutWindow(Console* c);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
@@ -195,6 +209,26 @@ void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
 
+// --- The printers (printers.cc)
+// After a new state of the server, or another choice.
+void PrintersCame(Console* c);
+// The strip of what somebody has to do something about comes or goes.
+void ShowNeeds(Console* c);
+void ChoosePrinter(Console* c, const std::string& name);
+void PressPrinter(Console* c, const Hit& hit);
+void UsePrinter(Console* c, const Hit& hit);
+void PrintersKey(Console* c, int type);
+
+// --- Sizes of the panes (panes.cc)
+void AddBorderHits(Console* c);
+// What the pointer looks like over a border.
+int BorderCursor(const Hit& hit);
+void PressBorder(Console* c, const Hit& hit, bool twice);
+void DragBorder(Console* c, const Hit& hit);
+// Between the window and the preferences.
+void RecallPanes(Console* c);
+void NotePanes(const Console* c, Preferences* p);
+
 // --- A server that is away, and starting one on this computer (server_start.cc)
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
@@ -227,6 +261,8 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
+std::string WhyNotPrint(const Console* c);
 void PrintSelected(Console* c);
 
 // --- Quitting (quit_confirmation.cc)

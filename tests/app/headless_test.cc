@@ -188,7 +188,8 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(kTabKey);
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
-  for (const FocusStop stop : {FocusStop::kFilter, FocusStop::kPlaces, FocusStop::kFiles}) {
+  for (const FocusStop stop :
+       {FocusStop::kFilter, FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
     Key(kTabKey);
     EXPECT_EQ(c_->stop, stop);
   }
