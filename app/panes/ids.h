@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders, kNeeds };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -37,6 +37,9 @@ enum ControlId {
   kFilterControl,
   kCloseAnswer,
   kKeepOpenAnswer,
+  // Scroll bars of the side panes.
+  kPlacesControl = 90,
+  kPrintersControl,
   // Those of a table's heads follow its own.
   kFilesControls = 200,
   kQueueControls = 300
