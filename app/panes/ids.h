@@ -23,6 +23,8 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kRetryCommand,
+  kDismissCommand,
   kPausePrinterCommand,
   kResumePrinterCommand,
   kRefuseJobsCommand,

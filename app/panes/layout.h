@@ -20,6 +20,7 @@ struct Layout {
   // At the sides: empty where they are not wanted, or the window is too narrow for them.
   Area places, printers, folder_head, filter_label, filter, folder, details;
   Area queue_head, hold_job, release_job, remove_job, queue;
+  Area banner;  // empty while the server is there
   Area status, stop_sending;
 };
 

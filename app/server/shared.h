@@ -34,7 +34,8 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   std::deque<PrinterChange> printer_changes;
   bool stop = false, refresh = false;
   int next_number = 1, next_notice = 1;
-  int cancelled = 0;  // the transfer that is to be broken off
+  int period_ms = 2000;  // between two questions for the lists
+  int cancelled = 0;     // the transfer that is to be broken off
   // What ends the worker's waiting when it is to stop: its connections are shut down, and this
   // becomes readable for the one that is just being made.
   int open[2] = {-1, -1};

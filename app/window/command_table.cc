@@ -50,6 +50,13 @@ bool HasParent(const Console* c) {
 void GoToFilter(Console* c) {
   SetFocusStop(c, FocusStop::kFilter);
 }
+bool HasMessage(const Console* c) {
+  return !c->status.message().text.empty();
+}
+void DismissMessage(Console* c) {
+  c->status.ReadMessage();
+  c->damage |= kStatusPane;
+}
 template <int column>
 void Sort(Console* c) {
   SortBy(c, column);
@@ -87,6 +94,7 @@ constexpr Command kCommands[] = {
         {.group = true, .key = '.'}),
     Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
         {.key = 's'}),
+    Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
 
     Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", WantsPaper, LoadPaper,
         {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
@@ -118,6 +126,7 @@ constexpr Command kCommands[] = {
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
         {.key = XWE_UP, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
+    Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
         {.group = true, .key = '1'}),
     Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),

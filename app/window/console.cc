@@ -29,6 +29,7 @@ void AddAllHits(Console* c) {
     c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
     c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
     c->needs.AddHits(&c->hits);
@@ -88,6 +89,8 @@ void SetFocusStop(Console* c, FocusStop stop) {
 
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height, c->panes);
+  // Below the rows: none moves when it comes or goes.
+  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
   PlaceControls(c);
   c->damage |= kAllPanes;
 }
@@ -278,7 +281,7 @@ void MoveFocus(Console* c, int by) {
 void Escape(Console* c) {
   StopReading(c);
   if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ForgetMessage();
+  c->status.ReadMessage();
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
@@ -305,8 +308,10 @@ void Key(Console* c, int type) {
 // --- Time
 
 void ServerChanged(Console* c, ServerState state) {
-  if (state.away_times != c->state.away_times) c->status.away_s = 0;
+  if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
+  if (c->banner.Follow()) LayOutWindow(c);
+  StartServerByItself(c);
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
@@ -315,7 +320,7 @@ void ServerChanged(Console* c, ServerState state) {
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
   c->queue.Fill();
   PrintersCame(c);
-  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
 }
@@ -329,6 +334,8 @@ void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
+  ++c->banner.away_s;
+  if (c->banner.shown) c->damage |= kBannerPane;
   Remember(c);
 }
 
@@ -483,7 +490,7 @@ void CloseConsole(Console* c) {
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {
-  c->status.Tell(good, utf8);
+  c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
   c->damage |= kStatusPane;
 }
 
@@ -504,6 +511,7 @@ void DrawConsole(Console* c) {
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
+  if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);

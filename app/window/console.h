@@ -7,6 +7,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
 #include "app/panes/ids.h"
@@ -35,7 +36,8 @@ enum Pane : unsigned {
   kStatusPane = 32,
   kPrintersPane = 64,
   kNeedsPane = 128,
-  kAllPanes = 255
+  kBannerPane = 256,
+  kAllPanes = 511
 };
 
 // Where the keyboard is; Tab goes through them in this order.
@@ -44,6 +46,8 @@ enum class FocusStop {
   kPrinters,
   kFiles,
   kQueue,
+  kStartServer,
+  kRetry,
   kPrint,
   kPrinter,
   kProfile,
@@ -54,7 +58,7 @@ enum class FocusStop {
   kCount
 };
 inline bool IsControl(FocusStop stop) {
-  return stop >= FocusStop::kPrint;
+  return stop > FocusStop::kQueue;
 }
 
 // A document that has a preview: it is made again when one of these changes.
@@ -109,6 +113,7 @@ struct Console {
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
+  bool start_tried = false;                   // by itself, since the server was there last
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
@@ -124,6 +129,7 @@ struct Console {
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
   QueuePane queue{layout, state};
+  AwayBanner banner{layout, state, server.host()};
   StatusPane status{layout, state, server.host()};
 };
 
@@ -223,11 +229,15 @@ void DragBorder(Console* c, const Hit& hit);
 void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);
 
-// --- Starting a server on this computer (server_start.cc)
+// --- A server that is away, and starting one on this computer (server_start.cc)
+bool IsServerAway(const Console* c);
+void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
 bool CanStartServer(const Console* c);
 // In the background; the status line says what came of it.
 void StartServer(Console* c);
+// The same where the preferences say so, once each time that the server has gone.
+void StartServerByItself(Console* c);
 // The window closes: it waits for nothing. The server starts all the same.
 void ForgetServerStart(Console* c);
 

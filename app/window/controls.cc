@@ -16,10 +16,12 @@ void MakeControls(Console* c) {
   c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
+  c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,       c->queue.hold,
-                c->queue.release, c->queue.remove, c->status.stop_sending, c->status.start_server,
-                c->needs.load,    c->needs.choose};
+  c->buttons = {c->tools.print,         c->tools.up,       c->tools.refresh,
+                c->queue.hold,          c->queue.release,  c->queue.remove,
+                c->status.stop_sending, c->status.dismiss, c->banner.retry,
+                c->banner.start_server, c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -34,6 +36,10 @@ void PlaceControls(Console* c) {
 
 XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
+    case FocusStop::kRetry:
+      return c->banner.retry;
+    case FocusStop::kStartServer:
+      return c->banner.start_server;
     case FocusStop::kPrint:
       return c->tools.print;
     case FocusStop::kPrinter:
@@ -75,7 +81,8 @@ void UpdateFocus(Console* c) {
 }  // namespace
 
 void UpdateControls(Console* c) {
-  c->status.Update(CanStartServer(c));
+  c->banner.Place(CanStartServer(c));
+  c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->files.Enable(!c->asking);
@@ -138,8 +145,7 @@ void PrintSelected(Console* c) {
   order.hold = c->choice.hold;
   c->server.Send(std::move(order));
   ++c->just_sent;
-  if (c->state.link == Link::kAway)
-    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+  if (IsAway(c->state.link)) Tell(c, true, "It will be sent when " + c->server.host() + " is back");
 }
 
 }  // namespace console
