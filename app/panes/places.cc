@@ -172,7 +172,8 @@ void PlacesPane::Draw(const Hit& hover, bool active, bool focused) const {
   DrawCaption(a.Inset(12, 0), "PLACES");
   Area foot = a.TakeBottom(kFooter);
   list.DrawRows([&](int row, const Area& area) { DrawRow(row, area, hover, active, focused); });
-  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0), free_text, l.second);
+  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0),
+            wait_text.empty() ? free_text : wait_text, wait_text.empty() ? l.second : l.warning);
 }
 
 void PlacesPane::AddHits(Hits* hits, bool focused) const {
@@ -191,9 +192,10 @@ void PlacesPane::AddHits(Hits* hits, bool focused) const {
         if (rows[size_t(row)].opens)
           hits->Add({kPlaces, SideList::kMark, row}, list.Visible(MarkArea(row)));
       });
-  if (!layout.places.Empty() && !free_text.empty()) {
+  const std::string& said = wait_text.empty() ? free_text : wait_text;
+  if (!layout.places.Empty() && !said.empty()) {
     Area foot = layout.places;
-    hits->Cover(foot.TakeBottom(kFooter), {XWA_LABEL, 0, "Room", free_text});
+    hits->Cover(foot.TakeBottom(kFooter), {XWA_LABEL, 0, "Room", said});
   }
 }
 

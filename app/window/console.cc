@@ -333,6 +333,7 @@ void ShowProgress(Console* c) {
 void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
+  WatchPlaces(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
   ++c->banner.away_s;
   if (c->banner.shown) c->damage |= kBannerPane;

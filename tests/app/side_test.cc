@@ -1,6 +1,8 @@
 // The side panes: places, printers, and the borders between all of them.
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 #include "app/window/commands.h"
 #include "app/window/side_commands.h"
 #include "app/work/preferences_file.h"
@@ -97,6 +99,33 @@ TEST_F(SideTest, PlacesAreATreeForKeysAndPointer) {
   EXPECT_EQ(Node("Root").what.state & shown, shown);
   EXPECT_FALSE(Node("Home").what.state & platform::kIsExpanded);
   EXPECT_GE(c_->places.Find("/tmp"), 0);
+}
+
+// What hangs holds up nothing: the window says so, and closing it gives the tree back.
+TEST_F(SideTest, AFolderThatDoesNotAnswerHoldsUpNothing) {
+  static std::atomic<bool> hangs;
+  static PlacesReader::Read usual;
+  hangs = true;
+  usual = PlacesReader::read;
+  home_.Folder("Empty/a");
+  home_.Folder("Zoo/b");
+  PlacesReader::read = [](PlacesListing* listing) {
+    for (const std::string& open : listing->request.open)
+      while (open.ends_with("Empty") && hangs) usleep(1000);
+    usual(listing);
+  };
+  Open("127.0.0.9:1");
+  ASSERT_TRUE(PlacesAre("-Root +Home* /" + std::string(kFolder) + " /-Empty /-Zoo "));
+  c_->places.list.GoTo(c_->places.Find(home_.At("Empty")));
+  PlacesKey(c_, XWE_RIGHT);
+  ASSERT_TRUE(Until([&] { return Node("Room").what.value.starts_with("No answer for 3 s"); }));
+  Enter(home_.At("Zoo"));
+  c_->places.list.GoTo(c_->places.Find(home_.At("Empty")));
+  PlacesKey(c_, XWE_LEFT);
+  ASSERT_TRUE(PlacesAre("-Root +Home /" + std::string(kFolder) + " /-Empty /-Zoo* "));
+  EXPECT_NE(Node("Room").what.value.find(" free of "), std::string::npos);
+  hangs = false;
+  PlacesReader::read = usual;
 }
 
 // Forty printers: "Label" with paper for one sheet, and those of a studio.
