@@ -119,15 +119,18 @@ int BorderCursor(const Hit& hit) {
 }
 
 void PressBorder(Console* c, const Hit& hit, bool twice) {
+  if (twice) {
+    *SizeOf(&c->panes, hit.part) = 0;
+    LayOutWindow(c);
+  }
   c->border_grip = (LiesAcross(hit.part) ? Inp.py : Inp.px) - Place(c->layout, hit.part);
-  if (!twice) return;
-  *SizeOf(&c->panes, hit.part) = 0;
-  LayOutWindow(c);
 }
 
 void DragBorder(Console* c, const Hit& hit) {
   const int at = (LiesAcross(hit.part) ? Inp.py : Inp.px) - c->border_grip;
-  if (at != Place(c->layout, hit.part)) TakeSize(c, hit.part, SizeAt(c->layout, hit.part, at));
+  if (at == Place(c->layout, hit.part)) return;
+  TakeSize(c, hit.part, SizeAt(c->layout, hit.part, at));
+  c->last_press = 0;  // what was dragged was not clicked
 }
 
 bool ShowsPlaces(const Console* c) {

@@ -311,6 +311,9 @@ TEST_F(PanesTest, BordersMoveAndAreRemembered) {
   const int most = c_->layout.places.w;
   Drag(most, moved.folder.y + 100, -20, 0);
   EXPECT_EQ(c_->layout.places.w, most - 20);
+  // A double click gives it its usual size.
+  for (int i = 0; i < 2; ++i) ClickAt(c_->layout.places.right(), moved.folder.y + 100);
+  EXPECT_EQ(c_->layout.places.w, usual.places.w);
   // By the menu: all as usual, then the pane with the keyboard wider and lower.
   ChangePaneSize(c_, 4);
   EXPECT_EQ(c_->layout.places, usual.places);
