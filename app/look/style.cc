@@ -82,6 +82,16 @@ void DrawShadow(const Area& a, int radius) {
                Mix(l.line, l.document, 40 - 10 * i), -1);
 }
 
+Area DrawStrip(Area a, int32_t dot) {
+  // None of the desktop's roles.
+  constexpr int32_t kGround = 0xE0F1FB, kEdge = 0xAED3E7;
+  Fill(a, kGround);
+  Fill({a.x, a.y, a.w, 1}, kEdge);
+  DrawDot(a.x + 12, a.y + (a.h - 9) / 2 + 1, dot);
+  a.TakeLeft(29);
+  return a;
+}
+
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
   const Style& l = TheStyle();
   int32_t bar = muted ? Mix(l.accent, l.track, 40) : l.accent;

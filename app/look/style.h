@@ -47,6 +47,8 @@ void LineAtLeft(const Area& a);
 
 // A bar that is `part` of `whole` full; on a selection it keeps its own background.
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
+// The warm ground of a strip over the status line, with a dot. The rest of it, for its words.
+Area DrawStrip(Area a, int32_t dot);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);

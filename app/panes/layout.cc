@@ -18,7 +18,6 @@ constexpr int kFilesLeast = 330;
 constexpr int kPrintersLeast = 32 + 2 * 38, kPlacesLeast = 32 + 2 * 20 + 26;
 // Headers and rows: the usual queue takes a third of the height.
 constexpr int kQueueLeast = 22 + 4 * 22, kFolderLeast = 22 + 3 * 22;
-constexpr int kNeeds = 33, kNeedsButton = 116;
 
 // A control of that width in the middle of the bar's height, and a gap after it.
 Area Next(Area* bar, int width, int gap, int height = kButton) {
@@ -120,10 +119,6 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   l.status = all.TakeBottom(kStatus);
   l.stop_sending = {l.status.right() - 8 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
                     kStop};
-  if (sizes.needs) {
-    l.needs = all.TakeTop(kNeeds);
-    l.needs_button = {l.needs.right() - kNeedsButton - 14, l.needs.y + 5, kNeedsButton, 22};
-  }
   const int usual = (all.h - 2 * kHead) * 32 / 100;
   const int most = std::max(kQueueLeast, all.h - 2 * kHead - kFolderLeast);
   const int queue =

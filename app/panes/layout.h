@@ -15,12 +15,11 @@ struct Layout {
   Area copies_label, less, copies, more;
   Area priority_label, slider, priority;
   Area hold;
-  // Below the tools: what somebody has to do something about; empty when there is nothing.
-  Area needs, needs_button;
   // At the sides: empty where they are not wanted, or the window is too narrow for them.
   Area places, printers, folder_head, filter_label, filter, folder, details;
   Area queue_head, hold_job, release_job, remove_job, queue;
   Area banner;  // empty while the server is there
+  Area needs;   // in the same place; empty while nobody is needed
   Area status, stop_sending;
 };
 
@@ -33,7 +32,6 @@ struct PaneSizes {
   // has its side alone.
   enum Opened : uint8_t { kNone, kPlaces, kPrinters, kDetails };
 
-  bool needs = false;
   bool places = true, printers = true, details = true;  // whether they are wanted
   Opened opened = kNone;
   int left_width = 0, details_width = 0;

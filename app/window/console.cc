@@ -90,7 +90,10 @@ void SetFocusStop(Console* c, FocusStop stop) {
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height, c->panes);
   // Below the rows: none moves when it comes or goes.
-  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  if (c->banner.shown)
+    c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  else if (c->needs.shown)
+    c->layout.needs = c->layout.queue.TakeBottom(NeedsPane::kHeight);
   PlaceControls(c);
   c->damage |= kAllPanes;
 }
@@ -208,7 +211,6 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
-  ShowNeeds(c);
 }
 
 void Motion(Console* c) {

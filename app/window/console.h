@@ -48,6 +48,7 @@ enum class FocusStop {
   kQueue,
   kStartServer,
   kRetry,
+  kNeedsButton,
   kPrint,
   kPrinter,
   kProfile,
@@ -215,8 +216,6 @@ void PlacesKey(Console* c, int type);
 // --- The printers (printers.cc)
 // After a new state of the server, or another choice.
 void PrintersCame(Console* c);
-// The strip of what somebody has to do something about comes or goes.
-void ShowNeeds(Console* c);
 void ChoosePrinter(Console* c, const std::string& name);
 void PressPrinter(Console* c, const Hit& hit);
 void UsePrinter(Console* c, const Hit& hit);

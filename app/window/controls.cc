@@ -40,6 +40,8 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->banner.retry;
     case FocusStop::kStartServer:
       return c->banner.start_server;
+    case FocusStop::kNeedsButton:
+      return c->needs.Button();
     case FocusStop::kPrint:
       return c->tools.print;
     case FocusStop::kPrinter:
