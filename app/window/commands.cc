@@ -41,8 +41,8 @@ void About(Console* c) {
   Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
 }
 
-enum Menu : uint8_t { kFileMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
-constexpr const char* kTitles[kMenus] = {"File", "Queue", "View", "Help"};
+enum Menu : uint8_t { kFileMenu, kEditMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
+constexpr const char* kTitles[kMenus] = {"File", "Edit", "Queue", "View", "Help"};
 // Where a key without Control counts.
 enum Where : uint8_t { kNowhere, kInFiles, kInQueue, kInBoth };
 
@@ -63,6 +63,7 @@ constexpr Command kCommands[] = {
     {kOpenCommand, kFileMenu, false, "Open", HasSelection, OpenSelected, 'o', kInFiles, XWE_RETURN},
     {kPrintCommand, kFileMenu, false, "Print", CanPrint, PrintSelected, 'p'},
     {kCloseCommand, kFileMenu, true, "Close Window", Always, Leave, 'w'},
+    {kSelectAllCommand, kEditMenu, false, "Select All", CanSelectAll, SelectAll, 'a'},
     {kHoldCommand, kQueueMenu, false, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>, 'h',
      kInQueue, 'h'},
     {kReleaseCommand, kQueueMenu, false, "Release", CanDo<JobAction::kRelease>,
@@ -139,6 +140,12 @@ void ShowCommands(const Console* c) {
 
 void RunCommand(Console* c, int id) {
   if (CanRun(c, id)) Find(id)->run(c);
+}
+
+bool IsMenuKey(int key) {
+  for (const Command& command : kCommands)
+    if (command.key == key) return true;
+  return false;
 }
 
 int CommandOfKey(const Console* c, int type) {

@@ -14,6 +14,8 @@ void ShowCommands(const Console* c);
 // Runs the command that a menu or a button has reported; numbers that are none, and commands that
 // cannot be run now, are ignored.
 void RunCommand(Console* c, int command);
+// Whether that key, with Control, is one of the menu bar's.
+bool IsMenuKey(int key);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
 // The menu of what lies under the pointer, a row of the files or of the queue.
