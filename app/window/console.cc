@@ -27,7 +27,7 @@ Console* g_console;
 void AddAllHits(Console* c) {
   c->hits.Begin();
   if (!c->asking) {
-    c->places.AddHits(c->files.folder.path(), &c->hits);
+    c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
@@ -76,7 +76,7 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kFolderPane | kQueuePane;
 }
 
 namespace {
@@ -132,6 +132,7 @@ void Press(Console* c) {
   c->pressed = hit;
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
+  if (hit.owner == kPlaces) PressPlace(c, hit);
 }
 
 // The secondary button opens the menu of the row, or of all that are selected with it.
@@ -147,7 +148,7 @@ void PressSecondary(Console* c) {
     SelectionChanged(c, hit.owner == kFiles);
   }
   DrawConsole(c);
-  hit.owner == kFiles ? OpenFileMenu(c) : OpenJobMenu(c);
+  OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
 }
 
 }  // namespace
@@ -159,6 +160,7 @@ void StopSending(Console* c) {
 
 void RefreshAll(Console* c) {
   RefreshFolder(c);
+  RefreshPlaces(c);
   c->server.Refresh();
 }
 
@@ -168,7 +170,7 @@ namespace {
 void Use(Console* c, const Hit& hit) {
   switch (hit.owner) {
     case kPlaces:
-      EnterFolder(c, c->places.places[size_t(hit.index)].path, "");
+      UsePlace(c, hit);
       break;
     case kCrumbs:
       PressCrumb(c, hit.index);
@@ -227,6 +229,7 @@ void Scrolled(float, float dy) {
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
   if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
+  if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
   DrawConsole(c);
 }
 
@@ -262,6 +265,7 @@ void StopKey(Console* c, int type) {
   if (TableKey(c, type)) return;
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
+  if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
     c->tools.ChangePriority(type == '+' ? 1 : -1);
     c->damage |= kToolsPane;
@@ -274,7 +278,7 @@ void MoveFocus(Console* c, int by) {
   int stop = int(c->stop);
   do {
     stop = (stop + by + stops) % stops;
-  } while (IsControl(FocusStop(stop)) && !CanFocus(ControlAt(c, FocusStop(stop))));
+  } while (!CanStopAt(c, FocusStop(stop)));
   SetFocusStop(c, FocusStop(stop));
 }
 
@@ -290,10 +294,13 @@ void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands.
-    if ((c->modifiers & XWS_SHIFT) || !IsMenuKey(type)) TableKey(c, type);
+    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
     return;
   }
-  if (const int command = CommandOfKey(c, type)) return RunCommand(c, command);
+  if (const int command = CommandOfKey(c, type)) {
+    TellWhyNot(c, command);
+    return RunCommand(c, command);
+  }
   if (c->modifiers & XWS_COMMAND) {
     if (type == 'q') Leave(c);
   } else if (type == XWE_TAB) {
@@ -351,6 +358,7 @@ void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
   c->active = active != 0;
+  if (c->active) RefreshPlaces(c);  // a disk may have come
   c->damage = kAllPanes;
   DrawConsole(c);
 }
@@ -421,6 +429,10 @@ int Handle(int type) {
 
 }  // namespace
 
+Console* TheConsole() {
+  return g_console;
+}
+
 void ShowSilence(int seconds) {
   Console* c = g_console;
   if (!c) return;
@@ -461,7 +473,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwTimer(w, kIconTimer, kIconMs);
   c->files.folder.Begin(start);
   ShowRemembered(c);
-  FindPlaces(c);
+  BeginPlaces(c, start);
   EnterFolder(c, start, "");
   SetUpCommands(c);
   XwShow(w, 1);
@@ -496,7 +508,7 @@ void DrawConsole(Console* c) {
   c->damage = 0;
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
-  if (damage & kPlacesPane) c->places.Draw(c->files.folder.path(), c->active, c->hover);
+  if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();

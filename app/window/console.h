@@ -18,6 +18,7 @@
 #include "app/work/arguments.h"
 #include "app/work/folder_reader.h"
 #include "app/work/folder_watch.h"
+#include "app/work/places_reader.h"
 #include "app/work/preferences_file.h"
 
 namespace console {
@@ -35,6 +36,7 @@ enum Pane : unsigned {
 
 // Where the keyboard is; Tab goes through them in this order.
 enum class FocusStop {
+  kPlaces,
   kFiles,
   kQueue,
   kPrint,
@@ -82,14 +84,17 @@ struct Console {
   uint32_t last_press = 0;  // for double clicks
   // Buttons of commands: each is enabled when its command can be run.
   std::vector<XwWindow*> buttons;
+  std::vector<std::string> button_tips;  // as they show now
 
   // What is known, and what has been chosen. Results come to reader, watch and server.
   FolderReader reader;
   FolderWatch watch;
-  PlaceFinder finder;
-  int reading_s = 0;        // since the present reading was asked for
-  int silent_s = 0;         // that the watch has had no answer; 0 as long as that is not long
-  int posted_silent_s = 0;  // the same, on its way
+  PlacesReader places_reader;
+  int places_asked = 0;        // readings
+  std::string places_pressed;  // the path of the row
+  int reading_s = 0;           // since the present reading was asked for
+  int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;     // the same, on its way
   PreviewMaker previews;
   PreviewSubject previewed;  // what was asked for last
   Server server;
@@ -106,7 +111,7 @@ struct Console {
   XwWindow* question = nullptr;  // the sheet that asks
 
   ToolsPane tools{&choice};
-  PlacesPane places{layout, {}, ""};
+  PlacesPane places{layout};
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
   QueuePane queue{layout, state};
@@ -119,6 +124,8 @@ enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTim
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
 // one above it. Null when the display refuses. One console a process.
 Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered = {});
+// The one that is open; null when none is.
+Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
@@ -141,8 +148,10 @@ void UpdateControls(Console* c);
 void UseControl(Console* c, int id, int value);
 // A report of an edit box: 788 (gained or lost), 789, 790.
 void UseEditBox(Console* c, int type, int id, bool gained);
-// The control of a stop; null for the tables.
+// The control of a stop; null for the tables and lists.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
+// Whether Tab stops there now.
+bool CanStopAt(const Console* c, FocusStop stop);
 
 // --- The folder (browsing.cc)
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
@@ -166,13 +175,23 @@ void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
 void SetFilter(Console* c, const std::string& text);
 void PressCrumb(Console* c, int index);
-void FindPlaces(Console* c);
 // The one that is shown does not answer.
 bool FolderIsSilent(const Console* c);
 // A document that the desktop asks to open.
 void ShowDocument(Console* c, const char* path);
 // The files that the program was started with: the first is selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
+
+// --- The places (places.cc)
+// Begins to read them. `folder` is the one that will be shown.
+void BeginPlaces(Console* c, const std::string& folder);
+// They mark the folder that is shown now.
+void FollowInPlaces(Console* c);
+// Something may have changed: they are read again.
+void RefreshPlaces(Console* c);
+void PressPlace(Console* c, const Hit& hit);
+void UsePlace(Console* c, const Hit& hit);
+void PlacesKey(Console* c, int type);
 
 // --- Starting a server on this computer (server_start.cc)
 // The server that does not answer would run here, and none is being started.

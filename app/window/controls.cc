@@ -11,6 +11,7 @@ void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
+  c->places.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
   c->status.MakeControls(w);
@@ -20,6 +21,7 @@ void MakeControls(Console* c) {
 
 void PlaceControls(Console* c) {
   c->tools.Place(c->layout);
+  c->places.Place();
   c->files.Place();
   c->queue.Place();
   PlaceQuestion(c);
@@ -46,13 +48,18 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
   }
 }
 
+bool CanStopAt(const Console* c, FocusStop stop) {
+  if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  return stop != FocusStop::kPlaces || !c->layout.places.Empty();
+}
+
 namespace {
 
 // The keyboard goes where the stop is; with a control that cannot have it any more it goes back to
 // the files.
 void UpdateFocus(Console* c) {
   if (c->asking) return;
-  if (IsControl(c->stop) && !CanFocus(ControlAt(c, c->stop))) SetFocusStop(c, FocusStop::kFiles);
+  if (!CanStopAt(c, c->stop)) SetFocusStop(c, FocusStop::kFiles);
   XwWindow* wants = ControlAt(c, c->stop);
   XwWindow* has = XwGetFocus(c->window);
   if (wants && has != wants) XwFocusControl(wants);
@@ -63,11 +70,12 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->status.Update(CanStartServer(c));
-  for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
+  ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
+  c->places.list.Enable(!c->asking);
   UpdateFocus(c);
 }
 
@@ -103,6 +111,7 @@ void UseControl(Console* c, int id, int value) {
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
   if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
 }
 
 bool CanPrint(const Console* c) {
@@ -135,7 +144,7 @@ void PrintSelected(Console* c) {
 }
 
 bool CanSelectAll(const Console* c) {
-  return !IsControl(c->stop);
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue;
 }
 
 void SelectAll(Console* c) {

@@ -338,28 +338,28 @@ TEST(EditBoxes, TheClipboardComesLaterOrNotAtAll) {
   EXPECT_EQ(XwGetTextUtf8(s.box, nullptr, 0), 65535) << "64 KiB, in whole characters";
   input::OfferTextLater(Selection::kClipboard);
   for (int i = 0; i < 20; ++i) Type('v', 'v', controlKey);
-  EXPECT_EQ(input::OpenAsks(), 8) << "a key that repeats asks for no more";
+  EXPECT_EQ(input::WaitingTextRequests(), 8) << "a key that repeats asks for no more";
   RunFor(2.1);
   XwSetText(s.box, "");
   EXPECT_EQ(Type('v', 'v', controlKey), "118");
   const std::string late = "late";
-  input::AnswerAsks(&late);
+  input::AnswerTextRequests(&late);
   RunFor(0.001);
   EXPECT_EQ(Text(s.box), "late");
   EXPECT_EQ(Came(), "789");
   // It comes when the box has lost the keyboard, when it has ended, or never.
   Type('v', 'v', controlKey);
   XwSetFocus(s.main);
-  input::AnswerAsks(&late);
+  input::AnswerTextRequests(&late);
   RunFor(0.001);
   EXPECT_EQ(Text(s.box), "late");
   s.Focus();
   Type('v', 'v', controlKey);
   RunFor(2.1);
-  EXPECT_EQ(input::OpenAsks(), 0);
+  EXPECT_EQ(input::WaitingTextRequests(), 0);
   Type('v', 'v', controlKey);
   XwDestroy(s.box);
-  input::AnswerAsks(&late);
+  input::AnswerTextRequests(&late);
   RunFor(0.001);
   EXPECT_EQ(FocusedId(), 0);
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "platform/controls/edit_text.h"
+#include "platform/display/alert_sound.h"
 #include "platform/events/clock.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"

@@ -1,0 +1,97 @@
+#include "app/window/command_table.h"
+
+#include "app/window/commands.h"
+
+namespace console {
+namespace {
+
+// --- File
+
+bool HasSelection(const Console* c) {
+  return c->files.table.selected() >= 0;
+}
+
+// --- Queue
+
+template <JobAction action>
+bool CanDo(const Console* c) {
+  return c->queue.CanChange(action);
+}
+template <JobAction action>
+void Do(Console* c) {
+  c->queue.Change(action, &c->server);
+}
+bool IsSending(const Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending) return true;
+  return false;
+}
+
+// --- View
+
+bool HasParent(const Console* c) {
+  return c->files.folder.path() != "/";
+}
+void GoToFilter(Console* c) {
+  SetFocusStop(c, FocusStop::kFilter);
+}
+template <int column>
+void Sort(Console* c) {
+  SortBy(c, column);
+}
+
+// --- Help
+
+void About(Console* c) {
+  Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
+}
+
+constexpr Command Row(CommandId id, Menu menu, const char* name, Enabled enabled, Run run,
+                      CommandMore more = {}) {
+  return {id, menu, name, enabled, run, more};
+}
+
+constexpr Command kCommands[] = {
+    Row(kOpenCommand, kFileMenu, "Open", HasSelection, OpenSelected,
+        {.key = 'o', .plain_key = XWE_RETURN, .where = kInFiles, .contexts = kOnFiles}),
+    Row(kPrintCommand, kFileMenu, "Print", CanPrint, PrintSelected,
+        {.key = 'p', .contexts = kOnFiles}),
+    Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
+
+    Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
+
+    Row(kHoldCommand, kQueueMenu, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>,
+        {.key = 'h', .plain_key = 'h', .where = kInQueue, .contexts = kOnJobs}),
+    Row(kReleaseCommand, kQueueMenu, "Release", CanDo<JobAction::kRelease>, Do<JobAction::kRelease>,
+        {.key = 'g', .plain_key = 'r', .where = kInQueue, .contexts = kOnJobs}),
+    Row(kRemoveCommand, kQueueMenu, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
+        {.group = true,
+         .key = XWE_DELETE,
+         .plain_key = XWE_DELETE,
+         .where = kInQueue,
+         .contexts = kOnJobs}),
+    Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
+        {.group = true, .key = '.'}),
+    Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
+        {.key = 's'}),
+
+    Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
+        {.key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
+    Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
+        {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
+    Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
+    Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
+        {.group = true, .key = '1'}),
+    Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),
+    Row(kSortByDateCommand, kViewMenu, "Sort by Date", nullptr, Sort<2>, {.key = '3'}),
+
+    Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, About),
+};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+  return kCommands;
+}
+
+}  // namespace console
