@@ -307,7 +307,7 @@ bool CanChangeRow(const QueuePane* p, const QueueRow& row, JobAction action) {
                ? t->state != Sending::kCancelling
                : action == JobAction::kRelease && t->state == Sending::kFailed;
   const NC_Job* job = JobOf(p, row);
-  if (!job || p->state.link == Link::kAway || PendingText(p, row.job)) return false;
+  if (!job || IsAway(p->state.link) || PendingText(p, row.job)) return false;
   switch (action) {
     case JobAction::kHold:
       return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING ||

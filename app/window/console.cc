@@ -30,15 +30,13 @@ void AddAllHits(Console* c) {
     c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
+    c->needs.AddHits(&c->hits);
+    AddBorderHits(c);
   }
   c->hits.End();
-}
-
-void LayOutWindow(Console* c) {
-  c->layout = LayOut(c->window->width, c->window->height);
-  PlaceControls(c);
-  c->damage |= kAllPanes;
 }
 
 // The pane that a hit lies in.
@@ -51,6 +49,8 @@ unsigned PaneOf(const Hit& hit) {
       return kQueuePane;
     case kPlaces:
       return kPlacesPane;
+    case kPrinters:
+      return kPrintersPane;
     case kStatus:
       return kStatusPane;
     default:
@@ -59,15 +59,24 @@ unsigned PaneOf(const Hit& hit) {
 }
 
 // A border of columns that can be moved.
-bool IsBorder(const Hit& hit) {
+bool IsColumnBorder(const Hit& hit) {
   return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
+bool IsBorder(const Hit& hit) {
+  return IsColumnBorder(hit) || hit.owner == kBorders;
+}
+
+int CursorOver(const Hit& hit) {
+  return hit.owner == kBorders ? BorderCursor(hit)
+         : IsColumnBorder(hit) ? kSizeCursor
+                               : kArrowCursor;
 }
 
 void SetHover(Console* c, const Hit& hit) {
   if (hit == c->hover) return;
   c->damage |= PaneOf(c->hover) | PaneOf(hit);
-  if (IsBorder(hit) != IsBorder(c->hover))
-    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
+  if (CursorOver(hit) != CursorOver(c->hover)) XwSetCursor(c->window, CursorOver(hit));
   c->hover = hit;
 }
 
@@ -76,7 +85,15 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane;
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height, c->panes);
+  // Below the rows: none moves when it comes or goes.
+  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  PlaceControls(c);
+  c->damage |= kAllPanes;
 }
 
 namespace {
@@ -112,7 +129,7 @@ namespace {
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
   Table& table = files ? c->files.table : c->queue.table;
-  if (IsBorder(hit)) {
+  if (IsColumnBorder(hit)) {
     if (twice) table.ResetColumns();
     table.Press(hit, Inp.px);
     return;
@@ -133,11 +150,18 @@ void Press(Console* c) {
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
   if (hit.owner == kPlaces) PressPlace(c, hit);
+  if (hit.owner == kPrinters) PressPrinter(c, hit);
+  if (hit.owner == kBorders) PressBorder(c, hit, twice);
 }
 
 // The secondary button opens the menu of the row, or of all that are selected with it.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
+  if (hit.owner == kPrinters && hit.part != SideList::kBody) {
+    PressPrinter(c, hit);
+    DrawConsole(c);
+    return OpenContextMenu(c, kOnPrinters);
+  }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
   Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
   if (table.HoldsRow()) return;
@@ -172,6 +196,9 @@ void Use(Console* c, const Hit& hit) {
     case kPlaces:
       UsePlace(c, hit);
       break;
+    case kPrinters:
+      UsePrinter(c, hit);
+      break;
     case kCrumbs:
       PressCrumb(c, hit.index);
       break;
@@ -189,7 +216,7 @@ void ReleaseTables(Console* c) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
-  XwTimer(c->window, kDragTimer, 0);
+  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
   if (std::exchange(c->queue_waits, false)) c->queue.Fill();
   ShowHeldReading(c);
 }
@@ -202,6 +229,7 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
+  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -214,9 +242,10 @@ void Motion(Console* c) {
     }
     scrolls = scrolls || table->ScrollsByDrag();
   }
-  XwTimer(c->window, kDragTimer, 0);
-  if (scrolls) XwTimer(c->window, kDragTimer, kDragMs);
+  if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
+    XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
   // A border is under the pointer as long as it is held.
+  if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
@@ -230,6 +259,8 @@ void Scrolled(float, float dy) {
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
   if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
   if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
+  if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
+    c->damage |= kPrintersPane;
   DrawConsole(c);
 }
 
@@ -266,6 +297,7 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
+  if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
   if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
     c->tools.ChangePriority(type == '+' ? 1 : -1);
     c->damage |= kToolsPane;
@@ -285,7 +317,7 @@ void MoveFocus(Console* c, int by) {
 void Escape(Console* c) {
   StopReading(c);
   if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ForgetMessage();
+  c->status.ReadMessage();
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
@@ -315,8 +347,10 @@ void Key(Console* c, int type) {
 // --- Time
 
 void ServerChanged(Console* c, ServerState state) {
-  if (state.away_times != c->state.away_times) c->status.away_s = 0;
+  if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
+  if (c->banner.Follow()) LayOutWindow(c);
+  StartServerByItself(c);
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
@@ -325,7 +359,8 @@ void ServerChanged(Console* c, ServerState state) {
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
   c->queue_waits = c->queue.table.HoldsRow();
   if (!c->queue_waits) c->queue.Fill();
-  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  PrintersCame(c);
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
 }
@@ -339,6 +374,8 @@ void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
+  ++c->banner.away_s;
+  if (c->banner.shown) c->damage |= kBannerPane;
   Remember(c);
 }
 
@@ -494,7 +531,7 @@ void CloseConsole(Console* c) {
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {
-  c->status.Tell(good, utf8);
+  c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
   c->damage |= kStatusPane;
 }
 
@@ -509,10 +546,15 @@ void DrawConsole(Console* c) {
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
+  if (damage & kPrintersPane)
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
+                         c->state.link == Link::kAway);
+  if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
+  if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);

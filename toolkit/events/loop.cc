@@ -199,6 +199,7 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
   if (!ReceiveNextEvent(kEventDurationNoWait, &e)) return 0;
   if (e.cls != kToolkitEventClass) {
     Translate(&e);
+    DropRequestedContext();
     return Inp.type;
   }
   TakeRecord(e);
