@@ -23,6 +23,7 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kSelectAllCommand,
   kRetryCommand,
   kDismissCommand,
   kPausePrinterCommand,

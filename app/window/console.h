@@ -114,6 +114,10 @@ struct Console {
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
   bool start_tried = false;                   // by itself, since the server was there last
+  // Came while a row was held, and are shown when it is let go.
+  std::unique_ptr<FolderReading> held_reading;
+  bool queue_waits = false;
+  bool scrolls_by_drag = false;  // the timer runs
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
@@ -133,7 +137,7 @@ struct Console {
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
@@ -176,6 +180,7 @@ void EnterFolder(Console* c, const std::string& path, const std::string& select)
 void GoUp(Console* c);
 // Results of the reader and of the watch.
 void FolderCame(Console* c, FolderReading* reading);
+void ShowHeldReading(Console* c);
 void FolderChanged(Console* c);
 void ShowSilence(int seconds);
 // Says that something is being read.
@@ -184,7 +189,7 @@ void ShowWait(Console* c);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; of a file it says how it is printed.
+// Enters the folder that is selected alone; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
@@ -263,7 +268,11 @@ void ShowPreview(void* data, int taken);
 bool CanPrint(const Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
+// All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
+// Of the table that has the keyboard.
+bool CanSelectAll(const Console* c);
+void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
 // Whether the window may close at once; else the question is shown, over everything else.
