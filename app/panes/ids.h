@@ -38,6 +38,7 @@ enum CommandId {
   kShowPlacesCommand,
   kShowPrintersCommand,
   kShowDetailsCommand,
+  kPaneSizeCommand,
   kCommandsEnd
 };
 

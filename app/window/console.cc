@@ -373,6 +373,7 @@ void ShowProgress(Console* c) {
 void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
+  WatchPlaces(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
   ++c->banner.away_s;
   if (c->banner.shown) c->damage |= kBannerPane;
@@ -547,8 +548,7 @@ void DrawConsole(Console* c) {
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
   if (damage & kPrintersPane)
-    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
-                         c->state.link == Link::kAway);
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters));
   if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));

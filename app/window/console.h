@@ -100,6 +100,7 @@ struct Console {
   FolderWatch watch;
   PlacesReader places_reader;
   int places_asked = 0;        // readings
+  int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
   int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
@@ -210,6 +211,8 @@ void BeginPlaces(Console* c, const std::string& folder);
 void FollowInPlaces(Console* c);
 // Something may have changed: they are read again.
 void RefreshPlaces(Console* c);
+// What a tick does: says when the reading takes long.
+void WatchPlaces(Console* c);
 void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
