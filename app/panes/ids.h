@@ -25,6 +25,7 @@ enum CommandId {
   kStartServerCommand,
   kRetryCommand,
   kDismissCommand,
+  kPreferencesCommand,
   kCommandsEnd
 };
 

@@ -48,8 +48,8 @@ void About(Console* c) {
   Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
 }
 
-enum Menu : uint8_t { kFileMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
-constexpr const char* kTitles[kMenus] = {"File", "Queue", "View", "Help"};
+enum Menu : uint8_t { kFileMenu, kEditMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
+constexpr const char* kTitles[kMenus] = {"File", "Edit", "Queue", "View", "Help"};
 // Where a key without Control counts.
 enum Where : uint8_t { kNowhere, kInFiles, kInQueue, kInBoth };
 
@@ -70,6 +70,7 @@ constexpr Command kCommands[] = {
     {kOpenCommand, kFileMenu, false, "Open", HasSelection, OpenSelected, 'o', kInFiles, XWE_RETURN},
     {kPrintCommand, kFileMenu, false, "Print", CanPrint, PrintSelected, 'p'},
     {kCloseCommand, kFileMenu, true, "Close Window", Always, Leave, 'w'},
+    {kPreferencesCommand, kEditMenu, false, "Preferences\xC9", Always, ShowPreferences, ','},
     {kHoldCommand, kQueueMenu, false, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>, 'h',
      kInQueue, 'h'},
     {kReleaseCommand, kQueueMenu, false, "Release", CanDo<JobAction::kRelease>,

@@ -39,8 +39,8 @@ enum Pane : unsigned {
 enum class FocusStop {
   kFiles,
   kQueue,
-  kRetry,
   kStartServer,
+  kRetry,
   kPrint,
   kPrinter,
   kProfile,
@@ -66,6 +66,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 struct ServerStart;
@@ -177,6 +178,7 @@ void ShowDocument(Console* c, const char* path);
 void OpenFiles(Console* c, const FilesToOpen& files);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
@@ -193,10 +195,22 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -211,6 +225,8 @@ bool CanPrint(const Console* c);
 void PrintSelected(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

@@ -47,7 +47,7 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
 
   // It is given up, tried again, killed, and comes back: the file arrives once, whole.
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_NE(c_->status.ServerText().find("next try in"), std::string::npos);
+  EXPECT_NE(c_->banner.Text().find("does not answer. Next try in"), std::string::npos);
   EXPECT_EQ(LinkColor(), kBad);
   EXPECT_FALSE(c_->state.printers->empty());
   daemon.Stop(SIGKILL);
@@ -213,7 +213,9 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   EXPECT_EQ(typed("bq"), "brochure.pdf") << "what is not there selects nothing else";
   Turn(70);
   c_->files.table.Select(-1);
-  for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kCopies}) {
+  ASSERT_TRUE(Until([&] { return c_->banner.shown; }));
+  for (const FocusStop stop :
+       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -271,11 +273,16 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
     return pixels;
   };
   const auto before = line();
-  Tell(c_, false, "Something went wrong, and this line says what");
+  Tell(c_, true, "Something went well, and this line says what");
   DrawConsole(c_);
   Turn(10);
   EXPECT_NE(line(), before);
   Turn(330);
+  EXPECT_EQ(line(), before);
+  Tell(c_, false, "Something went wrong");
+  Turn(330);
+  EXPECT_EQ(c_->status.message().text, "Something went wrong") << "until it is read";
+  Key(0xFF1B);
   EXPECT_EQ(line(), before);
   EXPECT_TRUE(AskBeforeQuit(c_)) << "nothing waits";
   EXPECT_FALSE(c_->asking);
@@ -519,7 +526,7 @@ TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), "");
-  EXPECT_FALSE(c_->status.message().good);
+  EXPECT_TRUE(c_->status.HasError());
 }
 
 TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
