@@ -1,5 +1,5 @@
-// The strip over the status line while the server is away: why, when it is tried again, and what can
-// be done about it.
+// The strip over the status line while the server is away: why, when it is tried again, and what
+// can be done about it.
 #pragma once
 #include <string>
 
@@ -30,7 +30,7 @@ struct AwayBanner {
   const ServerState& state;
   const std::string& host;
   bool shown = false;
-  int away_s = 0;  // since the server went away
+  int away_s = 0;                                      // since the server went away
   XwWindow *retry = nullptr, *start_server = nullptr;  // of commands
 };
 

@@ -100,11 +100,10 @@ std::string StatusPane::ServerText() const {
 
 void StatusPane::MakeControls(XwWindow* window) {
   constexpr uint32_t kShape = XWC_ENABLED | XWC_ICON;
-  stop_sending = XwButton(window, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9,
-                          kShape, 0);
+  stop_sending =
+      XwButton(window, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9, kShape, 0);
   XwDescribeControl(stop_sending, "Stop Sending");
-  dismiss =
-      XwButton(window, ButtonIcon(ToolIcon::kCross), kDismissCommand, 0, 0, 9, 9, kShape, 0);
+  dismiss = XwButton(window, ButtonIcon(ToolIcon::kCross), kDismissCommand, 0, 0, 9, 9, kShape, 0);
   XwDescribeControl(dismiss, "Dismiss Message");
 }
 
@@ -150,8 +149,7 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   if (t) DrawSending(this, *t);
   Area middle = Middle();
   const Message told = message();
-  if (told.text.empty())
-    return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
+  if (told.text.empty()) return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
   if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
   DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(told.text),
             told.tone == Tone::kBad ? l.bad : l.second);

@@ -49,7 +49,9 @@ uint64_t DigestOfLists(const ServerState& s) {
   for (const NC_Job& j : *s.jobs)
     d << j.document << j.owner << j.printer << j.text << int(j.state) << j.priority << j.copies
       << j.size << j.printed;
-  for (const NC_Printer& p : *s.printers) d << p.name << int(p.state) << p.jobs << p.paper;
+  for (const NC_Printer& p : *s.printers)
+    d << p.name << int(p.state) << p.jobs << p.paper << p.paused << p.accepting << p.is_default
+      << p.reasons << p.supplies;
   for (const NC_Profile& p : *s.profiles) d << p.name;
   return d.value();
 }
@@ -179,9 +181,8 @@ void Server::Use(const std::string& host) {
     shared_->period_ms = old->period_ms;
     shared_->state.away_times = old->state.away_times;
   }
+  show(shared_->state);
   Start(std::move(show));
-  const Locked lock(shared_.get());
-  shared_->Published();
 }
 
 void Server::SetPeriod(int ms) {

@@ -31,6 +31,9 @@ inline JobId IdOf(const NC_Job& job) {
   return std::to_array(job.id);
 }
 
+// What is to be set in a printer.
+enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, kPaperLoaded };
+
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
   std::string path, document, owner;
@@ -103,7 +106,7 @@ class Server {
   const std::string& host() const { return host_; }
   // Leaves this server for another one. The connections are closed; what was not sent, and changes
   // that were not answered, are given up: none of it goes to the other server. The state begins
-  // again with empty lists; numbers go on.
+  // again with empty lists, and is shown at once; numbers go on.
   void Use(const std::string& host);
   // How often the lists are asked for. A new period asks at once.
   void SetPeriod(int ms);
@@ -118,6 +121,10 @@ class Server {
   // Tries a failed one again.
   void Retry(int number);
   void Change(const JobId& id, JobAction action);
+  // Sets something of a printer; a notice tells what has come of it.
+  void ChangePrinter(const std::string& name, PrinterSetting setting);
+  // Moves the jobs of a printer that have not ended to another one; told in the same way.
+  void MoveJobs(const std::string& printer, const std::string& target);
   // Asks again now; when it is away: tries now.
   void Refresh();
 

@@ -251,7 +251,7 @@ void Worker::Serve(int connect_ms) {
     if (refresh) retry_ms_ = 0;
     if (!TryToConnect(connect_ms)) return;
   }
-  bool good = MakeChanges();
+  bool good = MakeChanges() && ChangePrinters();
   if (good && next_poll_ <= MonotonicMs()) {
     good = Poll();
     if (good) RemoveUnwanted();
@@ -268,7 +268,9 @@ void Worker::Serve(int connect_ms) {
 void Worker::Wait() {
   Locked lock(shared_);
   const bool connected = shared_->open[kLists] >= 0;
-  if (shared_->stop || shared_->refresh || (connected && !shared_->changes.empty())) return;
+  if (shared_->stop || shared_->refresh ||
+      (connected && !(shared_->changes.empty() && shared_->printer_changes.empty())))
+    return;
   const int64_t now = MonotonicMs();
   int64_t until = connected ? next_poll_ : shared_->retry_at;
   for (const Transfer& t : shared_->state.transfers)

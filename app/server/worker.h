@@ -35,6 +35,13 @@ class Worker {
   void ForgetFinished();
   void ForgetBroken();
   void RemoveUnwanted();
+
+  // Changes of printers (printers.cc).
+  bool ChangePrinters();
+  bool NextPrinterChange(PrinterChange* change, NC_Printer* printer);
+  int SetPrinter(const PrinterChange& change, const NC_Printer& printer);
+  int MoveAllJobs(const PrinterChange& change);
+
   void Serve(int connect_ms);
   void Wait();
 

@@ -11,7 +11,9 @@
 #include "app/panes/details.h"
 #include "app/panes/files.h"
 #include "app/panes/ids.h"
+#include "app/panes/needs.h"
 #include "app/panes/places.h"
+#include "app/panes/printers.h"
 #include "app/panes/queue.h"
 #include "app/panes/status.h"
 #include "app/panes/tools.h"
@@ -19,6 +21,7 @@
 #include "app/work/arguments.h"
 #include "app/work/folder_reader.h"
 #include "app/work/folder_watch.h"
+#include "app/work/places_reader.h"
 #include "app/work/preferences_file.h"
 
 namespace console {
@@ -31,12 +34,16 @@ enum Pane : unsigned {
   kDetailsPane = 8,
   kQueuePane = 16,
   kStatusPane = 32,
-  kBannerPane = 64,
-  kAllPanes = 127
+  kPrintersPane = 64,
+  kNeedsPane = 128,
+  kBannerPane = 256,
+  kAllPanes = 511
 };
 
 // Where the keyboard is; Tab goes through them in this order.
 enum class FocusStop {
+  kPlaces,
+  kPrinters,
   kFiles,
   kQueue,
   kStartServer,
@@ -87,14 +94,17 @@ struct Console {
   uint32_t last_press = 0;  // for double clicks
   // Buttons of commands: each is enabled when its command can be run.
   std::vector<XwWindow*> buttons;
+  std::vector<std::string> button_tips;  // as they show now
 
   // What is known, and what has been chosen. Results come to reader, watch and server.
   FolderReader reader;
   FolderWatch watch;
-  PlaceFinder finder;
-  int reading_s = 0;        // since the present reading was asked for
-  int silent_s = 0;         // that the watch has had no answer; 0 as long as that is not long
-  int posted_silent_s = 0;  // the same, on its way
+  PlacesReader places_reader;
+  int places_asked = 0;        // readings
+  std::string places_pressed;  // the path of the row
+  int reading_s = 0;           // since the present reading was asked for
+  int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;     // the same, on its way
   PreviewMaker previews;
   PreviewSubject previewed;  // what was asked for last
   Server server;
@@ -108,8 +118,15 @@ struct Console {
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
+  PaneSizes panes;
+  int border_grip = 0;  // where beside a border it was pressed
+  Printers printers;
+  std::string printer_pressed;  // name
+
   ToolsPane tools{&choice};
-  PlacesPane places{layout, {}, ""};
+  PrintersPane printer_list{layout, printers};
+  NeedsPane needs{layout, printers};
+  PlacesPane places{layout};
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
   QueuePane queue{layout, state};
@@ -123,12 +140,16 @@ enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
 // one above it. Null when the display refuses. One console a process.
 Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered = {});
+// The one that is open; null when none is.
+Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);
+// For the window's present size and what is wanted of the panes.
+void LayOutWindow(Console* c);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
@@ -145,8 +166,10 @@ void UpdateControls(Console* c);
 void UseControl(Console* c, int id, int value);
 // A report of an edit box: 788 (gained or lost), 789, 790.
 void UseEditBox(Console* c, int type, int id, bool gained);
-// The control of a stop; null for the tables.
+// The control of a stop; null for the tables and lists.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
+// Whether Tab stops there now.
+bool CanStopAt(const Console* c, FocusStop stop);
 
 // --- The folder (browsing.cc)
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
@@ -169,13 +192,43 @@ void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
 void SetFilter(Console* c, const std::string& text);
 void PressCrumb(Console* c, int index);
-void FindPlaces(Console* c);
 // The one that is shown does not answer.
 bool FolderIsSilent(const Console* c);
 // A document that the desktop asks to open.
 void ShowDocument(Console* c, const char* path);
 // The files that the program was started with: the first is selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
+
+// --- The places (places.cc)
+// Begins to read them. `folder` is the one that will be shown.
+void BeginPlaces(Console* c, const std::string& folder);
+// They mark the folder that is shown now.
+void FollowInPlaces(Console* c);
+// Something may have changed: they are read again.
+void RefreshPlaces(Console* c);
+void PressPlace(Console* c, const Hit& hit);
+void UsePlace(Console* c, const Hit& hit);
+void PlacesKey(Console* c, int type);
+
+// --- The printers (printers.cc)
+// After a new state of the server, or another choice.
+void PrintersCame(Console* c);
+// The strip of what somebody has to do something about comes or goes.
+void ShowNeeds(Console* c);
+void ChoosePrinter(Console* c, const std::string& name);
+void PressPrinter(Console* c, const Hit& hit);
+void UsePrinter(Console* c, const Hit& hit);
+void PrintersKey(Console* c, int type);
+
+// --- Sizes of the panes (panes.cc)
+void AddBorderHits(Console* c);
+// What the pointer looks like over a border.
+int BorderCursor(const Hit& hit);
+void PressBorder(Console* c, const Hit& hit, bool twice);
+void DragBorder(Console* c, const Hit& hit);
+// Between the window and the preferences.
+void RecallPanes(Console* c);
+void NotePanes(const Console* c, Preferences* p);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
 // It has not answered since it went: it is tried again, or will be.
@@ -222,6 +275,8 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
+std::string WhyNotPrint(const Console* c);
 void PrintSelected(Console* c);
 
 // --- Quitting (quit_confirmation.cc)

@@ -11,17 +11,24 @@ void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
+  c->needs.MakeControls(w);
+  c->places.MakeControls(w);
+  c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,       c->queue.hold,
-                c->queue.release, c->queue.remove, c->status.stop_sending, c->status.dismiss,
-                c->banner.retry, c->banner.start_server};
+  c->buttons = {c->tools.print,         c->tools.up,       c->tools.refresh,
+                c->queue.hold,          c->queue.release,  c->queue.remove,
+                c->status.stop_sending, c->status.dismiss, c->banner.retry,
+                c->banner.start_server, c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
   c->tools.Place(c->layout);
+  c->needs.Place();
+  c->places.Place();
+  c->printer_list.Place();
   c->files.Place();
   c->queue.Place();
   PlaceQuestion(c);
@@ -52,13 +59,19 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
   }
 }
 
+bool CanStopAt(const Console* c, FocusStop stop) {
+  if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
+  return stop != FocusStop::kPlaces || !c->layout.places.Empty();
+}
+
 namespace {
 
 // The keyboard goes where the stop is; with a control that cannot have it any more it goes back to
 // the files.
 void UpdateFocus(Console* c) {
   if (c->asking) return;
-  if (IsControl(c->stop) && !CanFocus(ControlAt(c, c->stop))) SetFocusStop(c, FocusStop::kFiles);
+  if (!CanStopAt(c, c->stop)) SetFocusStop(c, FocusStop::kFiles);
   XwWindow* wants = ControlAt(c, c->stop);
   XwWindow* has = XwGetFocus(c->window);
   if (wants && has != wants) XwFocusControl(wants);
@@ -70,10 +83,12 @@ void UpdateFocus(Console* c) {
 void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
   c->status.Update();
-  for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
+  ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
+  c->places.list.Enable(!c->asking);
+  c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
 }
 
@@ -97,15 +112,23 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
 void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
+  if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
   if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
+  if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
 }
 
 bool CanPrint(const Console* c) {
   const int row = c->files.table.selected();
   return row >= 0 && !c->files.folder.At(row).folder;
+}
+
+// Before the printers are known the document waits for the server, and goes to its default.
+std::string WhyNotPrint(const Console* c) {
+  return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 
 void PrintSelected(Console* c) {
@@ -122,8 +145,7 @@ void PrintSelected(Console* c) {
   order.hold = c->choice.hold;
   c->server.Send(std::move(order));
   ++c->just_sent;
-  if (IsAway(c->state.link))
-    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+  if (IsAway(c->state.link)) Tell(c, true, "It will be sent when " + c->server.host() + " is back");
 }
 
 }  // namespace console

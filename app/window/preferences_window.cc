@@ -146,11 +146,13 @@ bool MayLeaveServer(const Console* c) {
 }
 
 void ChangeServer(Console* c, const std::string& server) {
-  c->server.Use(server);
+  // Printers and profiles were the other server's.
+  c->printers = {};
+  c->choice.printer.clear();
+  c->choice.profile.clear();
   c->just_sent = 0;
   c->start_tried = false;
-  c->choice.printer.clear();  // it was the other server's
-  c->choice.profile.clear();
+  c->server.Use(server);
 }
 
 void Save(PreferencesWindow* w) {
@@ -167,12 +169,11 @@ void Save(PreferencesWindow* w) {
   p.default_printer = changes ? "" : w->printer;
   if (!c->remembered.server_fixed) p.server = server;
   ClosePreferences();
-  if (changes)
-    ChangeServer(c, server);
-  else if (other_default)
-    c->choice.printer = p.default_printer;
+  if (changes) ChangeServer(c, server);
   c->server.SetPeriod(p.refresh_seconds * 1000);
   KeepPreferences(c, p);
+  if (other_default && !p.default_printer.empty()) ChoosePrinter(c, p.default_printer);
+  PrintersCame(c);
   StartServerByItself(c);
   c->damage = kAllPanes;
   DrawConsole(c);

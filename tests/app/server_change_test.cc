@@ -23,8 +23,12 @@ class ServerChangeTest : public ConsoleTest {
     Remembered remembered = Recall(path_);
     remembered.preferences.server = host;
     ConsoleTest::Open(host, std::move(remembered));
-    Node("");  // from now on what is drawn is described
+    platform::AddTreeListener(&listener_);
     Turn(2);
+  }
+  void TearDown() override {
+    platform::RemoveTreeListener(&listener_);
+    ConsoleTest::TearDown();
   }
   bool PreferencesShow() { return !Node("Server State").what.name.empty(); }
   void ClickNode(const std::string& name) {
@@ -33,6 +37,7 @@ class ServerChangeTest : public ConsoleTest {
     Turn(4);
   }
 
+  platform::TreeListener listener_;  // what is drawn is described
   const std::string path_ = home_.At("config/quorvik/console.conf");
 };
 
