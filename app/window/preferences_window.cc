@@ -288,7 +288,8 @@ void MakeControls(PreferencesWindow* w) {
 
 void Fill(PreferencesWindow* w) {
   const Remembered& r = w->console->remembered;
-  const std::string server = r.server_fixed ? w->console->server.host() : Host(r.preferences.server);
+  const std::string server =
+      r.server_fixed ? w->console->server.host() : Host(r.preferences.server);
   XwSetTextUtf8(w->server, server.c_str());
   XwSetTextUtf8(w->seconds, std::to_string(r.preferences.refresh_seconds).c_str());
   XwSetValue(w->start, r.preferences.start_local_server ? 1 : 0);
