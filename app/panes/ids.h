@@ -26,6 +26,7 @@ enum CommandId {
   kSelectAllCommand,
   kRetryCommand,
   kDismissCommand,
+  kPreferencesCommand,
   kPausePrinterCommand,
   kResumePrinterCommand,
   kRefuseJobsCommand,

@@ -181,9 +181,8 @@ void Server::Use(const std::string& host) {
     shared_->period_ms = old->period_ms;
     shared_->state.away_times = old->state.away_times;
   }
+  show(shared_->state);
   Start(std::move(show));
-  const Locked lock(shared_.get());
-  shared_->Published();
 }
 
 void Server::SetPeriod(int ms) {

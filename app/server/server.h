@@ -106,7 +106,7 @@ class Server {
   const std::string& host() const { return host_; }
   // Leaves this server for another one. The connections are closed; what was not sent, and changes
   // that were not answered, are given up: none of it goes to the other server. The state begins
-  // again with empty lists; numbers go on.
+  // again with empty lists, and is shown at once; numbers go on.
   void Use(const std::string& host);
   // How often the lists are asked for. A new period asks at once.
   void SetPeriod(int ms);

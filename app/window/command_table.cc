@@ -81,6 +81,8 @@ constexpr Command kCommands[] = {
     Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
 
     Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
+    Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
+        {.group = true, .key = ','}),
 
     Row(kHoldCommand, kQueueMenu, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>,
         {.key = 'h', .plain_key = 'h', .where = kInQueue, .contexts = kOnJobs}),

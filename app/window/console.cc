@@ -351,6 +351,8 @@ void ServerChanged(Console* c, ServerState state) {
   c->state = std::move(state);
   if (c->banner.Follow()) LayOutWindow(c);
   StartServerByItself(c);
+  RememberServer(c);
+  UpdatePreferences();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
@@ -443,6 +445,9 @@ int Handle(int type) {
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
       break;
+    case XWE_PREFERENCES:
+      ShowPreferences(c);
+      break;
     case XWE_CLOSE:
       Leave(c);
       break;
@@ -521,6 +526,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
 
 void CloseConsole(Console* c) {
   if (!c) return;
+  ClosePreferences();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();

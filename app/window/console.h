@@ -73,6 +73,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 struct ServerStart;
@@ -238,6 +239,7 @@ void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
@@ -254,10 +256,22 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -278,6 +292,8 @@ bool CanSelectAll(const Console* c);
 void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.
