@@ -80,6 +80,10 @@ constexpr Command kCommands[] = {
         {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
     Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
 
+    Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
+    Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
+        {.group = true, .key = ','}),
+
     Row(kHoldCommand, kQueueMenu, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>,
         {.key = 'h', .plain_key = 'h', .where = kInQueue, .contexts = kOnJobs}),
     Row(kReleaseCommand, kQueueMenu, "Release", CanDo<JobAction::kRelease>, Do<JobAction::kRelease>,
@@ -124,7 +128,7 @@ constexpr Command kCommands[] = {
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
         {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
-        {.key = XWE_UP, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
+        {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
     Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,

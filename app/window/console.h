@@ -74,6 +74,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 struct ServerStart;
@@ -116,6 +117,10 @@ struct Console {
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
   bool start_tried = false;                   // by itself, since the server was there last
+  // Came while a row was held, and are shown when it is let go.
+  std::unique_ptr<FolderReading> held_reading;
+  bool queue_waits = false;
+  bool scrolls_by_drag = false;  // the timer runs
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
@@ -135,7 +140,7 @@ struct Console {
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
@@ -178,6 +183,7 @@ void EnterFolder(Console* c, const std::string& path, const std::string& select)
 void GoUp(Console* c);
 // Results of the reader and of the watch.
 void FolderCame(Console* c, FolderReading* reading);
+void ShowHeldReading(Console* c);
 void FolderChanged(Console* c);
 void ShowSilence(int seconds);
 // Says that something is being read.
@@ -186,7 +192,7 @@ void ShowWait(Console* c);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; of a file it says how it is printed.
+// Enters the folder that is selected alone; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
@@ -232,6 +238,7 @@ void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
@@ -248,10 +255,22 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -265,9 +284,15 @@ void ShowPreview(void* data, int taken);
 bool CanPrint(const Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
+// All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
+// Of the table that has the keyboard.
+bool CanSelectAll(const Console* c);
+void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.
