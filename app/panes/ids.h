@@ -26,6 +26,7 @@ enum CommandId {
   kRetryCommand,
   kDismissCommand,
   kPreferencesCommand,
+  kListsCommand,
   kPausePrinterCommand,
   kResumePrinterCommand,
   kRefuseJobsCommand,

@@ -122,6 +122,7 @@ constexpr Command kCommands[] = {
         {.key = '8', .checked = ShowsPrinters}),
     Row(kShowDetailsCommand, kViewMenu, "Details", nullptr, ToggleDetails,
         {.key = '9', .checked = ShowsDetails}),
+    Row(kListsCommand, kViewMenu, "Scanners and Profiles", nullptr, ShowLists),
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
         {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
