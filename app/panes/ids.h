@@ -23,6 +23,7 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kSelectAllCommand,
   kRetryCommand,
   kDismissCommand,
   kPreferencesCommand,
@@ -39,6 +40,7 @@ enum CommandId {
   kShowPlacesCommand,
   kShowPrintersCommand,
   kShowDetailsCommand,
+  kPaneSizeCommand,
   kCommandsEnd
 };
 

@@ -209,13 +209,15 @@ void Server::Tick() {
   shared_->PublishQuiet();
 }
 
-int Server::Send(PrintOrder order) {
+int Server::Send(std::vector<PrintOrder> orders) {
   Locked lock(shared_.get());
-  Transfer t;
-  t.number = shared_->next_number++;
-  t.order = std::move(order);
-  t.started = time(nullptr);
-  shared_->state.transfers.push_back(std::move(t));
+  for (PrintOrder& order : orders) {
+    Transfer t;
+    t.number = shared_->next_number++;
+    t.order = std::move(order);
+    t.started = time(nullptr);
+    shared_->state.transfers.push_back(std::move(t));
+  }
   shared_->Published();
   pthread_cond_broadcast(&shared_->wake);
   return shared_->next_number - 1;

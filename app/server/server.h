@@ -122,8 +122,8 @@ class Server {
   void ShowProgress(std::vector<Transfer>* transfers) const;
   // To be called each second: a server that has been silent for another one is a new state.
   void Tick();
-  // The order's number as a transfer.
-  int Send(PrintOrder order);
+  // In this order, after those that wait already. The number of the last one as a transfer.
+  int Send(std::vector<PrintOrder> orders);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
   // Tries a failed one again.

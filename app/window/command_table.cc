@@ -80,6 +80,7 @@ constexpr Command kCommands[] = {
         {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
     Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
 
+    Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
     Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
         {.group = true, .key = ','}),
 
@@ -123,10 +124,12 @@ constexpr Command kCommands[] = {
     Row(kShowDetailsCommand, kViewMenu, "Details", nullptr, ToggleDetails,
         {.key = '9', .checked = ShowsDetails}),
     Row(kListsCommand, kViewMenu, "Scanners and Profiles", nullptr, ShowLists),
+    Row(kPaneSizeCommand, kViewMenu, "Size of This Pane", nullptr, nullptr,
+        {.choices = PaneSizeChoices, .choose = ChangePaneSize}),
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
         {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
-        {.key = XWE_UP, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
+        {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
     Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,

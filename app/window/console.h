@@ -101,6 +101,7 @@ struct Console {
   FolderWatch watch;
   PlacesReader places_reader;
   int places_asked = 0;        // readings
+  int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
   int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
@@ -115,6 +116,10 @@ struct Console {
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
   bool start_tried = false;                   // by itself, since the server was there last
+  // Came while a row was held, and are shown when it is let go.
+  std::unique_ptr<FolderReading> held_reading;
+  bool queue_waits = false;
+  bool scrolls_by_drag = false;  // the timer runs
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
@@ -134,7 +139,7 @@ struct Console {
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
@@ -177,6 +182,7 @@ void EnterFolder(Console* c, const std::string& path, const std::string& select)
 void GoUp(Console* c);
 // Results of the reader and of the watch.
 void FolderCame(Console* c, FolderReading* reading);
+void ShowHeldReading(Console* c);
 void FolderChanged(Console* c);
 void ShowSilence(int seconds);
 // Says that something is being read.
@@ -185,7 +191,7 @@ void ShowWait(Console* c);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; of a file it says how it is printed.
+// Enters the folder that is selected alone; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
@@ -206,6 +212,8 @@ void BeginPlaces(Console* c, const std::string& folder);
 void FollowInPlaces(Console* c);
 // Something may have changed: they are read again.
 void RefreshPlaces(Console* c);
+// What a tick does: says when the reading takes long.
+void WatchPlaces(Console* c);
 void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
@@ -284,7 +292,11 @@ void ShowPreview(void* data, int taken);
 bool CanPrint(const Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
+// All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
+// Of the table that has the keyboard.
+bool CanSelectAll(const Console* c);
+void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
 // Documents that are given up when the console leaves the server.

@@ -85,12 +85,21 @@ void UpdateControls(Console* c) {
   c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
+  c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
   c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
 }
+
+namespace {
+
+bool NothingIsChosen(const Console* c) {
+  return c->files.Chosen().files + c->files.Chosen().folders == 0;
+}
+
+}  // namespace
 
 void UseEditBox(Console* c, int type, int id, bool gained) {
   const bool filter = id == kFilterControl;
@@ -101,7 +110,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_CHANGED) SetFilter(c, c->files.FilterText());
   // The report of its Escape takes that key's place.
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
-  if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);
+  if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
@@ -122,8 +131,7 @@ void UseControl(Console* c, int id, int value) {
 }
 
 bool CanPrint(const Console* c) {
-  const int row = c->files.table.selected();
-  return row >= 0 && !c->files.folder.At(row).folder;
+  return c->files.Chosen().files > 0;
 }
 
 // Before the printers are known the document waits for the server, and goes to its default.
@@ -132,20 +140,40 @@ std::string WhyNotPrint(const Console* c) {
 }
 
 void PrintSelected(Console* c) {
-  const int row = c->files.table.selected();
-  PrintOrder order;
-  order.path = c->files.folder.PathOf(row);
-  order.document = c->files.folder.At(row).name;
-  order.owner = OS_GetUserName();
+  PrintOrder usual;
+  usual.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
-  order.printer = printer ? printer->name : c->choice.printer;
-  order.profile = c->choice.profile;
-  order.copies = c->choice.copies;
-  order.priority = c->choice.priority;
-  order.hold = c->choice.hold;
-  c->server.Send(std::move(order));
-  ++c->just_sent;
-  if (IsAway(c->state.link)) Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+  usual.printer = printer ? printer->name : c->choice.printer;
+  usual.profile = c->choice.profile;
+  usual.copies = c->choice.copies;
+  usual.priority = c->choice.priority;
+  usual.hold = c->choice.hold;
+  std::vector<PrintOrder> orders;
+  for (const std::string& name : c->files.selection.Ids()) {
+    const int row = c->files.folder.Find(name);
+    if (c->files.folder.At(row).folder) continue;
+    PrintOrder& order = orders.emplace_back(usual);
+    order.path = c->files.folder.PathOf(row);
+    order.document = name;
+  }
+  c->just_sent += int(orders.size());
+  c->server.Send(std::move(orders));
+  if (IsAway(c->state.link))
+    Tell(c, true,
+         (c->just_sent > 1 ? "They" : "It") +
+             (" will be sent when " + c->server.host() + " is back"));
+}
+
+bool CanSelectAll(const Console* c) {
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue;
+}
+
+void SelectAll(Console* c) {
+  if (c->stop == FocusStop::kQueue)
+    c->queue.selection.All();
+  else
+    c->files.selection.All();
+  c->damage = kAllPanes;
 }
 
 }  // namespace console

@@ -527,7 +527,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   PrintOrder order;
   order.path = home_.At("gone.pdf");
   order.document = "gone.pdf";
-  const int gone = c_->server.Send(order);
+  const int gone = c_->server.Send({order});
   ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
   c_->server.Cancel(gone);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
@@ -535,7 +535,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   daemon.Start();
   c_->server.Refresh();
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  const int missing = c_->server.Send(order);
+  const int missing = c_->server.Send({order});
   ASSERT_TRUE(Until([&] {
     return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
   }));
@@ -544,7 +544,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   c_->server.Retry(missing);
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->queue.rows.size() == 1; }));
   order.printer = "No such printer";
-  c_->server.Send(order);
+  c_->server.Send({order});
   ASSERT_TRUE(Until([&] {
     return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
   }));
