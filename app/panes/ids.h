@@ -27,6 +27,7 @@ enum CommandId {
   kRetryCommand,
   kDismissCommand,
   kPreferencesCommand,
+  kListsCommand,
   kPausePrinterCommand,
   kResumePrinterCommand,
   kRefuseJobsCommand,

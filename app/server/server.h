@@ -73,6 +73,13 @@ struct PendingChange {
   JobAction action;
 };
 
+// What is asked for now and then.
+struct ServerLists {
+  std::vector<NC_Scanner> scanners;
+  std::vector<NC_Profile> profiles;
+  std::vector<std::string> printers;  // of each profile, the only one that has it; "": any
+};
+
 // What is known. The lists stay when the server goes away.
 struct ServerState {
   Link link = Link::kConnecting;
@@ -84,6 +91,7 @@ struct ServerState {
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
+  std::shared_ptr<const ServerLists> lists;                 // null until they have come
   std::vector<Transfer> transfers;
   std::vector<PendingChange> pending;
   std::vector<Notice> notices;    // the last few
@@ -125,6 +133,14 @@ class Server {
   void ChangePrinter(const std::string& name, PrinterSetting setting);
   // Moves the jobs of a printer that have not ended to another one; told in the same way.
   void MoveJobs(const std::string& printer, const std::string& target);
+  // Scanners and profiles, which come as `lists`.
+  void AskLists();
+  // Has the server start its scan server. There is no answer.
+  void StartScan(const std::string& scanner);
+  // Fetches the gamut file of a profile: of that printer ("": none), else the one for all. It is
+  // saved in `folder` under the profile's name, with a number where that is taken. A notice tells
+  // what has come of it.
+  void SaveGamut(const std::string& profile, const std::string& printer, const std::string& folder);
   // Asks again now; when it is away: tries now.
   void Refresh();
 

@@ -123,6 +123,7 @@ constexpr Command kCommands[] = {
         {.key = '8', .checked = ShowsPrinters}),
     Row(kShowDetailsCommand, kViewMenu, "Details", nullptr, ToggleDetails,
         {.key = '9', .checked = ShowsDetails}),
+    Row(kListsCommand, kViewMenu, "Scanners and Profiles", nullptr, ShowLists),
     Row(kPaneSizeCommand, kViewMenu, "Size of This Pane", nullptr, nullptr,
         {.choices = PaneSizeChoices, .choose = ChangePaneSize}),
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,

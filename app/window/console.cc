@@ -355,6 +355,7 @@ void ServerChanged(Console* c, ServerState state) {
   StartServerByItself(c);
   RememberServer(c);
   UpdatePreferences();
+  UpdateLists();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
@@ -529,6 +530,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
 void CloseConsole(Console* c) {
   if (!c) return;
   ClosePreferences();
+  CloseLists();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();

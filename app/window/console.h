@@ -272,6 +272,13 @@ void ClosePreferences();
 // The server's state has changed.
 void UpdatePreferences();
 
+// --- The window of scanners and profiles (lists_window.cc)
+// One at most; comes to the front.
+void ShowLists(Console* c);
+void CloseLists();
+// The server's state has changed.
+void UpdateLists();
+
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
 void UpdatePreview(Console* c);

@@ -3,6 +3,9 @@
 #include <netinet/in.h>
 #include <signal.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+
+#include <fstream>
 
 #include "platform/events/timers.h"
 #include "tests/app/console_fixture.h"
@@ -132,6 +135,47 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
     EXPECT_TRUE(testing_daemon::Jobs(fd).empty());
     NC_Disconnect(fd);
   }
+}
+
+TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) {
+  Daemon daemon;
+  const std::string asked = home_.At("asked");
+  const std::string config =
+      "[server]\nscan-command=/bin/sh " + home_.File("scan", "echo \"$1 $2\" > " + asked) +
+      " %1 %2\n[printer]\nname=Proof\n[printer]\nname=Wide\n"
+      "[profile]\nname=Coated\nprinter=Wide\ndpi=600x300\n[profile]\nname=Bare\n"
+      "[scanner]\nname=Flatbed\n[scanner]\nname=Drum\n";
+  daemon.Start({"--config", daemon.WriteFile("lists", config)});
+  mkdir(daemon.Path("gamut/Wide").c_str(), 0700);
+  std::ofstream(daemon.Path("gamut/Wide/Coated")) << "of the wide one";
+  std::ofstream(daemon.Path("gamut/Coated")) << "of all";
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  ShowLists(c_);
+  ASSERT_TRUE(Until([&] { return Node("Flatbed").what.value == "scanner"; }));
+
+  // Twice: the first one stays as it is. The profile without a file says so.
+  const auto told = [this](const std::string& text) {
+    return Until([&] { return c_->status.message().text.find(text) != std::string::npos; });
+  };
+  ClickNode("Coated");
+  ClickNode("Save Gamut File");
+  EXPECT_TRUE(told("Saved"));
+  home_.File("Coated", "mine now");
+  ClickNode("Save Gamut File");
+  EXPECT_TRUE(told("Coated 2"));
+  EXPECT_EQ(ReadFile(home_.At("Coated")), "mine now");
+  EXPECT_EQ(ReadFile(home_.At("Coated 2")), "of the wide one");
+  ClickNode("Bare");
+  ClickNode("Save Gamut File");
+  EXPECT_TRUE(told("no gamut file"));
+  EXPECT_FALSE(c_->status.HasError());
+
+  ClickNode("Flatbed");
+  Key(kReturnKey);
+  EXPECT_TRUE(Until([&] { return ReadFile(asked) == "Flatbed mia\n"; }));
+  Key(kEscapeKey);
+  EXPECT_TRUE(Node("Flatbed").what.name.empty());
 }
 
 // A peer that takes connections and never says a word.
