@@ -51,7 +51,7 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
 
-enum class ToolIcon : uint8_t { kUp, kRefresh, kPlus, kMinus, kCross };
+enum class ToolIcon : uint8_t { kRefresh, kOptions, kCross };
 // 16 x 16, for buttons; kept for the life of the process.
 XwIcon* ButtonIcon(ToolIcon icon);
 

@@ -1,6 +1,9 @@
 // The commands: one table (command_table.h) makes the menus, what buttons and keys do, and what is
 // greyed.
 #pragma once
+#include <cstdint>
+#include <string>
+
 #include "app/panes/ids.h"
 
 namespace console {
@@ -8,8 +11,8 @@ namespace console {
 struct Console;
 
 // What context menus are about, as bits.
-enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnPlaces = 8 };
-constexpr int kContexts = 4;
+enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnPlaces = 8, kOnOptions = 16 };
+constexpr int kContexts = 5;
 
 // Gives the first window its menu bar.
 void SetUpCommands(Console* c);
@@ -23,6 +26,8 @@ void ShowButtons(Console* c);
 void RunCommand(Console* c, int command);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
+// "Ctrl+Shift+H"; "" for no key.
+std::string KeyText(int key, uint32_t modifiers);
 // A key of a command that cannot be run: the status line says why, where there is a reason.
 void TellWhyNot(Console* c, int command);
 // At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.

@@ -6,6 +6,7 @@
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
+#include "app/window/help.h"
 #include "app/window/program_icon.h"
 
 namespace console {
@@ -230,10 +231,10 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
-  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
-    c->tools.ChangePriority(type == '+' ? 1 : -1);
-    c->damage |= kToolsPane;
-  }
+  const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
+  if (!by || c->stop != FocusStop::kPriority) return;
+  c->tools.ChangePriority(by);
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 // What is disabled is passed over.
@@ -311,6 +312,20 @@ void OnTimer(Console* c, int timer) {
     SetUpProgramIcon();
   }
   if (MayLeaveNow(c)) Quit(c);
+}
+
+// The Menu key, for what is selected where the keyboard is.
+void OpenMenuByKey() {
+  Console* c = g_console;
+  if (!c || c->asking) return;
+  const bool jobs = c->stop == FocusStop::kQueue;
+  if (!jobs && c->stop != FocusStop::kFiles) return;
+  const Table& table = jobs ? c->queue.table : c->files.table;
+  const Area row = table.RowArea(table.selected());
+  const Area& at = row.Empty() ? (jobs ? c->layout.queue_head : c->layout.folder_head) : row;
+  XwPopupLocation(c->window, at.x + 30, at.bottom());
+  OpenContextMenu(c, jobs ? kOnJobs : kOnFiles);
+  DrawConsole(c);
 }
 
 void ShowActivity(int active) {
@@ -426,6 +441,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
+  XwSetContextMenuHandler(w, OpenMenuByKey);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
@@ -445,6 +461,7 @@ void CloseConsole(Console* c) {
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  CloseKeys();
   FinishRemembering(c);
   ForgetServerStart(c);
   g_console = nullptr;

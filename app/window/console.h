@@ -40,11 +40,15 @@ enum class FocusStop {
   kFiles,
   kQueue,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
   kCount
 };

@@ -15,8 +15,9 @@ void MakeControls(Console* c) {
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,       c->queue.hold,
-                c->queue.release, c->queue.remove, c->status.stop_sending, c->status.start_server};
+  c->buttons = {c->tools.print,   c->tools.refresh,       c->tools.colour,
+                c->tools.options, c->queue.hold,          c->queue.release,
+                c->queue.remove,  c->status.stop_sending, c->status.start_server};
 }
 
 void PlaceControls(Console* c) {
@@ -31,16 +32,24 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
     case FocusStop::kPrint:
       return c->tools.print;
+    case FocusStop::kRefresh:
+      return c->tools.refresh;
     case FocusStop::kPrinter:
       return c->tools.printer();
     case FocusStop::kProfile:
       return c->tools.profile();
+    case FocusStop::kMedia:
+      return c->tools.media();
     case FocusStop::kCopies:
       return c->tools.copies;
     case FocusStop::kPriority:
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kColour:
+      return c->tools.colour;
+    case FocusStop::kOptions:
+      return c->tools.options;
     case FocusStop::kFilter:
       return c->files.filter;
     default:
@@ -89,6 +98,9 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  // The report of a key takes its place, also of one that does nothing in a box.
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
@@ -98,6 +110,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
 void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
+  if (id == kPrinterControl) c->tools.FitMedia(c->state);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
@@ -119,11 +132,16 @@ void PrintSelected(Console* c) {
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
   order.printer = printer ? printer->name : c->choice.printer;
   order.profile = c->choice.profile;
+  order.media = c->choice.media;
   order.copies = c->choice.copies;
   order.priority = c->choice.priority;
   order.hold = c->choice.hold;
+  order.colour = c->choice.colour;
   c->server.Send(std::move(order));
   ++c->just_sent;
+  c->choice.AfterPrint();
+  c->tools.ShowChoice();
+  c->damage |= kToolsPane | kDetailsPane;
   if (c->state.link == Link::kAway)
     Tell(c, true, "It will be sent when " + c->server.host() + " is back");
 }
