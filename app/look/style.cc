@@ -22,6 +22,7 @@ Style MakeStyle() {
   l.scroll_ground = c(XWR_SCROLL_GROUND);
   l.good = c(XWR_GOOD), l.warning = c(XWR_WARNING), l.bad = c(XWR_BAD);
   l.normal = XWF_NORMAL, l.bold = XWF_BOLD, l.view = XWF_VIEW;
+  l.view_bold = LoadFont(XWF_VIEW->name, 12, 1);
   l.small_text = LoadFont(XWF_VIEW->name, 11, 0);
   l.caption = LoadFont(XWF_VIEW->name, 11, 1);
   l.heading = LoadFont(XWF_VIEW->name, 17, 1);

@@ -115,7 +115,7 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
               l.second);
     return;
   }
-  const bool away = pane->state.link == Link::kAway;
+  const bool away = IsAway(pane->state.link);
   DrawFact(&a, "Name", Shown(p->name));
   Area row = a.TakeTop(20);
   DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), "State", l.second);

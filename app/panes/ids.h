@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders, kNeeds };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -23,6 +23,20 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kRetryCommand,
+  kDismissCommand,
+  kPausePrinterCommand,
+  kResumePrinterCommand,
+  kRefuseJobsCommand,
+  kTakeJobsCommand,
+  kPaperLoadedCommand,
+  kMoveAllJobsCommand,
+  kMakeMineCommand,
+  kLoadPaperCommand,
+  kGoToPrintersCommand,
+  kShowPlacesCommand,
+  kShowPrintersCommand,
+  kShowDetailsCommand,
   kUndoCommand,
   kRedoCommand,
   kCutCommand,

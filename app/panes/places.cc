@@ -30,7 +30,7 @@ void PlacesPane::Begin(const std::string& folder) {
   const std::string home = OS_GetPathName(OS_FOLDER_HOME);
   PlacesListing nothing;
   nothing.request.root = home;
-  nothing.volumes = {{"Computer", "/", ""}, {"Home", home, ""}};
+  nothing.volumes = {{"Root", "/", ""}, {"Home", home, ""}};
   tree.Choose(LiesIn(folder, home) ? home : "/");
   nothing.request.root.clear();  // of no tree: the volumes alone are taken
   tree.Show(std::move(nothing));

@@ -299,7 +299,7 @@ bool QueuePane::CanChange(JobAction action) const {
                ? t->state != Sending::kCancelling
                : action == JobAction::kRelease && t->state == Sending::kFailed;
   const NC_Job* job = JobOf(this, *row);
-  if (!job || state.link == Link::kAway || PendingText(this, row->job)) return false;
+  if (!job || IsAway(state.link) || PendingText(this, row->job)) return false;
   switch (action) {
     case JobAction::kHold:
       return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING ||

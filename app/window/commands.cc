@@ -252,4 +252,33 @@ void OpenContextMenu(Console* c, ContextMenu context) {
   if (const int chosen = XwPopupMenu(menu)) RunCommand(c, chosen);
 }
 
+void OpenContextMenuByKey(Console* c) {
+  ContextMenu context;
+  Area row, list;
+  switch (c->stop) {
+    case FocusStop::kFiles:
+      context = kOnFiles;
+      list = c->layout.folder;
+      row = c->files.table.RowArea(c->files.table.selected());
+      break;
+    case FocusStop::kQueue:
+      context = kOnJobs;
+      list = c->layout.queue;
+      row = c->queue.table.RowArea(c->queue.table.selected());
+      break;
+    case FocusStop::kPrinters:
+      context = kOnPrinters;
+      list = c->layout.printers;
+      row = c->printer_list.list.RowArea(c->printer_list.list.at());
+      break;
+    default:
+      return;
+  }
+  // Of a row that does not show, at the top of its list.
+  constexpr int kFromLeft = 30;
+  const bool shows = row.y >= list.y && row.bottom() <= list.bottom();
+  XwPopupLocation(c->window, list.x + kFromLeft, shows ? row.bottom() : list.y);
+  OpenContextMenu(c, context);
+}
+
 }  // namespace console

@@ -11,8 +11,8 @@ namespace console {
 struct Console;
 
 // What context menus are about, as bits.
-enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnPlaces = 8, kOnOptions = 16 };
-constexpr int kContexts = 5;
+enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnOptions = 8 };
+constexpr int kContexts = 4;
 
 // Gives the first window its menu bar.
 void SetUpCommands(Console* c);
@@ -32,6 +32,8 @@ std::string KeyText(int key, uint32_t modifiers);
 void TellWhyNot(Console* c, int command);
 // At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.
 void OpenContextMenu(Console* c, ContextMenu context);
+// The same below what is selected where the keyboard is; nothing elsewhere.
+void OpenContextMenuByKey(Console* c);
 
 // --- What commands do besides the panes' own (console.cc)
 void RefreshAll(Console* c);

@@ -30,15 +30,13 @@ void AddAllHits(Console* c) {
     c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
+    c->needs.AddHits(&c->hits);
+    AddBorderHits(c);
   }
   c->hits.End();
-}
-
-void LayOutWindow(Console* c) {
-  c->layout = LayOut(c->window->width, c->window->height);
-  PlaceControls(c);
-  c->damage |= kAllPanes;
 }
 
 // The pane that a hit lies in.
@@ -51,6 +49,8 @@ unsigned PaneOf(const Hit& hit) {
       return kQueuePane;
     case kPlaces:
       return kPlacesPane;
+    case kPrinters:
+      return kPrintersPane;
     case kStatus:
       return kStatusPane;
     default:
@@ -59,15 +59,24 @@ unsigned PaneOf(const Hit& hit) {
 }
 
 // A border of columns that can be moved.
-bool IsBorder(const Hit& hit) {
+bool IsColumnBorder(const Hit& hit) {
   return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
+bool IsBorder(const Hit& hit) {
+  return IsColumnBorder(hit) || hit.owner == kBorders;
+}
+
+int CursorOver(const Hit& hit) {
+  return hit.owner == kBorders ? BorderCursor(hit)
+         : IsColumnBorder(hit) ? kSizeCursor
+                               : kArrowCursor;
 }
 
 void SetHover(Console* c, const Hit& hit) {
   if (hit == c->hover) return;
   c->damage |= PaneOf(c->hover) | PaneOf(hit);
-  if (IsBorder(hit) != IsBorder(c->hover))
-    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
+  if (CursorOver(hit) != CursorOver(c->hover)) XwSetCursor(c->window, CursorOver(hit));
   c->hover = hit;
 }
 
@@ -76,7 +85,15 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane;
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height, c->panes);
+  // Below the rows: none moves when it comes or goes.
+  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  PlaceControls(c);
+  c->damage |= kAllPanes;
 }
 
 namespace {
@@ -108,7 +125,7 @@ namespace {
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
   Table& table = files ? c->files.table : c->queue.table;
-  if (IsBorder(hit)) {
+  if (IsColumnBorder(hit)) {
     if (twice) table.ResetColumns();
     table.Press(hit, Inp.px);
     return;
@@ -130,11 +147,18 @@ void Press(Console* c) {
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
   if (hit.owner == kPlaces) PressPlace(c, hit);
+  if (hit.owner == kPrinters) PressPrinter(c, hit);
+  if (hit.owner == kBorders) PressBorder(c, hit, twice);
 }
 
 // The secondary button opens the menu of the row.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
+  if (hit.owner == kPrinters && hit.part != SideList::kBody) {
+    PressPrinter(c, hit);
+    DrawConsole(c);
+    return OpenContextMenu(c, kOnPrinters);
+  }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
   PressTable(c, hit, false);
   DrawConsole(c);
@@ -162,6 +186,9 @@ void Use(Console* c, const Hit& hit) {
     case kPlaces:
       UsePlace(c, hit);
       break;
+    case kPrinters:
+      UsePrinter(c, hit);
+      break;
     case kCrumbs:
       PressCrumb(c, hit.index);
       break;
@@ -182,6 +209,7 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
+  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -191,6 +219,7 @@ void Motion(Console* c) {
   if (queue) c->damage |= kQueuePane;
   if (files || queue) c->last_press = 0;  // what was dragged was not clicked
   // A border is under the pointer as long as it is held.
+  if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
@@ -204,6 +233,8 @@ void Scrolled(float, float dy) {
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
   if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
   if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
+  if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
+    c->damage |= kPrintersPane;
   DrawConsole(c);
 }
 
@@ -231,6 +262,7 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
+  if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
   const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
   if (!by || c->stop != FocusStop::kPriority) return;
   c->tools.ChangePriority(by);
@@ -250,7 +282,7 @@ void MoveFocus(Console* c, int by) {
 void Escape(Console* c) {
   StopReading(c);
   if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ForgetMessage();
+  c->status.ReadMessage();
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
@@ -277,8 +309,10 @@ void Key(Console* c, int type) {
 // --- Time
 
 void ServerChanged(Console* c, ServerState state) {
-  if (state.away_times != c->state.away_times) c->status.away_s = 0;
+  if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
+  if (c->banner.Follow()) LayOutWindow(c);
+  StartServerByItself(c);
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
@@ -286,7 +320,8 @@ void ServerChanged(Console* c, ServerState state) {
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
   c->queue.Fill();
-  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  PrintersCame(c);
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
 }
@@ -300,6 +335,8 @@ void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
+  ++c->banner.away_s;
+  if (c->banner.shown) c->damage |= kBannerPane;
   Remember(c);
 }
 
@@ -316,16 +353,9 @@ void OnTimer(Console* c, int timer) {
 
 // The Menu key, for what is selected where the keyboard is.
 void OpenMenuByKey() {
-  Console* c = g_console;
-  if (!c || c->asking) return;
-  const bool jobs = c->stop == FocusStop::kQueue;
-  if (!jobs && c->stop != FocusStop::kFiles) return;
-  const Table& table = jobs ? c->queue.table : c->files.table;
-  const Area row = table.RowArea(table.selected());
-  const Area& at = row.Empty() ? (jobs ? c->layout.queue_head : c->layout.folder_head) : row;
-  XwPopupLocation(c->window, at.x + 30, at.bottom());
-  OpenContextMenu(c, jobs ? kOnJobs : kOnFiles);
-  DrawConsole(c);
+  if (!g_console || g_console->asking) return;
+  OpenContextMenuByKey(g_console);
+  DrawConsole(g_console);
 }
 
 void ShowActivity(int active) {
@@ -470,7 +500,7 @@ void CloseConsole(Console* c) {
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {
-  c->status.Tell(good, utf8);
+  c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
   c->damage |= kStatusPane;
 }
 
@@ -484,10 +514,15 @@ void DrawConsole(Console* c) {
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
+  if (damage & kPrintersPane)
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
+                         c->state.link == Link::kAway);
+  if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
+  if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);

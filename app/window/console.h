@@ -7,10 +7,13 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
 #include "app/panes/ids.h"
+#include "app/panes/needs.h"
 #include "app/panes/places.h"
+#include "app/panes/printers.h"
 #include "app/panes/queue.h"
 #include "app/panes/status.h"
 #include "app/panes/tools.h"
@@ -31,14 +34,20 @@ enum Pane : unsigned {
   kDetailsPane = 8,
   kQueuePane = 16,
   kStatusPane = 32,
-  kAllPanes = 63
+  kPrintersPane = 64,
+  kNeedsPane = 128,
+  kBannerPane = 256,
+  kAllPanes = 511
 };
 
 // Where the keyboard is; Tab goes through them in this order.
 enum class FocusStop {
   kPlaces,
+  kPrinters,
   kFiles,
   kQueue,
+  kStartServer,
+  kRetry,
   kPrint,
   kRefresh,
   kPrinter,
@@ -53,7 +62,7 @@ enum class FocusStop {
   kCount
 };
 inline bool IsControl(FocusStop stop) {
-  return stop >= FocusStop::kPrint;
+  return stop > FocusStop::kQueue;
 }
 
 // A document that has a preview: it is made again when one of these changes.
@@ -108,14 +117,23 @@ struct Console {
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
+  bool start_tried = false;                   // by itself, since the server was there last
   bool asking = false;                        // whether to leave before everything is sent
   XwWindow* question = nullptr;               // the sheet that asks
 
+  PaneSizes panes;
+  int border_grip = 0;  // where beside a border it was pressed
+  Printers printers;
+  std::string printer_pressed;  // name
+
   ToolsPane tools{&choice};
+  PrintersPane printer_list{layout, printers};
+  NeedsPane needs{layout, printers};
   PlacesPane places{layout};
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
   QueuePane queue{layout, state};
+  AwayBanner banner{layout, state, server.host()};
   StatusPane status{layout, state, server.host()};
 };
 
@@ -133,6 +151,8 @@ void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);
+// For the window's present size and what is wanted of the panes.
+void LayOutWindow(Console* c);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
@@ -193,11 +213,35 @@ void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
 
-// --- Starting a server on this computer (server_start.cc)
+// --- The printers (printers.cc)
+// After a new state of the server, or another choice.
+void PrintersCame(Console* c);
+// The strip of what somebody has to do something about comes or goes.
+void ShowNeeds(Console* c);
+void ChoosePrinter(Console* c, const std::string& name);
+void PressPrinter(Console* c, const Hit& hit);
+void UsePrinter(Console* c, const Hit& hit);
+void PrintersKey(Console* c, int type);
+
+// --- Sizes of the panes (panes.cc)
+void AddBorderHits(Console* c);
+// What the pointer looks like over a border.
+int BorderCursor(const Hit& hit);
+void PressBorder(Console* c, const Hit& hit, bool twice);
+void DragBorder(Console* c, const Hit& hit);
+// Between the window and the preferences.
+void RecallPanes(Console* c);
+void NotePanes(const Console* c, Preferences* p);
+
+// --- A server that is away, and starting one on this computer (server_start.cc)
+bool IsServerAway(const Console* c);
+void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
 bool CanStartServer(const Console* c);
 // In the background; the status line says what came of it.
 void StartServer(Console* c);
+// The same where the preferences say so, once each time that the server has gone.
+void StartServerByItself(Console* c);
 // The window closes: it waits for nothing. The server starts all the same.
 void ForgetServerStart(Console* c);
 
@@ -221,6 +265,8 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
+std::string WhyNotPrint(const Console* c);
 void PrintSelected(Console* c);
 
 // --- Quitting (quit_confirmation.cc)

@@ -11,18 +11,24 @@ void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
+  c->needs.MakeControls(w);
   c->places.MakeControls(w);
+  c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
+  c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.refresh,       c->tools.colour,
-                c->tools.options, c->queue.hold,          c->queue.release,
-                c->queue.remove,  c->status.stop_sending, c->status.start_server};
+  c->buttons = {c->tools.print,    c->tools.refresh, c->tools.colour,        c->tools.options,
+                c->queue.hold,     c->queue.release, c->queue.remove,        c->status.stop_sending,
+                c->status.dismiss, c->banner.retry,  c->banner.start_server, c->needs.load,
+                c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
   c->tools.Place(c->layout);
+  c->needs.Place();
   c->places.Place();
+  c->printer_list.Place();
   c->files.Place();
   c->queue.Place();
   PlaceQuestion(c);
@@ -30,6 +36,10 @@ void PlaceControls(Console* c) {
 
 XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
+    case FocusStop::kRetry:
+      return c->banner.retry;
+    case FocusStop::kStartServer:
+      return c->banner.start_server;
     case FocusStop::kPrint:
       return c->tools.print;
     case FocusStop::kRefresh:
@@ -59,6 +69,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
 
 bool CanStopAt(const Console* c, FocusStop stop) {
   if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
   return stop != FocusStop::kPlaces || !c->layout.places.Empty();
 }
 
@@ -78,12 +89,14 @@ void UpdateFocus(Console* c) {
 }  // namespace
 
 void UpdateControls(Console* c) {
-  c->status.Update(CanStartServer(c));
+  c->banner.Place(CanStartServer(c));
+  c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
+  c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
 }
 
@@ -110,17 +123,24 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
 void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
+  if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
   if (id == kPrinterControl) c->tools.FitMedia(c->state);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
   if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
   if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
+  if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
 }
 
 bool CanPrint(const Console* c) {
   const int row = c->files.table.selected();
   return row >= 0 && !c->files.folder.At(row).folder;
+}
+
+// Before the printers are known the document waits for the server, and goes to its default.
+std::string WhyNotPrint(const Console* c) {
+  return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 
 void PrintSelected(Console* c) {
@@ -142,8 +162,7 @@ void PrintSelected(Console* c) {
   c->choice.AfterPrint();
   c->tools.ShowChoice();
   c->damage |= kToolsPane | kDetailsPane;
-  if (c->state.link == Link::kAway)
-    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+  if (IsAway(c->state.link)) Tell(c, true, "It will be sent when " + c->server.host() + " is back");
 }
 
 }  // namespace console

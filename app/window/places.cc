@@ -68,6 +68,7 @@ void PlacesKey(Console* c, int type) {
   const int at = list.at();
   c->damage |= kPlacesPane;
   if (list.Key(type) || at < 0) return;
+  if (list.Type(type, Inp.time, [c](int row) { return c->places.rows[size_t(row)].name; })) return;
   const PlacesPane::Row& row = c->places.rows[size_t(at)];
   if (type == XWE_RETURN || type == ' ') GoToPlace(c, at);
   if (type == XWE_RIGHT && row.open)

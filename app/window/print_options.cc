@@ -2,6 +2,7 @@
 
 #include "app/format/texts.h"
 #include "app/window/commands.h"
+#include "app/window/side_commands.h"
 
 namespace console {
 namespace {
@@ -61,11 +62,9 @@ std::vector<CommandChoice> PrinterChoices(const Console* c) {
     choices.push_back(Named(p.name, chosen ? chosen->name : c->choice.printer));
   return choices;
 }
-void ChoosePrinter(Console* c, int choice) {
+void ChooseNextPrinter(Console* c, int choice) {
   if (size_t(choice) >= c->state.printers->size()) return;
-  c->choice.printer = (*c->state.printers)[size_t(choice)].name;
-  c->tools.FitMedia(c->state);
-  Changed(c);
+  ChoosePrinter(c, (*c->state.printers)[size_t(choice)].name);
 }
 
 std::vector<CommandChoice> NextProfileChoices(const Console* c) {

@@ -9,7 +9,7 @@ namespace console {
 
 // What can be chosen, and a choice by its number.
 std::vector<CommandChoice> PrinterChoices(const Console* c);
-void ChoosePrinter(Console* c, int choice);
+void ChooseNextPrinter(Console* c, int choice);
 std::vector<CommandChoice> NextProfileChoices(const Console* c);
 void ChooseNextProfile(Console* c, int choice);
 std::vector<CommandChoice> NextMediaChoices(const Console* c);

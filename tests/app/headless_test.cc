@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
+#include "app/window/commands.h"
+#include "app/window/print_options.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
 
@@ -50,7 +52,7 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
 
   // It is given up, tried again, killed, and comes back: the file arrives once, whole.
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_NE(c_->status.ServerText().find("next try in"), std::string::npos);
+  EXPECT_NE(c_->banner.Text().find("does not answer. Next try in"), std::string::npos);
   EXPECT_EQ(LinkColor(), kBad);
   EXPECT_FALSE(c_->state.printers->empty());
   daemon.Stop(SIGKILL);
@@ -191,7 +193,8 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(kTabKey);
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
-  for (const FocusStop stop : {FocusStop::kFilter, FocusStop::kPlaces, FocusStop::kFiles}) {
+  for (const FocusStop stop :
+       {FocusStop::kFilter, FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
     Key(kTabKey);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -217,7 +220,9 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   EXPECT_EQ(typed("bq"), "brochure.pdf") << "what is not there selects nothing else";
   Turn(70);
   c_->files.table.Select(-1);
-  for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kCopies}) {
+  ASSERT_TRUE(Until([&] { return c_->banner.shown; }));
+  for (const FocusStop stop :
+       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -262,11 +267,16 @@ TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
     return pixels;
   };
   const auto before = line();
-  Tell(c_, false, "Something went wrong, and this line says what");
+  Tell(c_, true, "Something went well, and this line says what");
   DrawConsole(c_);
   Turn(10);
   EXPECT_NE(line(), before);
   Turn(330);
+  EXPECT_EQ(line(), before);
+  Tell(c_, false, "Something went wrong");
+  Turn(330);
+  EXPECT_EQ(c_->status.message().text, "Something went wrong") << "until it is read";
+  Key(0xFF1B);
   EXPECT_EQ(line(), before);
   EXPECT_TRUE(AskBeforeQuit(c_)) << "nothing waits";
   EXPECT_FALSE(c_->asking);
@@ -384,6 +394,39 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "First");
 }
 
+TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
+  constexpr uint32_t kDown = 0xFF54;
+  Open("127.0.0.0");
+  Click(c_->layout.filter);
+  Key('x', 'x');
+  ASSERT_EQ(c_->files.FilterText(), "x");
+  EXPECT_FALSE(CanRun(c_, kCutCommand));
+  RunCommand(c_, kUndoCommand);
+  Turn(2);
+  EXPECT_EQ(c_->files.FilterText(), "");
+
+  Click(FileRow("letter.txt"));
+  EXPECT_FALSE(CanRun(c_, kUndoCommand));
+  ChooseNextPriority(c_, 4);
+  RunCommand(c_, kHoldNextCommand);
+  c_->tools.ChangeCopies(2);
+  for (const uint32_t key : {kDown, kDown, kReturnKey}) {
+    display::KeyDown(key);
+    display::KeyUp(key);
+  }
+  RunCommand(c_, kColourCommand);  // "No Colour" is the first
+  Click(c_->layout.print);
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 1; }));
+  const PrintOrder& order = c_->state.transfers[0].order;
+  EXPECT_EQ(order.priority, 100);
+  EXPECT_EQ(order.copies, 3);
+  EXPECT_TRUE(order.hold);
+  EXPECT_EQ(order.colour, 0xC0392B);
+  EXPECT_EQ(XwGetValue(c_->tools.copies), 1);
+  EXPECT_EQ(c_->choice.priority, 50);
+  EXPECT_FALSE(HoldsNext(c_));
+}
+
 TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   Open("127.0.0.0");  // no host: nothing answers there
   const platform::WindowRef native = static_cast<platform::WindowRef>(c_->window->platform);
@@ -396,7 +439,15 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
     const Layout& l = c_->layout;
     EXPECT_EQ(l.status.bottom(), h);
     EXPECT_EQ(l.places.w + l.folder.w + l.details.w, w);
-    EXPECT_LE(l.hold.right(), w);
+    int right = 0;
+    for (const Area* tool : {&l.print, &l.refresh, &l.printer, &l.profile, &l.media, &l.copies,
+                             &l.slider, &l.hold, &l.colour, &l.options}) {
+      if (tool->Empty()) continue;
+      EXPECT_GE(tool->x, right);
+      right = tool->right();
+    }
+    EXPECT_EQ(right, l.options.right());
+    EXPECT_LE(right, w);
     EXPECT_GE(c_->files.table.Body().h, 8 * Table::kRowHeight);
     EXPECT_EQ(c_->files.table.area(), l.folder);
     EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);
@@ -510,7 +561,7 @@ TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), "");
-  EXPECT_FALSE(c_->status.message().good);
+  EXPECT_TRUE(c_->status.HasError());
 }
 
 TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
