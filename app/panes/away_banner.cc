@@ -32,7 +32,7 @@ void AwayBanner::MakeControls(XwWindow* window) {
 bool AwayBanner::Follow() {
   const bool was = shown;
   if (IsAway(state.link)) shown = true;
-  if (state.link == Link::kReady || state.away_times == 0) shown = false;
+  if (state.link == Link::kReady || state.trouble.empty()) shown = false;
   return shown != was;
 }
 

@@ -49,7 +49,7 @@ void NeedsPane::Draw() const {
   // A light shade of the colour of warnings.
   Fill(a, Mix(l.warning, l.document, 13));
   Fill({a.x, a.bottom() - 1, a.w, 1}, Mix(l.warning, l.document, 40));
-  DrawDot(a.x + 14, a.y + (a.h - 10) / 2, ChosenIsGone() ? l.warning : l.bad);
+  DrawDot(a.x + 14, a.y + (a.h - 9) / 2, ChosenIsGone() ? l.warning : l.bad);
   a.w = layout.needs_button.x - 12 - a.x;
   a.TakeLeft(32);
   DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/look/style.h"
 #include "app/panes/ids.h"
@@ -29,10 +30,9 @@ std::vector<std::string> NamesOf(const std::vector<NC_Profile>& profiles) {
   return names;
 }
 
-// A colour value of the toolkit.
+// What the well shows.
 int32_t ColorOf(int rgb) {
-  if (rgb < 0) return TheStyle().face;
-  return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | (rgb >> 16 & 0xFF);
+  return rgb < 0 ? TheStyle().face : FromRgb(rgb);
 }
 
 }  // namespace
@@ -93,6 +93,13 @@ void ToolsPane::Update(const ServerState& state, bool enabled) {
   profile_.Show(NamesOf(*state.profiles), choice_->profile, enabled);
   media_.Show(MediaOf(p), choice_->media, enabled);
   for (XwWindow* control : {copies, priority, hold}) EnableControl(control, enabled);
+}
+
+void ToolsPane::ShowDocuments(int n) {
+  n = std::max(1, n);
+  if (n == documents_) return;
+  documents_ = n;
+  XwSetTextUtf8(print, n == 1 ? "Print" : ("Print " + NumberText(n)).c_str());
 }
 
 void ToolsPane::Draw(const Layout& l) const {

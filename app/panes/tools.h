@@ -21,6 +21,8 @@ class ToolsPane {
   void Place(const Layout& layout);
   // What can be chosen now. `enabled`: whether anything can.
   void Update(const ServerState& state, bool enabled);
+  // How many the button would print.
+  void ShowDocuments(int n);
   void Draw(const Layout& layout) const;
 
   // A report of one of its controls: false when the id is another's.
@@ -43,6 +45,7 @@ class ToolsPane {
  private:
   PrintChoice* choice_;
   NameChoice printer_, profile_, media_;
+  int documents_ = 1;  // that the button tells of
 };
 
 }  // namespace console

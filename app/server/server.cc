@@ -181,9 +181,8 @@ void Server::Use(const std::string& host) {
     shared_->period_ms = old->period_ms;
     shared_->state.away_times = old->state.away_times;
   }
+  show(shared_->state);
   Start(std::move(show));
-  const Locked lock(shared_.get());
-  shared_->Published();
 }
 
 void Server::SetPeriod(int ms) {
@@ -206,13 +205,15 @@ void Server::Tick() {
   shared_->PublishQuiet();
 }
 
-int Server::Send(PrintOrder order) {
+int Server::Send(std::vector<PrintOrder> orders) {
   Locked lock(shared_.get());
-  Transfer t;
-  t.number = shared_->next_number++;
-  t.order = std::move(order);
-  t.started = time(nullptr);
-  shared_->state.transfers.push_back(std::move(t));
+  for (PrintOrder& order : orders) {
+    Transfer t;
+    t.number = shared_->next_number++;
+    t.order = std::move(order);
+    t.started = time(nullptr);
+    shared_->state.transfers.push_back(std::move(t));
+  }
   shared_->Published();
   pthread_cond_broadcast(&shared_->wake);
   return shared_->next_number - 1;

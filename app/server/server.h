@@ -107,7 +107,7 @@ class Server {
   const std::string& host() const { return host_; }
   // Leaves this server for another one. The connections are closed; what was not sent, and changes
   // that were not answered, are given up: none of it goes to the other server. The state begins
-  // again with empty lists; numbers go on.
+  // again with empty lists, and is shown at once; numbers go on.
   void Use(const std::string& host);
   // How often the lists are asked for. A new period asks at once.
   void SetPeriod(int ms);
@@ -115,8 +115,8 @@ class Server {
   void ShowProgress(std::vector<Transfer>* transfers) const;
   // To be called each second: a server that has been silent for another one is a new state.
   void Tick();
-  // The order's number as a transfer.
-  int Send(PrintOrder order);
+  // In this order, after those that wait already. The number of the last one as a transfer.
+  int Send(std::vector<PrintOrder> orders);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
   // Tries a failed one again.

@@ -223,6 +223,14 @@ void RunCommand(Console* c, int id) {
   if (command && command->run && CanRun(c, *command)) command->run(c);
 }
 
+bool IsMenuKey(int key, uint32_t modifiers) {
+  modifiers &= XWS_CONTROL | XWS_SHIFT | XWS_OPTION | XWS_COMMAND;
+  for (const Command& command : Commands())
+    if (command.menu != kNoMenu && command.more.key == key && command.more.modifiers == modifiers)
+      return true;
+  return false;
+}
+
 int CommandOfKey(const Console* c, int type) {
   const bool command_key = c->modifiers & XWS_COMMAND;
   for (const Command& command : Commands()) {

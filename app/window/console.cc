@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "app/format/texts.h"
 #include "app/look/controls.h"
@@ -12,7 +13,7 @@
 namespace console {
 namespace {
 
-constexpr int kTickMs = 1000, kProgressMs = 100;
+constexpr int kTickMs = 1000, kProgressMs = 100, kDragMs = 40;
 // Drawing the program's icons takes longer than the first picture, which they are not to hold up.
 constexpr int kIconMs = 60;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
@@ -98,9 +99,13 @@ void LayOutWindow(Console* c) {
 
 namespace {
 
-// What follows a change of the folder's selection.
-void FilesChanged(Console* c) {
-  c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
+// What follows a change of a table's selection.
+void SelectionChanged(Console* c, bool files) {
+  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane;
+}
+
+SelectionKeys KeysOf(uint32_t modifiers) {
+  return {(modifiers & XWS_SHIFT) != 0, (modifiers & XWS_CONTROL) != 0};
 }
 
 // --- Quitting
@@ -131,12 +136,11 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
     return;
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  table.Press(hit, Inp.px);
-  if (!files) c->queue.missing = {};
-  c->damage |= PaneOf(hit);
-  if (!files) return;
-  FilesChanged(c);
-  if (twice && hit.part == Table::kRow) OpenSelected(c);
+  const SelectionKeys keys = KeysOf(c->modifiers);
+  table.Press(hit, Inp.px, keys);
+  SelectionChanged(c, files);
+  const bool opens = twice && files && hit.part == Table::kRow && !keys.shift && !keys.control;
+  if (opens) OpenSelected(c);
 }
 
 void Press(Console* c) {
@@ -151,7 +155,7 @@ void Press(Console* c) {
   if (hit.owner == kBorders) PressBorder(c, hit, twice);
 }
 
-// The secondary button opens the menu of the row.
+// The secondary button opens the menu of the row, or of all that are selected with it.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
   if (hit.owner == kPrinters && hit.part != SideList::kBody) {
@@ -160,7 +164,14 @@ void PressSecondary(Console* c) {
     return OpenContextMenu(c, kOnPrinters);
   }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
-  PressTable(c, hit, false);
+  Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
+  if (table.HoldsRow()) return;
+  SetFocusStop(c, hit.owner == kFiles ? FocusStop::kFiles : FocusStop::kQueue);
+  if (!table.IsSelected(hit.index)) {
+    table.Press(hit, Inp.px);
+    table.Release();
+    SelectionChanged(c, hit.owner == kFiles);
+  }
   DrawConsole(c);
   OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
 }
@@ -200,12 +211,22 @@ void Use(Console* c, const Hit& hit) {
   }
 }
 
+// What has waited for it is shown.
+void ReleaseTables(Console* c) {
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
+    table->Release();
+  }
+  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
+  if (std::exchange(c->queue_waits, false)) c->queue.Fill();
+  ShowHeldReading(c);
+}
+
 void Release(Console* c) {
   if (Inp.state & 1) return;  // another button
   const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
   c->pressed = {};
-  c->files.table.Release();
-  c->queue.table.Release();
+  ReleaseTables(c);
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
@@ -214,10 +235,16 @@ void Release(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  const bool files = c->files.table.Drag(Inp.px), queue = c->queue.table.Drag(Inp.px);
-  if (files) c->damage |= kFolderPane;
-  if (queue) c->damage |= kQueuePane;
-  if (files || queue) c->last_press = 0;  // what was dragged was not clicked
+  bool scrolls = false;
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (table->Drag(Inp.px, Inp.py)) {
+      SelectionChanged(c, table == &c->files.table);
+      c->last_press = 0;  // what was dragged was not clicked
+    }
+    scrolls = scrolls || table->ScrollsByDrag();
+  }
+  if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
+    XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
   // A border is under the pointer as long as it is held.
   if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
@@ -238,27 +265,36 @@ void Scrolled(float, float dy) {
   DrawConsole(c);
 }
 
+void ScrollByDrag(Console* c) {
+  for (Table* table : {&c->files.table, &c->queue.table})
+    if (table->ScrollByDrag()) SelectionChanged(c, table == &c->files.table);
+}
+
 // --- Keyboard
 
+// A key that moves in the table which has the keyboard, or selects there.
+bool TableKey(Console* c, int type) {
+  if (c->stop != FocusStop::kFiles && c->stop != FocusStop::kQueue) return false;
+  const bool files = c->stop == FocusStop::kFiles;
+  Table& table = files ? c->files.table : c->queue.table;
+  if (!table.Key(type, KeysOf(c->modifiers))) return false;
+  SelectionChanged(c, files);
+  return true;
+}
+
 void FilesKey(Console* c, int type) {
-  if (!c->files.table.Key(type)) {
-    if (type < ' ' || type > 126) return;
-    c->files.Find(type, Inp.time);
-  }
-  FilesChanged(c);
+  if (type < ' ' || type > 126) return;
+  c->files.Find(type, Inp.time);
+  SelectionChanged(c, true);
 }
 
 void QueueKey(Console* c, int type) {
-  if (c->queue.table.Key(type)) {
-    c->queue.missing = {};
-    c->damage |= kQueuePane;
-  } else if (type == ' ') {
-    RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
-  }
+  if (type == ' ') RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
 }
 
 // What the control there has not taken.
 void StopKey(Console* c, int type) {
+  if (TableKey(c, type)) return;
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
@@ -289,8 +325,11 @@ void Escape(Console* c) {
 
 void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
-  // Those with Control come from the menu bar, as commands.
-  if (c->modifiers & XWS_CONTROL) return;
+  if (c->modifiers & XWS_CONTROL) {
+    // Those of menus come from there, as commands.
+    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
+    return;
+  }
   if (const int command = CommandOfKey(c, type)) {
     TellWhyNot(c, command);
     return RunCommand(c, command);
@@ -313,13 +352,16 @@ void ServerChanged(Console* c, ServerState state) {
   c->state = std::move(state);
   if (c->banner.Follow()) LayOutWindow(c);
   StartServerByItself(c);
+  RememberServer(c);
+  UpdatePreferences();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
-  c->queue.Fill();
+  c->queue_waits = c->queue.table.HoldsRow();
+  if (!c->queue_waits) c->queue.Fill();
   PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
@@ -334,6 +376,7 @@ void ShowProgress(Console* c) {
 void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
+  WatchPlaces(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
   ++c->banner.away_s;
   if (c->banner.shown) c->damage |= kBannerPane;
@@ -344,6 +387,7 @@ void OnTimer(Console* c, int timer) {
   if (timer == kTickTimer) Tick(c);
   if (timer == kReadingTimer) ShowWait(c);
   if (timer == kProgressTimer) ShowProgress(c);
+  if (timer == kDragTimer) ScrollByDrag(c);
   if (timer == kIconTimer) {
     XwTimer(c->window, kIconTimer, 0);
     SetUpProgramIcon();
@@ -408,6 +452,9 @@ int Handle(int type) {
       break;
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
+      break;
+    case XWE_PREFERENCES:
+      ShowPreferences(c);
       break;
     case XWE_CLOSE:
       Leave(c);
@@ -488,6 +535,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
 
 void CloseConsole(Console* c) {
   if (!c) return;
+  ClosePreferences();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
@@ -508,6 +556,7 @@ void DrawConsole(Console* c) {
   if (!c->damage) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
+  c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;
   c->damage = 0;
@@ -515,8 +564,7 @@ void DrawConsole(Console* c) {
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
   if (damage & kPrintersPane)
-    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
-                         c->state.link == Link::kAway);
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters));
   if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));

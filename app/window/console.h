@@ -77,6 +77,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 struct ServerStart;
@@ -104,6 +105,7 @@ struct Console {
   FolderWatch watch;
   PlacesReader places_reader;
   int places_asked = 0;        // readings
+  int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
   int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
@@ -118,8 +120,12 @@ struct Console {
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
   bool start_tried = false;                   // by itself, since the server was there last
-  bool asking = false;                        // whether to leave before everything is sent
-  XwWindow* question = nullptr;               // the sheet that asks
+  // Came while a row was held, and are shown when it is let go.
+  std::unique_ptr<FolderReading> held_reading;
+  bool queue_waits = false;
+  bool scrolls_by_drag = false;  // the timer runs
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   PaneSizes panes;
   int border_grip = 0;  // where beside a border it was pressed
@@ -137,7 +143,7 @@ struct Console {
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
@@ -180,6 +186,7 @@ void EnterFolder(Console* c, const std::string& path, const std::string& select)
 void GoUp(Console* c);
 // Results of the reader and of the watch.
 void FolderCame(Console* c, FolderReading* reading);
+void ShowHeldReading(Console* c);
 void FolderChanged(Console* c);
 void ShowSilence(int seconds);
 // Says that something is being read.
@@ -188,7 +195,7 @@ void ShowWait(Console* c);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; of a file it says how it is printed.
+// Enters the folder that is selected alone; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
@@ -209,6 +216,8 @@ void BeginPlaces(Console* c, const std::string& folder);
 void FollowInPlaces(Console* c);
 // Something may have changed: they are read again.
 void RefreshPlaces(Console* c);
+// What a tick does: says when the reading takes long.
+void WatchPlaces(Console* c);
 void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
@@ -234,6 +243,7 @@ void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
@@ -250,10 +260,22 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -267,9 +289,15 @@ void ShowPreview(void* data, int taken);
 bool CanPrint(const Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
+// All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
+// Of the table that has the keyboard.
+bool CanSelectAll(const Console* c);
+void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

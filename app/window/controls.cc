@@ -93,12 +93,21 @@ void UpdateControls(Console* c) {
   c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
+  c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
   c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
 }
+
+namespace {
+
+bool NothingIsChosen(const Console* c) {
+  return c->files.Chosen().files + c->files.Chosen().folders == 0;
+}
+
+}  // namespace
 
 void UseEditBox(Console* c, int type, int id, bool gained) {
   const bool filter = id == kFilterControl;
@@ -109,7 +118,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_CHANGED) SetFilter(c, c->files.FilterText());
   // The report of its Escape takes that key's place.
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
-  if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);
+  if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
   // The report of a key takes its place, also of one that does nothing in a box.
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
@@ -134,8 +143,7 @@ void UseControl(Console* c, int id, int value) {
 }
 
 bool CanPrint(const Console* c) {
-  const int row = c->files.table.selected();
-  return row >= 0 && !c->files.folder.At(row).folder;
+  return c->files.Chosen().files > 0;
 }
 
 // Before the printers are known the document waits for the server, and goes to its default.
@@ -144,25 +152,48 @@ std::string WhyNotPrint(const Console* c) {
 }
 
 void PrintSelected(Console* c) {
-  const int row = c->files.table.selected();
-  PrintOrder order;
-  order.path = c->files.folder.PathOf(row);
-  order.document = c->files.folder.At(row).name;
-  order.owner = OS_GetUserName();
+  PrintOrder usual;
+  usual.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
-  order.printer = printer ? printer->name : c->choice.printer;
-  order.profile = c->choice.profile;
-  order.media = c->choice.media;
-  order.copies = c->choice.copies;
-  order.priority = c->choice.priority;
-  order.hold = c->choice.hold;
-  order.colour = c->choice.colour;
-  c->server.Send(std::move(order));
-  ++c->just_sent;
+  usual.printer = printer ? printer->name : c->choice.printer;
+  usual.profile = c->choice.profile;
+  usual.media = c->choice.media;
+  usual.copies = c->choice.copies;
+  usual.priority = c->choice.priority;
+  usual.hold = c->choice.hold;
+  usual.colour = c->choice.colour;
+  std::vector<PrintOrder> orders;
+  for (const std::string& name : c->files.selection.Ids()) {
+    const int row = c->files.folder.Find(name);
+    if (c->files.folder.At(row).folder) continue;
+    PrintOrder& order = orders.emplace_back(usual);
+    order.path = c->files.folder.PathOf(row);
+    order.document = name;
+  }
+  c->just_sent += int(orders.size());
+  c->server.Send(std::move(orders));
   c->choice.AfterPrint();
   c->tools.ShowChoice();
   c->damage |= kToolsPane | kDetailsPane;
-  if (IsAway(c->state.link)) Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+  if (IsAway(c->state.link))
+    Tell(c, true,
+         (c->just_sent > 1 ? "They" : "It") +
+             (" will be sent when " + c->server.host() + " is back"));
+}
+
+bool CanSelectAll(const Console* c) {
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue ||
+         XwCanEdit(XwGetFocus(c->window), XWU_SELECT_ALL);
+}
+
+void SelectAll(Console* c) {
+  XwWindow* box = XwGetFocus(c->window);
+  if (XwCanEdit(box, XWU_SELECT_ALL)) return XwEdit(box, XWU_SELECT_ALL);
+  if (c->stop == FocusStop::kQueue)
+    c->queue.selection.All();
+  else
+    c->files.selection.All();
+  c->damage = kAllPanes;
 }
 
 }  // namespace console

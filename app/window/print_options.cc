@@ -106,8 +106,8 @@ void ChooseColour(Console* c) {
   int n = kBefore;
   for (const Colour& colour : kColours) {
     const int rgb = colour.rgb;
-    const XwValue value = (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
-    items[n++] = {colour.name, XWM_COLOUR | (rgb == chosen_now ? XWM_CHECKED : 0), value, nullptr};
+    items[n++] = {colour.name, XWM_COLOUR | (rgb == chosen_now ? XWM_CHECKED : 0), FromRgb(rgb),
+                  nullptr};
   }
   OpenBelow(c, c->layout.colour);
   const int chosen = XwPopupMenu(items);

@@ -26,6 +26,7 @@ void PrintersCame(Console* c) {
     c->printers.Show(c->state.printers);
   c->choice.printer = c->printers.chosen();
   c->printer_list.mine = c->remembered.preferences.default_printer;
+  c->printer_list.away = c->state.link == Link::kAway;
   c->printer_list.Update();
   ShowNeeds(c);
   c->damage |= kPrintersPane | kNeedsPane;

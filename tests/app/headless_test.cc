@@ -5,8 +5,6 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
-#include "app/window/commands.h"
-#include "app/window/print_options.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
 
@@ -394,39 +392,6 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "First");
 }
 
-TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
-  constexpr uint32_t kDown = 0xFF54;
-  Open("127.0.0.0");
-  Click(c_->layout.filter);
-  Key('x', 'x');
-  ASSERT_EQ(c_->files.FilterText(), "x");
-  EXPECT_FALSE(CanRun(c_, kCutCommand));
-  RunCommand(c_, kUndoCommand);
-  Turn(2);
-  EXPECT_EQ(c_->files.FilterText(), "");
-
-  Click(FileRow("letter.txt"));
-  EXPECT_FALSE(CanRun(c_, kUndoCommand));
-  ChooseNextPriority(c_, 4);
-  RunCommand(c_, kHoldNextCommand);
-  c_->tools.ChangeCopies(2);
-  for (const uint32_t key : {kDown, kDown, kReturnKey}) {
-    display::KeyDown(key);
-    display::KeyUp(key);
-  }
-  RunCommand(c_, kColourCommand);  // "No Colour" is the first
-  Click(c_->layout.print);
-  ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 1; }));
-  const PrintOrder& order = c_->state.transfers[0].order;
-  EXPECT_EQ(order.priority, 100);
-  EXPECT_EQ(order.copies, 3);
-  EXPECT_TRUE(order.hold);
-  EXPECT_EQ(order.colour, 0xC0392B);
-  EXPECT_EQ(XwGetValue(c_->tools.copies), 1);
-  EXPECT_EQ(c_->choice.priority, 50);
-  EXPECT_FALSE(HoldsNext(c_));
-}
-
 TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   Open("127.0.0.0");  // no host: nothing answers there
   const platform::WindowRef native = static_cast<platform::WindowRef>(c_->window->platform);
@@ -573,7 +538,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   PrintOrder order;
   order.path = home_.At("gone.pdf");
   order.document = "gone.pdf";
-  const int gone = c_->server.Send(order);
+  const int gone = c_->server.Send({order});
   ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
   c_->server.Cancel(gone);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
@@ -581,7 +546,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   daemon.Start();
   c_->server.Refresh();
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  const int missing = c_->server.Send(order);
+  const int missing = c_->server.Send({order});
   ASSERT_TRUE(Until([&] {
     return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
   }));
@@ -590,7 +555,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   c_->server.Retry(missing);
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->queue.rows.size() == 1; }));
   order.printer = "No such printer";
-  c_->server.Send(order);
+  c_->server.Send({order});
   ASSERT_TRUE(Until([&] {
     return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
   }));
