@@ -661,9 +661,9 @@ XwValue XwGetMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last);
  * such item. */
 char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
 /* The key that chooses the item while it stands in the bar: the type of the key's event, letters
- * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It is
- * shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes the
- * key away. */
+ * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It
+ * is shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes
+ * the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
 
 /* ==== Toolbar ===================================================================================

@@ -8,13 +8,14 @@ namespace console {
 
 struct Layout {
   Area tools;
-  // On the tool bar: the button that prints, moving about, and how to print.
-  Area print, up, refresh;
+  // On the tool bar; what has no room is empty, and stands in the menu of the options.
+  Area print, refresh;
   Area printer_label, printer;
-  Area profile_label, profile;  // empty where there is no room
-  Area copies_label, less, copies, more;
+  Area profile_label, profile;
+  Area media_label, media;
+  Area copies_label, copies;
   Area priority_label, slider, priority;
-  Area hold;
+  Area hold, colour, options;
   // At the sides: empty where they are not wanted, or the window is too narrow for them.
   Area places, printers, folder_head, filter_label, filter, folder, details;
   Area queue_head, hold_job, release_job, remove_job, queue;
@@ -41,5 +42,7 @@ struct PaneSizes {
 Layout LayOut(int width, int height, const PaneSizes& sizes = {});
 // Whether a pane shows by itself in a window of that width.
 bool ShowsByItself(PaneSizes::Opened pane, int width);
+// Its tool bar (tools_layout.cc).
+void LayOutTools(Layout* l);
 
 }  // namespace console

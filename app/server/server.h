@@ -37,9 +37,10 @@ enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, k
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
   std::string path, document, owner;
-  std::string printer, profile;  // empty: the server's choice
+  std::string printer, profile, media;  // empty: the server's choice
   int copies = 1, priority = 50;
   bool hold = false;
+  int colour = -1;  // 0xRRGGBB; -1: none
 };
 
 enum class Sending : uint8_t { kWaiting, kSending, kCancelling, kFailed };

@@ -7,6 +7,7 @@
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
+#include "app/window/help.h"
 #include "app/window/program_icon.h"
 
 namespace console {
@@ -300,10 +301,10 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
-  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
-    c->tools.ChangePriority(type == '+' ? 1 : -1);
-    c->damage |= kToolsPane;
-  }
+  const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
+  if (!by || c->stop != FocusStop::kPriority) return;
+  c->tools.ChangePriority(by);
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 // What is disabled is passed over.
@@ -395,6 +396,13 @@ void OnTimer(Console* c, int timer) {
     SetUpProgramIcon();
   }
   if (MayLeaveNow(c)) Quit(c);
+}
+
+// The Menu key, for what is selected where the keyboard is.
+void OpenMenuByKey() {
+  if (!g_console || g_console->asking) return;
+  OpenContextMenuByKey(g_console);
+  DrawConsole(g_console);
 }
 
 void ShowActivity(int active) {
@@ -513,6 +521,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
+  XwSetContextMenuHandler(w, OpenMenuByKey);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
@@ -534,6 +543,7 @@ void CloseConsole(Console* c) {
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  CloseKeys();
   FinishRemembering(c);
   ForgetServerStart(c);
   g_console = nullptr;

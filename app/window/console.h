@@ -50,11 +50,15 @@ enum class FocusStop {
   kRetry,
   kNeedsButton,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
   kCount
 };
@@ -121,8 +125,8 @@ struct Console {
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
   bool scrolls_by_drag = false;  // the timer runs
-  bool asking = false;                        // whether to leave before everything is sent
-  XwWindow* question = nullptr;               // the sheet that asks
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   PaneSizes panes;
   int border_grip = 0;  // where beside a border it was pressed

@@ -40,6 +40,7 @@ void PrintersCame(Console* c) {
 void ChoosePrinter(Console* c, const std::string& name) {
   c->choice.printer = name;
   c->printers.Choose(name);
+  c->tools.FitMedia(c->state);
   PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane;
 }
