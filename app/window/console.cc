@@ -322,6 +322,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      c->exposed = true;
       c->damage = kAllPanes;
       break;
     case XWE_MOTION:
@@ -446,7 +447,7 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void DrawConsole(Console* c) {
-  if (!c->damage) return;
+  if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
   if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
