@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -23,11 +23,28 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kSelectAllCommand,
+  kRetryCommand,
+  kDismissCommand,
+  kPreferencesCommand,
+  kPausePrinterCommand,
+  kResumePrinterCommand,
+  kRefuseJobsCommand,
+  kTakeJobsCommand,
+  kPaperLoadedCommand,
+  kMoveAllJobsCommand,
+  kMakeMineCommand,
+  kLoadPaperCommand,
+  kGoToPrintersCommand,
+  kShowPlacesCommand,
+  kShowPrintersCommand,
+  kShowDetailsCommand,
+  kPaneSizeCommand,
   kCommandsEnd
 };
 
 enum ControlId {
-  kPrinterControl = 50,
+  kPrinterControl = 150,
   kProfileControl,
   kLessControl,
   kCopiesControl,
@@ -37,9 +54,12 @@ enum ControlId {
   kFilterControl,
   kCloseAnswer,
   kKeepOpenAnswer,
+  // Scroll bars of the side panes.
+  kPlacesControl = 90,
+  kPrintersControl,
   // Those of a table's heads follow its own.
-  kFilesControls = 100,
-  kQueueControls = 200
+  kFilesControls = 200,
+  kQueueControls = 300
 };
 static_assert(int(kCommandsEnd) <= int(kPrinterControl));
 

@@ -181,7 +181,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   }
   if (done || cancelled) {
     state.transfers.erase(it);
-    shared_->AddNotice(done, (done ? "Sent: " : "Cancelled: ") + name);
+    shared_->AddNotice(true, (done ? "Sent: " : "Cancelled: ") + name);
   } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
     next_send_ = MonotonicMs() + kRetryMs;
