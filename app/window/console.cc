@@ -422,6 +422,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      c->exposed = true;
       c->damage = kAllPanes;
       break;
     case XWE_MOTION:
@@ -557,7 +558,7 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void DrawConsole(Console* c) {
-  if (!c->damage) return;
+  if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
   c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";

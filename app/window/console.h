@@ -91,7 +91,8 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool active = true;  // keys of the desktop come to the window
+  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
+  bool active = true;    // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
