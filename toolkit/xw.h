@@ -175,8 +175,8 @@ _Noreturn
 void XwRunEventLoop(void);
 /* Waits for an event that the caller must see and returns its type: one whose window has no
  * handler, or the other code that a handler returned. `modal` null: all windows. A window: events
- * of windows outside it are returned undispatched, but closing and clicking them only beeps.
- * (XwWindow*)-1: nothing is dispatched. A release with a button above 5 returns -9874. */
+ * of windows outside it are returned undispatched, but closing them only beeps, and a press beeps
+ * and raises `modal`. (XwWindow*)-1: nothing is dispatched. -9874: a release above button 5. */
 int XwWaitEvent(XwWindow* modal);
 /* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
  * `modal` as above.

@@ -507,7 +507,7 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
   EXPECT_EQ(n.what.value, "one two");
   EXPECT_EQ(n.what.state & (kIsFocused | kIsEnabled | kIsReadOnly), kIsFocused | kIsEnabled);
   XwDescribeControl(read, "Read");
-  EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable), kIsReadOnly);
+  EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable | kIsEnabled), kIsReadOnly | kIsEnabled);
   auto shown = [&](const std::string& text) {
     XwSetText(read, text.c_str());
     RunFor(0.001);
