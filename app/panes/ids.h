@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders, kNeeds };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -23,15 +23,46 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kSelectAllCommand,
+  kRetryCommand,
+  kDismissCommand,
+  kPreferencesCommand,
+  kListsCommand,
+  kPausePrinterCommand,
+  kResumePrinterCommand,
+  kRefuseJobsCommand,
+  kTakeJobsCommand,
+  kPaperLoadedCommand,
+  kMoveAllJobsCommand,
+  kMakeMineCommand,
+  kLoadPaperCommand,
+  kGoToPrintersCommand,
+  kShowPlacesCommand,
+  kShowPrintersCommand,
+  kShowDetailsCommand,
+  kPaneSizeCommand,
+  kUndoCommand,
+  kRedoCommand,
+  kCutCommand,
+  kCopyCommand,
+  kPasteCommand,
+  kPrintOnCommand,
+  kNextProfileCommand,
+  kNextMediaCommand,
+  kNextPriorityCommand,
+  kColourCommand,
+  kHoldNextCommand,
+  kUsualCommand,
+  kOptionsCommand,
+  kKeysCommand,
   kCommandsEnd
 };
 
 enum ControlId {
   kPrinterControl = 150,
   kProfileControl,
-  kLessControl,
+  kMediaControl,
   kCopiesControl,
-  kMoreControl,
   kPriorityControl,
   kHoldNextControl,
   kFilterControl,

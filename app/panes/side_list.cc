@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/format/folding.h"
 #include "app/look/controls.h"
 
 namespace console {
@@ -36,7 +37,8 @@ void SideList::UpdateBar() {
 }
 
 void SideList::Place(const Area& a) {
-  const bool seen = at_ >= 0 && !Visible(RowArea(at_)).Empty();
+  // In a list that comes into sight, too.
+  const bool seen = at_ >= 0 && (area_.Empty() || !Visible(RowArea(at_)).Empty());
   area_ = a;
   top_ = std::clamp(top_, 0, MostTop());
   UpdateBar();
@@ -52,7 +54,7 @@ void SideList::SetRows(int rows, int at) {
 
 void SideList::GoTo(int row) {
   at_ = std::clamp(row, -1, rows_ - 1);
-  if (at_ < 0) return;
+  if (at_ < 0 || area_.Empty()) return;
   const int y = at_ * row_height_;
   ScrollTo(std::clamp(top_, y + row_height_ - area_.h, std::max(y, y + row_height_ - area_.h)));
 }
@@ -70,6 +72,21 @@ bool SideList::Key(int type) {
     return true;
   }
   return false;
+}
+
+bool SideList::Type(int character, uint32_t now_ms,
+                    const std::function<std::string(int row)>& name) {
+  if (character < ' ' || character > '~' || !typed_.Type(uint32_t(character), now_ms)) return false;
+  const int found = typed_.Row(at_, [&](std::string_view text, int from) {
+    const std::string wanted = Folded(text);
+    for (int i = 0; i < rows_; ++i) {
+      const int row = (std::max(from, 0) + i) % rows_;
+      if (Folded(name(row)).starts_with(wanted)) return row;
+    }
+    return -1;
+  });
+  if (found >= 0) GoTo(found);
+  return true;
 }
 
 bool SideList::Wheel(float dy) {

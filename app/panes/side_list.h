@@ -2,8 +2,10 @@
 // draws the rows and says what they are; the bar is a control.
 #pragma once
 #include <functional>
+#include <string>
 
 #include "app/look/hits.h"
+#include "app/model/type_ahead.h"
 
 namespace console {
 
@@ -29,6 +31,9 @@ class SideList {
   void GoTo(int row);
   // Arrows, Home, End, Page Up, Page Down: true when the key was one of them.
   bool Key(int type);
+  // A typed character goes to the next row whose name begins with what was typed. False when it is
+  // none for that: a space that begins nothing.
+  bool Type(int character, uint32_t now_ms, const std::function<std::string(int row)>& name);
   // Logical pixels, positive down. True when something moved.
   bool Wheel(float dy);
 
@@ -56,6 +61,7 @@ class SideList {
   Area area_;
   int rows_ = 0, at_ = -1, top_ = 0;  // top in pixels
   float wheel_ = 0;                   // of a pixel not yet moved
+  TypeAhead typed_;
   int id_ = 0;
   const char* name_ = "";
   XwWindow* bar_ = nullptr;

@@ -14,7 +14,7 @@ struct Word {
   const char* word;
 };
 constexpr Word kWords[] = {
-    {"ROOT", "Computer"}, {"LOCAL", "Home"}, {"DOCUMENTS", "Documents"}, {"DESKTOP", "Desktop"}};
+    {"ROOT", "Root"}, {"LOCAL", "Home"}, {"DOCUMENTS", "Documents"}, {"DESKTOP", "Desktop"}};
 
 bool IsFolder(const char* path) {
   struct stat s {};

@@ -101,10 +101,10 @@ TEST_F(PlacesTest, VolumesHaveNamesForPersons) {
   std::string names;
   for (const Volume& v : listing.volumes)
     names += v.name + (v.host.empty() ? "" : "@" + v.host) + " ";
-  EXPECT_EQ(names.find("Computer Home Desktop "), 0u) << names;
+  EXPECT_EQ(names.find("Root Home Desktop "), 0u) << names;
   EXPECT_NE(names.find("@server "), std::string::npos) << names;
   EXPECT_EQ(names.substr(names.size() - 5), "ROOT ") << names;  // a disk may be called that
-  listing.volumes = {{"Computer", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home/m", ""}};
+  listing.volumes = {{"Root", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home/m", ""}};
   places_.Choose(files_.path());
   places_.Show(std::move(listing));
   EXPECT_EQ(places_.VolumeOf("/home/mia/Documents"), 1);

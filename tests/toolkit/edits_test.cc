@@ -431,6 +431,36 @@ TEST(EditBoxes, MenuKeysComeAfterTheBox) {
   EXPECT_EQ(*OfferedText(Selection::kClipboard), "fixed");
 }
 
+TEST(EditBoxes, AProgramEditsAndOpensItsOwnContextMenu) {
+  static int asked;
+  asked = 0;
+  Boxes s;
+  XwSetContextMenuHandler(s.main, [] { ++asked; });
+  s.Focus();
+  Type(kEnd);
+  XwEdit(s.box, XWU_CUT);
+  EXPECT_EQ(Text(s.box), "one two") << "nothing is selected";
+  XwEdit(s.box, XWU_SELECT_ALL);
+  EXPECT_TRUE(XwCanEdit(s.box, XWU_CUT));
+  XwEdit(s.box, XWU_CUT);
+  RunFor(0.001);
+  EXPECT_EQ(Came(), "789");
+  EXPECT_EQ(Text(s.box), "");
+  EXPECT_FALSE(XwCanEdit(s.box, XWU_CUT) || XwCanEdit(s.box, 99) || XwCanEdit(s.main, XWU_PASTE));
+  XwEdit(s.box, XWU_PASTE);
+  RunFor(0.1);
+  EXPECT_EQ(Text(s.box), "one two");
+  XwEdit(s.box, XWU_UNDO);
+  EXPECT_TRUE(XwCanEdit(s.box, XWU_REDO));
+  // The window's menu comes where no control has one, by the Menu key and by F10 with Shift alone.
+  XwSetFocus(s.main);
+  RunFor(0.001);
+  Type(kMenuKey);
+  EXPECT_EQ(Type(kF10, 0, shiftKey), "265");
+  Type(kF10, 0, shiftKey | controlKey);
+  EXPECT_EQ(asked, 2);
+}
+
 TEST(EditBoxes, AFieldIsEditedInPlace) {
   Boxes s;
   char text[256] = "old";
@@ -477,7 +507,7 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
   EXPECT_EQ(n.what.value, "one two");
   EXPECT_EQ(n.what.state & (kIsFocused | kIsEnabled | kIsReadOnly), kIsFocused | kIsEnabled);
   XwDescribeControl(read, "Read");
-  EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable), kIsReadOnly);
+  EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable | kIsEnabled), kIsReadOnly | kIsEnabled);
   auto shown = [&](const std::string& text) {
     XwSetText(read, text.c_str());
     RunFor(0.001);
