@@ -42,9 +42,8 @@ inline uint32_t State(const std::string& name) {
   return Node(name).what.state;
 }
 
-// The reports that came, "id=value" each, once the loop has run.
+// The reports that came, "id=value" each.
 inline std::string Reports() {
-  RunLoop();
   std::string out;
   for (const Seen& s : seen)
     if (s.type == XWE_CONTROL)
@@ -55,7 +54,6 @@ inline std::string Reports() {
 }
 // Everything else that came.
 inline std::string Others() {
-  RunLoop();
   std::string out;
   for (const Seen& s : seen)
     if (s.type != XWE_CONTROL && s.type != XWE_MOTION)
@@ -66,6 +64,7 @@ inline std::string Others() {
 
 inline std::string ClickAt(int x, int y, int button = 1) {
   input::Click(x, y, button);
+  RunLoop();
   return Reports();
 }
 inline std::string Key(uint32_t keysym, uint32_t unicode, uint32_t modifiers = 0) {
@@ -73,6 +72,7 @@ inline std::string Key(uint32_t keysym, uint32_t unicode, uint32_t modifiers = 0
   input::KeyDown(keysym, unicode);
   input::KeyUp(keysym, unicode);
   if (modifiers) input::Modifiers(0);
+  RunLoop();
   return Reports();
 }
 inline int FocusedId() {

@@ -43,11 +43,13 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   EXPECT_EQ(Reports(), "") << "let go outside";
   // The record reaches further than the button.
   input::Click(110, 110);
+  RunLoop();
   EXPECT_EQ(Others(), "771 776");
   // While one button holds it, others are swallowed.
   input::MovePointer(r.left, r.top);
   for (int held : {1, 2}) input::Press(held);
   input::Release(2);
+  RunLoop();
   EXPECT_EQ(Reports(), "");
   LetGo();
   EXPECT_EQ(Reports(), "5=0");
@@ -119,6 +121,7 @@ TEST(Controls, WhoGetsAPress) {
   // During a grab the window gets it.
   XwGrabPointer(s.main, 0);
   input::Click(120, 160);
+  RunLoop();
   EXPECT_EQ(Others(), "771 776");
   XwUngrabPointer();
   // Of two sub-windows the later one is above, and so is what is in it.
@@ -312,15 +315,18 @@ TEST(Controls, TheKeyboardAlone) {
   Key('x', 'x');
   input::KeyDown(' ', ' ');
   input::KeyDown(' ', ' ');
+  RunLoop();
   EXPECT_EQ(Others(), "32") << "a repeat presses nothing and is an ordinary key";
   input::KeyUp(' ', ' ');
   XwFocusControl(XwButton(s.main, "silent", 0, 10, 170, 60, 26, kOn, 0));
   Key(' ', ' ');
   input::KeyDown(kReturnKey, 13);
+  RunLoop();
   EXPECT_EQ(Others(), "") << "one that reports nothing takes the key all the same";
   input::KeyUp(kReturnKey, 13);
   input::Modifiers(optionKey);
   for (int i = 0; i < 3; ++i) input::KeyDown('r', 'r');
+  RunLoop();
   EXPECT_EQ(Reports(), "6=1") << "of a letter either";
   input::KeyUp('r', 'r');
   // The letters that Alt shows go with the window's keyboard.
@@ -395,6 +401,7 @@ TEST(Controls, TheRingAndWhatIsDrawnAgain) {
   EXPECT_NE(PixelAt(s.main, 48, 65), 0x00FF00u);
   seen.clear();
   XwSetFocus(s.main);
+  RunLoop();
   EXPECT_EQ(Others(), "769") << "what it covered is lost content";
   EXPECT_EQ(input::TakePicture(Native(s.main)).pixels, plain.pixels);
   // A press draws the control and nothing else.
@@ -407,6 +414,7 @@ TEST(Controls, TheRingAndWhatIsDrawnAgain) {
   // One that goes leaves the background and one redraw.
   seen.clear();
   XwShow(bevel, 0);
+  RunLoop();
   EXPECT_EQ(Others(), "769");
   EXPECT_EQ(PixelAt(s.main, 60, 65), 0x00FF00u);
   XwShow(bevel, 1);
@@ -527,6 +535,7 @@ TEST(Controls, DescribeThemselves) {
   EXPECT_TRUE(ActOn(children[3].serial, kActionPress));
   EXPECT_TRUE(ActOn(children[3].serial, kActionFocus));
   EXPECT_FALSE(ActOn(children[2].serial, kActionPress)) << "it has ended";
+  RunLoop();
   EXPECT_EQ(Reports(), "3=0");
   EXPECT_EQ(FocusedId(), 3);
   EXPECT_TRUE(told.empty());

@@ -297,12 +297,14 @@ TEST(Lists, KeyboardAlone) {
   // Control is no part of a beginning.
   Key(kHome, 0);
   input::KeyDown(kDown);
+  RunLoop();
   EXPECT_EQ(Others(), "");
   input::KeyUp(kDown);
   EXPECT_EQ(Key('g', 'g', controlKey), "");
   EXPECT_EQ(s.FindList().what.value, "alpha");
   Key(kEnd, 0);
   input::KeyDown(kDown);
+  RunLoop();
   EXPECT_EQ(Others(), "528");
   input::KeyUp(kDown);
   // Return and Escape stay the default buttons'.
@@ -332,6 +334,7 @@ TEST(Lists, AssistiveToolsChooseRows) {
   EXPECT_EQ(list.what.actions, uint32_t{kActionFocus});
   EXPECT_EQ(row.what.role, ObjectRole::kRow);
   EXPECT_TRUE(ActOn(row.serial, kActionPress));
+  RunLoop();
   EXPECT_EQ(Reports(), "7=2");
   EXPECT_EQ(XwGetValue(s.list), 2);
   EXPECT_EQ(s.FindList().children[2].serial, row.serial);
