@@ -132,7 +132,19 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   return picture;
 }
 
-// The window's picture once it equals `wanted`, or what it showed last.
+// The types of events that a program has traced, but redraws, motions and the request to quit,
+// which come when there is time for them.
+std::string Events(const std::string& file) {
+  std::istringstream lines(ReadFile(file));
+  std::string events;
+  for (std::string line; std::getline(lines, line);)
+    if (line != "events: 769" && line != "events: 770" && line != "events: 796")
+      events += line + '\n';
+  return events;
+}
+
+// The window's picture once it and the events are those of the headless display, or what it showed
+// last.
 Picture OnX(const Example& example, const std::string& folder, const Picture& wanted) {
   setenv("XW_DISPLAY", "x11", 1);
   setenv("XW_SCALE", "1", 1);
@@ -147,7 +159,7 @@ Picture OnX(const Example& example, const std::string& folder, const Picture& wa
   support::Eventually([&] {
     if (!user.Viewable(window)) return false;
     seen = WindowPicture(user, window);
-    return seen == wanted;
+    return seen == wanted && Events(folder + "/x") == Events(folder + "/headless");
   });
   EXPECT_EQ(program.End(), 0) << example.name;
   return seen;
@@ -181,9 +193,7 @@ TEST_P(Examples, LookTheSameAfterWhatTheUserDid) {
     EXPECT_TRUE(testkit::MatchesReference(headless, PICTURES,
                                           std::string(GetParam().name) + "-" + state.name));
     EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), scratch_.path(), headless)));
-    const std::string events = ReadFile(scratch_.At("headless"));
-    EXPECT_NE(events.find("events: 7"), std::string::npos);
-    EXPECT_EQ(ReadFile(scratch_.At("x")), events);
+    EXPECT_EQ(Events(scratch_.At("x")), Events(scratch_.At("headless")));
     unsetenv("XW_REPLAY");
   }
 }
