@@ -13,7 +13,17 @@ enum CommandId {
   kCloseCommand,
   kHoldCommand,
   kReleaseCommand,
+  kPrintAgainCommand,
   kRemoveCommand,
+  kPriorityCommand,
+  kCopiesCommand,
+  kMoveToPrinterCommand,
+  kMoveUpCommand,
+  kMoveDownCommand,
+  kSortQueueCommand,
+  kQueuePartCommand,
+  kMineCommand,
+  kQueueFilterCommand,
   kStopSendingCommand,
   kRefreshCommand,
   kUpCommand,
@@ -23,6 +33,7 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kSelectAllCommand,
   kCommandsEnd
 };
 
@@ -35,6 +46,9 @@ enum ControlId {
   kPriorityControl,
   kHoldNextControl,
   kFilterControl,
+  kQueueFilterControl,
+  kQueueOwnerControl,
+  kQueuePartControl,
   kCloseAnswer,
   kKeepOpenAnswer,
   // Those of a table's heads follow its own.

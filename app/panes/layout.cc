@@ -48,20 +48,6 @@ void LayOutTools(Layout* l) {
   l->hold = Next(&bar, 56, 0);
 }
 
-void LayOutQueueHead(Layout* l) {
-  Area bar = l->queue_head;
-  bar.TakeRight(12);
-  auto last = [&bar](int width) {
-    Area piece = bar.TakeRight(width);
-    bar.TakeRight(6);
-    // A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
-    return Area{piece.x, piece.y + 3, piece.w, 20};
-  };
-  l->remove_job = last(78);
-  l->release_job = last(78);
-  l->hold_job = last(64);
-}
-
 }  // namespace
 
 Layout LayOut(int width, int height) {
@@ -82,7 +68,6 @@ Layout LayOut(int width, int height) {
   l.filter = {l.folder_head.right() - 12 - kFilter, l.folder_head.y + 3, kFilter, 24};
   l.filter_label = {l.filter.x - 46, l.folder_head.y, 40, kHead - 1};
   LayOutTools(&l);
-  LayOutQueueHead(&l);
   return l;
 }
 

@@ -15,7 +15,7 @@ struct Layout {
   Area hold;
   // The middle: places and details are empty where the window is too narrow for them.
   Area places, folder_head, filter_label, filter, folder, details;
-  Area queue_head, hold_job, release_job, remove_job, queue;
+  Area queue_head, queue;
   Area status, stop_sending;
 };
 

@@ -1,19 +1,14 @@
-// The queue: transfers of our own first, then the server's jobs in the order in which they print.
+// The queue: documents on their way first, then the server's jobs.
 #pragma once
 #include <vector>
 
+#include "app/model/queue_verbs.h"
 #include "app/panes/layout.h"
+#include "app/panes/queue_head.h"
 #include "app/server/server.h"
 #include "app/table/table.h"
 
 namespace console {
-
-// A row: a transfer of our own, or a job of the server.
-struct QueueRow {
-  int transfer = 0;  // its number, 0 for a job
-  JobId job{};
-  bool operator==(const QueueRow&) const = default;
-};
 
 struct QueuePane {
   // Both are looked at for as long as the pane lives.
@@ -23,19 +18,32 @@ struct QueuePane {
   void Place();
   void Draw(const Hit& hover, bool focused);
   void AddHits(Hits* hits) const;
-  // After a new state: rows in order, the selection stays on its job.
+  void Enable(bool on);
+  // After a new state.
   void Fill();
-  // Whether it can be done to the selected row.
-  bool CanChange(JobAction action) const;
-  // Does it; nothing where it cannot be done.
-  void Change(JobAction action, Server* server) const;
+  // How far transfers have come.
+  void ShowProgress();
+
+  void Sort(QueueOrder order, bool descending);
+  // The head of a column was pressed: it sorts, then the other way round, then as the queue prints.
+  void SortByHead(int column);
+  void Filter(const QueueFilter& filter);
+
+  // Those that verbs act on.
+  std::vector<QueueId> Selected() const { return selection.Ids(); }
+  VerbCheck Check(Verb verb) const;
 
   const Layout& layout;
   const ServerState& state;
-  std::vector<QueueRow> rows;
-  QueueRow missing;  // was selected when it went; selected again if it comes back
+  QueueRows rows;
+  SelectionOf<QueueRows, QueueId, QueueIdHash> selection{rows};
+  QueueHead head;
   Table table;
-  XwWindow *hold = nullptr, *release = nullptr, *remove = nullptr;  // of commands
+
+ private:
+  std::vector<Outgoing> OutgoingNow() const;
+  // The rows are others: the table and the selection follow.
+  void Renewed();
 };
 
 }  // namespace console

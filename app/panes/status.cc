@@ -118,7 +118,7 @@ void StatusPane::Update(bool offers_server) {
 }
 
 void StatusPane::Tell(bool good, const std::string& utf8) {
-  message_ = {good, utf8, 0};
+  message_ = {good, utf8};
   message_s_ = kMessageSeconds;
 }
 

@@ -8,6 +8,12 @@
 
 namespace console {
 
+// What was told last.
+struct StatusMessage {
+  bool good = true;
+  std::string text;  // UTF-8
+};
+
 struct StatusPane {
   // All three are looked at for as long as the pane lives.
   StatusPane(const Layout& layout_of_all, const ServerState& state_now, const std::string& server)
@@ -22,7 +28,7 @@ struct StatusPane {
   // Shows it for a few seconds.
   void Tell(bool good, const std::string& utf8);
   bool Tells() const { return message_s_ > 0; }
-  const Notice& message() const { return message_; }
+  const StatusMessage& message() const { return message_; }
   void ForgetMessage() { message_s_ = 0; }
   // A second has passed: true when the line looks different now.
   bool Tick();
@@ -41,7 +47,7 @@ struct StatusPane {
   // Beside the server's state; empty when nothing is offered.
   Area StartArea() const;
 
-  Notice message_;
+  StatusMessage message_;
   int message_s_ = 0;  // that it is still shown
   bool offers_server_ = false;
 };

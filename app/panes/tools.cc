@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/look/style.h"
 #include "app/panes/ids.h"
@@ -75,6 +76,13 @@ void ToolsPane::Update(const ServerState& state, bool enabled) {
   EnableControl(less_, enabled && choice_->copies > 1);
   EnableControl(more_, enabled && choice_->copies < kMostCopies);
   for (XwWindow* control : {copies, priority, hold}) EnableControl(control, enabled);
+}
+
+void ToolsPane::ShowDocuments(int n) {
+  n = std::max(1, n);
+  if (n == documents_) return;
+  documents_ = n;
+  XwSetTextUtf8(print, n == 1 ? "Print" : ("Print " + NumberText(n)).c_str());
 }
 
 void ToolsPane::Draw(const Layout& l) const {

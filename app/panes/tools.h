@@ -19,6 +19,8 @@ class ToolsPane {
   void Place(const Layout& layout);
   // What can be chosen now. `enabled`: whether anything can.
   void Update(const ServerState& state, bool enabled);
+  // How many the button would print.
+  void ShowDocuments(int n);
   void Draw(const Layout& layout) const;
 
   // A report of one of its controls: false when the id is another's.
@@ -37,6 +39,7 @@ class ToolsPane {
 
   PrintChoice* choice_;
   NameChoice printer_, profile_;
+  int documents_ = 1;  // that the button tells of
   XwWindow *less_ = nullptr, *more_ = nullptr;
 };
 

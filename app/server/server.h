@@ -5,37 +5,43 @@
 // sent, so that the queue stays alive. Every call has a deadline. When the server does
 // not answer, the worker says so at once, gives up at the deadline, and tries again by itself after
 // a while that doubles up to fifteen seconds. A file whose sending broke off is sent again when the
-// server is back, unless the queue shows that it had arrived.
+// server is back, unless the queue shows that it had arrived. A change of a job is sent once: when
+// the connection breaks, those that are not yet answered are given up and told.
 #pragma once
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "app/model/notices.h"
+#include "app/model/pending_changes.h"
+#include "app/model/queue_verbs.h"
 #include "app/work/background_task.h"
 #include "printserver/records.h"
 
 namespace console {
 
 enum class Link : uint8_t { kConnecting, kReady, kAway };
-enum class JobAction : uint8_t { kHold, kRelease, kRemove };
 
-using JobId = std::array<uint8_t, 16>;
-inline JobId IdOf(const NC_Job& job) {
-  return std::to_array(job.id);
-}
+// What is to be done to jobs.
+struct JobChange {
+  Verb verb = Verb::kHold;
+  int number = 0;            // the priority, or the copies
+  std::string printer = "";  // to which they are moved
+};
 
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
   std::string path, document, owner;
-  std::string printer, profile;  // empty: the server's choice
+  std::string printer, profile, media;  // empty: the server's choice
   int copies = 1, priority = 50;
+  int32_t colour = -1;  // 0xRRGGBB, -1: none
   bool hold = false;
 };
 
-enum class Sending : uint8_t { kWaiting, kSending, kCancelling, kFailed };
+// What a transfer is doing.
+using Sending = OutgoingState;
 // An order on its way. It is gone when the queue shows it, and when it was cancelled.
 struct Transfer {
   int number = 0;  // from 1 on
@@ -49,21 +55,14 @@ struct Transfer {
 
 // Something that a person should be told once.
 struct Notice {
-  bool good = true;
-  std::string text;  // UTF-8
-  int number = 0;    // from 1 on
+  Message message;
+  int number = 0;  // from 1 on
 };
 
 // A transfer that has become a job.
 struct Arrival {
   int number;
   JobId id;
-};
-
-// A change that the server has not yet answered.
-struct PendingChange {
-  JobId id;
-  JobAction action;
 };
 
 // What is known. The lists stay when the server goes away.
@@ -73,11 +72,12 @@ struct ServerState {
   int away_times = 0;   // how often it has gone away
   int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
   std::string trouble;  // away: why, in a few words
+  bool listed = false;  // the lists have come once
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
   std::vector<Transfer> transfers;
-  std::vector<PendingChange> pending;
+  PendingChanges pending;
   std::vector<Notice> notices;    // the last few
   std::vector<Arrival> arrivals;  // the last few
 };
@@ -100,13 +100,17 @@ class Server {
   void ShowProgress(std::vector<Transfer>* transfers) const;
   // To be called each second: a server that has been silent for another one is a new state.
   void Tick();
-  // The order's number as a transfer.
-  int Send(PrintOrder order);
+  // In this order, after those that wait already. The number of the last one as a transfer.
+  int Send(std::vector<PrintOrder> orders);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
   // Tries a failed one again.
   void Retry(int number);
-  void Change(const JobId& id, JobAction action);
+  // Does it to each of them, in this order, and tells what has come of it once. The state shows at
+  // once that it is under way.
+  void Change(const std::vector<JobId>& jobs, const JobChange& change);
+  // Puts jobs before others, one step after the other.
+  void Reorder(const std::vector<Reordering>& steps);
   // Asks again now; when it is away: tries now.
   void Refresh();
 

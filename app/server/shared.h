@@ -15,6 +15,15 @@ namespace console {
 
 int64_t MonotonicMs();
 
+// A change of one job, in the worker's line; those of one batch are told of together.
+struct JobStep {
+  JobId job{};
+  JobChange change;
+  JobId before{};              // of kReorder
+  std::string document = "";  // the job's, as it was when the change was asked for
+  int batch = 0;
+};
+
 struct Server::Shared : std::enable_shared_from_this<Shared> {
   Shared();
   ~Shared();
@@ -23,9 +32,11 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   pthread_cond_t wake;                   // on the monotonic clock
   ServerState state;                     // quiet_s is filled in when it is published
   int64_t retry_at = 0, call_began = 0;  // MonotonicMs; 0: none
-  std::deque<PendingChange> changes;     // not yet begun
+  std::deque<JobStep> steps;             // not yet begun
   bool stop = false, refresh = false;
-  int next_number = 1, next_notice = 1;
+  int next_number = 1, next_notice = 1, next_batch = 1;
+  // What is pending has changed: jobs that look the same may be others.
+  bool pending_changed = false;
   int cancelled = 0;  // the transfer that is to be broken off
   // What ends the worker's waiting when it is to stop: its connections are shut down, and this
   // becomes readable for the one that is just being made.
@@ -38,7 +49,9 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   void Published();
   // The same for a change of how long the server has been silent, if there is one.
   void PublishQuiet();
-  void AddNotice(bool good, const std::string& text);
+  void AddNotice(Message message);
+  // Puts steps at the end of the line, as one batch.
+  void Add(std::vector<JobStep> steps);
 
  private:
   int QuietSeconds() const;

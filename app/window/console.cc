@@ -2,16 +2,18 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
 #include "app/window/program_icon.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 namespace {
 
-constexpr int kTickMs = 1000, kProgressMs = 100;
+constexpr int kTickMs = 1000, kProgressMs = 100, kDragMs = 40;
 // Drawing the program's icons takes longer than the first picture, which they are not to hold up.
 constexpr int kIconMs = 60;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
@@ -29,6 +31,7 @@ void AddAllHits(Console* c) {
     c->places.AddHits(c->files.folder.path(), &c->hits);
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->details.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
   }
   c->hits.End();
@@ -75,14 +78,19 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kFolderPane | kQueuePane | kDetailsPane;
 }
 
 namespace {
 
-// What follows a change of the folder's selection.
-void FilesChanged(Console* c) {
-  c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
+// What follows a change of a table's selection.
+void SelectionChanged(Console* c, bool files) {
+  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane
+                     : kQueuePane | kDetailsPane;
+}
+
+SelectionKeys KeysOf(uint32_t modifiers) {
+  return {(modifiers & XWS_SHIFT) != 0, (modifiers & XWS_CONTROL) != 0};
 }
 
 // --- Quitting
@@ -113,12 +121,11 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
     return;
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  table.Press(hit, Inp.px);
-  if (!files) c->queue.missing = {};
-  c->damage |= PaneOf(hit);
-  if (!files) return;
-  FilesChanged(c);
-  if (twice && hit.part == Table::kRow) OpenSelected(c);
+  const SelectionKeys keys = KeysOf(Inp.state);
+  table.Press(hit, Inp.px, keys);
+  SelectionChanged(c, files);
+  const bool opens = twice && files && hit.part == Table::kRow && !keys.shift && !keys.control;
+  if (opens) OpenSelected(c);
 }
 
 void Press(Console* c) {
@@ -130,11 +137,18 @@ void Press(Console* c) {
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
 }
 
-// The secondary button opens the menu of the row.
+// The secondary button opens the menu of the row, or of all that are selected with it.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
-  PressTable(c, hit, false);
+  Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
+  if (table.HoldsRow()) return;
+  SetFocusStop(c, hit.owner == kFiles ? FocusStop::kFiles : FocusStop::kQueue);
+  if (!table.IsSelected(hit.index)) {
+    table.Press(hit, Inp.px);
+    table.Release();
+    SelectionChanged(c, hit.owner == kFiles);
+  }
   DrawConsole(c);
   OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
 }
@@ -170,12 +184,24 @@ void Use(Console* c, const Hit& hit) {
   }
 }
 
+// What has waited for it is shown.
+void ReleaseTables(Console* c) {
+  const int gap = c->queue.table.gap();
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
+    table->Release();
+  }
+  XwTimer(c->window, kDragTimer, 0);
+  if (gap >= 0) DropJobs(c, gap);
+  if (std::exchange(c->queue_waits, false)) c->queue.Fill();
+  ShowHeldReading(c);
+}
+
 void Release(Console* c) {
   if (Inp.state & 1) return;  // another button
   const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
   c->pressed = {};
-  c->files.table.Release();
-  c->queue.table.Release();
+  ReleaseTables(c);
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
@@ -183,10 +209,16 @@ void Release(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  const bool files = c->files.table.Drag(Inp.px), queue = c->queue.table.Drag(Inp.px);
-  if (files) c->damage |= kFolderPane;
-  if (queue) c->damage |= kQueuePane;
-  if (files || queue) c->last_press = 0;  // what was dragged was not clicked
+  bool scrolls = false;
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (table->Drag(Inp.px, Inp.py)) {
+      SelectionChanged(c, table == &c->files.table);
+      c->last_press = 0;  // what was dragged was not clicked
+    }
+    scrolls = scrolls || table->ScrollsByDrag();
+  }
+  XwTimer(c->window, kDragTimer, 0);
+  if (scrolls) XwTimer(c->window, kDragTimer, kDragMs);
   // A border is under the pointer as long as it is held.
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
@@ -203,27 +235,36 @@ void Scrolled(float, float dy) {
   DrawConsole(c);
 }
 
+void ScrollByDrag(Console* c) {
+  for (Table* table : {&c->files.table, &c->queue.table})
+    if (table->ScrollByDrag()) SelectionChanged(c, table == &c->files.table);
+}
+
 // --- Keyboard
 
+// A key that moves in the table which has the keyboard, or selects there.
+bool TableKey(Console* c, int type) {
+  if (c->stop != FocusStop::kFiles && c->stop != FocusStop::kQueue) return false;
+  const bool files = c->stop == FocusStop::kFiles;
+  Table& table = files ? c->files.table : c->queue.table;
+  if (!table.Key(type, KeysOf(c->modifiers))) return false;
+  SelectionChanged(c, files);
+  return true;
+}
+
 void FilesKey(Console* c, int type) {
-  if (!c->files.table.Key(type)) {
-    if (type < ' ' || type > 126) return;
-    c->files.Find(type, Inp.time);
-  }
-  FilesChanged(c);
+  if (type < ' ' || type > 126) return;
+  c->files.Find(type, Inp.time);
+  SelectionChanged(c, true);
 }
 
 void QueueKey(Console* c, int type) {
-  if (c->queue.table.Key(type)) {
-    c->queue.missing = {};
-    c->damage |= kQueuePane;
-  } else if (type == ' ') {
-    RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
-  }
+  if (type == ' ') RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
 }
 
 // What the control there has not taken.
 void StopKey(Console* c, int type) {
+  if (TableKey(c, type)) return;
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
@@ -252,8 +293,11 @@ void Escape(Console* c) {
 
 void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
-  // Those with Control come from the menu bar, as commands.
-  if (c->modifiers & XWS_CONTROL) return;
+  if (c->modifiers & XWS_CONTROL) {
+    // Those of menus come from there, as commands.
+    if ((c->modifiers & XWS_SHIFT) || !IsMenuKey(type)) TableKey(c, type);
+    return;
+  }
   if (const int command = CommandOfKey(c, type)) {
     TellWhyNot(c, command);
     return RunCommand(c, command);
@@ -276,11 +320,12 @@ void ServerChanged(Console* c, ServerState state) {
   c->state = std::move(state);
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
-    if (n.number > c->last_notice) Tell(c, n.good, n.text);
+    if (n.number > c->last_notice) Tell(c, n.message.tone != Tone::kBad, n.message.text);
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
-  c->queue.Fill();
+  c->queue_waits = c->queue.table.HoldsRow();
+  if (!c->queue_waits) c->queue.Fill();
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
@@ -288,6 +333,7 @@ void ServerChanged(Console* c, ServerState state) {
 
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
+  c->queue.ShowProgress();
   c->damage |= kQueuePane | kStatusPane;
 }
 
@@ -302,6 +348,7 @@ void OnTimer(Console* c, int timer) {
   if (timer == kTickTimer) Tick(c);
   if (timer == kReadingTimer) ShowWait(c);
   if (timer == kProgressTimer) ShowProgress(c);
+  if (timer == kDragTimer) ScrollByDrag(c);
   if (timer == kIconTimer) {
     XwTimer(c->window, kIconTimer, 0);
     SetUpProgramIcon();
@@ -452,6 +499,8 @@ void DrawConsole(Console* c) {
   if (!c->damage) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
+  c->details.jobs = IsInQueue(c->stop) && !c->queue.Selected().empty() ? &c->queue : nullptr;
+  c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;
   c->damage = 0;

@@ -44,6 +44,9 @@ enum class FocusStop {
   kPriority,
   kHold,
   kFilter,
+  kQueueFilter,
+  kQueueOwner,
+  kQueuePart,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
@@ -63,6 +66,11 @@ struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
 };
+
+// The keyboard is in the queue, or in what says what it shows.
+inline bool IsInQueue(FocusStop stop) {
+  return stop == FocusStop::kQueue || stop >= FocusStop::kQueueFilter;
+}
 
 struct ServerStart;
 
@@ -100,8 +108,11 @@ struct Console {
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
-  bool asking = false;                        // whether to leave before everything is sent
-  XwWindow* question = nullptr;               // the sheet that asks
+  // Came while a row was held, and are shown when it is let go.
+  std::unique_ptr<FolderReading> held_reading;
+  bool queue_waits = false;
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   ToolsPane tools{&choice};
   PlacesPane places{layout, {}, ""};
@@ -111,7 +122,7 @@ struct Console {
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
@@ -148,6 +159,7 @@ void EnterFolder(Console* c, const std::string& path, const std::string& select)
 void GoUp(Console* c);
 // Results of the reader and of the watch.
 void FolderCame(Console* c, FolderReading* reading);
+void ShowHeldReading(Console* c);
 void FolderChanged(Console* c);
 void ShowSilence(int seconds);
 // Says that something is being read.
@@ -156,7 +168,7 @@ void ShowWait(Console* c);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; of a file it says how it is printed.
+// Enters the folder that is selected alone; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
@@ -199,7 +211,11 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
+// Of the table that has the keyboard.
+bool CanSelectAll(const Console* c);
+void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
 // Whether the window may close at once; else the question is shown, over everything else.

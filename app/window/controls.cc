@@ -4,6 +4,7 @@
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
 #include "app/window/console.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 
@@ -14,8 +15,10 @@ void MakeControls(Console* c) {
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,       c->queue.hold,
-                c->queue.release, c->queue.remove, c->status.stop_sending, c->status.start_server};
+  const QueueHead& head = c->queue.head;
+  c->buttons = {c->tools.print, c->tools.up, c->tools.refresh,       head.hold,
+                head.release,   head.again,  head.remove,            c->status.stop_sending,
+                c->status.start_server};
 }
 
 void PlaceControls(Console* c) {
@@ -41,6 +44,12 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->tools.hold;
     case FocusStop::kFilter:
       return c->files.filter;
+    case FocusStop::kQueueFilter:
+      return c->queue.head.text;
+    case FocusStop::kQueueOwner:
+      return c->queue.head.owner;
+    case FocusStop::kQueuePart:
+      return c->queue.head.part;
     default:
       return nullptr;
   }
@@ -65,12 +74,22 @@ void UpdateControls(Console* c) {
   c->status.Update(CanStartServer(c));
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
+  c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
-  c->queue.table.Enable(!c->asking);
+  c->queue.Enable(!c->asking);
   UpdateFocus(c);
 }
 
+namespace {
+
+bool NothingIsChosen(const Console* c) {
+  return c->files.Chosen().files + c->files.Chosen().folders == 0;
+}
+
+}  // namespace
+
 void UseEditBox(Console* c, int type, int id, bool gained) {
+  if (id == kQueueFilterControl) return UseQueueFilter(c, type, gained);
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
   // The report that a box has got the keyboard may wait behind its first keys.
@@ -79,7 +98,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_CHANGED) SetFilter(c, c->files.FilterText());
   // The report of its Escape takes that key's place.
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
-  if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);
+  if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
@@ -93,30 +112,48 @@ void UseControl(Console* c, int id, int value) {
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
-  if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  UseQueueControl(c, id, value);
 }
 
 bool CanPrint(const Console* c) {
-  const int row = c->files.table.selected();
-  return row >= 0 && !c->files.folder.At(row).folder;
+  return c->files.Chosen().files > 0;
 }
 
 void PrintSelected(Console* c) {
-  const int row = c->files.table.selected();
-  PrintOrder order;
-  order.path = c->files.folder.PathOf(row);
-  order.document = c->files.folder.At(row).name;
-  order.owner = OS_GetUserName();
+  PrintOrder usual;
+  usual.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
-  order.printer = printer ? printer->name : c->choice.printer;
-  order.profile = c->choice.profile;
-  order.copies = c->choice.copies;
-  order.priority = c->choice.priority;
-  order.hold = c->choice.hold;
-  c->server.Send(std::move(order));
-  ++c->just_sent;
+  usual.printer = printer ? printer->name : c->choice.printer;
+  usual.profile = c->choice.profile;
+  usual.copies = c->choice.copies;
+  usual.priority = c->choice.priority;
+  usual.hold = c->choice.hold;
+  std::vector<PrintOrder> orders;
+  for (const std::string& name : c->files.selection.Ids()) {
+    const int row = c->files.folder.Find(name);
+    if (c->files.folder.At(row).folder) continue;
+    PrintOrder& order = orders.emplace_back(usual);
+    order.path = c->files.folder.PathOf(row);
+    order.document = name;
+  }
+  c->just_sent += int(orders.size());
+  c->server.Send(std::move(orders));
   if (c->state.link == Link::kAway)
-    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+    Tell(c, true,
+         (c->just_sent > 1 ? "They" : "It") +
+             (" will be sent when " + c->server.host() + " is back"));
+}
+
+bool CanSelectAll(const Console* c) {
+  return !IsControl(c->stop);
+}
+
+void SelectAll(Console* c) {
+  if (c->stop == FocusStop::kQueue)
+    c->queue.selection.All();
+  else
+    c->files.selection.All();
+  c->damage = kAllPanes;
 }
 
 }  // namespace console
