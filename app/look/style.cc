@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace console {
 namespace {
@@ -20,6 +21,7 @@ Style MakeStyle() {
   l.scroll_ground = c(XWR_SCROLL_GROUND);
   l.good = c(XWR_GOOD), l.warning = c(XWR_WARNING), l.bad = c(XWR_BAD);
   l.normal = XWF_NORMAL, l.bold = XWF_BOLD, l.view = XWF_VIEW;
+  l.view_bold = LoadFont(XWF_VIEW->name, 12, 1);
   l.small_text = LoadFont(XWF_VIEW->name, 11, 0);
   l.caption = LoadFont(XWF_VIEW->name, 11, 1);
   l.heading = LoadFont(XWF_VIEW->name, 17, 1);
@@ -94,7 +96,19 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
 }
 
 void DrawDot(int x, int y, int32_t colour) {
-  XwRoundBox(x, y, 9, 9, 4, colour, -1);
+  // A quarter of a circle as a curve has its control points at this part of the radius.
+  constexpr float kRadius = 4.5f, kReach = kRadius * 0.5523f;
+  const float cx = float(x) + kRadius, cy = float(y) + kRadius;
+  const float a = cx - kRadius, b = cy - kRadius, c = cx + kRadius, d = cy + kRadius;
+  const XwPathPart parts[] = {
+      {XWP_MOVE, c, cy, 0, 0, 0, 0},
+      {XWP_CUBIC, cx, d, c, cy + kReach, cx + kReach, d},
+      {XWP_CUBIC, a, cy, cx - kReach, d, a, cy + kReach},
+      {XWP_CUBIC, cx, b, a, cy - kReach, cx - kReach, b},
+      {XWP_CUBIC, c, cy, cx + kReach, b, c, cy - kReach},
+      {XWP_CLOSE, 0, 0, 0, 0, 0, 0},
+  };
+  XwFillPath(parts, int(std::size(parts)), colour);
 }
 
 }  // namespace console

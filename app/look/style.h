@@ -16,7 +16,7 @@ struct Style {
   int32_t track, progress_line, scroll_ground;
   int32_t good, warning, bad;
   XwFont *normal, *bold;                   // 13: controls and headings
-  XwFont* view;                            // 12: tables
+  XwFont *view, *view_bold;                // 12: tables
   XwFont *small_text, *caption, *heading;  // 11: secondary lines, captions; 17: a page's name
 };
 // Made on the first call, which needs the session.

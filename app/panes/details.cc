@@ -81,7 +81,7 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
               l.second);
     return;
   }
-  const bool away = pane->state.link == Link::kAway;
+  const bool away = IsAway(pane->state.link);
   DrawFact(&a, "Name", Shown(p->name));
   const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
                       : p->state == NC_PRINTER_PRINTING ? l.accent

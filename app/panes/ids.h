@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -34,6 +34,20 @@ enum CommandId {
   kAboutCommand,
   kStartServerCommand,
   kSelectAllCommand,
+  kRetryCommand,
+  kDismissCommand,
+  kPausePrinterCommand,
+  kResumePrinterCommand,
+  kRefuseJobsCommand,
+  kTakeJobsCommand,
+  kPaperLoadedCommand,
+  kMoveAllJobsCommand,
+  kMakeMineCommand,
+  kLoadPaperCommand,
+  kGoToPrintersCommand,
+  kShowPlacesCommand,
+  kShowPrintersCommand,
+  kShowDetailsCommand,
   kCommandsEnd
 };
 
@@ -51,6 +65,9 @@ enum ControlId {
   kQueuePartControl,
   kCloseAnswer,
   kKeepOpenAnswer,
+  // Scroll bars of the side panes.
+  kPlacesControl = 90,
+  kPrintersControl,
   // Those of a table's heads follow its own.
   kFilesControls = 200,
   kQueueControls = 300

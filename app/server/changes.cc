@@ -134,12 +134,17 @@ void Worker::TellOutcome() {
 
 // The connection has broken. Under the mutex.
 void Worker::GiveUpChanges() {
-  TellOutcome();
   const auto left = int64_t(shared_->steps.size());
   shared_->steps.clear();
-  if (left > 0)
-    shared_->AddNotice({Tone::kBad, NumberOf(left, "change was", "changes were") +
-                                        " not made: the connection to the server broke"});
+  if (left > 0) {
+    Message& told = outcome_.refusal;
+    told.tone = Tone::kBad;
+    told.text += (told.text.empty() ? "" : "; ") + NumberOf(left, "change was", "changes were") +
+                 " not made: the connection to the server broke";
+    if (outcome_.refused == 0) outcome_.refused = 1;
+    if (batch_ == 0) batch_ = shared_->next_batch++;
+  }
+  TellOutcome();
   if (shared_->state.pending.Lose() > 0) shared_->pending_changed = true;
 }
 

@@ -50,7 +50,9 @@ uint64_t DigestOfLists(const ServerState& s) {
   for (const NC_Job& j : *s.jobs)
     d << j.document << j.owner << j.printer << j.text << int(j.state) << j.priority << j.copies
       << j.size << j.printed;
-  for (const NC_Printer& p : *s.printers) d << p.name << int(p.state) << p.jobs << p.paper;
+  for (const NC_Printer& p : *s.printers)
+    d << p.name << int(p.state) << p.jobs << p.paper << p.paused << p.accepting << p.is_default
+      << p.reasons << p.supplies;
   for (const NC_Profile& p : *s.profiles) d << p.name;
   return d.value();
 }
@@ -115,6 +117,7 @@ std::string Server::Shared::Detail() {
 }
 
 void Server::Shared::Published() {
+  if (stop) return;  // nobody waits for it, and it would take the place of another server's state
   state.quiet_s = QuietSeconds();
   std::string detail = Detail();
   // Jobs that look the same may be others.
@@ -137,7 +140,7 @@ void Server::Shared::AddNotice(Message message) {
 
 void Server::Shared::Add(std::vector<JobStep> added) {
   if (added.empty()) return;
-  if (state.link == Link::kAway) {
+  if (IsAway(state.link)) {
     AddNotice({Tone::kWarning, "Nothing was changed: the server is away"});
     return Published();
   }
@@ -158,27 +161,60 @@ void Server::Shared::Add(std::vector<JobStep> added) {
 
 Server::Server(const std::string& host, Show show)
     : host_(host.empty() ? "localhost" : host), shared_(std::make_shared<Shared>()) {
+  Start(std::move(show));
+}
+
+void Server::Start(Show show) {
   shared_->host = host_;
   shared_->show = std::move(show);
   worker_ = BackgroundTask([shared = shared_] { RunWorker(shared.get()); });
   if (!worker_.failed()) return;
   Locked lock(shared_.get());
   shared_->state.link = Link::kAway;
-  shared_->state.trouble = "no thread could be started";
+  shared_->state.trouble = "cannot be asked now: the computer is too busy";
   shared_->Published();
 }
 
-Server::~Server() {
+void Server::Stop() {
   shared_->show = nullptr;
-  {
-    Locked lock(shared_.get());
-    shared_->stop = true;
-    for (int fd : shared_->open)
-      if (fd >= 0) shutdown(fd, SHUT_RDWR);
-    eventfd_write(shared_->stopped.get(), 1);
-    pthread_cond_broadcast(&shared_->wake);
-  }
+  Locked lock(shared_.get());
+  shared_->stop = true;
+  for (int fd : shared_->open)
+    if (fd >= 0) shutdown(fd, SHUT_RDWR);
+  eventfd_write(shared_->stopped.get(), 1);
+  pthread_cond_broadcast(&shared_->wake);
+}
+
+Server::~Server() {
+  Stop();
   worker_.WaitFor(kStopMs);
+}
+
+void Server::Use(const std::string& host) {
+  const std::shared_ptr<Shared> old = shared_;
+  Show show = old->show;
+  Stop();
+  worker_.Drop();  // it ends by itself
+  host_ = host.empty() ? "localhost" : host;
+  shared_ = std::make_shared<Shared>();
+  {
+    const Locked lock(old.get());
+    shared_->next_number = old->next_number;
+    shared_->next_notice = old->next_notice;
+    shared_->period_ms = old->period_ms;
+    shared_->state.away_times = old->state.away_times;
+  }
+  Start(std::move(show));
+  const Locked lock(shared_.get());
+  shared_->Published();
+}
+
+void Server::SetPeriod(int ms) {
+  const Locked lock(shared_.get());
+  if (shared_->period_ms == ms) return;
+  shared_->period_ms = ms;
+  shared_->refresh = true;
+  pthread_cond_broadcast(&shared_->wake);
 }
 
 void Server::ShowProgress(std::vector<Transfer>* transfers) const {

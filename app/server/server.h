@@ -22,7 +22,11 @@
 
 namespace console {
 
-enum class Link : uint8_t { kConnecting, kReady, kAway };
+// kRefused is away as well: somebody answers there who is not to be talked to.
+enum class Link : uint8_t { kConnecting, kReady, kAway, kRefused };
+inline bool IsAway(Link link) {
+  return link == Link::kAway || link == Link::kRefused;
+}
 
 // What is to be done to jobs.
 struct JobChange {
@@ -30,6 +34,9 @@ struct JobChange {
   int number = 0;            // the priority, or the copies
   std::string printer = "";  // to which they are moved
 };
+
+// What is to be set in a printer.
+enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, kPaperLoaded };
 
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
@@ -71,8 +78,9 @@ struct ServerState {
   int retry_ms = 0;     // away: until the next try, counted from when it went
   int away_times = 0;   // how often it has gone away
   int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
-  std::string trouble;  // away: why, in a few words
+  std::string trouble;  // away: why, as what its name does: "does not answer"
   bool listed = false;  // the lists have come once
+  int64_t seen = 0;     // when the lists were true last, seconds since 1970; 0: never
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
@@ -96,6 +104,12 @@ class Server {
   Server& operator=(const Server&) = delete;
 
   const std::string& host() const { return host_; }
+  // Leaves this server for another one. The connections are closed; what was not sent, and changes
+  // that were not answered, are given up: none of it goes to the other server. The state begins
+  // again with empty lists; numbers go on.
+  void Use(const std::string& host);
+  // How often the lists are asked for. A new period asks at once.
+  void SetPeriod(int ms);
   // How far those in the state have come by now.
   void ShowProgress(std::vector<Transfer>* transfers) const;
   // To be called each second: a server that has been silent for another one is a new state.
@@ -111,6 +125,10 @@ class Server {
   void Change(const std::vector<JobId>& jobs, const JobChange& change);
   // Puts jobs before others, one step after the other.
   void Reorder(const std::vector<Reordering>& steps);
+  // Sets something of a printer; a notice tells what has come of it.
+  void ChangePrinter(const std::string& name, PrinterSetting setting);
+  // Moves the jobs of a printer that have not ended to another one; told in the same way.
+  void MoveJobs(const std::string& printer, const std::string& target);
   // Asks again now; when it is away: tries now.
   void Refresh();
 
@@ -118,6 +136,9 @@ class Server {
   struct Shared;
 
  private:
+  void Start(Show show);
+  void Stop();
+
   std::string host_;
   std::shared_ptr<Shared> shared_;
   BackgroundTask worker_;

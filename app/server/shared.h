@@ -24,6 +24,12 @@ struct JobStep {
   int batch = 0;
 };
 
+// A change of a printer that has not begun.
+struct PrinterChange {
+  std::string name;
+  PrinterSetting setting;
+};
+
 struct Server::Shared : std::enable_shared_from_this<Shared> {
   Shared();
   ~Shared();
@@ -33,11 +39,13 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   ServerState state;                     // quiet_s is filled in when it is published
   int64_t retry_at = 0, call_began = 0;  // MonotonicMs; 0: none
   std::deque<JobStep> steps;             // not yet begun
+  std::deque<PrinterChange> printer_changes;
   bool stop = false, refresh = false;
   int next_number = 1, next_notice = 1, next_batch = 1;
   // What is pending has changed: jobs that look the same may be others.
   bool pending_changed = false;
-  int cancelled = 0;  // the transfer that is to be broken off
+  int period_ms = 2000;  // between two questions for the lists
+  int cancelled = 0;     // the transfer that is to be broken off
   // What ends the worker's waiting when it is to stop: its connections are shut down, and this
   // becomes readable for the one that is just being made.
   int open[2] = {-1, -1};

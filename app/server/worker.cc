@@ -2,6 +2,7 @@
 #include "app/server/worker.h"
 
 #include <cerrno>
+#include <ctime>
 
 #include "printserver/nc.h"
 #include "printserver/read_lists.h"
@@ -11,8 +12,24 @@ namespace console {
 namespace {
 
 constexpr int kConnectMs = 3000, kCallMs = 5000;
-constexpr int kPollMs = 1000;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
+
+constexpr char kSilent[] = "does not answer";
+
+// Why there is no connection, as what the server's name does.
+const char* ConnectTrouble(int code, int error) {
+  switch (code) {
+    case NC_NO_HOST:
+      if (error == EINVAL) return "has a port that is not a number from 1 to 65535";
+      return error == ETIMEDOUT ? "was not found in time" : "is not known";
+    case NC_REFUSED:
+      return "refuses this console";
+    case NC_NO_SERVER:
+      return error == ETIMEDOUT ? kSilent : "runs no print server";
+    default:
+      return "cannot be asked: the system has no connection left";
+  }
+}
 
 }  // namespace
 
@@ -44,12 +61,13 @@ bool Worker::Stopping() {
   return shared_->stop;
 }
 
-// The server is gone: says so, and when to try again.
-void Worker::GoAway(const std::string& trouble) {
+// The server is gone: says so, and when to try again. What refuses once will do so for a while.
+void Worker::GoAway(Link link, const std::string& trouble) {
   Close(kLists);
   retry_ms_ = retry_ms_ == 0 ? kFirstRetryMs : std::min(retry_ms_ * 2, kLastRetryMs);
+  if (link == Link::kRefused) retry_ms_ = kLastRetryMs;
   Locked lock(shared_);
-  shared_->state.link = Link::kAway;
+  shared_->state.link = link;
   shared_->state.trouble = trouble;
   shared_->retry_at = MonotonicMs() + retry_ms_;
   shared_->state.retry_ms = retry_ms_;
@@ -71,7 +89,7 @@ bool Worker::TryToConnect(int ms) {
   const int error = errno;
   Ended();
   if (fd < 0) {
-    GoAway(nc::ConnectText(fd, error));
+    GoAway(fd == NC_REFUSED ? Link::kRefused : Link::kAway, ConnectTrouble(fd, error));
     return false;
   }
   next_poll_ = 0;
@@ -118,10 +136,11 @@ bool Worker::Poll() {
     list->resize(
         size_t(NC_ParsePrinters(printer_bytes.data(), printers, list->data(), NC_RECORDS_MAX)));
   }
-  next_poll_ = MonotonicMs() + kPollMs;
   retry_ms_ = 0;
   Locked lock(shared_);
+  next_poll_ = MonotonicMs() + shared_->period_ms;
   ServerState& state = shared_->state;
+  state.seen = time(nullptr);
   if (jobs) state.jobs = jobs;
   if (list) state.printers = list;
   if (ask_profiles_) state.profiles = profiles;
@@ -152,14 +171,14 @@ void Worker::Serve(int connect_ms) {
     if (refresh) retry_ms_ = 0;
     if (!TryToConnect(connect_ms)) return;
   }
-  bool good = MakeChanges();
+  bool good = MakeChanges() && ChangePrinters();
   if (good && next_poll_ <= MonotonicMs()) {
     good = Poll() && RemoveUnwanted();
   }
   if (!good) {
     const int error = errno;
     Ended();
-    GoAway(error == ETIMEDOUT ? "it does not answer" : "the connection broke");
+    GoAway(Link::kAway, error == ETIMEDOUT ? kSilent : "closed the connection");
   }
 }
 
@@ -167,7 +186,9 @@ void Worker::Serve(int connect_ms) {
 void Worker::Wait() {
   Locked lock(shared_);
   const bool connected = shared_->open[kLists] >= 0;
-  if (shared_->stop || shared_->refresh || (connected && !shared_->steps.empty())) return;
+  if (shared_->stop || shared_->refresh ||
+      (connected && !(shared_->steps.empty() && shared_->printer_changes.empty())))
+    return;
   const int64_t now = MonotonicMs();
   int64_t until = connected ? next_poll_ : shared_->retry_at;
   for (const Transfer& t : shared_->state.transfers)

@@ -24,7 +24,7 @@ class Worker {
   void Close(Which which);
   bool Stopping();
   bool Ready();
-  void GoAway(const std::string& trouble);
+  void GoAway(Link link, const std::string& trouble);
   bool TryToConnect(int ms);
   // Around a call that waits for the server.
   void Began();
@@ -42,6 +42,11 @@ class Worker {
   void ForgetBroken();
   bool RemoveUnwanted();
   bool FindJob(const JobId& id, NC_Job* out);
+
+  // Changes of printers (printers.cc).
+  bool ChangePrinters();
+  bool NextPrinterChange(PrinterChange* change, NC_Printer* printer);
+  int SetPrinter(const PrinterChange& change, const NC_Printer& printer);
 
   void Serve(int connect_ms);
   void Wait();

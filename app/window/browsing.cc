@@ -37,6 +37,7 @@ void AskFolder(Console* c, FolderRequest request) {
 
 void Listed(Console* c) {
   c->files.Arranged();
+  FollowInPlaces(c);
   c->damage |= kFolderPane | kDetailsPane | kToolsPane | kPlacesPane | kStatusPane;
 }
 
@@ -111,7 +112,7 @@ void FolderCame(Console* c, FolderReading* reading) {
     return DrawConsole(c);
   }
   if (!Moves(reading->request))
-    ReadAgain(c, reading);
+    ReadAgain(c, reading), RefreshPlaces(c);
   else if (reading->error == 0)
     Entered(c, reading);
   else
@@ -223,20 +224,6 @@ void PressCrumb(Console* c, int index) {
   std::string below = c->files.folder.path();
   while (below != "/" && ParentPath(below) != path) below = ParentPath(below);
   EnterFolder(c, path, LastName(below));
-}
-
-// Those that everyone has come first, and are not looked for.
-void FindPlaces(Console* c) {
-  c->places.places = {{"Root", "/"}, {"Home", OS_GetPathName(OS_FOLDER_HOME)}};
-  c->finder.Find({{"Desktop", OS_GetPathName(OS_FOLDER_DESKTOP)},
-                  {"Documents", OS_GetPathName(OS_FOLDER_DOCUMENTS)},
-                  {"Shared", OS_GetPathName(OS_FOLDER_SHARED)}},
-                 [c](const std::vector<Place>& found) {
-                   auto& all = c->places.places;
-                   all.insert(all.end(), found.begin(), found.end());
-                   c->damage |= kPlacesPane;
-                   DrawConsole(c);
-                 });
 }
 
 void ShowDocument(Console* c, const char* path) {

@@ -2,6 +2,7 @@
 
 #include "app/window/commands.h"
 #include "app/window/queue_commands.h"
+#include "app/window/side_commands.h"
 
 namespace console {
 namespace {
@@ -32,6 +33,20 @@ bool IsSending(const Console* c) {
   return false;
 }
 
+// --- Printers
+
+template <PrinterVerb verb>
+constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = false) {
+  return {id,
+          kNoMenu,
+          name,
+          [](const Console* c) { return CanDoToPrinter(c, verb); },
+          [](Console* c) { DoToPrinter(c, verb); },
+          {.group = group, .contexts = kOnPrinters, .why_not = [](const Console* c) {
+             return WhyNotToPrinter(c, verb);
+           }}};
+}
+
 // --- View
 
 bool HasParent(const Console* c) {
@@ -39,6 +54,13 @@ bool HasParent(const Console* c) {
 }
 void GoToFilter(Console* c) {
   SetFocusStop(c, FocusStop::kFilter);
+}
+bool HasMessage(const Console* c) {
+  return !c->status.message().text.empty();
+}
+void DismissMessage(Console* c) {
+  c->status.ReadMessage();
+  c->damage |= kStatusPane;
 }
 template <int column>
 void Sort(Console* c) {
@@ -60,7 +82,7 @@ constexpr Command kCommands[] = {
     Row(kOpenCommand, kFileMenu, "Open", HasSelection, OpenSelected,
         {.key = 'o', .plain_key = XWE_RETURN, .where = kInFiles, .contexts = kOnFiles}),
     Row(kPrintCommand, kFileMenu, "Print", CanPrint, PrintSelected,
-        {.key = 'p', .contexts = kOnFiles}),
+        {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
     Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
 
     Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
@@ -125,12 +147,37 @@ constexpr Command kCommands[] = {
         {.group = true, .key = '.'}),
     Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
         {.key = 's'}),
+    Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
 
+    Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", WantsPaper, LoadPaper,
+        {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
+    PrinterVerbRow<PrinterVerb::kPause>(kPausePrinterCommand, "Pause"),
+    PrinterVerbRow<PrinterVerb::kResume>(kResumePrinterCommand, "Resume"),
+    PrinterVerbRow<PrinterVerb::kRefuseJobs>(kRefuseJobsCommand, "Refuse New Jobs", true),
+    PrinterVerbRow<PrinterVerb::kTakeJobs>(kTakeJobsCommand, "Take New Jobs"),
+    PrinterVerbRow<PrinterVerb::kPaperLoaded>(kPaperLoadedCommand, "Paper Loaded", true),
+    Row(kMoveAllJobsCommand, kNoMenu, "Move All Jobs to",
+        [](const Console* c) { return CanDoToPrinter(c, PrinterVerb::kMoveJobs); }, nullptr,
+        {.group = true,
+         .contexts = kOnPrinters,
+         .why_not = [](const Console* c) { return WhyNotToPrinter(c, PrinterVerb::kMoveJobs); },
+         .choices = MoveChoices,
+         .choose = MoveAllJobs}),
+    PrinterVerbRow<PrinterVerb::kMakeMine>(kMakeMineCommand, "Make My Default", true),
+    Row(kGoToPrintersCommand, kNoMenu, "Choose Printer", nullptr, GoToPrinters),
+
+    Row(kShowPlacesCommand, kViewMenu, "Places", nullptr, TogglePlaces,
+        {.key = '7', .checked = ShowsPlaces}),
+    Row(kShowPrintersCommand, kViewMenu, "Printers", nullptr, TogglePrinters,
+        {.key = '8', .checked = ShowsPrinters}),
+    Row(kShowDetailsCommand, kViewMenu, "Details", nullptr, ToggleDetails,
+        {.key = '9', .checked = ShowsDetails}),
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
-        {.key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
+        {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
         {.key = XWE_UP, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
+    Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
         {.group = true, .key = '1'}),
     Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),

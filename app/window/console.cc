@@ -28,19 +28,17 @@ Console* g_console;
 void AddAllHits(Console* c) {
   c->hits.Begin();
   if (!c->asking) {
-    c->places.AddHits(c->files.folder.path(), &c->hits);
+    c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
     c->details.AddHits(&c->hits);
+    c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
+    c->needs.AddHits(&c->hits);
+    AddBorderHits(c);
   }
   c->hits.End();
-}
-
-void LayOutWindow(Console* c) {
-  c->layout = LayOut(c->window->width, c->window->height);
-  PlaceControls(c);
-  c->damage |= kAllPanes;
 }
 
 // The pane that a hit lies in.
@@ -53,6 +51,8 @@ unsigned PaneOf(const Hit& hit) {
       return kQueuePane;
     case kPlaces:
       return kPlacesPane;
+    case kPrinters:
+      return kPrintersPane;
     case kStatus:
       return kStatusPane;
     default:
@@ -61,15 +61,24 @@ unsigned PaneOf(const Hit& hit) {
 }
 
 // A border of columns that can be moved.
-bool IsBorder(const Hit& hit) {
+bool IsColumnBorder(const Hit& hit) {
   return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
+bool IsBorder(const Hit& hit) {
+  return IsColumnBorder(hit) || hit.owner == kBorders;
+}
+
+int CursorOver(const Hit& hit) {
+  return hit.owner == kBorders ? BorderCursor(hit)
+         : IsColumnBorder(hit) ? kSizeCursor
+                               : kArrowCursor;
 }
 
 void SetHover(Console* c, const Hit& hit) {
   if (hit == c->hover) return;
   c->damage |= PaneOf(c->hover) | PaneOf(hit);
-  if (IsBorder(hit) != IsBorder(c->hover))
-    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
+  if (CursorOver(hit) != CursorOver(c->hover)) XwSetCursor(c->window, CursorOver(hit));
   c->hover = hit;
 }
 
@@ -78,7 +87,16 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kFolderPane | kQueuePane | kDetailsPane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane |
+               kDetailsPane;
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height, c->panes);
+  // Below the rows: none moves when it comes or goes.
+  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  PlaceControls(c);
+  c->damage |= kAllPanes;
 }
 
 namespace {
@@ -115,7 +133,7 @@ namespace {
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
   Table& table = files ? c->files.table : c->queue.table;
-  if (IsBorder(hit)) {
+  if (IsColumnBorder(hit)) {
     if (twice) table.ResetColumns();
     table.Press(hit, Inp.px);
     return;
@@ -135,11 +153,19 @@ void Press(Console* c) {
   c->pressed = hit;
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
+  if (hit.owner == kPlaces) PressPlace(c, hit);
+  if (hit.owner == kPrinters) PressPrinter(c, hit);
+  if (hit.owner == kBorders) PressBorder(c, hit, twice);
 }
 
 // The secondary button opens the menu of the row, or of all that are selected with it.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
+  if (hit.owner == kPrinters && hit.part != SideList::kBody) {
+    PressPrinter(c, hit);
+    DrawConsole(c);
+    return OpenContextMenu(c, kOnPrinters);
+  }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
   Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
   if (table.HoldsRow()) return;
@@ -162,6 +188,7 @@ void StopSending(Console* c) {
 
 void RefreshAll(Console* c) {
   RefreshFolder(c);
+  RefreshPlaces(c);
   c->server.Refresh();
 }
 
@@ -171,7 +198,10 @@ namespace {
 void Use(Console* c, const Hit& hit) {
   switch (hit.owner) {
     case kPlaces:
-      EnterFolder(c, c->places.places[size_t(hit.index)].path, "");
+      UsePlace(c, hit);
+      break;
+    case kPrinters:
+      UsePrinter(c, hit);
       break;
     case kCrumbs:
       PressCrumb(c, hit.index);
@@ -205,6 +235,7 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
+  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -220,6 +251,7 @@ void Motion(Console* c) {
   XwTimer(c->window, kDragTimer, 0);
   if (scrolls) XwTimer(c->window, kDragTimer, kDragMs);
   // A border is under the pointer as long as it is held.
+  if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
@@ -232,6 +264,9 @@ void Scrolled(float, float dy) {
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
   if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
+  if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
+  if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
+    c->damage |= kPrintersPane;
   DrawConsole(c);
 }
 
@@ -267,6 +302,8 @@ void StopKey(Console* c, int type) {
   if (TableKey(c, type)) return;
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
+  if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
+  if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
   if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
     c->tools.ChangePriority(type == '+' ? 1 : -1);
     c->damage |= kToolsPane;
@@ -279,14 +316,14 @@ void MoveFocus(Console* c, int by) {
   int stop = int(c->stop);
   do {
     stop = (stop + by + stops) % stops;
-  } while (IsControl(FocusStop(stop)) && !CanFocus(ControlAt(c, FocusStop(stop))));
+  } while (!CanStopAt(c, FocusStop(stop)));
   SetFocusStop(c, FocusStop(stop));
 }
 
 void Escape(Console* c) {
   StopReading(c);
   if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ForgetMessage();
+  c->status.ReadMessage();
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
@@ -316,17 +353,20 @@ void Key(Console* c, int type) {
 // --- Time
 
 void ServerChanged(Console* c, ServerState state) {
-  if (state.away_times != c->state.away_times) c->status.away_s = 0;
+  if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
+  if (c->banner.Follow()) LayOutWindow(c);
+  StartServerByItself(c);
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
-    if (n.number > c->last_notice) Tell(c, n.message.tone != Tone::kBad, n.message.text);
+    if (n.number > c->last_notice) c->status.Tell(n.message.tone, n.message.text);
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
   c->queue_waits = c->queue.table.HoldsRow();
   if (!c->queue_waits) c->queue.Fill();
-  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  PrintersCame(c);
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
 }
@@ -341,6 +381,8 @@ void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
+  ++c->banner.away_s;
+  if (c->banner.shown) c->damage |= kBannerPane;
   Remember(c);
 }
 
@@ -360,6 +402,7 @@ void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
   c->active = active != 0;
+  if (c->active) RefreshPlaces(c);  // a disk may have come
   c->damage = kAllPanes;
   DrawConsole(c);
 }
@@ -430,6 +473,10 @@ int Handle(int type) {
 
 }  // namespace
 
+Console* TheConsole() {
+  return g_console;
+}
+
 void ShowSilence(int seconds) {
   Console* c = g_console;
   if (!c) return;
@@ -470,7 +517,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwTimer(w, kIconTimer, kIconMs);
   c->files.folder.Begin(start);
   ShowRemembered(c);
-  FindPlaces(c);
+  BeginPlaces(c, start);
   EnterFolder(c, start, "");
   SetUpCommands(c);
   XwShow(w, 1);
@@ -491,7 +538,7 @@ void CloseConsole(Console* c) {
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {
-  c->status.Tell(good, utf8);
+  c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
   c->damage |= kStatusPane;
 }
 
@@ -506,11 +553,16 @@ void DrawConsole(Console* c) {
   c->damage = 0;
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
-  if (damage & kPlacesPane) c->places.Draw(c->files.folder.path(), c->active, c->hover);
+  if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
+  if (damage & kPrintersPane)
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
+                         c->state.link == Link::kAway);
+  if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
+  if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);

@@ -12,17 +12,26 @@ void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
+  c->needs.MakeControls(w);
+  c->places.MakeControls(w);
+  c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
+  c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
-  c->buttons = {c->tools.print, c->tools.up, c->tools.refresh,       head.hold,
-                head.release,   head.again,  head.remove,            c->status.stop_sending,
-                c->status.start_server};
+  c->buttons = {c->tools.print,         c->tools.up,          c->tools.refresh,
+                head.hold,              head.release,         head.again,
+                head.remove,            c->status.stop_sending, c->status.dismiss,
+                c->banner.retry,        c->banner.start_server, c->needs.load,
+                c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
   c->tools.Place(c->layout);
+  c->needs.Place();
+  c->places.Place();
+  c->printer_list.Place();
   c->files.Place();
   c->queue.Place();
   PlaceQuestion(c);
@@ -30,6 +39,10 @@ void PlaceControls(Console* c) {
 
 XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
+    case FocusStop::kRetry:
+      return c->banner.retry;
+    case FocusStop::kStartServer:
+      return c->banner.start_server;
     case FocusStop::kPrint:
       return c->tools.print;
     case FocusStop::kPrinter:
@@ -55,13 +68,19 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
   }
 }
 
+bool CanStopAt(const Console* c, FocusStop stop) {
+  if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
+  return stop != FocusStop::kPlaces || !c->layout.places.Empty();
+}
+
 namespace {
 
 // The keyboard goes where the stop is; with a control that cannot have it any more it goes back to
 // the files.
 void UpdateFocus(Console* c) {
   if (c->asking) return;
-  if (IsControl(c->stop) && !CanFocus(ControlAt(c, c->stop))) SetFocusStop(c, FocusStop::kFiles);
+  if (!CanStopAt(c, c->stop)) SetFocusStop(c, FocusStop::kFiles);
   XwWindow* wants = ControlAt(c, c->stop);
   XwWindow* has = XwGetFocus(c->window);
   if (wants && has != wants) XwFocusControl(wants);
@@ -71,12 +90,15 @@ void UpdateFocus(Console* c) {
 }  // namespace
 
 void UpdateControls(Console* c) {
-  c->status.Update(CanStartServer(c));
+  c->banner.Place(CanStartServer(c));
+  c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.Enable(!c->asking);
+  c->places.list.Enable(!c->asking);
+  c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
 }
 
@@ -109,14 +131,22 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
 void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
+  if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
   UseQueueControl(c, id, value);
+  if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
+  if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
 }
 
 bool CanPrint(const Console* c) {
   return c->files.Chosen().files > 0;
+}
+
+// Before the printers are known the document waits for the server, and goes to its default.
+std::string WhyNotPrint(const Console* c) {
+  return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 
 void PrintSelected(Console* c) {
@@ -138,7 +168,7 @@ void PrintSelected(Console* c) {
   }
   c->just_sent += int(orders.size());
   c->server.Send(std::move(orders));
-  if (c->state.link == Link::kAway)
+  if (IsAway(c->state.link))
     Tell(c, true,
          (c->just_sent > 1 ? "They" : "It") +
              (" will be sent when " + c->server.host() + " is back"));

@@ -15,6 +15,7 @@ Preferences Now(const Console* c) {
   p.window_height = c->window->height;
   p.file_columns = c->files.table.AskedWidths();
   p.queue_columns = c->queue.table.AskedWidths();
+  NotePanes(c, &p);
   if (c->files.folder.known()) p.folder = c->files.folder.path();
   p.printer = c->choice.printer;
   p.file_order = int(c->files.folder.order());
@@ -43,7 +44,10 @@ void ShowRemembered(Console* c) {
   const Preferences& p = c->remembered.preferences;
   c->files.table.AskWidths(p.file_columns);
   c->queue.table.AskWidths(p.queue_columns);
-  c->choice.printer = p.printer;
+  RecallPanes(c);
+  // The user's own default comes before the printer that was chosen last.
+  const std::string& printer = p.default_printer.empty() ? p.printer : p.default_printer;
+  if (!printer.empty()) ChoosePrinter(c, printer);
   if (p.file_order <= int(FileOrder::kTime))
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);

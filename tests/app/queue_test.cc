@@ -265,7 +265,7 @@ TEST_F(LosingTest, ConnectingDoesNotLastForEver) {
   getsockname(mute, reinterpret_cast<sockaddr*>(&at), &size);
   Open(address_ + ":" + std::to_string(ntohs(at.sin_port)));
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_EQ(c_->state.trouble, "it does not answer");
+  EXPECT_EQ(c_->state.trouble, "does not answer");
   close(mute);
 }
 

@@ -421,7 +421,7 @@ std::vector<Row> Calls() {
       XwTextWidthUtf8, XwGetText, XwGetValue, XwSetSliderRange, XwSetScrollRange, XwGetTextUtf8,
       XwGetFocus, XwFocusControl, XwSetToolbarItem, XwGetToolbarItem, XwSetTip, XwGetScale,
       XwSetDefaultButtons, XwSetTab, XwDescribeControl, XwSetGround, XwSetScrollHandler,
-      XwSetActivationHandler, XwSetProgramIcon, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush,
+      XwSetActivationHandler, XwSetContextMenuHandler, XwCanEdit, XwEdit, XwSetProgramIcon, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush,
       XwPop, XwClip, ResetClipMask, XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox,
       XwFillRect, XwDrawRect, XwDrawLine, XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole,
       XwDrawBorder, XwDrawSeparator, XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm,

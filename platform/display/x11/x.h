@@ -444,7 +444,7 @@ void CloseSelections();
 
 // --- text_requests.cc: the texts that the program asks for.
 void AskText(Selection which, int request, bool wanted);
-bool AsksWith(xcb_window_t window);
+bool IsTextRequestWindow(xcb_window_t window);
 void HandleText(const xcb_selection_notify_event_t* e);
 void HandleTextPiece(xcb_window_t window);
 // The window of an owner is gone.

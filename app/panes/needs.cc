@@ -1,0 +1,62 @@
+#include "app/panes/needs.h"
+
+#include "app/format/words.h"
+#include "app/look/controls.h"
+#include "app/look/style.h"
+#include "app/panes/ids.h"
+
+namespace console {
+
+void NeedsPane::MakeControls(XwWindow* window) {
+  load =
+      XwButton(window, "Paper Loaded", kLoadPaperCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);
+  choose = XwButton(window, "Choose Printer", kGoToPrintersCommand, 0, 0, 9, 9,
+                    XWC_ENABLED | XWC_VARIANT, 0);
+}
+
+bool NeedsPane::ChosenIsGone() const {
+  return !printers.rows().empty() && !printers.chosen().empty() && !printers.Chosen();
+}
+
+const PrinterRow* NeedsPane::WithoutPaper() const {
+  const auto all = printers.WithoutPaper();
+  return all.empty() || ChosenIsGone() ? nullptr : all.front();
+}
+
+std::string NeedsPane::Text() const {
+  if (ChosenIsGone()) return printers.WhyNotPrint();
+  const auto all = printers.WithoutPaper();
+  if (all.empty()) return "";
+  const NC_Printer& first = *all.front()->printer;
+  const bool stands = first.state == NC_PRINTER_PAPER_OUT;
+  const std::string text =
+      Quoted(first.name) + (stands ? " is out of paper" : " has no paper left");
+  return all.size() == 1 ? text
+                         : text + ", and so " + (all.size() == 2 ? "is " : "are ") +
+                               NumberOf(int64_t(all.size()) - 1, "other printer", "other printers");
+}
+
+void NeedsPane::Place() {
+  const bool gone = ChosenIsGone();
+  PlaceControl(load, gone ? Area{} : layout.needs_button);
+  PlaceControl(choose, gone ? layout.needs_button : Area{});
+}
+
+void NeedsPane::Draw() const {
+  Area a = layout.needs;
+  if (a.Empty()) return;
+  const Style& l = TheStyle();
+  // A light shade of the colour of warnings.
+  Fill(a, Mix(l.warning, l.document, 13));
+  Fill({a.x, a.bottom() - 1, a.w, 1}, Mix(l.warning, l.document, 40));
+  DrawDot(a.x + 14, a.y + (a.h - 10) / 2, ChosenIsGone() ? l.warning : l.bad);
+  a.w = layout.needs_button.x - 12 - a.x;
+  a.TakeLeft(32);
+  DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
+}
+
+void NeedsPane::AddHits(Hits* hits) const {
+  hits->Cover(layout.needs, {XWA_STATUS, 0, "Attention", Text()});
+}
+
+}  // namespace console

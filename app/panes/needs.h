@@ -1,0 +1,33 @@
+// A strip below the tools: a printer without paper, or a chosen printer that has gone.
+#pragma once
+#include <string>
+
+#include "app/look/hits.h"
+#include "app/model/printers.h"
+#include "app/panes/layout.h"
+
+namespace console {
+
+struct NeedsPane {
+  // Both are looked at for as long as the pane lives.
+  NeedsPane(const Layout& layout_of_all, const Printers& all)
+      : layout(layout_of_all), printers(all) {}
+  void MakeControls(XwWindow* window);
+  void Place();
+  void Draw() const;
+  void AddHits(Hits* hits) const;
+
+  // What it says: one sentence, "" when there is nothing to be done.
+  std::string Text() const;
+  // The one that wants paper; null when none does, or another thing comes first.
+  const PrinterRow* WithoutPaper() const;
+
+  const Layout& layout;
+  const Printers& printers;
+  XwWindow *load = nullptr, *choose = nullptr;  // of commands
+
+ private:
+  bool ChosenIsGone() const;
+};
+
+}  // namespace console
