@@ -175,7 +175,7 @@ constexpr Command kCommands[] = {
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
         {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
-        {.key = XWE_UP, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
+        {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
     Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,

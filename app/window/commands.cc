@@ -225,9 +225,11 @@ void RunCommand(Console* c, int id) {
   if (command->run) command->run(c);
 }
 
-bool IsMenuKey(int key) {
+bool IsMenuKey(int key, uint32_t modifiers) {
+  modifiers &= XWS_CONTROL | XWS_SHIFT | XWS_OPTION | XWS_COMMAND;
   for (const Command& command : Commands())
-    if (command.more.key == key && command.more.modifiers == XWS_CONTROL) return true;
+    if (command.menu != kNoMenu && command.more.key == key && command.more.modifiers == modifiers)
+      return true;
   return false;
 }
 

@@ -1,6 +1,8 @@
 // The commands: one table (command_table.h) makes the menus, what buttons and keys do, and what is
 // greyed.
 #pragma once
+#include <cstdint>
+
 #include "app/panes/ids.h"
 
 namespace console {
@@ -21,8 +23,8 @@ void ShowButtons(Console* c);
 // Runs the command that a menu or a button has reported; numbers that are none, and commands that
 // cannot be run now, are ignored.
 void RunCommand(Console* c, int command);
-// Whether that key, with Control, is one of the menu bar's.
-bool IsMenuKey(int key);
+// Whether that key with these modifiers is one of the menu bar's.
+bool IsMenuKey(int key, uint32_t modifiers);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
 // A key of a command that cannot be run: the status line says why, where there is a reason.

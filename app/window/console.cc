@@ -139,7 +139,7 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
     return;
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  const SelectionKeys keys = KeysOf(Inp.state);
+  const SelectionKeys keys = KeysOf(c->modifiers);
   table.Press(hit, Inp.px, keys);
   SelectionChanged(c, files);
   const bool opens = twice && files && hit.part == Table::kRow && !keys.shift && !keys.control;
@@ -221,7 +221,7 @@ void ReleaseTables(Console* c) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
-  XwTimer(c->window, kDragTimer, 0);
+  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
   if (gap >= 0) DropJobs(c, gap);
   if (std::exchange(c->queue_waits, false)) c->queue.Fill();
   ShowHeldReading(c);
@@ -248,8 +248,8 @@ void Motion(Console* c) {
     }
     scrolls = scrolls || table->ScrollsByDrag();
   }
-  XwTimer(c->window, kDragTimer, 0);
-  if (scrolls) XwTimer(c->window, kDragTimer, kDragMs);
+  if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
+    XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
   // A border is under the pointer as long as it is held.
   if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
@@ -332,7 +332,7 @@ void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands.
-    if ((c->modifiers & XWS_SHIFT) || !IsMenuKey(type)) TableKey(c, type);
+    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
     return;
   }
   if (const int command = CommandOfKey(c, type)) {

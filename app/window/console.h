@@ -125,6 +125,7 @@ struct Console {
   // Came while a row was held, and are shown when it is let go.
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
+  bool scrolls_by_drag = false;  // the timer runs
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
 

@@ -175,7 +175,7 @@ void PrintSelected(Console* c) {
 }
 
 bool CanSelectAll(const Console* c) {
-  return !IsControl(c->stop);
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue;
 }
 
 void SelectAll(Console* c) {

@@ -168,6 +168,8 @@ TEST_F(FolderTest, TheFilterShowsWhatMatchesUntilEscape) {
   EXPECT_EQ(Selected(), "");
   EXPECT_EQ(type("*.PDF,*.tif"), 3);
   EXPECT_EQ(c_->files.folder.rows().CountText().find("3 of 4"), 0u);
+  EXPECT_EQ(Selected(), "b.tif") << "it was hidden, and stayed selected";
+  EXPECT_EQ(type("*.pdf"), 2);
   EXPECT_EQ(c_->stop, FocusStop::kFilter);
   // Return goes to the files, Escape shows all again and keeps the selection.
   Key(kReturnKey);
