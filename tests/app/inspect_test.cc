@@ -66,7 +66,7 @@ TEST_P(Driven, PrintsADocumentAndSoDoesItsRecording) {
                 "wait button Print\n"
                 "click button 'More Copies'\n"
                 "click button Print\n"
-                "wait row a.txt '#2' --value printed\n"
+                "wait row a.txt #2 --value printed\n"
                 "shot '" +
                 home.At(".shot.png") + "'\n"));
     EXPECT_GT(ReadFile(home.At(".shot.png")).size(), 5000u);
