@@ -1,9 +1,8 @@
 /* A window of a hundred controls of all kinds, whose first picture ends the program: drawn, sent,
  * and answered by the server. */
 #include <stdio.h>
-#include <unistd.h>
 
-#include "toolkit/xw.h"
+#include "bench/first_picture.h"
 
 enum { WIDTH = 800, HEIGHT = 600, COLUMNS = 10, CELL = 78, LINE = 30, ROWS = 100 };
 enum { BUTTONS = 40, CHECK_BOXES = 20, LABELS = 20, EDITS = 10, SLIDERS = 5, LISTS = 5 };
@@ -11,20 +10,12 @@ enum { ON = XWC_ENABLED | XWC_VISIBLE };
 
 static char texts[ROWS][16];
 static const char* rows[ROWS + 1];
-static XwWindow* window;
-
-static int Handle(int type) {
-  if (type != XWE_EXPOSE) return 0;
-  XwSet(window);
-  XwSync();
-  _exit(0);
-}
 
 int main(void) {
   char text[16];
   int i, y = 8;
   XwSession("gallery", "Gallery", 7);
-  window = XwCreate(0, 40, 40, WIDTH, HEIGHT, Handle);
+  XwWindow* window = XwCreate(0, 40, 40, WIDTH, HEIGHT, EndWithPicture);
   XwSetGround(window, NULL, 2);
   for (i = 0; i < BUTTONS; ++i) {
     snprintf(text, sizeof text, "Button %d", i + 1);

@@ -2,10 +2,8 @@
 // levels, beside a bare client that maps a window of the same size, grabs the pointer and puts the
 // same number of pixels, filled by a loop. Each round is answered by the server.
 //   menus [rounds]
-#include <signal.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
@@ -18,13 +16,11 @@
 #include <vector>
 
 #include "bench/clock.h"
-#include "bench/server.h"
+#include "bench/on_x.h"
 #include "platform/display/display.h"
 #include "platform/display/screens.h"
 #include "platform/events/event.h"
-#include "platform/events/targets.h"
 #include "platform/loop/receive.h"
-#include "platform/loop/start.h"
 #include "platform/menus/menus.h"
 #include "platform/windows/internal.h"
 #include "platform/windows/windows.h"
@@ -94,14 +90,6 @@ struct Bare {
   }
 };
 
-// What pop-ups have uncovered is dealt with between two openings.
-void Settle() {
-  CurrentDisplay()->flush(true);
-  Event e;
-  while (ReceiveNextEvent(0, &e)) SendEventToEventTarget(&e, GetEventDispatcherTarget());
-  FlushWindow(nullptr);
-}
-
 // Opened, drawn, sent, and all of it carried out by the server; `bounds` becomes the menu's.
 double OpenOurs(MenuRef menu, Rect* bounds) {
   const double start = Microseconds();
@@ -118,13 +106,8 @@ double OpenOurs(MenuRef menu, Rect* bounds) {
 
 int main(int argc, char** argv) {
   const int rounds = argc > 1 ? std::max(10, atoi(argv[1])) : 400;
-  const pid_t server = StartServer();
-  if (server < 0) {
-    fprintf(stderr, "menus: cannot start Xvfb\n");
-    return 1;
-  }
-  setenv("XW_DISPLAY", "x11", 1);
-  if (!InitPlatform("menus")) return 1;
+  pid_t server;
+  if (!StartOnX("menus", &server)) return 1;
   WindowRef w = CreateNewWindow(kDocumentWindowClass, 0, {0, 24, 800, 900});
   ShowWindow(w);
   FlushWindow(w);
@@ -146,8 +129,6 @@ int main(int argc, char** argv) {
   DisposeMenu(menu);
   DisposeMenu(inner);
   xcb_disconnect(bare);
-  FinishPlatform();
-  kill(server, SIGTERM);
-  waitpid(server, nullptr, 0);
+  FinishOnX(server);
   return 0;
 }

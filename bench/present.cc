@@ -2,11 +2,9 @@
 // rectangles, on a server of its own, answered by the server each time.
 //   present [rounds]
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
@@ -19,10 +17,9 @@
 #include <string>
 #include <vector>
 
-#include "bench/server.h"
+#include "bench/on_x.h"
 #include "platform/display/window.h"
 #include "platform/graphics/surface.h"
-#include "platform/loop/start.h"
 #include "platform/windows/windows.h"
 
 extern char** environ;
@@ -124,13 +121,8 @@ double Measure(const Case& one, platform::WindowRef w, Bare* bare, int rounds) {
 
 int main(int argc, char** argv) {
   const int rounds = argc > 1 ? std::max(10, atoi(argv[1])) : 2000;
-  const pid_t server = StartServer();
-  if (server < 0) {
-    fprintf(stderr, "present: cannot start Xvfb\n");
-    return 1;
-  }
-  setenv("XW_DISPLAY", "x11", 1);
-  if (!platform::InitPlatform("present")) return 1;
+  pid_t server;
+  if (!StartOnX("present", &server)) return 1;
   platform::WindowRef w =
       platform::CreateNewWindow(platform::kDocumentWindowClass, 0, {0, 24, kWidth, 24 + kHeight});
   platform::ShowWindow(w);
@@ -141,8 +133,6 @@ int main(int argc, char** argv) {
   for (const Case& one : kCases) sum += Measure(one, w, &bare, rounds);
   printf("present ratio=%.2f\n", sum / double(std::size(kCases)));
   xcb_disconnect(bare.c);
-  platform::FinishPlatform();
-  kill(server, SIGTERM);
-  waitpid(server, nullptr, 0);
+  FinishOnX(server);
   return 0;
 }

@@ -2,10 +2,8 @@
 // bare client that takes the key's event and puts one glyph of the same size. Keys come from the
 // server (XTEST), and each round is answered by it.
 //   typing [rounds]
-#include <signal.h>
 #include <sys/ipc.h>
 #include <sys/shm.h>
-#include <sys/wait.h>
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
@@ -17,13 +15,12 @@
 #include <vector>
 
 #include "bench/clock.h"
-#include "bench/server.h"
+#include "bench/on_x.h"
 #include "platform/controls/edit_text.h"
 #include "platform/display/display.h"
 #include "platform/display/screens.h"
 #include "platform/events/event.h"
 #include "platform/loop/receive.h"
-#include "platform/loop/start.h"
 #include "platform/windows/internal.h"
 #include "platform/windows/windows.h"
 
@@ -96,13 +93,6 @@ struct Bare {
   }
 };
 
-void Settle() {
-  CurrentDisplay()->flush(true);
-  Event e;
-  while (ReceiveNextEvent(0, &e)) SendEventToEventTarget(&e, GetEventDispatcherTarget());
-  FlushWindow(nullptr);
-}
-
 double TypeOurs(Bare* keys, ControlRef box) {
   const std::string before = GetEditText(box);
   const double start = Microseconds();
@@ -121,13 +111,8 @@ double TypeOurs(Bare* keys, ControlRef box) {
 
 int main(int argc, char** argv) {
   const int rounds = argc > 1 ? std::max(1, atoi(argv[1])) : 25;
-  const pid_t server = StartServer();
-  if (server < 0) {
-    fprintf(stderr, "typing: cannot start Xvfb\n");
-    return 1;
-  }
-  setenv("XW_DISPLAY", "x11", 1);
-  if (!InitPlatform("typing")) return 1;
+  pid_t server;
+  if (!StartOnX("typing", &server)) return 1;
   WindowRef w = CreateNewWindow(kDocumentWindowClass, 0, {20, 40, 440, 240});
   ControlRef box = CreateEditTextControl(RootPane(w), {20, 20, 400, 44});
   ShowControl(box);
@@ -151,8 +136,6 @@ int main(int argc, char** argv) {
   printf("ours %.1f us  floor %.1f us\n", Median(ours), Median(floor));
   printf("typing latency_ratio=%.2f\n", Median(ours) / Median(floor));
   xcb_disconnect(bare.c);
-  FinishPlatform();
-  kill(server, SIGTERM);
-  waitpid(server, nullptr, 0);
+  FinishOnX(server);
   return 0;
 }

@@ -51,11 +51,11 @@ void Queue::ApplyHold(const Job& job, Job* changed) {
   changed->reasons.clear();
 }
 
-// What a wish makes of a job.
-Status Queue::Changed(const Job& job, Wish* wish, Job* changed) {
+// What a change makes of a job.
+Status Queue::Changed(const Job& job, PendingChange* change, Job* changed) {
   *changed = job;
   Given given;
-  Status status = ParseTicket(wish->text, &changed->ticket, &given);
+  Status status = ParseTicket(change->text, &changed->ticket, &given);
   if (status == Status::kDone) status = CheckChange(job, given.keys, changed);
   if (status != Status::kDone) return status;
   if (given.keys & kHoldKey) ApplyHold(job, changed);
@@ -63,20 +63,20 @@ Status Queue::Changed(const Job& job, Wish* wish, Job* changed) {
   const bool again = job.state == JobState::kDone && changed->state == JobState::kWaiting;
   if (again) {
     // An earlier output is not this one's.
-    if (wish->outputs < 0) wish->outputs = uses_.counters->last_output();
-    changed->outputs = wish->outputs;
+    if (change->outputs < 0) change->outputs = uses_.counters->last_output();
+    changed->outputs = change->outputs;
   }
-  if (given.keys & kBeforeKey) return PlaceBefore(given.before, wish, changed);
+  if (given.keys & kBeforeKey) return PlaceBefore(given.before, change, changed);
   if (again) {
-    if (wish->place < 0) wish->place = LastPlace(changed->ticket.priority);
-    changed->place = wish->place;
+    if (change->place < 0) change->place = LastPlace(changed->ticket.priority);
+    changed->place = change->place;
   } else if (given.keys & kPriorityKey) {
     changed->place = PlaceOf(job.number);
   }
   return Status::kDone;
 }
 
-Status Queue::PlaceBefore(const RequestId& before, Wish* wish, Job* changed) {
+Status Queue::PlaceBefore(const RequestId& before, PendingChange* change, Job* changed) {
   const Job* target = Find(before);
   if (!target || target->removing) return Status::kUnknownId;
   if (target->id == changed->id || !target->Waits() || !changed->Waits() ||
@@ -84,12 +84,12 @@ Status Queue::PlaceBefore(const RequestId& before, Wish* wish, Job* changed) {
     return Status::kWrongState;
   }
   changed->ticket.priority = target->ticket.priority;
-  if (wish->place < 0) wish->place = PlaceBetween(target);
-  if (wish->place < 0) {
+  if (change->place < 0) change->place = PlaceBetween(target);
+  if (change->place < 0) {
     SpreadPlaces(target->ticket.priority);
-    wish->place = PlaceBetween(target);
+    change->place = PlaceBetween(target);
   }
-  changed->place = wish->place;
+  changed->place = change->place;
   return Status::kDone;
 }
 
@@ -131,15 +131,15 @@ void Queue::SpreadPlaces(int64_t priority) {
       Store(*Find(id), [](bool) {});
     }
   }
-  for (auto& [id, wishes] : changing_) {
-    for (Wish& wish : wishes) wish.place = -1;
+  for (auto& [id, pending] : changing_) {
+    for (PendingChange& change : pending) change.place = -1;
   }
 }
 
 void Queue::Change(const RequestId& id, std::string text, std::string peer, Answer answer) {
-  auto& wishes = changing_[id];
-  wishes.push_back({std::move(text), std::move(peer), std::move(answer)});
-  if (wishes.size() == 1) NextChange(id);
+  auto& pending = changing_[id];
+  pending.push_back({std::move(text), std::move(peer), std::move(answer)});
+  if (pending.size() == 1) NextChange(id);
 }
 
 // Answers what cannot be, up to the first change that can, which is stored.
@@ -184,12 +184,12 @@ bool Queue::ChangeStored(const RequestId& id, const std::string& record, bool st
 }
 
 void Queue::EndChange(const RequestId& id, Status status) {
-  auto& wishes = changing_[id];
-  const Wish wish = std::move(wishes.front());
-  wishes.pop_front();
-  if (status == Status::kDone) uses_.log->Tell("changed", wish.peer, *Find(id));
+  auto& pending = changing_[id];
+  const PendingChange change = std::move(pending.front());
+  pending.pop_front();
+  if (status == Status::kDone) uses_.log->Tell("changed", change.peer, *Find(id));
   Touch();
-  wish.answer(status);
+  change.answer(status);
 }
 
 }  // namespace printserverd

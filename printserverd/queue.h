@@ -140,7 +140,7 @@ class Queue {
   bool MakeBytes(int64_t count);
 
  private:
-  struct Wish {
+  struct PendingChange {
     std::string text;
     std::string peer;
     Answer answer;
@@ -178,10 +178,10 @@ class Queue {
 
   // changes.cc
   Status CheckNames(const Ticket& ticket, bool arrives) const;
-  Status Changed(const Job& job, Wish* wish, Job* changed);
+  Status Changed(const Job& job, PendingChange* change, Job* changed);
   Status CheckChange(const Job& job, TicketKeys keys, Job* changed) const;
   static void ApplyHold(const Job& job, Job* changed);
-  Status PlaceBefore(const RequestId& before, Wish* wish, Job* changed);
+  Status PlaceBefore(const RequestId& before, PendingChange* change, Job* changed);
   int64_t PlaceBetween(const Job* target) const;
   int64_t LastPlace(int64_t priority) const;
   void SpreadPlaces(int64_t priority);
@@ -195,7 +195,8 @@ class Queue {
   Ordered order_;                                   // all jobs
   std::map<std::string, Lane, std::less<>> lanes_;  // by printer
   std::map<std::string, PrinterView, std::less<>> printers_;
-  std::unordered_map<RequestId, std::deque<Wish>> changing_;  // the first of each is being stored
+  std::unordered_map<RequestId, std::deque<PendingChange>>
+      changing_;  // the first of each is being stored
   std::unordered_map<RequestId, std::vector<Answer>> removing_;
   size_t accepting_ = 0;  // jobs that are being stored
   int64_t done_ = 0;      // done jobs, and the bytes of their documents

@@ -183,12 +183,12 @@ void PrinterEntries::StoreAdded() {
 
 void PrinterEntries::Change(const RequestId& id, const PrinterTicket& ticket,
                             std::function<void(bool)> done) {
-  wishes_.push_back({id, ticket, std::move(done)});
-  if (wishes_.size() == 1) NextChange();
+  pending_.push_back({id, ticket, std::move(done)});
+  if (pending_.size() == 1) NextChange();
 }
 
 void PrinterEntries::NextChange() {
-  const Wish& next = wishes_.front();
+  const PendingChange& next = pending_.front();
   std::vector<PrinterEntry> changed = entries_;
   for (PrinterEntry& entry : changed) {
     if (entry.id == next.id) Apply(next.ticket, &entry);
@@ -197,13 +197,13 @@ void PrinterEntries::NextChange() {
   disk_->Do([stored, root = root_,
              text = TextOf(changed)] { *stored = StoreIn(root, kPrintersName, text); },
             [this, stored] {
-              const Wish wish = std::move(wishes_.front());
-              wishes_.pop_front();
+              const PendingChange change = std::move(pending_.front());
+              pending_.pop_front();
               for (PrinterEntry& entry : entries_) {
-                if (*stored && entry.id == wish.id) Apply(wish.ticket, &entry);
+                if (*stored && entry.id == change.id) Apply(change.ticket, &entry);
               }
-              wish.done(*stored);
-              if (!wishes_.empty()) NextChange();
+              change.done(*stored);
+              if (!pending_.empty()) NextChange();
             });
 }
 

@@ -81,7 +81,7 @@ class PrinterEntries {
   void Change(const RequestId& id, const PrinterTicket& ticket, std::function<void(bool)> done);
 
  private:
-  struct Wish {
+  struct PendingChange {
     RequestId id;
     PrinterTicket ticket;
     std::function<void(bool)> done;
@@ -92,7 +92,7 @@ class PrinterEntries {
   Disk* disk_;
   std::vector<PrinterEntry> entries_;
   bool added_ = false;
-  std::deque<Wish> wishes_;  // the first is being stored
+  std::deque<PendingChange> pending_;  // the first is being stored
 };
 
 }  // namespace printserverd

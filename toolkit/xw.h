@@ -320,6 +320,7 @@ struct XwWindow {
   uint64_t serial;       /* never given twice, though a record may take a place used before */
   void (*scroll_handler)(float dx, float dy);
   void (*activation_handler)(int active);
+  void (*context_menu_handler)(void);
   void* pane;            /* sub-windows: the platform's part of the window, once it has controls */
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_EDITING = 8, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
@@ -404,6 +405,13 @@ void XwSetScrollHandler(XwWindow* window, XwScrollHandler handler);
  * Null takes it away. Ignored for other windows. */
 typedef void (*XwActivationHandler)(int active);
 void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
+
+/* The Menu key or Shift+F10 in a top-level window, which no control there has taken: the program
+ * shows the menu of what is selected (XwPopupLocation, XwPopupMenu). The event of the key, if it
+ * has one, comes afterwards. Not called in a wait that keeps the window out or dispatches nothing.
+ * Null takes it away. Ignored for other windows. */
+typedef void (*XwContextMenuHandler)(void);
+void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
 
 /* The program's icon, which the desktop shows beside its windows and their names: size x size
  * pixels, rows from the top, 0xAARRGGBB, colours not multiplied by alpha. One for each size (16,
@@ -494,6 +502,14 @@ XwWindow* XwEditBox(XwWindow* parent, const char* text, int32_t id, int x, int y
  * Other events are dropped; redraws and requests of the desktop come again afterwards. A null text
  * or parent: 0. */
 int32_t XwEditField(XwWindow* parent, int x, int y, int w, int h, char* text);
+
+/* What the menu of an edit box does, for an Edit menu of the program: on an edit box or an editable
+ * combo box. XwCanEdit: 1 when it can be done now. XwEdit does it and reports 789 where the text
+ * has changed; what is pasted comes later. What cannot be done, other numbers and other windows:
+ * 0, and nothing. */
+enum { XWU_UNDO, XWU_REDO, XWU_CUT, XWU_COPY, XWU_PASTE, XWU_DELETE, XWU_SELECT_ALL };
+int XwCanEdit(XwWindow* box, int action);
+void XwEdit(XwWindow* box, int action);
 
 /* A slider takes `minimum` to `maximum`. With w > h it lies, else it stands and its maximum is at
  * the top. A press on its track moves the knob there. Left and Down, Right and Up and each notch of
@@ -644,9 +660,10 @@ XwValue XwGetMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last);
 /* Copies its text to `buffer`, which has room for it; the empty string and null when there is no
  * such item. */
 char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
-/* The key that chooses the item while it stands in the bar, shown at its right: the type of the
- * key's event, letters without case, and exactly the modifiers that are held (XWS_ bits; caps lock
- * does not count). 794 comes after the key's own event. Type 0 takes the key away. */
+/* The key that chooses the item while it stands in the bar: the type of the key's event, letters
+ * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It
+ * is shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes
+ * the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
 
 /* ==== Toolbar ===================================================================================

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/look/outline.h"
+
 namespace console {
 namespace {
 
@@ -20,6 +22,7 @@ Style MakeStyle() {
   l.scroll_ground = c(XWR_SCROLL_GROUND);
   l.good = c(XWR_GOOD), l.warning = c(XWR_WARNING), l.bad = c(XWR_BAD);
   l.normal = XWF_NORMAL, l.bold = XWF_BOLD, l.view = XWF_VIEW;
+  l.view_bold = LoadFont(XWF_VIEW->name, 12, 1);
   l.small_text = LoadFont(XWF_VIEW->name, 11, 0);
   l.caption = LoadFont(XWF_VIEW->name, 11, 1);
   l.heading = LoadFont(XWF_VIEW->name, 17, 1);
@@ -80,6 +83,16 @@ void DrawShadow(const Area& a, int radius) {
                Mix(l.line, l.document, 40 - 10 * i), -1);
 }
 
+Area DrawStrip(Area a, int32_t dot) {
+  // None of the desktop's roles.
+  constexpr int32_t kGround = 0xE0F1FB, kEdge = 0xAED3E7;
+  Fill(a, kGround);
+  Fill({a.x, a.y, a.w, 1}, kEdge);
+  DrawDot(a.x + 12, a.y + (a.h - 9) / 2 + 1, dot);
+  a.TakeLeft(29);
+  return a;
+}
+
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
   const Style& l = TheStyle();
   int32_t bar = muted ? Mix(l.accent, l.track, 40) : l.accent;
@@ -94,7 +107,8 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
 }
 
 void DrawDot(int x, int y, int32_t colour) {
-  XwRoundBox(x, y, 9, 9, 4, colour, -1);
+  constexpr float kRadius = 4.5f;
+  Outline(x, y).Circle({kRadius, kRadius}, kRadius).Fill(colour);
 }
 
 }  // namespace console

@@ -25,6 +25,8 @@ class Notices {
   void Tell(Message message, int64_t now_ms);
   // The error that is shown has been read: the next one comes.
   void Read();
+  // The message that stands for some seconds goes at once.
+  void Forget() { message_ = {}; }
   // Makes or changes the line of what takes a while; `key` names it. The longest-standing one is
   // shown, with the number of the others.
   void Progress(const std::string& key, std::string text);

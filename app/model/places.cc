@@ -37,7 +37,6 @@ void Places::Choose(const std::string& root) {
   tree_.reset();
   known_ = false;
   error_ = 0;
-  free_ = room_ = -1;
   Mark();
 }
 
@@ -85,8 +84,6 @@ bool Places::Show(PlacesListing listing) {
   tree_ = std::move(listing.tree);
   unreadable_ = std::move(listing.unreadable);
   error_ = listing.error;
-  free_ = listing.free;
-  room_ = listing.room;
   known_ = true;
   Mark();
   bool whole = true;

@@ -1,7 +1,6 @@
 // The places on the left: volumes, and the tree of folders of the chosen one. Nothing here touches
 // the file system: work/places_reader.h reads.
 #pragma once
-#include <cstdint>
 #include <memory>
 #include <set>
 #include <string>
@@ -36,7 +35,6 @@ struct PlacesListing {
   std::unique_ptr<OS_TreeNodeN, DestroyFolderTree> tree;
   std::set<std::string> unreadable;  // open folders that could not be read
   int error = 0;                     // of the system, for the root
-  int64_t free = -1, room = -1;      // bytes on the root's volume, -1 when not known
 };
 
 class Places {
@@ -71,8 +69,6 @@ class Places {
   int VolumeOf(const std::string& path) const;
   bool known() const { return known_; }
   int error() const { return error_; }
-  int64_t free() const { return free_; }
-  int64_t room() const { return room_; }
 
  private:
   void Mark();
@@ -85,7 +81,6 @@ class Places {
   std::vector<Row> rows_;
   bool known_ = false;
   int error_ = 0;
-  int64_t free_ = -1, room_ = -1;
 };
 
 // The path of a node: a tree that begins at "/" has two slashes at the beginning of its paths.

@@ -22,6 +22,7 @@ constexpr Number kNumbers[] = {
     {"places-width", &Preferences::places_width, 0, 8192},
     {"details-width", &Preferences::details_width, 0, 8192},
     {"queue-height", &Preferences::queue_height, 0, 8192},
+    {"printers-height", &Preferences::printers_height, 0, 8192},
     {"file-order", &Preferences::file_order, 0, int(kMostColumns)},
     {"queue-order", &Preferences::queue_order, 0, int(kMostColumns)},
     {"refresh-seconds", &Preferences::refresh_seconds, 1, 3600},
@@ -31,6 +32,9 @@ struct Switch {
   bool Preferences::*value;
 };
 constexpr Switch kSwitches[] = {
+    {"show-places", &Preferences::show_places},
+    {"show-printers", &Preferences::show_printers},
+    {"show-details", &Preferences::show_details},
     {"files-descending", &Preferences::files_descending},
     {"queue-descending", &Preferences::queue_descending},
     {"hidden-names", &Preferences::hidden_names},

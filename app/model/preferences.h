@@ -8,8 +8,9 @@ namespace console {
 
 struct Preferences {
   int window_width = 1200, window_height = 756;  // logical pixels, of the content
-  int places_width = 200, details_width = 260;   // of the panes; 0: hidden
-  int queue_height = 260;
+  // Of the panes, 0 the usual size; and whether they are wanted.
+  int places_width = 0, details_width = 0, queue_height = 0, printers_height = 0;
+  bool show_places = true, show_printers = true, show_details = true;
   std::vector<int> file_columns, queue_columns;  // widths, 0 the usual; empty: all usual
   std::string folder;                            // bytes; "": home
   std::string printer;                           // the chosen one; "": the server's default

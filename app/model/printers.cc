@@ -77,6 +77,7 @@ std::vector<Supply> SuppliesOf(const char* text) {
 }
 
 void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {
+  if (printers && printers == printers_) return;
   printers_ = std::move(printers);
   rows_.clear();
   if (!printers_) return;

@@ -90,7 +90,7 @@ class Selection {
   // the rows.
   template <class Rows>
   void DragTo(const Rows& rows, int row) {
-    pressed_.reset();
+    if (pressed_) anchor_ = std::exchange(pressed_, std::nullopt);
     if (!dragging_ || rows.count() == 0) return;
     row = std::clamp(row, 0, rows.count() - 1);
     const int from = Anchor(rows, row);

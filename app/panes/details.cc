@@ -89,7 +89,8 @@ void DrawSelected(const DetailsPane* p, Area a) {
   const Style& l = TheStyle();
   const int row = p->selected;
   if (row < 0) {
-    DrawLabel(l.view, Align::kLeft, a.TakeTop(20), "Nothing is selected", l.second);
+    DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
+              p->several.empty() ? "Nothing is selected" : p->several, l.second);
     return;
   }
   const FolderEntry e = p->folder.At(row);
@@ -115,7 +116,7 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
               l.second);
     return;
   }
-  const bool away = pane->state.link == Link::kAway;
+  const bool away = IsAway(pane->state.link);
   DrawFact(&a, "Name", Shown(p->name));
   Area row = a.TakeTop(20);
   DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), "State", l.second);

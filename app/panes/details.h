@@ -20,7 +20,8 @@ struct DetailsPane {
   const ShownFolder& folder;
   const PrintChoice& choice;
   const ServerState& state;
-  int selected = -1;  // the row of the folder
+  int selected = -1;         // the row of the folder
+  std::string several = "";  // what is said where it is not one that is selected; "": none is
   // Of the selected document; null while there is none. Made for this many device pixels per
   // logical pixel.
   std::shared_ptr<const Preview> preview = nullptr;

@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/model/crumbs.h"
 #include "app/panes/ids.h"
@@ -25,6 +26,9 @@ std::string HeadText(const FilesPane* p) {
   if (!p->reading_text.empty()) return Shown(p->reading_text);
   if (!p->folder.known() || !p->folder.trouble().empty()) return "";
   const FolderRows& rows = p->folder.rows();
+  const ChosenFiles& chosen = p->Chosen();
+  if (const int n = chosen.files + chosen.folders; n > 1)
+    return NumberText(n) + " of " + rows.CountText() + " selected, " + SizeText(chosen.bytes);
   return rows.CountText() + ", " + SizeText(rows.bytes());
 }
 
@@ -127,9 +131,10 @@ std::vector<Column> Columns() {
 
 FilesPane::FilesPane(const Layout& layout_of_all)
     : layout(layout_of_all),
-      table(kFiles, Columns(), [this](int row, int column, const CellLook& cell) {
-        DrawCell(this, row, column, cell);
-      }) {}
+      table(
+          kFiles, Columns(),
+          [this](int row, int column, const CellLook& cell) { DrawCell(this, row, column, cell); },
+          &selection) {}
 
 void FilesPane::MakeControls(XwWindow* window) {
   filter = XwEditBox(window, "", kFilterControl, 0, 0, 9, 9,
@@ -175,8 +180,16 @@ std::string FilesPane::CrumbPath(int index) const {
   return index >= 0 && size_t(index) < crumbs.size() ? crumbs[size_t(index)].crumb.path : "";
 }
 
-std::string FilesPane::SelectedName() const {
-  return folder.At(table.selected()).name;
+const ChosenFiles& FilesPane::Chosen() const {
+  if (counted_ == selection.changes()) return chosen_;
+  counted_ = selection.changes();
+  chosen_ = {};
+  for (const std::string& name : selection.Ids()) {
+    const FolderEntry e = folder.At(folder.Find(name));
+    ++(e.folder ? chosen_.folders : chosen_.files);
+    if (!e.folder) chosen_.bytes += e.size;
+  }
+  return chosen_;
 }
 
 std::string FilesPane::FilterText() const {
@@ -186,21 +199,22 @@ std::string FilesPane::FilterText() const {
 }
 
 std::string FilesPane::SelectionText() const {
-  const int row = table.selected();
-  if (row < 0) return "";
-  const FolderEntry e = folder.At(row);
-  return e.folder ? "1 folder selected" : "1 file selected, " + SizeText(e.size);
+  const ChosenFiles& all = Chosen();
+  const std::string folders = CountText(all.folders, "folder", "folders");
+  if (all.files == 0) return all.folders == 0 ? "" : folders + " selected";
+  return (all.folders ? folders + ", " : "") + CountText(all.files, "file", "files") +
+         " selected, " + SizeText(all.bytes);
 }
 
-void FilesPane::Arranged(const std::string& select) {
+void FilesPane::Arranged() {
+  selection.Renew();
   table.SetRows(folder.count());
   table.SetSort(int(folder.order()), folder.descending());
-  table.KeepSelected(select.empty() ? -1 : folder.Find(select));
 }
 
 void FilesPane::Find(int character, uint32_t now_ms) {
   if (!typed.Type(uint32_t(character), now_ms)) return;
-  const int row = typed.Row(table.selected(), [this](std::string_view text, int from) {
+  const int row = typed.Row(table.focus(), [this](std::string_view text, int from) {
     return folder.rows().FindBeginning(text, from);
   });
   if (row >= 0) table.Select(row);

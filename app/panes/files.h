@@ -9,6 +9,12 @@
 
 namespace console {
 
+// What is selected of what is shown.
+struct ChosenFiles {
+  int files = 0, folders = 0;
+  int64_t bytes = 0;
+};
+
 struct FilesPane {
   // Looked at for as long as the pane lives.
   explicit FilesPane(const Layout& layout_of_all);
@@ -22,23 +28,29 @@ struct FilesPane {
   // Where a crumb leads; "" for none.
   std::string CrumbPath(int index) const;
 
-  // "" when nothing is selected.
-  std::string SelectedName() const;
-  // The same with its size, in words.
+  // What verbs act on.
+  const ChosenFiles& Chosen() const;
+  // The same in words; "" when nothing is selected.
   std::string SelectionText() const;
   // What the filter box holds.
   std::string FilterText() const;
-  // The folder's rows are others: that name is selected now, "" none.
-  void Arranged(const std::string& select);
+  // The folder's rows are others, or stand in another order.
+  void Arranged();
   // Selects the next name that begins with what has been typed.
   void Find(int character, uint32_t now_ms);
 
   const Layout& layout;
   ShownFolder folder;
+  SelectionOf<FolderRows, std::string> selection{folder.rows()};  // names
   Table table;
   XwWindow* filter = nullptr;  // the box
   std::string reading_text;    // what is said of a reading that takes long
   TypeAhead typed;
+
+ private:
+  // Counted once after each change.
+  mutable ChosenFiles chosen_;
+  mutable int counted_ = -1;
 };
 
 }  // namespace console

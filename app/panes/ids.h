@@ -5,7 +5,7 @@
 namespace console {
 
 // Owners of hits.
-enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus };
+enum Owner { kNobody, kFiles, kQueue, kPlaces, kCrumbs, kStatus, kPrinters, kBorders };
 
 enum CommandId {
   kOpenCommand = 1,
@@ -23,23 +23,57 @@ enum CommandId {
   kSortByDateCommand,
   kAboutCommand,
   kStartServerCommand,
+  kSelectAllCommand,
+  kRetryCommand,
+  kDismissCommand,
+  kPreferencesCommand,
+  kListsCommand,
+  kPausePrinterCommand,
+  kResumePrinterCommand,
+  kRefuseJobsCommand,
+  kTakeJobsCommand,
+  kPaperLoadedCommand,
+  kMoveAllJobsCommand,
+  kMakeMineCommand,
+  kLoadPaperCommand,
+  kGoToPrintersCommand,
+  kShowPlacesCommand,
+  kShowPrintersCommand,
+  kShowDetailsCommand,
+  kPaneSizeCommand,
+  kUndoCommand,
+  kRedoCommand,
+  kCutCommand,
+  kCopyCommand,
+  kPasteCommand,
+  kPrintOnCommand,
+  kNextProfileCommand,
+  kNextMediaCommand,
+  kNextPriorityCommand,
+  kColourCommand,
+  kHoldNextCommand,
+  kUsualCommand,
+  kOptionsCommand,
+  kKeysCommand,
   kCommandsEnd
 };
 
 enum ControlId {
-  kPrinterControl = 50,
+  kPrinterControl = 150,
   kProfileControl,
-  kLessControl,
+  kMediaControl,
   kCopiesControl,
-  kMoreControl,
   kPriorityControl,
   kHoldNextControl,
   kFilterControl,
   kCloseAnswer,
   kKeepOpenAnswer,
+  // Scroll bars of the side panes.
+  kPlacesControl = 90,
+  kPrintersControl,
   // Those of a table's heads follow its own.
-  kFilesControls = 100,
-  kQueueControls = 200
+  kFilesControls = 200,
+  kQueueControls = 300
 };
 static_assert(int(kCommandsEnd) <= int(kPrinterControl));
 

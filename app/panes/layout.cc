@@ -6,47 +6,17 @@ namespace console {
 namespace {
 
 constexpr int kTools = 40, kStatus = 26, kHead = 30;
-constexpr int kButton = 26, kStop = 18, kFilter = 170;
-constexpr int kProfile = 192;  // with its label and a gap
-constexpr int kPlacesFrom = 900, kPlaces = 216;
-constexpr int kDetailsFrom = 1080, kDetails = 280;
-// Header and rows of the queue: four rows at least, a third of the height at most.
-constexpr int kQueueLeast = 22 + 4 * 22;
-
-// A control of that width in the middle of the bar's height, and a gap after it.
-Area Next(Area* bar, int width, int gap, int height = kButton) {
-  Area piece = bar->TakeLeft(width);
-  bar->TakeLeft(gap);
-  return {piece.x, piece.y + (piece.h - height) / 2, piece.w, height};
-}
-
-void LayOutTools(Layout* l) {
-  Area bar = l->tools.Inset(7, 0);
-  bar.h -= 1;  // the hairline below
-  // What is spare goes to the profile first, then to the printer's name and to the slider.
-  int spare = std::max(0, l->tools.w - kLeastWidth);
-  const bool profile = spare >= kProfile;
-  if (profile) spare -= kProfile;
-  const int name = std::min(60, spare), slide = std::clamp(spare - name, 0, 50);
-  const int gap = 14 + std::clamp(spare - name - slide, 0, 24) / 4;
-  l->print = Next(&bar, 72, 10);
-  l->up = Next(&bar, 27, 0);
-  l->refresh = Next(&bar, 27, gap);
-  l->printer_label = Next(&bar, 46, 6);
-  l->printer = Next(&bar, 124 + name, gap);
-  if (profile) {
-    l->profile_label = Next(&bar, 42, 6);
-    l->profile = Next(&bar, kProfile - 48 - 14, gap);
-  }
-  l->copies_label = Next(&bar, 46, 6);
-  l->less = Next(&bar, 24, 0);
-  l->copies = Next(&bar, 36, 0);
-  l->more = Next(&bar, 24, gap);
-  l->priority_label = Next(&bar, 49, 6);
-  l->slider = Next(&bar, 64 + slide, 6);
-  l->priority = Next(&bar, 24, gap);
-  l->hold = Next(&bar, 56, 0);
-}
+constexpr int kStop = 18, kFilter = 170;
+// The width from which a side shows by itself, and what it takes of it.
+struct Side {
+  int from, percent, usual, most, least;
+};
+constexpr Side kLeftSide = {900, 18, 216, 300, 150}, kRightSide = {1080, 22, 280, 440, 190};
+constexpr int kFilesLeast = 330;
+// Two printers, and two places, with their captions.
+constexpr int kPrintersLeast = 32 + 2 * 38, kPlacesLeast = 32 + 2 * 20 + 26;
+// Headers and rows: the usual queue takes a third of the height.
+constexpr int kQueueLeast = 22 + 4 * 22, kFolderLeast = 22 + 3 * 22;
 
 void LayOutQueueHead(Layout* l) {
   Area bar = l->queue_head;
@@ -62,21 +32,65 @@ void LayOutQueueHead(Layout* l) {
   l->hold_job = last(64);
 }
 
+int WidthOf(const Side& side, int asked, int window) {
+  const int usual = std::clamp(window * side.percent / 100, side.usual, side.most);
+  return std::max(side.least, asked > 0 ? asked : usual);
+}
+
+// Where both sides leave the files too little, the right one gives way first.
+void LayOutSides(Layout* l, Area* all, int window, const PaneSizes& sizes) {
+  const auto shows = [&](bool wanted, PaneSizes::Opened pane) {
+    return wanted && (ShowsByItself(pane, window) || sizes.opened == pane);
+  };
+  const bool places = shows(sizes.places, PaneSizes::kPlaces);
+  const bool printers = shows(sizes.printers, PaneSizes::kPrinters);
+  const bool right = shows(sizes.details, PaneSizes::kDetails);
+  int left_width = places || printers ? WidthOf(kLeftSide, sizes.left_width, window) : 0;
+  int right_width = right ? WidthOf(kRightSide, sizes.details_width, window) : 0;
+  int excess = std::max(0, left_width + right_width + kFilesLeast - all->w);
+  const auto shrink = [&excess](int* width, int least) {
+    const int less = std::clamp(*width - least, 0, excess);
+    *width -= less;
+    excess -= less;
+  };
+  shrink(&right_width, kRightSide.least);
+  shrink(&left_width, kLeftSide.least);
+  Area column = all->TakeLeft(left_width);
+  l->details = all->TakeRight(right_width);
+  if (!printers) {
+    l->places = column;
+    return;
+  }
+  if (places) {
+    const int usual = column.h * 45 / 100;
+    const int asked = sizes.printers_height > 0 ? sizes.printers_height : usual;
+    const int most = std::max(kPrintersLeast, column.h - kPlacesLeast);
+    l->places = column.TakeTop(column.h - std::clamp(asked, kPrintersLeast, most));
+  }
+  l->printers = column;
+}
+
 }  // namespace
 
-Layout LayOut(int width, int height) {
+bool ShowsByItself(PaneSizes::Opened pane, int width) {
+  return width >= (pane == PaneSizes::kDetails ? kRightSide.from : kLeftSide.from);
+}
+
+Layout LayOut(int width, int height, const PaneSizes& sizes) {
   Layout l;
   Area all{0, 0, std::max(0, width), std::max(0, height)};
   l.tools = all.TakeTop(kTools);
   l.status = all.TakeBottom(kStatus);
   l.stop_sending = {l.status.right() - 8 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
                     kStop};
-  const int queue = std::max(kQueueLeast, (all.h - 2 * kHead) * 32 / 100);
+  const int usual = (all.h - 2 * kHead) * 32 / 100;
+  const int most = std::max(kQueueLeast, all.h - 2 * kHead - kFolderLeast);
+  const int queue =
+      std::clamp(sizes.queue_height > 0 ? sizes.queue_height : usual, kQueueLeast, most);
   Area lower = all.TakeBottom(queue + kHead);
   l.queue_head = lower.TakeTop(kHead);
   l.queue = lower;
-  if (width >= kPlacesFrom) l.places = all.TakeLeft(kPlaces);
-  if (width >= kDetailsFrom) l.details = all.TakeRight(kDetails);
+  LayOutSides(&l, &all, width, sizes);
   l.folder_head = all.TakeTop(kHead);
   l.folder = all;
   l.filter = {l.folder_head.right() - 12 - kFilter, l.folder_head.y + 3, kFilter, 24};

@@ -2,19 +2,18 @@
 
 #include <algorithm>
 
+#include "app/format/cut.h"
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 
 namespace console {
 namespace {
 
-constexpr int kWidest = 280;  // of an item
+constexpr int kMostCharacters = 22;  // of an item
 
 std::string ItemText(const std::string& name) {
-  const std::string text = Shown(name);
-  char cut[512];
-  XwTextFitUtf8(XWF_NORMAL, text.c_str(), kWidest, cut, sizeof cut);
-  return cut[0] ? cut : " ";  // an empty one would be a separator
+  const std::string text = CutMiddle(Shown(name), kMostCharacters);
+  return text.empty() ? " " : text;  // an empty one would be a separator
 }
 
 }  // namespace

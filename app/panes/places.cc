@@ -1,72 +1,201 @@
 #include "app/panes/places.h"
 
+#include "app/format/texts.h"
+#include "app/look/side_marks.h"
 #include "app/look/style.h"
-#include "app/panes/ids.h"
+#include "os/os.h"
 
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kPlaceHeight = 22, kFooter = 28;
-
-Area PlaceArea(const PlacesPane* p, int i) {
-  const Area a = p->layout.places;
-  return {a.x + 4, a.y + kCaption + i * kPlaceHeight, a.w - 9, kPlaceHeight - 1};
-}
-
-// The place that the folder lies deepest in, -1 none. Everything lies in the root: that says
-// nothing.
-int PlaceAround(const PlacesPane* p, const std::string& folder) {
-  int best = -1;
-  size_t length = 1;
-  for (int i = 0; i < int(p->places.size()); ++i) {
-    const std::string& path = p->places[size_t(i)].path;
-    if (path.size() <= length || (folder + "/").rfind(path + "/", 0) != 0) continue;
-    best = i;
-    length = path.size();
-  }
-  return best;
-}
+constexpr int kCaption = 32, kFooter = 26;
+constexpr int kStep = 14;  // to the right, for each folder around
+constexpr int kMark = 18, kIcon = 19;
 
 }  // namespace
 
-void PlacesPane::Draw(const std::string& folder, bool active, const Hit& hover) const {
+void PlacesPane::MakeControls(XwWindow* window) {
+  list.MakeControls(window, kPlacesControl, "Places");
+}
+
+void PlacesPane::Place() {
+  Area a = layout.places;
+  a.w -= 1;  // the line at the right
+  a.TakeTop(kCaption);
+  a.TakeBottom(kFooter);
+  list.Place(a);
+}
+
+void PlacesPane::Begin(const std::string& folder) {
+  const std::string home = OS_GetPathName(OS_FOLDER_HOME);
+  PlacesListing nothing;
+  nothing.request.root = home;
+  nothing.volumes = {{"Root", "/", ""}, {"Home", home, ""}};
+  tree.Choose(LiesIn(folder, home) ? home : "/");
+  nothing.request.root.clear();  // of no tree: the volumes alone are taken
+  tree.Show(std::move(nothing));
+  MakeRows();
+}
+
+int PlacesPane::Find(const std::string& path) const {
+  for (size_t i = 0; i < rows.size(); ++i)
+    if (rows[i].path == path) return int(i);
+  return -1;
+}
+
+// The rows of what is known; the keyboard stays at its path, or goes to the folder that is shown.
+void PlacesPane::MakeRows() {
+  const int at = list.at();
+  const std::string kept = at >= 0 && size_t(at) < rows.size() ? rows[size_t(at)].path : "";
+  rows.clear();
+  for (const Volume& v : tree.volumes()) {
+    const bool present = v.path == tree.root();
+    const bool empty = present && tree.known() && tree.rows().empty();
+    const std::string name = v.host.empty() ? v.name : v.name + " on " + v.host;
+    rows.push_back(
+        {v.path, Shown(name), 0, !empty, present && open_ && !empty, present && tree.error() != 0});
+    if (!present || !open_) continue;
+    for (const Places::Row& r : tree.rows())
+      rows.push_back({r.path, Shown(r.name), r.depth, r.has_folders, r.open, r.unreadable});
+  }
+  marked_ = -1;
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const bool deeper = marked_ < 0 || rows[i].path.size() > rows[size_t(marked_)].path.size();
+    const bool present = rows[i].depth > 0 || rows[i].path == tree.root();
+    if (deeper && (present || !LiesIn(folder_, tree.root())) && LiesIn(folder_, rows[i].path))
+      marked_ = int(i);
+  }
+  const int there = kept.empty() ? -1 : Find(kept);
+  list.SetRows(int(rows.size()), there >= 0 ? there : marked_);
+}
+
+bool PlacesPane::Follow(const std::string& folder) {
+  if (folder == folder_) return false;
+  folder_ = folder;
+  bool unread = false;
+  if (!LiesIn(folder, tree.root())) {
+    const int volume = tree.VolumeOf(folder);
+    tree.Choose(volume < 0 ? "/" : tree.volumes()[size_t(volume)].path);
+    open_ = unread = true;
+  }
+  unread |= tree.Select(folder) || !tree.known();
+  MakeRows();
+  list.GoTo(marked_);
+  return unread;
+}
+
+bool PlacesPane::Take(PlacesListing listing) {
+  const int before = marked_;
+  const bool whole = tree.Show(std::move(listing));
+  MakeRows();
+  // What was asked for has come, and is not where the folder was marked until then.
+  if (marked_ != before && list.at() == before) list.GoTo(marked_);
+  return whole;
+}
+
+bool PlacesPane::SetOpen(int row, bool open) {
+  if (row < 0 || size_t(row) >= rows.size()) return false;
+  const Row r = rows[size_t(row)];
+  bool unread = false;
+  if (r.depth > 0) {
+    unread = tree.SetOpen(r.path, open);
+  } else if (r.path == tree.root()) {
+    open_ = open;
+    unread = open;
+  } else if (open) {
+    tree.Choose(r.path);
+    open_ = unread = true;
+  }
+  list.SetRows(list.rows(), row);
+  MakeRows();
+  return unread;
+}
+
+bool PlacesPane::Choose(int row) {
+  const Row& r = rows[size_t(row)];
+  if (r.depth > 0) return false;
+  const bool other = r.path != tree.root();
+  if (other) tree.Choose(r.path);
+  open_ = true;
+  MakeRows();
+  return other;
+}
+
+int PlacesPane::Around(int row) const {
+  int around = row;
+  while (around > 0 && rows[size_t(around)].depth >= rows[size_t(row)].depth) --around;
+  return rows[size_t(row)].depth == 0 ? row : around;
+}
+
+Area PlacesPane::MarkArea(int row) const {
+  const Area a = list.RowArea(row);
+  return {a.x + 6 + rows[size_t(row)].depth * kStep, a.y, kMark, a.h};
+}
+
+void PlacesPane::DrawRow(int row, const Area& a, const Hit& hover, bool active,
+                         bool focused) const {
+  const Style& l = TheStyle();
+  const Row& r = rows[size_t(row)];
+  const bool lit = hover == Hit{kPlaces, SideList::kRow, row};
+  const bool strong = active && focused && row == list.at();
+  const int32_t background = strong           ? l.accent
+                             : row == marked_ ? l.inactive_selection
+                             : lit            ? Mix(l.accent, l.side, 9)
+                                              : l.side;
+  if (background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h, 4, background, -1);
+  const int32_t ink = strong ? l.on_accent : r.unreadable ? Dimmed(l.ink, background) : l.ink;
+  Area text = a;
+  text.TakeRight(8);
+  text.TakeLeft(6 + r.depth * kStep);
+  const Area mark = text.TakeLeft(kMark);
+  if (r.opens)
+    DrawDisclosure(mark.x + 3, mark.y + 4, r.open,
+                   strong                                        ? l.on_accent
+                   : hover == Hit{kPlaces, SideList::kMark, row} ? l.ink
+                                                                 : l.second);
+  const Area icon = text.TakeLeft(kIcon);
+  if (r.depth == 0)
+    DrawVolumeIcon(icon.x, icon.y + 2, strong ? l.on_accent : l.second,
+                   strong ? Mix(l.on_accent, l.accent, 30) : l.pressed);
+  else
+    DrawFileIcon(FileKind::kFolder, icon.x, icon.y + 2, background, r.unreadable ? 40 : 100);
+  DrawLabel(l.view, Align::kLeft, text, r.name, ink);
+}
+
+void PlacesPane::Draw(const Hit& hover, bool active, bool focused) const {
   Area a = layout.places;
   if (a.Empty()) return;
   const Style& l = TheStyle();
   Fill(a, l.side);
   LineAtRight(a);
+  a.w -= 1;
   DrawCaption(a.Inset(12, 0), "PLACES");
-  const int around = PlaceAround(this, folder);
-  for (int i = 0; i < int(places.size()); ++i) {
-    const Place& place = places[size_t(i)];
-    const Area row = PlaceArea(this, i);
-    const bool here = place.path == folder, lit = hover == Hit{kPlaces, 1, i};
-    const bool lights = here && active;
-    int32_t background = l.side;
-    if (here || lit || i == around) {
-      background = lights                ? l.accent
-                   : here || i == around ? l.inactive_selection
-                                         : Mix(l.accent, l.side, 9);
-      XwRoundBox(row.x, row.y, row.w, row.h, 4, background, -1);
-    }
-    DrawFileIcon(FileKind::kFolder, row.x + 8, row.y + 2, background, 100);
-    Area text = row;
-    text.TakeLeft(31);
-    DrawLabel(l.view, Align::kLeft, text, place.name, lights ? l.on_accent : l.ink);
-  }
   Area foot = a.TakeBottom(kFooter);
-  foot.w -= 1;
-  Fill(foot, l.status);
-  LineAtTop(foot);
-  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0), free_text, l.second);
+  list.DrawRows([&](int row, const Area& area) { DrawRow(row, area, hover, active, focused); });
+  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0),
+            wait_text.empty() ? free_text : wait_text, wait_text.empty() ? l.second : l.warning);
 }
 
-void PlacesPane::AddHits(const std::string& folder, Hits* hits) const {
-  if (layout.places.Empty()) return;
-  for (int i = 0; i < int(places.size()); ++i) {
-    const Place& place = places[size_t(i)];
-    const uint32_t state = place.path == folder ? XWT_SELECTED : 0;
-    hits->Add({kPlaces, 1, i}, PlaceArea(this, i), {XWA_ROW, state, place.name, ""});
+void PlacesPane::AddHits(Hits* hits, bool focused) const {
+  list.AddHits(
+      hits, focused,
+      [this](int row) -> Words {
+        const Row& r = rows[size_t(row)];
+        const uint32_t state = (row == marked_ && r.path == folder_ ? uint32_t{XWT_SELECTED} : 0) |
+                               (r.open ? uint32_t{XWT_EXPANDED} : 0);
+        const std::string path = Shown(r.path);
+        const int room = list.Body().w - 14 - r.depth * kStep - kMark - kIcon;
+        const bool cut = XwTextWidthUtf8(TheStyle().view, r.name.c_str()) > room;
+        return {XWA_ROW, state, r.name, r.unreadable ? "cannot be read" : path, cut ? path : ""};
+      },
+      [this, hits](int row) {
+        if (rows[size_t(row)].opens)
+          hits->Add({kPlaces, SideList::kMark, row}, list.Visible(MarkArea(row)));
+      });
+  const std::string& said = wait_text.empty() ? free_text : wait_text;
+  if (!layout.places.Empty() && !said.empty()) {
+    Area foot = layout.places;
+    hits->Cover(foot.TakeBottom(kFooter), {XWA_LABEL, 0, "Room", said});
   }
 }
 

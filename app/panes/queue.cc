@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <string_view>
 
 #include "app/format/texts.h"
 #include "app/look/controls.h"
@@ -28,11 +29,6 @@ const Transfer* TransferOf(const QueuePane* p, const QueueRow& row) {
   for (const Transfer& t : p->state.transfers)
     if (row.transfer == t.number) return &t;
   return nullptr;
-}
-
-const QueueRow* SelectedRow(const QueuePane* p) {
-  const int row = p->table.selected();
-  return row >= 0 && size_t(row) < p->rows.size() ? &p->rows[size_t(row)] : nullptr;
 }
 
 // What is being done to a job, null when nothing is.
@@ -235,9 +231,10 @@ std::vector<Column> Columns() {
 QueuePane::QueuePane(const Layout& layout_of_all, const ServerState& state_now)
     : layout(layout_of_all),
       state(state_now),
-      table(kQueue, Columns(), [this](int row, int column, const CellLook& cell) {
-        DrawCell(this, row, column, cell);
-      }) {}
+      table(
+          kQueue, Columns(),
+          [this](int row, int column, const CellLook& cell) { DrawCell(this, row, column, cell); },
+          &selection) {}
 
 void QueuePane::MakeControls(XwWindow* w) {
   constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
@@ -274,32 +271,43 @@ void QueuePane::Draw(const Hit& hover, bool focused) {
   table.Draw(hover);
 }
 
+size_t QueueRowHash::operator()(const QueueRow& row) const {
+  return std::hash<std::string_view>()(
+             {reinterpret_cast<const char*>(row.job.data()), row.job.size()}) ^
+         size_t(row.transfer);
+}
+
+int QueueRowList::RowOf(const QueueRow& id) const {
+  const auto it = std::find(rows.begin(), rows.end(), id);
+  return it == rows.end() ? -1 : int(it - rows.begin());
+}
+
+bool QueueRowList::Has(const QueueRow& id) const {
+  return RowOf(id) >= 0 || std::find(expected.begin(), expected.end(), id) != expected.end();
+}
+
 void QueuePane::Fill() {
-  const QueueRow* row = SelectedRow(this);
-  QueueRow kept = row ? *row : missing;
-  for (const Arrival& a : state.arrivals)
-    if (kept.transfer == a.number) kept = {0, a.id};
+  list.expected.clear();
+  for (const Arrival& a : state.arrivals) {
+    selection.Rename({a.number, {}}, {0, a.id});
+    list.expected.push_back({0, a.id});
+  }
   rows.clear();
   for (const Transfer& t : state.transfers) rows.push_back({t.number, {}});
   for (const NC_Job& job : *state.jobs) rows.push_back({0, IdOf(job)});
+  selection.Renew();
   table.SetRows(int(rows.size()));
-  // What is sent can be gone for a moment before the list that shows it as a job has come.
-  if (kept == QueueRow{}) return table.KeepSelected(-1);
-  const auto it = std::find(rows.begin(), rows.end(), kept);
-  const bool found = it != rows.end();
-  table.KeepSelected(found ? int(it - rows.begin()) : -1);
-  missing = found ? QueueRow{} : kept;
 }
 
-bool QueuePane::CanChange(JobAction action) const {
-  const QueueRow* row = SelectedRow(this);
-  if (!row) return false;
-  if (const Transfer* t = row->transfer ? TransferOf(this, *row) : nullptr)
+namespace {
+
+bool CanChangeRow(const QueuePane* p, const QueueRow& row, JobAction action) {
+  if (const Transfer* t = row.transfer ? TransferOf(p, row) : nullptr)
     return action == JobAction::kRemove
                ? t->state != Sending::kCancelling
                : action == JobAction::kRelease && t->state == Sending::kFailed;
-  const NC_Job* job = JobOf(this, *row);
-  if (!job || state.link == Link::kAway || PendingText(this, row->job)) return false;
+  const NC_Job* job = JobOf(p, row);
+  if (!job || IsAway(p->state.link) || PendingText(p, row.job)) return false;
   switch (action) {
     case JobAction::kHold:
       return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING ||
@@ -312,15 +320,24 @@ bool QueuePane::CanChange(JobAction action) const {
   }
 }
 
+}  // namespace
+
+bool QueuePane::CanChange(JobAction action) const {
+  for (int row = 0; row < list.count(); ++row)
+    if (table.IsSelected(row) && CanChangeRow(this, rows[size_t(row)], action)) return true;
+  return false;
+}
+
 void QueuePane::Change(JobAction action, Server* server) const {
-  if (!CanChange(action)) return;
-  const QueueRow row = *SelectedRow(this);
-  if (!row.transfer)
-    server->Change(row.job, action);
-  else if (action == JobAction::kRemove)
-    server->Cancel(row.transfer);
-  else
-    server->Retry(row.transfer);
+  for (const QueueRow& row : selection.Ids()) {
+    if (!CanChangeRow(this, rows[size_t(list.RowOf(row))], action)) continue;
+    if (!row.transfer)
+      server->Change(row.job, action);
+    else if (action == JobAction::kRemove)
+      server->Cancel(row.transfer);
+    else
+      server->Retry(row.transfer);
+  }
 }
 
 }  // namespace console

@@ -14,6 +14,21 @@ struct QueueRow {
   JobId job{};
   bool operator==(const QueueRow&) const = default;
 };
+struct QueueRowHash {
+  size_t operator()(const QueueRow& row) const;
+};
+
+// What Selection asks of the rows.
+struct QueueRowList {
+  int count() const { return int(rows.size()); }
+  const QueueRow& IdAt(int row) const { return rows[size_t(row)]; }
+  int RowOf(const QueueRow& id) const;
+  bool Has(const QueueRow& id) const;
+
+  std::vector<QueueRow> rows;
+  // Was sent, and can be gone for a moment before the list that shows it as a job has come.
+  std::vector<QueueRow> expected;
+};
 
 struct QueuePane {
   // Both are looked at for as long as the pane lives.
@@ -23,17 +38,18 @@ struct QueuePane {
   void Place();
   void Draw(const Hit& hover, bool focused);
   void AddHits(Hits* hits) const;
-  // After a new state: rows in order, the selection stays on its job.
+  // After a new state: rows in order, the selection stays on its jobs.
   void Fill();
-  // Whether it can be done to the selected row.
+  // Whether it can be done to one of the selected rows.
   bool CanChange(JobAction action) const;
-  // Does it; nothing where it cannot be done.
+  // Does it to all of them where it can be done.
   void Change(JobAction action, Server* server) const;
 
   const Layout& layout;
   const ServerState& state;
-  std::vector<QueueRow> rows;
-  QueueRow missing;  // was selected when it went; selected again if it comes back
+  QueueRowList list;
+  std::vector<QueueRow>& rows = list.rows;
+  SelectionOf<QueueRowList, QueueRow, QueueRowHash> selection{list};
   Table table;
   XwWindow *hold = nullptr, *release = nullptr, *remove = nullptr;  // of commands
 };

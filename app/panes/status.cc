@@ -10,7 +10,6 @@
 namespace console {
 namespace {
 
-constexpr int kMessageSeconds = 6;
 constexpr int kServer = 1;  // a part of its hits
 
 const Transfer* Running(const StatusPane* p) {
@@ -20,8 +19,6 @@ const Transfer* Running(const StatusPane* p) {
 }
 
 constexpr int kBar = 90;
-
-constexpr int kStartWidth = 108;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -52,28 +49,31 @@ void DrawServer(const StatusPane* p, Area a) {
 
 int32_t LinkColor(const StatusPane* p) {
   const Style& l = TheStyle();
-  if (p->state.link == Link::kAway) return l.bad;
+  if (IsAway(p->state.link)) return l.bad;
   return p->state.link == Link::kReady && p->state.quiet_s < 1 ? l.good : l.warning;
 }
 
-// From the right: the button that stops it, the bar, the text. The result is how much of the right
-// side it took.
-int DrawSending(const StatusPane* p, const Transfer& t) {
+// The text, the bar and the button that stops it.
+Area SendingArea(const StatusPane* p) {
+  const Area& a = p->layout.status;
+  const int right = p->layout.stop_sending.right();
+  const int w = std::min(300, a.w * 40 / 100) + 10 + kBar + 6 + p->layout.stop_sending.w;
+  return {right - w, a.y, w, a.h};
+}
+
+void DrawSending(const StatusPane* p, const Transfer& t) {
   const Style& l = TheStyle();
-  Area a = p->layout.status;
-  a.w = p->layout.stop_sending.x - 6 - a.x;
+  Area a = SendingArea(p);
+  a.TakeRight(p->layout.stop_sending.w + 6);
   const Area bar = a.TakeRight(kBar);
   DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, false);
   a.TakeRight(10);
   const int64_t percent = t.total > 0 ? t.sent * 100 / t.total : 0;
   const std::string tail = ", " + std::to_string(percent) + " %";
-  const int tail_width = XwTextWidthUtf8(l.view, tail.c_str()) + 1;
-  Area room = a.TakeRight(std::min(300, a.w * 40 / 100));
-  const Area end = room.TakeRight(tail_width);
+  const Area end = a.TakeRight(XwTextWidthUtf8(l.view, tail.c_str()) + 1);
   const char* verb = t.state == Sending::kSending ? "Sending " : "Cancelling ";
   DrawLabel(l.view, Align::kLeft, end, tail, l.second);
-  DrawLabel(l.view, Align::kRight, room, verb + Shown(t.order.document), l.second);
-  return p->layout.status.right() - room.x + 10;
+  DrawLabel(l.view, Align::kRight, a, verb + Shown(t.order.document), l.second);
 }
 
 }  // namespace
@@ -91,71 +91,75 @@ std::string StatusPane::ServerText() const {
       if (s.quiet_s < 1) return "ready";
       return "no answer for " + std::to_string(s.quiet_s) + " s";
     case Link::kAway:
-      break;
+      return "away";
+    case Link::kRefused:
+      return "refused";
   }
-  const int left = std::max(0, s.retry_ms / 1000 - away_s);
-  return s.trouble + ", next try in " + std::to_string(left) + " s";
+  return "";
 }
 
 void StatusPane::MakeControls(XwWindow* window) {
-  stop_sending = XwButton(window, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9,
-                          XWC_ENABLED | XWC_ICON, 0);
+  constexpr uint32_t kShape = XWC_ENABLED | XWC_ICON;
+  stop_sending =
+      XwButton(window, ButtonIcon(ToolIcon::kCross), kStopSendingCommand, 0, 0, 9, 9, kShape, 0);
   XwDescribeControl(stop_sending, "Stop Sending");
-  start_server =
-      XwButton(window, "Start a Server", kStartServerCommand, 0, 0, 9, 9, XWC_ENABLED, 0);
+  dismiss = XwButton(window, ButtonIcon(ToolIcon::kCross), kDismissCommand, 0, 0, 9, 9, kShape, 0);
+  XwDescribeControl(dismiss, "Dismiss Message");
 }
 
-Area StatusPane::StartArea() const {
-  const Area server = ServerArea(this);
-  return offers_server_ ? Area{server.right() + 6, server.y + 1, kStartWidth, server.h - 2}
-                        : Area{};
+Area StatusPane::Middle() const {
+  const Area& a = layout.status;
+  const int begin = ServerArea(this).right() + 12;
+  const int end = SendingRuns() ? SendingArea(this).x - 10 : a.right() - 12;
+  return {begin, a.y + 1, std::max(0, end - begin), a.h - 1};
 }
 
-void StatusPane::Update(bool offers_server) {
-  offers_server_ = offers_server;
-  PlaceControl(start_server, StartArea());
+Area StatusPane::DismissArea() const {
+  Area middle = Middle();
+  const Area button = middle.TakeRight(layout.stop_sending.w);
+  return {button.x, layout.stop_sending.y, button.w, layout.stop_sending.h};
+}
+
+void StatusPane::Update() {
   PlaceControl(stop_sending, SendingRuns() ? layout.stop_sending : Area{});
+  PlaceControl(dismiss, HasError() ? DismissArea() : Area{});
 }
 
-void StatusPane::Tell(bool good, const std::string& utf8) {
-  message_ = {good, utf8, 0};
-  message_s_ = kMessageSeconds;
+void StatusPane::ReadMessage() {
+  if (notices_.HasError()) return notices_.Read();
+  notices_.Forget();
 }
 
 bool StatusPane::Tick() {
-  ++away_s;
-  const bool over = message_s_ > 0 && --message_s_ == 0;
-  return over || state.link == Link::kAway;
+  const bool told = !message().text.empty();
+  now_ms_ += 1000;
+  return told && message().text.empty();
 }
 
 void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   const Style& l = TheStyle();
-  Area a = layout.status;
-  Fill(a, l.status);
-  LineAtTop(a);
+  Fill(layout.status, l.status);
+  LineAtTop(layout.status);
   const Area server = ServerArea(this);
   if (hover == Hit{kStatus, kServer, 0})
     XwRoundBox(server.x, server.y, server.w, server.h, 4, Mix(l.pressed, l.status, 45), -1);
   DrawDot(server.x + 6, server.y + 6, LinkColor(this));
   DrawServer(this, server);
   const Transfer* t = Running(this);
-  const int taken = t ? DrawSending(this, *t) : 12;
-  const int end = std::max(server.right(), StartArea().right());
-  Area middle{end + 12, a.y + 1, 0, a.h - 1};
-  middle.w = a.right() - taken - middle.x;
-  if (message_s_ > 0)
-    DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(message_.text),
-              message_.good ? l.second : l.bad);
-  else
-    DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
+  if (t) DrawSending(this, *t);
+  Area middle = Middle();
+  const Message told = message();
+  if (told.text.empty()) return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
+  if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
+  DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(told.text),
+            told.tone == Tone::kBad ? l.bad : l.second);
 }
 
 void StatusPane::AddHits(const std::string& selection, Hits* hits) const {
-  const Area server = ServerArea(this), line = layout.status;
-  hits->Add({kStatus, kServer, 0}, server, {XWA_STATUS, 0, Shown(host), ServerText()});
-  const int end = std::max(server.right(), StartArea().right());
-  hits->Cover({end, line.y + 1, line.right() - end, line.h - 1},
-              {XWA_STATUS, 0, "Message", message_s_ > 0 ? Shown(message_.text) : selection});
+  hits->Add({kStatus, kServer, 0}, ServerArea(this), {XWA_STATUS, 0, Shown(host), ServerText()});
+  const Message told = message();
+  hits->Cover(Middle(),
+              {XWA_STATUS, 0, "Message", told.text.empty() ? selection : Shown(told.text)});
 }
 
 }  // namespace console

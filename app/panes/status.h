@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/look/hits.h"
+#include "app/model/notices.h"
 #include "app/panes/layout.h"
 #include "app/server/server.h"
 
@@ -13,17 +14,19 @@ struct StatusPane {
   StatusPane(const Layout& layout_of_all, const ServerState& state_now, const std::string& server)
       : layout(layout_of_all), state(state_now), host(server) {}
   void MakeControls(XwWindow* window);
-  // One button shows while something is being sent, the other when starting a server is offered.
-  void Update(bool offers_server);
+  // One button shows while something is being sent, the other beside an error that is not read.
+  void Update();
   // `selection`: what is selected, in words; it shows where nothing is being told.
   void Draw(const Hit& hover, const std::string& selection) const;
   void AddHits(const std::string& selection, Hits* hits) const;
 
-  // Shows it for a few seconds.
-  void Tell(bool good, const std::string& utf8);
-  bool Tells() const { return message_s_ > 0; }
-  const Notice& message() const { return message_; }
-  void ForgetMessage() { message_s_ = 0; }
+  // Shows it for a few seconds; an error (kBad) until it is read.
+  void Tell(Tone tone, const std::string& utf8) { notices_.Tell({tone, utf8}, now_ms_); }
+  bool HasError() const { return notices_.HasError(); }
+  // What it shows now; without a text: nothing.
+  Message message() const { return notices_.Shown(now_ms_); }
+  // The error that is shown has been read; without one the message goes.
+  void ReadMessage();
   // A second has passed: true when the line looks different now.
   bool Tick();
   // Something is being sent, or its cancelling is not yet answered.
@@ -34,16 +37,15 @@ struct StatusPane {
   const Layout& layout;
   const ServerState& state;
   const std::string& host;
-  int away_s = 0;                                             // since the server went away
-  XwWindow *stop_sending = nullptr, *start_server = nullptr;  // of commands
+  XwWindow *stop_sending = nullptr, *dismiss = nullptr;  // of commands
 
  private:
-  // Beside the server's state; empty when nothing is offered.
-  Area StartArea() const;
+  // What lies between the server and what is being sent.
+  Area Middle() const;
+  Area DismissArea() const;
 
-  Notice message_;
-  int message_s_ = 0;  // that it is still shown
-  bool offers_server_ = false;
+  Notices notices_;
+  int64_t now_ms_ = 0;  // counted by Tick
 };
 
 }  // namespace console

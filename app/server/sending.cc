@@ -23,9 +23,11 @@ std::string TicketOf(const PrintOrder& order) {
   whole.owner = order.owner;
   whole.printer = order.printer;
   whole.profile = order.profile;
+  whole.media = order.media;
   whole.copies = order.copies;
   whole.priority = order.priority;
   whole.hold = order.hold;
+  whole.colour = order.colour;
   return nc::TicketOf(whole);
 }
 
@@ -181,7 +183,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   }
   if (done || cancelled) {
     state.transfers.erase(it);
-    shared_->AddNotice(done, (done ? "Sent: " : "Cancelled: ") + name);
+    shared_->AddNotice(true, (done ? "Sent: " : "Cancelled: ") + name);
   } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
     next_send_ = MonotonicMs() + kRetryMs;

@@ -49,7 +49,9 @@ uint64_t DigestOfLists(const ServerState& s) {
   for (const NC_Job& j : *s.jobs)
     d << j.document << j.owner << j.printer << j.text << int(j.state) << j.priority << j.copies
       << j.size << j.printed;
-  for (const NC_Printer& p : *s.printers) d << p.name << int(p.state) << p.jobs << p.paper;
+  for (const NC_Printer& p : *s.printers)
+    d << p.name << int(p.state) << p.jobs << p.paper << p.paused << p.accepting << p.is_default
+      << p.reasons << p.supplies;
   for (const NC_Profile& p : *s.profiles) d << p.name;
   return d.value();
 }
@@ -106,6 +108,10 @@ std::string Server::Shared::Detail() {
   d << int64_t(lists_) << int(state.link) << state.trouble;
   for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.text;
   for (const PendingChange& p : state.pending) d << int(p.action);
+  if (state.lists) {
+    for (const NC_Scanner& s : state.lists->scanners) d << s.name << s.text << s.away;
+    for (const std::string& printer : state.lists->printers) d << printer;
+  }
   char text[100];
   snprintf(text, sizeof text, "%016llx quiet %d retry %d notices %d",
            static_cast<unsigned long long>(d.value()), state.quiet_s, state.retry_ms,
@@ -114,6 +120,7 @@ std::string Server::Shared::Detail() {
 }
 
 void Server::Shared::Published() {
+  if (stop) return;  // nobody waits for it, and it would take the place of another server's state
   state.quiet_s = QuietSeconds();
   std::string detail = Detail();
   // Jobs that look the same may be others.
@@ -135,27 +142,59 @@ void Server::Shared::AddNotice(bool good, const std::string& text) {
 
 Server::Server(const std::string& host, Show show)
     : host_(host.empty() ? "localhost" : host), shared_(std::make_shared<Shared>()) {
+  Start(std::move(show));
+}
+
+void Server::Start(Show show) {
   shared_->host = host_;
   shared_->show = std::move(show);
   worker_ = BackgroundTask([shared = shared_] { RunWorker(shared.get()); });
   if (!worker_.failed()) return;
   Locked lock(shared_.get());
   shared_->state.link = Link::kAway;
-  shared_->state.trouble = "no thread could be started";
+  shared_->state.trouble = "cannot be asked now: the computer is too busy";
   shared_->Published();
 }
 
-Server::~Server() {
+void Server::Stop() {
   shared_->show = nullptr;
-  {
-    Locked lock(shared_.get());
-    shared_->stop = true;
-    for (int fd : shared_->open)
-      if (fd >= 0) shutdown(fd, SHUT_RDWR);
-    eventfd_write(shared_->stopped.get(), 1);
-    pthread_cond_broadcast(&shared_->wake);
-  }
+  Locked lock(shared_.get());
+  shared_->stop = true;
+  for (int fd : shared_->open)
+    if (fd >= 0) shutdown(fd, SHUT_RDWR);
+  eventfd_write(shared_->stopped.get(), 1);
+  pthread_cond_broadcast(&shared_->wake);
+}
+
+Server::~Server() {
+  Stop();
   worker_.WaitFor(kStopMs);
+}
+
+void Server::Use(const std::string& host) {
+  const std::shared_ptr<Shared> old = shared_;
+  Show show = old->show;
+  Stop();
+  worker_.Drop();  // it ends by itself
+  host_ = host.empty() ? "localhost" : host;
+  shared_ = std::make_shared<Shared>();
+  {
+    const Locked lock(old.get());
+    shared_->next_number = old->next_number;
+    shared_->next_notice = old->next_notice;
+    shared_->period_ms = old->period_ms;
+    shared_->state.away_times = old->state.away_times;
+  }
+  show(shared_->state);
+  Start(std::move(show));
+}
+
+void Server::SetPeriod(int ms) {
+  const Locked lock(shared_.get());
+  if (shared_->period_ms == ms) return;
+  shared_->period_ms = ms;
+  shared_->refresh = true;
+  pthread_cond_broadcast(&shared_->wake);
 }
 
 void Server::ShowProgress(std::vector<Transfer>* transfers) const {
@@ -170,13 +209,15 @@ void Server::Tick() {
   shared_->PublishQuiet();
 }
 
-int Server::Send(PrintOrder order) {
+int Server::Send(std::vector<PrintOrder> orders) {
   Locked lock(shared_.get());
-  Transfer t;
-  t.number = shared_->next_number++;
-  t.order = std::move(order);
-  t.started = time(nullptr);
-  shared_->state.transfers.push_back(std::move(t));
+  for (PrintOrder& order : orders) {
+    Transfer t;
+    t.number = shared_->next_number++;
+    t.order = std::move(order);
+    t.started = time(nullptr);
+    shared_->state.transfers.push_back(std::move(t));
+  }
   shared_->Published();
   pthread_cond_broadcast(&shared_->wake);
   return shared_->next_number - 1;

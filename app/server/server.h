@@ -19,7 +19,11 @@
 
 namespace console {
 
-enum class Link : uint8_t { kConnecting, kReady, kAway };
+// kRefused is away as well: somebody answers there who is not to be talked to.
+enum class Link : uint8_t { kConnecting, kReady, kAway, kRefused };
+inline bool IsAway(Link link) {
+  return link == Link::kAway || link == Link::kRefused;
+}
 enum class JobAction : uint8_t { kHold, kRelease, kRemove };
 
 using JobId = std::array<uint8_t, 16>;
@@ -27,12 +31,16 @@ inline JobId IdOf(const NC_Job& job) {
   return std::to_array(job.id);
 }
 
+// What is to be set in a printer.
+enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, kPaperLoaded };
+
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
   std::string path, document, owner;
-  std::string printer, profile;  // empty: the server's choice
+  std::string printer, profile, media;  // empty: the server's choice
   int copies = 1, priority = 50;
   bool hold = false;
+  int colour = -1;  // 0xRRGGBB; -1: none
 };
 
 enum class Sending : uint8_t { kWaiting, kSending, kCancelling, kFailed };
@@ -66,16 +74,25 @@ struct PendingChange {
   JobAction action;
 };
 
+// What is asked for now and then.
+struct ServerLists {
+  std::vector<NC_Scanner> scanners;
+  std::vector<NC_Profile> profiles;
+  std::vector<std::string> printers;  // of each profile, the only one that has it; "": any
+};
+
 // What is known. The lists stay when the server goes away.
 struct ServerState {
   Link link = Link::kConnecting;
   int retry_ms = 0;     // away: until the next try, counted from when it went
   int away_times = 0;   // how often it has gone away
   int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
-  std::string trouble;  // away: why, in a few words
+  std::string trouble;  // away: why, as what its name does: "does not answer"
+  int64_t seen = 0;     // when the lists were true last, seconds since 1970; 0: never
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
+  std::shared_ptr<const ServerLists> lists;                 // null until they have come
   std::vector<Transfer> transfers;
   std::vector<PendingChange> pending;
   std::vector<Notice> notices;    // the last few
@@ -96,17 +113,35 @@ class Server {
   Server& operator=(const Server&) = delete;
 
   const std::string& host() const { return host_; }
+  // Leaves this server for another one. The connections are closed; what was not sent, and changes
+  // that were not answered, are given up: none of it goes to the other server. The state begins
+  // again with empty lists, and is shown at once; numbers go on.
+  void Use(const std::string& host);
+  // How often the lists are asked for. A new period asks at once.
+  void SetPeriod(int ms);
   // How far those in the state have come by now.
   void ShowProgress(std::vector<Transfer>* transfers) const;
   // To be called each second: a server that has been silent for another one is a new state.
   void Tick();
-  // The order's number as a transfer.
-  int Send(PrintOrder order);
+  // In this order, after those that wait already. The number of the last one as a transfer.
+  int Send(std::vector<PrintOrder> orders);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
   // Tries a failed one again.
   void Retry(int number);
   void Change(const JobId& id, JobAction action);
+  // Sets something of a printer; a notice tells what has come of it.
+  void ChangePrinter(const std::string& name, PrinterSetting setting);
+  // Moves the jobs of a printer that have not ended to another one; told in the same way.
+  void MoveJobs(const std::string& printer, const std::string& target);
+  // Scanners and profiles, which come as `lists`.
+  void AskLists();
+  // Has the server start its scan server. There is no answer.
+  void StartScan(const std::string& scanner);
+  // Fetches the gamut file of a profile: of that printer ("": none), else the one for all. It is
+  // saved in `folder` under the profile's name, with a number where that is taken. A notice tells
+  // what has come of it.
+  void SaveGamut(const std::string& profile, const std::string& printer, const std::string& folder);
   // Asks again now; when it is away: tries now.
   void Refresh();
 
@@ -114,6 +149,9 @@ class Server {
   struct Shared;
 
  private:
+  void Start(Show show);
+  void Stop();
+
   std::string host_;
   std::shared_ptr<Shared> shared_;
   BackgroundTask worker_;

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 
 #include "printserver/nc.h"
 #include "printserver/read_lists.h"
@@ -12,9 +13,25 @@ namespace console {
 namespace {
 
 constexpr int kConnectMs = 3000, kCallMs = 5000;
-constexpr int kPollMs = 1000;
 constexpr size_t kMostUnwanted = 64;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
+
+constexpr char kSilent[] = "does not answer";
+
+// Why there is no connection, as what the server's name does.
+const char* ConnectTrouble(int code, int error) {
+  switch (code) {
+    case NC_NO_HOST:
+      if (error == EINVAL) return "has a port that is not a number from 1 to 65535";
+      return error == ETIMEDOUT ? "was not found in time" : "is not known";
+    case NC_REFUSED:
+      return "refuses this console";
+    case NC_NO_SERVER:
+      return error == ETIMEDOUT ? kSilent : "runs no print server";
+    default:
+      return "cannot be asked: the system has no connection left";
+  }
+}
 
 const char* const kDone[] = {"Held", "Released", "Removed"};
 const char* const kNotDone[] = {"Not held", "Not released", "Not removed"};
@@ -26,6 +43,7 @@ Worker::Worker(Server::Shared* shared)
 
 Worker::~Worker() {
   Close(kLists);
+  Close(kGamut);
 }
 
 int Worker::Connect(Which which, int ms) {
@@ -49,12 +67,13 @@ bool Worker::Stopping() {
   return shared_->stop;
 }
 
-// The server is gone: says so, and when to try again.
-void Worker::GoAway(const std::string& trouble) {
+// The server is gone: says so, and when to try again. What refuses once will do so for a while.
+void Worker::GoAway(Link link, const std::string& trouble) {
   Close(kLists);
   retry_ms_ = retry_ms_ == 0 ? kFirstRetryMs : std::min(retry_ms_ * 2, kLastRetryMs);
+  if (link == Link::kRefused) retry_ms_ = kLastRetryMs;
   Locked lock(shared_);
-  shared_->state.link = Link::kAway;
+  shared_->state.link = link;
   shared_->state.trouble = trouble;
   shared_->retry_at = MonotonicMs() + retry_ms_;
   shared_->state.retry_ms = retry_ms_;
@@ -75,7 +94,7 @@ bool Worker::TryToConnect(int ms) {
   const int error = errno;
   Ended();
   if (fd < 0) {
-    GoAway(nc::ConnectText(fd, error));
+    GoAway(fd == NC_REFUSED ? Link::kRefused : Link::kAway, ConnectTrouble(fd, error));
     return false;
   }
   next_poll_ = 0;
@@ -121,10 +140,11 @@ bool Worker::Poll() {
     list->resize(
         size_t(NC_ParsePrinters(printer_bytes.data(), printers, list->data(), NC_RECORDS_MAX)));
   }
-  next_poll_ = MonotonicMs() + kPollMs;
   retry_ms_ = 0;
   Locked lock(shared_);
+  next_poll_ = MonotonicMs() + shared_->period_ms;
   ServerState& state = shared_->state;
+  state.seen = time(nullptr);
   if (jobs) state.jobs = jobs;
   if (list) state.printers = list;
   if (ask_profiles_) state.profiles = profiles;
@@ -232,7 +252,7 @@ void Worker::Serve(int connect_ms) {
     if (refresh) retry_ms_ = 0;
     if (!TryToConnect(connect_ms)) return;
   }
-  bool good = MakeChanges();
+  bool good = MakeChanges() && ChangePrinters() && AnswerRequests();
   if (good && next_poll_ <= MonotonicMs()) {
     good = Poll();
     if (good) RemoveUnwanted();
@@ -240,7 +260,7 @@ void Worker::Serve(int connect_ms) {
   if (!good) {
     const int error = errno;
     Ended();
-    GoAway(error == ETIMEDOUT ? "it does not answer" : "the connection broke");
+    GoAway(Link::kAway, error == ETIMEDOUT ? kSilent : "closed the connection");
   }
   ForgetFinished();
 }
@@ -249,7 +269,10 @@ void Worker::Serve(int connect_ms) {
 void Worker::Wait() {
   Locked lock(shared_);
   const bool connected = shared_->open[kLists] >= 0;
-  if (shared_->stop || shared_->refresh || (connected && !shared_->changes.empty())) return;
+  if (shared_->stop || shared_->refresh ||
+      (connected && !(shared_->changes.empty() && shared_->printer_changes.empty() &&
+                     shared_->requests.empty())))
+    return;
   const int64_t now = MonotonicMs();
   int64_t until = connected ? next_poll_ : shared_->retry_at;
   for (const Transfer& t : shared_->state.transfers)

@@ -19,12 +19,12 @@ class Worker {
   void Run();
 
  private:
-  enum Which { kLists, kFile };
+  enum Which { kLists, kFile, kGamut };
   int Connect(Which which, int ms);
   void Close(Which which);
   bool Stopping();
   bool Ready();
-  void GoAway(const std::string& trouble);
+  void GoAway(Link link, const std::string& trouble);
   bool TryToConnect(int ms);
   // Around a call that waits for the server.
   void Began();
@@ -35,6 +35,20 @@ class Worker {
   void ForgetFinished();
   void ForgetBroken();
   void RemoveUnwanted();
+
+  // Scanners, profiles, gamut files (scanners.cc).
+  bool AnswerRequests();
+  bool NextRequest(ServerRequest* request);
+  bool ReadServerLists();
+  bool StartScan(const std::string& scanner);
+  void SaveGamut(const ServerRequest& request);
+
+  // Changes of printers (printers.cc).
+  bool ChangePrinters();
+  bool NextPrinterChange(PrinterChange* change, NC_Printer* printer);
+  int SetPrinter(const PrinterChange& change, const NC_Printer& printer);
+  int MoveAllJobs(const PrinterChange& change);
+
   void Serve(int connect_ms);
   void Wait();
 

@@ -13,6 +13,8 @@ constexpr int kBorderReach = 4;
 constexpr int kHeadReach = 6;
 // The text of a head is this far from its left side.
 constexpr int kHeadText = 5;
+// Of scrolling by a drag, pixels at a time.
+constexpr int kFastest = 3 * Table::kRowHeight;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 
 }  // namespace
@@ -72,19 +74,19 @@ void Table::PlaceControls() {
 // --- Geometry
 
 void Table::Place(const Area& a) {
-  const bool seen = selected_ >= 0 && RowArea(selected_).bottom() > Body().y &&
-                    RowArea(selected_).y < Body().bottom();
+  const int kept = focus();
+  const bool seen =
+      kept >= 0 && RowArea(kept).bottom() > Body().y && RowArea(kept).y < Body().bottom();
   area_ = a;
   LayOutColumns();
   top_ = std::clamp(top_, 0, MostTop());
   PlaceControls();
-  if (seen) Reveal(selected_);
+  if (seen) Reveal(kept);
 }
 
 void Table::SetRows(int rows) {
   const bool scrolled = Scrolls();
   rows_ = rows < 0 ? 0 : rows;
-  if (selected_ >= rows_) selected_ = -1;
   top_ = std::clamp(top_, 0, MostTop());
   if (scrolled != Scrolls()) LayOutColumns();
   PlaceControls();
@@ -251,34 +253,41 @@ void Table::Reveal(int row) {
 }
 
 void Table::Select(int row) {
-  selected_ = row < 0 || rows_ == 0 ? -1 : std::min(row, rows_ - 1);
-  Reveal(selected_);
+  if (row < 0 || rows_ == 0) return selection_->Clear();
+  selection_->MoveTo(std::min(row, rows_ - 1), {});
+  Reveal(focus());
 }
 
-bool Table::Key(int type) {
-  const int page = std::max(1, Fits() - 1), now = selected_;
+bool Table::Key(int type, SelectionKeys keys) {
+  const int page = std::max(1, Fits() - 1), now = focus();
+  int to = 0;
   switch (type) {
     case XWE_UP:
-      Select(now < 0 ? rows_ - 1 : std::max(0, now - 1));
-      return true;
+      to = now < 0 ? rows_ - 1 : now - 1;
+      break;
     case XWE_DOWN:
-      Select(now + 1);
-      return true;
+      to = now + 1;
+      break;
     case XWE_PAGE_UP:
-      Select(std::max(0, now - page));
-      return true;
+      to = now - page;
+      break;
     case XWE_PAGE_DOWN:
-      Select(std::max(0, now) + page);
-      return true;
+      to = std::max(0, now) + page;
+      break;
     case XWE_HOME:
-      Select(0);
-      return true;
+      break;
     case XWE_END:
-      Select(rows_ - 1);
-      return true;
+      to = rows_ - 1;
+      break;
+    case ' ':
+      if (keys.control) selection_->ToggleFocus();
+      return keys.control;
     default:
       return false;
   }
+  selection_->MoveTo(to, keys);
+  Reveal(focus());
+  return true;
 }
 
 bool Table::Wheel(float dy) {
@@ -291,17 +300,17 @@ bool Table::Wheel(float dy) {
   return top_ != before;
 }
 
-bool Table::Press(const Hit& hit, int px) {
+bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
   switch (hit.part) {
     case kRow:
-      Select(hit.index);
-      return true;
     case kBody:
-      Select(-1);
+      held_ = hit.part == kRow ? kARow : kNothing;
+      held_row_ = hit.part == kRow ? hit.index : -1;
+      selection_->Press(held_row_, keys);
       return true;
     case kBorder:
       if (ColumnArea(hit.index).Empty()) return false;
-      dragging_ = true;
+      held_ = kABorder;
       border_ = hit.index;
       grip_ = px - ColumnArea(border_).right();
       return true;
@@ -310,8 +319,43 @@ bool Table::Press(const Hit& hit, int px) {
   }
 }
 
-bool Table::Drag(int px) {
-  return dragging_ && DragBorder(px);
+bool Table::Drag(int px, int py) {
+  if (held_ == kABorder) return DragBorder(px);
+  return (held_ == kARow || held_ == kRows) && DragRows(py);
+}
+
+void Table::Release() {
+  if (held_ == kARow) selection_->Release();
+  held_ = kNothing;
+}
+
+// The row under the pointer, or at the edge that it is beyond.
+bool Table::DragRows(int py) {
+  const Area body = Body();
+  drag_y_ = py;
+  if (rows_ == 0 || body.Empty()) return false;
+  const int y = std::clamp(py, body.y, body.bottom() - 1) - body.y;
+  const int row = int(std::min<int64_t>((int64_t{top_} + y) / kRowHeight, rows_ - 1));
+  if (row == held_row_) return false;
+  held_ = kRows;
+  held_row_ = row;
+  selection_->DragTo(row);
+  return true;
+}
+
+bool Table::ScrollsByDrag() const {
+  const Area body = Body();
+  return held_ == kRows && (drag_y_ < body.y || drag_y_ >= body.bottom());
+}
+
+// The faster the farther away the pointer is.
+bool Table::ScrollByDrag() {
+  if (!ScrollsByDrag()) return false;
+  const Area body = Body();
+  const int beyond = drag_y_ < body.y ? drag_y_ - body.y : drag_y_ - body.bottom() + 1;
+  const int before = top_;
+  ScrollTo(top_ + std::clamp(beyond, -kFastest, kFastest));
+  return DragRows(drag_y_) || top_ != before;
 }
 
 bool Table::DragBorder(int px) {
@@ -351,7 +395,7 @@ void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words) cons
       if (a.y < body.y) a.h -= body.y - a.y, a.y = body.y;
       a.h = std::min(a.h, body.bottom() - a.y);
       Words said = words ? words(row) : Words{};
-      if (row == selected_) said.state |= XWT_SELECTED;
+      if (IsSelected(row)) said.state |= XWT_SELECTED;
       hits->Add({owner_, kRow, row}, a, said);
     }
   }
@@ -384,7 +428,7 @@ void Table::DrawHeader(const Hit& hover) const {
     DrawHead(i);
     // The border that is under the pointer, at the left of the column behind it.
     if (lit) Fill({ColumnArea(i).x - 1, head.y + 3, 2, head.h - 7}, l.accent);
-    lit = hover == Hit{owner_, kBorder, i} || (dragging_ && border_ == i);
+    lit = hover == Hit{owner_, kBorder, i} || (held_ == kABorder && border_ == i);
   }
 }
 
@@ -393,9 +437,10 @@ void Table::DrawRow(int row, const Hit& hover) const {
   const Area a = RowArea(row);
   CellLook cell{};
   cell.muted = muted_;
-  cell.selected = row == selected_ && focused_ && !muted_;
+  const bool chosen = IsSelected(row);
+  cell.selected = chosen && focused_ && !muted_;
   cell.background = row % 2 ? l.row : l.document;
-  if (row == selected_)
+  if (chosen)
     cell.background = cell.selected ? l.accent : l.inactive_selection;
   else if (hover == Hit{owner_, kRow, row})
     cell.background = Mix(l.accent, cell.background, 7);
@@ -409,6 +454,11 @@ void Table::DrawRow(int row, const Hit& hover) const {
     cell.area = CellArea(i, a.y, a.h);
     cell.align = columns_[size_t(i)].align;
     draw_(row, i, cell);
+  }
+  // Where a key would go on from, when the background does not tell.
+  if (focused_ && row == focus() && selected() != row) {
+    XwSetColor(cell.selected ? Mix(l.on_accent, l.accent, 60) : Mix(l.accent, l.document, 70));
+    XwDrawRect(a.x, a.y, a.w, a.h);
   }
 }
 
@@ -426,7 +476,7 @@ void Table::Draw(const Hit& hover) {
     Fill({body.x, below, body.w, body.bottom() - below}, l.document);
     if (rows_ == 0)
       DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
-    if (focused_ && (rows_ == 0 || selected_ < 0)) {
+    if (focused_ && focus() < 0) {
       XwSetColor(Mix(l.accent, l.document, 45));
       XwDrawRect(body.x, body.y, body.w, body.h);
     }

@@ -1,5 +1,5 @@
-// A table: heads that sort, rows of columns, a selection, scrolling. It draws its rows; the heads
-// of columns that sort and the scroll bar are controls.
+// A table: heads that sort, rows of columns, any number of them selected, scrolling. It draws its
+// rows; the heads of columns that sort and the scroll bar are controls.
 //
 // The table knows nothing of what it shows: it asks for each visible cell to be drawn, and tells by
 // results what the user wants. Its owner places it, enters its areas into the window's hits while
@@ -12,6 +12,7 @@
 
 #include "app/look/hits.h"
 #include "app/look/style.h"
+#include "app/table/row_selection.h"
 
 namespace console {
 
@@ -44,8 +45,12 @@ class Table {
   enum Part { kRow = 1, kBody, kBorder };
 
   using DrawCell = std::function<void(int row, int column, const CellLook&)>;
-  Table(int owner, std::vector<Column> columns, DrawCell draw)
-      : owner_(owner), columns_(std::move(columns)), draw_(std::move(draw)) {}
+  // The selection lives as long as the table.
+  Table(int owner, std::vector<Column> columns, DrawCell draw, RowSelection* selection)
+      : owner_(owner),
+        columns_(std::move(columns)),
+        draw_(std::move(draw)),
+        selection_(selection) {}
 
   // Makes its controls in the window: the bar with this id, the head of column n with n + 1 more.
   // Without them (a null window) it works, and cannot be scrolled or sorted by the pointer. They
@@ -58,15 +63,18 @@ class Table {
   // A report of its bar: false when the id is another's.
   bool Scrolled(int id, int value);
 
-  // Laid out again; the selection stays in sight if it was.
+  // Laid out again; the row with the keyboard stays in sight if it was.
   void Place(const Area& a);
+  // The number of rows, once the selection knows them. Nothing is scrolled to.
   void SetRows(int rows);
   int rows() const { return rows_; }
-  // The row is cut to what exists; below 0 is none. Scrolls it into sight.
+  // That row alone, cut to what exists; below 0 is none. Scrolls it into sight.
   void Select(int row);
-  // The same without scrolling: for a list that was filled again.
-  void KeepSelected(int row) { selected_ = row < rows_ ? row : -1; }
-  int selected() const { return selected_; }
+  // The selected row when it is the only one, else -1.
+  int selected() const { return selection_->OnlyRow(); }
+  bool IsSelected(int row) const { return selection_->Has(row); }
+  // The row with the keyboard, -1: none.
+  int focus() const { return selection_->FocusRow(); }
   void ScrollTo(int top);
   int top() const { return top_; }
   void Reveal(int row);
@@ -82,16 +90,23 @@ class Table {
   // `words` says what a row is; the table is called as its bar is.
   void AddHits(Hits* hits, const std::function<Words(int row)>& words = {}) const;
 
-  // Arrows, Home, End, Page Up, Page Down: true when the key was one of them.
-  bool Key(int type);
+  // Arrows, Home, End, Page Up, Page Down, with Shift and Control; Control with Space: true when
+  // the key was one of them.
+  bool Key(int type, SelectionKeys keys = {});
   // Logical pixels, positive down. True when something moved.
   bool Wheel(float dy);
   // A press on a part, in column px of the window; then each motion while it is held. True when to
   // be redrawn. The border of two columns moves room from one to the other; the widths stay in
-  // proportion to the table's from then on.
-  bool Press(const Hit& hit, int px);
-  bool Drag(int px);
-  void Release() { dragging_ = false; }
+  // proportion to the table's from then on. From row to row all between them are selected.
+  bool Press(const Hit& hit, int px, SelectionKeys keys = {});
+  bool Drag(int px, int py);
+  void Release();
+  // A row is held: no other one may come under the pointer now.
+  bool HoldsRow() const { return held_ == kARow || held_ == kRows; }
+  // Rows are being dragged over, and the pointer is above or below them: from time to time the
+  // table is to be scrolled on.
+  bool ScrollsByDrag() const;
+  bool ScrollByDrag();
   // Columns as wide as they were at first.
   void ResetColumns();
   // The widths that the user has given, a number a column, 0 where it is the usual one; empty when
@@ -114,6 +129,7 @@ class Table {
   // The next shown column, -1 for none.
   int NextColumn(int column) const;
   bool DragBorder(int px);
+  bool DragRows(int py);
   int Fits() const { return Body().h / kRowHeight; }
   int MostTop() const;
   bool Scrolls() const;
@@ -132,13 +148,16 @@ class Table {
   std::vector<int> left_, width_;
   std::vector<int> asked_;  // widths that the user has given, 0: none
   Area area_;
-  int rows_ = 0, selected_ = -1, top_ = 0;
+  RowSelection* selection_;
+  int rows_ = 0, top_ = 0;
   int sort_ = -1;
   bool descending_ = false, focused_ = false, muted_ = false;
-  bool dragging_ = false;  // a border
-  int border_ = 0;         // of which column
-  int grip_ = 0;           // where beside the border it was pressed
-  float wheel_ = 0;        // of a pixel not yet moved
+  enum Held : uint8_t { kNothing, kABorder, kARow, kRows } held_ = kNothing;
+  int held_row_ = -1;  // that was pressed, or was dragged to last
+  int drag_y_ = 0;     // where the pointer is
+  int border_ = 0;     // of which column
+  int grip_ = 0;       // where beside the border it was pressed
+  float wheel_ = 0;    // of a pixel not yet moved
   std::string empty_;
   int id_ = 0;
   std::string name_;

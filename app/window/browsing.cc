@@ -35,8 +35,9 @@ void AskFolder(Console* c, FolderRequest request) {
   XwTimer(c->window, kReadingTimer, kLongMs);
 }
 
-void Listed(Console* c, const std::string& select) {
-  c->files.Arranged(select);
+void Listed(Console* c) {
+  c->files.Arranged();
+  FollowInPlaces(c);
   c->damage |= kFolderPane | kDetailsPane | kToolsPane | kPlacesPane | kStatusPane;
 }
 
@@ -51,9 +52,12 @@ void Entered(Console* c, FolderReading* r) {
   if (!same) SetFilter(c, "");
   c->files.folder.Show(std::move(r->content));
   ShowFreeRoom(c, *r);
+  c->files.table.Release();
   c->files.table.ScrollTo(0);
-  Listed(c, r->select);
-  c->files.table.Reveal(c->files.table.selected());
+  c->files.selection.Set(r->select.empty() ? std::vector<std::string>()
+                                           : std::vector<std::string>{r->select});
+  Listed(c);
+  c->files.table.Reveal(c->files.table.focus());
   if (r->request.kind != FolderRequest::kDocument) return;
   c->stop = FocusStop::kFiles;
   if (!r->select.empty() && c->files.table.selected() < 0)
@@ -69,17 +73,16 @@ void NotEntered(Console* c, const FolderReading& r) {
     return AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
   c->files.folder.Begin("/");
   c->files.folder.Lose(r.error, {});
-  Listed(c, "");
+  Listed(c);
 }
 
 void ReadAgain(Console* c, FolderReading* r) {
-  const std::string kept = c->files.SelectedName();
   if (r->error == 0)
     c->files.folder.Show(std::move(r->content));
   else
     c->files.folder.Lose(r->error, r->stamp);
   ShowFreeRoom(c, *r);
-  Listed(c, kept);
+  Listed(c);
 }
 
 std::string SilenceText(const std::string& path, int seconds) {
@@ -101,16 +104,26 @@ bool FolderIsSilent(const Console* c) {
 }
 
 void FolderCame(Console* c, FolderReading* reading) {
+  c->held_reading.reset();
   XwTimer(c->window, kReadingTimer, 0);
   ShowReading(c, "");
+  if (!Moves(reading->request) && c->files.table.HoldsRow()) {
+    c->held_reading = std::make_unique<FolderReading>(std::move(*reading));
+    return DrawConsole(c);
+  }
   if (!Moves(reading->request))
-    ReadAgain(c, reading);
+    ReadAgain(c, reading), RefreshPlaces(c);
   else if (reading->error == 0)
     Entered(c, reading);
   else
     NotEntered(c, *reading);
   if (c->files.folder.known()) c->watch.Watch(c->files.folder.path(), c->files.folder.stamp());
   DrawConsole(c);
+}
+
+void ShowHeldReading(Console* c) {
+  const std::unique_ptr<FolderReading> reading = std::move(c->held_reading);
+  if (reading && !c->files.table.HoldsRow()) FolderCame(c, reading.get());
 }
 
 void FolderChanged(Console* c) {
@@ -182,14 +195,13 @@ void OpenSelected(Console* c) {
 }
 
 void SortBy(Console* c, int column) {
-  const std::string kept = c->files.SelectedName();
   const FileOrder order = kOrders[column];
   // Names begin with the first, sizes and times with the largest.
   const bool descending =
       order == c->files.folder.order() ? !c->files.folder.descending() : order != FileOrder::kName;
   c->files.folder.Sort(order, descending);
-  Listed(c, kept);
-  c->files.table.Reveal(c->files.table.selected());
+  Listed(c);
+  c->files.table.Reveal(c->files.table.focus());
 }
 
 // What is being entered is read just now.
@@ -199,10 +211,9 @@ void RefreshFolder(Console* c) {
 }
 
 void SetFilter(Console* c, const std::string& text) {
-  const std::string kept = c->files.SelectedName();
   c->files.folder.Filter(text);
-  Listed(c, kept);
-  c->files.table.Reveal(c->files.table.selected());
+  Listed(c);
+  c->files.table.Reveal(c->files.table.focus());
   if (text != c->files.FilterText()) XwSetTextUtf8(c->files.filter, text.c_str());
 }
 
@@ -213,20 +224,6 @@ void PressCrumb(Console* c, int index) {
   std::string below = c->files.folder.path();
   while (below != "/" && ParentPath(below) != path) below = ParentPath(below);
   EnterFolder(c, path, LastName(below));
-}
-
-// Those that everyone has come first, and are not looked for.
-void FindPlaces(Console* c) {
-  c->places.places = {{"Root", "/"}, {"Home", OS_GetPathName(OS_FOLDER_HOME)}};
-  c->finder.Find({{"Desktop", OS_GetPathName(OS_FOLDER_DESKTOP)},
-                  {"Documents", OS_GetPathName(OS_FOLDER_DOCUMENTS)},
-                  {"Shared", OS_GetPathName(OS_FOLDER_SHARED)}},
-                 [c](const std::vector<Place>& found) {
-                   auto& all = c->places.places;
-                   all.insert(all.end(), found.begin(), found.end());
-                   c->damage |= kPlacesPane;
-                   DrawConsole(c);
-                 });
 }
 
 void ShowDocument(Console* c, const char* path) {

@@ -1,164 +1,292 @@
-// One table of commands: name, menu, keys, when it can be used, what it does.
+// The menus, context menus and keys of the table of commands.
 #include "app/window/commands.h"
 
-#include <iterator>
+#include <bit>
 
-#include "app/window/console.h"
+#include "app/look/controls.h"
+#include "app/window/command_table.h"
 
 namespace console {
 namespace {
 
-bool Always(const Console*) {
-  return true;
-}
-bool HasSelection(const Console* c) {
-  return c->files.table.selected() >= 0;
-}
-bool HasParent(const Console* c) {
-  return c->files.folder.path() != "/";
-}
-template <JobAction action>
-bool CanDo(const Console* c) {
-  return c->queue.CanChange(action);
-}
-template <JobAction action>
-void Do(Console* c) {
-  c->queue.Change(action, &c->server);
-}
-bool IsSending(const Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.state == Sending::kSending) return true;
-  return false;
-}
-void GoToFilter(Console* c) {
-  SetFocusStop(c, FocusStop::kFilter);
-}
-template <int column>
-void Sort(Console* c) {
-  SortBy(c, column);
-}
-void About(Console* c) {
-  Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
-}
+constexpr const char* kTitles[kMenus] = {"File", "Edit", "Queue", "View", "Help"};
+// A choice's number in menus: of each command kMostChoices in a row.
+constexpr int kFirstChoice = 0x1000;
+static_assert(kFirstChoice + int(kCommandsEnd) * kMostChoices < 0x10000);
 
-enum Menu : uint8_t { kFileMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
-constexpr const char* kTitles[kMenus] = {"File", "Queue", "View", "Help"};
-// Where a key without Control counts.
-enum Where : uint8_t { kNowhere, kInFiles, kInQueue, kInBoth };
-
-struct Command {
-  CommandId id;
-  Menu menu;
-  bool begins_group;  // a separator stands before it
-  const char* name;
-  bool (*enabled)(const Console* c);
-  void (*run)(Console* c);
-  // In the menu; with Control.
-  int key = 0;
-  // Without.
-  Where where = kNowhere;
-  int plain_key = 0;
+// The arrays that the toolkit keeps pointers into, for the life of the program.
+struct Choices {
+  XwMenuItem items[kMostChoices + 1] = {};
+  std::string texts[kMostChoices];
 };
-constexpr Command kCommands[] = {
-    {kOpenCommand, kFileMenu, false, "Open", HasSelection, OpenSelected, 'o', kInFiles, XWE_RETURN},
-    {kPrintCommand, kFileMenu, false, "Print", CanPrint, PrintSelected, 'p'},
-    {kCloseCommand, kFileMenu, true, "Close Window", Always, Leave, 'w'},
-    {kHoldCommand, kQueueMenu, false, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>, 'h',
-     kInQueue, 'h'},
-    {kReleaseCommand, kQueueMenu, false, "Release", CanDo<JobAction::kRelease>,
-     Do<JobAction::kRelease>, 'g', kInQueue, 'r'},
-    {kRemoveCommand, kQueueMenu, false, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
-     XWE_DELETE, kInQueue, XWE_DELETE},
-    {kStopSendingCommand, kQueueMenu, true, "Stop Sending", IsSending, StopSending, '.'},
-    {kStartServerCommand, kQueueMenu, false, "Start a Server", CanStartServer, StartServer, 's'},
-    {kRefreshCommand, kViewMenu, false, "Refresh", Always, RefreshAll, 'r', kInBoth, XWE_F1 + 4},
-    {kUpCommand, kViewMenu, false, "Enclosing Folder", HasParent, GoUp, XWE_UP, kInFiles,
-     XWE_BACKSPACE},
-    {kFilterCommand, kViewMenu, false, "Filter Files", Always, GoToFilter, 'f'},
-    {kSortByNameCommand, kViewMenu, true, "Sort by Name", Always, Sort<0>, '1'},
-    {kSortBySizeCommand, kViewMenu, false, "Sort by Size", Always, Sort<1>, '2'},
-    {kSortByDateCommand, kViewMenu, false, "Sort by Date", Always, Sort<2>, '3'},
-    {kAboutCommand, kHelpMenu, false, "About Quorvik", Always, About},
+struct Menus {
+  XwMenuItem of_bar[kMenus][2 * kCommandsEnd + 1] = {};
+  XwMenuItem of_contexts[kContexts][2 * kCommandsEnd + 1] = {};
+  XwMenuItem bar[kMenus + 1] = {};
+  std::unique_ptr<Choices> choices[kCommandsEnd];
+  std::string texts[kCommandsEnd];  // of those whose text changes
 };
-constexpr int kCount = int(std::size(kCommands));
+Menus& TheMenus() {
+  static auto* menus = new Menus;
+  return *menus;
+}
 
 const Command* Find(int id) {
-  for (const Command& command : kCommands)
+  for (const Command& command : Commands())
     if (command.id == id) return &command;
   return nullptr;
 }
 
-// The arrays that the toolkit keeps pointers into, for the life of the program.
-XwMenuItem items[kMenus][2 * kCount + 1];
-XwMenuItem bar[kMenus + 1];
-XwMenuItem file_menu[3], job_menu[4];
-
-void OpenMenu(Console* c, XwMenuItem* menu) {
-  for (XwMenuItem* item = menu; item->text; ++item)
-    XwEnableMenuItem(menu, item->id, CanRun(c, int(item->id)));
-  if (const int chosen = XwPopupMenu(menu)) RunCommand(c, chosen);
+bool CanRun(const Console* c, const Command& command) {
+  if (c->asking || (command.enabled && !command.enabled(c))) return false;
+  return !command.more.why_not || command.more.why_not(c).empty();
 }
 
-template <size_t n>
-void SetUpMenu(XwMenuItem (&menu)[n], std::initializer_list<CommandId> commands) {
-  size_t used = 0;
-  for (const CommandId id : commands) menu[used++] = {Find(id)->name, 0, id, nullptr};
-  menu[used] = {};
+// --- Making the arrays
+
+XwMenuItem* ChoicesOf(const Command& command) {
+  std::unique_ptr<Choices>& choices = TheMenus().choices[command.id];
+  if (!choices) {
+    choices = std::make_unique<Choices>();
+    for (int i = 0; i < kMostChoices; ++i)
+      choices->items[i] = {" ", XWM_UTF8 | XWM_HIDDEN, kFirstChoice + command.id * kMostChoices + i,
+                           nullptr};
+  }
+  return choices->items;
+}
+
+// One menu of those that stand in it; a group's separator shows between two of them.
+class MenuFiller {
+ public:
+  explicit MenuFiller(XwMenuItem* items) : items_(items) {}
+  void Add(const Command& command, bool stands_here) {
+    separator_ = separator_ || command.more.group;
+    if (!stands_here) return;
+    if (separator_ && used_) items_[used_++] = {"", 0, 0, nullptr};
+    separator_ = false;
+    const XwValue id =
+        command.more.choices ? reinterpret_cast<XwValue>(ChoicesOf(command)) : XwValue{command.id};
+    items_[used_++] = {command.name, XWM_UTF8, id, nullptr};
+  }
+  void End() { items_[used_] = {}; }
+
+ private:
+  XwMenuItem* items_;
+  int used_ = 0;
+  bool separator_ = false;
+};
+
+void FillMenus(Menus* all) {
+  for (int m = 0; m < kMenus; ++m) {
+    MenuFiller menu(all->of_bar[m]);
+    for (const Command& command : Commands()) menu.Add(command, command.menu == m);
+    menu.End();
+    const bool empty = !all->of_bar[m][0].text;
+    all->bar[m] = {kTitles[m], empty ? XWM_HIDDEN : 0, reinterpret_cast<XwValue>(all->of_bar[m]),
+                   nullptr};
+  }
+  for (int n = 0; n < kContexts; ++n) {
+    MenuFiller menu(all->of_contexts[n]);
+    for (const Command& command : Commands()) menu.Add(command, command.more.contexts & (1u << n));
+    menu.End();
+  }
+}
+
+// A context menu shows the key that needs no Control where there is one.
+void SetKeys(Menus* all) {
+  for (const Command& command : Commands()) {
+    const CommandMore& more = command.more;
+    if (more.key && command.menu != kNoMenu)
+      XwSetMenuItemKey(all->of_bar[command.menu], command.id, more.key, more.modifiers);
+    for (int n = 0; n < kContexts; ++n) {
+      if (!(more.contexts & (1u << n))) continue;
+      const bool plain = more.plain_key;
+      XwSetMenuItemKey(all->of_contexts[n], command.id, plain ? more.plain_key : more.key,
+                       plain ? 0 : more.modifiers);
+    }
+  }
+}
+
+// --- Before they show
+
+void ShowChoices(const Console* c, const Command& command) {
+  Choices& shown = *TheMenus().choices[command.id];
+  const std::vector<CommandChoice> choices = command.more.choices(c);
+  for (int i = 0; i < kMostChoices; ++i) {
+    const XwValue id = shown.items[i].id;
+    if (size_t(i) >= choices.size()) {
+      if (shown.items[i].flags & XWM_HIDDEN) return;  // and all behind it
+      XwChangeMenuItemFlags(shown.items, id, XWM_UTF8 | XWM_HIDDEN);
+      continue;
+    }
+    const CommandChoice& choice = choices[size_t(i)];
+    if (shown.texts[i] != choice.text) {
+      shown.texts[i] = choice.text;
+      XwChangeMenuItemText(shown.items, id, shown.texts[i].c_str());
+    }
+    XwChangeMenuItemFlags(
+        shown.items, id,
+        XWM_UTF8 | (choice.checked ? XWM_CHECKED : 0) | (choice.enabled ? 0 : XWM_DISABLED));
+  }
+}
+
+// In one of the menus that it stands in.
+void ShowCommand(const Console* c, const Command& command, XwMenuItem* menu) {
+  const CommandMore& more = command.more;
+  const bool can = CanRun(c, command);
+  if (more.choices)
+    return XwEnableMenuItem(menu, reinterpret_cast<XwValue>(ChoicesOf(command)), can);
+  XwEnableMenuItem(menu, command.id, can);
+  if (more.checked) XwCheckMenuItem(menu, command.id, more.checked(c));
+  if (more.text) XwChangeMenuItemText(menu, command.id, TheMenus().texts[command.id].c_str());
+}
+
+// What a menu's item is called now.
+void TakeText(const Console* c, const Command& command) {
+  if (command.more.text) TheMenus().texts[command.id] = command.more.text(c);
+}
+
+// What a button's tip says: what it does and its key, or why it cannot be used.
+std::string TipOf(const Console* c, const Command& command) {
+  const std::string why = command.more.why_not ? command.more.why_not(c) : "";
+  if (!why.empty()) return why;
+  const std::string key = KeyText(command.more.key, command.more.modifiers);
+  return key.empty() ? command.name : std::string(command.name) + " (" + key + ")";
 }
 
 }  // namespace
 
+std::string KeyText(int key, uint32_t modifiers) {
+  constexpr struct {
+    int key;
+    const char* name;
+  } kNames[] = {{' ', "Space"},         {XWE_BACKSPACE, "Backspace"},
+                {XWE_RETURN, "Return"}, {XWE_DELETE, "Del"},
+                {XWE_UP, "Up"},         {XWE_DOWN, "Down"},
+                {XWE_LEFT, "Left"},     {XWE_RIGHT, "Right"},
+                {XWE_HOME, "Home"},     {XWE_END, "End"}};
+  if (key <= 0) return "";
+  std::string text;
+  if (modifiers & XWS_CONTROL) text += "Ctrl+";
+  if (modifiers & XWS_OPTION) text += "Alt+";
+  if (modifiers & XWS_SHIFT) text += "Shift+";
+  for (const auto& row : kNames)
+    if (row.key == key) return text + row.name;
+  if (key >= XWE_F1 && key < XWE_F1 + 12) return text + "F" + std::to_string(key - XWE_F1 + 1);
+  return text + char(key >= 'a' && key <= 'z' ? key - 'a' + 'A' : key);
+}
+
 void SetUpCommands(Console* c) {
-  int used[kMenus] = {};
-  for (const Command& command : kCommands) {
-    XwMenuItem* menu = items[command.menu];
-    int& n = used[command.menu];
-    if (command.begins_group) menu[n++] = {"", 0, 0, nullptr};
-    menu[n++] = {command.name, 0, command.id, nullptr};
-  }
-  for (int m = 0; m < kMenus; ++m) {
-    items[m][used[m]] = {};
-    bar[m] = {kTitles[m], 0, reinterpret_cast<XwValue>(items[m]), nullptr};
-  }
-  for (const Command& command : kCommands)
-    if (command.key) XwSetMenuItemKey(items[command.menu], command.id, command.key, XWS_CONTROL);
-  SetUpMenu(file_menu, {kOpenCommand, kPrintCommand});
-  SetUpMenu(job_menu, {kHoldCommand, kReleaseCommand, kRemoveCommand});
-  XwSetMenu(c->window, bar);
+  Menus& all = TheMenus();
+  for (auto& choices : all.choices) choices.reset();
+  FillMenus(&all);
+  SetKeys(&all);
+  XwSetMenu(c->window, all.bar);
 }
 
 bool CanRun(const Console* c, int id) {
   const Command* command = Find(id);
-  return command && !c->asking && command->enabled(c);
+  return command && CanRun(c, *command);
 }
 
 void ShowCommands(const Console* c) {
-  for (const Command& command : kCommands)
-    XwEnableMenuItem(items[command.menu], command.id, CanRun(c, command.id));
+  for (const Command& command : Commands()) {
+    if (command.menu == kNoMenu) continue;
+    TakeText(c, command);
+    ShowCommand(c, command, TheMenus().of_bar[command.menu]);
+    if (command.more.choices) ShowChoices(c, command);
+  }
+}
+
+void ShowButtons(Console* c) {
+  c->button_tips.resize(c->buttons.size());
+  for (size_t i = 0; i < c->buttons.size(); ++i) {
+    XwWindow* button = c->buttons[i];
+    const Command* command = Find(button->id);
+    EnableControl(button, command && CanRun(c, *command));
+    std::string tip = command ? TipOf(c, *command) : "";
+    if (tip == c->button_tips[i]) continue;
+    XwSetTip(button, 0, tip.c_str());
+    c->button_tips[i] = std::move(tip);
+  }
 }
 
 void RunCommand(Console* c, int id) {
-  if (CanRun(c, id)) Find(id)->run(c);
+  if (id >= kFirstChoice) {
+    const int n = id - kFirstChoice;
+    const Command* command = Find(n / kMostChoices);
+    if (command && command->more.choose && CanRun(c, *command))
+      command->more.choose(c, n % kMostChoices);
+    return;
+  }
+  const Command* command = Find(id);
+  if (command && command->run && CanRun(c, *command)) command->run(c);
+}
+
+bool IsMenuKey(int key, uint32_t modifiers) {
+  modifiers &= XWS_CONTROL | XWS_SHIFT | XWS_OPTION | XWS_COMMAND;
+  for (const Command& command : Commands())
+    if (command.menu != kNoMenu && command.more.key == key && command.more.modifiers == modifiers)
+      return true;
+  return false;
 }
 
 int CommandOfKey(const Console* c, int type) {
   const bool command_key = c->modifiers & XWS_COMMAND;
-  const Where here = c->stop == FocusStop::kQueue ? kInQueue : kInFiles;
-  for (const Command& command : kCommands) {
-    if (command_key ? command.key == type
-                    : command.plain_key == type && (command.where == kInBoth ||
-                                                    (command.where == here && !IsControl(c->stop))))
+  for (const Command& command : Commands()) {
+    const CommandMore& more = command.more;
+    if (command_key ? more.key == type && more.modifiers == XWS_CONTROL
+                    : more.plain_key == type && more.where & In(c->stop))
       return command.id;
   }
   return 0;
 }
 
-void OpenFileMenu(Console* c) {
-  OpenMenu(c, file_menu);
+void TellWhyNot(Console* c, int id) {
+  const Command* command = Find(id);
+  if (!command || c->asking || !command->more.why_not) return;
+  const std::string why = command->more.why_not(c);
+  if (!why.empty()) Tell(c, true, why);
 }
 
-void OpenJobMenu(Console* c) {
-  OpenMenu(c, job_menu);
+void OpenContextMenu(Console* c, ContextMenu context) {
+  XwMenuItem* menu = TheMenus().of_contexts[std::countr_zero(unsigned(context))];
+  for (const Command& command : Commands()) {
+    if (!(command.more.contexts & context)) continue;
+    TakeText(c, command);
+    ShowCommand(c, command, menu);
+    if (command.more.choices) ShowChoices(c, command);
+  }
+  if (const int chosen = XwPopupMenu(menu)) RunCommand(c, chosen);
+}
+
+void OpenContextMenuByKey(Console* c) {
+  ContextMenu context;
+  Area row, list;
+  switch (c->stop) {
+    case FocusStop::kFiles:
+      context = kOnFiles;
+      list = c->layout.folder;
+      row = c->files.table.RowArea(c->files.table.selected());
+      break;
+    case FocusStop::kQueue:
+      context = kOnJobs;
+      list = c->layout.queue;
+      row = c->queue.table.RowArea(c->queue.table.selected());
+      break;
+    case FocusStop::kPrinters:
+      context = kOnPrinters;
+      list = c->layout.printers;
+      row = c->printer_list.list.RowArea(c->printer_list.list.at());
+      break;
+    default:
+      return;
+  }
+  // Of a row that does not show, at the top of its list.
+  constexpr int kFromLeft = 30;
+  const bool shows = row.y >= list.y && row.bottom() <= list.bottom();
+  XwPopupLocation(c->window, list.x + kFromLeft, shows ? row.bottom() : list.y);
+  OpenContextMenu(c, context);
 }
 
 }  // namespace console

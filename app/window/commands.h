@@ -1,24 +1,41 @@
-// The commands: one table makes the menus, what the buttons and the keys do, and what is greyed.
+// The commands: one table (command_table.h) makes the menus, what buttons and keys do, and what is
+// greyed.
 #pragma once
+#include <cstdint>
+#include <string>
+
 #include "app/panes/ids.h"
 
 namespace console {
 
 struct Console;
 
+// What context menus are about, as bits.
+enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnOptions = 8 };
+constexpr int kContexts = 4;
+
 // Gives the first window its menu bar.
 void SetUpCommands(Console* c);
 bool CanRun(const Console* c, int command);
 // A menu is about to show: what cannot be done now is greyed.
 void ShowCommands(const Console* c);
+// The buttons of commands follow: whether they can be used, and their tips.
+void ShowButtons(Console* c);
 // Runs the command that a menu or a button has reported; numbers that are none, and commands that
 // cannot be run now, are ignored.
 void RunCommand(Console* c, int command);
+// Whether that key with these modifiers is one of the menu bar's.
+bool IsMenuKey(int key, uint32_t modifiers);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
-// The menu of what lies under the pointer, a row of the files or of the queue.
-void OpenFileMenu(Console* c);
-void OpenJobMenu(Console* c);
+// "Ctrl+Shift+H"; "" for no key.
+std::string KeyText(int key, uint32_t modifiers);
+// A key of a command that cannot be run: the status line says why, where there is a reason.
+void TellWhyNot(Console* c, int command);
+// At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.
+void OpenContextMenu(Console* c, ContextMenu context);
+// The same below what is selected where the keyboard is; nothing elsewhere.
+void OpenContextMenuByKey(Console* c);
 
 // --- What commands do besides the panes' own (console.cc)
 void RefreshAll(Console* c);

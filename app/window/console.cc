@@ -2,16 +2,18 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
+#include "app/window/help.h"
 #include "app/window/program_icon.h"
 
 namespace console {
 namespace {
 
-constexpr int kTickMs = 1000, kProgressMs = 100;
+constexpr int kTickMs = 1000, kProgressMs = 100, kDragMs = 40;
 // Drawing the program's icons takes longer than the first picture, which they are not to hold up.
 constexpr int kIconMs = 60;
 constexpr int kArrowCursor = 0, kSizeCursor = 10;
@@ -26,18 +28,16 @@ Console* g_console;
 void AddAllHits(Console* c) {
   c->hits.Begin();
   if (!c->asking) {
-    c->places.AddHits(c->files.folder.path(), &c->hits);
+    c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
+    c->needs.AddHits(&c->hits);
+    AddBorderHits(c);
   }
   c->hits.End();
-}
-
-void LayOutWindow(Console* c) {
-  c->layout = LayOut(c->window->width, c->window->height);
-  PlaceControls(c);
-  c->damage |= kAllPanes;
 }
 
 // The pane that a hit lies in.
@@ -50,6 +50,8 @@ unsigned PaneOf(const Hit& hit) {
       return kQueuePane;
     case kPlaces:
       return kPlacesPane;
+    case kPrinters:
+      return kPrintersPane;
     case kStatus:
       return kStatusPane;
     default:
@@ -58,15 +60,24 @@ unsigned PaneOf(const Hit& hit) {
 }
 
 // A border of columns that can be moved.
-bool IsBorder(const Hit& hit) {
+bool IsColumnBorder(const Hit& hit) {
   return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
+}
+
+bool IsBorder(const Hit& hit) {
+  return IsColumnBorder(hit) || hit.owner == kBorders;
+}
+
+int CursorOver(const Hit& hit) {
+  return hit.owner == kBorders ? BorderCursor(hit)
+         : IsColumnBorder(hit) ? kSizeCursor
+                               : kArrowCursor;
 }
 
 void SetHover(Console* c, const Hit& hit) {
   if (hit == c->hover) return;
   c->damage |= PaneOf(c->hover) | PaneOf(hit);
-  if (IsBorder(hit) != IsBorder(c->hover))
-    XwSetCursor(c->window, IsBorder(hit) ? kSizeCursor : kArrowCursor);
+  if (CursorOver(hit) != CursorOver(c->hover)) XwSetCursor(c->window, CursorOver(hit));
   c->hover = hit;
 }
 
@@ -75,14 +86,29 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane;
+}
+
+void LayOutWindow(Console* c) {
+  c->layout = LayOut(c->window->width, c->window->height, c->panes);
+  // Below the rows: none moves when it comes or goes.
+  if (c->banner.shown)
+    c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  else if (c->needs.shown)
+    c->layout.needs = c->layout.queue.TakeBottom(NeedsPane::kHeight);
+  PlaceControls(c);
+  c->damage |= kAllPanes;
 }
 
 namespace {
 
-// What follows a change of the folder's selection.
-void FilesChanged(Console* c) {
-  c->damage |= kFolderPane | kDetailsPane | kToolsPane | kStatusPane;
+// What follows a change of a table's selection.
+void SelectionChanged(Console* c, bool files) {
+  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane;
+}
+
+SelectionKeys KeysOf(uint32_t modifiers) {
+  return {(modifiers & XWS_SHIFT) != 0, (modifiers & XWS_CONTROL) != 0};
 }
 
 // --- Quitting
@@ -107,18 +133,17 @@ namespace {
 void PressTable(Console* c, const Hit& hit, bool twice) {
   const bool files = hit.owner == kFiles;
   Table& table = files ? c->files.table : c->queue.table;
-  if (IsBorder(hit)) {
+  if (IsColumnBorder(hit)) {
     if (twice) table.ResetColumns();
     table.Press(hit, Inp.px);
     return;
   }
   SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  table.Press(hit, Inp.px);
-  if (!files) c->queue.missing = {};
-  c->damage |= PaneOf(hit);
-  if (!files) return;
-  FilesChanged(c);
-  if (twice && hit.part == Table::kRow) OpenSelected(c);
+  const SelectionKeys keys = KeysOf(c->modifiers);
+  table.Press(hit, Inp.px, keys);
+  SelectionChanged(c, files);
+  const bool opens = twice && files && hit.part == Table::kRow && !keys.shift && !keys.control;
+  if (opens) OpenSelected(c);
 }
 
 void Press(Console* c) {
@@ -128,15 +153,30 @@ void Press(Console* c) {
   c->pressed = hit;
   c->damage |= PaneOf(hit);
   if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
+  if (hit.owner == kPlaces) PressPlace(c, hit);
+  if (hit.owner == kPrinters) PressPrinter(c, hit);
+  if (hit.owner == kBorders) PressBorder(c, hit, twice);
 }
 
-// The secondary button opens the menu of the row.
+// The secondary button opens the menu of the row, or of all that are selected with it.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
+  if (hit.owner == kPrinters && hit.part != SideList::kBody) {
+    PressPrinter(c, hit);
+    DrawConsole(c);
+    return OpenContextMenu(c, kOnPrinters);
+  }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
-  PressTable(c, hit, false);
+  Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
+  if (table.HoldsRow()) return;
+  SetFocusStop(c, hit.owner == kFiles ? FocusStop::kFiles : FocusStop::kQueue);
+  if (!table.IsSelected(hit.index)) {
+    table.Press(hit, Inp.px);
+    table.Release();
+    SelectionChanged(c, hit.owner == kFiles);
+  }
   DrawConsole(c);
-  hit.owner == kFiles ? OpenFileMenu(c) : OpenJobMenu(c);
+  OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
 }
 
 }  // namespace
@@ -148,6 +188,7 @@ void StopSending(Console* c) {
 
 void RefreshAll(Console* c) {
   RefreshFolder(c);
+  RefreshPlaces(c);
   c->server.Refresh();
 }
 
@@ -157,7 +198,10 @@ namespace {
 void Use(Console* c, const Hit& hit) {
   switch (hit.owner) {
     case kPlaces:
-      EnterFolder(c, c->places.places[size_t(hit.index)].path, "");
+      UsePlace(c, hit);
+      break;
+    case kPrinters:
+      UsePrinter(c, hit);
       break;
     case kCrumbs:
       PressCrumb(c, hit.index);
@@ -170,12 +214,22 @@ void Use(Console* c, const Hit& hit) {
   }
 }
 
+// What has waited for it is shown.
+void ReleaseTables(Console* c) {
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
+    table->Release();
+  }
+  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
+  if (std::exchange(c->queue_waits, false)) c->queue.Fill();
+  ShowHeldReading(c);
+}
+
 void Release(Console* c) {
   if (Inp.state & 1) return;  // another button
   const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
   c->pressed = {};
-  c->files.table.Release();
-  c->queue.table.Release();
+  ReleaseTables(c);
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
@@ -183,11 +237,18 @@ void Release(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  const bool files = c->files.table.Drag(Inp.px), queue = c->queue.table.Drag(Inp.px);
-  if (files) c->damage |= kFolderPane;
-  if (queue) c->damage |= kQueuePane;
-  if (files || queue) c->last_press = 0;  // what was dragged was not clicked
+  bool scrolls = false;
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (table->Drag(Inp.px, Inp.py)) {
+      SelectionChanged(c, table == &c->files.table);
+      c->last_press = 0;  // what was dragged was not clicked
+    }
+    scrolls = scrolls || table->ScrollsByDrag();
+  }
+  if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
+    XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
   // A border is under the pointer as long as it is held.
+  if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
   // While a button is held only the thing pressed shows that it is under the pointer.
   SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
@@ -200,36 +261,50 @@ void Scrolled(float, float dy) {
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
   if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
+  if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
+  if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
+    c->damage |= kPrintersPane;
   DrawConsole(c);
+}
+
+void ScrollByDrag(Console* c) {
+  for (Table* table : {&c->files.table, &c->queue.table})
+    if (table->ScrollByDrag()) SelectionChanged(c, table == &c->files.table);
 }
 
 // --- Keyboard
 
+// A key that moves in the table which has the keyboard, or selects there.
+bool TableKey(Console* c, int type) {
+  if (c->stop != FocusStop::kFiles && c->stop != FocusStop::kQueue) return false;
+  const bool files = c->stop == FocusStop::kFiles;
+  Table& table = files ? c->files.table : c->queue.table;
+  if (!table.Key(type, KeysOf(c->modifiers))) return false;
+  SelectionChanged(c, files);
+  return true;
+}
+
 void FilesKey(Console* c, int type) {
-  if (!c->files.table.Key(type)) {
-    if (type < ' ' || type > 126) return;
-    c->files.Find(type, Inp.time);
-  }
-  FilesChanged(c);
+  if (type < ' ' || type > 126) return;
+  c->files.Find(type, Inp.time);
+  SelectionChanged(c, true);
 }
 
 void QueueKey(Console* c, int type) {
-  if (c->queue.table.Key(type)) {
-    c->queue.missing = {};
-    c->damage |= kQueuePane;
-  } else if (type == ' ') {
-    RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
-  }
+  if (type == ' ') RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
 }
 
 // What the control there has not taken.
 void StopKey(Console* c, int type) {
+  if (TableKey(c, type)) return;
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
-  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
-    c->tools.ChangePriority(type == '+' ? 1 : -1);
-    c->damage |= kToolsPane;
-  }
+  if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
+  if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
+  const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
+  if (!by || c->stop != FocusStop::kPriority) return;
+  c->tools.ChangePriority(by);
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 // What is disabled is passed over.
@@ -238,23 +313,29 @@ void MoveFocus(Console* c, int by) {
   int stop = int(c->stop);
   do {
     stop = (stop + by + stops) % stops;
-  } while (IsControl(FocusStop(stop)) && !CanFocus(ControlAt(c, FocusStop(stop))));
+  } while (!CanStopAt(c, FocusStop(stop)));
   SetFocusStop(c, FocusStop(stop));
 }
 
 void Escape(Console* c) {
   StopReading(c);
   if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ForgetMessage();
+  c->status.ReadMessage();
   c->damage |= kStatusPane;
   SetFocusStop(c, FocusStop::kFiles);
 }
 
 void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
-  // Those with Control come from the menu bar, as commands.
-  if (c->modifiers & XWS_CONTROL) return;
-  if (const int command = CommandOfKey(c, type)) return RunCommand(c, command);
+  if (c->modifiers & XWS_CONTROL) {
+    // Those of menus come from there, as commands.
+    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
+    return;
+  }
+  if (const int command = CommandOfKey(c, type)) {
+    TellWhyNot(c, command);
+    return RunCommand(c, command);
+  }
   if (c->modifiers & XWS_COMMAND) {
     if (type == 'q') Leave(c);
   } else if (type == XWE_TAB) {
@@ -269,16 +350,23 @@ void Key(Console* c, int type) {
 // --- Time
 
 void ServerChanged(Console* c, ServerState state) {
-  if (state.away_times != c->state.away_times) c->status.away_s = 0;
+  if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
+  if (c->banner.Follow()) LayOutWindow(c);
+  StartServerByItself(c);
+  RememberServer(c);
+  UpdatePreferences();
+  UpdateLists();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
-  c->queue.Fill();
-  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kStatusPane;
+  c->queue_waits = c->queue.table.HoldsRow();
+  if (!c->queue_waits) c->queue.Fill();
+  PrintersCame(c);
+  c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);
 }
@@ -291,7 +379,10 @@ void ShowProgress(Console* c) {
 void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
+  WatchPlaces(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
+  ++c->banner.away_s;
+  if (c->banner.shown) c->damage |= kBannerPane;
   Remember(c);
 }
 
@@ -299,6 +390,7 @@ void OnTimer(Console* c, int timer) {
   if (timer == kTickTimer) Tick(c);
   if (timer == kReadingTimer) ShowWait(c);
   if (timer == kProgressTimer) ShowProgress(c);
+  if (timer == kDragTimer) ScrollByDrag(c);
   if (timer == kIconTimer) {
     XwTimer(c->window, kIconTimer, 0);
     SetUpProgramIcon();
@@ -306,10 +398,18 @@ void OnTimer(Console* c, int timer) {
   if (MayLeaveNow(c)) Quit(c);
 }
 
+// The Menu key, for what is selected where the keyboard is.
+void OpenMenuByKey() {
+  if (!g_console || g_console->asking) return;
+  OpenContextMenuByKey(g_console);
+  DrawConsole(g_console);
+}
+
 void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
   c->active = active != 0;
+  if (c->active) RefreshPlaces(c);  // a disk may have come
   c->damage = kAllPanes;
   DrawConsole(c);
 }
@@ -322,6 +422,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      c->exposed = true;
       c->damage = kAllPanes;
       break;
     case XWE_MOTION:
@@ -356,6 +457,9 @@ int Handle(int type) {
     case XWE_OPEN:
       ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
       break;
+    case XWE_PREFERENCES:
+      ShowPreferences(c);
+      break;
     case XWE_CLOSE:
       Leave(c);
       break;
@@ -379,6 +483,10 @@ int Handle(int type) {
 }
 
 }  // namespace
+
+Console* TheConsole() {
+  return g_console;
+}
 
 void ShowSilence(int seconds) {
   Console* c = g_console;
@@ -414,13 +522,14 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
+  XwSetContextMenuHandler(w, OpenMenuByKey);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
   XwTimer(w, kIconTimer, kIconMs);
   c->files.folder.Begin(start);
   ShowRemembered(c);
-  FindPlaces(c);
+  BeginPlaces(c, start);
   EnterFolder(c, start, "");
   SetUpCommands(c);
   XwShow(w, 1);
@@ -430,9 +539,12 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
 
 void CloseConsole(Console* c) {
   if (!c) return;
+  ClosePreferences();
+  CloseLists();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  CloseKeys();
   FinishRemembering(c);
   ForgetServerStart(c);
   g_console = nullptr;
@@ -441,24 +553,29 @@ void CloseConsole(Console* c) {
 }
 
 void Tell(Console* c, bool good, const std::string& utf8) {
-  c->status.Tell(good, utf8);
+  c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
   c->damage |= kStatusPane;
 }
 
 void DrawConsole(Console* c) {
-  if (!c->damage) return;
+  if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
+  c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;
   c->damage = 0;
   XwPush(c->window);
   if (damage & kToolsPane) c->tools.Draw(c->layout);
-  if (damage & kPlacesPane) c->places.Draw(c->files.folder.path(), c->active, c->hover);
+  if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
+  if (damage & kPrintersPane)
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters));
+  if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
+  if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);

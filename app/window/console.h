@@ -7,10 +7,13 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
 #include "app/panes/ids.h"
+#include "app/panes/needs.h"
 #include "app/panes/places.h"
+#include "app/panes/printers.h"
 #include "app/panes/queue.h"
 #include "app/panes/status.h"
 #include "app/panes/tools.h"
@@ -18,6 +21,7 @@
 #include "app/work/arguments.h"
 #include "app/work/folder_reader.h"
 #include "app/work/folder_watch.h"
+#include "app/work/places_reader.h"
 #include "app/work/preferences_file.h"
 
 namespace console {
@@ -30,24 +34,36 @@ enum Pane : unsigned {
   kDetailsPane = 8,
   kQueuePane = 16,
   kStatusPane = 32,
-  kAllPanes = 63
+  kPrintersPane = 64,
+  kNeedsPane = 128,
+  kBannerPane = 256,
+  kAllPanes = 511
 };
 
 // Where the keyboard is; Tab goes through them in this order.
 enum class FocusStop {
+  kPlaces,
+  kPrinters,
   kFiles,
   kQueue,
+  kStartServer,
+  kRetry,
+  kNeedsButton,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
-  return stop >= FocusStop::kPrint;
+  return stop > FocusStop::kQueue;
 }
 
 // A document that has a preview: it is made again when one of these changes.
@@ -62,6 +78,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 struct ServerStart;
@@ -74,7 +91,8 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool active = true;  // keys of the desktop come to the window
+  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
+  bool active = true;    // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -82,14 +100,18 @@ struct Console {
   uint32_t last_press = 0;  // for double clicks
   // Buttons of commands: each is enabled when its command can be run.
   std::vector<XwWindow*> buttons;
+  std::vector<std::string> button_tips;  // as they show now
 
   // What is known, and what has been chosen. Results come to reader, watch and server.
   FolderReader reader;
   FolderWatch watch;
-  PlaceFinder finder;
-  int reading_s = 0;        // since the present reading was asked for
-  int silent_s = 0;         // that the watch has had no answer; 0 as long as that is not long
-  int posted_silent_s = 0;  // the same, on its way
+  PlacesReader places_reader;
+  int places_asked = 0;        // readings
+  int places_s = 0;            // since the present one was asked for
+  std::string places_pressed;  // the path of the row
+  int reading_s = 0;           // since the present reading was asked for
+  int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;     // the same, on its way
   PreviewMaker previews;
   PreviewSubject previewed;  // what was asked for last
   Server server;
@@ -99,29 +121,46 @@ struct Console {
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
-  bool asking = false;                        // whether to leave before everything is sent
-  XwWindow* question = nullptr;               // the sheet that asks
+  bool start_tried = false;                   // by itself, since the server was there last
+  // Came while a row was held, and are shown when it is let go.
+  std::unique_ptr<FolderReading> held_reading;
+  bool queue_waits = false;
+  bool scrolls_by_drag = false;  // the timer runs
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
+
+  PaneSizes panes;
+  int border_grip = 0;  // where beside a border it was pressed
+  Printers printers;
+  std::string printer_pressed;  // name
 
   ToolsPane tools{&choice};
-  PlacesPane places{layout, {}, ""};
+  PrintersPane printer_list{layout, printers};
+  NeedsPane needs{layout, printers};
+  PlacesPane places{layout};
   FilesPane files{layout};
   DetailsPane details{layout, files.folder, choice, state};
   QueuePane queue{layout, state};
+  AwayBanner banner{layout, state, server.host()};
   StatusPane status{layout, state, server.host()};
 };
 
-enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer };
+enum Timer { kTickTimer = 1, kReadingTimer, kProgressTimer, kIconTimer, kDragTimer };
 
 // --- The window (console.cc)
 // Creates and shows it. `start` is the folder that it opens with; where that is gone, the nearest
 // one above it. Null when the display refuses. One console a process.
 Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered = {});
+// The one that is open; null when none is.
+Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);
+// For the window's present size and what is wanted of the panes.
+void LayOutWindow(Console* c);
 // Whether the keyboard is there; a question has it before everything else, and an inactive window
 // has none.
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
@@ -138,8 +177,10 @@ void UpdateControls(Console* c);
 void UseControl(Console* c, int id, int value);
 // A report of an edit box: 788 (gained or lost), 789, 790.
 void UseEditBox(Console* c, int type, int id, bool gained);
-// The control of a stop; null for the tables.
+// The control of a stop; null for the tables and lists.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
+// Whether Tab stops there now.
+bool CanStopAt(const Console* c, FocusStop stop);
 
 // --- The folder (browsing.cc)
 // Enters a folder, once it has been read; `select` is the name to select there, "" for none.
@@ -147,6 +188,7 @@ void EnterFolder(Console* c, const std::string& path, const std::string& select)
 void GoUp(Console* c);
 // Results of the reader and of the watch.
 void FolderCame(Console* c, FolderReading* reading);
+void ShowHeldReading(Console* c);
 void FolderChanged(Console* c);
 void ShowSilence(int seconds);
 // Says that something is being read.
@@ -155,14 +197,13 @@ void ShowWait(Console* c);
 void WatchFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the selected folder; of a file it says how it is printed.
+// Enters the folder that is selected alone; of a file it says how it is printed.
 void OpenSelected(Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
 void SetFilter(Console* c, const std::string& text);
 void PressCrumb(Console* c, int index);
-void FindPlaces(Console* c);
 // The one that is shown does not answer.
 bool FolderIsSilent(const Console* c);
 // A document that the desktop asks to open.
@@ -170,11 +211,47 @@ void ShowDocument(Console* c, const char* path);
 // The files that the program was started with: the first is selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
 
-// --- Starting a server on this computer (server_start.cc)
+// --- The places (places.cc)
+// Begins to read them. `folder` is the one that will be shown.
+void BeginPlaces(Console* c, const std::string& folder);
+// They mark the folder that is shown now.
+void FollowInPlaces(Console* c);
+// Something may have changed: they are read again.
+void RefreshPlaces(Console* c);
+// What a tick does: says when the reading takes long.
+void WatchPlaces(Console* c);
+void PressPlace(Console* c, const Hit& hit);
+void UsePlace(Console* c, const Hit& hit);
+void PlacesKey(Console* c, int type);
+
+// --- The printers (printers.cc)
+// After a new state of the server, or another choice.
+void PrintersCame(Console* c);
+void ChoosePrinter(Console* c, const std::string& name);
+void PressPrinter(Console* c, const Hit& hit);
+void UsePrinter(Console* c, const Hit& hit);
+void PrintersKey(Console* c, int type);
+
+// --- Sizes of the panes (panes.cc)
+void AddBorderHits(Console* c);
+// What the pointer looks like over a border.
+int BorderCursor(const Hit& hit);
+void PressBorder(Console* c, const Hit& hit, bool twice);
+void DragBorder(Console* c, const Hit& hit);
+// Between the window and the preferences.
+void RecallPanes(Console* c);
+void NotePanes(const Console* c, Preferences* p);
+
+// --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
+bool IsServerAway(const Console* c);
+void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
 bool CanStartServer(const Console* c);
 // In the background; the status line says what came of it.
 void StartServer(Console* c);
+// The same where the preferences say so, once each time that the server has gone.
+void StartServerByItself(Console* c);
 // The window closes: it waits for nothing. The server starts all the same.
 void ForgetServerStart(Console* c);
 
@@ -183,10 +260,29 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
+
+// --- The window of scanners and profiles (lists_window.cc)
+// One at most; comes to the front.
+void ShowLists(Console* c);
+void CloseLists();
+// The server's state has changed.
+void UpdateLists();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -198,9 +294,17 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
+std::string WhyNotPrint(const Console* c);
+// All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
+// Of the table that has the keyboard.
+bool CanSelectAll(const Console* c);
+void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

@@ -11,15 +11,24 @@ void MakeControls(Console* c) {
   XwWindow* w = c->window;
   XwSetTab(w, 0);
   c->tools.MakeControls(w);
+  c->needs.MakeControls(w);
+  c->places.MakeControls(w);
+  c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
+  c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,   c->tools.up,     c->tools.refresh,       c->queue.hold,
-                c->queue.release, c->queue.remove, c->status.stop_sending, c->status.start_server};
+  c->buttons = {c->tools.print,    c->tools.refresh, c->tools.colour,        c->tools.options,
+                c->queue.hold,     c->queue.release, c->queue.remove,        c->status.stop_sending,
+                c->status.dismiss, c->banner.retry,  c->banner.start_server, c->needs.load,
+                c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
   c->tools.Place(c->layout);
+  c->needs.Place();
+  c->places.Place();
+  c->printer_list.Place();
   c->files.Place();
   c->queue.Place();
   PlaceQuestion(c);
@@ -27,23 +36,43 @@ void PlaceControls(Console* c) {
 
 XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
+    case FocusStop::kRetry:
+      return c->banner.retry;
+    case FocusStop::kStartServer:
+      return c->banner.start_server;
+    case FocusStop::kNeedsButton:
+      return c->needs.Button();
     case FocusStop::kPrint:
       return c->tools.print;
+    case FocusStop::kRefresh:
+      return c->tools.refresh;
     case FocusStop::kPrinter:
       return c->tools.printer();
     case FocusStop::kProfile:
       return c->tools.profile();
+    case FocusStop::kMedia:
+      return c->tools.media();
     case FocusStop::kCopies:
       return c->tools.copies;
     case FocusStop::kPriority:
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kColour:
+      return c->tools.colour;
+    case FocusStop::kOptions:
+      return c->tools.options;
     case FocusStop::kFilter:
       return c->files.filter;
     default:
       return nullptr;
   }
+}
+
+bool CanStopAt(const Console* c, FocusStop stop) {
+  if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
+  return stop != FocusStop::kPlaces || !c->layout.places.Empty();
 }
 
 namespace {
@@ -52,7 +81,7 @@ namespace {
 // the files.
 void UpdateFocus(Console* c) {
   if (c->asking) return;
-  if (IsControl(c->stop) && !CanFocus(ControlAt(c, c->stop))) SetFocusStop(c, FocusStop::kFiles);
+  if (!CanStopAt(c, c->stop)) SetFocusStop(c, FocusStop::kFiles);
   XwWindow* wants = ControlAt(c, c->stop);
   XwWindow* has = XwGetFocus(c->window);
   if (wants && has != wants) XwFocusControl(wants);
@@ -62,13 +91,25 @@ void UpdateFocus(Console* c) {
 }  // namespace
 
 void UpdateControls(Console* c) {
-  c->status.Update(CanStartServer(c));
-  for (XwWindow* button : c->buttons) EnableControl(button, CanRun(c, button->id));
+  c->banner.Place(CanStartServer(c));
+  c->status.Update();
+  ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
+  c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.table.Enable(!c->asking);
+  c->places.list.Enable(!c->asking);
+  c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
 }
+
+namespace {
+
+bool NothingIsChosen(const Console* c) {
+  return c->files.Chosen().files + c->files.Chosen().folders == 0;
+}
+
+}  // namespace
 
 void UseEditBox(Console* c, int type, int id, bool gained) {
   const bool filter = id == kFilterControl;
@@ -79,8 +120,11 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_CHANGED) SetFilter(c, c->files.FilterText());
   // The report of its Escape takes that key's place.
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
-  if (filter && type == XWE_EDIT_DONE && c->files.table.selected() < 0) c->files.table.Select(0);
+  if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  // The report of a key takes its place, also of one that does nothing in a box.
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
@@ -90,33 +134,68 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
 void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
+  if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
+  if (id == kPrinterControl) c->tools.FitMedia(c->state);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
   if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
+  if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
 }
 
 bool CanPrint(const Console* c) {
-  const int row = c->files.table.selected();
-  return row >= 0 && !c->files.folder.At(row).folder;
+  return c->files.Chosen().files > 0;
+}
+
+// Before the printers are known the document waits for the server, and goes to its default.
+std::string WhyNotPrint(const Console* c) {
+  return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 
 void PrintSelected(Console* c) {
-  const int row = c->files.table.selected();
-  PrintOrder order;
-  order.path = c->files.folder.PathOf(row);
-  order.document = c->files.folder.At(row).name;
-  order.owner = OS_GetUserName();
+  PrintOrder usual;
+  usual.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
-  order.printer = printer ? printer->name : c->choice.printer;
-  order.profile = c->choice.profile;
-  order.copies = c->choice.copies;
-  order.priority = c->choice.priority;
-  order.hold = c->choice.hold;
-  c->server.Send(std::move(order));
-  ++c->just_sent;
-  if (c->state.link == Link::kAway)
-    Tell(c, true, "It will be sent when " + c->server.host() + " is back");
+  usual.printer = printer ? printer->name : c->choice.printer;
+  usual.profile = c->choice.profile;
+  usual.media = c->choice.media;
+  usual.copies = c->choice.copies;
+  usual.priority = c->choice.priority;
+  usual.hold = c->choice.hold;
+  usual.colour = c->choice.colour;
+  std::vector<PrintOrder> orders;
+  for (const std::string& name : c->files.selection.Ids()) {
+    const int row = c->files.folder.Find(name);
+    if (c->files.folder.At(row).folder) continue;
+    PrintOrder& order = orders.emplace_back(usual);
+    order.path = c->files.folder.PathOf(row);
+    order.document = name;
+  }
+  c->just_sent += int(orders.size());
+  c->server.Send(std::move(orders));
+  c->choice.AfterPrint();
+  c->tools.ShowChoice();
+  c->damage |= kToolsPane | kDetailsPane;
+  if (IsAway(c->state.link))
+    Tell(c, true,
+         (c->just_sent > 1 ? "They" : "It") +
+             (" will be sent when " + c->server.host() + " is back"));
+}
+
+bool CanSelectAll(const Console* c) {
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue ||
+         XwCanEdit(XwGetFocus(c->window), XWU_SELECT_ALL);
+}
+
+void SelectAll(Console* c) {
+  XwWindow* box = XwGetFocus(c->window);
+  if (XwCanEdit(box, XWU_SELECT_ALL)) return XwEdit(box, XWU_SELECT_ALL);
+  if (c->stop == FocusStop::kQueue)
+    c->queue.selection.All();
+  else
+    c->files.selection.All();
+  c->damage = kAllPanes;
 }
 
 }  // namespace console

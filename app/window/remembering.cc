@@ -14,6 +14,7 @@ Preferences Now(const Console* c) {
   p.window_height = c->window->height;
   p.file_columns = c->files.table.AskedWidths();
   p.queue_columns = c->queue.table.AskedWidths();
+  NotePanes(c, &p);
   if (c->files.folder.known()) p.folder = c->files.folder.path();
   p.printer = c->choice.printer;
   p.file_order = int(c->files.folder.order());
@@ -36,10 +37,29 @@ void ShowRemembered(Console* c) {
   const Preferences& p = c->remembered.preferences;
   c->files.table.AskWidths(p.file_columns);
   c->queue.table.AskWidths(p.queue_columns);
-  c->choice.printer = p.printer;
+  RecallPanes(c);
+  c->server.SetPeriod(p.refresh_seconds * 1000);
+  // The user's own default comes before the printer that was chosen last.
+  const std::string& printer = p.default_printer.empty() ? p.printer : p.default_printer;
+  if (!printer.empty()) ChoosePrinter(c, printer);
   if (p.file_order <= int(FileOrder::kTime))
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
+}
+
+void KeepPreferences(Console* c, const Preferences& preferences) {
+  Remembered& r = c->remembered;
+  r.preferences = preferences;
+  r.preferences = Now(c);
+  if (r.writer) r.writer->Store(r.preferences);
+}
+
+void RememberServer(Console* c) {
+  Preferences p = c->remembered.preferences;
+  if (c->state.link != Link::kReady || c->remembered.server_fixed || p.server.empty()) return;
+  if (!p.recent_servers.empty() && p.recent_servers.front() == p.server) return;
+  NoteServer(p.server, &p);
+  KeepPreferences(c, p);
 }
 
 void Remember(Console* c) {

@@ -35,8 +35,25 @@ void Run(const Shared& start, const std::string& server) {
 
 }  // namespace
 
+bool IsServerAway(const Console* c) {
+  return c->banner.shown;
+}
+
+void RetryServer(Console* c) {
+  c->server.Refresh();
+}
+
 bool CanStartServer(const Console* c) {
-  return c->state.link == Link::kAway && !c->server_start && IsLocalServer(c->server.host());
+  // One that is started, and one that is tried, keep the button; what refuses is a server already.
+  return c->banner.shown && c->state.link != Link::kRefused && !c->server_start &&
+         IsLocalServer(c->server.host());
+}
+
+void StartServerByItself(Console* c) {
+  if (c->state.link == Link::kReady) c->start_tried = false;
+  if (!c->remembered.preferences.start_local_server || c->start_tried || !CanStartServer(c)) return;
+  c->start_tried = true;
+  StartServer(c);
 }
 
 void StartServer(Console* c) {

@@ -1,8 +1,9 @@
 #include "app/work/places_reader.h"
 
-#include <sys/statvfs.h>
+#include <sys/stat.h>
 
 #include <cerrno>
+#include <mutex>
 
 namespace console {
 namespace {
@@ -13,7 +14,12 @@ struct Word {
   const char* word;
 };
 constexpr Word kWords[] = {
-    {"ROOT", "Computer"}, {"LOCAL", "Home"}, {"DOCUMENTS", "Documents"}, {"DESKTOP", "Desktop"}};
+    {"ROOT", "Root"}, {"LOCAL", "Home"}, {"DOCUMENTS", "Documents"}, {"DESKTOP", "Desktop"}};
+
+bool IsFolder(const char* path) {
+  struct stat s {};
+  return stat(path, &s) == 0 && S_ISDIR(s.st_mode);
+}
 
 std::string WordFor(const std::string& name, bool fixed) {
   if (fixed)
@@ -49,10 +55,6 @@ void ReadPlaces(PlacesListing* listing) {
   if (empty && listing->tree && OS_TreeExpandN(listing->tree.get()) != 0) listing->error = errno;
   if (!listing->tree) listing->error = ENOMEM;
   if (listing->tree) ExpandBelow(listing->tree.get(), listing);
-  struct statvfs s {};
-  if (statvfs(root.c_str(), &s) != 0) return;
-  listing->free = int64_t(s.f_bavail) * int64_t(s.f_frsize);
-  listing->room = int64_t(s.f_blocks) * int64_t(s.f_frsize);
 }
 
 }  // namespace
@@ -65,32 +67,71 @@ std::vector<Volume> ListVolumes() {
   std::vector<Volume> volumes;
   for (int i = 0; i < count; ++i) {
     const bool fixed = i < int(std::size(kWords));
+    // Those of the user are listed whether they are there or not.
+    if (fixed && !IsFolder(list[i].path)) continue;
     volumes.push_back({WordFor(list[i].name, fixed), list[i].path, list[i].host});
   }
   OS_ListDevFreeN(list);
   return volumes;
 }
 
-void PlacesReader::Ask(PlacesRequest request) {
+// One that is being read. The task and the reader share it.
+struct PlacesReader::Reading {
+  PlacesListing listing;
+  std::mutex lock;  // of what follows
+  std::function<void()> told;
+  bool wanted = true, done = false;
+
+  // Under the lock, so that nothing is told of one that has been dropped.
+  void End() {
+    const std::lock_guard<std::mutex> guard(lock);
+    done = true;
+    if (wanted && told) told();
+  }
+};
+
+void PlacesReader::Ask(PlacesRequest request, std::function<void()> told) {
   Drop();
-  listing_ = std::make_shared<PlacesListing>();
-  listing_->request = std::move(request);
-  listing_->error = EAGAIN;  // where no thread can be had
-  task_ = BackgroundTask([listing = listing_, how = read] {
-    listing->error = 0;
-    how(listing.get());
+  reading_ = std::make_shared<Reading>();
+  reading_->listing.request = std::move(request);
+  reading_->listing.error = EAGAIN;  // where no thread can be had
+  reading_->told = std::move(told);
+  task_ = BackgroundTask([reading = reading_, how = read] {
+    reading->listing.error = 0;
+    how(&reading->listing);
+    reading->End();
   });
+  if (task_.failed()) reading_->End();
 }
 
 void PlacesReader::Drop() {
+  if (reading_) {
+    const std::lock_guard<std::mutex> guard(reading_->lock);
+    reading_->wanted = false;
+  }
   task_.Drop();
-  listing_.reset();
+  reading_.reset();
+}
+
+bool PlacesReader::WaitFor(int ms) const {
+  return task_.WaitFor(ms);
+}
+
+const PlacesRequest* PlacesReader::request() const {
+  return reading_ ? &reading_->listing.request : nullptr;
 }
 
 PlacesListing PlacesReader::Take() {
   PlacesListing listing;
-  if (listing_ && task_.Done()) listing = std::move(*listing_);
-  Drop();
+  bool done = false;
+  if (reading_) {
+    const std::lock_guard<std::mutex> guard(reading_->lock);
+    done = reading_->done;
+  }
+  if (done) {
+    listing = std::move(reading_->listing);
+    Drop();
+  }
   return listing;
 }
 

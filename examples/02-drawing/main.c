@@ -3,7 +3,7 @@
 
 #include "toolkit/xw.h"
 
-enum { INK = 0x1D2022, GREY = 0x646A6E, PAPER = 0xFFFFFF, NONE = -1, GROUND = -2 };
+enum { INK = 0x1D2022, GREY = 0x646A6E, PAPER = 0xFFFFFF, NONE = -1, BACKGROUND = -2 };
 enum { BLUE = 0xD77538, RED = 0x2B39C0, GREEN = 0x578B2E, GOLD = 0x0E77B9 };
 enum { RIGHT = 0x200, LEFT = 0x400, UNDERLINED = 0x800 };
 
@@ -59,7 +59,7 @@ static void Elements(int x, int y) {
     XwDrawText(FT_BUTTON, 0, x + i * 78, y + 24, 70, 24, states[i], i ? INK : 0xB0ACA8, NONE);
   }
   XwDrawHole(x, y + 60, 70, 28, RED);
-  XwDrawHole(x + 78, y + 60, 70, 28, GROUND);
+  XwDrawHole(x + 78, y + 60, 70, 28, BACKGROUND);
   XwDrawSeparator(x + 160, y + 74, 66, 0);
   XwDrawProgress(x, y + 106, 226, 12, 128);
   XwDrawTable(x, y + 132, 7, 22, columns);

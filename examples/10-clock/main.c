@@ -8,7 +8,7 @@
 
 #include "toolkit/xw.h"
 
-enum { INK = 0x26211D, FACE = 0xFFFFFF, RIM = 0xC9C2BC, RED = 0x2B39C0, GROUND = 0xF4F1EE };
+enum { INK = 0x26211D, FACE = 0xFFFFFF, RIM = 0xC9C2BC, RED = 0x2B39C0, BACKGROUND = 0xF4F1EE };
 enum { FRAME = 16, SIDE = 300, LEAST = 120 }; /* milliseconds; logical pixels */
 #define TURN 6.28318530717958648
 
@@ -131,13 +131,13 @@ static int Handle(int type) {
 }
 
 int main(int count, char** words) {
-  static const int32_t ground = GROUND;
+  static const int32_t background = BACKGROUND;
   int hour, minute, second;
   if (count > 1 && sscanf(words[1], "%d:%d:%d", &hour, &minute, &second) == 3)
     fixed = hour * 3600 + minute * 60 + second;
   XwSession("clock", "Clock", 7);
   window = XwCreate(0, 120, 120, SIDE, SIDE, Handle);
-  XwSetGround(window, &ground, 0);
+  XwSetGround(window, &background, 0);
   XwSetSizes(window, LEAST, LEAST, 0, 0, 0, 0);
   XwShow(window, 1);
   if (fixed < 0) XwTimer(window, 1, FRAME);

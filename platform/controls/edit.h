@@ -54,6 +54,8 @@ inline Edit& EditOf(const Control* c) {
 }
 
 // --- edit_text.cc
+// A live edit box.
+bool IsEditText(ControlRef c);
 // The text, the caret or the selection has changed: scrolls to the caret and draws the box.
 void ShowEdit(Control* c);
 // The user has done something: the caret is on, and blinks for another while.

@@ -1,6 +1,9 @@
 // What keys and the context menu do in an edit box, and the clipboard.
+#include <optional>
+
 #include "platform/access/access.h"
 #include "platform/controls/edit.h"
+#include "platform/events/context_key.h"
 #include "platform/events/key_characters.h"
 #include "platform/menus/menus.h"
 
@@ -9,22 +12,26 @@ namespace {
 
 constexpr int kPasteTime = 2000;   // milliseconds
 constexpr size_t kMostPastes = 8;  // that may wait at once
-constexpr uint32_t kMenuKeysym = 0xFF67, kF10Keysym = 0xFFC7;
 constexpr uint32_t kShift = shiftKey | rightShiftKey, kControl = controlKey | rightControlKey;
 constexpr uint32_t kHeld = kShift | kControl | cmdKey | optionKey | rightOptionKey;
 
-// Of the context menu, in its order; 0 is a separator.
-enum class Command : uint8_t { kSeparator, kUndo, kRedo, kCut, kCopy, kPaste, kDelete, kAll };
+using Command = EditCommand;
+
+// Of the context menu, in its order; an empty text is a separator.
 struct CommandRow {
   Command command;
   const char* text;
   const char* key;
 };
 constexpr CommandRow kCommands[] = {
-    {Command::kUndo, "Undo", "Ctrl+Z"},      {Command::kRedo, "Redo", "Ctrl+Y"},
-    {Command::kSeparator, "", ""},           {Command::kCut, "Cut", "Ctrl+X"},
-    {Command::kCopy, "Copy", "Ctrl+C"},      {Command::kPaste, "Paste", "Ctrl+V"},
-    {Command::kDelete, "Delete", "Del"},     {Command::kSeparator, "", ""},
+    {Command::kUndo, "Undo", "Ctrl+Z"},
+    {Command::kRedo, "Redo", "Ctrl+Y"},
+    {{}, "", ""},
+    {Command::kCut, "Cut", "Ctrl+X"},
+    {Command::kCopy, "Copy", "Ctrl+C"},
+    {Command::kPaste, "Paste", "Ctrl+V"},
+    {Command::kDelete, "Delete", "Del"},
+    {{}, "", ""},
     {Command::kAll, "Select All", "Ctrl+A"},
 };
 
@@ -109,20 +116,14 @@ constexpr ShortcutRow kShortcuts[] = {
     {kDeleteKey, kShift, Command::kCut},
 };
 
-Command ShortcutOf(const Event& e) {
+std::optional<Command> ShortcutOf(const Event& e) {
   uint8_t character = e.key.character;
   if (character >= 'A' && character <= 'Z') character |= 32;
   const uint32_t held = e.key.modifiers & kHeld;
   for (const ShortcutRow& row : kShortcuts)
     if (row.character == character && (held & row.modifier) && !(held & ~row.modifier))
       return row.command;
-  return Command::kSeparator;
-}
-
-bool OpensMenu(const Event& e) {
-  const uint32_t held = e.key.modifiers & kHeld;
-  return e.key.keysym == kMenuKeysym ||
-         (e.key.keysym == kF10Keysym && (held & kShift) && !(held & ~kShift));
+  return std::nullopt;
 }
 
 struct MoveRow {
@@ -207,7 +208,7 @@ void OpenEditMenu(Control* c, Point at) {
   for (const CommandRow& row : kCommands) {
     const int item = AppendMenuItemText(menu, row.text);
     SetMenuItemKeyText(menu, item, row.key);
-    if (row.command == Command::kSeparator)
+    if (!*row.text)
       ChangeMenuItemAttributes(menu, item, kMenuItemAttrSeparator, 0);
     else if (!CanDo(c, row.command))
       DisableMenuItem(menu, item);
@@ -220,8 +221,19 @@ void OpenEditMenu(Control* c, Point at) {
   if (Do(c, kCommands[chosen - 1].command)) Tell(c);
 }
 
+bool CanEditText(ControlRef c, EditCommand command) {
+  return IsEditText(c) && CanDo(c, command);
+}
+
+void EditTextBy(ControlRef c, EditCommand command) {
+  if (!IsEditText(c)) return;
+  DispatchScope scope;  // the record stays
+  WakeCaret(c);
+  if (Do(c, command)) Tell(c);
+}
+
 bool EditKey(Control* c, const Event& e) {
-  if (OpensMenu(e)) {
+  if (OpensContextMenu(e)) {
     if (e.kind == kEventRawKeyDown) {
       const Rect caret = CaretRect(c);
       OpenEditMenu(c, {caret.left, caret.bottom});
@@ -230,7 +242,7 @@ bool EditKey(Control* c, const Event& e) {
   }
   if (e.key.character == kTabKey) return false;
   WakeCaret(c);
-  const Command shortcut = ShortcutOf(e);
+  const std::optional<Command> shortcut = ShortcutOf(e);
   // Pasting tells of itself when the text has come.
   const bool filtered = !(e.key.modifiers & (kControl | cmdKey)) && shortcut != Command::kPaste;
   Event key = e;
@@ -238,13 +250,13 @@ bool EditKey(Control* c, const Event& e) {
   if (filtered && EditOf(c).filter && !EditOf(c).filter(c, &key)) return true;
   if (!IsValidControl(c)) return true;
   bool changed = false;
-  if (shortcut != Command::kSeparator)
-    changed = Do(c, shortcut);
+  if (shortcut)
+    changed = Do(c, *shortcut);
   else
     changed = Apply(c, key);
   if (changed && !filtered) Tell(c);
   // What else is held with Control may be a menu's as well.
-  return filtered || shortcut != Command::kSeparator;
+  return filtered || shortcut;
 }
 
 }  // namespace platform

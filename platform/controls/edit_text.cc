@@ -174,7 +174,7 @@ constexpr KindRow MakeKind() {
 }
 
 Edit* Find(ControlRef c) {
-  return IsValidControl(c) && c->kind == &kEditTextKind ? &EditOf(c) : nullptr;
+  return IsEditText(c) ? &EditOf(c) : nullptr;
 }
 
 // A program's text: one line, whole.
@@ -190,6 +190,10 @@ std::string OneLine(std::string_view text) {
 }
 
 }  // namespace
+
+bool IsEditText(ControlRef c) {
+  return IsValidControl(c) && c->kind == &kEditTextKind;
+}
 
 const KindRow kEditTextKind = MakeKind();
 

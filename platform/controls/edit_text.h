@@ -30,6 +30,11 @@ std::string GetEditText(ControlRef c);
 // From the one to the other character, cut to the text. The caret stands at the end. What the
 // pointer has selected while the box was getting the keyboard stays.
 void SelectEditText(ControlRef c, int first, int last);
+// What its context menu has, too.
+enum class EditCommand : uint8_t { kUndo, kRedo, kCut, kCopy, kPaste, kDelete, kAll };
+bool CanEditText(ControlRef c, EditCommand command);
+// As by its menu; what cannot be done does nothing.
+void EditTextBy(ControlRef c, EditCommand command);
 // What an input method is composing, at the caret; it is shown, and no part of the text.
 void SetEditPreedit(ControlRef c, const char* utf8);
 // In the content of the window; empty while the box has not the keyboard.

@@ -1,4 +1,5 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/alert_sound.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursor.cc
   ${CMAKE_CURRENT_LIST_DIR}/displays.cc
   ${CMAKE_CURRENT_LIST_DIR}/pop_up.cc

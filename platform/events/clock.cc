@@ -7,34 +7,26 @@
 namespace platform {
 namespace {
 
-struct Clock {
-  double (*now)() = nullptr;
-  void (*beep)() = nullptr;
-};
-Clock clock_in_use;
+double (*display_now)() = nullptr;
 
 }  // namespace
 
 double GetCurrentEventTime() {
-  if (clock_in_use.now) return clock_in_use.now();
+  if (display_now) return display_now();
   timespec t;
   clock_gettime(CLOCK_MONOTONIC, &t);
   return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
 }
 
 int64_t GetTimeOfDayMicroseconds() {
-  if (clock_in_use.now) return int64_t(clock_in_use.now() * 1e6 + 0.5);
+  if (display_now) return int64_t(display_now() * 1e6 + 0.5);
   timeval t;
   gettimeofday(&t, nullptr);
   return int64_t{t.tv_sec} * 1000000 + t.tv_usec;
 }
 
-void AlertSoundPlay() {
-  if (clock_in_use.beep) clock_in_use.beep();
-}
-
-void SetClock(double (*now)(), void (*beep)()) {
-  clock_in_use = {now, beep};
+void SetClock(double (*now)()) {
+  display_now = now;
 }
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// The time, and the sound that asks for attention.
+// The time.
 #pragma once
 #include <cstdint>
 
@@ -8,9 +8,8 @@ namespace platform {
 double GetCurrentEventTime();
 // Wall clock in microseconds, as programs see it: derived from the same clock where it is stepped.
 int64_t GetTimeOfDayMicroseconds();
-void AlertSoundPlay();
 
-// What the display does of this. Null: the system's clock, no sound.
-void SetClock(double (*now)(), void (*beep)());
+// The display's clock; null: the system's.
+void SetClock(double (*now)());
 
 }  // namespace platform

@@ -125,7 +125,7 @@ bool PassesOver(const RecordLine& line) {
     r.awaited_since = now;
     r.awaited_after = r.next > 0 ? r.lines[r.next - 1].time : 0;
   }
-  return GoesOnWithout(line, r.awaited_after, now - r.awaited_since);
+  return ShouldSkipResult(line, r.awaited_after, now - r.awaited_since);
 }
 
 // Nobody else could end it: on a display whose time is stepped nothing comes any more.

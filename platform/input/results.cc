@@ -222,7 +222,7 @@ void KeepResults(bool all) {
 
 // A state that comes later in the recording is there already, or is that of before: then this one
 // has passed by unseen.
-bool GoesOnWithout(const RecordLine& line, double before, double waited) {
+bool ShouldSkipResult(const RecordLine& line, double before, double waited) {
   double patience = replay.missed.count(line.what) ? kShortPatience : kPatience;
   const auto taken = replay.taken.find(line.what);
   bool came_round = taken != replay.taken.end() && !taken->second.empty();

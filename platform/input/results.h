@@ -39,6 +39,6 @@ struct RecordLine;
 void KeepResults(bool all);
 // The replay has waited for the result of this line for `waited` seconds; the line before it is of
 // the time `before`. True when it goes on without it.
-bool GoesOnWithout(const RecordLine& line, double before, double waited);
+bool ShouldSkipResult(const RecordLine& line, double before, double waited);
 
 }  // namespace platform

@@ -38,7 +38,7 @@ OpenResult Open(const Display* d, const char* session_name) {
   const OpenResult result = d->open(session_name);
   if (result == OpenResult::kNotHere) return result;
   SetCurrentDisplay(d, session_name);
-  SetClock(d->now, d->beep);
+  SetClock(d->now);
   if (d->descriptors) AddWaitSource({d->descriptors});
   return result;
 }
@@ -113,7 +113,7 @@ void FinishPlatform() {
   FinishTimers();
   d->close();
   SetCurrentDisplay(nullptr, "");
-  SetClock(nullptr, nullptr);
+  SetClock(nullptr);
   FinishSources();
   FinishRawEvents();
   FinishTargets();

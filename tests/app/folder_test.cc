@@ -138,11 +138,11 @@ TEST_F(FolderTest, OneThatStopsAnsweringWhileItIsShownSaysSo) {
 TEST_F(FolderTest, TooManyThatHangAreRefused) {
   Open("127.0.0.0");
   CloseGate();
-  for (int i = 0; i < 100 && c_->status.message().good; ++i) {
+  for (int i = 0; i < 100 && c_->status.message().tone != Tone::kBad; ++i) {
     EnterFolder(c_, home_.At("hangs/" + std::to_string(i)), "");
     Turn();
   }
-  EXPECT_FALSE(c_->status.message().good);
+  EXPECT_EQ(c_->status.message().tone, Tone::kBad);
   EXPECT_LE(gate->Waiting(), 40);
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   gate->Open();
@@ -168,6 +168,8 @@ TEST_F(FolderTest, TheFilterShowsWhatMatchesUntilEscape) {
   EXPECT_EQ(Selected(), "");
   EXPECT_EQ(type("*.PDF,*.tif"), 3);
   EXPECT_EQ(c_->files.folder.rows().CountText().find("3 of 4"), 0u);
+  EXPECT_EQ(Selected(), "b.tif") << "it was hidden, and stayed selected";
+  EXPECT_EQ(type("*.pdf"), 2);
   EXPECT_EQ(c_->stop, FocusStop::kFilter);
   // Return goes to the files, Escape shows all again and keeps the selection.
   Key(kReturnKey);
@@ -217,7 +219,7 @@ TEST_F(FolderTest, UpLeadsToTheNearestThatIsThere) {
   EXPECT_EQ(Selected(), "a");
   Enter(home_.At("a/b"));
   EXPECT_EQ(c_->files.folder.path(), home_.path());
-  EXPECT_FALSE(c_->status.message().good);
+  EXPECT_EQ(c_->status.message().tone, Tone::kBad);
 }
 
 TEST_F(FolderTest, AFolderThatGoesAwayIsShownEmptyAndComesBack) {

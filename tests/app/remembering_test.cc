@@ -87,7 +87,7 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   Open("127.0.0.9:1");
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
   Turn(2);
-  const XwWindow* button = c_->status.start_server;  // a menu's item has the same name
+  const XwWindow* button = c_->banner.start_server;  // a menu's item has the same name
   Click({button->x, button->y, button->width, button->height});
   EXPECT_FALSE(CanStartServer(c_));
   ASSERT_TRUE(Until([&] { return CanStartServer(c_); }));

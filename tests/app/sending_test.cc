@@ -81,6 +81,46 @@ TEST_F(SendingTest, AnotherSelectionStays) {
   EXPECT_EQ(c_->queue.table.selected(), -1);
 }
 
+// Several documents are printed at once, without the folder that is selected beside them; their
+// jobs are held at once. While a row is held nothing moves under the pointer.
+TEST_F(SendingTest, SeveralAreOneChoice) {
+  server_.Listen();
+  for (const char* name : {"1.txt", "2.txt", "3.txt"}) home_.File(name, Bytes(900));
+  Open(address_);
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  Click(FileRow("Empty"));
+  display::Modifiers(platform::shiftKey);
+  Click(FileRow("3.txt"));
+  display::Modifiers(platform::controlKey);
+  Click(FileRow("2.txt"));
+  Key('p', 'p');
+  display::Modifiers(0);
+  ASSERT_TRUE(QueueIs(0, 2));
+  Click(c_->queue.table.RowArea(0));
+  display::Modifiers(platform::controlKey);
+  Key('a', 'a');
+  display::Modifiers(0);
+  Click(c_->layout.hold_job);
+  ASSERT_TRUE(Until([&] {
+    const auto& jobs = *c_->state.jobs;
+    return std::all_of(jobs.begin(), jobs.end(),
+                       [](const NC_Job& job) { return job.state == NC_JOB_HELD; });
+  }));
+
+  const Area row = FileRow("3.txt");
+  display::MovePointer(c_->window->x + row.x + 9, c_->window->y + row.y + 9);
+  display::Press(1);
+  Turn(2);
+  home_.File("0.txt", "x");
+  RefreshFolder(c_);
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(FileRow("3.txt").y, row.y);
+  display::Release(1);
+  Turn(2);
+  EXPECT_GT(FileRow("3.txt").y, row.y);
+  EXPECT_EQ(Selected(), "3.txt");
+}
+
 // The question before closing counts what was printed since the last tick, and ends the drag that
 // it covers.
 TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {

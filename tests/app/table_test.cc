@@ -22,12 +22,35 @@ std::vector<Column> ThreeColumns() {
           {"Size", 100, 0, Align::kRight, true, 1}};
 }
 
-Table MakeTable(const Area& a, int rows) {
-  Table t(kOwner, ThreeColumns(), [](int, int, const CellLook&) {});
-  t.Place(a);
-  t.SetRows(rows);
-  return t;
-}
+// Rows that are numbers.
+struct Numbers {
+  int n = 0;
+  int count() const { return n; }
+  int IdAt(int row) const { return row; }
+  int RowOf(int id) const { return id < n ? id : -1; }
+  bool Has(int id) const { return id < n; }
+};
+
+struct NumberTable {
+  NumberTable(
+      const Area& a, int n, std::vector<Column> columns = ThreeColumns(),
+      Table::DrawCell draw = [](int, int, const CellLook&) {})
+      : table(kOwner, std::move(columns), std::move(draw), &selection) {
+    table.Place(a);
+    SetRows(n);
+  }
+  NumberTable(const NumberTable&) = delete;
+  void SetRows(int n) {
+    numbers.n = n;
+    selection.Renew();
+    table.SetRows(n);
+  }
+  Table* operator->() { return &table; }
+
+  Numbers numbers;
+  SelectionOf<Numbers, int> selection{numbers};
+  Table table;
+};
 
 TEST(Columns, FillTheWidthAndDropByRank) {
   const struct {
@@ -39,7 +62,8 @@ TEST(Columns, FillTheWidthAndDropByRank) {
       {395, 99, {true, true, true}}, {394, 99, {true, false, true}},
   };
   for (const auto& row : kRows) {
-    const Table t = MakeTable({10, 20, row.width, 200}, row.rows);
+    NumberTable list({10, 20, row.width, 200}, row.rows);
+    Table& t = list.table;
     int x = t.Body().x;
     for (int i = 0; i < 3; ++i) {
       const Area c = t.ColumnArea(i);
@@ -69,14 +93,15 @@ TEST(Columns, ABorderMovesRoomFromOneToTheOther) {
       {2, 50, {365, 135, 100}},  {7, 50, {365, 135, 100}},
   };
   for (const auto& row : kRows) {
-    Table t = MakeTable({10, 20, 600, 200}, 3);
+    NumberTable list({10, 20, 600, 200}, 3);
+    Table& t = list.table;
     ASSERT_EQ(Widths(t), (std::vector<int>{365, 135, 100}));
     const int x = t.ColumnArea(row.border).right() + 2;  // a little beside it
     t.Press({kOwner, Table::kBorder, row.border}, x);
-    t.Drag(x + row.by / 2);
-    t.Drag(x + row.by);
+    t.Drag(x + row.by / 2, 30);
+    t.Drag(x + row.by, 30);
     t.Release();
-    EXPECT_FALSE(t.Drag(x));
+    EXPECT_FALSE(t.Drag(x, 30));
     EXPECT_EQ(Widths(t), row.after) << row.border << " " << row.by;
     // They stay so in the same room, and give and take in another one.
     t.Place({10, 20, 500, 200});
@@ -104,7 +129,8 @@ TEST(Keys, MoveTheSelectionAndKeepItInSight) {
       {-1, XWE_PAGE_DOWN, 9}, {-1, XWE_END, 99},
   };
   for (const auto& row : kRows) {
-    Table t = MakeTable({0, 0, 500, 22 + 10 * 22 + 7}, 100);
+    NumberTable list({0, 0, 500, 22 + 10 * 22 + 7}, 100);
+    Table& t = list.table;
     t.Select(row.from);
     EXPECT_TRUE(t.Key(row.key));
     EXPECT_EQ(t.selected(), row.to) << row.from << " " << row.key;
@@ -112,7 +138,8 @@ TEST(Keys, MoveTheSelectionAndKeepItInSight) {
     EXPECT_GE(a.y, body.y);
     EXPECT_LE(a.bottom(), body.bottom());
   }
-  Table empty = MakeTable({0, 0, 500, 200}, 0);
+  NumberTable none({0, 0, 500, 200}, 0);
+  Table& empty = none.table;
   for (int key : {XWE_UP, XWE_DOWN, XWE_HOME, XWE_END, XWE_PAGE_UP, XWE_PAGE_DOWN}) {
     EXPECT_TRUE(empty.Key(key));
     EXPECT_EQ(empty.selected(), -1);
@@ -120,10 +147,86 @@ TEST(Keys, MoveTheSelectionAndKeepItInSight) {
   EXPECT_FALSE(empty.Key(XWE_RETURN));
 }
 
+std::string Chosen(const NumberTable& list) {
+  std::string all;
+  for (const int id : list.selection.Ids()) all += std::to_string(id) + " ";
+  return all;
+}
+
+// Ten whole rows of a hundred are in sight, from row 20 on; the pointer is dragged from row to row,
+// and beyond the edges, where the table scrolls on.
+TEST(Dragging, SelectsRowsAndScrollsBeyondTheEdge) {
+  NumberTable list({0, 0, 500, 22 + 10 * 22}, 100);
+  Table& t = list.table;
+  t.ScrollTo(20 * 22);
+  const auto middle = [&t](int row) { return t.RowArea(row).y + 11; };
+  const auto press = [&t](int row, SelectionKeys keys = {}) {
+    t.Press({kOwner, Table::kRow, row}, 5, keys);
+  };
+  press(22);
+  EXPECT_FALSE(t.Drag(9, middle(22) + 3)) << "a hand that shakes drags nothing";
+  EXPECT_TRUE(t.Drag(9, middle(24)));
+  t.Release();
+  EXPECT_EQ(Chosen(list), "22 23 24 ");
+  press(27, {false, true});
+  t.Drag(9, middle(26));
+  EXPECT_EQ(Chosen(list), "22 23 24 26 27 ");
+  t.Drag(9, middle(28));
+  EXPECT_EQ(Chosen(list), "22 23 24 27 28 ");
+  EXPECT_FALSE(t.ScrollsByDrag());
+  t.Release();
+  // One of the selected: from there, and not from where the last range began.
+  press(23);
+  EXPECT_EQ(Chosen(list), "22 23 24 27 28 ");
+  t.Drag(9, t.Body().bottom() + 8);
+  EXPECT_EQ(Chosen(list), "23 24 25 26 27 28 29 ");
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(t.ScrollByDrag());
+  EXPECT_EQ(t.top(), 20 * 22 + 3 * 9);
+  EXPECT_EQ(list.selection.Ids().back(), 31);
+  t.Drag(9, t.Body().y - 4000);
+  for (int i = 0; i < 60; ++i) t.ScrollByDrag();
+  EXPECT_EQ(t.top(), 0);
+  EXPECT_EQ(list.selection.Ids().size(), 24u);
+  t.Release();
+  EXPECT_FALSE(t.Drag(9, middle(5)));
+  // Fewer rows come while one is held.
+  press(8);
+  t.Drag(9, middle(9));
+  list.SetRows(4);  // the keyboard goes to the last
+  EXPECT_TRUE(t.Drag(9, middle(2)));
+  t.Release();
+  EXPECT_EQ(Chosen(list), "2 3 ");
+}
+
+TEST(Keys, SelectRangesWithShiftAndWalkWithControl) {
+  const SelectionKeys kShift{true, false}, kControl{false, true};
+  NumberTable list({0, 0, 500, 22 + 10 * 22}, 100);
+  Table& t = list.table;
+  t.Select(5);
+  t.Key(XWE_DOWN, kShift);
+  t.Key(XWE_DOWN, kShift);
+  EXPECT_EQ(Chosen(list), "5 6 7 ");
+  EXPECT_EQ(t.selected(), -1);
+  t.Key(XWE_END, kControl);
+  EXPECT_EQ(Chosen(list), "5 6 7 ");
+  EXPECT_EQ(t.focus(), 99);
+  EXPECT_EQ(t.top(), 90 * 22) << "the row with the keyboard is in sight";
+  EXPECT_FALSE(t.Key(' ')) << "without Control it is not the table's";
+  EXPECT_TRUE(t.Key(' ', kControl));
+  EXPECT_EQ(Chosen(list), "5 6 7 99 ");
+  t.Key(XWE_UP, {true, true});
+  EXPECT_EQ(Chosen(list), "5 6 7 98 99 ");
+  t.Key(XWE_PAGE_UP, kShift);
+  EXPECT_EQ(list.selection.Ids().size(), 11u);
+  t.Key(XWE_HOME);
+  EXPECT_EQ(Chosen(list), "0 ");
+}
+
 TEST(Scrolling, StaysWithinItsBoundsWhateverComes) {
   std::mt19937 random(7);
   auto below = [&random](int n) { return int(random() % unsigned(n)); };
-  Table t = MakeTable({0, 0, 400, 300}, 40);
+  NumberTable list({0, 0, 400, 300}, 40);
+  Table& t = list.table;
   for (int i = 0; i < 20000; ++i) {
     switch (below(6)) {
       case 0:
@@ -133,14 +236,15 @@ TEST(Scrolling, StaysWithinItsBoundsWhateverComes) {
         t.Place({below(50), below(50), below(700), below(400)});
         break;
       case 2:
-        t.SetRows(below(3) ? below(60) : below(100000000));
+        list.SetRows(below(30) ? below(60) : below(100000));
         break;
       case 3:
         t.Select(below(70) - 5);
         break;
       case 4:
         t.Press({kOwner, 1 + below(4), below(80)}, below(700));
-        t.Drag(below(2000) - 500);
+        t.Drag(below(2000) - 500, below(500) - 50);
+        t.ScrollByDrag();
         t.Release();
         break;
       default:
@@ -155,7 +259,8 @@ TEST(Scrolling, StaysWithinItsBoundsWhateverComes) {
 }
 
 TEST(Scrolling, WheelAddsUpPartsOfPixels) {
-  Table t = MakeTable({0, 0, 400, 22 + 220}, 100);
+  NumberTable list({0, 0, 400, 22 + 220}, 100);
+  Table& t = list.table;
   for (int i = 0; i < 10; ++i) t.Wheel(0.5f);
   EXPECT_EQ(t.top(), 5);
 }
@@ -217,7 +322,8 @@ class OnAWindow : public testing::Test {
 };
 
 TEST_F(OnAWindow, EveryPixelOfARowHitsThatRow) {
-  Table t = MakeTable({15, 31, 380, 251}, 60);
+  NumberTable list({15, 31, 380, 251}, 60);
+  Table& t = list.table;
   for (int top : {0, 7, 22, 1000, 100000}) {
     t.ScrollTo(top);
     Hits hits;
@@ -243,11 +349,12 @@ TEST_F(OnAWindow, EveryPixelOfARowHitsThatRow) {
 
 TEST_F(OnAWindow, NothingIsDrawnOutsideAndTextIsCutAtALetter) {
   const Style& l = TheStyle();
-  Table t(kOwner, {{"Wide", 60}, {"Empty", 100}}, [&](int, int column, const CellLook& cell) {
-    if (column == 0) DrawLabel(l.view, Align::kLeft, cell.area, std::string(80, 'W'), cell.ink);
-  });
-  t.Place({20, 10, 300, 200});
-  t.SetRows(40);
+  NumberTable list({20, 10, 300, 200}, 40, {{"Wide", 60}, {"Empty", 100}},
+                   [&](int, int column, const CellLook& cell) {
+                     if (column == 0)
+                       DrawLabel(l.view, Align::kLeft, cell.area, std::string(80, 'W'), cell.ink);
+                   });
+  Table& t = list.table;
   t.ScrollTo(13);
   Draw(&t);
   const Area body = t.Body(), first = t.ColumnArea(0);
@@ -280,7 +387,8 @@ TEST_F(OnAWindow, NothingIsDrawnOutsideAndTextIsCutAtALetter) {
 }
 
 TEST_F(OnAWindow, TheSelectionTellsWhetherItHasTheKeyboard) {
-  Table t = MakeTable({0, 0, 400, 300}, 5);
+  NumberTable list({0, 0, 400, 300}, 5);
+  Table& t = list.table;
   t.Select(2);
   const Area row = t.RowArea(2);
   const struct {

@@ -48,21 +48,6 @@ void (*const kCalls[])() = {
 
 }  // namespace
 
-TEST(State, LinesThatAreNoneAndOneRowUp) {
-  Canvas c(40, 40);
-  XwSetColor(kRedColour);
-  const int16_t line[] = {2, 10, 6, 10}, top[] = {2, 0, 6, 0};
-  XwDrawLines(top, 2);
-  for (int count : {1, 0, -5}) XwDrawLines(line, count);
-  XwDrawLines(nullptr, 5);
-  XwFillPolygon(nullptr, 5);
-  XwFillPolygon(line, 2);
-  EXPECT_EQ(Painted(c), 0);
-  XwDrawLines(line, 2);
-  EXPECT_EQ(c.at(2, 9), kRed);
-  EXPECT_EQ(Painted(c), 5);
-}
-
 TEST(State, DashesStayAndChangeOnlyLines) {
   Canvas c(40, 40);
   const uint8_t pattern[] = {2, 2, 0}, none[] = {0};
@@ -270,65 +255,6 @@ TEST(Icons, ReadOnlyTheirBits) {
   XwDrawIcon(IC_ARROWS, INT_MIN, INT_MIN, INT_MAX, INT_MAX, 0, 0);
   XwDrawIcon(IC_ARROWS, -1000000, -1000000, INT_MAX, INT_MAX, 0, 0);
   EXPECT_EQ(Painted(c), 1600);
-}
-
-// Every call with every combination of hard numbers, with and without dashes, at two scales; the
-// pixels around the target stay as they were.
-TEST(BadArguments, AnyNumbers) {
-  const int numbers[] = {INT_MIN, INT_MIN + 1, -70000, -1, 0, 1, 17, 70000, INT_MAX - 1, INT_MAX};
-  const int16_t points[] = {-32768, 32767, 32767, -32768, 5, 5, 32767, 32767, 0, 0, -32768, -32768};
-  const uint8_t dashes[] = {1, 255, 3, 0};
-  const int widths[] = {INT_MAX, INT_MIN, 5, INT_MAX, 0};
-  uint8_t pixel[4] = {1, 2, 3, 4};
-  for (double scale : {1.0, 1.5}) {
-    Canvas c(40, 40, scale, 3, 2);
-    for (int pass = 0; pass < 2; ++pass) {
-      if (pass) XwSetDashes(dashes, INT_MIN, 1, 2);
-      for (int x : numbers)
-        for (int y : numbers)
-          for (int w : numbers)
-            for (int h : numbers) {
-              XwBox(x, y, w, h, 0);
-              XwDrawRect(x, y, w, h);
-              XwDrawLine(x, y, w, h);
-              XwFillEllipse(x, y, w, h);
-              XwDrawEllipse(x, y, w, h);
-              XwDrawBevel(x, y, w, h, 1);
-              XwDrawHole(x, y, w, h, -2);
-              XwDrawSeparator(x, y, w, h);
-              XwDrawProgress(x, y, w, h, w);
-              XwDrawIcon(IC_CHECKBOX, x, y, w, h, 0, 1);
-              XwDrawText(nullptr, 0, x, y, w, h, "text", 0, -2);
-              XwClear(x, y, w, h);
-              XwDrawTable(x, y, w, h, widths);
-            }
-      XwDrawLines(points, 6);
-      XwFillPolygon(points, 6);
-    }
-    XwSetDashes(nullptr, 0, 0, 0);
-    for (int x : numbers) XwPutImageData(x, x, 1, 1, pixel);
-    DeviceRect target{DeviceEdge(3, scale), DeviceEdge(2, scale), DeviceEdge(43, scale),
-                      DeviceEdge(42, scale)};
-    for (int y = 0; y < c.surface().height; ++y) {
-      for (int x = 0; x < c.surface().width; ++x) {
-        if (target.contains({x, y})) continue;
-        ASSERT_EQ(c.at(x, y), Canvas::kBlank) << x << ", " << y;
-      }
-    }
-    EXPECT_TRUE(c.GapsUntouched());
-  }
-}
-
-TEST(BadArguments, NothingSelected) {
-  XW = nullptr;
-  for (const auto& call : kCalls) call();
-  XwSetColor(1);
-  XwSetDashes(nullptr, 0, 0, 0);
-  XwSetGround(nullptr, nullptr, 1);
-  XwClip(0, 0, 5, 5);
-  XwFlush();
-  XwSync();
-  EXPECT_EQ(XW, nullptr);
 }
 
 // A context made for pixels that are gone paints nothing.

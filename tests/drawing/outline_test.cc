@@ -228,24 +228,6 @@ TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
   EXPECT_EQ(canvas.at(13, 10) & 0xFFFFFF, 0u);
 }
 
-TEST(Path, PaintsNothingOfWhatItRefuses) {
-  Canvas canvas(kSide, kSide, 1.0);
-  const std::vector<XwPathPart> many(10001, {XWP_LINE, 9, 9, 0, 0, 0, 0});
-  for (int marker : {-1, -2, -10}) XwFillPath(kSquare, 5, marker);
-  XwFillPath(nullptr, 5, 0);
-  XwFillPath(kSquare, 0, 0);
-  XwFillPath(many.data(), int(many.size()), 0);
-  for (float width : {0.f, -1.f, NAN, INFINITY}) XwStrokePath(kSquare, 5, width, 0);
-  XwPathPart bad[5];
-  std::copy(kSquare, kSquare + 5, bad);
-  for (float number : {NAN, INFINITY, -16385.f}) {
-    bad[4].x2 = number;
-    XwFillPath(bad, 5, 0);
-    XwStrokePath(bad, 5, 2, 0);
-  }
-  EXPECT_EQ(InkOf(canvas, kSide).area, 0);
-}
-
 // Nowhere to go: the stroker itself must not see such a line.
 TEST(Path, ALineWithoutALengthIsADot) {
   for (const std::vector<PathPart>& parts :

@@ -129,11 +129,3 @@ TEST_F(Target, Grounds) {
   EXPECT_EQ(Count(0xFFFFFF), 100);
   XwSetGround(reinterpret_cast<XwWindow*>(&colour), nullptr, 1);  // not a window
 }
-
-TEST_F(Target, SyncShows) {
-  XwSet(w_);
-  XwBox(0, 0, 100, 80, kRed);
-  XwFlush();
-  XwSync();
-  EXPECT_TRUE(static_cast<WindowRef>(w_->platform)->surface.damage.empty());
-}

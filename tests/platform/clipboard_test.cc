@@ -133,10 +133,10 @@ TEST_F(Clipboard, AnAnswerComesOnceAndInTime) {
   Ask(Selection::kClipboard, 0);
   Turn();
   EXPECT_EQ(Answers(), "[(none)]");
-  EXPECT_EQ(headless::OpenAsks(), 0);
+  EXPECT_EQ(headless::WaitingTextRequests(), 0);
   const int forgotten = Ask(Selection::kClipboard, 100), third = Ask(Selection::kClipboard, 300);
   Ask(Selection::kClipboard, 200);
-  EXPECT_EQ(headless::OpenAsks(), 3);
+  EXPECT_EQ(headless::WaitingTextRequests(), 3);
   EXPECT_NE(forgotten, third);
   ForgetAsk(forgotten);
   ForgetAsk(forgotten);
@@ -145,13 +145,13 @@ TEST_F(Clipboard, AnAnswerComesOnceAndInTime) {
   EXPECT_EQ(Answers(), "");
   Turn(0.1);
   EXPECT_EQ(Answers(), "[(none)]");
-  EXPECT_EQ(headless::OpenAsks(), 1);
-  headless::AnswerAsks(&text);
+  EXPECT_EQ(headless::WaitingTextRequests(), 1);
+  headless::AnswerTextRequests(&text);
   Turn(1);
   EXPECT_EQ(Answers(), "[late]");
   // Answered, and forgotten before it is dispatched.
   const int own = Ask(Selection::kClipboard);
-  headless::AnswerAsks(&text);
+  headless::AnswerTextRequests(&text);
   ForgetAsk(own);
   ASSERT_TRUE(OfferText(Selection::kPrimary, "mine"));
   ForgetAsk(Ask(Selection::kPrimary));
@@ -234,7 +234,7 @@ std::string Types() {
 void AnswerAfter(double seconds) {
   auto answer = [](EventLoopTimerRef, void*) {
     const std::string text = "at last";
-    headless::AnswerAsks(&text);
+    headless::AnswerTextRequests(&text);
   };
   InstallEventLoopTimer(seconds, 0, answer, nullptr);
 }

@@ -45,19 +45,6 @@ std::string Receive() {
   return out;
 }
 
-TEST(Translate, NeighbouringMotionsMerge) {
-  Open();
-  MovePointer(110, 110);
-  MovePointer(111, 112);
-  headless::Press(1);
-  MovePointer(120, 120);
-  MovePointer(121, 120);
-  headless::Release(1);
-  MovePointer(130, 120);
-  EXPECT_EQ(Receive(),
-            "mous5(111,112) mous1(111,112) mous6(121,120) mous2(121,120) mous5(130,120)");
-}
-
 TEST(Translate, PlacesAtAFractionalScale) {
   setenv("XW_SCALE", "1.25", 1);
   WindowRef w = Open();
@@ -197,24 +184,6 @@ TEST(Configure, LimitsStepsAndThoseWhoInsist) {
   Receive();
   EXPECT_EQ(w->content.width(), 30);
   EXPECT_EQ(w->content.height(), 1850);
-}
-
-TEST(Configure, DockedWindowsFollowTheirLeader) {
-  WindowRef w = Open();
-  WindowGroupRef group = CreateWindowGroup(kWindowGroupAttrMoveTogether);
-  SetWindowGroup(w, group);
-  WindowRef docked = CreateNewWindow(kSimpleWindowClass, 0, {320, 110, 360, 200});
-  WindowRef other = CreateNewWindow(kDocumentWindowClass, 0, {500, 110, 560, 200});
-  SetWindowGroup(docked, group);
-  ShowWindow(docked);
-  ShowWindow(other);
-  Receive();
-  headless::Configure(w, {110, 105, 310, 305});
-  EXPECT_EQ(Receive(), "wind2001") << "no notice of its own";
-  EXPECT_EQ(docked->content, (Rect{330, 115, 370, 205}));
-  EXPECT_EQ(other->content, (Rect{500, 110, 560, 200}));
-  SetWindowBounds(w, {0, 100, 50, 150});
-  EXPECT_EQ(docked->content.left, 220);
 }
 
 TEST(Windows, WhichPartLiesUnderAPoint) {

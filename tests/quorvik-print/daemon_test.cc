@@ -50,41 +50,4 @@ TEST_F(Cli, ListsAndGamut) {
   EXPECT_TRUE(std::filesystem::is_fifo(pipe) && std::filesystem::is_symlink(link));
 }
 
-TEST_F(Cli, NumbersPrintersAndPrintingAgain) {
-  const std::string file = daemon_.WriteFile("file", "text");
-  const std::string config =
-      daemon_.WriteFile("config",
-                        "[printer]\nname=P\nrate=0\n[printer]\nname=Q\nrate=0\n"
-                        "[profile]\nname=Fine\nprinter=P\n");
-  daemon_.Start({"--config", config});
-  const auto ordered = [&] {
-    std::string numbers;
-    const std::string list = Run({"queue", "--tsv"}).out;
-    for (size_t at = 0; (at = list.find('\n', at)) + 1 < list.size(); ++at) numbers += list[at + 1];
-    return numbers;
-  };
-  EXPECT_EQ(Run({"pause", "P", "Q"}).out, "paused P\npaused Q\n");
-  EXPECT_TRUE(Has(Run({"print", "--profile=Fine", file}).out, " 1 file, "));
-  EXPECT_EQ(Run({"print", file, file, file}).code, 0);
-  EXPECT_EQ(Run({"change", "4", "--before", "2"}).code, 0);
-  EXPECT_EQ(ordered(), "1423");
-  EXPECT_EQ(Run({"remove", "2"}).code, 0);
-  // A profile that the new printer lacks is no reason to drop it: the job stays where it is.
-  Outcome outcome = Run({"move", "P", "Q"});
-  EXPECT_EQ(outcome.code, 1);
-  EXPECT_TRUE(Has(outcome.error, "1 file, ")) << outcome.error;
-  EXPECT_TRUE(Has(Run({"queue", "--printer=P", "--state=waiting"}).out, "1 "));
-  EXPECT_EQ(Run({"refuse", "Q"}).code, 0);
-  outcome = Run({"print", "--printer=Q", file});
-  EXPECT_EQ(outcome.code, 1);
-  EXPECT_TRUE(Has(outcome.error, "the printer takes no new jobs")) << outcome.error;
-  EXPECT_EQ(Run({"resume", "P", "Q"}).code, 0);
-  EXPECT_EQ(Run({"print", "--wait", file}).code, 0);
-  EXPECT_TRUE(Eventually([&] { return !Has(Run({"queue"}).out, "waiting"); }));
-  EXPECT_EQ(Run({"again", "1"}).code, 0);
-  EXPECT_TRUE(Eventually([&] { return Has(Run({"queue", "1", "--tsv"}).out, "\n1\tdone\t"); }));
-  EXPECT_EQ(Run({"remove", "--all", "--yes"}).code, 0);
-  EXPECT_EQ(Run({"queue", "--json"}).out, "[]\n");
-}
-
 }  // namespace

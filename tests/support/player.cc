@@ -7,7 +7,6 @@
 #include "platform/windows/windows.h"
 #include "tests/support/script.h"
 #include "toolkit/core/alive.h"
-#include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
 
 namespace support {
@@ -16,8 +15,7 @@ namespace {
 
 namespace input = platform::headless;
 
-constexpr double kPause = 0.001;      // between lines
-constexpr int kEndOfScript = 0x5C21;  // a type that no handler gets: it has no window
+constexpr double kPause = 0.001;  // between lines
 
 struct Player {
   Script script;
@@ -49,17 +47,14 @@ void Inject(const Step& s, XwWindow* w) {
       input::Scroll(float(s.a), float(s.b));
       break;
     case Step::kKey:
-      input::KeyDown(s.bits);
-      input::KeyUp(s.bits);
+      input::KeyDown(s.symbol);
+      input::KeyUp(s.symbol);
       break;
     case Step::kHold:
-      input::KeyDown(s.bits);
+      input::KeyDown(s.symbol);
       break;
     case Step::kRelease:
-      input::KeyUp(s.bits);
-      break;
-    case Step::kModifiers:
-      input::Modifiers(s.bits);
+      input::KeyUp(s.symbol);
       break;
     case Step::kWait:
       break;
@@ -74,18 +69,6 @@ void Inject(const Step& s, XwWindow* w) {
       break;
     case Step::kUnfocus:
       input::Focus(nullptr);
-      break;
-    case Step::kLose:
-      input::Lose(NativeWindow(w));
-      break;
-    case Step::kOpen:
-      input::OpenFile(s.path.c_str());
-      break;
-    case Step::kPreferences:
-      input::Preferences();
-      break;
-    case Step::kQuit:
-      input::Quit();
       break;
   }
 }
@@ -113,21 +96,6 @@ void NextLine(platform::EventLoopTimerRef timer, void*) {
 void StartPlaying(const Script& script, XwWindow* w, std::function<void()> at_end) {
   player = {script, 0, w, std::move(at_end)};
   platform::InstallEventLoopTimer(kPause, kPause, NextLine, nullptr);
-}
-
-int Play(const Script& script, XwWindow* w) {
-  static XwEvent before_end;
-  StartPlaying(script, w, [] {
-    before_end = Inp;
-    XwEvent end = Inp;
-    end.window = nullptr;
-    end.type = kEndOfScript;
-    PostEvent(end);
-  });
-  const int type = XwWaitEvent(nullptr);
-  if (type != kEndOfScript) return type;
-  Inp = before_end;
-  return 0;
 }
 
 }  // namespace support

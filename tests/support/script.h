@@ -7,11 +7,10 @@
 //     scroll 0 3            # logical pixels, right and down
 //     key a                 # pressed and released: a character, or a name (Return, F4, Left ...)
 //     hold Shift_L; key a; release Shift_L
-//     modifiers shift control   # the headless display only; none: no word
 //     wait 250              # milliseconds
 //     resize 360 240        # the user gives the content this size
 //     close                 # asks for it
-//     unfocus; focus; lose; preferences; quit; open /a/file      # the headless display only
+//     unfocus; focus
 //
 // Steps of one line, separated by "; ", come together; the next line comes when the program has
 // come to rest after them.
@@ -36,35 +35,23 @@ struct Step {
     kKey,
     kHold,
     kRelease,
-    kModifiers,
     kWait,
     kResize,
     kClose,
     kFocus,
-    kUnfocus,
-    kLose,
-    kOpen,
-    kPreferences,
-    kQuit
+    kUnfocus
   } verb;
   int line = 0;             // steps of one line come together
   int a = 0, b = 0, c = 0;  // numbers, as written
-  uint32_t bits = 0;        // a key's symbol; modifier bits
-  std::string path;
+  uint32_t symbol = 0;      // of a key
 };
 using Script = std::vector<Step>;
 
-// False with `error` ("line 3: ...") when the text is faulty.
-bool ParseScript(std::string_view text, Script* script, std::string* error);
-// A script written in a test: a faulty one ends the process with its error.
+// A faulty text ends the process with a line that says where.
 Script MakeScript(std::string_view text);
 
-// Plays on the headless display, with the stepped clock or the system's: runs the loop until the
-// script is over, what it caused is handled, or a wait returns; the result is that of the wait, 0
-// at the script's end. One script at a time. `w` is a top-level window.
-int Play(const Script& script, XwWindow* w);
-// The same beside a loop of the program's own; `at_end` (may be empty) is called after the last
-// step. Ends early when the window is destroyed.
+// Plays on the headless display, beside the program's own loop; `at_end` (may be empty) is called
+// after the last step. One script at a time. `w` is a top-level window; its end ends the script.
 void StartPlaying(const Script& script, XwWindow* w, std::function<void()> at_end);
 
 }  // namespace support

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <map>
+#include <utility>
 
 namespace support {
 
@@ -14,20 +15,7 @@ struct Hook {
   XwHandler handler;
 };
 std::map<XwWindow*, Hook> hooks;
-std::string lines;
 int descriptor = -1;
-
-int Note(int type) {
-  const auto found = hooks.find(Inp.window);
-  if (found == hooks.end()) return 0;
-  const Hook hook = found->second;  // the handler may destroy or hook windows
-  const std::string line = TraceLine(hook.name) + "\n";
-  lines += line;
-  if (descriptor >= 0 && write(descriptor, line.data(), line.size()) != ssize_t(line.size())) {
-    perror("trace");
-  }
-  return hook.handler != nullptr ? hook.handler(type) : 0;
-}
 
 bool IsKey(int type) {
   return (type >= 32 && type <= 126) || (type >= 256 && type < 768);
@@ -35,36 +23,6 @@ bool IsKey(int type) {
 
 std::string_view NameOf(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
-}
-
-// "main 770" of a motion's line; nothing of another's.
-std::string_view MotionOf(std::string_view line) {
-  const size_t at = line.find(" 770 ");
-  return at == std::string_view::npos ? std::string_view{} : line.substr(0, at + 4);
-}
-
-}  // namespace
-
-void HookTrace(XwWindow* w, const std::string& name) {
-  if (w == nullptr) return;
-  Hook& hook = hooks[w];
-  hook.name = name;
-  if (w->handler != Note) {
-    hook.handler = w->handler;
-    w->handler = Note;
-  }
-}
-
-std::string Trace() {
-  return MergeMotions(lines);
-}
-
-void ClearTrace() {
-  lines.clear();
-}
-
-void WriteTraceTo(int fd) {
-  descriptor = fd;
 }
 
 std::string TraceLine(const std::string& name) {
@@ -90,6 +48,33 @@ std::string TraceLine(const std::string& name) {
     snprintf(text, sizeof text, "%d item %d", type, Inp.item);
   }
   return name + " " + text;
+}
+
+int Note(int type) {
+  const auto found = hooks.find(Inp.window);
+  if (found == hooks.end()) return 0;
+  const Hook& hook = found->second;
+  const std::string line = TraceLine(hook.name) + "\n";
+  if (descriptor >= 0 && write(descriptor, line.data(), line.size()) != ssize_t(line.size())) {
+    perror("trace");
+  }
+  return hook.handler(type);
+}
+
+// "main 770" of a motion's line; nothing of another's.
+std::string_view MotionOf(std::string_view line) {
+  const size_t at = line.find(" 770 ");
+  return at == std::string_view::npos ? std::string_view{} : line.substr(0, at + 4);
+}
+
+}  // namespace
+
+void HookTrace(XwWindow* w, const std::string& name) {
+  hooks[w] = {name, std::exchange(w->handler, Note)};
+}
+
+void WriteTraceTo(int fd) {
+  descriptor = fd;
 }
 
 std::string MergeMotions(std::string_view text) {

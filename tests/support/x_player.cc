@@ -71,13 +71,13 @@ bool Do(const Step& s, XUser& user, xcb_window_t window, int bar) {
     case Step::kScroll:
       return Turn(user, s);
     case Step::kKey:
-      user.Type(s.bits);
+      user.Type(s.symbol);
       return true;
     case Step::kHold:
-      user.Key(s.bits, true);
+      user.Key(s.symbol, true);
       return true;
     case Step::kRelease:
-      user.Key(s.bits, false);
+      user.Key(s.symbol, false);
       return true;
     case Step::kWait:
       Pause(s.a);
@@ -94,9 +94,8 @@ bool Do(const Step& s, XUser& user, xcb_window_t window, int bar) {
     case Step::kUnfocus:
       Unfocus(user);
       return true;
-    default:
-      return false;
   }
+  return false;
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
               {{Press(kTab), Press(' ')}, 2},
               {{Press(kTab), Press(kTab), Press(kEscape)}, 1},
               {{Press(kTab), Press(kTab), Press(kEnter)}, 3},
-              // A press of the ground does nothing.
+              // A press of the background does nothing.
               {{[] { input::Click(alert->x + 5, alert->y + 90); }, ClickOn(1)}, 1}};
   for (const auto& row : rows) {
     XwWindow* last = W_End;

@@ -20,8 +20,7 @@ int Hit(XwWindow* w, int x, int y) {
 }
 
 TEST(Boxes, TheLastOneOnTopIsHitByItsPosition) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwSet(w);
   XwBoxList(3, 0, 0, 0, 0);
   XwBoxList(10, 10, 10, 50, 50);
@@ -43,8 +42,7 @@ TEST(Boxes, TheLastOneOnTopIsHitByItsPosition) {
 }
 
 TEST(Boxes, OpenClosedAndStartedAgain) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwSet(w);
   TakeRefusal();
   XwBoxList(5, 0, 0, 10, 10);
@@ -64,8 +62,7 @@ TEST(Boxes, OpenClosedAndStartedAgain) {
 }
 
 TEST(Boxes, ManyAndFar) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwSet(w);
   XwBoxList(3, 0, 0, 0, 0);
   XwBoxList(1, INT_MIN, INT_MIN, INT_MAX, INT_MAX);
@@ -78,8 +75,7 @@ TEST(Boxes, ManyAndFar) {
 }
 
 TEST(Boxes, EventsOfOtherWindowsDoNotCount) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwWindow* sub = Sub(w, "sub", 0, 0, 100, 100);
   XwSet(w);
   XwBoxList(3, 0, 0, 0, 0);

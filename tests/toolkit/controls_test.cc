@@ -440,8 +440,7 @@ TEST(Controls, TheRingAndWhatIsDrawnAgain) {
 TEST(Controls, AWaitForAnotherWindowKeepsThemStill) {
   ControlScreen s;
   XwWindow* go = XwButton(s.main, "Go", 5, 10, 10, 100, 26, kOn, 0);
-  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
-  XwShow(other, 1);
+  XwWindow* other = Top("other", 500, 100, 100, 100);
   XwFocusControl(go);
   input::Focus(Native(s.main));
   Settle();
@@ -530,6 +529,7 @@ TEST(Controls, DescribeThemselves) {
     EXPECT_NE(std::find(told.begin(), told.end(), wanted), told.end()) << int(row.what);
   }
   XwWindow* sub = Sub(s.main, "sub", 5, 100, 50, 50);
+  EXPECT_EQ(DescribeTree().front().children.back().serial, sub->serial);
   told.clear();
   XwMove(sub, 9, 100, 50, 50);
   XwShow(sub, 0);

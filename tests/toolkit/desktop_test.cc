@@ -17,8 +17,7 @@ Rect Bounds(const XwWindow* w) {
 }
 
 TEST(Desktop, MovesAndSizesAreTold) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwSetSizes(w, 50, 50, 600, 600, 0, 0);
   const struct {
     Rect to;
@@ -35,8 +34,7 @@ TEST(Desktop, MovesAndSizesAreTold) {
   for (const auto& row : rows) {
     seen.clear();
     input::Configure(Native(w), row.to);
-    RunLoop();
-    EXPECT_EQ(Trace(), row.trace);
+    EXPECT_EQ(RunTrace(), row.trace);
     EXPECT_EQ(Bounds(w), row.to);
     if (seen.empty()) continue;
     const XwEvent& e = seen[0].event;
@@ -57,10 +55,8 @@ void NoteActivity(int active) {
 
 // Told in the order of the events, to the window that it is about.
 TEST(Desktop, ActivityIsTold) {
-  Open();
-  XwWindow* w = Main();
-  XwWindow* other = XwCreate(0, 500, 100, 50, 50, Record);
-  XwShow(other, 1);
+  XwWindow* w = OpenMain();
+  XwWindow* other = Top("other", 500, 100, 50, 50);
   Settle();
   XwSetFocus(w);
   Settle();
@@ -90,24 +86,21 @@ TEST(Desktop, AFrameInTheCornerLiesOnTheScreen) {
 }
 
 TEST(Desktop, RedrawsGoToTheWindowAndItsShownSubWindows) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwWindow* a = Sub(w, "a", 10, 10, 50, 40);
   Sub(a, "inner", 5, 5, 10, 10);
   XwShow(Sub(w, "hidden", 100, 10, 50, 50), 0);
   Sub(w, "b", 200, 10, 50, 50);
   Settle();
   input::Lose(Native(w));
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 769 a 769 b 769");
+  EXPECT_EQ(RunTrace(), "main 769 a 769 b 769");
   EXPECT_EQ(seen[1].event.width, 50);
   EXPECT_EQ(seen[1].event.height, 40);
 }
 
 TEST(Desktop, SizesKeepToSteps) {
   Open();
-  XwWindow* w = XwCreate(0, 100, 100, 101, 200, Record);
-  XwShow(w, 1);
+  XwWindow* w = Top("w", 100, 100, 101, 200);
   XwSetSizes(w, 20, 20, 1000, 1000, 10, 0);
   Settle();
   const struct {
@@ -127,12 +120,11 @@ TEST(Desktop, SizesKeepToSteps) {
   input::Configure(Native(w), {100, 100, 204, 300});
   RunLoop();
   EXPECT_EQ(w->width, 104);
-  EXPECT_EQ(Trace(), "? 768 ? 769");
+  EXPECT_EQ(Trace(), "w 768 w 769");
 }
 
 TEST(Desktop, SnappingIsDoneInSinglePrecision) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   const struct {
     int original, current, step, expected;
   } rows[] = {
@@ -154,8 +146,7 @@ TEST(Desktop, SnappingIsDoneInSinglePrecision) {
 }
 
 TEST(Desktop, AFixedWindowAnswersOnce) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   input::Configure(Native(w), {100, 100, 500, 400});
   RunLoop();
   EXPECT_EQ(w->width, 300);
@@ -167,8 +158,7 @@ TEST(Desktop, AFixedWindowAnswersOnce) {
 }
 
 TEST(Desktop, OddReportsLeaveAWindowOfAtLeastOnePixel) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwSetSizes(w, 0, 0, 0, 0, 50, 50);
   for (Rect r : {Rect{0, 0, 0, 0}, Rect{5, 5, -100, -100}, Rect{-40000, 40000, 30000, 40001},
                  Rect{0, 0, 100000, 3}}) {
@@ -183,11 +173,9 @@ TEST(Desktop, OddReportsLeaveAWindowOfAtLeastOnePixel) {
 }
 
 TEST(Desktop, TheCloseBoxOnlyAsks) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   input::Close(Native(w));
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 778");
+  EXPECT_EQ(RunTrace(), "main 778");
   EXPECT_TRUE(platform::IsWindowVisible(Native(w)));
 }
 
@@ -196,21 +184,18 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
   input::OpenFile("/too/early");
   RunLoop();
   Main();
-  XwWindow* other = XwCreate(0, 500, 100, 50, 50, Record);
-  XwShow(other, 1);
+  Top("other", 500, 100, 50, 50);
   Settle();
   input::OpenFile("/tmp/a file");
   on_event = [](int) { EXPECT_STREQ(reinterpret_cast<const char*>(Inp.value), "/tmp/a file"); };
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 798");
+  EXPECT_EQ(RunTrace(), "main 798");
   EXPECT_EQ(Inp.item, 0);
   on_event = nullptr;
   seen.clear();
   TakeRefusal();
   std::string longest = "/" + std::string(398, 'x');
   input::OpenFile((longest + "x").c_str());
-  RunLoop();
-  EXPECT_EQ(Trace(), "");
+  EXPECT_EQ(RunTrace(), "");
   EXPECT_EQ(TakeRefusal(), Refusal::kPathTooLong);
   input::OpenFile(longest.c_str());
   RunLoop();
@@ -220,8 +205,7 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
 
 std::vector<std::string> paths;
 TEST(Desktop, RequestsThatComeTogetherKeepTheirDocuments) {
-  Open();
-  Main();
+  OpenMain();
   on_event = [](int) { paths.push_back(reinterpret_cast<const char*>(Inp.value)); };
   for (const char* path : {"/a", "/a longer one", "/c"}) input::OpenFile(path);
   RunLoop();
@@ -229,8 +213,7 @@ TEST(Desktop, RequestsThatComeTogetherKeepTheirDocuments) {
 }
 
 TEST(Desktop, OnlyTheFirstOfSeveralDocuments) {
-  Open();
-  Main();
+  OpenMain();
   const char* files[] = {"/a", "/b", "/c"};
   platform::Event e(platform::kEventClassAppleEvent, platform::kEventAppleEvent);
   e.request = {platform::kAEOpenDocuments, files, 3};
@@ -243,11 +226,9 @@ TEST(Desktop, OnlyTheFirstOfSeveralDocuments) {
 }
 
 TEST(Desktop, ActivationOfTheProgram) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   EXPECT_TRUE(AppActive);
-  XwWindow* other = XwCreate(0, 500, 100, 50, 50, Record);
-  XwShow(other, 1);
+  XwWindow* other = Top("other", 500, 100, 50, 50);
   Settle();
   EXPECT_TRUE(platform::IsWindowActive(Native(other)));
   EXPECT_FALSE(platform::IsWindowActive(Native(w)));
@@ -265,8 +246,7 @@ TEST(Desktop, ActivationOfTheProgram) {
 }
 
 TEST(Desktop, CommandsReachTheMainWindowAndOthersPass) {
-  Open();
-  Main();
+  OpenMain();
   platform::Event e(platform::kEventClassCommand, platform::kEventCommandProcess);
   const struct {
     uint32_t command;
@@ -278,8 +258,7 @@ TEST(Desktop, CommandsReachTheMainWindowAndOthersPass) {
     e.request = {row.command, nullptr, 0};
     EXPECT_EQ(EVapp_func(nullptr, &e, nullptr), row.status);
   }
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 796 main 797");
+  EXPECT_EQ(RunTrace(), "main 796 main 797");
 }
 
 }  // namespace

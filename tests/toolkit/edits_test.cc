@@ -338,28 +338,28 @@ TEST(EditBoxes, TheClipboardComesLaterOrNotAtAll) {
   EXPECT_EQ(XwGetTextUtf8(s.box, nullptr, 0), 65535) << "64 KiB, in whole characters";
   input::OfferTextLater(Selection::kClipboard);
   for (int i = 0; i < 20; ++i) Type('v', 'v', controlKey);
-  EXPECT_EQ(input::OpenAsks(), 8) << "a key that repeats asks for no more";
+  EXPECT_EQ(input::WaitingTextRequests(), 8) << "a key that repeats asks for no more";
   RunFor(2.1);
   XwSetText(s.box, "");
   EXPECT_EQ(Type('v', 'v', controlKey), "118");
   const std::string late = "late";
-  input::AnswerAsks(&late);
+  input::AnswerTextRequests(&late);
   RunFor(0.001);
   EXPECT_EQ(Text(s.box), "late");
   EXPECT_EQ(Came(), "789");
   // It comes when the box has lost the keyboard, when it has ended, or never.
   Type('v', 'v', controlKey);
   XwSetFocus(s.main);
-  input::AnswerAsks(&late);
+  input::AnswerTextRequests(&late);
   RunFor(0.001);
   EXPECT_EQ(Text(s.box), "late");
   s.Focus();
   Type('v', 'v', controlKey);
   RunFor(2.1);
-  EXPECT_EQ(input::OpenAsks(), 0);
+  EXPECT_EQ(input::WaitingTextRequests(), 0);
   Type('v', 'v', controlKey);
   XwDestroy(s.box);
-  input::AnswerAsks(&late);
+  input::AnswerTextRequests(&late);
   RunFor(0.001);
   EXPECT_EQ(FocusedId(), 0);
 }
@@ -429,6 +429,36 @@ TEST(EditBoxes, MenuKeysComeAfterTheBox) {
     EXPECT_EQ(FocusedId(), w == read ? 0 : 5);
   }
   EXPECT_EQ(*OfferedText(Selection::kClipboard), "fixed");
+}
+
+TEST(EditBoxes, AProgramEditsAndOpensItsOwnContextMenu) {
+  static int asked;
+  asked = 0;
+  Boxes s;
+  XwSetContextMenuHandler(s.main, [] { ++asked; });
+  s.Focus();
+  Type(kEnd);
+  XwEdit(s.box, XWU_CUT);
+  EXPECT_EQ(Text(s.box), "one two") << "nothing is selected";
+  XwEdit(s.box, XWU_SELECT_ALL);
+  EXPECT_TRUE(XwCanEdit(s.box, XWU_CUT));
+  XwEdit(s.box, XWU_CUT);
+  RunFor(0.001);
+  EXPECT_EQ(Came(), "789");
+  EXPECT_EQ(Text(s.box), "");
+  EXPECT_FALSE(XwCanEdit(s.box, XWU_CUT) || XwCanEdit(s.box, 99) || XwCanEdit(s.main, XWU_PASTE));
+  XwEdit(s.box, XWU_PASTE);
+  RunFor(0.1);
+  EXPECT_EQ(Text(s.box), "one two");
+  XwEdit(s.box, XWU_UNDO);
+  EXPECT_TRUE(XwCanEdit(s.box, XWU_REDO));
+  // The window's menu comes where no control has one, by the Menu key and by F10 with Shift alone.
+  XwSetFocus(s.main);
+  RunFor(0.001);
+  Type(kMenuKey);
+  EXPECT_EQ(Type(kF10, 0, shiftKey), "265");
+  Type(kF10, 0, shiftKey | controlKey);
+  EXPECT_EQ(asked, 2);
 }
 
 TEST(EditBoxes, AFieldIsEditedInPlace) {

@@ -10,8 +10,7 @@ namespace {
 using namespace stage;
 
 TEST(Events, ACopyOfTheWholeRecordTravels) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   Inp.state = XWS_SHIFT;
   Inp.root_x = 77;
   Inp.spare = 4711;
@@ -37,8 +36,7 @@ TEST(Events, ACopyOfTheWholeRecordTravels) {
 }
 
 TEST(Events, OnlyAnOtherCodeOfAHandlerEndsTheWait) {
-  Open();
-  XwWindow* w = Main(Answer);
+  XwWindow* w = OpenMain(Answer);
   const struct {
     int answer, returned;
   } rows[] = {{0, 0}, {768, 0}, {769, 0}, {770, 770}, {-1, -1}, {1, 1}};
@@ -59,8 +57,7 @@ TEST(Events, OnlyAnOtherCodeOfAHandlerEndsTheWait) {
 }
 
 TEST(Events, ARedrawIsClearedForItsHandlerOnly) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   int32_t red = 0x0000FF;
   XwSetGround(w, &red, 0);
   Settle();
@@ -105,8 +102,7 @@ TEST(Events, ARedrawIsClearedForItsHandlerOnly) {
 }
 
 TEST(Events, TheSelectedWindowIsRedrawnAfterItShrank) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwSetSizes(w, 10, 10, 0, 0, 0, 0);
   int32_t red = 0x0000FF;
   XwSetGround(w, &red, 0);
@@ -118,8 +114,7 @@ TEST(Events, TheSelectedWindowIsRedrawnAfterItShrank) {
     XwSet(Inp.window);
     XwBox(0, 0, 40, 40, 0xFF0000);
   };
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 768 main 769");
+  EXPECT_EQ(RunTrace(), "main 768 main 769");
   platform::FlushWindow(nullptr);
   input::Picture p = input::TakePicture(Native(w));
   EXPECT_EQ(p.width, 250);
@@ -128,8 +123,7 @@ TEST(Events, TheSelectedWindowIsRedrawnAfterItShrank) {
 }
 
 TEST(Events, DirectDelivery) {
-  Open();
-  XwWindow* w = Main(Answer);
+  XwWindow* w = OpenMain(Answer);
   result = 42;
   Inp.param = 9;
   EXPECT_EQ(DirectSendEvent(w, 1000, 7, 8), 42);
@@ -149,8 +143,7 @@ TEST(Events, DirectDelivery) {
 }
 
 TEST(Events, PollingTakesOneEventInTwentyFiveMilliseconds) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   for (int i = 0; i < 4; ++i) XwSendEvent(w, 1000 + i, 0, 0, 0);
   EXPECT_EQ(XwGetEvent(nullptr, 1), 0) << "the first call only starts the clock";
   input::Step(0.0249);
@@ -169,8 +162,7 @@ TEST(Events, PollingTakesOneEventInTwentyFiveMilliseconds) {
 }
 
 TEST(Events, PollingPausesAfterTheClockWraps) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   // 2^31 microseconds are the top of the signed count.
   input::UseSteppedClock(2147.40);
   XwGetEvent(nullptr, 1);
@@ -186,8 +178,7 @@ TEST(Events, PollingPausesAfterTheClockWraps) {
 }
 
 TEST(Events, PollingTranslatesInputWithoutDeliveringIt) {
-  Open();
-  Main();
+  OpenMain();
   MoveTo(150, 150);
   seen.clear();
   XwGetEvent(nullptr, 1);
@@ -199,11 +190,8 @@ TEST(Events, PollingTranslatesInputWithoutDeliveringIt) {
 }
 
 TEST(Events, AModalWaitKeepsOthersOut) {
-  Open();
-  XwWindow* main = Main();
-  XwWindow* dialog = XwCreate(0, 500, 100, 100, 100, Record);
-  Name(dialog, "dialog");
-  XwShow(dialog, 1);
+  XwWindow* main = OpenMain();
+  XwWindow* dialog = Top("dialog", 500, 100, 100, 100);
   Sub(dialog, "inner", 10, 10, 50, 50);
   Settle();
   int beeps = input::Counts().beeps;
@@ -244,8 +232,7 @@ TEST(Events, AModalWaitKeepsOthersOut) {
 
 XwWindow *modal_window, *successor;
 TEST(Events, AModalWindowThatEndsLetsAllOthersIn) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   modal_window = XwCreate(-255, 500, 100, 100, 100, Record);
   XwShow(modal_window, 1);
   Settle();
@@ -273,8 +260,7 @@ TEST(Events, AModalWindowThatEndsLetsAllOthersIn) {
 }
 
 TEST(Events, AGrabLoopDropsTimersOfWindowsWithAHandler) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwWindow* silent = Sub(w, "silent", 0, 0, 10, 10, nullptr);
   Settle();
   XwSendEvent(w, XWE_TIMER, 0, 1, 0);
@@ -332,11 +318,9 @@ TEST(Events, ThePointerIsInsideABoxButNotOnItsBorder) {
 
 XwWindow* victim;
 TEST(Events, AHandlerMayDestroyItsOwnWindow) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   for (int type : {1000, int(XWE_EXPOSE), int(XWE_PRESS)}) {
-    victim = XwCreate(0, 500, 100, 100, 100, Record);
-    XwShow(victim, 1);
+    victim = Top("victim", 500, 100, 100, 100);
     Sub(victim, "inner", 0, 0, 100, 100);
     Settle();
     on_event = [](int) {

@@ -15,19 +15,16 @@ namespace {
 using namespace stage;
 
 TEST(Geometry, AMovedSubWindowIsRedrawnWithItsFamily) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   Sub(main, "a", 0, 0, 20, 20);
   XwWindow* b = Sub(main, "b", 30, 0, 20, 20);
   XwWindow* inner = Sub(b, "inner", 5, 5, 5, 5);
   Sub(main, "c", 60, 0, 20, 20);
   Settle();
   XwMove(b, 30, 0, 20, 20);
-  RunLoop();
-  EXPECT_EQ(Trace(), "") << "nothing changed";
+  EXPECT_EQ(RunTrace(), "") << "nothing changed";
   XwMove(b, 40, 10, 25, 22);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 769 b 769 a 769 b 769 c 769");
+  EXPECT_EQ(RunTrace(), "main 769 b 769 a 769 b 769 c 769");
   const int sizes[][2] = {{300, 200}, {25, 22}, {20, 20}, {25, 22}, {20, 20}};
   for (size_t i = 0; i < seen.size(); ++i) {
     EXPECT_EQ(seen[i].event.x, 0);
@@ -48,13 +45,11 @@ TEST(Geometry, AMovedSubWindowIsRedrawnWithItsFamily) {
   EXPECT_EQ(b->height, -32768);
   Settle();
   XwMove(b, INT_MAX - 1, INT_MIN, 100000, -100000);
-  RunLoop();
-  EXPECT_EQ(Trace(), "") << "the same after saturation";
+  EXPECT_EQ(RunTrace(), "") << "the same after saturation";
 }
 
 TEST(Geometry, AMovedTopLevelWindowGetsOneNotice) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   Inp.item = 5;
   const struct {
     int x, y, width, height;
@@ -69,8 +64,7 @@ TEST(Geometry, AMovedTopLevelWindowGetsOneNotice) {
     XwMove(main, row.x, row.y, row.width, row.height);
     EXPECT_EQ(Inp.x, row.x);
     EXPECT_EQ(Inp.width, row.width);
-    RunLoop();
-    EXPECT_EQ(Trace(), row.trace) << row.width;
+    EXPECT_EQ(RunTrace(), row.trace) << row.width;
     EXPECT_EQ(seen[0].event.height, row.height);
     EXPECT_EQ(main->width, row.width);
     EXPECT_EQ(platform::GetWindowBounds(Native(main), platform::kWindowContentRgn).width(),
@@ -86,8 +80,7 @@ TEST(Geometry, AMovedTopLevelWindowGetsOneNotice) {
 }
 
 TEST(Geometry, CentredOver) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* w = XwCreate(0, 10, 50, 51, 31, Record);
   XwCenter(w, main);
   EXPECT_EQ(w->x, 100 + 150 - 25);
@@ -115,8 +108,7 @@ TEST(Geometry, FullScreenUntilMoved) {
 }
 
 TEST(Geometry, SizeLimitsSaturate) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   EXPECT_FALSE(Native(main)->attributes & platform::kWindowResizableAttribute);
   XwSetSizes(main, -1, 100, 70000, 0, INT_MAX, INT_MIN);
   EXPECT_EQ(main->min_width, 0);
@@ -129,8 +121,7 @@ TEST(Geometry, SizeLimitsSaturate) {
 }
 
 TEST(Geometry, ShowingASubWindow) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = XwCreate(main, 10, 10, 50, 60, Record);
   Name(a, "a");
   Sub(a, "inner", 0, 0, 5, 5);
@@ -143,8 +134,7 @@ TEST(Geometry, ShowingASubWindow) {
   for (const auto& row : rows) {
     seen.clear();
     XwShow(a, row.show);
-    RunLoop();
-    EXPECT_EQ(Trace(), row.trace);
+    EXPECT_EQ(RunTrace(), row.trace);
     EXPECT_EQ((a->flags & XW_SHOWN) != 0, row.show != 0);
     if (!seen.empty()) {
       EXPECT_EQ(seen[0].event.width, row.width);
@@ -153,8 +143,7 @@ TEST(Geometry, ShowingASubWindow) {
 }
 
 TEST(Geometry, HiddenSubWindowsShowNothing) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = XwCreate(main, 10, 10, 50, 50, nullptr);
   XwWindow* inner = XwCreate(a, 10, 10, 20, 20, nullptr);
   XwShow(inner, 1);
@@ -185,15 +174,13 @@ TEST(Geometry, HiddenSubWindowsShowNothing) {
 }
 
 TEST(Geometry, ShowingAndEnablingATopLevelWindow) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwShow(main, 0);
   EXPECT_FALSE(platform::IsWindowVisible(Native(main)));
   EXPECT_EQ(main->flags & XW_SHOWN, 0) << "no flag is kept";
   XwShow(main, 1);
   XwShow(main, 1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 769") << "shown again: drawn once";
+  EXPECT_EQ(RunTrace(), "main 769") << "shown again: drawn once";
   XwEnable(main, 0);
   EXPECT_FALSE(platform::IsWindowActive(Native(main)));
   EXPECT_EQ(main->enabled, 0);
@@ -206,8 +193,7 @@ TEST(Geometry, ShowingAndEnablingATopLevelWindow) {
 }
 
 TEST(Geometry, FocusIsTheTopLevelWindows) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* other = XwCreate(-255, 500, 100, 50, 50, Record);
   XwShow(other, 1);
   XwWindow* inner = Sub(Sub(main, "a", 0, 0, 20, 20), "inner", 0, 0, 5, 5);
@@ -221,8 +207,7 @@ TEST(Geometry, FocusIsTheTopLevelWindows) {
 }
 
 TEST(Geometry, Titles) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   char text[256];
   const struct {
     const char *title, *shown;
@@ -271,8 +256,7 @@ TEST(Geometry, Titles) {
 }
 
 TEST(Geometry, TheSelectionStack) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 0, 0, 20, 20);
   XwPop();
   EXPECT_EQ(XW, nullptr);
@@ -298,8 +282,7 @@ TEST(Geometry, TheSelectionStack) {
 }
 
 TEST(Cursors, ByIndex) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* sub = Sub(main, "sub", 50, 50, 100, 100);
   Settle();
   auto shown = [&] { return reinterpret_cast<XwCursor*>(input::ShownCursor(Native(main))); };

@@ -45,8 +45,7 @@ TEST(Keys, TheTable) {
 }
 
 TEST(Keys, StatesAndRelease) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwSetFocus(main);
   input::KeyDown('q');
   RunLoop();
@@ -64,19 +63,15 @@ TEST(Keys, StatesAndRelease) {
 }
 
 TEST(Keys, AreLetGoOfWithTheFocus) {
-  Open();
-  XwWindow* main = Main();
-  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
-  Name(other, "other");
-  XwShow(other, 1);
+  XwWindow* main = OpenMain();
+  XwWindow* other = Top("other", 500, 100, 100, 100);
   XwSetFocus(main);
   Settle();
   input::KeyDown('b');
   input::KeyDown('a');
   input::Modifiers(platform::shiftKey);
   input::Focus(nullptr);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 98 main 97 main 777 main 800 main 800 other 769");
+  EXPECT_EQ(RunTrace(), "main 98 main 97 main 777 main 800 main 800 other 769");
   EXPECT_EQ(XwGetKeyState('a') + XwGetKeyState('b'), 0);
   // What happens elsewhere is not seen, but for what it has come to.
   seen.clear();
@@ -85,8 +80,7 @@ TEST(Keys, AreLetGoOfWithTheFocus) {
   input::KeyUp('c');
   input::Modifiers(platform::controlKey);
   input::Focus(Native(main));
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 777");
+  EXPECT_EQ(RunTrace(), "main 777");
   EXPECT_EQ(Inp.state, unsigned{XWS_CONTROL});
   // A key that is still down goes on as a new one; the window that has the focus when it comes up
   // hears of that, also when there was none for a while.
@@ -107,8 +101,7 @@ TEST(Keys, AreLetGoOfWithTheFocus) {
 // Where the desktop moves the focus by itself, keys follow, also in what waits; a focus that
 // already lies in that window stays.
 TEST(Keys, FollowTheDesktopsFocus) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
   Name(other, "other");
   XwSetGround(other, nullptr, 0);
@@ -117,8 +110,7 @@ TEST(Keys, FollowTheDesktopsFocus) {
   XwShow(other, 1);
   Settle();
   input::Focus(Native(main));
-  RunLoop();
-  seen.clear();
+  Settle();
   on_event = [](int type) {
     if (type != 'a') return;
     for (XwWindow* focus : {sub, W_Start}) {
@@ -129,8 +121,7 @@ TEST(Keys, FollowTheDesktopsFocus) {
   input::KeyDown('a');
   input::Focus(Native(other));
   input::KeyDown('b');
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 97 main 800 other 98 main 1000 main 1000");
+  EXPECT_EQ(RunTrace(), "main 97 main 800 other 98 main 1000 main 1000");
   EXPECT_EQ(seen[3].event.focus, sub);
   EXPECT_EQ(seen[4].event.focus, other);
   EXPECT_EQ(Inp.focus, other);
@@ -138,10 +129,8 @@ TEST(Keys, FollowTheDesktopsFocus) {
 
 // A window that ends takes its keys along; the next one hears of what came up by then.
 TEST(Keys, OfAWindowThatEndedComeUpWithoutAnEvent) {
-  Open();
-  Main();
-  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
-  XwShow(other, 1);
+  OpenMain();
+  XwWindow* other = Top("other", 500, 100, 100, 100);
   Settle();
   input::KeyDown('k');
   RunLoop();
@@ -206,8 +195,7 @@ TEST(Keys, CarryTheTextThatTheyTyped) {
 }
 
 TEST(Keys, GoToTheFocus) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
   Settle();
   Inp.focus = nullptr;
@@ -250,8 +238,7 @@ TEST(Keys, ModifiersChangeOnlyWithTheirOwnEvent) {
   for (const auto& row : rows) {
     seen.clear();
     input::Modifiers(row.platform);
-    RunLoop();
-    EXPECT_EQ(Trace(), "main 777");
+    EXPECT_EQ(RunTrace(), "main 777");
     EXPECT_EQ(Inp.state, row.state | 1u) << row.platform;
     input::KeyDown('a');
     RunLoop();

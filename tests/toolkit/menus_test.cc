@@ -239,6 +239,26 @@ TEST(Menus, KeysOfItems) {
     RunLoop();
     EXPECT_EQ(Came(), row.came) << row.keysym;
   }
+  // Keys stand in a lighter ink than texts.
+  User({Move("File"), [] { Down(), Up(); },
+        [] {
+          const Rect row = Item("Open...").bounds;
+          const auto* w =
+              *std::find_if(WindowList().begin(), WindowList().end(),
+                            [](WindowRef each) { return each->parent && each->visible; });
+          const input::Picture p = input::TakePicture(const_cast<WindowRef>(w));
+          uint32_t darkest[2] = {255, 255};  // of the text and of the key, the red parts
+          for (int y = row.top + 2; y < row.bottom - 2; ++y)
+            for (int x = row.left + 8; x < row.right - 8; ++x) {
+              uint32_t& d = darkest[x > row.right - 50];
+              const int at = (y - w->content.top) * p.width + x - w->content.left;
+              d = std::min(d, p.pixels[size_t(at)] >> 16 & 0xFF);
+            }
+          EXPECT_GT(darkest[1], darkest[0] + 30);
+          EXPECT_LT(darkest[1], 200u);
+        },
+        Key(kEscape, 27)});
+  EXPECT_EQ(Came(), "793");
   // The program may take Control+Q, and give keys up.
   XwSetMenuItemKey(m.edit, 402, 'q', XWS_CONTROL);
   XwSetMenuItemKey(m.file, 101, 0, 0);
@@ -472,7 +492,9 @@ TEST(Menus, TooMany) {
         [] {
           EXPECT_TRUE(Shown("Item 199"));
           EXPECT_EQ(Item("Item 199").bounds.height(), Item("Item 198").bounds.height());
+          for (int i = 0; i < 180; ++i) XwChangeMenuItemFlags(items->data(), 1000 + i, XWM_HIDDEN);
         },
+        [] { EXPECT_TRUE(Shown("Item 180") && Shown("Item 199")) << "shorter it scrolls back"; },
         Key(kEnd), Key(kReturn, 13)});
   EXPECT_EQ(result, 1199);
   // A bar too narrow for its titles.
@@ -528,8 +550,7 @@ TEST(Menus, ThroughTheTree) {
 
 TEST(Menus, AWaitForAnotherWindow) {
   Menus m;
-  XwWindow* other = XwCreate(0, 500, 100, 100, 100, Record);
-  XwShow(other, 1);
+  XwWindow* other = Top("other", 500, 100, 100, 100);
   input::Focus(Native(m.main));
   RunLoop();
   const int beeps = input::Counts().beeps;

@@ -16,8 +16,7 @@ XwWindow* LastWindow() {
 }
 
 TEST(Mouse, GoesToTheSubWindowUnderThePointer) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 20, 100, 100);
   XwWindow* b = Sub(main, "b", 60, 60, 100, 100);
   XwWindow* hidden = Sub(main, "hidden", 0, 0, 300, 200);
@@ -51,8 +50,7 @@ TEST(Mouse, GoesToTheSubWindowUnderThePointer) {
 }
 
 TEST(Mouse, PressAndReleaseSayWhatIsHeld) {
-  Open();
-  Main();
+  OpenMain();
   MoveTo(150, 150);
   const struct {
     int button, type;
@@ -89,8 +87,7 @@ TEST(Mouse, PressAndReleaseSayWhatIsHeld) {
 }
 
 TEST(Mouse, APrimaryPressKeepsThePointerUntilTheLastRelease) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
   Sub(main, "b", 100, 10, 50, 50);
   Settle();
@@ -106,8 +103,7 @@ TEST(Mouse, APrimaryPressKeepsThePointerUntilTheLastRelease) {
   EXPECT_EQ(Inp.px, 110);
   EXPECT_EQ(Inp.py, 20);
   input::Release(1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "a 771 a 770 a 776");
+  EXPECT_EQ(RunTrace(), "a 771 a 770 a 776");
   EXPECT_EQ(seen.back().event.focus, main) << "until the next motion";
   EXPECT_EQ(seen.back().event.px, 110);
   EXPECT_EQ(XwPointerIsGrabbed(), nullptr);
@@ -116,8 +112,7 @@ TEST(Mouse, APrimaryPressKeepsThePointerUntilTheLastRelease) {
 }
 
 TEST(Mouse, OnlyThePrimaryButtonKeepsAGrab) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
   Settle();
   MoveTo(120, 120);
@@ -145,12 +140,9 @@ TEST(Mouse, OnlyThePrimaryButtonKeepsAGrab) {
 }
 
 TEST(Mouse, AReleaseOutsideTheGrabWindow) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
-  XwWindow* other = XwCreate(0, 600, 100, 200, 200, Record);
-  Name(other, "other");
-  XwShow(other, 1);
+  Top("other", 600, 100, 200, 200);
   Settle();
   for (bool active : {false, true}) {
     for (int x : {700, 900}) {  // in another window; over nothing
@@ -171,8 +163,7 @@ TEST(Mouse, AReleaseOutsideTheGrabWindow) {
       raw.y = 50;
       raw.time = 1234;
       input::Inject(raw);
-      RunLoop();
-      EXPECT_EQ(Trace(), "a 771 a 770 a 776");
+      EXPECT_EQ(RunTrace(), "a 771 a 770 a 776");
       const XwEvent& e = seen.back().event;
       EXPECT_EQ(e.px, 340);
       EXPECT_EQ(e.root_x, 450);
@@ -188,8 +179,7 @@ TEST(Mouse, AReleaseOutsideTheGrabWindow) {
 }
 
 TEST(Mouse, AReleaseOutsideWithAnotherButtonHeld) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   MoveTo(120, 120);
   input::Press(1);
   RunLoop();
@@ -214,8 +204,7 @@ TEST(Mouse, AReleaseOutsideWithAnotherButtonHeld) {
 
 // Whatever becomes of the window that a button was pressed in, none stays held.
 TEST(Mouse, NoButtonStaysHeld) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   enum End { kOutside, kDestroyed, kHidden, kPolled };
   const struct {
     int button;
@@ -233,9 +222,7 @@ TEST(Mouse, NoButtonStaysHeld) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << "button " << row.button << ", end " << row.end);
-    XwWindow* other = XwCreate(0, 600, 100, 200, 200, Record);
-    Name(other, "other");
-    XwShow(other, 1);
+    XwWindow* other = Top("other", 600, 100, 200, 200);
     Settle();
     MoveTo(650, 150);
     input::Press(row.button);
@@ -254,8 +241,7 @@ TEST(Mouse, NoButtonStaysHeld) {
       input::Step(0.03);
       EXPECT_EQ(XwGetEvent(nullptr, 1), 0);
     }
-    RunLoop();
-    EXPECT_EQ(Trace(), row.trace);
+    EXPECT_EQ(RunTrace(), row.trace);
     EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
     EXPECT_EQ(GrabWindow, nullptr);
     EXPECT_FALSE(PassiveGrab);
@@ -273,8 +259,7 @@ TEST(Mouse, NoButtonStaysHeld) {
 }
 
 TEST(Mouse, ButtonsBeyondFive) {
-  Open();
-  Main();
+  OpenMain();
   MoveTo(120, 120);
   seen.clear();
   input::Press(6);
@@ -289,39 +274,33 @@ TEST(Mouse, ButtonsBeyondFive) {
 }
 
 TEST(Mouse, TheFirstClickOnlyActivates) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   input::Focus(nullptr);
   Settle();
   EXPECT_FALSE(AppActive);
   MoveTo(150, 160);
   seen.clear();
   input::Press(1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "");
+  EXPECT_EQ(RunTrace(), "");
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 1u);
   EXPECT_EQ(Inp.focus, main);
   EXPECT_EQ(XwPointerIsGrabbed(), nullptr);
   EXPECT_TRUE(AppActive) << "the window was selected";
   input::Release(1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 776");
+  EXPECT_EQ(RunTrace(), "main 776");
   input::Click(150, 160);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 776 main 770 main 771 main 776");
+  EXPECT_EQ(RunTrace(), "main 776 main 770 main 771 main 776");
   // Where the desktop moves the focus before the press is passed on, the click acts.
   input::Focus(nullptr);
   Settle();
   input::Focus(Native(main));
   input::Press(1);
   input::Release(1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 771 main 776");
+  EXPECT_EQ(RunTrace(), "main 771 main 776");
 }
 
 TEST(Mouse, AnActiveGrabTakesAllPointerEvents) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
   XwWindow* b = Sub(main, "b", 100, 10, 50, 50);
   Settle();
@@ -331,8 +310,7 @@ TEST(Mouse, AnActiveGrabTakesAllPointerEvents) {
   XwSetCursor(b, 6);
   input::Click(220, 130);
   input::MovePointer(900, 900);
-  RunLoop();
-  EXPECT_EQ(Trace(), "a 770 a 771 a 776 a 770");
+  EXPECT_EQ(RunTrace(), "a 770 a 771 a 776 a 770");
   EXPECT_EQ(XwPointerIsGrabbed(), a) << "it survives releases";
   EXPECT_EQ(reinterpret_cast<XwCursor*>(input::ShownCursor(Native(main))), XWcursors[7]);
   MoveTo(220, 130);
@@ -354,22 +332,17 @@ TEST(Mouse, AnActiveGrabTakesAllPointerEvents) {
 }
 
 TEST(Mouse, ASecondButtonSharesAnActiveGrab) {
-  Open();
-  XwWindow* main = Main();
-  XwWindow* other = XwCreate(nullptr, 600, 100, 100, 100, Record);
-  Name(other, "other");
-  XwShow(other, 1);
+  XwWindow* main = OpenMain();
+  XwWindow* other = Top("other", 600, 100, 100, 100);
   Settle();
   XwGrabPointer(main, 7);
   input::MovePointer(650, 150);
   input::Press(2);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 770 main 772");
+  EXPECT_EQ(RunTrace(), "main 770 main 772");
   EXPECT_EQ(XwPointerIsGrabbed(), nullptr);
   input::MovePointer(655, 150);
   input::Release(2);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 770 main 772 main 770 other 770 other 776");
+  EXPECT_EQ(RunTrace(), "main 770 main 772 main 770 other 770 other 776");
   EXPECT_EQ(input::ShownCursor(Native(other)), reinterpret_cast<platform::CursorRef>(XWcursors[7]));
   XwUngrabPointer();
   EXPECT_EQ(input::PointerGrab(), nullptr);
@@ -377,8 +350,7 @@ TEST(Mouse, ASecondButtonSharesAnActiveGrab) {
 }
 
 TEST(Mouse, ALostGrabLetsGoOfButtonsWithoutAnEvent) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   MoveTo(150, 150);
   input::Press(1);
   RunLoop();
@@ -388,8 +360,7 @@ TEST(Mouse, ALostGrabLetsGoOfButtonsWithoutAnEvent) {
   input::Release(1);
   seen.clear();
   XwGrabPointer(main, 6);
-  RunLoop();
-  EXPECT_EQ(Trace(), "");
+  EXPECT_EQ(RunTrace(), "");
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
   EXPECT_FALSE(PassiveGrab);
   EXPECT_TRUE(ActiveGrab);
@@ -406,17 +377,13 @@ TEST(Mouse, ALostGrabLetsGoOfButtonsWithoutAnEvent) {
 
 // The order on the screen counts, not the program's own.
 TEST(Mouse, ThePressBelongsToWhatTheScreenShows) {
-  Open();
-  XwWindow* main = Main();
-  XwWindow* over = XwCreate(nullptr, 150, 60, 100, 80, Record);  // covers some of the menu bar
-  Name(over, "over");
-  XwShow(over, 1);
+  XwWindow* main = OpenMain();
+  XwWindow* over = Top("over", 150, 60, 100, 80);  // covers some of the menu bar
   Settle();
   auto click = [] {
     seen.clear();
     input::MovePointer(200, 90);
-    RunLoop();
-    seen.clear();
+    Settle();
     input::Press(1);
     input::Release(1);
     RunLoop();
@@ -433,21 +400,17 @@ TEST(Mouse, ThePressBelongsToWhatTheScreenShows) {
   MoveTo(300, 130);
   input::Press(1);
   input::MovePointer(200, 120);
-  RunLoop();
-  seen.clear();
+  Settle();
   input::Release(1);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 776 main 770");
+  EXPECT_EQ(RunTrace(), "main 776 main 770");
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
   XwDestroy(over);
 }
 
 TEST(Mouse, MotionsMergeButPenSamplesDoNot) {
-  Open();
-  Main();
+  OpenMain();
   for (int x = 110; x < 200; ++x) input::MovePointer(x, 150);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 770");
+  EXPECT_EQ(RunTrace(), "main 770");
   EXPECT_EQ(Inp.px, 99);
   seen.clear();
   for (int i = 0; i < 3; ++i) {
@@ -457,8 +420,7 @@ TEST(Mouse, MotionsMergeButPenSamplesDoNot) {
   seen.clear();
   for (int i = 1; i <= 3; ++i)
     input::Pen({1, uint16_t(i * 257), int16_t(-i), int16_t(i)}, RawEvent::kMotion);
-  RunLoop();
-  EXPECT_EQ(Trace(), "main 770") << "the same place again is dropped";
+  EXPECT_EQ(RunTrace(), "main 770") << "the same place again is dropped";
   EXPECT_EQ(seen[0].event.pressure, 1);
   EXPECT_EQ(seen[0].event.tilt_x, -1);
   EXPECT_EQ(seen[0].event.tilt_y, 1);
@@ -467,8 +429,7 @@ TEST(Mouse, MotionsMergeButPenSamplesDoNot) {
 }
 
 TEST(Mouse, PensPress) {
-  Open();
-  Main();
+  OpenMain();
   MoveTo(150, 150);
   const struct {
     uint16_t buttons;
@@ -504,15 +465,13 @@ void OnScroll(float dx, float dy) {
 }
 
 TEST(Mouse, TheWheelIsForThoseWhoAskForIt) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
   Settle();
   MoveTo(130, 130);
   seen.clear();
   input::Scroll(0, 15);
-  RunLoop();
-  EXPECT_EQ(Trace(), "") << "never a press";
+  EXPECT_EQ(RunTrace(), "") << "never a press";
   XwSetScrollHandler(main, OnScroll);
   XwSet(main);
   XwBoxList(3, 0, 0, 0, 0);
@@ -525,8 +484,7 @@ TEST(Mouse, TheWheelIsForThoseWhoAskForIt) {
   XwSetScrollHandler(a, nullptr);
   XwSetScrollHandler(main, nullptr);
   input::Scroll(0, 2);
-  RunLoop();
-  EXPECT_EQ(Trace(), "");
+  EXPECT_EQ(RunTrace(), "");
   ASSERT_EQ(scrolled.size(), 2u);
   EXPECT_EQ(scrolled[0].window, main);
   EXPECT_EQ(scrolled[0].dx, 1.5f);
@@ -538,10 +496,8 @@ TEST(Mouse, TheWheelIsForThoseWhoAskForIt) {
 }
 
 TEST(Mouse, TheWheelOfAWindowThatAWaitKeepsOutTurnsNothing) {
-  Open();
-  XwWindow* main = Main();
-  XwWindow* dialog = XwCreate(0, 500, 100, 100, 100, Record);
-  XwShow(dialog, 1);
+  XwWindow* main = OpenMain();
+  XwWindow* dialog = Top("dialog", 500, 100, 100, 100);
   Settle();
   XwSetScrollHandler(main, OnScroll);
   XwSetScrollHandler(dialog, OnScroll);

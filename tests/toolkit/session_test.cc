@@ -46,18 +46,23 @@ TEST(Session, TracesWhatItNames) {
   char path[PATH_MAX] = {};
   ASSERT_GT(readlink(name, path, sizeof path - 1), 0);
   if (getenv("XW_TRACE")) {
-    stage::Open();
-    XwWindow* w = stage::Main();
+    XwWindow* w = stage::OpenMain();
     XwSet(w);
     XwDrawText(nullptr, 0, 3, 4, 50, 20, "text", 0, -1);
     XwBox(1, 2, 3, 4, 5);
+    const int16_t points[] = {0, 0, 5, 5, 9, 0};
+    XwDrawLines(points, 3);
+    XwDrawIcon(nullptr, 1, 2, 3, 4, 5, -1);
     exit(0);
   }
   const struct {
     const char* subjects;
     const char* has;
     const char* lacks;
-  } rows[] = {{"draw", "draw: XwBox 1 2 3 4 5\n", "events:"},
+  } rows[] = {{"draw",
+               "draw: XwBox 1 2 3 4 5\ndraw: XwFillRect 1 2 3 4\ndraw: XwDrawLines 3\n"
+               "draw: XwDrawIcon 1 2 3 4 5 -1\n",
+               "events:"},
               {"draw", "draw: XwDrawText 0 3 4 50 20 0 -1\n", "windows:"},
               {"events,windows", "windows: create top-level 100 100 300 200\n", "draw:"},
               {"windows,events", "events: 769\n", "draw:"}};
@@ -75,8 +80,7 @@ TEST(Session, TracesWhatItNames) {
 }
 
 TEST(Session, FollowsTheScreen) {
-  stage::Open();
-  XwWindow* main = stage::Main();
+  XwWindow* main = stage::OpenMain();
   XwSetSizes(main, 50, 50, 0, 0, 0, 0);
   const struct {
     int width, height;
@@ -135,8 +139,7 @@ TEST(Session, APreferencesRequestArrivesEvenWhereNoneIsOffered) {
 }
 
 TEST(Session, EndDropsWhatIsQueuedAndStopsTimers) {
-  stage::Open();
-  XwWindow* w = stage::Main();
+  XwWindow* w = stage::OpenMain();
   XwTimer(w, 5, 10);
   for (int i = 0; i < 100; ++i) XwSendEvent(w, 1000, i, 0, 0);
   stage::input::OpenFile("/a");
@@ -154,8 +157,7 @@ TEST(Session, EndDropsWhatIsQueuedAndStopsTimers) {
 
 TEST(Session, ASecondOneInTheProcessWorksWhole) {
   for (int round = 0; round < 2; ++round) {
-    stage::Open();
-    XwWindow* w = stage::Main();
+    XwWindow* w = stage::OpenMain();
     EXPECT_EQ(W_Start, w);
     EXPECT_EQ(w->y - GetWindowBounds(stage::Native(w), platform::kWindowStructureRgn).top,
               platform::GetMBarHeight());
@@ -199,10 +201,8 @@ TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
 }
 
 TEST(Session, TheRequestToQuitGoesToTheMainWindow) {
-  stage::Open();
-  stage::Main();
-  XwWindow* other = XwCreate(0, 500, 100, 50, 50, stage::Record);
-  XwShow(other, 1);
+  stage::OpenMain();
+  stage::Top("other", 500, 100, 50, 50);
   stage::Settle();
   kill(getpid(), SIGTERM);
   stage::RunLoop();

@@ -127,6 +127,11 @@ std::string Trace() {
   return out;
 }
 
+std::string RunTrace() {
+  RunLoop();
+  return Trace();
+}
+
 void Name(XwWindow* w, const char* name) {
   names[w] = name;
 }
@@ -139,6 +144,15 @@ XwWindow* Main(XwHandler handler) {
   XwShow(w, 1);
   Settle();
   return w;
+}
+
+XwWindow* OpenMain(XwHandler handler) {
+  Open();
+  return Main(handler);
+}
+
+XwWindow* Top(const char* name, int x, int y, int width, int height) {
+  return Sub(nullptr, name, x, y, width, height);
 }
 
 XwWindow* Sub(XwWindow* parent, const char* name, int x, int y, int width, int height,

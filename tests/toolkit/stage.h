@@ -41,9 +41,15 @@ void Settle();
 
 // "name type" of all that was seen, one blank between entries. Windows without a name are "?".
 std::string Trace();
+// The same after the loop has run.
+std::string RunTrace();
 void Name(XwWindow* w, const char* name);
 // A shown and settled main window at (100, 100) with 300 x 200 pixels, named "main".
 XwWindow* Main(XwHandler handler = Record);
+// Opens the session, and that window in it.
+XwWindow* OpenMain(XwHandler handler = Record);
+// A shown top-level window.
+XwWindow* Top(const char* name, int x, int y, int width, int height);
 XwWindow* Sub(XwWindow* parent, const char* name, int x, int y, int width, int height,
               XwHandler handler = Record);
 platform::WindowRef Native(XwWindow* w);

@@ -24,8 +24,7 @@ std::string Values() {
 }
 
 TEST(Timers, FireAfterEachPeriod) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwTimer(w, 7, 100);
   RunFor(0.05);
   EXPECT_EQ(Values(), "");
@@ -36,8 +35,7 @@ TEST(Timers, FireAfterEachPeriod) {
 }
 
 TEST(Timers, ARestartMovesTheNextFiringAndKeepsThePeriod) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwTimer(w, 1, 100);
   RunFor(0.05);
   XwTimer(w, 1, 500);
@@ -48,8 +46,7 @@ TEST(Timers, ARestartMovesTheNextFiringAndKeepsThePeriod) {
 }
 
 TEST(Timers, StoppingOneDropsWhatAllHaveQueued) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwWindow* other = Sub(w, "other", 0, 0, 10, 10);
   Settle();
   XwTimer(w, 1, 100);
@@ -67,8 +64,7 @@ TEST(Timers, StoppingOneDropsWhatAllHaveQueued) {
 }
 
 TEST(Timers, TheTableIsKeptByWindowAndValue) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwWindow* other = Sub(w, "other", 0, 0, 10, 10);
   Settle();
   XwTimer(w, 5, 0);
@@ -94,8 +90,7 @@ TEST(Timers, TheTableIsKeptByWindowAndValue) {
 }
 
 TEST(Timers, AThirtyThirdIsRefused) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   for (int i = 1; i <= 32; ++i) XwTimer(w, i, 100);
   TakeRefusal();
   XwTimer(w, 33, 100);
@@ -112,8 +107,7 @@ TEST(Timers, AThirtyThirdIsRefused) {
 }
 
 TEST(Timers, MissedPeriodsAndSlowHandlersLeaveOneEvent) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwTimer(w, 1, 10);
   XwTimer(w, 2, 10);
   input::Step(1.0);
@@ -132,8 +126,7 @@ TEST(Timers, MissedPeriodsAndSlowHandlersLeaveOneEvent) {
 }
 
 TEST(Timers, ExtremesOfPeriodAndValue) {
-  Open();
-  XwWindow* w = Main();
+  XwWindow* w = OpenMain();
   XwTimer(w, INT_MIN, INT_MAX);
   XwTimer(w, INT_MAX, INT_MIN);
   RunFor(0.0025);

@@ -127,7 +127,7 @@ TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
   EXPECT_EQ(click(5, 10, {'7', kEnter}), "5=0 ");
   EXPECT_EQ(click(6), "");
   EXPECT_EQ(click(7, 10), "-7=0 ");
-  // A press on the bare ground of the bar is not the window's.
+  // A press on the background of the bar is not the window's.
   input::Click(100 + 2, 100 + 20);
   RunLoop();
   for (const Seen& e : seen) EXPECT_NE(e.type, XWE_PRESS);

@@ -115,8 +115,7 @@ TEST(Tree, AFullScreenMainWindow) {
 }
 
 TEST(Tree, OriginsOfSubWindows) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* outer = XwCreate(main, 10, 20, 100, 100, Record);
   XwWindow* inner = XwCreate(outer, 5, 7, 50, 50, Record);
   EXPECT_EQ(outer->origin_x, 10);
@@ -142,8 +141,7 @@ TEST(Tree, OriginsOfSubWindows) {
 }
 
 TEST(Tree, SlotsAreUsedAgain) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   std::vector<XwWindow*> children;
   for (int i = 0; i < 25; ++i) {
     children.push_back(XwCreate(main, i, 0, 10, 10, Record));
@@ -173,8 +171,7 @@ TEST(Tree, SlotsAreUsedAgain) {
 }
 
 TEST(Tree, Descent) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* a = XwCreate(main, 0, 0, 10, 10, Record);
   XwWindow* b = XwCreate(a, 0, 0, 10, 10, Record);
   XwWindow* docked = XwCreateDocked(main, 0, 0, 10, 10, Record);
@@ -188,8 +185,7 @@ TEST(Tree, Descent) {
 }
 
 TEST(Tree, DockedWindows) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* docked = XwCreateDocked(main, 450, 120, 60, 80, Record);
   Name(docked, "docked");
   EXPECT_EQ(docked->parent, main);
@@ -218,8 +214,7 @@ TEST(Tree, DockedWindows) {
   // Moved by the program it is placed relative to its parent, which stays.
   seen.clear();
   XwMove(docked, 10, 10, 60, 80);
-  RunLoop();
-  EXPECT_EQ(Trace(), "docked 768");
+  EXPECT_EQ(RunTrace(), "docked 768");
   EXPECT_EQ(docked->x, 110);
   EXPECT_EQ(docked->y, 110);
   EXPECT_EQ(main->x, 100);
@@ -233,8 +228,7 @@ TEST(Tree, DockedWindows) {
 
 TEST(Tree, WindowsNestAsDeepAsMemoryAllows) {
   constexpr int kDeep = 20000;
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   std::vector<XwWindow*> chain{main};
   for (int i = 0; i < kDeep; ++i) {
     // Here and there another child, before the way down or after it.
@@ -274,8 +268,7 @@ TEST(Tree, WindowsNestAsDeepAsMemoryAllows) {
 }
 
 TEST(Tree, EndingAWindowLeavesNoPointerToIt) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* top = XwCreate(0, 500, 100, 200, 200, Record);
   XwWindow* a = Sub(top, "a", 0, 0, 50, 50);
   XwWindow* b = Sub(a, "b", 0, 0, 20, 20);
@@ -335,8 +328,7 @@ TEST(Tree, EndingAWindowLeavesNoPointerToIt) {
 }
 
 TEST(Tree, TheMainWindowsRecordStays) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   XwWindow* docked = XwCreateDocked(main, 450, 120, 60, 80, Record);
   XwWindow* sub = Sub(main, "sub", 0, 0, 10, 10);
   XwWindow* other = XwCreate(0, 500, 100, 200, 200, Record);
@@ -375,41 +367,8 @@ TEST(Tree, TheMainWindowsRecordStays) {
   EXPECT_EQ(W_End, late);
 }
 
-TEST(Tree, TenThousandWindowsLeaveNothingBehind) {
-  Open();
-  XwWindow* main = Main();
-  int native = input::Counts().windows;
-  for (int round = 0; round < 100; ++round) {
-    std::vector<XwWindow*> windows;
-    for (int i = 0; i < 100; ++i) {
-      XwWindow* w = XwCreate(0, i, 50, 20 + i, 20, Record);
-      windows.push_back(w);
-      XwWindow* sub = XwCreate(w, 0, 0, 5, 5, Record);
-      XwWindow* inner = XwCreate(sub, 0, 0, 5, 5, Record);
-      if (i % 10 == 0) XwShow(w, 1);
-      XwTimer(inner, i + 1, 10);
-      XwSendEvent(sub, 1000, i, 0, 0);
-      XwSendEvent(w, 1001, i, 0, 0);
-      XwSet(inner);
-      XwBoxList(3, 0, 0, 0, 0);
-    }
-    if (round % 2) RunFor(0.01);
-    for (size_t i = 0; i < windows.size(); ++i)
-      XwDestroy(windows[round % 3 ? i : windows.size() - 1 - i]);
-    EXPECT_EQ(XW, nullptr);
-  }
-  EXPECT_EQ(input::Counts().windows, native);
-  EXPECT_EQ(W_End, main);
-  EXPECT_LE(W_Root->child_count, 120);
-  for (const XwTimerSlot& slot : Timers) EXPECT_EQ(slot.timer, nullptr);
-  seen.clear();
-  RunLoop();
-  EXPECT_EQ(Trace().find('?'), std::string::npos);
-}
-
 TEST(Tree, AParentHoldsAsManyAsItsCountCanSay) {
-  Open();
-  XwWindow* main = Main();
+  XwWindow* main = OpenMain();
   for (int i = 0; i < INT16_MAX; ++i) ASSERT_NE(XwCreate(main, 0, 0, 1, 1, nullptr), nullptr);
   TakeRefusal();
   EXPECT_EQ(XwCreate(main, 0, 0, 1, 1, nullptr), nullptr);

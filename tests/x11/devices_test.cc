@@ -190,25 +190,6 @@ class Devices : public Reports {
   std::string folder_;
 };
 
-TEST_F(Devices, AWheelTurnsInFractionsOfANotch) {
-  wheel.Move(false, {{kX, 3}});  // the pointer is this device's now
-  Collect([this] { return !Of(RawEvent::kMotion).empty(); });
-  reports.clear();
-  wheel.Move(false, {{kVertical, kNotch / 10}});  // where it stands is known from here on
-  wheel.Move(false, {{kVertical, kNotch / 4}});
-  wheel.Move(false, {{kHorizontal, 1}, {kVertical, -kNotch / 2}});
-  wheel.Move(false, {{kHorizontal, -kNotch / 4}});
-  ASSERT_TRUE(Wait(RawEvent::kScroll, 3));
-  const auto scrolls = Of(RawEvent::kScroll);
-  EXPECT_FLOAT_EQ(scrolls[0].dy, kNotchPixels / 4);
-  EXPECT_FLOAT_EQ(scrolls[1].dy, -kNotchPixels / 2);
-  EXPECT_FLOAT_EQ(scrolls[2].dx, -kNotchPixels / 4);
-  EXPECT_EQ(scrolls[2].dy, 0);
-  // The pointer has not moved, and no button was pressed.
-  EXPECT_TRUE(Of(RawEvent::kMotion).empty());
-  EXPECT_TRUE(Of(RawEvent::kPress).empty());
-}
-
 // No turn is lost, and none counts twice, whether its position or its click tells of it.
 TEST_F(Devices, WholeNotchesCountOnceFromTheFirstOn) {
   wheel.Move(false, {{kX, 3}});

@@ -58,14 +58,6 @@ TEST_P(Docked, LayerWithTheFirst) {
   EXPECT_EQ(user().Look().at(550, 300), 0x00AA00u);
 }
 
-TEST_P(Docked, AreActiveTogether) {
-  SelectWindow(docked);
-  EXPECT_TRUE(RunUntil([&] { return docked->focused; }));
-  EXPECT_TRUE(IsWindowActive(first));
-  EXPECT_TRUE(IsWindowActive(docked));
-  EXPECT_TRUE(IsApplicationActive());
-}
-
 TEST_P(Docked, HideWithTheFirst) {
   HideWindow(first);
   EXPECT_TRUE(RunUntil([&] { return !Viewable(first) && !Viewable(docked); }));

@@ -4,7 +4,6 @@
 #include "platform/events/raw_event.h"
 #include "tests/x11/managed.h"
 #include "tests/x11/reports.h"
-#include "toolkit/xw.h"
 
 namespace x11_test {
 namespace {
@@ -164,99 +163,6 @@ TEST_F(Grabs, ARefusalIsTold) {
   HideWindow(w);
   EXPECT_TRUE(Wait(RawEvent::kGrabLost)) << "and lost with its window";
 }
-
-int Note(int) {
-  return 0;
-}
-
-class ToolkitGrabs : public Grabs {
- protected:
-  void TearDown() override {
-    XwDestroy(over);
-    XwDestroy(top);
-    XwEndSession();
-    Grabs::TearDown();
-  }
-  // The toolkit's own loop, without a timer: its events would carry the buttons from when it fired.
-  static bool Run(const std::function<bool()>& done) {
-    return support::Eventually([&] {
-      while (const int type = XwGetEvent(nullptr, 1))
-        presses += type == XWE_PRESS && Inp.window == over;
-      return done();
-    });
-  }
-  // Polling takes one event each 25 ms: what waits comes out within a few of them.
-  void Rest() {
-    SettleWith([] {
-      bool came = false;
-      for (int i = 0; i < 8; ++i) {
-        usleep(5000);
-        while (const int type = XwGetEvent(nullptr, 1))
-          came = true, presses += type == XWE_PRESS && Inp.window == over;
-      }
-      return came;
-    });
-  }
-  static WindowRef Window(XwWindow* w) { return static_cast<WindowRef>(w->platform); }
-  // Shown by the server, and nothing is left to come.
-  void Appear(XwWindow* w) {
-    XwShow(w, 1);
-    ASSERT_TRUE(Run([&] { return user().Viewable(Id(Window(w))); }));
-    Rest();
-  }
-  static inline XwWindow *top = nullptr, *over = nullptr;
-  static inline int presses = 0;  // in `over`; polling hands the pointer's events to no handler
-};
-
-// The variables are set whatever the server says, and what it says takes the buttons away.
-TEST_F(ToolkitGrabs, AnotherProgramHasThePointer) {
-  StartServer("", {});
-  XwSession("Session", "Grabs", 0);
-  top = XwCreate(nullptr, 200, 150, 200, 100, Note);
-  Appear(top);
-  XwSetFocus(top);
-  Rest();
-  user().Move(250, 200);
-  user().Button(1, true);
-  ASSERT_TRUE(Run([] { return (Inp.state & XWS_BUTTONS) == 1; }));
-  XwShow(top, 0);
-  Rest();
-  ASSERT_TRUE(support::Eventually([&] { return Steal(); }));
-  user().Button(1, false);
-  user().Sync();
-  Appear(top);
-  XwGrabPointer(top, 2);
-  EXPECT_EQ(XwPointerIsGrabbed(), top);
-  ASSERT_TRUE(Run([] { return (Inp.state & XWS_BUTTONS) == 0; }));
-  EXPECT_EQ(XwPointerIsGrabbed(), top);
-  XwUngrabPointer();
-  GiveBack();
-}
-
-class Stacking : public ToolkitGrabs, public testing::WithParamInterface<bool> {};
-
-// A press over the menu bar belongs to the window that the screen shows there.
-TEST_P(Stacking, DecidesAboutThePress) {
-  StartServer("", {});
-  XwSession("Session", "Stacking", 0);
-  presses = 0;
-  top = XwCreate(nullptr, 200, 150, 300, 100, Note);
-  over = XwCreate(nullptr, 250, 100, 100, 100, Note);
-  for (XwWindow* w : {top, over}) Appear(w);
-  const bool shown = GetParam();  // over the menu bar, which the program has in front of it
-  XwSetFocus(shown ? top : over);
-  SelectWindow(Window(shown ? top : over));
-  Rest();
-  Restack(Window(shown ? over : top));
-  user().Move(300, 140);
-  Rest();
-  user().Click(1);
-  Rest();
-  EXPECT_EQ(presses, shown ? 1 : 0);
-  EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
-}
-
-INSTANTIATE_TEST_SUITE_P(Both, Stacking, testing::Bool());
 
 class PopUps : public Managed, public testing::WithParamInterface<const char*> {};
 

@@ -163,20 +163,6 @@ TEST_F(Managed, MovesOfTheProgramAreNotHeardOfAgain) {
   ExpectBoundsAgree(w);
 }
 
-TEST_F(Managed, MovesOfTheUserAreFollowed) {
-  Start("openbox");
-  WindowRef w = Show("Dragged", {200, 150, 500, 350});
-  Settle();
-  const size_t drawn = Count(kEventClassWindow, kEventWindowDrawContent);
-  const auto frame = user().Where(user().Frame(Id(w)));
-  Drag(frame.x + frame.width / 2, frame.y + 8, 77, 61);
-  EXPECT_TRUE(RunUntil([&] { return w->content.left == 277; }));
-  Settle();
-  ExpectBoundsAgree(w);
-  EXPECT_GE(Count(kEventClassWindow, kEventWindowBoundsReported), 1u);
-  EXPECT_EQ(Count(kEventClassWindow, kEventWindowDrawContent), drawn);
-}
-
 TEST_F(Managed, ResizesOfTheUserKeepToLimitsAndSteps) {
   Start("openbox");
   WindowRef w = Show("Resized", {200, 150, 503, 351});
@@ -201,18 +187,6 @@ TEST_F(Managed, ResizesOfTheUserKeepToLimitsAndSteps) {
   drag(200, 100);
   const auto at = user().Where(Id(w));
   EXPECT_EQ(user().Look().at(at.x + at.width - 1, at.y + at.height - 1), 0x3366CCu);
-}
-
-TEST_F(Managed, AFixedWindowCannotBeResizedButByTheProgram) {
-  Start("openbox");
-  WindowRef w = Show("Fixed", {200, 150, 500, 350});
-  const auto f = user().Where(user().Frame(Id(w)));
-  Drag(f.x + f.width - 1, f.y + f.height - 1, 50, 50);
-  EXPECT_EQ(w->content, (Rect{200, 150, 500, 350}));
-  SetWindowBounds(w, {200, 150, 560, 390});
-  Settle();
-  ExpectBoundsAgree(w);
-  EXPECT_EQ(w->content.width(), 360);
 }
 
 TEST_F(Managed, CloseAsksAndDoesNothing) {
@@ -387,18 +361,6 @@ TEST_F(Managed, PingsAreAnswered) {
     }
     return answered;
   }));
-}
-
-TEST_F(Managed, ASecondManagerDoesAsWell) {
-  Start("icewm");
-  WindowRef w = Show("Other", {200, 150, 500, 350});
-  EXPECT_TRUE(RunUntil([&] { return w->focused && w->frame.top > 0; }));
-  ExpectBoundsAgree(w);
-  SetWindowBounds(w, {250, 180, 600, 400});
-  Settle();
-  ExpectBoundsAgree(w);
-  const auto at = user().Where(Id(w));
-  EXPECT_EQ(user().Look().at(at.x + at.width - 1, at.y + at.height - 1), 0x3366CCu);
 }
 
 }  // namespace

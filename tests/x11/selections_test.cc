@@ -326,7 +326,7 @@ TEST_F(Selections, AnOwnerThatStopsIsGivenUp) {
   const int forgotten = Ask(kClip, 100000);
   ASSERT_TRUE(Run([&] { return asked.requestor != 0; }));
   ForgetAsk(forgotten);
-  EXPECT_FALSE(x11::AsksWith(asked.requestor));
+  EXPECT_FALSE(x11::IsTextRequestWindow(asked.requestor));
   Idle();
   late.Put(asked.requestor, asked.property, {"UTF8_STRING", 8, "late"});
   late.Say(asked, asked.property);

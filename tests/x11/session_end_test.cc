@@ -276,19 +276,6 @@ int RunProgram(const std::function<void(pid_t)>& act, std::string* error) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-TEST_F(X11Test, ASignalIsARequestToQuit) {
-  StartServer("", {});
-  std::string error;
-  EXPECT_EQ(RunProgram(
-                [this](pid_t pid) {
-                  user().Find("Program");
-                  kill(pid, SIGTERM);
-                },
-                &error),
-            7);
-  EXPECT_EQ(error, "");
-}
-
 TEST_F(X11Test, TheEndOfTheServerEndsTheProgramWithALine) {
   StartServer("", {});
   std::string error;

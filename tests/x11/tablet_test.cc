@@ -56,23 +56,6 @@ PointerDevice Pen() {
   return d;
 }
 
-TEST(PointerEvents, DecodesPositionStateAndAxes) {
-  const auto bytes = Motion(1 << 0 | 1 << 2 | 1 << 4, {100.5, 1024, -7.75}, 1 << 1);
-  PointerEvent e;
-  ASSERT_TRUE(DecodePointerEvent(bytes.data(), bytes.size(), &e));
-  EXPECT_EQ(e.source, 12);
-  EXPECT_EQ(e.window, 77u);
-  EXPECT_EQ(e.time, 1000u);
-  EXPECT_EQ(e.x, 10.5);
-  EXPECT_EQ(e.y, -3.25);
-  EXPECT_EQ(e.state, 0x05u | 1 << 13);
-  ASSERT_EQ(e.values.size(), 3u);
-  EXPECT_EQ(e.values[0].axis, 0);
-  EXPECT_EQ(e.values[0].value, 100.5);
-  EXPECT_EQ(e.values[2].axis, 4);
-  EXPECT_EQ(e.values[2].value, -7.75);
-}
-
 TEST(PointerEvents, EveryCutIsRefused) {
   const auto bytes = Motion(1 << 0 | 1 << 2 | 1 << 4, {100.5, 1024, -7.75}, 1 << 1);
   for (size_t size = 0; size < bytes.size(); ++size) {

@@ -8,7 +8,9 @@
 #include "toolkit/controls/framework.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/record.h"
+#include "toolkit/target/selection.h"
 #include "toolkit/windows/control_bounds.h"
+#include "toolkit/windows/item_texts.h"
 
 using namespace platform;
 
@@ -126,6 +128,25 @@ XwWindow* XwEditBox(XwWindow* parent, const char* text, int32_t id, int x, int y
   InstallControlHandler(box, Editbox_func,
                         {kEventControlSetFocusPart, kEventControlTextChanged, kEventControlClick});
   return box;
+}
+
+// The native box of an edit box or an editable combo box; null.
+static ControlRef NativeBox(XwWindow* box) {
+  if (!CheckWindow(box) || !IsControl(box)) return nullptr;
+  if (IsEditableCombo(box)) box = box->linked;
+  return box && box->kind == XWK_EDIT ? NativeControl(box) : nullptr;
+}
+static bool IsEditAction(int action) {
+  return action >= XWU_UNDO && action <= XWU_SELECT_ALL;
+}
+
+int XwCanEdit(XwWindow* box, int action) {
+  return IsEditAction(action) && CanEditText(NativeBox(box), EditCommand(action));
+}
+
+void XwEdit(XwWindow* box, int action) {
+  TargetScope scope;
+  if (IsEditAction(action)) EditTextBy(NativeBox(box), EditCommand(action));
 }
 
 int32_t XwEditField(XwWindow* parent, int x, int y, int w, int h, char* text) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "platform/controls/edit_text.h"
+#include "platform/display/alert_sound.h"
 #include "platform/events/clock.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
@@ -204,6 +205,7 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
   if (!ReceiveNextEvent(kEventDurationNoWait, &e)) return 0;
   if (e.cls != kToolkitEventClass) {
     Translate(&e);
+    DropRequestedContext();
     return Inp.type;
   }
   TakeRecord(e);

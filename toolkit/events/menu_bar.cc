@@ -1,10 +1,14 @@
 #include "toolkit/events/menu_bar.h"
 
+#include <utility>
+
+#include "platform/events/context_key.h"
 #include "platform/input/translate.h"
 #include "platform/loop/tracking.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/grab.h"
 #include "toolkit/core/modifiers.h"
+#include "toolkit/core/record.h"
 #include "toolkit/events/loop.h"
 #include "toolkit/target/selection.h"
 #include "toolkit/windows/menus.h"
@@ -16,6 +20,28 @@ namespace {
 void MenuClosed() {
   HiliteMenu(0);
   DropButtons(XWS_BUTTONS & ~HeldButtons());
+}
+
+// The window whose context menu the keyboard has asked for.
+XwWindow* wants_context;
+
+XwWindow* TopLevelOf(WindowRef native) {
+  for (XwWindow* w = W_Start; w; w = w->next)
+    if (IsTopLevel(w) && w->platform == native) return w;
+  return nullptr;
+}
+
+void OpenRequestedContext() {
+  XwWindow* w = std::exchange(wants_context, nullptr);
+  if (!w || !IsLive(w) || !w->context_menu_handler || WaitKeepsOut(w)) return;
+  TargetScope scope;
+  const XwEvent before = Inp;
+  Inp.window = w;
+  w->context_menu_handler();
+  // The key is still to be delivered.
+  Inp = before;
+  if (!IsLive(Inp.window)) Inp.window = nullptr;
+  if (!IsLive(Inp.focus)) Inp.focus = nullptr;
 }
 
 void SendCommand(MenuRef menu, uint32_t command) {
@@ -33,7 +59,12 @@ void PressMenuBar(const Event& e) {
   MenuClosed();
 }
 
+void DropRequestedContext() {
+  wants_context = nullptr;
+}
+
 void OpenRequestedMenu() {
+  OpenRequestedContext();
   MenuRef menu = TakeMenuBarRequest();
   if (!menu || ModalKeepsOut(W_Start)) return;
   TargetScope scope;
@@ -42,6 +73,7 @@ void OpenRequestedMenu() {
 }
 
 OSStatus EVmenukey_func(HandlerCall*, Event* event, void*) {
+  if (!event->key.ignored && OpensContextMenu(*event)) wants_context = TopLevelOf(event->window);
   if (event->key.ignored || !IsLive(W_MenuBar) || ModalKeepsOut(W_Start)) return eventNotHandledErr;
   const int type = Inp.type;
   const uint32_t modifiers = ModifierBits(event->key.modifiers);

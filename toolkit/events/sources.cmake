@@ -9,5 +9,5 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/loop.cc
   ${CMAKE_CURRENT_LIST_DIR}/menu_bar.cc
   ${CMAKE_CURRENT_LIST_DIR}/mouse.cc
-  ${CMAKE_CURRENT_LIST_DIR}/replay.cc
+  ${CMAKE_CURRENT_LIST_DIR}/results.cc
   ${CMAKE_CURRENT_LIST_DIR}/session.cc)

@@ -188,6 +188,10 @@ void XwSetActivationHandler(XwWindow* w, XwActivationHandler handler) {
   if (CheckWindow(w) && IsTopLevel(w)) w->activation_handler = handler;
 }
 
+void XwSetContextMenuHandler(XwWindow* w, XwContextMenuHandler handler) {
+  if (CheckWindow(w) && IsTopLevel(w)) w->context_menu_handler = handler;
+}
+
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush) {
   static constexpr int16_t kCodes[] = {0, 15, 1, 7, 52};
   if (!CheckWindow(window)) return;

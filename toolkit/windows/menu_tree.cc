@@ -90,7 +90,7 @@ void AddItem(MenuRef menu, XwMenuItem* record, bool popup) {
   }
   ChangeMenuItemAttributes(menu, item, attributes, 0);
   SetMenuItemCommandID(menu, item, command);
-  if (!popup) SetMenuItemKeyText(menu, item, MenuKeyText(record).c_str());
+  SetMenuItemKeyText(menu, item, MenuKeyText(record).c_str());
 }
 
 void SetTitle(MenuRef menu, const char* title) {

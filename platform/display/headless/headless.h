@@ -66,13 +66,13 @@ void Quit();
 void Inject(const RawEvent& raw);
 
 // --- Selections: another program of the desktop.
-// It offers a text from now on; asked for it, it answers at once, or only with AnswerAsks.
+// It offers a text from now on; asked for it, it answers at once, or only with AnswerTextRequests.
 void OfferText(Selection which, const std::string& text);
 void OfferTextLater(Selection which);
 // What it asked for and was not answered yet is answered with this; null: there is none.
-void AnswerAsks(const std::string* text);
-// Requests of the program that wait for AnswerAsks.
-int OpenAsks();
+void AnswerTextRequests(const std::string* text);
+// Requests of the program that wait for AnswerTextRequests.
+int WaitingTextRequests();
 // From now on it keeps what it offers, or lets others offer again.
 void KeepSelections(bool kept);
 // What it gets when it asks: the text that the program offers, else null.

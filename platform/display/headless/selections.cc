@@ -88,12 +88,12 @@ void OfferTextLater(Selection which) {
   TakeSelection(which, nullptr, true);
 }
 
-void AnswerAsks(const std::string* text) {
+void AnswerTextRequests(const std::string* text) {
   for (int request : std::exchange(Headless().asks, {}))
     Answer(Selection::kClipboard, request, text);
 }
 
-int OpenAsks() {
+int WaitingTextRequests() {
   return int(Headless().asks.size());
 }
 

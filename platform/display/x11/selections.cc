@@ -193,7 +193,8 @@ bool ConvertEach(Offer& offer, xcb_window_t asker, xcb_atom_t property) {
 // A window of the program's own, the root, and a time before the text was offered get nothing.
 bool MayAsk(const xcb_selection_request_event_t& e, const Offer& offer) {
   const xcb_window_t asker = e.requestor;
-  const bool own = asker == owner.window || FindNative(asker) != nullptr || AsksWith(asker);
+  const bool own =
+      asker == owner.window || FindNative(asker) != nullptr || IsTextRequestWindow(asker);
   if (offer.text == nullptr || asker == XCB_NONE || asker == x.screen->root || own) return false;
   const bool tell = e.time != XCB_CURRENT_TIME && offer.time != XCB_CURRENT_TIME;
   return !tell || int32_t(e.time - offer.time) >= 0;

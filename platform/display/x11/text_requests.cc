@@ -155,7 +155,7 @@ void AskText(Selection which, int request, bool wanted) {
   AskOwner(r);
 }
 
-bool AsksWith(xcb_window_t window) {
+bool IsTextRequestWindow(xcb_window_t window) {
   return Find(window) != requests.end();
 }
 

@@ -15,7 +15,7 @@ std::map<xcb_window_t, Reasons> watches;
 
 bool IsForeign(xcb_window_t window) {
   return window != XCB_NONE && window != x.screen->root && FindNative(window) == nullptr &&
-         window != SelectionWindow() && !AsksWith(window);
+         window != SelectionWindow() && !IsTextRequestWindow(window);
 }
 
 void Select(xcb_window_t window, const Reasons& reasons) {

@@ -1,6 +1,6 @@
-// Results of background tasks, and record and replay, as programs see them.
-#include "platform/input/record.h"
+// Results of background tasks: XwPost, and whether a replay is running.
 #include "platform/input/results.h"
+#include "platform/input/record.h"
 #include "toolkit/xw.h"
 
 void XwPost(const char* kind, const char* detail, void (*take)(void* data, int taken), void* data) {

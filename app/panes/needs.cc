@@ -1,0 +1,65 @@
+#include "app/panes/needs.h"
+
+#include "app/format/words.h"
+#include "app/look/controls.h"
+#include "app/look/style.h"
+#include "app/panes/ids.h"
+
+namespace console {
+namespace {
+
+constexpr int kButton = 122, kEdge = 8;
+
+}  // namespace
+
+void NeedsPane::MakeControls(XwWindow* window) {
+  load =
+      XwButton(window, "Paper Loaded", kLoadPaperCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);
+  choose = XwButton(window, "Choose Printer", kGoToPrintersCommand, 0, 0, 9, 9,
+                    XWC_ENABLED | XWC_VARIANT, 0);
+}
+
+bool NeedsPane::ChosenIsGone() const {
+  return !printers.rows().empty() && !printers.chosen().empty() && !printers.Chosen();
+}
+
+const PrinterRow* NeedsPane::WithoutPaper() const {
+  const auto all = printers.WithoutPaper();
+  return all.empty() || ChosenIsGone() ? nullptr : all.front();
+}
+
+std::string NeedsPane::Text() const {
+  if (ChosenIsGone()) return printers.WhyNotPrint();
+  const auto all = printers.WithoutPaper();
+  if (all.empty()) return "";
+  const NC_Printer& first = *all.front()->printer;
+  const bool stands = first.state == NC_PRINTER_PAPER_OUT;
+  const std::string text =
+      Quoted(first.name) + (stands ? " is out of paper" : " has no paper left");
+  return all.size() == 1 ? text
+                         : text + ", and so " + (all.size() == 2 ? "is " : "are ") +
+                               NumberOf(int64_t(all.size()) - 1, "other printer", "other printers");
+}
+
+void NeedsPane::Place() {
+  Area a = layout.needs;
+  a.TakeRight(kEdge);
+  const Area button = a.TakeRight(kButton).Inset(0, 5);
+  for (XwWindow* each : {load, choose})
+    PlaceControl(each, each == Button() && !layout.needs.Empty() ? button : Area{});
+}
+
+void NeedsPane::Draw() const {
+  Area a = layout.needs;
+  if (a.Empty()) return;
+  const Style& l = TheStyle();
+  a = DrawStrip(a, ChosenIsGone() ? l.warning : l.bad);
+  a.TakeRight(kEdge + kButton + kEdge);
+  DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
+}
+
+void NeedsPane::AddHits(Hits* hits) const {
+  hits->Cover(layout.needs, {XWA_STATUS, 0, "Attention", Text()});
+}
+
+}  // namespace console

@@ -1,0 +1,38 @@
+// The strip over the status line while somebody is needed: for a printer without paper, or to
+// choose another printer than one that has gone. That of a server that is away comes before it.
+#pragma once
+#include <string>
+
+#include "app/look/hits.h"
+#include "app/model/printers.h"
+#include "app/panes/layout.h"
+
+namespace console {
+
+struct NeedsPane {
+  // Both are looked at for as long as the pane lives.
+  NeedsPane(const Layout& layout_of_all, const Printers& all)
+      : layout(layout_of_all), printers(all) {}
+  void MakeControls(XwWindow* window);
+  void Place();
+  void Draw() const;
+  void AddHits(Hits* hits) const;
+
+  // What it says: one sentence, "" when there is nothing to be done.
+  std::string Text() const;
+  // The one that is offered.
+  XwWindow* Button() const { return ChosenIsGone() ? choose : load; }
+  // The one that wants paper; null when none does, or another thing comes first.
+  const PrinterRow* WithoutPaper() const;
+
+  static constexpr int kHeight = 34;
+  const Layout& layout;
+  const Printers& printers;
+  bool shown = false;
+  XwWindow *load = nullptr, *choose = nullptr;  // of commands
+
+ private:
+  bool ChosenIsGone() const;
+};
+
+}  // namespace console

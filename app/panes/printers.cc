@@ -1,0 +1,217 @@
+#include "app/panes/printers.h"
+
+#include <algorithm>
+
+#include "app/look/style.h"
+
+namespace console {
+namespace {
+
+constexpr int kCaption = 32, kSupplyLine = 18, kMostSupplies = 4, kSupplyEnd = 8;
+constexpr int kLittle = 10;  // percent of a supply
+constexpr int kLevel = 4, kLevelHeight = 12, kMostLevels = 8;
+constexpr int kButton = 92;
+constexpr char kPaperLoaded[] = "Paper Loaded";
+
+int32_t ToneColor(Tone tone) {
+  const Style& l = TheStyle();
+  switch (tone) {
+    case Tone::kBad:
+      return l.bad;
+    case Tone::kWarning:
+      return l.warning;
+    case Tone::kBusy:
+      return l.accent;
+    case Tone::kGood:
+      return l.good;
+    default:
+      return l.line;
+  }
+}
+
+int32_t SupplyColor(const Supply& supply, bool away) {
+  const Style& l = TheStyle();
+  const int32_t ink = supply.percent < kLittle ? l.warning : l.second;
+  return away ? Dimmed(ink, l.side) : ink;
+}
+
+// What stands behind the state.
+std::string MoreOf(const PrinterRow& row, bool mine) {
+  std::string text;
+  if (!row.jobs.empty()) text += ", " + row.jobs;
+  if (!row.paper.empty() && !row.needs_paper) text += ", " + row.paper;
+  if (mine) text += ", your default";
+  return text;
+}
+
+std::string SuppliesText(const PrinterRow& row) {
+  std::string text;
+  for (const Supply& s : row.supplies)
+    text += ", " + s.name + (s.percent < 0 ? "" : " " + std::to_string(s.percent) + " %");
+  return text;
+}
+
+// A small column for each supply, as full as it is.
+void DrawLevels(const Area& a, const PrinterRow& row, int32_t background, bool strong, bool away) {
+  const Style& l = TheStyle();
+  const int y = a.y + (a.h - kLevelHeight) / 2;
+  int x = a.x;
+  for (const Supply& s : row.supplies) {
+    if (x + kLevel > a.right()) break;
+    const int32_t ink = strong ? l.on_accent : SupplyColor(s, away);
+    XwBox(x, y, kLevel, kLevelHeight, Mix(ink, background, 25));
+    const int full = s.percent < 0 ? 0 : (s.percent * kLevelHeight + 50) / 100;
+    Fill({x, y + kLevelHeight - full, kLevel, full}, ink);
+    x += kLevel + 2;
+  }
+}
+
+}  // namespace
+
+void PrintersPane::MakeControls(XwWindow* window) {
+  list.MakeControls(window, kPrintersControl, "Printers");
+}
+
+// As many for all printers, so that the list keeps its height.
+int PrintersPane::SupplyLines() const {
+  size_t lines = 0;
+  for (const PrinterRow& row : printers.rows()) lines = std::max(lines, row.supplies.size());
+  const int room = (layout.printers.h - kCaption - kSupplyEnd - 3 * kRowHeight) / kSupplyLine;
+  return std::clamp(int(lines), 0, std::clamp(room, 0, kMostSupplies));
+}
+
+void PrintersPane::Place() {
+  Area a = layout.printers;
+  a.w -= 1;  // the line at the right
+  a.TakeTop(kCaption);
+  const int lines = SupplyLines();
+  if (lines > 0) a.TakeBottom(lines * kSupplyLine + kSupplyEnd);
+  list.Place(a);
+}
+
+std::string PrintersPane::NameAt(int row) const {
+  return row >= 0 && size_t(row) < printers.rows().size()
+             ? printers.rows()[size_t(row)].printer->name
+             : "";
+}
+
+void PrintersPane::Update() {
+  if (!At()) at = printers.chosen();
+  const PrinterRow* row = At();
+  const int there = row ? int(row - printers.rows().data()) : -1;
+  const bool first = list.rows() == 0;
+  list.SetRows(int(printers.rows().size()), there);
+  Place();
+  if (first) list.GoTo(there);
+}
+
+void PrintersPane::GoTo(const std::string& name) {
+  at = name;
+  if (const PrinterRow* row = At()) list.GoTo(int(row - printers.rows().data()));
+}
+
+void PrintersPane::KeyMoved() {
+  at = NameAt(list.at());
+}
+
+// The button of one without paper.
+Area PrintersPane::MarkArea(int row) const {
+  const PrinterRow& r = printers.rows()[size_t(row)];
+  if (!r.needs_paper || away || !printers.WhyNot(PrinterVerb::kPaperLoaded, r).empty()) return {};
+  const Area a = list.RowArea(row);
+  return {a.right() - kButton - 8, a.y + 17, kButton, 18};
+}
+
+void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong) const {
+  const Style& l = TheStyle();
+  const PrinterRow& r = printers.rows()[size_t(row)];
+  const bool chosen = printers.chosen() == r.printer->name;
+  const bool lit = hover == Hit{kPrinters, SideList::kRow, row};
+  const int32_t background = strong   ? l.accent
+                             : chosen ? Mix(l.accent, l.side, 14)
+                             : lit    ? Mix(l.accent, l.side, 9)
+                                      : l.side;
+  if (background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, background, -1);
+  auto shade = [&](int32_t colour) {
+    return strong ? l.on_accent : away ? Dimmed(colour, background) : colour;
+  };
+  DrawDot(a.x + 14, a.y + 8, shade(ToneColor(r.dot)));
+  Area text{a.x + 30, a.y + 2, a.w - 42, 17};
+  const int levels = std::min(int(r.supplies.size()), kMostLevels) * (kLevel + 2);
+  const Area level = text.TakeRight(levels);
+  if (levels > 0) {
+    text.TakeRight(6);
+    DrawLevels(level, r, background, strong, away);
+  }
+  DrawLabel(chosen ? l.view_bold : l.view, Align::kLeft, text, r.name, shade(l.ink));
+  Area below{a.x + 30, a.y + 18, a.w - 42, 16};
+  const Area button = MarkArea(row);
+  if (!button.Empty()) below.w = button.x - below.x - 6;
+  const bool coloured = r.dot == Tone::kBad || r.dot == Tone::kWarning || r.dot == Tone::kBusy;
+  const int32_t ink = coloured ? ToneColor(r.dot) : l.second;
+  DrawLabel(l.small_text, Align::kLeft,
+            below.TakeLeft(XwTextWidthUtf8(l.small_text, r.state.c_str()) + 1), r.state,
+            shade(ink));
+  if (button.Empty())
+    DrawLabel(l.small_text, Align::kLeft, below, MoreOf(r, mine == r.printer->name),
+              shade(l.second));
+  if (button.Empty()) return;
+  const bool over = hover == Hit{kPrinters, SideList::kMark, row};
+  XwRoundBox(button.x, button.y, button.w, button.h, 4, over ? l.pressed : l.face, l.line);
+  DrawLabel(l.small_text, Align::kCenter, button, kPaperLoaded, l.ink);
+}
+
+void PrintersPane::DrawSupplies(Area a) const {
+  const Style& l = TheStyle();
+  const PrinterRow* row = At();
+  if (!row) return;
+  for (const Supply& s : row->supplies) {
+    Area line = a.TakeTop(kSupplyLine);
+    if (line.h < kSupplyLine) return;
+    const int32_t ink = SupplyColor(s, away);
+    DrawLabel(l.small_text, Align::kLeft, line.TakeLeft(std::min(76, line.w / 2)), s.name,
+              l.second);
+    line.TakeLeft(6);
+    const Area bar{line.x, line.y + 5, line.w, 8};
+    XwRoundBox(bar.x, bar.y, bar.w, bar.h, 4, l.track, l.progress_line);
+    const int full = s.percent < 0 ? 0 : bar.w * s.percent / 100;
+    if (full > 0) XwRoundBox(bar.x, bar.y, std::max(full, 4), bar.h, 4, ink, -1);
+  }
+}
+
+void PrintersPane::Draw(const Hit& hover, bool active, bool focused) const {
+  Area a = layout.printers;
+  if (a.Empty()) return;
+  const Style& l = TheStyle();
+  Fill(a, l.side);
+  LineAtRight(a);
+  a.w -= 1;
+  LineAtTop(a);
+  DrawCaption(a.Inset(12, 0), "PRINTERS");
+  if (printers.rows().empty())
+    DrawLabel(l.view, Align::kLeft, {a.x + 12, a.y + kCaption, a.w - 20, 20},
+              printers.known() ? "The server has none" : "None is known yet", l.second);
+  list.DrawRows([&](int row, const Area& area) {
+    DrawRow(row, area, hover, active && focused && row == list.at());
+  });
+  if (const int lines = SupplyLines(); lines > 0)
+    DrawSupplies(a.TakeBottom(lines * kSupplyLine + kSupplyEnd).Inset(12, 0));
+}
+
+void PrintersPane::AddHits(Hits* hits, bool focused) const {
+  list.AddHits(
+      hits, focused,
+      [this](int row) -> Words {
+        const PrinterRow& r = printers.rows()[size_t(row)];
+        const bool chosen = printers.chosen() == r.printer->name;
+        const std::string how = r.state + MoreOf(r, mine == r.printer->name) + SuppliesText(r);
+        return {XWA_ROW, chosen ? uint32_t{XWT_SELECTED} : 0, r.name, how, r.name + ": " + how};
+      },
+      [this, hits](int row) {
+        if (const Area button = MarkArea(row); !button.Empty())
+          hits->Add({kPrinters, SideList::kMark, row}, list.Visible(button),
+                    {XWA_BUTTON, 0, kPaperLoaded, printers.rows()[size_t(row)].name});
+      });
+}
+
+}  // namespace console

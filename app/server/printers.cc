@@ -1,0 +1,118 @@
+// Changes of printers: asked for by the window, carried out by the worker.
+#include <cerrno>
+
+#include "app/format/words.h"
+#include "app/server/worker.h"
+#include "printserver/changes.h"
+#include "printserver/nc.h"
+#include "printserver/words.h"
+
+namespace console {
+namespace {
+
+struct VerbRow {
+  const char* key;
+  int value;
+  const char *done, *not_done;
+};
+// By PrinterSetting.
+constexpr VerbRow kVerbs[] = {
+    {"paused", 1, "Paused", "Not paused"},
+    {"paused", 0, "Resumed", "Not resumed"},
+    {"accepting", 0, "Takes no new jobs", "Takes new jobs as before"},
+    {"accepting", 1, "Takes new jobs", "Takes no new jobs as before"},
+    {"paper-loaded", 1, "Paper loaded", "Still without paper"},
+};
+
+}  // namespace
+
+void Server::ChangePrinter(const std::string& name, PrinterSetting setting) {
+  Locked lock(shared_.get());
+  shared_->printer_changes.push_back({name, setting});
+  pthread_cond_broadcast(&shared_->wake);
+}
+
+void Server::MoveJobs(const std::string& printer, const std::string& target) {
+  Locked lock(shared_.get());
+  shared_->printer_changes.push_back({printer, PrinterSetting::kPause, target});
+  pthread_cond_broadcast(&shared_->wake);
+}
+
+// The next change with the printer as it is listed. False when there is none.
+bool Worker::NextPrinterChange(PrinterChange* change, NC_Printer* printer) {
+  Locked lock(shared_);
+  if (shared_->printer_changes.empty()) return false;
+  *change = std::move(shared_->printer_changes.front());
+  shared_->printer_changes.pop_front();
+  for (const NC_Printer& p : *shared_->state.printers)
+    if (p.name == change->name) *printer = p;
+  return true;
+}
+
+int Worker::SetPrinter(const PrinterChange& change, const NC_Printer& printer) {
+  const VerbRow& verb = kVerbs[int(change.setting)];
+  const int status = nc::ChangePrinter(shared_->open[kLists], printer, verb.key, verb.value);
+  const int error = errno;
+  const bool done = status == NC_STATUS_DONE;
+  std::string text = std::string(done ? verb.done : verb.not_done) + ": " + Quoted(change.name);
+  if (!done && status >= 0)
+    text += std::string(", ") + nc::RefusalText(status, nc::Asked::kPrinter);
+  if (status < 0) text += ", the connection broke";
+  Locked lock(shared_);
+  shared_->AddNotice(done, text);
+  errno = error;
+  return status;
+}
+
+// Of those that have not ended each to the other printer, as far as the server lets it.
+int Worker::MoveAllJobs(const PrinterChange& change) {
+  std::shared_ptr<const std::vector<NC_Job>> jobs;
+  {
+    Locked lock(shared_);
+    jobs = shared_->state.jobs;
+  }
+  nc::Change to;
+  to.printer = change.target;
+  int status = NC_STATUS_DONE, error = 0;
+  int64_t moved = 0, refused = 0;
+  std::string why;
+  for (const NC_Job& job : *jobs) {
+    if (job.printer != change.name || job.state == NC_JOB_DONE || job.state == NC_JOB_FAILED)
+      continue;
+    status = nc::MoveJob(shared_->open[kLists], job, to).status;
+    error = errno;
+    if (status < 0) break;
+    if (status == NC_STATUS_DONE)
+      ++moved;
+    else if (refused++ == 0)
+      why = nc::RefusalText(status, nc::Asked::kJob);
+  }
+  std::string text = "Moved to " + Quoted(change.target) + ": " + NumberOf(moved, "job", "jobs");
+  if (refused > 0) text += "; not moved: " + NumberOf(refused, "job", "jobs") + ", " + why;
+  if (status < 0) text += "; then the connection broke";
+  Locked lock(shared_);
+  shared_->AddNotice(refused == 0 && status >= 0, text);
+  errno = error;
+  return status;
+}
+
+// False when the connection broke, with errno.
+bool Worker::ChangePrinters() {
+  PrinterChange change;
+  for (NC_Printer printer{}; NextPrinterChange(&change, &printer); printer = {}) {
+    Began();
+    const int status = change.target.empty() ? SetPrinter(change, printer) : MoveAllJobs(change);
+    const int error = errno;
+    Ended();
+    next_poll_ = 0;
+    {
+      Locked lock(shared_);
+      shared_->Published();
+    }
+    errno = error;
+    if (status < 0) return false;
+  }
+  return true;
+}
+
+}  // namespace console

@@ -1,0 +1,180 @@
+#include "app/window/command_table.h"
+
+#include "app/window/commands.h"
+#include "app/window/help.h"
+#include "app/window/print_options.h"
+#include "app/window/side_commands.h"
+
+namespace console {
+namespace {
+
+// --- File
+
+bool HasSelection(const Console* c) {
+  return c->files.table.selected() >= 0;
+}
+
+// --- Edit: of the box with the keyboard
+
+template <int action>
+bool CanEdit(const Console* c) {
+  return XwCanEdit(XwGetFocus(c->window), action);
+}
+template <int action>
+void Edit(Console* c) {
+  XwEdit(XwGetFocus(c->window), action);
+}
+
+// --- Queue
+
+template <JobAction action>
+bool CanDo(const Console* c) {
+  return c->queue.CanChange(action);
+}
+template <JobAction action>
+void Do(Console* c) {
+  c->queue.Change(action, &c->server);
+}
+bool IsSending(const Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending) return true;
+  return false;
+}
+
+// --- Printers
+
+template <PrinterVerb verb>
+constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = false) {
+  return {id,
+          kNoMenu,
+          name,
+          [](const Console* c) { return CanDoToPrinter(c, verb); },
+          [](Console* c) { DoToPrinter(c, verb); },
+          {.group = group, .contexts = kOnPrinters, .why_not = [](const Console* c) {
+             return WhyNotToPrinter(c, verb);
+           }}};
+}
+
+// --- View
+
+bool HasParent(const Console* c) {
+  return c->files.folder.path() != "/";
+}
+void GoToFilter(Console* c) {
+  SetFocusStop(c, FocusStop::kFilter);
+}
+bool HasMessage(const Console* c) {
+  return !c->status.message().text.empty();
+}
+void DismissMessage(Console* c) {
+  c->status.ReadMessage();
+  c->damage |= kStatusPane;
+}
+template <int column>
+void Sort(Console* c) {
+  SortBy(c, column);
+}
+
+constexpr Command Row(CommandId id, Menu menu, const char* name, Enabled enabled, Run run,
+                      CommandMore more = {}) {
+  return {id, menu, name, enabled, run, more};
+}
+
+constexpr Command kCommands[] = {
+    Row(kOpenCommand, kFileMenu, "Open", HasSelection, OpenSelected,
+        {.key = 'o', .plain_key = XWE_RETURN, .where = kInFiles, .contexts = kOnFiles}),
+    Row(kPrintCommand, kFileMenu, "Print", CanPrint, PrintSelected,
+        {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
+    Row(kPrintOnCommand, kFileMenu, "Printer", nullptr, nullptr,
+        {.group = true,
+         .contexts = kOnOptions,
+         .choices = PrinterChoices,
+         .choose = ChooseNextPrinter}),
+    Row(kNextProfileCommand, kFileMenu, "Profile", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
+    Row(kNextMediaCommand, kFileMenu, "Media", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextMediaChoices, .choose = ChooseNextMedia}),
+    Row(kNextPriorityCommand, kFileMenu, "Priority", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextPriorityChoices, .choose = ChooseNextPriority}),
+    Row(kColourCommand, kFileMenu, "Colour…", nullptr, ChooseColour, {.contexts = kOnOptions}),
+    Row(kHoldNextCommand, kFileMenu, "Hold Next Job", nullptr, HoldNext,
+        {.key = 'j', .contexts = kOnOptions, .checked = HoldsNext}),
+    Row(kUsualCommand, kFileMenu, "Usual Options", nullptr, UseUsualOptions,
+        {.group = true, .contexts = kOnOptions}),
+    Row(kOptionsCommand, kNoMenu, "Print Options", nullptr, OpenOptions),
+    Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
+
+    Row(kUndoCommand, kEditMenu, "Undo", CanEdit<XWU_UNDO>, Edit<XWU_UNDO>, {.key = 'z'}),
+    Row(kRedoCommand, kEditMenu, "Redo", CanEdit<XWU_REDO>, Edit<XWU_REDO>, {.key = 'y'}),
+    Row(kCutCommand, kEditMenu, "Cut", CanEdit<XWU_CUT>, Edit<XWU_CUT>,
+        {.group = true, .key = 'x'}),
+    Row(kCopyCommand, kEditMenu, "Copy", CanEdit<XWU_COPY>, Edit<XWU_COPY>, {.key = 'c'}),
+    Row(kPasteCommand, kEditMenu, "Paste", CanEdit<XWU_PASTE>, Edit<XWU_PASTE>, {.key = 'v'}),
+    Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
+    Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
+        {.group = true, .key = ','}),
+
+    Row(kHoldCommand, kQueueMenu, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>,
+        {.key = 'h', .plain_key = 'h', .where = kInQueue, .contexts = kOnJobs}),
+    Row(kReleaseCommand, kQueueMenu, "Release", CanDo<JobAction::kRelease>, Do<JobAction::kRelease>,
+        {.key = 'g', .plain_key = 'r', .where = kInQueue, .contexts = kOnJobs}),
+    Row(kRemoveCommand, kQueueMenu, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
+        {.group = true,
+         .key = XWE_DELETE,
+         .plain_key = XWE_DELETE,
+         .where = kInQueue,
+         .contexts = kOnJobs}),
+    Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
+        {.group = true, .key = '.'}),
+    Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
+        {.key = 's'}),
+    Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
+
+    Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", WantsPaper, LoadPaper,
+        {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
+    PrinterVerbRow<PrinterVerb::kPause>(kPausePrinterCommand, "Pause"),
+    PrinterVerbRow<PrinterVerb::kResume>(kResumePrinterCommand, "Resume"),
+    PrinterVerbRow<PrinterVerb::kRefuseJobs>(kRefuseJobsCommand, "Refuse New Jobs", true),
+    PrinterVerbRow<PrinterVerb::kTakeJobs>(kTakeJobsCommand, "Take New Jobs"),
+    PrinterVerbRow<PrinterVerb::kPaperLoaded>(kPaperLoadedCommand, "Paper Loaded", true),
+    Row(kMoveAllJobsCommand, kNoMenu, "Move All Jobs to",
+        [](const Console* c) { return CanDoToPrinter(c, PrinterVerb::kMoveJobs); }, nullptr,
+        {.group = true,
+         .contexts = kOnPrinters,
+         .why_not = [](const Console* c) { return WhyNotToPrinter(c, PrinterVerb::kMoveJobs); },
+         .choices = MoveChoices,
+         .choose = MoveAllJobs}),
+    PrinterVerbRow<PrinterVerb::kMakeMine>(kMakeMineCommand, "Make My Default", true),
+    Row(kGoToPrintersCommand, kNoMenu, "Choose Printer", nullptr, GoToPrinters),
+
+    Row(kShowPlacesCommand, kViewMenu, "Places", nullptr, TogglePlaces,
+        {.key = '7', .checked = ShowsPlaces}),
+    Row(kShowPrintersCommand, kViewMenu, "Printers", nullptr, TogglePrinters,
+        {.key = '8', .checked = ShowsPrinters}),
+    Row(kShowDetailsCommand, kViewMenu, "Details", nullptr, ToggleDetails,
+        {.key = '9', .checked = ShowsDetails}),
+    Row(kListsCommand, kViewMenu, "Scanners and Profiles", nullptr, ShowLists),
+    Row(kPaneSizeCommand, kViewMenu, "Size of This Pane", nullptr, nullptr,
+        {.choices = PaneSizeChoices, .choose = ChangePaneSize}),
+    Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
+        {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
+    Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
+        {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
+    Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
+    Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
+    Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
+        {.group = true, .key = '1'}),
+    Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),
+    Row(kSortByDateCommand, kViewMenu, "Sort by Date", nullptr, Sort<2>, {.key = '3'}),
+
+    Row(kKeysCommand, kHelpMenu, "Keys", nullptr, ShowKeys, {.key = XWE_F1, .modifiers = 0}),
+    Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, ShowAbout, {.group = true}),
+};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+  return kCommands;
+}
+
+}  // namespace console

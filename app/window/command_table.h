@@ -1,0 +1,65 @@
+// What a command is, and the one table of all of them. A new command is a number in
+// app/panes/ids.h and a row in command_table.cc: menus, context menus, keys and buttons follow.
+#pragma once
+#include <span>
+#include <string>
+#include <vector>
+
+#include "app/window/console.h"
+
+namespace console {
+
+// The menus of the bar. A command without one stands in context menus, has keys or a button.
+enum Menu : uint8_t { kFileMenu, kEditMenu, kQueueMenu, kViewMenu, kHelpMenu, kMenus };
+constexpr Menu kNoMenu = kMenus;
+
+// Where a key without Control counts: bits of stops.
+constexpr unsigned In(FocusStop stop) {
+  return 1u << int(stop);
+}
+constexpr unsigned kInFiles = In(FocusStop::kFiles), kInQueue = In(FocusStop::kQueue);
+constexpr unsigned kEverywhere = ~0u;
+
+// An item of the menu that a command opens.
+struct CommandChoice {
+  std::string text;  // UTF-8, not empty
+  bool checked = false, enabled = true;
+};
+// More are not shown.
+constexpr int kMostChoices = 128;
+
+// What many commands do without.
+struct CommandMore {
+  bool group = false;  // a separator stands before it
+  // The key in the menu, and its modifiers.
+  int key = 0;
+  uint32_t modifiers = XWS_CONTROL;
+  // A key without Control, and where it counts.
+  int plain_key = 0;
+  unsigned where = 0;
+  unsigned contexts = 0;  // the context menus that it stands in, bits
+  // The text while the menu shows, in place of the name.
+  std::string (*text)(const Console*) = nullptr;
+  // Why it cannot be used though `enabled` holds: a sentence without its full stop; "": it can.
+  std::string (*why_not)(const Console*) = nullptr;
+  bool (*checked)(const Console*) = nullptr;
+  // It opens a menu of these in place of running; `choose` gets the number of one, from 0.
+  std::vector<CommandChoice> (*choices)(const Console*) = nullptr;
+  void (*choose)(Console*, int choice) = nullptr;
+};
+
+using Enabled = bool (*)(const Console*);
+using Run = void (*)(Console*);
+struct Command {
+  CommandId id;
+  Menu menu;
+  const char* name;  // UTF-8
+  Enabled enabled;   // null: always
+  Run run;           // null when it opens a menu
+  CommandMore more = {};
+};
+
+// In the order of the menus. Two commands may not share a key at the same place.
+std::span<const Command> Commands();
+
+}  // namespace console

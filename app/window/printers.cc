@@ -1,0 +1,127 @@
+// The printers: which one is chosen, and what their menu does.
+#include <iterator>
+
+#include "app/format/words.h"
+#include "app/window/side_commands.h"
+
+namespace console {
+namespace {
+
+const PrinterRow* Meant(const Console* c) {
+  return c->printer_list.At();
+}
+
+constexpr PrinterSetting kSettings[] = {PrinterSetting::kPause, PrinterSetting::kResume,
+                                        PrinterSetting::kRefuseJobs, PrinterSetting::kTakeJobs,
+                                        PrinterSetting::kPaperLoaded};
+static_assert(int(PrinterVerb::kPaperLoaded) + 1 == std::size(kSettings));
+
+// Those that the menu offered: the list may be another one when one of them is chosen.
+std::vector<std::string> targets;
+
+}  // namespace
+
+void PrintersCame(Console* c) {
+  if (c->state.link == Link::kReady || !c->state.printers->empty())
+    c->printers.Show(c->state.printers);
+  c->choice.printer = c->printers.chosen();
+  c->printer_list.mine = c->remembered.preferences.default_printer;
+  c->printer_list.away = c->state.link != Link::kReady;
+  c->printer_list.Update();
+  const bool needed = !c->needs.Text().empty() && c->state.link == Link::kReady;
+  if (needed != c->needs.shown) {
+    c->needs.shown = needed;
+    LayOutWindow(c);
+  }
+  c->needs.Place();
+  c->damage |= kPrintersPane | kNeedsPane;
+}
+
+void ChoosePrinter(Console* c, const std::string& name) {
+  c->choice.printer = name;
+  c->printers.Choose(name);
+  c->tools.FitMedia(c->state);
+  PrintersCame(c);
+  c->damage |= kToolsPane | kDetailsPane;
+}
+
+void PressPrinter(Console* c, const Hit& hit) {
+  c->printer_pressed = c->printer_list.NameAt(hit.index);
+  if (hit.part == SideList::kBody) return SetFocusStop(c, FocusStop::kPrinters);
+  c->printer_list.GoTo(c->printer_pressed);
+}
+
+void UsePrinter(Console* c, const Hit& hit) {
+  const PrinterRow* row = c->printers.Find(c->printer_pressed);
+  if (!row || hit.part == SideList::kBody) return;
+  if (hit.part == SideList::kMark)
+    c->server.ChangePrinter(c->printer_pressed, PrinterSetting::kPaperLoaded);
+  else
+    ChoosePrinter(c, c->printer_pressed);
+}
+
+void PrintersKey(Console* c, int type) {
+  c->damage |= kPrintersPane;
+  SideList& list = c->printer_list.list;
+  const auto name = [c](int row) { return c->printers.rows()[size_t(row)].name; };
+  if (list.Key(type) || list.Type(type, Inp.time, name)) return c->printer_list.KeyMoved();
+  if (type != XWE_RETURN && type != ' ') return;
+  if (const PrinterRow* row = Meant(c)) ChoosePrinter(c, row->printer->name);
+}
+
+// --- Commands
+
+bool CanDoToPrinter(const Console* c, PrinterVerb verb) {
+  const PrinterRow* row = Meant(c);
+  return row && c->state.link == Link::kReady &&
+         c->printers.Offers(verb, *row, c->printer_list.mine);
+}
+
+std::string WhyNotToPrinter(const Console* c, PrinterVerb verb) {
+  const PrinterRow* row = Meant(c);
+  return row ? c->printers.WhyNot(verb, *row) : "";
+}
+
+void DoToPrinter(Console* c, PrinterVerb verb) {
+  const PrinterRow* row = Meant(c);
+  if (!row) return;
+  if (verb != PrinterVerb::kMakeMine)
+    return c->server.ChangePrinter(row->printer->name, kSettings[int(verb)]);
+  c->remembered.preferences.default_printer = row->printer->name;
+  if (c->remembered.writer) c->remembered.writer->Store(c->remembered.preferences);
+  PrintersCame(c);
+  Tell(c, true, "The console begins with " + Quoted(row->printer->name));
+}
+
+std::vector<CommandChoice> MoveChoices(const Console* c) {
+  targets.clear();
+  std::vector<CommandChoice> choices;
+  const PrinterRow* row = Meant(c);
+  if (!row) return choices;
+  for (const PrinterRow* target : c->printers.MoveTargets(*row)) {
+    targets.push_back(target->printer->name);
+    choices.push_back({target->short_name});
+  }
+  return choices;
+}
+
+void MoveAllJobs(Console* c, int choice) {
+  const PrinterRow* row = Meant(c);
+  if (row && size_t(choice) < targets.size())
+    c->server.MoveJobs(row->printer->name, targets[size_t(choice)]);
+}
+
+bool WantsPaper(const Console* c) {
+  return c->needs.WithoutPaper() && c->state.link == Link::kReady;
+}
+
+std::string WhyNotLoadPaper(const Console* c) {
+  const PrinterRow* row = c->needs.WithoutPaper();
+  return row ? c->printers.WhyNot(PrinterVerb::kPaperLoaded, *row) : "";
+}
+
+void LoadPaper(Console* c) {
+  c->server.ChangePrinter(c->needs.WithoutPaper()->printer->name, PrinterSetting::kPaperLoaded);
+}
+
+}  // namespace console
