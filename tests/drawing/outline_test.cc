@@ -248,9 +248,8 @@ TEST(Path, ALineWithoutALengthIsADot) {
 TEST(Path, ALongLineIsDrawnWholeAndCoversOnce) {
   Canvas canvas(kSide, kSide, 2.0);
   std::vector<XwPathPart> parts;
-  // All but one part lie at its ends: the one that joins two of the pieces that it is drawn in.
   for (int i = 0; i < 10000; ++i) {
-    const float x = (i < 64 ? 5 : 34.97f) + float(i % 2) * 0.03f;
+    const float x = 5 + float(i % 2000 < 1000 ? i % 1000 : 1000 - i % 1000) * 0.03f;
     parts.push_back({uint8_t(i ? XWP_CUBIC : XWP_MOVE), x, 20, x, 20, x, 20});
   }
   XwStrokePath(parts.data(), 10000, 3.25f, 0x000000);
