@@ -18,20 +18,6 @@ constexpr int kPrintersLeast = 32 + 2 * 38, kPlacesLeast = 32 + 2 * 20 + 26;
 // Headers and rows: the usual queue takes a third of the height.
 constexpr int kQueueLeast = 22 + 4 * 22, kFolderLeast = 22 + 3 * 22;
 
-void LayOutQueueHead(Layout* l) {
-  Area bar = l->queue_head;
-  bar.TakeRight(12);
-  auto last = [&bar](int width) {
-    Area piece = bar.TakeRight(width);
-    bar.TakeRight(6);
-    // A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
-    return Area{piece.x, piece.y + 3, piece.w, 20};
-  };
-  l->remove_job = last(78);
-  l->release_job = last(78);
-  l->hold_job = last(64);
-}
-
 int WidthOf(const Side& side, int asked, int window) {
   const int usual = std::clamp(window * side.percent / 100, side.usual, side.most);
   return std::max(side.least, asked > 0 ? asked : usual);
@@ -96,7 +82,6 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   l.filter = {l.folder_head.right() - 12 - kFilter, l.folder_head.y + 3, kFilter, 24};
   l.filter_label = {l.filter.x - 46, l.folder_head.y, 40, kHead - 1};
   LayOutTools(&l);
-  LayOutQueueHead(&l);
   return l;
 }
 

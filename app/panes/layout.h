@@ -18,7 +18,7 @@ struct Layout {
   Area hold, colour, options;
   // At the sides: empty where they are not wanted, or the window is too narrow for them.
   Area places, printers, folder_head, filter_label, filter, folder, details;
-  Area queue_head, hold_job, release_job, remove_job, queue;
+  Area queue_head, queue;
   Area banner;  // empty while the server is there
   Area needs;   // in the same place; empty while nobody is needed
   Area status, stop_sending;

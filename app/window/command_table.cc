@@ -3,6 +3,7 @@
 #include "app/window/commands.h"
 #include "app/window/help.h"
 #include "app/window/print_options.h"
+#include "app/window/queue_commands.h"
 #include "app/window/side_commands.h"
 
 namespace console {
@@ -27,13 +28,17 @@ void Edit(Console* c) {
 
 // --- Queue
 
-template <JobAction action>
-bool CanDo(const Console* c) {
-  return c->queue.CanChange(action);
+template <Verb verb>
+std::string WhyNot(const Console* c) {
+  return WhyNotChange(c, verb);
 }
-template <JobAction action>
+template <Verb verb>
 void Do(Console* c) {
-  c->queue.Change(action, &c->server);
+  ChangeJobs(c, {verb});
+}
+template <int by>
+void Move(Console* c) {
+  MoveJobs(c, by);
 }
 bool IsSending(const Console* c) {
   for (const Transfer& t : c->state.transfers)
@@ -88,7 +93,7 @@ constexpr Command kCommands[] = {
     Row(kPrintOnCommand, kFileMenu, "Printer", nullptr, nullptr,
         {.group = true,
          .contexts = kOnOptions,
-         .choices = PrinterChoices,
+         .choices = NextPrinterChoices,
          .choose = ChooseNextPrinter}),
     Row(kNextProfileCommand, kFileMenu, "Profile", nullptr, nullptr,
         {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
@@ -114,16 +119,62 @@ constexpr Command kCommands[] = {
     Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
         {.group = true, .key = ','}),
 
-    Row(kHoldCommand, kQueueMenu, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>,
-        {.key = 'h', .plain_key = 'h', .where = kInQueue, .contexts = kOnJobs}),
-    Row(kReleaseCommand, kQueueMenu, "Release", CanDo<JobAction::kRelease>, Do<JobAction::kRelease>,
-        {.key = 'g', .plain_key = 'r', .where = kInQueue, .contexts = kOnJobs}),
-    Row(kRemoveCommand, kQueueMenu, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
+    Row(kHoldCommand, kQueueMenu, "Hold", nullptr, Do<Verb::kHold>,
+        {.key = 'h',
+         .plain_key = 'h',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kHold>}),
+    Row(kReleaseCommand, kQueueMenu, "Release", nullptr, Do<Verb::kRelease>,
+        {.key = 'g',
+         .plain_key = 'r',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kRelease>}),
+    Row(kPrintAgainCommand, kQueueMenu, "Print Again", nullptr, Do<Verb::kPrintAgain>,
+        {.plain_key = 'a',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kPrintAgain>}),
+    Row(kPriorityCommand, kQueueMenu, "Priority", nullptr, nullptr,
+        {.group = true,
+         .plain_key = 'p',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kPriority>,
+         .choices = PriorityChoices,
+         .choose = ChoosePriority}),
+    Row(kCopiesCommand, kQueueMenu, "Copies", nullptr, nullptr,
+        {.plain_key = 'c',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kCopies>,
+         .choices = CopiesChoices,
+         .choose = ChooseCopies}),
+    Row(kMoveToPrinterCommand, kQueueMenu, "Move to Printer", nullptr, nullptr,
+        {.plain_key = 'm',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kMove>,
+         .choices = PrinterChoices,
+         .choose = ChoosePrinterOfJobs}),
+    Row(kMoveUpCommand, kQueueMenu, "Print Earlier", nullptr, Move<-1>,
+        {.plain_key = 'u',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kReorder>}),
+    Row(kMoveDownCommand, kQueueMenu, "Print Later", nullptr, Move<1>,
+        {.plain_key = 'd',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kReorder>}),
+    Row(kRemoveCommand, kQueueMenu, "Remove", nullptr, Do<Verb::kRemove>,
         {.group = true,
          .key = XWE_DELETE,
          .plain_key = XWE_DELETE,
          .where = kInQueue,
-         .contexts = kOnJobs}),
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kRemove>}),
     Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
         {.group = true, .key = '.'}),
     Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
@@ -166,6 +217,19 @@ constexpr Command kCommands[] = {
         {.group = true, .key = '1'}),
     Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),
     Row(kSortByDateCommand, kViewMenu, "Sort by Date", nullptr, Sort<2>, {.key = '3'}),
+
+    Row(kSortQueueCommand, kViewMenu, "Sort Queue By", nullptr, nullptr,
+        {.group = true,
+         .plain_key = 'o',
+         .where = kInQueue,
+         .choices = SortChoices,
+         .choose = ChooseSort}),
+    Row(kQueuePartCommand, kViewMenu, "Jobs Shown", nullptr, nullptr,
+        {.plain_key = 's', .where = kInQueue, .choices = PartChoices, .choose = ChoosePart}),
+    Row(kMineCommand, kViewMenu, "My Jobs Only", nullptr, ToggleMine,
+        {.plain_key = 'y', .where = kInQueue, .checked = ShowsMine}),
+    Row(kQueueFilterCommand, kViewMenu, "Filter Queue", nullptr, GoToQueueFilter,
+        {.key = 'f', .modifiers = XWS_CONTROL | XWS_SHIFT, .plain_key = '/', .where = kInQueue}),
 
     Row(kKeysCommand, kHelpMenu, "Keys", nullptr, ShowKeys, {.key = XWE_F1, .modifiers = 0}),
     Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, ShowAbout, {.group = true}),

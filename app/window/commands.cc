@@ -1,6 +1,7 @@
 // The menus, context menus and keys of the table of commands.
 #include "app/window/commands.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "app/look/controls.h"
@@ -211,6 +212,19 @@ void ShowButtons(Console* c) {
   }
 }
 
+namespace {
+
+// The menu of a command that was asked for by its key: where the keyboard is.
+void OpenChoices(Console* c, const Command& command) {
+  ShowChoices(c, command);
+  const Table& table = IsInQueue(c->stop) ? c->queue.table : c->files.table;
+  const Area row = table.focus() < 0 ? table.Body() : table.RowArea(table.focus());
+  XwPopupLocation(c->window, row.x + 60, std::min(row.y + Table::kRowHeight, row.bottom()));
+  if (const int chosen = XwPopupMenu(ChoicesOf(command))) RunCommand(c, chosen);
+}
+
+}  // namespace
+
 void RunCommand(Console* c, int id) {
   if (id >= kFirstChoice) {
     const int n = id - kFirstChoice;
@@ -220,7 +234,9 @@ void RunCommand(Console* c, int id) {
     return;
   }
   const Command* command = Find(id);
-  if (command && command->run && CanRun(c, *command)) command->run(c);
+  if (!command || !CanRun(c, *command)) return;
+  if (command->more.choices) return OpenChoices(c, *command);
+  if (command->run) command->run(c);
 }
 
 bool IsMenuKey(int key, uint32_t modifiers) {

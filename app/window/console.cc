@@ -9,6 +9,7 @@
 #include "app/window/commands.h"
 #include "app/window/help.h"
 #include "app/window/program_icon.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 namespace {
@@ -31,6 +32,7 @@ void AddAllHits(Console* c) {
     c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->details.AddHits(&c->hits);
     c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
     c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
@@ -86,7 +88,8 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane |
+               kDetailsPane;
 }
 
 void LayOutWindow(Console* c) {
@@ -104,7 +107,8 @@ namespace {
 
 // What follows a change of a table's selection.
 void SelectionChanged(Console* c, bool files) {
-  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane;
+  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane
+                     : kQueuePane | kDetailsPane;
 }
 
 SelectionKeys KeysOf(uint32_t modifiers) {
@@ -216,11 +220,13 @@ void Use(Console* c, const Hit& hit) {
 
 // What has waited for it is shown.
 void ReleaseTables(Console* c) {
+  const int gap = c->queue.table.gap();
   for (Table* table : {&c->files.table, &c->queue.table}) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
   if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
+  if (gap >= 0) DropJobs(c, gap);
   if (std::exchange(c->queue_waits, false)) c->queue.Fill();
   ShowHeldReading(c);
 }
@@ -359,7 +365,7 @@ void ServerChanged(Console* c, ServerState state) {
   UpdateLists();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
-    if (n.number > c->last_notice) Tell(c, n.good, n.text);
+    if (n.number > c->last_notice) c->status.Tell(n.message.tone, n.message.text);
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
@@ -373,6 +379,7 @@ void ServerChanged(Console* c, ServerState state) {
 
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
+  c->queue.ShowProgress();
   c->damage |= kQueuePane | kStatusPane;
 }
 
@@ -561,6 +568,7 @@ void DrawConsole(Console* c) {
   if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
+  c->details.jobs = IsInQueue(c->stop) && !c->queue.Selected().empty() ? &c->queue : nullptr;
   c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;

@@ -60,6 +60,9 @@ enum class FocusStop {
   kColour,
   kOptions,
   kFilter,
+  kQueueFilter,
+  kQueueOwner,
+  kQueuePart,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
@@ -80,6 +83,11 @@ struct Remembered {
   std::unique_ptr<PreferencesWriter> writer;
   bool server_fixed = false;  // by the environment
 };
+
+// The keyboard is in the queue, or in what says what it shows.
+inline bool IsInQueue(FocusStop stop) {
+  return stop == FocusStop::kQueue || stop >= FocusStop::kQueueFilter;
+}
 
 struct ServerStart;
 

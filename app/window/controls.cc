@@ -4,6 +4,7 @@
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
 #include "app/window/console.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 
@@ -18,10 +19,12 @@ void MakeControls(Console* c) {
   c->queue.MakeControls(w);
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,    c->tools.refresh, c->tools.colour,        c->tools.options,
-                c->queue.hold,     c->queue.release, c->queue.remove,        c->status.stop_sending,
-                c->status.dismiss, c->banner.retry,  c->banner.start_server, c->needs.load,
-                c->needs.choose};
+  const QueueHead& head = c->queue.head;
+  c->buttons = {c->tools.print,    c->tools.refresh, c->tools.colour,
+                c->tools.options,  head.hold,        head.release,
+                head.again,        head.remove,      c->status.stop_sending,
+                c->status.dismiss, c->banner.retry,  c->banner.start_server,
+                c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -64,6 +67,12 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->tools.options;
     case FocusStop::kFilter:
       return c->files.filter;
+    case FocusStop::kQueueFilter:
+      return c->queue.head.text;
+    case FocusStop::kQueueOwner:
+      return c->queue.head.owner;
+    case FocusStop::kQueuePart:
+      return c->queue.head.part;
     default:
       return nullptr;
   }
@@ -97,7 +106,7 @@ void UpdateControls(Console* c) {
   c->tools.Update(c->state, !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
-  c->queue.table.Enable(!c->asking);
+  c->queue.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
   c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
@@ -112,6 +121,7 @@ bool NothingIsChosen(const Console* c) {
 }  // namespace
 
 void UseEditBox(Console* c, int type, int id, bool gained) {
+  if (id == kQueueFilterControl) return UseQueueFilter(c, type, gained);
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
   // The report that a box has got the keyboard may wait behind its first keys.
@@ -139,7 +149,7 @@ void UseControl(Console* c, int id, int value) {
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
-  if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  UseQueueControl(c, id, value);
   if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
   if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
 }

@@ -55,7 +55,7 @@ void OpenBelow(Console* c, const Area& a) {
 
 }  // namespace
 
-std::vector<CommandChoice> PrinterChoices(const Console* c) {
+std::vector<CommandChoice> NextPrinterChoices(const Console* c) {
   const NC_Printer* chosen = ChosenPrinter(c->choice, c->state);
   std::vector<CommandChoice> choices;
   for (const NC_Printer& p : *c->state.printers)

@@ -8,7 +8,7 @@
 namespace console {
 
 // What can be chosen, and a choice by its number.
-std::vector<CommandChoice> PrinterChoices(const Console* c);
+std::vector<CommandChoice> NextPrinterChoices(const Console* c);
 void ChooseNextPrinter(Console* c, int choice);
 std::vector<CommandChoice> NextProfileChoices(const Console* c);
 void ChooseNextProfile(Console* c, int choice);
