@@ -66,7 +66,7 @@ TEST_P(Driven, PrintsADocumentAndSoDoesItsRecording) {
                 "wait button Print\n"
                 "type 2 text-field Copies\n"
                 "click button Print\n"
-                "wait row a.txt '#2' --value printed\n"
+                "wait row a.txt #2 --value printed\n"
                 "shot '" +
                 home.At(".shot.png") + "'\n"));
     EXPECT_GT(ReadFile(home.At(".shot.png")).size(), 5000u);

@@ -136,6 +136,8 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
     EXPECT_TRUE(client.Does(R"("do":"wait","value":"2€",)" + copies));
     EXPECT_TRUE(client.Does(R"("do":"key","key":"Down","role":"list","name":"Profile:")"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Office","gone":true)"));
+    EXPECT_TRUE(
+        client.Does(R"("do":"click","role":"window","name":"Dialog","button":3,"count":2)"));
     shot = Decode(client.Ask(R"("do":"shot")"), scratch_.At("shot.png"));
     const testkit::Picture part = Decode(
         client.Ask(R"("do":"shot","role":"check-box","name":"Hold")"), scratch_.At("part.png"));
@@ -146,6 +148,9 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
   EXPECT_EQ(shot.width, 420);
   const std::string raw = ReadFile(recording);
   EXPECT_LT(raw.find(" modifiers "), raw.find(" press ")) << "the program hears of the key first";
+  size_t ends = 0;
+  for (size_t at = 0; (at = raw.find(" button=3", at)) != std::string::npos; ++at) ++ends;
+  EXPECT_EQ(ends, 4u) << "two presses and releases";
   unsetenv("XW_RECORD");
   unsetenv("XW_INSPECT");
   setenv("XW_REPLAY", recording.c_str(), 1);
