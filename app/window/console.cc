@@ -403,6 +403,10 @@ void ShowActivity(int active) {
   DrawConsole(c);
 }
 
+void FirstPictureDrawn(void*, int taken) {
+  if (g_console && taken) RefreshPlaces(g_console);
+}
+
 int Handle(int type) {
   Console* c = g_console;
   if (!c) return 0;
@@ -411,6 +415,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      if (!c->exposed) XwPost(".first picture", nullptr, FirstPictureDrawn, nullptr);
       c->exposed = true;
       c->damage = kAllPanes;
       break;
