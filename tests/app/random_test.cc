@@ -157,6 +157,7 @@ class RandomInputTest : public testing::TestWithParam<int> {
     }
     printf("seed %llu: %lld events, %d starts\n", static_cast<unsigned long long>(seed),
            static_cast<long long>(progress->events), progress->starts);
+    fflush(stdout);  // before the next fork
     EXPECT_GE(progress->events, EventsOfASeed());
     return true;
   }
