@@ -48,13 +48,21 @@ enum class FocusStop {
   kQueue,
   kStartServer,
   kRetry,
+  kNeedsButton,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
+  kQueueFilter,
+  kQueueOwner,
+  kQueuePart,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
@@ -75,6 +83,11 @@ struct Remembered {
   std::unique_ptr<PreferencesWriter> writer;
   bool server_fixed = false;  // by the environment
 };
+
+// The keyboard is in the queue, or in what says what it shows.
+inline bool IsInQueue(FocusStop stop) {
+  return stop == FocusStop::kQueue || stop >= FocusStop::kQueueFilter;
+}
 
 struct ServerStart;
 
@@ -121,8 +134,8 @@ struct Console {
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
   bool scrolls_by_drag = false;  // the timer runs
-  bool asking = false;                        // whether to leave before everything is sent
-  XwWindow* question = nullptr;               // the sheet that asks
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   PaneSizes panes;
   int border_grip = 0;  // where beside a border it was pressed
@@ -222,8 +235,6 @@ void PlacesKey(Console* c, int type);
 // --- The printers (printers.cc)
 // After a new state of the server, or another choice.
 void PrintersCame(Console* c);
-// The strip of what somebody has to do something about comes or goes.
-void ShowNeeds(Console* c);
 void ChoosePrinter(Console* c, const std::string& name);
 void PressPrinter(Console* c, const Hit& hit);
 void UsePrinter(Console* c, const Hit& hit);
@@ -273,6 +284,13 @@ void ShowPreferences(Console* c);
 void ClosePreferences();
 // The server's state has changed.
 void UpdatePreferences();
+
+// --- The window of scanners and profiles (lists_window.cc)
+// One at most; comes to the front.
+void ShowLists(Console* c);
+void CloseLists();
+// The server's state has changed.
+void UpdateLists();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.

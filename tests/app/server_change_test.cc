@@ -3,6 +3,9 @@
 #include <netinet/in.h>
 #include <signal.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+
+#include <fstream>
 
 #include "platform/events/timers.h"
 #include "tests/app/console_fixture.h"
@@ -65,7 +68,7 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   ShowDocument(c_, home_.At("letter.txt").c_str());
   ASSERT_TRUE(HasRead());
   PrintSelected(c_);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && c_->queue.rows.JobAt(0); }));
   const Preferences before = c_->remembered.preferences;
 
   display::Preferences();
@@ -90,7 +93,7 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   EXPECT_FALSE(PreferencesShow());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   EXPECT_STREQ(c_->state.printers->at(0).name, "Other");
-  EXPECT_TRUE(c_->queue.rows.empty()) << "the other server's jobs";
+  EXPECT_TRUE(c_->queue.rows.count() == 0) << "the other server's jobs";
   ASSERT_TRUE(Until([&] { return LoadPreferences(path_).recent_servers.size() == 2; }));
   const Preferences kept = LoadPreferences(path_);
   EXPECT_EQ(kept.server, second.host());
@@ -111,7 +114,7 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   ASSERT_TRUE(HasRead());
   first.Signal(SIGSTOP);
   PrintSelected(c_);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
   const auto timer = platform::InstallEventLoopTimer(0.02, 0.02, AnswerQuestion, nullptr);
   for (const bool leave : {false, true}) {
     ShowPreferences(c_);
@@ -125,13 +128,54 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
     if (!leave) Key(kEscapeKey);
   }
   platform::RemoveEventLoopTimer(timer);
-  ASSERT_TRUE(Until([&] { return IsReady() && c_->queue.rows.empty(); }));
+  ASSERT_TRUE(Until([&] { return IsReady() && c_->queue.rows.count() == 0; }));
   first.Signal(SIGCONT);
   for (Daemon* daemon : {&first, &second}) {
     const int fd = daemon->Connect();
     EXPECT_TRUE(testing_daemon::Jobs(fd).empty());
     NC_Disconnect(fd);
   }
+}
+
+TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) {
+  Daemon daemon;
+  const std::string asked = home_.At("asked");
+  const std::string config =
+      "[server]\nscan-command=/bin/sh " + home_.File("scan", "echo \"$1 $2\" > " + asked) +
+      " %1 %2\n[printer]\nname=Proof\n[printer]\nname=Wide\n"
+      "[profile]\nname=Coated\nprinter=Wide\ndpi=600x300\n[profile]\nname=Bare\n"
+      "[scanner]\nname=Flatbed\n[scanner]\nname=Drum\n";
+  daemon.Start({"--config", daemon.WriteFile("lists", config)});
+  mkdir(daemon.Path("gamut/Wide").c_str(), 0700);
+  std::ofstream(daemon.Path("gamut/Wide/Coated")) << "of the wide one";
+  std::ofstream(daemon.Path("gamut/Coated")) << "of all";
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  ShowLists(c_);
+  ASSERT_TRUE(Until([&] { return Node("Flatbed").what.value == "scanner"; }));
+
+  // Twice: the first one stays as it is. The profile without a file says so.
+  const auto told = [this](const std::string& text) {
+    return Until([&] { return c_->status.message().text.find(text) != std::string::npos; });
+  };
+  ClickNode("Coated");
+  ClickNode("Save Gamut File");
+  EXPECT_TRUE(told("Saved"));
+  home_.File("Coated", "mine now");
+  ClickNode("Save Gamut File");
+  EXPECT_TRUE(told("Coated 2"));
+  EXPECT_EQ(ReadFile(home_.At("Coated")), "mine now");
+  EXPECT_EQ(ReadFile(home_.At("Coated 2")), "of the wide one");
+  ClickNode("Bare");
+  ClickNode("Save Gamut File");
+  EXPECT_TRUE(told("no gamut file"));
+  EXPECT_FALSE(c_->status.HasError());
+
+  ClickNode("Flatbed");
+  Key(kReturnKey);
+  EXPECT_TRUE(Until([&] { return ReadFile(asked) == "Flatbed mia\n"; }));
+  Key(kEscapeKey);
+  EXPECT_TRUE(Node("Flatbed").what.name.empty());
 }
 
 // A peer that takes connections and never says a word.
