@@ -88,8 +88,7 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane |
-               kDetailsPane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane | kDetailsPane;
 }
 
 void LayOutWindow(Console* c) {
@@ -107,8 +106,8 @@ namespace {
 
 // What follows a change of a table's selection.
 void SelectionChanged(Console* c, bool files) {
-  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane
-                     : kQueuePane | kDetailsPane;
+  c->damage |=
+      files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane | kDetailsPane;
 }
 
 SelectionKeys KeysOf(uint32_t modifiers) {
@@ -421,6 +420,10 @@ void ShowActivity(int active) {
   DrawConsole(c);
 }
 
+void FirstPictureDrawn(void*, int taken) {
+  if (g_console && taken) RefreshPlaces(g_console);
+}
+
 int Handle(int type) {
   Console* c = g_console;
   if (!c) return 0;
@@ -429,6 +432,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      if (!c->exposed) XwPost(".first picture", nullptr, FirstPictureDrawn, nullptr);
       c->exposed = true;
       c->damage = kAllPanes;
       break;

@@ -220,7 +220,7 @@ void ShowDocument(Console* c, const char* path);
 void OpenFiles(Console* c, const FilesToOpen& files);
 
 // --- The places (places.cc)
-// Begins to read them. `folder` is the one that will be shown.
+// They are read once the first picture is drawn. `folder` is the one that will be shown.
 void BeginPlaces(Console* c, const std::string& folder);
 // They mark the folder that is shown now.
 void FollowInPlaces(Console* c);

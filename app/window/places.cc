@@ -7,6 +7,8 @@ namespace {
 void ShowPlaces(void*, int taken);
 
 void AskPlaces(Console* c) {
+  // It takes longer than the first picture, which it is not to hold up.
+  if (!c->exposed) return;
   const std::string number = std::to_string(++c->places_asked);
   c->places_s = 0;
   c->places.wait_text.clear();
@@ -39,7 +41,6 @@ constexpr int kSilentSeconds = 3;
 
 void BeginPlaces(Console* c, const std::string& folder) {
   c->places.Begin(folder);
-  AskPlaces(c);
 }
 
 void FollowInPlaces(Console* c) {
