@@ -191,8 +191,8 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(kTabKey);
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
-  for (const FocusStop stop :
-       {FocusStop::kFilter, FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
+  for (const FocusStop stop : {FocusStop::kColour, FocusStop::kOptions, FocusStop::kFilter,
+                               FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
     Key(kTabKey);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -219,8 +219,8 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   Turn(70);
   c_->files.table.Select(-1);
   ASSERT_TRUE(Until([&] { return c_->banner.shown; }));
-  for (const FocusStop stop :
-       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kCopies}) {
+  for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry,
+                               FocusStop::kRefresh, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
