@@ -473,7 +473,7 @@ TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
   ClickAt(slider.x + 1, slider.y + slider.h / 2);
   const Area head = c_->files.table.ColumnArea(0);
   Click({head.x, head.y, head.w, Table::kHeaderHeight});
-  EXPECT_EQ(c_->choice.priority, 97);
+  EXPECT_EQ(c_->choice.priority, 50);
   EXPECT_EQ(c_->files.folder.At(0).name, first);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
