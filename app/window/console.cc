@@ -408,6 +408,7 @@ void OnTimer(Console* c, int timer) {
 void OpenMenuByKey() {
   if (!g_console || g_console->asking) return;
   OpenContextMenuByKey(g_console);
+  g_console->modifiers &= ~uint32_t{XWS_SHIFT};  // its release has gone to the menu
   DrawConsole(g_console);
 }
 
@@ -531,6 +532,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   c->window = w;
   c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
+  XwSetGround(w, nullptr, 4);  // what controls that draw themselves again erase to: the tool bar's
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   XwSetContextMenuHandler(w, OpenMenuByKey);

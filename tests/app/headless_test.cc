@@ -197,8 +197,8 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(kTabKey);
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
-  for (const FocusStop stop :
-       {FocusStop::kFilter, FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
+  for (const FocusStop stop : {FocusStop::kColour, FocusStop::kOptions, FocusStop::kFilter,
+                               FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
     Key(kTabKey);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -225,8 +225,8 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   Turn(70);
   c_->files.table.Select(-1);
   ASSERT_TRUE(Until([&] { return c_->banner.shown; }));
-  for (const FocusStop stop :
-       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kCopies}) {
+  for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry,
+                               FocusStop::kRefresh, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -480,7 +480,7 @@ TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
   ClickAt(slider.x + 1, slider.y + slider.h / 2);
   const Area head = c_->files.table.ColumnArea(0);
   Click({head.x, head.y, head.w, Table::kHeaderHeight});
-  EXPECT_EQ(c_->choice.priority, 97);
+  EXPECT_EQ(c_->choice.priority, 50);
   EXPECT_EQ(c_->files.folder.At(0).name, first);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
