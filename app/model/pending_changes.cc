@@ -41,7 +41,7 @@ const char* UnderWayText(Verb verb) {
 }
 
 Message AnswerMessage(Verb verb, int status, const std::string& document) {
-  const std::string name = Quoted(document);
+  const std::string name = document.empty() ? "The job" : Quoted(document);
   const std::string not_done = name + " " + WordsOf(verb).not_done + ": ";
   switch (status) {
     case NC_STATUS_DONE:
@@ -60,6 +60,19 @@ Message AnswerMessage(Verb verb, int status, const std::string& document) {
   if (status < 0)
     return {Tone::kBad, name + ": the connection broke before the server answered, see the queue"};
   return {Tone::kBad, not_done + nc::RefusalText(status, nc::Asked::kJob)};
+}
+
+Message OutcomeMessage(const ChangeOutcome& outcome) {
+  Message message{Tone::kGood, ""};
+  if (outcome.done == 1) message = AnswerMessage(outcome.verb, NC_STATUS_DONE, outcome.document);
+  if (outcome.done > 1)
+    message.text = WordsOf(outcome.verb).done + NumberOf(outcome.done, "job", "jobs");
+  if (outcome.refused == 0) return message;
+  message.tone = outcome.refusal.tone;
+  message.text += (outcome.done ? "; " : "") + outcome.refusal.text;
+  if (outcome.refused > 1)
+    message.text += " (and " + NumberText(outcome.refused - 1) + " more like it)";
+  return message;
 }
 
 void PendingChanges::Begin(const JobId& job, Verb verb, int64_t now_ms) {

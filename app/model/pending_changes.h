@@ -34,6 +34,16 @@ const char* UnderWayText(Verb verb);
 // told and is no error.
 Message AnswerMessage(Verb verb, int status, const std::string& document);
 
+// What has come of one change of several jobs.
+struct ChangeOutcome {
+  Verb verb = Verb::kHold;
+  int done = 0, refused = 0;
+  std::string document;  // of the first one that was done
+  Message refusal;       // the first one
+};
+// In one line, however many jobs they were.
+Message OutcomeMessage(const ChangeOutcome& outcome);
+
 class PendingChanges {
  public:
   void Begin(const JobId& job, Verb verb, int64_t now_ms);
@@ -48,6 +58,7 @@ class PendingChanges {
 
   std::optional<Verb> Of(const JobId& job) const;
   bool empty() const { return changes_.empty(); }
+  size_t size() const { return changes_.size(); }
 
  private:
   struct Change {

@@ -119,6 +119,8 @@ QueueRows::Item QueueRows::ItemOf(int place) const {
       return {"", job ? job->submitted : out->started, place};
     case QueueOrder::kPriority:
       return {"", job ? job->priority : out->priority, place};
+    case QueueOrder::kNumber:  // what is still to be sent gets the last ones
+      return {"", job ? job->number : INT64_MAX, place};
   }
   return {"", 0, place};
 }

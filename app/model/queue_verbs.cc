@@ -11,6 +11,8 @@ namespace {
 constexpr char kAtPrinter[] = "The job is at the printer";
 constexpr char kPrinted[] = "The job is printed";
 constexpr char kFailed[] = "The job has failed";
+constexpr char kOtherOrder[] =
+    "Jobs can be moved only while the queue stands in the order in which it prints";
 constexpr char kNoDocument[] = "The server no longer has its document";
 
 // "" when it is possible.
@@ -82,6 +84,10 @@ const char* WhyNot(Verb verb, const Outgoing& out) {
 VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>& selected,
                     const PendingChanges& pending, bool connected) {
   VerbCheck check;
+  if (verb == Verb::kReorder && !rows.InPrintOrder()) {
+    check.why_not = kOtherOrder;
+    return check;
+  }
   for (const QueueId& id : selected) {
     std::string why;
     const NC_Job* job = rows.JobOf(id);
@@ -148,7 +154,7 @@ std::vector<Reordering> PlanReordering(const QueueRows& rows, const std::vector<
                                        int gap, std::string* why_not) {
   why_not->clear();
   if (!rows.InPrintOrder()) {
-    *why_not = "Jobs can be moved only while the queue stands in the order in which it prints";
+    *why_not = kOtherOrder;
     return {};
   }
   std::vector<bool> moved(size_t(rows.count()));

@@ -35,7 +35,9 @@ RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {
     words.tone = Tone::kMuted;
     return words;
   }
-  if (job.state == NC_JOB_PRINTING) words.progress = ProgressOf(job);
+  if (IsAtPrinter(job.state)) words.progress = ProgressOf(job);
+  if (job.state == NC_JOB_PAPER_OUT && words.progress.whole > 0)
+    words.progress.text += ", " + words.text;
   std::string why = Shown(nc::ReasonsText(job.reasons));
   // The server's own words for a failure say more than its keyword.
   if (job.state == NC_JOB_FAILED && why.empty()) why = Shown(job.text);
@@ -69,27 +71,77 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
   return words;
 }
 
+namespace {
+
+// What is not known is left out.
+class Facts {
+ public:
+  void Add(const char* name, std::string value, Tone tone = Tone::kPlain) {
+    if (!value.empty()) all_.push_back({name, std::move(value), tone});
+  }
+  std::vector<Fact> All() { return std::move(all_); }
+
+ private:
+  std::vector<Fact> all_;
+};
+
+}  // namespace
+
 std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
-  std::vector<Fact> facts;
-  auto add = [&](const char* name, std::string value) {
-    if (!value.empty()) facts.push_back({name, std::move(value)});
+  Facts facts;
+  const RowWords words = WordsOfJob(job, std::nullopt);
+  facts.Add("Document", Shown(job.document));
+  facts.Add("State", words.text, words.tone);
+  facts.Add("Owner", Shown(job.owner));
+  facts.Add("Printer", Shown(job.printer));
+  facts.Add("Profile", Shown(job.profile));
+  facts.Add("Media", Shown(job.media));
+  facts.Add("Copies", NumberText(job.copies));
+  facts.Add("Priority", NumberText(job.priority));
+  facts.Add("Pages", job.pages >= 0 ? NumberText(job.pages) : "");
+  facts.Add("Size", SizeText(job.size));
+  if (IsAtPrinter(job.state)) facts.Add("Printed", ProgressOf(job).text);
+  facts.Add("Submitted", DayText(job.submitted, now));
+  if (HasEnded(job.state))
+    facts.Add("Again", job.kept ? "the server keeps it" : "it is no longer kept");
+  facts.Add("Says", Shown(job.text));
+  return facts.All();
+}
+
+std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now) {
+  Facts facts;
+  const RowWords words = WordsOfOutgoing(out);
+  facts.Add("Document", Shown(out.document));
+  facts.Add("State", words.ShownText(), words.tone);
+  facts.Add("Owner", Shown(out.owner));
+  facts.Add("Printer", Shown(out.printer));
+  facts.Add("Profile", Shown(out.profile));
+  facts.Add("Priority", NumberText(out.priority));
+  facts.Add("Size", out.size > 0 ? SizeText(out.size) : "");
+  facts.Add("Begun", DayText(out.started, now));
+  return facts.All();
+}
+
+std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids) {
+  int64_t jobs = 0, sending = 0, bytes = 0, states[6] = {};
+  for (const QueueId& id : ids) {
+    const NC_Job* job = rows.JobOf(id);
+    const Outgoing* out = rows.OutgoingOf(id);
+    if (job) ++jobs, ++states[job->state];
+    sending += out != nullptr;
+    bytes += job ? job->size : out ? out->size : 0;
+  }
+  std::string text;
+  auto part = [&text](int64_t n, const char* state) {
+    if (n > 0) text += (text.empty() ? "" : ", ") + NumberText(n) + " " + state;
   };
-  add("Number", job.number > 0 ? std::to_string(job.number) : "");
-  add("State", WordsOfJob(job, std::nullopt).text);
-  add("Owner", Shown(job.owner));
-  add("Printer", Shown(job.printer));
-  add("Profile", Shown(job.profile));
-  add("Media", Shown(job.media));
-  add("Copies", NumberText(job.copies));
-  add("Priority", NumberText(job.priority));
-  add("Pages", job.pages >= 0 ? NumberText(job.pages) : "");
-  add("Size", SizeText(job.size));
-  if (job.state == NC_JOB_PRINTING || job.state == NC_JOB_PAPER_OUT)
-    add("Printed", ProgressOf(job).text);
-  add("Submitted", DayText(job.submitted, now));
-  if (HasEnded(job.state)) add("Document", job.kept ? "kept by the server" : "no longer kept");
-  add("Says", Shown(job.text));
-  return facts;
+  for (int state = 0; state < 6; ++state) part(states[state], nc::JobStateText(NC_JobState(state)));
+  part(sending, "on the way");
+  Facts facts;
+  facts.Add("Selected", NumberOf(jobs + sending, "job", "jobs"));
+  facts.Add("State", text);
+  facts.Add("Size", SizeText(bytes));
+  return facts.All();
 }
 
 }  // namespace console

@@ -20,6 +20,9 @@ struct RowWords {
   Tone tone = Tone::kPlain;  // of the text
   Tone dot = Tone::kMuted;
   ProgressPart progress;  // of what is at a printer or being sent: stands for the text
+
+  bool HasBar() const { return progress.whole > 0; }
+  const std::string& ShownText() const { return HasBar() ? progress.text : text; }
 };
 // `pending` is what is being done to it.
 RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending);
@@ -28,8 +31,12 @@ RowWords WordsOfOutgoing(const Outgoing& out);
 // A fact of a job, for the list of its details.
 struct Fact {
   std::string name, value;
+  Tone tone = Tone::kPlain;
 };
 // What is known of it, each once, without what is not.
 std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now);
+std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now);
+// Of several together.
+std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids);
 
 }  // namespace console

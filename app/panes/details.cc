@@ -6,55 +6,20 @@
 #include "app/format/texts.h"
 #include "app/look/style.h"
 #include "app/panes/document_picture.h"
+#include "app/panes/facts.h"
+#include "app/panes/job_details.h"
 #include "app/panes/tools.h"
 #include "printserver/words.h"
 
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kNameLines = 4;
-constexpr int kFactName = 64, kNextLine = 16;
-constexpr int kPadding = 16, kPrinter = kCaption + 4 * 20 + 10;
+constexpr int kCaption = 32, kPadding = 16, kPrinter = kCaption + 4 * 20 + 10;
 // Of a picture: below it is a line that says why there is none, and six facts.
 constexpr int kLeastPicture = 100, kMostPicture = 220, kTroubleLine = 22, kFacts = 6 * 20;
 
-void DrawFact(Area* a, const char* name, const std::string& value) {
-  const Style& l = TheStyle();
-  Area row = a->TakeTop(20);
-  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
-  DrawLabel(l.view, Align::kLeft, row, value, l.ink);
-}
-
-// A name in as many lines as it needs, up to a few: broken after blanks where that leaves lines
-// that are more than half full. The last one holds all that remains.
-std::vector<std::string> LinesOf(XwFont* font, std::string name, int width) {
-  std::vector<std::string> lines;
-  while (int(lines.size()) + 1 < kNameLines && XwTextWidthUtf8(font, name.c_str()) > width) {
-    // A line has at least one character, however wide.
-    size_t fits = size_t(XwTextTrimUtf8(font, name.c_str(), width + 1, nullptr, 0));
-    if (fits == 0) fits = 1;
-    while (fits < name.size() && (name[fits] & 0xC0) == 0x80) ++fits;
-    const size_t blank = name.rfind(' ', fits);
-    if (blank != std::string::npos && blank > fits / 2) fits = std::min(blank + 1, name.size());
-    lines.push_back(name.substr(0, fits));
-    name.erase(0, fits);
-  }
-  lines.push_back(name);
-  return lines;
-}
-
-void DrawName(Area* a, const std::vector<std::string>& lines) {
-  const Style& l = TheStyle();
-  DrawFact(a, "Name", lines[0]);
-  for (size_t i = 1; i < lines.size(); ++i) {
-    Area row = a->TakeTop(kNextLine);
-    row.TakeLeft(kFactName);
-    DrawLabel(l.view, Align::kLeft, row, lines[i], l.ink);
-  }
-}
-
 std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
-  return LinesOf(TheStyle().view, Shown(e.name), a.w - kFactName);
+  return FactLines(Shown(e.name), a.w);
 }
 
 // The document's part of the pane, below its caption.
@@ -97,7 +62,7 @@ void DrawSelected(const DetailsPane* p, Area a) {
   const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
   const Preview* preview = e.folder ? nullptr : p->preview.get();
   DrawPicture(p, e, kind, &a);
-  DrawName(&a, NameLines(e, a));
+  DrawFact(&a, "Name", Shown(e.name));
   DrawFact(&a, "Kind", KindOfDocument(preview, kind));
   if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
   DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
@@ -118,13 +83,10 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
   }
   const bool away = IsAway(pane->state.link);
   DrawFact(&a, "Name", Shown(p->name));
-  Area row = a.TakeTop(20);
-  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), "State", l.second);
   const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
                       : p->state == NC_PRINTER_PRINTING ? l.accent
                                                         : l.good;
-  DrawLabel(l.view, Align::kLeft, row, nc::PrinterStateText(p->state),
-            away ? Dimmed(ink, l.side) : ink);
+  DrawFact(&a, "State", nc::PrinterStateText(p->state), away ? Dimmed(ink, l.side) : ink);
   DrawFact(&a, "Jobs", std::to_string(p->jobs));
   DrawFact(&a, "Paper", p->paper < 0 ? "enough" : CountText(p->paper, "sheet", "sheets"));
 }
@@ -135,10 +97,14 @@ Area DetailsPane::PictureArea() const {
   if (selected < 0 || layout.details.Empty()) return {};
   const Area a = DocumentArea(layout);
   const FolderEntry e = folder.At(selected);
-  const int name = int(NameLines(e, a).size() - 1) * kNextLine;
+  const int name = int(NameLines(e, a).size() - 1) * kNextFactLine;
   const int height = std::min(kMostPicture, a.h - kTroubleLine - kFacts - name);
   if (e.folder || height < kLeastPicture) return {};
   return {a.x, a.y, a.w, height};
+}
+
+void DetailsPane::AddHits(Hits* hits) const {
+  if (jobs && !layout.details.Empty()) AddJobFacts(*jobs, DocumentArea(layout), hits);
 }
 
 void DetailsPane::Draw() const {
@@ -149,8 +115,11 @@ void DetailsPane::Draw() const {
   LineAtLeft(a);
   a = a.Inset(kPadding, 0);
   Area printer = a.TakeBottom(kPrinter);
-  DrawCaption(a, "DOCUMENT");
-  DrawSelected(this, DocumentArea(layout));
+  DrawCaption(a, jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
+  if (jobs)
+    DrawJobFacts(*jobs, DocumentArea(layout));
+  else
+    DrawSelected(this, DocumentArea(layout));
   DrawCaption(printer, "PRINTER");
   printer.TakeTop(kCaption);
   DrawPrinter(this, printer);

@@ -2,6 +2,7 @@
 #pragma once
 #include <memory>
 
+#include "app/look/hits.h"
 #include "app/model/print_choice.h"
 #include "app/model/shown_folder.h"
 #include "app/panes/layout.h"
@@ -10,8 +11,11 @@
 
 namespace console {
 
+struct QueuePane;
+
 struct DetailsPane {
   void Draw() const;
+  void AddHits(Hits* hits) const;
   // Where the selected document's picture stands; empty where there is no room for one.
   Area PictureArea() const;
 
@@ -22,6 +26,8 @@ struct DetailsPane {
   const ServerState& state;
   int selected = -1;         // the row of the folder
   std::string several = "";  // what is said where it is not one that is selected; "": none is
+  // The queue while it has the keyboard, else null: its jobs stand in place of the document.
+  const QueuePane* jobs = nullptr;
   // Of the selected document; null while there is none. Made for this many device pixels per
   // logical pixel.
   std::shared_ptr<const Preview> preview = nullptr;

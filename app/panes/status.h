@@ -9,6 +9,12 @@
 
 namespace console {
 
+// What was told last.
+struct StatusMessage {
+  bool good = true;
+  std::string text;  // UTF-8
+};
+
 struct StatusPane {
   // All three are looked at for as long as the pane lives.
   StatusPane(const Layout& layout_of_all, const ServerState& state_now, const std::string& server)

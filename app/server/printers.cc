@@ -34,8 +34,11 @@ void Server::ChangePrinter(const std::string& name, PrinterSetting setting) {
 
 void Server::MoveJobs(const std::string& printer, const std::string& target) {
   Locked lock(shared_.get());
-  shared_->printer_changes.push_back({printer, PrinterSetting::kPause, target});
-  pthread_cond_broadcast(&shared_->wake);
+  std::vector<JobStep> steps;
+  for (const NC_Job& job : *shared_->state.jobs)
+    if (job.printer == printer && !HasEnded(job.state))
+      steps.push_back({QueueIdOf(job).job, {Verb::kMove, 0, target}});
+  shared_->Add(std::move(steps));
 }
 
 // The next change with the printer as it is listed. False when there is none.
@@ -59,39 +62,7 @@ int Worker::SetPrinter(const PrinterChange& change, const NC_Printer& printer) {
     text += std::string(", ") + nc::RefusalText(status, nc::Asked::kPrinter);
   if (status < 0) text += ", the connection broke";
   Locked lock(shared_);
-  shared_->AddNotice(done, text);
-  errno = error;
-  return status;
-}
-
-// Of those that have not ended each to the other printer, as far as the server lets it.
-int Worker::MoveAllJobs(const PrinterChange& change) {
-  std::shared_ptr<const std::vector<NC_Job>> jobs;
-  {
-    Locked lock(shared_);
-    jobs = shared_->state.jobs;
-  }
-  nc::Change to;
-  to.printer = change.target;
-  int status = NC_STATUS_DONE, error = 0;
-  int64_t moved = 0, refused = 0;
-  std::string why;
-  for (const NC_Job& job : *jobs) {
-    if (job.printer != change.name || job.state == NC_JOB_DONE || job.state == NC_JOB_FAILED)
-      continue;
-    status = nc::MoveJob(shared_->open[kLists], job, to).status;
-    error = errno;
-    if (status < 0) break;
-    if (status == NC_STATUS_DONE)
-      ++moved;
-    else if (refused++ == 0)
-      why = nc::RefusalText(status, nc::Asked::kJob);
-  }
-  std::string text = "Moved to " + Quoted(change.target) + ": " + NumberOf(moved, "job", "jobs");
-  if (refused > 0) text += "; not moved: " + NumberOf(refused, "job", "jobs") + ", " + why;
-  if (status < 0) text += "; then the connection broke";
-  Locked lock(shared_);
-  shared_->AddNotice(refused == 0 && status >= 0, text);
+  shared_->AddNotice({done ? Tone::kGood : Tone::kBad, text});
   errno = error;
   return status;
 }
@@ -101,7 +72,7 @@ bool Worker::ChangePrinters() {
   PrinterChange change;
   for (NC_Printer printer{}; NextPrinterChange(&change, &printer); printer = {}) {
     Began();
-    const int status = change.target.empty() ? SetPrinter(change, printer) : MoveAllJobs(change);
+    const int status = SetPrinter(change, printer);
     const int error = errno;
     Ended();
     next_poll_ = 0;

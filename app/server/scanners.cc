@@ -87,7 +87,7 @@ bool CopyWhole(int from, int to) {
 }
 
 // What came of it, as a notice. Nothing that is there is written over.
-Notice SaveDraft(const Draft& draft, const ServerRequest& r) {
+Message SaveDraft(const Draft& draft, const ServerRequest& r) {
   for (int i = 1; i <= kMostNames; ++i) {
     const std::string name = i == 1 ? r.name : r.name + " " + std::to_string(i);
     const std::string path = r.folder + "/" + name;
@@ -101,11 +101,11 @@ Notice SaveDraft(const Draft& draft, const ServerRequest& r) {
       const timespec times[2] = {s.st_mtim, s.st_mtim};
       futimens(file.get(), times);
     }
-    if (saved) return {true, "Saved in this folder: the gamut file " + Quoted(name)};
+    if (saved) return {Tone::kGood, "Saved in this folder: the gamut file " + Quoted(name)};
     if (file) unlink(path.c_str());
-    return {false, "Not saved: " + Quoted(r.name) + ", " + TroubleText(error)};
+    return {Tone::kBad, "Not saved: " + Quoted(r.name) + ", " + TroubleText(error)};
   }
-  return {false, "Not saved: " + Quoted(r.name) + ", too many files have that name"};
+  return {Tone::kBad, "Not saved: " + Quoted(r.name) + ", too many files have that name"};
 }
 
 }  // namespace
@@ -183,7 +183,8 @@ bool Worker::StartScan(const std::string& scanner) {
   const int error = errno;
   const Locked lock(shared_);
   shared_->AddNotice(
-      sent, (sent ? "The server was asked to scan with " : "Not started: ") + Quoted(scanner));
+      {sent ? Tone::kGood : Tone::kBad,
+       (sent ? "The server was asked to scan with " : "Not started: ") + Quoted(scanner)});
   errno = error;
   return sent;
 }
@@ -196,20 +197,21 @@ void Worker::SaveGamut(const ServerRequest& request) {
   const int result = fd >= 0 && draft->made() ? FetchGamut(fd, request, *draft) : -1;
   const bool too_large = result < 0 && errno == EMSGSIZE;
   Close(kGamut);
-  const auto tell = [](const std::shared_ptr<Server::Shared>& shared, const Notice& notice) {
+  const auto tell = [](const std::shared_ptr<Server::Shared>& shared, const Message& message) {
     const Locked lock(shared.get());
-    shared->AddNotice(notice.good, notice.text);
+    shared->AddNotice(message);
     shared->Published();
   };
   const auto shared = shared_->shared_from_this();
   if (result < 0)
-    return tell(shared, {false, "Not fetched: the gamut file of " + Quoted(request.name) +
-                                    (too_large ? ", it is too large" : ", the connection broke")});
+    return tell(shared,
+                {Tone::kBad, "Not fetched: the gamut file of " + Quoted(request.name) +
+                                 (too_large ? ", it is too large" : ", the connection broke")});
   if (draft->size() == 0)
-    return tell(shared, {true, "The server has no gamut file for " + Quoted(request.name)});
+    return tell(shared, {Tone::kPlain, "The server has no gamut file for " + Quoted(request.name)});
   const BackgroundTask task(
       [shared, draft, request, tell] { tell(shared, SaveDraft(*draft, request)); });
-  if (task.failed()) tell(shared, {false, "Not saved: too much waits for the disk already"});
+  if (task.failed()) tell(shared, {Tone::kBad, "Not saved: too much waits for the disk already"});
 }
 
 }  // namespace console

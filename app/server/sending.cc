@@ -1,6 +1,7 @@
 // Sending a file to the spool, in pieces, with progress; the lists are served between them.
 #include <cerrno>
 
+#include "app/format/words.h"
 #include "app/server/document.h"
 #include "app/server/worker.h"
 #include "printserver/changes.h"
@@ -12,6 +13,8 @@ namespace {
 
 constexpr int kConnectMs = 3000, kServeMs = 1000, kStallMs = 10000, kSliceMs = 100;
 constexpr int kMostTries = 5, kRetryMs = 1000;
+// One that was sent to its last byte may be in the queue a little later: it is looked for first.
+constexpr int kLookMs = 3000;
 constexpr size_t kArrivals = 32;
 // A result of sending beside a server's status and the codes below 0.
 constexpr int kUnread = 1000;
@@ -23,6 +26,8 @@ std::string TicketOf(const PrintOrder& order) {
   whole.owner = order.owner;
   whole.printer = order.printer;
   whole.profile = order.profile;
+  whole.media = order.media;
+  whole.colour = order.colour;
   whole.copies = order.copies;
   whole.priority = order.priority;
   whole.hold = order.hold;
@@ -48,10 +53,8 @@ bool Worker::NextTransfer(Transfer* out) {
 
 // Whether the queue has it: then a broken connection cost nothing but the answer.
 bool Worker::Arrived(const JobId& id) {
-  Locked lock(shared_);
-  for (const NC_Job& job : *shared_->state.jobs)
-    if (IdOf(job) == id) return true;
-  return false;
+  NC_Job job;
+  return FindJob(id, &job);
 }
 
 void Worker::SendNext() {
@@ -73,6 +76,7 @@ int Worker::SendFile(const Transfer& t, std::string* why) {
   Document document(t.order.path);
   document_ = &document;
   progress_ = {0, MonotonicMs()};
+  all_sent_ = false;
   const int result = SendOnceOpened(t, document, why);
   document_ = nullptr;
   return result;
@@ -140,6 +144,7 @@ int Worker::Progress(void* context, int64_t sent, int64_t total) {
     Locked lock(shared);
     if (shared->stop || shared->cancelled == worker->sending_) return 1;
     const int silent_s = worker->SilentSeconds(sent);
+    worker->all_sent_ = total > 0 && sent == total;
     for (Transfer& t : shared->state.transfers) {
       if (t.number != worker->sending_ || (t.sent == sent && t.silent_s == silent_s)) continue;
       t.sent = sent;
@@ -171,25 +176,32 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   auto it = std::find_if(state.transfers.begin(), state.transfers.end(),
                          [number](const Transfer& t) { return t.number == number; });
   if (it == state.transfers.end()) return;
-  const std::string name = it->order.document;
+  const std::string name = Quoted(it->order.document);
   if (done) {
     state.arrivals.push_back({number, broken_.id});
     if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
     // Too late to be cancelled on its way.
-    if (cancelled) shared_->changes.push_back({broken_.id, JobAction::kRemove});
+    if (cancelled) {
+      RemoveLater(broken_.id);
+      state.pending.Begin(broken_.id, Verb::kRemove, MonotonicMs());
+    }
     broken_ = {};
   }
   if (done || cancelled) {
     state.transfers.erase(it);
-    shared_->AddNotice(true, (done ? "Sent: " : "Cancelled: ") + name);
+    // What somebody asked for is no error.
+    if (cancelled)
+      shared_->AddNotice({Tone::kPlain, "Cancelled: " + name});
+    else
+      shared_->AddNotice({Tone::kGood, "Sent: " + name});
   } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
-    next_send_ = MonotonicMs() + kRetryMs;
+    next_send_ = MonotonicMs() + (all_sent_ ? kLookMs : kRetryMs);
   } else {
     broken_.times = 0;
     it->state = Sending::kFailed;
     it->text = why.empty() ? "the connection broke" : why;
-    shared_->AddNotice(false, "Not sent: " + name + ", " + it->text);
+    shared_->AddNotice({Tone::kBad, name + " was not sent: " + it->text});
   }
 }
 

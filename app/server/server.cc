@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <ctime>
 #include <iterator>
+#include <map>
 #include <string_view>
 
 #include "app/server/shared.h"
@@ -107,7 +108,7 @@ std::string Server::Shared::Detail() {
   Digest d;
   d << int64_t(lists_) << int(state.link) << state.trouble;
   for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.text;
-  for (const PendingChange& p : state.pending) d << int(p.action);
+  d << int64_t(state.pending.size());
   if (state.lists) {
     for (const NC_Scanner& s : state.lists->scanners) d << s.name << s.text << s.away;
     for (const std::string& printer : state.lists->printers) d << printer;
@@ -124,8 +125,9 @@ void Server::Shared::Published() {
   state.quiet_s = QuietSeconds();
   std::string detail = Detail();
   // Jobs that look the same may be others.
-  if (detail == detail_ && jobs_ == state.jobs) return;
+  if (detail == detail_ && jobs_ == state.jobs && !pending_changed) return;
   detail_ = std::move(detail);
+  pending_changed = false;
   jobs_ = state.jobs;
   XwPost("server", detail_.c_str(), Take, new Posted{shared_from_this(), state});
 }
@@ -134,10 +136,31 @@ void Server::Shared::PublishQuiet() {
   if (QuietSeconds() != state.quiet_s) Published();
 }
 
-void Server::Shared::AddNotice(bool good, const std::string& text) {
+void Server::Shared::AddNotice(Message message) {
   auto& all = state.notices;
-  all.push_back({good, text, next_notice++});
+  all.push_back({std::move(message), next_notice++});
   if (all.size() > kNotices) all.erase(all.begin());
+}
+
+void Server::Shared::Add(std::vector<JobStep> added) {
+  if (added.empty()) return;
+  if (IsAway(state.link)) {
+    AddNotice({Tone::kWarning, "Nothing was changed: the server is away"});
+    return Published();
+  }
+  std::map<JobId, const char*> documents;
+  for (const NC_Job& job : *state.jobs) documents[QueueIdOf(job).job] = job.document;
+  for (JobStep& step : added) {
+    if (const auto job = documents.find(step.job); job != documents.end())
+      step.document = job->second;
+    step.batch = next_batch;
+    state.pending.Begin(step.job, step.change.verb, MonotonicMs());
+    steps.push_back(std::move(step));
+  }
+  ++next_batch;
+  pending_changed = true;
+  Published();
+  pthread_cond_broadcast(&wake);
 }
 
 Server::Server(const std::string& host, Show show)
@@ -206,7 +229,12 @@ void Server::ShowProgress(std::vector<Transfer>* transfers) const {
 
 void Server::Tick() {
   Locked lock(shared_.get());
-  shared_->PublishQuiet();
+  Shared& s = *shared_;
+  if (s.steps.empty() && s.state.pending.Expire(MonotonicMs()) > 0) {
+    s.pending_changed = true;
+    s.Published();
+  }
+  s.PublishQuiet();
 }
 
 int Server::Send(std::vector<PrintOrder> orders) {
@@ -232,7 +260,7 @@ void Server::Cancel(int number) {
     s.cancelled = number;
   }
   for (const Arrival& a : s.state.arrivals)
-    if (a.number == number) Change(a.id, JobAction::kRemove);
+    if (a.number == number) s.Add({{a.id, {Verb::kRemove, 0, ""}}});
   if (s.cancelled != number)
     std::erase_if(s.state.transfers, [number](const Transfer& t) { return t.number == number; });
   s.Published();
@@ -249,12 +277,18 @@ void Server::Retry(int number) {
   pthread_cond_broadcast(&shared_->wake);
 }
 
-void Server::Change(const JobId& id, JobAction action) {
+void Server::Change(const std::vector<JobId>& jobs, const JobChange& change) {
+  std::vector<JobStep> steps;
+  for (const JobId& job : jobs) steps.push_back({job, change});
   Locked lock(shared_.get());
-  shared_->changes.push_back({id, action});
-  shared_->state.pending.push_back({id, action});
-  shared_->Published();
-  pthread_cond_broadcast(&shared_->wake);
+  shared_->Add(std::move(steps));
+}
+
+void Server::Reorder(const std::vector<Reordering>& reorderings) {
+  std::vector<JobStep> steps;
+  for (const Reordering& r : reorderings) steps.push_back({r.job, {Verb::kReorder}, r.before});
+  Locked lock(shared_.get());
+  shared_->Add(std::move(steps));
 }
 
 void Server::Refresh() {

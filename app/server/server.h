@@ -5,15 +5,18 @@
 // sent, so that the queue stays alive. Every call has a deadline. When the server does
 // not answer, the worker says so at once, gives up at the deadline, and tries again by itself after
 // a while that doubles up to fifteen seconds. A file whose sending broke off is sent again when the
-// server is back, unless the queue shows that it had arrived.
+// server is back, unless the queue shows that it had arrived. A change of a job is sent once: when
+// the connection breaks, those that are not yet answered are given up and told.
 #pragma once
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "app/model/notices.h"
+#include "app/model/pending_changes.h"
+#include "app/model/queue_verbs.h"
 #include "app/work/background_task.h"
 #include "printserver/records.h"
 
@@ -24,12 +27,13 @@ enum class Link : uint8_t { kConnecting, kReady, kAway, kRefused };
 inline bool IsAway(Link link) {
   return link == Link::kAway || link == Link::kRefused;
 }
-enum class JobAction : uint8_t { kHold, kRelease, kRemove };
 
-using JobId = std::array<uint8_t, 16>;
-inline JobId IdOf(const NC_Job& job) {
-  return std::to_array(job.id);
-}
+// What is to be done to jobs.
+struct JobChange {
+  Verb verb = Verb::kHold;
+  int number = 0;            // the priority, or the copies
+  std::string printer = "";  // to which they are moved
+};
 
 // What is to be set in a printer.
 enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, kPaperLoaded };
@@ -37,12 +41,14 @@ enum class PrinterSetting : uint8_t { kPause, kResume, kRefuseJobs, kTakeJobs, k
 // A file to be printed. Texts are UTF-8, or whatever bytes the file system has.
 struct PrintOrder {
   std::string path, document, owner;
-  std::string printer, profile;  // empty: the server's choice
+  std::string printer, profile, media;  // empty: the server's choice
   int copies = 1, priority = 50;
+  int32_t colour = -1;  // 0xRRGGBB, -1: none
   bool hold = false;
 };
 
-enum class Sending : uint8_t { kWaiting, kSending, kCancelling, kFailed };
+// What a transfer is doing.
+using Sending = OutgoingState;
 // An order on its way. It is gone when the queue shows it, and when it was cancelled.
 struct Transfer {
   int number = 0;  // from 1 on
@@ -56,21 +62,14 @@ struct Transfer {
 
 // Something that a person should be told once.
 struct Notice {
-  bool good = true;
-  std::string text;  // UTF-8
-  int number = 0;    // from 1 on
+  Message message;
+  int number = 0;  // from 1 on
 };
 
 // A transfer that has become a job.
 struct Arrival {
   int number;
   JobId id;
-};
-
-// A change that the server has not yet answered.
-struct PendingChange {
-  JobId id;
-  JobAction action;
 };
 
 // What is asked for now and then.
@@ -87,13 +86,14 @@ struct ServerState {
   int away_times = 0;   // how often it has gone away
   int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
   std::string trouble;  // away: why, as what its name does: "does not answer"
+  bool listed = false;  // the lists have come once
   int64_t seen = 0;     // when the lists were true last, seconds since 1970; 0: never
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
   std::shared_ptr<const ServerLists> lists;                 // null until they have come
   std::vector<Transfer> transfers;
-  std::vector<PendingChange> pending;
+  PendingChanges pending;
   std::vector<Notice> notices;    // the last few
   std::vector<Arrival> arrivals;  // the last few
 };
@@ -128,7 +128,11 @@ class Server {
   void Cancel(int number);
   // Tries a failed one again.
   void Retry(int number);
-  void Change(const JobId& id, JobAction action);
+  // Does it to each of them, in this order, and tells what has come of it once. The state shows at
+  // once that it is under way.
+  void Change(const std::vector<JobId>& jobs, const JobChange& change);
+  // Puts jobs before others, one step after the other.
+  void Reorder(const std::vector<Reordering>& steps);
   // Sets something of a printer; a notice tells what has come of it.
   void ChangePrinter(const std::string& name, PrinterSetting setting);
   // Moves the jobs of a printer that have not ended to another one; told in the same way.

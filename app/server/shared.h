@@ -15,11 +15,19 @@ namespace console {
 
 int64_t MonotonicMs();
 
+// A change of one job, in the worker's line; those of one batch are told of together.
+struct JobStep {
+  JobId job{};
+  JobChange change;
+  JobId before{};             // of kReorder
+  std::string document = "";  // the job's, as it was when the change was asked for
+  int batch = 0;
+};
+
 // A change of a printer that has not begun.
 struct PrinterChange {
   std::string name;
   PrinterSetting setting;
-  std::string target = "";  // not empty: the printer to which its jobs are moved instead
 };
 
 // What is asked for beside changes (scanners.cc).
@@ -37,11 +45,13 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   pthread_cond_t wake;                   // on the monotonic clock
   ServerState state;                     // quiet_s is filled in when it is published
   int64_t retry_at = 0, call_began = 0;  // MonotonicMs; 0: none
-  std::deque<PendingChange> changes;     // not yet begun
+  std::deque<JobStep> steps;             // not yet begun
   std::deque<PrinterChange> printer_changes;
   std::deque<ServerRequest> requests;
   bool stop = false, refresh = false;
-  int next_number = 1, next_notice = 1;
+  int next_number = 1, next_notice = 1, next_batch = 1;
+  // What is pending has changed: jobs that look the same may be others.
+  bool pending_changed = false;
   int period_ms = 2000;  // between two questions for the lists
   int cancelled = 0;     // the transfer that is to be broken off
   // What ends the worker's waiting when it is to stop: its connections are shut down, and this
@@ -55,7 +65,9 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   void Published();
   // The same for a change of how long the server has been silent, if there is one.
   void PublishQuiet();
-  void AddNotice(bool good, const std::string& text);
+  void AddNotice(Message message);
+  // Puts steps at the end of the line, as one batch.
+  void Add(std::vector<JobStep> steps);
 
  private:
   int QuietSeconds() const;

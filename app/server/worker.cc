@@ -1,8 +1,7 @@
-// The worker's side: connections, lists, changes of jobs.
+// The worker's side: connections and lists.
 #include "app/server/worker.h"
 
 #include <cerrno>
-#include <cstring>
 #include <ctime>
 
 #include "printserver/nc.h"
@@ -13,7 +12,6 @@ namespace console {
 namespace {
 
 constexpr int kConnectMs = 3000, kCallMs = 5000;
-constexpr size_t kMostUnwanted = 64;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
 
 constexpr char kSilent[] = "does not answer";
@@ -32,9 +30,6 @@ const char* ConnectTrouble(int code, int error) {
       return "cannot be asked: the system has no connection left";
   }
 }
-
-const char* const kDone[] = {"Held", "Released", "Removed"};
-const char* const kNotDone[] = {"Not held", "Not released", "Not removed"};
 
 }  // namespace
 
@@ -79,6 +74,7 @@ void Worker::GoAway(Link link, const std::string& trouble) {
   shared_->state.retry_ms = retry_ms_;
   ++shared_->state.away_times;
   shared_->call_began = 0;
+  GiveUpChanges();
   shared_->Published();
 }
 
@@ -120,6 +116,7 @@ bool Worker::Poll() {
   const int32_t printers = NC_GetPrinterListN(fd, &status, list_.get(), NC_LIST_MAX);
   if (printers < 0) return false;
   const std::string printer_bytes(reinterpret_cast<char*>(list_.get()), size_t(printers));
+  const int64_t asked_ms = MonotonicMs();
   const int32_t queue = NC_GetPrintQueueN(fd, list_.get(), NC_QUEUE_MAX);
   if (queue < 0) return false;
   auto profiles = std::make_shared<std::vector<NC_Profile>>();
@@ -148,91 +145,14 @@ bool Worker::Poll() {
   if (jobs) state.jobs = jobs;
   if (list) state.printers = list;
   if (ask_profiles_) state.profiles = profiles;
-  const bool changed = jobs || list || ask_profiles_ || state.link != Link::kReady;
+  if (state.pending.ListCame(asked_ms)) shared_->pending_changed = true;
+  const bool changed = jobs || list || ask_profiles_ || state.link != Link::kReady ||
+                       !state.listed || shared_->pending_changed;
+  state.listed = true;
   state.link = Link::kReady;
   ask_profiles_ = false;
   if (changed && !hold_back_) shared_->Published();
   return true;
-}
-
-// Carries out what was asked for. False when the connection broke; what was not done is dropped,
-// since nobody knows whether it was.
-bool Worker::MakeChanges() {
-  for (;;) {
-    PendingChange change;
-    {
-      Locked lock(shared_);
-      if (shared_->changes.empty()) return true;
-      change = shared_->changes.front();
-      shared_->changes.pop_front();
-    }
-    Began();
-    const int fd = shared_->open[kLists];
-    const char* ticket = change.action == JobAction::kHold ? "hold=1" : "hold=0";
-    const int status =
-        change.action == JobAction::kRemove
-            ? NC_RemovePrintRequest(fd, change.id.data())
-            : NC_WritePrintRequestN(fd, change.id.data(), ticket, -1, 0, nullptr, nullptr);
-    Ended();
-    next_poll_ = 0;
-    Answered(change, status);
-    if (status < 0) return false;
-  }
-}
-
-void Worker::Answered(const PendingChange& change, int status) {
-  Locked lock(shared_);
-  ServerState& state = shared_->state;
-  auto same = [&](const PendingChange& p) {
-    return p.id == change.id && p.action == change.action;
-  };
-  auto it = std::find_if(state.pending.begin(), state.pending.end(), same);
-  if (it != state.pending.end()) finished_.push_back(*it);
-  std::string name;
-  for (const NC_Job& job : *state.jobs)
-    if (IdOf(job) == change.id) name = job.document;
-  const bool done = status == NC_STATUS_DONE;
-  std::string text = (done ? kDone : kNotDone)[int(change.action)] + (": " + name);
-  if (status >= 0 && !done) text += std::string(", ") + nc::RefusalText(status, nc::Asked::kJob);
-  if (status < 0) text += ", the connection broke";
-  shared_->AddNotice(done, text);
-  shared_->Published();
-}
-
-// What was answered is no longer pending once the lists tell of it.
-void Worker::ForgetFinished() {
-  if (finished_.empty()) return;
-  Locked lock(shared_);
-  for (const PendingChange& done : finished_) {
-    auto& pending = shared_->state.pending;
-    auto it = std::find_if(pending.begin(), pending.end(), [&](const PendingChange& p) {
-      return p.id == done.id && p.action == done.action;
-    });
-    if (it != pending.end()) pending.erase(it);
-  }
-  finished_.clear();
-  shared_->Published();
-}
-
-// A transfer that broke off and that nobody wants any more.
-void Worker::ForgetBroken() {
-  if (!broken_.has_id || sending_ == broken_.number) return;
-  Locked lock(shared_);
-  for (const Transfer& t : shared_->state.transfers)
-    if (t.number == broken_.number) return;
-  if (unwanted_.size() == kMostUnwanted) unwanted_.erase(unwanted_.begin());
-  unwanted_.push_back(broken_.id);
-  broken_ = {};
-}
-
-void Worker::RemoveUnwanted() {
-  ForgetBroken();
-  std::erase_if(unwanted_, [this](const JobId& id) {
-    if (!Arrived(id)) return false;
-    Locked lock(shared_);
-    shared_->changes.push_back({id, JobAction::kRemove});
-    return true;
-  });
 }
 
 // Everything that is due on the connection for lists. Called also while a file is being sent.
@@ -254,15 +174,13 @@ void Worker::Serve(int connect_ms) {
   }
   bool good = MakeChanges() && ChangePrinters() && AnswerRequests();
   if (good && next_poll_ <= MonotonicMs()) {
-    good = Poll();
-    if (good) RemoveUnwanted();
+    good = Poll() && RemoveUnwanted();
   }
   if (!good) {
     const int error = errno;
     Ended();
     GoAway(Link::kAway, error == ETIMEDOUT ? kSilent : "closed the connection");
   }
-  ForgetFinished();
 }
 
 // Until something is asked for, or the next list or try is due.
@@ -270,8 +188,8 @@ void Worker::Wait() {
   Locked lock(shared_);
   const bool connected = shared_->open[kLists] >= 0;
   if (shared_->stop || shared_->refresh ||
-      (connected && !(shared_->changes.empty() && shared_->printer_changes.empty() &&
-                     shared_->requests.empty())))
+      (connected &&
+       !(shared_->steps.empty() && shared_->printer_changes.empty() && shared_->requests.empty())))
     return;
   const int64_t now = MonotonicMs();
   int64_t until = connected ? next_poll_ : shared_->retry_at;

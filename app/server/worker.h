@@ -30,11 +30,18 @@ class Worker {
   void Began();
   void Ended();
   bool Poll();
+
+  // Changes of jobs (changes.cc).
   bool MakeChanges();
-  void Answered(const PendingChange& change, int status);
-  void ForgetFinished();
+  bool NextStep(JobStep* out);
+  int Make(const JobStep& step, bool* left_held);
+  void Answered(const JobStep& step, int status, bool left_held);
+  void TellOutcome();
+  void GiveUpChanges();
+  void RemoveLater(const JobId& job);
   void ForgetBroken();
-  void RemoveUnwanted();
+  bool RemoveUnwanted();
+  bool FindJob(const JobId& id, NC_Job* out);
 
   // Scanners, profiles, gamut files (scanners.cc).
   bool AnswerRequests();
@@ -47,7 +54,6 @@ class Worker {
   bool ChangePrinters();
   bool NextPrinterChange(PrinterChange* change, NC_Printer* printer);
   int SetPrinter(const PrinterChange& change, const NC_Printer& printer);
-  int MoveAllJobs(const PrinterChange& change);
 
   void Serve(int connect_ms);
   void Wait();
@@ -69,7 +75,8 @@ class Worker {
   std::unique_ptr<NC_Job[]> jobs_;
   std::string last_jobs_, last_printers_;
   bool ask_profiles_ = true;  // they change with the server's settings only
-  std::vector<PendingChange> finished_;
+  int batch_ = 0;             // whose outcome is being counted, 0: none
+  ChangeOutcome outcome_;
   int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
   int retry_ms_ = 0;
   int sending_ = 0;  // number of the transfer
@@ -77,6 +84,7 @@ class Worker {
   struct {
     int64_t sent, at;  // bytes, and when there were so many of them
   } progress_{};
+  bool all_sent_ = false;   // of the transfer
   bool hold_back_ = false;  // lists are stored, and published by what follows
   // A transfer that broke off, under which id, and how often.
   struct Broken {

@@ -306,6 +306,8 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
     case kBody:
       held_ = hit.part == kRow ? kARow : kNothing;
       held_row_ = hit.part == kRow ? hit.index : -1;
+      may_carry_ = carries_ && hit.part == kRow && !keys.shift && !keys.control &&
+                   selection_->Has(held_row_);
       selection_->Press(held_row_, keys);
       return true;
     case kBorder:
@@ -321,7 +323,7 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
 
 bool Table::Drag(int px, int py) {
   if (held_ == kABorder) return DragBorder(px);
-  return (held_ == kARow || held_ == kRows) && DragRows(py);
+  return HoldsRow() && DragRows(py);
 }
 
 void Table::Release() {
@@ -336,6 +338,7 @@ bool Table::DragRows(int py) {
   if (rows_ == 0 || body.Empty()) return false;
   const int y = std::clamp(py, body.y, body.bottom() - 1) - body.y;
   const int row = int(std::min<int64_t>((int64_t{top_} + y) / kRowHeight, rows_ - 1));
+  if (held_ == kCarried || (may_carry_ && row != held_row_)) return CarryTo(y);
   if (row == held_row_) return false;
   held_ = kRows;
   held_row_ = row;
@@ -343,9 +346,18 @@ bool Table::DragRows(int py) {
   return true;
 }
 
+// To the border of two rows that is the nearest.
+bool Table::CarryTo(int y) {
+  const int64_t at = (int64_t{top_} + y + kRowHeight / 2) / kRowHeight;
+  const int before = gap();
+  held_ = kCarried;
+  gap_ = int(std::min<int64_t>(at, rows_));
+  return gap_ != before;
+}
+
 bool Table::ScrollsByDrag() const {
   const Area body = Body();
-  return held_ == kRows && (drag_y_ < body.y || drag_y_ >= body.bottom());
+  return held_ >= kRows && (drag_y_ < body.y || drag_y_ >= body.bottom());
 }
 
 // The faster the farther away the pointer is.
@@ -462,6 +474,14 @@ void Table::DrawRow(int row, const Hit& hover) const {
   }
 }
 
+void Table::DrawGap() const {
+  const Style& l = TheStyle();
+  const Area body = Body();
+  const int y = std::clamp(RowArea(gap()).y, body.y + 2, body.bottom() - 2);
+  Fill({body.x + 6, y - 1, body.w - 8, 2}, l.dark_accent);
+  XwRoundBox(body.x + 2, y - 3, 6, 6, 3, l.document, l.dark_accent);
+}
+
 void Table::Draw(const Hit& hover) {
   if (area_.Empty()) return;
   const Style& l = TheStyle();
@@ -476,6 +496,7 @@ void Table::Draw(const Hit& hover) {
     Fill({body.x, below, body.w, body.bottom() - below}, l.document);
     if (rows_ == 0)
       DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
+    if (gap() >= 0 && shows_gap_) DrawGap();
     if (focused_ && focus() < 0) {
       XwSetColor(Mix(l.accent, l.document, 45));
       XwDrawRect(body.x, body.y, body.w, body.h);

@@ -102,7 +102,17 @@ class Table {
   bool Drag(int px, int py);
   void Release();
   // A row is held: no other one may come under the pointer now.
-  bool HoldsRow() const { return held_ == kARow || held_ == kRows; }
+  bool HoldsRow() const { return held_ >= kARow; }
+  // Whether rows that are selected can be carried to another place instead, and a line shows where
+  // that is.
+  void SetCarries(bool carries, bool shows_gap) {
+    carries_ = carries;
+    shows_gap_ = shows_gap;
+  }
+  // The row before which what is being carried would go, rows() behind the last; -1: nothing is.
+  int gap() const { return held_ == kCarried ? gap_ : -1; }
+  // What is held is let go, and nothing comes of it.
+  void LetGo() { held_ = kNothing; }
   // Rows are being dragged over, and the pointer is above or below them: from time to time the
   // table is to be scrolled on.
   bool ScrollsByDrag() const;
@@ -130,6 +140,8 @@ class Table {
   int NextColumn(int column) const;
   bool DragBorder(int px);
   bool DragRows(int py);
+  bool CarryTo(int y);
+  void DrawGap() const;
   int Fits() const { return Body().h / kRowHeight; }
   int MostTop() const;
   bool Scrolls() const;
@@ -152,7 +164,10 @@ class Table {
   int rows_ = 0, top_ = 0;
   int sort_ = -1;
   bool descending_ = false, focused_ = false, muted_ = false;
-  enum Held : uint8_t { kNothing, kABorder, kARow, kRows } held_ = kNothing;
+  enum Held : uint8_t { kNothing, kABorder, kARow, kRows, kCarried } held_ = kNothing;
+  bool carries_ = false, shows_gap_ = false;
+  bool may_carry_ = false;  // what is held
+  int gap_ = 0;
   int held_row_ = -1;  // that was pressed, or was dragged to last
   int drag_y_ = 0;     // where the pointer is
   int border_ = 0;     // of which column

@@ -1,6 +1,9 @@
 #include "app/window/command_table.h"
 
 #include "app/window/commands.h"
+#include "app/window/help.h"
+#include "app/window/print_options.h"
+#include "app/window/queue_commands.h"
 #include "app/window/side_commands.h"
 
 namespace console {
@@ -12,15 +15,30 @@ bool HasSelection(const Console* c) {
   return c->files.table.selected() >= 0;
 }
 
+// --- Edit: of the box with the keyboard
+
+template <int action>
+bool CanEdit(const Console* c) {
+  return XwCanEdit(XwGetFocus(c->window), action);
+}
+template <int action>
+void Edit(Console* c) {
+  XwEdit(XwGetFocus(c->window), action);
+}
+
 // --- Queue
 
-template <JobAction action>
-bool CanDo(const Console* c) {
-  return c->queue.CanChange(action);
+template <Verb verb>
+std::string WhyNot(const Console* c) {
+  return WhyNotChange(c, verb);
 }
-template <JobAction action>
+template <Verb verb>
 void Do(Console* c) {
-  c->queue.Change(action, &c->server);
+  ChangeJobs(c, {verb});
+}
+template <int by>
+void Move(Console* c) {
+  MoveJobs(c, by);
 }
 bool IsSending(const Console* c) {
   for (const Transfer& t : c->state.transfers)
@@ -62,12 +80,6 @@ void Sort(Console* c) {
   SortBy(c, column);
 }
 
-// --- Help
-
-void About(Console* c) {
-  Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
-}
-
 constexpr Command Row(CommandId id, Menu menu, const char* name, Enabled enabled, Run run,
                       CommandMore more = {}) {
   return {id, menu, name, enabled, run, more};
@@ -78,22 +90,91 @@ constexpr Command kCommands[] = {
         {.key = 'o', .plain_key = XWE_RETURN, .where = kInFiles, .contexts = kOnFiles}),
     Row(kPrintCommand, kFileMenu, "Print", CanPrint, PrintSelected,
         {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
+    Row(kPrintOnCommand, kFileMenu, "Printer", nullptr, nullptr,
+        {.group = true,
+         .contexts = kOnOptions,
+         .choices = NextPrinterChoices,
+         .choose = ChooseNextPrinter}),
+    Row(kNextProfileCommand, kFileMenu, "Profile", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
+    Row(kNextMediaCommand, kFileMenu, "Media", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextMediaChoices, .choose = ChooseNextMedia}),
+    Row(kNextPriorityCommand, kFileMenu, "Priority", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextPriorityChoices, .choose = ChooseNextPriority}),
+    Row(kColourCommand, kFileMenu, "Colour…", nullptr, ChooseColour, {.contexts = kOnOptions}),
+    Row(kHoldNextCommand, kFileMenu, "Hold Next Job", nullptr, HoldNext,
+        {.key = 'j', .contexts = kOnOptions, .checked = HoldsNext}),
+    Row(kUsualCommand, kFileMenu, "Usual Options", nullptr, UseUsualOptions,
+        {.group = true, .contexts = kOnOptions}),
+    Row(kOptionsCommand, kNoMenu, "Print Options", nullptr, OpenOptions),
     Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
 
+    Row(kUndoCommand, kEditMenu, "Undo", CanEdit<XWU_UNDO>, Edit<XWU_UNDO>, {.key = 'z'}),
+    Row(kRedoCommand, kEditMenu, "Redo", CanEdit<XWU_REDO>, Edit<XWU_REDO>, {.key = 'y'}),
+    Row(kCutCommand, kEditMenu, "Cut", CanEdit<XWU_CUT>, Edit<XWU_CUT>,
+        {.group = true, .key = 'x'}),
+    Row(kCopyCommand, kEditMenu, "Copy", CanEdit<XWU_COPY>, Edit<XWU_COPY>, {.key = 'c'}),
+    Row(kPasteCommand, kEditMenu, "Paste", CanEdit<XWU_PASTE>, Edit<XWU_PASTE>, {.key = 'v'}),
     Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
     Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
         {.group = true, .key = ','}),
 
-    Row(kHoldCommand, kQueueMenu, "Hold", CanDo<JobAction::kHold>, Do<JobAction::kHold>,
-        {.key = 'h', .plain_key = 'h', .where = kInQueue, .contexts = kOnJobs}),
-    Row(kReleaseCommand, kQueueMenu, "Release", CanDo<JobAction::kRelease>, Do<JobAction::kRelease>,
-        {.key = 'g', .plain_key = 'r', .where = kInQueue, .contexts = kOnJobs}),
-    Row(kRemoveCommand, kQueueMenu, "Remove", CanDo<JobAction::kRemove>, Do<JobAction::kRemove>,
+    Row(kHoldCommand, kQueueMenu, "Hold", nullptr, Do<Verb::kHold>,
+        {.key = 'h',
+         .plain_key = 'h',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kHold>}),
+    Row(kReleaseCommand, kQueueMenu, "Release", nullptr, Do<Verb::kRelease>,
+        {.key = 'g',
+         .plain_key = 'r',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kRelease>}),
+    Row(kPrintAgainCommand, kQueueMenu, "Print Again", nullptr, Do<Verb::kPrintAgain>,
+        {.plain_key = 'a',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kPrintAgain>}),
+    Row(kPriorityCommand, kQueueMenu, "Priority", nullptr, nullptr,
+        {.group = true,
+         .plain_key = 'p',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kPriority>,
+         .choices = PriorityChoices,
+         .choose = ChoosePriority}),
+    Row(kCopiesCommand, kQueueMenu, "Copies", nullptr, nullptr,
+        {.plain_key = 'c',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kCopies>,
+         .choices = CopiesChoices,
+         .choose = ChooseCopies}),
+    Row(kMoveToPrinterCommand, kQueueMenu, "Move to Printer", nullptr, nullptr,
+        {.plain_key = 'm',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kMove>,
+         .choices = PrinterChoices,
+         .choose = ChoosePrinterOfJobs}),
+    Row(kMoveUpCommand, kQueueMenu, "Print Earlier", nullptr, Move<-1>,
+        {.plain_key = 'u',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kReorder>}),
+    Row(kMoveDownCommand, kQueueMenu, "Print Later", nullptr, Move<1>,
+        {.plain_key = 'd',
+         .where = kInQueue,
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kReorder>}),
+    Row(kRemoveCommand, kQueueMenu, "Remove", nullptr, Do<Verb::kRemove>,
         {.group = true,
          .key = XWE_DELETE,
          .plain_key = XWE_DELETE,
          .where = kInQueue,
-         .contexts = kOnJobs}),
+         .contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kRemove>}),
     Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
         {.group = true, .key = '.'}),
     Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
@@ -137,7 +218,21 @@ constexpr Command kCommands[] = {
     Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),
     Row(kSortByDateCommand, kViewMenu, "Sort by Date", nullptr, Sort<2>, {.key = '3'}),
 
-    Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, About),
+    Row(kSortQueueCommand, kViewMenu, "Sort Queue By", nullptr, nullptr,
+        {.group = true,
+         .plain_key = 'o',
+         .where = kInQueue,
+         .choices = SortChoices,
+         .choose = ChooseSort}),
+    Row(kQueuePartCommand, kViewMenu, "Jobs Shown", nullptr, nullptr,
+        {.plain_key = 's', .where = kInQueue, .choices = PartChoices, .choose = ChoosePart}),
+    Row(kMineCommand, kViewMenu, "My Jobs Only", nullptr, ToggleMine,
+        {.plain_key = 'y', .where = kInQueue, .checked = ShowsMine}),
+    Row(kQueueFilterCommand, kViewMenu, "Filter Queue", nullptr, GoToQueueFilter,
+        {.key = 'f', .modifiers = XWS_CONTROL | XWS_SHIFT, .plain_key = '/', .where = kInQueue}),
+
+    Row(kKeysCommand, kHelpMenu, "Keys", nullptr, ShowKeys, {.key = XWE_F1, .modifiers = 0}),
+    Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, ShowAbout, {.group = true}),
 };
 
 }  // namespace

@@ -7,7 +7,9 @@
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
+#include "app/window/help.h"
 #include "app/window/program_icon.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 namespace {
@@ -30,6 +32,7 @@ void AddAllHits(Console* c) {
     c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
+    c->details.AddHits(&c->hits);
     c->banner.AddHits(&c->hits);
     c->status.AddHits(c->files.SelectionText(), &c->hits);
     c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
@@ -85,13 +88,17 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane |
+               kDetailsPane;
 }
 
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height, c->panes);
   // Below the rows: none moves when it comes or goes.
-  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  if (c->banner.shown)
+    c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  else if (c->needs.shown)
+    c->layout.needs = c->layout.queue.TakeBottom(NeedsPane::kHeight);
   PlaceControls(c);
   c->damage |= kAllPanes;
 }
@@ -100,7 +107,8 @@ namespace {
 
 // What follows a change of a table's selection.
 void SelectionChanged(Console* c, bool files) {
-  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane;
+  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane
+                     : kQueuePane | kDetailsPane;
 }
 
 SelectionKeys KeysOf(uint32_t modifiers) {
@@ -212,11 +220,13 @@ void Use(Console* c, const Hit& hit) {
 
 // What has waited for it is shown.
 void ReleaseTables(Console* c) {
+  const int gap = c->queue.table.gap();
   for (Table* table : {&c->files.table, &c->queue.table}) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
   if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
+  if (gap >= 0) DropJobs(c, gap);
   if (std::exchange(c->queue_waits, false)) c->queue.Fill();
   ShowHeldReading(c);
 }
@@ -229,7 +239,6 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
-  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -298,10 +307,10 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
-  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
-    c->tools.ChangePriority(type == '+' ? 1 : -1);
-    c->damage |= kToolsPane;
-  }
+  const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
+  if (!by || c->stop != FocusStop::kPriority) return;
+  c->tools.ChangePriority(by);
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 // What is disabled is passed over.
@@ -356,7 +365,7 @@ void ServerChanged(Console* c, ServerState state) {
   UpdateLists();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
-    if (n.number > c->last_notice) Tell(c, n.good, n.text);
+    if (n.number > c->last_notice) c->status.Tell(n.message.tone, n.message.text);
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
@@ -370,6 +379,7 @@ void ServerChanged(Console* c, ServerState state) {
 
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
+  c->queue.ShowProgress();
   c->damage |= kQueuePane | kStatusPane;
 }
 
@@ -395,6 +405,13 @@ void OnTimer(Console* c, int timer) {
   if (MayLeaveNow(c)) Quit(c);
 }
 
+// The Menu key, for what is selected where the keyboard is.
+void OpenMenuByKey() {
+  if (!g_console || g_console->asking) return;
+  OpenContextMenuByKey(g_console);
+  DrawConsole(g_console);
+}
+
 void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
@@ -412,6 +429,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      c->exposed = true;
       c->damage = kAllPanes;
       break;
     case XWE_MOTION:
@@ -511,6 +529,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
+  XwSetContextMenuHandler(w, OpenMenuByKey);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
@@ -532,6 +551,7 @@ void CloseConsole(Console* c) {
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  CloseKeys();
   FinishRemembering(c);
   ForgetServerStart(c);
   g_console = nullptr;
@@ -545,9 +565,10 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void DrawConsole(Console* c) {
-  if (!c->damage) return;
+  if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
+  c->details.jobs = IsInQueue(c->stop) && !c->queue.Selected().empty() ? &c->queue : nullptr;
   c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;

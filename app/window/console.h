@@ -48,13 +48,21 @@ enum class FocusStop {
   kQueue,
   kStartServer,
   kRetry,
+  kNeedsButton,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
+  kQueueFilter,
+  kQueueOwner,
+  kQueuePart,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
@@ -76,6 +84,11 @@ struct Remembered {
   bool server_fixed = false;  // by the environment
 };
 
+// The keyboard is in the queue, or in what says what it shows.
+inline bool IsInQueue(FocusStop stop) {
+  return stop == FocusStop::kQueue || stop >= FocusStop::kQueueFilter;
+}
+
 struct ServerStart;
 
 struct Console {
@@ -86,7 +99,8 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool active = true;  // keys of the desktop come to the window
+  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
+  bool active = true;    // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -120,8 +134,8 @@ struct Console {
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
   bool scrolls_by_drag = false;  // the timer runs
-  bool asking = false;                        // whether to leave before everything is sent
-  XwWindow* question = nullptr;               // the sheet that asks
+  bool asking = false;           // whether to leave before everything is sent
+  XwWindow* question = nullptr;  // the sheet that asks
 
   PaneSizes panes;
   int border_grip = 0;  // where beside a border it was pressed
@@ -221,8 +235,6 @@ void PlacesKey(Console* c, int type);
 // --- The printers (printers.cc)
 // After a new state of the server, or another choice.
 void PrintersCame(Console* c);
-// The strip of what somebody has to do something about comes or goes.
-void ShowNeeds(Console* c);
 void ChoosePrinter(Console* c, const std::string& name);
 void PressPrinter(Console* c, const Hit& hit);
 void UsePrinter(Console* c, const Hit& hit);

@@ -4,6 +4,7 @@
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
 #include "app/window/console.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 
@@ -18,10 +19,12 @@ void MakeControls(Console* c) {
   c->queue.MakeControls(w);
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,         c->tools.up,       c->tools.refresh,
-                c->queue.hold,          c->queue.release,  c->queue.remove,
-                c->status.stop_sending, c->status.dismiss, c->banner.retry,
-                c->banner.start_server, c->needs.load,     c->needs.choose};
+  const QueueHead& head = c->queue.head;
+  c->buttons = {c->tools.print,    c->tools.refresh, c->tools.colour,
+                c->tools.options,  head.hold,        head.release,
+                head.again,        head.remove,      c->status.stop_sending,
+                c->status.dismiss, c->banner.retry,  c->banner.start_server,
+                c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -40,20 +43,36 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->banner.retry;
     case FocusStop::kStartServer:
       return c->banner.start_server;
+    case FocusStop::kNeedsButton:
+      return c->needs.Button();
     case FocusStop::kPrint:
       return c->tools.print;
+    case FocusStop::kRefresh:
+      return c->tools.refresh;
     case FocusStop::kPrinter:
       return c->tools.printer();
     case FocusStop::kProfile:
       return c->tools.profile();
+    case FocusStop::kMedia:
+      return c->tools.media();
     case FocusStop::kCopies:
       return c->tools.copies;
     case FocusStop::kPriority:
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kColour:
+      return c->tools.colour;
+    case FocusStop::kOptions:
+      return c->tools.options;
     case FocusStop::kFilter:
       return c->files.filter;
+    case FocusStop::kQueueFilter:
+      return c->queue.head.text;
+    case FocusStop::kQueueOwner:
+      return c->queue.head.owner;
+    case FocusStop::kQueuePart:
+      return c->queue.head.part;
     default:
       return nullptr;
   }
@@ -87,7 +106,7 @@ void UpdateControls(Console* c) {
   c->tools.Update(c->state, !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
-  c->queue.table.Enable(!c->asking);
+  c->queue.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
   c->printer_list.list.Enable(!c->asking);
   UpdateFocus(c);
@@ -102,6 +121,7 @@ bool NothingIsChosen(const Console* c) {
 }  // namespace
 
 void UseEditBox(Console* c, int type, int id, bool gained) {
+  if (id == kQueueFilterControl) return UseQueueFilter(c, type, gained);
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
   // The report that a box has got the keyboard may wait behind its first keys.
@@ -112,6 +132,9 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  // The report of a key takes its place, also of one that does nothing in a box.
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
@@ -122,10 +145,11 @@ void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
   if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
+  if (id == kPrinterControl) c->tools.FitMedia(c->state);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
-  if (c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  UseQueueControl(c, id, value);
   if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
   if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
 }
@@ -145,9 +169,11 @@ void PrintSelected(Console* c) {
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
   usual.printer = printer ? printer->name : c->choice.printer;
   usual.profile = c->choice.profile;
+  usual.media = c->choice.media;
   usual.copies = c->choice.copies;
   usual.priority = c->choice.priority;
   usual.hold = c->choice.hold;
+  usual.colour = c->choice.colour;
   std::vector<PrintOrder> orders;
   for (const std::string& name : c->files.selection.Ids()) {
     const int row = c->files.folder.Find(name);
@@ -158,6 +184,9 @@ void PrintSelected(Console* c) {
   }
   c->just_sent += int(orders.size());
   c->server.Send(std::move(orders));
+  c->choice.AfterPrint();
+  c->tools.ShowChoice();
+  c->damage |= kToolsPane | kDetailsPane;
   if (IsAway(c->state.link))
     Tell(c, true,
          (c->just_sent > 1 ? "They" : "It") +
@@ -165,10 +194,13 @@ void PrintSelected(Console* c) {
 }
 
 bool CanSelectAll(const Console* c) {
-  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue;
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue ||
+         XwCanEdit(XwGetFocus(c->window), XWU_SELECT_ALL);
 }
 
 void SelectAll(Console* c) {
+  XwWindow* box = XwGetFocus(c->window);
+  if (XwCanEdit(box, XWU_SELECT_ALL)) return XwEdit(box, XWU_SELECT_ALL);
   if (c->stop == FocusStop::kQueue)
     c->queue.selection.All();
   else

@@ -58,7 +58,7 @@ int SizeAt(const Layout& l, int border, int at) {
     case kRightBorder:
       return l.details.right() - at;
     case kQueueBorder:
-      return std::max(l.queue.bottom(), l.banner.bottom()) - at - l.queue_head.h;
+      return l.status.y - at - l.queue_head.h;
     default:
       return l.printers.bottom() - at;
   }

@@ -1,5 +1,6 @@
 // What is kept of the window between two runs.
 #include "app/window/console.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 namespace {
@@ -20,6 +21,12 @@ Preferences Now(const Console* c) {
   p.file_order = int(c->files.folder.order());
   p.files_descending = c->files.folder.descending();
   p.file_filter = c->files.FilterText();
+  const QueueFilter& filter = c->queue.rows.filter();
+  p.queue_order = int(c->queue.rows.order());
+  p.queue_descending = c->queue.rows.descending();
+  p.queue_filter = filter.text;
+  p.mine_only = filter.mine;
+  p.active_only = filter.part == QueueFilter::kActive;
   return p;
 }
 
@@ -45,6 +52,10 @@ void ShowRemembered(Console* c) {
   if (p.file_order <= int(FileOrder::kTime))
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
+  if (p.queue_order <= int(QueueOrder::kNumber))
+    c->queue.Sort(QueueOrder(p.queue_order), p.queue_descending);
+  const auto part = p.active_only ? QueueFilter::kActive : QueueFilter::kAll;
+  FilterQueue(c, {p.mine_only, part, p.queue_filter});
 }
 
 void KeepPreferences(Console* c, const Preferences& preferences) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
+#include "app/panes/queue_cells.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
 
@@ -29,7 +30,10 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   ASSERT_TRUE(Until([&] { return c_->files.folder.path() == home_.At(kFolder); }));
   Click(FileRow(kLongName));
   ASSERT_EQ(Selected(), kLongName);
-  Click(c_->layout.more);
+  // Its text is selected by the press, and the arrows count.
+  Click(c_->layout.copies);
+  Key('1', '1');
+  Key(0xFF52);
   EXPECT_EQ(c_->choice.copies, 2);
 
   // The server stalls. What the user does is answered while its answer is still being waited for.
@@ -42,8 +46,8 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   Click(FileRow(kLongName));
   Click(c_->layout.print);
   ASSERT_TRUE(c_->state.link == Link::kReady && c_->state.quiet_s >= 1);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
-  EXPECT_TRUE(c_->queue.rows[0].transfer > 0);
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
+  EXPECT_TRUE(c_->queue.rows.IdAt(0).outgoing > 0);
 
   // It is given up, tried again, killed, and comes back: the file arrives once, whole.
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
@@ -55,7 +59,8 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   EXPECT_EQ(Selected(), "second.txt");
   daemon.Start({"--rate", "1K"});
   ASSERT_TRUE(Until([&] { return IsReady() && c_->state.transfers.empty(); }));
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   const NC_Job job = (*c_->state.jobs)[0];
   EXPECT_STREQ(job.document, kLongName);
   EXPECT_STREQ(job.owner, "mia");
@@ -90,13 +95,14 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   display::Modifiers(platform::controlKey);
   Key('p', 'p');
   display::Modifiers(0);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   Turn(8);
 
   // The name as it is drawn in the row is the name as it is drawn anywhere else.
   const Area row = c_->queue.table.RowArea(0);
-  const Area column = c_->queue.table.ColumnArea(0);
-  const Area cell{column.x + 34, row.y, column.w - 48, row.h};
+  const Area column = c_->queue.table.ColumnArea(int(QueueColumn::kDocument));
+  const Area cell{column.x + 8, row.y, column.w - 16, row.h};
   XwMove(pump_, 0, 0, 600, 60);
   XwShow(pump_, 1);
   Turn(4);
@@ -122,17 +128,19 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
 
   Click(row);
   const struct {
-    Area Layout::*button;
+    Area QueueHead::*button;
     NC_JobState state;
-  } kSteps[] = {{&Layout::hold_job, NC_JOB_HELD}, {&Layout::release_job, NC_JOB_PRINTING}};
+  } kSteps[] = {{&QueueHead::hold_area, NC_JOB_HELD}, {&QueueHead::release_area, NC_JOB_PRINTING}};
   for (const auto& step : kSteps) {
-    Click(c_->layout.*step.button);
+    Click(c_->queue.head.*step.button);
     ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == step.state; })) << step.state;
     ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
     EXPECT_EQ(c_->queue.table.selected(), 0);
   }
-  Click(c_->layout.remove_job);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
+  g_answer = {kTabKey, kReturnKey};
+  Click(c_->queue.head.remove_area);
+  EXPECT_TRUE(g_answer.empty()) << "it is at the printer: that was asked";
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 0; }));
   EXPECT_EQ(c_->queue.table.selected(), -1);
 }
 
@@ -165,7 +173,8 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   display::Modifiers(platform::cmdKey);
   Key('p', 'p');
   display::Modifiers(0);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   Key(kTabKey);
   Key(0xFF50);
   EXPECT_EQ(c_->stop, FocusStop::kQueue);
@@ -174,7 +183,7 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
   ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
   Key(0xFFFF);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 0; }));
   Key(0xFF1B);
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
 
@@ -287,7 +296,7 @@ TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
     Key('p', 'p');
     display::Modifiers(0);
     Turn();
-    ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == size_t(i); }));
+    ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == i; }));
   }
 }
 
@@ -364,7 +373,8 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   choose(c_->layout.profile, 2);
   EXPECT_EQ(value("Profile"), "Standard");
   Click(c_->layout.print);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
   EXPECT_STREQ(c_->state.jobs->at(0).profile, "Standard");
 
@@ -401,7 +411,15 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
     const Layout& l = c_->layout;
     EXPECT_EQ(l.status.bottom(), h);
     EXPECT_EQ(l.places.w + l.folder.w + l.details.w, w);
-    EXPECT_LE(l.hold.right(), w);
+    int right = 0;
+    for (const Area* tool : {&l.print, &l.refresh, &l.printer, &l.profile, &l.media, &l.copies,
+                             &l.slider, &l.hold, &l.colour, &l.options}) {
+      if (tool->Empty()) continue;
+      EXPECT_GE(tool->x, right);
+      right = tool->right();
+    }
+    EXPECT_EQ(right, l.options.right());
+    EXPECT_LE(right, w);
     EXPECT_GE(c_->files.table.Body().h, 8 * Table::kRowHeight);
     EXPECT_EQ(c_->files.table.area(), l.folder);
     EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);
@@ -528,9 +546,9 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   order.path = home_.At("gone.pdf");
   order.document = "gone.pdf";
   const int gone = c_->server.Send({order});
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
   c_->server.Cancel(gone);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.empty(); }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 0; }));
   daemon.Stop(SIGKILL);
   daemon.Start();
   c_->server.Refresh();
@@ -542,7 +560,7 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   EXPECT_FALSE(c_->state.transfers[0].text.empty());
   home_.File("gone.pdf", "here it is");
   c_->server.Retry(missing);
-  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->queue.rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->queue.rows.count() == 1; }));
   order.printer = "No such printer";
   c_->server.Send({order});
   ASSERT_TRUE(Until([&] {

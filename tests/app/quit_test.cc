@@ -29,8 +29,8 @@ void QuitWhileSending(const std::string& home, const Daemon& daemon, Way way) {
   c->files.table.Select(c->files.folder.Find("big.bin"));
   const_cast<Daemon&>(daemon).Signal(SIGSTOP);
   PrintSelected(c);
-  until([&] { return c->state.quiet_s >= 1 && c->queue.rows.size() == 1; });
-  if (c->queue.rows.size() != 1) _exit(9);
+  until([&] { return c->state.quiet_s >= 1 && c->queue.rows.count() == 1; });
+  if (c->queue.rows.count() != 1) _exit(9);
   auto key = [](uint32_t keysym) {
     display::KeyDown(keysym);
     display::KeyUp(keysym);

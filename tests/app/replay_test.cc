@@ -61,12 +61,17 @@ void Turn(int times) {
   while (times-- > 0) XwWaitEvent(nullptr);
 }
 
+int g_n;
 void Until(const std::function<bool()>& holds) {
   for (int i = 0; i < 20000 && !holds(); ++i) {
     usleep(1000);
     Turn(1);
   }
-  if (!holds()) _exit(9);
+  if (!holds()) {
+    fprintf(stderr, "U%d\n", g_n);
+    _exit(9);
+  }
+  ++g_n;
 }
 
 void Click(const Area& a) {
@@ -100,20 +105,23 @@ void ControlP() {
   Until([&] { return c->files.folder.Find("Überlänge.pdf") >= 0; });
   Click(c->files.table.RowArea(c->files.folder.Find("Überlänge.pdf")));
   ControlP();
-  Until([&] { return c->queue.rows.size() == 1 && !c->queue.rows[0].transfer; });
+  Until([&] { return c->queue.rows.count() == 1 && !c->queue.rows.IdAt(0).outgoing; });
   Click(c->files.table.RowArea(c->files.folder.Find("b.txt")));
   display::Scroll(0, 40);
-  Click(c->layout.more);
+  Click(c->layout.copies);
+  display::KeyDown('2', '2');
+  display::KeyUp('2', '2');
+  Turn(2);
   Click(c->layout.print);
-  Until([&] { return c->queue.rows.size() == 2 && !c->queue.rows[0].transfer; });
+  Until([&] { return c->queue.rows.count() == 2 && !c->queue.rows.IdAt(0).outgoing; });
   Click(c->queue.table.RowArea(0));
-  Click(c->layout.hold_job);
+  Click(c->queue.head.hold_area);
   Until([&] { return c->state.jobs->at(0).state == NC_JOB_HELD && c->state.pending.empty(); });
   display::OpenFile((home + "/Jobs/Überlänge.pdf").c_str());
   Until([&] { return c->files.table.selected() == c->files.folder.Find("Überlänge.pdf"); });
   Click(c->queue.table.RowArea(1));
-  Click(c->layout.remove_job);
-  Until([&] { return c->queue.rows.size() == 1; });
+  Click(c->queue.head.remove_area);
+  Until([&] { return c->queue.rows.count() == 1; });
   display::MovePointer(c->window->x + 300, c->window->y + 200);
   Turn(9);
   display::Close(w);

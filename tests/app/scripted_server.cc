@@ -24,6 +24,7 @@ struct Job {
   std::string id, document, printer;
   bool held = false;
   size_t size = 0;
+  int changes = 0;
 };
 
 // All connections share them; one answers at a time.
@@ -56,19 +57,26 @@ std::string Queue() {
     NC_FormatId(reinterpret_cast<const uint8_t*>(job.id.data()), id);
     list += std::string("id=") + id + "\nstate=" + (job.held ? "held" : "waiting") +
             "\ndocument=" + job.document + "\nowner=mia\nprinter=" + job.printer +
-            "\nsize=" + std::to_string(job.size) + "\n\n";
+            "\nsize=" + std::to_string(job.size) + "\ncopies=" + std::to_string(job.changes + 1) +
+            "\n\n";
   }
   return list;
 }
 
-void Write(const std::string& id, const std::string& request) {
+// False: the connection ends before the answer.
+bool Write(const std::string& id, const std::string& request) {
   const size_t end = request.find("\n\n");
   const std::string ticket = request.substr(0, end);
-  for (Job& job : jobs)
-    if (job.id == id) job.held = Value(ticket, "hold") == "1";
-  if (end == std::string::npos || end + 2 >= request.size()) return;
+  for (Job& job : jobs) {
+    if (job.id != id) continue;
+    job.held = Value(ticket, "hold") == "1";
+    ++job.changes;
+    return job.document.rfind("loses", 0) != 0;
+  }
+  if (end == std::string::npos || end + 2 >= request.size()) return true;
   jobs.push_back({id, Value(ticket, "document"), Value(ticket, "printer"),
                   Value(ticket, "hold") == "1", request.size() - end - 2});
+  return true;
 }
 
 // What the newest job's name asks for. False: the connection ends.
@@ -104,7 +112,7 @@ bool Answer(int fd) {
     }
     case 3: {
       const size_t before = jobs.size();
-      Write(id, request);
+      if (!Write(id, request)) return false;
       return (jobs.size() == before || AfterArrival(fd)) && Put(fd, "\1");
     }
     case 11:  // profiles: there are none

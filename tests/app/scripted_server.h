@@ -2,7 +2,8 @@
 // none, a job waits until it is held or removed. It runs in a process of its own.
 //
 // The name of a document can ask for trouble: "breaks..." is accepted, but the connection ends
-// before the server has said so; "alone..." is accepted, and all other connections end.
+// before the server has said so; "alone..." is accepted, and all other connections end; "loses..."
+// is changed, but the connection ends before the answer. Copies count up with each change.
 #pragma once
 #include <sys/types.h>
 

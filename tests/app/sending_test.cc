@@ -22,17 +22,17 @@ class SendingTest : public ConsoleTest {
     ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
     Click(FileRow(name));
     Click(c_->layout.print);
-    ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+    ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
     Click(c_->queue.table.RowArea(0));
     ASSERT_EQ(c_->queue.table.selected(), 0);
-    ASSERT_TRUE(c_->queue.rows[0].transfer);
+    ASSERT_TRUE(c_->queue.rows.IdAt(0).outgoing);
     server_.Listen();
     c_->server.Refresh();
   }
   bool QueueIs(size_t transfers, size_t jobs) {
     return Until([&] {
       return c_->state.transfers.size() == transfers && c_->state.jobs->size() == jobs &&
-             c_->queue.rows.size() == transfers + jobs;
+             c_->queue.rows.count() == int(transfers + jobs);
     });
   }
 
@@ -49,11 +49,11 @@ TEST_P(SelectionTest, FollowsWhatIsSentToItsJob) {
   PrintAndSelect(GetParam());
   ASSERT_TRUE(QueueIs(0, 1));
   EXPECT_EQ(c_->queue.table.selected(), 0);
-  Click(c_->layout.hold_job);
+  Click(c_->queue.head.hold_area);
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
   ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
   EXPECT_EQ(c_->queue.table.selected(), 0);
-  Click(c_->layout.remove_job);
+  Click(c_->queue.head.remove_area);
   ASSERT_TRUE(QueueIs(0, 0));
   EXPECT_EQ(c_->queue.table.selected(), -1);
 }
@@ -66,7 +66,7 @@ TEST_F(SendingTest, WhatArrivedUnnoticedIsRemovedWithItsRow) {
   PrintAndSelect("breaks.pdf");
   ASSERT_TRUE(QueueIs(1, 1));
   ASSERT_EQ(c_->queue.table.selected(), 0);
-  Click(c_->layout.remove_job);
+  Click(c_->queue.head.remove_area);
   EXPECT_TRUE(QueueIs(0, 0));
 }
 
@@ -100,7 +100,7 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
   display::Modifiers(platform::controlKey);
   Key('a', 'a');
   display::Modifiers(0);
-  Click(c_->layout.hold_job);
+  Click(c_->queue.head.hold_area);
   ASSERT_TRUE(Until([&] {
     const auto& jobs = *c_->state.jobs;
     return std::all_of(jobs.begin(), jobs.end(),
@@ -129,7 +129,7 @@ TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
   PrintSelected(c_);
   ASSERT_TRUE(c_->state.transfers.empty());
   EXPECT_FALSE(AskBeforeQuit(c_));
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
 
@@ -247,10 +247,10 @@ TEST_P(HangingDocument, HoldsUpNothing) {
   ASSERT_TRUE(Until([&] { return c_->state.transfers[0].silent_s >= 1; }));
   EXPECT_EQ(c_->state.transfers[0].sent > 0, hangs_in_reading);
   Click(c_->queue.table.RowArea(2));
-  Click(c_->layout.hold_job);
+  Click(c_->queue.head.hold_area);
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
   Click(c_->queue.table.RowArea(0));
-  Click(c_->layout.remove_job);
+  Click(c_->queue.head.remove_area);
   ASSERT_TRUE(QueueIs(0, 2));
   Print("hangs 2.pdf");
   ASSERT_TRUE(Until([&] { return gate->Waiting() == 2; }));

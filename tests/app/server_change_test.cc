@@ -68,7 +68,7 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   ShowDocument(c_, home_.At("letter.txt").c_str());
   ASSERT_TRUE(HasRead());
   PrintSelected(c_);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1 && !c_->queue.rows[0].transfer; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && c_->queue.rows.JobAt(0); }));
   const Preferences before = c_->remembered.preferences;
 
   display::Preferences();
@@ -93,7 +93,7 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   EXPECT_FALSE(PreferencesShow());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   EXPECT_STREQ(c_->state.printers->at(0).name, "Other");
-  EXPECT_TRUE(c_->queue.rows.empty()) << "the other server's jobs";
+  EXPECT_TRUE(c_->queue.rows.count() == 0) << "the other server's jobs";
   ASSERT_TRUE(Until([&] { return LoadPreferences(path_).recent_servers.size() == 2; }));
   const Preferences kept = LoadPreferences(path_);
   EXPECT_EQ(kept.server, second.host());
@@ -114,7 +114,7 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   ASSERT_TRUE(HasRead());
   first.Signal(SIGSTOP);
   PrintSelected(c_);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
   const auto timer = platform::InstallEventLoopTimer(0.02, 0.02, AnswerQuestion, nullptr);
   for (const bool leave : {false, true}) {
     ShowPreferences(c_);
@@ -128,7 +128,7 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
     if (!leave) Key(kEscapeKey);
   }
   platform::RemoveEventLoopTimer(timer);
-  ASSERT_TRUE(Until([&] { return IsReady() && c_->queue.rows.empty(); }));
+  ASSERT_TRUE(Until([&] { return IsReady() && c_->queue.rows.count() == 0; }));
   first.Signal(SIGCONT);
   for (Daemon* daemon : {&first, &second}) {
     const int fd = daemon->Connect();

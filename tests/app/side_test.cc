@@ -275,9 +275,9 @@ class PanesTest : public SideTest {
     EXPECT_EQ(left + l.folder.w + l.details.w, c_->window->width);
     EXPECT_GE(l.folder.w, 330);
     EXPECT_GE(l.folder.h, 60);
-    EXPECT_GE(l.queue.h + l.banner.h, 110);
+    EXPECT_GE(l.queue.h + l.banner.h + l.needs.h, 110);
     EXPECT_EQ(l.folder.bottom(), l.queue_head.y);
-    EXPECT_EQ(l.queue.bottom() + l.banner.h, l.status.y);
+    EXPECT_EQ(l.queue.bottom() + l.banner.h + l.needs.h, l.status.y);
     EXPECT_EQ(std::max({l.places.bottom(), l.printers.bottom(), l.queue_head.y * (left == 0)}),
               l.queue_head.y);
   }

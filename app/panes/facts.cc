@@ -1,0 +1,43 @@
+#include "app/panes/facts.h"
+
+#include <algorithm>
+
+namespace console {
+namespace {
+
+constexpr int kMostLines = 4;
+
+}  // namespace
+
+std::vector<std::string> FactLines(std::string value, int width) {
+  XwFont* font = TheStyle().view;
+  width -= kFactName;
+  std::vector<std::string> lines;
+  while (int(lines.size()) + 1 < kMostLines && XwTextWidthUtf8(font, value.c_str()) > width) {
+    // A line has at least one character, however wide.
+    size_t fits = size_t(XwTextTrimUtf8(font, value.c_str(), width + 1, nullptr, 0));
+    if (fits == 0) fits = 1;
+    while (fits < value.size() && (value[fits] & 0xC0) == 0x80) ++fits;
+    const size_t blank = value.rfind(' ', fits);
+    if (blank != std::string::npos && blank > fits / 2) fits = std::min(blank + 1, value.size());
+    lines.push_back(value.substr(0, fits));
+    value.erase(0, fits);
+  }
+  lines.push_back(value);
+  return lines;
+}
+
+void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink) {
+  const Style& l = TheStyle();
+  const std::vector<std::string> lines = FactLines(value, a->w);
+  Area row = a->TakeTop(kFactLine);
+  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
+  DrawLabel(l.view, Align::kLeft, row, lines[0], ink);
+  for (size_t i = 1; i < lines.size(); ++i) {
+    row = a->TakeTop(kNextFactLine);
+    row.TakeLeft(kFactName);
+    DrawLabel(l.view, Align::kLeft, row, lines[i], ink);
+  }
+}
+
+}  // namespace console

@@ -1,0 +1,68 @@
+#include "app/panes/job_details.h"
+
+#include <ctime>
+
+#include "app/panes/facts.h"
+#include "app/panes/queue_cells.h"
+
+namespace console {
+namespace {
+
+constexpr int kSwatchHeight = 14, kSwatchWidth = 44;
+
+std::vector<Fact> FactsOf(const QueuePane& queue) {
+  const std::vector<QueueId> ids = queue.Selected();
+  if (ids.size() > 1) return FactsOfSeveral(queue.rows, ids);
+  if (ids.empty()) return {};
+  if (const NC_Job* job = queue.rows.JobOf(ids[0])) return FactsOfJob(*job, time(nullptr));
+  const Outgoing* out = queue.rows.OutgoingOf(ids[0]);
+  return out ? FactsOfOutgoing(*out, time(nullptr)) : std::vector<Fact>();
+}
+
+// Of the only one that is selected, -1: none.
+int32_t ColourOf(const QueuePane& queue) {
+  const std::vector<QueueId> ids = queue.Selected();
+  if (ids.size() != 1) return -1;
+  if (const NC_Job* job = queue.rows.JobOf(ids[0])) return job->colour;
+  const Outgoing* out = queue.rows.OutgoingOf(ids[0]);
+  return out ? out->colour : -1;
+}
+
+}  // namespace
+
+std::string JobCaption(const QueuePane& queue) {
+  const std::vector<QueueId> ids = queue.Selected();
+  const NC_Job* job = ids.size() == 1 ? queue.rows.JobOf(ids[0]) : nullptr;
+  if (job && job->number > 0) return "JOB " + std::to_string(job->number);
+  return ids.size() > 1 ? "JOBS" : "JOB";
+}
+
+void DrawJobFacts(const QueuePane& queue, Area a) {
+  const Style& l = TheStyle();
+  const std::vector<Fact> facts = FactsOf(queue);
+  if (facts.empty())
+    DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine), "No job is selected", l.second);
+  for (const Fact& fact : facts) {
+    if (a.h < kFactLine) return;
+    const int32_t ink = InkOf(fact.tone);
+    DrawFact(&a, fact.name.c_str(), fact.value,
+             queue.state.link == Link::kReady ? ink : Dimmed(ink, l.side));
+  }
+  const int32_t colour = ColourOf(queue);
+  if (colour < 0 || a.h < kFactLine) return;
+  Area row = a;
+  DrawFact(&a, "Colour", "", l.ink);
+  row.TakeLeft(kFactName);
+  XwRoundBox(row.x, row.y + (kFactLine - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3, colour,
+             l.line);
+}
+
+void AddJobFacts(const QueuePane& queue, Area a, Hits* hits) {
+  for (const Fact& fact : FactsOf(queue)) {
+    const int lines = int(FactLines(fact.value, a.w).size());
+    const Area row = a.TakeTop(kFactLine + (lines - 1) * kNextFactLine);
+    hits->Cover(row, {XWA_LABEL, 0, fact.name, fact.value});
+  }
+}
+
+}  // namespace console

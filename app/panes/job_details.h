@@ -1,0 +1,18 @@
+// What is known of the selected jobs: in place of the selected document while the queue has the
+// keyboard.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "app/model/queue_words.h"
+#include "app/panes/queue.h"
+
+namespace console {
+
+// "JOB 1187".
+std::string JobCaption(const QueuePane& queue);
+void DrawJobFacts(const QueuePane& queue, Area a);
+// For those who cannot see them.
+void AddJobFacts(const QueuePane& queue, Area a, Hits* hits);
+
+}  // namespace console

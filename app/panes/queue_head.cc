@@ -1,0 +1,102 @@
+#include "app/panes/queue_head.h"
+
+#include "app/look/controls.h"
+#include "app/look/style.h"
+#include "app/panes/ids.h"
+
+namespace console {
+namespace {
+
+// A narrower window has the menu for what is left out.
+constexpr int kAgainFrom = 860, kListsFrom = 1000, kLabelFrom = 1120;
+constexpr int kEnd = 12, kGap = 6, kText = 130, kList = 114, kLabel = 36;
+constexpr const char* kOwners[] = {"Everyone’s", "Mine", nullptr};
+// By QueueFilter::Part.
+constexpr const char* kParts[] = {"All jobs", "Active jobs", "Ended jobs", nullptr};
+
+XwWindow* List(XwWindow* window, const char* const* items, int id, const char* name) {
+  XwWindow* list =
+      XwComboBox(window, nullptr, id, 0, 0, 9, 9, XWC_ENABLED | XWC_VISIBLE | XWC_VARIANT, 0);
+  XwSetTextUtf8(list, items);
+  XwDescribeControl(list, name);
+  return list;
+}
+
+}  // namespace
+
+void QueueHead::MakeControls(XwWindow* w) {
+  constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+  hold = XwButton(w, "Hold", kHoldCommand, 0, 0, 9, 9, kShown, 0);
+  release = XwButton(w, "Release", kReleaseCommand, 0, 0, 9, 9, kShown, 0);
+  again = XwButton(w, "Print Again", kPrintAgainCommand, 0, 0, 9, 9, kShown, 0);
+  remove = XwButton(w, "Remove", kRemoveCommand, 0, 0, 9, 9, kShown, 0);
+  XwDescribeControl(hold, "Hold Job");
+  text = XwEditBox(w, "", kQueueFilterControl, 0, 0, 9, 9, kShown);
+  XwDescribeControl(text, "Filter Queue");
+  owner = List(w, kOwners, kQueueOwnerControl, "Whose Jobs");
+  part = List(w, kParts, kQueuePartControl, "Which Jobs");
+}
+
+void QueueHead::Place(const Area& head) {
+  Area bar = head;
+  bar.TakeRight(kEnd);
+  auto last = [&bar](int width, int dy, int height, int gap = kGap) {
+    const Area piece = bar.TakeRight(width);
+    bar.TakeRight(gap);
+    return Area{piece.x, piece.y + dy, piece.w, height};
+  };
+  const bool lists = head.w >= kListsFrom;
+  part_area = lists ? last(kList, 4, 22) : Area{};
+  owner_area = lists ? last(kList, 4, 22) : Area{};
+  text_area = last(kText, 3, 24);
+  label = head.w >= kLabelFrom ? last(kLabel, 0, head.h - 1) : Area{};
+  bar.TakeRight(kGap);
+  // A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
+  remove_area = last(78, 3, 20);
+  again_area = head.w >= kAgainFrom ? last(92, 3, 20) : Area{};
+  release_area = last(72, 3, 20);
+  hold_area = last(58, 3, 20);
+  PlaceControl(hold, hold_area);
+  PlaceControl(release, release_area);
+  PlaceControl(again, again_area);
+  PlaceControl(remove, remove_area);
+  PlaceControl(text, text_area);
+  PlaceControl(owner, owner_area);
+  PlaceControl(part, part_area);
+}
+
+void QueueHead::Enable(bool on) {
+  for (XwWindow* control : {text, owner, part}) EnableControl(control, on);
+}
+
+void QueueHead::ShowFilter(const QueueFilter& filter) {
+  if (XwGetValue(owner) != int(filter.mine)) XwSetValue(owner, filter.mine);
+  if (XwGetValue(part) != int(filter.part)) XwSetValue(part, filter.part);
+  if (Filter().text != filter.text) XwSetTextUtf8(text, filter.text.c_str());
+}
+
+QueueFilter QueueHead::Filter() const {
+  QueueFilter filter;
+  filter.mine = XwGetValue(owner) == 1;
+  filter.part = QueueFilter::Part(XwGetValue(part));
+  std::string typed(size_t(XwGetTextUtf8(text, nullptr, 0)) + 1, 0);
+  XwGetTextUtf8(text, typed.data(), int(typed.size()));
+  typed.pop_back();
+  filter.text = std::move(typed);
+  return filter;
+}
+
+void QueueHead::Draw(const Area& area, const std::string& summary) const {
+  const Style& l = TheStyle();
+  Fill(area, l.tool_bar);
+  LineAtTop(area);
+  LineAtBottom(area);
+  Area a = area.Inset(kEnd, 0);
+  a.w = hold_area.x - a.x - kEnd;
+  DrawLabel(l.bold, Align::kLeft, a, "Queue", l.ink);
+  a.TakeLeft(XwTextWidthUtf8(l.bold, "Queue") + 8);
+  DrawLabel(l.small_text, Align::kLeft, a, summary, l.second);
+  DrawLabel(l.normal, Align::kRight, label, "Filter", l.ink);
+}
+
+}  // namespace console

@@ -1,0 +1,194 @@
+// The worker's side: changes of jobs. Each is sent once. When the connection breaks, nobody knows
+// whether the one that had been sent was made, and those behind it are not sent any more.
+#include <algorithm>
+#include <cerrno>
+
+#include "app/format/words.h"
+#include "app/server/worker.h"
+#include "printserver/changes.h"
+#include "printserver/nc.h"
+
+namespace console {
+namespace {
+
+// After so long the lists come first, so that a long line of changes is seen to go on.
+constexpr int kChangesMs = 300;
+constexpr size_t kMostUnwanted = 64;
+
+nc::Change TicketOfStep(const JobStep& step) {
+  nc::Change change;
+  switch (step.change.verb) {
+    case Verb::kHold:
+      change.hold = true;
+      break;
+    case Verb::kRelease:
+      change.hold = false;
+      break;
+    case Verb::kPriority:
+      change.priority = step.change.number;
+      break;
+    case Verb::kCopies:
+      change.copies = step.change.number;
+      break;
+    case Verb::kMove:
+      change.printer = step.change.printer;
+      break;
+    case Verb::kReorder: {
+      char id[33];
+      NC_FormatId(step.before.data(), id);
+      change.before = id;
+      break;
+    }
+    case Verb::kPrintAgain:
+    case Verb::kRemove:
+      break;
+  }
+  return change;
+}
+
+}  // namespace
+
+bool Worker::FindJob(const JobId& id, NC_Job* out) {
+  Locked lock(shared_);
+  for (const NC_Job& job : *shared_->state.jobs) {
+    if (QueueIdOf(job).job != id) continue;
+    *out = job;
+    return true;
+  }
+  return false;
+}
+
+// The next one in the line, which is in nobody's hands any more then.
+bool Worker::NextStep(JobStep* out) {
+  Locked lock(shared_);
+  if (shared_->steps.empty()) return false;
+  *out = std::move(shared_->steps.front());
+  shared_->steps.pop_front();
+  return true;
+}
+
+// The server's status byte, below 0 when the connection broke.
+int Worker::Make(const JobStep& step, bool* left_held) {
+  const int fd = shared_->open[kLists];
+  NC_Job job;
+  switch (step.change.verb) {
+    case Verb::kRemove:
+      return NC_RemovePrintRequest(fd, step.job.data());
+    case Verb::kPrintAgain:
+      return FindJob(step.job, &job) ? nc::PrintAgain(fd, job, {}) : NC_STATUS_UNKNOWN_ID;
+    case Verb::kMove: {
+      if (!FindJob(step.job, &job)) return NC_STATUS_UNKNOWN_ID;
+      const nc::Moved moved = nc::MoveJob(fd, job, TicketOfStep(step));
+      *left_held = moved.left_held;
+      return moved.status;
+    }
+    default:
+      return nc::ChangeJob(fd, step.job.data(), TicketOfStep(step));
+  }
+}
+
+// Carries out what was asked for, one after the other, for a while. False when the connection
+// broke, with errno.
+bool Worker::MakeChanges() {
+  const int64_t until = MonotonicMs() + kChangesMs;
+  int status = NC_STATUS_DONE, error = 0;
+  JobStep step;
+  do {
+    if (!NextStep(&step)) break;
+    bool left_held = false;
+    Began();
+    status = Make(step, &left_held);
+    error = errno;
+    Ended();
+    next_poll_ = 0;
+    Answered(step, status, left_held);
+  } while (status >= 0 && MonotonicMs() < until);
+  Locked lock(shared_);
+  if (batch_ && status >= 0 && shared_->steps.empty()) TellOutcome();
+  if (shared_->pending_changed) shared_->Published();
+  errno = error;
+  return status >= 0;
+}
+
+void Worker::Answered(const JobStep& step, int status, bool left_held) {
+  Locked lock(shared_);
+  if (batch_ != step.batch) TellOutcome();
+  batch_ = step.batch;
+  outcome_.verb = step.change.verb;
+  shared_->state.pending.Answered(step.job, status, MonotonicMs());
+  shared_->pending_changed = true;
+  const bool done = status == NC_STATUS_DONE;
+  if (done && outcome_.done++ == 0) outcome_.document = step.document;
+  if (done) return;
+  Message refusal = AnswerMessage(step.change.verb, status, step.document);
+  if (left_held && status >= 0) refusal.text += "; it is held now";
+  if (outcome_.refused++ == 0) outcome_.refusal = std::move(refusal);
+}
+
+// Of the batch that has ended, if there is one. Under the mutex.
+void Worker::TellOutcome() {
+  if (batch_) shared_->AddNotice(OutcomeMessage(outcome_));
+  batch_ = 0;
+  outcome_ = {};
+}
+
+// The connection has broken. Under the mutex.
+void Worker::GiveUpChanges() {
+  const auto left = int64_t(shared_->steps.size());
+  shared_->steps.clear();
+  if (left > 0) {
+    Message& told = outcome_.refusal;
+    told.tone = Tone::kBad;
+    told.text += (told.text.empty() ? "" : "; ") + NumberOf(left, "change was", "changes were") +
+                 " not made: the connection to the server broke";
+    if (outcome_.refused == 0) outcome_.refused = 1;
+    if (batch_ == 0) batch_ = shared_->next_batch++;
+  }
+  TellOutcome();
+  if (shared_->state.pending.Lose() > 0) shared_->pending_changed = true;
+}
+
+// --- Transfers that nobody wants any more
+
+void Worker::RemoveLater(const JobId& job) {
+  if (unwanted_.size() == kMostUnwanted) unwanted_.erase(unwanted_.begin());
+  unwanted_.push_back(job);
+}
+
+// One that broke off and was cancelled then.
+void Worker::ForgetBroken() {
+  if (!broken_.has_id || sending_ == broken_.number) return;
+  Locked lock(shared_);
+  for (const Transfer& t : shared_->state.transfers)
+    if (t.number == broken_.number) return;
+  RemoveLater(broken_.id);
+  broken_ = {};
+}
+
+// Those that have arrived all the same are removed. False when the connection broke, with errno.
+bool Worker::RemoveUnwanted() {
+  ForgetBroken();
+  NC_Job job;
+  for (size_t i = 0; i < unwanted_.size();) {
+    const JobId id = unwanted_[i];
+    if (!FindJob(id, &job)) {
+      ++i;
+      continue;
+    }
+    Began();
+    const int status = NC_RemovePrintRequest(shared_->open[kLists], id.data());
+    if (status < 0) return false;
+    Ended();
+    unwanted_.erase(unwanted_.begin() + std::ptrdiff_t(i));
+    next_poll_ = 0;
+    Locked lock(shared_);
+    shared_->state.pending.Answered(id, status, MonotonicMs());
+    shared_->pending_changed = true;
+    if (status != NC_STATUS_DONE && status != NC_STATUS_UNKNOWN_ID)
+      shared_->AddNotice(AnswerMessage(Verb::kRemove, status, job.document));
+    shared_->Published();
+  }
+  return true;
+}
+
+}  // namespace console

@@ -1,0 +1,230 @@
+#include "app/window/queue_commands.h"
+
+#include <algorithm>
+
+#include "app/format/folding.h"
+#include "app/format/texts.h"
+#include "app/panes/queue_cells.h"
+
+namespace console {
+namespace {
+
+constexpr int kPriorities[] = {100, 90, 75, 50, 25, 10, 1};
+constexpr int kCopies[] = {1, 2, 3, 4, 5, 6, 8, 10, 12, 15, 20, 25, 50, 100, 200, 500};
+
+// In the order of the menu.
+struct NamedOrder {
+  QueueOrder order;
+  const char* name;
+};
+constexpr NamedOrder kOrders[] = {
+    {QueueOrder::kPrint, "Print Order"}, {QueueOrder::kNumber, "Number"},
+    {QueueOrder::kName, "Document"},     {QueueOrder::kOwner, "Owner"},
+    {QueueOrder::kPrinter, "Printer"},   {QueueOrder::kState, "Progress"},
+    {QueueOrder::kSize, "Size"},         {QueueOrder::kTime, "Time of Submission"},
+    {QueueOrder::kPriority, "Priority"},
+};
+// By QueueFilter::Part.
+constexpr const char* kParts[] = {"All Jobs", "Active Jobs", "Ended Jobs"};
+
+// The selected jobs that the server has.
+std::vector<const NC_Job*> SelectedJobs(const Console* c) {
+  std::vector<const NC_Job*> jobs;
+  for (const QueueId& id : c->queue.Selected())
+    if (const NC_Job* job = c->queue.rows.JobOf(id)) jobs.push_back(job);
+  return jobs;
+}
+
+// Checked where all selected jobs have it.
+template <size_t n>
+std::vector<CommandChoice> NumberChoices(const Console* c, const int (&numbers)[n],
+                                         int32_t NC_Job::*field) {
+  const std::vector<const NC_Job*> jobs = SelectedJobs(c);
+  std::vector<CommandChoice> choices;
+  for (const int number : numbers) {
+    const bool all = !jobs.empty() && std::all_of(jobs.begin(), jobs.end(), [&](const NC_Job* job) {
+      return job->*field == number;
+    });
+    choices.push_back({std::to_string(number), all});
+  }
+  return choices;
+}
+
+// By name, in natural order.
+std::vector<const NC_Printer*> PrintersByName(const Console* c) {
+  std::vector<std::pair<std::string, const NC_Printer*>> keys;
+  for (const NC_Printer& printer : *c->state.printers)
+    keys.emplace_back(NaturalKey(printer.name), &printer);
+  std::sort(keys.begin(), keys.end());
+  std::vector<const NC_Printer*> printers;
+  for (const auto& [key, printer] : keys) printers.push_back(printer);
+  return printers;
+}
+
+bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
+  const std::optional<Question> q = RemovalQuestion(c->queue.rows, ids);
+  return !q || XwConfirmUtf8("!", "Quorvik", q->text.c_str(), q->harmless.c_str(), q->act.c_str(),
+                             nullptr) == 2;
+}
+
+void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
+  std::string why;
+  const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
+  if (steps.empty() && !why.empty()) Tell(c, true, why);
+  if (steps.empty()) return;
+  for (const Reordering& step : steps) c->state.pending.Begin(step.job, Verb::kReorder, 0);
+  c->server.Reorder(steps);
+  c->damage |= kQueuePane;
+}
+
+}  // namespace
+
+// --- Verbs
+
+std::string WhyNotChange(const Console* c, Verb verb) {
+  return c->queue.Check(verb).why_not;
+}
+
+void ChangeJobs(Console* c, const JobChange& change) {
+  const VerbCheck check = c->queue.Check(change.verb);
+  if (!check.possible()) return;
+  if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
+  std::vector<JobId> jobs;
+  for (const QueueId& id : check.on) {
+    if (!id.outgoing)
+      jobs.push_back(id.job);
+    else if (change.verb == Verb::kRemove)
+      c->server.Cancel(id.outgoing);
+    else
+      c->server.Retry(id.outgoing);
+  }
+  // The server's side tells the same a moment later.
+  for (const JobId& job : jobs) c->state.pending.Begin(job, change.verb, 0);
+  c->server.Change(jobs, change);
+  c->damage |= kQueuePane;
+}
+
+std::vector<CommandChoice> PriorityChoices(const Console* c) {
+  return NumberChoices(c, kPriorities, &NC_Job::priority);
+}
+void ChoosePriority(Console* c, int choice) {
+  if (choice < int(std::size(kPriorities))) ChangeJobs(c, {Verb::kPriority, kPriorities[choice]});
+}
+
+std::vector<CommandChoice> CopiesChoices(const Console* c) {
+  return NumberChoices(c, kCopies, &NC_Job::copies);
+}
+void ChooseCopies(Console* c, int choice) {
+  if (choice < int(std::size(kCopies))) ChangeJobs(c, {Verb::kCopies, kCopies[choice]});
+}
+
+std::vector<CommandChoice> PrinterChoices(const Console* c) {
+  const std::vector<const NC_Job*> jobs = SelectedJobs(c);
+  std::vector<CommandChoice> choices;
+  for (const NC_Printer* printer : PrintersByName(c)) {
+    const auto there = [&](const NC_Job* job) {
+      return std::string_view(job->printer) == printer->name;
+    };
+    const bool all = !jobs.empty() && std::all_of(jobs.begin(), jobs.end(), there);
+    choices.push_back({Shown(printer->name), all, printer->accepting && !all});
+  }
+  return choices;
+}
+void ChoosePrinterOfJobs(Console* c, int choice) {
+  const std::vector<const NC_Printer*> printers = PrintersByName(c);
+  if (size_t(choice) < printers.size())
+    ChangeJobs(c, {Verb::kMove, 0, printers[size_t(choice)]->name});
+}
+
+void MoveJobs(Console* c, int by) {
+  const QueueRows& rows = c->queue.rows;
+  const std::vector<QueueId> ids = c->queue.Check(Verb::kReorder).on;
+  if (ids.empty()) return;
+  const NC_Job* edge = rows.JobOf(by < 0 ? ids.front() : ids.back());
+  int row = rows.RowOf(by < 0 ? ids.front() : ids.back()) + by;
+  // Others of its printer that can be passed.
+  while (const NC_Job* other = rows.JobAt(row)) {
+    const bool passes = std::string_view(other->printer) == edge->printer &&
+                        !IsAtPrinter(other->state) && !HasEnded(other->state);
+    if (passes) return Reorder(c, ids, by < 0 ? row : row + 1);
+    row += by;
+  }
+  Tell(c, true, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
+}
+
+void DropJobs(Console* c, int gap) {
+  Reorder(c, c->queue.Selected(), gap);
+}
+
+// --- What the queue shows
+
+std::vector<CommandChoice> SortChoices(const Console* c) {
+  std::vector<CommandChoice> choices;
+  for (const NamedOrder& o : kOrders) choices.push_back({o.name, c->queue.rows.order() == o.order});
+  return choices;
+}
+void ChooseSort(Console* c, int choice) {
+  if (size_t(choice) >= std::size(kOrders)) return;
+  const QueueOrder order = kOrders[choice].order;
+  // Once more turns it round.
+  const QueueRows& rows = c->queue.rows;
+  const bool again = rows.order() == order && order != QueueOrder::kPrint;
+  c->queue.Sort(order, again && !rows.descending());
+  c->damage |= kQueuePane;
+}
+
+std::vector<CommandChoice> PartChoices(const Console* c) {
+  std::vector<CommandChoice> choices;
+  for (size_t i = 0; i < std::size(kParts); ++i)
+    choices.push_back({kParts[i], c->queue.rows.filter().part == QueueFilter::Part(i)});
+  return choices;
+}
+void ChoosePart(Console* c, int choice) {
+  QueueFilter filter = c->queue.rows.filter();
+  filter.part = QueueFilter::Part(std::min(choice, int(QueueFilter::kEnded)));
+  FilterQueue(c, filter);
+}
+
+bool ShowsMine(const Console* c) {
+  return c->queue.rows.filter().mine;
+}
+void ToggleMine(Console* c) {
+  QueueFilter filter = c->queue.rows.filter();
+  filter.mine = !filter.mine;
+  FilterQueue(c, filter);
+}
+
+void GoToQueueFilter(Console* c) {
+  SetFocusStop(c, FocusStop::kQueueFilter);
+}
+
+void FilterQueue(Console* c, const QueueFilter& filter) {
+  if (filter == c->queue.rows.filter()) return;
+  c->queue.Filter(filter);
+  c->damage |= kQueuePane | kDetailsPane;
+}
+
+void UseQueueFilter(Console* c, int type, bool gained) {
+  const XwWindow* box = c->queue.head.text;
+  // The report that it has got the keyboard may wait behind its first keys.
+  if (XwGetFocus(c->window) == box) SetFocusStop(c, FocusStop::kQueueFilter);
+  if (type == XWE_EDIT_SELECT && gained) return;
+  QueueFilter filter = c->queue.head.Filter();
+  // The report of its Escape takes that key's place.
+  if (type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) filter.text.clear();
+  FilterQueue(c, filter);
+  if (type == XWE_EDIT_DONE && c->queue.Selected().empty()) c->queue.table.Select(0);
+  if (type != XWE_EDIT_CHANGED && c->stop == FocusStop::kQueueFilter && c->active &&
+      XwGetFocus(c->window) != box)
+    SetFocusStop(c, FocusStop::kQueue);
+}
+
+void UseQueueControl(Console* c, int id, int value) {
+  if (id == kQueueOwnerControl || id == kQueuePartControl)
+    FilterQueue(c, c->queue.head.Filter());
+  const int column = c->queue.table.HeadOf(id);
+  if (column >= 0) c->queue.SortByHead(column);
+  if (column >= 0 || c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+}
+
+}  // namespace console

@@ -1,0 +1,272 @@
+// The queue in the window, against a real server and a scripted one: what is asked for is done,
+// once, to all that are selected, and what another console did first is told.
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include "app/panes/queue_cells.h"
+#include "app/window/commands.h"
+#include "app/window/queue_commands.h"
+#include "tests/app/console_fixture.h"
+#include "tests/app/scripted_server.h"
+#include "tests/printserverd/daemon.h"
+
+namespace console {
+namespace {
+
+using testing_daemon::Daemon;
+
+constexpr uint32_t kEscapeKey = 0xFF1B, kReturnKey = 0xFF0D;
+
+class QueueTest : public ConsoleTest {
+ protected:
+  // Two slow printers; the first document is at the first one, the others wait.
+  void OpenWith(const std::vector<std::string>& documents, const std::string& owner = "mia") {
+    const char* kPrinters = "[printer]\nname=Proof\nrate=1K\n[printer]\nname=Office\nrate=1K\n";
+    daemon_.Start({"--config", daemon_.WriteFile("printers", kPrinters)});
+    fd_ = daemon_.Connect();
+    for (const std::string& name : documents) {
+      const std::string ticket = "document=" + name + "\nowner=" + owner + "\nprinter=Proof\n\n";
+      ASSERT_EQ(testing_daemon::Send(fd_, ticket, Bytes(200000), ids_[name].data()), 1);
+    }
+    Open(daemon_.host());
+    ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == int(documents.size()); }));
+    ASSERT_TRUE(Until([&] { return State(documents[0]) == NC_JOB_PRINTING; }));
+    SetFocusStop(c_, FocusStop::kQueue);
+  }
+  void TearDown() override {
+    ConsoleTest::TearDown();
+    if (fd_ >= 0) NC_Disconnect(fd_);
+  }
+  QueueId Id(const std::string& name) {
+    QueueId id;
+    std::copy_n(ids_[name].begin(), id.job.size(), id.job.begin());
+    return id;
+  }
+  void Select(const std::vector<std::string>& names) {
+    std::vector<QueueId> ids;
+    for (const std::string& name : names) ids.push_back(Id(name));
+    c_->queue.selection.Set(ids);
+    Turn();
+  }
+  // As the server has it; -1: it has none such.
+  int State(const std::string& name) { return testing_daemon::JobOf(fd_, ids_[name].data()).state; }
+  std::string Rows() {
+    std::string names;
+    for (int row = 0; row < c_->queue.rows.count(); ++row)
+      names += std::string(c_->queue.rows.JobAt(row)->document) + " ";
+    return names;
+  }
+  bool Settled() {
+    return Until([&] { return c_->state.pending.empty(); });
+  }
+  bool Tells(const std::string& text) {
+    return Until([&] { return c_->status.message().text.find(text) != std::string::npos; });
+  }
+
+  Daemon daemon_;
+  int fd_ = -1;
+  std::map<std::string, std::array<uint8_t, NC_ID_SIZE>> ids_;
+};
+
+TEST_F(QueueTest, VerbsActOnAllThatAreSelected) {
+  OpenWith({"a", "b", "c", "d"});
+  Select({"b", "c", "d"});
+  RunCommand(c_, kHoldCommand);
+  EXPECT_EQ(c_->state.pending.size(), 3u) << "the rows say so at once";
+  ASSERT_TRUE(Tells("Held: 3 jobs"));
+  for (const char* name : {"b", "c", "d"}) EXPECT_EQ(State(name), NC_JOB_HELD);
+  ASSERT_TRUE(Settled());
+  Select({"c", "d"});
+  RunCommand(c_, kReleaseCommand);
+  ASSERT_TRUE(Until([&] { return State("d") == NC_JOB_WAITING; }));
+  ASSERT_TRUE(Settled());
+  EXPECT_EQ(State("b"), NC_JOB_HELD);
+
+  // The one that is at the printer too.
+  Select({"a", "b"});
+  ChangeJobs(c_, {Verb::kMove, 0, "Office"});
+  ASSERT_TRUE(Settled());
+  for (const char* name : {"a", "b"})
+    EXPECT_STREQ(testing_daemon::JobOf(fd_, ids_[name].data()).printer, "Office");
+  EXPECT_EQ(State("b"), NC_JOB_HELD);
+  Select({"b", "d"});
+  ChangeJobs(c_, {Verb::kPriority, 90});
+  ASSERT_TRUE(Settled());
+  ChangeJobs(c_, {Verb::kCopies, 7});
+  ASSERT_TRUE(Settled());
+  for (const char* name : {"b", "d"}) {
+    EXPECT_EQ(testing_daemon::JobOf(fd_, ids_[name].data()).priority, 90);
+    EXPECT_EQ(testing_daemon::JobOf(fd_, ids_[name].data()).copies, 7);
+  }
+  EXPECT_EQ(WhyNotChange(c_, Verb::kPrintAgain), "The job has not been printed yet");
+}
+
+TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
+  OpenWith({"a", "b", "c", "d"});
+  Select({"d"});
+  Key('u', 'u');
+  ASSERT_TRUE(Settled());
+  EXPECT_EQ(testing_daemon::Order(fd_), "a b d c ");
+  ASSERT_TRUE(Until([&] { return Rows() == "a b d c "; }));
+  EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
+  Key('d', 'd');
+  ASSERT_TRUE(Until([&] { return Rows() == "a b c d "; }));
+  ASSERT_TRUE(Settled());
+  Key('d', 'd');
+  EXPECT_TRUE(Tells("It is the last one"));
+
+  // Two rows to the gap below the first.
+  Select({"c", "d"});
+  const auto drag = [this](int from, int to_y) {
+    const Area row = c_->queue.table.RowArea(from);
+    const int x = c_->window->x + row.x + 100, y = c_->window->y + row.y + 10;
+    display::MovePointer(x, y);
+    display::Press(1);
+    display::MovePointer(x, y - 8);
+    display::MovePointer(x, c_->window->y + to_y);
+    Turn(2);
+    display::Release(1);
+    Turn(2);
+  };
+  drag(2, c_->queue.table.RowArea(1).y + 2);
+  ASSERT_TRUE(Until([&] { return Rows() == "a c d b "; }));
+  EXPECT_EQ(testing_daemon::Order(fd_), "a c d b ");
+  EXPECT_EQ(c_->queue.Selected().size(), 2u) << "a drag selects nothing else";
+  ASSERT_TRUE(Settled());
+
+  // In another order it is not done, and a line says why.
+  c_->queue.Sort(QueueOrder::kName, true);
+  drag(0, c_->queue.table.RowArea(3).bottom());
+  EXPECT_TRUE(Tells("only while the queue stands in the order"));
+  EXPECT_EQ(testing_daemon::Order(fd_), "a c d b ");
+}
+
+TEST_F(QueueTest, RemovingAsksAndTheHarmlessAnswerIsFirst) {
+  OpenWith({"a", "b", "c"});
+  const auto answer = [this](std::vector<uint32_t> keys) {
+    g_answer = std::move(keys);
+    Key(0xFFFF);
+    EXPECT_TRUE(g_answer.empty()) << "it was asked";
+  };
+  Select({"a", "b"});
+  answer({kEscapeKey});
+  EXPECT_TRUE(c_->state.pending.empty());
+  answer({kReturnKey});
+  EXPECT_TRUE(c_->state.pending.empty());
+  EXPECT_EQ(testing_daemon::Jobs(fd_).size(), 3u);
+  Key(0xFF08);  // Backspace
+  EXPECT_TRUE(c_->state.pending.empty());
+  answer({0xFF09, kReturnKey});
+  EXPECT_TRUE(Until([&] { return Rows() == "c "; }));
+  EXPECT_EQ(testing_daemon::Jobs(fd_).size(), 1u);
+  EXPECT_TRUE(c_->queue.Selected().empty()) << "the selection of what ended goes to no other job";
+}
+
+// Another console removed one and held the other's target.
+TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
+  OpenWith({"a", "b", "c", "d"});
+  daemon_.Signal(SIGSTOP);
+  testing_daemon::Ask(fd_, 6, ids_["c"].data(), "");
+  Select({"c"});
+  ChangeJobs(c_, {Verb::kRemove});
+  daemon_.Signal(SIGCONT);
+  EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
+  EXPECT_TRUE(Tells("“c” had been removed already, by somebody else"));
+  ASSERT_TRUE(Settled());
+  ASSERT_TRUE(Until([&] { return Rows() == "a b d "; }));
+
+  daemon_.Signal(SIGSTOP);
+  testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
+  Select({"d"});
+  MoveJobs(c_, -1);
+  daemon_.Signal(SIGCONT);
+  EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
+  EXPECT_TRUE(Tells("one of the two jobs has been removed by somebody else"));
+  EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
+}
+
+TEST_F(QueueTest, ShowsWhatIsAskedForAndTheDetailsOfWhatIsSelected) {
+  OpenWith({"a", "b", "c"}, "ada");
+  Select({"b"});
+  Turn(2);
+  EXPECT_EQ(Node("Owner").what.value, "ada");
+  EXPECT_EQ(Node("State").what.value, "waiting");
+  ToggleMine(c_);
+  Turn(2);
+  EXPECT_EQ(c_->queue.rows.count(), 0);
+  EXPECT_FALSE(CanRun(c_, kHoldCommand)) << "verbs act on what is shown";
+  ToggleMine(c_);
+  EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("b")});
+  GoToQueueFilter(c_);
+  Turn(2);
+  Key('c', 'c');
+  EXPECT_EQ(Rows(), "c ");
+  Key(kEscapeKey);
+  EXPECT_EQ(Rows(), "a b c ");
+  EXPECT_EQ(c_->stop, FocusStop::kQueue);
+  const Area head = c_->queue.table.ColumnArea(int(QueueColumn::kDocument));
+  for (const char* order : {"a b c ", "c b a ", "a b c "}) {
+    Click({head.x, head.y, head.w, Table::kHeaderHeight});
+    EXPECT_EQ(Rows(), order);
+  }
+  EXPECT_TRUE(c_->queue.rows.InPrintOrder()) << "the third press";
+  ChoosePart(c_, QueueFilter::kEnded);
+  EXPECT_EQ(c_->queue.rows.count(), 0);
+  EXPECT_EQ(XwGetValue(c_->queue.head.part), int(QueueFilter::kEnded));
+}
+
+class LosingTest : public ConsoleTest {
+ protected:
+  const std::string address_ =
+      "127.63." + std::to_string(getpid() >> 8 & 255) + "." + std::to_string(getpid() & 255);
+  scripted::Server server_{address_, false};
+};
+
+// The connection ends with the answer to a change, and those behind it have not been sent: none is
+// sent again by itself.
+TEST_F(LosingTest, AChangeIsSentOnce) {
+  server_.Listen();
+  Open(address_);
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  for (const char* name : {"loses.pdf", "plain.pdf"}) {
+    PrintOrder order;
+    order.path = home_.At("letter.txt");
+    order.document = name;
+    c_->server.Send({order});
+  }
+  ASSERT_TRUE(Until([&] { return c_->state.jobs->size() == 2; }));
+  SetFocusStop(c_, FocusStop::kQueue);
+  c_->queue.selection.All();
+  RunCommand(c_, kHoldCommand);
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+  EXPECT_TRUE(c_->state.pending.empty());
+  EXPECT_NE(c_->status.message().text.find("1 change was not made"), std::string::npos);
+  const int away = c_->state.away_times;
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kReady; }));
+  c_->server.Refresh();
+  Turn(20);
+  ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
+  EXPECT_EQ(c_->state.jobs->at(0).copies, 2) << "one change";
+  EXPECT_EQ(c_->state.jobs->at(1).copies, 1) << "none";
+  EXPECT_EQ(c_->state.away_times, away);
+}
+
+// A peer that takes connections and never says a word.
+TEST_F(LosingTest, ConnectingDoesNotLastForEver) {
+  const int mute = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in at{};
+  at.sin_family = AF_INET;
+  inet_pton(AF_INET, address_.c_str(), &at.sin_addr);
+  ASSERT_EQ(bind(mute, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
+  ASSERT_EQ(listen(mute, 8), 0);
+  socklen_t size = sizeof at;
+  getsockname(mute, reinterpret_cast<sockaddr*>(&at), &size);
+  Open(address_ + ":" + std::to_string(ntohs(at.sin_port)));
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+  EXPECT_EQ(c_->state.trouble, "does not answer");
+  close(mute);
+}
+
+}  // namespace
+}  // namespace console
