@@ -226,7 +226,7 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   c_->files.table.Select(-1);
   ASSERT_TRUE(Until([&] { return c_->banner.shown; }));
   for (const FocusStop stop :
-       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kCopies}) {
+       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kRefresh}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
