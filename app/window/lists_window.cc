@@ -58,6 +58,7 @@ struct ListsWindow {
   XwWindow *save = nullptr, *start = nullptr, *close = nullptr;
   SideList list{kList, kRowHeight};
   std::shared_ptr<const ServerLists> shown;
+  bool asked = false;  // the server that is there now
   std::vector<Row> rows;
   Hits hits;
 };
@@ -301,11 +302,10 @@ void ShowLists(Console* c) {
     Make(g_window);
     XwCenter(window, c->window);
   }
-  c->server.AskLists();
-  TakeLists(g_window);
+  g_window->asked = false;
+  UpdateLists();
   XwShow(g_window->window, 1);
   XwSetFocus(g_window->window);
-  Update(g_window);
 }
 
 void CloseLists() {
@@ -320,8 +320,9 @@ void UpdateLists() {
   ListsWindow* w = g_window;
   if (!w) return;
   const ServerState& state = w->console->state;
-  // Another server's are asked for once it is there.
-  if (!state.lists && w->shown && state.link == Link::kReady) w->console->server.AskLists();
+  // Once each time that a server is there.
+  if (state.link == Link::kReady && !w->asked) w->console->server.AskLists();
+  w->asked = state.link == Link::kReady;
   TakeLists(w);
   Update(w);
 }
