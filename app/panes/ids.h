@@ -24,6 +24,8 @@ enum CommandId {
   kAboutCommand,
   kStartServerCommand,
   kSelectAllCommand,
+  kShowHiddenCommand,
+  kCancelQueuedCommand,
   kRetryCommand,
   kDismissCommand,
   kPausePrinterCommand,

@@ -37,9 +37,9 @@ TEST(Uris, OnlyLocalFilesHavePaths) {
       {"", ""},
   };
   for (const Row& row : kRows) EXPECT_EQ(LocalPathOfUri(row.uri), row.path) << row.uri;
-  EXPECT_EQ(FirstLocalPath("#c\r\n\r\nfile:///b\r\nfile:///c"), "/b");
-  EXPECT_EQ(FirstLocalPath("http://a/b\r\nfile:///c"), "");
-  EXPECT_EQ(FirstLocalPath("#only"), "");
+  using Paths = std::vector<std::string>;
+  EXPECT_EQ(LocalPaths("#c\r\n\r\nfile:///b\r\nhttp://a/b\nfile:///c"), (Paths{"/b", "/c"}));
+  EXPECT_EQ(LocalPaths("#only"), Paths());
 }
 
 TEST(BusName, ComesFromTheSession) {
