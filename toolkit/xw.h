@@ -176,8 +176,8 @@ _Noreturn
 void XwRunEventLoop(void);
 /* Waits for an event that the caller must see and returns its type: one whose window has no
  * handler, or the other code that a handler returned. `modal` null: all windows. A window: events
- * of windows outside it are returned undispatched, but closing and clicking them only beeps.
- * (XwWindow*)-1: nothing is dispatched. A release with a button above 5 returns -9874. */
+ * of windows outside it are returned undispatched, but closing them only beeps, and a press beeps
+ * and raises `modal`. (XwWindow*)-1: nothing is dispatched. -9874: a release above button 5. */
 int XwWaitEvent(XwWindow* modal);
 /* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
  * `modal` as above.
@@ -668,9 +668,9 @@ XwValue XwGetMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last);
  * such item. */
 char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
 /* The key that chooses the item while it stands in the bar: the type of the key's event, letters
- * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It is
- * shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes the
- * key away. */
+ * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It
+ * is shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes
+ * the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
 
 /* ==== Toolbar ===================================================================================

@@ -23,9 +23,11 @@ std::string TicketOf(const PrintOrder& order) {
   whole.owner = order.owner;
   whole.printer = order.printer;
   whole.profile = order.profile;
+  whole.media = order.media;
   whole.copies = order.copies;
   whole.priority = order.priority;
   whole.hold = order.hold;
+  whole.colour = order.colour;
   return nc::TicketOf(whole);
 }
 

@@ -108,6 +108,10 @@ std::string Server::Shared::Detail() {
   d << int64_t(lists_) << int(state.link) << state.trouble;
   for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.text;
   for (const PendingChange& p : state.pending) d << int(p.action);
+  if (state.lists) {
+    for (const NC_Scanner& s : state.lists->scanners) d << s.name << s.text << s.away;
+    for (const std::string& printer : state.lists->printers) d << printer;
+  }
   char text[100];
   snprintf(text, sizeof text, "%016llx quiet %d retry %d notices %d",
            static_cast<unsigned long long>(d.value()), state.quiet_s, state.retry_ms,
@@ -181,9 +185,8 @@ void Server::Use(const std::string& host) {
     shared_->period_ms = old->period_ms;
     shared_->state.away_times = old->state.away_times;
   }
+  show(shared_->state);
   Start(std::move(show));
-  const Locked lock(shared_.get());
-  shared_->Published();
 }
 
 void Server::SetPeriod(int ms) {

@@ -7,6 +7,7 @@
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
+#include "app/window/help.h"
 #include "app/window/program_icon.h"
 
 namespace console {
@@ -91,7 +92,10 @@ void SetFocusStop(Console* c, FocusStop stop) {
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height, c->panes);
   // Below the rows: none moves when it comes or goes.
-  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  if (c->banner.shown)
+    c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  else if (c->needs.shown)
+    c->layout.needs = c->layout.queue.TakeBottom(NeedsPane::kHeight);
   PlaceControls(c);
   c->damage |= kAllPanes;
 }
@@ -229,7 +233,6 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
-  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -298,10 +301,10 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
-  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
-    c->tools.ChangePriority(type == '+' ? 1 : -1);
-    c->damage |= kToolsPane;
-  }
+  const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
+  if (!by || c->stop != FocusStop::kPriority) return;
+  c->tools.ChangePriority(by);
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 // What is disabled is passed over.
@@ -351,6 +354,9 @@ void ServerChanged(Console* c, ServerState state) {
   c->state = std::move(state);
   if (c->banner.Follow()) LayOutWindow(c);
   StartServerByItself(c);
+  RememberServer(c);
+  UpdatePreferences();
+  UpdateLists();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) Tell(c, n.good, n.text);
@@ -373,6 +379,7 @@ void ShowProgress(Console* c) {
 void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
+  WatchPlaces(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
   ++c->banner.away_s;
   if (c->banner.shown) c->damage |= kBannerPane;
@@ -389,6 +396,13 @@ void OnTimer(Console* c, int timer) {
     SetUpProgramIcon();
   }
   if (MayLeaveNow(c)) Quit(c);
+}
+
+// The Menu key, for what is selected where the keyboard is.
+void OpenMenuByKey() {
+  if (!g_console || g_console->asking) return;
+  OpenContextMenuByKey(g_console);
+  DrawConsole(g_console);
 }
 
 void ShowActivity(int active) {
@@ -408,6 +422,7 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      c->exposed = true;
       c->damage = kAllPanes;
       break;
     case XWE_MOTION:
@@ -441,6 +456,9 @@ int Handle(int type) {
       break;
     case XWE_OPEN:
       TakeDocuments(c);
+      break;
+    case XWE_PREFERENCES:
+      ShowPreferences(c);
       break;
     case XWE_CLOSE:
       Leave(c);
@@ -504,6 +522,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
+  XwSetContextMenuHandler(w, OpenMenuByKey);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
@@ -520,9 +539,12 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
 
 void CloseConsole(Console* c) {
   if (!c) return;
+  ClosePreferences();
+  CloseLists();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  CloseKeys();
   FinishRemembering(c);
   ForgetServerStart(c);
   g_console = nullptr;
@@ -536,7 +558,7 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void DrawConsole(Console* c) {
-  if (!c->damage) return;
+  if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
   c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
@@ -547,8 +569,7 @@ void DrawConsole(Console* c) {
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
   if (damage & kPrintersPane)
-    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
-                         c->state.link == Link::kAway);
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters));
   if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));

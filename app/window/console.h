@@ -48,12 +48,17 @@ enum class FocusStop {
   kQueue,
   kStartServer,
   kRetry,
+  kNeedsButton,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
   kCount
 };
@@ -73,6 +78,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 struct ServerStart;
@@ -85,7 +91,8 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool active = true;  // keys of the desktop come to the window
+  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
+  bool active = true;    // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -100,6 +107,7 @@ struct Console {
   FolderWatch watch;
   PlacesReader places_reader;
   int places_asked = 0;        // readings
+  int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
   int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
@@ -218,6 +226,8 @@ void BeginPlaces(Console* c, const std::string& folder);
 void FollowInPlaces(Console* c);
 // Something may have changed: they are read again.
 void RefreshPlaces(Console* c);
+// What a tick does: says when the reading takes long.
+void WatchPlaces(Console* c);
 void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
@@ -225,8 +235,6 @@ void PlacesKey(Console* c, int type);
 // --- The printers (printers.cc)
 // After a new state of the server, or another choice.
 void PrintersCame(Console* c);
-// The strip of what somebody has to do something about comes or goes.
-void ShowNeeds(Console* c);
 void ChoosePrinter(Console* c, const std::string& name);
 void PressPrinter(Console* c, const Hit& hit);
 void UsePrinter(Console* c, const Hit& hit);
@@ -243,6 +251,7 @@ void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
@@ -259,10 +268,29 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
+
+// --- The window of scanners and profiles (lists_window.cc)
+// One at most; comes to the front.
+void ShowLists(Console* c);
+void CloseLists();
+// The server's state has changed.
+void UpdateLists();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -290,6 +318,8 @@ bool CanSelectAll(const Console* c);
 void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

@@ -19,10 +19,10 @@ void MakeControls(Console* c) {
   c->queue.MakeControls(w);
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
-  c->buttons = {c->tools.print,          c->tools.up,     c->tools.refresh,       c->queue.hold,
-                c->queue.release,        c->queue.remove, c->status.stop_sending, c->status.dismiss,
-                c->status.cancel_queued, c->banner.retry, c->banner.start_server, c->needs.load,
-                c->needs.choose};
+  c->buttons = {c->tools.print,    c->tools.refresh,        c->tools.colour, c->tools.options,
+                c->queue.hold,     c->queue.release,        c->queue.remove, c->status.stop_sending,
+                c->status.dismiss, c->status.cancel_queued, c->banner.retry, c->banner.start_server,
+                c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -41,18 +41,28 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->banner.retry;
     case FocusStop::kStartServer:
       return c->banner.start_server;
+    case FocusStop::kNeedsButton:
+      return c->needs.Button();
     case FocusStop::kPrint:
       return c->tools.print;
+    case FocusStop::kRefresh:
+      return c->tools.refresh;
     case FocusStop::kPrinter:
       return c->tools.printer();
     case FocusStop::kProfile:
       return c->tools.profile();
+    case FocusStop::kMedia:
+      return c->tools.media();
     case FocusStop::kCopies:
       return c->tools.copies;
     case FocusStop::kPriority:
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kColour:
+      return c->tools.colour;
+    case FocusStop::kOptions:
+      return c->tools.options;
     case FocusStop::kFilter:
       return c->files.filter;
     default:
@@ -114,6 +124,9 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  // The report of a key takes its place, also of one that does nothing in a box.
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
@@ -124,6 +137,7 @@ void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
   if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
+  if (id == kPrinterControl) c->tools.FitMedia(c->state);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
@@ -147,9 +161,11 @@ PrintOrder UsualOrder(const Console* c) {
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
   usual.printer = printer ? printer->name : c->choice.printer;
   usual.profile = c->choice.profile;
+  usual.media = c->choice.media;
   usual.copies = c->choice.copies;
   usual.priority = c->choice.priority;
   usual.hold = c->choice.hold;
+  usual.colour = c->choice.colour;
   return usual;
 }
 
@@ -175,6 +191,9 @@ void PrintSelected(Console* c) {
     order.document = name;
   }
   SendOrders(c, std::move(orders), c->files.Chosen().folders);
+  c->choice.AfterPrint();
+  c->tools.ShowChoice();
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 bool CanCancelQueued(const Console* c) {
@@ -190,10 +209,13 @@ void CancelQueued(Console* c) {
 }
 
 bool CanSelectAll(const Console* c) {
-  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue;
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue ||
+         XwCanEdit(XwGetFocus(c->window), XWU_SELECT_ALL);
 }
 
 void SelectAll(Console* c) {
+  XwWindow* box = XwGetFocus(c->window);
+  if (XwCanEdit(box, XWU_SELECT_ALL)) return XwEdit(box, XWU_SELECT_ALL);
   if (c->stop == FocusStop::kQueue)
     c->queue.selection.All();
   else

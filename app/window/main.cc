@@ -53,6 +53,7 @@ bool HandOver(const console::FilesToOpen& files) {
   const bool fresh = getenv("XW_RECORD") || getenv("XW_REPLAY");
   console::Remembered remembered = console::Recall(fresh ? "" : console::PreferencesPath());
   const auto server = console::ChooseServer(getenv("QUORVIK_SERVER"), remembered.preferences);
+  remembered.server_fixed = server.fixed;
   std::string folder = remembered.preferences.folder;
   if (folder.empty()) folder = OS_GetPathName(OS_FOLDER_HOME);
   console::Console* c =

@@ -39,6 +39,7 @@ void ShowRemembered(Console* c) {
   c->files.table.AskWidths(p.file_columns);
   c->queue.table.AskWidths(p.queue_columns);
   RecallPanes(c);
+  c->server.SetPeriod(p.refresh_seconds * 1000);
   // The user's own default comes before the printer that was chosen last.
   const std::string& printer = p.default_printer.empty() ? p.printer : p.default_printer;
   if (!printer.empty()) ChoosePrinter(c, printer);
@@ -46,6 +47,21 @@ void ShowRemembered(Console* c) {
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
   c->files.folder.ShowHidden(p.hidden_names);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
+}
+
+void KeepPreferences(Console* c, const Preferences& preferences) {
+  Remembered& r = c->remembered;
+  r.preferences = preferences;
+  r.preferences = Now(c);
+  if (r.writer) r.writer->Store(r.preferences);
+}
+
+void RememberServer(Console* c) {
+  Preferences p = c->remembered.preferences;
+  if (c->state.link != Link::kReady || c->remembered.server_fixed || p.server.empty()) return;
+  if (!p.recent_servers.empty() && p.recent_servers.front() == p.server) return;
+  NoteServer(p.server, &p);
+  KeepPreferences(c, p);
 }
 
 void Remember(Console* c) {

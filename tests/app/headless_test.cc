@@ -29,7 +29,10 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   ASSERT_TRUE(Until([&] { return c_->files.folder.path() == home_.At(kFolder); }));
   Click(FileRow(kLongName));
   ASSERT_EQ(Selected(), kLongName);
-  Click(c_->layout.more);
+  // Its text is selected by the press, and the arrows count.
+  Click(c_->layout.copies);
+  Key('1', '1');
+  Key(0xFF52);
   EXPECT_EQ(c_->choice.copies, 2);
 
   // The server stalls. What the user does is answered while its answer is still being waited for.
@@ -401,7 +404,15 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
     const Layout& l = c_->layout;
     EXPECT_EQ(l.status.bottom(), h);
     EXPECT_EQ(l.places.w + l.folder.w + l.details.w, w);
-    EXPECT_LE(l.hold.right(), w);
+    int right = 0;
+    for (const Area* tool : {&l.print, &l.refresh, &l.printer, &l.profile, &l.media, &l.copies,
+                             &l.slider, &l.hold, &l.colour, &l.options}) {
+      if (tool->Empty()) continue;
+      EXPECT_GE(tool->x, right);
+      right = tool->right();
+    }
+    EXPECT_EQ(right, l.options.right());
+    EXPECT_LE(right, w);
     EXPECT_GE(c_->files.table.Body().h, 8 * Table::kRowHeight);
     EXPECT_EQ(c_->files.table.area(), l.folder);
     EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);

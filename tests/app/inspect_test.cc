@@ -64,7 +64,7 @@ TEST_P(Driven, PrintsADocumentAndSoDoesItsRecording) {
                 "wait row a.txt\n"
                 "click row a.txt\n"
                 "wait button Print\n"
-                "click button 'More Copies'\n"
+                "type 2 text-field Copies\n"
                 "click button Print\n"
                 "wait row a.txt '#2' --value printed\n"
                 "shot '" +

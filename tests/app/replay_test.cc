@@ -103,7 +103,10 @@ void ControlP() {
   Until([&] { return c->queue.rows.size() == 1 && !c->queue.rows[0].transfer; });
   Click(c->files.table.RowArea(c->files.folder.Find("b.txt")));
   display::Scroll(0, 40);
-  Click(c->layout.more);
+  Click(c->layout.copies);
+  display::KeyDown('2', '2');
+  display::KeyUp('2', '2');
+  Turn(2);
   Click(c->layout.print);
   Until([&] { return c->queue.rows.size() == 2 && !c->queue.rows[0].transfer; });
   Click(c->queue.table.RowArea(0));

@@ -135,6 +135,10 @@ XwActivationHandler Hostile() {
   return nullptr;
 }
 template <>
+XwContextMenuHandler Hostile() {
+  return nullptr;
+}
+template <>
 const uint32_t* Hostile() {  // the largest icon
   static const std::vector<uint32_t> pixels(256 * 256, 0x80FFFFFF);
   return rng() % 3 ? pixels.data() : nullptr;

@@ -184,7 +184,7 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
   input::OpenFile("/too/early");
   RunLoop();
   Main();
-  XwWindow* other = Top("other", 500, 100, 50, 50);
+  Top("other", 500, 100, 50, 50);
   Settle();
   input::OpenFile("/tmp/a file");
   on_event = [](int) { EXPECT_STREQ(reinterpret_cast<const char*>(Inp.value), "/tmp/a file"); };

@@ -142,7 +142,7 @@ TEST(Mouse, OnlyThePrimaryButtonKeepsAGrab) {
 TEST(Mouse, AReleaseOutsideTheGrabWindow) {
   XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
-  XwWindow* other = Top("other", 600, 100, 200, 200);
+  Top("other", 600, 100, 200, 200);
   Settle();
   for (bool active : {false, true}) {
     for (int x : {700, 900}) {  // in another window; over nothing

@@ -202,7 +202,7 @@ TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
 
 TEST(Session, TheRequestToQuitGoesToTheMainWindow) {
   stage::OpenMain();
-  XwWindow* other = stage::Top("other", 500, 100, 50, 50);
+  stage::Top("other", 500, 100, 50, 50);
   stage::Settle();
   kill(getpid(), SIGTERM);
   stage::RunLoop();

@@ -53,7 +53,7 @@ void SendCommand(MenuRef menu, uint32_t command) {
 }  // namespace
 
 void PressMenuBar(const Event& e) {
-  if (ModalKeepsOut(W_Start)) return XwBeep();
+  if (ModalKeepsOut(W_Start)) return RefusePress();
   TargetScope scope;
   MenuSelect(e.mouse.where);
   MenuClosed();
