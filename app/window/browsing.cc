@@ -47,18 +47,18 @@ void ShowFreeRoom(Console* c, const FolderReading& r) {
 }
 
 // Of other documents those that lie in the same folder.
-std::vector<std::string> NamesToSelect(const FolderReading& r) {
+std::vector<std::string> NamesToSelect(const Console* c, const FolderReading& r) {
   std::vector<std::string> names;
   if (!r.select.empty()) names.push_back(r.select);
   for (const std::string& path : r.request.others)
-    if (ParentPath(path) == r.content->path()) names.push_back(LastName(path));
+    if (ParentPath(path) == c->files.folder.path()) names.push_back(LastName(path));
   return names;
 }
 
 // They are to be seen, whatever is hidden otherwise; and it is said how many are not there.
 void DocumentsCame(Console* c, const FolderReading& r) {
   c->stop = FocusStop::kFiles;
-  const std::vector<std::string> names = NamesToSelect(r);
+  const std::vector<std::string> names = NamesToSelect(c, r);
   const FolderRows& rows = c->files.folder.rows();
   const auto is_hidden = [&rows](const std::string& name) {
     return rows.Has(name) && rows.RowOf(name) < 0;
@@ -84,7 +84,7 @@ void Entered(Console* c, FolderReading* r) {
   ShowFreeRoom(c, *r);
   c->files.table.Release();
   c->files.table.ScrollTo(0);
-  c->files.selection.Set(NamesToSelect(*r));
+  c->files.selection.Set(NamesToSelect(c, *r));
   Listed(c);
   c->files.table.Reveal(c->files.table.focus());
   if (r->request.kind == FolderRequest::kDocument) DocumentsCame(c, *r);
