@@ -87,6 +87,11 @@ uint16_t Hostile() {
   return uint16_t(Hostile<int32_t>());
 }
 template <>
+int* Hostile() {
+  static int number;
+  return rng() % 2 ? &number : nullptr;
+}
+template <>
 const char* Hostile() {
   static const std::string longest(70000, 'x'), high = [] {
     std::string s;
