@@ -271,7 +271,7 @@ void Worker::Wait() {
   const bool connected = shared_->open[kLists] >= 0;
   if (shared_->stop || shared_->refresh ||
       (connected && !(shared_->changes.empty() && shared_->printer_changes.empty() &&
-                     shared_->requests.empty())))
+                      shared_->requests.empty())))
     return;
   const int64_t now = MonotonicMs();
   int64_t until = connected ? next_poll_ : shared_->retry_at;
