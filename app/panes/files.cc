@@ -29,7 +29,8 @@ std::string HeadText(const FilesPane* p) {
   const FolderRows& rows = p->folder.rows();
   const ChosenFiles& chosen = p->Chosen();
   if (const int n = chosen.files + chosen.folders; n > 1)
-    return NumberText(n) + " of " + rows.CountText() + " selected, " + SizeText(chosen.bytes);
+    return NumberText(n) + " of " + NumberText(rows.count()) + " selected, " +
+           SizeText(chosen.bytes);
   return rows.CountText() + ", " + SizeText(rows.bytes());
 }
 
