@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/format/cut.h"
 #include "app/look/outline.h"
 
 namespace console {
@@ -54,6 +55,12 @@ void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32
   int dx = align == Align::kRight ? spare : align == Align::kCenter ? spare / 2 : 0;
   XwDrawTextUtf8(font, 0, a.x + dx, a.y + (a.h - font->ascent - font->descent + 1) / 2, 0, 0, shown,
                  ink, -1);
+}
+
+std::string CutToWidth(XwFont* font, const std::string& text, int width) {
+  return CutMiddleTo(text, [font, width](const std::string& cut) {
+    return XwTextWidthUtf8(font, cut.c_str()) <= width;
+  });
 }
 
 void DrawCaption(const Area& a, const char* text) {

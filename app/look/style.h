@@ -40,6 +40,8 @@ inline void DrawLabel(XwFont* font, Align align, const Area& a, const std::strin
                       int32_t ink) {
   DrawLabel(font, align, a, text.c_str(), ink);
 }
+// The text, cut in the middle where it is wider than that many pixels: a name keeps its ending.
+std::string CutToWidth(XwFont* font, const std::string& text, int width);
 // Of a part of a pane.
 void DrawCaption(const Area& a, const char* text);
 void Fill(const Area& a, int32_t colour);

@@ -34,6 +34,8 @@ enum CommandId {
   kAboutCommand,
   kStartServerCommand,
   kSelectAllCommand,
+  kShowHiddenCommand,
+  kCancelQueuedCommand,
   kRetryCommand,
   kDismissCommand,
   kPreferencesCommand,

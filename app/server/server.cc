@@ -266,6 +266,16 @@ void Server::Cancel(int number) {
   s.Published();
 }
 
+int Server::CancelWaiting(int first, int last) {
+  Locked lock(shared_.get());
+  const auto waits = [first, last](const Transfer& t) {
+    return t.number >= first && t.number <= last && t.state == Sending::kWaiting;
+  };
+  const int n = int(std::erase_if(shared_->state.transfers, waits));
+  shared_->Published();
+  return n;
+}
+
 void Server::Retry(int number) {
   Locked lock(shared_.get());
   for (Transfer& t : shared_->state.transfers) {

@@ -75,6 +75,12 @@ void DismissMessage(Console* c) {
   c->status.ReadMessage();
   c->damage |= kStatusPane;
 }
+bool ShowsHidden(const Console* c) {
+  return c->files.folder.rows().shows_hidden();
+}
+void ShowHidden(Console* c) {
+  ShowHiddenNames(c, !ShowsHidden(c));
+}
 template <int column>
 void Sort(Console* c) {
   SortBy(c, column);
@@ -177,6 +183,8 @@ constexpr Command kCommands[] = {
          .why_not = WhyNot<Verb::kRemove>}),
     Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
         {.group = true, .key = '.'}),
+    Row(kCancelQueuedCommand, kQueueMenu, "Cancel Queued Documents", CanCancelQueued, CancelQueued,
+        {.key = 'k'}),
     Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
         {.key = 's'}),
     Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
@@ -213,6 +221,8 @@ constexpr Command kCommands[] = {
         {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
     Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
+    Row(kShowHiddenCommand, kViewMenu, "Show Hidden Names", nullptr, ShowHidden,
+        {.key = 'h', .modifiers = XWS_CONTROL | XWS_SHIFT, .checked = ShowsHidden}),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
         {.group = true, .key = '1'}),
     Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),

@@ -467,7 +467,7 @@ int Handle(int type) {
       UseEditBox(c, Inp.type, Inp.item, Inp.value == 1);
       break;
     case XWE_OPEN:
-      ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
+      TakeDocuments(c);
       break;
     case XWE_PREFERENCES:
       ShowPreferences(c);

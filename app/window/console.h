@@ -124,8 +124,9 @@ struct Console {
   PreviewSubject previewed;  // what was asked for last
   Server server;
   ServerState state;
-  int last_notice = 0;  // that was shown
-  int just_sent = 0;    // orders that are not yet in the state
+  int last_notice = 0;                    // that was shown
+  int just_sent = 0;                      // orders that are not yet in the state
+  int first_queued = 0, last_queued = 0;  // numbers of the last orders that were given together
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
@@ -214,9 +215,16 @@ void SetFilter(Console* c, const std::string& text);
 void PressCrumb(Console* c, int index);
 // The one that is shown does not answer.
 bool FolderIsSilent(const Console* c);
-// A document that the desktop asks to open.
-void ShowDocument(Console* c, const char* path);
-// The files that the program was started with: the first is selected, and what is missing is told.
+// Names that begin with a dot.
+void ShowHiddenNames(Console* c, bool show);
+// Enters the first one's folder and selects all that lie in it; a folder is entered itself.
+void ShowDocuments(Console* c, std::vector<std::string> paths);
+
+// --- Documents from elsewhere (opening.cc)
+// Of a 798: those that another program asks to open are selected, those that were dropped are
+// queued; a folder that was dropped is entered.
+void TakeDocuments(Console* c);
+// The files that the program was started with are selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
 
 // --- The places (places.cc)
@@ -302,6 +310,13 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// How documents are printed now: an order without one.
+PrintOrder UsualOrder(const Console* c);
+// Queues them and says how many; `left_out` of those that were meant are none.
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
+// Those of the last time that still wait to be sent.
+bool CanCancelQueued(const Console* c);
+void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
 // All documents that are selected; folders are passed over.

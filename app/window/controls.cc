@@ -1,5 +1,6 @@
 // The console's controls: those of the tools, of the tables, and the buttons of commands.
 #include "app/look/controls.h"
+#include "app/format/words.h"
 
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
@@ -20,11 +21,21 @@ void MakeControls(Console* c) {
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
-  c->buttons = {c->tools.print,    c->tools.refresh, c->tools.colour,
-                c->tools.options,  head.hold,        head.release,
-                head.again,        head.remove,      c->status.stop_sending,
-                c->status.dismiss, c->banner.retry,  c->banner.start_server,
-                c->needs.load,     c->needs.choose};
+  c->buttons = {c->tools.print,
+                c->tools.refresh,
+                c->tools.colour,
+                c->tools.options,
+                head.hold,
+                head.release,
+                head.again,
+                head.remove,
+                c->status.stop_sending,
+                c->status.dismiss,
+                c->status.cancel_queued,
+                c->banner.retry,
+                c->banner.start_server,
+                c->needs.load,
+                c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -101,6 +112,7 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
+  c->status.offers_cancel = CanCancelQueued(c);
   c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
@@ -163,7 +175,7 @@ std::string WhyNotPrint(const Console* c) {
   return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 
-void PrintSelected(Console* c) {
+PrintOrder UsualOrder(const Console* c) {
   PrintOrder usual;
   usual.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
@@ -174,6 +186,22 @@ void PrintSelected(Console* c) {
   usual.priority = c->choice.priority;
   usual.hold = c->choice.hold;
   usual.colour = c->choice.colour;
+  return usual;
+}
+
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
+  const int n = int(orders.size());
+  c->just_sent += n;
+  c->last_queued = c->server.Send(std::move(orders));
+  c->first_queued = c->last_queued - n + 1;
+  std::string text = NumberOf(n, "document", "documents") + " queued";
+  if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
+  if (IsAway(c->state.link)) text += ", to be sent when " + c->server.host() + " is back";
+  Tell(c, true, text);
+}
+
+void PrintSelected(Console* c) {
+  const PrintOrder usual = UsualOrder(c);
   std::vector<PrintOrder> orders;
   for (const std::string& name : c->files.selection.Ids()) {
     const int row = c->files.folder.Find(name);
@@ -182,15 +210,22 @@ void PrintSelected(Console* c) {
     order.path = c->files.folder.PathOf(row);
     order.document = name;
   }
-  c->just_sent += int(orders.size());
-  c->server.Send(std::move(orders));
+  SendOrders(c, std::move(orders), c->files.Chosen().folders);
   c->choice.AfterPrint();
   c->tools.ShowChoice();
   c->damage |= kToolsPane | kDetailsPane;
-  if (IsAway(c->state.link))
-    Tell(c, true,
-         (c->just_sent > 1 ? "They" : "It") +
-             (" will be sent when " + c->server.host() + " is back"));
+}
+
+bool CanCancelQueued(const Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.number >= c->first_queued && t.number <= c->last_queued && t.state == Sending::kWaiting)
+      return true;
+  return false;
+}
+
+void CancelQueued(Console* c) {
+  const int n = c->server.CancelWaiting(c->first_queued, c->last_queued);
+  Tell(c, true, NumberOf(n, "document is", "documents are") + " not printed");
 }
 
 bool CanSelectAll(const Console* c) {

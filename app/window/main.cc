@@ -40,7 +40,7 @@ console::FilesToOpen LookForFiles(const console::Arguments& arguments) {
   return files;
 }
 
-// Those that are there come first: of several a running console selects the first.
+// Those that are there come first: the running console enters the folder of the first.
 bool HandOver(const console::FilesToOpen& files) {
   std::vector<std::string> all = files.found;
   all.insert(all.end(), files.missing.begin(), files.missing.end());

@@ -20,6 +20,7 @@ Preferences Now(const Console* c) {
   p.printer = c->choice.printer;
   p.file_order = int(c->files.folder.order());
   p.files_descending = c->files.folder.descending();
+  p.hidden_names = c->files.folder.rows().shows_hidden();
   p.file_filter = c->files.FilterText();
   const QueueFilter& filter = c->queue.rows.filter();
   p.queue_order = int(c->queue.rows.order());
@@ -51,6 +52,7 @@ void ShowRemembered(Console* c) {
   if (!printer.empty()) ChoosePrinter(c, printer);
   if (p.file_order <= int(FileOrder::kTime))
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
+  c->files.folder.ShowHidden(p.hidden_names);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
   if (p.queue_order <= int(QueueOrder::kNumber))
     c->queue.Sort(QueueOrder(p.queue_order), p.queue_descending);

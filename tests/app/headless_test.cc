@@ -89,7 +89,7 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   daemon.Start({"--rate", "1K"});
   Open(daemon.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  ShowDocument(c_, home_.At(std::string(kFolder) + "/" + kLongName).c_str());
+  ShowDocuments(c_, {home_.At(std::string(kFolder) + "/" + kLongName)});
   ASSERT_TRUE(HasRead());
   ASSERT_EQ(Selected(), kLongName);
   display::Modifiers(platform::controlKey);
@@ -515,21 +515,21 @@ TEST_F(ConsoleTest, NamesAreShownApartAndFoundByTheirBytes) {
 TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
   Open("127.0.0.0");
   const std::string path = home_.At(std::string(kFolder) + "/" + kLongName);
-  display::OpenFile(path.c_str());
+  display::OpenFiles({path}, true);
   Turn(4);
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.At(kFolder));
   EXPECT_EQ(Selected(), kLongName);
-  display::OpenFile(home_.At("Empty").c_str());
+  display::OpenFiles({home_.At("Empty")}, true);
   Turn(4);
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   for (const char* path_that_is_none : {"/no/such/folder/file.pdf", "relative.pdf", ""}) {
-    ShowDocument(c_, path_that_is_none);
+    ShowDocuments(c_, {path_that_is_none});
     EXPECT_TRUE(HasRead());
     EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   }
-  ShowDocument(c_, home_.At("gone.pdf").c_str());
+  ShowDocuments(c_, {home_.At("gone.pdf")});
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), "");

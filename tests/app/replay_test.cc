@@ -117,7 +117,7 @@ void ControlP() {
   Click(c->queue.table.RowArea(0));
   Click(c->queue.head.hold_area);
   Until([&] { return c->state.jobs->at(0).state == NC_JOB_HELD && c->state.pending.empty(); });
-  display::OpenFile((home + "/Jobs/Überlänge.pdf").c_str());
+  display::OpenFiles({home + "/Jobs/Überlänge.pdf"}, true);
   Until([&] { return c->files.table.selected() == c->files.folder.Find("Überlänge.pdf"); });
   Click(c->queue.table.RowArea(1));
   Click(c->queue.head.remove_area);

@@ -65,7 +65,7 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   second.Start({"--config", second.WriteFile("printers", "[printer]\nname=Other\n")});
   Open(first.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  ShowDocument(c_, home_.At("letter.txt").c_str());
+  ShowDocuments(c_, {home_.At("letter.txt")});
   ASSERT_TRUE(HasRead());
   PrintSelected(c_);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && c_->queue.rows.JobAt(0); }));
@@ -110,7 +110,7 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   home_.File("big.bin", Bytes(20000000));
   Open(first.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  ShowDocument(c_, home_.At("big.bin").c_str());
+  ShowDocuments(c_, {home_.At("big.bin")});
   ASSERT_TRUE(HasRead());
   first.Signal(SIGSTOP);
   PrintSelected(c_);

@@ -87,6 +87,11 @@ uint16_t Hostile() {
   return uint16_t(Hostile<int32_t>());
 }
 template <>
+int* Hostile() {
+  static int number;
+  return rng() % 2 ? &number : nullptr;
+}
+template <>
 const char* Hostile() {
   static const std::string longest(70000, 'x'), high = [] {
     std::string s;
@@ -426,8 +431,8 @@ std::vector<Row> Calls() {
       XwGetFocus, XwFocusControl, XwSetToolbarItem, XwGetToolbarItem, XwSetTip, XwGetScale,
       XwSetDefaultButtons, XwSetTab, XwDescribeControl, XwSetGround, XwSetScrollHandler,
       XwSetActivationHandler, XwSetContextMenuHandler, XwCanEdit, XwEdit, XwSetProgramIcon,
-      XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop, XwClip, ResetClipMask, XwSetColor,
-      XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect, XwDrawRect, XwDrawLine,
+      XwDroppedFiles, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop, XwClip, ResetClipMask,
+      XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect, XwDrawRect, XwDrawLine,
       XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole, XwDrawBorder, XwDrawSeparator,
       XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm, XwTextWidth, XwTextTrim,
       XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon, XwDrawIcon);

@@ -5,6 +5,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
   ${CMAKE_CURRENT_LIST_DIR}/described_tree.cc
   ${CMAKE_CURRENT_LIST_DIR}/desktop.cc
+  ${CMAKE_CURRENT_LIST_DIR}/documents.cc
   ${CMAKE_CURRENT_LIST_DIR}/install.cc
   ${CMAKE_CURRENT_LIST_DIR}/keyboard.cc
   ${CMAKE_CURRENT_LIST_DIR}/loop.cc
