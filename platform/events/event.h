@@ -92,7 +92,7 @@ struct MouseFields {
   uint16_t tablet_type;  // kEventTabletPoint, else 0
   TabletPoint tablet;
   float dx, dy;     // wheel: logical pixels
-  WindowRef under;  // press, release: what lies under the pointer, whichever window gets the event
+  WindowRef under;  // what lies under the pointer, whichever window gets the event; none: it leaves
 };
 // Bytes of the text that one key may type.
 constexpr int kTypedText = 15;

@@ -66,6 +66,7 @@ Event MouseEvent(const RawEvent& raw, WindowRef w, uint32_t kind) {
 void Motion(const RawEvent& raw, WindowRef w) {
   EventQueue& q = main_event_queue;
   Event e = MouseEvent(raw, w, pointer.buttons ? kEventMouseDragged : kEventMouseMoved);
+  if (raw.type == RawEvent::kMotion) e.mouse.under = w;  // and nothing when it leaves
   // Neighbouring motions of one window merge; a pen's samples stay, since each has its pressure.
   Event* last = q.Last();
   const bool merges = last && last->cls == e.cls && last->kind == e.kind &&

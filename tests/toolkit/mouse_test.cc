@@ -269,6 +269,19 @@ TEST(Mouse, ButtonsBeyondFive) {
   EXPECT_EQ(RunLoop(), 0);
 }
 
+TEST(Mouse, LeavingAWindowLeavesTheKeyboardWhereTheProgramSetIt) {
+  XwWindow* main = OpenMain();
+  XwWindow* other = Top("other", 500, 100, 100, 100);
+  Settle();
+  MoveTo(150, 160);
+  EXPECT_EQ(Inp.focus, main);
+  XwSetFocus(other);
+  seen.clear();
+  MoveTo(5, 5);
+  EXPECT_EQ(Trace(), "main 770");
+  EXPECT_EQ(Inp.focus, other);
+}
+
 TEST(Mouse, TheFirstClickOnlyActivates) {
   XwWindow* main = OpenMain();
   input::Focus(nullptr);

@@ -119,9 +119,12 @@ OSStatus Motion(XwWindow* w, const Event& e) {
     lastpos = e.mouse.where;
   }
   Inp.type = XWE_MOTION;
+  XwWindow* const focus = Inp.focus;
   TakePointer(w, e);
   XwWindow* target = GrabWindow ? GrabWindow : FindVirtualWindow(w, Inp.px, Inp.py);
   if (target) Inp.focus = Inp.window = target;
+  // A window that comes up under the pointer sends it out of the one below, not the keyboard back.
+  if (!e.mouse.under && focus) Inp.focus = focus;
   SetTargetCoordinates(Inp.window);
   Inp.item = XCheckbl(Inp.window->boxes);
   return eventNotHandledErr;
