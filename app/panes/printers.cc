@@ -44,6 +44,13 @@ std::string MoreOf(const PrinterRow& row, bool mine) {
   return text;
 }
 
+// Its first parts that stand in the width as a whole: half a number says something else.
+std::string PartsThatFit(XwFont* font, std::string text, int width) {
+  while (!text.empty() && XwTextWidthUtf8(font, text.c_str()) > width)
+    text.resize(text.rfind(", "));
+  return text;
+}
+
 std::string SuppliesText(const PrinterRow& row) {
   std::string text;
   for (const Supply& s : row.supplies)
@@ -153,7 +160,8 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
             below.TakeLeft(XwTextWidthUtf8(l.small_text, r.state.c_str()) + 1), r.state,
             shade(ink));
   if (button.Empty())
-    DrawLabel(l.small_text, Align::kLeft, below, MoreOf(r, mine == r.printer->name),
+    DrawLabel(l.small_text, Align::kLeft, below,
+              PartsThatFit(l.small_text, MoreOf(r, mine == r.printer->name), below.w),
               shade(l.second));
   if (button.Empty()) return;
   const bool over = hover == Hit{kPrinters, SideList::kMark, row};
