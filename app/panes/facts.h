@@ -13,7 +13,6 @@ constexpr int kFactName = 64, kFactLine = 20, kNextFactLine = 16;
 // lines that are more than half full; the last one holds all that remains.
 std::vector<std::string> FactLines(std::string value, int width);
 // Takes what it needs off the top of the area.
-void DrawFact(Area* a, const char* name, const std::string& value,
-              int32_t ink = TheStyle().ink);
+void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink = TheStyle().ink);
 
 }  // namespace console

@@ -19,7 +19,7 @@ int64_t MonotonicMs();
 struct JobStep {
   JobId job{};
   JobChange change;
-  JobId before{};              // of kReorder
+  JobId before{};             // of kReorder
   std::string document = "";  // the job's, as it was when the change was asked for
   int batch = 0;
 };

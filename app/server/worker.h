@@ -68,7 +68,7 @@ class Worker {
   std::unique_ptr<NC_Job[]> jobs_;
   std::string last_jobs_, last_printers_;
   bool ask_profiles_ = true;  // they change with the server's settings only
-  int batch_ = 0;            // whose outcome is being counted, 0: none
+  int batch_ = 0;             // whose outcome is being counted, 0: none
   ChangeOutcome outcome_;
   int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
   int retry_ms_ = 0;

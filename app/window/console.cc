@@ -87,8 +87,7 @@ void SetHover(Console* c, const Hit& hit) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane |
-               kDetailsPane;
+  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane | kDetailsPane;
 }
 
 void LayOutWindow(Console* c) {
@@ -103,8 +102,8 @@ namespace {
 
 // What follows a change of a table's selection.
 void SelectionChanged(Console* c, bool files) {
-  c->damage |= files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane
-                     : kQueuePane | kDetailsPane;
+  c->damage |=
+      files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane | kDetailsPane;
 }
 
 SelectionKeys KeysOf(uint32_t modifiers) {

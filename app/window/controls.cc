@@ -20,10 +20,18 @@ void MakeControls(Console* c) {
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
-  c->buttons = {c->tools.print,         c->tools.up,          c->tools.refresh,
-                head.hold,              head.release,         head.again,
-                head.remove,            c->status.stop_sending, c->status.dismiss,
-                c->banner.retry,        c->banner.start_server, c->needs.load,
+  c->buttons = {c->tools.print,
+                c->tools.up,
+                c->tools.refresh,
+                head.hold,
+                head.release,
+                head.again,
+                head.remove,
+                c->status.stop_sending,
+                c->status.dismiss,
+                c->banner.retry,
+                c->banner.start_server,
+                c->needs.load,
                 c->needs.choose};
 }
 

@@ -220,8 +220,7 @@ void UseQueueFilter(Console* c, int type, bool gained) {
 }
 
 void UseQueueControl(Console* c, int id, int value) {
-  if (id == kQueueOwnerControl || id == kQueuePartControl)
-    FilterQueue(c, c->queue.head.Filter());
+  if (id == kQueueOwnerControl || id == kQueuePartControl) FilterQueue(c, c->queue.head.Filter());
   const int column = c->queue.table.HeadOf(id);
   if (column >= 0) c->queue.SortByHead(column);
   if (column >= 0 || c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;

@@ -56,7 +56,8 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   EXPECT_EQ(Selected(), "second.txt");
   daemon.Start({"--rate", "1K"});
   ASSERT_TRUE(Until([&] { return IsReady() && c_->state.transfers.empty(); }));
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   const NC_Job job = (*c_->state.jobs)[0];
   EXPECT_STREQ(job.document, kLongName);
   EXPECT_STREQ(job.owner, "mia");
@@ -91,7 +92,8 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   display::Modifiers(platform::controlKey);
   Key('p', 'p');
   display::Modifiers(0);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   Turn(8);
 
   // The name as it is drawn in the row is the name as it is drawn anywhere else.
@@ -125,8 +127,7 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   const struct {
     Area QueueHead::*button;
     NC_JobState state;
-  } kSteps[] = {{&QueueHead::hold_area, NC_JOB_HELD},
-                {&QueueHead::release_area, NC_JOB_PRINTING}};
+  } kSteps[] = {{&QueueHead::hold_area, NC_JOB_HELD}, {&QueueHead::release_area, NC_JOB_PRINTING}};
   for (const auto& step : kSteps) {
     Click(c_->queue.head.*step.button);
     ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == step.state; })) << step.state;
@@ -169,7 +170,8 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   display::Modifiers(platform::cmdKey);
   Key('p', 'p');
   display::Modifiers(0);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   Key(kTabKey);
   Key(0xFF50);
   EXPECT_EQ(c_->stop, FocusStop::kQueue);
@@ -368,7 +370,8 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   choose(c_->layout.profile, 2);
   EXPECT_EQ(value("Profile"), "Standard");
   Click(c_->layout.print);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
   EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
   EXPECT_STREQ(c_->state.jobs->at(0).profile, "Standard");
 

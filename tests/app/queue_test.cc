@@ -1,10 +1,11 @@
-// The queue in the window, against a real server and a scripted one: what is asked for is done, once,
-// to all that are selected, and what another console did first is told.
+// The queue in the window, against a real server and a scripted one: what is asked for is done,
+// once, to all that are selected, and what another console did first is told.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
 #include "app/panes/queue_cells.h"
+#include "app/window/commands.h"
 #include "app/window/queue_commands.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/scripted_server.h"
@@ -49,9 +50,7 @@ class QueueTest : public ConsoleTest {
     Turn();
   }
   // As the server has it; -1: it has none such.
-  int State(const std::string& name) {
-    return testing_daemon::JobOf(fd_, ids_[name].data()).state;
-  }
+  int State(const std::string& name) { return testing_daemon::JobOf(fd_, ids_[name].data()).state; }
   std::string Rows() {
     std::string names;
     for (int row = 0; row < c_->queue.rows.count(); ++row)

@@ -67,7 +67,11 @@ void Until(const std::function<bool()>& holds) {
     usleep(1000);
     Turn(1);
   }
-  if (!holds()) { fprintf(stderr, "U%d\n", g_n); _exit(9); } ++g_n;
+  if (!holds()) {
+    fprintf(stderr, "U%d\n", g_n);
+    _exit(9);
+  }
+  ++g_n;
 }
 
 void Click(const Area& a) {

@@ -100,7 +100,7 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
   display::Modifiers(platform::controlKey);
   Key('a', 'a');
   display::Modifiers(0);
-  Click(c_->layout.hold_job);
+  Click(c_->queue.head.hold_area);
   ASSERT_TRUE(Until([&] {
     const auto& jobs = *c_->state.jobs;
     return std::all_of(jobs.begin(), jobs.end(),
