@@ -18,6 +18,7 @@ XwWindow* List(XwWindow* window, const char* const* items, int id, const char* n
   XwWindow* list =
       XwComboBox(window, nullptr, id, 0, 0, 9, 9, XWC_ENABLED | XWC_VISIBLE | XWC_VARIANT, 0);
   XwSetTextUtf8(list, items);
+  XwSetValue(list, 0);
   XwDescribeControl(list, name);
   return list;
 }

@@ -135,6 +135,7 @@ WindowRef FrameOf(WindowRef w) {
 
 void InjectClick(WindowRef w, Point where, int button, int count, uint32_t modifiers) {
   InjectFocus(FrameOf(w));
+  if (modifiers) Post(RawEvent::kModifiers, w, modifiers);
   const double scale = w->surface.scale;
   RawEvent raw = Report(RawEvent::kMotion, w, modifiers);
   raw.x = PixelIn(where.x - w->content.left, scale);
@@ -150,6 +151,7 @@ void InjectClick(WindowRef w, Point where, int button, int count, uint32_t modif
       raw.type = type;
       PostRawEvent(raw);
     }
+  if (modifiers) Post(RawEvent::kModifiers, w, 0);
 }
 
 bool IsKey(const std::string& name) {

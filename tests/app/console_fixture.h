@@ -48,19 +48,6 @@ inline int Pump(int type) {
   return type;
 }
 
-// Keys for the next alert, each when all is quiet.
-inline std::vector<uint32_t> g_answer;
-inline XwWindow* g_last_window;  // without an alert
-inline bool PressNextAnswer() {
-  XwWindow* last = W_End;
-  while (last && last->parent != W_Root) last = last->previous;
-  if (last == g_last_window || g_answer.empty()) return false;
-  display::KeyDown(g_answer.front());
-  display::KeyUp(g_answer.front());
-  g_answer.erase(g_answer.begin());
-  return true;
-}
-
 class ConsoleTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -85,15 +72,10 @@ class ConsoleTest : public testing::Test {
     // Wakes the loop, so that the test gets a turn each twenty milliseconds of stepped time.
     pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
     XwTimer(pump_, 1, 20);
-    g_last_window = pump_;
-    display::SetIdleHandler(PressNextAnswer);
     Turn();
     EXPECT_TRUE(HasRead());
   }
-  void TearDown() override {
-    display::SetIdleHandler(nullptr);
-    CloseConsole(c_);
-  }
+  void TearDown() override { CloseConsole(c_); }
 
   void Turn(int times = 1) {
     while (times-- > 0) XwWaitEvent(nullptr);

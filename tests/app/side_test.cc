@@ -128,7 +128,7 @@ class PrintersTest : public SideTest {
     order.document = "a job";
     order.printer = printer;
     order.hold = hold;
-    c_->server.Send(order);
+    c_->server.Send({order});
   }
   void ClickControl(const XwWindow* w) { Click({w->x, w->y, w->width, w->height}); }
 };
