@@ -1,8 +1,9 @@
-// Process start to the first complete frame answered by the server: a program and the floor run in
-// turn on an X server that the bench starts. This file is built three times: first_frame runs the
-// first example and the console, gallery a window of a hundred controls, lists_frame a list of
-// 100,000 rows. The floor, which keeps as many rows, runs twice, with shared libraries and with the
-// archives that the example has: much of a small program's start is the mapping of its libraries.
+// Process start to the first complete frame answered by the server, of which the program tells: a
+// program and the floor run in turn on an X server that the bench starts. This file is built three
+// times: first_frame runs the first example and the console, gallery a window of a hundred
+// controls, lists_frame a list of 100,000 rows. The floor, which keeps as many rows, runs twice,
+// with shared libraries and with the archives that the example has: much of a small program's start
+// is the mapping of its libraries.
 //   first_frame [rounds], gallery [rounds], lists_frame [rounds]
 #include <fcntl.h>
 #include <signal.h>
@@ -34,11 +35,16 @@ double Now() {
   return double(t.tv_sec) * 1e3 + double(t.tv_nsec) * 1e-6;
 }
 
-pid_t Start(std::vector<const char*> command) {
+// With `out` as its standard output.
+pid_t Start(std::vector<const char*> command, int out) {
   command.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
   pid_t pid = 0;
-  const int error = posix_spawnp(&pid, command[0], nullptr, nullptr,
+  const int error = posix_spawnp(&pid, command[0], &actions, nullptr,
                                  const_cast<char* const*>(command.data()), environ);
+  posix_spawn_file_actions_destroy(&actions);
   return error == 0 ? pid : -1;
 }
 
@@ -49,12 +55,18 @@ struct Sample {
 };
 
 bool Measure(const std::vector<const char*>& command, Sample* out) {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) return false;
   const double start = Now();
-  const pid_t pid = Start(command);
+  const pid_t pid = Start(command, ends[1]);
+  close(ends[1]);
+  char byte;
+  const bool shown = pid >= 0 && read(ends[0], &byte, 1) == 1;
+  out->wall = Now() - start;
+  close(ends[0]);
   int status = 0;
   rusage usage{};
-  if (pid < 0 || wait4(pid, &status, 0, &usage) != pid || status != 0) return false;
-  out->wall = Now() - start;
+  if (pid < 0 || wait4(pid, &status, 0, &usage) != pid || status != 0 || !shown) return false;
   out->cpu = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 +
              double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-3;
   out->memory = usage.ru_maxrss;
@@ -133,7 +145,7 @@ int main(int argc, char** argv) {
   if (!ran) fprintf(stderr, NAME ": a program failed\n");
   kill(server, SIGTERM);
   waitpid(server, nullptr, 0);
-  const pid_t rm = Start({"rm", "-r", cache});
+  const pid_t rm = Start({"rm", "-r", cache}, STDERR_FILENO);
   if (rm > 0) waitpid(rm, nullptr, 0);
   return ran ? 0 : 1;
 }

@@ -56,7 +56,16 @@ bool IsWanted(const OS_ListEntryN& entry, int types) {
   return types & OS_LIST_OTHERS;
 }
 
+// What the folder alone tells: only folders are wanted and no total, and this is neither one nor a
+// link that may lead to one.
+bool IsNeverListed(const dirent* file, int types) {
+  constexpr int kKinds = OS_LIST_FOLDERS | OS_LIST_FILES | OS_LIST_OTHERS | OS_LIST_SELF;
+  if ((types & kKinds) != OS_LIST_FOLDERS) return false;
+  return file->d_type != DT_DIR && file->d_type != DT_LNK && file->d_type != DT_UNKNOWN;
+}
+
 void AddFile(int folder, const dirent* file, bool matched, int types, WholeListing* list) {
+  if (IsNeverListed(file, types)) return;
   OS_ListEntryN entry = {};
   const char* name = file->d_name;
   const bool may_be_folder = file->d_type != DT_REG && types & OS_LIST_ALL_FOLDERS;

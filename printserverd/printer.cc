@@ -17,8 +17,9 @@ constexpr int kTickMs = 50;
 constexpr int64_t kRetryMs = 30000;
 constexpr int64_t kBytesATick = 4 << 20;  // of one document, so that peers are heard in between
 
-// What has become of a job once its files are done with, whether or not the printer is still there.
-void Settle(const PrintRun& run, const RequestId& id, const std::string& printer, Queue* queue) {
+// Tells what has become of a job once its files are done with, whether or not the printer is still
+// there.
+void TellQueue(const PrintRun& run, const RequestId& id, const std::string& printer, Queue* queue) {
   const Job* job = queue->Find(id);
   if (run.abandoned || !job || !job->AtPrinter()) return;
   if (run.whole) return queue->Finish(id, JobState::kDone, "", "");
@@ -93,7 +94,7 @@ void Printer::Work(std::function<void(PrintRun*)> work) {
       },
       [run = run_, id = current_, name = settings_.name, queue = uses_.queue] {
         run->busy = false;
-        Settle(*run, id, name, queue);
+        TellQueue(*run, id, name, queue);
         queue->Touch();
       });
 }

@@ -155,7 +155,8 @@ struct XwEvent {
   XwValue value;     /* 779: the timer's value. 798: the path, a char*. 800: the key released */
   int32_t item;      /* pointer and keys: position of the box under the pointer (XwBoxList), 0 none.
                         783: the control's id. 794: the command */
-  int32_t param;     /* XwSendEvent's last argument, else 0. 796: 1 when the user chose Quit */
+  int32_t param;     /* XwSendEvent's last argument, else 0. 796: 1 when the user chose Quit. 798: 1
+                        when another program asks by the message bus, 0 for a drop */
   int32_t spare;     /* the program's own; copied along */
   int32_t x, y, width, height; /* 768: new bounds. 769: 0, 0 and the size. item != 0: the box */
   int32_t root_x, root_y;      /* pointer: on the screen */
@@ -175,8 +176,8 @@ _Noreturn
 void XwRunEventLoop(void);
 /* Waits for an event that the caller must see and returns its type: one whose window has no
  * handler, or the other code that a handler returned. `modal` null: all windows. A window: events
- * of windows outside it are returned undispatched, but closing and clicking them only beeps.
- * (XwWindow*)-1: nothing is dispatched. A release with a button above 5 returns -9874. */
+ * of windows outside it are returned undispatched, but closing them only beeps, and a press beeps
+ * and raises `modal`. (XwWindow*)-1: nothing is dispatched. -9874: a release above button 5. */
 int XwWaitEvent(XwWindow* modal);
 /* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
  * `modal` as above.
@@ -412,6 +413,12 @@ void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
  * Null takes it away. Ignored for other windows. */
 typedef void (*XwContextMenuHandler)(void);
 void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
+
+/* While 798 is handled: all its documents, where a drop or a request has several; the event itself
+ * has the first one of fewer than 400 bytes. Absolute paths, bytes (names are not always UTF-8);
+ * `*count` gets their number. They belong to the toolkit and stay as they are until the next event.
+ * Outside 798 the result is null and the number 0; `count` may be null. */
+const char* const* XwDroppedFiles(int* count);
 
 /* The program's icon, which the desktop shows beside its windows and their names: size x size
  * pixels, rows from the top, 0xAARRGGBB, colours not multiplied by alpha. One for each size (16,
@@ -661,9 +668,9 @@ XwValue XwGetMenuRadioItem(XwMenuItem* items, XwValue first, XwValue last);
  * such item. */
 char* XwGetMenuItemText(XwMenuItem* items, XwValue id, char* buffer);
 /* The key that chooses the item while it stands in the bar: the type of the key's event, letters
- * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It is
- * shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes the
- * key away. */
+ * without case, and exactly the modifiers that are held (XWS_ bits; caps lock does not count). It
+ * is shown at the item's right, in a pop-up too. 794 comes after the key's own event. Type 0 takes
+ * the key away. */
 void XwSetMenuItemKey(XwMenuItem* items, int32_t id, int type, uint32_t modifiers);
 
 /* ==== Toolbar ===================================================================================

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <vector>
 
+#include "app/look/outline.h"
 #include "app/look/style.h"
 
 namespace console {
@@ -16,9 +17,6 @@ void MoveOrLine(Parts* parts, bool first, float x, float y) {
   parts->push_back({uint8_t(first ? XWP_MOVE : XWP_LINE), x, y, 0, 0, 0, 0});
 }
 
-struct Point {
-  float x, y;
-};
 void Polygon(Parts* parts, std::initializer_list<Point> points) {
   for (const Point& p : points) MoveOrLine(parts, &p == points.begin(), p.x, p.y);
   parts->push_back({XWP_CLOSE, 0, 0, 0, 0, 0, 0});
@@ -60,28 +58,11 @@ void Refresh(Parts* parts) {
 Parts PartsOf(ToolIcon icon) {
   Parts parts;
   switch (icon) {
-    case ToolIcon::kUp:
-      Polygon(&parts, {{8, 4.2f}, {13, 9.2f}, {11.5f, 10.7f}, {8, 7.2f}, {4.5f, 10.7f}, {3, 9.2f}});
-      break;
     case ToolIcon::kRefresh:
       Refresh(&parts);
       break;
-    case ToolIcon::kPlus:
-      Polygon(&parts, {{7, 4},
-                       {9, 4},
-                       {9, 7},
-                       {12, 7},
-                       {12, 9},
-                       {9, 9},
-                       {9, 12},
-                       {7, 12},
-                       {7, 9},
-                       {4, 9},
-                       {4, 7},
-                       {7, 7}});
-      break;
-    case ToolIcon::kMinus:
-      Polygon(&parts, {{4, 7}, {12, 7}, {12, 9}, {4, 9}});
+    case ToolIcon::kOptions:
+      Polygon(&parts, {{4.2f, 6.2f}, {11.8f, 6.2f}, {8, 10.4f}});
       break;
     case ToolIcon::kCross:
       Polygon(&parts, {{5, 3.8f},

@@ -21,6 +21,7 @@ struct Words {
   int role = 0;  // 0: nothing is said
   uint32_t state = 0;
   std::string name, value;
+  std::string tip = "";
 };
 
 class Hits {
@@ -47,6 +48,7 @@ class Hits {
     hits_.push_back(hit);
     XwBoxList(id, a.x - 1, a.y - 1, a.w + 1, a.h + 1);
     if (w.role) XwDescribe(-1, w.role, w.state, w.name.c_str(), w.value.c_str());
+    if (!w.tip.empty()) XwSetTip(XW, int(hits_.size()), w.tip.c_str());
   }
   std::vector<Hit> hits_;
 };

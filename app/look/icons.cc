@@ -1,6 +1,7 @@
 // The icons of files.
 #include <strings.h>
 
+#include "app/look/outline.h"
 #include "app/look/style.h"
 
 namespace console {
@@ -21,17 +22,33 @@ constexpr KindRow kKinds[] = {
 };
 constexpr const char* kKindTexts[] = {"Folder", "Pages", "Picture", "Text", "File"};
 
-// A sheet of 11 x 14 with its corner turned down.
+// A sheet with its corner turned down.
 void DrawSheet(int x, int y, int32_t paper, int32_t edge) {
-  static const int16_t kOutline[] = {3, 1, 10, 1, 14, 5, 14, 15, 3, 15};
-  int16_t points[10];
-  for (int i = 0; i < 10; ++i) points[i] = int16_t(kOutline[i] + (i % 2 ? y : x) - 1);
-  XwSetColor(edge);
-  XwFillPolygon(points, 5);
-  XwBox(x + 3, y + 1, 7, 12, paper);
-  XwBox(x + 10, y + 5, 2, 8, paper);
-  XwBox(x + 9, y + 2, 1, 3, edge);
-  XwBox(x + 9, y + 4, 3, 1, edge);
+  Outline(x, y)
+      .Lines({{3.5f, 1.5f}, {9.5f, 1.5f}, {12.5f, 4.5f}, {12.5f, 14.5f}, {3.5f, 14.5f}})
+      .Fill(paper)
+      .Stroke(edge);
+  Outline(x, y).Lines({{9.5f, 2}, {9.5f, 4.5f}, {12, 4.5f}}, false).Stroke(edge);
+}
+
+void DrawFolder(int x, int y, int32_t face, int32_t edge) {
+  Outline(x, y)
+      .Lines(
+          {{1.5f, 3.5f}, {5.8f, 3.5f}, {7.5f, 5.5f}, {14.5f, 5.5f}, {14.5f, 13.5f}, {1.5f, 13.5f}})
+      .Fill(face)
+      .Stroke(edge);
+}
+
+struct Landscape {
+  int32_t paper, edge, near, far, sun;
+};
+void DrawLandscape(int x, int y, const Landscape& l) {
+  Outline frame(x, y);
+  frame.Lines({{1.5f, 2.5f}, {14.5f, 2.5f}, {14.5f, 13.5f}, {1.5f, 13.5f}}).Fill(l.paper);
+  Outline(x, y).Circle({11, 5.8f}, 1.4f).Fill(l.sun);
+  Outline(x, y).Lines({{7, 13}, {10.8f, 8.2f}, {14, 12}, {14, 13}}).Fill(l.far);
+  Outline(x, y).Lines({{2, 13}, {2, 12}, {6, 6.6f}, {11, 13}}).Fill(l.near);
+  frame.Stroke(l.edge);
 }
 
 }  // namespace
@@ -55,26 +72,21 @@ void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) 
   switch (kind) {
     case FileKind::kFolder: {
       const bool selected = background == l.accent;
-      const int32_t border = selected ? l.on_accent : shade(Mix(l.accent, l.second, 62));
-      const int32_t face = Mix(l.accent, selected ? l.on_accent : l.document, 42);
-      XwRoundBox(x + 1, y + 2, 7, 6, 1, border, -1);
-      XwRoundBox(x + 1, y + 4, 14, 10, 1, shade(face), border);
+      DrawFolder(x, y, shade(Mix(l.accent, selected ? l.on_accent : l.document, 42)),
+                 selected ? l.on_accent : shade(Mix(l.accent, l.second, 62)));
       break;
     }
     case FileKind::kPicture:
-      XwRoundBox(x + 1, y + 3, 14, 11, 1, paper, edge);
-      for (int i = 0; i < 4; ++i) XwBox(x + 6 - i, y + 8 + i, 1 + 2 * i, 1, shade(l.good));
-      for (int i = 0; i < 3; ++i)
-        XwBox(x + 11 - i, y + 9 + i, 1 + 2 * i, 1, shade(Mix(l.good, l.ink, 75)));
-      XwBox(x + 11, y + 5, 2, 2, shade(l.warning));
+      DrawLandscape(x, y,
+                    {paper, edge, shade(l.good), shade(Mix(l.good, l.ink, 75)), shade(l.warning)});
       break;
     case FileKind::kPages:
       DrawSheet(x, y, paper, edge);
-      XwBox(x + 2, y + 9, 11, 3, shade(l.bad));
+      XwBox(x + 4, y + 9, 8, 3, shade(l.bad));
       break;
     case FileKind::kText:
       DrawSheet(x, y, paper, edge);
-      for (int i = 0; i < 3; ++i) XwBox(x + 4, y + 7 + 2 * i, 7, 1, edge);
+      for (int i = 0; i < 3; ++i) XwBox(x + 5, y + 7 + 2 * i, 6, 1, edge);
       break;
     case FileKind::kOther:
       DrawSheet(x, y, paper, edge);

@@ -1,23 +1,17 @@
 #include "app/look/side_marks.h"
 
-#include <iterator>
-
-#include "toolkit/xw.h"
+#include "app/look/outline.h"
 
 namespace console {
 
 void DrawDisclosure(int x, int y, bool open, int32_t colour) {
-  // The corners of the closed one; the other one is that turned by a quarter.
-  constexpr float kCorners[3][2] = {{4, 2.5f}, {9, 6}, {4, 9.5f}};
-  XwPathPart parts[4] = {};
-  for (int i = 0; i < 3; ++i) {
-    const float across = kCorners[i][0], down = kCorners[i][1];
-    parts[i].verb = i == 0 ? XWP_MOVE : XWP_LINE;
-    parts[i].x = float(x) + (open ? 12 - down : across);
-    parts[i].y = float(y) + (open ? across : down);
-  }
-  parts[3].verb = XWP_CLOSE;
-  XwFillPath(parts, int(std::size(parts)), colour);
+  Outline mark(x, y);
+  // The open one is the closed one turned by a quarter.
+  if (open)
+    mark.Lines({{9.5f, 4}, {6, 9}, {2.5f, 4}});
+  else
+    mark.Lines({{4, 2.5f}, {9, 6}, {4, 9.5f}});
+  mark.Fill(colour);
 }
 
 void DrawVolumeIcon(int x, int y, int32_t edge, int32_t face) {

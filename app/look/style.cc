@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
+
+#include "app/format/cut.h"
+#include "app/look/outline.h"
 
 namespace console {
 namespace {
@@ -55,6 +57,12 @@ void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32
                  ink, -1);
 }
 
+std::string CutToWidth(XwFont* font, const std::string& text, int width) {
+  return CutMiddleTo(text, [font, width](const std::string& cut) {
+    return XwTextWidthUtf8(font, cut.c_str()) <= width;
+  });
+}
+
 void DrawCaption(const Area& a, const char* text) {
   DrawLabel(TheStyle().caption, Align::kLeft, {a.x, a.y + 9, a.w, 16}, text, TheStyle().second);
 }
@@ -82,6 +90,16 @@ void DrawShadow(const Area& a, int radius) {
                Mix(l.line, l.document, 40 - 10 * i), -1);
 }
 
+Area DrawStrip(Area a, int32_t dot) {
+  // None of the desktop's roles.
+  constexpr int32_t kGround = 0xE0F1FB, kEdge = 0xAED3E7;
+  Fill(a, kGround);
+  Fill({a.x, a.y, a.w, 1}, kEdge);
+  DrawDot(a.x + 12, a.y + (a.h - 9) / 2 + 1, dot);
+  a.TakeLeft(29);
+  return a;
+}
+
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
   const Style& l = TheStyle();
   int32_t bar = muted ? Mix(l.accent, l.track, 40) : l.accent;
@@ -96,19 +114,8 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted) {
 }
 
 void DrawDot(int x, int y, int32_t colour) {
-  // A quarter of a circle as a curve has its control points at this part of the radius.
-  constexpr float kRadius = 4.5f, kReach = kRadius * 0.5523f;
-  const float cx = float(x) + kRadius, cy = float(y) + kRadius;
-  const float a = cx - kRadius, b = cy - kRadius, c = cx + kRadius, d = cy + kRadius;
-  const XwPathPart parts[] = {
-      {XWP_MOVE, c, cy, 0, 0, 0, 0},
-      {XWP_CUBIC, cx, d, c, cy + kReach, cx + kReach, d},
-      {XWP_CUBIC, a, cy, cx - kReach, d, a, cy + kReach},
-      {XWP_CUBIC, cx, b, a, cy - kReach, cx - kReach, b},
-      {XWP_CUBIC, c, cy, cx + kReach, b, c, cy - kReach},
-      {XWP_CLOSE, 0, 0, 0, 0, 0, 0},
-  };
-  XwFillPath(parts, int(std::size(parts)), colour);
+  constexpr float kRadius = 4.5f;
+  Outline(x, y).Circle({kRadius, kRadius}, kRadius).Fill(colour);
 }
 
 }  // namespace console

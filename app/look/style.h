@@ -22,6 +22,10 @@ struct Style {
 // Made on the first call, which needs the session.
 const Style& TheStyle();
 
+// The colour value of 0xRRGGBB, as jobs have it.
+inline int32_t FromRgb(int32_t rgb) {
+  return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | (rgb >> 16 & 0xFF);
+}
 // `percent` of `a` over `b`.
 int32_t Mix(int32_t a, int32_t b, int percent);
 // The ink of what is disabled, on that background.
@@ -36,6 +40,8 @@ inline void DrawLabel(XwFont* font, Align align, const Area& a, const std::strin
                       int32_t ink) {
   DrawLabel(font, align, a, text.c_str(), ink);
 }
+// The text, cut in the middle where it is wider than that many pixels: a name keeps its ending.
+std::string CutToWidth(XwFont* font, const std::string& text, int width);
 // Of a part of a pane.
 void DrawCaption(const Area& a, const char* text);
 void Fill(const Area& a, int32_t colour);
@@ -47,11 +53,13 @@ void LineAtLeft(const Area& a);
 
 // A bar that is `part` of `whole` full; on a selection it keeps its own background.
 void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
+// The warm ground of a strip over the status line, with a dot. The rest of it, for its words.
+Area DrawStrip(Area a, int32_t dot);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
 
-enum class ToolIcon : uint8_t { kUp, kRefresh, kPlus, kMinus, kCross };
+enum class ToolIcon : uint8_t { kRefresh, kOptions, kCross };
 // 16 x 16, for buttons; kept for the life of the process.
 XwIcon* ButtonIcon(ToolIcon icon);
 

@@ -9,8 +9,17 @@ constexpr int kMostPriority = 100, kMostCopies = 999;
 struct PrintChoice {
   std::string printer;  // its name, "" as long as none is chosen: the server's default
   std::string profile;  // "": the server's choice
+  std::string media;    // "": the printer's usual
   int copies = 1, priority = 50;
   bool hold = false;
+  int colour = -1;  // of the job in lists, 0xRRGGBB; -1: none
+
+  // What counts for one print only is as usual again.
+  void AfterPrint() {
+    copies = 1;
+    priority = 50;
+    hold = false;
+  }
 };
 
 }  // namespace console

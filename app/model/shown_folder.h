@@ -19,6 +19,8 @@ class ShownFolder {
   // "": everything is shown.
   void Filter(const std::string& text) { rows_.Filter(text); }
 
+  void ShowHidden(bool show) { rows_.ShowHidden(show); }
+
   const std::string& path() const { return path_; }
   const FolderStamp& stamp() const { return stamp_; }
   // Whether a listing of it has been shown.

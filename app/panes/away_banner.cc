@@ -12,9 +12,6 @@ namespace console {
 namespace {
 
 constexpr int kRetryWidth = 96, kStartWidth = 118, kButtonHeight = 24, kGap = 8, kEdge = 8;
-constexpr int kDot = 12, kText = 29;  // from the left
-// A warm ground, which is none of the desktop's roles.
-constexpr int32_t kGround = 0xE0F1FB, kLine = 0xAED3E7;
 
 Area ButtonArea(const Area& banner, int right, int width) {
   return {right - width, banner.y + (AwayBanner::kHeight - kButtonHeight) / 2, width,
@@ -32,7 +29,7 @@ void AwayBanner::MakeControls(XwWindow* window) {
 bool AwayBanner::Follow() {
   const bool was = shown;
   if (IsAway(state.link)) shown = true;
-  if (state.link == Link::kReady || state.away_times == 0) shown = false;
+  if (state.link == Link::kReady || state.trouble.empty()) shown = false;
   return shown != was;
 }
 
@@ -53,11 +50,7 @@ void AwayBanner::Draw() const {
   const Area a = layout.banner;
   if (a.Empty()) return;
   const Style& l = TheStyle();
-  Fill(a, kGround);
-  Fill({a.x, a.y, a.w, 1}, kLine);
-  DrawDot(a.x + kDot, a.y + (a.h - 9) / 2 + 1, state.link == Link::kRefused ? l.bad : l.warning);
-  Area room = a;
-  room.TakeLeft(kText);
+  Area room = DrawStrip(a, state.link == Link::kRefused ? l.bad : l.warning);
   const bool offers = start_server && start_server->flags & XW_SHOWN;
   room.TakeRight(kEdge + kRetryWidth + (offers ? kGap + kStartWidth : 0) + kGap);
   const std::string text = Text();

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kCaption = 32, kPadding = 16, kPrinter = kCaption + 4 * 20 + 10;
 // Of a picture: below it is a line that says why there is none, and six facts.
-constexpr int kLeastPicture = 100, kMostPicture = 220, kTroubleLine = 22, kFacts = 6 * 20;
+constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kFacts = 6 * 20;
 
 std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
   return FactLines(Shown(e.name), a.w);
@@ -98,7 +98,9 @@ Area DetailsPane::PictureArea() const {
   const Area a = DocumentArea(layout);
   const FolderEntry e = folder.At(selected);
   const int name = int(NameLines(e, a).size() - 1) * kNextFactLine;
-  const int height = std::min(kMostPicture, a.h - kTroubleLine - kFacts - name);
+  // In a large pane a larger one: half of its height at most.
+  const int most = std::max(kUsualPicture, std::min(a.w * 5 / 4, a.h / 2));
+  const int height = std::min(most, a.h - kTroubleLine - kFacts - name);
   if (e.folder || height < kLeastPicture) return {};
   return {a.x, a.y, a.w, height};
 }

@@ -15,6 +15,7 @@ namespace {
 enum Cells { kName, kSize, kModified };
 
 constexpr int kCrumbGapWidth = 18;
+constexpr int kNamePadding = 12, kIconRoom = 21;
 
 struct ShownCrumb {
   Crumb crumb;  // without a path: some are left out here
@@ -28,7 +29,8 @@ std::string HeadText(const FilesPane* p) {
   const FolderRows& rows = p->folder.rows();
   const ChosenFiles& chosen = p->Chosen();
   if (const int n = chosen.files + chosen.folders; n > 1)
-    return NumberText(n) + " of " + rows.CountText() + " selected, " + SizeText(chosen.bytes);
+    return NumberText(n) + " of " + NumberText(rows.count()) + " selected, " +
+           SizeText(chosen.bytes);
   return rows.CountText() + ", " + SizeText(rows.bytes());
 }
 
@@ -74,6 +76,12 @@ std::vector<ShownCrumb> LayOutCrumbs(const FilesPane* p) {
   return shown;
 }
 
+// What is cut is whole in its tip.
+std::string CutTip(const ShownCrumb& crumb) {
+  const std::string& text = crumb.crumb.text;
+  return XwTextWidthUtf8(TheStyle().bold, text.c_str()) > crumb.area.w ? text : "";
+}
+
 void DrawHead(const FilesPane* p, const Hit& hover) {
   const Style& l = TheStyle();
   const Area head = p->layout.folder_head;
@@ -83,7 +91,8 @@ void DrawHead(const FilesPane* p, const Hit& hover) {
   for (size_t i = 0; i < crumbs.size(); ++i) {
     const ShownCrumb& crumb = crumbs[i];
     const bool last = i + 1 == crumbs.size(), lit = hover == Hit{kCrumbs, 1, int(i)};
-    DrawLabel(last ? l.bold : l.normal, Align::kLeft, crumb.area, crumb.crumb.text,
+    XwFont* font = last ? l.bold : l.normal;
+    DrawLabel(font, Align::kLeft, crumb.area, CutToWidth(font, crumb.crumb.text, crumb.area.w),
               last  ? l.ink
               : lit ? l.accent
                     : l.second);
@@ -106,8 +115,8 @@ void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {
     case kName: {
       const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
       DrawFileIcon(kind, a.x, a.y + 3, cell.background, 100);
-      a.TakeLeft(21);
-      DrawLabel(l.view, cell.align, a, Shown(e.name), cell.ink);
+      a.TakeLeft(kIconRoom);
+      DrawLabel(l.view, cell.align, a, CutToWidth(l.view, Shown(e.name), a.w), cell.ink);
       break;
     }
     case kSize:
@@ -122,7 +131,7 @@ void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {
 }
 
 std::vector<Column> Columns() {
-  return {{"Name", 220, 1, Align::kLeft, true, 0, 12},
+  return {{"Name", 220, 1, Align::kLeft, true, 0, kNamePadding, kIconRoom},
           {"Size", 110, 0, Align::kRight, true, 0, 6},
           {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
 }
@@ -168,10 +177,13 @@ void FilesPane::AddHits(Hits* hits) const {
   for (size_t i = 0; i < crumbs.size(); ++i)
     if (!crumbs[i].crumb.path.empty())
       hits->Add({kCrumbs, 1, int(i)}, crumbs[i].area.Inset(-3, 3),
-                {XWA_BUTTON, 0, crumbs[i].crumb.text, ""});
-  table.AddHits(hits, [this](int row) -> Words {
+                {XWA_BUTTON, 0, crumbs[i].crumb.text, "", CutTip(crumbs[i])});
+  const int room = table.ColumnArea(kName).w - 2 * kNamePadding - kIconRoom;
+  table.AddHits(hits, [this, room](int row) -> Words {
     const FolderEntry e = folder.At(row);
-    return {XWA_ROW, 0, Shown(e.name), e.folder ? "folder" : SizeText(e.size)};
+    const std::string name = Shown(e.name);
+    const bool whole = XwTextWidthUtf8(TheStyle().view, name.c_str()) <= room;
+    return {XWA_ROW, 0, name, e.folder ? "folder" : SizeText(e.size), whole ? "" : name};
   });
 }
 

@@ -6,8 +6,7 @@ namespace console {
 namespace {
 
 constexpr int kTools = 40, kStatus = 26, kHead = 30;
-constexpr int kButton = 26, kStop = 18, kFilter = 170;
-constexpr int kProfile = 192;  // with its label and a gap
+constexpr int kStop = 18, kFilter = 170;
 // The width from which a side shows by itself, and what it takes of it.
 struct Side {
   int from, percent, usual, most, least;
@@ -18,42 +17,6 @@ constexpr int kFilesLeast = 330;
 constexpr int kPrintersLeast = 32 + 2 * 38, kPlacesLeast = 32 + 2 * 20 + 26;
 // Headers and rows: the usual queue takes a third of the height.
 constexpr int kQueueLeast = 22 + 4 * 22, kFolderLeast = 22 + 3 * 22;
-constexpr int kNeeds = 33, kNeedsButton = 116;
-
-// A control of that width in the middle of the bar's height, and a gap after it.
-Area Next(Area* bar, int width, int gap, int height = kButton) {
-  Area piece = bar->TakeLeft(width);
-  bar->TakeLeft(gap);
-  return {piece.x, piece.y + (piece.h - height) / 2, piece.w, height};
-}
-
-void LayOutTools(Layout* l) {
-  Area bar = l->tools.Inset(7, 0);
-  bar.h -= 1;  // the hairline below
-  // What is spare goes to the profile first, then to the printer's name and to the slider.
-  int spare = std::max(0, l->tools.w - kLeastWidth);
-  const bool profile = spare >= kProfile;
-  if (profile) spare -= kProfile;
-  const int name = std::min(60, spare), slide = std::clamp(spare - name, 0, 50);
-  const int gap = 14 + std::clamp(spare - name - slide, 0, 24) / 4;
-  l->print = Next(&bar, 72, 10);
-  l->up = Next(&bar, 27, 0);
-  l->refresh = Next(&bar, 27, gap);
-  l->printer_label = Next(&bar, 46, 6);
-  l->printer = Next(&bar, 124 + name, gap);
-  if (profile) {
-    l->profile_label = Next(&bar, 42, 6);
-    l->profile = Next(&bar, kProfile - 48 - 14, gap);
-  }
-  l->copies_label = Next(&bar, 46, 6);
-  l->less = Next(&bar, 24, 0);
-  l->copies = Next(&bar, 36, 0);
-  l->more = Next(&bar, 24, gap);
-  l->priority_label = Next(&bar, 49, 6);
-  l->slider = Next(&bar, 64 + slide, 6);
-  l->priority = Next(&bar, 24, gap);
-  l->hold = Next(&bar, 56, 0);
-}
 
 int WidthOf(const Side& side, int asked, int window) {
   const int usual = std::clamp(window * side.percent / 100, side.usual, side.most);
@@ -106,10 +69,6 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   l.status = all.TakeBottom(kStatus);
   l.stop_sending = {l.status.right() - 8 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
                     kStop};
-  if (sizes.needs) {
-    l.needs = all.TakeTop(kNeeds);
-    l.needs_button = {l.needs.right() - kNeedsButton - 14, l.needs.y + 5, kNeedsButton, 22};
-  }
   const int usual = (all.h - 2 * kHead) * 32 / 100;
   const int most = std::max(kQueueLeast, all.h - 2 * kHead - kFolderLeast);
   const int queue =

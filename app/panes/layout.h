@@ -8,19 +8,19 @@ namespace console {
 
 struct Layout {
   Area tools;
-  // On the tool bar: the button that prints, moving about, and how to print.
-  Area print, up, refresh;
+  // On the tool bar; what has no room is empty, and stands in the menu of the options.
+  Area print, refresh;
   Area printer_label, printer;
-  Area profile_label, profile;  // empty where there is no room
-  Area copies_label, less, copies, more;
+  Area profile_label, profile;
+  Area media_label, media;
+  Area copies_label, copies;
   Area priority_label, slider, priority;
-  Area hold;
-  // Below the tools: what somebody has to do something about; empty when there is nothing.
-  Area needs, needs_button;
+  Area hold, colour, options;
   // At the sides: empty where they are not wanted, or the window is too narrow for them.
   Area places, printers, folder_head, filter_label, filter, folder, details;
   Area queue_head, queue;
   Area banner;  // empty while the server is there
+  Area needs;   // in the same place; empty while nobody is needed
   Area status, stop_sending;
 };
 
@@ -33,7 +33,6 @@ struct PaneSizes {
   // has its side alone.
   enum Opened : uint8_t { kNone, kPlaces, kPrinters, kDetails };
 
-  bool needs = false;
   bool places = true, printers = true, details = true;  // whether they are wanted
   Opened opened = kNone;
   int left_width = 0, details_width = 0;
@@ -43,5 +42,7 @@ struct PaneSizes {
 Layout LayOut(int width, int height, const PaneSizes& sizes = {});
 // Whether a pane shows by itself in a window of that width.
 bool ShowsByItself(PaneSizes::Opened pane, int width);
+// Its tool bar (tools_layout.cc).
+void LayOutTools(Layout* l);
 
 }  // namespace console

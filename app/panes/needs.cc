@@ -6,6 +6,11 @@
 #include "app/panes/ids.h"
 
 namespace console {
+namespace {
+
+constexpr int kButton = 122, kEdge = 8;
+
+}  // namespace
 
 void NeedsPane::MakeControls(XwWindow* window) {
   load =
@@ -37,21 +42,19 @@ std::string NeedsPane::Text() const {
 }
 
 void NeedsPane::Place() {
-  const bool gone = ChosenIsGone();
-  PlaceControl(load, gone ? Area{} : layout.needs_button);
-  PlaceControl(choose, gone ? layout.needs_button : Area{});
+  Area a = layout.needs;
+  a.TakeRight(kEdge);
+  const Area button = a.TakeRight(kButton).Inset(0, 5);
+  for (XwWindow* each : {load, choose})
+    PlaceControl(each, each == Button() && !layout.needs.Empty() ? button : Area{});
 }
 
 void NeedsPane::Draw() const {
   Area a = layout.needs;
   if (a.Empty()) return;
   const Style& l = TheStyle();
-  // A light shade of the colour of warnings.
-  Fill(a, Mix(l.warning, l.document, 13));
-  Fill({a.x, a.bottom() - 1, a.w, 1}, Mix(l.warning, l.document, 40));
-  DrawDot(a.x + 14, a.y + (a.h - 10) / 2, ChosenIsGone() ? l.warning : l.bad);
-  a.w = layout.needs_button.x - 12 - a.x;
-  a.TakeLeft(32);
+  a = DrawStrip(a, ChosenIsGone() ? l.warning : l.bad);
+  a.TakeRight(kEdge + kButton + kEdge);
   DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
 }
 

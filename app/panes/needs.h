@@ -1,4 +1,5 @@
-// A strip below the tools: a printer without paper, or a chosen printer that has gone.
+// The strip over the status line while somebody is needed: for a printer without paper, or to
+// choose another printer than one that has gone. That of a server that is away comes before it.
 #pragma once
 #include <string>
 
@@ -19,11 +20,15 @@ struct NeedsPane {
 
   // What it says: one sentence, "" when there is nothing to be done.
   std::string Text() const;
+  // The one that is offered.
+  XwWindow* Button() const { return ChosenIsGone() ? choose : load; }
   // The one that wants paper; null when none does, or another thing comes first.
   const PrinterRow* WithoutPaper() const;
 
+  static constexpr int kHeight = 34;
   const Layout& layout;
   const Printers& printers;
+  bool shown = false;
   XwWindow *load = nullptr, *choose = nullptr;  // of commands
 
  private:

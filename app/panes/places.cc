@@ -172,7 +172,8 @@ void PlacesPane::Draw(const Hit& hover, bool active, bool focused) const {
   DrawCaption(a.Inset(12, 0), "PLACES");
   Area foot = a.TakeBottom(kFooter);
   list.DrawRows([&](int row, const Area& area) { DrawRow(row, area, hover, active, focused); });
-  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0), free_text, l.second);
+  DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0),
+            wait_text.empty() ? free_text : wait_text, wait_text.empty() ? l.second : l.warning);
 }
 
 void PlacesPane::AddHits(Hits* hits, bool focused) const {
@@ -182,15 +183,19 @@ void PlacesPane::AddHits(Hits* hits, bool focused) const {
         const Row& r = rows[size_t(row)];
         const uint32_t state = (row == marked_ && r.path == folder_ ? uint32_t{XWT_SELECTED} : 0) |
                                (r.open ? uint32_t{XWT_EXPANDED} : 0);
-        return {XWA_ROW, state, r.name, r.unreadable ? "cannot be read" : Shown(r.path)};
+        const std::string path = Shown(r.path);
+        const int room = list.Body().w - 14 - r.depth * kStep - kMark - kIcon;
+        const bool cut = XwTextWidthUtf8(TheStyle().view, r.name.c_str()) > room;
+        return {XWA_ROW, state, r.name, r.unreadable ? "cannot be read" : path, cut ? path : ""};
       },
       [this, hits](int row) {
         if (rows[size_t(row)].opens)
           hits->Add({kPlaces, SideList::kMark, row}, list.Visible(MarkArea(row)));
       });
-  if (!layout.places.Empty() && !free_text.empty()) {
+  const std::string& said = wait_text.empty() ? free_text : wait_text;
+  if (!layout.places.Empty() && !said.empty()) {
     Area foot = layout.places;
-    hits->Cover(foot.TakeBottom(kFooter), {XWA_LABEL, 0, "Room", free_text});
+    hits->Cover(foot.TakeBottom(kFooter), {XWA_LABEL, 0, "Room", said});
   }
 }
 

@@ -49,6 +49,7 @@ struct PlacesPane {
   std::vector<Row> rows;
   SideList list{kPlaces, kRowHeight};
   std::string free_text;
+  std::string wait_text;  // stands in its place: the tree does not come
 
  private:
   static constexpr int kRowHeight = 20;

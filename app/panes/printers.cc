@@ -29,8 +29,10 @@ int32_t ToneColor(Tone tone) {
   }
 }
 
-int32_t SupplyColor(const Supply& supply) {
-  return supply.percent < kLittle ? TheStyle().warning : TheStyle().second;
+int32_t SupplyColor(const Supply& supply, bool away) {
+  const Style& l = TheStyle();
+  const int32_t ink = supply.percent < kLittle ? l.warning : l.second;
+  return away ? Dimmed(ink, l.side) : ink;
 }
 
 // What stands behind the state.
@@ -50,13 +52,13 @@ std::string SuppliesText(const PrinterRow& row) {
 }
 
 // A small column for each supply, as full as it is.
-void DrawLevels(const Area& a, const PrinterRow& row, int32_t background, bool strong) {
+void DrawLevels(const Area& a, const PrinterRow& row, int32_t background, bool strong, bool away) {
   const Style& l = TheStyle();
   const int y = a.y + (a.h - kLevelHeight) / 2;
   int x = a.x;
   for (const Supply& s : row.supplies) {
     if (x + kLevel > a.right()) break;
-    const int32_t ink = strong ? l.on_accent : SupplyColor(s);
+    const int32_t ink = strong ? l.on_accent : SupplyColor(s, away);
     XwBox(x, y, kLevel, kLevelHeight, Mix(ink, background, 25));
     const int full = s.percent < 0 ? 0 : (s.percent * kLevelHeight + 50) / 100;
     Fill({x, y + kLevelHeight - full, kLevel, full}, ink);
@@ -115,13 +117,12 @@ void PrintersPane::KeyMoved() {
 // The button of one without paper.
 Area PrintersPane::MarkArea(int row) const {
   const PrinterRow& r = printers.rows()[size_t(row)];
-  if (!r.needs_paper || !printers.WhyNot(PrinterVerb::kPaperLoaded, r).empty()) return {};
+  if (!r.needs_paper || away || !printers.WhyNot(PrinterVerb::kPaperLoaded, r).empty()) return {};
   const Area a = list.RowArea(row);
   return {a.right() - kButton - 8, a.y + 17, kButton, 18};
 }
 
-void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong,
-                           bool muted) const {
+void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong) const {
   const Style& l = TheStyle();
   const PrinterRow& r = printers.rows()[size_t(row)];
   const bool chosen = printers.chosen() == r.printer->name;
@@ -132,7 +133,7 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
                                       : l.side;
   if (background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, background, -1);
   auto shade = [&](int32_t colour) {
-    return strong ? l.on_accent : muted ? Dimmed(colour, background) : colour;
+    return strong ? l.on_accent : away ? Dimmed(colour, background) : colour;
   };
   DrawDot(a.x + 14, a.y + 8, shade(ToneColor(r.dot)));
   Area text{a.x + 30, a.y + 2, a.w - 42, 17};
@@ -140,7 +141,7 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
   const Area level = text.TakeRight(levels);
   if (levels > 0) {
     text.TakeRight(6);
-    DrawLevels(level, r, background, strong);
+    DrawLevels(level, r, background, strong, away);
   }
   DrawLabel(chosen ? l.view_bold : l.view, Align::kLeft, text, r.name, shade(l.ink));
   Area below{a.x + 30, a.y + 18, a.w - 42, 16};
@@ -160,14 +161,14 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
   DrawLabel(l.small_text, Align::kCenter, button, kPaperLoaded, l.ink);
 }
 
-void PrintersPane::DrawSupplies(Area a, bool muted) const {
+void PrintersPane::DrawSupplies(Area a) const {
   const Style& l = TheStyle();
   const PrinterRow* row = At();
   if (!row) return;
   for (const Supply& s : row->supplies) {
     Area line = a.TakeTop(kSupplyLine);
     if (line.h < kSupplyLine) return;
-    const int32_t ink = muted ? Dimmed(SupplyColor(s), l.side) : SupplyColor(s);
+    const int32_t ink = SupplyColor(s, away);
     DrawLabel(l.small_text, Align::kLeft, line.TakeLeft(std::min(76, line.w / 2)), s.name,
               l.second);
     line.TakeLeft(6);
@@ -178,7 +179,7 @@ void PrintersPane::DrawSupplies(Area a, bool muted) const {
   }
 }
 
-void PrintersPane::Draw(const Hit& hover, bool active, bool focused, bool muted) const {
+void PrintersPane::Draw(const Hit& hover, bool active, bool focused) const {
   Area a = layout.printers;
   if (a.Empty()) return;
   const Style& l = TheStyle();
@@ -191,10 +192,10 @@ void PrintersPane::Draw(const Hit& hover, bool active, bool focused, bool muted)
     DrawLabel(l.view, Align::kLeft, {a.x + 12, a.y + kCaption, a.w - 20, 20},
               printers.known() ? "The server has none" : "None is known yet", l.second);
   list.DrawRows([&](int row, const Area& area) {
-    DrawRow(row, area, hover, active && focused && row == list.at(), muted);
+    DrawRow(row, area, hover, active && focused && row == list.at());
   });
   if (const int lines = SupplyLines(); lines > 0)
-    DrawSupplies(a.TakeBottom(lines * kSupplyLine + kSupplyEnd).Inset(12, 0), muted);
+    DrawSupplies(a.TakeBottom(lines * kSupplyLine + kSupplyEnd).Inset(12, 0));
 }
 
 void PrintersPane::AddHits(Hits* hits, bool focused) const {
@@ -203,8 +204,8 @@ void PrintersPane::AddHits(Hits* hits, bool focused) const {
       [this](int row) -> Words {
         const PrinterRow& r = printers.rows()[size_t(row)];
         const bool chosen = printers.chosen() == r.printer->name;
-        return {XWA_ROW, chosen ? uint32_t{XWT_SELECTED} : 0, r.name,
-                r.state + MoreOf(r, mine == r.printer->name) + SuppliesText(r)};
+        const std::string how = r.state + MoreOf(r, mine == r.printer->name) + SuppliesText(r);
+        return {XWA_ROW, chosen ? uint32_t{XWT_SELECTED} : 0, r.name, how, r.name + ": " + how};
       },
       [this, hits](int row) {
         if (const Area button = MarkArea(row); !button.Empty())

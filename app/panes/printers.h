@@ -15,8 +15,7 @@ struct PrintersPane {
       : layout(layout_of_all), printers(all) {}
   void MakeControls(XwWindow* window);
   void Place();
-  // `muted`: the server is away, and this is how they were.
-  void Draw(const Hit& hover, bool active, bool focused, bool muted) const;
+  void Draw(const Hit& hover, bool active, bool focused) const;
   void AddHits(Hits* hits, bool focused) const;
 
   // The printers have changed. The keyboard stays at its printer; at first, and when that is gone,
@@ -33,16 +32,17 @@ struct PrintersPane {
 
   const Layout& layout;
   const Printers& printers;
-  std::string at;    // name
-  std::string mine;  // the user's own default
+  std::string at;     // name
+  std::string mine;   // the user's own default
+  bool away = false;  // the server is, and this is how they were
   static constexpr int kRowHeight = 38;
   SideList list{kPrinters, kRowHeight};
 
  private:
   Area MarkArea(int row) const;
   int SupplyLines() const;
-  void DrawRow(int row, const Area& a, const Hit& hover, bool strong, bool muted) const;
-  void DrawSupplies(Area a, bool muted) const;
+  void DrawRow(int row, const Area& a, const Hit& hover, bool strong) const;
+  void DrawSupplies(Area a) const;
 };
 
 }  // namespace console

@@ -18,7 +18,7 @@ const Transfer* Running(const StatusPane* p) {
   return nullptr;
 }
 
-constexpr int kBar = 90;
+constexpr int kBar = 90, kCancelWidth = 64;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -105,6 +105,8 @@ void StatusPane::MakeControls(XwWindow* window) {
   XwDescribeControl(stop_sending, "Stop Sending");
   dismiss = XwButton(window, ButtonIcon(ToolIcon::kCross), kDismissCommand, 0, 0, 9, 9, kShape, 0);
   XwDescribeControl(dismiss, "Dismiss Message");
+  cancel_queued = XwButton(window, "Cancel", kCancelQueuedCommand, 0, 0, 9, 9, XWC_ENABLED, 0);
+  XwDescribeControl(cancel_queued, "Cancel Queued Documents");
 }
 
 Area StatusPane::Middle() const {
@@ -120,7 +122,15 @@ Area StatusPane::DismissArea() const {
   return {button.x, layout.stop_sending.y, button.w, layout.stop_sending.h};
 }
 
+Area StatusPane::CancelArea() const {
+  Area middle = Middle();
+  if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
+  const Area button = middle.TakeRight(kCancelWidth);
+  return {button.x, layout.status.y + 3, button.w, 20};
+}
+
 void StatusPane::Update() {
+  PlaceControl(cancel_queued, offers_cancel ? CancelArea() : Area{});
   PlaceControl(stop_sending, SendingRuns() ? layout.stop_sending : Area{});
   PlaceControl(dismiss, HasError() ? DismissArea() : Area{});
 }
@@ -149,6 +159,7 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   if (t) DrawSending(this, *t);
   Area middle = Middle();
   const Message told = message();
+  if (offers_cancel) middle.TakeRight(kCancelWidth + 6);
   if (told.text.empty()) return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
   if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
   DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(told.text),

@@ -20,7 +20,8 @@ struct StatusPane {
   StatusPane(const Layout& layout_of_all, const ServerState& state_now, const std::string& server)
       : layout(layout_of_all), state(state_now), host(server) {}
   void MakeControls(XwWindow* window);
-  // One button shows while something is being sent, the other beside an error that is not read.
+  // One button shows while something is being sent, one beside an error that is not read, one
+  // while what was queued last can be cancelled.
   void Update();
   // `selection`: what is selected, in words; it shows where nothing is being told.
   void Draw(const Hit& hover, const std::string& selection) const;
@@ -43,12 +44,14 @@ struct StatusPane {
   const Layout& layout;
   const ServerState& state;
   const std::string& host;
-  XwWindow *stop_sending = nullptr, *dismiss = nullptr;  // of commands
+  bool offers_cancel = false;  // of what was queued last
+  XwWindow *stop_sending = nullptr, *dismiss = nullptr, *cancel_queued = nullptr;  // of commands
 
  private:
   // What lies between the server and what is being sent.
   Area Middle() const;
   Area DismissArea() const;
+  Area CancelArea() const;
 
   Notices notices_;
   int64_t now_ms_ = 0;  // counted by Tick

@@ -30,6 +30,11 @@ std::vector<std::string> NamesOf(const std::vector<NC_Profile>& profiles) {
   return names;
 }
 
+// What the well shows.
+int32_t ColorOf(int rgb) {
+  return rgb < 0 ? TheStyle().face : FromRgb(rgb);
+}
+
 }  // namespace
 
 const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& state) {
@@ -41,40 +46,52 @@ const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& st
   return choice.printer.empty() ? standard : nullptr;
 }
 
+std::vector<std::string> MediaOf(const NC_Printer* printer) {
+  std::vector<std::string> media;
+  std::string_view rest = printer ? printer->media : "";
+  while (!rest.empty()) {
+    const size_t end = std::min(rest.find(','), rest.size());
+    if (end > 0) media.emplace_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return media;
+}
+
 void ToolsPane::MakeControls(XwWindow* w) {
   print = XwButton(w, "Print", kPrintCommand, 0, 0, 9, 9, kShown | XWC_VARIANT, 0);
-  up = MakeIconButton(w, ToolIcon::kUp, kUpCommand, "Enclosing Folder");
   refresh = MakeIconButton(w, ToolIcon::kRefresh, kRefreshCommand, "Refresh");
   printer_.Make(w, kPrinterControl, "Printer", nullptr);
   profile_.Make(w, kProfileControl, "Profile", "Default");
-  less_ = MakeIconButton(w, ToolIcon::kMinus, kLessControl, "Fewer Copies");
+  media_.Make(w, kMediaControl, "Media", "Usual");
   copies = XwEditBox(w, "1", kCopiesControl, 0, 0, 9, 9, kShown);
   XwDescribeControl(copies, "Copies");
-  more_ = MakeIconButton(w, ToolIcon::kPlus, kMoreControl, "More Copies");
   priority = XwSlider(w, kPriorityControl, 0, 0, 9, 1, kShown, 1, kMostPriority, choice_->priority);
   XwDescribeControl(priority, "Priority");
-  hold = XwCheckBox(w, "Hold", kHoldNextControl, 0, 0, kShown, choice_->hold);
+  hold = XwCheckBox(w, "Hold next", kHoldNextControl, 0, 0, kShown, choice_->hold);
+  XwDescribeControl(hold, "Hold Next Job");
+  colour = XwColor(w, "", kColourCommand, 0, 0, 9, 9, kShown | XWC_ICON, ColorOf(choice_->colour));
+  XwDescribeControl(colour, "Colour");
+  options = MakeIconButton(w, ToolIcon::kOptions, kOptionsCommand, "Print Options");
 }
 
 void ToolsPane::Place(const Layout& l) {
   PlaceControl(print, l.print);
-  PlaceControl(up, l.up);
   PlaceControl(refresh, l.refresh);
   PlaceControl(printer(), l.printer);
   PlaceControl(profile(), l.profile);
-  PlaceControl(less_, l.less);
+  PlaceControl(media(), l.media);
   PlaceControl(copies, l.copies);
-  PlaceControl(more_, l.more);
   PlaceControl(priority, l.slider);
   PlaceControl(hold, l.hold);
+  PlaceControl(colour, l.colour);
+  PlaceControl(options, l.options);
 }
 
 void ToolsPane::Update(const ServerState& state, bool enabled) {
   const NC_Printer* p = ChosenPrinter(*choice_, state);
   printer_.Show(NamesOf(*state.printers), p ? p->name : choice_->printer, enabled);
   profile_.Show(NamesOf(*state.profiles), choice_->profile, enabled);
-  EnableControl(less_, enabled && choice_->copies > 1);
-  EnableControl(more_, enabled && choice_->copies < kMostCopies);
+  media_.Show(MediaOf(p), choice_->media, enabled);
   for (XwWindow* control : {copies, priority, hold}) EnableControl(control, enabled);
 }
 
@@ -91,6 +108,7 @@ void ToolsPane::Draw(const Layout& l) const {
   LineAtBottom(l.tools);
   DrawLabel(s.normal, Align::kRight, l.printer_label, "Printer", s.ink);
   DrawLabel(s.normal, Align::kRight, l.profile_label, "Profile", s.ink);
+  DrawLabel(s.normal, Align::kRight, l.media_label, "Media", s.ink);
   DrawLabel(s.normal, Align::kRight, l.copies_label, "Copies", s.ink);
   DrawLabel(s.normal, Align::kRight, l.priority_label, "Priority", s.ink);
   DrawLabel(s.view, Align::kRight, l.priority, std::to_string(choice_->priority), s.second);
@@ -104,11 +122,8 @@ bool ToolsPane::Chosen(int id, int value) {
     case kProfileControl:
       choice_->profile = profile_.At(value);
       return true;
-    case kLessControl:
-      ChangeCopies(-1);
-      return true;
-    case kMoreControl:
-      ChangeCopies(1);
+    case kMediaControl:
+      choice_->media = media_.At(value);
       return true;
     case kPriorityControl:
       choice_->priority = value;
@@ -139,6 +154,18 @@ void ToolsPane::ChangeCopies(int by) {
 void ToolsPane::ChangePriority(int by) {
   choice_->priority = std::clamp(choice_->priority + by, 1, kMostPriority);
   XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
+}
+
+void ToolsPane::ShowChoice() {
+  XwSetValue(copies, choice_->copies);
+  XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
+  if ((XwGetValue(hold) == 1) != choice_->hold) XwSetValue(hold, choice_->hold);
+  if (XwGetValue(colour) != ColorOf(choice_->colour)) XwSetValue(colour, ColorOf(choice_->colour));
+}
+
+void ToolsPane::FitMedia(const ServerState& state) {
+  const std::vector<std::string> media = MediaOf(ChosenPrinter(*choice_, state));
+  if (std::find(media.begin(), media.end(), choice_->media) == media.end()) choice_->media.clear();
 }
 
 }  // namespace console

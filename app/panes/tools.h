@@ -9,6 +9,8 @@ namespace console {
 
 // The printer that the next file goes to; null when the server's list has none such.
 const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& state);
+// What it prints on; empty where that is not known.
+std::vector<std::string> MediaOf(const NC_Printer* printer);
 
 class ToolsPane {
  public:
@@ -27,20 +29,23 @@ class ToolsPane {
   bool Chosen(int id, int value);
   // 788 to 790 of the box of the copies.
   void Edited(int type);
+  void ChangeCopies(int by);
   void ChangePriority(int by);
+  // The controls show what the choice is, after it was changed from elsewhere.
+  void ShowChoice();
+  // The media that the chosen printer has; another one that was chosen is so no longer.
+  void FitMedia(const ServerState& state);
 
-  XwWindow *print = nullptr, *up = nullptr, *refresh = nullptr;  // of commands
+  XwWindow *print = nullptr, *refresh = nullptr, *colour = nullptr, *options = nullptr;  // commands
   XwWindow *copies = nullptr, *priority = nullptr, *hold = nullptr;
   XwWindow* printer() const { return printer_.control(); }
   XwWindow* profile() const { return profile_.control(); }
+  XwWindow* media() const { return media_.control(); }
 
  private:
-  void ChangeCopies(int by);
-
   PrintChoice* choice_;
-  NameChoice printer_, profile_;
+  NameChoice printer_, profile_, media_;
   int documents_ = 1;  // that the button tells of
-  XwWindow *less_ = nullptr, *more_ = nullptr;
 };
 
 }  // namespace console

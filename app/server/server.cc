@@ -109,6 +109,10 @@ std::string Server::Shared::Detail() {
   d << int64_t(lists_) << int(state.link) << state.trouble;
   for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.text;
   d << int64_t(state.pending.size());
+  if (state.lists) {
+    for (const NC_Scanner& s : state.lists->scanners) d << s.name << s.text << s.away;
+    for (const std::string& printer : state.lists->printers) d << printer;
+  }
   char text[100];
   snprintf(text, sizeof text, "%016llx quiet %d retry %d notices %d",
            static_cast<unsigned long long>(d.value()), state.quiet_s, state.retry_ms,
@@ -204,9 +208,8 @@ void Server::Use(const std::string& host) {
     shared_->period_ms = old->period_ms;
     shared_->state.away_times = old->state.away_times;
   }
+  show(shared_->state);
   Start(std::move(show));
-  const Locked lock(shared_.get());
-  shared_->Published();
 }
 
 void Server::SetPeriod(int ms) {
@@ -261,6 +264,16 @@ void Server::Cancel(int number) {
   if (s.cancelled != number)
     std::erase_if(s.state.transfers, [number](const Transfer& t) { return t.number == number; });
   s.Published();
+}
+
+int Server::CancelWaiting(int first, int last) {
+  Locked lock(shared_.get());
+  const auto waits = [first, last](const Transfer& t) {
+    return t.number >= first && t.number <= last && t.state == Sending::kWaiting;
+  };
+  const int n = int(std::erase_if(shared_->state.transfers, waits));
+  shared_->Published();
+  return n;
 }
 
 void Server::Retry(int number) {

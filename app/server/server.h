@@ -72,6 +72,13 @@ struct Arrival {
   JobId id;
 };
 
+// What is asked for now and then.
+struct ServerLists {
+  std::vector<NC_Scanner> scanners;
+  std::vector<NC_Profile> profiles;
+  std::vector<std::string> printers;  // of each profile, the only one that has it; "": any
+};
+
 // What is known. The lists stay when the server goes away.
 struct ServerState {
   Link link = Link::kConnecting;
@@ -84,6 +91,7 @@ struct ServerState {
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null
+  std::shared_ptr<const ServerLists> lists;                 // null until they have come
   std::vector<Transfer> transfers;
   PendingChanges pending;
   std::vector<Notice> notices;    // the last few
@@ -106,7 +114,7 @@ class Server {
   const std::string& host() const { return host_; }
   // Leaves this server for another one. The connections are closed; what was not sent, and changes
   // that were not answered, are given up: none of it goes to the other server. The state begins
-  // again with empty lists; numbers go on.
+  // again with empty lists, and is shown at once; numbers go on.
   void Use(const std::string& host);
   // How often the lists are asked for. A new period asks at once.
   void SetPeriod(int ms);
@@ -118,6 +126,8 @@ class Server {
   int Send(std::vector<PrintOrder> orders);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
+  // Takes those of these numbers out that have not been begun with; how many that were.
+  int CancelWaiting(int first, int last);
   // Tries a failed one again.
   void Retry(int number);
   // Does it to each of them, in this order, and tells what has come of it once. The state shows at
@@ -129,6 +139,14 @@ class Server {
   void ChangePrinter(const std::string& name, PrinterSetting setting);
   // Moves the jobs of a printer that have not ended to another one; told in the same way.
   void MoveJobs(const std::string& printer, const std::string& target);
+  // Scanners and profiles, which come as `lists`.
+  void AskLists();
+  // Has the server start its scan server. There is no answer.
+  void StartScan(const std::string& scanner);
+  // Fetches the gamut file of a profile: of that printer ("": none), else the one for all. It is
+  // saved in `folder` under the profile's name, with a number where that is taken. A notice tells
+  // what has come of it.
+  void SaveGamut(const std::string& profile, const std::string& printer, const std::string& folder);
   // Asks again now; when it is away: tries now.
   void Refresh();
 

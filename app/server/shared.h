@@ -30,6 +30,13 @@ struct PrinterChange {
   PrinterSetting setting;
 };
 
+// What is asked for beside changes (scanners.cc).
+struct ServerRequest {
+  enum Kind : uint8_t { kLists, kScan, kGamut } kind = kLists;
+  std::string name = "";  // of the scanner, of the profile
+  std::string printer = "", folder = "";
+};
+
 struct Server::Shared : std::enable_shared_from_this<Shared> {
   Shared();
   ~Shared();
@@ -40,6 +47,7 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   int64_t retry_at = 0, call_began = 0;  // MonotonicMs; 0: none
   std::deque<JobStep> steps;             // not yet begun
   std::deque<PrinterChange> printer_changes;
+  std::deque<ServerRequest> requests;
   bool stop = false, refresh = false;
   int next_number = 1, next_notice = 1, next_batch = 1;
   // What is pending has changed: jobs that look the same may be others.
@@ -48,7 +56,7 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   int cancelled = 0;     // the transfer that is to be broken off
   // What ends the worker's waiting when it is to stop: its connections are shut down, and this
   // becomes readable for the one that is just being made.
-  int open[2] = {-1, -1};
+  int open[3] = {-1, -1, -1};
   os::Handle stopped;
   std::string host;
   Show show;  // the main thread's; null once the server has ended

@@ -38,6 +38,7 @@ Worker::Worker(Server::Shared* shared)
 
 Worker::~Worker() {
   Close(kLists);
+  Close(kGamut);
 }
 
 int Worker::Connect(Which which, int ms) {
@@ -171,7 +172,7 @@ void Worker::Serve(int connect_ms) {
     if (refresh) retry_ms_ = 0;
     if (!TryToConnect(connect_ms)) return;
   }
-  bool good = MakeChanges() && ChangePrinters();
+  bool good = MakeChanges() && ChangePrinters() && AnswerRequests();
   if (good && next_poll_ <= MonotonicMs()) {
     good = Poll() && RemoveUnwanted();
   }
@@ -187,7 +188,8 @@ void Worker::Wait() {
   Locked lock(shared_);
   const bool connected = shared_->open[kLists] >= 0;
   if (shared_->stop || shared_->refresh ||
-      (connected && !(shared_->steps.empty() && shared_->printer_changes.empty())))
+      (connected &&
+       !(shared_->steps.empty() && shared_->printer_changes.empty() && shared_->requests.empty())))
     return;
   const int64_t now = MonotonicMs();
   int64_t until = connected ? next_poll_ : shared_->retry_at;

@@ -19,7 +19,7 @@ class Worker {
   void Run();
 
  private:
-  enum Which { kLists, kFile };
+  enum Which { kLists, kFile, kGamut };
   int Connect(Which which, int ms);
   void Close(Which which);
   bool Stopping();
@@ -42,6 +42,13 @@ class Worker {
   void ForgetBroken();
   bool RemoveUnwanted();
   bool FindJob(const JobId& id, NC_Job* out);
+
+  // Scanners, profiles, gamut files (scanners.cc).
+  bool AnswerRequests();
+  bool NextRequest(ServerRequest* request);
+  bool ReadServerLists();
+  bool StartScan(const std::string& scanner);
+  void SaveGamut(const ServerRequest& request);
 
   // Changes of printers (printers.cc).
   bool ChangePrinters();

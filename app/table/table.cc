@@ -212,7 +212,8 @@ Area Table::ColumnArea(int column) const {
 Area Table::HeadArea(int column) const {
   const Area c = ColumnArea(column);
   if (c.Empty() || area_.h < kHeaderHeight) return {};
-  const int before = std::max(kHeadReach, columns_[size_t(column)].padding - kHeadText);
+  const Column& shape = columns_[size_t(column)];
+  const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
   const int right = std::min(c.right() - (NextColumn(column) < 0 ? 0 : 1), area_.right());
   return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
 }

@@ -24,7 +24,7 @@ struct Column {
   bool sorts = false;
   int rank = 0;      // columns of the highest rank go first where the room is too narrow; 0 stays
   int padding = 10;  // left and right
-  int indent = 0;    // of a title that does not sort, beyond the padding: over text behind an icon
+  int indent = 0;    // of the title, beyond the padding: over text behind an icon
 };
 
 // What a cell is drawn on and with.

@@ -46,6 +46,36 @@ void ShowFreeRoom(Console* c, const FolderReading& r) {
   if (r.room > 0) c->places.free_text = SizeText(r.free) + " free of " + SizeText(r.room);
 }
 
+// Of other documents those that lie in the same folder.
+std::vector<std::string> NamesToSelect(const Console* c, const FolderReading& r) {
+  std::vector<std::string> names;
+  if (!r.select.empty()) names.push_back(r.select);
+  for (const std::string& path : r.request.others)
+    if (ParentPath(path) == c->files.folder.path()) names.push_back(LastName(path));
+  return names;
+}
+
+// They are to be seen, whatever is hidden otherwise; and it is said how many are not there.
+void DocumentsCame(Console* c, const FolderReading& r) {
+  c->stop = FocusStop::kFiles;
+  const std::vector<std::string> names = NamesToSelect(c, r);
+  const FolderRows& rows = c->files.folder.rows();
+  const auto is_hidden = [&rows](const std::string& name) {
+    return rows.Has(name) && rows.RowOf(name) < 0;
+  };
+  const auto some_hidden = [&] { return std::any_of(names.begin(), names.end(), is_hidden); };
+  if (some_hidden()) SetFilter(c, "");
+  if (some_hidden()) ShowHiddenNames(c, true);
+  const int all = int(r.request.others.size()) + 1;
+  const int there = int(c->files.selection.Ids().size());
+  if (!r.select.empty() && !rows.Has(r.select))
+    Tell(c, false, r.select + ": " + TroubleText(ENOENT));
+  else if (there < all && all > 1)
+    Tell(c, true,
+         NumberText(there) + " of " + CountText(all, "document", "documents") +
+             " selected: the others are not in this folder");
+}
+
 void Entered(Console* c, FolderReading* r) {
   c->files.typed.Stop();
   const bool same = r->content->path() == c->files.folder.path();
@@ -54,14 +84,10 @@ void Entered(Console* c, FolderReading* r) {
   ShowFreeRoom(c, *r);
   c->files.table.Release();
   c->files.table.ScrollTo(0);
-  c->files.selection.Set(r->select.empty() ? std::vector<std::string>()
-                                           : std::vector<std::string>{r->select});
+  c->files.selection.Set(NamesToSelect(c, *r));
   Listed(c);
   c->files.table.Reveal(c->files.table.focus());
-  if (r->request.kind != FolderRequest::kDocument) return;
-  c->stop = FocusStop::kFiles;
-  if (!r->select.empty() && c->files.table.selected() < 0)
-    Tell(c, false, r->select + ": " + TroubleText(ENOENT));
+  if (r->request.kind == FolderRequest::kDocument) DocumentsCame(c, *r);
 }
 
 // The folder shown stays; where none is yet, it is the nearest one above.
@@ -226,26 +252,20 @@ void PressCrumb(Console* c, int index) {
   EnterFolder(c, path, LastName(below));
 }
 
-void ShowDocument(Console* c, const char* path) {
-  if (!path || path[0] != '/') return;
-  std::string document = path;
-  while (document.size() > 1 && document.back() == '/') document.pop_back();
-  AskFolder(c, {FolderRequest::kDocument, document, ""});
+void ShowHiddenNames(Console* c, bool show) {
+  c->files.folder.ShowHidden(show);
+  Listed(c);
+  c->files.table.Reveal(c->files.table.focus());
 }
 
-void OpenFiles(Console* c, const FilesToOpen& files) {
-  const auto& [found, missing] = files;
-  if (!found.empty() || !missing.empty())
-    ShowDocument(c, (found.empty() ? missing : found).front().c_str());
-  if (missing.size() > 1)
-    Tell(c, false, CountText(int64_t(missing.size()), "file is", "files are") + " missing");
-  else if (!missing.empty())
-    Tell(c, false, LastName(missing.front()) + ": no such file or folder");
-  else if (found.size() > 1)
-    Tell(c, true,
-         "The first of " + CountText(int64_t(found.size()), "file", "files") + " is selected");
-  c->damage |= kStatusPane;
-  DrawConsole(c);
+void ShowDocuments(Console* c, std::vector<std::string> paths) {
+  for (std::string& path : paths)
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+  std::erase_if(paths, [](const std::string& path) { return path.empty() || path[0] != '/'; });
+  if (paths.empty()) return;
+  FolderRequest request{FolderRequest::kDocument, paths.front(), ""};
+  request.others.assign(paths.begin() + 1, paths.end());
+  AskFolder(c, std::move(request));
 }
 
 }  // namespace console

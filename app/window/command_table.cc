@@ -1,6 +1,8 @@
 #include "app/window/command_table.h"
 
 #include "app/window/commands.h"
+#include "app/window/help.h"
+#include "app/window/print_options.h"
 #include "app/window/queue_commands.h"
 #include "app/window/side_commands.h"
 
@@ -11,6 +13,17 @@ namespace {
 
 bool HasSelection(const Console* c) {
   return c->files.table.selected() >= 0;
+}
+
+// --- Edit: of the box with the keyboard
+
+template <int action>
+bool CanEdit(const Console* c) {
+  return XwCanEdit(XwGetFocus(c->window), action);
+}
+template <int action>
+void Edit(Console* c) {
+  XwEdit(XwGetFocus(c->window), action);
 }
 
 // --- Queue
@@ -62,15 +75,15 @@ void DismissMessage(Console* c) {
   c->status.ReadMessage();
   c->damage |= kStatusPane;
 }
+bool ShowsHidden(const Console* c) {
+  return c->files.folder.rows().shows_hidden();
+}
+void ShowHidden(Console* c) {
+  ShowHiddenNames(c, !ShowsHidden(c));
+}
 template <int column>
 void Sort(Console* c) {
   SortBy(c, column);
-}
-
-// --- Help
-
-void About(Console* c) {
-  Tell(c, true, "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop");
 }
 
 constexpr Command Row(CommandId id, Menu menu, const char* name, Enabled enabled, Run run,
@@ -83,9 +96,34 @@ constexpr Command kCommands[] = {
         {.key = 'o', .plain_key = XWE_RETURN, .where = kInFiles, .contexts = kOnFiles}),
     Row(kPrintCommand, kFileMenu, "Print", CanPrint, PrintSelected,
         {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
+    Row(kPrintOnCommand, kFileMenu, "Print on", nullptr, nullptr,
+        {.group = true,
+         .contexts = kOnOptions,
+         .choices = NextPrinterChoices,
+         .choose = ChooseNextPrinter}),
+    Row(kNextProfileCommand, kFileMenu, "With Profile", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
+    Row(kNextMediaCommand, kFileMenu, "On Media", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextMediaChoices, .choose = ChooseNextMedia}),
+    Row(kNextPriorityCommand, kFileMenu, "At Priority", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextPriorityChoices, .choose = ChooseNextPriority}),
+    Row(kColourCommand, kFileMenu, "Colour…", nullptr, ChooseColour, {.contexts = kOnOptions}),
+    Row(kHoldNextCommand, kFileMenu, "Hold Next Job", nullptr, HoldNext,
+        {.key = 'j', .contexts = kOnOptions, .checked = HoldsNext}),
+    Row(kUsualCommand, kFileMenu, "Usual Options", nullptr, UseUsualOptions,
+        {.group = true, .contexts = kOnOptions}),
+    Row(kOptionsCommand, kNoMenu, "Print Options", nullptr, OpenOptions),
     Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
 
+    Row(kUndoCommand, kEditMenu, "Undo", CanEdit<XWU_UNDO>, Edit<XWU_UNDO>, {.key = 'z'}),
+    Row(kRedoCommand, kEditMenu, "Redo", CanEdit<XWU_REDO>, Edit<XWU_REDO>, {.key = 'y'}),
+    Row(kCutCommand, kEditMenu, "Cut", CanEdit<XWU_CUT>, Edit<XWU_CUT>,
+        {.group = true, .key = 'x'}),
+    Row(kCopyCommand, kEditMenu, "Copy", CanEdit<XWU_COPY>, Edit<XWU_COPY>, {.key = 'c'}),
+    Row(kPasteCommand, kEditMenu, "Paste", CanEdit<XWU_PASTE>, Edit<XWU_PASTE>, {.key = 'v'}),
     Row(kSelectAllCommand, kEditMenu, "Select All", CanSelectAll, SelectAll, {.key = 'a'}),
+    Row(kPreferencesCommand, kEditMenu, "Preferences…", nullptr, ShowPreferences,
+        {.group = true, .key = ','}),
 
     Row(kHoldCommand, kQueueMenu, "Hold", nullptr, Do<Verb::kHold>,
         {.key = 'h',
@@ -145,6 +183,8 @@ constexpr Command kCommands[] = {
          .why_not = WhyNot<Verb::kRemove>}),
     Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
         {.group = true, .key = '.'}),
+    Row(kCancelQueuedCommand, kQueueMenu, "Cancel Queued Documents", CanCancelQueued, CancelQueued,
+        {.key = 'k'}),
     Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
         {.key = 's'}),
     Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
@@ -172,12 +212,17 @@ constexpr Command kCommands[] = {
         {.key = '8', .checked = ShowsPrinters}),
     Row(kShowDetailsCommand, kViewMenu, "Details", nullptr, ToggleDetails,
         {.key = '9', .checked = ShowsDetails}),
+    Row(kListsCommand, kViewMenu, "Scanners and Profiles", nullptr, ShowLists),
+    Row(kPaneSizeCommand, kViewMenu, "Size of This Pane", nullptr, nullptr,
+        {.choices = PaneSizeChoices, .choose = ChangePaneSize}),
     Row(kRefreshCommand, kViewMenu, "Refresh", nullptr, RefreshAll,
         {.group = true, .key = 'r', .plain_key = XWE_F1 + 4, .where = kEverywhere}),
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
         {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
     Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
+    Row(kShowHiddenCommand, kViewMenu, "Show Hidden Names", nullptr, ShowHidden,
+        {.key = 'h', .modifiers = XWS_CONTROL | XWS_SHIFT, .checked = ShowsHidden}),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
         {.group = true, .key = '1'}),
     Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),
@@ -196,7 +241,8 @@ constexpr Command kCommands[] = {
     Row(kQueueFilterCommand, kViewMenu, "Filter Queue", nullptr, GoToQueueFilter,
         {.key = 'f', .modifiers = XWS_CONTROL | XWS_SHIFT, .plain_key = '/', .where = kInQueue}),
 
-    Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, About),
+    Row(kKeysCommand, kHelpMenu, "Keys", nullptr, ShowKeys, {.key = XWE_F1, .modifiers = 0}),
+    Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, ShowAbout, {.group = true}),
 };
 
 }  // namespace

@@ -147,21 +147,35 @@ void TakeText(const Console* c, const Command& command) {
   if (command.more.text) TheMenus().texts[command.id] = command.more.text(c);
 }
 
-std::string KeyName(const Command& command) {
-  const CommandMore& more = command.more;
-  if (!more.key || more.modifiers != XWS_CONTROL || more.key > '~') return "";
-  return std::string("Ctrl+") + char(more.key >= 'a' && more.key <= 'z' ? more.key - 32 : more.key);
-}
-
 // What a button's tip says: what it does and its key, or why it cannot be used.
 std::string TipOf(const Console* c, const Command& command) {
   const std::string why = command.more.why_not ? command.more.why_not(c) : "";
   if (!why.empty()) return why;
-  const std::string key = KeyName(command);
+  const std::string key = KeyText(command.more.key, command.more.modifiers);
   return key.empty() ? command.name : std::string(command.name) + " (" + key + ")";
 }
 
 }  // namespace
+
+std::string KeyText(int key, uint32_t modifiers) {
+  constexpr struct {
+    int key;
+    const char* name;
+  } kNames[] = {{' ', "Space"},         {XWE_BACKSPACE, "Backspace"},
+                {XWE_RETURN, "Return"}, {XWE_DELETE, "Del"},
+                {XWE_UP, "Up"},         {XWE_DOWN, "Down"},
+                {XWE_LEFT, "Left"},     {XWE_RIGHT, "Right"},
+                {XWE_HOME, "Home"},     {XWE_END, "End"}};
+  if (key <= 0) return "";
+  std::string text;
+  if (modifiers & XWS_CONTROL) text += "Ctrl+";
+  if (modifiers & XWS_OPTION) text += "Alt+";
+  if (modifiers & XWS_SHIFT) text += "Shift+";
+  for (const auto& row : kNames)
+    if (row.key == key) return text + row.name;
+  if (key >= XWE_F1 && key < XWE_F1 + 12) return text + "F" + std::to_string(key - XWE_F1 + 1);
+  return text + char(key >= 'a' && key <= 'z' ? key - 'a' + 'A' : key);
+}
 
 void SetUpCommands(Console* c) {
   Menus& all = TheMenus();
@@ -260,6 +274,35 @@ void OpenContextMenu(Console* c, ContextMenu context) {
     if (command.more.choices) ShowChoices(c, command);
   }
   if (const int chosen = XwPopupMenu(menu)) RunCommand(c, chosen);
+}
+
+void OpenContextMenuByKey(Console* c) {
+  ContextMenu context;
+  Area row, list;
+  switch (c->stop) {
+    case FocusStop::kFiles:
+      context = kOnFiles;
+      list = c->layout.folder;
+      row = c->files.table.RowArea(c->files.table.selected());
+      break;
+    case FocusStop::kQueue:
+      context = kOnJobs;
+      list = c->layout.queue;
+      row = c->queue.table.RowArea(c->queue.table.selected());
+      break;
+    case FocusStop::kPrinters:
+      context = kOnPrinters;
+      list = c->layout.printers;
+      row = c->printer_list.list.RowArea(c->printer_list.list.at());
+      break;
+    default:
+      return;
+  }
+  // Of a row that does not show, at the top of its list.
+  constexpr int kFromLeft = 30;
+  const bool shows = row.y >= list.y && row.bottom() <= list.bottom();
+  XwPopupLocation(c->window, list.x + kFromLeft, shows ? row.bottom() : list.y);
+  OpenContextMenu(c, context);
 }
 
 }  // namespace console

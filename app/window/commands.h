@@ -2,6 +2,7 @@
 // greyed.
 #pragma once
 #include <cstdint>
+#include <string>
 
 #include "app/panes/ids.h"
 
@@ -10,7 +11,7 @@ namespace console {
 struct Console;
 
 // What context menus are about, as bits.
-enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnPlaces = 8 };
+enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnOptions = 8 };
 constexpr int kContexts = 4;
 
 // Gives the first window its menu bar.
@@ -27,10 +28,14 @@ void RunCommand(Console* c, int command);
 bool IsMenuKey(int key, uint32_t modifiers);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
+// "Ctrl+Shift+H"; "" for no key.
+std::string KeyText(int key, uint32_t modifiers);
 // A key of a command that cannot be run: the status line says why, where there is a reason.
 void TellWhyNot(Console* c, int command);
 // At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.
 void OpenContextMenu(Console* c, ContextMenu context);
+// The same below what is selected where the keyboard is; nothing elsewhere.
+void OpenContextMenuByKey(Console* c);
 
 // --- What commands do besides the panes' own (console.cc)
 void RefreshAll(Console* c);

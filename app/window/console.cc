@@ -7,6 +7,7 @@
 #include "app/format/texts.h"
 #include "app/look/controls.h"
 #include "app/window/commands.h"
+#include "app/window/help.h"
 #include "app/window/program_icon.h"
 #include "app/window/queue_commands.h"
 
@@ -93,7 +94,10 @@ void SetFocusStop(Console* c, FocusStop stop) {
 void LayOutWindow(Console* c) {
   c->layout = LayOut(c->window->width, c->window->height, c->panes);
   // Below the rows: none moves when it comes or goes.
-  if (c->banner.shown) c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  if (c->banner.shown)
+    c->layout.banner = c->layout.queue.TakeBottom(AwayBanner::kHeight);
+  else if (c->needs.shown)
+    c->layout.needs = c->layout.queue.TakeBottom(NeedsPane::kHeight);
   PlaceControls(c);
   c->damage |= kAllPanes;
 }
@@ -234,7 +238,6 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
-  ShowNeeds(c);
 }
 
 void Motion(Console* c) {
@@ -303,10 +306,10 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
-  if (c->stop == FocusStop::kPriority && (type == '+' || type == '-')) {
-    c->tools.ChangePriority(type == '+' ? 1 : -1);
-    c->damage |= kToolsPane;
-  }
+  const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
+  if (!by || c->stop != FocusStop::kPriority) return;
+  c->tools.ChangePriority(by);
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 // What is disabled is passed over.
@@ -356,6 +359,9 @@ void ServerChanged(Console* c, ServerState state) {
   c->state = std::move(state);
   if (c->banner.Follow()) LayOutWindow(c);
   StartServerByItself(c);
+  RememberServer(c);
+  UpdatePreferences();
+  UpdateLists();
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) c->status.Tell(n.message.tone, n.message.text);
@@ -379,6 +385,7 @@ void ShowProgress(Console* c) {
 void Tick(Console* c) {
   c->server.Tick();
   WatchFolder(c);
+  WatchPlaces(c);
   if (c->status.Tick()) c->damage |= kStatusPane;
   ++c->banner.away_s;
   if (c->banner.shown) c->damage |= kBannerPane;
@@ -397,6 +404,14 @@ void OnTimer(Console* c, int timer) {
   if (MayLeaveNow(c)) Quit(c);
 }
 
+// The Menu key, for what is selected where the keyboard is.
+void OpenMenuByKey() {
+  if (!g_console || g_console->asking) return;
+  OpenContextMenuByKey(g_console);
+  g_console->modifiers &= ~uint32_t{XWS_SHIFT};  // its release has gone to the menu
+  DrawConsole(g_console);
+}
+
 void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
@@ -404,6 +419,10 @@ void ShowActivity(int active) {
   if (c->active) RefreshPlaces(c);  // a disk may have come
   c->damage = kAllPanes;
   DrawConsole(c);
+}
+
+void FirstPictureDrawn(void*, int taken) {
+  if (g_console && taken) RefreshPlaces(g_console);
 }
 
 int Handle(int type) {
@@ -414,6 +433,8 @@ int Handle(int type) {
       LayOutWindow(c);
       break;
     case XWE_EXPOSE:
+      if (!c->exposed) XwPost(".first picture", nullptr, FirstPictureDrawn, nullptr);
+      c->exposed = true;
       c->damage = kAllPanes;
       break;
     case XWE_MOTION:
@@ -446,7 +467,10 @@ int Handle(int type) {
       UseEditBox(c, Inp.type, Inp.item, Inp.value == 1);
       break;
     case XWE_OPEN:
-      ShowDocument(c, reinterpret_cast<const char*>(Inp.value));
+      TakeDocuments(c);
+      break;
+    case XWE_PREFERENCES:
+      ShowPreferences(c);
       break;
     case XWE_CLOSE:
       Leave(c);
@@ -508,8 +532,10 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   c->window = w;
   c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
+  XwSetGround(w, nullptr, 4);  // what controls that draw themselves again erase to: the tool bar's
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
+  XwSetContextMenuHandler(w, OpenMenuByKey);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);
@@ -526,9 +552,12 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
 
 void CloseConsole(Console* c) {
   if (!c) return;
+  ClosePreferences();
+  CloseLists();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
+  CloseKeys();
   FinishRemembering(c);
   ForgetServerStart(c);
   g_console = nullptr;
@@ -542,7 +571,7 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void DrawConsole(Console* c) {
-  if (!c->damage) return;
+  if (!c->damage || !c->exposed) return;
   UpdateControls(c);
   c->details.selected = c->files.table.selected();
   c->details.jobs = IsInQueue(c->stop) && !c->queue.Selected().empty() ? &c->queue : nullptr;
@@ -554,8 +583,7 @@ void DrawConsole(Console* c) {
   if (damage & kToolsPane) c->tools.Draw(c->layout);
   if (damage & kPlacesPane) c->places.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPlaces));
   if (damage & kPrintersPane)
-    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters),
-                         c->state.link == Link::kAway);
+    c->printer_list.Draw(c->hover, c->active, HasKeyboard(c, FocusStop::kPrinters));
   if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));

@@ -48,12 +48,17 @@ enum class FocusStop {
   kQueue,
   kStartServer,
   kRetry,
+  kNeedsButton,
   kPrint,
+  kRefresh,
   kPrinter,
   kProfile,
+  kMedia,
   kCopies,
   kPriority,
   kHold,
+  kColour,
+  kOptions,
   kFilter,
   kQueueFilter,
   kQueueOwner,
@@ -76,6 +81,7 @@ struct PreviewSubject {
 struct Remembered {
   Preferences preferences;
   std::unique_ptr<PreferencesWriter> writer;
+  bool server_fixed = false;  // by the environment
 };
 
 // The keyboard is in the queue, or in what says what it shows.
@@ -93,7 +99,8 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool active = true;  // keys of the desktop come to the window
+  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
+  bool active = true;    // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -108,6 +115,7 @@ struct Console {
   FolderWatch watch;
   PlacesReader places_reader;
   int places_asked = 0;        // readings
+  int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
   int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
@@ -116,8 +124,9 @@ struct Console {
   PreviewSubject previewed;  // what was asked for last
   Server server;
   ServerState state;
-  int last_notice = 0;  // that was shown
-  int just_sent = 0;    // orders that are not yet in the state
+  int last_notice = 0;                    // that was shown
+  int just_sent = 0;                      // orders that are not yet in the state
+  int first_queued = 0, last_queued = 0;  // numbers of the last orders that were given together
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
@@ -206,18 +215,27 @@ void SetFilter(Console* c, const std::string& text);
 void PressCrumb(Console* c, int index);
 // The one that is shown does not answer.
 bool FolderIsSilent(const Console* c);
-// A document that the desktop asks to open.
-void ShowDocument(Console* c, const char* path);
-// The files that the program was started with: the first is selected, and what is missing is told.
+// Names that begin with a dot.
+void ShowHiddenNames(Console* c, bool show);
+// Enters the first one's folder and selects all that lie in it; a folder is entered itself.
+void ShowDocuments(Console* c, std::vector<std::string> paths);
+
+// --- Documents from elsewhere (opening.cc)
+// Of a 798: those that another program asks to open are selected, those that were dropped are
+// queued; a folder that was dropped is entered.
+void TakeDocuments(Console* c);
+// The files that the program was started with are selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
 
 // --- The places (places.cc)
-// Begins to read them. `folder` is the one that will be shown.
+// They are read once the first picture is drawn. `folder` is the one that will be shown.
 void BeginPlaces(Console* c, const std::string& folder);
 // They mark the folder that is shown now.
 void FollowInPlaces(Console* c);
 // Something may have changed: they are read again.
 void RefreshPlaces(Console* c);
+// What a tick does: says when the reading takes long.
+void WatchPlaces(Console* c);
 void PressPlace(Console* c, const Hit& hit);
 void UsePlace(Console* c, const Hit& hit);
 void PlacesKey(Console* c, int type);
@@ -225,8 +243,6 @@ void PlacesKey(Console* c, int type);
 // --- The printers (printers.cc)
 // After a new state of the server, or another choice.
 void PrintersCame(Console* c);
-// The strip of what somebody has to do something about comes or goes.
-void ShowNeeds(Console* c);
 void ChoosePrinter(Console* c, const std::string& name);
 void PressPrinter(Console* c, const Hit& hit);
 void UsePrinter(Console* c, const Hit& hit);
@@ -243,6 +259,7 @@ void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);
 
 // --- A server that is away, and starting one on this computer (server_start.cc)
+// It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
 // The server that does not answer would run here, and none is being started.
@@ -259,10 +276,29 @@ void ForgetServerStart(Console* c);
 Remembered Recall(const std::string& path);
 // The window follows what was remembered: before its first folder has been read.
 void ShowRemembered(Console* c);
+// Takes those that somebody has chosen, and stores them in the background.
+void KeepPreferences(Console* c, const Preferences& preferences);
+// A server that has answered is among the recent ones.
+void RememberServer(Console* c);
 // Stores what has changed, in the background.
 void Remember(Console* c);
 // The same at the end: waits a little until it has been written.
 void FinishRemembering(Console* c);
+
+// --- The window of preferences (preferences_window.cc)
+// One at most; comes to the front.
+void ShowPreferences(Console* c);
+// Without saving.
+void ClosePreferences();
+// The server's state has changed.
+void UpdatePreferences();
+
+// --- The window of scanners and profiles (lists_window.cc)
+// One at most; comes to the front.
+void ShowLists(Console* c);
+void CloseLists();
+// The server's state has changed.
+void UpdateLists();
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.
@@ -274,6 +310,13 @@ void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
 bool CanPrint(const Console* c);
+// How documents are printed now: an order without one.
+PrintOrder UsualOrder(const Console* c);
+// Queues them and says how many; `left_out` of those that were meant are none.
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
+// Those of the last time that still wait to be sent.
+bool CanCancelQueued(const Console* c);
+void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
 // All documents that are selected; folders are passed over.
@@ -283,6 +326,8 @@ bool CanSelectAll(const Console* c);
 void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
+// Documents that are given up when the console leaves the server.
+int Unsent(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

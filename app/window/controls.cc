@@ -1,5 +1,6 @@
 // The console's controls: those of the tools, of the tables, and the buttons of commands.
 #include "app/look/controls.h"
+#include "app/format/words.h"
 
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
@@ -21,14 +22,16 @@ void MakeControls(Console* c) {
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
   c->buttons = {c->tools.print,
-                c->tools.up,
                 c->tools.refresh,
+                c->tools.colour,
+                c->tools.options,
                 head.hold,
                 head.release,
                 head.again,
                 head.remove,
                 c->status.stop_sending,
                 c->status.dismiss,
+                c->status.cancel_queued,
                 c->banner.retry,
                 c->banner.start_server,
                 c->needs.load,
@@ -51,18 +54,28 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->banner.retry;
     case FocusStop::kStartServer:
       return c->banner.start_server;
+    case FocusStop::kNeedsButton:
+      return c->needs.Button();
     case FocusStop::kPrint:
       return c->tools.print;
+    case FocusStop::kRefresh:
+      return c->tools.refresh;
     case FocusStop::kPrinter:
       return c->tools.printer();
     case FocusStop::kProfile:
       return c->tools.profile();
+    case FocusStop::kMedia:
+      return c->tools.media();
     case FocusStop::kCopies:
       return c->tools.copies;
     case FocusStop::kPriority:
       return c->tools.priority;
     case FocusStop::kHold:
       return c->tools.hold;
+    case FocusStop::kColour:
+      return c->tools.colour;
+    case FocusStop::kOptions:
+      return c->tools.options;
     case FocusStop::kFilter:
       return c->files.filter;
     case FocusStop::kQueueFilter:
@@ -99,6 +112,7 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
+  c->status.offers_cancel = CanCancelQueued(c);
   c->status.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
@@ -130,6 +144,9 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  // The report of a key takes its place, also of one that does nothing in a box.
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
+  if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
@@ -140,6 +157,7 @@ void UseControl(Console* c, int id, int value) {
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
   if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
+  if (id == kPrinterControl) c->tools.FitMedia(c->state);
   if (id == kPriorityControl) SetFocusStop(c, FocusStop::kPriority);
   if (const int column = c->files.table.HeadOf(id); column >= 0) SortBy(c, column);
   if (c->files.table.Scrolled(id, value)) c->damage |= kFolderPane;
@@ -157,15 +175,33 @@ std::string WhyNotPrint(const Console* c) {
   return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 
-void PrintSelected(Console* c) {
+PrintOrder UsualOrder(const Console* c) {
   PrintOrder usual;
   usual.owner = OS_GetUserName();
   const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
   usual.printer = printer ? printer->name : c->choice.printer;
   usual.profile = c->choice.profile;
+  usual.media = c->choice.media;
   usual.copies = c->choice.copies;
   usual.priority = c->choice.priority;
   usual.hold = c->choice.hold;
+  usual.colour = c->choice.colour;
+  return usual;
+}
+
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
+  const int n = int(orders.size());
+  c->just_sent += n;
+  c->last_queued = c->server.Send(std::move(orders));
+  c->first_queued = c->last_queued - n + 1;
+  std::string text = NumberOf(n, "document", "documents") + " queued";
+  if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
+  if (IsAway(c->state.link)) text += ", to be sent when " + c->server.host() + " is back";
+  Tell(c, true, text);
+}
+
+void PrintSelected(Console* c) {
+  const PrintOrder usual = UsualOrder(c);
   std::vector<PrintOrder> orders;
   for (const std::string& name : c->files.selection.Ids()) {
     const int row = c->files.folder.Find(name);
@@ -174,19 +210,32 @@ void PrintSelected(Console* c) {
     order.path = c->files.folder.PathOf(row);
     order.document = name;
   }
-  c->just_sent += int(orders.size());
-  c->server.Send(std::move(orders));
-  if (IsAway(c->state.link))
-    Tell(c, true,
-         (c->just_sent > 1 ? "They" : "It") +
-             (" will be sent when " + c->server.host() + " is back"));
+  SendOrders(c, std::move(orders), c->files.Chosen().folders);
+  c->choice.AfterPrint();
+  c->tools.ShowChoice();
+  c->damage |= kToolsPane | kDetailsPane;
+}
+
+bool CanCancelQueued(const Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.number >= c->first_queued && t.number <= c->last_queued && t.state == Sending::kWaiting)
+      return true;
+  return false;
+}
+
+void CancelQueued(Console* c) {
+  const int n = c->server.CancelWaiting(c->first_queued, c->last_queued);
+  Tell(c, true, NumberOf(n, "document is", "documents are") + " not printed");
 }
 
 bool CanSelectAll(const Console* c) {
-  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue;
+  return c->stop == FocusStop::kFiles || c->stop == FocusStop::kQueue ||
+         XwCanEdit(XwGetFocus(c->window), XWU_SELECT_ALL);
 }
 
 void SelectAll(Console* c) {
+  XwWindow* box = XwGetFocus(c->window);
+  if (XwCanEdit(box, XWU_SELECT_ALL)) return XwEdit(box, XWU_SELECT_ALL);
   if (c->stop == FocusStop::kQueue)
     c->queue.selection.All();
   else

@@ -40,7 +40,7 @@ console::FilesToOpen LookForFiles(const console::Arguments& arguments) {
   return files;
 }
 
-// Those that are there come first: of several a running console selects the first.
+// Those that are there come first: the running console enters the folder of the first.
 bool HandOver(const console::FilesToOpen& files) {
   std::vector<std::string> all = files.found;
   all.insert(all.end(), files.missing.begin(), files.missing.end());
@@ -53,6 +53,7 @@ bool HandOver(const console::FilesToOpen& files) {
   const bool fresh = getenv("XW_RECORD") || getenv("XW_REPLAY");
   console::Remembered remembered = console::Recall(fresh ? "" : console::PreferencesPath());
   const auto server = console::ChooseServer(getenv("QUORVIK_SERVER"), remembered.preferences);
+  remembered.server_fixed = server.fixed;
   std::string folder = remembered.preferences.folder;
   if (folder.empty()) folder = OS_GetPathName(OS_FOLDER_HOME);
   console::Console* c =

@@ -58,7 +58,7 @@ int SizeAt(const Layout& l, int border, int at) {
     case kRightBorder:
       return l.details.right() - at;
     case kQueueBorder:
-      return std::max(l.queue.bottom(), l.banner.bottom()) - at - l.queue_head.h;
+      return l.status.y - at - l.queue_head.h;
     default:
       return l.printers.bottom() - at;
   }
@@ -119,15 +119,18 @@ int BorderCursor(const Hit& hit) {
 }
 
 void PressBorder(Console* c, const Hit& hit, bool twice) {
+  if (twice) {
+    *SizeOf(&c->panes, hit.part) = 0;
+    LayOutWindow(c);
+  }
   c->border_grip = (LiesAcross(hit.part) ? Inp.py : Inp.px) - Place(c->layout, hit.part);
-  if (!twice) return;
-  *SizeOf(&c->panes, hit.part) = 0;
-  LayOutWindow(c);
 }
 
 void DragBorder(Console* c, const Hit& hit) {
   const int at = (LiesAcross(hit.part) ? Inp.py : Inp.px) - c->border_grip;
-  if (at != Place(c->layout, hit.part)) TakeSize(c, hit.part, SizeAt(c->layout, hit.part, at));
+  if (at == Place(c->layout, hit.part)) return;
+  TakeSize(c, hit.part, SizeAt(c->layout, hit.part, at));
+  c->last_press = 0;  // what was dragged was not clicked
 }
 
 bool ShowsPlaces(const Console* c) {
@@ -148,6 +151,52 @@ void TogglePrinters(Console* c) {
 }
 void ToggleDetails(Console* c) {
   (ShowsDetails(c) ? Hide : Open)(c, &c->panes.details, PaneSizes::kDetails);
+}
+
+// --- Sizes by the keyboard
+
+namespace {
+
+// The border that makes the pane with the keyboard wider or higher, and whether the pane beside it
+// is the one that the border belongs to.
+struct PaneBorder {
+  int border = 0;  // 0: none
+  bool others = false;
+};
+PaneBorder BorderOf(const Console* c, bool across) {
+  const bool side = c->stop == FocusStop::kPlaces || c->stop == FocusStop::kPrinters;
+  const bool queue = c->stop == FocusStop::kQueue;
+  PaneBorder b = across ? PaneBorder{side ? kPrintersBorder : kQueueBorder,
+                                     c->stop != FocusStop::kPrinters && !queue}
+                 : side ? PaneBorder{kLeftBorder, false}
+                        : PaneBorder{queue ? 0 : kRightBorder, true};
+  if (b.border && PaneAt(c->layout, b.border).Empty()) b.border = 0;
+  return b;
+}
+
+constexpr int kSizeStep = 40;
+
+}  // namespace
+
+std::vector<CommandChoice> PaneSizeChoices(const Console* c) {
+  const bool wide = BorderOf(c, false).border != 0, high = BorderOf(c, true).border != 0;
+  return {{"Wider", false, wide},
+          {"Narrower", false, wide},
+          {"Higher", false, high},
+          {"Lower", false, high},
+          {"As Usual for All"}};
+}
+
+void ChangePaneSize(Console* c, int choice) {
+  if (choice == 4) {
+    for (int border = kLeftBorder; border <= kPrintersBorder; ++border)
+      *SizeOf(&c->panes, border) = 0;
+    return LayOutWindow(c);
+  }
+  const PaneBorder b = BorderOf(c, choice >= 2);
+  if (!b.border) return;
+  const int step = (choice % 2 == 1) == b.others ? kSizeStep : -kSizeStep;
+  TakeSize(c, b.border, SizeAt(c->layout, b.border, Place(c->layout, b.border)) + step);
 }
 
 void GoToPrinters(Console* c) {

@@ -7,7 +7,11 @@ namespace {
 void ShowPlaces(void*, int taken);
 
 void AskPlaces(Console* c) {
+  // It takes longer than the first picture, which it is not to hold up.
+  if (!c->exposed) return;
   const std::string number = std::to_string(++c->places_asked);
+  c->places_s = 0;
+  c->places.wait_text.clear();
   c->places_reader.Ask(c->places.tree.Request(),
                        [number] { XwPost("places", number.c_str(), ShowPlaces, nullptr); });
 }
@@ -26,15 +30,17 @@ void GoToPlace(Console* c, int row) {
   EnterFolder(c, path, "");
 }
 
+// One that is closed while it is being read may be what does not answer.
 void OpenPlace(Console* c, int row, bool open) {
-  if (c->places.SetOpen(row, open)) AskPlaces(c);
+  if (c->places.SetOpen(row, open) || (!open && c->places_reader.request())) AskPlaces(c);
 }
+
+constexpr int kSilentSeconds = 3;
 
 }  // namespace
 
 void BeginPlaces(Console* c, const std::string& folder) {
   c->places.Begin(folder);
-  AskPlaces(c);
 }
 
 void FollowInPlaces(Console* c) {
@@ -44,6 +50,14 @@ void FollowInPlaces(Console* c) {
 
 void RefreshPlaces(Console* c) {
   if (!c->places_reader.request()) AskPlaces(c);
+}
+
+void WatchPlaces(Console* c) {
+  const bool silent = c->places_reader.request() && ++c->places_s >= kSilentSeconds;
+  const std::string text = silent ? "No answer for " + std::to_string(c->places_s) + " s" : "";
+  if (text == c->places.wait_text) return;
+  c->places.wait_text = text;
+  c->damage |= kPlacesPane;
 }
 
 // What is pressed is remembered by its path: the rows may be others when it is let go.

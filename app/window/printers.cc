@@ -26,24 +26,21 @@ void PrintersCame(Console* c) {
     c->printers.Show(c->state.printers);
   c->choice.printer = c->printers.chosen();
   c->printer_list.mine = c->remembered.preferences.default_printer;
+  c->printer_list.away = c->state.link != Link::kReady;
   c->printer_list.Update();
-  ShowNeeds(c);
-  c->damage |= kPrintersPane | kNeedsPane;
-}
-
-// Nothing moves under a button that is held.
-void ShowNeeds(Console* c) {
-  const bool needs = !c->needs.Text().empty() && c->state.link != Link::kAway;
-  if (needs != c->panes.needs && !c->pressed) {
-    c->panes.needs = needs;
+  const bool needed = !c->needs.Text().empty() && c->state.link == Link::kReady;
+  if (needed != c->needs.shown) {
+    c->needs.shown = needed;
     LayOutWindow(c);
   }
   c->needs.Place();
+  c->damage |= kPrintersPane | kNeedsPane;
 }
 
 void ChoosePrinter(Console* c, const std::string& name) {
   c->choice.printer = name;
   c->printers.Choose(name);
+  c->tools.FitMedia(c->state);
   PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane;
 }

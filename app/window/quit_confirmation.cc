@@ -17,14 +17,6 @@ constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
 XwWindow *close_button, *keep_button;
 Console* asker;
 
-// Those that are given up when the window closes.
-int Unsent(const Console* c) {
-  const auto& all = c->state.transfers;
-  return c->just_sent + int(std::count_if(all.begin(), all.end(), [](const Transfer& t) {
-           return t.state != Sending::kCancelling;
-         }));
-}
-
 bool AllFailed(const Console* c) {
   const auto& all = c->state.transfers;
   return c->just_sent == 0 && std::all_of(all.begin(), all.end(), [](const Transfer& t) {
@@ -87,6 +79,13 @@ void MakeQuestion(Console* c) {
 }
 
 }  // namespace
+
+int Unsent(const Console* c) {
+  const auto& all = c->state.transfers;
+  return c->just_sent + int(std::count_if(all.begin(), all.end(), [](const Transfer& t) {
+           return t.state != Sending::kCancelling;
+         }));
+}
 
 void PlaceQuestion(Console* c) {
   if (!c->asking) return;

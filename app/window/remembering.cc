@@ -20,6 +20,7 @@ Preferences Now(const Console* c) {
   p.printer = c->choice.printer;
   p.file_order = int(c->files.folder.order());
   p.files_descending = c->files.folder.descending();
+  p.hidden_names = c->files.folder.rows().shows_hidden();
   p.file_filter = c->files.FilterText();
   const QueueFilter& filter = c->queue.rows.filter();
   p.queue_order = int(c->queue.rows.order());
@@ -45,16 +46,33 @@ void ShowRemembered(Console* c) {
   c->files.table.AskWidths(p.file_columns);
   c->queue.table.AskWidths(p.queue_columns);
   RecallPanes(c);
+  c->server.SetPeriod(p.refresh_seconds * 1000);
   // The user's own default comes before the printer that was chosen last.
   const std::string& printer = p.default_printer.empty() ? p.printer : p.default_printer;
   if (!printer.empty()) ChoosePrinter(c, printer);
   if (p.file_order <= int(FileOrder::kTime))
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
+  c->files.folder.ShowHidden(p.hidden_names);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
   if (p.queue_order <= int(QueueOrder::kNumber))
     c->queue.Sort(QueueOrder(p.queue_order), p.queue_descending);
   const auto part = p.active_only ? QueueFilter::kActive : QueueFilter::kAll;
   FilterQueue(c, {p.mine_only, part, p.queue_filter});
+}
+
+void KeepPreferences(Console* c, const Preferences& preferences) {
+  Remembered& r = c->remembered;
+  r.preferences = preferences;
+  r.preferences = Now(c);
+  if (r.writer) r.writer->Store(r.preferences);
+}
+
+void RememberServer(Console* c) {
+  Preferences p = c->remembered.preferences;
+  if (c->state.link != Link::kReady || c->remembered.server_fixed || p.server.empty()) return;
+  if (!p.recent_servers.empty() && p.recent_servers.front() == p.server) return;
+  NoteServer(p.server, &p);
+  KeepPreferences(c, p);
 }
 
 void Remember(Console* c) {

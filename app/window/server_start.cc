@@ -36,7 +36,7 @@ void Run(const Shared& start, const std::string& server) {
 }  // namespace
 
 bool IsServerAway(const Console* c) {
-  return IsAway(c->state.link);
+  return c->banner.shown;
 }
 
 void RetryServer(Console* c) {

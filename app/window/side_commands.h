@@ -24,5 +24,8 @@ void TogglePlaces(Console* c);
 void TogglePrinters(Console* c);
 void ToggleDetails(Console* c);
 void GoToPrinters(Console* c);
+// Of the pane with the keyboard.
+std::vector<CommandChoice> PaneSizeChoices(const Console* c);
+void ChangePaneSize(Console* c, int choice);
 
 }  // namespace console

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/model/folder_rows.h"
 #include "app/work/background_task.h"
@@ -17,7 +18,8 @@ struct FolderRequest {
     kDocument,  // a document's folder, with it selected; a folder itself
     kAgain      // the one that is shown
   } kind = kEnter;
-  std::string path, select;  // `select`: a name in it, "" for none
+  std::string path, select;              // `select`: a name in it, "" for none
+  std::vector<std::string> others = {};  // paths of further documents to select there
   bool operator==(const FolderRequest&) const = default;
 };
 

@@ -121,7 +121,11 @@ void Blink(EventLoopTimerRef, void* control) {
 
 void Describe(const Control* c, Description* out) {
   out->value = EditOf(c).state.text;
-  if (EditOf(c).read_only) out->state |= kIsReadOnly;
+  if (EditOf(c).read_only) {
+    // It can be pressed, though it takes no keyboard.
+    out->state &= ~uint32_t{kIsEnabled};
+    out->state |= EditOf(c).looks_enabled ? kIsReadOnly | kIsEnabled : kIsReadOnly;
+  }
   out->actions &= ~uint32_t{kActionPress};
 }
 

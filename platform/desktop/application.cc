@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "platform/desktop/bus.h"
+#include "platform/desktop/documents.h"
 #include "platform/desktop/session_end.h"
 #include "platform/desktop/startup.h"
 #include "platform/desktop/uris.h"
@@ -75,15 +76,23 @@ void Activate(sd_bus_message* m) {
   Report(RawEvent::kActivate, ReadToken(m));
 }
 
-// The first file; the others are passed over.
 void OnOpen(sd_bus_message* m) {
-  const char *uri = nullptr, *other = nullptr;
+  const char* uri = nullptr;
   if (Lib().enter(m, 'a', "s") < 0) return;
-  if (Lib().read(m, "s", &uri) > 0) {
-    const std::string path = LocalPathOfUri(uri);
-    if (!path.empty()) Report(RawEvent::kOpenFile, path.c_str());
-    while (Lib().read(m, "s", &other) > 0) {
-    }
+  std::vector<std::string> paths;
+  size_t bytes = 0;
+  while (Lib().read(m, "s", &uri) > 0) {
+    bytes += strlen(uri);
+    std::string path = bytes <= kMostAddresses ? LocalPathOfUri(uri) : std::string();
+    if (!path.empty()) paths.push_back(std::move(path));
+  }
+  if (!paths.empty()) {
+    const std::string text = JoinPaths(paths);
+    RawEvent raw;
+    raw.type = RawEvent::kOpenFile;
+    raw.text = text.c_str();
+    raw.request = 1;
+    PostRawEvent(raw);
   }
   if (Lib().exit(m) >= 0) Activate(m);
 }

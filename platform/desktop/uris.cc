@@ -44,14 +44,16 @@ std::string LocalPathOfUri(std::string_view uri) {
   return path;
 }
 
-std::string FirstLocalPath(std::string_view list) {
+std::vector<std::string> LocalPaths(std::string_view list) {
+  std::vector<std::string> paths;
   while (!list.empty()) {
     const size_t end = list.find_first_of("\r\n");
     const std::string_view line = list.substr(0, end);
     list = end == std::string_view::npos ? std::string_view() : list.substr(end + 1);
-    if (!line.empty() && line.front() != '#') return LocalPathOfUri(line);
+    if (line.empty() || line.front() == '#') continue;
+    if (std::string path = LocalPathOfUri(line); !path.empty()) paths.push_back(std::move(path));
   }
-  return {};
+  return paths;
 }
 
 }  // namespace platform

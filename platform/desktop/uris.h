@@ -2,14 +2,15 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
 // The path of `file:///path` (or with this machine's name as host), percent signs decoded. Empty
 // for any other scheme or host, a relative path, and bytes that no path can hold.
 std::string LocalPathOfUri(std::string_view uri);
-// The first local path in a list of addresses, one a line; comments begin with #. Empty when the
-// first address is not a local file.
-std::string FirstLocalPath(std::string_view list);
+// The local paths in a list of addresses, one a line; comments begin with #. Other addresses are
+// left out.
+std::vector<std::string> LocalPaths(std::string_view list);
 
 }  // namespace platform

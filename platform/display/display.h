@@ -76,8 +76,9 @@ struct Display {
   // of the one that `token` stands for: the desktop's word out of another program's request, null
   // when there is none. Of a window that is not on the screen yet it is asked for when it comes up.
   void (*raise)(const Window* w, uint32_t how, const char* token);
-  // Memory for width x height pixels, in place of the old, whose pixels are kept where both
-  // overlap. Sets `*stride` in pixels. Null when the size is refused.
+  // Memory for width x height pixels, in place of the old, which are kept where both overlap. A
+  // window's first, but not a pop-up's, have the colour of its backdrop, white where it has none.
+  // Sets `*stride` in pixels. Null when the size is refused.
   uint32_t* (*resize_buffer)(const Window* w, int width, int height, int* stride);
   // Shows the rectangles of the buffer. May be asynchronous; flush completes it.
   void (*present)(const Window* w, const DeviceRect* rects, int count);

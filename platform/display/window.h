@@ -52,6 +52,7 @@ struct Window {
   // --- Pixels: menu bar and content together.
   Surface surface;
   bool needs_draw = false;
+  bool blank = false;    // shown, and its first draw event has not been taken
   bool recolor = false;  // its background has changed and is still to be painted
   Region lost;           // content that a redraw was asked for, logical
   double draw_since = 0;

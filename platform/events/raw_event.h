@@ -33,7 +33,7 @@ struct RawEvent {
     kGrabLost,  // held: a grab of the pointer is refused or has ended by itself
     kQuit,      // SIGTERM, the session's end
     kPreferences,
-    kOpenFile,       // text: a path, absolute and local
+    kOpenFile,       // text: absolute local paths (JoinPaths); request: 1 by the bus, 0 by a drop
     kActivate,       // the first window shall come forward; text: the activation token, may be null
     kLetGo,          // windows that were held back come onto the screen
     kTextArrived,    // request, arrived: the answer of another program, null when it has none

@@ -1,4 +1,7 @@
 #include <immintrin.h>
+#ifdef __clang__
+#define _Bool bool  // the next header is written for C, and clang's C++ has no such word
+#endif
 #include <sys/platform/x86.h>
 
 #include "platform/graphics/swap.h"

@@ -212,7 +212,8 @@ std::string FormatRecordLine(const RecordLine& line) {
   if (line.result) text += "result " + line.what;
   if (line.result) return line.detail.empty() ? text : text + " " + line.detail;
   text += KindName(line.raw.type);
-  if (line.raw.type == RawEvent::kOpenFile) return text + " " + Escaped(line.path);
+  if (line.raw.type == RawEvent::kOpenFile)
+    return text + (line.raw.request ? " asked " : " ") + Escaped(line.path);
   if (NamesSelection(line.raw.type)) return text + " " + FormatSelection(line);
   if (line.window) text += " w" + std::to_string(line.window);
   const RawEvent& r = line.raw;
@@ -254,7 +255,11 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
   if (line->raw.type == RawEvent::kNone) return false;
   line->raw.time = line->time;
   if (line->raw.type == RawEvent::kOpenFile) {
-    line->path = Unescaped(Rest(&in));
+    std::string rest = Rest(&in);
+    constexpr std::string_view kAsked = "asked ";
+    line->raw.request = rest.rfind(kAsked, 0) == 0;
+    if (line->raw.request) rest.erase(0, kAsked.size());
+    line->path = Unescaped(rest);
     return !line->path.empty();
   }
   if (NamesSelection(line->raw.type)) return ParseSelection(Rest(&in), line);

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "platform/clipboard/clipboard.h"
+#include "platform/desktop/documents.h"
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
@@ -240,7 +241,8 @@ void TranslateRawEvent(const RawEvent& raw) {
     case RawEvent::kPreferences:
       return Request(kEventClassCommand, kEventCommandProcess, kHICommandPreferences, nullptr);
     case RawEvent::kOpenFile:
-      return Request(kEventClassAppleEvent, kEventAppleEvent, kAEOpenDocuments, raw.text);
+      return Request(kEventClassAppleEvent, kEventAppleEvent,
+                     raw.request ? kOpenAsked : kAEOpenDocuments, raw.text);
     case RawEvent::kActivate:
       return SelectWindow(MenuBarWindow(), raw.text);
     case RawEvent::kLetGo:

@@ -113,8 +113,8 @@ void PutNode(std::string* out, const DescribedNode& node, bool deep) {
   if (d.actions) PutBits(out, "actions", d.actions, kActions);
   PutNumber(out, "x", d.bounds.left);
   PutNumber(out, "y", d.bounds.top);
-  PutNumber(out, "width", d.bounds.width());
-  PutNumber(out, "height", d.bounds.height());
+  PutNumber(out, "width", std::max(d.bounds.width(), 0));
+  PutNumber(out, "height", std::max(d.bounds.height(), 0));
   if (d.minimum != d.maximum) {
     PutNumber(out, "minimum", d.minimum);
     PutNumber(out, "maximum", d.maximum);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "platform/graphics/png.h"
@@ -49,9 +50,10 @@ class Fields {
     if (v.kind != JsonValue::kBool) wrong_ = key;
     *out = v.truth;
   }
-  // The field that has a wrong value or no meaning; "" when all is well.
-  std::string Wrong() const {
-    return wrong_.empty() && !object_.empty() ? object_.begin()->first : wrong_;
+  // Whether a field has a wrong value or no meaning, and which.
+  bool Wrong(std::string* key) const {
+    *key = wrong_ || object_.empty() ? wrong_.value_or("") : object_.begin()->first;
+    return wrong_ || !object_.empty();
   }
 
  private:
@@ -63,17 +65,19 @@ class Fields {
     return true;
   }
   JsonObject& object_;
-  std::string wrong_;
+  std::optional<std::string> wrong_;
 };
 
-// Which fields a request has beside its address.
-std::string ReadRequest(JsonObject* object, Request* r) {
+// False, with the field, when one has a wrong value or no meaning in this request.
+bool ReadRequest(JsonObject* object, Request* r, std::string* wrong) {
   Fields fields(object);
   fields.Text("do", &r->what);
   Address& a = r->wait.address;
-  fields.Text("role", &a.role);
-  a.has_name = fields.Text("name", &a.name);
-  fields.Number("n", 1, kMostNumber, &a.number);
+  if (r->what != "tree") {
+    fields.Text("role", &a.role);
+    a.has_name = fields.Text("name", &a.name);
+    if (!a.empty()) fields.Number("n", 1, kMostNumber, &a.number);
+  }
   if (r->what == "click") {
     fields.Number("button", 1, kMostButtons, &r->button);
     fields.Number("count", 1, kMostClicks, &r->count);
@@ -87,7 +91,7 @@ std::string ReadRequest(JsonObject* object, Request* r) {
     fields.Truth("gone", &r->wait.gone);
     fields.Number("ms", 0, kLongestWait, &r->wait.ms);
   }
-  return fields.Wrong();
+  return !fields.Wrong(wrong);
 }
 
 std::string Success() {
@@ -291,11 +295,12 @@ Answer Perform(std::string_view line) {
     return answer;
   }
   Request r;
-  const std::string wrong = ReadRequest(&object, &r);
+  std::string wrong;
+  const bool good = ReadRequest(&object, &r, &wrong);
   const Address& a = r.wait.address;
   if (!IsRequest(r.what))
     answer.line = Failure("nothing to do is called \"" + r.what + '"');
-  else if (!wrong.empty())
+  else if (!good)
     answer.line = Failure("the field \"" + wrong + "\" is wrong");
   else if (!a.role.empty() && !IsRoleName(a.role))
     answer.line = Failure("no role is called \"" + a.role + '"');

@@ -1,8 +1,11 @@
 #include "platform/loop/dispatch.h"
 
 #include <csignal>
+#include <string>
+#include <vector>
 
 #include "platform/clipboard/clipboard.h"
+#include "platform/desktop/documents.h"
 #include "platform/events/queue.h"
 #include "platform/events/targets.h"
 #include "platform/events/trackers.h"
@@ -43,9 +46,13 @@ OSStatus EndProcess(HandlerCall*, Event* event, void*) {
 OSStatus DispatchEvent(Event* event) {
   EventTargetRef target =
       BelongsToWindow(*event) ? GetWindowEventTarget(event->window) : GetApplicationEventTarget();
+  std::vector<std::string> paths;
+  std::vector<const char*> files;
   if (event->cls == kEventClassAppleEvent && event->payload) {
-    event->request.files = reinterpret_cast<const char* const*>(&event->payload);
-    event->request.file_count = 1;
+    paths = SplitPaths(static_cast<const char*>(event->payload));
+    for (const std::string& path : paths) files.push_back(path.c_str());
+    event->request.files = files.data();
+    event->request.file_count = int(files.size());
   }
   const OSStatus status = SendEventToEventTarget(event, target);
   ReleaseEvent(event);

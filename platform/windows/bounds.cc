@@ -96,6 +96,8 @@ Rect GetWindowBounds(WindowRef w, int region) {
 void ResizeSurface(WindowRef w) {
   DeviceRect d = DeviceBounds(*w);
   Surface& s = w->surface;
+  // The display gives the first pixels the backdrop's colour.
+  const bool has_backdrop = !s.pixels && !w->parent;
   int old_width = s.pixels ? s.width : 0, old_height = s.pixels ? s.height : 0;
   if (s.pixels && s.width == d.width() && s.height == d.height()) return;
   int stride = 0;
@@ -108,9 +110,11 @@ void ResizeSurface(WindowRef w) {
   ++*s.generation;
   s.damage.Reset(s.width, s.height);
   // What is new takes the background; what was there stays.
-  uint32_t background = WindowBackground(w);
-  FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, background);
-  FillSurface(&s, {0, old_height, s.width, s.height}, background);
+  const uint32_t background = WindowBackground(w);
+  if (!has_backdrop || background != (w->backdrop != kNoColor ? w->backdrop : 0xFFFFFF)) {
+    FillSurface(&s, {old_width, 0, s.width, std::min(old_height, s.height)}, background);
+    FillSurface(&s, {0, old_height, s.width, s.height}, background);
+  }
   s.damage.Mark(0, 0, s.width, s.height);
   if (old_width != s.width) DrawFrame(w);
 }

@@ -104,7 +104,7 @@ static WindowRef NextToDraw(double asked_before) {
 bool TakeDrawEvent(double asked_before, Event* out) {
   WindowRef w = NextToDraw(asked_before);
   if (!w) return false;
-  w->needs_draw = false;
+  w->needs_draw = w->blank = false;
   *out = Event(kEventClassWindow, kEventWindowDrawContent, w);
   out->time = w->draw_since;
   out->bounds.current = w->lost.extents();
@@ -116,8 +116,11 @@ bool DrawEventWaits() {
   return NextToDraw(GetCurrentEventTime()) != nullptr;
 }
 
+// A window that is still blank shows its backdrop; sending its pixels would hold up the picture
+// that comes next.
 void PresentWindows() {
-  for (WindowRef w : WindowList()) PresentWindow(w);
+  for (WindowRef w : WindowList())
+    if (!w->blank || !w->needs_draw) PresentWindow(w);
 }
 
 void FlushWindow(WindowRef w) {

@@ -197,8 +197,9 @@ void ShowWindow(WindowRef w) {
   w->visible = w->placing = true;
   if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
   const bool erased = !w->surface.pixels;  // new pixels have the background
-  ResizeSurface(w);
   ShowBackdrop(w);
+  ResizeSurface(w);
+  w->blank = !w->parent;
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, !erased);
   DrawFrame(w);
   std::erase(WindowList(), w);

@@ -30,7 +30,10 @@ TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
   ASSERT_TRUE(Until([&] { return c_->files.folder.path() == home_.At(kFolder); }));
   Click(FileRow(kLongName));
   ASSERT_EQ(Selected(), kLongName);
-  Click(c_->layout.more);
+  // Its text is selected by the press, and the arrows count.
+  Click(c_->layout.copies);
+  Key('1', '1');
+  Key(0xFF52);
   EXPECT_EQ(c_->choice.copies, 2);
 
   // The server stalls. What the user does is answered while its answer is still being waited for.
@@ -86,7 +89,7 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   daemon.Start({"--rate", "1K"});
   Open(daemon.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  ShowDocument(c_, home_.At(std::string(kFolder) + "/" + kLongName).c_str());
+  ShowDocuments(c_, {home_.At(std::string(kFolder) + "/" + kLongName)});
   ASSERT_TRUE(HasRead());
   ASSERT_EQ(Selected(), kLongName);
   display::Modifiers(platform::controlKey);
@@ -197,8 +200,9 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   Key(' ', ' ');
   EXPECT_TRUE(c_->choice.hold);
   for (const FocusStop stop :
-       {FocusStop::kFilter, FocusStop::kQueueFilter, FocusStop::kQueueOwner, FocusStop::kQueuePart,
-        FocusStop::kPlaces, FocusStop::kPrinters, FocusStop::kFiles}) {
+       {FocusStop::kColour, FocusStop::kOptions, FocusStop::kFilter, FocusStop::kQueueFilter,
+        FocusStop::kQueueOwner, FocusStop::kQueuePart, FocusStop::kPlaces, FocusStop::kPrinters,
+        FocusStop::kFiles}) {
     Key(kTabKey);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -225,8 +229,8 @@ TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   Turn(70);
   c_->files.table.Select(-1);
   ASSERT_TRUE(Until([&] { return c_->banner.shown; }));
-  for (const FocusStop stop :
-       {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry, FocusStop::kCopies}) {
+  for (const FocusStop stop : {FocusStop::kQueue, FocusStop::kStartServer, FocusStop::kRetry,
+                               FocusStop::kRefresh, FocusStop::kCopies}) {
     Key(0xFF09);
     EXPECT_EQ(c_->stop, stop);
   }
@@ -412,7 +416,15 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
     const Layout& l = c_->layout;
     EXPECT_EQ(l.status.bottom(), h);
     EXPECT_EQ(l.places.w + l.folder.w + l.details.w, w);
-    EXPECT_LE(l.hold.right(), w);
+    int right = 0;
+    for (const Area* tool : {&l.print, &l.refresh, &l.printer, &l.profile, &l.media, &l.copies,
+                             &l.slider, &l.hold, &l.colour, &l.options}) {
+      if (tool->Empty()) continue;
+      EXPECT_GE(tool->x, right);
+      right = tool->right();
+    }
+    EXPECT_EQ(right, l.options.right());
+    EXPECT_LE(right, w);
     EXPECT_GE(c_->files.table.Body().h, 8 * Table::kRowHeight);
     EXPECT_EQ(c_->files.table.area(), l.folder);
     EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);
@@ -473,7 +485,7 @@ TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {
   ClickAt(slider.x + 1, slider.y + slider.h / 2);
   const Area head = c_->files.table.ColumnArea(0);
   Click({head.x, head.y, head.w, Table::kHeaderHeight});
-  EXPECT_EQ(c_->choice.priority, 97);
+  EXPECT_EQ(c_->choice.priority, 50);
   EXPECT_EQ(c_->files.folder.At(0).name, first);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
@@ -508,21 +520,21 @@ TEST_F(ConsoleTest, NamesAreShownApartAndFoundByTheirBytes) {
 TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
   Open("127.0.0.0");
   const std::string path = home_.At(std::string(kFolder) + "/" + kLongName);
-  display::OpenFile(path.c_str());
+  display::OpenFiles({path}, true);
   Turn(4);
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.At(kFolder));
   EXPECT_EQ(Selected(), kLongName);
-  display::OpenFile(home_.At("Empty").c_str());
+  display::OpenFiles({home_.At("Empty")}, true);
   Turn(4);
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   for (const char* path_that_is_none : {"/no/such/folder/file.pdf", "relative.pdf", ""}) {
-    ShowDocument(c_, path_that_is_none);
+    ShowDocuments(c_, {path_that_is_none});
     EXPECT_TRUE(HasRead());
     EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   }
-  ShowDocument(c_, home_.At("gone.pdf").c_str());
+  ShowDocuments(c_, {home_.At("gone.pdf")});
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_EQ(Selected(), "");

@@ -79,6 +79,34 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
 }
 
+// What another program asks to open is selected, also what is hidden; what is dropped is queued,
+// and what still waits can be cancelled; a folder that is dropped is entered.
+TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
+  for (const char* name : {"a.pdf", "b.pdf", ".c.pdf"}) home_.File(name, "x");
+  Open("127.0.0.9:1");
+  SetFilter(c_, "letter");
+  display::OpenFiles({home_.At("a.pdf"), home_.At(".c.pdf"), home_.At("Empty/d.pdf")}, true);
+  ASSERT_TRUE(Until([&] { return c_->files.Chosen().files == 2; }));
+  EXPECT_EQ(c_->files.selection.Ids(), (std::vector<std::string>{".c.pdf", "a.pdf"}));
+  EXPECT_EQ(c_->status.message().text.rfind("2 of 3 documents", 0), 0u);
+
+  display::OpenFiles({home_.At("b.pdf"), home_.At("Empty"), home_.At("gone"), home_.At(".c.pdf")},
+                     false);
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 2; }));
+  EXPECT_EQ(c_->state.transfers[0].order.path, home_.At("b.pdf"));
+  EXPECT_EQ(c_->status.message().text.rfind("2 documents queued, 2 left out", 0), 0u);
+  Turn(2);
+  const XwWindow* cancel = c_->status.cancel_queued;
+  Click({cancel->x, cancel->y, cancel->width, cancel->height});
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
+  EXPECT_FALSE(CanCancelQueued(c_));
+
+  display::OpenFiles({"/dev/null"}, false);
+  ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
+  display::OpenFiles({home_.At("Empty")}, false);
+  EXPECT_TRUE(Until([&] { return c_->files.folder.path() == home_.At("Empty"); }));
+}
+
 TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   const std::string program = home_.File("printserverd", "#!/bin/sh\nsleep 0.5\nexit 1\n");
   ASSERT_EQ(chmod(program.c_str(), 0700), 0);

@@ -108,13 +108,16 @@ void ControlP() {
   Until([&] { return c->queue.rows.count() == 1 && !c->queue.rows.IdAt(0).outgoing; });
   Click(c->files.table.RowArea(c->files.folder.Find("b.txt")));
   display::Scroll(0, 40);
-  Click(c->layout.more);
+  Click(c->layout.copies);
+  display::KeyDown('2', '2');
+  display::KeyUp('2', '2');
+  Turn(2);
   Click(c->layout.print);
   Until([&] { return c->queue.rows.count() == 2 && !c->queue.rows.IdAt(0).outgoing; });
   Click(c->queue.table.RowArea(0));
   Click(c->queue.head.hold_area);
   Until([&] { return c->state.jobs->at(0).state == NC_JOB_HELD && c->state.pending.empty(); });
-  display::OpenFile((home + "/Jobs/Überlänge.pdf").c_str());
+  display::OpenFiles({home + "/Jobs/Überlänge.pdf"}, true);
   Until([&] { return c->files.table.selected() == c->files.folder.Find("Überlänge.pdf"); });
   Click(c->queue.table.RowArea(1));
   Click(c->queue.head.remove_area);

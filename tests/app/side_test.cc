@@ -1,6 +1,8 @@
 // The side panes: places, printers, and the borders between all of them.
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 #include "app/window/commands.h"
 #include "app/window/side_commands.h"
 #include "app/work/preferences_file.h"
@@ -97,6 +99,33 @@ TEST_F(SideTest, PlacesAreATreeForKeysAndPointer) {
   EXPECT_EQ(Node("Root").what.state & shown, shown);
   EXPECT_FALSE(Node("Home").what.state & platform::kIsExpanded);
   EXPECT_GE(c_->places.Find("/tmp"), 0);
+}
+
+// What hangs holds up nothing: the window says so, and closing it gives the tree back.
+TEST_F(SideTest, AFolderThatDoesNotAnswerHoldsUpNothing) {
+  static std::atomic<bool> hangs;
+  static PlacesReader::Read usual;
+  hangs = true;
+  usual = PlacesReader::read;
+  home_.Folder("Empty/a");
+  home_.Folder("Zoo/b");
+  PlacesReader::read = [](PlacesListing* listing) {
+    for (const std::string& open : listing->request.open)
+      while (open.ends_with("Empty") && hangs) usleep(1000);
+    usual(listing);
+  };
+  Open("127.0.0.9:1");
+  ASSERT_TRUE(PlacesAre("-Root +Home* /" + std::string(kFolder) + " /-Empty /-Zoo "));
+  c_->places.list.GoTo(c_->places.Find(home_.At("Empty")));
+  PlacesKey(c_, XWE_RIGHT);
+  ASSERT_TRUE(Until([&] { return Node("Room").what.value.starts_with("No answer for 3 s"); }));
+  Enter(home_.At("Zoo"));
+  c_->places.list.GoTo(c_->places.Find(home_.At("Empty")));
+  PlacesKey(c_, XWE_LEFT);
+  ASSERT_TRUE(PlacesAre("-Root +Home /" + std::string(kFolder) + " /-Empty /-Zoo* "));
+  EXPECT_NE(Node("Room").what.value.find(" free of "), std::string::npos);
+  hangs = false;
+  PlacesReader::read = usual;
 }
 
 // Forty printers: "Label" with paper for one sheet, and those of a studio.
@@ -246,9 +275,9 @@ class PanesTest : public SideTest {
     EXPECT_EQ(left + l.folder.w + l.details.w, c_->window->width);
     EXPECT_GE(l.folder.w, 330);
     EXPECT_GE(l.folder.h, 60);
-    EXPECT_GE(l.queue.h, 110);
+    EXPECT_GE(l.queue.h + l.banner.h + l.needs.h, 110);
     EXPECT_EQ(l.folder.bottom(), l.queue_head.y);
-    EXPECT_EQ(l.queue.bottom(), l.status.y);
+    EXPECT_EQ(l.queue.bottom() + l.banner.h + l.needs.h, l.status.y);
     EXPECT_EQ(std::max({l.places.bottom(), l.printers.bottom(), l.queue_head.y * (left == 0)}),
               l.queue_head.y);
   }
@@ -282,6 +311,17 @@ TEST_F(PanesTest, BordersMoveAndAreRemembered) {
   const int most = c_->layout.places.w;
   Drag(most, moved.folder.y + 100, -20, 0);
   EXPECT_EQ(c_->layout.places.w, most - 20);
+  // A double click gives it its usual size.
+  for (int i = 0; i < 2; ++i) ClickAt(c_->layout.places.right(), moved.folder.y + 100);
+  EXPECT_EQ(c_->layout.places.w, usual.places.w);
+  // By the menu: all as usual, then the pane with the keyboard wider and lower.
+  ChangePaneSize(c_, 4);
+  EXPECT_EQ(c_->layout.places, usual.places);
+  SetFocusStop(c_, FocusStop::kPlaces);
+  ChangePaneSize(c_, 0);
+  ChangePaneSize(c_, 3);
+  EXPECT_EQ(c_->layout.places.w, usual.places.w + 40);
+  EXPECT_EQ(c_->layout.places.h, usual.places.h - 40);
 }
 
 TEST_F(PanesTest, WhatANarrowWindowHidesOpensByItsKey) {

@@ -136,13 +136,13 @@ TEST_F(Walk, AFileIsPrintedOnTheScreen) {
   EXPECT_STREQ(testing_daemon::Jobs(fd)[0].document, kLongName);
   ASSERT_TRUE(DotBecomes(kGood));
 
-  // Removed by the pointer, and the program ends by the keyboard.
+  // Chosen by the pointer, removed and left by the keyboard.
   // Seen to be selected first: two clicks within a few milliseconds are more than the server passes
   // on while a window manager looks at each.
   const int row_y = layout_.queue.y + kRow;
   ClickAt(200, row_y + 11);
   ASSERT_TRUE(Eventually([&] { return Pixel(user_->Look(), 3, row_y + 2) == kAccent; }));
-  Click(layout_.remove_job);
+  user_->Type(0xFFFF);  // Delete
   EXPECT_TRUE(Eventually([&] { return testing_daemon::Jobs(fd).empty(); }));
   NC_Disconnect(fd);
   user_->Key(kControlKey, true);

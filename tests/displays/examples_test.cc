@@ -1,5 +1,6 @@
-// The examples as a user starts them: their picture on the headless display is the reference, and
-// the real window on X, under a window manager, shows the same.
+// The examples as a user starts them, and one script of what the user does on both displays: the
+// picture on the headless display is the reference, the real window on X, under a window manager,
+// shows the same, and the program gets the same events.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -120,7 +121,8 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   setenv("XW_DISPLAY", "headless", 1);
   setenv("XW_SNAPSHOT", file.c_str(), 1);
   setenv("XW_SCALE", scale, 1);
-  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument);
+  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument,
+                  (folder + "/headless").c_str());
   Picture picture;
   const bool ends_by_itself = getenv("XW_REPLAY");
   if (!ends_by_itself) support::Eventually([&] { return testkit::LoadPng(file, &picture); });
@@ -130,21 +132,34 @@ Picture OnHeadless(const Example& example, const std::string& folder, const char
   return picture;
 }
 
-// The window's picture once it equals `wanted`, or what it showed last.
-Picture OnX(const Example& example, const Picture& wanted) {
+// The types of events that a program has traced, but redraws, motions and the request to quit,
+// which come when there is time for them.
+std::string Events(const std::string& file) {
+  std::istringstream lines(ReadFile(file));
+  std::string events;
+  for (std::string line; std::getline(lines, line);)
+    if (line != "events: 769" && line != "events: 770" && line != "events: 796")
+      events += line + '\n';
+  return events;
+}
+
+// The window's picture once it and the events are those of the headless display, or what it showed
+// last.
+Picture OnX(const Example& example, const std::string& folder, const Picture& wanted) {
   setenv("XW_DISPLAY", "x11", 1);
   setenv("XW_SCALE", "1", 1);
   support::XServer server({"-screen", "0", "1280x1024x24"});
   EXPECT_TRUE(server.running() && server.StartManager("openbox"));
   support::XUser user;
-  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument);
+  Program program(std::string(EXAMPLES) + "/" + example.name, example.argument,
+                  (folder + "/x").c_str());
   xcb_window_t window = user.Find(example.title);
   Picture seen;
   if (!window) return seen;
   support::Eventually([&] {
     if (!user.Viewable(window)) return false;
     seen = WindowPicture(user, window);
-    return seen == wanted;
+    return seen == wanted && Events(folder + "/x") == Events(folder + "/headless");
   });
   EXPECT_EQ(program.End(), 0) << example.name;
   return seen;
@@ -152,14 +167,17 @@ Picture OnX(const Example& example, const Picture& wanted) {
 
 class Examples : public testing::TestWithParam<Example> {
  protected:
-  void SetUp() override { setenv("XW_FONTS", FONTS, 1); }
+  void SetUp() override {
+    setenv("XW_FONTS", FONTS, 1);
+    setenv("XW_TRACE", "events", 1);
+  }
   const Scratch scratch_;
 };
 
 TEST_P(Examples, ShowTheSameOnBothDisplays) {
   Picture headless = OnHeadless(GetParam(), scratch_.path(), "1");
   EXPECT_TRUE(testkit::MatchesReference(headless, PICTURES, GetParam().name));
-  EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), headless)));
+  EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), scratch_.path(), headless)));
   std::string doubled = std::string(GetParam().name) + "-2x";
   EXPECT_TRUE(
       testkit::MatchesReference(OnHeadless(GetParam(), scratch_.path(), "2"), PICTURES, doubled));
@@ -174,7 +192,8 @@ TEST_P(Examples, LookTheSameAfterWhatTheUserDid) {
     const Picture headless = OnHeadless(GetParam(), scratch_.path(), "1");
     EXPECT_TRUE(testkit::MatchesReference(headless, PICTURES,
                                           std::string(GetParam().name) + "-" + state.name));
-    EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), headless)));
+    EXPECT_TRUE(testkit::SamePicture(headless, OnX(GetParam(), scratch_.path(), headless)));
+    EXPECT_EQ(Events(scratch_.At("x")), Events(scratch_.At("headless")));
     unsetenv("XW_REPLAY");
   }
 }

@@ -122,7 +122,7 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
     Program dialog(Example("07-dialog"));
     Client client(path_);
     EXPECT_TRUE(client.Does(R"("do":"wait","role":"window","name":"Dialog")"));
-    EXPECT_TRUE(client.Does(R"("do":"click","role":"button","name":"Print")"));
+    EXPECT_TRUE(client.Does(R"("do":"click","role":"button","name":"Print","modifiers":"shift")"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Item 1: 0","ms":10000)"));
     EXPECT_TRUE(client.Does(R"("do":"click","role":"pop-up-button","name":"Printer:")"));
     EXPECT_TRUE(client.Does(R"("do":"click","role":"menu-item","name":"Office")"));
@@ -136,6 +136,8 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
     EXPECT_TRUE(client.Does(R"("do":"wait","value":"2€",)" + copies));
     EXPECT_TRUE(client.Does(R"("do":"key","key":"Down","role":"list","name":"Profile:")"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Office","gone":true)"));
+    EXPECT_TRUE(
+        client.Does(R"("do":"click","role":"window","name":"Dialog","button":3,"count":2)"));
     shot = Decode(client.Ask(R"("do":"shot")"), scratch_.At("shot.png"));
     const testkit::Picture part = Decode(
         client.Ask(R"("do":"shot","role":"check-box","name":"Hold")"), scratch_.At("part.png"));
@@ -144,6 +146,11 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
     EXPECT_EQ(access(path_.c_str(), F_OK), -1) << "the socket goes with the program";
   }
   EXPECT_EQ(shot.width, 420);
+  const std::string raw = ReadFile(recording);
+  EXPECT_LT(raw.find(" modifiers "), raw.find(" press ")) << "the program hears of the key first";
+  size_t ends = 0;
+  for (size_t at = 0; (at = raw.find(" button=3", at)) != std::string::npos; ++at) ++ends;
+  EXPECT_EQ(ends, 4u) << "two presses and releases";
   unsetenv("XW_RECORD");
   unsetenv("XW_INSPECT");
   setenv("XW_REPLAY", recording.c_str(), 1);
@@ -184,6 +191,9 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
       {R"("do":"type","text":"a\u0007")", "no key types"},
       {R"("do":"wait","name":"Print","value":"x","ms":1)", "has the value"},
       {R"("do":"wait","role":"button","name":"Print","gone":true,"ms":1)", "still there"},
+      {R"("do":"tree","name":"Print")", "name"},
+      {R"("do":"tree","":1)", "field"},
+      {R"("do":"key","key":"a","n":2)", "\"n"},
       {R"("do":"dance")", "dance"},
       {R"()", "nothing to do"},
   };

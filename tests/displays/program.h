@@ -1,5 +1,6 @@
 // A program as a user starts it, ended as a session ends it.
 #pragma once
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,10 +9,12 @@
 
 class Program {
  public:
-  // With one argument or none.
-  explicit Program(const std::string& path, const char* argument = nullptr) {
+  // With one argument or none; what it says on standard error goes to the file.
+  explicit Program(const std::string& path, const char* argument = nullptr,
+                   const char* error_file = nullptr) {
     pid_ = fork();
     if (pid_ != 0) return;
+    if (error_file) dup2(open(error_file, O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
     execl(path.c_str(), path.c_str(), argument, nullptr);
     _exit(127);
   }

@@ -41,17 +41,16 @@ struct Shape {
   std::vector<PathPart> parts;
   float stroke;
   double area;
-  float left, top, right, bottom;
+  struct {
+    float left, top, right, bottom;
+  } box;
 };
 const Shape kShapes[] = {
     {"triangle",
      {{kMove, 1.5f, 2}, {kLine, 13.5f, 2}, {kLine, 1.5f, 14}},
      0,
      72,
-     1.5f,
-     2,
-     13.5f,
-     14},
+     {1.5f, 2, 13.5f, 14}},
     {"two of a kind leave a hole",
      {{kMove, 0, 0},
       {kLine, 20, 0},
@@ -65,10 +64,7 @@ const Shape kShapes[] = {
       {kClose}},
      0,
      300,
-     0,
-     0,
-     20,
-     20},
+     {0, 0, 20, 20}},
     {"circle",
      {{kMove, 10, 0},
       {kCubic, 20, 10, 10 + kRound, 0, 20, 10 - kRound},
@@ -77,35 +73,23 @@ const Shape kShapes[] = {
       {kCubic, 10, 0, 0, 10 - kRound, 10 - kRound, 0}},
      0,
      100 * std::numbers::pi,
-     0,
-     0,
-     20,
-     20},
+     {0, 0, 20, 20}},
     // A parabola takes two thirds of its box; a curve that follows a close begins where it ends.
     {"parabola",
      {{kQuad, 0, 12, 99, 99}, {kQuad, 12, 12, 6, -12}, {kClose}, {kCubic, 30, 3, 9, 9, 9, 9}},
      0,
      96,
-     0,
-     0,
-     12,
-     12},
+     {0, 0, 12, 12}},
     {"line",
      {{kMove, 2, 6}, {kLine, 22, 6}},
      3,
      20 * 3 + 2.25 * std::numbers::pi,
-     0.5f,
-     4.5f,
-     23.5f,
-     7.5f},
+     {0.5f, 4.5f, 23.5f, 7.5f}},
     {"closed line",
      {{kMove, 2, 2}, {kLine, 22, 2}, {kLine, 22, 22}, {kLine, 2, 22}, {kClose}},
      2,
      80 * 2 - 4 + std::numbers::pi,
-     1,
-     1,
-     23,
-     23},
+     {1, 1, 23, 23}},
 };
 
 TEST(Outline, CoversItsAreaAtEveryScale) {
@@ -122,9 +106,9 @@ TEST(Outline, CoversItsAreaAtEveryScale) {
       const Ink ink = InkOf(canvas, canvas.surface().width);
       EXPECT_NEAR(ink.area, s.area * scale * scale, 0.01 * s.area * scale * scale);
       const int x = DeviceEdge(kX, scale), y = DeviceEdge(kY, scale);
-      const DeviceRect box{x + int(std::floor(s.left * scale)), y + int(std::floor(s.top * scale)),
-                           x + int(std::ceil(s.right * scale)),
-                           y + int(std::ceil(s.bottom * scale))};
+      const DeviceRect box{
+          x + int(std::floor(s.box.left * scale)), y + int(std::floor(s.box.top * scale)),
+          x + int(std::ceil(s.box.right * scale)), y + int(std::ceil(s.box.bottom * scale))};
       EXPECT_EQ(ink.box, box);
       DrawOutline(canvas.context(), o, kX, kY, 0xFFFFFF, 255);
       // Drawn once it covers the same.

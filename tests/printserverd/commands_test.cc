@@ -392,20 +392,4 @@ TEST_F(Commands, ConfigurationFromAPipe) {
   EXPECT_EQ(Printers(fd).size(), 60U);
 }
 
-TEST_F(Commands, PrintersAndProfilesByTheThousand) {
-  std::string config;
-  for (int i = 0; i < 1024; ++i) {
-    const std::string number = std::to_string(i);
-    config += "[printer]\nname=P" + number + "\ntext=" + std::string(127, 't') +
-              "\nmedia=" + std::string(255, 'm') + "\n[profile]\nname=Q" + number + "\n";
-  }
-  StartWith(config);
-  EXPECT_EQ(Printers(fd).size(), 1024U);
-  std::vector<char> list(1024 * NC_PROFILE_SIZE);
-  const char every[NC_PROFILE_KEY] = {};
-  EXPECT_EQ(NC_GetProfileListN(fd, every, list.data(), 1024 * NC_PROFILE_SIZE), 1024);
-  EXPECT_EQ(New("a", "printer=P1023\nprofile=Q1023"), 1);
-  EXPECT_TRUE(IsDone("a"));
-}
-
 }  // namespace

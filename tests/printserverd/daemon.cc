@@ -65,10 +65,10 @@ Outcome RunProgram(const std::vector<std::string>& arguments,
   return outcome;
 }
 
-Daemon::Daemon() {
+Daemon::Daemon(int number) {
   // An address of this process's own, so that tests can run side by side.
   const int pid = getpid();
-  host_ = "127." + std::to_string(128 + ((pid >> 16) & 127)) + "." +
+  host_ = "127." + std::to_string(128 + ((pid >> 16) & 63) + 64 * number) + "." +
           std::to_string((pid >> 8) & 255) + "." + std::to_string(pid & 255);
   std::string name = ::testing::TempDir() + "printserverd-XXXXXX";
   folder_ = mkdtemp(name.data());

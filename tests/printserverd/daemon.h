@@ -29,7 +29,8 @@ Outcome RunProgram(const std::vector<std::string>& arguments,
 
 class Daemon {
  public:
-  Daemon();
+  // `number` (0 or 1) tells the daemons of one test apart.
+  explicit Daemon(int number = 0);
   // Ends the daemon, expecting exit code 0, and removes the spool.
   ~Daemon();
 

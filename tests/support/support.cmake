@@ -3,6 +3,5 @@ add_library(test_main STATIC ${CMAKE_CURRENT_LIST_DIR}/main.cc ${CMAKE_CURRENT_L
   ${CMAKE_CURRENT_LIST_DIR}/time_limit.cc)
 target_link_libraries(test_main PUBLIC quorvik_options GTest::gtest)
 
-add_library(support STATIC ${CMAKE_CURRENT_LIST_DIR}/leak_guard.cc ${CMAKE_CURRENT_LIST_DIR}/player.cc
-  ${CMAKE_CURRENT_LIST_DIR}/script.cc ${CMAKE_CURRENT_LIST_DIR}/trace.cc)
+add_library(support STATIC ${CMAKE_CURRENT_LIST_DIR}/random_input.cc ${CMAKE_CURRENT_LIST_DIR}/trace.cc)
 target_link_libraries(support PUBLIC xw test_main)

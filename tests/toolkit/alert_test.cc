@@ -160,10 +160,12 @@ TEST(Alert, WhatItDroppedComesAgain) {
        },
        [&] {
          beeps = input::Counts().beeps;
+         input::Focus(Native(other));
          input::Click(510, 190);
        },
        [&] {
          EXPECT_EQ(input::Counts().beeps, beeps + 1);
+         EXPECT_TRUE(IsWindowActive(Native(alert))) << "the keyboard has come back to it";
          XwWindow* gone = other;
          XwDestroy(gone);
        },

@@ -147,6 +147,7 @@ TEST(Describe, IsKeptOnlyWhileSomebodyListens) {
   things = {{7, 10, XWA_ROW, XWT_SELECTED, "a.pdf", "3 pages"},
             {8, 60, XWA_BUTTON, XWT_DISABLED, "Stop", nullptr},
             {0, 290, 99, 0, "no role", ""},
+            {0, 300, int(platform::ObjectRole::kMenu), 0, "no role of a program's", ""},
             {9, 400, XWA_STATUS, XWT_EXPANDED | 1u << 31, "out\xFF", "of sight"}};
   XwWindow* w = Main(DrawThings);
   XwWindow* sub = Sub(w, "sub", 20, 40, 200, 100, DrawThings);
@@ -157,7 +158,7 @@ TEST(Describe, IsKeptOnlyWhileSomebodyListens) {
   RunLoop();
   EXPECT_EQ(draws, 2) << "each window was asked to draw";
   EXPECT_EQ(XwBoxId(w, 2), 8);
-  EXPECT_EQ(XwBoxId(w, 0) + XwBoxId(w, 5) + XwBoxId(nullptr, 1), 0);
+  EXPECT_EQ(XwBoxId(w, 0) + XwBoxId(w, 6) + XwBoxId(nullptr, 1), 0);
   const auto roots = platform::DescribeTree();
   ASSERT_EQ(roots[0].children.size(), 5u) << "the bar, three things, the sub-window";
   const DescribedNode &row = roots[0].children[1], &far = roots[0].children[3];
@@ -169,7 +170,7 @@ TEST(Describe, IsKeptOnlyWhileSomebodyListens) {
   EXPECT_EQ(far.what.state, platform::kIsEnabled | platform::kIsExpanded);
   EXPECT_EQ(State("Stop"), platform::kIsShown);
   EXPECT_EQ(roots[0].what.role, platform::ObjectRole::kWindow);
-  EXPECT_EQ(roots[0].what.value, "4");
+  EXPECT_EQ(roots[0].what.value, "5");
   const DescribedNode& pane = roots[0].children[4];
   EXPECT_EQ(pane.what.role, platform::ObjectRole::kTable);
   ASSERT_EQ(pane.children.size(), 3u);

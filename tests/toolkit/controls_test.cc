@@ -23,9 +23,7 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   Settle();
   const Rect r = Node("Go").what.bounds;
   EXPECT_EQ(r, (Rect{112, 111, 206, 133}));
-  input::MovePointer(r.left, r.top);
-  input::Press(1);
-  RunLoop();
+  PressAt(r.left, r.top);
   EXPECT_TRUE(State("Go") & kIsPressed);
   input::MovePointer(r.right, r.top);
   RunLoop();
@@ -34,16 +32,14 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   RunLoop();
   EXPECT_TRUE(State("Go") & kIsPressed);
   EXPECT_EQ(Others(), "") << "the window sees nothing of it";
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "5=0");
   EXPECT_FALSE(State("Go") & kIsPressed);
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 0u);
 
   input::Press(1);
   input::MovePointer(r.right, r.top);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "") << "let go outside";
   // The record reaches further than the button.
   input::Click(110, 110);
@@ -55,8 +51,7 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   input::Release(2);
   RunLoop();
   EXPECT_EQ(Reports(), "");
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "5=0");
   input::Press(3);
   RunLoop();
@@ -64,9 +59,7 @@ TEST(Controls, APressIsHeldInsideAndReportsWhenItIsLetGo) {
   input::Release(3);
   // The pointer is taken away, or the window goes, with the button down: it is let go of.
   for (bool hidden : {false, true}) {
-    input::MovePointer(r.left, r.top);
-    input::Press(1);
-    RunLoop();
+    PressAt(r.left, r.top);
     hidden ? XwShow(s.main, 0) : input::StealPointer(true);
     RunLoop();
     EXPECT_FALSE(State("Go") & kIsPressed);
@@ -156,8 +149,7 @@ TEST(Controls, WhoGetsAPress) {
     input::MovePointer(265, 255);
     input::Press(1);
     input::MovePointer(to, 255);
-    input::Release(1);
-    RunLoop();
+    LetGo();
     EXPECT_EQ(Reports(), to < 290 ? "6=0" : "");
   }
 }
@@ -414,13 +406,10 @@ TEST(Controls, TheRingAndWhatIsDrawnAgain) {
   EXPECT_EQ(input::TakePicture(Native(s.main)).pixels, plain.pixels);
   // A press draws the control and nothing else.
   const int64_t before = input::Counts().presented_pixels;
-  input::MovePointer(190, 165);
-  input::Press(1);
-  RunLoop();
+  PressAt(190, 165);
   EXPECT_GT(input::Counts().presented_pixels, before);
   EXPECT_LE(input::Counts().presented_pixels - before, 128 * 128);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(input::TakePicture(Native(s.main)).pixels, plain.pixels);
   // One that goes leaves the background and one redraw.
   seen.clear();
@@ -479,13 +468,10 @@ TEST(Controls, MayEndInTheirOwnReport) {
   }
   // One that goes while it is held swallows its release.
   doomed = XwButton(s.main, "d", 4, 10, 10, 60, 26, kOn, 0);
-  input::MovePointer(120, 120);
-  input::Press(1);
-  RunLoop();
+  PressAt(120, 120);
   XwDestroy(doomed);
   Settle();
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Others(), "");
 }
 

@@ -184,7 +184,7 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
   input::OpenFile("/too/early");
   RunLoop();
   Main();
-  XwWindow* other = Top("other", 500, 100, 50, 50);
+  Top("other", 500, 100, 50, 50);
   Settle();
   input::OpenFile("/tmp/a file");
   on_event = [](int) { EXPECT_STREQ(reinterpret_cast<const char*>(Inp.value), "/tmp/a file"); };
@@ -212,17 +212,29 @@ TEST(Desktop, RequestsThatComeTogetherKeepTheirDocuments) {
   EXPECT_EQ(paths, (std::vector<std::string>{"/a", "/a longer one", "/c"}));
 }
 
-TEST(Desktop, OnlyTheFirstOfSeveralDocuments) {
+// One event has the first document that fits, XwDroppedFiles has them all; each request its own.
+std::vector<std::vector<std::string>> requests;
+TEST(Desktop, ARequestHasAllItsDocuments) {
   OpenMain();
-  const char* files[] = {"/a", "/b", "/c"};
-  platform::Event e(platform::kEventClassAppleEvent, platform::kEventAppleEvent);
-  e.request = {platform::kAEOpenDocuments, files, 3};
-  EXPECT_EQ(EVapp_func(nullptr, &e, nullptr), platform::eventNotHandledErr);
-  e.request.file_count = 0;
-  EVapp_func(nullptr, &e, nullptr);
+  on_event = [](int type) {
+    int count = -1;
+    const char* const* files = XwDroppedFiles(&count);
+    ASSERT_EQ(files != nullptr, type == 798);
+    auto& all = requests.emplace_back(files, files + count);
+    all.push_back(Inp.param ? "asked" : "dropped");
+    all.push_back(reinterpret_cast<const char*>(Inp.value));
+  };
+  const std::string longer(500, 'x');
+  input::OpenFiles({"/a", "/two\nlines\\", "/\xff"}, false);
+  input::OpenFiles({"/" + longer, "/c"}, true);
+  input::OpenFiles({}, true);
   RunLoop();
-  ASSERT_EQ(Trace(), "main 798");
-  EXPECT_STREQ(reinterpret_cast<const char*>(seen[0].event.value), "/a");
+  EXPECT_EQ(requests, (std::vector<std::vector<std::string>>{
+                          {"/a", "/two\nlines\\", "/\xff", "dropped", "/a"},
+                          {"/" + longer, "/c", "asked", "/c"}}));
+  int count = 5;
+  EXPECT_EQ(XwDroppedFiles(&count), nullptr);
+  EXPECT_EQ(count, 0);
 }
 
 TEST(Desktop, ActivationOfTheProgram) {

@@ -437,7 +437,7 @@ TEST(EditBoxes, AProgramEditsAndOpensItsOwnContextMenu) {
   Boxes s;
   XwSetContextMenuHandler(s.main, [] { ++asked; });
   s.Focus();
-  XwEdit(s.box, XWU_COPY);
+  Type(kEnd);
   XwEdit(s.box, XWU_CUT);
   EXPECT_EQ(Text(s.box), "one two") << "nothing is selected";
   XwEdit(s.box, XWU_SELECT_ALL);
@@ -507,7 +507,7 @@ TEST(EditBoxes, ItDescribesItselfAndItsCaretRests) {
   EXPECT_EQ(n.what.value, "one two");
   EXPECT_EQ(n.what.state & (kIsFocused | kIsEnabled | kIsReadOnly), kIsFocused | kIsEnabled);
   XwDescribeControl(read, "Read");
-  EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable), kIsReadOnly);
+  EXPECT_EQ(State("Read") & (kIsReadOnly | kIsFocusable | kIsEnabled), kIsReadOnly | kIsEnabled);
   auto shown = [&](const std::string& text) {
     XwSetText(read, text.c_str());
     RunFor(0.001);

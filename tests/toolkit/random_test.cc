@@ -7,8 +7,8 @@
 #include "platform/controls/controls.h"
 #include "platform/display/window.h"
 #include "platform/events/queue.h"
-#include "platform/events/raw_event.h"
 #include "platform/windows/internal.h"
+#include "tests/support/random_input.h"
 #include "tests/support/seed.h"
 #include "tests/support/time_limit.h"
 #include "tests/toolkit/stage.h"
@@ -21,13 +21,13 @@ namespace {
 
 using namespace stage;
 
-uint64_t state;
+// The pointer goes beyond the screen's borders too.
+support::RandomInput* user;
 uint32_t Random(uint32_t below) {
-  state = state * 6364136223846793005u + 1442695040888963407u;
-  return uint32_t((state >> 33) % below);
+  return user->Number(below);
 }
 int Between(int low, int high) {
-  return low + int(Random(uint32_t(high - low + 1)));
+  return user->Between(low, high);
 }
 
 constexpr int kMostWindows = 60;
@@ -223,46 +223,6 @@ void Act() {
   }
 }
 
-// Letters and marks; what moves and presses.
-void Key() {
-  const uint32_t special[] = {0xFF09, 0xFF0D, 0xFF1B, 0xFFC7, uint32_t(Between(0xFF50, 0xFF57))};
-  const uint32_t key = Random(2) ? special[Random(5)] : uint32_t(Between(30, 130));
-  const uint32_t typed = key == 0xFF09 ? 9 : key == 0xFF0D ? 13 : key == 0xFF1B ? 27 : key;
-  Random(2) ? input::KeyDown(key, typed) : input::KeyUp(key, typed);
-}
-
-// One thing that a user or the desktop does.
-void Input() {
-  switch (Random(16)) {
-    default:
-      return input::MovePointer(Between(-10, 1000), Between(-10, 800));
-    case 7:
-      return input::Press(Between(1, 6));
-    case 8:
-    case 9:
-      return input::Release(Between(1, 6));
-    case 10:
-      return Key();
-    case 11:
-      return Random(3) ? input::Scroll(float(Between(-9, 9)), float(Between(-90, 90)))
-                       : input::Modifiers(Random(65536));
-    case 12: {
-      int left = Between(-50, 800), top = Between(-50, 600);
-      return input::Configure(AnyNative(),
-                              {left, top, left + Between(1, 400), top + Between(1, 300)});
-    }
-    case 13:
-      return Random(4) ? input::Close(AnyNative()) : input::Lose(AnyNative());
-    case 14:
-      return Random(4) ? input::Focus(AnyNative()) : input::OpenFile("/some/file");
-    case 15:
-      return input::Pen(
-          {uint16_t(Random(8)), uint16_t(Random(65536)), int16_t(Between(-99, 99)), 0},
-          platform::RawEvent::Type(
-              Between(platform::RawEvent::kMotion, platform::RawEvent::kRelease)));
-  }
-}
-
 void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
   ASSERT_TRUE(found->insert(w).second) << "in the tree twice";
   ASSERT_TRUE(IsLive(w));
@@ -296,10 +256,7 @@ void CheckRecord(XwWindow* w, std::set<XwWindow*>* found) {
 void Rest() {
   quiet = true;
   RunFor(0.1);
-  for (int b = 1; b <= 6; ++b) input::Release(b);
-  for (uint32_t key = 30; key <= 130; ++key) input::KeyUp(key, key);
-  for (uint32_t key : {0xFF09, 0xFF0D, 0xFF1B, 0xFFC7}) input::KeyUp(key);
-  for (uint32_t key = 0xFF50; key <= 0xFF57; ++key) input::KeyUp(key);
+  support::RandomInput::LetGo();
   RunFor(0.1);
   platform::ForEachEvent(platform::GetMainEventQueue(), [](platform::Event* e) {
     EXPECT_TRUE(e->cls != platform::kEventClassMouse && e->cls != platform::kEventClassKeyboard);
@@ -350,7 +307,8 @@ void Check() {
 }
 
 void Play(uint64_t seed, int64_t steps) {
-  state = seed;
+  support::RandomInput numbers(seed, {-10, -10, 1000, 800}, 1);
+  user = &numbers;
   Open();
   Create();
   static XwMenuItem menu[] = {
@@ -358,7 +316,7 @@ void Play(uint64_t seed, int64_t steps) {
   static XwMenuItem bar[] = {{"Menu", 0, XwValue(menu), nullptr}, {nullptr, 0, 0, nullptr}};
   XwSetMenu(W_Start, bar);
   for (int64_t i = 0; i < steps; ++i) {
-    Random(8) ? Input() : Act();
+    Random(8) ? user->Act(AnyNative) : Act();
     if (Random(6) == 0) RunFor(Random(30) / 1000.0);
     for (XwWindow* w : {Inp.window, Inp.focus, GrabWindow})
       if (!LiveOrNull(w)) ADD_FAILURE() << "a window that has ended";

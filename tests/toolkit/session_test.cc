@@ -59,13 +59,14 @@ TEST(Session, TracesWhatItNames) {
     const char* subjects;
     const char* has;
     const char* lacks;
-  } rows[] = {{"draw",
-               "draw: XwBox 1 2 3 4 5\ndraw: XwFillRect 1 2 3 4\ndraw: XwDrawLines 3\n"
-               "draw: XwDrawIcon 1 2 3 4 5 -1\n",
-               "events:"},
-              {"draw", "draw: XwDrawText 0 3 4 50 20 0 -1\n", "windows:"},
-              {"events,windows", "windows: create top-level 100 100 300 200\n", "draw:"},
-              {"windows,events", "events: 769\n", "draw:"}};
+  } rows[] = {
+      {"draw",
+       "draw: XwBox 1 2 3 4 5\ndraw: XwSetColor 5\ndraw: XwFillRect 1 2 3 4\ndraw: XwDrawLines 3\n"
+       "draw: XwDrawIcon 1 2 3 4 5 -1\n",
+       "events:"},
+      {"draw", "draw: XwDrawText 0 3 4 50 20 0 -1\n", "windows:"},
+      {"events,windows", "windows: create top-level 100 100 300 200\n", "draw:"},
+      {"windows,events", "events: 769\n", "draw:"}};
   for (const auto& row : rows) {
     const std::string command = std::string("XW_TRACE=") + row.subjects + " '" + path +
                                 "' --gtest_filter=Session.TracesWhatItNames 2>&1";
@@ -202,7 +203,7 @@ TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
 
 TEST(Session, TheRequestToQuitGoesToTheMainWindow) {
   stage::OpenMain();
-  XwWindow* other = stage::Top("other", 500, 100, 50, 50);
+  stage::Top("other", 500, 100, 50, 50);
   stage::Settle();
   kill(getpid(), SIGTERM);
   stage::RunLoop();

@@ -172,4 +172,15 @@ void MoveTo(int x, int y) {
   RunLoop();
 }
 
+void PressAt(int x, int y) {
+  input::MovePointer(x, y);
+  input::Press(1);
+  RunLoop();
+}
+
+void LetGo() {
+  input::Release(1);
+  RunLoop();
+}
+
 }  // namespace stage

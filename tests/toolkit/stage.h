@@ -53,7 +53,9 @@ XwWindow* Top(const char* name, int x, int y, int width, int height);
 XwWindow* Sub(XwWindow* parent, const char* name, int x, int y, int width, int height,
               XwHandler handler = Record);
 platform::WindowRef Native(XwWindow* w);
-// Moves the pointer and runs the loop.
+// Move the pointer, press the primary button, let go of it, and run the loop.
 void MoveTo(int x, int y);
+void PressAt(int x, int y);
+void LetGo();
 
 }  // namespace stage

@@ -73,6 +73,17 @@ TEST(Tips, TheyShowWhereThePointerRests) {
     RunFor(0.3);
     EXPECT_FALSE(Tip());
   }
+  // Nor does one that has left, and what it rested before does not count when it comes back.
+  input::MovePointer(120, 120);
+  RunFor(0.4);
+  input::MovePointer(600, 600);
+  Rest();
+  EXPECT_FALSE(Tip());
+  input::MovePointer(120, 120);
+  RunFor(0.4);
+  EXPECT_FALSE(Tip());
+  RunFor(0.2);
+  EXPECT_TRUE(Tip());
 }
 
 TEST(Tips, WhatEndsOne) {

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "platform/controls/controls.h"
 #include "tests/toolkit/control_stage.h"
 #include "toolkit/target/selection.h"
 
@@ -186,6 +187,8 @@ TEST(Toolbar, ItComesAndGoes) {
   EXPECT_TRUE(bar->flags & XW_SHOWN);
   for (const XwToolbarItem* items : {one, more, one}) EXPECT_EQ(XwSetToolbar(s.main, items), bar);
   EXPECT_EQ(bar->child_count, 1);
+  EXPECT_TRUE(platform::FindControlUnderMouse({20, 20}, Native(s.main)));
+  EXPECT_FALSE(platform::FindControlUnderMouse({70, 20}, Native(s.main))) << "it has ended";
   EXPECT_EQ(XwGetToolbarItem(s.main, 1)->value, -1);
   XwShowToolbar(s.main, 0);
   EXPECT_FALSE(bar->flags & XW_SHOWN);

@@ -102,18 +102,6 @@ TEST(Tree, BoundsAreKeptOnTheScreen) {
   }
 }
 
-TEST(Tree, AFullScreenMainWindow) {
-  setenv("XW_SCREEN", "800x600", 1);
-  Open();
-  XwWindow* w = XwCreate(0, 5, 5, 0, 0, Record);
-  EXPECT_EQ(w->x, 0);
-  EXPECT_EQ(w->y, platform::GetMBarHeight());
-  EXPECT_EQ(w->width, 800);
-  EXPECT_EQ(w->height, 600 - platform::GetMBarHeight());
-  EXPECT_TRUE(Native(w)->state & platform::kStateFullScreen);
-  EXPECT_TRUE(Native(w)->attributes & platform::kWindowNoConstrainAttribute);
-}
-
 TEST(Tree, OriginsOfSubWindows) {
   XwWindow* main = OpenMain();
   XwWindow* outer = XwCreate(main, 10, 20, 100, 100, Record);

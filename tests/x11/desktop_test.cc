@@ -37,9 +37,9 @@ TEST(Uris, OnlyLocalFilesHavePaths) {
       {"", ""},
   };
   for (const Row& row : kRows) EXPECT_EQ(LocalPathOfUri(row.uri), row.path) << row.uri;
-  EXPECT_EQ(FirstLocalPath("#c\r\n\r\nfile:///b\r\nfile:///c"), "/b");
-  EXPECT_EQ(FirstLocalPath("http://a/b\r\nfile:///c"), "");
-  EXPECT_EQ(FirstLocalPath("#only"), "");
+  using Paths = std::vector<std::string>;
+  EXPECT_EQ(LocalPaths("#c\r\n\r\nfile:///b\r\nhttp://a/b\nfile:///c"), (Paths{"/b", "/c"}));
+  EXPECT_EQ(LocalPaths("#only"), Paths());
 }
 
 TEST(BusName, ComesFromTheSession) {
@@ -77,7 +77,7 @@ TEST_F(Bus, RequestsOfOtherProgramsArrive) {
   EXPECT_TRUE(WaitUntil([&] { return w->focused; }));
   call("Open", "asa{sv}", 2, "file:///tmp/a%20b", "file:///tmp/c", 0);
   EXPECT_TRUE(WaitUntil([&] { return files.size() == 1; }));
-  EXPECT_EQ(files, std::vector<std::string>{"/tmp/a b"});
+  EXPECT_EQ(files, std::vector<std::string>{"/tmp/a b\n/tmp/c"});
   // Nothing local, no list at all, other types, an action that there is none of.
   call("Open", "asa{sv}", 1, "http://localhost/x", 0);
   call("Open", "asa{sv}", 0, 0);

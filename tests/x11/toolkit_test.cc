@@ -13,9 +13,7 @@ namespace {
 
 std::vector<std::string> seen;
 int Handle(int type) {
-  if (type == XWE_CONFIGURE) {
-    seen.push_back(std::to_string(Inp.width) + "x" + std::to_string(Inp.height));
-  } else if (type == XWE_OPEN) {
+  if (type == XWE_OPEN) {
     seen.push_back(reinterpret_cast<const char*>(Inp.value));
   } else if (type == XWE_PREFERENCES) {
     seen.push_back("preferences");
@@ -42,42 +40,11 @@ class Steps : public Toolkit<Base> {
 
 class Sizes : public Steps<X11Test> {
  protected:
-  // The user gives the window this size, the menu bar included.
-  void Resize(int width, int height) {
-    const uint32_t size[2] = {uint32_t(width), uint32_t(height)};
-    xcb_configure_window(user().connection(), Id(),
-                         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
-    user().Sync();
-    Rest();
-  }
   std::pair<int, int> Size() {
     const auto at = user().Where(Id());
     return {at.width, at.height};
   }
-  using Pair = std::pair<int, int>;
 };
-
-// An answer is given once; who insists on a size gets it.
-TEST_F(Sizes, OneOffTheStepsIsAnsweredOnceThenAccepted) {
-  StartServer("", {});
-  Session(101, 101, 10, 20);
-  Rest();
-  seen.clear();
-  Resize(127, 24 + 149);
-  EXPECT_EQ(Size(), Pair(131, 24 + 141));
-  EXPECT_EQ(seen, std::vector<std::string>{"131x141"});
-  Resize(127, 24 + 149);
-  EXPECT_EQ(Size(), Pair(127, 24 + 149));
-  EXPECT_EQ(seen, (std::vector<std::string>{"131x141", "127x149"}));
-  EXPECT_EQ(top->width, 127);
-  // A size in steps from there is taken as it is.
-  Resize(137, 24 + 169);
-  EXPECT_EQ(Size(), Pair(137, 24 + 169));
-  EXPECT_EQ(seen.size(), 3u);
-  // Another one off the steps is answered again.
-  Resize(140, 24 + 169);
-  EXPECT_EQ(Size(), Pair(137, 24 + 169));
-}
 
 // A manager cannot be told of a step that is not whole, so it grants any size: that is answered.
 TEST_F(Sizes, AStepThatIsNoWholeNumberOfPixelsIsKeptWithoutHints) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/controls/controls.h"
+#include "platform/desktop/documents.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
 #include "platform/windows/windows.h"
@@ -12,6 +13,7 @@
 #include "toolkit/core/saturate.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/cursors.h"
+#include "toolkit/events/documents.h"
 #include "toolkit/events/keyboard.h"
 #include "toolkit/events/session.h"
 #include "toolkit/target/clip.h"
@@ -177,7 +179,8 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
     case kEventClassAppleEvent:
       if (event->request.id == kAEQuitApplication)
         return AskFirstWindow(XWE_QUIT) ? noErr : eventNotHandledErr;
-      if (event->request.id == kAEOpenDocuments) EVapple_func(event);
+      if (event->request.id == kAEOpenDocuments || event->request.id == kOpenAsked)
+        EVapple_func(event);
       return eventNotHandledErr;
     case kEventClassCommand:
       if (event->request.id == kHICommandQuit) {
@@ -202,16 +205,19 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
 }
 
 OSStatus EVapple_func(const Event* event) {
-  // Only the first document, however many were dropped.
-  if (event->request.file_count < 1) return noErr;
-  const char* path = event->request.files[0];
-  size_t length = strlen(path);
-  if (length >= toolkit::kPathSize) {
-    Refuse(Refusal::kPathTooLong);
+  // One event with the first document that fits, however many there are: XwDroppedFiles has all.
+  const RequestFields& asked = event->request;
+  int first = 0;
+  while (first < asked.file_count && strlen(asked.files[first]) >= toolkit::kPathSize) ++first;
+  if (first == asked.file_count) {
+    if (first > 0) Refuse(Refusal::kPathTooLong);
     return noErr;
   }
+  const char* path = asked.files[first];
+  const size_t length = strlen(path);
   char* file = state.paths[state.next_path++ % toolkit::kPaths];
   memcpy(file, path, length + 1);
-  if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, 0);
+  KeepDocuments(file, asked.files, asked.file_count);
+  if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, asked.id == kOpenAsked);
   return noErr;
 }

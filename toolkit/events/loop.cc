@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "platform/controls/edit_text.h"
-#include "platform/display/alert_sound.h"
 #include "platform/events/clock.h"
 #include "platform/events/event.h"
 #include "platform/events/targets.h"
@@ -39,12 +38,13 @@ class toolkit::Modal {
   bool raw() const { return window_ == RawMode(); }
   // It and the waits around it are for all windows.
   bool open_to_all() const { return !window_ && (!outer_ || outer_->open_to_all()); }
-  bool KeepsOut(XwWindow* w) const {
-    if (!serial_ || !IsLive(window_) || window_->serial != serial_) return false;
-    return w != window_ && !IsSubWindow(window_, w);
+  bool KeepsOut(XwWindow* w) const { return lives() && w != window_ && !IsSubWindow(window_, w); }
+  void Select() const {
+    if (lives()) SelectWindow(NativeWindow(TopLevel(window_)));
   }
 
  private:
+  bool lives() const { return serial_ && IsLive(window_) && window_->serial == serial_; }
   XwWindow* window_;
   uint64_t serial_ = 0;
   const Modal* outer_;
@@ -131,6 +131,11 @@ bool ModalKeepsOutNative(const Window* native) {
   return false;
 }
 
+void RefusePress() {
+  XwBeep();
+  if (const Modal* m = state.innermost_wait) m->Select();
+}
+
 void XwRunEventLoop() {
   for (;;) XwWaitEvent(nullptr);
 }
@@ -171,7 +176,7 @@ int XwWaitEvent(XwWindow* modal) {
     XwWindow* w = Inp.window;
     if (only.KeepsOut(w)) {
       if (Inp.type != XWE_CLOSE && Inp.type != XWE_PRESS) return Inp.type;
-      XwBeep();
+      Inp.type == XWE_PRESS ? RefusePress() : XwBeep();
       continue;
     }
     if (only.raw() || !w || !w->handler) return Inp.type;
@@ -211,7 +216,7 @@ int XwGetEvent(XwWindow* modal, int dispatch) {
     return type;
   }
   if (only.KeepsOut(w)) {
-    if (type == XWE_PRESS) XwBeep();
+    if (type == XWE_PRESS) RefusePress();
     return type;
   }
   if (dispatch && !only.raw() && w && w->handler) Inp.type = w->handler(type);
@@ -229,8 +234,4 @@ int XwGrabEvent() {
     int type = XwWaitEvent(RawMode());
     if (type != XWE_TIMER || !Inp.window || !Inp.window->handler) return type;
   }
-}
-
-void XwBeep() {
-  AlertSoundPlay();
 }

@@ -7,5 +7,8 @@
 bool WaitKeepsOut(XwWindow* w);
 // The same of a wait for another window; a wait that dispatches nothing does not count.
 bool ModalKeepsOut(XwWindow* w);
+// What a press in such a window does: a beep, and the window that is waited for comes to the front
+// and has the keyboard, lest the user loses it from sight.
+void RefusePress();
 // The same of the platform's window. While an alert is open the others keep what they show.
 bool ModalKeepsOutNative(const platform::Window* native);

@@ -38,8 +38,9 @@ void OpenRequestedContext() {
   const XwEvent before = Inp;
   Inp.window = w;
   w->context_menu_handler();
-  // The key is still to be delivered.
+  // The key is still to be delivered. The release of its Shift has gone to the menu.
   Inp = before;
+  Inp.state &= ~uint32_t{XWS_SHIFT};
   if (!IsLive(Inp.window)) Inp.window = nullptr;
   if (!IsLive(Inp.focus)) Inp.focus = nullptr;
 }
@@ -53,7 +54,7 @@ void SendCommand(MenuRef menu, uint32_t command) {
 }  // namespace
 
 void PressMenuBar(const Event& e) {
-  if (ModalKeepsOut(W_Start)) return XwBeep();
+  if (ModalKeepsOut(W_Start)) return RefusePress();
   TargetScope scope;
   MenuSelect(e.mouse.where);
   MenuClosed();

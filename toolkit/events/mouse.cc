@@ -94,7 +94,7 @@ OSStatus Button(XwWindow* w, const Event& e) {
   if (!GrabWindow &&
       FindControlUnderMouse({e.mouse.where.x - w->x, e.mouse.where.y - w->y}, NativeWindow(w))) {
     if (e.kind == kEventMouseDown && ModalKeepsOut(w)) {
-      XwBeep();
+      RefusePress();
       return noErr;
     }
     return eventNotHandledErr;

@@ -20,7 +20,7 @@
 #include "toolkit/core/state.h"
 #include "toolkit/drawing/fonts.h"
 #include "toolkit/events/cursors.h"
-#include "toolkit/events/describe.h"
+#include "toolkit/events/described_tree.h"
 #include "toolkit/events/install.h"
 #include "toolkit/events/loop.h"
 #include "toolkit/windows/described.h"

@@ -1,9 +1,11 @@
 target_sources(xw PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/beep.cc
   ${CMAKE_CURRENT_LIST_DIR}/clipboard.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursor_art.cc
   ${CMAKE_CURRENT_LIST_DIR}/cursors.cc
-  ${CMAKE_CURRENT_LIST_DIR}/describe.cc
+  ${CMAKE_CURRENT_LIST_DIR}/described_tree.cc
   ${CMAKE_CURRENT_LIST_DIR}/desktop.cc
+  ${CMAKE_CURRENT_LIST_DIR}/documents.cc
   ${CMAKE_CURRENT_LIST_DIR}/install.cc
   ${CMAKE_CURRENT_LIST_DIR}/keyboard.cc
   ${CMAKE_CURRENT_LIST_DIR}/loop.cc

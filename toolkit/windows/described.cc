@@ -177,10 +177,15 @@ void DropDescribed() {
   state.described = nullptr;
 }
 
+// Those between are the toolkit's own: menus and what stands in them.
+static bool IsGivenRole(int role) {
+  return (role >= XWA_PANE && role <= XWA_LABEL) || (role >= XWA_LIST && role < XW_A_ROLES);
+}
+
 void XwDescribe(int position, int role, uint32_t states, const char* name, const char* value) {
   if (!tree_is_heard) return;
   XwWindow* w = XW;
-  if (!CheckWindow(w) || IsControl(w) || role < 1 || role >= XW_A_ROLES) return;
+  if (!CheckWindow(w) || IsControl(w) || !IsGivenRole(role)) return;
   if (position == -1) position = BoxCount(w);
   Item item;
   if (position != 0 && !BoxAt(w, position, &item.box)) return;

@@ -210,7 +210,8 @@ void RaiseNative(const Window* w, uint32_t how, const char*) {
 uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   if (width <= 0 || height <= 0 || int64_t(width) * height > (int64_t{1} << 28)) return nullptr;
   NativeWindow* n = Native(w);
-  std::vector<uint32_t> pixels(size_t(width) * size_t(height), 0xFF000000u);
+  std::vector<uint32_t> pixels(size_t(width) * size_t(height),
+                               w->backdrop != kNoColor ? 0xFF000000u | w->backdrop : 0xFFFFFFFFu);
   for (int y = 0; y < std::min(height, n->height); ++y)
     std::copy_n(n->buffer.begin() + int64_t(y) * n->width, std::min(width, n->width),
                 pixels.begin() + int64_t(y) * width);
@@ -293,14 +294,31 @@ bool NextEvent(RawEvent* out) {
 
 // XW_SNAPSHOT=FILE: whenever the program comes to rest and has shown something new, the file gets
 // the picture of its first window. Written beside it first, so that readers never see half of one.
-void WriteSnapshot() {
-  static const char* path = getenv("XW_SNAPSHOT");
-  static int written = 0;
-  State& s = Headless();
-  if (!path || s.counts.presents == written || s.stack.empty()) return;
-  written = s.counts.presents;
-  std::string beside = std::string(path) + ".part";
-  if (WritePng(TakePicture(s.stack.back()), beside)) rename(beside.c_str(), path);
+// Where time is stepped nobody looks between two steps, and writing would take longer than all
+// else: the picture is kept, and written when the program waits for somebody, or at its end.
+struct Snapshot {
+  const char* path = getenv("XW_SNAPSHOT");
+  int taken = 0;  // presents
+  Picture picture;
+
+  void Take() {
+    State& s = Headless();
+    if (!path || s.counts.presents == taken || s.stack.empty()) return;
+    taken = s.counts.presents;
+    picture = TakePicture(s.stack.back());
+  }
+  void Write() {
+    if (picture.pixels.empty()) return;
+    const std::string beside = std::string(path) + ".part";
+    if (WritePng(picture, beside)) rename(beside.c_str(), path);
+    picture = {};
+  }
+};
+Snapshot& TheSnapshot() {
+  static Snapshot snapshot;
+  static const int at_exit = atexit([] { snapshot.Write(); });
+  (void)at_exit;
+  return snapshot;
 }
 
 // Where time is stepped by hand nothing but a source can come by itself: those are looked at first,
@@ -309,8 +327,9 @@ void Wait(double seconds) {
   constexpr double kPatience = 5;
   State& s = Headless();
   if (!s.raw.empty()) return;  // injected by what ran since reports were taken
-  WriteSnapshot();
+  TheSnapshot().Take();
   if (!s.stepped) {
+    TheSnapshot().Write();
     WaitForSources(seconds);
     return;
   }
@@ -319,6 +338,7 @@ void Wait(double seconds) {
     s.now += seconds;
     return;
   }
+  TheSnapshot().Write();
   if (s.idle && s.idle()) return;
   if (WaitForSources(kPatience)) return;
   fprintf(stderr, "headless display: nothing left to wait for\n");

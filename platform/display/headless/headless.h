@@ -61,6 +61,8 @@ void Frame(const Window* w, const DeviceRect& widths);
 void Frames(const DeviceRect& widths);
 void SetState(const Window* w, uint32_t state);
 void OpenFile(const char* path);
+// Several at once: dropped, or asked for by another program.
+void OpenFiles(const std::vector<std::string>& paths, bool asked);
 void Preferences();
 void Quit();
 void Inject(const RawEvent& raw);

@@ -1,6 +1,7 @@
 // Injected input: what a pointer, a keyboard and a desktop would report.
 #include <algorithm>
 
+#include "platform/desktop/documents.h"
 #include "platform/display/headless/state.h"
 #include "platform/events/queue.h"
 #include "platform/text/utf8.h"
@@ -347,9 +348,14 @@ void Lose(const Window* w) {
 }
 
 void OpenFile(const char* path) {
-  if (!path || !Headless().open) return;
-  Headless().paths.push_back(path);
-  Push(Report(RawEvent::kOpenFile, nullptr));
+  if (path) OpenFiles({path}, false);
+}
+void OpenFiles(const std::vector<std::string>& paths, bool asked) {
+  if (paths.empty() || !Headless().open) return;
+  Headless().paths.push_back(JoinPaths(paths));
+  RawEvent raw = Report(RawEvent::kOpenFile, nullptr);
+  raw.request = asked;
+  Push(raw);
 }
 
 void Preferences() {

@@ -78,7 +78,8 @@ uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   constexpr int64_t kMostPixels = int64_t{1} << 28;
   if (width <= 0 || height <= 0 || int64_t{width} * height > kMostPixels) return nullptr;
   NativeWindow* n = Native(w);
-  std::vector<uint32_t> pixels(size_t(width) * size_t(height));
+  std::vector<uint32_t> pixels(size_t(width) * size_t(height),
+                               w->backdrop != kNoColor ? 0xFF000000u | w->backdrop : 0xFFFFFFFFu);
   for (int y = 0; y < std::min(height, n->height); ++y) {
     std::copy_n(n->buffer.begin() + int64_t{y} * n->width, std::min(width, n->width),
                 pixels.begin() + int64_t{y} * width);

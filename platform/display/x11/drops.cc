@@ -4,6 +4,7 @@
 // stops or drags on is given up. Nothing here waits for it.
 #include <algorithm>
 
+#include "platform/desktop/documents.h"
 #include "platform/desktop/uris.h"
 #include "platform/display/x11/x.h"
 
@@ -11,8 +12,8 @@ namespace platform::x11 {
 
 namespace {
 
-constexpr size_t kMaxBytes = 1 << 20;  // the first file is what counts
-constexpr double kMaxSeconds = 30;     // from the drop to the last piece that is looked at
+constexpr size_t kMaxBytes = kMostAddresses;
+constexpr double kMaxSeconds = 30;  // from the drop to the last piece that is looked at
 
 // What is being dragged over us.
 struct Hover {
@@ -48,11 +49,18 @@ bool TypesOfProperty(xcb_window_t source) {
   return std::find(types, end, Atom(kTextUriList)) != end;
 }
 
-// Tells the source, and takes the first file when there is one.
+// The files of a list; of one that was cut the last address may be a part of one.
+std::vector<std::string> DroppedPaths() {
+  if (transfer.data.size() < kMaxBytes) return LocalPaths(transfer.data);
+  const size_t end = transfer.data.find_last_of("\r\n");
+  return LocalPaths(std::string_view(transfer.data).substr(0, end == std::string::npos ? 0 : end));
+}
+
+// Tells the source, and takes the files when there are any.
 void EndTransfer(bool arrived) {
   if (transfer.target == nullptr) return;
-  std::string path = arrived ? FirstLocalPath(transfer.data) : std::string();
-  const bool done = !path.empty();
+  const std::vector<std::string> paths = arrived ? DroppedPaths() : std::vector<std::string>();
+  const bool done = !paths.empty();
   const uint32_t answer[5] = {transfer.target->id, done ? 1u : 0u, done ? Atom(kXdndActionCopy) : 0,
                               0, 0};
   SendClientMessage(transfer.source, transfer.source, kXdndFinished, answer, 0);
@@ -62,7 +70,7 @@ void EndTransfer(bool arrived) {
   drained_until = transfer.started + kMaxSeconds;
   transfer = Transfer{};
   if (!done) return;
-  x.paths.push_back(std::move(path));
+  x.paths.push_back(JoinPaths(paths));
   Emit(RawEvent::kOpenFile, nullptr);
 }
 

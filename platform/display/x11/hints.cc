@@ -178,7 +178,10 @@ void UpdateNative(const Window* w, uint32_t what) {
   if ((what & kUpdateTitle) != 0) SetTitle(*n);
   if ((what & kUpdateHints) != 0) SetHints(n);
   if ((what & kUpdateCursor) != 0) SetCursor(n);
-  if ((what & kUpdateBackdrop) != 0) SetBackdrop(*n);
+  if ((what & kUpdateBackdrop) != 0) {
+    SetBackdrop(*n);
+    PrepareBuffer(*n);
+  }
   if ((what & kUpdateIcon) != 0 && n->finished) SetIcon(*n);
 }
 

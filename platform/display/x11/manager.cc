@@ -24,6 +24,10 @@ xcb_window_t ReadWindow(xcb_get_property_cookie_t cookie) {
   return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.p));
 }
 
+xcb_get_property_cookie_t AskCheck(xcb_window_t window) {
+  return xcb_get_property(x.c, 0, window, Atom(kNetSupportingWmCheck), XCB_ATOM_WINDOW, 0, 1);
+}
+
 void ReadSupported() {
   auto& m = x.manager;
   m.known = true;
@@ -85,13 +89,21 @@ DeviceRect ReadExtents(const Native& n) {
 
 }  // namespace
 
+xcb_get_property_cookie_t AskManager() {
+  return AskCheck(x.screen->root);
+}
+
+void TakeManager(xcb_get_property_cookie_t cookie) {
+  x.manager.check = ReadWindow(cookie);
+  x.manager.checked = true;
+}
+
 // A window manager runs when its check window names itself.
 bool HasWindowManager() {
-  auto ask = [](xcb_window_t window) {
-    return xcb_get_property(x.c, 0, window, Atom(kNetSupportingWmCheck), XCB_ATOM_WINDOW, 0, 1);
-  };
-  const xcb_window_t check = ReadWindow(ask(x.screen->root));
-  return check != XCB_NONE && ReadWindow(ask(check)) == check;
+  if (!x.manager.checked) TakeManager(AskManager());
+  x.manager.checked = false;
+  const xcb_window_t check = x.manager.check;
+  return check != XCB_NONE && ReadWindow(AskCheck(check)) == check;
 }
 
 bool ManagerSyncs() {

@@ -18,27 +18,7 @@ constexpr int kMaxSide = 32767;  // of a window
 // Room beyond the size asked for when a window grows, so that a live resize rarely changes memory.
 constexpr int kGrowth = 256;
 constexpr size_t kMaxPiece = 200 * 1024;  // of a picture in one request; any server takes 256 KB
-
-struct Memory {
-  uint32_t* pixels = nullptr;
-  int descriptor = -1;
-};
-
-Memory AllocateShared(size_t bytes) {
-  Memory m;
-  m.descriptor = memfd_create("xw-window", MFD_CLOEXEC);
-  if (m.descriptor < 0) return m;
-  void* p = MAP_FAILED;
-  if (ftruncate(m.descriptor, off_t(bytes)) == 0) {
-    p = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, m.descriptor, 0);
-  }
-  if (p == MAP_FAILED) {
-    close(m.descriptor);
-    return Memory{};
-  }
-  m.pixels = static_cast<uint32_t*>(p);
-  return m;
-}
+constexpr size_t kWorthAThread = size_t{1} << 20;  // bytes of a buffer that is made ahead
 
 uint32_t* AllocatePlain(size_t bytes) {
   void* p = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -82,14 +62,25 @@ bool TakeSpare(Native* n, int stride, int rows) {
   return false;
 }
 
+uint32_t FirstPixel(const Native& n) {
+  return 0xFF000000u | (n.w->backdrop != kNoColor ? n.w->backdrop : 0xFFFFFFu);
+}
+
+int FirstStride(int width) {
+  return std::min((width + 15) & ~15, kMaxSide + 1);
+}
+
 // New memory for at least width x height, in place of what `n` has.
 bool Reallocate(Native* n, int width, int height) {
   const bool first = n->pixels == nullptr;
-  const int stride = std::min((width + (first ? 0 : kGrowth) + 15) & ~15, kMaxSide + 1);
+  const int stride = FirstStride(width + (first ? 0 : kGrowth));
   const int rows = std::min(height + (first ? 0 : kGrowth), kMaxSide);
   if (first && n->w->parent != nullptr && TakeSpare(n, stride, rows)) return true;
   const size_t bytes = size_t(stride) * size_t(rows) * 4;
-  Memory m = x.shm ? AllocateShared(bytes) : Memory{};
+  SharedMemory m;
+  if (x.shm && first) m = TakeAhead(bytes, FirstPixel(*n));
+  if (x.shm && m.pixels == nullptr)
+    m = first ? AllocateFilled(bytes, FirstPixel(*n)) : AllocateShared(bytes);
   if (m.pixels == nullptr) m.pixels = AllocatePlain(bytes);
   if (m.pixels == nullptr) return false;
   if (!first) CopyOverlap(*n, m.pixels, stride, width, height);
@@ -98,6 +89,7 @@ bool Reallocate(Native* n, int width, int height) {
   n->bytes = bytes;
   n->stride = stride;
   n->rows = rows;
+  if (first && m.descriptor < 0) std::fill_n(n->pixels, bytes / 4, FirstPixel(*n));
   if (m.descriptor >= 0) {
     n->segment = xcb_generate_id(x.c);
     // Not waited for: a refusal comes back as an error and turns sharing off. The library closes
@@ -144,6 +136,16 @@ void RefuseSharedMemory() {
 }
 
 }  // namespace
+
+void PrepareBuffer(const Native& n) {
+  const DeviceRect d = DeviceBounds(*n.w);
+  if (!x.shm || x.shown || n.id != x.leader || n.pixels != nullptr || d.empty() ||
+      d.width() > kMaxSide) {
+    return;
+  }
+  const size_t bytes = size_t(FirstStride(d.width())) * size_t(std::min(d.height(), kMaxSide)) * 4;
+  if (bytes >= kWorthAThread) AllocateAhead(bytes, FirstPixel(n));
+}
 
 uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride) {
   Native* n = NativeOf(w);

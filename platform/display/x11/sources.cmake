@@ -13,6 +13,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/pointer.cc
   ${CMAKE_CURRENT_LIST_DIR}/screens.cc
   ${CMAKE_CURRENT_LIST_DIR}/selections.cc
+  ${CMAKE_CURRENT_LIST_DIR}/shared_memory.cc
   ${CMAKE_CURRENT_LIST_DIR}/startup.cc
   ${CMAKE_CURRENT_LIST_DIR}/sync.cc
   ${CMAKE_CURRENT_LIST_DIR}/devices.cc

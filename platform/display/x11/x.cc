@@ -135,7 +135,9 @@ OpenResult Open(const char* session_name) {
   BeginStartup();
   AskOthers();
   MakeContext();
+  const xcb_get_property_cookie_t manager = AskManager();
   ReadScreens();
+  TakeManager(manager);
   TakeOthers();
   x.shm = SharedMemoryUsable(has_shm, version);
   return OthersRun() ? OpenResult::kShared : OpenResult::kOpened;
@@ -145,6 +147,7 @@ void Close() {
   if (x.c == nullptr) return;
   while (!x.windows.empty()) DestroyNative(x.windows.begin()->second->w);
   DropSpareBuffers();
+  DropAhead();
   CloseCursors();
   CloseKeyboard();
   ClosePointer();

@@ -172,6 +172,9 @@ struct State {
   struct {
     bool known = false;
     bool tells_frames = false, syncs = false;
+    // The check window, read with the screens; good for one look, since a manager may end.
+    bool checked = false;
+    xcb_window_t check = XCB_NONE;
     struct Frame {
       uint64_t kind;
       DeviceRect widths;
@@ -273,6 +276,9 @@ void SendClientMessage(xcb_window_t to, xcb_window_t about, AtomIndex type, cons
                        uint32_t mask);
 
 // --- manager.cc
+// Its question goes with a batch of requests that is sent anyway.
+xcb_get_property_cookie_t AskManager();
+void TakeManager(xcb_get_property_cookie_t cookie);
 bool HasWindowManager();
 // It takes part in the protocol of sync.cc.
 bool ManagerSyncs();
@@ -317,7 +323,26 @@ void MarkProgram(const Native& n);
 void EndStartup();
 void UseToken(const char* token);
 
+// --- shared_memory.cc
+// Memory that the server can map too; the caller unmaps it and closes the descriptor. No pixels
+// when there is none.
+struct SharedMemory {
+  uint32_t* pixels = nullptr;
+  int descriptor = -1;
+};
+SharedMemory AllocateShared(size_t bytes);
+// The same, all of it in one colour.
+SharedMemory AllocateFilled(size_t bytes, uint32_t pixel);
+// The same on a thread of its own, while the program fills its first window with controls. The next
+// of the two calls waits for it: the first gives the memory, none where that has another size or
+// colour; the second frees it.
+void AllocateAhead(size_t bytes, uint32_t pixel);
+SharedMemory TakeAhead(size_t bytes, uint32_t pixel);
+void DropAhead();
+
 // --- pixels.cc
+// Begins to make the pixels of the first window, whose colour is known now.
+void PrepareBuffer(const Native& n);
 uint32_t* ResizeBuffer(const Window* w, int width, int height, int* stride);
 void FreeBuffer(Native* n);
 // The buffer of a pop-up that ends is kept for the next one.

@@ -1,4 +1,4 @@
-#include "toolkit/events/describe.h"
+#include "toolkit/events/described_tree.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,0 +1,131 @@
+#include "app/window/help.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/look/style.h"
+#include "app/window/command_table.h"
+#include "app/window/commands.h"
+
+namespace console {
+namespace {
+
+constexpr int kColumn = 300, kMargin = 20, kRow = 20, kHeading = 30, kKeys = 120;
+constexpr int kColumns = 2;
+
+XwWindow* keys_window;
+
+// A line of the window; a heading has no keys.
+struct Line {
+  std::string name, keys;
+};
+
+std::string KeysOf(const Command& command) {
+  const CommandMore& more = command.more;
+  std::string keys = KeyText(more.key, more.modifiers);
+  const std::string plain = more.where ? KeyText(more.plain_key, 0) : "";
+  if (!keys.empty() && !plain.empty()) keys += ", ";
+  return keys + plain;
+}
+
+const std::vector<Line>& Lines() {
+  static const auto* lines = [] {
+    constexpr const char* kTitles[kMenus] = {"File", "Edit", "Queue", "View", "Help"};
+    auto* all = new std::vector<Line>;
+    for (int m = 0; m < kMenus; ++m) {
+      all->push_back({kTitles[m], ""});
+      for (const Command& command : Commands())
+        if (const std::string keys = KeysOf(command); command.menu == m && !keys.empty())
+          all->push_back({command.name, keys});
+    }
+    const Line kWindow[] = {{"Window", ""},
+                            {"Next part, and back", "Tab, Shift+Tab"},
+                            {"Menu of what is selected", "Menu, Shift+F10"},
+                            {"Menu bar", "F10, Alt"},
+                            {"Back to the files", "Esc"}};
+    all->insert(all->end(), std::begin(kWindow), std::end(kWindow));
+    return all;
+  }();
+  return *lines;
+}
+
+int HeightOf(const Line& line) {
+  return line.keys.empty() ? kHeading : kRow;
+}
+
+// Where the second column begins: at the first heading past the middle.
+size_t SecondColumn() {
+  int whole = 0, above = 0;
+  for (const Line& line : Lines()) whole += HeightOf(line);
+  for (size_t i = 0; i < Lines().size(); ++i) {
+    if (Lines()[i].keys.empty() && above >= whole * 2 / 5) return i;
+    above += HeightOf(Lines()[i]);
+  }
+  return Lines().size();
+}
+
+int WindowHeight() {
+  int heights[kColumns] = {};
+  const size_t second = SecondColumn();
+  for (size_t i = 0; i < Lines().size(); ++i) heights[i >= second] += HeightOf(Lines()[i]);
+  return std::max(heights[0], heights[1]) + 2 * kMargin;
+}
+
+void DrawKeys() {
+  const Style& l = TheStyle();
+  XwPush(keys_window);
+  Fill({0, 0, keys_window->width, keys_window->height}, l.document);
+  Area column{kMargin, kMargin, kColumn, keys_window->height};
+  const size_t second = SecondColumn();
+  XwBoxList(3, 0, 0, 0, 0);
+  for (size_t i = 0; i < Lines().size(); ++i) {
+    const Line& line = Lines()[i];
+    if (i == second) column = {2 * kMargin + kColumn, kMargin, kColumn, keys_window->height};
+    Area a = column.TakeTop(HeightOf(line));
+    XwBoxList(1, a.x, a.y, a.w, a.h);
+    XwDescribe(-1, XWA_LABEL, 0, line.name.c_str(), line.keys.c_str());
+    if (line.keys.empty()) {
+      a.TakeTop(8);
+      DrawLabel(l.bold, Align::kLeft, a, line.name, l.ink);
+      continue;
+    }
+    DrawLabel(l.view, Align::kLeft, a.TakeLeft(a.w - kKeys), line.name, l.ink);
+    DrawLabel(l.view, Align::kLeft, a, line.keys, l.second);
+  }
+  XwBoxList(4, 0, 0, 0, 0);
+  XwPop();
+}
+
+int HandleKeys(int type) {
+  if (type == XWE_EXPOSE) DrawKeys();
+  if (type == XWE_CLOSE || type == XWE_ESCAPE) CloseKeys();
+  return 0;
+}
+
+}  // namespace
+
+void ShowKeys(Console* c) {
+  if (!keys_window) {
+    const int width = kColumns * kColumn + (kColumns + 1) * kMargin;
+    keys_window = XwCreate(0, 0, 0, width, WindowHeight(), HandleKeys);
+    if (!keys_window) return;
+    XwSetSizes(keys_window, width, WindowHeight(), width, WindowHeight(), 0, 0);
+    XwSetTextUtf8(keys_window, "Keys");
+    XwCenter(keys_window, c->window);
+  }
+  XwShow(keys_window, 1);
+  XwSetFocus(keys_window);
+}
+
+void CloseKeys() {
+  XwDestroy(keys_window);
+  keys_window = nullptr;
+}
+
+void ShowAbout(Console*) {
+  XwConfirmUtf8("i", "", "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop", "OK",
+                nullptr);
+}
+
+}  // namespace console

@@ -1,0 +1,330 @@
+// The window of scanners and profiles: what each is for, and what can be asked of it.
+#include <algorithm>
+
+#include "app/format/folding.h"
+#include "app/format/texts.h"
+#include "app/look/controls.h"
+#include "app/panes/side_list.h"
+#include "app/window/console.h"
+
+namespace console {
+namespace {
+
+enum Id { kBar = 1, kSave, kStart, kClose };
+enum : int { kList = 1 };  // owner of hits
+
+constexpr int kWidth = 520, kHeight = 330, kEdge = 16, kHeader = 22, kRowHeight = 22;
+constexpr int kLeastWidth = 440, kLeastHeight = 220;
+constexpr int kButtonHeight = 26, kFoot = kButtonHeight + 2 * kEdge;
+constexpr int kWindowStyle = -256 + 1 + 32;  // a document's, with a close box
+constexpr int kPadding = 8;
+
+struct Row {
+  std::string name, printer, details;  // bytes
+  bool scanner = false, away = false;
+};
+
+// Profiles first, each kind by name.
+std::vector<Row> RowsOf(const ServerLists& lists) {
+  std::vector<Row> rows;
+  for (size_t i = 0; i < lists.profiles.size(); ++i) {
+    const NC_Profile& p = lists.profiles[i];
+    std::string details = std::to_string(p.dpi_across) +
+                          (p.dpi_across == p.dpi_along ? "" : " × " + std::to_string(p.dpi_along)) +
+                          " dpi";
+    if (p.media[0]) details += std::string(", ") + p.media;
+    rows.push_back({p.name, lists.printers[i], details});
+  }
+  for (const NC_Scanner& s : lists.scanners)
+    rows.push_back({s.name, "", s.text, true, s.away != 0});
+  std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
+    return a.scanner != b.scanner ? b.scanner : NaturalLess(a.name, b.name);
+  });
+  return rows;
+}
+
+std::string KindText(const Row& row) {
+  return !row.scanner ? "profile" : row.away ? "scanner, away" : "scanner";
+}
+std::string ForText(const Row& row) {
+  return row.scanner ? "" : row.printer.empty() ? "every printer" : Shown(row.printer);
+}
+
+}  // namespace
+
+struct ListsWindow {
+  Console* console = nullptr;
+  XwWindow* window = nullptr;
+  XwWindow *save = nullptr, *start = nullptr, *close = nullptr;
+  SideList list{kList, kRowHeight};
+  std::shared_ptr<const ServerLists> shown;
+  bool asked = false;  // the server that is there now
+  std::vector<Row> rows;
+  Hits hits;
+};
+
+namespace {
+
+ListsWindow* g_window;
+
+const Row* At(const ListsWindow* w) {
+  const int at = w->list.at();
+  return at >= 0 && size_t(at) < w->rows.size() ? &w->rows[size_t(at)] : nullptr;
+}
+bool CanSave(const ListsWindow* w) {
+  const Row* row = At(w);
+  return row && !row->scanner && w->console->state.link == Link::kReady &&
+         w->console->files.folder.known();
+}
+bool CanStart(const ListsWindow* w) {
+  const Row* row = At(w);
+  return row && row->scanner && !row->away && w->console->state.link == Link::kReady;
+}
+
+// --- Drawing
+
+Area Frame(const ListsWindow* w) {
+  return {kEdge, kEdge, w->window->width - 2 * kEdge, w->window->height - kEdge - kFoot};
+}
+
+struct Cells {
+  Area name, printer, kind, details;
+};
+Cells CellsOf(Area a) {
+  const int w = a.w;
+  Cells c;
+  c.name = a.TakeLeft(w * 32 / 100).Inset(kPadding, 0);
+  c.printer = a.TakeLeft(w * 22 / 100).Inset(kPadding, 0);
+  c.kind = a.TakeLeft(w * 20 / 100).Inset(kPadding, 0);
+  c.details = a.Inset(kPadding, 0);
+  return c;
+}
+
+void DrawRow(const ListsWindow* w, int index, const Area& a) {
+  const Style& l = TheStyle();
+  const Row& row = w->rows[size_t(index)];
+  const bool selected = index == w->list.at();
+  const bool muted = w->console->state.link != Link::kReady;
+  const int32_t ground = selected ? l.accent : index % 2 ? l.row : l.document;
+  int32_t ink = selected ? l.on_accent : l.ink, second = selected ? l.on_accent : l.second;
+  if (muted) ink = Dimmed(ink, ground), second = Dimmed(second, ground);
+  Fill(a, ground);
+  const Cells cells = CellsOf(a);
+  DrawLabel(l.view, Align::kLeft, cells.name, Shown(row.name), ink);
+  DrawLabel(l.view, Align::kLeft, cells.printer, ForText(row), ink);
+  DrawLabel(l.view, Align::kLeft, cells.kind, KindText(row), second);
+  DrawLabel(l.view, Align::kLeft, cells.details, Shown(row.details), second);
+}
+
+void DrawHeader(Area a) {
+  const Style& l = TheStyle();
+  Fill(a, l.tool_bar);
+  LineAtBottom(a);
+  const Cells cells = CellsOf(a);
+  DrawLabel(l.view, Align::kLeft, cells.name, "Name", l.second);
+  DrawLabel(l.view, Align::kLeft, cells.printer, "For", l.second);
+  DrawLabel(l.view, Align::kLeft, cells.kind, "Kind", l.second);
+  DrawLabel(l.view, Align::kLeft, cells.details, "Details", l.second);
+}
+
+const char* EmptyText(const ListsWindow* w) {
+  if (w->console->state.link != Link::kReady) return "The server is not there";
+  return w->shown ? "The server has no scanners and no profiles" : "Asking the server…";
+}
+
+void Draw(ListsWindow* w) {
+  const Style& l = TheStyle();
+  XwPush(w->window);
+  Area a = Frame(w);
+  XwSetColor(l.line);
+  XwDrawRect(a.x, a.y, a.w, a.h);
+  a = a.Inset(1, 1);
+  DrawHeader(a.TakeTop(kHeader));
+  Fill(a, l.document);
+  w->list.DrawRows([w](int row, const Area& at) { DrawRow(w, row, at); });
+  if (w->rows.empty()) DrawLabel(l.view, Align::kCenter, a, EmptyText(w), l.second);
+  w->hits.Begin();
+  w->list.AddHits(&w->hits, true, [w](int index) {
+    const Row& row = w->rows[size_t(index)];
+    const uint32_t state = index == w->list.at() ? XWT_SELECTED : 0;
+    return Words{XWA_ROW, state, Shown(row.name), KindText(row)};
+  });
+  w->hits.End();
+  XwPop();
+}
+
+void Update(ListsWindow* w) {
+  EnableControl(w->save, CanSave(w));
+  EnableControl(w->start, CanStart(w));
+  Draw(w);
+}
+
+void PlaceAll(ListsWindow* w) {
+  Area a = Frame(w).Inset(1, 1);
+  a.TakeTop(kHeader);
+  w->list.Place(a);
+  const int y = w->window->height - kEdge - kButtonHeight;
+  PlaceControl(w->save, {kEdge, y, 140, kButtonHeight});
+  PlaceControl(w->start, {kEdge + 150, y, 120, kButtonHeight});
+  PlaceControl(w->close, {w->window->width - kEdge - 88, y, 88, kButtonHeight});
+}
+
+// New lists; the keyboard stays at its row.
+void TakeLists(ListsWindow* w) {
+  const auto& lists = w->console->state.lists;
+  if (lists == w->shown) return;
+  const Row* row = At(w);
+  const Row kept = row ? *row : Row();
+  w->shown = lists;
+  w->rows = lists ? RowsOf(*lists) : std::vector<Row>();
+  const auto same = std::find_if(w->rows.begin(), w->rows.end(), [&](const Row& r) {
+    return r.name == kept.name && r.scanner == kept.scanner;
+  });
+  const bool found = same != w->rows.end();
+  w->list.SetRows(int(w->rows.size()), found             ? int(same - w->rows.begin())
+                                       : w->rows.empty() ? -1
+                                                         : 0);
+}
+
+// --- What can be asked
+
+void Save(ListsWindow* w) {
+  if (!CanSave(w)) return;
+  Console* c = w->console;
+  const Row& row = *At(w);
+  const std::string printer = row.printer.empty() ? c->choice.printer : row.printer;
+  c->server.SaveGamut(row.name, printer, c->files.folder.path());
+}
+
+void Start(ListsWindow* w) {
+  if (CanStart(w)) w->console->server.StartScan(At(w)->name);
+}
+
+void OpenMenu(ListsWindow* w) {
+  static XwMenuItem profile[] = {{"Save Gamut File", 0, kSave, nullptr}, {}};
+  static XwMenuItem scanner[] = {{"Start Scanner", 0, kStart, nullptr}, {}};
+  const Row* row = At(w);
+  if (!row) return;
+  XwMenuItem* menu = row->scanner ? scanner : profile;
+  XwEnableMenuItem(menu, menu->id, row->scanner ? CanStart(w) : CanSave(w));
+  const int chosen = XwPopupMenu(menu);
+  if (g_window != w) return;
+  if (chosen == kSave) Save(w);
+  if (chosen == kStart) Start(w);
+}
+
+// --- Events
+
+void Press(ListsWindow* w, bool secondary) {
+  const Hit hit = w->hits.At(Inp.item);
+  if (hit.owner != kList || hit.part != SideList::kRow) return;
+  w->list.GoTo(hit.index);
+  Update(w);
+  if (secondary) OpenMenu(w);
+}
+
+void Report(ListsWindow* w, int id, int value) {
+  if (w->list.Scrolled(id, value)) return Draw(w);
+  if (id == kSave) Save(w);
+  if (id == kStart) Start(w);
+  if (id == kClose) CloseLists();
+}
+
+void Key(ListsWindow* w, int type) {
+  if (Inp.state & XWS_CONTROL) {
+    if (type == 'w') CloseLists();
+    return;
+  }
+  if (type == XWE_RETURN) return At(w) && At(w)->scanner ? Start(w) : Save(w);
+  if (type == XWE_F1 + 4) return w->console->server.AskLists();
+  const auto name = [w](int row) { return w->rows[size_t(row)].name; };
+  if (w->list.Key(type) || w->list.Type(type, Inp.time, name)) Update(w);
+}
+
+int Handle(int type) {
+  ListsWindow* w = g_window;
+  if (!w) return 0;
+  switch (type) {
+    case XWE_CONFIGURE:
+      PlaceAll(w);
+      break;
+    case XWE_EXPOSE:
+      Draw(w);
+      break;
+    case XWE_PRESS:
+    case XWE_PRESS + 1:
+      Press(w, type != XWE_PRESS);
+      break;
+    case XWE_CONTROL:
+    case XWE_SCROLLED:
+    case XWE_SCROLLING:
+      Report(w, Inp.item, int(Inp.value));
+      break;
+    case XWE_CLOSE:
+      CloseLists();
+      break;
+    default:
+      if (type < XWE_CONFIGURE) Key(w, type);
+      break;
+  }
+  return 0;
+}
+
+void Scrolled(float, float dy) {
+  if (g_window && g_window->list.Wheel(dy)) Draw(g_window);
+}
+
+void Make(ListsWindow* w) {
+  constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+  XwSetText(w->window, "Scanners and Profiles");
+  XwSetGround(w->window, nullptr, 2);
+  XwSetSizes(w->window, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
+  XwSetScrollHandler(w->window, Scrolled);
+  w->list.MakeControls(w->window, kBar, "Scanners and Profiles");
+  w->save = XwButton(w->window, "Save Gamut File", kSave, 0, 0, 9, 9, kShown, 0);
+  w->start = XwButton(w->window, "Start Scanner", kStart, 0, 0, 9, 9, kShown, 0);
+  w->close = XwButton(w->window, "Close", kClose, 0, 0, 9, 9, kShown, 0);
+  XwSetTip(w->save, 0, "Into the folder that the console shows");
+  XwSetDefaultButtons(w->window, nullptr, w->close);
+  PlaceAll(w);
+}
+
+}  // namespace
+
+void ShowLists(Console* c) {
+  if (c->asking) return;
+  if (!g_window) {
+    XwWindow* window = XwCreate(kWindowStyle, 0, 0, kWidth, kHeight, Handle);
+    if (!window) return;
+    g_window = new ListsWindow;
+    g_window->console = c;
+    g_window->window = window;
+    Make(g_window);
+    XwCenter(window, c->window);
+  }
+  g_window->asked = false;
+  UpdateLists();
+  XwShow(g_window->window, 1);
+  XwSetFocus(g_window->window);
+}
+
+void CloseLists() {
+  ListsWindow* w = g_window;
+  if (!w) return;
+  g_window = nullptr;
+  XwDestroy(w->window);
+  delete w;
+}
+
+void UpdateLists() {
+  ListsWindow* w = g_window;
+  if (!w) return;
+  const ServerState& state = w->console->state;
+  // Once each time that a server is there.
+  if (state.link == Link::kReady && !w->asked) w->console->server.AskLists();
+  w->asked = state.link == Link::kReady;
+  TakeLists(w);
+  Update(w);
+}
+
+}  // namespace console

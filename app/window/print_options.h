@@ -1,0 +1,28 @@
+// How the next file is printed, as commands: what the tool bar has no room for stands in menus.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "app/window/command_table.h"
+
+namespace console {
+
+// What can be chosen, and a choice by its number.
+std::vector<CommandChoice> NextPrinterChoices(const Console* c);
+void ChooseNextPrinter(Console* c, int choice);
+std::vector<CommandChoice> NextProfileChoices(const Console* c);
+void ChooseNextProfile(Console* c, int choice);
+std::vector<CommandChoice> NextMediaChoices(const Console* c);
+void ChooseNextMedia(Console* c, int choice);
+std::vector<CommandChoice> NextPriorityChoices(const Console* c);
+void ChooseNextPriority(Console* c, int choice);
+// A menu of colours below the tool bar's well, or its button of options.
+void ChooseColour(Console* c);
+void HoldNext(Console* c);
+bool HoldsNext(const Console* c);
+// All of it as it is at the start, but the printer.
+void UseUsualOptions(Console* c);
+// The menu of them all.
+void OpenOptions(Console* c);
+
+}  // namespace console

@@ -1,0 +1,17 @@
+// What was dropped on the window: documents to print, folders to enter, and what is neither.
+#pragma once
+#include <string>
+#include <vector>
+
+namespace console {
+
+struct DroppedPaths {
+  std::vector<std::string> files, folders;
+  int others = 0;       // devices, what is gone, what may not be read
+  std::string trouble;  // of the first of those, why
+};
+
+// Looks at each; may hang.
+DroppedPaths LookAtDropped(const std::vector<std::string>& paths);
+
+}  // namespace console

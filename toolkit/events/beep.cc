@@ -1,0 +1,6 @@
+#include "platform/display/alert_sound.h"
+#include "toolkit/xw.h"
+
+void XwBeep() {
+  platform::AlertSoundPlay();
+}
