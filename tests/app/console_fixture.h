@@ -9,6 +9,7 @@
 #include "app/window/console.h"
 #include "platform/access/access.h"
 #include "platform/display/headless/headless.h"
+#include "platform/events/timers.h"
 #include "platform/windows/windows.h"
 #include "tests/os/scratch.h"
 
@@ -133,6 +134,7 @@ class ConsoleTest : public testing::Test {
   const FolderReader::Read usual_read_ = FolderReader::read;
   Console* c_ = nullptr;
   XwWindow* pump_ = nullptr;
+  platform::EventLoopTimerRef answering_ = nullptr;
 };
 
 }  // namespace console
