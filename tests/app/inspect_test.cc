@@ -153,9 +153,12 @@ TEST(DrivenQueue, DoesWhatTheSpoolShows) {
               "click button 'Hold Job'\n"
               "wait row b.txt '#2' --value held\n"
               "wait row c.txt '#2' --value held\n"
+              "wait label Selected --value '2 jobs'\n"
               "click row c.txt '#2'\n"
               "key r\n"
               "wait row c.txt '#2' --value waiting\n"
+              "wait label Document --value c.txt\n"
+              "wait label State --value waiting\n"
               "click row e.txt '#2'\n"
               "key u\n"
               "wait row e.txt '#2' --value waiting\n"));
@@ -168,7 +171,7 @@ TEST(DrivenQueue, DoesWhatTheSpoolShows) {
               "key a\n"
               "wait status Message --value 'Will be printed again: “d.txt”'\n"
               "wait row d.txt '#2' --value printed\n"));
-  EXPECT_EQ(testing_daemon::FilesIn(daemon.Path("printed/Office")).size(), 2u);
+  EXPECT_EQ(testing_daemon::FilesIn(daemon.Path("printed/office")).size(), 2u);
   // Two of them, of which one is at the printer: the first answer keeps them.
   ASSERT_TRUE(
       Inspect("click row a.txt '#2'\n"
@@ -185,7 +188,7 @@ TEST(DrivenQueue, DoesWhatTheSpoolShows) {
               "key Return\n"
               "wait row a.txt '#2' --gone\n"
               "wait row e.txt '#2' --gone\n"));
-  EXPECT_EQ(testing_daemon::Order(fd), "b.txt c.txt d.txt ");
+  EXPECT_EQ(testing_daemon::Order(fd), "c.txt b.txt d.txt ");
   size_t documents = 0;
   for (const std::string& file : testing_daemon::FilesIn(daemon.Path("jobs")))
     documents += file.ends_with(".doc");
