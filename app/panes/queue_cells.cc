@@ -63,7 +63,7 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
   Area a = cell.area;
   if (row.colour >= 0) {
     const Area swatch{a.x, a.y + (a.h - kSwatch) / 2, kSwatch, kSwatch};
-    XwRoundBox(swatch.x, swatch.y, swatch.w, swatch.h, 2, row.colour,
+    XwRoundBox(swatch.x, swatch.y, swatch.w, swatch.h, 2, FromRgb(row.colour),
                cell.selected ? cell.ink : TheStyle().line);
     a.TakeLeft(kSwatchRoom);
   }
