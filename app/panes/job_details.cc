@@ -53,8 +53,8 @@ void DrawJobFacts(const QueuePane& queue, Area a) {
   Area row = a;
   DrawFact(&a, "Colour", "", l.ink);
   row.TakeLeft(kFactName);
-  XwRoundBox(row.x, row.y + (kFactLine - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3, colour,
-             l.line);
+  XwRoundBox(row.x, row.y + (kFactLine - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3,
+             FromRgb(colour), l.line);
 }
 
 void AddJobFacts(const QueuePane& queue, Area a, Hits* hits) {

@@ -25,7 +25,7 @@ const ColumnOrder kColumns[] = {
     {{"Progress", 190, 1, Align::kLeft, true, 0, 8}, QueueOrder::kState},
     {{"Size", 76, 0, Align::kRight, true, 0, 8}, QueueOrder::kSize},
     {{"Submitted", 90, 0, Align::kLeft, true, 0, 12}, QueueOrder::kTime},
-    {{"Priority", 72, 0, Align::kRight, true, 1, 14}, QueueOrder::kPriority},
+    {{"Priority", 84, 0, Align::kRight, true, 1, 14}, QueueOrder::kPriority},
 };
 
 // One row of both kinds.
@@ -63,7 +63,7 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
   Area a = cell.area;
   if (row.colour >= 0) {
     const Area swatch{a.x, a.y + (a.h - kSwatch) / 2, kSwatch, kSwatch};
-    XwRoundBox(swatch.x, swatch.y, swatch.w, swatch.h, 2, row.colour,
+    XwRoundBox(swatch.x, swatch.y, swatch.w, swatch.h, 2, FromRgb(row.colour),
                cell.selected ? cell.ink : TheStyle().line);
     a.TakeLeft(kSwatchRoom);
   }

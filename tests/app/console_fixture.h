@@ -9,6 +9,7 @@
 #include "app/window/console.h"
 #include "platform/access/access.h"
 #include "platform/display/headless/headless.h"
+#include "platform/events/timers.h"
 #include "platform/windows/windows.h"
 #include "tests/os/scratch.h"
 
@@ -48,19 +49,6 @@ inline int Pump(int type) {
   return type;
 }
 
-// Keys for the next alert, each when all is quiet.
-inline std::vector<uint32_t> g_answer;
-inline XwWindow* g_last_window;  // without an alert
-inline bool PressNextAnswer() {
-  XwWindow* last = W_End;
-  while (last && last->parent != W_Root) last = last->previous;
-  if (last == g_last_window || g_answer.empty()) return false;
-  display::KeyDown(g_answer.front());
-  display::KeyUp(g_answer.front());
-  g_answer.erase(g_answer.begin());
-  return true;
-}
-
 class ConsoleTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -85,15 +73,10 @@ class ConsoleTest : public testing::Test {
     // Wakes the loop, so that the test gets a turn each twenty milliseconds of stepped time.
     pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
     XwTimer(pump_, 1, 20);
-    g_last_window = pump_;
-    display::SetIdleHandler(PressNextAnswer);
     Turn();
     EXPECT_TRUE(HasRead());
   }
-  void TearDown() override {
-    display::SetIdleHandler(nullptr);
-    CloseConsole(c_);
-  }
+  void TearDown() override { CloseConsole(c_); }
 
   void Turn(int times = 1) {
     while (times-- > 0) XwWaitEvent(nullptr);
@@ -151,6 +134,7 @@ class ConsoleTest : public testing::Test {
   const FolderReader::Read usual_read_ = FolderReader::read;
   Console* c_ = nullptr;
   XwWindow* pump_ = nullptr;
+  platform::EventLoopTimerRef answering_ = nullptr;
 };
 
 }  // namespace console

@@ -123,4 +123,78 @@ TEST(SecondStart, HandsItsFilesToTheConsoleThatRuns) {
   }
 }
 
+// The queue's verbs by the pointer and by keys; afterwards spool, queue and window agree.
+TEST(DrivenQueue, DoesWhatTheSpoolShows) {
+  const Scratch home;
+  for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt", "e.txt"})
+    home.File(name, std::string(100000, 'x'));
+  Daemon daemon;
+  daemon.Start({"--config", daemon.WriteFile("printers",
+                                             "[printer]\nname=Proof\nrate=1K\n"
+                                             "[printer]\nname=Office\nrate=900K\n")});
+  setenv("XW_DISPLAY", "headless", 1);
+  setenv("HOME", home.path().c_str(), 1);
+  setenv("XDG_CONFIG_HOME", home.At(".config").c_str(), 1);
+  setenv("QUORVIK_SERVER", daemon.host(), 1);
+  setenv("XW_INSPECT", home.At(".socket").c_str(), 1);
+  Program console(QUORVIK);
+  ASSERT_TRUE(Eventually([&] { return access(home.At(".socket").c_str(), F_OK) == 0; }));
+  std::string print = "wait pop-up-button Printer --value Proof\nwait row e.txt\n";
+  for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt", "e.txt"})
+    print += "click row " + std::string(name) + " '#1'\nclick button Print\nwait row " + name +
+             " '#2'\n";
+  ASSERT_TRUE(Inspect(print));
+  const int fd = daemon.Connect();
+  ASSERT_TRUE(Eventually([&] { return testing_daemon::Jobs(fd).size() == 5; }));
+  ASSERT_EQ(testing_daemon::Order(fd), "a.txt b.txt c.txt d.txt e.txt ");
+  ASSERT_TRUE(
+      Inspect("click row b.txt '#2'\n"
+              "click row c.txt '#2' --modifiers control\n"
+              "click button 'Hold Job'\n"
+              "wait row b.txt '#2' --value held\n"
+              "wait row c.txt '#2' --value held\n"
+              "wait label Selected --value '2 jobs'\n"
+              "click row c.txt '#2'\n"
+              "key r\n"
+              "wait row c.txt '#2' --value waiting\n"
+              "wait label Document --value c.txt\n"
+              "wait label State --value waiting\n"
+              "click row e.txt '#2'\n"
+              "key u\n"
+              "wait row e.txt '#2' --value waiting\n"));
+  EXPECT_EQ(testing_daemon::Order(fd), "a.txt b.txt c.txt e.txt d.txt ");
+  ASSERT_TRUE(
+      Inspect("click row d.txt '#2'\n"
+              "key m\n"
+              "click menu-item Office\n"
+              "wait row d.txt '#2' --value printed\n"
+              "key a\n"
+              "wait status Message --value 'Will be printed again: “d.txt”'\n"
+              "wait row d.txt '#2' --value printed\n"));
+  EXPECT_EQ(testing_daemon::FilesIn(daemon.Path("printed/office")).size(), 2u);
+  // Two of them, of which one is at the printer: the first answer keeps them.
+  ASSERT_TRUE(
+      Inspect("click row a.txt '#2'\n"
+              "click row e.txt '#2' --modifiers control\n"
+              "key Delete\n"
+              "wait button Keep\n"
+              "key Escape\n"
+              "wait button Keep --gone\n"));
+  EXPECT_EQ(testing_daemon::Jobs(fd).size(), 5u);
+  ASSERT_TRUE(
+      Inspect("key Delete\n"
+              "wait button Keep\n"
+              "key Tab\n"
+              "key Return\n"
+              "wait row a.txt '#2' --gone\n"
+              "wait row e.txt '#2' --gone\n"));
+  EXPECT_EQ(testing_daemon::Order(fd), "c.txt b.txt d.txt ");
+  size_t documents = 0;
+  for (const std::string& file : testing_daemon::FilesIn(daemon.Path("jobs")))
+    documents += file.ends_with(".doc");
+  EXPECT_EQ(documents, 3u);
+  NC_Disconnect(fd);
+  EXPECT_EQ(console.End(), 0);
+}
+
 }  // namespace

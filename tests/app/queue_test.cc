@@ -16,7 +16,7 @@ namespace {
 
 using testing_daemon::Daemon;
 
-constexpr uint32_t kEscapeKey = 0xFF1B, kReturnKey = 0xFF0D;
+constexpr uint32_t kEscapeKey = 0xFF1B;
 
 class QueueTest : public ConsoleTest {
  protected:
@@ -142,28 +142,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   EXPECT_EQ(testing_daemon::Order(fd_), "a c d b ");
 }
 
-TEST_F(QueueTest, RemovingAsksAndTheHarmlessAnswerIsFirst) {
-  OpenWith({"a", "b", "c"});
-  const auto answer = [this](std::vector<uint32_t> keys) {
-    g_answer = std::move(keys);
-    Key(0xFFFF);
-    EXPECT_TRUE(g_answer.empty()) << "it was asked";
-  };
-  Select({"a", "b"});
-  answer({kEscapeKey});
-  EXPECT_TRUE(c_->state.pending.empty());
-  answer({kReturnKey});
-  EXPECT_TRUE(c_->state.pending.empty());
-  EXPECT_EQ(testing_daemon::Jobs(fd_).size(), 3u);
-  Key(0xFF08);  // Backspace
-  EXPECT_TRUE(c_->state.pending.empty());
-  answer({0xFF09, kReturnKey});
-  EXPECT_TRUE(Until([&] { return Rows() == "c "; }));
-  EXPECT_EQ(testing_daemon::Jobs(fd_).size(), 1u);
-  EXPECT_TRUE(c_->queue.Selected().empty()) << "the selection of what ended goes to no other job";
-}
-
-// Another console removed one and held the other's target.
+// Another console removed a job, and one before which another was to stand.
 TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   OpenWith({"a", "b", "c", "d"});
   daemon_.Signal(SIGSTOP);
@@ -186,12 +165,9 @@ TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
 }
 
-TEST_F(QueueTest, ShowsWhatIsAskedForAndTheDetailsOfWhatIsSelected) {
+TEST_F(QueueTest, ShowsWhatIsAskedFor) {
   OpenWith({"a", "b", "c"}, "ada");
   Select({"b"});
-  Turn(2);
-  EXPECT_EQ(Node("Owner").what.value, "ada");
-  EXPECT_EQ(Node("State").what.value, "waiting");
   ToggleMine(c_);
   Turn(2);
   EXPECT_EQ(c_->queue.rows.count(), 0);
@@ -199,6 +175,7 @@ TEST_F(QueueTest, ShowsWhatIsAskedForAndTheDetailsOfWhatIsSelected) {
   ToggleMine(c_);
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("b")});
   GoToQueueFilter(c_);
+  DrawConsole(c_);
   Turn(2);
   Key('c', 'c');
   EXPECT_EQ(Rows(), "c ");

@@ -142,7 +142,10 @@ TEST_F(Walk, AFileIsPrintedOnTheScreen) {
   const int row_y = layout_.queue.y + kRow;
   ClickAt(200, row_y + 11);
   ASSERT_TRUE(Eventually([&] { return Pixel(user_->Look(), 3, row_y + 2) == kAccent; }));
-  user_->Type(0xFFFF);  // Delete
+  user_->Type(0xFFFF);  // Delete: it is at the printer, and a question comes
+  ASSERT_TRUE(Eventually([&] { return Pixel(user_->Look(), 3, row_y + 2) != kAccent; }));
+  user_->Type(0xFF09);  // Tab, from Keep to Remove
+  user_->Type(0xFF0D);
   EXPECT_TRUE(Eventually([&] { return testing_daemon::Jobs(fd).empty(); }));
   NC_Disconnect(fd);
   user_->Key(kControlKey, true);
