@@ -532,7 +532,8 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   c->window = w;
   c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
-  XwSetGround(w, &TheStyle().tool_bar, 0);  // what controls that draw themselves again erase to: the tool bar's
+  // What controls that draw themselves again erase to, in an inactive window too.
+  XwSetGround(w, &TheStyle().tool_bar, 0);
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   XwSetContextMenuHandler(w, OpenMenuByKey);
