@@ -532,8 +532,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   c->window = w;
   c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
-  // What controls that draw themselves again erase to, in an inactive window too.
-  XwSetGround(w, &TheStyle().tool_bar, 0);
+  XwSetGround(w, &TheStyle().tool_bar, 0);  // controls erase to it, also while inactive
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   XwSetContextMenuHandler(w, OpenMenuByKey);
