@@ -123,7 +123,8 @@ void CloseKeys() {
   keys_window = nullptr;
 }
 
-void ShowAbout(Console*) {
+void ShowAbout(Console* c) {
+  XwPopupLocation(c->window, c->window->width / 2, c->window->height / 3);
   XwConfirmUtf8("i", "", "Quorvik " QUORVIK_VERSION ", a print console for the Linux desktop", "OK",
                 nullptr);
 }

@@ -63,8 +63,10 @@ std::vector<const NC_Printer*> PrintersByName(const Console* c) {
 
 bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
   const std::optional<Question> q = RemovalQuestion(c->queue.rows, ids);
-  return !q || XwConfirmUtf8("!", "Quorvik", q->text.c_str(), q->harmless.c_str(), q->act.c_str(),
-                             nullptr) == 2;
+  if (!q) return true;
+  XwPopupLocation(c->window, c->window->width / 2, c->window->height / 3);  // also asked by a key
+  return XwConfirmUtf8("!", "Quorvik", q->text.c_str(), q->harmless.c_str(), q->act.c_str(),
+                       nullptr) == 2;
 }
 
 void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {

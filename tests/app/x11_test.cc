@@ -148,6 +148,10 @@ TEST_F(Walk, AFileIsPrintedOnTheScreen) {
   user_->Type(0xFF0D);
   EXPECT_TRUE(Eventually([&] { return testing_daemon::Jobs(fd).empty(); }));
   NC_Disconnect(fd);
+  // The manager gives the keyboard back from the question after a while: selected again, it is
+  // there.
+  ClickFile(0);
+  ASSERT_TRUE(Selects(0));
   user_->Key(kControlKey, true);
   user_->Type('q');
   user_->Key(kControlKey, false);
