@@ -11,7 +11,8 @@ namespace console {
 
 class SideList {
  public:
-  // Parts of hits; the index is the row. A mark is a small thing in a row with a press of its own.
+  // Parts of hits; the index is the row. A mark is a small thing in a row that is pressed by
+  // itself.
   enum Part { kRow = 1, kBody, kMark };
 
   SideList(int owner, int row_height) : owner_(owner), row_height_(row_height) {}

@@ -189,8 +189,8 @@ bool Worker::StartScan(const std::string& scanner) {
   return sent;
 }
 
-// On a connection of its own, which one that is too large may break. The folder may be one that
-// does not answer: it is written on a thread of its own.
+// Uses a separate connection, since a file that is too large breaks it. A separate thread writes
+// the file, since its folder may not answer.
 void Worker::SaveGamut(const ServerRequest& request) {
   const auto draft = std::make_shared<Draft>();
   const int fd = Connect(kGamut, kConnectMs);

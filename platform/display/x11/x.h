@@ -333,7 +333,7 @@ struct SharedMemory {
 SharedMemory AllocateShared(size_t bytes);
 // The same, all of it in one colour.
 SharedMemory AllocateFilled(size_t bytes, uint32_t pixel);
-// The same on a thread of its own, while the program fills its first window with controls. The next
+// The same on a separate thread, while the program fills its first window with controls. The next
 // of the two calls waits for it: the first gives the memory, none where that has another size or
 // colour; the second frees it.
 void AllocateAhead(size_t bytes, uint32_t pixel);
