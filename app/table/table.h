@@ -111,8 +111,6 @@ class Table {
   }
   // The row before which what is being carried would go, rows() behind the last; -1: nothing is.
   int gap() const { return held_ == kCarried ? gap_ : -1; }
-  // What is held is let go, and nothing comes of it.
-  void LetGo() { held_ = kNothing; }
   // Rows are being dragged over, and the pointer is above or below them: from time to time the
   // table is to be scrolled on.
   bool ScrollsByDrag() const;

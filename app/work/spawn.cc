@@ -48,8 +48,8 @@ class Actions {
   os::Handle copies_[kStandard];
 };
 
-// A group or session of its own with signals as at the start of a program; in this one's group what
-// this one ignores stays ignored.
+// A program in a new group or session has default signals. One that stays in this program's group
+// ignores what this program ignores.
 class Attributes {
  public:
   explicit Attributes(Program::Place place) {

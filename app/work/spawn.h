@@ -34,8 +34,8 @@ class Child {
   bool HasEnded(int* status);
   // Waits for its end. -1 when there is none.
   int Wait();
-  // Ends it, with all that it has started if it has a group of its own, and waits for its end; the
-  // status. One that hangs in the system holds the caller up.
+  // Ends the program, and what it has started if it leads a process group. Waits for its end and
+  // returns the status; a program that hangs in the system holds up the caller.
   int Kill();
 
  private:

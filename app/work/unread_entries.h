@@ -6,8 +6,7 @@
 namespace console {
 
 // Counts them. The listing has to be a whole one: folders, files, others and hidden names. Reads
-// the folder once more, so it belongs on a thread of its own; a folder that cannot be read has
-// none.
+// the folder again, so call it from a background task. A folder that cannot be read has none.
 UnreadEntries CountUnreadEntries(const char* path, const OS_ListEntryN* entries, int count);
 
 }  // namespace console
