@@ -1,5 +1,6 @@
 // The console's one window: what it shows and what the user has chosen. The panes
-// (app/panes) draw and know what can be hit there; console.cc routes the events.
+// (app/panes) draw and know what can be hit there; console.cc routes the events, pointer.cc those
+// of the pointer.
 #pragma once
 #include <memory>
 #include <string>
@@ -175,6 +176,24 @@ void LayOutWindow(Console* c);
 inline bool HasKeyboard(const Console* c, FocusStop stop) {
   return c->active && c->stop == stop && !c->asking;
 }
+
+// What follows a change of the selection in the files, or in the queue.
+void SelectionChanged(Console* c, bool files);
+// Shift and Control, as they are held.
+SelectionKeys HeldKeys(const Console* c);
+
+// --- The pointer (pointer.cc): each takes the event that Inp has
+void PressPrimary(Console* c);
+// The secondary button opens the menu of the row, or of all that are selected with it.
+void PressSecondary(Console* c);
+void Motion(Console* c);
+void Release(Console* c);
+// The pointer is held beyond the rows that it drags over.
+void ScrollByDrag(Console* c);
+// Logical pixels, positive down.
+void TurnWheel(Console* c, float dy);
+// What lies under the pointer now.
+void SetHover(Console* c, const Hit& hit);
 
 // --- The controls (controls.cc)
 void MakeControls(Console* c);
