@@ -15,6 +15,7 @@
 namespace {
 
 using Client = support::InspectClient;
+using support::Eventually;
 
 testkit::Picture Decode(const std::string& answer, const std::string& file) {
   const std::string start = "\"png\":\"";
@@ -50,6 +51,20 @@ class Inspect : public testing::TestWithParam<const char*> {
       ASSERT_TRUE(server_->running() && server_->StartManager("openbox"));
     }
     setenv("XW_DISPLAY", name.c_str(), 1);
+  }
+  // Whether a client that runs as another user, and whom the file lets in, is not served. For root.
+  bool TurnsOthersAway() {
+    chmod(path_.c_str(), 0666);
+    chmod(scratch_.path().c_str(), 0711);
+    const pid_t other = fork();
+    if (other == 0) {
+      if (setuid(65534)) _exit(1);
+      Client client(path_);
+      _exit(!client.connected() || !client.Ask(R"("do":"tree")").empty());
+    }
+    int status = -1;
+    waitpid(other, &status, 0);
+    return status == 0;
   }
   std::string Example(const char* name) { return std::string(EXAMPLES) + "/" + name; }
 
@@ -147,6 +162,22 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
     EXPECT_NE(fault.find(c.fault), std::string::npos) << c.request << ": " << fault;
   }
   EXPECT_TRUE(client.Does(R"("do":"tree")"));
+  // A long text does not keep others waiting, and is answered when it is typed. All of them have
+  // asked before the program looks.
+  Client typist(path_);
+  EXPECT_TRUE(typist.Does(R"("do":"tree")"));
+  const std::string text(4000, 'x'), field = R"("role":"text-field","name":"Copies:")";
+  const std::string look = "{\"do\":\"wait\"," + field + "}\n";
+  dialog.Signal(SIGSTOP);
+  typist.Send(R"({"do":"type","text":")" + text + "\"," + field + "}\n" + look);
+  client.Send(look + look + look + look);
+  dialog.Signal(SIGCONT);
+  std::string between;
+  for (int i = 0; i < 4; ++i) between = client.Line();
+  EXPECT_NE(between.find("Copies"), std::string::npos) << between;
+  EXPECT_EQ(between.find(text), std::string::npos);
+  EXPECT_EQ(typist.Line(), "{\"ok\":true}");
+  EXPECT_NE(typist.Line().find('"' + text + '"'), std::string::npos);
 }
 
 TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
@@ -197,16 +228,28 @@ TEST_P(InspectHeadless, TheSocketIsTheUsersAndOneProgramsAtATime) {
     struct stat socket;
     ASSERT_EQ(stat(path_.c_str(), &socket), 0);
     EXPECT_EQ(socket.st_mode & 0777, 0600u);
+    EXPECT_TRUE(geteuid() || TurnsOthersAway());
     // Another program does not take it away, also when it ends.
     Program second(Example("05-fields"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Dialog")"));
   }
   EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Dialog"), std::string::npos);
-  // What a crash has left behind is replaced.
+  // What a crash has left behind is replaced; signals leave nothing.
   EXPECT_EQ(first.End(SIGKILL), -1);
   EXPECT_EQ(access(path_.c_str(), F_OK), 0);
-  Program third(Example("05-fields"));
-  EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Fields"), std::string::npos);
+  for (int signal : {SIGINT, SIGHUP}) {
+    Program third(Example("05-fields"));
+    EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Fields"), std::string::npos);
+    EXPECT_EQ(third.End(signal), -1);
+    EXPECT_EQ(access(path_.c_str(), F_OK), -1) << signal;
+  }
+  // Nor is another program's taken away, which has replaced it.
+  Program fourth(Example("05-fields"));
+  EXPECT_TRUE(Client(path_).Does(R"("do":"tree")"));
+  unlink(path_.c_str());
+  std::ofstream(path_) << "another";
+  EXPECT_EQ(fourth.End(), 0);
+  EXPECT_EQ(ReadFile(path_), "another");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ class InspectClient {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path.copy(address.sun_path, sizeof address.sun_path - 1);
-    Eventually([&] {
+    connected_ = Eventually([&] {
       fd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
       if (!connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address)) return true;
       close(fd_);
@@ -29,6 +29,7 @@ class InspectClient {
   InspectClient(const InspectClient&) = delete;
   InspectClient& operator=(const InspectClient&) = delete;
 
+  bool connected() const { return connected_; }
   void Send(const std::string& bytes) { send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
   void EndSending() { shutdown(fd_, SHUT_WR); }
   // The next line; "" when the connection has ended.
@@ -62,6 +63,7 @@ class InspectClient {
 
  private:
   int fd_ = -1;
+  bool connected_ = false;
   std::string in_;
 };
 

@@ -200,14 +200,21 @@ TEST(Alert, OtherWindowsKeepWhatTheyShow) {
 
 TEST(Alert, OneThatTheProgramDestroysIsOver) {
   ControlScreen s;
-  s.main->handler = Answer;
-  result = 1000;
-  EXPECT_EQ(Ask({[&] {
-                  XwDestroy(alert);
-                  XwSendEvent(s.main, 1000, 0, 0, 0);
-                }},
-                nullptr, nullptr, "A"),
-            0);
+  auto end = [](platform::EventLoopTimerRef, void*) { XwDestroy(alert); };
+  auto handler = +[](int type) { return type == 1000 ? XwDestroy(Inp.window), 0 : type; };
+  auto fail = [] { FAIL() << "it waits for something else"; };
+  const std::vector<std::function<void()>> rows[] = {{[=] {
+                                                        input::Focus(nullptr);
+                                                        platform::InstallEventLoopTimer(0.1, 0, end,
+                                                                                        nullptr);
+                                                      },
+                                                      fail},
+                                                     {[=] {
+                                                        alert->handler = handler;
+                                                        XwSendEvent(alert, 1000, 0, 0, 0);
+                                                      },
+                                                      fail}};
+  for (const auto& steps_of_row : rows) EXPECT_EQ(Ask(steps_of_row, nullptr, nullptr, "A"), 0);
 }
 
 TEST(Alert, TextsOfEveryScript) {
