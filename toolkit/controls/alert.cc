@@ -91,6 +91,13 @@ void Draw(const Alert& a) {
   XwPop();
 }
 
+// Among the buttons, which are all that the window has.
+void MoveFocus(const Alert& a, int by) {
+  const XwWindow* now = XwGetFocus(a.window);
+  const int to = (now ? now->slot : 0) + by;
+  if (to >= 0 && to < a.window->child_count) XwFocusControl(a.window->children[to]);
+}
+
 int Run(Alert* a) {
   if (!Open(a)) return 0;
   const uint64_t serial = a->window->serial;
@@ -102,6 +109,8 @@ int Run(Alert* a) {
       dropped.Add(Inp);
     } else if (type == XWE_EXPOSE) {
       Draw(*a);
+    } else if (type == XWE_LEFT || type == XWE_RIGHT) {
+      MoveFocus(*a, type == XWE_LEFT ? -1 : 1);
     } else if (type == XWE_CONTROL) {
       pressed = Inp.item - (kFirstButton - 1);
       XwDestroy(a->window);
