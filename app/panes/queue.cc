@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/panes/ids.h"
 #include "app/panes/queue_cells.h"
 #include "os/os.h"
@@ -117,6 +118,13 @@ void QueuePane::Filter(const QueueFilter& filter) {
   head.ShowFilter(filter);
   Renewed();
   table.Reveal(table.focus());
+}
+
+std::string QueuePane::SelectionText() const {
+  const size_t n = Selected().size();
+  const std::string jobs = CountText(rows.count(), "job", "jobs");
+  if (n > 0) return NumberText(int64_t(n)) + " of " + jobs + " selected";
+  return rows.count() > 0 ? jobs : "";
 }
 
 VerbCheck QueuePane::Check(Verb verb) const {

@@ -32,6 +32,8 @@ struct QueuePane {
   // Those that verbs act on.
   std::vector<QueueId> Selected() const { return selection.Ids(); }
   VerbCheck Check(Verb verb) const;
+  // What is selected of what is shown, in words; "" when there is no job.
+  std::string SelectionText() const;
 
   const Layout& layout;
   const ServerState& state;

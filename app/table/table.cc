@@ -261,13 +261,15 @@ void Table::Select(int row) {
 
 bool Table::Key(int type, SelectionKeys keys) {
   const int page = std::max(1, Fits() - 1), now = focus();
+  // Where nothing is selected, the row that has the keyboard is the first one.
+  const bool begins = now >= 0 && !keys.control && !selection_->Any();
   int to = 0;
   switch (type) {
     case XWE_UP:
-      to = now < 0 ? rows_ - 1 : now - 1;
+      to = now < 0 ? rows_ - 1 : begins ? now : now - 1;
       break;
     case XWE_DOWN:
-      to = now + 1;
+      to = begins ? now : now + 1;
       break;
     case XWE_PAGE_UP:
       to = now - page;
@@ -316,6 +318,7 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
       held_ = kABorder;
       border_ = hit.index;
       grip_ = px - ColumnArea(border_).right();
+      asked_before_ = asked_;
       return true;
     default:
       return false;
@@ -328,8 +331,21 @@ bool Table::Drag(int px, int py) {
 }
 
 void Table::Release() {
-  if (held_ == kARow) selection_->Release();
+  if (held_ == kARow || held_ == kRows) selection_->Release();
   held_ = kNothing;
+}
+
+bool Table::Cancel() {
+  if (held_ == kNothing) return false;
+  if (held_ == kABorder) {
+    asked_ = asked_before_;
+    LayOutColumns();
+    PlaceControls();
+  } else {
+    selection_->Cancel();
+  }
+  held_ = kNothing;
+  return true;
 }
 
 // The row under the pointer, or at the edge that it is beyond.

@@ -101,6 +101,9 @@ class Table {
   bool Press(const Hit& hit, int px, SelectionKeys keys = {});
   bool Drag(int px, int py);
   void Release();
+  // Ends what is held as if it had not been pressed: selection and columns are as they were. False
+  // when nothing is held.
+  bool Cancel();
   // A row is held: no other one may come under the pointer now.
   bool HoldsRow() const { return held_ >= kARow; }
   // Whether rows that are selected can be carried to another place instead, and a line shows where
@@ -156,7 +159,8 @@ class Table {
   std::vector<Column> columns_;
   DrawCell draw_;
   std::vector<int> left_, width_;
-  std::vector<int> asked_;  // widths that the user has given, 0: none
+  std::vector<int> asked_;         // widths that the user has given, 0: none
+  std::vector<int> asked_before_;  // before a border was pressed
   Area area_;
   RowSelection* selection_;
   int rows_ = 0, top_ = 0;

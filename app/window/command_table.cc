@@ -113,7 +113,8 @@ constexpr Command kCommands[] = {
     Row(kUsualCommand, kFileMenu, "Usual Options", nullptr, UseUsualOptions,
         {.group = true, .contexts = kOnOptions}),
     Row(kOptionsCommand, kNoMenu, "Print Options", nullptr, OpenOptions),
-    Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
+    Row(kCloseCommand, kFileMenu, "Close Window", nullptr, CloseFrontWindow,
+        {.group = true, .key = 'w'}),
 
     Row(kUndoCommand, kEditMenu, "Undo", CanEdit<XWU_UNDO>, Edit<XWU_UNDO>, {.key = 'z'}),
     Row(kRedoCommand, kEditMenu, "Redo", CanEdit<XWU_REDO>, Edit<XWU_REDO>, {.key = 'y'}),

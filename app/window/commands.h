@@ -26,6 +26,8 @@ void ShowButtons(Console* c);
 void RunCommand(Console* c, int command);
 // Whether that key with these modifiers is one of the menu bar's.
 bool IsMenuKey(int key, uint32_t modifiers);
+// An edit box reports every key as one that edits: runs the command whose function key is held.
+void RunFunctionKey(Console* c);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
 // "Ctrl+Shift+H"; "" for no key.
@@ -42,5 +44,7 @@ void RefreshAll(Console* c);
 void StopSending(Console* c);
 // Leaves, or asks first while something is being sent.
 void Leave(Console* c);
+// The same where the console's own window has the keyboard; else the window that has it closes.
+void CloseFrontWindow(Console* c);
 
 }  // namespace console

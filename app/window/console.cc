@@ -25,6 +25,11 @@ Console* g_console;
 
 // --- Drawing
 
+// Of the table that has the keyboard, or had it last.
+std::string SelectionText(const Console* c) {
+  return IsInQueue(c->stop) ? c->queue.SelectionText() : c->files.SelectionText();
+}
+
 void AddAllHits(Console* c) {
   c->hits.Begin();
   if (!c->asking) {
@@ -33,7 +38,7 @@ void AddAllHits(Console* c) {
     c->queue.AddHits(&c->hits);
     c->details.AddHits(&c->hits);
     c->banner.AddHits(&c->hits);
-    c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->status.AddHits(SelectionText(c), &c->hits);
     c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
     c->needs.AddHits(&c->hits);
     AddBorderHits(c);
@@ -46,7 +51,7 @@ void AddAllHits(Console* c) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane | kDetailsPane;
+  c->damage = kAllPanes;
 }
 
 void LayOutWindow(Console* c) {
@@ -62,7 +67,7 @@ void LayOutWindow(Console* c) {
 
 void SelectionChanged(Console* c, bool files) {
   c->damage |=
-      files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane | kDetailsPane;
+      kDetailsPane | kStatusPane | (files ? kFolderPane | kToolsPane : unsigned{kQueuePane});
 }
 
 SelectionKeys HeldKeys(const Console* c) {
@@ -84,6 +89,20 @@ namespace {
 void Leave(Console* c) {
   if (AskBeforeQuit(c)) Quit(c);
   SetHover(c, {});  // it is covered
+}
+
+void CloseFrontWindow(Console* c) {
+  if (!c->front) return Leave(c);
+  XwSendEvent(c->front, XWE_CLOSE, 0, 0, 0);
+}
+
+void NoteActivity(XwWindow* second, bool active) {
+  Console* c = g_console;
+  if (!c || !second) return;
+  if (active)
+    c->front = second;
+  else if (c->front == second)
+    c->front = nullptr;
 }
 
 void StopSending(Console* c) {
@@ -145,6 +164,7 @@ void MoveFocus(Console* c, int by) {
 }
 
 void Escape(Console* c) {
+  if (CancelDrag(c)) return;
   StopReading(c);
   if (c->files.folder.rows().filtered()) SetFilter(c, "");
   c->status.ReadMessage();
@@ -416,7 +436,7 @@ void DrawConsole(Console* c) {
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
   if (damage & kBannerPane) c->banner.Draw();
-  if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
+  if (damage & kStatusPane) c->status.Draw(c->hover, SelectionText(c));
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);
   XwPop();

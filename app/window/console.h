@@ -96,6 +96,7 @@ struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
+  XwWindow* front = nullptr;  // the other window that has the keyboard; null: none has
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -136,11 +137,13 @@ struct Console {
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
   bool scrolls_by_drag = false;  // the timer runs
+  bool drag_escaped = false;     // by an Escape that an edit box reports once more
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
 
   PaneSizes panes;
-  int border_grip = 0;  // where beside a border it was pressed
+  int border_grip = 0;     // where beside a border it was pressed
+  PaneSizes panes_before;  // the same press
   Printers printers;
   std::string printer_pressed;  // name
 
@@ -177,6 +180,9 @@ inline bool HasKeyboard(const Console* c, FocusStop stop) {
   return c->active && c->stop == stop && !c->asking;
 }
 
+// Another window of the console has the keyboard, or has it no longer: when it is shown, when it
+// becomes active or inactive, and before it is destroyed.
+void NoteActivity(XwWindow* second, bool active);
 // What follows a change of the selection in the files, or in the queue.
 void SelectionChanged(Console* c, bool files);
 // Shift and Control, as they are held.
@@ -188,6 +194,9 @@ void PressPrimary(Console* c);
 void PressSecondary(Console* c);
 void Motion(Console* c);
 void Release(Console* c);
+// Ends a drag as if it had not begun; what is held does nothing more. False when nothing is held
+// that can be dragged.
+bool CancelDrag(Console* c);
 // The pointer is held beyond the rows that it drags over.
 void ScrollByDrag(Console* c);
 // Logical pixels, positive down.
@@ -273,6 +282,8 @@ void AddBorderHits(Console* c);
 int BorderCursor(const Hit& hit);
 void PressBorder(Console* c, const Hit& hit, bool twice);
 void DragBorder(Console* c, const Hit& hit);
+// The panes are as they were before the press.
+void PutBackBorder(Console* c);
 // Between the window and the preferences.
 void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);

@@ -1,7 +1,8 @@
 // The console's controls: those of the tools, of the tables, and the buttons of commands.
-#include "app/look/controls.h"
-#include "app/format/words.h"
+#include <utility>
 
+#include "app/format/words.h"
+#include "app/look/controls.h"
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
 #include "app/window/console.h"
@@ -132,7 +133,20 @@ bool NothingIsChosen(const Console* c) {
 
 }  // namespace
 
+namespace {
+
+// Whether the Escape that a box reports ends a drag instead, and so leaves the text alone. It is
+// reported twice: as the key, and as the loss of the keyboard.
+bool EndsDrag(Console* c) {
+  if (std::exchange(c->drag_escaped, false)) return true;
+  return c->drag_escaped = XwGetKeyState(XWE_ESCAPE) && CancelDrag(c);
+}
+
+}  // namespace
+
 void UseEditBox(Console* c, int type, int id, bool gained) {
+  if (type == XWE_EDIT_SELECT && !gained && EndsDrag(c)) return;
+  if (type == XWE_EDIT_CHANGED) RunFunctionKey(c);
   if (id == kQueueFilterControl) return UseQueueFilter(c, type, gained);
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;

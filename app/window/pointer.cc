@@ -133,17 +133,21 @@ void Use(Console* c, const Hit& hit) {
   }
 }
 
-// What has waited for it is shown.
+// No row is held any more: what has waited for it is shown.
+void ShowWhatWaited(Console* c) {
+  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
+  if (std::exchange(c->queue_waits, false)) c->queue.Fill();
+  ShowHeldReading(c);
+}
+
 void ReleaseTables(Console* c) {
   const int gap = c->queue.table.gap();
   for (Table* table : {&c->files.table, &c->queue.table}) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
-  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
   if (gap >= 0) DropJobs(c, gap);
-  if (std::exchange(c->queue_waits, false)) c->queue.Fill();
-  ShowHeldReading(c);
+  ShowWhatWaited(c);
 }
 
 }  // namespace
@@ -156,6 +160,21 @@ void Release(Console* c) {
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
+}
+
+bool CancelDrag(Console* c) {
+  bool held = c->pressed.owner == kBorders;
+  if (held) PutBackBorder(c);
+  for (Table* table : {&c->files.table, &c->queue.table}) {
+    if (!table->Cancel()) continue;
+    SelectionChanged(c, table == &c->files.table);
+    held = true;
+  }
+  if (!held) return false;
+  c->pressed = {};
+  c->last_press = 0;
+  ShowWhatWaited(c);
+  return true;
 }
 
 void Motion(Console* c) {

@@ -203,7 +203,7 @@ void GoToQueueFilter(Console* c) {
 void FilterQueue(Console* c, const QueueFilter& filter) {
   if (filter == c->queue.rows.filter()) return;
   c->queue.Filter(filter);
-  c->damage |= kQueuePane | kDetailsPane;
+  c->damage |= kQueuePane | kDetailsPane | kStatusPane;
 }
 
 void UseQueueFilter(Console* c, int type, bool gained) {

@@ -113,6 +113,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   Key('d', 'd');
   ASSERT_TRUE(Until([&] { return Rows() == "a b c d "; }));
   ASSERT_TRUE(Settled());
+  EXPECT_EQ(c_->queue.SelectionText(), "1 of 4 jobs selected");
   Key('d', 'd');
   EXPECT_TRUE(Tells("It is the last one"));
 
@@ -134,6 +135,18 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   EXPECT_EQ(testing_daemon::Order(fd_), "a c d b ");
   EXPECT_EQ(c_->queue.Selected().size(), 2u) << "a drag selects nothing else";
   ASSERT_TRUE(Settled());
+
+  // Escape stops a drag.
+  const Area last = c_->queue.table.RowArea(2);
+  display::MovePointer(c_->window->x + 100, c_->window->y + last.y + 10);
+  display::Press(1);
+  display::MovePointer(c_->window->x + 100, c_->window->y + last.y - 30);
+  Turn(2);
+  EXPECT_GE(c_->queue.table.gap(), 0);
+  Key(kEscapeKey);
+  display::Release(1);
+  Turn(2);
+  EXPECT_TRUE(c_->state.pending.empty());
 
   // In another order it is not done, and a line says why.
   c_->queue.Sort(QueueOrder::kName, true);
