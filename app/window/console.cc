@@ -163,13 +163,17 @@ void MoveFocus(Console* c, int by) {
   SetFocusStop(c, FocusStop(stop));
 }
 
+// One thing after the other: an error is read, then the keyboard goes back to the files, and from
+// there all of them are shown again.
 void Escape(Console* c) {
   if (CancelDrag(c)) return;
   StopReading(c);
-  if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ReadMessage();
   c->damage |= kStatusPane;
-  SetFocusStop(c, FocusStop::kFiles);
+  const bool error = c->status.HasError();
+  c->status.ReadMessage();
+  if (error) return;
+  if (c->stop != FocusStop::kFiles) return SetFocusStop(c, FocusStop::kFiles);
+  if (c->files.folder.rows().filtered()) SetFilter(c, "");
 }
 
 void Key(Console* c, int type) {

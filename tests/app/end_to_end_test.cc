@@ -243,7 +243,7 @@ TEST_F(EndToEnd, FortyPrintersAreChosenPausedAndFilled) {
     see job five.txt has out of paper
     agree
     click button Paper Loaded
-    see job five.txt has 4 of 5 pages, out of paper
+    see job five.txt has out of paper, 4 of 5 pages
     agree
     keys Control+l
     see job five.txt = printed
