@@ -20,7 +20,8 @@ using testing_daemon::RunProgram;
 constexpr const char* kPrinters =
     "[printer]\nname=Slow\nrate=1K\nmedia=A4,A3\n"
     "[printer]\nname=Fast\nrate=0\n"
-    "[printer]\nname=Tray\nrate=0\npaper=2\nsheet-bytes=1K\n";
+    "[printer]\nname=Tray\nrate=0\npaper=2\nsheet-bytes=1K\n"
+    "[profile]\nname=Fine\n";
 
 class EndToEnd : public testing::Test {
  protected:
@@ -194,6 +195,101 @@ TEST_F(EndToEnd, JobsAreHeldMovedAndRemoved) {
     gone job e
     agree)"));
   EXPECT_EQ(Order(), "d c ");
+}
+
+// The list of docs/morning.md.
+TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
+  home_.Folder("Jobs");
+  home_.File("Jobs/a.pdf", PdfOf(2, 0));
+  home_.File("Jobs/b.pdf", PdfOf(1, 0));
+  home_.File("Jobs/c.txt", std::string(200000, 'x'));
+  home_.File("theirs.txt", std::string(200000, 'x'));
+  SetTime(home_.At("Jobs/a.pdf"), 1000000000);
+  StartServer();
+  Operator mia(&*user_, home_, daemon_);
+  ASSERT_TRUE(mia.Do(R"(
+    see row Jobs #2
+    keys Shift+Tab Shift+Tab Down Return
+    see button Jobs
+    keys Escape Control+f
+    type *.pdf
+    keys Return Control+3
+    files b.pdf, a.pdf
+    keys Home Down
+    see label Kind = PDF document, 2 pages
+    keys Tab Tab Tab Tab
+    see pop-up-button Printer is focused
+    keys Down f Return Tab Down
+    see menu-item Fine
+    keys f Return Tab
+    see pop-up-button Profile = Fine
+    keys Control+p
+    see job a.pdf = printed
+    keys Escape Home Shift+Down Tab Tab Tab Tab Tab Tab
+    see text-field Copies is focused
+    type 2
+    keys Control+p
+    see job b.pdf = printed
+    agree
+    keys Escape Tab Tab Tab Tab Down s Return Escape Escape
+    type c.t
+    see file c.txt is selected
+    keys Control+j Control+p
+    see job c.txt = held
+    agree)"));
+  PrintElsewhere("theirs.txt");
+  PrintElsewhere("Jobs/c.txt");
+  ASSERT_TRUE(mia.Do(R"(
+    see job c.txt #2 = waiting
+    keys Tab Home Down Down h
+    see job c.txt #2 = held
+    keys Shift+Up r
+    see job c.txt #1 = waiting
+    see job c.txt #2 = waiting
+    keys End Home Down Down u
+    see status Message = Moved: “c.txt”
+    keys p Home Return
+    see label Priority = 100
+    keys m f Return
+    see job c.txt #2 = printed
+    keys a
+    see status Message has Will be printed again
+    see job c.txt #2 = printed
+    agree
+    keys Home Delete
+    see button Keep
+    keys Tab Return
+    gone job theirs.txt
+    agree
+    keys Shift+Tab Shift+Tab Menu
+    see menu-item Pause
+    keys p Return
+    see row Slow has paused
+    keys Menu
+    see menu-item Resume
+    keys r Return
+    see row Slow has printing, 1 job
+    keys Home Down Down Return
+    see pop-up-button Printer = Tray
+    keys Escape Control+p
+    see status Attention = “Tray” is out of paper
+    keys Control+l
+    see job c.txt #2 has out of paper, 4 of 196 pages
+    agree
+    keys Control+,
+    see text-field Ask every is focused
+    keys Control+a
+    type 3
+    keys Return
+    gone window Preferences
+    see window Quorvik is active
+    keys F1
+    see window Keys is active
+    keys Escape
+    gone window Keys
+    see window Quorvik is active
+    keys Control+q)"));
+  EXPECT_TRUE(mia.HasQuit());
 }
 
 TEST_F(EndToEnd, FortyPrintersAreChosenPausedAndFilled) {
