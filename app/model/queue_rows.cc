@@ -111,6 +111,8 @@ QueueRows::Item QueueRows::ItemOf(int place) const {
       return {NaturalKey(job ? job->owner : out->owner), 0, place};
     case QueueOrder::kPrinter:
       return {NaturalKey(job ? job->printer : out->printer), 0, place};
+    case QueueOrder::kProfile:
+      return {NaturalKey(job ? job->profile : out->profile), 0, place};
     case QueueOrder::kState:
       return {"", job ? StateRank(job->state) : 0, place};
     case QueueOrder::kSize:

@@ -52,7 +52,8 @@ enum class QueueOrder : uint8_t {
   kSize,
   kTime,
   kPriority,
-  kNumber
+  kNumber,
+  kProfile  // the last; the numbers are written down
 };
 
 struct QueueFilter {

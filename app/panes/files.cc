@@ -132,7 +132,7 @@ void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {
 
 std::vector<Column> Columns() {
   return {{"Name", 220, 1, Align::kLeft, true, 0, kNamePadding, kIconRoom},
-          {"Size", 110, 0, Align::kRight, true, 0, 6},
+          {"Size", 110, 0, Align::kRight, true, 0, 8},
           {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
 }
 

@@ -9,13 +9,19 @@ namespace {
 
 // How far beside a border the pointer may be to take hold of it.
 constexpr int kBorderReach = 4;
-// Where there is the head of a column that sorts, it is taken hold of beside that.
-constexpr int kHeadReach = 6;
-// The text of a head is this far from its left side.
+// Where there is the head of a column that sorts, it is taken hold of beside that: the head leaves
+// so much free at either side of the border.
+constexpr int kHeadReach = 3;
+// The text of a head is this far from its side.
 constexpr int kHeadText = 5;
 // Of scrolling by a drag, pixels at a time.
 constexpr int kFastest = 3 * Table::kRowHeight;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
+
+// How far a head's button ends before its column.
+int HeadEnd(const Column& c) {
+  return c.align == Align::kRight ? std::max(1, c.padding - kHeadText) : kHeadReach;
+}
 
 }  // namespace
 
@@ -208,13 +214,14 @@ Area Table::ColumnArea(int column) const {
   return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
 }
 
-// The head's button: its text stands over that of the cells, and the border before it is free.
+// The head's button: its text stands over that of the cells, and the borders beside it are free.
 Area Table::HeadArea(int column) const {
   const Area c = ColumnArea(column);
   if (c.Empty() || area_.h < kHeaderHeight) return {};
   const Column& shape = columns_[size_t(column)];
   const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
-  const int right = std::min(c.right() - (NextColumn(column) < 0 ? 0 : 1), area_.right());
+  const bool to_the_edge = NextColumn(column) < 0 && shape.align != Align::kRight;
+  const int right = std::min(c.right() - (to_the_edge ? 0 : HeadEnd(shape)), area_.right());
   return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
 }
 
@@ -222,9 +229,9 @@ Area Table::BorderArea(int column) const {
   const Area c = ColumnArea(column);
   const int next = NextColumn(column);
   if (c.Empty() || next < 0) return {};
-  const bool head = columns_[size_t(column)].sorts, next_head = columns_[size_t(next)].sorts;
-  const int left = c.right() - (head ? 1 : kBorderReach);
-  const int right = c.right() + (next_head ? kHeadReach : kBorderReach);
+  const Column& shape = columns_[size_t(column)];
+  const int left = c.right() - (shape.sorts ? HeadEnd(shape) : kBorderReach);
+  const int right = c.right() + (columns_[size_t(next)].sorts ? kHeadReach : kBorderReach);
   return {left, area_.y, right - left, std::min(kHeaderHeight, area_.h)};
 }
 
@@ -438,9 +445,9 @@ void Table::DrawHead(int column) const {
   const Area all = ColumnArea(column);
   Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
   if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (c.sorts) return;  // its button has all else
   if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
   Area text = CellArea(column, head.y, head.h);
-  if (c.sorts) return;
   text.TakeLeft(c.indent);
   DrawLabel(l.small_text, c.align, text, c.title, l.ink);
 }

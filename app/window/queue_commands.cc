@@ -18,11 +18,11 @@ struct NamedOrder {
   const char* name;
 };
 constexpr NamedOrder kOrders[] = {
-    {QueueOrder::kPrint, "Print Order"}, {QueueOrder::kNumber, "Number"},
-    {QueueOrder::kName, "Document"},     {QueueOrder::kOwner, "Owner"},
-    {QueueOrder::kPrinter, "Printer"},   {QueueOrder::kState, "Progress"},
-    {QueueOrder::kSize, "Size"},         {QueueOrder::kTime, "Time of Submission"},
-    {QueueOrder::kPriority, "Priority"},
+    {QueueOrder::kPrint, "Print Order"},       {QueueOrder::kNumber, "Number"},
+    {QueueOrder::kName, "Document"},           {QueueOrder::kOwner, "Owner"},
+    {QueueOrder::kPrinter, "Printer"},         {QueueOrder::kProfile, "Profile"},
+    {QueueOrder::kState, "Progress"},          {QueueOrder::kSize, "Size"},
+    {QueueOrder::kTime, "Time of Submission"}, {QueueOrder::kPriority, "Priority"},
 };
 // By QueueFilter::Part.
 constexpr const char* kParts[] = {"All Jobs", "Active Jobs", "Ended Jobs"};

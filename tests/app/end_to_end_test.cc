@@ -447,9 +447,12 @@ TEST_F(EndToEnd, DocumentsAreOpenedDroppedAndSentBeforeTheEnd) {
     });
   };
   const std::string home = "file://" + home_.path();
+  // The line that counts them goes when they are sent.
+  daemon_.Signal(SIGSTOP);
   ASSERT_TRUE(drop(home + "/d.txt\r\n" + home + "/a%20b.txt\r\n"));
+  ASSERT_TRUE(mia.Do("see status Message has 2 documents"));
+  daemon_.Signal(SIGCONT);
   ASSERT_TRUE(mia.Do(R"(
-    see status Message has 2 documents
     see job d.txt = printed
     see job a b.txt #2 = printed
     agree)"));
