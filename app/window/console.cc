@@ -182,21 +182,6 @@ void PressSecondary(Console* c) {
   OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
 }
 
-}  // namespace
-
-void StopSending(Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.state == Sending::kSending) c->server.Cancel(t.number);
-}
-
-void RefreshAll(Console* c) {
-  RefreshFolder(c);
-  RefreshPlaces(c);
-  c->server.Refresh();
-}
-
-namespace {
-
 // Pressed and released on the same thing.
 void Use(Console* c, const Hit& hit) {
   switch (hit.owner) {
@@ -332,9 +317,14 @@ void Escape(Console* c) {
 
 void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
+  if (!c->has_menus) {
+    // It came before the menus, which would have sent its command.
+    SetUpMenus(c);
+    if (const int command = CommandOfMenuKey(type, c->modifiers)) return RunCommand(c, command);
+  }
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands.
-    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
+    if (!CommandOfMenuKey(type, c->modifiers)) TableKey(c, type);
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
@@ -421,8 +411,15 @@ void ShowActivity(int active) {
   DrawConsole(c);
 }
 
+// What the first picture does not need begins behind it.
 void FirstPictureDrawn(void*, int taken) {
-  if (g_console && taken) RefreshPlaces(g_console);
+  Console* c = g_console;
+  if (!c || !taken) return;
+  c->has_begun = true;
+  SetUpMenus(c);
+  c->server.Begin();
+  WatchShownFolder(c);
+  RefreshPlaces(c);
 }
 
 int Handle(int type) {
@@ -544,7 +541,8 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   ShowRemembered(c);
   BeginPlaces(c, start);
   EnterFolder(c, start, "");
-  SetUpCommands(c);
+  ShowMenuTitles(c);
+  UpdateControls(c);
   XwShow(w, 1);
   XwSetFocus(w);
   return c;
