@@ -47,6 +47,7 @@ enum class FocusStop {
   kPrinters,
   kFiles,
   kQueue,
+  kShowAllFiles,
   kStartServer,
   kRetry,
   kNeedsButton,
@@ -64,6 +65,7 @@ enum class FocusStop {
   kQueueFilter,
   kQueueOwner,
   kQueuePart,
+  kShowAllJobs,
   kCount
 };
 inline bool IsControl(FocusStop stop) {

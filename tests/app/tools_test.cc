@@ -37,6 +37,10 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   RunCommand(c_, kUndoCommand);
   Turn(2);
   EXPECT_EQ(c_->files.FilterText(), "");
+  Key('q', 'q');
+  EXPECT_EQ(c_->files.folder.count(), 0);
+  Click(c_->files.table.NoteButton());
+  EXPECT_EQ(c_->files.FilterText(), "");
 
   Click(FileRow("letter.txt"));
   EXPECT_FALSE(CanRun(c_, kUndoCommand));
