@@ -48,7 +48,7 @@ WordClass ClassAt(std::string_view text, size_t at) {
   return sign ? WordClass::kSign : WordClass::kLetter;
 }
 
-// The other end of the word that lies on that side of a place, over spaces.
+// The far end of the next word on that side of a place; spaces before it are skipped.
 size_t WordEnd(std::string_view text, const std::vector<size_t>& places, size_t at, bool back) {
   size_t i = size_t(std::lower_bound(places.begin(), places.end(), at) - places.begin());
   const size_t end = back ? 0 : places.size() - 1;
@@ -85,7 +85,7 @@ void Place(EditState* e, size_t caret) {
   e->joins = false;
 }
 
-// Whether a typed text goes on with the word that the newest change has typed.
+// Whether the typed text continues the word of the newest change, so that one undo removes both.
 bool GoesOn(const EditState& e, std::string_view text) {
   if (!e.joins || e.undo.empty() || e.selects()) return false;
   const EditChange& newest = e.undo.back();

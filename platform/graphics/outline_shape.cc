@@ -81,7 +81,7 @@ class Stroker {
   static bool Near(FT_Vector a, FT_Vector b) {
     return std::abs(a.x - b.x) < 2 && std::abs(a.y - b.y) < 2;
   }
-  // The stroker must not end what has no length, so it hears of a line with its first step.
+  // The stroker must not get a line without length, so each line begins with its first step.
   void Begin() {
     if (!begun_) FT_Stroker_BeginSubPath(stroker_, &at_, !closes_);
     begun_ = true;
@@ -104,9 +104,9 @@ class Stroker {
 
   FT_Stroker stroker_ = nullptr;
   FT_Vector at_{};
-  bool open_ = false;    // a part has told where the line starts
-  bool ended_ = false;   // and another where it goes
-  bool begun_ = false;   // the stroker has heard of it
+  bool open_ = false;    // the line has a start
+  bool ended_ = false;   // and at least one more part
+  bool begun_ = false;   // the stroker has its start
   bool closes_ = false;  // it will be closed
 };
 
