@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "app/format/texts.h"
 #include "app/model/queue_verbs.h"
 #include "app/model/queue_words.h"
 
@@ -209,6 +210,14 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(WordsOfJob(jobs[1], {}).tone, Tone::kWarning);
   EXPECT_EQ(WordsOfJob(jobs[2], {}).text, "failed: paper jam");
   EXPECT_EQ(WordsOfJob(jobs[3], {}).tone, Tone::kPlain);
+  // What has become of a job.
+  jobs[2].submitted = 1000, jobs[2].started = 2000, jobs[2].since = 3000;
+  std::string history;
+  for (const Fact& fact : FactsOfJob(jobs[2], 5000))
+    if (fact.value == DayText(1000, 5000) || fact.value == DayText(2000, 5000) ||
+        fact.value == DayText(3000, 5000))
+      history += fact.name + " ";
+  EXPECT_EQ(history, "Submitted Begun Failed ");
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
     EXPECT_EQ(AnswerMessage(Verb::kMove, status, "a").tone, Tone::kWarning);

@@ -17,7 +17,7 @@ namespace {
 
 using testing_daemon::Daemon;
 
-constexpr uint32_t kEscapeKey = 0xFF1B;
+constexpr uint32_t kEscapeKey = 0xFF1B, kReturnKey = 0xFF0D;
 
 class QueueTest : public ConsoleTest {
  protected:
@@ -101,6 +101,35 @@ TEST_F(QueueTest, VerbsActOnAllThatAreSelected) {
     EXPECT_EQ(testing_daemon::JobOf(fd_, ids_[name].data()).copies, 7);
   }
   EXPECT_EQ(WhyNotChange(c_, Verb::kPrintAgain), "The job has not been printed yet");
+}
+
+// Any number, for the jobs that were selected when the window was opened.
+TEST_F(QueueTest, ANumberThatNoMenuHasIsAsked) {
+  OpenWith({"a", "b", "c"});
+  const auto job = [this](const char* name) {
+    return testing_daemon::JobOf(fd_, ids_[name].data());
+  };
+  Select({"b", "c"});
+  AskNumber(c_, Verb::kCopies);
+  Select({"a"});
+  Turn(4);
+  for (const char* refused : {"0", "1000", "x"}) {
+    for (const char* digit = refused; *digit; ++digit) Key(uint32_t(*digit), uint32_t(*digit));
+    Key(kReturnKey);
+    ASSERT_FALSE(Node("Set").what.name.empty()) << refused;
+  }
+  for (const uint32_t digit : {'7', '3'}) Key(digit, digit);
+  Key(kReturnKey);
+  ASSERT_TRUE(Until([&] { return job("b").copies == 73 && job("c").copies == 73; }));
+  EXPECT_EQ(job("a").copies, 1);
+  ASSERT_TRUE(Settled());
+  Select({"a"});
+  AskNumber(c_, Verb::kPriority);
+  Turn(4);
+  Key('9', '9');
+  Key(kEscapeKey);
+  EXPECT_TRUE(Node("Set").what.name.empty());
+  EXPECT_EQ(job("a").priority, 50);
 }
 
 TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
