@@ -250,6 +250,8 @@ void PressCrumb(Console* c, int index);
 bool FolderIsSilent(const Console* c);
 // Names that begin with a dot.
 void ShowHiddenNames(Console* c, bool show);
+// The folder that the path lies in, or the nearest one above it that can be read.
+void ShowFolderOf(Console* c, const std::string& path);
 // Enters the first one's folder and selects all that lie in it; a folder is entered itself.
 void ShowDocuments(Console* c, std::vector<std::string> paths);
 
