@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string>
 
+#include "platform/theme/roles.h"
+#include "platform/theme/theme.h"
 #include "tests/support/canvas.h"
 
 using namespace platform;
@@ -20,7 +22,7 @@ int Painted(const Canvas& c) {
   return 40 * 40 - c.Count(Canvas::kBlank);
 }
 
-constexpr int16_t kPoints[] = {2, 3, 30, 11, 9, 38, 2, 3};
+constexpr int16_t kPoints[] = {2, 3, 30, 38, 9, 38, 2, 3};
 constexpr int kWidths[] = {10, 6, 0};
 const uint8_t kPixels[4 * 3] = {};
 
@@ -65,6 +67,8 @@ TEST(State, DashesStayAndChangeOnlyLines) {
   // An empty pattern: no dashes are set, those of the context and the second colour remain.
   XwSetDashes(none, 0, 0, 0);
   EXPECT_EQ(DashCount, 0);
+  XwDrawSeparator(20, 30, 9, 0);  // is solid, and leaves them
+  EXPECT_EQ(c.at(22, 30), 0xFFDAD7D2u);
   XwDrawLine(0, 10, 7, 10);
   for (int x = 0; x < 8; ++x) EXPECT_EQ(c.at(x, 10), x % 4 < 2 ? Canvas::kBlank : kBlue) << x;
   XwSetDashes(nullptr, 0, 0, 0);
@@ -215,6 +219,16 @@ TEST(Elements, TablesAndProgress) {
     int right = value <= 0 ? 5 : value >= 22 ? 35 : 5 + 4 + value;
     for (int x = 11; x < 29; ++x)
       EXPECT_EQ(c.at(x, 15) == 0xFF3875D7u, x < right) << value << " at " << x;
+  }
+}
+
+TEST(Elements, AnInactiveDefaultButtonIsPlain) {
+  ThemeButtonDrawInfo info;
+  info.adornment = kThemeAdornmentDefault;
+  for (const int state : {kThemeStateInactive, kThemeStateActive}) {
+    info.state = state;
+    const Role ink = state == kThemeStateInactive ? Role::kInk : Role::kDocument;
+    EXPECT_EQ(ThemeButtonTextColor(kThemePushButton, info), RoleColor(ink));
   }
 }
 

@@ -200,7 +200,7 @@ TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
   ASSERT_EQ(damage.size(), 1u);
   EXPECT_EQ(Intersect(damage[0], {5, 6, 18, 19}), (DeviceRect{5, 6, 18, 19}));
   canvas.Wipe();
-  Region parts({5, 5, 9, 30});
+  Region parts({5, 5, 9, 12});
   parts.Add({12, 5, 15, 30});
   ClipContextToRegion(canvas.context(), parts);
   XwFillPath(kSquare, 5, 0);
@@ -240,6 +240,14 @@ TEST(Path, ALongLineIsDrawnWholeAndCoversOnce) {
   const Ink ink = InkOf(canvas, canvas.surface().width);
   EXPECT_EQ(ink.box, (DeviceRect{6, 36, 74, 44}));
   EXPECT_NEAR(ink.area, 60 * 6.5 + 3.25 * 3.25 * std::numbers::pi, 4);
+  parts.resize(9996);
+  parts.push_back({XWP_MOVE, 20, 30, 0, 0, 0, 0});
+  parts.push_back({XWP_LINE, 30, 30, 0, 0, 0, 0});
+  parts.push_back({XWP_LINE, 30, 33, 0, 0, 0, 0});
+  parts.push_back({XWP_CLOSE, 0, 0, 0, 0, 0, 0});
+  XwStrokePath(parts.data(), 10000, 3.25f, 0x000000);
+  EXPECT_EQ(canvas.at(48, 64), 0xFF000000u) << "closed to its own start";
+  EXPECT_EQ(canvas.at(22, 48), Canvas::kBlank) << "and not to the first contour's";
 }
 
 // An icon whose bits are its left half and whose outline is its upper half.
