@@ -104,11 +104,12 @@ TEST_F(PlacesTest, VolumesHaveNamesForPersons) {
   EXPECT_EQ(names.find("Root Home Desktop "), 0u) << names;
   EXPECT_NE(names.find("@server "), std::string::npos) << names;
   EXPECT_EQ(names.substr(names.size() - 5), "ROOT ") << names;  // a disk may be called that
-  listing.volumes = {{"Root", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home/m", ""}};
+  listing.volumes = {{"Root", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home", ""}};
   places_.Choose(files_.path());
   places_.Show(std::move(listing));
   EXPECT_EQ(places_.VolumeOf("/home/mia/Documents"), 1);
-  EXPECT_EQ(places_.VolumeOf("/home/mi"), 0);
+  EXPECT_EQ(places_.VolumeOf("/home/mi"), 2);
+  EXPECT_EQ(places_.VolumeOf("/homes"), 0);
   EXPECT_EQ(places_.VolumeOf(""), -1);
   OS_TreeNodeN node{};
   node.path = "//usr";
