@@ -5,6 +5,7 @@
 
 #include "app/model/queue_verbs.h"
 #include "app/model/queue_words.h"
+#include "app/model/server_words.h"
 
 namespace console {
 namespace {
@@ -63,9 +64,12 @@ TEST(QueueRows, AreSortedAndFiltered) {
     bool descending;
     const char* names;
   } orders[] = {
-      {QueueOrder::kPrint, true, "c é b2 xa b10 d"},  {QueueOrder::kName, false, "b2 b10 c d é xa"},
-      {QueueOrder::kState, false, "d b10 xa b2 c é"}, {QueueOrder::kSize, false, "d c é b2 xa b10"},
+      {QueueOrder::kPrint, true, "c é b2 xa b10 d"},
+      {QueueOrder::kName, false, "b2 b10 c d é xa"},
+      {QueueOrder::kState, false, "d b10 xa b2 c é"},
+      {QueueOrder::kSize, false, "d c é b2 xa b10"},
       {QueueOrder::kOwner, true, "b10 b2 é c xa d"},
+      {QueueOrder::kNumber, false, "b10 xa b2 é c d"},
   };
   for (const auto& o : orders) {
     rows.Sort(o.order, o.descending);
@@ -210,6 +214,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(WordsOfJob(jobs[1], {}).tone, Tone::kWarning);
   EXPECT_EQ(WordsOfJob(jobs[2], {}).text, "failed: paper jam");
   EXPECT_EQ(WordsOfJob(jobs[3], {}).tone, Tone::kPlain);
+  EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
+  EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
     EXPECT_EQ(AnswerMessage(Verb::kMove, status, "a").tone, Tone::kWarning);

@@ -171,6 +171,8 @@ TEST(Preferences, TheFileIsPrivateAndReplacedAsAWhole) {
   EXPECT_EQ(LoadPreferences(path).window_width, 1050);
   const std::string text{std::istreambuf_iterator<char>(old), {}};
   EXPECT_EQ(ParsePreferences(text).window_width, Preferences().window_width);
+  files.File("config/quorvik/console.conf", "window-width=999\n" + std::string(300000, '#'));
+  EXPECT_EQ(LoadPreferences(path), Preferences()) << "too long";
   // What cannot be stored leaves nothing beside it, and what cannot be read is as good as nothing.
   std::filesystem::remove(path);
   files.Folder("config/quorvik/console.conf/x");

@@ -121,6 +121,8 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
   EXPECT_EQ(p.pixels[1], 0);
   EXPECT_EQ(p.pixels[5], 204);  // a fifth of it black
   EXPECT_EQ(p.pixels[9], 255);
+  EXPECT_EQ(p.pixels[13], 204);  // the same in the row below
+  EXPECT_EQ(p.pixels[33], 255);
 }
 
 TEST_F(PreviewTest, PagesAreDrawnByTheProgramsOfThePdfLibrary) {
@@ -182,6 +184,8 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
     EXPECT_EQ(TroubleWords(Of(path)), "This document cannot be read") << path;
   PreviewMaker::program = files_.At("missing");
   EXPECT_EQ(TroubleWords(Of(files_.At("text"))), "No preview could be made");
+  PreviewMaker::program = "/usr/bin/yes";  // writes more than any preview has
+  EXPECT_EQ(TroubleWords(Of(files_.At("text"))), "This document is damaged");
 }
 
 // Whatever a file holds, the program ends by itself, and what it says can be read.

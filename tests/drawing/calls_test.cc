@@ -250,6 +250,9 @@ TEST(Images, AllocationAndCuts) {
   XwPutImage(0, 0, 0, 0, 5, 5, nullptr);
   XwPutImageData(0, 0, 5, 5, nullptr);
   EXPECT_EQ(Painted(c), 0);
+  for (int i = 0; i < 40; ++i) image[4 * i + 3] = uint8_t(i);
+  XwPutImageData(0, 0, 40, 1, image);
+  for (int i = 0; i < 40; ++i) EXPECT_EQ(c.at(i, 0), 0xFF000000u + uint32_t(i));
   image = XwReallocImage(image, 2, 1);
   EXPECT_EQ(image[7], 0);
   XwFreeImage(image);
