@@ -37,7 +37,7 @@ RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {
   }
   if (IsAtPrinter(job.state)) words.progress = ProgressOf(job);
   if (job.state == NC_JOB_PAPER_OUT && words.progress.whole > 0)
-    words.progress.text += ", " + words.text;
+    words.progress.text = words.text + ", " + words.progress.text;
   std::string why = Shown(nc::ReasonsText(job.reasons));
   // The server's own words for a failure say more than its keyword.
   if (job.state == NC_JOB_FAILED && why.empty()) why = Shown(job.text);
@@ -104,7 +104,8 @@ std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   facts.Add("Submitted", DayText(job.submitted, now));
   if (HasEnded(job.state))
     facts.Add("Again", job.kept ? "the server keeps it" : "it is no longer kept");
-  facts.Add("Says", Shown(job.text));
+  if (const std::string says = Shown(job.text); says != nc::JobStateText(job.state))
+    facts.Add("Says", says);
   return facts.All();
 }
 

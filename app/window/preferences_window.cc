@@ -237,9 +237,6 @@ int Handle(int type) {
     case XWE_CLOSE:
       ClosePreferences();
       break;
-    case 'w':
-      if (Inp.state & XWS_CONTROL) ClosePreferences();
-      break;
     default:
       break;
   }
@@ -311,10 +308,14 @@ void ShowPreferences(Console* c) {
     MakeControls(g_window);
     Fill(g_window);
     Update(g_window);
+    XwSetActivationHandler(window, [](int on) {
+      if (g_window) NoteActivity(g_window->window, on != 0);
+    });
     XwCenter(window, c->window);
   }
   XwShow(g_window->window, 1);
   XwSetFocus(g_window->window);
+  NoteActivity(g_window->window, true);
   XwFocusControl(c->remembered.server_fixed ? g_window->seconds : g_window->server);
 }
 
@@ -322,6 +323,7 @@ void ClosePreferences() {
   PreferencesWindow* w = g_window;
   if (!w) return;
   g_window = nullptr;
+  NoteActivity(w->window, false);
   XwDestroy(w->window);
   delete w;
 }

@@ -18,11 +18,11 @@ struct NamedOrder {
   const char* name;
 };
 constexpr NamedOrder kOrders[] = {
-    {QueueOrder::kPrint, "Print Order"}, {QueueOrder::kNumber, "Number"},
-    {QueueOrder::kName, "Document"},     {QueueOrder::kOwner, "Owner"},
-    {QueueOrder::kPrinter, "Printer"},   {QueueOrder::kState, "Progress"},
-    {QueueOrder::kSize, "Size"},         {QueueOrder::kTime, "Time of Submission"},
-    {QueueOrder::kPriority, "Priority"},
+    {QueueOrder::kPrint, "Print Order"},       {QueueOrder::kNumber, "Number"},
+    {QueueOrder::kName, "Document"},           {QueueOrder::kOwner, "Owner"},
+    {QueueOrder::kPrinter, "Printer"},         {QueueOrder::kProfile, "Profile"},
+    {QueueOrder::kState, "Progress"},          {QueueOrder::kSize, "Size"},
+    {QueueOrder::kTime, "Time of Submission"}, {QueueOrder::kPriority, "Priority"},
 };
 // By QueueFilter::Part.
 constexpr const char* kParts[] = {"All Jobs", "Active Jobs", "Ended Jobs"};
@@ -200,10 +200,18 @@ void GoToQueueFilter(Console* c) {
   SetFocusStop(c, FocusStop::kQueueFilter);
 }
 
+bool FilterHidesJobs(const Console* c) {
+  return c->queue.rows.filter() != QueueFilter();
+}
+void ShowAllJobs(Console* c) {
+  FilterQueue(c, {});
+  if (c->stop == FocusStop::kShowAllJobs) SetFocusStop(c, FocusStop::kQueue);
+}
+
 void FilterQueue(Console* c, const QueueFilter& filter) {
   if (filter == c->queue.rows.filter()) return;
   c->queue.Filter(filter);
-  c->damage |= kQueuePane | kDetailsPane;
+  c->damage |= kQueuePane | kDetailsPane | kStatusPane;
 }
 
 void UseQueueFilter(Console* c, int type, bool gained) {

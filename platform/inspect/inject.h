@@ -29,6 +29,7 @@ bool IsKey(const std::string& key);
 bool IsTypable(const std::string& utf8);
 // Presses and releases a key in the window; an unknown key is ignored.
 void InjectKey(WindowRef w, const std::string& key, uint32_t modifiers);
-void InjectText(WindowRef w, const std::string& utf8);
+// Types at most so many characters of a text; returns how many bytes of it these are.
+size_t InjectText(WindowRef w, const char* utf8, int most);
 
 }  // namespace platform

@@ -4,11 +4,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <list>
 #include <optional>
+#include <utility>
 
 #include "platform/access/access.h"
 #include "platform/events/queue.h"
@@ -34,6 +36,7 @@ struct Waiting {
 struct Client {
   Connection connection;
   std::optional<Waiting> waiting;
+  std::optional<Typing> typing;
   double since = -1;  // when its next request came; -1: there is none
   explicit Client(int fd) : connection(fd) {}
 };
@@ -84,6 +87,14 @@ bool AtRest() {
   return main_event_queue.empty() && !DrawEventWaits();
 }
 
+void TypeMore(Client* c) {
+  const std::string answer = TypeOn(&*c->typing);
+  if (answer.empty()) return;
+  c->typing.reset();
+  c->connection.Send(answer);
+  c->connection.Move();
+}
+
 void Serve(Client* c, double now) {
   Connection& connection = c->connection;
   std::string_view line;
@@ -92,14 +103,15 @@ void Serve(Client* c, double now) {
   if (!answer.line.empty()) connection.Send(answer.line);
   if (answer.hang_up) connection.HangUp();
   if (answer.wait) c->waiting = {*answer.wait, now + answer.wait->ms / 1000.0};
+  c->typing = std::move(answer.typing);
   connection.Move();
 }
 
-// Serves one request, of the client that has waited longest for its turn.
+// Serves one request or a piece of one, of the client that has waited longest for its turn.
 void ServeNext(double now) {
   Inspector& i = *inspector;
   auto ready = [](const Client& c) {
-    return c.connection.HasLine() && c.connection.idle() && !c.waiting;
+    return c.typing || (c.connection.HasLine() && c.connection.idle() && !c.waiting);
   };
   for (Client& c : i.clients) {
     if (!ready(c))
@@ -113,8 +125,9 @@ void ServeNext(double now) {
   });
   if (next == i.clients.end()) return;
   i.clients.splice(i.clients.end(), i.clients, next);
-  Serve(&i.clients.back(), now);
-  i.clients.back().since = -1;
+  Client& c = i.clients.back();
+  c.typing ? TypeMore(&c) : Serve(&c, now);
+  c.since = -1;
   // More requests may be in memory already, which no descriptor shows.
   intake_hints.ReportWaits();
 }
@@ -154,8 +167,8 @@ bool IsOver(Client& c) {
     connection.HangUp();
     connection.Move();
   }
-  return connection.over() ||
-         (connection.ended() && !connection.HasLine() && connection.idle() && !c.waiting);
+  return connection.over() || (connection.ended() && !connection.HasLine() && connection.idle() &&
+                               !c.waiting && !c.typing);
 }
 
 // The loop wakes up when a look is due.
@@ -200,6 +213,31 @@ void Descriptors(PollList* list) {
 
 constexpr WaitSource kSource = {Descriptors, Take};
 
+// One that the program does not catch ends it, and the socket with it.
+constexpr int kEndingSignals[] = {SIGINT, SIGHUP};
+
+void OnEndingSignal(int signal) {
+  if (inspector && getpid() == inspector->process) inspector->socket.Close();
+  raise(signal);
+}
+
+void CatchEndingSignals() {
+  for (int s : kEndingSignals) {
+    struct sigaction action {};
+    if (sigaction(s, nullptr, &action) || action.sa_handler != SIG_DFL) continue;
+    action.sa_handler = OnEndingSignal;
+    action.sa_flags = SA_RESETHAND;
+    sigaction(s, &action, nullptr);
+  }
+}
+
+void LeaveEndingSignals() {
+  for (int s : kEndingSignals) {
+    struct sigaction action {};
+    if (!sigaction(s, nullptr, &action) && action.sa_handler == OnEndingSignal) signal(s, SIG_DFL);
+  }
+}
+
 void CloseAtExit() {
   static bool asked = false;
   if (!asked)
@@ -222,11 +260,13 @@ void InitInspect(const char* program) {
     return;
   }
   CloseAtExit();
+  CatchEndingSignals();
   AddWaitSource(kSource);
 }
 
 void FinishInspect() {
   if (!inspector) return;
+  LeaveEndingSignals();
   RemoveWaitSource(kSource);
   if (inspector->listens) RemoveTreeListener(&inspector->listener);
   if (inspector->timer >= 0) close(inspector->timer);

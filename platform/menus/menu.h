@@ -48,6 +48,16 @@ void ForgetBarLayout();
 void ForgetInBar(const Menu* m);
 // Notes that the keyboard has asked to open this menu of the bar.
 void RequestMenuBar(MenuRef m);
+// Whether it stands for those that do not fit.
+bool IsOverflowTitle(const BarTitle& t);
+
+// --- bar_keys.cc
+// The keys that a window's focus sends to the bar.
+void InstallBarKeys(WindowRef w);
+// Alt is held: the first letters of the titles are underlined.
+bool BarLettersShown();
+// The start's state.
+void ForgetBarKeys();
 
 // --- layout.cc: a menu as a list of rows
 struct MenuLayout {

@@ -9,10 +9,12 @@ struct MenuLevel {
   MenuRef menu = nullptr;
   WindowRef window = nullptr;  // its pop-up
   MenuLayout layout;
-  int least_width = 0;  // that was asked for
-  int selected = 0;     // item, 0 none
-  int scroll = 0;       // pixels of the rows that are above the view
-  int drawn = -1;       // the item that is drawn as selected; -1: nothing is drawn yet
+  int least_width = 0;   // that was asked for
+  int selected = 0;      // item, 0 none
+  int scroll = 0;        // pixels of the rows that are above the view
+  int drawn = -1;        // the item that is drawn as selected; -1: nothing is drawn yet
+  std::u32string typed;  // the beginning of an item, without case, and when its last key came
+  double typed_at = 0;
 };
 
 struct OpenMenus {

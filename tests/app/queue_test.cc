@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include "app/look/controls.h"
 #include "app/panes/queue_cells.h"
 #include "app/window/commands.h"
 #include "app/window/queue_commands.h"
@@ -113,6 +114,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   Key('d', 'd');
   ASSERT_TRUE(Until([&] { return Rows() == "a b c d "; }));
   ASSERT_TRUE(Settled());
+  EXPECT_EQ(c_->queue.SelectionText(), "1 of 4 jobs selected");
   Key('d', 'd');
   EXPECT_TRUE(Tells("It is the last one"));
 
@@ -134,6 +136,18 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   EXPECT_EQ(testing_daemon::Order(fd_), "a c d b ");
   EXPECT_EQ(c_->queue.Selected().size(), 2u) << "a drag selects nothing else";
   ASSERT_TRUE(Settled());
+
+  // Escape stops a drag.
+  const Area last = c_->queue.table.RowArea(2);
+  display::MovePointer(c_->window->x + 100, c_->window->y + last.y + 10);
+  display::Press(1);
+  display::MovePointer(c_->window->x + 100, c_->window->y + last.y - 30);
+  Turn(2);
+  EXPECT_GE(c_->queue.table.gap(), 0);
+  Key(kEscapeKey);
+  display::Release(1);
+  Turn(2);
+  EXPECT_TRUE(c_->state.pending.empty());
 
   // In another order it is not done, and a line says why.
   c_->queue.Sort(QueueOrder::kName, true);
@@ -191,6 +205,13 @@ TEST_F(QueueTest, ShowsWhatIsAskedFor) {
   ChoosePart(c_, QueueFilter::kEnded);
   EXPECT_EQ(c_->queue.rows.count(), 0);
   EXPECT_EQ(XwGetValue(c_->queue.head.part), int(QueueFilter::kEnded));
+  SetFocusStop(c_, FocusStop::kShowAllJobs);
+  DrawConsole(c_);
+  Turn(2);
+  Key(' ', ' ');
+  EXPECT_EQ(Rows(), "a b c ");
+  EXPECT_EQ(c_->stop, FocusStop::kQueue);
+  EXPECT_FALSE(CanFocus(c_->queue.show_all));
 }
 
 class LosingTest : public ConsoleTest {

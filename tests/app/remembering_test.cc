@@ -1,6 +1,7 @@
 // What a console leaves to the next one, and the server that it starts.
 #include <gtest/gtest.h>
 
+#include "app/window/queue_commands.h"
 #include "app/work/preferences_file.h"
 #include "os/system_paths.h"
 #include "tests/app/console_fixture.h"
@@ -69,6 +70,11 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_GE(c_->files.folder.Find("letter.txt"), 0);
   EXPECT_NE(c_->status.message().text.find("leaf"), std::string::npos);
+  for (const auto part : {QueueFilter::kEnded, QueueFilter::kActive}) {
+    FilterQueue(c_, {true, part, "x"});
+    CloseAndOpen();
+    EXPECT_EQ(c_->queue.rows.filter(), (QueueFilter{true, part, "x"}));
+  }
 }
 
 TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {

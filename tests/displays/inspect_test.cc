@@ -1,75 +1,21 @@
 // The inspector as its clients see it: examples, which know nothing of it, are worked through its
 // socket on both displays, and hostile clients do no harm.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 #include <fstream>
 #include <memory>
 
 #include "tests/displays/program.h"
 #include "tests/os/scratch.h"
+#include "tests/support/inspect_client.h"
 #include "tests/support/picture.h"
 #include "tests/support/x_server.h"
 
 namespace {
 
+using Client = support::InspectClient;
 using support::Eventually;
-
-class Client {
- public:
-  // Connects; gives up after ten seconds.
-  explicit Client(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    Eventually([&] {
-      fd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-      if (!connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address)) return true;
-      close(fd_);
-      return false;
-    });
-  }
-  ~Client() { close(fd_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
-
-  void Send(const std::string& bytes) { send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-  void EndSending() { shutdown(fd_, SHUT_WR); }
-  // The next line; "" when the connection has ended.
-  std::string Line() {
-    size_t end;
-    while ((end = in_.find('\n')) == std::string::npos) {
-      char buffer[65536];
-      const ssize_t n = recv(fd_, buffer, sizeof buffer, 0);
-      if (n <= 0) return "";
-      in_.append(buffer, size_t(n));
-    }
-    std::string line = in_.substr(0, end);
-    in_.erase(0, end + 1);
-    return line;
-  }
-  // What is asked is the inside of the object.
-  std::string Ask(const std::string& request) {
-    Send("{" + request + "}\n");
-    return Line();
-  }
-  bool Does(const std::string& request) {
-    const std::string answer = Ask(request);
-    EXPECT_EQ(answer.rfind("{\"ok\":true", 0), 0u) << request << ": " << answer;
-    return answer.rfind("{\"ok\":true", 0) == 0;
-  }
-  // The message of the failure; "" for none.
-  std::string Fault(const std::string& request) {
-    const std::string answer = Ask(request), start = "{\"ok\":false,\"error\":\"";
-    return answer.rfind(start, 0) ? "" : answer.substr(start.size());
-  }
-
- private:
-  int fd_ = -1;
-  std::string in_;
-};
 
 testkit::Picture Decode(const std::string& answer, const std::string& file) {
   const std::string start = "\"png\":\"";
@@ -105,6 +51,20 @@ class Inspect : public testing::TestWithParam<const char*> {
       ASSERT_TRUE(server_->running() && server_->StartManager("openbox"));
     }
     setenv("XW_DISPLAY", name.c_str(), 1);
+  }
+  // Whether a client that runs as another user, and whom the file lets in, is not served. For root.
+  bool TurnsOthersAway() {
+    chmod(path_.c_str(), 0666);
+    chmod(scratch_.path().c_str(), 0711);
+    const pid_t other = fork();
+    if (other == 0) {
+      if (setuid(65534)) _exit(1);
+      Client client(path_);
+      _exit(!client.connected() || !client.Ask(R"("do":"tree")").empty());
+    }
+    int status = -1;
+    waitpid(other, &status, 0);
+    return status == 0;
   }
   std::string Example(const char* name) { return std::string(EXAMPLES) + "/" + name; }
 
@@ -202,6 +162,22 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
     EXPECT_NE(fault.find(c.fault), std::string::npos) << c.request << ": " << fault;
   }
   EXPECT_TRUE(client.Does(R"("do":"tree")"));
+  // A long text does not keep others waiting, and is answered when it is typed. All of them have
+  // asked before the program looks.
+  Client typist(path_);
+  EXPECT_TRUE(typist.Does(R"("do":"tree")"));
+  const std::string text(4000, 'x'), field = R"("role":"text-field","name":"Copies:")";
+  const std::string look = "{\"do\":\"wait\"," + field + "}\n";
+  dialog.Signal(SIGSTOP);
+  typist.Send(R"({"do":"type","text":")" + text + "\"," + field + "}\n" + look);
+  client.Send(look + look + look + look);
+  dialog.Signal(SIGCONT);
+  std::string between;
+  for (int i = 0; i < 4; ++i) between = client.Line();
+  EXPECT_NE(between.find("Copies"), std::string::npos) << between;
+  EXPECT_EQ(between.find(text), std::string::npos);
+  EXPECT_EQ(typist.Line(), "{\"ok\":true}");
+  EXPECT_NE(typist.Line().find('"' + text + '"'), std::string::npos);
 }
 
 TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
@@ -252,16 +228,28 @@ TEST_P(InspectHeadless, TheSocketIsTheUsersAndOneProgramsAtATime) {
     struct stat socket;
     ASSERT_EQ(stat(path_.c_str(), &socket), 0);
     EXPECT_EQ(socket.st_mode & 0777, 0600u);
+    EXPECT_TRUE(geteuid() || TurnsOthersAway());
     // Another program does not take it away, also when it ends.
     Program second(Example("05-fields"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Dialog")"));
   }
   EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Dialog"), std::string::npos);
-  // What a crash has left behind is replaced.
+  // What a crash has left behind is replaced; signals leave nothing.
   EXPECT_EQ(first.End(SIGKILL), -1);
   EXPECT_EQ(access(path_.c_str(), F_OK), 0);
-  Program third(Example("05-fields"));
-  EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Fields"), std::string::npos);
+  for (int signal : {SIGINT, SIGHUP}) {
+    Program third(Example("05-fields"));
+    EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Fields"), std::string::npos);
+    EXPECT_EQ(third.End(signal), -1);
+    EXPECT_EQ(access(path_.c_str(), F_OK), -1) << signal;
+  }
+  // Nor is another program's taken away, which has replaced it.
+  Program fourth(Example("05-fields"));
+  EXPECT_TRUE(Client(path_).Does(R"("do":"tree")"));
+  unlink(path_.c_str());
+  std::ofstream(path_) << "another";
+  EXPECT_EQ(fourth.End(), 0);
+  EXPECT_EQ(ReadFile(path_), "another");
 }
 
 }  // namespace

@@ -1,7 +1,14 @@
-// The reader of the inspector's requests: what is an object of plain values, and nothing else.
+// The reader of the inspector's requests: what is an object of plain values, and nothing else; and
+// what a click hits.
 #include <gtest/gtest.h>
 
+#include "platform/display/headless/headless.h"
+#include "platform/input/record.h"
 #include "platform/inspect/json.h"
+#include "platform/inspect/requests.h"
+#include "platform/loop/receive.h"
+#include "platform/loop/start.h"
+#include "platform/windows/internal.h"
 
 namespace {
 
@@ -79,6 +86,81 @@ TEST(Json, WritesTextThatItReads) {
   PutJsonText(&out, "a\"\\\n\x01\xFF é");
   EXPECT_EQ(out, "\"a\\\"\\\\\\u000a\\u0001\uFFFD é\"");
   EXPECT_EQ(Read("{\"a\":" + out + "}"), "a='a\"\\\n\x01\uFFFD é'");
+  const struct {
+    std::string_view bytes;
+    const char* text;
+  } rows[] = {{"", "\"\""},
+              {"\xFF", "\"/w==\""},
+              {"\xFB\x01", "\"+wE=\""},
+              {"abc", "\"YWJj\""},
+              {{"\0\xFF\x10z", 4}, "\"AP8Qeg==\""}};
+  for (const auto& row : rows) {
+    out.clear();
+    PutJsonBytes(&out, row.bytes);
+    EXPECT_EQ(out, row.text);
+  }
+}
+
+// A window with a pane in it, of which things stand out.
+DescribedNode Describe(ObjectRole role, const char* name, const Rect& bounds,
+                       std::vector<DescribedNode> children = {}) {
+  DescribedNode node;
+  node.what.role = role;
+  node.what.name = name;
+  node.what.bounds = bounds;
+  node.what.state = kIsShown | kIsEnabled;
+  node.children = std::move(children);
+  return node;
+}
+WindowRef window;
+void DescribeWindow(std::vector<DescribedNode>* roots) {
+  using enum ObjectRole;
+  DescribedNode gray = Describe(kButton, "gray", {110, 110, 150, 130});
+  gray.what.state &= ~uint32_t{kIsEnabled};
+  roots->push_back(
+      Describe(kWindow, "all", {100, 100, 300, 300},
+               {Describe(kPane, "pane", {120, 200, 400, 240},
+                         {Describe(kRow, "half", {100, 190, 140, 210}),
+                          Describe(kRow, "corner", {290, 230, 350, 250}),
+                          Describe(kRow, "above", {120, 180, 160, 200})}),
+                gray, Describe(kGroup, "", {}, {Describe(kRow, "whole", {110, 110, 150, 130})}),
+                Describe(kMenu, "menu", {290, 100, 390, 200},
+                         {Describe(kMenuItem, "item", {290, 120, 390, 140})})}));
+  roots->back().serial = window->object.serial;
+}
+// Where the request presses the button; else its answer.
+std::string Pressed(const std::string& request) {
+  const std::string answer = Perform("{" + request + "}").line;
+  Event e;
+  while (ReceiveNextEvent(0, &e))
+    if (e.cls == kEventClassMouse && e.kind == kEventMouseDown)
+      return std::to_string(e.mouse.where.x) + " " + std::to_string(e.mouse.where.y);
+  return answer;
+}
+
+TEST(Requests, AClickHitsWhatShows) {
+  headless::UseSteppedClock(1000);
+  ASSERT_TRUE(InitPlatform("test"));
+  window = CreateNewWindow(kDocumentWindowClass, 0, {100, 100, 300, 300});
+  ShowWindow(window);
+  const TreeSource source{DescribeWindow, nullptr, [](bool) {}};
+  SetTreeSource(&source);
+  const struct {
+    const char *name, *result;
+  } rows[] = {{"all", "200 200"},     {"half", "130 205"}, {"corner", "295 235"},
+              {"whole", "130 120"},   {"item", "340 130"}, {"above", "is out of sight"},
+              {"gray", "is disabled"}};
+  for (const auto& row : rows) {
+    const std::string result = Pressed(R"("do":"click","name":")" + std::string(row.name) + '"');
+    EXPECT_NE(result.find(row.result), std::string::npos) << row.name << ": " << result;
+  }
+  record_mode = RecordMode::kReplaying;
+  for (const char* request : {R"("do":"click","name":"all")", R"("do":"key","key":"a")",
+                              R"("do":"type","text":"a","name":"half")"})
+    EXPECT_NE(Perform("{" + std::string(request) + "}").line.find("recording"), std::string::npos)
+        << request;
+  record_mode = RecordMode::kNone;
+  SetTreeSource(nullptr);
 }
 
 }  // namespace

@@ -227,8 +227,11 @@ void EndByRequest(bool with_window) {
 }
 
 TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
+  const std::string socket = testing::TempDir() + "session-" + std::to_string(getpid());
+  setenv("XW_INSPECT", socket.c_str(), 1);
   EXPECT_EXIT(EndByRequest(false), testing::KilledBySignal(SIGTERM), "");
   EXPECT_EXIT(EndByRequest(true), testing::KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(access(socket.c_str(), F_OK), -1) << "the inspector's socket goes too";
 }
 
 TEST(Session, TheRequestToQuitGoesToTheMainWindow) {

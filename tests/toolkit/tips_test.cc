@@ -171,6 +171,14 @@ TEST(Scale, IsThatOfTheWindowAndOfItsScreen) {
   bool drawn = false;
   for (const Seen& e : seen) drawn |= e.type == XWE_EXPOSE;
   EXPECT_TRUE(drawn);
+  // On the second of two screens.
+  input::ChangeScreens({{{0, 0, 1280, 1024}, 1}, {{1280, 0, 3280, 1024}, 2}});
+  XwWindow* other = XwCreate(0, 1300, 100, 50, 50, Record);
+  XwShow(other, 1);
+  RunLoop();
+  EXPECT_EQ(XwGetScale(other), 2);
+  EXPECT_EQ(XwGetScale(s.main), 1);
+  EXPECT_EQ(XwGetScale(nullptr), 1);
 }
 
 // A picture of numbered pixels, in a rectangle of 4 x 2 at each scale.

@@ -205,6 +205,8 @@ TEST(Toolbar, ItComesAndGoes) {
 // The line below it, and around it in a docked window.
 TEST(Toolbar, ItHasALineBelow) {
   ControlScreen s;
+  input::ChangeScreen(1600, 900, 1);
+  XwMove(s.main, 50, 50, 1500, 150);
   XwWindow* docked = XwCreateDocked(s.main, 20, 20, 100, 80, Record);
   const XwToolbarItem none[] = {{}};
   for (XwWindow* w : {s.main, docked}) {
@@ -219,6 +221,7 @@ TEST(Toolbar, ItHasALineBelow) {
     const uint32_t line = uint32_t(XwThemeColor(XWR_HAIRLINE));
     EXPECT_EQ(pixel(50, 39), (line & 0xFF) << 16 | (line & 0xFF00) | line >> 16);
     EXPECT_NE(pixel(50, 37), pixel(50, 39));
+    EXPECT_EQ(pixel(w->width - 9, 39), pixel(50, 39)) << "as wide as the screen is now";
     const bool lines = w == docked;
     EXPECT_EQ(pixel(w->width - 1, 20) == pixel(50, 39), lines);
     EXPECT_EQ(pixel(0, 20) == pixel(50, 39), lines);

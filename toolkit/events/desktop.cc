@@ -81,15 +81,11 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
   if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
 }
 
-// The desktop has moved the focus to another top-level window: keys go there from now on, also the
-// focus that waiting events carry.
+// The desktop has moved the focus to another top-level window.
 void TakeFocus(XwWindow* w) {
   if (TopLevel(Inp.focus) == w) return;
   Inp.focus = w;
-  ForEachUserEvent(GetMainEventQueue(), kToolkitEventClass, [w](void* payload) {
-    auto* record = static_cast<XwEvent*>(payload);
-    if (TopLevel(record->focus) != w) record->focus = w;
-  });
+  MoveWaitingFocus(w);
 }
 
 void DrawContent(XwWindow* w, const Rect& lost) {

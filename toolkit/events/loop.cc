@@ -42,9 +42,9 @@ class toolkit::Modal {
   void Select() const {
     if (lives()) SelectWindow(NativeWindow(TopLevel(window_)));
   }
+  bool lives() const { return serial_ && IsLive(window_) && window_->serial == serial_; }
 
  private:
-  bool lives() const { return serial_ && IsLive(window_) && window_->serial == serial_; }
   XwWindow* window_;
   uint64_t serial_ = 0;
   const Modal* outer_;
@@ -157,11 +157,12 @@ static void TakeResults() {
   Inp.type = 0;
 }
 
-int XwWaitEvent(XwWindow* modal) {
-  const Modal only(modal);
+// `while_open`: until the window ends.
+static int Wait(const Modal& only, bool while_open) {
   Event e;
   for (;;) {
     Inp.type = 0;
+    if (while_open && !only.lives()) return 0;
     if (ResultsWait() && only.open_to_all()) [[unlikely]]
       TakeResults();
     if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
@@ -189,6 +190,14 @@ int XwWaitEvent(XwWindow* modal) {
     Inp.type = result;
     if (result != 0 && result != XWE_CONFIGURE && result != XWE_EXPOSE) return result;
   }
+}
+
+int XwWaitEvent(XwWindow* modal) {
+  return Wait(Modal(modal), false);
+}
+
+int WaitWhileOpen(XwWindow* modal) {
+  return Wait(Modal(modal), true);
 }
 
 int XwGetEvent(XwWindow* modal, int dispatch) {

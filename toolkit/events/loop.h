@@ -3,6 +3,8 @@
 #include "platform/base.h"
 #include "toolkit/xw.h"
 
+// As XwWaitEvent for one window; 0 once that window has ended.
+int WaitWhileOpen(XwWindow* modal);
 // The innermost wait under way keeps events of this window from its handlers.
 bool WaitKeepsOut(XwWindow* w);
 // Whether a wait for another window keeps events from this one; a wait that dispatches nothing does

@@ -155,6 +155,7 @@ void XwSetFocus(XwWindow* w) {
   SetUserFocusWindow(NativeWindow(top));
   ClearKeyboardFocus(NativeWindow(top));
   Inp.focus = top;
+  MoveWaitingFocus(top);
   XwWindow* box = IsEditableCombo(w) ? w->linked : w->kind == XWK_EDIT ? w : nullptr;
   if (box) SetKeyboardFocus(NativeWindow(top), Native(box), kControlEditTextPart);
 }
