@@ -200,7 +200,7 @@ TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
   ASSERT_EQ(damage.size(), 1u);
   EXPECT_EQ(Intersect(damage[0], {5, 6, 18, 19}), (DeviceRect{5, 6, 18, 19}));
   canvas.Wipe();
-  Region parts({5, 5, 9, 30});
+  Region parts({5, 5, 9, 12});
   parts.Add({12, 5, 15, 30});
   ClipContextToRegion(canvas.context(), parts);
   XwFillPath(kSquare, 5, 0);
