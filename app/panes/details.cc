@@ -98,12 +98,13 @@ void DrawSelected(const DetailsPane* p, Area a) {
 
 void AddDocumentHits(const DetailsPane* p, Area a, Hits* hits) {
   if (p->selected < 0) return;
+  const FolderEntry e = p->folder.At(p->selected);
   if (const Area box = p->PictureArea(); !box.Empty()) {
     hits->Cover(a.TakeTop(box.h),
-                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleWords(*p->preview) : ""});
+                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
     a.TakeTop(kTroubleLine);
   }
-  CoverFacts(FactsOfDocument(p, p->folder.At(p->selected)), a, hits);
+  CoverFacts(FactsOfDocument(p, e), a, hits);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
