@@ -85,15 +85,6 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
     EXPECT_TRUE(client.Does(R"("do":"wait","role":"window","name":"Dialog")"));
     EXPECT_TRUE(client.Does(R"("do":"click","role":"button","name":"Print","modifiers":"shift")"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Item 1: 0","ms":10000)"));
-    // A picture that is asked for behind a click shows what came of it.
-    const std::string look = R"({"do":"shot","role":"window","name":"Dialog"})";
-    client.Send(R"({"do":"click","role":"check-box","name":"Hold"})"
-                "\n" +
-                look + "\n");
-    client.Line();
-    const std::string soon = client.Line();
-    EXPECT_TRUE(client.Does(R"("do":"wait","name":"Item 3: 0")"));
-    EXPECT_EQ(client.Ask(look.substr(1, look.size() - 2)), soon);
     EXPECT_TRUE(client.Does(R"("do":"click","role":"pop-up-button","name":"Printer:")"));
     EXPECT_TRUE(client.Does(R"("do":"click","role":"menu-item","name":"Office")"));
     EXPECT_TRUE(
@@ -119,6 +110,7 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
   }
   EXPECT_EQ(shot.width, 420);
   const std::string raw = ReadFile(recording);
+  EXPECT_NE(raw.find(" press w2 "), std::string::npos) << "in the menu";
   EXPECT_LT(raw.find(" modifiers "), raw.find(" press ")) << "the program hears of the key first";
   size_t ends = 0;
   for (size_t at = 0; (at = raw.find(" button=3", at)) != std::string::npos; ++at) ++ends;
@@ -182,7 +174,8 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
   const std::string text(4000, 'x'), field = R"("role":"text-field","name":"Copies:")";
   const std::string look = "{\"do\":\"wait\"," + field + "}\n";
   dialog.Signal(SIGSTOP);
-  typist.Send(R"({"do":"type","text":")" + text + "\"," + field + "}\n" + look);
+  typist.Send(R"({"do":"type","text":")" + text + "\"," + field + "}\n");
+  typist.EndSending();
   client.Send(look + look + look + look);
   dialog.Signal(SIGCONT);
   std::string between;
@@ -190,13 +183,14 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
   EXPECT_NE(between.find("xxx"), std::string::npos) << between;
   EXPECT_EQ(between.find(text), std::string::npos);
   EXPECT_EQ(typist.Line(), "{\"ok\":true}");
-  EXPECT_NE(typist.Line().find('"' + text + '"'), std::string::npos);
+  client.Send(look);
+  EXPECT_NE(client.Line().find('"' + text + '"'), std::string::npos);
 }
 
 TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
   Program clock(Example("10-clock"));  // which is never idle for long
   Client good(path_);
-  EXPECT_TRUE(good.Does(R"("do":"tree")"));
+  EXPECT_NE(good.Ask(R"("do":"tree")").find("\"value\""), std::string::npos) << "it is drawn";
   good.Send(std::string(65536 - 13, ' ') + "{\"do\":\"tree\"}\n");
   EXPECT_NE(good.Line().find("Clock"), std::string::npos) << "as long as a line may be";
   {
@@ -214,6 +208,11 @@ TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
     greedy.Send(asks.substr(0, 60000));
     EXPECT_TRUE(good.Does(R"("do":"tree")"));
   }
+  // Those that have gone, whatever they were waiting for, leave room for others.
+  for (int i = 0; i < 7; ++i)
+    Client(path_).Send("{\"do\":\"wait\",\"name\":\"never\",\"ms\":600000}\n");
+  EXPECT_TRUE(Eventually(
+      [&] { return Client(path_).Ask(R"("do":"tree")").find("Clock") != std::string::npos; }));
   Client half(path_);
   half.Send(std::string(
       "{\"do\":\"wait\",\"name\":\"never\",\"ms\":50}\n{\"do\":\"tree\"}\n{\"do\":\"tree\"}\n"));

@@ -161,6 +161,9 @@ TEST(Requests, TheirInputIsForWhatShows) {
   ASSERT_TRUE(InitPlatform("test"));
   window = CreateNewWindow(kDocumentWindowClass, 0, {60, 100, 260, 300});
   ShowWindow(window);
+  headless::Focus(nullptr);
+  for (Event e; ReceiveNextEvent(0, &e);) {
+  }
   const TreeSource source{DescribeWindow, nullptr, [](bool) {}};
   SetTreeSource(&source);
   const struct {
