@@ -273,6 +273,10 @@ void ShowHiddenNames(Console* c, bool show) {
   c->files.table.Reveal(c->files.table.focus());
 }
 
+void ShowFolderOf(Console* c, const std::string& path) {
+  AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
+}
+
 void ShowDocuments(Console* c, std::vector<std::string> paths) {
   for (std::string& path : paths)
     while (path.size() > 1 && path.back() == '/') path.pop_back();

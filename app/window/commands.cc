@@ -255,6 +255,14 @@ int CommandOfMenuKey(int key, uint32_t modifiers) {
   return 0;
 }
 
+void RunFunctionKey(Console* c) {
+  for (const Command& command : Commands()) {
+    const CommandMore& more = command.more;
+    for (const int key : {more.modifiers ? 0 : more.key, more.plain_key})
+      if (key >= XWE_F1 && key < XWE_F1 + 12 && XwGetKeyState(key)) RunCommand(c, command.id);
+  }
+}
+
 int CommandOfKey(const Console* c, int type) {
   const bool command_key = c->modifiers & XWS_COMMAND;
   for (const Command& command : Commands()) {

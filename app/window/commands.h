@@ -28,6 +28,8 @@ void ShowButtons(Console* c);
 void RunCommand(Console* c, int command);
 // That of the menu bar's item with this key and these modifiers: 0 when there is none.
 int CommandOfMenuKey(int key, uint32_t modifiers);
+// An edit box reports every key as one that edits: runs the command whose function key is held.
+void RunFunctionKey(Console* c);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
 int CommandOfKey(const Console* c, int type);
 // "Ctrl+Shift+H"; "" for no key.
@@ -43,5 +45,7 @@ void OpenContextMenuByKey(Console* c);
 void RefreshAll(Console* c);
 // Leaves, or asks first while something is being sent.
 void Leave(Console* c);
+// The same where the console's own window has the keyboard; else the window that has it closes.
+void CloseFrontWindow(Console* c);
 
 }  // namespace console

@@ -87,8 +87,8 @@ void TakeBox(FontFace* f, CharacterPage* page, int at, char32_t c) {
   page->advances[at] = (f->units.per_em * BoxColumns(c) + 12) / 13;
 }
 
-// Marks take no room. Most reach back over the letter before their pen; those of some fonts, of one
-// width for instance, do not, and are drawn where the letter was.
+// Marks have no advance. Most are drawn to the left of their pen, over the letter. Those of some
+// fonts, such as fixed-width ones, are not, and so are drawn at the letter's own pen.
 void PlaceMark(CharacterPage* page, int at) {
   page->advances[at] = 0;
   FT_Face face = page->sources[at]->handle.face();

@@ -108,7 +108,8 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
   Turn(4);
   XwSet(pump_);
   Fill({0, 0, 600, 60}, TheStyle().document);
-  DrawLabel(TheStyle().view, Align::kLeft, {5, 5, cell.w, cell.h}, Shown(kLongName),
+  XwFont* font = TheStyle().view;
+  DrawLabel(font, Align::kLeft, {5, 5, cell.w, cell.h}, CutToWidth(font, Shown(kLongName), cell.w),
             TheStyle().ink);
   XwSync();
   const auto drawn = display::TakePicture(static_cast<platform::WindowRef>(pump_->platform));

@@ -37,6 +37,10 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   RunCommand(c_, kUndoCommand);
   Turn(2);
   EXPECT_EQ(c_->files.FilterText(), "");
+  Key('q', 'q');
+  EXPECT_EQ(c_->files.folder.count(), 0);
+  Click(c_->files.table.NoteButton());
+  EXPECT_EQ(c_->files.FilterText(), "");
 
   Click(FileRow("letter.txt"));
   EXPECT_FALSE(CanRun(c_, kUndoCommand));
@@ -58,6 +62,55 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_EQ(XwGetValue(c_->tools.copies), 1);
   EXPECT_EQ(c_->choice.priority, 50);
   EXPECT_FALSE(HoldsNext(c_));
+}
+
+// File, Close Window is for the window that has the keyboard, and Help opens from an edit box, too.
+TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
+  constexpr uint32_t kF1Key = 0xFFBE, kEscapeKey = 0xFF1B;
+  Open("127.0.0.0");
+  // A menu's item may have the same name.
+  const auto shows = [](const std::string& window) {
+    for (const platform::DescribedNode& n : platform::DescribeTree())
+      if (n.what.name == window) return true;
+    return false;
+  };
+  const auto close = [this] {
+    display::Modifiers(platform::controlKey);
+    Key('w', 'w');
+    display::Modifiers(0);
+    Turn(2);
+  };
+  Click(c_->layout.filter);
+  Key('x', 'x');
+  Key(kF1Key);
+  ASSERT_TRUE(shows("Keys"));
+  close();
+  EXPECT_FALSE(shows("Keys"));
+  ShowPreferences(c_);
+  Turn(2);
+  close();
+  EXPECT_FALSE(shows("Preferences"));
+  ShowLists(c_);
+  Turn(2);
+  close();
+  EXPECT_FALSE(shows("Scanners and Profiles"));
+  EXPECT_EQ(TheConsole(), c_);
+
+  // A drag's Escape leaves the box alone; the next one is the box's.
+  Click(c_->layout.filter);
+  const Area before = c_->layout.places;
+  display::MovePointer(c_->window->x + before.right(), c_->window->y + before.y + 20);
+  display::Press(1);
+  display::MovePointer(c_->window->x + before.right() + 30, c_->window->y + before.y + 20);
+  Turn(2);
+  EXPECT_EQ(c_->layout.places.w, before.w + 30);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->layout.places.w, before.w);
+  EXPECT_EQ(c_->files.FilterText(), "x");
+  display::Release(1);
+  Turn(2);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->files.FilterText(), "");
 }
 
 }  // namespace

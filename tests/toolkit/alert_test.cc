@@ -5,14 +5,18 @@
 
 #include <functional>
 
+#include "platform/events/queue.h"
 #include "tests/support/picture.h"
 #include "tests/toolkit/control_stage.h"
+#include "toolkit/core/post.h"
+#include "toolkit/target/selection.h"
 
 namespace {
 
 using namespace stage;
 
-constexpr uint32_t kEnter = 0xFF0D, kTab = 0xFF09, kEscape = 0xFF1B;
+constexpr uint32_t kEnter = 0xFF0D, kTab = 0xFF09, kEscape = 0xFF1B, kLeft = 0xFF51,
+                   kRight = 0xFF53;
 
 // What happens while an alert is open, one after the other, each when all is quiet.
 std::vector<std::function<void()>> steps;
@@ -63,6 +67,8 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
               {{Press(kTab), Press(' ')}, 2},
               {{Press(kTab), Press(kTab), Press(kEscape)}, 1},
               {{Press(kTab), Press(kTab), Press(kEnter)}, 3},
+              {{Press(kLeft), Press(kRight), Press(kEnter)}, 2},
+              {{Press(kRight), Press(kRight), Press(kRight), Press(kLeft), Press(' ')}, 2},
               // A press of the background does nothing.
               {{[] { input::Click(alert->x + 5, alert->y + 90); }, ClickOn(1)}, 1}};
   for (const auto& row : rows) {
@@ -71,6 +77,9 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
     EXPECT_EQ(Inp.type, 0);
     EXPECT_EQ(Inp.focus, s.main);
     EXPECT_EQ(W_End, last);
+    EXPECT_EQ(XStackCount, 0);
+    platform::ForEachUserEvent(platform::GetMainEventQueue(), kToolkitEventClass,
+                               [](void* e) { EXPECT_NE(static_cast<XwEvent*>(e)->type, 0); });
     // Neither the press nor the key is heard outside.
     Quiet();
     RunLoop();
@@ -200,14 +209,21 @@ TEST(Alert, OtherWindowsKeepWhatTheyShow) {
 
 TEST(Alert, OneThatTheProgramDestroysIsOver) {
   ControlScreen s;
-  s.main->handler = Answer;
-  result = 1000;
-  EXPECT_EQ(Ask({[&] {
-                  XwDestroy(alert);
-                  XwSendEvent(s.main, 1000, 0, 0, 0);
-                }},
-                nullptr, nullptr, "A"),
-            0);
+  auto end = [](platform::EventLoopTimerRef, void*) { XwDestroy(alert); };
+  auto handler = +[](int type) { return type == 1000 ? XwDestroy(Inp.window), 0 : type; };
+  auto fail = [] { FAIL() << "it waits for something else"; };
+  const std::vector<std::function<void()>> rows[] = {{[=] {
+                                                        input::Focus(nullptr);
+                                                        platform::InstallEventLoopTimer(0.1, 0, end,
+                                                                                        nullptr);
+                                                      },
+                                                      fail},
+                                                     {[=] {
+                                                        alert->handler = handler;
+                                                        XwSendEvent(alert, 1000, 0, 0, 0);
+                                                      },
+                                                      fail}};
+  for (const auto& steps_of_row : rows) EXPECT_EQ(Ask(steps_of_row, nullptr, nullptr, "A"), 0);
 }
 
 TEST(Alert, TextsOfEveryScript) {

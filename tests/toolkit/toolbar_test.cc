@@ -143,9 +143,13 @@ TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
 TEST(Toolbar, SettingAnItem) {
   ControlScreen s;
   const XwToolbarItem items[] = {
-      {XWB_CHECK_BOX, Of("Check"), 1, 0}, {XWB_EDIT | 40, Of("x"), 2, 0},
-      {XWB_LIST, Of(kTexts), 3, 0},       {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
-      {XWB_SLIDER | 60, Of("1,9"), 5, 0}, {},
+      {XWB_CHECK_BOX, Of("Check"), 1, 0},
+      {XWB_EDIT | 40, Of("x"), 2, 0},
+      {XWB_LIST, Of(kTexts), 3, 0},
+      {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
+      {XWB_SLIDER | 60, Of("1,9"), 5, 0},
+      {XWB_SLIDER | 60, Of("1,4294967299,9"), 6, 0},
+      {},
   };
   XwSetToolbar(s.main, items);
   auto value = [&](int id) { return XwGetValue(XwGetToolbarItem(s.main, id)); };
@@ -168,6 +172,7 @@ TEST(Toolbar, SettingAnItem) {
   XwGetTextUtf8(XwGetToolbarItem(s.main, 4), text, sizeof text);
   EXPECT_STREQ(text, kTexts[1]);
   EXPECT_EQ(value(5), 1);
+  EXPECT_EQ(value(6), 9) << "numbers that are too large are cut";
   XwSetToolbarItem(s.main, 99, 2);
   XwSetToolbarItem(nullptr, 1, 2);
   EXPECT_EQ(XwGetToolbarItem(s.main, 99), nullptr);
@@ -178,6 +183,7 @@ TEST(Toolbar, ItComesAndGoes) {
   const XwToolbarItem none[] = {{}}, one[] = {{XWB_COLOR, 0x1FFFFFFFF & INTPTR_MAX, 1, 0}, {}};
   const XwToolbarItem more[] = {{XWB_COLOR, 1, 1, 0}, {XWB_COLOR, 1, 2, 0}, {}};
   XwShowToolbar(s.main, 1);
+  XwSet(s.main);
   EXPECT_EQ(XwSetToolbar(s.main, nullptr), nullptr);
   XwWindow* bar = XwSetToolbar(s.main, none);
   ASSERT_TRUE(bar);
@@ -187,6 +193,7 @@ TEST(Toolbar, ItComesAndGoes) {
   EXPECT_TRUE(bar->flags & XW_SHOWN);
   for (const XwToolbarItem* items : {one, more, one}) EXPECT_EQ(XwSetToolbar(s.main, items), bar);
   EXPECT_EQ(bar->child_count, 1);
+  EXPECT_EQ(XW, s.main) << "the target stays";
   EXPECT_TRUE(platform::FindControlUnderMouse({20, 20}, Native(s.main)));
   EXPECT_FALSE(platform::FindControlUnderMouse({70, 20}, Native(s.main))) << "it has ended";
   EXPECT_EQ(XwGetToolbarItem(s.main, 1)->value, -1);
@@ -197,6 +204,7 @@ TEST(Toolbar, ItComesAndGoes) {
   RunLoop();
   EXPECT_EQ(bar->width, 1600);
   EXPECT_EQ(XwSetToolbar(s.main, nullptr), nullptr);
+  EXPECT_FALSE(platform::FindControlUnderMouse({20, 20}, Native(s.main)));
   EXPECT_EQ(s.main->toolbar, nullptr);
   EXPECT_EQ(XwGetToolbarItem(s.main, 1), nullptr);
   EXPECT_EQ(XwSetToolbar(XwButton(s.main, "", 1, 0, 0, 9, 9, kOn, 0), none), nullptr);
@@ -205,6 +213,8 @@ TEST(Toolbar, ItComesAndGoes) {
 // The line below it, and around it in a docked window.
 TEST(Toolbar, ItHasALineBelow) {
   ControlScreen s;
+  input::ChangeScreen(1600, 900, 1);
+  XwMove(s.main, 50, 50, 1500, 150);
   XwWindow* docked = XwCreateDocked(s.main, 20, 20, 100, 80, Record);
   const XwToolbarItem none[] = {{}};
   for (XwWindow* w : {s.main, docked}) {
@@ -219,6 +229,7 @@ TEST(Toolbar, ItHasALineBelow) {
     const uint32_t line = uint32_t(XwThemeColor(XWR_HAIRLINE));
     EXPECT_EQ(pixel(50, 39), (line & 0xFF) << 16 | (line & 0xFF00) | line >> 16);
     EXPECT_NE(pixel(50, 37), pixel(50, 39));
+    EXPECT_EQ(pixel(w->width - 9, 39), pixel(50, 39)) << "as wide as the screen is now";
     const bool lines = w == docked;
     EXPECT_EQ(pixel(w->width - 1, 20) == pixel(50, 39), lines);
     EXPECT_EQ(pixel(0, 20) == pixel(50, 39), lines);
