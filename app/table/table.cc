@@ -14,6 +14,8 @@ constexpr int kBorderReach = 4;
 constexpr int kHeadReach = 3;
 // The text of a head is this far from its side.
 constexpr int kHeadText = 5;
+// The height of a note with a button below it.
+constexpr int kNoteWithButton = 20 + 10 + 26;
 // Of scrolling by a drag, pixels at a time.
 constexpr int kFastest = 3 * Table::kRowHeight;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
@@ -212,6 +214,27 @@ void Table::AskWidths(std::vector<int> widths) {
 Area Table::ColumnArea(int column) const {
   if (column < 0 || size_t(column) >= width_.size() || width_[size_t(column)] == 0) return {};
   return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
+}
+
+Area Table::NoteArea() const {
+  constexpr int kLine = 20, kMostAbove = 26;
+  const Area body = Body();
+  const Area last = RowArea(rows_);
+  Area below = body.Inset(12, 0);
+  below.TakeTop(std::max(0, last.y - body.y));
+  if (note_.empty() || below.h < kLine) return {};
+  const int all = below.h < kNoteWithButton ? kLine : kNoteWithButton;
+  if (rows_ > 0 && all == kLine) return {};
+  below.TakeTop(std::min((below.h - all) / 2, rows_ > 0 ? kMostAbove : below.h));
+  return below.TakeTop(kLine);
+}
+
+Area Table::NoteButton() const {
+  constexpr int kButtonWidth = 120, kButtonHeight = 26;
+  const Area note = NoteArea(), body = Body();
+  const Area button{body.x + (body.w - kButtonWidth) / 2, note.bottom() + 10, kButtonWidth,
+                    kButtonHeight};
+  return note.Empty() || button.bottom() > body.bottom() ? Area{} : button;
 }
 
 // The head's button: its text stands over that of the cells, and the borders beside it are free.
@@ -518,8 +541,7 @@ void Table::Draw(const Hit& hover) {
     for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
     const int below = std::max(body.y, RowArea(last).y);
     Fill({body.x, below, body.w, body.bottom() - below}, l.document);
-    if (rows_ == 0)
-      DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
+    DrawLabel(l.view, Align::kCenter, NoteArea(), note_, l.second);
     if (gap() >= 0 && shows_gap_) DrawGap();
     if (focused_ && focus() < 0) {
       XwSetColor(Mix(l.accent, l.document, 45));

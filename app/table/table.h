@@ -81,8 +81,10 @@ class Table {
 
   void SetFocused(bool on) { focused_ = on; }
   void SetMuted(bool on) { muted_ = on; }
-  // Shown in the middle of a table without rows.
-  void SetEmptyText(std::string text) { empty_ = std::move(text); }
+  // Shown in the middle of a table without rows, and below the rows where there is room; "": none.
+  void SetNote(std::string text) { note_ = std::move(text); }
+  // Where a button below the note stands; empty where there is no note, or no room.
+  Area NoteButton() const;
   // The column that shows the arrow, -1 none.
   void SetSort(int column, bool descending);
 
@@ -147,6 +149,8 @@ class Table {
   int MostTop() const;
   bool Scrolls() const;
   Area Bar() const;
+  // The line of the note; empty when it does not show.
+  Area NoteArea() const;
   Area HeadArea(int column) const;
   Area BorderArea(int column) const;
   void PlaceControls();
@@ -175,7 +179,7 @@ class Table {
   int border_ = 0;     // of which column
   int grip_ = 0;       // where beside the border it was pressed
   float wheel_ = 0;    // of a pixel not yet moved
-  std::string empty_;
+  std::string note_;
   int id_ = 0;
   std::string name_;
   XwWindow* bar_ = nullptr;

@@ -33,6 +33,8 @@ void MakeControls(Console* c) {
                 c->status.stop_sending,
                 c->status.dismiss,
                 c->status.cancel_queued,
+                c->files.show_all,
+                c->queue.show_all,
                 c->banner.retry,
                 c->banner.start_server,
                 c->needs.load,
@@ -51,6 +53,10 @@ void PlaceControls(Console* c) {
 
 XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
+    case FocusStop::kShowAllFiles:
+      return c->files.show_all;
+    case FocusStop::kShowAllJobs:
+      return c->queue.show_all;
     case FocusStop::kRetry:
       return c->banner.retry;
     case FocusStop::kStartServer:
@@ -115,6 +121,8 @@ void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
   c->status.offers_cancel = CanCancelQueued(c);
   c->status.Update();
+  c->files.Update();
+  c->queue.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);

@@ -200,6 +200,14 @@ void GoToQueueFilter(Console* c) {
   SetFocusStop(c, FocusStop::kQueueFilter);
 }
 
+bool FilterHidesJobs(const Console* c) {
+  return c->queue.rows.filter() != QueueFilter();
+}
+void ShowAllJobs(Console* c) {
+  FilterQueue(c, {});
+  if (c->stop == FocusStop::kShowAllJobs) SetFocusStop(c, FocusStop::kQueue);
+}
+
 void FilterQueue(Console* c, const QueueFilter& filter) {
   if (filter == c->queue.rows.filter()) return;
   c->queue.Filter(filter);

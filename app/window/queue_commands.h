@@ -33,6 +33,8 @@ void ChoosePart(Console* c, int choice);
 bool ShowsMine(const Console* c);
 void ToggleMine(Console* c);
 void GoToQueueFilter(Console* c);
+bool FilterHidesJobs(const Console* c);
+void ShowAllJobs(Console* c);
 void FilterQueue(Console* c, const QueueFilter& filter);
 // A report of the box with the filter: 788 (gained or lost), 789, 790.
 void UseQueueFilter(Console* c, int type, bool gained);

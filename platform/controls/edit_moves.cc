@@ -30,7 +30,7 @@ WordClass ClassAt(std::string_view text, size_t at) {
   return sign ? WordClass::kSign : WordClass::kLetter;
 }
 
-// The other end of the word that lies on that side of a place, over spaces.
+// The far end of the next word on that side of a place; spaces before it are skipped.
 size_t WordEnd(std::string_view text, const std::vector<size_t>& places, size_t at, bool back) {
   size_t i = size_t(std::lower_bound(places.begin(), places.end(), at) - places.begin());
   const size_t end = back ? 0 : places.size() - 1;

@@ -11,7 +11,7 @@ namespace {
 constexpr size_t kLongestLine = 64 << 10;
 constexpr size_t kMostChanges = 500;
 
-// Whether a typed text goes on with the word that the newest change has typed.
+// Whether the typed text continues the word of the newest change, so that one undo removes both.
 bool GoesOn(const EditState& e, std::string_view text) {
   if (!e.joins || e.undo.empty() || e.selects()) return false;
   const EditChange& newest = e.undo.back();

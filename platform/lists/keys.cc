@@ -43,7 +43,7 @@ int RowByKey(const Control* c, uint8_t key) {
   }
 }
 
-// A new beginning goes on behind the selected row, a longer one may stay at it.
+// A new search starts behind the selected row; a longer text may match that row again.
 void Type(Control* c, const Event& e) {
   List& l = ListOf(c);
   const bool fresh = l.typed.empty() || e.time - l.typed_at > kTypingTime;

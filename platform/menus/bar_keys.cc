@@ -38,7 +38,7 @@ void ShowLetters(bool shown) {
   DrawMenuBar();
 }
 
-// A lone Alt: it goes down and comes up in one window, and nothing happens between.
+// Alt alone opens the bar: pressed and released in one window, with no input between.
 void Modifiers(const Event& e) {
   const bool alt = e.key.modifiers & kAlt;
   const bool alone = alt && !(e.key.modifiers & kOtherModifiers);

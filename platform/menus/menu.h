@@ -46,7 +46,7 @@ const BarTitle* TitleAt(Point where);
 // The titles have changed.
 void ForgetBarLayout();
 void ForgetInBar(const Menu* m);
-// What the keyboard asks of the bar.
+// Notes that the keyboard has asked to open this menu of the bar.
 void RequestMenuBar(MenuRef m);
 // Whether it stands for those that do not fit.
 bool IsOverflowTitle(const BarTitle& t);

@@ -43,7 +43,7 @@ extern OpenMenus open_menus;
 // Shows a menu below those that are open; false when there is nothing to show.
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place);
 void PopLevels(size_t keep);
-// Its window takes the size that its rows need now.
+// Asks for the window size that its rows need now.
 void FitLevel(const MenuLevel& l);
 // The sub-menu of the selected item of the innermost level, if it has one.
 bool OpenSubMenu(size_t level, bool select_first);

@@ -217,7 +217,7 @@ TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
     files b.pdf, a.pdf
     keys Home Down
     see label Kind = PDF document, 2 pages
-    keys Tab Tab Tab Tab
+    keys Tab Tab Tab Tab Tab
     see pop-up-button Printer is focused
     keys Down f Return Tab Down
     see menu-item Fine
@@ -225,13 +225,13 @@ TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
     see pop-up-button Profile = Fine
     keys Control+p
     see job a.pdf = printed
-    keys Escape Home Shift+Down Tab Tab Tab Tab Tab Tab
+    keys Escape Home Shift+Down Tab Tab Tab Tab Tab Tab Tab
     see text-field Copies is focused
     type 2
     keys Control+p
     see job b.pdf = printed
     agree
-    keys Escape Tab Tab Tab Tab Down s Return Escape Escape
+    keys Escape Tab Tab Tab Tab Tab Down s Return Escape Escape
     type c.t
     see file c.txt is selected
     keys Control+j Control+p

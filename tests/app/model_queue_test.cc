@@ -53,7 +53,7 @@ Outgoing Sending(int number, const char* document, OutgoingState state) {
 
 TEST(QueueRows, AreSortedAndFiltered) {
   QueueRows rows("me");
-  EXPECT_EQ(rows.EmptyText(), "The queue is not known yet");
+  EXPECT_EQ(rows.NoteText(), "The queue is not known yet");
   rows.Show(Jobs({"b10:p", "xa:w", "b2:h", "é:n", "c:d"}),
             {Sending(7, "d", OutgoingState::kWaiting)});
   EXPECT_EQ(Names(rows), "d b10 xa b2 é c");
@@ -88,7 +88,7 @@ TEST(QueueRows, AreSortedAndFiltered) {
   }
   EXPECT_NE(rows.Summary().find("2 of 6 shown"), std::string::npos);
   rows.Filter({false, QueueFilter::kAll, "nothing"});
-  EXPECT_EQ(rows.EmptyText(), "No job here matches the filter");
+  EXPECT_EQ(rows.NoteText(), "The filter hides all 6 jobs");
   EXPECT_TRUE(rows.Has(Id(1)) && rows.JobOf(Id(1)) && rows.RowOf(Id(1)) == -1);
   rows.Expect(Id(6).job);  // it has been sent, the list is on its way
   EXPECT_TRUE(rows.Has(Id(6)));

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include "app/look/controls.h"
 #include "app/panes/queue_cells.h"
 #include "app/window/commands.h"
 #include "app/window/queue_commands.h"
@@ -204,6 +205,13 @@ TEST_F(QueueTest, ShowsWhatIsAskedFor) {
   ChoosePart(c_, QueueFilter::kEnded);
   EXPECT_EQ(c_->queue.rows.count(), 0);
   EXPECT_EQ(XwGetValue(c_->queue.head.part), int(QueueFilter::kEnded));
+  SetFocusStop(c_, FocusStop::kShowAllJobs);
+  DrawConsole(c_);
+  Turn(2);
+  Key(' ', ' ');
+  EXPECT_EQ(Rows(), "a b c ");
+  EXPECT_EQ(c_->stop, FocusStop::kQueue);
+  EXPECT_FALSE(CanFocus(c_->queue.show_all));
 }
 
 class LosingTest : public ConsoleTest {

@@ -129,7 +129,7 @@ int Run(Alert* a) {
       break;
     }
   }
-  // The caller's loop does not see the press once more.
+  // The caller's loop must not handle the press a second time.
   Inp.type = XWE_NONE;
   dropped.PostAgain();
   return a->pressed;

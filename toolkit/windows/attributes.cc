@@ -49,7 +49,7 @@ void ShowSub(XwWindow* w, bool show) {
   ResetClipsFrom(w);
   PostExpose(show ? w : w->parent);
   if (!w->pane) return;
-  // Hidden before its controls are, so that each does not uncover what the parent draws anyway.
+  // The window is hidden before its controls, so that the platform does not repaint under each.
   if (!show) UpdatePane(w);
   for (int i = 0; i < w->child_count; ++i) {
     XwWindow* c = w->children[i];
