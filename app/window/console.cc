@@ -219,7 +219,7 @@ void ServerChanged(Console* c, ServerState state) {
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
   c->queue.ShowProgress();
-  c->damage |= kQueuePane | kStatusPane;
+  c->damage |= kQueuePane | kStatusPane | (c->details.jobs ? kDetailsPane : 0u);
 }
 
 void Tick(Console* c) {
