@@ -202,7 +202,9 @@ TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
   canvas.Wipe();
   Region parts({5, 5, 9, 12});
   parts.Add({12, 5, 15, 30});
+  ClipContextToRect(canvas.context(), {0, 0, 1, 1});
   ClipContextToRegion(canvas.context(), parts);
+  RestoreContextClip(canvas.context());  // the cuts of the clip before are gone
   XwFillPath(kSquare, 5, 0);
   XwStrokePath(kSquare, 5, 3, 0);
   XwStrokePath(kSquare, 5, -6, 0x0000FF);
