@@ -164,6 +164,14 @@ TEST(State, Clearing) {
   c.window().parent = nullptr;
 }
 
+TEST(Elements, HugeSizesReachTheEdges) {
+  Canvas c(40, 40);
+  XwBox(5, 5, INT_MAX, INT_MAX, kRedColour);
+  EXPECT_EQ(c.Count(kRed), 35 * 35);
+  XwDrawBevel(5, 5, INT_MAX, INT_MAX, 1);
+  EXPECT_EQ(c.at(39, 39), 0xFFFEFEFDu);
+}
+
 // Where the hairline and the erased pixels of separators lie: 'h' hairline, 'e' erased.
 TEST(Elements, Separators) {
   struct {
