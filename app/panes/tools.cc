@@ -58,7 +58,8 @@ std::vector<std::string> MediaOf(const NC_Printer* printer) {
 }
 
 void ToolsPane::MakeControls(XwWindow* w) {
-  print = XwButton(w, "Print", kPrintCommand, 0, 0, 9, 9, kShown | XWC_VARIANT, 0);
+  print = MakeIconButton(w, ToolIcon::kPrint, kPrintCommand, "Print");
+  XwSetTextUtf8(print, "Print");
   refresh = MakeIconButton(w, ToolIcon::kRefresh, kRefreshCommand, "Refresh");
   printer_.Make(w, kPrinterControl, "Printer", nullptr);
   profile_.Make(w, kProfileControl, "Profile", "Default");
@@ -99,7 +100,9 @@ void ToolsPane::ShowDocuments(int n) {
   n = std::max(1, n);
   if (n == documents_) return;
   documents_ = n;
-  XwSetTextUtf8(print, n == 1 ? "Print" : ("Print " + NumberText(n)).c_str());
+  const std::string text = n == 1 ? "Print" : "Print " + NumberText(n);
+  XwSetTextUtf8(print, text.c_str());
+  XwDescribeControl(print, text.c_str());
 }
 
 void ToolsPane::Draw(const Layout& l) const {

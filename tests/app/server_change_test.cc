@@ -5,7 +5,9 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <fstream>
+#include <thread>
 
 #include "app/window/queue_commands.h"
 #include "platform/events/timers.h"
@@ -189,6 +191,41 @@ TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) 
   EXPECT_TRUE(Until([&] { return ReadFile(asked) == "Flatbed mia\n"; }));
   Key(kEscapeKey);
   EXPECT_TRUE(Node("Flatbed").what.name.empty());
+}
+
+// A peer that answers every greeting with a refusal.
+TEST_F(ServerChangeTest, AServerThatRefusesIsToldAndTriedAgainByTheButton) {
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* any = reinterpret_cast<sockaddr*>(&address);
+  ASSERT_TRUE(bind(listener, any, size) == 0 && listen(listener, 16) == 0);
+  ASSERT_EQ(getsockname(listener, any, &size), 0);
+  std::atomic<int> asked = 0;
+  std::thread peer([&] {
+    for (int fd; (fd = accept(listener, nullptr, nullptr)) >= 0; close(fd)) {
+      char greeting[4];
+      ++asked;
+      if (recv(fd, greeting, sizeof greeting, MSG_WAITALL) == 4) send(fd, "", 1, MSG_NOSIGNAL);
+    }
+  });
+  Open("127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kRefused; }));
+  Turn(4);
+  EXPECT_NE(Node("Server Away").what.value.find(" refuses this console. Next try in "),
+            std::string::npos);
+  EXPECT_EQ(Node(c_->server.host()).what.value, "refused");
+  EXPECT_FALSE(CanStartServer(c_)) << "one runs there";
+  EXPECT_EQ(Node("Hold Job").help, "No job is selected");
+  const int before = asked;
+  const XwWindow* retry = c_->banner.retry;
+  Click({retry->x, retry->y, retry->width, retry->height});
+  EXPECT_TRUE(Until([&] { return asked > before; }));
+  shutdown(listener, SHUT_RDWR);
+  peer.join();
+  close(listener);
 }
 
 // A peer that takes connections and never says a word.
