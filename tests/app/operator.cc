@@ -106,6 +106,7 @@ Operator::Operator(support::XUser* user, const Scratch& home, const testing_daem
     setenv("XDG_CACHE_HOME", home.At(".cache").c_str(), 1);
     setenv("XDG_STATE_HOME", home.At(".state").c_str(), 1);
     setenv("USER", "mia", 1);
+    unsetenv("QUORVIK_SERVER");
     if (!names_server) setenv("QUORVIK_SERVER", daemon.host(), 1);
     setenv("XW_INSPECT", socket.c_str(), 1);
     unsetenv("XDG_RUNTIME_DIR");
