@@ -1,6 +1,8 @@
 // The inspector as its clients see it: examples, which know nothing of it, are worked through its
 // socket on both displays, and hostile clients do no harm.
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <fstream>
@@ -237,6 +239,7 @@ int BeBusy(int type) {
 TEST_P(InspectHeadless, AProgramThatNeverRestsIsServed) {
   const pid_t busy = fork();
   if (busy == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     XwSession("busy", "Busy", 7);
     XwSendEvent(XwCreate(0, 50, 50, 90, 90, BeBusy), 1000, 0, 0, 0);
     XwRunEventLoop();
