@@ -150,7 +150,7 @@ void ButtonDraw_Func(ControlRef control) {
     DrawThemeButton(c, r, header ? kThemeListHeaderButton : kThemeBevelButton, look.info);
   }
   const bool labelled = w->text && *w->text;
-  const bool beside = labelled && icon && !(w->style & XWC_OWN_TEXT);
+  const bool beside = labelled && icon && w->style & XWC_BESIDE;
   if (labelled && !beside) DrawLabel(c, w, r, arrow, look);
   if (beside) {
     DrawIconWithText(c, icon, MacRomanToUtf8(w->text).c_str(), r, look);
