@@ -5,7 +5,8 @@
 // folder of 100,000 files is open, changes and is read again, the queue has 4,000 jobs and gets
 // more. Everything that holds up the main thread counts. On a busy machine most of a long time is
 // waiting for a processor: each is told again without what the main thread and the X server have
-// waited for one, and beside it what the main thread has used of one.
+// waited for one, and the second thread until the key was sent; beside it stands what the main
+// thread has used of one.
 //   response [KEYS [SITUATION]]    so many each time, 300 when no number is given; in all of
 //                                  idle, sending, previews, files, jobs, or in one
 #include <fcntl.h>
@@ -54,14 +55,15 @@ double Processor() {
 
 std::vector<std::string> schedulings;  // files: of the main thread, and of the X server
 
-// Microseconds that those were ready and waited for a processor, since they began.
+// Microseconds that a thread has been ready and waited for a processor, since it began.
+double WaitedIn(const std::string& scheduling) {
+  double ran = 0, waited = 0;
+  std::ifstream(scheduling) >> ran >> waited;
+  return waited * 1e-3;
+}
 double Waited() {
   double sum = 0;
-  for (const std::string& path : schedulings) {
-    double ran = 0, waited = 0;
-    std::ifstream(path) >> ran >> waited;
-    sum += waited * 1e-3;
-  }
+  for (const std::string& each : schedulings) sum += WaitedIn(each);
   return sum;
 }
 
@@ -137,14 +139,16 @@ class User {
   void Press(uint8_t key) {
     std::unique_lock<std::mutex> guard(meeting.lock);
     meeting.waits = true;
-    const double start = Microseconds(), used = Processor(), waited = Waited();
+    const std::string mine = "/proc/thread-self/schedstat";
+    const double waited = Waited() + WaitedIn(mine), used = Processor(), start = Microseconds();
     for (const uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
       xcb_test_fake_input(connection_, type, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
     xcb_flush(connection_);
+    const double before = WaitedIn(mine);
     Await(&guard, "a key");
     const double time = meeting.answered - start;
     times_.push_back(time / 1e3);
-    alone_.push_back(std::max(0.0, time - (Waited() - waited)) / 1e3);
+    alone_.push_back(std::max(0.0, time - (Waited() + before - waited)) / 1e3);
     works_.push_back((Processor() - used) / 1e3);
   }
   // Down again and again, from the first row, as long as `goes_on`; then prints a line.
