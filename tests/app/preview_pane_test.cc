@@ -49,12 +49,12 @@ TEST_F(PreviewPaneTest, FollowsTheSelectionTheFileAndTheScreen) {
   ASSERT_TRUE(HasNew(nullptr));
   auto preview = c_->details.preview;
   EXPECT_EQ(KindWords(*preview), "PNG picture");
-  EXPECT_EQ(preview->height, c_->details.PictureArea().h);
+  EXPECT_EQ(preview->width, c_->details.PictureArea().w);
   ExpectShown(*preview, 1);
   display::ChangeScreen(2560, 2048, 2);
   ASSERT_TRUE(HasNew(preview));
   preview = c_->details.preview;
-  EXPECT_EQ(preview->height, 2 * c_->details.PictureArea().h);
+  EXPECT_EQ(preview->width, 2 * c_->details.PictureArea().w);
   ExpectShown(*preview, 2);
 
   // The file is written again, with an odd number of pixels that are half as large as the window's.
