@@ -23,15 +23,15 @@ std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
   return FactLines(Shown(e.name), a.w);
 }
 
-// The list of the printers tells all of them while it shows.
-bool ShowsPrinter(const Layout& layout) {
-  return layout.printers.Empty();
+// The one that a document would go to, unless the list of the printers tells the same.
+bool ShowsPrinter(const DetailsPane& p) {
+  return p.layout.printers.Empty() && !p.jobs;
 }
 
-// The document's part of the pane, below its caption.
-Area DocumentArea(const Layout& layout) {
-  Area a = layout.details.Inset(kPadding, 0);
-  if (ShowsPrinter(layout)) a.TakeBottom(kPrinter);
+// The document's part of the pane, or that of the jobs, below its caption.
+Area DocumentArea(const DetailsPane& p) {
+  Area a = p.layout.details.Inset(kPadding, 0);
+  if (ShowsPrinter(p)) a.TakeBottom(kPrinter);
   a.TakeTop(kCaption + 6);
   return a;
 }
@@ -130,7 +130,7 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
 
 Area DetailsPane::PictureArea() const {
   if (selected < 0 || layout.details.Empty()) return {};
-  const Area a = DocumentArea(layout);
+  const Area a = DocumentArea(*this);
   const FolderEntry e = folder.At(selected);
   const int name = int(NameLines(e, a).size() - 1) * kNextFactLine;
   // In a large pane a larger one: half of its height at most.
@@ -143,9 +143,9 @@ Area DetailsPane::PictureArea() const {
 void DetailsPane::AddHits(Hits* hits) const {
   if (layout.details.Empty()) return;
   if (jobs)
-    AddJobFacts(*jobs, DocumentArea(layout), hits);
+    AddJobFacts(*jobs, DocumentArea(*this), hits);
   else
-    AddDocumentHits(this, DocumentArea(layout), hits);
+    AddDocumentHits(this, DocumentArea(*this), hits);
 }
 
 void DetailsPane::Draw() const {
@@ -155,12 +155,12 @@ void DetailsPane::Draw() const {
   Fill(a, l.side);
   LineAtLeft(a);
   a = a.Inset(kPadding, 0);
-  Area printer = ShowsPrinter(layout) ? a.TakeBottom(kPrinter) : Area{};
+  Area printer = ShowsPrinter(*this) ? a.TakeBottom(kPrinter) : Area{};
   DrawCaption(a, jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
   if (jobs)
-    DrawJobFacts(*jobs, DocumentArea(layout));
+    DrawJobFacts(*jobs, DocumentArea(*this));
   else
-    DrawSelected(this, DocumentArea(layout));
+    DrawSelected(this, DocumentArea(*this));
   if (printer.Empty()) return;
   DrawCaption(printer, "PRINTER");
   printer.TakeTop(kCaption);

@@ -34,6 +34,10 @@ std::string HeadText(const FilesPane* p) {
   return rows.CountText() + ", " + SizeText(rows.bytes());
 }
 
+int WidthOfSmall(const std::string& text) {
+  return XwTextWidthUtf8(TheStyle().small_text, text.c_str());
+}
+
 Area HeadArea(const FilesPane* p) {
   Area a = p->layout.folder_head.Inset(12, 0);
   a.h -= 1;
@@ -41,15 +45,22 @@ Area HeadArea(const FilesPane* p) {
   return a;
 }
 
+// Half of the head at most: without its last part where that has no room.
+std::string FittingHeadText(const FilesPane* p) {
+  std::string text = HeadText(p);
+  const size_t last = text.rfind(", ");
+  if (last != std::string::npos && WidthOfSmall(text) + 17 > HeadArea(p).w / 2) text.resize(last);
+  return text;
+}
+
 int HeadTextWidth(const FilesPane* p) {
-  const int width = XwTextWidthUtf8(TheStyle().small_text, HeadText(p).c_str());
-  return std::min(width + 17, HeadArea(p).w / 2);
+  return std::min(WidthOfSmall(FittingHeadText(p)) + 17, HeadArea(p).w / 2);
 }
 
 void DrawHeadText(const FilesPane* p) {
   const Style& l = TheStyle();
   Area a = HeadArea(p);
-  DrawLabel(l.small_text, Align::kRight, a.TakeRight(HeadTextWidth(p) - 16), HeadText(p),
+  DrawLabel(l.small_text, Align::kRight, a.TakeRight(HeadTextWidth(p) - 16), FittingHeadText(p),
             p->reading_text.empty() ? l.second : l.warning);
 }
 

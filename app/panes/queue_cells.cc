@@ -9,7 +9,7 @@
 namespace console {
 namespace {
 
-constexpr int kDotRoom = 20, kSwatch = 10, kSwatchRoom = 16, kBar = 64;
+constexpr int kDotRoom = 20, kSwatch = 10, kSwatchRoom = 16, kBar = 52;
 
 struct ColumnOrder {
   Column column;

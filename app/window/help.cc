@@ -43,7 +43,7 @@ const std::vector<Line>& Lines() {
                             {"Next part, and back", "Tab, Shift+Tab"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
                             {"Menu bar", "F10, Alt"},
-                            {"Back to the files", "Esc"}};
+                            {"Back to the files, or stops a drag", "Esc"}};
     all->insert(all->end(), std::begin(kWindow), std::end(kWindow));
     return all;
   }();

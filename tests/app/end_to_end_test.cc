@@ -274,7 +274,7 @@ TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
     keys Escape Control+p
     see status Attention = “Tray” is out of paper
     keys Control+l
-    see job c.txt #2 has out of paper, 4 of 196 pages
+    see job c.txt #2 has out of paper, 4 of 196
     agree
     keys Control+,
     see text-field Ask every is focused

@@ -211,6 +211,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   jobs[0].pages = 1200, jobs[0].pages_printed = 3;
   EXPECT_EQ(WordsOfJob(jobs[0], {}).progress.text, "3 of 1,200 pages");
   EXPECT_EQ(WordsOfJob(jobs[0], Verb::kRemove).text, "removing…");
+  jobs[0].state = NC_JOB_PAPER_OUT;
+  EXPECT_EQ(WordsOfJob(jobs[0], {}).progress.text, "out of paper, 3 of 1,200");
   EXPECT_EQ(WordsOfJob(jobs[1], {}).text, "waiting: the printer is paused, new keyword");
   EXPECT_EQ(WordsOfJob(jobs[1], {}).tone, Tone::kWarning);
   EXPECT_EQ(WordsOfJob(jobs[2], {}).text, "failed: paper jam");
