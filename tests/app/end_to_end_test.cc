@@ -339,7 +339,7 @@ TEST_F(EndToEnd, FortyPrintersAreChosenPausedAndFilled) {
     see job five.txt has out of paper
     agree
     click button Paper Loaded
-    see job five.txt has out of paper, 4 of 5 pages
+    see job five.txt has out of paper, 4 of 5
     agree
     keys Control+l
     see job five.txt = printed
