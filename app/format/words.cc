@@ -128,4 +128,11 @@ const char* TroubleText(int error) {
   return "the system refuses it";
 }
 
+std::string MissingText(const std::vector<std::string>& names) {
+  if (names.size() == 1) return names.front() + ": no such file or folder";
+  std::string list;
+  for (const std::string& name : names) list += (list.empty() ? ": " : ", ") + name;
+  return NumberText(int64_t(names.size())) + " files are missing" + list;
+}
+
 }  // namespace console

@@ -143,14 +143,17 @@ bool ToolsPane::Chosen(int id, int value) {
 void ToolsPane::Edited(int type) {
   if (type == XWE_EDIT_CHANGED) {
     const int n = XwGetValue(copies);
-    if (n >= 1 && n <= kMostCopies) choice_->copies = n;
+    choice_->no_copies = n < 1 || n > kMostCopies;
+    choice_->copies = choice_->no_copies ? 1 : n;
   } else {
     // What is no number of copies gives place to the one that counts.
+    choice_->no_copies = false;
     XwSetValue(copies, choice_->copies);
   }
 }
 
 void ToolsPane::ChangeCopies(int by) {
+  choice_->no_copies = false;
   choice_->copies = std::clamp(choice_->copies + by, 1, kMostCopies);
   XwSetValue(copies, choice_->copies);
 }

@@ -67,13 +67,12 @@ void DocumentsCame(Console* c, const FolderReading& r) {
   const auto some_hidden = [&] { return std::any_of(names.begin(), names.end(), is_hidden); };
   if (some_hidden()) SetFilter(c, "");
   if (some_hidden()) ShowHiddenNames(c, true);
-  const int all = int(r.request.others.size()) + 1;
   const int there = int(c->files.selection.Ids().size());
-  if (!r.select.empty() && !rows.Has(r.select))
-    Tell(c, false, r.select + ": " + TroubleText(ENOENT));
-  else if (there < all && all > 1)
+  if (!r.missing.empty())
+    Tell(c, false, MissingText(r.missing));
+  else if (there < r.documents && r.documents > 1)
     Tell(c, true,
-         NumberText(there) + " of " + CountText(all, "document", "documents") +
+         NumberText(there) + " of " + CountText(r.documents, "document", "documents") +
              " selected: the others are not in this folder");
 }
 

@@ -194,6 +194,7 @@ bool CanPrint(const Console* c) {
 
 // Before the printers are known the document waits for the server, and goes to its default.
 std::string WhyNotPrint(const Console* c) {
+  if (c->choice.no_copies) return "Copies is a number from 1 to " + NumberText(kMostCopies);
   return c->printers.known() ? c->printers.WhyNotPrint() : "";
 }
 

@@ -56,10 +56,9 @@ void OpenFiles(Console* c, const FilesToOpen& files) {
   const auto& [found, missing] = files;
   ShowDocuments(c, found);
   if (found.empty() && !missing.empty()) ShowFolderOf(c, missing.front());
-  if (missing.size() > 1)
-    Tell(c, false, CountText(int64_t(missing.size()), "file is", "files are") + " missing");
-  else if (!missing.empty())
-    Tell(c, false, LastName(missing.front()) + ": no such file or folder");
+  std::vector<std::string> names;
+  for (const std::string& path : missing) names.push_back(LastName(path));
+  if (!names.empty()) Tell(c, false, MissingText(names));
   c->damage |= kStatusPane;
   DrawConsole(c);
 }

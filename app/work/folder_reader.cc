@@ -45,10 +45,23 @@ int ListUpwards(std::string path, FolderReading* r) {
   }
 }
 
+// Whether it is a folder; counts it among the documents else, or as missing.
+bool LookAt(const std::string& path, FolderReading* r) {
+  struct stat s {};
+  if (stat(path.c_str(), &s) == 0) {
+    if (S_ISDIR(s.st_mode)) return true;
+    ++r->documents;
+  } else if (errno == ENOENT || errno == ENOTDIR) {
+    r->missing.push_back(LastName(path));
+  }
+  return false;
+}
+
 int ListAroundDocument(FolderReading* r) {
   const std::string& path = r->request.path;
-  struct stat s {};
-  if (stat(path.c_str(), &s) == 0 && S_ISDIR(s.st_mode)) return List(path, r);
+  const bool folder = LookAt(path, r);
+  for (const std::string& other : r->request.others) LookAt(other, r);
+  if (folder) return List(path, r);
   r->select = LastName(path);
   return List(ParentPath(path), r);
 }

@@ -30,6 +30,8 @@ struct FolderReading {
   std::shared_ptr<const FolderContent> content;  // null when it was not; its path may differ
   FolderStamp stamp;                             // of the one that could not be read
   std::string select;                            // the name to select there
+  std::vector<std::string> missing = {};         // of the documents: names that are not there
+  int documents = 0;                             // those that are, without folders
   int64_t free = -1, room = -1;                  // bytes on its volume, -1 when not known
 };
 

@@ -16,10 +16,12 @@ bool LeadsUpwards(const char* name) {
   return strcmp(name, ".") == 0 || strcmp(name, "..") == 0;
 }
 
-// It is there, and is not let be looked at. What is gone by now was only removed.
+// It is there and cannot be looked at, or is a link that leads nowhere. What is gone by now was
+// only removed.
 bool CannotBeLookedAt(int folder, const char* name) {
   struct stat s {};
-  return fstatat(folder, name, &s, AT_SYMLINK_NOFOLLOW) != 0 && errno != ENOENT;
+  if (fstatat(folder, name, &s, AT_SYMLINK_NOFOLLOW) != 0) return errno != ENOENT;
+  return S_ISLNK(s.st_mode) && fstatat(folder, name, &s, 0) != 0;
 }
 
 // Calls `look` with each name of the folder.

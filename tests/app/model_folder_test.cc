@@ -113,6 +113,9 @@ TEST(UnreadEntries, AreWhatTheListingLacks) {
   // Files that were not asked for can be looked at, so they are not unread.
   UnreadEntries unread = CountUnreadEntries(folder.c_str(), nullptr, 0);
   EXPECT_EQ(unread.plain + unread.hidden, 0);
+  std::filesystem::create_symlink("nowhere", folder / "link");
+  EXPECT_EQ(CountUnreadEntries(folder.c_str(), nullptr, 0).plain, 1);
+  std::filesystem::remove(folder / "link");
   chmod(folder.c_str(), 0644);  // it can be read, and not entered
   const bool root = geteuid() == 0;
   ASSERT_TRUE(!root || seteuid(65534) == 0);

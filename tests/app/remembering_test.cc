@@ -90,15 +90,20 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(Selected(), "second.txt");
   EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
+  c_->status.ReadMessage();
+  display::OpenFiles({home_.At("Empty"), home_.At("gone.pdf"), home_.At("g 2.pdf")}, true);
+  ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
+  EXPECT_EQ(c_->status.message().text, "2 files are missing: gone.pdf, g 2.pdf");
 }
 
 // What another program asks to open is selected, also what is hidden; what is dropped is queued,
 // and what still waits can be cancelled; a folder that is dropped is entered.
 TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
-  for (const char* name : {"a.pdf", "b.pdf", ".c.pdf"}) home_.File(name, "x");
+  home_.Folder("Other");
+  for (const char* name : {"a.pdf", "b.pdf", ".c.pdf", "Other/d.pdf"}) home_.File(name, "x");
   Open("127.0.0.9:1");
   SetFilter(c_, "letter");
-  display::OpenFiles({home_.At("a.pdf"), home_.At(".c.pdf"), home_.At("Empty/d.pdf")}, true);
+  display::OpenFiles({home_.At("a.pdf"), home_.At(".c.pdf"), home_.At("Other/d.pdf")}, true);
   ASSERT_TRUE(Until([&] { return c_->files.Chosen().files == 2; }));
   EXPECT_EQ(c_->files.selection.Ids(), (std::vector<std::string>{".c.pdf", "a.pdf"}));
   EXPECT_EQ(c_->status.message().text.rfind("2 of 3 documents", 0), 0u);

@@ -46,6 +46,14 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_FALSE(CanRun(c_, kUndoCommand));
   ChooseNextPriority(c_, 4);
   RunCommand(c_, kHoldNextCommand);
+  // A number that is too large prints nothing, and is not cut to a smaller one.
+  for (const char* digits : {"99", "1000", "0"}) {
+    XwSetTextUtf8(c_->tools.copies, digits);
+    c_->tools.Edited(XWE_EDIT_CHANGED);
+    EXPECT_EQ(CanRun(c_, kPrintCommand), digits[0] == '9') << digits;
+  }
+  c_->tools.Edited(XWE_EDIT_DONE);
+  EXPECT_TRUE(CanRun(c_, kPrintCommand));
   c_->tools.ChangeCopies(2);
   for (const uint32_t key : {kDown, kDown, kReturnKey}) {
     display::KeyDown(key);
