@@ -44,7 +44,9 @@ void BeginPlaces(Console* c, const std::string& folder) {
 }
 
 void FollowInPlaces(Console* c) {
-  if (c->places.Follow(c->files.folder.path())) AskPlaces(c);
+  const std::string& path = c->files.folder.path();
+  // One that the tree lacks may be newer than the tree.
+  if (c->places.Follow(path) || (c->places.tree.known() && c->places.Find(path) < 0)) AskPlaces(c);
   c->damage |= kPlacesPane;
 }
 
