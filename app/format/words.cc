@@ -94,6 +94,14 @@ std::string NumberOf(int64_t n, const char* one, const char* many) {
   return NumberText(n) + " " + (n == 1 ? one : many);
 }
 
+std::string HidesText(int all, int shown, const char* one, const char* many) {
+  if (shown > 0)
+    return "The filter hides " + NumberText(all - shown) + " other " +
+           (all - shown == 1 ? one : many);
+  return "The filter hides " +
+         (all == 1 ? "the only " + std::string(one) : "all " + NumberOf(all, one, many));
+}
+
 std::string Quoted(std::string_view name) {
   return "“" + CutMiddle(Shown(std::string(name)), kMostInQuestion) + "”";
 }

@@ -10,6 +10,8 @@ namespace console {
 std::string NumberText(int64_t n);
 // "1 file", "100,000 files".
 std::string NumberOf(int64_t n, const char* one, const char* many);
+// What a filter leaves out: "The filter hides all 12 files", "The filter hides 3 other files".
+std::string HidesText(int all, int shown, const char* one, const char* many);
 // The name between quotation marks, in at most 40 characters, cut in the middle.
 std::string Quoted(std::string_view name);
 

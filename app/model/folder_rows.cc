@@ -272,10 +272,10 @@ std::string FolderRows::CountText() const {
   return text;
 }
 
-std::string FolderRows::EmptyText() const {
+std::string FolderRows::NoteText() const {
   if (!content_) return "This folder has not been read yet";
+  if (leaves_out()) return HidesText(all_, count(), "entry", "entries");
   if (count() > 0) return "";
-  if (all_ > 0) return "No name here matches the filter";
   if (unread() > 0) return UnreadText(unread());
   const bool hidden = content_->count() > 0;
   return hidden ? "This folder has hidden entries only" : "This folder is empty";

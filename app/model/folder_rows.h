@@ -97,12 +97,14 @@ class FolderRows {
   int64_t bytes() const { return bytes_; }
   // Of what a filter leaves out as well.
   int all() const { return all_; }
+  bool leaves_out() const { return count() < all_; }
   int unread() const;
 
   // "340 files", "12 of 340 entries", "3 folders, 12 files", and what could not be read.
   std::string CountText() const;
-  // What an empty table says; "" when there are rows.
-  std::string EmptyText() const;
+  // What is said below the rows, or in their place: what a filter leaves out, or why there are
+  // none.
+  std::string NoteText() const;
 
  private:
   void Choose();

@@ -40,6 +40,7 @@ constexpr Switch kSwitches[] = {
     {"hidden-names", &Preferences::hidden_names},
     {"mine-only", &Preferences::mine_only},
     {"active-only", &Preferences::active_only},
+    {"ended-only", &Preferences::ended_only},
     {"start-local-server", &Preferences::start_local_server},
 };
 struct Text {

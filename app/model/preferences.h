@@ -19,7 +19,7 @@ struct Preferences {
   bool files_descending = false, queue_descending = false;
   bool hidden_names = false;
   std::string file_filter, queue_filter;
-  bool mine_only = false, active_only = false;
+  bool mine_only = false, active_only = false, ended_only = false;
   std::string server;  // HOST or HOST:PORT; "": localhost
   std::vector<std::string> recent_servers;
   int refresh_seconds = 2;

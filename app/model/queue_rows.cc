@@ -111,6 +111,8 @@ QueueRows::Item QueueRows::ItemOf(int place) const {
       return {NaturalKey(job ? job->owner : out->owner), 0, place};
     case QueueOrder::kPrinter:
       return {NaturalKey(job ? job->printer : out->printer), 0, place};
+    case QueueOrder::kProfile:
+      return {NaturalKey(job ? job->profile : out->profile), 0, place};
     case QueueOrder::kState:
       return {"", job ? StateRank(job->state) : 0, place};
     case QueueOrder::kSize:
@@ -197,14 +199,14 @@ std::string QueueRows::Summary() const {
   for (const Outgoing& o : outgoing_) ++(o.state == OutgoingState::kFailed ? failed : waiting);
   if (waiting) add(NumberText(waiting) + " to be sent");
   if (failed) add(NumberText(failed) + " not sent");
-  if (count() < int(row_of_.size()))
+  if (leaves_out())
     add(NumberText(count()) + " of " + NumberText(int64_t(row_of_.size())) + " shown");
   return text;
 }
 
-std::string QueueRows::EmptyText() const {
+std::string QueueRows::NoteText() const {
+  if (leaves_out()) return HidesText(int(row_of_.size()), count(), "job", "jobs");
   if (count() > 0) return "";
-  if (!row_of_.empty()) return "No job here matches the filter";
   return jobs_ ? "Nothing is waiting" : "The queue is not known yet";
 }
 

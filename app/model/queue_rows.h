@@ -52,7 +52,8 @@ enum class QueueOrder : uint8_t {
   kSize,
   kTime,
   kPriority,
-  kNumber
+  kNumber,
+  kProfile  // the last; the numbers are written down
 };
 
 struct QueueFilter {
@@ -97,8 +98,9 @@ class QueueRows {
 
   // "5 waiting, 1 printing, 2 held", what needs someone, and how many a filter leaves.
   std::string Summary() const;
-  // What an empty table says; "" when there are rows.
-  std::string EmptyText() const;
+  // As of FolderRows.
+  bool leaves_out() const { return count() < int(row_of_.size()); }
+  std::string NoteText() const;
 
  private:
   // What is sorted and searched.

@@ -37,7 +37,7 @@ RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {
   }
   if (IsAtPrinter(job.state)) words.progress = ProgressOf(job);
   if (job.state == NC_JOB_PAPER_OUT && words.progress.whole > 0)
-    words.progress.text += ", " + words.text;
+    words.progress.text = words.text + ", " + words.progress.text;
   std::string why = Shown(nc::ReasonsText(job.reasons));
   // The server's own words for a failure say more than its keyword.
   if (job.state == NC_JOB_FAILED && why.empty()) why = Shown(job.text);
@@ -85,6 +85,15 @@ class Facts {
   std::vector<Fact> all_;
 };
 
+// What has become of it, as far as the server tells.
+void AddHistory(const NC_Job& job, int64_t now, Facts* facts) {
+  facts->Add("Submitted", DayText(job.submitted, now));
+  facts->Add("Begun", DayText(job.started, now));
+  // By NC_JobState; what waits or prints is told already.
+  constexpr const char* kNames[] = {"", "Held", "", "Paper out", "Printed", "Failed"};
+  if (const char* name = kNames[job.state]; *name) facts->Add(name, DayText(job.since, now));
+}
+
 }  // namespace
 
 std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
@@ -101,10 +110,11 @@ std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   facts.Add("Pages", job.pages >= 0 ? NumberText(job.pages) : "");
   facts.Add("Size", SizeText(job.size));
   if (IsAtPrinter(job.state)) facts.Add("Printed", ProgressOf(job).text);
-  facts.Add("Submitted", DayText(job.submitted, now));
+  AddHistory(job, now, &facts);
   if (HasEnded(job.state))
     facts.Add("Again", job.kept ? "the server keeps it" : "it is no longer kept");
-  facts.Add("Says", Shown(job.text));
+  if (const std::string says = Shown(job.text); says != nc::JobStateText(job.state))
+    facts.Add("Says", says);
   return facts.All();
 }
 

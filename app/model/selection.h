@@ -48,6 +48,12 @@ class Selection {
     for (auto& [row, id] : shown) out.push_back(std::move(id));
     return out;
   }
+  // Whether one that is shown is selected.
+  template <class Rows>
+  bool AnyShown(const Rows& rows) const {
+    return std::any_of(ids_.begin(), ids_.end(),
+                       [&rows](const Id& id) { return rows.RowOf(id) >= 0; });
+  }
   // The shown row when it is the only one that is selected, else -1.
   template <class Rows>
   int OnlyRow(const Rows& rows) const {
@@ -60,41 +66,60 @@ class Selection {
     return only;
   }
 
-  // The button goes down on a row, -1: beside all of them. On a row that is selected, without
-  // keys, the others stay until it comes up, since all of them may be about to be dragged away.
+  // The button goes down on a row, -1: beside all of them, which leaves no row the keyboard. On a
+  // row that is selected, without keys, the others stay until it comes up, since all of them may be
+  // about to be dragged away.
   template <class Rows>
   void Press(const Rows& rows, int row, SelectionKeys keys) {
     pressed_.reset();
-    before_drag_ = keys.control ? ids_ : Ids();
+    before_ = {{}, focus_, anchor_};
+    adds_ = keys.control;
     dragging_ = row >= 0 && row < rows.count();
     if (!dragging_) {
-      if (!keys.shift && !keys.control) Clear();
+      if (!keys.shift && !keys.control) Set({});
       return;
     }
     const Id& id = rows.IdAt(row);
+    if (!keys.shift && !keys.control && Has(id)) {
+      pressed_ = focus_ = id;
+      return;
+    }
+    before_.ids = keys.control ? ids_ : std::exchange(ids_, {});
     if (keys.shift)
       Extend(rows, row, keys.control);
     else if (keys.control)
       Toggle(id);
-    else if (Has(id))
-      pressed_ = focus_ = id;
     else
       Only(id);
   }
-  // It comes up where nothing was dragged.
+  // It comes up. Where nothing was dragged, the row is selected alone.
   void Release() {
     if (pressed_) Only(*std::exchange(pressed_, std::nullopt));
+    before_ = {};
+    dragging_ = false;
+  }
+  // What the present press and its drag have changed is as it was before.
+  void Cancel() {
+    if (!dragging_) return;
+    if (!std::exchange(pressed_, std::nullopt)) ids_ = std::move(before_.ids);
+    focus_ = before_.focus;
+    anchor_ = before_.anchor;
+    before_ = {};
+    dragging_ = false;
   }
   // The pointer is drawn over rows to this one, since a Press: the range from there is selected,
   // beside what Control kept. A row past the last one is the last one. Nothing after a Press beside
   // the rows.
   template <class Rows>
   void DragTo(const Rows& rows, int row) {
-    if (pressed_) anchor_ = std::exchange(pressed_, std::nullopt);
     if (!dragging_ || rows.count() == 0) return;
+    if (pressed_) {
+      anchor_ = std::exchange(pressed_, std::nullopt);
+      before_.ids = std::move(ids_);
+    }
     row = std::clamp(row, 0, rows.count() - 1);
     const int from = Anchor(rows, row);
-    ids_ = before_drag_;
+    ids_ = adds_ ? before_.ids : Ids();
     Add(rows, from, row);
     focus_ = rows.IdAt(row);
   }
@@ -144,9 +169,8 @@ class Selection {
       if (*id && !rows.Has(**id)) id->reset();
     };
     std::erase_if(ids_, [&](const Id& id) { return !rows.Has(id); });
-    std::erase_if(before_drag_, [&](const Id& id) { return !rows.Has(id); });
-    drop(&pressed_);
-    drop(&anchor_);
+    std::erase_if(before_.ids, [&](const Id& id) { return !rows.Has(id); });
+    for (std::optional<Id>* id : {&pressed_, &anchor_, &before_.focus, &before_.anchor}) drop(id);
     const bool had = focus_.has_value();
     drop(&focus_);
     if (had && !focus_ && rows.count() > 0 && focus_row >= 0)
@@ -155,8 +179,8 @@ class Selection {
   // One has become another: a document on its way is a job of the queue now.
   void Rename(const Id& from, const Id& to) {
     if (ids_.erase(from) != 0) ids_.insert(to);
-    if (before_drag_.erase(from) != 0) before_drag_.insert(to);
-    for (std::optional<Id>* id : {&focus_, &anchor_, &pressed_})
+    if (before_.ids.erase(from) != 0) before_.ids.insert(to);
+    for (std::optional<Id>* id : {&focus_, &anchor_, &pressed_, &before_.focus, &before_.anchor})
       if (*id == from) *id = to;
   }
 
@@ -188,8 +212,15 @@ class Selection {
     focus_ = anchor_ = std::move(id);
   }
 
+  // As it was before a press.
+  struct Before {
+    Ids ids;
+    std::optional<Id> focus, anchor;
+  };
+
   Ids ids_;
-  Ids before_drag_;  // what a drag adds its range to
+  Before before_;
+  bool adds_ = false;  // a drag adds its range to those
   bool dragging_ = false;
   std::optional<Id> focus_, anchor_, pressed_;  // pressed: selected alone when the button comes up
 };

@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/look/style.h"
 #include "app/panes/document_picture.h"
 #include "app/panes/facts.h"
@@ -22,10 +23,15 @@ std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
   return FactLines(Shown(e.name), a.w);
 }
 
+// The list of the printers tells all of them while it shows.
+bool ShowsPrinter(const Layout& layout) {
+  return layout.printers.Empty();
+}
+
 // The document's part of the pane, below its caption.
 Area DocumentArea(const Layout& layout) {
   Area a = layout.details.Inset(kPadding, 0);
-  a.TakeBottom(kPrinter);
+  if (ShowsPrinter(layout)) a.TakeBottom(kPrinter);
   a.TakeTop(kCaption + 6);
   return a;
 }
@@ -38,6 +44,16 @@ std::string KindOfDocument(const Preview* preview, FileKind by_name) {
   return tells_pages ? kind + ", " + CountText(preview->pages, "page", "pages") : kind;
 }
 
+// Where the name says that it is of a kind which is shown, and no reader knows it, it is damaged.
+std::string TroubleOf(const Preview& preview, const std::string& name) {
+  constexpr std::string_view kShown[] = {"pdf", "png", "jpg", "jpeg", "tif", "tiff"};
+  const bool named =
+      std::find(std::begin(kShown), std::end(kShown), FileKindKey(name)) != std::end(kShown);
+  return named && preview.trouble == PreviewTrouble::kNoPreview
+             ? "This file is damaged: it cannot be read"
+             : TroubleWords(preview);
+}
+
 void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area* a) {
   const Area box = p->PictureArea();
   if (box.Empty()) return;
@@ -46,8 +62,25 @@ void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area
   a->TakeTop(box.h);
   Area line = a->TakeTop(kTroubleLine).Inset(0, 3);
   if (p->preview)
-    DrawLabel(TheStyle().small_text, Align::kCenter, line, TroubleWords(*p->preview),
+    DrawLabel(TheStyle().small_text, Align::kCenter, line, TroubleOf(*p->preview, e.name),
               TheStyle().second);
+}
+
+FileKind KindOfEntry(const FolderEntry& e) {
+  return e.folder ? FileKind::kFolder : KindOf(e.name);
+}
+
+// Of the selected document, those that are known.
+std::vector<Fact> FactsOfDocument(const DetailsPane* p, const FolderEntry& e) {
+  const Preview* preview = e.folder ? nullptr : p->preview.get();
+  std::vector<Fact> facts = {{"Name", Shown(e.name)},
+                             {"Kind", KindOfDocument(preview, KindOfEntry(e))}};
+  if (!e.folder) facts.push_back({"Size", SizeText(e.size)});
+  facts.push_back({"Modified", DayText(e.time, time(nullptr))});
+  if (preview) facts.push_back({"Format", SizeWords(*preview)});
+  if (preview) facts.push_back({"Colours", ColourWords(*preview)});
+  std::erase_if(facts, [](const Fact& fact) { return fact.value.empty(); });
+  return facts;
 }
 
 void DrawSelected(const DetailsPane* p, Area a) {
@@ -59,17 +92,19 @@ void DrawSelected(const DetailsPane* p, Area a) {
     return;
   }
   const FolderEntry e = p->folder.At(row);
-  const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
-  const Preview* preview = e.folder ? nullptr : p->preview.get();
-  DrawPicture(p, e, kind, &a);
-  DrawFact(&a, "Name", Shown(e.name));
-  DrawFact(&a, "Kind", KindOfDocument(preview, kind));
-  if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
-  DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
-  if (!preview) return;
-  if (const std::string size = SizeWords(*preview); !size.empty()) DrawFact(&a, "Format", size);
-  if (const std::string colours = ColourWords(*preview); !colours.empty())
-    DrawFact(&a, "Colours", colours);
+  DrawPicture(p, e, KindOfEntry(e), &a);
+  for (const Fact& fact : FactsOfDocument(p, e)) DrawFact(&a, fact.name.c_str(), fact.value);
+}
+
+void AddDocumentHits(const DetailsPane* p, Area a, Hits* hits) {
+  if (p->selected < 0) return;
+  const FolderEntry e = p->folder.At(p->selected);
+  if (const Area box = p->PictureArea(); !box.Empty()) {
+    hits->Cover(a.TakeTop(box.h),
+                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
+    a.TakeTop(kTroubleLine);
+  }
+  CoverFacts(FactsOfDocument(p, e), a, hits);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
@@ -106,7 +141,11 @@ Area DetailsPane::PictureArea() const {
 }
 
 void DetailsPane::AddHits(Hits* hits) const {
-  if (jobs && !layout.details.Empty()) AddJobFacts(*jobs, DocumentArea(layout), hits);
+  if (layout.details.Empty()) return;
+  if (jobs)
+    AddJobFacts(*jobs, DocumentArea(layout), hits);
+  else
+    AddDocumentHits(this, DocumentArea(layout), hits);
 }
 
 void DetailsPane::Draw() const {
@@ -116,12 +155,13 @@ void DetailsPane::Draw() const {
   Fill(a, l.side);
   LineAtLeft(a);
   a = a.Inset(kPadding, 0);
-  Area printer = a.TakeBottom(kPrinter);
+  Area printer = ShowsPrinter(layout) ? a.TakeBottom(kPrinter) : Area{};
   DrawCaption(a, jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
   if (jobs)
     DrawJobFacts(*jobs, DocumentArea(layout));
   else
     DrawSelected(this, DocumentArea(layout));
+  if (printer.Empty()) return;
   DrawCaption(printer, "PRINTER");
   printer.TakeTop(kCaption);
   DrawPrinter(this, printer);

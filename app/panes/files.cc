@@ -132,7 +132,7 @@ void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {
 
 std::vector<Column> Columns() {
   return {{"Name", 220, 1, Align::kLeft, true, 0, kNamePadding, kIconRoom},
-          {"Size", 110, 0, Align::kRight, true, 0, 6},
+          {"Size", 110, 0, Align::kRight, true, 0, 8},
           {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
 }
 
@@ -150,6 +150,9 @@ void FilesPane::MakeControls(XwWindow* window) {
                      XWC_ENABLED | XWC_VISIBLE | XWC_DROPS_FOCUS);
   XwDescribeControl(filter, "Filter");
   table.MakeControls(window, kFilesControls, "Files");
+  show_all =
+      XwButton(window, "Show All", kShowAllFilesCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);
+  XwDescribeControl(show_all, "Show All Files");
 }
 
 void FilesPane::Place() {
@@ -162,10 +165,15 @@ void FilesPane::Enable(bool on) {
   table.Enable(on);
 }
 
-void FilesPane::Draw(const Hit& hover, bool focused, bool silent) {
+void FilesPane::Update() {
   const std::string& trouble = folder.trouble();
-  table.SetEmptyText(trouble.empty() ? folder.rows().EmptyText()
-                                     : "This folder cannot be shown: " + trouble);
+  table.SetNote(trouble.empty() ? folder.rows().NoteText()
+                                : "This folder cannot be shown: " + trouble);
+  const bool offers = trouble.empty() && folder.rows().leaves_out();
+  PlaceControl(show_all, offers ? table.NoteButton() : Area{});
+}
+
+void FilesPane::Draw(const Hit& hover, bool focused, bool silent) {
   table.SetFocused(focused);
   table.SetMuted(silent);
   DrawHead(this, hover);

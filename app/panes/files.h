@@ -22,7 +22,8 @@ struct FilesPane {
   void MakeControls(XwWindow* window);
   void Place();
   void Enable(bool on);
-  // `silent`: the folder does not answer.
+  // What stands below the rows follows them. `silent`: the folder does not answer.
+  void Update();
   void Draw(const Hit& hover, bool focused, bool silent);
   void AddHits(Hits* hits) const;
   // Where a crumb leads; "" for none.
@@ -43,8 +44,9 @@ struct FilesPane {
   ShownFolder folder;
   SelectionOf<FolderRows, std::string> selection{folder.rows()};  // names
   Table table;
-  XwWindow* filter = nullptr;  // the box
-  std::string reading_text;    // what is said of a reading that takes long
+  XwWindow* filter = nullptr;    // the box
+  XwWindow* show_all = nullptr;  // of a command
+  std::string reading_text;      // what is said of a reading that takes long
   TypeAhead typed;
 
  private:

@@ -67,6 +67,8 @@ enum CommandId {
   kUsualCommand,
   kOptionsCommand,
   kKeysCommand,
+  kShowAllFilesCommand,
+  kShowAllJobsCommand,
   kCommandsEnd
 };
 
@@ -90,6 +92,6 @@ enum ControlId {
   kFilesControls = 200,
   kQueueControls = 300
 };
-static_assert(int(kCommandsEnd) <= int(kPrinterControl));
+static_assert(int(kCommandsEnd) <= int(kPlacesControl));
 
 }  // namespace console

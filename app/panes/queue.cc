@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
+#include "app/look/controls.h"
 #include "app/panes/ids.h"
 #include "app/panes/queue_cells.h"
 #include "os/os.h"
@@ -42,6 +44,8 @@ void QueuePane::MakeControls(XwWindow* w) {
   table.MakeControls(w, kQueueControls, "Queue");
   table.SetCarries(true, rows.InPrintOrder());
   head.MakeControls(w);
+  show_all = XwButton(w, "Show All", kShowAllJobsCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);
+  XwDescribeControl(show_all, "Show All Jobs");
 }
 
 void QueuePane::Place() {
@@ -54,6 +58,11 @@ void QueuePane::Enable(bool on) {
   head.Enable(on);
 }
 
+void QueuePane::Update() {
+  table.SetNote(rows.NoteText());
+  PlaceControl(show_all, rows.leaves_out() ? table.NoteButton() : Area{});
+}
+
 void QueuePane::AddHits(Hits* hits) const {
   table.AddHits(hits, [this](int row) { return WordsOfRow(this, row); });
 }
@@ -61,7 +70,6 @@ void QueuePane::AddHits(Hits* hits) const {
 void QueuePane::Draw(const Hit& hover, bool focused) {
   table.SetFocused(focused);
   table.SetMuted(state.link != Link::kReady);
-  table.SetEmptyText(rows.EmptyText());
   head.Draw(layout.queue_head, rows.Summary());
   table.Draw(hover);
 }
@@ -117,6 +125,13 @@ void QueuePane::Filter(const QueueFilter& filter) {
   head.ShowFilter(filter);
   Renewed();
   table.Reveal(table.focus());
+}
+
+std::string QueuePane::SelectionText() const {
+  const size_t n = Selected().size();
+  const std::string jobs = CountText(rows.count(), "job", "jobs");
+  if (n > 0) return NumberText(int64_t(n)) + " of " + jobs + " selected";
+  return rows.count() > 0 ? jobs : "";
 }
 
 VerbCheck QueuePane::Check(Verb verb) const {

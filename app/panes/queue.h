@@ -16,6 +16,8 @@ struct QueuePane {
 
   void MakeControls(XwWindow* window);
   void Place();
+  // What stands below the rows follows them.
+  void Update();
   void Draw(const Hit& hover, bool focused);
   void AddHits(Hits* hits) const;
   void Enable(bool on);
@@ -32,6 +34,8 @@ struct QueuePane {
   // Those that verbs act on.
   std::vector<QueueId> Selected() const { return selection.Ids(); }
   VerbCheck Check(Verb verb) const;
+  // What is selected of what is shown, in words; "" when there is no job.
+  std::string SelectionText() const;
 
   const Layout& layout;
   const ServerState& state;
@@ -39,6 +43,7 @@ struct QueuePane {
   SelectionOf<QueueRows, QueueId, QueueIdHash> selection{rows};
   QueueHead head;
   Table table;
+  XwWindow* show_all = nullptr;  // of a command
 
  private:
   std::vector<Outgoing> OutgoingNow() const;

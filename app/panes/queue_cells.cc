@@ -21,11 +21,11 @@ const ColumnOrder kColumns[] = {
     {{"Document", 150, 4, Align::kLeft, true, 0, 8}, QueueOrder::kName},
     {{"Owner", 68, 1, Align::kLeft, true, 0, 8}, QueueOrder::kOwner},
     {{"Printer", 98, 1, Align::kLeft, true, 0, 8}, QueueOrder::kPrinter},
-    {{"Profile", 110, 1, Align::kLeft, false, 2, 8}, {}},
-    {{"Progress", 190, 1, Align::kLeft, true, 0, 8}, QueueOrder::kState},
+    {{"Profile", 110, 1, Align::kLeft, true, 2, 8}, QueueOrder::kProfile},
+    {{"Progress", 190, 2, Align::kLeft, true, 0, 8}, QueueOrder::kState},
     {{"Size", 76, 0, Align::kRight, true, 0, 8}, QueueOrder::kSize},
     {{"Submitted", 90, 0, Align::kLeft, true, 0, 12}, QueueOrder::kTime},
-    {{"Priority", 84, 0, Align::kRight, true, 1, 14}, QueueOrder::kPriority},
+    {{"Priority", 78, 0, Align::kRight, true, 1, 8}, QueueOrder::kPriority},
 };
 
 // One row of both kinds.
@@ -67,7 +67,8 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
                cell.selected ? cell.ink : TheStyle().line);
     a.TakeLeft(kSwatchRoom);
   }
-  DrawLabel(TheStyle().view, cell.align, a, row.document, cell.ink);
+  XwFont* font = TheStyle().view;
+  DrawLabel(font, cell.align, a, CutToWidth(font, row.document, a.w), cell.ink);
 }
 
 void DrawCell(const Cells& row, QueueColumn column, const CellLook& cell) {

@@ -8,13 +8,13 @@ namespace console {
 namespace {
 
 constexpr int kMargin = 7, kControl = 26;
-constexpr int kWideGap = 14;      // between two settings
-constexpr int kMostForGaps = 10;  // that a wide gap takes of what is spare
+constexpr int kWideGap = 14;    // between two settings
+constexpr int kMostGrowth = 4;  // times the share of a piece
 
 struct Piece {
   Area Layout::*area;
   int width, gap;  // and the gap behind it
-  int grows = 0;   // at most, where there is room
+  int grows = 0;   // the share of what is spare
 };
 constexpr Piece kPrint{&Layout::print, 78, 6}, kRefresh{&Layout::refresh, 26, kWideGap};
 constexpr Piece kPrinterLabel{&Layout::printer_label, 46, 6};
@@ -54,21 +54,22 @@ std::span<const Piece> Fitting(int width) {
 
 }  // namespace
 
-// What is spare goes to the lists and the slider first, then to the gaps.
+// What is spare goes to the lists and the slider first, then to the gaps: the bar is as wide as the
+// window.
 void LayOutTools(Layout* l) {
   Area bar = l->tools.Inset(kMargin, 0);
   bar.h -= 1;  // the hairline below
   const std::span<const Piece> pieces = Fitting(bar.w);
   const int spare = std::max(0, bar.w - WidthOf(pieces));
-  int growth = 0, gaps = 0;
+  int shares = 0, gaps = 0;
   for (const Piece& p : pieces) {
-    growth += p.grows;
+    shares += p.grows;
     gaps += p.gap == kWideGap;
   }
-  const int more = std::clamp((spare - growth) / gaps, 0, kMostForGaps);
+  const int growth = std::min(spare, kMostGrowth * shares);
+  const int more = (spare - growth) / gaps;
   for (const Piece& p : pieces) {
-    const int grown = spare < growth ? p.grows * spare / growth : p.grows;
-    const Area piece = bar.TakeLeft(p.width + grown);
+    const Area piece = bar.TakeLeft(p.width + p.grows * growth / shares);
     l->*p.area = {piece.x, piece.y + (piece.h - kControl) / 2, piece.w, kControl};
     bar.TakeLeft(p.gap + (p.gap == kWideGap ? more : 0));
   }

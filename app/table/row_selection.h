@@ -17,11 +17,14 @@ class RowSelection {
   virtual int FocusRow() const = 0;
   // The selected row when it is the only one, else -1.
   virtual int OnlyRow() const = 0;
+  // Whether a row is selected.
+  virtual bool Any() const = 0;
 
   // As in Selection.
   virtual void Press(int row, SelectionKeys keys) = 0;
   virtual void DragTo(int row) = 0;
   virtual void Release() = 0;
+  virtual void Cancel() = 0;
   virtual void MoveTo(int row, SelectionKeys keys) = 0;
   virtual void ToggleFocus() = 0;
   virtual void All() = 0;
@@ -37,6 +40,7 @@ class SelectionOf final : public RowSelection {
   bool Has(int row) const override { return ids_.Has(rows_.IdAt(row)); }
   int FocusRow() const override { return ids_.FocusRow(rows_); }
   int OnlyRow() const override { return ids_.OnlyRow(rows_); }
+  bool Any() const override { return ids_.AnyShown(rows_); }
   void Press(int row, SelectionKeys keys) override {
     ids_.Press(rows_, row, keys);
     Changed();
@@ -47,6 +51,10 @@ class SelectionOf final : public RowSelection {
   }
   void Release() override {
     ids_.Release();
+    Changed();
+  }
+  void Cancel() override {
+    ids_.Cancel();
     Changed();
   }
   void MoveTo(int row, SelectionKeys keys) override {

@@ -9,13 +9,21 @@ namespace {
 
 // How far beside a border the pointer may be to take hold of it.
 constexpr int kBorderReach = 4;
-// Where there is the head of a column that sorts, it is taken hold of beside that.
-constexpr int kHeadReach = 6;
-// The text of a head is this far from its left side.
+// Where there is the head of a column that sorts, it is taken hold of beside that: the head leaves
+// so much free at either side of the border.
+constexpr int kHeadReach = 3;
+// The text of a head is this far from its side.
 constexpr int kHeadText = 5;
+// The height of a note with a button below it.
+constexpr int kNoteWithButton = 20 + 10 + 26;
 // Of scrolling by a drag, pixels at a time.
 constexpr int kFastest = 3 * Table::kRowHeight;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
+
+// How far a head's button ends before its column.
+int HeadEnd(const Column& c) {
+  return c.align == Align::kRight ? std::max(1, c.padding - kHeadText) : kHeadReach;
+}
 
 }  // namespace
 
@@ -208,13 +216,35 @@ Area Table::ColumnArea(int column) const {
   return {left_[size_t(column)], area_.y, width_[size_t(column)], area_.h};
 }
 
-// The head's button: its text stands over that of the cells, and the border before it is free.
+Area Table::NoteArea() const {
+  constexpr int kLine = 20, kMostAbove = 26;
+  const Area body = Body();
+  const Area last = RowArea(rows_);
+  Area below = body.Inset(12, 0);
+  below.TakeTop(std::max(0, last.y - body.y));
+  if (note_.empty() || below.h < kLine) return {};
+  const int all = below.h < kNoteWithButton ? kLine : kNoteWithButton;
+  if (rows_ > 0 && all == kLine) return {};
+  below.TakeTop(std::min((below.h - all) / 2, rows_ > 0 ? kMostAbove : below.h));
+  return below.TakeTop(kLine);
+}
+
+Area Table::NoteButton() const {
+  constexpr int kButtonWidth = 120, kButtonHeight = 26;
+  const Area note = NoteArea(), body = Body();
+  const Area button{body.x + (body.w - kButtonWidth) / 2, note.bottom() + 10, kButtonWidth,
+                    kButtonHeight};
+  return note.Empty() || button.bottom() > body.bottom() ? Area{} : button;
+}
+
+// The head's button: its text stands over that of the cells, and the borders beside it are free.
 Area Table::HeadArea(int column) const {
   const Area c = ColumnArea(column);
   if (c.Empty() || area_.h < kHeaderHeight) return {};
   const Column& shape = columns_[size_t(column)];
   const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
-  const int right = std::min(c.right() - (NextColumn(column) < 0 ? 0 : 1), area_.right());
+  const bool to_the_edge = NextColumn(column) < 0 && shape.align != Align::kRight;
+  const int right = std::min(c.right() - (to_the_edge ? 0 : HeadEnd(shape)), area_.right());
   return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
 }
 
@@ -222,9 +252,9 @@ Area Table::BorderArea(int column) const {
   const Area c = ColumnArea(column);
   const int next = NextColumn(column);
   if (c.Empty() || next < 0) return {};
-  const bool head = columns_[size_t(column)].sorts, next_head = columns_[size_t(next)].sorts;
-  const int left = c.right() - (head ? 1 : kBorderReach);
-  const int right = c.right() + (next_head ? kHeadReach : kBorderReach);
+  const Column& shape = columns_[size_t(column)];
+  const int left = c.right() - (shape.sorts ? HeadEnd(shape) : kBorderReach);
+  const int right = c.right() + (columns_[size_t(next)].sorts ? kHeadReach : kBorderReach);
   return {left, area_.y, right - left, std::min(kHeaderHeight, area_.h)};
 }
 
@@ -261,13 +291,15 @@ void Table::Select(int row) {
 
 bool Table::Key(int type, SelectionKeys keys) {
   const int page = std::max(1, Fits() - 1), now = focus();
+  // Where nothing is selected, the row that has the keyboard is the first one.
+  const bool begins = now >= 0 && !keys.control && !selection_->Any();
   int to = 0;
   switch (type) {
     case XWE_UP:
-      to = now < 0 ? rows_ - 1 : now - 1;
+      to = now < 0 ? rows_ - 1 : begins ? now : now - 1;
       break;
     case XWE_DOWN:
-      to = now + 1;
+      to = begins ? now : now + 1;
       break;
     case XWE_PAGE_UP:
       to = now - page;
@@ -316,6 +348,7 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
       held_ = kABorder;
       border_ = hit.index;
       grip_ = px - ColumnArea(border_).right();
+      asked_before_ = asked_;
       return true;
     default:
       return false;
@@ -328,8 +361,21 @@ bool Table::Drag(int px, int py) {
 }
 
 void Table::Release() {
-  if (held_ == kARow) selection_->Release();
+  if (held_ == kARow || held_ == kRows) selection_->Release();
   held_ = kNothing;
+}
+
+bool Table::Cancel() {
+  if (held_ == kNothing) return false;
+  if (held_ == kABorder) {
+    asked_ = asked_before_;
+    LayOutColumns();
+    PlaceControls();
+  } else {
+    selection_->Cancel();
+  }
+  held_ = kNothing;
+  return true;
 }
 
 // The row under the pointer, or at the edge that it is beyond.
@@ -422,9 +468,9 @@ void Table::DrawHead(int column) const {
   const Area all = ColumnArea(column);
   Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
   if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (c.sorts) return;  // its button has all else
   if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
   Area text = CellArea(column, head.y, head.h);
-  if (c.sorts) return;
   text.TakeLeft(c.indent);
   DrawLabel(l.small_text, c.align, text, c.title, l.ink);
 }
@@ -495,8 +541,7 @@ void Table::Draw(const Hit& hover) {
     for (int row = top_ / kRowHeight; row < last; ++row) DrawRow(row, hover);
     const int below = std::max(body.y, RowArea(last).y);
     Fill({body.x, below, body.w, body.bottom() - below}, l.document);
-    if (rows_ == 0)
-      DrawLabel(l.view, Align::kCenter, body.Inset(12, 0), empty_, Dimmed(l.ink, l.document));
+    DrawLabel(l.view, Align::kCenter, NoteArea(), note_, l.second);
     if (gap() >= 0 && shows_gap_) DrawGap();
     if (focused_ && focus() < 0) {
       XwSetColor(Mix(l.accent, l.document, 45));

@@ -81,8 +81,10 @@ class Table {
 
   void SetFocused(bool on) { focused_ = on; }
   void SetMuted(bool on) { muted_ = on; }
-  // Shown in the middle of a table without rows.
-  void SetEmptyText(std::string text) { empty_ = std::move(text); }
+  // Shown in the middle of a table without rows, and below the rows where there is room; "": none.
+  void SetNote(std::string text) { note_ = std::move(text); }
+  // Where a button below the note stands; empty where there is no note, or no room.
+  Area NoteButton() const;
   // The column that shows the arrow, -1 none.
   void SetSort(int column, bool descending);
 
@@ -101,6 +103,9 @@ class Table {
   bool Press(const Hit& hit, int px, SelectionKeys keys = {});
   bool Drag(int px, int py);
   void Release();
+  // Ends what is held as if it had not been pressed: selection and columns are as they were. False
+  // when nothing is held.
+  bool Cancel();
   // A row is held: no other one may come under the pointer now.
   bool HoldsRow() const { return held_ >= kARow; }
   // Whether rows that are selected can be carried to another place instead, and a line shows where
@@ -144,6 +149,8 @@ class Table {
   int MostTop() const;
   bool Scrolls() const;
   Area Bar() const;
+  // The line of the note; empty when it does not show.
+  Area NoteArea() const;
   Area HeadArea(int column) const;
   Area BorderArea(int column) const;
   void PlaceControls();
@@ -156,7 +163,8 @@ class Table {
   std::vector<Column> columns_;
   DrawCell draw_;
   std::vector<int> left_, width_;
-  std::vector<int> asked_;  // widths that the user has given, 0: none
+  std::vector<int> asked_;         // widths that the user has given, 0: none
+  std::vector<int> asked_before_;  // before a border was pressed
   Area area_;
   RowSelection* selection_;
   int rows_ = 0, top_ = 0;
@@ -171,7 +179,7 @@ class Table {
   int border_ = 0;     // of which column
   int grip_ = 0;       // where beside the border it was pressed
   float wheel_ = 0;    // of a pixel not yet moved
-  std::string empty_;
+  std::string note_;
   int id_ = 0;
   std::string name_;
   XwWindow* bar_ = nullptr;

@@ -60,6 +60,11 @@ constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = fa
            }}};
 }
 
+void StopSending(Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending) c->server.Cancel(t.number);
+}
+
 // --- View
 
 bool HasParent(const Console* c) {
@@ -67,6 +72,13 @@ bool HasParent(const Console* c) {
 }
 void GoToFilter(Console* c) {
   SetFocusStop(c, FocusStop::kFilter);
+}
+bool FilterHidesFiles(const Console* c) {
+  return c->files.folder.rows().filtered();
+}
+void ShowAllFiles(Console* c) {
+  SetFilter(c, "");
+  if (c->stop == FocusStop::kShowAllFiles) SetFocusStop(c, FocusStop::kFiles);
 }
 bool HasMessage(const Console* c) {
   return !c->status.message().text.empty();
@@ -113,7 +125,8 @@ constexpr Command kCommands[] = {
     Row(kUsualCommand, kFileMenu, "Usual Options", nullptr, UseUsualOptions,
         {.group = true, .contexts = kOnOptions}),
     Row(kOptionsCommand, kNoMenu, "Print Options", nullptr, OpenOptions),
-    Row(kCloseCommand, kFileMenu, "Close Window", nullptr, Leave, {.group = true, .key = 'w'}),
+    Row(kCloseCommand, kFileMenu, "Close Window", nullptr, CloseFrontWindow,
+        {.group = true, .key = 'w'}),
 
     Row(kUndoCommand, kEditMenu, "Undo", CanEdit<XWU_UNDO>, Edit<XWU_UNDO>, {.key = 'z'}),
     Row(kRedoCommand, kEditMenu, "Redo", CanEdit<XWU_REDO>, Edit<XWU_REDO>, {.key = 'y'}),
@@ -220,6 +233,7 @@ constexpr Command kCommands[] = {
     Row(kUpCommand, kViewMenu, "Enclosing Folder", HasParent, GoUp,
         {.key = XWE_UP, .modifiers = XWS_OPTION, .plain_key = XWE_BACKSPACE, .where = kInFiles}),
     Row(kFilterCommand, kViewMenu, "Filter Files", nullptr, GoToFilter, {.key = 'f'}),
+    Row(kShowAllFilesCommand, kViewMenu, "Show All Files", FilterHidesFiles, ShowAllFiles),
     Row(kDismissCommand, kViewMenu, "Dismiss Message", HasMessage, DismissMessage),
     Row(kShowHiddenCommand, kViewMenu, "Show Hidden Names", nullptr, ShowHidden,
         {.key = 'h', .modifiers = XWS_CONTROL | XWS_SHIFT, .checked = ShowsHidden}),
@@ -240,6 +254,7 @@ constexpr Command kCommands[] = {
         {.plain_key = 'y', .where = kInQueue, .checked = ShowsMine}),
     Row(kQueueFilterCommand, kViewMenu, "Filter Queue", nullptr, GoToQueueFilter,
         {.key = 'f', .modifiers = XWS_CONTROL | XWS_SHIFT, .plain_key = '/', .where = kInQueue}),
+    Row(kShowAllJobsCommand, kViewMenu, "Show All Jobs", FilterHidesJobs, ShowAllJobs),
 
     Row(kKeysCommand, kHelpMenu, "Keys", nullptr, ShowKeys, {.key = XWE_F1, .modifiers = 0}),
     Row(kAboutCommand, kHelpMenu, "About Quorvik", nullptr, ShowAbout, {.group = true}),

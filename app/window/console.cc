@@ -14,10 +14,9 @@
 namespace console {
 namespace {
 
-constexpr int kTickMs = 1000, kProgressMs = 100, kDragMs = 40;
+constexpr int kTickMs = 1000, kProgressMs = 100;
 // Drawing the program's icons takes longer than the first picture, which they are not to hold up.
 constexpr int kIconMs = 60;
-constexpr int kArrowCursor = 0, kSizeCursor = 10;
 // For threads that read folders, at the end.
 constexpr int kLastWaitMs = 50;
 
@@ -25,6 +24,11 @@ constexpr int kLastWaitMs = 50;
 Console* g_console;
 
 // --- Drawing
+
+// Of the table that has the keyboard, or had it last.
+std::string SelectionText(const Console* c) {
+  return IsInQueue(c->stop) ? c->queue.SelectionText() : c->files.SelectionText();
+}
 
 void AddAllHits(Console* c) {
   c->hits.Begin();
@@ -34,7 +38,7 @@ void AddAllHits(Console* c) {
     c->queue.AddHits(&c->hits);
     c->details.AddHits(&c->hits);
     c->banner.AddHits(&c->hits);
-    c->status.AddHits(c->files.SelectionText(), &c->hits);
+    c->status.AddHits(SelectionText(c), &c->hits);
     c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
     c->needs.AddHits(&c->hits);
     AddBorderHits(c);
@@ -42,53 +46,12 @@ void AddAllHits(Console* c) {
   c->hits.End();
 }
 
-// The pane that a hit lies in.
-unsigned PaneOf(const Hit& hit) {
-  switch (hit.owner) {
-    case kFiles:
-    case kCrumbs:
-      return kFolderPane;
-    case kQueue:
-      return kQueuePane;
-    case kPlaces:
-      return kPlacesPane;
-    case kPrinters:
-      return kPrintersPane;
-    case kStatus:
-      return kStatusPane;
-    default:
-      return 0;
-  }
-}
-
-// A border of columns that can be moved.
-bool IsColumnBorder(const Hit& hit) {
-  return (hit.owner == kFiles || hit.owner == kQueue) && hit.part == Table::kBorder;
-}
-
-bool IsBorder(const Hit& hit) {
-  return IsColumnBorder(hit) || hit.owner == kBorders;
-}
-
-int CursorOver(const Hit& hit) {
-  return hit.owner == kBorders ? BorderCursor(hit)
-         : IsColumnBorder(hit) ? kSizeCursor
-                               : kArrowCursor;
-}
-
-void SetHover(Console* c, const Hit& hit) {
-  if (hit == c->hover) return;
-  c->damage |= PaneOf(c->hover) | PaneOf(hit);
-  if (CursorOver(hit) != CursorOver(c->hover)) XwSetCursor(c->window, CursorOver(hit));
-  c->hover = hit;
-}
-
 }  // namespace
 
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
-  c->damage |= kToolsPane | kPlacesPane | kPrintersPane | kFolderPane | kQueuePane | kDetailsPane;
+  c->damage = kAllPanes;
 }
 
 void LayOutWindow(Console* c) {
@@ -102,17 +65,16 @@ void LayOutWindow(Console* c) {
   c->damage |= kAllPanes;
 }
 
-namespace {
-
-// What follows a change of a table's selection.
 void SelectionChanged(Console* c, bool files) {
   c->damage |=
-      files ? kFolderPane | kDetailsPane | kToolsPane | kStatusPane : kQueuePane | kDetailsPane;
+      kDetailsPane | kStatusPane | (files ? kFolderPane | kToolsPane : unsigned{kQueuePane});
 }
 
-SelectionKeys KeysOf(uint32_t modifiers) {
-  return {(modifiers & XWS_SHIFT) != 0, (modifiers & XWS_CONTROL) != 0};
+SelectionKeys HeldKeys(const Console* c) {
+  return {(c->modifiers & XWS_SHIFT) != 0, (c->modifiers & XWS_CONTROL) != 0};
 }
+
+namespace {
 
 // --- Quitting
 
@@ -129,153 +91,21 @@ void Leave(Console* c) {
   SetHover(c, {});  // it is covered
 }
 
-namespace {
-
-// --- Pointer
-
-void PressTable(Console* c, const Hit& hit, bool twice) {
-  const bool files = hit.owner == kFiles;
-  Table& table = files ? c->files.table : c->queue.table;
-  if (IsColumnBorder(hit)) {
-    if (twice) table.ResetColumns();
-    table.Press(hit, Inp.px);
-    return;
-  }
-  SetFocusStop(c, files ? FocusStop::kFiles : FocusStop::kQueue);
-  const SelectionKeys keys = KeysOf(c->modifiers);
-  table.Press(hit, Inp.px, keys);
-  SelectionChanged(c, files);
-  const bool opens = twice && files && hit.part == Table::kRow && !keys.shift && !keys.control;
-  if (opens) OpenSelected(c);
+void CloseFrontWindow(Console* c) {
+  if (!c->front) return Leave(c);
+  XwSendEvent(c->front, XWE_CLOSE, 0, 0, 0);
 }
 
-void Press(Console* c) {
-  const Hit hit = c->hits.At(Inp.item);
-  const bool twice = XwDoubleClick(&c->last_press);
-  SetHover(c, hit);
-  c->pressed = hit;
-  c->damage |= PaneOf(hit);
-  if (hit.owner == kFiles || hit.owner == kQueue) PressTable(c, hit, twice);
-  if (hit.owner == kPlaces) PressPlace(c, hit);
-  if (hit.owner == kPrinters) PressPrinter(c, hit);
-  if (hit.owner == kBorders) PressBorder(c, hit, twice);
-}
-
-// The secondary button opens the menu of the row, or of all that are selected with it.
-void PressSecondary(Console* c) {
-  const Hit hit = c->hits.At(Inp.item);
-  if (hit.owner == kPrinters && hit.part != SideList::kBody) {
-    PressPrinter(c, hit);
-    DrawConsole(c);
-    return OpenContextMenu(c, kOnPrinters);
-  }
-  if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
-  Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
-  if (table.HoldsRow()) return;
-  SetFocusStop(c, hit.owner == kFiles ? FocusStop::kFiles : FocusStop::kQueue);
-  if (!table.IsSelected(hit.index)) {
-    table.Press(hit, Inp.px);
-    table.Release();
-    SelectionChanged(c, hit.owner == kFiles);
-  }
-  DrawConsole(c);
-  OpenContextMenu(c, hit.owner == kFiles ? kOnFiles : kOnJobs);
-}
-
-}  // namespace
-
-void StopSending(Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.state == Sending::kSending) c->server.Cancel(t.number);
-}
-
-void RefreshAll(Console* c) {
-  RefreshFolder(c);
-  RefreshPlaces(c);
-  c->server.Refresh();
-}
-
-namespace {
-
-// Pressed and released on the same thing.
-void Use(Console* c, const Hit& hit) {
-  switch (hit.owner) {
-    case kPlaces:
-      UsePlace(c, hit);
-      break;
-    case kPrinters:
-      UsePrinter(c, hit);
-      break;
-    case kCrumbs:
-      PressCrumb(c, hit.index);
-      break;
-    case kStatus:
-      c->server.Refresh();
-      break;
-    default:
-      break;
-  }
-}
-
-// What has waited for it is shown.
-void ReleaseTables(Console* c) {
-  const int gap = c->queue.table.gap();
-  for (Table* table : {&c->files.table, &c->queue.table}) {
-    if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
-    table->Release();
-  }
-  if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
-  if (gap >= 0) DropJobs(c, gap);
-  if (std::exchange(c->queue_waits, false)) c->queue.Fill();
-  ShowHeldReading(c);
-}
-
-void Release(Console* c) {
-  if (Inp.state & 1) return;  // another button
-  const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
-  c->pressed = {};
-  ReleaseTables(c);
-  c->damage |= PaneOf(pressed);
-  SetHover(c, hit);
-  if (pressed && hit == pressed) Use(c, hit);
-}
-
-void Motion(Console* c) {
-  const Hit hit = c->hits.At(Inp.item);
-  bool scrolls = false;
-  for (Table* table : {&c->files.table, &c->queue.table}) {
-    if (table->Drag(Inp.px, Inp.py)) {
-      SelectionChanged(c, table == &c->files.table);
-      c->last_press = 0;  // what was dragged was not clicked
-    }
-    scrolls = scrolls || table->ScrollsByDrag();
-  }
-  if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
-    XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
-  // A border is under the pointer as long as it is held.
-  if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
-  if (IsBorder(c->pressed)) return SetHover(c, c->pressed);
-  // While a button is held only the thing pressed shows that it is under the pointer.
-  SetHover(c, !c->pressed || hit == c->pressed ? hit : Hit{});
-}
-
-void Scrolled(float, float dy) {
+void NoteActivity(XwWindow* second, bool active) {
   Console* c = g_console;
-  if (!c || c->asking) return;
-  const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
-  const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
-  if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
-  if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
-  if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
-  if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
-    c->damage |= kPrintersPane;
-  DrawConsole(c);
+  if (!c || !second) return;
+  if (active)
+    c->front = second;
+  else if (c->front == second)
+    c->front = nullptr;
 }
 
-void ScrollByDrag(Console* c) {
-  for (Table* table : {&c->files.table, &c->queue.table})
-    if (table->ScrollByDrag()) SelectionChanged(c, table == &c->files.table);
-}
+namespace {
 
 // --- Keyboard
 
@@ -284,7 +114,7 @@ bool TableKey(Console* c, int type) {
   if (c->stop != FocusStop::kFiles && c->stop != FocusStop::kQueue) return false;
   const bool files = c->stop == FocusStop::kFiles;
   Table& table = files ? c->files.table : c->queue.table;
-  if (!table.Key(type, KeysOf(c->modifiers))) return false;
+  if (!table.Key(type, HeldKeys(c))) return false;
   SelectionChanged(c, files);
   return true;
 }
@@ -322,19 +152,29 @@ void MoveFocus(Console* c, int by) {
   SetFocusStop(c, FocusStop(stop));
 }
 
+// One thing after the other: an error is read, then the keyboard goes back to the files, and from
+// there all of them are shown again.
 void Escape(Console* c) {
+  if (CancelDrag(c)) return;
   StopReading(c);
-  if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ReadMessage();
   c->damage |= kStatusPane;
-  SetFocusStop(c, FocusStop::kFiles);
+  const bool error = c->status.HasError();
+  c->status.ReadMessage();
+  if (error) return;
+  if (c->stop != FocusStop::kFiles) return SetFocusStop(c, FocusStop::kFiles);
+  if (c->files.folder.rows().filtered()) SetFilter(c, "");
 }
 
 void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
+  if (!c->has_menus) {
+    // It came before the menus, which would have sent its command.
+    SetUpMenus(c);
+    if (const int command = CommandOfMenuKey(type, c->modifiers)) return RunCommand(c, command);
+  }
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands.
-    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
+    if (!CommandOfMenuKey(type, c->modifiers)) TableKey(c, type);
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
@@ -379,7 +219,7 @@ void ServerChanged(Console* c, ServerState state) {
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
   c->queue.ShowProgress();
-  c->damage |= kQueuePane | kStatusPane;
+  c->damage |= kQueuePane | kStatusPane | (c->details.jobs ? kDetailsPane : 0u);
 }
 
 void Tick(Console* c) {
@@ -404,6 +244,10 @@ void OnTimer(Console* c, int timer) {
   if (MayLeaveNow(c)) Quit(c);
 }
 
+void Scrolled(float, float dy) {
+  if (g_console) TurnWheel(g_console, dy);
+}
+
 // The Menu key, for what is selected where the keyboard is.
 void OpenMenuByKey() {
   if (!g_console || g_console->asking) return;
@@ -421,8 +265,15 @@ void ShowActivity(int active) {
   DrawConsole(c);
 }
 
+// What the first picture does not need begins behind it.
 void FirstPictureDrawn(void*, int taken) {
-  if (g_console && taken) RefreshPlaces(g_console);
+  Console* c = g_console;
+  if (!c || !taken) return;
+  c->has_begun = true;
+  SetUpMenus(c);
+  c->server.Begin();
+  WatchShownFolder(c);
+  RefreshPlaces(c);
 }
 
 int Handle(int type) {
@@ -441,7 +292,7 @@ int Handle(int type) {
       Motion(c);
       break;
     case XWE_PRESS:
-      Press(c);
+      PressPrimary(c);
       break;
     case XWE_PRESS + 1:
       PressSecondary(c);
@@ -544,7 +395,8 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   ShowRemembered(c);
   BeginPlaces(c, start);
   EnterFolder(c, start, "");
-  SetUpCommands(c);
+  ShowMenuTitles(c);
+  UpdateControls(c);
   XwShow(w, 1);
   XwSetFocus(w);
   return c;
@@ -554,6 +406,7 @@ void CloseConsole(Console* c) {
   if (!c) return;
   ClosePreferences();
   CloseLists();
+  CloseNumberWindow();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();
@@ -590,7 +443,7 @@ void DrawConsole(Console* c) {
   if (damage & kDetailsPane) c->details.Draw();
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
   if (damage & kBannerPane) c->banner.Draw();
-  if (damage & kStatusPane) c->status.Draw(c->hover, c->files.SelectionText());
+  if (damage & kStatusPane) c->status.Draw(c->hover, SelectionText(c));
   if (c->asking) DrawAroundQuestion(c);
   AddAllHits(c);
   XwPop();

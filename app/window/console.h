@@ -1,5 +1,6 @@
 // The console's one window: what it shows and what the user has chosen. The panes
-// (app/panes) draw and know what can be hit there; console.cc routes the events.
+// (app/panes) draw and know what can be hit there; console.cc routes the events, pointer.cc those
+// of the pointer.
 #pragma once
 #include <memory>
 #include <string>
@@ -46,6 +47,7 @@ enum class FocusStop {
   kPrinters,
   kFiles,
   kQueue,
+  kShowAllFiles,
   kStartServer,
   kRetry,
   kNeedsButton,
@@ -63,6 +65,7 @@ enum class FocusStop {
   kQueueFilter,
   kQueueOwner,
   kQueuePart,
+  kShowAllJobs,
   kCount
 };
 inline bool IsControl(FocusStop stop) {
@@ -95,12 +98,15 @@ struct Console {
   explicit Console(const std::string& host);
 
   XwWindow* window = nullptr;
+  XwWindow* front = nullptr;  // the other window that has the keyboard; null: none has
   Layout layout;
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
-  bool active = true;    // keys of the desktop come to the window
+  bool exposed = false;    // the first picture has been asked for; until then nothing is drawn
+  bool has_begun = false;  // it is drawn, and what it does not need has begun
+  bool has_menus = false;  // else its menu bar has titles alone
+  bool active = true;      // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -114,7 +120,6 @@ struct Console {
   FolderReader reader;
   FolderWatch watch;
   PlacesReader places_reader;
-  int places_asked = 0;        // readings
   int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
@@ -135,11 +140,13 @@ struct Console {
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
   bool scrolls_by_drag = false;  // the timer runs
+  bool drag_escaped = false;     // by an Escape that an edit box reports once more
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
 
   PaneSizes panes;
-  int border_grip = 0;  // where beside a border it was pressed
+  int border_grip = 0;     // where beside a border it was pressed
+  PaneSizes panes_before;  // the same press
   Printers printers;
   std::string printer_pressed;  // name
 
@@ -176,6 +183,30 @@ inline bool HasKeyboard(const Console* c, FocusStop stop) {
   return c->active && c->stop == stop && !c->asking;
 }
 
+// Another window of the console has the keyboard, or has it no longer: when it is shown, when it
+// becomes active or inactive, and before it is destroyed.
+void NoteActivity(XwWindow* second, bool active);
+// What follows a change of the selection in the files, or in the queue.
+void SelectionChanged(Console* c, bool files);
+// Shift and Control, as they are held.
+SelectionKeys HeldKeys(const Console* c);
+
+// --- The pointer (pointer.cc): each takes the event that Inp has
+void PressPrimary(Console* c);
+// The secondary button opens the menu of the row, or of all that are selected with it.
+void PressSecondary(Console* c);
+void Motion(Console* c);
+void Release(Console* c);
+// Ends a drag as if it had not begun; what is held does nothing more. False when nothing is held
+// that can be dragged.
+bool CancelDrag(Console* c);
+// The pointer is held beyond the rows that it drags over.
+void ScrollByDrag(Console* c);
+// Logical pixels, positive down.
+void TurnWheel(Console* c, float dy);
+// What lies under the pointer now.
+void SetHover(Console* c, const Hit& hit);
+
 // --- The controls (controls.cc)
 void MakeControls(Console* c);
 // Where the layout says.
@@ -204,6 +235,8 @@ void ShowSilence(int seconds);
 void ShowWait(Console* c);
 // What a tick does: says what takes long.
 void WatchFolder(Console* c);
+// Begins to watch the one that is shown, once the window is.
+void WatchShownFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
 // Enters the folder that is selected alone; of a file it says how it is printed.
@@ -217,6 +250,8 @@ void PressCrumb(Console* c, int index);
 bool FolderIsSilent(const Console* c);
 // Names that begin with a dot.
 void ShowHiddenNames(Console* c, bool show);
+// The folder that the path lies in, or the nearest one above it that can be read.
+void ShowFolderOf(Console* c, const std::string& path);
 // Enters the first one's folder and selects all that lie in it; a folder is entered itself.
 void ShowDocuments(Console* c, std::vector<std::string> paths);
 
@@ -254,6 +289,8 @@ void AddBorderHits(Console* c);
 int BorderCursor(const Hit& hit);
 void PressBorder(Console* c, const Hit& hit, bool twice);
 void DragBorder(Console* c, const Hit& hit);
+// The panes are as they were before the press.
+void PutBackBorder(Console* c);
 // Between the window and the preferences.
 void RecallPanes(Console* c);
 void NotePanes(const Console* c, Preferences* p);

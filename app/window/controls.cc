@@ -1,7 +1,8 @@
 // The console's controls: those of the tools, of the tables, and the buttons of commands.
-#include "app/look/controls.h"
-#include "app/format/words.h"
+#include <utility>
 
+#include "app/format/words.h"
+#include "app/look/controls.h"
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
 #include "app/window/console.h"
@@ -32,6 +33,8 @@ void MakeControls(Console* c) {
                 c->status.stop_sending,
                 c->status.dismiss,
                 c->status.cancel_queued,
+                c->files.show_all,
+                c->queue.show_all,
                 c->banner.retry,
                 c->banner.start_server,
                 c->needs.load,
@@ -50,6 +53,10 @@ void PlaceControls(Console* c) {
 
 XwWindow* ControlAt(const Console* c, FocusStop stop) {
   switch (stop) {
+    case FocusStop::kShowAllFiles:
+      return c->files.show_all;
+    case FocusStop::kShowAllJobs:
+      return c->queue.show_all;
     case FocusStop::kRetry:
       return c->banner.retry;
     case FocusStop::kStartServer:
@@ -114,6 +121,8 @@ void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
   c->status.offers_cancel = CanCancelQueued(c);
   c->status.Update();
+  c->files.Update();
+  c->queue.Update();
   ShowButtons(c);
   c->tools.Update(c->state, !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
@@ -132,7 +141,20 @@ bool NothingIsChosen(const Console* c) {
 
 }  // namespace
 
+namespace {
+
+// Whether the Escape that a box reports ends a drag instead, and so leaves the text alone. It is
+// reported twice: as the key, and as the loss of the keyboard.
+bool EndsDrag(Console* c) {
+  if (std::exchange(c->drag_escaped, false)) return true;
+  return c->drag_escaped = XwGetKeyState(XWE_ESCAPE) && CancelDrag(c);
+}
+
+}  // namespace
+
 void UseEditBox(Console* c, int type, int id, bool gained) {
+  if (type == XWE_EDIT_SELECT && !gained && EndsDrag(c)) return;
+  if (type == XWE_EDIT_CHANGED) RunFunctionKey(c);
   if (id == kQueueFilterControl) return UseQueueFilter(c, type, gained);
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;

@@ -112,13 +112,16 @@ void ShowKeys(Console* c) {
     if (!keys_window) return;
     XwSetSizes(keys_window, width, WindowHeight(), width, WindowHeight(), 0, 0);
     XwSetTextUtf8(keys_window, "Keys");
+    XwSetActivationHandler(keys_window, [](int on) { NoteActivity(keys_window, on != 0); });
     XwCenter(keys_window, c->window);
   }
   XwShow(keys_window, 1);
   XwSetFocus(keys_window);
+  NoteActivity(keys_window, true);
 }
 
 void CloseKeys() {
+  NoteActivity(keys_window, false);
   XwDestroy(keys_window);
   keys_window = nullptr;
 }

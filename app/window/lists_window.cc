@@ -231,10 +231,7 @@ void Report(ListsWindow* w, int id, int value) {
 }
 
 void Key(ListsWindow* w, int type) {
-  if (Inp.state & XWS_CONTROL) {
-    if (type == 'w') CloseLists();
-    return;
-  }
+  if (Inp.state & XWS_CONTROL) return;
   if (type == XWE_RETURN) return At(w) && At(w)->scanner ? Start(w) : Save(w);
   if (type == XWE_F1 + 4) return w->console->server.AskLists();
   const auto name = [w](int row) { return w->rows[size_t(row)].name; };
@@ -300,18 +297,23 @@ void ShowLists(Console* c) {
     g_window->console = c;
     g_window->window = window;
     Make(g_window);
+    XwSetActivationHandler(window, [](int on) {
+      if (g_window) NoteActivity(g_window->window, on != 0);
+    });
     XwCenter(window, c->window);
   }
   g_window->asked = false;
   UpdateLists();
   XwShow(g_window->window, 1);
   XwSetFocus(g_window->window);
+  NoteActivity(g_window->window, true);
 }
 
 void CloseLists() {
   ListsWindow* w = g_window;
   if (!w) return;
   g_window = nullptr;
+  NoteActivity(w->window, false);
   XwDestroy(w->window);
   delete w;
 }

@@ -119,6 +119,7 @@ int BorderCursor(const Hit& hit) {
 }
 
 void PressBorder(Console* c, const Hit& hit, bool twice) {
+  c->panes_before = c->panes;
   if (twice) {
     *SizeOf(&c->panes, hit.part) = 0;
     LayOutWindow(c);
@@ -131,6 +132,11 @@ void DragBorder(Console* c, const Hit& hit) {
   if (at == Place(c->layout, hit.part)) return;
   TakeSize(c, hit.part, SizeAt(c->layout, hit.part, at));
   c->last_press = 0;  // what was dragged was not clicked
+}
+
+void PutBackBorder(Console* c) {
+  c->panes = c->panes_before;
+  LayOutWindow(c);
 }
 
 bool ShowsPlaces(const Console* c) {

@@ -28,6 +28,7 @@ Preferences Now(const Console* c) {
   p.queue_filter = filter.text;
   p.mine_only = filter.mine;
   p.active_only = filter.part == QueueFilter::kActive;
+  p.ended_only = filter.part == QueueFilter::kEnded;
   return p;
 }
 
@@ -54,9 +55,11 @@ void ShowRemembered(Console* c) {
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
   c->files.folder.ShowHidden(p.hidden_names);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
-  if (p.queue_order <= int(QueueOrder::kNumber))
+  if (p.queue_order <= int(QueueOrder::kProfile))
     c->queue.Sort(QueueOrder(p.queue_order), p.queue_descending);
-  const auto part = p.active_only ? QueueFilter::kActive : QueueFilter::kAll;
+  const auto part = p.active_only  ? QueueFilter::kActive
+                    : p.ended_only ? QueueFilter::kEnded
+                                   : QueueFilter::kAll;
   FilterQueue(c, {p.mine_only, part, p.queue_filter});
 }
 

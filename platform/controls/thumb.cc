@@ -76,7 +76,7 @@ bool MoveThumb(Control* c, int32_t value) {
 int TakeWheelSteps(const Control* c, float dx, float dy, float pixels) {
   const float by = c->horizontal && dx != 0 ? dx : dy;
   if (!std::isfinite(by)) return 0;
-  // Turning back begins at once.
+  // A turn in the other direction drops the fraction that is left.
   if (turn.serial != c->object.serial || turn.rest * by < 0) turn.rest = 0;
   turn.serial = c->object.serial;
   turn.rest += by;

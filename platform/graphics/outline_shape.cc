@@ -100,7 +100,7 @@ class Stroker {
     FT_Stroker_LineTo(stroker_, &to);
     at_ = to;
   }
-  // The stroker must not end what has no length, so it hears of a line with its first step.
+  // The stroker must not get a line without length, so each line begins with its first step.
   void Begin() {
     if (!begun_) FT_Stroker_BeginSubPath(stroker_, &at_, !closes_);
     begun_ = true;
@@ -126,9 +126,9 @@ class Stroker {
   FT_Pos short_ = 2;        // the stroker itself passes over curves shorter than 2
   FT_Vector at_{}, now_{};  // where the stroker is, and the line
   bool skipped_ = false;    // steps between the two
-  bool open_ = false;       // a part has told where the line starts
-  bool ended_ = false;      // and another where it goes
-  bool begun_ = false;      // the stroker has heard of it
+  bool open_ = false;       // the line has a start
+  bool ended_ = false;      // and at least one more part
+  bool begun_ = false;      // the stroker has its start
   bool closes_ = false;     // it will be closed
 };
 

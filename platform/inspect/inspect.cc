@@ -25,7 +25,7 @@ namespace {
 constexpr size_t kMostClients = 8;
 // Seconds. A request waits until the program is at rest, or has been busy for so long.
 constexpr double kBusyPatience = 1;
-// Between two looks at what is waited for; and before clients are taken again where that failed.
+// Seconds between two checks of a client's wait, and before accepting again after a failure.
 constexpr double kLookPeriod = 0.02, kAcceptPause = 1;
 
 struct Waiting {
@@ -45,8 +45,8 @@ struct Inspector {
   ListeningSocket socket;
   std::list<Client> clients;  // the one whose turn it is first
   TreeListener listener;
-  bool listens = false;  // a client has come: from then on the tree is heard
-  bool changed = false;  // something has, since the last look at what is waited for
+  bool listens = false;  // for changes of the tree, from the first client on
+  bool changed = false;  // the tree has changed since the last check of the waits
   size_t handled = 0;    // where the queue was then
   int timer = -1;
   pid_t process = 0;
@@ -54,7 +54,7 @@ struct Inspector {
 };
 Inspector* inspector = nullptr;
 
-// Of the world outside: the display's clock may be stepped.
+// Real time: the display's clock may be stepped.
 double Now() {
   timespec t;
   clock_gettime(CLOCK_MONOTONIC, &t);
@@ -82,7 +82,7 @@ void AcceptClients(double now) {
   }
 }
 
-// What has been put in has been handled, and what it has changed is drawn.
+// Whether all input is handled and everything that it has changed is drawn.
 bool AtRest() {
   return main_event_queue.empty() && !DrawEventWaits();
 }
@@ -128,11 +128,11 @@ void ServeNext(double now) {
   Client& c = i.clients.back();
   c.typing ? TypeMore(&c) : Serve(&c, now);
   c.since = -1;
-  // There may be more, of which no descriptor tells.
+  // More requests may be in memory already, which no descriptor shows.
   intake_hints.ReportWaits();
 }
 
-// Most changes are told; where the program has handled something, others may have come with it.
+// Most changes are reported; handling an event may have made others.
 bool MayHaveChanged() {
   return inspector->changed || inspector->handled != main_event_queue.head;
 }
@@ -159,7 +159,7 @@ void LookAtWaits(double now) {
   i.look_again = Now() + kLookPeriod;
 }
 
-// A client that only sends no more still gets its answers.
+// A client that has only closed its sending side still gets its answers.
 bool IsOver(Client& c) {
   Connection& connection = c.connection;
   if (connection.too_long()) {

@@ -23,7 +23,7 @@ struct Request {
   int button = 1, count = 1;
 };
 
-// Takes known fields out of the object; what is left over was not meant for this request.
+// Removes the known fields from the object; a field that is left has no meaning in this request.
 class Fields {
  public:
   explicit Fields(JsonObject* object) : object_(*object) {}
@@ -50,7 +50,7 @@ class Fields {
     if (v.kind != JsonValue::kBool) wrong_ = key;
     *out = v.truth;
   }
-  // Whether a field has a wrong value or no meaning, and which.
+  // True, with the field's name, when one has a wrong value or no meaning in this request.
   bool Wrong(std::string* key) const {
     *key = wrong_ || object_.empty() ? wrong_.value_or("") : object_.begin()->first;
     return wrong_ || !object_.empty();
@@ -115,7 +115,7 @@ std::string Several(const std::vector<Found>& found, const Address& address) {
   return out + "]}";
 }
 
-// The one that the address means; null, with the answer, when there is none or more than one.
+// The node with this address; null, with the answer, when there is none or more than one.
 const Found* Choose(const std::vector<Found>& found, const Address& a, std::string* failure) {
   if (a.number == 0 && found.size() > 1) {
     *failure = Several(found, a);
@@ -139,7 +139,7 @@ struct Target {
   Point middle() const { return {(part.left + part.right) / 2, (part.top + part.bottom) / 2}; }
 };
 
-// "" when it is there to be seen.
+// "" when the node exists and some of it shows.
 std::string Aim(const Address& address, Target* t) {
   std::string failure;
   t->found = FindNodes(t->roots, address);
@@ -151,7 +151,7 @@ std::string Aim(const Address& address, Target* t) {
   return t->window ? "" : Failure(Words(address) + " is out of sight");
 }
 
-// Also where it is not addressed, input needs a program that takes it.
+// Whether the program can take input at all, for requests without an address too.
 std::string CheckInput() {
   return Replaying() ? Failure("a recording is being played back") : "";
 }
@@ -164,8 +164,8 @@ std::string Click(const Request& r, const Address& address, uint32_t modifiers) 
   return WithNode(*t.node->node);
 }
 
-// The window that keys go to. A node that they are for gets the keyboard by a click, unless it has
-// it, a window by the focus.
+// The window that keys go to. An addressed node without the focus gets it by a click, a window by
+// a report of the desktop.
 std::string AimKeys(const Address& address, WindowRef* out) {
   if (address.empty()) {
     *out = KeyWindow();

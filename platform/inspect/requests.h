@@ -12,9 +12,9 @@ namespace platform {
 struct NodeWait {
   Address address;
   std::string value;
-  bool has_value = false;  // it is waited for
-  bool gone = false;       // or that there is no such node
-  int ms = 0;              // at most
+  bool has_value = false;  // waits for the value
+  bool gone = false;       // waits until there is no such node
+  int ms = 0;              // the longest wait
 };
 
 // Keys that are being pressed: one, or those of a text, a piece at a time. The program handles each

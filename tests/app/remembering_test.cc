@@ -1,6 +1,7 @@
 // What a console leaves to the next one, and the server that it starts.
 #include <gtest/gtest.h>
 
+#include "app/window/queue_commands.h"
 #include "app/work/preferences_file.h"
 #include "os/system_paths.h"
 #include "tests/app/console_fixture.h"
@@ -69,10 +70,20 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_GE(c_->files.folder.Find("letter.txt"), 0);
   EXPECT_NE(c_->status.message().text.find("leaf"), std::string::npos);
+  for (const auto part : {QueueFilter::kEnded, QueueFilter::kActive}) {
+    FilterQueue(c_, {true, part, "x"});
+    CloseAndOpen();
+    EXPECT_EQ(c_->queue.rows.filter(), (QueueFilter{true, part, "x"}));
+  }
 }
 
 TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   Open("127.0.0.9:1");
+  OpenFiles(c_, {{}, {home_.At("Empty/gone.pdf")}});
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
+  EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
+  c_->status.ReadMessage();
   OpenFiles(c_, {{home_.At(std::string(kFolder) + "/second.txt")}, {home_.At("gone.pdf")}});
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(Selected(), "second.txt");

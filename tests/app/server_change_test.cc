@@ -7,6 +7,7 @@
 
 #include <fstream>
 
+#include "app/window/queue_commands.h"
 #include "platform/events/timers.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
@@ -69,6 +70,8 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   ASSERT_TRUE(HasRead());
   PrintSelected(c_);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && c_->queue.rows.JobAt(0); }));
+  FilterQueue(c_, {false, QueueFilter::kActive, ""});
+  Remember(c_);
   const Preferences before = c_->remembered.preferences;
 
   display::Preferences();
@@ -89,7 +92,17 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   Key(kTabKey);
   Key(kTabKey);
   Type("30");
+  for (const char* box : {"Show hidden names", "Show jobs that have ended", "Show my jobs only"}) {
+    const platform::Rect r = Node(box).what.bounds;
+    display::Click(r.left + 8, (r.top + r.bottom) / 2);
+    Turn(2);
+  }
+  EXPECT_FALSE(c_->files.folder.rows().shows_hidden()) << "not before it is saved";
+  ShowPreferences(c_);  // the keyboard is in a box again
+  Turn(4);
   Key(kReturnKey);
+  EXPECT_TRUE(c_->files.folder.rows().shows_hidden());
+  EXPECT_EQ(c_->queue.rows.filter(), (QueueFilter{true, QueueFilter::kAll, ""}));
   EXPECT_FALSE(PreferencesShow());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   EXPECT_STREQ(c_->state.printers->at(0).name, "Other");

@@ -102,6 +102,9 @@ TEST(Columns, ABorderMovesRoomFromOneToTheOther) {
     t.Drag(x + row.by, 30);
     t.Release();
     EXPECT_FALSE(t.Drag(x, 30));
+    t.Press({kOwner, Table::kBorder, 0}, t.ColumnArea(0).right());
+    t.Drag(t.ColumnArea(0).right() - 7, 30);
+    t.Cancel();
     EXPECT_EQ(Widths(t), row.after) << row.border << " " << row.by;
     // They stay so in the same room, and give and take in another one.
     t.Place({10, 20, 500, 200});
@@ -138,6 +141,26 @@ TEST(Keys, MoveTheSelectionAndKeepItInSight) {
     EXPECT_GE(a.y, body.y);
     EXPECT_LE(a.bottom(), body.bottom());
   }
+  // A row that has the keyboard and is not selected comes first.
+  NumberTable list({0, 0, 500, 200}, 9);
+  const struct {
+    int key;
+    SelectionKeys keys;
+    int to;
+  } kFromThere[] = {{XWE_DOWN, {}, 4},      {XWE_UP, {}, 4},     {XWE_DOWN, {true, false}, 4},
+                    {XWE_UP, {true}, 4},    {XWE_HOME, {}, 0},   {XWE_END, {}, 8},
+                    {XWE_PAGE_DOWN, {}, 8}, {XWE_PAGE_UP, {}, 0}};
+  for (const auto& row : kFromThere) {
+    list->Select(4);
+    list->Key(' ', {false, true});
+    ASSERT_EQ(list->selected(), -1);
+    list->Key(row.key, row.keys);
+    EXPECT_EQ(list->selected(), row.to) << row.key;
+  }
+  // Beside the rows none has it.
+  list->Press({kOwner, Table::kBody, 0}, 5);
+  list->Key(XWE_DOWN);
+  EXPECT_EQ(list->selected(), 0);
   NumberTable none({0, 0, 500, 200}, 0);
   Table& empty = none.table;
   for (int key : {XWE_UP, XWE_DOWN, XWE_HOME, XWE_END, XWE_PAGE_UP, XWE_PAGE_DOWN}) {
@@ -189,6 +212,22 @@ TEST(Dragging, SelectsRowsAndScrollsBeyondTheEdge) {
   EXPECT_EQ(list.selection.Ids().size(), 24u);
   t.Release();
   EXPECT_FALSE(t.Drag(9, middle(5)));
+  // What is ended leaves no trace.
+  press(3);
+  t.Release();
+  press(5, {false, true});
+  t.Release();
+  for (const SelectionKeys keys : {SelectionKeys{}, {true, false}, {false, true}}) {
+    for (const int from : {1, 5}) {
+      press(from, keys);
+      t.Drag(9, middle(7));
+      EXPECT_TRUE(t.Cancel());
+      EXPECT_EQ(Chosen(list), "3 5 ") << from;
+      EXPECT_EQ(t.focus(), 5);
+      EXPECT_FALSE(t.Drag(9, middle(8)));
+      EXPECT_FALSE(t.Cancel());
+    }
+  }
   // Fewer rows come while one is held.
   press(8);
   t.Drag(9, middle(9));

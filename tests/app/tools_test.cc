@@ -10,6 +10,23 @@ namespace {
 
 constexpr uint32_t kReturnKey = 0xFF0D;
 
+TEST_F(ConsoleTest, AKeyThatComesBeforeTheMenusRunsTheirCommand) {
+  setenv("HOME", home_.path().c_str(), 1);
+  display::UseSteppedClock(1000);
+  XwSession("Quorvik", "Quorvik", 7);
+  c_ = OpenConsole("127.0.0.9:1", home_.path());
+  pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
+  XwTimer(pump_, 1, 20);
+  display::Modifiers(platform::controlKey);
+  Key('2', '2');
+  ASSERT_TRUE(Until([&] { return c_->has_begun; }));
+  EXPECT_EQ(c_->files.folder.order(), FileOrder::kSize);
+  EXPECT_TRUE(c_->files.folder.descending());
+  // Once; from now on by the menus.
+  Key('2', '2');
+  EXPECT_FALSE(c_->files.folder.descending());
+}
+
 TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   constexpr uint32_t kDown = 0xFF54;
   Open("127.0.0.0");
@@ -19,6 +36,10 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_FALSE(CanRun(c_, kCutCommand));
   RunCommand(c_, kUndoCommand);
   Turn(2);
+  EXPECT_EQ(c_->files.FilterText(), "");
+  Key('q', 'q');
+  EXPECT_EQ(c_->files.folder.count(), 0);
+  Click(c_->files.table.NoteButton());
   EXPECT_EQ(c_->files.FilterText(), "");
 
   Click(FileRow("letter.txt"));
@@ -41,6 +62,55 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_EQ(XwGetValue(c_->tools.copies), 1);
   EXPECT_EQ(c_->choice.priority, 50);
   EXPECT_FALSE(HoldsNext(c_));
+}
+
+// File, Close Window is for the window that has the keyboard, and Help opens from an edit box, too.
+TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
+  constexpr uint32_t kF1Key = 0xFFBE, kEscapeKey = 0xFF1B;
+  Open("127.0.0.0");
+  // A menu's item may have the same name.
+  const auto shows = [](const std::string& window) {
+    for (const platform::DescribedNode& n : platform::DescribeTree())
+      if (n.what.name == window) return true;
+    return false;
+  };
+  const auto close = [this] {
+    display::Modifiers(platform::controlKey);
+    Key('w', 'w');
+    display::Modifiers(0);
+    Turn(2);
+  };
+  Click(c_->layout.filter);
+  Key('x', 'x');
+  Key(kF1Key);
+  ASSERT_TRUE(shows("Keys"));
+  close();
+  EXPECT_FALSE(shows("Keys"));
+  ShowPreferences(c_);
+  Turn(2);
+  close();
+  EXPECT_FALSE(shows("Preferences"));
+  ShowLists(c_);
+  Turn(2);
+  close();
+  EXPECT_FALSE(shows("Scanners and Profiles"));
+  EXPECT_EQ(TheConsole(), c_);
+
+  // A drag's Escape leaves the box alone; the next one is the box's.
+  Click(c_->layout.filter);
+  const Area before = c_->layout.places;
+  display::MovePointer(c_->window->x + before.right(), c_->window->y + before.y + 20);
+  display::Press(1);
+  display::MovePointer(c_->window->x + before.right() + 30, c_->window->y + before.y + 20);
+  Turn(2);
+  EXPECT_EQ(c_->layout.places.w, before.w + 30);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->layout.places.w, before.w);
+  EXPECT_EQ(c_->files.FilterText(), "x");
+  display::Release(1);
+  Turn(2);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->files.FilterText(), "");
 }
 
 }  // namespace

@@ -2,78 +2,22 @@
 // socket on both displays, and hostile clients do no harm.
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 #include <fstream>
 #include <memory>
 
 #include "tests/displays/program.h"
 #include "tests/os/scratch.h"
+#include "tests/support/inspect_client.h"
 #include "tests/support/picture.h"
 #include "tests/support/x_server.h"
 #include "toolkit/xw.h"
 
 namespace {
 
+using Client = support::InspectClient;
 using support::Eventually;
-
-class Client {
- public:
-  // Connects; gives up after ten seconds.
-  explicit Client(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    connected_ = Eventually([&] {
-      fd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-      if (!connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address)) return true;
-      close(fd_);
-      return false;
-    });
-  }
-  ~Client() { close(fd_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
-
-  bool connected() const { return connected_; }
-  void Send(const std::string& bytes) { send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-  void EndSending() { shutdown(fd_, SHUT_WR); }
-  // The next line; "" when the connection has ended.
-  std::string Line() {
-    size_t end;
-    while ((end = in_.find('\n')) == std::string::npos) {
-      char buffer[65536];
-      const ssize_t n = recv(fd_, buffer, sizeof buffer, 0);
-      if (n <= 0) return "";
-      in_.append(buffer, size_t(n));
-    }
-    std::string line = in_.substr(0, end);
-    in_.erase(0, end + 1);
-    return line;
-  }
-  // What is asked is the inside of the object.
-  std::string Ask(const std::string& request) {
-    Send("{" + request + "}\n");
-    return Line();
-  }
-  bool Does(const std::string& request) {
-    const std::string answer = Ask(request);
-    EXPECT_EQ(answer.rfind("{\"ok\":true", 0), 0u) << request << ": " << answer;
-    return answer.rfind("{\"ok\":true", 0) == 0;
-  }
-  // The message of the failure; "" for none.
-  std::string Fault(const std::string& request) {
-    const std::string answer = Ask(request), start = "{\"ok\":false,\"error\":\"";
-    return answer.rfind(start, 0) ? "" : answer.substr(start.size());
-  }
-
- private:
-  int fd_ = -1;
-  bool connected_ = false;
-  std::string in_;
-};
 
 testkit::Picture Decode(const std::string& answer, const std::string& file) {
   const std::string start = "\"png\":\"";

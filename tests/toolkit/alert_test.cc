@@ -15,7 +15,8 @@ namespace {
 
 using namespace stage;
 
-constexpr uint32_t kEnter = 0xFF0D, kTab = 0xFF09, kEscape = 0xFF1B;
+constexpr uint32_t kEnter = 0xFF0D, kTab = 0xFF09, kEscape = 0xFF1B, kLeft = 0xFF51,
+                   kRight = 0xFF53;
 
 // What happens while an alert is open, one after the other, each when all is quiet.
 std::vector<std::function<void()>> steps;
@@ -66,6 +67,8 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
               {{Press(kTab), Press(' ')}, 2},
               {{Press(kTab), Press(kTab), Press(kEscape)}, 1},
               {{Press(kTab), Press(kTab), Press(kEnter)}, 3},
+              {{Press(kLeft), Press(kRight), Press(kEnter)}, 2},
+              {{Press(kRight), Press(kRight), Press(kRight), Press(kLeft), Press(' ')}, 2},
               // A press of the background does nothing.
               {{[] { input::Click(alert->x + 5, alert->y + 90); }, ClickOn(1)}, 1}};
   for (const auto& row : rows) {

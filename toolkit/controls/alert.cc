@@ -106,6 +106,13 @@ void Draw(const Alert& a) {
   XwPop();
 }
 
+// Among the buttons, which are all that the window has.
+void MoveFocus(const Alert& a, int by) {
+  const XwWindow* now = XwGetFocus(a.window);
+  const int to = (now ? now->slot : 0) + by;
+  if (to >= 0 && to < a.window->child_count) XwFocusControl(a.window->children[to]);
+}
+
 int Run(Alert* a) {
   if (!Open(a)) return 0;
   Dropped dropped;
@@ -114,13 +121,15 @@ int Run(Alert* a) {
       dropped.Add(Inp);
     } else if (type == XWE_EXPOSE) {
       Draw(*a);
+    } else if (type == XWE_LEFT || type == XWE_RIGHT) {
+      MoveFocus(*a, type == XWE_LEFT ? -1 : 1);
     } else if (type == XWE_CONTROL) {
       a->pressed = Inp.item - (kFirstButton - 1);
       XwDestroy(a->window);
       break;
     }
   }
-  // The caller's loop does not see the press once more.
+  // The caller's loop must not handle the press a second time.
   Inp.type = XWE_NONE;
   dropped.PostAgain();
   return a->pressed;

@@ -75,7 +75,8 @@ void DrawWell(ContextRef c, const XwWindow* w, const Rect& r, Look* look) {
   look->face = rgb;
 }
 
-// A distance from the lower edge that leaves the odd pixel of the height at the top.
+// The distance from the lower edge at which a part of height `inner` is centred; an odd pixel is
+// left above it.
 int Below(const Rect& r, int inner) {
   return (r.height() - inner) / 2;
 }

@@ -65,7 +65,7 @@ inline void TakeRecord(const Event& e) {
 // A release outside the window that holds the pointer is translated here, since no handler of that
 // window would see it. False when the platform must not see it either.
 bool ReleaseOutsideGrab(const Event& e) {
-  // One that no window heard of ends the button, and that is all.
+  // A release that no window gets only clears the button.
   if (!GrabWindow || !e.window) return true;
   const int part = FindWindow(e.mouse.where, e.mouse.under);
   if (part == inContent && e.mouse.under == NativeWindow(GrabWindow)) return true;
@@ -148,8 +148,8 @@ static void SelectBoxText() {
   if (box && IsControl(box)) SelectEditText(static_cast<ControlRef>(box->platform), 0, kSelected);
 }
 
-// Takes the results of background tasks that have come. Those that come through it wait until the
-// loop has looked at the events.
+// Takes the results of background tasks that have arrived. Results that arrive during these calls
+// wait until the loop has looked at the events.
 static void TakeResults() {
   constexpr int kMost = 64;
   for (int i = 0; i < kMost && ResultsWait(); ++i)

@@ -123,7 +123,7 @@ OSStatus Motion(XwWindow* w, const Event& e) {
   TakePointer(w, e);
   XwWindow* target = GrabWindow ? GrabWindow : FindVirtualWindow(w, Inp.px, Inp.py);
   if (target) Inp.focus = Inp.window = target;
-  // A window that comes up under the pointer sends it out of the one below, not the keyboard back.
+  // A window that opens under the pointer makes it leave the one below; the focus stays there.
   if (!e.mouse.under && focus) Inp.focus = focus;
   SetTargetCoordinates(Inp.window);
   Inp.item = XCheckbl(Inp.window->boxes);

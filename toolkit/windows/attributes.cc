@@ -49,7 +49,7 @@ void ShowSub(XwWindow* w, bool show) {
   ResetClipsFrom(w);
   PostExpose(show ? w : w->parent);
   if (!w->pane) return;
-  // Hidden before its controls are, so that each does not uncover what the parent draws anyway.
+  // The window is hidden before its controls, so that the platform does not repaint under each.
   if (!show) UpdatePane(w);
   for (int i = 0; i < w->child_count; ++i) {
     XwWindow* c = w->children[i];
@@ -155,6 +155,7 @@ void XwSetFocus(XwWindow* w) {
   SetUserFocusWindow(NativeWindow(top));
   ClearKeyboardFocus(NativeWindow(top));
   Inp.focus = top;
+  MoveWaitingFocus(top);
   XwWindow* box = IsEditableCombo(w) ? w->linked : w->kind == XWK_EDIT ? w : nullptr;
   if (box) SetKeyboardFocus(NativeWindow(top), Native(box), kControlEditTextPart);
 }

@@ -99,7 +99,7 @@ void Rested(EventLoopTimerRef, void*) {
   Show();
 }
 
-// The thing has another tip, or none.
+// Shows the new tip of the thing under the pointer, or none, if its old one shows.
 void TipChanged(const XwWindow* w, int position) {
   if (pointing.thing.w != w || pointing.thing.position != position || !pointing.shows) return;
   Hide();
