@@ -186,6 +186,8 @@ constexpr int kFocusRingSpace = 3;
 void SetDefaultButtons(WindowRef w, ControlRef ok, ControlRef cancel);
 // Whether Tab goes from control to control; it does in a new window.
 void SetTabMoves(WindowRef w, bool moves);
+// The letters that press are underlined no longer; Alt, pressed again, shows them again.
+void HideControlLetters();
 
 void InitControls();
 void FinishControls();

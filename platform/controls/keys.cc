@@ -5,6 +5,7 @@
 #include "platform/events/key_characters.h"
 #include "platform/menus/menus.h"
 #include "platform/text/letters.h"
+#include "platform/windows/internal.h"
 
 namespace platform {
 namespace {
@@ -71,6 +72,11 @@ void ShowLetters(WindowControls& all, bool shown) {
     c->underlined = underlined;
     Draw1Control(c);
   }
+}
+
+void HideControlLetters() {
+  for (WindowRef w : WindowList())
+    if (WindowControls* all = ControlsOf(w)) ShowLetters(*all, false);
 }
 
 OSStatus HandleKey(HandlerCall*, Event* event, void*) {

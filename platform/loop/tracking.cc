@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/controls/controls.h"
 #include "platform/display/screens.h"
 #include "platform/events/clock.h"
 #include "platform/events/queue.h"
@@ -152,6 +153,9 @@ int MenuSelect(Point where) {
 
 int MenuSelectByKey(MenuRef menu) {
   if (!OpenBarMenu(menu)) return 0;
+  // Alt has done its part, and comes up while no window hears of it.
+  HideBarLetters();
+  HideControlLetters();
   SetMenuPointer(LastPointer());
   return WaitForMenu();
 }

@@ -96,6 +96,10 @@ bool MenuBarTakesLetter(char32_t letter) {
   return TitleByLetter(letter) != nullptr;
 }
 
+void HideBarLetters() {
+  ShowLetters(false);
+}
+
 bool BarLettersShown() {
   return letters_shown;
 }

@@ -75,6 +75,8 @@ void SetQuitKeyText(const char* utf8);
 MenuRef TakeMenuBarRequest();
 // Whether Alt and this letter (without case) open a title.
 bool MenuBarTakesLetter(char32_t letter);
+// The titles' letters are underlined no longer; Alt, pressed again, shows them again.
+void HideBarLetters();
 // True while Alt is held and no other input has come; the dispatcher watches for that.
 extern bool lone_alt_waits;
 void WatchLoneAlt(const Event& e);

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "platform/access/access.h"
+#include "platform/controls/control.h"
 #include "platform/events/event.h"
 #include "platform/loop/tracking.h"
 #include "platform/menus/menu.h"
@@ -199,6 +200,17 @@ TEST(Menus, ByTheKeyboardAlone) {
   User({Key('f', 'f', optionKey), Key('p', 'p'), check("Print"), Key('s', 's'), Key(kReturn, 13),
         check("By name"), Key(kEscape, 27), check("Sort"), Key(kEscape, 27),
         [] { EXPECT_FALSE(Shown("Sort")); }});
+  // The letters of titles and buttons show until a menu has been chosen by one.
+  XwWindow* button = XwButton(m.main, "Hold", 1, 40, 200, 80, 20, XWC_ENABLED | XWC_VISIBLE, 0);
+  const auto underlined = [button] {
+    return BarLettersShown() && static_cast<Control*>(button->platform)->underlined;
+  };
+  User({[] { input::Modifiers(optionKey); }, [&] { EXPECT_TRUE(underlined()); },
+        [] { input::KeyDown('f', 'f'), input::KeyUp('f', 'f'); }, check("Open..."),
+        [] { input::Modifiers(0); }, Key(kEscape, 27)});
+  EXPECT_FALSE(BarLettersShown() || static_cast<Control*>(button->platform)->underlined);
+  XwDestroy(button);
+  Came();
   EXPECT_EQ(KeyState['p'], 0);
   EXPECT_EQ(Came().find("794"), std::string::npos);
   // A lone Alt, and Alts that are not alone.
