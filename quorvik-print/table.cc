@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "printserver/visible.h"
+#include "printserver/words.h"
 #include "quorvik-print/text.h"
 
 namespace cli {
@@ -102,6 +103,16 @@ void ShowColumns(const std::vector<Column>& columns, const Rows& rows) {
 }
 
 }  // namespace
+
+std::string NumberCell(int64_t number) {
+  return number < 0 ? "" : std::to_string(number);
+}
+
+std::string RemarkCell(const char* reasons, const char* text) {
+  std::string remark = nc::ReasonsText(reasons);
+  if (!remark.empty() && text[0]) remark += ": ";
+  return remark + text;
+}
 
 void ShowTable(const Options& options, const std::vector<Column>& columns, const Rows& rows,
                const char* empty) {

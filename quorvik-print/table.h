@@ -17,6 +17,11 @@ struct Column {
   Kind kind = Kind::kText;
 };
 
+// Values of cells: a number, empty where it is not known (negative); why something stands as it
+// does, and what the server says of it.
+std::string NumberCell(int64_t number);
+std::string RemarkCell(const char* reasons, const char* text);
+
 // Prints rows of as many values as there are columns. For a person a list without rows is `empty`,
 // flags are "yes" or nothing, and a column in which no row has anything is left out.
 void ShowTable(const Options& options, const std::vector<Column>& columns,

@@ -468,15 +468,16 @@ enum {
   XWC_DROPS_FOCUS = 0x400000, /* edit box: Return does not go on to the next */
   XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
   XWC_HEADER = 0x800000,    /* button: the head of a column */
-  XWC_OWN_TEXT = 0xC00000   /* of a button: the toolkit draws its text */
+  XWC_OWN_TEXT = 0xC00000,  /* of a button: the toolkit draws its text */
+  XWC_BESIDE = 0x1000000    /* icon button: the text of a later XwSetText stands beside the icon */
 };
 
 /* A push button of w - 6 by h - 4 pixels inside the rectangle, whose record is h + 3 high; with
  * XWC_VARIANT a bevel button (pressed while `value` is not 0); with XWC_ICON, XWC_MENU or
- * XWC_HEADER one that the toolkit draws. `text` is copied; an icon stays the caller's, with the
- * text of a later XwSetText beside it. A menu button reports the command as item; its menu (an
- * XwMenuItem*) stays the caller's. A header has a value: 1 pressed with a sorting mark, 2 pressed,
- * -1 greyed. A secondary press reports at once. Null for a null parent, or no window. */
+ * XWC_HEADER one that the toolkit draws. `text` is copied; as an icon it stays the caller's. A menu
+ * button reports the command that was chosen as item; its menu (an XwMenuItem*) stays the caller's.
+ * A list header has a value: 1 pressed with a sorting mark, 2 pressed, -1 greyed. A press of the
+ * secondary button reports at once. Null for a null parent, or one that is no window. */
 XwWindow* XwButton(XwWindow* parent, const char* text, int32_t id, int x, int y, int w, int h,
                    uint32_t style, XwValue value);
 /* 16 pixels high at y + 2, as wide as its text needs. Value 0 off, 1 on, 2 mixed; a press turns it

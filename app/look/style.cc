@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "app/format/cut.h"
 #include "app/look/outline.h"
@@ -48,12 +49,20 @@ int32_t Mix(int32_t a, int32_t b, int percent) {
 
 void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32_t ink) {
   if (a.Empty()) return;
-  // Trimmed is what is narrower than the width: a text that just fits is whole.
-  char shown[1024];
-  XwTextTrimUtf8(font, text, a.w + 1, shown, sizeof shown);
-  int spare = a.w - XwTextWidthUtf8(font, shown);
+  int width = XwTextWidthUtf8(font, text);
+  char cut[1024];
+  if (width > a.w) {
+    constexpr char kDots[] = "…";
+    const int room = a.w - XwTextWidthUtf8(font, kDots);
+    // Trimmed is what is narrower than the width.
+    XwTextTrimUtf8(font, text, std::max(room, 0) + 1, cut, int(sizeof cut - sizeof kDots + 1));
+    if (room >= 0) strcat(cut, kDots);
+    text = cut;
+    width = XwTextWidthUtf8(font, text);
+  }
+  const int spare = a.w - width;
   int dx = align == Align::kRight ? spare : align == Align::kCenter ? spare / 2 : 0;
-  XwDrawTextUtf8(font, 0, a.x + dx, a.y + (a.h - font->ascent - font->descent + 1) / 2, 0, 0, shown,
+  XwDrawTextUtf8(font, 0, a.x + dx, a.y + (a.h - font->ascent - font->descent + 1) / 2, 0, 0, text,
                  ink, -1);
 }
 

@@ -25,12 +25,6 @@ ProgressPart ProgressOf(const NC_Job& job) {
   return {job.printed, job.total, PartText(job.printed, job.total)};
 }
 
-// Beside another word there is no room for "pages".
-std::string Shortened(const ProgressPart& progress, const NC_Job& job) {
-  if (progress.whole != job.pages) return progress.text;
-  return NumberText(progress.part) + " of " + NumberText(progress.whole);
-}
-
 }  // namespace
 
 RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {
@@ -43,7 +37,7 @@ RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {
   }
   if (IsAtPrinter(job.state)) words.progress = ProgressOf(job);
   if (job.state == NC_JOB_PAPER_OUT && words.progress.whole > 0)
-    words.progress.text = Shortened(words.progress, job) + ", " + words.text;
+    words.progress.text = words.text + ", " + words.progress.text;
   std::string why = Shown(nc::ReasonsText(job.reasons));
   // The server's own words for a failure say more than its keyword.
   if (job.state == NC_JOB_FAILED && why.empty()) why = Shown(job.text);
@@ -119,7 +113,8 @@ std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   AddHistory(job, now, &facts);
   if (HasEnded(job.state))
     facts.Add("Again", job.kept ? "the server keeps it" : "it is no longer kept");
-  facts.Add("Says", Shown(job.text));
+  if (const std::string says = Shown(job.text); says != nc::JobStateText(job.state))
+    facts.Add("Says", says);
   return facts.All();
 }
 

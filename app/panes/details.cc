@@ -66,6 +66,23 @@ void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area
               TheStyle().second);
 }
 
+FileKind KindOfEntry(const FolderEntry& e) {
+  return e.folder ? FileKind::kFolder : KindOf(e.name);
+}
+
+// Of the selected document, those that are known.
+std::vector<Fact> FactsOfDocument(const DetailsPane* p, const FolderEntry& e) {
+  const Preview* preview = e.folder ? nullptr : p->preview.get();
+  std::vector<Fact> facts = {{"Name", Shown(e.name)},
+                             {"Kind", KindOfDocument(preview, KindOfEntry(e))}};
+  if (!e.folder) facts.push_back({"Size", SizeText(e.size)});
+  facts.push_back({"Modified", DayText(e.time, time(nullptr))});
+  if (preview) facts.push_back({"Format", SizeWords(*preview)});
+  if (preview) facts.push_back({"Colours", ColourWords(*preview)});
+  std::erase_if(facts, [](const Fact& fact) { return fact.value.empty(); });
+  return facts;
+}
+
 void DrawSelected(const DetailsPane* p, Area a) {
   const Style& l = TheStyle();
   const int row = p->selected;
@@ -75,17 +92,19 @@ void DrawSelected(const DetailsPane* p, Area a) {
     return;
   }
   const FolderEntry e = p->folder.At(row);
-  const FileKind kind = e.folder ? FileKind::kFolder : KindOf(e.name);
-  const Preview* preview = e.folder ? nullptr : p->preview.get();
-  DrawPicture(p, e, kind, &a);
-  DrawFact(&a, "Name", Shown(e.name));
-  DrawFact(&a, "Kind", KindOfDocument(preview, kind));
-  if (!e.folder) DrawFact(&a, "Size", SizeText(e.size));
-  DrawFact(&a, "Modified", DayText(e.time, time(nullptr)));
-  if (!preview) return;
-  if (const std::string size = SizeWords(*preview); !size.empty()) DrawFact(&a, "Format", size);
-  if (const std::string colours = ColourWords(*preview); !colours.empty())
-    DrawFact(&a, "Colours", colours);
+  DrawPicture(p, e, KindOfEntry(e), &a);
+  for (const Fact& fact : FactsOfDocument(p, e)) DrawFact(&a, fact.name.c_str(), fact.value);
+}
+
+void AddDocumentHits(const DetailsPane* p, Area a, Hits* hits) {
+  if (p->selected < 0) return;
+  const FolderEntry e = p->folder.At(p->selected);
+  if (const Area box = p->PictureArea(); !box.Empty()) {
+    hits->Cover(a.TakeTop(box.h),
+                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
+    a.TakeTop(kTroubleLine);
+  }
+  CoverFacts(FactsOfDocument(p, e), a, hits);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
@@ -122,7 +141,11 @@ Area DetailsPane::PictureArea() const {
 }
 
 void DetailsPane::AddHits(Hits* hits) const {
-  if (jobs && !layout.details.Empty()) AddJobFacts(*jobs, DocumentArea(*this), hits);
+  if (layout.details.Empty()) return;
+  if (jobs)
+    AddJobFacts(*jobs, DocumentArea(*this), hits);
+  else
+    AddDocumentHits(this, DocumentArea(*this), hits);
 }
 
 void DetailsPane::Draw() const {

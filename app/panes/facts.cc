@@ -40,4 +40,12 @@ void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink) 
   }
 }
 
+void CoverFacts(const std::vector<Fact>& facts, Area a, Hits* hits) {
+  for (const Fact& fact : facts) {
+    const int lines = int(FactLines(fact.value, a.w).size());
+    const Area row = a.TakeTop(kFactLine + (lines - 1) * kNextFactLine);
+    hits->Cover(row, {XWA_LABEL, 0, fact.name, fact.value});
+  }
+}
+
 }  // namespace console

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "app/look/hits.h"
 #include "app/look/style.h"
+#include "app/model/queue_words.h"
 
 namespace console {
 
@@ -14,5 +16,7 @@ constexpr int kFactName = 64, kFactLine = 20, kNextFactLine = 16;
 std::vector<std::string> FactLines(std::string value, int width);
 // Takes what it needs off the top of the area.
 void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink = TheStyle().ink);
+// Describes facts that are drawn from the top of the area.
+void CoverFacts(const std::vector<Fact>& facts, Area a, Hits* hits);
 
 }  // namespace console

@@ -58,11 +58,7 @@ void DrawJobFacts(const QueuePane& queue, Area a) {
 }
 
 void AddJobFacts(const QueuePane& queue, Area a, Hits* hits) {
-  for (const Fact& fact : FactsOf(queue)) {
-    const int lines = int(FactLines(fact.value, a.w).size());
-    const Area row = a.TakeTop(kFactLine + (lines - 1) * kNextFactLine);
-    hits->Cover(row, {XWA_LABEL, 0, fact.name, fact.value});
-  }
+  CoverFacts(FactsOf(queue), a, hits);
 }
 
 }  // namespace console

@@ -5,7 +5,7 @@
 namespace console {
 namespace {
 
-constexpr int kTools = 40, kStatus = 26, kHead = 30;
+constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 32;
 constexpr int kStop = 18, kFilter = 170;
 // The width from which a side shows by itself, and what it takes of it.
 struct Side {
@@ -69,12 +69,12 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   l.status = all.TakeBottom(kStatus);
   l.stop_sending = {l.status.right() - 8 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
                     kStop};
-  const int usual = (all.h - 2 * kHead) * 32 / 100;
-  const int most = std::max(kQueueLeast, all.h - 2 * kHead - kFolderLeast);
+  const int usual = (all.h - kHead - kQueueHead) * 32 / 100;
+  const int most = std::max(kQueueLeast, all.h - kHead - kQueueHead - kFolderLeast);
   const int queue =
       std::clamp(sizes.queue_height > 0 ? sizes.queue_height : usual, kQueueLeast, most);
-  Area lower = all.TakeBottom(queue + kHead);
-  l.queue_head = lower.TakeTop(kHead);
+  Area lower = all.TakeBottom(queue + kQueueHead);
+  l.queue_head = lower.TakeTop(kQueueHead);
   l.queue = lower;
   LayOutSides(&l, &all, width, sizes);
   l.folder_head = all.TakeTop(kHead);

@@ -67,7 +67,8 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
                cell.selected ? cell.ink : TheStyle().line);
     a.TakeLeft(kSwatchRoom);
   }
-  DrawLabel(TheStyle().view, cell.align, a, row.document, cell.ink);
+  XwFont* font = TheStyle().view;
+  DrawLabel(font, cell.align, a, CutToWidth(font, row.document, a.w), cell.ink);
 }
 
 void DrawCell(const Cells& row, QueueColumn column, const CellLook& cell) {

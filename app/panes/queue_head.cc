@@ -50,13 +50,13 @@ void QueueHead::Place(const Area& head) {
   part_area = lists ? last(kList, 4, 22) : Area{};
   owner_area = lists ? last(kList, 4, 22) : Area{};
   text_area = last(kText, 3, 24);
-  label = head.w >= kLabelFrom ? last(kLabel, 0, head.h - 1) : Area{};
+  label = head.w >= kLabelFrom ? last(kLabel, 0, head.h - 2) : Area{};
   bar.TakeRight(kGap);
   // A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
-  remove_area = last(78, 3, 20);
-  again_area = head.w >= kAgainFrom ? last(92, 3, 20) : Area{};
-  release_area = last(72, 3, 20);
-  hold_area = last(58, 3, 20);
+  remove_area = last(78, 5, 20);
+  again_area = head.w >= kAgainFrom ? last(92, 5, 20) : Area{};
+  release_area = last(72, 5, 20);
+  hold_area = last(58, 5, 20);
   PlaceControl(hold, hold_area);
   PlaceControl(release, release_area);
   PlaceControl(again, again_area);

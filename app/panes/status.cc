@@ -105,7 +105,8 @@ void StatusPane::MakeControls(XwWindow* window) {
   XwDescribeControl(stop_sending, "Stop Sending");
   dismiss = XwButton(window, ButtonIcon(ToolIcon::kCross), kDismissCommand, 0, 0, 9, 9, kShape, 0);
   XwDescribeControl(dismiss, "Dismiss Message");
-  cancel_queued = XwButton(window, "Cancel", kCancelQueuedCommand, 0, 0, 9, 9, XWC_ENABLED, 0);
+  cancel_queued =
+      XwButton(window, "Cancel", kCancelQueuedCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);
   XwDescribeControl(cancel_queued, "Cancel Queued Documents");
 }
 

@@ -165,12 +165,12 @@ void Server::Shared::Add(std::vector<JobStep> added) {
 
 Server::Server(const std::string& host, Show show)
     : host_(host.empty() ? "localhost" : host), shared_(std::make_shared<Shared>()) {
-  Start(std::move(show));
-}
-
-void Server::Start(Show show) {
   shared_->host = host_;
   shared_->show = std::move(show);
+}
+
+void Server::Begin() {
+  if (worker_.started()) return;
   worker_ = BackgroundTask([shared = shared_] { RunWorker(shared.get()); });
   if (!worker_.failed()) return;
   Locked lock(shared_.get());
@@ -201,6 +201,8 @@ void Server::Use(const std::string& host) {
   worker_.Drop();  // it ends by itself
   host_ = host.empty() ? "localhost" : host;
   shared_ = std::make_shared<Shared>();
+  shared_->host = host_;
+  shared_->show = show;
   {
     const Locked lock(old.get());
     shared_->next_number = old->next_number;
@@ -209,7 +211,7 @@ void Server::Use(const std::string& host) {
     shared_->state.away_times = old->state.away_times;
   }
   show(shared_->state);
-  Start(std::move(show));
+  Begin();
 }
 
 void Server::SetPeriod(int ms) {

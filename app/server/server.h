@@ -103,7 +103,7 @@ class Server {
   // Gets each new state on the main thread, between two events; of those that came while it was
   // busy the newest.
   using Show = std::function<void(ServerState)>;
-  // Starts the worker. `host` empty: localhost.
+  // `host` empty: localhost.
   Server(const std::string& host, Show show);
   // Cancels what is being sent and ends the worker, whatever it is waiting for. One that hangs in
   // reading a document is left to end by itself. Nothing is shown afterwards.
@@ -111,6 +111,8 @@ class Server {
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
+  // Starts the worker, where it has not been: nothing is asked or sent before.
+  void Begin();
   const std::string& host() const { return host_; }
   // Leaves this server for another one. The connections are closed; what was not sent, and changes
   // that were not answered, are given up: none of it goes to the other server. The state begins
@@ -154,7 +156,6 @@ class Server {
   struct Shared;
 
  private:
-  void Start(Show show);
   void Stop();
 
   std::string host_;

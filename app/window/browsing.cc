@@ -8,6 +8,7 @@
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/model/crumbs.h"
+#include "app/window/commands.h"
 #include "app/window/console.h"
 
 namespace console {
@@ -137,14 +138,21 @@ void FolderCame(Console* c, FolderReading* reading) {
     c->held_reading = std::make_unique<FolderReading>(std::move(*reading));
     return DrawConsole(c);
   }
+  const bool first = !c->files.folder.known();
   if (!Moves(reading->request))
-    ReadAgain(c, reading), RefreshPlaces(c);
+    ReadAgain(c, reading);
   else if (reading->error == 0)
     Entered(c, reading);
   else
     NotEntered(c, *reading);
-  if (c->files.folder.known()) c->watch.Watch(c->files.folder.path(), c->files.folder.stamp());
+  if (first || !Moves(reading->request)) RefreshPlaces(c);
+  WatchShownFolder(c);
   DrawConsole(c);
+}
+
+void WatchShownFolder(Console* c) {
+  if (c->has_begun && c->files.folder.known())
+    c->watch.Watch(c->files.folder.path(), c->files.folder.stamp());
 }
 
 void ShowHeldReading(Console* c) {
@@ -162,6 +170,7 @@ void ShowWait(Console* c) {
   const FolderRequest* w = c->reader.request();
   if (w && Moves(*w) && c->reading_s < kSilentSeconds)
     ShowReading(c, "Reading " + (w->path == "/" ? "Root" : LastName(w->path)) + "…");
+  if (!c->files.folder.known()) RefreshPlaces(c);
 }
 
 namespace {
@@ -236,6 +245,12 @@ void RefreshFolder(Console* c) {
   AskFolder(c, {FolderRequest::kAgain, c->files.folder.path(), ""});
 }
 
+void RefreshAll(Console* c) {
+  RefreshFolder(c);
+  RefreshPlaces(c);
+  c->server.Refresh();
+}
+
 void SetFilter(Console* c, const std::string& text) {
   c->files.folder.Filter(text);
   Listed(c);
@@ -256,6 +271,10 @@ void ShowHiddenNames(Console* c, bool show) {
   c->files.folder.ShowHidden(show);
   Listed(c);
   c->files.table.Reveal(c->files.table.focus());
+}
+
+void ShowFolderOf(Console* c, const std::string& path) {
+  AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
 }
 
 void ShowDocuments(Console* c, std::vector<std::string> paths) {

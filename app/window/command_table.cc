@@ -60,6 +60,11 @@ constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = fa
            }}};
 }
 
+void StopSending(Console* c) {
+  for (const Transfer& t : c->state.transfers)
+    if (t.state == Sending::kSending) c->server.Cancel(t.number);
+}
+
 // --- View
 
 bool HasParent(const Console* c) {

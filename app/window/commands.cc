@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "app/look/controls.h"
 #include "app/window/command_table.h"
@@ -23,7 +24,7 @@ struct Choices {
 struct Menus {
   XwMenuItem of_bar[kMenus][2 * kCommandsEnd + 1] = {};
   XwMenuItem of_contexts[kContexts][2 * kCommandsEnd + 1] = {};
-  XwMenuItem bar[kMenus + 1] = {};
+  XwMenuItem bar[kMenus + 1] = {}, titles[kMenus + 1] = {};
   std::unique_ptr<Choices> choices[kCommandsEnd];
   std::string texts[kCommandsEnd];  // of those whose text changes
 };
@@ -177,7 +178,14 @@ std::string KeyText(int key, uint32_t modifiers) {
   return text + char(key >= 'a' && key <= 'z' ? key - 'a' + 'A' : key);
 }
 
-void SetUpCommands(Console* c) {
+void ShowMenuTitles(Console* c) {
+  XwMenuItem* titles = TheMenus().titles;
+  for (int m = 0; m < kMenus; ++m) titles[m] = {kTitles[m], 0, 0, nullptr};
+  XwSetMenu(c->window, titles);
+}
+
+void SetUpMenus(Console* c) {
+  if (std::exchange(c->has_menus, true)) return;
   Menus& all = TheMenus();
   for (auto& choices : all.choices) choices.reset();
   FillMenus(&all);
@@ -239,12 +247,12 @@ void RunCommand(Console* c, int id) {
   if (command->run) command->run(c);
 }
 
-bool IsMenuKey(int key, uint32_t modifiers) {
+int CommandOfMenuKey(int key, uint32_t modifiers) {
   modifiers &= XWS_CONTROL | XWS_SHIFT | XWS_OPTION | XWS_COMMAND;
   for (const Command& command : Commands())
     if (command.menu != kNoMenu && command.more.key == key && command.more.modifiers == modifiers)
-      return true;
-  return false;
+      return command.id;
+  return 0;
 }
 
 void RunFunctionKey(Console* c) {

@@ -14,8 +14,10 @@ struct Console;
 enum ContextMenu : unsigned { kOnFiles = 1, kOnJobs = 2, kOnPrinters = 4, kOnOptions = 8 };
 constexpr int kContexts = 4;
 
-// Gives the first window its menu bar.
-void SetUpCommands(Console* c);
+// Gives the first window a menu bar of titles alone: its menus take longer than the first picture.
+void ShowMenuTitles(Console* c);
+// Gives it the menus, where it has none yet.
+void SetUpMenus(Console* c);
 bool CanRun(const Console* c, int command);
 // A menu is about to show: what cannot be done now is greyed.
 void ShowCommands(const Console* c);
@@ -24,8 +26,8 @@ void ShowButtons(Console* c);
 // Runs the command that a menu or a button has reported; numbers that are none, and commands that
 // cannot be run now, are ignored.
 void RunCommand(Console* c, int command);
-// Whether that key with these modifiers is one of the menu bar's.
-bool IsMenuKey(int key, uint32_t modifiers);
+// That of the menu bar's item with this key and these modifiers: 0 when there is none.
+int CommandOfMenuKey(int key, uint32_t modifiers);
 // An edit box reports every key as one that edits: runs the command whose function key is held.
 void RunFunctionKey(Console* c);
 // That of a key without Control, where the keyboard is: 0 when it has none there.
@@ -39,9 +41,8 @@ void OpenContextMenu(Console* c, ContextMenu context);
 // The same below what is selected where the keyboard is; nothing elsewhere.
 void OpenContextMenuByKey(Console* c);
 
-// --- What commands do besides the panes' own (console.cc)
+// --- What commands do besides the panes' own
 void RefreshAll(Console* c);
-void StopSending(Console* c);
 // Leaves, or asks first while something is being sent.
 void Leave(Console* c);
 // The same where the console's own window has the keyboard; else the window that has it closes.

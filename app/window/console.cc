@@ -105,17 +105,6 @@ void NoteActivity(XwWindow* second, bool active) {
     c->front = nullptr;
 }
 
-void StopSending(Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.state == Sending::kSending) c->server.Cancel(t.number);
-}
-
-void RefreshAll(Console* c) {
-  RefreshFolder(c);
-  RefreshPlaces(c);
-  c->server.Refresh();
-}
-
 namespace {
 
 // --- Keyboard
@@ -163,20 +152,29 @@ void MoveFocus(Console* c, int by) {
   SetFocusStop(c, FocusStop(stop));
 }
 
+// One thing after the other: an error is read, then the keyboard goes back to the files, and from
+// there all of them are shown again.
 void Escape(Console* c) {
   if (CancelDrag(c)) return;
   StopReading(c);
-  if (c->files.folder.rows().filtered()) SetFilter(c, "");
-  c->status.ReadMessage();
   c->damage |= kStatusPane;
-  SetFocusStop(c, FocusStop::kFiles);
+  const bool error = c->status.HasError();
+  c->status.ReadMessage();
+  if (error) return;
+  if (c->stop != FocusStop::kFiles) return SetFocusStop(c, FocusStop::kFiles);
+  if (c->files.folder.rows().filtered()) SetFilter(c, "");
 }
 
 void Key(Console* c, int type) {
   if (c->asking) return QuestionKey(c, type);
+  if (!c->has_menus) {
+    // It came before the menus, which would have sent its command.
+    SetUpMenus(c);
+    if (const int command = CommandOfMenuKey(type, c->modifiers)) return RunCommand(c, command);
+  }
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands.
-    if (!IsMenuKey(type, c->modifiers)) TableKey(c, type);
+    if (!CommandOfMenuKey(type, c->modifiers)) TableKey(c, type);
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
@@ -221,7 +219,7 @@ void ServerChanged(Console* c, ServerState state) {
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
   c->queue.ShowProgress();
-  c->damage |= kQueuePane | kStatusPane;
+  c->damage |= kQueuePane | kStatusPane | (c->details.jobs ? kDetailsPane : 0u);
 }
 
 void Tick(Console* c) {
@@ -267,8 +265,15 @@ void ShowActivity(int active) {
   DrawConsole(c);
 }
 
+// What the first picture does not need begins behind it.
 void FirstPictureDrawn(void*, int taken) {
-  if (g_console && taken) RefreshPlaces(g_console);
+  Console* c = g_console;
+  if (!c || !taken) return;
+  c->has_begun = true;
+  SetUpMenus(c);
+  c->server.Begin();
+  WatchShownFolder(c);
+  RefreshPlaces(c);
 }
 
 int Handle(int type) {
@@ -390,7 +395,8 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   ShowRemembered(c);
   BeginPlaces(c, start);
   EnterFolder(c, start, "");
-  SetUpCommands(c);
+  ShowMenuTitles(c);
+  UpdateControls(c);
   XwShow(w, 1);
   XwSetFocus(w);
   return c;

@@ -103,8 +103,10 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool exposed = false;  // the first picture has been asked for; until then nothing is drawn
-  bool active = true;    // keys of the desktop come to the window
+  bool exposed = false;    // the first picture has been asked for; until then nothing is drawn
+  bool has_begun = false;  // it is drawn, and what it does not need has begun
+  bool has_menus = false;  // else its menu bar has titles alone
+  bool active = true;      // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -118,7 +120,6 @@ struct Console {
   FolderReader reader;
   FolderWatch watch;
   PlacesReader places_reader;
-  int places_asked = 0;        // readings
   int places_s = 0;            // since the present one was asked for
   std::string places_pressed;  // the path of the row
   int reading_s = 0;           // since the present reading was asked for
@@ -234,6 +235,8 @@ void ShowSilence(int seconds);
 void ShowWait(Console* c);
 // What a tick does: says what takes long.
 void WatchFolder(Console* c);
+// Begins to watch the one that is shown, once the window is.
+void WatchShownFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
 // Enters the folder that is selected alone; of a file it says how it is printed.
@@ -247,6 +250,8 @@ void PressCrumb(Console* c, int index);
 bool FolderIsSilent(const Console* c);
 // Names that begin with a dot.
 void ShowHiddenNames(Console* c, bool show);
+// The folder that the path lies in, or the nearest one above it that can be read.
+void ShowFolderOf(Console* c, const std::string& path);
 // Enters the first one's folder and selects all that lie in it; a folder is entered itself.
 void ShowDocuments(Console* c, std::vector<std::string> paths);
 

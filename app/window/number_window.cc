@@ -1,5 +1,5 @@
 // The small window that asks for a priority, or for copies, which the menu's short list lacks. It
-// keeps the jobs that it was opened for, whatever is selected then.
+// keeps the jobs that it was opened for, whatever is selected by then.
 #include <charconv>
 #include <string>
 #include <vector>

@@ -54,8 +54,8 @@ void TakeDocuments(Console* c) {
 
 void OpenFiles(Console* c, const FilesToOpen& files) {
   const auto& [found, missing] = files;
-  ShowDocuments(
-      c, found.empty() && !missing.empty() ? std::vector<std::string>{missing.front()} : found);
+  ShowDocuments(c, found);
+  if (found.empty() && !missing.empty()) ShowFolderOf(c, missing.front());
   if (missing.size() > 1)
     Tell(c, false, CountText(int64_t(missing.size()), "file is", "files are") + " missing");
   else if (!missing.empty())

@@ -7,13 +7,13 @@ namespace {
 void ShowPlaces(void*, int taken);
 
 void AskPlaces(Console* c) {
-  // It takes longer than the first picture, which it is not to hold up.
-  if (!c->exposed) return;
-  const std::string number = std::to_string(++c->places_asked);
+  // It takes longer than the first picture, which it is not to hold up; and once a folder is
+  // known it would be asked again. One that does not come soon is not waited for.
+  if (!c->has_begun || (!c->files.folder.known() && c->files.reading_text.empty())) return;
   c->places_s = 0;
   c->places.wait_text.clear();
   c->places_reader.Ask(c->places.tree.Request(),
-                       [number] { XwPost("places", number.c_str(), ShowPlaces, nullptr); });
+                       [] { XwPost("places", nullptr, ShowPlaces, nullptr); });
 }
 
 void ShowPlaces(void*, int taken) {

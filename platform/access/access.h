@@ -15,13 +15,13 @@ struct DescribedNode {
   std::vector<DescribedNode> children;
 };
 
-// Who knows the tree.
+// Makes the tree and acts on it; the toolkit sets one.
 struct TreeSource {
   // Appends the top-level windows, each with all that is in it.
   void (*describe)(std::vector<DescribedNode>* roots);
   // Does what the bit of ObjectAction says; false when there is no such node, or it cannot.
   bool (*act)(uint64_t serial, uint32_t action);
-  // The first listener has come, or the last has gone.
+  // Called when the first listener is added and when the last one is removed.
   void (*heard)(bool is_heard);
 };
 // Null: none.
@@ -31,7 +31,7 @@ std::vector<DescribedNode> DescribeTree();
 bool ActOn(uint64_t serial, uint32_t action);
 
 enum class Change : uint8_t { kName, kValue, kState, kBounds, kChildren, kEnded };
-// Hears of each change at once. It must not change what it hears of.
+// `notice` is called at once for each change. It must not change any object.
 struct TreeListener {
   void (*notice)(void* data, uint64_t serial, Change what) = nullptr;
   void* data = nullptr;

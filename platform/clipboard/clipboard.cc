@@ -29,7 +29,7 @@ struct Clipboard {
   SharedText offered[kSelectionCount];  // null: not this program's
   std::list<Request> requests;
   int last_number = 0;
-  // In a replay an answer may come together with what makes the program ask.
+  // In a replay an answer may arrive before the program has asked for it.
   std::map<int, SharedText> early;
 };
 
@@ -48,7 +48,7 @@ Request* Find(int number) {
   return nullptr;
 }
 
-// Takes the characters that stand for themselves off the front of a text; how many bytes.
+// Removes ASCII characters other than zero from the front of the text; returns their number.
 size_t TakePlain(std::string_view* text) {
   size_t n = 0;
   while (n < text->size() && (*text)[n] != 0 && uint8_t((*text)[n]) < 0x80) ++n;
@@ -56,13 +56,13 @@ size_t TakePlain(std::string_view* text) {
   return n;
 }
 
-// Takes one character; what is none, and zero, is U+FFFD.
+// Removes one character; a zero or a byte that is not UTF-8 gives U+FFFD.
 char32_t TakeValid(std::string_view* text) {
   const char32_t c = TakeUtf8(text);
   return c != 0 ? c : 0xFFFD;
 }
 
-// Bytes that the text has once it is valid; too many when it would be longer than a text may be.
+// The size of the text after MakeValid; counting stops once it exceeds kMostText.
 size_t ValidSize(std::string_view text) {
   size_t size = 0;
   while (!text.empty() && size <= kMostText) {
@@ -73,8 +73,8 @@ size_t ValidSize(std::string_view text) {
   return size;
 }
 
-// Texts end as C strings do elsewhere: zeros at the end are no part of them. What is left of zeros
-// and of bytes that are not UTF-8 becomes U+FFFD. False: too long.
+// Some programs include the terminating zero: zeros at the end are removed. Other zeros and bytes
+// that are not UTF-8 become U+FFFD. False: the text is too long.
 bool MakeValid(std::string* text) {
   while (!text->empty() && text->back() == 0) text->pop_back();
   if (text->size() > kMostText) return false;
@@ -124,7 +124,7 @@ OSStatus CallBack(HandlerCall*, Event* event, void*) {
   return noErr;
 }
 
-// Most programs end by exit. A child that this process has forked is not the program.
+// Most programs end by exit. In a forked child the handler does nothing.
 void KeepAtExit() {
   static pid_t process = 0;
   if (process == getpid()) return;

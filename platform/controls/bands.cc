@@ -33,7 +33,7 @@ void LeaveBands(Control* c) {
   const Span span = BandsOf(c->area);
   for (int i = span.first; i <= span.last; ++i) {
     auto& band = c->pane->bands[size_t(i)];
-    // The latest is the likeliest to go.
+    // Usually the newest control is the one that is removed.
     const auto at = std::find(band.rbegin(), band.rend(), c);
     if (at != band.rend()) band.erase(std::next(at).base());
   }

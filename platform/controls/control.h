@@ -39,21 +39,21 @@ struct KindRow {
   bool (*key)(Control* c, const Event& e);
   // Adds what is special to it: value, checked or mixed.
   void (*describe)(const Control* c, Description* out);
-  // What the ring goes around, and its corner: from the bounds to what is drawn of them.
+  // Changes the bounds to the rectangle that the focus ring surrounds, and sets its corner radius.
   void (*border)(const Control* c, Rect* border, int* corner);
-  // The value that a press or a key gives it, before its event goes out.
+  // Sets the value after a press or a key, before the event is sent.
   void (*act)(Control* c);
-  int32_t minimum, maximum;  // of its value, in a new one
+  int32_t minimum, maximum;  // of the value of a new control
   bool has_title;
   ObjectRole role;
   // The wheel turned over it; logical pixels. Null: the wheel is the window's.
   void (*wheel)(Control* c, float dx, float dy) = nullptr;
-  // A small step up or down, by assistive technology. One that has it is not pressed.
+  // A small step up or down, by assistive technology. A control with steps has no press action.
   void (*step)(Control* c, bool up) = nullptr;
-  // It has another place or size: what it is made of follows, before it is drawn.
+  // The bounds have changed: its parts are moved before it is drawn.
   void (*placed)(Control* c) = nullptr;
-  bool front_looks = false;  // in the front window it looks different
-  // A press opens what it chooses from and waits; a choice sends the hit. In place of `press`.
+  bool front_looks = false;  // looks different in an inactive window
+  // Called in place of `press`: opens its menu and waits. A choice sends the hit.
   void (*open)(Control* c, bool by_key) = nullptr;
   // The pointer was taken away from it while it was held.
   void (*lost)(Control* c) = nullptr;
@@ -93,10 +93,10 @@ struct Control {
   bool underlined = false;  // its letter, while Alt is held
   ObjectRole role = ObjectRole::kPane;
   std::string text;
-  std::string described;  // what the program calls it for those who cannot see it
+  std::string described;  // its name for assistive technology, set by the program
   void* reference = nullptr;
-  void* data = nullptr;                             // of its kind
-  Control *opener = nullptr, *opens_for = nullptr;  // which know each other
+  void* data = nullptr;                             // owned by its kind
+  Control *opener = nullptr, *opens_for = nullptr;  // each points to the other
   PaneDraw draw = nullptr;
   PaneHitTest hit_test = nullptr;
   Control *next = nullptr, *previous = nullptr;  // in the order of creation
@@ -140,7 +140,7 @@ inline WindowControls& OwnerOf(const Control* c) {
 WindowControls* ControlsOf(WindowRef w);
 
 // --- bands.cc
-// A control is found by its area from the one call to the other; the area must not change between.
+// The bands find a control by its area between these two calls; its area must not change there.
 void EnterBands(Control* c);
 void LeaveBands(Control* c);
 // Those of the pane that meet `area` (relative to it) and were not made before the one with serial
@@ -153,7 +153,7 @@ Region PaneArea(const Pane* p);
 bool PaneShows(const Pane* p);
 // Erases a part of the window and draws the controls that meet it.
 void RedrawArea(WindowControls& all, const Pane* pane, const Rect& area);
-// What a control covered is gone: erased, and lost content of the window.
+// Erases an area that a control no longer covers, and marks it as lost content of the window.
 void Uncover(const Control* c, const Rect& area);
 // Draws it, and the ring around it.
 void RedrawWithRing(Control* c);
@@ -166,15 +166,15 @@ void ReleaseControlContext(WindowControls& all);
 // --- tracking.cc
 // Sends an event to the control's target.
 OSStatus SendControlEvent(Control* c, uint32_t kind, int part = 0, bool by_key = false);
-// The work of a press is done: the value changes and the event goes out.
+// Completes a press: changes the value and sends the event.
 void HitControl(Control* c, bool by_key, int part = 0);
 // The pointer holds it.
 bool IsControlHeld(const Control* c);
-// As a press and a release of the pointer, by a key.
+// Does by a key what a press and a release of the pointer do.
 void PressByKey(Control* c);
-// Where the pointer finds it, in the content.
+// The area in which the pointer presses it, in the content.
 Rect PressArea(const Control* c);
-// Of the press that the control hears of, in seconds.
+// The time of the press that is being handled, in seconds.
 double PressTime();
 // Whether a point of the content presses it.
 bool IsControlUnder(const Control* c, Point at);
@@ -185,13 +185,13 @@ OSStatus HandleWheel(HandlerCall* call, Event* event, void* user_data);
 
 // --- thumb.cc: what sliders and scroll bars have in common
 ThemeThumbInfo ThumbInfo(const Control* c);
-// The pointer takes hold of the thumb, at its own place in it or in its middle.
+// Starts a drag of the thumb. A press beside the thumb moves its middle to the pointer.
 void HoldThumb(Control* c, Point where);
-// The value when the held thumb follows the pointer; back where it began, the one it had there.
+// The value for the pointer's place. Where the drag began it is exactly the value of that moment.
 int32_t HeldThumbValue(const Control* c, Point where);
 // Calls the action. False when the control has ended in it.
 bool ActOnPart(Control* c, int part);
-// Gives it a value as the thumb does: the action hears of it.
+// Sets the value as a drag of the thumb does, and calls the action.
 bool MoveThumb(Control* c, int32_t value);
 // The whole steps, each of `pixels`, that the wheel has turned along it; fractions are kept for the
 // next turn of the same control.
@@ -206,7 +206,7 @@ extern int (*select_below)(MenuRef menu, WindowRef w, const Rect& anchor, int it
 // --- focus.cc and keys.cc
 constexpr int kWholeControl = 1;  // the part of a control that has no others
 bool CanTakeKeys(const Control* c, uint8_t how);
-// It is hidden, inactive or at its end.
+// Takes the focus away from a control that is hidden, deactivated or destroyed.
 void LoseFocus(Control* c);
 // Gives the keyboard to the next (or the one before) that Tab reaches; false when there is none.
 bool MoveFocusByTab(WindowControls& all, bool back);

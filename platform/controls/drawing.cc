@@ -60,7 +60,7 @@ bool RingMeets(const Control* c, const Rect& area) {
   if (!Meets(RingArea(c), area)) return false;
   int corner;
   Rect inside = BorderOf(c, &corner);
-  // Its round corners reach into the border's.
+  // The ring's corners cover a part of the border's corners.
   inside.left += corner;
   inside.right -= corner;
   return Intersect(inside, area) != area;

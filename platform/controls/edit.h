@@ -24,7 +24,7 @@ struct Edit {
   TextLine line;
   bool laid_out = false;
   int scroll = 0;  // pixels of the line that are left of the view
-  // What was drawn last: so much of the line as a key changes is drawn again.
+  // What was drawn last: only the part of the line that a key has changed is drawn again.
   struct {
     std::string text;
     int caret = 0, width = 0, scroll = 0;  // pixels
@@ -37,9 +37,9 @@ struct Edit {
   // While the pointer holds it: what was pressed on, and by how much it selects.
   enum Unit : uint8_t { kCharacter, kWord, kAll } unit = kCharacter;
   size_t held_first = 0, held_last = 0;
-  bool pointer_selects = false;  // what is selected now was so by the pointer
-  // Since the box has got the keyboard: whether its text is still to be selected for that, and
-  // whether the pointer was quicker.
+  bool pointer_selects = false;  // the pointer has made the present selection
+  // A box that gets the focus selects its text. kFresh: it has not done so yet; kPointerFirst: the
+  // pointer has made a selection before that.
   enum Arrival : uint8_t { kSettled, kFresh, kPointerFirst } arrival = kSettled;
   Point pointer;
   EventLoopTimerRef scroll_timer = nullptr;

@@ -76,7 +76,7 @@ bool Do(Control* c, Command command) {
       changed = RedoEdit(&s);
       break;
     case Command::kCut:
-      // What nobody took is not deleted.
+      // The text is deleted only when the clipboard has it.
       changed = OfferText(Selection::kClipboard, std::string(s.selected())) &&
                 DeleteEdit(&s, EditMove::kLeft);
       break;
@@ -90,7 +90,7 @@ bool Do(Control* c, Command command) {
       Paste(c, Selection::kClipboard);
       break;
     case Command::kAll:
-      // A selection that neither the pointer nor Shift has made is not the desktop's.
+      // This selection does not become the primary selection: neither pointer nor Shift made it.
       SelectEdit(&s, 0, s.text.size());
       break;
     default:
@@ -243,7 +243,7 @@ bool EditKey(Control* c, const Event& e) {
   if (e.key.character == kTabKey) return false;
   WakeCaret(c);
   const std::optional<Command> shortcut = ShortcutOf(e);
-  // Pasting tells of itself when the text has come.
+  // A paste reports its change later, when the text arrives.
   const bool filtered = !(e.key.modifiers & (kControl | cmdKey)) && shortcut != Command::kPaste;
   Event key = e;
   DispatchScope scope;  // the record stays
@@ -255,7 +255,7 @@ bool EditKey(Control* c, const Event& e) {
   else
     changed = Apply(c, key);
   if (changed && !filtered) Tell(c);
-  // What else is held with Control may be a menu's as well.
+  // Other keys with Control may belong to a menu.
   return filtered || shortcut;
 }
 

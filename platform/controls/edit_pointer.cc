@@ -88,7 +88,7 @@ bool PressEdit(Control* c, Point at) {
 void DragEdit(Control* c, Point at) {
   Edit& e = EditOf(c);
   if (OwnerOf(c).focus != c) return;
-  // A hand that shakes does not end the selection that the press has made.
+  // A motion of one pixel keeps the selection that the press has made.
   if (std::abs(at.x - e.pressed.x) < 2 && !e.scroll_timer && e.pointer == e.pressed) return;
   e.pointer = at;
   Follow(c);
@@ -124,7 +124,7 @@ void PressEditWithOther(Control* c, Point at, int button) {
   SelectEdit(&e.state, place, place);
   ShowEdit(c);
   WakeCaret(c);
-  // The box that has just got the keyboard is about to select its text.
+  // The place is passed on, since a box that has just got the focus selects all of its text.
   Paste(c, Selection::kPrimary, place);
 }
 

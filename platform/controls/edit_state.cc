@@ -1,7 +1,6 @@
 #include "platform/controls/edit_state.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "platform/text/characters.h"
 #include "platform/text/utf8.h"
@@ -12,88 +11,14 @@ namespace {
 constexpr size_t kLongestLine = 64 << 10;
 constexpr size_t kMostChanges = 500;
 
-// The places for a caret.
-std::vector<size_t> CaretPlaces(const EditState& e, std::string_view text) {
-  if (IsAscii(text)) {
-    std::vector<size_t> places(text.size() + 1);
-    std::iota(places.begin(), places.end(), size_t{0});
-    return places;
-  }
-  TextLine line;
-  LayOutText(e.font, text, &line);
-  std::vector<size_t> places;
-  places.reserve(line.clusters.size());
-  for (const TextCluster& c : line.clusters) places.push_back(c.start);
-  return places;
-}
-
-size_t PlaceBefore(const std::vector<size_t>& places, size_t at) {
-  auto after = std::upper_bound(places.begin(), places.end(), at);
-  return after == places.begin() ? 0 : after[-1];
-}
-
-enum class WordClass : uint8_t { kSpace, kLetter, kSign };
-
-WordClass ClassAt(std::string_view text, size_t at) {
-  std::string_view rest = text.substr(at);
-  const char32_t c = TakeUtf8(&rest);
-  if (c == ' ' || c == 0xA0 || c == 0x3000 || (c >= 0x2000 && c <= 0x200A))
-    return WordClass::kSpace;
-  if (c < 0x80) {
-    const bool letter = (c >= '0' && c <= '9') || ((c | 32) >= 'a' && (c | 32) <= 'z') || c == '_';
-    return letter ? WordClass::kLetter : WordClass::kSign;
-  }
-  const bool sign = (c < 0xC0 && c != 0xAA && c != 0xB5 && c != 0xBA) || c == 0xD7 || c == 0xF7 ||
-                    (c >= 0x2010 && c <= 0x206F) || (c >= 0x3001 && c <= 0x303F);
-  return sign ? WordClass::kSign : WordClass::kLetter;
-}
-
-// The other end of the word that lies on that side of a place, over spaces.
-size_t WordEnd(std::string_view text, const std::vector<size_t>& places, size_t at, bool back) {
-  size_t i = size_t(std::lower_bound(places.begin(), places.end(), at) - places.begin());
-  const size_t end = back ? 0 : places.size() - 1;
-  auto next = [&] { return ClassAt(text, places[back ? i - 1 : i]); };
-  while (i != end && next() == WordClass::kSpace) i += back ? -1 : 1;
-  if (i == end) return places[end];
-  const WordClass word = next();
-  while (i != end && next() == word) i += back ? -1 : 1;
-  return places[i];
-}
-
-size_t Target(const EditState& e, EditMove move) {
-  const std::vector<size_t> places = CaretPlaces(e, e.text);
-  auto here = std::lower_bound(places.begin(), places.end(), e.caret);
-  switch (move) {
-    case EditMove::kLeft:
-      return here == places.begin() ? 0 : here[-1];
-    case EditMove::kRight:
-      return e.caret >= e.text.size() ? e.text.size() : *std::next(here);
-    case EditMove::kWordLeft:
-      return WordEnd(e.text, places, e.caret, true);
-    case EditMove::kWordRight:
-      return WordEnd(e.text, places, e.caret, false);
-    case EditMove::kHome:
-      return 0;
-    case EditMove::kEnd:
-      break;
-  }
-  return e.text.size();
-}
-
-void Place(EditState* e, size_t caret) {
-  e->caret = e->anchor = caret;
-  e->joins = false;
-}
-
-// Whether a typed text goes on with the word that the newest change has typed.
+// Whether the typed text continues the word of the newest change, so that one undo removes both.
 bool GoesOn(const EditState& e, std::string_view text) {
   if (!e.joins || e.undo.empty() || e.selects()) return false;
   const EditChange& newest = e.undo.back();
   if (!newest.typed || newest.at + newest.inserted.size() != e.caret) return false;
   // A space belongs to the word before it.
-  const bool after_space =
-      ClassAt(newest.inserted, CaretPlaces(e, newest.inserted).end()[-2]) == WordClass::kSpace;
-  return !after_space || ClassAt(text, 0) == WordClass::kSpace;
+  const bool after_space = IsWordSpace(newest.inserted, CaretPlaces(e, newest.inserted).end()[-2]);
+  return !after_space || IsWordSpace(text, 0);
 }
 
 // All changes go through here; `text` may join with what stands around it, so the caret moves on to
@@ -110,7 +35,7 @@ void Change(EditState* e, size_t first, size_t last, std::string_view text, bool
   e->redo.clear();
   e->text.replace(first, last - first, text);
   const std::vector<size_t> places = CaretPlaces(*e, e->text);
-  Place(e, *std::lower_bound(places.begin(), places.end(), first + text.size()));
+  PlaceEditCaret(e, *std::lower_bound(places.begin(), places.end(), first + text.size()));
   e->joins = typed;
 }
 
@@ -134,42 +59,7 @@ void SetEditState(EditState* e, std::string_view text) {
   *e = EditState();
   e->font = font;
   e->text = text;
-  Place(e, e->text.size());
-}
-
-void SelectEdit(EditState* e, size_t anchor, size_t caret) {
-  const std::vector<size_t> places = CaretPlaces(*e, e->text);
-  e->anchor = PlaceBefore(places, anchor);
-  e->caret = PlaceBefore(places, caret);
-  e->joins = false;
-}
-
-void SelectEditWord(EditState* e, size_t at) {
-  if (e->text.empty()) return;
-  const std::vector<size_t> places = CaretPlaces(*e, e->text);
-  size_t first = size_t(std::upper_bound(places.begin(), places.end(), at) - places.begin()) - 1;
-  first = std::min(first, places.size() - 2);
-  const WordClass word = ClassAt(e->text, places[first]);
-  size_t last = first + 1;
-  while (first > 0 && ClassAt(e->text, places[first - 1]) == word) --first;
-  while (last + 1 < places.size() && ClassAt(e->text, places[last]) == word) ++last;
-  SelectEdit(e, places[first], places[last]);
-}
-
-size_t EditOffset(const EditState& e, size_t characters) {
-  std::string_view rest = e.text;
-  while (characters-- && !rest.empty()) TakeUtf8(&rest);
-  return e.text.size() - rest.size();
-}
-
-void MoveEditCaret(EditState* e, EditMove move, bool extend) {
-  const size_t anchor = e->anchor;
-  const bool sideways = move == EditMove::kLeft || move == EditMove::kRight;
-  const size_t to = sideways && e->selects() && !extend
-                        ? (move == EditMove::kLeft ? e->first() : e->last())
-                        : Target(*e, move);
-  Place(e, to);
-  if (extend) e->anchor = anchor;
+  PlaceEditCaret(e, e->text.size());
 }
 
 bool InsertEdit(EditState* e, std::string_view text, bool typed) {
@@ -179,7 +69,7 @@ bool InsertEdit(EditState* e, std::string_view text, bool typed) {
 }
 
 bool DeleteEdit(EditState* e, EditMove move) {
-  const size_t from = e->selects() ? e->anchor : Target(*e, move);
+  const size_t from = e->selects() ? e->anchor : EditMoveTarget(*e, move);
   const size_t first = std::min(from, e->caret), last = std::max(from, e->caret);
   if (first == last) return false;
   Change(e, first, last, "", false);
@@ -204,7 +94,8 @@ bool RedoEdit(EditState* e) {
   e->redo.pop_back();
   e->text.replace(change.at, change.removed.size(), change.inserted);
   const std::vector<size_t> places = CaretPlaces(*e, e->text);
-  Place(e, *std::lower_bound(places.begin(), places.end(), change.at + change.inserted.size()));
+  PlaceEditCaret(
+      e, *std::lower_bound(places.begin(), places.end(), change.at + change.inserted.size()));
   e->undo.push_back(std::move(change));
   return true;
 }

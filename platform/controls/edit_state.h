@@ -43,6 +43,8 @@ std::string EditLine(std::string_view text);
 
 // All of the text, from a program: the caret goes to its end, and nothing can be undone.
 void SetEditState(EditState* e, std::string_view text);
+
+// --- edit_moves.cc
 // The ends of the selection; both are moved to the nearest place for a caret before them.
 void SelectEdit(EditState* e, size_t anchor, size_t caret);
 // The word, the run of spaces or of other signs around a place.
@@ -52,6 +54,16 @@ size_t EditOffset(const EditState& e, size_t characters);
 // `extend` leaves the other end of the selection; else a move sideways first goes to the end of the
 // selection on that side.
 void MoveEditCaret(EditState* e, EditMove move, bool extend);
+// The places for a caret in a text that this box's font lays out, ascending.
+std::vector<size_t> CaretPlaces(const EditState& e, std::string_view text);
+// Where a move of the caret goes.
+size_t EditMoveTarget(const EditState& e, EditMove move);
+// Nothing is selected, and the next typed character begins a change.
+void PlaceEditCaret(EditState* e, size_t caret);
+// Whether the character at this offset is a space that ends a word.
+bool IsWordSpace(std::string_view text, size_t at);
+
+// --- edit_state.cc
 
 // These change the text; false when nothing changed. An insertion replaces the selection; `typed`
 // joins it to the characters of the word typed before.

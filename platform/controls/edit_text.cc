@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kTextMargin = 6;        // from the frame
 constexpr double kBlinkPeriod = 0.5;  // seconds
-constexpr double kBlinkTime = 10;     // and then it rests
+constexpr double kBlinkTime = 10;     // seconds; then the caret stays on
 constexpr int kCaretWidth = 1;
 
 bool HasCaret(const Control* c) {
@@ -122,7 +122,7 @@ void Blink(EventLoopTimerRef, void* control) {
 void Describe(const Control* c, Description* out) {
   out->value = EditOf(c).state.text;
   if (EditOf(c).read_only) {
-    // It can be pressed, though it takes no keyboard.
+    // The pointer can select in it, but it never gets the focus.
     out->state &= ~uint32_t{kIsEnabled};
     out->state |= EditOf(c).looks_enabled ? kIsReadOnly | kIsEnabled : kIsReadOnly;
   }
@@ -246,7 +246,7 @@ void ShowEdit(Control* c) {
   if (before.whole || e.drawn.whole || before.scroll != e.scroll) return Draw1Control(c);
   const auto same = std::mismatch(before.text.begin(), before.text.end(), e.state.text.begin(),
                                   e.state.text.end());
-  // The cluster before what has changed may have changed with it.
+  // The change may also affect the cluster before it.
   const size_t first = ClusterAt(LineOf(c), size_t(same.second - e.state.text.begin()));
   const int left = std::min({PixelsBefore(c, first ? first - 1 : 0), before.caret, e.drawn.caret});
   const bool equal = same.first == before.text.end() && same.second == e.state.text.end();
@@ -287,7 +287,7 @@ void SetEditText(ControlRef c, const char* utf8) {
   Edit* e = Find(c);
   if (!e) return;
   SetEditState(&e->state, OneLine(utf8 ? utf8 : ""));
-  // A text that cannot take the keyboard shows its beginning.
+  // A box that never gets the focus shows the beginning of its text.
   if (e->read_only) e->state.caret = e->state.anchor = 0;
   NoticeChange(c->object.serial, Change::kValue);
   ShowEdit(c);

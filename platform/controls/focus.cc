@@ -7,7 +7,7 @@
 namespace platform {
 namespace {
 
-// `marked`: what the ring covered is lost content as well.
+// `marked`: the area of the ring is also marked as lost content.
 void RedrawRing(Control* c, bool marked) {
   if (!IsControlVisible(c)) return;
   RedrawArea(OwnerOf(c), c->pane, RingArea(c));
@@ -18,7 +18,7 @@ void RedrawRing(Control* c, bool marked) {
   if (!area.empty()) InvalidateWindow(OwnerOf(c).window, area.extents(), false);
 }
 
-// The part says where it goes: 0, or to the next or the one before by Tab.
+// `part` tells the control where the focus goes: 0, or to the next or the previous one by Tab.
 void TakeFrom(WindowControls& all, int part = 0) {
   Control* before = all.focus;
   if (!before) return;

@@ -65,7 +65,7 @@ bool Key(Control* c, const Event& e) {
 }
 
 void Describe(const Control* c, Description* out) {
-  // Its title is no name of it.
+  // Its title is the chosen item, not its name.
   out->name = c->described;
   if (MenuOf(c)) out->value = ChosenText(c);
   out->state |= kHasMenu;

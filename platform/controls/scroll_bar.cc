@@ -41,7 +41,7 @@ void StopRepeat() {
   press.timer = nullptr;
 }
 
-// The page keeps coming until the thumb is under the pointer.
+// Scrolls page after page until the thumb is under the pointer.
 void Repeat(EventLoopTimerRef, void*) {
   Control* c = press.bar;
   if (!IsControlHeld(c)) return StopRepeat();

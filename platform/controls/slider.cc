@@ -61,7 +61,7 @@ bool Key(Control* c, const Event& e) {
   return false;
 }
 
-// Turning away from oneself, or to the right, raises the value.
+// The wheel raises the value when it is turned forwards or to the right.
 void Wheel(Control* c, float dx, float dy) {
   const bool sideways = c->horizontal && dx != 0;
   const int steps = TakeWheelSteps(c, dx, dy, kWheelNotch);

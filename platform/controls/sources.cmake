@@ -6,6 +6,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/controls.cc
   ${CMAKE_CURRENT_LIST_DIR}/drawing.cc
   ${CMAKE_CURRENT_LIST_DIR}/edit_keys.cc
+  ${CMAKE_CURRENT_LIST_DIR}/edit_moves.cc
   ${CMAKE_CURRENT_LIST_DIR}/edit_pointer.cc
   ${CMAKE_CURRENT_LIST_DIR}/edit_state.cc
   ${CMAKE_CURRENT_LIST_DIR}/edit_text.cc

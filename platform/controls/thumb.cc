@@ -1,5 +1,5 @@
 // What sliders and scroll bars have in common: a thumb that follows the pointer, steps of the
-// wheel, and the callback that hears of both.
+// wheel, and the callback for both.
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -76,7 +76,7 @@ bool MoveThumb(Control* c, int32_t value) {
 int TakeWheelSteps(const Control* c, float dx, float dy, float pixels) {
   const float by = c->horizontal && dx != 0 ? dx : dy;
   if (!std::isfinite(by)) return 0;
-  // Turning back begins at once.
+  // A turn in the other direction drops the fraction that is left.
   if (turn.serial != c->object.serial || turn.rest * by < 0) turn.rest = 0;
   turn.serial = c->object.serial;
   turn.rest += by;

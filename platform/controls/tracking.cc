@@ -11,7 +11,7 @@ namespace {
 constexpr uint16_t kPrimary = 1, kSecondary = 2;
 
 struct Held {
-  Control* control = nullptr;  // null once it has ended: the release is still swallowed
+  Control* control = nullptr;  // null once it is destroyed: the release is still taken
   Tracker tracker;
   double pressed_at = 0;  // seconds
 };
@@ -37,7 +37,7 @@ void LetGo(Control* c, bool inside) {
   if (c && c->kind->release && c->kind->release(c, inside)) HitControl(c, false);
 }
 
-// Where the button comes up does not count.
+// Ends the press without a hit.
 void Lost(Control* c) {
   if (c && c->kind->lost)
     c->kind->lost(c);
@@ -45,7 +45,7 @@ void Lost(Control* c) {
     LetGo(c, false);
 }
 
-// A release that names no window comes of a grab that was taken away.
+// A release without a window means that another program took the pointer away.
 void Release(const Event& e) {
   Control* c = held.control;
   EndTracking();
@@ -56,7 +56,7 @@ void Release(const Event& e) {
 }
 
 Tracking Ask(void*, Event* event) {
-  // The pointer is another's while the button is down.
+  // Another program has taken the pointer while the button is down.
   if (event->cls == kEventClassSystem && event->kind == kEventSystemPointerLost)
     Lost(std::exchange(held.control, nullptr));
   if (event->cls != kEventClassMouse) return Tracking::kPass;
@@ -65,7 +65,7 @@ Tracking Ask(void*, Event* event) {
       if (event->mouse.button == kPrimary || !event->window) Release(*event);
       return Tracking::kTake;
     case kEventMouseDown:
-      // Its release was lost.
+      // The release of the press before was lost.
       if (event->mouse.button == kPrimary) {
         Event lost(kEventClassMouse, kEventMouseUp);
         lost.mouse = {};
@@ -102,7 +102,7 @@ void Press(Control* c, const Event& e) {
   held.control = c;
   held.tracker = {Ask, nullptr, nullptr, 0};
   StartTracking(&held.tracker);
-  // One that ends in what it calls is tracked all the same, until its release is over.
+  // A control that is destroyed in its callback stays tracked until the release.
   if (!c->kind->press(c, at) && held.control == c) EndTracking();
 }
 

@@ -38,7 +38,7 @@ const BusLibrary& Lib() {
   return *LoadBusLibrary();
 }
 
-// The library is not asked where there is no bus to be found.
+// Without a bus the library is not loaded.
 bool HasBus() {
   const char* address = getenv("DBUS_SESSION_BUS_ADDRESS");
   if (address != nullptr) return *address != 0;
@@ -53,8 +53,8 @@ void Report(RawEvent::Type type, const char* text = nullptr) {
   PostRawEvent(raw);
 }
 
-// The caller's word for the user's action behind a call, out of the last argument of each: a table
-// from names to values.
+// The caller's activation token. It is in the last argument of each call, a table of names and
+// values.
 const char* ReadToken(sd_bus_message* m) {
   const char *name = nullptr, *token = nullptr;
   if (Lib().enter(m, 'a', "{sv}") <= 0) return nullptr;
@@ -117,8 +117,8 @@ int OnCall(sd_bus_message* m, void*, sd_bus_error*) {
   return Lib().reply(m, "") < 0 ? -1 : 1;
 }
 
-// The first start has come forward: this one is not needed. One that was given up does not take its
-// place any more.
+// The first start has come forward, so this one is not needed. An answer after the deadline is
+// ignored.
 int OnHandedOver(sd_bus_message* m, void*, sd_bus_error*) {
   if (app.first == Application::kTooLate) return 1;
   const bool came = Lib().is_error(m, nullptr) <= 0;
@@ -169,7 +169,7 @@ void Join() {
   app.bus.Process();
 }
 
-// The program has not followed the request to quit: it may want to ask something.
+// The program has not quit when asked to: it may want to ask something, so its windows are shown.
 void ShowAfterAll(EventLoopTimerRef timer, void*) {
   RemoveEventLoopTimer(timer);
   app.hold = nullptr;

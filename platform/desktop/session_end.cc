@@ -33,8 +33,8 @@ struct SessionEnd {
   std::string program;
   sd_bus* session = nullptr;
   BusConnection system;
-  const Manager* manager = nullptr;  // who has registered this program
-  std::string client;                // as which object
+  const Manager* manager = nullptr;  // the one at which this program is registered
+  std::string client;                // the object's path there
   bool ending = false;               // reported; not again until the end is called off
   bool answer_due = false;           // when the program has dealt with the request
   int lock = -1;                     // delays a shutdown while it is open
@@ -66,7 +66,7 @@ int OnClientSignal(sd_bus_message* m, void*, sd_bus_error*) {
     return Lib().is_signal(m, end.manager->client_interface, member) > 0;
   };
   if (is("QueryEndSession")) {
-    Answer();  // ready; what is to be asked or saved is when the end is certain
+    Answer();  // ready; the program asks and saves at EndSession
   } else if (is("EndSession")) {
     end.answer_due = true;
     Ends();
@@ -96,7 +96,7 @@ void Register(const Manager& manager, const char* startup_id) {
                      "RegisterClient") < 0) {
     return;
   }
-  // A manager that does not run manages no session.
+  // The call must not start a manager that does not run.
   if (Lib().set_auto_start(m, 0) >= 0 &&
       Lib().append(m, "ss", end.program.c_str(), startup_id) >= 0) {
     Lib().call(end.session, nullptr, m, OnRegistered, const_cast<Manager*>(&manager), 0);
@@ -129,7 +129,7 @@ void JoinSystem() {
   sd_bus* bus = end.system.get();
   Lib().match_signal(bus, nullptr, kLogin, kLoginPath, kLoginInterface, "PrepareForShutdown",
                      OnPrepareForShutdown, nullptr, nullptr);
-  // Open until this process ends: so long, and for some seconds at most, a shutdown waits.
+  // The lock stays open until this process ends; a shutdown waits for that, at most some seconds.
   Lib().call_method(bus, nullptr, kLogin, kLoginPath, kLoginInterface, "Inhibit", OnLock, nullptr,
                     "ssss", "shutdown", end.program.c_str(), "It ends its work", "delay");
   end.system.Process();
@@ -165,7 +165,7 @@ void WatchSessionEnd(sd_bus* session) {
   end.session = session;
   const char* startup_id = getenv("DESKTOP_AUTOSTART_ID");
   for (const Manager& m : kManagers) Register(m, startup_id != nullptr ? startup_id : "");
-  unsetenv("DESKTOP_AUTOSTART_ID");  // children are clients of their own
+  unsetenv("DESKTOP_AUTOSTART_ID");  // children register by themselves
   JoinSystem();
 }
 

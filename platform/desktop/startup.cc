@@ -5,7 +5,7 @@
 namespace platform {
 namespace {
 
-constexpr size_t kMaxLength = 1024;  // what is longer is no token
+constexpr size_t kMaxLength = 1024;  // a longer token is ignored
 
 std::string& Token() {
   static auto* token = new std::string;

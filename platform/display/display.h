@@ -21,13 +21,13 @@ struct Screen {
   double scale = 1.0;
 };
 
-// --- Words of the table.
+// --- Types of the table's entries.
 enum class OpenResult : uint8_t {
   kNotHere,  // there is no such display, or none that can be used
   kOpened,
   kShared,  // and another program of the session's name has it open
 };
-// What of the record has changed; bits.
+// Which parts of the record have changed; bits.
 enum UpdateWhat : uint32_t {
   kUpdateTitle = 1,     // title, modified
   kUpdateHints = 2,     // class, attributes, size limits, transient_for, state
@@ -67,8 +67,8 @@ struct Display {
   void (*destroy_window)(const Window* w);
   // Shows or hides; with `w->state` and hints as they are then.
   void (*map_window)(const Window* w, bool shown);
-  // Asks for DeviceBounds(*w). Bounds that the window passes through on the way there, and those of
-  // requests before, are not reported; what is granted instead is. A pop-up is placed again.
+  // Asks for DeviceBounds(*w). Intermediate bounds and those of earlier requests are not reported;
+  // bounds that the desktop grants instead are. A pop-up is placed again.
   void (*move_resize)(const Window* w);
   // Passes on what the record says now; `what` is bits of UpdateWhat.
   void (*update)(const Window* w, uint32_t what);
@@ -97,8 +97,8 @@ struct Display {
   // be null: texts stay inside the program.
   bool (*offer_text)(Selection which, const SharedText& text);
   // Asks the program that offers a selection for its text. The answer is one report, kTextArrived.
-  // Not `wanted`: the answer is no longer waited for, and what has come of it goes. Never called
-  // for what the program offers itself. May be null: there is none.
+  // Not `wanted`: cancels the request and drops what has arrived of its answer. Never called for
+  // what the program offers itself. May be null: there are no other programs' texts.
   void (*ask_text)(Selection which, int request, bool wanted);
   // The program ends: the clipboard's text is left to the desktop, if that keeps such texts. Waits
   // at most half a second. May be null.

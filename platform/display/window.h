@@ -17,7 +17,7 @@ struct WindowGroup {
   WindowGroup* parent = nullptr;
 };
 
-// What the display is asked to make of a window beyond its rectangle.
+// States of a window beside its rectangle, as the program asks for them; bits.
 enum WindowState : uint32_t {
   kStateFullScreen = 1,
   kStateModal = 2,

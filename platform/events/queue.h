@@ -8,8 +8,8 @@
 
 namespace platform {
 
-// What a nested wait leaves for later, in order. It comes first once the wait is over; what looks
-// through the queue sees it before that.
+// Events that a nested wait leaves for later, in order. They go to the front of the queue when the
+// wait is over; searches of the queue include them before that.
 struct DeferredEvents {
   std::vector<Event> events;
   DeferredEvents* outer = nullptr;  // of the wait around this one, whose events came earlier
@@ -86,9 +86,8 @@ void FlushEventQueue(EventQueueRef queue, void (*dispose)(void* payload));
 // Frees what an event of the platform itself owns (a path), not a user event's payload.
 void ReleaseEvent(Event* e);
 
-// What spares a receive its look at the display and at the clock while events wait: a display that
-// has its reports in memory says when there are some, and one whose clock is stepped by hand says
-// so.
+// Hints that let a receive skip the display and the clock while events wait: a display that has its
+// reports in memory says when there are some, and one whose clock is stepped by hand says so.
 struct IntakeHints {
   bool waiting = false;
   bool stepped = false;

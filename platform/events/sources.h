@@ -9,9 +9,9 @@ namespace platform {
 using PollList = std::vector<pollfd>;
 
 struct WaitSource {
-  // Appends what to poll now; nothing is allowed.
+  // Appends the descriptors to poll now; it may append none.
   void (*descriptors)(PollList* list);
-  // Takes in what has come, without waiting, and posts it (PostRawEvent). Called at each look at
+  // Reads what has arrived, without waiting, and posts it (PostRawEvent). Called at each look at
   // the raw input, whether a descriptor is ready or not. May be null.
   void (*take)() = nullptr;
 };

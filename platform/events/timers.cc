@@ -20,7 +20,7 @@ namespace {
 
 constexpr double kShortest = 1e-6;  // seconds
 
-// In whole microseconds, so that what falls together falls together, however it was summed up.
+// Rounded to whole microseconds, so that equal times are equal whatever sums gave them.
 double Moment(double seconds) {
   return std::round(seconds * 1e6) / 1e6;
 }
@@ -68,7 +68,7 @@ void Advance(EventLoopTimer* t, double now) {
   // Missed periods are made up by one call; the phase stays.
   double missed = std::max(0.0, double(int64_t((now - t->next) / t->interval)));
   t->next = Moment(t->next + (missed + 1) * t->interval);
-  // A deadline that rounding left at this very moment has been served.
+  // Rounding may leave the next deadline at this moment, which has been served.
   if (t->next <= now + t->interval * 1e-6) t->next += t->interval;
 }
 

@@ -31,7 +31,7 @@ void StopTracking(Tracker* tracker) {
   std::erase(state.list, tracker);
 }
 
-// What waits behind the newest tracker never sees a button come up again.
+// Sends the release to the older trackers, which do not get it otherwise.
 static void ReleaseOlder(const std::vector<Tracker*>& trackers, Event release) {
   release.window = nullptr;
   for (size_t i = trackers.size() - 1; i-- > 0;) {

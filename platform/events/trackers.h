@@ -23,8 +23,8 @@ struct Tracker {
   uint64_t owner_serial = 0;  // set by StartTracking
 };
 
-// The newest is asked first, and only that one; those behind it hear of a button that comes up then
-// as of one that no window got. One that is there already moves to the front; null is ignored.
+// Only the newest tracker is asked. The older ones get each release, without a window. A tracker
+// that is there already becomes the newest; null is ignored.
 void StartTracking(Tracker* tracker);
 void StopTracking(Tracker* tracker);
 // Whether its owner is alive.

@@ -52,15 +52,19 @@ void TakeFallback(FontFace* f, CharacterPage* page, int at, char32_t c) {
   TakeGlyph(f, page, at, f, 0);
 }
 
+void TakeToolkitCharacter(FontFace* f, CharacterPage* page, int at, char32_t c) {
+  c = StandIn(c);
+  if (!TakeFrom(f, page, at, f, c)) TakeFallback(f, page, at, c);
+}
+
 void FillToolkitPage(FontFace* f, int first, int end) {
   CharacterPage* page = f->toolkit.get();
   for (int i = first; i < end; ++i) {
     page->sources[i] = f;
     page->glyphs[i] = kNoGlyph;
-    char32_t c = StandIn(MacRomanToUnicode(uint8_t(i)));
-    page->kinds[i] = KindOf(c);
-    if (page->kinds[i] == CharacterKind::kControl) continue;
-    if (!TakeFrom(f, page, i, f, c)) TakeFallback(f, page, i, c);
+    const char32_t c = MacRomanToUnicode(uint8_t(i));
+    page->kinds[i] = KindOf(StandIn(c));
+    if (page->kinds[i] != CharacterKind::kControl) TakeToolkitCharacter(f, page, i, c);
   }
 }
 
@@ -83,8 +87,8 @@ void TakeBox(FontFace* f, CharacterPage* page, int at, char32_t c) {
   page->advances[at] = (f->units.per_em * BoxColumns(c) + 12) / 13;
 }
 
-// Marks take no room. Most reach back over the letter before their pen; those of some fonts, of one
-// width for instance, do not, and are drawn where the letter was.
+// Marks have no advance. Most are drawn to the left of their pen, over the letter. Those of some
+// fonts, such as fixed-width ones, are not, and so are drawn at the letter's own pen.
 void PlaceMark(CharacterPage* page, int at) {
   page->advances[at] = 0;
   FT_Face face = page->sources[at]->handle.face();
@@ -100,11 +104,9 @@ void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
   if (kind == CharacterKind::kControl || kind == CharacterKind::kInvisible ||
       kind == CharacterKind::kJoiner)
     return;
-  if (int mac = UnicodeToMacRoman(c); mac >= 0) {
-    if (mac >= 0x80) ReadUpperHalf(f);
-    page->glyphs[at] = f->toolkit->glyphs[mac];
-    page->sources[at] = f->toolkit->sources[mac];
-    page->advances[at] = f->toolkit->advances[mac];
+  if (UnicodeToMacRoman(c) >= 0) {
+    // Not by way of the toolkit's page: its other characters may be in fonts yet to be opened.
+    TakeToolkitCharacter(f, page, at, c);
   } else if (!TakeFromAny(f, page, at, c)) {
     if (kind == CharacterKind::kMark) page->kinds[at] = CharacterKind::kFollower;
     TakeBox(f, page, at, c);

@@ -110,8 +110,8 @@ const std::vector<const FontFace*>& FontFinder::Page(uint32_t page, int style) {
   return faces;
 }
 
-// Answers from the file that were given for an older set of fonts are not here: the file is refused
-// as a whole when anything that it depends on has changed.
+// It matches the answers that came from the file: the file is refused as a whole when anything that
+// it depends on has changed.
 const FontCatalogue& FontFinder::Catalogue() {
   if (!read_) catalogue_ = folder_.empty() ? ReadInstalledFonts() : ReadFontFolder(folder_);
   read_ = true;

@@ -43,7 +43,7 @@ bool IsPlain(const std::string& s) {
 
 std::string ReadAll(const std::string& path) {
   std::string s;
-  // Without O_NONBLOCK a pipe in its place would hold up the start for ever.
+  // Without O_NONBLOCK a pipe in its place would block the start.
   int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
   if (fd < 0) return s;
   struct stat info;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr off_t kLargestFile = off_t{1} << 30;
 
-// A device is not even opened: for some that has an effect.
+// The type is checked before opening, since opening some devices has an effect.
 int OpenRegular(const std::string& file, size_t* size) {
   struct stat info;
   if (stat(file.c_str(), &info) || !S_ISREG(info.st_mode)) return -1;
@@ -47,7 +47,7 @@ class FontStream {
     record_.descriptor.pointer = this;
     record_.read = [](FT_Stream s, unsigned long offset, unsigned char* out, unsigned long count) {
       FontStream* stream = static_cast<FontStream*>(s->descriptor.pointer);
-      // A count of 0 asks whether the place exists.
+      // A count of 0 asks whether the offset is within the file.
       if (!count) return offset > s->size ? 1ul : 0ul;
       return static_cast<unsigned long>(stream->Read(offset, out, count));
     };

@@ -72,7 +72,7 @@ struct LineGlyph {
   int32_t advance;  // font units
   int64_t pen;      // font units from the beginning of the line
 };
-// What a caret does not stand inside of: a letter with its marks, a syllable, a joined picture.
+// A unit that a caret cannot enter: a letter with its marks, a syllable, a joined emoji.
 struct TextCluster {
   size_t start;  // bytes from the beginning
   size_t glyph;  // its first

@@ -22,7 +22,7 @@ GlyphSet* SetFor(SizedFont* font, double scale) {
   int device_size = int(std::min(font->size * scale * 64 + 0.5, 1e9));
   for (auto& s : font->sets) {
     if (s->device_size != device_size) continue;
-    // What a text shows does not decide how much memory its masks take.
+    // The masks of a size are dropped when they take too much memory, whatever is drawn.
     if (s->masks.size() > kMaxMasks) *s = {device_size, {}, {}, s->ascent, s->descent};
     return s.get();
   }
@@ -103,7 +103,7 @@ void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
     if (FT_Set_Char_Size(face, 0, set->device_size, 72, 72)) return;
     f->ft_size = set->device_size;
   }
-  // Light: the shapes are fitted to the rows, never moved sideways.
+  // Light hinting fits the shapes to pixel rows and keeps their horizontal positions.
   if (FT_Load_Glyph(face, glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP)) return;
   if (FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL)) return;
   StoreMask(set, g, face->glyph);
@@ -131,8 +131,8 @@ void PaintMask(const Context* c, const uint8_t* mask, int stride, int x, int y,
   }
 }
 
-// Paints all of a mask, in whole groups of four: the row behind it is padded with nothing, and so
-// many pixels must exist in the surface. What has no coverage keeps its value.
+// Paints all of a mask in groups of four pixels. Rows are padded without coverage, and the surface
+// must have a pixel for each byte of the padded row. Pixels without coverage keep their value.
 void PaintWhole(const Context* c, const uint8_t* mask, const Glyph& g, int x, int y,
                 uint32_t color) {
   uint32_t* out = c->row(y) + x;
@@ -184,7 +184,7 @@ bool OpenSized(const SizedFont* font) {
   if (!font || !font->face) return false;
   if (font->opened) return true;
   SizedFont* f = const_cast<SizedFont*>(font);
-  // The desktop's font draws in place of a file that can be read no longer.
+  // The desktop's font replaces one whose file cannot be read any more.
   if (!OpenFace(f->face)) f->face = FallbackFont();
   f->opened = f->face && OpenFace(f->face);
   return f->opened;
@@ -233,8 +233,8 @@ int64_t MeasureText(const SizedFont* font, const char* text, size_t n) {
 
 namespace {
 
-// Draws what `each` names: it calls its argument with a slot, the sum of the advances before it and
-// its own, until that says false.
+// Draws glyphs. `each` calls its argument for each one, with the slot, the sum of the advances
+// before it and its own advance, and stops when that returns false.
 template <typename Each>
 void DrawEach(ContextRef c, SizedFont* font, int x, int y, Ink ink, Each each) {
   int baseline = EdgeY(c, y);

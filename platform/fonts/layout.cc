@@ -75,8 +75,8 @@ class Layout {
     return page.glyphs[slot & 0xFF] == kBoxGlyph ? nullptr : page.sources[slot & 0xFF];
   }
 
-  // One character in place of the letter and this mark, where a font has it: of a letter that the
-  // chosen font has, that one.
+  // Replaces the letter by the one character for letter and mark, where a font has that. If the
+  // letter is from the chosen font, the character must be too.
   bool Compose(char32_t mark) {
     const char32_t whole = letter_ ? ComposeCharacters(letter_, mark) : 0;
     if (!whole) return false;
@@ -128,7 +128,7 @@ void LayOutText(const SizedFont* font, std::string_view utf8, TextLine* line, in
   while (!rest.empty()) {
     const size_t start = utf8.size() - rest.size();
     layout.Add(TakeUtf8(&rest), start);
-    // The cluster that reached the width is whole once another one has begun behind it.
+    // A cluster is complete only when the next one has begun.
     if (line->clusters.back().pen >= enough) {
       line->glyphs.resize(line->clusters.back().glyph);
       return;

@@ -76,8 +76,8 @@ inline DeviceRect DeviceBox(const Context* c, int x, int y, int w, int h) {
   return {EdgeX(c, x), EdgeY(c, y), EdgeX(c, int64_t{x} + w), EdgeY(c, int64_t{y} + h)};
 }
 
-// Where to start looking for clip boxes that end below `top`: they come in bands from top to
-// bottom, so none before this one does.
+// The first clip box that can end below `top`: boxes are in bands from top to bottom, so all before
+// this one end above.
 inline const pixman_box32_t* FirstBox(const Context* c, int top) {
   const pixman_box32_t* b = c->boxes;
   if (c->box_count < 8) return b;

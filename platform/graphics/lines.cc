@@ -148,8 +148,8 @@ class Pixels {
     int y = o.x_major ? o.minor + o.sign * across : o.major + step;
     at = c->row(y) + x;
   }
-  // The next error is a remainder: of the sum, and the sum less one round, one is within a round,
-  // and without a sign it is the smaller. Nothing here waits for a branch.
+  // The next error is the sum modulo a round. Of the sum and the sum less one round exactly one is
+  // within a round; compared as unsigned numbers it is the smaller. So no branch is needed.
   void Next() {
     uint64_t sum = error_ + sum_, less = error_ + less_;
     at += above_ + (below_ & int64_t(less) >> 63);
@@ -162,8 +162,8 @@ class Pixels {
   intptr_t above_, below_;  // what a step moves; added to it when `less` is below 0
 };
 
-// From both ends to the middle: each pixel hangs on the one before it, so two rows of them that do
-// not hang on each other take the time of one.
+// Draws from both ends to the middle: each pixel depends on the one before it, and the processor
+// computes two independent chains in the time of one.
 void ThinSteps(const Context* c, const Oblique& o, int from, int to) {
   Pixels<true> low(c, o, from);
   Pixels<false> high(c, o, to);

@@ -21,9 +21,10 @@ class Stroker {
  public:
   Stroker(double width, double scale) {
     if (FT_Stroker_New(FontLibrary(), &stroker_)) stroker_ = nullptr;
+    const FT_Fixed radius = std::lround(width * scale * 32);
     if (stroker_)
-      FT_Stroker_Set(stroker_, FT_Fixed(std::lround(width * scale * 32)), FT_STROKER_LINECAP_ROUND,
-                     FT_STROKER_LINEJOIN_ROUND, 0);
+      FT_Stroker_Set(stroker_, radius, FT_STROKER_LINECAP_ROUND, FT_STROKER_LINEJOIN_ROUND, 0);
+    short_ = std::max(2L, std::lround(0.75 * std::sqrt(double(radius))));
   }
   ~Stroker() {
     if (stroker_) FT_Stroker_Done(stroker_);
@@ -57,31 +58,49 @@ class Stroker {
     if (p.verb == PathVerb::kMove || !open_) {
       End();
       open_ = true;
-      closes_ = false;
+      closes_ = skipped_ = false;
       for (size_t j = i + 1; j < parts.size() && parts[j].verb != PathVerb::kMove && !closes_; ++j)
         closes_ = parts[j].verb == PathVerb::kClose;
-      at_ = to;
+      at_ = now_ = to;
       return;
     }
     ended_ = true;
     FT_Vector a = At(p.x1, p.y1, scale), b = At(p.x2, p.y2, scale), end = to;
-    if (p.verb == PathVerb::kQuad && !(Near(a, at_) && Near(to, at_))) {
+    if (p.verb == PathVerb::kQuad && !(Near(a, now_) && Near(to, now_))) {
+      LineToSkipped();
       Begin();
       FT_Stroker_ConicTo(stroker_, &a, &end);
-    } else if (p.verb == PathVerb::kCubic && !(Near(a, at_) && Near(b, at_) && Near(to, at_))) {
+      at_ = now_ = to;
+    } else if (p.verb == PathVerb::kCubic && !(Near(a, now_) && Near(b, now_) && Near(to, now_))) {
+      LineToSkipped();
       Begin();
       FT_Stroker_CubicTo(stroker_, &a, &b, &end);
-    } else if (to.x != at_.x || to.y != at_.y) {
-      Begin();
-      FT_Stroker_LineTo(stroker_, &end);
+      at_ = now_ = to;
+    } else {
+      Step(to);
     }
+  }
+  // Short steps have the directions that the grid of the points allows, and edges that cross each
+  // other again and again, which the rasteriser adds up. So they are taken together.
+  void Step(FT_Vector to) {
+    if (!Near(to, now_)) LineToSkipped();
+    skipped_ = Near(to, at_);
+    if (!skipped_) LineTo(to);
+    now_ = to;
+  }
+  bool Near(FT_Vector a, FT_Vector b) const {
+    return std::abs(a.x - b.x) < short_ && std::abs(a.y - b.y) < short_;
+  }
+  void LineToSkipped() {
+    if (skipped_ && (now_.x != at_.x || now_.y != at_.y)) LineTo(now_);
+    skipped_ = false;
+  }
+  void LineTo(FT_Vector to) {
+    Begin();
+    FT_Stroker_LineTo(stroker_, &to);
     at_ = to;
   }
-  // The stroker itself passes over curves as short as this.
-  static bool Near(FT_Vector a, FT_Vector b) {
-    return std::abs(a.x - b.x) < 2 && std::abs(a.y - b.y) < 2;
-  }
-  // The stroker must not end what has no length, so it hears of a line with its first step.
+  // The stroker must not get a line without length, so each line begins with its first step.
   void Begin() {
     if (!begun_) FT_Stroker_BeginSubPath(stroker_, &at_, !closes_);
     begun_ = true;
@@ -92,6 +111,7 @@ class Stroker {
   }
   // A line without a length is a dot.
   void End() {
+    LineToSkipped();
     if (open_ && ended_ && !begun_) {
       closes_ = false;
       Begin();
@@ -103,11 +123,13 @@ class Stroker {
   }
 
   FT_Stroker stroker_ = nullptr;
-  FT_Vector at_{};
-  bool open_ = false;    // a part has told where the line starts
-  bool ended_ = false;   // and another where it goes
-  bool begun_ = false;   // the stroker has heard of it
-  bool closes_ = false;  // it will be closed
+  FT_Pos short_ = 2;        // the stroker itself passes over curves shorter than 2
+  FT_Vector at_{}, now_{};  // where the stroker is, and the line
+  bool skipped_ = false;    // steps between the two
+  bool open_ = false;       // the line has a start
+  bool ended_ = false;      // and at least one more part
+  bool begun_ = false;      // the stroker has its start
+  bool closes_ = false;     // it will be closed
 };
 
 }  // namespace

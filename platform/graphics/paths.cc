@@ -89,7 +89,11 @@ void Paint(ContextRef c, Shape* shape, int flags, uint32_t rgb) {
 // --- A line whose edges have more points than the rasteriser takes is drawn in pieces: each has
 // --- round ends, as the joins are, and what several cover is covered once.
 
-constexpr size_t kPieceParts = 64;
+// --- Where two meet, both have some parts of the other: at their ends alone, with a half of a
+// pixel
+// --- each, they would leave it lighter.
+
+constexpr size_t kPieceParts = 64, kSharedParts = 8;
 
 struct Mask {
   const Context* c;
@@ -134,8 +138,12 @@ void CoverPieces(Mask* mask, std::span<const PathPart> parts, double width) {
     piece.push_back(part);
     if (!closes && piece.size() < kPieceParts) continue;
     Cover(mask, width);
-    piece.clear();
-    if (!closes) piece.push_back({PathVerb::kMove, p.x, p.y});
+    if (closes) {
+      piece.clear();
+    } else {
+      piece.erase(piece.begin(), piece.end() - kSharedParts - 1);
+      piece.front() = {PathVerb::kMove, piece.front().x, piece.front().y};
+    }
   }
   if (!piece.empty()) Cover(mask, width);
   piece.clear();

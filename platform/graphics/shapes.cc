@@ -85,7 +85,7 @@ void BlendBox(Context* c, const DeviceRect& r, Ink ink) {
   });
 }
 
-// The corner whose pixel nearest to the box's own corner is mask (0, 0).
+// Blends one corner of a box, mirrored so that mask (0, 0) is at the box's own corner.
 void BlendCorner(Context* c, const Corner& k, int x, int y, bool right, bool bottom, Ink ink) {
   DeviceRect r{x, y, x + k.size, y + k.size};
   ForEachPart(c, r, [&](const DeviceRect& part) {

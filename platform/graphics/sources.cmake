@@ -9,7 +9,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/fills.cc
   ${CMAKE_CURRENT_LIST_DIR}/font_library.cc
   ${CMAKE_CURRENT_LIST_DIR}/lines.cc
-  ${CMAKE_CURRENT_LIST_DIR}/outline.cc
+  ${CMAKE_CURRENT_LIST_DIR}/outline_masks.cc
   ${CMAKE_CURRENT_LIST_DIR}/outline_shape.cc
   ${CMAKE_CURRENT_LIST_DIR}/paths.cc
   ${CMAKE_CURRENT_LIST_DIR}/pictures.cc

@@ -62,7 +62,7 @@ constexpr KeyRow kKeys[] = {
 constexpr uint32_t kKeypadDelete = 0xFF9F;
 constexpr MacKey kDecimalPoint{0x41, '.'}, kDecimalComma{0x41, ','};
 
-constexpr uint16_t kTypingKey = 0;  // any key of the main block: the character tells it all
+constexpr uint16_t kTypingKey = 0;  // any key of the main block: only its character counts
 
 }  // namespace
 
@@ -77,7 +77,7 @@ MacKey LookUpKey(uint32_t keysym, uint32_t base_keysym, uint32_t unicode, uint32
   if (base_keysym == kKeypadDelete && unicode > 0x20) {
     return unicode == ',' ? kDecimalComma : kDecimalPoint;
   }
-  // With Control or Command held a letter is itself, whatever the layout would type.
+  // With Control or Command a letter key gives its letter, whatever the layout would type.
   if (modifiers & (controlKey | rightControlKey | cmdKey)) {
     if (keysym >= 0x20 && keysym < 0x7F) return {kTypingKey, uint8_t(keysym)};
     if (base_keysym >= 0x20 && base_keysym < 0x7F) return {kTypingKey, uint8_t(base_keysym)};

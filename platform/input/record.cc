@@ -24,7 +24,7 @@ namespace {
 constexpr char kHeading[] = "xw-record 1\n";
 // Written with six digits.
 constexpr double kDigit = 1e-6;
-// Seconds between two looks whether a result that is awaited still may come.
+// Seconds between two checks whether an awaited result can still come.
 constexpr double kAwaitedLook = 0.1;
 // Bytes of a text that another program has given.
 constexpr size_t kLongestText = 1 << 20;
@@ -85,7 +85,7 @@ void Write(RecordLine line) {
   line.after_timers = TimersFiredAt() == now;
   if (line.raw.time > 0) line.raw.time -= r.start;
   fprintf(r.file, "%s\n", FormatRecordLine(line).c_str());
-  // A recording is read when the program has crashed.
+  // Written at once, so that the recording is complete when the program crashes.
   fflush(r.file);
 }
 
@@ -93,7 +93,7 @@ bool TimeHasCome(const RecordLine& line, double now) {
   return line.time <= now - Current().start + kDigit;
 }
 
-// Its time has come, and the timers that fired before it have fired.
+// Whether its time has come and the timers that fired before it have fired.
 bool IsDue(const RecordLine& line, double now) {
   if (!TimeHasCome(line, now)) return false;
   const double timer = line.after_timers ? NextTimer(now) : -1;
@@ -128,7 +128,7 @@ bool PassesOver(const RecordLine& line) {
   return ShouldSkipResult(line, r.awaited_after, now - r.awaited_since);
 }
 
-// Nobody else could end it: on a display whose time is stepped nothing comes any more.
+// With a stepped clock no further input can come, so the program is also asked to quit.
 void EndReplay() {
   record_mode = RecordMode::kNone;
   KeepResults(false);
@@ -191,7 +191,7 @@ void TakeReport(const RawEvent& raw) {
   if (raw.text) line.path = raw.text;
   line.has_text = raw.arrived != nullptr;
   if (raw.arrived) line.path = *raw.arrived;
-  // What would be a line without end is missing in the file, and comes too late in the replay.
+  // A text that is too long for a line is left out of the recording.
   if (line.path.size() <= kLongestText) Write(line);
   TranslateRawEvent(raw);
 }
@@ -202,7 +202,7 @@ void ReplayDue() {
   double group = -1;
   while (r.next < r.lines.size() && IsDue(r.lines[r.next], now)) {
     const RecordLine& line = r.lines[r.next];
-    // After a result that was waited for, what came together comes together.
+    // After a result that came late, lines with the same time are played together.
     const bool late = now - r.start > line.time + kLate;
     if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
     group = line.time;

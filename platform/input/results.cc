@@ -23,9 +23,9 @@ std::atomic<bool> results_wait;
 
 namespace {
 
-// Seconds that a replay waits for a result of which nothing has come.
+// Seconds that a replay waits for a result while none of its kind has come.
 constexpr double kPatience = 20;
-// The same beyond what it took in the recording, where there is reason to think that it never will.
+// The same beyond the time in the recording, where the result probably never comes.
 constexpr double kShortPatience = 3;
 // Seconds of the clock that results wait while there are events.
 constexpr double kEventsFirst = 0.050;
@@ -220,8 +220,8 @@ void KeepResults(bool all) {
   End(older);
 }
 
-// A state that comes later in the recording is there already, or is that of before: then this one
-// has passed by unseen.
+// A task may have replaced the result before it was seen: the one that is there now comes later in
+// the recording, or is the same as before.
 bool ShouldSkipResult(const RecordLine& line, double before, double waited) {
   double patience = replay.missed.count(line.what) ? kShortPatience : kPatience;
   const auto taken = replay.taken.find(line.what);
@@ -232,7 +232,7 @@ bool ShouldSkipResult(const RecordLine& line, double before, double waited) {
     for (const Result& r : State().waiting) {
       if (r.kind != line.what) continue;
       if (Matches(r, line)) {
-        // It is taken as soon as it can be. Waking once is enough: each wait that is over looks.
+        // The loop is woken once for this result; after each wait it looks at the results anyway.
         woke = woke || replay.there != &line;
         replay.there = &line;
         return waited >= kPatience;

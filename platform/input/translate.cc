@@ -159,7 +159,8 @@ void Request(uint32_t cls, uint32_t kind, uint32_t id, const char* path) {
   main_event_queue.Push(e);
 }
 
-// The pointer went elsewhere: what is no longer held comes up there, and no window hears of it.
+// The pointer went to another program: buttons that are no longer held are released without a
+// window.
 void GrabLost(const RawEvent& raw) {
   for (uint16_t button = 1; button <= kButtons; ++button) {
     const uint32_t bit = 1u << (button - 1);
@@ -220,14 +221,16 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
   }
 }
 
-// What comes up after its window has ended: no window hears of it, but nothing stays held.
+// A release whose window was destroyed: no window gets it, but the button or key is not held any
+// more.
 void Released(const RawEvent& raw) {
   if (raw.type == RawEvent::kRelease) Button(raw, nullptr);
   if (raw.type == RawEvent::kKeyUp) Key(raw, nullptr, kEventRawKeyUp);
   if (raw.type == RawEvent::kModifiers) Key(raw, nullptr, kEventRawKeyModifiersChanged);
 }
 
-// Nothing can be shown any more. The connection's own clean-up would write to it.
+// Nothing can be shown any more. The process ends without the clean-up of the connection, which
+// would write to it.
 [[noreturn]] void DisplayLost() {
   fprintf(stderr, "%s: the connection to the display is gone\n", PlatformSessionName());
   _exit(1);
@@ -269,8 +272,8 @@ void TranslateRawEvent(const RawEvent& raw) {
 void TakeRawEvents() {
   const Display* d = CurrentDisplay();
   RawEvent raw;
-  // Before the display's: what sources ask for may bring reports along, which the display's
-  // descriptor then no longer shows.
+  // Sources go first: their requests may also read reports of the display, which its descriptor
+  // does not show any more.
   TakeFromSources();
   while (TakePostedRawEvent(&raw)) TakeReport(raw);
   while (d->next_event(&raw)) {

@@ -175,8 +175,10 @@ void InjectKey(WindowRef w, const std::string& name, uint32_t modifiers) {
   if (modifiers) Post(RawEvent::kModifiers, w, 0);
 }
 
-void InjectText(WindowRef w, const std::string& utf8) {
-  for (const char* at = utf8.c_str(); *at;) PostKey(w, KeyOf(NextUtf8(&at)), 0);
+size_t InjectText(WindowRef w, const char* utf8, int most) {
+  const char* at = utf8;
+  for (int i = 0; i < most && *at; ++i) PostKey(w, KeyOf(NextUtf8(&at)), 0);
+  return size_t(at - utf8);
 }
 
 }  // namespace platform

@@ -23,12 +23,13 @@ void InjectClick(WindowRef w, Point where, int button, int count, uint32_t modif
 void InjectFocus(WindowRef w);
 // The window that keys go to; the front one gets the focus where none has it. Null: there is none.
 WindowRef KeyWindow();
-// Whether there is such a key, "a" or by its name ("Return", "F5", "Page_Up"), and whether keys
-// type a text: one without control characters but tabs and line feeds.
+// IsKey: whether there is a key of this name, such as "a", "Return", "F5" or "Page_Up". The other:
+// whether keys can type a text, which may have no control characters but tabs and line feeds.
 bool IsKey(const std::string& key);
 bool IsTypable(const std::string& utf8);
-// Presses and releases a key in the window; others than those are ignored.
+// Presses and releases a key in the window; an unknown key is ignored.
 void InjectKey(WindowRef w, const std::string& key, uint32_t modifiers);
-void InjectText(WindowRef w, const std::string& utf8);
+// Types at most so many characters of a text; returns how many bytes of it these are.
+size_t InjectText(WindowRef w, const char* utf8, int most);
 
 }  // namespace platform

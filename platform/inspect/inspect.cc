@@ -4,11 +4,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <list>
 #include <optional>
+#include <utility>
 
 #include "platform/access/access.h"
 #include "platform/events/queue.h"
@@ -23,7 +25,7 @@ namespace {
 constexpr size_t kMostClients = 8;
 // Seconds. A request waits until the program is at rest, or has been busy for so long.
 constexpr double kBusyPatience = 1;
-// Between two looks at what is waited for; and before clients are taken again where that failed.
+// Seconds between two checks of a client's wait, and before accepting again after a failure.
 constexpr double kLookPeriod = 0.02, kAcceptPause = 1;
 
 struct Waiting {
@@ -34,6 +36,7 @@ struct Waiting {
 struct Client {
   Connection connection;
   std::optional<Waiting> waiting;
+  std::optional<Typing> typing;
   double since = -1;  // when its next request came; -1: there is none
   explicit Client(int fd) : connection(fd) {}
 };
@@ -42,8 +45,8 @@ struct Inspector {
   ListeningSocket socket;
   std::list<Client> clients;  // the one whose turn it is first
   TreeListener listener;
-  bool listens = false;  // a client has come: from then on the tree is heard
-  bool changed = false;  // something has, since the last look at what is waited for
+  bool listens = false;  // for changes of the tree, from the first client on
+  bool changed = false;  // the tree has changed since the last check of the waits
   size_t handled = 0;    // where the queue was then
   int timer = -1;
   pid_t process = 0;
@@ -51,7 +54,7 @@ struct Inspector {
 };
 Inspector* inspector = nullptr;
 
-// Of the world outside: the display's clock may be stepped.
+// Real time: the display's clock may be stepped.
 double Now() {
   timespec t;
   clock_gettime(CLOCK_MONOTONIC, &t);
@@ -79,9 +82,17 @@ void AcceptClients(double now) {
   }
 }
 
-// What has been put in has been handled, and what it has changed is drawn.
+// Whether all input is handled and everything that it has changed is drawn.
 bool AtRest() {
   return main_event_queue.empty() && !DrawEventWaits();
+}
+
+void TypeMore(Client* c) {
+  const std::string answer = TypeOn(&*c->typing);
+  if (answer.empty()) return;
+  c->typing.reset();
+  c->connection.Send(answer);
+  c->connection.Move();
 }
 
 void Serve(Client* c, double now) {
@@ -92,14 +103,15 @@ void Serve(Client* c, double now) {
   if (!answer.line.empty()) connection.Send(answer.line);
   if (answer.hang_up) connection.HangUp();
   if (answer.wait) c->waiting = {*answer.wait, now + answer.wait->ms / 1000.0};
+  c->typing = std::move(answer.typing);
   connection.Move();
 }
 
-// Serves one request, of the client that has waited longest for its turn.
+// Serves one request or a piece of one, of the client that has waited longest for its turn.
 void ServeNext(double now) {
   Inspector& i = *inspector;
   auto ready = [](const Client& c) {
-    return c.connection.HasLine() && c.connection.idle() && !c.waiting;
+    return c.typing || (c.connection.HasLine() && c.connection.idle() && !c.waiting);
   };
   for (Client& c : i.clients) {
     if (!ready(c))
@@ -113,13 +125,14 @@ void ServeNext(double now) {
   });
   if (next == i.clients.end()) return;
   i.clients.splice(i.clients.end(), i.clients, next);
-  Serve(&i.clients.back(), now);
-  i.clients.back().since = -1;
-  // There may be more, of which no descriptor tells.
+  Client& c = i.clients.back();
+  c.typing ? TypeMore(&c) : Serve(&c, now);
+  c.since = -1;
+  // More requests may be in memory already, which no descriptor shows.
   intake_hints.ReportWaits();
 }
 
-// Most changes are told; where the program has handled something, others may have come with it.
+// Most changes are reported; handling an event may have made others.
 bool MayHaveChanged() {
   return inspector->changed || inspector->handled != main_event_queue.head;
 }
@@ -146,7 +159,7 @@ void LookAtWaits(double now) {
   i.look_again = Now() + kLookPeriod;
 }
 
-// A client that only sends no more still gets its answers.
+// A client that has only closed its sending side still gets its answers.
 bool IsOver(Client& c) {
   Connection& connection = c.connection;
   if (connection.too_long()) {
@@ -154,8 +167,7 @@ bool IsOver(Client& c) {
     connection.HangUp();
     connection.Move();
   }
-  return connection.over() ||
-         (connection.ended() && !connection.HasLine() && connection.idle() && !c.waiting);
+  return connection.over() || (connection.ended() && connection.idle() && !c.waiting && !c.typing);
 }
 
 // The loop wakes up when a look is due.
@@ -200,6 +212,31 @@ void Descriptors(PollList* list) {
 
 constexpr WaitSource kSource = {Descriptors, Take};
 
+// One that the program does not catch ends it, and the socket with it.
+constexpr int kEndingSignals[] = {SIGINT, SIGHUP};
+
+void OnEndingSignal(int signal) {
+  if (inspector && getpid() == inspector->process) inspector->socket.Close();
+  raise(signal);
+}
+
+void CatchEndingSignals() {
+  for (int s : kEndingSignals) {
+    struct sigaction action {};
+    if (sigaction(s, nullptr, &action) || action.sa_handler != SIG_DFL) continue;
+    action.sa_handler = OnEndingSignal;
+    action.sa_flags = SA_RESETHAND;
+    sigaction(s, &action, nullptr);
+  }
+}
+
+void LeaveEndingSignals() {
+  for (int s : kEndingSignals) {
+    struct sigaction action {};
+    if (!sigaction(s, nullptr, &action) && action.sa_handler == OnEndingSignal) signal(s, SIG_DFL);
+  }
+}
+
 void CloseAtExit() {
   static bool asked = false;
   if (!asked)
@@ -222,11 +259,13 @@ void InitInspect(const char* program) {
     return;
   }
   CloseAtExit();
+  CatchEndingSignals();
   AddWaitSource(kSource);
 }
 
 void FinishInspect() {
   if (!inspector) return;
+  LeaveEndingSignals();
   RemoveWaitSource(kSource);
   if (inspector->listens) RemoveTreeListener(&inspector->listener);
   if (inspector->timer >= 0) close(inspector->timer);

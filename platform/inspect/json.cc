@@ -165,4 +165,19 @@ void PutJsonText(std::string* out, std::string_view text) {
   *out += '"';
 }
 
+void PutJsonBytes(std::string* out, std::string_view bytes) {
+  static constexpr char kDigits[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  out->reserve(out->size() + bytes.size() / 3 * 4 + 8);
+  *out += '"';
+  for (size_t i = 0; i < bytes.size(); i += 3) {
+    uint32_t three = 0;
+    for (size_t k = 0; k < 3; ++k)
+      three = three << 8 | (i + k < bytes.size() ? uint8_t(bytes[i + k]) : 0);
+    for (size_t k = 0; k < 4; ++k)
+      *out += i + k <= bytes.size() ? kDigits[three >> (18 - 6 * k) & 63] : '=';
+  }
+  *out += '"';
+}
+
 }  // namespace platform

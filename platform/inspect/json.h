@@ -20,5 +20,7 @@ using JsonObject = std::map<std::string, JsonValue, std::less<>>;
 bool ParseJsonObject(std::string_view text, JsonObject* out);
 // Appends a text with its quotes; bytes that are not UTF-8 become U+FFFD.
 void PutJsonText(std::string* out, std::string_view text);
+// Appends any bytes as a text in base 64, with its quotes.
+void PutJsonBytes(std::string* out, std::string_view bytes);
 
 }  // namespace platform

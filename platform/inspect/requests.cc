@@ -23,7 +23,7 @@ struct Request {
   int button = 1, count = 1;
 };
 
-// Takes known fields out of the object; what is left over was not meant for this request.
+// Removes the known fields from the object; a field that is left has no meaning in this request.
 class Fields {
  public:
   explicit Fields(JsonObject* object) : object_(*object) {}
@@ -50,7 +50,7 @@ class Fields {
     if (v.kind != JsonValue::kBool) wrong_ = key;
     *out = v.truth;
   }
-  // Whether a field has a wrong value or no meaning, and which.
+  // True, with the field's name, when one has a wrong value or no meaning in this request.
   bool Wrong(std::string* key) const {
     *key = wrong_ || object_.empty() ? wrong_.value_or("") : object_.begin()->first;
     return wrong_ || !object_.empty();
@@ -115,7 +115,7 @@ std::string Several(const std::vector<Found>& found, const Address& address) {
   return out + "]}";
 }
 
-// The one that the address means; null, with the answer, when there is none or more than one.
+// The node with this address; null, with the answer, when there is none or more than one.
 const Found* Choose(const std::vector<Found>& found, const Address& a, std::string* failure) {
   if (a.number == 0 && found.size() > 1) {
     *failure = Several(found, a);
@@ -139,7 +139,7 @@ struct Target {
   Point middle() const { return {(part.left + part.right) / 2, (part.top + part.bottom) / 2}; }
 };
 
-// "" when it is there to be seen.
+// "" when the node exists and some of it shows.
 std::string Aim(const Address& address, Target* t) {
   std::string failure;
   t->found = FindNodes(t->roots, address);
@@ -151,7 +151,7 @@ std::string Aim(const Address& address, Target* t) {
   return t->window ? "" : Failure(Words(address) + " is out of sight");
 }
 
-// Also where it is not addressed, input needs a program that takes it.
+// Whether the program can take input at all, for requests without an address too.
 std::string CheckInput() {
   return Replaying() ? Failure("a recording is being played back") : "";
 }
@@ -164,8 +164,8 @@ std::string Click(const Request& r, const Address& address, uint32_t modifiers) 
   return WithNode(*t.node->node);
 }
 
-// The window that keys go to. A node that they are for gets the keyboard by a click, unless it has
-// it, a window by the focus.
+// The window that keys go to. An addressed node without the focus gets it by a click, a window by
+// a report of the desktop.
 std::string AimKeys(const Address& address, WindowRef* out) {
   if (address.empty()) {
     *out = KeyWindow();
@@ -184,35 +184,17 @@ std::string AimKeys(const Address& address, WindowRef* out) {
   return "";
 }
 
-std::string PressKey(const Request& r, uint32_t modifiers) {
-  WindowRef w;
-  if (!IsKey(r.key)) return Failure("no key is called \"" + r.key + '"');
-  if (std::string failure = AimKeys(r.wait.address, &w); !failure.empty()) return failure;
-  InjectKey(w, r.key, modifiers);
-  return Success();
-}
-
-std::string Type(const Request& r) {
-  WindowRef w;
-  if (!IsTypable(r.text)) return Failure("the text has characters that no key types");
-  if (std::string failure = AimKeys(r.wait.address, &w); !failure.empty()) return failure;
-  InjectText(w, r.text);
-  return Success();
-}
-
-std::string Base64(const std::string& bytes) {
-  static constexpr char kDigits[] =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  out.reserve(bytes.size() / 3 * 4 + 4);
-  for (size_t i = 0; i < bytes.size(); i += 3) {
-    uint32_t three = 0;
-    for (size_t k = 0; k < 3; ++k)
-      three = three << 8 | (i + k < bytes.size() ? uint8_t(bytes[i + k]) : 0);
-    for (size_t k = 0; k < 4; ++k)
-      out += i + k <= bytes.size() ? kDigits[three >> (18 - 6 * k) & 63] : '=';
-  }
-  return out;
+// The keys come once the node has the keyboard, and what its click has brought about is handled.
+void Type(Request* r, uint32_t modifiers, Answer* answer) {
+  WindowRef w = nullptr;
+  if (r->what == "key" && !IsKey(r->key))
+    answer->line = Failure("no key is called \"" + r->key + '"');
+  else if (!IsTypable(r->text))
+    answer->line = Failure("the text has characters that no key types");
+  else
+    answer->line = AimKeys(r->wait.address, &w);
+  if (!answer->line.empty()) return;
+  answer->typing = {w, w->object.serial, std::move(r->key), modifiers, std::move(r->text)};
 }
 
 // The pixels of a part of the window's buffer; global, logical.
@@ -227,8 +209,10 @@ std::string Picture(const Window& w, const Rect& part) {
   if (r.empty()) return Failure("nothing of it shows");
   const std::string png =
       EncodePng(s.pixels + int64_t(r.top) * s.stride + r.left, r.width(), r.height(), s.stride);
-  return "{\"ok\":true,\"width\":" + std::to_string(r.width()) +
-         ",\"height\":" + std::to_string(r.height()) + ",\"png\":\"" + Base64(png) + "\"}";
+  std::string out = "{\"ok\":true,\"width\":" + std::to_string(r.width()) +
+                    ",\"height\":" + std::to_string(r.height()) + ",\"png\":";
+  PutJsonBytes(&out, png);
+  return out + '}';
 }
 
 // Without an address: the first window, with its menu bar.
@@ -251,7 +235,7 @@ std::string Tree() {
   return out + '}';
 }
 
-Answer Obey(const Request& r) {
+Answer Obey(Request& r) {
   Answer answer;
   const Address& address = r.wait.address;
   uint32_t modifiers = 0;
@@ -264,10 +248,12 @@ Answer Obey(const Request& r) {
     if (answer.line.empty()) answer.wait = r.wait;
   } else if (!ParseModifiers(r.modifiers, &modifiers)) {
     answer.line = Failure("no modifiers: " + r.modifiers);
-  } else if (answer.line = CheckInput(); answer.line.empty()) {
-    answer.line = r.what == "click" ? Click(r, address, modifiers)
-                  : r.what == "key" ? PressKey(r, modifiers)
-                                    : Type(r);
+  } else if (answer.line = CheckInput(); !answer.line.empty()) {
+    return answer;
+  } else if (r.what == "click") {
+    answer.line = Click(r, address, modifiers);
+  } else {
+    Type(&r, modifiers, &answer);
   }
   return answer;
 }
@@ -309,6 +295,15 @@ Answer Perform(std::string_view line) {
   else
     return Obey(r);
   return answer;
+}
+
+std::string TypeOn(Typing* t) {
+  constexpr int kAtOnce = 32;
+  if (!IsValidWindow(t->window) || t->window->object.serial != t->serial)
+    return Failure("the window has ended");
+  if (!t->key.empty()) InjectKey(t->window, t->key, t->modifiers);
+  t->at += InjectText(t->window, t->text.c_str() + t->at, kAtOnce);
+  return t->at < t->text.size() ? "" : Success();
 }
 
 std::string LookAt(const NodeWait& wait, bool late) {

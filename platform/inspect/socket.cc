@@ -34,7 +34,7 @@ bool Answers(const sockaddr_un& address) {
   return failed != ECONNREFUSED && failed != ENOENT;
 }
 
-// Removes what a program has left behind; "" when the place is free.
+// Removes a socket that an ended program has left; "" when the path is free.
 std::string MakeRoom(const sockaddr_un& address) {
   struct stat there;
   if (lstat(address.sun_path, &there)) return errno == ENOENT ? "" : strerror(errno);
@@ -127,7 +127,7 @@ void Connection::Write() {
   sent_ = 0;
 }
 
-// Who has only ended its own sending still reads.
+// A peer that has only closed its sending side still reads.
 bool Connection::PeerIsGone() const {
   pollfd p{fd_, 0, 0};
   return poll(&p, 1, 0) > 0 && p.revents & (POLLHUP | POLLERR);

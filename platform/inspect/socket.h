@@ -20,8 +20,8 @@ class ListeningSocket {
   std::string Open(const std::string& path);
   // Removes the file, unless another one has taken its place.
   void Close();
-  // The next client; -1 when none waits. Clients of other users are turned away. False in
-  // `*more`: it cannot take any at this time.
+  // The next client; -1 when none waits. Clients of other users are refused. `*more` becomes false
+  // when no client can be accepted at this time.
   int Accept(bool* more);
   int descriptor() const { return fd_; }
 
@@ -45,7 +45,7 @@ class Connection {
   // The next whole line, without its end; it is valid until the next call. False: there is none.
   bool TakeLine(std::string_view* line);
   bool HasLine() const { return in_.find('\n', taken_) != std::string::npos; }
-  // It goes on its way with the next Move.
+  // Queues a line; the next Move sends it.
   void Send(std::string_view line);
   // Nothing more is read; it is over when everything has been sent.
   void HangUp() { hung_up_ = true; }

@@ -12,17 +12,6 @@ namespace {
 constexpr double kTypingTime = 1;  // between two keys of one beginning
 constexpr size_t kLongestTyped = 256;
 
-char32_t Fold(char32_t c) {
-  const char32_t letter = FoldLetter(c);
-  return letter ? letter : c;
-}
-
-bool Begins(std::string_view text, const std::u32string& with) {
-  for (const char32_t c : with)
-    if (text.empty() || Fold(TakeUtf8(&text)) != c) return false;
-  return true;
-}
-
 void Choose(Control* c, int row) {
   const int count = ListOf(c).rows.count();
   if (count == 0) return;
@@ -54,18 +43,18 @@ int RowByKey(const Control* c, uint8_t key) {
   }
 }
 
-// A new beginning goes on behind the selected row, a longer one may stay at it.
+// A new search starts behind the selected row; a longer text may match that row again.
 void Type(Control* c, const Event& e) {
   List& l = ListOf(c);
   const bool fresh = l.typed.empty() || e.time - l.typed_at > kTypingTime;
   if (fresh) l.typed.clear();
   l.typed_at = e.time;
   for (std::string_view text = e.key.text; !text.empty() && l.typed.size() < kLongestTyped;)
-    l.typed += Fold(TakeUtf8(&text));
+    l.typed += FoldTyped(TakeUtf8(&text));
   const int count = l.rows.count(), from = std::max(0, l.selected + (fresh ? 1 : 0));
   for (int i = 0; i < count; ++i) {
     const int row = int((int64_t{from} + i) % count);
-    if (Begins(l.rows[row], l.typed)) return Choose(c, row);
+    if (BeginsWithTyped(l.rows[row], l.typed)) return Choose(c, row);
   }
 }
 

@@ -19,7 +19,7 @@ struct List {
   int selected_before = -1;
   Point pointer;
   EventLoopTimerRef scroll_timer = nullptr;
-  // The beginning that is being typed, without case.
+  // What has been typed to find a row by its beginning, without case.
   std::u32string typed;
   double typed_at = 0;
   // Of the rows that were described.
@@ -35,11 +35,11 @@ inline List& ListOf(const Control* c) {
 // In the content of the window: where rows show, and whole rows that there is room for, at least 1.
 Rect RowsArea(const Control* c);
 int RowsInView(const Control* c);
-// Cuts to what there is to scroll.
+// Cuts `top` to the range of the scroll bar.
 void ScrollList(Control* c, int top);
-// As the user does: selects a row and shows it.
+// Selects a row as the user does, and scrolls to it.
 void SelectAndShow(Control* c, int row);
-// The selected row has been chosen.
+// Reports the selected row as chosen.
 void HitRow(Control* c, bool by_key);
 
 // --- pointer.cc

@@ -70,7 +70,7 @@ void Draw(Control* c, ContextRef context) {
   RestoreContextClip(context);
 }
 
-// --- The bar, which is as wide as nothing while all rows are in view.
+// --- The bar, which has no width while all rows are in view.
 
 int LargestTop(const Control* c) {
   return std::max(0, ListOf(c).rows.count() - RowsInView(c));
@@ -208,7 +208,7 @@ void ListDeleteRows(ControlRef c, int row) {
 
 void ListShowRows(ControlRef c) {
   if (!IsList(c)) return;
-  ListOf(c).selected_before = -1;  // it was a row of others
+  ListOf(c).selected_before = -1;  // a row of the old texts
   PlaceBar(c);
   NoticeChange(c->object.serial, Change::kChildren);
   Draw1Control(c);

@@ -9,6 +9,7 @@
 #include "platform/events/queue.h"
 #include "platform/events/targets.h"
 #include "platform/events/trackers.h"
+#include "platform/inspect/inspect.h"
 #include "platform/menus/menus.h"
 #include "platform/windows/windows.h"
 
@@ -35,6 +36,7 @@ OSStatus Dispatch(HandlerCall*, Event* event, void*) {
 OSStatus EndProcess(HandlerCall*, Event* event, void*) {
   if (event->request.id == kAEQuitApplication) {
     KeepText();
+    FinishInspect();
     signal(SIGTERM, SIG_DFL);
     raise(SIGTERM);
   }

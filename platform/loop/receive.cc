@@ -32,7 +32,7 @@ Receiver receiver;
 
 void Wait(double seconds) {
   const Display* d = CurrentDisplay();
-  // What a replay waits for comes in its own time, also where the clock is stepped.
+  // A replay waits for a result in real time, also where the clock is stepped.
   if (intake_hints.stepped && Replaying() && AwaitedResult()) {
     WaitForSources(NextReplay(GetCurrentEventTime()));
     return;
@@ -104,8 +104,8 @@ bool ReceiveWithUpkeep(double timeout, Event* out) {
       return false;
     }
     d->flush(false);
-    // Answers that were waited for may have brought reports along, which the descriptor then no
-    // longer shows.
+    // A request that waited for its answer may have read reports; the descriptor does not show them
+    // any more.
     TakeRawEvents();
     if (!queue.empty() || DrawEventWaits() || intake_hints.waiting) continue;
     if (ResultsWoke()) return false;

@@ -104,7 +104,7 @@ void FinishPlatform() {
   FinishInput();
   FinishResults();
   FinishApplication();
-  // The windows have gone: nobody looks at what is waited for.
+  // The wait for a clipboard manager comes after the windows have gone, so that nobody sees it.
   KeepText();
   FinishClipboard();
   FinishSessionEnd();

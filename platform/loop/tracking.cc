@@ -53,7 +53,7 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
   WaitEnd result = WaitEnd::kDone;
   Event e;
   for (;;) {
-    // First, since what `done` looks at may have gone with the owner.
+    // The owner is checked first: without it, what `done` reads may be destroyed.
     if (!TrackerLives(*tracker)) {
       result = WaitEnd::kOwnerEnded;
       break;
@@ -65,7 +65,7 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
       break;
     }
     asked = true;
-    // No longer than to the next timer, which may end the wait or the owner.
+    // Each wait ends with the next timer, which may end the tracking or the owner.
     double left = timeout < 0 ? timeout : std::max(0.0, end - now);
     if (const double timer = NextTimer(now); timer >= 0 && (left < 0 || timer < left)) left = timer;
     if (!ReceiveNextEvent(left, &e)) continue;
@@ -122,8 +122,8 @@ void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* dat
 }
 
 static MenuChoice WaitForChoice() {
-  // Menus that are opened during the wait close this one: its tracker is theirs then, and they have
-  // ended when the wait comes back here.
+  // A menu that a callback opens during the wait closes this one and uses the same tracker; it has
+  // ended when control returns here.
   WaitTracking(
       MenuTracker(), [](void*) { return MenuIsDone(); }, kEventDurationForever);
   return CloseMenus();

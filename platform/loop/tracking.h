@@ -8,12 +8,12 @@ namespace platform {
 
 enum class WaitEnd : uint8_t { kDone, kTimeout, kOwnerEnded };
 // Receives and dispatches events until `done` is true, with `tracker` as the newest. A program's
-// own events and those that the tracker wants later lie by, in order: purging, removing and merging
-// see them, and they come first afterwards. `timeout` in seconds, as for ReceiveNextEvent.
+// own events and those that the tracker wants later are deferred, in order: purging, removing and
+// merging see them, and they come first afterwards. `timeout` in seconds, as for ReceiveNextEvent.
 WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout);
 
-// As AskText, and waits for the answer: the callback has run when this returns, unless the wait was
-// longer than it may be. What the program offers itself is there at once, without a wait.
+// As AskText, and waits for the answer: the callback has run when this returns, unless the time is
+// over. A text that the program offers itself is passed at once.
 void WaitForText(Selection which, int timeout_ms, TextArrived arrived, void* data);
 
 // Shows a menu at a global point until an item is chosen, which comes as the menu's id (high 16

@@ -1,10 +1,9 @@
-// The bar at the top of the first window: its titles, and what the keyboard asks of it.
+// The bar at the top of the first window: its titles.
 #include <algorithm>
 
 #include "platform/display/screens.h"
 #include "platform/graphics/context.h"
 #include "platform/menus/menu.h"
-#include "platform/text/letters.h"
 #include "platform/theme/metrics.h"
 #include "platform/theme/roles.h"
 #include "platform/theme/text.h"
@@ -16,10 +15,6 @@ namespace {
 
 constexpr int kBarLeft = 1, kTitleSpace = 9;  // before the first title; on both sides of each
 constexpr int kMoreWidth = 26;
-constexpr uint32_t kAlt = optionKey | rightOptionKey;
-constexpr uint32_t kOtherModifiers =
-    cmdKey | shiftKey | controlKey | rightShiftKey | rightControlKey;
-constexpr uint32_t kF10 = 0xFFC7;
 
 struct Bar {
   bool preferences = true;
@@ -31,8 +26,6 @@ struct Bar {
   int width = -1;                // -1: to be laid out
   int hilited = 0;
   MenuRef requested = nullptr;
-  WindowRef alt_in = nullptr;  // Alt went down in this window, and nothing has happened since
-  bool letters = false;        // Alt is held: the letters are underlined
 };
 Bar bar;
 
@@ -114,7 +107,7 @@ void DrawTitle(ContextRef c, const BarTitle& t) {
   style.justification = TextJustification::kLeft;
   style.rgb = ink;
   style.alpha = alpha;
-  style.underline_first = bar.letters && !t.menu->disabled;
+  style.underline_first = BarLettersShown() && !t.menu->disabled;
   DrawThemeText(c, {t.cell.left + kTitleSpace, t.cell.top, t.cell.right, t.cell.bottom},
                 t.menu->title, style);
 }
@@ -133,106 +126,23 @@ OSStatus DrawBar(HandlerCall*, Event* event, void*) {
   return noErr;
 }
 
-// --- The keyboard
-
-void EndLoneAlt() {
-  bar.alt_in = nullptr;
-  lone_alt_waits = false;
-}
-
-MenuRef TitleByLetter(char32_t letter) {
-  for (const BarTitle& t : BarTitles())
-    if (letter && !t.menu->disabled && t.menu != bar.more && FirstLetter(t.menu->title) == letter)
-      return t.menu;
-  return nullptr;
-}
-
-MenuRef FirstTitle() {
-  for (const BarTitle& t : BarTitles())
-    if (!t.menu->disabled) return t.menu;
-  return nullptr;
-}
-
-void ShowLetters(bool shown) {
-  if (bar.letters == shown) return;
-  bar.letters = shown;
-  DrawMenuBar();
-}
-
-// A lone Alt: it goes down and comes up in one window, and nothing happens between.
-void Modifiers(const Event& e) {
-  const bool alt = e.key.modifiers & kAlt;
-  const bool alone = alt && !(e.key.modifiers & kOtherModifiers);
-  if (alone) {
-    bar.alt_in = e.window;
-    lone_alt_waits = true;
-  } else {
-    if (!alt && bar.alt_in == e.window) RequestMenuBar(FirstTitle());
-    EndLoneAlt();
-  }
-  ShowLetters(alone && MenuBarWindow());
-}
-
-OSStatus Key(HandlerCall*, Event* event, void*) {
-  if (event->key.ignored || !MenuBarWindow()) return eventNotHandledErr;
-  if (event->kind == kEventRawKeyModifiersChanged) {
-    Modifiers(*event);
-    return eventNotHandledErr;
-  }
-  EndLoneAlt();
-  if (event->kind != kEventRawKeyDown) return eventNotHandledErr;
-  const uint32_t modifiers = event->key.modifiers;
-  MenuRef wanted = nullptr;
-  if (event->key.keysym == kF10 && !(modifiers & (kAlt | kOtherModifiers)))
-    wanted = FirstTitle();
-  else if ((modifiers & kAlt) && !(modifiers & kOtherModifiers))
-    wanted = TitleByLetter(LetterOfKey(event->key.base_keysym, event->key.keysym, event->key.text));
-  if (!wanted) return eventNotHandledErr;
-  RequestMenuBar(wanted);
-  return noErr;
-}
-
-OSStatus Deactivated(HandlerCall*, Event*, void*) {
-  EndLoneAlt();
-  ShowLetters(false);
-  return eventNotHandledErr;
-}
-
 OSStatus WindowEnding(HandlerCall*, Event* event, void*) {
-  if (bar.alt_in == event->window) EndLoneAlt();
   if (event->window == MenuBarWindow()) bar.width = -1;
   return eventNotHandledErr;
 }
 
 OSStatus WindowCreated(HandlerCall*, Event* event, void*) {
   constexpr EventKind kDrawFrame[] = {{kEventClassWindow, kEventWindowDrawFrame}};
-  constexpr EventKind kKeys[] = {{kEventClassKeyboard, kEventRawKeyDown},
-                                 {kEventClassKeyboard, kEventRawKeyRepeat},
-                                 {kEventClassKeyboard, kEventRawKeyModifiersChanged}};
-  constexpr EventKind kDeactivated[] = {{kEventClassWindow, kEventWindowDeactivated}};
   constexpr EventKind kEnding[] = {{kEventClassWindow, kEventWindowEnding}};
   EventTargetRef target = GetWindowEventTarget(event->window);
   if (event->window == MenuBarWindow())
     InstallEventHandler(target, DrawBar, kDrawFrame, 1, nullptr);
-  InstallEventHandler(target, Key, kKeys, 3, nullptr);
-  InstallEventHandler(target, Deactivated, kDeactivated, 1, nullptr);
+  InstallBarKeys(event->window);
   InstallEventHandler(target, WindowEnding, kEnding, 1, nullptr);
   return eventNotHandledErr;
 }
 
 }  // namespace
-
-bool lone_alt_waits = false;
-
-void WatchLoneAlt(const Event& e) {
-  const bool input =
-      e.cls == kEventClassMouse && e.kind != kEventMouseMoved && e.kind != kEventMouseDragged;
-  if (input) EndLoneAlt();
-}
-
-bool MenuBarTakesLetter(char32_t letter) {
-  return TitleByLetter(letter) != nullptr;
-}
 
 const std::vector<BarTitle>& BarTitles() {
   if (WindowRef w = MenuBarWindow(); w && bar.width != w->content.width())
@@ -245,6 +155,10 @@ const BarTitle* TitleAt(Point where) {
   for (const BarTitle& t : BarTitles())
     if (t.cell.contains(where)) return &t;
   return nullptr;
+}
+
+bool IsOverflowTitle(const BarTitle& t) {
+  return t.menu == bar.more;
 }
 
 void ForgetBarLayout() {
@@ -318,6 +232,7 @@ void FinishMenus() {
   DisposeMenu(bar.application);
   DisposeMenu(bar.more);
   bar = Bar();
+  ForgetBarKeys();
 }
 
 }  // namespace platform

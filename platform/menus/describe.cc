@@ -1,4 +1,4 @@
-// What menus say of themselves, and what is chosen by that.
+// The description of menus, and choosing a described item.
 #include "platform/menus/open_menus.h"
 #include "platform/windows/internal.h"
 #include "platform/windows/windows.h"
@@ -53,7 +53,7 @@ int ItemWith(const Menu& m, uint64_t serial) {
   return 0;
 }
 
-// The menu with the item, reached through what is shown and enabled; null.
+// The menu with the item, if a user could reach it through shown and enabled items; else null.
 Menu* MenuWith(Menu* m, uint64_t serial, int depth, int* left) {
   if (!IsValidMenu(m) || m->disabled || depth >= kDeepestMenu) return nullptr;
   if (ItemWith(*m, serial)) return m;

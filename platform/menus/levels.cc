@@ -60,7 +60,7 @@ void DrawFrame(ContextRef c, const MenuLevel& l) {
   const Rect b = GetWindowBounds(l.window, kWindowContentRgn);
   const Rect all{0, 0, b.width(), b.height()};
   if (l.drawn >= 0) FillRoundRect(c, all, 0, RoleColor(Role::kFace), kOpaqueAlpha);
-  // The pop-up's edge is where its corners end: there the line is no fainter than elsewhere.
+  // The pop-up's corners are cut by its outline, so the line there is drawn in full strength.
   for (const int x : {0, all.right - kCornerOfMenus}) {
     for (const int y : {0, all.bottom - kCornerOfMenus}) {
       ClipContextToRect(c, {x, y, x + kCornerOfMenus, y + kCornerOfMenus});
@@ -136,7 +136,7 @@ bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place) {
   Event opening(kEventClassMenu, kEventMenuOpening);
   const Object* owner = &s.owner->object;
   SendEventToEventTarget(&opening, GetMenuEventTarget(m));
-  // What heard of it may have changed the menu, opened another, or ended the window.
+  // The callback may have changed the menu, opened another one, or destroyed the window.
   if (s.done || !IsValidMenu(m) || !IsLiveObject(owner) || !IsValidWindow(parent)) return false;
   MenuLevel l;
   l.menu = m;

@@ -46,8 +46,18 @@ const BarTitle* TitleAt(Point where);
 // The titles have changed.
 void ForgetBarLayout();
 void ForgetInBar(const Menu* m);
-// What the keyboard asks of the bar.
+// Notes that the keyboard has asked to open this menu of the bar.
 void RequestMenuBar(MenuRef m);
+// Whether it stands for those that do not fit.
+bool IsOverflowTitle(const BarTitle& t);
+
+// --- bar_keys.cc
+// The keys that a window's focus sends to the bar.
+void InstallBarKeys(WindowRef w);
+// Alt is held: the first letters of the titles are underlined.
+bool BarLettersShown();
+// The start's state.
+void ForgetBarKeys();
 
 // --- layout.cc: a menu as a list of rows
 struct MenuLayout {

@@ -19,8 +19,8 @@ enum MenuItemAttributes : uint32_t {
   kMenuItemAttrSeparator = 64,
 };
 
-// Menus hang in each other at most so deep; what is deeper is not there. One menu may hang in many
-// places, and so be described many times: no more items than this of one title or pop-up.
+// The deepest nesting of menus; a deeper menu is ignored. One menu may be a sub-menu of many items
+// and is described with each: of one title or pop-up at most this many items.
 constexpr int kDeepestMenu = 64, kMostDescribedItems = 4096;
 
 // --- Menus and their items
@@ -70,12 +70,12 @@ void SetPreferencesCommand(bool offered);
 bool PreferencesCommandOffered();
 // What stands at the right end of Quit.
 void SetQuitKeyText(const char* utf8);
-// The keyboard asks for the bar to be opened (F10, a lone Alt, Alt and a letter): the title that it
-// means, 0 for none. It is asked once.
+// The menu that the keyboard has asked to open (F10, Alt alone, Alt with a letter), null for none.
+// Each request is returned once.
 MenuRef TakeMenuBarRequest();
 // Whether Alt and this letter (without case) open a title.
 bool MenuBarTakesLetter(char32_t letter);
-// While Alt waits to be the only one: the dispatcher shows what comes.
+// True while Alt is held and no other input has come; the dispatcher watches for that.
 extern bool lone_alt_waits;
 void WatchLoneAlt(const Event& e);
 
@@ -89,7 +89,7 @@ bool OpenPopUpMenuBelow(MenuRef m, WindowRef owner, const Rect& anchor, int item
 bool OpenMenuBarAt(Point where);
 // By the keyboard, its first item selected.
 bool OpenBarMenu(MenuRef m);
-// Where the pointer rests: until it leaves that place it selects nothing.
+// Tells the place of the pointer at rest: it selects nothing until it moves.
 void SetMenuPointer(Point where);
 struct MenuChoice {
   int menu = 0, item = 0;  // 0, 0: nothing

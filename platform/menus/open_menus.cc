@@ -72,7 +72,7 @@ void Hover(size_t level, Point where, bool rests) {
   if (item == l.selected && item) {
     s.aim = where;
     StopAiming();
-    // Its sub-menu stays, and what is open in that closes.
+    // The row's sub-menu stays open; deeper ones close.
     if (s.levels.size() > level + 2) PopLevels(level + 2);
     if (s.levels.size() == level + 2) SelectItem(&s.levels[level + 1], 0);
     OpenSubMenu(level, false);
@@ -105,7 +105,7 @@ void ScrollOn(EventLoopTimerRef, void*) {
 void Motion(const Event& e) {
   OpenMenus& s = open_menus;
   const Point where = e.mouse.where;
-  // A menu that comes up under a pointer that rests is no motion of it.
+  // A menu that opens under a resting pointer causes a report without a motion.
   if (where == s.last) return;
   if (Far(where, s.last) > kSlop) s.moved = true;
   s.last = where;
@@ -130,7 +130,7 @@ void Motion(const Event& e) {
   SelectItem(&l, 0);
 }
 
-// The release of the press that has dismissed a menu goes with it.
+// Takes the release of the press that has dismissed a menu.
 Tracking SwallowRelease(void*, Event* e);
 Tracker swallow = {SwallowRelease, nullptr, nullptr, 0};
 
@@ -153,7 +153,8 @@ void Press(const Event& e) {
   if (level >= 0) return Hover(size_t(level), e.mouse.where);
   const BarTitle* t = BarTitleAt(e);
   if (!t || t->menu->disabled) return Dismiss();
-  // The way to another title opens it, just before the press that means to.
+  // The pointer's way to another title opens it already; a press on it soon after means to open it,
+  // not to close it.
   const bool came = s.travelled >= 0 && GetCurrentEventTime() - s.travelled < kTravelTime;
   s.travelled = -1;
   if (t->menu != s.levels.front().menu) return SwitchTitle(t->menu, false);
@@ -166,7 +167,7 @@ void Release(const Event& e) {
   const int level = LevelAt(e.mouse.where);
   if (level >= 0) {
     const int item = ItemAt(s.levels[size_t(level)], e.mouse.where);
-    // The release of the press that has opened it: only once the pointer has come to an item.
+    // The release of the press that opened the menu chooses only after the pointer has moved.
     if (item && !click && (s.moved || s.pressed)) ChooseItem(size_t(level), item, false);
     return;
   }
@@ -203,7 +204,7 @@ Tracking TakeKey(Event* e) {
     MenuKey(*e);
     return Tracking::kTake;
   }
-  // What comes up takes effect, and no window hears of it.
+  // The release takes effect, but no window gets it.
   e->window = nullptr;
   return Tracking::kPass;
 }
@@ -229,7 +230,7 @@ Tracking Ask(void*, Event* e) {
     default:
       break;
   }
-  // A request to close, to quit, to open: it is dealt with afterwards.
+  // Requests to close, quit or open are handled after the menu has closed.
   EndMenuTracking(false);
   return Tracking::kLater;
 }
@@ -251,7 +252,7 @@ bool Opened(bool shown) {
   }
   s.aim = s.last;
   if (s.of_bar) DrawMenuBar();
-  PresentWindows();  // the answer to the grab is not waited for before the menu is seen
+  PresentWindows();  // shows the menu before the answer to the grab
   CapturePointer(s.owner, nullptr, Capture::kMenu);
   return true;
 }

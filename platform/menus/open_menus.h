@@ -9,10 +9,12 @@ struct MenuLevel {
   MenuRef menu = nullptr;
   WindowRef window = nullptr;  // its pop-up
   MenuLayout layout;
-  int least_width = 0;  // that was asked for
-  int selected = 0;     // item, 0 none
-  int scroll = 0;       // pixels of the rows that are above the view
-  int drawn = -1;       // the item that is drawn as selected; -1: nothing is drawn yet
+  int least_width = 0;   // that was asked for
+  int selected = 0;      // item, 0 none
+  int scroll = 0;        // pixels of the rows that are above the view
+  int drawn = -1;        // the item that is drawn as selected; -1: nothing is drawn yet
+  std::u32string typed;  // the beginning of an item, without case, and when its last key came
+  double typed_at = 0;
 };
 
 struct OpenMenus {
@@ -41,7 +43,7 @@ extern OpenMenus open_menus;
 // Shows a menu below those that are open; false when there is nothing to show.
 bool PushLevel(MenuRef m, WindowRef parent, const PopUpPlace& place);
 void PopLevels(size_t keep);
-// Its window takes the size that its rows need now.
+// Asks for the window size that its rows need now.
 void FitLevel(const MenuLevel& l);
 // The sub-menu of the selected item of the innermost level, if it has one.
 bool OpenSubMenu(size_t level, bool select_first);

@@ -43,7 +43,7 @@ struct Object {
 uint64_t TakeSerial();
 // Makes the object live and gives it a serial. `type` and `record` are set.
 void EnterObject(Object* object);
-// The object that was found alive last.
+// The object of the last successful check, which is checked first.
 extern const Object* last_live_object;
 bool FindLiveObject(const Object* object);
 // True for an object that was entered and has not ended. Any pointer may be asked about.

@@ -16,7 +16,7 @@ void PointerSet::Grow() {
     if (p) slots_[Find(p)] = p;
 }
 
-// Closes the gap, so that searches need no markers.
+// Moves later pointers into the gap, so that no markers for removed ones are needed.
 void PointerSet::Remove(const void* p) {
   if (!Contains(p)) return;
   --count_;

@@ -18,6 +18,17 @@ char32_t FirstLetter(std::string_view utf8) {
   return utf8.empty() ? 0 : FoldLetter(TakeUtf8(&utf8));
 }
 
+char32_t FoldTyped(char32_t c) {
+  const char32_t letter = FoldLetter(c);
+  return letter ? letter : c;
+}
+
+bool BeginsWithTyped(std::string_view utf8, const std::u32string& typed) {
+  for (const char32_t c : typed)
+    if (utf8.empty() || FoldTyped(TakeUtf8(&utf8)) != c) return false;
+  return true;
+}
+
 char32_t LetterOfKey(uint32_t base_keysym, uint32_t keysym, const char* text) {
   const uint32_t s = base_keysym ? base_keysym : keysym;
   // Key symbols of Latin 1 are their characters; others name one with this bit.

@@ -37,8 +37,8 @@ bool AnswersRequest(WindowRef w) {
   return own;
 }
 
-// The background of an inactive window is lighter, so all of it is drawn again, unless it becomes
-// again what it was before that has happened.
+// The background of an inactive window is lighter, so all of it is drawn again, unless the state
+// changes back before that.
 void SetActive(WindowRef w, bool active) {
   if (w->active == active) return;
   uint32_t before = WindowBackground(w);

@@ -24,8 +24,8 @@ void SetContent(WindowRef w, const Rect& content) {
   NoticeChange(w->object.serial, Change::kBounds);
 }
 
-// Windows of a group that moves together follow the first window, without a notice of their own.
-// It follows none of them: what the desktop does to one stays between the two.
+// The windows of a group that moves together follow the first window, without events of their own.
+// The first window follows none of them: a move of one by the desktop changes only that one.
 void MoveGroup(const Window& leader, int dx, int dy) {
   if (&leader != MenuBarWindow()) return;
   if (!leader.group || !(leader.group->attributes & kWindowGroupAttrMoveTogether)) return;
@@ -42,8 +42,8 @@ int Clamp(int v, int low, int high) {
   return std::max(low, std::min(v, std::max(low, high)));
 }
 
-// The size as it is, or whole steps away from it within the limits; where no step lies between
-// them, the lower limit counts.
+// The nearest size within the limits that differs from `size` by whole steps; where there is none,
+// the first such size from the lower limit on.
 int WithinBySteps(int size, int low, int high, int step) {
   low = std::max(low, 1);
   if (step == 0) return Clamp(size, low, high);
@@ -204,7 +204,7 @@ OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
   Rect wanted = Constrained(w, reported);
   if (!IsValidWindow(w)) return noErr;
   if (!SameSize(wanted, reported)) {
-    // Answered once; who insists on the same size gets it.
+    // A size is refused once; when the desktop reports it again it is accepted.
     if (w->refused == reported) {
       wanted = reported;
     } else {
@@ -214,7 +214,7 @@ OSStatus TakeReportedBounds(HandlerCall*, Event* event, void*) {
     }
   }
   if (!(w->content == wanted)) ApplyBounds(w, wanted);
-  // What is replayed the desktop does not know of.
+  // The desktop does not know of replayed bounds, so they are asked for.
   if (event->bounds.replayed) CurrentDisplay()->move_resize(w);
   // The desktop may report the place before the size that comes back.
   const bool was_full = w->full_bounds;
@@ -233,7 +233,7 @@ void ReadScreens() {
   const bool main_changed = UpdateScreens();
   PlacePopUps(nullptr);
   if (!main_changed) return;
-  // Figures of the screen first: the windows are told of theirs after that.
+  // The figures of the screen are updated before the windows get their events.
   Event e(kEventClassSystem, kEventSystemDisplayReconfigured);
   e.time = GetCurrentEventTime();
   SendEventToEventTarget(&e, GetApplicationEventTarget());

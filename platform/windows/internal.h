@@ -11,7 +11,7 @@ namespace platform {
 std::vector<WindowRef>& WindowList();
 // Gives the surface the size of the content, keeps the old pixels, erases what is new.
 void ResizeSurface(WindowRef w);
-// The display has other screens, or another scale: figures and windows follow.
+// Reads the display's screens and scale again, and adjusts the windows.
 void ReadScreens();
 // The display reports the window's scale, the widths of its frame in device pixels, and the bits of
 // WindowState that the desktop decides.
@@ -20,7 +20,7 @@ void HandleFrame(WindowRef w, const DeviceRect& widths);
 void HandleState(WindowRef w, uint32_t state);
 // The display reports focus: activation of windows and of the application follows.
 void HandleFocus(WindowRef w, bool focused);
-// After a batch of reports: focus that has not come back to any window is gone.
+// Called after a batch of reports: if no window has got the focus by then, it is lost.
 void UpdateActivation();
 // While they are held, windows that are shown do not come onto the screen.
 void HoldWindows(bool held);

@@ -116,8 +116,8 @@ bool DrawEventWaits() {
   return NextToDraw(GetCurrentEventTime()) != nullptr;
 }
 
-// A window that is still blank shows its backdrop; sending its pixels would hold up the picture
-// that comes next.
+// A window that is still blank shows its backdrop; sending its pixels would delay its first
+// picture.
 void PresentWindows() {
   for (WindowRef w : WindowList())
     if (!w->blank || !w->needs_draw) PresentWindow(w);

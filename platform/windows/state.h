@@ -36,7 +36,8 @@ void PlacePopUps(const Window* parent);
 OSStatus TakeReportedBounds(HandlerCall* call, Event* event, void* user_data);
 // The window under a pointer that moves freely chooses its cursor.
 OSStatus ChooseCursor(HandlerCall* call, Event* event, void* user_data);
-// The program asks for the input focus: its coming is no action of the desktop.
+// Notes that the program asks for the input focus, so that getting it does not count as an action
+// of the desktop.
 void NoteFocusRequest(WindowRef w);
 // Tells the display the colour of the window's background, where that has changed.
 void ShowBackdrop(WindowRef w);

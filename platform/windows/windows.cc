@@ -113,14 +113,14 @@ WindowRef CreateNewWindow(int window_class, uint32_t attributes, const Rect& con
   return w;
 }
 
-// What lets go of a button or a key takes effect though its window has ended.
+// Releases of buttons and keys take effect although their window is destroyed.
 static bool IsRelease(const Event& e) {
   if (e.cls == kEventClassMouse) return e.kind == kEventMouseUp;
   return e.cls == kEventClassKeyboard &&
          (e.kind == kEventRawKeyUp || e.kind == kEventRawKeyModifiersChanged);
 }
 
-// Its queued events go, besides releases, which name no window from now on.
+// Drops its queued events but releases, which have no window from now on.
 static void PurgeWindow(const Window* w) {
   ForEachEvent(GetMainEventQueue(), [w](Event* e) {
     if (e->posted()) return;

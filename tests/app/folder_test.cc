@@ -171,9 +171,14 @@ TEST_F(FolderTest, TheFilterShowsWhatMatchesUntilEscape) {
   EXPECT_EQ(Selected(), "b.tif") << "it was hidden, and stayed selected";
   EXPECT_EQ(type("*.pdf"), 2);
   EXPECT_EQ(c_->stop, FocusStop::kFilter);
-  // Return goes to the files, Escape shows all again and keeps the selection.
+  // Return goes to the files, Escape shows all again and keeps the selection; from elsewhere it is
+  // the way back and no more.
   Key(kReturnKey);
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
+  SetFocusStop(c_, FocusStop::kPlaces);
+  Key(kEscapeKey);
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
+  EXPECT_EQ(c_->files.folder.count(), 2);
   EXPECT_EQ(Selected(), "Ärger.pdf");
   Key(kEscapeKey);
   EXPECT_EQ(c_->files.folder.count(), 4);

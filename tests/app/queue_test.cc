@@ -1,8 +1,6 @@
 // The queue in the window, against a real server and a scripted one: what is asked for is done,
 // once, to all that are selected, and what another console did first is told.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include "app/look/controls.h"
 #include "app/panes/queue_cells.h"
@@ -277,22 +275,6 @@ TEST_F(LosingTest, AChangeIsSentOnce) {
   EXPECT_EQ(c_->state.jobs->at(0).copies, 2) << "one change";
   EXPECT_EQ(c_->state.jobs->at(1).copies, 1) << "none";
   EXPECT_EQ(c_->state.away_times, away);
-}
-
-// A peer that takes connections and never says a word.
-TEST_F(LosingTest, ConnectingDoesNotLastForEver) {
-  const int mute = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in at{};
-  at.sin_family = AF_INET;
-  inet_pton(AF_INET, address_.c_str(), &at.sin_addr);
-  ASSERT_EQ(bind(mute, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
-  ASSERT_EQ(listen(mute, 8), 0);
-  socklen_t size = sizeof at;
-  getsockname(mute, reinterpret_cast<sockaddr*>(&at), &size);
-  Open(address_ + ":" + std::to_string(ntohs(at.sin_port)));
-  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_EQ(c_->state.trouble, "does not answer");
-  close(mute);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Random input over the whole console, beside a print server: nothing that a user or the desktop
-// does ends it but a wish to leave, and it can always be left. QUORVIK_SEED chooses the first seed.
+// does ends it but a request to quit, and it can always be left. QUORVIK_SEED chooses the first
+// seed.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>

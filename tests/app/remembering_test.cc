@@ -81,6 +81,11 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
 
 TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   Open("127.0.0.9:1");
+  OpenFiles(c_, {{}, {home_.At("Empty/gone.pdf")}});
+  ASSERT_TRUE(HasRead());
+  EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
+  EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
+  c_->status.ReadMessage();
   OpenFiles(c_, {{home_.At(std::string(kFolder) + "/second.txt")}, {home_.At("gone.pdf")}});
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(Selected(), "second.txt");

@@ -10,6 +10,23 @@ namespace {
 
 constexpr uint32_t kReturnKey = 0xFF0D;
 
+TEST_F(ConsoleTest, AKeyThatComesBeforeTheMenusRunsTheirCommand) {
+  setenv("HOME", home_.path().c_str(), 1);
+  display::UseSteppedClock(1000);
+  XwSession("Quorvik", "Quorvik", 7);
+  c_ = OpenConsole("127.0.0.9:1", home_.path());
+  pump_ = XwCreate(0, 0, 0, 50, 50, Pump);
+  XwTimer(pump_, 1, 20);
+  display::Modifiers(platform::controlKey);
+  Key('2', '2');
+  ASSERT_TRUE(Until([&] { return c_->has_begun; }));
+  EXPECT_EQ(c_->files.folder.order(), FileOrder::kSize);
+  EXPECT_TRUE(c_->files.folder.descending());
+  // Once; from now on by the menus.
+  Key('2', '2');
+  EXPECT_FALSE(c_->files.folder.descending());
+}
+
 TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   constexpr uint32_t kDown = 0xFF54;
   Open("127.0.0.0");

@@ -1,75 +1,24 @@
 // The inspector as its clients see it: examples, which know nothing of it, are worked through its
 // socket on both displays, and hostile clients do no harm.
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 #include <fstream>
 #include <memory>
 
 #include "tests/displays/program.h"
 #include "tests/os/scratch.h"
+#include "tests/support/inspect_client.h"
 #include "tests/support/picture.h"
 #include "tests/support/x_server.h"
+#include "toolkit/xw.h"
 
 namespace {
 
+using Client = support::InspectClient;
 using support::Eventually;
-
-class Client {
- public:
-  // Connects; gives up after ten seconds.
-  explicit Client(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    Eventually([&] {
-      fd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-      if (!connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address)) return true;
-      close(fd_);
-      return false;
-    });
-  }
-  ~Client() { close(fd_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
-
-  void Send(const std::string& bytes) { send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-  void EndSending() { shutdown(fd_, SHUT_WR); }
-  // The next line; "" when the connection has ended.
-  std::string Line() {
-    size_t end;
-    while ((end = in_.find('\n')) == std::string::npos) {
-      char buffer[65536];
-      const ssize_t n = recv(fd_, buffer, sizeof buffer, 0);
-      if (n <= 0) return "";
-      in_.append(buffer, size_t(n));
-    }
-    std::string line = in_.substr(0, end);
-    in_.erase(0, end + 1);
-    return line;
-  }
-  // What is asked is the inside of the object.
-  std::string Ask(const std::string& request) {
-    Send("{" + request + "}\n");
-    return Line();
-  }
-  bool Does(const std::string& request) {
-    const std::string answer = Ask(request);
-    EXPECT_EQ(answer.rfind("{\"ok\":true", 0), 0u) << request << ": " << answer;
-    return answer.rfind("{\"ok\":true", 0) == 0;
-  }
-  // The message of the failure; "" for none.
-  std::string Fault(const std::string& request) {
-    const std::string answer = Ask(request), start = "{\"ok\":false,\"error\":\"";
-    return answer.rfind(start, 0) ? "" : answer.substr(start.size());
-  }
-
- private:
-  int fd_ = -1;
-  std::string in_;
-};
 
 testkit::Picture Decode(const std::string& answer, const std::string& file) {
   const std::string start = "\"png\":\"";
@@ -106,6 +55,20 @@ class Inspect : public testing::TestWithParam<const char*> {
     }
     setenv("XW_DISPLAY", name.c_str(), 1);
   }
+  // Whether a client that runs as another user, and whom the file lets in, is not served. For root.
+  bool TurnsOthersAway() {
+    chmod(path_.c_str(), 0666);
+    chmod(scratch_.path().c_str(), 0711);
+    const pid_t other = fork();
+    if (other == 0) {
+      if (setuid(65534)) _exit(1);
+      Client client(path_);
+      _exit(!client.connected() || !client.Ask(R"("do":"tree")").empty());
+    }
+    int status = -1;
+    waitpid(other, &status, 0);
+    return status == 0;
+  }
   std::string Example(const char* name) { return std::string(EXAMPLES) + "/" + name; }
 
   const Scratch scratch_;
@@ -133,7 +96,9 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
     EXPECT_TRUE(client.Does(R"("do":"type","text":"2\u20AC)"
                             "\"," +
                             copies));
-    EXPECT_TRUE(client.Does(R"("do":"wait","value":"2€",)" + copies));
+    EXPECT_TRUE(client.Does(R"("do":"key","key":"Home",)" + copies));
+    EXPECT_TRUE(client.Does(R"("do":"type","text":"1",)" + copies));
+    EXPECT_TRUE(client.Does(R"("do":"wait","value":"12€",)" + copies));
     EXPECT_TRUE(client.Does(R"("do":"key","key":"Down","role":"list","name":"Profile:")"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Office","gone":true)"));
     EXPECT_TRUE(
@@ -147,6 +112,7 @@ TEST_P(Inspect, WorksAProgramWhoseRecordingShowsTheSame) {
   }
   EXPECT_EQ(shot.width, 420);
   const std::string raw = ReadFile(recording);
+  EXPECT_NE(raw.find(" press w2 "), std::string::npos) << "in the menu";
   EXPECT_LT(raw.find(" modifiers "), raw.find(" press ")) << "the program hears of the key first";
   size_t ends = 0;
   for (size_t at = 0; (at = raw.find(" button=3", at)) != std::string::npos; ++at) ++ends;
@@ -184,6 +150,7 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
       {R"("do":"click","role":"knob","name":"a")", "no role"},
       {R"("do":"click")", "a role or a name"},
       {R"("do":"click","name":"Print","button":6)", "button"},
+      {R"("do":"click","name":"Print","count":1.5)", "count"},
       {R"("do":"click","name":"Print","text":"x")", "text"},
       {R"("do":"click","name":7)", "name"},
       {R"("do":"key","key":"Hyper")", "no key"},
@@ -202,12 +169,32 @@ TEST_P(InspectHeadless, SaysWhatIsWrongAndGoesOn) {
     EXPECT_NE(fault.find(c.fault), std::string::npos) << c.request << ": " << fault;
   }
   EXPECT_TRUE(client.Does(R"("do":"tree")"));
+  // A long text does not keep others waiting, and is answered when it is typed. All of them have
+  // asked before the program looks.
+  Client typist(path_);
+  EXPECT_TRUE(typist.Does(R"("do":"tree")"));
+  const std::string text(4000, 'x'), field = R"("role":"text-field","name":"Copies:")";
+  const std::string look = "{\"do\":\"wait\"," + field + "}\n";
+  dialog.Signal(SIGSTOP);
+  typist.Send(R"({"do":"type","text":")" + text + "\"," + field + "}\n");
+  typist.EndSending();
+  client.Send(look + look + look + look);
+  dialog.Signal(SIGCONT);
+  std::string between;
+  for (int i = 0; i < 4; ++i) between = client.Line();
+  EXPECT_NE(between.find("xxx"), std::string::npos) << between;
+  EXPECT_EQ(between.find(text), std::string::npos);
+  EXPECT_EQ(typist.Line(), "{\"ok\":true}");
+  client.Send(look);
+  EXPECT_NE(client.Line().find('"' + text + '"'), std::string::npos);
 }
 
 TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
   Program clock(Example("10-clock"));  // which is never idle for long
   Client good(path_);
-  EXPECT_TRUE(good.Does(R"("do":"tree")"));
+  EXPECT_NE(good.Ask(R"("do":"tree")").find("\"value\""), std::string::npos) << "it is drawn";
+  good.Send(std::string(65536 - 13, ' ') + "{\"do\":\"tree\"}\n");
+  EXPECT_NE(good.Line().find("Clock"), std::string::npos) << "as long as a line may be";
   {
     Client odd(path_), greedy(path_), endless(path_);
     odd.Send("{\"do\":\"tree\",}\n{\"do\":\"tree\"}\n");
@@ -223,11 +210,17 @@ TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
     greedy.Send(asks.substr(0, 60000));
     EXPECT_TRUE(good.Does(R"("do":"tree")"));
   }
+  // Those that have gone, whatever they were waiting for, leave room for others.
+  for (int i = 0; i < 7; ++i)
+    Client(path_).Send("{\"do\":\"wait\",\"name\":\"never\",\"ms\":600000}\n");
+  EXPECT_TRUE(Eventually(
+      [&] { return Client(path_).Ask(R"("do":"tree")").find("Clock") != std::string::npos; }));
   Client half(path_);
-  half.Send(std::string("{\"do\":\"wait\",\"name\":\"never\",\"ms\":50}\n{\"do\":\"tree\"}\n"));
+  half.Send(std::string(
+      "{\"do\":\"wait\",\"name\":\"never\",\"ms\":50}\n{\"do\":\"tree\"}\n{\"do\":\"tree\"}\n"));
   half.EndSending();
   EXPECT_NE(half.Line().find("no node"), std::string::npos);
-  EXPECT_NE(half.Line().find("Clock"), std::string::npos);
+  for (int i = 0; i < 2; ++i) EXPECT_NE(half.Line().find("Clock"), std::string::npos);
   EXPECT_EQ(half.Line(), "");
   std::vector<std::unique_ptr<Client>> many;
   for (int i = 0; i < 7; ++i) many.push_back(std::make_unique<Client>(path_));
@@ -236,6 +229,24 @@ TEST_P(InspectHeadless, HostileClientsHarmNobodyElse) {
   many.pop_back();
   EXPECT_TRUE(good.Does(R"("do":"tree")"));
   EXPECT_EQ(clock.End(), 0);
+}
+
+int BeBusy(int type) {
+  if (type == 1000) usleep(1000), XwSendEvent(Inp.window, 1000, 0, 0, 0);
+  return 0;
+}
+
+TEST_P(InspectHeadless, AProgramThatNeverRestsIsServed) {
+  const pid_t busy = fork();
+  if (busy == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    XwSession("busy", "Busy", 7);
+    XwSendEvent(XwCreate(0, 50, 50, 90, 90, BeBusy), 1000, 0, 0, 0);
+    XwRunEventLoop();
+  }
+  EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Busy"), std::string::npos);
+  kill(busy, SIGKILL);
+  waitpid(busy, nullptr, 0);
 }
 
 TEST_P(InspectHeadless, TheSocketIsTheUsersAndOneProgramsAtATime) {
@@ -252,16 +263,28 @@ TEST_P(InspectHeadless, TheSocketIsTheUsersAndOneProgramsAtATime) {
     struct stat socket;
     ASSERT_EQ(stat(path_.c_str(), &socket), 0);
     EXPECT_EQ(socket.st_mode & 0777, 0600u);
+    EXPECT_TRUE(geteuid() || TurnsOthersAway());
     // Another program does not take it away, also when it ends.
     Program second(Example("05-fields"));
     EXPECT_TRUE(client.Does(R"("do":"wait","name":"Dialog")"));
   }
   EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Dialog"), std::string::npos);
-  // What a crash has left behind is replaced.
+  // What a crash has left behind is replaced; signals leave nothing.
   EXPECT_EQ(first.End(SIGKILL), -1);
   EXPECT_EQ(access(path_.c_str(), F_OK), 0);
-  Program third(Example("05-fields"));
-  EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Fields"), std::string::npos);
+  for (int signal : {SIGINT, SIGHUP}) {
+    Program third(Example("05-fields"));
+    EXPECT_NE(Client(path_).Ask(R"("do":"tree")").find("Fields"), std::string::npos);
+    EXPECT_EQ(third.End(signal), -1);
+    EXPECT_EQ(access(path_.c_str(), F_OK), -1) << signal;
+  }
+  // Nor is another program's taken away, which has replaced it.
+  Program fourth(Example("05-fields"));
+  EXPECT_TRUE(Client(path_).Does(R"("do":"tree")"));
+  unlink(path_.c_str());
+  std::ofstream(path_) << "another";
+  EXPECT_EQ(fourth.End(), 0);
+  EXPECT_EQ(ReadFile(path_), "another");
 }
 
 }  // namespace

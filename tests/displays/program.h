@@ -28,6 +28,7 @@ class Program {
     kill(pid_, signal);
     return Wait();
   }
+  void Signal(int signal) const { kill(pid_, signal); }
   int Wait() {
     int status = 0;
     waitpid(pid_, &status, 0);

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string>
 
+#include "platform/theme/roles.h"
+#include "platform/theme/theme.h"
 #include "tests/support/canvas.h"
 
 using namespace platform;
@@ -20,7 +22,7 @@ int Painted(const Canvas& c) {
   return 40 * 40 - c.Count(Canvas::kBlank);
 }
 
-constexpr int16_t kPoints[] = {2, 3, 30, 11, 9, 38, 2, 3};
+constexpr int16_t kPoints[] = {2, 3, 30, 38, 9, 38, 2, 3};
 constexpr int kWidths[] = {10, 6, 0};
 const uint8_t kPixels[4 * 3] = {};
 
@@ -41,7 +43,7 @@ void (*const kCalls[])() = {
     [] { XwDrawSeparator(5, 5, 9, 0); },
     [] { XwDrawTable(4, 4, 2, 8, kWidths); },
     [] { XwDrawProgress(5, 5, 30, 12, 9); },
-    [] { XwDrawText(nullptr, 0, 3, 5, 0, 0, "x", 0, 0xFFFF); },
+    [] { XwDrawText(LoadFont("DejaVu Sans", 13, 0), 0, 3, 5, 0, 0, "gy", 0, -1); },
     [] { XwDrawIcon(IC_ARROWS, 5, 5, 30, 30, 0, 0); },
     [] { XwPutImageData(2, 3, 3, 1, kPixels); },
 };
@@ -65,6 +67,8 @@ TEST(State, DashesStayAndChangeOnlyLines) {
   // An empty pattern: no dashes are set, those of the context and the second colour remain.
   XwSetDashes(none, 0, 0, 0);
   EXPECT_EQ(DashCount, 0);
+  XwDrawSeparator(20, 30, 9, 0);  // is solid, and leaves them
+  EXPECT_EQ(c.at(22, 30), 0xFFDAD7D2u);
   XwDrawLine(0, 10, 7, 10);
   for (int x = 0; x < 8; ++x) EXPECT_EQ(c.at(x, 10), x % 4 < 2 ? Canvas::kBlank : kBlue) << x;
   XwSetDashes(nullptr, 0, 0, 0);
@@ -80,7 +84,7 @@ TEST(State, DashesStayAndChangeOnlyLines) {
 }
 
 TEST(State, DashesAndColoursOutliveTheTarget) {
-  const uint8_t pattern[] = {3, 3, 0};
+  const uint8_t pattern[] = {2, 4, 0};  // the second colour goes before the first
   {
     Canvas c(40, 40);
     XwSetColor(kRedColour);
@@ -90,7 +94,10 @@ TEST(State, DashesAndColoursOutliveTheTarget) {
   XwFillRect(0, 0, 1, 1);
   EXPECT_EQ(c.at(0, 0), kRed);
   XwDrawLine(0, 5, 39, 5);
-  for (int x = 0; x < 40; ++x) EXPECT_EQ(c.at(x, 5), (x + 1) % 6 < 3 ? kGreen : kBlue) << x;
+  for (int x = 0; x < 40; ++x) {
+    const int at = (x + 1) % 6;
+    EXPECT_EQ(c.at(x, 5), at < 2 ? kGreen : at < 4 ? Canvas::kBlank : kBlue) << x;
+  }
   XwSetDashes(nullptr, 0, 0, 0);
 }
 
@@ -116,8 +123,10 @@ TEST(State, Clearing) {
     int32_t colour;
     int brush;
     uint32_t pixel;
-  } const backgrounds[] = {
-      {kRedColour, 0, kRed}, {-1, 15, 0xFFFFFFFFu}, {kRedColour, -1, 0xFF000000u}};
+  } const backgrounds[] = {{kRedColour, 0, kRed},
+                           {-1, 15, 0xFFFFFFFFu},
+                           {-1, 7, 0xFFF6F5F3u},
+                           {kRedColour, -1, 0xFF000000u}};
   for (const auto& g : backgrounds) {
     Canvas c(40, 40);
     XwBox(0, 0, 40, 40, kGreenColour);
@@ -132,6 +141,10 @@ TEST(State, Clearing) {
     EXPECT_EQ(c.Count(g.pixel), 1600);
   }
   Canvas c(40, 40);
+  c.window().color = kGreenColour;
+  XwDrawHole(0, 0, 20, 20, -2);
+  EXPECT_EQ(c.Count(kGreen), 14 * 14) << "two pixels from the left and top, four from the others";
+  c.window().color = -1;
   XwBox(0, 0, 40, 40, kGreenColour);
   XwClear(0, 0, 0, 0);  // neither brush nor colour
   EXPECT_EQ(c.Count(kGreen), 1600);
@@ -149,6 +162,14 @@ TEST(State, Clearing) {
   XwDrawSeparator(20, 20, 5, 5);
   EXPECT_EQ(c.at(19, 22), 0xFFFFFFFFu);
   c.window().parent = nullptr;
+}
+
+TEST(Elements, HugeSizesReachTheEdges) {
+  Canvas c(40, 40);
+  XwBox(5, 5, INT_MAX, INT_MAX, kRedColour);
+  EXPECT_EQ(c.Count(kRed), 35 * 35);
+  XwDrawBevel(5, 5, INT_MAX, INT_MAX, 1);
+  EXPECT_EQ(c.at(39, 39), 0xFFFEFEFDu);
 }
 
 // Where the hairline and the erased pixels of separators lie: 'h' hairline, 'e' erased.
@@ -199,10 +220,23 @@ TEST(Elements, TablesAndProgress) {
   // The bar's right edge at value v: four pixels of round end, then v.
   for (int value : {0, 1, 10, 22, 30, 1000, -5}) {
     Canvas c(40, 40);
+    c.window().color = kGreenColour;
     XwDrawProgress(5, 10, 30, 12, value);
+    EXPECT_EQ(c.at(38, 23), kGreen) << "cleared around it";
+    EXPECT_EQ(c.at(39, 23), Canvas::kBlank);
     int right = value <= 0 ? 5 : value >= 22 ? 35 : 5 + 4 + value;
     for (int x = 11; x < 29; ++x)
       EXPECT_EQ(c.at(x, 15) == 0xFF3875D7u, x < right) << value << " at " << x;
+  }
+}
+
+TEST(Elements, AnInactiveDefaultButtonIsPlain) {
+  ThemeButtonDrawInfo info;
+  info.adornment = kThemeAdornmentDefault;
+  for (const int state : {kThemeStateInactive, kThemeStateActive}) {
+    info.state = state;
+    const Role ink = state == kThemeStateInactive ? Role::kInk : Role::kDocument;
+    EXPECT_EQ(ThemeButtonTextColor(kThemePushButton, info), RoleColor(ink));
   }
 }
 
@@ -224,10 +258,17 @@ TEST(Images, AllocationAndCuts) {
   XwPutImage(0, 0, 0, 0, 5, 5, nullptr);
   XwPutImageData(0, 0, 5, 5, nullptr);
   EXPECT_EQ(Painted(c), 0);
+  for (int i = 0; i < 40; ++i) image[4 * i + 3] = uint8_t(i);
+  XwPutImageData(0, 0, 40, 1, image);
+  for (int i = 0; i < 40; ++i) EXPECT_EQ(c.at(i, 0), 0xFF000000u + uint32_t(i));
   image = XwReallocImage(image, 2, 1);
   EXPECT_EQ(image[7], 0);
   XwFreeImage(image);
   XwFreeImage(nullptr);
+  // The mean of the opacity is rounded: half of four is 128 of 255.
+  const uint32_t argb[] = {0xFF000000u, 0xFF000000u, 0, 0};
+  DrawIconPicture(c.context(), 1, 1, 1, 1, argb, 2);
+  EXPECT_EQ(c.at(1, 1), 0xFF7F7F7Fu);
   XW = nullptr;
   EXPECT_EQ(XwAllocImage(0, 0), nullptr);
 }

@@ -168,6 +168,8 @@ TEST_F(Finder, DamagedAnswersAreNotBelieved) {
   auto plain = [&] {
     return InProcess([&] { return Loads("Quorvik Test", 0, "QuorvikTest", true); });
   };
+  Install("plain.ttf", "");  // a relative name would find it
+  fs::current_path(root_);
   ASSERT_TRUE(plain());
   std::string good = ReadFile(Cache());
   std::string font = good.substr(good.find("nQuorvikTest\t"));
@@ -177,7 +179,7 @@ TEST_F(Finder, DamagedAnswersAreNotBelieved) {
                              "xw fonts 0\n",
                              good.substr(0, good.size() - 1),
                              good.substr(0, good.size() / 2),
-                             head + "nQuorvikTest\trelative.ttf\t0\t1000\t800\t-200\t600\n",
+                             head + "nQuorvikTest\tplain.ttf\t0\t1000\t800\t-200\t600\n",
                              head + "nQuorvikTest\t/x.ttf\t-1\t1000\t800\t-200\t600\n",
                              head + "nQuorvikTest\t/x.ttf\t0\t0\t800\t-200\t600\n",
                              head + "nQuorvikTest\t/x.ttf\t0\t1000\t800\n",
@@ -238,6 +240,7 @@ TEST(Match, Order) {
     e.width = width;
     c.entries.push_back(e);
   };
+  add("0", "NimbusSans-Light", "Nimbus Sans Light", "Nimbus Sans", 50, 0, 100);
   add("1", "NimbusSans-Bold", "Nimbus Sans Bold", "Nimbus Sans", 200, 0, 100);
   add("2", "NimbusSans-Italic", "Nimbus Sans Italic", "Nimbus Sans", 80, 100, 100);
   add("3", "NimbusSans-Regular", "Nimbus Sans Regular", "Nimbus Sans", 80, 0, 100);

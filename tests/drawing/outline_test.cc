@@ -200,11 +200,16 @@ TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
   ASSERT_EQ(damage.size(), 1u);
   EXPECT_EQ(Intersect(damage[0], {5, 6, 18, 19}), (DeviceRect{5, 6, 18, 19}));
   canvas.Wipe();
-  Region parts({5, 5, 9, 30});
+  for (const float width : {0.f, -1.f, NAN, INFINITY}) XwStrokePath(kSquare, 5, width, 0);
+  EXPECT_EQ(InkOf(canvas, kSide).area, 0);
+  Region parts({5, 5, 9, 12});
   parts.Add({12, 5, 15, 30});
+  ClipContextToRect(canvas.context(), {0, 0, 1, 1});
   ClipContextToRegion(canvas.context(), parts);
+  RestoreContextClip(canvas.context());  // the cuts of the clip before are gone
   XwFillPath(kSquare, 5, 0);
   XwStrokePath(kSquare, 5, 3, 0);
+  XwStrokePath(kSquare, 5, -6, 0x0000FF);
   for (int y = 0; y < kSide; ++y)
     for (int x = 0; x < kSide; ++x)
       ASSERT_TRUE(parts.contains({x, y}) || canvas.at(x, y) == Canvas::kBlank) << x << " " << y;
@@ -227,19 +232,62 @@ TEST(Path, ALineWithoutALengthIsADot) {
   }
 }
 
-// A line of as many parts as there may be, there and back: its edges have more points than the
-// rasteriser takes, and it is still one line.
-TEST(Path, ALongLineIsDrawnWholeAndCoversOnce) {
+// Steps so short that the grid of the points bends each of them are still one straight line.
+TEST(Path, ALineOfShortStepsIsNoThicker) {
   Canvas canvas(kSide, kSide, 2.0);
   std::vector<XwPathPart> parts;
   for (int i = 0; i < 10000; ++i) {
-    const float x = 5 + float(i % 2000 < 1000 ? i % 1000 : 1000 - i % 1000) * 0.03f;
-    parts.push_back({uint8_t(i ? XWP_CUBIC : XWP_MOVE), x, 20, x, 20, x, 20});
+    const float x = 5 + float(i) * 0.003f, y = 5 + 0.3f * float(i) * 0.003f;
+    parts.push_back({uint8_t(i ? XWP_CUBIC : XWP_MOVE), x, y, x, y, x, y});
   }
   XwStrokePath(parts.data(), 10000, 3.25f, 0x000000);
-  const Ink ink = InkOf(canvas, canvas.surface().width);
-  EXPECT_EQ(ink.box, (DeviceRect{6, 36, 74, 44}));
-  EXPECT_NEAR(ink.area, 60 * 6.5 + 3.25 * 3.25 * std::numbers::pi, 4);
+  const double length = 60 * std::hypot(1, 0.3);
+  EXPECT_NEAR(InkOf(canvas, canvas.surface().width).area,
+              length * 6.5 + 3.25 * 3.25 * std::numbers::pi, 2);
+}
+
+TEST(Path, NoShortStepIsLost) {
+  const std::vector<PathPart> rows[] = {
+      {{kMove, 100, 100}, {kLine, 100.8f, 100}, {kLine, 100.8f, 180}},
+      {{kMove, 100, 100}, {kLine, 100.8f, 100}, {kCubic, 100.8f, 180, 100.8f, 130, 100.8f, 150}},
+      {{kMove, 20, 105}, {kLine, 100, 105}, {kLine, 100.8f, 105}},
+      {{kMove, 100, 20}, {kLine, 20, 105}, {kLine, 100, 105}, {kLine, 100.8f, 105}, {kClose}}};
+  for (const auto& parts : rows) {
+    Canvas canvas(300, 300, 1.0);
+    StrokePath(canvas.context(), parts.data(), int(parts.size()), 160, 0);
+    EXPECT_NEAR(int(canvas.at(180, 105) & 0xFF), 51, 16);
+  }
+}
+
+// A line whose edges have more points than the rasteriser takes, to and fro in rows: it is still
+// one line, without gaps and nowhere lighter or darker. Other lines lie below it.
+TEST(Path, ALongLineIsDrawnWholeAndCoversOnce) {
+  constexpr int kRows = 76, kSteps = 130;
+  std::vector<PathPart> parts = {{kMove, 10, 160}, {kLine, 30, 160}, {kMove, 40, 160},
+                                 {kLine, 60, 170}, {kLine, 40, 170}, {kClose}};
+  const size_t others = parts.size();
+  for (int row = 0; row < kRows; ++row)
+    for (int step = 0; step <= kSteps; ++step) {
+      const bool first = parts.size() == others;
+      const float x = 3.25f + 1.5f * float(row % 2 ? kSteps - step : step);
+      const float y = 1.375f + 2 * float(row);
+      const PathPart p = first ? PathPart{kMove, x, y} : parts.back();
+      parts.push_back({first ? kMove : kCubic, x, y, p.x + (x - p.x) / 3, p.y + (y - p.y) / 3,
+                       p.x + (x - p.x) * 2 / 3, p.y + (y - p.y) * 2 / 3});
+    }
+  Canvas canvas(201, 300, 2.0);
+  StrokePath(canvas.context(), parts.data(), int(parts.size()), 0.5f, 0);
+  for (int row = 0; row < kRows; ++row)
+    for (int x = 8; x < 393; ++x) {
+      ASSERT_NEAR(int(canvas.at(x, 4 * row + 2) & 0xFF), 64, 4) << x << " " << row;
+      ASSERT_NEAR(int(canvas.at(x, 4 * row + 3) & 0xFF), 191, 4) << x << " " << row;
+    }
+  for (const auto& [x, y] : {std::pair{40, 320}, {100, 330}, {100, 340}, {80, 330}})
+    EXPECT_LT(canvas.at(x, y) & 0xFF, 200u) << x << " " << y;
+  std::vector<DeviceRect> damage;
+  canvas.surface().damage.Take(&damage);
+  ASSERT_EQ(damage.size(), 1u);
+  EXPECT_EQ(damage[0].bottom, InkOf(canvas, 402).box.bottom);
 }
 
 // An icon whose bits are its left half and whose outline is its upper half.

@@ -127,6 +127,21 @@ TEST(Text, Width) {
   EXPECT_EQ(XwTextWidth(LoadFont("Quorvik Test", INT_MIN, 0), "abc"), 0);
 }
 
+// The same columns show, whether the pen begins beyond the left edge or not.
+TEST(Text, IsCutAtTheLeft) {
+  XwFont* f = LoadFont("Quorvik Test", 13, 0);
+  for (const double scale : {1.0, 1.25}) {
+    Canvas cut(40, 20, scale), whole(60, 20, scale);
+    XW = &cut.window();
+    XwDrawText(f, 0, -10, 2, 0, 0, "abcdef", 0, -1);
+    XW = &whole.window();
+    XwDrawText(f, 0, 10, 2, 0, 0, "abcdef", 0, -1);
+    const int shift = DeviceEdge(20, scale);
+    for (int x = 0; x < cut.surface().width - 5; ++x)
+      ASSERT_EQ(cut.at(x, 10), whole.at(x + shift, 10)) << scale << ": " << x;
+  }
+}
+
 // What the font lacks comes from another, at that one's own width.
 TEST(Text, MissingCharactersAreFoundElsewhere) {
   XwFont* f = LoadFont("Quorvik Test", 10, 0);

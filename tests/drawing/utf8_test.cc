@@ -7,8 +7,11 @@
 #include <filesystem>
 
 #include "platform/fonts/fonts.h"
+#include "platform/fonts/glyphs.h"
 #include "platform/graphics/font_library.h"
 #include "platform/text/mac_roman.h"
+#include "platform/theme/text.h"
+#include "platform/theme/theme.h"
 #include "tests/os/scratch.h"
 #include "tests/support/canvas.h"
 
@@ -88,6 +91,8 @@ std::string Fit(XwFont* font, const std::string& text, int width) {
 TEST_F(Utf8Text, TheToolkitsSetLooksTheSame) {
   UseScripts();
   XwFont* font = Dejavu();
+  EXPECT_STREQ(XwTextFit(font, "WWWW", 45), "") << "four are not shortened";
+  EXPECT_EQ(Fit(font, "WWWW", 45), "");
   for (int first = 1; first < 256; first += 15) {
     std::string mac;
     for (int c = first; c < first + 15 && c < 256; ++c) mac += char(c);
@@ -155,6 +160,32 @@ TEST_F(Utf8Text, MarksStandOverTheirLetters) {
     EXPECT_EQ(XwTextWidthUtf8(font, marked.c_str()), XwTextWidthUtf8(font, letter));
     EXPECT_NE(Drawn(font, marked), Drawn(font, letter));
   }
+  // The marks of this font lie to the right of their pen, so they are drawn at the letter's.
+  Use(kFonts / "dejavu/DejaVuSansMono.ttf");
+  Begin();
+  const auto right_of = [](const std::vector<uint32_t>& pixels) {
+    size_t right = 0;
+    for (size_t i = 0; i < pixels.size(); ++i)
+      if ((pixels[i] & 0xFF) < 0x80) right = std::max(right, i % 200);
+    return right;
+  };
+  font = LoadFont("DejaVu Sans Mono", 13, 0);
+  EXPECT_EQ(right_of(Drawn(font, "x\u0301")), right_of(Drawn(font, "x")));
+}
+
+TEST_F(Utf8Text, AThemeTextIsCutOnlyWhereItDoesNotFit) {
+  UseScripts();
+  const int width = ThemeTextWidth("caf\u00e9", false) - 1;  // which is rounded up
+  const auto drawn = [width](int more) {
+    Canvas c(80, 24);
+    ThemeTextStyle style;
+    style.justification = TextJustification::kLeft;
+    DrawThemeText(c.context(), {3, 3, 3 + width + more, 21}, "caf\u00e9", style);
+    return std::vector<uint32_t>(c.surface().pixels, c.surface().pixels + 80 * 24);
+  };
+  EXPECT_EQ(drawn(0), drawn(9));
+  EXPECT_NE(drawn(-1), drawn(9));
+  FinishTheme();
 }
 
 TEST_F(Utf8Text, WhatTheFontLacksComesFromTheFirstFileThatHasIt) {
@@ -172,6 +203,11 @@ TEST_F(Utf8Text, WhatTheFontLacksComesFromTheFirstFileThatHasIt) {
   EXPECT_EQ(Drawn(font, "\u4e2d"), han);
   EXPECT_NE(Drawn(font, "\u03b1"), greek);
   EXPECT_EQ(XwTextWidthUtf8(font, "c\u030c"), 6) << "the font's own letter stays";
+  EXPECT_EQ(XwTextWidthUtf8(LoadFont("Quorvik Test", 1000, 0), "\u03b3"), 592) << "rounded";
+  Begin();
+  Use(fs::path(FONTS) / "mono.ttf", "a.ttf");
+  font = LoadFont("Quorvik Test", 10, 0);
+  EXPECT_EQ(XwTextWidthUtf8(font, "\u03a9"), 7) << "of the toolkit's set, the sans-serif has it";
 }
 
 TEST_F(Utf8Text, WhatNoFontHasIsABoxWithItsNumber) {
@@ -180,6 +216,7 @@ TEST_F(Utf8Text, WhatNoFontHasIsABoxWithItsNumber) {
   EXPECT_EQ(XwTextWidthUtf8(font, "\u4e2d"), 13);
   EXPECT_EQ(XwTextWidthUtf8(font, "\U0001F600"), 17);
   EXPECT_NE(Drawn(font, "\u4e2d"), Drawn(font, "\u4e2e"));
+  EXPECT_NE(Drawn(font, "\U0001F600"), Drawn(font, "\U0010F600"));
   // The frame of 11 by 15 pixels around "4E" over "2D": 11 and 12 pixels, and 9 and 12.
   Canvas canvas(20, 24);
   XwDrawTextUtf8(font, 0, 2, 3, 0, 0, "\u4e2d", 0, -1);
@@ -189,6 +226,21 @@ TEST_F(Utf8Text, WhatNoFontHasIsABoxWithItsNumber) {
     XwDrawTextUtf8(font, 0, 2, 3, 0, 0, "\u4e2d\U0010FFFF", 0, -1);
     EXPECT_GT(scaled.Count(0xFF000000u), 0) << scale;
   }
+}
+
+// However many characters are drawn, the masks of a size take a bounded amount of memory.
+TEST_F(Utf8Text, MasksAreDroppedBeforeTheyFillTheMemory) {
+  UseScripts();
+  XwFont* font = LoadFont("DejaVu Sans", 200, 0);
+  Canvas canvas(20, 20);
+  for (char32_t c = 0x4E00; c < 0x5200; ++c) {
+    char utf8[5] = {};
+    PutUtf8(c, utf8);
+    XwDrawTextUtf8(font, 0, 0, 0, 0, 0, utf8, 0, -1);
+  }
+  const auto& sets = static_cast<SizedFont*>(font->platform)->sets;
+  ASSERT_EQ(sets.size(), 1u);
+  EXPECT_LT(sets[0]->masks.size(), size_t{17} << 20);
 }
 
 TEST_F(Utf8Text, AFontThatIsRemovedShowsBoxes) {

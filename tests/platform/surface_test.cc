@@ -4,6 +4,7 @@
 #include <climits>
 #include <random>
 
+#include "platform/graphics/png.h"
 #include "platform/graphics/region.h"
 #include "platform/graphics/surface.h"
 
@@ -22,7 +23,7 @@ TEST(Damage, CoversAllThatIsMarkedAndNothingOutsideTheBox) {
   std::mt19937 random(7);
   auto below = [&](int n) { return int(random() % uint32_t(n)); };
   const int sizes[][2] = {{1, 1},     {63, 65},   {64, 64},  {640, 480},
-                          {1000, 30}, {5000, 70}, {70, 3000}};
+                          {1000, 30}, {4160, 70}, {70, 3000}};
   for (const auto& size : sizes) {
     const int w = size[0], h = size[1];
     Damage damage;
@@ -75,6 +76,9 @@ TEST(Damage, MarksOfASurface) {
   EXPECT_EQ(rects, (std::vector<DeviceRect>{{0, 0, 5, 5}}));
   EXPECT_EQ(pixels[4 * 100 + 4], 0xFF123456u);
   EXPECT_EQ(pixels[5 * 100 + 4], 0u);
+  std::vector<uint32_t> part;
+  for (size_t i = 0; i < 6 * 8; ++i) part.push_back(pixels[i / 8 * 100 + i % 8]);
+  EXPECT_EQ(EncodePng(pixels.data(), 8, 6, 100), EncodePng(part.data(), 8, 6, 8));
 }
 
 TEST(Region, ArithmeticAgreesWithABitmap) {

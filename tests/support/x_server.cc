@@ -182,18 +182,19 @@ void XUser::Click(int button) {
   Button(button, false);
 }
 
-void XUser::Key(uint32_t keysym, bool down) {
+int XUser::CodeOf(uint32_t keysym, int column) {
   const xcb_setup_t* setup = xcb_get_setup(c_);
   const int first = setup->min_keycode, count = setup->max_keycode - first + 1;
   Reply map(xcb_get_keyboard_mapping_reply(
       c_, xcb_get_keyboard_mapping(c_, uint8_t(first), uint8_t(count)), nullptr));
   const xcb_keysym_t* syms = xcb_get_keyboard_mapping_keysyms(map.p);
-  for (int i = 0; i < count; ++i) {
-    if (syms[i * map->keysyms_per_keycode] != keysym) continue;
-    xcb_test_fake_input(c_, down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, uint8_t(first + i), 0, 0, 0, 0,
-                        0);
-    break;
-  }
+  for (int i = 0; i < count; ++i)
+    if (syms[i * map->keysyms_per_keycode + column] == keysym) return first + i;
+  return 0;
+}
+
+void XUser::Key(uint32_t keysym, bool down) {
+  if (const int code = CodeOf(keysym, 0)) Code(code, down);
   Sync();
 }
 
@@ -205,6 +206,21 @@ void XUser::Code(int keycode, bool down) {
 void XUser::Type(uint32_t keysym) {
   Key(keysym, true);
   Key(keysym, false);
+}
+
+void XUser::Write(const std::string& text) {
+  constexpr uint32_t kShiftKey = 0xFFE1;
+  for (const char c : text) {
+    const auto keysym = uint32_t(static_cast<unsigned char>(c));
+    if (CodeOf(keysym, 0)) {
+      Type(keysym);
+    } else if (const int code = CodeOf(keysym, 1)) {
+      Key(kShiftKey, true);
+      Code(code, true);
+      Code(code, false);
+      Key(kShiftKey, false);
+    }
+  }
 }
 
 bool XUser::IsManaged() {

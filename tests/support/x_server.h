@@ -70,6 +70,8 @@ class XUser {
   // Keys by symbol (as in keysymdef): the key that has it without modifiers.
   void Key(uint32_t keysym, bool down);
   void Type(uint32_t keysym);
+  // Latin characters that the keyboard has, with Shift for those that need it.
+  void Write(const std::string& text);
   // A key by the server's number of it.
   void Code(int keycode, bool down);
   // The window whose title is `title`, null (0) when there is none. Waits for it to come.
@@ -102,6 +104,8 @@ class XUser {
 
  private:
   xcb_window_t Search(xcb_window_t in, const std::string& title);
+  // The key that has the symbol, without Shift (column 0) or with it; 0 when there is none.
+  int CodeOf(uint32_t keysym, int column);
   xcb_connection_t* c_ = nullptr;
   xcb_screen_t* screen_ = nullptr;
   xcb_window_t marker_ = 0;  // whose frame the manager is asked about

@@ -5,8 +5,11 @@
 
 #include <functional>
 
+#include "platform/events/queue.h"
 #include "tests/support/picture.h"
 #include "tests/toolkit/control_stage.h"
+#include "toolkit/core/post.h"
+#include "toolkit/target/selection.h"
 
 namespace {
 
@@ -74,6 +77,9 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
     EXPECT_EQ(Inp.type, 0);
     EXPECT_EQ(Inp.focus, s.main);
     EXPECT_EQ(W_End, last);
+    EXPECT_EQ(XStackCount, 0);
+    platform::ForEachUserEvent(platform::GetMainEventQueue(), kToolkitEventClass,
+                               [](void* e) { EXPECT_NE(static_cast<XwEvent*>(e)->type, 0); });
     // Neither the press nor the key is heard outside.
     Quiet();
     RunLoop();
@@ -203,14 +209,21 @@ TEST(Alert, OtherWindowsKeepWhatTheyShow) {
 
 TEST(Alert, OneThatTheProgramDestroysIsOver) {
   ControlScreen s;
-  s.main->handler = Answer;
-  result = 1000;
-  EXPECT_EQ(Ask({[&] {
-                  XwDestroy(alert);
-                  XwSendEvent(s.main, 1000, 0, 0, 0);
-                }},
-                nullptr, nullptr, "A"),
-            0);
+  auto end = [](platform::EventLoopTimerRef, void*) { XwDestroy(alert); };
+  auto handler = +[](int type) { return type == 1000 ? XwDestroy(Inp.window), 0 : type; };
+  auto fail = [] { FAIL() << "it waits for something else"; };
+  const std::vector<std::function<void()>> rows[] = {{[=] {
+                                                        input::Focus(nullptr);
+                                                        platform::InstallEventLoopTimer(0.1, 0, end,
+                                                                                        nullptr);
+                                                      },
+                                                      fail},
+                                                     {[=] {
+                                                        alert->handler = handler;
+                                                        XwSendEvent(alert, 1000, 0, 0, 0);
+                                                      },
+                                                      fail}};
+  for (const auto& steps_of_row : rows) EXPECT_EQ(Ask(steps_of_row, nullptr, nullptr, "A"), 0);
 }
 
 TEST(Alert, TextsOfEveryScript) {

@@ -127,6 +127,19 @@ TEST(Keys, FollowTheDesktopsFocus) {
   EXPECT_EQ(Inp.focus, other);
 }
 
+// Where the program moves it, what was waiting does not turn the keys away again.
+TEST(Keys, FollowTheProgramsFocus) {
+  XwWindow* main = OpenMain();
+  XwSetFocus(main);
+  XwWindow* other = Top("other", 500, 100, 100, 100);
+  XwSendEvent(main, 1000, 0, 0, 0);
+  XwSetFocus(other);
+  RunLoop();
+  seen.clear();
+  input::KeyDown('a');
+  EXPECT_EQ(RunTrace(), "other 97");
+}
+
 // A window that ends takes its keys along; the next one hears of what came up by then.
 TEST(Keys, OfAWindowThatEndedComeUpWithoutAnEvent) {
   OpenMain();

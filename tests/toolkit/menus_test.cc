@@ -335,6 +335,14 @@ TEST(Menus, PopUps) {
   };
   User({open, Up, Key('b', 'b'), Key('b', 'b'), Key(kReturn, 13)});
   EXPECT_EQ(result, 202);
+  // Letters that follow at once go on with it, and so does a space.
+  on_event = [](int type) {
+    static const char* const names[] = {"Desk 1", "Desk 10", "Desk 12", "Tray", nullptr};
+    if (type == XWE_PRESS) result = XwPopupList(names, 0);
+  };
+  User({open, Up, Key('d', 'd'), Key('e', 'e'), Key('s', 's'), Key('k', 'k'), Key(' ', ' '),
+        Key('1', '1'), Key('2', '2'), Key(kReturn, 13)});
+  EXPECT_EQ(result, 2);
   on_event = press;
   // It is closed by what takes the pointer or the window away, and by requests, which follow.
   const std::function<void()> ends[] = {Key(kEscape, 27), [] { input::Quit(); },
@@ -492,8 +500,10 @@ TEST(Menus, TooMany) {
         [] {
           EXPECT_TRUE(Shown("Item 199"));
           EXPECT_EQ(Item("Item 199").bounds.height(), Item("Item 198").bounds.height());
+          for (int id = 1000; id < 1190; ++id) XwChangeMenuItemFlags(items->data(), id, XWM_HIDDEN);
         },
-        Key(kEnd), Key(kReturn, 13)});
+        [] { EXPECT_TRUE(Shown("Item 190")) << "what is left needs no scrolling"; }, Key(kEnd),
+        Key(kReturn, 13)});
   EXPECT_EQ(result, 1199);
   // A bar too narrow for its titles.
   std::vector<XwMenuItem> titles;

@@ -40,6 +40,40 @@ TEST(Session, SetsItsGlobals) {
   EXPECT_STREQ(getcwd(folder, sizeof folder), "/");
 }
 
+// Every call that draws, and the line that it traces.
+const struct {
+  void (*call)();
+  const char* line;
+} kDrawing[] = {
+    {[] { XwClip(1, 2, 30, 40); }, "XwClip 1 2 30 40"},
+    {[] { XwSetDashes(nullptr, 1, 2, 3); }, "XwSetDashes 1 2 3"},
+    {[] { XwClear(1, 2, 3, 4); }, "XwClear 1 2 3 4"},
+    {[] { XwBox(1, 2, 3, 4, 5); }, "XwBox 1 2 3 4 5\ndraw: XwSetColor 5\ndraw: XwFillRect 1 2 3 4"},
+    {[] { XwDrawRect(1, 2, 3, 4); }, "XwDrawRect 1 2 3 4"},
+    {[] { XwDrawLine(1, 2, 3, 4); }, "XwDrawLine 1 2 3 4"},
+    {[] { XwDrawLines(nullptr, 3); }, "XwDrawLines 3"},
+    {[] { XwFillPolygon(nullptr, 3); }, "XwFillPolygon 3"},
+    {[] { XwDrawEllipse(1, 2, 3, 4); }, "XwDrawEllipse 1 2 3 4"},
+    {[] { XwFillEllipse(1, 2, 3, 4); }, "XwFillEllipse 1 2 3 4"},
+    {[] { XwDrawBevel(1, 2, 3, 4, 1); }, "XwDrawBevel 1 2 3 4 1"},
+    {[] { XwDrawHole(1, 2, 3, 4, -1); }, "XwDrawHole 1 2 3 4 -1"},
+    {[] { XwDrawBorder(); }, "XwDrawBorder"},
+    {[] { XwDrawSeparator(1, 2, 3, 0); }, "XwDrawSeparator 1 2 3 0"},
+    {[] { XwDrawTable(1, 2, 3, 4, nullptr); }, "XwDrawTable 1 2 3 4"},
+    {[] { XwDrawProgress(1, 2, 9, 4, 5); }, "XwDrawProgress 1 2 9 4 5"},
+    {[] { XwDrawText(nullptr, 0, 3, 4, 50, 20, "text", 0, -1); }, "XwDrawText 0 3 4 50 20 0 -1"},
+    {[] { XwDrawTextUtf8(nullptr, 0, 3, 4, 50, 20, "text", 0, -1); },
+     "XwDrawTextUtf8 0 3 4 50 20 0 -1"},
+    {[] { XwRoundBox(1, 2, 3, 4, 5, 6, 7); }, "XwRoundBox 1 2 3 4 5 6 7"},
+    {[] { XwFillPath(nullptr, 1, 2); }, "XwFillPath 1 2"},
+    {[] { XwStrokePath(nullptr, 1, 2, 3); }, "XwStrokePath 1 3"},
+    {[] { XwDrawIcon(nullptr, 1, 2, 3, 4, 5, -1); }, "XwDrawIcon 1 2 3 4 5 -1"},
+    {[] { XwPutImage(1, 2, 3, 4, 5, 6, nullptr); }, "XwPutImage 1 2 3 4 5 6"},
+    {[] { XwPutImageData(1, 2, 3, 4, nullptr); }, "XwPutImageData 1 2 3 4"},
+    {[] { XwPutImageScaled(1, 2, 3, 4, nullptr, 5, 6); }, "XwPutImageScaled 1 2 3 4 5 6"},
+    {[] { XwSync(); }, "XwSync"},
+};
+
 // XW_TRACE is read at the start of the process.
 TEST(Session, TracesWhatItNames) {
   const char* const name = "/proc/self/exe";
@@ -48,25 +82,16 @@ TEST(Session, TracesWhatItNames) {
   if (getenv("XW_TRACE")) {
     XwWindow* w = stage::OpenMain();
     XwSet(w);
-    XwDrawText(nullptr, 0, 3, 4, 50, 20, "text", 0, -1);
-    XwBox(1, 2, 3, 4, 5);
-    const int16_t points[] = {0, 0, 5, 5, 9, 0};
-    XwDrawLines(points, 3);
-    XwDrawIcon(nullptr, 1, 2, 3, 4, 5, -1);
+    for (const auto& drawing : kDrawing) drawing.call();
     exit(0);
   }
   const struct {
     const char* subjects;
     const char* has;
     const char* lacks;
-  } rows[] = {
-      {"draw",
-       "draw: XwBox 1 2 3 4 5\ndraw: XwSetColor 5\ndraw: XwFillRect 1 2 3 4\ndraw: XwDrawLines 3\n"
-       "draw: XwDrawIcon 1 2 3 4 5 -1\n",
-       "events:"},
-      {"draw", "draw: XwDrawText 0 3 4 50 20 0 -1\n", "windows:"},
-      {"events,windows", "windows: create top-level 100 100 300 200\n", "draw:"},
-      {"windows,events", "events: 769\n", "draw:"}};
+  } rows[] = {{"draw", "draw: XwSet ", "events:"},
+              {"events,windows", "windows: create top-level 100 100 300 200\n", "draw:"},
+              {"windows,events", "events: 769\n", "draw:"}};
   for (const auto& row : rows) {
     const std::string command = std::string("XW_TRACE=") + row.subjects + " '" + path +
                                 "' --gtest_filter=Session.TracesWhatItNames 2>&1";
@@ -77,6 +102,11 @@ TEST(Session, TracesWhatItNames) {
     pclose(out);
     EXPECT_NE(text.find(row.has), std::string::npos) << row.subjects << ": " << text;
     EXPECT_EQ(text.find(row.lacks), std::string::npos) << row.subjects << ": " << text;
+    for (const auto& drawing : kDrawing) {
+      const bool traced =
+          text.find(std::string("draw: ") + drawing.line + "\n") != std::string::npos;
+      EXPECT_EQ(traced, row.subjects == std::string("draw")) << drawing.line;
+    }
   }
 }
 
@@ -197,8 +227,13 @@ void EndByRequest(bool with_window) {
 }
 
 TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
+  const std::string socket = testing::TempDir() + "session-" + std::to_string(getpid());
+  setenv("XW_INSPECT", socket.c_str(), 1);
   EXPECT_EXIT(EndByRequest(false), testing::KilledBySignal(SIGTERM), "");
   EXPECT_EXIT(EndByRequest(true), testing::KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(access(socket.c_str(), F_OK), -1);
+  EXPECT_EXIT((stage::Open(), exit(0)), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(access(socket.c_str(), F_OK), -1) << "the inspector's socket goes too";
 }
 
 TEST(Session, TheRequestToQuitGoesToTheMainWindow) {

@@ -5,6 +5,7 @@
 
 #include "platform/controls/controls.h"
 #include "tests/toolkit/control_stage.h"
+#include "toolkit/core/alive.h"
 #include "toolkit/target/selection.h"
 
 namespace {
@@ -143,9 +144,13 @@ TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
 TEST(Toolbar, SettingAnItem) {
   ControlScreen s;
   const XwToolbarItem items[] = {
-      {XWB_CHECK_BOX, Of("Check"), 1, 0}, {XWB_EDIT | 40, Of("x"), 2, 0},
-      {XWB_LIST, Of(kTexts), 3, 0},       {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
-      {XWB_SLIDER | 60, Of("1,9"), 5, 0}, {},
+      {XWB_CHECK_BOX, Of("Check"), 1, 0},
+      {XWB_EDIT | 40, Of("x"), 2, 0},
+      {XWB_LIST, Of(kTexts), 3, 0},
+      {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
+      {XWB_SLIDER | 60, Of("1,9"), 5, 0},
+      {XWB_SLIDER | 60, Of("1,4294967299,9"), 6, 0},
+      {},
   };
   XwSetToolbar(s.main, items);
   auto value = [&](int id) { return XwGetValue(XwGetToolbarItem(s.main, id)); };
@@ -168,6 +173,7 @@ TEST(Toolbar, SettingAnItem) {
   XwGetTextUtf8(XwGetToolbarItem(s.main, 4), text, sizeof text);
   EXPECT_STREQ(text, kTexts[1]);
   EXPECT_EQ(value(5), 1);
+  EXPECT_EQ(value(6), 9) << "numbers that are too large are cut";
   XwSetToolbarItem(s.main, 99, 2);
   XwSetToolbarItem(nullptr, 1, 2);
   EXPECT_EQ(XwGetToolbarItem(s.main, 99), nullptr);
@@ -197,6 +203,7 @@ TEST(Toolbar, ItComesAndGoes) {
   RunLoop();
   EXPECT_EQ(bar->width, 1600);
   EXPECT_EQ(XwSetToolbar(s.main, nullptr), nullptr);
+  EXPECT_FALSE(IsLive(bar));
   EXPECT_EQ(s.main->toolbar, nullptr);
   EXPECT_EQ(XwGetToolbarItem(s.main, 1), nullptr);
   EXPECT_EQ(XwSetToolbar(XwButton(s.main, "", 1, 0, 0, 9, 9, kOn, 0), none), nullptr);
@@ -205,6 +212,8 @@ TEST(Toolbar, ItComesAndGoes) {
 // The line below it, and around it in a docked window.
 TEST(Toolbar, ItHasALineBelow) {
   ControlScreen s;
+  input::ChangeScreen(1600, 900, 1);
+  XwMove(s.main, 50, 50, 1500, 150);
   XwWindow* docked = XwCreateDocked(s.main, 20, 20, 100, 80, Record);
   const XwToolbarItem none[] = {{}};
   for (XwWindow* w : {s.main, docked}) {
@@ -219,6 +228,7 @@ TEST(Toolbar, ItHasALineBelow) {
     const uint32_t line = uint32_t(XwThemeColor(XWR_HAIRLINE));
     EXPECT_EQ(pixel(50, 39), (line & 0xFF) << 16 | (line & 0xFF00) | line >> 16);
     EXPECT_NE(pixel(50, 37), pixel(50, 39));
+    EXPECT_EQ(pixel(w->width - 9, 39), pixel(50, 39)) << "as wide as the screen is now";
     const bool lines = w == docked;
     EXPECT_EQ(pixel(w->width - 1, 20) == pixel(50, 39), lines);
     EXPECT_EQ(pixel(0, 20) == pixel(50, 39), lines);

@@ -3,55 +3,13 @@
 #include <list>
 
 #include "platform/desktop/documents.h"
-#include "tests/x11/peer.h"
+#include "tests/x11/drop_source.h"
 #include "tests/x11/reports.h"
 
 namespace x11_test {
 namespace {
 
-constexpr char kList[] = "text/uri-list";
-
-// The other side of a drop.
-class Source : public Peer {
- public:
-  explicit Source(xcb_window_t target) : target_(target) {
-    Own("XdndSelection");
-    on_message = [this](const xcb_client_message_event_t& m) {
-      heard.push_back((m.type == Atom("XdndStatus") ? "status " : "finished ") +
-                      std::to_string(m.data.data32[1]));
-    };
-  }
-  void Enter(const char* type) {
-    Send("XdndEnter", {window(), 5u << 24, Atom(type), 0, 0});
-    Send("XdndPosition", {window(), 0, 150 << 16 | 200, 0, Atom("XdndActionCopy")});
-  }
-  void Drop() {
-    Enter(kList);
-    Send("XdndDrop", {window(), 0, 0, 0, 0});
-  }
-  void Leave() { Send("XdndLeave", {window(), 0, 0, 0, 0}); }
-  // What it says when it is asked for the list: all of it, in pieces of `size` bytes of which it
-  // has only so many, or nothing at all.
-  void Give(const Value& value) { answers[kList] = {value, {}}; }
-  void Give(const std::string& list) { Give({kList, 8, list}); }
-  void GiveInPieces(const std::string& list, size_t size, size_t most = SIZE_MAX) {
-    Answer answer = InPieces(kList, list, size);
-    late.assign(answer.pieces.begin() + ptrdiff_t(std::min(most, answer.pieces.size())),
-                answer.pieces.end());
-    answer.pieces.resize(answer.pieces.size() - late.size());
-    answers[kList] = answer;
-  }
-  void BeSilent() { answers[kList].how = Answer::kSaysNothing; }
-  void Send(const char* type, std::vector<uint32_t> data) {
-    support::SendMessage(connection(), target_, 0, target_, Atom(type), data);
-    Sync();
-  }
-  std::vector<Value> late;
-  std::vector<std::string> heard;
-
- private:
-  xcb_window_t target_;
-};
+constexpr const char* kList = DropSource::kList;
 
 class Drops : public Reports {
  protected:
@@ -70,7 +28,7 @@ class Drops : public Reports {
           paths.push_back(dropped.back().front());
         }
       }
-      for (Source& s : sources) s.Work();
+      for (DropSource& s : sources) s.Work();
       return done();
     });
   }
@@ -78,13 +36,13 @@ class Drops : public Reports {
     sources.clear();
     Reports::TearDown();
   }
-  Source* MakeSource() { return &sources.emplace_back(id); }
-  bool Answered(const Source& s, size_t count) {
+  DropSource* MakeSource() { return &sources.emplace_back(id); }
+  bool Answered(const DropSource& s, size_t count) {
     return Run([&] { return s.heard.size() >= count; });
   }
   WindowRef window = nullptr;
   xcb_window_t id = 0;
-  std::list<Source> sources;
+  std::list<DropSource> sources;
   std::vector<std::vector<std::string>> dropped;
   std::vector<std::string> paths;  // the first of each
 };
@@ -139,24 +97,24 @@ TEST_F(Drops, AListWithoutEndIsCut) {
 TEST_F(Drops, WhatIsNoListIsRefused) {
   struct Row {
     const char* what;
-    std::function<void(Source&)> prepare;
+    std::function<void(DropSource&)> prepare;
   };
   const Row rows[] = {
-      {"nothing", [](Source&) {}},
-      {"empty", [](Source& s) { s.Give(""); }},
+      {"nothing", [](DropSource&) {}},
+      {"empty", [](DropSource& s) { s.Give(""); }},
       {"another type",
-       [](Source& s) {
+       [](DropSource& s) {
          s.Give({"STRING", 8, "file:///tmp/a\r\n"});
        }},
       {"words",
-       [](Source& s) {
+       [](DropSource& s) {
          s.Give({kList, 32, "file:///tmp/a\r\n "});
        }},
-      {"no property", [](Source& s) { s.Give(Peer::Value{}); }},
-      {"an address elsewhere", [](Source& s) { s.Give("http://elsewhere.example/a\r\n"); }},
-      {"bytes", [](Source& s) { s.Give(std::string("file:///\0\xFF\r\n", 12)); }},
+      {"no property", [](DropSource& s) { s.Give(Peer::Value{}); }},
+      {"an address elsewhere", [](DropSource& s) { s.Give("http://elsewhere.example/a\r\n"); }},
+      {"bytes", [](DropSource& s) { s.Give(std::string("file:///\0\xFF\r\n", 12)); }},
       {"no pieces",
-       [](Source& s) {
+       [](DropSource& s) {
          s.answers[kList] = {{"INCR", 32, Peer::Word(0)}, {{kList, 8, ""}}};
        }},
   };
@@ -200,7 +158,7 @@ TEST_F(Drops, ASourceThatStopsIsGivenUp) {
 // The wait of the loop ends for it: nothing else comes that could.
 TEST_F(Drops, ASilentSourceIsGivenUpWithoutAnyEvent) {
   x11::x.drop_patience = 0.2;
-  auto give_up = [this](Source* s) {
+  auto give_up = [this](DropSource* s) {
     s->Drop();
     // Until it says no more.
     ASSERT_TRUE(Run([&] { return s->requests == 1 && s->sending[id].empty(); }));

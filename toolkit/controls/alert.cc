@@ -6,12 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "platform/events/targets.h"
 #include "platform/text/mac_roman.h"
 #include "platform/text/utf8.h"
+#include "platform/windows/windows.h"
 #include "toolkit/controls/alert_art.h"
 #include "toolkit/controls/dropped.h"
 #include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
+#include "toolkit/core/record.h"
 #include "toolkit/core/saturate.h"
+#include "toolkit/events/loop.h"
 #include "toolkit/target/selection.h"
 
 using namespace platform;
@@ -32,6 +37,7 @@ struct Alert {
   std::vector<std::string> labels;
   XwWindow* window = nullptr;
   XwWindow* first = nullptr;
+  int pressed = 0;  // from 1
 };
 
 void ChoosePictures(const char* kind, Alert* a) {
@@ -55,12 +61,21 @@ int WidthOf(Alert* a) {
   return room;
 }
 
+// The program has ended it: the wait looks whether it is still there.
+OSStatus Ended(HandlerCall*, Event*, void* data) {
+  XwEvent wake{};
+  if (!static_cast<const Alert*>(data)->pressed) PostEvent(wake);
+  return eventNotHandledErr;
+}
+
 bool Open(Alert* a) {
   const int width = WidthOf(a);
   XwWindow* w = a->window =
       XwCreate(kAlertStyle, Saturate(int64_t{Inp.root_x} - width / 2),
                Saturate(int64_t{Inp.root_y} - kAbovePointer), width, kHeight, nullptr);
   if (!w) return false;
+  constexpr EventKind kEnding[] = {{kEventClassWindow, kEventWindowEnding}};
+  InstallEventHandler(GetWindowEventTarget(NativeWindow(w)), Ended, kEnding, 1, a);
   XwSetText(w, SessionTitle);
   const int n = int(a->labels.size());
   for (int i = 0; i < n; ++i) {
@@ -100,11 +115,8 @@ void MoveFocus(const Alert& a, int by) {
 
 int Run(Alert* a) {
   if (!Open(a)) return 0;
-  const uint64_t serial = a->window->serial;
   Dropped dropped;
-  int pressed = 0;
-  while (IsLive(a->window) && a->window->serial == serial) {
-    const int type = XwWaitEvent(a->window);
+  while (const int type = WaitWhileOpen(a->window)) {
     if (Inp.window != a->window) {
       dropped.Add(Inp);
     } else if (type == XWE_EXPOSE) {
@@ -112,15 +124,15 @@ int Run(Alert* a) {
     } else if (type == XWE_LEFT || type == XWE_RIGHT) {
       MoveFocus(*a, type == XWE_LEFT ? -1 : 1);
     } else if (type == XWE_CONTROL) {
-      pressed = Inp.item - (kFirstButton - 1);
+      a->pressed = Inp.item - (kFirstButton - 1);
       XwDestroy(a->window);
       break;
     }
   }
-  // The caller's loop does not see the press once more.
+  // The caller's loop must not handle the press a second time.
   Inp.type = XWE_NONE;
   dropped.PostAgain();
-  return pressed;
+  return a->pressed;
 }
 
 int Confirm(Alert* a, const char* kind) {

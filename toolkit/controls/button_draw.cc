@@ -76,7 +76,8 @@ void DrawWell(ContextRef c, const XwWindow* w, const Rect& r, Look* look) {
   look->face = rgb;
 }
 
-// A distance from the lower edge that leaves the odd pixel of the height at the top.
+// The distance from the lower edge at which a part of height `inner` is centred; an odd pixel is
+// left above it.
 int Below(const Rect& r, int inner) {
   return (r.height() - inner) / 2;
 }
@@ -149,7 +150,7 @@ void ButtonDraw_Func(ControlRef control) {
     DrawThemeButton(c, r, header ? kThemeListHeaderButton : kThemeBevelButton, look.info);
   }
   const bool labelled = w->text && *w->text;
-  const bool beside = labelled && icon && !(w->style & XWC_OWN_TEXT);
+  const bool beside = labelled && icon && w->style & XWC_BESIDE;
   if (labelled && !beside) DrawLabel(c, w, r, arrow, look);
   if (beside) {
     DrawIconWithText(c, icon, MacRomanToUtf8(w->text).c_str(), r, look);

@@ -68,7 +68,7 @@ OSStatus Click(XwWindow* control) {
 
 OSStatus Button_func(HandlerCall*, Event* event, void* data) {
   auto* control = static_cast<XwWindow*>(data);
-  // What the keyboard presses takes the place of the key's event.
+  // The press by the keyboard replaces the key's event.
   if (event->control.by_key) Inp.type = 0;
   if (event->kind == kEventControlClick) return Click(control);
   if (!control->id || !control->enabled) return noErr;

@@ -5,7 +5,7 @@
 static void Send(const XwEvent& e, XwWindow* focus) {
   if (!IsLive(e.window)) return;
   Inp = e;
-  // The one of then may have ended.
+  // The focused window of that time may be destroyed.
   Inp.focus = focus;
   XwSendEvent(e.window, e.type, e.item, e.value, e.param);
 }

@@ -1,4 +1,5 @@
-// What a wait for one thing drops and must not be lost: redraws, and requests of the desktop.
+// Events that a wait for other events drops but that must not be lost: redraws, and requests of the
+// desktop.
 #pragma once
 #include <map>
 #include <utility>
@@ -7,9 +8,10 @@
 
 class Dropped {
  public:
-  // Keeps the event when it is one of those; of several for a window, or of a request, the last.
+  // Keeps the event when it is one of those: the last of each kind for a window, and the last of
+  // each request.
   void Add(const XwEvent& e);
-  // Once each. The current event stays.
+  // Posts each kept event once. The current event stays.
   void PostAgain() const;
 
  private:

@@ -24,7 +24,7 @@ void Post(const XwWindow* box, int type, int32_t value) {
   XwSendEvent(box->parent, type, std::abs(box->id), value, 0);
 }
 
-// What the key has become.
+// Turns the current key event into another event of the box.
 void Become(const XwWindow* box, int type) {
   Inp.window = box->parent;
   Inp.type = type;
@@ -66,7 +66,7 @@ void LeaveBox(XwWindow* box, XwWindow* next) {
     SetKeyboardFocus(NativeWindow(box), NativeControl(box), 0);
 }
 
-// What an edit field waits for; the rest is dropped.
+// An edit field waits for event types from here on; the others are dropped.
 constexpr int kDropsField = XWE_PRESS + 1;
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "platform/windows/windows.h"
 #include "toolkit/controls/framework.h"
 #include "toolkit/core/alive.h"
+#include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
 #include "toolkit/target/selection.h"
 #include "toolkit/windows/item_texts.h"
@@ -31,6 +32,7 @@ void XwFocusControl(XwWindow* control) {
   if (!IsLive(control) || GetKeyboardFocus(native) != NativeControl(control)) return;
   SetUserFocusWindow(native);
   Inp.focus = top;
+  MoveWaitingFocus(top);
 }
 
 void XwSetDefaultButtons(XwWindow* window, XwWindow* ok, XwWindow* cancel) {

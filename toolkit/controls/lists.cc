@@ -18,7 +18,7 @@ OSStatus Listbox_func(HandlerCall*, Event* event, void* data) {
   if (row < 0) return noErr;
   ReportControl(list, list->id, row);
   list->value = row;
-  // The next click is told of again, also on the same row.
+  // So that the next click is reported too, even on the same row.
   SetListLastClick(control, -1);
   return noErr;
 }

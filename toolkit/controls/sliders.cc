@@ -15,7 +15,7 @@ using namespace platform;
 
 namespace {
 
-// Null for a record whose block the program has taken away.
+// Null for a record whose user_data the program has set to null.
 ScrollBlock* BlockOf(const XwWindow* w) {
   return static_cast<ScrollBlock*>(w->user_data);
 }
@@ -82,7 +82,7 @@ void ScrollBarLiveTrackingFunc(ControlRef control, int part) {
 
 OSStatus Scroll_func(HandlerCall*, Event* event, void* data) {
   auto* w = static_cast<XwWindow*>(data);
-  // What the keyboard moves takes the place of the key's event.
+  // The change by the keyboard replaces the key's event.
   if (event->control.by_key) Inp.type = XWE_NONE;
   if (!w->id) return noErr;
   ControlRef control = NativeControl(w);

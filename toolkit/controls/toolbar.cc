@@ -167,7 +167,7 @@ void DrawBar(XwWindow* bar) {
   XwPop();
 }
 
-// The window hears of a control as one event, with the place of the pointer.
+// Passes a control's event to the window as one event, with the place of the pointer.
 void Forward(const XwWindow* bar) {
   const Point pointer = LastPointer();
   Inp.root_x = pointer.x;
@@ -199,7 +199,6 @@ bool HasEmptyBar(XwWindow* window) {
   }
   for (int i = 0; i < bar->child_count; ++i) XwDestroy(bar->children[i]);
   bar->child_count = 0;
-  bar->free_slot = 0;
   return true;
 }
 

@@ -1,4 +1,4 @@
-// What a lower room calls in a higher one. The session sets it.
+// Functions of a higher room that a lower one calls. The session sets them.
 #pragma once
 #include "toolkit/xw.h"
 

@@ -6,6 +6,7 @@
 #include "platform/events/queue.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/memory.h"
+#include "toolkit/core/record.h"
 
 using namespace platform;
 
@@ -93,5 +94,12 @@ void PurgeEvents(const XwWindow* window) {
     auto* record = static_cast<XwEvent*>(e.payload);
     if (record->focus && !IsLive(record->focus)) record->focus = nullptr;
     return EVclose_find_func(e, window);
+  });
+}
+
+void MoveWaitingFocus(XwWindow* w) {
+  ForEachUserEvent(GetMainEventQueue(), kToolkitEventClass, [w](void* payload) {
+    auto* record = static_cast<XwEvent*>(payload);
+    if (TopLevel(record->focus) != w) record->focus = w;
   });
 }

@@ -22,6 +22,9 @@ bool EVclose_find_func(const platform::Event& event, const XwWindow* window);
 void RemoveRecords(const std::function<bool(const platform::Event&)>& drop);
 // `window`, and everything below it, has ended: its events go, and no event has it as focus.
 void PurgeEvents(const XwWindow* window);
+// Keys go to the top-level window `w` from now on: waiting events whose focus lies elsewhere have
+// it as focus, so that none of them turns the keys away again.
+void MoveWaitingFocus(XwWindow* w);
 
 // Milliseconds as events carry them.
 inline uint32_t EventMilliseconds(double seconds) {

@@ -2,7 +2,7 @@
 #pragma once
 #include "toolkit/core/state.h"
 
-// A timer's event has left the queue: its next firing queues another.
+// Notes that a timer's event has left the queue, so that the next firing queues another.
 void TimerTaken(XwWindow* window, XwValue value);
 // True for the event of a timer, whichever it is.
 bool EVtimer_find_func(const platform::Event& event);

@@ -1,4 +1,4 @@
-// The native-looking elements: bevel, well, border, separator, table, progress.
+// The native-looking elements: bevel, well, border, separator, table.
 #include <algorithm>
 
 #include "platform/theme/theme.h"
@@ -10,10 +10,6 @@
 
 using namespace platform;
 
-static Rect MakeRect(int64_t x, int64_t y, int64_t w, int64_t h) {
-  return {Saturate(x), Saturate(y), Saturate(x + w), Saturate(y + h)};
-}
-
 void XwDrawBevel(int x, int y, int w, int h, int state) {
   TraceDrawing("XwDrawBevel", x, y, w, h, state);
   ThemeButtonDrawInfo info;
@@ -22,16 +18,17 @@ void XwDrawBevel(int x, int y, int w, int h, int state) {
                             : kThemeStateInactive;
   info.value = state == 2 ? kThemeButtonOn : kThemeButtonOff;
   if (w > 0 && h > 0)
-    DrawThemeButton(TargetContext(), MakeRect(x, y, w, h), kThemeBevelButton, info);
+    DrawThemeButton(TargetContext(), SaturatedRect(x, y, w, h), kThemeBevelButton, info);
 }
 
 void XwDrawHole(int x, int y, int w, int h, int32_t fill) {
   TraceDrawing("XwDrawHole", x, y, w, h, fill);
   if (w <= 0 || h <= 0) return;
-  DrawThemeGenericWell(TargetContext(), MakeRect(x, y, w, h), kThemeStateActive, false);
+  DrawThemeGenericWell(TargetContext(), SaturatedRect(x, y, w, h), kThemeStateActive, false);
   if (fill ==
       kEraseToBackground)  // two pixels from the left and top, four from the right and bottom
-    EraseToBackground(MakeRect(int64_t{x} + 2, int64_t{y} + 2, int64_t{w} - 6, int64_t{h} - 6));
+    EraseToBackground(
+        SaturatedRect(int64_t{x} + 2, int64_t{y} + 2, int64_t{w} - 6, int64_t{h} - 6));
   else if (IsRealColor(fill))
     XwBox(Saturate(int64_t{x} + 2), Saturate(int64_t{y} + 2), w - 4, h - 4, fill);
 }
@@ -46,7 +43,7 @@ void XwDrawBorder() {
 
 // The two pixels of a separator: the line itself and the one before it.
 static Rect SeparatorRect(int64_t x, int64_t y, int64_t w, int64_t h) {
-  return w > h ? MakeRect(x, y - 1, w, 2) : MakeRect(x - 1, y, 2, h);
+  return w > h ? SaturatedRect(x, y - 1, w, 2) : SaturatedRect(x - 1, y, 2, h);
 }
 
 void XwDrawSeparator(int x, int y, int w, int h) {
@@ -85,16 +82,4 @@ void XwDrawTable(int x, int y, int rows, int rowHeight, const int* colWidths) {
   ContextRef c = TargetContext();
   ForEachTableLine(x, y, rows, rowHeight, colWidths,
                    [c](const Rect& r) { DrawThemeSeparator(c, r, kThemeStateActive); });
-}
-
-void XwDrawProgress(int x, int y, int w, int h, int value) {
-  TraceDrawing("XwDrawProgress", x, y, w, h, value);
-  if (w <= 0 || h <= 0) return;
-  XwClear(Saturate(int64_t{x} - 4), Saturate(int64_t{y} - 2), Saturate(int64_t{w} + 8),
-          Saturate(int64_t{h} + 4));
-  ThemeTrackDrawInfo info;
-  info.bounds = MakeRect(x, y, w, h);
-  info.max = std::max(0, w - 8);
-  info.value = value;
-  DrawThemeTrack(TargetContext(), info);
 }

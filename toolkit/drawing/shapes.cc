@@ -1,4 +1,4 @@
-// Rectangles, lines, polygons, ovals. Nothing is checked here that the context checks.
+// Rectangles, lines, polygons, ovals. The context checks the arguments.
 #include "platform/graphics/context.h"
 #include "toolkit/core/trace.h"
 #include "toolkit/target/colors.h"

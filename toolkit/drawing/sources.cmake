@@ -7,6 +7,7 @@ target_sources(xw PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/icons.cc
   ${CMAKE_CURRENT_LIST_DIR}/images.cc
   ${CMAKE_CURRENT_LIST_DIR}/paths.cc
+  ${CMAKE_CURRENT_LIST_DIR}/progress.cc
   ${CMAKE_CURRENT_LIST_DIR}/style.cc
   ${CMAKE_CURRENT_LIST_DIR}/shapes.cc
   ${CMAKE_CURRENT_LIST_DIR}/text.cc

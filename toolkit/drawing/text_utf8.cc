@@ -15,7 +15,7 @@ using namespace toolkit;
 
 namespace {
 
-// Its memory is kept from text to text.
+// One line for all calls, so that its memory is used again.
 TextLine& TheLine() {
   static TextLine* line = new TextLine;
   return *line;

@@ -94,7 +94,7 @@ DescribedNode FromItem(const DescribedMenuItem& i, ObjectRole role) {
   return node;
 }
 
-// The bar before what is in the first window, an open pop-up behind.
+// The bar goes before the content of the first window, an open pop-up after it.
 void AddMenus(DescribedNode* window) {
   static const uint64_t bar_serial = TakeSerial(), popup_serial = TakeSerial();
   DescribedNode bar;
@@ -122,7 +122,7 @@ DescribedNode Describe(XwWindow* w) {
   else
     DescribeRecord(w, &node);
   node.help = TipOf(w, 0);
-  // What shows a picture alone is called by its tip.
+  // A control with only a picture has its tip as its name.
   if (IsControl(w) && node.what.name.empty()) node.what.name = node.help;
   AddDescribed(w, &node);
   for (XwWindow* c : ChildrenOf(w)) node.children.push_back(Describe(c));
@@ -198,7 +198,7 @@ bool Act(uint64_t serial, uint32_t action) {
   return true;
 }
 
-// What is drawn is described while it is drawn: somebody who has just come sees it by a redraw.
+// Programs describe their content while they draw it, so the first listener causes a redraw.
 void Heard(bool is_heard) {
   if (!is_heard) return DropDescribed();
   for (XwWindow* w : ChildrenOf(W_Root))

@@ -81,15 +81,11 @@ void BoundsChanged(XwWindow* w, const BoundsFields& b) {
   if (resized && now.width() <= old_width && now.height() <= old_height) PostExpose(w);
 }
 
-// The desktop has moved the focus to another top-level window: keys go there from now on, also the
-// focus that waiting events carry.
+// The desktop has moved the focus to another top-level window.
 void TakeFocus(XwWindow* w) {
   if (TopLevel(Inp.focus) == w) return;
   Inp.focus = w;
-  ForEachUserEvent(GetMainEventQueue(), kToolkitEventClass, [w](void* payload) {
-    auto* record = static_cast<XwEvent*>(payload);
-    if (TopLevel(record->focus) != w) record->focus = w;
-  });
+  MoveWaitingFocus(w);
 }
 
 void DrawContent(XwWindow* w, const Rect& lost) {
@@ -102,8 +98,8 @@ void DrawContent(XwWindow* w, const Rect& lost) {
   }
 }
 
-// The platform tells it at once, in the middle of what it takes in; the program hears of it in the
-// order of the events.
+// The platform reports it at once, while it reads input; the program gets it in the order of the
+// events.
 void PostActivity(XwWindow* w) {
   if (!w->activation_handler) return;
   Event e(kEventClassWindow, kEventWindowActivity, NativeWindow(w));
@@ -117,7 +113,7 @@ void TellActivity(XwWindow* w) {
   w->activation_handler(IsWindowActive(NativeWindow(w)));
 }
 
-// Toolbars reach across the screen as it is now.
+// Toolbars get the new width of the screen.
 void FitToolbars() {
   for (XwWindow* w = W_Start; w; w = w->next) {
     XwWindow* bar = w->toolbar;

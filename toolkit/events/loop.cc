@@ -42,9 +42,9 @@ class toolkit::Modal {
   void Select() const {
     if (lives()) SelectWindow(NativeWindow(TopLevel(window_)));
   }
+  bool lives() const { return IsLive(window_) && window_->serial == serial_; }
 
  private:
-  bool lives() const { return serial_ && IsLive(window_) && window_->serial == serial_; }
   XwWindow* window_;
   uint64_t serial_ = 0;
   const Modal* outer_;
@@ -65,7 +65,7 @@ inline void TakeRecord(const Event& e) {
 // A release outside the window that holds the pointer is translated here, since no handler of that
 // window would see it. False when the platform must not see it either.
 bool ReleaseOutsideGrab(const Event& e) {
-  // One that no window heard of ends the button, and that is all.
+  // A release that no window gets only clears the button.
   if (!GrabWindow || !e.window) return true;
   const int part = FindWindow(e.mouse.where, e.mouse.under);
   if (part == inContent && e.mouse.under == NativeWindow(GrabWindow)) return true;
@@ -148,8 +148,8 @@ static void SelectBoxText() {
   if (box && IsControl(box)) SelectEditText(static_cast<ControlRef>(box->platform), 0, kSelected);
 }
 
-// Takes the results of background tasks that have come. Those that come through it wait until the
-// loop has looked at the events.
+// Takes the results of background tasks that have arrived. Results that arrive during these calls
+// wait until the loop has looked at the events.
 static void TakeResults() {
   constexpr int kMost = 64;
   for (int i = 0; i < kMost && ResultsWait(); ++i)
@@ -157,11 +157,12 @@ static void TakeResults() {
   Inp.type = 0;
 }
 
-int XwWaitEvent(XwWindow* modal) {
-  const Modal only(modal);
+// `while_open`: until the window ends.
+static int Wait(const Modal& only, bool while_open) {
   Event e;
   for (;;) {
     Inp.type = 0;
+    if (while_open && !only.lives()) return 0;
     if (ResultsWait() && only.open_to_all()) [[unlikely]]
       TakeResults();
     if (!ReceiveNextEvent(kEventDurationForever, &e)) continue;
@@ -189,6 +190,14 @@ int XwWaitEvent(XwWindow* modal) {
     Inp.type = result;
     if (result != 0 && result != XWE_CONFIGURE && result != XWE_EXPOSE) return result;
   }
+}
+
+int XwWaitEvent(XwWindow* modal) {
+  return Wait(Modal(modal), false);
+}
+
+int WaitWhileOpen(XwWindow* modal) {
+  return Wait(Modal(modal), true);
 }
 
 int XwGetEvent(XwWindow* modal, int dispatch) {

@@ -123,14 +123,14 @@ OSStatus Motion(XwWindow* w, const Event& e) {
   TakePointer(w, e);
   XwWindow* target = GrabWindow ? GrabWindow : FindVirtualWindow(w, Inp.px, Inp.py);
   if (target) Inp.focus = Inp.window = target;
-  // A window that comes up under the pointer sends it out of the one below, not the keyboard back.
+  // A window that opens under the pointer makes it leave the one below; the focus stays there.
   if (!e.mouse.under && focus) Inp.focus = focus;
   SetTargetCoordinates(Inp.window);
   Inp.item = XCheckbl(Inp.window->boxes);
   return eventNotHandledErr;
 }
 
-// Tips belong to what the pointer rests on, in windows that hear of it.
+// Chooses the tip of what the pointer rests on, in windows that get pointer events.
 void ChooseTip(XwWindow* w, const Event& e) {
   const int x = e.mouse.where.x - w->x, y = e.mouse.where.y - w->y;
   const bool inside = x >= 0 && y >= 0 && x < w->width && y < w->height;

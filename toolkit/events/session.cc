@@ -37,7 +37,7 @@ constexpr int kAlertSize = 17;
 // Theme fonts by number.
 constexpr int kApplicationFont = 5, kSmallEmphasizedFont = 2, kPushButtonFont = 105, kViewsFont = 3;
 
-// What is opaque to programs needs an address of its own and nothing more.
+// Types that are opaque to programs need only an address of their own.
 char color_space, measuring, process;
 
 XwFont* Load(const ThemeFont& font, int size, int style) {

@@ -49,7 +49,7 @@ void ShowSub(XwWindow* w, bool show) {
   ResetClipsFrom(w);
   PostExpose(show ? w : w->parent);
   if (!w->pane) return;
-  // Hidden before its controls are, so that each does not uncover what the parent draws anyway.
+  // The window is hidden before its controls, so that the platform does not repaint under each.
   if (!show) UpdatePane(w);
   for (int i = 0; i < w->child_count; ++i) {
     XwWindow* c = w->children[i];
@@ -101,7 +101,7 @@ void SetControlText(XwWindow* w, const char* text, bool is_utf8) {
   const std::string utf8 = is_utf8 ? ValidUtf8(given) : MacRomanToUtf8(given.c_str());
   const std::string shown = is_utf8 ? Utf8ToMacRoman(given.c_str()) : given;
   const bool self_drawn =
-      w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & (XWC_OWN_TEXT | XWC_ICON));
+      w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & (XWC_OWN_TEXT | XWC_BESIDE));
   if (self_drawn) {
     w->text = static_cast<char*>(realloc(w->text, shown.size() + 2));
     if (!w->text) OutOfMemory();
@@ -155,6 +155,7 @@ void XwSetFocus(XwWindow* w) {
   SetUserFocusWindow(NativeWindow(top));
   ClearKeyboardFocus(NativeWindow(top));
   Inp.focus = top;
+  MoveWaitingFocus(top);
   XwWindow* box = IsEditableCombo(w) ? w->linked : w->kind == XWK_EDIT ? w : nullptr;
   if (box) SetKeyboardFocus(NativeWindow(top), Native(box), kControlEditTextPart);
 }

@@ -48,7 +48,7 @@ void FreeContents(XwWindow* w) {
   w->text = nullptr;
 }
 
-// A box that ends with the keyboard tells nobody.
+// A box that is destroyed with the focus sends no event.
 void EndControl(XwWindow* w) {
   w->flags &= uint8_t(~XW_EDITING);
   DisposeControl(static_cast<ControlRef>(w->platform));

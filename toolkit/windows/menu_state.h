@@ -7,7 +7,7 @@
 
 // The id of a leaf is a command, that of others the array of a sub-menu.
 bool IsMenuLeaf(const XwMenuItem& record);
-// Where a search has been: an array may hang in itself, and in many places.
+// The arrays that a search has visited: an array may contain itself, or be in many places.
 struct SearchedArrays {
   std::vector<const XwMenuItem*> arrays;
   int depth = 0;

@@ -46,7 +46,7 @@ double ScaleIn(const char* text, double otherwise) {
 }
 
 // WIDTHxHEIGHT[@SCALE], any number of them with commas between: from left to right, the first is
-// the main one. What is none of this ends the list.
+// the main one. Anything else ends the list.
 std::vector<Screen> ReadScreens(const char* text, double scale) {
   std::vector<Screen> screens;
   int left = 0;
@@ -71,14 +71,14 @@ OpenResult Open(const char*) {
   State& s = Headless();
   s.open = true;
   s.kept = nullptr;
-  // A replay needs no time of its own.
+  // A replay takes its times from the recording.
   if (const char* replay = getenv("XW_REPLAY"); replay && *replay && !s.stepped) UseSteppedClock(0);
   s.screens = ReadScreens(getenv("XW_SCREEN"), ScaleIn(getenv("XW_SCALE"), 1));
   s.scale = s.screens[0].scale;
   return OpenResult::kOpened;
 }
 
-// A window that lies on a screen of another scale hears of it.
+// Reports the new scale to a window that lies on a screen of another scale.
 void FollowScreen(const Window* w) {
   State& s = Headless();
   const DeviceRect at = DeviceBounds(*w);
@@ -145,7 +145,7 @@ void* CreateNative(const Window* w, DeviceRect* frame) {
   return n;
 }
 
-// Reports of a window that ends go; what they let go of is reported without one.
+// Drops the reports of a destroyed window; releases stay, without the window.
 void ForgetReports(const Window* w) {
   State& s = Headless();
   s.raw.erase(s.raw.begin(), s.raw.begin() + long(s.next));
@@ -259,7 +259,7 @@ void Beep() {
   ++Headless().counts.beeps;
 }
 
-// New windows hear here where they are: while they are made nothing of them is known yet.
+// Reports the bounds of new windows. While they are made, no window names them yet.
 void LookAtNewWindows() {
   State& s = Headless();
   for (size_t i = 0; s.unseen && i < s.windows.size(); ++i) {
@@ -279,7 +279,7 @@ bool NextEvent(RawEvent* out) {
     s.raw.clear();
     s.next = 0;
   }
-  // The windows follow the screens, those made in the meantime too.
+  // All windows take the scale of their screen, also those made since the report was queued.
   if (out->type == RawEvent::kScreens) {
     for (const Window* w : s.windows) FollowScreen(w);
   }
@@ -326,7 +326,7 @@ Snapshot& TheSnapshot() {
 void Wait(double seconds) {
   constexpr double kPatience = 5;
   State& s = Headless();
-  if (!s.raw.empty()) return;  // injected by what ran since reports were taken
+  if (!s.raw.empty()) return;  // a callback has injected input since the last look
   TheSnapshot().Take();
   if (!s.stepped) {
     TheSnapshot().Write();

@@ -24,7 +24,7 @@ RawEvent Report(RawEvent::Type type, const Window* w) {
   return raw;
 }
 
-// The pointer is a logical place of one scale: windows of that scale are asked in logical pixels.
+// The pointer is kept in logical pixels of one scale; windows of that scale need no conversion.
 bool HasPointer(const Window& w) {
   const State& s = Headless();
   if (w.surface.scale == s.scale) {
@@ -41,7 +41,7 @@ const Window* UnderPointer() {
   return nullptr;
 }
 
-// Null: no window hears of it.
+// Null: no window gets the report.
 const Window* PointerTarget() {
   const State& s = Headless();
   if (s.taken) return nullptr;
@@ -69,7 +69,7 @@ RawEvent PointerReport(RawEvent::Type type, const Window* w = PointerTarget()) {
   return raw;
 }
 
-// A button of a window that has ended comes up without a window.
+// The release of a button whose window was destroyed has no window.
 void PushRelease(RawEvent raw) {
   State& s = Headless();
   const uint32_t bit = 1u << raw.button;
@@ -79,7 +79,7 @@ void PushRelease(RawEvent raw) {
   Push(raw);
 }
 
-// A release that no window heard of comes before the next report that one gets.
+// A release that was not reported yet goes before the next report.
 void PushPointer(const RawEvent& raw) {
   State& s = Headless();
   const bool release = raw.type == RawEvent::kRelease && raw.button >= 1 && raw.button <= 5;
@@ -99,7 +99,7 @@ void PushPointer(const RawEvent& raw) {
   Push(raw);
 }
 
-// Tells the window that the pointer has left of it. The window that hears of the pointer now.
+// Reports to the window that the pointer has left it. Returns the window with the pointer.
 const Window* LeaveWindow() {
   State& s = Headless();
   const Window* now = PointerTarget();
@@ -107,7 +107,7 @@ const Window* LeaveWindow() {
   return s.entered = now;
 }
 
-// A menu has the keyboard as well.
+// An open menu gets the keys, else the focused window.
 const Window* KeyTarget() {
   const State& s = Headless();
   return s.grab.held && s.grab.mode == GrabMode::kMenu ? s.grab.window : s.focus;
@@ -120,7 +120,7 @@ RawEvent KeyReport(RawEvent::Type type, uint32_t keysym, uint32_t unicode) {
   return raw;
 }
 
-// A key of a window that has ended comes up without a window.
+// The release of a key whose window was destroyed has no window.
 void PushKeyUp(uint32_t keysym, const State::Key& key) {
   RawEvent raw = KeyReport(RawEvent::kKeyUp, keysym, key.unicode);
   if (key.orphan) raw.window = nullptr;

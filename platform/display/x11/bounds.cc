@@ -19,8 +19,8 @@ namespace platform::x11 {
 
 namespace {
 
-constexpr double kPatience = 0.1;  // seconds from the last request to taking no for an answer
-constexpr double kForgotten = 1;   // a request that is older gets no answer any more
+constexpr double kPatience = 0.1;  // seconds from the last request until it counts as refused
+constexpr double kForgotten = 1;   // seconds; older requests are assumed lost
 constexpr size_t kMostOpen = 64;
 
 // A size that comes from outside decides how much memory is taken: no window need be larger than
@@ -134,8 +134,8 @@ void MoveResizeNative(const Window* w) {
 }
 
 // Closes the request that these bounds answer: the oldest that asked for them, since its answer may
-// come when later ones are on their way already. Those before it get no answer any more. True when
-// no request is open then.
+// come when later ones are on their way already. Requests before it are closed too. True when no
+// request is open then.
 bool IsLastAnswer(Native* n, const DeviceRect& bounds, unsigned sequence) {
   auto& open = n->asked.open;
   const auto answered = std::find_if(open.begin(), open.end(), [&](const auto& request) {
@@ -143,7 +143,7 @@ bool IsLastAnswer(Native* n, const DeviceRect& bounds, unsigned sequence) {
   });
   if (answered == open.end()) return false;
   open.erase(open.begin(), answered + 1);
-  // The others are being dealt with.
+  // The other requests get the whole time again.
   SetEventLoopTimerNextFireTime(n->asked.patience, kPatience);
   return open.empty();
 }

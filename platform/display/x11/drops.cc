@@ -33,7 +33,7 @@ struct Transfer {
   EventLoopTimerRef deadline = nullptr;
 };
 Transfer transfer;
-double drained_until = 0;  // what comes of one that is over is passed over until then
+double drained_until = 0;  // until then, pieces of a finished transfer are dropped
 
 void EndHover() {
   Unwatch(hover.source, kWatchEnd);
@@ -83,7 +83,7 @@ bool Overdue() {
   return TimeLeft() < 0;
 }
 
-// A source that falls silent sends nothing that could be found late: the loop wakes for it.
+// A silent source sends no event that could end its transfer, so a timer wakes the loop.
 void DeadlineHasCome(EventLoopTimerRef timer, void*) {
   if (TimeLeft() <= 0)
     EndTransfer(false);
@@ -109,7 +109,7 @@ void OnPosition(Native* n, const uint32_t* d) {
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
 }
 
-// The newest drop counts: one that is still under way is given up for it.
+// A new drop ends one that is still being transferred.
 void OnDrop(Native* n, const uint32_t* d) {
   if (hover.source != d[0] || hover.target != n) return;
   EndTransfer(false);
@@ -129,7 +129,7 @@ void OnDrop(Native* n, const uint32_t* d) {
 bool TakeProperty(xcb_atom_t* type) {
   auto cookie = xcb_get_property(x.c, 0, transfer.target->id, Atom(kXwDrop), XCB_ATOM_ANY, 0,
                                  uint32_t(kMaxBytes / 4));
-  // Its end asks for the next piece.
+  // Deleting the property asks for the next piece.
   xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
   *type = reply ? reply->type : xcb_atom_t{XCB_ATOM_NONE};
@@ -141,8 +141,7 @@ bool TakeProperty(xcb_atom_t* type) {
   return true;
 }
 
-// What comes after its transfer is over does not stay with the window. A list without an end is not
-// asked on for ever.
+// Removes pieces that arrive after the transfer is over, for a limited time: a list may be endless.
 void PassOver(const Native& n) {
   if (Now() < drained_until) xcb_delete_property(x.c, n.id, Atom(kXwDrop));
 }

@@ -36,8 +36,8 @@ bool IsSent(const xcb_generic_event_t* e) {
   return (e->response_type & 0x80) != 0;
 }
 
-// A later configure of the same window is waiting: this one is stale. One that was sent may be
-// forged, so it leaves a mark where it stands for one of the server's own.
+// A later configure of the same window is waiting, so this one is out of date. The later one may be
+// sent by another program: where it replaces one of the server's own, the window is marked.
 bool Superseded(Native* n, const xcb_generic_event_t* e) {
   for (const ServerEvent& pending : x.pending) {
     const xcb_generic_event_t* p = pending.get();
@@ -103,14 +103,14 @@ void OnExpose(const xcb_generic_event_t* event) {
   Present(n->w, &r, 1);
 }
 
-// Focus that moves because a key or the pointer is grabbed for a moment is still ours.
+// The focus that moves only because a key or the pointer is grabbed counts as unchanged.
 void OnFocus(const xcb_generic_event_t* event) {
   const auto* e = As<xcb_focus_in_event_t>(event);
   Native* n = FindNative(e->event);
   const bool in = (event->response_type & 0x7F) == XCB_FOCUS_IN;
   if (n == nullptr) return;
   const bool transient = e->mode == XCB_NOTIFY_MODE_GRAB || e->mode == XCB_NOTIFY_MODE_UNGRAB;
-  // A keyboard that the program itself takes, or gives back, still brings the releases.
+  // While the program itself grabs or ungrabs the keyboard, it still gets the releases.
   const bool own = transient && (GrabsKeyboard() || e->mode == XCB_NOTIFY_MODE_UNGRAB);
   if (!in && !own) ReleaseKeys(n, 0);
   const bool by_pointer =
@@ -335,7 +335,7 @@ bool NextEvent(RawEvent* out) {
   if (x.c == nullptr) return false;
   TakePending();
   if (x.out.empty() && x.idle && !x.late_done && !xcb_connection_has_error(x.c)) {
-    // Its answers may bring events along, which the descriptor then no longer shows.
+    // Reading its answers may also read events; the descriptor does not show those any more.
     OpenLate();
     TakePending();
   }
@@ -345,7 +345,7 @@ bool NextEvent(RawEvent* out) {
   }
   if (x.out.empty()) {
     xcb_flush(x.c);
-    // A request that had to wait for the server has read events.
+    // A request that waited for the server may have read events.
     xcb_generic_event_t* e = xcb_poll_for_queued_event(x.c);
     if (e == nullptr) return false;
     Keep(e);

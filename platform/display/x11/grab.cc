@@ -75,9 +75,9 @@ void TakePointerAnswer(bool wait) {
   const Reply<xcb_grab_pointer_reply_t> r(Answer(&grab.pointer_asked, wait, PointerReply));
   if (grab.pointer_asked != 0) return;
   grab.held = r && r->status == XCB_GRAB_STATUS_SUCCESS;
-  // A refused pointer leaves the keyboard alone, too.
+  // The keyboard is grabbed only when the pointer was granted.
   if (grab.held && grab.mode == GrabMode::kMenu) AskForKeyboard();
-  // One that only waits for its window is no loss.
+  // A grab that waits for its window to be shown is not reported as lost.
   if (r && !grab.held && r->status != XCB_GRAB_STATUS_NOT_VIEWABLE) ReportLoss(grab.window);
 }
 
@@ -87,7 +87,7 @@ void TakeKeyboardAnswer(bool wait) {
   if (grab.keys_asked == 0) grab.keys = r && r->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-// Requests that are not answered yet are answered to nobody.
+// Discards the answers to open requests.
 void ForgetAnswers() {
   for (unsigned* asked : {&grab.pointer_asked, &grab.keys_asked}) {
     if (*asked != 0) xcb_discard_reply(x.c, *asked);

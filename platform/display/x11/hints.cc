@@ -113,7 +113,7 @@ uint32_t WantedStates(const Window& w) {
   return w.state & (kStateFullScreen | kStateModal | kStateDocked);
 }
 
-// A mapped window's state belongs to the window manager: it is asked.
+// The window manager keeps the state of a mapped window, so it is asked to change it.
 void AskStates(Native* n) {
   const uint32_t wanted = WantedStates(*n->w);
   for (const StateAtoms& s : kStateAtoms) {
@@ -191,7 +191,7 @@ void SetTitle(const Native& n) {
   SetText(n.id, XCB_ATOM_WM_NAME, Atom(kUtf8String), shown);
 }
 
-// The window manager measures the whole window, so the menu bar is part of every figure.
+// The window manager counts the whole window, so all sizes include the menu bar.
 void SetSizeHints(const Native& n) {
   const Window& w = *n.w;
   const int width = w.content.width(), height = w.content.height();
@@ -236,16 +236,15 @@ void SetHints(Native* n) {
   SetTransient(*n, style);
   if (n->w->parent != nullptr) return;  // no window manager reads more of a pop-up
   SetMotifHints(*n, style);
-  // On the way out of full screen the size that the record has is still the screen's: the hints
-  // wait for the one that comes back.
+  // While the window leaves full screen, the record still has the screen's size: the hints are set
+  // once the former size has been reported.
   const bool leaving = n->mapped() && (n->states & ~WantedStates(*n->w) & kStateFullScreen) != 0;
   if (!leaving) SetSizeHints(*n);
   if (n->mapped()) AskStates(n);
 }
 
 void ReadStates(Native* n) {
-  // Of a window that is withdrawn the manager takes its states away; what the program asked for
-  // stays.
+  // The manager removes the states of a withdrawn window; the program's own requests stay.
   if (!n->mapped()) return;
   auto cookie = xcb_get_property(x.c, 0, n->id, Atom(kNetWmState), XCB_ATOM_ATOM, 0, 64);
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));

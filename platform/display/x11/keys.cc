@@ -38,7 +38,7 @@ struct Keymap {
   uint8_t alt = XCB_MOD_MASK_1, super = XCB_MOD_MASK_4;
 };
 
-// What a held key was reported as, so that its release tells the same.
+// A held key as it was reported: its release has the same key and character.
 struct Held {
   bool down = false;
   const Window* window = nullptr;  // that heard of it last; null: it has ended
@@ -51,8 +51,8 @@ struct Keyboard {
   Held held[256];
   uint32_t reported = 0;  // modifiers
   const Window* reported_to = nullptr;
-  bool orphaned = false;  // the window that heard of the modifiers has ended, no other has since
-  uint32_t state = 0;     // the server's, as last told
+  bool orphaned = false;  // the window that got the modifiers is destroyed; no other has got them
+  uint32_t state = 0;     // the server's, as last reported
 };
 Keyboard k;
 
@@ -119,7 +119,7 @@ void LoadKeymap() {
   TakeModifiers(parts.modmap_rtrn, r->totalModMapKeys, &k.map);
 }
 
-// A group that the key has not is brought among those it has, as the key itself tells.
+// Maps a group that the key does not have to one that it has, by the rule of the key's definition.
 int FitGroup(const Key& key, int group) {
   const int count = key.group_info & 0x0F;
   if (group < count) return group;
@@ -208,12 +208,12 @@ void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time)
   e->modifiers = Modifiers(k.state);
 }
 
-// A key of a window that has ended comes up without a window.
+// The release of a key whose window was destroyed has no window.
 void EmitKeyUp(Native* n, uint8_t code, xcb_timestamp_t time) {
   EmitKey(RawEvent::kKeyUp, k.held[code].window != nullptr ? n : nullptr, code, time);
 }
 
-// A release that no window heard of, since the one with the focus was destroyed with the key down.
+// Reports releases that no window got, because the focused one was destroyed while a key was down.
 void ReleaseMissed(Native* n) {
   const bool any =
       std::any_of(std::begin(k.held), std::end(k.held), [](const Held& h) { return h.down; });

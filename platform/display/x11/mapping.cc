@@ -10,7 +10,7 @@ namespace platform::x11 {
 
 namespace {
 
-// Docked windows follow the one that they are docked to: it comes first.
+// A docked window is mapped only after the window that it is docked to.
 bool BehindAnother(const Native& n) {
   if ((n.w->state & kStateDocked) == 0) return false;
   const Native* first = NativeOf(n.w->transient_for);
@@ -19,7 +19,7 @@ bool BehindAnother(const Native& n) {
 
 void Map(Native* n) {
   const bool managed = n->w->parent == nullptr;
-  // Before it is asked for: as yet the window manager keeps no state of it.
+  // Set before the map request: until then the window manager keeps no state of the window.
   if (managed) {
     SetHints(n);
     WriteStates(n);
@@ -29,10 +29,10 @@ void Map(Native* n) {
                         32, 1, &x.user_time);
   }
   n->phase = Native::kMapping;
-  // Nobody else raises a pop-up.
+  // No window manager raises a pop-up.
   if (!managed) RaiseNative(n->w, kRaiseOnly, nullptr);
   xcb_map_window(x.c, n->id);
-  // The server brings a menu up while the program draws it.
+  // Sent at once, so that the server maps a menu while the program draws it.
   if (!managed) xcb_flush(x.c);
   if (n->activate) Activate(n);
 }

@@ -92,8 +92,8 @@ bool Reallocate(Native* n, int width, int height) {
   if (first && m.descriptor < 0) std::fill_n(n->pixels, bytes / 4, FirstPixel(*n));
   if (m.descriptor >= 0) {
     n->segment = xcb_generate_id(x.c);
-    // Not waited for: a refusal comes back as an error and turns sharing off. The library closes
-    // the descriptor once it is sent.
+    // No reply is waited for: a refusal arrives as an error and turns sharing off. The library
+    // closes the descriptor once it is sent.
     n->attach_sequence = xcb_shm_attach_fd(x.c, n->segment, m.descriptor, 1).sequence;
   }
   return true;
@@ -234,7 +234,7 @@ void Flush(bool wait) {
     xcb_flush(x.c);
     return;
   }
-  // Twice when the first answer brought the news that memory cannot be shared.
+  // The second turn is needed when the first reply shows that memory cannot be shared.
   for (int turn = 0; turn < 2; ++turn) {
     const bool shared = x.shm;
     Reply<xcb_get_input_focus_reply_t> reply(

@@ -98,8 +98,8 @@ const Window* WindowAt(double root_x, double root_y) {
   return nullptr;
 }
 
-// What lies under a button. Only a window that has the pointer to itself, because of a grab or of
-// the button that is held, hears of the pointer elsewhere; a click does not move it.
+// The window under a press or release. Only a window that has captured the pointer, by a grab or a
+// held button, gets events from elsewhere; any other event lies in its own window.
 const Window* Under(const Native* n, const PointerEvent& e, bool captured) {
   const bool its_own = !HoldsGrab(n) && (GrabsForProgram() || !captured);
   if (its_own) {
@@ -110,8 +110,8 @@ const Window* Under(const Native* n, const PointerEvent& e, bool captured) {
   return found.window;
 }
 
-// A release can happen where nobody hears of it: its window was destroyed or hidden with the button
-// down. The server's own list of held buttons, which comes with every event, tells.
+// A release is not reported when its window was destroyed or hidden while the button was down. The
+// server's list of held buttons, which is in every event, shows that.
 void ReleaseMissed(Native* n, const PointerEvent& e) {
   const bool other = held.device != 0 && e.device != 0 && held.device != e.device;
   if (held.buttons == 0 || other) return;
@@ -180,7 +180,7 @@ void TakeScrollClass(const xcb_input_scroll_class_t& s, PointerDevice* d) {
   axis.increment = Number(s.increment);
 }
 
-// Classes come with the device that they belong to, since a master shows those of its slave.
+// Each class names its device, since a master device lists the classes of its current slave.
 void TakeClasses(xcb_input_device_class_iterator_t it) {
   for (; it.rem != 0; xcb_input_device_class_next(&it)) {
     const int id = it.data->sourceid;
@@ -198,7 +198,8 @@ void TakeClasses(xcb_input_device_class_iterator_t it) {
   }
 }
 
-// Positions of wheels are unknown again: the pointer was elsewhere, or another device moves it.
+// Forgets the positions of wheels: they may change while the pointer is elsewhere or another device
+// moves it.
 void ForgetScroll() {
   for (PointerDevice& d : devices) d.vertical.valid = d.horizontal.valid = false;
 }
@@ -211,12 +212,12 @@ void OnDeviceChanged(const xcb_input_device_changed_event_t* e) {
   ForgetScroll();
 }
 
-// A wheel that reports its position also clicks, for those who do not read it. The click counts
-// where the position told nothing yet: the first one after the pointer came in.
+// A wheel that reports positions sends clicks as well, for programs without the extension. Only the
+// first click after the pointer has entered counts: the turn before it is not known by position.
 bool ToldByPosition(const PointerDevice& device, uint32_t button) {
   if (button == 0 || button > std::size(kButtons)) return false;
   const ButtonMeaning& meaning = kButtons[button - 1];
-  if (meaning.dx == 0 && meaning.dy == 0) return false;  // a finger, say, that stands for a button
+  if (meaning.dx == 0 && meaning.dy == 0) return false;  // such as a finger that acts as a button
   const ScrollAxis& axis = meaning.dy != 0 ? device.vertical : device.horizontal;
   return axis.number >= 0 && !axis.clicks;
 }

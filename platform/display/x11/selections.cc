@@ -154,7 +154,7 @@ void PutTargets(xcb_window_t window, xcb_atom_t property, bool texts_only) {
   Put(window, property, XCB_ATOM_ATOM, 32, list.data(), list.size());
 }
 
-// False: there is no such thing to be had.
+// Stores the text in the property as `target`. False: it is not offered as that.
 bool Convert(Offer& offer, xcb_window_t asker, xcb_atom_t target, xcb_atom_t property) {
   if (target == Atom(kTargets)) {
     PutTargets(asker, property, false);
@@ -174,7 +174,7 @@ bool Convert(Offer& offer, xcb_window_t asker, xcb_atom_t target, xcb_atom_t pro
   return false;
 }
 
-// Several targets, each with its property: those that are not to be had become none.
+// Several targets, each with its property. Targets that are not offered are set to none.
 bool ConvertEach(Offer& offer, xcb_window_t asker, xcb_atom_t property) {
   if (property == XCB_NONE) return false;
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
@@ -190,7 +190,7 @@ bool ConvertEach(Offer& offer, xcb_window_t asker, xcb_atom_t property) {
   return true;
 }
 
-// A window of the program's own, the root, and a time before the text was offered get nothing.
+// False for the program's own windows, the root, and a time before the text was offered.
 bool MayAsk(const xcb_selection_request_event_t& e, const Offer& offer) {
   const xcb_window_t asker = e.requestor;
   const bool own =
@@ -200,7 +200,7 @@ bool MayAsk(const xcb_selection_request_event_t& e, const Offer& offer) {
   return !tell || int32_t(e.time - offer.time) >= 0;
 }
 
-// What a manager asks for. True when the event is dealt with.
+// Answers a request of the clipboard manager. True when the event was one.
 bool ServeManager(const xcb_generic_event_t* e) {
   const auto* changed = reinterpret_cast<const xcb_property_notify_event_t*>(e);
   if (e->response_type == XCB_SELECTION_REQUEST) {
@@ -211,7 +211,7 @@ bool ServeManager(const xcb_generic_event_t* e) {
          HandlePieceTaken(changed->window, changed->atom);
 }
 
-// It says that it has everything, or is gone.
+// Whether the event says that the manager has the text, or that it has ended.
 bool ManagerIsDone(const xcb_generic_event_t* e, xcb_window_t manager) {
   const auto* said = reinterpret_cast<const xcb_selection_notify_event_t*>(e);
   const auto* ended = reinterpret_cast<const xcb_destroy_notify_event_t*>(e);
@@ -220,7 +220,7 @@ bool ManagerIsDone(const xcb_generic_event_t* e, xcb_window_t manager) {
          (e->response_type == XCB_DESTROY_NOTIFY && ended->window == manager);
 }
 
-// Looks at what has come; what is not about the manager stays for later.
+// Handles the manager's events among those that have arrived; the others stay queued.
 bool TalkToManager(xcb_window_t manager) {
   constexpr int kEvents = 100;  // between two looks at the time
   Pump(kEvents);
@@ -258,7 +258,7 @@ bool OfferText(Selection which, const SharedText& text) {
       xcb_get_selection_owner_reply(x.c, xcb_get_selection_owner(x.c, selection), nullptr));
   if (!now || now->owner != owner.window) return false;
   offer = {text, nullptr, time, set.sequence};
-  // What was lost before has come back.
+  // A report of an earlier loss no longer holds.
   std::erase_if(x.out, [which](const RawEvent& e) {
     return e.type == RawEvent::kSelectionLost && e.selection == uint8_t(which);
   });
@@ -269,13 +269,13 @@ void HandleSelectionClear(const xcb_selection_clear_event_t* e, unsigned sequenc
   Selection which;
   if (e->owner != owner.window || !FindSelection(e->selection, &which)) return;
   Offer& offer = owner.offers[int(which)];
-  // One from before the text was offered again says nothing.
+  // A loss from before the text was offered again is out of date.
   if (offer.text == nullptr || int(sequence - offer.sequence) < 0) return;
   offer = Offer{};
   Emit(RawEvent::kSelectionLost, nullptr)->selection = uint8_t(which);
 }
 
-// Under the program's name and other selections there is nothing to be had.
+// Selections other than the two, such as the program's name, have no text.
 void HandleAsker(const xcb_selection_request_event_t* e) {
   Selection which{};
   const bool texts = e->owner == owner.window && FindSelection(e->selection, &which);

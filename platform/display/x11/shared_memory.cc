@@ -1,8 +1,9 @@
 // Memory that the program and the server both map.
 //
 // The system gives it page by page as it is first touched, which for a large window takes longer
-// than drawing its first picture. Written through the descriptor, many pages come with one call,
-// and pages that are there are mapped sixteen at a time.
+// than drawing its first picture. Written through the descriptor, many pages come with one call;
+// a touch of a page that is there maps its neighbours with it, sixteen at a time. (A call that maps
+// them all holds up the other threads' use of the address space, and takes longer.)
 #include <pthread.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -17,6 +18,7 @@ namespace platform::x11 {
 
 namespace {
 
+// As much as a touch maps: what lies between two multiples of this.
 constexpr size_t kPiece = 64 * 1024;
 
 SharedMemory Map(size_t bytes) {
@@ -58,11 +60,14 @@ struct Filling {
     refused = false;
   }
   void FillPieces() {
-    for (size_t at; (at = next++ * kPiece) < bytes;) {
-      const size_t size = std::min(bytes - at, kPiece);
-      if (pwrite(memory.descriptor, piece.data(), size, off_t(at)) != ssize_t(size)) refused = true;
-      // Where the system does not know this, the first touch of a page maps it.
-      madvise(reinterpret_cast<char*>(memory.pixels) + at, size, MADV_POPULATE_READ);
+    char* const pixels = reinterpret_cast<char*>(memory.pixels);
+    const size_t skew = reinterpret_cast<uintptr_t>(pixels) % kPiece;
+    for (size_t at; (at = next++ * kPiece) < skew + bytes;) {
+      const size_t begin = std::max(at, skew) - skew, end = std::min(at + kPiece - skew, bytes);
+      const auto size = ssize_t(end - begin);
+      if (pwrite(memory.descriptor, piece.data(), end - begin, off_t(begin)) != size)
+        refused = true;
+      *const_cast<const volatile char*>(pixels + begin);
     }
   }
   // All pieces are done.

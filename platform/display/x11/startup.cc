@@ -23,7 +23,7 @@ struct Program {
   xcb_intern_atom_cookie_t name{};
   xcb_get_selection_owner_cookie_t owner{};
   xcb_atom_t selection = XCB_NONE;
-  bool others = false;  // had it when this one started
+  bool others = false;  // another program owned the selection at the start
 };
 Program program;
 
@@ -35,7 +35,7 @@ xcb_timestamp_t TimeOfToken(const std::string& token) {
   return xcb_timestamp_t(strtoul(token.c_str() + at + sizeof kMark - 1, nullptr, 10));
 }
 
-// A text in pieces of twenty bytes, the last with a zero, to all who listen at the root window.
+// Sends a text to all who listen at the root window, in messages of twenty bytes; a zero ends it.
 void Broadcast(const std::string& text) {
   xcb_client_message_event_t m{};
   m.response_type = XCB_CLIENT_MESSAGE;
@@ -112,7 +112,7 @@ void EndStartup() {
 void UseToken(const char* token) {
   const std::string text = std::string(token).substr(0, 1024);
   const xcb_timestamp_t time = TimeOfToken(text);
-  // Only forward: the user may have done more since.
+  // The time never goes back: there may have been later input.
   if (time != 0 && (x.user_time == 0 || int32_t(time - x.user_time) > 0)) x.user_time = time;
   TellEnd(text);
 }

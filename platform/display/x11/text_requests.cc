@@ -92,15 +92,15 @@ void AskForNext(At r) {
 
 enum class Taken : uint8_t { kNothing, kText, kPieces, kOther, kTooMuch };
 
-// The size that a text in pieces is announced with is no promise, but may be reason enough.
+// The announced size of a text in pieces is a lower bound: one over the limit is refused at once.
 Taken TakePieces(const xcb_get_property_reply_t& reply) {
   const bool tells = reply.format == 32 && xcb_get_property_value_length(&reply) >= 4;
   const auto* size = static_cast<const uint32_t*>(xcb_get_property_value(&reply));
   return tells && *size > x.most_text ? Taken::kTooMuch : Taken::kPieces;
 }
 
-// Takes what the owner has put into the property; when it is gone the owner puts the next piece
-// there. Of a text `*type` is its type, and `*size` what came.
+// Reads the property, and deletes it so that the owner writes the next piece. Of a text `*type` is
+// its type and `*size` the number of bytes read.
 Taken TakeProperty(TextRequest* r, xcb_atom_t* type, size_t* size) {
   constexpr uint32_t kWords = 1 << 20;
   *size = 0;
@@ -109,7 +109,7 @@ Taken TakeProperty(TextRequest* r, xcb_atom_t* type, size_t* size) {
         x.c, xcb_get_property(x.c, 1, r->window, Atom(kXwText), XCB_ATOM_ANY, at, kWords),
         nullptr));
     if (at == 0 && (!reply || reply->type == XCB_ATOM_NONE)) return Taken::kNothing;
-    // One that changes while it is read is none.
+    // A property whose type changes while it is read is refused.
     if (!reply || (at != 0 && reply->type != *type)) return Taken::kOther;
     *type = reply->type;
     if (!IsText(*type) || reply->format != 8) {
@@ -185,7 +185,7 @@ void HandleTextPiece(xcb_window_t window) {
   size_t size = 0;
   const Taken taken = TakeProperty(&*r, &type, &size);
   Emit(RawEvent::kNone, nullptr);
-  // It was taken with the one before.
+  // This piece was read together with the one before.
   if (taken == Taken::kNothing) return;
   if (r->type == XCB_ATOM_NONE) r->type = type;
   if (taken != Taken::kText || type != r->type) return Refuse(r);

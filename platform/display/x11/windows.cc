@@ -16,7 +16,7 @@ constexpr uint32_t kWindowEvents =
     XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
     XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_PROPERTY_CHANGE;
 
-// Nobody but the program sets properties of a pop-up.
+// Other programs set no properties of a pop-up.
 uint32_t EventsOf(const Window& w) {
   return w.parent != nullptr ? kWindowEvents & ~uint32_t{XCB_EVENT_MASK_PROPERTY_CHANGE}
                              : kWindowEvents;

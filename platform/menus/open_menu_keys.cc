@@ -2,12 +2,14 @@
 #include "platform/events/key_characters.h"
 #include "platform/menus/open_menus.h"
 #include "platform/text/letters.h"
+#include "platform/text/utf8.h"
 
 namespace platform {
 namespace {
 
 constexpr uint32_t kF10 = 0xFFC7;
-constexpr int kPage = 10;  // rows
+constexpr int kPage = 10;          // rows
+constexpr double kTypingTime = 1;  // between two keys of one beginning
 
 // The title beside the one that is open.
 void NextTitle(int step) {
@@ -23,7 +25,26 @@ void NextTitle(int step) {
   }
 }
 
-void SelectByLetter(MenuLevel* l, char32_t letter) {
+// Goes on with what was typed a moment ago, to the item that begins with all of it. False when
+// there is none.
+bool GoOnTyping(MenuLevel* l, const Event& e) {
+  if (l->typed.empty() || e.time - l->typed_at > kTypingTime || !e.key.text[0]) return false;
+  std::u32string typed = l->typed;
+  for (std::string_view text = e.key.text; !text.empty();) typed += FoldTyped(TakeUtf8(&text));
+  int at = l->selected;
+  for (size_t k = 0; k <= l->layout.rows.size(); ++k, at = NextItem(*l, at, 1)) {
+    if (!at || !BeginsWithTyped(l->menu->items[size_t(at - 1)].text, typed)) continue;
+    l->typed = std::move(typed);
+    l->typed_at = e.time;
+    SelectItem(l, at);
+    return true;
+  }
+  return false;
+}
+
+void SelectByLetter(MenuLevel* l, char32_t letter, double time) {
+  l->typed = letter;
+  l->typed_at = time;
   int at = l->selected;
   for (size_t k = 0; k < l->layout.rows.size(); ++k) {
     at = NextItem(*l, at, 1);
@@ -74,13 +95,15 @@ void MenuKey(const Event& e) {
     case kReturnKey:
     case kEnterKey:
     case kSpaceKey:
+      if (e.key.character == kSpaceKey && GoOnTyping(l, e)) return;
       if (l->selected) ChooseItem(level, l->selected, true);
       return;
     case kEscapeKey:
       return Leave();
     default:
+      if (GoOnTyping(l, e)) return;
       if (const char32_t letter = LetterOfKey(e.key.base_keysym, e.key.keysym, e.key.text))
-        SelectByLetter(l, letter);
+        SelectByLetter(l, letter, e.time);
   }
 }
 
