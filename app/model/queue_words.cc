@@ -25,6 +25,12 @@ ProgressPart ProgressOf(const NC_Job& job) {
   return {job.printed, job.total, PartText(job.printed, job.total)};
 }
 
+// Beside another word there is no room for "pages".
+std::string Shortened(const ProgressPart& progress, const NC_Job& job) {
+  if (progress.whole != job.pages) return progress.text;
+  return NumberText(progress.part) + " of " + NumberText(progress.whole);
+}
+
 }  // namespace
 
 RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {

@@ -248,6 +248,9 @@ class PanesTest : public SideTest {
       DropSession();
     }
     Open("127.0.0.9:1", Recall(home_.At("config/quorvik/console.conf")));
+    // The banner takes its part of the height.
+    EXPECT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+    Turn(2);
   }
   void Drag(int x, int y, int dx, int dy) {
     display::MovePointer(c_->window->x + x, c_->window->y + y);
