@@ -79,6 +79,8 @@ constexpr Field kJobFields[] = {
     NUMBER_FIELD(NC_Job, "priority", priority, 1, 100),
     NUMBER_FIELD(NC_Job, "hold", hold, 0, 1),
     NUMBER_FIELD(NC_Job, "submitted", submitted, 0, INT64_MAX),
+    NUMBER_FIELD(NC_Job, "started", started, 0, INT64_MAX),
+    NUMBER_FIELD(NC_Job, "since", since, 0, INT64_MAX),
     NUMBER_FIELD(NC_Job, "size", size, 0, INT64_MAX),
     NUMBER_FIELD(NC_Job, "total", total, 0, INT64_MAX),
     NUMBER_FIELD(NC_Job, "printed", printed, 0, INT64_MAX),

@@ -78,6 +78,8 @@ typedef struct NC_Job {
   char media[NC_MEDIA_TEXT];
   char text[NC_DISPLAY_TEXT];     // to be shown, not to be interpreted
   char reasons[NC_REASONS_TEXT];  // keywords with commas between, why it does not go on
+  int64_t started;                // seconds since 1970, when it came to its printer last; 0: never
+  int64_t since;                  // the same, when it came into its state; 0: not known
 } NC_Job;
 
 // Read a queue list of `size` bytes into at most `max` jobs, in the server's order. The number

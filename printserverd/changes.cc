@@ -1,5 +1,6 @@
 // Changes of jobs: what a ticket makes of one, and how it gets to the disk before it counts.
 #include <algorithm>
+#include <ctime>
 #include <iterator>
 
 #include "printserverd/queue.h"
@@ -47,6 +48,7 @@ void Queue::ApplyHold(const Job& job, Job* changed) {
     if (job.Ended()) changed->printed = changed->finished = 0;
   }
   if (changed->state == job.state) return;
+  changed->since = time(nullptr);
   changed->text.clear();
   changed->reasons.clear();
 }

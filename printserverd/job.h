@@ -54,6 +54,8 @@ struct Job {
   JobState state = JobState::kWaiting;
   int64_t submitted = 0;  // seconds since 1970
   int64_t finished = 0;   // the same, of an ended job
+  int64_t started = 0;    // the same, when it came to a printer last; 0: it has not yet
+  int64_t since = 0;      // the same, when it came into its state; 0: not known
   int64_t number = 0;     // for people; counts up in the order of acceptance
   int64_t place = 0;      // order among the jobs of one priority
   int64_t outputs = 0;    // the last output's number when it began to wait: its own is higher

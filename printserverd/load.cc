@@ -54,7 +54,10 @@ bool Queue::LoadJob(const std::string& name) {
     job.number = uses_.counters->NextNumber();
     job.place = PlaceOf(job.number);
   }
-  if (job.AtPrinter()) job.state = JobState::kWaiting;
+  if (job.AtPrinter()) {
+    job.state = JobState::kWaiting;
+    job.since = 0;
+  }
   CheckDocument(&job);
   Link(&jobs_.emplace(job.id, job).first->second);
   return true;
@@ -70,7 +73,7 @@ void Queue::CheckDocument(Job* job) {
   job->state = JobState::kFailed;
   job->reasons = "document-lost";
   job->text = there ? "the document is not whole" : "the document is lost";
-  job->finished = time(nullptr);
+  job->finished = job->since = time(nullptr);
   Store(*job, nullptr);
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 
 #include "printserverd/fields.h"
 #include "printserverd/log.h"
@@ -114,6 +115,7 @@ void Printer::Begin(const Job& job, int64_t now) {
   {
     Queue::Edit edit(uses_.queue, current_);
     edit->state = JobState::kPrinting;
+    edit->started = time(nullptr);
     edit->printed = 0;
     edit->paper_loaded = false;
     edit->text.clear();

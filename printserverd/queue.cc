@@ -102,11 +102,13 @@ const Job* Queue::Find(const RequestId& id) const {
   return found == jobs_.end() ? nullptr : &found->second;
 }
 
-Queue::Edit::Edit(Queue* queue, const RequestId& id) : queue_(queue), job_(&queue->jobs_.at(id)) {
+Queue::Edit::Edit(Queue* queue, const RequestId& id)
+    : queue_(queue), job_(&queue->jobs_.at(id)), before_(job_->state) {
   queue_->Unlink(job_);
 }
 
 Queue::Edit::~Edit() {
+  if (job_->state != before_) job_->since = time(nullptr);
   queue_->Link(job_);
   queue_->Touch();
 }
@@ -224,7 +226,7 @@ void Queue::Accept(const DocumentRef& document, const Ticket& ticket, int64_t si
   job.id = document->id;
   job.ticket = ticket;
   job.state = ticket.hold ? JobState::kHeld : JobState::kWaiting;
-  job.submitted = time(nullptr);
+  job.submitted = job.since = time(nullptr);
   job.size = size;
   // The configuration may have changed while the document came.
   Status refused = CheckNames(ticket, true);

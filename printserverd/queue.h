@@ -80,6 +80,7 @@ class Queue {
    private:
     Queue* queue_;
     Job* job_;
+    JobState before_;
   };
 
   // The calls for a document that arrives. A failure is seen in it later.

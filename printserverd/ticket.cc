@@ -80,6 +80,7 @@ constexpr JobNumber kStoredNumbers[] = {
     {"submitted", &Job::submitted, kMost}, {"size", &Job::size, kMost},
     {"number", &Job::number, kMaxNumber},  {"finished", &Job::finished, kMost},
     {"place", &Job::place, INT64_MAX},     {"outputs", &Job::outputs, kMost},
+    {"started", &Job::started, kMost},     {"since", &Job::since, kMost},
 };
 
 // Applies one field of a job file. False when its value is not allowed.
@@ -115,6 +116,8 @@ void AppendCommon(std::string* out, const Job& job) {
   for (const NumberKey& row : kNumberKeys) AppendField(out, row.key, job.ticket.*row.field);
   if (!job.ticket.colour.empty()) AppendField(out, "colour", job.ticket.colour, 6);
   AppendField(out, "submitted", job.submitted);
+  if (job.started > 0) AppendField(out, "started", job.started);
+  if (job.since > 0) AppendField(out, "since", job.since);
   AppendField(out, "size", job.size);
   AppendField(out, "number", job.number);
   AppendField(out, "text", job.text, kMaxText);

@@ -44,7 +44,7 @@ constexpr size_t kMaxField = 512;       // the longest run of fixed fields in a 
 constexpr int64_t kDocumentMs = 30000;  // the deadline for the next bytes of a document
 
 // With every byte of every text escaped a job record stays below 2048 bytes, the list below 8 MiB.
-static_assert(2 * (kMaxDocumentName + 2 * kMaxName + kMaxProfile + kMaxMedia + kMaxText) + 13 * 34 +
+static_assert(2 * (kMaxDocumentName + 2 * kMaxName + kMaxProfile + kMaxMedia + kMaxText) + 15 * 34 +
                   kMaxText + 128 <
               2048);
 

@@ -468,7 +468,8 @@ enum {
   XWC_DROPS_FOCUS = 0x400000, /* edit box: Return does not go on to the next */
   XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
   XWC_HEADER = 0x800000,    /* button: the head of a column */
-  XWC_OWN_TEXT = 0xC00000   /* of a button: the toolkit draws its text */
+  XWC_OWN_TEXT = 0xC00000,  /* of a button: the toolkit draws its text */
+  XWC_BESIDE = 0x1000000    /* icon button: the text of a later XwSetText stands beside the icon */
 };
 
 /* A push button of w - 6 by h - 4 pixels inside the rectangle, whose record is h + 3 high; with

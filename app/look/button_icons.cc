@@ -55,6 +55,32 @@ void Refresh(Parts* parts) {
   Polygon(parts, {a, tip, b});
 }
 
+// Two sheets and what is between them, as frames.
+void Printer(Parts* parts) {
+  Polygon(parts, {{4, 1.5f},
+                  {12, 1.5f},
+                  {12, 5.2f},
+                  {10.6f, 5.2f},
+                  {10.6f, 2.9f},
+                  {5.4f, 2.9f},
+                  {5.4f, 5.2f},
+                  {4, 5.2f}});
+  Polygon(parts, {{1.5f, 5.2f},
+                  {14.5f, 5.2f},
+                  {14.5f, 11.8f},
+                  {12, 11.8f},
+                  {12, 10.4f},
+                  {13.1f, 10.4f},
+                  {13.1f, 6.6f},
+                  {2.9f, 6.6f},
+                  {2.9f, 10.4f},
+                  {4, 10.4f},
+                  {4, 11.8f},
+                  {1.5f, 11.8f}});
+  Polygon(parts, {{4, 9}, {12, 9}, {12, 14.6f}, {4, 14.6f}});
+  Polygon(parts, {{5.4f, 10.4f}, {10.6f, 10.4f}, {10.6f, 13.2f}, {5.4f, 13.2f}});
+}
+
 Parts PartsOf(ToolIcon icon) {
   Parts parts;
   switch (icon) {
@@ -63,6 +89,9 @@ Parts PartsOf(ToolIcon icon) {
       break;
     case ToolIcon::kOptions:
       Polygon(&parts, {{4.2f, 6.2f}, {11.8f, 6.2f}, {8, 10.4f}});
+      break;
+    case ToolIcon::kPrint:
+      Printer(&parts);
       break;
     case ToolIcon::kCross:
       Polygon(&parts, {{5, 3.8f},

@@ -85,6 +85,15 @@ class Facts {
   std::vector<Fact> all_;
 };
 
+// What has become of it, as far as the server tells.
+void AddHistory(const NC_Job& job, int64_t now, Facts* facts) {
+  facts->Add("Submitted", DayText(job.submitted, now));
+  facts->Add("Begun", DayText(job.started, now));
+  // By NC_JobState; what waits or prints is told already.
+  constexpr const char* kNames[] = {"", "Held", "", "Paper out", "Printed", "Failed"};
+  if (const char* name = kNames[job.state]; *name) facts->Add(name, DayText(job.since, now));
+}
+
 }  // namespace
 
 std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
@@ -101,7 +110,7 @@ std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   facts.Add("Pages", job.pages >= 0 ? NumberText(job.pages) : "");
   facts.Add("Size", SizeText(job.size));
   if (IsAtPrinter(job.state)) facts.Add("Printed", ProgressOf(job).text);
-  facts.Add("Submitted", DayText(job.submitted, now));
+  AddHistory(job, now, &facts);
   if (HasEnded(job.state))
     facts.Add("Again", job.kept ? "the server keeps it" : "it is no longer kept");
   if (const std::string says = Shown(job.text); says != nc::JobStateText(job.state))

@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/look/style.h"
 #include "app/panes/document_picture.h"
 #include "app/panes/facts.h"
@@ -22,10 +23,15 @@ std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
   return FactLines(Shown(e.name), a.w);
 }
 
+// The list of the printers tells all of them while it shows.
+bool ShowsPrinter(const Layout& layout) {
+  return layout.printers.Empty();
+}
+
 // The document's part of the pane, below its caption.
 Area DocumentArea(const Layout& layout) {
   Area a = layout.details.Inset(kPadding, 0);
-  a.TakeBottom(kPrinter);
+  if (ShowsPrinter(layout)) a.TakeBottom(kPrinter);
   a.TakeTop(kCaption + 6);
   return a;
 }
@@ -38,6 +44,16 @@ std::string KindOfDocument(const Preview* preview, FileKind by_name) {
   return tells_pages ? kind + ", " + CountText(preview->pages, "page", "pages") : kind;
 }
 
+// Where the name says that it is of a kind which is shown, and no reader knows it, it is damaged.
+std::string TroubleOf(const Preview& preview, const std::string& name) {
+  constexpr std::string_view kShown[] = {"pdf", "png", "jpg", "jpeg", "tif", "tiff"};
+  const bool named =
+      std::find(std::begin(kShown), std::end(kShown), FileKindKey(name)) != std::end(kShown);
+  return named && preview.trouble == PreviewTrouble::kNoPreview
+             ? "This file is damaged: it cannot be read"
+             : TroubleWords(preview);
+}
+
 void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area* a) {
   const Area box = p->PictureArea();
   if (box.Empty()) return;
@@ -46,7 +62,7 @@ void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area
   a->TakeTop(box.h);
   Area line = a->TakeTop(kTroubleLine).Inset(0, 3);
   if (p->preview)
-    DrawLabel(TheStyle().small_text, Align::kCenter, line, TroubleWords(*p->preview),
+    DrawLabel(TheStyle().small_text, Align::kCenter, line, TroubleOf(*p->preview, e.name),
               TheStyle().second);
 }
 
@@ -82,12 +98,13 @@ void DrawSelected(const DetailsPane* p, Area a) {
 
 void AddDocumentHits(const DetailsPane* p, Area a, Hits* hits) {
   if (p->selected < 0) return;
+  const FolderEntry e = p->folder.At(p->selected);
   if (const Area box = p->PictureArea(); !box.Empty()) {
     hits->Cover(a.TakeTop(box.h),
-                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleWords(*p->preview) : ""});
+                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
     a.TakeTop(kTroubleLine);
   }
-  CoverFacts(FactsOfDocument(p, p->folder.At(p->selected)), a, hits);
+  CoverFacts(FactsOfDocument(p, e), a, hits);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
@@ -138,12 +155,13 @@ void DetailsPane::Draw() const {
   Fill(a, l.side);
   LineAtLeft(a);
   a = a.Inset(kPadding, 0);
-  Area printer = a.TakeBottom(kPrinter);
+  Area printer = ShowsPrinter(layout) ? a.TakeBottom(kPrinter) : Area{};
   DrawCaption(a, jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
   if (jobs)
     DrawJobFacts(*jobs, DocumentArea(layout));
   else
     DrawSelected(this, DocumentArea(layout));
+  if (printer.Empty()) return;
   DrawCaption(printer, "PRINTER");
   printer.TakeTop(kCaption);
   DrawPrinter(this, printer);

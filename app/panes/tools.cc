@@ -12,8 +12,9 @@ namespace {
 
 constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
 
-XwWindow* MakeIconButton(XwWindow* window, ToolIcon icon, int id, const char* name) {
-  XwWindow* b = XwButton(window, ButtonIcon(icon), id, 0, 0, 9, 9, kShown | XWC_ICON, 0);
+XwWindow* MakeIconButton(XwWindow* window, ToolIcon icon, int id, const char* name,
+                         uint32_t style = 0) {
+  XwWindow* b = XwButton(window, ButtonIcon(icon), id, 0, 0, 9, 9, kShown | XWC_ICON | style, 0);
   XwDescribeControl(b, name);
   return b;
 }
@@ -58,7 +59,8 @@ std::vector<std::string> MediaOf(const NC_Printer* printer) {
 }
 
 void ToolsPane::MakeControls(XwWindow* w) {
-  print = XwButton(w, "Print", kPrintCommand, 0, 0, 9, 9, kShown | XWC_VARIANT, 0);
+  print = MakeIconButton(w, ToolIcon::kPrint, kPrintCommand, "Print", XWC_BESIDE);
+  XwSetTextUtf8(print, "Print");
   refresh = MakeIconButton(w, ToolIcon::kRefresh, kRefreshCommand, "Refresh");
   printer_.Make(w, kPrinterControl, "Printer", nullptr);
   profile_.Make(w, kProfileControl, "Profile", "Default");
@@ -99,7 +101,9 @@ void ToolsPane::ShowDocuments(int n) {
   n = std::max(1, n);
   if (n == documents_) return;
   documents_ = n;
-  XwSetTextUtf8(print, n == 1 ? "Print" : ("Print " + NumberText(n)).c_str());
+  const std::string text = n == 1 ? "Print" : "Print " + NumberText(n);
+  XwSetTextUtf8(print, text.c_str());
+  XwDescribeControl(print, text.c_str());
 }
 
 void ToolsPane::Draw(const Layout& l) const {

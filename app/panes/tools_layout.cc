@@ -16,7 +16,7 @@ struct Piece {
   int width, gap;  // and the gap behind it
   int grows = 0;   // the share of what is spare
 };
-constexpr Piece kPrint{&Layout::print, 78, 6}, kRefresh{&Layout::refresh, 26, kWideGap};
+constexpr Piece kPrint{&Layout::print, 92, 6}, kRefresh{&Layout::refresh, 26, kWideGap};
 constexpr Piece kPrinterLabel{&Layout::printer_label, 46, 6};
 constexpr Piece kPrinter{&Layout::printer, 132, kWideGap, 60};
 constexpr Piece kProfileLabel{&Layout::profile_label, 42, 6};

@@ -406,6 +406,7 @@ void CloseConsole(Console* c) {
   if (!c) return;
   ClosePreferences();
   CloseLists();
+  CloseNumberWindow();
   XwTimer(c->window, 0, 0);
   XwShow(c->window, 0);
   XwSync();

@@ -10,6 +10,7 @@
 #include "app/look/hits.h"
 #include "app/panes/name_choice.h"
 #include "app/window/console.h"
+#include "app/window/queue_commands.h"
 
 namespace console {
 
@@ -17,6 +18,7 @@ struct PreferencesWindow {
   Console* console = nullptr;
   XwWindow* window = nullptr;
   XwWindow *server = nullptr, *recent = nullptr, *seconds = nullptr, *start = nullptr;
+  XwWindow *hidden = nullptr, *ended = nullptr, *mine = nullptr;
   XwWindow *cancel = nullptr, *save = nullptr;
   NameChoice printers;
   std::string printer;  // as chosen here
@@ -25,9 +27,20 @@ struct PreferencesWindow {
 
 namespace {
 
-enum Id { kServerBox = 1, kRecentButton, kSecondsBox, kPrinterList, kStartBox, kCancel, kSave };
+enum Id {
+  kServerBox = 1,
+  kRecentButton,
+  kSecondsBox,
+  kPrinterList,
+  kStartBox,
+  kHiddenBox,
+  kEndedBox,
+  kMineBox,
+  kCancel,
+  kSave
+};
 
-constexpr int kWidth = 460, kHeight = 278, kEdge = 20;
+constexpr int kWidth = 460, kHeight = 362, kEdge = 20;
 constexpr int kLabelEnd = 150, kField = 160, kFieldWidth = 214, kArrow = 26, kRow = 26;
 constexpr Area kServerArea{kField, 20, kFieldWidth, kRow};
 constexpr Area kServerLine{kField, 49, kWidth - kField - kEdge, 16};
@@ -35,9 +48,11 @@ constexpr Area kSecondsArea{kField, 78, 54, kRow};
 constexpr Area kSecondsWord{kField + 64, 78, 200, kRow};
 constexpr Area kPrinterArea{kField, 114, kFieldWidth + 4 + kArrow, kRow};
 constexpr Area kStartArea{kField, 150, 280, 20};
-constexpr int kSeparator = 192;
-constexpr Area kNote{kEdge, 204, kWidth - 2 * kEdge, 16};
-constexpr int kButtonTop = 232, kButtonWidth = 88, kButtonHeight = 26;
+constexpr Area kHiddenArea{kField, 186, 280, 20}, kEndedArea{kField, 214, 280, 20};
+constexpr Area kMineArea{kField, 238, 280, 20};
+constexpr int kSeparator = 276;
+constexpr Area kNote{kEdge, 288, kWidth - 2 * kEdge, 16};
+constexpr int kButtonTop = 316, kButtonWidth = 88, kButtonHeight = 26;
 constexpr int kLeastSeconds = 1, kMostSeconds = 3600;
 // Of a modal dialog with a close box; it is not modal.
 constexpr int kWindowStyle = -256 + 3 + 32;
@@ -155,6 +170,18 @@ void ChangeServer(Console* c, const std::string& server) {
   c->server.Use(server);
 }
 
+// What the View menu has, too.
+void ShowAsChosen(const PreferencesWindow* w) {
+  Console* c = w->console;
+  const bool hidden = XwGetValue(w->hidden) == 1, ended = XwGetValue(w->ended) == 1;
+  if (hidden != c->files.folder.rows().shows_hidden()) ShowHiddenNames(c, hidden);
+  QueueFilter filter = c->queue.rows.filter();
+  filter.mine = XwGetValue(w->mine) == 1;
+  if (ended != (filter.part != QueueFilter::kActive))
+    filter.part = ended ? QueueFilter::kAll : QueueFilter::kActive;
+  FilterQueue(c, filter);
+}
+
 void Save(PreferencesWindow* w) {
   Console* c = w->console;
   Preferences p = c->remembered.preferences;
@@ -163,6 +190,7 @@ void Save(PreferencesWindow* w) {
   if (!w->save->enabled || (changes && !MayLeaveServer(c))) return;
   // The question let events pass.
   if (g_window != w) return;
+  ShowAsChosen(w);
   const bool other_default = p.default_printer != w->printer;
   p.refresh_seconds = SecondsOf(w);
   p.start_local_server = XwGetValue(w->start) == 1;
@@ -258,6 +286,14 @@ XwWindow* MakeBox(XwWindow* window, const char* label, int id, const Area& a, bo
   return box;
 }
 
+XwWindow* MakeCheck(XwWindow* window, const char* utf8, int id, const Area& a) {
+  char text[100];
+  XwFromUtf8(utf8, text, sizeof text);
+  XwWindow* check = XwCheckBox(window, text, id, 0, 0, XWC_ENABLED | XWC_VISIBLE, 0);
+  PlaceControl(check, a);
+  return check;
+}
+
 void MakeControls(PreferencesWindow* w) {
   constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
   const Remembered& r = w->console->remembered;
@@ -271,10 +307,13 @@ void MakeControls(PreferencesWindow* w) {
   w->printers.Make(w->window, kPrinterList, "Default Printer", "The server’s default");
   PlaceControl(w->printers.control(), kPrinterArea);
   MakeLabel(w->window, "When away", kStartArea);
-  char text[100];
-  XwFromUtf8("Start a print server here for “localhost”", text, sizeof text);
-  w->start = XwCheckBox(w->window, text, kStartBox, 0, 0, kShown, 0);
-  PlaceControl(w->start, kStartArea);
+  w->start =
+      MakeCheck(w->window, "Start a print server here for “localhost”", kStartBox, kStartArea);
+  MakeLabel(w->window, "Files", kHiddenArea);
+  w->hidden = MakeCheck(w->window, "Show hidden names", kHiddenBox, kHiddenArea);
+  MakeLabel(w->window, "Queue", kEndedArea);
+  w->ended = MakeCheck(w->window, "Show jobs that have ended", kEndedBox, kEndedArea);
+  w->mine = MakeCheck(w->window, "Show my jobs only", kMineBox, kMineArea);
   w->cancel = XwButton(w->window, "Cancel", kCancel, 0, 0, 9, 9, kShown, 0);
   w->save = XwButton(w->window, "Save", kSave, 0, 0, 9, 9, kShown, 0);
   const int right = kWidth - kEdge - kButtonWidth;
@@ -291,6 +330,10 @@ void Fill(PreferencesWindow* w) {
   XwSetTextUtf8(w->seconds, std::to_string(r.preferences.refresh_seconds).c_str());
   XwSetValue(w->start, r.preferences.start_local_server ? 1 : 0);
   w->printer = r.preferences.default_printer;
+  const QueueFilter& filter = w->console->queue.rows.filter();
+  XwSetValue(w->hidden, w->console->files.folder.rows().shows_hidden());
+  XwSetValue(w->ended, filter.part != QueueFilter::kActive);
+  XwSetValue(w->mine, filter.mine);
 }
 
 }  // namespace

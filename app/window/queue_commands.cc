@@ -35,6 +35,9 @@ std::vector<const NC_Job*> SelectedJobs(const Console* c) {
   return jobs;
 }
 
+// What opens a window for any other number, behind them.
+constexpr char kOther[] = "Other…";
+
 // Checked where all selected jobs have it.
 template <size_t n>
 std::vector<CommandChoice> NumberChoices(const Console* c, const int (&numbers)[n],
@@ -47,6 +50,7 @@ std::vector<CommandChoice> NumberChoices(const Console* c, const int (&numbers)[
     });
     choices.push_back({std::to_string(number), all});
   }
+  choices.push_back({kOther});
   return choices;
 }
 
@@ -88,8 +92,13 @@ std::string WhyNotChange(const Console* c, Verb verb) {
 }
 
 void ChangeJobs(Console* c, const JobChange& change) {
-  const VerbCheck check = c->queue.Check(change.verb);
-  if (!check.possible()) return;
+  if (c->queue.Check(change.verb).possible()) ChangeThese(c, c->queue.Selected(), change);
+}
+
+void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& change) {
+  const VerbCheck check =
+      CheckVerb(change.verb, c->queue.rows, ids, c->state.pending, c->state.link == Link::kReady);
+  if (!check.possible()) return Tell(c, true, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
   std::vector<JobId> jobs;
   for (const QueueId& id : check.on) {
@@ -110,6 +119,7 @@ std::vector<CommandChoice> PriorityChoices(const Console* c) {
   return NumberChoices(c, kPriorities, &NC_Job::priority);
 }
 void ChoosePriority(Console* c, int choice) {
+  if (choice == int(std::size(kPriorities))) return AskNumber(c, Verb::kPriority);
   if (choice < int(std::size(kPriorities))) ChangeJobs(c, {Verb::kPriority, kPriorities[choice]});
 }
 
@@ -117,6 +127,7 @@ std::vector<CommandChoice> CopiesChoices(const Console* c) {
   return NumberChoices(c, kCopies, &NC_Job::copies);
 }
 void ChooseCopies(Console* c, int choice) {
+  if (choice == int(std::size(kCopies))) return AskNumber(c, Verb::kCopies);
   if (choice < int(std::size(kCopies))) ChangeJobs(c, {Verb::kCopies, kCopies[choice]});
 }
 

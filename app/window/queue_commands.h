@@ -13,6 +13,13 @@ namespace console {
 std::string WhyNotChange(const Console* c, Verb verb);
 // Asks first where a removal concerns others. The rows show at once what is being done.
 void ChangeJobs(Console* c, const JobChange& change);
+// The same of these jobs, of which some may have gone or changed: where none allows it, the status
+// line says why.
+void ChangeThese(Console* c, const std::vector<QueueId>& jobs, const JobChange& change);
+// Opens a window with a box for any number, kPriority or kCopies, of the selected jobs
+// (number_window.cc).
+void AskNumber(Console* c, Verb verb);
+void CloseNumberWindow();
 // What they are set to, as items of a menu.
 std::vector<CommandChoice> PriorityChoices(const Console* c);
 void ChoosePriority(Console* c, int choice);

@@ -1,5 +1,5 @@
 // Native controls: state machines in a window that track the pointer and the keyboard by
-// themselves. What happens to one goes as an event to its own target.
+// themselves. A control sends its events to its own target.
 //
 // Rectangles are in the content of the window. Null and stale controls are ignored everywhere; a
 // question about one gives 0, false, "" or null. Texts are UTF-8, copied.
@@ -27,8 +27,8 @@ void DisposePane(PaneRef p);
 // Its controls move along, and show where they are then.
 void SetPaneBounds(PaneRef p, const Rect& bounds);
 void ShowPane(PaneRef p, bool shown);
-// What its controls are erased with: a theme brush, else a colour (kNoColor: none), else what the
-// pane above it has.
+// The background of its controls: a theme brush, else a colour (kNoColor: none), else that of the
+// pane above it.
 void SetPaneBackground(PaneRef p, int brush, uint32_t rgb);
 // Erases a rectangle of the content, as far as the pane shows there, and draws the controls that
 // meet it.
@@ -171,15 +171,15 @@ void PressControl(ControlRef c);
 void StepControl(ControlRef c, bool up);
 // Whether the wheel over it turns it, active or not.
 bool ControlTakesWheel(ControlRef c);
-// With one of these parts Tab leaves a control that loses the keyboard to the next or the one
-// before.
+// The part of the event of a control that loses the focus, when Tab moves the focus to the next or
+// to the previous control.
 constexpr int kControlFocusNextPart = -1, kControlFocusPrevPart = -2;
 // Part 0 takes the keyboard away from it; any other gives it to a control that shows, is active and
 // can take it.
 void SetKeyboardFocus(WindowRef w, ControlRef c, int part);
 void ClearKeyboardFocus(WindowRef w);
 ControlRef GetKeyboardFocus(WindowRef w);
-// Around the control with the keyboard this much of the content is its ring's.
+// The width of the focus ring's area around the control with the keyboard.
 constexpr int kFocusRingSpace = 3;
 // Return presses the one, Escape the other, when the control with the keyboard does not take the
 // key. Null: none.

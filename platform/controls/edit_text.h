@@ -16,8 +16,8 @@ constexpr int kControlEditTextPart = 5;
 // sends kEventControlTextChanged when the user has changed the text otherwise than by a key that
 // its filter passed.
 ControlRef CreateEditTextControl(PaneRef pane, const Rect& bounds);
-// Sees each key, and its repeats, that comes to the box without Control, Alt or Super, but Tab, and
-// may change it. False: the box takes no notice of it.
+// Gets each key and its repeats that come to the box without Control, Alt or Super, other than Tab,
+// and may change it. False: the box ignores the key.
 using EditKeyFilter = bool (*)(ControlRef c, Event* key);
 void SetEditKeyFilter(ControlRef c, EditKeyFilter filter);
 // One that is not writable takes no keyboard, whether it is active or not; `looks_enabled` draws it
@@ -27,8 +27,8 @@ void SetEditReadOnly(ControlRef c, bool looks_enabled);
 // control characters go.
 void SetEditText(ControlRef c, const char* utf8);
 std::string GetEditText(ControlRef c);
-// From the one to the other character, cut to the text. The caret stands at the end. What the
-// pointer has selected while the box was getting the keyboard stays.
+// From the one to the other character, cut to the text. The caret stands at the end. A selection
+// that the pointer has made while the box was getting the focus stays.
 void SelectEditText(ControlRef c, int first, int last);
 // What its context menu has, too.
 enum class EditCommand : uint8_t { kUndo, kRedo, kCut, kCopy, kPaste, kDelete, kAll };

@@ -1,5 +1,5 @@
 // What sliders and scroll bars have in common: a thumb that follows the pointer, steps of the
-// wheel, and the callback that hears of both.
+// wheel, and the callback for both.
 #include <algorithm>
 #include <cmath>
 #include <string>

@@ -9,7 +9,7 @@ namespace platform {
 // What the display reports, before any translation. Coordinates are device pixels.
 struct RawEvent {
   enum Type : uint8_t {
-    kNone,  // something long is going on: the display is to be asked again
+    kNone,  // a long transfer is under way: the display is to be asked again
     kMotion,
     kPress,
     kRelease,  // x, y, root_x, root_y, under, button, tablet, modifiers
@@ -68,7 +68,7 @@ struct RawEvent {
   std::string* arrived = nullptr;  // may be moved from; valid as `text` is
 };
 
-// Reports that let go of something: they count also when their window has ended.
+// Reports of releases: they take effect even when their window is destroyed.
 inline bool IsRelease(RawEvent::Type type) {
   return type == RawEvent::kRelease || type == RawEvent::kKeyUp || type == RawEvent::kModifiers;
 }

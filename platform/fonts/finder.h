@@ -80,8 +80,8 @@ std::optional<std::vector<CachedFont>> LoadFontCache();
 // Writes the whole file again; silently not when it cannot.
 void SaveFontCache(const std::vector<FontStamp>& stamps, const std::vector<CachedFont>& cache);
 
-// Answers are looked up here first; what is not there asks the catalogue, which is read at most
-// once a process, and is then remembered.
+// Looks answers up in the cache first, then in the catalogue, which is read at most once in a
+// process; new answers are added to the cache.
 class FontFinder {
  public:
   FontFinder();

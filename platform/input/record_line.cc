@@ -265,7 +265,7 @@ bool ParseRecordLine(const std::string& text, RecordLine* line) {
   if (NamesSelection(line->raw.type)) return ParseSelection(Rest(&in), line);
   if (!NamesWindow(line->raw.type)) return ParseFields(&in, line);
   const std::streampos fields = in.tellg();
-  // A release that no window hears of names none.
+  // A release that no window gets has no window number.
   if (!(in >> window) || window[0] != 'w' || !isdigit(uint8_t(window[1]))) {
     if (!IsRelease(line->raw.type)) return false;
     in.clear();

@@ -167,8 +167,7 @@ bool IsOver(Client& c) {
     connection.HangUp();
     connection.Move();
   }
-  return connection.over() || (connection.ended() && !connection.HasLine() && connection.idle() &&
-                               !c.waiting && !c.typing);
+  return connection.over() || (connection.ended() && connection.idle() && !c.waiting && !c.typing);
 }
 
 // The loop wakes up when a look is due.

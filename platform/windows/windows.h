@@ -138,7 +138,7 @@ CursorRef CreatePictureCursor(int width, int height, int hot_x, int hot_y, const
 CursorRef CreateDrawnCursor(int width, int height, int hot_x, int hot_y,
                             void (*draw)(const void* source, uint32_t* argb), const void* source);
 void ReleaseCursor(CursorRef cursor);
-// The pointer looks like this over the window; null is ignored.
+// Sets the pointer's shape over the window; null is ignored.
 void ShowCursor(WindowRef w, CursorRef cursor);
 // Who gets the events of the pointer while a window has it.
 enum class Capture : uint8_t {

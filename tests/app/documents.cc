@@ -43,6 +43,7 @@ void WriteTiffPage(TIFF* tiff, const Sample& s) {
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW);
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 7);
   TIFFSetField(tiff, TIFFTAG_ORIENTATION, s.orientation);
+  if (s.metric) TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
   TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 300.0);
   TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 300.0);
   const std::vector<uint8_t> pixels = Pixels(s, parts);

@@ -12,6 +12,7 @@ struct Sample {
   int orientation = 1;       // how it is to be turned (JPEG, TIFF)
   int pages = 1;             // TIFF
   bool progressive = false;  // JPEG
+  bool metric = false;       // 300 dots a centimetre (TIFF)
 };
 void WritePng(const std::string& path, const Sample& sample);
 // 150 dots an inch.

@@ -84,7 +84,7 @@ TEST_F(ConsoleTest, AnInactiveWindowShowsThatKeysGoElsewhere) {
   EXPECT_EQ(At(row.x + 2, row.y + 2), active);
 }
 
-TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
+TEST_F(ConsoleTest, AJobsNameIsDrawnAsAnywhereElse) {
   Daemon daemon;
   daemon.Start({"--rate", "1K"});
   Open(daemon.host());
@@ -125,45 +125,15 @@ TEST_F(ConsoleTest, TheQueueOnTheWindowShowsTheJobAndChangesIt) {
     }
   }
   EXPECT_GT(inked, 200);
-  XwShow(pump_, 0);
-
-  Click(row);
-  const struct {
-    Area QueueHead::*button;
-    NC_JobState state;
-  } kSteps[] = {{&QueueHead::hold_area, NC_JOB_HELD}, {&QueueHead::release_area, NC_JOB_PRINTING}};
-  for (const auto& step : kSteps) {
-    Click(c_->queue.head.*step.button);
-    ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == step.state; })) << step.state;
-    ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
-    EXPECT_EQ(c_->queue.table.selected(), 0);
-  }
-  // At the printer it would be asked about.
-  Click(c_->queue.head.hold_area);
-  ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
-  ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
-  Click(c_->queue.head.remove_area);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 0; }));
-  EXPECT_EQ(c_->queue.table.selected(), -1);
 }
 
-TEST_F(ConsoleTest, KeysAloneDoEverything) {
+TEST_F(ConsoleTest, TabGoesRoundAndEachStopTakesItsKeys) {
   Daemon daemon;
   daemon.Start({"--rate", "1K"});
   Open(daemon.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  // Folders come first; the keyboard is the window's before the pointer has moved.
-  Key(0xFF50);
-  EXPECT_EQ(Selected(), kFolder);
-  Key(kReturnKey);
-  EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->files.folder.path(), home_.At(kFolder));
-  Key(kBackspaceKey);
-  EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->files.folder.path(), home_.path());
-  EXPECT_EQ(Selected(), kFolder);
+  // In an empty folder keys that move find nothing.
   Key('e', 'e');
-  EXPECT_EQ(Selected(), "Empty");
   Key(kReturnKey);
   EXPECT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.count(), 0);
@@ -172,25 +142,6 @@ TEST_F(ConsoleTest, KeysAloneDoEverything) {
   EXPECT_TRUE(HasRead());
   Key(0xFF57);
   EXPECT_EQ(Selected(), "letter.txt");
-
-  display::Modifiers(platform::cmdKey);
-  Key('p', 'p');
-  display::Modifiers(0);
-  ASSERT_TRUE(
-      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
-  Key(kTabKey);
-  Key(0xFF50);
-  EXPECT_EQ(c_->stop, FocusStop::kQueue);
-  EXPECT_EQ(c_->queue.table.selected(), 0);
-  Key('h', 'h');
-  ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
-  ASSERT_TRUE(Until([&] { return c_->state.pending.empty(); }));
-  Key(0xFFFF);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 0; }));
-  Key(0xFF1B);
-  EXPECT_EQ(c_->stop, FocusStop::kFiles);
-
-  // Tab goes round; each stop takes its keys.
   for (int i = 0; i < 9 && c_->stop != FocusStop::kCopies; ++i) Key(kTabKey);
   for (char typed : {'1', '2', 'x'}) Key(uint8_t(typed), uint8_t(typed));
   EXPECT_EQ(c_->choice.copies, 12);

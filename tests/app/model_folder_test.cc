@@ -231,8 +231,8 @@ TEST(Crumbs, KeepTheRootAndTheFolder) {
     int room;
     std::vector<int> shown;
   } cases[] = {
-      {50, {0, 1, 2, 3, 4}},   {49, {0, kCrumbGap, 2, 3, 4}}, {44, {0, kCrumbGap, 3, 4}},
-      {34, {0, kCrumbGap, 4}}, {0, {0, kCrumbGap, 4}},
+      {50, {0, 1, 2, 3, 4}},      {49, {0, kCrumbGap, 2, 3, 4}}, {45, {0, kCrumbGap, 2, 3, 4}},
+      {44, {0, kCrumbGap, 3, 4}}, {34, {0, kCrumbGap, 4}},       {0, {0, kCrumbGap, 4}},
   };
   for (const auto& c : cases) EXPECT_EQ(FitCrumbs({10, 10, 10, 10, 10}, 5, c.room), c.shown);
   EXPECT_EQ(FitCrumbs({10}, 5, 0), std::vector<int>{0});

@@ -65,6 +65,7 @@ TEST(CutMiddle, KeepsBeginningAndEnding) {
       {"ééééééééé", 5, "ééé…é"},
       {"x\u0301y\u0301z\u0301w\u0301v\u0301", 4, "x\u0301y\u0301…v\u0301"},
       {"👍🏽👍🏽👍🏽👍🏽", 3, "👍🏽…👍🏽"},
+      {"👩‍👧👩‍👧👩‍👧👩‍👧", 3, "👩‍👧…👩‍👧"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(CutMiddle(c.name, c.most), c.cut);
@@ -79,7 +80,7 @@ TEST(CutMiddle, KeepsBeginningAndEnding) {
 }
 
 TEST(Words, OfNumbers) {
-  EXPECT_EQ(NumberText(0) + " " + NumberText(999) + " " + NumberText(-1000), "0 999 -1,000");
+  EXPECT_EQ(NumberText(0) + " " + NumberText(999) + " " + NumberText(-100000), "0 999 -100,000");
   EXPECT_EQ(NumberOf(1234567, "file", "files"), "1,234,567 files");
 }
 
@@ -93,6 +94,7 @@ TEST(NameFilter, TakesPatternsAndParts) {
       {"*.pdf, *.TIF", {"A.PDF", "b.tif", ".pdf"}, {"a.pdf.txt", "tif"}},
       {"resume", {"Mon Résumé.doc", "RESUME"}, {"resum"}},
       {"img?.png", {"img1.png", "imgé.png", "IMGя.png"}, {"img.png", "img12.png"}},
+      {"*?b", {"aab", "xyb"}, {"b"}},
       {"a*b*c", {"abc", "axxbyybc"}, {"abcd", "acb"}},
       {"*", {"", "a"}, {}},
       {"a b,x", {"a b", "x.y"}, {"ab"}},

@@ -31,6 +31,9 @@ TEST(Printers, SayHowTheyAre) {
   list[3].accepting = 0, list[3].paper = 1234;
   strcpy(list[3].reasons, "disk-full");
   strcpy(list[4].name, "c");
+  list[4].paper = 0;
+  strcpy(list[0].supplies, "black:10");
+  strcpy(list[4].supplies, "black:9");
   Printers printers;
   printers.Show(List(list));
   const std::vector<PrinterRow>& rows = printers.rows();
@@ -41,7 +44,7 @@ TEST(Printers, SayHowTheyAre) {
   } wanted[] = {
       {"a", "out of paper", "", "no paper", Tone::kBad},
       {"b", "stopped, takes no new jobs: the disk is full", "", "1,234 sheets", Tone::kBad},
-      {"c", "idle", "", "", Tone::kGood},
+      {"c", "idle", "", "no paper", Tone::kWarning},
       {"hp 2", "printing, then paused", "1,200 jobs", "", Tone::kWarning},
       {"HP 10 with a v…ng name", "idle", "", "", Tone::kGood},
   };
@@ -56,7 +59,10 @@ TEST(Printers, SayHowTheyAre) {
   for (const Supply& s : rows[0].supplies)
     supplies += s.name + "=" + std::to_string(s.percent) + " ";
   EXPECT_EQ(supplies, "ink=-1 black=7 a:b=-1 cyan=-1 ");
-  ASSERT_EQ(printers.WithoutPaper().size(), 1u);
+  ASSERT_EQ(printers.WithoutPaper().size(), 2u);
+  EXPECT_EQ(printers.WithoutPaper()[0], &rows[0]);
+  printers.Choose("c");
+  EXPECT_EQ(printers.WithoutPaper()[0], &rows[2]);
   EXPECT_FALSE(printers.WhyNot(PrinterVerb::kPaperLoaded, rows[0]).empty());
   EXPECT_TRUE(printers.WhyNot(PrinterVerb::kPaperLoaded, rows[1]).empty());
   EXPECT_TRUE(printers.Offers(PrinterVerb::kResume, rows[1], ""));  // it has stopped

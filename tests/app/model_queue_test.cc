@@ -3,8 +3,10 @@
 
 #include <cstring>
 
+#include "app/format/texts.h"
 #include "app/model/queue_verbs.h"
 #include "app/model/queue_words.h"
+#include "app/model/server_words.h"
 
 namespace console {
 namespace {
@@ -63,9 +65,12 @@ TEST(QueueRows, AreSortedAndFiltered) {
     bool descending;
     const char* names;
   } orders[] = {
-      {QueueOrder::kPrint, true, "c é b2 xa b10 d"},  {QueueOrder::kName, false, "b2 b10 c d é xa"},
-      {QueueOrder::kState, false, "d b10 xa b2 c é"}, {QueueOrder::kSize, false, "d c é b2 xa b10"},
+      {QueueOrder::kPrint, true, "c é b2 xa b10 d"},
+      {QueueOrder::kName, false, "b2 b10 c d é xa"},
+      {QueueOrder::kState, false, "d b10 xa b2 c é"},
+      {QueueOrder::kSize, false, "d c é b2 xa b10"},
       {QueueOrder::kOwner, true, "b10 b2 é c xa d"},
+      {QueueOrder::kNumber, false, "b10 xa b2 é c d"},
   };
   for (const auto& o : orders) {
     rows.Sort(o.order, o.descending);
@@ -191,9 +196,10 @@ TEST(PendingChanges, EndWithTheServersTruth) {
   EXPECT_TRUE(!pending.Of(a) && pending.Of(c) == Verb::kRemove);
   EXPECT_EQ(pending.Expire(30999), 0);
   EXPECT_EQ(pending.Expire(31000), 1);
-  pending.Begin(a, Verb::kHold, 0);
-  EXPECT_EQ(pending.Lose(), 1);
-  EXPECT_TRUE(pending.empty());
+  for (const JobId& id : {a, b}) pending.Begin(id, Verb::kHold, 0);
+  pending.Answered(b, NC_STATUS_DONE, 10);
+  EXPECT_EQ(pending.Lose(), 1) << "what was answered only waits for the list";
+  EXPECT_TRUE(!pending.Of(a) && pending.Of(b));
 }
 
 TEST(QueueWords, TellStateProgressAndAnswers) {
@@ -209,6 +215,16 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(WordsOfJob(jobs[1], {}).tone, Tone::kWarning);
   EXPECT_EQ(WordsOfJob(jobs[2], {}).text, "failed: paper jam");
   EXPECT_EQ(WordsOfJob(jobs[3], {}).tone, Tone::kPlain);
+  // What has become of a job.
+  jobs[2].submitted = 1000, jobs[2].started = 2000, jobs[2].since = 3000;
+  std::string history;
+  for (const Fact& fact : FactsOfJob(jobs[2], 5000))
+    if (fact.value == DayText(1000, 5000) || fact.value == DayText(2000, 5000) ||
+        fact.value == DayText(3000, 5000))
+      history += fact.name + " ";
+  EXPECT_EQ(history, "Submitted Begun Failed ");
+  EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
+  EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
     EXPECT_EQ(AnswerMessage(Verb::kMove, status, "a").tone, Tone::kWarning);

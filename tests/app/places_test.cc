@@ -104,11 +104,12 @@ TEST_F(PlacesTest, VolumesHaveNamesForPersons) {
   EXPECT_EQ(names.find("Root Home Desktop "), 0u) << names;
   EXPECT_NE(names.find("@server "), std::string::npos) << names;
   EXPECT_EQ(names.substr(names.size() - 5), "ROOT ") << names;  // a disk may be called that
-  listing.volumes = {{"Root", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home/m", ""}};
+  listing.volumes = {{"Root", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home", ""}};
   places_.Choose(files_.path());
   places_.Show(std::move(listing));
   EXPECT_EQ(places_.VolumeOf("/home/mia/Documents"), 1);
-  EXPECT_EQ(places_.VolumeOf("/home/mi"), 0);
+  EXPECT_EQ(places_.VolumeOf("/home/mi"), 2);
+  EXPECT_EQ(places_.VolumeOf("/homes"), 0);
   EXPECT_EQ(places_.VolumeOf(""), -1);
   OS_TreeNodeN node{};
   node.path = "//usr";
@@ -170,6 +171,8 @@ TEST(Preferences, TheFileIsPrivateAndReplacedAsAWhole) {
   EXPECT_EQ(LoadPreferences(path).window_width, 1050);
   const std::string text{std::istreambuf_iterator<char>(old), {}};
   EXPECT_EQ(ParsePreferences(text).window_width, Preferences().window_width);
+  files.File("config/quorvik/console.conf", "window-width=999\n" + std::string(300000, '#'));
+  EXPECT_EQ(LoadPreferences(path), Preferences()) << "too long";
   // What cannot be stored leaves nothing beside it, and what cannot be read is as good as nothing.
   std::filesystem::remove(path);
   files.Folder("config/quorvik/console.conf/x");

@@ -100,6 +100,8 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
        "TIFF picture", "CMYK", "3.4 × 5.1 mm", 1, 40, 60, "wwbw"},
       {"wide", [](auto& p) { WriteTiff(p, {.width = 900, .height = 3}); }, "TIFF picture", "RGB",
        "76.2 × 0.3 mm", 1, 300, 1, "?w?w"},
+      {"metric", [](auto& p) { WriteTiff(p, {.metric = true}); }, "TIFF picture", "RGB",
+       "2 × 1.3 mm", 1, 60, 40, "bwww"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -121,6 +123,8 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
   EXPECT_EQ(p.pixels[1], 0);
   EXPECT_EQ(p.pixels[5], 204);  // a fifth of it black
   EXPECT_EQ(p.pixels[9], 255);
+  EXPECT_EQ(p.pixels[13], 204);  // the same in the row below
+  EXPECT_EQ(p.pixels[33], 255);
 }
 
 TEST_F(PreviewTest, PagesAreDrawnByTheProgramsOfThePdfLibrary) {
@@ -168,6 +172,7 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
        {"Grüße [0m"},
        ""},
       {"\xFF\xFE\xFC\0\x3D\xD8\0\xDE"s, {"ü😀"}, ""},
+      {"\xFE\xFF\xD8\x3D\0a"s, {"\uFFFDa"}, ""},
       {std::string(65535, 'x') + "\xC3\xA4", {std::string(400, 'x')}, ""},
       {"a\0b"s, {}, "No preview of this kind of document"},
       {"", {}, "This file is empty"},
@@ -182,6 +187,8 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
     EXPECT_EQ(TroubleWords(Of(path)), "This document cannot be read") << path;
   PreviewMaker::program = files_.At("missing");
   EXPECT_EQ(TroubleWords(Of(files_.At("text"))), "No preview could be made");
+  PreviewMaker::program = "/usr/bin/yes";  // writes more than any preview has
+  EXPECT_EQ(TroubleWords(Of(files_.At("text"))), "This document is damaged");
 }
 
 // Whatever a file holds, the program ends by itself, and what it says can be read.

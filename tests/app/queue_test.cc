@@ -1,8 +1,6 @@
 // The queue in the window, against a real server and a scripted one: what is asked for is done,
 // once, to all that are selected, and what another console did first is told.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include "app/look/controls.h"
 #include "app/panes/queue_cells.h"
@@ -17,7 +15,7 @@ namespace {
 
 using testing_daemon::Daemon;
 
-constexpr uint32_t kEscapeKey = 0xFF1B;
+constexpr uint32_t kEscapeKey = 0xFF1B, kReturnKey = 0xFF0D;
 
 class QueueTest : public ConsoleTest {
  protected:
@@ -101,6 +99,35 @@ TEST_F(QueueTest, VerbsActOnAllThatAreSelected) {
     EXPECT_EQ(testing_daemon::JobOf(fd_, ids_[name].data()).copies, 7);
   }
   EXPECT_EQ(WhyNotChange(c_, Verb::kPrintAgain), "The job has not been printed yet");
+}
+
+// Any number, for the jobs that were selected when the window was opened.
+TEST_F(QueueTest, ANumberThatNoMenuHasIsAsked) {
+  OpenWith({"a", "b", "c"});
+  const auto job = [this](const char* name) {
+    return testing_daemon::JobOf(fd_, ids_[name].data());
+  };
+  Select({"b", "c"});
+  AskNumber(c_, Verb::kCopies);
+  Select({"a"});
+  Turn(4);
+  for (const char* refused : {"0", "1000", "x"}) {
+    for (const char* digit = refused; *digit; ++digit) Key(uint32_t(*digit), uint32_t(*digit));
+    Key(kReturnKey);
+    ASSERT_FALSE(Node("Set").what.name.empty()) << refused;
+  }
+  for (const uint32_t digit : {'7', '3'}) Key(digit, digit);
+  Key(kReturnKey);
+  ASSERT_TRUE(Until([&] { return job("b").copies == 73 && job("c").copies == 73; }));
+  EXPECT_EQ(job("a").copies, 1);
+  ASSERT_TRUE(Settled());
+  Select({"a"});
+  AskNumber(c_, Verb::kPriority);
+  Turn(4);
+  Key('9', '9');
+  Key(kEscapeKey);
+  EXPECT_TRUE(Node("Set").what.name.empty());
+  EXPECT_EQ(job("a").priority, 50);
 }
 
 TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
@@ -248,22 +275,6 @@ TEST_F(LosingTest, AChangeIsSentOnce) {
   EXPECT_EQ(c_->state.jobs->at(0).copies, 2) << "one change";
   EXPECT_EQ(c_->state.jobs->at(1).copies, 1) << "none";
   EXPECT_EQ(c_->state.away_times, away);
-}
-
-// A peer that takes connections and never says a word.
-TEST_F(LosingTest, ConnectingDoesNotLastForEver) {
-  const int mute = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in at{};
-  at.sin_family = AF_INET;
-  inet_pton(AF_INET, address_.c_str(), &at.sin_addr);
-  ASSERT_EQ(bind(mute, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
-  ASSERT_EQ(listen(mute, 8), 0);
-  socklen_t size = sizeof at;
-  getsockname(mute, reinterpret_cast<sockaddr*>(&at), &size);
-  Open(address_ + ":" + std::to_string(ntohs(at.sin_port)));
-  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_EQ(c_->state.trouble, "does not answer");
-  close(mute);
 }
 
 }  // namespace

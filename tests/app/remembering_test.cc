@@ -1,6 +1,8 @@
 // What a console leaves to the next one, and the server that it starts.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "app/window/queue_commands.h"
 #include "app/work/preferences_file.h"
 #include "os/system_paths.h"
@@ -136,6 +138,27 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   Key('s', 's');
   display::Modifiers(0);
   EXPECT_TRUE(c_->server_start);
+  os::SetExecutablePath(nullptr);
+}
+
+// Without a question, and once while the server stays away.
+TEST_F(RememberingTest, AServerIsStartedByItselfWherePreferencesSaySo) {
+  const std::string starts = home_.At("starts");
+  const std::string program =
+      home_.File("printserverd", "#!/bin/sh\necho start >> '" + starts + "'\nexit 1\n");
+  ASSERT_EQ(chmod(program.c_str(), 0700), 0);
+  os::SetExecutablePath(home_.At("quorvik").c_str());
+  setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
+  Remembered remembered;
+  remembered.preferences.start_local_server = true;
+  Open("127.0.0.9:1", std::move(remembered));
+  ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
+  EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
+  RetryServer(c_);
+  const int tries = c_->state.away_times;
+  Until([&] { return c_->state.link == Link::kConnecting || c_->state.away_times > tries; });
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway && CanStartServer(c_); }));
+  EXPECT_EQ(std::filesystem::file_size(starts), strlen("start\n"));
   os::SetExecutablePath(nullptr);
 }
 

@@ -5,8 +5,11 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <fstream>
+#include <thread>
 
+#include "app/window/queue_commands.h"
 #include "platform/events/timers.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
@@ -69,6 +72,8 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   ASSERT_TRUE(HasRead());
   PrintSelected(c_);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && c_->queue.rows.JobAt(0); }));
+  FilterQueue(c_, {false, QueueFilter::kActive, ""});
+  Remember(c_);
   const Preferences before = c_->remembered.preferences;
 
   display::Preferences();
@@ -89,7 +94,17 @@ TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
   Key(kTabKey);
   Key(kTabKey);
   Type("30");
+  for (const char* box : {"Show hidden names", "Show jobs that have ended", "Show my jobs only"}) {
+    const platform::Rect r = Node(box).what.bounds;
+    display::Click(r.left + 8, (r.top + r.bottom) / 2);
+    Turn(2);
+  }
+  EXPECT_FALSE(c_->files.folder.rows().shows_hidden()) << "not before it is saved";
+  ShowPreferences(c_);  // the keyboard is in a box again
+  Turn(4);
   Key(kReturnKey);
+  EXPECT_TRUE(c_->files.folder.rows().shows_hidden());
+  EXPECT_EQ(c_->queue.rows.filter(), (QueueFilter{true, QueueFilter::kAll, ""}));
   EXPECT_FALSE(PreferencesShow());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   EXPECT_STREQ(c_->state.printers->at(0).name, "Other");
@@ -176,6 +191,41 @@ TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) 
   EXPECT_TRUE(Until([&] { return ReadFile(asked) == "Flatbed mia\n"; }));
   Key(kEscapeKey);
   EXPECT_TRUE(Node("Flatbed").what.name.empty());
+}
+
+// A peer that answers every greeting with a refusal.
+TEST_F(ServerChangeTest, AServerThatRefusesIsToldAndTriedAgainByTheButton) {
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* any = reinterpret_cast<sockaddr*>(&address);
+  ASSERT_TRUE(bind(listener, any, size) == 0 && listen(listener, 16) == 0);
+  ASSERT_EQ(getsockname(listener, any, &size), 0);
+  std::atomic<int> asked = 0;
+  std::thread peer([&] {
+    for (int fd; (fd = accept(listener, nullptr, nullptr)) >= 0; close(fd)) {
+      char greeting[4];
+      ++asked;
+      if (recv(fd, greeting, sizeof greeting, MSG_WAITALL) == 4) send(fd, "", 1, MSG_NOSIGNAL);
+    }
+  });
+  Open("127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kRefused; }));
+  Turn(4);
+  EXPECT_NE(Node("Server Away").what.value.find(" refuses this console. Next try in "),
+            std::string::npos);
+  EXPECT_EQ(Node(c_->server.host()).what.value, "refused");
+  EXPECT_FALSE(CanStartServer(c_)) << "one runs there";
+  EXPECT_EQ(Node("Hold Job").help, "No job is selected");
+  const int before = asked;
+  const XwWindow* retry = c_->banner.retry;
+  Click({retry->x, retry->y, retry->width, retry->height});
+  EXPECT_TRUE(Until([&] { return asked > before; }));
+  shutdown(listener, SHUT_RDWR);
+  peer.join();
+  close(listener);
 }
 
 // A peer that takes connections and never says a word.

@@ -106,7 +106,10 @@ TEST_F(SpawnTest, WhyNoServerStarts) {
   setenv("PATH", "relative::", 1);
   EXPECT_EQ(StartServer("").message, "No print server is installed here: printserverd is missing");
   // Along PATH, but not what cannot be run.
-  setenv("PATH", (files_.Folder("a") + ":" + files_.Folder("b")).c_str(), 1);
+  const std::string other = files_.Folder("c");
+  chmod(files_.File("c/helper").c_str(), 0700);
+  ASSERT_EQ(chdir(other.c_str()), 0);  // the current folder is not meant
+  setenv("PATH", (".::" + files_.Folder("a") + ":" + files_.Folder("b")).c_str(), 1);
   files_.File("a/helper");
   chmod(files_.File("b/helper").c_str(), 0700);
   EXPECT_EQ(FindProgram("helper"), files_.At("b/helper"));

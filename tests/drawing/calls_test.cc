@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string>
 
+#include "platform/theme/roles.h"
+#include "platform/theme/theme.h"
 #include "tests/support/canvas.h"
 
 using namespace platform;
@@ -20,7 +22,7 @@ int Painted(const Canvas& c) {
   return 40 * 40 - c.Count(Canvas::kBlank);
 }
 
-constexpr int16_t kPoints[] = {2, 3, 30, 11, 9, 38, 2, 3};
+constexpr int16_t kPoints[] = {2, 3, 30, 38, 9, 38, 2, 3};
 constexpr int kWidths[] = {10, 6, 0};
 const uint8_t kPixels[4 * 3] = {};
 
@@ -65,6 +67,8 @@ TEST(State, DashesStayAndChangeOnlyLines) {
   // An empty pattern: no dashes are set, those of the context and the second colour remain.
   XwSetDashes(none, 0, 0, 0);
   EXPECT_EQ(DashCount, 0);
+  XwDrawSeparator(20, 30, 9, 0);  // is solid, and leaves them
+  EXPECT_EQ(c.at(22, 30), 0xFFDAD7D2u);
   XwDrawLine(0, 10, 7, 10);
   for (int x = 0; x < 8; ++x) EXPECT_EQ(c.at(x, 10), x % 4 < 2 ? Canvas::kBlank : kBlue) << x;
   XwSetDashes(nullptr, 0, 0, 0);
@@ -160,6 +164,14 @@ TEST(State, Clearing) {
   c.window().parent = nullptr;
 }
 
+TEST(Elements, HugeSizesReachTheEdges) {
+  Canvas c(40, 40);
+  XwBox(5, 5, INT_MAX, INT_MAX, kRedColour);
+  EXPECT_EQ(c.Count(kRed), 35 * 35);
+  XwDrawBevel(5, 5, INT_MAX, INT_MAX, 1);
+  EXPECT_EQ(c.at(39, 39), 0xFFFEFEFDu);
+}
+
 // Where the hairline and the erased pixels of separators lie: 'h' hairline, 'e' erased.
 TEST(Elements, Separators) {
   struct {
@@ -218,6 +230,16 @@ TEST(Elements, TablesAndProgress) {
   }
 }
 
+TEST(Elements, AnInactiveDefaultButtonIsPlain) {
+  ThemeButtonDrawInfo info;
+  info.adornment = kThemeAdornmentDefault;
+  for (const int state : {kThemeStateInactive, kThemeStateActive}) {
+    info.state = state;
+    const Role ink = state == kThemeStateInactive ? Role::kInk : Role::kDocument;
+    EXPECT_EQ(ThemeButtonTextColor(kThemePushButton, info), RoleColor(ink));
+  }
+}
+
 TEST(Images, AllocationAndCuts) {
   Canvas c(40, 40);
   EXPECT_EQ(XwAllocImage(-1, 5), nullptr);
@@ -236,6 +258,9 @@ TEST(Images, AllocationAndCuts) {
   XwPutImage(0, 0, 0, 0, 5, 5, nullptr);
   XwPutImageData(0, 0, 5, 5, nullptr);
   EXPECT_EQ(Painted(c), 0);
+  for (int i = 0; i < 40; ++i) image[4 * i + 3] = uint8_t(i);
+  XwPutImageData(0, 0, 40, 1, image);
+  for (int i = 0; i < 40; ++i) EXPECT_EQ(c.at(i, 0), 0xFF000000u + uint32_t(i));
   image = XwReallocImage(image, 2, 1);
   EXPECT_EQ(image[7], 0);
   XwFreeImage(image);

@@ -200,9 +200,13 @@ TEST(Path, IsCutByEveryClipAndMarksWhatItPaints) {
   ASSERT_EQ(damage.size(), 1u);
   EXPECT_EQ(Intersect(damage[0], {5, 6, 18, 19}), (DeviceRect{5, 6, 18, 19}));
   canvas.Wipe();
-  Region parts({5, 5, 9, 30});
+  for (const float width : {0.f, -1.f, NAN, INFINITY}) XwStrokePath(kSquare, 5, width, 0);
+  EXPECT_EQ(InkOf(canvas, kSide).area, 0);
+  Region parts({5, 5, 9, 12});
   parts.Add({12, 5, 15, 30});
+  ClipContextToRect(canvas.context(), {0, 0, 1, 1});
   ClipContextToRegion(canvas.context(), parts);
+  RestoreContextClip(canvas.context());  // the cuts of the clip before are gone
   XwFillPath(kSquare, 5, 0);
   XwStrokePath(kSquare, 5, 3, 0);
   XwStrokePath(kSquare, 5, -6, 0x0000FF);

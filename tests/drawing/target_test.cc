@@ -129,3 +129,20 @@ TEST_F(Target, Grounds) {
   EXPECT_EQ(Count(0xFFFFFF), 100);
   XwSetGround(reinterpret_cast<XwWindow*>(&colour), nullptr, 1);  // not a window
 }
+
+// It has no part in the first window's background, and covers none of its content.
+TEST_F(Target, ADockedWindowStandsByItself) {
+  const int32_t colour = kGreen;
+  XwSetGround(w_, &colour, 3);
+  XwWindow* docked = XwCreateDocked(w_, 10, 10, 30, 20, nullptr);
+  XwSetGround(docked, nullptr, 0);
+  XwShow(docked, 1);
+  XwSet(docked);
+  XwBox(0, 0, 30, 20, kRed);
+  XwDrawHole(0, 0, 30, 20, -2);
+  const Surface& s = static_cast<WindowRef>(docked->platform)->surface;
+  EXPECT_EQ(s.pixels[5 * s.stride + 5] & 0xFFFFFF, 0xFFFFFFu);
+  XwSet(w_);
+  XwBox(0, 0, 100, 80, kRed);
+  EXPECT_EQ(Count(0xFF0000), 8000);
+}

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "platform/fonts/fonts.h"
+#include "platform/fonts/glyphs.h"
 #include "platform/graphics/font_library.h"
 #include "platform/text/mac_roman.h"
 #include "platform/theme/text.h"
@@ -225,6 +226,21 @@ TEST_F(Utf8Text, WhatNoFontHasIsABoxWithItsNumber) {
     XwDrawTextUtf8(font, 0, 2, 3, 0, 0, "\u4e2d\U0010FFFF", 0, -1);
     EXPECT_GT(scaled.Count(0xFF000000u), 0) << scale;
   }
+}
+
+// However many characters are drawn, the masks of a size take a bounded amount of memory.
+TEST_F(Utf8Text, MasksAreDroppedBeforeTheyFillTheMemory) {
+  UseScripts();
+  XwFont* font = LoadFont("DejaVu Sans", 200, 0);
+  Canvas canvas(20, 20);
+  for (char32_t c = 0x4E00; c < 0x5200; ++c) {
+    char utf8[5] = {};
+    PutUtf8(c, utf8);
+    XwDrawTextUtf8(font, 0, 0, 0, 0, 0, utf8, 0, -1);
+  }
+  const auto& sets = static_cast<SizedFont*>(font->platform)->sets;
+  ASSERT_EQ(sets.size(), 1u);
+  EXPECT_LT(sets[0]->masks.size(), size_t{17} << 20);
 }
 
 TEST_F(Utf8Text, AFontThatIsRemovedShowsBoxes) {

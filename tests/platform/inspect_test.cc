@@ -115,44 +115,87 @@ DescribedNode Describe(ObjectRole role, const char* name, const Rect& bounds,
 WindowRef window;
 void DescribeWindow(std::vector<DescribedNode>* roots) {
   using enum ObjectRole;
-  DescribedNode gray = Describe(kButton, "gray", {110, 110, 150, 130});
-  gray.what.state &= ~uint32_t{kIsEnabled};
-  roots->push_back(
-      Describe(kWindow, "all", {100, 100, 300, 300},
-               {Describe(kPane, "pane", {120, 200, 400, 240},
-                         {Describe(kRow, "half", {100, 190, 140, 210}),
-                          Describe(kRow, "corner", {290, 230, 350, 250}),
-                          Describe(kRow, "above", {120, 180, 160, 200})}),
-                gray, Describe(kGroup, "", {}, {Describe(kRow, "whole", {110, 110, 150, 130})}),
-                Describe(kMenu, "menu", {290, 100, 390, 200},
-                         {Describe(kMenuItem, "item", {290, 120, 390, 140})})}));
+  DescribedNode gray = Describe(kButton, "gray", {70, 110, 110, 130});
+  gray.what.state = kIsShown;
+  DescribedNode hidden = Describe(kButton, "hidden", {70, 110, 110, 130});
+  hidden.what.state = kIsEnabled;
+  roots->push_back(Describe(
+      kWindow, "all", {60, 100, 260, 300},
+      {Describe(kPane, "pane", {80, 200, 360, 240},
+                {Describe(kRow, "half", {60, 190, 100, 210}),
+                 Describe(kRow, "corner", {250, 230, 310, 250}),
+                 Describe(kRow, "above", {80, 180, 120, 200})}),
+       gray, hidden, Describe(kGroup, "", {}, {Describe(kRow, "whole", {60, 110, 110, 130})}),
+       Describe(kMenu, "menu", {250, 100, 350, 200},
+                {Describe(kMenuItem, "item", {250, 120, 350, 140}),
+                 Describe(kSeparator, "line", {250, 140, 350, 150})})}));
   roots->back().serial = window->object.serial;
 }
-// Where the request presses the button; else its answer.
-std::string Pressed(const std::string& request) {
-  const std::string answer = Perform("{" + request + "}").line;
-  Event e;
-  while (ReceiveNextEvent(0, &e))
-    if (e.cls == kEventClassMouse && e.kind == kEventMouseDown)
-      return std::to_string(e.mouse.where.x) + " " + std::to_string(e.mouse.where.y);
-  return answer;
+std::string Word(const Event& e) {
+  char word[80] = "";
+  if (e.cls == kEventClassMouse && (e.kind == kEventMouseDown || e.kind == kEventMouseUp))
+    snprintf(word, sizeof word, "%s%d %d,%d ", e.kind == kEventMouseDown ? "down" : "up",
+             e.mouse.button, e.mouse.where.x, e.mouse.where.y);
+  if (e.cls == kEventClassKeyboard && e.kind == kEventRawKeyModifiersChanged)
+    snprintf(word, sizeof word, "modifiers%x ", e.key.modifiers);
+  else if (e.cls == kEventClassKeyboard)
+    snprintf(word, sizeof word, "%s%x%s ", e.kind == kEventRawKeyDown ? "key" : "up", e.key.keysym,
+             e.key.text);
+  return word;
+}
+// The input that the request brings about; when it fails, why.
+std::string Input(const std::string& request) {
+  Answer answer = Perform("{" + request + "}");
+  std::string words;
+  for (;;) {
+    Event e;
+    while (ReceiveNextEvent(0, &e)) words += Word(e);
+    if (!answer.line.empty() || !answer.typing) break;
+    answer.line = TypeOn(&*answer.typing);
+  }
+  return answer.line.find("\"ok\":true") == std::string::npos ? answer.line : words;
 }
 
-TEST(Requests, AClickHitsWhatShows) {
+TEST(Requests, TheirInputIsForWhatShows) {
   headless::UseSteppedClock(1000);
   ASSERT_TRUE(InitPlatform("test"));
-  window = CreateNewWindow(kDocumentWindowClass, 0, {100, 100, 300, 300});
+  window = CreateNewWindow(kDocumentWindowClass, 0, {60, 100, 260, 300});
   ShowWindow(window);
+  headless::Focus(nullptr);
+  for (Event e; ReceiveNextEvent(0, &e);) {
+  }
   const TreeSource source{DescribeWindow, nullptr, [](bool) {}};
   SetTreeSource(&source);
   const struct {
-    const char *name, *result;
-  } rows[] = {{"all", "200 200"},     {"half", "130 205"}, {"corner", "295 235"},
-              {"whole", "130 120"},   {"item", "340 130"}, {"above", "is out of sight"},
-              {"gray", "is disabled"}};
+    const char *request, *result;
+  } rows[] = {
+      {R"("do":"click","name":"all")", "down1 160,200 up1 160,200 "},
+      {R"("do":"click","name":"half")", "down1 90,205 "},
+      {R"("do":"click","name":"corner")", "down1 255,235 "},
+      {R"("do":"click","name":"item")", "down1 300,130 "},
+      {R"("do":"click","name":"line")", "down1 300,145 "},
+      {R"("do":"click","name":"above")", "is out of sight"},
+      {R"("do":"click","name":"hidden")", "no node"},
+      {R"("do":"click","name":"gray")", "is disabled"},
+      {R"("do":"type","text":"a","name":"gray")", "is disabled"},
+      {R"("do":"click","name":"whole","button":3,"count":2,"modifiers":"control shift")",
+       "modifiers1200 down3 85,120 up3 85,120 down3 85,120 up3 85,120 modifiers0 "},
+      {R"("do":"key","key":"F5")", "keyffc2 upffc2 "},
+      {R"("do":"key","key":"Home")", "keyff50 upff50 "},
+      {R"("do":"key","key":"Tab","modifiers":"shift")", "modifiers200 keyfe20 upfe20 modifiers0 "},
+      {R"("do":"key","key":"a","modifiers":"alt super")", "modifiers900 key61 up61 modifiers0 "},
+      {R"("do":"key","key":"Space")", "key20  up20 "},
+      {R"("do":"type","text":"a\u00e9\n","name":"half")",
+       "down1 90,205 up1 90,205 key61a up61 keye9é upe9 keyff0d upff0d "},
+      {R"("do":"type","text":"\u007f")", "no key types"},
+      {R"("do":"shot","name":"whole")", R"("width":50,"height":20,)"},
+  };
   for (const auto& row : rows) {
-    const std::string result = Pressed(R"("do":"click","name":")" + std::string(row.name) + '"');
-    EXPECT_NE(result.find(row.result), std::string::npos) << row.name << ": " << result;
+    std::string result = Input(row.request);
+    if (std::string(row.request).find("shot") != std::string::npos)
+      result = Perform("{" + std::string(row.request) + "}").line;
+    EXPECT_NE(result.find(row.result), std::string::npos) << row.request << ": " << result;
+    EXPECT_TRUE(window->focused);
   }
   record_mode = RecordMode::kReplaying;
   for (const char* request : {R"("do":"click","name":"all")", R"("do":"key","key":"a")",
@@ -160,7 +203,66 @@ TEST(Requests, AClickHitsWhatShows) {
     EXPECT_NE(Perform("{" + std::string(request) + "}").line.find("recording"), std::string::npos)
         << request;
   record_mode = RecordMode::kNone;
+  // The window ends before the text does.
+  Answer answer = Perform(R"({"do":"type","text":"ab"})");
+  DisposeWindow(window);
+  ASSERT_TRUE(answer.typing);
+  EXPECT_NE(TypeOn(&*answer.typing).find("the window has ended"), std::string::npos);
   SetTreeSource(nullptr);
+}
+
+std::string told;
+void Tell(void* name, uint64_t serial, Change) {
+  told += static_cast<const char*>(name) + std::to_string(serial) + " ";
+}
+TreeListener once = {[](void* name, uint64_t serial, Change change) {
+                       Tell(name, serial, change);
+                       RemoveTreeListener(&once);
+                     },
+                     const_cast<char*>("once")};
+
+TEST(Listeners, HearEachChangeOnce) {
+  TreeListener a = {Tell, const_cast<char*>("a")}, b = {Tell, const_cast<char*>("b")};
+  const TreeSource source{[](std::vector<DescribedNode>*) {},
+                          [](uint64_t serial, uint32_t action) { return serial == action; },
+                          [](bool heard) { told += heard ? "heard " : "unheard "; }};
+  AddTreeListener(&a);
+  SetTreeSource(&source);
+  AddTreeListener(nullptr);
+  for (TreeListener* l : {&once, &b, &a}) AddTreeListener(l);
+  NoticeChange(1, Change::kName);
+  NoticeChange(2, Change::kName);
+  RemoveTreeListener(&a);
+  RemoveTreeListener(&b);
+  NoticeChange(3, Change::kName);
+  AddTreeListener(&b);
+  RemoveTreeListener(&b);
+  EXPECT_EQ(told, "heard once1 b1 a1 b2 a2 unheard heard unheard ");
+  EXPECT_TRUE(ActOn(4, 4));
+  EXPECT_FALSE(ActOn(4, 1));
+  SetTreeSource(nullptr);
+}
+
+TEST(Nodes, AsText) {
+  DescribedNode node = Describe(ObjectRole::kSlider, "Level", {3, 4, 13, 34},
+                                {Describe(ObjectRole::kLabel, "\"", {9, 9, 5, 5})});
+  node.serial = 77;
+  node.help = "Loud";
+  node.what.value = "5";
+  node.what.minimum = -2;
+  node.what.maximum = 9;
+  node.what.state |= kIsExpanded;
+  node.what.actions = kActionPress | kActionDecrease;
+  std::string out;
+  PutNodes(&out, {node, node.children[0]});
+  const std::string child =
+      R"({"role":"label","name":"\"","states":["shown","enabled"],"x":9,"y":9,"width":0,)"
+      R"("height":0,"serial":0})";
+  EXPECT_EQ(out, R"([{"role":"slider","name":"Level","value":"5","help":"Loud",)"
+                 R"("states":["shown","enabled","expanded"],"actions":["press","decrease"],"x":3,)"
+                 R"("y":4,"width":10,"height":30,"minimum":-2,"maximum":9,"serial":77,)"
+                 R"("children":[)" +
+                     child + "]}," + child + "]");
 }
 
 }  // namespace

@@ -39,7 +39,17 @@ TEST_F(Commands, PrintAndSee) {
   EXPECT_EQ(See("Proof printer", "default media paper"), "1 A4,A3 497");
   EXPECT_EQ(See("a", "copies priority size total printed number pages pages-printed colour"),
             "3 50 6 18 18 1 3 3 -");
-  EXPECT_GE(std::stoll(See("a", "submitted")), before);
+  // A state that the job stays in begins once.
+  const auto at = [this](const char* key) { return std::stoll(See("a", key)); };
+  EXPECT_GE(at("submitted"), before);
+  EXPECT_GE(at("started"), at("submitted"));
+  EXPECT_GE(at("since"), at("started"));
+  EXPECT_EQ(New("b", "document=b\nhold=1", document), 1);
+  const std::string held = See("b", "since");
+  EXPECT_GE(std::stoll(held), at("since"));
+  EXPECT_EQ(Tell("b", "copies=2"), NC_STATUS_DONE);
+  EXPECT_EQ(See("b", "since started"), held + " -");
+  EXPECT_EQ(Remove("b"), NC_STATUS_DONE);
   const std::string output = FilesIn(daemon.Path("printed/proof")).at(0);
   EXPECT_EQ(ReadWhole(daemon.Path("printed/proof/" + output)), document);
   EXPECT_TRUE(output.starts_with("0000000001-20")) << output;

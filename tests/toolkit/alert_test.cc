@@ -5,8 +5,11 @@
 
 #include <functional>
 
+#include "platform/events/queue.h"
 #include "tests/support/picture.h"
 #include "tests/toolkit/control_stage.h"
+#include "toolkit/core/post.h"
+#include "toolkit/target/selection.h"
 
 namespace {
 
@@ -74,6 +77,9 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
     EXPECT_EQ(Inp.type, 0);
     EXPECT_EQ(Inp.focus, s.main);
     EXPECT_EQ(W_End, last);
+    EXPECT_EQ(XStackCount, 0);
+    platform::ForEachUserEvent(platform::GetMainEventQueue(), kToolkitEventClass,
+                               [](void* e) { EXPECT_NE(static_cast<XwEvent*>(e)->type, 0); });
     // Neither the press nor the key is heard outside.
     Quiet();
     RunLoop();

@@ -130,8 +130,10 @@ int DrawThings(int type) {
 
 // Everything that was told, by the first letters of what has changed.
 std::string told;
-void Hear(void*, uint64_t, platform::Change what) {
+uint64_t told_of;  // the last one's serial
+void Hear(void*, uint64_t serial, platform::Change what) {
   told += "nvsbce"[int(what)];
+  told_of = serial;
 }
 platform::TreeListener listener = {Hear, nullptr};
 
@@ -175,6 +177,9 @@ TEST(Describe, IsKeptOnlyWhileSomebodyListens) {
   EXPECT_EQ(pane.what.role, platform::ObjectRole::kTable);
   ASSERT_EQ(pane.children.size(), 3u);
   EXPECT_EQ(pane.children[0].what.bounds, (Rect{130, 150, 170, 170}));
+  XwSet(sub);
+  XwDescribe(0, XWA_TABLE, 0, "jobs", "none");
+  EXPECT_EQ(told_of, pane.serial);
   platform::RemoveTreeListener(&listener);
   EXPECT_EQ(Node("Stop").serial, 0u) << "nothing is kept";
   XwDestroy(sub);

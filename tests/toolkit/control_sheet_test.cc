@@ -13,7 +13,7 @@ namespace {
 using namespace stage;
 using testkit::Picture;
 
-constexpr int kWidth = 664, kHeight = 208, kLeft = 72, kGap = 14, kRow = 36;
+constexpr int kWidth = 748, kHeight = 208, kLeft = 72, kGap = 14, kRow = 36;
 constexpr uint32_t kOn = XWC_ENABLED | XWC_VISIBLE;
 
 int32_t no_menu[8];
@@ -71,6 +71,7 @@ class Sheet {
     Button("Bevel", 66, XWC_VARIANT);
     const char* icon = reinterpret_cast<const char*>(IC_EXCHANGE);
     Button(icon, 26, XWC_ICON);
+    XwSetText(Button(icon, 70, XWC_ICON | XWC_BESIDE), "Both");
     XwWindow* menu = Button(nullptr, 66, XWC_MENU, reinterpret_cast<XwValue>(no_menu));
     XwSetText(menu, "Menu");
     for (int value : {0, 1, 2}) Button("Head", 58, XWC_HEADER | XWC_LEFT, value);

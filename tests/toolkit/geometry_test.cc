@@ -274,11 +274,17 @@ TEST(Geometry, TheSelectionStack) {
   XwPush(main);
   EXPECT_EQ(TakeRefusal(), Refusal::kStackTooDeep);
   EXPECT_EQ(XW, main);
-  for (int i = 0; i < 251; ++i) XwPop();
+  for (int i = 0; i < 50; ++i) XwPop();
+  EXPECT_EQ(XW, main) << "what was not kept is not selected again";
+  for (int i = 0; i < 201; ++i) XwPop();
   EXPECT_EQ(XW, main);
   EXPECT_EQ(XStackCount, 0);
   XwPop();
   EXPECT_EQ(XW, main);
+  XwSet(a);
+  XwPush(main);
+  XwDestroy(a);
+  EXPECT_EQ(XStack[0], nullptr);
 }
 
 TEST(Cursors, ByIndex) {

@@ -231,6 +231,8 @@ TEST(SessionDeath, TheRequestToQuitEndsAProgramWithoutAMainWindow) {
   setenv("XW_INSPECT", socket.c_str(), 1);
   EXPECT_EXIT(EndByRequest(false), testing::KilledBySignal(SIGTERM), "");
   EXPECT_EXIT(EndByRequest(true), testing::KilledBySignal(SIGTERM), "");
+  EXPECT_EQ(access(socket.c_str(), F_OK), -1);
+  EXPECT_EXIT((stage::Open(), exit(0)), testing::ExitedWithCode(0), "");
   EXPECT_EQ(access(socket.c_str(), F_OK), -1) << "the inspector's socket goes too";
 }
 

@@ -4,6 +4,7 @@
 #include "platform/windows/internal.h"
 #include "tests/toolkit/control_stage.h"
 #include "toolkit/events/session.h"
+#include "toolkit/windows/tips.h"
 
 namespace {
 
@@ -15,6 +16,14 @@ platform::WindowRef Tip() {
     if (w->parent && w->visible) return w;
   return nullptr;
 }
+// Whether there is text in it.
+bool HasInk(platform::WindowRef tip) {
+  XwSync();
+  const auto picture = input::TakePicture(tip);
+  int dark = 0;
+  for (uint32_t pixel : picture.pixels) dark += pixel && (pixel & 0xFF) < 0x80;
+  return dark > 9;
+}
 void Rest() {
   RunFor(0.6);
 }
@@ -24,15 +33,16 @@ struct TipScreen : ControlScreen {
     XwButton(main, IC_ARROWS, 1, 10, 10, 26, 26, kOn | XWC_ICON, 0);
     XwWindow* sub = Sub(main, "sub", 150, 50, 100, 100);
     XwSetTip(XwFind(main, 1), 0, "Pause");
-    MakeList(sub, "One");
     XwSetTip(sub, 0, "All");
+    MakeList(sub, "One");
+    XwButton(sub, "", 3, 5, 20, 30, 20, kOn, 0);
     main->children[1]->id = 2;
     Settle();
   }
   static void MakeList(XwWindow* sub, const char* first) {
     XwPush(sub);
     XwBoxList(3, 0, 0, 0, 0);
-    XwBoxList(7, 0, 0, 50, 20);
+    XwBoxList(7, 0, 0, 50, 40);
     XwSetTip(sub, 1, first);
     XwBoxList(8, 50, 0, 50, 20);
     XwBoxList(4, 0, 0, 0, 0);
@@ -46,9 +56,10 @@ TEST(Tips, TheyShowWhereThePointerRests) {
   const struct {
     int x, y;
     bool shows;
-    int top;  // of the tip on the screen
-  } rows[] = {{120, 120, true, 100 + 36 + 4},
-              {270, 160, true, 150 + 20 + 4},
+    int top;                                   // of the tip on the screen
+  } rows[] = {{275, 180, true, 180 + 16 + 4},  // a control over the box
+              {120, 120, true, 100 + 36 + 4},
+              {270, 160, true, 150 + 40 + 4},
               {320, 160, true, 160 + 16 + 4},  // another box: that of the window
               {120, 250, false, 0}};
   for (const auto& row : rows) {
@@ -125,9 +136,15 @@ TEST(Tips, ThoseOfBoxesBelongToTheirList) {
   Rest();
   const platform::WindowRef tip = Tip();
   ASSERT_TRUE(tip);
+  const uint64_t serial = tip->object.serial;
+  EXPECT_TRUE(HasInk(tip));
+  input::ChangeScreen(1920, 1080, 1.5);
+  RunLoop();
+  EXPECT_TRUE(HasInk(tip)) << "at another scale too";
   // Drawn again alike, the tip stays; with another text it changes; without one it goes.
   s.MakeList(s.sub(), "One");
-  EXPECT_EQ(Tip(), tip);
+  ASSERT_EQ(Tip(), tip);
+  EXPECT_EQ(tip->object.serial, serial);
   s.MakeList(s.sub(), "One and more words");
   ASSERT_TRUE(Tip());
   EXPECT_GT(Tip()->content.width(), 80);
@@ -141,6 +158,9 @@ TEST(Tips, ThoseOfBoxesBelongToTheirList) {
   XwSetTip(s.sub(), 3, "None");
   XwSetTip(s.sub(), -1, "None");
   XwSetTip(nullptr, 0, "None");
+  EXPECT_EQ(TipOf(s.sub(), 3), "");
+  XwSetTip(s.sub(), 0, "a\xFF");
+  EXPECT_EQ(TipOf(s.sub(), 0), "a\uFFFD");
 }
 
 TEST(Tips, AnAlertKeepsThemAway) {
@@ -159,6 +179,9 @@ TEST(Tips, TheDescribedTreeHasThem) {
   EXPECT_EQ(Node("Pause").what.role, platform::ObjectRole::kButton);
   XwDescribeControl(XwFind(s.main, 1), "Hold");
   EXPECT_EQ(Node("Hold").help, "Pause");
+  const XwWindow* button = XwFind(s.main, 1);
+  XwDestroy(XwFind(s.main, 1));
+  EXPECT_EQ(TipOf(button, 0), "") << "whatever takes its place in memory";
 }
 
 TEST(Scale, IsThatOfTheWindowAndOfItsScreen) {

@@ -5,6 +5,7 @@
 
 #include "platform/controls/controls.h"
 #include "tests/toolkit/control_stage.h"
+#include "toolkit/core/alive.h"
 #include "toolkit/target/selection.h"
 
 namespace {
@@ -143,9 +144,13 @@ TEST(Toolbar, WhatTheUserDoesComesToTheWindow) {
 TEST(Toolbar, SettingAnItem) {
   ControlScreen s;
   const XwToolbarItem items[] = {
-      {XWB_CHECK_BOX, Of("Check"), 1, 0}, {XWB_EDIT | 40, Of("x"), 2, 0},
-      {XWB_LIST, Of(kTexts), 3, 0},       {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
-      {XWB_SLIDER | 60, Of("1,9"), 5, 0}, {},
+      {XWB_CHECK_BOX, Of("Check"), 1, 0},
+      {XWB_EDIT | 40, Of("x"), 2, 0},
+      {XWB_LIST, Of(kTexts), 3, 0},
+      {XWB_EDIT_COMBO, Of(kTexts), 4, 0},
+      {XWB_SLIDER | 60, Of("1,9"), 5, 0},
+      {XWB_SLIDER | 60, Of("1,4294967299,9"), 6, 0},
+      {},
   };
   XwSetToolbar(s.main, items);
   auto value = [&](int id) { return XwGetValue(XwGetToolbarItem(s.main, id)); };
@@ -168,6 +173,7 @@ TEST(Toolbar, SettingAnItem) {
   XwGetTextUtf8(XwGetToolbarItem(s.main, 4), text, sizeof text);
   EXPECT_STREQ(text, kTexts[1]);
   EXPECT_EQ(value(5), 1);
+  EXPECT_EQ(value(6), 9) << "numbers that are too large are cut";
   XwSetToolbarItem(s.main, 99, 2);
   XwSetToolbarItem(nullptr, 1, 2);
   EXPECT_EQ(XwGetToolbarItem(s.main, 99), nullptr);
@@ -197,6 +203,7 @@ TEST(Toolbar, ItComesAndGoes) {
   RunLoop();
   EXPECT_EQ(bar->width, 1600);
   EXPECT_EQ(XwSetToolbar(s.main, nullptr), nullptr);
+  EXPECT_FALSE(IsLive(bar));
   EXPECT_EQ(s.main->toolbar, nullptr);
   EXPECT_EQ(XwGetToolbarItem(s.main, 1), nullptr);
   EXPECT_EQ(XwSetToolbar(XwButton(s.main, "", 1, 0, 0, 9, 9, kOn, 0), none), nullptr);

@@ -1,4 +1,5 @@
 // The buttons and wells that the toolkit draws: a face, a colour, an icon, a line of text.
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -18,8 +19,8 @@ using namespace platform;
 namespace {
 
 constexpr int kOpaque = 255, kPressedAlpha = 204, kGreyAlpha = 102;
-constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kArrowRight = 11, kSortMark = 14,
-              kWellInset = 3;
+constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kIconGap = 6, kArrowRight = 11,
+              kSortMark = 14, kWellInset = 3;
 constexpr int kDarkest = 128;  // of the luminances that take black text
 
 struct Look {
@@ -119,6 +120,18 @@ void DrawIconAt(ContextRef c, XwIcon* icon, int x, int bottom, const Look& look)
   PaintIcon(c, icon, x, bottom - icon->height, look.rgb, look.alpha, look.face);
 }
 
+// An icon with its text beside it, in the middle of the button.
+void DrawIconWithText(ContextRef c, XwIcon* icon, const char* utf8, const Rect& r,
+                      const Look& look) {
+  SizedFont* sized = toolkit::Sized(FT_BUTTON);
+  if (!sized) return;
+  const int width = icon->width + kIconGap + XwTextWidthUtf8(FT_BUTTON, utf8);
+  const int x = r.left + std::max(kIconLeft, (r.width() - width) / 2);
+  const int up = FT_BUTTON->descent + Below(r, FT_BUTTON->ascent + FT_BUTTON->descent);
+  DrawIconAt(c, icon, x, r.bottom - Below(r, icon->height), look);
+  DrawUtf8(c, sized, x + icon->width + kIconGap, r.bottom - up, utf8, look.rgb, look.alpha);
+}
+
 }  // namespace
 
 void ButtonDraw_Func(ControlRef control) {
@@ -136,8 +149,12 @@ void ButtonDraw_Func(ControlRef control) {
     arrow = !header && w->style & XWC_MENU && w->button_menu;
     DrawThemeButton(c, r, header ? kThemeListHeaderButton : kThemeBevelButton, look.info);
   }
-  if (w->text && *w->text) DrawLabel(c, w, r, arrow, look);
-  if (icon) {
+  const bool labelled = w->text && *w->text;
+  const bool beside = labelled && icon && w->style & XWC_BESIDE;
+  if (labelled && !beside) DrawLabel(c, w, r, arrow, look);
+  if (beside) {
+    DrawIconWithText(c, icon, MacRomanToUtf8(w->text).c_str(), r, look);
+  } else if (icon) {
     const int x = arrow ? r.left + kIconLeft : r.left + (r.width() - icon->width) / 2;
     DrawIconAt(c, icon, x, r.bottom - Below(r, icon->height), look);
   }

@@ -199,7 +199,6 @@ bool HasEmptyBar(XwWindow* window) {
   }
   for (int i = 0; i < bar->child_count; ++i) XwDestroy(bar->children[i]);
   bar->child_count = 0;
-  bar->free_slot = 0;
   return true;
 }
 

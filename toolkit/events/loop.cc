@@ -42,7 +42,7 @@ class toolkit::Modal {
   void Select() const {
     if (lives()) SelectWindow(NativeWindow(TopLevel(window_)));
   }
-  bool lives() const { return serial_ && IsLive(window_) && window_->serial == serial_; }
+  bool lives() const { return IsLive(window_) && window_->serial == serial_; }
 
  private:
   XwWindow* window_;

@@ -130,7 +130,7 @@ OSStatus Motion(XwWindow* w, const Event& e) {
   return eventNotHandledErr;
 }
 
-// Tips belong to what the pointer rests on, in windows that hear of it.
+// Chooses the tip of what the pointer rests on, in windows that get pointer events.
 void ChooseTip(XwWindow* w, const Event& e) {
   const int x = e.mouse.where.x - w->x, y = e.mouse.where.y - w->y;
   const bool inside = x >= 0 && y >= 0 && x < w->width && y < w->height;

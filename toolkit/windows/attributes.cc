@@ -101,7 +101,7 @@ void SetControlText(XwWindow* w, const char* text, bool is_utf8) {
   const std::string utf8 = is_utf8 ? ValidUtf8(given) : MacRomanToUtf8(given.c_str());
   const std::string shown = is_utf8 ? Utf8ToMacRoman(given.c_str()) : given;
   const bool self_drawn =
-      w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & XWC_OWN_TEXT);
+      w->kind == XWK_COLOR || (w->kind == XWK_BUTTON && w->style & (XWC_OWN_TEXT | XWC_BESIDE));
   if (self_drawn) {
     w->text = static_cast<char*>(realloc(w->text, shown.size() + 2));
     if (!w->text) OutOfMemory();

@@ -36,8 +36,7 @@ constexpr int kPointerDepth = 16;  // the pointer's picture reaches so far down
 
 // What the pointer is over.
 struct Thing {
-  const XwWindow* w = nullptr;
-  uint64_t serial = 0;
+  const XwWindow* w = nullptr;  // alive
   int position = 0;
   bool operator==(const Thing&) const = default;
 };
@@ -88,7 +87,7 @@ Rect AnchorOf(const Thing& thing) {
 
 void Show() {
   const Thing& thing = pointing.thing;
-  if (!IsLive(thing.w) || thing.w->serial != thing.serial) return;
+  if (!thing.w) return;
   const std::string& text = TipOf(thing.w, thing.position);
   if (text.empty()) return;
   pointing.shows = true;
@@ -169,11 +168,11 @@ void PointAtTip(XwWindow* w, XwWindow* control, int position, Point where) {
   if (!state.tips) return;
   Thing thing;
   if (control && !TipOf(control, 0).empty())
-    thing = {control, control->serial, 0};
+    thing = {control, 0};
   else if (!control && position && !TipOf(w, position).empty())
-    thing = {w, w->serial, position};
+    thing = {w, position};
   else if (!TipOf(w, 0).empty())
-    thing = {w, w->serial, 0};
+    thing = {w, 0};
   const bool moved = where.x != pointing.where.x || where.y != pointing.where.y;
   pointing.where = where;
   if (thing != pointing.thing) {

@@ -78,7 +78,7 @@ OpenResult Open(const char*) {
   return OpenResult::kOpened;
 }
 
-// A window that lies on a screen of another scale hears of it.
+// Reports the new scale to a window that lies on a screen of another scale.
 void FollowScreen(const Window* w) {
   State& s = Headless();
   const DeviceRect at = DeviceBounds(*w);

@@ -45,14 +45,14 @@ void ChangeScreen(int width, int height, double scale);
 // These are the screens from now on, main first; at least one.
 void ChangeScreens(const std::vector<Screen>& screens);
 void Close(const Window* w);
-// Null: another program takes the focus. Keys that are held are let go of first.
+// Null: another program takes the focus. Held keys are released first.
 void Focus(const Window* w);
 void Lose(const Window* w);
-// The screen forgets these pixels (of the buffer), which the program still has.
+// The screen loses these pixels (of the buffer); the program still has them.
 void Expose(const Window* w, const DeviceRect& pixels);
-// The user or a window manager raises it, which the program does not hear of.
+// The user or a window manager raises it; the program gets no report.
 void Raise(const Window* w);
-// Another program has the pointer from now on, or lets go of it: reports stop, and grabs are lost.
+// Another program takes the pointer, or gives it back: reports stop, and grabs are lost.
 void StealPointer(bool stolen);
 // The desktop puts a frame of these widths (device pixels) around it; makes it full screen, or ends
 // that (bits of WindowState).
@@ -68,18 +68,18 @@ void Quit();
 void Inject(const RawEvent& raw);
 
 // --- Selections: another program of the desktop.
-// It offers a text from now on; asked for it, it answers at once, or only with AnswerTextRequests.
+// It offers a text from now on. It answers requests at once, or only with AnswerTextRequests.
 void OfferText(Selection which, const std::string& text);
 void OfferTextLater(Selection which);
-// What it asked for and was not answered yet is answered with this; null: there is none.
+// Answers the open requests with this text; null: there is none.
 void AnswerTextRequests(const std::string* text);
 // Requests of the program that wait for AnswerTextRequests.
 int WaitingTextRequests();
-// From now on it keeps what it offers, or lets others offer again.
+// From now on it refuses other programs' offers, or allows them again.
 void KeepSelections(bool kept);
 // What it gets when it asks: the text that the program offers, else null.
 SharedText AskForText(Selection which);
-// Texts that the desktop has taken over at the program's end; null: none.
+// The text that the desktop has kept at the program's end; null: none.
 SharedText KeptText();
 
 // --- Time.

@@ -41,7 +41,7 @@ const Window* UnderPointer() {
   return nullptr;
 }
 
-// Null: no window hears of it.
+// Null: no window gets the report.
 const Window* PointerTarget() {
   const State& s = Headless();
   if (s.taken) return nullptr;

@@ -101,7 +101,7 @@ struct Native {
   uint32_t segment = 0;  // 0: plain memory, sent through the connection
   unsigned attach_sequence = 0;
   bool presented = false;  // the buffer holds a picture that may be shown again
-  // Where the server says that it is; `bounds_known` is dropped when the program asks for others.
+  // As the server reports them; not `bounds_known` once the program has asked for others.
   DeviceRect bounds;
   bool bounds_known = false;
   // What the program has asked for and the window manager has not answered yet (bounds.cc).
@@ -239,11 +239,11 @@ void MoveResizeNative(const Window* w);
 void ShapePopUp(const Native& n);
 // Reports bounds.
 void EmitBounds(Native* n, const DeviceRect& r);
-// What the server says of the window's place, in an event with this sequence number.
+// Takes the bounds that the server reports, in an event with this sequence number.
 void TakeBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
-// The same out of an event that was sent by a program: the window manager, or one that pretends.
+// The same from an event that a program has sent: the window manager, or one that pretends to be.
 void TakeToldBounds(Native* n, const DeviceRect& bounds, unsigned sequence);
-// Takes the answers to the questions that TakeToldBounds has asked, as far as they have come.
+// Takes the replies to the requests of TakeToldBounds, as far as they have arrived.
 void TakeChecks();
 void ForgetAsked(Native* n);
 void ForgetCheck(Native* n);
@@ -263,8 +263,8 @@ void SetHints(Native* n);
 void SetSizeHints(const Native& n);
 // The state property of a window that is about to be mapped.
 void WriteStates(Native* n);
-// The states as the window manager has them, reported where they have changed: the user may have
-// ended full screen there.
+// Reads the states from the window manager and reports changes: the user may have ended full screen
+// there.
 void ReadStates(Native* n);
 // What decides how wide the frame of a window is, as one number; 0: there is none.
 uint64_t FrameKind(const Window& w);
@@ -291,7 +291,7 @@ DeviceRect FrameOf(const Native& n, uint64_t kind);
 void ReadFrameExtents(Native* n);
 
 // --- sync.cc
-// Gives a window, after its first picture, what that did not need.
+// Sets up, after its first picture, what a window did not need for it.
 void FinishWindow(Native* n);
 void SetIcon(const Native& n);
 // The manager announces a size; the server has given it; a picture is out.
@@ -305,7 +305,7 @@ void MapNative(const Window* w, bool shown);
 // The window manager has the window, or there is none; it has let go of it.
 void TakeMapped(Native* n);
 void TakeWithdrawn(Native* n);
-// Docked windows may have waited for one that comes no more.
+// Maps docked windows that have waited for a window that is destroyed.
 void StepDocked();
 
 // --- startup.cc
@@ -350,7 +350,7 @@ void KeepBuffer(Native* n);
 void DropSpareBuffers();
 void Present(const Window* w, const DeviceRect* rects, int count);
 void Flush(bool wait);
-// An error of the server; true when it was about shared memory and has been dealt with.
+// Handles an error of the server; true when it was about shared memory.
 bool HandleSharedMemoryError(const xcb_generic_error_t* error);
 
 // --- screens.cc
@@ -382,14 +382,14 @@ void CloseKeyboard();
 uint32_t KeysymOf(uint8_t code, int group, uint8_t mods);
 void HandleKey(const xcb_key_press_event_t* e, bool press);
 void HandleXkb(const xcb_generic_event_t* event);
-// Ends every held key: the releases will not reach the program.
+// Reports the release of every held key, since the real releases will not reach the program.
 void ReleaseKeys(Native* n, xcb_timestamp_t time);
-// The window ends: what went down in it comes up without a window.
+// The window is destroyed: releases of its keys and buttons are reported without a window.
 void ForgetKeys(const Window* w);
 void ForgetPress(const Window* w);
 // A button went down in it and is held.
 bool IsPressedIn(const Window* w);
-// `n` has the focus: what was pressed or released before is reported.
+// `n` has got the focus: reports changes of modifiers and releases from before.
 void RefreshKeys(Native* n);
 // The modifier bits of the table for the server's.
 uint32_t Modifiers(uint32_t state);
@@ -402,13 +402,13 @@ void HandleButton(const xcb_button_press_event_t* e, bool press);
 void HandleMotion(const xcb_motion_notify_event_t* e);
 void HandleCrossing(const xcb_enter_notify_event_t* e, bool enter);
 void HandleInput2(const xcb_ge_generic_event_t* event);
-// Forgets the buttons that the server's state says are up; those that are still held, bit n for
-// button n.
+// Drops the buttons that are up in the server's state; returns those still held, bit n for button
+// n.
 uint32_t DropReleased(uint16_t state);
-// Windows have come or gone: what lay under the pointer may be covered.
+// Windows have been shown or hidden: another one may be under the pointer.
 void ForgetUnder();
-// A press begins a grab of the server's own. One that the extension reported stands in the way of
-// the program's, even of the same window: it ends.
+// Ends the automatic grab of a press that the extension has reported: it would block the program's
+// own grab, even for the same window.
 void DropPressGrab();
 
 // --- cursors.cc

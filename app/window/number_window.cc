@@ -1,0 +1,186 @@
+// The small window that asks for a priority, or for copies, which the menu's short list lacks. It
+// keeps the jobs that it was opened for, whatever is selected by then.
+#include <charconv>
+#include <string>
+#include <vector>
+
+#include "app/format/words.h"
+#include "app/look/controls.h"
+#include "app/look/hits.h"
+#include "app/model/print_choice.h"
+#include "app/window/queue_commands.h"
+
+namespace console {
+namespace {
+
+enum Id { kBox = 1, kCancel, kSet };
+
+constexpr int kWidth = 340, kHeight = 124, kEdge = 20;
+constexpr Area kText{kEdge, 20, kWidth - 2 * kEdge, 18};
+constexpr Area kBoxArea{kEdge, 46, 64, 26};
+constexpr Area kRange{kEdge + 74, 46, 200, 26};
+constexpr int kButtonTop = 84, kButtonWidth = 88, kButtonHeight = 26;
+// As the window of preferences.
+constexpr int kWindowStyle = -256 + 3 + 32;
+
+struct NumberWindow {
+  Console* console = nullptr;
+  XwWindow* window = nullptr;
+  XwWindow *box = nullptr, *cancel = nullptr, *set = nullptr;
+  Verb verb = Verb::kPriority;
+  std::vector<QueueId> jobs;
+  std::string text;
+  Hits hits;
+};
+NumberWindow* g_window;
+
+int Most(Verb verb) {
+  return verb == Verb::kPriority ? kMostPriority : kMostCopies;
+}
+
+// 0 when the box holds none that counts.
+int NumberIn(const NumberWindow* w) {
+  char text[64] = "";
+  XwGetTextUtf8(w->box, text, sizeof text);
+  const std::string_view s = text;
+  int n = 0;
+  const auto end = std::from_chars(s.data(), s.data() + s.size(), n);
+  const bool whole = end.ec == std::errc() && end.ptr == s.data() + s.size();
+  return whole && n >= 1 && n <= Most(w->verb) ? n : 0;
+}
+
+void Say(NumberWindow* w, const Area& a, const std::string& text, int32_t ink) {
+  Fill(a, XwThemeColor(XWR_DIALOG));
+  DrawLabel(TheStyle().normal, Align::kLeft, a, text, ink);
+  w->hits.Cover(a, {XWA_LABEL, 0, text, ""});
+}
+
+void Draw(NumberWindow* w) {
+  const Style& l = TheStyle();
+  XwPush(w->window);
+  w->hits.Begin();
+  Say(w, kText, w->text, l.ink);
+  const std::string range = "1 to " + NumberText(Most(w->verb)) +
+                            (w->verb == Verb::kPriority ? ", the highest first" : "");
+  Say(w, kRange, range, NumberIn(w) ? l.second : l.bad);
+  w->hits.End();
+  XwPop();
+}
+
+void Update(NumberWindow* w) {
+  EnableControl(w->set, NumberIn(w) > 0);
+  Draw(w);
+}
+
+void Close() {
+  NumberWindow* w = g_window;
+  if (!w) return;
+  g_window = nullptr;
+  NoteActivity(w->window, false);
+  XwDestroy(w->window);
+  delete w;
+}
+
+// What is typed there replaces what it holds.
+void GoToBox(NumberWindow* w) {
+  XwFocusControl(w->box);
+  XwEdit(w->box, XWU_SELECT_ALL);
+}
+
+void Set(NumberWindow* w) {
+  const int number = NumberIn(w);
+  if (!number) return GoToBox(w);
+  Console* c = w->console;
+  const std::vector<QueueId> jobs = std::move(w->jobs);
+  const Verb verb = w->verb;
+  Close();
+  ChangeThese(c, jobs, {verb, number});
+  DrawConsole(c);
+}
+
+int Handle(int type) {
+  NumberWindow* w = g_window;
+  if (!w) return 0;
+  switch (type) {
+    case XWE_EXPOSE:
+      Draw(w);
+      break;
+    case XWE_CONTROL:
+      if (Inp.item == kSet)
+        Set(w);
+      else if (Inp.item == kCancel)
+        Close();
+      break;
+    case XWE_EDIT_CHANGED:
+      Update(w);
+      break;
+    case XWE_EDIT_DONE:  // Tab ends it, too
+      if (XwGetKeyState(XWE_RETURN)) Set(w);
+      break;
+    case XWE_EDIT_SELECT:
+      if (!Inp.value && XwGetKeyState(XWE_ESCAPE)) Close();
+      break;
+    case XWE_CLOSE:
+      Close();
+      break;
+    default:
+      break;
+  }
+  return 0;
+}
+
+void Make(NumberWindow* w) {
+  constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
+  w->box = XwEditBox(w->window, "", kBox, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
+  PlaceControl(w->box, kBoxArea);
+  w->cancel = XwButton(w->window, "Cancel", kCancel, 0, 0, 9, 9, kShown, 0);
+  w->set = XwButton(w->window, "Set", kSet, 0, 0, 9, 9, kShown, 0);
+  const int right = kWidth - kEdge - kButtonWidth;
+  PlaceControl(w->set, {right, kButtonTop, kButtonWidth, kButtonHeight});
+  PlaceControl(w->cancel, {right - 10 - kButtonWidth, kButtonTop, kButtonWidth, kButtonHeight});
+  XwSetDefaultButtons(w->window, w->set, w->cancel);
+  XwSetActivationHandler(w->window, [](int on) {
+    if (g_window) NoteActivity(g_window->window, on != 0);
+  });
+}
+
+// "“notes.txt”", "3 jobs".
+std::string JobsText(const Console* c, const std::vector<QueueId>& jobs) {
+  const NC_Job* job = jobs.size() == 1 ? c->queue.rows.JobOf(jobs[0]) : nullptr;
+  return job ? Quoted(job->document) : NumberOf(int64_t(jobs.size()), "job", "jobs");
+}
+
+}  // namespace
+
+void AskNumber(Console* c, Verb verb) {
+  const VerbCheck check = c->queue.Check(verb);
+  if (!check.possible()) return;
+  Close();
+  XwWindow* window = XwCreate(kWindowStyle, 0, 0, kWidth, kHeight, Handle);
+  if (!window) return;
+  NumberWindow* w = g_window = new NumberWindow;
+  w->console = c;
+  w->window = window;
+  w->verb = verb;
+  w->jobs = check.on;
+  const std::string name = verb == Verb::kPriority ? "Priority" : "Copies";
+  w->text = name + " of " + JobsText(c, w->jobs);
+  XwSetTextUtf8(window, name.c_str());
+  XwSetGround(window, nullptr, 2);
+  Make(w);
+  if (const NC_Job* job = c->queue.rows.JobOf(w->jobs[0]))
+    XwSetTextUtf8(w->box,
+                  std::to_string(verb == Verb::kPriority ? job->priority : job->copies).c_str());
+  Update(w);
+  XwCenter(window, c->window);
+  XwShow(window, 1);
+  XwSetFocus(window);
+  GoToBox(w);
+  NoteActivity(window, true);
+}
+
+void CloseNumberWindow() {
+  Close();
+}
+
+}  // namespace console
