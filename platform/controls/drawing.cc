@@ -16,7 +16,7 @@ bool Meets(const Rect& a, const Rect& b) {
 uint32_t PaneBackground(const Pane* p) {
   const WindowRef w = p->owner->window;
   for (; p->parent; p = p->parent) {
-    if (p->brush) return ThemeBrushColor(p->brush, w->active);
+    if (p->brush) return ThemeBrushColor(p->brush, PaintsActive(w));
     if (p->color != kNoColor) return p->color;
   }
   return WindowBackground(w);

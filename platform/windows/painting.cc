@@ -35,8 +35,12 @@ void SetWindowBackgroundColor(WindowRef w, uint32_t rgb) {
   ShowBackdrop(w);
 }
 
+bool PaintsActive(WindowRef w) {
+  return w->active != w->recolor;
+}
+
 uint32_t WindowBackground(WindowRef w) {
-  if (w->brush) return ThemeBrushColor(w->brush, w->active);
+  if (w->brush) return ThemeBrushColor(w->brush, PaintsActive(w));
   return w->background_color != kNoColor ? w->background_color : 0xFFFFFF;
 }
 

@@ -70,6 +70,9 @@ int FindWindow(Point where, WindowRef w);
 // Erasing takes the brush, else the colour (0xRRGGBB; kNoColor: none), else white.
 void SetThemeWindowBackground(WindowRef w, int brush, bool redraw);
 void SetWindowBackgroundColor(WindowRef w, uint32_t rgb);
+// Whether its background is that of an active window: as long as it waits to be painted again, the
+// background is still the one from before the change.
+bool PaintsActive(WindowRef w);
 // The colour that erasing uses now.
 uint32_t WindowBackground(WindowRef w);
 // Paints a content rectangle with the background.

@@ -188,23 +188,31 @@ TEST(Alert, WhatItDroppedComesAgain) {
   EXPECT_EQ(seen[2].event.param, 1);
 }
 
-// They are inactive then, with a lighter background, but nobody would draw them.
+// They are inactive then, with a lighter background, but nobody would draw them; and what a control
+// erases for itself has the background that is there.
 TEST(Alert, OtherWindowsKeepWhatTheyShow) {
   ControlScreen s;
   XwSetGround(s.main, nullptr, 2);
+  XwFocusControl(XwButton(s.main, "Go", 1, 200, 50, 80, 26, kOn, 0));
   Settle();
   XwSet(s.main);
   XwBox(50, 50, 100, 100, 0x0000FF);
   XwSet(nullptr);
-  auto shown = [&] {
+  auto shown = [&](int x, int y) {
     XwSync();
     const auto p = input::TakePicture(Native(s.main));
-    return p.pixels[size_t((100 + platform::GetMBarHeight()) * p.width + 100)] & 0xFFFFFF;
+    return p.pixels[size_t((y + platform::GetMBarHeight()) * p.width + x)] & 0xFFFFFF;
   };
-  Ask({[] {}, [&] { EXPECT_EQ(shown(), 0xFF0000u); }, ClickOn(1)}, "!", "Go?", "A");
+  const uint32_t before = shown(20, 20);
+  auto look = [&] {
+    EXPECT_EQ(shown(100, 100), 0xFF0000u);
+    // Beside the button, where its ring was.
+    for (int x = 190; x < 200; ++x) EXPECT_EQ(shown(x, 60), before) << x;
+  };
+  Ask({[] {}, look, ClickOn(1)}, "!", "Go?", "A");
   Quiet();
   RunLoop();
-  EXPECT_EQ(shown(), 0xFF0000u);
+  EXPECT_EQ(shown(100, 100), 0xFF0000u);
 }
 
 TEST(Alert, OneThatTheProgramDestroysIsOver) {
