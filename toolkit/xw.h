@@ -581,15 +581,15 @@ void XwCreateDialogItems(XwWindow* parent, const XwDialogItem* items, int32_t dx
  * harmless label first. Without a label the alert has no way out.
  *
  * The first character of `kind`: '?' a question, 'i' information, anything else a warning. `title`
- * is not used. The labels end with a null pointer. A message wider than the screen is shortened. 0
- * when the display refuses the window. */
+ * is not used. The labels end with a null pointer. A message wider than the screen takes several
+ * lines. 0 when the display refuses the window. */
 #ifdef __GNUC__
 #define XW_ENDS_WITH_NULL __attribute__((sentinel))
 #else
 #define XW_ENDS_WITH_NULL
 #endif
 int XwConfirm(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
-/* The same in UTF-8. */
+/* The same in UTF-8. A message that is wider than 420, or the buttons, takes several lines. */
 int XwConfirmUtf8(const char* kind, const char* title, const char* message, ...) XW_ENDS_WITH_NULL;
 
 /* The file of the running program. */

@@ -123,7 +123,9 @@ TEST(Alert, ItsShape) {
   Ask({look(wide.c_str(), text + 110, 601 - (text + 110) / 2, {text + 5})}, "!", wide.c_str(), "A");
   // Longer than the screen is wide.
   Ask({[] {
-        EXPECT_EQ(alert->width, XW_SCREENX);
+        EXPECT_LE(alert->width, XW_SCREENX);
+        EXPECT_GT(alert->width, XW_SCREENX - 20);
+        EXPECT_GT(alert->height, 130);
         Press(kEnter)();
       }},
       "!", std::string(900, 'w').c_str(), "A");
@@ -244,6 +246,18 @@ TEST(Alert, TextsOfEveryScript) {
   }};
   input::SetIdleHandler(NextStep);
   EXPECT_EQ(XwConfirmUtf8("!", nullptr, "Löschen “ж”?", "Нет", "Да", nullptr), 2);
+  // A long one takes more lines and pushes the buttons down.
+  std::string words;
+  while (XwTextWidthUtf8(FT_ALERT, words.c_str()) < 3 * 420) words += "Löschen ";
+  steps = {[&] {
+    EXPECT_LE(alert->width, 420 + 110);
+    const int lines = (alert->height - 100) / (FT_ALERT->ascent + FT_ALERT->descent);
+    EXPECT_TRUE(lines == 3 || lines == 4) << lines;
+    EXPECT_EQ(XwFind(alert, 10001)->y, alert->height - 30);
+    EXPECT_EQ(Node(words).what.role, platform::ObjectRole::kLabel);
+    ClickOn(1)();
+  }};
+  EXPECT_EQ(XwConfirmUtf8("!", nullptr, words.c_str(), "A", nullptr), 1);
   platform::RemoveTreeListener(&listener);
 }
 

@@ -1,9 +1,11 @@
-// The alert: a small modal window with a picture, one line and a row of buttons.
+// The alert: a small modal window with a picture, a message and a row of buttons.
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdarg>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/events/targets.h"
@@ -26,6 +28,7 @@ namespace {
 constexpr int kAlertStyle = -250;
 constexpr int kLeastWidth = 410, kHeight = 100, kAbovePointer = 50;
 constexpr int kMessageLeft = 100, kMessageTop = 25, kBesideMessage = 110;
+constexpr int kWrapWidth = 420, kMostLines = 8;
 constexpr int kButtonWidth = 100, kButtonStep = 105, kButtonHeight = 24, kButtonsUp = 30;
 constexpr int kFirstButton = 10001;
 constexpr Rect kLarge{10, 5, 74, 69}, kBadge{58, 53, 90, 85};
@@ -34,7 +37,9 @@ constexpr Rect kLarge{10, 5, 74, 69}, kBadge{58, 53, 90, 85};
 struct Alert {
   AlertPicture large = AlertPicture::kStop, badge = AlertPicture::kApplication;
   std::string message;
+  std::vector<std::string> lines;  // of the message
   std::vector<std::string> labels;
+  int wrap_width = INT_MAX;  // a message that is wider takes more lines
   XwWindow* window = nullptr;
   XwWindow* first = nullptr;
   int pressed = 0;  // from 1
@@ -48,17 +53,47 @@ void ChoosePictures(const char* kind, Alert* a) {
   a->badge = AlertPicture::kNone;
 }
 
-// No wider than the screen, where the buttons leave a choice: the message is shortened then.
+// Takes the words that fit from the front of the text; a word without room is broken.
+std::string TakeLine(std::string* text, int width) {
+  size_t fits = size_t(XwTextTrimUtf8(FT_ALERT, text->c_str(), width + 1, nullptr, 0));
+  if (fits >= text->size()) return std::exchange(*text, "");
+  if (fits == 0) fits = 1;
+  while (fits < text->size() && ((*text)[fits] & 0xC0) == 0x80) ++fits;
+  const size_t blank = text->rfind(' ', fits);
+  const size_t end = blank == std::string::npos || blank == 0 ? fits : blank;
+  std::string line = text->substr(0, end);
+  text->erase(0, std::min(text->find_first_not_of(' ', end), text->size()));
+  return line;
+}
+
+// What is too long for all lines is shortened in the last one.
+void Wrap(Alert* a, int width) {
+  std::string rest = a->message;
+  while (int(a->lines.size()) + 1 < kMostLines && !rest.empty())
+    a->lines.push_back(TakeLine(&rest, width));
+  if (rest.empty()) return;
+  std::vector<char> fitted(rest.size() + 4);
+  XwTextFitUtf8(FT_ALERT, rest.c_str(), width, fitted.data(), int(fitted.size()));
+  a->lines.push_back(XwTextWidthUtf8(FT_ALERT, rest.c_str()) <= width ? rest : fitted.data());
+}
+
+// No wider than the screen, where the buttons leave a choice. Breaks the message into lines.
 int WidthOf(Alert* a) {
   const int buttons = std::max(kLeastWidth, kButtonStep * (int(a->labels.size()) + 1));
-  const int message = XwTextWidthUtf8(FT_ALERT, a->message.c_str());
-  const int room = std::max(buttons, XW_SCREENX);
-  if (message <= room - kBesideMessage) return std::max(buttons, message + kBesideMessage);
-  std::vector<char> fitted(a->message.size() + 4);
-  XwTextFitUtf8(FT_ALERT, a->message.c_str(), room - kBesideMessage, fitted.data(),
-                int(fitted.size()));
-  a->message = fitted.data();
-  return room;
+  const int wrap = std::max(buttons - kBesideMessage, a->wrap_width);
+  Wrap(a, std::min(wrap, std::max(buttons, XW_SCREENX) - kBesideMessage));
+  int width = buttons;
+  for (const std::string& line : a->lines)
+    width = std::max(width, XwTextWidthUtf8(FT_ALERT, line.c_str()) + kBesideMessage);
+  return width;
+}
+
+int LineHeight() {
+  return FT_ALERT->ascent + FT_ALERT->descent;
+}
+
+int HeightOf(const Alert& a) {
+  return kHeight + std::max(0, int(a.lines.size()) - 1) * LineHeight();
 }
 
 // The program has ended it: the wait looks whether it is still there.
@@ -72,7 +107,7 @@ bool Open(Alert* a) {
   const int width = WidthOf(a);
   XwWindow* w = a->window =
       XwCreate(kAlertStyle, Saturate(int64_t{Inp.root_x} - width / 2),
-               Saturate(int64_t{Inp.root_y} - kAbovePointer), width, kHeight, nullptr);
+               Saturate(int64_t{Inp.root_y} - kAbovePointer), width, HeightOf(*a), nullptr);
   if (!w) return false;
   constexpr EventKind kEnding[] = {{kEventClassWindow, kEventWindowEnding}};
   InstallEventHandler(GetWindowEventTarget(NativeWindow(w)), Ended, kEnding, 1, a);
@@ -96,11 +131,15 @@ void Draw(const Alert& a) {
   XwClear(0, 0, 0, 0);
   DrawAlertPicture(TargetContext(), a.large, kLarge);
   DrawAlertPicture(TargetContext(), a.badge, kBadge);
-  XwDrawTextUtf8(FT_ALERT, XWC_LEFT, kMessageLeft, kMessageTop, 0, 0, a.message.c_str(), 0, -1);
+  int y = kMessageTop;
+  for (const std::string& line : a.lines) {
+    XwDrawTextUtf8(FT_ALERT, XWC_LEFT, kMessageLeft, y, 0, 0, line.c_str(), 0, -1);
+    y += LineHeight();
+  }
   // Those who cannot see it read the message as a label.
   XwBoxList(3, 0, 0, 0, 0);
   XwBoxList(1, kMessageLeft, kMessageTop, a.window->width - kBesideMessage,
-            FT_ALERT->ascent + FT_ALERT->descent);
+            std::max(1, int(a.lines.size())) * LineHeight());
   XwDescribe(-1, XWA_LABEL, 0, a.message.c_str(), nullptr);
   XwBoxList(4, 0, 0, 0, 0);
   XwPop();
@@ -168,6 +207,7 @@ int XwConfirm(const char* kind, const char*, const char* message, ...) {
 int XwConfirmUtf8(const char* kind, const char*, const char* message, ...) {
   Alert a;
   a.message = ValidUtf8(message ? message : "");
+  a.wrap_width = kWrapWidth;
   va_list labels;
   va_start(labels, message);
   a.labels = Labels(labels);
