@@ -21,8 +21,12 @@ bool IsLow(const std::vector<Supply>& supplies) {
                      [](const Supply& s) { return s.percent >= 0 && s.percent < kLittle; });
 }
 
+bool NeedsPaper(const NC_Printer& p) {
+  return p.state == NC_PRINTER_PAPER_OUT || p.paper == 0;
+}
+
 Tone DotOf(const NC_Printer& p, const std::vector<Supply>& supplies) {
-  if (p.state == NC_PRINTER_PAPER_OUT || p.reasons[0]) return Tone::kBad;
+  if (NeedsPaper(p) || p.reasons[0]) return Tone::kBad;
   if (p.paused || !p.accepting || IsLow(supplies)) return Tone::kWarning;
   return p.state == NC_PRINTER_PRINTING ? Tone::kBusy : Tone::kGood;
 }
@@ -32,6 +36,8 @@ std::string StateOf(const NC_Printer& p) {
   // One that stands still says why, not that it does.
   std::string text = idle && p.reasons[0] ? "stopped" : nc::PrinterStateText(p.state);
   if (p.paused) text = idle ? "paused" : text + ", then paused";
+  // What it needs stands first, where a narrow pane shows it.
+  if (NeedsPaper(p) && p.state != NC_PRINTER_PAPER_OUT) text = "no paper, " + text;
   if (!p.accepting) text += ", takes no new jobs";
   if (p.reasons[0]) text += ": " + Shown(nc::ReasonsText(p.reasons));
   return text;
@@ -39,7 +45,7 @@ std::string StateOf(const NC_Printer& p) {
 
 std::string PaperOf(const NC_Printer& p) {
   if (p.paper < 0) return "";
-  return p.paper == 0 ? "no paper" : NumberOf(p.paper, "sheet", "sheets");
+  return NumberOf(p.paper, "sheet", "sheets");
 }
 
 PrinterRow RowOf(const NC_Printer& p) {
@@ -53,7 +59,7 @@ PrinterRow RowOf(const NC_Printer& p) {
   row.jobs = p.jobs > 0 ? NumberOf(p.jobs, "job", "jobs") : "";
   row.paper = PaperOf(p);
   row.is_default = p.is_default != 0;
-  row.needs_paper = p.state == NC_PRINTER_PAPER_OUT || p.paper == 0;
+  row.needs_paper = NeedsPaper(p);
   return row;
 }
 

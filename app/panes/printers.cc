@@ -39,7 +39,7 @@ int32_t SupplyColor(const Supply& supply, bool away) {
 std::string MoreOf(const PrinterRow& row, bool mine) {
   std::string text;
   if (!row.jobs.empty()) text += ", " + row.jobs;
-  if (!row.paper.empty() && !row.needs_paper) text += ", " + row.paper;
+  if (!row.paper.empty()) text += ", " + row.paper;
   if (mine) text += ", your default";
   return text;
 }
@@ -47,6 +47,13 @@ std::string MoreOf(const PrinterRow& row, bool mine) {
 // Its first parts that stand in the width as a whole: half a number says something else.
 std::string PartsThatFit(XwFont* font, std::string text, int width) {
   while (!text.empty() && XwTextWidthUtf8(font, text.c_str()) > width)
+    text.resize(text.rfind(", "));
+  return text;
+}
+
+// The first parts of a state that stand in the width; the first one stays in any case.
+std::string StateThatFits(XwFont* font, std::string text, int width) {
+  while (XwTextWidthUtf8(font, text.c_str()) > width && text.find(", ") != std::string::npos)
     text.resize(text.rfind(", "));
   return text;
 }
@@ -150,18 +157,30 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
     text.TakeRight(6);
     DrawLevels(level, r, background, strong, away);
   }
-  DrawLabel(chosen ? l.view_bold : l.view, Align::kLeft, text, r.name, shade(l.ink));
-  Area below{a.x + 30, a.y + 18, a.w - 42, 16};
+  std::string more = MoreOf(r, mine == r.printer->name);
   const Area button = MarkArea(row);
+  XwFont* name_font = chosen ? l.view_bold : l.view;
+  int more_width = 0;
+  if (!button.Empty()) {
+    // It takes the room of the counts: they stand behind the name, which leaves them half at least.
+    const int room = std::max(text.w / 2, text.w - XwTextWidthUtf8(name_font, r.name.c_str()) - 1);
+    more = PartsThatFit(l.small_text, more, room);
+    more_width = XwTextWidthUtf8(l.small_text, more.c_str());
+  }
+  const std::string name = CutToWidth(name_font, r.name, text.w - more_width);
+  DrawLabel(name_font, Align::kLeft, text.TakeLeft(XwTextWidthUtf8(name_font, name.c_str())), name,
+            shade(l.ink));
+  if (!button.Empty()) DrawLabel(l.small_text, Align::kLeft, text, more, shade(l.second));
+  Area below{a.x + 30, a.y + 18, a.w - 42, 16};
   if (!button.Empty()) below.w = button.x - below.x - 6;
   const bool coloured = r.dot == Tone::kBad || r.dot == Tone::kWarning || r.dot == Tone::kBusy;
   const int32_t ink = coloured ? ToneColor(r.dot) : l.second;
+  const std::string state =
+      button.Empty() ? r.state : StateThatFits(l.small_text, r.state, below.w);
   DrawLabel(l.small_text, Align::kLeft,
-            below.TakeLeft(XwTextWidthUtf8(l.small_text, r.state.c_str()) + 1), r.state,
-            shade(ink));
+            below.TakeLeft(XwTextWidthUtf8(l.small_text, state.c_str()) + 1), state, shade(ink));
   if (button.Empty())
-    DrawLabel(l.small_text, Align::kLeft, below,
-              PartsThatFit(l.small_text, MoreOf(r, mine == r.printer->name), below.w),
+    DrawLabel(l.small_text, Align::kLeft, below, PartsThatFit(l.small_text, more, below.w),
               shade(l.second));
   if (button.Empty()) return;
   const bool over = hover == Hit{kPrinters, SideList::kMark, row};
