@@ -393,19 +393,37 @@ TEST_F(EndToEnd, PreferencesNameAnotherServer) {
   StartServer();
   home_.File(".config/quorvik/console.conf", std::string("server=") + daemon_.host() + "\n");
   home_.File("a.txt", "x");
+  home_.File("b.txt", std::string(200000, 'x'));
+  PrintElsewhere("b.txt");
   Operator mia(&*user_, home_, other, {});
   const std::string host = other.host();
   ASSERT_TRUE(mia.Do("see status " + std::string(daemon_.host()) + R"( = ready
+    see job b.txt
     keys Control+,
     see text-field Server is focused
+    keys Control+a
+    type a b
+    see status Server State = A server is HOST or HOST:PORT
+    keys Return
+    see window Preferences
+    keys Escape
+    gone window Preferences
+    keys Control+,
+    see text-field Server = )" +
+                     daemon_.host() +
+                     R"(
     keys Control+a
     type )" + host + R"(
     see status Server State has changes to it
     click text-field Ask every
     keys Control+a
     type 1
+    click check-box Show hidden names
+    click check-box Show my jobs only
     click button Save
     gone window Preferences
+    see file .config
+    gone job b.txt
     see status )" + host +
                      R"( = ready
     see pop-up-button Printer = Proof printer

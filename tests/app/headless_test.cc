@@ -14,61 +14,7 @@ namespace {
 
 using testing_daemon::Daemon;
 
-constexpr uint32_t kGood = 0x2E8B57, kWarning = 0xB9770E, kBad = 0xC0392B;
 constexpr uint32_t kReturnKey = 0xFF0D, kBackspaceKey = 0xFF08, kTabKey = 0xFF09;
-
-TEST_F(ConsoleTest, PrintsAFileWhileTheServerStallsDiesAndComesBack) {
-  Daemon daemon;
-  daemon.Start({"--rate", "1K"});
-  Open(daemon.host());
-  ASSERT_TRUE(Until([&] { return IsReady(); }));
-  EXPECT_EQ(LinkColor(), kGood);
-
-  // A double click enters the folder, a click selects the file.
-  Click(FileRow(kFolder));
-  Click(FileRow(kFolder));
-  ASSERT_TRUE(Until([&] { return c_->files.folder.path() == home_.At(kFolder); }));
-  Click(FileRow(kLongName));
-  ASSERT_EQ(Selected(), kLongName);
-  // Its text is selected by the press, and the arrows count.
-  Click(c_->layout.copies);
-  Key('1', '1');
-  Key(0xFF52);
-  EXPECT_EQ(c_->choice.copies, 2);
-
-  // The server stalls. What the user does is answered while its answer is still being waited for.
-  daemon.Signal(SIGSTOP);
-  ASSERT_TRUE(Until([&] { return c_->state.quiet_s >= 1; }));
-  Turn(8);
-  EXPECT_EQ(LinkColor(), kWarning);
-  Click(FileRow("second.txt"));
-  EXPECT_EQ(Selected(), "second.txt");
-  Click(FileRow(kLongName));
-  Click(c_->layout.print);
-  ASSERT_TRUE(c_->state.link == Link::kReady && c_->state.quiet_s >= 1);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
-  EXPECT_TRUE(c_->queue.rows.IdAt(0).outgoing > 0);
-
-  // It is given up, tried again, killed, and comes back: the file arrives once, whole.
-  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
-  EXPECT_NE(c_->banner.Text().find("does not answer. Next try in"), std::string::npos);
-  EXPECT_EQ(LinkColor(), kBad);
-  EXPECT_FALSE(c_->state.printers->empty());
-  daemon.Stop(SIGKILL);
-  Click(FileRow("second.txt"));
-  EXPECT_EQ(Selected(), "second.txt");
-  daemon.Start({"--rate", "1K"});
-  ASSERT_TRUE(Until([&] { return IsReady() && c_->state.transfers.empty(); }));
-  ASSERT_TRUE(
-      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
-  const NC_Job job = (*c_->state.jobs)[0];
-  EXPECT_STREQ(job.document, kLongName);
-  EXPECT_STREQ(job.owner, "mia");
-  EXPECT_EQ(job.copies, 2);
-  char id[33];
-  NC_FormatId(job.id, id);
-  EXPECT_EQ(testing_daemon::ReadWhole(daemon.Path("jobs/" + std::string(id) + ".doc")), document_);
-}
 
 TEST_F(ConsoleTest, AnInactiveWindowShowsThatKeysGoElsewhere) {
   Open("127.0.0.9:1");
@@ -202,49 +148,17 @@ TEST_F(ConsoleTest, CrumbsLeadToTheFoldersAbove) {
   EXPECT_EQ(Selected(), "in");
 }
 
-TEST_F(ConsoleTest, ToolsFollowThePointerAndMessagesGo) {
-  Open("127.0.0.0");
-  const Area slider = c_->layout.slider;
-  for (const auto& [x, priority] :
-       {std::pair(slider.x + 1, 1), {slider.right() - 2, 100}, {slider.x + slider.w / 2, 50}}) {
-    ClickAt(x, slider.y + slider.h / 2);
-    EXPECT_NEAR(c_->choice.priority, priority, 1);
+TEST(ChosenPrinter, IsTheServersDefaultUntilOneIsChosen) {
+  std::vector<NC_Printer> list(3, NC_Printer{});
+  for (size_t i = 0; i < list.size(); ++i) list[i].name[0] = char('a' + i);
+  list[1].is_default = 1;
+  ServerState state;
+  state.printers = std::make_shared<std::vector<NC_Printer>>(list);
+  for (const auto& [chosen, is] : {std::pair("", 1), {"c", 2}, {"gone", -1}}) {
+    PrintChoice choice;
+    choice.printer = chosen;
+    EXPECT_EQ(ChosenPrinter(choice, state), is < 0 ? nullptr : &(*state.printers)[size_t(is)]);
   }
-  NC_Printer first{}, standard{};
-  snprintf(first.name, sizeof first.name, "First");
-  snprintf(standard.name, sizeof standard.name, "Standard");
-  standard.is_default = 1;
-  auto printers = std::make_shared<std::vector<NC_Printer>>(100, first);
-  (*printers)[70] = standard;
-  c_->state.printers = printers;
-  EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "Standard");
-  Turn(20);
-  const Area s = c_->layout.status;
-  const auto line = [&] {
-    At(s.x, s.y);  // all is drawn
-    // One picture for all pixels: a copy for each takes minutes under a sanitizer.
-    const auto p = display::TakePicture(static_cast<platform::WindowRef>(c_->window->platform));
-    const int bar = p.height - c_->window->height;
-    std::vector<uint32_t> pixels;
-    for (int x = s.x + s.w / 2; x < s.right(); ++x)
-      for (int y = s.y + 8 + bar; y < s.bottom() - 8 + bar; y += 3)
-        pixels.push_back(p.pixels[size_t(y) * size_t(p.width) + size_t(x)]);
-    return pixels;
-  };
-  const auto before = line();
-  Tell(c_, true, "Something went well, and this line says what");
-  DrawConsole(c_);
-  Turn(10);
-  EXPECT_NE(line(), before);
-  Turn(330);
-  EXPECT_EQ(line(), before);
-  Tell(c_, false, "Something went wrong");
-  Turn(330);
-  EXPECT_EQ(c_->status.message().text, "Something went wrong") << "until it is read";
-  Key(0xFF1B);
-  EXPECT_EQ(line(), before);
-  EXPECT_TRUE(AskBeforeQuit(c_)) << "nothing waits";
-  EXPECT_FALSE(c_->asking);
 }
 
 TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
@@ -311,54 +225,6 @@ TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
     EXPECT_EQ(c_->files.folder.At(0).name, before) << "reset";
   }
   EXPECT_EQ(c_->files.folder.At(0).name, before);
-}
-
-// By the pointer and by the keyboard; a printer that has gone stays shown until another is chosen.
-TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
-  Daemon daemon;
-  const char* kPrinters = "[printer]\nname=First\n[printer]\nname=Zweiter Drücker\nrate=1K\n";
-  daemon.Start({"--config", daemon.WriteFile("printers", kPrinters)});
-  Open(daemon.host());
-  ASSERT_TRUE(Until([&] { return IsReady() && !c_->state.profiles->empty(); }));
-  const auto value = [](const char* name) { return Node(name).what.value; };
-  const auto choose = [this](const Area& field, int row) {
-    const int x = c_->window->x + field.x + 40, y = c_->window->y + field.y;
-    display::Click(x, y + 10);
-    display::Click(x, y + field.h + 6 + row * 22 + 11);
-    Turn(4);
-  };
-  Click(FileRow("letter.txt"));
-  EXPECT_EQ(value("Printer"), "First");
-  choose(c_->layout.printer, 1);
-  EXPECT_EQ(value("Printer"), "Zweiter Drücker");
-  EXPECT_EQ(Selected(), "letter.txt") << "what lies under the list is not pressed";
-  choose(c_->layout.profile, 2);
-  EXPECT_EQ(value("Profile"), "Standard");
-  Click(c_->layout.print);
-  ASSERT_TRUE(
-      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
-  EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
-  EXPECT_STREQ(c_->state.jobs->at(0).profile, "Standard");
-
-  // The list does not change while it has the keyboard.
-  SetFocusStop(c_, FocusStop::kPrinter);
-  ASSERT_TRUE(Until([&] { return XwGetFocus(c_->window) == c_->tools.printer(); }));
-  auto others = std::make_shared<std::vector<NC_Printer>>(*c_->state.printers);
-  others->erase(others->begin() + 1);
-  c_->state.printers = others;
-  const auto choose_by_key = [this](uint32_t last) {
-    for (uint32_t key : {uint32_t{' '}, 0xFF52u, last}) {
-      display::KeyDown(key, key < 0x80 ? key : 0);
-      display::KeyUp(key, key < 0x80 ? key : 0);
-    }
-    Turn(6);
-  };
-  choose_by_key(0xFF1B);
-  EXPECT_EQ(value("Printer"), "Zweiter Drücker");
-  EXPECT_FALSE(ChosenPrinter(c_->choice, c_->state));
-  choose_by_key(kReturnKey);
-  EXPECT_EQ(value("Printer"), "First");
-  EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "First");
 }
 
 TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
@@ -474,30 +340,6 @@ TEST_F(ConsoleTest, NamesAreShownApartAndFoundByTheirBytes) {
   }
 }
 
-TEST_F(ConsoleTest, AnOpenedDocumentIsShownSelected) {
-  Open("127.0.0.0");
-  const std::string path = home_.At(std::string(kFolder) + "/" + kLongName);
-  display::OpenFiles({path}, true);
-  Turn(4);
-  EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->files.folder.path(), home_.At(kFolder));
-  EXPECT_EQ(Selected(), kLongName);
-  display::OpenFiles({home_.At("Empty")}, true);
-  Turn(4);
-  EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
-  for (const char* path_that_is_none : {"/no/such/folder/file.pdf", "relative.pdf", ""}) {
-    ShowDocuments(c_, {path_that_is_none});
-    EXPECT_TRUE(HasRead());
-    EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
-  }
-  ShowDocuments(c_, {home_.At("gone.pdf")});
-  EXPECT_TRUE(HasRead());
-  EXPECT_EQ(c_->files.folder.path(), home_.path());
-  EXPECT_EQ(Selected(), "");
-  EXPECT_TRUE(c_->status.HasError());
-}
-
 TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
   Daemon daemon;
   daemon.Start({"--simulate", "stall=24"});  // every reply stops: nothing is ever accepted
@@ -529,6 +371,53 @@ TEST_F(ConsoleTest, ASendingIsCancelledOrFailsWithAReason) {
     return c_->state.transfers.size() == 1 && c_->state.transfers[0].state == Sending::kFailed;
   }));
   EXPECT_EQ(c_->state.transfers[0].text, NC_StatusText(NC_STATUS_UNKNOWN_NAME));
+}
+
+TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
+  Daemon daemon;
+  const char* kPrinters = "[printer]\nname=First\n[printer]\nname=Zweiter Drücker\nrate=1K\n";
+  daemon.Start({"--config", daemon.WriteFile("printers", kPrinters)});
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady() && !c_->state.profiles->empty(); }));
+  const auto value = [](const char* name) { return Node(name).what.value; };
+  const auto choose = [this](const Area& field, int row) {
+    const int x = c_->window->x + field.x + 40, y = c_->window->y + field.y;
+    display::Click(x, y + 10);
+    display::Click(x, y + field.h + 6 + row * 22 + 11);
+    Turn(4);
+  };
+  Click(FileRow("letter.txt"));
+  EXPECT_EQ(value("Printer"), "First");
+  choose(c_->layout.printer, 1);
+  EXPECT_EQ(value("Printer"), "Zweiter Drücker");
+  EXPECT_EQ(Selected(), "letter.txt") << "what lies under the list is not pressed";
+  choose(c_->layout.profile, 2);
+  EXPECT_EQ(value("Profile"), "Standard");
+  Click(c_->layout.print);
+  ASSERT_TRUE(
+      Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));
+  EXPECT_STREQ(c_->state.jobs->at(0).printer, "Zweiter Drücker");
+  EXPECT_STREQ(c_->state.jobs->at(0).profile, "Standard");
+
+  // The list does not change while it has the keyboard.
+  SetFocusStop(c_, FocusStop::kPrinter);
+  ASSERT_TRUE(Until([&] { return XwGetFocus(c_->window) == c_->tools.printer(); }));
+  auto others = std::make_shared<std::vector<NC_Printer>>(*c_->state.printers);
+  others->erase(others->begin() + 1);
+  c_->state.printers = others;
+  const auto choose_by_key = [this](uint32_t last) {
+    for (uint32_t key : {uint32_t{' '}, 0xFF52u, last}) {
+      display::KeyDown(key, key < 0x80 ? key : 0);
+      display::KeyUp(key, key < 0x80 ? key : 0);
+    }
+    Turn(6);
+  };
+  choose_by_key(0xFF1B);
+  EXPECT_EQ(value("Printer"), "Zweiter Drücker");
+  EXPECT_FALSE(ChosenPrinter(c_->choice, c_->state));
+  choose_by_key(kReturnKey);
+  EXPECT_EQ(value("Printer"), "First");
+  EXPECT_STREQ(ChosenPrinter(c_->choice, c_->state)->name, "First");
 }
 
 }  // namespace

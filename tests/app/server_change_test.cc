@@ -1,17 +1,15 @@
-// Another server, and one that is away: the window of preferences, the strip with its buttons.
+// Another server, and one that is away; the lists that a server has.
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <atomic>
 #include <fstream>
-#include <thread>
 
 #include "app/window/queue_commands.h"
 #include "platform/events/timers.h"
 #include "tests/app/console_fixture.h"
+#include "tests/printserver/peer.h"
 #include "tests/printserverd/daemon.h"
 
 namespace console {
@@ -19,7 +17,7 @@ namespace {
 
 using testing_daemon::Daemon;
 
-constexpr uint32_t kReturnKey = 0xFF0D, kTabKey = 0xFF09, kEscapeKey = 0xFF1B;
+constexpr uint32_t kReturnKey = 0xFF0D, kEscapeKey = 0xFF1B;
 
 // The label of a question's button that is to be pressed, by its number; 0: none.
 int answer;
@@ -61,62 +59,6 @@ class ServerChangeTest : public ConsoleTest {
   platform::TreeListener listener_{[](void*, uint64_t, platform::Change) {}};
   const std::string path_ = home_.At("config/quorvik/console.conf");
 };
-
-TEST_F(ServerChangeTest, PreferencesAreChangedByKeysAndKept) {
-  Daemon first, second(1);
-  first.Start({"--rate", "1K"});
-  second.Start({"--config", second.WriteFile("printers", "[printer]\nname=Other\n")});
-  Open(first.host());
-  ASSERT_TRUE(Until([&] { return IsReady(); }));
-  ShowDocuments(c_, {home_.At("letter.txt")});
-  ASSERT_TRUE(HasRead());
-  PrintSelected(c_);
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1 && c_->queue.rows.JobAt(0); }));
-  FilterQueue(c_, {false, QueueFilter::kActive, ""});
-  Remember(c_);
-  const Preferences before = c_->remembered.preferences;
-
-  display::Preferences();
-  ASSERT_TRUE(Until([&] { return PreferencesShow(); }));
-  EXPECT_NE(Node("Server State").what.value.find("ready, "), std::string::npos);
-  // What is no server, and no number, cannot be saved.
-  Type("a b");
-  EXPECT_EQ(Node("Server State").what.value, "A server is HOST or HOST:PORT");
-  Key(kReturnKey);
-  ASSERT_TRUE(PreferencesShow());
-  Key(kEscapeKey);
-  EXPECT_FALSE(PreferencesShow());
-  EXPECT_EQ(c_->remembered.preferences, before);
-
-  ShowPreferences(c_);
-  Turn(4);
-  Type(second.host());
-  Key(kTabKey);
-  Key(kTabKey);
-  Type("30");
-  for (const char* box : {"Show hidden names", "Show jobs that have ended", "Show my jobs only"}) {
-    const platform::Rect r = Node(box).what.bounds;
-    display::Click(r.left + 8, (r.top + r.bottom) / 2);
-    Turn(2);
-  }
-  EXPECT_FALSE(c_->files.folder.rows().shows_hidden()) << "not before it is saved";
-  ShowPreferences(c_);  // the keyboard is in a box again
-  Turn(4);
-  Key(kReturnKey);
-  EXPECT_TRUE(c_->files.folder.rows().shows_hidden());
-  EXPECT_EQ(c_->queue.rows.filter(), (QueueFilter{true, QueueFilter::kAll, ""}));
-  EXPECT_FALSE(PreferencesShow());
-  ASSERT_TRUE(Until([&] { return IsReady(); }));
-  EXPECT_STREQ(c_->state.printers->at(0).name, "Other");
-  EXPECT_TRUE(c_->queue.rows.count() == 0) << "the other server's jobs";
-  ASSERT_TRUE(Until([&] { return LoadPreferences(path_).recent_servers.size() == 2; }));
-  const Preferences kept = LoadPreferences(path_);
-  EXPECT_EQ(kept.server, second.host());
-  EXPECT_EQ(kept.refresh_seconds, 30);
-  const int fd = first.Connect();
-  EXPECT_EQ(testing_daemon::Jobs(fd).size(), 1u) << "it stays where it was";
-  NC_Disconnect(fd);
-}
 
 TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   Daemon first, second(1);
@@ -193,25 +135,14 @@ TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) 
   EXPECT_TRUE(Node("Flatbed").what.name.empty());
 }
 
-// A peer that answers every greeting with a refusal.
 TEST_F(ServerChangeTest, AServerThatRefusesIsToldAndTriedAgainByTheButton) {
-  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* any = reinterpret_cast<sockaddr*>(&address);
-  ASSERT_TRUE(bind(listener, any, size) == 0 && listen(listener, 16) == 0);
-  ASSERT_EQ(getsockname(listener, any, &size), 0);
   std::atomic<int> asked = 0;
-  std::thread peer([&] {
-    for (int fd; (fd = accept(listener, nullptr, nullptr)) >= 0; close(fd)) {
-      char greeting[4];
-      ++asked;
-      if (recv(fd, greeting, sizeof greeting, MSG_WAITALL) == 4) send(fd, "", 1, MSG_NOSIGNAL);
-    }
+  Listener peer("127.0.0.1", 0);
+  peer.Serve(1000, [&](int end) {
+    ++asked;
+    if (ReceiveText(end, 4).size() == 4) SendText(end, std::string(1, 0));
   });
-  Open("127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
+  Open("127.0.0.1:" + std::to_string(peer.port));
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kRefused; }));
   Turn(4);
   EXPECT_NE(Node("Server Away").what.value.find(" refuses this console. Next try in "),
@@ -223,26 +154,26 @@ TEST_F(ServerChangeTest, AServerThatRefusesIsToldAndTriedAgainByTheButton) {
   const XwWindow* retry = c_->banner.retry;
   Click({retry->x, retry->y, retry->width, retry->height});
   EXPECT_TRUE(Until([&] { return asked > before; }));
-  shutdown(listener, SHUT_RDWR);
-  peer.join();
-  close(listener);
 }
 
-// A peer that takes connections and never says a word.
-TEST_F(ServerChangeTest, AServerThatNeverAnswersIsAwayAndTriedAgainByTheButton) {
-  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* any = reinterpret_cast<sockaddr*>(&address);
-  ASSERT_TRUE(bind(listener, any, size) == 0 && listen(listener, 16) == 0);
-  ASSERT_EQ(getsockname(listener, any, &size), 0);
-  Open("127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
+TEST_F(ServerChangeTest, AServerThatStopsAnsweringIsAwayAndTriedAgainByTheButton) {
+  Daemon daemon;
+  daemon.Start();
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  const uint32_t ready = LinkColor();
   const Area queue = c_->queue.table.area();
+  daemon.Signal(SIGSTOP);
+  ASSERT_TRUE(Until([&] { return c_->state.quiet_s >= 1; }));
+  Turn(8);
+  const uint32_t quiet = LinkColor();
+  EXPECT_NE(quiet, ready);
+  Click(FileRow("letter.txt"));
+  EXPECT_EQ(Selected(), "letter.txt") << "what needs no server is answered";
   for (int i = 1; i <= 2; ++i) {
     ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway && c_->state.away_times == i; }));
     Turn(4);
+    EXPECT_TRUE(LinkColor() != quiet && LinkColor() != ready);
     EXPECT_NE(Node("Server Away").what.value.find("does not answer. Next try in "),
               std::string::npos);
     EXPECT_EQ(c_->queue.table.area().y, queue.y) << "no row has moved";
@@ -251,7 +182,7 @@ TEST_F(ServerChangeTest, AServerThatNeverAnswersIsAwayAndTriedAgainByTheButton) 
     ASSERT_TRUE(Until([&] { return c_->state.link == Link::kConnecting; }));
     EXPECT_TRUE(c_->banner.shown);
   }
-  close(listener);
+  daemon.Stop(SIGKILL);
 }
 
 }  // namespace

@@ -15,7 +15,6 @@ namespace {
 
 using testing_daemon::Daemon;
 
-constexpr uint32_t kEndKey = 0xFF57;
 constexpr uint32_t kTabKey = 0xFF09, kReturnKey = 0xFF0D;
 constexpr uint32_t kLeftKey = 0xFF51, kUpKey = 0xFF52, kRightKey = 0xFF53, kDownKey = 0xFF54;
 
@@ -128,97 +127,31 @@ TEST_F(SideTest, AFolderThatDoesNotAnswerHoldsUpNothing) {
   PlacesReader::read = usual;
 }
 
-// Forty printers: "Label" with paper for one sheet, and those of a studio.
+// Forty printers, "Label" and those of a studio.
 class PrintersTest : public SideTest {
  protected:
   void Start(Daemon* daemon, bool with_label) {
     std::string config;
-    if (with_label)
-      config =
-          "[printer]\nname=Label\nmedia=Roll\nrate=1M\nsheet-bytes=1K\npaper=1\n"
-          "supplies=Black:62,Cyan:8\n";
+    if (with_label) config = "[printer]\nname=Label\n";
     for (int i = 1; i < 40; ++i)
       config += "[printer]\nname=Studio " + std::to_string(i) + "\nmedia=A4\nrate=1K\n";
     daemon->Start({"--config", daemon->WriteFile("conf", config)});
   }
-  bool SaysOf(const std::string& printer, const std::string& state) {
-    const bool said = Until([&] { return Node(printer).what.value.find(state) == 0; });
-    EXPECT_EQ(Node(printer).what.value.substr(0, state.size()), state);
-    return said;
-  }
-  void Do(const std::string& printer, int command) {
-    c_->printer_list.GoTo(printer);
-    EXPECT_TRUE(CanRun(c_, command));
-    RunCommand(c_, command);
-  }
-  void Print(const std::string& printer, bool hold) {
-    PrintOrder order;
-    order.path = home_.At("letter.txt");
-    order.document = "a job";
-    order.printer = printer;
-    order.hold = hold;
-    c_->server.Send({order});
-  }
   void ClickControl(const XwWindow* w) { Click({w->x, w->y, w->width, w->height}); }
 };
 
-TEST_F(PrintersTest, FortyOfThemAreChosenAndChanged) {
-  Daemon daemon;
-  Start(&daemon, true);
-  Open(daemon.host());
-  ASSERT_TRUE(Until([&] { return IsReady(); }));
-  EXPECT_EQ(c_->printer_list.list.rows(), 40);
-  ASSERT_TRUE(SaysOf("Label", "idle, 1 sheet, Black 62 %, Cyan 8 %"));
-  EXPECT_EQ(c_->printers.chosen(), "Label");
-  // The last one, by keys alone.
-  display::Modifiers(platform::shiftKey);
-  Key(kTabKey);
-  display::Modifiers(0);
-  ASSERT_EQ(c_->stop, FocusStop::kPrinters);
-  Key(kEndKey);
-  ASSERT_TRUE(SaysOf("Studio 39", "idle, "));
-  EXPECT_EQ(c_->printers.chosen(), "Label") << "looked at alone";
-  Key(kReturnKey);
-  EXPECT_EQ(c_->choice.printer, "Studio 39");
-  for (const char* c = "studio 12"; *c; ++c) Key(uint8_t(*c), uint8_t(*c));
-  EXPECT_EQ(c_->printer_list.at, "Studio 12");
-  EXPECT_EQ(c_->choice.printer, "Studio 39");
-
-  Do("Studio 2", kPausePrinterCommand);
-  ASSERT_TRUE(SaysOf("Studio 2", "paused"));
-  EXPECT_FALSE(CanRun(c_, kPausePrinterCommand));
-  Do("Studio 2", kRefuseJobsCommand);
-  ASSERT_TRUE(SaysOf("Studio 2", "paused, takes no new jobs"));
-  Do("Studio 2", kResumePrinterCommand);
-  ASSERT_TRUE(SaysOf("Studio 2", "idle, takes no new jobs"));
-  Do("Studio 2", kMakeMineCommand);
-  EXPECT_EQ(c_->remembered.preferences.default_printer, "Studio 2");
-
-  // Without paper: the window says so, wherever the list stands.
-  EXPECT_EQ(Node("Attention").what.value, "");
-  Print("Label", false);
-  ASSERT_TRUE(Until([&] { return Node("Attention").what.value == "“Label” is out of paper"; }));
-  c_->printer_list.GoTo("Studio 39");
-  ClickControl(c_->needs.load);
-  ASSERT_TRUE(Until([&] { return c_->layout.needs.Empty(); }));
-
-  Print("Studio 1", true);
-  Print("Studio 1", true);
-  c_->printer_list.GoTo("Studio 1");
-  ASSERT_TRUE(SaysOf("Studio 1", "idle, 2 jobs"));
-  const std::vector<CommandChoice> targets = MoveChoices(c_);
-  ASSERT_EQ(targets.size(), 38u) << "neither itself nor the one that takes none";
-  EXPECT_EQ(targets[1].text, "Studio 3");
-  MoveAllJobs(c_, 1);
-  ASSERT_TRUE(SaysOf("Studio 3", "idle, 2 jobs"));
-  ASSERT_TRUE(SaysOf("Studio 1", "idle, 500 sheets"));
-}
-
-TEST_F(PrintersTest, OneThatGoesIsReplacedByAChoiceAlone) {
+TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   Daemon daemon;
   Start(&daemon, true);
   Open(daemon.host());
   ASSERT_TRUE(Until([&] { return IsReady() && c_->printers.chosen() == "Label"; }));
+  // Found by its letters: looked at, and not chosen.
+  SetFocusStop(c_, FocusStop::kPrinters);
+  for (const char* c = "studio 12"; *c; ++c) Key(uint8_t(*c), uint8_t(*c));
+  EXPECT_EQ(c_->printer_list.at, "Studio 12");
+  EXPECT_EQ(c_->printers.chosen(), "Label");
+  RunCommand(c_, kMakeMineCommand);
+  EXPECT_EQ(c_->remembered.preferences.default_printer, "Studio 12");
   Click(FileRow("letter.txt"));
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   daemon.Stop(SIGTERM);
@@ -231,8 +164,8 @@ TEST_F(PrintersTest, OneThatGoesIsReplacedByAChoiceAlone) {
   }));
   ClickControl(c_->needs.choose);
   EXPECT_EQ(c_->stop, FocusStop::kPrinters);
-  ClickNode("Studio 2");
-  EXPECT_EQ(c_->choice.printer, "Studio 2");
+  ClickNode("Studio 12");
+  EXPECT_EQ(c_->choice.printer, "Studio 12");
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   Turn(2);
   EXPECT_EQ(Node("Attention").what.value, "");

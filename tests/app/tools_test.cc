@@ -54,6 +54,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   }
   c_->tools.Edited(XWE_EDIT_DONE);
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
+  c_->choice.profile = "Fine";
   c_->tools.ChangeCopies(2);
   for (const uint32_t key : {kDown, kDown, kReturnKey}) {
     display::KeyDown(key);
@@ -63,6 +64,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   Click(c_->layout.print);
   ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 1; }));
   const PrintOrder& order = c_->state.transfers[0].order;
+  EXPECT_EQ(order.profile, "Fine");
   EXPECT_EQ(order.priority, 100);
   EXPECT_EQ(order.copies, 3);
   EXPECT_TRUE(order.hold);

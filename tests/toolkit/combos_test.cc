@@ -15,23 +15,8 @@ constexpr uint32_t kUp = 0xFF52, kDown = 0xFF54, kReturn = 0xFF0D, kEscape = 0xF
 const char* const kPrinters[] = {"Proof", "Wide", "", "Office", "Label", nullptr};
 const char* const kTwo[] = {"Draft", "Best", nullptr};
 
-// What the user does while the loop runs, each step a moment after the one before. The end of the
-// run closes a menu that is open still.
-std::vector<std::function<void()>> steps;
-size_t next_step;
 std::string User(std::vector<std::function<void()>> what) {
-  constexpr double kStep = 0.3;
-  steps = std::move(what);
-  next_step = 0;
-  EventLoopTimerRef timer = InstallEventLoopTimer(
-      kStep, kStep,
-      [](EventLoopTimerRef, void*) {
-        if (next_step < steps.size()) steps[next_step++]();
-      },
-      nullptr);
-  RunFor(double(steps.size() + 2) * kStep);
-  RemoveEventLoopTimer(timer);
-  EXPECT_EQ(next_step, steps.size()) << "something hangs";
+  RunSteps(0.3, std::move(what));
   return Reports();
 }
 

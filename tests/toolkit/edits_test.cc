@@ -158,6 +158,12 @@ TEST(EditBoxes, KeysEditAndEndAsOneEventEach) {
   input::KeyDown('k', 'k', "\u4e2d\u6587");
   RunFor(0.001);
   EXPECT_EQ(Text(s.box), ".\u0416\u4e2d\u6587");
+  // A letter with its mark is selected as one, and in the order in which it is stored.
+  XwSetTextUtf8(s.box, "e\u0301\u05E9\u05DC");
+  Type(kHome);
+  Type(kRight, 0, shiftKey);
+  Type('x', 'x', controlKey);
+  EXPECT_EQ(Text(s.box), "\u05E9\u05DC");
 }
 
 TEST(EditBoxes, TheKeyboardGoesFromBoxToBox) {

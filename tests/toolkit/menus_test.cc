@@ -24,21 +24,8 @@ using namespace platform;
 constexpr uint32_t kF10 = 0xFFC7, kUp = 0xFF52, kDown = 0xFF54, kLeft = 0xFF51, kRight = 0xFF53,
                    kReturn = 0xFF0D, kEscape = 0xFF1B, kEnd = 0xFF57;
 
-constexpr double kStep = 0.15;  // seconds
-// Steps of a user, so far apart, which go on while a menu waits.
-std::vector<std::function<void()>> steps;
-size_t next_step;
-void Tick(EventLoopTimerRef, void*) {
-  if (next_step < steps.size()) steps[next_step++]();
-}
 void User(std::vector<std::function<void()>> what) {
-  steps = std::move(what);
-  next_step = 0;
-  const double length = double(steps.size() + 2) * kStep;
-  EventLoopTimerRef timer = InstallEventLoopTimer(kStep, kStep, Tick, nullptr);
-  RunFor(length);
-  RemoveEventLoopTimer(timer);
-  EXPECT_EQ(next_step, steps.size()) << "something hangs";
+  RunSteps(0.15, std::move(what));
 }
 
 struct Menus {

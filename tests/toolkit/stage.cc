@@ -4,6 +4,8 @@
 #include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <map>
 
@@ -106,6 +108,22 @@ void RunFor(double seconds, XwWindow* modal) {
   while (!ended) ended = XwWaitEvent(modal) == kEnough && over;
   TakeBack();
   platform::RemoveEventLoopTimer(timer);
+}
+
+void RunSteps(double period, std::vector<std::function<void()>> all) {
+  static std::vector<std::function<void()>> steps;
+  static size_t next;
+  steps = std::move(all);
+  next = 0;
+  const auto timer = platform::InstallEventLoopTimer(
+      period, period,
+      [](platform::EventLoopTimerRef, void*) {
+        if (next < steps.size()) steps[next++]();
+      },
+      nullptr);
+  RunFor(double(steps.size() + 2) * period);
+  platform::RemoveEventLoopTimer(timer);
+  EXPECT_EQ(next, steps.size()) << "something hangs";
 }
 
 void Quiet() {

@@ -1,5 +1,6 @@
 // A session on the headless display with a stepped clock, and a record of what handlers saw.
 #pragma once
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,9 @@ extern void (*on_event)(int type);
 int RunLoop(XwWindow* modal = nullptr);
 // Runs the loop for this long.
 void RunFor(double seconds, XwWindow* modal = nullptr);
+// What a user does, a step after each period, while the loop runs: also while a menu waits. A menu
+// that is open at the end is closed.
+void RunSteps(double period, std::vector<std::function<void()>> steps);
 // Runs end again when nothing is left to do, after another handler for that was set.
 void Quiet();
 // Run, and forget what was seen.

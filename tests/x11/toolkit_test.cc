@@ -1,9 +1,8 @@
-// The toolkit on a real server: sizes in steps, and files that are handed to the program.
+// The toolkit on a real server: sizes in steps, and the size and scale of the screen.
 #include <xcb/randr.h>
 
 #include <cmath>
 
-#include "tests/x11/bus.h"
 #include "tests/x11/managed.h"
 #include "tests/x11/turn.h"
 #include "toolkit/xw.h"
@@ -11,35 +10,16 @@
 namespace x11_test {
 namespace {
 
-std::vector<std::string> seen;
-int Handle(int type) {
-  if (type == XWE_OPEN) {
-    seen.push_back(reinterpret_cast<const char*>(Inp.value));
-  } else if (type == XWE_PREFERENCES) {
-    seen.push_back("preferences");
-  } else if (type == XWE_QUIT) {
-    seen.push_back("quit");
-  }
-  return 0;
-}
-
-template <class Base>
-class Steps : public Toolkit<Base> {
+class Sizes : public Toolkit<X11Test> {
  protected:
   // A session with a shown window that resizes in steps.
   void Session(int width, int height, int step_x, int step_y) {
     XwSession("Session", "Toolkit", 0);
-    XwWindow* w = this->top = XwCreate(0, 200, 150, int16_t(width), int16_t(height), Handle);
+    XwWindow* w = top =
+        XwCreate(0, 200, 150, int16_t(width), int16_t(height), [](int) { return 0; });
     if (step_x != 0) XwSetSizes(w, 50, 50, 800, 600, uint16_t(step_x), uint16_t(step_y));
     XwShow(w, 1);
-    seen.clear();
   }
-};
-
-// --- Sizes
-
-class Sizes : public Steps<X11Test> {
- protected:
   std::pair<int, int> Size() {
     const auto at = user().Where(Id());
     return {at.width, at.height};
@@ -77,9 +57,7 @@ TEST_F(Sizes, AStepThatIsNoWholeNumberOfPixelsIsKeptWithoutHints) {
   }
 }
 
-// --- The screen
-
-class Screens : public Steps<X11Test> {
+class Screens : public Sizes {
  protected:
   void PublishDots(int dpi) {
     const std::string text = "Xft.dpi:\t" + std::to_string(dpi) + "\n";
@@ -141,48 +119,6 @@ TEST_F(Screens, FiguresFollowScaleAndSize) {
   SetMode(640, 480);
   EXPECT_TRUE(Run([] { return XW_SCREENX == 640; }));
   EXPECT_EQ(LargestWidth(), 300u);
-}
-
-// --- Files and requests
-
-class Requests : public Steps<Bus> {
- protected:
-  bool Wait(const std::function<bool()>& done) {
-    for (int i = 0; i < 500; ++i) {
-      TakeTurn(0.02);
-      while (sd_bus_process(peer(), nullptr) > 0) {
-      }
-      if (done()) return true;
-    }
-    return false;
-  }
-  void Call(const char* method, const char* types, const std::string& word) {
-    ASSERT_GE(strcmp(method, "Open") == 0
-                  ? sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, method,
-                                             nullptr, nullptr, types, 1, word.c_str(), 0)
-                  : sd_bus_call_method_async(peer(), nullptr, kName, kPath, kInterface, method,
-                                             nullptr, nullptr, types, word.c_str(), 0, 0),
-              0);
-  }
-};
-
-// The program's buffer holds 400 bytes: a longer path is no path.
-TEST_F(Requests, APathFitsOrIsNotOpened) {
-  StartServer("", {});
-  Session(100, 100, 0, 0);
-  ASSERT_TRUE(Wait([this] { return Joined(); }));
-  const std::string fits = "/" + std::string(398, 'a'), longer = fits + "a";
-  for (const std::string& path : {longer, fits}) {
-    Call("Open", "asa{sv}", "file://" + path);
-    // The same as a drop.
-    x11::x.paths.push_back(path);
-    x11::Emit(RawEvent::kOpenFile, nullptr);
-  }
-  ASSERT_TRUE(Wait([] { return seen.size() >= 2; }));
-  Call("ActivateAction", "sava{sv}", "preferences");
-  Call("ActivateAction", "sava{sv}", "quit");
-  ASSERT_TRUE(Wait([] { return !seen.empty() && seen.back() == "quit"; }));
-  EXPECT_EQ(seen, (std::vector<std::string>{fits, fits, "preferences", "quit"}));
 }
 
 }  // namespace
