@@ -14,7 +14,7 @@ constexpr size_t kMostErrors = 100;
 
 void Notices::Tell(Message message, int64_t now_ms) {
   if (message.text.empty()) return;
-  if (message.tone != Tone::kBad) {
+  if (message.tone != Tone::kBad && message.tone != Tone::kWarning) {
     message_ = std::move(message);
     until_ms_ = now_ms + kMessageMs;
     return;
@@ -24,7 +24,7 @@ void Notices::Tell(Message message, int64_t now_ms) {
   if (same != errors_.end())
     ++same->times;
   else if (errors_.size() < kMostErrors)
-    errors_.push_back({std::move(message.text), 1});
+    errors_.push_back({message.tone, std::move(message.text), 1});
   else
     ++left_out_;
 }
@@ -53,8 +53,8 @@ Message Notices::Shown(int64_t now_ms) const {
   const Error& first = errors_.front();
   std::string text = first.text;
   if (first.times > 1) text += " (" + NumberText(first.times) + " times)";
-  if (errors() > 1) text += " (and " + NumberOf(errors() - 1, "more error", "more errors") + ")";
-  return {Tone::kBad, std::move(text)};
+  if (errors() > 1) text += " (and " + NumberText(errors() - 1) + " more" + ")";
+  return {first.tone, std::move(text)};
 }
 
 std::string Notices::ProgressText() const {

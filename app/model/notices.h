@@ -20,10 +20,10 @@ struct Message {
 
 class Notices {
  public:
-  // An error (kBad) is kept until Read; one that is there already is counted. Anything else stands
-  // for some seconds, until the next one.
+  // An error or a warning is kept until Read; one that is there already is counted. Anything else
+  // stands for some seconds, until the next one.
   void Tell(Message message, int64_t now_ms);
-  // The error that is shown has been read: the next one comes.
+  // The error or warning that is shown has been read: the next one comes.
   void Read();
   // The message that stands for some seconds goes at once.
   void Forget() { message_ = {}; }
@@ -32,7 +32,7 @@ class Notices {
   void Progress(const std::string& key, std::string text);
   void EndProgress(const std::string& key);
 
-  // What the line shows at this time: the oldest error, else the message, else nothing.
+  // What the line shows at this time: the oldest error or warning, else the message, else nothing.
   Message Shown(int64_t now_ms) const;
   bool HasError() const { return !errors_.empty(); }
   int errors() const { return int(errors_.size()) + left_out_; }
@@ -42,6 +42,7 @@ class Notices {
 
  private:
   struct Error {
+    Tone tone;
     std::string text;
     int times;
   };

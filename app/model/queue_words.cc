@@ -134,7 +134,7 @@ std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now) {
   facts.Add("Profile", Shown(out.profile));
   facts.Add("Priority", NumberText(out.priority));
   facts.Add("Size", out.size > 0 ? SizeText(out.size) : "");
-  facts.Add("Begun", DayText(out.started, now));
+  if (out.total > 0) facts.Add("Begun", DayText(out.started, now));
   return facts.All();
 }
 

@@ -49,7 +49,8 @@ std::string TroubleOf(const Preview& preview, const std::string& name) {
   constexpr std::string_view kShown[] = {"pdf", "png", "jpg", "jpeg", "tif", "tiff"};
   const bool named =
       std::find(std::begin(kShown), std::end(kShown), FileKindKey(name)) != std::end(kShown);
-  return named && preview.trouble == PreviewTrouble::kNoPreview
+  return named && preview.kind != DocumentKind::kEmpty &&
+                 preview.trouble == PreviewTrouble::kNoPreview
              ? "This file is damaged: it cannot be read"
              : TroubleWords(preview);
 }

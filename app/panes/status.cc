@@ -164,7 +164,9 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   if (told.text.empty()) return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
   if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
   DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(told.text),
-            told.tone == Tone::kBad ? l.bad : l.second);
+            told.tone == Tone::kBad       ? l.bad
+            : told.tone == Tone::kWarning ? l.warning
+                                          : l.second);
 }
 
 void StatusPane::AddHits(const std::string& selection, Hits* hits) const {

@@ -11,10 +11,12 @@
 namespace console {
 namespace {
 
-constexpr int kColumn = 300, kMargin = 20, kRow = 20, kHeading = 30, kKeys = 120;
+constexpr int kColumn = 300, kMargin = 20, kKeys = 120;
+constexpr int kRow = 20, kLeastRow = 12, kFrame = 60;  // of the window, with its title
 constexpr int kColumns = 2;
 
 XwWindow* keys_window;
+int row_height = kRow;  // lower on a low screen
 
 // A line of the window; a heading has no keys.
 struct Line {
@@ -51,7 +53,7 @@ const std::vector<Line>& Lines() {
 }
 
 int HeightOf(const Line& line) {
-  return line.keys.empty() ? kHeading : kRow;
+  return line.keys.empty() ? row_height * 3 / 2 : row_height;
 }
 
 // Where the second column begins: at the first heading past the middle.
@@ -72,6 +74,11 @@ int WindowHeight() {
   return std::max(heights[0], heights[1]) + 2 * kMargin;
 }
 
+void FitRows() {
+  row_height = kRow;
+  while (row_height > kLeastRow && WindowHeight() > XW_SCREENY - kFrame) --row_height;
+}
+
 void DrawKeys() {
   const Style& l = TheStyle();
   XwPush(keys_window);
@@ -86,7 +93,7 @@ void DrawKeys() {
     XwBoxList(1, a.x, a.y, a.w, a.h);
     XwDescribe(-1, XWA_LABEL, 0, line.name.c_str(), line.keys.c_str());
     if (line.keys.empty()) {
-      a.TakeTop(8);
+      a.TakeTop(row_height * 2 / 5);
       DrawLabel(l.bold, Align::kLeft, a, line.name, l.ink);
       continue;
     }
@@ -107,6 +114,7 @@ int HandleKeys(int type) {
 
 void ShowKeys(Console* c) {
   if (!keys_window) {
+    FitRows();
     const int width = kColumns * kColumn + (kColumns + 1) * kMargin;
     keys_window = XwCreate(0, 0, 0, width, WindowHeight(), HandleKeys);
     if (!keys_window) return;

@@ -17,11 +17,23 @@ constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
 XwWindow *close_button, *keep_button;
 Console* asker;
 
-bool AllFailed(const Console* c) {
+int FailedOnes(const Console* c) {
   const auto& all = c->state.transfers;
-  return c->just_sent == 0 && std::all_of(all.begin(), all.end(), [](const Transfer& t) {
-           return t.state == Sending::kFailed || t.state == Sending::kCancelling;
-         });
+  return int(std::count_if(all.begin(), all.end(),
+                           [](const Transfer& t) { return t.state == Sending::kFailed; }));
+}
+
+// Those that are still to be sent, and apart from them those that will never be.
+struct SheetWords {
+  std::string title, more;
+};
+SheetWords WordsOf(const Console* c) {
+  const int failed = FailedOnes(c), left = Unsent(c) - failed;
+  const std::string failures = CountText(failed, "document", "documents") + " failed";
+  if (left == 0) return {failures, "The queue says why. What is not sent is not printed."};
+  return {CountText(left, "document has", "documents have") + " not been sent",
+          failed ? failures + ": see the queue. The others are still to be sent."
+                 : "The window closes by itself as soon as everything is sent."};
 }
 
 Area SheetArea(const Console* c) {
@@ -44,14 +56,10 @@ void DrawSheet(const Console* c) {
   XwSetColor(l.line);
   XwDrawRect(a.x, a.y, a.w, a.h);
   Area text = a.Inset(kBorder, kBorder);
-  const int n = Unsent(c);
-  DrawLabel(l.bold, Align::kLeft, text.TakeTop(18),
-            CountText(n, "document has", "documents have") + " not been sent", l.ink);
+  const SheetWords words = WordsOf(c);
+  DrawLabel(l.bold, Align::kLeft, text.TakeTop(18), words.title, l.ink);
   text.TakeTop(6);
-  DrawLabel(l.view, Align::kLeft, text.TakeTop(16),
-            AllFailed(c) ? "The queue says why. What is not sent is not printed."
-                         : "The window closes by itself as soon as everything is sent.",
-            l.second);
+  DrawLabel(l.view, Align::kLeft, text.TakeTop(16), words.more, l.second);
   XwPop();
 }
 

@@ -98,11 +98,13 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   EXPECT_EQ(notices.NextChange(1000), 7000);
   EXPECT_EQ(notices.Shown(7000).text, "");
   for (const char* text : {"lost", "lost", "gone"}) notices.Tell({Tone::kBad, text}, 8000);
-  notices.Tell({Tone::kWarning, "cancelled"}, 8000);
-  EXPECT_EQ(notices.Shown(1000000).text, "lost (2 times) (and 1 more error)");
+  notices.Tell({Tone::kWarning, "not moved"}, 8000);
+  notices.Tell({Tone::kGood, "cancelled"}, 8000);
+  EXPECT_EQ(notices.Shown(1000000).text, "lost (2 times) (and 2 more)");
   notices.Read();
-  EXPECT_EQ(notices.Shown(1000000).text, "gone");
+  EXPECT_EQ(notices.Shown(1000000).text, "gone (and 1 more)");
   notices.Read();
+  EXPECT_EQ(notices.Shown(1000000).tone, Tone::kWarning);
   notices.Read();
   EXPECT_EQ(notices.Shown(9000).text, "cancelled");
   notices.Progress("a", "sending a");
