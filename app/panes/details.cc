@@ -9,13 +9,13 @@
 #include "app/panes/document_picture.h"
 #include "app/panes/facts.h"
 #include "app/panes/job_details.h"
+#include "app/panes/queue_cells.h"
 #include "app/panes/tools.h"
-#include "printserver/words.h"
 
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kPadding = 16, kPrinter = kCaption + 4 * 20 + 10;
+constexpr int kCaption = 32, kPadding = 16, kBelowPrinter = 10;
 // Of a picture: below it is a line that says why there is none, and six facts.
 constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kFacts = 6 * 20;
 
@@ -23,15 +23,29 @@ std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
   return FactLines(Shown(e.name), a.w);
 }
 
-// The one that a document would go to, unless the list of the printers tells the same.
-bool ShowsPrinter(const DetailsPane& p) {
-  return p.layout.printers.Empty() && !p.jobs;
+// The chosen one, as the list of the printers tells it.
+std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
+  const NC_Printer* p = ChosenPrinter(pane->choice, pane->state);
+  const PrinterRow* row = p ? pane->printers.Find(p->name) : nullptr;
+  if (!row) return {};
+  return {{"Name", row->name},
+          {"State", row->state, row->dot},
+          {"Jobs", std::to_string(p->jobs)},
+          {"Paper", row->paper.empty() ? "enough" : row->paper}};
+}
+
+// The height of the printer's part. The list of the printers tells all of them while it shows, and
+// a job has a printer of its own.
+int PrinterHeight(const DetailsPane* pane) {
+  if (!pane->layout.printers.Empty() || pane->jobs) return 0;
+  const int width = pane->layout.details.Inset(kPadding, 0).w;
+  return kCaption + std::max(kFactLine, FactsHeight(FactsOfPrinter(pane), width)) + kBelowPrinter;
 }
 
 // The document's part of the pane, or that of the jobs, below its caption.
-Area DocumentArea(const DetailsPane& p) {
-  Area a = p.layout.details.Inset(kPadding, 0);
-  if (ShowsPrinter(p)) a.TakeBottom(kPrinter);
+Area DocumentArea(const DetailsPane* pane) {
+  Area a = pane->layout.details.Inset(kPadding, 0);
+  a.TakeBottom(PrinterHeight(pane));
   a.TakeTop(kCaption + 6);
   return a;
 }
@@ -110,28 +124,23 @@ void AddDocumentHits(const DetailsPane* p, Area a, Hits* hits) {
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
   const Style& l = TheStyle();
-  const NC_Printer* p = ChosenPrinter(pane->choice, pane->state);
-  if (!p) {
-    DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
+  const std::vector<Fact> facts = FactsOfPrinter(pane);
+  if (facts.empty())
+    DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine),
               pane->state.link == Link::kReady ? "The server has none" : "None is known yet",
               l.second);
-    return;
+  for (const Fact& fact : facts) {
+    const int32_t ink = InkOf(fact.tone);
+    DrawFact(&a, fact.name.c_str(), fact.value,
+             IsAway(pane->state.link) ? Dimmed(ink, l.side) : ink);
   }
-  const bool away = IsAway(pane->state.link);
-  DrawFact(&a, "Name", Shown(p->name));
-  const int32_t ink = p->state == NC_PRINTER_PAPER_OUT  ? l.bad
-                      : p->state == NC_PRINTER_PRINTING ? l.accent
-                                                        : l.good;
-  DrawFact(&a, "State", nc::PrinterStateText(p->state), away ? Dimmed(ink, l.side) : ink);
-  DrawFact(&a, "Jobs", std::to_string(p->jobs));
-  DrawFact(&a, "Paper", p->paper < 0 ? "enough" : CountText(p->paper, "sheet", "sheets"));
 }
 
 }  // namespace
 
 Area DetailsPane::PictureArea() const {
   if (selected < 0 || layout.details.Empty()) return {};
-  const Area a = DocumentArea(*this);
+  const Area a = DocumentArea(this);
   const FolderEntry e = folder.At(selected);
   const int name = int(NameLines(e, a).size() - 1) * kNextFactLine;
   // In a large pane a larger one: half of its height at most.
@@ -144,9 +153,14 @@ Area DetailsPane::PictureArea() const {
 void DetailsPane::AddHits(Hits* hits) const {
   if (layout.details.Empty()) return;
   if (jobs)
-    AddJobFacts(*jobs, DocumentArea(*this), hits);
+    AddJobFacts(*jobs, DocumentArea(this), hits);
   else
-    AddDocumentHits(this, DocumentArea(*this), hits);
+    AddDocumentHits(this, DocumentArea(this), hits);
+  const std::vector<Fact> printer = FactsOfPrinter(this);
+  Area all = layout.details;
+  if (!printer.empty())
+    hits->Cover(all.TakeBottom(PrinterHeight(this)),
+                {XWA_LABEL, 0, "Chosen Printer", printer[0].value + ": " + printer[1].value});
 }
 
 void DetailsPane::Draw() const {
@@ -156,14 +170,14 @@ void DetailsPane::Draw() const {
   Fill(a, l.side);
   LineAtLeft(a);
   a = a.Inset(kPadding, 0);
-  Area printer = ShowsPrinter(*this) ? a.TakeBottom(kPrinter) : Area{};
+  Area printer = a.TakeBottom(PrinterHeight(this));
   DrawCaption(a, jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
   if (jobs)
-    DrawJobFacts(*jobs, DocumentArea(*this));
+    DrawJobFacts(*jobs, DocumentArea(this));
   else
-    DrawSelected(this, DocumentArea(*this));
+    DrawSelected(this, DocumentArea(this));
   if (printer.Empty()) return;
-  DrawCaption(printer, "PRINTER");
+  DrawCaption(printer, "CHOSEN PRINTER");
   printer.TakeTop(kCaption);
   DrawPrinter(this, printer);
 }

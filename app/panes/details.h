@@ -4,6 +4,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/model/printers.h"
 #include "app/model/shown_folder.h"
 #include "app/panes/layout.h"
 #include "app/server/server.h"
@@ -24,6 +25,7 @@ struct DetailsPane {
   const ShownFolder& folder;
   const PrintChoice& choice;
   const ServerState& state;
+  const Printers& printers;
   int selected = -1;         // the row of the folder
   std::string several = "";  // what is said where it is not one that is selected; "": none is
   // The queue while it has the keyboard, else null: its jobs stand in place of the document.

@@ -27,10 +27,19 @@ std::vector<std::string> FactLines(std::string value, int width) {
   return lines;
 }
 
-void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink) {
+int FactsHeight(const std::vector<Fact>& facts, int width) {
+  int height = 0;
+  for (const Fact& fact : facts)
+    height += kFactLine + int(FactLines(fact.value, width).size() - 1) * kNextFactLine;
+  return height;
+}
+
+void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink, int line) {
   const Style& l = TheStyle();
-  const std::vector<std::string> lines = FactLines(value, a->w);
-  Area row = a->TakeTop(kFactLine);
+  const bool low = line < kFactLine;
+  const std::vector<std::string> lines =
+      low ? std::vector{CutToWidth(l.view, value, a->w - kFactName)} : FactLines(value, a->w);
+  Area row = a->TakeTop(line);
   DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
   DrawLabel(l.view, Align::kLeft, row, lines[0], ink);
   for (size_t i = 1; i < lines.size(); ++i) {
@@ -40,11 +49,10 @@ void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink) 
   }
 }
 
-void CoverFacts(const std::vector<Fact>& facts, Area a, Hits* hits) {
+void CoverFacts(const std::vector<Fact>& facts, Area a, Hits* hits, int line) {
   for (const Fact& fact : facts) {
-    const int lines = int(FactLines(fact.value, a.w).size());
-    const Area row = a.TakeTop(kFactLine + (lines - 1) * kNextFactLine);
-    hits->Cover(row, {XWA_LABEL, 0, fact.name, fact.value});
+    const Area row = a.TakeTop(line < kFactLine ? line : FactsHeight({fact}, a.w));
+    hits->Cover(row, {XWA_LABEL, 0, fact.name, fact.value, line < kFactLine ? fact.value : ""});
   }
 }
 

@@ -155,7 +155,7 @@ struct Console {
   NeedsPane needs{layout, printers};
   PlacesPane places{layout};
   FilesPane files{layout};
-  DetailsPane details{layout, files.folder, choice, state};
+  DetailsPane details{layout, files.folder, choice, state, printers};
   QueuePane queue{layout, state};
   AwayBanner banner{layout, state, server.host()};
   StatusPane status{layout, state, server.host()};
