@@ -523,6 +523,7 @@ TEST_F(EndToEnd, WhatOneConsoleDoesTheOtherOneShows) {
       keys Tab Return
       see status Message = “b” had been removed already, by somebody else
       gone job b
+      click button Dismiss Message
       agree)"));
     ASSERT_TRUE(mia.ComeToFront());
     ASSERT_TRUE(mia.Do(R"(
