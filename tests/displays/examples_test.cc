@@ -96,6 +96,8 @@ void WriteRecording(const char* steps, const std::string& file) {
   while (lines >> step) {
     int a = 0, b = 0;
     if (step != "unfocus") lines >> a;
+    // The window manager's own focus comes while the recording is played, not after it.
+    if (step == "unfocus") time += 0.5;
     if (step == "in") {
       window = a;
     } else if (step == "click" || step == "press") {
