@@ -1,6 +1,7 @@
 // Every control in every state, as one sheet a scale.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -138,8 +139,10 @@ class Sheet {
   }
   static void Copy(const Picture& from, const XwWindow* c, Picture* to) {
     // A pop-up button and its ring reach five pixels below the record.
-    for (int y = Device(c->y - 3); y < Device(c->y + c->height + 5); ++y)
-      for (int x = Device(c->x - 3); x < Device(c->x + c->width + 3); ++x) {
+    const int bottom = std::min(Device(c->y + c->height + 5), to->height);
+    const int right = std::min(Device(c->x + c->width + 3), to->width);
+    for (int y = Device(c->y - 3); y < bottom; ++y)
+      for (int x = Device(c->x - 3); x < right; ++x) {
         const size_t i = size_t(y) * size_t(to->width) + size_t(x);
         to->pixels[i] = from.pixels[i];
       }
