@@ -35,7 +35,7 @@ std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
 }
 
 // The height of the printer's part. The list of the printers tells all of them while it shows, and
-// a job has a printer of its own.
+// a job names its own printer.
 int PrinterHeight(const DetailsPane* pane) {
   if (!pane->layout.printers.Empty() || pane->jobs) return 0;
   const int width = pane->layout.details.Inset(kPadding, 0).w;
