@@ -44,15 +44,9 @@ std::string MoreOf(const PrinterRow& row, bool mine) {
   return text;
 }
 
-// Its first parts that stand in the width as a whole: half a number says something else.
+// The first parts of a list that stand in the width as a whole: half a number says something else.
+// One that no comma comes before stays in any case.
 std::string PartsThatFit(XwFont* font, std::string text, int width) {
-  while (!text.empty() && XwTextWidthUtf8(font, text.c_str()) > width)
-    text.resize(text.rfind(", "));
-  return text;
-}
-
-// The first parts of a state that stand in the width; the first one stays in any case.
-std::string StateThatFits(XwFont* font, std::string text, int width) {
   while (XwTextWidthUtf8(font, text.c_str()) > width && text.find(", ") != std::string::npos)
     text.resize(text.rfind(", "));
   return text;
@@ -175,8 +169,7 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
   if (!button.Empty()) below.w = button.x - below.x - 6;
   const bool coloured = r.dot == Tone::kBad || r.dot == Tone::kWarning || r.dot == Tone::kBusy;
   const int32_t ink = coloured ? ToneColor(r.dot) : l.second;
-  const std::string state =
-      button.Empty() ? r.state : StateThatFits(l.small_text, r.state, below.w);
+  const std::string state = button.Empty() ? r.state : PartsThatFit(l.small_text, r.state, below.w);
   DrawLabel(l.small_text, Align::kLeft,
             below.TakeLeft(XwTextWidthUtf8(l.small_text, state.c_str()) + 1), state, shade(ink));
   if (button.Empty())
