@@ -245,6 +245,7 @@ int Server::Send(std::vector<PrintOrder> orders) {
     Transfer t;
     t.number = shared_->next_number++;
     t.order = std::move(order);
+    t.size = t.order.size;
     t.started = time(nullptr);
     shared_->state.transfers.push_back(std::move(t));
   }

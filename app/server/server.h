@@ -45,6 +45,7 @@ struct PrintOrder {
   int copies = 1, priority = 50;
   int32_t colour = -1;  // 0xRRGGBB, -1: none
   bool hold = false;
+  int64_t size = 0;  // bytes, as far as they are known; what is sent is what the file has then
 };
 
 // What a transfer is doing.

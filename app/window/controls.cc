@@ -229,8 +229,10 @@ void PrintSelected(Console* c) {
   std::vector<PrintOrder> orders;
   for (const std::string& name : c->files.selection.Ids()) {
     const int row = c->files.folder.Find(name);
-    if (c->files.folder.At(row).folder) continue;
+    const FolderEntry e = c->files.folder.At(row);
+    if (e.folder) continue;
     PrintOrder& order = orders.emplace_back(usual);
+    order.size = e.size;
     order.path = c->files.folder.PathOf(row);
     order.document = name;
   }

@@ -26,6 +26,7 @@ class SendingTest : public ConsoleTest {
     Click(c_->queue.table.RowArea(0));
     ASSERT_EQ(c_->queue.table.selected(), 0);
     ASSERT_TRUE(c_->queue.rows.IdAt(0).outgoing);
+    EXPECT_EQ(c_->queue.rows.OutgoingAt(0)->size, 5000) << "known before it is opened";
     server_.Listen();
     c_->server.Refresh();
   }
