@@ -355,9 +355,9 @@ void ShowPreview(void* data, int taken);
 PrintOrder UsualOrder(const Console* c);
 // Queues them and says how many; `left_out` of those that were meant are none.
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
-// Those of the last time that still wait to be sent.
+// Those of the last time that still wait to be sent: how many, or why none can be cancelled.
+int QueuedLast(const Console* c);
 std::string WhyNotCancelQueued(const Console* c);
-bool CanCancelQueued(const Console* c);
 void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);

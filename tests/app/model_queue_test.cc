@@ -146,6 +146,10 @@ TEST(QueueVerbs, SayWhyNot) {
   // Those for which it is possible are taken.
   EXPECT_EQ(CheckVerb(Verb::kHold, rows, {Id(1), Id(2), Id(3)}, pending, true).on,
             std::vector<QueueId>{Id(3)});
+  // One that somebody else has removed is told by its name.
+  jobs.erase(jobs.begin() + 1);
+  rows.Show(std::make_shared<std::vector<NC_Job>>(jobs), {});
+  EXPECT_EQ(why(Verb::kHold, Id(2)), "“b” is not in the queue any more");
 }
 
 TEST(Reordering, AsksForOneStepForEachJob) {

@@ -97,6 +97,7 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
   Key('p', 'p');
   display::Modifiers(0);
   ASSERT_TRUE(QueueIs(0, 2));
+  EXPECT_TRUE(Until([&] { return c_->status.message().text == "2 documents are at the server"; }));
   Click(c_->queue.table.RowArea(0));
   display::Modifiers(platform::controlKey);
   Key('a', 'a');
