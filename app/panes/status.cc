@@ -128,7 +128,7 @@ Area StatusPane::CancelArea() const {
   if (queued == 0) return {};
   Area middle = Middle();
   if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
-  const int width = XwTextWidthUtf8(TheStyle().normal, cancel_text_.c_str()) + kCancelEnds;
+  const int width = XwTextWidthUtf8(TheStyle().bold, cancel_text_.c_str()) + kCancelEnds;
   const Area button = middle.TakeRight(width);
   return {button.x, layout.status.y + 3, button.w, 20};
 }
