@@ -8,6 +8,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/model/queue_words.h"
 #include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
@@ -371,7 +372,7 @@ void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
 // Documents that are given up when the console leaves the server.
-int Unsent(const Console* c);
+Unsent UnsentDocuments(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

@@ -207,6 +207,9 @@ TEST(PendingChanges, EndWithTheServersTruth) {
 }
 
 TEST(QueueWords, TellStateProgressAndAnswers) {
+  EXPECT_EQ(UnsentText({1, 0}), "1 document has not been sent");
+  EXPECT_EQ(UnsentText({0, 1200}), "1,200 documents could not be sent");
+  EXPECT_EQ(UnsentText({2, 1}), "2 documents have not been sent, 1 could not be sent");
   auto jobs = *Jobs({"a:p", "a:w", "a:d", "a:w"});
   jobs[0].total = 4200000, jobs[0].printed = 2100000;
   strcpy(jobs[1].reasons, "printer-paused,new-keyword");
