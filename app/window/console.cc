@@ -173,12 +173,15 @@ void Key(Console* c, int type) {
     if (const int command = CommandOfMenuKey(type, c->modifiers)) return RunCommand(c, command);
   }
   if (c->modifiers & XWS_CONTROL) {
-    // Those of menus come from there, as commands.
-    if (!CommandOfMenuKey(type, c->modifiers)) TableKey(c, type);
+    // Those of menus come from there, as commands; one that is greyed there does not come.
+    if (const int command = CommandOfMenuKey(type, c->modifiers))
+      TellWhyNot(c, command, type);
+    else
+      TableKey(c, type);
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
-    TellWhyNot(c, command);
+    TellWhyNot(c, command, type);
     return RunCommand(c, command);
   }
   if (c->modifiers & XWS_COMMAND) {
@@ -420,6 +423,11 @@ void CloseConsole(Console* c) {
 
 void Tell(Console* c, bool good, const std::string& utf8) {
   c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
+  c->damage |= kStatusPane;
+}
+
+void TellWhy(Console* c, const std::string& utf8) {
+  c->status.TellReason(utf8);
   c->damage |= kStatusPane;
 }
 
