@@ -90,6 +90,21 @@ void QueuePane::Fill() {
   }
   rows.Show(state.listed ? state.jobs : nullptr, OutgoingNow());
   Renewed();
+  ShowFollowed();
+}
+
+void QueuePane::FollowFocus() {
+  followed_row_ = table.focus();
+  if (followed_row_ >= 0) followed_ = rows.IdAt(followed_row_);
+}
+
+// Until its change has been answered, or the keyboard has gone to another row.
+void QueuePane::ShowFollowed() {
+  if (followed_row_ < 0) return;
+  const int row = table.focus();
+  const bool stays = row >= 0 && rows.IdAt(row) == followed_;
+  if (stays && row != followed_row_) table.Reveal(row);
+  followed_row_ = stays && state.pending.Of(followed_.job) ? row : -1;
 }
 
 void QueuePane::ShowProgress() {

@@ -274,6 +274,11 @@ int CommandOfKey(const Console* c, int type) {
   return 0;
 }
 
+bool ConcernsJobs(int id) {
+  const Command* command = Find(id);
+  return command && command->more.contexts & kOnJobs;
+}
+
 void TellWhyNot(Console* c, int id) {
   const Command* command = Find(id);
   if (!command || c->asking || !command->more.why_not) return;

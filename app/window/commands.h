@@ -34,6 +34,8 @@ void RunFunctionKey(Console* c);
 int CommandOfKey(const Console* c, int type);
 // "Ctrl+Shift+H"; "" for no key.
 std::string KeyText(int key, uint32_t modifiers);
+// Whether it is one of those for the selected jobs.
+bool ConcernsJobs(int command);
 // A key of a command that cannot be run: the status line says why, where there is a reason.
 void TellWhyNot(Console* c, int command);
 // At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.
