@@ -125,8 +125,18 @@ void FilesKey(Console* c, int type) {
   SelectionChanged(c, true);
 }
 
+// What is done to jobs by a key is seen: the row with the keyboard is scrolled to first.
+void ShowRowFor(Console* c, int command) {
+  if (c->stop != FocusStop::kQueue || !ConcernsJobs(command) || c->queue.table.HoldsRow()) return;
+  c->queue.table.Reveal(c->queue.table.focus());
+  c->damage |= kQueuePane;
+  DrawConsole(c);
+}
+
 void QueueKey(Console* c, int type) {
-  if (type == ' ') RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
+  if (type != ' ') return;
+  ShowRowFor(c, kHoldCommand);
+  RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
 }
 
 // What the control there has not taken.
@@ -175,13 +185,16 @@ void Key(Console* c, int type) {
   }
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands; one that is greyed there does not come.
-    if (const int command = CommandOfMenuKey(type, c->modifiers))
+    if (const int command = CommandOfMenuKey(type, c->modifiers)) {
+      ShowRowFor(c, command);
       TellWhyNot(c, command, type);
-    else
+    } else {
       TableKey(c, type);
+    }
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
+    ShowRowFor(c, command);
     TellWhyNot(c, command, type);
     return RunCommand(c, command);
   }
