@@ -12,9 +12,10 @@ constexpr int kSwatchHeight = 14, kSwatchWidth = 44;
 
 std::vector<Fact> FactsOf(const QueuePane& queue) {
   const std::vector<QueueId> ids = queue.Selected();
-  if (ids.size() > 1) return FactsOfSeveral(queue.rows, ids);
+  if (ids.size() > 1) return FactsOfSeveral(queue.rows, ids, *queue.state.printers);
   if (ids.empty()) return {};
-  if (const NC_Job* job = queue.rows.JobOf(ids[0])) return FactsOfJob(*job, time(nullptr));
+  if (const NC_Job* job = queue.rows.JobOf(ids[0]))
+    return FactsOfJob(*job, time(nullptr), LacksPaper(*job, *queue.state.printers));
   const Outgoing* out = queue.rows.OutgoingOf(ids[0]);
   return out ? FactsOfOutgoing(*out, time(nullptr)) : std::vector<Fact>();
 }
@@ -26,10 +27,6 @@ int32_t ColourOf(const QueuePane& queue) {
   if (const NC_Job* job = queue.rows.JobOf(ids[0])) return job->colour;
   const Outgoing* out = queue.rows.OutgoingOf(ids[0]);
   return out ? out->colour : -1;
-}
-
-int LineIn(const QueuePane& queue, const Area& a) {
-  return JobFactsHeight(queue, a.w) <= a.h ? kFactLine : kNextFactLine;
 }
 
 }  // namespace
@@ -50,24 +47,22 @@ void DrawJobFacts(const QueuePane& queue, Area a) {
   const std::vector<Fact> facts = FactsOf(queue);
   if (facts.empty())
     DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine), "No job is selected", l.second);
-  const int line = LineIn(queue, a);
   for (const Fact& fact : facts) {
-    if (a.h < line) return;
     const int32_t ink = InkOf(fact.tone);
     DrawFact(&a, fact.name.c_str(), fact.value,
-             queue.state.link == Link::kReady ? ink : Dimmed(ink, l.side), line);
+             queue.state.link == Link::kReady ? ink : Dimmed(ink, l.side));
   }
   const int32_t colour = ColourOf(queue);
-  if (colour < 0 || a.h < line) return;
+  if (colour < 0) return;
   Area row = a;
-  DrawFact(&a, "Colour", "", l.ink, line);
+  DrawFact(&a, "Colour", "");
   row.TakeLeft(kFactName);
-  XwRoundBox(row.x, row.y + (line - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3,
+  XwRoundBox(row.x, row.y + (kFactLine - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3,
              FromRgb(colour), l.line);
 }
 
-void AddJobFacts(const QueuePane& queue, Area a, Hits* hits) {
-  CoverFacts(FactsOf(queue), a, hits, LineIn(queue, a));
+void AddJobFacts(const QueuePane& queue, const Area& a, const ScrolledArea& scroll, Hits* hits) {
+  CoverFacts(FactsOf(queue), a, scroll, hits);
 }
 
 }  // namespace console

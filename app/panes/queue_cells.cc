@@ -45,7 +45,10 @@ void DrawProgressCell(const RowWords& words, const CellLook& cell) {
   Area a = cell.area;
   const Area bar = a.TakeLeft(kBar);
   DrawProgress({bar.x, bar.y + (bar.h - 10) / 2, bar.w, 10}, words.progress.part,
-               words.progress.whole, cell.muted);
+               words.progress.whole,
+               cell.selected ? BarGround::kAccent
+               : cell.muted  ? BarGround::kMuted
+                             : BarGround::kPlain);
   a.TakeLeft(10);
   DrawLabel(l.small_text, Align::kLeft, a, words.progress.text,
             words.tone == Tone::kPlain ? cell.second : ink);

@@ -274,6 +274,11 @@ int CommandOfKey(const Console* c, int type) {
   return 0;
 }
 
+bool ConcernsJobs(int id) {
+  const Command* command = Find(id);
+  return command && command->more.contexts & kOnJobs;
+}
+
 void TellWhyNot(Console* c, int id, int key) {
   constexpr int kRepeats = 2;
   const Command* command = Find(id);

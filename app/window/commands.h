@@ -34,6 +34,8 @@ void RunFunctionKey(Console* c);
 int CommandOfKey(const Console* c, int type);
 // "Ctrl+Shift+H"; "" for no key.
 std::string KeyText(int key, uint32_t modifiers);
+// Whether it is one of those for the selected jobs.
+bool ConcernsJobs(int command);
 // A key of a command that cannot be run: the status line says why, where there is a reason. What
 // the command has done itself may be the reason while its key is held, so that one that repeats
 // says nothing.

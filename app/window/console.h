@@ -47,6 +47,7 @@ enum class FocusStop {
   kPlaces,
   kPrinters,
   kFiles,
+  kDetails,
   kQueue,
   kShowAllFiles,
   kStartServer,
@@ -104,10 +105,11 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool exposed = false;    // the first picture has been asked for; until then nothing is drawn
-  bool has_begun = false;  // it is drawn, and what it does not need has begun
-  bool has_menus = false;  // else its menu bar has titles alone
-  bool active = true;      // keys of the desktop come to the window
+  bool tells_of_jobs = false;  // the queue has the keyboard, or had it before the details
+  bool exposed = false;        // the first picture has been asked for; until then nothing is drawn
+  bool has_begun = false;      // it is drawn, and what it does not need has begun
+  bool has_menus = false;      // else its menu bar has titles alone
+  bool active = true;          // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;

@@ -20,6 +20,7 @@ void MakeControls(Console* c) {
   c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
+  c->details.MakeControls(w);
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
@@ -99,6 +100,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
 
 bool CanStopAt(const Console* c, FocusStop stop) {
   if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  if (stop == FocusStop::kDetails) return c->details.Scrolls();
   if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
   return stop != FocusStop::kPlaces || !c->layout.places.Empty();
 }
@@ -131,6 +133,7 @@ void UpdateControls(Console* c) {
   c->queue.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
   c->printer_list.list.Enable(!c->asking);
+  c->details.scroll.Enable(!c->asking);
   UpdateFocus(c);
 }
 
@@ -187,6 +190,7 @@ void UseControl(Console* c, int id, int value) {
   UseQueueControl(c, id, value);
   if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
   if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
+  if (c->details.scroll.Scrolled(id, value)) c->damage |= kDetailsPane;
 }
 
 // Before the printers are known the document waits for the server, and goes to its default.

@@ -8,6 +8,7 @@
 #include "app/look/controls.h"
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/window/form.h"
 #include "app/window/queue_commands.h"
 
 namespace console {
@@ -19,14 +20,12 @@ constexpr int kWidth = 340, kHeight = 124, kEdge = 20;
 constexpr Area kText{kEdge, 20, kWidth - 2 * kEdge, 18};
 constexpr Area kBoxArea{kEdge, 46, 64, 26};
 constexpr Area kRange{kEdge + 74, 46, 200, 26};
-constexpr int kButtonTop = 84, kButtonWidth = 88, kButtonHeight = 26;
-// As the window of preferences.
-constexpr int kWindowStyle = -256 + 3 + 32;
+constexpr int kButtonTop = 84;
 
 struct NumberWindow {
   Console* console = nullptr;
   XwWindow* window = nullptr;
-  XwWindow *box = nullptr, *cancel = nullptr, *set = nullptr;
+  XwWindow *box = nullptr, *set = nullptr;
   Verb verb = Verb::kPriority;
   std::vector<QueueId> jobs;
   std::string text;
@@ -101,44 +100,29 @@ void Set(NumberWindow* w) {
 int Handle(int type) {
   NumberWindow* w = g_window;
   if (!w) return 0;
-  switch (type) {
-    case XWE_EXPOSE:
+  switch (FormEventOf(type, kSet, kCancel)) {
+    case FormEvent::kDraw:
       Draw(w);
       break;
-    case XWE_CONTROL:
-      if (Inp.item == kSet)
-        Set(w);
-      else if (Inp.item == kCancel)
-        Close();
-      break;
-    case XWE_EDIT_CHANGED:
+    case FormEvent::kEdited:
       Update(w);
       break;
-    case XWE_EDIT_DONE:  // Tab ends it, too
-      if (XwGetKeyState(XWE_RETURN)) Set(w);
+    case FormEvent::kAccept:
+      Set(w);
       break;
-    case XWE_EDIT_SELECT:
-      if (!Inp.value && XwGetKeyState(XWE_ESCAPE)) Close();
-      break;
-    case XWE_CLOSE:
+    case FormEvent::kCancel:
       Close();
       break;
-    default:
+    case FormEvent::kOther:
       break;
   }
   return 0;
 }
 
 void Make(NumberWindow* w) {
-  constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
-  w->box = XwEditBox(w->window, "", kBox, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
+  w->box = XwEditBox(w->window, "", kBox, 0, 0, 9, 9, XWC_ENABLED | XWC_VISIBLE | XWC_DROPS_FOCUS);
   PlaceControl(w->box, kBoxArea);
-  w->cancel = XwButton(w->window, "Cancel", kCancel, 0, 0, 9, 9, kShown, 0);
-  w->set = XwButton(w->window, "Set", kSet, 0, 0, 9, 9, kShown, 0);
-  const int right = kWidth - kEdge - kButtonWidth;
-  PlaceControl(w->set, {right, kButtonTop, kButtonWidth, kButtonHeight});
-  PlaceControl(w->cancel, {right - 10 - kButtonWidth, kButtonTop, kButtonWidth, kButtonHeight});
-  XwSetDefaultButtons(w->window, w->set, w->cancel);
+  w->set = MakeFormButtons(w->window, "Set", kSet, kCancel, kWidth - kEdge, kButtonTop).accept;
   XwSetActivationHandler(w->window, [](int on) {
     if (g_window) NoteActivity(g_window->window, on != 0);
   });
@@ -156,7 +140,7 @@ void AskNumber(Console* c, Verb verb) {
   const VerbCheck check = c->queue.Check(verb);
   if (!check.possible()) return;
   Close();
-  XwWindow* window = XwCreate(kWindowStyle, 0, 0, kWidth, kHeight, Handle);
+  XwWindow* window = XwCreate(kFormStyle, 0, 0, kWidth, kHeight, Handle);
   if (!window) return;
   NumberWindow* w = g_window = new NumberWindow;
   w->console = c;

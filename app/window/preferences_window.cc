@@ -9,6 +9,7 @@
 #include "app/look/hits.h"
 #include "app/panes/name_choice.h"
 #include "app/window/console.h"
+#include "app/window/form.h"
 #include "app/window/queue_commands.h"
 
 namespace console {
@@ -18,7 +19,7 @@ struct PreferencesWindow {
   XwWindow* window = nullptr;
   XwWindow *server = nullptr, *recent = nullptr, *seconds = nullptr, *start = nullptr;
   XwWindow *hidden = nullptr, *ended = nullptr, *mine = nullptr;
-  XwWindow *cancel = nullptr, *save = nullptr;
+  XwWindow* save = nullptr;
   NameChoice printers;
   std::string printer;  // as chosen here
   Hits hits;
@@ -51,10 +52,8 @@ constexpr Area kHiddenArea{kField, 186, 280, 20}, kEndedArea{kField, 214, 280, 2
 constexpr Area kMineArea{kField, 238, 280, 20};
 constexpr int kSeparator = 276;
 constexpr Area kNote{kEdge, 288, kWidth - 2 * kEdge, 16};
-constexpr int kButtonTop = 316, kButtonWidth = 88, kButtonHeight = 26;
+constexpr int kButtonTop = 316;
 constexpr int kLeastSeconds = 1, kMostSeconds = 3600;
-// Of a modal dialog with a close box; it is not modal.
-constexpr int kWindowStyle = -256 + 3 + 32;
 constexpr int kMostHost = 40;  // characters, in a question
 
 PreferencesWindow* g_window;
@@ -226,44 +225,28 @@ void ChooseRecent(PreferencesWindow* w) {
 }
 
 void Report(PreferencesWindow* w, int id, int value) {
-  switch (id) {
-    case kRecentButton:
-      return ChooseRecent(w);
-    case kPrinterList:
-      w->printer = w->printers.At(value);
-      return;
-    case kCancel:
-      return ClosePreferences();
-    case kSave:
-      return Save(w);
-    default:
-      return;
-  }
+  if (id == kRecentButton) ChooseRecent(w);
+  if (id == kPrinterList) w->printer = w->printers.At(value);
 }
 
 int Handle(int type) {
   PreferencesWindow* w = g_window;
   if (!w) return 0;
-  switch (type) {
-    case XWE_EXPOSE:
+  switch (FormEventOf(type, kSave, kCancel)) {
+    case FormEvent::kDraw:
       Draw(w);
       break;
-    case XWE_CONTROL:
-      Report(w, Inp.item, int(Inp.value));
-      break;
-    case XWE_EDIT_CHANGED:
+    case FormEvent::kEdited:
       Update(w);
       break;
-    case XWE_EDIT_DONE:  // Tab ends it, too
-      if (XwGetKeyState(XWE_RETURN)) Save(w);
+    case FormEvent::kAccept:
+      Save(w);
       break;
-    case XWE_EDIT_SELECT:
-      if (!Inp.value && XwGetKeyState(XWE_ESCAPE)) ClosePreferences();
-      break;
-    case XWE_CLOSE:
+    case FormEvent::kCancel:
       ClosePreferences();
       break;
-    default:
+    case FormEvent::kOther:
+      if (type == XWE_CONTROL) Report(w, Inp.item, int(Inp.value));
       break;
   }
   return 0;
@@ -293,7 +276,6 @@ XwWindow* MakeCheck(XwWindow* window, const char* utf8, int id, const Area& a) {
 }
 
 void MakeControls(PreferencesWindow* w) {
-  constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
   const Remembered& r = w->console->remembered;
   w->server = MakeBox(w->window, "Server", kServerBox, kServerArea, !r.server_fixed);
   w->recent = XwButton(w->window, IC_SMALL_ARROW_DOWN, kRecentButton, 0, 0, 9, 9,
@@ -312,12 +294,7 @@ void MakeControls(PreferencesWindow* w) {
   MakeLabel(w->window, "Queue", kEndedArea);
   w->ended = MakeCheck(w->window, "Show jobs that have ended", kEndedBox, kEndedArea);
   w->mine = MakeCheck(w->window, "Show my jobs only", kMineBox, kMineArea);
-  w->cancel = XwButton(w->window, "Cancel", kCancel, 0, 0, 9, 9, kShown, 0);
-  w->save = XwButton(w->window, "Save", kSave, 0, 0, 9, 9, kShown, 0);
-  const int right = kWidth - kEdge - kButtonWidth;
-  PlaceControl(w->save, {right, kButtonTop, kButtonWidth, kButtonHeight});
-  PlaceControl(w->cancel, {right - 10 - kButtonWidth, kButtonTop, kButtonWidth, kButtonHeight});
-  XwSetDefaultButtons(w->window, w->save, w->cancel);
+  w->save = MakeFormButtons(w->window, "Save", kSave, kCancel, kWidth - kEdge, kButtonTop).accept;
 }
 
 void Fill(PreferencesWindow* w) {
@@ -339,7 +316,7 @@ void Fill(PreferencesWindow* w) {
 void ShowPreferences(Console* c) {
   if (c->asking) return;
   if (!g_window) {
-    XwWindow* window = XwCreate(kWindowStyle, 0, 0, kWidth, kHeight, Handle);
+    XwWindow* window = XwCreate(kFormStyle, 0, 0, kWidth, kHeight, Handle);
     if (!window) return;
     g_window = new PreferencesWindow;
     g_window->console = c;

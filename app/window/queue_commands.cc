@@ -111,6 +111,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   // The server's side tells the same a moment later.
   for (const NamedJob& job : jobs) c->state.pending.Begin(job.id, change.verb, 0);
   c->server.Change(jobs, change);
+  if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;
 }
 
@@ -158,7 +159,10 @@ void MoveJobs(Console* c, int by) {
   while (const NC_Job* other = rows.JobAt(row)) {
     const bool passes = std::string_view(other->printer) == edge->printer &&
                         !IsAtPrinter(other->state) && !HasEnded(other->state);
-    if (passes) return Reorder(c, ids, by < 0 ? row : row + 1);
+    if (passes) {
+      Reorder(c, ids, by < 0 ? row : row + 1);
+      return c->queue.FollowFocus();
+    }
     row += by;
   }
   TellWhy(c, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");

@@ -44,7 +44,7 @@ TEST(Printers, SayHowTheyAre) {
   } wanted[] = {
       {"a", "out of paper", "", "0 sheets", Tone::kBad},
       {"b", "stopped, takes no new jobs: the disk is full", "", "1,234 sheets", Tone::kBad},
-      {"c", "no paper, idle", "", "0 sheets", Tone::kBad},
+      {"c", "out of paper, idle", "", "0 sheets", Tone::kBad},
       {"hp 2", "printing, then paused", "1,200 jobs", "", Tone::kWarning},
       {"HP 10 with a v…ng name", "idle", "", "", Tone::kGood},
   };

@@ -12,7 +12,7 @@
 
 namespace support {
 
-// Waits until `done` is true, at most ten seconds; asks every few milliseconds. What it returns is
+// Waits until `done` is true, at most 25 seconds; asks every few milliseconds. What it returns is
 // what `done` said last.
 bool Eventually(const std::function<bool()>& done);
 

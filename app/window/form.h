@@ -1,0 +1,25 @@
+// The small windows with boxes to fill in, a button that accepts what is in them and Cancel.
+#pragma once
+
+#include "app/look/area.h"
+#include "toolkit/xw.h"
+
+namespace console {
+
+// Of a modal dialog with a close box; these windows are not modal.
+constexpr int kFormStyle = -256 + 3 + 32;
+
+// What an event of the window's handler asks for, with the ids of the two buttons. Return in a box
+// accepts, too; Escape in a box and the close box cancel.
+enum class FormEvent { kOther, kDraw, kEdited, kAccept, kCancel };
+FormEvent FormEventOf(int type, int accept, int cancel);
+
+// Makes the two buttons, which Return and Escape press. `right` and `top` are where the pair ends
+// and begins.
+struct FormButtons {
+  XwWindow *accept, *cancel;
+};
+FormButtons MakeFormButtons(XwWindow* window, const char* text, int accept, int cancel, int right,
+                            int top);
+
+}  // namespace console
