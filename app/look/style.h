@@ -51,8 +51,9 @@ void LineAtBottom(const Area& a);
 void LineAtRight(const Area& a);
 void LineAtLeft(const Area& a);
 
-// A bar that is `part` of `whole` full; on a selection it keeps its own background.
-void DrawProgress(const Area& a, int64_t part, int64_t whole, bool muted);
+// A bar that is `part` of `whole` full.
+enum class ProgressLook : uint8_t { kUsual, kMuted, kOnSelection };
+void DrawProgress(const Area& a, int64_t part, int64_t whole, ProgressLook look);
 // The warm ground of a strip over the status line, with a dot. The rest of it, for its words.
 Area DrawStrip(Area a, int32_t dot);
 // Below something round that lies over the rest.
