@@ -108,14 +108,15 @@ Area DrawStrip(Area a, int32_t dot) {
   return a;
 }
 
-void DrawProgress(const Area& a, int64_t part, int64_t whole, ProgressLook look) {
+void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground) {
   const Style& l = TheStyle();
-  const bool selected = look == ProgressLook::kOnSelection;
-  const int32_t bar = selected                       ? l.on_accent
-                      : look == ProgressLook::kMuted ? Mix(l.accent, l.track, 40)
-                                                     : l.accent;
-  XwRoundBox(a.x, a.y, a.w, a.h, a.h / 2, selected ? Mix(l.on_accent, l.accent, 35) : l.track,
-             selected ? -1 : l.progress_line);
+  const bool on_accent = ground == BarGround::kAccent;
+  const int32_t bar = on_accent                     ? l.on_accent
+                      : ground == BarGround::kMuted ? Mix(l.accent, l.track, 40)
+                                                    : l.accent;
+  const int32_t track = on_accent ? l.dark_accent : l.track;
+  XwRoundBox(a.x, a.y, a.w, a.h, a.h / 2, track,
+             on_accent ? Mix(l.on_accent, l.accent, 60) : l.progress_line);
   if (whole <= 0 || part <= 0) return;
   if (part > whole) part = whole;
   const int w = int(double(a.w) * (double(part) / double(whole)) + 0.5);

@@ -51,9 +51,10 @@ void LineAtBottom(const Area& a);
 void LineAtRight(const Area& a);
 void LineAtLeft(const Area& a);
 
+// What a bar lies on: a list's ground, the same while it is muted, or the accent of a selection.
+enum class BarGround : uint8_t { kPlain, kMuted, kAccent };
 // A bar that is `part` of `whole` full.
-enum class ProgressLook : uint8_t { kUsual, kMuted, kOnSelection };
-void DrawProgress(const Area& a, int64_t part, int64_t whole, ProgressLook look);
+void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground);
 // The warm ground of a strip over the status line, with a dot. The rest of it, for its words.
 Area DrawStrip(Area a, int32_t dot);
 // Below something round that lies over the rest.

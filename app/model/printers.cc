@@ -37,7 +37,8 @@ std::string StateOf(const NC_Printer& p) {
   std::string text = idle && p.reasons[0] ? "stopped" : nc::PrinterStateText(p.state);
   if (p.paused) text = idle ? "paused" : text + ", then paused";
   // What it needs stands first, where a narrow pane shows it.
-  if (NeedsPaper(p) && p.state != NC_PRINTER_PAPER_OUT) text = "no paper, " + text;
+  if (NeedsPaper(p) && p.state != NC_PRINTER_PAPER_OUT)
+    text = std::string(nc::PrinterStateText(NC_PRINTER_PAPER_OUT)) + ", " + text;
   if (!p.accepting) text += ", takes no new jobs";
   if (p.reasons[0]) text += ": " + Shown(nc::ReasonsText(p.reasons));
   return text;

@@ -24,8 +24,8 @@ struct RowWords {
   bool HasBar() const { return progress.whole > 0; }
   const std::string& ShownText() const { return HasBar() ? progress.text : text; }
 };
-// `pending` is what is being done to it.
-RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending);
+// `pending` is what is being done to it; for `lacks_paper` see LacksPaper.
+RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending, bool lacks_paper = false);
 RowWords WordsOfOutgoing(const Outgoing& out);
 
 // A fact of a job, for the list of its details.
@@ -34,9 +34,10 @@ struct Fact {
   Tone tone = Tone::kPlain;
 };
 // What is known of it, each once, without what is not.
-std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now);
+std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now, bool lacks_paper = false);
 std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now);
 // Of several together.
-std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids);
+std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids,
+                                 const std::vector<NC_Printer>& printers = {});
 
 }  // namespace console

@@ -32,10 +32,7 @@ std::string NeedsPane::Text() const {
   if (ChosenIsGone()) return printers.WhyNotPrint();
   const auto all = printers.WithoutPaper();
   if (all.empty()) return "";
-  const NC_Printer& first = *all.front()->printer;
-  const bool stands = first.state == NC_PRINTER_PAPER_OUT;
-  const std::string text =
-      Quoted(first.name) + (stands ? " is out of paper" : " has no paper left");
+  const std::string text = Quoted(all.front()->printer->name) + " is out of paper";
   return all.size() == 1 ? text
                          : text + ", and so " + (all.size() == 2 ? "is " : "are ") +
                                NumberOf(int64_t(all.size()) - 1, "other printer", "other printers");

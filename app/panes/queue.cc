@@ -12,10 +12,14 @@
 namespace console {
 namespace {
 
+RowWords WordsOfJobIn(const QueuePane* p, const NC_Job& job) {
+  return WordsOfJob(job, p->state.pending.Of(QueueIdOf(job).job),
+                    LacksPaper(job, *p->state.printers));
+}
+
 void DrawCell(const QueuePane* p, int row, int column, const CellLook& cell) {
   if (const NC_Job* job = p->rows.JobAt(row))
-    DrawJobCell(*job, WordsOfJob(*job, p->state.pending.Of(QueueIdOf(*job).job)),
-                QueueColumn(column), cell);
+    DrawJobCell(*job, WordsOfJobIn(p, *job), QueueColumn(column), cell);
   else if (const Outgoing* out = p->rows.OutgoingAt(row))
     DrawOutgoingCell(*out, QueueColumn(column), cell);
 }
@@ -25,7 +29,7 @@ Words WordsOfRow(const QueuePane* p, int row) {
     return {XWA_ROW, 0, Shown(out->document), WordsOfOutgoing(*out).ShownText()};
   const NC_Job* job = p->rows.JobAt(row);
   if (!job) return {};
-  const RowWords words = WordsOfJob(*job, p->state.pending.Of(QueueIdOf(*job).job));
+  const RowWords words = WordsOfJobIn(p, *job);
   return {XWA_ROW, 0, Shown(job->document), words.ShownText()};
 }
 
@@ -70,7 +74,7 @@ void QueuePane::AddHits(Hits* hits) const {
 void QueuePane::Draw(const Hit& hover, bool focused) {
   table.SetFocused(focused);
   table.SetMuted(state.link != Link::kReady);
-  head.Draw(layout.queue_head, rows.Summary());
+  head.Draw(layout.queue_head, rows.Summary(*state.printers));
   table.Draw(hover);
 }
 
@@ -90,6 +94,21 @@ void QueuePane::Fill() {
   }
   rows.Show(state.listed ? state.jobs : nullptr, OutgoingNow());
   Renewed();
+  ShowFollowed();
+}
+
+void QueuePane::FollowFocus() {
+  followed_row_ = table.focus();
+  if (followed_row_ >= 0) followed_ = rows.IdAt(followed_row_);
+}
+
+// Until its change has been answered, or the keyboard has gone to another row.
+void QueuePane::ShowFollowed() {
+  if (followed_row_ < 0) return;
+  const int row = table.focus();
+  const bool stays = row >= 0 && rows.IdAt(row) == followed_;
+  if (stays && row != followed_row_) table.Reveal(row);
+  followed_row_ = stays && state.pending.Of(followed_.job) ? row : -1;
 }
 
 void QueuePane::ShowProgress() {

@@ -25,6 +25,9 @@ struct QueuePane {
   void Fill();
   // How far transfers have come.
   void ShowProgress();
+  // Somebody has put the row with the keyboard elsewhere in the order: it is scrolled to when a
+  // list shows it there.
+  void FollowFocus();
 
   void Sort(QueueOrder order, bool descending);
   // The head of a column was pressed: it sorts, then the other way round, then as the queue prints.
@@ -49,6 +52,10 @@ struct QueuePane {
   std::vector<Outgoing> OutgoingNow() const;
   // The rows are others: the table and the selection follow.
   void Renewed();
+  void ShowFollowed();
+
+  QueueId followed_;
+  int followed_row_ = -1;  // where it was, -1: none is followed
 };
 
 }  // namespace console

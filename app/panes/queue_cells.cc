@@ -44,11 +44,11 @@ void DrawProgressCell(const RowWords& words, const CellLook& cell) {
   if (!words.HasBar()) return DrawLabel(l.view, cell.align, cell.area, words.text, ink);
   Area a = cell.area;
   const Area bar = a.TakeLeft(kBar);
-  const ProgressLook look = cell.selected ? ProgressLook::kOnSelection
-                            : cell.muted  ? ProgressLook::kMuted
-                                          : ProgressLook::kUsual;
   DrawProgress({bar.x, bar.y + (bar.h - 10) / 2, bar.w, 10}, words.progress.part,
-               words.progress.whole, look);
+               words.progress.whole,
+               cell.selected ? BarGround::kAccent
+               : cell.muted  ? BarGround::kMuted
+                             : BarGround::kPlain);
   a.TakeLeft(10);
   DrawLabel(l.small_text, Align::kLeft, a, words.progress.text,
             words.tone == Tone::kPlain ? cell.second : ink);

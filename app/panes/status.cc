@@ -66,7 +66,7 @@ void DrawSending(const StatusPane* p, const Transfer& t) {
   Area a = SendingArea(p);
   a.TakeRight(p->layout.stop_sending.w + 6);
   const Area bar = a.TakeRight(kBar);
-  DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, ProgressLook::kUsual);
+  DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, BarGround::kPlain);
   a.TakeRight(10);
   const int64_t percent = t.total > 0 ? t.sent * 100 / t.total : 0;
   const std::string tail = ", " + std::to_string(percent) + " %";

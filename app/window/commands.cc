@@ -274,11 +274,16 @@ int CommandOfKey(const Console* c, int type) {
   return 0;
 }
 
-void TellWhyNot(Console* c, int id) {
+bool ConcernsJobs(int id) {
   const Command* command = Find(id);
-  if (!command || c->asking || !command->more.why_not) return;
-  const std::string why = command->more.why_not(c);
-  if (!why.empty()) Tell(c, true, why);
+  return command && command->more.contexts & kOnJobs;
+}
+
+void TellWhyNot(Console* c, int id, int key) {
+  constexpr int kRepeats = 2;
+  const Command* command = Find(id);
+  if (!command || c->asking || !command->more.why_not || XwGetKeyState(key) == kRepeats) return;
+  TellWhy(c, command->more.why_not(c));
 }
 
 void OpenContextMenu(Console* c, ContextMenu context) {

@@ -34,8 +34,12 @@ void RunFunctionKey(Console* c);
 int CommandOfKey(const Console* c, int type);
 // "Ctrl+Shift+H"; "" for no key.
 std::string KeyText(int key, uint32_t modifiers);
-// A key of a command that cannot be run: the status line says why, where there is a reason.
-void TellWhyNot(Console* c, int command);
+// Whether it is one of those for the selected jobs.
+bool ConcernsJobs(int command);
+// A key of a command that cannot be run: the status line says why, where there is a reason. What
+// the command has done itself may be the reason while its key is held, so that one that repeats
+// says nothing.
+void TellWhyNot(Console* c, int command, int key);
 // At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.
 void OpenContextMenu(Console* c, ContextMenu context);
 // The same below what is selected where the keyboard is; nothing elsewhere.

@@ -125,8 +125,18 @@ void FilesKey(Console* c, int type) {
   SelectionChanged(c, true);
 }
 
+// What is done to jobs by a key is seen: the row with the keyboard is scrolled to first.
+void ShowRowFor(Console* c, int command) {
+  if (c->stop != FocusStop::kQueue || !ConcernsJobs(command) || c->queue.table.HoldsRow()) return;
+  c->queue.table.Reveal(c->queue.table.focus());
+  c->damage |= kQueuePane;
+  DrawConsole(c);
+}
+
 void QueueKey(Console* c, int type) {
-  if (type == ' ') RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
+  if (type != ' ') return;
+  ShowRowFor(c, kHoldCommand);
+  RunCommand(c, CanRun(c, kHoldCommand) ? kHoldCommand : kReleaseCommand);
 }
 
 // What the control there has not taken.
@@ -174,12 +184,18 @@ void Key(Console* c, int type) {
     if (const int command = CommandOfMenuKey(type, c->modifiers)) return RunCommand(c, command);
   }
   if (c->modifiers & XWS_CONTROL) {
-    // Those of menus come from there, as commands.
-    if (!CommandOfMenuKey(type, c->modifiers)) TableKey(c, type);
+    // Those of menus come from there, as commands; one that is greyed there does not come.
+    if (const int command = CommandOfMenuKey(type, c->modifiers)) {
+      ShowRowFor(c, command);
+      TellWhyNot(c, command, type);
+    } else {
+      TableKey(c, type);
+    }
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
-    TellWhyNot(c, command);
+    ShowRowFor(c, command);
+    TellWhyNot(c, command, type);
     return RunCommand(c, command);
   }
   if (c->modifiers & XWS_COMMAND) {
@@ -422,6 +438,11 @@ void CloseConsole(Console* c) {
 
 void Tell(Console* c, bool good, const std::string& utf8) {
   c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
+  c->damage |= kStatusPane;
+}
+
+void TellWhy(Console* c, const std::string& utf8) {
+  c->status.TellReason(utf8);
   c->damage |= kStatusPane;
 }
 

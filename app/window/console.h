@@ -175,6 +175,9 @@ Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
+// Why something cannot be done: it stays until it is read, or until the next such reason. "":
+// nothing is told.
+void TellWhy(Console* c, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);
@@ -302,7 +305,9 @@ void NotePanes(const Console* c, Preferences* p);
 // It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
-// The server that does not answer would run here, and none is being started.
+// The server that does not answer would run here, and none is being started; else why that is not
+// so: a sentence without its full stop.
+std::string WhyNotStartServer(const Console* c);
 bool CanStartServer(const Console* c);
 // In the background; the status line says what came of it.
 void StartServer(Console* c);
@@ -353,16 +358,18 @@ SentFile FileOfJob(const Console* c);
 void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
-bool CanPrint(const Console* c);
 // How documents are printed now: an order without one.
 PrintOrder UsualOrder(const Console* c);
 // Queues them and says how many; `left_out` of those that were meant are none.
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
 // Those of the last time that still wait to be sent.
+std::string WhyNotCancelQueued(const Console* c);
 bool CanCancelQueued(const Console* c);
 void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
+// The same, and why nothing of the folder is printed.
+std::string WhyNotPrintSelected(const Console* c);
 // All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
 // Of the table that has the keyboard.

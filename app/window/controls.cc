@@ -192,14 +192,15 @@ void UseControl(Console* c, int id, int value) {
   if (c->details.scroll.Scrolled(id, value)) c->damage |= kDetailsPane;
 }
 
-bool CanPrint(const Console* c) {
-  return c->files.Chosen().files > 0;
-}
-
 // Before the printers are known the document waits for the server, and goes to its default.
 std::string WhyNotPrint(const Console* c) {
   if (c->choice.no_copies) return "Copies is a number from 1 to " + NumberText(kMostCopies);
   return c->printers.known() ? c->printers.WhyNotPrint() : "";
+}
+
+std::string WhyNotPrintSelected(const Console* c) {
+  const std::string why = WhyNotPrint(c);
+  return why.empty() && c->files.Chosen().files == 0 ? "No file is selected" : why;
 }
 
 PrintOrder UsualOrder(const Console* c) {
@@ -243,11 +244,15 @@ void PrintSelected(Console* c) {
   c->damage |= kToolsPane | kDetailsPane;
 }
 
-bool CanCancelQueued(const Console* c) {
+std::string WhyNotCancelQueued(const Console* c) {
   for (const Transfer& t : c->state.transfers)
     if (t.number >= c->first_queued && t.number <= c->last_queued && t.state == Sending::kWaiting)
-      return true;
-  return false;
+      return "";
+  return "None of the documents that were queued last waits to be sent";
+}
+
+bool CanCancelQueued(const Console* c) {
+  return WhyNotCancelQueued(c).empty();
 }
 
 void CancelQueued(Console* c) {

@@ -76,8 +76,7 @@ bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
 void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
   std::string why;
   const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
-  if (steps.empty() && !why.empty()) Tell(c, true, why);
-  if (steps.empty()) return;
+  if (steps.empty()) return TellWhy(c, why);
   for (const Reordering& step : steps) c->state.pending.Begin(step.job, Verb::kReorder, 0);
   c->server.Reorder(steps);
   c->damage |= kQueuePane;
@@ -98,7 +97,7 @@ void ChangeJobs(Console* c, const JobChange& change) {
 void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& change) {
   const VerbCheck check =
       CheckVerb(change.verb, c->queue.rows, ids, c->state.pending, c->state.link == Link::kReady);
-  if (!check.possible()) return Tell(c, true, check.why_not);
+  if (!check.possible()) return TellWhy(c, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
   std::vector<JobId> jobs;
   for (const QueueId& id : check.on) {
@@ -112,6 +111,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   // The server's side tells the same a moment later.
   for (const JobId& job : jobs) c->state.pending.Begin(job, change.verb, 0);
   c->server.Change(jobs, change);
+  if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;
 }
 
@@ -159,10 +159,13 @@ void MoveJobs(Console* c, int by) {
   while (const NC_Job* other = rows.JobAt(row)) {
     const bool passes = std::string_view(other->printer) == edge->printer &&
                         !IsAtPrinter(other->state) && !HasEnded(other->state);
-    if (passes) return Reorder(c, ids, by < 0 ? row : row + 1);
+    if (passes) {
+      Reorder(c, ids, by < 0 ? row : row + 1);
+      return c->queue.FollowFocus();
+    }
     row += by;
   }
-  Tell(c, true, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
+  TellWhy(c, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
 }
 
 void DropJobs(Console* c, int gap) {

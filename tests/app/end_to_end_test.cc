@@ -274,7 +274,7 @@ TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
     keys Escape Control+p
     see status Attention = “Tray” is out of paper
     keys Control+l
-    see job c.txt #2 has out of paper, 4 of 196
+    see job c.txt #2 has 4 of 196, out of paper
     agree
     keys Control+,
     see text-field Ask every is focused
@@ -339,7 +339,7 @@ TEST_F(EndToEnd, FortyPrintersAreChosenPausedAndFilled) {
     see job five.txt has out of paper
     agree
     click button Paper Loaded
-    see job five.txt has out of paper, 4 of 5
+    see job five.txt has 4 of 5, out of paper
     agree
     keys Control+l
     see job five.txt = printed

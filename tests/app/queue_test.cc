@@ -144,6 +144,33 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   EXPECT_EQ(testing_daemon::Order(fd_), "a d c b ");
 }
 
+TEST_F(QueueTest, AJobThatIsPutElsewhereStaysInSight) {
+  std::vector<std::string> names;
+  for (char name = 'a'; name <= 'z'; ++name) names.emplace_back(1, name);
+  OpenWith(names);
+  Table& table = c_->queue.table;
+  const auto shows = [&table](int row) {
+    return table.RowArea(row).y >= table.Body().y &&
+           table.RowArea(row).bottom() <= table.Body().bottom();
+  };
+  table.Select(25);
+  ASSERT_FALSE(shows(1));
+  ChangeJobs(c_, {Verb::kPriority, 100});
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.RowOf(Id("z")) == 1; }));
+  ASSERT_TRUE(Settled());
+  EXPECT_TRUE(shows(1));
+
+  // A list that comes by itself scrolls nothing, and a key shows what it acts on.
+  table.ScrollTo(table.RowArea(25).bottom());
+  testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
+  EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
+  c_->server.Refresh();
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 25; }));
+  EXPECT_FALSE(shows(1));
+  Key('h', 'h');
+  EXPECT_TRUE(shows(1));
+}
+
 // Another console removed the job before which one was to stand.
 TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   OpenWith({"a", "b", "d"});

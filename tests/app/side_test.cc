@@ -170,6 +170,18 @@ TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   Turn(2);
   EXPECT_EQ(Node("Attention").what.value, "");
+  // The key of a greyed command says why, until that is read; one that is held says it once.
+  Enter(home_.At("Empty"));
+  display::Modifiers(platform::controlKey);
+  display::KeyDown('p', 'p');
+  display::KeyDown('p', 'p');
+  display::KeyUp('p', 'p');
+  display::Modifiers(0);
+  Turn(400);
+  EXPECT_EQ(c_->status.message().text, "No file is selected");
+  EXPECT_EQ(c_->button_tips.front(), "No file is selected");
+  Key(0xFF1B);
+  EXPECT_FALSE(c_->status.HasError());
 }
 
 // The preferences lie in a file below the home folder.
