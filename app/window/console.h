@@ -133,6 +133,7 @@ struct Console {
   Server server;
   ServerState state;
   int last_notice = 0;                    // that was shown
+  std::vector<Arrival> sent;              // from this window, the last ones last
   int just_sent = 0;                      // orders that are not yet in the state
   int first_queued = 0, last_queued = 0;  // numbers of the last orders that were given together
   PrintChoice choice;
@@ -350,6 +351,10 @@ void UpdateLists();
 void UpdatePreview(Console* c);
 // One is there.
 void TakePreview(Console* c);
+// Keeps which files the jobs that have just arrived are.
+void NoteSent(Console* c);
+// The file of the only job that is selected; no path where it is not known.
+SentFile FileOfJob(const Console* c);
 // The same, as the result of a background task.
 void ShowPreview(void* data, int taken);
 
