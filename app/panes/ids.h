@@ -61,6 +61,7 @@ enum CommandId {
   kPrintOnCommand,
   kNextProfileCommand,
   kNextMediaCommand,
+  kNextCopiesCommand,
   kNextPriorityCommand,
   kColourCommand,
   kHoldNextCommand,

@@ -113,7 +113,7 @@ void ToolsPane::Draw(const Layout& l) const {
   DrawLabel(s.normal, Align::kRight, l.printer_label, "Printer", s.ink);
   DrawLabel(s.normal, Align::kRight, l.profile_label, "Profile", s.ink);
   DrawLabel(s.normal, Align::kRight, l.media_label, "Media", s.ink);
-  DrawLabel(s.normal, Align::kRight, l.copies_label, "Copies", s.ink);
+  DrawLabel(s.normal, Align::kRight, l.copies_label, "Copies", choice_->no_copies ? s.bad : s.ink);
   DrawLabel(s.normal, Align::kRight, l.priority_label, "Priority", s.ink);
   DrawLabel(s.view, Align::kRight, l.priority, std::to_string(choice_->priority), s.second);
 }
@@ -140,16 +140,17 @@ bool ToolsPane::Chosen(int id, int value) {
   }
 }
 
+// What is no number of copies stays to be seen, until another one is typed or chosen.
 void ToolsPane::Edited(int type) {
-  if (type == XWE_EDIT_CHANGED) {
-    const int n = XwGetValue(copies);
-    choice_->no_copies = n < 1 || n > kMostCopies;
-    choice_->copies = choice_->no_copies ? 1 : n;
-  } else {
-    // What is no number of copies gives place to the one that counts.
-    choice_->no_copies = false;
-    XwSetValue(copies, choice_->copies);
-  }
+  const int n = NumberIn(copies, kMostCopies);
+  choice_->no_copies = n == 0;
+  if (n > 0) choice_->copies = n;
+  if (n > 0 && type != XWE_EDIT_CHANGED) XwSetValue(copies, n);
+}
+
+void ToolsPane::PutBackCopies() {
+  choice_->no_copies = false;
+  XwSetValue(copies, choice_->copies);
 }
 
 void ToolsPane::ChangeCopies(int by) {
@@ -164,7 +165,7 @@ void ToolsPane::ChangePriority(int by) {
 }
 
 void ToolsPane::ShowChoice() {
-  XwSetValue(copies, choice_->copies);
+  if (!choice_->no_copies) XwSetValue(copies, choice_->copies);
   XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
   if ((XwGetValue(hold) == 1) != choice_->hold) XwSetValue(hold, choice_->hold);
   if (XwGetValue(colour) != ColorOf(choice_->colour)) XwSetValue(colour, ColorOf(choice_->colour));

@@ -29,6 +29,8 @@ class ToolsPane {
   bool Chosen(int id, int value);
   // 788 to 790 of the box of the copies.
   void Edited(int type);
+  // The box shows the number that counts again.
+  void PutBackCopies();
   void ChangeCopies(int by);
   void ChangePriority(int by);
   // The controls show what the choice is, after it was changed from elsewhere.

@@ -117,6 +117,8 @@ constexpr Command kCommands[] = {
         {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
     Row(kNextMediaCommand, kFileMenu, "On Media", nullptr, nullptr,
         {.contexts = kOnOptions, .choices = NextMediaChoices, .choose = ChooseNextMedia}),
+    Row(kNextCopiesCommand, kFileMenu, "Copies", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextCopiesChoices, .choose = ChooseNextCopies}),
     Row(kNextPriorityCommand, kFileMenu, "At Priority", nullptr, nullptr,
         {.contexts = kOnOptions, .choices = NextPriorityChoices, .choose = ChooseNextPriority}),
     Row(kColourCommand, kFileMenu, "Colour…", nullptr, ChooseColour, {.contexts = kOnOptions}),

@@ -185,9 +185,9 @@ void Key(Console* c, int type) {
   if (c->modifiers & XWS_CONTROL) {
     // Those of menus come from there, as commands.
     const int command = CommandOfMenuKey(type, c->modifiers);
-    if (command) return ShowRowFor(c, command);
-    TableKey(c, type);
-    return;
+    if (!command) return void(TableKey(c, type));
+    ShowRowFor(c, command);
+    return TellWhyNot(c, command);
   }
   if (const int command = CommandOfKey(c, type)) {
     ShowRowFor(c, command);

@@ -1,6 +1,5 @@
 // The window of preferences. What is chosen there counts once it is saved.
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 
 #include "app/format/cut.h"
@@ -54,7 +53,7 @@ constexpr Area kMineArea{kField, 238, 280, 20};
 constexpr int kSeparator = 276;
 constexpr Area kNote{kEdge, 288, kWidth - 2 * kEdge, 16};
 constexpr int kButtonTop = 316;
-constexpr int kLeastSeconds = 1, kMostSeconds = 3600;
+constexpr int kMostSeconds = 3600;
 constexpr int kMostHost = 40;  // characters, in a question
 
 PreferencesWindow* g_window;
@@ -79,11 +78,7 @@ bool ServerIsGood(const PreferencesWindow* w) {
 
 // 0 when it is none.
 int SecondsOf(const PreferencesWindow* w) {
-  const std::string text = TextOf(w->seconds);
-  int n = 0;
-  const auto end = std::from_chars(text.data(), text.data() + text.size(), n);
-  const bool whole = end.ec == std::errc() && end.ptr == text.data() + text.size();
-  return whole && n >= kLeastSeconds && n <= kMostSeconds ? n : 0;
+  return NumberIn(w->seconds, kMostSeconds);
 }
 
 struct Line {

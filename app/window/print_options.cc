@@ -8,6 +8,7 @@ namespace console {
 namespace {
 
 constexpr int kPriorities[] = {10, 25, 50, 75, 100};
+constexpr int kCopies[] = {1, 2, 3, 4, 5, 6, 8, 10, 12, 15, 20, 25, 50, 100};
 
 struct Colour {
   const char* name;
@@ -80,6 +81,23 @@ std::vector<CommandChoice> NextMediaChoices(const Console* c) {
 }
 void ChooseNextMedia(Console* c, int choice) {
   c->choice.media = NameOf(MediaNames(c), choice);
+  Changed(c);
+}
+
+std::vector<CommandChoice> NextCopiesChoices(const Console* c) {
+  std::vector<CommandChoice> choices;
+  for (const int n : kCopies)
+    choices.push_back({std::to_string(n), n == c->choice.copies && !c->choice.no_copies});
+  choices.push_back({"Other…"});
+  return choices;
+}
+void ChooseNextCopies(Console* c, int choice) {
+  if (choice == int(std::size(kCopies))) return AskNextCopies(c);
+  if (choice < int(std::size(kCopies))) SetNextCopies(c, kCopies[choice]);
+}
+void SetNextCopies(Console* c, int copies) {
+  c->choice.copies = copies;
+  c->choice.no_copies = false;
   Changed(c);
 }
 
