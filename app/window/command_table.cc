@@ -48,16 +48,41 @@ bool IsSending(const Console* c) {
 
 // --- Printers
 
+template <PrinterVerb verb, Which which>
+bool CanDo(const Console* c) {
+  return CanDoToPrinter(c, which, verb);
+}
+template <PrinterVerb verb, Which which>
+std::string WhyNotDo(const Console* c) {
+  return WhyNotToPrinter(c, which, verb);
+}
+template <PrinterVerb verb, Which which>
+void DoTo(Console* c) {
+  DoToPrinter(c, which, verb);
+}
+
+// In the menu of a printer.
 template <PrinterVerb verb>
 constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = false) {
+  constexpr Which at = Which::kAt;
   return {id,
           kNoMenu,
           name,
-          [](const Console* c) { return CanDoToPrinter(c, verb); },
-          [](Console* c) { DoToPrinter(c, verb); },
-          {.group = group, .contexts = kOnPrinters, .why_not = [](const Console* c) {
-             return WhyNotToPrinter(c, verb);
-           }}};
+          CanDo<verb, at>,
+          DoTo<verb, at>,
+          {.group = group, .contexts = kOnPrinters, .why_not = WhyNotDo<verb, at>}};
+}
+// The same of the chosen printer, which the menu of the queue names.
+template <PrinterVerb verb>
+constexpr Command ChosenPrinterRow(CommandId id, const char* name,
+                                   std::string (*text)(const Console*)) {
+  constexpr Which chosen = Which::kChosen;
+  return {id,
+          kQueueMenu,
+          name,
+          CanDo<verb, chosen>,
+          DoTo<verb, chosen>,
+          {.text = text, .why_not = WhyNotDo<verb, chosen>}};
 }
 
 void StopSending(Console* c) {
@@ -206,16 +231,28 @@ constexpr Command kCommands[] = {
 
     Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", WantsPaper, LoadPaper,
         {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
+    ChosenPrinterRow<PrinterVerb::kPause>(
+        kPauseChosenCommand, "Pause Printer",
+        [](const Console* c) { return ChosenPrinterText(c, "Pause"); }),
+    ChosenPrinterRow<PrinterVerb::kResume>(
+        kResumeChosenCommand, "Resume Printer",
+        [](const Console* c) { return ChosenPrinterText(c, "Resume"); }),
+    ChosenPrinterRow<PrinterVerb::kRefuseJobs>(
+        kRefuseChosenCommand, "Refuse New Jobs",
+        [](const Console* c) { return ChosenPrinterText(c, "Refuse New Jobs for"); }),
+    ChosenPrinterRow<PrinterVerb::kTakeJobs>(
+        kTakeChosenCommand, "Take New Jobs",
+        [](const Console* c) { return ChosenPrinterText(c, "Take New Jobs for"); }),
     PrinterVerbRow<PrinterVerb::kPause>(kPausePrinterCommand, "Pause"),
     PrinterVerbRow<PrinterVerb::kResume>(kResumePrinterCommand, "Resume"),
     PrinterVerbRow<PrinterVerb::kRefuseJobs>(kRefuseJobsCommand, "Refuse New Jobs", true),
     PrinterVerbRow<PrinterVerb::kTakeJobs>(kTakeJobsCommand, "Take New Jobs"),
     PrinterVerbRow<PrinterVerb::kPaperLoaded>(kPaperLoadedCommand, "Paper Loaded", true),
-    Row(kMoveAllJobsCommand, kNoMenu, "Move All Jobs to",
-        [](const Console* c) { return CanDoToPrinter(c, PrinterVerb::kMoveJobs); }, nullptr,
+    Row(kMoveAllJobsCommand, kNoMenu, "Move All Jobs to", CanDo<PrinterVerb::kMoveJobs, Which::kAt>,
+        nullptr,
         {.group = true,
          .contexts = kOnPrinters,
-         .why_not = [](const Console* c) { return WhyNotToPrinter(c, PrinterVerb::kMoveJobs); },
+         .why_not = WhyNotDo<PrinterVerb::kMoveJobs, Which::kAt>,
          .choices = MoveChoices,
          .choose = MoveAllJobs}),
     PrinterVerbRow<PrinterVerb::kMakeMine>(kMakeMineCommand, "Make My Default", true),
