@@ -53,6 +53,7 @@ enum CommandId {
   kMakeMineCommand,
   kLoadPaperCommand,
   kGoToPrintersCommand,
+  kNextPaneCommand,
   kShowPlacesCommand,
   kShowPrintersCommand,
   kShowDetailsCommand,

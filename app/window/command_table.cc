@@ -258,6 +258,9 @@ constexpr Command kCommands[] = {
     PrinterVerbRow<PrinterVerb::kMakeMine>(kMakeMineCommand, "Make My Default", true),
     Row(kGoToPrintersCommand, kNoMenu, "Choose Printer", nullptr, GoToPrinters),
 
+    Row(kNextPaneCommand, kNoMenu, "Next Pane", nullptr, GoToNextPane,
+        {.plain_key = XWE_F1 + 5, .where = kEverywhere}),
+
     Row(kShowPlacesCommand, kViewMenu, "Places", nullptr, TogglePlaces,
         {.key = '7', .checked = ShowsPlaces}),
     Row(kShowPrintersCommand, kViewMenu, "Printers", nullptr, TogglePrinters,
