@@ -19,14 +19,21 @@ void Notices::Tell(Message message, int64_t now_ms) {
     until_ms_ = now_ms + kMessageMs;
     return;
   }
-  const auto same = std::find_if(errors_.begin(), errors_.end(),
-                                 [&](const Error& e) { return e.text == message.text; });
+  const auto same = std::find_if(errors_.begin(), errors_.end(), [&](const Error& e) {
+    return !e.reason && e.text == message.text;
+  });
   if (same != errors_.end())
     ++same->times;
   else if (errors_.size() < kMostErrors)
-    errors_.push_back({message.tone, std::move(message.text), 1});
+    errors_.push_back({message.tone, std::move(message.text), 1, false});
   else
     ++left_out_;
+}
+
+void Notices::TellReason(std::string text) {
+  if (text.empty()) return;
+  if (!errors_.empty() && errors_.front().reason) errors_.pop_front();
+  errors_.push_front({Tone::kWarning, std::move(text), 1, true});
 }
 
 void Notices::Read() {

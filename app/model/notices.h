@@ -23,6 +23,9 @@ class Notices {
   // An error or a warning is kept until Read; one that is there already is counted. Anything else
   // stands for some seconds, until the next one.
   void Tell(Message message, int64_t now_ms);
+  // Why what somebody has just asked for cannot be done, "": nothing. It is kept until Read, too,
+  // but shown at once, before the errors, in place of an earlier such reason.
+  void TellReason(std::string text);
   // The error or warning that is shown has been read: the next one comes.
   void Read();
   // The message that stands for some seconds goes at once.
@@ -32,7 +35,8 @@ class Notices {
   void Progress(const std::string& key, std::string text);
   void EndProgress(const std::string& key);
 
-  // What the line shows at this time: the oldest error or warning, else the message, else nothing.
+  // What the line shows at this time: the reason, else the oldest error or warning, else the
+  // message, else nothing.
   Message Shown(int64_t now_ms) const;
   bool HasError() const { return !errors_.empty(); }
   int errors() const { return int(errors_.size()) + left_out_; }
@@ -45,6 +49,7 @@ class Notices {
     Tone tone;
     std::string text;
     int times;
+    bool reason = false;
   };
   struct Line {
     std::string key, text;

@@ -66,7 +66,7 @@ class Selection {
     return only;
   }
 
-  // The button goes down on a row, -1: beside all of them, which leaves no row the keyboard. On a
+  // The button goes down on a row, -1: below all of them, which leaves no row the keyboard. On a
   // row that is selected, without keys, the others stay until it comes up, since all of them may be
   // about to be dragged away.
   template <class Rows>
@@ -74,9 +74,12 @@ class Selection {
     pressed_.reset();
     before_ = {{}, focus_, anchor_};
     adds_ = keys.control;
-    dragging_ = row >= 0 && row < rows.count();
-    if (!dragging_) {
-      if (!keys.shift && !keys.control) Set({});
+    dragging_ = true;
+    below_ = row < 0 || row >= rows.count();
+    if (below_) {
+      adds_ = keys.shift || keys.control;
+      before_.ids = ids_;
+      if (!adds_) Set({});
       return;
     }
     const Id& id = rows.IdAt(row);
@@ -108,8 +111,8 @@ class Selection {
     dragging_ = false;
   }
   // The pointer is drawn over rows to this one, since a Press: the range from there is selected,
-  // beside what Control kept. A row past the last one is the last one. Nothing after a Press beside
-  // the rows.
+  // beside what Control kept. A row past the last one is the last one. After a Press below the
+  // rows the range begins at the last row, and is empty as long as this is past it.
   template <class Rows>
   void DragTo(const Rows& rows, int row) {
     if (!dragging_ || rows.count() == 0) return;
@@ -117,7 +120,14 @@ class Selection {
       anchor_ = std::exchange(pressed_, std::nullopt);
       before_.ids = std::move(ids_);
     }
+    if (below_ && row >= rows.count()) {
+      ids_ = adds_ ? before_.ids : Ids();
+      focus_ = adds_ ? before_.focus : std::nullopt;
+      anchor_ = adds_ ? before_.anchor : std::nullopt;
+      return;
+    }
     row = std::clamp(row, 0, rows.count() - 1);
+    if (below_) anchor_ = rows.IdAt(rows.count() - 1);
     const int from = Anchor(rows, row);
     ids_ = adds_ ? before_.ids : Ids();
     Add(rows, from, row);
@@ -220,8 +230,8 @@ class Selection {
 
   Ids ids_;
   Before before_;
-  bool adds_ = false;  // a drag adds its range to those
-  bool dragging_ = false;
+  bool adds_ = false;                           // a drag adds its range to those
+  bool dragging_ = false, below_ = false;       // below: the press was below the rows
   std::optional<Id> focus_, anchor_, pressed_;  // pressed: selected alone when the button comes up
 };
 

@@ -8,6 +8,7 @@
 #include "app/look/style.h"
 #include "app/panes/document_picture.h"
 #include "app/panes/facts.h"
+#include "app/panes/ids.h"
 #include "app/panes/job_details.h"
 #include "app/panes/queue_cells.h"
 #include "app/panes/tools.h"
@@ -15,13 +16,10 @@
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kPadding = 16, kBelowPrinter = 10;
-// Of a picture: below it is a line that says why there is none, and six facts.
-constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kFacts = 6 * 20;
-
-std::vector<std::string> NameLines(const FolderEntry& e, const Area& a) {
-  return FactLines(Shown(e.name), a.w);
-}
+constexpr int kCaption = 38, kPrinterCaption = 32, kPadding = 16, kBelow = 10;
+// Of a picture: what it has at least, where the rest scrolls. Below it is a line that says why
+// there is none, and six facts.
+constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kFacts = 6 * kFactLine;
 
 // The chosen one, as the list of the printers tells it.
 std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
@@ -34,20 +32,9 @@ std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
           {"Paper", row->paper.empty() ? "enough" : row->paper}};
 }
 
-// The height of the printer's part. The list of the printers tells all of them while it shows, and
-// a job names its own printer.
-int PrinterHeight(const DetailsPane* pane) {
-  if (!pane->layout.printers.Empty() || pane->jobs) return 0;
-  const int width = pane->layout.details.Inset(kPadding, 0).w;
-  return kCaption + std::max(kFactLine, FactsHeight(FactsOfPrinter(pane), width)) + kBelowPrinter;
-}
-
-// The document's part of the pane, or that of the jobs, below its caption.
-Area DocumentArea(const DetailsPane* pane) {
-  Area a = pane->layout.details.Inset(kPadding, 0);
-  a.TakeBottom(PrinterHeight(pane));
-  a.TakeTop(kCaption + 6);
-  return a;
+// The list of the printers tells all of them while it shows, and a job names its own printer.
+bool ShowsPrinter(const DetailsPane* pane) {
+  return pane->layout.printers.Empty() && !pane->jobs;
 }
 
 std::string KindOfDocument(const Preview* preview, FileKind by_name) {
@@ -69,18 +56,6 @@ std::string TroubleOf(const Preview& preview, const std::string& name) {
              : TroubleWords(preview);
 }
 
-void DrawPicture(const DetailsPane* p, const FolderEntry& e, FileKind kind, Area* a) {
-  const Area box = p->PictureArea();
-  if (box.Empty()) return;
-  const bool shown = p->preview && DrawPreview(*p->preview, p->preview_scale, box);
-  if (!shown) DrawKindSheet(box, e.name, kind);
-  a->TakeTop(box.h);
-  Area line = a->TakeTop(kTroubleLine).Inset(0, 3);
-  if (p->preview)
-    DrawLabel(TheStyle().small_text, Align::kCenter, line, TroubleOf(*p->preview, e.name),
-              TheStyle().second);
-}
-
 FileKind KindOfEntry(const FolderEntry& e) {
   return e.folder ? FileKind::kFolder : KindOf(e.name);
 }
@@ -98,32 +73,93 @@ std::vector<Fact> FactsOfDocument(const DetailsPane* p, const FolderEntry& e) {
   return facts;
 }
 
-void DrawSelected(const DetailsPane* p, Area a) {
+// Where all of it stands, in sight or not.
+struct Parts {
+  Area picture, facts, printer;
+  int height = 0;
+};
+
+int FactsHeight(const DetailsPane* p, int width) {
+  if (p->jobs) return JobFactsHeight(*p->jobs, width);
+  if (p->selected < 0) return kFactLine;
+  return FactsHeight(FactsOfDocument(p, p->folder.At(p->selected)), width);
+}
+
+// In a large pane a picture is larger: half of the height at most.
+int PictureHeight(const DetailsPane* p, int width, int height, int facts) {
+  if (p->jobs || p->selected < 0) return 0;
+  const FolderEntry e = p->folder.At(p->selected);
+  if (e.folder) return 0;
+  const int name = int(FactLines(Shown(e.name), width).size() - 1) * kNextFactLine;
+  const int most = std::max(kUsualPicture, std::min(width * 5 / 4, height / 2));
+  const int room = height - kTroubleLine - std::max(kFacts + name, facts) - kBelow;
+  return std::clamp(room, kLeastPicture, most);
+}
+
+// The printer stands at the bottom, or behind the rest where that scrolls.
+Parts LayOutParts(const DetailsPane* p) {
+  const Area view = p->scroll.Body();
+  Area a = view.Inset(kPadding, 0);
+  const int printer = ShowsPrinter(p) ? kPrinterCaption + kBelow +
+                                            std::max(kFactLine, FactsHeight(FactsOfPrinter(p), a.w))
+                                      : 0;
+  const int facts = FactsHeight(p, a.w);
+  const int picture = PictureHeight(p, a.w, view.h - printer, facts);
+  Parts parts;
+  parts.height = (picture > 0 ? picture + kTroubleLine : 0) + facts + kBelow + printer;
+  a.h = std::max(parts.height, view.h);
+  a.y -= p->scroll.top();
+  parts.printer = a.TakeBottom(printer);
+  parts.picture = a.TakeTop(picture);
+  if (picture > 0) a.TakeTop(kTroubleLine);
+  parts.facts = a.TakeTop(facts);
+  return parts;
+}
+
+// What is shown, in a word: while it is the same, it stays where it was scrolled to.
+std::string SubjectOf(const DetailsPane* p) {
+  if (!p->jobs) return p->selected < 0 ? p->several : p->folder.PathOf(p->selected);
+  std::string text = "jobs";
+  for (const QueueId& id : p->jobs->Selected()) {
+    text += "," + std::to_string(id.outgoing) + ":";
+    text.append(id.job.begin(), id.job.end());
+  }
+  return text;
+}
+
+void DrawPicture(const DetailsPane* p, const FolderEntry& e, const Area& box) {
+  if (box.Empty()) return;
+  const bool shown = p->preview && DrawPreview(*p->preview, p->preview_scale, box);
+  if (!shown) DrawKindSheet(box, e.name, KindOfEntry(e));
+  if (p->preview)
+    DrawLabel(TheStyle().small_text, Align::kCenter, {box.x, box.bottom() + 3, box.w, 16},
+              TroubleOf(*p->preview, e.name), TheStyle().second);
+}
+
+void DrawSelected(const DetailsPane* p, const Parts& parts) {
   const Style& l = TheStyle();
   const int row = p->selected;
-  if (row < 0) {
-    DrawLabel(l.view, Align::kLeft, a.TakeTop(20),
-              p->several.empty() ? "Nothing is selected" : p->several, l.second);
-    return;
-  }
+  if (row < 0)
+    return DrawLabel(l.view, Align::kLeft, parts.facts,
+                     p->several.empty() ? "Nothing is selected" : p->several, l.second);
   const FolderEntry e = p->folder.At(row);
-  DrawPicture(p, e, KindOfEntry(e), &a);
+  DrawPicture(p, e, parts.picture);
+  Area a = parts.facts;
   for (const Fact& fact : FactsOfDocument(p, e)) DrawFact(&a, fact.name.c_str(), fact.value);
 }
 
-void AddDocumentHits(const DetailsPane* p, Area a, Hits* hits) {
+void AddDocumentHits(const DetailsPane* p, const Parts& parts, Hits* hits) {
   if (p->selected < 0) return;
   const FolderEntry e = p->folder.At(p->selected);
-  if (const Area box = p->PictureArea(); !box.Empty()) {
-    hits->Cover(a.TakeTop(box.h),
-                {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
-    a.TakeTop(kTroubleLine);
-  }
-  CoverFacts(FactsOfDocument(p, e), a, hits);
+  hits->Cover(p->scroll.Visible(parts.picture),
+              {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
+  CoverFacts(FactsOfDocument(p, e), parts.facts, p->scroll, hits);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
   const Style& l = TheStyle();
+  DrawCaption(a, "CHOSEN PRINTER");
+  a.TakeTop(kPrinterCaption);
   const std::vector<Fact> facts = FactsOfPrinter(pane);
   if (facts.empty())
     DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine),
@@ -138,48 +174,64 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
 
 }  // namespace
 
-Area DetailsPane::PictureArea() const {
-  if (selected < 0 || layout.details.Empty()) return {};
-  const Area a = DocumentArea(this);
-  const FolderEntry e = folder.At(selected);
-  const int name = int(NameLines(e, a).size() - 1) * kNextFactLine;
-  // In a large pane a larger one: half of its height at most.
-  const int most = std::max(kUsualPicture, std::min(a.w * 5 / 4, a.h / 2));
-  const int height = std::min(most, a.h - kTroubleLine - kFacts - name);
-  if (e.folder || height < kLeastPicture) return {};
-  return {a.x, a.y, a.w, height};
+void DetailsPane::MakeControls(XwWindow* window) {
+  scroll.MakeControls(window, kDetailsControl, "Details");
 }
 
-void DetailsPane::AddHits(Hits* hits) const {
+void DetailsPane::Update() {
+  Area a = layout.details;
+  a.TakeTop(kCaption);
+  if (a != scroll.area()) scroll.Place(a);
+  if (a.Empty()) return;
+  if (const std::string now = SubjectOf(this); now != subject) {
+    subject = now;
+    scroll.ScrollTo(0);
+  }
+  // The bar takes some of the width, and so may add a line.
+  for (int i = 0; i < 2; ++i) scroll.SetHeight(LayOutParts(this).height);
+}
+
+Area DetailsPane::PictureArea() const {
+  return layout.details.Empty() ? Area{} : LayOutParts(this).picture;
+}
+
+void DetailsPane::AddHits(bool focused, Hits* hits) const {
   if (layout.details.Empty()) return;
+  const Parts parts = LayOutParts(this);
+  if (Scrolls())
+    hits->Cover(scroll.Body(),
+                {XWA_GROUP, XWT_FOCUSABLE | (focused ? uint32_t{XWT_FOCUSED} : 0), "Details", ""});
   if (jobs)
-    AddJobFacts(*jobs, DocumentArea(this), hits);
+    AddJobFacts(*jobs, parts.facts, scroll, hits);
   else
-    AddDocumentHits(this, DocumentArea(this), hits);
+    AddDocumentHits(this, parts, hits);
   const std::vector<Fact> printer = FactsOfPrinter(this);
-  Area all = layout.details;
   if (!printer.empty())
-    hits->Cover(all.TakeBottom(PrinterHeight(this)),
+    hits->Cover(scroll.Visible(parts.printer),
                 {XWA_LABEL, 0, "Chosen Printer", printer[0].value + ": " + printer[1].value});
 }
 
-void DetailsPane::Draw() const {
-  Area a = layout.details;
-  if (a.Empty()) return;
+void DetailsPane::Draw(bool focused) const {
+  if (layout.details.Empty()) return;
   const Style& l = TheStyle();
-  Fill(a, l.side);
-  LineAtLeft(a);
-  a = a.Inset(kPadding, 0);
-  Area printer = a.TakeBottom(PrinterHeight(this));
-  DrawCaption(a, jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
+  Fill(layout.details, l.side);
+  LineAtLeft(layout.details);
+  DrawCaption(layout.details.Inset(kPadding, 0), jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
+  const Area view = scroll.Body();
+  if (view.Empty()) return;
+  const Parts parts = LayOutParts(this);
+  XwClip(uint16_t(view.x), uint16_t(view.y), uint16_t(view.w), uint16_t(view.h));
   if (jobs)
-    DrawJobFacts(*jobs, DocumentArea(this));
+    DrawJobFacts(*jobs, parts.facts);
   else
-    DrawSelected(this, DocumentArea(this));
-  if (printer.Empty()) return;
-  DrawCaption(printer, "CHOSEN PRINTER");
-  printer.TakeTop(kCaption);
-  DrawPrinter(this, printer);
+    DrawSelected(this, parts);
+  if (!parts.printer.Empty()) DrawPrinter(this, parts.printer);
+  if (scroll.top() > 0) LineAtTop(view);
+  if (focused) {
+    XwSetColor(Mix(l.accent, l.side, 45));
+    XwDrawRect(view.x + 1, view.y, view.w - 1, view.h);
+  }
+  XwClip(0, 0, 0, 0);
 }
 
 }  // namespace console

@@ -1,4 +1,4 @@
-// What is selected, and the printer that it would go to.
+// What is selected, and the printer that it would go to. It scrolls where it has too little room.
 #pragma once
 #include <memory>
 
@@ -7,6 +7,7 @@
 #include "app/model/printers.h"
 #include "app/model/shown_folder.h"
 #include "app/panes/layout.h"
+#include "app/panes/scrolled_area.h"
 #include "app/server/server.h"
 #include "app/work/preview.h"
 
@@ -15,10 +16,15 @@ namespace console {
 struct QueuePane;
 
 struct DetailsPane {
-  void Draw() const;
-  void AddHits(Hits* hits) const;
-  // Where the selected document's picture stands; empty where there is no room for one.
+  void MakeControls(XwWindow* window);
+  // What it shows, or its place, may have changed.
+  void Update();
+  void Draw(bool focused) const;
+  void AddHits(bool focused, Hits* hits) const;
+  // Where the selected document's picture stands, in sight or not; empty where it has none.
   Area PictureArea() const;
+  // Whether there is anything for the keyboard.
+  bool Scrolls() const { return !layout.details.Empty() && scroll.Scrolls(); }
 
   // All are looked at for as long as the pane lives.
   const Layout& layout;
@@ -34,6 +40,8 @@ struct DetailsPane {
   // logical pixel.
   std::shared_ptr<const Preview> preview = nullptr;
   double preview_scale = 1;
+  ScrolledArea scroll{20};
+  std::string subject = "";  // what it shows: another one begins at its top
 };
 
 }  // namespace console

@@ -2,29 +2,39 @@
 
 #include <algorithm>
 
+#include "app/format/cut.h"
+
 namespace console {
 namespace {
 
 constexpr int kMostLines = 4;
 
+std::vector<std::string> Wrapped(std::string text, int width) {
+  XwFont* font = TheStyle().view;
+  std::vector<std::string> lines;
+  while (XwTextWidthUtf8(font, text.c_str()) > width) {
+    // A line has at least one character, however wide.
+    size_t fits = size_t(XwTextTrimUtf8(font, text.c_str(), width + 1, nullptr, 0));
+    if (fits == 0) fits = 1;
+    while (fits < text.size() && (text[fits] & 0xC0) == 0x80) ++fits;
+    const size_t blank = text.rfind(' ', fits);
+    if (blank != std::string::npos && blank > fits / 2) fits = std::min(blank + 1, text.size());
+    lines.push_back(text.substr(0, fits));
+    text.erase(0, fits);
+  }
+  if (lines.empty() || !text.empty()) lines.push_back(text);
+  return lines;
+}
+
 }  // namespace
 
-std::vector<std::string> FactLines(std::string value, int width) {
-  XwFont* font = TheStyle().view;
+std::vector<std::string> FactLines(const std::string& value, int width) {
   width -= kFactName;
-  std::vector<std::string> lines;
-  while (int(lines.size()) + 1 < kMostLines && XwTextWidthUtf8(font, value.c_str()) > width) {
-    // A line has at least one character, however wide.
-    size_t fits = size_t(XwTextTrimUtf8(font, value.c_str(), width + 1, nullptr, 0));
-    if (fits == 0) fits = 1;
-    while (fits < value.size() && (value[fits] & 0xC0) == 0x80) ++fits;
-    const size_t blank = value.rfind(' ', fits);
-    if (blank != std::string::npos && blank > fits / 2) fits = std::min(blank + 1, value.size());
-    lines.push_back(value.substr(0, fits));
-    value.erase(0, fits);
-  }
-  lines.push_back(value);
-  return lines;
+  return Wrapped(CutMiddleTo(value,
+                             [width](const std::string& cut) {
+                               return int(Wrapped(cut, width).size()) <= kMostLines;
+                             }),
+                 width);
 }
 
 int FactsHeight(const std::vector<Fact>& facts, int width) {
@@ -34,25 +44,23 @@ int FactsHeight(const std::vector<Fact>& facts, int width) {
   return height;
 }
 
-void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink, int line) {
+void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink) {
   const Style& l = TheStyle();
-  const bool low = line < kFactLine;
-  const std::vector<std::string> lines =
-      low ? std::vector{CutToWidth(l.view, value, a->w - kFactName)} : FactLines(value, a->w);
-  Area row = a->TakeTop(line);
-  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
-  DrawLabel(l.view, Align::kLeft, row, lines[0], ink);
-  for (size_t i = 1; i < lines.size(); ++i) {
-    row = a->TakeTop(kNextFactLine);
-    row.TakeLeft(kFactName);
+  const std::vector<std::string> lines = FactLines(value, a->w);
+  for (size_t i = 0; i < lines.size(); ++i) {
+    Area row = a->TakeTop(i == 0 ? kFactLine : kNextFactLine);
+    const Area name_area = row.TakeLeft(kFactName);
+    if (i == 0) DrawLabel(l.small_text, Align::kLeft, name_area, name, l.second);
     DrawLabel(l.view, Align::kLeft, row, lines[i], ink);
   }
 }
 
-void CoverFacts(const std::vector<Fact>& facts, Area a, Hits* hits, int line) {
+void CoverFacts(const std::vector<Fact>& facts, Area a, const ScrolledArea& scroll, Hits* hits) {
   for (const Fact& fact : facts) {
-    const Area row = a.TakeTop(line < kFactLine ? line : FactsHeight({fact}, a.w));
-    hits->Cover(row, {XWA_LABEL, 0, fact.name, fact.value, line < kFactLine ? fact.value : ""});
+    std::string shown;
+    for (const std::string& line : FactLines(fact.value, a.w)) shown += line;
+    hits->Cover(scroll.Visible(a.TakeTop(FactsHeight({fact}, a.w))),
+                {XWA_LABEL, 0, fact.name, fact.value, shown == fact.value ? "" : fact.value});
   }
 }
 

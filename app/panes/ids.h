@@ -94,6 +94,7 @@ enum ControlId {
   // Scroll bars of the side panes.
   kPlacesControl = 90,
   kPrintersControl,
+  kDetailsControl,
   // Those of a table's heads follow its own.
   kFilesControls = 200,
   kQueueControls = 300

@@ -29,10 +29,6 @@ int32_t ColourOf(const QueuePane& queue) {
   return out ? out->colour : -1;
 }
 
-int LineIn(const QueuePane& queue, const Area& a) {
-  return JobFactsHeight(queue, a.w) <= a.h ? kFactLine : kNextFactLine;
-}
-
 }  // namespace
 
 int JobFactsHeight(const QueuePane& queue, int width) {
@@ -51,24 +47,22 @@ void DrawJobFacts(const QueuePane& queue, Area a) {
   const std::vector<Fact> facts = FactsOf(queue);
   if (facts.empty())
     DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine), "No job is selected", l.second);
-  const int line = LineIn(queue, a);
   for (const Fact& fact : facts) {
-    if (a.h < line) return;
     const int32_t ink = InkOf(fact.tone);
     DrawFact(&a, fact.name.c_str(), fact.value,
-             queue.state.link == Link::kReady ? ink : Dimmed(ink, l.side), line);
+             queue.state.link == Link::kReady ? ink : Dimmed(ink, l.side));
   }
   const int32_t colour = ColourOf(queue);
-  if (colour < 0 || a.h < line) return;
+  if (colour < 0) return;
   Area row = a;
-  DrawFact(&a, "Colour", "", l.ink, line);
+  DrawFact(&a, "Colour", "");
   row.TakeLeft(kFactName);
-  XwRoundBox(row.x, row.y + (line - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3,
+  XwRoundBox(row.x, row.y + (kFactLine - kSwatchHeight) / 2, kSwatchWidth, kSwatchHeight, 3,
              FromRgb(colour), l.line);
 }
 
-void AddJobFacts(const QueuePane& queue, Area a, Hits* hits) {
-  CoverFacts(FactsOf(queue), a, hits, LineIn(queue, a));
+void AddJobFacts(const QueuePane& queue, const Area& a, const ScrolledArea& scroll, Hits* hits) {
+  CoverFacts(FactsOf(queue), a, scroll, hits);
 }
 
 }  // namespace console

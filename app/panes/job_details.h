@@ -6,16 +6,16 @@
 
 #include "app/model/queue_words.h"
 #include "app/panes/queue.h"
+#include "app/panes/scrolled_area.h"
 
 namespace console {
 
 // "JOB 1187".
 std::string JobCaption(const QueuePane& queue);
-// Where all of it has room, at that width.
+// What all of it takes at that width.
 int JobFactsHeight(const QueuePane& queue, int width);
-// In an area that is lower than that the lines stand closer, and values are cut to one.
 void DrawJobFacts(const QueuePane& queue, Area a);
-// For those who cannot see them.
-void AddJobFacts(const QueuePane& queue, Area a, Hits* hits);
+// For those who cannot see them, as far as they show.
+void AddJobFacts(const QueuePane& queue, const Area& a, const ScrolledArea& scroll, Hits* hits);
 
 }  // namespace console

@@ -5,14 +5,20 @@
 #include "app/format/cut.h"
 #include "app/format/texts.h"
 #include "app/look/controls.h"
+#include "app/look/style.h"
 
 namespace console {
 namespace {
 
 constexpr int kMostCharacters = 22;  // of an item
+// What a record is wider than its box, and the box than its text.
+constexpr int kAroundText = 3 + 33;
 
-std::string ItemText(const std::string& name) {
-  const std::string text = CutMiddle(Shown(name), kMostCharacters);
+std::string ItemText(const std::string& name, int width) {
+  const std::string text = CutMiddleTo(Shown(name), [width](const std::string& cut) {
+    return CharacterCount(cut) <= kMostCharacters &&
+           XwTextWidthUtf8(TheStyle().normal, cut.c_str()) <= width;
+  });
   return text.empty() ? " " : text;  // an empty one would be a separator
 }
 
@@ -27,11 +33,12 @@ void NameChoice::Make(XwWindow* window, int id, const char* name, const char* un
 
 void NameChoice::SetItems(std::vector<std::string> names) {
   names_ = std::move(names);
-  std::vector<std::string> texts;
+  width_ = combo_->width;
+  texts_.clear();
   for (const std::string& name : names_)
-    texts.push_back(name.empty() && unchosen_ ? unchosen_ : ItemText(name));
+    texts_.push_back(name.empty() && unchosen_ ? unchosen_ : ItemText(name, width_ - kAroundText));
   std::vector<const char*> items;
-  for (const std::string& text : texts) items.push_back(text.c_str());
+  for (const std::string& text : texts_) items.push_back(text.c_str());
   items.push_back(nullptr);
   XwSetTextUtf8(combo_, items.data());
 }
@@ -42,11 +49,22 @@ void NameChoice::Show(std::vector<std::string> names, const std::string& chosen,
   if ((!chosen.empty() || unchosen_) &&
       std::find(names.begin(), names.end(), chosen) == names.end())
     names.push_back(chosen);
-  if (names != names_ && XwGetFocus(combo_) != combo_) SetItems(std::move(names));
+  const bool others = names != names_ || combo_->width != width_;
+  if (others && XwGetFocus(combo_) != combo_) SetItems(std::move(names));
   const auto at = std::find(names_.begin(), names_.end(), chosen);
   const int item = at == names_.end() ? -1 : int(at - names_.begin());
   if (XwGetValue(combo_) != item) XwSetValue(combo_, item);
+  ShowTip(item);
   EnableControl(combo_, enabled && some);
+}
+
+// Of a name that is cut, all of it.
+void NameChoice::ShowTip(int item) {
+  const std::string name = Shown(At(item));
+  const std::string tip = item < 0 || name.empty() || name == texts_[size_t(item)] ? "" : name;
+  if (tip == tip_) return;
+  tip_ = tip;
+  XwSetTip(combo_, 0, tip.empty() ? nullptr : tip.c_str());
 }
 
 std::string NameChoice::At(int item) const {

@@ -1,5 +1,6 @@
 // A combo box over names that come from the server. The chosen name changes by the user alone:
-// where the server has it no longer it stays shown, after the others.
+// where the server has it no longer it stays shown, after the others. Names are cut in the middle
+// to what the box has room for, and to 22 characters.
 #pragma once
 #include <string>
 #include <vector>
@@ -21,10 +22,13 @@ class NameChoice {
 
  private:
   void SetItems(std::vector<std::string> names);
+  void ShowTip(int item);
 
   XwWindow* combo_ = nullptr;
   const char* unchosen_ = nullptr;
-  std::vector<std::string> names_;  // of its items
+  std::vector<std::string> names_, texts_;  // of its items, and what they show
+  int width_ = 0;                           // for which the texts are cut
+  std::string tip_;
 };
 
 }  // namespace console

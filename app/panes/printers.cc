@@ -59,19 +59,67 @@ std::string SuppliesText(const PrinterRow& row) {
   return text;
 }
 
-// A small column for each supply, as full as it is.
-void DrawLevels(const Area& a, const PrinterRow& row, int32_t background, bool strong, bool away) {
+// How a row is drawn.
+struct RowLook {
+  int32_t background;
+  XwFont* name;
+  bool strong, muted;  // white on the accent colour; pale
+
+  int32_t Ink(int32_t colour) const {
+    return strong ? TheStyle().on_accent : muted ? Dimmed(colour, background) : colour;
+  }
+};
+
+int32_t BackgroundOf(bool strong, bool chosen, bool lit) {
   const Style& l = TheStyle();
+  return strong   ? l.accent
+         : chosen ? Mix(l.accent, l.side, 14)
+         : lit    ? Mix(l.accent, l.side, 9)
+                  : l.side;
+}
+
+// A small column for each supply, as full as it is.
+void DrawLevels(const Area& a, const PrinterRow& row, const RowLook& look) {
   const int y = a.y + (a.h - kLevelHeight) / 2;
   int x = a.x;
   for (const Supply& s : row.supplies) {
     if (x + kLevel > a.right()) break;
-    const int32_t ink = strong ? l.on_accent : SupplyColor(s, away);
-    XwBox(x, y, kLevel, kLevelHeight, Mix(ink, background, 25));
+    const int32_t ink = look.strong ? TheStyle().on_accent : SupplyColor(s, look.muted);
+    XwBox(x, y, kLevel, kLevelHeight, Mix(ink, look.background, 25));
     const int full = s.percent < 0 ? 0 : (s.percent * kLevelHeight + 50) / 100;
     Fill({x, y + kLevelHeight - full, kLevel, full}, ink);
     x += kLevel + 2;
   }
+}
+
+// The name, and what stands behind it, which leaves it half at least; then the levels.
+void DrawName(const PrinterRow& r, const std::string& behind, Area a, const RowLook& look) {
+  const Style& l = TheStyle();
+  const int levels = std::min(int(r.supplies.size()), kMostLevels) * (kLevel + 2);
+  const Area level = a.TakeRight(levels);
+  if (levels > 0) {
+    a.TakeRight(6);
+    DrawLevels(level, r, look);
+  }
+  const int room = std::max(a.w / 2, a.w - XwTextWidthUtf8(look.name, r.name.c_str()) - 1);
+  const std::string more = PartsThatFit(l.small_text, behind, room);
+  const std::string name =
+      CutToWidth(look.name, r.name, a.w - XwTextWidthUtf8(l.small_text, more.c_str()));
+  DrawLabel(look.name, Align::kLeft, a.TakeLeft(XwTextWidthUtf8(look.name, name.c_str())), name,
+            look.Ink(l.ink));
+  DrawLabel(l.small_text, Align::kLeft, a, more, look.Ink(l.second));
+}
+
+// The state, and what of the rest has room.
+void DrawState(const PrinterRow& r, const std::string& rest, Area a, const RowLook& look) {
+  const Style& l = TheStyle();
+  const bool coloured = r.dot == Tone::kBad || r.dot == Tone::kWarning || r.dot == Tone::kBusy;
+  const std::string state = PartsThatFit(l.small_text, r.state, a.w);
+  DrawLabel(l.small_text, Align::kLeft,
+            a.TakeLeft(XwTextWidthUtf8(l.small_text, state.c_str()) + 1), state,
+            look.Ink(coloured ? ToneColor(r.dot) : l.second));
+  DrawLabel(l.small_text, Align::kLeft, a, PartsThatFit(l.small_text, rest, a.w),
+            look.Ink(l.second));
 }
 
 }  // namespace
@@ -134,48 +182,22 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong
   const Style& l = TheStyle();
   const PrinterRow& r = printers.rows()[size_t(row)];
   const bool chosen = printers.chosen() == r.printer->name;
-  const bool lit = hover == Hit{kPrinters, SideList::kRow, row};
-  const int32_t background = strong   ? l.accent
-                             : chosen ? Mix(l.accent, l.side, 14)
-                             : lit    ? Mix(l.accent, l.side, 9)
-                                      : l.side;
-  if (background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, background, -1);
-  auto shade = [&](int32_t colour) {
-    return strong ? l.on_accent : away ? Dimmed(colour, background) : colour;
-  };
-  DrawDot(a.x + 14, a.y + 8, shade(ToneColor(r.dot)));
-  Area text{a.x + 30, a.y + 2, a.w - 42, 17};
-  const int levels = std::min(int(r.supplies.size()), kMostLevels) * (kLevel + 2);
-  const Area level = text.TakeRight(levels);
-  if (levels > 0) {
-    text.TakeRight(6);
-    DrawLevels(level, r, background, strong, away);
-  }
-  std::string more = MoreOf(r, mine == r.printer->name);
+  const RowLook look = {BackgroundOf(strong, chosen, hover == Hit{kPrinters, SideList::kRow, row}),
+                        chosen ? l.view_bold : l.view, strong, away};
+  if (look.background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, look.background, -1);
+  DrawDot(a.x + 14, a.y + 8, look.Ink(ToneColor(r.dot)));
+  const std::string more = MoreOf(r, mine == r.printer->name);
   const Area button = MarkArea(row);
-  XwFont* name_font = chosen ? l.view_bold : l.view;
-  int more_width = 0;
-  if (!button.Empty()) {
-    // It takes the room of the counts: they stand behind the name, which leaves them half at least.
-    const int room = std::max(text.w / 2, text.w - XwTextWidthUtf8(name_font, r.name.c_str()) - 1);
-    more = PartsThatFit(l.small_text, more, room);
-    more_width = XwTextWidthUtf8(l.small_text, more.c_str());
+  const Area name{a.x + 30, a.y + 2, a.w - 42, 17};
+  Area state{a.x + 30, a.y + 18, a.w - 42, 16};
+  if (button.Empty()) {
+    DrawName(r, "", name, look);
+    return DrawState(r, more, state, look);
   }
-  const std::string name = CutToWidth(name_font, r.name, text.w - more_width);
-  DrawLabel(name_font, Align::kLeft, text.TakeLeft(XwTextWidthUtf8(name_font, name.c_str())), name,
-            shade(l.ink));
-  if (!button.Empty()) DrawLabel(l.small_text, Align::kLeft, text, more, shade(l.second));
-  Area below{a.x + 30, a.y + 18, a.w - 42, 16};
-  if (!button.Empty()) below.w = button.x - below.x - 6;
-  const bool coloured = r.dot == Tone::kBad || r.dot == Tone::kWarning || r.dot == Tone::kBusy;
-  const int32_t ink = coloured ? ToneColor(r.dot) : l.second;
-  const std::string state = button.Empty() ? r.state : PartsThatFit(l.small_text, r.state, below.w);
-  DrawLabel(l.small_text, Align::kLeft,
-            below.TakeLeft(XwTextWidthUtf8(l.small_text, state.c_str()) + 1), state, shade(ink));
-  if (button.Empty())
-    DrawLabel(l.small_text, Align::kLeft, below, PartsThatFit(l.small_text, more, below.w),
-              shade(l.second));
-  if (button.Empty()) return;
+  // It takes the room of the counts: they stand behind the name.
+  DrawName(r, more, name, look);
+  state.w = button.x - state.x - 6;
+  DrawState(r, "", state, look);
   const bool over = hover == Hit{kPrinters, SideList::kMark, row};
   XwRoundBox(button.x, button.y, button.w, button.h, 4, over ? l.pressed : l.face, l.line);
   DrawLabel(l.small_text, Align::kCenter, button, kPaperLoaded, l.ink);

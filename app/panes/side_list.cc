@@ -1,66 +1,37 @@
 #include "app/panes/side_list.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "app/format/folding.h"
-#include "app/look/controls.h"
 
 namespace console {
-namespace {
-
-constexpr int kBar = 15;
-
-}  // namespace
 
 void SideList::MakeControls(XwWindow* window, int id, const char* name) {
-  id_ = id;
   name_ = name;
-  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, row_height_, 1, 0);
-  XwDescribeControl(bar_, name);
-}
-
-bool SideList::Scrolled(int id, int value) {
-  if (!bar_ || id != id_) return false;
-  ScrollTo(value);
-  return true;
-}
-
-void SideList::Enable(bool on) {
-  EnableControl(bar_, on);
-}
-
-void SideList::UpdateBar() {
-  Area a = area_;
-  PlaceControl(bar_, Scrolls() ? a.TakeRight(kBar) : Area{});
-  if (Scrolls()) XwSetScrollRange(bar_, 0, rows_ * row_height_ - 1, row_height_, area_.h, top_);
+  scroll_.MakeControls(window, id, name);
 }
 
 void SideList::Place(const Area& a) {
   // In a list that comes into sight, too.
-  const bool seen = at_ >= 0 && (area_.Empty() || !Visible(RowArea(at_)).Empty());
-  area_ = a;
-  top_ = std::clamp(top_, 0, MostTop());
-  UpdateBar();
+  const bool seen = at_ >= 0 && (area().Empty() || !Visible(RowArea(at_)).Empty());
+  scroll_.Place(a);
   if (seen) GoTo(at_);
 }
 
 void SideList::SetRows(int rows, int at) {
   rows_ = rows;
   at_ = at < rows ? at : -1;
-  top_ = std::clamp(top_, 0, MostTop());
-  UpdateBar();
+  scroll_.SetHeight(rows_ * row_height_);
 }
 
 void SideList::GoTo(int row) {
   at_ = std::clamp(row, -1, rows_ - 1);
-  if (at_ < 0 || area_.Empty()) return;
-  const int y = at_ * row_height_;
-  ScrollTo(std::clamp(top_, y + row_height_ - area_.h, std::max(y, y + row_height_ - area_.h)));
+  if (at_ < 0 || area().Empty()) return;
+  scroll_.Reveal(at_ * row_height_, row_height_);
 }
 
 bool SideList::Key(int type) {
-  const int page = std::max(1, area_.h / row_height_ - 1);
+  const int page = std::max(1, area().h / row_height_ - 1);
   const struct {
     int key, row;
   } kKeys[] = {
@@ -89,43 +60,14 @@ bool SideList::Type(int character, uint32_t now_ms,
   return true;
 }
 
-bool SideList::Wheel(float dy) {
-  const int before = top_;
-  const float whole = std::trunc(std::clamp(wheel_ + dy, -1e6f, 1e6f));
-  wheel_ += dy - whole;
-  ScrollTo(top_ + int(whole));
-  if (top_ == before && whole != 0) wheel_ = 0;
-  return top_ != before;
-}
-
-int SideList::MostTop() const {
-  return std::max(0, rows_ * row_height_ - area_.h);
-}
-
-void SideList::ScrollTo(int top) {
-  top_ = std::clamp(top, 0, MostTop());
-  if (Scrolls() && top_ != XwGetValue(bar_)) UpdateBar();
-}
-
-Area SideList::Body() const {
-  Area a = area_;
-  if (Scrolls()) a.TakeRight(kBar);
-  return a;
-}
-
 Area SideList::RowArea(int row) const {
   const Area body = Body();
-  return {body.x, body.y + row * row_height_ - top_, body.w, row_height_};
-}
-
-Area SideList::Visible(const Area& a) const {
-  const Area body = Body();
-  const int y = std::max(a.y, body.y);
-  return {a.x, y, a.w, std::min(a.bottom(), body.bottom()) - y};
+  return {body.x, body.y + row * row_height_ - scroll_.top(), body.w, row_height_};
 }
 
 int SideList::Last() const {
-  return area_.Empty() ? First() : std::min(rows_, (top_ + area_.h - 1) / row_height_ + 1);
+  if (area().Empty()) return First();
+  return std::min(rows_, (scroll_.top() + area().h - 1) / row_height_ + 1);
 }
 
 void SideList::DrawRows(const std::function<void(int row, const Area&)>& draw) const {
@@ -138,7 +80,7 @@ void SideList::DrawRows(const std::function<void(int row, const Area&)>& draw) c
 
 void SideList::AddHits(Hits* hits, bool focused, const std::function<Words(int row)>& words,
                        const std::function<void(int row)>& add_mark) const {
-  if (area_.Empty()) return;
+  if (area().Empty()) return;
   const uint32_t state = XWT_FOCUSABLE | (focused ? uint32_t{XWT_FOCUSED} : 0);
   hits->Add({owner_, kBody, 0}, Body(), {XWA_LIST, state, name_, std::to_string(rows_)});
   for (int row = First(); row < Last(); ++row) {

@@ -6,6 +6,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/type_ahead.h"
+#include "app/panes/scrolled_area.h"
 
 namespace console {
 
@@ -15,12 +16,13 @@ class SideList {
   // itself.
   enum Part { kRow = 1, kBody, kMark };
 
-  SideList(int owner, int row_height) : owner_(owner), row_height_(row_height) {}
+  SideList(int owner, int row_height)
+      : owner_(owner), row_height_(row_height), scroll_(row_height) {}
   // Its bar gets the id. It ends with the window.
   void MakeControls(XwWindow* window, int id, const char* name);
   // A report of the bar: false when the id is another's.
-  bool Scrolled(int id, int value);
-  void Enable(bool on);
+  bool Scrolled(int id, int value) { return scroll_.Scrolled(id, value); }
+  void Enable(bool on) { scroll_.Enable(on); }
 
   // Empty: nothing shows. The row that the keyboard is at stays in sight if it was.
   void Place(const Area& a);
@@ -36,14 +38,14 @@ class SideList {
   // none for that: a space that begins nothing.
   bool Type(int character, uint32_t now_ms, const std::function<std::string(int row)>& name);
   // Logical pixels, positive down. True when something moved.
-  bool Wheel(float dy);
+  bool Wheel(float dy) { return scroll_.Wheel(dy); }
 
-  const Area& area() const { return area_; }
+  const Area& area() const { return scroll_.area(); }
   // What the rows take.
-  Area Body() const;
+  Area Body() const { return scroll_.Body(); }
   Area RowArea(int row) const;
   // What shows of a part of a row; empty when nothing does.
-  Area Visible(const Area& a) const;
+  Area Visible(const Area& a) const { return scroll_.Visible(a); }
   // Each row that shows, cut to the body.
   void DrawRows(const std::function<void(int row, const Area&)>& draw) const;
   // The body, then each row that shows with its words, then its mark, if `mark` has an area for it.
@@ -51,21 +53,14 @@ class SideList {
                const std::function<void(int row)>& add_mark = {}) const;
 
  private:
-  bool Scrolls() const { return rows_ * row_height_ > area_.h; }
-  int MostTop() const;
-  void ScrollTo(int top);
-  void UpdateBar();
-  int First() const { return top_ / row_height_; }
+  int First() const { return scroll_.top() / row_height_; }
   int Last() const;
 
   int owner_, row_height_;
-  Area area_;
-  int rows_ = 0, at_ = -1, top_ = 0;  // top in pixels
-  float wheel_ = 0;                   // of a pixel not yet moved
+  int rows_ = 0, at_ = -1;
+  ScrolledArea scroll_;
   TypeAhead typed_;
-  int id_ = 0;
   const char* name_ = "";
-  XwWindow* bar_ = nullptr;
 };
 
 }  // namespace console

@@ -337,10 +337,11 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
   switch (hit.part) {
     case kRow:
     case kBody:
-      held_ = hit.part == kRow ? kARow : kNothing;
-      held_row_ = hit.part == kRow ? hit.index : -1;
-      may_carry_ = carries_ && hit.part == kRow && !keys.shift && !keys.control &&
-                   selection_->Has(held_row_);
+      held_ = kARow;
+      from_below_ = hit.part == kBody;
+      held_row_ = from_below_ ? rows_ : hit.index;
+      may_carry_ =
+          carries_ && !from_below_ && !keys.shift && !keys.control && selection_->Has(held_row_);
       selection_->Press(held_row_, keys);
       return true;
     case kBorder:
@@ -378,13 +379,15 @@ bool Table::Cancel() {
   return true;
 }
 
-// The row under the pointer, or at the edge that it is beyond.
+// The row under the pointer, or at the edge that it is beyond. After a press below the rows, the
+// room there counts as one more row.
 bool Table::DragRows(int py) {
   const Area body = Body();
   drag_y_ = py;
   if (rows_ == 0 || body.Empty()) return false;
   const int y = std::clamp(py, body.y, body.bottom() - 1) - body.y;
-  const int row = int(std::min<int64_t>((int64_t{top_} + y) / kRowHeight, rows_ - 1));
+  const int last = from_below_ ? rows_ : rows_ - 1;
+  const int row = int(std::min<int64_t>((int64_t{top_} + y) / kRowHeight, last));
   if (held_ == kCarried || (may_carry_ && row != held_row_)) return CarryTo(y);
   if (row == held_row_) return false;
   held_ = kRows;

@@ -99,14 +99,15 @@ class Table {
   bool Wheel(float dy);
   // A press on a part, in column px of the window; then each motion while it is held. True when to
   // be redrawn. The border of two columns moves room from one to the other; the widths stay in
-  // proportion to the table's from then on. From row to row all between them are selected.
+  // proportion to the table's from then on. From row to row all between them are selected, and from
+  // below the rows all from the last one on.
   bool Press(const Hit& hit, int px, SelectionKeys keys = {});
   bool Drag(int px, int py);
   void Release();
   // Ends what is held as if it had not been pressed: selection and columns are as they were. False
   // when nothing is held.
   bool Cancel();
-  // A row is held: no other one may come under the pointer now.
+  // A row, or the room below the rows, is held: no other one may come under the pointer now.
   bool HoldsRow() const { return held_ >= kARow; }
   // Whether rows that are selected can be carried to another place instead, and a line shows where
   // that is.
@@ -174,11 +175,12 @@ class Table {
   bool carries_ = false, shows_gap_ = false;
   bool may_carry_ = false;  // what is held
   int gap_ = 0;
-  int held_row_ = -1;  // that was pressed, or was dragged to last
-  int drag_y_ = 0;     // where the pointer is
-  int border_ = 0;     // of which column
-  int grip_ = 0;       // where beside the border it was pressed
-  float wheel_ = 0;    // of a pixel not yet moved
+  int held_row_ = -1;        // that was pressed, or was dragged to last
+  bool from_below_ = false;  // the press was below the rows
+  int drag_y_ = 0;           // where the pointer is
+  int border_ = 0;           // of which column
+  int grip_ = 0;             // where beside the border it was pressed
+  float wheel_ = 0;          // of a pixel not yet moved
   std::string note_;
   int id_ = 0;
   std::string name_;

@@ -11,8 +11,10 @@ namespace {
 
 // --- File
 
-bool HasSelection(const Console* c) {
-  return c->files.table.selected() >= 0;
+std::string WhyNotOpen(const Console* c) {
+  if (c->files.table.selected() >= 0) return "";
+  const auto& [files, folders, bytes] = c->files.Chosen();
+  return files + folders == 0 ? "No file is selected" : "More than one file is selected";
 }
 
 // --- Edit: of the box with the keyboard
@@ -40,10 +42,10 @@ template <int by>
 void Move(Console* c) {
   MoveJobs(c, by);
 }
-bool IsSending(const Console* c) {
+std::string WhyNotStopSending(const Console* c) {
   for (const Transfer& t : c->state.transfers)
-    if (t.state == Sending::kSending) return true;
-  return false;
+    if (t.state == Sending::kSending) return "";
+  return "Nothing is being sent";
 }
 
 // --- Printers
@@ -129,10 +131,14 @@ constexpr Command Row(CommandId id, Menu menu, const char* name, Enabled enabled
 }
 
 constexpr Command kCommands[] = {
-    Row(kOpenCommand, kFileMenu, "Open", HasSelection, OpenSelected,
-        {.key = 'o', .plain_key = XWE_RETURN, .where = kInFiles, .contexts = kOnFiles}),
-    Row(kPrintCommand, kFileMenu, "Print", CanPrint, PrintSelected,
-        {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrint}),
+    Row(kOpenCommand, kFileMenu, "Open", nullptr, OpenSelected,
+        {.key = 'o',
+         .plain_key = XWE_RETURN,
+         .where = kInFiles,
+         .contexts = kOnFiles,
+         .why_not = WhyNotOpen}),
+    Row(kPrintCommand, kFileMenu, "Print", nullptr, PrintSelected,
+        {.key = 'p', .contexts = kOnFiles, .why_not = WhyNotPrintSelected}),
     Row(kPrintOnCommand, kFileMenu, "Print on", nullptr, nullptr,
         {.group = true,
          .contexts = kOnOptions,
@@ -221,15 +227,15 @@ constexpr Command kCommands[] = {
          .where = kInQueue,
          .contexts = kOnJobs,
          .why_not = WhyNot<Verb::kRemove>}),
-    Row(kStopSendingCommand, kQueueMenu, "Stop Sending", IsSending, StopSending,
-        {.group = true, .key = '.'}),
-    Row(kCancelQueuedCommand, kQueueMenu, "Cancel Queued Documents", CanCancelQueued, CancelQueued,
-        {.key = 'k'}),
-    Row(kStartServerCommand, kQueueMenu, "Start a Server", CanStartServer, StartServer,
-        {.key = 's'}),
+    Row(kStopSendingCommand, kQueueMenu, "Stop Sending", nullptr, StopSending,
+        {.group = true, .key = '.', .why_not = WhyNotStopSending}),
+    Row(kCancelQueuedCommand, kQueueMenu, "Cancel Queued Documents", nullptr, CancelQueued,
+        {.key = 'k', .why_not = WhyNotCancelQueued}),
+    Row(kStartServerCommand, kQueueMenu, "Start a Server", nullptr, StartServer,
+        {.key = 's', .why_not = WhyNotStartServer}),
     Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
 
-    Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", WantsPaper, LoadPaper,
+    Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", nullptr, LoadPaper,
         {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
     ChosenPrinterRow<PrinterVerb::kPause>(
         kPauseChosenCommand, "Pause Printer",

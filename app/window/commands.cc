@@ -279,11 +279,11 @@ bool ConcernsJobs(int id) {
   return command && command->more.contexts & kOnJobs;
 }
 
-void TellWhyNot(Console* c, int id) {
+void TellWhyNot(Console* c, int id, int key) {
+  constexpr int kRepeats = 2;
   const Command* command = Find(id);
-  if (!command || c->asking || !command->more.why_not) return;
-  const std::string why = command->more.why_not(c);
-  if (!why.empty()) Tell(c, true, why);
+  if (!command || c->asking || !command->more.why_not || XwGetKeyState(key) == kRepeats) return;
+  TellWhy(c, command->more.why_not(c));
 }
 
 void OpenContextMenu(Console* c, ContextMenu context) {

@@ -36,8 +36,10 @@ int CommandOfKey(const Console* c, int type);
 std::string KeyText(int key, uint32_t modifiers);
 // Whether it is one of those for the selected jobs.
 bool ConcernsJobs(int command);
-// A key of a command that cannot be run: the status line says why, where there is a reason.
-void TellWhyNot(Console* c, int command);
+// A key of a command that cannot be run: the status line says why, where there is a reason. What
+// the command has done itself may be the reason while its key is held, so that one that repeats
+// says nothing.
+void TellWhyNot(Console* c, int command, int key);
 // At the place that Inp has (XwPopupLocation), of what is selected there; runs what is chosen.
 void OpenContextMenu(Console* c, ContextMenu context);
 // The same below what is selected where the keyboard is; nothing elsewhere.
@@ -45,7 +47,8 @@ void OpenContextMenuByKey(Console* c);
 
 // --- What commands do besides the panes' own
 void RefreshAll(Console* c);
-// The keyboard goes to the next of places, printers, files and queue; with Shift to the one before.
+// The keyboard goes to the next of places, printers, files, details and queue; with Shift to the
+// one before.
 void GoToNextPane(Console* c);
 // Leaves, or asks first while something is being sent.
 void Leave(Console* c);

@@ -27,7 +27,7 @@ Console* g_console;
 
 // Of the table that has the keyboard, or had it last.
 std::string SelectionText(const Console* c) {
-  return IsInQueue(c->stop) ? c->queue.SelectionText() : c->files.SelectionText();
+  return c->tells_of_jobs ? c->queue.SelectionText() : c->files.SelectionText();
 }
 
 void AddAllHits(Console* c) {
@@ -36,7 +36,7 @@ void AddAllHits(Console* c) {
     c->places.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPlaces));
     c->files.AddHits(&c->hits);
     c->queue.AddHits(&c->hits);
-    c->details.AddHits(&c->hits);
+    c->details.AddHits(HasKeyboard(c, FocusStop::kDetails), &c->hits);
     c->banner.AddHits(&c->hits);
     c->status.AddHits(SelectionText(c), &c->hits);
     c->printer_list.AddHits(&c->hits, HasKeyboard(c, FocusStop::kPrinters));
@@ -162,6 +162,7 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
+  if (c->stop == FocusStop::kDetails && c->details.scroll.Key(type)) c->damage |= kDetailsPane;
   const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
   if (!by || c->stop != FocusStop::kPriority) return;
   c->tools.ChangePriority(by);
@@ -199,15 +200,18 @@ void Key(Console* c, int type) {
     if (const int command = CommandOfMenuKey(type, c->modifiers)) return RunCommand(c, command);
   }
   if (c->modifiers & XWS_CONTROL) {
-    // Those of menus come from there, as commands.
-    const int command = CommandOfMenuKey(type, c->modifiers);
-    if (!command) return void(TableKey(c, type));
-    ShowRowFor(c, command);
-    return TellWhyNot(c, command);
+    // Those of menus come from there, as commands; one that is greyed there does not come.
+    if (const int command = CommandOfMenuKey(type, c->modifiers)) {
+      ShowRowFor(c, command);
+      TellWhyNot(c, command, type);
+    } else {
+      TableKey(c, type);
+    }
+    return;
   }
   if (const int command = CommandOfKey(c, type)) {
     ShowRowFor(c, command);
-    TellWhyNot(c, command);
+    TellWhyNot(c, command, type);
     return RunCommand(c, command);
   }
   if (c->modifiers & XWS_COMMAND) {
@@ -452,13 +456,29 @@ void Tell(Console* c, bool good, const std::string& utf8) {
   c->damage |= kStatusPane;
 }
 
+void TellWhy(Console* c, const std::string& utf8) {
+  c->status.TellReason(utf8);
+  c->damage |= kStatusPane;
+}
+
+namespace {
+
+void UpdateDetails(Console* c) {
+  if (c->stop != FocusStop::kDetails) c->tells_of_jobs = IsInQueue(c->stop);
+  c->details.selected = c->files.table.selected();
+  c->details.jobs = c->tells_of_jobs && !c->queue.Selected().empty() ? &c->queue : nullptr;
+  c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
+  if (!(c->damage & (kFolderPane | kDetailsPane))) return;
+  c->details.Update();
+  UpdatePreview(c);
+}
+
+}  // namespace
+
 void DrawConsole(Console* c) {
   if (!c->damage || !c->exposed) return;
+  UpdateDetails(c);
   UpdateControls(c);
-  c->details.selected = c->files.table.selected();
-  c->details.jobs = IsInQueue(c->stop) && !c->queue.Selected().empty() ? &c->queue : nullptr;
-  c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
-  if (c->damage & (kFolderPane | kDetailsPane)) UpdatePreview(c);
   const unsigned damage = c->damage;
   c->damage = 0;
   XwPush(c->window);
@@ -469,7 +489,7 @@ void DrawConsole(Console* c) {
   if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
-  if (damage & kDetailsPane) c->details.Draw();
+  if (damage & kDetailsPane) c->details.Draw(HasKeyboard(c, FocusStop::kDetails));
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
   if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, SelectionText(c));

@@ -46,6 +46,7 @@ enum class FocusStop {
   kPlaces,
   kPrinters,
   kFiles,
+  kDetails,
   kQueue,
   kShowAllFiles,
   kStartServer,
@@ -103,10 +104,11 @@ struct Console {
   Hits hits;
   Hit hover, pressed;
   FocusStop stop = FocusStop::kFiles;
-  bool exposed = false;    // the first picture has been asked for; until then nothing is drawn
-  bool has_begun = false;  // it is drawn, and what it does not need has begun
-  bool has_menus = false;  // else its menu bar has titles alone
-  bool active = true;      // keys of the desktop come to the window
+  bool tells_of_jobs = false;  // the queue has the keyboard, or had it before the details
+  bool exposed = false;        // the first picture has been asked for; until then nothing is drawn
+  bool has_begun = false;      // it is drawn, and what it does not need has begun
+  bool has_menus = false;      // else its menu bar has titles alone
+  bool active = true;          // keys of the desktop come to the window
   // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
   // sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
@@ -172,6 +174,9 @@ Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
+// Why something cannot be done: it stays until it is read, or until the next such reason. "":
+// nothing is told.
+void TellWhy(Console* c, const std::string& utf8);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);
@@ -299,7 +304,9 @@ void NotePanes(const Console* c, Preferences* p);
 // It has not answered since it went: it is tried again, or will be.
 bool IsServerAway(const Console* c);
 void RetryServer(Console* c);
-// The server that does not answer would run here, and none is being started.
+// The server that does not answer would run here, and none is being started; else why that is not
+// so: a sentence without its full stop.
+std::string WhyNotStartServer(const Console* c);
 bool CanStartServer(const Console* c);
 // In the background; the status line says what came of it.
 void StartServer(Console* c);
@@ -346,16 +353,18 @@ void TakePreview(Console* c);
 void ShowPreview(void* data, int taken);
 
 // --- Printing (controls.cc)
-bool CanPrint(const Console* c);
 // How documents are printed now: an order without one.
 PrintOrder UsualOrder(const Console* c);
 // Queues them and says how many; `left_out` of those that were meant are none.
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
 // Those of the last time that still wait to be sent.
+std::string WhyNotCancelQueued(const Console* c);
 bool CanCancelQueued(const Console* c);
 void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
+// The same, and why nothing of the folder is printed.
+std::string WhyNotPrintSelected(const Console* c);
 // All documents that are selected; folders are passed over.
 void PrintSelected(Console* c);
 // Of the table that has the keyboard.

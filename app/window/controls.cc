@@ -19,6 +19,7 @@ void MakeControls(Console* c) {
   c->printer_list.MakeControls(w);
   c->files.MakeControls(w);
   c->queue.MakeControls(w);
+  c->details.MakeControls(w);
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
@@ -98,6 +99,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
 
 bool CanStopAt(const Console* c, FocusStop stop) {
   if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
+  if (stop == FocusStop::kDetails) return c->details.Scrolls();
   if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
   return stop != FocusStop::kPlaces || !c->layout.places.Empty();
 }
@@ -130,6 +132,7 @@ void UpdateControls(Console* c) {
   c->queue.Enable(!c->asking);
   c->places.list.Enable(!c->asking);
   c->printer_list.list.Enable(!c->asking);
+  c->details.scroll.Enable(!c->asking);
   UpdateFocus(c);
 }
 
@@ -187,16 +190,18 @@ void UseControl(Console* c, int id, int value) {
   UseQueueControl(c, id, value);
   if (c->places.list.Scrolled(id, value)) c->damage |= kPlacesPane;
   if (c->printer_list.list.Scrolled(id, value)) c->damage |= kPrintersPane;
-}
-
-bool CanPrint(const Console* c) {
-  return c->files.Chosen().files > 0;
+  if (c->details.scroll.Scrolled(id, value)) c->damage |= kDetailsPane;
 }
 
 // Before the printers are known the document waits for the server, and goes to its default.
 std::string WhyNotPrint(const Console* c) {
   if (c->choice.no_copies) return "Copies is a number from 1 to " + NumberText(kMostCopies);
   return c->printers.known() ? c->printers.WhyNotPrint() : "";
+}
+
+std::string WhyNotPrintSelected(const Console* c) {
+  const std::string why = WhyNotPrint(c);
+  return why.empty() && c->files.Chosen().files == 0 ? "No file is selected" : why;
 }
 
 PrintOrder UsualOrder(const Console* c) {
@@ -240,11 +245,15 @@ void PrintSelected(Console* c) {
   c->damage |= kToolsPane | kDetailsPane;
 }
 
-bool CanCancelQueued(const Console* c) {
+std::string WhyNotCancelQueued(const Console* c) {
   for (const Transfer& t : c->state.transfers)
     if (t.number >= c->first_queued && t.number <= c->last_queued && t.state == Sending::kWaiting)
-      return true;
-  return false;
+      return "";
+  return "None of the documents that were queued last waits to be sent";
+}
+
+bool CanCancelQueued(const Console* c) {
+  return WhyNotCancelQueued(c).empty();
 }
 
 void CancelQueued(Console* c) {

@@ -15,7 +15,7 @@ void QueueDropped(Console* c, const DroppedPaths& dropped) {
     if (folders > 0) return EnterFolder(c, dropped.folders.front(), "");
     return Tell(c, false, "What was dropped cannot be printed: " + dropped.trouble);
   }
-  if (const std::string why = WhyNotPrint(c); !why.empty()) return Tell(c, false, why);
+  if (const std::string why = WhyNotPrint(c); !why.empty()) return TellWhy(c, why);
   const PrintOrder usual = UsualOrder(c);
   std::vector<PrintOrder> orders;
   for (const std::string& path : dropped.files) {

@@ -171,11 +171,11 @@ struct PaneBorder {
 };
 PaneBorder BorderOf(const Console* c, bool across) {
   const bool side = c->stop == FocusStop::kPlaces || c->stop == FocusStop::kPrinters;
-  const bool queue = c->stop == FocusStop::kQueue;
+  const bool queue = c->stop == FocusStop::kQueue, details = c->stop == FocusStop::kDetails;
   PaneBorder b = across ? PaneBorder{side ? kPrintersBorder : kQueueBorder,
                                      c->stop != FocusStop::kPrinters && !queue}
                  : side ? PaneBorder{kLeftBorder, false}
-                        : PaneBorder{queue ? 0 : kRightBorder, true};
+                        : PaneBorder{queue ? 0 : kRightBorder, !details};
   if (b.border && PaneAt(c->layout, b.border).Empty()) b.border = 0;
   return b;
 }

@@ -86,6 +86,8 @@ void PressPrimary(Console* c) {
   if (hit.owner == kPlaces) PressPlace(c, hit);
   if (hit.owner == kPrinters) PressPrinter(c, hit);
   if (hit.owner == kBorders) PressBorder(c, hit, twice);
+  const bool details = !hit && c->layout.details.Holds(Inp.px, Inp.py);
+  if (details && CanStopAt(c, FocusStop::kDetails)) SetFocusStop(c, FocusStop::kDetails);
 }
 
 // The secondary button opens the menu of the row, or of all that are selected with it.
@@ -210,6 +212,8 @@ void TurnWheel(Console* c, float dy) {
   if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
   if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
     c->damage |= kPrintersPane;
+  if (c->layout.details.Holds(Inp.px, Inp.py) && c->details.scroll.Wheel(dy))
+    c->damage |= kDetailsPane;
   DrawConsole(c);
 }
 

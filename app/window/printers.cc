@@ -116,13 +116,10 @@ void MoveAllJobs(Console* c, int choice) {
     c->server.MoveJobs(row->printer->name, targets[size_t(choice)]);
 }
 
-bool WantsPaper(const Console* c) {
-  return c->needs.WithoutPaper() && c->state.link == Link::kReady;
-}
-
 std::string WhyNotLoadPaper(const Console* c) {
+  if (c->state.link != Link::kReady) return "The server is away";
   const PrinterRow* row = c->needs.WithoutPaper();
-  return row ? c->printers.WhyNot(PrinterVerb::kPaperLoaded, *row) : "";
+  return row ? c->printers.WhyNot(PrinterVerb::kPaperLoaded, *row) : "No printer wants paper";
 }
 
 void LoadPaper(Console* c) {

@@ -76,8 +76,7 @@ bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
 void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
   std::string why;
   const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
-  if (steps.empty() && !why.empty()) Tell(c, true, why);
-  if (steps.empty()) return;
+  if (steps.empty()) return TellWhy(c, why);
   for (const Reordering& step : steps) c->state.pending.Begin(step.job, Verb::kReorder, 0);
   c->server.Reorder(steps);
   c->damage |= kQueuePane;
@@ -98,7 +97,7 @@ void ChangeJobs(Console* c, const JobChange& change) {
 void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& change) {
   const VerbCheck check =
       CheckVerb(change.verb, c->queue.rows, ids, c->state.pending, c->state.link == Link::kReady);
-  if (!check.possible()) return Tell(c, true, check.why_not);
+  if (!check.possible()) return TellWhy(c, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
   std::vector<JobId> jobs;
   for (const QueueId& id : check.on) {
@@ -166,7 +165,7 @@ void MoveJobs(Console* c, int by) {
     }
     row += by;
   }
-  Tell(c, true, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
+  TellWhy(c, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
 }
 
 void DropJobs(Console* c, int gap) {

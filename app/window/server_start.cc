@@ -43,10 +43,17 @@ void RetryServer(Console* c) {
   c->server.Refresh();
 }
 
+std::string WhyNotStartServer(const Console* c) {
+  // While it is tried once more the button stays; what refuses is a server already.
+  if (c->server_start) return "A print server is being started";
+  if (c->state.link == Link::kReady || c->state.link == Link::kRefused)
+    return "A print server runs there already";
+  if (!IsLocalServer(c->server.host())) return "The print server is on another computer";
+  return c->banner.shown ? "" : "It is not known yet whether a print server runs here";
+}
+
 bool CanStartServer(const Console* c) {
-  // One that is started, and one that is tried, keep the button; what refuses is a server already.
-  return c->banner.shown && c->state.link != Link::kRefused && !c->server_start &&
-         IsLocalServer(c->server.host());
+  return WhyNotStartServer(c).empty();
 }
 
 void StartServerByItself(Console* c) {

@@ -18,7 +18,6 @@ std::string ChosenPrinterText(const Console* c, const char* verb);
 std::vector<CommandChoice> MoveChoices(const Console* c);
 void MoveAllJobs(Console* c, int choice);
 // Of the printer that the strip below the tools tells of.
-bool WantsPaper(const Console* c);
 std::string WhyNotLoadPaper(const Console* c);
 void LoadPaper(Console* c);
 

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "app/format/words.h"
 #include "app/work/spawn.h"
 #include "printserver/visible.h"
 
@@ -255,7 +256,7 @@ std::string SizeWords(const Preview& preview) {
   if (preview.width_mm > 0 && preview.height_mm > 0)
     return Rounded(preview.width_mm) + " × " + Rounded(preview.height_mm) + " mm";
   if (preview.original_width == 0) return "";
-  return std::to_string(preview.original_width) + " × " + std::to_string(preview.original_height) +
+  return NumberText(preview.original_width) + " × " + NumberText(preview.original_height) +
          " pixels";
 }
 

@@ -111,7 +111,7 @@ TEST_F(FolderTest, AStartInOneThatHangsLeadsElsewhere) {
   XwTimer(pump_, 1, 20);
   ASSERT_TRUE(HeadSays("No answer for 3 s: deep"));
   EXPECT_EQ(c_->files.folder.path(), start);
-  EXPECT_FALSE(CanPrint(c_));
+  EXPECT_EQ(WhyNotPrintSelected(c_), "No file is selected");
   Key(kEscapeKey);
   EXPECT_NE(c_->reader.request(), nullptr);
   PressCrumb(c_, 0);
@@ -233,7 +233,7 @@ TEST_F(FolderTest, AFolderThatGoesAwayIsShownEmptyAndComesBack) {
   std::filesystem::remove_all(home_.At(kFolder));
   ASSERT_TRUE(Until([&] { return !c_->files.folder.trouble().empty(); }));
   EXPECT_EQ(c_->files.folder.count(), 0);
-  EXPECT_FALSE(CanPrint(c_));
+  EXPECT_EQ(WhyNotPrintSelected(c_), "No file is selected");
   Click(c_->layout.print);
   EXPECT_TRUE(c_->state.transfers.empty());
   home_.Folder(kFolder);

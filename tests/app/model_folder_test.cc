@@ -168,7 +168,8 @@ TEST(Selection, FollowsButtonsAndKeys) {
   s.ToggleFocus(), is("ae", 0);
   s.MoveTo(rows, -5, none), is("a", 0);
   s.All(rows), is("abcdefgh", 0);
-  s.Press(rows, -1, none), s.DragTo(rows, 3), is("", -1);
+  s.Press(rows, -1, none), s.DragTo(rows, 5), is("fgh", 5);
+  s.DragTo(rows, 8), is("", -1);
 }
 
 TEST(Selection, HandsNothingOnWhenRowsChange) {

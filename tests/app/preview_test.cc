@@ -84,8 +84,9 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
   const Case cases[] = {
       {"small", [](auto& p) { WritePng(p, {}); }, "PNG picture", "RGB", "60 × 40 pixels", 1, 60, 40,
        "bwww"},
-      {"seen through", [](auto& p) { WritePng(p, {.width = 600, .height = 400, .opacity = true}); },
-       "PNG picture", "RGB, transparent", "600 × 400 pixels", 1, 300, 200, "bwww"},
+      {"seen through",
+       [](auto& p) { WritePng(p, {.width = 1200, .height = 400, .opacity = true}); }, "PNG picture",
+       "RGB, transparent", "1,200 × 400 pixels", 1, 300, 100, "bwww"},
       {"turned camera",
        [](auto& p) { WriteJpeg(p, {.width = 600, .height = 400, .orientation = 6}); },
        "JPEG picture", "RGB", "67.7 × 102 mm", 1, 200, 300, "wbww"},

@@ -17,6 +17,7 @@ using testing_daemon::Daemon;
 
 constexpr uint32_t kTabKey = 0xFF09, kReturnKey = 0xFF0D;
 constexpr uint32_t kLeftKey = 0xFF51, kUpKey = 0xFF52, kRightKey = 0xFF53, kDownKey = 0xFF54;
+constexpr uint32_t kEndKey = 0xFF57;
 
 void Hear(void*, uint64_t, platform::Change) {}
 
@@ -169,6 +170,18 @@ TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   Turn(2);
   EXPECT_EQ(Node("Attention").what.value, "");
+  // The key of a greyed command says why, until that is read; one that is held says it once.
+  Enter(home_.At("Empty"));
+  display::Modifiers(platform::controlKey);
+  display::KeyDown('p', 'p');
+  display::KeyDown('p', 'p');
+  display::KeyUp('p', 'p');
+  display::Modifiers(0);
+  Turn(400);
+  EXPECT_EQ(c_->status.message().text, "No file is selected");
+  EXPECT_EQ(c_->button_tips.front(), "No file is selected");
+  Key(0xFF1B);
+  EXPECT_FALSE(c_->status.HasError());
 }
 
 // The preferences lie in a file below the home folder.
@@ -291,6 +304,38 @@ TEST_F(PanesTest, WhatANarrowWindowHidesOpensByItsKey) {
   ControlKey('8');
   EXPECT_TRUE(c_->layout.printers.Empty());
   EXPECT_EQ(c_->stop, FocusStop::kFiles);
+}
+
+TEST_F(PanesTest, DetailsScrollWhereTheyHaveTooLittleRoom) {
+  Reopen();
+  Enter(home_.At(kFolder));
+  Resize(760, 480);
+  ControlKey('9');
+  Click(FileRow(kLongName));
+  EXPECT_EQ(Node("Name").help, kLongName);
+  const auto picture = [] {
+    const platform::Rect r = Node("Preview").what.bounds;
+    return r.bottom - r.top;
+  };
+  const int whole = picture();
+  ASSERT_GT(whole, 0);
+  Key(kTabKey);
+  EXPECT_EQ(c_->stop, FocusStop::kDetails);
+  Key(kEndKey);
+  EXPECT_LT(picture(), whole);
+  const Area a = c_->layout.details;
+  display::MovePointer(c_->window->x + a.x + a.w / 2, c_->window->y + a.y + a.h / 2);
+  display::Scroll(0, -1000);
+  Turn(3);
+  EXPECT_EQ(picture(), whole);
+  // Another document begins at its top; where all of it has room, Tab passes the pane.
+  Key(kEndKey);
+  Click(FileRow("second.txt"));
+  EXPECT_EQ(picture(), whole);
+  Resize(1300, 1000);
+  EXPECT_GT(picture(), whole);
+  Key(kTabKey);
+  EXPECT_EQ(c_->stop, FocusStop::kQueue);
 }
 
 }  // namespace

@@ -235,6 +235,29 @@ TEST(Dragging, SelectsRowsAndScrollsBeyondTheEdge) {
   EXPECT_TRUE(t.Drag(9, middle(2)));
   t.Release();
   EXPECT_EQ(Chosen(list), "2 3 ");
+  // From the empty room below the rows: what lies between that and the pointer.
+  const auto press_below = [&t](SelectionKeys keys) {
+    t.Press({kOwner, Table::kBody, 0}, 5, keys);
+    EXPECT_FALSE(t.Drag(9, t.RowArea(4).y + 30));
+  };
+  press_below({});
+  EXPECT_EQ(Chosen(list), "");
+  t.Drag(9, middle(2));
+  EXPECT_EQ(Chosen(list), "2 3 ");
+  t.Drag(9, middle(6));
+  EXPECT_EQ(Chosen(list), "");
+  t.Drag(9, middle(3));
+  t.Release();
+  EXPECT_EQ(Chosen(list), "3 ");
+  press(1);
+  t.Release();
+  press_below({false, true});
+  t.Drag(9, middle(3));
+  EXPECT_EQ(Chosen(list), "1 3 ");
+  EXPECT_TRUE(t.Cancel());
+  press_below({});
+  EXPECT_TRUE(t.Cancel());
+  EXPECT_EQ(Chosen(list), "1 ");
 }
 
 TEST(Keys, SelectRangesWithShiftAndWalkWithControl) {

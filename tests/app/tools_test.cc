@@ -1,6 +1,8 @@
 // The tool bar, the menus and the keys of commands, on the headless display.
 #include <gtest/gtest.h>
 
+#include "app/format/cut.h"
+#include "app/look/style.h"
 #include "app/window/commands.h"
 #include "app/window/print_options.h"
 #include "tests/app/console_fixture.h"
@@ -128,6 +130,29 @@ TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
   Turn(2);
   Key(kEscapeKey);
   EXPECT_EQ(c_->files.FilterText(), "");
+}
+
+TEST_F(ConsoleTest, ALongNameIsCutOnceForTheWidthOfItsBox) {
+  Open("127.0.0.9:1");
+  NC_Printer printer{};
+  strcpy(printer.name, "Großformat-Plotter im Keller, links");
+  c_->state.printers = std::make_shared<std::vector<NC_Printer>>(1, printer);
+  int characters = 0;
+  for (const int width : {760, 1300, 2440}) {
+    XwMove(c_->window, c_->window->x, c_->window->y, width, 800);
+    Turn(3);
+    UpdateControls(c_);
+    char text[100];
+    XwGetTextUtf8(c_->tools.printer(), text, sizeof text);
+    const char* dots = strstr(text, "…");
+    ASSERT_NE(dots, nullptr) << text;
+    EXPECT_TRUE(std::string(printer.name).ends_with(dots + strlen("…"))) << text;
+    EXPECT_LT(XwTextWidthUtf8(TheStyle().normal, text), c_->layout.printer.w - 32) << text;
+    EXPECT_GE(CharacterCount(text), characters);
+    characters = CharacterCount(text);
+  }
+  EXPECT_EQ(characters, 22);
+  EXPECT_EQ(Node("Printer").help, printer.name);
 }
 
 }  // namespace
