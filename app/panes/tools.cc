@@ -31,11 +31,6 @@ std::vector<std::string> NamesOf(const std::vector<NC_Profile>& profiles) {
   return names;
 }
 
-// What the well shows.
-int32_t ColorOf(int rgb) {
-  return rgb < 0 ? TheStyle().face : FromRgb(rgb);
-}
-
 }  // namespace
 
 const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& state) {
@@ -71,8 +66,12 @@ void ToolsPane::MakeControls(XwWindow* w) {
   XwDescribeControl(priority, "Priority");
   hold = XwCheckBox(w, "Hold next", kHoldNextControl, 0, 0, kShown, choice_->hold);
   XwDescribeControl(hold, "Hold Next Job");
-  colour = XwColor(w, "", kColourCommand, 0, 0, 9, 9, kShown | XWC_ICON, ColorOf(choice_->colour));
+  XwSetTip(copies, 0, ("Copies of the next job, 1 to " + NumberText(kMostCopies)).c_str());
+  XwSetTip(priority, 0, "Priority of the next job: the highest is printed first");
+  XwSetTip(hold, 0, "The next job waits until it is released (Ctrl+J)");
+  colour = XwColor(w, "", kColourCommand, 0, 0, 9, 9, kShown | XWC_ICON, 0);
   XwDescribeControl(colour, "Colour");
+  no_colour = MakeIconButton(w, ToolIcon::kNoColour, kColourCommand, "Colour");
   options = MakeIconButton(w, ToolIcon::kOptions, kOptionsCommand, "Print Options");
 }
 
@@ -85,8 +84,14 @@ void ToolsPane::Place(const Layout& l) {
   PlaceControl(copies, l.copies);
   PlaceControl(priority, l.slider);
   PlaceControl(hold, l.hold);
-  PlaceControl(colour, l.colour);
+  colour_area_ = l.colour;
+  PlaceColour();
   PlaceControl(options, l.options);
+}
+
+void ToolsPane::PlaceColour() {
+  for (XwWindow* control : {colour, no_colour})
+    PlaceControl(control, control == ShownColour() ? colour_area_ : Area{});
 }
 
 void ToolsPane::Update(const ServerState& state, bool enabled) {
@@ -168,7 +173,9 @@ void ToolsPane::ShowChoice() {
   if (!choice_->no_copies) XwSetValue(copies, choice_->copies);
   XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
   if ((XwGetValue(hold) == 1) != choice_->hold) XwSetValue(hold, choice_->hold);
-  if (XwGetValue(colour) != ColorOf(choice_->colour)) XwSetValue(colour, ColorOf(choice_->colour));
+  const int rgb = choice_->colour;
+  if (rgb >= 0 && XwGetValue(colour) != FromRgb(rgb)) XwSetValue(colour, FromRgb(rgb));
+  PlaceColour();
 }
 
 void ToolsPane::FitMedia(const ServerState& state) {

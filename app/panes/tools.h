@@ -38,15 +38,20 @@ class ToolsPane {
   // The media that the chosen printer has; another one that was chosen is so no longer.
   void FitMedia(const ServerState& state);
 
-  XwWindow *print = nullptr, *refresh = nullptr, *colour = nullptr, *options = nullptr;  // commands
+  XwWindow *print = nullptr, *refresh = nullptr, *options = nullptr;  // commands
+  XwWindow *colour = nullptr, *no_colour = nullptr;                   // the same; one of them shows
   XwWindow *copies = nullptr, *priority = nullptr, *hold = nullptr;
+  XwWindow* ShownColour() const { return choice_->colour < 0 ? no_colour : colour; }
   XwWindow* printer() const { return printer_.control(); }
   XwWindow* profile() const { return profile_.control(); }
   XwWindow* media() const { return media_.control(); }
 
  private:
+  void PlaceColour();
+
   PrintChoice* choice_;
   NameChoice printer_, profile_, media_;
+  Area colour_area_;
   int documents_ = 1;  // that the button tells of
 };
 

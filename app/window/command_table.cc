@@ -9,14 +9,6 @@
 namespace console {
 namespace {
 
-// --- File
-
-std::string WhyNotOpen(const Console* c) {
-  if (c->files.table.selected() >= 0) return "";
-  const auto& [files, folders, bytes] = c->files.Chosen();
-  return files + folders == 0 ? "No file is selected" : "More than one file is selected";
-}
-
 // --- Edit: of the box with the keyboard
 
 template <int action>

@@ -23,23 +23,12 @@ void MakeControls(Console* c) {
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
-  c->buttons = {c->tools.print,
-                c->tools.refresh,
-                c->tools.colour,
-                c->tools.options,
-                head.hold,
-                head.release,
-                head.again,
-                head.remove,
-                c->status.stop_sending,
-                c->status.dismiss,
-                c->status.cancel_queued,
-                c->files.show_all,
-                c->queue.show_all,
-                c->banner.retry,
-                c->banner.start_server,
-                c->needs.load,
-                c->needs.choose};
+  c->buttons = {c->tools.print,         c->tools.refresh,  c->tools.colour,
+                c->tools.no_colour,     c->tools.options,  head.hold,
+                head.release,           head.again,        head.remove,
+                c->status.stop_sending, c->status.dismiss, c->status.cancel_queued,
+                c->files.show_all,      c->queue.show_all, c->banner.retry,
+                c->banner.start_server, c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -81,7 +70,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
     case FocusStop::kHold:
       return c->tools.hold;
     case FocusStop::kColour:
-      return c->tools.colour;
+      return c->tools.ShownColour();
     case FocusStop::kOptions:
       return c->tools.options;
     case FocusStop::kFilter:
