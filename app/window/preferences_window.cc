@@ -281,7 +281,7 @@ void MakeControls(PreferencesWindow* w) {
   PlaceControl(w->recent, {kServerArea.right() + 4, kServerArea.y, kArrow, kRow});
   w->seconds = MakeBox(w->window, "Ask every", kSecondsBox, kSecondsArea, true);
   MakeLabel(w->window, "Print on", kPrinterArea);
-  w->printers.Make(w->window, kPrinterList, "Default Printer", "The server’s default");
+  w->printers.Make(w->window, kPrinterList, "Default Printer", "The one used last");
   PlaceControl(w->printers.control(), kPrinterArea);
   MakeLabel(w->window, "When away", kStartArea);
   w->start =
