@@ -96,6 +96,12 @@ void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {
     if (chosen_.empty() && p.is_default) chosen_ = p.name;
 }
 
+std::vector<std::string> Printers::Names() const {
+  std::vector<std::string> names;
+  for (const PrinterRow& row : rows_) names.push_back(row.printer->name);
+  return names;
+}
+
 const PrinterRow* Printers::Find(const std::string& name) const {
   for (const PrinterRow& row : rows_)
     if (name == row.printer->name) return &row;

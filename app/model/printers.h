@@ -45,6 +45,8 @@ class Printers {
   void Show(std::shared_ptr<const std::vector<NC_Printer>> printers);
 
   const std::vector<PrinterRow>& rows() const { return rows_; }
+  // Their names as the server has them, in the same order.
+  std::vector<std::string> Names() const;
   bool known() const { return printers_ != nullptr; }
   // By its name as the server has it; null when there is none.
   const PrinterRow* Find(const std::string& name) const;

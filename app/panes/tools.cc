@@ -19,12 +19,6 @@ XwWindow* MakeIconButton(XwWindow* window, ToolIcon icon, int id, const char* na
   return b;
 }
 
-std::vector<std::string> NamesOf(const std::vector<NC_Printer>& printers) {
-  std::vector<std::string> names;
-  for (const NC_Printer& p : printers) names.push_back(p.name);
-  return names;
-}
-
 std::vector<std::string> NamesOf(const std::vector<NC_Profile>& profiles) {
   std::vector<std::string> names;
   for (const NC_Profile& p : profiles) names.push_back(p.name);
@@ -94,9 +88,9 @@ void ToolsPane::PlaceColour() {
     PlaceControl(control, control == ShownColour() ? colour_area_ : Area{});
 }
 
-void ToolsPane::Update(const ServerState& state, bool enabled) {
+void ToolsPane::Update(const ServerState& state, std::vector<std::string> printers, bool enabled) {
   const NC_Printer* p = ChosenPrinter(*choice_, state);
-  printer_.Show(NamesOf(*state.printers), p ? p->name : choice_->printer, enabled);
+  printer_.Show(std::move(printers), p ? p->name : choice_->printer, enabled);
   profile_.Show(NamesOf(*state.profiles), choice_->profile, enabled);
   media_.Show(MediaOf(p), choice_->media, enabled);
   for (XwWindow* control : {copies, priority, hold}) EnableControl(control, enabled);

@@ -20,7 +20,7 @@ class ToolsPane {
   void MakeControls(XwWindow* window);
   void Place(const Layout& layout);
   // What can be chosen now. `enabled`: whether anything can.
-  void Update(const ServerState& state, bool enabled);
+  void Update(const ServerState& state, std::vector<std::string> printers, bool enabled);
   // How many the button would print.
   void ShowDocuments(int n);
   void Draw(const Layout& layout) const;

@@ -115,7 +115,7 @@ void UpdateControls(Console* c) {
   c->files.Update();
   c->queue.Update();
   ShowButtons(c);
-  c->tools.Update(c->state, !c->asking);
+  c->tools.Update(c->state, c->printers.Names(), !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.Enable(!c->asking);

@@ -135,10 +135,8 @@ void Draw(PreferencesWindow* w) {
 // What follows the texts and the server.
 void Update(PreferencesWindow* w) {
   const Console* c = w->console;
-  std::vector<std::string> names;
-  for (const NC_Printer& p : *c->state.printers) names.push_back(p.name);
   // Those of another server are not known.
-  w->printers.Show(names, w->printer, Host(TextOf(w->server)) == c->server.host());
+  w->printers.Show(c->printers.Names(), w->printer, Host(TextOf(w->server)) == c->server.host());
   EnableControl(w->save, ServerIsGood(w) && SecondsOf(w) > 0);
   Draw(w);
 }

@@ -59,13 +59,13 @@ void OpenBelow(Console* c, const Area& a) {
 std::vector<CommandChoice> NextPrinterChoices(const Console* c) {
   const NC_Printer* chosen = ChosenPrinter(c->choice, c->state);
   std::vector<CommandChoice> choices;
-  for (const NC_Printer& p : *c->state.printers)
-    choices.push_back(Named(p.name, chosen ? chosen->name : c->choice.printer));
+  for (const std::string& name : c->printers.Names())
+    choices.push_back(Named(name, chosen ? chosen->name : c->choice.printer));
   return choices;
 }
 void ChooseNextPrinter(Console* c, int choice) {
-  if (size_t(choice) >= c->state.printers->size()) return;
-  ChoosePrinter(c, (*c->state.printers)[size_t(choice)].name);
+  const std::vector<std::string> names = c->printers.Names();
+  if (size_t(choice) < names.size()) ChoosePrinter(c, names[size_t(choice)]);
 }
 
 std::vector<CommandChoice> NextProfileChoices(const Console* c) {
