@@ -209,10 +209,12 @@ PrintOrder UsualOrder(const Console* c) {
 
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   const int n = int(orders.size());
+  const std::string printer = orders.empty() ? "" : orders.front().printer;
   c->just_sent += n;
   c->last_queued = c->server.Send(std::move(orders));
   c->first_queued = c->last_queued - n + 1;
   std::string text = NumberOf(n, "document", "documents") + " queued";
+  if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
   if (IsAway(c->state.link)) text += ", to be sent when " + c->server.host() + " is back";
   Tell(c, true, text);
