@@ -76,6 +76,10 @@ class Printers {
   std::string chosen_;
 };
 
+// The names of the media that it has, in its order; null: none.
+std::vector<std::string> MediaOf(const NC_Printer* printer);
+// Also where the server does not say what it has.
+bool HasMedia(const NC_Printer& printer, const std::string& media);
 // "name:percent" with commas between, as records have them; what is none is left out.
 std::vector<Supply> SuppliesOf(const char* text);
 

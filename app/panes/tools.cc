@@ -36,17 +36,6 @@ const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& st
   return choice.printer.empty() ? standard : nullptr;
 }
 
-std::vector<std::string> MediaOf(const NC_Printer* printer) {
-  std::vector<std::string> media;
-  std::string_view rest = printer ? printer->media : "";
-  while (!rest.empty()) {
-    const size_t end = std::min(rest.find(','), rest.size());
-    if (end > 0) media.emplace_back(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
-  return media;
-}
-
 void ToolsPane::MakeControls(XwWindow* w) {
   print = MakeIconButton(w, ToolIcon::kPrint, kPrintCommand, "Print", XWC_BESIDE);
   XwSetTextUtf8(print, "Print");

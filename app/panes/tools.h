@@ -1,6 +1,7 @@
 // The tool bar: printing what is selected, moving about, and how the next file is printed.
 #pragma once
 #include "app/model/print_choice.h"
+#include "app/model/printers.h"
 #include "app/panes/layout.h"
 #include "app/panes/name_choice.h"
 #include "app/server/server.h"
@@ -9,8 +10,6 @@ namespace console {
 
 // The printer that the next file goes to; null when the server's list has none such.
 const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& state);
-// What it prints on; empty where that is not known.
-std::vector<std::string> MediaOf(const NC_Printer* printer);
 
 class ToolsPane {
  public:
