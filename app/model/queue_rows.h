@@ -41,7 +41,7 @@ struct Outgoing {
   int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
   int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
-  int priority = 50;
+  int priority = 50, copies = 1;
   std::string trouble;  // of a failed one, why
 };
 

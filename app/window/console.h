@@ -246,8 +246,10 @@ void WatchFolder(Console* c);
 void WatchShownFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the folder that is selected alone; of a file it says how it is printed.
+// Enters the folder that is selected alone, or says why not.
 void OpenSelected(Console* c);
+// A sentence without its full stop, "" when it can be.
+std::string WhyNotOpen(const Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
