@@ -70,9 +70,9 @@ void DrawPixels(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels,
       [&](int d) { return SourceOf(c, top, d, h); });
 }
 
-// The source pixel of the `at`th of `of` device pixels, which its middle lies in. A picture that has
-// as many as its logical length asks for is shown one to one, though the edges of the rectangle are
-// rounded each for itself: its last pixel is left out, or shown twice.
+// The source pixel of the `at`th of `of` device pixels: the one that its middle lies in. A picture
+// that has as many as its logical length asks for is shown one to one, though the rectangle's edges
+// are rounded one by one: its last pixel is left out, or shown twice.
 static int NearestPixel(const Context* c, int at, int count, int of, int length) {
   if (count == std::lround(length * c->scale)) return std::min(at, count - 1);
   return int((2 * int64_t{at} + 1) * count / (2 * int64_t{of}));
@@ -86,8 +86,7 @@ void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels
     if (std::abs(edge) == kFarDevice) return;
   if (r.width() == width && r.height() == height) return DrawUnscaled(c, r, pixels, width);
   DrawScaled(
-      c, r, pixels, width,
-      [&](int d) { return NearestPixel(c, d - r.left, width, r.width(), w); },
+      c, r, pixels, width, [&](int d) { return NearestPixel(c, d - r.left, width, r.width(), w); },
       [&](int d) { return NearestPixel(c, d - r.top, height, r.height(), h); });
 }
 

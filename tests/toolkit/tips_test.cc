@@ -246,8 +246,8 @@ TEST(Scale, PicturesHaveTheDevicesPixels) {
   }
 }
 
-// At 1.5 a rectangle of 5 columns is 7 or 8 wide on the device, by where it begins; a picture for it
-// has 8.
+// At 1.5 a rectangle of 5 columns is 7 or 8 wide on the device, by where it begins; a picture for
+// it has 8.
 TEST(Scale, APictureOfTheRectanglesSizeIsShownOneToOne) {
   setenv("XW_SCALE", "1.5", 1);
   ControlScreen s;
