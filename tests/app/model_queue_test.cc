@@ -231,7 +231,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(history, "Submitted Begun Failed ");
   EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
   EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
-  const ChangeOutcome moved{.verb = Verb::kMove, .done = 2, .printer = "Proof", .lacks = "A1"};
+  ChangeOutcome moved;
+  moved.verb = Verb::kMove, moved.done = 2, moved.printer = "Proof", moved.lacks = "A1";
   EXPECT_EQ(OutcomeMessage(moved).text, "Moved to “Proof”, which has no A1: 2 jobs");
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
