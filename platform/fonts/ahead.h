@@ -14,8 +14,9 @@ void BeginOpening(void (*open)());
 // Waits for that. Without another thread it runs `open`, and faces are opened by their first use.
 void FinishOpening(void (*open)());
 
-// Makes the masks of the commonest characters at a scale, in fonts whose faces are open. They can
-// be measured meanwhile. What else needs fonts first calls the second, which leaves what is made.
+// Makes the masks of the commonest characters at a scale, in fonts whose faces are open; they can
+// be measured at the same time. What else needs fonts calls StopGlyphs first, which leaves what is
+// made.
 void BeginGlyphs(std::vector<SizedFont*> fonts, double scale);
 void StopGlyphs();
 
