@@ -243,7 +243,8 @@ Area Table::HeadArea(int column) const {
   const Column& shape = columns_[size_t(column)];
   const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
   const bool to_the_edge = NextColumn(column) < 0 && shape.align != Align::kRight;
-  const int right = std::min(c.right() - (to_the_edge ? 0 : HeadEnd(shape)), area_.right());
+  const int right =
+      to_the_edge ? area_.right() : std::min(c.right() - HeadEnd(shape), area_.right());
   return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
 }
 
