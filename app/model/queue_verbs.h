@@ -25,6 +25,7 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
 // One step of a reordering: `job` is to stand directly before `before`.
 struct Reordering {
   JobId job, before;
+  std::string document;  // of `job`
 };
 // What a drag of rows to the gap before row `gap` (count(): behind the last) asks of the server: a
 // step for each job, in order. Empty when nothing is to be done; then *why_not says why, if there

@@ -78,6 +78,13 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
   return words;
 }
 
+std::string UnsentText(const Unsent& unsent) {
+  const std::string could_not = " could not be sent";
+  if (unsent.waiting == 0) return NumberOf(unsent.failed, "document", "documents") + could_not;
+  return NumberOf(unsent.waiting, "document has", "documents have") + " not been sent" +
+         (unsent.failed ? ", " + NumberText(unsent.failed) + could_not : "");
+}
+
 namespace {
 
 // What is not known is left out.

@@ -215,9 +215,9 @@ void PrintersPane::DrawSupplies(Area a) const {
               l.second);
     line.TakeLeft(6);
     const Area bar{line.x, line.y + 5, line.w, 8};
-    XwRoundBox(bar.x, bar.y, bar.w, bar.h, 4, l.track, l.progress_line);
+    XwRoundBox(bar.x, bar.y, bar.w, bar.h, bar.h / 2, l.track, l.progress_line);
     const int full = s.percent < 0 ? 0 : bar.w * s.percent / 100;
-    if (full > 0) XwRoundBox(bar.x, bar.y, std::max(full, 4), bar.h, 4, ink, -1);
+    if (full > 0) XwRoundBox(bar.x, bar.y, std::max(full, bar.h), bar.h, bar.h / 2, ink, -1);
   }
 }
 

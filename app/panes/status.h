@@ -46,7 +46,7 @@ struct StatusPane {
   const Layout& layout;
   const ServerState& state;
   const std::string& host;
-  bool offers_cancel = false;  // of what was queued last
+  int queued = 0;  // of the documents that were queued last, how many can be cancelled
   XwWindow *stop_sending = nullptr, *dismiss = nullptr, *cancel_queued = nullptr;  // of commands
 
  private:
@@ -57,6 +57,7 @@ struct StatusPane {
 
   Notices notices_;
   int64_t now_ms_ = 0;  // counted by Tick
+  std::string cancel_text_;
 };
 
 }  // namespace console

@@ -28,6 +28,13 @@ inline bool IsAway(Link link) {
   return link == Link::kAway || link == Link::kRefused;
 }
 
+// A job that is to be changed. Its name was seen by who asked: the job itself may have left the
+// queue since.
+struct NamedJob {
+  JobId id{};
+  std::string document;
+};
+
 // What is to be done to jobs.
 struct JobChange {
   Verb verb = Verb::kHold;
@@ -45,6 +52,7 @@ struct PrintOrder {
   int copies = 1, priority = 50;
   int32_t colour = -1;  // 0xRRGGBB, -1: none
   bool hold = false;
+  int64_t size = 0;  // bytes, as far as they are known; what is sent is what the file has then
 };
 
 // What a transfer is doing.
@@ -55,9 +63,12 @@ struct Transfer {
   PrintOrder order;
   Sending state = Sending::kWaiting;
   int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
+  int64_t modified_ns = 0;                // of its file, as the size; 0: it is not opened yet
   int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
   std::string text;                       // of a failed one, why
+  int first = 0;    // the number of the first one that was ordered together with it
+  int arrived = 0;  // of those, how many are at the server
 };
 
 // Something that a person should be told once.
@@ -66,10 +77,22 @@ struct Notice {
   int number = 0;  // from 1 on
 };
 
+// A file that was sent, as it was then.
+struct SentFile {
+  std::string path;
+  int64_t size = 0;         // bytes
+  int64_t modified_ns = 0;  // since 1970; 0: it is not opened yet
+};
+inline SentFile FileOf(const Transfer& t) {
+  return {t.order.path, t.size, t.modified_ns};
+}
+
 // A transfer that has become a job.
 struct Arrival {
   int number;
   JobId id;
+  std::string document;
+  SentFile file;
 };
 
 // What is asked for now and then.
@@ -134,7 +157,7 @@ class Server {
   void Retry(int number);
   // Does it to each of them, in this order, and tells what has come of it once. The state shows at
   // once that it is under way.
-  void Change(const std::vector<JobId>& jobs, const JobChange& change);
+  void Change(const std::vector<NamedJob>& jobs, const JobChange& change);
   // Puts jobs before others, one step after the other.
   void Reorder(const std::vector<Reordering>& steps);
   // Sets something of a printer; a notice tells what has come of it.

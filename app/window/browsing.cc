@@ -102,6 +102,16 @@ void NotEntered(Console* c, const FolderReading& r) {
   Listed(c);
 }
 
+// Somebody has removed or renamed the folder that is shown.
+void LeaveLostFolder(Console* c) {
+  const std::string path = c->files.folder.path();
+  c->status.Tell(
+      Tone::kWarning,
+      Quoted(LastName(path)) + " is not there any more: the nearest folder above it is shown");
+  AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
+}
+
+// What cannot be read just now is shown empty, and may come back; what is gone is left.
 void ReadAgain(Console* c, FolderReading* r) {
   if (r->error == 0)
     c->files.folder.Show(std::move(r->content));
@@ -109,6 +119,7 @@ void ReadAgain(Console* c, FolderReading* r) {
     c->files.folder.Lose(r->error, r->stamp);
   ShowFreeRoom(c, *r);
   Listed(c);
+  if (r->error == ENOENT || r->error == ENOTDIR) LeaveLostFolder(c);
 }
 
 std::string SilenceText(const std::string& path, int seconds) {

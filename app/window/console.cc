@@ -231,6 +231,7 @@ void ServerChanged(Console* c, ServerState state) {
   if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
   if (c->banner.Follow()) LayOutWindow(c);
+  NoteSent(c);
   StartServerByItself(c);
   RememberServer(c);
   UpdatePreferences();
@@ -467,10 +468,12 @@ void UpdateDetails(Console* c) {
   if (c->stop != FocusStop::kDetails) c->tells_of_jobs = IsInQueue(c->stop);
   c->details.selected = c->files.table.selected();
   c->details.jobs = c->tells_of_jobs && !c->queue.Selected().empty() ? &c->queue : nullptr;
+  c->details.job_file = c->details.jobs ? FileOfJob(c).path : "";
   c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (!(c->damage & (kFolderPane | kDetailsPane))) return;
   c->details.Update();
   UpdatePreview(c);
+  c->details.Update();  // of one whose preview has gone less is known
 }
 
 }  // namespace

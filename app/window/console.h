@@ -8,6 +8,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/model/queue_words.h"
 #include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
@@ -132,6 +133,7 @@ struct Console {
   Server server;
   ServerState state;
   int last_notice = 0;                    // that was shown
+  std::vector<Arrival> sent;              // from this window, the last ones last
   int just_sent = 0;                      // orders that are not yet in the state
   int first_queued = 0, last_queued = 0;  // numbers of the last orders that were given together
   PrintChoice choice;
@@ -351,6 +353,10 @@ void UpdateLists();
 void UpdatePreview(Console* c);
 // One is there.
 void TakePreview(Console* c);
+// Keeps which files the jobs that have just arrived are.
+void NoteSent(Console* c);
+// The file of the only job that is selected; no path where it is not known.
+SentFile FileOfJob(const Console* c);
 // The same, as the result of a background task.
 void ShowPreview(void* data, int taken);
 
@@ -359,9 +365,9 @@ void ShowPreview(void* data, int taken);
 PrintOrder UsualOrder(const Console* c);
 // Queues them and says how many; `left_out` of those that were meant are none.
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
-// Those of the last time that still wait to be sent.
+// Those of the last time that still wait to be sent: how many, or why none can be cancelled.
+int QueuedLast(const Console* c);
 std::string WhyNotCancelQueued(const Console* c);
-bool CanCancelQueued(const Console* c);
 void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
@@ -375,7 +381,7 @@ void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
 // Documents that are given up when the console leaves the server.
-int Unsent(const Console* c);
+Unsent UnsentDocuments(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

@@ -1,4 +1,5 @@
 // The console's controls: those of the tools, of the tables, and the buttons of commands.
+#include <algorithm>
 #include <utility>
 
 #include "app/format/words.h"
@@ -110,7 +111,7 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
-  c->status.offers_cancel = CanCancelQueued(c);
+  c->status.queued = QueuedLast(c);
   c->status.Update();
   c->files.Update();
   c->queue.Update();
@@ -225,8 +226,10 @@ void PrintSelected(Console* c) {
   std::vector<PrintOrder> orders;
   for (const std::string& name : c->files.selection.Ids()) {
     const int row = c->files.folder.Find(name);
-    if (c->files.folder.At(row).folder) continue;
+    const FolderEntry e = c->files.folder.At(row);
+    if (e.folder) continue;
     PrintOrder& order = orders.emplace_back(usual);
+    order.size = e.size;
     order.path = c->files.folder.PathOf(row);
     order.document = name;
   }
@@ -236,15 +239,16 @@ void PrintSelected(Console* c) {
   c->damage |= kToolsPane | kDetailsPane;
 }
 
-std::string WhyNotCancelQueued(const Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.number >= c->first_queued && t.number <= c->last_queued && t.state == Sending::kWaiting)
-      return "";
-  return "None of the documents that were queued last waits to be sent";
+int QueuedLast(const Console* c) {
+  const auto& all = c->state.transfers;
+  return int(std::count_if(all.begin(), all.end(), [c](const Transfer& t) {
+    return t.number >= c->first_queued && t.number <= c->last_queued &&
+           t.state == Sending::kWaiting;
+  }));
 }
 
-bool CanCancelQueued(const Console* c) {
-  return WhyNotCancelQueued(c).empty();
+std::string WhyNotCancelQueued(const Console* c) {
+  return QueuedLast(c) > 0 ? "" : "None of the documents that were queued last waits to be sent";
 }
 
 void CancelQueued(Console* c) {

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "app/format/cut.h"
-#include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/look/hits.h"
@@ -144,11 +143,10 @@ void Update(PreferencesWindow* w) {
 // --- Saving
 
 bool MayLeaveServer(const Console* c) {
-  const int unsent = Unsent(c);
-  if (unsent == 0) return true;
-  const std::string message = CountText(unsent, "document has", "documents have") +
-                              " not been sent to " + CutMiddle(c->server.host(), kMostHost) +
-                              ". They are given up when the console leaves it.";
+  const Unsent unsent = UnsentDocuments(c);
+  if (!unsent.any()) return true;
+  const std::string message = UnsentText(unsent) + " to " + CutMiddle(c->server.host(), kMostHost) +
+                              ". What is not sent is given up when the console leaves the server.";
   return XwConfirmUtf8("!", "", message.c_str(), "Keep the Server", "Leave It", nullptr) == 2;
 }
 

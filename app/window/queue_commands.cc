@@ -100,17 +100,17 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
       CheckVerb(change.verb, c->queue.rows, ids, c->state.pending, c->state.link == Link::kReady);
   if (!check.possible()) return TellWhy(c, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
-  std::vector<JobId> jobs;
+  std::vector<NamedJob> jobs;
   for (const QueueId& id : check.on) {
     if (!id.outgoing)
-      jobs.push_back(id.job);
+      jobs.push_back({id.job, c->queue.rows.NameOf(id)});
     else if (change.verb == Verb::kRemove)
       c->server.Cancel(id.outgoing);
     else
       c->server.Retry(id.outgoing);
   }
   // The server's side tells the same a moment later.
-  for (const JobId& job : jobs) c->state.pending.Begin(job, change.verb, 0);
+  for (const NamedJob& job : jobs) c->state.pending.Begin(job.id, change.verb, 0);
   c->server.Change(jobs, change);
   if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;

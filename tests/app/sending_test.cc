@@ -26,6 +26,7 @@ class SendingTest : public ConsoleTest {
     Click(c_->queue.table.RowArea(0));
     ASSERT_EQ(c_->queue.table.selected(), 0);
     ASSERT_TRUE(c_->queue.rows.IdAt(0).outgoing);
+    EXPECT_EQ(c_->queue.rows.OutgoingAt(0)->size, 5000) << "known before it is opened";
     server_.Listen();
     c_->server.Refresh();
   }
@@ -96,6 +97,7 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
   Key('p', 'p');
   display::Modifiers(0);
   ASSERT_TRUE(QueueIs(0, 2));
+  EXPECT_TRUE(Until([&] { return c_->status.message().text == "2 documents are at the server"; }));
   Click(c_->queue.table.RowArea(0));
   display::Modifiers(platform::controlKey);
   Key('a', 'a');

@@ -4,10 +4,13 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
+#include <vector>
 
 #include "platform/display/screens.h"
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
+#include "platform/fonts/ahead.h"
 #include "platform/fonts/fonts.h"
 #include "platform/input/results.h"
 #include "platform/loop/start.h"
@@ -60,6 +63,19 @@ void LoadStandardFonts() {
   XWF_VIEW = Load(font, font.size, font.style);
 }
 
+// Of the fonts that windows, menus and lists are drawn with.
+void BeginCommonGlyphs() {
+  std::vector<SizedFont*> fonts;
+  for (const XwFont* font : {XWF_NORMAL, XWF_BOLD, XWF_VIEW, FT_SMALL})
+    fonts.push_back(static_cast<SizedFont*>(font->platform));
+  BeginGlyphs(std::move(fonts), MainScreen().scale);
+}
+
+void OpenFonts() {
+  ReopenFonts();
+  LoadStandardFonts();
+}
+
 }  // namespace
 
 void TakeScreenSize() {
@@ -68,7 +84,7 @@ void TakeScreenSize() {
 }
 
 void XwCocoaInit() {
-  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str())) exit(1);
+  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str(), OpenFonts)) exit(1);
   FillCursorTable();
 }
 
@@ -96,8 +112,7 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
-  ReopenFonts();
-  LoadStandardFonts();
+  BeginCommonGlyphs();
   InstallEventHandlers(nullptr);
   SetRecoloringWaits(ModalKeepsOutNative);
   DescribeWindows();
