@@ -83,6 +83,11 @@ const char* WhyNot(Verb verb, const Outgoing& out) {
 
 namespace {
 
+bool IsSoAlready(Verb verb, const NC_Job& job) {
+  if (verb == Verb::kRelease) return job.state == NC_JOB_WAITING || job.state == NC_JOB_PRINTING;
+  return verb == Verb::kHold && job.state == NC_JOB_HELD;
+}
+
 std::string NameOf(const QueueRows& rows, const QueueId& id) {
   const std::string name = rows.NameOf(id);
   return name.empty() ? "The job" : Quoted(name);
@@ -110,10 +115,11 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
       why = "A change of the job is under way";
     else
       why = WhyNot(verb, *job);
+    if (check.why_not.empty()) check.why_not = why;
     if (why.empty())
       check.on.push_back(id);
-    else if (check.why_not.empty())
-      check.why_not = why;
+    else if (!(job && IsSoAlready(verb, *job)) && check.left_out++ == 0)
+      check.why_left_out = why;
   }
   if (check.possible()) check.why_not.clear();
   if (selected.empty()) check.why_not = "No job is selected";

@@ -90,7 +90,7 @@ std::string StatusPane::ServerText() const {
       return "connecting…";
     case Link::kReady:
       if (s.quiet_s < 1) return "ready";
-      return "no answer for " + std::to_string(s.quiet_s) + " s";
+      return "no answer for " + NumberText(s.quiet_s) + " s";
     case Link::kAway:
       return "away";
     case Link::kRefused:

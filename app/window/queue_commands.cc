@@ -112,6 +112,9 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   // The server's side tells the same a moment later.
   for (const NamedJob& job : jobs) c->state.pending.Begin(job.id, change.verb, 0);
   c->server.Change(jobs, change);
+  if (check.left_out > 0)
+    TellWhy(c, NumberText(check.left_out) + " of " + NumberOf(int64_t(ids.size()), "job", "jobs") +
+                   " left out. " + check.why_left_out);
   if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;
 }
