@@ -212,7 +212,7 @@ void PrintersPane::DrawSupplies(Area a) const {
     if (line.h < kSupplyLine) return;
     const int32_t ink = SupplyColor(s, away);
     DrawLabel(l.small_text, Align::kLeft, line.TakeLeft(std::min(76, line.w / 2)), s.name,
-              l.second);
+              away ? Dimmed(l.second, l.side) : l.second);
     line.TakeLeft(6);
     const Area bar{line.x, line.y + 5, line.w, 8};
     XwRoundBox(bar.x, bar.y, bar.w, bar.h, bar.h / 2, l.track, l.progress_line);

@@ -83,17 +83,20 @@ void DrawCell(const Cells& row, QueueColumn column, const CellLook& cell) {
   auto text = [&](const std::string& s) {
     DrawLabel(TheStyle().view, cell.align, cell.area, s, cell.ink);
   };
+  auto name = [&](const std::string& s) {
+    text(CutToWidth(TheStyle().view, Shown(s), cell.area.w));
+  };
   switch (column) {
     case QueueColumn::kNumber:
       return DrawNumber(row, cell);
     case QueueColumn::kDocument:
       return DrawDocument(row, cell);
     case QueueColumn::kOwner:
-      return text(Shown(row.owner));
+      return name(row.owner);
     case QueueColumn::kPrinter:
-      return text(Shown(row.printer));
+      return name(row.printer);
     case QueueColumn::kProfile:
-      return text(Shown(row.profile));
+      return name(row.profile);
     case QueueColumn::kProgress:
       return DrawProgressCell(row.words, cell);
     case QueueColumn::kSize:

@@ -480,7 +480,13 @@ void Table::DrawHead(int column) const {
   const Column& c = columns_[size_t(column)];
   const Area all = ColumnArea(column);
   Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
-  if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (column == sort_) {
+    // From border to border: each is the end of a head.
+    int before = column - 1;
+    while (before >= 0 && HeadArea(before).Empty()) --before;
+    const int left = before < 0 ? head.x : HeadArea(before).right();
+    Fill({left, head.y, HeadArea(column).right() - left, head.h}, XwThemeColor(XWR_UTILITY));
+  }
   if (c.sorts) return;  // its button has all else
   if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
   Area text = CellArea(column, head.y, head.h);

@@ -83,6 +83,8 @@ class Table {
   void SetMuted(bool on) { muted_ = on; }
   // Shown in the middle of a table without rows, and below the rows where there is room; "": none.
   void SetNote(std::string text) { note_ = std::move(text); }
+  // Where it stands; empty where there is none, or no room.
+  Area NoteArea() const;
   // Where a button below the note stands; empty where there is no note, or no room.
   Area NoteButton() const;
   // The column that shows the arrow, -1 none.
@@ -153,7 +155,6 @@ class Table {
   bool Scrolls() const;
   Area Bar() const;
   // The line of the note; empty when it does not show.
-  Area NoteArea() const;
   Area HeadArea(int column) const;
   Area BorderArea(int column) const;
   void PlaceControls();
