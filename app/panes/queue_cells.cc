@@ -132,6 +132,8 @@ Outgoing OutgoingOf(const Transfer& t) {
   out.silent_s = t.silent_s;
   out.started = t.started;
   out.priority = t.order.priority;
+  out.copies = t.order.copies;
+  out.media = t.order.media;
   out.trouble = t.text;
   return out;
 }
