@@ -1,7 +1,6 @@
 #include "app/look/style.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "app/format/cut.h"
@@ -120,11 +119,10 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground) 
              on_accent ? Mix(l.on_accent, l.accent, 60) : l.progress_line);
   if (whole <= 0 || part <= 0) return;
   if (part > whole) part = whole;
-  const int w = std::max(1, int(double(a.w) * (double(part) / double(whole)) + 0.5));
-  // Narrower than its round ends it is a sliver as high as they are there.
-  const double r = a.h / 2.0, off = r - std::min(double(w), r) / 2;
-  const int h = w < a.h ? std::max(2, int(2 * std::sqrt(r * r - off * off))) : a.h;
-  XwRoundBox(a.x, a.y + (a.h - h) / 2, w, h, std::min(w, h) / 2, bar, -1);
+  const int w = int(double(a.w) * (double(part) / double(whole)) + 0.5);
+  // Both its ends are round: less than one of them does not show, and more shows as both.
+  if (w < a.h / 2) return;
+  XwRoundBox(a.x, a.y, std::max(w, a.h), a.h, a.h / 2, bar, -1);
 }
 
 void DrawDot(int x, int y, int32_t colour) {

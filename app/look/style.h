@@ -61,7 +61,7 @@ Area DrawStrip(Area a, int32_t dot);
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
 
-enum class ToolIcon : uint8_t { kRefresh, kOptions, kPrint, kCross };
+enum class ToolIcon : uint8_t { kRefresh, kOptions, kPrint, kCross, kNoColour };
 // 16 x 16, for buttons; kept for the life of the process.
 XwIcon* ButtonIcon(ToolIcon icon);
 
@@ -71,5 +71,8 @@ FileKind KindOf(const std::string& name);
 const char* KindText(FileKind kind);
 // In a field of 16 x 16; `background` shows through, `percent` of its colours.
 void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent);
+// A large folder in pale lines, for one that is empty.
+constexpr int kLargeFolderWidth = 44, kLargeFolderHeight = 32;
+void DrawLargeFolder(int x, int y);
 
 }  // namespace console

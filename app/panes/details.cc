@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <ctime>
+#include <optional>
 
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/style.h"
+#include "app/model/crumbs.h"
 #include "app/panes/document_picture.h"
 #include "app/panes/facts.h"
 #include "app/panes/ids.h"
@@ -73,11 +75,29 @@ std::vector<Fact> FactsOfDocument(const DetailsPane* p, const FolderEntry& e) {
   return facts;
 }
 
+bool IsOneJob(const DetailsPane* p) {
+  return p->jobs && p->jobs->Selected().size() == 1;
+}
+
 // Where all of it stands, in sight or not.
 struct Parts {
-  Area picture, facts, printer;
+  Area picture, trouble, facts, printer;
   int height = 0;
 };
+
+// What a picture is of.
+struct Pictured {
+  std::string name;
+  FileKind kind = FileKind::kOther;
+};
+std::optional<Pictured> PicturedBy(const DetailsPane* p) {
+  if (p->jobs && p->job_file.empty()) return {};
+  if (p->jobs) return Pictured{LastName(p->job_file), KindOf(p->job_file)};
+  if (p->selected < 0) return {};
+  const FolderEntry e = p->folder.At(p->selected);
+  if (e.folder) return {};
+  return Pictured{e.name, KindOf(e.name)};
+}
 
 int FactsHeight(const DetailsPane* p, int width) {
   if (p->jobs) return JobFactsHeight(*p->jobs, width);
@@ -87,10 +107,9 @@ int FactsHeight(const DetailsPane* p, int width) {
 
 // In a large pane a picture is larger: half of the height at most.
 int PictureHeight(const DetailsPane* p, int width, int height, int facts) {
-  if (p->jobs || p->selected < 0) return 0;
-  const FolderEntry e = p->folder.At(p->selected);
-  if (e.folder) return 0;
-  const int name = int(FactLines(Shown(e.name), width).size() - 1) * kNextFactLine;
+  const std::optional<Pictured> of = PicturedBy(p);
+  if (!of) return 0;
+  const int name = int(FactLines(Shown(of->name), width).size() - 1) * kNextFactLine;
   const int most = std::max(kUsualPicture, std::min(width * 5 / 4, height / 2));
   const int room = height - kTroubleLine - std::max(kFacts + name, facts) - kBelow;
   return std::clamp(room, kLeastPicture, most);
@@ -106,12 +125,14 @@ Parts LayOutParts(const DetailsPane* p) {
   const int facts = FactsHeight(p, a.w);
   const int picture = PictureHeight(p, a.w, view.h - printer, facts);
   Parts parts;
-  parts.height = (picture > 0 ? picture + kTroubleLine : 0) + facts + kBelow + printer;
+  // A job without one says so.
+  const int trouble = picture > 0 || IsOneJob(p) ? kTroubleLine : 0;
+  parts.height = picture + trouble + facts + kBelow + printer;
   a.h = std::max(parts.height, view.h);
   a.y -= p->scroll.top();
   parts.printer = a.TakeBottom(printer);
   parts.picture = a.TakeTop(picture);
-  if (picture > 0) a.TakeTop(kTroubleLine);
+  parts.trouble = a.TakeTop(trouble);
   parts.facts = a.TakeTop(facts);
   return parts;
 }
@@ -127,33 +148,29 @@ std::string SubjectOf(const DetailsPane* p) {
   return text;
 }
 
-void DrawPicture(const DetailsPane* p, const FolderEntry& e, const Area& box) {
-  if (box.Empty()) return;
-  const bool shown = p->preview && DrawPreview(*p->preview, p->preview_scale, box);
-  if (!shown) DrawKindSheet(box, e.name, KindOfEntry(e));
-  if (p->preview)
-    DrawLabel(TheStyle().small_text, Align::kCenter, {box.x, box.bottom() + 3, box.w, 16},
-              TroubleOf(*p->preview, e.name), TheStyle().second);
+// The line below the picture, or in its place.
+std::string TroubleLine(const DetailsPane* p) {
+  if (const std::optional<Pictured> of = PicturedBy(p))
+    return p->preview ? TroubleOf(*p->preview, of->name) : "";
+  return IsOneJob(p) ? "No preview: it was not sent from here" : "";
 }
 
-void DrawSelected(const DetailsPane* p, const Parts& parts) {
+void DrawPicture(const DetailsPane* p, const Parts& parts) {
   const Style& l = TheStyle();
-  const int row = p->selected;
-  if (row < 0)
-    return DrawLabel(l.view, Align::kLeft, parts.facts,
-                     p->several.empty() ? "Nothing is selected" : p->several, l.second);
-  const FolderEntry e = p->folder.At(row);
-  DrawPicture(p, e, parts.picture);
-  Area a = parts.facts;
-  for (const Fact& fact : FactsOfDocument(p, e)) DrawFact(&a, fact.name.c_str(), fact.value);
+  const std::optional<Pictured> of = PicturedBy(p);
+  if (of && !(p->preview && DrawPreview(*p->preview, p->preview_scale, parts.picture)))
+    DrawKindSheet(parts.picture, of->name, of->kind);
+  DrawLabel(l.small_text, of ? Align::kCenter : Align::kLeft, parts.trouble.Inset(0, 3),
+            TroubleLine(p), l.second);
 }
 
-void AddDocumentHits(const DetailsPane* p, const Parts& parts, Hits* hits) {
-  if (p->selected < 0) return;
-  const FolderEntry e = p->folder.At(p->selected);
-  hits->Cover(p->scroll.Visible(parts.picture),
-              {XWA_PICTURE, 0, "Preview", p->preview ? TroubleOf(*p->preview, e.name) : ""});
-  CoverFacts(FactsOfDocument(p, e), parts.facts, p->scroll, hits);
+void DrawSelected(const DetailsPane* p, Area a) {
+  const Style& l = TheStyle();
+  if (p->selected < 0)
+    return DrawLabel(l.view, Align::kLeft, a,
+                     p->several.empty() ? "Nothing is selected" : p->several, l.second);
+  for (const Fact& fact : FactsOfDocument(p, p->folder.At(p->selected)))
+    DrawFact(&a, fact.name.c_str(), fact.value);
 }
 
 void DrawPrinter(const DetailsPane* pane, Area a) {
@@ -201,10 +218,14 @@ void DetailsPane::AddHits(bool focused, Hits* hits) const {
   if (Scrolls())
     hits->Cover(scroll.Body(),
                 {XWA_GROUP, XWT_FOCUSABLE | (focused ? uint32_t{XWT_FOCUSED} : 0), "Details", ""});
+  const std::string trouble = TroubleLine(this);
+  const bool cut = XwTextWidthUtf8(TheStyle().small_text, trouble.c_str()) > parts.trouble.w;
+  const Words picture{XWA_PICTURE, 0, "Preview", trouble, cut ? trouble : ""};
+  hits->Cover(scroll.Visible(parts.picture.Empty() ? parts.trouble : parts.picture), picture);
   if (jobs)
     AddJobFacts(*jobs, parts.facts, scroll, hits);
-  else
-    AddDocumentHits(this, parts, hits);
+  else if (selected >= 0)
+    CoverFacts(FactsOfDocument(this, folder.At(selected)), parts.facts, scroll, hits);
   const std::vector<Fact> printer = FactsOfPrinter(this);
   if (!printer.empty())
     hits->Cover(scroll.Visible(parts.printer),
@@ -221,10 +242,11 @@ void DetailsPane::Draw(bool focused) const {
   if (view.Empty()) return;
   const Parts parts = LayOutParts(this);
   XwClip(uint16_t(view.x), uint16_t(view.y), uint16_t(view.w), uint16_t(view.h));
+  DrawPicture(this, parts);
   if (jobs)
     DrawJobFacts(*jobs, parts.facts);
   else
-    DrawSelected(this, parts);
+    DrawSelected(this, parts.facts);
   if (!parts.printer.Empty()) DrawPrinter(this, parts.printer);
   if (scroll.top() > 0) LineAtTop(view);
   if (focused) {

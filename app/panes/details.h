@@ -21,7 +21,8 @@ struct DetailsPane {
   void Update();
   void Draw(bool focused) const;
   void AddHits(bool focused, Hits* hits) const;
-  // Where the selected document's picture stands, in sight or not; empty where it has none.
+  // Where the picture of the selected document, or job, stands, in sight or not; empty where it has
+  // none.
   Area PictureArea() const;
   // Whether there is anything for the keyboard.
   bool Scrolls() const { return !layout.details.Empty() && scroll.Scrolls(); }
@@ -36,8 +37,10 @@ struct DetailsPane {
   std::string several = "";  // what is said where it is not one that is selected; "": none is
   // The queue while it has the keyboard, else null: its jobs stand in place of the document.
   const QueuePane* jobs = nullptr;
-  // Of the selected document; null while there is none. Made for this many device pixels per
-  // logical pixel.
+  // Of the only job, where that was sent from here; else "".
+  std::string job_file = "";
+  // Of the selected document, or of the job's; null while there is none. Made for this many device
+  // pixels per logical pixel.
   std::shared_ptr<const Preview> preview = nullptr;
   double preview_scale = 1;
   ScrolledArea scroll{20};

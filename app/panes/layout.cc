@@ -5,7 +5,7 @@
 namespace console {
 namespace {
 
-constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 32;
+constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 34;
 constexpr int kStop = 18, kFilter = 170;
 // The width from which a side shows by itself, and what it takes of it.
 struct Side {

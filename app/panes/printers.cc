@@ -212,12 +212,12 @@ void PrintersPane::DrawSupplies(Area a) const {
     if (line.h < kSupplyLine) return;
     const int32_t ink = SupplyColor(s, away);
     DrawLabel(l.small_text, Align::kLeft, line.TakeLeft(std::min(76, line.w / 2)), s.name,
-              l.second);
+              away ? Dimmed(l.second, l.side) : l.second);
     line.TakeLeft(6);
     const Area bar{line.x, line.y + 5, line.w, 8};
-    XwRoundBox(bar.x, bar.y, bar.w, bar.h, 4, l.track, l.progress_line);
+    XwRoundBox(bar.x, bar.y, bar.w, bar.h, bar.h / 2, l.track, l.progress_line);
     const int full = s.percent < 0 ? 0 : bar.w * s.percent / 100;
-    if (full > 0) XwRoundBox(bar.x, bar.y, std::max(full, 4), bar.h, 4, ink, -1);
+    if (full > 0) XwRoundBox(bar.x, bar.y, std::max(full, bar.h), bar.h, bar.h / 2, ink, -1);
   }
 }
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "app/format/words.h"
+#include "app/work/file_time.h"
 
 namespace console {
 namespace {
@@ -48,7 +49,7 @@ struct Document::Reading {
   std::mutex lock;
   std::condition_variable changed;
   bool opened = false, done = false;
-  int64_t size = 0;
+  int64_t size = 0, modified_ns = 0;
   std::string trouble;
 
   void Run();
@@ -61,7 +62,7 @@ struct Document::Reading {
     trouble = why;
     changed.notify_all();
   }
-  void Read(int file, int64_t bytes);
+  void Read(int file, const struct stat& s);
 };
 
 void Document::Reading::Run() {
@@ -72,11 +73,16 @@ void Document::Reading::Run() {
   else if (!S_ISREG(s.st_mode))
     Tell(&Reading::opened, 0, "not a file");
   else
-    Read(file.get(), s.st_size);
+    Read(file.get(), s);
   in.Reset();
 }
 
-void Document::Reading::Read(int file, int64_t bytes) {
+void Document::Reading::Read(int file, const struct stat& s) {
+  const int64_t bytes = s.st_size;
+  {
+    const std::lock_guard<std::mutex> guard(lock);
+    modified_ns = ModifiedNs(s);
+  }
   Tell(&Reading::opened, bytes, "");
   std::vector<char> piece(size_t(std::min<int64_t>(bytes, kPiece)));
   std::string why;
@@ -117,6 +123,11 @@ std::string Document::Trouble() const {
 int64_t Document::size() const {
   const std::lock_guard<std::mutex> guard(reading_->lock);
   return reading_->size;
+}
+
+int64_t Document::modified_ns() const {
+  const std::lock_guard<std::mutex> guard(reading_->lock);
+  return reading_->modified_ns;
 }
 
 bool Document::Silent() const {

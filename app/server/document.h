@@ -21,8 +21,9 @@ class Document {
   bool Opened(int ms) const;
   // Why it cannot be sent, or could not be read on; empty when nothing is wrong.
   std::string Trouble() const;
-  // In bytes, as it was when it was opened.
+  // In bytes, and nanoseconds since 1970, as it was when it was opened.
   int64_t size() const;
+  int64_t modified_ns() const;
   // Its bytes come out here, `size` of them, or fewer where it could not be read on. Closed with
   // the document.
   int descriptor() const { return out_.get(); }

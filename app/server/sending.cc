@@ -108,7 +108,8 @@ int Worker::SendDocument(const Transfer& t, const Document& document, std::strin
   {
     Locked lock(shared_);
     for (Transfer& one : shared_->state.transfers)
-      if (one.number == t.number) one.size = document.size();
+      if (one.number == t.number)
+        one.size = document.size(), one.modified_ns = document.modified_ns();
     shared_->Published();
   }
   int result = NC_CreateRequestID(fd, broken_.id.data()) == 1 ? 0 : NC_ERROR;
@@ -194,7 +195,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   if (it == state.transfers.end()) return;
   const std::string name = Quoted(it->order.document);
   if (done) {
-    state.arrivals.push_back({number, broken_.id, it->order.document});
+    state.arrivals.push_back({number, broken_.id, it->order.document, FileOf(*it)});
     if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
     // Too late to be cancelled on its way.
     if (cancelled) {

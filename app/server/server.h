@@ -63,6 +63,7 @@ struct Transfer {
   PrintOrder order;
   Sending state = Sending::kWaiting;
   int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
+  int64_t modified_ns = 0;                // of its file, as the size; 0: it is not opened yet
   int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
   std::string text;                       // of a failed one, why
@@ -76,11 +77,22 @@ struct Notice {
   int number = 0;  // from 1 on
 };
 
+// A file that was sent, as it was then.
+struct SentFile {
+  std::string path;
+  int64_t size = 0;         // bytes
+  int64_t modified_ns = 0;  // since 1970; 0: it is not opened yet
+};
+inline SentFile FileOf(const Transfer& t) {
+  return {t.order.path, t.size, t.modified_ns};
+}
+
 // A transfer that has become a job.
 struct Arrival {
   int number;
   JobId id;
   std::string document;
+  SentFile file;
 };
 
 // What is asked for now and then.

@@ -36,6 +36,7 @@ class Worker {
   bool NextStep(JobStep* out);
   int Make(const JobStep& step, bool* left_held);
   void Answered(const JobStep& step, int status, bool left_held);
+  void NoteMove(const JobStep& step);
   void TellOutcome();
   void GiveUpChanges();
   void RemoveLater(const JobId& job);

@@ -230,13 +230,16 @@ void GoUp(Console* c) {
   if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here)});
 }
 
-void OpenSelected(Console* c) {
+std::string WhyNotOpen(const Console* c) {
   const int row = c->files.table.selected();
-  if (row < 0) return;
-  if (c->files.folder.At(row).folder)
-    EnterFolder(c, c->files.folder.PathOf(row), "");
-  else
-    Tell(c, true, "Print or Ctrl+P prints it");
+  const auto& [files, folders, bytes] = c->files.Chosen();
+  if (row < 0) return files + folders == 0 ? "No folder is selected" : "More than one is selected";
+  return c->files.folder.At(row).folder ? "" : "It is no folder: Print or Ctrl+P prints it";
+}
+
+void OpenSelected(Console* c) {
+  if (const std::string why = WhyNotOpen(c); !why.empty()) return TellWhy(c, why);
+  EnterFolder(c, c->files.folder.PathOf(c->files.table.selected()), "");
 }
 
 void SortBy(Console* c, int column) {

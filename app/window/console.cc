@@ -76,6 +76,12 @@ SelectionKeys HeldKeys(const Console* c) {
 
 namespace {
 
+// The pane that a control belongs to, too; those of the tool bar are the files'.
+FocusStop PaneOf(FocusStop stop) {
+  if (IsInQueue(stop)) return FocusStop::kQueue;
+  return IsControl(stop) ? FocusStop::kFiles : stop;
+}
+
 // --- Quitting
 
 [[noreturn]] void Quit(Console* c) {
@@ -85,6 +91,16 @@ namespace {
 }
 
 }  // namespace
+
+void GoToNextPane(Console* c) {
+  constexpr int kPanes = int(FocusStop::kQueue) + 1;
+  const int by = c->modifiers & XWS_SHIFT ? kPanes - 1 : 1;
+  int pane = int(PaneOf(c->stop));
+  do {
+    pane = (pane + by) % kPanes;
+  } while (!CanStopAt(c, FocusStop(pane)));
+  SetFocusStop(c, FocusStop(pane));
+}
 
 void Leave(Console* c) {
   if (AskBeforeQuit(c)) Quit(c);
@@ -215,6 +231,7 @@ void ServerChanged(Console* c, ServerState state) {
   if (state.away_times != c->state.away_times) c->banner.away_s = 0;
   c->state = std::move(state);
   if (c->banner.Follow()) LayOutWindow(c);
+  NoteSent(c);
   StartServerByItself(c);
   RememberServer(c);
   UpdatePreferences();
@@ -451,10 +468,12 @@ void UpdateDetails(Console* c) {
   if (c->stop != FocusStop::kDetails) c->tells_of_jobs = IsInQueue(c->stop);
   c->details.selected = c->files.table.selected();
   c->details.jobs = c->tells_of_jobs && !c->queue.Selected().empty() ? &c->queue : nullptr;
+  c->details.job_file = c->details.jobs ? FileOfJob(c).path : "";
   c->details.several = c->details.selected < 0 ? c->files.SelectionText() : "";
   if (!(c->damage & (kFolderPane | kDetailsPane))) return;
   c->details.Update();
   UpdatePreview(c);
+  c->details.Update();  // of one whose preview has gone less is known
 }
 
 }  // namespace

@@ -133,6 +133,7 @@ struct Console {
   Server server;
   ServerState state;
   int last_notice = 0;                    // that was shown
+  std::vector<Arrival> sent;              // from this window, the last ones last
   int just_sent = 0;                      // orders that are not yet in the state
   int first_queued = 0, last_queued = 0;  // numbers of the last orders that were given together
   PrintChoice choice;
@@ -245,8 +246,10 @@ void WatchFolder(Console* c);
 void WatchShownFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the folder that is selected alone; of a file it says how it is printed.
+// Enters the folder that is selected alone, or says why not.
 void OpenSelected(Console* c);
+// A sentence without its full stop, "" when it can be.
+std::string WhyNotOpen(const Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
@@ -350,6 +353,10 @@ void UpdateLists();
 void UpdatePreview(Console* c);
 // One is there.
 void TakePreview(Console* c);
+// Keeps which files the jobs that have just arrived are.
+void NoteSent(Console* c);
+// The file of the only job that is selected; no path where it is not known.
+SentFile FileOfJob(const Console* c);
 // The same, as the result of a background task.
 void ShowPreview(void* data, int taken);
 

@@ -24,23 +24,12 @@ void MakeControls(Console* c) {
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
-  c->buttons = {c->tools.print,
-                c->tools.refresh,
-                c->tools.colour,
-                c->tools.options,
-                head.hold,
-                head.release,
-                head.again,
-                head.remove,
-                c->status.stop_sending,
-                c->status.dismiss,
-                c->status.cancel_queued,
-                c->files.show_all,
-                c->queue.show_all,
-                c->banner.retry,
-                c->banner.start_server,
-                c->needs.load,
-                c->needs.choose};
+  c->buttons = {c->tools.print,         c->tools.refresh,  c->tools.colour,
+                c->tools.no_colour,     c->tools.options,  head.hold,
+                head.release,           head.again,        head.remove,
+                c->status.stop_sending, c->status.dismiss, c->status.cancel_queued,
+                c->files.show_all,      c->queue.show_all, c->banner.retry,
+                c->banner.start_server, c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -82,7 +71,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
     case FocusStop::kHold:
       return c->tools.hold;
     case FocusStop::kColour:
-      return c->tools.colour;
+      return c->tools.ShownColour();
     case FocusStop::kOptions:
       return c->tools.options;
     case FocusStop::kFilter:
@@ -127,7 +116,7 @@ void UpdateControls(Console* c) {
   c->files.Update();
   c->queue.Update();
   ShowButtons(c);
-  c->tools.Update(c->state, !c->asking);
+  c->tools.Update(c->state, c->printers.Names(), !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.Enable(!c->asking);
@@ -170,6 +159,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  if (!filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) c->tools.PutBackCopies();
   // The report of a key takes its place, also of one that does nothing in a box.
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
@@ -220,11 +210,13 @@ PrintOrder UsualOrder(const Console* c) {
 
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   const int n = int(orders.size());
+  const std::string printer = orders.empty() ? "" : orders.front().printer;
   c->just_sent += n;
   c->last_queued = c->server.Send(std::move(orders));
   c->first_queued = c->last_queued - n + 1;
   c->status.PassReason();  // of an earlier drop
   std::string text = NumberOf(n, "document", "documents") + " queued";
+  if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
   if (IsAway(c->state.link)) text += ", to be sent when " + c->server.host() + " is back";
   Tell(c, true, text);

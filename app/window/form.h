@@ -8,6 +8,8 @@ namespace console {
 
 // Of a modal dialog with a close box; these windows are not modal.
 constexpr int kFormStyle = -256 + 3 + 32;
+// Of a document's window with a close box alone, for what is only looked at.
+constexpr int kListStyle = -256 + 1 + 32;
 
 // What an event of the window's handler asks for, with the ids of the two buttons. Return in a box
 // accepts, too; Escape in a box and the close box cancel.

@@ -7,11 +7,12 @@
 #include "app/look/style.h"
 #include "app/window/command_table.h"
 #include "app/window/commands.h"
+#include "app/window/form.h"
 
 namespace console {
 namespace {
 
-constexpr int kColumn = 300, kMargin = 20, kKeys = 120;
+constexpr int kColumn = 324, kMargin = 20, kKeys = 120;
 constexpr int kRow = 20, kLeastRow = 12, kFrame = 60;  // of the window, with its title
 constexpr int kColumns = 2;
 
@@ -43,13 +44,22 @@ const std::vector<Line>& Lines() {
     }
     const Line kWindow[] = {{"Window", ""},
                             {"Next part, and back", "Tab, Shift+Tab"},
+                            {"Next pane, and back", "F6, Shift+F6"},
+                            {"Selects more rows", "Shift+arrows"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
                             {"Menu bar", "F10, Alt"},
-                            {"Back to the files, or stops a drag", "Esc"}};
+                            {"Back to files; stops a drag", "Esc"},
+                            {"In the files: ends the filter", "Esc"},
+                            {"Quit", "Ctrl+Q"}};
     all->insert(all->end(), std::begin(kWindow), std::end(kWindow));
     return all;
   }();
   return *lines;
+}
+
+// The room above a heading; at the top of a column there is none.
+int AboveHeading() {
+  return row_height * 2 / 5;
 }
 
 int HeightOf(const Line& line) {
@@ -71,7 +81,7 @@ int WindowHeight() {
   int heights[kColumns] = {};
   const size_t second = SecondColumn();
   for (size_t i = 0; i < Lines().size(); ++i) heights[i >= second] += HeightOf(Lines()[i]);
-  return std::max(heights[0], heights[1]) + 2 * kMargin;
+  return std::max(heights[0], heights[1]) + 2 * kMargin - AboveHeading();
 }
 
 void FitRows() {
@@ -83,17 +93,18 @@ void DrawKeys() {
   const Style& l = TheStyle();
   XwPush(keys_window);
   Fill({0, 0, keys_window->width, keys_window->height}, l.document);
-  Area column{kMargin, kMargin, kColumn, keys_window->height};
+  const int top = kMargin - AboveHeading();
+  Area column{kMargin, top, kColumn, keys_window->height};
   const size_t second = SecondColumn();
   XwBoxList(3, 0, 0, 0, 0);
   for (size_t i = 0; i < Lines().size(); ++i) {
     const Line& line = Lines()[i];
-    if (i == second) column = {2 * kMargin + kColumn, kMargin, kColumn, keys_window->height};
+    if (i == second) column = {2 * kMargin + kColumn, top, kColumn, keys_window->height};
     Area a = column.TakeTop(HeightOf(line));
     XwBoxList(1, a.x, a.y, a.w, a.h);
     XwDescribe(-1, XWA_LABEL, 0, line.name.c_str(), line.keys.c_str());
     if (line.keys.empty()) {
-      a.TakeTop(row_height * 2 / 5);
+      a.TakeTop(AboveHeading());
       DrawLabel(l.bold, Align::kLeft, a, line.name, l.ink);
       continue;
     }
@@ -116,7 +127,7 @@ void ShowKeys(Console* c) {
   if (!keys_window) {
     FitRows();
     const int width = kColumns * kColumn + (kColumns + 1) * kMargin;
-    keys_window = XwCreate(0, 0, 0, width, WindowHeight(), HandleKeys);
+    keys_window = XwCreate(kListStyle, 0, 0, width, WindowHeight(), HandleKeys);
     if (!keys_window) return;
     XwSetSizes(keys_window, width, WindowHeight(), width, WindowHeight(), 0, 0);
     XwSetTextUtf8(keys_window, "Keys");

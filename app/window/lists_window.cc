@@ -7,6 +7,7 @@
 #include "app/look/controls.h"
 #include "app/panes/side_list.h"
 #include "app/window/console.h"
+#include "app/window/form.h"
 
 namespace console {
 namespace {
@@ -17,7 +18,6 @@ enum : int { kList = 1 };  // owner of hits
 constexpr int kWidth = 520, kHeight = 330, kEdge = 16, kHeader = 22, kRowHeight = 22;
 constexpr int kLeastWidth = 440, kLeastHeight = 220;
 constexpr int kButtonHeight = 26, kFoot = kButtonHeight + 2 * kEdge;
-constexpr int kWindowStyle = -256 + 1 + 32;  // a document's, with a close box
 constexpr int kPadding = 8;
 
 struct Row {
@@ -292,7 +292,7 @@ void Make(ListsWindow* w) {
 void ShowLists(Console* c) {
   if (c->asking) return;
   if (!g_window) {
-    XwWindow* window = XwCreate(kWindowStyle, 0, 0, kWidth, kHeight, Handle);
+    XwWindow* window = XwCreate(kListStyle, 0, 0, kWidth, kHeight, Handle);
     if (!window) return;
     g_window = new ListsWindow;
     g_window->console = c;

@@ -1,4 +1,4 @@
-// The preview of the selected document: when it is asked for, and what becomes of it.
+// The preview of the selected document, or job: when it is asked for, and what becomes of it.
 #include <algorithm>
 
 #include "app/window/console.h"
@@ -6,28 +6,64 @@
 namespace console {
 namespace {
 
-// What the selection needs; nothing when it is no document, or nobody would see it.
-PreviewSubject SubjectOf(const Console* c) {
+constexpr size_t kMostSent = 1000;
+
+// What the selection needs, without its sizes.
+PreviewSubject DocumentOf(const Console* c) {
   const DetailsPane& pane = c->details;
-  if (pane.selected < 0 || pane.layout.details.Empty()) return {};
+  PreviewSubject subject;
+  if (pane.jobs) {
+    const SentFile file = FileOfJob(c);
+    subject.request.path = file.path;
+    subject.request.size = file.size;
+    subject.request.modified_ns = file.modified_ns;
+    return subject;
+  }
+  if (pane.selected < 0) return {};
   const FolderEntry e = c->files.folder.At(pane.selected);
   if (e.folder) return {};
-  PreviewSubject subject;
   subject.request.path = c->files.folder.PathOf(pane.selected);
-  // A thread more would hang, too.
-  if (FolderIsSilent(c))
-    return subject.request.path == c->previewed.request.path ? c->previewed : PreviewSubject();
-  // Where there is no room for the picture, the facts are still of use.
-  const Area box = pane.PictureArea();
-  subject.scale = XwGetScale(c->window);
-  subject.request.width = std::max(1, int(box.w * subject.scale));
-  subject.request.height = std::max(1, int(box.h * subject.scale));
   subject.size = e.size;
   subject.time = e.time;
   return subject;
 }
 
+// Nothing when it is no document, or nobody would see it.
+PreviewSubject SubjectOf(const Console* c) {
+  const DetailsPane& pane = c->details;
+  if (pane.layout.details.Empty()) return {};
+  PreviewSubject subject = DocumentOf(c);
+  if (subject.request.path.empty()) return {};
+  // A thread more would hang, too.
+  if (FolderIsSilent(c))
+    return subject.request.path == c->previewed.request.path ? c->previewed : PreviewSubject();
+  const Area box = pane.PictureArea();
+  subject.scale = XwGetScale(c->window);
+  subject.request.width = std::max(1, int(box.w * subject.scale));
+  subject.request.height = std::max(1, int(box.h * subject.scale));
+  return subject;
+}
+
 }  // namespace
+
+void NoteSent(Console* c) {
+  for (const Arrival& a : c->state.arrivals) {
+    const auto same = [&a](const Arrival& known) { return known.number == a.number; };
+    if (std::any_of(c->sent.begin(), c->sent.end(), same)) continue;
+    if (c->sent.size() >= kMostSent) c->sent.erase(c->sent.begin());
+    c->sent.push_back(a);
+  }
+}
+
+SentFile FileOfJob(const Console* c) {
+  const std::vector<QueueId> ids = c->queue.Selected();
+  if (ids.size() != 1) return {};
+  for (const Transfer& t : c->state.transfers)
+    if (ids[0].outgoing && t.number == ids[0].outgoing) return FileOf(t);
+  for (const Arrival& a : c->sent)
+    if (!ids[0].outgoing && a.id == ids[0].job) return a.file;
+  return {};
+}
 
 void UpdatePreview(Console* c) {
   PreviewSubject subject = SubjectOf(c);

@@ -178,6 +178,19 @@ void DropJobs(Console* c, int gap) {
   Reorder(c, c->queue.Selected(), gap);
 }
 
+void MoveJobsTo(Console* c, const std::string& printer) {
+  const PrinterRow* row = c->printers.Find(printer);
+  if (!row) return;
+  if (!row->printer->accepting) return TellWhy(c, Quoted(printer) + " takes no new jobs");
+  std::vector<QueueId> jobs = c->queue.Selected();
+  std::erase_if(jobs, [&](const QueueId& id) {
+    const NC_Job* job = c->queue.rows.JobOf(id);
+    return job && printer == job->printer;
+  });
+  if (jobs.empty()) return TellWhy(c, "It is for " + Quoted(printer) + " already");
+  ChangeThese(c, jobs, {Verb::kMove, 0, printer});
+}
+
 // --- What the queue shows
 
 std::vector<CommandChoice> SortChoices(const Console* c) {

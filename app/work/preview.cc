@@ -15,6 +15,7 @@
 #include <cstring>
 
 #include "app/format/words.h"
+#include "app/work/file_time.h"
 #include "app/work/spawn.h"
 #include "printserver/visible.h"
 
@@ -30,11 +31,18 @@ constexpr double kMostMm = 1e7;
 
 using Clock = std::chrono::steady_clock;
 
-os::Handle OpenDocument(const std::string& path) {
+// `trouble` says why there is none.
+os::Handle OpenDocument(const PreviewRequest& request, PreviewTrouble* trouble) {
+  *trouble = PreviewTrouble::kNotReadable;
   // Not waiting: a pipe would wait for its writer.
-  os::Handle file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  os::Handle file(open(request.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat s {};
   if (!file || fstat(file.get(), &s) != 0 || !S_ISREG(s.st_mode)) return {};
+  const bool same = request.size == s.st_size && request.modified_ns == ModifiedNs(s);
+  if (request.modified_ns != 0 && !same) {
+    *trouble = PreviewTrouble::kChanged;
+    return {};
+  }
   return file;
 }
 
@@ -152,8 +160,7 @@ bool PreviewMaker::Job::Run() {
   if (!stop) return true;
   if (Stopped(stop.get(), kSettleMs)) return false;
   const PreviewRequest& request = preview->request;
-  preview->trouble = PreviewTrouble::kNotReadable;
-  const os::Handle file = OpenDocument(request.path);
+  const os::Handle file = OpenDocument(request, &preview->trouble);
   if (!file) return true;
   preview->trouble = PreviewTrouble::kNoProgram;
   const std::string path = program.empty() ? FindProgram("quorvik-preview") : program;
@@ -273,6 +280,7 @@ std::string TroubleWords(const Preview& preview) {
       "A preview would take too long",
       "This document cannot be read",
       "No preview: quorvik-preview is not installed",
+      "No preview: the file has changed",
   };
   static_assert(std::size(kWords) == size_t(PreviewTrouble::kCount));
   return kWords[size_t(preview.trouble)];

@@ -30,6 +30,7 @@ enum class PreviewTrouble : uint32_t {
   // What only the reader finds:
   kNotReadable,  // the document cannot be opened
   kNoProgram,    // quorvik-preview is not there
+  kChanged,      // the file is no longer the one that was sent
   kCount
 };
 

@@ -1,8 +1,13 @@
 // The selected document's preview in the window: device pixel by device pixel, and always that of
 // the document that is selected now.
 #include "app/work/preview.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include "tests/app/console_fixture.h"
 #include "tests/app/documents.h"
+#include "tests/printserverd/daemon.h"
 
 namespace console {
 namespace {
@@ -83,6 +88,37 @@ TEST_F(PreviewPaneTest, FollowsTheSelectionTheFileAndTheScreen) {
   Click(FileRow("Empty"));
   EXPECT_EQ(c_->previews.request(), nullptr);
   EXPECT_EQ(c_->details.preview, nullptr);
+}
+
+TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
+  testing_daemon::Daemon daemon;
+  daemon.Start({"--rate", "1"});
+  Open(daemon.host());
+  ASSERT_TRUE(Until([&] { return IsReady(); }));
+  Click(FileRow("picture.png"));
+  PrintSelected(c_);
+  DrawConsole(c_);
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->state.jobs->size() == 1; }));
+  Turn(2);
+  const auto choose_job = [this] {
+    Click(c_->queue.table.RowArea(0));
+    Until([&] { return c_->details.preview && !c_->previews.request(); });
+    return c_->details.preview->trouble;
+  };
+  EXPECT_EQ(choose_job(), PreviewTrouble::kNone);
+  EXPECT_EQ(c_->previewed.request.path, home_.At("picture.png"));
+  EXPECT_TRUE(Fills(*c_->details.preview, 1));
+  // Another file of the same name and size is not what was sent.
+  Click(FileRow("letter.txt"));
+  struct timespec later[2] = {{1700000000, 0}, {1700000000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, home_.At("picture.png").c_str(), later, 0), 0);
+  EXPECT_EQ(choose_job(), PreviewTrouble::kChanged);
+  // What somebody else has sent has none.
+  c_->sent.clear();
+  SelectionChanged(c_, false);
+  DrawConsole(c_);
+  EXPECT_EQ(c_->details.preview, nullptr);
+  EXPECT_TRUE(c_->details.PictureArea().Empty());
 }
 
 }  // namespace
