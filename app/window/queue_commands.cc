@@ -78,6 +78,7 @@ void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
   std::string why;
   const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
   if (steps.empty()) return TellWhy(c, why);
+  c->status.PassReason();
   for (const Reordering& step : steps) c->state.pending.Begin(step.job, Verb::kReorder, 0);
   c->server.Reorder(steps);
   c->damage |= kQueuePane;
@@ -100,6 +101,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
       CheckVerb(change.verb, c->queue.rows, ids, c->state.pending, c->state.link == Link::kReady);
   if (!check.possible()) return TellWhy(c, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
+  c->status.PassReason();
   std::vector<NamedJob> jobs;
   for (const QueueId& id : check.on) {
     if (!id.outgoing)
