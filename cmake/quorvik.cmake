@@ -1,7 +1,7 @@
 # Compile settings shared by every room, and the helpers that declare programs, tests and benches.
 
 add_library(quorvik_options INTERFACE)
-target_include_directories(quorvik_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_include_directories(quorvik_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(quorvik_options INTERFACE
   -Wall -Wextra -Wshadow -Werror -fno-strict-aliasing
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
@@ -15,6 +15,12 @@ else()
   target_link_options(quorvik_options INTERFACE -static-libstdc++ -static-libgcc)
 endif()
 find_package(Threads REQUIRED)
+
+# quorvik_library(NAME): one for programs elsewhere, too, which want its headers but not the warnings.
+function(quorvik_library name)
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE quorvik_options)
+endfunction()
 
 # quorvik_program(NAME SOURCES... [LIBS ...])
 function(quorvik_program name)

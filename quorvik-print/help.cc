@@ -9,6 +9,9 @@ const char* HelpText() {
 Lists, with --json or --tsv for scripts:
   list                  the printers
   queue [JOB...]        the jobs, in the order in which they print, or these alone
+                        STARTED: when a job came to its printer last; SINCE: when it came
+                        into its state; for scripts these and "submitted" are seconds
+                        since 1970
       --printer NAME, --owner NAME, --mine, --state WORD
                             only those; WORD is waiting, held, printing, paper-out,
                             done or failed

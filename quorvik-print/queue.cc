@@ -11,13 +11,19 @@ namespace cli {
 
 namespace {
 
+// Nothing for one that is not known.
 std::string TimeText(int64_t seconds) {
+  if (seconds < 1) return "";
   const time_t when = static_cast<time_t>(seconds);
   tm parts;
   char text[32];
   if (!localtime_r(&when, &parts)) return "-";
   if (strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts) == 0) return "-";
   return text;
+}
+
+std::string KnownTime(int64_t seconds) {
+  return seconds > 0 ? std::to_string(seconds) : "";
 }
 
 std::string ColourText(int32_t colour) {
@@ -51,6 +57,8 @@ const std::vector<Column> kJobColumns = {
     {"copies", "COPIES", Kind::kNumber},
     {"size", "SIZE", Kind::kNumber},
     {nullptr, "SUBMITTED"},
+    {nullptr, "STARTED"},
+    {nullptr, "SINCE"},
     {"owner", "OWNER"},
     {"printer", "PRINTER"},
     {"document", "DOCUMENT"},
@@ -68,6 +76,8 @@ const std::vector<Column> kJobColumns = {
     {"kept", nullptr, Kind::kFlag},
     {"reasons", nullptr, Kind::kWords},
     {"text", nullptr},
+    {"started", nullptr, Kind::kNumber},
+    {"since", nullptr, Kind::kNumber},
 };
 
 std::vector<std::string> RowOf(const NC_Job& job) {
@@ -78,6 +88,8 @@ std::vector<std::string> RowOf(const NC_Job& job) {
           std::to_string(job.copies),
           std::to_string(job.size),
           TimeText(job.submitted),
+          TimeText(job.started),
+          TimeText(job.since),
           job.owner,
           job.printer,
           job.document,
@@ -94,7 +106,9 @@ std::vector<std::string> RowOf(const NC_Job& job) {
           ColourText(job.colour),
           job.kept ? "1" : "0",
           job.reasons,
-          job.text};
+          job.text,
+          KnownTime(job.started),
+          KnownTime(job.since)};
 }
 
 }  // namespace

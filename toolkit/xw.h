@@ -8,7 +8,7 @@
  *     #include "toolkit/xw.h"
  *
  *     static int Main(int type) {
- *       if (type == XWE_CLOSE) exit(0);
+ *       if (type == XWE_CLOSE || type == XWE_QUIT) exit(0);
  *       if (type == XWE_EXPOSE) {
  *         XwSet(Inp.window);
  *         XwDrawText(XWF_BOLD, 0, 0, 0, XW->width, XW->height, "Hello", 0, -1);
@@ -76,7 +76,10 @@ typedef int (*XwHandler)(int type);
 
 /* `name` is the short name (menu bar, window class), `title` the first window's title; both
  * pointers are kept, not copied. Bit value 4 of `flags`: the program has no Preferences command; no
- * other bit is read. The working directory becomes the user's home. */
+ * other bit is read. The working directory becomes the user's home: make paths of the command line
+ * absolute before.
+ * On a desktop with a message bus a program runs once on a display: a second start with the same
+ * name brings the first one forward, shows nothing, and gets 796 as soon as it has a window. */
 void XwSession(const char* name, const char* title, uint8_t flags);
 /* Removes the timers and drops what is queued. Only the process's end follows. */
 void XwEndSession(void);
@@ -134,7 +137,10 @@ enum {
   XWE_CONTROL = 783, XWE_EDIT_SELECT = 788, XWE_EDIT_CHANGED = 789, XWE_EDIT_DONE = 790,
   XWE_SCROLLED = 791, XWE_SCROLLING = 792,
   XWE_MENU_OPENING = 793, XWE_MENU = 794, XWE_TOOLBAR = 795,
-  XWE_QUIT = 796, XWE_PREFERENCES = 797, /* to the first window */
+  /* To the first window: the user chose Quit, the desktop's session ends, or SIGTERM came; the
+   * program ends itself. A wait that returns other windows' events returns this one, too. */
+  XWE_QUIT = 796,
+  XWE_PREFERENCES = 797, /* to the first window */
   /* To the first window: a document to open, asked for by the desktop or dropped on a window of the
    * program. The value is its path, a char* in UTF-8. */
   XWE_OPEN = 798,
@@ -176,15 +182,18 @@ _Noreturn
 void XwRunEventLoop(void);
 /* Waits for an event that the caller must see and returns its type: one whose window has no
  * handler, or the other code that a handler returned. `modal` null: all windows. A window: events
- * of windows outside it are returned undispatched, but closing them only beeps, and a press beeps
- * and raises `modal`. (XwWindow*)-1: nothing is dispatched. -9874: a release above button 5. */
+ * of windows outside it are returned undispatched (a loop hands redraws on: DirectSendEvent with
+ * 768, 769), but closing them only beeps, and a press beeps and raises `modal`. (XwWindow*)-1:
+ * nothing is dispatched. -9874: a release above button 5. */
 int XwWaitEvent(XwWindow* modal);
 /* Takes at most one event each 25 ms, without waiting; 0 when there is none or it is too early.
  * `modal` as above.
  * `dispatch` 0 leaves toolkit events other than 768 and 769 undelivered: the caller has the type
  * and Inp. Input is translated but never delivered here. */
 int XwGetEvent(XwWindow* modal, int dispatch);
-/* XwGetEvent until it returns 0. Returns 0. For long computations that stay responsive. */
+/* XwGetEvent until it returns 0. Returns 0. For long computations whose windows are drawn and
+ * whose timers run; input that comes during it is lost. What can be cancelled runs in a thread and
+ * reports by XwPost. */
 int XwPeekEvents(XwWindow* modal, int dispatch);
 /* The next raw event for a loop of the program's own, such as a drag. Timer events for windows with
  * a handler are dropped while it waits. */
@@ -352,7 +361,9 @@ int IsSubWindow(XwWindow* window, XwWindow* candidate);
 void AddSubWindow(XwWindow* parent, XwWindow* child);
 
 /* Top-level: on the screen, and 768 is posted. Docked: relative to its parent. Sub-window: relative
- * to its parent; it, its parent and its siblings are redrawn. */
+ * to its parent; it, its parent and its siblings are redrawn. Control: relative to its parent.
+ * A sub-window is not cut to its parent, and one inside another gets no pointer events and is not
+ * moved with it: sub-windows stand side by side in a top-level window. */
 void XwMove(XwWindow* window, int x, int y, int width, int height);
 /* Centres it over the bounds of `reference`, keeping the size. */
 void XwCenter(XwWindow* window, XwWindow* reference);
@@ -980,8 +991,9 @@ void XwPutImage(int srcX, int srcY, int dstX, int dstY, int w, int h, uint8_t* i
 /* The same for w x h pixels anywhere. They stay the caller's, and may be freed afterwards. */
 void XwPutImageData(int x, int y, int w, int h, const uint8_t* pixels);
 /* width x height pixels, the caller's, in the rectangle (x, y, w, h): each pixel of the device has
- * the one that is nearest. So a picture with as many pixels as the rectangle has on the device
- * (w and h times XwGetScale, rounded) is shown one to one. Null and sizes below 1 draw nothing. */
+ * the one that is nearest. A picture of w and h times XwGetScale pixels, rounded, is shown one to
+ * one; where the rectangle's edges fall between pixels of the device, its last column or row may be
+ * left out or shown twice. Null and sizes below 1 draw nothing. */
 void XwPutImageScaled(int x, int y, int w, int h, const uint8_t* pixels, int width, int height);
 
 #ifdef __cplusplus

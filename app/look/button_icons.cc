@@ -107,6 +107,11 @@ Parts PartsOf(ToolIcon icon) {
                        {6.8f, 8},
                        {3.8f, 5}});
       break;
+    case ToolIcon::kNoColour:  // an empty field that is struck out
+      Polygon(&parts, {{2, 2}, {14, 2}, {14, 14}, {2, 14}});
+      Polygon(&parts, {{3, 3}, {13, 3}, {13, 13}, {3, 13}});
+      Polygon(&parts, {{12, 3}, {13, 3}, {13, 4}, {4, 13}, {3, 13}, {3, 12}});
+      break;
   }
   return parts;
 }
@@ -114,7 +119,7 @@ Parts PartsOf(ToolIcon icon) {
 }  // namespace
 
 XwIcon* ButtonIcon(ToolIcon icon) {
-  static XwIcon icons[int(ToolIcon::kCross) + 1];
+  static XwIcon icons[int(ToolIcon::kNoColour) + 1];
   XwIcon* made = &icons[int(icon)];
   if (made->width) return made;
   *made = {kSize, kSize, nullptr, nullptr};

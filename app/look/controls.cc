@@ -1,5 +1,8 @@
 #include "app/look/controls.h"
 
+#include <charconv>
+#include <string_view>
+
 namespace console {
 namespace {
 
@@ -31,6 +34,18 @@ void PlaceControl(XwWindow* control, const Area& a) {
   if (r != Area{control->x, control->y, control->width, control->height})
     XwMove(control, r.x, r.y, r.w, r.h);
   if (!(control->flags & XW_SHOWN)) XwShow(control, 1);
+}
+
+int NumberIn(XwWindow* box, int most) {
+  char text[64] = "";
+  XwGetTextUtf8(box, text, sizeof text);
+  std::string_view s = text;
+  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
+  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
+  int n = 0;
+  const auto end = std::from_chars(s.data(), s.data() + s.size(), n);
+  const bool whole = end.ec == std::errc() && end.ptr == s.data() + s.size();
+  return whole && n >= 1 && n <= most ? n : 0;
 }
 
 }  // namespace console

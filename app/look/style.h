@@ -61,7 +61,7 @@ Area DrawStrip(Area a, int32_t dot);
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
 
-enum class ToolIcon : uint8_t { kRefresh, kOptions, kPrint, kCross };
+enum class ToolIcon : uint8_t { kRefresh, kOptions, kPrint, kCross, kNoColour };
 // 16 x 16, for buttons; kept for the life of the process.
 XwIcon* ButtonIcon(ToolIcon icon);
 

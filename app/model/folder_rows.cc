@@ -187,9 +187,12 @@ void FolderRows::ShowHidden(bool show) {
   Choose();
 }
 
+// Who types a part of a name looks for what is called so, and that may be a folder among many: it
+// is held to the filter as files are, with a star or without. Who asks for an ending looks for
+// files of a kind; all folders stay then, since the way to more such files leads through them.
 bool FolderRows::Matches(int entry) const {
   if (filter_.empty() || filter_.MatchesFolded(content_->FoldedName(entry))) return true;
-  return filter_.HasPatterns() && content_->IsFolder(entry);
+  return filter_.AsksForEnding() && content_->IsFolder(entry);
 }
 
 // In the order in which the entries lie in memory, which is several times as fast as in another.

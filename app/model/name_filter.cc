@@ -58,7 +58,7 @@ NameFilter::NameFilter(std::string_view text) {
     const std::string_view part = Trimmed(text.substr(0, comma));
     const bool pattern = part.find_first_of("*?") != std::string_view::npos;
     if (!part.empty()) parts_.push_back({Folded(part), pattern});
-    patterns_ = patterns_ || pattern;
+    ending_ = ending_ || part.find('.') != std::string_view::npos;
     if (comma == std::string_view::npos) break;
     text.remove_prefix(comma + 1);
   }

@@ -17,8 +17,8 @@ class NameFilter {
 
   // Everything matches.
   bool empty() const { return parts_.empty(); }
-  // Whether there is a part that asks for an ending and the like, which folders are not held to.
-  bool HasPatterns() const { return patterns_; }
+  // Whether a part has a dot: it asks for an ending, which names of folders do not have.
+  bool AsksForEnding() const { return ending_; }
   // Of a name that Folded has made.
   bool MatchesFolded(std::string_view folded) const;
   bool Matches(std::string_view name) const;
@@ -29,7 +29,7 @@ class NameFilter {
     bool pattern;
   };
   std::vector<Part> parts_;
-  bool patterns_ = false;
+  bool ending_ = false;
 };
 
 }  // namespace console

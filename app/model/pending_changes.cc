@@ -62,11 +62,24 @@ Message AnswerMessage(Verb verb, int status, const std::string& document) {
   return {Tone::kBad, not_done + nc::RefusalText(status, nc::Asked::kJob)};
 }
 
+namespace {
+
+Message DoneMessage(const ChangeOutcome& outcome) {
+  if (outcome.done == 0) return {Tone::kGood, ""};
+  const std::string what = outcome.done > 1           ? NumberOf(outcome.done, "job", "jobs")
+                           : outcome.document.empty() ? "The job"
+                                                      : Quoted(outcome.document);
+  if (outcome.verb != Verb::kMove || outcome.printer.empty())
+    return {Tone::kGood, WordsOf(outcome.verb).done + what};
+  const std::string where = "Moved to " + Quoted(outcome.printer);
+  if (outcome.lacks.empty()) return {Tone::kGood, where + ": " + what};
+  return {Tone::kWarning, where + ", which has no " + outcome.lacks + ": " + what};
+}
+
+}  // namespace
+
 Message OutcomeMessage(const ChangeOutcome& outcome) {
-  Message message{Tone::kGood, ""};
-  if (outcome.done == 1) message = AnswerMessage(outcome.verb, NC_STATUS_DONE, outcome.document);
-  if (outcome.done > 1)
-    message.text = WordsOf(outcome.verb).done + NumberOf(outcome.done, "job", "jobs");
+  Message message = DoneMessage(outcome);
   if (outcome.refused == 0) return message;
   message.tone = outcome.refusal.tone;
   message.text += (outcome.done ? "; " : "") + outcome.refusal.text;

@@ -39,6 +39,8 @@ struct ChangeOutcome {
   Verb verb = Verb::kHold;
   int done = 0, refused = 0;
   std::string document;  // of the first one that was done
+  std::string printer;   // of kMove: to which they were moved
+  std::string lacks;     // the media of a moved one that it does not have; "": it has all of them
   Message refusal;       // the first one
 };
 // In one line, however many jobs they were.

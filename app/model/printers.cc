@@ -83,6 +83,22 @@ std::vector<Supply> SuppliesOf(const char* text) {
   return supplies;
 }
 
+std::vector<std::string> MediaOf(const NC_Printer* printer) {
+  std::vector<std::string> media;
+  std::string_view rest = printer ? printer->media : "";
+  while (!rest.empty()) {
+    const size_t end = std::min(rest.find(','), rest.size());
+    if (end > 0) media.emplace_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return media;
+}
+
+bool HasMedia(const NC_Printer& printer, const std::string& media) {
+  const std::vector<std::string> all = MediaOf(&printer);
+  return all.empty() || std::find(all.begin(), all.end(), media) != all.end();
+}
+
 void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {
   if (printers && printers == printers_) return;
   printers_ = std::move(printers);
@@ -94,6 +110,12 @@ void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {
   });
   for (const NC_Printer& p : *printers_)
     if (chosen_.empty() && p.is_default) chosen_ = p.name;
+}
+
+std::vector<std::string> Printers::Names() const {
+  std::vector<std::string> names;
+  for (const PrinterRow& row : rows_) names.push_back(row.printer->name);
+  return names;
 }
 
 const PrinterRow* Printers::Find(const std::string& name) const {

@@ -45,6 +45,8 @@ class Printers {
   void Show(std::shared_ptr<const std::vector<NC_Printer>> printers);
 
   const std::vector<PrinterRow>& rows() const { return rows_; }
+  // Their names as the server has them, in the same order.
+  std::vector<std::string> Names() const;
   bool known() const { return printers_ != nullptr; }
   // By its name as the server has it; null when there is none.
   const PrinterRow* Find(const std::string& name) const;
@@ -74,6 +76,10 @@ class Printers {
   std::string chosen_;
 };
 
+// The names of the media that it has, in its order; null: none.
+std::vector<std::string> MediaOf(const NC_Printer* printer);
+// Also where the server does not say what it has.
+bool HasMedia(const NC_Printer& printer, const std::string& media);
 // "name:percent" with commas between, as records have them; what is none is left out.
 std::vector<Supply> SuppliesOf(const char* text);
 

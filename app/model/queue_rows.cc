@@ -12,6 +12,8 @@ namespace {
 
 // One that is printed and forgotten before a list comes is expected in vain.
 constexpr size_t kMostExpected = 32;
+// As many as somebody may have selected when others remove them.
+constexpr size_t kMostLeft = 256;
 
 // What goes on comes first, what has ended last.
 int StateRank(NC_JobState state) {
@@ -59,13 +61,28 @@ size_t QueueIdHash::operator()(const QueueId& id) const {
 
 void QueueRows::Show(std::shared_ptr<const std::vector<NC_Job>> jobs,
                      std::vector<Outgoing> outgoing) {
-  jobs_ = std::move(jobs);
+  const auto before = std::exchange(jobs_, std::move(jobs));
   outgoing_ = std::move(outgoing);
   places_.clear();
   const int all = int(outgoing_.size() + (jobs_ ? jobs_->size() : 0));
   for (int place = 0; place < all; ++place) places_.emplace(IdOfPlace(place), place);
   std::erase_if(expected_, [this](const QueueId& id) { return places_.count(id) != 0; });
+  if (before && before != jobs_) KeepNames(*before);
   Arrange();
+}
+
+void QueueRows::KeepNames(const std::vector<NC_Job>& before) {
+  for (const NC_Job& job : before)
+    if (const QueueId id = QueueIdOf(job); places_.count(id) == 0)
+      left_.emplace_back(id, job.document);
+  while (left_.size() > kMostLeft) left_.pop_front();
+}
+
+std::string QueueRows::NameOf(const QueueId& id) const {
+  if (const NC_Job* job = JobOf(id)) return job->document;
+  for (const auto& [gone, name] : left_)
+    if (gone == id) return name;
+  return "";
 }
 
 void QueueRows::Expect(const JobId& job) {

@@ -3,9 +3,11 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "app/model/name_filter.h"
@@ -33,13 +35,13 @@ enum class OutgoingState : uint8_t { kWaiting, kSending, kCancelling, kFailed };
 struct Outgoing {
   int number = 0;  // from 1 on
   std::string document, owner;
-  std::string printer, profile;  // empty: the server's choice
-  int32_t colour = -1;           // 0xRRGGBB, -1: none
+  std::string printer, profile, media;  // empty: the server's choice
+  int32_t colour = -1;                  // 0xRRGGBB, -1: none
   OutgoingState state = OutgoingState::kWaiting;
   int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
   int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
-  int priority = 50;
+  int priority = 50, copies = 1;
   std::string trouble;  // of a failed one, why
 };
 
@@ -88,6 +90,8 @@ class QueueRows {
   const Outgoing* OutgoingAt(int row) const;
   const NC_Job* JobOf(const QueueId& id) const;
   const Outgoing* OutgoingOf(const QueueId& id) const;
+  // The document's name of a job, also of one that has left the list lately; "" when not known.
+  std::string NameOf(const QueueId& id) const;
   bool IsMine(const NC_Job& job) const { return user_ == job.owner; }
 
   QueueOrder order() const { return order_; }
@@ -115,6 +119,7 @@ class QueueRows {
   bool Wanted(int place, const NameFilter& text) const;
   Item ItemOf(int place) const;
   void Arrange();
+  void KeepNames(const std::vector<NC_Job>& before);
 
   std::string user_;
   std::shared_ptr<const std::vector<NC_Job>> jobs_;
@@ -122,6 +127,7 @@ class QueueRows {
   // Places: documents on their way first, then the jobs.
   std::unordered_map<QueueId, int, QueueIdHash> places_;
   std::vector<QueueId> expected_;
+  std::deque<std::pair<QueueId, std::string>> left_;  // those that were in a list before
   QueueOrder order_ = QueueOrder::kPrint;
   bool descending_ = false;
   QueueFilter filter_;

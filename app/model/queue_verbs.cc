@@ -81,6 +81,20 @@ const char* WhyNot(Verb verb, const Outgoing& out) {
 
 }  // namespace
 
+namespace {
+
+bool IsSoAlready(Verb verb, const NC_Job& job) {
+  if (verb == Verb::kRelease) return job.state == NC_JOB_WAITING || job.state == NC_JOB_PRINTING;
+  return verb == Verb::kHold && job.state == NC_JOB_HELD;
+}
+
+std::string NameOf(const QueueRows& rows, const QueueId& id) {
+  const std::string name = rows.NameOf(id);
+  return name.empty() ? "The job" : Quoted(name);
+}
+
+}  // namespace
+
 VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>& selected,
                     const PendingChanges& pending, bool connected) {
   VerbCheck check;
@@ -94,17 +108,18 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
     if (const Outgoing* out = rows.OutgoingOf(id))
       why = WhyNot(verb, *out);
     else if (!job)
-      why = "The job is not in the queue any more";
+      why = NameOf(rows, id) + " is not in the queue any more";
     else if (!connected)
       why = "The server is away";
     else if (pending.Of(id.job))
       why = "A change of the job is under way";
     else
       why = WhyNot(verb, *job);
+    if (check.why_not.empty()) check.why_not = why;
     if (why.empty())
       check.on.push_back(id);
-    else if (check.why_not.empty())
-      check.why_not = why;
+    else if (!(job && IsSoAlready(verb, *job)) && check.left_out++ == 0)
+      check.why_left_out = why;
   }
   if (check.possible()) check.why_not.clear();
   if (selected.empty()) check.why_not = "No job is selected";
@@ -123,6 +138,9 @@ struct PrinterLine {
 std::vector<Reordering> PlanLine(const QueueRows& rows, const PrinterLine& line,
                                  const std::vector<bool>& moved, int gap, std::string* why_not) {
   auto id = [&](int row) { return rows.IdAt(row).job; };
+  auto step = [&](int row, int before) {
+    return Reordering{id(row), id(before), rows.JobAt(row)->document};
+  };
   const size_t n = line.rows.size();
   int target = -1;
   std::vector<int> stays_behind(n, -1);  // the first row behind each one that is not moved
@@ -137,11 +155,11 @@ std::vector<Reordering> PlanLine(const QueueRows& rows, const PrinterLine& line,
     if (!moved[size_t(line.rows[i])]) continue;
     // As long as none was moved, those that stand before the target do so already.
     if (target >= 0 && (!steps.empty() || stays_behind[i] != target))
-      steps.push_back({id(line.rows[i]), id(target)});
+      steps.push_back(step(line.rows[i], target));
     if (target >= 0 || stays_behind[i] < 0) continue;
     // Behind the last one: that one goes before it.
     if (line.moved == 1 && i + 2 == n)
-      steps.push_back({id(line.rows[n - 1]), id(line.rows[i])});
+      steps.push_back(step(line.rows[n - 1], line.rows[i]));
     else
       *why_not = "A job can be put before another one, not behind the last: drag the others up";
   }

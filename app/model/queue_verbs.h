@@ -13,6 +13,10 @@ namespace console {
 struct VerbCheck {
   std::vector<QueueId> on;
   std::string why_not;  // when there are none: a sentence without its full stop
+  // When there are some: how many of the others are not as was asked for anyway, and why the first
+  // of those is left out, in the same way.
+  int left_out = 0;
+  std::string why_left_out;
   bool possible() const { return !on.empty(); }
 };
 
@@ -25,6 +29,7 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
 // One step of a reordering: `job` is to stand directly before `before`.
 struct Reordering {
   JobId job, before;
+  std::string document;  // of `job`
 };
 // What a drag of rows to the gap before row `gap` (count(): behind the last) asks of the server: a
 // step for each job, in order. Empty when nothing is to be done; then *why_not says why, if there

@@ -78,6 +78,13 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
   return words;
 }
 
+std::string UnsentText(const Unsent& unsent) {
+  const std::string could_not = " could not be sent";
+  if (unsent.waiting == 0) return NumberOf(unsent.failed, "document", "documents") + could_not;
+  return NumberOf(unsent.waiting, "document has", "documents have") + " not been sent" +
+         (unsent.failed ? ", " + NumberText(unsent.failed) + could_not : "");
+}
+
 namespace {
 
 // What is not known is left out.
@@ -133,6 +140,8 @@ std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now) {
   facts.Add("Owner", Shown(out.owner));
   facts.Add("Printer", Shown(out.printer));
   facts.Add("Profile", Shown(out.profile));
+  facts.Add("Media", Shown(out.media));
+  facts.Add("Copies", NumberText(out.copies));
   facts.Add("Priority", NumberText(out.priority));
   facts.Add("Size", out.size > 0 ? SizeText(out.size) : "");
   if (out.total > 0) facts.Add("Begun", DayText(out.started, now));

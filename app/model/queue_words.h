@@ -28,6 +28,14 @@ struct RowWords {
 RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending, bool lacks_paper = false);
 RowWords WordsOfOutgoing(const Outgoing& out);
 
+// Documents that the server does not have: those that will be sent, and those whose sending failed.
+struct Unsent {
+  int waiting = 0, failed = 0;
+  bool any() const { return waiting + failed > 0; }
+};
+// "2 documents have not been sent, 1 could not be sent".
+std::string UnsentText(const Unsent& unsent);
+
 // A fact of a job, for the list of its details.
 struct Fact {
   std::string name, value;

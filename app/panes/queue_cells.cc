@@ -1,5 +1,6 @@
 #include "app/panes/queue_cells.h"
 
+#include <algorithm>
 #include <ctime>
 #include <iterator>
 
@@ -35,7 +36,7 @@ struct Cells {
   int32_t colour;  // -1: none
   std::string document, owner, printer, profile;
   int64_t size, time;
-  int priority;
+  int priority, copies;
 };
 
 void DrawProgressCell(const RowWords& words, const CellLook& cell) {
@@ -71,7 +72,11 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
     a.TakeLeft(kSwatchRoom);
   }
   XwFont* font = TheStyle().view;
-  DrawLabel(font, cell.align, a, CutToWidth(font, row.document, a.w), cell.ink);
+  const std::string copies = row.copies > 1 ? "  × " + NumberText(row.copies) : "";
+  const int room = std::max(0, a.w - XwTextWidthUtf8(font, copies.c_str()));
+  const std::string name = CutToWidth(font, row.document, room);
+  DrawLabel(font, cell.align, a.TakeLeft(XwTextWidthUtf8(font, name.c_str())), name, cell.ink);
+  DrawLabel(font, cell.align, a, copies, cell.second);
 }
 
 void DrawCell(const Cells& row, QueueColumn column, const CellLook& cell) {
@@ -135,6 +140,8 @@ Outgoing OutgoingOf(const Transfer& t) {
   out.silent_s = t.silent_s;
   out.started = t.started;
   out.priority = t.order.priority;
+  out.copies = t.order.copies;
+  out.media = t.order.media;
   out.trouble = t.text;
   return out;
 }
@@ -165,14 +172,14 @@ int32_t DotOf(Tone tone) {
 void DrawJobCell(const NC_Job& job, const RowWords& words, QueueColumn column,
                  const CellLook& cell) {
   DrawCell({words, job.number, job.colour, Shown(job.document), job.owner, job.printer, job.profile,
-            job.size, job.submitted, job.priority},
+            job.size, job.submitted, job.priority, job.copies},
            column, cell);
 }
 
 void DrawOutgoingCell(const Outgoing& out, QueueColumn column, const CellLook& cell) {
   const RowWords words = WordsOfOutgoing(out);
   DrawCell({words, 0, out.colour, Shown(out.document), out.owner, out.printer, out.profile,
-            out.size, out.started, out.priority},
+            out.size, out.started, out.priority, out.copies},
            column, cell);
 }
 

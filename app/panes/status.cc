@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/look/style.h"
 #include "app/panes/ids.h"
@@ -18,7 +19,7 @@ const Transfer* Running(const StatusPane* p) {
   return nullptr;
 }
 
-constexpr int kBar = 90, kCancelWidth = 64;
+constexpr int kBar = 90, kCancelEnds = 20;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -89,7 +90,7 @@ std::string StatusPane::ServerText() const {
       return "connecting…";
     case Link::kReady:
       if (s.quiet_s < 1) return "ready";
-      return "no answer for " + std::to_string(s.quiet_s) + " s";
+      return "no answer for " + NumberText(s.quiet_s) + " s";
     case Link::kAway:
       return "away";
     case Link::kRefused:
@@ -124,14 +125,20 @@ Area StatusPane::DismissArea() const {
 }
 
 Area StatusPane::CancelArea() const {
+  if (queued == 0) return {};
   Area middle = Middle();
   if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
-  const Area button = middle.TakeRight(kCancelWidth);
+  const int width = XwTextWidthUtf8(TheStyle().bold, cancel_text_.c_str()) + kCancelEnds;
+  const Area button = middle.TakeRight(width);
   return {button.x, layout.status.y + 3, button.w, 20};
 }
 
 void StatusPane::Update() {
-  PlaceControl(cancel_queued, offers_cancel ? CancelArea() : Area{});
+  // An error may stand beside it, so that it says by itself what it cancels.
+  const std::string text = "Cancel " + NumberText(queued) + " Queued";
+  if (queued > 0 && text != cancel_text_) XwSetTextUtf8(cancel_queued, text.c_str());
+  if (queued > 0) cancel_text_ = text;
+  PlaceControl(cancel_queued, CancelArea());
   PlaceControl(stop_sending, SendingRuns() ? layout.stop_sending : Area{});
   PlaceControl(dismiss, HasError() ? DismissArea() : Area{});
 }
@@ -160,7 +167,7 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   if (t) DrawSending(this, *t);
   Area middle = Middle();
   const Message told = message();
-  if (offers_cancel) middle.TakeRight(kCancelWidth + 6);
+  if (queued > 0) middle.TakeRight(CancelArea().w + 6);
   if (told.text.empty()) return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
   if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
   DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(told.text),

@@ -31,6 +31,7 @@ struct StatusPane {
   void Tell(Tone tone, const std::string& utf8) { notices_.Tell({tone, utf8}, now_ms_); }
   // Why something cannot be done: until it is read.
   void TellReason(const std::string& utf8) { notices_.TellReason(utf8); }
+  void PassReason() { notices_.PassReason(); }
   bool HasError() const { return notices_.HasError(); }
   // What it shows now; without a text: nothing.
   Message message() const { return notices_.Shown(now_ms_); }
@@ -46,7 +47,7 @@ struct StatusPane {
   const Layout& layout;
   const ServerState& state;
   const std::string& host;
-  bool offers_cancel = false;  // of what was queued last
+  int queued = 0;  // of the documents that were queued last, how many can be cancelled
   XwWindow *stop_sending = nullptr, *dismiss = nullptr, *cancel_queued = nullptr;  // of commands
 
  private:
@@ -57,6 +58,7 @@ struct StatusPane {
 
   Notices notices_;
   int64_t now_ms_ = 0;  // counted by Tick
+  std::string cancel_text_;
 };
 
 }  // namespace console

@@ -19,21 +19,10 @@ XwWindow* MakeIconButton(XwWindow* window, ToolIcon icon, int id, const char* na
   return b;
 }
 
-std::vector<std::string> NamesOf(const std::vector<NC_Printer>& printers) {
-  std::vector<std::string> names;
-  for (const NC_Printer& p : printers) names.push_back(p.name);
-  return names;
-}
-
 std::vector<std::string> NamesOf(const std::vector<NC_Profile>& profiles) {
   std::vector<std::string> names;
   for (const NC_Profile& p : profiles) names.push_back(p.name);
   return names;
-}
-
-// What the well shows.
-int32_t ColorOf(int rgb) {
-  return rgb < 0 ? TheStyle().face : FromRgb(rgb);
 }
 
 }  // namespace
@@ -45,17 +34,6 @@ const NC_Printer* ChosenPrinter(const PrintChoice& choice, const ServerState& st
     if (!standard || p.is_default) standard = &p;
   }
   return choice.printer.empty() ? standard : nullptr;
-}
-
-std::vector<std::string> MediaOf(const NC_Printer* printer) {
-  std::vector<std::string> media;
-  std::string_view rest = printer ? printer->media : "";
-  while (!rest.empty()) {
-    const size_t end = std::min(rest.find(','), rest.size());
-    if (end > 0) media.emplace_back(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
-  return media;
 }
 
 void ToolsPane::MakeControls(XwWindow* w) {
@@ -71,8 +49,12 @@ void ToolsPane::MakeControls(XwWindow* w) {
   XwDescribeControl(priority, "Priority");
   hold = XwCheckBox(w, "Hold next", kHoldNextControl, 0, 0, kShown, choice_->hold);
   XwDescribeControl(hold, "Hold Next Job");
-  colour = XwColor(w, "", kColourCommand, 0, 0, 9, 9, kShown | XWC_ICON, ColorOf(choice_->colour));
+  XwSetTip(copies, 0, ("Copies of the next job, 1 to " + NumberText(kMostCopies)).c_str());
+  XwSetTip(priority, 0, "Priority of the next job: the highest is printed first");
+  XwSetTip(hold, 0, "The next job waits until it is released (Ctrl+J)");
+  colour = XwColor(w, "", kColourCommand, 0, 0, 9, 9, kShown | XWC_ICON, 0);
   XwDescribeControl(colour, "Colour");
+  no_colour = MakeIconButton(w, ToolIcon::kNoColour, kColourCommand, "Colour");
   options = MakeIconButton(w, ToolIcon::kOptions, kOptionsCommand, "Print Options");
 }
 
@@ -85,13 +67,19 @@ void ToolsPane::Place(const Layout& l) {
   PlaceControl(copies, l.copies);
   PlaceControl(priority, l.slider);
   PlaceControl(hold, l.hold);
-  PlaceControl(colour, l.colour);
+  colour_area_ = l.colour;
+  PlaceColour();
   PlaceControl(options, l.options);
 }
 
-void ToolsPane::Update(const ServerState& state, bool enabled) {
+void ToolsPane::PlaceColour() {
+  for (XwWindow* control : {colour, no_colour})
+    PlaceControl(control, control == ShownColour() ? colour_area_ : Area{});
+}
+
+void ToolsPane::Update(const ServerState& state, std::vector<std::string> printers, bool enabled) {
   const NC_Printer* p = ChosenPrinter(*choice_, state);
-  printer_.Show(NamesOf(*state.printers), p ? p->name : choice_->printer, enabled);
+  printer_.Show(std::move(printers), p ? p->name : choice_->printer, enabled);
   profile_.Show(NamesOf(*state.profiles), choice_->profile, enabled);
   media_.Show(MediaOf(p), choice_->media, enabled);
   for (XwWindow* control : {copies, priority, hold}) EnableControl(control, enabled);
@@ -113,7 +101,7 @@ void ToolsPane::Draw(const Layout& l) const {
   DrawLabel(s.normal, Align::kRight, l.printer_label, "Printer", s.ink);
   DrawLabel(s.normal, Align::kRight, l.profile_label, "Profile", s.ink);
   DrawLabel(s.normal, Align::kRight, l.media_label, "Media", s.ink);
-  DrawLabel(s.normal, Align::kRight, l.copies_label, "Copies", s.ink);
+  DrawLabel(s.normal, Align::kRight, l.copies_label, "Copies", choice_->no_copies ? s.bad : s.ink);
   DrawLabel(s.normal, Align::kRight, l.priority_label, "Priority", s.ink);
   DrawLabel(s.view, Align::kRight, l.priority, std::to_string(choice_->priority), s.second);
 }
@@ -140,16 +128,17 @@ bool ToolsPane::Chosen(int id, int value) {
   }
 }
 
+// What is no number of copies stays to be seen, until another one is typed or chosen.
 void ToolsPane::Edited(int type) {
-  if (type == XWE_EDIT_CHANGED) {
-    const int n = XwGetValue(copies);
-    choice_->no_copies = n < 1 || n > kMostCopies;
-    choice_->copies = choice_->no_copies ? 1 : n;
-  } else {
-    // What is no number of copies gives place to the one that counts.
-    choice_->no_copies = false;
-    XwSetValue(copies, choice_->copies);
-  }
+  const int n = NumberIn(copies, kMostCopies);
+  choice_->no_copies = n == 0;
+  if (n > 0) choice_->copies = n;
+  if (n > 0 && type != XWE_EDIT_CHANGED) XwSetValue(copies, n);
+}
+
+void ToolsPane::PutBackCopies() {
+  choice_->no_copies = false;
+  XwSetValue(copies, choice_->copies);
 }
 
 void ToolsPane::ChangeCopies(int by) {
@@ -164,10 +153,12 @@ void ToolsPane::ChangePriority(int by) {
 }
 
 void ToolsPane::ShowChoice() {
-  XwSetValue(copies, choice_->copies);
+  if (!choice_->no_copies) XwSetValue(copies, choice_->copies);
   XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
   if ((XwGetValue(hold) == 1) != choice_->hold) XwSetValue(hold, choice_->hold);
-  if (XwGetValue(colour) != ColorOf(choice_->colour)) XwSetValue(colour, ColorOf(choice_->colour));
+  const int rgb = choice_->colour;
+  if (rgb >= 0 && XwGetValue(colour) != FromRgb(rgb)) XwSetValue(colour, FromRgb(rgb));
+  PlaceColour();
 }
 
 void ToolsPane::FitMedia(const ServerState& state) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "app/format/texts.h"
 #include "app/format/words.h"
+#include "app/model/printers.h"
 #include "app/server/worker.h"
 #include "printserver/changes.h"
 #include "printserver/nc.h"
@@ -119,10 +121,23 @@ void Worker::Answered(const JobStep& step, int status, bool left_held) {
   shared_->pending_changed = true;
   const bool done = status == NC_STATUS_DONE;
   if (done && outcome_.done++ == 0) outcome_.document = step.document;
+  if (done && step.change.verb == Verb::kMove) NoteMove(step);
   if (done) return;
   Message refusal = AnswerMessage(step.change.verb, status, step.document);
   if (left_held && status >= 0) refusal.text += "; it is held now";
   if (outcome_.refused++ == 0) outcome_.refusal = std::move(refusal);
+}
+
+// Where a job went, and what it asks for that is not there. Under the mutex.
+void Worker::NoteMove(const JobStep& step) {
+  outcome_.printer = step.change.printer;
+  const ServerState& state = shared_->state;
+  for (const NC_Job& job : *state.jobs) {
+    if (QueueIdOf(job).job != step.job || !job.media[0]) continue;
+    for (const NC_Printer& p : *state.printers)
+      if (p.name == step.change.printer && !HasMedia(p, job.media))
+        outcome_.lacks = Shown(job.media);
+  }
 }
 
 // Of the batch that has ended, if there is one. Under the mutex.

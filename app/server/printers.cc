@@ -37,7 +37,7 @@ void Server::MoveJobs(const std::string& printer, const std::string& target) {
   std::vector<JobStep> steps;
   for (const NC_Job& job : *shared_->state.jobs)
     if (job.printer == printer && !HasEnded(job.state))
-      steps.push_back({QueueIdOf(job).job, {Verb::kMove, 0, target}});
+      steps.push_back({QueueIdOf(job).job, {Verb::kMove, 0, target}, {}, job.document});
   shared_->Add(std::move(steps));
 }
 

@@ -169,6 +169,22 @@ void Worker::Finish(int number, int result, const std::string& why) {
   shared_->Published();
 }
 
+// Once for all that were ordered together, with the last of them. Under the mutex.
+void Worker::TellSent(const Transfer& sent) {
+  bool more = false;
+  for (Transfer& t : shared_->state.transfers) {
+    if (t.first != sent.first) continue;
+    ++t.arrived;
+    more = more || t.state != Sending::kFailed;
+  }
+  if (more) return;
+  const std::string text =
+      sent.arrived == 0
+          ? "Sent: " + Quoted(sent.order.document)
+          : NumberOf(sent.arrived + 1, "document is", "documents are") + " at the server";
+  shared_->AddNotice({Tone::kGood, text});
+}
+
 // What becomes of a transfer that has ended. Under the mutex.
 void Worker::NoteResult(int number, int result, const std::string& why) {
   ServerState& state = shared_->state;
@@ -179,7 +195,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   if (it == state.transfers.end()) return;
   const std::string name = Quoted(it->order.document);
   if (done) {
-    state.arrivals.push_back({number, broken_.id, FileOf(*it)});
+    state.arrivals.push_back({number, broken_.id, it->order.document, FileOf(*it)});
     if (state.arrivals.size() > kArrivals) state.arrivals.erase(state.arrivals.begin());
     // Too late to be cancelled on its way.
     if (cancelled) {
@@ -189,12 +205,13 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
     broken_ = {};
   }
   if (done || cancelled) {
+    const Transfer ended = std::move(*it);
     state.transfers.erase(it);
     // What somebody asked for is no error.
     if (cancelled)
       shared_->AddNotice({Tone::kPlain, "Cancelled: " + name});
     else
-      shared_->AddNotice({Tone::kGood, "Sent: " + name});
+      TellSent(ended);
   } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
     next_send_ = MonotonicMs() + (all_sent_ ? kLookMs : kRetryMs);

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <ctime>
 #include <iterator>
-#include <map>
 #include <string_view>
 
 #include "app/server/shared.h"
@@ -148,11 +147,7 @@ void Server::Shared::Add(std::vector<JobStep> added) {
     AddNotice({Tone::kWarning, "Nothing was changed: the server is away"});
     return Published();
   }
-  std::map<JobId, const char*> documents;
-  for (const NC_Job& job : *state.jobs) documents[QueueIdOf(job).job] = job.document;
   for (JobStep& step : added) {
-    if (const auto job = documents.find(step.job); job != documents.end())
-      step.document = job->second;
     step.batch = next_batch;
     state.pending.Begin(step.job, step.change.verb, MonotonicMs());
     steps.push_back(std::move(step));
@@ -241,10 +236,13 @@ void Server::Tick() {
 
 int Server::Send(std::vector<PrintOrder> orders) {
   Locked lock(shared_.get());
+  const int first = shared_->next_number;
   for (PrintOrder& order : orders) {
     Transfer t;
     t.number = shared_->next_number++;
     t.order = std::move(order);
+    t.size = t.order.size;
+    t.first = first;
     t.started = time(nullptr);
     shared_->state.transfers.push_back(std::move(t));
   }
@@ -262,7 +260,7 @@ void Server::Cancel(int number) {
     s.cancelled = number;
   }
   for (const Arrival& a : s.state.arrivals)
-    if (a.number == number) s.Add({{a.id, {Verb::kRemove, 0, ""}}});
+    if (a.number == number) s.Add({{a.id, {Verb::kRemove}, {}, a.document}});
   if (s.cancelled != number)
     std::erase_if(s.state.transfers, [number](const Transfer& t) { return t.number == number; });
   s.Published();
@@ -289,16 +287,17 @@ void Server::Retry(int number) {
   pthread_cond_broadcast(&shared_->wake);
 }
 
-void Server::Change(const std::vector<JobId>& jobs, const JobChange& change) {
+void Server::Change(const std::vector<NamedJob>& jobs, const JobChange& change) {
   std::vector<JobStep> steps;
-  for (const JobId& job : jobs) steps.push_back({job, change});
+  for (const NamedJob& job : jobs) steps.push_back({job.id, change, {}, job.document});
   Locked lock(shared_.get());
   shared_->Add(std::move(steps));
 }
 
 void Server::Reorder(const std::vector<Reordering>& reorderings) {
   std::vector<JobStep> steps;
-  for (const Reordering& r : reorderings) steps.push_back({r.job, {Verb::kReorder}, r.before});
+  for (const Reordering& r : reorderings)
+    steps.push_back({r.job, {Verb::kReorder}, r.before, r.document});
   Locked lock(shared_.get());
   shared_->Add(std::move(steps));
 }

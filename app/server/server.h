@@ -28,6 +28,13 @@ inline bool IsAway(Link link) {
   return link == Link::kAway || link == Link::kRefused;
 }
 
+// A job that is to be changed. Its name was seen by who asked: the job itself may have left the
+// queue since.
+struct NamedJob {
+  JobId id{};
+  std::string document;
+};
+
 // What is to be done to jobs.
 struct JobChange {
   Verb verb = Verb::kHold;
@@ -45,6 +52,7 @@ struct PrintOrder {
   int copies = 1, priority = 50;
   int32_t colour = -1;  // 0xRRGGBB, -1: none
   bool hold = false;
+  int64_t size = 0;  // bytes, as far as they are known; what is sent is what the file has then
 };
 
 // What a transfer is doing.
@@ -59,6 +67,8 @@ struct Transfer {
   int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
   std::string text;                       // of a failed one, why
+  int first = 0;    // the number of the first one that was ordered together with it
+  int arrived = 0;  // of those, how many are at the server
 };
 
 // Something that a person should be told once.
@@ -81,6 +91,7 @@ inline SentFile FileOf(const Transfer& t) {
 struct Arrival {
   int number;
   JobId id;
+  std::string document;
   SentFile file;
 };
 
@@ -146,7 +157,7 @@ class Server {
   void Retry(int number);
   // Does it to each of them, in this order, and tells what has come of it once. The state shows at
   // once that it is under way.
-  void Change(const std::vector<JobId>& jobs, const JobChange& change);
+  void Change(const std::vector<NamedJob>& jobs, const JobChange& change);
   // Puts jobs before others, one step after the other.
   void Reorder(const std::vector<Reordering>& steps);
   // Sets something of a printer; a notice tells what has come of it.

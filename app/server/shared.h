@@ -20,7 +20,7 @@ struct JobStep {
   JobId job{};
   JobChange change;
   JobId before{};             // of kReorder
-  std::string document = "";  // the job's, as it was when the change was asked for
+  std::string document = "";  // the job's, as who asked for the change has seen it
   int batch = 0;
 };
 

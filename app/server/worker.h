@@ -36,6 +36,7 @@ class Worker {
   bool NextStep(JobStep* out);
   int Make(const JobStep& step, bool* left_held);
   void Answered(const JobStep& step, int status, bool left_held);
+  void NoteMove(const JobStep& step);
   void TellOutcome();
   void GiveUpChanges();
   void RemoveLater(const JobId& job);
@@ -65,6 +66,7 @@ class Worker {
   int SendOnceOpened(const Transfer& t, const Document& document, std::string* why);
   int SendDocument(const Transfer& t, const Document& document, std::string* why);
   void Finish(int number, int result, const std::string& why);
+  void TellSent(const Transfer& sent);
   void NoteResult(int number, int result, const std::string& why);
   bool Arrived(const JobId& id);
   int SilentSeconds(int64_t sent);

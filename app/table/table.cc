@@ -18,6 +18,8 @@ constexpr int kHeadText = 5;
 constexpr int kNoteWithButton = 20 + 10 + 26;
 // Of scrolling by a drag, pixels at a time.
 constexpr int kFastest = 3 * Table::kRowHeight;
+// How far beyond its rows the table scrolls for what is carried.
+constexpr int kCarryReach = 2 * Table::kHeaderHeight;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 
 // How far a head's button ends before its column.
@@ -358,7 +360,10 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
 
 bool Table::Drag(int px, int py) {
   if (held_ == kABorder) return DragBorder(px);
-  return HoldsRow() && DragRows(py);
+  if (!HoldsRow()) return false;
+  const int before = gap();
+  drag_x_ = px;
+  return DragRows(py) || gap() != before;
 }
 
 void Table::Release() {
@@ -388,7 +393,8 @@ bool Table::DragRows(int py) {
   const int y = std::clamp(py, body.y, body.bottom() - 1) - body.y;
   const int last = from_below_ ? rows_ : rows_ - 1;
   const int row = int(std::min<int64_t>((int64_t{top_} + y) / kRowHeight, last));
-  if (held_ == kCarried || (may_carry_ && row != held_row_)) return CarryTo(y);
+  const bool leaves = row != held_row_ || !area_.Holds(drag_x_, py);
+  if (held_ == kCarried || (may_carry_ && leaves)) return CarryTo(y);
   if (row == held_row_) return false;
   held_ = kRows;
   held_row_ = row;
@@ -399,15 +405,19 @@ bool Table::DragRows(int py) {
 // To the border of two rows that is the nearest.
 bool Table::CarryTo(int y) {
   const int64_t at = (int64_t{top_} + y + kRowHeight / 2) / kRowHeight;
-  const int before = gap();
+  const bool begins = held_ != kCarried;
+  const int before = gap_;
   held_ = kCarried;
   gap_ = int(std::min<int64_t>(at, rows_));
-  return gap_ != before;
+  return begins || gap_ != before;
 }
 
 bool Table::ScrollsByDrag() const {
   const Area body = Body();
-  return held_ >= kRows && (drag_y_ < body.y || drag_y_ >= body.bottom());
+  // What is carried far away goes somewhere else.
+  const int reach = held_ == kCarried ? kCarryReach : INT32_MAX / 2;
+  return (held_ >= kRows && drag_y_ < body.y && drag_y_ >= body.y - reach) ||
+         (held_ >= kRows && drag_y_ >= body.bottom() && drag_y_ < body.bottom() + reach);
 }
 
 // The faster the farther away the pointer is.

@@ -102,6 +102,16 @@ void NotEntered(Console* c, const FolderReading& r) {
   Listed(c);
 }
 
+// Somebody has removed or renamed the folder that is shown.
+void LeaveLostFolder(Console* c) {
+  const std::string path = c->files.folder.path();
+  c->status.Tell(
+      Tone::kWarning,
+      Quoted(LastName(path)) + " is not there any more: the nearest folder above it is shown");
+  AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
+}
+
+// What cannot be read just now is shown empty, and may come back; what is gone is left.
 void ReadAgain(Console* c, FolderReading* r) {
   if (r->error == 0)
     c->files.folder.Show(std::move(r->content));
@@ -109,10 +119,11 @@ void ReadAgain(Console* c, FolderReading* r) {
     c->files.folder.Lose(r->error, r->stamp);
   ShowFreeRoom(c, *r);
   Listed(c);
+  if (r->error == ENOENT || r->error == ENOTDIR) LeaveLostFolder(c);
 }
 
 std::string SilenceText(const std::string& path, int seconds) {
-  return "No answer for " + std::to_string(seconds) + " s: " + LastName(path);
+  return "No answer for " + NumberText(seconds) + " s: " + LastName(path);
 }
 
 void ShowReading(Console* c, const std::string& text) {
@@ -219,13 +230,16 @@ void GoUp(Console* c) {
   if (here != "/") AskFolder(c, {FolderRequest::kUp, ParentPath(here), LastName(here)});
 }
 
-void OpenSelected(Console* c) {
+std::string WhyNotOpen(const Console* c) {
   const int row = c->files.table.selected();
-  if (row < 0) return;
-  if (c->files.folder.At(row).folder)
-    EnterFolder(c, c->files.folder.PathOf(row), "");
-  else
-    Tell(c, true, "Print or Ctrl+P prints it");
+  const auto& [files, folders, bytes] = c->files.Chosen();
+  if (row < 0) return files + folders == 0 ? "No folder is selected" : "More than one is selected";
+  return c->files.folder.At(row).folder ? "" : "It is no folder: Print or Ctrl+P prints it";
+}
+
+void OpenSelected(Console* c) {
+  if (const std::string why = WhyNotOpen(c); !why.empty()) return TellWhy(c, why);
+  EnterFolder(c, c->files.folder.PathOf(c->files.table.selected()), "");
 }
 
 void SortBy(Console* c, int column) {

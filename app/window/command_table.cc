@@ -9,14 +9,6 @@
 namespace console {
 namespace {
 
-// --- File
-
-std::string WhyNotOpen(const Console* c) {
-  if (c->files.table.selected() >= 0) return "";
-  const auto& [files, folders, bytes] = c->files.Chosen();
-  return files + folders == 0 ? "No file is selected" : "More than one file is selected";
-}
-
 // --- Edit: of the box with the keyboard
 
 template <int action>
@@ -50,16 +42,41 @@ std::string WhyNotStopSending(const Console* c) {
 
 // --- Printers
 
+template <PrinterVerb verb, Which which>
+bool CanDo(const Console* c) {
+  return CanDoToPrinter(c, which, verb);
+}
+template <PrinterVerb verb, Which which>
+std::string WhyNotDo(const Console* c) {
+  return WhyNotToPrinter(c, which, verb);
+}
+template <PrinterVerb verb, Which which>
+void DoTo(Console* c) {
+  DoToPrinter(c, which, verb);
+}
+
+// In the menu of a printer.
 template <PrinterVerb verb>
 constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = false) {
+  constexpr Which at = Which::kAt;
   return {id,
           kNoMenu,
           name,
-          [](const Console* c) { return CanDoToPrinter(c, verb); },
-          [](Console* c) { DoToPrinter(c, verb); },
-          {.group = group, .contexts = kOnPrinters, .why_not = [](const Console* c) {
-             return WhyNotToPrinter(c, verb);
-           }}};
+          CanDo<verb, at>,
+          DoTo<verb, at>,
+          {.group = group, .contexts = kOnPrinters, .why_not = WhyNotDo<verb, at>}};
+}
+// The same of the chosen printer, which the menu of the queue names.
+template <PrinterVerb verb>
+constexpr Command ChosenPrinterRow(CommandId id, const char* name,
+                                   std::string (*text)(const Console*)) {
+  constexpr Which chosen = Which::kChosen;
+  return {id,
+          kQueueMenu,
+          name,
+          CanDo<verb, chosen>,
+          DoTo<verb, chosen>,
+          {.text = text, .why_not = WhyNotDo<verb, chosen>}};
 }
 
 void StopSending(Console* c) {
@@ -123,6 +140,8 @@ constexpr Command kCommands[] = {
         {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
     Row(kNextMediaCommand, kFileMenu, "On Media", nullptr, nullptr,
         {.contexts = kOnOptions, .choices = NextMediaChoices, .choose = ChooseNextMedia}),
+    Row(kNextCopiesCommand, kFileMenu, "Copies", nullptr, nullptr,
+        {.contexts = kOnOptions, .choices = NextCopiesChoices, .choose = ChooseNextCopies}),
     Row(kNextPriorityCommand, kFileMenu, "At Priority", nullptr, nullptr,
         {.contexts = kOnOptions, .choices = NextPriorityChoices, .choose = ChooseNextPriority}),
     Row(kColourCommand, kFileMenu, "Colour…", nullptr, ChooseColour, {.contexts = kOnOptions}),
@@ -210,20 +229,35 @@ constexpr Command kCommands[] = {
 
     Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", nullptr, LoadPaper,
         {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
+    ChosenPrinterRow<PrinterVerb::kPause>(
+        kPauseChosenCommand, "Pause Printer",
+        [](const Console* c) { return ChosenPrinterText(c, "Pause"); }),
+    ChosenPrinterRow<PrinterVerb::kResume>(
+        kResumeChosenCommand, "Resume Printer",
+        [](const Console* c) { return ChosenPrinterText(c, "Resume"); }),
+    ChosenPrinterRow<PrinterVerb::kRefuseJobs>(
+        kRefuseChosenCommand, "Refuse New Jobs",
+        [](const Console* c) { return ChosenPrinterText(c, "Refuse New Jobs for"); }),
+    ChosenPrinterRow<PrinterVerb::kTakeJobs>(
+        kTakeChosenCommand, "Take New Jobs",
+        [](const Console* c) { return ChosenPrinterText(c, "Take New Jobs for"); }),
     PrinterVerbRow<PrinterVerb::kPause>(kPausePrinterCommand, "Pause"),
     PrinterVerbRow<PrinterVerb::kResume>(kResumePrinterCommand, "Resume"),
     PrinterVerbRow<PrinterVerb::kRefuseJobs>(kRefuseJobsCommand, "Refuse New Jobs", true),
     PrinterVerbRow<PrinterVerb::kTakeJobs>(kTakeJobsCommand, "Take New Jobs"),
     PrinterVerbRow<PrinterVerb::kPaperLoaded>(kPaperLoadedCommand, "Paper Loaded", true),
-    Row(kMoveAllJobsCommand, kNoMenu, "Move All Jobs to",
-        [](const Console* c) { return CanDoToPrinter(c, PrinterVerb::kMoveJobs); }, nullptr,
+    Row(kMoveAllJobsCommand, kNoMenu, "Move All Jobs to", CanDo<PrinterVerb::kMoveJobs, Which::kAt>,
+        nullptr,
         {.group = true,
          .contexts = kOnPrinters,
-         .why_not = [](const Console* c) { return WhyNotToPrinter(c, PrinterVerb::kMoveJobs); },
+         .why_not = WhyNotDo<PrinterVerb::kMoveJobs, Which::kAt>,
          .choices = MoveChoices,
          .choose = MoveAllJobs}),
     PrinterVerbRow<PrinterVerb::kMakeMine>(kMakeMineCommand, "Make My Default", true),
     Row(kGoToPrintersCommand, kNoMenu, "Choose Printer", nullptr, GoToPrinters),
+
+    Row(kNextPaneCommand, kNoMenu, "Next Pane", nullptr, GoToNextPane,
+        {.plain_key = XWE_F1 + 5, .where = kEverywhere}),
 
     Row(kShowPlacesCommand, kViewMenu, "Places", nullptr, TogglePlaces,
         {.key = '7', .checked = ShowsPlaces}),

@@ -47,6 +47,9 @@ void OpenContextMenuByKey(Console* c);
 
 // --- What commands do besides the panes' own
 void RefreshAll(Console* c);
+// The keyboard goes to the next of places, printers, files, details and queue; with Shift to the
+// one before.
+void GoToNextPane(Console* c);
 // Leaves, or asks first while something is being sent.
 void Leave(Console* c);
 // The same where the console's own window has the keyboard; else the window that has it closes.

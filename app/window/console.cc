@@ -76,6 +76,12 @@ SelectionKeys HeldKeys(const Console* c) {
 
 namespace {
 
+// The pane that a control belongs to, too; those of the tool bar are the files'.
+FocusStop PaneOf(FocusStop stop) {
+  if (IsInQueue(stop)) return FocusStop::kQueue;
+  return IsControl(stop) ? FocusStop::kFiles : stop;
+}
+
 // --- Quitting
 
 [[noreturn]] void Quit(Console* c) {
@@ -85,6 +91,16 @@ namespace {
 }
 
 }  // namespace
+
+void GoToNextPane(Console* c) {
+  constexpr int kPanes = int(FocusStop::kQueue) + 1;
+  const int by = c->modifiers & XWS_SHIFT ? kPanes - 1 : 1;
+  int pane = int(PaneOf(c->stop));
+  do {
+    pane = (pane + by) % kPanes;
+  } while (!CanStopAt(c, FocusStop(pane)));
+  SetFocusStop(c, FocusStop(pane));
+}
 
 void Leave(Console* c) {
   if (AskBeforeQuit(c)) Quit(c);

@@ -8,6 +8,7 @@
 
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
+#include "app/model/queue_words.h"
 #include "app/panes/away_banner.h"
 #include "app/panes/details.h"
 #include "app/panes/files.h"
@@ -175,7 +176,7 @@ Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
-// Why something cannot be done: it stays until it is read, or until the next such reason. "":
+// Why something cannot be done: it stays until it is read, or until another command is given. "":
 // nothing is told.
 void TellWhy(Console* c, const std::string& utf8);
 // Draws what is damaged.
@@ -245,8 +246,10 @@ void WatchFolder(Console* c);
 void WatchShownFolder(Console* c);
 // Gives up what is being entered.
 void StopReading(Console* c);
-// Enters the folder that is selected alone; of a file it says how it is printed.
+// Enters the folder that is selected alone, or says why not.
 void OpenSelected(Console* c);
+// A sentence without its full stop, "" when it can be.
+std::string WhyNotOpen(const Console* c);
 void SortBy(Console* c, int column);
 void RefreshFolder(Console* c);
 // Shows the files alone that match; "": all.
@@ -362,9 +365,9 @@ void ShowPreview(void* data, int taken);
 PrintOrder UsualOrder(const Console* c);
 // Queues them and says how many; `left_out` of those that were meant are none.
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
-// Those of the last time that still wait to be sent.
+// Those of the last time that still wait to be sent: how many, or why none can be cancelled.
+int QueuedLast(const Console* c);
 std::string WhyNotCancelQueued(const Console* c);
-bool CanCancelQueued(const Console* c);
 void CancelQueued(Console* c);
 // Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
 std::string WhyNotPrint(const Console* c);
@@ -378,7 +381,7 @@ void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
 // Documents that are given up when the console leaves the server.
-int Unsent(const Console* c);
+Unsent UnsentDocuments(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
 // It was asked, and nothing waits any more.

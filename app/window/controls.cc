@@ -1,4 +1,5 @@
 // The console's controls: those of the tools, of the tables, and the buttons of commands.
+#include <algorithm>
 #include <utility>
 
 #include "app/format/words.h"
@@ -23,23 +24,12 @@ void MakeControls(Console* c) {
   c->banner.MakeControls(w);
   c->status.MakeControls(w);
   const QueueHead& head = c->queue.head;
-  c->buttons = {c->tools.print,
-                c->tools.refresh,
-                c->tools.colour,
-                c->tools.options,
-                head.hold,
-                head.release,
-                head.again,
-                head.remove,
-                c->status.stop_sending,
-                c->status.dismiss,
-                c->status.cancel_queued,
-                c->files.show_all,
-                c->queue.show_all,
-                c->banner.retry,
-                c->banner.start_server,
-                c->needs.load,
-                c->needs.choose};
+  c->buttons = {c->tools.print,         c->tools.refresh,  c->tools.colour,
+                c->tools.no_colour,     c->tools.options,  head.hold,
+                head.release,           head.again,        head.remove,
+                c->status.stop_sending, c->status.dismiss, c->status.cancel_queued,
+                c->files.show_all,      c->queue.show_all, c->banner.retry,
+                c->banner.start_server, c->needs.load,     c->needs.choose};
 }
 
 void PlaceControls(Console* c) {
@@ -81,7 +71,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
     case FocusStop::kHold:
       return c->tools.hold;
     case FocusStop::kColour:
-      return c->tools.colour;
+      return c->tools.ShownColour();
     case FocusStop::kOptions:
       return c->tools.options;
     case FocusStop::kFilter:
@@ -121,12 +111,12 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
-  c->status.offers_cancel = CanCancelQueued(c);
+  c->status.queued = QueuedLast(c);
   c->status.Update();
   c->files.Update();
   c->queue.Update();
   ShowButtons(c);
-  c->tools.Update(c->state, !c->asking);
+  c->tools.Update(c->state, c->printers.Names(), !c->asking);
   c->tools.ShowDocuments(c->files.Chosen().files);
   c->files.Enable(!c->asking);
   c->queue.Enable(!c->asking);
@@ -169,6 +159,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  if (!filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) c->tools.PutBackCopies();
   // The report of a key takes its place, also of one that does nothing in a box.
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);
@@ -219,10 +210,13 @@ PrintOrder UsualOrder(const Console* c) {
 
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   const int n = int(orders.size());
+  const std::string printer = orders.empty() ? "" : orders.front().printer;
   c->just_sent += n;
   c->last_queued = c->server.Send(std::move(orders));
   c->first_queued = c->last_queued - n + 1;
+  c->status.PassReason();  // of an earlier drop
   std::string text = NumberOf(n, "document", "documents") + " queued";
+  if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
   if (IsAway(c->state.link)) text += ", to be sent when " + c->server.host() + " is back";
   Tell(c, true, text);
@@ -233,8 +227,10 @@ void PrintSelected(Console* c) {
   std::vector<PrintOrder> orders;
   for (const std::string& name : c->files.selection.Ids()) {
     const int row = c->files.folder.Find(name);
-    if (c->files.folder.At(row).folder) continue;
+    const FolderEntry e = c->files.folder.At(row);
+    if (e.folder) continue;
     PrintOrder& order = orders.emplace_back(usual);
+    order.size = e.size;
     order.path = c->files.folder.PathOf(row);
     order.document = name;
   }
@@ -244,15 +240,16 @@ void PrintSelected(Console* c) {
   c->damage |= kToolsPane | kDetailsPane;
 }
 
-std::string WhyNotCancelQueued(const Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.number >= c->first_queued && t.number <= c->last_queued && t.state == Sending::kWaiting)
-      return "";
-  return "None of the documents that were queued last waits to be sent";
+int QueuedLast(const Console* c) {
+  const auto& all = c->state.transfers;
+  return int(std::count_if(all.begin(), all.end(), [c](const Transfer& t) {
+    return t.number >= c->first_queued && t.number <= c->last_queued &&
+           t.state == Sending::kWaiting;
+  }));
 }
 
-bool CanCancelQueued(const Console* c) {
-  return WhyNotCancelQueued(c).empty();
+std::string WhyNotCancelQueued(const Console* c) {
+  return QueuedLast(c) > 0 ? "" : "None of the documents that were queued last waits to be sent";
 }
 
 void CancelQueued(Console* c) {

@@ -44,9 +44,13 @@ const std::vector<Line>& Lines() {
     }
     const Line kWindow[] = {{"Window", ""},
                             {"Next part, and back", "Tab, Shift+Tab"},
+                            {"Next pane, and back", "F6, Shift+F6"},
+                            {"Selects more rows", "Shift+arrows"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
                             {"Menu bar", "F10, Alt"},
-                            {"Back to the files, or stops a drag", "Esc"}};
+                            {"Back to files; stops a drag", "Esc"},
+                            {"In the files: ends the filter", "Esc"},
+                            {"Quit", "Ctrl+Q"}};
     all->insert(all->end(), std::begin(kWindow), std::end(kWindow));
     return all;
   }();

@@ -1,6 +1,6 @@
 // The small window that asks for a priority, or for copies, which the menu's short list lacks. It
-// keeps the jobs that it was opened for, whatever is selected by then.
-#include <charconv>
+// keeps the jobs that it was opened for, whatever is selected by then; without any it is about the
+// next job.
 #include <string>
 #include <vector>
 
@@ -9,6 +9,7 @@
 #include "app/look/hits.h"
 #include "app/model/print_choice.h"
 #include "app/window/form.h"
+#include "app/window/print_options.h"
 #include "app/window/queue_commands.h"
 
 namespace console {
@@ -38,14 +39,8 @@ int Most(Verb verb) {
 }
 
 // 0 when the box holds none that counts.
-int NumberIn(const NumberWindow* w) {
-  char text[64] = "";
-  XwGetTextUtf8(w->box, text, sizeof text);
-  const std::string_view s = text;
-  int n = 0;
-  const auto end = std::from_chars(s.data(), s.data() + s.size(), n);
-  const bool whole = end.ec == std::errc() && end.ptr == s.data() + s.size();
-  return whole && n >= 1 && n <= Most(w->verb) ? n : 0;
+int Typed(const NumberWindow* w) {
+  return NumberIn(w->box, Most(w->verb));
 }
 
 void Say(NumberWindow* w, const Area& a, const std::string& text, int32_t ink) {
@@ -61,13 +56,13 @@ void Draw(NumberWindow* w) {
   Say(w, kText, w->text, l.ink);
   const std::string range = "1 to " + NumberText(Most(w->verb)) +
                             (w->verb == Verb::kPriority ? ", the highest first" : "");
-  Say(w, kRange, range, NumberIn(w) ? l.second : l.bad);
+  Say(w, kRange, range, Typed(w) ? l.second : l.bad);
   w->hits.End();
   XwPop();
 }
 
 void Update(NumberWindow* w) {
-  EnableControl(w->set, NumberIn(w) > 0);
+  EnableControl(w->set, Typed(w) > 0);
   Draw(w);
 }
 
@@ -87,13 +82,16 @@ void GoToBox(NumberWindow* w) {
 }
 
 void Set(NumberWindow* w) {
-  const int number = NumberIn(w);
+  const int number = Typed(w);
   if (!number) return GoToBox(w);
   Console* c = w->console;
   const std::vector<QueueId> jobs = std::move(w->jobs);
   const Verb verb = w->verb;
   Close();
-  ChangeThese(c, jobs, {verb, number});
+  if (jobs.empty())
+    SetNextCopies(c, number);
+  else
+    ChangeThese(c, jobs, {verb, number});
   DrawConsole(c);
 }
 
@@ -134,11 +132,7 @@ std::string JobsText(const Console* c, const std::vector<QueueId>& jobs) {
   return job ? Quoted(job->document) : NumberOf(int64_t(jobs.size()), "job", "jobs");
 }
 
-}  // namespace
-
-void AskNumber(Console* c, Verb verb) {
-  const VerbCheck check = c->queue.Check(verb);
-  if (!check.possible()) return;
+void Open(Console* c, Verb verb, std::vector<QueueId> jobs, const std::string& of, int number) {
   Close();
   XwWindow* window = XwCreate(kFormStyle, 0, 0, kWidth, kHeight, Handle);
   if (!window) return;
@@ -146,21 +140,33 @@ void AskNumber(Console* c, Verb verb) {
   w->console = c;
   w->window = window;
   w->verb = verb;
-  w->jobs = check.on;
+  w->jobs = std::move(jobs);
   const std::string name = verb == Verb::kPriority ? "Priority" : "Copies";
-  w->text = name + " of " + JobsText(c, w->jobs);
+  w->text = name + " of " + of;
   XwSetTextUtf8(window, name.c_str());
   XwSetGround(window, nullptr, 2);
   Make(w);
-  if (const NC_Job* job = c->queue.rows.JobOf(w->jobs[0]))
-    XwSetTextUtf8(w->box,
-                  std::to_string(verb == Verb::kPriority ? job->priority : job->copies).c_str());
+  if (number > 0) XwSetTextUtf8(w->box, std::to_string(number).c_str());
   Update(w);
   XwCenter(window, c->window);
   XwShow(window, 1);
   XwSetFocus(window);
   GoToBox(w);
   NoteActivity(window, true);
+}
+
+}  // namespace
+
+void AskNumber(Console* c, Verb verb) {
+  const VerbCheck check = c->queue.Check(verb);
+  if (!check.possible()) return;
+  const NC_Job* job = c->queue.rows.JobOf(check.on[0]);
+  const int number = !job ? 0 : verb == Verb::kPriority ? job->priority : job->copies;
+  Open(c, verb, check.on, JobsText(c, check.on), number);
+}
+
+void AskNextCopies(Console* c) {
+  Open(c, Verb::kCopies, {}, "the next job", c->choice.copies);
 }
 
 void CloseNumberWindow() {

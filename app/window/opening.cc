@@ -18,10 +18,11 @@ void QueueDropped(Console* c, const DroppedPaths& dropped) {
   if (const std::string why = WhyNotPrint(c); !why.empty()) return TellWhy(c, why);
   const PrintOrder usual = UsualOrder(c);
   std::vector<PrintOrder> orders;
-  for (const std::string& path : dropped.files) {
+  for (const DroppedPaths::File& file : dropped.files) {
     PrintOrder& order = orders.emplace_back(usual);
-    order.path = path;
-    order.document = LastName(path);
+    order.path = file.path;
+    order.document = LastName(file.path);
+    order.size = file.size;
   }
   SendOrders(c, std::move(orders), folders + dropped.others);
 }

@@ -1,10 +1,8 @@
 // The window of preferences. What is chosen there counts once it is saved.
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 
 #include "app/format/cut.h"
-#include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/look/hits.h"
@@ -54,7 +52,7 @@ constexpr Area kMineArea{kField, 238, 280, 20};
 constexpr int kSeparator = 276;
 constexpr Area kNote{kEdge, 288, kWidth - 2 * kEdge, 16};
 constexpr int kButtonTop = 316;
-constexpr int kLeastSeconds = 1, kMostSeconds = 3600;
+constexpr int kMostSeconds = 3600;
 constexpr int kMostHost = 40;  // characters, in a question
 
 PreferencesWindow* g_window;
@@ -79,11 +77,7 @@ bool ServerIsGood(const PreferencesWindow* w) {
 
 // 0 when it is none.
 int SecondsOf(const PreferencesWindow* w) {
-  const std::string text = TextOf(w->seconds);
-  int n = 0;
-  const auto end = std::from_chars(text.data(), text.data() + text.size(), n);
-  const bool whole = end.ec == std::errc() && end.ptr == text.data() + text.size();
-  return whole && n >= kLeastSeconds && n <= kMostSeconds ? n : 0;
+  return NumberIn(w->seconds, kMostSeconds);
 }
 
 struct Line {
@@ -140,10 +134,8 @@ void Draw(PreferencesWindow* w) {
 // What follows the texts and the server.
 void Update(PreferencesWindow* w) {
   const Console* c = w->console;
-  std::vector<std::string> names;
-  for (const NC_Printer& p : *c->state.printers) names.push_back(p.name);
   // Those of another server are not known.
-  w->printers.Show(names, w->printer, Host(TextOf(w->server)) == c->server.host());
+  w->printers.Show(c->printers.Names(), w->printer, Host(TextOf(w->server)) == c->server.host());
   EnableControl(w->save, ServerIsGood(w) && SecondsOf(w) > 0);
   Draw(w);
 }
@@ -151,11 +143,10 @@ void Update(PreferencesWindow* w) {
 // --- Saving
 
 bool MayLeaveServer(const Console* c) {
-  const int unsent = Unsent(c);
-  if (unsent == 0) return true;
-  const std::string message = CountText(unsent, "document has", "documents have") +
-                              " not been sent to " + CutMiddle(c->server.host(), kMostHost) +
-                              ". They are given up when the console leaves it.";
+  const Unsent unsent = UnsentDocuments(c);
+  if (!unsent.any()) return true;
+  const std::string message = UnsentText(unsent) + " to " + CutMiddle(c->server.host(), kMostHost) +
+                              ". What is not sent is given up when the console leaves the server.";
   return XwConfirmUtf8("!", "", message.c_str(), "Keep the Server", "Leave It", nullptr) == 2;
 }
 
@@ -286,7 +277,7 @@ void MakeControls(PreferencesWindow* w) {
   PlaceControl(w->recent, {kServerArea.right() + 4, kServerArea.y, kArrow, kRow});
   w->seconds = MakeBox(w->window, "Ask every", kSecondsBox, kSecondsArea, true);
   MakeLabel(w->window, "Print on", kPrinterArea);
-  w->printers.Make(w->window, kPrinterList, "Default Printer", "The server’s default");
+  w->printers.Make(w->window, kPrinterList, "Default Printer", "The one used last");
   PlaceControl(w->printers.control(), kPrinterArea);
   MakeLabel(w->window, "When away", kStartArea);
   w->start =

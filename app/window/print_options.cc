@@ -8,6 +8,7 @@ namespace console {
 namespace {
 
 constexpr int kPriorities[] = {10, 25, 50, 75, 100};
+constexpr int kCopies[] = {1, 2, 3, 4, 5, 6, 8, 10, 12, 15, 20, 25, 50, 100};
 
 struct Colour {
   const char* name;
@@ -58,13 +59,13 @@ void OpenBelow(Console* c, const Area& a) {
 std::vector<CommandChoice> NextPrinterChoices(const Console* c) {
   const NC_Printer* chosen = ChosenPrinter(c->choice, c->state);
   std::vector<CommandChoice> choices;
-  for (const NC_Printer& p : *c->state.printers)
-    choices.push_back(Named(p.name, chosen ? chosen->name : c->choice.printer));
+  for (const std::string& name : c->printers.Names())
+    choices.push_back(Named(name, chosen ? chosen->name : c->choice.printer));
   return choices;
 }
 void ChooseNextPrinter(Console* c, int choice) {
-  if (size_t(choice) >= c->state.printers->size()) return;
-  ChoosePrinter(c, (*c->state.printers)[size_t(choice)].name);
+  const std::vector<std::string> names = c->printers.Names();
+  if (size_t(choice) < names.size()) ChoosePrinter(c, names[size_t(choice)]);
 }
 
 std::vector<CommandChoice> NextProfileChoices(const Console* c) {
@@ -80,6 +81,23 @@ std::vector<CommandChoice> NextMediaChoices(const Console* c) {
 }
 void ChooseNextMedia(Console* c, int choice) {
   c->choice.media = NameOf(MediaNames(c), choice);
+  Changed(c);
+}
+
+std::vector<CommandChoice> NextCopiesChoices(const Console* c) {
+  std::vector<CommandChoice> choices;
+  for (const int n : kCopies)
+    choices.push_back({std::to_string(n), n == c->choice.copies && !c->choice.no_copies});
+  choices.push_back({"Other…"});
+  return choices;
+}
+void ChooseNextCopies(Console* c, int choice) {
+  if (choice == int(std::size(kCopies))) return AskNextCopies(c);
+  if (choice < int(std::size(kCopies))) SetNextCopies(c, kCopies[choice]);
+}
+void SetNextCopies(Console* c, int copies) {
+  c->choice.copies = copies;
+  c->choice.no_copies = false;
   Changed(c);
 }
 

@@ -14,6 +14,11 @@ std::vector<CommandChoice> NextProfileChoices(const Console* c);
 void ChooseNextProfile(Console* c, int choice);
 std::vector<CommandChoice> NextMediaChoices(const Console* c);
 void ChooseNextMedia(Console* c, int choice);
+std::vector<CommandChoice> NextCopiesChoices(const Console* c);
+void ChooseNextCopies(Console* c, int choice);
+void SetNextCopies(Console* c, int copies);
+// The same by a window with a box for any number (number_window.cc).
+void AskNextCopies(Console* c);
 std::vector<CommandChoice> NextPriorityChoices(const Console* c);
 void ChooseNextPriority(Console* c, int choice);
 // A menu of colours below the tool bar's well, or its button of options.

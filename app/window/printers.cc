@@ -7,8 +7,8 @@
 namespace console {
 namespace {
 
-const PrinterRow* Meant(const Console* c) {
-  return c->printer_list.At();
+const PrinterRow* Meant(const Console* c, Which which = Which::kAt) {
+  return which == Which::kAt ? c->printer_list.At() : c->printers.Chosen();
 }
 
 constexpr PrinterSetting kSettings[] = {PrinterSetting::kPause, PrinterSetting::kResume,
@@ -71,19 +71,24 @@ void PrintersKey(Console* c, int type) {
 
 // --- Commands
 
-bool CanDoToPrinter(const Console* c, PrinterVerb verb) {
-  const PrinterRow* row = Meant(c);
+bool CanDoToPrinter(const Console* c, Which which, PrinterVerb verb) {
+  const PrinterRow* row = Meant(c, which);
   return row && c->state.link == Link::kReady &&
          c->printers.Offers(verb, *row, c->printer_list.mine);
 }
 
-std::string WhyNotToPrinter(const Console* c, PrinterVerb verb) {
-  const PrinterRow* row = Meant(c);
+std::string WhyNotToPrinter(const Console* c, Which which, PrinterVerb verb) {
+  const PrinterRow* row = Meant(c, which);
   return row ? c->printers.WhyNot(verb, *row) : "";
 }
 
-void DoToPrinter(Console* c, PrinterVerb verb) {
-  const PrinterRow* row = Meant(c);
+std::string ChosenPrinterText(const Console* c, const char* verb) {
+  const PrinterRow* row = c->printers.Chosen();
+  return row ? std::string(verb) + " “" + row->short_name + "”" : verb;
+}
+
+void DoToPrinter(Console* c, Which which, PrinterVerb verb) {
+  const PrinterRow* row = Meant(c, which);
   if (!row) return;
   if (verb != PrinterVerb::kMakeMine)
     return c->server.ChangePrinter(row->printer->name, kSettings[int(verb)]);

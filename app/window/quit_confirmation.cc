@@ -1,9 +1,7 @@
 // The question that stands in the window's middle when it is to be closed before every document has
 // been sent. It answers itself once they have been.
-#include <algorithm>
-
-#include "app/format/texts.h"
 #include "app/look/controls.h"
+#include "app/model/queue_words.h"
 #include "app/panes/ids.h"
 #include "app/window/console.h"
 
@@ -17,23 +15,10 @@ constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
 XwWindow *close_button, *keep_button;
 Console* asker;
 
-int FailedOnes(const Console* c) {
-  const auto& all = c->state.transfers;
-  return int(std::count_if(all.begin(), all.end(),
-                           [](const Transfer& t) { return t.state == Sending::kFailed; }));
-}
-
-// Those that are still to be sent, and apart from them those that will never be.
-struct SheetWords {
-  std::string title, more;
-};
-SheetWords WordsOf(const Console* c) {
-  const int failed = FailedOnes(c), left = Unsent(c) - failed;
-  const std::string failures = CountText(failed, "document", "documents") + " failed";
-  if (left == 0) return {failures, "The queue says why. What is not sent is not printed."};
-  return {CountText(left, "document has", "documents have") + " not been sent",
-          failed ? failures + ": see the queue. The others are still to be sent."
-                 : "The window closes by itself as soon as everything is sent."};
+const char* MoreWords(const Unsent& unsent) {
+  if (unsent.failed == 0) return "The window closes by itself as soon as everything is sent.";
+  return unsent.waiting == 0 ? "The queue says why. What is not sent is not printed."
+                             : "The queue says why. The others are still to be sent.";
 }
 
 Area SheetArea(const Console* c) {
@@ -48,6 +33,11 @@ void KeepOpen(Console* c) {
   c->damage |= kAllPanes;
 }
 
+void Describe(const Area& a, const std::string& text) {
+  XwBoxList(1, a.x, a.y, a.w, a.h);
+  XwDescribe(-1, XWA_LABEL, 0, text.c_str(), "");
+}
+
 void DrawSheet(const Console* c) {
   const Style& l = TheStyle();
   const Area a{0, 0, kWidth, kHeight};
@@ -56,10 +46,16 @@ void DrawSheet(const Console* c) {
   XwSetColor(l.line);
   XwDrawRect(a.x, a.y, a.w, a.h);
   Area text = a.Inset(kBorder, kBorder);
-  const SheetWords words = WordsOf(c);
-  DrawLabel(l.bold, Align::kLeft, text.TakeTop(18), words.title, l.ink);
+  const Unsent unsent = UnsentDocuments(c);
+  const Area title = text.TakeTop(18);
   text.TakeTop(6);
-  DrawLabel(l.view, Align::kLeft, text.TakeTop(16), words.more, l.second);
+  const Area more = text.TakeTop(16);
+  DrawLabel(l.bold, Align::kLeft, title, UnsentText(unsent), l.ink);
+  DrawLabel(l.view, Align::kLeft, more, MoreWords(unsent), l.second);
+  XwBoxList(3, 0, 0, 0, 0);
+  Describe(title, UnsentText(unsent));
+  Describe(more, MoreWords(unsent));
+  XwBoxList(4, 0, 0, 0, 0);
   XwPop();
 }
 
@@ -88,11 +84,15 @@ void MakeQuestion(Console* c) {
 
 }  // namespace
 
-int Unsent(const Console* c) {
-  const auto& all = c->state.transfers;
-  return c->just_sent + int(std::count_if(all.begin(), all.end(), [](const Transfer& t) {
-           return t.state != Sending::kCancelling;
-         }));
+Unsent UnsentDocuments(const Console* c) {
+  Unsent unsent{c->just_sent, 0};
+  for (const Transfer& t : c->state.transfers) {
+    if (t.state == Sending::kFailed)
+      ++unsent.failed;
+    else if (t.state != Sending::kCancelling)
+      ++unsent.waiting;
+  }
+  return unsent;
 }
 
 void PlaceQuestion(Console* c) {
@@ -102,7 +102,7 @@ void PlaceQuestion(Console* c) {
 }
 
 bool AskBeforeQuit(Console* c) {
-  if (Unsent(c) == 0) return true;
+  if (!UnsentDocuments(c).any()) return true;
   if (c->asking) return false;
   c->asking = true;
   if (!c->question) MakeQuestion(c);
@@ -117,7 +117,7 @@ bool AskBeforeQuit(Console* c) {
 }
 
 bool MayLeaveNow(const Console* c) {
-  return c->asking && Unsent(c) == 0;
+  return c->asking && !UnsentDocuments(c).any();
 }
 
 bool GiveAnswer(Console* c, int id) {

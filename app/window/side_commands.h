@@ -1,14 +1,19 @@
-// What the commands of the side panes do: of the printer at which the keyboard is (printers.cc),
-// and which panes show (panes.cc).
+// What the commands of the side panes do: of a printer (printers.cc), and which panes show
+// (panes.cc).
 #pragma once
 #include "app/window/command_table.h"
 
 namespace console {
 
+// Which printer a command is about: the one at which the keyboard is in their list, or the chosen
+// one.
+enum class Which : uint8_t { kAt, kChosen };
 // Greyed for `WhyNot`, and absent things are never done.
-bool CanDoToPrinter(const Console* c, PrinterVerb verb);
-std::string WhyNotToPrinter(const Console* c, PrinterVerb verb);
-void DoToPrinter(Console* c, PrinterVerb verb);
+bool CanDoToPrinter(const Console* c, Which which, PrinterVerb verb);
+std::string WhyNotToPrinter(const Console* c, Which which, PrinterVerb verb);
+void DoToPrinter(Console* c, Which which, PrinterVerb verb);
+// What a menu calls it: "Pause “Office”".
+std::string ChosenPrinterText(const Console* c, const char* verb);
 // The printers to which all its jobs can be moved.
 std::vector<CommandChoice> MoveChoices(const Console* c);
 void MoveAllJobs(Console* c, int choice);

@@ -17,7 +17,7 @@ DroppedPaths LookAtDropped(const std::vector<std::string>& paths) {
     if (known && S_ISDIR(s.st_mode)) {
       out.folders.push_back(path);
     } else if (known && S_ISREG(s.st_mode) && access(path.c_str(), R_OK) == 0) {
-      out.files.push_back(path);
+      out.files.push_back({path, s.st_size});
     } else {
       const bool device = known && !S_ISREG(s.st_mode);
       if (out.others++ == 0) out.trouble = device ? "it is no file" : TroubleText(errno);

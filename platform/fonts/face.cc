@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "platform/fonts/ahead.h"
 #include "platform/fonts/state.h"
 #include "platform/text/mac_roman.h"
 
@@ -58,6 +59,7 @@ void TakeToolkitCharacter(FontFace* f, CharacterPage* page, int at, char32_t c) 
 }
 
 void FillToolkitPage(FontFace* f, int first, int end) {
+  StopGlyphs();
   CharacterPage* page = f->toolkit.get();
   for (int i = first; i < end; ++i) {
     page->sources[i] = f;
@@ -97,6 +99,7 @@ void PlaceMark(CharacterPage* page, int at) {
 }
 
 void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
+  StopGlyphs();
   int at = int(c & 0xFF);
   CharacterKind kind = page->kinds[at] = KindOf(c);
   page->glyphs[at] = kNoGlyph;

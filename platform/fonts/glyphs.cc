@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/fonts/ahead.h"
 #include "platform/fonts/state.h"
 #include "platform/graphics/context_state.h"
 
@@ -190,6 +191,10 @@ bool OpenSized(const SizedFont* font) {
   return f->opened;
 }
 
+void MakeGlyphAhead(SizedFont* font, double scale, char c) {
+  GlyphOf(font, SetFor(font, scale), uint8_t(c));
+}
+
 SizedFont* OpenFont(const FontFace* face, int size) {
   if (!face) return nullptr;
   auto& fonts = Fonts().sized;
@@ -237,6 +242,7 @@ namespace {
 // before it and its own advance, and stops when that returns false.
 template <typename Each>
 void DrawEach(ContextRef c, SizedFont* font, int x, int y, Ink ink, Each each) {
+  StopGlyphs();
   int baseline = EdgeY(c, y);
   GlyphSet* set = SetFor(font, c->scale);
   const pixman_box32_t* whole = c->box_count == 1 ? c->boxes : nullptr;

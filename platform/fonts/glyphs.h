@@ -36,5 +36,7 @@ struct SizedFont {
 };
 // Opens its face, or the desktop's font in its place; false when there is none.
 bool OpenSized(const SizedFont* font);
+// Makes the mask of an ASCII character of an open font, so that it is there when it is drawn.
+void MakeGlyphAhead(SizedFont* font, double scale, char c);
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 #include "platform/fonts/state.h"
 
+#include "platform/fonts/ahead.h"
+
 namespace platform {
 namespace {
 
@@ -13,6 +15,7 @@ FontState& Fonts() {
 }
 
 void FinishFonts() {
+  StopGlyphs();
   delete state;
   state = nullptr;
 }

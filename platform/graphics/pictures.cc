@@ -70,6 +70,14 @@ void DrawPixels(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels,
       [&](int d) { return SourceOf(c, top, d, h); });
 }
 
+// The source pixel of the `at`th of `of` device pixels: the one that its middle lies in. A picture
+// that has as many as its logical length asks for is shown one to one, though the rectangle's edges
+// are rounded one by one: its last pixel is left out, or shown twice.
+static int NearestPixel(const Context* c, int at, int count, int of, int length) {
+  if (count == std::lround(length * c->scale)) return std::min(at, count - 1);
+  return int((2 * int64_t{at} + 1) * count / (2 * int64_t{of}));
+}
+
 void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels, int width,
                  int height) {
   if (!Ready(c) || w <= 0 || h <= 0 || width <= 0 || height <= 0 || !pixels) return;
@@ -77,13 +85,9 @@ void DrawPicture(ContextRef c, int x, int y, int w, int h, const uint8_t* pixels
   for (const int edge : {r.left, r.top, r.right, r.bottom})
     if (std::abs(edge) == kFarDevice) return;
   if (r.width() == width && r.height() == height) return DrawUnscaled(c, r, pixels, width);
-  // The middle of a device pixel lies in the source's.
-  auto nearest = [](int d, int count, int of) {
-    return int((2 * int64_t{d} + 1) * count / (2 * int64_t{of}));
-  };
   DrawScaled(
-      c, r, pixels, width, [&](int d) { return nearest(d - r.left, width, r.width()); },
-      [&](int d) { return nearest(d - r.top, height, r.height()); });
+      c, r, pixels, width, [&](int d) { return NearestPixel(c, d - r.left, width, r.width(), w); },
+      [&](int d) { return NearestPixel(c, d - r.top, height, r.height(), h); });
 }
 
 // The source pixels that one of `count` of `size` device pixels is the mean of.

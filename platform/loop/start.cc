@@ -18,6 +18,7 @@
 #include "platform/events/sources.h"
 #include "platform/events/timers.h"
 #include "platform/events/trackers.h"
+#include "platform/fonts/ahead.h"
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
@@ -34,7 +35,8 @@
 namespace platform {
 namespace {
 
-OpenResult Open(const Display* d, const char* session_name) {
+OpenResult Open(const Display* d, const char* session_name, void (*open_fonts)()) {
+  if (d != &kHeadlessDisplay) BeginOpening(open_fonts);
   const OpenResult result = d->open(session_name);
   if (result == OpenResult::kNotHere) return result;
   SetCurrentDisplay(d, session_name);
@@ -45,12 +47,12 @@ OpenResult Open(const Display* d, const char* session_name) {
 
 // The display named by XW_DISPLAY, else the first that opens; the headless one is for those who ask
 // for it.
-OpenResult OpenDisplay(const char* session_name) {
+OpenResult OpenDisplay(const char* session_name, void (*open_fonts)()) {
   const char* wanted = getenv("XW_DISPLAY");
   const bool named = wanted && *wanted;
   for (const Display* const* d = kDisplays; *d; ++d) {
     const bool meant = named ? !strcmp((*d)->name, wanted) : *d != &kHeadlessDisplay;
-    const OpenResult result = meant ? Open(*d, session_name) : OpenResult::kNotHere;
+    const OpenResult result = meant ? Open(*d, session_name, open_fonts) : OpenResult::kNotHere;
     if (result != OpenResult::kNotHere) return result;
   }
   fprintf(stderr, "%s: cannot open the display %s\n", session_name,
@@ -62,11 +64,15 @@ OpenResult OpenDisplay(const char* session_name) {
 
 }  // namespace
 
-bool InitPlatform(const char* name) {
-  if (CurrentDisplay()) return true;
+bool InitPlatform(const char* name, void (*open_fonts)()) {
+  if (CurrentDisplay()) {
+    FinishOpening(open_fonts);
+    return true;
+  }
   if (!name) name = "";
   TakeStartToken();
-  const OpenResult opened = OpenDisplay(name);
+  const OpenResult opened = OpenDisplay(name, open_fonts);
+  FinishOpening(open_fonts);
   if (opened == OpenResult::kNotHere) return false;
   InitWindows();
   ReadScreens();

@@ -227,19 +227,29 @@ TEST_F(FolderTest, UpLeadsToTheNearestThatIsThere) {
   EXPECT_EQ(c_->status.message().tone, Tone::kBad);
 }
 
-TEST_F(FolderTest, AFolderThatGoesAwayIsShownEmptyAndComesBack) {
+// What cannot be read is shown empty, and may come back; what is gone gives way to what is above
+// it.
+TEST_F(FolderTest, AFolderThatIsLostIsShownEmptyOrLeft) {
+  home_.Folder("Empty/a/b");
+  home_.File("Empty/a/b/c.txt", "x");
   Open("127.0.0.0");
-  Enter(home_.At(kFolder), kLongName);
-  std::filesystem::remove_all(home_.At(kFolder));
+  Enter(home_.At("Empty/a/b"), "c.txt");
+  FolderReader::read = [](FolderReading* reading) { reading->error = EIO; };
+  RefreshFolder(c_);
   ASSERT_TRUE(Until([&] { return !c_->files.folder.trouble().empty(); }));
   EXPECT_EQ(c_->files.folder.count(), 0);
   EXPECT_EQ(WhyNotPrintSelected(c_), "No file is selected");
   Click(c_->layout.print);
   EXPECT_TRUE(c_->state.transfers.empty());
-  home_.Folder(kFolder);
-  home_.File(std::string(kFolder) + "/new.txt", "x");
+  FolderReader::read = usual_read_;
+  RefreshFolder(c_);
   ASSERT_TRUE(Until([&] { return c_->files.folder.count() == 1; }));
   EXPECT_TRUE(c_->files.folder.trouble().empty());
+
+  std::filesystem::remove_all(home_.At("Empty/a"));
+  ASSERT_TRUE(Until([&] { return c_->files.folder.path() == home_.At("Empty"); }));
+  EXPECT_EQ(c_->status.message().text,
+            "“b” is not there any more: the nearest folder above it is shown");
 }
 
 }  // namespace

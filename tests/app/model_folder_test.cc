@@ -87,9 +87,15 @@ TEST(FolderRows, TellWhatIsShownAndWhatIsNot) {
   rows.ShowHidden(true);
   EXPECT_EQ(rows.CountText(), "2 folders, 5 files, 2 entries cannot be read");
   rows.ShowHidden(false);
-  rows.Filter("*.PNG");  // folders are the way on
-  EXPECT_EQ(Names(rows), "anton|zoo|Été.png");
+  for (const char* ending : {"*.PNG", ".png"}) {  // folders are the way on
+    rows.Filter(ending);
+    EXPECT_EQ(Names(rows), "anton|zoo|Été.png");
+  }
   EXPECT_EQ(rows.CountText(), "3 of 6 entries, 1 entry cannot be read");
+  for (const char* name : {"ANT", "*nto*"}) {
+    rows.Filter(name);
+    EXPECT_EQ(Names(rows), "anton");
+  }
   rows.Filter("ETE");
   EXPECT_EQ(Names(rows), "Été.png");
   EXPECT_EQ(rows.NoteText(), "The filter hides 5 other entries");

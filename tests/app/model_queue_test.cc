@@ -146,6 +146,13 @@ TEST(QueueVerbs, SayWhyNot) {
   // Those for which it is possible are taken.
   EXPECT_EQ(CheckVerb(Verb::kHold, rows, {Id(1), Id(2), Id(3)}, pending, true).on,
             std::vector<QueueId>{Id(3)});
+  const VerbCheck hold = CheckVerb(Verb::kHold, rows, {Id(1), {1, {}}, Id(3)}, pending, true);
+  EXPECT_EQ(hold.left_out, 2);
+  EXPECT_EQ(hold.why_left_out, "The job is printed");
+  // One that somebody else has removed is told by its name.
+  jobs.erase(jobs.begin() + 1);
+  rows.Show(std::make_shared<std::vector<NC_Job>>(jobs), {});
+  EXPECT_EQ(why(Verb::kHold, Id(2)), "“b” is not in the queue any more");
 }
 
 TEST(Reordering, AsksForOneStepForEachJob) {
@@ -203,6 +210,9 @@ TEST(PendingChanges, EndWithTheServersTruth) {
 }
 
 TEST(QueueWords, TellStateProgressAndAnswers) {
+  EXPECT_EQ(UnsentText({1, 0}), "1 document has not been sent");
+  EXPECT_EQ(UnsentText({0, 1200}), "1,200 documents could not be sent");
+  EXPECT_EQ(UnsentText({2, 1}), "2 documents have not been sent, 1 could not be sent");
   auto jobs = *Jobs({"a:p", "a:w", "a:d", "a:w"});
   jobs[0].total = 4200000, jobs[0].printed = 2100000;
   strcpy(jobs[1].reasons, "printer-paused,new-keyword");
@@ -231,6 +241,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(history, "Submitted Begun Failed ");
   EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
   EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
+  const ChangeOutcome moved{Verb::kMove, 2, 0, "", "Proof", "A1", {}};
+  EXPECT_EQ(OutcomeMessage(moved).text, "Moved to “Proof”, which has no A1: 2 jobs");
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
     EXPECT_EQ(AnswerMessage(Verb::kMove, status, "a").tone, Tone::kWarning);

@@ -112,12 +112,13 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
                      false);
   ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 2; }));
   EXPECT_EQ(c_->state.transfers[0].order.path, home_.At("b.pdf"));
+  EXPECT_EQ(c_->state.transfers[0].size, 1);
   EXPECT_EQ(c_->status.message().text.rfind("2 documents queued, 2 left out", 0), 0u);
   Turn(2);
   const XwWindow* cancel = c_->status.cancel_queued;
   Click({cancel->x, cancel->y, cancel->width, cancel->height});
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
-  EXPECT_FALSE(CanCancelQueued(c_));
+  EXPECT_EQ(QueuedLast(c_), 0);
 
   display::OpenFiles({"/dev/null"}, false);
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));

@@ -26,6 +26,7 @@ class SendingTest : public ConsoleTest {
     Click(c_->queue.table.RowArea(0));
     ASSERT_EQ(c_->queue.table.selected(), 0);
     ASSERT_TRUE(c_->queue.rows.IdAt(0).outgoing);
+    EXPECT_EQ(c_->queue.rows.OutgoingAt(0)->size, 5000) << "known before it is opened";
     server_.Listen();
     c_->server.Refresh();
   }
@@ -96,6 +97,7 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
   Key('p', 'p');
   display::Modifiers(0);
   ASSERT_TRUE(QueueIs(0, 2));
+  EXPECT_TRUE(Until([&] { return c_->status.message().text == "2 documents are at the server"; }));
   Click(c_->queue.table.RowArea(0));
   display::Modifiers(platform::controlKey);
   Key('a', 'a');
@@ -124,12 +126,16 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
 // The question before closing counts what was printed since the last tick, and ends the drag that
 // it covers.
 TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
+  platform::TreeListener listener{[](void*, uint64_t, platform::Change) {}, nullptr};
+  platform::AddTreeListener(&listener);
   Open(address_);
   Click(FileRow("letter.txt"));
   PrintSelected(c_);
   ASSERT_TRUE(c_->state.transfers.empty());
   EXPECT_FALSE(AskBeforeQuit(c_));
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
+  EXPECT_FALSE(Node("1 document has not been sent").what.name.empty());
+  platform::RemoveTreeListener(&listener);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
 

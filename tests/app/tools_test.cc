@@ -49,12 +49,19 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   ChooseNextPriority(c_, 4);
   RunCommand(c_, kHoldNextCommand);
   // A number that is too large prints nothing, and is not cut to a smaller one.
-  for (const char* digits : {"99", "1000", "0"}) {
+  for (const char* digits : {"99", "1000", "2x", "0"}) {
     XwSetTextUtf8(c_->tools.copies, digits);
     c_->tools.Edited(XWE_EDIT_CHANGED);
     EXPECT_EQ(CanRun(c_, kPrintCommand), digits[0] == '9') << digits;
   }
+  // It stays to be seen when the box is left, and is no other number.
   c_->tools.Edited(XWE_EDIT_DONE);
+  ChooseNextProfile(c_, 0);
+  char box[8];
+  XwGetTextUtf8(c_->tools.copies, box, sizeof box);
+  EXPECT_STREQ(box, "0");
+  EXPECT_FALSE(CanRun(c_, kPrintCommand));
+  ChooseNextCopies(c_, 0);
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   c_->choice.profile = "Fine";
   c_->tools.ChangeCopies(2);
@@ -129,13 +136,14 @@ TEST_F(ConsoleTest, ALongNameIsCutOnceForTheWidthOfItsBox) {
   Open("127.0.0.9:1");
   NC_Printer printer{};
   strcpy(printer.name, "Großformat-Plotter im Keller, links");
-  ServerState state = c_->state;
-  state.printers = std::make_shared<std::vector<NC_Printer>>(1, printer);
   int characters = 0;
   for (const int width : {760, 1300, 2440}) {
     XwMove(c_->window, c_->window->x, c_->window->y, width, 800);
     Turn(3);
-    c_->tools.Update(state, true);
+    // The server that is not there has a list of its own in between.
+    c_->state.printers = std::make_shared<std::vector<NC_Printer>>(1, printer);
+    PrintersCame(c_);
+    UpdateControls(c_);
     char text[100];
     XwGetTextUtf8(c_->tools.printer(), text, sizeof text);
     const char* dots = strstr(text, "…");

@@ -16,19 +16,24 @@ TEST_F(Cli, TheQueueInThreeForms) {
   const std::string first =
       Job("a1", 7,
           "state=printing\npriority=60\ncopies=2\nsize=100\ntotal=200\nprinted=50\nprofile=Fine\n"
-          "media=A3\npages=8\npages-printed=3\ncolour=0000ff\nreasons=x-y\n");
+          "media=A3\npages=8\npages-printed=3\ncolour=0000ff\nreasons=x-y\nstarted=172800\n");
   const std::string second = Job("a2", 0,
                                  "state=failed\nhold=1\nreasons=document-lost,disk-full\n"
-                                 "text=gone\nsubmitted=86400\ndocument=" +
+                                 "text=gone\nsubmitted=86400\nsince=345600\ndocument=" +
                                      kHostile + "\n");
   server.queues = {first + second};
   Outcome outcome = Run({"queue"});
   EXPECT_EQ(outcome.code, 0);
   const size_t line = outcome.out.find('\n') + 1;
-  EXPECT_EQ(outcome.out.rfind("NUMBER  STATE     DONE  PRIORITY  COPIES  SIZE  SUBMITTED  ", 0),
-            0U);
   EXPECT_EQ(
-      outcome.out.substr(line).rfind("7       printing  3/8   60        2       100   1970", 0), 0U)
+      outcome.out.rfind("NUMBER  STATE     DONE  PRIORITY  COPIES  SIZE  SUBMITTED            "
+                        "STARTED              SINCE                OWNER",
+                        0),
+      0U);
+  EXPECT_EQ(
+      outcome.out.substr(line).rfind(
+          "7       printing  3/8   60        2       100                        1970-01-0", 0),
+      0U)
       << outcome.out;
   EXPECT_TRUE(Has(outcome.out,
                   "  \\u{001B}[1m\\u{009B}\\u{202E}\\\"\\u{0009}zä€😀\\xC3\\xE0\\x80\\x80  "
@@ -38,13 +43,15 @@ TEST_F(Cli, TheQueueInThreeForms) {
   outcome = Run({"queue", "--tsv"});
   EXPECT_EQ(outcome.out,
             "number\tstate\tpriority\tcopies\tsize\towner\tprinter\tdocument\tid\tprofile\tmedia\t"
-            "hold\tsubmitted\ttotal\tprinted\tpages\tpages-printed\tcolour\tkept\treasons\ttext\n"
+            "hold\tsubmitted\ttotal\tprinted\tpages\tpages-printed\tcolour\tkept\treasons\ttext\t"
+            "started\tsince\n"
             "7\tprinting\t60\t2\t100\tann\tP\td7\t" +
                 Id("a1") +
-                "\tFine\tA3\t0\t0\t200\t50\t8\t3\t0000ff\t1\tx-y\t\n"
+                "\tFine\tA3\t0\t0\t200\t50\t8\t3\t0000ff\t1\tx-y\t\t172800\t\n"
                 "\tfailed\t50\t1\t0\tann\tP\t\\u{001B}[1m\\u{009B}\\u{202E}\\\"\\u{0009}"
                 "zä€😀\\xC3\\xE0\\x80\\x80\t" +
-                Id("a2") + "\t\t\t1\t86400\t0\t0\t\t\t\t1\tdocument-lost,disk-full\tgone\n");
+                Id("a2") +
+                "\t\t\t1\t86400\t0\t0\t\t\t\t1\tdocument-lost,disk-full\tgone\t\t345600\n");
   outcome = Run({"queue", "--json"});
   EXPECT_EQ(
       outcome.out,
@@ -53,7 +60,8 @@ TEST_F(Cli, TheQueueInThreeForms) {
           Id("a1") +
           "\", \"profile\": \"Fine\", \"media\": \"A3\", \"hold\": false, \"submitted\": 0, "
           "\"total\": 200, \"printed\": 50, \"pages\": 8, \"pages-printed\": 3, "
-          "\"colour\": \"0000ff\", \"kept\": true, \"reasons\": [\"x-y\"], \"text\": \"\"},\n"
+          "\"colour\": \"0000ff\", \"kept\": true, \"reasons\": [\"x-y\"], \"text\": \"\", "
+          "\"started\": 172800, \"since\": null},\n"
           "  {\"number\": null, \"state\": \"failed\", \"priority\": 50, \"copies\": 1, "
           "\"size\": 0, \"owner\": \"ann\", \"printer\": \"P\", \"document\": "
           "\"\\u001b[1m\\u009b\\u202e\\\\\\\"\\u0009z\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"
@@ -62,7 +70,7 @@ TEST_F(Cli, TheQueueInThreeForms) {
           "\", \"profile\": \"\", \"media\": \"\", \"hold\": true, \"submitted\": 86400, "
           "\"total\": 0, \"printed\": 0, \"pages\": null, \"pages-printed\": null, "
           "\"colour\": \"\", \"kept\": true, \"reasons\": [\"document-lost\", \"disk-full\"], "
-          "\"text\": \"gone\"}\n]\n");
+          "\"text\": \"gone\", \"started\": null, \"since\": 345600}\n]\n");
 }
 
 TEST_F(Cli, FiltersAndEmptyLists) {

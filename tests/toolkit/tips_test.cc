@@ -1,6 +1,8 @@
 // Tips: when they show and go, and what the described tree says of them.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "platform/windows/internal.h"
 #include "tests/toolkit/control_stage.h"
 #include "toolkit/events/session.h"
@@ -242,6 +244,26 @@ TEST(Scale, PicturesHaveTheDevicesPixels) {
     unsetenv("XW_SCALE");
     DropSession();
   }
+}
+
+// At 1.5 a rectangle of 5 columns is 7 or 8 wide on the device, by where it begins; a picture for
+// it has 8.
+TEST(Scale, APictureOfTheRectanglesSizeIsShownOneToOne) {
+  setenv("XW_SCALE", "1.5", 1);
+  ControlScreen s;
+  const uint8_t pixels[32] = {0, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0,
+                              0, 5, 0, 0, 0, 6, 0, 0, 0, 7, 0, 0, 0, 8, 0, 0};
+  XwSet(s.main);
+  for (const int x : {20, 21}) {
+    XwPutImageScaled(x, 10, 5, 1, pixels, 8, 1);
+    XwSync();
+    const auto p = input::TakePicture(Native(s.main));
+    const int top = int(std::lround((10 + platform::GetMBarHeight()) * 1.5));
+    const uint32_t* shown = &p.pixels[size_t(top * p.width + std::lround(x * 1.5))];
+    for (int i = 0; i < 7; ++i) EXPECT_EQ(shown[i] >> 16 & 0xFF, unsigned(i + 1)) << x;
+  }
+  unsetenv("XW_SCALE");
+  DropSession();
 }
 
 }  // namespace

@@ -60,6 +60,11 @@ void LoadStandardFonts() {
   XWF_VIEW = Load(font, font.size, font.style);
 }
 
+void OpenFonts() {
+  ReopenFonts();
+  LoadStandardFonts();
+}
+
 }  // namespace
 
 void TakeScreenSize() {
@@ -68,7 +73,7 @@ void TakeScreenSize() {
 }
 
 void XwCocoaInit() {
-  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str())) exit(1);
+  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str(), OpenFonts)) exit(1);
   FillCursorTable();
 }
 
@@ -96,8 +101,6 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
-  ReopenFonts();
-  LoadStandardFonts();
   InstallEventHandlers(nullptr);
   SetRecoloringWaits(ModalKeepsOutNative);
   DescribeWindows();

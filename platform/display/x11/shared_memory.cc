@@ -3,23 +3,26 @@
 // The system gives it page by page as it is first touched, which for a large window takes longer
 // than drawing its first picture. Written through the descriptor, many pages come with one call;
 // a touch of a page that is there maps its neighbours with it, sixteen at a time. (A call that maps
-// them all holds up the other threads' use of the address space, and takes longer.)
-#include <pthread.h>
+// them all holds up the other threads' use of the address space, and takes longer. Two threads that
+// write to one file take turns, so one does it alone.)
 #include <sys/mman.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <vector>
 
+#include "platform/ahead_job.h"
 #include "platform/display/x11/x.h"
 
 namespace platform::x11 {
 
 namespace {
 
-// As much as a touch maps: what lies between two multiples of this.
-constexpr size_t kPiece = 64 * 1024;
+// What is written at once is one page, again and again, which stays in the nearest cache; as many
+// as a touch maps: those between two multiples of a piece.
+constexpr size_t kPage = 4096, kPagesOfPiece = 16, kPiece = kPage * kPagesOfPiece;
 
 SharedMemory Map(size_t bytes) {
   SharedMemory m;
@@ -43,45 +46,45 @@ void Free(const SharedMemory& m, size_t bytes) {
   close(m.descriptor);
 }
 
-// Memory that is being filled, by one thread or by two that take pieces in turn.
+// Memory that is being filled.
 struct Filling {
   SharedMemory memory;
   size_t bytes = 0;  // 0: none
-  std::vector<uint32_t> piece;
-  std::atomic<size_t> next = 0;  // piece
-  std::atomic<bool> refused = false;
-  pthread_t thread{};
+  uint32_t page[kPage / 4];
+  std::atomic<bool> dropped = false;
+  bool refused = false;
 
   void Begin(const SharedMemory& m, size_t size, uint32_t pixel) {
     memory = m;
     bytes = size;
-    piece.assign(std::min(size, kPiece) / 4, pixel);
-    next = 0;
-    refused = false;
+    std::fill_n(page, kPage / 4, pixel);
+    dropped = refused = false;
   }
-  void FillPieces() {
+  void Fill() {
     char* const pixels = reinterpret_cast<char*>(memory.pixels);
     const size_t skew = reinterpret_cast<uintptr_t>(pixels) % kPiece;
-    for (size_t at; (at = next++ * kPiece) < skew + bytes;) {
+    for (size_t at = 0; at < skew + bytes && !dropped; at += kPiece) {
       const size_t begin = std::max(at, skew) - skew, end = std::min(at + kPiece - skew, bytes);
-      const auto size = ssize_t(end - begin);
-      if (pwrite(memory.descriptor, piece.data(), end - begin, off_t(begin)) != size)
-        refused = true;
+      refused = refused || !Write(begin, end - begin);
       *const_cast<const volatile char*>(pixels + begin);
     }
   }
-  // All pieces are done.
+  // A piece or less.
+  bool Write(size_t at, size_t size) {
+    iovec pages[kPagesOfPiece];
+    int count = 0;
+    for (size_t done = 0; done < size; done += kPage)
+      pages[count++] = {page, std::min(kPage, size - done)};
+    return pwritev(memory.descriptor, pages, count, off_t(at)) == ssize_t(size);
+  }
   void End() {
-    if (refused) std::fill_n(memory.pixels, bytes / 4, piece[0]);
+    if (refused) std::fill_n(memory.pixels, bytes / 4, page[0]);
     bytes = 0;
   }
 };
 Filling ahead;
 
-void* FillAhead(void*) {
-  ahead.FillPieces();
-  return nullptr;
-}
+AheadJob filling_ahead([] { ahead.Fill(); });
 
 }  // namespace
 
@@ -94,7 +97,7 @@ SharedMemory AllocateFilled(size_t bytes, uint32_t pixel) {
   if (m.pixels == nullptr) return m;
   Filling filling;
   filling.Begin(m, bytes, pixel);
-  filling.FillPieces();
+  filling.Fill();
   filling.End();
   return m;
 }
@@ -104,7 +107,7 @@ void AllocateAhead(size_t bytes, uint32_t pixel) {
   const SharedMemory m = Map(bytes);
   if (m.pixels == nullptr) return;
   ahead.Begin(m, bytes, pixel);
-  if (pthread_create(&ahead.thread, nullptr, FillAhead, nullptr) == 0) return;
+  if (filling_ahead.Begin()) return;
   Free(m, bytes);
   ahead.bytes = 0;
 }
@@ -112,12 +115,14 @@ void AllocateAhead(size_t bytes, uint32_t pixel) {
 SharedMemory TakeAhead(size_t bytes, uint32_t pixel) {
   const size_t size = ahead.bytes;
   if (size == 0) return {};
-  const bool fits = size == bytes && ahead.piece[0] == pixel;
-  if (!fits) ahead.next = size;
-  ahead.FillPieces();
-  pthread_join(ahead.thread, nullptr);
-  ahead.End();
-  if (fits) return ahead.memory;
+  if (size == bytes && ahead.page[0] == pixel) {
+    filling_ahead.Finish();
+    ahead.End();
+    return ahead.memory;
+  }
+  ahead.dropped = true;
+  filling_ahead.Drop();
+  ahead.bytes = 0;
   Free(ahead.memory, size);
   return {};
 }

@@ -333,9 +333,9 @@ struct SharedMemory {
 SharedMemory AllocateShared(size_t bytes);
 // The same, all of it in one colour.
 SharedMemory AllocateFilled(size_t bytes, uint32_t pixel);
-// The same on a separate thread, while the program fills its first window with controls. The next
-// of the two calls waits for it: the first gives the memory, none where that has another size or
-// colour; the second frees it.
+// The same ahead, while the program fills its first window with controls. The next of the two calls
+// ends that: the first gives the memory, none where that has another size or colour; the second
+// frees it.
 void AllocateAhead(size_t bytes, uint32_t pixel);
 SharedMemory TakeAhead(size_t bytes, uint32_t pixel);
 void DropAhead();
