@@ -14,10 +14,8 @@ Area RecordOf(const XwWindow* control, const Area& a) {
       return {a.x - 2, a.y - 1, a.w + 6, a.h + 4};
     case XWK_COMBO:
       return {a.x - 1, a.y - 2, a.w + 3, a.h};
-    case XWK_EDIT:
-      return {a.x - 1, a.y, a.w + 2, a.h};
     case XWK_CHECK_BOX:
-      return {a.x, a.y + (a.h - 16) / 2, a.w, 16};
+      return {a.x - 1, a.y + (a.h - 16) / 2, a.w + 1, 16};
     default:
       return a;
   }

@@ -94,4 +94,12 @@ void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) 
   }
 }
 
+void DrawLargeFolder(int x, int y) {
+  const Style& l = TheStyle();
+  Outline(x, y)
+      .Lines({{1, 1}, {15, 1}, {20, 6}, {43, 6}, {43, 31}, {1, 31}})
+      .Fill(Mix(l.accent, l.document, 7))
+      .Stroke(Mix(l.accent, l.document, 45), 1.5f);
+}
+
 }  // namespace console

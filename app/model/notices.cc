@@ -30,9 +30,13 @@ void Notices::Tell(Message message, int64_t now_ms) {
     ++left_out_;
 }
 
+void Notices::PassReason() {
+  if (!errors_.empty() && errors_.front().reason) Read();
+}
+
 void Notices::TellReason(std::string text) {
   if (text.empty()) return;
-  if (!errors_.empty() && errors_.front().reason) errors_.pop_front();
+  PassReason();
   errors_.push_front({Tone::kWarning, std::move(text), 1, true});
 }
 

@@ -26,6 +26,8 @@ class Notices {
   // Why what somebody has just asked for cannot be done, "": nothing. It is kept until Read, too,
   // but shown at once, before the errors, in place of an earlier such reason.
   void TellReason(std::string text);
+  // The next thing is done: a reason that is shown counts as read.
+  void PassReason();
   // The error or warning that is shown has been read: the next one comes.
   void Read();
   // The message that stands for some seconds goes at once.

@@ -35,8 +35,8 @@ enum class OutgoingState : uint8_t { kWaiting, kSending, kCancelling, kFailed };
 struct Outgoing {
   int number = 0;  // from 1 on
   std::string document, owner;
-  std::string printer, profile;  // empty: the server's choice
-  int32_t colour = -1;           // 0xRRGGBB, -1: none
+  std::string printer, profile, media;  // empty: the server's choice
+  int32_t colour = -1;                  // 0xRRGGBB, -1: none
   OutgoingState state = OutgoingState::kWaiting;
   int64_t sent = 0, total = 0, size = 0;  // bytes; the total includes the ticket
   int silent_s = 0;                       // whole seconds that its file has not answered

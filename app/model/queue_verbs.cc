@@ -111,6 +111,16 @@ Why WhyNot(Verb verb, const QueueRows& rows, const QueueId& id, const PendingCha
   return pending.Of(id.job) ? kUnderWay : WhyNot(verb, *job);
 }
 
+bool IsSoAlready(Verb verb, const NC_Job& job) {
+  if (verb == Verb::kRelease) return job.state == NC_JOB_WAITING || job.state == NC_JOB_PRINTING;
+  return verb == Verb::kHold && job.state == NC_JOB_HELD;
+}
+
+std::string TextOf(const Why& why, const QueueRows& rows, const QueueId& id) {
+  const std::string name = why == kGone ? rows.NameOf(id) : "";
+  return name.empty() ? why.one : Quoted(name) + " is not in the queue any more";
+}
+
 // Of several for each of which there is another reason.
 std::string WhyNone(Verb verb) {
   // By Verb.
@@ -138,16 +148,19 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
   bool same = true;
   for (const QueueId& id : selected) {
     const Why why = WhyNot(verb, rows, id, pending, connected);
-    if (!why) check.on.push_back(id);
     if (!first) first = why;
     same &= why == first;
+    const NC_Job* job = rows.JobOf(id);
+    if (!why)
+      check.on.push_back(id);
+    else if (!(job && IsSoAlready(verb, *job)) && check.left_out++ == 0)
+      check.why_left_out = TextOf(why, rows, id);
   }
   if (selected.empty()) check.why_not = "No job is selected";
   if (check.possible() || selected.empty()) return check;
-  check.why_not = selected.size() == 1 ? first.one : same ? first.many : WhyNone(verb);
-  const std::string name = first == kGone ? rows.NameOf(selected[0]) : "";
-  if (selected.size() == 1 && !name.empty())
-    check.why_not = Quoted(name) + " is not in the queue any more";
+  check.why_not = selected.size() == 1 ? TextOf(first, rows, selected[0])
+                  : same               ? first.many
+                                       : WhyNone(verb);
   return check;
 }
 

@@ -13,6 +13,10 @@ namespace console {
 struct VerbCheck {
   std::vector<QueueId> on;
   std::string why_not;  // when there are none: a sentence without its full stop
+  // When there are some: how many of the others are not as was asked for anyway, and why the first
+  // of those is left out, in the same way.
+  int left_out = 0;
+  std::string why_left_out;
   bool possible() const { return !on.empty(); }
 };
 

@@ -140,6 +140,7 @@ std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now) {
   facts.Add("Owner", Shown(out.owner));
   facts.Add("Printer", Shown(out.printer));
   facts.Add("Profile", Shown(out.profile));
+  facts.Add("Media", Shown(out.media));
   facts.Add("Copies", NumberText(out.copies));
   facts.Add("Priority", NumberText(out.priority));
   facts.Add("Size", out.size > 0 ? SizeText(out.size) : "");

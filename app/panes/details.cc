@@ -30,7 +30,7 @@ std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
   if (!row) return {};
   return {{"Name", row->name},
           {"State", row->state, row->dot},
-          {"Jobs", std::to_string(p->jobs)},
+          {"Jobs", NumberText(p->jobs)},
           {"Paper", row->paper.empty() ? "enough" : row->paper}};
 }
 

@@ -161,6 +161,17 @@ void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {
   }
 }
 
+// In an empty folder, where there is room: a picture of it, and what can be done.
+void DrawAroundNote(const Area& note, const Area& around) {
+  constexpr int kAbove = 12, kHint = 20;
+  if (note.Empty()) return;
+  const int y = note.y - kAbove - kLargeFolderHeight;
+  if (y > around.y + 2 * kAbove) DrawLargeFolder(note.x + (note.w - kLargeFolderWidth) / 2, y);
+  if (note.bottom() + kHint < around.bottom())
+    DrawLabel(TheStyle().small_text, Align::kCenter, {note.x, note.bottom(), note.w, kHint},
+              "Drop files here to print them", Mix(TheStyle().second, TheStyle().document, 75));
+}
+
 std::vector<Column> Columns() {
   return {{"Name", 150, 10, Align::kLeft, true, 0, kNamePadding, kIconRoom},
           {"Size", 82, 1, Align::kRight, true, 1, 8},
@@ -209,6 +220,9 @@ void FilesPane::Draw(const Hit& hover, bool focused, bool silent) {
   table.SetMuted(silent);
   DrawHead(this, hover);
   table.Draw(hover);
+  const FolderRows& rows = folder.rows();
+  if (folder.known() && folder.trouble().empty() && rows.count() == 0 && !rows.leaves_out())
+    DrawAroundNote(table.NoteArea(), layout.folder);
 }
 
 void FilesPane::AddHits(Hits* hits) const {

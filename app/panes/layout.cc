@@ -5,7 +5,7 @@
 namespace console {
 namespace {
 
-constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 32;
+constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 34;
 constexpr int kStop = 18;
 // The filter of the files: in a narrow pane it is narrower, and has no label.
 constexpr int kFilter = 170, kLeastFilter = 96, kFilterLabelFrom = 520;

@@ -1,6 +1,7 @@
 #include "app/panes/name_choice.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "app/format/cut.h"
 #include "app/format/texts.h"
@@ -28,15 +29,22 @@ void NameChoice::Make(XwWindow* window, int id, const char* name, const char* un
   combo_ = XwComboBox(window, nullptr, id, 0, 0, 9, 9, XWC_ENABLED | XWC_VISIBLE | XWC_VARIANT, -1);
   XwDescribeControl(combo_, name);
   unchosen_ = unchosen;
-  SetItems({});
+  SetItems({}, -1);
 }
 
-void NameChoice::SetItems(std::vector<std::string> names) {
+// The box shows the text of the chosen one, which is cut for it; in the menu the others have more
+// room.
+void NameChoice::SetItems(std::vector<std::string> names, int chosen) {
   names_ = std::move(names);
   width_ = combo_->width;
+  fitted_ = chosen;
   texts_.clear();
-  for (const std::string& name : names_)
-    texts_.push_back(name.empty() && unchosen_ ? unchosen_ : ItemText(name, width_ - kAroundText));
+  for (const std::string& name : names_) {
+    const bool fits = int(texts_.size()) == chosen;
+    texts_.push_back(name.empty() && unchosen_
+                         ? unchosen_
+                         : ItemText(name, fits ? width_ - kAroundText : INT_MAX));
+  }
   std::vector<const char*> items;
   for (const std::string& text : texts_) items.push_back(text.c_str());
   items.push_back(nullptr);
@@ -49,10 +57,14 @@ void NameChoice::Show(std::vector<std::string> names, const std::string& chosen,
   if ((!chosen.empty() || unchosen_) &&
       std::find(names.begin(), names.end(), chosen) == names.end())
     names.push_back(chosen);
-  const bool others = names != names_ || combo_->width != width_;
-  if (others && XwGetFocus(combo_) != combo_) SetItems(std::move(names));
-  const auto at = std::find(names_.begin(), names_.end(), chosen);
-  const int item = at == names_.end() ? -1 : int(at - names_.begin());
+  const auto place = [&chosen](const std::vector<std::string>& all) {
+    const auto at = std::find(all.begin(), all.end(), chosen);
+    return at == all.end() ? -1 : int(at - all.begin());
+  };
+  int item = place(names);
+  const bool others = names != names_ || combo_->width != width_ || item != fitted_;
+  if (others && XwGetFocus(combo_) != combo_) SetItems(std::move(names), item);
+  item = place(names_);
   if (XwGetValue(combo_) != item) XwSetValue(combo_, item);
   ShowTip(item);
   EnableControl(combo_, enabled && some);
@@ -65,6 +77,14 @@ void NameChoice::ShowTip(int item) {
   if (tip == tip_) return;
   tip_ = tip;
   XwSetTip(combo_, 0, tip.empty() ? nullptr : tip.c_str());
+}
+
+std::string NameChoice::Choose(int item) {
+  if (item != fitted_) {
+    SetItems(names_, item);
+    XwSetValue(combo_, item);
+  }
+  return At(item);
 }
 
 std::string NameChoice::At(int item) const {

@@ -205,6 +205,7 @@ Outgoing OutgoingOf(const Transfer& t) {
   out.started = t.started;
   out.priority = t.order.priority;
   out.copies = t.order.copies;
+  out.media = t.order.media;
   out.trouble = t.text;
   return out;
 }

@@ -8,7 +8,9 @@ namespace console {
 namespace {
 
 // A narrower window has the menu for what is left out.
-constexpr int kAgainFrom = 860, kListsFrom = 1000, kLabelFrom = 1120;
+constexpr int kAgainFrom = 860, kListsFrom = 1080;
+// A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
+constexpr int kTop = 5, kControl = 22;
 constexpr int kEnd = 12, kGap = 6, kText = 130, kList = 114, kLabel = 36;
 constexpr const char* kOwners[] = {"Everyone’s", "Mine", nullptr};
 // By QueueFilter::Part.
@@ -47,16 +49,15 @@ void QueueHead::Place(const Area& head) {
     return Area{piece.x, piece.y + dy, piece.w, height};
   };
   const bool lists = head.w >= kListsFrom;
-  part_area = lists ? last(kList, 4, 22) : Area{};
-  owner_area = lists ? last(kList, 4, 22) : Area{};
-  text_area = last(kText, 3, 24);
-  label = head.w >= kLabelFrom ? last(kLabel, 0, head.h - 2) : Area{};
+  part_area = lists ? last(kList, kTop, kControl) : Area{};
+  owner_area = lists ? last(kList, kTop, kControl) : Area{};
+  text_area = last(kText, kTop, kControl);
+  label = last(kLabel, 0, head.h - 2);
   bar.TakeRight(kGap);
-  // A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
-  remove_area = last(78, 5, 20);
-  again_area = head.w >= kAgainFrom ? last(92, 5, 20) : Area{};
-  release_area = last(72, 5, 20);
-  hold_area = last(58, 5, 20);
+  remove_area = last(78, kTop, kControl);
+  again_area = head.w >= kAgainFrom ? last(92, kTop, kControl) : Area{};
+  release_area = last(72, kTop, kControl);
+  hold_area = last(58, kTop, kControl);
   PlaceControl(hold, hold_area);
   PlaceControl(release, release_area);
   PlaceControl(again, again_area);

@@ -19,7 +19,7 @@ const Transfer* Running(const StatusPane* p) {
   return nullptr;
 }
 
-constexpr int kBar = 90, kCancelEnds = 20;
+constexpr int kBar = 90, kCancelEnds = 20, kMessageRoom = 400, kLeastSendingText = 84;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -58,7 +58,13 @@ int32_t LinkColor(const StatusPane* p) {
 Area SendingArea(const StatusPane* p) {
   const Area& a = p->layout.status;
   const int right = p->layout.stop_sending.right();
-  const int w = std::min(300, a.w * 40 / 100) + 10 + kBar + 6 + p->layout.stop_sending.w;
+  const int others = 10 + kBar + 6 + p->layout.stop_sending.w;
+  int text = std::min(300, a.w * 40 / 100);
+  // An error that is to be read, and the button beside it, go before the name of what is sent.
+  if (p->HasError() || p->queued > 0)
+    text =
+        std::clamp(right - others - ServerArea(p).right() - kMessageRoom, kLeastSendingText, text);
+  const int w = text + others;
   return {right - w, a.y, w, a.h};
 }
 
@@ -90,7 +96,7 @@ std::string StatusPane::ServerText() const {
       return "connecting…";
     case Link::kReady:
       if (s.quiet_s < 1) return "ready";
-      return "no answer for " + std::to_string(s.quiet_s) + " s";
+      return "no answer for " + NumberText(s.quiet_s) + " s";
     case Link::kAway:
       return "away";
     case Link::kRefused:

@@ -31,6 +31,7 @@ struct StatusPane {
   void Tell(Tone tone, const std::string& utf8) { notices_.Tell({tone, utf8}, now_ms_); }
   // Why something cannot be done: until it is read.
   void TellReason(const std::string& utf8) { notices_.TellReason(utf8); }
+  void PassReason() { notices_.PassReason(); }
   bool HasError() const { return notices_.HasError(); }
   // What it shows now; without a text: nothing.
   Message message() const { return notices_.Shown(now_ms_); }

@@ -111,13 +111,13 @@ void ToolsPane::Draw(const Layout& l) const {
 bool ToolsPane::Chosen(int id, int value) {
   switch (id) {
     case kPrinterControl:
-      choice_->printer = printer_.At(value);
+      choice_->printer = printer_.Choose(value);
       return true;
     case kProfileControl:
-      choice_->profile = profile_.At(value);
+      choice_->profile = profile_.Choose(value);
       return true;
     case kMediaControl:
-      choice_->media = media_.At(value);
+      choice_->media = media_.Choose(value);
       return true;
     case kPriorityControl:
       choice_->priority = value;

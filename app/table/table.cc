@@ -18,6 +18,8 @@ constexpr int kHeadText = 5;
 constexpr int kNoteWithButton = 20 + 10 + 26;
 // Of scrolling by a drag, pixels at a time.
 constexpr int kFastest = 3 * Table::kRowHeight;
+// How far beyond its rows the table scrolls for what is carried.
+constexpr int kCarryReach = 2 * Table::kHeaderHeight;
 constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
 
 // How far a head's button ends before its column.
@@ -358,7 +360,10 @@ bool Table::Press(const Hit& hit, int px, SelectionKeys keys) {
 
 bool Table::Drag(int px, int py) {
   if (held_ == kABorder) return DragBorder(px);
-  return HoldsRow() && DragRows(py);
+  if (!HoldsRow()) return false;
+  const int before = gap();
+  drag_x_ = px;
+  return DragRows(py) || gap() != before;
 }
 
 void Table::Release() {
@@ -388,7 +393,8 @@ bool Table::DragRows(int py) {
   const int y = std::clamp(py, body.y, body.bottom() - 1) - body.y;
   const int last = from_below_ ? rows_ : rows_ - 1;
   const int row = int(std::min<int64_t>((int64_t{top_} + y) / kRowHeight, last));
-  if (held_ == kCarried || (may_carry_ && row != held_row_)) return CarryTo(y);
+  const bool leaves = row != held_row_ || !area_.Holds(drag_x_, py);
+  if (held_ == kCarried || (may_carry_ && leaves)) return CarryTo(y);
   if (row == held_row_) return false;
   held_ = kRows;
   held_row_ = row;
@@ -399,15 +405,19 @@ bool Table::DragRows(int py) {
 // To the border of two rows that is the nearest.
 bool Table::CarryTo(int y) {
   const int64_t at = (int64_t{top_} + y + kRowHeight / 2) / kRowHeight;
-  const int before = gap();
+  const bool begins = held_ != kCarried;
+  const int before = gap_;
   held_ = kCarried;
   gap_ = int(std::min<int64_t>(at, rows_));
-  return gap_ != before;
+  return begins || gap_ != before;
 }
 
 bool Table::ScrollsByDrag() const {
   const Area body = Body();
-  return held_ >= kRows && (drag_y_ < body.y || drag_y_ >= body.bottom());
+  // What is carried far away goes somewhere else.
+  const int reach = held_ == kCarried ? kCarryReach : INT32_MAX / 2;
+  return (held_ >= kRows && drag_y_ < body.y && drag_y_ >= body.y - reach) ||
+         (held_ >= kRows && drag_y_ >= body.bottom() && drag_y_ < body.bottom() + reach);
 }
 
 // The faster the farther away the pointer is.
@@ -481,7 +491,13 @@ void Table::DrawHead(int column) const {
   const Column& c = columns_[size_t(column)];
   const Area all = ColumnArea(column);
   Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
-  if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (column == sort_) {
+    // From border to border: each is the end of a head.
+    int before = column - 1;
+    while (before >= 0 && HeadArea(before).Empty()) --before;
+    const int left = before < 0 ? head.x : HeadArea(before).right();
+    Fill({left, head.y, HeadArea(column).right() - left, head.h}, XwThemeColor(XWR_UTILITY));
+  }
   if (c.sorts) return;  // its button has all else
   if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
   Area text = CellArea(column, head.y, head.h);

@@ -83,6 +83,8 @@ class Table {
   void SetMuted(bool on) { muted_ = on; }
   // Shown in the middle of a table without rows, and below the rows where there is room; "": none.
   void SetNote(std::string text) { note_ = std::move(text); }
+  // Where it stands; empty where there is none, or no room.
+  Area NoteArea() const;
   // Where a button below the note stands; empty where there is no note, or no room.
   Area NoteButton() const;
   // The column that shows the arrow, -1 none.
@@ -118,8 +120,10 @@ class Table {
     carries_ = carries;
     shows_gap_ = shows_gap;
   }
-  // The row before which what is being carried would go, rows() behind the last; -1: nothing is.
-  int gap() const { return held_ == kCarried ? gap_ : -1; }
+  bool Carries() const { return held_ == kCarried; }
+  // The row before which what is being carried would go, rows() behind the last; -1: nothing is, or
+  // the pointer is not over the table.
+  int gap() const { return Carries() && area_.Holds(drag_x_, drag_y_) ? gap_ : -1; }
   // Rows are being dragged over, and the pointer is above or below them: from time to time the
   // table is to be scrolled on.
   bool ScrollsByDrag() const;
@@ -154,7 +158,6 @@ class Table {
   bool Scrolls() const;
   Area Bar() const;
   // The line of the note; empty when it does not show.
-  Area NoteArea() const;
   Area HeadArea(int column) const;
   Area BorderArea(int column) const;
   void PlaceControls();
@@ -179,12 +182,12 @@ class Table {
   bool carries_ = false, shows_gap_ = false;
   bool may_carry_ = false;  // what is held
   int gap_ = 0;
-  int held_row_ = -1;        // that was pressed, or was dragged to last
-  bool from_below_ = false;  // the press was below the rows
-  int drag_y_ = 0;           // where the pointer is
-  int border_ = 0;           // of which column
-  int grip_ = 0;             // where beside the border it was pressed
-  float wheel_ = 0;          // of a pixel not yet moved
+  int held_row_ = -1;            // that was pressed, or was dragged to last
+  bool from_below_ = false;      // the press was below the rows
+  int drag_x_ = 0, drag_y_ = 0;  // where the pointer is
+  int border_ = 0;               // of which column
+  int grip_ = 0;                 // where beside the border it was pressed
+  float wheel_ = 0;              // of a pixel not yet moved
   std::string note_;
   int id_ = 0;
   std::string name_;

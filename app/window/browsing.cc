@@ -123,7 +123,7 @@ void ReadAgain(Console* c, FolderReading* r) {
 }
 
 std::string SilenceText(const std::string& path, int seconds) {
-  return "No answer for " + std::to_string(seconds) + " s: " + LastName(path);
+  return "No answer for " + NumberText(seconds) + " s: " + LastName(path);
 }
 
 void ShowReading(Console* c, const std::string& text) {

@@ -234,17 +234,17 @@ void OpenChoices(Console* c, const Command& command) {
 }  // namespace
 
 void RunCommand(Console* c, int id) {
-  if (id >= kFirstChoice) {
-    const int n = id - kFirstChoice;
-    const Command* command = Find(n / kMostChoices);
-    if (command && command->more.choose && CanRun(c, *command))
-      command->more.choose(c, n % kMostChoices);
-    return;
-  }
-  const Command* command = Find(id);
+  const bool chooses = id >= kFirstChoice;
+  const int n = id - kFirstChoice;
+  const Command* command = Find(chooses ? n / kMostChoices : id);
   if (!command || !CanRun(c, *command)) return;
-  if (command->more.choices) return OpenChoices(c, *command);
-  if (command->run) command->run(c);
+  if (!chooses && command->more.choices) return OpenChoices(c, *command);
+  // Who goes on to something else has read why the last thing was not done, and wants to see what
+  // becomes of this one. Dismiss reads it itself.
+  if (id != kDismissCommand) c->status.PassReason();
+  c->damage |= kStatusPane;
+  if (!chooses && command->run) command->run(c);
+  if (chooses && command->more.choose) command->more.choose(c, n % kMostChoices);
 }
 
 int CommandOfMenuKey(int key, uint32_t modifiers) {

@@ -176,7 +176,7 @@ Console* TheConsole();
 // Hides the window and ends the worker.
 void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
-// Why something cannot be done: it stays until it is read, or until the next such reason. "":
+// Why something cannot be done: it stays until it is read, or until another command is given. "":
 // nothing is told.
 void TellWhy(Console* c, const std::string& utf8);
 // Draws what is damaged.

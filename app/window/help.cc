@@ -48,8 +48,8 @@ const std::vector<Line>& Lines() {
                             {"Selects more rows", "Shift+arrows"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
                             {"Menu bar", "F10, Alt"},
-                            {"Back to the files, or stops a drag", "Esc"},
-                            {"In the files: takes the filter away", "Esc"},
+                            {"Back to files; stops a drag", "Esc"},
+                            {"In the files: ends the filter", "Esc"},
                             {"Quit", "Ctrl+Q"}};
     all->insert(all->end(), std::begin(kWindow), std::end(kWindow));
     return all;

@@ -3,6 +3,7 @@
 
 #include "app/format/folding.h"
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/panes/side_list.h"
 #include "app/window/console.h"
@@ -29,8 +30,8 @@ std::vector<Row> RowsOf(const ServerLists& lists) {
   std::vector<Row> rows;
   for (size_t i = 0; i < lists.profiles.size(); ++i) {
     const NC_Profile& p = lists.profiles[i];
-    std::string details = std::to_string(p.dpi_across) +
-                          (p.dpi_across == p.dpi_along ? "" : " × " + std::to_string(p.dpi_along)) +
+    std::string details = NumberText(p.dpi_across) +
+                          (p.dpi_across == p.dpi_along ? "" : " × " + NumberText(p.dpi_along)) +
                           " dpi";
     if (p.media[0]) details += std::string(", ") + p.media;
     rows.push_back({p.name, lists.printers[i], details});

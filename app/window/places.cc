@@ -1,4 +1,5 @@
 // The places on the left: when they are read, and what is done with them.
+#include "app/format/words.h"
 #include "app/window/console.h"
 
 namespace console {
@@ -56,7 +57,7 @@ void RefreshPlaces(Console* c) {
 
 void WatchPlaces(Console* c) {
   const bool silent = c->places_reader.request() && ++c->places_s >= kSilentSeconds;
-  const std::string text = silent ? "No answer for " + std::to_string(c->places_s) + " s" : "";
+  const std::string text = silent ? "No answer for " + NumberText(c->places_s) + " s" : "";
   if (text == c->places.wait_text) return;
   c->places.wait_text = text;
   c->damage |= kPlacesPane;

@@ -135,6 +135,12 @@ void Use(Console* c, const Hit& hit) {
   }
 }
 
+// The row of a printer on which a job can be let go; nothing elsewhere.
+Hit PrinterUnder(const Hit& hit) {
+  const bool row = hit.owner == kPrinters && hit.part != SideList::kBody;
+  return row ? Hit{kPrinters, SideList::kRow, hit.index} : Hit{};
+}
+
 // No row is held any more: what has waited for it is shown.
 void ShowWhatWaited(Console* c) {
   if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
@@ -142,13 +148,15 @@ void ShowWhatWaited(Console* c) {
   ShowHeldReading(c);
 }
 
-void ReleaseTables(Console* c) {
+void ReleaseTables(Console* c, const Hit& hit) {
+  const Hit printer = c->queue.table.Carries() ? PrinterUnder(hit) : Hit{};
   const int gap = c->queue.table.gap();
   for (Table* table : {&c->files.table, &c->queue.table}) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
   if (gap >= 0) DropJobs(c, gap);
+  if (printer) MoveJobsTo(c, c->printer_list.NameAt(printer.index));
   ShowWhatWaited(c);
 }
 
@@ -158,7 +166,7 @@ void Release(Console* c) {
   if (Inp.state & 1) return;  // another button
   const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
   c->pressed = {};
-  ReleaseTables(c);
+  ReleaseTables(c, hit);
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
@@ -191,6 +199,7 @@ void Motion(Console* c) {
   }
   if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
     XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
+  if (c->queue.table.Carries()) return SetHover(c, PrinterUnder(hit));
   // A border is under the pointer as long as it is held.
   if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);

@@ -4,6 +4,7 @@
 
 #include "app/format/folding.h"
 #include "app/format/texts.h"
+#include "app/format/words.h"
 #include "app/panes/queue_cells.h"
 
 namespace console {
@@ -77,6 +78,7 @@ void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
   std::string why;
   const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
   if (steps.empty()) return TellWhy(c, why);
+  c->status.PassReason();
   for (const Reordering& step : steps) c->state.pending.Begin(step.job, Verb::kReorder, 0);
   c->server.Reorder(steps);
   c->damage |= kQueuePane;
@@ -99,6 +101,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
       CheckVerb(change.verb, c->queue.rows, ids, c->state.pending, c->state.link == Link::kReady);
   if (!check.possible()) return TellWhy(c, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
+  c->status.PassReason();
   std::vector<NamedJob> jobs;
   for (const QueueId& id : check.on) {
     if (!id.outgoing)
@@ -111,6 +114,9 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   // The server's side tells the same a moment later.
   for (const NamedJob& job : jobs) c->state.pending.Begin(job.id, change.verb, 0);
   c->server.Change(jobs, change);
+  if (check.left_out > 0)
+    TellWhy(c, NumberText(check.left_out) + " of " + NumberOf(int64_t(ids.size()), "job", "jobs") +
+                   " left out. " + check.why_left_out);
   if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;
 }
@@ -170,6 +176,19 @@ void MoveJobs(Console* c, int by) {
 
 void DropJobs(Console* c, int gap) {
   Reorder(c, c->queue.Selected(), gap);
+}
+
+void MoveJobsTo(Console* c, const std::string& printer) {
+  const PrinterRow* row = c->printers.Find(printer);
+  if (!row) return;
+  if (!row->printer->accepting) return TellWhy(c, Quoted(printer) + " takes no new jobs");
+  std::vector<QueueId> jobs = c->queue.Selected();
+  std::erase_if(jobs, [&](const QueueId& id) {
+    const NC_Job* job = c->queue.rows.JobOf(id);
+    return job && printer == job->printer;
+  });
+  if (jobs.empty()) return TellWhy(c, "It is for " + Quoted(printer) + " already");
+  ChangeThese(c, jobs, {Verb::kMove, 0, printer});
 }
 
 // --- What the queue shows

@@ -29,8 +29,9 @@ std::vector<CommandChoice> PrinterChoices(const Console* c);
 void ChoosePrinterOfJobs(Console* c, int choice);
 // One place up (-1) or down (1) among the jobs of their printer.
 void MoveJobs(Console* c, int by);
-// Before that row, by a drag; says why not.
+// Before that row, or to that printer, by a drag; says why not.
 void DropJobs(Console* c, int gap);
+void MoveJobsTo(Console* c, const std::string& printer);
 
 // --- What the queue shows
 std::vector<CommandChoice> SortChoices(const Console* c);

@@ -33,6 +33,11 @@ void KeepOpen(Console* c) {
   c->damage |= kAllPanes;
 }
 
+void Describe(const Area& a, const std::string& text) {
+  XwBoxList(1, a.x, a.y, a.w, a.h);
+  XwDescribe(-1, XWA_LABEL, 0, text.c_str(), "");
+}
+
 void DrawSheet(const Console* c) {
   const Style& l = TheStyle();
   const Area a{0, 0, kWidth, kHeight};
@@ -42,9 +47,15 @@ void DrawSheet(const Console* c) {
   XwDrawRect(a.x, a.y, a.w, a.h);
   Area text = a.Inset(kBorder, kBorder);
   const Unsent unsent = UnsentDocuments(c);
-  DrawLabel(l.bold, Align::kLeft, text.TakeTop(18), UnsentText(unsent), l.ink);
+  const Area title = text.TakeTop(18);
   text.TakeTop(6);
-  DrawLabel(l.view, Align::kLeft, text.TakeTop(16), MoreWords(unsent), l.second);
+  const Area more = text.TakeTop(16);
+  DrawLabel(l.bold, Align::kLeft, title, UnsentText(unsent), l.ink);
+  DrawLabel(l.view, Align::kLeft, more, MoreWords(unsent), l.second);
+  XwBoxList(3, 0, 0, 0, 0);
+  Describe(title, UnsentText(unsent));
+  Describe(more, MoreWords(unsent));
+  XwBoxList(4, 0, 0, 0, 0);
   XwPop();
 }
 

@@ -19,16 +19,14 @@ AheadJob opening([] {
   for (const auto& font : Fonts().sized) OpenSized(font.get());
 });
 
-struct {
-  std::vector<SizedFont*> fonts;
-  double scale = 1;
-  std::atomic<bool> stops = false;
-} glyphs;
+// The fonts and the scale are in the state of fonts: it outlives the thread also where the program
+// ends at once.
+std::atomic<bool> stops = false;
 
 AheadJob making_glyphs([] {
   for (const char c : kCommonest)
-    for (SizedFont* font : glyphs.fonts)
-      if (!glyphs.stops) MakeGlyphAhead(font, glyphs.scale, c);
+    for (SizedFont* font : Fonts().ahead)
+      if (!stops) MakeGlyphAhead(font, Fonts().ahead_scale, c);
 });
 
 }  // namespace
@@ -46,19 +44,23 @@ void FinishOpening(void (*open)()) {
     open();
 }
 
+void DropOpening() {
+  opening.Drop();
+}
+
 void BeginGlyphs(std::vector<SizedFont*> fonts, double scale) {
   StopGlyphs();
   std::erase_if(fonts, [](const SizedFont* font) { return !font || !font->opened; });
   if (fonts.empty()) return;
-  glyphs.fonts = std::move(fonts);
-  glyphs.scale = scale;
-  glyphs.stops = false;
+  Fonts().ahead = std::move(fonts);
+  Fonts().ahead_scale = scale;
+  stops = false;
   making_glyphs.Begin();
 }
 
 void StopGlyphs() {
   if (!making_glyphs.begun()) return;
-  glyphs.stops = true;
+  stops = true;
   making_glyphs.Drop();
 }
 

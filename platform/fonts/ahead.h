@@ -13,10 +13,11 @@ struct SizedFont;
 void BeginOpening(void (*open)());
 // Waits for that. Without another thread it runs `open`, and faces are opened by their first use.
 void FinishOpening(void (*open)());
+// There is no display to draw on.
+void DropOpening();
 
-// Makes the masks of the commonest characters at a scale, in fonts whose faces are open; they can
-// be measured at the same time. What else needs fonts calls StopGlyphs first, which leaves what is
-// made.
+// Makes the masks of the commonest characters at a scale, in fonts whose faces are open. Text can
+// still be measured. Drawing, and looking a character up, stop it first; what is made stays.
 void BeginGlyphs(std::vector<SizedFont*> fonts, double scale);
 void StopGlyphs();
 

@@ -15,6 +15,8 @@ struct FontState {
   std::unique_ptr<FontFinder> finder;
   bool fallback_sought = false;
   const FontFace* fallback = nullptr;
+  std::vector<SizedFont*> ahead;  // whose commonest glyphs are made ahead
+  double ahead_scale = 1;
 };
 FontState& Fonts();
 

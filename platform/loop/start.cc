@@ -72,8 +72,11 @@ bool InitPlatform(const char* name, void (*open_fonts)()) {
   if (!name) name = "";
   TakeStartToken();
   const OpenResult opened = OpenDisplay(name, open_fonts);
+  if (opened == OpenResult::kNotHere) {
+    DropOpening();
+    return false;
+  }
   FinishOpening(open_fonts);
-  if (opened == OpenResult::kNotHere) return false;
   InitWindows();
   ReadScreens();
   if (!OpenRecord(name)) {

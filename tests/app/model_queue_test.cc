@@ -152,6 +152,9 @@ TEST(QueueVerbs, SayWhyNot) {
   // Those for which it is possible are taken.
   EXPECT_EQ(CheckVerb(Verb::kHold, rows, {Id(1), Id(2), Id(3)}, pending, true).on,
             std::vector<QueueId>{Id(3)});
+  const VerbCheck hold = CheckVerb(Verb::kHold, rows, {Id(1), {1, {}}, Id(3)}, pending, true);
+  EXPECT_EQ(hold.left_out, 2);
+  EXPECT_EQ(hold.why_left_out, "The job is printed");
   // One that somebody else has removed is told by its name.
   jobs.erase(jobs.begin() + 1);
   rows.Show(std::make_shared<std::vector<NC_Job>>(jobs), {});

@@ -137,7 +137,31 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   Turn(2);
   EXPECT_TRUE(c_->state.pending.empty());
 
+  // On a printer's row it goes to that printer; elsewhere nothing comes of it.
+  Select({"b"});
+  const auto carry = [this](const Area& to) {
+    const Area from = c_->queue.table.RowArea(c_->queue.rows.RowOf(Id("b")));
+    display::MovePointer(c_->window->x + 100, c_->window->y + from.y + 10);
+    display::Press(1);
+    display::MovePointer(c_->window->x + 100, c_->window->y + from.y - 30);
+    display::MovePointer(c_->window->x + to.x + 40, c_->window->y + to.y + 10);
+    Turn(2);
+    EXPECT_LT(c_->queue.table.gap(), 0);
+    display::Release(1);
+    Turn(2);
+  };
+  carry(c_->layout.folder);
+  EXPECT_TRUE(c_->state.pending.empty());
+  carry(c_->printer_list.list.RowArea(0));  // Office
+  const auto printer = [this] {
+    return std::string(testing_daemon::JobOf(fd_, ids_["b"].data()).printer);
+  };
+  ASSERT_TRUE(Until([&] { return printer() == "Office"; }) && Settled());
+  ChangeJobs(c_, {Verb::kMove, 0, "Proof"});
+  ASSERT_TRUE(Until([&] { return printer() == "Proof"; }) && Settled());
+
   // In another order it is not done, and a line says why.
+  Select({"c", "d"});
   c_->queue.Sort(QueueOrder::kName, true);
   drag(0, c_->queue.table.RowArea(3).bottom());
   EXPECT_TRUE(Tells("only while the queue stands in the order"));

@@ -126,12 +126,16 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
 // The question before closing counts what was printed since the last tick, and ends the drag that
 // it covers.
 TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
+  platform::TreeListener listener{[](void*, uint64_t, platform::Change) {}, nullptr};
+  platform::AddTreeListener(&listener);
   Open(address_);
   Click(FileRow("letter.txt"));
   PrintSelected(c_);
   ASSERT_TRUE(c_->state.transfers.empty());
   EXPECT_FALSE(AskBeforeQuit(c_));
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
+  EXPECT_FALSE(Node("1 document has not been sent").what.name.empty());
+  platform::RemoveTreeListener(&listener);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
 

@@ -136,11 +136,13 @@ TEST_F(ConsoleTest, ALongNameIsCutOnceForTheWidthOfItsBox) {
   Open("127.0.0.9:1");
   NC_Printer printer{};
   strcpy(printer.name, "Großformat-Plotter im Keller, links");
-  c_->state.printers = std::make_shared<std::vector<NC_Printer>>(1, printer);
   int characters = 0;
   for (const int width : {760, 1300, 2440}) {
     XwMove(c_->window, c_->window->x, c_->window->y, width, 800);
     Turn(3);
+    // The server that is not there has a list of its own in between.
+    c_->state.printers = std::make_shared<std::vector<NC_Printer>>(1, printer);
+    PrintersCame(c_);
     UpdateControls(c_);
     char text[100];
     XwGetTextUtf8(c_->tools.printer(), text, sizeof text);

@@ -4,13 +4,10 @@
 
 #include <cstdlib>
 #include <new>
-#include <utility>
-#include <vector>
 
 #include "platform/display/screens.h"
 #include "platform/events/queue.h"
 #include "platform/events/timers.h"
-#include "platform/fonts/ahead.h"
 #include "platform/fonts/fonts.h"
 #include "platform/input/results.h"
 #include "platform/loop/start.h"
@@ -63,14 +60,6 @@ void LoadStandardFonts() {
   XWF_VIEW = Load(font, font.size, font.style);
 }
 
-// Of the fonts that windows, menus and lists are drawn with.
-void BeginCommonGlyphs() {
-  std::vector<SizedFont*> fonts;
-  for (const XwFont* font : {XWF_NORMAL, XWF_BOLD, XWF_VIEW, FT_SMALL})
-    fonts.push_back(static_cast<SizedFont*>(font->platform));
-  BeginGlyphs(std::move(fonts), MainScreen().scale);
-}
-
 void OpenFonts() {
   ReopenFonts();
   LoadStandardFonts();
@@ -112,7 +101,6 @@ void XwSession(const char* name, const char* title, uint8_t flags) {
   install_event_handlers = InstallEventHandlers;
   TakeScreenSize();
   XW_SCREENRES = 2.834645669291339;
-  BeginCommonGlyphs();
   InstallEventHandlers(nullptr);
   SetRecoloringWaits(ModalKeepsOutNative);
   DescribeWindows();

@@ -32,9 +32,9 @@ void Map(Native* n) {
   // No window manager raises a pop-up.
   if (!managed) RaiseNative(n->w, kRaiseOnly, nullptr);
   xcb_map_window(x.c, n->id);
-  // Sent at once, so that the server maps a menu while the program draws it.
-  if (!managed) xcb_flush(x.c);
   if (n->activate) Activate(n);
+  // Sent at once, so that the server maps the window while the program draws it.
+  xcb_flush(x.c);
 }
 
 void Withdraw(Native* n) {
