@@ -30,12 +30,13 @@ int32_t ToneColor(Tone tone) {
   }
 }
 
+bool IsLow(const Supply& supply) {
+  return supply.percent >= 0 && supply.percent < kLittle;
+}
+
 int32_t SupplyColor(const Supply& supply, bool away) {
   const Style& l = TheStyle();
-  const bool known = supply.percent >= 0;
-  const int32_t ink = known && supply.percent == 0        ? l.bad
-                      : known && supply.percent < kLittle ? l.warning
-                                                          : l.second;
+  const int32_t ink = supply.percent == 0 ? l.bad : IsLow(supply) ? l.warning : l.second;
   return away ? Dimmed(ink, l.side) : ink;
 }
 
@@ -93,10 +94,10 @@ void DrawLevels(const Area& a, const PrinterRow& row, const RowLook& look) {
     if (x + kLevel > a.right()) break;
     const int32_t ink = look.strong ? TheStyle().on_accent : SupplyColor(s, look.muted);
     const int32_t track = Mix(ink, look.background, 25);
-    const int full = (s.percent * kLevelHeight + 50) / 100;
+    const int full = std::max(int(s.percent > 0), (s.percent * kLevelHeight + 50) / 100);
     if (s.percent < 0) {
       // Of one that nobody knows there is the outline alone.
-      XwSetColor(track);
+      XwSetColor(Mix(ink, look.background, 45));
       XwDrawRect(x, y, kLevel, kLevelHeight);
     } else {
       XwBox(x, y, kLevel, kLevelHeight, track);
@@ -222,7 +223,11 @@ void PrintersPane::DrawSupplies(Area a) const {
   const Style& l = TheStyle();
   const PrinterRow* row = At();
   if (!row) return;
-  for (const Supply& s : row->supplies) {
+  std::vector<Supply> supplies = row->supplies;
+  // Where there is no room for all, those that run out come first.
+  if (int(supplies.size()) > SupplyLines())
+    std::stable_partition(supplies.begin(), supplies.end(), IsLow);
+  for (const Supply& s : supplies) {
     Area line = a.TakeTop(kSupplyLine);
     if (line.h < kSupplyLine) return;
     const int32_t ink = SupplyColor(s, away);
