@@ -125,9 +125,16 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground) 
   XwRoundBox(a.x, a.y, std::max(w, a.h), a.h, a.h / 2, bar, -1);
 }
 
+namespace {
+constexpr float kDotRadius = 4.5f;
+}  // namespace
+
 void DrawDot(int x, int y, int32_t colour) {
-  constexpr float kRadius = 4.5f;
-  Outline(x, y).Circle({kRadius, kRadius}, kRadius).Fill(colour);
+  Outline(x, y).Circle({kDotRadius, kDotRadius}, kDotRadius).Fill(colour);
+}
+
+void DrawRing(int x, int y, int32_t colour) {
+  Outline(x, y).Circle({kDotRadius, kDotRadius}, kDotRadius + 1.5f).Fill(colour);
 }
 
 }  // namespace console

@@ -60,6 +60,8 @@ Area DrawStrip(Area a, int32_t dot);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
+// Around the dot that is drawn there.
+void DrawRing(int x, int y, int32_t colour);
 
 enum class ToolIcon : uint8_t { kRefresh, kOptions, kPrint, kCross, kNoColour };
 // 16 x 16, for buttons; kept for the life of the process.

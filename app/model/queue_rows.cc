@@ -217,13 +217,13 @@ std::string QueueRows::Summary(const std::vector<NC_Printer>& printers) const {
       ++counts[LacksPaper(job, printers) ? NC_JOB_PAPER_OUT : job.state];
     for (const NC_JobState state :
          {NC_JOB_WAITING, NC_JOB_PRINTING, NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
-      if (counts[state] || state <= NC_JOB_WAITING || state == NC_JOB_PRINTING)
-        add(NumberText(counts[state]) + " " + nc::JobStateText(state));
+      if (counts[state]) add(NumberText(counts[state]) + " " + nc::JobStateText(state));
   }
   int64_t waiting = 0, failed = 0;
   for (const Outgoing& o : outgoing_) ++(o.state == OutgoingState::kFailed ? failed : waiting);
   if (waiting) add(NumberText(waiting) + " to be sent");
   if (failed) add(NumberText(failed) + " not sent");
+  if (jobs_ && text.empty()) text = jobs_->empty() ? "empty" : "nothing waits";
   if (leaves_out())
     add(NumberText(count()) + " of " + NumberText(int64_t(row_of_.size())) + " shown");
   return text;

@@ -100,7 +100,7 @@ class QueueRows {
   // Whether rows stand as they print, so that they can be moved.
   bool InPrintOrder() const { return order_ == QueueOrder::kPrint && !descending_; }
 
-  // "5 waiting, 1 printing, 2 held", what needs someone, and how many a filter leaves.
+  // "5 waiting, 1 printing, 2 held", what needs someone, and how many a filter leaves; "empty".
   std::string Summary(const std::vector<NC_Printer>& printers = {}) const;
   // As of FolderRows.
   bool leaves_out() const { return count() < int(row_of_.size()); }

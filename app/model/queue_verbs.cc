@@ -8,50 +8,73 @@
 namespace console {
 namespace {
 
-constexpr char kAtPrinter[] = "The job is at the printer";
-constexpr char kPrinted[] = "The job is printed";
-constexpr char kFailed[] = "The job has failed";
+// Why a verb is not possible for a job, and for several of which that is true.
+struct Why {
+  const char* one = "";
+  const char* many = "";
+  explicit operator bool() const { return *one != 0; }
+  bool operator==(const Why& other) const { return one == other.one; }
+};
+
+constexpr Why kPossible{};
+constexpr Why kAtPrinter{"The job is at the printer", "The jobs are at the printer"};
+constexpr Why kPrinted{"The job is printed", "The jobs are printed"};
+constexpr Why kFailed{"The job has failed", "The jobs have failed"};
+constexpr Why kHeld{"The job is held already", "The jobs are held already"};
+constexpr Why kNotHeld{"The job is not held", "None of the jobs is held"};
+constexpr Why kNotPrinted{"The job has not been printed yet",
+                          "None of the jobs has been printed yet"};
+constexpr Why kNoDocument{"The server no longer has its document",
+                          "The server no longer has their documents"};
+constexpr Why kCancelled{"Its sending is being cancelled", "Their sending is being cancelled"};
+constexpr Why kNotSent{"It was not sent", "They were not sent"};
+constexpr Why kToBeSent{"It is still to be sent", "They are still to be sent"};
+constexpr Why kGone{"The job is not in the queue any more",
+                    "The jobs are not in the queue any more"};
+constexpr Why kAway{"The server is away", "The server is away"};
+constexpr Why kUnderWay{"A change of the job is under way", "Changes of the jobs are under way"};
+
 constexpr char kOtherOrder[] =
     "Jobs can be moved only while the queue stands in the order in which it prints";
-constexpr char kNoDocument[] = "The server no longer has its document";
 
-// "" when it is possible.
-const char* WhyNotHold(const NC_Job& job) {
-  if (job.state == NC_JOB_HELD) return "The job is held already";
-  return job.state == NC_JOB_DONE ? kPrinted : job.state == NC_JOB_FAILED ? kFailed : "";
+Why WhyEnded(const NC_Job& job) {
+  return job.state == NC_JOB_DONE ? kPrinted : job.state == NC_JOB_FAILED ? kFailed : kPossible;
 }
 
-const char* WhyNotRelease(const NC_Job& job) {
+Why WhyNotHold(const NC_Job& job) {
+  return job.state == NC_JOB_HELD ? kHeld : WhyEnded(job);
+}
+
+Why WhyNotRelease(const NC_Job& job) {
   switch (job.state) {
     case NC_JOB_HELD:
     case NC_JOB_PAPER_OUT:
-      return "";
+      return kPossible;
     case NC_JOB_FAILED:
-      return job.kept ? "" : kNoDocument;
+      return job.kept ? kPossible : kNoDocument;
     case NC_JOB_DONE:
       return kPrinted;
     default:
-      return "The job is not held";
+      return kNotHeld;
   }
 }
 
-const char* WhyNotPrintAgain(const NC_Job& job) {
-  if (nc::CanPrintAgain(job)) return "";
-  return HasEnded(job.state) ? kNoDocument : "The job has not been printed yet";
+Why WhyNotPrintAgain(const NC_Job& job) {
+  if (nc::CanPrintAgain(job)) return kPossible;
+  return HasEnded(job.state) ? kNoDocument : kNotPrinted;
 }
 
 // What is set for the next time that it prints.
-const char* WhyNotSet(const NC_Job& job, bool at_printer_too) {
+Why WhyNotSet(const NC_Job& job, bool at_printer_too) {
   if (IsAtPrinter(job.state) && !at_printer_too) return kAtPrinter;
-  return job.state == NC_JOB_DONE && !job.kept ? kNoDocument : "";
+  return job.state == NC_JOB_DONE && !job.kept ? kNoDocument : kPossible;
 }
 
-const char* WhyNotReorder(const NC_Job& job) {
-  if (IsAtPrinter(job.state)) return kAtPrinter;
-  return job.state == NC_JOB_DONE ? kPrinted : job.state == NC_JOB_FAILED ? kFailed : "";
+Why WhyNotReorder(const NC_Job& job) {
+  return IsAtPrinter(job.state) ? kAtPrinter : WhyEnded(job);
 }
 
-const char* WhyNot(Verb verb, const NC_Job& job) {
+Why WhyNot(Verb verb, const NC_Job& job) {
   switch (verb) {
     case Verb::kHold:
       return WhyNotHold(job);
@@ -69,28 +92,43 @@ const char* WhyNot(Verb verb, const NC_Job& job) {
     case Verb::kRemove:
       break;
   }
-  return "";
+  return kPossible;
 }
 
-const char* WhyNot(Verb verb, const Outgoing& out) {
-  if (out.state == OutgoingState::kCancelling) return "Its sending is being cancelled";
-  if (verb == Verb::kRemove) return "";
-  if (verb == Verb::kRelease && out.state == OutgoingState::kFailed) return "";
-  return out.state == OutgoingState::kFailed ? "It was not sent" : "It is still to be sent";
+Why WhyNot(Verb verb, const Outgoing& out) {
+  if (out.state == OutgoingState::kCancelling) return kCancelled;
+  if (verb == Verb::kRemove) return kPossible;
+  if (verb == Verb::kRelease && out.state == OutgoingState::kFailed) return kPossible;
+  return out.state == OutgoingState::kFailed ? kNotSent : kToBeSent;
 }
 
-}  // namespace
-
-namespace {
-
-bool IsSoAlready(Verb verb, const NC_Job& job) {
-  if (verb == Verb::kRelease) return job.state == NC_JOB_WAITING || job.state == NC_JOB_PRINTING;
-  return verb == Verb::kHold && job.state == NC_JOB_HELD;
+Why WhyNot(Verb verb, const QueueRows& rows, const QueueId& id, const PendingChanges& pending,
+           bool connected) {
+  if (const Outgoing* out = rows.OutgoingOf(id)) return WhyNot(verb, *out);
+  const NC_Job* job = rows.JobOf(id);
+  if (!job) return kGone;
+  if (!connected) return kAway;
+  return pending.Of(id.job) ? kUnderWay : WhyNot(verb, *job);
 }
 
-std::string NameOf(const QueueRows& rows, const QueueId& id) {
-  const std::string name = rows.NameOf(id);
-  return name.empty() ? "The job" : Quoted(name);
+bool IsSoAlready(Verb verb, const NC_Job* job) {
+  if (!job) return false;
+  if (verb == Verb::kRelease) return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING;
+  return verb == Verb::kHold && job->state == NC_JOB_HELD;
+}
+
+// Of several for each of which there is another reason.
+std::string WhyNone(Verb verb) {
+  // By Verb.
+  constexpr const char* kDone[] = {"held",
+                                   "released",
+                                   "printed again",
+                                   "removed",
+                                   "given another priority",
+                                   "given another number of copies",
+                                   "moved to another printer",
+                                   "put elsewhere in the order"};
+  return std::string("None of the jobs can be ") + kDone[int(verb)];
 }
 
 }  // namespace
@@ -102,27 +140,23 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
     check.why_not = kOtherOrder;
     return check;
   }
+  Why first;
+  bool same = true;
   for (const QueueId& id : selected) {
-    std::string why;
-    const NC_Job* job = rows.JobOf(id);
-    if (const Outgoing* out = rows.OutgoingOf(id))
-      why = WhyNot(verb, *out);
-    else if (!job)
-      why = NameOf(rows, id) + " is not in the queue any more";
-    else if (!connected)
-      why = "The server is away";
-    else if (pending.Of(id.job))
-      why = "A change of the job is under way";
-    else
-      why = WhyNot(verb, *job);
-    if (check.why_not.empty()) check.why_not = why;
-    if (why.empty())
+    const Why why = WhyNot(verb, rows, id, pending, connected);
+    if (!why)
       check.on.push_back(id);
-    else if (!(job && IsSoAlready(verb, *job)) && check.left_out++ == 0)
-      check.why_left_out = why;
+    else if (!IsSoAlready(verb, rows.JobOf(id)) && check.left_out++ == 0)
+      check.why_left_out = why.one;
+    if (!first) first = why;
+    same &= why == first;
   }
-  if (check.possible()) check.why_not.clear();
   if (selected.empty()) check.why_not = "No job is selected";
+  if (check.possible() || selected.empty()) return check;
+  check.why_not = selected.size() == 1 ? first.one : same ? first.many : WhyNone(verb);
+  const std::string name = first == kGone ? rows.NameOf(selected[0]) : "";
+  if (selected.size() == 1 && !name.empty())
+    check.why_not = Quoted(name) + " is not in the queue any more";
   return check;
 }
 
@@ -179,14 +213,14 @@ std::vector<Reordering> PlanReordering(const QueueRows& rows, const std::vector<
   for (const QueueId& id : dragged) {
     const int row = rows.RowOf(id);
     const NC_Job* job = rows.JobAt(row);
-    const std::string why = job ? WhyNotReorder(*job) : "It is still to be sent";
+    const std::string why = (job ? WhyNotReorder(*job) : kToBeSent).one;
     if (row >= 0 && why.empty()) moved[size_t(row)] = true;
     if (why_not->empty()) *why_not = why;
   }
   std::map<std::string, PrinterLine> lines;
   for (int row = 0; row < rows.count(); ++row) {
     const NC_Job* job = rows.JobAt(row);
-    if (!job || *WhyNotReorder(*job)) continue;
+    if (!job || WhyNotReorder(*job)) continue;
     lines[job->printer].rows.push_back(row);
     lines[job->printer].moved += moved[size_t(row)];
   }

@@ -21,8 +21,8 @@ struct VerbCheck {
 };
 
 // `connected`: the server is there. Of the rows those are taken for which the verb is possible; a
-// reason is that of the first row. Of a document on its way Remove cancels the sending, and Release
-// sends one that failed again.
+// reason is told that all of them share. Of a document on its way Remove cancels the sending, and
+// Release sends one that failed again.
 VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>& selected,
                     const PendingChanges& pending, bool connected);
 

@@ -50,7 +50,7 @@ void AwayBanner::Draw() const {
   const Area a = layout.banner;
   if (a.Empty()) return;
   const Style& l = TheStyle();
-  Area room = DrawStrip(a, state.link == Link::kRefused ? l.bad : l.warning);
+  Area room = DrawStrip(a, l.bad);
   const bool offers = start_server && start_server->flags & XW_SHOWN;
   room.TakeRight(kEdge + kRetryWidth + (offers ? kGap + kStartWidth : 0) + kGap);
   const std::string text = Text();

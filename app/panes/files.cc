@@ -45,37 +45,57 @@ Area HeadArea(const FilesPane* p) {
   return a;
 }
 
-// Half of the head at most: without its last part where that has no room.
-std::string FittingHeadText(const FilesPane* p) {
-  std::string text = HeadText(p);
-  const size_t last = text.rfind(", ");
-  if (last != std::string::npos && WidthOfSmall(text) + 17 > HeadArea(p).w / 2) text.resize(last);
-  return text;
+// What a text at the right of the head takes, with the gap before it; nothing for "".
+int HeadTextRoom(const std::string& text) {
+  return text.empty() ? 0 : WidthOfSmall(text) + 17;
 }
 
-int HeadTextWidth(const FilesPane* p) {
-  return std::min(WidthOfSmall(FittingHeadText(p)) + 17, HeadArea(p).w / 2);
-}
-
-void DrawHeadText(const FilesPane* p) {
+// The widths of the crumbs, each with what separates it from the next one.
+std::vector<int> CrumbWidths(const std::vector<Crumb>& crumbs) {
   const Style& l = TheStyle();
-  Area a = HeadArea(p);
-  DrawLabel(l.small_text, Align::kRight, a.TakeRight(HeadTextWidth(p) - 16), FittingHeadText(p),
-            p->reading_text.empty() ? l.second : l.warning);
-}
-
-// As many as there is room for; the last one is the folder itself.
-std::vector<ShownCrumb> LayOutCrumbs(const FilesPane* p) {
-  const Style& l = TheStyle();
-  Area bar = HeadArea(p);
-  bar.TakeRight(HeadTextWidth(p));
-  const std::vector<Crumb> crumbs = CrumbsOf(p->folder.path());
   std::vector<int> widths;
   for (const Crumb& crumb : crumbs) {
     XwFont* font = widths.size() + 1 == crumbs.size() ? l.bold : l.normal;
     widths.push_back(XwTextWidthUtf8(font, crumb.text.c_str()) + 1 + kCrumbGapWidth);
   }
-  const int gap = XwTextWidthUtf8(l.normal, "…") + 1 + kCrumbGapWidth;
+  return widths;
+}
+
+int GapWidth() {
+  return XwTextWidthUtf8(TheStyle().normal, "…") + 1 + kCrumbGapWidth;
+}
+
+// It gives way to the root and the folder itself: first its size, then all of it. What is said
+// of a reading has half of the head in any case.
+std::string FittingHeadText(const FilesPane* p) {
+  std::string text = HeadText(p);
+  const int head = HeadArea(p).w;
+  if (!p->reading_text.empty()) return CutToWidth(TheStyle().small_text, text, head / 2 - 17);
+  const std::vector<int> widths = CrumbWidths(CrumbsOf(p->folder.path()));
+  const size_t n = widths.size();
+  const int needed =
+      widths.back() + (n > 1 ? widths.front() : 0) + (n > 2 ? GapWidth() : 0) - kCrumbGapWidth;
+  const int room = head - needed;
+  if (HeadTextRoom(text) > room) text.resize(std::min(text.size(), text.rfind(", ")));
+  if (HeadTextRoom(text) > room) text.clear();
+  return text;
+}
+
+void DrawHeadText(const FilesPane* p) {
+  const Style& l = TheStyle();
+  const Area a = HeadArea(p);
+  DrawLabel(l.small_text, Align::kRight, a, FittingHeadText(p),
+            p->reading_text.empty() ? l.second : l.warning);
+}
+
+// As many as there is room for; the last one is the folder itself, which is cut where it alone has
+// too little.
+std::vector<ShownCrumb> LayOutCrumbs(const FilesPane* p) {
+  Area bar = HeadArea(p);
+  bar.TakeRight(HeadTextRoom(FittingHeadText(p)));
+  const std::vector<Crumb> crumbs = CrumbsOf(p->folder.path());
+  const std::vector<int> widths = CrumbWidths(crumbs);
+  const int gap = GapWidth();
   std::vector<ShownCrumb> shown;
   for (const int i : FitCrumbs(widths, gap, bar.w + kCrumbGapWidth)) {
     const bool left_out = i == kCrumbGap;
@@ -153,9 +173,9 @@ void DrawAroundNote(const Area& note, const Area& around) {
 }
 
 std::vector<Column> Columns() {
-  return {{"Name", 220, 1, Align::kLeft, true, 0, kNamePadding, kIconRoom},
-          {"Size", 110, 0, Align::kRight, true, 0, 8},
-          {"Modified", 150, 0, Align::kLeft, true, 0, 12}};
+  return {{"Name", 150, 10, Align::kLeft, true, 0, kNamePadding, kIconRoom},
+          {"Size", 82, 1, Align::kRight, true, 1, 8},
+          {"Modified", 110, 2, Align::kLeft, true, 2, 12}};
 }
 
 }  // namespace

@@ -6,7 +6,9 @@ namespace console {
 namespace {
 
 constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 34;
-constexpr int kStop = 18, kFilter = 170;
+constexpr int kStop = 18;
+// The filter of the files: in a narrow pane it is narrower, and has no label.
+constexpr int kFilter = 170, kLeastFilter = 96, kFilterLabelFrom = 520;
 // The width from which a side shows by itself, and what it takes of it.
 struct Side {
   int from, percent, usual, most, least;
@@ -79,8 +81,10 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   LayOutSides(&l, &all, width, sizes);
   l.folder_head = all.TakeTop(kHead);
   l.folder = all;
-  l.filter = {l.folder_head.right() - 12 - kFilter, l.folder_head.y + 3, kFilter, 24};
-  l.filter_label = {l.filter.x - 46, l.folder_head.y, 40, kHead - 1};
+  const int filter = std::clamp(l.folder_head.w * 30 / 100, kLeastFilter, kFilter);
+  l.filter = {l.folder_head.right() - 12 - filter, l.folder_head.y + 3, filter, 24};
+  const int label = l.folder_head.w < kFilterLabelFrom ? 0 : 40;
+  l.filter_label = {l.filter.x - (label ? label + 6 : 0), l.folder_head.y, label, kHead - 1};
   LayOutTools(&l);
   return l;
 }

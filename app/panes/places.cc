@@ -1,5 +1,7 @@
 #include "app/panes/places.h"
 
+#include <algorithm>
+
 #include "app/format/texts.h"
 #include "app/look/side_marks.h"
 #include "app/look/style.h"
@@ -10,7 +12,9 @@ namespace {
 
 constexpr int kCaption = 32, kFooter = 26;
 constexpr int kStep = 14;  // to the right, for each folder around
-constexpr int kMark = 18, kIcon = 19;
+constexpr int kLeastStep = 2;
+constexpr int kBegin = 6, kMark = 18, kIcon = 19, kEnd = 8;
+constexpr int kLeastName = 84;
 
 }  // namespace
 
@@ -58,6 +62,8 @@ void PlacesPane::MakeRows() {
     for (const Places::Row& r : tree.rows())
       rows.push_back({r.path, Shown(r.name), r.depth, r.has_folders, r.open, r.unreadable});
   }
+  deepest_ = 0;
+  for (const Row& r : rows) deepest_ = std::max(deepest_, r.depth);
   marked_ = -1;
   for (size_t i = 0; i < rows.size(); ++i) {
     const bool deeper = marked_ < 0 || rows[i].path.size() > rows[size_t(marked_)].path.size();
@@ -81,6 +87,7 @@ bool PlacesPane::Follow(const std::string& folder) {
   unread |= tree.Select(folder) || !tree.known();
   MakeRows();
   list.GoTo(marked_);
+  follows_ = true;
   return unread;
 }
 
@@ -89,7 +96,7 @@ bool PlacesPane::Take(PlacesListing listing) {
   const bool whole = tree.Show(std::move(listing));
   MakeRows();
   // What was asked for has come, and is not where the folder was marked until then.
-  if (marked_ != before && list.at() == before) list.GoTo(marked_);
+  if (follows_ && marked_ != before && list.at() == before) list.GoTo(marked_);
   return whole;
 }
 
@@ -97,6 +104,7 @@ bool PlacesPane::SetOpen(int row, bool open) {
   if (row < 0 || size_t(row) >= rows.size()) return false;
   const Row r = rows[size_t(row)];
   bool unread = false;
+  follows_ = false;
   if (r.depth > 0) {
     unread = tree.SetOpen(r.path, open);
   } else if (r.path == tree.root()) {
@@ -127,9 +135,16 @@ int PlacesPane::Around(int row) const {
   return rows[size_t(row)].depth == 0 ? row : around;
 }
 
+// Where the deepest folder would leave its name no room, all steps are smaller.
+int PlacesPane::Indent(int row) const {
+  const int room = std::max(0, list.Body().w - kBegin - kMark - kIcon - kEnd - kLeastName);
+  const int step = std::clamp(room / std::max(1, deepest_), kLeastStep, kStep);
+  return kBegin + std::min(room, rows[size_t(row)].depth * step);
+}
+
 Area PlacesPane::MarkArea(int row) const {
   const Area a = list.RowArea(row);
-  return {a.x + 6 + rows[size_t(row)].depth * kStep, a.y, kMark, a.h};
+  return {a.x + Indent(row), a.y, kMark, a.h};
 }
 
 void PlacesPane::DrawRow(int row, const Area& a, const Hit& hover, bool active,
@@ -145,8 +160,8 @@ void PlacesPane::DrawRow(int row, const Area& a, const Hit& hover, bool active,
   if (background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h, 4, background, -1);
   const int32_t ink = strong ? l.on_accent : r.unreadable ? Dimmed(l.ink, background) : l.ink;
   Area text = a;
-  text.TakeRight(8);
-  text.TakeLeft(6 + r.depth * kStep);
+  text.TakeRight(kEnd);
+  text.TakeLeft(Indent(row));
   const Area mark = text.TakeLeft(kMark);
   if (r.opens)
     DrawDisclosure(mark.x + 3, mark.y + 4, r.open,
@@ -159,7 +174,7 @@ void PlacesPane::DrawRow(int row, const Area& a, const Hit& hover, bool active,
                    strong ? Mix(l.on_accent, l.accent, 30) : l.pressed);
   else
     DrawFileIcon(FileKind::kFolder, icon.x, icon.y + 2, background, r.unreadable ? 40 : 100);
-  DrawLabel(l.view, Align::kLeft, text, r.name, ink);
+  DrawLabel(l.view, Align::kLeft, text, CutToWidth(l.view, r.name, text.w), ink);
 }
 
 void PlacesPane::Draw(const Hit& hover, bool active, bool focused) const {
@@ -184,7 +199,7 @@ void PlacesPane::AddHits(Hits* hits, bool focused) const {
         const uint32_t state = (row == marked_ && r.path == folder_ ? uint32_t{XWT_SELECTED} : 0) |
                                (r.open ? uint32_t{XWT_EXPANDED} : 0);
         const std::string path = Shown(r.path);
-        const int room = list.Body().w - 14 - r.depth * kStep - kMark - kIcon;
+        const int room = list.Body().w - Indent(row) - kMark - kIcon - kEnd;
         const bool cut = XwTextWidthUtf8(TheStyle().view, r.name.c_str()) > room;
         return {XWA_ROW, state, r.name, r.unreadable ? "cannot be read" : path, cut ? path : ""};
       },

@@ -55,11 +55,15 @@ struct PlacesPane {
   static constexpr int kRowHeight = 20;
   void MakeRows();
   Area MarkArea(int row) const;
+  // How far to the right a row begins.
+  int Indent(int row) const;
   void DrawRow(int row, const Area& a, const Hit& hover, bool active, bool focused) const;
 
-  std::string folder_;  // that is shown
-  bool open_ = true;    // the present volume
-  int marked_ = -1;     // the row of the folder, or of the nearest one above it that is shown
+  std::string folder_;    // that is shown
+  bool open_ = true;      // the present volume
+  int deepest_ = 0;       // of the depths of the rows
+  int marked_ = -1;       // the row of the folder, or of the nearest one above it that is shown
+  bool follows_ = false;  // the keyboard goes to the folder's row as soon as there is one
 };
 
 }  // namespace console

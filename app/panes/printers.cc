@@ -8,6 +8,7 @@ namespace console {
 namespace {
 
 constexpr int kCaption = 32, kSupplyLine = 18, kMostSupplies = 4, kSupplyEnd = 8;
+constexpr int kFigure = 36;  // "100 %"
 constexpr int kLittle = 10;  // percent of a supply
 constexpr int kLevel = 4, kLevelHeight = 12, kMostLevels = 8;
 constexpr int kButton = 92;
@@ -31,7 +32,10 @@ int32_t ToneColor(Tone tone) {
 
 int32_t SupplyColor(const Supply& supply, bool away) {
   const Style& l = TheStyle();
-  const int32_t ink = supply.percent < kLittle ? l.warning : l.second;
+  const bool known = supply.percent >= 0;
+  const int32_t ink = known && supply.percent == 0        ? l.bad
+                      : known && supply.percent < kLittle ? l.warning
+                                                          : l.second;
   return away ? Dimmed(ink, l.side) : ink;
 }
 
@@ -52,10 +56,13 @@ std::string PartsThatFit(XwFont* font, std::string text, int width) {
   return text;
 }
 
+std::string LevelText(const Supply& supply) {
+  return supply.percent < 0 ? "unknown" : std::to_string(supply.percent) + " %";
+}
+
 std::string SuppliesText(const PrinterRow& row) {
   std::string text;
-  for (const Supply& s : row.supplies)
-    text += ", " + s.name + (s.percent < 0 ? "" : " " + std::to_string(s.percent) + " %");
+  for (const Supply& s : row.supplies) text += ", " + s.name + " " + LevelText(s);
   return text;
 }
 
@@ -70,9 +77,9 @@ struct RowLook {
   }
 };
 
-int32_t BackgroundOf(bool strong, bool chosen, bool lit) {
+int32_t BackgroundOf(bool at, bool muted, bool chosen, bool lit) {
   const Style& l = TheStyle();
-  return strong   ? l.accent
+  return at       ? muted ? l.inactive_selection : l.accent
          : chosen ? Mix(l.accent, l.side, 14)
          : lit    ? Mix(l.accent, l.side, 9)
                   : l.side;
@@ -85,9 +92,16 @@ void DrawLevels(const Area& a, const PrinterRow& row, const RowLook& look) {
   for (const Supply& s : row.supplies) {
     if (x + kLevel > a.right()) break;
     const int32_t ink = look.strong ? TheStyle().on_accent : SupplyColor(s, look.muted);
-    XwBox(x, y, kLevel, kLevelHeight, Mix(ink, look.background, 25));
-    const int full = s.percent < 0 ? 0 : (s.percent * kLevelHeight + 50) / 100;
-    Fill({x, y + kLevelHeight - full, kLevel, full}, ink);
+    const int32_t track = Mix(ink, look.background, 25);
+    const int full = (s.percent * kLevelHeight + 50) / 100;
+    if (s.percent < 0) {
+      // Of one that nobody knows there is the outline alone.
+      XwSetColor(track);
+      XwDrawRect(x, y, kLevel, kLevelHeight);
+    } else {
+      XwBox(x, y, kLevel, kLevelHeight, track);
+      Fill({x, y + kLevelHeight - full, kLevel, full}, ink);
+    }
     x += kLevel + 2;
   }
 }
@@ -178,12 +192,13 @@ Area PrintersPane::MarkArea(int row) const {
   return {a.right() - kButton - 8, a.y + 17, kButton, 18};
 }
 
-void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool strong) const {
+void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool at_it) const {
   const Style& l = TheStyle();
   const PrinterRow& r = printers.rows()[size_t(row)];
   const bool chosen = printers.chosen() == r.printer->name;
-  const RowLook look = {BackgroundOf(strong, chosen, hover == Hit{kPrinters, SideList::kRow, row}),
-                        chosen ? l.view_bold : l.view, strong, away};
+  const bool lit = hover == Hit{kPrinters, SideList::kRow, row};
+  const RowLook look = {BackgroundOf(at_it, away, chosen, lit), chosen ? l.view_bold : l.view,
+                        at_it && !away, away};
   if (look.background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, look.background, -1);
   DrawDot(a.x + 14, a.y + 8, look.Ink(ToneColor(r.dot)));
   const std::string more = MoreOf(r, mine == r.printer->name);
@@ -211,12 +226,19 @@ void PrintersPane::DrawSupplies(Area a) const {
     Area line = a.TakeTop(kSupplyLine);
     if (line.h < kSupplyLine) return;
     const int32_t ink = SupplyColor(s, away);
-    DrawLabel(l.small_text, Align::kLeft, line.TakeLeft(std::min(76, line.w / 2)), s.name,
+    const Area name = line.TakeLeft(std::min(76, line.w * 2 / 5));
+    DrawLabel(l.small_text, Align::kLeft, name, CutToWidth(l.small_text, s.name, name.w),
               away ? Dimmed(l.second, l.side) : l.second);
     line.TakeLeft(6);
+    if (s.percent < 0) {
+      DrawLabel(l.small_text, Align::kRight, line, LevelText(s), ink);
+      continue;
+    }
+    DrawLabel(l.small_text, Align::kRight, line.TakeRight(kFigure), LevelText(s), ink);
+    line.TakeRight(6);
     const Area bar{line.x, line.y + 5, line.w, 8};
     XwRoundBox(bar.x, bar.y, bar.w, bar.h, bar.h / 2, l.track, l.progress_line);
-    const int full = s.percent < 0 ? 0 : bar.w * s.percent / 100;
+    const int full = bar.w * s.percent / 100;
     if (full > 0) XwRoundBox(bar.x, bar.y, std::max(full, bar.h), bar.h, bar.h / 2, ink, -1);
   }
 }

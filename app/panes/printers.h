@@ -41,7 +41,8 @@ struct PrintersPane {
  private:
   Area MarkArea(int row) const;
   int SupplyLines() const;
-  void DrawRow(int row, const Area& a, const Hit& hover, bool strong) const;
+  // `at_it`: the keyboard is.
+  void DrawRow(int row, const Area& a, const Hit& hover, bool at_it) const;
   void DrawSupplies(Area a) const;
 };
 

@@ -33,6 +33,13 @@ Words WordsOfRow(const QueuePane* p, int row) {
   return {XWA_ROW, 0, Shown(job->document), words.ShownText()};
 }
 
+std::string CutTextIn(const QueuePane* p, int row, int column, int width) {
+  if (const NC_Job* job = p->rows.JobAt(row))
+    return CutJobText(*job, WordsOfJobIn(p, *job), QueueColumn(column), width);
+  const Outgoing* out = p->rows.OutgoingAt(row);
+  return out ? CutOutgoingText(*out, QueueColumn(column), width) : "";
+}
+
 }  // namespace
 
 QueuePane::QueuePane(const Layout& layout_of_all, const ServerState& state_now)
@@ -68,7 +75,9 @@ void QueuePane::Update() {
 }
 
 void QueuePane::AddHits(Hits* hits) const {
-  table.AddHits(hits, [this](int row) { return WordsOfRow(this, row); });
+  table.AddHits(
+      hits, [this](int row) { return WordsOfRow(this, row); },
+      [this](int row, int column, int width) { return CutTextIn(this, row, column, width); });
 }
 
 void QueuePane::Draw(const Hit& hover, bool focused) {
@@ -95,6 +104,7 @@ void QueuePane::Fill() {
   rows.Show(state.listed ? state.jobs : nullptr, OutgoingNow());
   Renewed();
   ShowFollowed();
+  ShowSent();
 }
 
 void QueuePane::FollowFocus() {
@@ -109,6 +119,31 @@ void QueuePane::ShowFollowed() {
   const bool stays = row >= 0 && rows.IdAt(row) == followed_;
   if (stays && row != followed_row_) table.Reveal(row);
   followed_row_ = stays && state.pending.Of(followed_.job) ? row : -1;
+}
+
+void QueuePane::FollowSent(int first) {
+  if (!next_sent_) next_sent_ = first;
+}
+
+// The last of those that have become jobs: when it comes, and when its state is another.
+void QueuePane::ShowSent() {
+  if (!next_sent_) return;
+  for (const Arrival& a : state.arrivals) {
+    if (a.number < next_sent_ || !rows.JobOf({0, a.id})) continue;
+    next_sent_ = a.number + 1;
+    sent_ = {0, a.id};
+    sent_state_.reset();
+  }
+  const NC_Job* job = rows.JobOf(sent_);
+  if (!job || job->state == sent_state_) return;
+  sent_state_ = job->state;
+  table.Reveal(rows.RowOf(sent_));
+  if (HasEnded(job->state)) sent_ = {};
+}
+
+void QueuePane::StayHere() {
+  next_sent_ = 0;
+  sent_ = {};
 }
 
 void QueuePane::ShowProgress() {

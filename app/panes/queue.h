@@ -1,5 +1,6 @@
 // The queue: documents on their way first, then the server's jobs.
 #pragma once
+#include <optional>
 #include <vector>
 
 #include "app/model/queue_verbs.h"
@@ -28,6 +29,10 @@ struct QueuePane {
   // Somebody has put the row with the keyboard elsewhere in the order: it is scrolled to when a
   // list shows it there.
   void FollowFocus();
+  // Orders from this number on have been given here: each is scrolled to when it has become a job,
+  // and the last one as long as it goes on, until somebody scrolls or goes to the queue (StayHere).
+  void FollowSent(int first);
+  void StayHere();
 
   void Sort(QueueOrder order, bool descending);
   // The head of a column was pressed: it sorts, then the other way round, then as the queue prints.
@@ -53,9 +58,13 @@ struct QueuePane {
   // The rows are others: the table and the selection follow.
   void Renewed();
   void ShowFollowed();
+  void ShowSent();
 
   QueueId followed_;
   int followed_row_ = -1;  // where it was, -1: none is followed
+  int next_sent_ = 0;      // the first order that is followed, 0: none is
+  QueueId sent_;           // the last one that has come
+  std::optional<NC_JobState> sent_state_;
 };
 
 }  // namespace console

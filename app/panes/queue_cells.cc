@@ -10,7 +10,7 @@
 namespace console {
 namespace {
 
-constexpr int kDotRoom = 20, kSwatch = 10, kSwatchRoom = 16, kBar = 52;
+constexpr int kDotRoom = 20, kSwatch = 10, kSwatchRoom = 16, kBar = 52, kBarGap = 10;
 
 struct ColumnOrder {
   Column column;
@@ -35,9 +35,13 @@ struct Cells {
   int number;      // 0: none
   int32_t colour;  // -1: none
   std::string document, owner, printer, profile;
-  int64_t size, time;
+  int64_t size, time;  // size -1: not known
   int priority, copies;
 };
+
+std::string CopiesText(const Cells& row) {
+  return row.copies > 1 ? "  × " + NumberText(row.copies) : "";
+}
 
 void DrawProgressCell(const RowWords& words, const CellLook& cell) {
   const Style& l = TheStyle();
@@ -50,17 +54,22 @@ void DrawProgressCell(const RowWords& words, const CellLook& cell) {
                cell.selected ? BarGround::kAccent
                : cell.muted  ? BarGround::kMuted
                              : BarGround::kPlain);
-  a.TakeLeft(10);
+  a.TakeLeft(kBarGap);
   DrawLabel(l.small_text, Align::kLeft, a, words.progress.text,
             words.tone == Tone::kPlain ? cell.second : ink);
 }
 
 void DrawNumber(const Cells& row, const CellLook& cell) {
+  const Style& l = TheStyle();
   Area a = cell.area;
-  DrawDot(a.x, a.y + (a.h - 9) / 2, CellColor(cell, DotOf(row.words.dot)));
+  const int y = a.y + (a.h - 9) / 2;
+  // On the accent a ring sets it off, so that it keeps its colour.
+  if (cell.selected) DrawRing(a.x, y, cell.ink);
+  const int32_t own = DotOf(row.words.dot);
+  const int32_t dot = cell.selected && own == l.accent ? l.dark_accent : own;
+  DrawDot(a.x, y, cell.muted ? CellColor(cell, dot) : dot);
   a.TakeLeft(kDotRoom);
-  if (row.number > 0)
-    DrawLabel(TheStyle().view, cell.align, a, std::to_string(row.number), cell.second);
+  if (row.number > 0) DrawLabel(l.view, cell.align, a, std::to_string(row.number), cell.second);
 }
 
 void DrawDocument(const Cells& row, const CellLook& cell) {
@@ -72,7 +81,7 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
     a.TakeLeft(kSwatchRoom);
   }
   XwFont* font = TheStyle().view;
-  const std::string copies = row.copies > 1 ? "  × " + NumberText(row.copies) : "";
+  const std::string copies = CopiesText(row);
   const int room = std::max(0, a.w - XwTextWidthUtf8(font, copies.c_str()));
   const std::string name = CutToWidth(font, row.document, room);
   DrawLabel(font, cell.align, a.TakeLeft(XwTextWidthUtf8(font, name.c_str())), name, cell.ink);
@@ -80,12 +89,9 @@ void DrawDocument(const Cells& row, const CellLook& cell) {
 }
 
 void DrawCell(const Cells& row, QueueColumn column, const CellLook& cell) {
-  auto text = [&](const std::string& s) {
-    DrawLabel(TheStyle().view, cell.align, cell.area, s, cell.ink);
-  };
-  auto name = [&](const std::string& s) {
-    text(CutToWidth(TheStyle().view, Shown(s), cell.area.w));
-  };
+  XwFont* font = TheStyle().view;
+  auto text = [&](const std::string& s) { DrawLabel(font, cell.align, cell.area, s, cell.ink); };
+  auto name = [&](const std::string& s) { text(CutToWidth(font, Shown(s), cell.area.w)); };
   switch (column) {
     case QueueColumn::kNumber:
       return DrawNumber(row, cell);
@@ -100,12 +106,70 @@ void DrawCell(const Cells& row, QueueColumn column, const CellLook& cell) {
     case QueueColumn::kProgress:
       return DrawProgressCell(row.words, cell);
     case QueueColumn::kSize:
-      return text(row.size > 0 ? SizeText(row.size) : "");
+      return text(row.size >= 0 ? SizeText(row.size) : "");
     case QueueColumn::kSubmitted:
       return text(HourText(row.time, time(nullptr)));
     case QueueColumn::kPriority:
       return text(NumberText(row.priority));
   }
+}
+
+Cells CellsOf(const NC_Job& job, const RowWords& words) {
+  return {words,
+          job.number,
+          job.colour,
+          Shown(job.document),
+          Shown(job.owner),
+          Shown(job.printer),
+          Shown(job.profile),
+          job.size,
+          job.submitted,
+          job.priority,
+          job.copies};
+}
+
+Cells CellsOf(const Outgoing& out, const RowWords& words) {
+  return {words,
+          0,
+          out.colour,
+          Shown(out.document),
+          Shown(out.owner),
+          Shown(out.printer),
+          Shown(out.profile),
+          out.size > 0 ? out.size : -1,
+          out.started,
+          out.priority,
+          out.copies};
+}
+
+// The whole text of a cell that has no room for it; "" where all of it shows.
+std::string CutText(const Cells& row, QueueColumn column, int width) {
+  XwFont* font = TheStyle().view;
+  std::string text;
+  switch (column) {
+    case QueueColumn::kDocument:
+      text = row.document;
+      width -= XwTextWidthUtf8(font, CopiesText(row).c_str()) + (row.colour >= 0 ? kSwatchRoom : 0);
+      break;
+    case QueueColumn::kOwner:
+      text = row.owner;
+      break;
+    case QueueColumn::kPrinter:
+      text = row.printer;
+      break;
+    case QueueColumn::kProfile:
+      text = row.profile;
+      break;
+    case QueueColumn::kProgress:
+      text = row.words.ShownText();
+      if (!row.words.HasBar()) break;
+      font = TheStyle().small_text;
+      width -= kBar + kBarGap;
+      break;
+    default:
+      return "";
+  }
+  return XwTextWidthUtf8(font, text.c_str()) > width ? text : "";
 }
 
 }  // namespace
@@ -171,16 +235,21 @@ int32_t DotOf(Tone tone) {
 
 void DrawJobCell(const NC_Job& job, const RowWords& words, QueueColumn column,
                  const CellLook& cell) {
-  DrawCell({words, job.number, job.colour, Shown(job.document), job.owner, job.printer, job.profile,
-            job.size, job.submitted, job.priority, job.copies},
-           column, cell);
+  DrawCell(CellsOf(job, words), column, cell);
 }
 
 void DrawOutgoingCell(const Outgoing& out, QueueColumn column, const CellLook& cell) {
   const RowWords words = WordsOfOutgoing(out);
-  DrawCell({words, 0, out.colour, Shown(out.document), out.owner, out.printer, out.profile,
-            out.size, out.started, out.priority, out.copies},
-           column, cell);
+  DrawCell(CellsOf(out, words), column, cell);
+}
+
+std::string CutJobText(const NC_Job& job, const RowWords& words, QueueColumn column, int width) {
+  return CutText(CellsOf(job, words), column, width);
+}
+
+std::string CutOutgoingText(const Outgoing& out, QueueColumn column, int width) {
+  const RowWords words = WordsOfOutgoing(out);
+  return CutText(CellsOf(out, words), column, width);
 }
 
 }  // namespace console

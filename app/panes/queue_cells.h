@@ -33,5 +33,8 @@ int32_t DotOf(Tone tone);
 void DrawJobCell(const NC_Job& job, const RowWords& words, QueueColumn column,
                  const CellLook& cell);
 void DrawOutgoingCell(const Outgoing& out, QueueColumn column, const CellLook& cell);
+// The whole text of a cell that cuts it in that width; "" where all of it shows.
+std::string CutJobText(const NC_Job& job, const RowWords& words, QueueColumn column, int width);
+std::string CutOutgoingText(const Outgoing& out, QueueColumn column, int width);
 
 }  // namespace console

@@ -98,7 +98,7 @@ void QueueHead::Draw(const Area& area, const std::string& summary) const {
   DrawLabel(l.bold, Align::kLeft, a, "Queue", l.ink);
   a.TakeLeft(XwTextWidthUtf8(l.bold, "Queue") + 8);
   DrawLabel(l.small_text, Align::kLeft, a, summary, l.second);
-  DrawLabel(l.normal, Align::kRight, label, "Filter", l.ink);
+  DrawLabel(l.small_text, Align::kRight, label, "Filter", l.second);
 }
 
 }  // namespace console

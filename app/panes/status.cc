@@ -50,7 +50,7 @@ void DrawServer(const StatusPane* p, Area a) {
 
 int32_t LinkColor(const StatusPane* p) {
   const Style& l = TheStyle();
-  if (IsAway(p->state.link)) return l.bad;
+  if (IsAway(p->state.link) || p->state.link == Link::kRefused) return l.bad;
   return p->state.link == Link::kReady && p->state.quiet_s < 1 ? l.good : l.warning;
 }
 

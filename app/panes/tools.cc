@@ -90,7 +90,9 @@ void ToolsPane::ShowDocuments(int n) {
   if (n == documents_) return;
   documents_ = n;
   const std::string text = n == 1 ? "Print" : "Print " + NumberText(n);
-  XwSetTextUtf8(print, text.c_str());
+  // The button has room for four figures.
+  const std::string shown = n < 10000 ? text : "Print " + NumberText(n / 1000) + "k";
+  XwSetTextUtf8(print, shown.c_str());
   XwDescribeControl(print, text.c_str());
 }
 

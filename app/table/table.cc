@@ -95,10 +95,8 @@ void Table::Place(const Area& a) {
 }
 
 void Table::SetRows(int rows) {
-  const bool scrolled = Scrolls();
   rows_ = rows < 0 ? 0 : rows;
   top_ = std::clamp(top_, 0, MostTop());
-  if (scrolled != Scrolls()) LayOutColumns();
   PlaceControls();
 }
 
@@ -142,8 +140,9 @@ int Table::ShownRank(int room) const {
 }
 
 // Drops columns until the rest has room, then gives away what is spare, or takes what is missing.
+// The bar's room is never theirs, so that they stay where they are when it comes.
 void Table::LayOutColumns() {
-  const int room = Body().w, rank = ShownRank(room);
+  const int room = std::max(0, area_.w - kScrollBar), rank = ShownRank(room);
   left_.assign(columns_.size(), 0);
   width_.assign(columns_.size(), 0);
   asked_.resize(columns_.size());
@@ -455,7 +454,17 @@ int32_t CellColor(const CellLook& c, int32_t colour) {
   return c.muted ? Dimmed(colour, c.background) : colour;
 }
 
-void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words) const {
+void Table::AddTips(Hits* hits, int row, const Area& shown, const CutText& cut) const {
+  for (int i = 0; i < int(columns_.size()); ++i) {
+    if (ColumnArea(i).Empty()) continue;
+    const Area cell = CellArea(i, shown.y, shown.h);
+    const std::string whole = cut(row, i, cell.w);
+    if (!whole.empty()) hits->Add({owner_, kRow, row}, cell, {0, 0, "", "", whole});
+  }
+}
+
+void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words,
+                    const CutText& cut) const {
   if (area_.Empty()) return;
   const Area body = Body();
   const uint32_t state = XWT_FOCUSABLE | (focused_ ? uint32_t{XWT_FOCUSED} : 0);
@@ -469,6 +478,7 @@ void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words) cons
       Words said = words ? words(row) : Words{};
       if (IsSelected(row)) said.state |= XWT_SELECTED;
       hits->Add({owner_, kRow, row}, a, said);
+      if (cut) AddTips(hits, row, a, cut);
     }
   }
   for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));

@@ -91,8 +91,11 @@ class Table {
   void SetSort(int column, bool descending);
 
   void Draw(const Hit& hover);
-  // `words` says what a row is; the table is called as its bar is.
-  void AddHits(Hits* hits, const std::function<Words(int row)>& words = {}) const;
+  // `words` says what a row is; the table is called as its bar is. `cut` gives the whole text of a
+  // cell that has no room for it, "" for others: it is the tip of that cell.
+  using CutText = std::function<std::string(int row, int column, int width)>;
+  void AddHits(Hits* hits, const std::function<Words(int row)>& words = {},
+               const CutText& cut = {}) const;
 
   // Arrows, Home, End, Page Up, Page Down, with Shift and Control; Control with Space: true when
   // the key was one of them.
@@ -159,6 +162,7 @@ class Table {
   Area BorderArea(int column) const;
   void PlaceControls();
   Area CellArea(int column, int y, int h) const;
+  void AddTips(Hits* hits, int row, const Area& shown, const CutText& cut) const;
   void DrawHead(int column) const;
   void DrawHeader(const Hit& hover) const;
   void DrawRow(int row, const Hit& hover) const;

@@ -217,7 +217,10 @@ void TurnWheel(Console* c, float dy) {
   const bool files = c->layout.folder.Holds(Inp.px, Inp.py);
   const bool queue = c->layout.queue.Holds(Inp.px, Inp.py);
   if (files && c->files.table.Wheel(dy)) c->damage |= kFolderPane;
-  if (queue && c->queue.table.Wheel(dy)) c->damage |= kQueuePane;
+  if (queue && c->queue.table.Wheel(dy)) {
+    c->queue.StayHere();
+    c->damage |= kQueuePane;
+  }
   if (c->layout.places.Holds(Inp.px, Inp.py) && c->places.list.Wheel(dy)) c->damage |= kPlacesPane;
   if (c->layout.printers.Holds(Inp.px, Inp.py) && c->printer_list.list.Wheel(dy))
     c->damage |= kPrintersPane;

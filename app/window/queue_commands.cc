@@ -266,7 +266,9 @@ void UseQueueControl(Console* c, int id, int value) {
   if (id == kQueueOwnerControl || id == kQueuePartControl) FilterQueue(c, c->queue.head.Filter());
   const int column = c->queue.table.HeadOf(id);
   if (column >= 0) c->queue.SortByHead(column);
-  if (column >= 0 || c->queue.table.Scrolled(id, value)) c->damage |= kQueuePane;
+  const bool scrolled = c->queue.table.Scrolled(id, value);
+  if (scrolled) c->queue.StayHere();
+  if (column >= 0 || scrolled) c->damage |= kQueuePane;
 }
 
 }  // namespace console

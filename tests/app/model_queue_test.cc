@@ -141,6 +141,12 @@ TEST(QueueVerbs, SayWhyNot) {
   EXPECT_EQ(why(Verb::kHold, Id(9)), "The job is not in the queue any more");
   EXPECT_EQ(why(Verb::kRelease, {1, {}}, false), "");  // sends it again
   EXPECT_EQ(why(Verb::kHold, {2, {}}), "It is still to be sent");
+  // Of several, a reason that all of them share.
+  const std::vector<QueueId> printed_and_gone = {Id(1), Id(9)}, gone = {Id(8), Id(9)};
+  EXPECT_EQ(CheckVerb(Verb::kHold, rows, gone, pending, true).why_not,
+            "The jobs are not in the queue any more");
+  EXPECT_EQ(CheckVerb(Verb::kHold, rows, printed_and_gone, pending, true).why_not,
+            "None of the jobs can be held");
   pending.Begin(Id(2).job, Verb::kRemove, 0);
   EXPECT_EQ(why(Verb::kHold, Id(2)), "A change of the job is under way");
   // Those for which it is possible are taken.

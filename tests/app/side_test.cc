@@ -92,6 +92,10 @@ TEST_F(SideTest, PlacesAreATreeForKeysAndPointer) {
   ClickAt(row.x + 6 + 14 + 9, row.y + 10);
   ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /+Zoo* //new "));
   EXPECT_NE(c_->places.free_text.find(" free of "), std::string::npos);
+  // The keyboard stays at a volume that it opens, also where the folder lies below that.
+  for (const int key : {XWE_HOME, XWE_RIGHT}) PlacesKey(c_, key);
+  ASSERT_TRUE(Until([&] { return !c_->places_reader.request() && c_->places.tree.known(); }));
+  EXPECT_EQ(c_->places.list.at(), 0);
   // Another volume has another tree; elsewhere in it the folder is found, too.
   Enter("/");
   Until([&] { return !c_->places_reader.request() && c_->places.tree.known(); });

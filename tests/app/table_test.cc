@@ -57,10 +57,10 @@ TEST(Columns, FillTheWidthAndDropByRank) {
     int width, rows;
     bool shown[3];
   } kRows[] = {
-      {600, 3, {true, true, true}},  {380, 3, {true, true, true}},   {379, 3, {true, false, true}},
-      {300, 3, {true, false, true}}, {299, 3, {true, false, false}}, {120, 3, {true, false, false}},
+      {600, 3, {true, true, true}},  {395, 3, {true, true, true}},   {394, 3, {true, false, true}},
+      {315, 3, {true, false, true}}, {314, 3, {true, false, false}}, {120, 3, {true, false, false}},
       {395, 99, {true, true, true}}, {394, 99, {true, false, true}},
-  };
+  };  // whether there is a scroll bar or not
   for (const auto& row : kRows) {
     NumberTable list({10, 20, row.width, 200}, row.rows);
     Table& t = list.table;
@@ -72,7 +72,7 @@ TEST(Columns, FillTheWidthAndDropByRank) {
       EXPECT_EQ(c.x, x);
       x = c.right();
     }
-    EXPECT_EQ(x, t.Body().x + std::max(200, t.Body().w)) << row.width;
+    EXPECT_EQ(x, 10 + std::max(200, row.width - Table::kScrollBar)) << row.width;
   }
 }
 
@@ -93,7 +93,8 @@ TEST(Columns, ABorderMovesRoomFromOneToTheOther) {
       {2, 50, {365, 135, 100}},  {7, 50, {365, 135, 100}},
   };
   for (const auto& row : kRows) {
-    NumberTable list({10, 20, 600, 200}, 3);
+    constexpr int kBar = Table::kScrollBar;
+    NumberTable list({10, 20, 600 + kBar, 200}, 3);
     Table& t = list.table;
     ASSERT_EQ(Widths(t), (std::vector<int>{365, 135, 100}));
     const int x = t.ColumnArea(row.border).right() + 2;  // a little beside it
@@ -107,14 +108,14 @@ TEST(Columns, ABorderMovesRoomFromOneToTheOther) {
     t.Cancel();
     EXPECT_EQ(Widths(t), row.after) << row.border << " " << row.by;
     // They stay so in the same room, and give and take in another one.
-    t.Place({10, 20, 500, 200});
+    t.Place({10, 20, 500 + kBar, 200});
     EXPECT_EQ(t.ColumnArea(2).right(), 510) << row.border << " " << row.by;
-    t.Place({10, 20, 300, 200});
+    t.Place({10, 20, 300 + kBar, 200});
     EXPECT_TRUE(t.ColumnArea(1).Empty());
     EXPECT_EQ(t.ColumnArea(2).right(), 310) << row.border << " " << row.by;
-    t.Place({10, 20, 900, 200});
+    t.Place({10, 20, 900 + kBar, 200});
     EXPECT_EQ(t.ColumnArea(2).right(), 910);
-    t.Place({10, 20, 600, 200});
+    t.Place({10, 20, 600 + kBar, 200});
     EXPECT_EQ(Widths(t), row.after);
     t.ResetColumns();
     EXPECT_EQ(Widths(t), (std::vector<int>{365, 135, 100}));
