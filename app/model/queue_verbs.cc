@@ -111,9 +111,10 @@ Why WhyNot(Verb verb, const QueueRows& rows, const QueueId& id, const PendingCha
   return pending.Of(id.job) ? kUnderWay : WhyNot(verb, *job);
 }
 
-bool IsSoAlready(Verb verb, const NC_Job& job) {
-  if (verb == Verb::kRelease) return job.state == NC_JOB_WAITING || job.state == NC_JOB_PRINTING;
-  return verb == Verb::kHold && job.state == NC_JOB_HELD;
+bool IsSoAlready(Verb verb, const NC_Job* job) {
+  if (!job) return false;
+  if (verb == Verb::kRelease) return job->state == NC_JOB_WAITING || job->state == NC_JOB_PRINTING;
+  return verb == Verb::kHold && job->state == NC_JOB_HELD;
 }
 
 std::string TextOf(const Why& why, const QueueRows& rows, const QueueId& id) {
@@ -148,13 +149,12 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
   bool same = true;
   for (const QueueId& id : selected) {
     const Why why = WhyNot(verb, rows, id, pending, connected);
-    if (!first) first = why;
-    same &= why == first;
-    const NC_Job* job = rows.JobOf(id);
     if (!why)
       check.on.push_back(id);
-    else if (!(job && IsSoAlready(verb, *job)) && check.left_out++ == 0)
+    else if (!IsSoAlready(verb, rows.JobOf(id)) && check.left_out++ == 0)
       check.why_left_out = TextOf(why, rows, id);
+    if (!first) first = why;
+    same &= why == first;
   }
   if (selected.empty()) check.why_not = "No job is selected";
   if (check.possible() || selected.empty()) return check;

@@ -214,8 +214,8 @@ void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   c->just_sent += n;
   c->last_queued = c->server.Send(std::move(orders));
   c->first_queued = c->last_queued - n + 1;
-  if (!IsInQueue(c->stop)) c->queue.FollowSent(c->first_queued);
   c->status.PassReason();  // of an earlier drop
+  if (!IsInQueue(c->stop)) c->queue.FollowSent(c->first_queued);
   std::string text = NumberOf(n, "document", "documents") + " queued";
   if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";

@@ -147,7 +147,7 @@ bool MayLeaveServer(const Console* c) {
   if (!unsent.any()) return true;
   const std::string message = UnsentText(unsent) + " to " + CutMiddle(c->server.host(), kMostHost) +
                               ". What is not sent is given up when the console leaves the server.";
-  return XwConfirmUtf8("!", "", message.c_str(), "Keep the Server", "Leave It", nullptr) == 2;
+  return XwConfirmUtf8("!", "", message.c_str(), "Stay", "Leave", nullptr) == 2;
 }
 
 void ChangeServer(Console* c, const std::string& server) {
