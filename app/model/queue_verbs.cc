@@ -1,5 +1,6 @@
 #include "app/model/queue_verbs.h"
 
+#include <algorithm>
 #include <map>
 
 #include "app/format/words.h"
@@ -90,6 +91,20 @@ std::string NameOf(const QueueRows& rows, const QueueId& id) {
 
 }  // namespace
 
+namespace {
+
+std::string WhyWait(const QueueRows& rows, const std::vector<QueueId>& selected,
+                    const PendingChanges& pending) {
+  const auto changing = std::count_if(selected.begin(), selected.end(), [&](const QueueId& id) {
+    return rows.JobOf(id) && pending.Of(id.job);
+  });
+  if (changing == 0) return "";
+  if (selected.size() == 1) return "A change of the job is under way";
+  return NumberOf(changing, "job is", "jobs are") + " still being changed";
+}
+
+}  // namespace
+
 VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>& selected,
                     const PendingChanges& pending, bool connected) {
   VerbCheck check;
@@ -97,6 +112,8 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
     check.why_not = kOtherOrder;
     return check;
   }
+  if (connected) check.why_not = WhyWait(rows, selected, pending);
+  if (!check.why_not.empty()) return check;
   for (const QueueId& id : selected) {
     std::string why;
     const NC_Job* job = rows.JobOf(id);
@@ -106,8 +123,6 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
       why = NameOf(rows, id) + " is not in the queue any more";
     else if (!connected)
       why = "The server is away";
-    else if (pending.Of(id.job))
-      why = "A change of the job is under way";
     else
       why = WhyNot(verb, *job);
     if (why.empty())
