@@ -401,7 +401,7 @@ bool Table::CarryTo(int y) {
   const int64_t at = (int64_t{top_} + y + kRowHeight / 2) / kRowHeight;
   const int before = gap();
   held_ = kCarried;
-  gap_ = int(std::min<int64_t>(at, rows_));
+  gap_ = int(std::clamp<int64_t>(at, std::min(first_gap_, rows_), rows_));
   return gap_ != before;
 }
 
