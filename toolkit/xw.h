@@ -426,9 +426,10 @@ typedef void (*XwContextMenuHandler)(void);
 void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
 
 /* While 798 is handled: all its documents, where a drop or a request has several; the event itself
- * has the first one of fewer than 400 bytes. Absolute paths, bytes (names are not always UTF-8);
- * `*count` gets their number. They belong to the toolkit and stay as they are until the next event.
- * Outside 798 the result is null and the number 0; `count` may be null. */
+ * has the first one of fewer than 4096 bytes. Absolute paths, bytes (names are not always UTF-8);
+ * what was dropped and lies elsewhere by its address ("http://host/a"). `*count` gets their number.
+ * They belong to the toolkit and stay as they are until the next event. Outside 798 the result is
+ * null and the number 0; `count` may be null. */
 const char* const* XwDroppedFiles(int* count);
 
 /* The program's icon, which the desktop shows beside its windows and their names: size x size

@@ -129,9 +129,9 @@ const char* TroubleText(int error) {
 }
 
 std::string MissingText(const std::vector<std::string>& names) {
-  if (names.size() == 1) return names.front() + ": no such file or folder";
+  if (names.size() == 1) return Quoted(names.front()) + ": no such file or folder";
   std::string list;
-  for (const std::string& name : names) list += (list.empty() ? ": " : ", ") + name;
+  for (const std::string& name : names) list += (list.empty() ? ": " : ", ") + Quoted(name);
   return NumberText(int64_t(names.size())) + " files are missing" + list;
 }
 

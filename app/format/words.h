@@ -23,7 +23,7 @@ std::string FileKindKey(std::string_view name);
 
 // Why the system refuses something, as a part of a sentence: "you are not allowed to read it".
 const char* TroubleText(int error);
-// Of names, at least one: "a.pdf: no such file or folder", "3 files are missing: a.pdf, b.pdf, c".
+// Of names, at least one: "“a”: no such file or folder", "3 files are missing: “a”, “b”, “c”".
 std::string MissingText(const std::vector<std::string>& names);
 
 }  // namespace console

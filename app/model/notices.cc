@@ -47,6 +47,7 @@ void Notices::Read() {
 }
 
 void Notices::Progress(const std::string& key, std::string text) {
+  if (text.empty()) return EndProgress(key);
   for (Line& line : lines_) {
     if (line.key != key) continue;
     line.text = std::move(text);
@@ -60,12 +61,17 @@ void Notices::EndProgress(const std::string& key) {
 }
 
 Message Notices::Shown(int64_t now_ms) const {
-  if (errors_.empty()) return now_ms < until_ms_ ? message_ : Message{};
+  if (errors_.empty()) return Passing(now_ms);
   const Error& first = errors_.front();
   std::string text = first.text;
   if (first.times > 1) text += " (" + NumberText(first.times) + " times)";
   if (errors() > 1) text += " (and " + NumberText(errors() - 1) + " more" + ")";
   return {first.tone, std::move(text)};
+}
+
+Message Notices::Passing(int64_t now_ms) const {
+  if (now_ms < until_ms_ && !message_.text.empty()) return message_;
+  return {Tone::kBusy, ProgressText()};
 }
 
 std::string Notices::ProgressText() const {
@@ -76,7 +82,7 @@ std::string Notices::ProgressText() const {
 }
 
 int64_t Notices::NextChange(int64_t now_ms) const {
-  return errors_.empty() && now_ms < until_ms_ ? until_ms_ : -1;
+  return now_ms < until_ms_ ? until_ms_ : -1;
 }
 
 }  // namespace console

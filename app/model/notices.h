@@ -32,14 +32,17 @@ class Notices {
   void Read();
   // The message that stands for some seconds goes at once.
   void Forget() { message_ = {}; }
-  // Makes or changes the line of what takes a while; `key` names it. The longest-standing one is
-  // shown, with the number of the others.
+  // Makes or changes the line of what takes a while; `key` names it, and "" ends it. The
+  // longest-standing one is shown, with the number of the others.
   void Progress(const std::string& key, std::string text);
   void EndProgress(const std::string& key);
 
-  // What the line shows at this time: the reason, else the oldest error or warning, else the
-  // message, else nothing.
+  // What the line shows at this time: the reason, else the oldest error or warning, else what
+  // passes.
   Message Shown(int64_t now_ms) const;
+  // What the line shows beside an error or warning, and alone where there is none: the message,
+  // else what takes a while, else nothing.
+  Message Passing(int64_t now_ms) const;
   bool HasError() const { return !errors_.empty(); }
   int errors() const { return int(errors_.size()) + left_out_; }
   std::string ProgressText() const;

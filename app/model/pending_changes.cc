@@ -7,23 +7,28 @@ namespace console {
 namespace {
 
 constexpr int kLongestMs = 30000;
+// Changes of fewer jobs are over before they are read of.
+constexpr int kToldFrom = 10;
 
 struct Words {
   const char* verb;
   const char* under_way;
   const char* done;      // before the name
   const char* not_done;  // behind the name
+  const char* progress;
 };
 // By Verb.
 constexpr Words kWords[] = {
-    {"Hold", "holding…", "Held: ", "was not held"},
-    {"Release", "releasing…", "Released: ", "was not released"},
-    {"Print again", "printing again…", "Will be printed again: ", "will not be printed again"},
-    {"Remove", "removing…", "Removed: ", "was not removed"},
-    {"Priority", "changing priority…", "Priority changed: ", "keeps its priority"},
-    {"Copies", "changing copies…", "Copies changed: ", "keeps its copies"},
-    {"Move to printer", "moving…", "Moved: ", "was not moved"},
-    {"Move in the queue", "moving…", "Moved: ", "was not moved"},
+    {"Hold", "holding…", "Held: ", "was not held", "Holding"},
+    {"Release", "releasing…", "Released: ", "was not released", "Releasing"},
+    {"Print again", "printing again…", "Will be printed again: ", "will not be printed again",
+     "Printing again"},
+    {"Remove", "removing…", "Removed: ", "was not removed", "Removing"},
+    {"Priority", "changing priority…", "Priority changed: ", "keeps its priority",
+     "Setting the priority"},
+    {"Copies", "changing copies…", "Copies changed: ", "keeps its copies", "Setting the copies"},
+    {"Move to printer", "moving…", "Moved: ", "was not moved", "Moving"},
+    {"Move in the queue", "moving…", "Moved: ", "was not moved", "Moving"},
 };
 
 const Words& WordsOf(Verb verb) {
@@ -38,6 +43,12 @@ const char* VerbText(Verb verb) {
 
 const char* UnderWayText(Verb verb) {
   return WordsOf(verb).under_way;
+}
+
+std::string ProgressText(const ChangeProgress& progress) {
+  if (progress.total < kToldFrom) return "";
+  return std::string(WordsOf(progress.verb).progress) + ": " + NumberText(progress.done) + " of " +
+         NumberOf(progress.total, "job", "jobs");
 }
 
 Message AnswerMessage(Verb verb, int status, const std::string& document) {

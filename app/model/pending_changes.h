@@ -34,6 +34,14 @@ const char* UnderWayText(Verb verb);
 // told and is no error.
 Message AnswerMessage(Verb verb, int status, const std::string& document);
 
+// How far a change of several jobs is.
+struct ChangeProgress {
+  Verb verb = Verb::kHold;
+  int done = 0, total = 0;  // jobs; 0: none is under way
+};
+// "Setting the priority: 120 of 300 jobs"; "" for a few, which take no while.
+std::string ProgressText(const ChangeProgress& progress);
+
 // What has come of one change of several jobs.
 struct ChangeOutcome {
   Verb verb = Verb::kHold;

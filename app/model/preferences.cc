@@ -19,6 +19,8 @@ struct Number {
 constexpr Number kNumbers[] = {
     {"window-width", &Preferences::window_width, 760, 16384},
     {"window-height", &Preferences::window_height, 480, 16384},
+    {"window-left", &Preferences::window_left, 0, 16384},
+    {"window-top", &Preferences::window_top, 0, 16384},
     {"places-width", &Preferences::places_width, 0, 8192},
     {"details-width", &Preferences::details_width, 0, 8192},
     {"queue-height", &Preferences::queue_height, 0, 8192},

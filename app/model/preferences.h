@@ -8,6 +8,7 @@ namespace console {
 
 struct Preferences {
   int window_width = 1200, window_height = 756;  // logical pixels, of the content
+  int window_left = 0, window_top = 0;           // of the content; top 0: not known
   // Of the panes, 0 the usual size; and whether they are wanted.
   int places_width = 0, details_width = 0, queue_height = 0, printers_height = 0;
   bool show_places = true, show_printers = true, show_details = true;

@@ -25,6 +25,14 @@ bool NeedsPaper(const NC_Printer& p) {
   return p.state == NC_PRINTER_PAPER_OUT || p.paper == 0;
 }
 
+}  // namespace
+
+bool IsStopped(const NC_Printer& p) {
+  return p.state == NC_PRINTER_IDLE && p.reasons[0] && !p.paused;
+}
+
+namespace {
+
 Tone DotOf(const NC_Printer& p, const std::vector<Supply>& supplies) {
   if (NeedsPaper(p) || p.reasons[0]) return Tone::kBad;
   if (p.paused || !p.accepting || IsLow(supplies)) return Tone::kWarning;

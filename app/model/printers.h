@@ -76,6 +76,8 @@ class Printers {
   std::string chosen_;
 };
 
+// It stands still, and nobody has paused it.
+bool IsStopped(const NC_Printer& printer);
 // The names of the media that it has, in its order; null: none.
 std::vector<std::string> MediaOf(const NC_Printer* printer);
 // Also where the server does not say what it has.

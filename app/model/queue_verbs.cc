@@ -1,5 +1,6 @@
 #include "app/model/queue_verbs.h"
 
+#include <algorithm>
 #include <map>
 
 #include "app/format/words.h"
@@ -32,7 +33,6 @@ constexpr Why kToBeSent{"It is still to be sent", "They are still to be sent"};
 constexpr Why kGone{"The job is not in the queue any more",
                     "The jobs are not in the queue any more"};
 constexpr Why kAway{"The server is away", "The server is away"};
-constexpr Why kUnderWay{"A change of the job is under way", "Changes of the jobs are under way"};
 
 constexpr char kOtherOrder[] =
     "Jobs can be moved only while the queue stands in the order in which it prints";
@@ -102,13 +102,12 @@ Why WhyNot(Verb verb, const Outgoing& out) {
   return out.state == OutgoingState::kFailed ? kNotSent : kToBeSent;
 }
 
-Why WhyNot(Verb verb, const QueueRows& rows, const QueueId& id, const PendingChanges& pending,
-           bool connected) {
+Why WhyNot(Verb verb, const QueueRows& rows, const QueueId& id, bool connected) {
   if (const Outgoing* out = rows.OutgoingOf(id)) return WhyNot(verb, *out);
   const NC_Job* job = rows.JobOf(id);
   if (!job) return kGone;
   if (!connected) return kAway;
-  return pending.Of(id.job) ? kUnderWay : WhyNot(verb, *job);
+  return WhyNot(verb, *job);
 }
 
 bool IsSoAlready(Verb verb, const NC_Job* job) {
@@ -136,6 +135,16 @@ std::string WhyNone(Verb verb) {
   return std::string("None of the jobs can be ") + kDone[int(verb)];
 }
 
+std::string WhyWait(const QueueRows& rows, const std::vector<QueueId>& selected,
+                    const PendingChanges& pending) {
+  const auto changing = std::count_if(selected.begin(), selected.end(), [&](const QueueId& id) {
+    return rows.JobOf(id) && pending.Of(id.job);
+  });
+  if (changing == 0) return "";
+  if (selected.size() == 1) return "A change of the job is under way";
+  return NumberOf(changing, "job is", "jobs are") + " still being changed";
+}
+
 }  // namespace
 
 VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>& selected,
@@ -145,10 +154,12 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
     check.why_not = kOtherOrder;
     return check;
   }
+  if (connected) check.why_not = WhyWait(rows, selected, pending);
+  if (!check.why_not.empty()) return check;
   Why first;
   bool same = true;
   for (const QueueId& id : selected) {
-    const Why why = WhyNot(verb, rows, id, pending, connected);
+    const Why why = WhyNot(verb, rows, id, connected);
     if (!why)
       check.on.push_back(id);
     else if (!IsSoAlready(verb, rows.JobOf(id)) && check.left_out++ == 0)

@@ -22,7 +22,8 @@ struct VerbCheck {
 
 // `connected`: the server is there. Of the rows those are taken for which the verb is possible; a
 // reason is told that all of them share. Of a document on its way Remove cancels the sending, and
-// Release sends one that failed again.
+// Release sends one that failed again. While changes of some of the jobs are under way it is
+// possible for none: what it would leave out would not be told.
 VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>& selected,
                     const PendingChanges& pending, bool connected);
 

@@ -8,7 +8,12 @@
 namespace console {
 namespace {
 
-constexpr int kButton = 122, kEdge = 8;
+constexpr int kButton = 122, kWide = 244, kEdge = 8;
+
+// Wider where it says which printer.
+int ButtonWidth(const NeedsPane* p) {
+  return p->WithoutPaper() && p->printers.WithoutPaper().size() > 1 ? kWide : kButton;
+}
 
 }  // namespace
 
@@ -28,10 +33,18 @@ const PrinterRow* NeedsPane::WithoutPaper() const {
   return all.empty() || ChosenIsGone() ? nullptr : all.front();
 }
 
+bool NeedsPane::ChosenIsStopped() const {
+  const PrinterRow* row = printers.Chosen();
+  return row && IsStopped(*row->printer);
+}
+
 std::string NeedsPane::Text() const {
   if (ChosenIsGone()) return printers.WhyNotPrint();
   const auto all = printers.WithoutPaper();
-  if (all.empty()) return "";
+  if (all.empty())
+    return ChosenIsStopped()
+               ? "“" + printers.Chosen()->short_name + "”: " + printers.Chosen()->state
+               : "";
   const std::string text = Quoted(all.front()->printer->name) + " is out of paper";
   return all.size() == 1 ? text
                          : text + ", and so " + (all.size() == 2 ? "is " : "are ") +
@@ -41,7 +54,13 @@ std::string NeedsPane::Text() const {
 void NeedsPane::Place() {
   Area a = layout.needs;
   a.TakeRight(kEdge);
-  const Area button = a.TakeRight(kButton).Inset(0, 5);
+  const Area button = a.TakeRight(ButtonWidth(this)).Inset(0, 5);
+  const PrinterRow* row = WithoutPaper();
+  const bool which = ButtonWidth(this) == kWide;
+  const std::string text =
+      which ? "Paper Loaded in “" + row->short_name + "”" : std::string("Paper Loaded");
+  if (text != load_text_) XwSetTextUtf8(load, text.c_str());
+  load_text_ = text;
   for (XwWindow* each : {load, choose})
     PlaceControl(each, each == Button() && !layout.needs.Empty() ? button : Area{});
 }
@@ -50,8 +69,8 @@ void NeedsPane::Draw() const {
   Area a = layout.needs;
   if (a.Empty()) return;
   const Style& l = TheStyle();
-  a = DrawStrip(a, ChosenIsGone() ? l.warning : l.bad);
-  a.TakeRight(kEdge + kButton + kEdge);
+  a = DrawStrip(a, WithoutPaper() ? l.bad : l.warning);
+  a.TakeRight(kEdge + ButtonWidth(this) + kEdge);
   DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
 }
 

@@ -1,5 +1,6 @@
 // The strip over the status line while somebody is needed: for a printer without paper, or to
-// choose another printer than one that has gone. That of a server that is away comes before it.
+// choose another printer than one that has gone or has stopped. That of a server that is away comes
+// before it.
 #pragma once
 #include <string>
 
@@ -21,7 +22,7 @@ struct NeedsPane {
   // What it says: one sentence, "" when there is nothing to be done.
   std::string Text() const;
   // The one that is offered.
-  XwWindow* Button() const { return ChosenIsGone() ? choose : load; }
+  XwWindow* Button() const { return WithoutPaper() ? load : choose; }
   // The one that wants paper; null when none does, or another thing comes first.
   const PrinterRow* WithoutPaper() const;
 
@@ -32,7 +33,10 @@ struct NeedsPane {
   XwWindow *load = nullptr, *choose = nullptr;  // of commands
 
  private:
+  std::string load_text_;
   bool ChosenIsGone() const;
+  // The chosen printer prints nothing, though nobody has paused it.
+  bool ChosenIsStopped() const;
 };
 
 }  // namespace console

@@ -153,6 +153,11 @@ void QueuePane::ShowProgress() {
 void QueuePane::Renewed() {
   selection.Renew();
   table.SetRows(rows.count());
+  // Those that print stay in front.
+  int at_printers = 0;
+  const NC_Job* job = nullptr;
+  while ((job = rows.JobAt(at_printers)) && IsAtPrinter(job->state)) ++at_printers;
+  table.SetFirstGap(at_printers);
 }
 
 void QueuePane::Sort(QueueOrder order, bool descending) {

@@ -19,7 +19,7 @@ const Transfer* Running(const StatusPane* p) {
   return nullptr;
 }
 
-constexpr int kBar = 90, kCancelEnds = 20, kMessageRoom = 400, kLeastSendingText = 84;
+constexpr int kBar = 90, kCancelEnds = 20, kGap = 6, kMessageRoom = 400, kLeastSendingText = 84;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -83,6 +83,18 @@ void DrawSending(const StatusPane* p, const Transfer& t) {
   DrawLabel(l.view, Align::kRight, a, verb + Shown(t.order.document), l.second);
 }
 
+int TextWidth(const Message& m) {
+  return m.text.empty() ? 0 : XwTextWidthUtf8(TheStyle().view, m.text.c_str()) + 2;
+}
+
+void DrawMessage(const Area& a, Align align, const Message& m) {
+  const Style& l = TheStyle();
+  DrawLabel(l.view, align, a, m.text,
+            m.tone == Tone::kBad       ? l.bad
+            : m.tone == Tone::kWarning ? l.warning
+                                       : l.second);
+}
+
 }  // namespace
 
 bool StatusPane::SendingRuns() const {
@@ -124,19 +136,27 @@ Area StatusPane::Middle() const {
   return {begin, a.y + 1, std::max(0, end - begin), a.h - 1};
 }
 
-Area StatusPane::DismissArea() const {
-  Area middle = Middle();
-  const Area button = middle.TakeRight(layout.stop_sending.w);
-  return {button.x, layout.stop_sending.y, button.w, layout.stop_sending.h};
-}
-
-Area StatusPane::CancelArea() const {
-  if (queued == 0) return {};
-  Area middle = Middle();
-  if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
-  const int width = XwTextWidthUtf8(TheStyle().bold, cancel_text_.c_str()) + kCancelEnds;
-  const Area button = middle.TakeRight(width);
-  return {button.x, layout.status.y + 3, button.w, 20};
+StatusPane::Parts StatusPane::Split() const {
+  const Style& l = TheStyle();
+  Parts parts;
+  Area rest = Middle();
+  const int cancel = queued > 0 ? XwTextWidthUtf8(l.bold, cancel_text_.c_str()) + kCancelEnds : 0;
+  if (HasError()) {
+    const Area& cross = layout.stop_sending;
+    parts.dismiss = {rest.TakeRight(cross.w).x, cross.y, cross.w, cross.h};
+    rest.TakeRight(kGap);
+    const int passing = TextWidth(Passing());
+    const int room = rest.w - cancel - (cancel ? kGap : 0) - (passing ? 2 * kGap : 0);
+    const int most = std::max(room / 2, room - passing);
+    parts.error = rest.TakeRight(std::min(TextWidth(message()), std::max(0, most)));
+    if (passing || cancel) rest.TakeRight(2 * kGap);
+  }
+  if (cancel) {
+    parts.cancel = {rest.TakeRight(cancel).x, layout.status.y + 3, cancel, 20};
+    rest.TakeRight(kGap);
+  }
+  parts.passing = rest;
+  return parts;
 }
 
 void StatusPane::Update() {
@@ -144,9 +164,10 @@ void StatusPane::Update() {
   const std::string text = "Cancel " + NumberText(queued) + " Queued";
   if (queued > 0 && text != cancel_text_) XwSetTextUtf8(cancel_queued, text.c_str());
   if (queued > 0) cancel_text_ = text;
-  PlaceControl(cancel_queued, CancelArea());
+  const Parts parts = Split();
+  PlaceControl(cancel_queued, parts.cancel);
   PlaceControl(stop_sending, SendingRuns() ? layout.stop_sending : Area{});
-  PlaceControl(dismiss, HasError() ? DismissArea() : Area{});
+  PlaceControl(dismiss, parts.dismiss);
 }
 
 void StatusPane::ReadMessage() {
@@ -155,9 +176,9 @@ void StatusPane::ReadMessage() {
 }
 
 bool StatusPane::Tick() {
-  const bool told = !message().text.empty();
+  const bool told = !Passing().text.empty();
   now_ms_ += 1000;
-  return told && message().text.empty();
+  return told && Passing().text.empty();
 }
 
 void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
@@ -171,22 +192,23 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   DrawServer(this, server);
   const Transfer* t = Running(this);
   if (t) DrawSending(this, *t);
-  Area middle = Middle();
-  const Message told = message();
-  if (queued > 0) middle.TakeRight(CancelArea().w + 6);
-  if (told.text.empty()) return DrawLabel(l.view, Align::kLeft, middle, selection, l.second);
-  if (HasError()) middle.TakeRight(layout.stop_sending.w + 6);
-  DrawLabel(l.view, t ? Align::kLeft : Align::kRight, middle, Shown(told.text),
-            told.tone == Tone::kBad       ? l.bad
-            : told.tone == Tone::kWarning ? l.warning
-                                          : l.second);
+  const Parts parts = Split();
+  const Message passing = Passing();
+  if (HasError()) DrawMessage(parts.error, Align::kRight, message());
+  if (!passing.text.empty())
+    DrawMessage(parts.passing, t || HasError() ? Align::kLeft : Align::kRight, passing);
+  else if (!HasError())
+    DrawLabel(l.view, Align::kLeft, parts.passing, selection, l.second);
 }
 
 void StatusPane::AddHits(const std::string& selection, Hits* hits) const {
   hits->Add({kStatus, kServer, 0}, ServerArea(this), {XWA_STATUS, 0, Shown(host), ServerText()});
-  const Message told = message();
-  hits->Cover(Middle(),
-              {XWA_STATUS, 0, "Message", told.text.empty() ? selection : Shown(told.text)});
+  const Message passing = Passing(), told = message();
+  const Parts parts = Split();
+  if (HasError() && !passing.text.empty())
+    hits->Cover(parts.passing, {XWA_STATUS, 0, "Latest Message", passing.text});
+  hits->Cover(HasError() ? parts.error : Middle(),
+              {XWA_STATUS, 0, "Message", told.text.empty() ? selection : told.text});
 }
 
 }  // namespace console

@@ -27,11 +27,13 @@ struct StatusPane {
   void Draw(const Hit& hover, const std::string& selection) const;
   void AddHits(const std::string& selection, Hits* hits) const;
 
-  // Shows it for a few seconds; an error (kBad) until it is read.
+  // Shows it for a few seconds; an error (kBad) until it is read. Both have their place.
   void Tell(Tone tone, const std::string& utf8) { notices_.Tell({tone, utf8}, now_ms_); }
   // Why something cannot be done: until it is read.
   void TellReason(const std::string& utf8) { notices_.TellReason(utf8); }
   void PassReason() { notices_.PassReason(); }
+  // What takes a while, `key` names it; "": it is over.
+  void Progress(const std::string& key, const std::string& utf8) { notices_.Progress(key, utf8); }
   bool HasError() const { return notices_.HasError(); }
   // What it shows now; without a text: nothing.
   Message message() const { return notices_.Shown(now_ms_); }
@@ -51,10 +53,15 @@ struct StatusPane {
   XwWindow *stop_sending = nullptr, *dismiss = nullptr, *cancel_queued = nullptr;  // of commands
 
  private:
+  // Beside an error with its button stands what passes. Where both have no room, the error has at
+  // least half of it.
+  struct Parts {
+    Area passing, cancel, error, dismiss;
+  };
   // What lies between the server and what is being sent.
   Area Middle() const;
-  Area DismissArea() const;
-  Area CancelArea() const;
+  Parts Split() const;
+  Message Passing() const { return notices_.Passing(now_ms_); }
 
   Notices notices_;
   int64_t now_ms_ = 0;  // counted by Tick

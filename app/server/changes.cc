@@ -119,6 +119,8 @@ void Worker::Answered(const JobStep& step, int status, bool left_held) {
   outcome_.verb = step.change.verb;
   shared_->state.pending.Answered(step.job, status, MonotonicMs());
   shared_->pending_changed = true;
+  ChangeProgress& progress = shared_->state.changing;
+  progress = {step.change.verb, outcome_.done + outcome_.refused + 1, step.of};
   const bool done = status == NC_STATUS_DONE;
   if (done && outcome_.done++ == 0) outcome_.document = step.document;
   if (done && step.change.verb == Verb::kMove) NoteMove(step);
@@ -145,6 +147,7 @@ void Worker::TellOutcome() {
   if (batch_) shared_->AddNotice(OutcomeMessage(outcome_));
   batch_ = 0;
   outcome_ = {};
+  shared_->state.changing = {};
 }
 
 // The connection has broken. Under the mutex.

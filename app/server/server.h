@@ -117,6 +117,7 @@ struct ServerState {
   std::shared_ptr<const ServerLists> lists;                 // null until they have come
   std::vector<Transfer> transfers;
   PendingChanges pending;
+  ChangeProgress changing;        // that of jobs which is under way
   std::vector<Notice> notices;    // the last few
   std::vector<Arrival> arrivals;  // the last few
 };

@@ -21,7 +21,7 @@ struct JobStep {
   JobChange change;
   JobId before{};             // of kReorder
   std::string document = "";  // the job's, as who asked for the change has seen it
-  int batch = 0;
+  int batch = 0, of = 0;      // `of`: the steps of the batch
 };
 
 // A change of a printer that has not begun.

@@ -408,7 +408,7 @@ bool Table::CarryTo(int y) {
   const bool begins = held_ != kCarried;
   const int before = gap_;
   held_ = kCarried;
-  gap_ = int(std::min<int64_t>(at, rows_));
+  gap_ = int(std::clamp<int64_t>(at, std::min(first_gap_, rows_), rows_));
   return begins || gap_ != before;
 }
 

@@ -120,6 +120,8 @@ class Table {
     carries_ = carries;
     shows_gap_ = shows_gap;
   }
+  // Nothing is carried to before this row.
+  void SetFirstGap(int row) { first_gap_ = row; }
   bool Carries() const { return held_ == kCarried; }
   // The row before which what is being carried would go, rows() behind the last; -1: nothing is, or
   // the pointer is not over the table.
@@ -181,7 +183,7 @@ class Table {
   enum Held : uint8_t { kNothing, kABorder, kARow, kRows, kCarried } held_ = kNothing;
   bool carries_ = false, shows_gap_ = false;
   bool may_carry_ = false;  // what is held
-  int gap_ = 0;
+  int gap_ = 0, first_gap_ = 0;
   int held_row_ = -1;            // that was pressed, or was dragged to last
   bool from_below_ = false;      // the press was below the rows
   int drag_x_ = 0, drag_y_ = 0;  // where the pointer is

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "app/format/cut.h"
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/model/crumbs.h"
@@ -18,6 +19,7 @@ constexpr FileOrder kOrders[] = {FileOrder::kName, FileOrder::kSize, FileOrder::
 
 // When it is said that something is being read, and that it does not answer.
 constexpr int kLongMs = 200, kSilentSeconds = 3;
+constexpr int kMostOfPath = 60;  // characters, in the status line
 
 }  // namespace
 
@@ -56,6 +58,20 @@ std::vector<std::string> NamesToSelect(const Console* c, const FolderReading& r)
   return names;
 }
 
+// How many that were named are not in the folder that is shown.
+void TellElsewhere(Console* c, int documents, int folders) {
+  const std::vector<std::string> selected = c->files.selection.Ids();
+  const int there = int(std::min(selected.size(), size_t(documents)));
+  if (there < documents && there > 0)
+    Tell(c, true,
+         NumberText(there) + " of " + CountText(documents, "document", "documents") +
+             " selected: the others are not in this folder");
+  else if (there < documents)
+    Tell(c, false, NumberOf(documents, "document is", "documents are") + " not in this folder");
+  if (folders > 0)
+    Tell(c, false, NumberOf(folders, "other folder is", "other folders are") + " not shown");
+}
+
 // They are to be seen, whatever is hidden otherwise; and it is said how many are not there.
 void DocumentsCame(Console* c, const FolderReading& r) {
   c->stop = FocusStop::kFiles;
@@ -66,20 +82,21 @@ void DocumentsCame(Console* c, const FolderReading& r) {
   };
   const auto some_hidden = [&] { return std::any_of(names.begin(), names.end(), is_hidden); };
   if (some_hidden()) SetFilter(c, "");
-  if (some_hidden()) ShowHiddenNames(c, true);
-  const int there = int(c->files.selection.Ids().size());
-  if (!r.missing.empty())
-    Tell(c, false, MissingText(r.missing));
-  else if (there < r.documents && r.documents > 1)
-    Tell(c, true,
-         NumberText(there) + " of " + CountText(r.documents, "document", "documents") +
-             " selected: the others are not in this folder");
+  if (some_hidden()) {
+    ShowHiddenNames(c, true);
+    c->hidden_for_now = true;
+  }
+  if (!r.missing.empty()) Tell(c, false, MissingText(r.missing));
+  for (const std::string& name : r.devices)
+    Tell(c, false, Quoted(name) + " is neither a file nor a folder");
+  TellElsewhere(c, r.documents, r.folders);
 }
 
 void Entered(Console* c, FolderReading* r) {
   c->files.typed.Stop();
   const bool same = r->content->path() == c->files.folder.path();
   if (!same) SetFilter(c, "");
+  if (!same && c->hidden_for_now) ShowHiddenNames(c, false);
   c->files.folder.Show(std::move(r->content));
   ShowFreeRoom(c, *r);
   c->files.table.Release();
@@ -93,7 +110,10 @@ void Entered(Console* c, FolderReading* r) {
 // The folder shown stays; where none is yet, it is the nearest one above.
 void NotEntered(Console* c, const FolderReading& r) {
   const std::string& path = r.request.path;
-  Tell(c, false, path + ": " + TroubleText(r.error));
+  if (r.missing.empty())
+    Tell(c, false, CutMiddle(Shown(path), kMostOfPath) + ": " + TroubleText(r.error));
+  else
+    Tell(c, false, MissingText(r.missing));
   if (c->files.folder.known()) return;
   if (r.request.kind != FolderRequest::kUp && path != "/")
     return AskFolder(c, {FolderRequest::kUp, ParentPath(path), ""});
@@ -281,6 +301,7 @@ void PressCrumb(Console* c, int index) {
 }
 
 void ShowHiddenNames(Console* c, bool show) {
+  c->hidden_for_now = false;
   c->files.folder.ShowHidden(show);
   Listed(c);
   c->files.table.Reveal(c->files.table.focus());

@@ -27,6 +27,7 @@ struct Menus {
   XwMenuItem bar[kMenus + 1] = {}, titles[kMenus + 1] = {};
   std::unique_ptr<Choices> choices[kCommandsEnd];
   std::string texts[kCommandsEnd];  // of those whose text changes
+  std::string with_keys[kCommandsEnd];
 };
 Menus& TheMenus() {
   static auto* menus = new Menus;
@@ -61,14 +62,14 @@ XwMenuItem* ChoicesOf(const Command& command) {
 class MenuFiller {
  public:
   explicit MenuFiller(XwMenuItem* items) : items_(items) {}
-  void Add(const Command& command, bool stands_here) {
+  void Add(const Command& command, bool stands_here, const char* name) {
     separator_ = separator_ || command.more.group;
     if (!stands_here) return;
     if (separator_ && used_) items_[used_++] = {"", 0, 0, nullptr};
     separator_ = false;
     const XwValue id =
         command.more.choices ? reinterpret_cast<XwValue>(ChoicesOf(command)) : XwValue{command.id};
-    items_[used_++] = {command.name, XWM_UTF8, id, nullptr};
+    items_[used_++] = {name, XWM_UTF8, id, nullptr};
   }
   void End() { items_[used_] = {}; }
 
@@ -78,10 +79,19 @@ class MenuFiller {
   bool separator_ = false;
 };
 
+// An item that opens a menu has an arrow where others show their key.
+const char* NameWithKey(const Command& command) {
+  if (!command.more.choices || !command.more.plain_key) return command.name;
+  std::string& text = TheMenus().with_keys[command.id];  // stays where it is
+  if (text.empty())
+    text = std::string(command.name) + " (" + KeyText(command.more.plain_key, 0) + ")";
+  return text.c_str();
+}
+
 void FillMenus(Menus* all) {
   for (int m = 0; m < kMenus; ++m) {
     MenuFiller menu(all->of_bar[m]);
-    for (const Command& command : Commands()) menu.Add(command, command.menu == m);
+    for (const Command& command : Commands()) menu.Add(command, command.menu == m, command.name);
     menu.End();
     const bool empty = !all->of_bar[m][0].text;
     all->bar[m] = {kTitles[m], empty ? XWM_HIDDEN : 0, reinterpret_cast<XwValue>(all->of_bar[m]),
@@ -89,7 +99,8 @@ void FillMenus(Menus* all) {
   }
   for (int n = 0; n < kContexts; ++n) {
     MenuFiller menu(all->of_contexts[n]);
-    for (const Command& command : Commands()) menu.Add(command, command.more.contexts & (1u << n));
+    for (const Command& command : Commands())
+      menu.Add(command, command.more.contexts & (1u << n), NameWithKey(command));
     menu.End();
   }
 }

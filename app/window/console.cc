@@ -237,6 +237,7 @@ void ServerChanged(Console* c, ServerState state) {
   RememberServer(c);
   UpdatePreferences();
   UpdateLists();
+  c->status.Progress("changes", ProgressText(c->state.changing));
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
     if (n.number > c->last_notice) c->status.Tell(n.message.tone, n.message.text);
@@ -287,7 +288,6 @@ void Scrolled(float, float dy) {
 void OpenMenuByKey() {
   if (!g_console || g_console->asking) return;
   OpenContextMenuByKey(g_console);
-  g_console->modifiers &= ~uint32_t{XWS_SHIFT};  // its release has gone to the menu
   DrawConsole(g_console);
 }
 
@@ -311,9 +311,15 @@ void FirstPictureDrawn(void*, int taken) {
   RefreshPlaces(c);
 }
 
+// Keys and the pointer: what the toolkit sends is a copy with the modifiers of then.
+bool IsInput(int type) {
+  return type < XWE_CONFIGURE || (type >= XWE_MOTION && type <= XWE_MODIFIERS);
+}
+
 int Handle(int type) {
   Console* c = g_console;
   if (!c) return 0;
+  if (IsInput(type)) c->modifiers = Inp.state;
   switch (type) {
     case XWE_CONFIGURE:
       LayOutWindow(c);
@@ -336,7 +342,6 @@ int Handle(int type) {
       Release(c);
       break;
     case XWE_MODIFIERS:
-      c->modifiers = Inp.state;
       break;
     case XWE_TIMER:
       OnTimer(c, int(Inp.value));
@@ -398,6 +403,25 @@ void ShowPreview(void*, int taken) {
   if (g_console && taken) TakePreview(g_console);
 }
 
+namespace {
+
+// Where it was, as far as the screen has room for it and its frame; a first one leaves more free.
+Area FirstPlace(const Preferences& p) {
+  constexpr int kLeft = 30, kTop = 80, kFree = 60, kFreeAbove = 160;
+  constexpr int kFrameTop = 56, kFrameEdge = 4;  // with the menu bar
+  const bool known = p.window_top > 0;
+  const int free_x = known ? 2 * kFrameEdge : kFree;
+  const int free_y = known ? kFrameTop + kFrameEdge : kFreeAbove;
+  Area a{kLeft, kTop, std::clamp(XW_SCREENX - free_x, kLeastWidth, p.window_width),
+         std::clamp(XW_SCREENY - free_y, kLeastHeight, p.window_height)};
+  if (!known) return a;
+  a.x = std::clamp(p.window_left, 0, std::max(0, XW_SCREENX - a.w));
+  a.y = std::clamp(p.window_top, 0, std::max(kFrameTop, XW_SCREENY - a.h));
+  return a;
+}
+
+}  // namespace
+
 Console::Console(const std::string& host)
     : reader([this](FolderReading* reading) { FolderCame(this, reading); }),
       watch([this] { FolderChanged(this); }),
@@ -409,9 +433,8 @@ Console::Console(const std::string& host)
 
 Console* OpenConsole(const std::string& host, const std::string& start, Remembered remembered) {
   const Preferences& p = remembered.preferences;
-  const int width = std::clamp(XW_SCREENX - 60, kLeastWidth, p.window_width);
-  const int height = std::clamp(XW_SCREENY - 160, kLeastHeight, p.window_height);
-  XwWindow* w = XwCreate(0, 30, 80, width, height, Handle);
+  const Area place = FirstPlace(p);
+  XwWindow* w = XwCreate(0, place.x, place.y, place.w, place.h, Handle);
   if (!w) return nullptr;
   auto* c = new Console(host);
   g_console = c;

@@ -53,6 +53,7 @@ enum class FocusStop {
   kStartServer,
   kRetry,
   kNeedsButton,
+  kDismiss,
   kPrint,
   kRefresh,
   kPrinter,
@@ -110,8 +111,8 @@ struct Console {
   bool has_begun = false;      // it is drawn, and what it does not need has begun
   bool has_menus = false;      // else its menu bar has titles alone
   bool active = true;          // keys of the desktop come to the window
-  // Modifiers that are held, by their own events: a timer's event, which is a copy from when it was
-  // sent, brings back those of then in Inp.
+  // Modifiers that were held at the last key or event of the pointer: a timer's event, which is a
+  // copy from when it was sent, brings back those of then in Inp.
   uint32_t modifiers = 0;
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
@@ -147,6 +148,8 @@ struct Console {
   bool drag_escaped = false;     // by an Escape that an edit box reports once more
   bool asking = false;           // whether to leave before everything is sent
   XwWindow* question = nullptr;  // the sheet that asks
+
+  bool hidden_for_now = false;  // hidden names show for a document among them, in this folder
 
   PaneSizes panes;
   int border_grip = 0;     // where beside a border it was pressed

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/panes/ids.h"
@@ -54,6 +55,8 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
       return c->banner.start_server;
     case FocusStop::kNeedsButton:
       return c->needs.Button();
+    case FocusStop::kDismiss:
+      return c->status.dismiss;
     case FocusStop::kPrint:
       return c->tools.print;
     case FocusStop::kRefresh:
@@ -219,7 +222,7 @@ void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   std::string text = NumberOf(n, "document", "documents") + " queued";
   if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
-  if (IsAway(c->state.link)) text += ", to be sent when " + c->server.host() + " is back";
+  if (IsAway(c->state.link)) text += ", to be sent when " + Shown(c->server.host()) + " is back";
   Tell(c, true, text);
 }
 

@@ -214,6 +214,16 @@ void OpenMenu(ListsWindow* w) {
   if (chosen == kStart) Start(w);
 }
 
+// The Menu key, for the row that the keyboard is at.
+void OpenMenuByKey() {
+  constexpr int kFromLeft = 30;
+  ListsWindow* w = g_window;
+  if (!w || !At(w)) return;
+  const Area row = w->list.RowArea(w->list.at());
+  XwPopupLocation(w->window, row.x + kFromLeft, row.bottom());
+  OpenMenu(w);
+}
+
 // --- Events
 
 void Press(ListsWindow* w, bool secondary) {
@@ -278,6 +288,7 @@ void Make(ListsWindow* w) {
   XwSetGround(w->window, nullptr, 2);
   XwSetSizes(w->window, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
   XwSetScrollHandler(w->window, Scrolled);
+  XwSetContextMenuHandler(w->window, OpenMenuByKey);
   w->list.MakeControls(w->window, kBar, "Scanners and Profiles");
   w->save = XwButton(w->window, "Save Gamut File", kSave, 0, 0, 9, 9, kShown, 0);
   w->start = XwButton(w->window, "Start Scanner", kStart, 0, 0, 9, 9, kShown, 0);

@@ -37,6 +37,8 @@ console::FilesToOpen LookForFiles(const console::Arguments& arguments) {
   console::FilesToOpen files = console::LookForFiles(arguments.files);
   for (const std::string& file : files.missing)
     fprintf(stderr, "quorvik: %s: no such file or folder\n", console::Shown(file).c_str());
+  for (const std::string& file : files.devices)
+    fprintf(stderr, "quorvik: %s: neither a file nor a folder\n", console::Shown(file).c_str());
   return files;
 }
 
@@ -81,6 +83,6 @@ int main(int count, char** words) {
       break;
   }
   const console::FilesToOpen files = LookForFiles(arguments);
-  if (HandOver(files)) return files.missing.empty() ? 0 : 1;
+  if (HandOver(files)) return files.missing.empty() && files.devices.empty() ? 0 : 1;
   RunConsole(files);
 }

@@ -8,12 +8,27 @@
 namespace console {
 namespace {
 
+// What is neither printed nor opened of it.
+void TellLeftOut(Console* c, const DroppedPaths& dropped) {
+  const std::string what = dropped.others == 1
+                               ? Quoted(dropped.other)
+                               : NumberText(dropped.others) + " of what was dropped";
+  if (dropped.others > 0) Tell(c, false, what + " cannot be printed: " + dropped.trouble);
+  const bool opens = dropped.files.empty();
+  const int folders = int(dropped.folders.size()) - opens;
+  if (folders > 0)
+    Tell(c, false,
+         NumberOf(folders, opens ? "other folder is" : "folder is",
+                  opens ? "other folders are" : "folders are") +
+             (opens ? " not opened" : " not printed: dropped alone, a folder is opened"));
+}
+
 void QueueDropped(Console* c, const DroppedPaths& dropped) {
   if (c->asking) return;
-  const int folders = int(dropped.folders.size());
+  TellLeftOut(c, dropped);
   if (dropped.files.empty()) {
-    if (folders > 0) return EnterFolder(c, dropped.folders.front(), "");
-    return Tell(c, false, "What was dropped cannot be printed: " + dropped.trouble);
+    if (!dropped.folders.empty()) EnterFolder(c, dropped.folders.front(), "");
+    return;
   }
   if (const std::string why = WhyNotPrint(c); !why.empty()) return TellWhy(c, why);
   const PrintOrder usual = UsualOrder(c);
@@ -24,7 +39,7 @@ void QueueDropped(Console* c, const DroppedPaths& dropped) {
     order.document = LastName(file.path);
     order.size = file.size;
   }
-  SendOrders(c, std::move(orders), folders + dropped.others);
+  SendOrders(c, std::move(orders), 0);
 }
 
 void TakeDropped(void* data, int taken) {
@@ -54,9 +69,10 @@ void TakeDocuments(Console* c) {
 }
 
 void OpenFiles(Console* c, const FilesToOpen& files) {
-  const auto& [found, missing] = files;
+  const auto& [found, missing, devices] = files;
   ShowDocuments(c, found);
-  if (found.empty() && !missing.empty()) ShowFolderOf(c, missing.front());
+  const bool leads = found.empty() && !missing.empty() && ParentPath(missing.front()) != "/";
+  if (leads) ShowFolderOf(c, missing.front());
   std::vector<std::string> names;
   for (const std::string& path : missing) names.push_back(LastName(path));
   if (!names.empty()) Tell(c, false, MissingText(names));

@@ -16,7 +16,7 @@ XwWindow *close_button, *keep_button;
 Console* asker;
 
 const char* MoreWords(const Unsent& unsent) {
-  if (unsent.failed == 0) return "The window closes by itself as soon as everything is sent.";
+  if (unsent.failed == 0) return "Without an answer, the window closes when all is sent.";
   return unsent.waiting == 0 ? "The queue says why. What is not sent is not printed."
                              : "The queue says why. The others are still to be sent.";
 }

@@ -1,4 +1,6 @@
 // What is kept of the window between two runs.
+#include <algorithm>
+
 #include "app/window/console.h"
 #include "app/window/queue_commands.h"
 
@@ -13,6 +15,8 @@ Preferences Now(const Console* c) {
   Preferences p = c->remembered.preferences;
   p.window_width = c->window->width;
   p.window_height = c->window->height;
+  p.window_left = std::max(0, int(c->window->x));
+  p.window_top = std::max(0, int(c->window->y));
   p.file_columns = c->files.table.AskedWidths();
   p.queue_columns = c->queue.table.AskedWidths();
   NotePanes(c, &p);
@@ -20,7 +24,7 @@ Preferences Now(const Console* c) {
   p.printer = c->choice.printer;
   p.file_order = int(c->files.folder.order());
   p.files_descending = c->files.folder.descending();
-  p.hidden_names = c->files.folder.rows().shows_hidden();
+  p.hidden_names = c->files.folder.rows().shows_hidden() && !c->hidden_for_now;
   p.file_filter = c->files.FilterText();
   const QueueFilter& filter = c->queue.rows.filter();
   p.queue_order = int(c->queue.rows.order());

@@ -15,6 +15,8 @@ struct ServerStart {
 
 namespace {
 
+constexpr char kStarting[] = "server start";  // of what takes a while
+
 using Shared = std::shared_ptr<ServerStart>;
 
 void Take(void* data, int taken) {
@@ -22,6 +24,7 @@ void Take(void* data, int taken) {
   Console* c = (*start)->console;
   if (!taken || !c) return;
   c->server_start.reset();
+  c->status.Progress(kStarting, "");
   Tell(c, (*start)->result.started, (*start)->result.message);
   c->server.Refresh();
   DrawConsole(c);
@@ -71,7 +74,8 @@ void StartServer(Console* c) {
   BackgroundTask task([start, server] { Run(start, server); });
   if (task.failed()) return Tell(c, false, "A print server cannot be started now");
   c->server_start = start;
-  Tell(c, true, "Starting a print server…");
+  c->status.Progress(kStarting, "Starting a print server…");
+  c->damage |= kStatusPane;
 }
 
 void ForgetServerStart(Console* c) {

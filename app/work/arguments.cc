@@ -47,9 +47,12 @@ std::string Resolved(const std::string& path) {
   return folder.empty() ? path : (fs::path(folder) / whole.filename()).string();
 }
 
-bool IsMissing(const std::string& path) {
+void LookAt(const std::string& path, FilesToOpen* out) {
   struct stat s {};
-  return stat(path.c_str(), &s) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ELOOP);
+  const bool known = stat(path.c_str(), &s) == 0;
+  const bool missing = !known && (errno == ENOENT || errno == ENOTDIR || errno == ELOOP);
+  (missing ? out->missing : out->found).push_back(path);
+  if (known && !S_ISREG(s.st_mode) && !S_ISDIR(s.st_mode)) out->devices.push_back(path);
 }
 
 }  // namespace
@@ -90,10 +93,7 @@ FilesToOpen LookForFiles(const std::vector<std::string>& files, int ms) {
   if (files.empty()) return usual;
   const auto looked = std::make_shared<FilesToOpen>();
   const BackgroundTask task([looked, paths = usual.found] {
-    for (const std::string& path : paths) {
-      const std::string resolved = Resolved(path);
-      (IsMissing(resolved) ? looked->missing : looked->found).push_back(resolved);
-    }
+    for (const std::string& path : paths) LookAt(Resolved(path), looked.get());
   });
   return task.WaitFor(ms) && !task.failed() ? *looked : usual;
 }

@@ -17,6 +17,7 @@ Arguments ReadArguments(int count, const char* const* words);
 // Files by their absolute paths, bytes.
 struct FilesToOpen {
   std::vector<std::string> found, missing;
+  std::vector<std::string> devices = {};  // of those that were found: neither a file nor a folder
 };
 
 // Looks for the files below the current folder. A file system that does not answer within `ms`

@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "app/format/words.h"
+#include "app/model/folder.h"
 
 namespace console {
 
@@ -13,14 +14,19 @@ DroppedPaths LookAtDropped(const std::vector<std::string>& paths) {
   DroppedPaths out;
   for (const std::string& path : paths) {
     struct stat s {};
-    const bool known = stat(path.c_str(), &s) == 0;
+    const bool elsewhere = path[0] != '/';
+    const bool known = !elsewhere && stat(path.c_str(), &s) == 0;
     if (known && S_ISDIR(s.st_mode)) {
       out.folders.push_back(path);
     } else if (known && S_ISREG(s.st_mode) && access(path.c_str(), R_OK) == 0) {
       out.files.push_back({path, s.st_size});
     } else {
       const bool device = known && !S_ISREG(s.st_mode);
-      if (out.others++ == 0) out.trouble = device ? "it is no file" : TroubleText(errno);
+      if (out.others++ > 0) continue;
+      out.trouble = device      ? "it is no file"
+                    : elsewhere ? "it is not on this computer"
+                                : TroubleText(errno);
+      out.other = elsewhere ? path : LastName(path);
     }
   }
   return out;

@@ -13,8 +13,8 @@ struct DroppedPaths {
   };
   std::vector<File> files;
   std::vector<std::string> folders;
-  int others = 0;       // devices, what is gone, what may not be read
-  std::string trouble;  // of the first of those, why
+  int others = 0;              // devices, what is gone, what may not be read
+  std::string other, trouble;  // the name of the first of those, and why
 };
 
 // Looks at each; may hang.

@@ -50,7 +50,7 @@ bool LookAt(const std::string& path, FolderReading* r) {
   struct stat s {};
   if (stat(path.c_str(), &s) == 0) {
     if (S_ISDIR(s.st_mode)) return true;
-    ++r->documents;
+    S_ISREG(s.st_mode) ? void(++r->documents) : r->devices.push_back(LastName(path));
   } else if (errno == ENOENT || errno == ENOTDIR) {
     r->missing.push_back(LastName(path));
   }
@@ -60,8 +60,10 @@ bool LookAt(const std::string& path, FolderReading* r) {
 int ListAroundDocument(FolderReading* r) {
   const std::string& path = r->request.path;
   const bool folder = LookAt(path, r);
-  for (const std::string& other : r->request.others) LookAt(other, r);
+  for (const std::string& other : r->request.others) r->folders += LookAt(other, r);
   if (folder) return List(path, r);
+  // Where none of them is, the folder that is shown is as good as any.
+  if (r->documents + r->folders == 0 && r->devices.empty() && !r->missing.empty()) return ENOENT;
   r->select = LastName(path);
   return List(ParentPath(path), r);
 }

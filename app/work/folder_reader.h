@@ -32,6 +32,8 @@ struct FolderReading {
   std::string select;                            // the name to select there
   std::vector<std::string> missing = {};         // of the documents: names that are not there
   int documents = 0;                             // those that are, without folders
+  std::vector<std::string> devices = {};         // those that are neither: names
+  int folders = 0;                               // that were named beside a first one
   int64_t free = -1, room = -1;                  // bytes on its volume, -1 when not known
 };
 

@@ -16,12 +16,13 @@ bool LeadsUpwards(const char* name) {
   return strcmp(name, ".") == 0 || strcmp(name, "..") == 0;
 }
 
-// It is there and cannot be looked at, or is a link that leads nowhere. What is gone by now was
-// only removed.
-bool CannotBeLookedAt(int folder, const char* name) {
+// It is there and cannot be looked at, is a link that leads nowhere, or neither a file nor a
+// folder. What is gone by now was only removed.
+bool CannotBeRead(int folder, const char* name) {
   struct stat s {};
   if (fstatat(folder, name, &s, AT_SYMLINK_NOFOLLOW) != 0) return errno != ENOENT;
-  return S_ISLNK(s.st_mode) && fstatat(folder, name, &s, 0) != 0;
+  if (S_ISLNK(s.st_mode) && fstatat(folder, name, &s, 0) != 0) return true;
+  return !S_ISREG(s.st_mode) && !S_ISDIR(s.st_mode);
 }
 
 // Calls `look` with each name of the folder.
@@ -47,7 +48,7 @@ UnreadEntries CountUnreadEntries(const char* path, const OS_ListEntryN* entries,
   if (named > size_t(known)) {
     for (int i = 0; i < count; ++i) listed.insert(entries[i].name);
     ForEachName(folder, [&](const char* name) {
-      if (listed.count(name) == 0 && CannotBeLookedAt(dirfd(folder), name))
+      if (listed.count(name) == 0 && CannotBeRead(dirfd(folder), name))
         ++(name[0] == '.' ? unread.hidden : unread.plain);
     });
   }

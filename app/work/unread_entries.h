@@ -1,5 +1,5 @@
-// Entries that a listing lacks because the system does not let anyone look at them: in a folder
-// that may be read but not entered, every one.
+// Entries that a listing lacks because the system does not let anyone look at them (in a folder
+// that may be read but not entered, every one), or because they are devices and pipes.
 #pragma once
 #include "app/model/folder_rows.h"
 

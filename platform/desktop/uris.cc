@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace platform {
 
 namespace {
@@ -44,14 +46,28 @@ std::string LocalPathOfUri(std::string_view uri) {
   return path;
 }
 
-std::vector<std::string> LocalPaths(std::string_view list) {
+namespace {
+
+// Of something that is no local file.
+bool IsAddressElsewhere(std::string_view text) {
+  const size_t colon = text.find("://");
+  if (colon == 0 || colon == std::string_view::npos) return false;
+  return std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 127; });
+}
+
+}  // namespace
+
+std::vector<std::string> PathsAndAddresses(std::string_view list) {
   std::vector<std::string> paths;
   while (!list.empty()) {
     const size_t end = list.find_first_of("\r\n");
     const std::string_view line = list.substr(0, end);
     list = end == std::string_view::npos ? std::string_view() : list.substr(end + 1);
     if (line.empty() || line.front() == '#') continue;
-    if (std::string path = LocalPathOfUri(line); !path.empty()) paths.push_back(std::move(path));
+    if (std::string path = LocalPathOfUri(line); !path.empty())
+      paths.push_back(std::move(path));
+    else if (IsAddressElsewhere(line))
+      paths.emplace_back(line);
   }
   return paths;
 }

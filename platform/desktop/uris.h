@@ -9,8 +9,8 @@ namespace platform {
 // The path of `file:///path` (or with this machine's name as host), percent signs decoded. Empty
 // for any other scheme or host, a relative path, and bytes that no path can hold.
 std::string LocalPathOfUri(std::string_view uri);
-// The local paths in a list of addresses, one a line; comments begin with #. Other addresses are
-// left out.
-std::vector<std::string> LocalPaths(std::string_view list);
+// A list of addresses, one a line; comments begin with #. Local files by their paths, what lies
+// elsewhere ("http://host/a") by its address; what is no address is left out.
+std::vector<std::string> PathsAndAddresses(std::string_view list);
 
 }  // namespace platform

@@ -103,6 +103,7 @@ struct KeyFields {
   uint8_t character;          // of the toolkit's set; 0 none
   char text[kTypedText + 1];  // UTF-8 that it typed, cut between characters; "" for a release
   bool ignored;               // a handler wants the platform to do nothing with it
+  bool held_before;           // modifiers: held already as the window got the keyboard
 };
 struct BoundsFields {
   Rect original, current;  // content, global

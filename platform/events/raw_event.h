@@ -18,7 +18,7 @@ struct RawEvent {
     kKeyDown,
     kKeyRepeat,
     kKeyUp,      // keycode, keysym, base_keysym, unicode, typed, modifiers
-    kModifiers,  // modifiers
+    kModifiers,  // modifiers, held
     // root_x, root_y: the buffer's corner; width, height: its size; scale: what it has there, 0 as
     // before
     kConfigure,
@@ -59,7 +59,9 @@ struct RawEvent {
   uint32_t unicode = 0;  // 0: none
   // UTF-8 that the key typed where it is more than that one character; else "".
   char typed[kTypedText + 1] = {};
-  uint32_t held = 0;  // buttons that are still down, bit n for button n
+  // Buttons that are still down, bit n for button n. Of kModifiers: 1 when they were held already
+  // as the window got the keyboard.
+  uint32_t held = 0;
   uint32_t state = 0;
   double scale = 0;
   DeviceRect frame;

@@ -104,8 +104,8 @@ void Key(const RawEvent& raw, WindowRef w, uint32_t kind) {
   Event e(kEventClassKeyboard, kind, w);
   e.time = raw.time;
   MacKey key = LookUpKey(raw.keysym, raw.base_keysym, raw.unicode, raw.modifiers);
-  e.key = {key.key_code, raw.modifiers, raw.keysym, raw.base_keysym,
-           raw.keycode,  key.character, {},         false};
+  e.key = {key.key_code, raw.modifiers, raw.keysym,   raw.base_keysym, raw.keycode, key.character,
+           {},           false,         raw.held != 0};
   const bool types = kind == kEventRawKeyDown || kind == kEventRawKeyRepeat;
   if (types) CopyUtf8(TypedText(raw), e.key.text, sizeof e.key.text);
   main_event_queue.Push(e);

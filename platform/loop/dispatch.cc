@@ -16,6 +16,8 @@
 namespace platform {
 namespace {
 
+uint32_t held_modifiers;
+
 // Releases whose window has ended are the application's.
 bool BelongsToWindow(const Event& e) {
   const bool of_window =
@@ -27,6 +29,7 @@ bool BelongsToWindow(const Event& e) {
 OSStatus Dispatch(HandlerCall*, Event* event, void*) {
   if (lone_alt_waits) [[unlikely]]
     WatchLoneAlt(*event);
+  NoteModifiers(*event);
   if (AskTracker(event) != Tracking::kTake) return DispatchEvent(event);
   ReleaseEvent(event);
   return noErr;
@@ -61,7 +64,17 @@ OSStatus DispatchEvent(Event* event) {
   return status;
 }
 
+void NoteModifiers(const Event& event) {
+  if (event.cls == kEventClassKeyboard && event.kind == kEventRawKeyModifiersChanged)
+    held_modifiers = event.key.modifiers;
+}
+
+uint32_t HeldModifiers() {
+  return held_modifiers;
+}
+
 void InitDispatch() {
+  held_modifiers = 0;
   constexpr EventKind kAll[] = {{0, 0}};
   constexpr EventKind kRequests[] = {{kEventClassAppleEvent, kEventAppleEvent}};
   InstallEventHandler(GetEventDispatcherTarget(), Dispatch, kAll, 1, nullptr);

@@ -75,6 +75,7 @@ WaitEnd WaitTracking(Tracker* tracker, bool (*done)(void* data), double timeout)
       continue;
     }
     const Tracking answer = AskTracker(&e);
+    if (answer != Tracking::kLater) NoteModifiers(e);
     if (answer == Tracking::kLater)
       wait.Defer(e);
     else if (answer == Tracking::kPass)

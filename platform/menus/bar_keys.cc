@@ -41,7 +41,8 @@ void ShowLetters(bool shown) {
 // Alt alone opens the bar: pressed and released in one window, with no input between.
 void Modifiers(const Event& e) {
   const bool alt = e.key.modifiers & kAlt;
-  const bool alone = alt && !(e.key.modifiers & kOtherModifiers);
+  // One that was held before has to do with another window: it is that of Alt+Tab.
+  const bool alone = alt && !(e.key.modifiers & kOtherModifiers) && !e.key.held_before;
   if (alone) {
     alt_in = e.window;
     lone_alt_waits = true;

@@ -449,7 +449,7 @@ TEST_F(EndToEnd, DocumentsAreOpenedDroppedAndSentBeforeTheEnd) {
   ASSERT_TRUE(mia.Do(R"(
     see file a b.txt is selected
     see file c.txt is selected
-    see status Message = gone.txt: no such file or folder
+    see status Message = “gone.txt”: no such file or folder
     click button Dismiss Message
     keys Control+p
     see job a b.txt = printed

@@ -100,6 +100,7 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   for (const char* text : {"lost", "lost", "gone"}) notices.Tell({Tone::kBad, text}, 8000);
   notices.Tell({Tone::kWarning, "not moved"}, 8000);
   notices.Tell({Tone::kGood, "cancelled"}, 8000);
+  EXPECT_EQ(notices.Passing(9000).text, "cancelled");
   for (const char* text : {"no file is selected", "no job is selected"}) notices.TellReason(text);
   EXPECT_EQ(notices.Shown(1000000).text, "no job is selected (and 3 more)");
   for (int times = 0; times < 2; ++times) notices.PassReason();

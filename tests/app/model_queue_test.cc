@@ -147,14 +147,18 @@ TEST(QueueVerbs, SayWhyNot) {
             "The jobs are not in the queue any more");
   EXPECT_EQ(CheckVerb(Verb::kHold, rows, printed_and_gone, pending, true).why_not,
             "None of the jobs can be held");
-  pending.Begin(Id(2).job, Verb::kRemove, 0);
-  EXPECT_EQ(why(Verb::kHold, Id(2)), "A change of the job is under way");
-  // Those for which it is possible are taken.
-  EXPECT_EQ(CheckVerb(Verb::kHold, rows, {Id(1), Id(2), Id(3)}, pending, true).on,
-            std::vector<QueueId>{Id(3)});
   const VerbCheck hold = CheckVerb(Verb::kHold, rows, {Id(1), {1, {}}, Id(3)}, pending, true);
   EXPECT_EQ(hold.left_out, 2);
   EXPECT_EQ(hold.why_left_out, "The job is printed");
+  // Those for which it is possible are taken; none is left out only because it is being changed.
+  auto hold_all = [&] {
+    return CheckVerb(Verb::kHold, rows, {Id(1), Id(2), Id(3)}, pending, true);
+  };
+  EXPECT_EQ(hold_all().on, (std::vector<QueueId>{Id(2), Id(3)}));
+  pending.Begin(Id(2).job, Verb::kRemove, 0);
+  EXPECT_EQ(why(Verb::kHold, Id(2)), "A change of the job is under way");
+  EXPECT_EQ(hold_all().why_not, "1 job is still being changed");
+  EXPECT_FALSE(hold_all().possible());
   // One that somebody else has removed is told by its name.
   jobs.erase(jobs.begin() + 1);
   rows.Show(std::make_shared<std::vector<NC_Job>>(jobs), {});

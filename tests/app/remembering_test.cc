@@ -84,16 +84,16 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   OpenFiles(c_, {{}, {home_.At("Empty/gone.pdf")}});
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
-  EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
+  EXPECT_EQ(c_->status.message().text, "“gone.pdf”: no such file or folder");
   c_->status.ReadMessage();
   OpenFiles(c_, {{home_.At(std::string(kFolder) + "/second.txt")}, {home_.At("gone.pdf")}});
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(Selected(), "second.txt");
-  EXPECT_EQ(c_->status.message().text, "gone.pdf: no such file or folder");
+  EXPECT_EQ(c_->status.message().text, "“gone.pdf”: no such file or folder");
   c_->status.ReadMessage();
   display::OpenFiles({home_.At("Empty"), home_.At("gone.pdf"), home_.At("g 2.pdf")}, true);
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
-  EXPECT_EQ(c_->status.message().text, "2 files are missing: gone.pdf, g 2.pdf");
+  EXPECT_EQ(c_->status.message().text, "2 files are missing: “gone.pdf”, “g 2.pdf”");
 }
 
 // What another program asks to open is selected, also what is hidden; what is dropped is queued,
@@ -113,7 +113,8 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 2; }));
   EXPECT_EQ(c_->state.transfers[0].order.path, home_.At("b.pdf"));
   EXPECT_EQ(c_->state.transfers[0].size, 1);
-  EXPECT_EQ(c_->status.message().text.rfind("2 documents queued, 2 left out", 0), 0u);
+  // What is left out stays to be read.
+  EXPECT_EQ(c_->status.message().text.rfind("“gone” cannot be printed", 0), 0u);
   Turn(2);
   const XwWindow* cancel = c_->status.cancel_queued;
   Click({cancel->x, cancel->y, cancel->width, cancel->height});

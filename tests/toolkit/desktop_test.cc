@@ -1,6 +1,7 @@
 // What the desktop does to windows and asks of the program.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 
 #include "tests/toolkit/stage.h"
@@ -193,7 +194,7 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
   on_event = nullptr;
   seen.clear();
   TakeRefusal();
-  std::string longest = "/" + std::string(398, 'x');
+  std::string longest = "/" + std::string(PATH_MAX - 2, 'x');
   input::OpenFile((longest + "x").c_str());
   EXPECT_EQ(RunTrace(), "");
   EXPECT_EQ(TakeRefusal(), Refusal::kPathTooLong);
@@ -224,7 +225,7 @@ TEST(Desktop, ARequestHasAllItsDocuments) {
     all.push_back(Inp.param ? "asked" : "dropped");
     all.push_back(reinterpret_cast<const char*>(Inp.value));
   };
-  const std::string longer(500, 'x');
+  const std::string longer(PATH_MAX, 'x');
   input::OpenFiles({"/a", "/two\nlines\\", "/\xff"}, false);
   input::OpenFiles({"/" + longer, "/c"}, true);
   input::OpenFiles({}, true);

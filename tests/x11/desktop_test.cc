@@ -38,8 +38,9 @@ TEST(Uris, OnlyLocalFilesHavePaths) {
   };
   for (const Row& row : kRows) EXPECT_EQ(LocalPathOfUri(row.uri), row.path) << row.uri;
   using Paths = std::vector<std::string>;
-  EXPECT_EQ(LocalPaths("#c\r\n\r\nfile:///b\r\nhttp://a/b\nfile:///c"), (Paths{"/b", "/c"}));
-  EXPECT_EQ(LocalPaths("#only"), Paths());
+  EXPECT_EQ(PathsAndAddresses("#c\r\n\r\nfile:///b\r\nhttp://a/b\nfile:///c\nno address"),
+            (Paths{"/b", "http://a/b", "/c"}));
+  EXPECT_EQ(PathsAndAddresses("#only"), Paths());
 }
 
 TEST(BusName, ComesFromTheSession) {

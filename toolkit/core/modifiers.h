@@ -20,3 +20,8 @@ inline uint32_t ModifierBits(uint32_t modifiers) {
     if (modifiers & row.platform) state |= row.state;
   return state;
 }
+
+// Inp.state gets these modifiers, and keeps its buttons.
+inline void SetModifiers(uint32_t modifiers) {
+  Inp.state = (Inp.state & XWS_BUTTONS) | ModifierBits(modifiers);
+}

@@ -54,9 +54,6 @@ struct CurrentColors {
   uint32_t fill, stroke, oval;  // 0xRRGGBB
 };
 
-constexpr size_t kPathSize = 400;
-constexpr int kPaths = 16;  // that may wait to be opened at once
-
 struct State {
   platform::PointerSet* live = nullptr;  // records that are alive; null while there are none
   const XwWindow* last_found = nullptr;  // the record that was asked about last, when it is alive
@@ -64,15 +61,13 @@ struct State {
   Refusal refusal = Refusal::kNone;      // the latest
   CurrentColors colors{};
   const Modal* innermost_wait = nullptr;
-  Described* described = nullptr;      // what programs say of what they draw; null while there is
-                                       // none
-  Tips* tips = nullptr;                // null while there are none
-  bool polled = false;                 // XwGetEvent has been called
-  int64_t last_poll = 0;               // microseconds
-  int32_t last_click_item = -1;        // of XwDoubleClick
-  platform::Point last_pen{-1, -1};    // the place of the latest sample of a pen
-  char paths[kPaths][kPathSize] = {};  // documents to open, a ring
-  unsigned next_path = 0;
+  Described* described = nullptr;    // what programs say of what they draw; null while there is
+                                     // none
+  Tips* tips = nullptr;              // null while there are none
+  bool polled = false;               // XwGetEvent has been called
+  int64_t last_poll = 0;             // microseconds
+  int32_t last_click_item = -1;      // of XwDoubleClick
+  platform::Point last_pen{-1, -1};  // the place of the latest sample of a pen
 };
 extern constinit State state;
 

@@ -15,6 +15,7 @@
 #include "toolkit/events/cursors.h"
 #include "toolkit/events/documents.h"
 #include "toolkit/events/keyboard.h"
+#include "toolkit/events/loop.h"
 #include "toolkit/events/session.h"
 #include "toolkit/target/clip.h"
 #include "toolkit/target/selection.h"
@@ -153,8 +154,11 @@ OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
       break;
     case kEventWindowFocusAcquired:
       TakeFocus(w);
+      if (ModalKeepsOut(w)) SelectModal();
       break;
     case kEventWindowActivated:
+      if (ModalKeepsOut(w)) SelectModal();
+      [[fallthrough]];
     case kEventWindowDeactivated:
       PostActivity(w);
       return eventNotHandledErr;
@@ -204,16 +208,12 @@ OSStatus EVapple_func(const Event* event) {
   // One event with the first document that fits, however many there are: XwDroppedFiles has all.
   const RequestFields& asked = event->request;
   int first = 0;
-  while (first < asked.file_count && strlen(asked.files[first]) >= toolkit::kPathSize) ++first;
+  while (first < asked.file_count && strlen(asked.files[first]) >= kPathSize) ++first;
   if (first == asked.file_count) {
     if (first > 0) Refuse(Refusal::kPathTooLong);
     return noErr;
   }
-  const char* path = asked.files[first];
-  const size_t length = strlen(path);
-  char* file = state.paths[state.next_path++ % toolkit::kPaths];
-  memcpy(file, path, length + 1);
-  KeepDocuments(file, asked.files, asked.file_count);
+  char* file = KeepDocuments(asked.files[first], asked.files, asked.file_count);
   if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, asked.id == kOpenAsked);
   return noErr;
 }

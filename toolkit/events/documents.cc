@@ -1,41 +1,41 @@
 #include "toolkit/events/documents.h"
 
+#include <cstring>
 #include <string>
 #include <vector>
 
-#include "toolkit/core/state.h"
 #include "toolkit/xw.h"
 
 namespace {
 
 struct Documents {
-  const char* value = nullptr;  // of the event
+  char value[kPathSize] = "";  // of the event
   std::vector<std::string> paths;
   std::vector<const char*> pointers;
 };
-// As many requests as may wait.
+constexpr unsigned kRequests = 16;  // that may wait at once
 Documents& Kept(unsigned n) {
-  static auto* kept = new Documents[toolkit::kPaths];
-  return kept[n % toolkit::kPaths];
+  static auto* kept = new Documents[kRequests];
+  return kept[n % kRequests];
 }
 unsigned next_kept;
 
 }  // namespace
 
-void KeepDocuments(const char* value, const char* const* files, int count) {
+char* KeepDocuments(const char* first, const char* const* files, int count) {
   Documents& d = Kept(next_kept++);
-  d.value = value;
+  memcpy(d.value, first, strlen(first) + 1);
   d.paths.assign(files, files + count);
   d.pointers.clear();
   for (const std::string& path : d.paths) d.pointers.push_back(path.c_str());
+  return d.value;
 }
 
 extern "C" const char* const* XwDroppedFiles(int* count) {
   if (count) *count = 0;
   if (Inp.type != XWE_OPEN || !Inp.value) return nullptr;
-  // Of two with the same buffer the newer one counts.
-  for (unsigned n = 0; n < unsigned(toolkit::kPaths); ++n) {
-    Documents& d = Kept(next_kept + toolkit::kPaths - 1 - n);
+  for (unsigned n = 0; n < kRequests; ++n) {
+    Documents& d = Kept(n);
     if (d.value != reinterpret_cast<const char*>(Inp.value)) continue;
     if (count) *count = int(d.pointers.size());
     return d.pointers.data();

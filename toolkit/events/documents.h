@@ -1,5 +1,10 @@
 // The documents of open requests (798).
 #pragma once
+#include <climits>
+#include <cstddef>
 
-// Keeps them for XwDroppedFiles while the event that has this path as its value is handled.
-void KeepDocuments(const char* value, const char* const* files, int count);
+constexpr size_t kPathSize = PATH_MAX;  // bytes, with the zero
+
+// Keeps them for XwDroppedFiles, and `first`, which is shorter than kPathSize, as the value of the
+// event in which they come: until as many later requests as may wait have come.
+char* KeepDocuments(const char* first, const char* const* files, int count);

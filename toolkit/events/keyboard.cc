@@ -1,5 +1,6 @@
 #include "toolkit/events/keyboard.h"
 
+#include "platform/loop/dispatch.h"
 #include "toolkit/core/modifiers.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/state.h"
@@ -43,10 +44,6 @@ int MapKey(uint32_t key_code, uint8_t character) {
   return 0;
 }
 
-void SetModifiers(uint32_t modifiers) {
-  Inp.state = (Inp.state & XWS_BUTTONS) | ModifierBits(modifiers);
-}
-
 void ChangeModifiers(uint32_t modifiers) {
   SetModifiers(modifiers);
   Inp.window = Inp.focus;
@@ -62,6 +59,7 @@ OSStatus EVkeyboard_func(HandlerCall*, Event* event, void* window) {
     ChangeModifiers(event->key.modifiers);
     return eventNotHandledErr;
   }
+  SetModifiers(HeldModifiers());  // a copied record may have brought older ones
   if (event->kind == kEventRawKeyDown) EndTip();
   int code = MapKey(event->key.key_code, event->key.character);
   if (!code) return eventNotHandledErr;

@@ -131,9 +131,13 @@ bool ModalKeepsOutNative(const Window* native) {
   return false;
 }
 
+void SelectModal() {
+  if (const Modal* m = state.innermost_wait) m->Select();
+}
+
 void RefusePress() {
   XwBeep();
-  if (const Modal* m = state.innermost_wait) m->Select();
+  SelectModal();
 }
 
 void XwRunEventLoop() {

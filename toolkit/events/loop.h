@@ -10,6 +10,8 @@ bool WaitKeepsOut(XwWindow* w);
 // Whether a wait for another window keeps events from this one; a wait that dispatches nothing does
 // not count.
 bool ModalKeepsOut(XwWindow* w);
+// The window that is waited for comes to the front and has the keyboard.
+void SelectModal();
 // What a press in such a window does: a beep, and the window that is waited for comes to the front
 // and has the keyboard, lest the user loses it from sight.
 void RefusePress();

@@ -4,6 +4,7 @@
 
 #include "platform/events/context_key.h"
 #include "platform/input/translate.h"
+#include "platform/loop/dispatch.h"
 #include "platform/loop/tracking.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/grab.h"
@@ -38,9 +39,9 @@ void OpenRequestedContext() {
   const XwEvent before = Inp;
   Inp.window = w;
   w->context_menu_handler();
-  // The key is still to be delivered. The release of its Shift has gone to the menu.
+  // The key is still to be delivered. The release of its Shift may have gone to the menu.
   Inp = before;
-  Inp.state &= ~uint32_t{XWS_SHIFT};
+  SetModifiers(HeldModifiers());
   if (!IsLive(Inp.window)) Inp.window = nullptr;
   if (!IsLive(Inp.focus)) Inp.focus = nullptr;
 }

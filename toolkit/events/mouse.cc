@@ -1,9 +1,11 @@
 #include "toolkit/events/mouse.h"
 
 #include "platform/controls/controls.h"
+#include "platform/loop/dispatch.h"
 #include "platform/windows/windows.h"
 #include "toolkit/core/alive.h"
 #include "toolkit/core/grab.h"
+#include "toolkit/core/modifiers.h"
 #include "toolkit/core/post.h"
 #include "toolkit/core/record.h"
 #include "toolkit/events/cursors.h"
@@ -171,6 +173,7 @@ XwWindow* FindVirtualWindow(XwWindow* w, int x, int y) {
 OSStatus EVmouse_func(HandlerCall*, Event* event, void* window) {
   auto* w = static_cast<XwWindow*>(window);
   Inp.pressure = 0;
+  SetModifiers(HeldModifiers());  // a copied record may have brought older ones
   if (event->kind == kEventMouseDown || event->kind == kEventMouseUp) {
     EndTip();
     return Button(w, *event);

@@ -51,16 +51,18 @@ bool TypesOfProperty(xcb_window_t source) {
 
 // The files of a list; of one that was cut the last address may be a part of one.
 std::vector<std::string> DroppedPaths() {
-  if (transfer.data.size() < kMaxBytes) return LocalPaths(transfer.data);
+  if (transfer.data.size() < kMaxBytes) return PathsAndAddresses(transfer.data);
   const size_t end = transfer.data.find_last_of("\r\n");
-  return LocalPaths(std::string_view(transfer.data).substr(0, end == std::string::npos ? 0 : end));
+  return PathsAndAddresses(
+      std::string_view(transfer.data).substr(0, end == std::string::npos ? 0 : end));
 }
 
-// Tells the source, and takes the files when there are any.
+// Tells the source whether there are files; the program gets what lies elsewhere too, to say so.
 void EndTransfer(bool arrived) {
   if (transfer.target == nullptr) return;
   const std::vector<std::string> paths = arrived ? DroppedPaths() : std::vector<std::string>();
-  const bool done = !paths.empty();
+  const bool done =
+      std::any_of(paths.begin(), paths.end(), [](const std::string& p) { return p[0] == '/'; });
   const uint32_t answer[5] = {transfer.target->id, done ? 1u : 0u, done ? Atom(kXdndActionCopy) : 0,
                               0, 0};
   SendClientMessage(transfer.source, transfer.source, kXdndFinished, answer, 0);
@@ -69,7 +71,7 @@ void EndTransfer(bool arrived) {
   Unwatch(transfer.source, kWatchEnd);
   drained_until = transfer.started + kMaxSeconds;
   transfer = Transfer{};
-  if (!done) return;
+  if (paths.empty()) return;
   x.paths.push_back(JoinPaths(paths));
   Emit(RawEvent::kOpenFile, nullptr);
 }

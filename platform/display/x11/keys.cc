@@ -186,7 +186,8 @@ Native* FocusedNative() {
   return nullptr;
 }
 
-void ReportModifiers(Native* n, xcb_timestamp_t time) {
+// `held`: since before the window got the keyboard.
+void ReportModifiers(Native* n, xcb_timestamp_t time, bool held = false) {
   const uint32_t now = Modifiers(k.state);
   if (now == k.reported || (n == nullptr && !k.orphaned)) return;
   k.reported = now;
@@ -194,7 +195,9 @@ void ReportModifiers(Native* n, xcb_timestamp_t time) {
     k.reported_to = n->w;
     k.orphaned = false;
   }
-  Emit(RawEvent::kModifiers, n, time)->modifiers = now;
+  RawEvent* e = Emit(RawEvent::kModifiers, n, time);
+  e->modifiers = now;
+  e->held = held;
 }
 
 void EmitKey(RawEvent::Type type, Native* n, uint8_t code, xcb_timestamp_t time) {
@@ -291,7 +294,7 @@ uint32_t Modifiers(uint32_t state) {
 void RefreshKeys(Native* n) {
   if (!x.late_done) return;
   ReleaseMissed(n);
-  ReportModifiers(n, 0);
+  ReportModifiers(n, 0, true);
 }
 
 void HandleKey(const xcb_key_press_event_t* e, bool press) {
