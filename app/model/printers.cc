@@ -21,8 +21,9 @@ bool IsLow(const std::vector<Supply>& supplies) {
                      [](const Supply& s) { return s.percent >= 0 && s.percent < kLittle; });
 }
 
+// One that prints on its last sheet has what it needs, so far.
 bool NeedsPaper(const NC_Printer& p) {
-  return p.state == NC_PRINTER_PAPER_OUT || p.paper == 0;
+  return p.state == NC_PRINTER_PAPER_OUT || (p.paper == 0 && p.state != NC_PRINTER_PRINTING);
 }
 
 }  // namespace
@@ -35,7 +36,7 @@ namespace {
 
 Tone DotOf(const NC_Printer& p, const std::vector<Supply>& supplies) {
   if (NeedsPaper(p) || p.reasons[0]) return Tone::kBad;
-  if (p.paused || !p.accepting || IsLow(supplies)) return Tone::kWarning;
+  if (p.paused || !p.accepting || p.paper == 0 || IsLow(supplies)) return Tone::kWarning;
   return p.state == NC_PRINTER_PRINTING ? Tone::kBusy : Tone::kGood;
 }
 

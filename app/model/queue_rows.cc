@@ -44,13 +44,6 @@ bool IsAtPrinter(NC_JobState state) {
   return state == NC_JOB_PRINTING || state == NC_JOB_PAPER_OUT;
 }
 
-bool LacksPaper(const NC_Job& job, const std::vector<NC_Printer>& printers) {
-  if (job.state != NC_JOB_PRINTING) return false;
-  return std::any_of(printers.begin(), printers.end(), [&job](const NC_Printer& p) {
-    return p.paper == 0 && std::string_view(p.name) == job.printer;
-  });
-}
-
 // The server draws ids at random; a server that does not gets slow look-ups and nothing else.
 size_t QueueIdHash::operator()(const QueueId& id) const {
   uint64_t half[2];
@@ -208,13 +201,12 @@ const Outgoing* QueueRows::OutgoingOf(const QueueId& id) const {
   return &outgoing_[size_t(it->second)];
 }
 
-std::string QueueRows::Summary(const std::vector<NC_Printer>& printers) const {
+std::string QueueRows::Summary() const {
   std::string text;
   auto add = [&](const std::string& part) { text += (text.empty() ? "" : ", ") + part; };
   if (jobs_) {
     int64_t counts[6] = {};
-    for (const NC_Job& job : *jobs_)
-      ++counts[LacksPaper(job, printers) ? NC_JOB_PAPER_OUT : job.state];
+    for (const NC_Job& job : *jobs_) ++counts[job.state];
     for (const NC_JobState state :
          {NC_JOB_WAITING, NC_JOB_PRINTING, NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
       if (counts[state]) add(NumberText(counts[state]) + " " + nc::JobStateText(state));

@@ -101,7 +101,7 @@ class QueueRows {
   bool InPrintOrder() const { return order_ == QueueOrder::kPrint && !descending_; }
 
   // "5 waiting, 1 printing, 2 held", what needs someone, and how many a filter leaves; "empty".
-  std::string Summary(const std::vector<NC_Printer>& printers = {}) const;
+  std::string Summary() const;
   // As of FolderRows.
   bool leaves_out() const { return count() < int(row_of_.size()); }
   std::string NoteText() const;
@@ -139,7 +139,5 @@ class QueueRows {
 bool HasEnded(NC_JobState state);
 // At its printer, so that only its priority can be changed there.
 bool IsAtPrinter(NC_JobState state);
-// It is being printed by one of these that has no paper behind its present sheet.
-bool LacksPaper(const NC_Job& job, const std::vector<NC_Printer>& printers);
 
 }  // namespace console

@@ -33,17 +33,16 @@ std::string Shortened(const ProgressPart& progress, const NC_Job& job) {
 
 }  // namespace
 
-RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending, bool lacks_paper) {
-  const NC_JobState state = lacks_paper ? NC_JOB_PAPER_OUT : job.state;
-  const StateLook& look = kLooks[state];
-  RowWords words{nc::JobStateText(state), look.text, look.dot, {}};
+RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending) {
+  const StateLook& look = kLooks[job.state];
+  RowWords words{nc::JobStateText(job.state), look.text, look.dot, {}};
   if (pending) {
     words.text = UnderWayText(*pending);
     words.tone = Tone::kMuted;
     return words;
   }
   if (IsAtPrinter(job.state)) words.progress = ProgressOf(job);
-  if (state == NC_JOB_PAPER_OUT && words.progress.whole > 0)
+  if (job.state == NC_JOB_PAPER_OUT && words.progress.whole > 0)
     words.progress.text = Shortened(words.progress, job) + ", " + words.text;
   std::string why = Shown(nc::ReasonsText(job.reasons));
   // The server's own words for a failure say more than its keyword.
@@ -110,9 +109,9 @@ void AddHistory(const NC_Job& job, int64_t now, Facts* facts) {
 
 }  // namespace
 
-std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now, bool lacks_paper) {
+std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   Facts facts;
-  const RowWords words = WordsOfJob(job, std::nullopt, lacks_paper);
+  const RowWords words = WordsOfJob(job, std::nullopt);
   facts.Add("Document", Shown(job.document));
   facts.Add("State", words.text, words.tone);
   facts.Add("Owner", Shown(job.owner));
@@ -148,13 +147,12 @@ std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now) {
   return facts.All();
 }
 
-std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids,
-                                 const std::vector<NC_Printer>& printers) {
+std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids) {
   int64_t jobs = 0, sending = 0, bytes = 0, states[6] = {};
   for (const QueueId& id : ids) {
     const NC_Job* job = rows.JobOf(id);
     const Outgoing* out = rows.OutgoingOf(id);
-    if (job) ++jobs, ++states[LacksPaper(*job, printers) ? NC_JOB_PAPER_OUT : job->state];
+    if (job) ++jobs, ++states[job->state];
     sending += out != nullptr;
     bytes += job ? job->size : out ? out->size : 0;
   }

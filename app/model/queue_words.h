@@ -24,8 +24,8 @@ struct RowWords {
   bool HasBar() const { return progress.whole > 0; }
   const std::string& ShownText() const { return HasBar() ? progress.text : text; }
 };
-// `pending` is what is being done to it; for `lacks_paper` see LacksPaper.
-RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending, bool lacks_paper = false);
+// `pending` is what is being done to it.
+RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending);
 RowWords WordsOfOutgoing(const Outgoing& out);
 
 // Documents that the server does not have: those that will be sent, and those whose sending failed.
@@ -42,10 +42,9 @@ struct Fact {
   Tone tone = Tone::kPlain;
 };
 // What is known of it, each once, without what is not.
-std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now, bool lacks_paper = false);
+std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now);
 std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now);
 // Of several together.
-std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids,
-                                 const std::vector<NC_Printer>& printers = {});
+std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids);
 
 }  // namespace console

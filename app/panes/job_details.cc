@@ -12,10 +12,9 @@ constexpr int kSwatchHeight = 14, kSwatchWidth = 44;
 
 std::vector<Fact> FactsOf(const QueuePane& queue) {
   const std::vector<QueueId> ids = queue.Selected();
-  if (ids.size() > 1) return FactsOfSeveral(queue.rows, ids, *queue.state.printers);
+  if (ids.size() > 1) return FactsOfSeveral(queue.rows, ids);
   if (ids.empty()) return {};
-  if (const NC_Job* job = queue.rows.JobOf(ids[0]))
-    return FactsOfJob(*job, time(nullptr), LacksPaper(*job, *queue.state.printers));
+  if (const NC_Job* job = queue.rows.JobOf(ids[0])) return FactsOfJob(*job, time(nullptr));
   const Outgoing* out = queue.rows.OutgoingOf(ids[0]);
   return out ? FactsOfOutgoing(*out, time(nullptr)) : std::vector<Fact>();
 }

@@ -13,8 +13,7 @@ namespace console {
 namespace {
 
 RowWords WordsOfJobIn(const QueuePane* p, const NC_Job& job) {
-  return WordsOfJob(job, p->state.pending.Of(QueueIdOf(job).job),
-                    LacksPaper(job, *p->state.printers));
+  return WordsOfJob(job, p->state.pending.Of(QueueIdOf(job).job));
 }
 
 void DrawCell(const QueuePane* p, int row, int column, const CellLook& cell) {
@@ -83,7 +82,7 @@ void QueuePane::AddHits(Hits* hits) const {
 void QueuePane::Draw(const Hit& hover, bool focused) {
   table.SetFocused(focused);
   table.SetMuted(state.link != Link::kReady);
-  head.Draw(layout.queue_head, rows.Summary(*state.printers));
+  head.Draw(layout.queue_head, rows.Summary());
   table.Draw(hover);
 }
 

@@ -24,6 +24,7 @@ TEST(Printers, SayHowTheyAre) {
   std::vector<NC_Printer> list(5, Printer("HP 10 with a very long name"));
   strcpy(list[1].name, "hp 2");
   list[1].paused = 1, list[1].state = NC_PRINTER_PRINTING, list[1].jobs = 1200;
+  list[1].paper = 0;  // the last sheet is in it
   strcpy(list[2].name, "a");
   list[2].state = NC_PRINTER_PAPER_OUT, list[2].paper = 0, list[2].has_id = 0;
   strcpy(list[2].supplies, "ink: 50%,black:7,a:b:101,bad,:5,cyan:-1");
@@ -45,7 +46,7 @@ TEST(Printers, SayHowTheyAre) {
       {"a", "out of paper", "", "0 sheets", Tone::kBad},
       {"b", "stopped, takes no new jobs: the disk is full", "", "1,234 sheets", Tone::kBad},
       {"c", "out of paper, idle", "", "0 sheets", Tone::kBad},
-      {"hp 2", "printing, then paused", "1,200 jobs", "", Tone::kWarning},
+      {"hp 2", "printing, then paused", "1,200 jobs", "0 sheets", Tone::kWarning},
       {"HP 10 with a v…ng name", "idle", "", "", Tone::kGood},
   };
   for (size_t i = 0; i < rows.size(); ++i) {

@@ -231,10 +231,6 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   jobs[0].pages = 1200, jobs[0].pages_printed = 3;
   EXPECT_EQ(WordsOfJob(jobs[0], {}).progress.text, "3 of 1,200 pages");
   EXPECT_EQ(WordsOfJob(jobs[0], Verb::kRemove).text, "removing…");
-  NC_Printer empty{};
-  strcpy(jobs[0].printer, strcpy(empty.name, "Tray"));
-  EXPECT_TRUE(LacksPaper(jobs[0], {empty}) && !LacksPaper(jobs[1], {empty}));
-  EXPECT_EQ(WordsOfJob(jobs[0], {}, true).ShownText(), "3 of 1,200, out of paper");
   jobs[0].state = NC_JOB_PAPER_OUT;
   EXPECT_EQ(WordsOfJob(jobs[0], {}).progress.text, "3 of 1,200, out of paper");
   EXPECT_EQ(WordsOfJob(jobs[1], {}).text, "waiting: the printer is paused, new keyword");
