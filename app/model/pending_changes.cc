@@ -28,7 +28,7 @@ constexpr Words kWords[] = {
      "Setting the priority"},
     {"Copies", "changing copies…", "Copies changed: ", "keeps its copies", "Setting the copies"},
     {"Move to printer", "moving…", "Moved: ", "was not moved", "Moving"},
-    {"Move in the queue", "moving…", "Moved: ", "was not moved", "Moving"},
+    {"Move in the queue", "moving…", "Moved in the queue: ", "was not moved", "Moving"},
 };
 
 const Words& WordsOf(Verb verb) {

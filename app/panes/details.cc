@@ -21,7 +21,8 @@ namespace {
 constexpr int kCaption = 38, kPrinterCaption = 32, kPadding = 16, kBelow = 10;
 // Of a picture: what it has at least, where the rest scrolls. Below it is a line that says why
 // there is none, and six facts.
-constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kFacts = 6 * kFactLine;
+constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kTroubleGap = 6,
+              kFacts = 6 * kFactLine;
 
 // The chosen one, as the list of the printers tells it.
 std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
@@ -125,8 +126,8 @@ Parts LayOutParts(const DetailsPane* p) {
   const int facts = FactsHeight(p, a.w);
   const int picture = PictureHeight(p, a.w, view.h - printer, facts);
   Parts parts;
-  // A job without one says so.
-  const int trouble = picture > 0 || IsOneJob(p) ? kTroubleLine : 0;
+  // A job without one says so, a little above its facts.
+  const int trouble = picture > 0 ? kTroubleLine : IsOneJob(p) ? kTroubleLine + kTroubleGap : 0;
   parts.height = picture + trouble + facts + kBelow + printer;
   a.h = std::max(parts.height, view.h);
   a.y -= p->scroll.top();
@@ -160,8 +161,9 @@ void DrawPicture(const DetailsPane* p, const Parts& parts) {
   const std::optional<Pictured> of = PicturedBy(p);
   if (of && !(p->preview && DrawPreview(*p->preview, p->preview_scale, parts.picture)))
     DrawKindSheet(parts.picture, of->name, of->kind);
-  DrawLabel(l.small_text, of ? Align::kCenter : Align::kLeft, parts.trouble.Inset(0, 3),
-            TroubleLine(p), l.second);
+  const Area line{parts.trouble.x, parts.trouble.y, parts.trouble.w, kTroubleLine};
+  DrawLabel(l.small_text, of ? Align::kCenter : Align::kLeft, line.Inset(0, 3), TroubleLine(p),
+            l.second);
 }
 
 void DrawSelected(const DetailsPane* p, Area a) {

@@ -198,9 +198,13 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool at_it)
   const PrinterRow& r = printers.rows()[size_t(row)];
   const bool chosen = printers.chosen() == r.printer->name;
   const bool lit = hover == Hit{kPrinters, SideList::kRow, row};
-  const RowLook look = {BackgroundOf(at_it, away, chosen, lit), chosen ? l.view_bold : l.view,
-                        at_it && !away, away};
-  if (look.background != l.side) XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, look.background, -1);
+  // The keyboard on another one than the chosen one frames it: it is not chosen yet.
+  const bool filled = at_it && chosen;
+  const RowLook look = {BackgroundOf(filled, away, chosen, lit), chosen ? l.view_bold : l.view,
+                        filled && !away, away};
+  const int32_t frame = at_it && !chosen ? l.accent : -1;
+  if (look.background != l.side || frame >= 0)
+    XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, look.background, frame);
   DrawDot(a.x + 14, a.y + 8, look.Ink(ToneColor(r.dot)));
   const std::string more = MoreOf(r, mine == r.printer->name);
   const Area button = MarkArea(row);

@@ -1,6 +1,7 @@
 // The printers: which one is chosen, and what their menu does.
 #include <iterator>
 
+#include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/window/side_commands.h"
 
@@ -38,9 +39,12 @@ void PrintersCame(Console* c) {
 }
 
 void ChoosePrinter(Console* c, const std::string& name) {
+  const std::string media = c->choice.media;
   c->choice.printer = name;
   c->printers.Choose(name);
   c->tools.FitMedia(c->state);
+  if (c->choice.media != media)
+    Tell(c, true, Quoted(Shown(name)) + " has no " + Shown(media) + ": its usual media are chosen");
   PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane;
 }

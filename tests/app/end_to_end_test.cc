@@ -151,13 +151,13 @@ TEST_F(EndToEnd, JobsAreHeldMovedAndRemoved) {
     see job c = waiting
     click job e
     drag job e onto job c
-    see status Message = Moved: “e”
+    see status Message = Moved in the queue: “e”
     agree)"));
   EXPECT_EQ(Order(), "a b e c d ");
   ASSERT_TRUE(mia.Do(R"(
     click job d
     keys u
-    see status Message = Moved: “d”
+    see status Message = Moved in the queue: “d”
     agree)"));
   EXPECT_EQ(Order(), "a b e d c ");
   ASSERT_TRUE(mia.Do(R"(
@@ -247,7 +247,7 @@ TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
     see job c.txt #1 = waiting
     see job c.txt #2 = waiting
     keys End Home Down Down u
-    see status Message = Moved: “c.txt”
+    see status Message = Moved in the queue: “c.txt”
     keys p Home Return
     see label Priority = 100
     keys m f Return
