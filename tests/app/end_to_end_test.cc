@@ -340,6 +340,7 @@ TEST_F(EndToEnd, FortyPrintersAreChosenPausedAndFilled) {
     agree
     click button Paper Loaded
     see job five.txt has 4 of 5, out of paper
+    see status Attention = “Tray” is out of paper
     agree
     keys Control+l
     see job five.txt = printed
