@@ -32,11 +32,11 @@ Words WordsOfRow(const QueuePane* p, int row) {
   return {XWA_ROW, 0, Shown(job->document), words.ShownText()};
 }
 
-std::string CutTextIn(const QueuePane* p, int row, int column, int width) {
+std::vector<std::string> CutTextsIn(const QueuePane* p, int row, const std::vector<int>& widths) {
   if (const NC_Job* job = p->rows.JobAt(row))
-    return CutJobText(*job, WordsOfJobIn(p, *job), QueueColumn(column), width);
+    return CutJobTexts(*job, WordsOfJobIn(p, *job), widths);
   const Outgoing* out = p->rows.OutgoingAt(row);
-  return out ? CutOutgoingText(*out, QueueColumn(column), width) : "";
+  return out ? CutOutgoingTexts(*out, widths) : std::vector<std::string>();
 }
 
 }  // namespace
@@ -76,7 +76,7 @@ void QueuePane::Update() {
 void QueuePane::AddHits(Hits* hits) const {
   table.AddHits(
       hits, [this](int row) { return WordsOfRow(this, row); },
-      [this](int row, int column, int width) { return CutTextIn(this, row, column, width); });
+      [this](int row, const std::vector<int>& widths) { return CutTextsIn(this, row, widths); });
 }
 
 void QueuePane::Draw(const Hit& hover, bool focused) {
@@ -152,11 +152,12 @@ void QueuePane::ShowProgress() {
 void QueuePane::Renewed() {
   selection.Renew();
   table.SetRows(rows.count());
-  // Those that print stay in front.
-  int at_printers = 0;
+  // Documents that the server does not have stand first; then those that print, which stay there.
+  int first = 0;
+  while (rows.OutgoingAt(first)) ++first;
   const NC_Job* job = nullptr;
-  while ((job = rows.JobAt(at_printers)) && IsAtPrinter(job->state)) ++at_printers;
-  table.SetFirstGap(at_printers);
+  while ((job = rows.JobAt(first)) && IsAtPrinter(job->state)) ++first;
+  table.SetFirstGap(first);
 }
 
 void QueuePane::Sort(QueueOrder order, bool descending) {

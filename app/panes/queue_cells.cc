@@ -172,6 +172,13 @@ std::string CutText(const Cells& row, QueueColumn column, int width) {
   return XwTextWidthUtf8(font, text.c_str()) > width ? text : "";
 }
 
+std::vector<std::string> CutTexts(const Cells& row, const std::vector<int>& widths) {
+  std::vector<std::string> texts;
+  for (size_t i = 0; i < widths.size(); ++i)
+    texts.push_back(widths[i] > 0 ? CutText(row, QueueColumn(i), widths[i]) : "");
+  return texts;
+}
+
 }  // namespace
 
 std::vector<Column> QueueColumns() {
@@ -243,13 +250,14 @@ void DrawOutgoingCell(const Outgoing& out, QueueColumn column, const CellLook& c
   DrawCell(CellsOf(out, words), column, cell);
 }
 
-std::string CutJobText(const NC_Job& job, const RowWords& words, QueueColumn column, int width) {
-  return CutText(CellsOf(job, words), column, width);
+std::vector<std::string> CutJobTexts(const NC_Job& job, const RowWords& words,
+                                     const std::vector<int>& widths) {
+  return CutTexts(CellsOf(job, words), widths);
 }
 
-std::string CutOutgoingText(const Outgoing& out, QueueColumn column, int width) {
+std::vector<std::string> CutOutgoingTexts(const Outgoing& out, const std::vector<int>& widths) {
   const RowWords words = WordsOfOutgoing(out);
-  return CutText(CellsOf(out, words), column, width);
+  return CutTexts(CellsOf(out, words), widths);
 }
 
 }  // namespace console

@@ -34,7 +34,8 @@ void DrawJobCell(const NC_Job& job, const RowWords& words, QueueColumn column,
                  const CellLook& cell);
 void DrawOutgoingCell(const Outgoing& out, QueueColumn column, const CellLook& cell);
 // The whole text of a cell that cuts it in that width; "" where all of it shows.
-std::string CutJobText(const NC_Job& job, const RowWords& words, QueueColumn column, int width);
-std::string CutOutgoingText(const Outgoing& out, QueueColumn column, int width);
+std::vector<std::string> CutJobTexts(const NC_Job& job, const RowWords& words,
+                                     const std::vector<int>& widths);
+std::vector<std::string> CutOutgoingTexts(const Outgoing& out, const std::vector<int>& widths);
 
 }  // namespace console

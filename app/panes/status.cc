@@ -176,9 +176,9 @@ void StatusPane::ReadMessage() {
 }
 
 bool StatusPane::Tick() {
-  const bool told = !Passing().text.empty();
+  const std::string told = Passing().text;
   now_ms_ += 1000;
-  return told && Passing().text.empty();
+  return Passing().text != told;
 }
 
 void StatusPane::Draw(const Hit& hover, const std::string& selection) const {

@@ -164,8 +164,8 @@ void ToolsPane::ShowChoice() {
 }
 
 void ToolsPane::FitMedia(const ServerState& state) {
-  const std::vector<std::string> media = MediaOf(ChosenPrinter(*choice_, state));
-  if (std::find(media.begin(), media.end(), choice_->media) == media.end()) choice_->media.clear();
+  const NC_Printer* printer = ChosenPrinter(*choice_, state);
+  if (printer && !HasMedia(*printer, choice_->media)) choice_->media.clear();
 }
 
 }  // namespace console

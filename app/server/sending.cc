@@ -169,20 +169,20 @@ void Worker::Finish(int number, int result, const std::string& why) {
   shared_->Published();
 }
 
-// Once for all that were ordered together, with the last of them. Under the mutex.
-void Worker::TellSent(const Transfer& sent) {
+// What has come of all that were ordered together, with the last of them that ends; "" before, and
+// where nothing has arrived. Under the mutex.
+std::string Worker::SentText(const Transfer& ended, bool arrived) {
   bool more = false;
   for (Transfer& t : shared_->state.transfers) {
-    if (t.first != sent.first) continue;
-    ++t.arrived;
+    if (t.first != ended.first || t.number == ended.number) continue;
+    t.arrived += arrived;
     more = more || t.state != Sending::kFailed;
   }
-  if (more) return;
-  const std::string text =
-      sent.arrived == 0
-          ? "Sent: " + Quoted(sent.order.document)
-          : NumberOf(sent.arrived + 1, "document is", "documents are") + " at the server";
-  shared_->AddNotice({Tone::kGood, text});
+  const int all = ended.arrived + arrived;
+  if (more || all == 0) return "";
+  return arrived && all == 1
+             ? "Sent: " + Quoted(ended.order.document)
+             : NumberOf(all, "document is", "documents are") + " at the server";
 }
 
 // What becomes of a transfer that has ended. Under the mutex.
@@ -207,11 +207,12 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   if (done || cancelled) {
     const Transfer ended = std::move(*it);
     state.transfers.erase(it);
+    const std::string sent = SentText(ended, !cancelled);
     // What somebody asked for is no error.
     if (cancelled)
-      shared_->AddNotice({Tone::kPlain, "Cancelled: " + name});
+      shared_->AddNotice({Tone::kPlain, "Cancelled: " + name + (sent.empty() ? "" : ". " + sent)});
     else
-      TellSent(ended);
+      shared_->AddNotice({Tone::kGood, sent});
   } else if (result == NC_ERROR && ++broken_.times < kMostTries) {
     it->state = Sending::kWaiting;
     next_send_ = MonotonicMs() + (all_sent_ ? kLookMs : kRetryMs);
@@ -220,6 +221,7 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
     it->state = Sending::kFailed;
     it->text = why.empty() ? "the connection broke" : why;
     shared_->AddNotice({Tone::kBad, name + " was not sent: " + it->text});
+    shared_->AddNotice({Tone::kGood, SentText(*it, false)});
   }
 }
 

@@ -106,7 +106,7 @@ std::string Server::Shared::Detail() {
   }
   Digest d;
   d << int64_t(lists_) << int(state.link) << state.trouble;
-  for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.text;
+  for (const Transfer& t : state.transfers) d << t.number << int(t.state) << t.size << t.modified_ns << t.text;
   d << int64_t(state.pending.size());
   if (state.lists) {
     for (const NC_Scanner& s : state.lists->scanners) d << s.name << s.text << s.away;
@@ -136,6 +136,7 @@ void Server::Shared::PublishQuiet() {
 }
 
 void Server::Shared::AddNotice(Message message) {
+  if (message.text.empty()) return;
   auto& all = state.notices;
   all.push_back({std::move(message), next_notice++});
   if (all.size() > kNotices) all.erase(all.begin());

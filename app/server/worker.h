@@ -66,7 +66,7 @@ class Worker {
   int SendOnceOpened(const Transfer& t, const Document& document, std::string* why);
   int SendDocument(const Transfer& t, const Document& document, std::string* why);
   void Finish(int number, int result, const std::string& why);
-  void TellSent(const Transfer& sent);
+  std::string SentText(const Transfer& ended, bool arrived);
   void NoteResult(int number, int result, const std::string& why);
   bool Arrived(const JobId& id);
   int SilentSeconds(int64_t sent);

@@ -455,18 +455,19 @@ int32_t CellColor(const CellLook& c, int32_t colour) {
   return c.muted ? Dimmed(colour, c.background) : colour;
 }
 
-void Table::AddTips(Hits* hits, int row, const Area& shown, const CutText& cut) const {
-  for (int i = 0; i < int(columns_.size()); ++i) {
-    if (ColumnArea(i).Empty()) continue;
-    const Area cell = CellArea(i, shown.y, shown.h);
-    const std::string whole = cut(row, i, cell.w);
-    if (!whole.empty()) hits->Add({owner_, kRow, row}, cell, {0, 0, "", "", whole});
-  }
+void Table::AddTips(Hits* hits, int row, const Area& shown,
+                    const std::vector<std::string>& cut) const {
+  for (int i = 0; i < int(cut.size()); ++i)
+    if (!cut[size_t(i)].empty())
+      hits->Add({owner_, kRow, row}, CellArea(i, shown.y, shown.h), {0, 0, "", "", cut[size_t(i)]});
 }
 
 void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words,
-                    const CutText& cut) const {
+                    const CutTexts& cut) const {
   if (area_.Empty()) return;
+  std::vector<int> widths;
+  for (int i = 0; i < int(columns_.size()); ++i)
+    widths.push_back(ColumnArea(i).Empty() ? 0 : CellArea(i, area_.y, kRowHeight).w);
   const Area body = Body();
   const uint32_t state = XWT_FOCUSABLE | (focused_ ? uint32_t{XWT_FOCUSED} : 0);
   hits->Add({owner_, kBody, 0}, body, {XWA_TABLE, state, name_, std::to_string(rows_)});
@@ -479,7 +480,7 @@ void Table::AddHits(Hits* hits, const std::function<Words(int row)>& words,
       Words said = words ? words(row) : Words{};
       if (IsSelected(row)) said.state |= XWT_SELECTED;
       hits->Add({owner_, kRow, row}, a, said);
-      if (cut) AddTips(hits, row, a, cut);
+      if (cut) AddTips(hits, row, a, cut(row, widths));
     }
   }
   for (int i = 0; i < int(columns_.size()); ++i) hits->Add({owner_, kBorder, i}, BorderArea(i));

@@ -91,11 +91,12 @@ class Table {
   void SetSort(int column, bool descending);
 
   void Draw(const Hit& hover);
-  // `words` says what a row is; the table is called as its bar is. `cut` gives the whole text of a
-  // cell that has no room for it, "" for others: it is the tip of that cell.
-  using CutText = std::function<std::string(int row, int column, int width)>;
+  // `words` says what a row is; the table is called as its bar is. `cut` gives, of a
+  // row's cells with these widths, the whole texts that have no room, "" for others: they are the
+  // tips of the cells. A width of 0 is that of a column that does not show.
+  using CutTexts = std::function<std::vector<std::string>(int row, const std::vector<int>& widths)>;
   void AddHits(Hits* hits, const std::function<Words(int row)>& words = {},
-               const CutText& cut = {}) const;
+               const CutTexts& cut = {}) const;
 
   // Arrows, Home, End, Page Up, Page Down, with Shift and Control; Control with Space: true when
   // the key was one of them.
@@ -159,12 +160,11 @@ class Table {
   int MostTop() const;
   bool Scrolls() const;
   Area Bar() const;
-  // The line of the note; empty when it does not show.
   Area HeadArea(int column) const;
   Area BorderArea(int column) const;
   void PlaceControls();
   Area CellArea(int column, int y, int h) const;
-  void AddTips(Hits* hits, int row, const Area& shown, const CutText& cut) const;
+  void AddTips(Hits* hits, int row, const Area& shown, const std::vector<std::string>& cut) const;
   void DrawHead(int column) const;
   void DrawHeader(const Hit& hover) const;
   void DrawRow(int row, const Hit& hover) const;

@@ -235,8 +235,6 @@ void ServerChanged(Console* c, ServerState state) {
   NoteSent(c);
   StartServerByItself(c);
   RememberServer(c);
-  UpdatePreferences();
-  UpdateLists();
   c->status.Progress("changes", ProgressText(c->state.changing));
   c->just_sent = 0;
   for (const Notice& n : c->state.notices)
@@ -247,6 +245,8 @@ void ServerChanged(Console* c, ServerState state) {
   c->queue_waits = c->queue.table.HoldsRow();
   if (!c->queue_waits) c->queue.Fill();
   PrintersCame(c);
+  UpdatePreferences();
+  UpdateLists();
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
   DrawConsole(c);
   if (MayLeaveNow(c)) Quit(c);

@@ -219,7 +219,9 @@ void ChooseRecent(PreferencesWindow* w) {
 
 void Report(PreferencesWindow* w, int id, int value) {
   if (id == kRecentButton) ChooseRecent(w);
-  if (id == kPrinterList) w->printer = w->printers.At(value);
+  if (id != kPrinterList) return;
+  w->printer = w->printers.Choose(value);
+  Update(w);
 }
 
 int Handle(int type) {

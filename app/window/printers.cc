@@ -44,7 +44,7 @@ void ChoosePrinter(Console* c, const std::string& name) {
   c->printers.Choose(name);
   c->tools.FitMedia(c->state);
   if (c->choice.media != media)
-    Tell(c, true, Quoted(Shown(name)) + " has no " + Shown(media) + ": its usual media are chosen");
+    Tell(c, true, Quoted(name) + " has no " + Shown(media) + ": its usual media are chosen");
   PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane;
 }

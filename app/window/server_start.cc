@@ -47,11 +47,12 @@ void RetryServer(Console* c) {
 }
 
 std::string WhyNotStartServer(const Console* c) {
-  // While it is tried once more the button stays; what refuses is a server already.
   if (c->server_start) return "A print server is being started";
+  // What refuses is a server already.
   if (c->state.link == Link::kReady || c->state.link == Link::kRefused)
     return "A print server runs there already";
   if (!IsLocalServer(c->server.host())) return "The print server is on another computer";
+  // While it is tried once more the button stays.
   return c->banner.shown ? "" : "It is not known yet whether a print server runs here";
 }
 

@@ -103,7 +103,7 @@ TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
   const auto choose_job = [this] {
     Click(c_->queue.table.RowArea(0));
     Until([&] { return c_->details.preview && !c_->previews.request(); });
-    return c_->details.preview->trouble;
+    return c_->details.preview ? c_->details.preview->trouble : PreviewTrouble::kNoProgram;
   };
   EXPECT_EQ(choose_job(), PreviewTrouble::kNone);
   EXPECT_EQ(c_->previewed.request.path, home_.At("picture.png"));

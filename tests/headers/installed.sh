@@ -17,7 +17,7 @@ cat > print.c << 'END'
 #include "os/os.h"
 #include "printserver/nc.h"
 int main(void) {
-  int connection = NC_ConnectN("", 1);
+  int connection = NC_ConnectN("127.0.0.9:1", 1);
   return OS_GetPathName(OS_FOLDER_HOME)[0] != '/' || connection >= 0;
 }
 END

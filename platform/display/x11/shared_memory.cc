@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <vector>
 
 #include "platform/ahead_job.h"
 #include "platform/display/x11/x.h"
