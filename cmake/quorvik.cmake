@@ -3,7 +3,7 @@
 add_library(quorvik_options INTERFACE)
 target_include_directories(quorvik_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(quorvik_options INTERFACE
-  -Wall -Wextra -Wshadow -Werror -fno-strict-aliasing
+  -Wall -Wextra -Wshadow $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror> -fno-strict-aliasing
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
 target_compile_definitions(quorvik_options INTERFACE _GNU_SOURCE)
 if(QUORVIK_SANITIZE)

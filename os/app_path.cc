@@ -46,7 +46,7 @@ os::Handle MakeEntry(int registry, std::string* name) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     uint64_t random = 0;
     if (getrandom(&random, sizeof random, 0) != static_cast<ssize_t>(sizeof random)) break;
-    *name = "." + std::to_string(random);
+    name->assign(1, '.').append(std::to_string(random));
     os::Handle file(openat(registry, name->c_str(), kFlags, 0600));
     if (file || errno != EEXIST) return file;
   }
