@@ -34,7 +34,7 @@ void QueueHead::MakeControls(XwWindow* w) {
   again = XwButton(w, "Print Again", kPrintAgainCommand, 0, 0, 9, 9, kShown, 0);
   remove = XwButton(w, "Remove", kRemoveCommand, 0, 0, 9, 9, kShown, 0);
   XwDescribeControl(hold, "Hold Job");
-  text = XwEditBox(w, "", kQueueFilterControl, 0, 0, 9, 9, kShown);
+  text = XwEditBox(w, "", kQueueFilterControl, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
   XwDescribeControl(text, "Filter Queue");
   owner = List(w, kOwners, kQueueOwnerControl, "Whose Jobs");
   part = List(w, kParts, kQueuePartControl, "Which Jobs");

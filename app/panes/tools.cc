@@ -43,7 +43,7 @@ void ToolsPane::MakeControls(XwWindow* w) {
   printer_.Make(w, kPrinterControl, "Printer", nullptr);
   profile_.Make(w, kProfileControl, "Profile", "Default");
   media_.Make(w, kMediaControl, "Media", "Usual");
-  copies = XwEditBox(w, "1", kCopiesControl, 0, 0, 9, 9, kShown);
+  copies = XwEditBox(w, "1", kCopiesControl, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
   XwDescribeControl(copies, "Copies");
   priority = XwSlider(w, kPriorityControl, 0, 0, 9, 1, kShown, 1, kMostPriority, choice_->priority);
   XwDescribeControl(priority, "Priority");

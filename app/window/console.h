@@ -227,6 +227,8 @@ void UpdateControls(Console* c);
 void UseControl(Console* c, int id, int value);
 // A report of an edit box: 788 (gained or lost), 789, 790.
 void UseEditBox(Console* c, int type, int id, bool gained);
+// Where the keyboard is after a box has lost it: in the box that took it, or in `table`.
+FocusStop StopAfterBox(const Console* c, FocusStop table);
 // The control of a stop; null for the tables and lists.
 XwWindow* ControlAt(const Console* c, FocusStop stop);
 // Whether Tab stops there now.

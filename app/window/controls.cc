@@ -148,6 +148,13 @@ bool EndsDrag(Console* c) {
 
 }  // namespace
 
+FocusStop StopAfterBox(const Console* c, FocusStop table) {
+  const XwWindow* has = XwGetFocus(c->window);
+  for (const FocusStop box : {FocusStop::kCopies, FocusStop::kFilter, FocusStop::kQueueFilter})
+    if (has && has == ControlAt(c, box)) return box;
+  return table;
+}
+
 void UseEditBox(Console* c, int type, int id, bool gained) {
   if (type == XWE_EDIT_SELECT && !gained && EndsDrag(c)) return;
   if (type == XWE_EDIT_CHANGED) RunFunctionKey(c);
@@ -169,7 +176,7 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   c->damage |= kToolsPane | kFolderPane | kDetailsPane;
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
-    SetFocusStop(c, FocusStop::kFiles);
+    SetFocusStop(c, StopAfterBox(c, FocusStop::kFiles));
 }
 
 void UseControl(Console* c, int id, int value) {

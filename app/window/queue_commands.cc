@@ -259,7 +259,7 @@ void UseQueueFilter(Console* c, int type, bool gained) {
   if (type == XWE_EDIT_DONE && c->queue.Selected().empty()) c->queue.table.Select(0);
   if (type != XWE_EDIT_CHANGED && c->stop == FocusStop::kQueueFilter && c->active &&
       XwGetFocus(c->window) != box)
-    SetFocusStop(c, FocusStop::kQueue);
+    SetFocusStop(c, StopAfterBox(c, FocusStop::kQueue));
 }
 
 void UseQueueControl(Console* c, int id, int value) {

@@ -41,6 +41,17 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_EQ(c_->files.FilterText(), "");
   Key('q', 'q');
   EXPECT_EQ(c_->files.folder.count(), 0);
+  // From box to box each has the keyboard at once.
+  const QueueHead& head = c_->queue.head;
+  const std::pair<const Area*, XwWindow*> boxes[] = {
+      {&c_->layout.copies, c_->tools.copies}, {&head.text_area, head.text},
+      {&c_->layout.copies, c_->tools.copies}, {&c_->layout.filter, c_->files.filter},
+      {&head.text_area, head.text},           {&c_->layout.filter, c_->files.filter},
+  };
+  for (const auto& [area, box] : boxes) {
+    Click(*area);
+    EXPECT_EQ(XwGetFocus(c_->window), box);
+  }
   Click(c_->files.table.NoteButton());
   EXPECT_EQ(c_->files.FilterText(), "");
 
