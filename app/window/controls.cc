@@ -155,10 +155,10 @@ FocusStop StopAfterBox(const Console* c, FocusStop table) {
   return table;
 }
 
-void UseEditBox(Console* c, int type, int id, bool gained) {
-  if (type == XWE_EDIT_SELECT && !gained && EndsDrag(c)) return;
-  if (type == XWE_EDIT_CHANGED) RunFunctionKey(c);
-  if (id == kQueueFilterControl) return UseQueueFilter(c, type, gained);
+namespace {
+
+// The filter of the files, or the copies.
+void UseOtherBox(Console* c, int type, int id, bool gained) {
   const bool filter = id == kFilterControl;
   const FocusStop stop = filter ? FocusStop::kFilter : FocusStop::kCopies;
   // The report that a box has got the keyboard may wait behind its first keys.
@@ -177,6 +177,18 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
   if (type != XWE_EDIT_CHANGED && c->stop == stop && c->active &&
       XwGetFocus(c->window) != ControlAt(c, stop))
     SetFocusStop(c, StopAfterBox(c, FocusStop::kFiles));
+}
+
+}  // namespace
+
+void UseEditBox(Console* c, int type, int id, bool gained) {
+  if (type == XWE_EDIT_SELECT && !gained && EndsDrag(c)) return;
+  if (id == kQueueFilterControl)
+    UseQueueFilter(c, type, gained);
+  else
+    UseOtherBox(c, type, id, gained);
+  // At last: it may take the keyboard elsewhere.
+  if (type == XWE_EDIT_CHANGED) RunFunctionKey(c);
 }
 
 void UseControl(Console* c, int id, int value) {

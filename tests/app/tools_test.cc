@@ -116,6 +116,14 @@ TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
   ASSERT_TRUE(shows("Keys"));
   close();
   EXPECT_FALSE(shows("Keys"));
+  // F6 leaves a box for the next pane.
+  constexpr uint32_t kF6Key = 0xFFC3;
+  for (const Area* box : {&c_->layout.filter, &c_->layout.copies}) {
+    Click(*box);
+    Key(kF6Key);
+    Turn(2);
+    EXPECT_EQ(c_->stop, FocusStop::kQueue);
+  }
   ShowPreferences(c_);
   Turn(2);
   close();
