@@ -180,9 +180,8 @@ std::string Worker::SentText(const Transfer& ended, bool arrived) {
   }
   const int all = ended.arrived + arrived;
   if (more || all == 0) return "";
-  return arrived && all == 1
-             ? "Sent: " + Quoted(ended.order.document)
-             : NumberOf(all, "document is", "documents are") + " at the server";
+  return arrived && all == 1 ? "Sent: " + Quoted(ended.order.document)
+                             : NumberOf(all, "document is", "documents are") + " at the server";
 }
 
 // What becomes of a transfer that has ended. Under the mutex.
