@@ -177,9 +177,11 @@ void Save(PreferencesWindow* w) {
   Preferences p = c->remembered.preferences;
   const std::string server = TextOf(w->server);
   const bool changes = !c->remembered.server_fixed && Host(server) != c->server.host();
-  if (!w->save->enabled || (changes && !MayLeaveServer(c))) return;
+  if (!w->save->enabled) return GoToBox(ServerIsGood(w) ? w->seconds : w->server);
+  const bool leaves = !changes || MayLeaveServer(c);
   // The question let events pass.
   if (g_window != w) return;
+  if (!leaves) return;
   ShowAsChosen(w);
   const bool other_default = p.default_printer != w->printer;
   p.refresh_seconds = SecondsOf(w);
