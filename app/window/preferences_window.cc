@@ -181,7 +181,7 @@ void Save(PreferencesWindow* w) {
   const bool leaves = !changes || MayLeaveServer(c);
   // The question let events pass.
   if (g_window != w) return;
-  if (!leaves) return;
+  if (!leaves) return GoToBox(w->server);
   ShowAsChosen(w);
   const bool other_default = p.default_printer != w->printer;
   p.refresh_seconds = SecondsOf(w);
@@ -196,6 +196,8 @@ void Save(PreferencesWindow* w) {
   PrintersCame(c);
   StartServerByItself(c);
   c->damage = kAllPanes;
+  // The desktop may have meant this dialog to follow the question, and it has gone.
+  XwSetFocus(c->window);
   DrawConsole(c);
 }
 
