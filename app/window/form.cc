@@ -25,6 +25,11 @@ FormEvent FormEventOf(int type, int accept, int cancel) {
   }
 }
 
+void GoToBox(XwWindow* box) {
+  XwFocusControl(box);
+  XwEdit(box, XWU_SELECT_ALL);
+}
+
 FormButtons MakeFormButtons(XwWindow* window, const char* text, int accept, int cancel, int right,
                             int top) {
   constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;

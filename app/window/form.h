@@ -16,6 +16,9 @@ constexpr int kListStyle = -256 + 1 + 32;
 enum class FormEvent { kOther, kDraw, kEdited, kAccept, kCancel };
 FormEvent FormEventOf(int type, int accept, int cancel);
 
+// Gives the box the keyboard; what is typed there replaces what it holds.
+void GoToBox(XwWindow* box);
+
 // Makes the two buttons, which Return and Escape press. `right` and `top` are where the pair ends
 // and begins.
 struct FormButtons {

@@ -75,15 +75,9 @@ void Close() {
   delete w;
 }
 
-// What is typed there replaces what it holds.
-void GoToBox(NumberWindow* w) {
-  XwFocusControl(w->box);
-  XwEdit(w->box, XWU_SELECT_ALL);
-}
-
 void Set(NumberWindow* w) {
   const int number = Typed(w);
-  if (!number) return GoToBox(w);
+  if (!number) return GoToBox(w->box);
   Console* c = w->console;
   const std::vector<QueueId> jobs = std::move(w->jobs);
   const Verb verb = w->verb;
@@ -151,7 +145,7 @@ void Open(Console* c, Verb verb, std::vector<QueueId> jobs, const std::string& o
   XwCenter(window, c->window);
   XwShow(window, 1);
   XwSetFocus(window);
-  GoToBox(w);
+  GoToBox(w->box);
   NoteActivity(window, true);
 }
 

@@ -177,9 +177,11 @@ void Save(PreferencesWindow* w) {
   Preferences p = c->remembered.preferences;
   const std::string server = TextOf(w->server);
   const bool changes = !c->remembered.server_fixed && Host(server) != c->server.host();
-  if (!w->save->enabled || (changes && !MayLeaveServer(c))) return;
+  if (!w->save->enabled) return GoToBox(ServerIsGood(w) ? w->seconds : w->server);
+  const bool leaves = !changes || MayLeaveServer(c);
   // The question let events pass.
   if (g_window != w) return;
+  if (!leaves) return GoToBox(w->server);
   ShowAsChosen(w);
   const bool other_default = p.default_printer != w->printer;
   p.refresh_seconds = SecondsOf(w);
@@ -194,6 +196,8 @@ void Save(PreferencesWindow* w) {
   PrintersCame(c);
   StartServerByItself(c);
   c->damage = kAllPanes;
+  // The desktop may have meant this dialog to follow the question, and it has gone.
+  XwSetFocus(c->window);
   DrawConsole(c);
 }
 
