@@ -100,12 +100,18 @@ Message OutcomeMessage(const ChangeOutcome& outcome) {
 }
 
 void PendingChanges::Begin(const JobId& job, Verb verb, int64_t now_ms) {
-  changes_[job] = {verb, now_ms};
+  Change& change = changes_[job];
+  change = {verb, now_ms, -1, change.unanswered + 1};
 }
 
 void PendingChanges::Answered(const JobId& job, int status, int64_t now_ms) {
   const auto it = changes_.find(job);
   if (it == changes_.end()) return;
+  if (it->second.unanswered > 1) {
+    --it->second.unanswered;
+    return;
+  }
+  it->second.unanswered = 0;
   if (status == NC_STATUS_DONE)
     it->second.answered_ms = now_ms;
   else
@@ -125,6 +131,12 @@ int PendingChanges::Expire(int64_t now_ms) {
 
 int PendingChanges::Lose() {
   return int(std::erase_if(changes_, [](const auto& c) { return c.second.answered_ms < 0; }));
+}
+
+int PendingChanges::Unanswered() const {
+  int n = 0;
+  for (const auto& [job, change] : changes_) n += change.unanswered;
+  return n;
 }
 
 std::optional<Verb> PendingChanges::Of(const JobId& job) const {

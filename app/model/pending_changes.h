@@ -66,6 +66,8 @@ class PendingChanges {
   // The server is gone: what has no answer is given up. How many.
   int Lose();
 
+  // Changes that the server has not answered; a job may have several.
+  int Unanswered() const;
   std::optional<Verb> Of(const JobId& job) const;
   bool empty() const { return changes_.empty(); }
   size_t size() const { return changes_.size(); }
@@ -74,7 +76,8 @@ class PendingChanges {
   struct Change {
     Verb verb;
     int64_t begun_ms;
-    int64_t answered_ms = -1;
+    int64_t answered_ms = -1;  // the last of them; -1: not yet
+    int unanswered = 0;
   };
   std::map<JobId, Change> changes_;
 };

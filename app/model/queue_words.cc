@@ -79,6 +79,13 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
 
 std::string UnsentText(const Unsent& unsent) {
   const std::string could_not = " could not be sent";
+  const int documents = unsent.waiting + unsent.failed;
+  if (unsent.changes > 0 && documents > 0)
+    return NumberOf(documents, "document", "documents") + " and " +
+           NumberOf(unsent.changes, "change", "changes") + " have not reached the server";
+  if (unsent.changes > 0)
+    return NumberOf(unsent.changes, "change of a job has", "changes of jobs have") +
+           " not been made";
   if (unsent.waiting == 0) return NumberOf(unsent.failed, "document", "documents") + could_not;
   return NumberOf(unsent.waiting, "document has", "documents have") + " not been sent" +
          (unsent.failed ? ", " + NumberText(unsent.failed) + could_not : "");

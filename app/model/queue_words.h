@@ -28,12 +28,13 @@ struct RowWords {
 RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending);
 RowWords WordsOfOutgoing(const Outgoing& out);
 
-// Documents that the server does not have: those that will be sent, and those whose sending failed.
+// What has not reached the server: documents that will be sent, those whose sending failed, and
+// changes of jobs.
 struct Unsent {
-  int waiting = 0, failed = 0;
-  bool any() const { return waiting + failed > 0; }
+  int waiting = 0, failed = 0, changes = 0;
+  bool any() const { return waiting + failed + changes > 0; }
 };
-// "2 documents have not been sent, 1 could not be sent".
+// "2 documents have not been sent, 1 could not be sent", "37 changes of jobs have not been made".
 std::string UnsentText(const Unsent& unsent);
 
 // A fact of a job, for the list of its details.

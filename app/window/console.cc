@@ -237,8 +237,11 @@ void ServerChanged(Console* c, ServerState state) {
   RememberServer(c);
   c->status.Progress("changes", ProgressText(c->state.changing));
   c->just_sent = 0;
-  for (const Notice& n : c->state.notices)
-    if (n.number > c->last_notice) c->status.Tell(n.message.tone, n.message.text);
+  for (const Notice& n : c->state.notices) {
+    if (n.number <= c->last_notice) continue;
+    c->status.Tell(n.message.tone, n.message.text);
+    if (n.message.tone != Tone::kGood) c->failed_while_asking = true;
+  }
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;
   XwTimer(c->window, kProgressTimer, 0);
   if (c->status.SendingRuns()) XwTimer(c->window, kProgressTimer, kProgressMs);
@@ -248,8 +251,9 @@ void ServerChanged(Console* c, ServerState state) {
   UpdatePreferences();
   UpdateLists();
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
+  const bool leaves = MayLeaveNow(c);
   DrawConsole(c);
-  if (MayLeaveNow(c)) Quit(c);
+  if (leaves) Quit(c);
 }
 
 void ShowProgress(Console* c) {

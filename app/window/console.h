@@ -144,10 +144,11 @@ struct Console {
   // Came while a row was held, and are shown when it is let go.
   std::unique_ptr<FolderReading> held_reading;
   bool queue_waits = false;
-  bool scrolls_by_drag = false;  // the timer runs
-  bool drag_escaped = false;     // by an Escape that an edit box reports once more
-  bool asking = false;           // whether to leave before everything is sent
-  XwWindow* question = nullptr;  // the sheet that asks
+  bool scrolls_by_drag = false;      // the timer runs
+  bool drag_escaped = false;         // by an Escape that an edit box reports once more
+  bool asking = false;               // whether to leave before all has reached the server
+  bool failed_while_asking = false;  // something has not been done since
+  XwWindow* question = nullptr;      // the sheet that asks
 
   bool hidden_for_now = false;  // hidden names show for a document among them, in this folder
 
@@ -385,12 +386,12 @@ bool CanSelectAll(const Console* c);
 void SelectAll(Console* c);
 
 // --- Quitting (quit_confirmation.cc)
-// Documents that are given up when the console leaves the server.
-Unsent UnsentDocuments(const Console* c);
+// What is given up when the console leaves the server.
+Unsent NotAtServer(const Console* c);
 // Whether the window may close at once; else the question is shown, over everything else.
 bool AskBeforeQuit(Console* c);
-// It was asked, and nothing waits any more.
-bool MayLeaveNow(const Console* c);
+// It was asked, and nothing waits any more. The question goes, too, where something was not done.
+bool MayLeaveNow(Console* c);
 // A report of the sheet's buttons: true when the answer is to leave.
 bool GiveAnswer(Console* c, int id);
 void QuestionKey(Console* c, int type);

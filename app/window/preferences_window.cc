@@ -143,10 +143,10 @@ void Update(PreferencesWindow* w) {
 // --- Saving
 
 bool MayLeaveServer(const Console* c) {
-  const Unsent unsent = UnsentDocuments(c);
+  const Unsent unsent = NotAtServer(c);
   if (!unsent.any()) return true;
-  const std::string message = UnsentText(unsent) + " to " + CutMiddle(c->server.host(), kMostHost) +
-                              ". What is not sent is given up when the console leaves the server.";
+  const std::string message = CutMiddle(c->server.host(), kMostHost) + ": " + UnsentText(unsent) +
+                              ". It is given up when the console leaves the server.";
   return XwConfirmUtf8("!", "", message.c_str(), "Stay", "Leave", nullptr) == 2;
 }
 

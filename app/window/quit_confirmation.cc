@@ -1,5 +1,5 @@
-// The question that stands in the window's middle when it is to be closed before every document has
-// been sent. It answers itself once they have been.
+// The question that stands in the window's middle when it is to be closed before everything has
+// reached the server. It answers itself once that is so.
 #include "app/look/controls.h"
 #include "app/model/queue_words.h"
 #include "app/panes/ids.h"
@@ -16,9 +16,12 @@ XwWindow *close_button, *keep_button;
 Console* asker;
 
 const char* MoreWords(const Unsent& unsent) {
+  if (unsent.failed == 0 && unsent.changes > 0)
+    return "Without an answer, the window closes when all is done.";
   if (unsent.failed == 0) return "Without an answer, the window closes when all is sent.";
-  return unsent.waiting == 0 ? "The queue says why. What is not sent is not printed."
-                             : "The queue says why. The others are still to be sent.";
+  return unsent.waiting + unsent.changes == 0
+             ? "The queue says why. What is not sent is not printed."
+             : "The queue says why. The others are still under way.";
 }
 
 Area SheetArea(const Console* c) {
@@ -46,7 +49,7 @@ void DrawSheet(const Console* c) {
   XwSetColor(l.line);
   XwDrawRect(a.x, a.y, a.w, a.h);
   Area text = a.Inset(kBorder, kBorder);
-  const Unsent unsent = UnsentDocuments(c);
+  const Unsent unsent = NotAtServer(c);
   const Area title = text.TakeTop(18);
   text.TakeTop(6);
   const Area more = text.TakeTop(16);
@@ -84,8 +87,8 @@ void MakeQuestion(Console* c) {
 
 }  // namespace
 
-Unsent UnsentDocuments(const Console* c) {
-  Unsent unsent{c->just_sent, 0};
+Unsent NotAtServer(const Console* c) {
+  Unsent unsent{c->just_sent, 0, c->state.pending.Unanswered()};
   for (const Transfer& t : c->state.transfers) {
     if (t.state == Sending::kFailed)
       ++unsent.failed;
@@ -102,10 +105,13 @@ void PlaceQuestion(Console* c) {
 }
 
 bool AskBeforeQuit(Console* c) {
-  if (!UnsentDocuments(c).any()) return true;
+  const Unsent unsent = NotAtServer(c);
+  if (!unsent.any()) return true;
   if (c->asking) return false;
   c->asking = true;
+  c->failed_while_asking = false;
   if (!c->question) MakeQuestion(c);
+  XwSetText(close_button, unsent.changes > 0 ? "Close Anyway" : "Close without Sending");
   PlaceQuestion(c);
   c->pressed = {};
   c->files.table.Release();
@@ -116,8 +122,11 @@ bool AskBeforeQuit(Console* c) {
   return false;
 }
 
-bool MayLeaveNow(const Console* c) {
-  return c->asking && !UnsentDocuments(c).any();
+bool MayLeaveNow(Console* c) {
+  if (!c->asking || NotAtServer(c).any()) return false;
+  // What was not done is read before the window closes.
+  if (c->failed_while_asking) KeepOpen(c);
+  return c->asking;
 }
 
 bool GiveAnswer(Console* c, int id) {

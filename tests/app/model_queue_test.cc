@@ -215,6 +215,11 @@ TEST(PendingChanges, EndWithTheServersTruth) {
   EXPECT_EQ(pending.Expire(31000), 1);
   for (const JobId& id : {a, b}) pending.Begin(id, Verb::kHold, 0);
   pending.Answered(b, NC_STATUS_DONE, 10);
+  pending.Begin(a, Verb::kRelease, 0);
+  EXPECT_EQ(pending.Unanswered(), 2);
+  pending.Answered(a, NC_STATUS_DONE, 10);
+  EXPECT_EQ(pending.Unanswered(), 1)
+      << "the second change of that job is not answered by the first";
   EXPECT_EQ(pending.Lose(), 1) << "what was answered only waits for the list";
   EXPECT_TRUE(!pending.Of(a) && pending.Of(b));
 }
@@ -223,6 +228,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(UnsentText({1, 0}), "1 document has not been sent");
   EXPECT_EQ(UnsentText({0, 1200}), "1,200 documents could not be sent");
   EXPECT_EQ(UnsentText({2, 1}), "2 documents have not been sent, 1 could not be sent");
+  EXPECT_EQ(UnsentText({0, 0, 37}), "37 changes of jobs have not been made");
+  EXPECT_EQ(UnsentText({1, 1, 1}), "2 documents and 1 change have not reached the server");
   auto jobs = *Jobs({"a:p", "a:w", "a:d", "a:w"});
   jobs[0].total = 4200000, jobs[0].printed = 2100000;
   strcpy(jobs[1].reasons, "printer-paused,new-keyword");
