@@ -140,6 +140,7 @@ void ToolsPane::Edited(int type) {
 
 void ToolsPane::PutBackCopies() {
   choice_->no_copies = false;
+  choice_->copies = copies_before_;
   XwSetValue(copies, choice_->copies);
 }
 
@@ -156,6 +157,7 @@ void ToolsPane::ChangePriority(int by) {
 
 void ToolsPane::ShowChoice() {
   if (!choice_->no_copies) XwSetValue(copies, choice_->copies);
+  BeginCopies();
   XwSetSliderRange(priority, 1, kMostPriority, choice_->priority);
   if ((XwGetValue(hold) == 1) != choice_->hold) XwSetValue(hold, choice_->hold);
   const int rgb = choice_->colour;

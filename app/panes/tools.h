@@ -28,7 +28,11 @@ class ToolsPane {
   bool Chosen(int id, int value);
   // 788 to 790 of the box of the copies.
   void Edited(int type);
-  // The box shows the number that counts again.
+  // The box of the copies gets the keyboard.
+  void BeginCopies() {
+    if (!choice_->no_copies) copies_before_ = choice_->copies;
+  }
+  // The number from before the box had the keyboard counts again.
   void PutBackCopies();
   void ChangeCopies(int by);
   void ChangePriority(int by);
@@ -51,7 +55,8 @@ class ToolsPane {
   PrintChoice* choice_;
   NameChoice printer_, profile_, media_;
   Area colour_area_;
-  int documents_ = 1;  // that the button tells of
+  int copies_before_ = 1;  // of what is typed
+  int documents_ = 1;      // that the button tells of
 };
 
 }  // namespace console

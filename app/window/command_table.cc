@@ -116,6 +116,10 @@ template <int column>
 void Sort(Console* c) {
   SortBy(c, column);
 }
+template <FileOrder order>
+bool SortsBy(const Console* c) {
+  return c->files.folder.order() == order;
+}
 
 constexpr Command Row(CommandId id, Menu menu, const char* name, Enabled enabled, Run run,
                       CommandMore more = {}) {
@@ -278,9 +282,11 @@ constexpr Command kCommands[] = {
     Row(kShowHiddenCommand, kViewMenu, "Show Hidden Names", nullptr, ShowHidden,
         {.key = 'h', .modifiers = XWS_CONTROL | XWS_SHIFT, .checked = ShowsHidden}),
     Row(kSortByNameCommand, kViewMenu, "Sort by Name", nullptr, Sort<0>,
-        {.group = true, .key = '1'}),
-    Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>, {.key = '2'}),
-    Row(kSortByDateCommand, kViewMenu, "Sort by Date", nullptr, Sort<2>, {.key = '3'}),
+        {.group = true, .key = '1', .checked = SortsBy<FileOrder::kName>}),
+    Row(kSortBySizeCommand, kViewMenu, "Sort by Size", nullptr, Sort<1>,
+        {.key = '2', .checked = SortsBy<FileOrder::kSize>}),
+    Row(kSortByDateCommand, kViewMenu, "Sort by Date", nullptr, Sort<2>,
+        {.key = '3', .checked = SortsBy<FileOrder::kTime>}),
 
     Row(kSortQueueCommand, kViewMenu, "Sort Queue By", nullptr, nullptr,
         {.group = true,

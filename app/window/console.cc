@@ -51,6 +51,7 @@ void AddAllHits(Console* c) {
 void SetFocusStop(Console* c, FocusStop stop) {
   if (c->stop == stop) return;
   c->stop = stop;
+  if (stop == FocusStop::kCopies) c->tools.BeginCopies();
   if (IsInQueue(stop)) c->queue.StayHere();
   c->damage = kAllPanes;
 }

@@ -8,6 +8,7 @@
 #include "app/panes/ids.h"
 #include "app/window/commands.h"
 #include "app/window/console.h"
+#include "app/window/form.h"
 #include "app/window/queue_commands.h"
 
 namespace console {
@@ -157,6 +158,13 @@ FocusStop StopAfterBox(const Console* c, FocusStop table) {
 
 namespace {
 
+// Return has ended the box, and what stands there is no number of copies.
+void StayInCopies(Console* c) {
+  GoToBox(c->tools.copies);
+  TellWhy(c, WhyNotPrint(c));
+  c->damage |= kToolsPane | kDetailsPane;
+}
+
 // The filter of the files, or the copies.
 void UseOtherBox(Console* c, int type, int id, bool gained) {
   const bool filter = id == kFilterControl;
@@ -169,7 +177,12 @@ void UseOtherBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
-  if (!filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) c->tools.PutBackCopies();
+  if (!filter && type == XWE_EDIT_DONE && c->choice.no_copies) return StayInCopies(c);
+  if (!filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) {
+    c->tools.PutBackCopies();
+    c->status.PassReason();
+    c->damage |= kStatusPane;
+  }
   // The report of a key takes its place, also of one that does nothing in a box.
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_UP)) c->tools.ChangeCopies(1);
   if (!filter && type == XWE_EDIT_CHANGED && XwGetKeyState(XWE_DOWN)) c->tools.ChangeCopies(-1);

@@ -140,6 +140,7 @@ void Open(Console* c, Verb verb, std::vector<QueueId> jobs, const std::string& o
   XwSetTextUtf8(window, name.c_str());
   XwSetGround(window, nullptr, 2);
   Make(w);
+  XwDescribeControl(w->box, name.c_str());
   if (number > 0) XwSetTextUtf8(w->box, std::to_string(number).c_str());
   Update(w);
   XwCenter(window, c->window);

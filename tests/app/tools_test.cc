@@ -52,6 +52,17 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
     Click(*area);
     EXPECT_EQ(XwGetFocus(c_->window), box);
   }
+  // Return keeps the keyboard at what is no number of copies; Escape takes back what was typed.
+  Click(c_->layout.copies);
+  for (const char digit : {'9', '9', '9', '9'}) Key(uint32_t(digit), digit);
+  Key(kReturnKey);
+  EXPECT_EQ(XwGetFocus(c_->window), c_->tools.copies);
+  EXPECT_EQ(c_->status.message().text, "Copies is a number from 1 to 999");
+  Key('9', '9');
+  EXPECT_EQ(c_->choice.copies, 9);
+  Key(0xFF1B);
+  EXPECT_EQ(c_->choice.copies, 1);
+  EXPECT_EQ(XwGetFocus(c_->window), nullptr);
   Click(c_->files.table.NoteButton());
   EXPECT_EQ(c_->files.FilterText(), "");
 
