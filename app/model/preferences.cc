@@ -4,6 +4,8 @@
 #include <charconv>
 #include <string_view>
 
+#include "printserver/nc.h"
+
 namespace console {
 namespace {
 
@@ -187,10 +189,22 @@ std::string FormatPreferences(const Preferences& p) {
   return out;
 }
 
+namespace {
+
+// The name without the usual port: with it, and without, it is the same server.
+std::string WithoutUsualPort(const std::string& server) {
+  const std::string port = ":" + std::to_string(NC_PORT);
+  return server.ends_with(port) ? server.substr(0, server.size() - port.size()) : server;
+}
+
+}  // namespace
+
 void NoteServer(const std::string& server, Preferences* p) {
   p->server = server;
   if (server.empty()) return;
-  std::erase(p->recent_servers, server);
+  std::erase_if(p->recent_servers, [&server](const std::string& s) {
+    return WithoutUsualPort(s) == WithoutUsualPort(server);
+  });
   p->recent_servers.insert(p->recent_servers.begin(), server);
   if (p->recent_servers.size() > kMostRecentServers) p->recent_servers.resize(kMostRecentServers);
 }

@@ -121,6 +121,12 @@ void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {
     if (chosen_.empty() && p.is_default) chosen_ = p.name;
 }
 
+void Printers::ForgetServer() {
+  printers_ = nullptr;
+  rows_.clear();
+  if (!by_somebody_) chosen_.clear();
+}
+
 std::vector<std::string> Printers::Names() const {
   std::vector<std::string> names;
   for (const PrinterRow& row : rows_) names.push_back(row.printer->name);

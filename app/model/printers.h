@@ -52,7 +52,13 @@ class Printers {
   const PrinterRow* Find(const std::string& name) const;
 
   // Somebody chooses a printer, or did so in an earlier session.
-  void Choose(const std::string& name) { chosen_ = name; }
+  void Choose(const std::string& name) {
+    chosen_ = name;
+    by_somebody_ = true;
+  }
+  // Those of another server come. What somebody chose stays chosen, by its name: where that server
+  // has none of that name, WhyNotPrint says so.
+  void ForgetServer();
   // Its name as the server has it. Nothing but a choice changes it: before the first one it becomes
   // the server's default with the first list that has one, and stays so. "" when none was known
   // yet.
@@ -74,6 +80,7 @@ class Printers {
   std::shared_ptr<const std::vector<NC_Printer>> printers_;
   std::vector<PrinterRow> rows_;
   std::string chosen_;
+  bool by_somebody_ = false;  // else it is the server's default
 };
 
 // It stands still, and nobody has paused it.

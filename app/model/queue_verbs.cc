@@ -270,7 +270,10 @@ std::optional<Question> RemovalQuestion(const QueueRows& rows, const std::vector
   } else {
     text = "Remove " + NumberText(jobs) + " jobs?";
     if (at_printer) text += " " + NumberOf(at_printer, "is", "are") + " at the printer.";
-    if (others) text += " " + NumberOf(others, "is not yours", "are not yours") + ".";
+    if (others == jobs)
+      text += jobs == 2 ? " Neither is yours." : " None is yours.";
+    else if (others)
+      text += " " + NumberOf(others, "is not yours", "are not yours") + ".";
   }
   return Question{text, "Keep", "Remove"};
 }

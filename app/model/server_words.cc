@@ -13,7 +13,7 @@ constexpr int kMostHost = 40;  // characters
 
 std::string AwayText(const std::string& host, const std::string& trouble, int left_s) {
   const std::string what = CutMiddle(Shown(host), kMostHost) + " " + trouble + ". ";
-  if (left_s < 0) return what + "Trying again…";
+  if (left_s <= 0) return what + "Trying again…";
   return what + "Next try in " + NumberText(left_s) + " s.";
 }
 

@@ -30,7 +30,7 @@ bool NeedsPane::ChosenIsGone() const {
 
 const PrinterRow* NeedsPane::WithoutPaper() const {
   const auto all = printers.WithoutPaper();
-  return all.empty() || ChosenIsGone() ? nullptr : all.front();
+  return all.empty() ? nullptr : all.front();
 }
 
 bool NeedsPane::ChosenIsStopped() const {
@@ -39,13 +39,15 @@ bool NeedsPane::ChosenIsStopped() const {
 }
 
 std::string NeedsPane::Text() const {
-  if (ChosenIsGone()) return printers.WhyNotPrint();
   const auto all = printers.WithoutPaper();
+  const std::string gone = ChosenIsGone() ? printers.WhyNotPrint() : "";
+  if (all.empty() && !gone.empty()) return gone;
   if (all.empty())
     return ChosenIsStopped()
                ? "“" + printers.Chosen()->short_name + "”: " + printers.Chosen()->state
                : "";
-  const std::string text = Quoted(all.front()->printer->name) + " is out of paper";
+  const std::string text =
+      (gone.empty() ? "" : gone + ". ") + Quoted(all.front()->printer->name) + " is out of paper";
   return all.size() == 1 ? text
                          : text + ", and so " + (all.size() == 2 ? "is " : "are ") +
                                NumberOf(int64_t(all.size()) - 1, "other printer", "other printers");
@@ -61,8 +63,11 @@ void NeedsPane::Place() {
       which ? "Paper Loaded in “" + row->short_name + "”" : std::string("Paper Loaded");
   if (text != load_text_) XwSetTextUtf8(load, text.c_str());
   load_text_ = text;
-  for (XwWindow* each : {load, choose})
-    PlaceControl(each, each == Button() && !layout.needs.Empty() ? button : Area{});
+  a.TakeRight(kEdge);
+  const Area second = a.TakeRight(kButton).Inset(0, 5);
+  const bool empty = layout.needs.Empty();
+  PlaceControl(load, row && !empty ? button : Area{});
+  PlaceControl(choose, empty ? Area{} : !row ? button : ChosenIsGone() ? second : Area{});
 }
 
 void NeedsPane::Draw() const {
@@ -71,6 +76,7 @@ void NeedsPane::Draw() const {
   const Style& l = TheStyle();
   a = DrawStrip(a, WithoutPaper() ? l.bad : l.warning);
   a.TakeRight(kEdge + ButtonWidth(this) + kEdge);
+  if (WithoutPaper() && ChosenIsGone()) a.TakeRight(kButton + kEdge);
   DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
 }
 

@@ -21,9 +21,9 @@ struct NeedsPane {
 
   // What it says: one sentence, "" when there is nothing to be done.
   std::string Text() const;
-  // The one that is offered.
+  // The one where the keyboard stops; that for another printer may stand beside it.
   XwWindow* Button() const { return WithoutPaper() ? load : choose; }
-  // The one that wants paper; null when none does, or another thing comes first.
+  // The one that wants paper; null when none does.
   const PrinterRow* WithoutPaper() const;
 
   static constexpr int kHeight = 34;

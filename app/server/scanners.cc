@@ -86,10 +86,19 @@ bool CopyWhole(int from, int to) {
   }
 }
 
+// "Coated 2.icc" of "Coated.icc". What stands behind a dot and begins with a letter is an ending;
+// "v2.1" has none.
+std::string Numbered(const std::string& name, int number) {
+  size_t end = name.rfind('.');
+  if (end == std::string::npos || end == 0 || end + 1 == name.size() || name[end + 1] < 'A')
+    end = name.size();
+  return name.substr(0, end) + " " + std::to_string(number) + name.substr(end);
+}
+
 // What came of it, as a notice. Nothing that is there is written over.
 Message SaveDraft(const Draft& draft, const ServerRequest& r) {
   for (int i = 1; i <= kMostNames; ++i) {
-    const std::string name = i == 1 ? r.name : r.name + " " + std::to_string(i);
+    const std::string name = i == 1 ? r.name : Numbered(r.name, i);
     const std::string path = r.folder + "/" + name;
     const os::Handle file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));

@@ -109,8 +109,9 @@ struct ServerState {
   int away_times = 0;   // how often it has gone away
   int quiet_s = 0;      // whole seconds that the present call has been waiting for an answer
   std::string trouble;  // away: why, as what its name does: "does not answer"
-  bool listed = false;  // the lists have come once
-  int64_t seen = 0;     // when the lists were true last, seconds since 1970; 0: never
+  bool nothing_listens = false;  // away: the last try was refused by the computer itself
+  bool listed = false;           // the lists have come once
+  int64_t seen = 0;              // when the lists were true last, seconds since 1970; 0: never
   std::shared_ptr<const std::vector<NC_Job>> jobs;          // never null
   std::shared_ptr<const std::vector<NC_Printer>> printers;  // never null
   std::shared_ptr<const std::vector<NC_Profile>> profiles;  // never null

@@ -15,6 +15,8 @@ constexpr int kConnectMs = 3000, kCallMs = 5000;
 constexpr int kFirstRetryMs = 1000, kLastRetryMs = 15000;
 
 constexpr char kSilent[] = "does not answer";
+constexpr char kClosed[] = "closed the connection";
+constexpr char kStrange[] = "answers in a way this console does not understand";
 
 // Why there is no connection, as what the server's name does.
 const char* ConnectTrouble(int code, int error) {
@@ -25,10 +27,17 @@ const char* ConnectTrouble(int code, int error) {
     case NC_REFUSED:
       return "refuses this console";
     case NC_NO_SERVER:
-      return error == ETIMEDOUT ? kSilent : "runs no print server";
+      if (error == ETIMEDOUT) return kSilent;
+      return error == ECONNRESET || error == EPIPE ? kClosed : "runs no print server";
     default:
       return "cannot be asked: the system has no connection left";
   }
+}
+
+// Why a connection ended that was there.
+const char* BreakTrouble(int error) {
+  if (error == ETIMEDOUT) return kSilent;
+  return error == EMSGSIZE ? kStrange : kClosed;
 }
 
 }  // namespace
@@ -63,13 +72,14 @@ bool Worker::Stopping() {
 }
 
 // The server is gone: says so, and when to try again. What refuses once will do so for a while.
-void Worker::GoAway(Link link, const std::string& trouble) {
+void Worker::GoAway(Link link, const std::string& trouble, bool nothing_listens) {
   Close(kLists);
   retry_ms_ = retry_ms_ == 0 ? kFirstRetryMs : std::min(retry_ms_ * 2, kLastRetryMs);
   if (link == Link::kRefused) retry_ms_ = kLastRetryMs;
   Locked lock(shared_);
   shared_->state.link = link;
   shared_->state.trouble = trouble;
+  shared_->state.nothing_listens = nothing_listens;
   shared_->retry_at = MonotonicMs() + retry_ms_;
   shared_->state.retry_ms = retry_ms_;
   ++shared_->state.away_times;
@@ -90,7 +100,8 @@ bool Worker::TryToConnect(int ms) {
   const int error = errno;
   Ended();
   if (fd < 0) {
-    GoAway(fd == NC_REFUSED ? Link::kRefused : Link::kAway, ConnectTrouble(fd, error));
+    GoAway(fd == NC_REFUSED ? Link::kRefused : Link::kAway, ConnectTrouble(fd, error),
+           fd == NC_NO_SERVER && error == ECONNREFUSED);
     return false;
   }
   next_poll_ = 0;
@@ -179,7 +190,7 @@ void Worker::Serve(int connect_ms) {
   if (!good) {
     const int error = errno;
     Ended();
-    GoAway(Link::kAway, error == ETIMEDOUT ? kSilent : "closed the connection");
+    GoAway(Link::kAway, BreakTrouble(error));
   }
 }
 

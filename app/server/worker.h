@@ -24,7 +24,7 @@ class Worker {
   void Close(Which which);
   bool Stopping();
   bool Ready();
-  void GoAway(Link link, const std::string& trouble);
+  void GoAway(Link link, const std::string& trouble, bool nothing_listens = false);
   bool TryToConnect(int ms);
   // Around a call that waits for the server.
   void Began();

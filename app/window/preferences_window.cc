@@ -152,8 +152,7 @@ bool MayLeaveServer(const Console* c) {
 
 void ChangeServer(Console* c, const std::string& server) {
   // Printers and profiles were the other server's.
-  c->printers = {};
-  c->choice.printer.clear();
+  c->printers.ForgetServer();
   c->choice.profile.clear();
   c->just_sent = 0;
   c->start_tried = false;

@@ -53,7 +53,8 @@ std::string WhyNotStartServer(const Console* c) {
     return "A print server runs there already";
   if (!IsLocalServer(c->server.host())) return "The print server is on another computer";
   // While it is tried once more the button stays.
-  return c->banner.shown ? "" : "It is not known yet whether a print server runs here";
+  if (!c->banner.shown) return "It is not known yet whether a print server runs here";
+  return c->state.nothing_listens ? "" : "Something answers at the server's address already";
 }
 
 bool CanStartServer(const Console* c) {
