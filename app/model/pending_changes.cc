@@ -82,8 +82,11 @@ Message DoneMessage(const ChangeOutcome& outcome) {
                                                       : Quoted(outcome.document);
   if (outcome.verb != Verb::kMove || outcome.printer.empty())
     return {Tone::kGood, WordsOf(outcome.verb).done + what};
-  const std::string where = "Moved to " + Quoted(outcome.printer);
-  if (outcome.lacks.empty()) return {Tone::kGood, where + ": " + what};
+  std::string where = "Moved to " + Quoted(outcome.printer);
+  if (!outcome.was_on.empty())
+    where += ", though somebody else had moved it to " + Quoted(outcome.was_on);
+  if (outcome.lacks.empty())
+    return {outcome.was_on.empty() ? Tone::kGood : Tone::kWarning, where + ": " + what};
   return {Tone::kWarning, where + ", which has no " + outcome.lacks + ": " + what};
 }
 

@@ -50,6 +50,7 @@ struct ChangeOutcome {
   std::string printer;   // of kMove: to which they were moved
   std::string lacks;     // the media of a moved one that it does not have; "": it has all of them
   Message refusal;       // the first one
+  std::string was_on;    // of kMove: where somebody else had moved one of them; "": nobody had
 };
 // In one line, however many jobs they were.
 Message OutcomeMessage(const ChangeOutcome& outcome);

@@ -130,12 +130,16 @@ void Worker::Answered(const JobStep& step, int status, bool left_held) {
   if (outcome_.refused++ == 0) outcome_.refusal = std::move(refusal);
 }
 
-// Where a job went, and what it asks for that is not there. Under the mutex.
+// Where a job went, where somebody else had moved it before, and what it asks for that is not
+// there. Under the mutex.
 void Worker::NoteMove(const JobStep& step) {
   outcome_.printer = step.change.printer;
   const ServerState& state = shared_->state;
   for (const NC_Job& job : *state.jobs) {
-    if (QueueIdOf(job).job != step.job || !job.media[0]) continue;
+    if (QueueIdOf(job).job != step.job) continue;
+    const bool crossed = !step.seen_on.empty() && step.seen_on != job.printer;
+    if (crossed && step.change.printer != job.printer) outcome_.was_on = job.printer;
+    if (!job.media[0]) continue;
     for (const NC_Printer& p : *state.printers)
       if (p.name == step.change.printer && !HasMedia(p, job.media))
         outcome_.lacks = Shown(job.media);

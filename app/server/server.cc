@@ -292,7 +292,7 @@ void Server::Retry(int number) {
 
 void Server::Change(const std::vector<NamedJob>& jobs, const JobChange& change) {
   std::vector<JobStep> steps;
-  for (const NamedJob& job : jobs) steps.push_back({job.id, change, {}, job.document});
+  for (const NamedJob& job : jobs) steps.push_back({job.id, change, {}, job.document, job.printer});
   Locked lock(shared_.get());
   shared_->Add(std::move(steps));
 }

@@ -33,6 +33,7 @@ inline bool IsAway(Link link) {
 struct NamedJob {
   JobId id{};
   std::string document;
+  std::string printer = "";  // where it was seen; "": that does not matter
 };
 
 // What is to be done to jobs.

@@ -21,6 +21,7 @@ struct JobStep {
   JobChange change;
   JobId before{};             // of kReorder
   std::string document = "";  // the job's, as who asked for the change has seen it
+  std::string seen_on = "";   // its printer, likewise; "": that does not matter
   int batch = 0, of = 0;      // `of`: the steps of the batch
 };
 

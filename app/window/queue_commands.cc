@@ -66,6 +66,11 @@ std::vector<const NC_Printer*> PrintersByName(const Console* c) {
   return printers;
 }
 
+std::string PrinterOf(const Console* c, const QueueId& id) {
+  const NC_Job* job = c->queue.rows.JobOf(id);
+  return job ? job->printer : "";
+}
+
 bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
   const std::optional<Question> q = RemovalQuestion(c->queue.rows, ids);
   if (!q) return true;
@@ -105,7 +110,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   std::vector<NamedJob> jobs;
   for (const QueueId& id : check.on) {
     if (!id.outgoing)
-      jobs.push_back({id.job, c->queue.rows.NameOf(id)});
+      jobs.push_back({id.job, c->queue.rows.NameOf(id), PrinterOf(c, id)});
     else if (change.verb == Verb::kRemove)
       c->server.Cancel(id.outgoing);
     else

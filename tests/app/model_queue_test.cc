@@ -254,8 +254,11 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(history, "Submitted Begun Failed ");
   EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
   EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
-  const ChangeOutcome moved{Verb::kMove, 2, 0, "", "Proof", "A1", {}};
+  ChangeOutcome moved{Verb::kMove, 2, 0, "", "Proof", "A1", {}, ""};
   EXPECT_EQ(OutcomeMessage(moved).text, "Moved to “Proof”, which has no A1: 2 jobs");
+  moved.lacks = "", moved.was_on = "Wide";
+  EXPECT_EQ(OutcomeMessage(moved).text,
+            "Moved to “Proof”, though somebody else had moved it to “Wide”: 2 jobs");
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
     EXPECT_EQ(AnswerMessage(Verb::kMove, status, "a").tone, Tone::kWarning);
