@@ -120,7 +120,7 @@ void Worker::Answered(const JobStep& step, int status, bool left_held) {
   shared_->state.pending.Answered(step.job, status, MonotonicMs());
   shared_->pending_changed = true;
   ChangeProgress& progress = shared_->state.changing;
-  progress = {step.change.verb, outcome_.done + outcome_.refused + 1, step.of};
+  progress = {step.change.verb, outcome_.done + outcome_.refused + 1, step.batch_size};
   const bool done = status == NC_STATUS_DONE;
   if (done && outcome_.done++ == 0) outcome_.document = step.document;
   if (done && step.change.verb == Verb::kMove) NoteMove(step);

@@ -151,7 +151,7 @@ void Server::Shared::Add(std::vector<JobStep> added) {
   }
   for (JobStep& step : added) {
     step.batch = next_batch;
-    step.of = int(added.size());
+    step.batch_size = int(added.size());
     state.pending.Begin(step.job, step.change.verb, MonotonicMs());
     steps.push_back(std::move(step));
   }

@@ -19,10 +19,10 @@ int64_t MonotonicMs();
 struct JobStep {
   JobId job{};
   JobChange change;
-  JobId before{};             // of kReorder
-  std::string document = "";  // the job's, as who asked for the change has seen it
-  std::string seen_on = "";   // its printer, likewise; "": that does not matter
-  int batch = 0, of = 0;      // `of`: the steps of the batch
+  JobId before{};                 // of kReorder
+  std::string document = "";      // the job's, as who asked for the change has seen it
+  std::string seen_on = "";       // its printer, likewise; "": that does not matter
+  int batch = 0, batch_size = 0;  // the size in steps
 };
 
 // A change of a printer that has not begun.

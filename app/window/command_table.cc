@@ -55,28 +55,21 @@ void DoTo(Console* c) {
   DoToPrinter(c, which, verb);
 }
 
+template <PrinterVerb verb, Which which>
+constexpr Command PrinterRow(CommandId id, Menu menu, const char* name, CommandMore more) {
+  more.why_not = WhyNotDo<verb, which>;
+  return {id, menu, name, CanDo<verb, which>, DoTo<verb, which>, more};
+}
 // In the menu of a printer.
 template <PrinterVerb verb>
 constexpr Command PrinterVerbRow(CommandId id, const char* name, bool group = false) {
-  constexpr Which at = Which::kAt;
-  return {id,
-          kNoMenu,
-          name,
-          CanDo<verb, at>,
-          DoTo<verb, at>,
-          {.group = group, .contexts = kOnPrinters, .why_not = WhyNotDo<verb, at>}};
+  return PrinterRow<verb, Which::kAt>(id, kNoMenu, name, {.group = group, .contexts = kOnPrinters});
 }
 // The same of the chosen printer, which the menu of the queue names.
 template <PrinterVerb verb>
 constexpr Command ChosenPrinterRow(CommandId id, const char* name,
                                    std::string (*text)(const Console*)) {
-  constexpr Which chosen = Which::kChosen;
-  return {id,
-          kQueueMenu,
-          name,
-          CanDo<verb, chosen>,
-          DoTo<verb, chosen>,
-          {.text = text, .why_not = WhyNotDo<verb, chosen>}};
+  return PrinterRow<verb, Which::kChosen>(id, kQueueMenu, name, {.text = text});
 }
 
 void StopSending(Console* c) {

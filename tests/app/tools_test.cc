@@ -170,7 +170,7 @@ TEST_F(ConsoleTest, ALongNameIsCutOnceForTheWidthOfItsBox) {
   for (const int width : {760, 1300, 2440}) {
     XwMove(c_->window, c_->window->x, c_->window->y, width, 800);
     Turn(3);
-    // The server that is not there has a list of its own in between.
+    // The console may have taken an empty list since: no server answers.
     c_->state.printers = std::make_shared<std::vector<NC_Printer>>(1, printer);
     PrintersCame(c_);
     UpdateControls(c_);
