@@ -175,7 +175,10 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
       {"\xFF\xFE\xFC\0\x3D\xD8\0\xDE"s, {"ü😀"}, ""},
       {"\xFE\xFF\xD8\x3D\0a"s, {"\uFFFDa"}, ""},
       {std::string(65535, 'x') + "\xC3\xA4", {std::string(400, 'x')}, ""},
-      {"a\0b"s, {}, "No preview of this kind of document"},
+      {"twenty letters and a \0zero\x01"s, {}, "No preview of this kind of document"},
+      {"some forty letters, more than a line has,\0and a zero\n"s,
+       {"some forty letters, more than a line has, and a zero"},
+       ""},
       {"", {}, "This file is empty"},
   };
   for (const auto& c : cases) {
