@@ -21,7 +21,8 @@ struct MenuItem {
   uint64_t serial = 0;
   bool hidden() const { return attributes & kMenuItemAttrHidden; }
   bool separator() const { return attributes & kMenuItemAttrSeparator; }
-  bool enabled() const { return !(attributes & kMenuItemAttrDisabled) && !separator(); }
+  // Nor is one whose sub-menu is disabled as a whole: it does not open.
+  bool enabled() const;
 };
 
 struct Menu {

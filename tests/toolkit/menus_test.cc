@@ -392,6 +392,12 @@ TEST(Menus, ItemsByTheirIds) {
   EXPECT_FALSE(Item("Two").state & kIsEnabled);
   XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
   EXPECT_FALSE(Item("By size").state & kIsEnabled) << "the whole sub-menu";
+  EXPECT_FALSE(Item("Sort").state & kIsEnabled);
+  // The keys pass it over, and the pointer opens nothing there.
+  const auto closed = [] { EXPECT_FALSE(Shown("By size")); };
+  User({Key('f', 'f', optionKey), Key('s', 's'), Key(kRight), closed, Key(kEscape, 27)});
+  User({Move("File"), [] { Down(), Up(); }, Move("Sort"), closed, Key(kEscape, 27)});
+  Came();
   XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 1);
   XwChangeMenuItemText(m.file, 101, "Load");
   EXPECT_TRUE(Item("Load").state & kIsEnabled) << "without dots";
