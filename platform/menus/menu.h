@@ -42,6 +42,8 @@ struct BarTitle {
 // --- bar.cc
 // The titles as they stand now: the application's, the inserted ones, and » where they do not fit.
 const std::vector<BarTitle>& BarTitles();
+// Whether it is the application's menu with Quit alone.
+bool OnlyQuits(const Menu* m);
 // The title at a point of the first window's content; null: none.
 const BarTitle* TitleAt(Point where);
 // The titles have changed.
