@@ -140,8 +140,8 @@ bool XServer::StartManager(const std::string& name) {
   } else {
     manager_ = Start({name}, -1);
   }
-  XUser user;
-  return manager_ > 0 && Eventually([&] { return user.IsManaged(); });
+  prober_ = std::make_unique<XUser>();
+  return manager_ > 0 && Eventually([&] { return prober_->IsManaged(); });
 }
 
 XUser::XUser() {
