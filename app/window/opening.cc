@@ -58,13 +58,16 @@ void TakeDocuments(Console* c) {
   const char* const* files = XwDroppedFiles(&count);
   std::vector<std::string> paths(files, files + count);
   if (Inp.param) return ShowDocuments(c, std::move(paths));
-  // One on a mount that does not answer holds up nothing.
-  const BackgroundTask task([paths = std::move(paths)] {
-    auto* dropped = new DroppedPaths(LookAtDropped(paths));
-    const std::string detail =
-        std::to_string(dropped->files.size()) + " " + std::to_string(dropped->folders.size());
-    XwPost("dropped", detail.c_str(), TakeDropped, dropped);
-  });
+  // One on a mount that does not answer holds up nothing. Each has a kind of its own: a result
+  // would replace one of the same kind that still waits.
+  static int drops = 0;
+  const BackgroundTask task(
+      [paths = std::move(paths), kind = "dropped " + std::to_string(++drops)] {
+        auto* dropped = new DroppedPaths(LookAtDropped(paths));
+        const std::string detail =
+            std::to_string(dropped->files.size()) + " " + std::to_string(dropped->folders.size());
+        XwPost(kind.c_str(), detail.c_str(), TakeDropped, dropped);
+      });
   if (task.failed()) Tell(c, false, "What was dropped cannot be looked at just now");
 }
 
