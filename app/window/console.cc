@@ -442,12 +442,14 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   const Area place = FirstPlace(p);
   XwWindow* w = XwCreate(0, place.x, place.y, place.w, place.h, Handle);
   if (!w) return nullptr;
+  // At once, since the window's first pixels are made with it. Controls erase to it, also while
+  // inactive.
+  XwSetGround(w, &TheStyle().tool_bar, 0);
   auto* c = new Console(host);
   g_console = c;
   c->window = w;
   c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
-  XwSetGround(w, &TheStyle().tool_bar, 0);  // controls erase to it, also while inactive
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   XwSetContextMenuHandler(w, OpenMenuByKey);

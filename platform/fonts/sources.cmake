@@ -5,7 +5,6 @@ quorvik_archives(xw_font_archives freetype png16 z brotlidec brotlicommon)
 target_include_directories(xw SYSTEM PUBLIC ${FREETYPE_INCLUDE_DIRS})
 target_link_libraries(xw PUBLIC ${xw_font_archives} ${CMAKE_DL_LIBS} m)
 target_sources(xw PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/ahead.cc
   ${CMAKE_CURRENT_LIST_DIR}/cache_file.cc
   ${CMAKE_CURRENT_LIST_DIR}/font_cache.cc
   ${CMAKE_CURRENT_LIST_DIR}/face.cc
