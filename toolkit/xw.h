@@ -656,6 +656,9 @@ void XwSetMenu(XwWindow* window, XwMenuItem* bar);
 /* Shows a menu at (Inp.root_x, Inp.root_y) and waits. The chosen item's id; of a colour item its
  * negative position from 1; 0 when it is dismissed. */
 int32_t XwPopupMenu(XwMenuItem* items);
+/* The same for one that a key opens: the first item that is checked has the keyboard, else the
+ * first that can be chosen. */
+int32_t XwPopupMenuByKey(XwMenuItem* items);
 /* The same with a null-terminated list of texts, the one at `current` with a mark. The index of the
  * chosen one from 0; -1. */
 int32_t XwPopupList(const char* const* strings, int32_t current);

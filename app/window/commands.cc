@@ -239,7 +239,7 @@ void OpenChoices(Console* c, const Command& command) {
   const Table& table = IsInQueue(c->stop) ? c->queue.table : c->files.table;
   const Area row = table.focus() < 0 ? table.Body() : table.RowArea(table.focus());
   XwPopupLocation(c->window, row.x + 60, std::min(row.y + Table::kRowHeight, row.bottom()));
-  if (const int chosen = XwPopupMenu(ChoicesOf(command))) RunCommand(c, chosen);
+  if (const int chosen = XwPopupMenuByKey(ChoicesOf(command))) RunCommand(c, chosen);
 }
 
 }  // namespace

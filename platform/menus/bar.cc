@@ -205,6 +205,10 @@ void SetPreferencesCommand(bool offered) {
   RemakeApplicationMenu();
   ForgetBarLayout();
 }
+bool OnlyQuits(const Menu* m) {
+  return m == bar.application && !bar.preferences;
+}
+
 bool PreferencesCommandOffered() {
   return bar.preferences;
 }

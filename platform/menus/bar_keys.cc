@@ -26,10 +26,15 @@ MenuRef TitleByLetter(char32_t letter) {
   return nullptr;
 }
 
+// A menu whose first item is Quit comes behind all others: nobody is to quit by a slip.
 MenuRef FirstTitle() {
-  for (const BarTitle& t : BarTitles())
-    if (!t.menu->disabled) return t.menu;
-  return nullptr;
+  MenuRef quits = nullptr;
+  for (const BarTitle& t : BarTitles()) {
+    if (t.menu->disabled) continue;
+    if (!OnlyQuits(t.menu)) return t.menu;
+    quits = t.menu;
+  }
+  return quits;
 }
 
 void ShowLetters(bool shown) {

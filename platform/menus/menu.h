@@ -21,7 +21,8 @@ struct MenuItem {
   uint64_t serial = 0;
   bool hidden() const { return attributes & kMenuItemAttrHidden; }
   bool separator() const { return attributes & kMenuItemAttrSeparator; }
-  bool enabled() const { return !(attributes & kMenuItemAttrDisabled) && !separator(); }
+  // Nor is one whose sub-menu is disabled as a whole: it does not open.
+  bool enabled() const;
 };
 
 struct Menu {
@@ -41,6 +42,8 @@ struct BarTitle {
 // --- bar.cc
 // The titles as they stand now: the application's, the inserted ones, and » where they do not fit.
 const std::vector<BarTitle>& BarTitles();
+// Whether it is the application's menu with Quit alone.
+bool OnlyQuits(const Menu* m);
 // The title at a point of the first window's content; null: none.
 const BarTitle* TitleAt(Point where);
 // The titles have changed.

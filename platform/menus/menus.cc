@@ -34,6 +34,11 @@ void Changed(MenuRef m, const MenuItem& item, Change what) {
 
 }  // namespace
 
+bool MenuItem::enabled() const {
+  return !(attributes & kMenuItemAttrDisabled) && !separator() &&
+         !(IsValidMenu(sub) && sub->disabled);
+}
+
 MenuRef CreateNewMenu(int id) {
   auto* m = new Menu;
   m->object.type = &kMenuType;

@@ -70,7 +70,8 @@ void SetPreferencesCommand(bool offered);
 bool PreferencesCommandOffered();
 // What stands at the right end of Quit.
 void SetQuitKeyText(const char* utf8);
-// The menu that the keyboard has asked to open (F10, Alt alone, Alt with a letter), null for none.
+// The menu that the keyboard has asked to open, null for none: F10 and Alt alone ask for the first
+// one, but for the application's where that has Quit alone, Alt with a letter for that one.
 // Each request is returned once.
 MenuRef TakeMenuBarRequest();
 // Whether Alt and this letter (without case) open a title.

@@ -415,7 +415,12 @@ void MenuEnds(const Menu* m) {
 
 void MenuChanged(const Menu* m) {
   for (MenuLevel& l : open_menus.levels) {
-    if (l.menu != m) continue;
+    if (l.menu != m) {
+      // The item that opens it may be greyed now, or no longer.
+      const auto opens = [m](const MenuItem& i) { return i.sub == m; };
+      if (std::any_of(l.menu->items.begin(), l.menu->items.end(), opens)) DrawLevel(&l, true);
+      continue;
+    }
     l.layout = LayOutMenu(*m);
     if (l.selected > int(m->items.size())) l.selected = 0;
     FitLevel(l);

@@ -450,7 +450,8 @@ std::vector<Row> Calls() {
       {"XwSetIconOutline XwFillPath XwStrokePath", Outlines},
       {"XwConfirm XwConfirmUtf8", Alerts},
       {"XwSetToolbar XwShowToolbar", Toolbars},
-      {"XwSetMenu XwPopupMenu XwPopupList XwPopupLocation XwEnableMenuItem XwChangeMenuItemText "
+      {"XwSetMenu XwPopupMenu XwPopupMenuByKey XwPopupList XwPopupLocation XwEnableMenuItem "
+       "XwChangeMenuItemText "
        "XwChangeMenuItemFlags XwCheckMenuItem XwCheckMenuRadioItem XwGetMenuItemState "
        "XwGetMenuRadioItem XwGetMenuItemText XwSetMenuItemKey",
        Menus},

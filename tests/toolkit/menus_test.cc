@@ -183,6 +183,9 @@ TEST(Menus, ByTheKeyboardAlone) {
   EXPECT_EQ(Came(), "793 793 793 265 800 794:202");
   User({Key(kF10), Key(kLeft), check("Cut"), Key(kDown), Key(' ', ' ')});
   EXPECT_EQ(Came(), "793 265 800 794:402");
+  SetPreferencesCommand(false);
+  User({Key(kF10), check("Open..."), Key(kLeft), check("Quit"), Key(kEscape, 27)});
+  SetPreferencesCommand(true);
   // First letters; Escape closes one level after the other.
   User({Key('f', 'f', optionKey), Key('p', 'p'), check("Print"), Key('s', 's'), Key(kReturn, 13),
         check("By name"), Key(kEscape, 27), check("Sort"), Key(kEscape, 27),
@@ -334,6 +337,13 @@ TEST(Menus, PopUps) {
   };
   User({open, Up, Key('b', 'b'), Key('b', 'b'), Key(kReturn, 13)});
   EXPECT_EQ(result, 202);
+  // One that a key opens begins at the checked item.
+  XwCheckMenuRadioItem(m.sort, 201, 202, 202);
+  on_event = [](int type) {
+    if (type == XWE_PRESS) result = XwPopupMenuByKey(menus->sort);
+  };
+  User({open, Up, Key(kReturn, 13)});
+  EXPECT_EQ(result, 202);
   // Letters that follow at once go on with it, and so does a space.
   on_event = [](int type) {
     static const char* const names[] = {"Desk 1", "Desk 10", "Desk 12", "Tray", nullptr};
@@ -392,6 +402,9 @@ TEST(Menus, ItemsByTheirIds) {
   EXPECT_FALSE(Item("Two").state & kIsEnabled);
   XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
   EXPECT_FALSE(Item("By size").state & kIsEnabled) << "the whole sub-menu";
+  EXPECT_FALSE(Item("Sort").state & kIsEnabled);
+  User({Key('f', 'f', optionKey), Key('s', 's'), Key(kRight), Move("Sort"),
+        [] { EXPECT_FALSE(Shown("By size")); }, Key(kEscape, 27)});
   XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 1);
   XwChangeMenuItemText(m.file, 101, "Load");
   EXPECT_TRUE(Item("Load").state & kIsEnabled) << "without dots";

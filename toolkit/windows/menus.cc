@@ -20,15 +20,25 @@ namespace {
 constexpr int kPopupId = 100, kFirstSubId = 101;
 
 // A menu at the place of the current event's pointer.
-int Select(MenuRef menu) {
-  const int chosen = PopUpMenuSelect(menu, Inp.root_y, Inp.root_x, 0);
+int Select(MenuRef menu, int item = 0) {
+  const int chosen = PopUpMenuSelect(menu, Inp.root_y, Inp.root_x, item);
   DropButtons(XWS_BUTTONS & ~HeldButtons());
   return chosen;
 }
 
-}  // namespace
+// The checked item, else the first one, of those that can be chosen; 0: none can.
+int FirstForKeys(MenuRef menu, const XwMenuItem* items) {
+  int first = 0;
+  for (int position = 1; position <= CountMenuItems(menu); ++position) {
+    const XwMenuItem& record = items[position - 1];
+    if (record.flags & XWM_HIDDEN || !IsMenuItemEnabled(menu, position)) continue;
+    if (record.flags & XWM_CHECKED) return position;
+    if (!first) first = position;
+  }
+  return first;
+}
 
-int32_t XwPopupMenu(XwMenuItem* items) {
+int32_t Popup(XwMenuItem* items, bool by_key) {
   if (!items || !items->text) return 0;
   TargetScope scope;
   MenuColorCount = MenuListCount = 0;
@@ -37,7 +47,7 @@ int32_t XwPopupMenu(XwMenuItem* items) {
   // A menu that is opened while this one is shown makes its own list.
   const std::vector<XwMenuEntry> menus(MenuList, MenuList + MenuListCount);
   const std::vector<uint8_t*> colours(MenuColor, MenuColor + MenuColorCount);
-  const int chosen = Select(menu);
+  const int chosen = Select(menu, by_key ? FirstForKeys(menu, items) : 0);
   const size_t index = size_t(chosen >> 16) - kPopupId;
   const int position = chosen & 0xFFFF;
   int32_t result = 0;
@@ -52,6 +62,16 @@ int32_t XwPopupMenu(XwMenuItem* items) {
   for (uint8_t* image : colours) XwFreeImage(image);
   MenuColorCount = MenuListCount = 0;
   return result;
+}
+
+}  // namespace
+
+int32_t XwPopupMenu(XwMenuItem* items) {
+  return Popup(items, false);
+}
+
+int32_t XwPopupMenuByKey(XwMenuItem* items) {
+  return Popup(items, true);
 }
 
 int32_t XwPopupList(const char* const* strings, int32_t current) {
