@@ -42,7 +42,9 @@ bool ShowsPrinter(const DetailsPane* pane) {
 
 std::string KindOfDocument(const Preview* preview, FileKind by_name) {
   const std::string kind = preview ? KindWords(*preview) : "";
-  if (kind.empty()) return KindText(by_name);
+  // Its name says text, and it holds none.
+  const bool is_data = preview && preview->trouble == PreviewTrouble::kNoPreview;
+  if (kind.empty()) return is_data && by_name == FileKind::kText ? "Data" : KindText(by_name);
   const bool tells_pages =
       preview->pages > 1 || (preview->pages == 1 && preview->kind == DocumentKind::kPdf);
   return tells_pages ? kind + ", " + CountText(preview->pages, "page", "pages") : kind;

@@ -87,8 +87,8 @@ void NeedsPane::Draw() const {
 }
 
 void NeedsPane::AddHits(Hits* hits) const {
-  // The whole of it, where it is cut.
-  hits->Cover(layout.needs, {XWA_STATUS, 0, "Attention", Text(), Text()});
+  // Nothing is pressed there; the tip has the whole of it, where it is cut.
+  hits->Add({}, layout.needs, {XWA_STATUS, 0, "Attention", Text(), Text()});
 }
 
 }  // namespace console

@@ -57,8 +57,7 @@ void ReadFacts(const jpeg_decompress_struct& jpeg, int orientation) {
   const int x = swaps ? jpeg.Y_density : jpeg.X_density;
   const int y = swaps ? jpeg.X_density : jpeg.Y_density;
   if (!jpeg.saw_JFIF_marker || x == 0 || y == 0) return;
-  facts.width_mm = unit * facts.original_width / x;
-  facts.height_mm = unit * facts.original_height / y;
+  TheReport().SetMm(unit * facts.original_width / x, unit * facts.original_height / y);
 }
 
 // Lets the decoder itself make the picture smaller, down to twice what is wanted.

@@ -70,10 +70,8 @@ Page ReadFacts() {
                     page.height < kMostPoints;
   if (!good) GiveUp();
   if (page.turn % 180 != 0) std::swap(page.width, page.height);
-  PreviewHeader& facts = TheReport().facts;
-  facts.pages = pages;
-  facts.width_mm = page.width * kMmOfPoint;
-  facts.height_mm = page.height * kMmOfPoint;
+  TheReport().facts.pages = pages;
+  TheReport().SetMm(page.width * kMmOfPoint, page.height * kMmOfPoint);
   return page;
 }
 

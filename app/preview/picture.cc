@@ -83,6 +83,14 @@ bool SwapsSides(int orientation) {
   return orientation >= 5 && orientation <= 8;
 }
 
+void Report::SetMm(double width, double height) {
+  constexpr double kLeast = 0.05, kMost = 1e6;
+  for (const double mm : {width, height})
+    if (!(mm >= kLeast && mm <= kMost)) return;
+  facts.width_mm = width;
+  facts.height_mm = height;
+}
+
 void Report::SetRoom(int width, int height) {
   room_width_ = width;
   room_height_ = height;

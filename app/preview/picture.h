@@ -48,6 +48,8 @@ class Report {
   std::string text;
   bool damaged = false;
 
+  // How large it is on paper. What no document can be is not taken: densities are often wrong.
+  void SetMm(double width, double height);
   // The picture has to fit into so many pixels.
   void SetRoom(int width, int height);
   int room_width() const { return room_width_; }

@@ -30,8 +30,7 @@ void ReadFacts(png_structp png, png_infop info) {
   png_uint_32 x = 0, y = 0;
   int unit = 0;
   if (!png_get_pHYs(png, info, &x, &y, &unit) || unit != PNG_RESOLUTION_METER || !x || !y) return;
-  facts.width_mm = 1000.0 * facts.original_width / x;
-  facts.height_mm = 1000.0 * facts.original_height / y;
+  TheReport().SetMm(1000.0 * facts.original_width / x, 1000.0 * facts.original_height / y);
 }
 
 void AddRow(const uint8_t* row, int width) {

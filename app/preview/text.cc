@@ -72,12 +72,15 @@ std::string FromLatin(std::string_view bytes) {
   return out;
 }
 
-// What no text has: a zero, and control characters but those that move the print position.
-bool HasControls(std::string_view bytes) {
-  return std::any_of(bytes.begin(), bytes.end(), [](char c) {
+// Whether it is no text: zeros and control characters, but those that move the print position, are
+// more than one in twenty. Fewer lie in many a text, and are not shown.
+bool IsData(std::string_view bytes) {
+  constexpr int kOneIn = 20;
+  const auto controls = std::count_if(bytes.begin(), bytes.end(), [](char c) {
     const auto code = uint8_t(c);
     return code < 0x20 && !(code >= 0x08 && code <= 0x0D) && code != 0x1B;
   });
+  return size_t(controls) * kOneIn > bytes.size();
 }
 
 // In UTF-8; false when it is no text.
@@ -86,9 +89,9 @@ bool Decode(std::string_view bytes, std::string* out) {
   const std::string_view mark = bytes.substr(0, 2);
   if (mark == "\xFF\xFE" || mark == "\xFE\xFF") {
     *out = FromUtf16(bytes.substr(2), mark[0] == '\xFF');
-    return !HasControls(*out);
+    return !IsData(*out);
   }
-  if (HasControls(bytes)) return false;
+  if (IsData(bytes)) return false;
   if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
   *out = IsUtf8(bytes, cut) ? std::string(bytes) : FromLatin(bytes);
   return true;

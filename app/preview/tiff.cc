@@ -65,8 +65,8 @@ void ReadFacts(TIFF* tiff, uint32_t width, uint32_t height, int orientation) {
     return;
   if (!(x > 0.001F && x < 1e6F && y > 0.001F && y < 1e6F)) return;
   const double mm = unit == RESUNIT_INCH ? 25.4 : 10;
-  facts.width_mm = mm * facts.original_width / (swaps ? y : x);
-  facts.height_mm = mm * facts.original_height / (swaps ? x : y);
+  TheReport().SetMm(mm * facts.original_width / (swaps ? y : x),
+                    mm * facts.original_height / (swaps ? x : y));
 }
 
 // How many rows at a time: whole strips or rows of tiles, as many as fit.

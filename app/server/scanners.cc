@@ -193,7 +193,8 @@ bool Worker::StartScan(const std::string& scanner) {
   const Locked lock(shared_);
   shared_->AddNotice(
       {sent ? Tone::kGood : Tone::kBad,
-       (sent ? "The server was asked to scan with " : "Not started: ") + Quoted(scanner)});
+       (sent ? "The server was asked to scan with " : "Not started: ") + Quoted(scanner)},
+      true);
   errno = error;
   return sent;
 }
@@ -208,7 +209,7 @@ void Worker::SaveGamut(const ServerRequest& request) {
   Close(kGamut);
   const auto tell = [](const std::shared_ptr<Server::Shared>& shared, const Message& message) {
     const Locked lock(shared.get());
-    shared->AddNotice(message);
+    shared->AddNotice(message, true);
     shared->Published();
   };
   const auto shared = shared_->shared_from_this();

@@ -138,10 +138,10 @@ void Server::Shared::PublishQuiet() {
   if (QuietSeconds() != state.quiet_s) Published();
 }
 
-void Server::Shared::AddNotice(Message message) {
+void Server::Shared::AddNotice(Message message, bool of_lists) {
   if (message.text.empty()) return;
   auto& all = state.notices;
-  all.push_back({std::move(message), next_notice++});
+  all.push_back({std::move(message), next_notice++, of_lists});
   if (all.size() > kNotices) all.erase(all.begin());
 }
 

@@ -76,7 +76,8 @@ struct Transfer {
 // Something that a person should be told once.
 struct Notice {
   Message message;
-  int number = 0;  // from 1 on
+  int number = 0;         // from 1 on
+  bool of_lists = false;  // answers what was asked of scanners and profiles
 };
 
 // A file that was sent, as it was then.

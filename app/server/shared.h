@@ -66,7 +66,7 @@ struct Server::Shared : std::enable_shared_from_this<Shared> {
   void Published();
   // The same for a change of how long the server has been silent, if there is one.
   void PublishQuiet();
-  void AddNotice(Message message);
+  void AddNotice(Message message, bool of_lists = false);
   // Puts steps at the end of the line, as one batch.
   void Add(std::vector<JobStep> steps);
 

@@ -241,6 +241,7 @@ void ServerChanged(Console* c, ServerState state) {
   for (const Notice& n : c->state.notices) {
     if (n.number <= c->last_notice) continue;
     c->status.Tell(n.message.tone, n.message.text);
+    if (n.of_lists) TellInLists(n.message);
     if (n.message.tone != Tone::kGood) c->failed_while_asking = true;
   }
   if (!c->state.notices.empty()) c->last_notice = c->state.notices.back().number;

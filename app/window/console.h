@@ -361,6 +361,8 @@ void ShowLists(Console* c);
 void CloseLists();
 // The server's state has changed.
 void UpdateLists();
+// What the server answered to what was asked there: the window shows it until the next question.
+void TellInLists(const Message& message);
 
 // --- The preview (preview.cc)
 // Asks for that of the selected document when it has none yet, and ends another one.

@@ -1,11 +1,13 @@
 // The window of scanners and profiles: what each is for, and what can be asked of it.
 #include <algorithm>
+#include <array>
 
 #include "app/format/folding.h"
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/panes/side_list.h"
+#include "app/table/table.h"
 #include "app/window/console.h"
 #include "app/window/form.h"
 
@@ -15,9 +17,9 @@ namespace {
 enum Id { kBar = 1, kSave, kStart, kClose };
 enum : int { kList = 1 };  // owner of hits
 
-constexpr int kWidth = 520, kHeight = 330, kEdge = 16, kHeader = 22, kRowHeight = 22;
+constexpr int kWidth = 520, kHeight = 340, kEdge = 16, kHeader = 22, kRowHeight = 22;
 constexpr int kLeastWidth = 440, kLeastHeight = 220;
-constexpr int kButtonHeight = 26, kFoot = kButtonHeight + 2 * kEdge;
+constexpr int kButtonHeight = 26, kLine = 26, kFoot = kLine + kButtonHeight + kEdge;
 constexpr int kPadding = 8;
 
 struct Row {
@@ -61,6 +63,7 @@ struct ListsWindow {
   std::shared_ptr<const ServerLists> shown;
   bool asked = false;  // the server that is there now
   std::vector<Row> rows;
+  Message told;  // what the server answered last
   Hits hits;
 };
 
@@ -88,44 +91,76 @@ Area Frame(const ListsWindow* w) {
   return {kEdge, kEdge, w->window->width - 2 * kEdge, w->window->height - kEdge - kFoot};
 }
 
-struct Cells {
-  Area name, printer, kind, details;
-};
-Cells CellsOf(Area a) {
-  const int w = a.w;
-  Cells c;
-  c.name = a.TakeLeft(w * 32 / 100).Inset(kPadding, 0);
-  c.printer = a.TakeLeft(w * 22 / 100).Inset(kPadding, 0);
-  c.kind = a.TakeLeft(w * 20 / 100).Inset(kPadding, 0);
-  c.details = a.Inset(kPadding, 0);
-  return c;
+enum Column { kName, kFor, kKind, kDetails, kColumns };
+constexpr const char* kTitles[kColumns] = {"Name", "For", "Kind", "Details"};
+using Cells = std::array<Area, kColumns>;
+
+// Of a line of the list. The bar's room is never theirs, so that they stay below their heads when
+// it comes.
+Cells CellsOf(const ListsWindow* w, const Area& line) {
+  const int room = std::max(0, Frame(w).w - 2 - Table::kScrollBar);
+  Area a{line.x, line.y, room, line.h};
+  Cells cells;
+  constexpr int kPercent[] = {32, 22, 20};
+  for (int i = 0; i < kDetails; ++i)
+    cells[size_t(i)] = a.TakeLeft(room * kPercent[i] / 100).Inset(kPadding, 0);
+  cells[kDetails] = a.Inset(kPadding, 0);
+  return cells;
+}
+
+std::array<std::string, kColumns> TextsOf(const Row& row) {
+  return {Shown(row.name), ForText(row), KindText(row), Shown(row.details)};
 }
 
 void DrawRow(const ListsWindow* w, int index, const Area& a) {
   const Style& l = TheStyle();
-  const Row& row = w->rows[size_t(index)];
   const bool selected = index == w->list.at();
   const bool muted = w->console->state.link != Link::kReady;
-  const int32_t ground = selected ? l.accent : index % 2 ? l.row : l.document;
-  int32_t ink = selected ? l.on_accent : l.ink, second = selected ? l.on_accent : l.second;
-  if (muted) ink = Dimmed(ink, ground), second = Dimmed(second, ground);
+  int32_t ground = index % 2 ? l.row : l.document;
+  if (selected) ground = muted ? l.inactive_selection : l.accent;
+  int32_t ink = l.ink, second = l.second;
+  if (selected)
+    ink = second = muted ? Mix(l.ink, ground, 70) : l.on_accent;
+  else if (muted)
+    ink = Dimmed(ink, ground), second = Dimmed(second, ground);
   Fill(a, ground);
-  const Cells cells = CellsOf(a);
-  DrawLabel(l.view, Align::kLeft, cells.name, Shown(row.name), ink);
-  DrawLabel(l.view, Align::kLeft, cells.printer, ForText(row), ink);
-  DrawLabel(l.view, Align::kLeft, cells.kind, KindText(row), second);
-  DrawLabel(l.view, Align::kLeft, cells.details, Shown(row.details), second);
+  const Cells cells = CellsOf(w, a);
+  const auto texts = TextsOf(w->rows[size_t(index)]);
+  for (size_t i = 0; i < kColumns; ++i)
+    DrawLabel(l.view, Align::kLeft, cells[i], texts[i], i < kKind ? ink : second);
 }
 
-void DrawHeader(Area a) {
+void DrawHeader(const ListsWindow* w, Area a) {
   const Style& l = TheStyle();
   Fill(a, l.tool_bar);
   LineAtBottom(a);
-  const Cells cells = CellsOf(a);
-  DrawLabel(l.view, Align::kLeft, cells.name, "Name", l.second);
-  DrawLabel(l.view, Align::kLeft, cells.printer, "For", l.second);
-  DrawLabel(l.view, Align::kLeft, cells.kind, "Kind", l.second);
-  DrawLabel(l.view, Align::kLeft, cells.details, "Details", l.second);
+  const Cells cells = CellsOf(w, a);
+  for (size_t i = 0; i < kColumns; ++i)
+    DrawLabel(l.view, Align::kLeft, cells[i], kTitles[i], l.second);
+}
+
+// What is cut in a cell has a tip.
+void AddTips(ListsWindow* w, int index) {
+  const Cells cells = CellsOf(w, w->list.RowArea(index));
+  const auto texts = TextsOf(w->rows[size_t(index)]);
+  for (size_t i = 0; i < kColumns; ++i)
+    if (XwTextWidthUtf8(TheStyle().view, texts[i].c_str()) > cells[i].w)
+      w->hits.Add({kList, SideList::kRow, index}, w->list.Visible(cells[i]),
+                  {0, 0, "", "", texts[i]});
+}
+
+// Between the list and the buttons.
+Area LineArea(const ListsWindow* w) {
+  return {kEdge, Frame(w).bottom(), w->window->width - 2 * kEdge, kLine};
+}
+
+void DrawLine(ListsWindow* w) {
+  const Style& l = TheStyle();
+  const Area a = LineArea(w);
+  XwClear(a.x, a.y, a.w, a.h);
+  DrawLabel(l.view, Align::kLeft, a, w->told.text, w->told.tone == Tone::kBad ? l.bad : l.second);
+  const bool cut = XwTextWidthUtf8(l.view, w->told.text.c_str()) > a.w;
+  w->hits.Cover(a, {XWA_STATUS, 0, "Answer", w->told.text, cut ? w->told.text : ""});
 }
 
 const char* EmptyText(const ListsWindow* w) {
@@ -140,16 +175,18 @@ void Draw(ListsWindow* w) {
   XwSetColor(l.line);
   XwDrawRect(a.x, a.y, a.w, a.h);
   a = a.Inset(1, 1);
-  DrawHeader(a.TakeTop(kHeader));
+  DrawHeader(w, a.TakeTop(kHeader));
   Fill(a, l.document);
   w->list.DrawRows([w](int row, const Area& at) { DrawRow(w, row, at); });
   if (w->rows.empty()) DrawLabel(l.view, Align::kCenter, a, EmptyText(w), l.second);
   w->hits.Begin();
-  w->list.AddHits(&w->hits, true, [w](int index) {
+  const auto words = [w](int index) {
     const Row& row = w->rows[size_t(index)];
     const uint32_t state = index == w->list.at() ? XWT_SELECTED : 0;
     return Words{XWA_ROW, state, Shown(row.name), KindText(row)};
-  });
+  };
+  w->list.AddHits(&w->hits, true, words, [w](int index) { AddTips(w, index); });
+  DrawLine(w);
   w->hits.End();
   XwPop();
 }
@@ -193,12 +230,15 @@ void Save(ListsWindow* w) {
   if (!CanSave(w)) return;
   Console* c = w->console;
   const Row& row = *At(w);
+  w->told = {};
   const std::string printer = row.printer.empty() ? c->choice.printer : row.printer;
   c->server.SaveGamut(row.name, printer, c->files.folder.path());
 }
 
 void Start(ListsWindow* w) {
-  if (CanStart(w)) w->console->server.StartScan(At(w)->name);
+  if (!CanStart(w)) return;
+  w->told = {};
+  w->console->server.StartScan(At(w)->name);
 }
 
 void OpenMenu(ListsWindow* w) {
@@ -340,6 +380,10 @@ void UpdateLists() {
   w->asked = state.link == Link::kReady;
   TakeLists(w);
   Update(w);
+}
+
+void TellInLists(const Message& message) {
+  if (g_window) g_window->told = message;  // UpdateLists draws it
 }
 
 }  // namespace console

@@ -91,12 +91,12 @@ void TakeDocuments(Console* c) {
   const char* const* files = XwDroppedFiles(&count);
   std::vector<std::string> paths(files, files + count);
   if (Inp.param) return ShowDocuments(c, std::move(paths));
-  // One on a mount that does not answer holds up nothing.
   const std::string printer = std::exchange(c->drop_printer, "");
   // A question lets the last one wait alone.
   if (const int n = std::exchange(c->let_go, 0); n > 1)
     Tell(c, false, "Only the last of " + NumberText(n) + " drops was taken: a question was open");
-  // Of one kind only the last result would be kept, and each drop counts.
+  // One on a mount that does not answer holds up nothing. Each has a kind of its own: a result
+  // would replace one of the same kind that still waits.
   const std::string kind = "dropped" + std::to_string(++c->drops);
   const BackgroundTask task([paths = std::move(paths), printer, kind] {
     auto* dropped = new Dropped{LookAtDropped(paths), printer};

@@ -130,9 +130,9 @@ std::vector<std::string> LinesOf(std::string_view text) {
 }
 
 std::string Rounded(double mm) {
+  if (mm >= 100 || std::abs(mm - std::round(mm)) < 0.05) return NumberText(std::lround(mm));
   char text[32];
-  const bool whole = mm >= 100 || std::abs(mm - std::round(mm)) < 0.05;
-  snprintf(text, sizeof text, whole ? "%.0f" : "%.1f", mm);
+  snprintf(text, sizeof text, "%.1f", mm);
   return text;
 }
 

@@ -92,7 +92,7 @@ void WriteJpeg(const std::string& path, const Sample& sample) {
   if (sample.progressive) jpeg_simple_progression(&jpeg);
   jpeg.write_JFIF_header = TRUE;
   jpeg.density_unit = 1;
-  jpeg.X_density = jpeg.Y_density = 150;
+  jpeg.X_density = jpeg.Y_density = UINT16(sample.dots);
   jpeg_start_compress(&jpeg, TRUE);
   const uint8_t exif[] = {
       'E', 'x', 'i', 'f', 0,    0, 'M', 'M', 0, 42, 0, 0, 0,

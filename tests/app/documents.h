@@ -13,9 +13,9 @@ struct Sample {
   int pages = 1;             // TIFF
   bool progressive = false;  // JPEG
   bool metric = false;       // 300 dots a centimetre (TIFF)
+  int dots = 150;            // an inch (JPEG)
 };
 void WritePng(const std::string& path, const Sample& sample);
-// 150 dots an inch.
 void WriteJpeg(const std::string& path, const Sample& sample);
 // 300 dots an inch.
 void WriteTiff(const std::string& path, const Sample& sample);

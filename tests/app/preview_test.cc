@@ -95,6 +95,10 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
        "JPEG picture", "RGB", "67.7 × 102 mm", 1, 200, 300, "wwwb"},
       {"inks", [](auto& p) { WriteJpeg(p, {.width = 1200, .height = 300, .inks = true}); },
        "JPEG picture", "CMYK", "203 × 50.8 mm", 1, 300, 75, "bwww"},
+      {"poster", [](auto& p) { WriteJpeg(p, {.dots = 1}); }, "JPEG picture", "RGB",
+       "1,524 × 1,016 mm", 1, 60, 40, "bwww"},
+      {"dust", [](auto& p) { WriteJpeg(p, {.dots = 65535}); }, "JPEG picture", "RGB",
+       "60 × 40 pixels", 1, 60, 40, "bwww"},
       {"upside down", [](auto& p) { WriteTiff(p, {.bits = 1, .orientation = 3, .pages = 3}); },
        "TIFF picture", "black and white", "5.1 × 3.4 mm", 3, 60, 40, "wwwb"},
       {"deep inks", [](auto& p) { WriteTiff(p, {.bits = 16, .inks = true, .orientation = 8}); },
@@ -175,7 +179,10 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
       {"\xFF\xFE\xFC\0\x3D\xD8\0\xDE"s, {"ü😀"}, ""},
       {"\xFE\xFF\xD8\x3D\0a"s, {"\uFFFDa"}, ""},
       {std::string(65535, 'x') + "\xC3\xA4", {std::string(400, 'x')}, ""},
-      {"a\0b"s, {}, "No preview of this kind of document"},
+      {"twenty letters and a \0zero\x01"s, {}, "No preview of this kind of document"},
+      {"some forty letters, more than a line has,\0and a zero\n"s,
+       {"some forty letters, more than a line has, and a zero"},
+       ""},
       {"", {}, "This file is empty"},
   };
   for (const auto& c : cases) {

@@ -369,6 +369,27 @@ uint32_t PixelAt(const XwWindow* w, int x, int y) {
   return p.pixels[size_t(y + 24) * size_t(p.width) + size_t(x)] & 0xFFFFFF;
 }
 
+// The title is cut before the mark; where both have no room, the mark is alone.
+TEST(Controls, ATitleLeavesRoomForTheSortingMark) {
+  constexpr int kMark = 17;  // from the right
+  ControlScreen s;
+  for (const uint32_t align : {uint32_t{XWC_LEFT}, uint32_t{XWC_RIGHT}, 0u})
+    for (const int width : {60, 36, 12}) {
+      const auto look = [&](const char* title, int from, int to) {
+        XwWindow* head = XwButton(s.main, title, 5, 10, 40, width, 22, kOn | XWC_HEADER | align, 1);
+        Settle();
+        std::vector<uint32_t> pixels;
+        for (int x = from; x < to; ++x)
+          for (int y = 4; y < 18; ++y) pixels.push_back(PixelAt(s.main, 10 + x, 40 + y));
+        XwDestroy(head);
+        return pixels;
+      };
+      const int mark = std::max(0, width - kMark);
+      EXPECT_EQ(look("Submitted", mark, width), look("", mark, width)) << width;
+      EXPECT_EQ(look("Submitted", 0, mark) == look("", 0, mark), width < 60) << width;
+    }
+}
+
 TEST(Controls, TheRingAndWhatIsDrawnAgain) {
   ControlScreen s;
   const int32_t green = 0x00FF00;

@@ -82,29 +82,43 @@ int Below(const Rect& r, int inner) {
   return (r.height() - inner) / 2;
 }
 
+// What shows of a column head's title before the sorting mark: a whole title, or one cut with dots;
+// nothing where not even its first letter has room.
+std::string TitleBeforeMark(XwFont* font, const std::string& title, int room) {
+  constexpr char kDots[] = "…";
+  if (XwTextWidthUtf8(font, title.c_str()) <= room) return title;
+  char cut[256];
+  // Trimmed is what is narrower than the width.
+  const int rest = room - XwTextWidthUtf8(font, kDots) + 1;
+  if (rest <= 0 || !XwTextTrimUtf8(font, title.c_str(), rest, cut, sizeof cut)) return "";
+  return std::string(cut) + kDots;
+}
+
 void DrawLabel(ContextRef c, const XwWindow* w, const Rect& r, bool arrow, const Look& look) {
-  const XwFont* font = arrow ? FT_BUTTON : FT_SMALL;
+  XwFont* font = arrow ? FT_BUTTON : FT_SMALL;
   SizedFont* sized = toolkit::Sized(font);
   if (!sized) return;
   int x = r.left + kTextLeft;
   int up = font->descent + Below(r, font->ascent + font->descent);
+  const int mark = look.info.adornment == kThemeAdornmentNone ? 0 : kSortMark + kTextLeft;
+  std::string text = MacRomanToUtf8(w->text);
+  if (mark) text = TitleBeforeMark(font, text, r.width() - kTextLeft - mark);
   if (!arrow) {
     ++up;
     if (!(w->style & XWC_LEFT)) {
-      const std::string trimmed =
-          XwTextTrim(const_cast<XwFont*>(font), w->text, r.width() - kTextMargin);
-      const int spare = r.width() - XwTextWidth(const_cast<XwFont*>(font), trimmed.c_str());
+      const std::string trimmed = XwTextTrim(font, w->text, r.width() - kTextMargin);
+      const int width =
+          mark ? XwTextWidthUtf8(font, text.c_str()) : XwTextWidth(font, trimmed.c_str());
+      const int spare = r.width() - width;
       const bool right = w->style & XWC_HEADER && w->style & XWC_RIGHT;
-      const int mark = look.info.adornment == kThemeAdornmentNone ? 0 : kSortMark;
-      x = r.left + (right ? spare - kTextLeft - mark : spare / 2);
+      x = r.left + (right ? spare - std::max(mark, kTextLeft) : std::min(spare / 2, spare - mark));
     }
   }
-  const std::string text = MacRomanToUtf8(w->text);
   DrawUtf8(c, sized, x, r.bottom - up, text, look.rgb, look.alpha);
   if (!IsControlLetterShown(NativeControl(w))) return;
   const char first[2] = {w->text[0], 0};
   SetContextColor(c, look.rgb);
-  const int under = XwTextWidth(const_cast<XwFont*>(font), first);
+  const int under = XwTextWidth(font, first);
   StrokeLineSolid(c, x, r.bottom - up + 1, x + (under > 1 ? under - 1 : 0), r.bottom - up + 1);
 }
 
