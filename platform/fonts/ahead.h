@@ -1,12 +1,9 @@
 // What the first picture needs of fonts, made by another thread while the program connects to its
-// display and makes its window. One thread at a time works on fonts; there is none where the
-// program has only one processor, which it would have to share.
+// display. One thread at a time works on fonts; there is none where the program has only one
+// processor, which it would have to share.
 #pragma once
-#include <vector>
 
 namespace platform {
-
-struct SizedFont;
 
 // Runs `open` and then opens the faces of all fonts there are. Until FinishOpening nobody else uses
 // fonts. Called once more it does nothing.
@@ -15,10 +12,5 @@ void BeginOpening(void (*open)());
 void FinishOpening(void (*open)());
 // There is no display to draw on.
 void DropOpening();
-
-// Makes the masks of the commonest characters at a scale, in fonts whose faces are open. Text can
-// still be measured. Drawing, and looking a character up, stop it first; what is made stays.
-void BeginGlyphs(std::vector<SizedFont*> fonts, double scale);
-void StopGlyphs();
 
 }  // namespace platform
