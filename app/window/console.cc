@@ -297,6 +297,10 @@ void OpenMenuByKey() {
   DrawConsole(g_console);
 }
 
+void FilesDragged(int what) {
+  if (g_console) DragDocuments(g_console, what);
+}
+
 void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
@@ -453,6 +457,7 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   XwSetContextMenuHandler(w, OpenMenuByKey);
+  XwSetDragHandler(w, 1, FilesDragged);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);

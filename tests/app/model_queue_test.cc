@@ -288,7 +288,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
 
 TEST(Removal, AsksWhenItConcernsOthers) {
   QueueRows rows("me");
-  rows.Show(Jobs({"a:p", "b:w", "xc:w", "d:h"}), {Sending(1, "e", OutgoingState::kSending)});
+  rows.Show(Jobs({"a:p", "b:w", "xc:w", "d:h", "f:p", "f:w"}),
+            {Sending(1, "e", OutgoingState::kSending)});
   const struct {
     std::vector<QueueId> ids;
     const char* text;
@@ -298,6 +299,7 @@ TEST(Removal, AsksWhenItConcernsOthers) {
       {{Id(2), {1, {}}}, ""},
       {{Id(1)}, "Remove “a”? It is at the printer."},
       {{Id(3)}, "Remove “xc”? It belongs to “ada”."},
+      {{Id(5)}, "Remove “f” (job 5)? It is at the printer."},
       {{Id(2), Id(4)}, "Remove 2 jobs?"},
       {{Id(1), Id(3)}, "Remove 2 jobs? 1 is at the printer. 1 is not yours."},
   };

@@ -119,7 +119,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   const XwWindow* cancel = c_->status.cancel_queued;
   Click({cancel->x, cancel->y, cancel->width, cancel->height});
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
-  EXPECT_EQ(QueuedLast(c_), 0);
+  EXPECT_EQ(StillQueued(c_), 0);
 
   // Two at once: neither takes the place of the other.
   display::OpenFiles({"/dev/null"}, false);
@@ -135,7 +135,7 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   ASSERT_EQ(chmod(program.c_str(), 0700), 0);
   os::SetExecutablePath(home_.At("quorvik").c_str());
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
-  Open("127.0.0.9:1");
+  Open("localhost:1");
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
   Turn(2);
   const XwWindow* button = c_->banner.start_server;  // a menu's item has the same name
@@ -161,7 +161,7 @@ TEST_F(RememberingTest, AServerIsStartedByItselfWherePreferencesSaySo) {
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
   Remembered remembered;
   remembered.preferences.start_local_server = true;
-  Open("127.0.0.9:1", std::move(remembered));
+  Open("localhost:1", std::move(remembered));
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
   RetryServer(c_);
