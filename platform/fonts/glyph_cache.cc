@@ -49,7 +49,7 @@ uint64_t Checksum(std::span<const uint64_t> words) {
 
 std::vector<uint64_t> WordsOf(std::string_view bytes) {
   std::vector<uint64_t> words(bytes.size() / 8);
-  std::memcpy(words.data(), bytes.data(), words.size() * 8);
+  if (!words.empty()) std::memcpy(words.data(), bytes.data(), words.size() * 8);
   return words;
 }
 
@@ -147,10 +147,9 @@ std::string SealGlyphCache(std::string_view contents) {
   const std::vector<uint64_t> words = WordsOf(contents);
   Header header{{}, Making(), Checksum(words)};
   std::memcpy(header.title, kTitle, sizeof header.title);
-  std::string file(sizeof header + words.size() * 8, 0);
+  std::string file(sizeof header, 0);
   std::memcpy(file.data(), &header, sizeof header);
-  std::memcpy(file.data() + sizeof header, words.data(), words.size() * 8);
-  return file;
+  return file.append(contents.substr(0, words.size() * 8));
 }
 
 namespace {
