@@ -249,12 +249,13 @@ PrintOrder UsualOrder(const Console* c) {
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   const int n = int(orders.size());
   const std::string printer = orders.empty() ? "" : orders.front().printer;
+  const std::string document = orders.empty() ? "" : Quoted(orders.front().document);
   c->just_sent += n;
   const int before = StillQueued(c);
   const int last = c->server.Send(std::move(orders));
   c->status.PassReason();  // of an earlier drop
   if (!IsInQueue(c->stop)) c->queue.FollowSent(last - n + 1);
-  std::string text = NumberOf(n, "document", "documents") + " queued";
+  std::string text = (n == 1 ? document : NumberText(n) + " documents") + " queued";
   if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
   if (before > 0) text += "; " + NumberText(before + n) + " wait to be sent";

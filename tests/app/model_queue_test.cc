@@ -240,6 +240,9 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(UnsentText({2, 1}), "2 documents have not been sent, 1 could not be sent");
   EXPECT_EQ(UnsentText({0, 0, 37}), "37 changes of jobs have not been made");
   EXPECT_EQ(UnsentText({1, 1, 1}), "2 documents and 1 change have not reached the server");
+  EXPECT_EQ(TakenBackText({3, 2, 0, 0}), "3 of 5 documents were taken back; 2 had been sent");
+  EXPECT_EQ(TakenBackText({1, 0, 1, 1}),
+            "1 of 3 documents was taken back; 1 is being sent, 1 could not be sent");
   auto jobs = *Jobs({"a:p", "a:w", "a:d", "a:w"});
   jobs[0].total = 4200000, jobs[0].printed = 2100000;
   strcpy(jobs[1].reasons, "printer-paused,new-keyword");
