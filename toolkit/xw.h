@@ -331,6 +331,7 @@ struct XwWindow {
   void (*scroll_handler)(float dx, float dy);
   void (*activation_handler)(int active);
   void (*context_menu_handler)(void);
+  void (*drag_handler)(int what);
   void* pane;            /* sub-windows: the platform's part of the window, once it has controls */
 };
 enum { XW_DATA_NOT_OWNED = 4, XW_EDITING = 8, XW_SHOWN = 16, XW_HAS_SUBWINDOWS = 32 }; /* flags */
@@ -425,9 +426,19 @@ void XwSetActivationHandler(XwWindow* window, XwActivationHandler handler);
 typedef void (*XwContextMenuHandler)(void);
 void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
 
+/* Files that another program drags over a top-level window. `take` 0: the window refuses them, and
+ * the desktop shows so; else it takes them, as every window does that is not told. The handler,
+ * which may be null, hears as they move over the window (Inp.px, Inp.py and Inp.item tell where),
+ * and once when they have left it or were dropped: the program shows there where they would go.
+ * What was dropped comes afterwards, as 798 to the first window, or never when it does not arrive.
+ * A wait that keeps the window out hears of the end alone. Ignored for other windows. */
+enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2 };
+typedef void (*XwDragHandler)(int what);
+void XwSetDragHandler(XwWindow* window, int take, XwDragHandler handler);
+
 /* While 798 is handled: all its documents, where a drop or a request has several; the event itself
  * has the first one of fewer than 4096 bytes. Absolute paths, bytes (names are not always UTF-8);
- * what was dropped and lies elsewhere by its address ("http://host/a"). `*count` gets their number.
+ * what lies on another computer by its address ("http://host/a"). `*count` gets their number.
  * They belong to the toolkit and stay as they are until the next event. Outside 798 the result is
  * null and the number 0; `count` may be null. */
 const char* const* XwDroppedFiles(int* count);

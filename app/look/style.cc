@@ -91,6 +91,11 @@ void LineAtLeft(const Area& a) {
   Fill({a.x, a.y, 1, a.h}, TheStyle().hairline);
 }
 
+void DrawDropFrame(const Area& a) {
+  XwSetColor(TheStyle().accent);
+  for (int i = 0; i < 2; ++i) XwDrawRect(a.x + i, a.y + i, a.w - 2 * i, a.h - 2 * i);
+}
+
 void DrawShadow(const Area& a, int radius) {
   const Style& l = TheStyle();
   for (int i = 3; i > 0; --i)

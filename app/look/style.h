@@ -57,6 +57,8 @@ enum class BarGround : uint8_t { kPlain, kMuted, kAccent };
 void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground);
 // The warm ground of a strip over the status line, with a dot. The rest of it, for its words.
 Area DrawStrip(Area a, int32_t dot);
+// Around what documents would go to that are dragged over the window.
+void DrawDropFrame(const Area& a);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);

@@ -139,13 +139,13 @@ const PrinterRow* Printers::Find(const std::string& name) const {
   return nullptr;
 }
 
-std::string Printers::WhyNotPrint() const {
+std::string Printers::WhyNotPrintOn(const std::string& name) const {
   if (!known()) return "The printers are not known yet";
   if (rows_.empty()) return "The server has no printers";
-  if (chosen_.empty()) return "No printer is chosen";
-  const PrinterRow* row = Chosen();
-  if (!row) return "The printer " + Quoted(chosen_) + " is gone: choose another one";
-  return row->printer->accepting ? "" : Quoted(chosen_) + " takes no new jobs";
+  if (name.empty()) return "No printer is chosen";
+  const PrinterRow* row = Find(name);
+  if (!row) return "The printer " + Quoted(name) + " is gone: choose another one";
+  return row->printer->accepting ? "" : Quoted(name) + " takes no new jobs";
 }
 
 const char* PrinterVerbText(PrinterVerb verb) {

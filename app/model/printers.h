@@ -66,7 +66,8 @@ class Printers {
   // Null when it is not there.
   const PrinterRow* Chosen() const { return Find(chosen_); }
   // Why nothing can be printed on it: a sentence without its full stop, "" when it can.
-  std::string WhyNotPrint() const;
+  std::string WhyNotPrint() const { return WhyNotPrintOn(chosen_); }
+  std::string WhyNotPrintOn(const std::string& name) const;
 
   // Whether the verb is offered for this printer, and why it is grey, "" when it can be used.
   bool Offers(PrinterVerb verb, const PrinterRow& row, const std::string& mine) const;

@@ -78,6 +78,12 @@ std::string QueueRows::NameOf(const QueueId& id) const {
   return "";
 }
 
+int QueueRows::CountOf(std::string_view document) const {
+  if (!jobs_) return 0;
+  return int(std::count_if(jobs_->begin(), jobs_->end(),
+                           [document](const NC_Job& job) { return document == job.document; }));
+}
+
 void QueueRows::Expect(const JobId& job) {
   if (expected_.size() == kMostExpected) expected_.erase(expected_.begin());
   if (places_.count({0, job}) == 0) expected_.push_back({0, job});

@@ -92,6 +92,8 @@ class QueueRows {
   const Outgoing* OutgoingOf(const QueueId& id) const;
   // The document's name of a job, also of one that has left the list lately; "" when not known.
   std::string NameOf(const QueueId& id) const;
+  // How many jobs have a document of that name, also those that a filter leaves out.
+  int CountOf(std::string_view document) const;
   bool IsMine(const NC_Job& job) const { return user_ == job.owner; }
 
   QueueOrder order() const { return order_; }

@@ -249,6 +249,16 @@ std::vector<Reordering> PlanReordering(const QueueRows& rows, const std::vector<
   return steps;
 }
 
+namespace {
+
+// With its number where another one has the same name.
+std::string NameIn(const QueueRows& rows, const NC_Job& job) {
+  const bool told_apart = job.number == 0 || rows.CountOf(job.document) < 2;
+  return Quoted(job.document) + (told_apart ? "" : " (job " + std::to_string(job.number) + ")");
+}
+
+}  // namespace
+
 std::optional<Question> RemovalQuestion(const QueueRows& rows, const std::vector<QueueId>& ids) {
   int jobs = 0, at_printer = 0, others = 0;
   const NC_Job* first = nullptr;
@@ -263,7 +273,7 @@ std::optional<Question> RemovalQuestion(const QueueRows& rows, const std::vector
   if (jobs == 0 || (jobs == 1 && at_printer + others == 0)) return std::nullopt;
   std::string text;
   if (jobs == 1) {
-    text = "Remove " + Quoted(first->document) + "?";
+    text = "Remove " + NameIn(rows, *first) + "?";
     if (at_printer) text += " It is at the printer.";
     if (others && first->owner[0]) text += " It belongs to " + Quoted(first->owner) + ".";
     if (others && !first->owner[0]) text += " It is not one of yours.";

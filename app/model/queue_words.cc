@@ -77,6 +77,21 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
   return words;
 }
 
+std::string TakenBackText(const TakenBack& back) {
+  const int all = back.waiting + back.arrived + back.sending + back.failed;
+  if (all == back.waiting)
+    return NumberOf(all, "document was taken back", "documents were taken back");
+  std::string rest;
+  const auto add = [&rest](int n, const char* what) {
+    if (n > 0) rest += (rest.empty() ? "; " : ", ") + NumberText(n) + what;
+  };
+  add(back.arrived, " had been sent");
+  add(back.sending, back.sending == 1 ? " is being sent" : " are being sent");
+  add(back.failed, " could not be sent");
+  return NumberText(back.waiting) + " of " + NumberOf(all, "document", "documents") +
+         (back.waiting == 1 ? " was taken back" : " were taken back") + rest;
+}
+
 std::string UnsentText(const Unsent& unsent) {
   const std::string could_not = " could not be sent";
   const int documents = unsent.waiting + unsent.failed;

@@ -37,6 +37,15 @@ struct Unsent {
 // "2 documents have not been sent, 1 could not be sent", "37 changes of jobs have not been made".
 std::string UnsentText(const Unsent& unsent);
 
+// What came of taking back the documents that waited to be sent: of those that were ordered
+// together with them some may be at the server, on their way, or not sent by a failure.
+struct TakenBack {
+  int waiting = 0;  // those that were taken back
+  int arrived = 0, sending = 0, failed = 0;
+};
+// "3 documents were taken back", "3 of 5 documents were taken back; 2 had been sent".
+std::string TakenBackText(const TakenBack& back);
+
 // A fact of a job, for the list of its details.
 struct Fact {
   std::string name, value;

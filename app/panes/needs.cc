@@ -1,5 +1,7 @@
 #include "app/panes/needs.h"
 
+#include <algorithm>
+
 #include "app/format/words.h"
 #include "app/look/controls.h"
 #include "app/look/style.h"
@@ -8,11 +10,17 @@
 namespace console {
 namespace {
 
-constexpr int kButton = 122, kWide = 244, kEdge = 8;
+constexpr int kButton = 122, kWide = 244, kTextEnds = 24, kEdge = 8;
 
-// Wider where it says which printer.
+// It says which printer where there are more.
+std::string LoadText(const NeedsPane* p) {
+  const bool which = p->printers.WithoutPaper().size() > 1;
+  return which ? "Paper Loaded in “" + p->WithoutPaper()->short_name + "”" : "Paper Loaded";
+}
+
 int ButtonWidth(const NeedsPane* p) {
-  return p->WithoutPaper() && p->printers.WithoutPaper().size() > 1 ? kWide : kButton;
+  const int text = XwTextWidthUtf8(TheStyle().bold, LoadText(p).c_str());
+  return std::clamp(text + kTextEnds, kButton, kWide);
 }
 
 }  // namespace
@@ -58,9 +66,7 @@ void NeedsPane::Place() {
   a.TakeRight(kEdge);
   const Area button = a.TakeRight(ButtonWidth(this)).Inset(0, 5);
   const PrinterRow* row = WithoutPaper();
-  const bool which = ButtonWidth(this) == kWide;
-  const std::string text =
-      which ? "Paper Loaded in “" + row->short_name + "”" : std::string("Paper Loaded");
+  const std::string text = LoadText(this);
   if (text != load_text_) XwSetTextUtf8(load, text.c_str());
   load_text_ = text;
   a.TakeRight(kEdge);
@@ -81,7 +87,8 @@ void NeedsPane::Draw() const {
 }
 
 void NeedsPane::AddHits(Hits* hits) const {
-  hits->Cover(layout.needs, {XWA_STATUS, 0, "Attention", Text()});
+  // Nothing is pressed there; the tip has the whole of it, where it is cut.
+  hits->Add({}, layout.needs, {XWA_STATUS, 0, "Attention", Text(), Text()});
 }
 
 }  // namespace console

@@ -205,6 +205,7 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool at_it)
   const int32_t frame = at_it && !chosen ? l.accent : -1;
   if (look.background != l.side || frame >= 0)
     XwRoundBox(a.x + 4, a.y, a.w - 8, a.h - 1, 4, look.background, frame);
+  if (takes_drop == r.printer->name) DrawDropFrame({a.x + 4, a.y, a.w - 8, a.h - 1});
   DrawDot(a.x + 14, a.y + 8, look.Ink(ToneColor(r.dot)));
   const std::string more = MoreOf(r, mine == r.printer->name);
   const Area button = MarkArea(row);

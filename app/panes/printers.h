@@ -32,9 +32,10 @@ struct PrintersPane {
 
   const Layout& layout;
   const Printers& printers;
-  std::string at;     // name
-  std::string mine;   // the user's own default
-  bool away = false;  // the server is, and this is how they were
+  std::string at;          // name
+  std::string mine;        // the user's own default
+  std::string takes_drop;  // the name of the one on which documents are dragged
+  bool away = false;       // the server is, and this is how they were
   static constexpr int kRowHeight = 38;
   SideList list{kPrinters, kRowHeight};
 

@@ -5,6 +5,7 @@
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
+#include "app/look/style.h"
 #include "app/panes/ids.h"
 #include "app/panes/queue_cells.h"
 #include "os/os.h"
@@ -84,6 +85,10 @@ void QueuePane::Draw(const Hit& hover, bool focused) {
   table.SetMuted(state.link != Link::kReady);
   head.Draw(layout.queue_head, rows.Summary());
   table.Draw(hover);
+  if (!takes_drop) return;
+  const Area& rows_area = layout.queue;
+  const Area& bar = layout.queue_head;
+  DrawDropFrame({rows_area.x, bar.y, rows_area.w, rows_area.bottom() - bar.y});
 }
 
 std::vector<Outgoing> QueuePane::OutgoingNow() const {

@@ -52,6 +52,7 @@ struct QueuePane {
   QueueHead head;
   Table table;
   XwWindow* show_all = nullptr;  // of a command
+  bool takes_drop = false;       // documents are dragged over the window, and would go here
 
  private:
   std::vector<Outgoing> OutgoingNow() const;

@@ -21,7 +21,7 @@ struct StatusPane {
       : layout(layout_of_all), state(state_now), host(server) {}
   void MakeControls(XwWindow* window);
   // One button shows while something is being sent, one beside an error that is not read, one
-  // while what was queued last can be cancelled.
+  // while documents wait to be sent.
   void Update();
   // `selection`: what is selected, in words; it shows where nothing is being told.
   void Draw(const Hit& hover, const std::string& selection) const;
@@ -49,7 +49,7 @@ struct StatusPane {
   const Layout& layout;
   const ServerState& state;
   const std::string& host;
-  int queued = 0;  // of the documents that were queued last, how many can be cancelled
+  int queued = 0;  // documents that wait to be sent and can be cancelled
   XwWindow *stop_sending = nullptr, *dismiss = nullptr, *cancel_queued = nullptr;  // of commands
 
  private:

@@ -98,8 +98,11 @@ bool Worker::MakeChanges() {
   do {
     if (!NextStep(&step)) break;
     bool left_held = false;
+    // Somebody else may have moved jobs since the last list: a new one tells where they stand.
+    const bool looks = step.change.verb == Verb::kMove && step.batch != batch_;
+    if (looks && !Poll()) status = NC_ERROR;
     Began();
-    status = Make(step, &left_held);
+    if (status >= 0) status = Make(step, &left_held);
     error = errno;
     Ended();
     next_poll_ = 0;

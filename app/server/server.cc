@@ -1,6 +1,8 @@
 // The window's side.
 #include "app/server/server.h"
 
+#include <map>
+
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
@@ -269,14 +271,22 @@ void Server::Cancel(int number) {
   s.Published();
 }
 
-int Server::CancelWaiting(int first, int last) {
+TakenBack Server::CancelWaiting() {
   Locked lock(shared_.get());
-  const auto waits = [first, last](const Transfer& t) {
-    return t.number >= first && t.number <= last && t.state == Sending::kWaiting;
-  };
-  const int n = int(std::erase_if(shared_->state.transfers, waits));
+  TakenBack back;
+  std::map<int, int> arrived;  // of those that were ordered together, by the first one's number
+  std::vector<Transfer>& all = shared_->state.transfers;
+  for (const Transfer& t : all)
+    if (t.state == Sending::kWaiting) arrived[t.first] = t.arrived, ++back.waiting;
+  for (const auto& [first, n] : arrived) back.arrived += n;
+  for (const Transfer& t : all) {
+    if (!arrived.contains(t.first)) continue;
+    back.sending += t.state == Sending::kSending;
+    back.failed += t.state == Sending::kFailed;
+  }
+  std::erase_if(all, [](const Transfer& t) { return t.state == Sending::kWaiting; });
   shared_->Published();
-  return n;
+  return back;
 }
 
 void Server::Retry(int number) {

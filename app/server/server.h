@@ -17,6 +17,7 @@
 #include "app/model/notices.h"
 #include "app/model/pending_changes.h"
 #include "app/model/queue_verbs.h"
+#include "app/model/queue_words.h"
 #include "app/work/background_task.h"
 #include "printserver/records.h"
 
@@ -155,8 +156,8 @@ class Server {
   int Send(std::vector<PrintOrder> orders);
   // Takes a transfer out, whatever its state; one that has arrived is removed as a job.
   void Cancel(int number);
-  // Takes those of these numbers out that have not been begun with; how many that were.
-  int CancelWaiting(int first, int last);
+  // Takes all out that have not been begun with.
+  TakenBack CancelWaiting();
   // Tries a failed one again.
   void Retry(int number);
   // Does it to each of them, in this order, and tells what has come of it once. The state shows at

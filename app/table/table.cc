@@ -1,6 +1,7 @@
 #include "app/table/table.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "app/look/controls.h"
 
@@ -64,13 +65,15 @@ bool Table::Scrolled(int id, int value) {
 }
 
 void Table::SetSort(int column, bool descending) {
-  sort_ = column;
+  const int sort_before = std::exchange(sort_, column);
   descending_ = descending;
   for (size_t i = 0; i < heads_.size(); ++i) {
     if (!heads_[i]) continue;
     uint32_t& style = heads_[i]->style;
+    const uint32_t before = style;
+    const bool sorts = int(i) == column, sorted = int(i) == sort_before;
     style = descending ? style | XWC_SORT_DOWN : style & ~uint32_t{XWC_SORT_DOWN};
-    XwSetValue(heads_[i], int(i) == column ? 1 : 0);
+    if (style != before || sorts != sorted) XwSetValue(heads_[i], sorts ? 1 : 0);
   }
 }
 

@@ -316,7 +316,9 @@ void ShowFolderOf(Console* c, const std::string& path) {
 void ShowDocuments(Console* c, std::vector<std::string> paths) {
   for (std::string& path : paths)
     while (path.size() > 1 && path.back() == '/') path.pop_back();
-  std::erase_if(paths, [](const std::string& path) { return path.empty() || path[0] != '/'; });
+  const size_t elsewhere =
+      std::erase_if(paths, [](const std::string& path) { return path.empty() || path[0] != '/'; });
+  if (elsewhere > 0) Tell(c, false, "Only files on this computer can be opened");
   if (paths.empty()) return;
   FolderRequest request{FolderRequest::kDocument, paths.front(), ""};
   request.others.assign(paths.begin() + 1, paths.end());

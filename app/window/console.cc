@@ -299,6 +299,10 @@ void OpenMenuByKey() {
   DrawConsole(g_console);
 }
 
+void FilesDragged(int what) {
+  if (g_console) DragDocuments(g_console, what);
+}
+
 void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
@@ -444,15 +448,18 @@ Console* OpenConsole(const std::string& host, const std::string& start, Remember
   const Area place = FirstPlace(p);
   XwWindow* w = XwCreate(0, place.x, place.y, place.w, place.h, Handle);
   if (!w) return nullptr;
+  // At once, since the window's first pixels are made with it. Controls erase to it, also while
+  // inactive.
+  XwSetGround(w, &TheStyle().tool_bar, 0);
   auto* c = new Console(host);
   g_console = c;
   c->window = w;
   c->remembered = std::move(remembered);
   XwSetSizes(w, kLeastWidth, kLeastHeight, 0, 0, 0, 0);
-  XwSetGround(w, &TheStyle().tool_bar, 0);  // controls erase to it, also while inactive
   XwSetScrollHandler(w, Scrolled);
   XwSetActivationHandler(w, ShowActivity);
   XwSetContextMenuHandler(w, OpenMenuByKey);
+  XwSetDragHandler(w, 1, FilesDragged);
   MakeControls(c);
   LayOutWindow(c);
   XwTimer(w, kTickTimer, kTickMs);

@@ -133,10 +133,9 @@ struct Console {
   PreviewSubject previewed;  // what was asked for last
   Server server;
   ServerState state;
-  int last_notice = 0;                    // that was shown
-  std::vector<Arrival> sent;              // from this window, the last ones last
-  int just_sent = 0;                      // orders that are not yet in the state
-  int first_queued = 0, last_queued = 0;  // numbers of the last orders that were given together
+  int last_notice = 0;        // that was shown
+  std::vector<Arrival> sent;  // from this window, the last ones last
+  int just_sent = 0;          // orders that are not yet in the state
   PrintChoice choice;
   Remembered remembered;
   std::shared_ptr<ServerStart> server_start;  // under way; null when none is
@@ -151,6 +150,12 @@ struct Console {
   XwWindow* question = nullptr;      // the sheet that asks
 
   bool hidden_for_now = false;  // hidden names show for a document among them, in this folder
+
+  // The printer in whose row documents are dragged, or were dropped; "": the chosen one.
+  std::string drop_printer;
+  bool drag_shows = false;
+  int drops = 0;   // that have come
+  int let_go = 0;  // drags that ended in a drop, since a drag or a drop has come to the window
 
   PaneSizes panes;
   int border_grip = 0;     // where beside a border it was pressed
@@ -271,6 +276,9 @@ void ShowFolderOf(Console* c, const std::string& path);
 void ShowDocuments(Console* c, std::vector<std::string> paths);
 
 // --- Documents from elsewhere (opening.cc)
+// Documents are dragged over the window (XW_DRAG_OVER), or are no longer: where they would go
+// shows.
+void DragDocuments(Console* c, int what);
 // Of a 798: those that another program asks to open are selected, those that were dropped are
 // queued; a folder that was dropped is entered.
 void TakeDocuments(Console* c);
@@ -373,12 +381,14 @@ void ShowPreview(void* data, int taken);
 PrintOrder UsualOrder(const Console* c);
 // Queues them and says how many; `left_out` of those that were meant are none.
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
-// Those of the last time that still wait to be sent: how many, or why none can be cancelled.
-int QueuedLast(const Console* c);
+// Those that still wait to be sent: how many, or why none can be cancelled.
+int StillQueued(const Console* c);
 std::string WhyNotCancelQueued(const Console* c);
 void CancelQueued(Console* c);
-// Why the chosen printer cannot be used: a sentence without its full stop, "" when it can.
+// Why the chosen printer, or another one, cannot be used: a sentence without its full stop, "" when
+// it can.
 std::string WhyNotPrint(const Console* c);
+std::string WhyNotPrintOn(const Console* c, const std::string& printer);
 // The same, and why nothing of the folder is printed.
 std::string WhyNotPrintSelected(const Console* c);
 // All documents that are selected; folders are passed over.

@@ -115,7 +115,7 @@ void UpdateFocus(Console* c) {
 
 void UpdateControls(Console* c) {
   c->banner.Place(CanStartServer(c));
-  c->status.queued = QueuedLast(c);
+  c->status.queued = StillQueued(c);
   c->status.Update();
   c->files.Update();
   c->queue.Update();
@@ -218,9 +218,13 @@ void UseControl(Console* c, int id, int value) {
 }
 
 // Before the printers are known the document waits for the server, and goes to its default.
-std::string WhyNotPrint(const Console* c) {
+std::string WhyNotPrintOn(const Console* c, const std::string& printer) {
   if (c->choice.no_copies) return "Copies is a number from 1 to " + NumberText(kMostCopies);
-  return c->printers.known() ? c->printers.WhyNotPrint() : "";
+  return c->printers.known() ? c->printers.WhyNotPrintOn(printer) : "";
+}
+
+std::string WhyNotPrint(const Console* c) {
+  return WhyNotPrintOn(c, c->printers.chosen());
 }
 
 std::string WhyNotPrintSelected(const Console* c) {
@@ -245,14 +249,16 @@ PrintOrder UsualOrder(const Console* c) {
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   const int n = int(orders.size());
   const std::string printer = orders.empty() ? "" : orders.front().printer;
+  const std::string document = orders.empty() ? "" : Quoted(orders.front().document);
   c->just_sent += n;
-  c->last_queued = c->server.Send(std::move(orders));
-  c->first_queued = c->last_queued - n + 1;
+  const int before = StillQueued(c);
+  const int last = c->server.Send(std::move(orders));
   c->status.PassReason();  // of an earlier drop
-  if (!IsInQueue(c->stop)) c->queue.FollowSent(c->first_queued);
-  std::string text = NumberOf(n, "document", "documents") + " queued";
+  if (!IsInQueue(c->stop)) c->queue.FollowSent(last - n + 1);
+  std::string text = (n == 1 ? document : NumberText(n) + " documents") + " queued";
   if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
+  if (before > 0) text += "; " + NumberText(before + n) + " wait to be sent";
   if (IsAway(c->state.link)) text += ", to be sent when " + Shown(c->server.host()) + " is back";
   Tell(c, true, text);
 }
@@ -275,21 +281,20 @@ void PrintSelected(Console* c) {
   c->damage |= kToolsPane | kDetailsPane;
 }
 
-int QueuedLast(const Console* c) {
+int StillQueued(const Console* c) {
   const auto& all = c->state.transfers;
-  return int(std::count_if(all.begin(), all.end(), [c](const Transfer& t) {
-    return t.number >= c->first_queued && t.number <= c->last_queued &&
-           t.state == Sending::kWaiting;
-  }));
+  return int(std::count_if(all.begin(), all.end(),
+                           [](const Transfer& t) { return t.state == Sending::kWaiting; }));
 }
 
 std::string WhyNotCancelQueued(const Console* c) {
-  return QueuedLast(c) > 0 ? "" : "None of the documents that were queued last waits to be sent";
+  return StillQueued(c) > 0 ? "" : "No document waits to be sent";
 }
 
 void CancelQueued(Console* c) {
-  const int n = c->server.CancelWaiting(c->first_queued, c->last_queued);
-  Tell(c, true, NumberOf(n, "document is", "documents are") + " not printed");
+  const TakenBack back = c->server.CancelWaiting();
+  if (back.waiting > 0) return Tell(c, true, TakenBackText(back));
+  Tell(c, true, "None was taken back: all had been sent");
 }
 
 bool CanSelectAll(const Console* c) {

@@ -132,6 +132,7 @@ void ShowKeys(Console* c) {
     if (!keys_window) return;
     XwSetSizes(keys_window, width, WindowHeight(), width, WindowHeight(), 0, 0);
     XwSetTextUtf8(keys_window, "Keys");
+    XwSetDragHandler(keys_window, 0, nullptr);
     XwSetActivationHandler(keys_window, [](int on) { NoteActivity(keys_window, on != 0); });
     XwCenter(keys_window, c->window);
   }

@@ -349,6 +349,7 @@ void ShowLists(Console* c) {
     g_window->console = c;
     g_window->window = window;
     Make(g_window);
+    XwSetDragHandler(window, 0, nullptr);
     XwSetActivationHandler(window, [](int on) {
       if (g_window) NoteActivity(g_window->window, on != 0);
     });

@@ -115,6 +115,7 @@ void Make(NumberWindow* w) {
   w->box = XwEditBox(w->window, "", kBox, 0, 0, 9, 9, XWC_ENABLED | XWC_VISIBLE | XWC_DROPS_FOCUS);
   PlaceControl(w->box, kBoxArea);
   w->set = MakeFormButtons(w->window, "Set", kSet, kCancel, kWidth - kEdge, kButtonTop).accept;
+  XwSetDragHandler(w->window, 0, nullptr);
   XwSetActivationHandler(w->window, [](int on) {
     if (g_window) NoteActivity(g_window->window, on != 0);
   });

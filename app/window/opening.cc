@@ -1,4 +1,6 @@
 // Documents that come from elsewhere: from other programs, and as the program's arguments.
+#include <utility>
+
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/model/crumbs.h"
@@ -23,15 +25,21 @@ void TellLeftOut(Console* c, const DroppedPaths& dropped) {
              (opens ? " not opened" : " not printed: dropped alone, a folder is opened"));
 }
 
-void QueueDropped(Console* c, const DroppedPaths& dropped) {
-  if (c->asking) return;
+// `printer`: in whose row they were dropped; "": elsewhere.
+void QueueDropped(Console* c, const DroppedPaths& dropped, const std::string& printer) {
+  if (c->asking) return Tell(c, false, "What was dropped is not printed: the window is to close");
   TellLeftOut(c, dropped);
   if (dropped.files.empty()) {
     if (!dropped.folders.empty()) EnterFolder(c, dropped.folders.front(), "");
     return;
   }
-  if (const std::string why = WhyNotPrint(c); !why.empty()) return TellWhy(c, why);
-  const PrintOrder usual = UsualOrder(c);
+  const std::string why = printer.empty() ? WhyNotPrint(c) : WhyNotPrintOn(c, printer);
+  if (!why.empty()) return TellWhy(c, why);
+  PrintOrder usual = UsualOrder(c);
+  if (const PrinterRow* row = c->printers.Find(printer)) {
+    usual.printer = printer;
+    if (!HasMedia(*row->printer, usual.media)) usual.media.clear();
+  }
   std::vector<PrintOrder> orders;
   for (const DroppedPaths::File& file : dropped.files) {
     PrintOrder& order = orders.emplace_back(usual);
@@ -42,28 +50,59 @@ void QueueDropped(Console* c, const DroppedPaths& dropped) {
   SendOrders(c, std::move(orders), 0);
 }
 
+struct Dropped {
+  DroppedPaths paths;
+  std::string printer;
+};
+
 void TakeDropped(void* data, int taken) {
-  const std::unique_ptr<DroppedPaths> dropped(static_cast<DroppedPaths*>(data));
+  const std::unique_ptr<Dropped> dropped(static_cast<Dropped*>(data));
   Console* c = TheConsole();
   if (!taken || !c) return;
-  QueueDropped(c, *dropped);
+  QueueDropped(c, dropped->paths, dropped->printer);
   c->damage |= kStatusPane;
   DrawConsole(c);
 }
 
 }  // namespace
 
+void DragDocuments(Console* c, int what) {
+  const bool over = what == XW_DRAG_OVER && !c->asking;
+  const Hit hit = over ? c->hits.At(Inp.item) : Hit{};
+  const bool on_row = hit.owner == kPrinters && hit.part != SideList::kBody;
+  const std::string row = on_row ? c->printer_list.NameAt(hit.index) : "";
+  c->let_go = what == XW_DRAG_OVER ? 0 : c->let_go + (what == XW_DRAG_DROPPED);
+  if (std::exchange(c->drag_shows, over) && over && row == c->drop_printer) return;
+  if (what != XW_DRAG_DROPPED) c->drop_printer = row;
+  const std::string printer = row.empty() ? c->printers.chosen() : row;
+  const std::string why = WhyNotPrintOn(c, printer);
+  const bool takes = over && why.empty();
+  c->queue.takes_drop = takes && row.empty();
+  c->printer_list.takes_drop = takes ? row : "";
+  const std::string where =
+      printer.empty() ? "Drop to print" : "Drop to print on " + Quoted(printer);
+  c->status.Progress("drag", takes ? where : over ? why : "");
+  c->damage |= kQueuePane | kPrintersPane | kStatusPane;
+  DrawConsole(c);
+}
+
 void TakeDocuments(Console* c) {
   int count = 0;
   const char* const* files = XwDroppedFiles(&count);
   std::vector<std::string> paths(files, files + count);
   if (Inp.param) return ShowDocuments(c, std::move(paths));
-  // One on a mount that does not answer holds up nothing.
-  const BackgroundTask task([paths = std::move(paths)] {
-    auto* dropped = new DroppedPaths(LookAtDropped(paths));
-    const std::string detail =
-        std::to_string(dropped->files.size()) + " " + std::to_string(dropped->folders.size());
-    XwPost("dropped", detail.c_str(), TakeDropped, dropped);
+  const std::string printer = std::exchange(c->drop_printer, "");
+  // A question lets the last one wait alone.
+  if (const int n = std::exchange(c->let_go, 0); n > 1)
+    Tell(c, false, "Only the last of " + NumberText(n) + " drops was taken: a question was open");
+  // One on a mount that does not answer holds up nothing. Each has a kind of its own: a result
+  // would replace one of the same kind that still waits.
+  const std::string kind = "dropped" + std::to_string(++c->drops);
+  const BackgroundTask task([paths = std::move(paths), printer, kind] {
+    auto* dropped = new Dropped{LookAtDropped(paths), printer};
+    const std::string detail = std::to_string(dropped->paths.files.size()) + " " +
+                               std::to_string(dropped->paths.folders.size());
+    XwPost(kind.c_str(), detail.c_str(), TakeDropped, dropped);
   });
   if (task.failed()) Tell(c, false, "What was dropped cannot be looked at just now");
 }

@@ -208,6 +208,9 @@ void ChangePaneSize(Console* c, int choice) {
 void GoToPrinters(Console* c) {
   if (!ShowsPrinters(c)) Open(c, &c->panes.printers, PaneSizes::kPrinters);
   SetFocusStop(c, FocusStop::kPrinters);
+  // Where the chosen one is gone the keyboard is at none.
+  if (!c->printer_list.At()) c->printer_list.GoTo(c->printer_list.NameAt(0));
+  c->damage |= kPrintersPane;
 }
 
 void RecallPanes(Console* c) {

@@ -324,6 +324,7 @@ void ShowPreferences(Console* c) {
     MakeControls(g_window);
     Fill(g_window);
     Update(g_window);
+    XwSetDragHandler(window, 0, nullptr);
     XwSetActivationHandler(window, [](int on) {
       if (g_window) NoteActivity(g_window->window, on != 0);
     });

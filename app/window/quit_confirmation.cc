@@ -31,6 +31,7 @@ Area SheetArea(const Console* c) {
 
 void KeepOpen(Console* c) {
   c->asking = false;
+  XwSetDragHandler(c->window, 1, c->window->drag_handler);
   XwShow(c->question, 0);
   XwSetFocus(c->window);
   c->damage |= kAllPanes;
@@ -113,6 +114,7 @@ bool AskBeforeQuit(Console* c) {
   if (!c->question) MakeQuestion(c);
   XwSetText(close_button, unsent.changes > 0 ? "Close Anyway" : "Close without Sending");
   PlaceQuestion(c);
+  XwSetDragHandler(c->window, 0, c->window->drag_handler);
   c->pressed = {};
   c->files.table.Release();
   c->queue.table.Release();

@@ -58,6 +58,7 @@ void ShowRemembered(Console* c) {
   if (!printer.empty()) ChoosePrinter(c, printer);
   if (p.file_order <= int(FileOrder::kTime))
     c->files.folder.Sort(FileOrder(p.file_order), p.files_descending);
+  c->files.table.SetSort(int(c->files.folder.order()), c->files.folder.descending());
   c->files.folder.ShowHidden(p.hidden_names);
   if (!p.file_filter.empty()) SetFilter(c, p.file_filter);
   if (p.queue_order <= int(QueueOrder::kProfile))

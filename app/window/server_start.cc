@@ -51,7 +51,7 @@ std::string WhyNotStartServer(const Console* c) {
   // What refuses is a server already.
   if (c->state.link == Link::kReady || c->state.link == Link::kRefused)
     return "A print server runs there already";
-  if (!IsLocalServer(c->server.host())) return "The print server is on another computer";
+  if (!IsLocalhost(c->server.host())) return "Only the server of localhost is started from here";
   // While it is tried once more the button stays.
   if (!c->banner.shown) return "It is not known yet whether a print server runs here";
   return c->state.nothing_listens ? "" : "Something answers at the server's address already";

@@ -143,19 +143,27 @@ LocalServerResult AwaitListening(Child* child, const Log& log, int ms) {
   return result;
 }
 
+std::string HostIn(const std::string& server) {
+  return server.substr(0, server.find(':'));
+}
+
+bool IsLoopback(const std::string& server) {
+  in_addr address{};
+  return IsLocalhost(server) || (inet_pton(AF_INET, HostIn(server).c_str(), &address) == 1 &&
+                                 ntohl(address.s_addr) >> 24 == 127);
+}
+
 }  // namespace
 
-bool IsLocalServer(const std::string& server) {
-  const std::string host = server.substr(0, server.find(':'));
-  if (host.empty() || host == "localhost") return true;
-  in_addr address{};
-  return inet_pton(AF_INET, host.c_str(), &address) == 1 && ntohl(address.s_addr) >> 24 == 127;
+bool IsLocalhost(const std::string& server) {
+  const std::string host = HostIn(server);
+  return server.empty() || host == "localhost" || host == "127.0.0.1";
 }
 
 LocalServerResult StartLocalServer(const std::string& server, int ms) {
   const std::lock_guard<std::mutex> guard(TheStarted().lock);
   TheStarted().Reap();
-  if (!IsLocalServer(server)) return Refused("Only a server on this computer can be started");
+  if (!IsLoopback(server)) return Refused("Only a server on this computer can be started");
   const std::string path = FindProgram(kProgram);
   if (path.empty()) return Refused("No print server is installed here: printserverd is missing");
   const std::string state = UserFolder("XDG_STATE_HOME", "/.local/state");

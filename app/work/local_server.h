@@ -15,11 +15,12 @@ struct LocalServerResult {
   pid_t pid = 0;        // 0 when it does not run
 };
 
-// Whether a server of that name (HOST or HOST:PORT, "": localhost) can be started here: localhost
-// or an address of the loopback network.
-bool IsLocalServer(const std::string& server);
+// Whether a server of that name (HOST or HOST:PORT, "": localhost) is the one of this computer:
+// localhost, or the address that it stands for. Others of the loopback network are somebody's own.
+bool IsLocalhost(const std::string& server);
 
-// Starts it, and waits until it listens, at most `ms` milliseconds; for a background task. It reads
+// Starts the one of that name, which may be any address of the loopback network, and waits until it
+// listens, at most `ms` milliseconds; for a background task. It reads
 // quorvik/printserverd.conf in $XDG_CONFIG_HOME (else ~/.config) if there is one, and its messages
 // go to quorvik/printserverd.log in $XDG_STATE_HOME (else ~/.local/state).
 LocalServerResult StartLocalServer(const std::string& server, int ms = 10000);

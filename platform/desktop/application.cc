@@ -83,7 +83,7 @@ void OnOpen(sd_bus_message* m) {
   size_t bytes = 0;
   while (Lib().read(m, "s", &uri) > 0) {
     bytes += strlen(uri);
-    std::string path = bytes <= kMostAddresses ? LocalPathOfUri(uri) : std::string();
+    std::string path = bytes <= kMostAddresses ? PathOrAddress(uri) : std::string();
     if (!path.empty()) paths.push_back(std::move(path));
   }
   if (!paths.empty()) {

@@ -22,9 +22,10 @@ Signals signals;
 
 void OnSignal(int) {
   int saved = errno;
-  signals.pending = 1;
   char byte = 1;
   [[maybe_unused]] ssize_t written = write(signals.pipe[1], &byte, 1);
+  // Behind the byte: another thread may run this while the main one takes it.
+  signals.pending = 1;
   errno = saved;
 }
 

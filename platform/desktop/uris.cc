@@ -57,6 +57,11 @@ bool IsAddressElsewhere(std::string_view text) {
 
 }  // namespace
 
+std::string PathOrAddress(std::string_view uri) {
+  std::string path = LocalPathOfUri(uri);
+  return path.empty() && IsAddressElsewhere(uri) ? std::string(uri) : path;
+}
+
 std::vector<std::string> PathsAndAddresses(std::string_view list) {
   std::vector<std::string> paths;
   while (!list.empty()) {
@@ -64,10 +69,7 @@ std::vector<std::string> PathsAndAddresses(std::string_view list) {
     const std::string_view line = list.substr(0, end);
     list = end == std::string_view::npos ? std::string_view() : list.substr(end + 1);
     if (line.empty() || line.front() == '#') continue;
-    if (std::string path = LocalPathOfUri(line); !path.empty())
-      paths.push_back(std::move(path));
-    else if (IsAddressElsewhere(line))
-      paths.emplace_back(line);
+    if (std::string path = PathOrAddress(line); !path.empty()) paths.push_back(std::move(path));
   }
   return paths;
 }

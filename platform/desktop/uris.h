@@ -9,8 +9,9 @@ namespace platform {
 // The path of `file:///path` (or with this machine's name as host), percent signs decoded. Empty
 // for any other scheme or host, a relative path, and bytes that no path can hold.
 std::string LocalPathOfUri(std::string_view uri);
-// A list of addresses, one a line; comments begin with #. Local files by their paths, what lies
-// elsewhere ("http://host/a") by its address; what is no address is left out.
+// The same; the address itself where it is of something that lies elsewhere ("http://host/a").
+std::string PathOrAddress(std::string_view uri);
+// A list of addresses, one a line; comments begin with #; what is no address is left out.
 std::vector<std::string> PathsAndAddresses(std::string_view list);
 
 }  // namespace platform

@@ -25,6 +25,7 @@ enum WindowAttributes : uint32_t {
   kWindowFullZoomAttribute = 6,
   kWindowCollapseBoxAttribute = 8,
   kWindowResizableAttribute = 16,
+  kWindowRefusesFilesAttribute = 32,  // that are dragged over it
   kWindowNoShadowAttribute = 0x200000,
   kWindowStandardHandlerAttribute = 0x2000000,
   kWindowInWindowMenuAttribute = 0x8000000,

@@ -39,6 +39,7 @@ enum : uint32_t {
   kEventWindowZoom = 75,
   kEventWindowFocusAcquired = 200,    // the desktop itself has moved the input focus to the window
   kEventWindowActivity = 201,         // the toolkit's: it has become active or inactive
+  kEventWindowDrag = 202,             // files are dragged over it: `drag`
   kEventWindowDrawFrame = 1000,       // what surrounds the content must be drawn
   kEventWindowCreated = 2000,         // sent to the application
   kEventWindowBoundsReported = 2001,  // by the display; what it makes of them follows as 27
@@ -118,6 +119,11 @@ struct RequestFields {
   int file_count;
 };
 
+struct DragFields {
+  Point where;  // global
+  enum Step : uint8_t { kLeft, kOver, kDropped } step;
+};
+
 struct ControlFields {
   ControlRef control;
   int part;     // of the focus; of a hit, where the control has parts; else 0
@@ -136,6 +142,7 @@ struct Event {
     BoundsFields bounds;
     RequestFields request;
     ControlFields control;
+    DragFields drag;
   };
   // A program's own event: its receiver owns the payload.
   bool posted() const { return payload && cls != kEventClassAppleEvent; }

@@ -38,8 +38,13 @@ struct RawEvent {
     kLetGo,          // windows that were held back come onto the screen
     kTextArrived,    // request, arrived: the answer of another program, null when it has none
     kSelectionLost,  // selection: another program offers it from now on
-    kScreens,        // the screens or the scale changed
-    kDisplayLost,    // the connection is gone
+    // Files that another program drags over a window that takes them: x, y, root_x, root_y. Then
+    // they have left it, or were let go there; of those kOpenFile tells, once they have arrived.
+    kDragOver,
+    kDragLeft,
+    kDragDropped,
+    kScreens,      // the screens or the scale changed
+    kDisplayLost,  // the connection is gone
   } type = kNone;
   uint8_t button = 0;  // 1 primary, 2 secondary, 3 tertiary, 4 and 5 side
   uint8_t tablet_type = 0;

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/fonts/ahead.h"
+#include "platform/fonts/glyph_cache.h"
 #include "platform/fonts/state.h"
 #include "platform/text/mac_roman.h"
 
@@ -12,7 +12,7 @@ namespace platform {
 namespace {
 
 bool LoadHandle(FontFace* f) {
-  if (!std::exchange(f->tried, true) && f->handle.Open(f->file, f->index))
+  if (!std::exchange(f->tried, true) && f->handle.Open(f->file, f->index) && !f->stored)
     f->units.per_em = f->handle.face()->units_per_EM;
   return f->handle.face();
 }
@@ -31,10 +31,22 @@ char32_t StandIn(char32_t c) {
 void TakeGlyph(FontFace* f, CharacterPage* page, int at, const FontFace* from, FT_UInt glyph) {
   page->glyphs[at] = glyph;
   page->sources[at] = from;
+  if (!from->handle.face()) return;
+  if (from == f) KeepGlyphs();
   int64_t units = AdvanceUnits(from->handle.face(), glyph);
   if (int em = from->units.per_em; em != f->units.per_em)
     units = (units * f->units.per_em + em / 2) / em;
   page->advances[at] = int32_t(units);
+}
+
+bool TakeStored(FontFace* f, CharacterPage* page, int at, uint32_t slot) {
+  const StoredCharacter* c = FindStoredCharacter(f->stored, slot);
+  if (!c) return false;
+  page->glyphs[at] = kUnreadGlyph;
+  page->sources[at] = f;
+  page->advances[at] = c->advance;
+  page->overhang[at] = c->overhang != 0;
+  return true;
 }
 
 bool TakeFrom(FontFace* f, CharacterPage* page, int at, const FontFace* from, char32_t c) {
@@ -59,20 +71,21 @@ void TakeToolkitCharacter(FontFace* f, CharacterPage* page, int at, char32_t c) 
 }
 
 void FillToolkitPage(FontFace* f, int first, int end) {
-  StopGlyphs();
   CharacterPage* page = f->toolkit.get();
   for (int i = first; i < end; ++i) {
     page->sources[i] = f;
     page->glyphs[i] = kNoGlyph;
     const char32_t c = MacRomanToUnicode(uint8_t(i));
     page->kinds[i] = KindOf(StandIn(c));
-    if (page->kinds[i] != CharacterKind::kControl) TakeToolkitCharacter(f, page, i, c);
+    if (page->kinds[i] != CharacterKind::kControl && !TakeStored(f, page, i, uint32_t(i)))
+      TakeToolkitCharacter(f, page, i, c);
   }
 }
 
 // --- The other pages
 
-int StyleOf(const FontFace* f) {
+int StyleOf(FontFace* f) {
+  if (!LoadHandle(f)) return 0;
   return int(f->handle.face()->style_flags & (FT_STYLE_FLAG_BOLD | FT_STYLE_FLAG_ITALIC));
 }
 
@@ -99,7 +112,6 @@ void PlaceMark(CharacterPage* page, int at) {
 }
 
 void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
-  StopGlyphs();
   int at = int(c & 0xFF);
   CharacterKind kind = page->kinds[at] = KindOf(c);
   page->glyphs[at] = kNoGlyph;
@@ -107,6 +119,7 @@ void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
   if (kind == CharacterKind::kControl || kind == CharacterKind::kInvisible ||
       kind == CharacterKind::kJoiner)
     return;
+  if (TakeStored(f, page, at, SlotOf(c))) return;
   if (UnicodeToMacRoman(c) >= 0) {
     // Not by way of the toolkit's page: its other characters may be in fonts yet to be opened.
     TakeToolkitCharacter(f, page, at, c);
@@ -123,7 +136,11 @@ void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
 bool OpenFace(const FontFace* face) {
   FontFace* f = const_cast<FontFace*>(face);
   if (f->toolkit) return true;
-  if (!LoadHandle(f)) return false;
+  f->stored = FindStoredFace(f->file, f->index);
+  if (f->stored)
+    f->units.per_em = f->stored->per_em;
+  else if (!LoadHandle(f))
+    return false;
   f->toolkit = std::make_unique<CharacterPage>();
   FillToolkitPage(f, 0, 0x80);
   return true;
@@ -145,6 +162,19 @@ const CharacterPage& PageOfSlot(const FontFace* face, uint32_t slot) {
   if (!page) page = std::make_unique<CharacterPage>();
   if (page->kinds[c & 0xFF] == CharacterKind::kUnknown) LookUp(f, page.get(), c);
   return *page;
+}
+
+char32_t CharacterOf(uint32_t slot) {
+  return StandIn(slot < 256 ? MacRomanToUnicode(uint8_t(slot)) : char32_t(slot - 256));
+}
+
+uint32_t GlyphNumberOf(const FontFace* face, uint32_t slot) {
+  CharacterPage& page = const_cast<CharacterPage&>(PageOfSlot(face, slot));
+  uint32_t& glyph = page.glyphs[slot & 0xFF];
+  if (glyph != kUnreadGlyph) return glyph;
+  FontFace* f = const_cast<FontFace*>(face);
+  if (!LoadHandle(f)) return kNoGlyph;
+  return glyph = FT_Get_Char_Index(f->handle.face(), CharacterOf(slot));
 }
 
 const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* known) {

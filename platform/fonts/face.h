@@ -12,6 +12,8 @@ namespace platform {
 
 // In place of a glyph's number: nothing is drawn; a box with the character's number.
 constexpr uint32_t kNoGlyph = 0xFFFFFFFFu, kBoxGlyph = 0xFFFFFFFEu;
+// The font has it, but the file has not been opened to ask for its number.
+constexpr uint32_t kUnreadGlyph = 0xFFFFFFFDu;
 
 // Metrics in the font's own units.
 struct FontUnits {
@@ -27,12 +29,15 @@ struct CharacterPage {
   bool overhang[256] = {};            // a mark that is drawn to the left of its pen
 };
 
+struct StoredFace;
+
 struct FontFace {
   std::string file;
   int index = 0;
   FontUnits units;
   // --- Filled by OpenFace.
-  FontHandle handle;
+  const StoredFace* stored = nullptr;  // what earlier programs knew of the file; null: nothing
+  FontHandle handle;                   // opened for the first thing that is not stored
   bool tried = false;
   int ft_size = 0;  // 26.6 size that the handle is set to
   // The 256 characters of the toolkit's set; the upper half is looked up on first use, since other
@@ -43,7 +48,7 @@ struct FontFace {
   std::vector<std::unique_ptr<CharacterPage>> pages;
 };
 
-// Opens the file and reads the lower half of the toolkit's page; false when it cannot be read. Once
+// Reads the lower half of the toolkit's page; false when it cannot be read. Once
 // a face.
 bool OpenFace(const FontFace* face);
 // Reads the upper half of an open face's toolkit page, once.
@@ -57,6 +62,11 @@ const FontFace* FaceOfFile(const std::string& file, int index, const FontUnits* 
 inline uint32_t SlotOf(char32_t c) {
   return c < 0x80 ? c : c + 256;
 }
+// The character of a slot as it is looked for in fonts.
+char32_t CharacterOf(uint32_t slot);
+// The number of its glyph in the font that has it, or one of those above. That font's file is open
+// then, unless there is nothing to draw.
+uint32_t GlyphNumberOf(const FontFace* face, uint32_t slot);
 // The page of a slot, with that slot's character looked up.
 const CharacterPage& PageOfSlot(const FontFace* face, uint32_t slot);
 // Advance of a box with a number, in units of 1/13 em: the number has four digits or six.

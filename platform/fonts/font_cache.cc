@@ -1,28 +1,17 @@
-// The file of the font cache: lines of fields between tabs. It is only ever a short cut, so
-// anything odd about it means that it is not there.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
+// The file of the font cache: lines of fields between tabs.
 #include <charconv>
 #include <cstdlib>
 #include <string_view>
 
+#include "platform/fonts/cache_file.h"
 #include "platform/fonts/finder.h"
 
 namespace platform {
 namespace {
 
 constexpr std::string_view kTitle = "xw fonts 1";
+constexpr const char* kFile = "fonts";
 constexpr size_t kMaxFile = 1 << 20;
-
-std::string CacheFolder() {
-  const char* cache = getenv("XDG_CACHE_HOME");
-  if (cache && cache[0] == '/') return std::string(cache) + "/xw";
-  const char* home = getenv("HOME");
-  return home && home[0] == '/' ? std::string(home) + "/.cache/xw" : "";
-}
 
 // What the font finder itself reads from the environment.
 std::string Environment() {
@@ -39,28 +28,6 @@ std::string Environment() {
 
 bool IsPlain(const std::string& s) {
   return s.find_first_of("\t\n") == std::string::npos;
-}
-
-std::string ReadAll(const std::string& path) {
-  std::string s;
-  // Without O_NONBLOCK a pipe in its place would block the start.
-  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-  if (fd < 0) return s;
-  struct stat info;
-  if (!fstat(fd, &info) && S_ISREG(info.st_mode) && info.st_uid == geteuid() &&
-      size_t(info.st_size) <= kMaxFile) {
-    s.resize(size_t(info.st_size));
-    size_t n = 0;
-    while (n < s.size()) {
-      ssize_t got = read(fd, s.data() + n, s.size() - n);
-      if (got < 0 && errno == EINTR) continue;
-      if (got <= 0) break;
-      n += size_t(got);
-    }
-    s.resize(n);
-  }
-  close(fd);
-  return s;
 }
 
 std::string_view TakeUntil(std::string_view* text, char end) {
@@ -90,22 +57,6 @@ bool ParseCachedFont(std::string_view line, CachedFont* a) {
          std::abs(a->units.descender) <= 1 << 20 && std::abs(a->units.max_advance) <= 1 << 20;
 }
 
-// Writes and renames, so that a reader sees all of it or the one before.
-void Replace(const std::string& path, const std::string& text) {
-  std::string temporary = path + ".XXXXXX";
-  int fd = mkostemp(temporary.data(), O_CLOEXEC);
-  if (fd < 0) return;
-  size_t n = 0;
-  while (n < text.size()) {
-    ssize_t put = write(fd, text.data() + n, text.size() - n);
-    if (put < 0 && errno == EINTR) continue;
-    if (put <= 0) break;
-    n += size_t(put);
-  }
-  bool good = close(fd) == 0 && n == text.size();
-  if (!good || rename(temporary.c_str(), path.c_str())) unlink(temporary.c_str());
-}
-
 void AppendCachedFont(std::string* text, const CachedFont& a) {
   *text += a.key + '\t' + a.file;
   for (int n : {a.index, a.units.per_em, a.units.ascender, a.units.descender, a.units.max_advance})
@@ -113,19 +64,10 @@ void AppendCachedFont(std::string* text, const CachedFont& a) {
   *text += "\n";
 }
 
-bool MakeFolder(const std::string& folder) {
-  if (mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST) return true;
-  if (errno != ENOENT) return false;
-  std::string parent = folder.substr(0, folder.rfind('/'));
-  return !parent.empty() && mkdir(parent.c_str(), 0700) == 0 && mkdir(folder.c_str(), 0700) == 0;
-}
-
 }  // namespace
 
 std::optional<std::vector<CachedFont>> LoadFontCache() {
-  std::string folder = CacheFolder();
-  if (folder.empty()) return std::nullopt;
-  std::string text = ReadAll(folder + "/fonts");
+  std::string text = ReadCacheFile(kFile, kMaxFile);
   std::string_view rest = text;
   if (!text.ends_with('\n') || TakeUntil(&rest, '\n') != kTitle) return std::nullopt;
   if (TakeUntil(&rest, '\n') != Environment()) return std::nullopt;
@@ -146,9 +88,8 @@ std::optional<std::vector<CachedFont>> LoadFontCache() {
 }
 
 void SaveFontCache(const std::vector<FontStamp>& stamps, const std::vector<CachedFont>& cache) {
-  std::string folder = CacheFolder();
   std::string environment = Environment();
-  if (folder.empty() || !IsPlain(environment) || stamps.empty()) return;
+  if (!IsPlain(environment) || stamps.empty()) return;
   std::string text = std::string(kTitle) + "\n" + environment + "\n";
   for (const FontStamp& s : stamps) {
     if (!IsPlain(s.path)) return;
@@ -156,8 +97,7 @@ void SaveFontCache(const std::vector<FontStamp>& stamps, const std::vector<Cache
   }
   for (const CachedFont& a : cache)
     if (IsPlain(a.key) && IsPlain(a.file)) AppendCachedFont(&text, a);
-  if (text.size() > kMaxFile || !MakeFolder(folder)) return;
-  Replace(folder + "/fonts", text);
+  if (text.size() <= kMaxFile) ReplaceCacheFile(kFile, text);
 }
 
 }  // namespace platform

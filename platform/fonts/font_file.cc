@@ -14,8 +14,17 @@ namespace {
 
 constexpr off_t kLargestFile = off_t{1} << 30;
 
+FileIdentity IdentityOf(const struct stat& info) {
+  const auto nanoseconds = [](const timespec& t) {
+    return int64_t(uint64_t(t.tv_sec) * 1'000'000'000 + uint64_t(t.tv_nsec));
+  };
+  if (!S_ISREG(info.st_mode)) return {};
+  return {info.st_dev, info.st_ino, uint64_t(info.st_size), nanoseconds(info.st_mtim),
+          nanoseconds(info.st_ctim)};
+}
+
 // The type is checked before opening, since opening some devices has an effect.
-int OpenRegular(const std::string& file, size_t* size) {
+int OpenRegular(const std::string& file, FileIdentity* identity) {
   struct stat info;
   if (stat(file.c_str(), &info) || !S_ISREG(info.st_mode)) return -1;
   int fd = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -23,7 +32,7 @@ int OpenRegular(const std::string& file, size_t* size) {
   bool good = !fstat(fd, &info) && S_ISREG(info.st_mode) && info.st_size > 0 &&
               info.st_size <= kLargestFile;
   if (!good) return close(fd), -1;
-  *size = size_t(info.st_size);
+  *identity = IdentityOf(info);
   return fd;
 }
 
@@ -41,9 +50,8 @@ class FontStream {
   }
 
   bool Open(const std::string& file) {
-    size_t size = 0;
-    fd_ = OpenRegular(file, &size);
-    record_.size = size;
+    fd_ = OpenRegular(file, &identity_);
+    record_.size = identity_.size;
     record_.descriptor.pointer = this;
     record_.read = [](FT_Stream s, unsigned long offset, unsigned char* out, unsigned long count) {
       FontStream* stream = static_cast<FontStream*>(s->descriptor.pointer);
@@ -54,6 +62,7 @@ class FontStream {
     return fd_ >= 0;
   }
   FT_Stream record() { return &record_; }
+  const FileIdentity& identity() const { return identity_; }
 
  private:
   // A font has thousands of small readings in a few places: they come from blocks of the file.
@@ -97,15 +106,24 @@ class FontStream {
 
   FT_StreamRec record_{};
   int fd_ = -1;
+  FileIdentity identity_;
   Block blocks_[kBlocks];
 };
 
+FileIdentity IdentityOf(const std::string& file) {
+  struct stat info;
+  return stat(file.c_str(), &info) ? FileIdentity{} : IdentityOf(info);
+}
+
 FontHandle::FontHandle() = default;
 FontHandle::FontHandle(FontHandle&& other) noexcept
-    : face_(std::exchange(other.face_, nullptr)), stream_(std::move(other.stream_)) {}
+    : face_(std::exchange(other.face_, nullptr)),
+      stream_(std::move(other.stream_)),
+      identity_(other.identity_) {}
 FontHandle& FontHandle::operator=(FontHandle&& other) noexcept {
   std::swap(face_, other.face_);
   std::swap(stream_, other.stream_);
+  std::swap(identity_, other.identity_);
   return *this;
 }
 FontHandle::~FontHandle() {
@@ -122,6 +140,7 @@ bool FontHandle::Open(const std::string& file, int index) {
   arguments.stream = stream->record();
   FT_Face face = nullptr;
   if (FT_Open_Face(library, &arguments, index, &face)) return false;
+  identity_ = stream->identity();
   stream_ = std::move(stream);
   face_ = face;
   if (FT_IS_SCALABLE(face) && face->units_per_EM) return true;

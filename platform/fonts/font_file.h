@@ -2,6 +2,7 @@
 // a folder holds comes from outside. A file that is cut short while it is open gives reading
 // errors.
 #pragma once
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -10,6 +11,14 @@
 namespace platform {
 
 class FontStream;
+
+// Tells one state of a file from another; all 0 for what is no regular file.
+struct FileIdentity {
+  uint64_t device = 0, number = 0, size = 0;
+  int64_t modified = 0, changed = 0;  // nanoseconds
+  bool operator==(const FileIdentity&) const = default;
+};
+FileIdentity IdentityOf(const std::string& file);
 
 class FontHandle {
  public:
@@ -22,10 +31,13 @@ class FontHandle {
   bool Open(const std::string& file, int index);
   // Null before Open and after one that failed.
   FT_Face face() const { return face_; }
+  // Of the file when it was opened.
+  const FileIdentity& identity() const { return identity_; }
 
  private:
   FT_Face face_ = nullptr;
   std::unique_ptr<FontStream> stream_;
+  FileIdentity identity_;
 };
 
 }  // namespace platform

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 
-#include "platform/fonts/ahead.h"
 #include "platform/fonts/state.h"
 #include "platform/graphics/context_state.h"
 
@@ -24,17 +23,19 @@ GlyphSet* SetFor(SizedFont* font, double scale) {
   for (auto& s : font->sets) {
     if (s->device_size != device_size) continue;
     // The masks of a size are dropped when they take too much memory, whatever is drawn.
-    if (s->masks.size() > kMaxMasks) *s = {device_size, {}, {}, s->ascent, s->descent};
+    if (s->masks.size() > kMaxMasks) *s = {device_size, s->stored, {}, {}, s->ascent, s->descent};
     return s.get();
   }
   font->sets.push_back(std::make_unique<GlyphSet>());
   font->sets.back()->device_size = device_size;
+  font->sets.back()->stored = FindStoredSet(font->face->stored, device_size);
   return font->sets.back().get();
 }
 
 // Room for a mask whose corner is at (left, -top) of the pen; null when it is too large.
 uint8_t* AddMask(GlyphSet* set, Glyph* g, int left, int top, unsigned width, unsigned rows) {
   if (width > 4096 || rows > 4096) return nullptr;
+  g->drawable = true;
   g->left = int16_t(left);
   g->top = int16_t(top);
   g->width = uint16_t(width);
@@ -94,8 +95,13 @@ void MakeBox(GlyphSet* set, Glyph* g, char32_t c) {
 
 void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
   g->made = true;
+  if (const StoredGlyph* stored = FindStoredGlyph(set->stored, slot)) {
+    uint8_t* mask = AddMask(set, g, stored->left, stored->top, stored->width, stored->rows);
+    if (mask) std::memcpy(mask, set->stored->masks.data() + stored->offset, stored->bytes());
+    return;
+  }
   const CharacterPage& page = PageOfSlot(font->face, slot);
-  const uint32_t glyph = page.glyphs[slot & 0xFF];
+  const uint32_t glyph = GlyphNumberOf(font->face, slot);
   if (glyph == kNoGlyph || set->device_size <= 0 || set->device_size > kMaxDeviceSize) return;
   if (glyph == kBoxGlyph) return MakeBox(set, g, slot - 256);
   FontFace* f = const_cast<FontFace*>(page.sources[slot & 0xFF]);
@@ -108,6 +114,7 @@ void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
   if (FT_Load_Glyph(face, glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP)) return;
   if (FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL)) return;
   StoreMask(set, g, face->glyph);
+  if (f == font->face) KeepGlyphs();
 }
 
 const Glyph& GlyphOf(const SizedFont* font, GlyphSet* set, uint32_t slot) {
@@ -191,10 +198,6 @@ bool OpenSized(const SizedFont* font) {
   return f->opened;
 }
 
-void MakeGlyphAhead(SizedFont* font, double scale, char c) {
-  GlyphOf(font, SetFor(font, scale), uint8_t(c));
-}
-
 SizedFont* OpenFont(const FontFace* face, int size) {
   if (!face) return nullptr;
   auto& fonts = Fonts().sized;
@@ -242,7 +245,6 @@ namespace {
 // before it and its own advance, and stops when that returns false.
 template <typename Each>
 void DrawEach(ContextRef c, SizedFont* font, int x, int y, Ink ink, Each each) {
-  StopGlyphs();
   int baseline = EdgeY(c, y);
   GlyphSet* set = SetFor(font, c->scale);
   const pixman_box32_t* whole = c->box_count == 1 ? c->boxes : nullptr;

@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "platform/fonts/fonts.h"
+#include "platform/fonts/glyph_cache.h"
 
 namespace platform {
 
 // A mask: `rows` rows of `stride` bytes at `offset`; its corner lies at (left, -top) of the pen.
 struct Glyph {
-  bool made = false;
+  bool made = false, drawable = false;  // that is false of what the font could not give
   int16_t left = 0, top = 0;
   uint16_t width = 0, rows = 0, stride = 0;
   size_t offset = 0;
@@ -23,6 +24,7 @@ struct GlyphPage {
 // Masks for one size in device pixels (26.6), in pages as a face has its characters.
 struct GlyphSet {
   int device_size = 0;
+  const StoredSet* stored = nullptr;              // its masks of earlier programs; null: none
   std::vector<std::unique_ptr<GlyphPage>> pages;  // by slot / 256
   std::vector<uint8_t> masks;
   int ascent = 0, descent = 0;  // of the masks made so far
@@ -36,7 +38,5 @@ struct SizedFont {
 };
 // Opens its face, or the desktop's font in its place; false when there is none.
 bool OpenSized(const SizedFont* font);
-// Makes the mask of an ASCII character of an open font, so that it is there when it is drawn.
-void MakeGlyphAhead(SizedFont* font, double scale, char c);
 
 }  // namespace platform

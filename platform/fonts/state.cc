@@ -1,7 +1,5 @@
 #include "platform/fonts/state.h"
 
-#include "platform/fonts/ahead.h"
-
 namespace platform {
 namespace {
 
@@ -15,7 +13,7 @@ FontState& Fonts() {
 }
 
 void FinishFonts() {
-  StopGlyphs();
+  if (state) SaveGlyphCache();
   delete state;
   state = nullptr;
 }

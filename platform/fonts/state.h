@@ -5,18 +5,19 @@
 
 #include "platform/fonts/face.h"
 #include "platform/fonts/finder.h"
+#include "platform/fonts/glyph_cache.h"
 #include "platform/fonts/glyphs.h"
 
 namespace platform {
 
 struct FontState {
+  std::unique_ptr<GlyphCache> glyph_cache;  // read with the first face
+  bool keep_glyphs = false;                 // there is something to add to it
   std::vector<std::unique_ptr<FontFace>> faces;
   std::vector<std::unique_ptr<SizedFont>> sized;
   std::unique_ptr<FontFinder> finder;
   bool fallback_sought = false;
   const FontFace* fallback = nullptr;
-  std::vector<SizedFont*> ahead;  // whose commonest glyphs are made ahead
-  double ahead_scale = 1;
 };
 FontState& Fonts();
 

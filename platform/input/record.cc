@@ -35,8 +35,9 @@ struct Recording {
   double start = 0;
   FILE* file = nullptr;  // recording
   std::vector<RecordLine> lines;
-  size_t next = 0;    // to be played
-  size_t played = 0;  // events that were played and may still be queued
+  size_t next = 0;      // to be played
+  size_t played = 0;    // events that were played and may still be queued
+  bool behind = false;  // the last line was played late
   // Since when results are awaited, real seconds, and the line before the first of them.
   double awaited_since = -1, awaited_after = 0;
   std::string program;
@@ -202,10 +203,13 @@ void ReplayDue() {
   double group = -1;
   while (r.next < r.lines.size() && IsDue(r.lines[r.next], now)) {
     const RecordLine& line = r.lines[r.next];
-    // After a result that came late, lines with the same time are played together.
+    // Behind a result that came late, or on a busy machine, lines of one time are played together,
+    // and what they led to is done before the next: their places depend on it.
     const bool late = now - r.start > line.time + kLate;
-    if (late && group != line.time && (group >= 0 || !main_event_queue.empty())) return;
+    const bool waits = (late || r.behind) && !main_event_queue.empty();
+    if (group != line.time && (group >= 0 || waits)) return;
     group = line.time;
+    r.behind = late;
     if (line.result) {
       if (!PassesOver(line)) return;
       ++r.next;
@@ -233,7 +237,8 @@ double NextReplay(double now) {
   if (record_mode != RecordMode::kReplaying || r.next >= r.lines.size()) return -1;
   const RecordLine& line = r.lines[r.next];
   if (line.result && IsDue(line, now)) return kAwaitedLook;
-  // What is due and not played waits for a timer.
+  if (IsDue(line, now)) return 0;
+  // What has its time and is not due waits for a timer.
   return TimeHasCome(line, now) ? -1 : line.time - (now - r.start);
 }
 

@@ -34,6 +34,9 @@ constexpr KindRow kKinds[] = {
     {RawEvent::kGrabLost, "grab-lost"},
     {RawEvent::kTextArrived, "text"},
     {RawEvent::kSelectionLost, "text-lost"},
+    {RawEvent::kDragOver, "drag"},
+    {RawEvent::kDragLeft, "drag-left"},
+    {RawEvent::kDragDropped, "dropped"},
 };
 
 // One of these points at a field of a report.

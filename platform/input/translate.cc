@@ -77,6 +77,21 @@ void Motion(const RawEvent& raw, WindowRef w) {
     q.Push(e);
 }
 
+void Drag(const RawEvent& raw, WindowRef w, DragFields::Step step) {
+  Event e(kEventClassWindow, kEventWindowDrag, w);
+  e.time = raw.time;
+  e.drag = {GlobalPoint(*w, raw), step};
+  EventQueue& q = main_event_queue;
+  Event* last = q.Last();
+  const bool merges = step == DragFields::kOver && last && last->cls == e.cls &&
+                      last->kind == e.kind && last->window == w &&
+                      last->drag.step == DragFields::kOver;
+  if (merges)
+    *last = e;
+  else
+    q.Push(e);
+}
+
 void Button(const RawEvent& raw, WindowRef w) {
   bool press = raw.type == RawEvent::kPress;
   uint32_t bit = raw.button >= 1 && raw.button <= kButtons ? 1u << (raw.button - 1) : 0;
@@ -210,6 +225,12 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
       return HandleFocus(w, true);
     case RawEvent::kFocusOut:
       return HandleFocus(w, false);
+    case RawEvent::kDragOver:
+      return Drag(raw, w, DragFields::kOver);
+    case RawEvent::kDragLeft:
+      return Drag(raw, w, DragFields::kLeft);
+    case RawEvent::kDragDropped:
+      return Drag(raw, w, DragFields::kDropped);
     case RawEvent::kFrame:
       return HandleFrame(w, raw.frame);
     case RawEvent::kState:

@@ -18,7 +18,6 @@
 #include "platform/events/sources.h"
 #include "platform/events/timers.h"
 #include "platform/events/trackers.h"
-#include "platform/fonts/ahead.h"
 #include "platform/fonts/fonts.h"
 #include "platform/graphics/font_library.h"
 #include "platform/input/record.h"
@@ -35,8 +34,7 @@
 namespace platform {
 namespace {
 
-OpenResult Open(const Display* d, const char* session_name, void (*open_fonts)()) {
-  if (d != &kHeadlessDisplay) BeginOpening(open_fonts);
+OpenResult Open(const Display* d, const char* session_name) {
   const OpenResult result = d->open(session_name);
   if (result == OpenResult::kNotHere) return result;
   SetCurrentDisplay(d, session_name);
@@ -47,12 +45,12 @@ OpenResult Open(const Display* d, const char* session_name, void (*open_fonts)()
 
 // The display named by XW_DISPLAY, else the first that opens; the headless one is for those who ask
 // for it.
-OpenResult OpenDisplay(const char* session_name, void (*open_fonts)()) {
+OpenResult OpenDisplay(const char* session_name) {
   const char* wanted = getenv("XW_DISPLAY");
   const bool named = wanted && *wanted;
   for (const Display* const* d = kDisplays; *d; ++d) {
     const bool meant = named ? !strcmp((*d)->name, wanted) : *d != &kHeadlessDisplay;
-    const OpenResult result = meant ? Open(*d, session_name, open_fonts) : OpenResult::kNotHere;
+    const OpenResult result = meant ? Open(*d, session_name) : OpenResult::kNotHere;
     if (result != OpenResult::kNotHere) return result;
   }
   fprintf(stderr, "%s: cannot open the display %s\n", session_name,
@@ -64,19 +62,12 @@ OpenResult OpenDisplay(const char* session_name, void (*open_fonts)()) {
 
 }  // namespace
 
-bool InitPlatform(const char* name, void (*open_fonts)()) {
-  if (CurrentDisplay()) {
-    FinishOpening(open_fonts);
-    return true;
-  }
+bool InitPlatform(const char* name) {
+  if (CurrentDisplay()) return true;
   if (!name) name = "";
   TakeStartToken();
-  const OpenResult opened = OpenDisplay(name, open_fonts);
-  if (opened == OpenResult::kNotHere) {
-    DropOpening();
-    return false;
-  }
-  FinishOpening(open_fonts);
+  const OpenResult opened = OpenDisplay(name);
+  if (opened == OpenResult::kNotHere) return false;
   InitWindows();
   ReadScreens();
   if (!OpenRecord(name)) {

@@ -4,9 +4,8 @@
 namespace platform {
 
 // Starts the platform on the display named by XW_DISPLAY, else on the first that opens. False, with
-// one line on standard error, when none does. Called once more it starts nothing. Before it returns
-// true, it runs `open_fonts`, on another thread where the display takes its time.
-bool InitPlatform(const char* session_name, void (*open_fonts)() = nullptr);
+// one line on standard error, when none does. Called once more it starts nothing.
+bool InitPlatform(const char* session_name);
 // Ends all windows, closes the display and leaves every room as it was before the start. Not inside
 // a dispatch.
 void FinishPlatform();

@@ -111,7 +111,7 @@ TEST_F(ConsoleTest, TabGoesRoundAndEachStopTakesItsKeys) {
 TEST_F(ConsoleTest, TypingFindsNamesAndTabFindsWhatCanBeUsed) {
   for (const char* name : {"big.bin", "bravo.txt", "brochure.pdf", "with\nline.txt"})
     home_.File(name, "x");
-  Open("127.0.0.2");
+  Open("localhost:1");
   const auto typed = [this](const char* letters) {
     for (; *letters; ++letters) Key(uint8_t(*letters), uint8_t(*letters));
     return Selected();

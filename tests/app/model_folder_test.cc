@@ -176,6 +176,9 @@ TEST(Selection, FollowsButtonsAndKeys) {
   s.All(rows), is("abcdefgh", 0);
   s.Press(rows, -1, none), s.DragTo(rows, 5), is("fgh", 5);
   s.DragTo(rows, 8), is("", -1);
+  s.Press(rows, 2, none), s.Release();
+  s.Press(rows, -1, shift), s.DragTo(rows, 6), is("cgh", 6);  // beside what is selected
+  s.DragTo(rows, 8), is("c", 2);
 }
 
 TEST(Selection, HandsNothingOnWhenRowsChange) {

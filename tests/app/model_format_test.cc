@@ -82,6 +82,7 @@ TEST(CutMiddle, KeepsBeginningAndEnding) {
 TEST(Words, OfNumbers) {
   EXPECT_EQ(NumberText(0) + " " + NumberText(999) + " " + NumberText(-100000), "0 999 -100,000");
   EXPECT_EQ(NumberOf(1234567, "file", "files"), "1,234,567 files");
+  EXPECT_EQ(MissingText({"a", "b, c"}), "2 files are missing: “a”, “b, c”");
 }
 
 TEST(NameFilter, TakesPatternsAndParts) {

@@ -68,6 +68,18 @@ TEST(Printers, SayHowTheyAre) {
   EXPECT_TRUE(printers.WhyNot(PrinterVerb::kPaperLoaded, rows[1]).empty());
   EXPECT_TRUE(printers.Offers(PrinterVerb::kResume, rows[1], ""));  // it has stopped
   EXPECT_EQ(printers.MoveTargets(rows[3]).size(), 3u);
+  EXPECT_EQ(printers.Names()[3], "hp 2");
+  NC_Printer stopped = list[3];
+  EXPECT_TRUE(IsStopped(stopped));
+  stopped.paused = 1;
+  EXPECT_FALSE(IsStopped(stopped)) << "somebody has paused it";
+  list[1].paused = 0;
+  printers.Show(List({list[1]}));
+  EXPECT_EQ(printers.rows()[0].dot, Tone::kWarning) << "it prints on its last sheet";
+  strcpy(stopped.media, ",A4,,A1");
+  EXPECT_EQ(MediaOf(&stopped), (std::vector<std::string>{"A4", "A1"}));
+  EXPECT_TRUE(HasMedia(stopped, "A1") && !HasMedia(stopped, "A0"));
+  EXPECT_TRUE(HasMedia(list[0], "A0")) << "its media are not known";
 }
 
 TEST(Printers, ChangeTheChosenOneByAChoiceAlone) {
@@ -90,6 +102,15 @@ TEST(Printers, ChangeTheChosenOneByAChoiceAlone) {
   a.accepting = 0;
   printers.Show(List({a, b}));
   EXPECT_EQ(printers.WhyNotPrint(), "“a” takes no new jobs");
+  printers.ForgetServer();
+  EXPECT_EQ(printers.chosen(), "a");
+  Printers by_default;
+  by_default.Show(List({b}));
+  b.is_default = 1;
+  by_default.Show(List({b}));
+  EXPECT_EQ(by_default.chosen(), "b");
+  by_default.ForgetServer();
+  EXPECT_EQ(by_default.chosen(), "") << "another server has another default";
 }
 
 TEST(Notices, KeepErrorsUntilTheyAreRead) {
@@ -102,6 +123,7 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   notices.Tell({Tone::kWarning, "not moved"}, 8000);
   notices.Tell({Tone::kGood, "cancelled"}, 8000);
   EXPECT_EQ(notices.Passing(9000).text, "cancelled");
+  EXPECT_EQ(notices.NextChange(9000), 14000) << "it passes beside errors, too";
   for (const char* text : {"no file is selected", "no job is selected"}) notices.TellReason(text);
   EXPECT_EQ(notices.Shown(1000000).text, "no job is selected (and 3 more)");
   for (int times = 0; times < 2; ++times) notices.PassReason();
@@ -112,11 +134,16 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   EXPECT_EQ(notices.Shown(1000000).tone, Tone::kWarning);
   notices.Read();
   EXPECT_EQ(notices.Shown(9000).text, "cancelled");
+  notices.TellReason("the server is away");
+  notices.Tell({Tone::kBad, "the server is away"}, 9000);
+  notices.PassReason();
+  EXPECT_EQ(notices.Shown(9000).text, "the server is away") << "an error does not pass with it";
+  notices.Read();
   notices.Progress("a", "sending a");
   notices.Progress("b", "sending b");
   notices.Progress("a", "sending a, 10 %");
   EXPECT_EQ(notices.ProgressText(), "sending a, 10 % (and 1 more)");
-  notices.EndProgress("a");
+  notices.Progress("a", "");
   EXPECT_EQ(notices.ProgressText(), "sending b");
 }
 

@@ -100,6 +100,11 @@ TEST(QueueRows, AreSortedAndFiltered) {
   rows.Show(Jobs({"a:w", "a:w", "a:w", "a:w", "a:w", "sent:w"}), {});
   rows.Show(Jobs({"a:w"}), {});
   EXPECT_FALSE(rows.Has(Id(6)));
+  rows.Filter({});
+  rows.Show(Jobs({"a:n"}), {});
+  EXPECT_EQ(rows.Summary(), "nothing waits");
+  rows.Show(Jobs({}), {});
+  EXPECT_EQ(rows.Summary(), "empty");
 }
 
 TEST(QueueVerbs, AreTheServersRules) {
@@ -140,7 +145,8 @@ TEST(QueueVerbs, SayWhyNot) {
   EXPECT_EQ(why(Verb::kHold, Id(2), false), "The server is away");
   EXPECT_EQ(why(Verb::kHold, Id(9)), "The job is not in the queue any more");
   EXPECT_EQ(why(Verb::kRelease, {1, {}}, false), "");  // sends it again
-  EXPECT_EQ(why(Verb::kHold, {2, {}}), "It is still to be sent");
+  for (const Verb verb : {Verb::kHold, Verb::kRelease})
+    EXPECT_EQ(why(verb, {2, {}}), "It is still to be sent");
   // Of several, a reason that all of them share.
   const std::vector<QueueId> printed_and_gone = {Id(1), Id(9)}, gone = {Id(8), Id(9)};
   EXPECT_EQ(CheckVerb(Verb::kHold, rows, gone, pending, true).why_not,
@@ -150,6 +156,9 @@ TEST(QueueVerbs, SayWhyNot) {
   const VerbCheck hold = CheckVerb(Verb::kHold, rows, {Id(1), {1, {}}, Id(3)}, pending, true);
   EXPECT_EQ(hold.left_out, 2);
   EXPECT_EQ(hold.why_left_out, "The job is printed");
+  const VerbCheck release = CheckVerb(Verb::kRelease, rows, {Id(2), Id(3), {1, {}}}, pending, true);
+  EXPECT_TRUE(release.possible());
+  EXPECT_EQ(release.left_out, 0) << "the others are so already";
   // Those for which it is possible are taken; none is left out only because it is being changed.
   auto hold_all = [&] {
     return CheckVerb(Verb::kHold, rows, {Id(1), Id(2), Id(3)}, pending, true);
@@ -157,6 +166,7 @@ TEST(QueueVerbs, SayWhyNot) {
   EXPECT_EQ(hold_all().on, (std::vector<QueueId>{Id(2), Id(3)}));
   pending.Begin(Id(2).job, Verb::kRemove, 0);
   EXPECT_EQ(why(Verb::kHold, Id(2)), "A change of the job is under way");
+  EXPECT_EQ(why(Verb::kHold, Id(2), false), "The server is away");
   EXPECT_EQ(hold_all().why_not, "1 job is still being changed");
   EXPECT_FALSE(hold_all().possible());
   // One that somebody else has removed is told by its name.
@@ -230,6 +240,9 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(UnsentText({2, 1}), "2 documents have not been sent, 1 could not be sent");
   EXPECT_EQ(UnsentText({0, 0, 37}), "37 changes of jobs have not been made");
   EXPECT_EQ(UnsentText({1, 1, 1}), "2 documents and 1 change have not reached the server");
+  EXPECT_EQ(TakenBackText({3, 2, 0, 0}), "3 of 5 documents were taken back; 2 had been sent");
+  EXPECT_EQ(TakenBackText({1, 0, 1, 1}),
+            "1 of 3 documents was taken back; 1 is being sent, 1 could not be sent");
   auto jobs = *Jobs({"a:p", "a:w", "a:d", "a:w"});
   jobs[0].total = 4200000, jobs[0].printed = 2100000;
   strcpy(jobs[1].reasons, "printer-paused,new-keyword");
@@ -259,6 +272,15 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   moved.lacks = "", moved.was_on = "Wide";
   EXPECT_EQ(OutcomeMessage(moved).text,
             "Moved to “Proof”, though somebody else had moved it to “Wide”: 2 jobs");
+  EXPECT_EQ(OutcomeMessage(moved).tone, Tone::kWarning);
+  EXPECT_EQ(ProgressText({Verb::kHold, 3, 9}), "");
+  EXPECT_EQ(ProgressText({Verb::kHold, 3, 10}), "Holding: 3 of 10 jobs");
+  EXPECT_EQ(AwayText("ada", "does not answer", 0), "ada does not answer. Trying again…");
+  Outgoing out = Sending(1, "a", OutgoingState::kWaiting);
+  out.media = "A1", out.copies = 3, out.priority = 70;
+  std::string facts;
+  for (const Fact& fact : FactsOfOutgoing(out, 5000)) facts += fact.name + " " + fact.value + " ";
+  EXPECT_NE(facts.find("Media A1 Copies 3 Priority 70"), std::string::npos) << facts;
   // What another console did first is told, and is no error.
   for (const int status : {NC_STATUS_UNKNOWN_ID, NC_STATUS_WRONG_STATE})
     EXPECT_EQ(AnswerMessage(Verb::kMove, status, "a").tone, Tone::kWarning);
@@ -269,7 +291,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
 
 TEST(Removal, AsksWhenItConcernsOthers) {
   QueueRows rows("me");
-  rows.Show(Jobs({"a:p", "b:w", "xc:w", "d:h"}), {Sending(1, "e", OutgoingState::kSending)});
+  rows.Show(Jobs({"a:p", "b:w", "xc:w", "d:h", "f:p", "f:w"}),
+            {Sending(1, "e", OutgoingState::kSending)});
   const struct {
     std::vector<QueueId> ids;
     const char* text;
@@ -279,6 +302,7 @@ TEST(Removal, AsksWhenItConcernsOthers) {
       {{Id(2), {1, {}}}, ""},
       {{Id(1)}, "Remove “a”? It is at the printer."},
       {{Id(3)}, "Remove “xc”? It belongs to “ada”."},
+      {{Id(5)}, "Remove “f” (job 5)? It is at the printer."},
       {{Id(2), Id(4)}, "Remove 2 jobs?"},
       {{Id(1), Id(3)}, "Remove 2 jobs? 1 is at the printer. 1 is not yours."},
   };

@@ -24,7 +24,7 @@ uint32_t KeyOf(const std::string& name) {
       {"Home", 0xFF50},  {"End", 0xFF57},    {"Left", 0xFF51},     {"Up", 0xFF52},
       {"Right", 0xFF53}, {"Down", 0xFF54},   {"Menu", 0xFF67},     {"F1", 0xFFBE},
       {"F5", 0xFFC2},    {"F10", 0xFFC7},    {"Shift", kShiftKey}, {"Control", kControlKey},
-      {"Alt", kAltKey}};
+      {"Alt", kAltKey},  {"F6", 0xFFC3},     {"Page_Down", 0xFF56}};
   const auto found = kNames.find(name);
   return found != kNames.end() ? found->second : uint32_t(name[0]);
 }

@@ -8,6 +8,7 @@
 #include "app/work/places_reader.h"
 #include "app/work/preferences_file.h"
 #include "os/system_paths.h"
+#include "printserver/nc.h"
 #include "tests/os/scratch.h"
 
 namespace console {
@@ -118,7 +119,7 @@ TEST_F(PlacesTest, VolumesHaveNamesForPersons) {
 
 TEST(Preferences, WhatIsWrittenIsReadAgain) {
   Preferences p;
-  p.window_width = 2500;
+  p.window_width = 2500, p.window_left = 30, p.window_top = 70;
   p.file_columns = {200, 80, 120};
   p.folder = "/a\nb\\n\r=#\xFF";
   p.queue_filter = "  *.pdf, x=y ";
@@ -126,11 +127,14 @@ TEST(Preferences, WhatIsWrittenIsReadAgain) {
   p.refresh_seconds = 30;
   for (int i = 0; i < 10; ++i) NoteServer("host" + std::to_string(i) + ":9100", &p);
   NoteServer("host5:9100", &p);
+  // With its usual port and without it is one.
+  for (const auto& port : {":" + std::to_string(NC_PORT), std::string()})
+    NoteServer("host5" + port, &p);
   EXPECT_EQ(p.recent_servers.size(), kMostRecentServers);
-  EXPECT_EQ(p.recent_servers.front(), "host5:9100");
+  EXPECT_EQ(p.recent_servers[0] + " " + p.recent_servers[1], "host5 host5:9100");
   p.unknown = {"of-a-newer-one=1 2 3"};
   EXPECT_EQ(ParsePreferences(FormatPreferences(p)), p);
-  EXPECT_EQ(ChooseServer("", p).server, "host5:9100");
+  EXPECT_EQ(ChooseServer("", p).server, "host5");
   EXPECT_EQ(ChooseServer("other", p).server, "other");
   EXPECT_TRUE(ChooseServer("other", p).fixed);
 }

@@ -6,6 +6,7 @@
 #include "app/panes/queue_cells.h"
 #include "app/window/commands.h"
 #include "app/window/queue_commands.h"
+#include "printserver/changes.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/scripted_server.h"
 #include "tests/printserverd/daemon.h"
@@ -19,9 +20,11 @@ constexpr uint32_t kEscapeKey = 0xFF1B, kReturnKey = 0xFF0D;
 
 class QueueTest : public ConsoleTest {
  protected:
-  // Two slow printers; the first document is at the first one, the others wait.
+  // Slow printers; the first document is at the first one, the others wait.
   void OpenWith(const std::vector<std::string>& documents, const std::string& owner = "mia") {
-    const char* kPrinters = "[printer]\nname=Proof\nrate=1K\n[printer]\nname=Office\nrate=1K\n";
+    const char* kPrinters =
+        "[printer]\nname=Proof\nrate=1K\n[printer]\nname=Office\nrate=1K\n"
+        "[printer]\nname=Wide\nrate=1K\n";
     daemon_.Start({"--config", daemon_.WriteFile("printers", kPrinters)});
     fd_ = daemon_.Connect();
     for (const std::string& name : documents) {
@@ -206,6 +209,43 @@ TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   EXPECT_TRUE(Tells("one of the two jobs has been removed by somebody else"));
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
+}
+
+// Inside one period: a list is asked for before the move is made.
+TEST_F(QueueTest, AMoveTellsWhereSomebodyElseHadMovedTheJob) {
+  OpenWith({"a", "b"});
+  Select({"b"});
+  nc::Change other;
+  other.printer = "Office";
+  const NC_Job job = testing_daemon::JobOf(fd_, ids_["b"].data());
+  ASSERT_EQ(nc::MoveJob(fd_, job, other).status, NC_STATUS_DONE);
+  MoveJobsTo(c_, "Wide");
+  EXPECT_TRUE(Tells("though somebody else had moved it to “Office”"));
+}
+
+// A drag of documents lights up what takes them, and a drop on a printer's row prints there.
+TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
+  OpenWith({"a"});
+  home_.File("dropped.txt", "x");
+  const Area row = c_->printer_list.list.RowArea(0);
+  const std::string name = c_->printer_list.NameAt(0);
+  ASSERT_NE(name, c_->printers.chosen());
+  const auto window = static_cast<platform::WindowRef>(c_->window->platform);
+  display::DragFiles(window, 300, 200);
+  Turn();
+  EXPECT_TRUE(c_->queue.takes_drop);
+  display::DragFiles(window, row.x + 60, row.y + 10);
+  Turn();
+  EXPECT_FALSE(c_->queue.takes_drop);
+  EXPECT_EQ(c_->printer_list.takes_drop, name);
+  EXPECT_TRUE(Tells("Drop to print on"));
+  display::EndDragOfFiles(window, true);
+  display::OpenFiles({home_.At("dropped.txt")}, false);
+  Turn();
+  EXPECT_EQ(c_->printer_list.takes_drop, "");
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 1; }));
+  for (const NC_Job& job : *c_->state.jobs)
+    EXPECT_TRUE(job.printer == name || std::string(job.document) == "a");
 }
 
 TEST_F(QueueTest, ShowsWhatIsAskedFor) {

@@ -94,6 +94,10 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   display::OpenFiles({home_.At("Empty"), home_.At("gone.pdf"), home_.At("g 2.pdf")}, true);
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_EQ(c_->status.message().text, "2 files are missing: “gone.pdf”, “g 2.pdf”");
+  c_->status.ReadMessage();
+  display::OpenFiles({"http://host/a.pdf"}, true);
+  ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
+  EXPECT_EQ(c_->status.message().text, "Only files on this computer can be opened");
 }
 
 // What another program asks to open is selected, also what is hidden; what is dropped is queued,
@@ -113,18 +117,23 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 2; }));
   EXPECT_EQ(c_->state.transfers[0].order.path, home_.At("b.pdf"));
   EXPECT_EQ(c_->state.transfers[0].size, 1);
+  display::OpenFiles({home_.At("a.pdf")}, false);
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 3; }));
   // What is left out stays to be read.
   EXPECT_EQ(c_->status.message().text.rfind("“gone” cannot be printed", 0), 0u);
   Turn(2);
   const XwWindow* cancel = c_->status.cancel_queued;
   Click({cancel->x, cancel->y, cancel->width, cancel->height});
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
-  EXPECT_EQ(QueuedLast(c_), 0);
+  EXPECT_EQ(StillQueued(c_), 0);
+  while (c_->status.HasError()) c_->status.ReadMessage();
+  EXPECT_EQ(c_->status.message().text, "3 documents were taken back") << "of both drops";
 
+  // Two at once: neither takes the place of the other.
   display::OpenFiles({"/dev/null"}, false);
-  ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   display::OpenFiles({home_.At("Empty")}, false);
-  EXPECT_TRUE(Until([&] { return c_->files.folder.path() == home_.At("Empty"); }));
+  EXPECT_TRUE(
+      Until([&] { return c_->files.folder.path() == home_.At("Empty") && c_->status.HasError(); }));
 }
 
 TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
@@ -132,7 +141,7 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   ASSERT_EQ(chmod(program.c_str(), 0700), 0);
   os::SetExecutablePath(home_.At("quorvik").c_str());
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
-  Open("127.0.0.9:1");
+  Open("localhost:1");
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
   Turn(2);
   const XwWindow* button = c_->banner.start_server;  // a menu's item has the same name
@@ -158,7 +167,7 @@ TEST_F(RememberingTest, AServerIsStartedByItselfWherePreferencesSaySo) {
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
   Remembered remembered;
   remembered.preferences.start_local_server = true;
-  Open("127.0.0.9:1", std::move(remembered));
+  Open("localhost:1", std::move(remembered));
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
   RetryServer(c_);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <regex>
 #include <sstream>
 
 #include "app/window/console.h"
@@ -228,8 +229,13 @@ TEST_F(Recording, ReplaysOnXWhateverThePointerThereDoes) {
   const Outcome o =
       RunProgram(Replay, home_.At("home"), {{"XW_DISPLAY", "x11"}, {"XW_REPLAY", file_}}, "");
   EXPECT_EQ(o.status, 0);
-  const auto changing = {"main 769", "main 779"};
-  EXPECT_EQ(Without(changing, o.trace), Without(changing, recorded_.trace)) << ReadFile(file_);
+  // Motions and keys tell of the box below the pointer, as last drawn. A record that was posted
+  // while a button was held, and taken later, tells that it is held.
+  const auto steady = [](const std::string& trace) {
+    return std::regex_replace(Without({"main 769", "main 770", "main 779", "main 112"}, trace),
+                              std::regex(" state .*"), "");
+  };
+  EXPECT_EQ(steady(o.trace), steady(recorded_.trace)) << ReadFile(file_);
 }
 
 }  // namespace

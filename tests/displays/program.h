@@ -1,11 +1,14 @@
 // A program as a user starts it, ended as a session ends it.
 #pragma once
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
+
+#include "tests/support/x_server.h"
 
 class Program {
  public:
@@ -31,7 +34,9 @@ class Program {
   void Signal(int signal) const { kill(pid_, signal); }
   int Wait() {
     int status = 0;
-    waitpid(pid_, &status, 0);
+    const bool ended = support::Eventually([&] { return waitpid(pid_, &status, WNOHANG) == pid_; });
+    EXPECT_TRUE(ended) << "the program does not end";
+    if (!ended) kill(pid_, SIGKILL), waitpid(pid_, &status, 0);
     pid_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }

@@ -38,6 +38,9 @@ TEST(RecordLine, ReadsWhatItWrites) {
       "7.000000 text 12 :",
       "7.000000 text 2147483647 : a\\0b\\\\\\n:",
       "7.000000 text-lost clipboard",
+      "7.500000 drag w12 x=40 y=50.5 rx=140 ry=150.5",
+      "7.600000 dropped w12",
+      "7.700000 drag-left w12",
       "7.000000 text-lost primary",
   };
   for (const char* text : kLines) {

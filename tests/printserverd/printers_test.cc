@@ -171,7 +171,8 @@ TEST_F(Printing, AgainFromItsBeginning) {
   EXPECT_EQ(Tell("B", "paused=0"), 1);
   EXPECT_TRUE(IsDone("a"));
   EXPECT_EQ(FilesIn(daemon.Path("printed/b")).size(), 2U);
-  // Without its document it cannot.
+  // Without its document it cannot. The record of its end is on the disk once a later change is.
+  EXPECT_EQ(Tell("B", "paused=1"), 1);
   std::filesystem::remove(DocumentOf("a"));
   Restart();
   EXPECT_EQ(See("a", "kept"), "0");

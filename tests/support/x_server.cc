@@ -37,11 +37,18 @@ pid_t Start(const std::vector<std::string>& command, int pass) {
   _exit(127);
 }
 
+// Asks again and again: a program that looks for signals between two waits only may sleep through
+// the first.
 void Stop(pid_t* pid, int signal) {
-  if (*pid <= 0) return;
-  kill(*pid, signal);
-  waitpid(*pid, nullptr, 0);
-  *pid = 0;
+  for (int tries = 0; *pid > 0; ++tries) {
+    kill(*pid, tries < 50 ? signal : SIGKILL);
+    for (int looks = 0; looks < 100 && *pid > 0; ++looks) {
+      if (waitpid(*pid, nullptr, WNOHANG) != 0)
+        *pid = 0;
+      else
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
 }
 
 // The display's number, which the server writes once it listens.
@@ -117,7 +124,7 @@ bool XServer::Run(const std::string& program, const std::vector<std::string>& ar
 }
 
 XServer::~XServer() {
-  Stop(&manager_, SIGTERM);
+  Stop(&manager_, SIGKILL);
   Stop(&pid_, SIGTERM);
 }
 
@@ -133,8 +140,8 @@ bool XServer::StartManager(const std::string& name) {
   } else {
     manager_ = Start({name}, -1);
   }
-  XUser user;
-  return manager_ > 0 && Eventually([&] { return user.IsManaged(); });
+  prober_ = std::make_unique<XUser>();
+  return manager_ > 0 && Eventually([&] { return prober_->IsManaged(); });
 }
 
 XUser::XUser() {

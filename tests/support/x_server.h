@@ -16,6 +16,8 @@ namespace support {
 // what `done` said last.
 bool Eventually(const std::function<bool()>& done);
 
+class XUser;
+
 class XServer {
  public:
   // Starts Xvfb on a free display and names it in DISPLAY; XW_DISPLAY becomes x11.
@@ -41,6 +43,9 @@ class XServer {
   bool Run(const std::string& program, const std::vector<std::string>& arguments);
   pid_t pid_ = 0, manager_ = 0;
   std::string display_;
+  // Has tried out the manager. The server would give the numbers of its windows, of which the
+  // manager may still read, to the next connection.
+  std::unique_ptr<XUser> prober_;
 };
 
 // Sends a message of five words about a window to those that listen at `to` for `mask`, or, with

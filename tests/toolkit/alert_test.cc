@@ -156,7 +156,11 @@ TEST(Alert, WhatItDroppedComesAgain) {
   XwShow(other, 1);
   Settle();
   int beeps = 0;
+  static std::string dragged;
+  XwSetDragHandler(s.main, 1, [](int what) { dragged += std::to_string(what); });
   Ask({[&] {
+         input::DragFiles(Native(s.main), 10, 10);
+         input::EndDragOfFiles(Native(s.main), true);
          for (XwWindow* w : {s.main, other}) {
            XwSendEvent(w, XWE_EXPOSE, 0, 0, 0);
            XwSendEvent(w, XWE_EXPOSE, 0, 0, 0);
@@ -183,6 +187,7 @@ TEST(Alert, WhatItDroppedComesAgain) {
        ClickOn(1)},
       "?", "Go?", "A");
   EXPECT_TRUE(seen.empty());
+  EXPECT_EQ(dragged, std::to_string(XW_DRAG_DROPPED)) << "of a drag it hears the end alone";
   Quiet();
   RunLoop();
   EXPECT_EQ(Trace(), "main 768 main 769 main 796 main 797 main 798");

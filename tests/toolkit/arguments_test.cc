@@ -430,12 +430,12 @@ std::vector<Row> Calls() {
       XwTextWidthUtf8, XwGetText, XwGetValue, XwSetSliderRange, XwSetScrollRange, XwGetTextUtf8,
       XwGetFocus, XwFocusControl, XwSetToolbarItem, XwGetToolbarItem, XwSetTip, XwGetScale,
       XwSetDefaultButtons, XwSetTab, XwDescribeControl, XwSetGround, XwSetScrollHandler,
-      XwSetActivationHandler, XwSetContextMenuHandler, XwCanEdit, XwEdit, XwSetProgramIcon,
-      XwDroppedFiles, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop, XwClip, ResetClipMask,
-      XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect, XwDrawRect, XwDrawLine,
-      XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole, XwDrawBorder, XwDrawSeparator,
-      XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm, XwTextWidth, XwTextTrim,
-      XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon, XwDrawIcon);
+      XwSetActivationHandler, XwSetContextMenuHandler, XwSetDragHandler, XwCanEdit, XwEdit,
+      XwSetProgramIcon, XwDroppedFiles, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop,
+      XwClip, ResetClipMask, XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect,
+      XwDrawRect, XwDrawLine, XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole, XwDrawBorder,
+      XwDrawSeparator, XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm, XwTextWidth,
+      XwTextTrim, XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon, XwDrawIcon);
   const Row special[] = {
       // These open and end the test's session, never return, or have nothing to vary.
       {"XwSession XwEndSession XwRunEventLoop GetApplicationBundleFSSpec", nullptr},

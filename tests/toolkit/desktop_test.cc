@@ -76,6 +76,37 @@ TEST(Desktop, ActivityIsTold) {
   EXPECT_EQ(activity.size(), 2u);
 }
 
+std::string dragged;
+void NoteDrag(int what) {
+  dragged += std::to_string(what) + ":" + std::to_string(Inp.px) + "," + std::to_string(Inp.py) +
+             (Inp.item ? "b " : " ");
+}
+
+// Where files are dragged is told until they leave or are dropped. A window that refuses them hears
+// nothing.
+TEST(Desktop, DragsOfFilesAreTold) {
+  XwWindow* w = OpenMain();
+  XwSetDragHandler(w, 1, NoteDrag);
+  XwPush(w);
+  XwBoxList(3, 0, 0, 0, 0);
+  XwBoxList(10, 20, 30, 40, 40);
+  XwPop();
+  Settle();
+  dragged.clear();
+  input::DragFiles(Native(w), 10, 20);
+  RunLoop();
+  input::DragFiles(Native(w), 11, 21);  // of two that wait the newer counts
+  input::DragFiles(Native(w), 30, 40);
+  input::EndDragOfFiles(Native(w), true);
+  EXPECT_EQ(RunTrace(), "");
+  EXPECT_EQ(dragged.substr(0, 21), "1:10,20 1:30,40b 2:0,");
+  dragged.clear();
+  XwSetDragHandler(w, 0, NoteDrag);
+  input::DragFiles(Native(w), 10, 20);
+  RunLoop();
+  EXPECT_EQ(dragged, "");
+}
+
 TEST(Desktop, AFrameInTheCornerLiesOnTheScreen) {
   Open();
   input::Frames({4, 20, 4, 6});

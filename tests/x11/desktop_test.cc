@@ -79,8 +79,12 @@ TEST_F(Bus, RequestsOfOtherProgramsArrive) {
   call("Open", "asa{sv}", 2, "file:///tmp/a%20b", "file:///tmp/c", 0);
   EXPECT_TRUE(WaitUntil([&] { return files.size() == 1; }));
   EXPECT_EQ(files, std::vector<std::string>{"/tmp/a b\n/tmp/c"});
-  // Nothing local, no list at all, other types, an action that there is none of.
+  // What lies elsewhere is told by its address.
   call("Open", "asa{sv}", 1, "http://localhost/x", 0);
+  EXPECT_TRUE(WaitUntil([&] { return files.size() == 2; }));
+  EXPECT_EQ(files.back(), "http://localhost/x");
+  // No address, no list at all, other types, an action that there is none of.
+  call("Open", "asa{sv}", 1, "x", 0);
   call("Open", "asa{sv}", 0, 0);
   call("Open", "s", "file:///tmp/c");
   call("ActivateAction", "u", 5);
@@ -90,10 +94,10 @@ TEST_F(Bus, RequestsOfOtherProgramsArrive) {
     const Event* e = Last(kEventClassCommand, kEventCommandProcess);
     return e != nullptr && e->request.id == kHICommandPreferences;
   }));
-  EXPECT_EQ(Count(kEventClassAppleEvent, kEventAppleEvent), 1u);  // the file
+  EXPECT_EQ(Count(kEventClassAppleEvent, kEventAppleEvent), 2u);  // the files
   call("ActivateAction", "sava{sv}", "quit", 0, 0);
   EXPECT_TRUE(WaitUntil([&] { return QuitRequests() == 1; }));
-  EXPECT_EQ(files.size(), 1u);
+  EXPECT_EQ(files.size(), 2u);
 }
 
 // The user's action behind a call is what the window comes forward for.

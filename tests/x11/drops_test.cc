@@ -23,6 +23,10 @@ class Drops : public Reports {
     return support::Eventually([&] {
       RawEvent raw;
       while (kX11Display.next_event(&raw)) {
+        if (raw.type == RawEvent::kDragOver)
+          drag += std::to_string(int(raw.x)) + "," + std::to_string(int(raw.y)) + " ";
+        if (raw.type == RawEvent::kDragLeft) drag += "left ";
+        if (raw.type == RawEvent::kDragDropped) drag += "dropped ";
         if (raw.type == RawEvent::kOpenFile) {
           dropped.push_back(SplitPaths(raw.text));
           paths.push_back(dropped.back().front());
@@ -45,6 +49,7 @@ class Drops : public Reports {
   std::list<DropSource> sources;
   std::vector<std::vector<std::string>> dropped;
   std::vector<std::string> paths;  // the first of each
+  std::string drag;                // what is told before the drop
 };
 
 TEST_F(Drops, OnlyListsOfAddressesAreTaken) {
@@ -60,6 +65,16 @@ TEST_F(Drops, OnlyListsOfAddressesAreTaken) {
             (std::vector<std::string>{"status 1", "status 0", "status 1", "finished 1"}));
   ASSERT_EQ(dropped.size(), 1u);
   EXPECT_EQ(dropped[0], (std::vector<std::string>{"/tmp/a file.txt", "/second"}));
+  // The place in the window, which lies at its bounds.
+  const DeviceRect at = x11::NativeOf(window)->bounds;
+  const std::string place =
+      std::to_string(150 - at.left) + "," + std::to_string(200 - at.top) + " ";
+  EXPECT_EQ(drag, place + "left " + place + "dropped ");
+  ChangeWindowAttributes(window, kWindowRefusesFilesAttribute, 0);
+  source->Drop();
+  ASSERT_TRUE(Answered(*source, 6));
+  EXPECT_EQ(source->heard[4], "status 0");
+  EXPECT_EQ(source->heard[5], "finished 0");
 }
 
 TEST_F(Drops, ALongListComesInPieces) {

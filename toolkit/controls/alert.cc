@@ -112,6 +112,7 @@ bool Open(Alert* a) {
   constexpr EventKind kEnding[] = {{kEventClassWindow, kEventWindowEnding}};
   InstallEventHandler(GetWindowEventTarget(NativeWindow(w)), Ended, kEnding, 1, a);
   XwSetText(w, SessionTitle);
+  XwSetDragHandler(w, 0, nullptr);
   const int n = int(a->labels.size());
   for (int i = 0; i < n; ++i) {
     XwWindow* button =

@@ -6,10 +6,8 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "platform/fonts/ahead.h"
 #include "platform/fonts/fonts.h"
 #include "platform/text/mac_roman.h"
 #include "toolkit/xw.h"
@@ -60,13 +58,6 @@ void CloseFonts() {
 
 void ReopenFonts() {
   for (const auto& font : Fonts()) Open(font.get(), Find(font->name));
-}
-
-void BeginCommonGlyphs(double scale) {
-  std::vector<SizedFont*> fonts;
-  for (const XwFont* font : {XWF_NORMAL, XWF_BOLD, XWF_VIEW, FT_SMALL})
-    fonts.push_back(static_cast<SizedFont*>(font->platform));
-  BeginGlyphs(std::move(fonts), scale);
 }
 
 XwFont* LoadFont(const char* family, int size, int style) {

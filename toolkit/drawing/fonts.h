@@ -5,5 +5,3 @@
 void CloseFonts();
 // Opens every handle that there is again, by its name.
 void ReopenFonts();
-// Begins to make the commonest glyphs of the fonts that windows, menus and lists are drawn with.
-void BeginCommonGlyphs(double scale);

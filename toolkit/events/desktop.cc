@@ -16,9 +16,12 @@
 #include "toolkit/events/documents.h"
 #include "toolkit/events/keyboard.h"
 #include "toolkit/events/loop.h"
+#include "toolkit/events/mouse.h"
 #include "toolkit/events/session.h"
 #include "toolkit/target/clip.h"
 #include "toolkit/target/selection.h"
+#include "toolkit/windows/boxes.h"
+#include "toolkit/windows/tips.h"
 
 using namespace platform;
 using toolkit::state;
@@ -114,6 +117,22 @@ void TellActivity(XwWindow* w) {
   w->activation_handler(IsWindowActive(NativeWindow(w)));
 }
 
+static_assert(XW_DRAG_LEFT == int(DragFields::kLeft) && XW_DRAG_OVER == int(DragFields::kOver) &&
+              XW_DRAG_DROPPED == int(DragFields::kDropped));
+
+// A wait that keeps the window out hides the drag from it, but not its end.
+void TellDrag(XwWindow* w, const DragFields& drag) {
+  if (!w->drag_handler || (drag.step == DragFields::kOver && WaitKeepsOut(w))) return;
+  TargetScope scope;
+  EndTip();
+  Inp.window = w;
+  Inp.root_x = drag.where.x;
+  Inp.root_y = drag.where.y;
+  SetTargetCoordinates(w);
+  Inp.item = XCheckbl(w->boxes);
+  w->drag_handler(drag.step);
+}
+
 // Toolbars get the new width of the screen.
 void FitToolbars() {
   for (XwWindow* w = W_Start; w; w = w->next) {
@@ -164,6 +183,9 @@ OSStatus EVwindow_func(HandlerCall*, Event* event, void* window) {
       return eventNotHandledErr;
     case kEventWindowActivity:
       TellActivity(w);
+      break;
+    case kEventWindowDrag:
+      TellDrag(w, event->drag);
       break;
     default:
       break;

@@ -24,6 +24,7 @@ constexpr EventKind kWindowEvents[] = {
     {kEventClassWindow, kEventWindowActivated},
     {kEventClassWindow, kEventWindowDeactivated},
     {kEventClassWindow, kEventWindowActivity},
+    {kEventClassWindow, kEventWindowDrag},
 };
 constexpr EventKind kMouseEvents[] = {
     {kEventClassMouse, kEventMouseDown},

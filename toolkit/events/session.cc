@@ -73,7 +73,8 @@ void TakeScreenSize() {
 }
 
 void XwCocoaInit() {
-  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str(), OpenFonts)) exit(1);
+  if (!InitPlatform(MacRomanToUtf8(SessionName).c_str())) exit(1);
+  OpenFonts();
   FillCursorTable();
 }
 

@@ -193,6 +193,13 @@ void XwSetContextMenuHandler(XwWindow* w, XwContextMenuHandler handler) {
   if (CheckWindow(w) && IsTopLevel(w)) w->context_menu_handler = handler;
 }
 
+void XwSetDragHandler(XwWindow* w, int take, XwDragHandler handler) {
+  if (!CheckWindow(w) || !IsTopLevel(w)) return;
+  w->drag_handler = handler;
+  const uint32_t refuses = kWindowRefusesFilesAttribute;
+  ChangeWindowAttributes(NativeWindow(w), take ? 0 : refuses, take ? refuses : 0);
+}
+
 void XwSetGround(XwWindow* window, const int32_t* colour, int brush) {
   static constexpr int16_t kCodes[] = {0, 15, 1, 7, 52};
   if (!CheckWindow(window)) return;

@@ -17,7 +17,6 @@ using namespace platform;
 namespace {
 
 constexpr int kSlotStep = 20;
-constexpr int kLargePixels = 512 * 512;
 constexpr int kStandardAttributes = kWindowStandardHandlerAttribute | kWindowCloseBoxAttribute |
                                     kWindowFullZoomAttribute | kWindowCollapseBoxAttribute;
 
@@ -117,8 +116,6 @@ XwWindow* CreateTopLevel(XwValue value, int x, int y, int width, int height, XwH
   if (!MakeNative(w, style.window_class, style.attributes, {x, y, x + width, y + height}))
     return nullptr;
   WindowRef native = NativeWindow(w);
-  // The first picture of a small window comes before another thread has made a glyph.
-  if (!W_Start && width * height >= kLargePixels) BeginCommonGlyphs(WindowScale(native));
   if (full_screen) {
     ChangeWindowAttributes(native, kWindowNoConstrainAttribute, 0);
     SetWindowFullScreen(native, true);

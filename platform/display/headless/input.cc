@@ -347,6 +347,21 @@ void Lose(const Window* w) {
   Push(Report(RawEvent::kLost, w));
 }
 
+void DragFiles(const Window* w, int x, int y) {
+  if (!IsValidWindow(w) || w->attributes & kWindowRefusesFilesAttribute) return;
+  const double scale = w->surface.scale;
+  RawEvent raw = Report(RawEvent::kDragOver, w);
+  raw.x = float(DeviceEdge(x, scale));
+  raw.y = float(DeviceEdge(y + w->menu_bar_height, scale));
+  raw.root_x = raw.x + float(DeviceBounds(*w).left);
+  raw.root_y = raw.y + float(DeviceBounds(*w).top);
+  Push(raw);
+}
+void EndDragOfFiles(const Window* w, bool dropped) {
+  if (!IsValidWindow(w) || w->attributes & kWindowRefusesFilesAttribute) return;
+  Push(Report(dropped ? RawEvent::kDragDropped : RawEvent::kDragLeft, w));
+}
+
 void OpenFile(const char* path) {
   if (path) OpenFiles({path}, false);
 }

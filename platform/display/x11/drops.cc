@@ -20,6 +20,7 @@ struct Hover {
   xcb_window_t source = 0;
   Native* target = nullptr;
   bool acceptable = false;  // it offers addresses
+  bool told = false;        // the program has been told of it
 };
 Hover hover;
 
@@ -35,7 +36,9 @@ struct Transfer {
 Transfer transfer;
 double drained_until = 0;  // until then, pieces of a finished transfer are dropped
 
-void EndHover() {
+// The drag has left the window, or was let go there.
+void EndHover(RawEvent::Type how = RawEvent::kDragLeft) {
+  if (hover.told) Emit(how, hover.target);
   Unwatch(hover.source, kWatchEnd);
   hover = Hover{};
 }
@@ -101,12 +104,23 @@ void OnEnter(Native* n, const uint32_t* d) {
   hover.source = d[0];
   hover.target = n;
   hover.acceptable =
-      version >= 3 &&
+      version >= 3 && (n->w->attributes & kWindowRefusesFilesAttribute) == 0 &&
       (in_property ? TypesOfProperty(d[0]) : std::find(d + 2, d + 5, Atom(kTextUriList)) != d + 5);
+}
+
+void TellPosition(Native* n, uint32_t place) {
+  const DeviceRect at = n->bounds_known ? n->bounds : DeviceBounds(*n->w);
+  RawEvent* out = Emit(RawEvent::kDragOver, n);
+  out->root_x = float(int16_t(place >> 16));
+  out->root_y = float(int16_t(place & 0xFFFF));
+  out->x = out->root_x - float(at.left);
+  out->y = out->root_y - float(at.top);
+  hover.told = true;
 }
 
 void OnPosition(Native* n, const uint32_t* d) {
   const bool accept = hover.source == d[0] && hover.target == n && hover.acceptable;
+  if (accept) TellPosition(n, d[2]);
   const uint32_t answer[5] = {n->id, accept ? 1u : 0u, 0, 0, accept ? Atom(kXdndActionCopy) : 0};
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
 }
@@ -120,7 +134,7 @@ void OnDrop(Native* n, const uint32_t* d) {
   transfer.target = n;
   transfer.started = transfer.progress = Now();
   const bool acceptable = hover.acceptable;
-  EndHover();
+  EndHover(RawEvent::kDragDropped);
   if (!acceptable) return EndTransfer(false);
   transfer.deadline = InstallEventLoopTimer(TimeLeft(), 0, DeadlineHasCome, nullptr);
   xcb_delete_property(x.c, n->id, Atom(kXwDrop));
@@ -190,11 +204,12 @@ void HandleDropPiece(const Native* n) {
 }
 
 void HandleSourceEnd(xcb_window_t source) {
-  if (hover.source == source) hover = Hover{};
+  if (hover.source == source) EndHover();
   if (transfer.target != nullptr && transfer.source == source) EndTransfer(false);
 }
 
 void ForgetDrop(const Native* n) {
+  if (hover.target == n) hover.told = false;  // nobody is left to hear of it
   if (hover.target == n) EndHover();
   if (transfer.target == n) EndTransfer(false);
 }

@@ -57,6 +57,7 @@ void OnConfigure(const xcb_generic_event_t* event) {
   if (n == nullptr || Superseded(n, event)) return;
   DeviceRect bounds{e->x, e->y, e->x + e->width, e->y + e->height};
   if (IsSent(event)) {
+    if (n->check.passed_over) NoteSize(n);
     TakeToldBounds(n, bounds, event->full_sequence);
     return;
   }

@@ -14,7 +14,6 @@ namespace platform::x11 {
 
 namespace {
 
-constexpr double kFramePatience = 0.1;  // seconds that the manager has to tell the widths
 constexpr int kTallestTitle = 48, kWidestSide = 16;  // that are expected, logical pixels
 constexpr uint32_t kMostAtoms = 4096;
 
@@ -61,7 +60,7 @@ bool LiesNearBorder(const DeviceRect& r) {
 
 // Reads events until the property of this window has changed.
 bool WaitForExtents(const Native& n) {
-  const double end = Now() + kFramePatience;
+  const double end = Now() + x.frame_patience;
   size_t seen = 0;
   for (;;) {
     Pump();

@@ -13,8 +13,6 @@ namespace platform::x11 {
 
 namespace {
 
-constexpr double kPicturePatience = 0.1;  // seconds that the picture of a new size may take
-
 bool OpenSync() {
   if (x.sync == State::kSyncUnknown) {
     const xcb_query_extension_reply_t* data = xcb_get_extension_data(x.c, &xcb_sync_id);
@@ -76,9 +74,9 @@ void HandleSyncRequest(Native* n, const xcb_client_message_event_t* e) {
   s.waits = true;
   s.sized = false;
   if (s.patience == nullptr)
-    s.patience = InstallEventLoopTimer(kPicturePatience, 0, NoPictureCame, n);
+    s.patience = InstallEventLoopTimer(x.picture_patience, 0, NoPictureCame, n);
   else
-    SetEventLoopTimerNextFireTime(s.patience, kPicturePatience);
+    SetEventLoopTimerNextFireTime(s.patience, x.picture_patience);
 }
 
 void NoteSize(Native* n) {

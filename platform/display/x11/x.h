@@ -195,6 +195,8 @@ struct State {
   std::deque<RawEvent> out;            // made, not handed out
   std::deque<std::string> paths;       // of the files to open in `out`, in their order
   std::string path;                    // the one handed out last
+  double frame_patience = 0.1;         // seconds that a manager has to tell its frames' widths
+  double picture_patience = 0.1;       // seconds that the picture of a new size may take
   double drop_patience = 5;            // seconds that a dropped list may make no progress
   std::map<int, std::string> arrived;  // texts of the answers in `out`, by request
   std::string taken_text;              // the one handed out last

@@ -1,0 +1,360 @@
+#include "platform/fonts/glyph_cache.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <utility>
+
+#include "platform/fonts/cache_file.h"
+#include "platform/fonts/state.h"
+
+namespace platform {
+namespace {
+
+constexpr const char* kFile = "glyphs";
+constexpr size_t kMaxFile = size_t{256} << 10, kMaxSet = size_t{48} << 10;
+constexpr size_t kMaxCharacters = 1024, kMaxMask = 4096;
+
+// --- The file: a header; then for each face its record, name, characters and sets; for each set
+// --- its record, glyphs and masks. Each part begins at a multiple of eight bytes.
+
+struct Header {
+  char title[8];
+  uint64_t making;    // how masks are made
+  uint64_t checksum;  // of all that follows
+};
+constexpr char kTitle[9] = "xwglyph1";
+
+struct FaceRecord {
+  FileIdentity identity;
+  uint32_t name, index, per_em, characters, sets, unused;
+};
+struct SetRecord {
+  uint32_t device_size, glyphs, masks, unused;
+};
+
+uint64_t Mix(uint64_t sum, uint64_t word) {
+  sum = (sum ^ word) * 0x9E3779B97F4A7C15u;
+  return sum ^ sum >> 29;
+}
+
+uint64_t Checksum(std::span<const uint64_t> words) {
+  uint64_t sum = words.size();
+  for (const uint64_t word : words) sum = Mix(sum, word);
+  return sum;
+}
+
+std::vector<uint64_t> WordsOf(std::string_view bytes) {
+  std::vector<uint64_t> words(bytes.size() / 8);
+  if (!words.empty()) std::memcpy(words.data(), bytes.data(), words.size() * 8);
+  return words;
+}
+
+// All that changes a mask besides the font and the code here: FreeType's version and settings.
+uint64_t Making() {
+  uint64_t sum = FREETYPE_MAJOR << 20 | FREETYPE_MINOR << 10 | FREETYPE_PATCH;
+  const char* properties = getenv("FREETYPE_PROPERTIES");
+  for (const char* c = properties; c && *c; ++c) sum = Mix(sum, uint8_t(*c));
+  return sum;
+}
+
+constexpr size_t Padded(size_t bytes) {
+  return (bytes + 7) & ~size_t{7};
+}
+
+class Reader {
+ public:
+  explicit Reader(std::span<const uint64_t> words)
+      : at_(reinterpret_cast<const uint8_t*>(words.data())), left_(words.size_bytes()) {}
+  // `count` of T, and what fills them up; false when there are not so many.
+  template <class T>
+  bool Take(size_t count, std::span<const T>* out) {
+    if (count > left_ / sizeof(T) || Padded(count * sizeof(T)) > left_) return false;
+    *out = {reinterpret_cast<const T*>(at_), count};
+    at_ += Padded(count * sizeof(T));
+    left_ -= Padded(count * sizeof(T));
+    return true;
+  }
+  bool at_end() const { return left_ == 0; }
+
+ private:
+  const uint8_t* at_;
+  size_t left_;
+};
+
+template <class T>
+bool InOrder(std::span<const T> list) {
+  return std::adjacent_find(list.begin(), list.end(),
+                            [](const T& a, const T& b) { return a.slot >= b.slot; }) == list.end();
+}
+
+bool ReadSet(Reader* in, StoredSet* set) {
+  std::span<const SetRecord> record;
+  if (!in->Take(1, &record) || record[0].device_size > 1u << 20 ||
+      !in->Take(record[0].glyphs, &set->glyphs) || !in->Take(record[0].masks, &set->masks))
+    return false;
+  set->device_size = int(record[0].device_size);
+  for (const StoredGlyph& g : set->glyphs)
+    if (g.offset > set->masks.size() || g.bytes() > set->masks.size() - g.offset) return false;
+  return InOrder(set->glyphs);
+}
+
+bool ReadFace(Reader* in, StoredFace* face) {
+  std::span<const FaceRecord> record;
+  std::span<const char> name;
+  if (!in->Take(1, &record) || !in->Take(record[0].name, &name) ||
+      !in->Take(record[0].characters, &face->characters))
+    return false;
+  face->file = {name.data(), name.size()};
+  face->index = int(record[0].index);
+  face->per_em = int(record[0].per_em);
+  face->identity = record[0].identity;
+  if (face->per_em < 16 || face->per_em > 1 << 16 || !InOrder(face->characters)) return false;
+  for (const StoredCharacter& c : face->characters)
+    if (c.advance < 0 || c.advance > 1 << 20) return false;
+  for (uint32_t i = 0; i < record[0].sets; ++i) {
+    StoredSet set;
+    if (!ReadSet(in, &set)) return false;
+    face->sets.push_back(set);
+  }
+  return true;
+}
+
+}  // namespace
+
+GlyphCache ParseGlyphCache(std::string_view file) {
+  GlyphCache cache;
+  Header header;
+  if (file.size() < sizeof header || file.size() % 8) return {};
+  std::memcpy(&header, file.data(), sizeof header);
+  if (std::memcmp(header.title, kTitle, sizeof header.title) || header.making != Making())
+    return {};
+  cache.words = WordsOf(file.substr(sizeof header));
+  if (header.checksum != Checksum(cache.words)) return {};
+  Reader in(cache.words);
+  while (!in.at_end()) {
+    StoredFace face;
+    if (!ReadFace(&in, &face)) return {};
+    cache.faces.push_back(std::move(face));
+  }
+  return cache;
+}
+
+std::string SealGlyphCache(std::string_view contents) {
+  const std::vector<uint64_t> words = WordsOf(contents);
+  Header header{{}, Making(), Checksum(words)};
+  std::memcpy(header.title, kTitle, sizeof header.title);
+  std::string file(sizeof header, 0);
+  std::memcpy(file.data(), &header, sizeof header);
+  return file.append(contents.substr(0, words.size() * 8));
+}
+
+namespace {
+
+GlyphCache Read() {
+  return ParseGlyphCache(ReadCacheFile(kFile, kMaxFile));
+}
+
+bool Remembers() {
+  const char* folder = getenv("XW_FONTS");
+  return !folder || !*folder;
+}
+
+template <class T>
+const T* FindSlot(std::span<const T> list, uint32_t slot) {
+  const auto at = std::lower_bound(list.begin(), list.end(), slot,
+                                   [](const T& a, uint32_t s) { return a.slot < s; });
+  return at != list.end() && at->slot == slot ? &*at : nullptr;
+}
+
+}  // namespace
+
+const StoredFace* FindStoredFace(const std::string& file, int index) {
+  auto& cache = Fonts().glyph_cache;
+  if (!cache) cache = std::make_unique<GlyphCache>(Remembers() ? Read() : GlyphCache());
+  for (const StoredFace& face : cache->faces)
+    if (face.index == index && face.file == file)
+      return IdentityOf(file) == face.identity ? &face : nullptr;
+  return nullptr;
+}
+
+const StoredSet* FindStoredSet(const StoredFace* face, int device_size) {
+  if (face)
+    for (const StoredSet& set : face->sets)
+      if (set.device_size == device_size) return &set;
+  return nullptr;
+}
+
+const StoredCharacter* FindStoredCharacter(const StoredFace* face, uint32_t slot) {
+  return face ? FindSlot(face->characters, slot) : nullptr;
+}
+
+const StoredGlyph* FindStoredGlyph(const StoredSet* set, uint32_t slot) {
+  return set ? FindSlot(set->glyphs, slot) : nullptr;
+}
+
+// --- Saving
+
+namespace {
+
+struct MaskToSave {
+  StoredGlyph glyph;
+  const uint8_t* mask;
+};
+struct FaceToSave {
+  std::string file;
+  int index, per_em;
+  FileIdentity identity;
+  std::map<uint32_t, StoredCharacter> characters;
+  std::map<int, std::map<uint32_t, MaskToSave>> sets;
+};
+
+// Whether the font itself has the character, whatever other fonts there are.
+bool IsOwn(const FontFace& f, const CharacterPage& page, uint32_t slot) {
+  const uint32_t glyph = page.glyphs[slot & 0xFF];
+  if (page.kinds[slot & 0xFF] == CharacterKind::kUnknown || page.sources[slot & 0xFF] != &f)
+    return false;
+  return glyph == kUnreadGlyph || (f.handle.face() && glyph &&
+                                   glyph == FT_Get_Char_Index(f.handle.face(), CharacterOf(slot)));
+}
+
+void AddCharacters(const FontFace& f, const CharacterPage* page, uint32_t first, FaceToSave* out) {
+  for (uint32_t i = 0; page && i < 256 && out->characters.size() < kMaxCharacters; ++i)
+    if (IsOwn(f, *page, first + i))
+      out->characters[first + i] = {first + i, page->advances[i], page->overhang[i]};
+}
+
+void AddMasks(const GlyphSet& set, FaceToSave* out) {
+  auto& masks = out->sets[set.device_size];
+  for (size_t number = 0; number < set.pages.size(); ++number)
+    for (uint32_t i = 0; set.pages[number] && i < 256; ++i) {
+      const Glyph& g = set.pages[number]->glyphs[i];
+      const uint32_t slot = uint32_t(number << 8 | i);
+      if (!g.drawable || !out->characters.contains(slot)) continue;
+      masks[slot] = {{slot, g.left, g.top, g.width, g.rows, 0}, set.masks.data() + g.offset};
+    }
+}
+
+bool ToSave(const FontFace& f, FaceToSave* out) {
+  if (!f.toolkit) return false;
+  const bool opened = f.handle.face();
+  if (f.stored && opened && f.handle.identity() != f.stored->identity) return false;
+  if (!f.stored && !opened) return false;
+  *out = {f.file, f.index, f.units.per_em, f.stored ? f.stored->identity : f.handle.identity(),
+          {},     {}};
+  AddCharacters(f, f.toolkit.get(), 0, out);
+  for (size_t number = 0; number < f.pages.size(); ++number)
+    AddCharacters(f, f.pages[number].get(), uint32_t(number << 8) + 256, out);
+  for (const auto& font : Fonts().sized)
+    if (font->face == &f)
+      for (const auto& set : font->sets) AddMasks(*set, out);
+  return true;
+}
+
+// What the file has besides.
+void Merge(const StoredFace& stored, std::vector<FaceToSave>* faces) {
+  FaceToSave* face = nullptr;
+  for (FaceToSave& f : *faces)
+    if (f.file == stored.file && f.index == stored.index) face = &f;
+  if (!face) {
+    faces->push_back(
+        {std::string(stored.file), stored.index, stored.per_em, stored.identity, {}, {}});
+    face = &faces->back();
+    if (IdentityOf(face->file) != stored.identity) return faces->pop_back();
+  }
+  if (face->identity != stored.identity) return;
+  for (const StoredCharacter& c : stored.characters)
+    if (face->characters.size() < kMaxCharacters) face->characters.emplace(c.slot, c);
+  for (const StoredSet& set : stored.sets)
+    for (const StoredGlyph& g : set.glyphs)
+      face->sets[set.device_size].emplace(g.slot, MaskToSave{g, set.masks.data() + g.offset});
+}
+
+void Append(std::string* out, const void* bytes, size_t size) {
+  out->append(static_cast<const char*>(bytes), size);
+  out->resize(Padded(out->size()));
+}
+
+std::string BytesOf(int device_size, const std::map<uint32_t, MaskToSave>& from) {
+  std::vector<StoredGlyph> glyphs;
+  std::string masks;
+  for (const auto& [slot, m] : from) {
+    if (m.glyph.bytes() > kMaxMask || masks.size() + m.glyph.bytes() > kMaxSet) continue;
+    glyphs.push_back(m.glyph);
+    glyphs.back().offset = uint32_t(masks.size());
+    masks.append(reinterpret_cast<const char*>(m.mask), m.glyph.bytes());
+  }
+  std::string bytes;
+  const SetRecord record{uint32_t(device_size), uint32_t(glyphs.size()), uint32_t(masks.size()), 0};
+  Append(&bytes, &record, sizeof record);
+  Append(&bytes, glyphs.data(), glyphs.size() * sizeof glyphs[0]);
+  Append(&bytes, masks.data(), masks.size());
+  return bytes;
+}
+
+// As much of it as there is room for.
+std::string BytesOf(const FaceToSave& face, size_t room) {
+  std::vector<StoredCharacter> characters;
+  for (const auto& [slot, c] : face.characters) characters.push_back(c);
+  FaceRecord record{face.identity,
+                    uint32_t(face.file.size()),
+                    uint32_t(face.index),
+                    uint32_t(face.per_em),
+                    uint32_t(characters.size()),
+                    0,
+                    0};
+  std::string bytes, sets;
+  Append(&bytes, &record, sizeof record);
+  Append(&bytes, face.file.data(), face.file.size());
+  Append(&bytes, characters.data(), characters.size() * sizeof characters[0]);
+  for (const auto& [device_size, masks] : face.sets) {
+    const std::string set = BytesOf(device_size, masks);
+    if (bytes.size() + sets.size() + set.size() > room) continue;
+    sets += set;
+    ++record.sets;
+  }
+  std::memcpy(bytes.data(), &record, sizeof record);
+  return bytes.size() + sets.size() <= room ? bytes + sets : "";
+}
+
+}  // namespace
+
+// FreeType is another one than this was compiled with only where it is a shared library.
+static bool MadeByThisVersion() {
+  int major, minor, patch;
+  FT_Library_Version(FontLibrary(), &major, &minor, &patch);
+  return major == FREETYPE_MAJOR && minor == FREETYPE_MINOR && patch == FREETYPE_PATCH;
+}
+
+void SaveGlyphCache() {
+  if (!std::exchange(Fonts().keep_glyphs, false)) return;
+  std::vector<FaceToSave> faces;
+  for (const auto& face : Fonts().faces)
+    if (FaceToSave f; ToSave(*face, &f)) faces.push_back(std::move(f));
+  const std::string before = ReadCacheFile(kFile, kMaxFile);
+  const GlyphCache now = ParseGlyphCache(before);
+  for (const StoredFace& face : now.faces) Merge(face, &faces);
+  std::string contents;
+  for (const FaceToSave& face : faces)
+    contents += BytesOf(face, kMaxFile - sizeof(Header) - contents.size());
+  const std::string after = SealGlyphCache(contents);
+  if (after != before && MadeByThisVersion()) ReplaceCacheFile(kFile, after);
+}
+
+// Most programs end by exit. In a forked child and in another thread the handler does nothing.
+void KeepGlyphs() {
+  FontState& fonts = Fonts();
+  if (fonts.keep_glyphs || !Remembers()) return;
+  fonts.keep_glyphs = true;
+  static pid_t process = 0;
+  if (process == getpid()) return;
+  process = getpid();
+  atexit([] {
+    if (getpid() == process && gettid() == process) SaveGlyphCache();
+  });
+}
+
+}  // namespace platform
