@@ -6,6 +6,7 @@
 
 #include "app/format/texts.h"
 #include "app/panes/queue_cells.h"
+#include "platform/windows/internal.h"
 #include "tests/app/console_fixture.h"
 #include "tests/printserverd/daemon.h"
 
@@ -71,6 +72,18 @@ TEST_F(ConsoleTest, AJobsNameIsDrawnAsAnywhereElse) {
     }
   }
   EXPECT_GT(inked, 200);
+
+  // What is cut has a tip with all of it.
+  const auto has_tip = [&](QueueColumn of) {
+    const Area a = c_->queue.table.ColumnArea(int(of));
+    display::MovePointer(c_->window->x + a.x + 20, c_->window->y + row.y + 10);
+    Turn(100);
+    const auto& windows = platform::WindowList();
+    return std::any_of(windows.begin(), windows.end(),
+                       [](const auto* w) { return w->parent && w->visible; });
+  };
+  EXPECT_FALSE(has_tip(QueueColumn::kOwner));
+  EXPECT_TRUE(has_tip(QueueColumn::kDocument));
 }
 
 TEST_F(ConsoleTest, TabGoesRoundAndEachStopTakesItsKeys) {

@@ -33,7 +33,12 @@ class RememberingTest : public ConsoleTest {
 TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   const std::string leaf = std::string(kFolder) + "/leaf";
   home_.Folder(leaf + "/inner");
-  Open("127.0.0.9:1", Recall(path_));
+  Remembered of_a_larger_screen = Recall(path_);
+  of_a_larger_screen.preferences.window_left = of_a_larger_screen.preferences.window_top = 9000;
+  of_a_larger_screen.preferences.printer = "Office";
+  Open("127.0.0.9:1", std::move(of_a_larger_screen));
+  EXPECT_LE(c_->window->x + c_->window->width, XW_SCREENX);
+  EXPECT_LE(c_->window->y + c_->window->height, XW_SCREENY);
   Enter(home_.At(leaf));
   // It is stored while the console runs: a crash loses a second.
   EXPECT_TRUE(Until([&] { return LoadPreferences(path_).folder == home_.At(leaf); }));
@@ -42,7 +47,7 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   DrawConsole(c_);
   Key('n', 'n');
   Key('o', 'o');
-  XwMove(c_->window, c_->window->x, c_->window->y, 1000, 600);
+  XwMove(c_->window, 70, 90, 1000, 600);
   Turn(2);
   const Area name = c_->files.table.ColumnArea(0);
   display::MovePointer(c_->window->x + name.right(), c_->window->y + name.y + 8);
@@ -56,6 +61,9 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   ASSERT_EQ(narrower.w, name.w - 30);
 
   CloseAndOpen();
+  EXPECT_EQ(LoadPreferences(path_).printer, "Office") << "no server has named another one";
+  EXPECT_EQ(c_->window->x, 70);
+  EXPECT_EQ(c_->window->y, 90);
   EXPECT_EQ(c_->window->width, 1000);
   EXPECT_EQ(c_->window->height, 600);
   EXPECT_EQ(c_->files.folder.path(), home_.At(leaf));
@@ -98,6 +106,11 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   display::OpenFiles({"http://host/a.pdf"}, true);
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_EQ(c_->status.message().text, "Only files on this computer can be opened");
+  c_->status.ReadMessage();
+  display::OpenFiles({home_.At("letter.txt"), home_.At("Empty")}, true);
+  EXPECT_TRUE(Until([&] { return c_->status.message().text == "1 other folder is not shown"; }));
+  display::OpenFiles({"/dev/null", home_.At("gone.pdf")}, true);
+  EXPECT_TRUE(Until([&] { return c_->files.folder.path() == "/dev"; })) << "one of them is there";
 }
 
 // What another program asks to open is selected, also what is hidden; what is dropped is queued,
@@ -111,6 +124,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->files.Chosen().files == 2; }));
   EXPECT_EQ(c_->files.selection.Ids(), (std::vector<std::string>{".c.pdf", "a.pdf"}));
   EXPECT_EQ(c_->status.message().text.rfind("2 of 3 documents", 0), 0u);
+  EXPECT_EQ(WhyNotOpen(c_), "More than one is selected");
 
   display::OpenFiles({home_.At("b.pdf"), home_.At("Empty"), home_.At("gone"), home_.At(".c.pdf")},
                      false);
@@ -122,7 +136,10 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   // What is left out stays to be read.
   EXPECT_EQ(c_->status.message().text.rfind("“gone” cannot be printed", 0), 0u);
   Turn(2);
-  const XwWindow* cancel = c_->status.cancel_queued;
+  XwWindow* cancel = c_->status.cancel_queued;
+  char text[40];
+  XwGetTextUtf8(cancel, text, sizeof text);
+  EXPECT_STREQ(text, "Cancel 3 Queued");
   Click({cancel->x, cancel->y, cancel->width, cancel->height});
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
   EXPECT_EQ(StillQueued(c_), 0);
@@ -134,6 +151,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   display::OpenFiles({home_.At("Empty")}, false);
   EXPECT_TRUE(
       Until([&] { return c_->files.folder.path() == home_.At("Empty") && c_->status.HasError(); }));
+  EXPECT_FALSE(c_->files.folder.rows().shows_hidden()) << "they showed for that one alone";
 }
 
 TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
@@ -149,6 +167,8 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   EXPECT_FALSE(CanStartServer(c_));
   ASSERT_TRUE(Until([&] { return CanStartServer(c_); }));
   EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
+  c_->status.ReadMessage();
+  EXPECT_EQ(c_->status.message().text, "") << "none is being started";
   // Closed while one starts.
   display::Modifiers(platform::controlKey);
   Key('s', 's');
