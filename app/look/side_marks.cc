@@ -14,6 +14,11 @@ void DrawDisclosure(int x, int y, bool open, int32_t colour) {
   mark.Fill(colour);
 }
 
+void DrawStep(int x, int y, bool back, int32_t colour) {
+  if (!back) return DrawDisclosure(x, y, false, colour);
+  Outline(x, y).Lines({{8, 2.5f}, {3, 6}, {8, 9.5f}}).Fill(colour);
+}
+
 void DrawVolumeIcon(int x, int y, int32_t edge, int32_t face) {
   XwRoundBox(x + 1, y + 4, 14, 9, 2, face, edge);
   XwBox(x + 2, y + 9, 12, 1, edge);

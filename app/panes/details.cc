@@ -6,6 +6,7 @@
 
 #include "app/format/texts.h"
 #include "app/format/words.h"
+#include "app/look/side_marks.h"
 #include "app/look/style.h"
 #include "app/model/crumbs.h"
 #include "app/panes/document_picture.h"
@@ -158,14 +159,78 @@ std::string TroubleLine(const DetailsPane* p) {
   return IsOneJob(p) ? "No preview: it was not sent from here" : "";
 }
 
-void DrawPicture(const DetailsPane* p, const Parts& parts) {
+// Where one page of several shows: two buttons with the page between them, in the line below the
+// picture. A trouble has what is left.
+struct Pager {
+  Area previous, text, next, trouble;
+};
+
+std::string PageText(const DetailsPane* p) {
+  return NumberText(p->page) + " of " + NumberText(p->pages);
+}
+
+Pager LayOutPager(const DetailsPane* p, const Parts& parts) {
+  constexpr int kButton = 22, kGap = 8;
+  Pager pager;
+  Area line{parts.trouble.x, parts.trouble.y + 3, parts.trouble.w, kTroubleLine - 3};
+  if (!p->HasPages()) {
+    pager.trouble = line;
+    return pager;
+  }
+  const int text = XwTextWidthUtf8(TheStyle().small_text, PageText(p).c_str()) + 2 * kGap;
+  const int all = text + 2 * kButton;
+  Area right = TroubleLine(p).empty() ? Area{line.x + (line.w - all) / 2, line.y, all, line.h}
+                                      : line.TakeRight(all);
+  if (!TroubleLine(p).empty()) pager.trouble = line;
+  pager.previous = right.TakeLeft(kButton);
+  pager.next = right.TakeRight(kButton);
+  pager.text = right;
+  return pager;
+}
+
+void DrawPageButton(const Area& a, bool back, bool enabled, bool lit) {
+  const Style& l = TheStyle();
+  const int32_t ink = enabled ? l.ink : Dimmed(l.ink, l.side);
+  XwRoundBox(a.x, a.y, a.w, a.h, 4, enabled && lit ? l.pressed : l.face, l.line);
+  DrawStep(a.x + (a.w - 12) / 2, a.y + (a.h - 12) / 2, back, ink);
+}
+
+void DrawPager(const DetailsPane* p, const Pager& pager, const Hit& hover) {
+  if (!p->HasPages()) return;
+  const Style& l = TheStyle();
+  DrawPageButton(pager.previous, true, p->page > 1,
+                 hover == Hit{kPages, DetailsPane::kPreviousPage, 0});
+  DrawPageButton(pager.next, false, p->page < p->pages,
+                 hover == Hit{kPages, DetailsPane::kNextPage, 0});
+  DrawLabel(l.small_text, Align::kCenter, pager.text, PageText(p), l.second);
+}
+
+void AddPagerHits(const DetailsPane* p, const Pager& pager, Hits* hits) {
+  if (!p->HasPages()) return;
+  const struct {
+    int part;
+    const char* name;
+    Area area;
+    bool enabled;
+  } kButtons[] = {
+      {DetailsPane::kPreviousPage, "Previous Page", pager.previous, p->page > 1},
+      {DetailsPane::kNextPage, "Next Page", pager.next, p->page < p->pages},
+  };
+  for (const auto& b : kButtons)
+    hits->Add({kPages, b.part, 0}, p->scroll.Visible(b.area),
+              {XWA_BUTTON, b.enabled ? 0 : uint32_t{XWT_DISABLED}, b.name, "", b.name});
+  hits->Cover(p->scroll.Visible(pager.text), {XWA_LABEL, 0, "Page", PageText(p)});
+}
+
+void DrawPicture(const DetailsPane* p, const Parts& parts, const Hit& hover) {
   const Style& l = TheStyle();
   const std::optional<Pictured> of = PicturedBy(p);
   if (of && !(p->preview && DrawPreview(*p->preview, p->preview_scale, parts.picture)))
     DrawKindSheet(parts.picture, of->name, of->kind);
-  const Area line{parts.trouble.x, parts.trouble.y, parts.trouble.w, kTroubleLine};
-  DrawLabel(l.small_text, of ? Align::kCenter : Align::kLeft, line.Inset(0, 3), TroubleLine(p),
-            l.second);
+  const Pager pager = LayOutPager(p, parts);
+  DrawLabel(l.small_text, of && !p->HasPages() ? Align::kCenter : Align::kLeft, pager.trouble,
+            TroubleLine(p), l.second);
+  DrawPager(p, pager, hover);
 }
 
 void DrawSelected(const DetailsPane* p, Area a) {
@@ -195,6 +260,23 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
 
 }  // namespace
 
+bool DetailsPane::HasPages() const {
+  return pages > 1 && PicturedBy(this).has_value();
+}
+
+bool DetailsPane::TurnPage(int by) {
+  const int to = std::clamp(page + by, 1, std::max(pages, 1));
+  if (!HasPages() || to == page) return false;
+  page = to;
+  return true;
+}
+
+bool DetailsPane::PageKey(int type) {
+  if (!HasPages() || (type != XWE_PAGE_UP && type != XWE_PAGE_DOWN)) return false;
+  TurnPage(type == XWE_PAGE_UP ? -1 : 1);
+  return true;
+}
+
 void DetailsPane::MakeControls(XwWindow* window) {
   scroll.MakeControls(window, kDetailsControl, "Details");
 }
@@ -219,13 +301,15 @@ Area DetailsPane::PictureArea() const {
 void DetailsPane::AddHits(bool focused, Hits* hits) const {
   if (layout.details.Empty()) return;
   const Parts parts = LayOutParts(this);
-  if (Scrolls())
+  if (TakesKeys())
     hits->Cover(scroll.Body(),
                 {XWA_GROUP, XWT_FOCUSABLE | (focused ? uint32_t{XWT_FOCUSED} : 0), "Details", ""});
   const std::string trouble = TroubleLine(this);
-  const bool cut = XwTextWidthUtf8(TheStyle().small_text, trouble.c_str()) > parts.trouble.w;
+  const Pager pager = LayOutPager(this, parts);
+  const bool cut = XwTextWidthUtf8(TheStyle().small_text, trouble.c_str()) > pager.trouble.w;
   const Words picture{XWA_PICTURE, 0, "Preview", trouble, cut ? trouble : ""};
   hits->Cover(scroll.Visible(parts.picture.Empty() ? parts.trouble : parts.picture), picture);
+  AddPagerHits(this, pager, hits);
   if (jobs)
     AddJobFacts(*jobs, parts.facts, scroll, hits);
   else if (selected >= 0)
@@ -236,7 +320,7 @@ void DetailsPane::AddHits(bool focused, Hits* hits) const {
                 {XWA_LABEL, 0, "Chosen Printer", printer[0].value + ": " + printer[1].value});
 }
 
-void DetailsPane::Draw(bool focused) const {
+void DetailsPane::Draw(const Hit& hover, bool focused) const {
   if (layout.details.Empty()) return;
   const Style& l = TheStyle();
   Fill(layout.details, l.side);
@@ -246,7 +330,7 @@ void DetailsPane::Draw(bool focused) const {
   if (view.Empty()) return;
   const Parts parts = LayOutParts(this);
   XwClip(uint16_t(view.x), uint16_t(view.y), uint16_t(view.w), uint16_t(view.h));
-  DrawPicture(this, parts);
+  DrawPicture(this, parts, hover);
   if (jobs)
     DrawJobFacts(*jobs, parts.facts);
   else

@@ -16,16 +16,24 @@ namespace console {
 struct QueuePane;
 
 struct DetailsPane {
+  // Parts of its hits: buttons that go to another page.
+  enum Part { kPreviousPage = 1, kNextPage };
   void MakeControls(XwWindow* window);
   // What it shows, or its place, may have changed.
   void Update();
-  void Draw(bool focused) const;
+  void Draw(const Hit& hover, bool focused) const;
   void AddHits(bool focused, Hits* hits) const;
   // Where the picture of the selected document, or job, stands, in sight or not; empty where it has
   // none.
   Area PictureArea() const;
   // Whether there is anything for the keyboard.
-  bool Scrolls() const { return !layout.details.Empty() && scroll.Scrolls(); }
+  bool TakesKeys() const { return !layout.details.Empty() && (scroll.Scrolls() || HasPages()); }
+  // Whether its document shows one page of several.
+  bool HasPages() const;
+  // Page Up, Page Down: true when that goes to another page of several, or would go past the last.
+  bool PageKey(int type);
+  // Goes to another page, if there is one; false when not.
+  bool TurnPage(int by);
 
   // All are looked at for as long as the pane lives.
   const Layout& layout;
@@ -43,6 +51,8 @@ struct DetailsPane {
   // pixels per logical pixel.
   std::shared_ptr<const Preview> preview = nullptr;
   double preview_scale = 1;
+  // Of its document: the page that is shown, or will be, and how many there are; 0: not known.
+  int page = 1, pages = 0;
   ScrolledArea scroll{20};
   std::string subject = "";  // what it shows: another one begins at its top
 };

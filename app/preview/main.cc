@@ -1,5 +1,5 @@
-// quorvik-preview WIDTH HEIGHT: finds out what the document on standard input is, and writes facts
-// and a small picture to standard output (app/work/preview_result.h).
+// quorvik-preview WIDTH HEIGHT [PAGE]: finds out what the document on standard input is, and writes
+// facts and a small picture of that page (1) to standard output (app/work/preview_result.h).
 //
 // A separate program, started by the console for one document: what a broken file does to a
 // decoder, it does to this process alone, which owns nothing but that file and a pipe. The console
@@ -50,10 +50,10 @@ constexpr Sign kSigns[] = {
   ShowText();
 }
 
-bool ParseSide(const char* text, int* side) {
+// A number from 1 to `most`.
+bool Parse(const char* text, int most, int* number) {
   const char* end = text + strlen(text);
-  return std::from_chars(text, end, *side).ptr == end && *side >= 1 &&
-         *side <= console::kMostPreviewSide;
+  return std::from_chars(text, end, *number).ptr == end && *number >= 1 && *number <= most;
 }
 
 }  // namespace
@@ -61,12 +61,17 @@ bool ParseSide(const char* text, int* side) {
 
 int main(int argc, char** argv) {
   using namespace preview;
-  int width = 0, height = 0;
-  if (argc != 3 || !ParseSide(argv[1], &width) || !ParseSide(argv[2], &height)) {
-    fprintf(stderr, "usage: quorvik-preview WIDTH HEIGHT < DOCUMENT   (a helper of quorvik)\n");
+  constexpr int kMostSide = console::kMostPreviewSide;
+  int width = 0, height = 0, page = 1;
+  if (argc < 3 || argc > 4 || !Parse(argv[1], kMostSide, &width) ||
+      !Parse(argv[2], kMostSide, &height) ||
+      (argc == 4 && !Parse(argv[3], console::kMostPreviewPages, &page))) {
+    fprintf(stderr,
+            "usage: quorvik-preview WIDTH HEIGHT [PAGE] < DOCUMENT   (a helper of quorvik)\n");
     return 2;
   }
   TheReport().SetRoom(width, height);
+  TheReport().SetPage(page);
   std::set_new_handler([] { TheReport().Finish(PreviewTrouble::kTooLarge); });
   if (!Confine()) TheReport().Finish(PreviewTrouble::kFailed);
   Show();

@@ -54,23 +54,24 @@ struct Page {
 };
 
 // Lines such as "Pages: 3" and "Page    1 size:  595 x 842 pts (A4)".
-Page ReadFacts() {
-  Output info = Begin({"pdfinfo", "-f", "1", "-l", "1", kInput});
+Page ReadFacts(const std::string& number) {
+  Output info = Begin({"pdfinfo", "-f", number, "-l", number, kInput});
   Page page;
   int pages = 0;
   char line[1024];
   while (fgets(line, sizeof line, info.stream)) {
     sscanf(line, "Pages: %9d", &pages);
-    sscanf(line, "Page 1 size: %20lf x %20lf pts", &page.width, &page.height);
-    sscanf(line, "Page 1 rot: %9d", &page.turn);
+    sscanf(line, "Page %*9d size: %20lf x %20lf pts", &page.width, &page.height);
+    sscanf(line, "Page %*9d rot: %9d", &page.turn);
   }
   EndInTime(0);
   info.child.Wait();
+  // Of a page that cannot be read, too: there are others.
+  TheReport().facts.pages = std::clamp(pages, 0, console::kMostPreviewPages);
   const bool good = pages > 0 && page.width > 0 && page.width < kMostPoints && page.height > 0 &&
                     page.height < kMostPoints;
   if (!good) GiveUp();
   if (page.turn % 180 != 0) std::swap(page.width, page.height);
-  TheReport().facts.pages = pages;
   TheReport().SetMm(page.width * kMmOfPoint, page.height * kMmOfPoint);
   return page;
 }
@@ -95,14 +96,15 @@ void ReadPixels(FILE* stream) {
 void ShowPdf() {
   Report& report = TheReport();
   report.facts.kind = DocumentKind::kPdf;
-  const Page page = ReadFacts();
+  const std::string number = std::to_string(report.page());
+  const Page page = ReadFacts(number);
   // The drawn size is rounded up.
   const double scale = std::min((report.room_width() - 0.5) / page.width,
                                 (report.room_height() - 0.5) / page.height);
   char dots_an_inch[32];
   snprintf(dots_an_inch, sizeof dots_an_inch, "%.6f", scale * 72);
   Output drawn =
-      Begin({"pdftoppm", "-q", "-f", "1", "-l", "1", "-cropbox", "-r", dots_an_inch, kInput});
+      Begin({"pdftoppm", "-q", "-f", number, "-l", number, "-cropbox", "-r", dots_an_inch, kInput});
   ReadPixels(drawn.stream);
   EndInTime(0);
   drawn.child.Wait();

@@ -52,6 +52,9 @@ class Report {
   void SetMm(double width, double height);
   // The picture has to fit into so many pixels.
   void SetRoom(int width, int height);
+  // The page that is to be shown, from 1 on.
+  void SetPage(int page) { page_ = page; }
+  int page() const { return page_; }
   int room_width() const { return room_width_; }
   int room_height() const { return room_height_; }
 
@@ -72,7 +75,7 @@ class Report {
  private:
   std::vector<uint8_t> Turned();
 
-  int room_width_ = 0, room_height_ = 0;
+  int room_width_ = 0, room_height_ = 0, page_ = 1;
   int orientation_ = 1;
   Scaler scaler_;
   std::vector<uint8_t> row_;

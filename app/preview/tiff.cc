@@ -44,11 +44,12 @@ Colours ColoursOf(TIFF* tiff) {
   }
 }
 
-// The number of pages without the last ones of a file that has too many.
+// The number of pages without the last ones of a file that has too many. Goes to the one that is to
+// be shown.
 int CountPages(TIFF* tiff) {
   int count = 1;
   while (count < kMostPages && TIFFReadDirectory(tiff)) ++count;
-  TIFFSetDirectory(tiff, 0);
+  TIFFSetDirectory(tiff, uint16_t(std::min(TheReport().page(), count) - 1));
   return count;
 }
 

@@ -164,7 +164,9 @@ void StopKey(Console* c, int type) {
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
   if (c->stop == FocusStop::kPlaces) PlacesKey(c, type);
   if (c->stop == FocusStop::kPrinters) PrintersKey(c, type);
-  if (c->stop == FocusStop::kDetails && c->details.scroll.Key(type)) c->damage |= kDetailsPane;
+  const bool details = c->stop == FocusStop::kDetails;
+  if (details && (c->details.PageKey(type) || c->details.scroll.Key(type)))
+    c->damage |= kDetailsPane;
   const int by = type == '+' || type == XWE_UP ? 1 : type == '-' || type == XWE_DOWN ? -1 : 0;
   if (!by || c->stop != FocusStop::kPriority) return;
   c->tools.ChangePriority(by);
@@ -529,7 +531,7 @@ void DrawConsole(Console* c) {
   if (damage & kNeedsPane) c->needs.Draw();
   if (damage & kFolderPane)
     c->files.Draw(c->hover, HasKeyboard(c, FocusStop::kFiles), FolderIsSilent(c));
-  if (damage & kDetailsPane) c->details.Draw(HasKeyboard(c, FocusStop::kDetails));
+  if (damage & kDetailsPane) c->details.Draw(c->hover, HasKeyboard(c, FocusStop::kDetails));
   if (damage & kQueuePane) c->queue.Draw(c->hover, HasKeyboard(c, FocusStop::kQueue));
   if (damage & kBannerPane) c->banner.Draw();
   if (damage & kStatusPane) c->status.Draw(c->hover, SelectionText(c));

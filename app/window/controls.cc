@@ -93,7 +93,7 @@ XwWindow* ControlAt(const Console* c, FocusStop stop) {
 
 bool CanStopAt(const Console* c, FocusStop stop) {
   if (IsControl(stop)) return CanFocus(ControlAt(c, stop));
-  if (stop == FocusStop::kDetails) return c->details.Scrolls();
+  if (stop == FocusStop::kDetails) return c->details.TakesKeys();
   if (stop == FocusStop::kPrinters) return !c->layout.printers.Empty();
   return stop != FocusStop::kPlaces || !c->layout.places.Empty();
 }

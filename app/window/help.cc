@@ -46,6 +46,7 @@ const std::vector<Line>& Lines() {
                             {"Next part, and back", "Tab, Shift+Tab"},
                             {"Next pane, and back", "F6, Shift+F6"},
                             {"Selects more rows", "Shift+arrows"},
+                            {"In the details: another page", "Page Up, Page Down"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
                             {"Menu bar", "F10, Alt"},
                             {"Back to files; stops a drag", "Esc"},

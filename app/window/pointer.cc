@@ -25,6 +25,8 @@ unsigned PaneOf(const Hit& hit) {
       return kPrintersPane;
     case kStatus:
       return kStatusPane;
+    case kPages:
+      return kDetailsPane;
     default:
       return 0;
   }
@@ -86,7 +88,7 @@ void PressPrimary(Console* c) {
   if (hit.owner == kPlaces) PressPlace(c, hit);
   if (hit.owner == kPrinters) PressPrinter(c, hit);
   if (hit.owner == kBorders) PressBorder(c, hit, twice);
-  const bool details = !hit && c->layout.details.Holds(Inp.px, Inp.py);
+  const bool details = (!hit || hit.owner == kPages) && c->layout.details.Holds(Inp.px, Inp.py);
   if (details && CanStopAt(c, FocusStop::kDetails)) SetFocusStop(c, FocusStop::kDetails);
 }
 
@@ -129,6 +131,10 @@ void Use(Console* c, const Hit& hit) {
       break;
     case kStatus:
       c->server.Refresh();
+      break;
+    case kPages:
+      if (c->details.TurnPage(hit.part == DetailsPane::kNextPage ? 1 : -1))
+        c->damage |= kDetailsPane;
       break;
     default:
       break;

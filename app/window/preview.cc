@@ -65,8 +65,23 @@ SentFile FileOfJob(const Console* c) {
   return {};
 }
 
+namespace {
+
+// The page counts for one document as it is now.
+void KeepPage(DetailsPane* pane, const PreviewSubject& before, PreviewSubject* subject) {
+  const PreviewRequest &was = before.request, &is = subject->request;
+  const bool same = is.path == was.path && is.size == was.size &&
+                    is.modified_ns == was.modified_ns && subject->size == before.size &&
+                    subject->time == before.time;
+  if (!same) pane->page = 1, pane->pages = 0;
+  if (!is.path.empty()) subject->request.page = pane->page;
+}
+
+}  // namespace
+
 void UpdatePreview(Console* c) {
   PreviewSubject subject = SubjectOf(c);
+  KeepPage(&c->details, c->previewed, &subject);
   if (subject == c->previewed) return;
   // The same document keeps its picture until there is a new one.
   const bool same = subject.request.path == c->previewed.request.path;
@@ -84,6 +99,9 @@ void TakePreview(Console* c) {
   auto preview = c->previews.Take();
   if (!preview) return;  // it was asked for again in between
   c->details.preview = std::move(preview);
+  // Without a picture of this page there may be one of another.
+  if (c->details.preview->pages > 0) c->details.pages = c->details.preview->pages;
+  c->details.page = std::min(c->details.page, std::max(c->details.pages, 1));
   c->details.preview_scale = c->previewed.scale;
   c->damage |= kDetailsPane;
   DrawConsole(c);

@@ -26,7 +26,6 @@ namespace {
 constexpr int kSettleMs = 60;
 constexpr size_t kMostLine = 400;
 constexpr size_t kTab = 8;
-constexpr int kMostPages = 1000000;
 constexpr double kMostMm = 1e7;
 
 using Clock = std::chrono::steady_clock;
@@ -91,7 +90,7 @@ bool Within(int64_t number, int64_t most) {
 bool IsSound(const PreviewHeader& h, size_t size, const PreviewRequest& request) {
   constexpr auto kSide = INT32_MAX;
   if (h.magic != kPreviewMagic || h.kind >= DocumentKind::kCount || h.colours >= Colours::kCount ||
-      h.trouble >= PreviewTrouble::kCount || !Within(h.pages, kMostPages) ||
+      h.trouble >= PreviewTrouble::kCount || !Within(h.pages, kMostPreviewPages) ||
       !Within(h.original_width, kSide) || !Within(h.original_height, kSide) ||
       !Within(h.width, request.width) || !Within(h.height, request.height) ||
       !Within(h.text_size, kMostPreviewText))
@@ -171,7 +170,8 @@ bool PreviewMaker::Job::Run() {
   const os::Handle from(ends[0]);
   os::Handle to(ends[1]);
   Program start;
-  start.words = {path, std::to_string(request.width), std::to_string(request.height)};
+  start.words = {path, std::to_string(request.width), std::to_string(request.height),
+                 std::to_string(request.page)};
   start.input = file.get();
   start.output = to.get();
   Child child = Start(start);
@@ -189,6 +189,7 @@ void PreviewMaker::Ask(PreviewRequest request, std::function<void()> told) {
   Drop();
   request.width = std::clamp(request.width, 1, kMostPreviewSide);
   request.height = std::clamp(request.height, 1, kMostPreviewSide);
+  request.page = std::clamp(request.page, 1, kMostPreviewPages);
   job_ = std::make_shared<Job>();
   job_->told = std::move(told);
   job_->preview->request = std::move(request);

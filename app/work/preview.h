@@ -18,6 +18,7 @@ struct PreviewRequest {
   int width = 0, height = 0;  // device pixels that the picture has to fit into
   // What the file has to be still; 0: it may be any.
   int64_t size = 0, modified_ns = 0;
+  int page = 1;  // that is to be shown
   bool operator==(const PreviewRequest&) const = default;
 };
 

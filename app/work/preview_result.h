@@ -35,7 +35,8 @@ enum class PreviewTrouble : uint32_t {
 };
 
 constexpr uint32_t kPreviewMagic = 0x31565051;
-constexpr int kMostPreviewSide = 4096;       // pixels
+constexpr int kMostPreviewSide = 4096;  // pixels
+constexpr int kMostPreviewPages = 1000000;
 constexpr int kMostPreviewText = 64 * 1024;  // bytes
 
 struct PreviewHeader {

@@ -118,14 +118,15 @@ void WriteTiff(const std::string& path, const Sample& sample) {
   TIFFClose(tiff);
 }
 
-std::string PdfOf(int pages, int turn) {
+std::string PdfOf(int pages, int turn, int last_height) {
   std::vector<std::string> objects = {"<</Type/Catalog/Pages 2 0 R>>", ""};
   std::string kids;
   for (int i = 0; i < pages; ++i) {
     const std::string page = std::to_string(objects.size() + 1);
     const std::string content = std::to_string(objects.size() + 2);
     kids += page + " 0 R ";
-    objects.push_back("<</Type/Page/Parent 2 0 R/MediaBox[0 0 595 842]/Rotate " +
+    const std::string height = std::to_string(i == pages - 1 ? last_height : 842);
+    objects.push_back("<</Type/Page/Parent 2 0 R/MediaBox[0 0 595 " + height + "]/Rotate " +
                       std::to_string(turn) + "/Contents " + content + " 0 R/Resources<<>>>>");
     const std::string drawing = "0 g 0 742 595 100 re f";
     objects.push_back("<</Length " + std::to_string(drawing.size()) + ">>\nstream\n" + drawing +

@@ -20,7 +20,8 @@ void WriteJpeg(const std::string& path, const Sample& sample);
 // 300 dots an inch.
 void WriteTiff(const std::string& path, const Sample& sample);
 
-// Pages of 595 x 842 points, turned by so many degrees, with a black bar at the top.
-std::string PdfOf(int pages, int turn);
+// Pages of 595 x 842 points, turned by so many degrees, with a black bar at the top; the last one
+// of another height.
+std::string PdfOf(int pages, int turn, int last_height = 842);
 
 }  // namespace console

@@ -217,7 +217,7 @@ TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
     files b.pdf, a.pdf
     keys Home Down
     see label Kind = PDF document, 2 pages
-    keys Tab Tab Tab Tab Tab
+    keys Tab Tab Tab Tab Tab Tab
     see pop-up-button Printer is focused
     keys Down f Return Tab Down
     see menu-item Fine

@@ -90,6 +90,28 @@ TEST_F(PreviewPaneTest, FollowsTheSelectionTheFileAndTheScreen) {
   EXPECT_EQ(c_->details.preview, nullptr);
 }
 
+TEST_F(PreviewPaneTest, KeysGoThroughThePages) {
+  constexpr uint32_t kPageUp = 0xFF55, kPageDown = 0xFF56;
+  home_.File("pages.pdf", PdfOf(3, 0, 421));
+  Open("127.0.0.9:1");
+  const auto shows = [this](int page) {
+    return Until([&] { return c_->details.preview && c_->details.preview->request.page == page; });
+  };
+  Click(FileRow("pages.pdf"));
+  ASSERT_TRUE(shows(1));
+  Click(c_->details.PictureArea());
+  for (int i = 0; i < 4; ++i) Key(kPageDown);
+  EXPECT_TRUE(shows(3));
+  EXPECT_EQ(SizeWords(*c_->details.preview), "210 × 149 mm");
+  Key(kPageUp);
+  EXPECT_TRUE(shows(2));
+  // Another document begins at its first page.
+  Click(FileRow("picture.png"));
+  Click(FileRow("pages.pdf"));
+  EXPECT_TRUE(shows(1));
+  EXPECT_EQ(c_->details.page, 1);
+}
+
 TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
   testing_daemon::Daemon daemon;
   daemon.Start({"--rate", "1"});

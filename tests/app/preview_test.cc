@@ -35,8 +35,8 @@ class PreviewTest : public testing::Test {
     siginfo_t info;
     return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
   }
-  Preview Of(const std::string& path, int side = 300) {
-    maker_.Ask({path, side, side});
+  Preview Of(const std::string& path, int side = 300, int page = 1) {
+    maker_.Ask({path, side, side, 0, 0, page});
     EXPECT_TRUE(maker_.WaitFor(50000));
     const auto preview = maker_.Take();
     return preview ? *preview : Preview{};
@@ -144,6 +144,9 @@ TEST_F(PreviewTest, PagesAreDrawnByTheProgramsOfThePdfLibrary) {
   // The bar is at the right now.
   ASSERT_FALSE(p.pixels.empty());
   EXPECT_LT(p.pixels[size_t(p.height / 2 * p.width + p.width - 5) * 4 + 1], 20);
+  p = Of(files_.File("d.pdf", PdfOf(2, 0, 421)), 300, 2);
+  EXPECT_EQ(std::to_string(p.pages) + ", " + SizeWords(p), "2, 210 × 149 mm");
+  EXPECT_EQ(p.width, 300);
   EXPECT_EQ(TroubleWords(Of(files_.File("c.pdf", "%PDF-1.4\nnothing else"))),
             "This PDF is damaged, or locked by a password");
   // Where they are missing that is a line of text. What is there of them has our limits.
