@@ -8,6 +8,8 @@
 #include "platform/access/access.h"
 #include "platform/controls/control.h"
 #include "platform/events/event.h"
+#include "platform/input/translate.h"
+#include "platform/loop/dispatch.h"
 #include "platform/loop/tracking.h"
 #include "platform/menus/menu.h"
 #include "platform/windows/internal.h"
@@ -215,6 +217,15 @@ TEST(Menus, ByTheKeyboardAlone) {
                                         {[] { input::Scroll(0, 3); }},
                                         {[] { input::Modifiers(optionKey | shiftKey); }}})
     User({[&] { alt(between); }, [] { EXPECT_FALSE(Shown("Quit")); }});
+  // That of Alt+Tab was held before the window got the keyboard.
+  RawEvent raw;
+  raw.type = RawEvent::kModifiers, raw.modifiers = optionKey, raw.held = 1;
+  raw.window = static_cast<WindowRef>(W_Start->platform);
+  User({[&] { TranslateRawEvent(raw), input::Modifiers(0); }, [] { EXPECT_FALSE(Shown("Quit")); }});
+  // What is held while a menu is open is held after it.
+  User({[&] { alt(nullptr); }, [] { input::Modifiers(shiftKey); }, Key(kEscape, 27)});
+  EXPECT_EQ(HeldModifiers(), uint32_t{shiftKey});
+  input::Modifiers(0);
 }
 
 TEST(Menus, KeysOfItems) {
