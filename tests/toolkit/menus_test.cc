@@ -13,7 +13,7 @@
 #include "platform/loop/tracking.h"
 #include "platform/menus/menu.h"
 #include "platform/windows/internal.h"
-#include "tests/toolkit/stage.h"
+#include "tests/toolkit/control_stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/session.h"
 #include "toolkit/windows/menus.h"
@@ -549,17 +549,7 @@ TEST(Menus, TooMany) {
 // The tree's own way to choose: what a click could.
 TEST(Menus, ThroughTheTree) {
   Menus m;
-  const auto serial = [](const char* name) {
-    uint64_t found = 0;
-    std::function<void(const std::vector<DescribedNode>&)> look = [&](const auto& nodes) {
-      for (const DescribedNode& n : nodes) {
-        if (n.what.name == name) found = n.serial;
-        look(n.children);
-      }
-    };
-    look(DescribeTree());
-    return found;
-  };
+  const auto serial = [](const char* name) { return Node(name).serial; };
   for (const char* name : {"Two", "Quit", "Sort", "Again", "File"}) {
     const bool leaf = *name == 'T' || *name == 'Q';
     EXPECT_EQ(Item(name).actions, leaf ? kActionPress : 0u) << name;
