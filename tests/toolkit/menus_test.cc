@@ -549,21 +549,20 @@ TEST(Menus, TooMany) {
 // The tree's own way to choose: what a click could.
 TEST(Menus, ThroughTheTree) {
   Menus m;
-  const auto serial = [](const char* name) { return Node(name).serial; };
   for (const char* name : {"Two", "Quit", "Sort", "Again", "File"}) {
     const bool leaf = *name == 'T' || *name == 'Q';
     EXPECT_EQ(Item(name).actions, leaf ? kActionPress : 0u) << name;
-    EXPECT_EQ(ActOn(serial(name), kActionPress), leaf) << name;
+    EXPECT_EQ(ActOn(Node(name).serial, kActionPress), leaf) << name;
   }
-  const uint64_t print = serial("Print");
+  const uint64_t print = Node("Print").serial;
   XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
-  EXPECT_FALSE(ActOn(serial("Two"), kActionPress)) << "nobody gets there";
+  EXPECT_FALSE(ActOn(Node("Two").serial, kActionPress)) << "nobody gets there";
   RunLoop();
   EXPECT_EQ(Came(), "794:302 796");
   User({Move("Edit"), [] { Down(), Up(); },
         [&] {
           EXPECT_FALSE(ActOn(print, kActionPress)) << "another menu is open";
-          EXPECT_TRUE(ActOn(serial("Copy"), kActionPress));
+          EXPECT_TRUE(ActOn(Node("Copy").serial, kActionPress));
         },
         [] { EXPECT_FALSE(MenusAreOpen()); }});
   EXPECT_EQ(Came(), "793 794:402");
