@@ -44,7 +44,7 @@ int Typed(const NumberWindow* w) {
 }
 
 void Say(NumberWindow* w, const Area& a, const std::string& text, int32_t ink) {
-  Fill(a, XwThemeColor(XWR_DIALOG));
+  XwClear(a.x, a.y, a.w, a.h);
   DrawLabel(TheStyle().normal, Align::kLeft, a, text, ink);
   w->hits.Cover(a, {XWA_LABEL, 0, text, ""});
 }

@@ -107,7 +107,7 @@ Line ServerLine(const PreferencesWindow* w) {
 // --- Drawing
 
 void Say(PreferencesWindow* w, const Area& a, const Line& line, XwFont* font, const char* name) {
-  Fill(a, XwThemeColor(XWR_DIALOG));
+  XwClear(a.x, a.y, a.w, a.h);
   DrawLabel(font, Align::kLeft, a, line.text, line.ink);
   w->hits.Cover(a, {XWA_STATUS, 0, name, line.text});
 }

@@ -198,14 +198,15 @@ void ShowWindow(WindowRef w) {
   if (w->window_class != kPopUpWindowClass) NoteFocusRequest(w);
   const bool erased = !w->surface.pixels;  // new pixels have the background
   ShowBackdrop(w);
-  ResizeSurface(w);
   w->blank = !w->parent;
   InvalidateWindow(w, {0, 0, w->content.width(), w->content.height()}, !erased);
-  DrawFrame(w);
   std::erase(WindowList(), w);
   WindowList().insert(WindowList().begin(), w);
   if (!WaitsForFirst(*w)) Map(w);
   if (w == MenuBarWindow()) MapDocked(true);
+  // The display makes its window beside this.
+  ResizeSurface(w);
+  if (!erased) DrawFrame(w);
   NoticeChange(w->object.serial, Change::kState);
 }
 

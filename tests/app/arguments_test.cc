@@ -41,10 +41,13 @@ TEST(Arguments, FilesAreFoundFromTheCurrentFolder) {
   files.Link("y.pdf", "real/x.pdf");
   ASSERT_EQ(chdir(root.c_str()), 0);
   // A link's "..": the real folder's. A link keeps its name.
-  const FilesToOpen looked = LookForFiles({"far/../x.pdf", ".//y.pdf", "far", "real/..", "/",
-                                           "gone", "loop", "y.pdf/x", "real/../y.pdf"});
-  EXPECT_EQ(looked.found, (std::vector<std::string>{root + "/real/x.pdf", root + "/y.pdf",
-                                                    root + "/far", root, "/", root + "/y.pdf"}));
+  const FilesToOpen looked =
+      LookForFiles({"far/../x.pdf", ".//y.pdf", "far", "real/..", "/", "gone", "loop", "y.pdf/x",
+                    "real/../y.pdf", "/dev/null"});
+  EXPECT_EQ(looked.found,
+            (std::vector<std::string>{root + "/real/x.pdf", root + "/y.pdf", root + "/far", root,
+                                      "/", root + "/y.pdf", "/dev/null"}));
+  EXPECT_EQ(looked.devices, std::vector<std::string>{"/dev/null"});
   EXPECT_EQ(looked.missing,
             (std::vector<std::string>{root + "/gone", root + "/loop", root + "/y.pdf/x"}));
 }

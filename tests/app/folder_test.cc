@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "app/work/dropped_paths.h"
 #include "tests/app/console_fixture.h"
 #include "tests/app/gate.h"
 
@@ -16,6 +17,14 @@ Gate* gate;
 void ReadBehindGate(FolderReading* r) {
   if (r->request.path.find("hangs") != std::string::npos) gate->Pass();
   usual_read(r);
+}
+
+TEST(DroppedPaths, TellTheFirstThatIsNeitherPrintedNorOpened) {
+  const DroppedPaths d =
+      LookAtDropped({"/etc/passwd", "http://host/a.pdf", "/dev/null", "/", "/x"});
+  EXPECT_EQ(d.files.size() + d.folders.size(), 2u);
+  EXPECT_EQ(d.others, 3);
+  EXPECT_EQ(d.other + ": " + d.trouble, "http://host/a.pdf: it is not on this computer");
 }
 
 class FolderTest : public ConsoleTest {

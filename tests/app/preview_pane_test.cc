@@ -130,10 +130,22 @@ TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
   EXPECT_EQ(choose_job(), PreviewTrouble::kNone);
   EXPECT_EQ(c_->previewed.request.path, home_.At("picture.png"));
   EXPECT_TRUE(Fills(*c_->details.preview, 1));
+  SetFocusStop(c_, FocusStop::kDetails);
+  DrawConsole(c_);
+  EXPECT_TRUE(c_->details.jobs) << "the details tell of the same where they have the keyboard";
   // Another file of the same name and size is not what was sent.
   Click(FileRow("letter.txt"));
-  struct timespec later[2] = {{1700000000, 0}, {1700000000, 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, home_.At("picture.png").c_str(), later, 0), 0);
+  const std::string path = home_.At("picture.png");
+  struct stat sent {};
+  ASSERT_EQ(stat(path.c_str(), &sent), 0);
+  timespec times[2] = {sent.st_atim, {sent.st_mtim.tv_sec, sent.st_mtim.tv_nsec ^ 4096}};
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  EXPECT_EQ(choose_job(), PreviewTrouble::kChanged);
+  // Nor is one of another size that was written at that time.
+  Click(FileRow("letter.txt"));
+  std::filesystem::resize_file(path, size_t(sent.st_size) - 1);
+  times[1] = sent.st_mtim;
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
   EXPECT_EQ(choose_job(), PreviewTrouble::kChanged);
   // What somebody else has sent has none.
   c_->sent.clear();

@@ -20,15 +20,16 @@ constexpr uint32_t kEscapeKey = 0xFF1B, kReturnKey = 0xFF0D;
 
 class QueueTest : public ConsoleTest {
  protected:
-  // Slow printers; the first document is at the first one, the others wait.
+  // Slow printers; the first document is at the first one, the others wait. "m" asks for media.
   void OpenWith(const std::vector<std::string>& documents, const std::string& owner = "mia") {
     const char* kPrinters =
-        "[printer]\nname=Proof\nrate=1K\n[printer]\nname=Office\nrate=1K\n"
+        "[printer]\nname=Proof\nmedia=A1\nrate=1K\n[printer]\nname=Office\nmedia=A4\nrate=1K\n"
         "[printer]\nname=Wide\nrate=1K\n";
     daemon_.Start({"--config", daemon_.WriteFile("printers", kPrinters)});
     fd_ = daemon_.Connect();
     for (const std::string& name : documents) {
-      const std::string ticket = "document=" + name + "\nowner=" + owner + "\nprinter=Proof\n\n";
+      const std::string ticket = "document=" + name + "\nowner=" + owner + "\nprinter=Proof\n" +
+                                 (name == "m" ? "media=A1\n\n" : "\n");
       ASSERT_EQ(testing_daemon::Send(fd_, ticket, Bytes(200000), ids_[name].data()), 1);
     }
     Open(daemon_.host());
@@ -95,6 +96,8 @@ TEST_F(QueueTest, ANumberThatNoMenuHasIsAsked) {
   AskNumber(c_, Verb::kPriority);
   Turn(4);
   Key('9', '9');
+  Key(0xFF09);
+  EXPECT_FALSE(Node("Set").what.name.empty()) << "Tab leaves the box and no more";
   Key(kEscapeKey);
   EXPECT_TRUE(Node("Set").what.name.empty());
   EXPECT_EQ(job("a").priority, 50);
@@ -132,9 +135,9 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   const Area last = c_->queue.table.RowArea(2);
   display::MovePointer(c_->window->x + 100, c_->window->y + last.y + 10);
   display::Press(1);
-  display::MovePointer(c_->window->x + 100, c_->window->y + last.y - 30);
+  display::MovePointer(c_->window->x + 100, c_->window->y + c_->queue.table.RowArea(0).y + 2);
   Turn(2);
-  EXPECT_GE(c_->queue.table.gap(), 0);
+  EXPECT_EQ(c_->queue.table.gap(), 1) << "what prints stays in front";
   Key(kEscapeKey);
   display::Release(1);
   Turn(2);
@@ -154,6 +157,8 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
     Turn(2);
   };
   carry(c_->layout.folder);
+  const Area last_printer = c_->printer_list.list.RowArea(2);
+  carry({last_printer.x, last_printer.bottom(), last_printer.w, 20});
   EXPECT_TRUE(c_->state.pending.empty());
   carry(c_->printer_list.list.RowArea(0));  // Office
   const auto printer = [this] {
@@ -162,6 +167,13 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   ASSERT_TRUE(Until([&] { return printer() == "Office"; }) && Settled());
   ChangeJobs(c_, {Verb::kMove, 0, "Proof"});
   ASSERT_TRUE(Until([&] { return printer() == "Proof"; }) && Settled());
+
+  MoveJobsTo(c_, "Proof");
+  EXPECT_TRUE(Tells("It is for “Proof” already"));
+  c_->server.ChangePrinter("Wide", PrinterSetting::kRefuseJobs);
+  ASSERT_TRUE(Until([&] { return !c_->printers.Find("Wide")->printer->accepting; }));
+  MoveJobsTo(c_, "Wide");
+  EXPECT_EQ(c_->status.message().text, "“Wide” takes no new jobs");
 
   // In another order it is not done, and a line says why.
   Select({"c", "d"});
@@ -187,12 +199,32 @@ TEST_F(QueueTest, AJobThatIsPutElsewhereStaysInSight) {
   ASSERT_TRUE(Settled());
   EXPECT_TRUE(shows(1));
 
+  // What is printed is followed to its job, but not while somebody works in the queue.
+  const auto shows_new = [&](FocusStop before, FocusStop after) {
+    table.ScrollTo(0);
+    SetFocusStop(c_, before);
+    PrintOrder order;
+    order.path = home_.At("letter.txt");
+    order.document = "new";
+    order.printer = "Proof";
+    const int n = c_->queue.rows.count();
+    SendOrders(c_, {order}, 0);
+    SetFocusStop(c_, after);
+    EXPECT_TRUE(
+        Until([&] { return c_->state.transfers.empty() && c_->queue.rows.count() == n + 1; }));
+    return shows(n);
+  };
+  EXPECT_FALSE(shows_new(FocusStop::kQueue, FocusStop::kQueue));
+  EXPECT_FALSE(shows_new(FocusStop::kFiles, FocusStop::kQueue));
+  EXPECT_TRUE(shows_new(FocusStop::kFiles, FocusStop::kFiles));
+  SetFocusStop(c_, FocusStop::kQueue);
+
   // A list that comes by itself scrolls nothing, and a key shows what it acts on.
   table.ScrollTo(table.RowArea(25).bottom());
   testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   c_->server.Refresh();
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 25; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 28; }));
   EXPECT_FALSE(shows(1));
   Key('h', 'h');
   EXPECT_TRUE(shows(1));
@@ -205,9 +237,17 @@ TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
   Select({"d"});
   MoveJobs(c_, -1);
+  // What was to be closed stays open for that.
+  static bool stays = true;
+  std::atexit([] {
+    if (stays) _exit(1);
+  });
+  EXPECT_FALSE(AskBeforeQuit(c_));
   daemon_.Signal(SIGCONT);
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   EXPECT_TRUE(Tells("one of the two jobs has been removed by somebody else"));
+  EXPECT_FALSE(c_->asking);
+  stays = false;
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
 }
 
@@ -246,6 +286,47 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 1; }));
   for (const NC_Job& job : *c_->state.jobs)
     EXPECT_TRUE(job.printer == name || std::string(job.document) == "a");
+}
+
+TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
+  OpenWith({"a", "b", "m"});
+  Select({"a", "b"});
+  ChangeJobs(c_, {Verb::kCopies, 2});
+  EXPECT_TRUE(Tells("1 of 2 jobs left out. The job is at the printer") && Settled());
+  c_->status.ReadMessage();
+  // The media of the next job are kept where the printer has them, and given up aloud elsewhere.
+  c_->choice.media = "A1";
+  ChoosePrinter(c_, "Proof");
+  EXPECT_EQ(c_->choice.media, "A1");
+  ChoosePrinter(c_, "Office");
+  EXPECT_EQ(c_->choice.media, "");
+  EXPECT_TRUE(Tells("“Office” has no A1: its usual media are chosen"));
+  Select({"m"});
+  ChangeJobs(c_, {Verb::kMove, 0, "Office"});
+  EXPECT_TRUE(Tells("Moved to “Office”, which has no A1: “m”"));
+  c_->status.ReadMessage();
+  ASSERT_TRUE(Settled());
+  c_->server.MoveJobs("Office", "Wide");
+  EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
+  // Somebody else moves a job while its row is held, and shows what was before.
+  const Area row = c_->queue.table.RowArea(c_->queue.rows.RowOf(Id("b")));
+  display::MovePointer(c_->window->x + row.x + 100, c_->window->y + row.y + 10);
+  display::Press(1);
+  Turn(2);
+  ASSERT_EQ(testing_daemon::Change(fd_, ids_["b"].data(), "printer=Office\n\n"), 1);
+  c_->server.Refresh();
+  ASSERT_TRUE(Until([&] {
+    return std::any_of(c_->state.jobs->begin(), c_->state.jobs->end(),
+                       [](const NC_Job& job) { return !strcmp(job.printer, "Office"); });
+  }));
+  ChangeJobs(c_, {Verb::kMove, 0, "Wide"});
+  EXPECT_TRUE(Tells("Moved to “Wide”, though somebody else had moved it to “Office”: “b”"));
+  display::Release(1);
+  ASSERT_TRUE(Settled());
+  // Where it is already it has crossed nobody.
+  c_->status.ReadMessage();
+  c_->server.Change({{Id("b").job, "b", "Proof"}}, {Verb::kMove, 0, "Wide"});
+  EXPECT_TRUE(Tells("Moved to “Wide”: “b”"));
 }
 
 TEST_F(QueueTest, ShowsWhatIsAskedFor) {
@@ -317,6 +398,7 @@ TEST_F(LosingTest, AChangeIsSentOnce) {
   EXPECT_EQ(c_->state.jobs->at(0).copies, 2) << "one change";
   EXPECT_EQ(c_->state.jobs->at(1).copies, 1) << "none";
   EXPECT_EQ(c_->state.away_times, away);
+  EXPECT_EQ(c_->state.changing.total, 0) << "nothing is under way any more";
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   DrawConsole(c_);
   Key('n', 'n');
   Key('o', 'o');
-  XwMove(c_->window, c_->window->x, c_->window->y, 1000, 600);
+  XwMove(c_->window, 70, 90, 1000, 600);
   Turn(2);
   const Area name = c_->files.table.ColumnArea(0);
   display::MovePointer(c_->window->x + name.right(), c_->window->y + name.y + 8);
@@ -56,6 +56,8 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   ASSERT_EQ(narrower.w, name.w - 30);
 
   CloseAndOpen();
+  EXPECT_EQ(c_->window->x, 70);
+  EXPECT_EQ(c_->window->y, 90);
   EXPECT_EQ(c_->window->width, 1000);
   EXPECT_EQ(c_->window->height, 600);
   EXPECT_EQ(c_->files.folder.path(), home_.At(leaf));
@@ -98,6 +100,11 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   display::OpenFiles({"http://host/a.pdf"}, true);
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_EQ(c_->status.message().text, "Only files on this computer can be opened");
+  c_->status.ReadMessage();
+  display::OpenFiles({home_.At("letter.txt"), home_.At("Empty")}, true);
+  EXPECT_TRUE(Until([&] { return c_->status.message().text == "1 other folder is not shown"; }));
+  display::OpenFiles({"/dev/null", home_.At("gone.pdf")}, true);
+  EXPECT_TRUE(Until([&] { return c_->files.folder.path() == "/dev"; })) << "one of them is there";
 }
 
 // What another program asks to open is selected, also what is hidden; what is dropped is queued,
@@ -111,6 +118,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->files.Chosen().files == 2; }));
   EXPECT_EQ(c_->files.selection.Ids(), (std::vector<std::string>{".c.pdf", "a.pdf"}));
   EXPECT_EQ(c_->status.message().text.rfind("2 of 3 documents", 0), 0u);
+  EXPECT_EQ(WhyNotOpen(c_), "More than one is selected");
 
   display::OpenFiles({home_.At("b.pdf"), home_.At("Empty"), home_.At("gone"), home_.At(".c.pdf")},
                      false);
@@ -122,7 +130,10 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   // What is left out stays to be read.
   EXPECT_EQ(c_->status.message().text.rfind("“gone” cannot be printed", 0), 0u);
   Turn(2);
-  const XwWindow* cancel = c_->status.cancel_queued;
+  XwWindow* cancel = c_->status.cancel_queued;
+  char text[40];
+  XwGetTextUtf8(cancel, text, sizeof text);
+  EXPECT_STREQ(text, "Cancel 3 Queued");
   Click({cancel->x, cancel->y, cancel->width, cancel->height});
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
   EXPECT_EQ(StillQueued(c_), 0);
@@ -134,6 +145,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   display::OpenFiles({home_.At("Empty")}, false);
   EXPECT_TRUE(
       Until([&] { return c_->files.folder.path() == home_.At("Empty") && c_->status.HasError(); }));
+  EXPECT_FALSE(c_->files.folder.rows().shows_hidden()) << "they showed for that one alone";
 }
 
 TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
@@ -149,6 +161,8 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   EXPECT_FALSE(CanStartServer(c_));
   ASSERT_TRUE(Until([&] { return CanStartServer(c_); }));
   EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
+  c_->status.ReadMessage();
+  EXPECT_EQ(c_->status.message().text, "") << "none is being started";
   // Closed while one starts.
   display::Modifiers(platform::controlKey);
   Key('s', 's');

@@ -21,8 +21,10 @@ class SendingTest : public ConsoleTest {
     Open(address_);
     ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
     Click(FileRow(name));
+    c_->choice.copies = 2;
     Click(c_->layout.print);
     ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
+    EXPECT_EQ(c_->queue.rows.OutgoingAt(0)->copies, 2);
     Click(c_->queue.table.RowArea(0));
     ASSERT_EQ(c_->queue.table.selected(), 0);
     ASSERT_TRUE(c_->queue.rows.IdAt(0).outgoing);
@@ -132,12 +134,18 @@ TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
   Click(FileRow("letter.txt"));
   PrintSelected(c_);
   ASSERT_TRUE(c_->state.transfers.empty());
+  c_->failed_while_asking = true;  // at another question
   EXPECT_FALSE(AskBeforeQuit(c_));
+  EXPECT_FALSE(c_->failed_while_asking);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
   EXPECT_FALSE(Node("1 document has not been sent").what.name.empty());
   platform::RemoveTreeListener(&listener);
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
+  Sending& state = c_->state.transfers[0].state;
+  state = Sending::kCancelling;
+  EXPECT_FALSE(NotAtServer(c_).any()) << "nobody waits for what is cancelled";
+  state = Sending::kWaiting;
 
   const Area name = c_->files.table.ColumnArea(0);
   const int x = c_->window->x + name.right() - 1, y = c_->window->y + name.y + 10;
@@ -245,10 +253,17 @@ TEST_P(HangingDocument, HoldsUpNothing) {
   server_.Listen();
   Open(address_);
   ASSERT_TRUE(Until([&] { return IsReady(); }));
-  Print("a.pdf");
-  ASSERT_TRUE(QueueIs(0, 1));
-  Print("hangs 1.pdf");
-  Print("b.pdf");
+  const auto order = [this](const char* name) {
+    PrintOrder o;
+    o.path = home_.At(name);
+    o.document = name;
+    return o;
+  };
+  const auto tells = [this](const char* text) {
+    return Until([&] { return c_->state.notices.back().message.text == text; });
+  };
+  c_->server.Send({order("a.pdf")});
+  c_->server.Send({order("hangs 1.pdf"), order("b.pdf")});
   ASSERT_TRUE(QueueIs(2, 1));
   ASSERT_TRUE(Until([&] { return c_->state.transfers[0].silent_s >= 1; }));
   EXPECT_EQ(c_->state.transfers[0].sent > 0, hangs_in_reading);
@@ -258,6 +273,10 @@ TEST_P(HangingDocument, HoldsUpNothing) {
   Click(c_->queue.table.RowArea(0));
   Click(c_->queue.head.remove_area);
   ASSERT_TRUE(QueueIs(0, 2));
+  // What arrived of each order is told, and nothing else.
+  EXPECT_TRUE(tells("Sent: “b.pdf”"));
+  c_->server.Send({order("gone.pdf"), order("a.pdf")});
+  EXPECT_TRUE(tells("Sent: “a.pdf”"));
   Print("hangs 2.pdf");
   ASSERT_TRUE(Until([&] { return gate->Waiting() == 2; }));
 }

@@ -62,7 +62,7 @@ class ServerChangeTest : public ConsoleTest {
 
 TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   Daemon first, second(1);
-  first.Start();
+  first.Start({"--config", first.WriteFile("printers", "[printer]\nname=Other\n")});
   second.Start();
   home_.File("big.bin", Bytes(20000000));
   Open(first.host());
@@ -86,6 +86,7 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   }
   platform::RemoveEventLoopTimer(timer);
   ASSERT_TRUE(Until([&] { return IsReady() && c_->queue.rows.count() == 0; }));
+  EXPECT_EQ(c_->printers.WhyNotPrint(), "") << "the printer was the other server's default";
   first.Signal(SIGCONT);
   for (Daemon* daemon : {&first, &second}) {
     const int fd = daemon->Connect();
@@ -100,12 +101,12 @@ TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) 
   const std::string config =
       "[server]\nscan-command=/bin/sh " + home_.File("scan", "echo \"$1 $2\" > " + asked) +
       " %1 %2\n[printer]\nname=Proof\n[printer]\nname=Wide\n"
-      "[profile]\nname=Coated\nprinter=Wide\ndpi=600x300\n[profile]\nname=Bare\n"
+      "[profile]\nname=Coated v2.1\nprinter=Wide\ndpi=600x300\n[profile]\nname=Bare\n"
       "[scanner]\nname=Flatbed\n[scanner]\nname=Drum\n";
   daemon.Start({"--config", daemon.WriteFile("lists", config)});
   mkdir(daemon.Path("gamut/Wide").c_str(), 0700);
-  std::ofstream(daemon.Path("gamut/Wide/Coated")) << "of the wide one";
-  std::ofstream(daemon.Path("gamut/Coated")) << "of all";
+  std::ofstream(daemon.Path("gamut/Wide/Coated v2.1")) << "of the wide one";
+  std::ofstream(daemon.Path("gamut/Coated v2.1")) << "of all";
   Open(daemon.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   ShowLists(c_);
@@ -119,14 +120,14 @@ TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) 
       return shown.find(text) != std::string::npos && Node("Answer").what.value == shown;
     });
   };
-  ClickNode("Coated");
+  ClickNode("Coated v2.1");
   ClickNode("Save Gamut File");
   EXPECT_TRUE(told("Saved"));
-  home_.File("Coated", "mine now");
+  home_.File("Coated v2.1", "mine now");
   ClickNode("Save Gamut File");
-  EXPECT_TRUE(told("Coated 2"));
-  EXPECT_EQ(ReadFile(home_.At("Coated")), "mine now");
-  EXPECT_EQ(ReadFile(home_.At("Coated 2")), "of the wide one");
+  EXPECT_TRUE(told("Coated v2.1 2"));
+  EXPECT_EQ(ReadFile(home_.At("Coated v2.1")), "mine now");
+  EXPECT_EQ(ReadFile(home_.At("Coated v2.1 2")), "of the wide one");
   ClickNode("Bare");
   ClickNode("Save Gamut File");
   EXPECT_TRUE(told("no gamut file"));
@@ -158,6 +159,28 @@ TEST_F(ServerChangeTest, AServerThatRefusesIsToldAndTriedAgainByTheButton) {
   const XwWindow* retry = c_->banner.retry;
   Click({retry->x, retry->y, retry->width, retry->height});
   EXPECT_TRUE(Until([&] { return asked > before; }));
+}
+
+// What listens there and is no print server.
+TEST_F(ServerChangeTest, SomethingElseThatAnswersIsToldAndNoServerStartedBesideIt) {
+  std::atomic<bool> greets = false;
+  Listener peer("127.0.0.1", 0);
+  peer.Serve(1000, [&](int end) {
+    if (ReceiveText(end, 4).size() != 4 || !greets) return;
+    SendText(end, std::string(1, 1));
+    ReceiveText(end, 4);
+    SendText(end, "more than any list");
+  });
+  Open("127.0.0.1:" + std::to_string(peer.port));
+  const auto says = [](const std::string& what) {
+    return Node("Server Away").what.value.find(what) != std::string::npos;
+  };
+  EXPECT_TRUE(Until([&] { return says(" closed the connection. "); }));
+  EXPECT_FALSE(CanStartServer(c_));
+  greets = true;
+  RetryServer(c_);
+  EXPECT_TRUE(Until([&] { return says(" does not understand. "); }));
+  EXPECT_FALSE(CanStartServer(c_));
 }
 
 TEST_F(ServerChangeTest, AServerThatStopsAnsweringIsAwayAndTriedAgainByTheButton) {

@@ -155,8 +155,12 @@ TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   for (const char* c = "studio 12"; *c; ++c) Key(uint8_t(*c), uint8_t(*c));
   EXPECT_EQ(c_->printer_list.at, "Studio 12");
   EXPECT_EQ(c_->printers.chosen(), "Label");
+  const Area looked_at = c_->printer_list.list.RowArea(c_->printer_list.list.at());
+  EXPECT_NE(At(looked_at.x + 20, looked_at.y + 4), 0x3875D7u) << "framed alone";
   RunCommand(c_, kMakeMineCommand);
   EXPECT_EQ(c_->remembered.preferences.default_printer, "Studio 12");
+  RunCommand(c_, kPauseChosenCommand);
+  ASSERT_TRUE(Until([&] { return c_->printers.Find("Label")->printer->paused; }));
   Click(FileRow("letter.txt"));
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   daemon.Stop(SIGTERM);
@@ -333,7 +337,11 @@ TEST_F(PanesTest, DetailsScrollWhereTheyHaveTooLittleRoom) {
   Turn(3);
   EXPECT_EQ(picture(), whole);
   // Another document begins at its top; where all of it has room, Tab passes the pane.
-  Key(kEndKey);
+  ClickAt(a.right() - 7, a.bottom() - 5);
+  EXPECT_LT(picture(), whole) << "by the bar";
+  SetFocusStop(c_, FocusStop::kFiles);
+  ClickAt(a.x + 20, a.bottom() - 20);
+  EXPECT_EQ(c_->stop, FocusStop::kDetails);
   Click(FileRow("second.txt"));
   EXPECT_EQ(picture(), whole);
   Resize(1300, 1000);

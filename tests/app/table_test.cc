@@ -8,6 +8,7 @@
 #include <string>
 
 #include "app/format/texts.h"
+#include "app/panes/scrolled_area.h"
 #include "platform/display/headless/headless.h"
 #include "platform/windows/windows.h"
 
@@ -26,7 +27,10 @@ std::vector<Column> ThreeColumns() {
 struct Numbers {
   int n = 0;
   int count() const { return n; }
-  int IdAt(int row) const { return row; }
+  int IdAt(int row) const {
+    EXPECT_TRUE(row >= 0 && row < n) << row;
+    return row;
+  }
   int RowOf(int id) const { return id < n ? id : -1; }
   bool Has(int id) const { return id < n; }
 };
@@ -261,6 +265,29 @@ TEST(Dragging, SelectsRowsAndScrollsBeyondTheEdge) {
   EXPECT_EQ(Chosen(list), "1 ");
 }
 
+TEST(Carrying, GoesToAGapOrOutOfTheTable) {
+  NumberTable list({0, 0, 500, 22 + 10 * 22}, 100);
+  Table& t = list.table;
+  t.SetCarries(true, true);
+  t.SetFirstGap(2);
+  t.Select(0);
+  t.Press({kOwner, Table::kRow, 0}, 5);
+  EXPECT_TRUE(t.Drag(9, -5));
+  EXPECT_TRUE(t.Carries()) << "the first row can be taken up and away";
+  EXPECT_EQ(t.gap(), -1);
+  EXPECT_TRUE(t.Drag(9, t.RowArea(0).y + 3)) << "the line comes";
+  EXPECT_EQ(t.gap(), 2) << "what stands before that stays there";
+  t.Drag(9, t.Body().bottom() + 8);
+  EXPECT_TRUE(t.ScrollsByDrag());
+  t.Drag(9, t.Body().bottom() + 2 * Table::kHeaderHeight);
+  EXPECT_FALSE(t.ScrollsByDrag()) << "it goes somewhere else";
+  t.Release();
+  EXPECT_EQ(Chosen(list), "0 ");
+  t.Press({kOwner, Table::kBody, 0}, 5);
+  t.Drag(9, t.RowArea(98).y);
+  EXPECT_FALSE(t.Carries()) << "nothing was taken";
+}
+
 TEST(Keys, SelectRangesWithShiftAndWalkWithControl) {
   const SelectionKeys kShift{true, false}, kControl{false, true};
   NumberTable list({0, 0, 500, 22 + 10 * 22}, 100);
@@ -408,6 +435,23 @@ TEST_F(OnAWindow, EveryPixelOfARowHitsThatRow) {
       }
     }
   }
+}
+
+TEST_F(OnAWindow, AnAreaScrollsAsFarAsItsContentGoes) {
+  ScrolledArea area(22);
+  area.MakeControls(window_, 7, "Area");
+  area.Place({0, 0, 100, 100});
+  area.SetHeight(500);
+  EXPECT_LT(area.Body().w, 100);
+  area.Key(XWE_END);
+  EXPECT_EQ(area.top(), 400);
+  for (int i = 0; i < 10; ++i) area.Wheel(-0.5f);
+  EXPECT_EQ(area.top(), 395);
+  area.SetHeight(200);
+  EXPECT_EQ(area.top(), 100);
+  area.SetHeight(100);
+  EXPECT_EQ(area.top(), 0);
+  EXPECT_EQ(area.Body().w, 100);
 }
 
 TEST_F(OnAWindow, NothingIsDrawnOutsideAndTextIsCutAtALetter) {

@@ -24,6 +24,10 @@ TEST_F(ConsoleTest, AKeyThatComesBeforeTheMenusRunsTheirCommand) {
   ASSERT_TRUE(Until([&] { return c_->has_begun; }));
   EXPECT_EQ(c_->files.folder.order(), FileOrder::kSize);
   EXPECT_TRUE(c_->files.folder.descending());
+  for (const Command& command : Commands()) {
+    if (command.id < kSortByNameCommand || command.id > kSortByDateCommand) continue;
+    EXPECT_EQ(command.more.checked(c_), command.id == kSortBySizeCommand) << command.name;
+  }
   // Once; from now on by the menus.
   Key('2', '2');
   EXPECT_FALSE(c_->files.folder.descending());
@@ -71,7 +75,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   ChooseNextPriority(c_, 4);
   RunCommand(c_, kHoldNextCommand);
   // A number that is too large prints nothing, and is not cut to a smaller one.
-  for (const char* digits : {"99", "1000", "2x", "0"}) {
+  for (const char* digits : {"99", "99 ", "1000", "2x", "0"}) {
     XwSetTextUtf8(c_->tools.copies, digits);
     c_->tools.Edited(XWE_EDIT_CHANGED);
     EXPECT_EQ(CanRun(c_, kPrintCommand), digits[0] == '9') << digits;
@@ -83,7 +87,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   XwGetTextUtf8(c_->tools.copies, box, sizeof box);
   EXPECT_STREQ(box, "0");
   EXPECT_FALSE(CanRun(c_, kPrintCommand));
-  ChooseNextCopies(c_, 0);
+  ChooseNextCopies(c_, 2);
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   c_->choice.profile = "Fine";
   c_->tools.ChangeCopies(2);
@@ -97,12 +101,17 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   const PrintOrder& order = c_->state.transfers[0].order;
   EXPECT_EQ(order.profile, "Fine");
   EXPECT_EQ(order.priority, 100);
-  EXPECT_EQ(order.copies, 3);
+  EXPECT_EQ(order.copies, 5);
   EXPECT_TRUE(order.hold);
   EXPECT_EQ(order.colour, 0xC0392B);
   EXPECT_EQ(XwGetValue(c_->tools.copies), 1);
   EXPECT_EQ(c_->choice.priority, 50);
   EXPECT_FALSE(HoldsNext(c_));
+  ChooseNextCopies(c_, 14);  // "Other…"
+  Turn(4);
+  Key('7', '7');
+  Key(kReturnKey);
+  EXPECT_EQ(c_->choice.copies, 7);
 }
 
 // File, Close Window is for the window that has the keyboard, and Help opens from an edit box, too.
@@ -135,6 +144,10 @@ TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
     Turn(2);
     EXPECT_EQ(c_->stop, FocusStop::kQueue);
   }
+  display::Modifiers(platform::shiftKey);
+  Key(kF6Key);
+  display::Modifiers(0);
+  EXPECT_EQ(c_->stop, FocusStop::kFiles) << "back";
   ShowPreferences(c_);
   Turn(2);
   close();
@@ -160,6 +173,34 @@ TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
   Turn(2);
   Key(kEscapeKey);
   EXPECT_EQ(c_->files.FilterText(), "");
+}
+
+TEST_F(ConsoleTest, WhatPrintersNeedAndAChosenOneThatIsGoneStandSideBySide) {
+  Open("127.0.0.9:1");
+  ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
+  std::vector<NC_Printer> all(2, NC_Printer{});
+  for (size_t i = 0; i < all.size(); ++i) {
+    all[i].name[0] = char('A' + i);
+    all[i].state = NC_PRINTER_PAPER_OUT;
+  }
+  c_->state.printers = std::make_shared<std::vector<NC_Printer>>(all);
+  c_->state.link = Link::kReady;
+  c_->banner.shown = false;
+  c_->printers.Choose("Gone");
+  PrintersCame(c_);
+  EXPECT_EQ(
+      c_->needs.Text(),
+      "The printer “Gone” is gone: choose another one. “A” is out of paper, and so is 1 other "
+      "printer");
+  char text[100];
+  XwGetTextUtf8(c_->needs.load, text, sizeof text);
+  EXPECT_STREQ(text, "Paper Loaded in “A”");
+  EXPECT_TRUE(c_->needs.choose->flags & XW_SHOWN);
+  // A message that passes is drawn away.
+  c_->status.Tell(Tone::kGood, "done");
+  int changes = 0;
+  for (int s = 0; s < 9; ++s) changes += c_->status.Tick();
+  EXPECT_EQ(changes, 1);
 }
 
 TEST_F(ConsoleTest, ALongNameIsCutOnceForTheWidthOfItsBox) {

@@ -35,6 +35,8 @@ TEST_F(Cli, TheQueueInThreeForms) {
           "7       printing  3/8   60        2       100                        1970-01-0", 0),
       0U)
       << outcome.out;
+  const size_t second_line = outcome.out.find('\n', line) + 1;
+  EXPECT_EQ(outcome.out.compare(second_line + outcome.out.find("SINCE"), 9, "1970-01-0"), 0);
   EXPECT_TRUE(Has(outcome.out,
                   "  \\u{001B}[1m\\u{009B}\\u{202E}\\\"\\u{0009}zä€😀\\xC3\\xE0\\x80\\x80  "
                   "its document is lost, the disk is full: gone  " +

@@ -257,6 +257,10 @@ TEST(Keys, ModifiersChangeOnlyWithTheirOwnEvent) {
     input::KeyDown('a');
     RunLoop();
     EXPECT_EQ(Inp.state, row.state | 1u);
+    Inp.state ^= XWS_CAPS;
+    MoveTo(150, 151 + int(&row - rows));
+    RunLoop();
+    EXPECT_EQ(Inp.state, row.state | 1u) << "the pointer";
   }
 }
 

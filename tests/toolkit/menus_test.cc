@@ -8,10 +8,12 @@
 #include "platform/access/access.h"
 #include "platform/controls/control.h"
 #include "platform/events/event.h"
+#include "platform/input/translate.h"
+#include "platform/loop/dispatch.h"
 #include "platform/loop/tracking.h"
 #include "platform/menus/menu.h"
 #include "platform/windows/internal.h"
-#include "tests/toolkit/stage.h"
+#include "tests/toolkit/control_stage.h"
 #include "toolkit/core/state.h"
 #include "toolkit/events/session.h"
 #include "toolkit/windows/menus.h"
@@ -215,6 +217,15 @@ TEST(Menus, ByTheKeyboardAlone) {
                                         {[] { input::Scroll(0, 3); }},
                                         {[] { input::Modifiers(optionKey | shiftKey); }}})
     User({[&] { alt(between); }, [] { EXPECT_FALSE(Shown("Quit")); }});
+  // That of Alt+Tab was held before the window got the keyboard.
+  RawEvent raw;
+  raw.type = RawEvent::kModifiers, raw.modifiers = optionKey, raw.held = 1;
+  raw.window = static_cast<WindowRef>(W_Start->platform);
+  User({[&] { TranslateRawEvent(raw), input::Modifiers(0); }, [] { EXPECT_FALSE(Shown("Quit")); }});
+  // What is held while a menu is open is held after it.
+  User({[&] { alt(nullptr); }, [] { input::Modifiers(shiftKey); }, Key(kEscape, 27)});
+  EXPECT_EQ(HeldModifiers(), uint32_t{shiftKey});
+  input::Modifiers(0);
 }
 
 TEST(Menus, KeysOfItems) {
@@ -538,31 +549,20 @@ TEST(Menus, TooMany) {
 // The tree's own way to choose: what a click could.
 TEST(Menus, ThroughTheTree) {
   Menus m;
-  const auto serial = [](const char* name) {
-    uint64_t found = 0;
-    std::function<void(const std::vector<DescribedNode>&)> look = [&](const auto& nodes) {
-      for (const DescribedNode& n : nodes) {
-        if (n.what.name == name) found = n.serial;
-        look(n.children);
-      }
-    };
-    look(DescribeTree());
-    return found;
-  };
   for (const char* name : {"Two", "Quit", "Sort", "Again", "File"}) {
     const bool leaf = *name == 'T' || *name == 'Q';
     EXPECT_EQ(Item(name).actions, leaf ? kActionPress : 0u) << name;
-    EXPECT_EQ(ActOn(serial(name), kActionPress), leaf) << name;
+    EXPECT_EQ(ActOn(Node(name).serial, kActionPress), leaf) << name;
   }
-  const uint64_t print = serial("Print");
+  const uint64_t print = Node("Print").serial;
   XwEnableMenuItem(m.file, reinterpret_cast<XwValue>(m.sort), 0);
-  EXPECT_FALSE(ActOn(serial("Two"), kActionPress)) << "nobody gets there";
+  EXPECT_FALSE(ActOn(Node("Two").serial, kActionPress)) << "nobody gets there";
   RunLoop();
   EXPECT_EQ(Came(), "794:302 796");
   User({Move("Edit"), [] { Down(), Up(); },
         [&] {
           EXPECT_FALSE(ActOn(print, kActionPress)) << "another menu is open";
-          EXPECT_TRUE(ActOn(serial("Copy"), kActionPress));
+          EXPECT_TRUE(ActOn(Node("Copy").serial, kActionPress));
         },
         [] { EXPECT_FALSE(MenusAreOpen()); }});
   EXPECT_EQ(Came(), "793 794:402");

@@ -126,7 +126,10 @@ TEST_F(Drops, WhatIsNoListIsRefused) {
          s.Give({kList, 32, "file:///tmp/a\r\n "});
        }},
       {"no property", [](DropSource& s) { s.Give(Peer::Value{}); }},
-      {"an address elsewhere", [](DropSource& s) { s.Give("http://elsewhere.example/a\r\n"); }},
+      {"an address elsewhere",
+       [](DropSource& s) {
+         s.Give("#http://comment/\r\nhttp://elsewhere.example/a\r\nhttp://\xFF/\r\n");
+       }},
       {"bytes", [](DropSource& s) { s.Give(std::string("file:///\0\xFF\r\n", 12)); }},
       {"no pieces",
        [](DropSource& s) {
