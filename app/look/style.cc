@@ -46,6 +46,10 @@ int32_t Mix(int32_t a, int32_t b, int percent) {
   return result;
 }
 
+int32_t Dimmed(int32_t ink, int32_t background) {
+  return Mix(ink, background, background == TheStyle().inactive_selection ? 70 : 40);
+}
+
 void DrawLabel(XwFont* font, Align align, const Area& a, const char* text, int32_t ink) {
   if (a.Empty()) return;
   int width = XwTextWidthUtf8(font, text);

@@ -28,10 +28,8 @@ inline int32_t FromRgb(int32_t rgb) {
 }
 // `percent` of `a` over `b`.
 int32_t Mix(int32_t a, int32_t b, int percent);
-// The ink of what is disabled, on that background.
-inline int32_t Dimmed(int32_t ink, int32_t background) {
-  return Mix(ink, background, 40);
-}
+// The ink of what is disabled, on that background: paler, but on the darker one of a selection.
+int32_t Dimmed(int32_t ink, int32_t background);
 
 enum class Align : uint8_t { kLeft, kCenter, kRight };
 // One line in the middle of the area's height, cut at the border of a letter where it is too wide.

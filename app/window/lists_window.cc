@@ -119,10 +119,10 @@ void DrawRow(const ListsWindow* w, int index, const Area& a) {
   int32_t ground = index % 2 ? l.row : l.document;
   if (selected) ground = muted ? l.inactive_selection : l.accent;
   int32_t ink = l.ink, second = l.second;
-  if (selected)
-    ink = second = muted ? Mix(l.ink, ground, 70) : l.on_accent;
-  else if (muted)
+  if (muted)
     ink = Dimmed(ink, ground), second = Dimmed(second, ground);
+  else if (selected)
+    ink = second = l.on_accent;
   Fill(a, ground);
   const Cells cells = CellsOf(w, a);
   const auto texts = TextsOf(w->rows[size_t(index)]);
