@@ -22,8 +22,8 @@ namespace {
 constexpr int kCaption = 38, kPrinterCaption = 32, kPadding = 16, kBelow = 10;
 // Of a picture: what it has at least, where the rest scrolls. Below it is a line that says why
 // there is none, and six facts.
-constexpr int kLeastPicture = 100, kUsualPicture = 220, kTroubleLine = 22, kTroubleGap = 6,
-              kFacts = 6 * kFactLine;
+constexpr int kLeastPicture = 100, kUsualPicture = 220, kAround = 4, kTroubleLine = 22,
+              kTroubleGap = 6, kFacts = 6 * kFactLine;
 
 // The chosen one, as the list of the printers tells it.
 std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
@@ -129,13 +129,14 @@ Parts LayOutParts(const DetailsPane* p) {
   const int facts = FactsHeight(p, a.w);
   const int picture = PictureHeight(p, a.w, view.h - printer, facts);
   Parts parts;
-  // A job without one says so, a little above its facts.
-  const int trouble = picture > 0 ? kTroubleLine : IsOneJob(p) ? kTroubleLine + kTroubleGap : 0;
+  // Pages, and that a job has no picture, stand a little above the facts.
+  const int gap = picture == 0 || p->HasPages() ? kTroubleGap : 0;
+  const int trouble = picture > 0 || IsOneJob(p) ? kTroubleLine + gap : 0;
   parts.height = picture + trouble + facts + kBelow + printer;
   a.h = std::max(parts.height, view.h);
   a.y -= p->scroll.top();
   parts.printer = a.TakeBottom(printer);
-  parts.picture = a.TakeTop(picture);
+  parts.picture = a.TakeTop(picture).Inset(0, kAround);
   parts.trouble = a.TakeTop(trouble);
   parts.facts = a.TakeTop(facts);
   return parts;
