@@ -133,6 +133,70 @@ TEST_F(EndToEnd, RealFilesAreFoundLookedAtAndPrinted) {
   EXPECT_EQ(GoodOutputs("fast"), 10u);
 }
 
+TEST_F(EndToEnd, JobsAreHeldMovedAndRemoved) {
+  for (const char* name : {"a", "b", "c", "d", "e"}) home_.File(name, std::string(200000, 'x'));
+  StartServer();
+  for (const char* name : {"a", "b", "c", "d", "e"}) PrintElsewhere(name);
+  Operator mia(&*user_, home_, daemon_);
+  ASSERT_TRUE(mia.Do(R"(
+    click job b
+    control-click job c
+    click button Hold Job
+    see job b = held
+    see job c = held
+    see label Selected = 2 jobs
+    agree
+    click job c
+    keys r
+    see job c = waiting
+    click job e
+    drag job e onto job c
+    see status Message = Moved in the queue: “e”
+    agree)"));
+  EXPECT_EQ(Order(), "a b e c d ");
+  ASSERT_TRUE(mia.Do(R"(
+    click job d
+    keys u
+    see status Message = Moved in the queue: “d”
+    agree)"));
+  EXPECT_EQ(Order(), "a b e d c ");
+  ASSERT_TRUE(mia.Do(R"(
+    click job c
+    keys p Home Return
+    see label Priority = 100
+    agree
+    keys m f Return
+    see job c = printed
+    see label Printer = Fast
+    keys a
+    see status Message has Will be printed again
+    see job c = printed
+    agree)"));
+  EXPECT_EQ(testing_daemon::FilesIn(daemon_.Path("printed/fast")).size(), 2u);
+  // Somebody else's, and two of them: the first answer keeps them, by key and by pointer.
+  ASSERT_TRUE(mia.Do(R"(
+    click job a
+    shift-click job e
+    keys Delete
+    see button Keep
+    keys Escape
+    gone button Keep
+    click button Remove
+    click button Keep
+    gone button Keep
+    agree)"));
+  EXPECT_EQ(Order(), "a b e d c ");
+  ASSERT_TRUE(mia.Do(R"(
+    keys Delete
+    see button Keep
+    keys Tab Return
+    gone job a
+    gone job b
+    gone job e
+    agree)"));
+  EXPECT_EQ(Order(), "d c ");
+}
+
 // The list of docs/morning.md.
 TEST_F(EndToEnd, AMorningIsWorkedByKeysAlone) {
   home_.Folder("Jobs");
@@ -429,6 +493,55 @@ TEST_F(EndToEnd, DocumentsAreOpenedDroppedAndSentBeforeTheEnd) {
   daemon_.Signal(SIGCONT);
   EXPECT_TRUE(mia.HasQuit());
   EXPECT_NE(Order().find("big.bin"), std::string::npos);
+}
+
+TEST_F(EndToEnd, WhatOneConsoleDoesTheOtherOneShows) {
+  for (const char* name : {"a", "b", "c"}) home_.File(name, std::string(200000, 'x'));
+  StartServer();
+  for (const char* name : {"a", "b", "c"}) PrintElsewhere(name);
+  const Scratch other;
+  other.Folder(".config/quorvik");
+  // It asks so seldom that it does not hear of what the first one does by itself.
+  other.File(".config/quorvik/console.conf", "refresh-seconds=3600\n");
+  Operator mia(&*user_, home_, daemon_);
+  {
+    Operator leo(&*user_, other, daemon_);
+    ASSERT_TRUE(leo.Do("click job b\nkeys h\nsee job b = held"));
+    ASSERT_TRUE(mia.ComeToFront());
+    ASSERT_TRUE(mia.Do(R"(
+      see job b = held
+      click job b
+      keys Delete
+      see button Keep
+      keys Tab Return
+      gone job b
+      agree)"));
+    // The second one to remove it, or to move it, is told; the queue it sees then is the present
+    // one.
+    ASSERT_TRUE(leo.ComeToFront());
+    ASSERT_TRUE(leo.Do(R"(
+      click job b
+      keys Delete
+      see button Keep
+      keys Tab Return
+      see status Message = “b” had been removed already, by somebody else
+      gone job b
+      click button Dismiss Message
+      agree)"));
+    ASSERT_TRUE(mia.ComeToFront());
+    ASSERT_TRUE(mia.Do(R"(
+      click job c
+      keys m f Return
+      see job c = printed
+      agree)"));
+    ASSERT_TRUE(leo.ComeToFront());
+    ASSERT_TRUE(leo.Do(R"(
+      click job c
+      keys m t Return
+      see status Message = “c” was not moved: its state has changed since
+      agree)"));
+  }
+  EXPECT_EQ(Order(), "a c ");
 }
 
 }  // namespace

@@ -240,7 +240,7 @@ TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
   EXPECT_EQ(c_->files.folder.At(0).name, before);
 }
 
-TEST_F(ConsoleTest, EverySizeIsLaidOutAnew) {
+TEST_F(ConsoleTest, EverySizeIsLaidOutAnewAndHeadersSort) {
   Open("127.0.0.0");  // no host: nothing answers there
   const platform::WindowRef native = static_cast<platform::WindowRef>(c_->window->platform);
   for (const auto& [w, h] :
@@ -265,6 +265,25 @@ TEST_F(ConsoleTest, EverySizeIsLaidOutAnew) {
     EXPECT_EQ(c_->files.table.area(), l.folder);
     EXPECT_EQ(At(w - 1, h - 1), 0xF0EDE9u);
   }
+  Enter(home_.At(kFolder));
+  auto first = [&] { return std::string(c_->files.folder.At(0).name); };
+  auto header = [&](int column) {
+    const Area a = c_->files.table.ColumnArea(column);
+    Click({a.x, a.y, a.w, Table::kHeaderHeight});
+  };
+  EXPECT_EQ(first(), "second.txt");
+  Click(FileRow("second.txt"));
+  header(0);
+  EXPECT_EQ(first(), kLongName);
+  EXPECT_EQ(Selected(), "second.txt");
+  header(1);
+  EXPECT_EQ(first(), kLongName);
+  header(1);
+  EXPECT_EQ(first(), "second.txt");
+  // A file that comes while the folder is shown appears by itself.
+  home_.File(std::string(kFolder) + "/third.txt", "x");
+  ASSERT_TRUE(Until([&] { return c_->files.folder.count() == 3; }));
+  EXPECT_EQ(Selected(), "second.txt");
 }
 
 TEST_F(ConsoleTest, BarsAndTheSliderFollowThePointerUntilAQuestionCoversThem) {

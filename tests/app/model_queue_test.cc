@@ -60,10 +60,6 @@ TEST(QueueRows, AreSortedAndFiltered) {
             {Sending(7, "d", OutgoingState::kWaiting)});
   EXPECT_EQ(Names(rows), "d b10 xa b2 é c");
   EXPECT_EQ(rows.Summary(), "1 waiting, 1 printing, 1 held, 1 failed, 1 to be sent");
-  std::string several;
-  for (const Fact& fact : FactsOfSeveral(rows, {Id(1), Id(2), {7, {}}}))
-    several += fact.value + "; ";
-  EXPECT_EQ(several, "3 jobs; 1 waiting, 1 printing, 1 on the way; 197 bytes; ");
   const struct {
     QueueOrder order;
     bool descending;

@@ -145,6 +145,11 @@ bool Operator::HasQuit() {
   return ended && status == 0;
 }
 
+bool Operator::ComeToFront() {
+  user_->Ask(window_, "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  return Do("see window Quorvik is active");
+}
+
 Operator::Address Operator::ParseAddress(std::string text) {
   Address address;
   std::string n;
@@ -196,6 +201,17 @@ bool Operator::Click(const std::string& node, int button, uint32_t modifier) {
   user_->Click(button);
   if (modifier) user_->Key(modifier, false);
   return true;
+}
+
+bool Operator::Drag(const std::string& from, const std::string& to) {
+  if (!MoveTo(from, 2)) return false;
+  user_->Button(1, true);
+  user_->PassMarker();
+  if (!MoveTo(to, 2)) return false;
+  const bool there = MoveTo(to, 1);
+  user_->PassMarker();
+  user_->Button(1, false);
+  return there;
 }
 
 bool Operator::Keys(const std::string& keys) {
@@ -277,7 +293,9 @@ bool Operator::DoOne(const std::string& verb, const std::string& what) {
   ShownNode node;
   if (verb == "click") return Click(what, 1, 0);
   if (verb == "menu") return Click(what, 3, 0);
+  if (verb == "control-click") return Click(what, 1, kControlKey);
   if (verb == "shift-click") return Click(what, 1, kShiftKey);
+  if (verb == "drag") return SplitAt(" onto ", &from, &to) && Drag(from, to);
   if (verb == "keys") return Keys(what);
   if (verb == "type") return user_->Write(what), true;
   if (verb == "see") return See(what);

@@ -33,7 +33,8 @@ class Operator {
   // Does steps, a line each. The first that cannot be done in 30 seconds ends them: it is told,
   // with what the window shows then, and false is returned. NODE is ROLE NAME, perhaps with #N;
   // beside the roles of the tree there are "file" and "job", the rows of the two tables.
-  //   click NODE, menu NODE, shift-click NODE
+  //   click NODE, menu NODE, control-click NODE, shift-click NODE
+  //   drag NODE onto NODE         to a little above its middle
   //   keys KEY...                 as Control+Shift+f, Return, Down
   //   type TEXT
   //   see NODE, see NODE = VALUE, see NODE has TEXT, see NODE is STATE, gone NODE
@@ -42,6 +43,8 @@ class Operator {
   bool Do(const std::string& steps);
   // Waits for the program's end; whether it was in order.
   bool HasQuit();
+  // Brings the window to the front and waits until it is active.
+  bool ComeToFront();
 
   xcb_window_t window() const { return window_; }
   std::string Picture(const std::string& file);
@@ -57,6 +60,7 @@ class Operator {
   bool Find(const Address& address, ShownNode* found);
   bool MoveTo(const std::string& node, int quarters_down);
   bool Click(const std::string& node, int button, uint32_t modifier);
+  bool Drag(const std::string& from, const std::string& to);
   bool Keys(const std::string& keys);
   bool See(const std::string& what);
   bool Agree();
