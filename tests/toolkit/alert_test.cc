@@ -69,6 +69,11 @@ TEST(Alert, ItIsAnsweredByThePointerAndByTheKeyboard) {
               {{Press(kTab), Press(kTab), Press(kEnter)}, 3},
               {{Press(kLeft), Press(kRight), Press(kEnter)}, 2},
               {{Press(kRight), Press(kRight), Press(kRight), Press(kLeft), Press(' ')}, 2},
+              // The window behind gives the keyboard back.
+              {{[] { input::Focus(Native(W_Start)); }, Press(kTab), Press(' ')}, 2},
+              {{[] { platform::SelectWindow(Native(W_Start)); },
+                [] { EXPECT_TRUE(platform::IsWindowActive(Native(alert))); }, Press(' ')},
+               1},
               // A press of the background does nothing.
               {{[] { input::Click(alert->x + 5, alert->y + 90); }, ClickOn(1)}, 1}};
   for (const auto& row : rows) {
