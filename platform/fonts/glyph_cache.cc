@@ -172,12 +172,12 @@ const T* FindSlot(std::span<const T> list, uint32_t slot) {
 
 }  // namespace
 
-const StoredFace* FindStoredFace(const std::string& file, int index) {
+const StoredFace* FindStoredFace(const std::string& file, int index, const FileIdentity& identity) {
   auto& cache = Fonts().glyph_cache;
   if (!cache) cache = std::make_unique<GlyphCache>(Remembers() ? Read() : GlyphCache());
   for (const StoredFace& face : cache->faces)
     if (face.index == index && face.file == file)
-      return IdentityOf(file) == face.identity ? &face : nullptr;
+      return identity == face.identity ? &face : nullptr;
   return nullptr;
 }
 
@@ -240,11 +240,7 @@ void AddMasks(const GlyphSet& set, FaceToSave* out) {
 
 bool ToSave(const FontFace& f, FaceToSave* out) {
   if (!f.toolkit) return false;
-  const bool opened = f.handle.face();
-  if (f.stored && opened && f.handle.identity() != f.stored->identity) return false;
-  if (!f.stored && !opened) return false;
-  *out = {f.file, f.index, f.units.per_em, f.stored ? f.stored->identity : f.handle.identity(),
-          {},     {}};
+  *out = {f.file, f.index, f.units.per_em, f.handle.identity(), {}, {}};
   AddCharacters(f, f.toolkit.get(), 0, out);
   for (size_t number = 0; number < f.pages.size(); ++number)
     AddCharacters(f, f.pages[number].get(), uint32_t(number << 8) + 256, out);
