@@ -27,7 +27,8 @@ class FontHandle {
   FontHandle& operator=(FontHandle&&) noexcept;
   ~FontHandle();
 
-  // False when it is no outline font that can be read. `index` counts the fonts of a collection.
+  // Once a handle. False when it is no outline font that can be read. `index` counts the fonts of a
+  // collection.
   bool Open(const std::string& file, int index) { return OpenFile(file) && OpenFont(index); }
   // The two halves of it. From the first on the font can be read, whatever becomes of the file's
   // name. False when there is no regular file that can be read; true when one is open already.

@@ -238,8 +238,9 @@ void AddMasks(const GlyphSet& set, FaceToSave* out) {
     }
 }
 
+// Not what was made with a file that is another one by now.
 bool ToSave(const FontFace& f, FaceToSave* out) {
-  if (!f.toolkit) return false;
+  if (!f.toolkit || IdentityOf(f.file) != f.handle.identity()) return false;
   *out = {f.file, f.index, f.units.per_em, f.handle.identity(), {}, {}};
   AddCharacters(f, f.toolkit.get(), 0, out);
   for (size_t number = 0; number < f.pages.size(); ++number)
