@@ -350,7 +350,7 @@ void KeepGlyphs() {
   if (process == getpid()) return;
   process = getpid();
   atexit([] {
-    if (getpid() == process && gettid() == process) SaveGlyphCache();
+    if (getpid() == process && gettid() == process) SaveFonts();
   });
 }
 
