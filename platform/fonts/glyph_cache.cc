@@ -61,6 +61,13 @@ uint64_t Making() {
   return sum;
 }
 
+// FreeType is another one than this was compiled with only where it is a shared library.
+bool MadeByThisVersion() {
+  int major, minor, patch;
+  FT_Library_Version(FontLibrary(), &major, &minor, &patch);
+  return major == FREETYPE_MAJOR && minor == FREETYPE_MINOR && patch == FREETYPE_PATCH;
+}
+
 constexpr size_t Padded(size_t bytes) {
   return (bytes + 7) & ~size_t{7};
 }
@@ -123,6 +130,22 @@ bool ReadFace(Reader* in, StoredFace* face) {
   return true;
 }
 
+GlyphCache Read() {
+  return ParseGlyphCache(ReadCacheFile(kFile, kMaxFile));
+}
+
+bool Remembers() {
+  const char* folder = getenv("XW_FONTS");
+  return !folder || !*folder;
+}
+
+template <class T>
+const T* FindSlot(std::span<const T> list, uint32_t slot) {
+  const auto at = std::lower_bound(list.begin(), list.end(), slot,
+                                   [](const T& a, uint32_t s) { return a.slot < s; });
+  return at != list.end() && at->slot == slot ? &*at : nullptr;
+}
+
 }  // namespace
 
 GlyphCache ParseGlyphCache(std::string_view file) {
@@ -151,26 +174,6 @@ std::string SealGlyphCache(std::string_view contents) {
   std::memcpy(file.data(), &header, sizeof header);
   return file.append(contents.substr(0, words.size() * 8));
 }
-
-namespace {
-
-GlyphCache Read() {
-  return ParseGlyphCache(ReadCacheFile(kFile, kMaxFile));
-}
-
-bool Remembers() {
-  const char* folder = getenv("XW_FONTS");
-  return !folder || !*folder;
-}
-
-template <class T>
-const T* FindSlot(std::span<const T> list, uint32_t slot) {
-  const auto at = std::lower_bound(list.begin(), list.end(), slot,
-                                   [](const T& a, uint32_t s) { return a.slot < s; });
-  return at != list.end() && at->slot == slot ? &*at : nullptr;
-}
-
-}  // namespace
 
 const StoredFace* FindStoredFace(const std::string& file, int index, const FileIdentity& identity) {
   auto& cache = Fonts().glyph_cache;
@@ -318,13 +321,6 @@ std::string BytesOf(const FaceToSave& face, size_t room) {
 }
 
 }  // namespace
-
-// FreeType is another one than this was compiled with only where it is a shared library.
-static bool MadeByThisVersion() {
-  int major, minor, patch;
-  FT_Library_Version(FontLibrary(), &major, &minor, &patch);
-  return major == FREETYPE_MAJOR && minor == FREETYPE_MINOR && patch == FREETYPE_PATCH;
-}
 
 void SaveGlyphCache() {
   if (!std::exchange(Fonts().keep_glyphs, false)) return;
