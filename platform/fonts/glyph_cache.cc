@@ -26,6 +26,8 @@ struct Header {
   uint64_t making;    // how masks are made
   uint64_t checksum;  // of all that follows
 };
+// Counted up when the format changes, or the way in which MakeGlyph makes masks (its load flags,
+// its hinting): nothing else tells the masks of an earlier version of this code from its own.
 constexpr char kTitle[9] = "xwglyph1";
 
 struct FaceRecord {
