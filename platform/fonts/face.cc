@@ -11,9 +11,12 @@
 namespace platform {
 namespace {
 
+// A file that cannot be opened is tried again: there may be one, or a free descriptor, later.
 bool LoadHandle(FontFace* f) {
-  if (!std::exchange(f->tried, true) && f->handle.Open(f->file, f->index) && !f->stored)
-    f->units.per_em = f->handle.face()->units_per_EM;
+  if (f->tried) return f->handle.face();
+  if (!f->handle.OpenFile(f->file)) return false;
+  f->tried = true;
+  if (f->handle.OpenFont(f->index)) f->units.per_em = f->handle.face()->units_per_EM;
   return f->handle.face();
 }
 
@@ -136,7 +139,9 @@ void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
 bool OpenFace(const FontFace* face) {
   FontFace* f = const_cast<FontFace*>(face);
   if (f->toolkit) return true;
-  f->stored = FindStoredFace(f->file, f->index);
+  // The file stays open, so that what is not stored can be read also after an update of the font.
+  if ((f->tried && !f->handle.face()) || !f->handle.OpenFile(f->file)) return false;
+  f->stored = FindStoredFace(f->file, f->index, f->handle.identity());
   if (f->stored)
     f->units.per_em = f->stored->per_em;
   else if (!LoadHandle(f))

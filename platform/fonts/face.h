@@ -12,7 +12,7 @@ namespace platform {
 
 // In place of a glyph's number: nothing is drawn; a box with the character's number.
 constexpr uint32_t kNoGlyph = 0xFFFFFFFFu, kBoxGlyph = 0xFFFFFFFEu;
-// The font has it, but the file has not been opened to ask for its number.
+// The font has it, but has not been opened to ask for its number.
 constexpr uint32_t kUnreadGlyph = 0xFFFFFFFDu;
 
 // Metrics in the font's own units.
@@ -37,9 +37,9 @@ struct FontFace {
   FontUnits units;
   // --- Filled by OpenFace.
   const StoredFace* stored = nullptr;  // what earlier programs knew of the file; null: nothing
-  FontHandle handle;                   // opened for the first thing that is not stored
-  bool tried = false;
-  int ft_size = 0;  // 26.6 size that the handle is set to
+  FontHandle handle;                   // its font is opened for the first thing that is not stored
+  bool tried = false;                  // to open the font
+  int ft_size = 0;                     // 26.6 size that the handle is set to
   // The 256 characters of the toolkit's set; the upper half is looked up on first use, since other
   // fonts may have to be opened for it.
   std::unique_ptr<CharacterPage> toolkit;
@@ -48,8 +48,8 @@ struct FontFace {
   std::vector<std::unique_ptr<CharacterPage>> pages;
 };
 
-// Reads the lower half of the toolkit's page; false when it cannot be read. Once
-// a face.
+// Opens the file and fills the lower half of the toolkit's page, once. From stored characters where
+// there are some: the font in the file is not opened then. False when the file cannot be read.
 bool OpenFace(const FontFace* face);
 // Reads the upper half of an open face's toolkit page, once.
 void ReadUpperHalf(const FontFace* face);
@@ -64,8 +64,8 @@ inline uint32_t SlotOf(char32_t c) {
 }
 // The character of a slot as it is looked for in fonts.
 char32_t CharacterOf(uint32_t slot);
-// The number of its glyph in the font that has it, or one of those above. That font's file is open
-// then, unless there is nothing to draw.
+// The number of its glyph in the font that has it, or one of those above. That font is open then,
+// unless there is nothing to draw.
 uint32_t GlyphNumberOf(const FontFace* face, uint32_t slot);
 // The page of a slot, with that slot's character looked up.
 const CharacterPage& PageOfSlot(const FontFace* face, uint32_t slot);

@@ -130,20 +130,23 @@ FontHandle::~FontHandle() {
   if (face_) FT_Done_Face(face_);
 }
 
-bool FontHandle::Open(const std::string& file, int index) {
-  *this = FontHandle();
-  FT_Library library = FontLibrary();
+bool FontHandle::OpenFile(const std::string& file) {
+  if (stream_) return true;
   auto stream = std::make_unique<FontStream>();
-  if (!library || !stream->Open(file)) return false;
-  FT_Open_Args arguments{};
-  arguments.flags = FT_OPEN_STREAM;
-  arguments.stream = stream->record();
-  FT_Face face = nullptr;
-  if (FT_Open_Face(library, &arguments, index, &face)) return false;
+  if (!stream->Open(file)) return false;
   identity_ = stream->identity();
   stream_ = std::move(stream);
-  face_ = face;
-  if (FT_IS_SCALABLE(face) && face->units_per_EM) return true;
+  return true;
+}
+
+bool FontHandle::OpenFont(int index) {
+  FT_Library library = FontLibrary();
+  if (!library || !stream_) return false;
+  FT_Open_Args arguments{};
+  arguments.flags = FT_OPEN_STREAM;
+  arguments.stream = stream_->record();
+  if (FT_Open_Face(library, &arguments, index, &face_)) face_ = nullptr;
+  if (face_ && FT_IS_SCALABLE(face_) && face_->units_per_EM) return true;
   *this = FontHandle();
   return false;
 }

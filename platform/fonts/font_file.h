@@ -27,11 +27,17 @@ class FontHandle {
   FontHandle& operator=(FontHandle&&) noexcept;
   ~FontHandle();
 
-  // False when it is no outline font that can be read. `index` counts the fonts of a collection.
-  bool Open(const std::string& file, int index);
-  // Null before Open and after one that failed.
+  // Once a handle. False when it is no outline font that can be read. `index` counts the fonts of a
+  // collection.
+  bool Open(const std::string& file, int index) { return OpenFile(file) && OpenFont(index); }
+  // The two halves of it. From the first on the font can be read, whatever becomes of the file's
+  // name. False when there is no regular file that can be read; true when one is open already.
+  bool OpenFile(const std::string& file);
+  // False before OpenFile, too. The file is closed when it has no such font.
+  bool OpenFont(int index);
+  // Null before OpenFont and after one that failed.
   FT_Face face() const { return face_; }
-  // Of the file when it was opened.
+  // Of the file when it was opened; all 0 before.
   const FileIdentity& identity() const { return identity_; }
 
  private:

@@ -26,6 +26,8 @@ struct Header {
   uint64_t making;    // how masks are made
   uint64_t checksum;  // of all that follows
 };
+// Counted up when the format changes, or the way in which MakeGlyph makes masks (its load flags,
+// its hinting): nothing else tells the masks of an earlier version of this code from its own.
 constexpr char kTitle[9] = "xwglyph1";
 
 struct FaceRecord {
@@ -59,6 +61,13 @@ uint64_t Making() {
   const char* properties = getenv("FREETYPE_PROPERTIES");
   for (const char* c = properties; c && *c; ++c) sum = Mix(sum, uint8_t(*c));
   return sum;
+}
+
+// FreeType is another one than this was compiled with only where it is a shared library.
+bool MadeByThisVersion() {
+  int major, minor, patch;
+  FT_Library_Version(FontLibrary(), &major, &minor, &patch);
+  return major == FREETYPE_MAJOR && minor == FREETYPE_MINOR && patch == FREETYPE_PATCH;
 }
 
 constexpr size_t Padded(size_t bytes) {
@@ -123,6 +132,22 @@ bool ReadFace(Reader* in, StoredFace* face) {
   return true;
 }
 
+GlyphCache Read() {
+  return ParseGlyphCache(ReadCacheFile(kFile, kMaxFile));
+}
+
+bool Remembers() {
+  const char* folder = getenv("XW_FONTS");
+  return !folder || !*folder;
+}
+
+template <class T>
+const T* FindSlot(std::span<const T> list, uint32_t slot) {
+  const auto at = std::lower_bound(list.begin(), list.end(), slot,
+                                   [](const T& a, uint32_t s) { return a.slot < s; });
+  return at != list.end() && at->slot == slot ? &*at : nullptr;
+}
+
 }  // namespace
 
 GlyphCache ParseGlyphCache(std::string_view file) {
@@ -152,32 +177,12 @@ std::string SealGlyphCache(std::string_view contents) {
   return file.append(contents.substr(0, words.size() * 8));
 }
 
-namespace {
-
-GlyphCache Read() {
-  return ParseGlyphCache(ReadCacheFile(kFile, kMaxFile));
-}
-
-bool Remembers() {
-  const char* folder = getenv("XW_FONTS");
-  return !folder || !*folder;
-}
-
-template <class T>
-const T* FindSlot(std::span<const T> list, uint32_t slot) {
-  const auto at = std::lower_bound(list.begin(), list.end(), slot,
-                                   [](const T& a, uint32_t s) { return a.slot < s; });
-  return at != list.end() && at->slot == slot ? &*at : nullptr;
-}
-
-}  // namespace
-
-const StoredFace* FindStoredFace(const std::string& file, int index) {
+const StoredFace* FindStoredFace(const std::string& file, int index, const FileIdentity& identity) {
   auto& cache = Fonts().glyph_cache;
   if (!cache) cache = std::make_unique<GlyphCache>(Remembers() ? Read() : GlyphCache());
   for (const StoredFace& face : cache->faces)
     if (face.index == index && face.file == file)
-      return IdentityOf(file) == face.identity ? &face : nullptr;
+      return identity == face.identity ? &face : nullptr;
   return nullptr;
 }
 
@@ -238,13 +243,10 @@ void AddMasks(const GlyphSet& set, FaceToSave* out) {
     }
 }
 
+// Not what was made with a file that is another one by now.
 bool ToSave(const FontFace& f, FaceToSave* out) {
-  if (!f.toolkit) return false;
-  const bool opened = f.handle.face();
-  if (f.stored && opened && f.handle.identity() != f.stored->identity) return false;
-  if (!f.stored && !opened) return false;
-  *out = {f.file, f.index, f.units.per_em, f.stored ? f.stored->identity : f.handle.identity(),
-          {},     {}};
+  if (!f.toolkit || IdentityOf(f.file) != f.handle.identity()) return false;
+  *out = {f.file, f.index, f.units.per_em, f.handle.identity(), {}, {}};
   AddCharacters(f, f.toolkit.get(), 0, out);
   for (size_t number = 0; number < f.pages.size(); ++number)
     AddCharacters(f, f.pages[number].get(), uint32_t(number << 8) + 256, out);
@@ -322,13 +324,6 @@ std::string BytesOf(const FaceToSave& face, size_t room) {
 
 }  // namespace
 
-// FreeType is another one than this was compiled with only where it is a shared library.
-static bool MadeByThisVersion() {
-  int major, minor, patch;
-  FT_Library_Version(FontLibrary(), &major, &minor, &patch);
-  return major == FREETYPE_MAJOR && minor == FREETYPE_MINOR && patch == FREETYPE_PATCH;
-}
-
 void SaveGlyphCache() {
   if (!std::exchange(Fonts().keep_glyphs, false)) return;
   std::vector<FaceToSave> faces;
@@ -353,7 +348,7 @@ void KeepGlyphs() {
   if (process == getpid()) return;
   process = getpid();
   atexit([] {
-    if (getpid() == process && gettid() == process) SaveGlyphCache();
+    if (getpid() == process && gettid() == process) SaveFonts();
   });
 }
 

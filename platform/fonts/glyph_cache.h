@@ -53,9 +53,9 @@ GlyphCache ParseGlyphCache(std::string_view file);
 // The bytes of a file with this behind its header, as much as a multiple of eight.
 std::string SealGlyphCache(std::string_view contents);
 
-// What the cache has of a font file as it is now; null when that is nothing. Where XW_FONTS is set
+// What the cache has of a font file in this state; null when that is nothing. Where XW_FONTS is set
 // nothing is remembered.
-const StoredFace* FindStoredFace(const std::string& file, int index);
+const StoredFace* FindStoredFace(const std::string& file, int index, const FileIdentity& identity);
 // Null where there is no such thing, or no face or set.
 const StoredSet* FindStoredSet(const StoredFace* face, int device_size);
 const StoredCharacter* FindStoredCharacter(const StoredFace* face, uint32_t slot);

@@ -110,7 +110,8 @@ void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
     if (FT_Set_Char_Size(face, 0, set->device_size, 72, 72)) return;
     f->ft_size = set->device_size;
   }
-  // Light hinting fits the shapes to pixel rows and keeps their horizontal positions.
+  // Light hinting fits the shapes to pixel rows and keeps their horizontal positions. Another way
+  // of making masks needs another kTitle in glyph_cache.cc.
   if (FT_Load_Glyph(face, glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP)) return;
   if (FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL)) return;
   StoreMask(set, g, face->glyph);

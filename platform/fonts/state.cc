@@ -12,8 +12,12 @@ FontState& Fonts() {
   return *state;
 }
 
-void FinishFonts() {
+void SaveFonts() {
   if (state) SaveGlyphCache();
+}
+
+void FinishFonts() {
+  SaveFonts();
   delete state;
   state = nullptr;
 }

@@ -20,5 +20,7 @@ struct FontState {
   const FontFace* fallback = nullptr;
 };
 FontState& Fonts();
+// Saves what the program has made, as far as there is a state.
+void SaveFonts();
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 // The remembered glyphs: with a cache folder, a configuration and font files of the test's own.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -48,6 +50,8 @@ class GlyphFile : public testing::Test {
       if (face->handle.face()) return true;
     return false;
   }
+  // A program that has drawn only what is remembered, which is little.
+  void BeginWithFew() const;
   fs::path File() const { return root_ / "xw/glyphs"; }
 
   const Scratch scratch_;
@@ -78,6 +82,20 @@ std::vector<std::vector<uint32_t>> DrawMuch() {
 std::string Few() {
   for (const int style : {0, 1}) Drawn(13, style, "a few e\u0301\u2026", 1);
   return "a few e\u0301\u2026";
+}
+
+void GlyphFile::BeginWithFew() const {
+  EndProgram();
+  fs::remove(File());
+  Few();
+  EndProgram();
+  Few();
+  EXPECT_FALSE(Opened());
+}
+
+std::vector<std::vector<uint32_t>> DrawRest() {
+  return {Drawn(13, 0, "HIM \u0416\u0416", 1), Drawn(13, 0, "a few", 2),
+          Drawn(20, 0, "Hello \u00e9", 1)};
 }
 
 }  // namespace
@@ -131,22 +149,40 @@ TEST_F(GlyphFile, IsOnlyForTheSameFontAndTheSameMaking) {
   EXPECT_FALSE(fs::exists(File()));
 }
 
-// A font that is replaced after the program has begun with what was remembered of the one before.
-TEST_F(GlyphFile, AFontThatIsReplacedOrGoneLeavesTextReadable) {
-  Few();
-  EndProgram();
-  const auto blank = Drawn(13, 0, " ", 1);
+// A program that has begun with what is remembered of a font draws the rest with that font, too.
+TEST_F(GlyphFile, AFontThatIsReplacedStaysWhileAProgramRuns) {
+  const auto rest = DrawRest();
+  BeginWithFew();
   fs::copy_file(kFonts / "DejaVuSansMono.ttf", root_ / "new.ttf");
   fs::rename(root_ / "new.ttf", root_ / "fonts/DejaVuSans.ttf");
-  EXPECT_NE(Drawn(13, 0, "HIM", 1), blank);
+  EXPECT_EQ(DrawRest(), rest);
+}
+
+// A program that began before an update of the font ends after one that began behind it.
+TEST_F(GlyphFile, TheNewerFontIsRemembered) {
+  BeginWithFew();
+  fs::copy_file(kFonts / "DejaVuSans.ttf", root_ / "new.ttf");
+  std::ofstream(root_ / "new.ttf", std::ios::app) << "more";
+  fs::rename(root_ / "new.ttf", root_ / "fonts/DejaVuSans.ttf");
+  const pid_t other = fork();
+  if (other == 0) {
+    FinishFonts();
+    DrawRest();
+    FinishFonts();
+    _exit(0);
+  }
+  waitpid(other, nullptr, 0);
+  Drawn(14, 1, "bold", 1);
   EndProgram();
-  EXPECT_EQ(ParseGlyphCache(ReadFile(File())).faces.size(), 1u) << "nothing of a mixture is kept";
-  Drawn(13, 0, "a few", 1);
-  EndProgram();
-  Drawn(13, 0, "a few", 1);
+  DrawRest();
   EXPECT_FALSE(Opened());
+}
+
+TEST_F(GlyphFile, AFontThatIsGoneStaysWhileAProgramRuns) {
+  const auto rest = DrawRest();
+  BeginWithFew();
   fs::remove(root_ / "fonts/DejaVuSans.ttf");
-  Drawn(13, 0, "a few \u4e2d \u00e9 HIM", 1);
+  EXPECT_EQ(DrawRest(), rest);
   EndProgram();
   EXPECT_EQ(ParseGlyphCache(ReadFile(File())).faces.size(), 1u);
 }
