@@ -97,9 +97,9 @@ bool Run(int rounds) {
                                                  WIDTH,        HEIGHT,   ROWS};
   std::vector<Sample> hellos, floors, statics, consoles;
   // In the first rounds programs end as they do for a user, and leave what the next start uses.
-  setenv("FIRST_RUN", "1", 1);
+  setenv("QUORVIK_FIRST_RUN", "1", 1);
   for (int i = -3; i < rounds; ++i) {
-    if (i == 0) unsetenv("FIRST_RUN");
+    if (i == 0) unsetenv("QUORVIK_FIRST_RUN");
     Sample f, s, h;
     if (!Measure(floor, &f) || !Measure(floor_static, &s) || !Measure(hello, &h)) return false;
 #ifdef CONSOLE

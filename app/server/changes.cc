@@ -60,6 +60,15 @@ bool Worker::FindJob(const JobId& id, NC_Job* out) {
   return false;
 }
 
+// Somebody else may have moved jobs since the last list: before the moves of a batch a new one
+// tells where they stand.
+bool Worker::LooksFirst() {
+  Locked lock(shared_);
+  if (shared_->steps.empty()) return false;
+  const JobStep& next = shared_->steps.front();
+  return next.change.verb == Verb::kMove && next.batch != batch_;
+}
+
 // The next one in the line, which is in nobody's hands any more then.
 bool Worker::NextStep(JobStep* out) {
   Locked lock(shared_);
@@ -96,13 +105,11 @@ bool Worker::MakeChanges() {
   int status = NC_STATUS_DONE, error = 0;
   JobStep step;
   do {
+    if (LooksFirst() && !Poll()) return false;
     if (!NextStep(&step)) break;
     bool left_held = false;
-    // Somebody else may have moved jobs since the last list: a new one tells where they stand.
-    const bool looks = step.change.verb == Verb::kMove && step.batch != batch_;
-    if (looks && !Poll()) status = NC_ERROR;
     Began();
-    if (status >= 0) status = Make(step, &left_held);
+    status = Make(step, &left_held);
     error = errno;
     Ended();
     next_poll_ = 0;

@@ -1,14 +1,13 @@
 // The window's side.
 #include "app/server/server.h"
 
-#include <map>
-
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
 #include <cstdio>
 #include <ctime>
 #include <iterator>
+#include <map>
 #include <string_view>
 
 #include "app/server/shared.h"

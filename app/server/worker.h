@@ -32,6 +32,7 @@ class Worker {
   bool Poll();
 
   // Changes of jobs (changes.cc).
+  bool LooksFirst();
   bool MakeChanges();
   bool NextStep(JobStep* out);
   int Make(const JobStep& step, bool* left_held);

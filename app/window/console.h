@@ -151,8 +151,9 @@ struct Console {
 
   bool hidden_for_now = false;  // hidden names show for a document among them, in this folder
 
-  // The printer in whose row documents are dragged, or were dropped; "": the chosen one.
-  std::string drop_printer;
+  // The printer in whose row documents are dragged, and where the last drop went, whose documents
+  // may come long after it; "": the chosen one.
+  std::string drag_printer, dropped_on;
   bool drag_shows = false;
   int drops = 0;   // that have come
   int let_go = 0;  // drags that ended in a drop, since a drag or a drop has come to the window

@@ -250,8 +250,8 @@ void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   const int n = int(orders.size());
   const std::string printer = orders.empty() ? "" : orders.front().printer;
   const std::string document = orders.empty() ? "" : Quoted(orders.front().document);
+  const int before = StillQueued(c) + c->just_sent;
   c->just_sent += n;
-  const int before = StillQueued(c);
   const int last = c->server.Send(std::move(orders));
   c->status.PassReason();  // of an earlier drop
   if (!IsInQueue(c->stop)) c->queue.FollowSent(last - n + 1);

@@ -72,8 +72,9 @@ void DragDocuments(Console* c, int what) {
   const bool on_row = hit.owner == kPrinters && hit.part != SideList::kBody;
   const std::string row = on_row ? c->printer_list.NameAt(hit.index) : "";
   c->let_go = what == XW_DRAG_OVER ? 0 : c->let_go + (what == XW_DRAG_DROPPED);
-  if (std::exchange(c->drag_shows, over) && over && row == c->drop_printer) return;
-  if (what != XW_DRAG_DROPPED) c->drop_printer = row;
+  if (std::exchange(c->drag_shows, over) && over && row == c->drag_printer) return;
+  const std::string before = std::exchange(c->drag_printer, row);
+  if (what == XW_DRAG_DROPPED) c->dropped_on = before;
   const std::string printer = row.empty() ? c->printers.chosen() : row;
   const std::string why = WhyNotPrintOn(c, printer);
   const bool takes = over && why.empty();
@@ -91,7 +92,7 @@ void TakeDocuments(Console* c) {
   const char* const* files = XwDroppedFiles(&count);
   std::vector<std::string> paths(files, files + count);
   if (Inp.param) return ShowDocuments(c, std::move(paths));
-  const std::string printer = std::exchange(c->drop_printer, "");
+  const std::string printer = std::exchange(c->dropped_on, "");
   // A question lets the last one wait alone.
   if (const int n = std::exchange(c->let_go, 0); n > 1)
     Tell(c, false, "Only the last of " + NumberText(n) + " drops was taken: a question was open");

@@ -157,7 +157,7 @@ bool IsLoopback(const std::string& server) {
 
 bool IsLocalhost(const std::string& server) {
   const std::string host = HostIn(server);
-  return server.empty() || host == "localhost" || host == "127.0.0.1";
+  return host.empty() || host == "localhost" || host == "127.0.0.1";
 }
 
 LocalServerResult StartLocalServer(const std::string& server, int ms) {

@@ -10,6 +10,7 @@ namespace platform {
 // for any other scheme or host, a relative path, and bytes that no path can hold.
 std::string LocalPathOfUri(std::string_view uri);
 // The same; the address itself where it is of something that lies elsewhere ("http://host/a").
+// Empty for what is neither.
 std::string PathOrAddress(std::string_view uri);
 // A list of addresses, one a line; comments begin with #; what is no address is left out.
 std::vector<std::string> PathsAndAddresses(std::string_view list);

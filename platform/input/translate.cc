@@ -192,9 +192,8 @@ void GrabLost(const RawEvent& raw) {
   main_event_queue.Push(lost);
 }
 
-void WindowEvent(const RawEvent& raw, WindowRef w) {
-  // The first focus or input ends the placing of a new window.
-  if (raw.type <= RawEvent::kModifiers || raw.type == RawEvent::kFocusIn) w->placing = false;
+// Of the pointer and the keys.
+void InputEvent(const RawEvent& raw, WindowRef w) {
   switch (raw.type) {
     case RawEvent::kMotion:
     // The last motion of a pointer that leaves lies outside the window.
@@ -213,6 +212,15 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
       return Key(raw, w, kEventRawKeyUp);
     case RawEvent::kModifiers:
       return Key(raw, w, kEventRawKeyModifiersChanged);
+    default:
+      return;
+  }
+}
+
+void WindowEvent(const RawEvent& raw, WindowRef w) {
+  // The first focus or input ends the placing of a new window.
+  if (raw.type <= RawEvent::kModifiers || raw.type == RawEvent::kFocusIn) w->placing = false;
+  switch (raw.type) {
     case RawEvent::kConfigure:
       return Configure(raw, w);
     case RawEvent::kExpose:
@@ -238,7 +246,7 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
     case RawEvent::kScale:
       return HandleScale(w, raw.scale);
     default:
-      return;
+      return InputEvent(raw, w);
   }
 }
 

@@ -26,7 +26,7 @@ MenuRef TitleByLetter(char32_t letter) {
   return nullptr;
 }
 
-// A menu whose first item is Quit comes behind all others: nobody is to quit by a slip.
+// A menu with Quit alone comes behind all others: nobody is to quit by a slip.
 MenuRef FirstTitle() {
   MenuRef quits = nullptr;
   for (const BarTitle& t : BarTitles()) {

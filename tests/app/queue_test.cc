@@ -280,6 +280,7 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   EXPECT_EQ(c_->printer_list.takes_drop, name);
   EXPECT_TRUE(Tells("Drop to print on"));
   display::EndDragOfFiles(window, true);
+  display::DragFiles(window, 300, 200);  // another one, before the documents have come
   display::OpenFiles({home_.At("dropped.txt")}, false);
   Turn();
   EXPECT_EQ(c_->printer_list.takes_drop, "");
