@@ -178,7 +178,9 @@ Pager LayOutPager(const DetailsPane* p, const Parts& parts) {
     pager.trouble = line;
     return pager;
   }
-  const int text = XwTextWidthUtf8(TheStyle().small_text, PageText(p).c_str()) + 2 * kGap;
+  // As wide on each page: the buttons stay where they are.
+  const std::string widest = NumberText(p->pages) + " of " + NumberText(p->pages);
+  const int text = XwTextWidthUtf8(TheStyle().small_text, widest.c_str()) + 2 * kGap;
   const int all = text + 2 * kButton;
   Area right = TroubleLine(p).empty() ? Area{line.x + (line.w - all) / 2, line.y, all, line.h}
                                       : line.TakeRight(all);

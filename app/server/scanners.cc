@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "app/format/words.h"
+#include "app/model/folder.h"
 #include "app/server/worker.h"
 #include "app/work/background_task.h"
 #include "printserver/nc.h"
@@ -110,9 +111,13 @@ Message SaveDraft(const Draft& draft, const ServerRequest& r) {
       const timespec times[2] = {s.st_mtim, s.st_mtim};
       futimens(file.get(), times);
     }
-    if (saved) return {Tone::kGood, "Saved in this folder: the gamut file " + Quoted(name)};
+    if (saved)
+      return {Tone::kGood,
+              "Saved in " + Quoted(LastName(r.folder)) + ": the gamut file " + Quoted(name)};
     if (file) unlink(path.c_str());
-    return {Tone::kBad, "Not saved: " + Quoted(r.name) + ", " + TroubleText(error)};
+    return {Tone::kBad,
+            "Not saved: " + Quoted(r.name) + ", " +
+                (error == ENOENT ? "the folder is not there any more" : TroubleText(error))};
   }
   return {Tone::kBad, "Not saved: " + Quoted(r.name) + ", too many files have that name"};
 }

@@ -180,7 +180,9 @@ std::string Worker::SentText(const Transfer& ended, bool arrived) {
   }
   const int all = ended.arrived + arrived;
   if (more || all == 0) return "";
-  return arrived && all == 1 ? "Sent: " + Quoted(ended.order.document)
+  const std::string& printer = ended.order.printer;
+  return arrived && all == 1 ? (printer.empty() ? "Sent: " : "Sent to " + Quoted(printer) + ": ") +
+                                   Quoted(ended.order.document)
                              : NumberOf(all, "document is", "documents are") + " at the server";
 }
 

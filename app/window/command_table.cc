@@ -1,5 +1,6 @@
 #include "app/window/command_table.h"
 
+#include "app/format/words.h"
 #include "app/window/commands.h"
 #include "app/window/help.h"
 #include "app/window/print_options.h"
@@ -73,8 +74,11 @@ constexpr Command ChosenPrinterRow(CommandId id, const char* name,
 }
 
 void StopSending(Console* c) {
-  for (const Transfer& t : c->state.transfers)
-    if (t.state == Sending::kSending) c->server.Cancel(t.number);
+  for (const Transfer& t : c->state.transfers) {
+    if (t.state != Sending::kSending) continue;
+    c->server.Cancel(t.number);
+    Tell(c, true, Quoted(t.order.document) + " is not sent: it was stopped");
+  }
 }
 
 // --- View

@@ -258,9 +258,15 @@ void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   std::string text = (n == 1 ? document : NumberText(n) + " documents") + " queued";
   if (!printer.empty()) text += " on " + Quoted(printer);
   if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
+  const bool away = IsAway(c->state.link);
   if (before > 0) text += "; " + NumberText(before + n) + " wait to be sent";
-  if (IsAway(c->state.link)) text += ", to be sent when " + Shown(c->server.host()) + " is back";
+  if (away)
+    text += std::string(before > 0 ? "" : ", to be sent") + " when " + Shown(c->server.host()) +
+            " is back";
   Tell(c, true, text);
+  c->choice.AfterPrint();
+  c->tools.ShowChoice();
+  c->damage |= kToolsPane | kDetailsPane;
 }
 
 void PrintSelected(Console* c) {
@@ -276,9 +282,6 @@ void PrintSelected(Console* c) {
     order.document = name;
   }
   SendOrders(c, std::move(orders), c->files.Chosen().folders);
-  c->choice.AfterPrint();
-  c->tools.ShowChoice();
-  c->damage |= kToolsPane | kDetailsPane;
 }
 
 int StillQueued(const Console* c) {

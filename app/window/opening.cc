@@ -38,7 +38,11 @@ void QueueDropped(Console* c, const DroppedPaths& dropped, const std::string& pr
   PrintOrder usual = UsualOrder(c);
   if (const PrinterRow* row = c->printers.Find(printer)) {
     usual.printer = printer;
-    if (!HasMedia(*row->printer, usual.media)) usual.media.clear();
+    if (!HasMedia(*row->printer, usual.media)) {
+      Tell(c, false,
+           Quoted(printer) + " has no " + Shown(usual.media) + ": its usual media are used");
+      usual.media.clear();
+    }
   }
   std::vector<PrintOrder> orders;
   for (const DroppedPaths::File& file : dropped.files) {

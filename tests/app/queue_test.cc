@@ -285,6 +285,7 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   Turn();
   EXPECT_EQ(c_->printer_list.takes_drop, "");
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 1; }));
+  EXPECT_EQ(c_->choice.copies, 1) << "used up";
   for (const NC_Job& job : *c_->state.jobs)
     EXPECT_TRUE(job.printer == name || std::string(job.document) == "a");
 }

@@ -64,6 +64,11 @@ class EachTest : public testing::EmptyTestEventListener {
 
 }  // namespace
 
+// The library that finds fonts loses some bytes of each configuration that it reads.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libfontconfig\n";
+}
+
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   double seconds = 60;
