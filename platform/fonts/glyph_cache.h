@@ -1,6 +1,7 @@
 // Glyphs that programs of this user have drawn, remembered in a file beside that of the font
-// finder's answers: with it a start opens no font and fits no shape. What is drawn is the same with
-// and without it.
+// finder's answers: a start opens the files of its fonts, but reads a font only for what the file
+// does not have. It has what the last programs drew, up to its largest size. What is drawn is the
+// same with and without it.
 #pragma once
 #include <cstdint>
 #include <span>
