@@ -20,10 +20,18 @@ bool LoadHandle(FontFace* f) {
   return f->handle.face();
 }
 
-int32_t AdvanceUnits(FT_Face face, FT_UInt glyph) {
+// False when it cannot be read; it is 0 then.
+bool ReadAdvance(FT_Face face, FT_UInt glyph, int64_t* units) {
   FT_Fixed advance = 0;
-  if (FT_Get_Advance(face, glyph, FT_LOAD_NO_SCALE, &advance)) return 0;
-  return int32_t(advance < 0 ? 0 : advance > 1 << 20 ? 1 << 20 : advance);
+  *units = 0;
+  if (FT_Get_Advance(face, glyph, FT_LOAD_NO_SCALE, &advance)) return false;
+  *units = advance < 0 ? 0 : advance > 1 << 20 ? 1 << 20 : advance;
+  return true;
+}
+
+// 0: none.
+FT_UInt GlyphIn(FontFace* f, char32_t c) {
+  return LoadHandle(f) ? FT_Get_Char_Index(f->handle.face(), c) : 0;
 }
 
 // The apple-shaped slot of the set has no glyph outside one maker's fonts: a lozenge stands there.
@@ -31,15 +39,23 @@ char32_t StandIn(char32_t c) {
   return c == 0xF8FF ? 0x25CA : c;
 }
 
-void TakeGlyph(FontFace* f, CharacterPage* page, int at, const FontFace* from, FT_UInt glyph) {
+// False when the font cannot say how wide it is.
+bool TakeGlyph(FontFace* f, CharacterPage* page, int at, const FontFace* from, FT_UInt glyph) {
   page->glyphs[at] = glyph;
   page->sources[at] = from;
-  if (!from->handle.face()) return;
-  if (from == f) KeepGlyphs();
-  int64_t units = AdvanceUnits(from->handle.face(), glyph);
+  int64_t units;
+  if (!from->handle.face() || !ReadAdvance(from->handle.face(), glyph, &units)) return false;
   if (int em = from->units.per_em; em != f->units.per_em)
     units = (units * f->units.per_em + em / 2) / em;
   page->advances[at] = int32_t(units);
+  return true;
+}
+
+// From the font itself.
+bool TakeOwn(FontFace* f, CharacterPage* page, int at, char32_t c) {
+  const FT_UInt glyph = GlyphIn(f, c);
+  if (glyph && TakeGlyph(f, page, at, f, glyph) && KeepCharacter(f, page, at)) KeepGlyphs();
+  return glyph != 0;
 }
 
 bool TakeStored(FontFace* f, CharacterPage* page, int at, uint32_t slot) {
@@ -49,13 +65,13 @@ bool TakeStored(FontFace* f, CharacterPage* page, int at, uint32_t slot) {
   page->sources[at] = f;
   page->advances[at] = c->advance;
   page->overhang[at] = c->overhang != 0;
+  KeepCharacter(f, page, at);
   return true;
 }
 
 bool TakeFrom(FontFace* f, CharacterPage* page, int at, const FontFace* from, char32_t c) {
-  FontFace* source = const_cast<FontFace*>(from);
-  FT_UInt glyph = LoadHandle(source) ? FT_Get_Char_Index(source->handle.face(), c) : 0;
-  if (glyph) TakeGlyph(f, page, at, source, glyph);
+  const FT_UInt glyph = GlyphIn(const_cast<FontFace*>(from), c);
+  if (glyph) TakeGlyph(f, page, at, from, glyph);
   return glyph != 0;
 }
 
@@ -70,7 +86,7 @@ void TakeFallback(FontFace* f, CharacterPage* page, int at, char32_t c) {
 
 void TakeToolkitCharacter(FontFace* f, CharacterPage* page, int at, char32_t c) {
   c = StandIn(c);
-  if (!TakeFrom(f, page, at, f, c)) TakeFallback(f, page, at, c);
+  if (!TakeOwn(f, page, at, c)) TakeFallback(f, page, at, c);
 }
 
 void FillToolkitPage(FontFace* f, int first, int end) {
@@ -93,7 +109,7 @@ int StyleOf(FontFace* f) {
 }
 
 bool TakeFromAny(FontFace* f, CharacterPage* page, int at, char32_t c) {
-  if (TakeFrom(f, page, at, f, c)) return true;
+  if (TakeOwn(f, page, at, c)) return true;
   for (const FontFace* other : FallbackFaces(c >> 8, StyleOf(f)))
     if (TakeFrom(f, page, at, other, c)) return true;
   return false;
@@ -110,8 +126,10 @@ void TakeBox(FontFace* f, CharacterPage* page, int at, char32_t c) {
 void PlaceMark(CharacterPage* page, int at) {
   page->advances[at] = 0;
   FT_Face face = page->sources[at]->handle.face();
-  if (FT_Load_Glyph(face, page->glyphs[at], FT_LOAD_NO_SCALE)) return;
-  page->overhang[at] = face->glyph->metrics.horiBearingX < 0;
+  if (FT_Load_Glyph(face, page->glyphs[at], FT_LOAD_NO_SCALE))
+    page->kept[at] = false;
+  else
+    page->overhang[at] = face->glyph->metrics.horiBearingX < 0;
 }
 
 void LookUp(FontFace* f, CharacterPage* page, char32_t c) {
@@ -147,6 +165,7 @@ bool OpenFace(const FontFace* face) {
   else if (!LoadHandle(f))
     return false;
   f->toolkit = std::make_unique<CharacterPage>();
+  KeepFace(f);
   FillToolkitPage(f, 0, 0x80);
   return true;
 }

@@ -27,6 +27,7 @@ struct CharacterPage {
   const FontFace* sources[256] = {};  // the font that has the glyph; null: not looked up
   CharacterKind kinds[256] = {};      // kUnknown: not looked up
   bool overhang[256] = {};            // a mark that is drawn to the left of its pen
+  bool kept[256] = {};                // the font's own, and goes to the file of glyphs
 };
 
 struct StoredFace;
@@ -40,6 +41,8 @@ struct FontFace {
   FontHandle handle;                   // its font is opened for the first thing that is not stored
   bool tried = false;                  // to open the font
   int ft_size = 0;                     // 26.6 size that the handle is set to
+  bool kept = false;                   // has a place in the file of glyphs
+  size_t kept_characters = 0;
   // The 256 characters of the toolkit's set; the upper half is looked up on first use, since other
   // fonts may have to be opened for it.
   std::unique_ptr<CharacterPage> toolkit;

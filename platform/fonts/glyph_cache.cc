@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <map>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace platform {
 namespace {
 
 constexpr const char* kFile = "glyphs";
-constexpr size_t kMaxFile = size_t{256} << 10, kMaxSet = size_t{48} << 10;
+constexpr size_t kMaxFile = kGlyphCacheRoom + 64, kMaxSet = size_t{48} << 10;
 constexpr size_t kMaxCharacters = 1024, kMaxMask = 4096;
 
 // --- The file: a header; then for each face its record, name, characters and sets; for each set
@@ -26,6 +27,7 @@ struct Header {
   uint64_t making;    // how masks are made
   uint64_t checksum;  // of all that follows
 };
+static_assert(sizeof(Header) <= kMaxFile - kGlyphCacheRoom);
 // Counted up when the format changes, or the way in which MakeGlyph makes masks (its load flags,
 // its hinting): nothing else tells the masks of an earlier version of this code from its own.
 constexpr char kTitle[9] = "xwglyph1";
@@ -201,6 +203,49 @@ const StoredGlyph* FindStoredGlyph(const StoredSet* set, uint32_t slot) {
   return set ? FindSlot(set->glyphs, slot) : nullptr;
 }
 
+// --- Room in the file
+
+namespace {
+
+size_t FaceCost(size_t name) {
+  return sizeof(FaceRecord) + Padded(name) + 8;
+}
+constexpr size_t kSetCost = sizeof(SetRecord) + 8;
+
+bool Take(size_t* room, size_t bytes) {
+  if (bytes > *room) return false;
+  *room -= bytes;
+  return true;
+}
+
+// For a mask of a set that has `set_bytes` so far.
+bool TakeForMask(size_t* room, size_t* set_bytes, size_t mask) {
+  const size_t bytes = sizeof(StoredGlyph) + mask;
+  if (mask > kMaxMask || *set_bytes + bytes > kMaxSet) return false;
+  if (!Take(room, bytes + (*set_bytes ? 0 : kSetCost))) return false;
+  *set_bytes += bytes;
+  return true;
+}
+
+}  // namespace
+
+bool KeepFace(FontFace* face) {
+  return face->kept = Take(&Fonts().glyph_room, FaceCost(face->file.size()));
+}
+
+bool KeepCharacter(FontFace* face, CharacterPage* page, int at) {
+  if (!face->kept || face->kept_characters >= kMaxCharacters ||
+      !Take(&Fonts().glyph_room, sizeof(StoredCharacter)))
+    return false;
+  ++face->kept_characters;
+  return page->kept[at] = true;
+}
+
+bool KeepGlyph(GlyphSet* set, Glyph* g) {
+  return g->kept = g->drawable &&
+                   TakeForMask(&Fonts().glyph_room, &set->kept_bytes, size_t{g->stride} * g->rows);
+}
+
 // --- Saving
 
 namespace {
@@ -209,70 +254,98 @@ struct MaskToSave {
   StoredGlyph glyph;
   const uint8_t* mask;
 };
+struct SetToSave {
+  int device_size;
+  size_t bytes = 0;
+  std::map<uint32_t, MaskToSave> masks;
+};
 struct FaceToSave {
   std::string file;
   int index, per_em;
   FileIdentity identity;
   std::map<uint32_t, StoredCharacter> characters;
-  std::map<int, std::map<uint32_t, MaskToSave>> sets;
+  std::vector<SetToSave> sets;  // this process's own first, then as in the file
 };
 
-// Whether the font itself has the character, whatever other fonts there are.
-bool IsOwn(const FontFace& f, const CharacterPage& page, uint32_t slot) {
-  const uint32_t glyph = page.glyphs[slot & 0xFF];
-  if (page.kinds[slot & 0xFF] == CharacterKind::kUnknown || page.sources[slot & 0xFF] != &f)
-    return false;
-  return glyph == kUnreadGlyph || (f.handle.face() && glyph &&
-                                   glyph == FT_Get_Char_Index(f.handle.face(), CharacterOf(slot)));
+SetToSave* SetOf(FaceToSave* face, int device_size) {
+  for (SetToSave& set : face->sets)
+    if (set.device_size == device_size) return &set;
+  face->sets.push_back({device_size, 0, {}});
+  return &face->sets.back();
 }
 
-void AddCharacters(const FontFace& f, const CharacterPage* page, uint32_t first, FaceToSave* out) {
-  for (uint32_t i = 0; page && i < 256 && out->characters.size() < kMaxCharacters; ++i)
-    if (IsOwn(f, *page, first + i))
+void AddCharacters(const CharacterPage* page, uint32_t first, FaceToSave* out) {
+  for (uint32_t i = 0; page && i < 256; ++i)
+    if (page->kept[i])
       out->characters[first + i] = {first + i, page->advances[i], page->overhang[i]};
 }
 
-void AddMasks(const GlyphSet& set, FaceToSave* out) {
-  auto& masks = out->sets[set.device_size];
-  for (size_t number = 0; number < set.pages.size(); ++number)
-    for (uint32_t i = 0; set.pages[number] && i < 256; ++i) {
-      const Glyph& g = set.pages[number]->glyphs[i];
+void AddMasks(const GlyphSet& from, FaceToSave* out) {
+  SetToSave* set = SetOf(out, from.device_size);
+  set->bytes += from.kept_bytes;
+  for (size_t number = 0; number < from.pages.size(); ++number)
+    for (uint32_t i = 0; from.pages[number] && i < 256; ++i) {
+      const Glyph& g = from.pages[number]->glyphs[i];
       const uint32_t slot = uint32_t(number << 8 | i);
-      if (!g.drawable || !out->characters.contains(slot)) continue;
-      masks[slot] = {{slot, g.left, g.top, g.width, g.rows, 0}, set.masks.data() + g.offset};
+      if (!g.kept || !out->characters.contains(slot)) continue;
+      set->masks[slot] = {{slot, g.left, g.top, g.width, g.rows, 0}, from.masks.data() + g.offset};
     }
 }
 
 // Not what was made with a file that is another one by now.
 bool ToSave(const FontFace& f, FaceToSave* out) {
-  if (!f.toolkit || IdentityOf(f.file) != f.handle.identity()) return false;
+  if (!f.kept || IdentityOf(f.file) != f.handle.identity()) return false;
   *out = {f.file, f.index, f.units.per_em, f.handle.identity(), {}, {}};
-  AddCharacters(f, f.toolkit.get(), 0, out);
+  AddCharacters(f.toolkit.get(), 0, out);
   for (size_t number = 0; number < f.pages.size(); ++number)
-    AddCharacters(f, f.pages[number].get(), uint32_t(number << 8) + 256, out);
+    AddCharacters(f.pages[number].get(), uint32_t(number << 8) + 256, out);
   for (const auto& font : Fonts().sized)
     if (font->face == &f)
       for (const auto& set : font->sets) AddMasks(*set, out);
   return true;
 }
 
-// What the file has besides.
-void Merge(const StoredFace& stored, std::vector<FaceToSave>* faces) {
-  FaceToSave* face = nullptr;
+// The one among those to save that is in the same state of its file, made when there is none; null
+// when the file is another one by now or there is no room.
+FaceToSave* FaceFor(const StoredFace& stored, std::deque<FaceToSave>* faces, size_t* room) {
   for (FaceToSave& f : *faces)
-    if (f.file == stored.file && f.index == stored.index) face = &f;
-  if (!face) {
-    faces->push_back(
-        {std::string(stored.file), stored.index, stored.per_em, stored.identity, {}, {}});
-    face = &faces->back();
-    if (IdentityOf(face->file) != stored.identity) return faces->pop_back();
-  }
-  if (face->identity != stored.identity) return;
+    if (f.file == stored.file && f.index == stored.index)
+      return f.identity == stored.identity ? &f : nullptr;
+  const std::string file(stored.file);
+  if (IdentityOf(file) != stored.identity || !Take(room, FaceCost(file.size()))) return nullptr;
+  faces->push_back({file, stored.index, stored.per_em, stored.identity, {}, {}});
+  return &faces->back();
+}
+
+void MergeCharacters(const StoredFace& stored, FaceToSave* face, size_t* room) {
   for (const StoredCharacter& c : stored.characters)
-    if (face->characters.size() < kMaxCharacters) face->characters.emplace(c.slot, c);
-  for (const StoredSet& set : stored.sets)
-    for (const StoredGlyph& g : set.glyphs)
-      face->sets[set.device_size].emplace(g.slot, MaskToSave{g, set.masks.data() + g.offset});
+    if (!face->characters.contains(c.slot) && face->characters.size() < kMaxCharacters &&
+        Take(room, sizeof c))
+      face->characters.emplace(c.slot, c);
+}
+
+void MergeSet(const StoredSet& stored, FaceToSave* face, size_t* room) {
+  SetToSave* set = SetOf(face, stored.device_size);
+  for (const StoredGlyph& g : stored.glyphs)
+    if (!set->masks.contains(g.slot) && face->characters.contains(g.slot) &&
+        TakeForMask(room, &set->bytes, g.bytes()))
+      set->masks.emplace(g.slot, MaskToSave{g, stored.masks.data() + g.offset});
+}
+
+// What the file has besides, as far as there is room: of all faces in turn, so that what is left
+// out is what was saved longest ago.
+void Merge(const GlyphCache& now, std::deque<FaceToSave>* faces, size_t room) {
+  std::vector<std::pair<const StoredFace*, FaceToSave*>> pairs;
+  size_t sets = 0;
+  for (const StoredFace& stored : now.faces)
+    if (FaceToSave* face = FaceFor(stored, faces, &room)) {
+      MergeCharacters(stored, face, &room);
+      pairs.push_back({&stored, face});
+      sets = std::max(sets, stored.sets.size());
+    }
+  for (size_t i = 0; i < sets; ++i)
+    for (const auto& [stored, face] : pairs)
+      if (i < stored->sets.size()) MergeSet(stored->sets[i], face, &room);
 }
 
 void Append(std::string* out, const void* bytes, size_t size) {
@@ -280,61 +353,59 @@ void Append(std::string* out, const void* bytes, size_t size) {
   out->resize(Padded(out->size()));
 }
 
-std::string BytesOf(int device_size, const std::map<uint32_t, MaskToSave>& from) {
+std::string BytesOf(const SetToSave& set) {
   std::vector<StoredGlyph> glyphs;
   std::string masks;
-  for (const auto& [slot, m] : from) {
-    if (m.glyph.bytes() > kMaxMask || masks.size() + m.glyph.bytes() > kMaxSet) continue;
+  for (const auto& [slot, m] : set.masks) {
     glyphs.push_back(m.glyph);
     glyphs.back().offset = uint32_t(masks.size());
     masks.append(reinterpret_cast<const char*>(m.mask), m.glyph.bytes());
   }
   std::string bytes;
-  const SetRecord record{uint32_t(device_size), uint32_t(glyphs.size()), uint32_t(masks.size()), 0};
+  const SetRecord record{uint32_t(set.device_size), uint32_t(glyphs.size()), uint32_t(masks.size()),
+                         0};
   Append(&bytes, &record, sizeof record);
   Append(&bytes, glyphs.data(), glyphs.size() * sizeof glyphs[0]);
   Append(&bytes, masks.data(), masks.size());
   return bytes;
 }
 
-// As much of it as there is room for.
-std::string BytesOf(const FaceToSave& face, size_t room) {
+std::string BytesOf(const FaceToSave& face) {
   std::vector<StoredCharacter> characters;
   for (const auto& [slot, c] : face.characters) characters.push_back(c);
-  FaceRecord record{face.identity,
-                    uint32_t(face.file.size()),
-                    uint32_t(face.index),
-                    uint32_t(face.per_em),
-                    uint32_t(characters.size()),
-                    0,
-                    0};
-  std::string bytes, sets;
+  std::string sets;
+  uint32_t set_count = 0;
+  for (const SetToSave& set : face.sets) {
+    if (set.masks.empty()) continue;
+    sets += BytesOf(set);
+    ++set_count;
+  }
+  const FaceRecord record{face.identity,
+                          uint32_t(face.file.size()),
+                          uint32_t(face.index),
+                          uint32_t(face.per_em),
+                          uint32_t(characters.size()),
+                          set_count,
+                          0};
+  std::string bytes;
   Append(&bytes, &record, sizeof record);
   Append(&bytes, face.file.data(), face.file.size());
   Append(&bytes, characters.data(), characters.size() * sizeof characters[0]);
-  for (const auto& [device_size, masks] : face.sets) {
-    const std::string set = BytesOf(device_size, masks);
-    if (bytes.size() + sets.size() + set.size() > room) continue;
-    sets += set;
-    ++record.sets;
-  }
-  std::memcpy(bytes.data(), &record, sizeof record);
-  return bytes.size() + sets.size() <= room ? bytes + sets : "";
+  return bytes + sets;
 }
 
 }  // namespace
 
 void SaveGlyphCache() {
   if (!std::exchange(Fonts().keep_glyphs, false)) return;
-  std::vector<FaceToSave> faces;
+  std::deque<FaceToSave> faces;
   for (const auto& face : Fonts().faces)
     if (FaceToSave f; ToSave(*face, &f)) faces.push_back(std::move(f));
   const std::string before = ReadCacheFile(kFile, kMaxFile);
   const GlyphCache now = ParseGlyphCache(before);
-  for (const StoredFace& face : now.faces) Merge(face, &faces);
+  Merge(now, &faces, Fonts().glyph_room);
   std::string contents;
-  for (const FaceToSave& face : faces)
-    contents += BytesOf(face, kMaxFile - sizeof(Header) - contents.size());
+  for (const FaceToSave& face : faces) contents += BytesOf(face);
   const std::string after = SealGlyphCache(contents);
   if (after != before && MadeByThisVersion()) ReplaceCacheFile(kFile, after);
 }

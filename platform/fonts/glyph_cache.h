@@ -1,6 +1,7 @@
 // Glyphs that programs of this user have drawn, remembered in a file beside that of the font
-// finder's answers: with it a start opens no font and fits no shape. What is drawn is the same with
-// and without it.
+// finder's answers: a start opens the files of its fonts, but reads a font only for what the file
+// does not have. It has what the last programs drew, up to its largest size. What is drawn is the
+// same with and without it.
 #pragma once
 #include <cstdint>
 #include <span>
@@ -12,7 +13,14 @@
 
 namespace platform {
 
+struct CharacterPage;
 struct FontFace;
+struct Glyph;
+struct GlyphSet;
+
+// Bytes of the file behind its header. It goes first to what the process that saves has drawn, in
+// the order in which that was drawn, then to what others have left in the file.
+constexpr size_t kGlyphCacheRoom = (size_t{256} << 10) - 64;
 
 // As in a face's pages: a character that the font has itself.
 struct StoredCharacter {
@@ -61,7 +69,12 @@ const StoredSet* FindStoredSet(const StoredFace* face, int device_size);
 const StoredCharacter* FindStoredCharacter(const StoredFace* face, uint32_t slot);
 const StoredGlyph* FindStoredGlyph(const StoredSet* set, uint32_t slot);
 
-// Something was made that the cache does not have: it is saved when the program ends.
+// Take room in the file for something that is used, whether it is remembered or new; false where
+// there is none. A face comes before its characters, a character before its glyphs.
+bool KeepFace(FontFace* face);
+bool KeepCharacter(FontFace* face, CharacterPage* page, int at);
+bool KeepGlyph(GlyphSet* set, Glyph* glyph);
+// Something was kept that the cache does not have: it is saved when the program ends.
 void KeepGlyphs();
 // Adds what this process has made, if there is anything, to what the file has now.
 void SaveGlyphCache();

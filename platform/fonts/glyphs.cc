@@ -95,12 +95,13 @@ void MakeBox(GlyphSet* set, Glyph* g, char32_t c) {
 
 void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
   g->made = true;
+  const CharacterPage& page = PageOfSlot(font->face, slot);
   if (const StoredGlyph* stored = FindStoredGlyph(set->stored, slot)) {
     uint8_t* mask = AddMask(set, g, stored->left, stored->top, stored->width, stored->rows);
     if (mask) std::memcpy(mask, set->stored->masks.data() + stored->offset, stored->bytes());
+    if (page.kept[slot & 0xFF]) KeepGlyph(set, g);
     return;
   }
-  const CharacterPage& page = PageOfSlot(font->face, slot);
   const uint32_t glyph = GlyphNumberOf(font->face, slot);
   if (glyph == kNoGlyph || set->device_size <= 0 || set->device_size > kMaxDeviceSize) return;
   if (glyph == kBoxGlyph) return MakeBox(set, g, slot - 256);
@@ -115,7 +116,7 @@ void MakeGlyph(const SizedFont* font, GlyphSet* set, Glyph* g, uint32_t slot) {
   if (FT_Load_Glyph(face, glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP)) return;
   if (FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL)) return;
   StoreMask(set, g, face->glyph);
-  if (f == font->face) KeepGlyphs();
+  if (page.kept[slot & 0xFF] && KeepGlyph(set, g)) KeepGlyphs();
 }
 
 const Glyph& GlyphOf(const SizedFont* font, GlyphSet* set, uint32_t slot) {

@@ -12,6 +12,7 @@ namespace platform {
 // A mask: `rows` rows of `stride` bytes at `offset`; its corner lies at (left, -top) of the pen.
 struct Glyph {
   bool made = false, drawable = false;  // that is false of what the font could not give
+  bool kept = false;                    // goes to the file of glyphs
   int16_t left = 0, top = 0;
   uint16_t width = 0, rows = 0, stride = 0;
   size_t offset = 0;
@@ -28,6 +29,7 @@ struct GlyphSet {
   std::vector<std::unique_ptr<GlyphPage>> pages;  // by slot / 256
   std::vector<uint8_t> masks;
   int ascent = 0, descent = 0;  // of the masks made so far
+  size_t kept_bytes = 0;        // of those that go to the file of glyphs, with their records
 };
 
 struct SizedFont {

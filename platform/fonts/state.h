@@ -13,6 +13,7 @@ namespace platform {
 struct FontState {
   std::unique_ptr<GlyphCache> glyph_cache;  // read with the first face
   bool keep_glyphs = false;                 // there is something to add to it
+  size_t glyph_room = kGlyphCacheRoom;      // left in it by what this process draws
   std::vector<std::unique_ptr<FontFace>> faces;
   std::vector<std::unique_ptr<SizedFont>> sized;
   std::unique_ptr<FontFinder> finder;

@@ -209,14 +209,42 @@ TEST_F(GlyphFile, StaysSmall) {
   for (int page = 0; page < 12; ++page)
     for (int i = 0; i < 40; ++i)
       for (const int byte : {0xD0 + page % 2, 0x80 + i + page / 2}) many += char(byte);
-  for (int size = 10; size < 60; size += 3)
-    for (size_t at = 0; at < many.size(); at += 20)
-      Drawn(size, 0, many.substr(at, 20) + "abc" + char('d' + size % 20), 2);
+  const auto draw_all = [&] {
+    for (int size = 10; size < 60; size += 3)
+      for (size_t at = 0; at < many.size(); at += 20)
+        Drawn(size, 0, many.substr(at, 20) + "abc" + char('d' + size % 20), 2);
+  };
+  draw_all();
   EndProgram();
   EXPECT_GT(fs::file_size(File()), 20'000u);
   EXPECT_LE(fs::file_size(File()), 256u << 10);
+  draw_all();
+  EXPECT_FALSE(Fonts().keep_glyphs) << "nothing more fits";
+  EndProgram();
   Drawn(10, 0, "abc", 2);
   EXPECT_FALSE(Opened());
+}
+
+// Each start after a first one at its scale opens no font, however much others have left.
+TEST_F(GlyphFile, AFullOneHasRoomForThisProgram) {
+  const auto draw_all = [](double scale) {
+    for (const int size : {11, 15, 19})
+      for (const int style : {0, 1})
+        for (const char* text : {"ABCDEFGHIJKLMNOPQRS", "TUVWXYZ0123456789", "abcdefghijklmnopqrs",
+                                 "tuvwxyz.,;:-!?()/"})
+          Drawn(size, style, text, scale);
+  };
+  size_t largest = 0;
+  for (const double scale : {1.0, 1.25, 1.5, 1.75, 1.0}) {
+    draw_all(scale);
+    EndProgram();
+    largest = std::max(largest, size_t(fs::file_size(File())));
+    EXPECT_LE(largest, 256u << 10);
+    draw_all(scale);
+    EXPECT_FALSE(Opened()) << scale;
+    EndProgram();
+  }
+  EXPECT_GT(largest, 250u << 10);
 }
 
 TEST_F(GlyphFile, ADamagedOneIsNotThere) {
