@@ -429,9 +429,10 @@ void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
 /* Files that another program drags over a top-level window. `take` 0: the window refuses them, and
  * the desktop shows so; else it takes them, as every window does that is not told. The handler,
  * which may be null, hears as they move over the window (Inp.px, Inp.py and Inp.item tell where),
- * and once when they have left it or were dropped: the program shows there where they would go.
- * What was dropped comes afterwards, as 798 to the first window, or never when it does not arrive.
- * A wait that keeps the window out hears of the end alone. Ignored for other windows. */
+ * and once when they have left it or were dropped, without a place (Inp.item is 0): the program
+ * shows there where they would go. What was dropped comes afterwards, as 798 to the first window,
+ * or never when it does not arrive. A wait that keeps the window out hears of the end alone.
+ * Ignored for other windows. */
 enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2 };
 typedef void (*XwDragHandler)(int what);
 void XwSetDragHandler(XwWindow* window, int take, XwDragHandler handler);
@@ -667,8 +668,8 @@ void XwSetMenu(XwWindow* window, XwMenuItem* bar);
 /* Shows a menu at (Inp.root_x, Inp.root_y) and waits. The chosen item's id; of a colour item its
  * negative position from 1; 0 when it is dismissed. */
 int32_t XwPopupMenu(XwMenuItem* items);
-/* The same for one that a key opens: the first item that is checked has the keyboard, else the
- * first that can be chosen. */
+/* The same for one that a key opens: the first item that is checked and can be chosen has the
+ * keyboard. Where there is none nothing is highlighted, and no second key chooses unseen. */
 int32_t XwPopupMenuByKey(XwMenuItem* items);
 /* The same with a null-terminated list of texts, the one at `current` with a mark. The index of the
  * chosen one from 0; -1. */

@@ -233,12 +233,14 @@ void Save(ListsWindow* w) {
   w->told = {};
   const std::string printer = row.printer.empty() ? c->choice.printer : row.printer;
   c->server.SaveGamut(row.name, printer, c->files.folder.path());
+  Update(w);
 }
 
 void Start(ListsWindow* w) {
   if (!CanStart(w)) return;
   w->told = {};
   w->console->server.StartScan(At(w)->name);
+  Update(w);
 }
 
 void OpenMenu(ListsWindow* w) {
@@ -378,6 +380,7 @@ void UpdateLists() {
   // Once each time that a server is there.
   if (state.link == Link::kReady && !w->asked) w->console->server.AskLists();
   w->asked = state.link == Link::kReady;
+  if (!w->asked) w->told = {};  // by a server that may be another one afterwards
   TakeLists(w);
   Update(w);
 }

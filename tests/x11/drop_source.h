@@ -20,6 +20,9 @@ class DropSource : public Peer {
   }
   void Enter(const char* type) {
     Send("XdndEnter", {window(), 5u << 24, Atom(type), 0, 0});
+    Position();
+  }
+  void Position() {
     Send("XdndPosition", {window(), 0, 150 << 16 | 200, 0, Atom("XdndActionCopy")});
   }
   void Drop() {

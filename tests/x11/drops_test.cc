@@ -75,6 +75,19 @@ TEST_F(Drops, OnlyListsOfAddressesAreTaken) {
   ASSERT_TRUE(Answered(*source, 6));
   EXPECT_EQ(source->heard[4], "status 0");
   EXPECT_EQ(source->heard[5], "finished 0");
+  // It begins to refuse while files are over it, and ceases.
+  ChangeWindowAttributes(window, 0, kWindowRefusesFilesAttribute);
+  source->Enter("text/uri-list");
+  ASSERT_TRUE(Answered(*source, 7));
+  drag.clear();
+  for (const bool refuses : {true, false}) {
+    const uint32_t bit = kWindowRefusesFilesAttribute;
+    ChangeWindowAttributes(window, refuses ? bit : 0, refuses ? 0 : bit);
+    source->Position();
+    ASSERT_TRUE(Answered(*source, refuses ? 8 : 9));
+  }
+  EXPECT_EQ(source->heard[7] + ", " + source->heard[8], "status 0, status 1");
+  EXPECT_EQ(drag, "left " + place);
 }
 
 TEST_F(Drops, ALongListComesInPieces) {

@@ -126,10 +126,13 @@ void TellDrag(XwWindow* w, const DragFields& drag) {
   TargetScope scope;
   EndTip();
   Inp.window = w;
-  Inp.root_x = drag.where.x;
-  Inp.root_y = drag.where.y;
-  SetTargetCoordinates(w);
-  Inp.item = XCheckbl(w->boxes);
+  Inp.item = 0;
+  if (drag.step == DragFields::kOver) {
+    Inp.root_x = drag.where.x;
+    Inp.root_y = drag.where.y;
+    SetTargetCoordinates(w);
+    Inp.item = XCheckbl(w->boxes);
+  }
   w->drag_handler(drag.step);
 }
 

@@ -26,16 +26,14 @@ int Select(MenuRef menu, int item = 0) {
   return chosen;
 }
 
-// The checked item, else the first one, of those that can be chosen; 0: none can.
-int FirstForKeys(MenuRef menu, const XwMenuItem* items) {
-  int first = 0;
+// Of those that can be chosen; 0: none is.
+int FirstChecked(MenuRef menu, const XwMenuItem* items) {
   for (int position = 1; position <= CountMenuItems(menu); ++position) {
     const XwMenuItem& record = items[position - 1];
     if (record.flags & XWM_HIDDEN || !IsMenuItemEnabled(menu, position)) continue;
     if (record.flags & XWM_CHECKED) return position;
-    if (!first) first = position;
   }
-  return first;
+  return 0;
 }
 
 int32_t Popup(XwMenuItem* items, bool by_key) {
@@ -47,7 +45,7 @@ int32_t Popup(XwMenuItem* items, bool by_key) {
   // A menu that is opened while this one is shown makes its own list.
   const std::vector<XwMenuEntry> menus(MenuList, MenuList + MenuListCount);
   const std::vector<uint8_t*> colours(MenuColor, MenuColor + MenuColorCount);
-  const int chosen = Select(menu, by_key ? FirstForKeys(menu, items) : 0);
+  const int chosen = Select(menu, by_key ? FirstChecked(menu, items) : 0);
   const size_t index = size_t(chosen >> 16) - kPopupId;
   const int position = chosen & 0xFFFF;
   int32_t result = 0;

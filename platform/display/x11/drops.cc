@@ -104,8 +104,13 @@ void OnEnter(Native* n, const uint32_t* d) {
   hover.source = d[0];
   hover.target = n;
   hover.acceptable =
-      version >= 3 && (n->w->attributes & kWindowRefusesFilesAttribute) == 0 &&
+      version >= 3 &&
       (in_property ? TypesOfProperty(d[0]) : std::find(d + 2, d + 5, Atom(kTextUriList)) != d + 5);
+}
+
+// The window may begin or cease to refuse files while they are dragged over it.
+bool Accepts(const Native* n) {
+  return hover.acceptable && (n->w->attributes & kWindowRefusesFilesAttribute) == 0;
 }
 
 void TellPosition(Native* n, uint32_t place) {
@@ -115,12 +120,14 @@ void TellPosition(Native* n, uint32_t place) {
   out->root_y = float(int16_t(place & 0xFFFF));
   out->x = out->root_x - float(at.left);
   out->y = out->root_y - float(at.top);
-  hover.told = true;
 }
 
 void OnPosition(Native* n, const uint32_t* d) {
-  const bool accept = hover.source == d[0] && hover.target == n && hover.acceptable;
+  const bool here = hover.source == d[0] && hover.target == n;
+  const bool accept = here && Accepts(n);
   if (accept) TellPosition(n, d[2]);
+  if (here && !accept && hover.told) Emit(RawEvent::kDragLeft, n);
+  if (here) hover.told = accept;
   const uint32_t answer[5] = {n->id, accept ? 1u : 0u, 0, 0, accept ? Atom(kXdndActionCopy) : 0};
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
 }
@@ -133,8 +140,8 @@ void OnDrop(Native* n, const uint32_t* d) {
   Watch(transfer.source, kWatchEnd);
   transfer.target = n;
   transfer.started = transfer.progress = Now();
-  const bool acceptable = hover.acceptable;
-  EndHover(RawEvent::kDragDropped);
+  const bool acceptable = Accepts(n);
+  EndHover(acceptable ? RawEvent::kDragDropped : RawEvent::kDragLeft);
   if (!acceptable) return EndTransfer(false);
   transfer.deadline = InstallEventLoopTimer(TimeLeft(), 0, DeadlineHasCome, nullptr);
   xcb_delete_property(x.c, n->id, Atom(kXwDrop));
