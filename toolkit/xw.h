@@ -428,10 +428,10 @@ void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
 
 /* Files that another program drags over a top-level window. `take` 0: the window refuses them, and
  * the desktop shows so; else it takes them, as every window does that is not told. The handler,
- * which may be null, hears as they move over the window (Inp.px, Inp.py and Inp.item tell where),
- * and once when they have left it or were dropped, without a place (Inp.item is 0): the program
- * shows there where they would go. What was dropped comes afterwards, as 798 to the first window,
- * or never when it does not arrive. A wait that keeps the window out hears of the end alone.
+ * which may be null, hears as they move over the window and when they are dropped (Inp.px, Inp.py
+ * and Inp.item tell where), and when they have left it (Inp.item is 0): the program shows there
+ * where they would go. What was dropped comes afterwards, as 798 to the first window, or never when
+ * it does not arrive. A wait that keeps the window out hears of the end alone.
  * Ignored for other windows. */
 enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2 };
 typedef void (*XwDragHandler)(int what);

@@ -72,13 +72,14 @@ void TakeDropped(void* data, int taken) {
 
 void DragDocuments(Console* c, int what) {
   const bool over = what == XW_DRAG_OVER && !c->asking;
-  const Hit hit = over ? c->hits.At(Inp.item) : Hit{};
-  const bool on_row = hit.owner == kPrinters && hit.part != SideList::kBody;
-  const std::string row = on_row ? c->printer_list.NameAt(hit.index) : "";
+  const Hit hit = c->hits.At(Inp.item);
+  const bool on_row = !c->asking && hit.owner == kPrinters && hit.part != SideList::kBody;
+  const std::string at = on_row ? c->printer_list.NameAt(hit.index) : "";
+  const std::string row = over ? at : "";
   c->let_go = what == XW_DRAG_OVER ? 0 : c->let_go + (what == XW_DRAG_DROPPED);
+  if (what == XW_DRAG_DROPPED) c->dropped_on = at;
   if (std::exchange(c->drag_shows, over) && over && row == c->drag_printer) return;
-  const std::string before = std::exchange(c->drag_printer, row);
-  if (what == XW_DRAG_DROPPED) c->dropped_on = before;
+  c->drag_printer = row;
   const std::string printer = row.empty() ? c->printers.chosen() : row;
   const std::string why = WhyNotPrintOn(c, printer);
   const bool takes = over && why.empty();

@@ -162,7 +162,8 @@ TEST(Alert, WhatItDroppedComesAgain) {
   Settle();
   int beeps = 0;
   static std::string dragged;
-  XwSetDragHandler(s.main, 1, [](int what) { dragged += std::to_string(what); });
+  XwSetDragHandler(
+      s.main, 1, [](int what) { dragged += std::to_string(what) + "@" + std::to_string(Inp.px); });
   Ask({[&] {
          input::DragFiles(Native(s.main), 10, 10);
          input::EndDragOfFiles(Native(s.main), true);
@@ -192,7 +193,7 @@ TEST(Alert, WhatItDroppedComesAgain) {
        ClickOn(1)},
       "?", "Go?", "A");
   EXPECT_TRUE(seen.empty());
-  EXPECT_EQ(dragged, std::to_string(XW_DRAG_DROPPED)) << "of a drag it hears the end alone";
+  EXPECT_EQ(dragged, std::to_string(XW_DRAG_DROPPED) + "@10") << "of a drag it hears the end alone";
   Quiet();
   RunLoop();
   EXPECT_EQ(Trace(), "main 768 main 769 main 796 main 797 main 798");

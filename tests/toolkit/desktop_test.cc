@@ -99,7 +99,7 @@ TEST(Desktop, DragsOfFilesAreTold) {
   input::DragFiles(Native(w), 30, 40);
   input::EndDragOfFiles(Native(w), true);
   EXPECT_EQ(RunTrace(), "");
-  EXPECT_EQ(dragged, "1:10,20 1:30,40b 2:30,40 ") << "no box for the end";
+  EXPECT_EQ(dragged, "1:10,20 1:30,40b 2:30,40b ");
   dragged.clear();
   XwSetDragHandler(w, 0, NoteDrag);
   input::DragFiles(Native(w), 10, 20);

@@ -67,6 +67,7 @@ struct State {
   bool polled = false;               // XwGetEvent has been called
   int64_t last_poll = 0;             // microseconds
   int32_t last_click_item = -1;      // of XwDoubleClick
+  platform::Point last_drag{0, 0};   // where files were last dragged over a window
   platform::Point last_pen{-1, -1};  // the place of the latest sample of a pen
 };
 extern constinit State state;

@@ -120,16 +120,18 @@ void TellActivity(XwWindow* w) {
 static_assert(XW_DRAG_LEFT == int(DragFields::kLeft) && XW_DRAG_OVER == int(DragFields::kOver) &&
               XW_DRAG_DROPPED == int(DragFields::kDropped));
 
-// A wait that keeps the window out hides the drag from it, but not its end.
+// A wait that keeps the window out hides the drag from it, but not its end. Files are dropped where
+// they were last.
 void TellDrag(XwWindow* w, const DragFields& drag) {
+  if (drag.step == DragFields::kOver) state.last_drag = drag.where;
   if (!w->drag_handler || (drag.step == DragFields::kOver && WaitKeepsOut(w))) return;
   TargetScope scope;
   EndTip();
   Inp.window = w;
   Inp.item = 0;
-  if (drag.step == DragFields::kOver) {
-    Inp.root_x = drag.where.x;
-    Inp.root_y = drag.where.y;
+  if (drag.step != DragFields::kLeft) {
+    Inp.root_x = state.last_drag.x;
+    Inp.root_y = state.last_drag.y;
     SetTargetCoordinates(w);
     Inp.item = XCheckbl(w->boxes);
   }
