@@ -101,7 +101,7 @@ void TakeDocuments(Console* c) {
   // A question lets the last one wait alone.
   if (const int n = std::exchange(c->let_go, 0); n > 1)
     Tell(c, false, "Only the last of " + NumberText(n) + " drops was taken: a question was open");
-  // One on a mount that does not answer holds up nothing. Each has a kind of its own: a result
+  // One on a mount that does not answer holds up nothing. Each is of another kind: a result
   // would replace one of the same kind that still waits.
   const std::string kind = "dropped" + std::to_string(++c->drops);
   const BackgroundTask task([paths = std::move(paths), printer, kind] {
