@@ -9,8 +9,9 @@ namespace {
 
 // A narrower window has the menu for what is left out.
 constexpr int kAgainFrom = 860, kListsFrom = 1080;
-// A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
-constexpr int kTop = 5, kControl = 22;
+// The ring of the control with the keyboard needs 5 pixels above a list and 6 below a push button,
+// and does not cover the hairlines of the head.
+constexpr int kTop = 6, kControl = 22;
 constexpr int kEnd = 12, kGap = 6, kText = 130, kList = 114, kLabel = 36;
 constexpr const char* kOwners[] = {"Everyone’s", "Mine", nullptr};
 // By QueueFilter::Part.
