@@ -73,6 +73,8 @@ FileKind KindOf(const std::string& name);
 const char* KindText(FileKind kind);
 // In a field of 16 x 16; `background` shows through, `percent` of its colours.
 void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent);
+// A funnel, 14 x 14.
+void DrawFilterIcon(int x, int y, int32_t ink);
 // A large folder in pale lines, for one that is empty.
 constexpr int kLargeFolderWidth = 44, kLargeFolderHeight = 32;
 void DrawLargeFolder(int x, int y);
