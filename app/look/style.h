@@ -57,6 +57,9 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground);
 Area DrawStrip(Area a, int32_t dot);
 // Around what documents would go to that are dragged over the window.
 void DrawDropFrame(const Area& a);
+// Around what has the keyboard, two pixels inside the area, where nothing that stands there shows
+// it.
+void DrawFocusRing(const Area& a, int32_t ground);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);

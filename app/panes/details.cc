@@ -349,10 +349,7 @@ void DetailsPane::Draw(const Hit& hover, bool focused) const {
     DrawSelected(this, parts.facts);
   if (!parts.printer.Empty()) DrawPrinter(this, parts.printer);
   if (scroll.top() > 0) LineAtTop(view);
-  if (focused) {
-    XwSetColor(Mix(l.accent, l.side, 45));
-    XwDrawRect(view.x + 1, view.y, view.w - 1, view.h);
-  }
+  if (focused) DrawFocusRing({view.x + 1, view.y, view.w - 1, view.h}, l.side);
   XwClip(0, 0, 0, 0);
 }
 

@@ -92,7 +92,10 @@ void QueuePane::AddHits(Hits* hits) const {
 
 void QueuePane::Draw(const Hit& hover, bool focused) {
   table.SetFocused(focused);
-  table.SetMuted(state.link != Link::kReady);
+  // Jobs are what the server said last. A document that waits to be sent is known here, and stays
+  // as true as it was.
+  table.SetMuted(state.link != Link::kReady,
+                 [this](int row) { return rows.OutgoingAt(row) != nullptr; });
   head.Draw(layout.queue_head, SummaryShown());
   table.Draw(hover);
   if (!takes_drop) return;
