@@ -111,14 +111,15 @@ int FactsHeight(const DetailsPane* p, int width) {
   return FactsHeight(FactsOfDocument(p, p->folder.At(p->selected)), width);
 }
 
-// All that the facts leave, up to what a page that is as wide as the pane needs. It does not depend
-// on the page that is shown.
-int PictureHeight(const DetailsPane* p, int width, int height, int facts) {
+// All that the facts leave, up to what a page that is as wide as the pane needs. Where that is
+// little, the printer is scrolled to.
+int PictureHeight(const DetailsPane* p, int width, int height, int facts, int printer) {
   const std::optional<Pictured> of = PicturedBy(p);
   if (!of) return 0;
   const int name = int(FactLines(Shown(of->name), width).size() - 1) * kNextFactLine;
   const int most = std::max(kUsualPicture, width * 3 / 2);
-  const int room = height - kTroubleLine - std::max(kFacts + name, facts) - kBelow;
+  const int below = kTroubleLine + std::max(kFacts + name, facts) + kBelow;
+  const int room = std::max(height - printer, std::min(height, kUsualPicture + below)) - below;
   return std::clamp(room, kLeastPicture, most);
 }
 
@@ -130,7 +131,7 @@ Parts LayOutParts(const DetailsPane* p) {
                                             std::max(kFactLine, FactsHeight(FactsOfPrinter(p), a.w))
                                       : 0;
   const int facts = FactsHeight(p, a.w);
-  const int picture = PictureHeight(p, a.w, view.h - printer, facts);
+  const int picture = PictureHeight(p, a.w, view.h, facts, printer);
   Parts parts;
   // That a job has no picture stands a little above the facts.
   const int gap = picture == 0 ? kTroubleGap : 0;
