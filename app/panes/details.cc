@@ -22,7 +22,7 @@ namespace {
 constexpr int kCaption = 38, kPrinterCaption = 32, kPadding = 16, kBelow = 10;
 // Of a picture: what it has at least, where the rest scrolls. Below it is a line that says why
 // there is none, and six facts.
-constexpr int kLeastPicture = 100, kUsualPicture = 220, kAround = 4, kTroubleLine = 22,
+constexpr int kLeastPicture = 132, kUsualPicture = 220, kAround = 4, kTroubleLine = 22,
               kTroubleGap = 6, kFacts = 6 * kFactLine;
 // Of the buttons for the pages, which stand in the line of the caption.
 constexpr int kPagerTop = 6, kPagerHeight = 22;

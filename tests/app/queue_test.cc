@@ -271,6 +271,7 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   const std::string name = c_->printer_list.NameAt(0);
   ASSERT_NE(name, c_->printers.chosen());
   const auto window = static_cast<platform::WindowRef>(c_->window->platform);
+  c_->status.Tell(Tone::kGood, "an older message");
   display::DragFiles(window, 300, 200);
   Turn();
   EXPECT_TRUE(c_->queue.takes_drop);
