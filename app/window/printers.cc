@@ -46,6 +46,8 @@ void ChoosePrinter(Console* c, const std::string& name) {
   if (c->choice.media != media)
     Tell(c, true, Quoted(name) + " has no " + Shown(media) + ": its usual media are chosen");
   PrintersCame(c);
+  // What was chosen elsewhere is in sight here, too.
+  c->printer_list.GoTo(name);
   c->damage |= kToolsPane | kDetailsPane;
 }
 
