@@ -107,7 +107,7 @@ void DrawTitle(ContextRef c, const BarTitle& t) {
   style.justification = TextJustification::kLeft;
   style.rgb = ink;
   style.alpha = alpha;
-  style.underline_first = BarLettersShown() && !t.menu->disabled;
+  style.underline_first = ShowsLetter(t.menu);
   DrawThemeText(c, {t.cell.left + kTitleSpace, t.cell.top, t.cell.right, t.cell.bottom},
                 t.menu->title, style);
 }
@@ -205,8 +205,11 @@ void SetPreferencesCommand(bool offered) {
   RemakeApplicationMenu();
   ForgetBarLayout();
 }
+bool IsApplicationMenu(const Menu* m) {
+  return m == bar.application;
+}
 bool OnlyQuits(const Menu* m) {
-  return m == bar.application && !bar.preferences;
+  return IsApplicationMenu(m) && !bar.preferences;
 }
 
 bool PreferencesCommandOffered() {

@@ -195,12 +195,21 @@ TEST(Menus, ByTheKeyboardAlone) {
   // The letters of titles and buttons show until a menu has been chosen by one.
   XwWindow* button = XwButton(m.main, "Hold", 1, 40, 200, 80, 20, XWC_ENABLED | XWC_VISIBLE, 0);
   const auto underlined = [button] {
-    return BarLettersShown() && static_cast<Control*>(button->platform)->underlined;
+    return ShowsLetter(BarTitles()[1].menu) && static_cast<Control*>(button->platform)->underlined;
   };
   User({[] { input::Modifiers(optionKey); }, [&] { EXPECT_TRUE(underlined()); },
         [] { input::KeyDown('f', 'f'), input::KeyUp('f', 'f'); }, check("Open..."),
         [] { input::Modifiers(0); }, Key(kEscape, 27)});
-  EXPECT_FALSE(BarLettersShown() || static_cast<Control*>(button->platform)->underlined);
+  EXPECT_FALSE(ShowsLetter(BarTitles()[1].menu) ||
+               static_cast<Control*>(button->platform)->underlined);
+  // A menu of the program's own comes before the one of its name with the same letter.
+  XwMenuItem shared[2] = {{"Sheets", 0, reinterpret_cast<XwValue>(m.edit), nullptr}, {}};
+  User({Key('s', 's', optionKey), check("Preferences…"), Key(kEscape, 27)});
+  XwSetMenu(m.main, shared);
+  User({[] { input::Modifiers(optionKey); }, [] { EXPECT_FALSE(ShowsLetter(BarTitles()[0].menu)); },
+        [] { input::Modifiers(0); }, Key(kEscape, 27), Key('s', 's', optionKey), check("Cut"),
+        Key(kEscape, 27)});
+  XwSetMenu(m.main, m.bar);
   XwDestroy(button);
   Came();
   EXPECT_EQ(KeyState['p'], 0);
