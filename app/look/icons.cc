@@ -94,6 +94,13 @@ void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) 
   }
 }
 
+void DrawFilterIcon(int x, int y, int32_t ink) {
+  Outline(x, y)
+      .Lines(
+          {{1.5f, 2.5f}, {12.5f, 2.5f}, {8.5f, 7.5f}, {8.5f, 11.5f}, {5.5f, 12.5f}, {5.5f, 7.5f}})
+      .Stroke(ink);
+}
+
 void DrawLargeFolder(int x, int y) {
   const Style& l = TheStyle();
   Outline(x, y)

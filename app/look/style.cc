@@ -95,9 +95,15 @@ void LineAtLeft(const Area& a) {
   Fill({a.x, a.y, 1, a.h}, TheStyle().hairline);
 }
 
-void DrawDropFrame(const Area& a) {
-  XwSetColor(TheStyle().accent);
+static void DrawFrame(const Area& a, int32_t colour) {
+  XwSetColor(colour);
   for (int i = 0; i < 2; ++i) XwDrawRect(a.x + i, a.y + i, a.w - 2 * i, a.h - 2 * i);
+}
+void DrawDropFrame(const Area& a) {
+  DrawFrame(a, TheStyle().accent);
+}
+void DrawFocusRing(const Area& a, int32_t ground) {
+  DrawFrame(a, Mix(TheStyle().accent, ground, 60));
 }
 
 void DrawShadow(const Area& a, int radius) {

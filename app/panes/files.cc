@@ -135,7 +135,11 @@ void DrawHead(const FilesPane* p, const Hit& hover) {
     XwDrawLine(x, y + 6, x + 3, y + 3);
   }
   DrawHeadText(p);
-  DrawLabel(l.small_text, Align::kRight, p->layout.filter_label, "Filter", l.second);
+  const Area& label = p->layout.filter_label;
+  if (label.w > kFilterIcon)
+    DrawLabel(l.small_text, Align::kRight, label, "Filter", l.second);
+  else
+    DrawFilterIcon(label.x, label.y + (label.h - kFilterIcon) / 2, l.second);
 }
 
 void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {

@@ -47,6 +47,7 @@ const std::vector<Line>& Lines() {
                             {"Next pane, and back", "F6, Shift+F6"},
                             {"Selects more rows", "Shift+arrows"},
                             {"In the details: another page", "Page Up, Page Down"},
+                            {"In the details: first, last page", "Home, End"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
                             {"Menu bar", "F10, Alt"},
                             {"Back to files; stops a drag", "Esc"},

@@ -85,9 +85,10 @@ void DragDocuments(Console* c, int what) {
   const bool takes = over && why.empty();
   c->queue.takes_drop = takes && row.empty();
   c->printer_list.takes_drop = takes ? row : "";
+  // What is dragged is not known before it is dropped.
   const std::string where =
-      printer.empty() ? "Drop to print" : "Drop to print on " + Quoted(printer);
-  c->status.Progress("drag", takes ? where : over ? why : "");
+      "Drop to print" + (printer.empty() ? "" : " on " + Quoted(printer)) + ", or to open a folder";
+  c->status.Hint(takes ? where : over ? why : "");
   c->damage |= kQueuePane | kPrintersPane | kStatusPane;
   DrawConsole(c);
 }

@@ -60,6 +60,13 @@ TEST(QueueRows, AreSortedAndFiltered) {
             {Sending(7, "d", OutgoingState::kWaiting)});
   EXPECT_EQ(Names(rows), "d b10 xa b2 é c");
   EXPECT_EQ(rows.Summary(), "1 waiting, 1 printing, 1 held, 1 failed, 1 to be sent");
+  // What somebody has to do something about stays.
+  const auto within = [&rows](size_t most) {
+    return rows.Summary([most](const std::string& text) { return text.size() <= most; });
+  };
+  EXPECT_EQ(within(47), "1 printing, 1 held, 1 failed, 1 to be sent, …");
+  EXPECT_EQ(within(30), "1 held, 1 failed, …");
+  EXPECT_EQ(within(3), "1 failed, …");
   const struct {
     QueueOrder order;
     bool descending;

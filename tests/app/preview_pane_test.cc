@@ -91,8 +91,9 @@ TEST_F(PreviewPaneTest, FollowsTheSelectionTheFileAndTheScreen) {
 }
 
 TEST_F(PreviewPaneTest, KeysGoThroughThePages) {
-  constexpr uint32_t kPageUp = 0xFF55, kPageDown = 0xFF56;
-  home_.File("pages.pdf", PdfOf(3, 0, 421));
+  constexpr uint32_t kHome = 0xFF50, kPageUp = 0xFF55, kPageDown = 0xFF56, kEnd = 0xFF57;
+  // Nothing has the height of its last page.
+  home_.File("pages.pdf", PdfOf(3, 0, 9000000));
   Open("127.0.0.9:1");
   const auto shows = [this](int page) {
     return Until([&] { return c_->details.preview && c_->details.preview->request.page == page; });
@@ -102,9 +103,14 @@ TEST_F(PreviewPaneTest, KeysGoThroughThePages) {
   Click(c_->details.PictureArea());
   for (int i = 0; i < 4; ++i) Key(kPageDown);
   EXPECT_TRUE(shows(3));
-  EXPECT_EQ(SizeWords(*c_->details.preview), "210 × 149 mm");
+  EXPECT_EQ(TroubleWords(*c_->details.preview), "Page 3 cannot be shown");
   Key(kPageUp);
   EXPECT_TRUE(shows(2));
+  EXPECT_EQ(TroubleWords(*c_->details.preview), "");
+  Key(kHome);
+  EXPECT_TRUE(shows(1));
+  Key(kEnd);
+  EXPECT_TRUE(shows(3));
   // Another document begins at its first page.
   Click(FileRow("picture.png"));
   Click(FileRow("pages.pdf"));
