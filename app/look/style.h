@@ -43,7 +43,10 @@ std::string CutToWidth(XwFont* font, const std::string& text, int width);
 // Of a part of a pane.
 void DrawCaption(const Area& a, const char* text);
 void Fill(const Area& a, int32_t colour);
-// Hairlines along one side, inside the area.
+// Hairlines, of the same thickness at every place, also where the scale is a fraction.
+void LineAcross(int x, int y, int w);
+void LineDown(int x, int y, int h);
+// Along one side, inside the area.
 void LineAtTop(const Area& a);
 void LineAtBottom(const Area& a);
 void LineAtRight(const Area& a);

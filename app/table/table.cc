@@ -249,7 +249,7 @@ Area Table::HeadArea(int column) const {
   const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
   const bool to_the_edge = NextColumn(column) < 0 && shape.align != Align::kRight;
   const int right =
-      to_the_edge ? area_.right() : std::min(c.right() - HeadEnd(shape), area_.right());
+      std::min(to_the_edge ? c.right() + 1 : c.right() - HeadEnd(shape), area_.right());
   return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
 }
 
@@ -502,7 +502,7 @@ void Table::DrawHead(int column) const {
     Fill({left, head.y, HeadArea(column).right() - left, head.h}, XwThemeColor(XWR_UTILITY));
   }
   if (c.sorts) return;  // its button has all else
-  if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
+  if (NextColumn(column) >= 0) LineDown(all.right() - 2, head.y + 4, head.h - 8);
   Area text = CellArea(column, head.y, head.h);
   text.TakeLeft(c.indent);
   DrawLabel(l.small_text, c.align, text, c.title, l.ink);
