@@ -26,6 +26,8 @@ constexpr int kLeastPicture = 132, kUsualPicture = 220, kAround = 4, kTroubleLin
               kTroubleGap = 6, kFacts = 6 * kFactLine;
 // Of the buttons for the pages, which stand in the line of the caption.
 constexpr int kPagerTop = 6, kPagerHeight = 22;
+// Of facts that stand beside the picture.
+constexpr int kFactsBeside = 210;
 
 // The chosen one, as the list of the printers tells it.
 std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
@@ -93,16 +95,16 @@ struct Parts {
 
 // What a picture is of.
 struct Pictured {
-  std::string name;
+  std::string path, name;
   FileKind kind = FileKind::kOther;
 };
 std::optional<Pictured> PicturedBy(const DetailsPane* p) {
   if (p->jobs && p->job_file.empty()) return {};
-  if (p->jobs) return Pictured{LastName(p->job_file), KindOf(p->job_file)};
+  if (p->jobs) return Pictured{p->job_file, LastName(p->job_file), KindOf(p->job_file)};
   if (p->selected < 0) return {};
   const FolderEntry e = p->folder.At(p->selected);
   if (e.folder) return {};
-  return Pictured{e.name, KindOf(e.name)};
+  return Pictured{p->folder.PathOf(p->selected), e.name, KindOf(e.name)};
 }
 
 int FactsHeight(const DetailsPane* p, int width) {
@@ -123,6 +125,12 @@ int PictureHeight(const DetailsPane* p, int width, int height, int facts, int pr
   return std::clamp(room, kLeastPicture, most);
 }
 
+// The same for a page with the facts beside it: higher than below it in a wide and low pane.
+int HeightBesideFacts(const DetailsPane* p, int width, int height) {
+  if (!p->tall || !PicturedBy(p)) return 0;
+  return std::min(height - kTroubleLine - kBelow, (width - kFactsBeside - kPadding) * 3 / 2);
+}
+
 // The printer stands at the bottom, or behind the rest where that scrolls.
 Parts LayOutParts(const DetailsPane* p) {
   const Area view = p->scroll.Body();
@@ -130,19 +138,25 @@ Parts LayOutParts(const DetailsPane* p) {
   const int printer = ShowsPrinter(p) ? kPrinterCaption + kBelow +
                                             std::max(kFactLine, FactsHeight(FactsOfPrinter(p), a.w))
                                       : 0;
-  const int facts = FactsHeight(p, a.w);
-  const int picture = PictureHeight(p, a.w, view.h, facts, printer);
+  const int below = PictureHeight(p, a.w, view.h, FactsHeight(p, a.w), printer);
+  const int beside = HeightBesideFacts(p, a.w, view.h - printer);
+  const bool is_beside = beside > below;
+  const int picture = std::max(below, beside);
+  const int facts = FactsHeight(p, is_beside ? kFactsBeside : a.w);
   Parts parts;
   // That a job has no picture stands a little above the facts.
   const int gap = picture == 0 ? kTroubleGap : 0;
   const int trouble = picture > 0 || IsOneJob(p) ? kTroubleLine + gap : 0;
-  parts.height = picture + trouble + facts + kBelow + printer;
+  const int both = picture + trouble;
+  parts.height = (is_beside ? std::max(both, facts) : both + facts) + kBelow + printer;
   a.h = std::max(parts.height, view.h);
   a.y -= p->scroll.top();
   parts.printer = a.TakeBottom(printer);
+  Area column = is_beside ? a.TakeRight(kFactsBeside) : Area{};
+  if (is_beside) a.TakeRight(kPadding);
   parts.picture = a.TakeTop(picture).Inset(0, kAround);
   parts.trouble = a.TakeTop(trouble);
-  parts.facts = a.TakeTop(facts);
+  parts.facts = (is_beside ? column : a).TakeTop(facts);
   return parts;
 }
 
@@ -298,9 +312,17 @@ void DetailsPane::Update() {
   a.TakeTop(kCaption);
   if (a != scroll.area()) scroll.Place(a);
   if (a.Empty()) return;
+  const std::optional<Pictured> of = PicturedBy(this);
   if (const std::string now = SubjectOf(this); now != subject) {
     subject = now;
     scroll.ScrollTo(0);
+    tall = of && of->kind == FileKind::kPages;
+    tall_page = 0;
+  }
+  // Once for each page: what is asked for next depends on it.
+  if (of && preview && preview->request.path == of->path && preview->request.page != tall_page) {
+    tall_page = preview->request.page;
+    if (!preview->pixels.empty()) tall = preview->width < preview->height;
   }
   // The bar takes some of the width, and so may add a line.
   for (int i = 0; i < 2; ++i) scroll.SetHeight(LayOutParts(this).height);

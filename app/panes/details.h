@@ -54,6 +54,9 @@ struct DetailsPane {
   double preview_scale = 1;
   // Of its document: the page that is shown, or will be, and how many there are; 0: not known.
   int page = 1, pages = 0;
+  // Whether its picture, of that page, is higher than wide; page 0: as it is usual for its kind.
+  bool tall = false;
+  int tall_page = 0;
   ScrolledArea scroll{20};
   std::string subject = "";  // what it shows: another one begins at its top
 };

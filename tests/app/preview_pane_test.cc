@@ -116,6 +116,12 @@ TEST_F(PreviewPaneTest, KeysGoThroughThePages) {
   Click(FileRow("pages.pdf"));
   EXPECT_TRUE(shows(1));
   EXPECT_EQ(c_->details.page, 1);
+  // In a wide pane the facts make room for a page.
+  const int height = c_->details.PictureArea().h;
+  c_->panes.details_width = 560;
+  LayOutWindow(c_);
+  DrawConsole(c_);
+  EXPECT_GT(c_->details.PictureArea().h, height);
 }
 
 TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
