@@ -113,9 +113,13 @@ void LineAtLeft(const Area& a) {
   LineDown(a.x, a.y, a.h);
 }
 
-static void DrawFrame(const Area& a, int32_t colour) {
-  XwSetColor(colour);
-  for (int i = 0; i < 2; ++i) XwDrawRect(a.x + i, a.y + i, a.w - 2 * i, a.h - 2 * i);
+// Without a gap between its two pixels at any scale.
+static void DrawFrame(Area a, int32_t colour) {
+  constexpr int kWide = 2;
+  Fill(a.TakeTop(kWide), colour);
+  Fill(a.TakeBottom(kWide), colour);
+  Fill(a.TakeLeft(kWide), colour);
+  Fill(a.TakeRight(kWide), colour);
 }
 void DrawDropFrame(const Area& a) {
   DrawFrame(a, TheStyle().accent);
