@@ -27,6 +27,9 @@ constexpr Words kWords[] = {
     {"Priority", "changing priority…", "Priority changed: ", "keeps its priority",
      "Setting the priority"},
     {"Copies", "changing copies…", "Copies changed: ", "keeps its copies", "Setting the copies"},
+    {"Media", "changing media…", "Media changed: ", "keeps its media", "Setting the media"},
+    {"Profile", "changing profile…", "Profile changed: ", "keeps its profile",
+     "Setting the profile"},
     {"Move to printer", "moving…", "Moved: ", "was not moved", "Moving"},
     {"Move in the queue", "moving…", "Moved in the queue: ", "was not moved", "Moving"},
 };

@@ -86,6 +86,8 @@ Why WhyNot(Verb verb, const NC_Job& job) {
     case Verb::kMove:  // is held before it is moved
       return WhyNotSet(job, true);
     case Verb::kCopies:
+    case Verb::kMedia:
+    case Verb::kProfile:
       return WhyNotSet(job, false);
     case Verb::kReorder:
       return WhyNotReorder(job);
@@ -130,6 +132,8 @@ std::string WhyNone(Verb verb) {
                                    "removed",
                                    "given another priority",
                                    "given another number of copies",
+                                   "given other media",
+                                   "given another profile",
                                    "moved to another printer",
                                    "put elsewhere in the order"};
   return std::string("None of the jobs can be ") + kDone[int(verb)];

@@ -115,7 +115,7 @@ TEST(QueueVerbs, AreTheServersRules) {
   } cases[] = {
       {Verb::kHold, "wpo"},        {Verb::kRelease, "hod"}, {Verb::kPrintAgain, "nd"},
       {Verb::kRemove, "whpond"},   {Verb::kCopies, "whnd"}, {Verb::kMove, "whpond"},
-      {Verb::kPriority, "whpond"}, {Verb::kReorder, "wh"},
+      {Verb::kPriority, "whpond"}, {Verb::kReorder, "wh"},  {Verb::kMedia, "whnd"},
   };
   PendingChanges pending;
   for (const auto& c : cases) {

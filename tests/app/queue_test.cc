@@ -308,6 +308,19 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   EXPECT_TRUE(Tells("Moved to “Office”, which has no A1: “m”"));
   c_->status.ReadMessage();
   ASSERT_TRUE(Settled());
+  // Its menu offers what that printer has, while it is not at it.
+  ChangeJobs(c_, {Verb::kHold});
+  ASSERT_TRUE(Tells("Held: “m”") && Settled());
+  const std::vector<CommandChoice> media = MediaChoices(c_);
+  ASSERT_EQ(media.size(), 2u);
+  EXPECT_TRUE(media[1].text == "A4" && !media[0].checked && !media[1].checked);
+  ChooseMedia(c_, 1);
+  EXPECT_TRUE(Tells("Media changed: “m”") && Settled() && MediaChoices(c_)[1].checked);
+  ASSERT_EQ(ProfileChoices(c_)[2].text, "Standard");
+  ChooseProfile(c_, 2);
+  EXPECT_TRUE(Tells("Profile changed: “m”") && Settled() && ProfileChoices(c_)[2].checked);
+  const NC_Job m = testing_daemon::JobOf(fd_, ids_["m"].data());
+  EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
   c_->server.MoveJobs("Office", "Wide");
   EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
   // Somebody else moves a job while its row is held, and shows what was before.
