@@ -239,7 +239,7 @@ constexpr Command kCommands[] = {
     Row(kRetryCommand, kQueueMenu, "Retry Now", IsServerAway, RetryServer),
 
     Row(kLoadPaperCommand, kQueueMenu, "Paper Loaded", nullptr, LoadPaper,
-        {.group = true, .key = 'l', .why_not = WhyNotLoadPaper}),
+        {.group = true, .key = 'l', .text = LoadPaperText, .why_not = WhyNotLoadPaper}),
     ChosenPrinterRow<PrinterVerb::kPause>(
         kPauseChosenCommand, "Pause Printer",
         [](const Console* c) { return ChosenPrinterText(c, "Pause"); }),

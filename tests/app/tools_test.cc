@@ -5,6 +5,7 @@
 #include "app/look/style.h"
 #include "app/window/commands.h"
 #include "app/window/print_options.h"
+#include "app/window/side_commands.h"
 #include "tests/app/console_fixture.h"
 
 namespace console {
@@ -204,6 +205,16 @@ TEST_F(ConsoleTest, WhatPrintersNeedAndAChosenOneThatIsGoneStandSideBySide) {
 }
 
 TEST_F(ConsoleTest, ALongNameIsCutOnceForTheWidthOfItsBox) {
+  // While none wants paper it can be loaded in the chosen one, if that counts it.
+  for (NC_Printer& printer : all) printer.state = NC_PRINTER_PRINTING, printer.has_id = 1;
+  all[0].paper = -1;
+  c_->state.printers = std::make_shared<std::vector<NC_Printer>>(all);
+  for (const char* name : {"A", "B"}) {
+    c_->printers.Choose(name);
+    PrintersCame(c_);
+    EXPECT_EQ(WhyNotLoadPaper(c_).empty(), *name == 'B');
+  }
+  EXPECT_EQ(LoadPaperText(c_), "Paper Loaded in “B”");
   Open("127.0.0.9:1");
   NC_Printer printer{};
   strcpy(printer.name, "Großformat-Plotter im Keller, links");
