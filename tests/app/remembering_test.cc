@@ -181,7 +181,9 @@ TEST_F(RememberingTest, AServerIsStartedByItselfWherePreferencesSaySo) {
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
   Remembered remembered;
   remembered.preferences.start_local_server = true;
+  remembered.preferences.window_left = 30000, remembered.preferences.window_top = 70;
   Open("localhost:1", std::move(remembered));
+  EXPECT_LE(c_->window->x + c_->window->width, XW_SCREENX) << "it was on another screen";
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
   RetryServer(c_);

@@ -67,6 +67,11 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_EQ(c_->choice.copies, 9);
   Key(0xFF1B);
   EXPECT_EQ(c_->choice.copies, 1);
+  Click(c_->layout.copies);
+  Key('0', '0');
+  EXPECT_FALSE(WhyNotPrint(c_).empty());
+  Key(0xFF1B);
+  EXPECT_EQ(WhyNotPrint(c_), "");
   EXPECT_EQ(XwGetFocus(c_->window), nullptr);
   Click(c_->files.table.NoteButton());
   EXPECT_EQ(c_->files.FilterText(), "");
@@ -88,6 +93,9 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   XwGetTextUtf8(c_->tools.copies, box, sizeof box);
   EXPECT_STREQ(box, "0");
   EXPECT_FALSE(CanRun(c_, kPrintCommand));
+  c_->tools.ChangeCopies(1);
+  EXPECT_TRUE(CanRun(c_, kPrintCommand));
+  c_->choice.no_copies = true;
   ChooseNextCopies(c_, 2);
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   c_->choice.profile = "Fine";
