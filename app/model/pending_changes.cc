@@ -101,7 +101,8 @@ Message OutcomeMessage(const ChangeOutcome& outcome) {
   message.tone = outcome.refusal.tone;
   message.text += (outcome.done ? "; " : "") + outcome.refusal.text;
   if (outcome.refused > 1)
-    message.text += " (and " + NumberText(outcome.refused - 1) + " more like it)";
+    message.text +=
+        "; " + NumberOf(outcome.refused - 1, "more job was", "more jobs were") + " refused";
   return message;
 }
 

@@ -101,7 +101,7 @@ void DoToPrinter(Console* c, Which which, PrinterVerb verb) {
   c->remembered.preferences.default_printer = row->printer->name;
   if (c->remembered.writer) c->remembered.writer->Store(c->remembered.preferences);
   PrintersCame(c);
-  Tell(c, true, "The console begins with " + Quoted(row->printer->name));
+  Tell(c, true, "The console starts with " + Quoted(row->printer->name) + " from now on");
 }
 
 std::vector<CommandChoice> MoveChoices(const Console* c) {

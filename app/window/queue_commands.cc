@@ -124,7 +124,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   c->server.Change(jobs, change);
   if (check.left_out > 0)
     TellWhy(c, NumberText(check.left_out) + " of " + NumberOf(int64_t(ids.size()), "job", "jobs") +
-                   " left out. " + check.why_left_out);
+                   (check.left_out == 1 ? " was" : " were") + " left out. " + check.why_left_out);
   if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;
 }
@@ -255,7 +255,8 @@ void MoveJobs(Console* c, int by) {
     }
     row += by;
   }
-  TellWhy(c, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
+  TellWhy(c, by < 0 ? "The job is the next one of its printer already"
+                    : "The job is the last one of its printer already");
 }
 
 void DropJobs(Console* c, int gap) {
@@ -271,7 +272,11 @@ void MoveJobsTo(Console* c, const std::string& printer) {
     const NC_Job* job = c->queue.rows.JobOf(id);
     return job && printer == job->printer;
   });
-  if (jobs.empty()) return TellWhy(c, "It is for " + Quoted(printer) + " already");
+  if (jobs.empty()) {
+    const bool one = c->queue.Selected().size() == 1;
+    return TellWhy(c,
+                   (one ? "The job is for " : "The jobs are for ") + Quoted(printer) + " already");
+  }
   ChangeThese(c, jobs, {Verb::kMove, 0, printer});
 }
 
