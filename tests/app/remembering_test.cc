@@ -118,7 +118,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->files.Chosen().files == 2; }));
   EXPECT_EQ(c_->files.selection.Ids(), (std::vector<std::string>{".c.pdf", "a.pdf"}));
   EXPECT_EQ(c_->status.message().text.rfind("2 of 3 documents", 0), 0u);
-  EXPECT_EQ(WhyNotOpen(c_), "More than one is selected");
+  EXPECT_EQ(WhyNotOpen(c_), "More than one row is selected");
 
   display::OpenFiles({home_.At("b.pdf"), home_.At("Empty"), home_.At("gone"), home_.At(".c.pdf")},
                      false);
