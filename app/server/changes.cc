@@ -32,8 +32,14 @@ nc::Change TicketOfStep(const JobStep& step) {
     case Verb::kCopies:
       change.copies = step.change.number;
       break;
+    case Verb::kMedia:
+      change.media = step.change.name;
+      break;
+    case Verb::kProfile:
+      change.profile = step.change.name;
+      break;
     case Verb::kMove:
-      change.printer = step.change.printer;
+      change.printer = step.change.name;
       break;
     case Verb::kReorder: {
       char id[33];
@@ -144,7 +150,7 @@ void Worker::Answered(const JobStep& step, int status, const NC_Job& before, boo
 // Where a job went, where somebody else had moved it before, and what it asks for that is not
 // there. Under the mutex.
 void Worker::NoteMove(const JobStep& step, const NC_Job& before) {
-  const std::string& printer = outcome_.printer = step.change.printer;
+  const std::string& printer = outcome_.printer = step.change.name;
   const bool crossed = !step.seen_on.empty() && step.seen_on != before.printer;
   if (crossed && printer != before.printer) outcome_.was_on = before.printer;
   if (!before.media[0]) return;

@@ -254,7 +254,8 @@ void GoUp(Console* c) {
 std::string WhyNotOpen(const Console* c) {
   const int row = c->files.table.selected();
   const auto& [files, folders, bytes] = c->files.Chosen();
-  if (row < 0) return files + folders == 0 ? "No folder is selected" : "More than one is selected";
+  if (row < 0)
+    return files + folders == 0 ? "No folder is selected" : "More than one row is selected";
   return c->files.folder.At(row).folder
              ? ""
              : "Only folders are opened: Print or Ctrl+P prints a document";

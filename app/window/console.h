@@ -380,8 +380,8 @@ void ShowPreview(void* data, int taken);
 // --- Printing (controls.cc)
 // How documents are printed now: an order without one.
 PrintOrder UsualOrder(const Console* c);
-// Queues them and says how many; `left_out` of those that were meant are none.
-void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
+// Queues them and says how many; `folders` that were selected with them are not printed.
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int folders);
 // Those that still wait to be sent: how many, or why none can be cancelled.
 int StillQueued(const Console* c);
 std::string WhyNotCancelQueued(const Console* c);

@@ -146,7 +146,7 @@ bool MayLeaveServer(const Console* c) {
   const Unsent unsent = NotAtServer(c);
   if (!unsent.any()) return true;
   const std::string message = CutMiddle(c->server.host(), kMostHost) + ": " + UnsentText(unsent) +
-                              ". It is given up when the console leaves the server.";
+                              ". What is not done is given up when the console leaves the server.";
   return XwConfirmUtf8("!", "", message.c_str(), "Stay", "Leave", nullptr) == 2;
 }
 

@@ -111,7 +111,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   ASSERT_TRUE(Settled());
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("c")});
   Key('d', 'd');
-  EXPECT_TRUE(Tells("It is the last one"));
+  EXPECT_TRUE(Tells("The job is the last one"));
 
   // Two rows to the gap below the first.
   Select({"c", "d"});
@@ -169,7 +169,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   ASSERT_TRUE(Until([&] { return printer() == "Proof"; }) && Settled());
 
   MoveJobsTo(c_, "Proof");
-  EXPECT_TRUE(Tells("It is for “Proof” already"));
+  EXPECT_TRUE(Tells("The job is for “Proof” already"));
   c_->server.ChangePrinter("Wide", PrinterSetting::kRefuseJobs);
   ASSERT_TRUE(Until([&] { return !c_->printers.Find("Wide")->printer->accepting; }));
   MoveJobsTo(c_, "Wide");
@@ -179,7 +179,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   Select({"c", "d"});
   c_->queue.Sort(QueueOrder::kName, true);
   drag(0, c_->queue.table.RowArea(3).bottom());
-  EXPECT_TRUE(Tells("only while the queue stands in the order"));
+  EXPECT_TRUE(Tells("only while the queue is sorted by Print Order"));
   EXPECT_EQ(testing_daemon::Order(fd_), "a d c b ");
 }
 
@@ -295,7 +295,7 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   OpenWith({"a", "b", "m"});
   Select({"a", "b"});
   ChangeJobs(c_, {Verb::kCopies, 2});
-  EXPECT_TRUE(Tells("1 of 2 jobs left out. The job is at the printer") && Settled());
+  EXPECT_TRUE(Tells("1 of 2 jobs was left out. The job is at the printer") && Settled());
   c_->status.ReadMessage();
   // The media of the next job are kept where the printer has them, and given up aloud elsewhere.
   c_->choice.media = "A1";
@@ -309,6 +309,19 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   EXPECT_TRUE(Tells("Moved to “Office”, which has no A1: “m”"));
   c_->status.ReadMessage();
   ASSERT_TRUE(Settled());
+  // Its menu offers what that printer has, while it is not at it.
+  ChangeJobs(c_, {Verb::kHold});
+  ASSERT_TRUE(Tells("Held: “m”") && Settled());
+  const std::vector<CommandChoice> media = MediaChoices(c_);
+  ASSERT_EQ(media.size(), 2u);
+  EXPECT_TRUE(media[1].text == "A4" && !media[0].checked && !media[1].checked);
+  ChooseMedia(c_, 1);
+  EXPECT_TRUE(Tells("Media changed: “m”") && Settled() && MediaChoices(c_)[1].checked);
+  ASSERT_EQ(ProfileChoices(c_)[2].text, "Standard");
+  ChooseProfile(c_, 2);
+  EXPECT_TRUE(Tells("Profile changed: “m”") && Settled() && ProfileChoices(c_)[2].checked);
+  const NC_Job m = testing_daemon::JobOf(fd_, ids_["m"].data());
+  EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
   c_->server.MoveJobs("Office", "Wide");
   EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
   // Somebody else moves a job while its row is held, and shows what was before.
