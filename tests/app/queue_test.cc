@@ -318,6 +318,20 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
   for (const NC_Job& job : *c_->state.jobs)
     EXPECT_TRUE((job.printer == name && !*job.media) || std::string(job.document) == "a");
+  // Two drops before the documents of the first are looked at: each has a place of its own.
+  while (c_->status.HasError()) c_->status.ReadMessage();
+  display::DragFiles(window, row.x + 60, row.y + 10);
+  display::EndDragOfFiles(window, true);
+  display::OpenFiles({home_.At("dropped.txt")}, false);
+  display::DragFiles(window, 300, 200);
+  display::EndDragOfFiles(window, true);
+  display::FailDrop(window);
+  EXPECT_TRUE(Tells("What was dropped did not come")) << c_->status.message().text;
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 2; }));
+  EXPECT_FALSE(c_->queue.takes_drop);
+  EXPECT_TRUE(c_->awaited_drops.empty());
+  for (const NC_Job& job : *c_->state.jobs)
+    EXPECT_TRUE(job.printer == name || std::string(job.document) == "a");
 }
 
 TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
