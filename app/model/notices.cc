@@ -70,6 +70,7 @@ Message Notices::Shown(int64_t now_ms) const {
 }
 
 Message Notices::Passing(int64_t now_ms) const {
+  if (!hint_.empty()) return {Tone::kBusy, hint_};
   if (now_ms < until_ms_ && !message_.text.empty()) return message_;
   return {Tone::kBusy, ProgressText()};
 }

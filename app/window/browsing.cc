@@ -99,6 +99,7 @@ void Entered(Console* c, FolderReading* r) {
   if (!same && c->hidden_for_now) ShowHiddenNames(c, false);
   c->files.folder.Show(std::move(r->content));
   ShowFreeRoom(c, *r);
+  UpdateLists();  // its window names the folder
   c->files.table.Release();
   c->files.table.ScrollTo(0);
   c->files.selection.Set(NamesToSelect(c, *r));

@@ -2,6 +2,7 @@
 // (app/panes) draw and know what can be hit there; console.cc routes the events, pointer.cc those
 // of the pointer.
 #pragma once
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -153,12 +154,10 @@ struct Console {
 
   bool hidden_for_now = false;  // hidden names show for a document among them, in this folder
 
-  // The printer in whose row documents are dragged, and where the last drop went, whose documents
-  // may come long after it; "": the chosen one.
-  std::string drag_printer, dropped_on;
+  std::string drag_printer;  // in whose row documents are dragged; "": the chosen one
   bool drag_shows = false;
-  int drops = 0;   // that have come
-  int let_go = 0;  // drags that ended in a drop, since a drag or a drop has come to the window
+  std::map<int, std::string> awaited_drops;  // whose documents are to come, and on which printer
+  int drops = 0;                             // that have come
 
   PaneSizes panes;
   int border_grip = 0;     // where beside a border it was pressed

@@ -57,6 +57,7 @@ const std::vector<Line>& Lines() {
                             {"In places: opens, closes", "Right, Left"},
                             {"In copies, priority: more, less", "Up, Down"},
                             {"In the details: another page", "Page Up, Page Down"},
+                            {"In the details: first, last page", "Home, End"},
                             {"Back to files; stops a drag", "Esc"},
                             {"In the files: ends the filter", "Esc"},
                             {"Quit", "Ctrl+Q"}};

@@ -42,8 +42,8 @@ void ChoosePrinter(Console* c, const std::string& name) {
   const std::string media = c->choice.media;
   c->choice.printer = name;
   c->printers.Choose(name);
-  // A keyboard that is in the list stays where it is.
-  if (c->stop != FocusStop::kPrinters) c->printer_list.at = name;
+  // What was chosen elsewhere comes into sight; a keyboard that is in the list stays where it is.
+  if (c->stop != FocusStop::kPrinters) c->printer_list.GoTo(name);
   c->tools.FitMedia(c->state);
   if (c->choice.media != media)
     Tell(c, true, Quoted(name) + " has no " + Shown(media) + ": its usual media are chosen");

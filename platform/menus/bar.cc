@@ -119,8 +119,8 @@ OSStatus DrawBar(HandlerCall*, Event* event, void*) {
   if (bar.width != width) LayOut(width, height);
   ContextRef c = CreateContext(w);
   ClipContextToRegion(c, Region(Rect{0, -height, width, 0}));
-  FillRoundRect(c, {0, -height, width, -1}, 0, RoleColor(Role::kToolBar), kOpaqueAlpha);
-  FillRoundRect(c, {0, -1, width, 0}, 0, RoleColor(Role::kHairline), kOpaqueAlpha);
+  FillRoundRect(c, {0, -height, width, 0}, 0, RoleColor(Role::kToolBar), kOpaqueAlpha);
+  DrawThemeSeparator(c, {0, -1, width, 0}, kThemeStateActive);
   for (const BarTitle& t : bar.titles) DrawTitle(c, t);
   ReleaseContext(c);
   return noErr;

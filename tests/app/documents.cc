@@ -70,7 +70,15 @@ void WritePng(const std::string& path, const Sample& sample) {
   image.width = png_uint_32(sample.width);
   image.height = png_uint_32(sample.height);
   image.format = sample.opacity ? PNG_FORMAT_RGBA : PNG_FORMAT_RGB;
-  std::vector<uint8_t> pixels = Pixels(sample, sample.opacity ? 4 : 3);
+  std::vector<uint8_t> pixels = Pixels(sample, sample.indexed ? 1 : sample.opacity ? 4 : 3);
+  if (sample.indexed) {
+    image.format = PNG_FORMAT_RGBA_COLORMAP;
+    image.colormap_entries = 256;
+    std::vector<uint8_t> colours(1024);
+    colours[3] = 255;
+    png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, colours.data());
+    return;
+  }
   // What is white can be seen through.
   for (size_t i = 3; sample.opacity && i < pixels.size(); i += 4) pixels[i] = 255 - pixels[i - 1];
   png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, nullptr);

@@ -9,6 +9,7 @@ struct Sample {
   int bits = 8;              // of a part of a pixel; 1 for black and white (TIFF)
   bool inks = false;         // CMYK instead of RGB (JPEG, TIFF)
   bool opacity = false;      // a fourth part (PNG)
+  bool indexed = false;      // of two colours, one of which is seen through (PNG)
   int orientation = 1;       // how it is to be turned (JPEG, TIFF)
   int pages = 1;             // TIFF
   bool progressive = false;  // JPEG

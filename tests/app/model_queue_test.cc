@@ -60,6 +60,13 @@ TEST(QueueRows, AreSortedAndFiltered) {
             {Sending(7, "d", OutgoingState::kWaiting)});
   EXPECT_EQ(Names(rows), "d b10 xa b2 é c");
   EXPECT_EQ(rows.Summary(), "1 waiting, 1 printing, 1 held, 1 failed, 1 to be sent");
+  // What somebody has to do something about stays.
+  const auto within = [&rows](size_t most) {
+    return rows.Summary([most](const std::string& text) { return text.size() <= most; });
+  };
+  EXPECT_EQ(within(47), "1 printing, 1 held, 1 failed, 1 to be sent, …");
+  EXPECT_EQ(within(30), "1 held, 1 failed, …");
+  EXPECT_EQ(within(3), "1 failed, …");
   const struct {
     QueueOrder order;
     bool descending;
@@ -273,10 +280,19 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(OutcomeMessage(moved).text,
             "Moved to “Proof”, though somebody else had moved it to “Wide”: 2 jobs");
   EXPECT_EQ(OutcomeMessage(moved).tone, Tone::kWarning);
+  const ChangeOutcome refused{Verb::kHold, 1, 3, "a", "", "", {Tone::kBad, "“b” was not held"}, ""};
+  EXPECT_EQ(OutcomeMessage(refused).text, "Held: “a”; “b” was not held (and 2 more like it)");
   EXPECT_EQ(ProgressText({Verb::kHold, 3, 9}), "");
   EXPECT_EQ(ProgressText({Verb::kHold, 3, 10}), "Holding: 3 of 10 jobs");
   EXPECT_EQ(AwayText("ada", "does not answer", 0), "ada does not answer. Trying again…");
-  Outgoing out = Sending(1, "a", OutgoingState::kWaiting);
+  Outgoing out = Sending(1, "a", OutgoingState::kSending);
+  out.total = 100, out.silent_s = 7;
+  EXPECT_EQ(WordsOfOutgoing(out).ShownText(), "its file does not answer, for 7 s");
+  QueueRows rows;
+  rows.Show(Jobs({"a:p", "a:w"}), {out});
+  EXPECT_EQ(FactsOfSeveral(rows, {Id(1), Id(2), {1, {}}})[1].value,
+            "1 waiting, 1 printing, 1 on the way");
+  out = Sending(1, "a", OutgoingState::kWaiting);
   out.media = "A1", out.copies = 3, out.priority = 70;
   std::string facts;
   for (const Fact& fact : FactsOfOutgoing(out, 5000)) facts += fact.name + " " + fact.value + " ";

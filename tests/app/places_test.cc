@@ -143,8 +143,8 @@ TEST(Preferences, WhatIsNotUnderstoodLeavesTheUsual) {
   const Preferences usual;
   for (const char* text :
        {"window-width=99999999999", "window-width=5", "window-width=900x", "window-width",
-        "file-columns=10 x", "mine-only=maybe", "server=a b", "server=host:0", "server=-x",
-        "recent-server=bad name", "\x00\xFF", "=", "====\n\n\n"}) {
+        "file-columns=10 x", "mine-only=maybe", "server=a b", "server=host:0", "server=host:65536",
+        "server=-x", "recent-server=bad name", "\x00\xFF", "=", "====\n\n\n"}) {
     Preferences read = ParsePreferences(text);
     read.unknown.clear();
     EXPECT_EQ(read, usual) << text;

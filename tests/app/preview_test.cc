@@ -87,6 +87,9 @@ TEST_F(PreviewTest, PicturesAreShownAsTheyAreMeant) {
       {"seen through",
        [](auto& p) { WritePng(p, {.width = 1200, .height = 400, .opacity = true}); }, "PNG picture",
        "RGB, transparent", "1,200 × 400 pixels", 1, 300, 100, "bwww"},
+      {"one colour seen through",
+       [](auto& p) { WritePng(p, {.width = 1200, .height = 400, .indexed = true}); }, "PNG picture",
+       "indexed colours, transparent", "1,200 × 400 pixels", 1, 300, 100, "bwww"},
       {"turned camera",
        [](auto& p) { WriteJpeg(p, {.width = 600, .height = 400, .orientation = 6}); },
        "JPEG picture", "RGB", "67.7 × 102 mm", 1, 200, 300, "wbww"},
@@ -138,7 +141,7 @@ TEST_F(PreviewTest, PagesAreDrawnByTheProgramsOfThePdfLibrary) {
   EXPECT_EQ(KindWords(p) + ", " + SizeWords(p), "PDF document, 210 × 297 mm");
   EXPECT_EQ(p.pages, 3);
   EXPECT_EQ(p.height, 300);
-  p = Of(files_.File("b.pdf", PdfOf(1, 90)));
+  p = Of(files_.File("b.pdf", "a letter's head\n" + PdfOf(1, 90)));
   EXPECT_EQ(SizeWords(p), "297 × 210 mm");
   EXPECT_EQ(p.width, 300);
   // The bar is at the right now.
@@ -171,7 +174,7 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
     std::vector<std::string> lines;
     const char* trouble;
   } cases[] = {
-      {"Gr\xC3\xBC\xC3\x9F"
+      {"\xEF\xBB\xBFGr\xC3\xBC\xC3\x9F"
        "e\ta\r\n\r\nb",
        {"Grüße   a", "", "b"},
        ""},
@@ -181,7 +184,7 @@ TEST_F(PreviewTest, TextsOfEachEncodingAndWhatIsNone) {
        ""},
       {"\xFF\xFE\xFC\0\x3D\xD8\0\xDE"s, {"ü😀"}, ""},
       {"\xFE\xFF\xD8\x3D\0a"s, {"\uFFFDa"}, ""},
-      {std::string(65535, 'x') + "\xC3\xA4", {std::string(400, 'x')}, ""},
+      {"\xC3\xA4\n" + std::string(65532, 'x') + "\xC3\xA4", {"ä", std::string(400, 'x')}, ""},
       {"twenty letters and a \0zero\x01"s, {}, "No preview of this kind of document"},
       {"some forty letters, more than a line has,\0and a zero\n"s,
        {"some forty letters, more than a line has, and a zero"},

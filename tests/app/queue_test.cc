@@ -95,12 +95,21 @@ TEST_F(QueueTest, ANumberThatNoMenuHasIsAsked) {
   Select({"a"});
   AskNumber(c_, Verb::kPriority);
   Turn(4);
-  Key('9', '9');
-  Key(0xFF09);
+  for (const uint32_t key : {0x31u, 0x30u, 0x31u, kReturnKey, 0xFF09u}) Key(key, key & 0x3F);
   EXPECT_FALSE(Node("Set").what.name.empty()) << "Tab leaves the box and no more";
   Key(kEscapeKey);
   EXPECT_TRUE(Node("Set").what.name.empty());
+  // It begins with what the job has.
+  AskNumber(c_, Verb::kPriority);
+  Turn(4);
+  Key(kReturnKey);
+  ASSERT_TRUE(Settled());
   EXPECT_EQ(job("a").priority, 50);
+  Select({"b"});
+  for (const NC_JobState state : {NC_JOB_HELD, NC_JOB_WAITING}) {
+    Key(' ', ' ');
+    EXPECT_TRUE(Until([&] { return State("b") == state; }) && Settled());
+  }
 }
 
 TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
@@ -110,8 +119,6 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   ASSERT_TRUE(Until([&] { return Rows() == "a b d c "; }));
   ASSERT_TRUE(Settled());
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("c")});
-  Key('d', 'd');
-  EXPECT_TRUE(Tells("The job is the last one"));
 
   // Two rows to the gap below the first.
   Select({"c", "d"});
@@ -165,8 +172,20 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
     return std::string(testing_daemon::JobOf(fd_, ids_["b"].data()).printer);
   };
   ASSERT_TRUE(Until([&] { return printer() == "Office"; }) && Settled());
-  ChangeJobs(c_, {Verb::kMove, 0, "Proof"});
+  Select({"c"});
+  Key('d', 'd');
+  EXPECT_TRUE(Tells("The job is the last one")) << "another printer's is not passed";
+  // By the menu of printers, which its key opens.
+  const auto choose = [](char first) {
+    for (const uint32_t key : {uint32_t('m'), uint32_t(first), kReturnKey, kEscapeKey}) {
+      display::KeyDown(key, key < 128 ? key : 0);
+      display::KeyUp(key, key < 128 ? key : 0);
+    }
+  };
+  Select({"b"});
+  choose('p');
   ASSERT_TRUE(Until([&] { return printer() == "Proof"; }) && Settled());
+  SetFocusStop(c_, FocusStop::kQueue);
 
   MoveJobsTo(c_, "Proof");
   EXPECT_TRUE(Tells("The job is for “Proof” already"));
@@ -174,6 +193,11 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   ASSERT_TRUE(Until([&] { return !c_->printers.Find("Wide")->printer->accepting; }));
   MoveJobsTo(c_, "Wide");
   EXPECT_EQ(c_->status.message().text, "“Wide” takes no new jobs");
+  EXPECT_FALSE(PrinterChoices(c_)[2].enabled);
+  choose('w');
+  Turn(6);
+  EXPECT_TRUE(c_->state.pending.empty());
+  SetFocusStop(c_, FocusStop::kQueue);
 
   // In another order it is not done, and a line says why.
   Select({"c", "d"});
@@ -217,15 +241,16 @@ TEST_F(QueueTest, AJobThatIsPutElsewhereStaysInSight) {
   EXPECT_FALSE(shows_new(FocusStop::kQueue, FocusStop::kQueue));
   EXPECT_FALSE(shows_new(FocusStop::kFiles, FocusStop::kQueue));
   EXPECT_TRUE(shows_new(FocusStop::kFiles, FocusStop::kFiles));
-  SetFocusStop(c_, FocusStop::kQueue);
 
   // A list that comes by itself scrolls nothing, and a key shows what it acts on.
-  table.ScrollTo(table.RowArea(25).bottom());
+  table.ScrollTo(12 * Table::kRowHeight);
   testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   c_->server.Refresh();
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 28; }));
-  EXPECT_FALSE(shows(1));
+  EXPECT_EQ(table.top(), 12 * Table::kRowHeight);
+  EXPECT_FALSE(shows(1) || shows(27));
+  SetFocusStop(c_, FocusStop::kQueue);
   Key('h', 'h');
   EXPECT_TRUE(shows(1));
 }
@@ -237,16 +262,19 @@ TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
   Select({"d"});
   MoveJobs(c_, -1);
+  c_->server.Change({{Id("a").job, "a", ""}}, {Verb::kPriority, 60});
   // What was to be closed stays open for that.
   static bool stays = true;
   std::atexit([] {
     if (stays) _exit(1);
   });
   EXPECT_FALSE(AskBeforeQuit(c_));
+  EXPECT_FALSE(Node("Close Anyway").what.name.empty());
   daemon_.Signal(SIGCONT);
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   EXPECT_TRUE(Tells("one of the two jobs has been removed by somebody else"));
-  EXPECT_FALSE(c_->asking);
+  EXPECT_TRUE(Until([&] { return !c_->asking; }));
+  EXPECT_EQ(c_->state.notices.back().message.text, "Priority changed: “a”") << "by itself";
   stays = false;
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
 }
@@ -270,7 +298,9 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   const Area row = c_->printer_list.list.RowArea(0);
   const std::string name = c_->printer_list.NameAt(0);
   ASSERT_NE(name, c_->printers.chosen());
+  c_->choice.media = "A1";
   const auto window = static_cast<platform::WindowRef>(c_->window->platform);
+  c_->status.Tell(Tone::kGood, "an older message");
   display::DragFiles(window, 300, 200);
   Turn();
   EXPECT_TRUE(c_->queue.takes_drop);
@@ -286,6 +316,20 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   EXPECT_EQ(c_->printer_list.takes_drop, "");
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 1; }));
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
+  for (const NC_Job& job : *c_->state.jobs)
+    EXPECT_TRUE((job.printer == name && !*job.media) || std::string(job.document) == "a");
+  // Two drops before the documents of the first are looked at: each has a place of its own.
+  while (c_->status.HasError()) c_->status.ReadMessage();
+  display::DragFiles(window, row.x + 60, row.y + 10);
+  display::EndDragOfFiles(window, true);
+  display::OpenFiles({home_.At("dropped.txt")}, false);
+  display::DragFiles(window, 300, 200);
+  display::EndDragOfFiles(window, true);
+  display::FailDrop(window);
+  EXPECT_TRUE(Tells("What was dropped did not come")) << c_->status.message().text;
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 2; }));
+  EXPECT_FALSE(c_->queue.takes_drop);
+  EXPECT_TRUE(c_->awaited_drops.empty());
   for (const NC_Job& job : *c_->state.jobs)
     EXPECT_TRUE(job.printer == name || std::string(job.document) == "a");
 }
@@ -342,6 +386,8 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   c_->status.ReadMessage();
   c_->server.Change({{Id("b").job, "b", "Proof"}}, {Verb::kMove, 0, "Wide"});
   EXPECT_TRUE(Tells("Moved to “Wide”: “b”"));
+  c_->server.ChangePrinter("gone", PrinterSetting::kPause);
+  EXPECT_TRUE(Tells("Not paused: “gone”"));
 }
 
 TEST_F(QueueTest, ShowsWhatIsAskedFor) {
@@ -358,6 +404,9 @@ TEST_F(QueueTest, ShowsWhatIsAskedFor) {
   Turn(2);
   Key('c', 'c');
   EXPECT_EQ(Rows(), "c ");
+  Key(kReturnKey);
+  EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("c")});
+  Click(c_->queue.head.text_area);
   Key(kEscapeKey);
   EXPECT_EQ(Rows(), "a b c ");
   EXPECT_EQ(c_->stop, FocusStop::kQueue);
@@ -367,6 +416,17 @@ TEST_F(QueueTest, ShowsWhatIsAskedFor) {
     EXPECT_EQ(Rows(), order);
   }
   EXPECT_TRUE(c_->queue.rows.InPrintOrder()) << "the third press";
+  for (int i = 0; i < 2; ++i) ChooseSort(c_, 2);
+  EXPECT_EQ(Rows(), "c b a ");
+  ChooseSort(c_, 0);
+  // The menu of one that is selected is for all of them.
+  Select({"b", "c"});
+  const Area row = c_->queue.table.RowArea(2);
+  display::Click(c_->window->x + row.x + 100, c_->window->y + row.y + 9, 2);
+  display::KeyDown(kEscapeKey);
+  display::KeyUp(kEscapeKey);
+  Turn(4);
+  EXPECT_EQ(c_->queue.Selected().size(), 2u);
   ChoosePart(c_, QueueFilter::kEnded);
   EXPECT_EQ(c_->queue.rows.count(), 0);
   EXPECT_EQ(XwGetValue(c_->queue.head.part), int(QueueFilter::kEnded));

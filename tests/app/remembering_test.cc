@@ -168,6 +168,9 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   Key('s', 's');
   display::Modifiers(0);
   EXPECT_TRUE(c_->server_start);
+  CloseConsole(c_);
+  c_ = nullptr;
+  EXPECT_EQ(BackgroundTask::WaitForAll(20000), 0);
   os::SetExecutablePath(nullptr);
 }
 

@@ -70,11 +70,15 @@ TEST_F(SpawnTest, ProgramsGetThreeDescriptorsAndUsualSignals) {
 }
 
 TEST_F(SpawnTest, TheServerOutlivesItsStarterAndTellsItsSpool) {
+  files_.Folder("state/quorvik");
+  const size_t much = 2 << 20;
+  chmod(files_.File("state/quorvik/printserverd.log", std::string(much, '\n')).c_str(), 0600);
   const LocalServerResult first = StartServer(host_);
   ASSERT_TRUE(first.started) << first.message << ReadFile(first.log);
   EXPECT_EQ(first.spool, files_.At("state/quorvik/spool"));
   EXPECT_EQ(first.message, "A print server was started; its spool is " + first.spool);
   EXPECT_EQ(ModeOf(first.log), 0600u);
+  EXPECT_LT(ReadFile(first.log).size(), much) << "a log that is too large begins again";
   EXPECT_EQ(getsid(first.pid), first.pid);
   const int fd = NC_ConnectN(host_.c_str(), 20000);
   EXPECT_GE(fd, 0);

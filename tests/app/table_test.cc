@@ -114,6 +114,9 @@ TEST(Columns, ABorderMovesRoomFromOneToTheOther) {
     // They stay so in the same room, and give and take in another one.
     t.Place({10, 20, 500 + kBar, 200});
     EXPECT_EQ(t.ColumnArea(2).right(), 510) << row.border << " " << row.by;
+    // Each that was made wider gives its own part first.
+    const std::vector<int> given = {200, 200, 100};
+    EXPECT_TRUE(row.by != -100 || Widths(t) == given);
     t.Place({10, 20, 300 + kBar, 200});
     EXPECT_TRUE(t.ColumnArea(1).Empty());
     EXPECT_EQ(t.ColumnArea(2).right(), 310) << row.border << " " << row.by;
@@ -142,9 +145,12 @@ TEST(Keys, MoveTheSelectionAndKeepItInSight) {
     t.Select(row.from);
     EXPECT_TRUE(t.Key(row.key));
     EXPECT_EQ(t.selected(), row.to) << row.from << " " << row.key;
-    const Area a = t.RowArea(t.selected()), body = t.Body();
-    EXPECT_GE(a.y, body.y);
-    EXPECT_LE(a.bottom(), body.bottom());
+    for (const int rows : {10, 3}) {  // also where the table becomes smaller
+      t.Place({0, 0, 500, 22 + rows * 22 + 7});
+      const Area a = t.RowArea(t.selected()), body = t.Body();
+      EXPECT_GE(a.y, body.y);
+      EXPECT_LE(a.bottom(), body.bottom());
+    }
   }
   // A row that has the keyboard and is not selected comes first.
   NumberTable list({0, 0, 500, 200}, 9);
@@ -500,14 +506,17 @@ TEST_F(OnAWindow, TheSelectionTellsWhetherItHasTheKeyboard) {
   const Area row = t.RowArea(2);
   const struct {
     bool focused, muted;
-    uint32_t background;
-  } kRows[] = {{true, false, 0x3875D7}, {false, false, 0xD8D5CF}, {true, true, 0xD8D5CF}};
+    uint32_t background, edge;
+  } kRows[] = {{true, false, 0x3875D7, 0x3875D7},
+               {false, false, 0xD8D5CF, 0xD8D5CF},
+               {true, true, 0xD8D5CF, 0x88ACE7}};
   for (const auto& r : kRows) {
     t.SetFocused(r.focused);
     t.SetMuted(r.muted);
     Draw(&t);
     EXPECT_EQ(At(row.x + 3, row.y), r.background);
-    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.background);
+    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.edge)
+        << "the table's, where no row tells it";
     EXPECT_EQ(At(row.x + 3, row.y - 1), 0xFBFAF9u);
     EXPECT_EQ(At(row.x + 3, row.bottom()), 0xFBFAF9u);
   }
