@@ -430,10 +430,11 @@ void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
  * the desktop shows so; else it takes them, as every window does that is not told. The handler,
  * which may be null, hears as they move over the window and when they are dropped (Inp.px, Inp.py
  * and Inp.item tell where), and when they have left it (Inp.item is 0): the program shows there
- * where they would go. What was dropped comes afterwards, as 798 to the first window, or never when
- * it does not arrive. A wait that keeps the window out hears of the end alone.
+ * where they would go. What was dropped comes afterwards, as 798 to the first window; when it does
+ * not arrive the handler hears that it failed (Inp.item is 0). A wait that keeps the window out
+ * hears of the end alone.
  * Ignored for other windows. */
-enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2 };
+enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2, XW_DRAG_FAILED = 3 };
 typedef void (*XwDragHandler)(int what);
 void XwSetDragHandler(XwWindow* window, int take, XwDragHandler handler);
 
@@ -443,6 +444,12 @@ void XwSetDragHandler(XwWindow* window, int take, XwDragHandler handler);
  * They belong to the toolkit and stay as they are until the next event. Outside 798 the result is
  * null and the number 0; `count` may be null. */
 const char* const* XwDroppedFiles(int* count);
+
+/* Which drop the documents of the 798 being handled are of: the number that it had in the drag
+ * handler, which asks as it hears XW_DRAG_DROPPED or XW_DRAG_FAILED; drops are counted from 1. 0:
+ * of none, another program asks by the message bus. So a program knows where documents were dropped
+ * that come late, or not at all: an alert keeps the last 798 alone. */
+int XwDropNumber(void);
 
 /* The program's icon, which the desktop shows beside its windows and their names: size x size
  * pixels, rows from the top, 0xAARRGGBB, colours not multiplied by alpha. One for each size (16,

@@ -82,16 +82,23 @@ void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent) 
       break;
     case FileKind::kPages:
       DrawSheet(x, y, paper, edge);
-      XwBox(x + 4, y + 9, 8, 3, shade(l.bad));
+      Outline(x, y).Rectangle({4, 9}, 8, 3).Fill(shade(l.bad));
       break;
     case FileKind::kText:
       DrawSheet(x, y, paper, edge);
-      for (int i = 0; i < 3; ++i) XwBox(x + 5, y + 7 + 2 * i, 6, 1, edge);
+      for (int i = 0; i < 3; ++i) Outline(x, y).Rectangle({5, 7 + 2 * float(i)}, 6, 1).Fill(edge);
       break;
     case FileKind::kOther:
       DrawSheet(x, y, paper, edge);
       break;
   }
+}
+
+void DrawFilterIcon(int x, int y, int32_t ink) {
+  Outline(x, y)
+      .Lines(
+          {{1.5f, 2.5f}, {12.5f, 2.5f}, {8.5f, 7.5f}, {8.5f, 11.5f}, {5.5f, 12.5f}, {5.5f, 7.5f}})
+      .Stroke(ink);
 }
 
 void DrawLargeFolder(int x, int y) {

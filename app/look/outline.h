@@ -1,5 +1,6 @@
 // Small drawings made of lines and curves, smooth at every scale.
 #pragma once
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -12,16 +13,27 @@ struct Point {
   float x, y;
 };
 
-// A path whose corners count from a place of the selected window.
+// The nearest whole device pixel of the selected window.
+inline float AtPixel(int place) {
+  const double scale = XwGetScale(XW);
+  return float(std::floor(place * scale + 0.5) / scale);
+}
+
+// A path whose corners count from a place of the selected window. The place is moved to a whole
+// device pixel, so that a drawing looks the same wherever it stands.
 class Outline {
  public:
-  Outline(int x, int y) : x_(float(x)), y_(float(y)) {}
+  Outline(int x, int y) : x_(AtPixel(x)), y_(AtPixel(y)) {}
 
   // A closed one, or an open one when `closed` is false.
   Outline& Lines(std::initializer_list<Point> points, bool closed = true) {
     for (const Point& p : points) Add(&p == points.begin() ? XWP_MOVE : XWP_LINE, p);
     if (closed) Add(XWP_CLOSE, {});
     return *this;
+  }
+  Outline& Rectangle(Point corner, float w, float h) {
+    const auto [x, y] = corner;
+    return Lines({{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}});
   }
   Outline& Circle(Point c, float r) {
     // A quarter as a curve has its control points at this part of the radius.

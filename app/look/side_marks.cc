@@ -21,8 +21,8 @@ void DrawStep(int x, int y, bool back, int32_t colour) {
 
 void DrawVolumeIcon(int x, int y, int32_t edge, int32_t face) {
   XwRoundBox(x + 1, y + 4, 14, 9, 2, face, edge);
-  XwBox(x + 2, y + 9, 12, 1, edge);
-  XwBox(x + 11, y + 10, 2, 2, edge);
+  Outline(x, y).Rectangle({2, 9}, 12, 1).Fill(edge);
+  Outline(x, y).Rectangle({11, 10}, 2, 2).Fill(edge);
 }
 
 }  // namespace console

@@ -1,6 +1,7 @@
 #include "app/look/style.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "app/format/cut.h"
@@ -82,22 +83,49 @@ void DrawCaption(const Area& a, const char* text) {
 void Fill(const Area& a, int32_t colour) {
   if (!a.Empty()) XwBox(a.x, a.y, a.w, a.h, colour);
 }
+
+void LineAcross(int x, int y, int w) {
+  if (w <= 0) return;
+  XwSetColor(TheStyle().hairline);
+  XwDrawLine(x, y, x + w - 1, y);
+}
+void LineDown(int x, int y, int h) {
+  if (h <= 0) return;
+  XwSetColor(TheStyle().hairline);
+  XwDrawLine(x, y, x, y + h - 1);
+}
 void LineAtTop(const Area& a) {
-  Fill({a.x, a.y, a.w, 1}, TheStyle().hairline);
+  LineAcross(a.x, a.y, a.w);
 }
 void LineAtBottom(const Area& a) {
-  Fill({a.x, a.bottom() - 1, a.w, 1}, TheStyle().hairline);
+  if (a.Empty()) return;
+  // At the far side of its pixel, so that nothing of this area shows behind it.
+  const double scale = XwGetScale(XW);
+  const float thin = float(std::max(1.0, std::floor(scale)) / scale), left = AtPixel(a.x);
+  Outline(0, 0)
+      .Rectangle({left, AtPixel(a.bottom()) - thin}, AtPixel(a.right()) - left, thin)
+      .Fill(TheStyle().hairline);
 }
 void LineAtRight(const Area& a) {
-  Fill({a.right() - 1, a.y, 1, a.h}, TheStyle().hairline);
+  LineDown(a.right() - 1, a.y, a.h);
 }
 void LineAtLeft(const Area& a) {
-  Fill({a.x, a.y, 1, a.h}, TheStyle().hairline);
+  LineDown(a.x, a.y, a.h);
 }
 
+// Without a gap between its two pixels at any scale.
+static void DrawFrame(Area a, int32_t colour) {
+  constexpr int kWide = 2;
+  Fill(a.TakeTop(kWide), colour);
+  Fill(a.TakeBottom(kWide), colour);
+  Fill(a.TakeLeft(kWide), colour);
+  Fill(a.TakeRight(kWide), colour);
+}
 void DrawDropFrame(const Area& a) {
-  XwSetColor(TheStyle().accent);
-  for (int i = 0; i < 2; ++i) XwDrawRect(a.x + i, a.y + i, a.w - 2 * i, a.h - 2 * i);
+  DrawFrame(a, TheStyle().accent);
+}
+void DrawFocusRing(const Area& a, int32_t ground) {
+  DrawFrame(a, Mix(TheStyle().accent, ground, 60));
 }
 
 void DrawShadow(const Area& a, int radius) {

@@ -43,7 +43,10 @@ std::string CutToWidth(XwFont* font, const std::string& text, int width);
 // Of a part of a pane.
 void DrawCaption(const Area& a, const char* text);
 void Fill(const Area& a, int32_t colour);
-// Hairlines along one side, inside the area.
+// Hairlines, of the same thickness at every place, also where the scale is a fraction.
+void LineAcross(int x, int y, int w);
+void LineDown(int x, int y, int h);
+// Along one side, inside the area.
 void LineAtTop(const Area& a);
 void LineAtBottom(const Area& a);
 void LineAtRight(const Area& a);
@@ -57,6 +60,9 @@ void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground);
 Area DrawStrip(Area a, int32_t dot);
 // Around what documents would go to that are dragged over the window.
 void DrawDropFrame(const Area& a);
+// Around what has the keyboard, two pixels inside the area, where nothing that stands there shows
+// it.
+void DrawFocusRing(const Area& a, int32_t ground);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);
 void DrawDot(int x, int y, int32_t colour);
@@ -73,6 +79,8 @@ FileKind KindOf(const std::string& name);
 const char* KindText(FileKind kind);
 // In a field of 16 x 16; `background` shows through, `percent` of its colours.
 void DrawFileIcon(FileKind kind, int x, int y, int32_t background, int percent);
+// A funnel, 14 x 14.
+void DrawFilterIcon(int x, int y, int32_t ink);
 // A large folder in pale lines, for one that is empty.
 constexpr int kLargeFolderWidth = 44, kLargeFolderHeight = 32;
 void DrawLargeFolder(int x, int y);

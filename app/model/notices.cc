@@ -63,13 +63,14 @@ void Notices::EndProgress(const std::string& key) {
 Message Notices::Shown(int64_t now_ms) const {
   if (errors_.empty()) return Passing(now_ms);
   const Error& first = errors_.front();
-  std::string text = first.text;
-  if (first.times > 1) text += " (" + NumberText(first.times) + " times)";
-  if (errors() > 1) text += " (and " + NumberText(errors() - 1) + " more" + ")";
-  return {first.tone, std::move(text)};
+  std::string more = first.times > 1 ? NumberText(first.times) + " times" : "";
+  if (errors() > 1)
+    more += (more.empty() ? "" : "; ") + NumberOf(errors() - 1, "more message", "more messages");
+  return {first.tone, first.text + (more.empty() ? "" : " (" + more + ")")};
 }
 
 Message Notices::Passing(int64_t now_ms) const {
+  if (!hint_.empty()) return {Tone::kBusy, hint_};
   if (now_ms < until_ms_ && !message_.text.empty()) return message_;
   return {Tone::kBusy, ProgressText()};
 }

@@ -36,12 +36,15 @@ class Notices {
   // longest-standing one is shown, with the number of the others.
   void Progress(const std::string& key, std::string text);
   void EndProgress(const std::string& key);
+  // What something that is being dragged would do: shown before all else that passes, "": nothing
+  // is dragged.
+  void Hint(std::string text) { hint_ = std::move(text); }
 
   // What the line shows at this time: the reason, else the oldest error or warning, else what
   // passes.
   Message Shown(int64_t now_ms) const;
-  // What the line shows beside an error or warning, and alone where there is none: the message,
-  // else what takes a while, else nothing.
+  // What the line shows beside an error or warning, and alone where there is none: the hint, else
+  // the message, else what takes a while, else nothing.
   Message Passing(int64_t now_ms) const;
   bool HasError() const { return !errors_.empty(); }
   int errors() const { return int(errors_.size()) + left_out_; }
@@ -64,6 +67,7 @@ class Notices {
   Message message_;
   int64_t until_ms_ = 0;
   std::vector<Line> lines_;
+  std::string hint_;
 };
 
 }  // namespace console

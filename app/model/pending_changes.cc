@@ -27,6 +27,9 @@ constexpr Words kWords[] = {
     {"Priority", "changing priority…", "Priority changed: ", "keeps its priority",
      "Setting the priority"},
     {"Copies", "changing copies…", "Copies changed: ", "keeps its copies", "Setting the copies"},
+    {"Media", "changing media…", "Media changed: ", "keeps its media", "Setting the media"},
+    {"Profile", "changing profile…", "Profile changed: ", "keeps its profile",
+     "Setting the profile"},
     {"Move to printer", "moving…", "Moved: ", "was not moved", "Moving"},
     {"Move in the queue", "moving…", "Moved in the queue: ", "was not moved", "Moving"},
 };
@@ -98,7 +101,8 @@ Message OutcomeMessage(const ChangeOutcome& outcome) {
   message.tone = outcome.refusal.tone;
   message.text += (outcome.done ? "; " : "") + outcome.refusal.text;
   if (outcome.refused > 1)
-    message.text += " (and " + NumberText(outcome.refused - 1) + " more like it)";
+    message.text +=
+        "; " + NumberOf(outcome.refused - 1, "more job was", "more jobs were") + " refused";
   return message;
 }
 

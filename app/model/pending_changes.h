@@ -21,6 +21,8 @@ enum class Verb : uint8_t {
   kRemove,
   kPriority,
   kCopies,
+  kMedia,
+  kProfile,
   kMove,
   kReorder
 };

@@ -207,23 +207,53 @@ const Outgoing* QueueRows::OutgoingOf(const QueueId& id) const {
   return &outgoing_[size_t(it->second)];
 }
 
-std::string QueueRows::Summary() const {
+namespace {
+
+// Those of the highest rank are left out first, those of rank 0 never.
+struct SummaryPart {
+  int64_t count;
+  std::string words;
+  int rank;
+};
+
+std::string Joined(const std::vector<SummaryPart>& parts, bool all) {
   std::string text;
-  auto add = [&](const std::string& part) { text += (text.empty() ? "" : ", ") + part; };
+  for (const SummaryPart& p : parts)
+    text += (text.empty() ? "" : ", ") + NumberText(p.count) + " " + p.words;
+  return all ? text : text + (text.empty() ? "…" : ", …");
+}
+
+}  // namespace
+
+std::string QueueRows::Summary(const std::function<bool(const std::string&)>& fits) const {
+  std::vector<SummaryPart> parts;
+  const auto add = [&parts](int64_t count, std::string words, int rank) {
+    if (count) parts.push_back({count, std::move(words), rank});
+  };
   if (jobs_) {
     int64_t counts[6] = {};
     for (const NC_Job& job : *jobs_) ++counts[job.state];
-    for (const NC_JobState state :
-         {NC_JOB_WAITING, NC_JOB_PRINTING, NC_JOB_HELD, NC_JOB_PAPER_OUT, NC_JOB_FAILED})
-      if (counts[state]) add(NumberText(counts[state]) + " " + nc::JobStateText(state));
+    constexpr std::pair<NC_JobState, int> kStates[] = {{NC_JOB_WAITING, 5},
+                                                       {NC_JOB_PRINTING, 3},
+                                                       {NC_JOB_HELD, 1},
+                                                       {NC_JOB_PAPER_OUT, 0},
+                                                       {NC_JOB_FAILED, 0}};
+    for (const auto& [state, rank] : kStates) add(counts[state], nc::JobStateText(state), rank);
   }
   int64_t waiting = 0, failed = 0;
   for (const Outgoing& o : outgoing_) ++(o.state == OutgoingState::kFailed ? failed : waiting);
-  if (waiting) add(NumberText(waiting) + " to be sent");
-  if (failed) add(NumberText(failed) + " not sent");
-  if (jobs_ && text.empty()) text = jobs_->empty() ? "empty" : "nothing waits";
-  if (leaves_out())
-    add(NumberText(count()) + " of " + NumberText(int64_t(row_of_.size())) + " shown");
+  add(waiting, "to be sent", 4);
+  add(failed, "not sent", 0);
+  const std::string all = NumberText(int64_t(row_of_.size()));
+  if (leaves_out()) parts.push_back({count(), "of " + all + " shown", 2});
+  std::string text = Joined(parts, true);
+  if (jobs_ && waiting + failed == 0 && parts.size() == size_t(leaves_out())) {
+    const std::string none = jobs_->empty() ? "empty" : "nothing waits";
+    return text.empty() ? none : none + ", " + text;
+  }
+  for (int rank = 5; rank > 0 && fits && !fits(text); --rank)
+    if (std::erase_if(parts, [rank](const SummaryPart& p) { return p.rank == rank; }))
+      text = Joined(parts, false);
   return text;
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -103,7 +104,9 @@ class QueueRows {
   bool InPrintOrder() const { return order_ == QueueOrder::kPrint && !descending_; }
 
   // "5 waiting, 1 printing, 2 held", what needs someone, and how many a filter leaves; "empty".
-  std::string Summary() const;
+  // Where `fits` is false for it, what nobody has to do anything about is left out first, and "…"
+  // stands for that; what is out of paper or has failed is always there.
+  std::string Summary(const std::function<bool(const std::string&)>& fits = {}) const;
   // As of FolderRows.
   bool leaves_out() const { return count() < int(row_of_.size()); }
   std::string NoteText() const;

@@ -25,17 +25,17 @@ constexpr Why kHeld{"The job is held already", "The jobs are held already"};
 constexpr Why kNotHeld{"The job is not held", "None of the jobs is held"};
 constexpr Why kNotPrinted{"The job has not been printed yet",
                           "None of the jobs has been printed yet"};
-constexpr Why kNoDocument{"The server no longer has its document",
-                          "The server no longer has their documents"};
+constexpr Why kNoDocument{"The server no longer has the job's document",
+                          "The server no longer has the jobs' documents"};
 constexpr Why kCancelled{"Its sending is being cancelled", "Their sending is being cancelled"};
-constexpr Why kNotSent{"It was not sent", "They were not sent"};
-constexpr Why kToBeSent{"It is still to be sent", "They are still to be sent"};
+constexpr Why kNotSent{"The document could not be sent", "The documents could not be sent"};
+constexpr Why kToBeSent{"The document has not been sent yet",
+                        "The documents have not been sent yet"};
 constexpr Why kGone{"The job is not in the queue any more",
                     "The jobs are not in the queue any more"};
 constexpr Why kAway{"The server is away", "The server is away"};
 
-constexpr char kOtherOrder[] =
-    "Jobs can be moved only while the queue stands in the order in which it prints";
+constexpr char kOtherOrder[] = "Jobs can be moved only while the queue is sorted by Print Order";
 
 Why WhyEnded(const NC_Job& job) {
   return job.state == NC_JOB_DONE ? kPrinted : job.state == NC_JOB_FAILED ? kFailed : kPossible;
@@ -86,6 +86,8 @@ Why WhyNot(Verb verb, const NC_Job& job) {
     case Verb::kMove:  // is held before it is moved
       return WhyNotSet(job, true);
     case Verb::kCopies:
+    case Verb::kMedia:
+    case Verb::kProfile:
       return WhyNotSet(job, false);
     case Verb::kReorder:
       return WhyNotReorder(job);
@@ -130,8 +132,10 @@ std::string WhyNone(Verb verb) {
                                    "removed",
                                    "given another priority",
                                    "given another number of copies",
+                                   "given other media",
+                                   "given another profile",
                                    "moved to another printer",
-                                   "put elsewhere in the order"};
+                                   "moved in the queue"};
   return std::string("None of the jobs can be ") + kDone[int(verb)];
 }
 
@@ -141,7 +145,7 @@ std::string WhyWait(const QueueRows& rows, const std::vector<QueueId>& selected,
     return rows.JobOf(id) && pending.Of(id.job);
   });
   if (changing == 0) return "";
-  if (selected.size() == 1) return "A change of the job is under way";
+  if (selected.size() == 1) return "The job is still being changed";
   return NumberOf(changing, "job is", "jobs are") + " still being changed";
 }
 
@@ -210,7 +214,8 @@ std::vector<Reordering> PlanLine(const QueueRows& rows, const PrinterLine& line,
     if (line.moved == 1 && i + 2 == n)
       steps.push_back(step(line.rows[n - 1], line.rows[i]));
     else
-      *why_not = "A job can be put before another one, not behind the last: drag the others up";
+      *why_not =
+          "A job is put before another one, never behind the last: move the others up instead";
   }
   return steps;
 }

@@ -147,9 +147,9 @@ std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   if (IsAtPrinter(job.state)) facts.Add("Printed", ProgressOf(job).text);
   AddHistory(job, now, &facts);
   if (HasEnded(job.state))
-    facts.Add("Again", job.kept ? "the server keeps it" : "it is no longer kept");
+    facts.Add("Kept", job.kept ? "yes, it can be printed again" : "no, it cannot be printed again");
   if (const std::string says = Shown(job.text); says != nc::JobStateText(job.state))
-    facts.Add("Says", says);
+    facts.Add("Message", says);
   return facts.All();
 }
 

@@ -22,8 +22,12 @@ namespace {
 constexpr int kCaption = 38, kPrinterCaption = 32, kPadding = 16, kBelow = 10;
 // Of a picture: what it has at least, where the rest scrolls. Below it is a line that says why
 // there is none, and six facts.
-constexpr int kLeastPicture = 100, kUsualPicture = 220, kAround = 4, kTroubleLine = 22,
+constexpr int kLeastPicture = 132, kUsualPicture = 220, kAround = 4, kTroubleLine = 22,
               kTroubleGap = 6, kFacts = 6 * kFactLine;
+// Of the buttons for the pages, which stand in the line of the caption.
+constexpr int kPagerTop = 6, kPagerHeight = 22;
+// Of facts that stand beside the picture.
+constexpr int kFactsBeside = 210;
 
 // The chosen one, as the list of the printers tells it.
 std::vector<Fact> FactsOfPrinter(const DetailsPane* pane) {
@@ -52,14 +56,14 @@ std::string KindOfDocument(const Preview* preview, FileKind by_name) {
 }
 
 // Where the name says that it is of a kind which is shown, and no reader knows it, it is damaged.
-std::string TroubleOf(const Preview& preview, const std::string& name) {
+std::string TroubleOf(const Preview& preview, const std::string& name, int pages) {
   constexpr std::string_view kShown[] = {"pdf", "png", "jpg", "jpeg", "tif", "tiff"};
   const bool named =
       std::find(std::begin(kShown), std::end(kShown), FileKindKey(name)) != std::end(kShown);
   return named && preview.kind != DocumentKind::kEmpty &&
                  preview.trouble == PreviewTrouble::kNoPreview
              ? "This file is damaged: it cannot be read"
-             : TroubleWords(preview);
+             : TroubleWords(preview, pages);
 }
 
 FileKind KindOfEntry(const FolderEntry& e) {
@@ -91,16 +95,16 @@ struct Parts {
 
 // What a picture is of.
 struct Pictured {
-  std::string name;
+  std::string path, name;
   FileKind kind = FileKind::kOther;
 };
 std::optional<Pictured> PicturedBy(const DetailsPane* p) {
   if (p->jobs && p->job_file.empty()) return {};
-  if (p->jobs) return Pictured{LastName(p->job_file), KindOf(p->job_file)};
+  if (p->jobs) return Pictured{p->job_file, LastName(p->job_file), KindOf(p->job_file)};
   if (p->selected < 0) return {};
   const FolderEntry e = p->folder.At(p->selected);
   if (e.folder) return {};
-  return Pictured{e.name, KindOf(e.name)};
+  return Pictured{p->folder.PathOf(p->selected), e.name, KindOf(e.name)};
 }
 
 int FactsHeight(const DetailsPane* p, int width) {
@@ -109,14 +113,22 @@ int FactsHeight(const DetailsPane* p, int width) {
   return FactsHeight(FactsOfDocument(p, p->folder.At(p->selected)), width);
 }
 
-// In a large pane a picture is larger: half of the height at most.
-int PictureHeight(const DetailsPane* p, int width, int height, int facts) {
+// All that the facts leave, up to what a page that is as wide as the pane needs. Where that is
+// little, the printer is scrolled to.
+int PictureHeight(const DetailsPane* p, int width, int height, int facts, int printer) {
   const std::optional<Pictured> of = PicturedBy(p);
   if (!of) return 0;
   const int name = int(FactLines(Shown(of->name), width).size() - 1) * kNextFactLine;
-  const int most = std::max(kUsualPicture, std::min(width * 5 / 4, height / 2));
-  const int room = height - kTroubleLine - std::max(kFacts + name, facts) - kBelow;
+  const int most = std::max(kUsualPicture, width * 3 / 2);
+  const int below = kTroubleLine + std::max(kFacts + name, facts) + kBelow;
+  const int room = std::max(height - printer, std::min(height, kUsualPicture + below)) - below;
   return std::clamp(room, kLeastPicture, most);
+}
+
+// The same for a page with the facts beside it: higher than below it in a wide and low pane.
+int HeightBesideFacts(const DetailsPane* p, int width, int height) {
+  if (!p->tall || !PicturedBy(p)) return 0;
+  return std::min(height - kTroubleLine - kBelow, (width - kFactsBeside - kPadding) * 3 / 2);
 }
 
 // The printer stands at the bottom, or behind the rest where that scrolls.
@@ -126,19 +138,25 @@ Parts LayOutParts(const DetailsPane* p) {
   const int printer = ShowsPrinter(p) ? kPrinterCaption + kBelow +
                                             std::max(kFactLine, FactsHeight(FactsOfPrinter(p), a.w))
                                       : 0;
-  const int facts = FactsHeight(p, a.w);
-  const int picture = PictureHeight(p, a.w, view.h - printer, facts);
+  const int below = PictureHeight(p, a.w, view.h, FactsHeight(p, a.w), printer);
+  const int beside = HeightBesideFacts(p, a.w, view.h - printer);
+  const bool is_beside = beside > below;
+  const int picture = std::max(below, beside);
+  const int facts = FactsHeight(p, is_beside ? kFactsBeside : a.w);
   Parts parts;
-  // Pages, and that a job has no picture, stand a little above the facts.
-  const int gap = picture == 0 || p->HasPages() ? kTroubleGap : 0;
+  // That a job has no picture stands a little above the facts.
+  const int gap = picture == 0 ? kTroubleGap : 0;
   const int trouble = picture > 0 || IsOneJob(p) ? kTroubleLine + gap : 0;
-  parts.height = picture + trouble + facts + kBelow + printer;
+  const int both = picture + trouble;
+  parts.height = (is_beside ? std::max(both, facts) : both + facts) + kBelow + printer;
   a.h = std::max(parts.height, view.h);
   a.y -= p->scroll.top();
   parts.printer = a.TakeBottom(printer);
+  Area column = is_beside ? a.TakeRight(kFactsBeside) : Area{};
+  if (is_beside) a.TakeRight(kPadding);
   parts.picture = a.TakeTop(picture).Inset(0, kAround);
   parts.trouble = a.TakeTop(trouble);
-  parts.facts = a.TakeTop(facts);
+  parts.facts = (is_beside ? column : a).TakeTop(facts);
   return parts;
 }
 
@@ -156,38 +174,33 @@ std::string SubjectOf(const DetailsPane* p) {
 // The line below the picture, or in its place.
 std::string TroubleLine(const DetailsPane* p) {
   if (const std::optional<Pictured> of = PicturedBy(p))
-    return p->preview ? TroubleOf(*p->preview, of->name) : "";
+    return p->preview ? TroubleOf(*p->preview, of->name, p->pages) : "";
   return IsOneJob(p) ? "No preview: it was not sent from here" : "";
 }
 
-// Where one page of several shows: two buttons with the page between them, in the line below the
-// picture. A trouble has what is left.
+// Where one page of several shows: two buttons with the page between them at the right of the
+// caption, which has what is left. They stand there for every page, wherever the rest is scrolled.
 struct Pager {
-  Area previous, text, next, trouble;
+  Area caption, previous, text, next;
 };
 
 std::string PageText(const DetailsPane* p) {
   return NumberText(p->page) + " of " + NumberText(p->pages);
 }
 
-Pager LayOutPager(const DetailsPane* p, const Parts& parts) {
-  constexpr int kButton = 22, kGap = 8;
+Pager LayOutPager(const DetailsPane* p) {
+  constexpr int kButton = 22, kGap = 6;
   Pager pager;
-  Area line{parts.trouble.x, parts.trouble.y + 3, parts.trouble.w, kTroubleLine - 3};
-  if (!p->HasPages()) {
-    pager.trouble = line;
-    return pager;
-  }
-  // As wide on each page: the buttons stay where they are.
+  pager.caption = p->layout.details.Inset(kPadding, 0).TakeTop(kCaption);
+  if (!p->HasPages()) return pager;
+  // As wide on each page.
   const std::string widest = NumberText(p->pages) + " of " + NumberText(p->pages);
   const int text = XwTextWidthUtf8(TheStyle().small_text, widest.c_str()) + 2 * kGap;
-  const int all = text + 2 * kButton;
-  Area right = TroubleLine(p).empty() ? Area{line.x + (line.w - all) / 2, line.y, all, line.h}
-                                      : line.TakeRight(all);
-  if (!TroubleLine(p).empty()) pager.trouble = line;
-  pager.previous = right.TakeLeft(kButton);
-  pager.next = right.TakeRight(kButton);
-  pager.text = right;
+  Area line = pager.caption.TakeRight(text + 2 * kButton);
+  line.y += kPagerTop, line.h = kPagerHeight;
+  pager.previous = line.TakeLeft(kButton);
+  pager.next = line.TakeRight(kButton);
+  pager.text = line;
   return pager;
 }
 
@@ -220,20 +233,24 @@ void AddPagerHits(const DetailsPane* p, const Pager& pager, Hits* hits) {
       {DetailsPane::kNextPage, "Next Page", pager.next, p->page < p->pages},
   };
   for (const auto& b : kButtons)
-    hits->Add({kPages, b.part, 0}, p->scroll.Visible(b.area),
+    hits->Add({kPages, b.part, 0}, b.area,
               {XWA_BUTTON, b.enabled ? 0 : uint32_t{XWT_DISABLED}, b.name, "", b.name});
-  hits->Cover(p->scroll.Visible(pager.text), {XWA_LABEL, 0, "Page", PageText(p)});
+  hits->Cover(pager.text, {XWA_LABEL, 0, "Page", PageText(p)});
 }
 
-void DrawPicture(const DetailsPane* p, const Parts& parts, const Hit& hover) {
+void DrawPicture(const DetailsPane* p, const Parts& parts) {
   const Style& l = TheStyle();
   const std::optional<Pictured> of = PicturedBy(p);
   if (of && !(p->preview && DrawPreview(*p->preview, p->preview_scale, parts.picture)))
     DrawKindSheet(parts.picture, of->name, of->kind);
-  const Pager pager = LayOutPager(p, parts);
-  DrawLabel(l.small_text, of && !p->HasPages() ? Align::kCenter : Align::kLeft, pager.trouble,
-            TroubleLine(p), l.second);
-  DrawPager(p, pager, hover);
+  DrawLabel(l.small_text, of ? Align::kCenter : Align::kLeft, parts.trouble, TroubleLine(p),
+            l.second);
+}
+
+// A narrow pane has no room for it beside the buttons.
+void DrawDetailsCaption(const DetailsPane* p, const Area& a) {
+  const std::string text = p->jobs ? JobCaption(*p->jobs) : "DOCUMENT";
+  if (XwTextWidthUtf8(TheStyle().caption, text.c_str()) <= a.w) DrawCaption(a, text.c_str());
 }
 
 void DrawSelected(const DetailsPane* p, Area a) {
@@ -275,9 +292,15 @@ bool DetailsPane::TurnPage(int by) {
 }
 
 bool DetailsPane::PageKey(int type) {
-  if (!HasPages() || (type != XWE_PAGE_UP && type != XWE_PAGE_DOWN)) return false;
-  TurnPage(type == XWE_PAGE_UP ? -1 : 1);
-  return true;
+  const struct {
+    int key, by;
+  } kKeys[] = {{XWE_PAGE_UP, -1}, {XWE_PAGE_DOWN, 1}, {XWE_HOME, -pages}, {XWE_END, pages}};
+  for (const auto& [key, by] : kKeys) {
+    if (!HasPages() || key != type) continue;
+    TurnPage(by);
+    return true;
+  }
+  return false;
 }
 
 void DetailsPane::MakeControls(XwWindow* window) {
@@ -289,9 +312,17 @@ void DetailsPane::Update() {
   a.TakeTop(kCaption);
   if (a != scroll.area()) scroll.Place(a);
   if (a.Empty()) return;
+  const std::optional<Pictured> of = PicturedBy(this);
   if (const std::string now = SubjectOf(this); now != subject) {
     subject = now;
     scroll.ScrollTo(0);
+    tall = of && of->kind == FileKind::kPages;
+    tall_page = 0;
+  }
+  // Once for each page: what is asked for next depends on it.
+  if (of && preview && preview->request.path == of->path && preview->request.page != tall_page) {
+    tall_page = preview->request.page;
+    if (!preview->pixels.empty()) tall = preview->width < preview->height;
   }
   // The bar takes some of the width, and so may add a line.
   for (int i = 0; i < 2; ++i) scroll.SetHeight(LayOutParts(this).height);
@@ -308,11 +339,10 @@ void DetailsPane::AddHits(bool focused, Hits* hits) const {
     hits->Cover(scroll.Body(),
                 {XWA_GROUP, XWT_FOCUSABLE | (focused ? uint32_t{XWT_FOCUSED} : 0), "Details", ""});
   const std::string trouble = TroubleLine(this);
-  const Pager pager = LayOutPager(this, parts);
-  const bool cut = XwTextWidthUtf8(TheStyle().small_text, trouble.c_str()) > pager.trouble.w;
+  const bool cut = XwTextWidthUtf8(TheStyle().small_text, trouble.c_str()) > parts.trouble.w;
   const Words picture{XWA_PICTURE, 0, "Preview", trouble, cut ? trouble : ""};
   hits->Cover(scroll.Visible(parts.picture.Empty() ? parts.trouble : parts.picture), picture);
-  AddPagerHits(this, pager, hits);
+  AddPagerHits(this, LayOutPager(this), hits);
   if (jobs)
     AddJobFacts(*jobs, parts.facts, scroll, hits);
   else if (selected >= 0)
@@ -328,22 +358,21 @@ void DetailsPane::Draw(const Hit& hover, bool focused) const {
   const Style& l = TheStyle();
   Fill(layout.details, l.side);
   LineAtLeft(layout.details);
-  DrawCaption(layout.details.Inset(kPadding, 0), jobs ? JobCaption(*jobs).c_str() : "DOCUMENT");
+  const Pager pager = LayOutPager(this);
+  DrawDetailsCaption(this, pager.caption);
+  DrawPager(this, pager, hover);
   const Area view = scroll.Body();
   if (view.Empty()) return;
   const Parts parts = LayOutParts(this);
   XwClip(uint16_t(view.x), uint16_t(view.y), uint16_t(view.w), uint16_t(view.h));
-  DrawPicture(this, parts, hover);
+  DrawPicture(this, parts);
   if (jobs)
     DrawJobFacts(*jobs, parts.facts);
   else
     DrawSelected(this, parts.facts);
   if (!parts.printer.Empty()) DrawPrinter(this, parts.printer);
   if (scroll.top() > 0) LineAtTop(view);
-  if (focused) {
-    XwSetColor(Mix(l.accent, l.side, 45));
-    XwDrawRect(view.x + 1, view.y, view.w - 1, view.h);
-  }
+  if (focused) DrawFocusRing({view.x + 1, view.y, view.w - 1, view.h}, l.side);
   XwClip(0, 0, 0, 0);
 }
 

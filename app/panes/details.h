@@ -30,9 +30,10 @@ struct DetailsPane {
   bool TakesKeys() const { return !layout.details.Empty() && (scroll.Scrolls() || HasPages()); }
   // Whether its document shows one page of several.
   bool HasPages() const;
-  // Page Up, Page Down: true when that goes to another page of several, or would go past the last.
+  // Page Up, Page Down, Home and End, where there are several pages: true when it was one of them.
   bool PageKey(int type);
-  // Goes to another page, if there is one; false when not.
+  // Goes so many pages on or back, at most to the last or the first one; false when that is the
+  // same.
   bool TurnPage(int by);
 
   // All are looked at for as long as the pane lives.
@@ -53,6 +54,9 @@ struct DetailsPane {
   double preview_scale = 1;
   // Of its document: the page that is shown, or will be, and how many there are; 0: not known.
   int page = 1, pages = 0;
+  // Whether its picture, of that page, is higher than wide; page 0: as it is usual for its kind.
+  bool tall = false;
+  int tall_page = 0;
   ScrolledArea scroll{20};
   std::string subject = "";  // what it shows: another one begins at its top
 };

@@ -9,6 +9,8 @@
 namespace console {
 namespace {
 
+// Of the sheet for a kind: the room for its shadow, and its height.
+constexpr int kSheetAround = 6, kLeastSheet = 60, kMostSheet = 240;
 constexpr int kTextSize = 9, kTextLine = 11, kTextMargin = 10;
 
 // Paper with a soft shadow.
@@ -25,10 +27,14 @@ void DrawEdge(const Area& a) {
   XwDrawRect(a.x, a.y, a.w, a.h);
 }
 
-// In the middle of the box, no larger than it.
+// In the middle of the box, no larger than it. A picture as large as the room that there was is
+// enlarged until the one for a larger room comes; a smaller one is as large as it is.
 Area PlaceOf(const Preview& p, double scale, const Area& box) {
   const double width = p.width / scale, height = p.height / scale;
-  const double fit = std::min({1.0, box.w / width, box.h / height});
+  const bool fills = p.width >= p.request.width - 1 || p.height >= p.request.height - 1;
+  double fit = std::min(box.w / width, box.h / height);
+  // Less is one logical pixel that is not whole.
+  if (fit > 1 && (!fills || fit < 1.02)) fit = 1;
   const int w = std::max(1, std::min(box.w, int(std::ceil(width * fit))));
   const int h = std::max(1, std::min(box.h, int(std::ceil(height * fit))));
   return {box.x + (box.w - w) / 2, box.y + (box.h - h) / 2, w, h};
@@ -53,7 +59,9 @@ std::vector<uint8_t> Extended(const Preview& p, int width, int height) {
 // whole logical pixels, so that each of its pixels is one of the device.
 void PutPicture(const Preview& p, double scale, const Area& a) {
   const int width = DevicePixels(a.x, a.w, scale), height = DevicePixels(a.y, a.h, scale);
-  const bool fits = width >= p.width && height >= p.height;
+  const int most = int(std::ceil(scale));
+  const bool fits =
+      width >= p.width && height >= p.height && width < p.width + most && height < p.height + most;
   if (!fits || (width == p.width && height == p.height))
     return XwPutImageScaled(a.x, a.y, a.w, a.h, p.pixels.data(), p.width, p.height);
   XwPutImageScaled(a.x, a.y, a.w, a.h, Extended(p, width, height).data(), width, height);
@@ -74,20 +82,26 @@ void DrawText(const std::vector<std::string>& lines, const Area& box) {
 
 void DrawKindSheet(const Area& box, const std::string& name, FileKind kind) {
   const Style& l = TheStyle();
-  const int width = box.h * 10 / 14;
-  const Area a = {box.x + (box.w - width) / 2, box.y, width, box.h};
+  const int height =
+      std::min({box.h - 2 * kSheetAround, (box.w - 2 * kSheetAround) * 14 / 10, kMostSheet});
+  if (height < kLeastSheet) return;
+  const int width = height * 10 / 14;
+  const Area a = {box.x + (box.w - width) / 2, box.y + (box.h - height) / 2, width, height};
   DrawPaper(a);
   DrawEdge(a);
   const int32_t inks[] = {l.accent, l.bad, l.good, l.second, l.line};
-  Area page = a.Inset(18, 18);
+  const int margin = std::min(18, width / 8), gap = std::min(14, height / 14);
+  Area page = a.Inset(margin, margin);
   Fill(page.TakeTop(page.h / 3), Mix(inks[int(kind)], l.document, 14));
   Fill({page.x, page.y - 3, page.w, 3}, inks[int(kind)]);
   const size_t dot = name.rfind('.');
   std::string ending = dot == std::string::npos || dot == 0 ? "" : Shown(name.substr(dot + 1));
   for (char& ch : ending)
     if (ch >= 'a' && ch <= 'z') ch = char(ch - 32);
-  page.TakeTop(14);
-  DrawLabel(l.heading, Align::kLeft, page.TakeTop(24), ending.empty() ? "FILE" : ending,
+  if (ending.empty()) ending = "FILE";
+  const bool fits = XwTextWidthUtf8(l.heading, ending.c_str()) <= page.w;
+  page.TakeTop(gap);
+  DrawLabel(fits ? l.heading : l.caption, Align::kLeft, page.TakeTop(fits ? 24 : 16), ending,
             Mix(inks[int(kind)], l.ink, 70));
   page.TakeTop(6);
   for (int i = 0; i < 4 && page.h > 6; ++i) {

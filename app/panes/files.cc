@@ -6,6 +6,7 @@
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
+#include "app/look/outline.h"
 #include "app/model/crumbs.h"
 #include "app/panes/ids.h"
 
@@ -129,13 +130,16 @@ void DrawHead(const FilesPane* p, const Hit& hover) {
                     : l.second);
     if (lit && !last) Fill({crumb.area.x, crumb.area.y + 21, crumb.area.w - 1, 1}, l.accent);
     if (last) break;
-    const int x = crumb.area.right() + 6, y = crumb.area.y + 11;
-    XwSetColor(l.line);
-    XwDrawLine(x, y, x + 3, y + 3);
-    XwDrawLine(x, y + 6, x + 3, y + 3);
+    Outline(crumb.area.right() + 6, crumb.area.y + 12)
+        .Lines({{0.5f, 0.5f}, {3.5f, 3.5f}, {0.5f, 6.5f}}, false)
+        .Stroke(l.line, 1.3f);
   }
   DrawHeadText(p);
-  DrawLabel(l.small_text, Align::kRight, p->layout.filter_label, "Filter", l.second);
+  const Area& label = p->layout.filter_label;
+  if (label.w > kFilterIcon)
+    DrawLabel(l.small_text, Align::kRight, label, "Filter", l.second);
+  else
+    DrawFilterIcon(label.x, label.y + (label.h - kFilterIcon) / 2, l.second);
 }
 
 void DrawCell(const FilesPane* p, int row, int column, const CellLook& cell) {

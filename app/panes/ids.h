@@ -17,6 +17,8 @@ enum CommandId {
   kRemoveCommand,
   kPriorityCommand,
   kCopiesCommand,
+  kMediaCommand,
+  kProfileCommand,
   kMoveToPrinterCommand,
   kMoveUpCommand,
   kMoveDownCommand,

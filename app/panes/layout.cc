@@ -5,9 +5,9 @@
 namespace console {
 namespace {
 
-constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 34;
+constexpr int kTools = 40, kStatus = 26, kHead = 30, kQueueHead = 35;
 constexpr int kStop = 18;
-// The filter of the files: in a narrow pane it is narrower, and has no label.
+// The filter of the files: in a narrow pane it is narrower, and has an icon as its label.
 constexpr int kFilter = 170, kLeastFilter = 96, kFilterLabelFrom = 520;
 // The width from which a side shows by itself, and what it takes of it.
 struct Side {
@@ -82,9 +82,10 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   l.folder_head = all.TakeTop(kHead);
   l.folder = all;
   const int filter = std::clamp(l.folder_head.w * 30 / 100, kLeastFilter, kFilter);
-  l.filter = {l.folder_head.right() - 12 - filter, l.folder_head.y + 3, filter, 24};
-  const int label = l.folder_head.w < kFilterLabelFrom ? 0 : 40;
-  l.filter_label = {l.filter.x - (label ? label + 6 : 0), l.folder_head.y, label, kHead - 1};
+  // Its ring, 3 pixels around it, ends above the hairline of the head.
+  l.filter = {l.folder_head.right() - 12 - filter, l.folder_head.y + 3, filter, 23};
+  const int label = l.folder_head.w < kFilterLabelFrom ? kFilterIcon : 40;
+  l.filter_label = {l.filter.x - label - 6, l.folder_head.y, label, kHead - 1};
   LayOutTools(&l);
   return l;
 }

@@ -6,6 +6,9 @@
 
 namespace console {
 
+// The width of the label of the files' filter where it is an icon.
+constexpr int kFilterIcon = 14;
+
 struct Layout {
   Area tools;
   // On the tool bar; what has no room is empty, and stands in the menu of the options.

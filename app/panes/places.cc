@@ -187,6 +187,7 @@ void PlacesPane::Draw(const Hit& hover, bool active, bool focused) const {
   DrawCaption(a.Inset(12, 0), "PLACES");
   Area foot = a.TakeBottom(kFooter);
   list.DrawRows([&](int row, const Area& area) { DrawRow(row, area, hover, active, focused); });
+  if (active && focused && !list.ShowsRow()) DrawFocusRing(list.area(), l.side);
   DrawLabel(l.small_text, Align::kLeft, foot.Inset(12, 0),
             wait_text.empty() ? free_text : wait_text, wait_text.empty() ? l.second : l.warning);
 }

@@ -268,6 +268,8 @@ void PrintersPane::Draw(const Hit& hover, bool active, bool focused) const {
   list.DrawRows([&](int row, const Area& area) {
     DrawRow(row, area, hover, active && focused && row == list.at());
   });
+  // The row is grey while the server is away.
+  if (active && focused && (away || !list.ShowsRow())) DrawFocusRing(list.area(), l.side);
   if (const int lines = SupplyLines(); lines > 0)
     DrawSupplies(a.TakeBottom(lines * kSupplyLine + kSupplyEnd).Inset(12, 0));
 }

@@ -74,7 +74,17 @@ void QueuePane::Update() {
   PlaceControl(show_all, rows.leaves_out() ? table.NoteButton() : Area{});
 }
 
+std::string QueuePane::SummaryShown() const {
+  const int room = head.SummaryArea(layout.queue_head).w;
+  return rows.Summary([room](const std::string& text) {
+    return XwTextWidthUtf8(TheStyle().small_text, text.c_str()) <= room;
+  });
+}
+
 void QueuePane::AddHits(Hits* hits) const {
+  const std::string summary = rows.Summary();
+  hits->Cover(head.SummaryArea(layout.queue_head),
+              {XWA_LABEL, 0, "Queue Summary", summary, SummaryShown() == summary ? "" : summary});
   table.AddHits(
       hits, [this](int row) { return WordsOfRow(this, row); },
       [this](int row, const std::vector<int>& widths) { return CutTextsIn(this, row, widths); });
@@ -82,8 +92,11 @@ void QueuePane::AddHits(Hits* hits) const {
 
 void QueuePane::Draw(const Hit& hover, bool focused) {
   table.SetFocused(focused);
-  table.SetMuted(state.link != Link::kReady);
-  head.Draw(layout.queue_head, rows.Summary());
+  // Jobs are what the server said last. A document that waits to be sent is known here, and stays
+  // as true as it was.
+  table.SetMuted(state.link != Link::kReady,
+                 [this](int row) { return rows.OutgoingAt(row) != nullptr; });
+  head.Draw(layout.queue_head, SummaryShown());
   table.Draw(hover);
   if (!takes_drop) return;
   const Area& rows_area = layout.queue;

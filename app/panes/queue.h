@@ -56,6 +56,8 @@ struct QueuePane {
 
  private:
   std::vector<Outgoing> OutgoingNow() const;
+  // The summary, as much of it as there is room for.
+  std::string SummaryShown() const;
   // The rows are others: the table and the selection follow.
   void Renewed();
   void ShowFollowed();

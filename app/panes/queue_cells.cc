@@ -67,7 +67,7 @@ void DrawNumber(const Cells& row, const CellLook& cell) {
   if (cell.selected) DrawRing(a.x, y, cell.ink);
   const int32_t own = DotOf(row.words.dot);
   const int32_t dot = cell.selected && own == l.accent ? l.dark_accent : own;
-  DrawDot(a.x, y, cell.muted ? CellColor(cell, dot) : dot);
+  DrawDot(a.x, y, cell.muted ? Dimmed(dot, cell.background) : dot);
   a.TakeLeft(kDotRoom);
   if (row.number > 0) DrawLabel(l.view, cell.align, a, std::to_string(row.number), cell.second);
 }

@@ -9,9 +9,11 @@ namespace {
 
 // A narrower window has the menu for what is left out.
 constexpr int kAgainFrom = 860, kListsFrom = 1080;
-// A push button's record reaches 6 pixels below it, and the hairline is not to be covered.
-constexpr int kTop = 5, kControl = 22;
+// The ring of the control with the keyboard needs 5 pixels above a list and 6 below a push button,
+// and does not cover the hairlines of the head.
+constexpr int kTop = 6, kControl = 22;
 constexpr int kEnd = 12, kGap = 6, kText = 130, kList = 114, kLabel = 36;
+constexpr const char* kTitle = "Queue";
 constexpr const char* kOwners[] = {"Everyone’s", "Mine", nullptr};
 // By QueueFilter::Part.
 constexpr const char* kParts[] = {"All jobs", "Active jobs", "Ended jobs", nullptr};
@@ -88,15 +90,21 @@ QueueFilter QueueHead::Filter() const {
   return filter;
 }
 
+Area QueueHead::SummaryArea(const Area& head) const {
+  Area a = head.Inset(kEnd, 0);
+  a.w = hold_area.x - a.x - kEnd;
+  a.TakeLeft(XwTextWidthUtf8(TheStyle().bold, kTitle) + 8);
+  return a;
+}
+
 void QueueHead::Draw(const Area& area, const std::string& summary) const {
   const Style& l = TheStyle();
   Fill(area, l.tool_bar);
   LineAtTop(area);
   LineAtBottom(area);
-  Area a = area.Inset(kEnd, 0);
-  a.w = hold_area.x - a.x - kEnd;
-  DrawLabel(l.bold, Align::kLeft, a, "Queue", l.ink);
-  a.TakeLeft(XwTextWidthUtf8(l.bold, "Queue") + 8);
+  const Area a = SummaryArea(area);
+  DrawLabel(l.bold, Align::kLeft, {area.x + kEnd, area.y, a.x - area.x - kEnd, area.h}, kTitle,
+            l.ink);
   DrawLabel(l.small_text, Align::kLeft, a, summary, l.second);
   DrawLabel(l.small_text, Align::kRight, label, "Filter", l.second);
 }

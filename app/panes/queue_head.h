@@ -20,6 +20,8 @@ struct QueueHead {
   void ShowFilter(const QueueFilter& filter);
   // What the controls ask for.
   QueueFilter Filter() const;
+  // Where the summary stands.
+  Area SummaryArea(const Area& head) const;
   void Draw(const Area& head, const std::string& summary) const;
 
   XwWindow *hold = nullptr, *release = nullptr, *again = nullptr, *remove = nullptr;  // of commands

@@ -41,6 +41,8 @@ class SideList {
   bool Wheel(float dy) { return scroll_.Wheel(dy); }
 
   const Area& area() const { return scroll_.area(); }
+  // Whether the row that the keyboard is at is in sight.
+  bool ShowsRow() const { return at_ >= 0 && !Visible(RowArea(at_)).Empty(); }
   // What the rows take.
   Area Body() const { return scroll_.Body(); }
   Area RowArea(int row) const;

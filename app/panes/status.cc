@@ -152,7 +152,8 @@ StatusPane::Parts StatusPane::Split() const {
     if (passing || cancel) rest.TakeRight(2 * kGap);
   }
   if (cancel) {
-    parts.cancel = {rest.TakeRight(cancel).x, layout.status.y + 3, cancel, 20};
+    // The ring of the keyboard leaves the hairline whole.
+    parts.cancel = {rest.TakeRight(cancel).x, layout.status.y + 4, cancel, 19};
     rest.TakeRight(kGap);
   }
   parts.passing = rest;

@@ -34,6 +34,8 @@ struct StatusPane {
   void PassReason() { notices_.PassReason(); }
   // What takes a while, `key` names it; "": it is over.
   void Progress(const std::string& key, const std::string& utf8) { notices_.Progress(key, utf8); }
+  // What would become of what is being dragged; "": nothing is.
+  void Hint(const std::string& utf8) { notices_.Hint(utf8); }
   bool HasError() const { return notices_.HasError(); }
   // What it shows now; without a text: nothing.
   Message message() const { return notices_.Shown(now_ms_); }

@@ -65,7 +65,8 @@ void ToolsPane::Place(const Layout& l) {
   PlaceControl(profile(), l.profile);
   PlaceControl(media(), l.media);
   PlaceControl(copies, l.copies);
-  PlaceControl(priority, l.slider);
+  // Its track is then in the middle of the bar.
+  PlaceControl(priority, {l.slider.x, l.slider.y + 1, l.slider.w, l.slider.h - 1});
   PlaceControl(hold, l.hold);
   colour_area_ = l.colour;
   PlaceColour();

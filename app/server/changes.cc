@@ -32,8 +32,14 @@ nc::Change TicketOfStep(const JobStep& step) {
     case Verb::kCopies:
       change.copies = step.change.number;
       break;
+    case Verb::kMedia:
+      change.media = step.change.name;
+      break;
+    case Verb::kProfile:
+      change.profile = step.change.name;
+      break;
     case Verb::kMove:
-      change.printer = step.change.printer;
+      change.printer = step.change.name;
       break;
     case Verb::kReorder: {
       char id[33];
@@ -78,18 +84,18 @@ bool Worker::NextStep(JobStep* out) {
   return true;
 }
 
-// The server's status byte, below 0 when the connection broke.
-int Worker::Make(const JobStep& step, bool* left_held) {
+// The server's status byte, below 0 when the connection broke. Of a move and of a second print *job
+// is how the job was before.
+int Worker::Make(const JobStep& step, NC_Job* job, bool* left_held) {
   const int fd = shared_->open[kLists];
-  NC_Job job;
   switch (step.change.verb) {
     case Verb::kRemove:
       return NC_RemovePrintRequest(fd, step.job.data());
     case Verb::kPrintAgain:
-      return FindJob(step.job, &job) ? nc::PrintAgain(fd, job, {}) : NC_STATUS_UNKNOWN_ID;
+      return FindJob(step.job, job) ? nc::PrintAgain(fd, *job, {}) : NC_STATUS_UNKNOWN_ID;
     case Verb::kMove: {
-      if (!FindJob(step.job, &job)) return NC_STATUS_UNKNOWN_ID;
-      const nc::Moved moved = nc::MoveJob(fd, job, TicketOfStep(step));
+      if (!FindJob(step.job, job)) return NC_STATUS_UNKNOWN_ID;
+      const nc::Moved moved = nc::MoveJob(fd, *job, TicketOfStep(step));
       *left_held = moved.left_held;
       return moved.status;
     }
@@ -108,12 +114,13 @@ bool Worker::MakeChanges() {
     if (LooksFirst() && !Poll()) return false;
     if (!NextStep(&step)) break;
     bool left_held = false;
+    NC_Job job;
     Began();
-    status = Make(step, &left_held);
+    status = Make(step, &job, &left_held);
     error = errno;
     Ended();
     next_poll_ = 0;
-    Answered(step, status, left_held);
+    Answered(step, status, job, left_held);
   } while (status >= 0 && MonotonicMs() < until);
   Locked lock(shared_);
   if (batch_ && status >= 0 && shared_->steps.empty()) TellOutcome();
@@ -122,7 +129,7 @@ bool Worker::MakeChanges() {
   return status >= 0;
 }
 
-void Worker::Answered(const JobStep& step, int status, bool left_held) {
+void Worker::Answered(const JobStep& step, int status, const NC_Job& before, bool left_held) {
   Locked lock(shared_);
   if (batch_ != step.batch) TellOutcome();
   batch_ = step.batch;
@@ -133,7 +140,7 @@ void Worker::Answered(const JobStep& step, int status, bool left_held) {
   progress = {step.change.verb, outcome_.done + outcome_.refused + 1, step.batch_size};
   const bool done = status == NC_STATUS_DONE;
   if (done && outcome_.done++ == 0) outcome_.document = step.document;
-  if (done && step.change.verb == Verb::kMove) NoteMove(step);
+  if (done && step.change.verb == Verb::kMove) NoteMove(step, before);
   if (done) return;
   Message refusal = AnswerMessage(step.change.verb, status, step.document);
   if (left_held && status >= 0) refusal.text += "; it is held now";
@@ -142,18 +149,13 @@ void Worker::Answered(const JobStep& step, int status, bool left_held) {
 
 // Where a job went, where somebody else had moved it before, and what it asks for that is not
 // there. Under the mutex.
-void Worker::NoteMove(const JobStep& step) {
-  outcome_.printer = step.change.printer;
-  const ServerState& state = shared_->state;
-  for (const NC_Job& job : *state.jobs) {
-    if (QueueIdOf(job).job != step.job) continue;
-    const bool crossed = !step.seen_on.empty() && step.seen_on != job.printer;
-    if (crossed && step.change.printer != job.printer) outcome_.was_on = job.printer;
-    if (!job.media[0]) continue;
-    for (const NC_Printer& p : *state.printers)
-      if (p.name == step.change.printer && !HasMedia(p, job.media))
-        outcome_.lacks = Shown(job.media);
-  }
+void Worker::NoteMove(const JobStep& step, const NC_Job& before) {
+  const std::string& printer = outcome_.printer = step.change.name;
+  const bool crossed = !step.seen_on.empty() && step.seen_on != before.printer;
+  if (crossed && printer != before.printer) outcome_.was_on = before.printer;
+  if (!before.media[0]) return;
+  for (const NC_Printer& p : *shared_->state.printers)
+    if (p.name == printer && !HasMedia(p, before.media)) outcome_.lacks = Shown(before.media);
 }
 
 // Of the batch that has ended, if there is one. Under the mutex.

@@ -13,15 +13,15 @@ namespace {
 struct VerbRow {
   const char* key;
   int value;
-  const char *done, *not_done;
+  const char *done, *not_done;  // behind the name
 };
 // By PrinterSetting.
 constexpr VerbRow kVerbs[] = {
-    {"paused", 1, "Paused", "Not paused"},
-    {"paused", 0, "Resumed", "Not resumed"},
-    {"accepting", 0, "Takes no new jobs", "Takes new jobs as before"},
-    {"accepting", 1, "Takes new jobs", "Takes no new jobs as before"},
-    {"paper-loaded", 1, "Paper loaded", "Still without paper"},
+    {"paused", 1, "is paused", "was not paused"},
+    {"paused", 0, "is resumed", "was not resumed"},
+    {"accepting", 0, "takes no new jobs now", "takes new jobs as before"},
+    {"accepting", 1, "takes new jobs again", "still takes no new jobs"},
+    {"paper-loaded", 1, "has paper again", "was not told of its paper"},
 };
 
 }  // namespace
@@ -57,10 +57,10 @@ int Worker::SetPrinter(const PrinterChange& change, const NC_Printer& printer) {
   const int status = nc::ChangePrinter(shared_->open[kLists], printer, verb.key, verb.value);
   const int error = errno;
   const bool done = status == NC_STATUS_DONE;
-  std::string text = std::string(done ? verb.done : verb.not_done) + ": " + Quoted(change.name);
+  std::string text = Quoted(change.name) + " " + (done ? verb.done : verb.not_done);
   if (!done && status >= 0)
-    text += std::string(", ") + nc::RefusalText(status, nc::Asked::kPrinter);
-  if (status < 0) text += ", the connection broke";
+    text += std::string(": ") + nc::RefusalText(status, nc::Asked::kPrinter);
+  if (status < 0) text += ": the connection broke";
   Locked lock(shared_);
   shared_->AddNotice({done ? Tone::kGood : Tone::kBad, text});
   errno = error;

@@ -40,8 +40,8 @@ struct NamedJob {
 // What is to be done to jobs.
 struct JobChange {
   Verb verb = Verb::kHold;
-  int number = 0;            // the priority, or the copies
-  std::string printer = "";  // to which they are moved
+  int number = 0;         // the priority, or the copies
+  std::string name = "";  // of the media, the profile, or the printer to which they are moved
 };
 
 // What is to be set in a printer.
@@ -103,6 +103,8 @@ struct ServerLists {
   std::vector<NC_Scanner> scanners;
   std::vector<NC_Profile> profiles;
   std::vector<std::string> printers;  // of each profile, the only one that has it; "": any
+  // The only printer that has this profile; "": any, also where it is not among them.
+  std::string OwnerOf(const std::string& profile) const;
 };
 
 // What is known. The lists stay when the server goes away.

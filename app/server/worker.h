@@ -35,9 +35,9 @@ class Worker {
   bool LooksFirst();
   bool MakeChanges();
   bool NextStep(JobStep* out);
-  int Make(const JobStep& step, bool* left_held);
-  void Answered(const JobStep& step, int status, bool left_held);
-  void NoteMove(const JobStep& step);
+  int Make(const JobStep& step, NC_Job* job, bool* left_held);
+  void Answered(const JobStep& step, int status, const NC_Job& before, bool left_held);
+  void NoteMove(const JobStep& step, const NC_Job& before);
   void TellOutcome();
   void GiveUpChanges();
   void RemoveLater(const JobId& job);

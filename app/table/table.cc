@@ -249,7 +249,7 @@ Area Table::HeadArea(int column) const {
   const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
   const bool to_the_edge = NextColumn(column) < 0 && shape.align != Align::kRight;
   const int right =
-      to_the_edge ? area_.right() : std::min(c.right() - HeadEnd(shape), area_.right());
+      std::min(to_the_edge ? c.right() + 1 : c.right() - HeadEnd(shape), area_.right());
   return {c.x + before, area_.y, right - c.x - before, kHeaderHeight};
 }
 
@@ -454,8 +454,7 @@ bool Table::DragBorder(int px) {
 // --- Drawing
 
 int32_t CellColor(const CellLook& c, int32_t colour) {
-  if (c.selected) return c.ink;
-  return c.muted ? Dimmed(colour, c.background) : colour;
+  return c.selected || c.muted ? c.ink : colour;
 }
 
 void Table::AddTips(Hits* hits, int row, const Area& shown,
@@ -503,7 +502,7 @@ void Table::DrawHead(int column) const {
     Fill({left, head.y, HeadArea(column).right() - left, head.h}, XwThemeColor(XWR_UTILITY));
   }
   if (c.sorts) return;  // its button has all else
-  if (NextColumn(column) >= 0) Fill({all.right() - 2, head.y + 4, 1, head.h - 8}, l.hairline);
+  if (NextColumn(column) >= 0) LineDown(all.right() - 2, head.y + 4, head.h - 8);
   Area text = CellArea(column, head.y, head.h);
   text.TakeLeft(c.indent);
   DrawLabel(l.small_text, c.align, text, c.title, l.ink);
@@ -529,18 +528,16 @@ void Table::DrawRow(int row, const Hit& hover) const {
   const Style& l = TheStyle();
   const Area a = RowArea(row);
   CellLook cell{};
-  cell.muted = muted_;
+  cell.muted = IsMuted(row);
   const bool chosen = IsSelected(row);
-  cell.selected = chosen && focused_ && !muted_;
+  cell.selected = chosen && focused_ && !cell.muted;
   cell.background = row % 2 ? l.row : l.document;
   if (chosen)
     cell.background = cell.selected ? l.accent : l.inactive_selection;
   else if (hover == Hit{owner_, kRow, row})
     cell.background = Mix(l.accent, cell.background, 7);
-  cell.ink = cell.selected ? l.on_accent : muted_ ? Dimmed(l.ink, cell.background) : l.ink;
-  cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80)
-                : muted_      ? Dimmed(l.second, cell.background)
-                              : l.second;
+  cell.ink = cell.selected ? l.on_accent : cell.muted ? Dimmed(l.ink, cell.background) : l.ink;
+  cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80) : cell.muted ? cell.ink : l.second;
   Fill(a, cell.background);
   for (int i = 0; i < int(columns_.size()); ++i) {
     if (ColumnArea(i).Empty()) continue;
@@ -553,6 +550,13 @@ void Table::DrawRow(int row, const Hit& hover) const {
     XwSetColor(cell.selected ? Mix(l.on_accent, l.accent, 60) : Mix(l.accent, l.document, 70));
     XwDrawRect(a.x, a.y, a.w, a.h);
   }
+}
+
+bool Table::ShowsFocus() const {
+  const int first = top_ / kRowHeight;
+  for (int row = first; row < rows_ && RowArea(row).y < Body().bottom(); ++row)
+    if (IsSelected(row) && !IsMuted(row)) return true;
+  return false;
 }
 
 void Table::DrawGap() const {
@@ -577,10 +581,7 @@ void Table::Draw(const Hit& hover) {
     Fill({body.x, below, body.w, body.bottom() - below}, l.document);
     DrawLabel(l.view, Align::kCenter, NoteArea(), note_, l.second);
     if (gap() >= 0 && shows_gap_) DrawGap();
-    if (focused_ && focus() < 0) {
-      XwSetColor(Mix(l.accent, l.document, 45));
-      XwDrawRect(body.x, body.y, body.w, body.h);
-    }
+    if (focused_ && !ShowsFocus()) DrawFocusRing(body, l.document);
   }
   XwClip(0, 0, 0, 0);
 }

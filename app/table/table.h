@@ -35,7 +35,8 @@ struct CellLook {
   bool selected;  // on the accent: colours of states give way to the ink
   bool muted;
 };
-// A colour that means something, on a cell: itself, but for selected and muted ones.
+// A colour that means something, on a cell: itself, but for selected and muted ones, which have one
+// ink.
 int32_t CellColor(const CellLook& c, int32_t colour);
 
 class Table {
@@ -80,7 +81,11 @@ class Table {
   void Reveal(int row);
 
   void SetFocused(bool on) { focused_ = on; }
-  void SetMuted(bool on) { muted_ = on; }
+  // Whether its rows are old ones: they are grey, but for those of which `is_new` is true.
+  void SetMuted(bool on, std::function<bool(int row)> is_new = {}) {
+    muted_ = on;
+    is_new_ = std::move(is_new);
+  }
   // Shown in the middle of a table without rows, and below the rows where there is room; "": none.
   void SetNote(std::string text) { note_ = std::move(text); }
   // Where it stands; empty where there is none, or no room.
@@ -168,6 +173,9 @@ class Table {
   void DrawHead(int column) const;
   void DrawHeader(const Hit& hover) const;
   void DrawRow(int row, const Hit& hover) const;
+  bool IsMuted(int row) const { return muted_ && !(is_new_ && is_new_(row)); }
+  // Whether a row that shows tells by its colour that the keyboard is here.
+  bool ShowsFocus() const;
 
   int owner_;
   std::vector<Column> columns_;
@@ -180,6 +188,7 @@ class Table {
   int rows_ = 0, top_ = 0;
   int sort_ = -1;
   bool descending_ = false, focused_ = false, muted_ = false;
+  std::function<bool(int row)> is_new_;
   enum Held : uint8_t { kNothing, kABorder, kARow, kRows, kCarried } held_ = kNothing;
   bool carries_ = false, shows_gap_ = false;
   bool may_carry_ = false;  // what is held

@@ -99,6 +99,7 @@ void Entered(Console* c, FolderReading* r) {
   if (!same && c->hidden_for_now) ShowHiddenNames(c, false);
   c->files.folder.Show(std::move(r->content));
   ShowFreeRoom(c, *r);
+  UpdateLists();  // its window names the folder
   c->files.table.Release();
   c->files.table.ScrollTo(0);
   c->files.selection.Set(NamesToSelect(c, *r));
@@ -253,7 +254,8 @@ void GoUp(Console* c) {
 std::string WhyNotOpen(const Console* c) {
   const int row = c->files.table.selected();
   const auto& [files, folders, bytes] = c->files.Chosen();
-  if (row < 0) return files + folders == 0 ? "No folder is selected" : "More than one is selected";
+  if (row < 0)
+    return files + folders == 0 ? "No folder is selected" : "More than one row is selected";
   return c->files.folder.At(row).folder
              ? ""
              : "Only folders are opened: Print or Ctrl+P prints a document";

@@ -2,6 +2,7 @@
 // (app/panes) draw and know what can be hit there; console.cc routes the events, pointer.cc those
 // of the pointer.
 #pragma once
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -151,12 +152,10 @@ struct Console {
 
   bool hidden_for_now = false;  // hidden names show for a document among them, in this folder
 
-  // The printer in whose row documents are dragged, and where the last drop went, whose documents
-  // may come long after it; "": the chosen one.
-  std::string drag_printer, dropped_on;
+  std::string drag_printer;  // in whose row documents are dragged; "": the chosen one
   bool drag_shows = false;
-  int drops = 0;   // that have come
-  int let_go = 0;  // drags that ended in a drop, since a drag or a drop has come to the window
+  std::map<int, std::string> awaited_drops;  // whose documents are to come, and on which printer
+  int drops = 0;                             // that have come
 
   PaneSizes panes;
   int border_grip = 0;     // where beside a border it was pressed
@@ -380,8 +379,8 @@ void ShowPreview(void* data, int taken);
 // --- Printing (controls.cc)
 // How documents are printed now: an order without one.
 PrintOrder UsualOrder(const Console* c);
-// Queues them and says how many; `left_out` of those that were meant are none.
-void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out);
+// Queues them and says how many; `folders` that were selected with them are not printed.
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int folders);
 // Those that still wait to be sent: how many, or why none can be cancelled.
 int StillQueued(const Console* c);
 std::string WhyNotCancelQueued(const Console* c);

@@ -246,7 +246,7 @@ PrintOrder UsualOrder(const Console* c) {
   return usual;
 }
 
-void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
+void SendOrders(Console* c, std::vector<PrintOrder> orders, int folders) {
   const int n = int(orders.size());
   const std::string printer = orders.empty() ? "" : orders.front().printer;
   const std::string document = orders.empty() ? "" : Quoted(orders.front().document);
@@ -257,7 +257,7 @@ void SendOrders(Console* c, std::vector<PrintOrder> orders, int left_out) {
   if (!IsInQueue(c->stop)) c->queue.FollowSent(last - n + 1);
   std::string text = (n == 1 ? document : NumberText(n) + " documents") + " queued";
   if (!printer.empty()) text += " on " + Quoted(printer);
-  if (left_out > 0) text += ", " + NumberText(left_out) + " left out";
+  if (folders > 0) text += ", without " + NumberOf(folders, "folder", "folders");
   const bool away = IsAway(c->state.link);
   if (before > 0) text += "; " + NumberText(before + n) + " wait to be sent";
   if (away)
@@ -297,7 +297,7 @@ std::string WhyNotCancelQueued(const Console* c) {
 void CancelQueued(Console* c) {
   const TakenBack back = c->server.CancelWaiting();
   if (back.waiting > 0) return Tell(c, true, TakenBackText(back));
-  Tell(c, true, "None was taken back: all had been sent");
+  Tell(c, true, "Nothing was taken back: all had been sent");
 }
 
 bool CanSelectAll(const Console* c) {

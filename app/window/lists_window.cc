@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/format/cut.h"
 #include "app/format/folding.h"
 #include "app/format/texts.h"
 #include "app/format/words.h"
@@ -17,9 +18,10 @@ namespace {
 enum Id { kBar = 1, kSave, kStart, kClose };
 enum : int { kList = 1 };  // owner of hits
 
-constexpr int kWidth = 520, kHeight = 340, kEdge = 16, kHeader = 22, kRowHeight = 22;
-constexpr int kLeastWidth = 440, kLeastHeight = 220;
+constexpr int kWidth = 600, kHeight = 340, kEdge = 16, kHeader = 22, kRowHeight = 22;
+constexpr int kLeastWidth = 500, kLeastHeight = 220;
 constexpr int kButtonHeight = 26, kLine = 26, kFoot = kLine + kButtonHeight + kEdge;
+constexpr int kStartWidth = 120, kCloseWidth = 88, kGap = 10, kButtonEnds = 28;
 constexpr int kPadding = 8;
 
 struct Row {
@@ -27,7 +29,7 @@ struct Row {
   bool scanner = false, away = false;
 };
 
-// Profiles first, each kind by name.
+// Scanners first, each kind by name.
 std::vector<Row> RowsOf(const ServerLists& lists) {
   std::vector<Row> rows;
   for (size_t i = 0; i < lists.profiles.size(); ++i) {
@@ -41,10 +43,12 @@ std::vector<Row> RowsOf(const ServerLists& lists) {
   for (const NC_Scanner& s : lists.scanners)
     rows.push_back({s.name, "", s.text, true, s.away != 0});
   std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
-    return a.scanner != b.scanner ? b.scanner : NaturalLess(a.name, b.name);
+    return a.scanner != b.scanner ? a.scanner : NaturalLess(a.name, b.name);
   });
   return rows;
 }
+
+constexpr const char* kSaveText = "Save Gamut File";
 
 std::string KindText(const Row& row) {
   return !row.scanner ? "profile" : row.away ? "scanner, away" : "scanner";
@@ -64,6 +68,7 @@ struct ListsWindow {
   bool asked = false;  // the server that is there now
   std::vector<Row> rows;
   Message told;  // what the server answered last
+  std::string save_text = kSaveText;
   Hits hits;
 };
 
@@ -101,10 +106,11 @@ Cells CellsOf(const ListsWindow* w, const Area& line) {
   const int room = std::max(0, Frame(w).w - 2 - Table::kScrollBar);
   Area a{line.x, line.y, room, line.h};
   Cells cells;
-  constexpr int kPercent[] = {32, 22, 20};
-  for (int i = 0; i < kDetails; ++i)
-    cells[size_t(i)] = a.TakeLeft(room * kPercent[i] / 100).Inset(kPadding, 0);
-  cells[kDetails] = a.Inset(kPadding, 0);
+  // The words for the kinds are known, and the others share what they leave.
+  constexpr int kKindWidth = 98;
+  const int shared = std::max(0, room - kKindWidth);
+  const int widths[kColumns] = {shared * 44 / 100, shared * 26 / 100, kKindWidth, room};
+  for (size_t i = 0; i < kColumns; ++i) cells[i] = a.TakeLeft(widths[i]).Inset(kPadding, 0);
   return cells;
 }
 
@@ -127,7 +133,8 @@ void DrawRow(const ListsWindow* w, int index, const Area& a) {
   const Cells cells = CellsOf(w, a);
   const auto texts = TextsOf(w->rows[size_t(index)]);
   for (size_t i = 0; i < kColumns; ++i)
-    DrawLabel(l.view, Align::kLeft, cells[i], texts[i], i < kKind ? ink : second);
+    DrawLabel(l.view, Align::kLeft, cells[i], CutToWidth(l.view, texts[i], cells[i].w),
+              i < kKind ? ink : second);
 }
 
 void DrawHeader(const ListsWindow* w, Area a) {
@@ -191,9 +198,36 @@ void Draw(ListsWindow* w) {
   XwPop();
 }
 
+// It names the folder before somebody chooses it.
+std::string SaveText(const ListsWindow* w) {
+  const FilesPane& files = w->console->files;
+  if (!files.folder.known()) return kSaveText;
+  const std::string folder = Shown(LastName(files.folder.path()));
+  const int room = w->window->width - 2 * kEdge - kStartWidth - kCloseWidth - 2 * kGap;
+  const auto whole = [](const std::string& name) {
+    return kSaveText + std::string(" in “") + name + "”";
+  };
+  return whole(CutMiddleTo(folder, [&](const std::string& name) {
+    return XwTextWidthUtf8(TheStyle().normal, whole(name).c_str()) + kButtonEnds <= room;
+  }));
+}
+
+void PlaceButtons(ListsWindow* w) {
+  if (const std::string text = SaveText(w); text != w->save_text) {
+    w->save_text = text;
+    XwSetTextUtf8(w->save, text.c_str());
+  }
+  const int y = w->window->height - kEdge - kButtonHeight;
+  const int width = XwTextWidthUtf8(TheStyle().normal, w->save_text.c_str()) + kButtonEnds;
+  PlaceControl(w->save, {kEdge, y, width, kButtonHeight});
+  PlaceControl(w->start, {kEdge + width + kGap, y, kStartWidth, kButtonHeight});
+  PlaceControl(w->close, {w->window->width - kEdge - kCloseWidth, y, kCloseWidth, kButtonHeight});
+}
+
 void Update(ListsWindow* w) {
   EnableControl(w->save, CanSave(w));
   EnableControl(w->start, CanStart(w));
+  PlaceButtons(w);
   Draw(w);
 }
 
@@ -201,10 +235,7 @@ void PlaceAll(ListsWindow* w) {
   Area a = Frame(w).Inset(1, 1);
   a.TakeTop(kHeader);
   w->list.Place(a);
-  const int y = w->window->height - kEdge - kButtonHeight;
-  PlaceControl(w->save, {kEdge, y, 140, kButtonHeight});
-  PlaceControl(w->start, {kEdge + 150, y, 120, kButtonHeight});
-  PlaceControl(w->close, {w->window->width - kEdge - 88, y, 88, kButtonHeight});
+  PlaceButtons(w);
 }
 
 // New lists; the keyboard stays at its row.
@@ -244,13 +275,16 @@ void Start(ListsWindow* w) {
 }
 
 void OpenMenu(ListsWindow* w) {
-  static XwMenuItem profile[] = {{"Save Gamut File", 0, kSave, nullptr}, {}};
+  static XwMenuItem profile[] = {{kSaveText, XWM_UTF8, kSave, nullptr}, {}};
   static XwMenuItem scanner[] = {{"Start Scanner", 0, kStart, nullptr}, {}};
   const Row* row = At(w);
   if (!row) return;
   XwMenuItem* menu = row->scanner ? scanner : profile;
+  const std::string text = w->save_text;  // as long as the menu shows
+  XwChangeMenuItemText(profile, kSave, text.c_str());
   XwEnableMenuItem(menu, menu->id, row->scanner ? CanStart(w) : CanSave(w));
   const int chosen = XwPopupMenu(menu);
+  XwChangeMenuItemText(profile, kSave, kSaveText);
   if (g_window != w) return;
   if (chosen == kSave) Save(w);
   if (chosen == kStart) Start(w);
@@ -332,10 +366,10 @@ void Make(ListsWindow* w) {
   XwSetScrollHandler(w->window, Scrolled);
   XwSetContextMenuHandler(w->window, OpenMenuByKey);
   w->list.MakeControls(w->window, kBar, "Scanners and Profiles");
-  w->save = XwButton(w->window, "Save Gamut File", kSave, 0, 0, 9, 9, kShown, 0);
+  w->save = XwButton(w->window, kSaveText, kSave, 0, 0, 9, 9, kShown, 0);
   w->start = XwButton(w->window, "Start Scanner", kStart, 0, 0, 9, 9, kShown, 0);
   w->close = XwButton(w->window, "Close", kClose, 0, 0, 9, 9, kShown, 0);
-  XwSetTip(w->save, 0, "Into the folder that the console shows");
+  XwSetTip(w->save, 0, "The folder that the console shows; no file there is replaced");
   XwSetDefaultButtons(w->window, nullptr, w->close);
   PlaceAll(w);
 }

@@ -1,4 +1,5 @@
 // Documents that come from elsewhere: from other programs, and as the program's arguments.
+#include <iterator>
 #include <utility>
 
 #include "app/format/texts.h"
@@ -70,14 +71,21 @@ void TakeDropped(void* data, int taken) {
 
 }  // namespace
 
+// Nothing comes of the last drop.
+static void DropFailed(Console* c) {
+  c->awaited_drops.erase(XwDropNumber());
+  Tell(c, false, "What was dropped did not come: the other program has not sent it");
+  DrawConsole(c);
+}
+
 void DragDocuments(Console* c, int what) {
+  if (what == XW_DRAG_FAILED) return DropFailed(c);
   const bool over = what == XW_DRAG_OVER && !c->asking;
   const Hit hit = c->hits.At(Inp.item);
   const bool on_row = !c->asking && hit.owner == kPrinters && hit.part != SideList::kBody;
   const std::string at = on_row ? c->printer_list.NameAt(hit.index) : "";
   const std::string row = over ? at : "";
-  c->let_go = what == XW_DRAG_OVER ? 0 : c->let_go + (what == XW_DRAG_DROPPED);
-  if (what == XW_DRAG_DROPPED) c->dropped_on = at;
+  if (what == XW_DRAG_DROPPED) c->awaited_drops[XwDropNumber()] = at;
   if (std::exchange(c->drag_shows, over) && over && row == c->drag_printer) return;
   c->drag_printer = row;
   const std::string printer = row.empty() ? c->printers.chosen() : row;
@@ -85,11 +93,27 @@ void DragDocuments(Console* c, int what) {
   const bool takes = over && why.empty();
   c->queue.takes_drop = takes && row.empty();
   c->printer_list.takes_drop = takes ? row : "";
+  // What is dragged is not known before it is dropped.
   const std::string where =
-      printer.empty() ? "Drop to print" : "Drop to print on " + Quoted(printer);
-  c->status.Progress("drag", takes ? where : over ? why : "");
+      "Drop to print" + (printer.empty() ? "" : " on " + Quoted(printer)) + ", or to open a folder";
+  c->status.Hint(takes ? where : over ? why : "");
   c->damage |= kQueuePane | kPrintersPane | kStatusPane;
   DrawConsole(c);
+}
+
+// The printer on which the documents of the 798 were dropped; "": the chosen one. Of drops during a
+// question only the last one comes.
+static std::string PlaceOfDrop(Console* c) {
+  auto& awaited = c->awaited_drops;
+  const auto drop = awaited.find(XwDropNumber());
+  if (drop == awaited.end()) return "";
+  const std::string printer = drop->second;
+  const auto drops = std::distance(awaited.begin(), drop) + 1;
+  awaited.erase(awaited.begin(), std::next(drop));
+  if (drops > 1)
+    Tell(c, false,
+         "Only the last of " + NumberText(drops) + " drops was taken: a question was open");
+  return printer;
 }
 
 void TakeDocuments(Console* c) {
@@ -97,10 +121,7 @@ void TakeDocuments(Console* c) {
   const char* const* files = XwDroppedFiles(&count);
   std::vector<std::string> paths(files, files + count);
   if (Inp.param) return ShowDocuments(c, std::move(paths));
-  const std::string printer = std::exchange(c->dropped_on, "");
-  // A question lets the last one wait alone.
-  if (const int n = std::exchange(c->let_go, 0); n > 1)
-    Tell(c, false, "Only the last of " + NumberText(n) + " drops was taken: a question was open");
+  const std::string printer = PlaceOfDrop(c);
   // One on a mount that does not answer holds up nothing. Each is of another kind: a result
   // would replace one of the same kind that still waits.
   const std::string kind = "dropped" + std::to_string(++c->drops);

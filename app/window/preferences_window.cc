@@ -120,7 +120,7 @@ void Draw(PreferencesWindow* w) {
   const bool good = SecondsOf(w) > 0;
   Say(w, kSecondsWord, {good ? "seconds" : "seconds, 1 to 3,600", good ? l.ink : l.bad}, l.normal,
       "Period");
-  Fill({kEdge, kSeparator, kWidth - 2 * kEdge, 1}, l.hairline);
+  LineAcross(kEdge, kSeparator, kWidth - 2 * kEdge);
   const bool kept = w->console->remembered.writer != nullptr;
   Say(w, kNote,
       {kept ? "Kept in your own settings, for you alone."
@@ -146,7 +146,7 @@ bool MayLeaveServer(const Console* c) {
   const Unsent unsent = NotAtServer(c);
   if (!unsent.any()) return true;
   const std::string message = CutMiddle(c->server.host(), kMostHost) + ": " + UnsentText(unsent) +
-                              ". It is given up when the console leaves the server.";
+                              ". What is not done is given up when the console leaves the server.";
   return XwConfirmUtf8("!", "", message.c_str(), "Stay", "Leave", nullptr) == 2;
 }
 

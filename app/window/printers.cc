@@ -42,6 +42,8 @@ void ChoosePrinter(Console* c, const std::string& name) {
   const std::string media = c->choice.media;
   c->choice.printer = name;
   c->printers.Choose(name);
+  // What was chosen elsewhere comes into sight; a keyboard that is in the list stays where it is.
+  if (c->stop != FocusStop::kPrinters) c->printer_list.GoTo(name);
   c->tools.FitMedia(c->state);
   if (c->choice.media != media)
     Tell(c, true, Quoted(name) + " has no " + Shown(media) + ": its usual media are chosen");
@@ -99,7 +101,7 @@ void DoToPrinter(Console* c, Which which, PrinterVerb verb) {
   c->remembered.preferences.default_printer = row->printer->name;
   if (c->remembered.writer) c->remembered.writer->Store(c->remembered.preferences);
   PrintersCame(c);
-  Tell(c, true, "The console begins with " + Quoted(row->printer->name));
+  Tell(c, true, "The console starts with " + Quoted(row->printer->name) + " from now on");
 }
 
 std::vector<CommandChoice> MoveChoices(const Console* c) {
@@ -120,14 +122,32 @@ void MoveAllJobs(Console* c, int choice) {
     c->server.MoveJobs(row->printer->name, targets[size_t(choice)]);
 }
 
+namespace {
+
+// The one that wants paper; while none does, the chosen one.
+const PrinterRow* ToLoad(const Console* c) {
+  const PrinterRow* wants = c->needs.WithoutPaper();
+  return wants ? wants : c->printers.Chosen();
+}
+
+}  // namespace
+
+std::string LoadPaperText(const Console* c) {
+  const PrinterRow* row = ToLoad(c);
+  return row ? "Paper Loaded in “" + row->short_name + "”" : "Paper Loaded";
+}
+
 std::string WhyNotLoadPaper(const Console* c) {
   if (c->state.link != Link::kReady) return "The server is away";
-  const PrinterRow* row = c->needs.WithoutPaper();
-  return row ? c->printers.WhyNot(PrinterVerb::kPaperLoaded, *row) : "No printer wants paper";
+  const PrinterRow* row = ToLoad(c);
+  if (!row) return "No printer wants paper";
+  if (!c->printers.Offers(PrinterVerb::kPaperLoaded, *row, ""))
+    return "The server does not count the paper of " + Quoted(row->printer->name);
+  return c->printers.WhyNot(PrinterVerb::kPaperLoaded, *row);
 }
 
 void LoadPaper(Console* c) {
-  c->server.ChangePrinter(c->needs.WithoutPaper()->printer->name, PrinterSetting::kPaperLoaded);
+  c->server.ChangePrinter(ToLoad(c)->printer->name, PrinterSetting::kPaperLoaded);
 }
 
 }  // namespace console

@@ -1,6 +1,9 @@
 #include "app/window/queue_commands.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
 
 #include "app/format/folding.h"
 #include "app/format/texts.h"
@@ -121,7 +124,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   c->server.Change(jobs, change);
   if (check.left_out > 0)
     TellWhy(c, NumberText(check.left_out) + " of " + NumberOf(int64_t(ids.size()), "job", "jobs") +
-                   " left out. " + check.why_left_out);
+                   (check.left_out == 1 ? " was" : " were") + " left out. " + check.why_left_out);
   if (change.verb == Verb::kPriority || change.verb == Verb::kMove) c->queue.FollowFocus();
   c->damage |= kQueuePane;
 }
@@ -140,6 +143,82 @@ std::vector<CommandChoice> CopiesChoices(const Console* c) {
 void ChooseCopies(Console* c, int choice) {
   if (choice == int(std::size(kCopies))) return AskNumber(c, Verb::kCopies);
   if (choice < int(std::size(kCopies))) ChangeJobs(c, {Verb::kCopies, kCopies[choice]});
+}
+
+namespace {
+
+// A text of all selected jobs; nothing when they differ.
+std::optional<std::string> SharedText(const std::vector<const NC_Job*>& jobs,
+                                      const std::function<std::string(const NC_Job*)>& text) {
+  std::optional<std::string> shared;
+  for (const NC_Job* job : jobs) {
+    if (shared && *shared != text(job)) return std::nullopt;
+    shared = text(job);
+  }
+  return shared;
+}
+
+// What all printers of the selected jobs have.
+std::vector<std::string> MediaOfJobs(const Console* c) {
+  std::vector<std::string> media;
+  bool first = true;
+  for (const NC_Job* job : SelectedJobs(c)) {
+    const PrinterRow* row = c->printers.Find(job->printer);
+    if (!row) return {};
+    if (std::exchange(first, false)) media = MediaOf(row->printer);
+    std::erase_if(media, [row](const std::string& m) { return !HasMedia(*row->printer, m); });
+  }
+  return media;
+}
+
+// Of one that belongs to another printer, the server says so.
+std::vector<std::string> ProfilesOfJobs(const Console* c) {
+  const std::vector<const NC_Job*> jobs = SelectedJobs(c);
+  const auto has = [&](const NC_Profile& profile) {
+    const std::string owner = c->state.lists ? c->state.lists->OwnerOf(profile.name) : "";
+    return owner.empty() || std::all_of(jobs.begin(), jobs.end(),
+                                        [&](const NC_Job* job) { return owner == job->printer; });
+  };
+  std::vector<std::string> names;
+  for (const NC_Profile& profile : *c->state.profiles)
+    if (has(profile)) names.push_back(profile.name);
+  return names;
+}
+
+// The first choice is none of them.
+std::vector<CommandChoice> TextChoices(const char* none, const std::vector<std::string>& names,
+                                       const std::optional<std::string>& now) {
+  std::vector<CommandChoice> choices{{none, now && now->empty()}};
+  for (const std::string& name : names) choices.push_back({Shown(name), now == name});
+  return choices;
+}
+
+void ChooseText(Console* c, Verb verb, const std::vector<std::string>& names, int choice) {
+  if (size_t(choice) > names.size()) return;
+  ChangeJobs(c, {verb, 0, choice == 0 ? "" : names[size_t(choice) - 1]});
+}
+
+// Those that the menu offered: the lists may be other ones when one of them is chosen.
+std::vector<std::string> offered_media, offered_profiles;
+
+}  // namespace
+
+std::vector<CommandChoice> MediaChoices(const Console* c) {
+  offered_media = MediaOfJobs(c);
+  return TextChoices("Usual", offered_media,
+                     SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->media; }));
+}
+void ChooseMedia(Console* c, int choice) {
+  ChooseText(c, Verb::kMedia, offered_media, choice);
+}
+
+std::vector<CommandChoice> ProfileChoices(const Console* c) {
+  offered_profiles = ProfilesOfJobs(c);
+  return TextChoices("Default", offered_profiles,
+                     SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
+}
+void ChooseProfile(Console* c, int choice) {
+  ChooseText(c, Verb::kProfile, offered_profiles, choice);
 }
 
 std::vector<CommandChoice> PrinterChoices(const Console* c) {
@@ -176,7 +255,8 @@ void MoveJobs(Console* c, int by) {
     }
     row += by;
   }
-  TellWhy(c, by < 0 ? "It is the next one of its printer" : "It is the last one of its printer");
+  TellWhy(c, by < 0 ? "The job is the next one of its printer already"
+                    : "The job is the last one of its printer already");
 }
 
 void DropJobs(Console* c, int gap) {
@@ -192,7 +272,11 @@ void MoveJobsTo(Console* c, const std::string& printer) {
     const NC_Job* job = c->queue.rows.JobOf(id);
     return job && printer == job->printer;
   });
-  if (jobs.empty()) return TellWhy(c, "It is for " + Quoted(printer) + " already");
+  if (jobs.empty()) {
+    const bool one = c->queue.Selected().size() == 1;
+    return TellWhy(c,
+                   (one ? "The job is for " : "The jobs are for ") + Quoted(printer) + " already");
+  }
   ChangeThese(c, jobs, {Verb::kMove, 0, printer});
 }
 

@@ -8,19 +8,32 @@
 namespace console {
 namespace {
 
-constexpr int kWidth = 400, kHeight = 122, kBorder = 16;
+constexpr int kWidth = 400, kHeight = 142, kBorder = 16;
 constexpr int kCloseWidth = 172, kKeepWidth = 100, kButtonHeight = 28, kGap = 10;
+constexpr int kLine = 18;
 constexpr uint32_t kShown = XWC_ENABLED | XWC_VISIBLE;
 
 XwWindow *close_button, *keep_button;
 Console* asker;
 
-const char* MoreWords(const Unsent& unsent) {
-  if (unsent.failed == 0 && unsent.changes > 0)
-    return "Without an answer, the window closes when all is done.";
-  if (unsent.failed == 0) return "Without an answer, the window closes when all is sent.";
+// What comes of closing.
+const char* ClosingWords(const Unsent& unsent) {
+  const int documents = unsent.waiting + unsent.failed;
+  if (documents == 0)
+    return unsent.changes == 1 ? "If you close now, it may never be made."
+                               : "If you close now, they may never be made.";
+  if (unsent.changes > 0) return "If you close now, they are lost.";
+  return documents == 1 ? "If you close now, it is not printed."
+                        : "If you close now, they are not printed.";
+}
+
+// What comes of leaving the question alone.
+const char* WaitingWords(const Unsent& unsent) {
+  if (unsent.failed == 0)
+    return unsent.changes > 0 ? "If you wait, the window closes when all is done."
+                              : "If you wait, the window closes when all is sent.";
   return unsent.waiting + unsent.changes == 0
-             ? "The queue says why. What is not sent is not printed."
+             ? "The queue says why. “Release” there sends again."
              : "The queue says why. The others are still under way.";
 }
 
@@ -51,14 +64,16 @@ void DrawSheet(const Console* c) {
   XwDrawRect(a.x, a.y, a.w, a.h);
   Area text = a.Inset(kBorder, kBorder);
   const Unsent unsent = NotAtServer(c);
-  const Area title = text.TakeTop(18);
+  const Area title = text.TakeTop(kLine);
   text.TakeTop(6);
-  const Area more = text.TakeTop(16);
+  const Area closing = text.TakeTop(kLine), waiting = text.TakeTop(kLine);
   DrawLabel(l.bold, Align::kLeft, title, UnsentText(unsent), l.ink);
-  DrawLabel(l.view, Align::kLeft, more, MoreWords(unsent), l.second);
+  DrawLabel(l.view, Align::kLeft, closing, ClosingWords(unsent), l.ink);
+  DrawLabel(l.view, Align::kLeft, waiting, WaitingWords(unsent), l.second);
   XwBoxList(3, 0, 0, 0, 0);
   Describe(title, UnsentText(unsent));
-  Describe(more, MoreWords(unsent));
+  Describe(closing, ClosingWords(unsent));
+  Describe(waiting, WaitingWords(unsent));
   XwBoxList(4, 0, 0, 0, 0);
   XwPop();
 }
@@ -78,12 +93,13 @@ void MakeQuestion(Console* c) {
   c->question = XwCreate(c->window, 0, 0, kWidth, kHeight, Handle);
   XwSetGround(c->question, &TheStyle().tool_bar, 0);
   const int top = kHeight - kBorder - kButtonHeight, right = kWidth - kBorder;
+  // The harmless one comes first, with Tab, too.
+  keep_button = XwButton(c->question, "Keep Open", kKeepOpenAnswer, 0, 0, 9, 9, kShown, 0);
   close_button =
       XwButton(c->question, "Close without Sending", kCloseAnswer, 0, 0, 9, 9, kShown, 0);
-  keep_button = XwButton(c->question, "Keep Open", kKeepOpenAnswer, 0, 0, 9, 9, kShown, 0);
-  PlaceControl(keep_button, {right - kKeepWidth, top, kKeepWidth, kButtonHeight});
-  PlaceControl(close_button,
-               {right - kKeepWidth - kGap - kCloseWidth, top, kCloseWidth, kButtonHeight});
+  PlaceControl(close_button, {right - kCloseWidth, top, kCloseWidth, kButtonHeight});
+  PlaceControl(keep_button,
+               {right - kCloseWidth - kGap - kKeepWidth, top, kKeepWidth, kButtonHeight});
 }
 
 }  // namespace
@@ -112,7 +128,7 @@ bool AskBeforeQuit(Console* c) {
   c->asking = true;
   c->failed_while_asking = false;
   if (!c->question) MakeQuestion(c);
-  XwSetText(close_button, unsent.changes > 0 ? "Close Anyway" : "Close without Sending");
+  XwSetText(close_button, unsent.changes > 0 ? "Close Now" : "Close without Sending");
   PlaceQuestion(c);
   XwSetDragHandler(c->window, 0, c->window->drag_handler);
   c->pressed = {};
@@ -140,8 +156,8 @@ void QuestionKey(Console* c, int type) {
   const bool keeps = XwGetFocus(c->window) == keep_button;
   if (type == XWE_ESCAPE) KeepOpen(c);
   if (type == XWE_TAB) XwFocusControl(keeps ? close_button : keep_button);
-  if (type == XWE_LEFT) XwFocusControl(close_button);
-  if (type == XWE_RIGHT) XwFocusControl(keep_button);
+  if (type == XWE_LEFT) XwFocusControl(keep_button);
+  if (type == XWE_RIGHT) XwFocusControl(close_button);
 }
 
 void DrawAroundQuestion(const Console* c) {

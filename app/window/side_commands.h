@@ -17,7 +17,9 @@ std::string ChosenPrinterText(const Console* c, const char* verb);
 // The printers to which all its jobs can be moved.
 std::vector<CommandChoice> MoveChoices(const Console* c);
 void MoveAllJobs(Console* c, int choice);
-// Of the printer that the strip below the tools tells of.
+// Of the printer that wants paper, which the strip over the status line names; while none does, of
+// the chosen one.
+std::string LoadPaperText(const Console* c);
 std::string WhyNotLoadPaper(const Console* c);
 void LoadPaper(Console* c);
 

@@ -104,10 +104,16 @@ LocalServerResult Refused(const std::string& why, const std::string& log = "") {
   return result;
 }
 
+// "" is this computer, as it is for those who connect.
+std::string HostIn(const std::string& server) {
+  return server.substr(0, server.find(':'));
+}
+
 Program ProgramFor(const std::string& path, const std::string& server, const Log& log) {
   Program program;
   program.words = {path};
-  if (!server.empty()) program.words.insert(program.words.end(), {"--listen", server});
+  const std::string host = HostIn(server).empty() ? "localhost" : "";
+  if (!server.empty()) program.words.insert(program.words.end(), {"--listen", host + server});
   const std::string config =
       UserFolder("XDG_CONFIG_HOME", "/.config") + "/quorvik/printserverd.conf";
   struct stat s {};
@@ -141,10 +147,6 @@ LocalServerResult AwaitListening(Child* child, const Log& log, int ms) {
   if (!result.started) result.spool.clear();
   result.pid = child->pid();
   return result;
-}
-
-std::string HostIn(const std::string& server) {
-  return server.substr(0, server.find(':'));
 }
 
 bool IsLoopback(const std::string& server) {

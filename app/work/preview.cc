@@ -268,8 +268,17 @@ std::string SizeWords(const Preview& preview) {
          " pixels";
 }
 
-std::string TroubleWords(const Preview& preview) {
+std::string TroubleWords(const Preview& preview, int pages) {
   if (preview.kind == DocumentKind::kEmpty) return "This file is empty";
+  const bool unreadable = preview.trouble == PreviewTrouble::kPdfNotReadable;
+  if (unreadable || preview.trouble == PreviewTrouble::kDamaged) {
+    // Other pages can be good.
+    if (std::max(preview.pages, pages) > 1)
+      return "Page " + NumberText(preview.request.page) +
+             (preview.pixels.empty() ? " cannot be shown" : " is damaged");
+    // Its pages could be counted, so that it is not locked.
+    if (unreadable && preview.pages > 0) return "This PDF is damaged";
+  }
   constexpr const char* kWords[] = {
       "",
       "This document is damaged",

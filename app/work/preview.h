@@ -41,10 +41,12 @@ struct Preview {
 };
 
 // Words for a person; "" for what is not known.
-std::string KindWords(const Preview& preview);     // "PDF document"
-std::string ColourWords(const Preview& preview);   // "CMYK", "RGB, transparent"
-std::string SizeWords(const Preview& preview);     // "210 × 297 mm", else "640 × 480 pixels"
-std::string TroubleWords(const Preview& preview);  // a line that stands where the picture would
+std::string KindWords(const Preview& preview);    // "PDF document"
+std::string ColourWords(const Preview& preview);  // "CMYK", "RGB, transparent"
+std::string SizeWords(const Preview& preview);    // "210 × 297 mm", else "640 × 480 pixels"
+// A line that stands where the picture would. `pages`: how many the document has, where that is
+// known from another one of them.
+std::string TroubleWords(const Preview& preview, int pages = 0);
 
 class PreviewMaker {
  public:

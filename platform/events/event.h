@@ -121,7 +121,7 @@ struct RequestFields {
 
 struct DragFields {
   Point where;  // global
-  enum Step : uint8_t { kLeft, kOver, kDropped } step;
+  enum Step : uint8_t { kLeft, kOver, kDropped, kFailed } step;
 };
 
 struct ControlFields {

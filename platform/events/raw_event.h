@@ -43,6 +43,7 @@ struct RawEvent {
     kDragOver,
     kDragLeft,
     kDragDropped,
+    kDropFailed,   // what was dropped on the window last does not come: no kOpenFile tells of it
     kScreens,      // the screens or the scale changed
     kDisplayLost,  // the connection is gone
   } type = kNone;

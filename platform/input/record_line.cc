@@ -37,6 +37,7 @@ constexpr KindRow kKinds[] = {
     {RawEvent::kDragOver, "drag"},
     {RawEvent::kDragLeft, "drag-left"},
     {RawEvent::kDragDropped, "dropped"},
+    {RawEvent::kDropFailed, "drop-failed"},
 };
 
 // One of these points at a field of a report.

@@ -239,6 +239,8 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
       return Drag(raw, w, DragFields::kLeft);
     case RawEvent::kDragDropped:
       return Drag(raw, w, DragFields::kDropped);
+    case RawEvent::kDropFailed:
+      return Drag(raw, w, DragFields::kFailed);
     case RawEvent::kFrame:
       return HandleFrame(w, raw.frame);
     case RawEvent::kState:

@@ -107,7 +107,7 @@ void DrawTitle(ContextRef c, const BarTitle& t) {
   style.justification = TextJustification::kLeft;
   style.rgb = ink;
   style.alpha = alpha;
-  style.underline_first = BarLettersShown() && !t.menu->disabled;
+  style.underline_first = ShowsLetter(t.menu);
   DrawThemeText(c, {t.cell.left + kTitleSpace, t.cell.top, t.cell.right, t.cell.bottom},
                 t.menu->title, style);
 }
@@ -119,8 +119,8 @@ OSStatus DrawBar(HandlerCall*, Event* event, void*) {
   if (bar.width != width) LayOut(width, height);
   ContextRef c = CreateContext(w);
   ClipContextToRegion(c, Region(Rect{0, -height, width, 0}));
-  FillRoundRect(c, {0, -height, width, -1}, 0, RoleColor(Role::kToolBar), kOpaqueAlpha);
-  FillRoundRect(c, {0, -1, width, 0}, 0, RoleColor(Role::kHairline), kOpaqueAlpha);
+  FillRoundRect(c, {0, -height, width, 0}, 0, RoleColor(Role::kToolBar), kOpaqueAlpha);
+  DrawThemeSeparator(c, {0, -1, width, 0}, kThemeStateActive);
   for (const BarTitle& t : bar.titles) DrawTitle(c, t);
   ReleaseContext(c);
   return noErr;
@@ -205,8 +205,11 @@ void SetPreferencesCommand(bool offered) {
   RemakeApplicationMenu();
   ForgetBarLayout();
 }
+bool IsApplicationMenu(const Menu* m) {
+  return m == bar.application;
+}
 bool OnlyQuits(const Menu* m) {
-  return m == bar.application && !bar.preferences;
+  return IsApplicationMenu(m) && !bar.preferences;
 }
 
 bool PreferencesCommandOffered() {

@@ -19,11 +19,16 @@ void EndLoneAlt() {
   lone_alt_waits = false;
 }
 
+// The program's own menus come before the one of its name, which F10 and a lone Alt reach.
 MenuRef TitleByLetter(char32_t letter) {
-  for (const BarTitle& t : BarTitles())
-    if (letter && !t.menu->disabled && !IsOverflowTitle(t) && FirstLetter(t.menu->title) == letter)
-      return t.menu;
-  return nullptr;
+  MenuRef named = nullptr;
+  for (const BarTitle& t : BarTitles()) {
+    if (!letter || t.menu->disabled || IsOverflowTitle(t) || FirstLetter(t.menu->title) != letter)
+      continue;
+    if (!IsApplicationMenu(t.menu)) return t.menu;
+    named = t.menu;
+  }
+  return named;
 }
 
 // A menu with Quit alone comes behind all others: nobody is to quit by a slip.
@@ -106,8 +111,8 @@ void HideBarLetters() {
   ShowLetters(false);
 }
 
-bool BarLettersShown() {
-  return letters_shown;
+bool ShowsLetter(const Menu* m) {
+  return letters_shown && TitleByLetter(FirstLetter(m->title)) == m;
 }
 
 void InstallBarKeys(WindowRef w) {

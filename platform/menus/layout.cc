@@ -49,8 +49,7 @@ void DrawMenuRow(ContextRef c, const Menu& m, const MenuLayout::Row& row, const 
     FillRoundRect(c, at, 0, RoleColor(selected ? Role::kAccent : Role::kFace), kOpaqueAlpha);
   if (i.separator()) {
     const int middle = at.top + row.height / 2;
-    FillRoundRect(c, {at.left, middle, at.right, middle + 1}, 0, RoleColor(Role::kHairline),
-                  kOpaqueAlpha);
+    DrawThemeSeparator(c, {at.left, middle, at.right, middle + 1}, kThemeStateActive);
     return;
   }
   const int alpha = i.enabled() && !m.disabled ? kOpaqueAlpha : kThemeDisabledAlpha;

@@ -42,7 +42,8 @@ struct BarTitle {
 // --- bar.cc
 // The titles as they stand now: the application's, the inserted ones, and » where they do not fit.
 const std::vector<BarTitle>& BarTitles();
-// Whether it is the application's menu with Quit alone.
+// Whether it is the menu of the program's name, and whether that holds Quit alone.
+bool IsApplicationMenu(const Menu* m);
 bool OnlyQuits(const Menu* m);
 // The title at a point of the first window's content; null: none.
 const BarTitle* TitleAt(Point where);
@@ -57,8 +58,8 @@ bool IsOverflowTitle(const BarTitle& t);
 // --- bar_keys.cc
 // The keys that a window's focus sends to the bar.
 void InstallBarKeys(WindowRef w);
-// Alt is held: the first letters of the titles are underlined.
-bool BarLettersShown();
+// Whether the first letter of this title is underlined: Alt is held, and the letter opens it.
+bool ShowsLetter(const Menu* m);
 // The start's state.
 void ForgetBarKeys();
 

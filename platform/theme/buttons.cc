@@ -70,9 +70,9 @@ void DrawColumnHead(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& info
   const Role pressed = sorts ? Role::kUtility : Role::kPressed;
   FillRoundRect(c, r, 0, RoleColor(StateOf(info) == kThemeStatePressed ? pressed : Role::kToolBar),
                 alpha);
-  FillRoundRect(c, {r.left, r.bottom - 1, r.right, r.bottom}, 0, RoleColor(Role::kHairline), alpha);
-  FillRoundRect(c, {r.right - 1, r.top + kLineInset, r.right, r.bottom - kLineInset}, 0,
-                RoleColor(Role::kHairline), alpha);
+  DrawThemeSeparator(c, {r.left, r.bottom - 1, r.right, r.bottom}, info.state);
+  DrawThemeSeparator(c, {r.right - 1, r.top + kLineInset, r.right, r.bottom - kLineInset},
+                     info.state);
   if (!sorts) return;
   DrawThemeMark(c, up ? ThemeMark::kSortUp : ThemeMark::kSortDown,
                 {r.right - kMarkRight - kMarkWidth, r.top, r.right - kMarkRight, r.bottom},

@@ -5,6 +5,7 @@
 #include "platform/graphics/context.h"
 #include "platform/theme/metrics.h"
 #include "platform/theme/roles.h"
+#include "platform/theme/theme.h"
 
 namespace platform {
 namespace {
@@ -103,11 +104,11 @@ void DrawThemeScrollBar(ContextRef c, const ThemeThumbInfo& i) {
   if (i.framed)
     FrameRoundRect(c, i.bounds, corner, RoleColor(Role::kHairline), alpha);
   else  // what it belongs to lies left of it or above
-    FillRoundRect(c,
-                  i.horizontal
-                      ? Rect{i.bounds.left, i.bounds.top, i.bounds.right, i.bounds.top + 1}
-                      : Rect{i.bounds.left, i.bounds.top, i.bounds.left + 1, i.bounds.bottom},
-                  0, RoleColor(Role::kHairline), alpha);
+    DrawThemeSeparator(c,
+                       i.horizontal
+                           ? Rect{i.bounds.left, i.bounds.top, i.bounds.right, i.bounds.top + 1}
+                           : Rect{i.bounds.left, i.bounds.top, i.bounds.left + 1, i.bounds.bottom},
+                       i.active ? kThemeStateActive : kThemeStateInactive);
   const Role role = i.held ? Role::kHeldThumb : i.front ? Role::kThumb : Role::kInactiveSelection;
   FillRoundRect(c, ThemeThumb(i), kThumbCorner, RoleColor(role), alpha);
 }

@@ -306,34 +306,34 @@ TEST_F(EndToEnd, FortyPrintersAreChosenPausedAndFilled) {
   ASSERT_TRUE(mia.Do(R"(
     click file one.txt
     click pop-up-button Printer
-    see menu-item Desk 38
-    type Desk 38
+    see menu-item Desk 30
+    type Desk 30
     keys Return
-    see pop-up-button Printer = Desk 38
-    see row Desk 38 is selected
+    see pop-up-button Printer = Desk 30
+    see row Desk 30 is selected
     keys Control+p
     see job one.txt = printed
     click job one.txt
-    see label Printer = Desk 38
+    see label Printer = Desk 30
     agree
-    menu row Desk 38
+    menu row Desk 30
     click menu-item Pause
-    see row Desk 38 has paused
+    see row Desk 30 has paused
     click file long.txt
     keys Control+p
     see job long.txt has waiting: the printer is paused
     agree
-    menu row Desk 38
+    menu row Desk 30
     click menu-item Refuse New Jobs
-    see row Desk 38 has no new jobs
-    menu row Desk 38
+    see row Desk 30 has no new jobs
+    menu row Desk 30
     keys m Right s Return
     click job long.txt
     see label Printer = Slow
     agree
-    menu row Desk 38
+    menu row Desk 30
     click menu-item Resume
-    see row Desk 38 has idle
+    see row Desk 30 has idle
     click pop-up-button Printer
     keys t Return
     see pop-up-button Printer = Tray

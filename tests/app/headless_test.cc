@@ -405,7 +405,7 @@ TEST_F(ConsoleTest, PrinterAndProfileAreChosenFromLists) {
   EXPECT_EQ(value("Printer"), "Zweiter Drücker");
   EXPECT_EQ(Selected(), "letter.txt") << "what lies under the list is not pressed";
   choose(c_->layout.profile, 2);
-  EXPECT_EQ(value("Profile"), "Standard");
+  EXPECT_EQ(c_->choice.profile, "Standard");
   Click(c_->layout.print);
   ASSERT_TRUE(
       Until([&] { return c_->queue.rows.count() == 1 && !c_->queue.rows.IdAt(0).outgoing; }));

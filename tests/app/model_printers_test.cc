@@ -125,11 +125,11 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   EXPECT_EQ(notices.Passing(9000).text, "cancelled");
   EXPECT_EQ(notices.NextChange(9000), 14000) << "it passes beside errors, too";
   for (const char* text : {"no file is selected", "no job is selected"}) notices.TellReason(text);
-  EXPECT_EQ(notices.Shown(1000000).text, "no job is selected (and 3 more)");
+  EXPECT_EQ(notices.Shown(1000000).text, "no job is selected (3 more messages)");
   for (int times = 0; times < 2; ++times) notices.PassReason();
-  EXPECT_EQ(notices.Shown(1000000).text, "lost (2 times) (and 2 more)");
+  EXPECT_EQ(notices.Shown(1000000).text, "lost (2 times; 2 more messages)");
   notices.Read();
-  EXPECT_EQ(notices.Shown(1000000).text, "gone (and 1 more)");
+  EXPECT_EQ(notices.Shown(1000000).text, "gone (1 more message)");
   notices.Read();
   EXPECT_EQ(notices.Shown(1000000).tone, Tone::kWarning);
   notices.Read();

@@ -60,6 +60,13 @@ TEST(QueueRows, AreSortedAndFiltered) {
             {Sending(7, "d", OutgoingState::kWaiting)});
   EXPECT_EQ(Names(rows), "d b10 xa b2 é c");
   EXPECT_EQ(rows.Summary(), "1 waiting, 1 printing, 1 held, 1 failed, 1 to be sent");
+  // What somebody has to do something about stays.
+  const auto within = [&rows](size_t most) {
+    return rows.Summary([most](const std::string& text) { return text.size() <= most; });
+  };
+  EXPECT_EQ(within(47), "1 printing, 1 held, 1 failed, 1 to be sent, …");
+  EXPECT_EQ(within(30), "1 held, 1 failed, …");
+  EXPECT_EQ(within(3), "1 failed, …");
   const struct {
     QueueOrder order;
     bool descending;
@@ -115,7 +122,7 @@ TEST(QueueVerbs, AreTheServersRules) {
   } cases[] = {
       {Verb::kHold, "wpo"},        {Verb::kRelease, "hod"}, {Verb::kPrintAgain, "nd"},
       {Verb::kRemove, "whpond"},   {Verb::kCopies, "whnd"}, {Verb::kMove, "whpond"},
-      {Verb::kPriority, "whpond"}, {Verb::kReorder, "wh"},
+      {Verb::kPriority, "whpond"}, {Verb::kReorder, "wh"},  {Verb::kMedia, "whnd"},
   };
   PendingChanges pending;
   for (const auto& c : cases) {
@@ -140,13 +147,13 @@ TEST(QueueVerbs, SayWhyNot) {
   auto why = [&](Verb verb, const QueueId& id, bool connected = true) {
     return CheckVerb(verb, rows, {id}, pending, connected).why_not;
   };
-  EXPECT_EQ(why(Verb::kPrintAgain, Id(1)), "The server no longer has its document");
+  EXPECT_EQ(why(Verb::kPrintAgain, Id(1)), "The server no longer has the job's document");
   EXPECT_EQ(why(Verb::kCopies, Id(3)), "The job is at the printer");
   EXPECT_EQ(why(Verb::kHold, Id(2), false), "The server is away");
   EXPECT_EQ(why(Verb::kHold, Id(9)), "The job is not in the queue any more");
   EXPECT_EQ(why(Verb::kRelease, {1, {}}, false), "");  // sends it again
   for (const Verb verb : {Verb::kHold, Verb::kRelease})
-    EXPECT_EQ(why(verb, {2, {}}), "It is still to be sent");
+    EXPECT_EQ(why(verb, {2, {}}), "The document has not been sent yet");
   // Of several, a reason that all of them share.
   const std::vector<QueueId> printed_and_gone = {Id(1), Id(9)}, gone = {Id(8), Id(9)};
   EXPECT_EQ(CheckVerb(Verb::kHold, rows, gone, pending, true).why_not,
@@ -165,7 +172,7 @@ TEST(QueueVerbs, SayWhyNot) {
   };
   EXPECT_EQ(hold_all().on, (std::vector<QueueId>{Id(2), Id(3)}));
   pending.Begin(Id(2).job, Verb::kRemove, 0);
-  EXPECT_EQ(why(Verb::kHold, Id(2)), "A change of the job is under way");
+  EXPECT_EQ(why(Verb::kHold, Id(2)), "The job is still being changed");
   EXPECT_EQ(why(Verb::kHold, Id(2), false), "The server is away");
   EXPECT_EQ(hold_all().why_not, "1 job is still being changed");
   EXPECT_FALSE(hold_all().possible());
@@ -178,7 +185,7 @@ TEST(QueueVerbs, SayWhyNot) {
 TEST(Reordering, AsksForOneStepForEachJob) {
   QueueRows rows;
   const char* const kBehind =
-      "A job can be put before another one, not behind the last: drag the others up";
+      "A job is put before another one, never behind the last: move the others up instead";
   rows.Show(Jobs({"a:p", "b:w", "c:w:B", "d:h", "e:w", "f:n"}), {});
   const struct {
     std::vector<int> dragged;

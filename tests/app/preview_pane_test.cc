@@ -91,8 +91,9 @@ TEST_F(PreviewPaneTest, FollowsTheSelectionTheFileAndTheScreen) {
 }
 
 TEST_F(PreviewPaneTest, KeysGoThroughThePages) {
-  constexpr uint32_t kPageUp = 0xFF55, kPageDown = 0xFF56;
-  home_.File("pages.pdf", PdfOf(3, 0, 421));
+  constexpr uint32_t kHome = 0xFF50, kPageUp = 0xFF55, kPageDown = 0xFF56, kEnd = 0xFF57;
+  // Nothing has the height of its last page.
+  home_.File("pages.pdf", PdfOf(3, 0, 9000000));
   Open("127.0.0.9:1");
   const auto shows = [this](int page) {
     return Until([&] { return c_->details.preview && c_->details.preview->request.page == page; });
@@ -102,14 +103,25 @@ TEST_F(PreviewPaneTest, KeysGoThroughThePages) {
   Click(c_->details.PictureArea());
   for (int i = 0; i < 4; ++i) Key(kPageDown);
   EXPECT_TRUE(shows(3));
-  EXPECT_EQ(SizeWords(*c_->details.preview), "210 × 149 mm");
+  EXPECT_EQ(TroubleWords(*c_->details.preview), "Page 3 cannot be shown");
   Key(kPageUp);
   EXPECT_TRUE(shows(2));
+  EXPECT_EQ(TroubleWords(*c_->details.preview), "");
+  Key(kHome);
+  EXPECT_TRUE(shows(1));
+  Key(kEnd);
+  EXPECT_TRUE(shows(3));
   // Another document begins at its first page.
   Click(FileRow("picture.png"));
   Click(FileRow("pages.pdf"));
   EXPECT_TRUE(shows(1));
   EXPECT_EQ(c_->details.page, 1);
+  // In a wide pane the facts make room for a page.
+  const int height = c_->details.PictureArea().h;
+  c_->panes.details_width = 560;
+  LayOutWindow(c_);
+  DrawConsole(c_);
+  EXPECT_GT(c_->details.PictureArea().h, height);
 }
 
 TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {

@@ -174,7 +174,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   ASSERT_TRUE(Until([&] { return printer() == "Office"; }) && Settled());
   Select({"c"});
   Key('d', 'd');
-  EXPECT_TRUE(Tells("It is the last one")) << "another printer's is not passed";
+  EXPECT_TRUE(Tells("The job is the last one")) << "another printer's is not passed";
   // By the menu of printers, which its key opens.
   const auto choose = [](char first) {
     for (const uint32_t key : {uint32_t('m'), uint32_t(first), kReturnKey, kEscapeKey}) {
@@ -188,7 +188,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   SetFocusStop(c_, FocusStop::kQueue);
 
   MoveJobsTo(c_, "Proof");
-  EXPECT_TRUE(Tells("It is for “Proof” already"));
+  EXPECT_TRUE(Tells("The job is for “Proof” already"));
   c_->server.ChangePrinter("Wide", PrinterSetting::kRefuseJobs);
   ASSERT_TRUE(Until([&] { return !c_->printers.Find("Wide")->printer->accepting; }));
   MoveJobsTo(c_, "Wide");
@@ -203,7 +203,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   Select({"c", "d"});
   c_->queue.Sort(QueueOrder::kName, true);
   drag(0, c_->queue.table.RowArea(3).bottom());
-  EXPECT_TRUE(Tells("only while the queue stands in the order"));
+  EXPECT_TRUE(Tells("only while the queue is sorted by Print Order"));
   EXPECT_EQ(testing_daemon::Order(fd_), "a d c b ");
 }
 
@@ -300,6 +300,7 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   ASSERT_NE(name, c_->printers.chosen());
   c_->choice.media = "A1";
   const auto window = static_cast<platform::WindowRef>(c_->window->platform);
+  c_->status.Tell(Tone::kGood, "an older message");
   display::DragFiles(window, 300, 200);
   Turn();
   EXPECT_TRUE(c_->queue.takes_drop);
@@ -317,13 +318,27 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
   for (const NC_Job& job : *c_->state.jobs)
     EXPECT_TRUE((job.printer == name && !*job.media) || std::string(job.document) == "a");
+  // Two drops before the documents of the first are looked at: each has a place of its own.
+  while (c_->status.HasError()) c_->status.ReadMessage();
+  display::DragFiles(window, row.x + 60, row.y + 10);
+  display::EndDragOfFiles(window, true);
+  display::OpenFiles({home_.At("dropped.txt")}, false);
+  display::DragFiles(window, 300, 200);
+  display::EndDragOfFiles(window, true);
+  display::FailDrop(window);
+  EXPECT_TRUE(Tells("What was dropped did not come")) << c_->status.message().text;
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 2; }));
+  EXPECT_FALSE(c_->queue.takes_drop);
+  EXPECT_TRUE(c_->awaited_drops.empty());
+  for (const NC_Job& job : *c_->state.jobs)
+    EXPECT_TRUE(job.printer == name || std::string(job.document) == "a");
 }
 
 TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   OpenWith({"a", "b", "m"});
   Select({"a", "b"});
   ChangeJobs(c_, {Verb::kCopies, 2});
-  EXPECT_TRUE(Tells("1 of 2 jobs left out. The job is at the printer") && Settled());
+  EXPECT_TRUE(Tells("1 of 2 jobs was left out. The job is at the printer") && Settled());
   c_->status.ReadMessage();
   // The media of the next job are kept where the printer has them, and given up aloud elsewhere.
   c_->choice.media = "A1";
@@ -337,6 +352,19 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   EXPECT_TRUE(Tells("Moved to “Office”, which has no A1: “m”"));
   c_->status.ReadMessage();
   ASSERT_TRUE(Settled());
+  // Its menu offers what that printer has, while it is not at it.
+  ChangeJobs(c_, {Verb::kHold});
+  ASSERT_TRUE(Tells("Held: “m”") && Settled());
+  const std::vector<CommandChoice> media = MediaChoices(c_);
+  ASSERT_EQ(media.size(), 2u);
+  EXPECT_TRUE(media[1].text == "A4" && !media[0].checked && !media[1].checked);
+  ChooseMedia(c_, 1);
+  EXPECT_TRUE(Tells("Media changed: “m”") && Settled() && MediaChoices(c_)[1].checked);
+  ASSERT_EQ(ProfileChoices(c_)[2].text, "Standard");
+  ChooseProfile(c_, 2);
+  EXPECT_TRUE(Tells("Profile changed: “m”") && Settled() && ProfileChoices(c_)[2].checked);
+  const NC_Job m = testing_daemon::JobOf(fd_, ids_["m"].data());
+  EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
   c_->server.MoveJobs("Office", "Wide");
   EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
   // Somebody else moves a job while its row is held, and shows what was before.

@@ -123,7 +123,7 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->files.Chosen().files == 2; }));
   EXPECT_EQ(c_->files.selection.Ids(), (std::vector<std::string>{".c.pdf", "a.pdf"}));
   EXPECT_EQ(c_->status.message().text.rfind("2 of 3 documents", 0), 0u);
-  EXPECT_EQ(WhyNotOpen(c_), "More than one is selected");
+  EXPECT_EQ(WhyNotOpen(c_), "More than one row is selected");
 
   display::OpenFiles({home_.At("b.pdf"), home_.At("Empty"), home_.At("gone"), home_.At(".c.pdf")},
                      false);
@@ -175,6 +175,9 @@ TEST_F(RememberingTest, AServerThatDoesNotStartIsToldAndOfferedAgain) {
   Key('s', 's');
   display::Modifiers(0);
   EXPECT_TRUE(c_->server_start);
+  CloseConsole(c_);
+  c_ = nullptr;
+  EXPECT_EQ(BackgroundTask::WaitForAll(20000), 0);
   os::SetExecutablePath(nullptr);
 }
 
@@ -188,7 +191,9 @@ TEST_F(RememberingTest, AServerIsStartedByItselfWherePreferencesSaySo) {
   setenv("XDG_STATE_HOME", home_.At("state").c_str(), 1);
   Remembered remembered;
   remembered.preferences.start_local_server = true;
+  remembered.preferences.window_left = 30000, remembered.preferences.window_top = 70;
   Open("localhost:1", std::move(remembered));
+  EXPECT_LE(c_->window->x + c_->window->width, XW_SCREENX) << "it was on another screen";
   ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
   EXPECT_NE(c_->status.message().text.find("did not start"), std::string::npos);
   RetryServer(c_);

@@ -175,6 +175,12 @@ TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   EXPECT_EQ(c_->stop, FocusStop::kPrinters);
   ClickNode("Studio 12");
   EXPECT_EQ(c_->choice.printer, "Studio 12");
+  // A choice in the tool bar takes the keyboard's row with it, unless the keyboard is there.
+  ChoosePrinter(c_, "Studio 3");
+  EXPECT_EQ(c_->printer_list.at, "Studio 12");
+  SetFocusStop(c_, FocusStop::kFiles);
+  ChoosePrinter(c_, "Studio 4");
+  EXPECT_EQ(c_->printer_list.At(), c_->printers.Chosen());
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   Turn(2);
   EXPECT_EQ(Node("Attention").what.value, "");

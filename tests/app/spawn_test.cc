@@ -90,6 +90,10 @@ TEST_F(SpawnTest, TheServerOutlivesItsStarterAndTellsItsSpool) {
   EXPECT_EQ(
       StartServer(host_).message,
       "The print server did not start: another program uses its address, " + host_ + ":51470");
+  // A port alone is one of this computer.
+  EXPECT_TRUE(IsLocalhost(":9100"));
+  const LocalServerResult any_port = StartServer(":0");
+  EXPECT_TRUE(any_port.started) << any_port.message;
 }
 
 TEST_F(SpawnTest, WhyNoServerStarts) {

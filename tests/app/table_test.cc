@@ -506,14 +506,17 @@ TEST_F(OnAWindow, TheSelectionTellsWhetherItHasTheKeyboard) {
   const Area row = t.RowArea(2);
   const struct {
     bool focused, muted;
-    uint32_t background;
-  } kRows[] = {{true, false, 0x3875D7}, {false, false, 0xD8D5CF}, {true, true, 0xD8D5CF}};
+    uint32_t background, edge;
+  } kRows[] = {{true, false, 0x3875D7, 0x3875D7},
+               {false, false, 0xD8D5CF, 0xD8D5CF},
+               {true, true, 0xD8D5CF, 0x88ACE7}};
   for (const auto& r : kRows) {
     t.SetFocused(r.focused);
     t.SetMuted(r.muted);
     Draw(&t);
     EXPECT_EQ(At(row.x + 3, row.y), r.background);
-    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.background);
+    EXPECT_EQ(At(row.right() - 1, row.bottom() - 1), r.edge)
+        << "the table's, where no row tells it";
     EXPECT_EQ(At(row.x + 3, row.y - 1), 0xFBFAF9u);
     EXPECT_EQ(At(row.x + 3, row.bottom()), 0xFBFAF9u);
   }

@@ -5,6 +5,7 @@
 #include "app/look/style.h"
 #include "app/window/commands.h"
 #include "app/window/print_options.h"
+#include "app/window/side_commands.h"
 #include "tests/app/console_fixture.h"
 
 namespace console {
@@ -66,6 +67,11 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   EXPECT_EQ(c_->choice.copies, 9);
   Key(0xFF1B);
   EXPECT_EQ(c_->choice.copies, 1);
+  Click(c_->layout.copies);
+  Key('0', '0');
+  EXPECT_FALSE(WhyNotPrint(c_).empty());
+  Key(0xFF1B);
+  EXPECT_EQ(WhyNotPrint(c_), "");
   EXPECT_EQ(XwGetFocus(c_->window), nullptr);
   Click(c_->files.table.NoteButton());
   EXPECT_EQ(c_->files.FilterText(), "");
@@ -87,6 +93,9 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   XwGetTextUtf8(c_->tools.copies, box, sizeof box);
   EXPECT_STREQ(box, "0");
   EXPECT_FALSE(CanRun(c_, kPrintCommand));
+  c_->tools.ChangeCopies(1);
+  EXPECT_TRUE(CanRun(c_, kPrintCommand));
+  c_->choice.no_copies = true;
   ChooseNextCopies(c_, 2);
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   c_->choice.profile = "Fine";
@@ -196,6 +205,16 @@ TEST_F(ConsoleTest, WhatPrintersNeedAndAChosenOneThatIsGoneStandSideBySide) {
   XwGetTextUtf8(c_->needs.load, text, sizeof text);
   EXPECT_STREQ(text, "Paper Loaded in “A”");
   EXPECT_TRUE(c_->needs.choose->flags & XW_SHOWN);
+  // While none wants paper it can be loaded in the chosen one, if that counts it.
+  for (NC_Printer& printer : all) printer.state = NC_PRINTER_PRINTING, printer.has_id = 1;
+  all[0].paper = -1;
+  c_->state.printers = std::make_shared<std::vector<NC_Printer>>(all);
+  for (const char* name : {"A", "B"}) {
+    c_->printers.Choose(name);
+    PrintersCame(c_);
+    EXPECT_EQ(WhyNotLoadPaper(c_).empty(), *name == 'B');
+  }
+  EXPECT_EQ(LoadPaperText(c_), "Paper Loaded in “B”");
   // A message that passes is drawn away.
   c_->status.Tell(Tone::kGood, "done");
   int changes = 0;

@@ -431,11 +431,12 @@ std::vector<Row> Calls() {
       XwGetFocus, XwFocusControl, XwSetToolbarItem, XwGetToolbarItem, XwSetTip, XwGetScale,
       XwSetDefaultButtons, XwSetTab, XwDescribeControl, XwSetGround, XwSetScrollHandler,
       XwSetActivationHandler, XwSetContextMenuHandler, XwSetDragHandler, XwCanEdit, XwEdit,
-      XwSetProgramIcon, XwDroppedFiles, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush, XwPop,
-      XwClip, ResetClipMask, XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox, XwFillRect,
-      XwDrawRect, XwDrawLine, XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole, XwDrawBorder,
-      XwDrawSeparator, XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm, XwTextWidth,
-      XwTextTrim, XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon, XwDrawIcon);
+      XwSetProgramIcon, XwDroppedFiles, XwDropNumber, XwBoxList, XwBoxId, XwDescribe, XwSet, XwPush,
+      XwPop, XwClip, ResetClipMask, XwSetColor, XwSetDashes, XwFlush, XwSync, XwClear, XwBox,
+      XwFillRect, XwDrawRect, XwDrawLine, XwDrawEllipse, XwFillEllipse, XwDrawBevel, XwDrawHole,
+      XwDrawBorder, XwDrawSeparator, XwDrawTable, XwDrawProgress, LoadFont, XwLoadFont, GetFontParm,
+      XwTextWidth, XwTextTrim, XwTextFit, XwDrawText, XwThemeColor, XwRoundBox, XwLoadIcon,
+      XwDrawIcon);
   const Row special[] = {
       // These open and end the test's session, never return, or have nothing to vary.
       {"XwSession XwEndSession XwRunEventLoop GetApplicationBundleFSSpec", nullptr},

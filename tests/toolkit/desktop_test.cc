@@ -101,6 +101,11 @@ TEST(Desktop, DragsOfFilesAreTold) {
   EXPECT_EQ(RunTrace(), "");
   EXPECT_EQ(dragged, "1:10,20 1:30,40b 2:30,40b ");
   dragged.clear();
+  input::FailDrop(Native(w));
+  input::FailDrop(Native(w));  // of no drop
+  EXPECT_EQ(RunTrace(), "");
+  EXPECT_EQ(dragged, "3:30,40 ");
+  dragged.clear();
   XwSetDragHandler(w, 0, NoteDrag);
   input::DragFiles(Native(w), 10, 20);
   RunLoop();
@@ -247,23 +252,40 @@ TEST(Desktop, RequestsThatComeTogetherKeepTheirDocuments) {
 // One event has the first document that fits, XwDroppedFiles has them all; each request its own.
 std::vector<std::vector<std::string>> requests;
 TEST(Desktop, ARequestHasAllItsDocuments) {
-  OpenMain();
+  XwWindow* w = OpenMain();
   on_event = [](int type) {
     int count = -1;
     const char* const* files = XwDroppedFiles(&count);
     ASSERT_EQ(files != nullptr, type == 798);
     auto& all = requests.emplace_back(files, files + count);
-    all.push_back(Inp.param ? "asked" : "dropped");
+    all.push_back(Inp.param ? "asked" : "dropped " + std::to_string(XwDropNumber()));
     all.push_back(reinterpret_cast<const char*>(Inp.value));
   };
   const std::string longer(PATH_MAX, 'x');
-  input::OpenFiles({"/a", "/two\nlines\\", "/\xff"}, false);
+  const auto drop = [w](const std::vector<std::string>& files) {
+    input::DragFiles(Native(w), 10, 20);
+    input::EndDragOfFiles(Native(w), true);
+    files.empty() ? input::FailDrop(Native(w)) : input::OpenFiles(files, false);
+  };
+  // Before the first is handled: each has the number of its own drop all the same.
+  drop({"/a", "/two\nlines\\", "/\xff"});
   input::OpenFiles({"/" + longer, "/c"}, true);
   input::OpenFiles({}, true);
+  drop({});
+  drop({"/" + longer});
+  drop({"/d"});
+  input::OpenFile("/e");
+  XwSetDragHandler(w, 1, [](int what) {
+    if (what == XW_DRAG_FAILED) requests.push_back({"failed " + std::to_string(XwDropNumber())});
+  });
   RunLoop();
   EXPECT_EQ(requests, (std::vector<std::vector<std::string>>{
-                          {"/a", "/two\nlines\\", "/\xff", "dropped", "/a"},
-                          {"/" + longer, "/c", "asked", "/c"}}));
+                          {"failed 2"},
+                          {"failed 3"},
+                          {"/a", "/two\nlines\\", "/\xff", "dropped 1", "/a"},
+                          {"/" + longer, "/c", "asked", "/c"},
+                          {"/d", "dropped 4", "/d"},
+                          {"/e", "dropped 0", "/e"}}));
   int count = 5;
   EXPECT_EQ(XwDroppedFiles(&count), nullptr);
   EXPECT_EQ(count, 0);

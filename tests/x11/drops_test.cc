@@ -27,6 +27,7 @@ class Drops : public Reports {
           drag += std::to_string(int(raw.x)) + "," + std::to_string(int(raw.y)) + " ";
         if (raw.type == RawEvent::kDragLeft) drag += "left ";
         if (raw.type == RawEvent::kDragDropped) drag += "dropped ";
+        if (raw.type == RawEvent::kDropFailed) drag += "failed ";
         if (raw.type == RawEvent::kOpenFile) {
           dropped.push_back(SplitPaths(raw.text));
           paths.push_back(dropped.back().front());
@@ -75,6 +76,7 @@ TEST_F(Drops, OnlyListsOfAddressesAreTaken) {
   ASSERT_TRUE(Answered(*source, 6));
   EXPECT_EQ(source->heard[4], "status 0");
   EXPECT_EQ(source->heard[5], "finished 0");
+  EXPECT_EQ(drag, place + "left " + place + "dropped ");
   // It begins to refuse while files are over it, and ceases.
   ChangeWindowAttributes(window, 0, kWindowRefusesFilesAttribute);
   source->Enter("text/uri-list");
@@ -87,7 +89,13 @@ TEST_F(Drops, OnlyListsOfAddressesAreTaken) {
     ASSERT_TRUE(Answered(*source, refuses ? 8 : 9));
   }
   EXPECT_EQ(source->heard[7] + ", " + source->heard[8], "status 0, status 1");
-  EXPECT_EQ(drag, "left " + place);
+  // A drop that was nowhere over the window has no place in it.
+  source->Send("XdndEnter", {source->window(), 5u << 24, source->Atom(kList), 0, 0});
+  source->Send("XdndDrop", {source->window(), 0, 0, 0, 0});
+  ASSERT_TRUE(Answered(*source, 10));
+  EXPECT_EQ(source->heard.back(), "finished 0");
+  EXPECT_EQ(drag, "left " + place + "left ");
+  EXPECT_EQ(dropped.size(), 1u);
 }
 
 TEST_F(Drops, ALongListComesInPieces) {
@@ -149,16 +157,20 @@ TEST_F(Drops, WhatIsNoListIsRefused) {
          s.answers[kList] = {{"INCR", 32, Peer::Word(0)}, {{kList, 8, ""}}};
        }},
   };
+  std::vector<std::string> told;
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     auto source = MakeSource();
     row.prepare(*source);
     source->Drop();
+    paths.clear();
+    drag.clear();
     ASSERT_TRUE(Answered(*source, 2));
     EXPECT_EQ(source->heard.back(), "finished 0");
+    EXPECT_EQ(drag.find("failed") == std::string::npos, !paths.empty());
+    told.insert(told.end(), paths.begin(), paths.end());
   }
-  // The program tells of what lies elsewhere.
-  EXPECT_EQ(paths, std::vector<std::string>{"http://elsewhere.example/a"});
+  EXPECT_EQ(told, std::vector<std::string>{"http://elsewhere.example/a"}) << "to say so";
 }
 
 // A source that stops in the middle holds up nothing, and what it sends much later is not opened.

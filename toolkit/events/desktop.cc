@@ -1,6 +1,7 @@
 #include "toolkit/events/desktop.h"
 
 #include <cstring>
+#include <utility>
 
 #include "platform/controls/controls.h"
 #include "platform/desktop/documents.h"
@@ -118,24 +119,41 @@ void TellActivity(XwWindow* w) {
 }
 
 static_assert(XW_DRAG_LEFT == int(DragFields::kLeft) && XW_DRAG_OVER == int(DragFields::kOver) &&
-              XW_DRAG_DROPPED == int(DragFields::kDropped));
+              XW_DRAG_DROPPED == int(DragFields::kDropped) &&
+              XW_DRAG_FAILED == int(DragFields::kFailed));
 
-// A wait that keeps the window out hides the drag from it, but not its end. Files are dropped where
-// they were last.
-void TellDrag(XwWindow* w, const DragFields& drag) {
-  if (drag.step == DragFields::kOver) state.last_drag = drag.where;
-  if (!w->drag_handler || (drag.step == DragFields::kOver && WaitKeepsOut(w))) return;
+void CallDragHandler(XwWindow* w, int step) {
+  if (!w->drag_handler) return;
   TargetScope scope;
   EndTip();
   Inp.window = w;
   Inp.item = 0;
-  if (drag.step != DragFields::kLeft) {
+  if (step == XW_DRAG_OVER || step == XW_DRAG_DROPPED) {
     Inp.root_x = state.last_drag.x;
     Inp.root_y = state.last_drag.y;
     SetTargetCoordinates(w);
     Inp.item = XCheckbl(w->boxes);
   }
-  w->drag_handler(drag.step);
+  w->drag_handler(step);
+}
+
+// The documents of the last drop do not come.
+void TellDropFailed() {
+  XwWindow* w = std::exchange(state.dropped_on, nullptr);
+  if (IsLive(w)) CallDragHandler(w, XW_DRAG_FAILED);
+}
+
+// A wait that keeps the window out hides the drag from it, but not its end. Files are dropped where
+// they were last.
+void TellDrag(XwWindow* w, const DragFields& drag) {
+  if (drag.step == DragFields::kFailed) return TellDropFailed();
+  if (drag.step == DragFields::kOver) state.last_drag = drag.where;
+  if (drag.step == DragFields::kOver && WaitKeepsOut(w)) return;
+  if (drag.step == DragFields::kDropped) {
+    ++state.last_drop;
+    state.dropped_on = w;
+  }
+  CallDragHandler(w, drag.step);
 }
 
 // Toolbars get the new width of the screen.
@@ -234,13 +252,17 @@ OSStatus EVapp_func(HandlerCall*, Event* event, void*) {
 OSStatus EVapple_func(const Event* event) {
   // One event with the first document that fits, however many there are: XwDroppedFiles has all.
   const RequestFields& asked = event->request;
+  const bool dropped = asked.id != kOpenAsked && state.dropped_on;
   int first = 0;
   while (first < asked.file_count && strlen(asked.files[first]) >= kPathSize) ++first;
   if (first == asked.file_count) {
     if (first > 0) Refuse(Refusal::kPathTooLong);
+    if (dropped) TellDropFailed();
     return noErr;
   }
-  char* file = KeepDocuments(asked.files[first], asked.files, asked.file_count);
+  if (dropped) state.dropped_on = nullptr;
+  char* file = KeepDocuments(asked.files[first], asked.files, asked.file_count,
+                             dropped ? state.last_drop : 0);
   if (IsLive(W_Start)) XwSendEvent(W_Start, XWE_OPEN, 0, file, asked.id == kOpenAsked);
   return noErr;
 }

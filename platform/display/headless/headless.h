@@ -61,9 +61,11 @@ void Frame(const Window* w, const DeviceRect& widths);
 void Frames(const DeviceRect& widths);
 void SetState(const Window* w, uint32_t state);
 // Another program drags files to a place in the content of the window; takes them away again, or
-// lets them go (what was dropped is OpenFiles). A window that refuses files hears nothing.
+// lets them go (what was dropped is OpenFiles, or FailDrop when it does not come). A window that
+// refuses files hears nothing.
 void DragFiles(const Window* w, int x, int y);
 void EndDragOfFiles(const Window* w, bool dropped);
+void FailDrop(const Window* w);
 void OpenFile(const char* path);
 // Several at once: dropped, or asked for by another program.
 void OpenFiles(const std::vector<std::string>& paths, bool asked);

@@ -361,6 +361,9 @@ void EndDragOfFiles(const Window* w, bool dropped) {
   if (!IsValidWindow(w) || w->attributes & kWindowRefusesFilesAttribute) return;
   Push(Report(dropped ? RawEvent::kDragDropped : RawEvent::kDragLeft, w));
 }
+void FailDrop(const Window* w) {
+  Push(Report(RawEvent::kDropFailed, w));
+}
 
 void OpenFile(const char* path) {
   if (path) OpenFiles({path}, false);

@@ -60,21 +60,25 @@ std::vector<std::string> DroppedPaths() {
       std::string_view(transfer.data).substr(0, end == std::string::npos ? 0 : end));
 }
 
+void TellSource(xcb_window_t source, const Native* target, bool done) {
+  const uint32_t answer[5] = {target->id, done ? 1u : 0u, done ? Atom(kXdndActionCopy) : 0, 0, 0};
+  SendClientMessage(source, source, kXdndFinished, answer, 0);
+}
+
 // Tells the source whether there are files; the program gets what lies elsewhere too, to say so.
 void EndTransfer(bool arrived) {
   if (transfer.target == nullptr) return;
+  Native* target = transfer.target;
   const std::vector<std::string> paths = arrived ? DroppedPaths() : std::vector<std::string>();
   const bool done =
       std::any_of(paths.begin(), paths.end(), [](const std::string& p) { return p[0] == '/'; });
-  const uint32_t answer[5] = {transfer.target->id, done ? 1u : 0u, done ? Atom(kXdndActionCopy) : 0,
-                              0, 0};
-  SendClientMessage(transfer.source, transfer.source, kXdndFinished, answer, 0);
-  xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
+  TellSource(transfer.source, target, done);
+  xcb_delete_property(x.c, target->id, Atom(kXwDrop));
   RemoveEventLoopTimer(transfer.deadline);
   Unwatch(transfer.source, kWatchEnd);
   drained_until = transfer.started + kMaxSeconds;
   transfer = Transfer{};
-  if (paths.empty()) return;
+  if (paths.empty()) return void(Emit(RawEvent::kDropFailed, target));
   x.paths.push_back(JoinPaths(paths));
   Emit(RawEvent::kOpenFile, nullptr);
 }
@@ -132,17 +136,20 @@ void OnPosition(Native* n, const uint32_t* d) {
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
 }
 
-// A new drop ends one that is still being transferred.
+// A drop without a place, or where the source knows that it is refused, brings nothing. A new drop
+// ends one that is still being transferred.
 void OnDrop(Native* n, const uint32_t* d) {
   if (hover.source != d[0] || hover.target != n) return;
+  if (!hover.told || !Accepts(n)) {
+    EndHover();
+    return TellSource(d[0], n, false);
+  }
   EndTransfer(false);
   transfer.source = d[0];
   Watch(transfer.source, kWatchEnd);
   transfer.target = n;
   transfer.started = transfer.progress = Now();
-  const bool acceptable = Accepts(n);
-  EndHover(acceptable ? RawEvent::kDragDropped : RawEvent::kDragLeft);
-  if (!acceptable) return EndTransfer(false);
+  EndHover(RawEvent::kDragDropped);
   transfer.deadline = InstallEventLoopTimer(TimeLeft(), 0, DeadlineHasCome, nullptr);
   xcb_delete_property(x.c, n->id, Atom(kXwDrop));
   xcb_convert_selection(x.c, n->id, Atom(kXdndSelection), Atom(kTextUriList), Atom(kXwDrop), d[2]);
