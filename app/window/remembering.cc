@@ -21,8 +21,7 @@ Preferences Now(const Console* c) {
   p.queue_columns = c->queue.table.AskedWidths();
   NotePanes(c, &p);
   if (c->files.folder.known()) p.folder = c->files.folder.path();
-  // While no server was there to name its default, that of the last time is kept.
-  if (!c->choice.printer.empty()) p.printer = c->choice.printer;
+  p.printer = c->choice.printer;
   p.file_order = int(c->files.folder.order());
   p.files_descending = c->files.folder.descending();
   p.hidden_names = c->files.folder.rows().shows_hidden() && !c->hidden_for_now;

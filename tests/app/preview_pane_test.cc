@@ -130,9 +130,9 @@ TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
   Open(daemon.host());
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   Click(FileRow("picture.png"));
-  PrintSelected(c_);
+  for (int i = 0; i < 2; ++i) PrintSelected(c_);
   DrawConsole(c_);
-  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->state.jobs->size() == 1; }));
+  ASSERT_TRUE(Until([&] { return c_->state.transfers.empty() && c_->state.jobs->size() == 2; }));
   Turn(2);
   const auto choose_job = [this] {
     Click(c_->queue.table.RowArea(0));
@@ -145,6 +145,10 @@ TEST_F(PreviewPaneTest, AJobShowsTheFileThatWasSentAsLongAsItIsTheSame) {
   SetFocusStop(c_, FocusStop::kDetails);
   DrawConsole(c_);
   EXPECT_TRUE(c_->details.jobs) << "the details tell of the same where they have the keyboard";
+  SetFocusStop(c_, FocusStop::kQueue);
+  c_->queue.selection.All();
+  DrawConsole(c_);
+  EXPECT_TRUE(c_->details.PictureArea().Empty()) << "several have none";
   // Another file of the same name and size is not what was sent.
   Click(FileRow("letter.txt"));
   const std::string path = home_.At("picture.png");

@@ -439,8 +439,25 @@ TEST_F(QueueTest, ShowsWhatIsAskedFor) {
   EXPECT_FALSE(CanFocus(c_->queue.show_all));
 }
 
-class LosingTest : public ConsoleTest {
+class LosingTest : public ConsoleTest, public testing::WithParamInterface<Verb> {
  protected:
+  // Changes two jobs, in their order.
+  void ChangeBoth(const char* first, const char* second, const JobChange& change) {
+    server_.Listen();
+    Open(address_);
+    ASSERT_TRUE(Until([&] { return IsReady(); }));
+    for (const char* name : {first, second}) {
+      PrintOrder order;
+      order.path = home_.At("letter.txt");
+      order.document = name;
+      c_->server.Send({order});
+    }
+    ASSERT_TRUE(Until([&] { return c_->state.jobs->size() == 2; }));
+    SetFocusStop(c_, FocusStop::kQueue);
+    c_->queue.selection.All();
+    ChangeJobs(c_, change);
+  }
+
   const std::string address_ =
       "127.63." + std::to_string(getpid() >> 8 & 255) + "." + std::to_string(getpid() & 255);
   scripted::Server server_{address_, false};
@@ -448,20 +465,8 @@ class LosingTest : public ConsoleTest {
 
 // The connection ends with the answer to a change, and those behind it have not been sent: none is
 // sent again by itself.
-TEST_F(LosingTest, AChangeIsSentOnce) {
-  server_.Listen();
-  Open(address_);
-  ASSERT_TRUE(Until([&] { return IsReady(); }));
-  for (const char* name : {"loses.pdf", "plain.pdf"}) {
-    PrintOrder order;
-    order.path = home_.At("letter.txt");
-    order.document = name;
-    c_->server.Send({order});
-  }
-  ASSERT_TRUE(Until([&] { return c_->state.jobs->size() == 2; }));
-  SetFocusStop(c_, FocusStop::kQueue);
-  c_->queue.selection.All();
-  RunCommand(c_, kHoldCommand);
+TEST_P(LosingTest, AChangeIsSentOnce) {
+  ChangeBoth("loses.pdf", "plain.pdf", {GetParam(), 0, "Office"});
   ASSERT_TRUE(Until([&] { return c_->state.link == Link::kAway; }));
   EXPECT_TRUE(c_->state.pending.empty());
   EXPECT_NE(c_->status.message().text.find("1 change was not made"), std::string::npos);
@@ -473,6 +478,19 @@ TEST_F(LosingTest, AChangeIsSentOnce) {
   EXPECT_EQ(c_->state.jobs->at(0).copies, 2) << "one change";
   EXPECT_EQ(c_->state.jobs->at(1).copies, 1) << "none";
   EXPECT_EQ(c_->state.away_times, away);
+}
+INSTANTIATE_TEST_SUITE_P(Verbs, LosingTest, testing::Values(Verb::kHold, Verb::kMove));
+
+TEST_F(LosingTest, ProgressIsToldFromChangeToChange) {
+  ChangeBoth("waits 1", "waits 2", {Verb::kHold});
+  // The server's side tells what has come of a change that took long before it makes the next one.
+  ASSERT_TRUE(Until([&] { return c_->state.quiet_s >= 1; }));
+  server_.GoOn();
+  ASSERT_TRUE(Until([&] { return c_->state.changing.total > 0; }));
+  EXPECT_EQ(c_->state.changing.done, 1);
+  EXPECT_EQ(c_->state.changing.total, 2);
+  server_.GoOn();
+  EXPECT_TRUE(Until([&] { return c_->state.pending.empty(); }));
   EXPECT_EQ(c_->state.changing.total, 0) << "nothing is under way any more";
 }
 

@@ -74,6 +74,11 @@ TEST_F(RememberingTest, TheNextConsoleBeginsAsTheLastOneEnded) {
   EXPECT_EQ(c_->files.folder.path(), home_.path());
   EXPECT_GE(c_->files.folder.Find("letter.txt"), 0);
   EXPECT_NE(c_->status.message().text.find("leaf"), std::string::npos);
+  // The user's own default comes before what was chosen last.
+  c_->remembered.preferences.default_printer = "Mine";
+  ChoosePrinter(c_, "Last");
+  CloseAndOpen();
+  EXPECT_EQ(c_->choice.printer, "Mine");
   for (const auto part : {QueueFilter::kEnded, QueueFilter::kActive}) {
     FilterQueue(c_, {true, part, "x"});
     CloseAndOpen();
@@ -129,6 +134,9 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 3; }));
   // What is left out stays to be read.
   EXPECT_EQ(c_->status.message().text.rfind("“gone” cannot be printed", 0), 0u);
+  while (c_->status.HasError()) c_->status.ReadMessage();
+  EXPECT_EQ(c_->status.message().text,
+            "“a.pdf” queued; 3 wait to be sent when 127.0.0.9:1 is back");
   Turn(2);
   XwWindow* cancel = c_->status.cancel_queued;
   char text[40];
@@ -137,7 +145,6 @@ TEST_F(RememberingTest, DocumentsFromElsewhereAreSelectedOrQueued) {
   Click({cancel->x, cancel->y, cancel->width, cancel->height});
   ASSERT_TRUE(Until([&] { return c_->state.transfers.empty(); }));
   EXPECT_EQ(StillQueued(c_), 0);
-  while (c_->status.HasError()) c_->status.ReadMessage();
   EXPECT_EQ(c_->status.message().text, "3 documents were taken back") << "of both drops";
 
   // Two at once: neither takes the place of the other.

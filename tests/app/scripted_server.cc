@@ -31,7 +31,7 @@ struct Job {
 std::mutex mutex;
 std::vector<Job> jobs;
 std::vector<int> connections;
-int ids = 0;
+int ids = 0, gate = -1;
 
 bool Put(int fd, const std::string& bytes) {
   return NC_Write(fd, bytes.data(), int32_t(bytes.size())) == int32_t(bytes.size());
@@ -69,6 +69,8 @@ bool Write(const std::string& id, const std::string& request) {
   const std::string ticket = request.substr(0, end);
   for (Job& job : jobs) {
     if (job.id != id) continue;
+    char one;
+    if (job.document.rfind("waits", 0) == 0 && read(gate, &one, 1) != 1) return false;
     job.held = Value(ticket, "hold") == "1";
     ++job.changes;
     return job.document.rfind("loses", 0) != 0;
@@ -168,6 +170,8 @@ Server::Server(const std::string& address, bool listening)
   inet_pton(AF_INET, address.c_str(), &at.sin_addr);
   EXPECT_EQ(bind(listener_, reinterpret_cast<const sockaddr*>(&at), sizeof at), 0);
   if (listening) Listen();
+  EXPECT_EQ(pipe(gate_), 0);
+  gate = gate_[0];
   pid_ = fork();
   if (pid_ == 0) Run(listener_);
 }
@@ -176,8 +180,12 @@ void Server::Listen() {
   EXPECT_EQ(listen(listener_, 16), 0);
 }
 
+void Server::GoOn() {
+  EXPECT_EQ(write(gate_[1], "x", 1), 1);
+}
+
 Server::~Server() {
-  close(listener_);
+  for (const int fd : {listener_, gate_[0], gate_[1]}) close(fd);
   kill(pid_, SIGKILL);
   waitpid(pid_, nullptr, 0);
 }

@@ -3,7 +3,8 @@
 //
 // The name of a document can ask for trouble: "breaks..." is accepted, but the connection ends
 // before the server has said so; "alone..." is accepted, and all other connections end; "loses..."
-// is changed, but the connection ends before the answer. Copies count up with each change.
+// is changed, but the connection ends before the answer; "waits..." is changed when the test says
+// so. Copies count up with each change.
 #pragma once
 #include <sys/types.h>
 
@@ -19,9 +20,12 @@ class Server {
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
   void Listen();
+  // One change of what waits is made.
+  void GoOn();
 
  private:
   int listener_ = -1;
+  int gate_[2] = {-1, -1};
   pid_t pid_ = 0;
 };
 

@@ -82,6 +82,8 @@ TEST_F(SendingTest, AnotherSelectionStays) {
   Click({c_->queue.table.Body().x, c_->queue.table.Body().bottom() - 9, 40, 8});
   ASSERT_TRUE(QueueIs(0, 1));
   EXPECT_EQ(c_->queue.table.selected(), -1);
+  c_->server.Cancel(c_->state.arrivals.back().number);  // too late: it is removed
+  EXPECT_TRUE(QueueIs(0, 0));
 }
 
 // Several documents are printed at once, without the folder that is selected beside them; their
@@ -140,6 +142,9 @@ TEST_F(SendingTest, TheQuestionMissesNothingAndLetsNothingGoOn) {
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
   EXPECT_FALSE(Node("1 document has not been sent").what.name.empty());
   platform::RemoveTreeListener(&listener);
+  display::OpenFiles({home_.At("letter.txt")}, false);
+  const auto told = [this] { return c_->status.message().text; };
+  EXPECT_TRUE(Until([&] { return told().find("What was dropped is not printed") == 0; }));
   Key(0xFF1B);
   ASSERT_FALSE(c_->asking);
   Sending& state = c_->state.transfers[0].state;
@@ -257,6 +262,7 @@ TEST_P(HangingDocument, HoldsUpNothing) {
     PrintOrder o;
     o.path = home_.At(name);
     o.document = name;
+    if (*name == 'b') o.printer = "Office";
     return o;
   };
   const auto tells = [this](const char* text) {
@@ -268,15 +274,22 @@ TEST_P(HangingDocument, HoldsUpNothing) {
   ASSERT_TRUE(Until([&] { return c_->state.transfers[0].silent_s >= 1; }));
   EXPECT_EQ(c_->state.transfers[0].sent > 0, hangs_in_reading);
   Click(c_->queue.table.RowArea(2));
+  // It is not dragged in front of those that are still to be sent.
+  const Area job = c_->queue.table.RowArea(2);
+  c_->queue.table.Press({kQueue, Table::kRow, 2}, job.x + 50);
+  c_->queue.table.Drag(job.x + 50, c_->queue.table.RowArea(0).y + 2);
+  EXPECT_EQ(c_->queue.table.gap(), 2);
+  EXPECT_TRUE(c_->queue.table.Cancel());
   Click(c_->queue.head.hold_area);
   ASSERT_TRUE(Until([&] { return c_->state.jobs->at(0).state == NC_JOB_HELD; }));
   Click(c_->queue.table.RowArea(0));
   Click(c_->queue.head.remove_area);
   ASSERT_TRUE(QueueIs(0, 2));
   // What arrived of each order is told, and nothing else.
-  EXPECT_TRUE(tells("Sent: “b.pdf”"));
+  EXPECT_TRUE(tells("Sent to “Office”: “b.pdf”"));
   c_->server.Send({order("gone.pdf"), order("a.pdf")});
   EXPECT_TRUE(tells("Sent: “a.pdf”"));
+  for (const Notice& notice : c_->state.notices) EXPECT_NE(notice.message.text, "");
   Print("hangs 2.pdf");
   ASSERT_TRUE(Until([&] { return gate->Waiting() == 2; }));
 }

@@ -69,6 +69,9 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   ASSERT_TRUE(Until([&] { return IsReady(); }));
   ShowDocuments(c_, {home_.At("big.bin")});
   ASSERT_TRUE(HasRead());
+  c_->server.ChangePrinter("gone", PrinterSetting::kPause);
+  ASSERT_TRUE(Until([&] { return c_->status.HasError(); }));
+  c_->status.ReadMessage();
   first.Signal(SIGSTOP);
   PrintSelected(c_);
   ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 1; }));
@@ -77,6 +80,7 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
     ShowPreferences(c_);
     Turn(4);
     Type(second.host());
+    for (const char* box : {"Show hidden names", "Show my jobs only"}) ClickNode(box);
     answer = leave ? 2 : 1;
     Key(kReturnKey);
     EXPECT_EQ(answer, 0);
@@ -87,12 +91,15 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
   platform::RemoveEventLoopTimer(timer);
   ASSERT_TRUE(Until([&] { return IsReady() && c_->queue.rows.count() == 0; }));
   EXPECT_EQ(c_->printers.WhyNotPrint(), "") << "the printer was the other server's default";
+  EXPECT_TRUE(c_->files.folder.rows().shows_hidden() && c_->queue.rows.filter().mine);
   first.Signal(SIGCONT);
   for (Daemon* daemon : {&first, &second}) {
     const int fd = daemon->Connect();
     EXPECT_TRUE(testing_daemon::Jobs(fd).empty());
     NC_Disconnect(fd);
   }
+  PrintSelected(c_);
+  EXPECT_TRUE(Until([&] { return c_->status.message().text.find("Sent") == 0; }));
 }
 
 TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) {
@@ -134,9 +141,13 @@ TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) 
   EXPECT_TRUE(told("no gamut file"));
   EXPECT_FALSE(c_->status.HasError());
 
+  EXPECT_EQ(c_->state.lists->printers, (std::vector<std::string>{"Wide", ""}));
   ClickNode("Flatbed");
   Key(kReturnKey);
   EXPECT_TRUE(Until([&] { return ReadFile(asked) == "Flatbed mia\n"; }));
+  EXPECT_TRUE(told("asked to scan"));
+  daemon.Stop(SIGTERM);
+  EXPECT_TRUE(Until([&] { return Node("Answer").what.value.empty(); })) << "of another server";
   Key(kEscapeKey);
   EXPECT_TRUE(Node("Flatbed").what.name.empty());
 }
@@ -156,6 +167,7 @@ TEST_F(ServerChangeTest, AServerThatRefusesIsToldAndTriedAgainByTheButton) {
   EXPECT_EQ(Node(c_->server.host()).what.value, "refused");
   EXPECT_FALSE(CanStartServer(c_)) << "one runs there";
   EXPECT_EQ(Node("Hold Job").help, "No job is selected");
+  EXPECT_GT(c_->state.retry_ms, 1000) << "it will refuse for a while";
   const int before = asked;
   const XwWindow* retry = c_->banner.retry;
   Click({retry->x, retry->y, retry->width, retry->height});

@@ -184,6 +184,7 @@ TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   EXPECT_TRUE(CanRun(c_, kPrintCommand));
   Turn(2);
   EXPECT_EQ(Node("Attention").what.value, "");
+  EXPECT_EQ(c_->button_tips.front(), "Print (Ctrl+P)");
   // The key of a greyed command says why, until that is read; one that is held says it once.
   Enter(home_.At("Empty"));
   display::Modifiers(platform::controlKey);
@@ -194,8 +195,10 @@ TEST_F(PrintersTest, TheChosenOneChangesByAChoiceAlone) {
   Turn(400);
   EXPECT_EQ(c_->status.message().text, "No file is selected");
   EXPECT_EQ(c_->button_tips.front(), "No file is selected");
+  SetFocusStop(c_, FocusStop::kPlaces);
   Key(0xFF1B);
   EXPECT_FALSE(c_->status.HasError());
+  EXPECT_EQ(c_->stop, FocusStop::kPlaces) << "one thing after the other";
 }
 
 // The preferences lie in a file below the home folder.
