@@ -34,7 +34,7 @@ int HeadEnd(const Column& c) {
 
 void Table::MakeControls(XwWindow* window, int id, const char* name) {
   id_ = id;
-  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, kRowHeight, 1, 0);
+  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED | XWC_EDGE, 0, 0, kRowHeight, 1, 0);
   name_ = name;
   XwDescribeControl(bar_, name);
   for (size_t i = 0; i < columns_.size(); ++i) {
@@ -454,8 +454,11 @@ bool Table::DragBorder(int px) {
 // --- Drawing
 
 int32_t CellColor(const CellLook& c, int32_t colour) {
+  const Style& l = TheStyle();
   if (c.selected) return c.ink;
-  return c.muted ? Dimmed(colour, c.background) : colour;
+  if (c.muted) return Dimmed(colour, c.background);
+  // What reads well on white is faint there.
+  return c.background == l.inactive_selection ? Mix(colour, l.ink, 75) : colour;
 }
 
 void Table::AddTips(Hits* hits, int row, const Area& shown,
@@ -540,6 +543,7 @@ void Table::DrawRow(int row, const Hit& hover) const {
   cell.ink = cell.selected ? l.on_accent : muted_ ? Dimmed(l.ink, cell.background) : l.ink;
   cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80)
                 : muted_      ? Dimmed(l.second, cell.background)
+                : chosen      ? Mix(l.second, l.ink, 75)
                               : l.second;
   Fill(a, cell.background);
   for (int i = 0; i < int(columns_.size()); ++i) {
