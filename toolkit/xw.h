@@ -430,9 +430,10 @@ void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
  * the desktop shows so; else it takes them, as every window does that is not told. The handler,
  * which may be null, hears as they move over the window and when they are dropped (Inp.px, Inp.py
  * and Inp.item tell where), and when they have left it (Inp.item is 0): the program shows there
- * where they would go. What was dropped comes afterwards, as 798 to the first window; when it does
- * not arrive the handler hears that it failed (Inp.item is 0). A wait that keeps the window out
- * hears of the end alone.
+ * where they would go. It hears one end of each drag; that they have left also as the window begins
+ * to refuse them, and as it is destroyed. What was dropped comes afterwards, as 798 to the first
+ * window; when it does not arrive the handler hears that it failed (Inp.item is 0). A wait that
+ * keeps the window out hears of the end alone.
  * Ignored for other windows. */
 enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2, XW_DRAG_FAILED = 3 };
 typedef void (*XwDragHandler)(int what);
