@@ -269,7 +269,7 @@ TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
     if (stays) _exit(1);
   });
   EXPECT_FALSE(AskBeforeQuit(c_));
-  EXPECT_FALSE(Node("Close Anyway").what.name.empty());
+  EXPECT_FALSE(Node("Close Now").what.name.empty());
   daemon_.Signal(SIGCONT);
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   EXPECT_TRUE(Tells("one of the two jobs has been removed by somebody else"));
@@ -387,7 +387,7 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   c_->server.Change({{Id("b").job, "b", "Proof"}}, {Verb::kMove, 0, "Wide"});
   EXPECT_TRUE(Tells("Moved to “Wide”: “b”"));
   c_->server.ChangePrinter("gone", PrinterSetting::kPause);
-  EXPECT_TRUE(Tells("Not paused: “gone”"));
+  EXPECT_TRUE(Tells("“gone” was not paused"));
 }
 
 TEST_F(QueueTest, ShowsWhatIsAskedFor) {
