@@ -281,7 +281,7 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
             "Moved to “Proof”, though somebody else had moved it to “Wide”: 2 jobs");
   EXPECT_EQ(OutcomeMessage(moved).tone, Tone::kWarning);
   const ChangeOutcome refused{Verb::kHold, 1, 3, "a", "", "", {Tone::kBad, "“b” was not held"}, ""};
-  EXPECT_EQ(OutcomeMessage(refused).text, "Held: “a”; “b” was not held (and 2 more like it)");
+  EXPECT_EQ(OutcomeMessage(refused).text, "Held: “a”; “b” was not held; 2 more jobs were refused");
   EXPECT_EQ(ProgressText({Verb::kHold, 3, 9}), "");
   EXPECT_EQ(ProgressText({Verb::kHold, 3, 10}), "Holding: 3 of 10 jobs");
   EXPECT_EQ(AwayText("ada", "does not answer", 0), "ada does not answer. Trying again…");
