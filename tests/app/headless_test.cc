@@ -161,6 +161,19 @@ TEST_F(ConsoleTest, CrumbsLeadToTheFoldersAbove) {
   EXPECT_EQ(Selected(), "in");
 }
 
+TEST(ChosenPrinter, IsTheServersDefaultUntilOneIsChosen) {
+  std::vector<NC_Printer> list(3, NC_Printer{});
+  for (size_t i = 0; i < list.size(); ++i) list[i].name[0] = char('a' + i);
+  list[1].is_default = 1;
+  ServerState state;
+  state.printers = std::make_shared<std::vector<NC_Printer>>(list);
+  for (const auto& [chosen, is] : {std::pair("", 1), {"c", 2}, {"gone", -1}}) {
+    PrintChoice choice;
+    choice.printer = chosen;
+    EXPECT_EQ(ChosenPrinter(choice, state), is < 0 ? nullptr : &(*state.printers)[size_t(is)]);
+  }
+}
+
 TEST_F(ConsoleTest, AShortcutCountsWhateverTimerComesBetween) {
   Open("127.0.0.0");
   Click(FileRow("letter.txt"));
