@@ -430,9 +430,10 @@ void XwSetContextMenuHandler(XwWindow* window, XwContextMenuHandler handler);
  * the desktop shows so; else it takes them, as every window does that is not told. The handler,
  * which may be null, hears as they move over the window and when they are dropped (Inp.px, Inp.py
  * and Inp.item tell where), and when they have left it (Inp.item is 0): the program shows there
- * where they would go. What was dropped comes afterwards, as 798 to the first window; when it does
- * not arrive the handler hears that it failed (Inp.item is 0). A wait that keeps the window out
- * hears of the end alone.
+ * where they would go. It hears one end of each drag; that they have left also as the window begins
+ * to refuse them, and as it is destroyed. What was dropped comes afterwards, as 798 to the first
+ * window; when it does not arrive the handler hears that it failed (Inp.item is 0). A wait that
+ * keeps the window out hears of the end alone.
  * Ignored for other windows. */
 enum { XW_DRAG_LEFT = 0, XW_DRAG_OVER = 1, XW_DRAG_DROPPED = 2, XW_DRAG_FAILED = 3 };
 typedef void (*XwDragHandler)(int what);
@@ -498,6 +499,7 @@ enum {
   XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */
   XWC_DROPS_FOCUS = 0x400000, /* edit box: Return does not go on to the next */
   XWC_EDITABLE = 0x200000,  /* combo box: with an edit box */
+  XWC_EDGE = 0x200000,      /* scroll bar: lies at the edge of its area, without a frame */
   XWC_HEADER = 0x800000,    /* button: the head of a column */
   XWC_OWN_TEXT = 0xC00000,  /* of a button: the toolkit draws its text */
   XWC_BESIDE = 0x1000000    /* icon button: the text of a later XwSetText stands beside the icon */
@@ -567,8 +569,9 @@ void XwSetSliderRange(XwWindow* slider, int32_t minimum, int32_t maximum, int32_
  * keys change it by `line`, the wheel by three lines a notch, page keys and a press beside the
  * thumb by `page`, for as long as it is held; they count from the value reported last (or set with
  * the bar's range). It reports as a slider does. With XWC_VARIANT there is no 792, and a press
- * beside the thumb counts once, when it is let go. Tab does not reach it; XwFocusControl does. One
- * with nothing to scroll shows no thumb and takes no input. */
+ * beside the thumb counts once, when it is let go. With XWC_EDGE it has no frame but a line at its
+ * left (one that lies: above it). Tab does not reach it; XwFocusControl does. One with nothing to
+ * scroll shows no thumb and takes no input. */
 XwWindow* XwScrollBar(XwWindow* parent, int32_t id, int x, int y, int w, int h, uint32_t style,
                       int32_t minimum, int32_t maximum, int32_t line, int32_t page, int32_t value);
 void XwSetScrollRange(XwWindow* bar, int32_t minimum, int32_t maximum, int32_t line, int32_t page,

@@ -195,6 +195,7 @@ void FilesPane::MakeControls(XwWindow* window) {
   filter = XwEditBox(window, "", kFilterControl, 0, 0, 9, 9,
                      XWC_ENABLED | XWC_VISIBLE | XWC_DROPS_FOCUS);
   XwDescribeControl(filter, "Filter");
+  XwSetTip(filter, 0, "Shows names with this text, or that match patterns such as *.pdf,*.tif");
   table.MakeControls(window, kFilesControls, "Files");
   show_all =
       XwButton(window, "Show All", kShowAllFilesCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);

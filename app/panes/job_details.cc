@@ -19,6 +19,12 @@ std::vector<Fact> FactsOf(const QueuePane& queue) {
   return out ? FactsOfOutgoing(*out, time(nullptr)) : std::vector<Fact>();
 }
 
+// As in the rows: what the server said last, unlike a document that waits to be sent.
+bool AreOld(const QueuePane& queue) {
+  const std::vector<QueueId> ids = queue.Selected();
+  return queue.state.link != Link::kReady && !(ids.size() == 1 && queue.rows.OutgoingOf(ids[0]));
+}
+
 // Of the only one that is selected, -1: none.
 int32_t ColourOf(const QueuePane& queue) {
   const std::vector<QueueId> ids = queue.Selected();
@@ -46,11 +52,9 @@ void DrawJobFacts(const QueuePane& queue, Area a) {
   const std::vector<Fact> facts = FactsOf(queue);
   if (facts.empty())
     DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine), "No job is selected", l.second);
-  for (const Fact& fact : facts) {
-    const int32_t ink = InkOf(fact.tone);
-    DrawFact(&a, fact.name.c_str(), fact.value,
-             queue.state.link == Link::kReady ? ink : Dimmed(ink, l.side));
-  }
+  const bool old = AreOld(queue);
+  for (const Fact& fact : facts)
+    DrawFact(&a, fact.name.c_str(), fact.value, old ? Dimmed(l.ink, l.side) : InkOf(fact.tone));
   const int32_t colour = ColourOf(queue);
   if (colour < 0) return;
   Area row = a;

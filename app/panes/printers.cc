@@ -7,12 +7,16 @@
 namespace console {
 namespace {
 
-constexpr int kCaption = 32, kSupplyLine = 18, kMostSupplies = 4, kSupplyEnd = 8;
+constexpr int kCaption = 32, kSupplyLine = 18, kMostSupplies = 4, kSupplyTop = 7, kSupplyEnd = 8;
 constexpr int kFigure = 36;  // "100 %"
 constexpr int kLittle = 10;  // percent of a supply
 constexpr int kLevel = 4, kLevelHeight = 12, kMostLevels = 8;
 constexpr int kButton = 92;
 constexpr char kPaperLoaded[] = "Paper Loaded";
+
+int SupplyHeight(int lines) {
+  return kSupplyTop + lines * kSupplyLine + kSupplyEnd;
+}
 
 int32_t ToneColor(Tone tone) {
   const Style& l = TheStyle();
@@ -44,7 +48,7 @@ int32_t SupplyColor(const Supply& supply, bool away) {
 std::string MoreOf(const PrinterRow& row, bool mine) {
   std::string text;
   if (!row.jobs.empty()) text += ", " + row.jobs;
-  if (!row.paper.empty()) text += ", " + row.paper;
+  if (!row.paper.empty() && !row.needs_paper) text += ", " + row.paper;  // the state says it
   if (mine) text += ", your default";
   return text;
 }
@@ -147,7 +151,7 @@ void PrintersPane::MakeControls(XwWindow* window) {
 int PrintersPane::SupplyLines() const {
   size_t lines = 0;
   for (const PrinterRow& row : printers.rows()) lines = std::max(lines, row.supplies.size());
-  const int room = (layout.printers.h - kCaption - kSupplyEnd - 3 * kRowHeight) / kSupplyLine;
+  const int room = (layout.printers.h - kCaption - SupplyHeight(0) - 3 * kRowHeight) / kSupplyLine;
   return std::clamp(int(lines), 0, std::clamp(room, 0, kMostSupplies));
 }
 
@@ -156,7 +160,7 @@ void PrintersPane::Place() {
   a.w -= 1;  // the line at the right
   a.TakeTop(kCaption);
   const int lines = SupplyLines();
-  if (lines > 0) a.TakeBottom(lines * kSupplyLine + kSupplyEnd);
+  if (lines > 0) a.TakeBottom(SupplyHeight(lines));
   list.Place(a);
 }
 
@@ -227,7 +231,9 @@ void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool at_it)
 void PrintersPane::DrawSupplies(Area a) const {
   const Style& l = TheStyle();
   const PrinterRow* row = At();
+  LineAtTop(a);
   if (!row) return;
+  a.TakeTop(kSupplyTop);
   std::vector<Supply> supplies = row->supplies;
   // Where there is no room for all, those that run out come first.
   if (int(supplies.size()) > SupplyLines())
@@ -271,7 +277,7 @@ void PrintersPane::Draw(const Hit& hover, bool active, bool focused) const {
   // The row is grey while the server is away.
   if (active && focused && (away || !list.ShowsRow())) DrawFocusRing(list.area(), l.side);
   if (const int lines = SupplyLines(); lines > 0)
-    DrawSupplies(a.TakeBottom(lines * kSupplyLine + kSupplyEnd).Inset(12, 0));
+    DrawSupplies(a.TakeBottom(SupplyHeight(lines)).Inset(12, 0));
 }
 
 void PrintersPane::AddHits(Hits* hits, bool focused) const {

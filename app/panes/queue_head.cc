@@ -38,6 +38,7 @@ void QueueHead::MakeControls(XwWindow* w) {
   XwDescribeControl(hold, "Hold Job");
   text = XwEditBox(w, "", kQueueFilterControl, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
   XwDescribeControl(text, "Filter Queue");
+  XwSetTip(text, 0, "Shows jobs whose document, owner, printer or number has this text");
   owner = List(w, kOwners, kQueueOwnerControl, "Whose Jobs");
   part = List(w, kParts, kQueuePartControl, "Which Jobs");
 }

@@ -14,7 +14,7 @@ constexpr int kBar = 15;
 
 void ScrolledArea::MakeControls(XwWindow* window, int id, const char* name) {
   id_ = id;
-  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, step_, 1, 0);
+  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED | XWC_EDGE, 0, 0, step_, 1, 0);
   XwDescribeControl(bar_, name);
 }
 

@@ -34,7 +34,7 @@ int HeadEnd(const Column& c) {
 
 void Table::MakeControls(XwWindow* window, int id, const char* name) {
   id_ = id;
-  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED, 0, 0, kRowHeight, 1, 0);
+  bar_ = XwScrollBar(window, id, 0, 0, 0, 0, XWC_ENABLED | XWC_EDGE, 0, 0, kRowHeight, 1, 0);
   name_ = name;
   XwDescribeControl(bar_, name);
   for (size_t i = 0; i < columns_.size(); ++i) {
@@ -454,7 +454,10 @@ bool Table::DragBorder(int px) {
 // --- Drawing
 
 int32_t CellColor(const CellLook& c, int32_t colour) {
-  return c.selected || c.muted ? c.ink : colour;
+  const Style& l = TheStyle();
+  if (c.selected || c.muted) return c.ink;
+  // What reads well on white is faint there.
+  return c.background == l.inactive_selection ? Mix(colour, l.ink, 75) : colour;
 }
 
 void Table::AddTips(Hits* hits, int row, const Area& shown,
@@ -537,7 +540,10 @@ void Table::DrawRow(int row, const Hit& hover) const {
   else if (hover == Hit{owner_, kRow, row})
     cell.background = Mix(l.accent, cell.background, 7);
   cell.ink = cell.selected ? l.on_accent : cell.muted ? Dimmed(l.ink, cell.background) : l.ink;
-  cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80) : cell.muted ? cell.ink : l.second;
+  cell.second = cell.selected ? Mix(l.on_accent, l.accent, 80)
+                : cell.muted  ? cell.ink
+                : chosen      ? Mix(l.second, l.ink, 75)
+                              : l.second;
   Fill(a, cell.background);
   for (int i = 0; i < int(columns_.size()); ++i) {
     if (ColumnArea(i).Empty()) continue;

@@ -117,10 +117,23 @@ void CloseFrontWindow(Console* c) {
 void NoteActivity(XwWindow* second, bool active) {
   Console* c = g_console;
   if (!c || !second) return;
-  if (active)
+  if (active) {
     c->front = second;
-  else if (c->front == second)
+    std::erase(c->seconds, second);
+    c->seconds.push_back(second);
+  } else if (c->front == second) {
     c->front = nullptr;
+  }
+}
+
+void CloseSecond(XwWindow* second) {
+  Console* c = g_console;
+  const bool had_keyboard = c && second && c->front == second;
+  NoteActivity(second, false);
+  if (c) std::erase(c->seconds, second);
+  XwDestroy(second);
+  // To the console itself the desktop gives it.
+  if (had_keyboard && !c->seconds.empty()) XwSetFocus(c->seconds.back());
 }
 
 namespace {
@@ -307,6 +320,7 @@ void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
   c->active = active != 0;
+  if (c->active) c->seconds.clear();
   if (c->active) RefreshPlaces(c);  // a disk may have come
   c->damage = kAllPanes;
   DrawConsole(c);

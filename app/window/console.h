@@ -103,6 +103,8 @@ struct Console {
 
   XwWindow* window = nullptr;
   XwWindow* front = nullptr;  // the other window that has the keyboard; null: none has
+  // Those that had it since `window` did, in that order.
+  std::vector<XwWindow*> seconds;
   Layout layout;
   Hits hits;
   Hit hover, pressed;
@@ -200,8 +202,10 @@ inline bool HasKeyboard(const Console* c, FocusStop stop) {
 }
 
 // Another window of the console has the keyboard, or has it no longer: when it is shown, when it
-// becomes active or inactive, and before it is destroyed.
+// becomes active or inactive.
 void NoteActivity(XwWindow* second, bool active);
+// Destroys it; null is ignored. The keyboard goes back to the window that had it before.
+void CloseSecond(XwWindow* second);
 // What follows a change of the selection in the files, or in the queue.
 void SelectionChanged(Console* c, bool files);
 // Shift and Control, as they are held.

@@ -151,8 +151,7 @@ void ShowKeys(Console* c) {
 }
 
 void CloseKeys() {
-  NoteActivity(keys_window, false);
-  XwDestroy(keys_window);
+  CloseSecond(keys_window);
   keys_window = nullptr;
 }
 

@@ -402,8 +402,7 @@ void CloseLists() {
   ListsWindow* w = g_window;
   if (!w) return;
   g_window = nullptr;
-  NoteActivity(w->window, false);
-  XwDestroy(w->window);
+  CloseSecond(w->window);
   delete w;
 }
 

@@ -70,8 +70,7 @@ void Close() {
   NumberWindow* w = g_window;
   if (!w) return;
   g_window = nullptr;
-  NoteActivity(w->window, false);
-  XwDestroy(w->window);
+  CloseSecond(w->window);
   delete w;
 }
 

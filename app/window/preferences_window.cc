@@ -340,8 +340,7 @@ void ClosePreferences() {
   PreferencesWindow* w = g_window;
   if (!w) return;
   g_window = nullptr;
-  NoteActivity(w->window, false);
-  XwDestroy(w->window);
+  CloseSecond(w->window);
   delete w;
 }
 

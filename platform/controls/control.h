@@ -79,7 +79,7 @@ struct Control {
   int32_t minimum = 0, maximum = 0;  // of the value
   int32_t view = 0;                  // of a scroll bar
   bool horizontal = false;           // of a slider or scroll bar
-  bool live = true;                  // of a scroll bar
+  bool live = true, framed = true;   // of a scroll bar
   ControlAction action = nullptr;
   Control* part = nullptr;   // belongs to it: shown, active and alive with it
   Control* whole = nullptr;  // what it is the part of

@@ -78,9 +78,11 @@ ControlRef CreateSliderControl(PaneRef pane, const Rect& bounds, bool horizontal
 // go in the bar, and else 0.
 ControlRef CreateScrollBarControl(PaneRef pane, const Rect& bounds, int32_t value, int32_t minimum,
                                   int32_t maximum, int32_t view, bool live, ControlAction action);
+// One that has no frame has a line at its left or upper side. It shows with the next drawing.
+void SetScrollBarFramed(ControlRef c, bool framed);
 // `part` (made after `whole`, in its pane) belongs to `whole`: it is shown, hidden, activated,
-// deactivated and disposed of with it; a scroll bar then has no frame but a line at its left or
-// upper side. Placing it is up to the kind of `whole`.
+// deactivated and disposed of with it; a scroll bar then has no frame. Placing it is up to the kind
+// of `whole`.
 void AttachControl(ControlRef whole, ControlRef part);
 // The value is cut to it. A maximum below the minimum counts as the minimum.
 void SetControlRange(ControlRef c, int32_t minimum, int32_t maximum);

@@ -160,4 +160,8 @@ ControlRef CreateScrollBarControl(PaneRef pane, const Rect& bounds, int32_t valu
   return c;
 }
 
+void SetScrollBarFramed(ControlRef c, bool framed) {
+  if (IsValidControl(c)) c->framed = framed;
+}
+
 }  // namespace platform

@@ -43,7 +43,7 @@ ThemeThumbInfo ThumbInfo(const Control* c) {
   i.active = c->active;
   i.held = IsControlHilited(const_cast<Control*>(c));
   i.front = OwnerOf(c).window->active;
-  i.framed = !c->whole;
+  i.framed = c->framed && !c->whole;
   return i;
 }
 

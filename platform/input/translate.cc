@@ -77,21 +77,6 @@ void Motion(const RawEvent& raw, WindowRef w) {
     q.Push(e);
 }
 
-void Drag(const RawEvent& raw, WindowRef w, DragFields::Step step) {
-  Event e(kEventClassWindow, kEventWindowDrag, w);
-  e.time = raw.time;
-  e.drag = {GlobalPoint(*w, raw), step};
-  EventQueue& q = main_event_queue;
-  Event* last = q.Last();
-  const bool merges = step == DragFields::kOver && last && last->cls == e.cls &&
-                      last->kind == e.kind && last->window == w &&
-                      last->drag.step == DragFields::kOver;
-  if (merges)
-    *last = e;
-  else
-    q.Push(e);
-}
-
 void Button(const RawEvent& raw, WindowRef w) {
   bool press = raw.type == RawEvent::kPress;
   uint32_t bit = raw.button >= 1 && raw.button <= kButtons ? 1u << (raw.button - 1) : 0;
@@ -234,13 +219,13 @@ void WindowEvent(const RawEvent& raw, WindowRef w) {
     case RawEvent::kFocusOut:
       return HandleFocus(w, false);
     case RawEvent::kDragOver:
-      return Drag(raw, w, DragFields::kOver);
+      return HandleDrag(w, {GlobalPoint(*w, raw), DragFields::kOver});
     case RawEvent::kDragLeft:
-      return Drag(raw, w, DragFields::kLeft);
+      return HandleDrag(w, {GlobalPoint(*w, raw), DragFields::kLeft});
     case RawEvent::kDragDropped:
-      return Drag(raw, w, DragFields::kDropped);
+      return HandleDrag(w, {GlobalPoint(*w, raw), DragFields::kDropped});
     case RawEvent::kDropFailed:
-      return Drag(raw, w, DragFields::kFailed);
+      return HandleDrag(w, {GlobalPoint(*w, raw), DragFields::kFailed});
     case RawEvent::kFrame:
       return HandleFrame(w, raw.frame);
     case RawEvent::kState:

@@ -22,6 +22,9 @@ void HandleState(WindowRef w, uint32_t state);
 void HandleFocus(WindowRef w, bool focused);
 // Called after a batch of reports: if no window has got the focus by then, it is lost.
 void UpdateActivation();
+// The display reports files over the window, where they go from there, or that a drop failed. Of
+// each drag the window hears one end, also when it begins to refuse files in the middle.
+void HandleDrag(WindowRef w, const DragFields& drag);
 // While they are held, windows that are shown do not come onto the screen.
 void HoldWindows(bool held);
 // The window that carries the menu bar; null when it is gone.

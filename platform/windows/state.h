@@ -12,9 +12,10 @@ struct WindowsState {
   std::vector<WindowGroup*> groups;
   WindowRef menu_bar = nullptr;
   bool menu_bar_given = false;
-  bool held = false;              // shown windows are kept from the screen
-  unsigned made = 0;              // windows
-  std::vector<DeviceRect> rects;  // memory of the last present
+  bool held = false;                 // shown windows are kept from the screen
+  WindowRef dragged_over = nullptr;  // knows of files over it; the end of their drag is to come
+  unsigned made = 0;                 // windows
+  std::vector<DeviceRect> rects;     // memory of the last present
   struct {
     WindowRef focused = nullptr;
     bool known = false;         // the display has said where the focus is

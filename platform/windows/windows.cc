@@ -143,6 +143,7 @@ void DisposeWindow(WindowRef w) {
   }
   if (all.menu_bar == w) all.menu_bar = nullptr;
   if (all.activation.asked == w) all.activation.asked = nullptr;
+  if (all.dragged_over == w) all.dragged_over = nullptr;
   for (WindowRef other : all.list)
     if (other->transient_for == w) other->transient_for = nullptr;
   std::erase(all.list, w);
@@ -264,6 +265,7 @@ void ChangeWindowAttributes(WindowRef w, uint32_t set, uint32_t clear) {
   uint32_t now = (w->attributes | set) & ~clear;
   if (now == w->attributes) return;
   w->attributes = now;
+  if (now & kWindowRefusesFilesAttribute) HandleDrag(w, {{}, DragFields::kLeft});
   Hints(w);
 }
 

@@ -157,6 +157,15 @@ TEST_F(ConsoleTest, KeysOfTheMenusAreForTheWindowWithTheKeyboard) {
   Key(kF6Key);
   display::Modifiers(0);
   EXPECT_EQ(c_->stop, FocusStop::kFiles) << "back";
+  // The keyboard goes back to where it was.
+  Key(kF1Key);
+  const XwWindow* keys = c_->front;
+  ShowPreferences(c_);
+  Turn(2);
+  Key(kEscapeKey);
+  EXPECT_TRUE(keys && c_->front == keys);
+  close();
+  EXPECT_EQ(c_->front, nullptr);
   ShowPreferences(c_);
   Turn(2);
   close();

@@ -1,10 +1,13 @@
 // What the desktop does to windows and asks of the program.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
+#include <functional>
 
 #include "tests/toolkit/stage.h"
+#include "toolkit/core/alive.h"
 #include "toolkit/core/state.h"
 #include "toolkit/core/trace.h"
 #include "toolkit/events/desktop.h"
@@ -110,6 +113,32 @@ TEST(Desktop, DragsOfFilesAreTold) {
   input::DragFiles(Native(w), 10, 20);
   RunLoop();
   EXPECT_EQ(dragged, "");
+  // One end each, whatever ends it.
+  XwWindow* other = Top("other", 500, 100, 50, 50);
+  const auto refuse = [w](int refuses) { XwSetDragHandler(w, !refuses, NoteDrag); };
+  const struct {
+    const char* what;
+    std::function<void()> end;
+    char told;
+  } rows[] = {{"left", [w] { input::EndDragOfFiles(Native(w), false); }, '0'},
+              {"dropped", [w] { input::EndDragOfFiles(Native(w), true); }, '2'},
+              {"refused", [&] { refuse(1); }, '0'},
+              {"refused, and taken again", [&] { refuse(1), refuse(0); }, '0'},
+              {"over another window", [&] { input::DragFiles(Native(other), 1, 1); }, '0'},
+              {"destroyed", [w] { XwDestroy(w); }, '0'}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    refuse(0);
+    input::DragFiles(Native(w), 10, 20);
+    RunLoop();
+    dragged.clear();
+    row.end();
+    RunLoop();
+    if (IsLive(w)) input::EndDragOfFiles(Native(w), true);
+    RunLoop();
+    EXPECT_EQ(dragged.substr(0, 1), std::string(1, row.told));
+    EXPECT_EQ(std::count(dragged.begin(), dragged.end(), ':'), 1) << dragged;
+  }
 }
 
 TEST(Desktop, AFrameInTheCornerLiesOnTheScreen) {

@@ -126,6 +126,7 @@ XwWindow* XwScrollBar(XwWindow* parent, int32_t id, int x, int y, int w, int h, 
   ControlRef control = CreateScrollBarControl(
       PaneForControl(parent), ControlRect(XWK_SCROLL, style, x, y, w, h), value, minimum,
       LastStart(maximum, page), page, live, ScrollBarLiveTrackingFunc);
+  SetScrollBarFramed(control, !(style & XWC_EDGE));
   return Finish(CreateWindowControl(parent, id, XWK_SCROLL, x, y, w, h, style, nullptr, 0, control),
                 value, {minimum, maximum, line, page});
 }

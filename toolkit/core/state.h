@@ -68,6 +68,7 @@ struct State {
   int64_t last_poll = 0;             // microseconds
   int32_t last_click_item = -1;      // of XwDoubleClick
   platform::Point last_drag{0, 0};   // where files were last dragged over a window
+  XwWindow* dragged_over = nullptr;  // its handler knows of files over it
   int last_drop = 0;                 // the number of the last drop
   XwWindow* dropped_on = nullptr;    // its window, until its documents have come; else null
   platform::Point last_pen{-1, -1};  // the place of the latest sample of a pen

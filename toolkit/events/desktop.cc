@@ -153,6 +153,7 @@ void TellDrag(XwWindow* w, const DragFields& drag) {
     ++state.last_drop;
     state.dropped_on = w;
   }
+  state.dragged_over = drag.step == DragFields::kOver ? w : nullptr;
   CallDragHandler(w, drag.step);
 }
 

@@ -164,8 +164,20 @@ void DestroyBelow(XwWindow* top) {
 
 }  // namespace
 
+// Files that are over it are over it no more. Its handler may destroy it, too.
+static void EndDrag(XwWindow* w) {
+  state.dragged_over = nullptr;
+  if (!w->drag_handler) return;
+  TargetScope scope;
+  Inp.window = w;
+  Inp.item = 0;
+  w->drag_handler(XW_DRAG_LEFT);
+}
+
 void XwDestroy(XwWindow* w) {
   if (!w || !CheckWindow(w)) return;
+  if (w == state.dragged_over) EndDrag(w);
+  if (!IsLive(w)) return;
   Begin(w);
   if (w->child_count > 0) DestroyBelow(w);
   Finish(w);

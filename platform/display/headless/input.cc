@@ -358,7 +358,7 @@ void DragFiles(const Window* w, int x, int y) {
   Push(raw);
 }
 void EndDragOfFiles(const Window* w, bool dropped) {
-  if (!IsValidWindow(w) || w->attributes & kWindowRefusesFilesAttribute) return;
+  if (!IsValidWindow(w)) return;
   Push(Report(dropped ? RawEvent::kDragDropped : RawEvent::kDragLeft, w));
 }
 void FailDrop(const Window* w) {
