@@ -199,6 +199,16 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   EXPECT_TRUE(c_->state.pending.empty());
   SetFocusStop(c_, FocusStop::kQueue);
 
+  // A place beside a job of another priority brings that one along, and it is told.
+  Select({"d"});
+  ChangeJobs(c_, {Verb::kPriority, 75});
+  ASSERT_TRUE(Tells("Priority changed: “d”") && Settled());
+  Select({"c"});
+  MoveJobs(c_, -1);
+  EXPECT_TRUE(Tells("Moved in the queue: “c”, with priority 75 now") && Settled());
+  MoveJobs(c_, 1);
+  EXPECT_TRUE(Tells("Moved in the queue: “c”, with priority 50 now") && Settled());
+
   // In another order it is not done, and a line says why.
   Select({"c", "d"});
   c_->queue.Sort(QueueOrder::kName, true);
