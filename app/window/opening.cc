@@ -40,8 +40,7 @@ void QueueDropped(Console* c, const DroppedPaths& dropped, const std::string& pr
   if (const PrinterRow* row = c->printers.Find(printer)) {
     usual.printer = printer;
     if (!HasMedia(*row->printer, usual.media)) {
-      Tell(c, false,
-           Quoted(printer) + " has no " + Shown(usual.media) + ": its usual media are used");
+      c->status.Tell(Tone::kWarning, NoMediaText(printer, usual.media));
       usual.media.clear();
     }
   }
