@@ -1,6 +1,7 @@
 #include "app/model/pending_changes.h"
 
 #include "app/format/words.h"
+#include "app/model/printers.h"
 #include "printserver/words.h"
 
 namespace console {
@@ -102,7 +103,7 @@ Message DoneMessage(const ChangeOutcome& outcome) {
     where += ", though somebody else had moved it to " + Quoted(outcome.was_on);
   if (outcome.lacks.empty())
     return {outcome.was_on.empty() ? Tone::kGood : Tone::kWarning, where + ": " + what};
-  return {Tone::kWarning, where + ", which has no " + outcome.lacks + ": " + what};
+  return {Tone::kWarning, where + ": " + what + ". " + NoMediaText(outcome.printer, outcome.lacks)};
 }
 
 }  // namespace

@@ -103,6 +103,10 @@ std::vector<std::string> MediaOf(const NC_Printer* printer) {
   return media;
 }
 
+std::string NoMediaText(const std::string& printer, const std::string& media) {
+  return Quoted(printer) + " has no " + Shown(media) + ": its usual media are used";
+}
+
 bool HasMedia(const NC_Printer& printer, const std::string& media) {
   const std::vector<std::string> all = MediaOf(&printer);
   return all.empty() || std::find(all.begin(), all.end(), media) != all.end();

@@ -90,6 +90,8 @@ bool IsStopped(const NC_Printer& printer);
 std::vector<std::string> MediaOf(const NC_Printer* printer);
 // Also where the server does not say what it has.
 bool HasMedia(const NC_Printer& printer, const std::string& media);
+// What becomes of a job for media that a printer does not have: the server prints it all the same.
+std::string NoMediaText(const std::string& printer, const std::string& media);
 // "name:percent" with commas between, as records have them; what is none is left out.
 std::vector<Supply> SuppliesOf(const char* text);
 

@@ -77,6 +77,19 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
   return words;
 }
 
+std::string OrderedText(const char* verb, const char* preposition, const Ordered& ordered) {
+  const bool one = ordered.documents == 1;
+  std::string text = one && !ordered.document.empty()
+                         ? Quoted(ordered.document)
+                         : NumberOf(ordered.documents, "document", "documents");
+  text += std::string(" ") + verb;
+  if (!ordered.printer.empty())
+    text += std::string(" ") + preposition + " " + Quoted(ordered.printer);
+  if (ordered.copies > 1)
+    text += ", " + NumberText(ordered.copies) + (one ? " copies" : " copies each");
+  return text + (ordered.hold ? ", held" : "");
+}
+
 std::string TakenBackText(const TakenBack& back) {
   const int all = back.waiting + back.arrived + back.sending + back.failed;
   if (all == back.waiting)

@@ -28,6 +28,17 @@ struct RowWords {
 RowWords WordsOfJob(const NC_Job& job, std::optional<Verb> pending);
 RowWords WordsOfOutgoing(const Outgoing& out);
 
+// What was printed together, with the same options.
+struct Ordered {
+  int documents = 1;
+  std::string document;  // the name of a single one; "": it is not told
+  std::string printer;   // "": the server chooses it
+  int copies = 1;
+  bool hold = false;
+};
+// "“a.pdf” sent to “Proof”", "3 documents queued on “Proof”, 2 copies each, held".
+std::string OrderedText(const char* verb, const char* preposition, const Ordered& ordered);
+
 // What has not reached the server: documents that will be sent, those whose sending failed, and
 // changes of jobs.
 struct Unsent {

@@ -173,7 +173,7 @@ void Worker::NoteMove(const JobStep& step, const NC_Job& before) {
   if (crossed && printer != before.printer) outcome_.was_on = before.printer;
   if (!before.media[0]) return;
   for (const NC_Printer& p : *shared_->state.printers)
-    if (p.name == printer && !HasMedia(p, before.media)) outcome_.lacks = Shown(before.media);
+    if (p.name == printer && !HasMedia(p, before.media)) outcome_.lacks = before.media;
 }
 
 // What the list says of the priorities of those that were put before others. Under the mutex.

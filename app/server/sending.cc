@@ -16,6 +16,8 @@ constexpr int kMostTries = 5, kRetryMs = 1000;
 // One that was sent to its last byte may be in the queue a little later: it is looked for first.
 constexpr int kLookMs = 3000;
 constexpr size_t kArrivals = 32;
+// Within so long a second order of the same reads as the first one.
+constexpr int kSameOrderMs = 6000;
 // A result of sending beside a server's status and the codes below 0.
 constexpr int kUnread = 1000;
 constexpr char kNoAnswer[] = "the file does not answer";
@@ -180,10 +182,17 @@ std::string Worker::SentText(const Transfer& ended, bool arrived) {
   }
   const int all = ended.arrived + arrived;
   if (more || all == 0) return "";
-  const std::string& printer = ended.order.printer;
-  return arrived && all == 1 ? (printer.empty() ? "Sent: " : "Sent to " + Quoted(printer) + ": ") +
-                                   Quoted(ended.order.document)
-                             : NumberOf(all, "document is", "documents are") + " at the server";
+  const PrintOrder& order = ended.order;
+  return CountRepeats(OrderedText(
+      "sent", "to", {all, arrived ? order.document : "", order.printer, order.copies, order.hold}));
+}
+
+// Who prints the same twice sees that the second one has arrived, too.
+std::string Worker::CountRepeats(std::string sent) {
+  const int64_t now = MonotonicMs();
+  const bool again = sent == told_sent_.text && now - told_sent_.at < kSameOrderMs;
+  told_sent_ = {sent, again ? told_sent_.times + 1 : 1, now};
+  return again ? sent + " (" + NumberText(told_sent_.times) + " times)" : sent;
 }
 
 // What becomes of a transfer that has ended. Under the mutex.

@@ -70,6 +70,7 @@ class Worker {
   int SendDocument(const Transfer& t, const Document& document, std::string* why);
   void Finish(int number, int result, const std::string& why);
   std::string SentText(const Transfer& ended, bool arrived);
+  std::string CountRepeats(std::string sent);
   void NoteResult(int number, int result, const std::string& why);
   bool Arrived(const JobId& id);
   int SilentSeconds(int64_t sent);
@@ -96,6 +97,11 @@ class Worker {
   struct {
     int64_t sent, at;  // bytes, and when there were so many of them
   } progress_{};
+  struct {
+    std::string text;
+    int times;
+    int64_t at;             // MonotonicMs
+  } told_sent_{};           // what was told last of orders that arrived, and how often in a row
   bool all_sent_ = false;   // of the transfer
   bool hold_back_ = false;  // lists are stored, and published by what follows
   // A transfer that broke off, under which id, and how often.

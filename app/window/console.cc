@@ -228,6 +228,8 @@ void Key(Console* c, int type) {
     return;
   }
   if (const int command = CommandOfKey(c, type)) {
+    constexpr int kRepeats = 2;
+    if (command == kPrintCommand && XwGetKeyState(type) == kRepeats) return;
     ShowRowFor(c, command);
     TellWhyNot(c, command, type);
     return RunCommand(c, command);

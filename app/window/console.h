@@ -127,6 +127,7 @@ struct Console {
   uint32_t modifiers = 0;
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
+  uint32_t last_print = 0;  // likewise, of the Print button
   // Buttons of commands: each is enabled when its command can be run.
   std::vector<XwWindow*> buttons;
   std::vector<std::string> button_tips;  // as they show now

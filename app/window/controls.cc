@@ -205,6 +205,8 @@ void UseEditBox(Console* c, int type, int id, bool gained) {
 }
 
 void UseControl(Console* c, int id, int value) {
+  // Who clicks twice by habit does not want everything twice.
+  if (id == kPrintCommand && XwDoubleClick(&c->last_print)) return;
   RunCommand(c, id);
   if (c->tools.Chosen(id, value)) c->damage |= kToolsPane | kDetailsPane;
   if (id == kPrinterControl) ChoosePrinter(c, c->choice.printer);
@@ -248,15 +250,15 @@ PrintOrder UsualOrder(const Console* c) {
 
 void SendOrders(Console* c, std::vector<PrintOrder> orders, int folders) {
   const int n = int(orders.size());
-  const std::string printer = orders.empty() ? "" : orders.front().printer;
-  const std::string document = orders.empty() ? "" : Quoted(orders.front().document);
+  if (orders.empty()) return;
+  const PrintOrder& first = orders.front();
+  std::string text =
+      OrderedText("queued", "on", {n, first.document, first.printer, first.copies, first.hold});
   const int before = StillQueued(c) + c->just_sent;
   c->just_sent += n;
   const int last = c->server.Send(std::move(orders));
   c->status.PassReason();  // of an earlier drop
   if (!IsInQueue(c->stop)) c->queue.FollowSent(last - n + 1);
-  std::string text = (n == 1 ? document : NumberText(n) + " documents") + " queued";
-  if (!printer.empty()) text += " on " + Quoted(printer);
   if (folders > 0) text += ", without " + NumberOf(folders, "folder", "folders");
   const bool away = IsAway(c->state.link);
   if (before > 0) text += "; " + NumberText(before + n) + " wait to be sent";

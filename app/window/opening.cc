@@ -50,8 +50,7 @@ void QueueDropped(Console* c, const Dropped& all) {
   if (const PrinterRow* row = c->printers.Find(printer)) {
     usual.printer = printer;
     if (!usual.media.empty() && !HasMedia(*row->printer, usual.media)) {
-      Tell(c, false,
-           Quoted(printer) + " has no " + Shown(usual.media) + ": its usual media are used");
+      c->status.Tell(Tone::kWarning, NoMediaText(printer, usual.media));
       usual.media.clear();
     }
   }

@@ -45,8 +45,7 @@ void ChoosePrinter(Console* c, const std::string& name) {
   // What was chosen elsewhere comes into sight; a keyboard that is in the list stays where it is.
   if (c->stop != FocusStop::kPrinters) c->printer_list.GoTo(name);
   c->tools.FitMedia(c->state);
-  if (c->choice.media != media)
-    Tell(c, true, Quoted(name) + " has no " + Shown(media) + ": its usual media are chosen");
+  if (c->choice.media != media) Tell(c, true, NoMediaText(name, media));
   PrintersCame(c);
   c->damage |= kToolsPane | kDetailsPane;
 }

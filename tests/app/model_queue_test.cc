@@ -275,11 +275,20 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
   EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
   ChangeOutcome moved{Verb::kMove, 2, 0, "", "Proof", "A1", {}, ""};
-  EXPECT_EQ(OutcomeMessage(moved).text, "Moved to “Proof”, which has no A1: 2 jobs");
+  EXPECT_EQ(OutcomeMessage(moved).text,
+            "Moved to “Proof”: 2 jobs. “Proof” has no A1: its usual media are used");
   moved.lacks = "", moved.was_on = "Wide";
   EXPECT_EQ(OutcomeMessage(moved).text,
             "Moved to “Proof”, though somebody else had moved it to “Wide”: 2 jobs");
   EXPECT_EQ(OutcomeMessage(moved).tone, Tone::kWarning);
+  ChangeOutcome placed{Verb::kReorder, 3, 0, "a", "", "", {}, ""};
+  placed.with_new_priority = 2, placed.new_priority = 75;
+  EXPECT_EQ(OutcomeMessage(placed).text,
+            "Moved in the queue: 3 jobs, 2 of them with priority 75 now");
+  placed = {Verb::kReorder, 1, 0, "a", "", "", {}, "", 1, 75, "b"};
+  EXPECT_EQ(OutcomeMessage(placed).text, "Moved in the queue: “a”; “b” has priority 75 now");
+  EXPECT_EQ(OrderedText("sent", "to", {3, "", "Wide", 2, true}),
+            "3 documents sent to “Wide”, 2 copies each, held");
   const ChangeOutcome refused{Verb::kHold, 1, 3, "a", "", "", {Tone::kBad, "“b” was not held"}, ""};
   EXPECT_EQ(OutcomeMessage(refused).text, "Held: “a”; “b” was not held; 2 more jobs were refused");
   EXPECT_EQ(ProgressText({Verb::kHold, 3, 9}), "");

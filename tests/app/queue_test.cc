@@ -372,10 +372,10 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   EXPECT_EQ(c_->choice.media, "A1");
   ChoosePrinter(c_, "Office");
   EXPECT_EQ(c_->choice.media, "");
-  EXPECT_TRUE(Tells("“Office” has no A1: its usual media are chosen"));
+  EXPECT_TRUE(Tells("“Office” has no A1: its usual media are used"));
   Select({"m"});
   ChangeJobs(c_, {Verb::kMove, 0, "Office"});
-  EXPECT_TRUE(Tells("Moved to “Office”, which has no A1: “m”"));
+  EXPECT_TRUE(Tells("Moved to “Office”: “m”. “Office” has no A1: its usual media are used"));
   c_->status.ReadMessage();
   ASSERT_TRUE(Settled());
   // Its menu offers what that printer has, while it is not at it.

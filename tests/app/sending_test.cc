@@ -101,7 +101,8 @@ TEST_F(SendingTest, SeveralAreOneChoice) {
   Key('p', 'p');
   display::Modifiers(0);
   ASSERT_TRUE(QueueIs(0, 2));
-  EXPECT_TRUE(Until([&] { return c_->status.message().text == "2 documents are at the server"; }));
+  EXPECT_TRUE(
+      Until([&] { return c_->status.message().text == "2 documents sent to “Proof printer”"; }));
   Click(c_->queue.table.RowArea(0));
   display::Modifiers(platform::controlKey);
   Key('a', 'a');
@@ -286,9 +287,11 @@ TEST_P(HangingDocument, HoldsUpNothing) {
   Click(c_->queue.head.remove_area);
   ASSERT_TRUE(QueueIs(0, 2));
   // What arrived of each order is told, and nothing else.
-  EXPECT_TRUE(tells("Sent to “Office”: “b.pdf”"));
+  EXPECT_TRUE(tells("“b.pdf” sent to “Office”"));
   c_->server.Send({order("gone.pdf"), order("a.pdf")});
-  EXPECT_TRUE(tells("Sent: “a.pdf”"));
+  EXPECT_TRUE(tells("“a.pdf” sent"));
+  c_->server.Send({order("a.pdf")});
+  EXPECT_TRUE(tells("“a.pdf” sent (2 times)"));
   for (const Notice& notice : c_->state.notices) EXPECT_NE(notice.message.text, "");
   Print("hangs 2.pdf");
   ASSERT_TRUE(Until([&] { return gate->Waiting() == 2; }));

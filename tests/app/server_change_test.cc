@@ -99,7 +99,8 @@ TEST_F(ServerChangeTest, WhatIsNotSentIsGivenUpOnlyWhenSomebodySaysSo) {
     NC_Disconnect(fd);
   }
   PrintSelected(c_);
-  EXPECT_TRUE(Until([&] { return c_->status.message().text.find("Sent") == 0; }));
+  EXPECT_TRUE(
+      Until([&] { return c_->status.message().text.find(" sent to ") != std::string::npos; }));
 }
 
 TEST_F(ServerChangeTest, ScannersAreStartedAndGamutFilesSavedBesideWhatIsThere) {
