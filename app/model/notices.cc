@@ -19,6 +19,7 @@ void Notices::Tell(Message message, int64_t now_ms) {
     until_ms_ = now_ms + kMessageMs;
     return;
   }
+  Forget();
   const auto same = std::find_if(errors_.begin(), errors_.end(), [&](const Error& e) {
     return !e.reason && e.text == message.text;
   });
@@ -36,6 +37,7 @@ void Notices::PassReason() {
 
 void Notices::TellReason(std::string text) {
   if (text.empty()) return;
+  Forget();
   PassReason();
   errors_.push_front({Tone::kWarning, std::move(text), 1, true});
 }

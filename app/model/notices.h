@@ -21,7 +21,8 @@ struct Message {
 class Notices {
  public:
   // An error or a warning is kept until Read; one that is there already is counted. Anything else
-  // stands for some seconds, until the next one.
+  // stands for some seconds, until the next one: beside an error that came later, a success would
+  // read as if it belonged to that.
   void Tell(Message message, int64_t now_ms);
   // Why what somebody has just asked for cannot be done, "": nothing. It is kept until Read, too,
   // but shown at once, before the errors, in place of an earlier such reason.

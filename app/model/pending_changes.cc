@@ -78,13 +78,25 @@ Message AnswerMessage(Verb verb, int status, const std::string& document) {
 
 namespace {
 
+// What a place in the queue has brought beside the place.
+std::string NewPriorityText(const ChangeOutcome& outcome) {
+  const int n = outcome.with_new_priority;
+  if (n == 0) return "";
+  const std::string priority = outcome.new_priority > 0
+                                   ? "priority " + NumberText(outcome.new_priority) + " now"
+                                   : "other priorities now";
+  if (!outcome.passed.empty()) return "; " + Quoted(outcome.passed) + " has " + priority;
+  const bool all = n == outcome.done;
+  return (all ? ", with " : ", " + NumberText(n) + " of them with ") + priority;
+}
+
 Message DoneMessage(const ChangeOutcome& outcome) {
   if (outcome.done == 0) return {Tone::kGood, ""};
   const std::string what = outcome.done > 1           ? NumberOf(outcome.done, "job", "jobs")
                            : outcome.document.empty() ? "The job"
                                                       : Quoted(outcome.document);
   if (outcome.verb != Verb::kMove || outcome.printer.empty())
-    return {Tone::kGood, WordsOf(outcome.verb).done + what};
+    return {Tone::kGood, WordsOf(outcome.verb).done + what + NewPriorityText(outcome)};
   std::string where = "Moved to " + Quoted(outcome.printer);
   if (!outcome.was_on.empty())
     where += ", though somebody else had moved it to " + Quoted(outcome.was_on);

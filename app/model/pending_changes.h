@@ -53,6 +53,9 @@ struct ChangeOutcome {
   std::string lacks;     // the media of a moved one that it does not have; "": it has all of them
   Message refusal;       // the first one
   std::string was_on;    // of kMove: where somebody else had moved one of them; "": nobody had
+  // Of kReorder: how many have got another priority with their place, and which; -1: several.
+  int with_new_priority = 0, new_priority = 0;
+  std::string passed = "";  // the job that has got it, where it is not the one that was moved
 };
 // In one line, however many jobs they were.
 Message OutcomeMessage(const ChangeOutcome& outcome);

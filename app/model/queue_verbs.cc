@@ -192,7 +192,7 @@ std::vector<Reordering> PlanLine(const QueueRows& rows, const PrinterLine& line,
                                  const std::vector<bool>& moved, int gap, std::string* why_not) {
   auto id = [&](int row) { return rows.IdAt(row).job; };
   auto step = [&](int row, int before) {
-    return Reordering{id(row), id(before), rows.JobAt(row)->document};
+    return Reordering{id(row), id(before), rows.JobAt(row)->document, ""};
   };
   const size_t n = line.rows.size();
   int target = -1;
@@ -212,7 +212,8 @@ std::vector<Reordering> PlanLine(const QueueRows& rows, const PrinterLine& line,
     if (target >= 0 || stays_behind[i] < 0) continue;
     // Behind the last one: that one goes before it.
     if (line.moved == 1 && i + 2 == n)
-      steps.push_back(step(line.rows[n - 1], line.rows[i]));
+      steps.push_back({id(line.rows[n - 1]), id(line.rows[i]), rows.JobAt(line.rows[i])->document,
+                       rows.JobAt(line.rows[n - 1])->document});
     else
       *why_not =
           "A job is put before another one, never behind the last: move the others up instead";

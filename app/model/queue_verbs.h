@@ -30,7 +30,8 @@ VerbCheck CheckVerb(Verb verb, const QueueRows& rows, const std::vector<QueueId>
 // One step of a reordering: `job` is to stand directly before `before`.
 struct Reordering {
   JobId job, before;
-  std::string document;  // of `job`
+  std::string document;  // of the job that the person moves
+  std::string passed;    // that of `job`, where another one is moved behind it; else ""
 };
 // What a drag of rows to the gap before row `gap` (count(): behind the last) asks of the server: a
 // step for each job, in order. Empty when nothing is to be done; then *why_not says why, if there

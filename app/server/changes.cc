@@ -2,6 +2,7 @@
 // whether the one that had been sent was made, and those behind it are not sent any more.
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "app/format/texts.h"
 #include "app/format/words.h"
@@ -67,12 +68,12 @@ bool Worker::FindJob(const JobId& id, NC_Job* out) {
 }
 
 // Somebody else may have moved jobs since the last list: before the moves of a batch a new one
-// tells where they stand.
+// tells where they stand. It also tells which priorities the batch before has brought.
 bool Worker::LooksFirst() {
   Locked lock(shared_);
   if (shared_->steps.empty()) return false;
   const JobStep& next = shared_->steps.front();
-  return next.change.verb == Verb::kMove && next.batch != batch_;
+  return next.batch != batch_ && (next.change.verb == Verb::kMove || !placed_.empty());
 }
 
 // The next one in the line, which is in nobody's hands any more then.
@@ -84,8 +85,8 @@ bool Worker::NextStep(JobStep* out) {
   return true;
 }
 
-// The server's status byte, below 0 when the connection broke. Of a move and of a second print *job
-// is how the job was before.
+// The server's status byte, below 0 when the connection broke. Of a move to a printer or in the
+// queue, and of a second print, *job is how the job was before, as far as the list has it.
 int Worker::Make(const JobStep& step, NC_Job* job, bool* left_held) {
   const int fd = shared_->open[kLists];
   switch (step.change.verb) {
@@ -99,9 +100,18 @@ int Worker::Make(const JobStep& step, NC_Job* job, bool* left_held) {
       *left_held = moved.left_held;
       return moved.status;
     }
+    case Verb::kReorder:
+      FindJob(step.job, job);
+      [[fallthrough]];
     default:
       return nc::ChangeJob(fd, step.job.data(), TicketOfStep(step));
   }
+}
+
+// Nothing more of the batch is to come, and its outcome can be told.
+bool Worker::EndsBatch(int status) {
+  Locked lock(shared_);
+  return batch_ && status >= 0 && shared_->steps.empty();
 }
 
 // Carries out what was asked for, one after the other, for a while. False when the connection
@@ -114,7 +124,7 @@ bool Worker::MakeChanges() {
     if (LooksFirst() && !Poll()) return false;
     if (!NextStep(&step)) break;
     bool left_held = false;
-    NC_Job job;
+    NC_Job job{};
     Began();
     status = Make(step, &job, &left_held);
     error = errno;
@@ -122,9 +132,15 @@ bool Worker::MakeChanges() {
     next_poll_ = 0;
     Answered(step, status, job, left_held);
   } while (status >= 0 && MonotonicMs() < until);
+  const bool ends = EndsBatch(status);
+  // The list shows the new places in the same moment in which they are told.
+  const bool held_back = std::exchange(hold_back_, true);
+  const bool lost = ends && !placed_.empty() && !Poll();
+  hold_back_ = held_back;
+  if (lost) return false;
   Locked lock(shared_);
-  if (batch_ && status >= 0 && shared_->steps.empty()) TellOutcome();
-  if (shared_->pending_changed) shared_->Published();
+  if (ends) TellOutcome();
+  if (ends || shared_->pending_changed) shared_->Published();
   errno = error;
   return status >= 0;
 }
@@ -141,6 +157,8 @@ void Worker::Answered(const JobStep& step, int status, const NC_Job& before, boo
   const bool done = status == NC_STATUS_DONE;
   if (done && outcome_.done++ == 0) outcome_.document = step.document;
   if (done && step.change.verb == Verb::kMove) NoteMove(step, before);
+  if (done && step.change.verb == Verb::kReorder && before.priority > 0)
+    placed_.push_back({step.job, before.priority, step.passed});
   if (done) return;
   Message refusal = AnswerMessage(step.change.verb, status, step.document);
   if (left_held && status >= 0) refusal.text += "; it is held now";
@@ -158,8 +176,23 @@ void Worker::NoteMove(const JobStep& step, const NC_Job& before) {
     if (p.name == printer && !HasMedia(p, before.media)) outcome_.lacks = Shown(before.media);
 }
 
+// What the list says of the priorities of those that were put before others. Under the mutex.
+void Worker::NoteNewPriorities() {
+  ChangeOutcome& o = outcome_;
+  for (const Placed& placed : placed_) {
+    for (const NC_Job& job : *shared_->state.jobs) {
+      if (QueueIdOf(job).job != placed.job || job.priority == placed.priority) continue;
+      const bool same = o.with_new_priority++ == 0 || o.new_priority == job.priority;
+      o.new_priority = same ? job.priority : -1;
+      o.passed = placed.passed;
+    }
+  }
+  placed_.clear();
+}
+
 // Of the batch that has ended, if there is one. Under the mutex.
 void Worker::TellOutcome() {
+  NoteNewPriorities();
   if (batch_) shared_->AddNotice(OutcomeMessage(outcome_));
   batch_ = 0;
   outcome_ = {};

@@ -309,7 +309,7 @@ void Server::Change(const std::vector<NamedJob>& jobs, const JobChange& change) 
 void Server::Reorder(const std::vector<Reordering>& reorderings) {
   std::vector<JobStep> steps;
   for (const Reordering& r : reorderings)
-    steps.push_back({r.job, {Verb::kReorder}, r.before, r.document});
+    steps.push_back({r.job, {Verb::kReorder}, r.before, r.document, "", r.passed});
   Locked lock(shared_.get());
   shared_->Add(std::move(steps));
 }

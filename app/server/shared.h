@@ -22,6 +22,7 @@ struct JobStep {
   JobId before{};                 // of kReorder
   std::string document = "";      // the job's, as who asked for the change has seen it
   std::string seen_on = "";       // its printer, likewise; "": that does not matter
+  std::string passed = "";        // as in a Reordering
   int batch = 0, batch_size = 0;  // the size in steps
 };
 

@@ -38,6 +38,8 @@ class Worker {
   int Make(const JobStep& step, NC_Job* job, bool* left_held);
   void Answered(const JobStep& step, int status, const NC_Job& before, bool left_held);
   void NoteMove(const JobStep& step, const NC_Job& before);
+  bool EndsBatch(int status);
+  void NoteNewPriorities();
   void TellOutcome();
   void GiveUpChanges();
   void RemoveLater(const JobId& job);
@@ -80,6 +82,13 @@ class Worker {
   bool ask_profiles_ = true;  // they change with the server's settings only
   int batch_ = 0;             // whose outcome is being counted, 0: none
   ChangeOutcome outcome_;
+  // A job that was put before another one, with the priority that it had.
+  struct Placed {
+    JobId job;
+    int priority;
+    std::string passed;
+  };
+  std::vector<Placed> placed_;             // of the batch
   int64_t next_poll_ = 0, next_send_ = 0;  // MonotonicMs
   int retry_ms_ = 0;
   int sending_ = 0;  // number of the transfer

@@ -155,9 +155,9 @@ TEST_F(EndToEnd, JobsAreHeldMovedAndRemoved) {
     agree)"));
   EXPECT_EQ(Order(), "a b e c d ");
   ASSERT_TRUE(mia.Do(R"(
-    click job d
-    keys u
-    see status Message = Moved in the queue: “d”
+    click job c
+    keys d
+    see status Message = Moved in the queue: “c”
     agree)"));
   EXPECT_EQ(Order(), "a b e d c ");
   ASSERT_TRUE(mia.Do(R"(
