@@ -100,6 +100,7 @@ void Entered(Console* c, FolderReading* r) {
   c->files.folder.Show(std::move(r->content));
   ShowFreeRoom(c, *r);
   UpdateLists();  // its window names the folder
+  if (c->files.table.Carries()) EndCarry(c);
   c->files.table.Release();
   c->files.table.ScrollTo(0);
   c->files.selection.Set(NamesToSelect(c, *r));

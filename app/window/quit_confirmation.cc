@@ -132,6 +132,7 @@ bool AskBeforeQuit(Console* c) {
   PlaceQuestion(c);
   XwSetDragHandler(c->window, 0, c->window->drag_handler);
   c->pressed = {};
+  EndCarry(c);
   c->files.table.Release();
   c->queue.table.Release();
   c->damage |= kAllPanes;

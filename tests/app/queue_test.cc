@@ -314,6 +314,12 @@ TEST_F(QueueTest, RowsAreCarriedToWhatTakesThem) {
   LetGo();
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("letter.txt") == 1; }));
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
+  // Another folder, or a question, ends it.
+  DragTo(FileRow("letter.txt"), Row(0));
+  Enter(home_.At("Empty"));
+  EXPECT_FALSE(c_->queue.takes_drop);
+  LetGo();
+  EXPECT_FALSE(c_->status.HasError()) << c_->status.message().text;
 }
 
 // A drag of documents lights up what takes them, and a drop on a printer's row prints there.
