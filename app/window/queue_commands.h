@@ -37,6 +37,10 @@ void MoveJobs(Console* c, int by);
 void DropJobs(Console* c, int gap);
 void MoveJobsTo(Console* c, const std::string& printer);
 
+// Opens the pane of details where it is hidden.
+void ShowJobDetails(Console* c);
+std::string WhyNotShowJob(const Console* c);
+
 // --- What the queue shows
 std::vector<CommandChoice> SortChoices(const Console* c);
 void ChooseSort(Console* c, int choice);
