@@ -553,9 +553,9 @@ int XwCanEdit(XwWindow* box, int action);
 void XwEdit(XwWindow* box, int action);
 
 /* A slider takes `minimum` to `maximum`. With w > h it lies, else it stands and its maximum is at
- * the top. A press on its track moves the knob there. Left and Down, Right and Up and each notch of
- * the wheel change it by 1, the page keys by a tenth of its range, Home and End go to its ends.
- *
+ * the top. A press on its track moves the knob there. While it has the keyboard, Left and Down,
+ * Right and Up and each notch of the wheel change it by 1, the page keys by a tenth of its range,
+ * and Home and End go to its ends.
  * While it moves, its parent's handler is called at once with 792 for each change; 791 follows when
  * it is let go, and after each key and each turn of the wheel. Both carry its id as item and the
  * value. A minimum other than 0 lowers what the user can reach: it is maximum - minimum + 1 at most

@@ -35,7 +35,8 @@ constexpr Why kGone{"The job is not in the queue any more",
                     "The jobs are not in the queue any more"};
 constexpr Why kAway{"The server is away", "The server is away"};
 
-constexpr char kOtherOrder[] = "Jobs can be moved only while the queue is sorted by Print Order";
+constexpr char kOtherOrder[] =
+    "Jobs are moved in Print Order only: choose it in View, Sort Queue By (O in the queue)";
 
 Why WhyEnded(const NC_Job& job) {
   return job.state == NC_JOB_DONE ? kPrinted : job.state == NC_JOB_FAILED ? kFailed : kPossible;

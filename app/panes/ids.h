@@ -77,6 +77,7 @@ enum CommandId {
   kKeysCommand,
   kShowAllFilesCommand,
   kShowAllJobsCommand,
+  kJobDetailsCommand,
   kCommandsEnd
 };
 

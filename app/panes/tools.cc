@@ -41,7 +41,7 @@ void ToolsPane::MakeControls(XwWindow* w) {
   XwSetTextUtf8(print, "Print");
   refresh = MakeIconButton(w, ToolIcon::kRefresh, kRefreshCommand, "Refresh");
   printer_.Make(w, kPrinterControl, "Printer", nullptr);
-  profile_.Make(w, kProfileControl, "Profile", "Default");
+  profile_.Make(w, kProfileControl, "Profile", "Usual");
   media_.Make(w, kMediaControl, "Media", "Usual");
   copies = XwEditBox(w, "1", kCopiesControl, 0, 0, 9, 9, kShown | XWC_DROPS_FOCUS);
   XwDescribeControl(copies, "Copies");
@@ -53,8 +53,8 @@ void ToolsPane::MakeControls(XwWindow* w) {
   XwSetTip(priority, 0, "Priority of the next job: the highest is printed first");
   XwSetTip(hold, 0, "The next job waits until it is released (Ctrl+J)");
   colour = XwColor(w, "", kColourCommand, 0, 0, 9, 9, kShown | XWC_ICON, 0);
-  XwDescribeControl(colour, "Colour");
-  no_colour = MakeIconButton(w, ToolIcon::kNoColour, kColourCommand, "Colour");
+  XwDescribeControl(colour, "Mark in the Queue");
+  no_colour = MakeIconButton(w, ToolIcon::kNoColour, kColourCommand, "Mark in the Queue");
   options = MakeIconButton(w, ToolIcon::kOptions, kOptionsCommand, "Print Options");
 }
 

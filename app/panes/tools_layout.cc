@@ -24,7 +24,7 @@ constexpr Piece kProfile{&Layout::profile, 126, kWideGap, 60};
 constexpr Piece kMediaLabel{&Layout::media_label, 40, 6};
 constexpr Piece kMedia{&Layout::media, 100, kWideGap, 50};
 constexpr Piece kCopiesLabel{&Layout::copies_label, 46, 6};
-constexpr Piece kCopies{&Layout::copies, 36, kWideGap};
+constexpr Piece kCopies{&Layout::copies, 44, kWideGap};
 constexpr Piece kPriorityLabel{&Layout::priority_label, 49, 6};
 constexpr Piece kSlider{&Layout::slider, 66, 6, 50}, kPriority{&Layout::priority, 24, kWideGap};
 constexpr Piece kHold{&Layout::hold, 86, kWideGap}, kColour{&Layout::colour, 46, 6};

@@ -58,11 +58,15 @@ std::vector<std::string> NamesToSelect(const Console* c, const FolderReading& r)
   return names;
 }
 
-// How many that were named are not in the folder that is shown.
-void TellElsewhere(Console* c, int documents, int folders) {
+// What was asked for, and how many that were named are not in the folder that is shown.
+void TellSelected(Console* c, int documents, int folders) {
   const std::vector<std::string> selected = c->files.selection.Ids();
   const int there = int(std::min(selected.size(), size_t(documents)));
-  if (there < documents && there > 0)
+  if (there == documents && documents > 0)
+    Tell(c, true,
+         documents == 1 ? Quoted(selected.front()) + " is selected: Print sends it"
+                        : NumberText(documents) + " files are selected: Print sends them");
+  else if (there < documents && there > 0)
     Tell(c, true,
          NumberText(there) + " of " + CountText(documents, "document", "documents") +
              " selected: the others are not in this folder");
@@ -89,7 +93,7 @@ void DocumentsCame(Console* c, const FolderReading& r) {
   if (!r.missing.empty()) Tell(c, false, MissingText(r.missing));
   for (const std::string& name : r.devices)
     Tell(c, false, Quoted(name) + " is neither a file nor a folder");
-  TellElsewhere(c, r.documents, r.folders);
+  TellSelected(c, r.documents, r.folders);
 }
 
 void Entered(Console* c, FolderReading* r) {

@@ -40,6 +40,7 @@ struct CommandMore {
   unsigned contexts = 0;  // the context menus that it stands in, bits
   // The text while the menu shows, in place of the name.
   std::string (*text)(const Console*) = nullptr;
+  const char* tip = nullptr;  // of its button, in place of the name
   // Why it cannot be used though `enabled` holds: a sentence without its full stop; "": it can.
   std::string (*why_not)(const Console*) = nullptr;
   bool (*checked)(const Console*) = nullptr;

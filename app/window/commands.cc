@@ -164,7 +164,8 @@ std::string TipOf(const Console* c, const Command& command) {
   const std::string why = command.more.why_not ? command.more.why_not(c) : "";
   if (!why.empty()) return why;
   const std::string key = KeyText(command.more.key, command.more.modifiers);
-  return key.empty() ? command.name : std::string(command.name) + " (" + key + ")";
+  const std::string what = command.more.tip ? command.more.tip : command.name;
+  return key.empty() ? what : what + " (" + key + ")";
 }
 
 }  // namespace
@@ -294,7 +295,7 @@ void TellWhyNot(Console* c, int id, int key) {
   constexpr int kRepeats = 2;
   const Command* command = Find(id);
   if (!command || c->asking || !command->more.why_not || XwGetKeyState(key) == kRepeats) return;
-  TellWhy(c, command->more.why_not(c));
+  TellWhy(c, command->more.why_not(c), command->more.why_not);
 }
 
 void OpenContextMenu(Console* c, ContextMenu context) {

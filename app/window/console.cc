@@ -514,12 +514,22 @@ void Tell(Console* c, bool good, const std::string& utf8) {
   c->damage |= kStatusPane;
 }
 
-void TellWhy(Console* c, const std::string& utf8) {
+void TellWhy(Console* c, const std::string& utf8, Reason still) {
   c->status.TellReason(utf8);
+  c->told_still = still && still(c) == utf8 ? still : nullptr;
+  c->told_why = utf8;
   c->damage |= kStatusPane;
 }
 
 namespace {
+
+// A reason that holds no longer would only mislead.
+void EndPastReason(Console* c) {
+  if (!c->told_still || c->told_still(c) == c->told_why) return;
+  c->told_still = nullptr;
+  c->status.PassReason();
+  c->damage |= kStatusPane;
+}
 
 void UpdateDetails(Console* c) {
   if (c->stop != FocusStop::kDetails) c->tells_of_jobs = IsInQueue(c->stop);
@@ -537,6 +547,7 @@ void UpdateDetails(Console* c) {
 
 void DrawConsole(Console* c) {
   if (!c->damage || !c->exposed) return;
+  EndPastReason(c);
   UpdateDetails(c);
   UpdateControls(c);
   const unsigned damage = c->damage;

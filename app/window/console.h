@@ -128,6 +128,9 @@ struct Console {
   unsigned damage = kAllPanes;
   uint32_t last_press = 0;  // for double clicks
   uint32_t last_print = 0;  // likewise, of the Print button
+  // Of the reason that was told last: it ends once this no longer gives it.
+  std::string (*told_still)(const Console*) = nullptr;
+  std::string told_why;
   // Buttons of commands: each is enabled when its command can be run.
   std::vector<XwWindow*> buttons;
   std::vector<std::string> button_tips;  // as they show now
@@ -202,7 +205,9 @@ void CloseConsole(Console* c);
 void Tell(Console* c, bool good, const std::string& utf8);
 // Why something cannot be done: it stays until it is read, or until another command is given. "":
 // nothing is told.
-void TellWhy(Console* c, const std::string& utf8);
+// Ends by itself when `still` has another answer; null: with the next command.
+using Reason = std::string (*)(const Console*);
+void TellWhy(Console* c, const std::string& utf8, Reason still = nullptr);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);

@@ -158,10 +158,14 @@ FocusStop StopAfterBox(const Console* c, FocusStop table) {
 
 namespace {
 
+std::string WhyNoCopies(const Console* c) {
+  return c->choice.no_copies ? "Copies is a number from 1 to " + NumberText(kMostCopies) : "";
+}
+
 // Return has ended the box, and what stands there is no number of copies.
 void StayInCopies(Console* c) {
   GoToBox(c->tools.copies);
-  TellWhy(c, WhyNotPrint(c));
+  TellWhy(c, WhyNoCopies(c), WhyNoCopies);
   c->damage |= kToolsPane | kDetailsPane;
 }
 
@@ -177,6 +181,8 @@ void UseOtherBox(Console* c, int type, int id, bool gained) {
   if (filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) SetFilter(c, "");
   if (filter && type == XWE_EDIT_DONE && NothingIsChosen(c)) c->files.table.Select(0);
   if (!filter) c->tools.Edited(type);
+  if (!filter && type == XWE_EDIT_CHANGED && c->choice.no_copies)
+    TellWhy(c, WhyNoCopies(c), WhyNoCopies);
   if (!filter && type == XWE_EDIT_DONE && c->choice.no_copies) return StayInCopies(c);
   if (!filter && type == XWE_EDIT_SELECT && XwGetKeyState(XWE_ESCAPE)) {
     c->tools.PutBackCopies();
@@ -221,7 +227,7 @@ void UseControl(Console* c, int id, int value) {
 
 // Before the printers are known the document waits for the server, and goes to its default.
 std::string WhyNotPrintOn(const Console* c, const std::string& printer) {
-  if (c->choice.no_copies) return "Copies is a number from 1 to " + NumberText(kMostCopies);
+  if (c->choice.no_copies) return WhyNoCopies(c);
   return c->printers.known() ? c->printers.WhyNotPrintOn(printer) : "";
 }
 

@@ -72,8 +72,9 @@ void PressTable(Console* c, const Hit& hit, bool twice) {
   const SelectionKeys keys = HeldKeys(c);
   table.Press(hit, Inp.px, keys);
   SelectionChanged(c, files);
-  const bool opens = twice && files && hit.part == Table::kRow && !keys.shift && !keys.control;
-  if (opens) OpenSelected(c);
+  const bool opens = twice && hit.part == Table::kRow && !keys.shift && !keys.control;
+  if (opens && files) OpenSelected(c);
+  if (opens && !files) RunCommand(c, kJobDetailsCommand);
 }
 
 }  // namespace

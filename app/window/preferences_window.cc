@@ -284,9 +284,8 @@ void MakeControls(PreferencesWindow* w) {
   MakeLabel(w->window, "Print on", kPrinterArea);
   w->printers.Make(w->window, kPrinterList, "Default Printer", "The one used last");
   PlaceControl(w->printers.control(), kPrinterArea);
-  MakeLabel(w->window, "When away", kStartArea);
-  w->start =
-      MakeCheck(w->window, "Start a print server here for “localhost”", kStartBox, kStartArea);
+  MakeLabel(w->window, "This computer", kStartArea);
+  w->start = MakeCheck(w->window, "Start a print server when none answers", kStartBox, kStartArea);
   MakeLabel(w->window, "Files", kHiddenArea);
   w->hidden = MakeCheck(w->window, "Show hidden names", kHiddenBox, kHiddenArea);
   MakeLabel(w->window, "Queue", kEndedArea);

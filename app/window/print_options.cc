@@ -69,7 +69,7 @@ void ChooseNextPrinter(Console* c, int choice) {
 }
 
 std::vector<CommandChoice> NextProfileChoices(const Console* c) {
-  return OrNone("Default", ProfileNames(c), c->choice.profile);
+  return OrNone("Usual", ProfileNames(c), c->choice.profile);
 }
 void ChooseNextProfile(Console* c, int choice) {
   c->choice.profile = NameOf(ProfileNames(c), choice);
@@ -119,7 +119,7 @@ void ChooseColour(Console* c) {
   constexpr int kNone = 1, kBefore = 2;  // items before the colours
   XwMenuItem items[kBefore + std::size(kColours) + 1] = {};
   const int chosen_now = c->choice.colour;
-  items[0] = {"No Colour", chosen_now < 0 ? XWM_CHECKED : 0, kNone, nullptr};
+  items[0] = {"No Mark", chosen_now < 0 ? XWM_CHECKED : 0, kNone, nullptr};
   items[1] = {"", 0, 0, nullptr};
   int n = kBefore;
   for (const Colour& colour : kColours) {

@@ -9,6 +9,7 @@
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/panes/queue_cells.h"
+#include "app/window/side_commands.h"
 
 namespace console {
 namespace {
@@ -85,7 +86,8 @@ bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
 void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
   std::string why;
   const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
-  if (steps.empty()) return TellWhy(c, why);
+  if (steps.empty())
+    return TellWhy(c, why, [](const Console* now) { return WhyNotChange(now, Verb::kReorder); });
   c->status.PassReason();
   for (const Reordering& step : steps) c->state.pending.Begin(step.job, Verb::kReorder, 0);
   c->server.Reorder(steps);
@@ -214,7 +216,7 @@ void ChooseMedia(Console* c, int choice) {
 
 std::vector<CommandChoice> ProfileChoices(const Console* c) {
   offered_profiles = ProfilesOfJobs(c);
-  return TextChoices("Default", offered_profiles,
+  return TextChoices("Usual", offered_profiles,
                      SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
 }
 void ChooseProfile(Console* c, int choice) {
@@ -298,6 +300,18 @@ void MoveJobsTo(Console* c, const std::string& printer) {
   const VerbCheck check = CheckMoveTo(c, printer);
   if (!check.possible()) return TellWhy(c, check.why_not);
   ChangeThese(c, JobsNotOn(c, printer), {Verb::kMove, 0, printer});
+}
+
+std::string WhyNotShowJob(const Console* c) {
+  return c->queue.Selected().empty() ? "No job is selected" : "";
+}
+
+void ShowJobDetails(Console* c) {
+  if (!ShowsDetails(c)) return ToggleDetails(c);
+  const std::vector<QueueId> ids = c->queue.Selected();
+  const std::string what = ids.size() == 1 ? Quoted(c->queue.rows.NameOf(ids[0]))
+                                           : NumberText(int64_t(ids.size())) + " jobs";
+  Tell(c, true, "The details of " + what + " stand on the right");
 }
 
 // --- What the queue shows

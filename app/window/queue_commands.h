@@ -39,6 +39,10 @@ void DropJobs(Console* c, int gap);
 VerbCheck CheckMoveTo(const Console* c, const std::string& printer);
 void MoveJobsTo(Console* c, const std::string& printer);
 
+// Opens the pane of details where it is hidden.
+void ShowJobDetails(Console* c);
+std::string WhyNotShowJob(const Console* c);
+
 // --- What the queue shows
 std::vector<CommandChoice> SortChoices(const Console* c);
 void ChooseSort(Console* c, int choice);

@@ -262,8 +262,11 @@ void StepControl(ControlRef c, bool up) {
   DispatchScope scope;
   c->kind->step(c, up);
 }
+// A slider stands among other settings, where who scrolls past would change it unseen: it takes the
+// wheel with the keyboard only.
 bool ControlTakesWheel(ControlRef c) {
-  return IsValidControl(c) && c->kind->wheel;
+  if (!IsValidControl(c) || !c->kind->wheel) return false;
+  return c->kind != &kSliderKind || OwnerOf(c).focus == c;
 }
 void AttachControl(ControlRef whole, ControlRef part) {
   if (!IsValidControl(whole) || !IsValidControl(part)) return;

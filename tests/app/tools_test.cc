@@ -60,6 +60,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   // Return keeps the keyboard at what is no number of copies; Escape takes back what was typed.
   Click(c_->layout.copies);
   for (const char digit : {'9', '9', '9', '9'}) Key(uint32_t(digit), digit);
+  EXPECT_EQ(c_->status.message().text, "Copies is a number from 1 to 999") << "at once";
   Key(kReturnKey);
   EXPECT_EQ(XwGetFocus(c_->window), c_->tools.copies);
   EXPECT_EQ(c_->status.message().text, "Copies is a number from 1 to 999");
