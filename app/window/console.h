@@ -127,11 +127,11 @@ struct Console {
   FolderReader reader;
   FolderWatch watch;
   PlacesReader places_reader;
-  int places_s = 0;            // since the present one was asked for
-  std::string places_pressed;  // the path of the row
-  int reading_s = 0;           // since the present reading was asked for
-  int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
-  int posted_silent_s = 0;     // the same, on its way
+  int places_s = 0;               // since the present one was asked for
+  PlacesPane::Row place_pressed;  // as it was then
+  int reading_s = 0;              // since the present reading was asked for
+  int silent_s = 0;               // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;        // the same, on its way
   PreviewMaker previews;
   PreviewSubject previewed;  // what was asked for last
   Server server;
