@@ -105,7 +105,7 @@ std::vector<std::string> MediaOf(const NC_Printer* printer) {
 
 bool HasMedia(const NC_Printer& printer, const std::string& media) {
   const std::vector<std::string> all = MediaOf(&printer);
-  return all.empty() || std::find(all.begin(), all.end(), media) != all.end();
+  return media.empty() || all.empty() || std::find(all.begin(), all.end(), media) != all.end();
 }
 
 void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {
