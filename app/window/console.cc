@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <utility>
 
 #include "app/format/texts.h"
 #include "app/look/controls.h"
+#include "app/model/server_words.h"
 #include "app/window/commands.h"
 #include "app/window/help.h"
 #include "app/window/program_icon.h"
@@ -244,9 +246,35 @@ void Key(Console* c, int type) {
 
 // --- Time
 
+// By the numbers of those that are given up now.
+std::map<int, int> FailuresIn(const ServerState& state) {
+  std::map<int, int> failures;
+  for (const Transfer& t : state.transfers)
+    if (t.state == Sending::kFailed) failures[t.number] = t.failures;
+  return failures;
+}
+
+// What of documents that were not sent is new; what was told of those that are gone, or are being
+// sent again, ends.
+void TellNotSent(Console* c, const std::map<int, int>& before) {
+  std::vector<int> still;
+  for (const Transfer& t : c->state.transfers) {
+    if (t.state != Sending::kFailed) continue;
+    still.push_back(t.number);
+    const auto told = before.find(t.number);
+    if (told != before.end() && told->second == t.failures) continue;
+    c->status.TellNotSent(t.number, t.order.document, t.text);
+    c->failed_while_asking = true;
+  }
+  c->status.KeepNotSent(still);
+}
+
 void ServerChanged(Console* c, ServerState state) {
   if (state.away_times != c->state.away_times) c->banner.away_s = 0;
+  const std::map<int, int> failures = FailuresIn(c->state);
   c->state = std::move(state);
+  TellNotSent(c, failures);
+  if (c->state.link == Link::kReady) c->status.EndState();
   if (c->banner.Follow()) LayOutWindow(c);
   NoteSent(c);
   StartServerByItself(c);
@@ -511,7 +539,10 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void TellWhy(Console* c, const std::string& utf8) {
-  c->status.TellReason(utf8);
+  if (utf8 == kServerAway)
+    c->status.TellState(utf8);
+  else
+    c->status.TellReason(utf8);
   c->damage |= kStatusPane;
 }
 
