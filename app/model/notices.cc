@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/format/words.h"
+#include "app/model/queue_words.h"
 
 namespace console {
 namespace {
@@ -21,25 +22,66 @@ void Notices::Tell(Message message, int64_t now_ms) {
   }
   Forget();
   const auto same = std::find_if(errors_.begin(), errors_.end(), [&](const Error& e) {
-    return !e.reason && e.text == message.text;
+    return e.kind == Error::kPlain && e.documents.empty() && e.text == message.text;
   });
   if (same != errors_.end())
     ++same->times;
   else if (errors_.size() < kMostErrors)
-    errors_.push_back({message.tone, std::move(message.text), 1, false});
+    Add({message.tone, std::move(message.text), 1});
   else
     ++left_out_;
 }
 
+// A state stays the last.
+void Notices::Add(Error error) {
+  const bool before = !errors_.empty() && errors_.back().kind == Error::kState;
+  errors_.insert(errors_.end() - before, std::move(error));
+}
+
 void Notices::PassReason() {
-  if (!errors_.empty() && errors_.front().reason) Read();
+  std::erase_if(errors_, [](const Error& e) { return e.kind != Error::kPlain; });
+  if (errors_.empty()) left_out_ = 0;
 }
 
 void Notices::TellReason(std::string text) {
   if (text.empty()) return;
   Forget();
   PassReason();
-  errors_.push_front({Tone::kWarning, std::move(text), 1, true});
+  errors_.push_front({Tone::kWarning, std::move(text), 1, Error::kReason});
+}
+
+void Notices::TellState(std::string text) {
+  PassReason();
+  errors_.push_back({Tone::kWarning, std::move(text), 1, Error::kState});
+}
+
+void Notices::EndState() {
+  std::erase_if(errors_, [](const Error& e) { return e.kind == Error::kState; });
+}
+
+void Notices::TellNotSent(int document, const std::string& name, const std::string& trouble) {
+  const auto same = std::find_if(errors_.begin(), errors_.end(), [&](const Error& e) {
+    return !e.documents.empty() && e.text == trouble;
+  });
+  if (same == errors_.end())
+    return Add({Tone::kBad, trouble, 1, Error::kPlain, {{document, name}}});
+  std::erase_if(same->documents, [document](const auto& d) { return d.first == document; });
+  same->documents.emplace_back(document, name);
+}
+
+void Notices::KeepNotSent(const std::vector<int>& documents) {
+  const auto ended = [&](const auto& document) {
+    return !std::binary_search(documents.begin(), documents.end(), document.first);
+  };
+  for (size_t i = errors_.size(); i-- > 0;)
+    if (std::erase_if(errors_[i].documents, ended) > 0 && errors_[i].documents.empty())
+      errors_.erase(errors_.begin() + std::ptrdiff_t(i));
+  if (errors_.empty()) left_out_ = 0;
+}
+
+std::string Notices::TextOf(const Error& error) {
+  if (error.documents.empty()) return error.text;
+  return NotSentText(error.documents.size(), error.documents.front().second, error.text);
 }
 
 void Notices::Read() {
@@ -68,7 +110,7 @@ Message Notices::Shown(int64_t now_ms) const {
   std::string more = first.times > 1 ? NumberText(first.times) + " times" : "";
   if (errors() > 1)
     more += (more.empty() ? "" : "; ") + NumberOf(errors() - 1, "more message", "more messages");
-  return {first.tone, first.text + (more.empty() ? "" : " (" + more + ")")};
+  return {first.tone, TextOf(first) + (more.empty() ? "" : " (" + more + ")")};
 }
 
 Message Notices::Passing(int64_t now_ms) const {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace console {
@@ -27,8 +28,17 @@ class Notices {
   // Why what somebody has just asked for cannot be done, "": nothing. It is kept until Read, too,
   // but shown at once, before the errors, in place of an earlier such reason.
   void TellReason(std::string text);
+  // The same of a state that shows in the window, and with which it ends: what was not done stands
+  // before it.
+  void TellState(std::string text);
+  void EndState();
   // The next thing is done: a reason that is shown counts as read.
   void PassReason();
+  // A document, by its number, was not sent: those of one trouble share an error.
+  void TellNotSent(int document, const std::string& name, const std::string& trouble);
+  // Of these documents, in the order of their numbers, that is still so; what was told of others
+  // ends.
+  void KeepNotSent(const std::vector<int>& documents);
   // The error or warning that is shown has been read: the next one comes.
   void Read();
   // The message that stands for some seconds goes at once.
@@ -58,8 +68,12 @@ class Notices {
     Tone tone;
     std::string text;
     int times;
-    bool reason = false;
+    enum Kind : uint8_t { kPlain, kReason, kState } kind = kPlain;
+    // Of documents that were not sent: the text is their trouble.
+    std::vector<std::pair<int, std::string>> documents = {};
   };
+  static std::string TextOf(const Error& error);
+  void Add(Error error);
   struct Line {
     std::string key, text;
   };

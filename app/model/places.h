@@ -1,6 +1,7 @@
-// The places on the left: volumes, and the tree of folders of the chosen one. Nothing here touches
-// the file system: work/places_reader.h reads.
+// The places on the left: volumes, and the trees of folders of those that are expanded. Nothing
+// here touches the file system: work/places_reader.h reads.
 #pragma once
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -21,66 +22,78 @@ struct DestroyFolderTree {
   void operator()(OS_TreeNodeN* tree) const { OS_TreeDestroyN(tree); }
 };
 
-// What is to be read: the tree below `root` with these folders open.
+// What is to be read: a tree for each expanded volume, by its path, with these folders open.
 struct PlacesRequest {
-  std::string root;
-  std::set<std::string> open;
+  std::map<std::string, std::set<std::string>> open;
   bool operator==(const PlacesRequest&) const = default;
 };
 
-// What was read. A tree is built whole by the reader, and belongs to one side at a time.
+// The folders of a volume. A tree is built whole by the reader, and belongs to one side at a time.
+struct FolderTree {
+  std::unique_ptr<OS_TreeNodeN, DestroyFolderTree> nodes;
+  std::set<std::string> unreadable;  // open folders that could not be read
+  int error = 0;                     // of the system, for the volume itself
+};
+
+// What was read.
 struct PlacesListing {
   PlacesRequest request;
   std::vector<Volume> volumes;
-  std::unique_ptr<OS_TreeNodeN, DestroyFolderTree> tree;
-  std::set<std::string> unreadable;  // open folders that could not be read
-  int error = 0;                     // of the system, for the root
+  std::map<std::string, FolderTree> trees;  // by the paths of the request
 };
 
 class Places {
  public:
-  // A line of the tree.
+  // A line of a tree.
   struct Row {
     std::string path;  // bytes
     std::string name;
-    int depth;  // 1 for what lies in the root
+    int depth;  // 1 for what lies in the volume itself
     bool open, has_folders, selected, unreadable;
   };
 
-  // Another tree: nothing is open. Shows an empty one until it has been read.
-  void Choose(const std::string& root);
-  // Shows or hides what lies in a folder. Whether a new reading is needed: what lies in the folders
-  // of an open one is not known yet. Nothing happens to a folder that is not shown.
-  bool SetOpen(const std::string& path, bool open);
-  // Marks a folder. Whether a new reading is needed to show it: the folders around it are opened.
-  // A path outside the root is marked nowhere.
+  // Somebody uses this volume: it is expanded, and a folder that two volumes have is marked in
+  // this one. Whether it has to be read.
+  bool Use(const std::string& volume);
+  // Shows or hides what lies in a volume, and leaves the others alone. Whether it has to be read.
+  bool Expand(const std::string& volume, bool open);
+  // Shows or hides what lies in a folder of a volume. Whether a new reading is needed: what lies in
+  // the folders of an open one is not known yet. Nothing happens to a folder that is not shown.
+  bool SetOpen(const std::string& volume, const std::string& path, bool open);
+  // Marks a folder in the used volume, where that is expanded and holds it, else in the innermost
+  // one that holds it, which is the used one then. Whether a new reading is needed to show it: the
+  // volume is expanded, and the folders around it are opened.
   bool Select(const std::string& path);
   // What a reader has to read now.
-  PlacesRequest Request() const { return {root_, open_}; }
+  PlacesRequest Request() const;
   // Takes a listing over, and sets open and selected again by path. What was opened in between
-  // stays open; false when that needs another reading. One of another root is not shown: false.
+  // stays open; false when that needs another reading.
   bool Show(PlacesListing listing);
 
-  const std::string& root() const { return root_; }
-  const std::string& selected() const { return selected_; }
+  const std::string& used() const { return used_; }
   const std::vector<Volume>& volumes() const { return volumes_; }
-  const std::vector<Row>& rows() const { return rows_; }
-  // The volume that the selected path lies in, the innermost one; -1 when there is none.
+  // Of a volume that was never expanded: no rows, not known, no error.
+  const std::vector<Row>& rows(const std::string& volume) const { return Of(volume).rows; }
+  bool expanded(const std::string& volume) const { return Of(volume).expanded; }
+  bool known(const std::string& volume) const { return Of(volume).known; }
+  int error(const std::string& volume) const { return Of(volume).folders.error; }
+  // The volume that a path lies in, the innermost one; -1 when there is none.
   int VolumeOf(const std::string& path) const;
-  bool known() const { return known_; }
-  int error() const { return error_; }
 
  private:
+  struct Tree {
+    FolderTree folders;
+    std::set<std::string> open;
+    std::vector<Row> rows;
+    bool expanded = false, known = false;
+  };
+  const Tree& Of(const std::string& volume) const;
   void Mark();
-  void MarkBelow(OS_TreeNodeN* node);
+  void MarkBelow(const std::string& selected, OS_TreeNodeN* node, Tree* tree);
 
-  std::string root_ = "/", selected_;
-  std::set<std::string> open_, unreadable_;
+  std::string used_ = "/", selected_;
   std::vector<Volume> volumes_;
-  std::unique_ptr<OS_TreeNodeN, DestroyFolderTree> tree_;
-  std::vector<Row> rows_;
-  bool known_ = false;
-  int error_ = 0;
+  std::map<std::string, Tree> trees_;  // by volume
 };
 
 // The path of a node: a tree that begins at "/" has two slashes at the beginning of its paths.

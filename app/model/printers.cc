@@ -109,7 +109,7 @@ std::string NoMediaText(const std::string& printer, const std::string& media) {
 
 bool HasMedia(const NC_Printer& printer, const std::string& media) {
   const std::vector<std::string> all = MediaOf(&printer);
-  return all.empty() || std::find(all.begin(), all.end(), media) != all.end();
+  return media.empty() || all.empty() || std::find(all.begin(), all.end(), media) != all.end();
 }
 
 void Printers::Show(std::shared_ptr<const std::vector<NC_Printer>> printers) {

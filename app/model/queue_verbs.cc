@@ -4,6 +4,7 @@
 #include <map>
 
 #include "app/format/words.h"
+#include "app/model/server_words.h"
 #include "printserver/changes.h"
 
 namespace console {
@@ -33,7 +34,7 @@ constexpr Why kToBeSent{"The document has not been sent yet",
                         "The documents have not been sent yet"};
 constexpr Why kGone{"The job is not in the queue any more",
                     "The jobs are not in the queue any more"};
-constexpr Why kAway{"The server is away", "The server is away"};
+constexpr Why kAway{kServerAway, kServerAway};
 
 constexpr char kOtherOrder[] =
     "Jobs are moved in Print Order only: choose it in View, Sort Queue By (O in the queue)";
@@ -234,8 +235,7 @@ std::vector<Reordering> PlanReordering(const QueueRows& rows, const std::vector<
   std::vector<bool> moved(size_t(rows.count()));
   for (const QueueId& id : dragged) {
     const int row = rows.RowOf(id);
-    const NC_Job* job = rows.JobAt(row);
-    const std::string why = (job ? WhyNotReorder(*job) : kToBeSent).one;
+    const std::string why = WhyNot(Verb::kReorder, rows, id, true).one;
     if (row >= 0 && why.empty()) moved[size_t(row)] = true;
     if (why_not->empty()) *why_not = why;
   }
@@ -267,28 +267,30 @@ std::string NameIn(const QueueRows& rows, const NC_Job& job) {
 }  // namespace
 
 std::optional<Question> RemovalQuestion(const QueueRows& rows, const std::vector<QueueId>& ids) {
-  int jobs = 0, at_printer = 0, others = 0;
+  int all = 0, jobs = 0, at_printer = 0, others = 0;
   const NC_Job* first = nullptr;
   for (const QueueId& id : ids) {
     const NC_Job* job = rows.JobOf(id);
+    all += job || rows.OutgoingOf(id);
     if (!job) continue;
     if (!first) first = job;
     ++jobs;
     at_printer += IsAtPrinter(job->state);
     others += !rows.IsMine(*job);
   }
-  if (jobs == 0 || (jobs == 1 && at_printer + others == 0)) return std::nullopt;
+  if (all < 2 && at_printer + others == 0) return std::nullopt;
   std::string text;
-  if (jobs == 1) {
+  if (all == 1) {
     text = "Remove " + NameIn(rows, *first) + "?";
     if (at_printer) text += " It is at the printer.";
     if (others && first->owner[0]) text += " It belongs to " + Quoted(first->owner) + ".";
     if (others && !first->owner[0]) text += " It is not one of yours.";
   } else {
-    text = "Remove " + NumberText(jobs) + " jobs?";
+    text = "Remove " + NumberText(all) + (jobs > 0 ? " jobs?" : " documents?");
+    if (jobs == 0) text += " They are not at the server.";
     if (at_printer) text += " " + NumberOf(at_printer, "is", "are") + " at the printer.";
-    if (others == jobs)
-      text += jobs == 2 ? " Neither is yours." : " None is yours.";
+    if (others == all)
+      text += all == 2 ? " Neither is yours." : " None is yours.";
     else if (others)
       text += " " + NumberOf(others, "is not yours", "are not yours") + ".";
   }

@@ -1,5 +1,8 @@
 #include "app/model/queue_words.h"
 
+#include <cstring>
+#include <utility>
+
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "printserver/words.h"
@@ -88,6 +91,28 @@ std::string OrderedText(const char* verb, const char* preposition, const Ordered
   if (ordered.copies > 1)
     text += ", " + NumberText(ordered.copies) + (one ? " copies" : " copies each");
   return text + (ordered.hold ? ", held" : "");
+}
+
+namespace {
+
+// Of several documents: "they are not there any more".
+std::string TroubleOfSeveral(std::string text) {
+  constexpr std::pair<const char*, const char*> kBegins[] = {{"it is a folder", "they are folders"},
+                                                             {"it is ", "they are "},
+                                                             {"it does ", "they do "},
+                                                             {"its ", "their "},
+                                                             {"the file does ", "the files do "}};
+  for (const auto& [one, several] : kBegins)
+    if (text.starts_with(one)) return several + text.substr(strlen(one));
+  if (text.ends_with(" it")) text.replace(text.size() - 2, 2, "them");
+  return text;
+}
+
+}  // namespace
+
+std::string NotSentText(size_t documents, const std::string& name, const std::string& trouble) {
+  if (documents == 1) return Quoted(name) + " was not sent: " + trouble;
+  return NumberText(int64_t(documents)) + " documents were not sent: " + TroubleOfSeveral(trouble);
 }
 
 std::string TakenBackText(const TakenBack& back) {
@@ -183,12 +208,12 @@ std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now) {
 }
 
 std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids) {
-  int64_t jobs = 0, sending = 0, bytes = 0, states[6] = {};
+  int64_t jobs = 0, sending = 0, failed = 0, bytes = 0, states[6] = {};
   for (const QueueId& id : ids) {
     const NC_Job* job = rows.JobOf(id);
     const Outgoing* out = rows.OutgoingOf(id);
     if (job) ++jobs, ++states[job->state];
-    sending += out != nullptr;
+    if (out) ++(out->state == OutgoingState::kFailed ? failed : sending);
     bytes += job ? job->size : out ? out->size : 0;
   }
   std::string text;
@@ -197,8 +222,9 @@ std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueI
   };
   for (int state = 0; state < 6; ++state) part(states[state], nc::JobStateText(NC_JobState(state)));
   part(sending, "on the way");
+  part(failed, "not sent");
   Facts facts;
-  facts.Add("Selected", NumberOf(jobs + sending, "job", "jobs"));
+  facts.Add("Selected", NumberOf(jobs + sending + failed, "job", "jobs"));
   facts.Add("State", text);
   facts.Add("Size", SizeText(bytes));
   return facts.All();

@@ -48,6 +48,9 @@ struct Unsent {
 // "2 documents have not been sent, 1 could not be sent", "37 changes of jobs have not been made".
 std::string UnsentText(const Unsent& unsent);
 
+// “a.pdf” was not sent: it is not there any more; of several: "2 documents were not sent: they …".
+std::string NotSentText(size_t documents, const std::string& name, const std::string& trouble);
+
 // What came of taking back the documents that waited to be sent: of those that were ordered
 // together with them some may be at the server, on their way, or not sent by a failure.
 struct TakenBack {

@@ -5,6 +5,9 @@
 
 namespace console {
 
+// Why nothing can be asked of it.
+constexpr char kServerAway[] = "The server is away";
+
 // "print-room.local does not answer. Next try in 8 s." `trouble`: what the name does. `left_s`:
 // until the next try; below 0: one is under way.
 std::string AwayText(const std::string& host, const std::string& trouble, int left_s);

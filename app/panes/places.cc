@@ -33,58 +33,60 @@ void PlacesPane::Place() {
 void PlacesPane::Begin(const std::string& folder) {
   const std::string home = OS_GetPathName(OS_FOLDER_HOME);
   PlacesListing nothing;
-  nothing.request.root = home;
   nothing.volumes = {{"Root", "/", ""}, {"Home", home, ""}};
-  tree.Choose(LiesIn(folder, home) ? home : "/");
-  nothing.request.root.clear();  // of no tree: the volumes alone are taken
+  tree.Use(LiesIn(folder, home) ? home : "/");
   tree.Show(std::move(nothing));
   MakeRows();
 }
 
-int PlacesPane::Find(const std::string& path) const {
+int PlacesPane::Find(const std::string& volume, const std::string& path) const {
   for (size_t i = 0; i < rows.size(); ++i)
-    if (rows[i].path == path) return int(i);
+    if (rows[i].path == path && rows[i].volume == volume) return int(i);
   return -1;
 }
 
-// The rows of what is known; the keyboard stays at its path, or goes to the folder that is shown.
+// The rows of what is known; the keyboard stays at its place, in sight if it was, or goes to the
+// folder that is shown.
 void PlacesPane::MakeRows() {
   const int at = list.at();
-  const std::string kept = at >= 0 && size_t(at) < rows.size() ? rows[size_t(at)].path : "";
+  const bool seen = list.ShowsRow();
+  const Row kept = at >= 0 && size_t(at) < rows.size() ? rows[size_t(at)] : Row{};
   rows.clear();
-  for (const Volume& v : tree.volumes()) {
-    const bool present = v.path == tree.root();
-    const bool empty = present && tree.known() && tree.rows().empty();
-    const std::string name = v.host.empty() ? v.name : v.name + " on " + v.host;
-    rows.push_back(
-        {v.path, Shown(name), 0, !empty, present && open_ && !empty, present && tree.error() != 0});
-    if (!present || !open_) continue;
-    for (const Places::Row& r : tree.rows())
-      rows.push_back({r.path, Shown(r.name), r.depth, r.has_folders, r.open, r.unreadable});
-  }
   deepest_ = 0;
-  for (const Row& r : rows) deepest_ = std::max(deepest_, r.depth);
+  for (const Volume& v : tree.volumes()) {
+    const std::vector<Places::Row>& folders = tree.rows(v.path);
+    const bool empty = tree.known(v.path) && folders.empty();
+    const bool open = tree.expanded(v.path) && !empty;
+    const std::string name = v.host.empty() ? v.name : v.name + " on " + v.host;
+    rows.push_back({v.path, v.path, Shown(name), 0, !empty, open, tree.error(v.path) != 0});
+    if (!open) continue;
+    for (const Places::Row& r : folders) {
+      rows.push_back({v.path, r.path, Shown(r.name), r.depth, r.has_folders, r.open, r.unreadable});
+      deepest_ = std::max(deepest_, r.depth);
+    }
+  }
+  MarkNearest();
+  const int there = Find(kept.volume, kept.path);
+  list.SetRows(int(rows.size()), there >= 0 ? there : marked_);
+  if (seen) list.GoTo(list.at());
+}
+
+void PlacesPane::MarkNearest() {
   marked_ = -1;
   for (size_t i = 0; i < rows.size(); ++i) {
-    const bool deeper = marked_ < 0 || rows[i].path.size() > rows[size_t(marked_)].path.size();
-    const bool present = rows[i].depth > 0 || rows[i].path == tree.root();
-    if (deeper && (present || !LiesIn(folder_, tree.root())) && LiesIn(folder_, rows[i].path))
+    if (!LiesIn(folder_, rows[i].path)) continue;
+    const size_t length = rows[i].path.size();
+    const size_t most = marked_ < 0 ? 0 : rows[size_t(marked_)].path.size();
+    const bool used = rows[i].volume == tree.used();
+    if (length > most || (length == most && used && rows[size_t(marked_)].volume != tree.used()))
       marked_ = int(i);
   }
-  const int there = kept.empty() ? -1 : Find(kept);
-  list.SetRows(int(rows.size()), there >= 0 ? there : marked_);
 }
 
 bool PlacesPane::Follow(const std::string& folder) {
   if (folder == folder_) return false;
   folder_ = folder;
-  bool unread = false;
-  if (!LiesIn(folder, tree.root())) {
-    const int volume = tree.VolumeOf(folder);
-    tree.Choose(volume < 0 ? "/" : tree.volumes()[size_t(volume)].path);
-    open_ = unread = true;
-  }
-  unread |= tree.Select(folder) || !tree.known();
+  const bool unread = tree.Select(folder);
   MakeRows();
   list.GoTo(marked_);
   follows_ = true;
@@ -92,41 +94,30 @@ bool PlacesPane::Follow(const std::string& folder) {
 }
 
 bool PlacesPane::Take(PlacesListing listing) {
-  const int before = marked_;
+  const bool there = follows_ && list.at() == marked_;
+  const std::string before = marked_ < 0 ? "" : rows[size_t(marked_)].path;
   const bool whole = tree.Show(std::move(listing));
   MakeRows();
   // What was asked for has come, and is not where the folder was marked until then.
-  if (follows_ && marked_ != before && list.at() == before) list.GoTo(marked_);
+  if (there && marked_ >= 0 && rows[size_t(marked_)].path != before) list.GoTo(marked_);
   return whole;
 }
 
 bool PlacesPane::SetOpen(int row, bool open) {
   if (row < 0 || size_t(row) >= rows.size()) return false;
   const Row r = rows[size_t(row)];
-  bool unread = false;
   follows_ = false;
-  if (r.depth > 0) {
-    unread = tree.SetOpen(r.path, open);
-  } else if (r.path == tree.root()) {
-    open_ = open;
-    unread = open;
-  } else if (open) {
-    tree.Choose(r.path);
-    open_ = unread = true;
-  }
+  const bool unread =
+      r.depth > 0 ? tree.SetOpen(r.volume, r.path, open) : tree.Expand(r.volume, open);
   list.SetRows(list.rows(), row);
   MakeRows();
   return unread;
 }
 
 bool PlacesPane::Choose(int row) {
-  const Row& r = rows[size_t(row)];
-  if (r.depth > 0) return false;
-  const bool other = r.path != tree.root();
-  if (other) tree.Choose(r.path);
-  open_ = true;
+  const bool unread = tree.Use(rows[size_t(row)].volume);
   MakeRows();
-  return other;
+  return unread;
 }
 
 int PlacesPane::Around(int row) const {

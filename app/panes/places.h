@@ -1,4 +1,4 @@
-// Places to go: the volumes, below the present one the tree of its folders, and the room that is
+// Places to go: the volumes, below each expanded one the tree of its folders, and the room that is
 // left where one is.
 #pragma once
 #include <string>
@@ -14,9 +14,10 @@ namespace console {
 struct PlacesPane {
   // A row: a volume, or a folder of the tree.
   struct Row {
-    std::string path;  // bytes
-    std::string name;  // as it is shown
-    int depth = 0;     // 0: a volume
+    std::string volume;  // the path of the volume that it lies in
+    std::string path;    // bytes
+    std::string name;    // as it is shown
+    int depth = 0;       // 0: a volume
     bool opens = false, open = false, unreadable = false;
   };
 
@@ -37,12 +38,12 @@ struct PlacesPane {
   bool Take(PlacesListing listing);
   // Shows or hides what lies in a row. Whether the tree has to be read.
   bool SetOpen(int row, bool open);
-  // Somebody goes to a row: another volume shows its tree. Whether it has to be read.
+  // Somebody goes to a row: its volume is used, and shows its tree. Whether it has to be read.
   bool Choose(int row);
   // The row that this one lies in; itself for a volume.
   int Around(int row) const;
-  // -1 when there is none.
-  int Find(const std::string& path) const;
+  // Of the places of a folder the one in this volume; -1 when there is none.
+  int Find(const std::string& volume, const std::string& path) const;
 
   const Layout& layout;
   Places tree;
@@ -54,15 +55,17 @@ struct PlacesPane {
  private:
   static constexpr int kRowHeight = 20;
   void MakeRows();
+  void MarkNearest();
   Area MarkArea(int row) const;
   // How far to the right a row begins.
   int Indent(int row) const;
   void DrawRow(int row, const Area& a, const Hit& hover, bool active, bool focused) const;
 
-  std::string folder_;    // that is shown
-  bool open_ = true;      // the present volume
-  int deepest_ = 0;       // of the depths of the rows
-  int marked_ = -1;       // the row of the folder, or of the nearest one above it that is shown
+  std::string folder_;  // that is shown
+  int deepest_ = 0;     // of the depths of the rows
+  // The row of the folder, or of the nearest one above it that is shown; of two with one path that
+  // in the used volume.
+  int marked_ = -1;
   bool follows_ = false;  // the keyboard goes to the folder's row as soon as there is one
 };
 

@@ -1,6 +1,7 @@
 // The status line: the server, what was told last, what is being sent.
 #pragma once
 #include <string>
+#include <vector>
 
 #include "app/look/hits.h"
 #include "app/model/notices.h"
@@ -32,6 +33,13 @@ struct StatusPane {
   // Why something cannot be done: until it is read.
   void TellReason(const std::string& utf8) { notices_.TellReason(utf8); }
   void PassReason() { notices_.PassReason(); }
+  // As of Notices.
+  void TellState(const std::string& utf8) { notices_.TellState(utf8); }
+  void EndState() { notices_.EndState(); }
+  void TellNotSent(int document, const std::string& name, const std::string& trouble) {
+    notices_.TellNotSent(document, name, trouble);
+  }
+  void KeepNotSent(const std::vector<int>& documents) { notices_.KeepNotSent(documents); }
   // What takes a while, `key` names it; "": it is over.
   void Progress(const std::string& key, const std::string& utf8) { notices_.Progress(key, utf8); }
   // What would become of what is being dragged; "": nothing is.

@@ -229,8 +229,8 @@ void Worker::NoteResult(int number, int result, const std::string& why) {
   } else {
     broken_.times = 0;
     it->state = Sending::kFailed;
+    ++it->failures;
     it->text = why.empty() ? "the connection broke" : why;
-    shared_->AddNotice({Tone::kBad, name + " was not sent: " + it->text});
     shared_->AddNotice({Tone::kGood, SentText(*it, false)});
   }
 }

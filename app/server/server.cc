@@ -108,7 +108,7 @@ std::string Server::Shared::Detail() {
   Digest d;
   d << int64_t(lists_) << int(state.link) << state.trouble;
   for (const Transfer& t : state.transfers)
-    d << t.number << int(t.state) << t.size << t.modified_ns << t.text;
+    d << t.number << int(t.state) << t.failures << t.size << t.modified_ns << t.text;
   d << int64_t(state.pending.size());
   if (state.lists) {
     for (const NC_Scanner& s : state.lists->scanners) d << s.name << s.text << s.away;

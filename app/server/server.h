@@ -69,6 +69,7 @@ struct Transfer {
   int silent_s = 0;                       // whole seconds that its file has not answered
   int64_t started = 0;                    // seconds since 1970
   std::string text;                       // of a failed one, why
+  int failures = 0;                       // how often its sending was given up
   int first = 0;    // the number of the first one that was ordered together with it
   int arrived = 0;  // of those, how many are at the server
 };

@@ -94,6 +94,8 @@ void DocumentsCame(Console* c, const FolderReading& r) {
   for (const std::string& name : r.devices)
     Tell(c, false, Quoted(name) + " is neither a file nor a folder");
   TellSelected(c, r.documents, r.folders);
+  // What is pressed next is meant for them.
+  if (!c->asking) SetFocusStop(c, FocusStop::kFiles);
 }
 
 void Entered(Console* c, FolderReading* r) {

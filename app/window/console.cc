@@ -249,7 +249,10 @@ void Key(Console* c, int type) {
 
 void ServerChanged(Console* c, ServerState state) {
   if (state.away_times != c->state.away_times) c->banner.away_s = 0;
+  const auto failures = FailuresIn(c->state);
   c->state = std::move(state);
+  TellNotSent(c, failures);
+  if (c->state.link == Link::kReady) c->status.EndState();
   if (c->banner.Follow()) LayOutWindow(c);
   NoteSent(c);
   StartServerByItself(c);
@@ -509,27 +512,7 @@ void CloseConsole(Console* c) {
   BackgroundTask::WaitForAll(kLastWaitMs);
 }
 
-void Tell(Console* c, bool good, const std::string& utf8) {
-  c->status.Tell(good ? Tone::kPlain : Tone::kBad, utf8);
-  c->damage |= kStatusPane;
-}
-
-void TellWhy(Console* c, const std::string& utf8, Reason still) {
-  c->status.TellReason(utf8);
-  c->told_still = still && still(c) == utf8 ? still : nullptr;
-  c->told_why = utf8;
-  c->damage |= kStatusPane;
-}
-
 namespace {
-
-// A reason that holds no longer would only mislead.
-void EndPastReason(Console* c) {
-  if (!c->told_still || c->told_still(c) == c->told_why) return;
-  c->told_still = nullptr;
-  c->status.PassReason();
-  c->damage |= kStatusPane;
-}
 
 void UpdateDetails(Console* c) {
   if (c->stop != FocusStop::kDetails) c->tells_of_jobs = IsInQueue(c->stop);

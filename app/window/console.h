@@ -139,11 +139,11 @@ struct Console {
   FolderReader reader;
   FolderWatch watch;
   PlacesReader places_reader;
-  int places_s = 0;            // since the present one was asked for
-  std::string places_pressed;  // the path of the row
-  int reading_s = 0;           // since the present reading was asked for
-  int silent_s = 0;            // that the watch has had no answer; 0 as long as that is not long
-  int posted_silent_s = 0;     // the same, on its way
+  int places_s = 0;               // since the present one was asked for
+  PlacesPane::Row place_pressed;  // as it was then
+  int reading_s = 0;              // since the present reading was asked for
+  int silent_s = 0;               // that the watch has had no answer; 0 as long as that is not long
+  int posted_silent_s = 0;        // the same, on its way
   PreviewMaker previews;
   PreviewSubject previewed;  // what was asked for last
   Server server;
@@ -208,6 +208,13 @@ void Tell(Console* c, bool good, const std::string& utf8);
 // Ends by itself when `still` has another answer; null: with the next command.
 using Reason = std::string (*)(const Console*);
 void TellWhy(Console* c, const std::string& utf8, Reason still = nullptr);
+// A reason that holds no longer would only mislead: it ends.
+void EndPastReason(Console* c);
+// How often each document that is given up now was not sent, by its number.
+std::map<int, int> FailuresIn(const ServerState& state);
+// What is new of that since `before`; what was told of documents that are gone, or are being sent
+// again, ends.
+void TellNotSent(Console* c, const std::map<int, int>& before);
 // Draws what is damaged.
 void DrawConsole(Console* c);
 void SetFocusStop(Console* c, FocusStop stop);

@@ -47,7 +47,9 @@ void BeginPlaces(Console* c, const std::string& folder) {
 void FollowInPlaces(Console* c) {
   const std::string& path = c->files.folder.path();
   // One that the tree lacks may be newer than the tree.
-  if (c->places.Follow(path) || (c->places.tree.known() && c->places.Find(path) < 0)) AskPlaces(c);
+  const Places& tree = c->places.tree;
+  if (c->places.Follow(path) || (tree.known(tree.used()) && c->places.Find(tree.used(), path) < 0))
+    AskPlaces(c);
   c->damage |= kPlacesPane;
 }
 
@@ -65,14 +67,14 @@ void WatchPlaces(Console* c) {
 
 // What is pressed is remembered by its path: the rows may be others when it is let go.
 void PressPlace(Console* c, const Hit& hit) {
-  c->places_pressed.clear();
+  c->place_pressed = {};
   if (hit.part == SideList::kBody) return SetFocusStop(c, FocusStop::kPlaces);
-  c->places_pressed = c->places.rows[size_t(hit.index)].path;
+  c->place_pressed = c->places.rows[size_t(hit.index)];
   c->places.list.GoTo(hit.index);
 }
 
 void UsePlace(Console* c, const Hit& hit) {
-  const int row = c->places.Find(c->places_pressed);
+  const int row = c->places.Find(c->place_pressed.volume, c->place_pressed.path);
   if (row < 0 || hit.part == SideList::kBody) return;
   if (hit.part == SideList::kMark)
     OpenPlace(c, row, !c->places.rows[size_t(row)].open);
@@ -88,9 +90,11 @@ void PlacesKey(Console* c, int type) {
   if (list.Type(type, Inp.time, [c](int row) { return c->places.rows[size_t(row)].name; })) return;
   const PlacesPane::Row& row = c->places.rows[size_t(at)];
   if (type == XWE_RETURN || type == ' ') GoToPlace(c, at);
-  if (type == XWE_RIGHT && row.open)
+  // What lies in an open one may still be on its way.
+  const bool shows_more = at + 1 < list.rows() && c->places.rows[size_t(at) + 1].depth > row.depth;
+  if (type == XWE_RIGHT && row.open && shows_more)
     list.GoTo(at + 1);
-  else if (type == XWE_RIGHT && row.opens)
+  else if (type == XWE_RIGHT && row.opens && !row.open)
     OpenPlace(c, at, true);
   if (type == XWE_LEFT && row.open)
     OpenPlace(c, at, false);

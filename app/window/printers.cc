@@ -3,6 +3,7 @@
 
 #include "app/format/texts.h"
 #include "app/format/words.h"
+#include "app/model/server_words.h"
 #include "app/window/side_commands.h"
 
 namespace console {
@@ -137,7 +138,7 @@ std::string LoadPaperText(const Console* c) {
 }
 
 std::string WhyNotLoadPaper(const Console* c) {
-  if (c->state.link != Link::kReady) return "The server is away";
+  if (c->state.link != Link::kReady) return kServerAway;
   const PrinterRow* row = ToLoad(c);
   if (!row) return "No printer wants paper";
   if (!c->printers.Offers(PrinterVerb::kPaperLoaded, *row, ""))

@@ -83,6 +83,20 @@ bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
                        nullptr) == 2;
 }
 
+// Documents that are not at the server go at once. One that is being sent has an answer of its own.
+void TellTakenOut(Console* c, const std::vector<QueueId>& ids) {
+  int n = 0;
+  std::string name;
+  for (const QueueId& id : ids) {
+    const Outgoing* out = c->queue.rows.OutgoingOf(id);
+    if (!out || out->state == OutgoingState::kSending) continue;
+    name = out->document;
+    ++n;
+  }
+  if (n > 0)
+    Tell(c, true, "Removed: " + (n == 1 ? Quoted(name) : NumberOf(n, "document", "documents")));
+}
+
 void Reorder(Console* c, const std::vector<QueueId>& ids, int gap) {
   std::string why;
   const std::vector<Reordering> steps = PlanReordering(c->queue.rows, ids, gap, &why);
@@ -112,6 +126,7 @@ void ChangeThese(Console* c, const std::vector<QueueId>& ids, const JobChange& c
   if (!check.possible()) return TellWhy(c, check.why_not);
   if (change.verb == Verb::kRemove && !MayRemove(c, check.on)) return;
   c->status.PassReason();
+  if (change.verb == Verb::kRemove) TellTakenOut(c, check.on);
   std::vector<NamedJob> jobs;
   for (const QueueId& id : check.on) {
     if (!id.outgoing)

@@ -30,31 +30,37 @@ std::string WordFor(const std::string& name, bool fixed) {
 
 // A folder of the tree whose own folders are known: those of an open one are looked into as well,
 // so that each row knows whether there is something to open.
-void ExpandBelow(OS_TreeNodeN* node, PlacesListing* listing) {
+void ExpandBelow(OS_TreeNodeN* node, const std::set<std::string>& open, FolderTree* tree) {
   for (int i = 0; i < node->child_count; ++i) {
     OS_TreeNodeN* child = &node->children[i];
     const std::string path = PathOfNode(*child);
-    if (!listing->request.open.contains(path)) continue;
+    if (!open.contains(path)) continue;
     if (OS_TreeExpandN(child) != 0) {
-      listing->unreadable.insert(path);
+      tree->unreadable.insert(path);
       continue;
     }
     child->open = 1;
     for (int j = 0; j < child->child_count; ++j) OS_TreeExpandN(&child->children[j]);
-    ExpandBelow(child, listing);
+    ExpandBelow(child, open, tree);
   }
+}
+
+FolderTree ReadTree(const std::string& root, const std::set<std::string>& open) {
+  FolderTree tree;
+  errno = 0;
+  tree.nodes.reset(OS_TreeCreateN(root.c_str()));
+  OS_TreeNodeN* nodes = tree.nodes.get();
+  // A root that cannot be read has no folders, and is told by the error alone.
+  if (nodes && nodes->child_count == 0 && OS_TreeExpandN(nodes) != 0) tree.error = errno;
+  if (!nodes) tree.error = ENOMEM;
+  if (nodes) ExpandBelow(nodes, open, &tree);
+  return tree;
 }
 
 void ReadPlaces(PlacesListing* listing) {
   listing->volumes = ListVolumes();
-  const std::string& root = listing->request.root;
-  errno = 0;
-  listing->tree.reset(OS_TreeCreateN(root.c_str()));
-  // A root that cannot be read has no folders, and is told by the error alone.
-  const bool empty = !listing->tree || listing->tree->child_count == 0;
-  if (empty && listing->tree && OS_TreeExpandN(listing->tree.get()) != 0) listing->error = errno;
-  if (!listing->tree) listing->error = ENOMEM;
-  if (listing->tree) ExpandBelow(listing->tree.get(), listing);
+  for (const auto& [root, open] : listing->request.open)
+    listing->trees[root] = ReadTree(root, open);
 }
 
 }  // namespace
@@ -94,14 +100,15 @@ void PlacesReader::Ask(PlacesRequest request, std::function<void()> told) {
   Drop();
   reading_ = std::make_shared<Reading>();
   reading_->listing.request = std::move(request);
-  reading_->listing.error = EAGAIN;  // where no thread can be had
   reading_->told = std::move(told);
   task_ = BackgroundTask([reading = reading_, how = read] {
-    reading->listing.error = 0;
     how(&reading->listing);
     reading->End();
   });
-  if (task_.failed()) reading_->End();
+  if (!task_.failed()) return;
+  for (const auto& [root, open] : reading_->listing.request.open)
+    reading_->listing.trees[root].error = EAGAIN;
+  reading_->End();
 }
 
 void PlacesReader::Drop() {

@@ -79,6 +79,7 @@ TEST(Printers, SayHowTheyAre) {
   strcpy(stopped.media, ",A4,,A1");
   EXPECT_EQ(MediaOf(&stopped), (std::vector<std::string>{"A4", "A1"}));
   EXPECT_TRUE(HasMedia(stopped, "A1") && !HasMedia(stopped, "A0"));
+  EXPECT_TRUE(HasMedia(stopped, "")) << "its usual ones";
   EXPECT_TRUE(HasMedia(list[0], "A0")) << "its media are not known";
 }
 
@@ -139,6 +140,21 @@ TEST(Notices, KeepErrorsUntilTheyAreRead) {
   notices.PassReason();
   EXPECT_EQ(notices.Shown(9000).text, "the server is away") << "an error does not pass with it";
   notices.Read();
+  // Documents that were not sent for the same reason are read at once, and what is told of one ends
+  // with it.
+  for (const int n : {1, 2, 3}) notices.TellNotSent(n, "a", "it is not there any more");
+  notices.TellNotSent(4, "b", "it is too large");
+  notices.TellState("away");
+  notices.TellNotSent(5, "c", "the disk is full");
+  notices.KeepNotSent({1, 2, 4});
+  EXPECT_EQ(notices.Shown(9000).text,
+            "2 documents were not sent: they are not there any more (2 more messages)");
+  notices.Read();
+  EXPECT_EQ(notices.Shown(9000).text, "“b” was not sent: it is too large (1 more message)");
+  notices.EndState();
+  EXPECT_EQ(notices.errors(), 1);
+  notices.KeepNotSent({});
+  EXPECT_FALSE(notices.HasError());
   notices.Progress("a", "sending a");
   notices.Progress("b", "sending b");
   notices.Progress("a", "sending a, 10 %");

@@ -298,9 +298,12 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   out.total = 100, out.silent_s = 7;
   EXPECT_EQ(WordsOfOutgoing(out).ShownText(), "its file does not answer, for 7 s");
   QueueRows rows;
-  rows.Show(Jobs({"a:p", "a:w"}), {out});
-  EXPECT_EQ(FactsOfSeveral(rows, {Id(1), Id(2), {1, {}}})[1].value,
-            "1 waiting, 1 printing, 1 on the way");
+  rows.Show(Jobs({"a:p", "a:w"}), {out, Sending(2, "b", OutgoingState::kFailed)});
+  EXPECT_EQ(FactsOfSeveral(rows, {Id(1), Id(2), {1, {}}, {2, {}}})[1].value,
+            "1 waiting, 1 printing, 1 on the way, 1 not sent");
+  std::string why;
+  PlanReordering(rows, {{2, {}}}, 0, &why);
+  EXPECT_EQ(why, "The document could not be sent");
   out = Sending(1, "a", OutgoingState::kWaiting);
   out.media = "A1", out.copies = 3, out.priority = 70;
   std::string facts;
@@ -317,14 +320,15 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
 TEST(Removal, AsksWhenItConcernsOthers) {
   QueueRows rows("me");
   rows.Show(Jobs({"a:p", "b:w", "xc:w", "d:h", "f:p", "f:w"}),
-            {Sending(1, "e", OutgoingState::kSending)});
+            {Sending(1, "e", OutgoingState::kSending), Sending(2, "g", OutgoingState::kFailed)});
   const struct {
     std::vector<QueueId> ids;
     const char* text;
   } cases[] = {
       {{Id(2)}, ""},
       {{{1, {}}}, ""},
-      {{Id(2), {1, {}}}, ""},
+      {{Id(2), {1, {}}}, "Remove 2 jobs?"},
+      {{{1, {}}, {2, {}}}, "Remove 2 documents? They are not at the server."},
       {{Id(1)}, "Remove “a”? It is at the printer."},
       {{Id(3)}, "Remove “xc”? It belongs to “ada”."},
       {{Id(5)}, "Remove “f” (job 5)? It is at the printer."},

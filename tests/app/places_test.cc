@@ -26,7 +26,7 @@ class PlacesTest : public testing::Test {
   // "+a -b  c": names by depth; + open, - closed with folders in it, ! cannot be read, * selected.
   std::string Rows() {
     std::string text;
-    for (const Places::Row& row : places_.rows())
+    for (const Places::Row& row : places_.rows(files_.path()))
       text += (text.empty() ? "" : " ") + std::string(size_t(row.depth - 1), '/') +
               (row.unreadable    ? "!"
                : row.open        ? "+"
@@ -43,12 +43,12 @@ class PlacesTest : public testing::Test {
 TEST_F(PlacesTest, AnotherTreeKeepsWhatIsOpenAndSelected) {
   files_.Folder("a/b/c/d");
   files_.Folder("e");
-  places_.Choose(files_.path() + "/");
-  EXPECT_FALSE(places_.known());
+  EXPECT_TRUE(places_.Use(files_.path() + "/"));
+  EXPECT_FALSE(places_.known(files_.path()));
   EXPECT_TRUE(Read());
   EXPECT_EQ(Rows(), "-a e");
-  EXPECT_TRUE(places_.SetOpen(files_.At("a"), true));
-  EXPECT_FALSE(places_.SetOpen(files_.At("a"), true));
+  EXPECT_TRUE(places_.SetOpen(files_.path(), files_.At("a"), true));
+  EXPECT_FALSE(places_.SetOpen(files_.path(), files_.At("a"), true));
   EXPECT_EQ(Rows(), "+a /b e");  // at once; whether there is something in b is not known yet
   EXPECT_TRUE(Read());
   EXPECT_EQ(Rows(), "+a /-b e");
@@ -58,7 +58,7 @@ TEST_F(PlacesTest, AnotherTreeKeepsWhatIsOpenAndSelected) {
   EXPECT_EQ(Rows(), "+a /+b //-c* e");
   // A folder that was opened while a reading was under way stays open.
   const PlacesRequest early = places_.Request();
-  places_.SetOpen(files_.At("a/b/c"), true);
+  places_.SetOpen(files_.path(), files_.At("a/b/c"), true);
   PlacesListing late;
   late.request = early;
   PlacesReader::read(&late);
@@ -66,10 +66,10 @@ TEST_F(PlacesTest, AnotherTreeKeepsWhatIsOpenAndSelected) {
   EXPECT_TRUE(Read());
   EXPECT_EQ(Rows(), "+a /+b //+c* ///d e");
   // What is closed remembers what is open in it.
-  places_.SetOpen(files_.At("a"), false);
+  places_.SetOpen(files_.path(), files_.At("a"), false);
   EXPECT_EQ(Rows(), "-a e");
   EXPECT_TRUE(Read());
-  places_.SetOpen(files_.At("a"), true);
+  places_.SetOpen(files_.path(), files_.At("a"), true);
   EXPECT_TRUE(Read());
   EXPECT_EQ(Rows(), "+a /+b //+c* ///d e");
   std::filesystem::remove_all(files_.At("a/b/c"));
@@ -80,11 +80,13 @@ TEST_F(PlacesTest, AnotherTreeKeepsWhatIsOpenAndSelected) {
   std::filesystem::remove_all(files_.path());
   EXPECT_TRUE(Read());
   EXPECT_EQ(Rows(), "");
-  EXPECT_EQ(places_.error(), ENOENT);
-  EXPECT_FALSE(places_.Select("/elsewhere"));
-  // One of another root comes too late.
+  EXPECT_EQ(places_.error(files_.path()), ENOENT);
+  // One that lies in another volume is marked there, and a reading without that is not enough.
   late = {};
-  late.request = {"/elsewhere", {}};
+  late.request = places_.Request();
+  late.volumes = places_.volumes();
+  EXPECT_TRUE(places_.Select("/elsewhere"));
+  EXPECT_EQ(places_.used(), "/");
   EXPECT_FALSE(places_.Show(std::move(late)));
 }
 
@@ -96,7 +98,6 @@ TEST_F(PlacesTest, VolumesHaveNamesForPersons) {
   files_.File("etc/mtab", "server:/share /net/share nfs rw 0 0\n");
   os::SetSystemRoot(files_.path().c_str());
   PlacesListing listing;
-  listing.request.root = files_.path();
   for (const Volume& v : ListVolumes()) listing.volumes.push_back(v);
   os::SetSystemRoot(nullptr);
   std::string names;
@@ -106,7 +107,6 @@ TEST_F(PlacesTest, VolumesHaveNamesForPersons) {
   EXPECT_NE(names.find("@server "), std::string::npos) << names;
   EXPECT_EQ(names.substr(names.size() - 5), "ROOT ") << names;  // a disk may be called that
   listing.volumes = {{"Root", "/", ""}, {"Home", "/home/mia", ""}, {"Other", "/home", ""}};
-  places_.Choose(files_.path());
   places_.Show(std::move(listing));
   EXPECT_EQ(places_.VolumeOf("/home/mia/Documents"), 1);
   EXPECT_EQ(places_.VolumeOf("/home/mi"), 2);

@@ -93,9 +93,11 @@ TEST_F(RememberingTest, FilesOfTheStartAreSelectedAndMissingOnesTold) {
   EXPECT_EQ(c_->files.folder.path(), home_.At("Empty"));
   EXPECT_EQ(c_->status.message().text, "“gone.pdf”: no such file or folder");
   c_->status.ReadMessage();
+  SetFocusStop(c_, FocusStop::kQueue);
   OpenFiles(c_, {{home_.At(std::string(kFolder) + "/second.txt")}, {home_.At("gone.pdf")}});
   ASSERT_TRUE(HasRead());
   EXPECT_EQ(Selected(), "second.txt");
+  EXPECT_EQ(c_->stop, FocusStop::kFiles);
   EXPECT_EQ(c_->status.message().text, "“gone.pdf”: no such file or folder");
   c_->status.ReadMessage();
   display::OpenFiles({home_.At("Empty"), home_.At("gone.pdf"), home_.At("g 2.pdf")}, true);

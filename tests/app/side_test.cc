@@ -94,15 +94,24 @@ TEST_F(SideTest, PlacesAreATreeForKeysAndPointer) {
   EXPECT_NE(c_->places.free_text.find(" free of "), std::string::npos);
   // The keyboard stays at a volume that it opens, also where the folder lies below that.
   for (const int key : {XWE_HOME, XWE_RIGHT}) PlacesKey(c_, key);
-  ASSERT_TRUE(Until([&] { return !c_->places_reader.request() && c_->places.tree.known(); }));
+  PlacesKey(c_, XWE_RIGHT);  // before what lies in it has come
+  const auto root_is_read = [&] {
+    return !c_->places_reader.request() && c_->places.tree.known("/");
+  };
+  ASSERT_TRUE(Until(root_is_read));
   EXPECT_EQ(c_->places.list.at(), 0);
-  // Another volume has another tree; elsewhere in it the folder is found, too.
+  // Each volume has a tree of its own, and the folder is marked where it was gone to.
+  PlacesKey(c_, XWE_LEFT);
+  ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /+Zoo* //new "));
   Enter("/");
-  Until([&] { return !c_->places_reader.request() && c_->places.tree.known(); });
+  Until(root_is_read);
   const uint32_t shown = platform::kIsExpanded | platform::kIsSelected;
   EXPECT_EQ(Node("Root").what.state & shown, shown);
-  EXPECT_FALSE(Node("Home").what.state & platform::kIsExpanded);
-  EXPECT_GE(c_->places.Find("/tmp"), 0);
+  EXPECT_GE(c_->places.Find("/", "/tmp"), 0);
+  PlacesKey(c_, XWE_HOME);
+  PlacesKey(c_, XWE_LEFT);
+  Enter(home_.At("Empty"));
+  ASSERT_TRUE(PlacesAre("-Root +Home /-Empty* /+Zoo //new "));
 }
 
 // What hangs holds up nothing: the window says so, and closing it gives the tree back.
@@ -114,17 +123,17 @@ TEST_F(SideTest, AFolderThatDoesNotAnswerHoldsUpNothing) {
   home_.Folder("Empty/a");
   home_.Folder("Zoo/b");
   PlacesReader::read = [](PlacesListing* listing) {
-    for (const std::string& open : listing->request.open)
-      while (open.ends_with("Empty") && hangs) usleep(1000);
+    for (const auto& [volume, open] : listing->request.open)
+      while (open.contains(volume + "/Empty") && hangs) usleep(1000);
     usual(listing);
   };
   Open("127.0.0.9:1");
   ASSERT_TRUE(PlacesAre("-Root +Home* /" + std::string(kFolder) + " /-Empty /-Zoo "));
-  c_->places.list.GoTo(c_->places.Find(home_.At("Empty")));
+  c_->places.list.GoTo(c_->places.Find(home_.path(), home_.At("Empty")));
   PlacesKey(c_, XWE_RIGHT);
   ASSERT_TRUE(Until([&] { return Node("Room").what.value.starts_with("No answer for 3 s"); }));
   Enter(home_.At("Zoo"));
-  c_->places.list.GoTo(c_->places.Find(home_.At("Empty")));
+  c_->places.list.GoTo(c_->places.Find(home_.path(), home_.At("Empty")));
   PlacesKey(c_, XWE_LEFT);
   ASSERT_TRUE(PlacesAre("-Root +Home /" + std::string(kFolder) + " /-Empty /-Zoo* "));
   EXPECT_NE(Node("Room").what.value.find(" free of "), std::string::npos);
