@@ -115,11 +115,10 @@ void LineAtLeft(const Area& a) {
 
 // Without a gap between its two pixels at any scale.
 static void DrawFrame(Area a, int32_t colour) {
-  constexpr int kWide = 2;
-  Fill(a.TakeTop(kWide), colour);
-  Fill(a.TakeBottom(kWide), colour);
-  Fill(a.TakeLeft(kWide), colour);
-  Fill(a.TakeRight(kWide), colour);
+  Fill(a.TakeTop(kFrameWidth), colour);
+  Fill(a.TakeBottom(kFrameWidth), colour);
+  Fill(a.TakeLeft(kFrameWidth), colour);
+  Fill(a.TakeRight(kFrameWidth), colour);
 }
 void DrawDropFrame(const Area& a) {
   DrawFrame(a, TheStyle().accent);

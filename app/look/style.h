@@ -58,7 +58,8 @@ enum class BarGround : uint8_t { kPlain, kMuted, kAccent };
 void DrawProgress(const Area& a, int64_t part, int64_t whole, BarGround ground);
 // The warm ground of a strip over the status line, with a dot. The rest of it, for its words.
 Area DrawStrip(Area a, int32_t dot);
-// Around what documents would go to that are dragged over the window.
+constexpr int kFrameWidth = 2;
+// Around what documents or jobs would go to that are dragged over the window.
 void DrawDropFrame(const Area& a);
 // Around what has the keyboard, two pixels inside the area, where nothing that stands there shows
 // it.

@@ -72,9 +72,11 @@ class Selection {
   template <class Rows>
   void Press(const Rows& rows, int row, SelectionKeys keys) {
     pressed_.reset();
+    held_.reset();
     before_ = {{}, focus_, anchor_};
     adds_ = keys.control;
     dragging_ = true;
+    was_selected_ = false;
     below_ = row < 0 || row >= rows.count();
     if (below_) {
       adds_ = keys.shift || keys.control;
@@ -83,8 +85,10 @@ class Selection {
       return;
     }
     const Id& id = rows.IdAt(row);
+    held_ = id;
     if (!keys.shift && !keys.control && Has(id)) {
       pressed_ = focus_ = id;
+      was_selected_ = true;
       return;
     }
     before_.ids = keys.control ? ids_ : std::exchange(ids_, {});
@@ -133,6 +137,25 @@ class Selection {
     Add(rows, from, row);
     focus_ = rows.IdAt(row);
   }
+  // What was pressed is taken up, to be carried elsewhere: all that were selected if the row was
+  // one of them, else what the press has selected. No range is left; a later DragTo makes one
+  // again.
+  template <class Rows>
+  void TakeUp(const Rows& rows) {
+    if (!dragging_ || below_) return;
+    const int row = held_ ? rows.RowOf(*held_) : -1;
+    if (pressed_) {
+      anchor_ = std::exchange(pressed_, std::nullopt);
+      before_.ids = ids_;
+    } else if (was_selected_) {
+      ids_ = before_.ids;
+    } else if (row >= 0) {
+      DragTo(rows, row);
+    } else {
+      ids_.clear();
+    }
+    focus_ = held_;
+  }
   // A key moves the keyboard to this row: the row alone, with Shift the range from the anchor,
   // with Control nothing is selected or given up.
   template <class Rows>
@@ -180,7 +203,8 @@ class Selection {
     };
     std::erase_if(ids_, [&](const Id& id) { return !rows.Has(id); });
     std::erase_if(before_.ids, [&](const Id& id) { return !rows.Has(id); });
-    for (std::optional<Id>* id : {&pressed_, &anchor_, &before_.focus, &before_.anchor}) drop(id);
+    for (std::optional<Id>* id : {&pressed_, &held_, &anchor_, &before_.focus, &before_.anchor})
+      drop(id);
     const bool had = focus_.has_value();
     drop(&focus_);
     if (had && !focus_ && rows.count() > 0 && focus_row >= 0)
@@ -190,7 +214,8 @@ class Selection {
   void Rename(const Id& from, const Id& to) {
     if (ids_.erase(from) != 0) ids_.insert(to);
     if (before_.ids.erase(from) != 0) before_.ids.insert(to);
-    for (std::optional<Id>* id : {&focus_, &anchor_, &pressed_, &before_.focus, &before_.anchor})
+    for (std::optional<Id>* id :
+         {&focus_, &anchor_, &pressed_, &held_, &before_.focus, &before_.anchor})
       if (*id == from) *id = to;
   }
 
@@ -232,6 +257,8 @@ class Selection {
   Before before_;
   bool adds_ = false;                           // a drag adds its range to those
   bool dragging_ = false, below_ = false;       // below: the press was below the rows
+  bool was_selected_ = false;                   // the row was, before a press without keys
+  std::optional<Id> held_;                      // the row of the press
   std::optional<Id> focus_, anchor_, pressed_;  // pressed: selected alone when the button comes up
 };
 

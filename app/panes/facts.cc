@@ -47,11 +47,13 @@ int FactsHeight(const std::vector<Fact>& facts, int width) {
 void DrawFact(Area* a, const char* name, const std::string& value, int32_t ink) {
   const Style& l = TheStyle();
   const std::vector<std::string> lines = FactLines(value, a->w);
-  for (size_t i = 0; i < lines.size(); ++i) {
-    Area row = a->TakeTop(i == 0 ? kFactLine : kNextFactLine);
-    const Area name_area = row.TakeLeft(kFactName);
-    if (i == 0) DrawLabel(l.small_text, Align::kLeft, name_area, name, l.second);
-    DrawLabel(l.view, Align::kLeft, row, lines[i], ink);
+  Area block = a->TakeTop(kFactLine + int(lines.size() - 1) * kNextFactLine);
+  Area row = block.TakeTop(kFactLine);
+  DrawLabel(l.small_text, Align::kLeft, row.TakeLeft(kFactName), name, l.second);
+  for (const std::string& line : lines) {
+    // Without the blank at which it was broken, for which it may have no room.
+    DrawLabel(l.view, Align::kLeft, row, line.substr(0, line.find_last_not_of(' ') + 1), ink);
+    row.y += kNextFactLine;
   }
 }
 

@@ -235,9 +235,11 @@ void PrintersPane::DrawSupplies(Area a) const {
   if (!row) return;
   a.TakeTop(kSupplyTop);
   std::vector<Supply> supplies = row->supplies;
-  // Where there is no room for all, those that run out come first.
+  // Where there is no room for all, the lowest come first.
   if (int(supplies.size()) > SupplyLines())
-    std::stable_partition(supplies.begin(), supplies.end(), IsLow);
+    std::stable_sort(supplies.begin(), supplies.end(), [](const Supply& one, const Supply& other) {
+      return unsigned(one.percent) < unsigned(other.percent);  // the unknown ones last
+    });
   for (const Supply& s : supplies) {
     Area line = a.TakeTop(kSupplyLine);
     if (line.h < kSupplyLine) return;

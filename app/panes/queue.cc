@@ -69,6 +69,11 @@ void QueuePane::Enable(bool on) {
   head.Enable(on);
 }
 
+void QueuePane::SetTakesDrop(bool on) {
+  takes_drop = on;
+  table.SetFramed(on);
+}
+
 void QueuePane::Update() {
   table.SetNote(rows.NoteText());
   PlaceControl(show_all, rows.leaves_out() ? table.NoteButton() : Area{});

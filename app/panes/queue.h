@@ -22,6 +22,7 @@ struct QueuePane {
   void Draw(const Hit& hover, bool focused);
   void AddHits(Hits* hits) const;
   void Enable(bool on);
+  void SetTakesDrop(bool on);
   // After a new state.
   void Fill();
   // How far transfers have come.
@@ -52,7 +53,7 @@ struct QueuePane {
   QueueHead head;
   Table table;
   XwWindow* show_all = nullptr;  // of a command
-  bool takes_drop = false;       // documents are dragged over the window, and would go here
+  bool takes_drop = false;       // documents are dragged, and would go here
 
  private:
   std::vector<Outgoing> OutgoingNow() const;

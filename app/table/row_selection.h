@@ -23,6 +23,7 @@ class RowSelection {
   // As in Selection.
   virtual void Press(int row, SelectionKeys keys) = 0;
   virtual void DragTo(int row) = 0;
+  virtual void TakeUp() = 0;
   virtual void Release() = 0;
   virtual void Cancel() = 0;
   virtual void MoveTo(int row, SelectionKeys keys) = 0;
@@ -47,6 +48,10 @@ class SelectionOf final : public RowSelection {
   }
   void DragTo(int row) override {
     ids_.DragTo(rows_, row);
+    Changed();
+  }
+  void TakeUp() override {
+    ids_.TakeUp(rows_);
     Changed();
   }
   void Release() override {

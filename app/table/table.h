@@ -120,22 +120,29 @@ class Table {
   bool Cancel();
   // A row, or the room below the rows, is held: no other one may come under the pointer now.
   bool HoldsRow() const { return held_ >= kARow; }
-  // Whether rows that are selected can be carried to another place instead, and a line shows where
-  // that is.
+  // Whether rows that are selected can be carried to another place in the table instead, and a line
+  // shows where that is.
   void SetCarries(bool carries, bool shows_gap) {
     carries_ = carries;
     shows_gap_ = shows_gap;
   }
   // Nothing is carried to before this row.
   void SetFirstGap(int row) { first_gap_ = row; }
-  bool Carries() const { return held_ == kCarried; }
+  bool Carries() const { return held_ >= kCarried; }
+  // The pointer has left the table for something that takes its rows: what was pressed is carried
+  // until the pointer comes back, when it selects a range again. It is scrolled as it was at the
+  // press. False when no row was pressed, or rows are carried already.
+  bool TakeUp();
   // The row before which what is being carried would go, rows() behind the last; -1: nothing is, or
   // the pointer is not over the table.
-  int gap() const { return Carries() && area_.Holds(drag_x_, drag_y_) ? gap_ : -1; }
+  int gap() const { return held_ == kCarried && area_.Holds(drag_x_, drag_y_) ? gap_ : -1; }
   // Rows are being dragged over, and the pointer is above or below them: from time to time the
   // table is to be scrolled on.
   bool ScrollsByDrag() const;
   bool ScrollByDrag();
+  // Whether a frame is drawn around the pane that the table ends: its bar, which would cover that,
+  // leaves room for it.
+  void SetFramed(bool on);
   // Columns as wide as they were at first.
   void ResetColumns();
   // The widths that the user has given, a number a column, 0 where it is the usual one; empty when
@@ -189,13 +196,16 @@ class Table {
   int sort_ = -1;
   bool descending_ = false, focused_ = false, muted_ = false;
   std::function<bool(int row)> is_new_;
-  enum Held : uint8_t { kNothing, kABorder, kARow, kRows, kCarried } held_ = kNothing;
+  // kRows: a range is being selected. kAway: it was, before what was pressed was carried away.
+  enum Held : uint8_t { kNothing, kABorder, kARow, kRows, kCarried, kAway } held_ = kNothing;
+  bool framed_ = false;
   bool carries_ = false, shows_gap_ = false;
   bool may_carry_ = false;  // what is held
   int gap_ = 0, first_gap_ = 0;
   int held_row_ = -1;            // that was pressed, or was dragged to last
   bool from_below_ = false;      // the press was below the rows
   int drag_x_ = 0, drag_y_ = 0;  // where the pointer is
+  int top_before_ = 0;           // before a row was pressed
   int border_ = 0;               // of which column
   int grip_ = 0;                 // where beside the border it was pressed
   float wheel_ = 0;              // of a pixel not yet moved

@@ -172,6 +172,7 @@ void QueueKey(Console* c, int type) {
 
 // What the control there has not taken.
 void StopKey(Console* c, int type) {
+  if (c->files.table.HoldsRow() || c->queue.table.HoldsRow()) return;  // the pointer selects
   if (TableKey(c, type)) return;
   if (c->stop == FocusStop::kFiles) FilesKey(c, type);
   if (c->stop == FocusStop::kQueue) QueueKey(c, type);
@@ -267,6 +268,7 @@ void ServerChanged(Console* c, ServerState state) {
   c->queue_waits = c->queue.table.HoldsRow();
   if (!c->queue_waits) c->queue.Fill();
   PrintersCame(c);
+  ShowCarry(c);
   UpdatePreferences();
   UpdateLists();
   c->damage |= kToolsPane | kDetailsPane | kQueuePane | kBannerPane | kStatusPane;
@@ -277,7 +279,7 @@ void ServerChanged(Console* c, ServerState state) {
 
 void ShowProgress(Console* c) {
   c->server.ShowProgress(&c->state.transfers);
-  c->queue.ShowProgress();
+  if (!c->queue_waits) c->queue.ShowProgress();
   c->damage |= kQueuePane | kStatusPane | (c->details.jobs ? kDetailsPane : 0u);
 }
 

@@ -96,6 +96,14 @@ inline bool IsInQueue(FocusStop stop) {
   return stop == FocusStop::kQueue || stop >= FocusStop::kQueueFilter;
 }
 
+// What takes the documents or jobs that are dragged: the queue, or a printer.
+struct CarryTarget {
+  bool queue = false;
+  std::string printer;  // name, "": none
+  explicit operator bool() const { return queue || !printer.empty(); }
+  bool operator==(const CarryTarget&) const = default;
+};
+
 struct ServerStart;
 
 struct Console {
@@ -162,6 +170,10 @@ struct Console {
   bool drag_shows = false;
   std::map<int, std::string> awaited_drops;  // whose documents are to come, and on which printer
   int drops = 0;                             // that have come
+
+  CarryTarget carried_to;      // where rows that are carried would go
+  bool carry_shows = false;    // by the shape of the pointer
+  int held_x = 0, held_y = 0;  // where the pointer was last, with a row held
 
   PaneSizes panes;
   int border_grip = 0;     // where beside a border it was pressed
@@ -233,6 +245,20 @@ void TurnWheel(Console* c, float dy);
 // What lies under the pointer now.
 void SetHover(Console* c, const Hit& hit);
 
+// --- Rows that are carried out of their table (carrying.cc)
+bool Carries(const Console* c);
+// The pointer has moved with a row held: takes rows up where something takes them, and shows what
+// letting go would do.
+void FollowCarry(Console* c, const Hit& hit);
+// The same again, after a new state of the server.
+void ShowCarry(Console* c);
+// Ends the showing; nothing is done.
+void EndCarry(Console* c);
+// The button comes up: does what was shown, or says why not.
+void DropCarried(Console* c);
+// Frames what takes what is dragged, also from outside, and says so; none: takes the frame away.
+void ShowDropTarget(Console* c, const CarryTarget& to, const std::string& hint);
+
 // --- The controls (controls.cc)
 void MakeControls(Console* c);
 // Where the layout says.
@@ -292,6 +318,9 @@ void DragDocuments(Console* c, int what);
 // Of a 798: those that another program asks to open are selected, those that were dropped are
 // queued; a folder that was dropped is entered.
 void TakeDocuments(Console* c);
+// Of the console's own folder: the files are printed as if they had been dropped from outside, in
+// the row of that printer; "": on the chosen one. Folders are passed over.
+void PrintFiles(Console* c, std::vector<std::string> paths, const std::string& printer);
 // The files that the program was started with are selected, and what is missing is told.
 void OpenFiles(Console* c, const FilesToOpen& files);
 

@@ -1,6 +1,7 @@
 #include "app/window/help.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -36,31 +37,33 @@ const std::vector<Line>& Lines() {
   static const auto* lines = [] {
     constexpr const char* kTitles[kMenus] = {"File", "Edit", "Queue", "View", "Help"};
     auto* all = new std::vector<Line>;
-    for (int m = 0; m < kMenus; ++m) {
-      all->push_back({kTitles[m], ""});
-      for (const Command& command : Commands())
-        if (const std::string keys = KeysOf(command); command.menu == m && !keys.empty())
-          all->push_back({command.name, keys});
-    }
+    const Line kLists[] = {{"Lists", ""},
+                           {"Selects more rows", "Shift+arrows"},
+                           {"Goes on without selecting", "Ctrl+arrows"},
+                           {"Selects this row, or not", "Ctrl+Space"},
+                           {"Outside the queue: finds a name", "its first letters"},
+                           {"In the queue: holds, releases", "Space"},
+                           {"In printers, places: chooses", "Space, Return"},
+                           {"In places: opens, closes", "Right, Left"}};
     const Line kWindow[] = {{"Window", ""},
                             {"Next part, and back", "Tab, Shift+Tab"},
                             {"Next pane, and back", "F6, Shift+F6"},
                             {"Menu bar", "F10, Alt"},
                             {"One of its menus", "Alt+first letter"},
                             {"Menu of what is selected", "Menu, Shift+F10"},
-                            {"Selects more rows", "Shift+arrows"},
-                            {"Goes on without selecting", "Ctrl+arrows"},
-                            {"Selects this row, or not", "Ctrl+Space"},
-                            {"Outside the queue: finds a name", "its first letters"},
-                            {"In the queue: holds, releases", "Space"},
-                            {"In printers, places: chooses", "Space, Return"},
-                            {"In places: opens, closes", "Right, Left"},
                             {"In copies, priority: more, less", "Up, Down"},
                             {"In the details: another page", "Page Up, Page Down"},
                             {"In the details: first, last page", "Home, End"},
                             {"Back to files; stops a drag", "Esc"},
                             {"In the files: ends the filter", "Esc"},
                             {"Quit", "Ctrl+Q"}};
+    for (int m = 0; m < kMenus; ++m) {
+      all->push_back({kTitles[m], ""});
+      for (const Command& command : Commands())
+        if (const std::string keys = KeysOf(command); command.menu == m && !keys.empty())
+          all->push_back({command.name, keys});
+      if (m == kQueueMenu) all->insert(all->end(), std::begin(kLists), std::end(kLists));
+    }
     all->insert(all->end(), std::begin(kWindow), std::end(kWindow));
     return all;
   }();
@@ -76,15 +79,17 @@ int HeightOf(const Line& line) {
   return line.keys.empty() ? row_height * 3 / 2 : row_height;
 }
 
-// Where the second column begins: at the first heading past the middle.
+// Where the second column begins: at the heading that is nearest to the middle.
 size_t SecondColumn() {
-  int whole = 0, above = 0;
+  int whole = 0, above = 0, off = 0;
   for (const Line& line : Lines()) whole += HeightOf(line);
+  size_t second = 0;
   for (size_t i = 0; i < Lines().size(); ++i) {
-    if (Lines()[i].keys.empty() && above >= whole * 2 / 5) return i;
+    const int distance = std::abs(2 * above - whole);
+    if (Lines()[i].keys.empty() && (i == 0 || distance < off)) second = i, off = distance;
     above += HeightOf(Lines()[i]);
   }
-  return Lines().size();
+  return second;
 }
 
 int WindowHeight() {

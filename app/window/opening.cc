@@ -11,12 +11,15 @@
 namespace console {
 namespace {
 
-// What is neither printed nor opened of it.
-void TellLeftOut(Console* c, const DroppedPaths& dropped) {
+void TellOthers(Console* c, const DroppedPaths& dropped) {
   const std::string what = dropped.others == 1
                                ? Quoted(dropped.other)
                                : NumberText(dropped.others) + " of what was dropped";
   if (dropped.others > 0) Tell(c, false, what + " cannot be printed: " + dropped.trouble);
+}
+
+// What is neither printed nor opened of the folders.
+void TellFolders(Console* c, const DroppedPaths& dropped) {
   const bool opens = dropped.files.empty();
   const int folders = int(dropped.folders.size()) - opens;
   if (folders > 0)
@@ -26,12 +29,19 @@ void TellLeftOut(Console* c, const DroppedPaths& dropped) {
              (opens ? " not opened" : " not printed: dropped alone, a folder is opened"));
 }
 
-// `printer`: in whose row they were dropped; "": elsewhere.
-void QueueDropped(Console* c, const DroppedPaths& dropped, const std::string& printer) {
+struct Dropped {
+  DroppedPaths paths;
+  std::string printer;  // in whose row they were dropped; "": elsewhere
+  bool own;             // from the table of the files: no folder is opened
+};
+
+void QueueDropped(Console* c, const Dropped& all) {
+  const auto& [dropped, printer, own] = all;
   if (c->asking) return Tell(c, false, "What was dropped is not printed: the window is to close");
-  TellLeftOut(c, dropped);
+  TellOthers(c, dropped);
+  if (!own) TellFolders(c, dropped);
   if (dropped.files.empty()) {
-    if (!dropped.folders.empty()) EnterFolder(c, dropped.folders.front(), "");
+    if (!own && !dropped.folders.empty()) EnterFolder(c, dropped.folders.front(), "");
     return;
   }
   const std::string why = printer.empty() ? WhyNotPrint(c) : WhyNotPrintOn(c, printer);
@@ -39,7 +49,7 @@ void QueueDropped(Console* c, const DroppedPaths& dropped, const std::string& pr
   PrintOrder usual = UsualOrder(c);
   if (const PrinterRow* row = c->printers.Find(printer)) {
     usual.printer = printer;
-    if (!HasMedia(*row->printer, usual.media)) {
+    if (!usual.media.empty() && !HasMedia(*row->printer, usual.media)) {
       c->status.Tell(Tone::kWarning, NoMediaText(printer, usual.media));
       usual.media.clear();
     }
@@ -51,21 +61,29 @@ void QueueDropped(Console* c, const DroppedPaths& dropped, const std::string& pr
     order.document = LastName(file.path);
     order.size = file.size;
   }
-  SendOrders(c, std::move(orders), 0);
+  SendOrders(c, std::move(orders), own ? int(dropped.folders.size()) : 0);
 }
-
-struct Dropped {
-  DroppedPaths paths;
-  std::string printer;
-};
 
 void TakeDropped(void* data, int taken) {
   const std::unique_ptr<Dropped> dropped(static_cast<Dropped*>(data));
   Console* c = TheConsole();
   if (!taken || !c) return;
-  QueueDropped(c, dropped->paths, dropped->printer);
+  QueueDropped(c, *dropped);
   c->damage |= kStatusPane;
   DrawConsole(c);
+}
+
+// One on a mount that does not answer holds up nothing. Each is of another kind: a result would
+// replace one of the same kind that still waits.
+void LookAt(Console* c, std::vector<std::string> paths, const std::string& printer, bool own) {
+  const std::string kind = "dropped" + std::to_string(++c->drops);
+  const BackgroundTask task([paths = std::move(paths), printer, own, kind] {
+    auto* dropped = new Dropped{LookAtDropped(paths), printer, own};
+    const std::string detail = std::to_string(dropped->paths.files.size()) + " " +
+                               std::to_string(dropped->paths.folders.size());
+    XwPost(kind.c_str(), detail.c_str(), TakeDropped, dropped);
+  });
+  if (task.failed()) Tell(c, false, "What was dropped cannot be looked at just now");
 }
 
 }  // namespace
@@ -85,18 +103,19 @@ void DragDocuments(Console* c, int what) {
   const std::string at = on_row ? c->printer_list.NameAt(hit.index) : "";
   const std::string row = over ? at : "";
   if (what == XW_DRAG_DROPPED) c->awaited_drops[XwDropNumber()] = at;
+  if (over) SetHover(c, {});  // what was under the pointer before
   if (std::exchange(c->drag_shows, over) && over && row == c->drag_printer) return;
   c->drag_printer = row;
   const std::string printer = row.empty() ? c->printers.chosen() : row;
   const std::string why = WhyNotPrintOn(c, printer);
   const bool takes = over && why.empty();
-  c->queue.takes_drop = takes && row.empty();
-  c->printer_list.takes_drop = takes ? row : "";
   // What is dragged is not known before it is dropped.
   const std::string where =
       "Drop to print" + (printer.empty() ? "" : " on " + Quoted(printer)) + ", or to open a folder";
-  c->status.Hint(takes ? where : over ? why : "");
-  c->damage |= kQueuePane | kPrintersPane | kStatusPane;
+  ShowDropTarget(c, takes ? CarryTarget{row.empty(), row} : CarryTarget{},
+                 takes  ? where
+                 : over ? why
+                        : "");
   DrawConsole(c);
 }
 
@@ -121,16 +140,11 @@ void TakeDocuments(Console* c) {
   std::vector<std::string> paths(files, files + count);
   if (Inp.param) return ShowDocuments(c, std::move(paths));
   const std::string printer = PlaceOfDrop(c);
-  // One on a mount that does not answer holds up nothing. Each is of another kind: a result
-  // would replace one of the same kind that still waits.
-  const std::string kind = "dropped" + std::to_string(++c->drops);
-  const BackgroundTask task([paths = std::move(paths), printer, kind] {
-    auto* dropped = new Dropped{LookAtDropped(paths), printer};
-    const std::string detail = std::to_string(dropped->paths.files.size()) + " " +
-                               std::to_string(dropped->paths.folders.size());
-    XwPost(kind.c_str(), detail.c_str(), TakeDropped, dropped);
-  });
-  if (task.failed()) Tell(c, false, "What was dropped cannot be looked at just now");
+  LookAt(c, std::move(paths), printer, false);
+}
+
+void PrintFiles(Console* c, std::vector<std::string> paths, const std::string& printer) {
+  LookAt(c, std::move(paths), printer, true);
 }
 
 void OpenFiles(Console* c, const FilesToOpen& files) {

@@ -96,6 +96,7 @@ void PressPrimary(Console* c) {
 // The secondary button opens the menu of the row, or of all that are selected with it.
 void PressSecondary(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
+  if (c->files.table.HoldsRow() || c->queue.table.HoldsRow()) return;
   if (hit.owner == kPrinters && hit.part != SideList::kBody) {
     PressPrinter(c, hit);
     DrawConsole(c);
@@ -103,7 +104,6 @@ void PressSecondary(Console* c) {
   }
   if ((hit.owner != kFiles && hit.owner != kQueue) || hit.part != Table::kRow) return;
   Table& table = hit.owner == kFiles ? c->files.table : c->queue.table;
-  if (table.HoldsRow()) return;
   SetFocusStop(c, hit.owner == kFiles ? FocusStop::kFiles : FocusStop::kQueue);
   if (!table.IsSelected(hit.index)) {
     table.Press(hit, Inp.px);
@@ -142,12 +142,6 @@ void Use(Console* c, const Hit& hit) {
   }
 }
 
-// The row of a printer on which a job can be let go; nothing elsewhere.
-Hit PrinterUnder(const Hit& hit) {
-  const bool row = hit.owner == kPrinters && hit.part != SideList::kBody;
-  return row ? Hit{kPrinters, SideList::kRow, hit.index} : Hit{};
-}
-
 // No row is held any more: what has waited for it is shown.
 void ShowWhatWaited(Console* c) {
   if (std::exchange(c->scrolls_by_drag, false)) XwTimer(c->window, kDragTimer, 0);
@@ -155,15 +149,17 @@ void ShowWhatWaited(Console* c) {
   ShowHeldReading(c);
 }
 
-void ReleaseTables(Console* c, const Hit& hit) {
-  const Hit printer = c->queue.table.Carries() ? PrinterUnder(hit) : Hit{};
+// What was shown last counts where the pointer has not moved since: a list may be another one now.
+void ReleaseTables(Console* c) {
+  const bool held = c->files.table.HoldsRow() || c->queue.table.HoldsRow();
+  if (held && (Inp.px != c->held_x || Inp.py != c->held_y)) Motion(c);
+  DropCarried(c);
   const int gap = c->queue.table.gap();
   for (Table* table : {&c->files.table, &c->queue.table}) {
     if (table->HoldsRow()) SelectionChanged(c, table == &c->files.table);
     table->Release();
   }
   if (gap >= 0) DropJobs(c, gap);
-  if (printer) MoveJobsTo(c, c->printer_list.NameAt(printer.index));
   ShowWhatWaited(c);
 }
 
@@ -173,7 +169,7 @@ void Release(Console* c) {
   if (Inp.state & 1) return;  // another button
   const Hit hit = c->hits.At(Inp.item), pressed = c->pressed;
   c->pressed = {};
-  ReleaseTables(c, hit);
+  ReleaseTables(c);
   c->damage |= PaneOf(pressed);
   SetHover(c, hit);
   if (pressed && hit == pressed) Use(c, hit);
@@ -188,6 +184,7 @@ bool CancelDrag(Console* c) {
     held = true;
   }
   if (!held) return false;
+  EndCarry(c);
   c->pressed = {};
   c->last_press = 0;
   ShowWhatWaited(c);
@@ -196,17 +193,19 @@ bool CancelDrag(Console* c) {
 
 void Motion(Console* c) {
   const Hit hit = c->hits.At(Inp.item);
-  bool scrolls = false;
   for (Table* table : {&c->files.table, &c->queue.table}) {
     if (table->Drag(Inp.px, Inp.py)) {
       SelectionChanged(c, table == &c->files.table);
       c->last_press = 0;  // what was dragged was not clicked
     }
-    scrolls = scrolls || table->ScrollsByDrag();
   }
+  FollowCarry(c, hit);
+  c->held_x = Inp.px;
+  c->held_y = Inp.py;
+  const bool scrolls = c->files.table.ScrollsByDrag() || c->queue.table.ScrollsByDrag();
   if (scrolls != std::exchange(c->scrolls_by_drag, scrolls))
     XwTimer(c->window, kDragTimer, scrolls ? kDragMs : 0);
-  if (c->queue.table.Carries()) return SetHover(c, PrinterUnder(hit));
+  if (Carries(c)) return SetHover(c, {});
   // A border is under the pointer as long as it is held.
   if (c->pressed.owner == kBorders) DragBorder(c, c->pressed);
   if (IsBorder(c->pressed)) return SetHover(c, c->pressed);

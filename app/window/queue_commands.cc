@@ -265,21 +265,41 @@ void DropJobs(Console* c, int gap) {
   Reorder(c, c->queue.Selected(), gap);
 }
 
-void MoveJobsTo(Console* c, const std::string& printer) {
-  const PrinterRow* row = c->printers.Find(printer);
-  if (!row) return;
-  if (!row->printer->accepting) return TellWhy(c, Quoted(printer) + " takes no new jobs");
+namespace {
+
+// The selected ones but for those of this printer.
+std::vector<QueueId> JobsNotOn(const Console* c, const std::string& printer) {
   std::vector<QueueId> jobs = c->queue.Selected();
   std::erase_if(jobs, [&](const QueueId& id) {
     const NC_Job* job = c->queue.rows.JobOf(id);
     return job && printer == job->printer;
   });
-  if (jobs.empty()) {
-    const bool one = c->queue.Selected().size() == 1;
-    return TellWhy(c,
-                   (one ? "The job is for " : "The jobs are for ") + Quoted(printer) + " already");
-  }
-  ChangeThese(c, jobs, {Verb::kMove, 0, printer});
+  return jobs;
+}
+
+}  // namespace
+
+VerbCheck CheckMoveTo(const Console* c, const std::string& printer) {
+  VerbCheck check;
+  const PrinterRow* row = c->printers.Find(printer);
+  const std::vector<QueueId> jobs = JobsNotOn(c, printer);
+  const bool one = c->queue.Selected().size() == 1;
+  if (!row)
+    check.why_not = "The printer " + Quoted(printer) + " is gone: choose another one";
+  else if (!row->printer->accepting)
+    check.why_not = Quoted(printer) + " takes no new jobs";
+  else if (jobs.empty())
+    check.why_not = (one ? "The job is for " : "The jobs are for ") + Quoted(printer) + " already";
+  else
+    check = CheckVerb(Verb::kMove, c->queue.rows, jobs, c->state.pending,
+                      c->state.link == Link::kReady);
+  return check;
+}
+
+void MoveJobsTo(Console* c, const std::string& printer) {
+  const VerbCheck check = CheckMoveTo(c, printer);
+  if (!check.possible()) return TellWhy(c, check.why_not);
+  ChangeThese(c, JobsNotOn(c, printer), {Verb::kMove, 0, printer});
 }
 
 std::string WhyNotShowJob(const Console* c) {

@@ -35,6 +35,8 @@ void ChoosePrinterOfJobs(Console* c, int choice);
 void MoveJobs(Console* c, int by);
 // Before that row, or to that printer, by a drag; says why not.
 void DropJobs(Console* c, int gap);
+// For which of the selected jobs a move to that printer is possible, or why for none of them.
+VerbCheck CheckMoveTo(const Console* c, const std::string& printer);
 void MoveJobsTo(Console* c, const std::string& printer);
 
 // Opens the pane of details where it is hidden.

@@ -67,6 +67,22 @@ class QueueTest : public ConsoleTest {
     return Until([&] { return c_->status.message().text.find(text) != std::string::npos; });
   }
 
+  // To a place near the upper left corner.
+  void MoveTo(const Area& to) {
+    display::MovePointer(c_->window->x + to.x + 40, c_->window->y + to.y + 10);
+    Turn(2);
+  }
+  void DragTo(const Area& from, const Area& to) {
+    MoveTo(from);
+    display::Press(1);
+    MoveTo(to);
+  }
+  void LetGo() {
+    display::Release(1);
+    Turn(2);
+  }
+  Area Row(int row) { return c_->queue.table.RowArea(row); }
+
   Daemon daemon_;
   int fd_ = -1;
   std::map<std::string, std::array<uint8_t, NC_ID_SIZE>> ids_;
@@ -123,45 +139,27 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   // Two rows to the gap below the first.
   Select({"c", "d"});
   const auto drag = [this](int from, int to_y) {
-    const Area row = c_->queue.table.RowArea(from);
-    const int x = c_->window->x + row.x + 100, y = c_->window->y + row.y + 10;
-    display::MovePointer(x, y);
-    display::Press(1);
-    display::MovePointer(x, y - 8);
-    display::MovePointer(x, c_->window->y + to_y);
-    Turn(2);
-    display::Release(1);
-    Turn(2);
+    DragTo(Row(from), {Row(from).x, to_y - 10});
+    LetGo();
   };
-  drag(2, c_->queue.table.RowArea(1).y + 2);
+  drag(2, Row(1).y + 2);
   ASSERT_TRUE(Until([&] { return Rows() == "a d c b "; }));
   EXPECT_EQ(c_->queue.Selected().size(), 2u) << "a drag selects nothing else";
   ASSERT_TRUE(Settled());
 
   // Escape stops a drag.
-  const Area last = c_->queue.table.RowArea(2);
-  display::MovePointer(c_->window->x + 100, c_->window->y + last.y + 10);
-  display::Press(1);
-  display::MovePointer(c_->window->x + 100, c_->window->y + c_->queue.table.RowArea(0).y + 2);
-  Turn(2);
+  DragTo(Row(2), {0, Row(0).y - 8});
   EXPECT_EQ(c_->queue.table.gap(), 1) << "what prints stays in front";
   Key(kEscapeKey);
-  display::Release(1);
-  Turn(2);
+  LetGo();
   EXPECT_TRUE(c_->state.pending.empty());
 
   // On a printer's row it goes to that printer; elsewhere nothing comes of it.
   Select({"b"});
   const auto carry = [this](const Area& to) {
-    const Area from = c_->queue.table.RowArea(c_->queue.rows.RowOf(Id("b")));
-    display::MovePointer(c_->window->x + 100, c_->window->y + from.y + 10);
-    display::Press(1);
-    display::MovePointer(c_->window->x + 100, c_->window->y + from.y - 30);
-    display::MovePointer(c_->window->x + to.x + 40, c_->window->y + to.y + 10);
-    Turn(2);
+    DragTo(Row(c_->queue.rows.RowOf(Id("b"))), to);
     EXPECT_LT(c_->queue.table.gap(), 0);
-    display::Release(1);
-    Turn(2);
+    LetGo();
   };
   carry(c_->layout.folder);
   const Area last_printer = c_->printer_list.list.RowArea(2);
@@ -212,7 +210,7 @@ TEST_F(QueueTest, JobsOfAPrinterChangePlacesByKeysAndByDragging) {
   // In another order it is not done, and a line says why.
   Select({"c", "d"});
   c_->queue.Sort(QueueOrder::kName, true);
-  drag(0, c_->queue.table.RowArea(3).bottom());
+  drag(0, Row(3).bottom());
   EXPECT_TRUE(Tells("Jobs are moved in Print Order only"));
   ChooseSort(c_, 0);
   DrawConsole(c_);
@@ -292,16 +290,33 @@ TEST_F(QueueTest, TheSecondOfTwoConsolesIsTold) {
   EXPECT_EQ(c_->queue.Selected(), std::vector<QueueId>{Id("d")});
 }
 
-// Inside one period: a list is asked for before the move is made.
-TEST_F(QueueTest, AMoveTellsWhereSomebodyElseHadMovedTheJob) {
-  OpenWith({"a", "b"});
-  Select({"b"});
-  nc::Change other;
-  other.printer = "Office";
-  const NC_Job job = testing_daemon::JobOf(fd_, ids_["b"].data());
-  ASSERT_EQ(nc::MoveJob(fd_, job, other).status, NC_STATUS_DONE);
-  MoveJobsTo(c_, "Wide");
-  EXPECT_TRUE(Tells("though somebody else had moved it to “Office”"));
+TEST_F(QueueTest, RowsAreCarriedToWhatTakesThem) {
+  OpenWith({"a", "b", "c", "d"});
+  const auto printer_of = [this](const std::string& job) {
+    return std::string(testing_daemon::JobOf(fd_, ids_[job].data()).printer);
+  };
+  DragTo(Row(2), Row(1));
+  EXPECT_EQ(c_->queue.Selected().size(), 2u);
+  MoveTo(c_->printer_list.list.RowArea(0));
+  EXPECT_TRUE(Tells("Drop to move “c” to “Office”") && c_->printer_list.takes_drop == "Office");
+  ASSERT_EQ(NC_RemovePrintRequest(fd_, ids_["b"].data()), 1);
+  c_->server.Refresh();
+  ASSERT_TRUE(Until([&] { return c_->state.jobs->size() == 3; }));
+  LetGo();
+  ASSERT_TRUE(Until([&] { return printer_of("c") == "Office"; }) && Settled());
+  EXPECT_EQ(printer_of("d"), "Proof");
+  // Files are printed, folders are not; Escape leaves no trace.
+  DragTo(FileRow("Empty"), Row(0));
+  EXPECT_TRUE(Tells("A folder is not printed") && !c_->queue.takes_drop);
+  Key(kEscapeKey);
+  EXPECT_FALSE(c_->files.selection.Any());
+  LetGo();
+  c_->choice.copies = 3;
+  DragTo(FileRow("letter.txt"), Row(0));
+  EXPECT_TRUE(Tells("Drop to print on “Proof”") && c_->queue.takes_drop);
+  LetGo();
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("letter.txt") == 1; }));
+  EXPECT_EQ(c_->choice.copies, 1) << "used up";
 }
 
 // A drag of documents lights up what takes them, and a drop on a printer's row prints there.
@@ -314,9 +329,10 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   c_->choice.media = "A1";
   const auto window = static_cast<platform::WindowRef>(c_->window->platform);
   c_->status.Tell(Tone::kGood, "an older message");
+  c_->hover = {kFiles, Table::kRow, 0};
   display::DragFiles(window, 300, 200);
   Turn();
-  EXPECT_TRUE(c_->queue.takes_drop);
+  EXPECT_TRUE(c_->queue.takes_drop && !c_->hover);
   display::DragFiles(window, row.x + 60, row.y + 10);
   Turn();
   EXPECT_FALSE(c_->queue.takes_drop);
@@ -380,21 +396,12 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
   c_->server.MoveJobs("Office", "Wide");
   EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
-  // Somebody else moves a job while its row is held, and shows what was before.
-  const Area row = c_->queue.table.RowArea(c_->queue.rows.RowOf(Id("b")));
-  display::MovePointer(c_->window->x + row.x + 100, c_->window->y + row.y + 10);
-  display::Press(1);
-  Turn(2);
+  // Somebody else moves a job inside one period: the server's list is asked for before the move.
+  Select({"b"});
   ASSERT_EQ(testing_daemon::Change(fd_, ids_["b"].data(), "printer=Office\n\n"), 1);
-  c_->server.Refresh();
-  ASSERT_TRUE(Until([&] {
-    return std::any_of(c_->state.jobs->begin(), c_->state.jobs->end(),
-                       [](const NC_Job& job) { return !strcmp(job.printer, "Office"); });
-  }));
-  ChangeJobs(c_, {Verb::kMove, 0, "Wide"});
-  EXPECT_TRUE(Tells("Moved to “Wide”, though somebody else had moved it to “Office”: “b”"));
-  display::Release(1);
-  ASSERT_TRUE(Settled());
+  MoveJobsTo(c_, "Wide");
+  EXPECT_TRUE(Tells("Moved to “Wide”, though somebody else had moved it to “Office”: “b”") &&
+              Settled());
   // Where it is already it has crossed nobody.
   c_->status.ReadMessage();
   c_->server.Change({{Id("b").job, "b", "Proof"}}, {Verb::kMove, 0, "Wide"});

@@ -292,6 +292,29 @@ TEST(Carrying, GoesToAGapOrOutOfTheTable) {
   t.Press({kOwner, Table::kBody, 0}, 5);
   t.Drag(9, t.RowArea(98).y);
   EXPECT_FALSE(t.Carries()) << "nothing was taken";
+  EXPECT_FALSE(t.TakeUp());
+  // Something outside takes rows: of a range nothing is left but what was pressed.
+  t.SetCarries(false, false);
+  const struct {
+    int row;
+    SelectionKeys keys;
+    const char *carried, *back;  // with the pointer in the table again
+  } kRows[] = {{5, {}, "5 ", "5 6 7 "},
+               {3, {}, "1 3 ", "3 4 5 6 7 "},
+               {5, {false, true}, "1 3 5 ", "1 3 5 6 7 "},
+               {3, {false, true}, "1 3 ", "1 3 4 5 6 7 "}};
+  for (const auto& row : kRows) {
+    list.selection.Set({1, 3});
+    t.Press({kOwner, Table::kRow, row.row}, 5, row.keys);
+    t.Drag(9, t.Body().bottom() + 20);
+    t.ScrollByDrag();
+    EXPECT_TRUE(t.TakeUp() && !t.Drag(900, 50) && !t.ScrollsByDrag() && t.top() == 0);
+    EXPECT_EQ(Chosen(list), row.carried);
+    t.Drag(9, t.RowArea(7).y + 3);
+    EXPECT_EQ(Chosen(list), row.back);
+    t.Cancel();
+    EXPECT_EQ(Chosen(list), "1 3 ");
+  }
 }
 
 TEST(Keys, SelectRangesWithShiftAndWalkWithControl) {

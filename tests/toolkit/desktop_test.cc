@@ -269,15 +269,6 @@ TEST(Desktop, DocumentsGoToTheMainWindow) {
   EXPECT_EQ(reinterpret_cast<const char*>(seen[0].event.value), longest);
 }
 
-std::vector<std::string> paths;
-TEST(Desktop, RequestsThatComeTogetherKeepTheirDocuments) {
-  OpenMain();
-  on_event = [](int) { paths.push_back(reinterpret_cast<const char*>(Inp.value)); };
-  for (const char* path : {"/a", "/a longer one", "/c"}) input::OpenFile(path);
-  RunLoop();
-  EXPECT_EQ(paths, (std::vector<std::string>{"/a", "/a longer one", "/c"}));
-}
-
 // One event has the first document that fits, XwDroppedFiles has them all; each request its own.
 std::vector<std::vector<std::string>> requests;
 TEST(Desktop, ARequestHasAllItsDocuments) {

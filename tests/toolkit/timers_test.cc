@@ -23,17 +23,6 @@ std::string Values() {
   return out;
 }
 
-TEST(Timers, FireAfterEachPeriod) {
-  XwWindow* w = OpenMain();
-  XwTimer(w, 7, 100);
-  RunFor(0.05);
-  EXPECT_EQ(Values(), "");
-  RunFor(0.2);
-  ASSERT_EQ(seen.size(), 2u);
-  EXPECT_EQ(seen[0].event.item, 0);
-  EXPECT_EQ(Values(), "7 7 ");
-}
-
 TEST(Timers, ARestartMovesTheNextFiringAndKeepsThePeriod) {
   XwWindow* w = OpenMain();
   XwTimer(w, 1, 100);

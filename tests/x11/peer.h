@@ -67,8 +67,9 @@ class Peer {
   // Called instead, where it is set.
   std::function<void(const xcb_selection_request_event_t&)> on_request;
   size_t requests = 0, pieces_sent = 0;
-  // The pieces that are still to come, by the window that they go to.
+  // The pieces that are still to come, by the window that they go to, and their property there.
   std::map<xcb_window_t, std::vector<Value>> sending;
+  std::map<xcb_window_t, xcb_atom_t> sending_in;
   // Whatever else it is told.
   std::function<void(const xcb_client_message_event_t&)> on_message;
 
@@ -157,6 +158,7 @@ class Peer {
  private:
   void OnRequest(const xcb_selection_request_event_t& r) {
     ++requests;
+    sending_in[r.requestor] = r.property;
     if (on_request) return on_request(r);
     const Answer* answer = nullptr;
     for (const auto& [target, a] : answers)
@@ -190,6 +192,7 @@ class Peer {
     }
     const auto to = sending.find(p.window);
     if (to == sending.end() || p.state != XCB_PROPERTY_DELETE || to->second.empty()) return;
+    if (p.atom != sending_in[p.window]) return;
     Put(p.window, p.atom, to->second.front());
     to->second.erase(to->second.begin());
     ++pieces_sent;

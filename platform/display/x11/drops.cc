@@ -28,6 +28,9 @@ Hover hover;
 struct Transfer {
   xcb_window_t source = 0;
   Native* target = nullptr;  // null: none is under way
+  xcb_atom_t property = 0;   // in which the list comes: another one than the transfer before had,
+                             // whose source may still go on
+  xcb_timestamp_t time = 0;  // of the request for it
   bool in_pieces = false;
   std::string data;
   double started = 0, progress = 0;
@@ -73,7 +76,7 @@ void EndTransfer(bool arrived) {
   const bool done =
       std::any_of(paths.begin(), paths.end(), [](const std::string& p) { return p[0] == '/'; });
   TellSource(transfer.source, target, done);
-  xcb_delete_property(x.c, target->id, Atom(kXwDrop));
+  xcb_delete_property(x.c, target->id, transfer.property);
   RemoveEventLoopTimer(transfer.deadline);
   Unwatch(transfer.source, kWatchEnd);
   drained_until = transfer.started + kMaxSeconds;
@@ -136,6 +139,12 @@ void OnPosition(Native* n, const uint32_t* d) {
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
 }
 
+xcb_atom_t NextProperty() {
+  static bool second = false;
+  second = !second;
+  return Atom(second ? kXwDrop2 : kXwDrop);
+}
+
 // A drop without a place, or where the source knows that it is refused, brings nothing. A new drop
 // ends one that is still being transferred.
 void OnDrop(Native* n, const uint32_t* d) {
@@ -148,19 +157,22 @@ void OnDrop(Native* n, const uint32_t* d) {
   transfer.source = d[0];
   Watch(transfer.source, kWatchEnd);
   transfer.target = n;
+  transfer.property = NextProperty();
+  transfer.time = d[2];
   transfer.started = transfer.progress = Now();
   EndHover(RawEvent::kDragDropped);
   transfer.deadline = InstallEventLoopTimer(TimeLeft(), 0, DeadlineHasCome, nullptr);
-  xcb_delete_property(x.c, n->id, Atom(kXwDrop));
-  xcb_convert_selection(x.c, n->id, Atom(kXdndSelection), Atom(kTextUriList), Atom(kXwDrop), d[2]);
+  xcb_delete_property(x.c, n->id, transfer.property);
+  xcb_convert_selection(x.c, n->id, Atom(kXdndSelection), Atom(kTextUriList), transfer.property,
+                        transfer.time);
 }
 
 // Takes what the source has put into the property. `*type` is what it says to be.
 bool TakeProperty(xcb_atom_t* type) {
-  auto cookie = xcb_get_property(x.c, 0, transfer.target->id, Atom(kXwDrop), XCB_ATOM_ANY, 0,
+  auto cookie = xcb_get_property(x.c, 0, transfer.target->id, transfer.property, XCB_ATOM_ANY, 0,
                                  uint32_t(kMaxBytes / 4));
   // Deleting the property asks for the next piece.
-  xcb_delete_property(x.c, transfer.target->id, Atom(kXwDrop));
+  xcb_delete_property(x.c, transfer.target->id, transfer.property);
   Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x.c, cookie, nullptr));
   *type = reply ? reply->type : xcb_atom_t{XCB_ATOM_NONE};
   if (!reply || reply->type != Atom(kTextUriList) || reply->format != 8) return false;
@@ -172,8 +184,8 @@ bool TakeProperty(xcb_atom_t* type) {
 }
 
 // Removes pieces that arrive after the transfer is over, for a limited time: a list may be endless.
-void PassOver(const Native& n) {
-  if (Now() < drained_until) xcb_delete_property(x.c, n.id, Atom(kXwDrop));
+void PassOver(const Native& n, xcb_atom_t property) {
+  if (Now() < drained_until && IsDropProperty(property)) xcb_delete_property(x.c, n.id, property);
 }
 
 }  // namespace
@@ -194,12 +206,18 @@ bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e) {
   return true;
 }
 
+bool IsDropProperty(xcb_atom_t property) {
+  return property == Atom(kXwDrop) || property == Atom(kXwDrop2);
+}
+
 void HandleDropData(const xcb_selection_notify_event_t* e) {
   const Native* n = FindNative(e->requestor);
   if (e->selection != Atom(kXdndSelection) || n == nullptr) return;
-  if (transfer.target != n) return PassOver(*n);
+  const bool refused = e->property == XCB_NONE && e->time == transfer.time;
+  if (transfer.target != n || (e->property != transfer.property && !refused))
+    return PassOver(*n, e->property);
   if (transfer.in_pieces) return;
-  if (e->property != Atom(kXwDrop) || Overdue()) return EndTransfer(false);
+  if (refused || Overdue()) return EndTransfer(false);
   xcb_atom_t type = XCB_ATOM_NONE;
   const bool whole = TakeProperty(&type);
   transfer.in_pieces = type == Atom(kIncr);
@@ -207,8 +225,8 @@ void HandleDropData(const xcb_selection_notify_event_t* e) {
 }
 
 // A piece, when the list comes in several; the empty one is the last.
-void HandleDropPiece(const Native* n) {
-  if (transfer.target != n) return PassOver(*n);
+void HandleDropPiece(const Native* n, xcb_atom_t property) {
+  if (transfer.target != n || transfer.property != property) return PassOver(*n, property);
   if (!transfer.in_pieces) return;
   if (Overdue()) return EndTransfer(false);
   xcb_atom_t type = XCB_ATOM_NONE;

@@ -133,8 +133,8 @@ void OnProperty(const xcb_generic_event_t* event) {
   } else if (e->atom == Atom(kWmState) && e->state == XCB_PROPERTY_NEW_VALUE) {
     // Also when it comes up as an icon.
     if (Native* n = FindNative(e->window)) TakeMapped(n);
-  } else if (e->atom == Atom(kXwDrop) && e->state == XCB_PROPERTY_NEW_VALUE) {
-    if (Native* n = FindNative(e->window)) HandleDropPiece(n);
+  } else if (IsDropProperty(e->atom) && e->state == XCB_PROPERTY_NEW_VALUE) {
+    if (Native* n = FindNative(e->window)) HandleDropPiece(n, e->atom);
   } else if (e->window == x.screen->root &&
              (e->atom == Atom(kNetSupported) || e->atom == Atom(kNetSupportingWmCheck))) {
     ForgetManager();

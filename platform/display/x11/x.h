@@ -67,6 +67,7 @@ namespace platform::x11 {
   ATOM(kXdndActionCopy, "XdndActionCopy")                        \
   ATOM(kTextUriList, "text/uri-list")                            \
   ATOM(kXwDrop, "_XW_DROP")                                      \
+  ATOM(kXwDrop2, "_XW_DROP_2")                                   \
   ATOM(kIncr, "INCR")                                            \
   ATOM(kClipboard, "CLIPBOARD")                                  \
   ATOM(kClipboardManager, "CLIPBOARD_MANAGER")                   \
@@ -440,7 +441,9 @@ void DropGrabCursor(const Cursor* cursor);
 // --- drops.cc
 bool HandleDropMessage(Native* n, const xcb_client_message_event_t* e);
 void HandleDropData(const xcb_selection_notify_event_t* e);
-void HandleDropPiece(const Native* n);
+// Properties in which lists of files come, in turn.
+bool IsDropProperty(xcb_atom_t property);
+void HandleDropPiece(const Native* n, xcb_atom_t property);
 // The window of a source is gone.
 void HandleSourceEnd(xcb_window_t source);
 void ForgetDrop(const Native* n);
