@@ -105,8 +105,15 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
     display::KeyDown(key);
     display::KeyUp(key);
   }
-  RunCommand(c_, kColourCommand);                                   // "No Colour" is the first
-  for (int press = 0; press < 2; ++press) Click(c_->layout.print);  // a double click is one order
+  RunCommand(c_, kColourCommand);  // "No Colour" is the first
+  // A double click is one order.
+  const Area print = c_->layout.print;
+  display::MovePointer(c_->window->x + print.x + 9, c_->window->y + print.y + 9);
+  for (int press = 0; press < 2; ++press) {
+    display::Press(1);
+    display::Release(1);
+  }
+  Turn(4);
   ASSERT_TRUE(Until([&] { return c_->state.transfers.size() == 1; }));
   const PrintOrder& order = c_->state.transfers[0].order;
   EXPECT_EQ(order.profile, "Fine");
