@@ -178,7 +178,7 @@ void DrawAroundNote(const Area& note, const Area& around) {
 
 std::vector<Column> Columns() {
   return {{"Name", 150, 10, Align::kLeft, true, 0, kNamePadding, kIconRoom},
-          {"Size", 82, 1, Align::kRight, true, 1, 8},
+          {"Size", 82, 1, Align::kRight, true, 1, 10},
           {"Modified", 110, 2, Align::kLeft, true, 2, 12}};
 }
 

@@ -19,14 +19,14 @@ struct ColumnOrder {
 // By QueueColumn.
 const ColumnOrder kColumns[] = {
     {{"No.", 72, 0, Align::kLeft, true, 0, 12, kDotRoom}, QueueOrder::kNumber},
-    {{"Document", 150, 4, Align::kLeft, true, 0, 8}, QueueOrder::kName},
-    {{"Owner", 68, 1, Align::kLeft, true, 0, 8}, QueueOrder::kOwner},
-    {{"Printer", 98, 1, Align::kLeft, true, 0, 8}, QueueOrder::kPrinter},
-    {{"Profile", 110, 1, Align::kLeft, true, 2, 8}, QueueOrder::kProfile},
-    {{"Progress", 190, 2, Align::kLeft, true, 0, 8}, QueueOrder::kState},
-    {{"Size", 76, 0, Align::kRight, true, 0, 8}, QueueOrder::kSize},
+    {{"Document", 150, 4, Align::kLeft, true, 0, 9}, QueueOrder::kName},
+    {{"Owner", 68, 1, Align::kLeft, true, 0, 9}, QueueOrder::kOwner},
+    {{"Printer", 98, 1, Align::kLeft, true, 0, 9}, QueueOrder::kPrinter},
+    {{"Profile", 110, 1, Align::kLeft, true, 2, 9}, QueueOrder::kProfile},
+    {{"Progress", 190, 2, Align::kLeft, true, 0, 9}, QueueOrder::kState},
+    {{"Size", 76, 0, Align::kRight, true, 0, 10}, QueueOrder::kSize},
     {{"Submitted", 90, 0, Align::kLeft, true, 0, 12}, QueueOrder::kTime},
-    {{"Priority", 78, 0, Align::kRight, true, 1, 8}, QueueOrder::kPriority},
+    {{"Priority", 78, 0, Align::kRight, true, 1, 10}, QueueOrder::kPriority},
 };
 
 // One row of both kinds.
