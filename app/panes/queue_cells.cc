@@ -43,6 +43,12 @@ std::string CopiesText(const Cells& row) {
   return row.copies > 1 ? "  × " + NumberText(row.copies) : "";
 }
 
+// The longest way to say it that has room there; its tip has all of it.
+const std::string& FittingProgress(const ProgressPart& progress, int width) {
+  const int whole = XwTextWidthUtf8(TheStyle().small_text, progress.text.c_str());
+  return whole > width && !progress.brief.empty() ? progress.brief : progress.text;
+}
+
 void DrawProgressCell(const RowWords& words, const CellLook& cell) {
   const Style& l = TheStyle();
   const int32_t ink = CellColor(cell, InkOf(words.tone));
@@ -55,7 +61,7 @@ void DrawProgressCell(const RowWords& words, const CellLook& cell) {
                : cell.muted  ? BarGround::kMuted
                              : BarGround::kPlain);
   a.TakeLeft(kBarGap);
-  DrawLabel(l.small_text, Align::kLeft, a, words.progress.text,
+  DrawLabel(l.small_text, Align::kLeft, a, FittingProgress(words.progress, a.w),
             words.tone == Tone::kPlain ? cell.second : ink);
 }
 
