@@ -68,6 +68,7 @@ void LayOutWindow(Console* c) {
 }
 
 void SelectionChanged(Console* c, bool files) {
+  if (files) c->status.Forget(std::exchange(c->told_of_selection, ""));
   c->damage |=
       kDetailsPane | kStatusPane | (files ? kFolderPane | kToolsPane : unsigned{kQueuePane});
 }
@@ -511,6 +512,8 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void TellWhy(Console* c, const std::string& utf8) {
+  // The strip above the line says it already.
+  if (!c->layout.needs.Empty() && c->needs.Text().starts_with(utf8)) return;
   c->status.TellReason(utf8);
   c->damage |= kStatusPane;
 }
