@@ -493,7 +493,7 @@ enum {
   XWC_DOTS = 0x40000,       /* its text gets " ..." appended */
   XWC_COLON = 0x80000,      /* its text gets ":" appended, behind the dots */
   XWC_VARIANT = 0x100000,   /* button: bevel. Check box: radio button. Label: bold. Well: sunken.
-                               Scroll bar: reports when it is let go, and not before.
+                               Scroll bar: reports when it is let go, and not before. Head: no line.
                                Combo box: two items open a menu as well. Edit box: read-only */
   XWC_ICON = 0x200000,      /* button, label: the text argument is an XwIcon*. Well: a bevel */
   XWC_MENU = 0x400000,      /* button: opens the menu that the value argument points at */

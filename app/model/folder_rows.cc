@@ -187,9 +187,9 @@ void FolderRows::ShowHidden(bool show) {
   Choose();
 }
 
-// Who types a part of a name looks for what is called so, and that may be a folder among many: it
-// is held to the filter as files are, with a star or without. Who asks for an ending looks for
-// files of a kind; all folders stay then, since the way to more such files leads through them.
+// Who asks for an ending looks for files of a kind: all folders stay then, since the way to more
+// such files leads through them. Who types anything else looks for what is called so, with a star
+// or without, and that may be a folder among many: it is held to the filter as files are.
 bool FolderRows::Matches(int entry) const {
   if (filter_.empty() || filter_.MatchesFolded(content_->FoldedName(entry))) return true;
   return filter_.AsksForEnding() && content_->IsFolder(entry);
@@ -253,13 +253,9 @@ int FolderRows::unread() const {
   return content_->unread().plain + (show_hidden_ ? content_->unread().hidden : 0);
 }
 
-namespace {
-
-std::string UnreadText(int n) {
-  return NumberOf(n, "entry cannot be read", "entries cannot be read");
+std::string FolderRows::UnreadText() const {
+  return unread() > 0 ? NumberOf(unread(), "entry cannot be read", "entries cannot be read") : "";
 }
-
-}  // namespace
 
 std::string FolderRows::CountText() const {
   if (!content_) return "";
@@ -271,7 +267,7 @@ std::string FolderRows::CountText() const {
     text = NumberOf(files_, "file", "files");
   else
     text = NumberOf(folders, "folder", "folders") + ", " + NumberOf(files_, "file", "files");
-  if (unread() > 0) text += ", " + UnreadText(unread());
+  if (unread() > 0) text += ", " + UnreadText();
   return text;
 }
 
@@ -279,7 +275,7 @@ std::string FolderRows::NoteText() const {
   if (!content_) return "This folder has not been read yet";
   if (leaves_out()) return HidesText(all_, count(), "entry", "entries");
   if (count() > 0) return "";
-  if (unread() > 0) return UnreadText(unread());
+  if (unread() > 0) return UnreadText();
   const bool hidden = content_->count() > 0;
   return hidden ? "This folder has hidden entries only" : "This folder is empty";
 }

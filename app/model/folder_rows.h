@@ -99,6 +99,8 @@ class FolderRows {
   int all() const { return all_; }
   bool leaves_out() const { return count() < all_; }
   int unread() const;
+  // "4 entries cannot be read"; "" when all can.
+  std::string UnreadText() const;
 
   // "340 files", "12 of 340 entries", "3 folders, 12 files", and what could not be read.
   std::string CountText() const;

@@ -50,17 +50,24 @@ bool MatchesPattern(std::string_view pattern, std::string_view name) {
   return p == pattern.size();
 }
 
+// A dot with something behind it that can be an ending, stars included.
+bool HasEnding(std::string_view part) {
+  const size_t dot = part.rfind('.');
+  return dot != std::string_view::npos && dot + 1 < part.size() &&
+         part.find(' ', dot) == std::string_view::npos;
+}
+
 }  // namespace
 
 NameFilter::NameFilter(std::string_view text) {
   for (;;) {
-    const size_t comma = text.find(',');
-    const std::string_view part = Trimmed(text.substr(0, comma));
+    const size_t end = text.find_first_of(",;");
+    const std::string_view part = Trimmed(text.substr(0, end));
     const bool pattern = part.find_first_of("*?") != std::string_view::npos;
     if (!part.empty()) parts_.push_back({Folded(part), pattern});
-    ending_ = ending_ || part.find('.') != std::string_view::npos;
-    if (comma == std::string_view::npos) break;
-    text.remove_prefix(comma + 1);
+    ending_ = ending_ || HasEnding(part);
+    if (end == std::string_view::npos) break;
+    text.remove_prefix(end + 1);
   }
 }
 

@@ -1,8 +1,8 @@
 // What is typed into a filter box. Case and accents do not count.
 //
-// Parts are separated by commas, and one that matches is enough. A part with '*' (any characters)
-// or '?' (one) describes the whole name: "*.pdf, img?.tif". Any other part may stand anywhere in
-// the name.
+// Parts are separated by commas or semicolons, and one that matches is enough. A part with '*' (any
+// characters) or '?' (one) describes the whole name: "*.pdf, img?.tif". Any other part may stand
+// anywhere in the name.
 #pragma once
 #include <string>
 #include <string_view>
@@ -17,7 +17,7 @@ class NameFilter {
 
   // Everything matches.
   bool empty() const { return parts_.empty(); }
-  // Whether a part has a dot: it asks for an ending, which names of folders do not have.
+  // Whether a part has an ending, as "*.pdf" and ".png" have: it asks for files of a kind.
   bool AsksForEnding() const { return ending_; }
   // Of a name that Folded has made.
   bool MatchesFolded(std::string_view folded) const;

@@ -43,6 +43,10 @@ class Notices {
   void Read();
   // The message that stands for some seconds goes at once.
   void Forget() { message_ = {}; }
+  // That one, if it still stands.
+  void Forget(const std::string& text) {
+    if (message_.text == text) Forget();
+  }
   // Makes or changes the line of what takes a while; `key` names it, and "" ends it. The
   // longest-standing one is shown, with the number of the others.
   void Progress(const std::string& key, std::string text);

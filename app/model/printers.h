@@ -65,6 +65,8 @@ class Printers {
   const std::string& chosen() const { return chosen_; }
   // Null when it is not there.
   const PrinterRow* Chosen() const { return Find(chosen_); }
+  // It was chosen, and the server has others only.
+  bool ChosenIsGone() const { return !rows_.empty() && !chosen_.empty() && !Chosen(); }
   // Why nothing can be printed on it: a sentence without its full stop, "" when it can.
   std::string WhyNotPrint() const { return WhyNotPrintOn(chosen_); }
   std::string WhyNotPrintOn(const std::string& name) const;

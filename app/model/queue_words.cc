@@ -75,7 +75,8 @@ RowWords WordsOfOutgoing(const Outgoing& out) {
     words.text = "its file does not answer, for " + NumberText(out.silent_s) + " s";
     words.tone = Tone::kWarning;
   } else if (out.total > 0) {
-    words.progress = {out.sent, out.total, "sending " + PartText(out.sent, out.total)};
+    const std::string part = PartText(out.sent, out.total);
+    words.progress = {out.sent, out.total, "sending " + part, part};
   }
   return words;
 }

@@ -12,7 +12,8 @@ namespace console {
 
 struct ProgressPart {
   int64_t part = 0, whole = 0;  // whole 0: there is no bar
-  std::string text;             // "3 of 12 pages", "2.1 of 4.2 MB"
+  std::string text;             // "3 of 12 pages", "sending 2.1 of 4.2 MB"
+  std::string brief = "";       // where that has no room; "": there is nothing shorter
 };
 
 struct RowWords {

@@ -262,6 +262,12 @@ void DrawSelected(const DetailsPane* p, Area a) {
     DrawFact(&a, fact.name.c_str(), fact.value);
 }
 
+std::string NoPrinterText(const DetailsPane* pane) {
+  if (pane->printers.ChosenIsGone()) return Quoted(pane->printers.chosen()) + " is gone";
+  if (pane->state.link != Link::kReady) return "None is known yet";
+  return pane->printers.rows().empty() ? "The server has none" : "None is chosen";
+}
+
 void DrawPrinter(const DetailsPane* pane, Area a) {
   const Style& l = TheStyle();
   DrawCaption(a, "CHOSEN PRINTER");
@@ -269,8 +275,7 @@ void DrawPrinter(const DetailsPane* pane, Area a) {
   const std::vector<Fact> facts = FactsOfPrinter(pane);
   if (facts.empty())
     DrawLabel(l.view, Align::kLeft, a.TakeTop(kFactLine),
-              pane->state.link == Link::kReady ? "The server has none" : "None is known yet",
-              l.second);
+              CutToWidth(l.view, NoPrinterText(pane), a.w), l.second);
   for (const Fact& fact : facts) {
     const int32_t ink = InkOf(fact.tone);
     DrawFact(&a, fact.name.c_str(), fact.value,

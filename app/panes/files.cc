@@ -66,8 +66,8 @@ int GapWidth() {
   return XwTextWidthUtf8(TheStyle().normal, "…") + 1 + kCrumbGapWidth;
 }
 
-// It gives way to the root and the folder itself: first its size, then all of it. What is said
-// of a reading has half of the head in any case.
+// It gives way to the root and the folder itself: first its size, then all but what cannot be
+// read. That, and what is said of a reading, has half of the head in any case.
 std::string FittingHeadText(const FilesPane* p) {
   std::string text = HeadText(p);
   const int head = HeadArea(p).w;
@@ -78,7 +78,9 @@ std::string FittingHeadText(const FilesPane* p) {
       widths.back() + (n > 1 ? widths.front() : 0) + (n > 2 ? GapWidth() : 0) - kCrumbGapWidth;
   const int room = head - needed;
   if (HeadTextRoom(text) > room) text.resize(std::min(text.size(), text.rfind(", ")));
-  if (HeadTextRoom(text) > room) text.clear();
+  if (HeadTextRoom(text) > room)
+    text = CutToWidth(TheStyle().small_text, p->folder.rows().UnreadText(),
+                      std::max(room, head / 2) - 17);
   return text;
 }
 
@@ -178,7 +180,7 @@ void DrawAroundNote(const Area& note, const Area& around) {
 
 std::vector<Column> Columns() {
   return {{"Name", 150, 10, Align::kLeft, true, 0, kNamePadding, kIconRoom},
-          {"Size", 82, 1, Align::kRight, true, 1, 8},
+          {"Size", 82, 1, Align::kRight, true, 1, 10},
           {"Modified", 110, 2, Align::kLeft, true, 2, 12}};
 }
 
@@ -195,7 +197,9 @@ void FilesPane::MakeControls(XwWindow* window) {
   filter = XwEditBox(window, "", kFilterControl, 0, 0, 9, 9,
                      XWC_ENABLED | XWC_VISIBLE | XWC_DROPS_FOCUS);
   XwDescribeControl(filter, "Filter");
-  XwSetTip(filter, 0, "Shows names with this text, or that match patterns such as *.pdf,*.tif");
+  XwSetTip(filter, 0,
+           "Shows names with this text, or that match patterns such as *.pdf,*.tif; "
+           "an ending hides no folders");
   table.MakeControls(window, kFilesControls, "Files");
   show_all =
       XwButton(window, "Show All", kShowAllFilesCommand, 0, 0, 9, 9, XWC_ENABLED | XWC_VARIANT, 0);

@@ -32,10 +32,6 @@ void NeedsPane::MakeControls(XwWindow* window) {
                     XWC_ENABLED | XWC_VARIANT, 0);
 }
 
-bool NeedsPane::ChosenIsGone() const {
-  return !printers.rows().empty() && !printers.chosen().empty() && !printers.Chosen();
-}
-
 const PrinterRow* NeedsPane::WithoutPaper() const {
   const auto all = printers.WithoutPaper();
   return all.empty() ? nullptr : all.front();
@@ -48,7 +44,7 @@ bool NeedsPane::ChosenIsStopped() const {
 
 std::string NeedsPane::Text() const {
   const auto all = printers.WithoutPaper();
-  const std::string gone = ChosenIsGone() ? printers.WhyNotPrint() : "";
+  const std::string gone = printers.ChosenIsGone() ? printers.WhyNotPrint() : "";
   if (all.empty() && !gone.empty()) return gone;
   if (all.empty())
     return ChosenIsStopped()
@@ -73,7 +69,7 @@ void NeedsPane::Place() {
   const Area second = a.TakeRight(kButton).Inset(0, 5);
   const bool empty = layout.needs.Empty();
   PlaceControl(load, row && !empty ? button : Area{});
-  PlaceControl(choose, empty ? Area{} : !row ? button : ChosenIsGone() ? second : Area{});
+  PlaceControl(choose, empty ? Area{} : !row ? button : printers.ChosenIsGone() ? second : Area{});
 }
 
 void NeedsPane::Draw() const {
@@ -82,7 +78,7 @@ void NeedsPane::Draw() const {
   const Style& l = TheStyle();
   a = DrawStrip(a, WithoutPaper() ? l.bad : l.warning);
   a.TakeRight(kEdge + ButtonWidth(this) + kEdge);
-  if (WithoutPaper() && ChosenIsGone()) a.TakeRight(kButton + kEdge);
+  if (WithoutPaper() && printers.ChosenIsGone()) a.TakeRight(kButton + kEdge);
   DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
 }
 

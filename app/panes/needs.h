@@ -34,7 +34,6 @@ struct NeedsPane {
 
  private:
   std::string load_text_;
-  bool ChosenIsGone() const;
   // The chosen printer prints nothing, though nobody has paused it.
   bool ChosenIsStopped() const;
 };

@@ -194,7 +194,7 @@ Area PrintersPane::MarkArea(int row) const {
   const PrinterRow& r = printers.rows()[size_t(row)];
   if (!r.needs_paper || away || !printers.WhyNot(PrinterVerb::kPaperLoaded, r).empty()) return {};
   const Area a = list.RowArea(row);
-  return {a.right() - kButton - 8, a.y + 17, kButton, 18};
+  return {a.right() - kButton - 8, a.y + 18, kButton, 17};
 }
 
 void PrintersPane::DrawRow(int row, const Area& a, const Hit& hover, bool at_it) const {

@@ -147,7 +147,8 @@ void QueuePane::FollowSent(int first) {
   if (!next_sent_) next_sent_ = first;
 }
 
-// The last of those that have become jobs: when it comes, and when its state is another.
+// The last of those that have become jobs: when it comes, and when its state is another. What is
+// selected stays where it is.
 void QueuePane::ShowSent() {
   if (!next_sent_) return;
   for (const Arrival& a : state.arrivals) {
@@ -159,7 +160,7 @@ void QueuePane::ShowSent() {
   const NC_Job* job = rows.JobOf(sent_);
   if (!job || job->state == sent_state_) return;
   sent_state_ = job->state;
-  table.Reveal(rows.RowOf(sent_));
+  if (!selection.Any()) table.Reveal(rows.RowOf(sent_));
   if (HasEnded(job->state)) sent_ = {};
 }
 

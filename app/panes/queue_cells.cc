@@ -19,14 +19,14 @@ struct ColumnOrder {
 // By QueueColumn.
 const ColumnOrder kColumns[] = {
     {{"No.", 72, 0, Align::kLeft, true, 0, 12, kDotRoom}, QueueOrder::kNumber},
-    {{"Document", 150, 4, Align::kLeft, true, 0, 8}, QueueOrder::kName},
-    {{"Owner", 68, 1, Align::kLeft, true, 0, 8}, QueueOrder::kOwner},
-    {{"Printer", 98, 1, Align::kLeft, true, 0, 8}, QueueOrder::kPrinter},
-    {{"Profile", 110, 1, Align::kLeft, true, 2, 8}, QueueOrder::kProfile},
-    {{"Progress", 190, 2, Align::kLeft, true, 0, 8}, QueueOrder::kState},
-    {{"Size", 76, 0, Align::kRight, true, 0, 8}, QueueOrder::kSize},
+    {{"Document", 150, 4, Align::kLeft, true, 0, 9}, QueueOrder::kName},
+    {{"Owner", 68, 1, Align::kLeft, true, 0, 9}, QueueOrder::kOwner},
+    {{"Printer", 98, 1, Align::kLeft, true, 0, 9}, QueueOrder::kPrinter},
+    {{"Profile", 110, 1, Align::kLeft, true, 2, 9}, QueueOrder::kProfile},
+    {{"Progress", 190, 2, Align::kLeft, true, 0, 9}, QueueOrder::kState},
+    {{"Size", 76, 0, Align::kRight, true, 0, 10}, QueueOrder::kSize},
     {{"Submitted", 90, 0, Align::kLeft, true, 0, 12}, QueueOrder::kTime},
-    {{"Priority", 78, 0, Align::kRight, true, 1, 8}, QueueOrder::kPriority},
+    {{"Priority", 78, 0, Align::kRight, true, 1, 10}, QueueOrder::kPriority},
 };
 
 // One row of both kinds.
@@ -43,6 +43,12 @@ std::string CopiesText(const Cells& row) {
   return row.copies > 1 ? "  × " + NumberText(row.copies) : "";
 }
 
+// The longest way to say it that has room there; its tip has all of it.
+const std::string& FittingProgress(const ProgressPart& progress, int width) {
+  const int whole = XwTextWidthUtf8(TheStyle().small_text, progress.text.c_str());
+  return whole > width && !progress.brief.empty() ? progress.brief : progress.text;
+}
+
 void DrawProgressCell(const RowWords& words, const CellLook& cell) {
   const Style& l = TheStyle();
   const int32_t ink = CellColor(cell, InkOf(words.tone));
@@ -55,7 +61,7 @@ void DrawProgressCell(const RowWords& words, const CellLook& cell) {
                : cell.muted  ? BarGround::kMuted
                              : BarGround::kPlain);
   a.TakeLeft(kBarGap);
-  DrawLabel(l.small_text, Align::kLeft, a, words.progress.text,
+  DrawLabel(l.small_text, Align::kLeft, a, FittingProgress(words.progress, a.w),
             words.tone == Tone::kPlain ? cell.second : ink);
 }
 

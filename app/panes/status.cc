@@ -1,7 +1,10 @@
 #include "app/panes/status.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
+#include "app/format/cut.h"
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
@@ -20,6 +23,11 @@ const Transfer* Running(const StatusPane* p) {
 }
 
 constexpr int kBar = 90, kCancelEnds = 20, kGap = 6, kMessageRoom = 400, kLeastSendingText = 84;
+// Between the line's parts, and at its ends.
+constexpr int kLeft = 6, kBehindServer = 12, kBeforeSending = 10, kRight = 12, kBarGap = 6,
+              kTextGap = 10;
+// A message with less room than this says nothing.
+constexpr int kLeastPassing = 120;
 
 constexpr int kDotRoom = 22, kServerEnd = 8;
 
@@ -27,13 +35,14 @@ std::string ServerName(const StatusPane* p) {
   return Shown(p->host) + ": ";
 }
 
+int StateWidth(const StatusPane* p) {
+  return XwTextWidthUtf8(TheStyle().view, p->ServerText().c_str()) + 1;
+}
+
 // As wide as its words, up to a part of the line.
-Area ServerArea(const StatusPane* p) {
-  const Style& l = TheStyle();
-  const Area a = p->layout.status;
-  const int words = XwTextWidthUtf8(l.view, ServerName(p).c_str()) +
-                    XwTextWidthUtf8(l.view, p->ServerText().c_str()) + 2;
-  return {a.x + 6, a.y + 3, std::min(kDotRoom + words + kServerEnd, a.w * 55 / 100), a.h - 5};
+int ServerWidth(const StatusPane* p) {
+  const int name = XwTextWidthUtf8(TheStyle().view, ServerName(p).c_str()) + 1;
+  return std::min(kDotRoom + name + StateWidth(p) + kServerEnd, p->layout.status.w * 55 / 100);
 }
 
 // Where both have no room, the server's name is cut and not what it does.
@@ -42,10 +51,13 @@ void DrawServer(const StatusPane* p, Area a) {
   a.TakeLeft(kDotRoom);
   a.TakeRight(kServerEnd);
   const std::string name = ServerName(p), state = p->ServerText();
-  const int tail = XwTextWidthUtf8(l.view, state.c_str()) + 1;
   const int head = XwTextWidthUtf8(l.view, name.c_str()) + 1;
-  DrawLabel(l.view, Align::kLeft, a.TakeLeft(std::min(head, std::max(0, a.w - tail))), name, l.ink);
-  DrawLabel(l.view, Align::kLeft, a, state, l.ink);
+  Area behind = a;
+  const Area at = behind.TakeLeft(std::min(head, std::max(0, a.w - StateWidth(p))));
+  // A stump of either says nothing.
+  const bool named = at.w == head || at.w > kLeastPassing;
+  if (named) DrawLabel(l.view, Align::kLeft, at, name, l.ink);
+  if (a.w >= StateWidth(p) - 1) DrawLabel(l.view, Align::kLeft, named ? behind : a, state, l.ink);
 }
 
 int32_t LinkColor(const StatusPane* p) {
@@ -54,37 +66,43 @@ int32_t LinkColor(const StatusPane* p) {
   return p->state.link == Link::kReady && p->state.quiet_s < 1 ? l.good : l.warning;
 }
 
-// The text, the bar and the button that stops it.
-Area SendingArea(const StatusPane* p) {
-  const Area& a = p->layout.status;
-  const int right = p->layout.stop_sending.right();
-  const int others = 10 + kBar + 6 + p->layout.stop_sending.w;
-  int text = std::min(300, a.w * 40 / 100);
-  // An error that is to be read, and the button beside it, go before the name of what is sent.
-  if (p->HasError() || p->queued > 0)
-    text =
-        std::clamp(right - others - ServerArea(p).right() - kMessageRoom, kLeastSendingText, text);
-  const int w = text + others;
-  return {right - w, a.y, w, a.h};
+std::string SendingVerb(const Transfer& t) {
+  return t.state == Sending::kSending ? "Sending " : "Cancelling ";
 }
 
-void DrawSending(const StatusPane* p, const Transfer& t) {
+std::string PercentOf(const Transfer& t) {
+  return std::to_string(t.total > 0 ? t.sent * 100 / t.total : 0) + " %";
+}
+
+void DrawSending(Area a, const Transfer& t) {
   const Style& l = TheStyle();
-  Area a = SendingArea(p);
-  a.TakeRight(p->layout.stop_sending.w + 6);
   const Area bar = a.TakeRight(kBar);
   DrawProgress({bar.x, bar.y + (bar.h - 9) / 2, bar.w, 10}, t.sent, t.total, BarGround::kPlain);
-  a.TakeRight(10);
-  const int64_t percent = t.total > 0 ? t.sent * 100 / t.total : 0;
-  const std::string tail = ", " + std::to_string(percent) + " %";
+  a.TakeRight(kTextGap);
+  const std::string tail = ", " + PercentOf(t);
   const Area end = a.TakeRight(XwTextWidthUtf8(l.view, tail.c_str()) + 1);
-  const char* verb = t.state == Sending::kSending ? "Sending " : "Cancelling ";
-  DrawLabel(l.view, Align::kLeft, end, tail, l.second);
-  DrawLabel(l.view, Align::kRight, a, verb + Shown(t.order.document), l.second);
+  DrawLabel(l.view, Align::kLeft, end, a.Empty() ? "" : tail, l.second);
+  DrawLabel(l.view, Align::kRight, a, SendingVerb(t) + Shown(t.order.document), l.second);
 }
 
-int TextWidth(const Message& m) {
-  return m.text.empty() ? 0 : XwTextWidthUtf8(TheStyle().view, m.text.c_str()) + 2;
+int TextWidth(const std::string& text) {
+  return text.empty() ? 0 : XwTextWidthUtf8(TheStyle().view, text.c_str()) + 2;
+}
+
+// Where a message has no room, the first name in it is cut, so that its reason stays.
+std::string WithShortName(const std::string& text, int width) {
+  constexpr std::string_view kOpen = "“", kClose = "”";
+  const size_t open = text.find(kOpen), close = text.rfind(kClose);
+  if (TextWidth(text) <= width || open == std::string::npos || close == std::string::npos ||
+      close < open)
+    return text;
+  const size_t begin = open + kOpen.size(), end = text.find(kClose, begin);
+  return text.substr(0, begin) +
+         CutMiddleTo(text.substr(begin, end - begin),
+                     [&](const std::string& name) {
+                       return TextWidth(text.substr(0, begin) + name + text.substr(end)) <= width;
+                     }) +
+         text.substr(end);
 }
 
 void DrawMessage(const Area& a, Align align, const Message& m) {
@@ -129,34 +147,76 @@ void StatusPane::MakeControls(XwWindow* window) {
   XwDescribeControl(cancel_queued, "Cancel Queued Documents");
 }
 
-Area StatusPane::Middle() const {
-  const Area& a = layout.status;
-  const int begin = ServerArea(this).right() + 12;
-  const int end = SendingRuns() ? SendingArea(this).x - 10 : a.right() - 12;
-  return {begin, a.y + 1, std::max(0, end - begin), a.h - 1};
+// Without an error the parts share by fixed bounds. An error that is to be read comes before all
+// else: the others shrink and then drop, the least important one first.
+StatusPane::Widths StatusPane::Share() const {
+  Widths w;
+  const bool runs = SendingRuns();
+  w.server = ServerWidth(this);
+  w.cancel = queued > 0 ? XwTextWidthUtf8(TheStyle().bold, cancel_text_.c_str()) + kCancelEnds : 0;
+  if (runs) w.bar = kBar + kBarGap;
+  if (runs) w.text = std::min(300, layout.status.w * 40 / 100) + kTextGap;
+  const int ends = kLeft + kBehindServer +
+                   (runs ? kBeforeSending + layout.status.right() - layout.stop_sending.x : kRight);
+  int room = layout.status.w - ends;
+  if (!HasError()) {
+    const int spare = room - w.server - w.bar - kMessageRoom;
+    if (runs && queued > 0) w.text = std::clamp(spare, kLeastSendingText + kTextGap, w.text);
+    return w;
+  }
+  const std::string error = message().text;
+  w.error = TextWidth(error);
+  w.passing = TextWidth(Passing().text);
+  room -= layout.stop_sending.w + kGap + (w.cancel > 0 ? w.cancel + 3 * kGap : 0);
+  if (w.passing > 0) room -= 2 * kGap;
+  int over = w.server + w.text + w.bar + w.passing + w.error - room;
+  const auto shrink = [&over](int* part, int least) {
+    const int less = std::clamp(*part - least, 0, std::max(0, over));
+    *part -= less;
+    over -= less;
+  };
+  const auto drop = [&over](int* part) {
+    if (over > 0) over -= std::exchange(*part, 0);
+  };
+  if (runs) shrink(&w.text, kLeastSendingText + kTextGap);
+  shrink(&w.passing, kLeastPassing);
+  shrink(&w.server, kDotRoom + StateWidth(this) + kServerEnd);
+  drop(&w.passing);
+  drop(&w.text);
+  shrink(&w.error, TextWidth(WithShortName(error, 0)));
+  shrink(&w.server, kDotRoom + kServerEnd);
+  drop(&w.bar);
+  shrink(&w.error, 0);
+  return w;
 }
 
 StatusPane::Parts StatusPane::Split() const {
-  const Style& l = TheStyle();
+  const Widths w = Share();
+  const Area& a = layout.status;
   Parts parts;
-  Area rest = Middle();
-  const int cancel = queued > 0 ? XwTextWidthUtf8(l.bold, cancel_text_.c_str()) + kCancelEnds : 0;
+  parts.server = {a.x + kLeft, a.y + 3, w.server, a.h - 5};
+  Area rest{parts.server.right() + kBehindServer, a.y + 1, 0, a.h - 1};
+  rest.w = std::max(0, a.right() - kRight - rest.x);
+  if (SendingRuns()) {
+    rest.w = std::max(0, layout.stop_sending.x - rest.x);
+    parts.sending = rest.TakeRight(w.text + w.bar);
+    parts.sending.y = a.y, parts.sending.h = a.h;
+    parts.sending.w -= std::min(kBarGap, parts.sending.w);
+    rest.TakeRight(kBeforeSending);
+  }
   if (HasError()) {
     const Area& cross = layout.stop_sending;
     parts.dismiss = {rest.TakeRight(cross.w).x, cross.y, cross.w, cross.h};
     rest.TakeRight(kGap);
-    const int passing = TextWidth(Passing());
-    const int room = rest.w - cancel - (cancel ? kGap : 0) - (passing ? 2 * kGap : 0);
-    const int most = std::max(room / 2, room - passing);
-    parts.error = rest.TakeRight(std::min(TextWidth(message()), std::max(0, most)));
-    if (passing || cancel) rest.TakeRight(2 * kGap);
+    parts.error = rest.TakeRight(w.error);
+    if (w.passing > 0 || w.cancel > 0) rest.TakeRight(2 * kGap);
   }
-  if (cancel) {
+  if (w.cancel > 0) {
     // The ring of the keyboard leaves the hairline whole.
-    parts.cancel = {rest.TakeRight(cancel).x, layout.status.y + 4, cancel, 19};
+    parts.cancel = {rest.TakeRight(w.cancel).x, a.y + 4, w.cancel, 19};
     rest.TakeRight(kGap);
   }
-  parts.passing = rest;
+  if (!HasError() || w.passing > 0) parts.passing = rest;
   return parts;
 }
 
@@ -186,30 +246,47 @@ void StatusPane::Draw(const Hit& hover, const std::string& selection) const {
   const Style& l = TheStyle();
   Fill(layout.status, l.status);
   LineAtTop(layout.status);
-  const Area server = ServerArea(this);
+  const Parts parts = Split();
+  const Area& server = parts.server;
   if (hover == Hit{kStatus, kServer, 0})
     XwRoundBox(server.x, server.y, server.w, server.h, 4, Mix(l.pressed, l.status, 45), -1);
   DrawDot(server.x + 6, server.y + 6, LinkColor(this));
   DrawServer(this, server);
   const Transfer* t = Running(this);
-  if (t) DrawSending(this, *t);
-  const Parts parts = Split();
+  if (t && !parts.sending.Empty()) DrawSending(parts.sending, *t);
   const Message passing = Passing();
-  if (HasError()) DrawMessage(parts.error, Align::kRight, message());
+  if (HasError()) {
+    Message error = message();
+    error.text = WithShortName(error.text, parts.error.w);
+    DrawMessage(parts.error, Align::kRight, error);
+  }
   if (!passing.text.empty())
     DrawMessage(parts.passing, t || HasError() ? Align::kLeft : Align::kRight, passing);
   else if (!HasError())
     DrawLabel(l.view, Align::kLeft, parts.passing, selection, l.second);
 }
 
+// Each is whole in its tip, where it is cut or has no room.
 void StatusPane::AddHits(const std::string& selection, Hits* hits) const {
-  hits->Add({kStatus, kServer, 0}, ServerArea(this), {XWA_STATUS, 0, Shown(host), ServerText()});
-  const Message passing = Passing(), told = message();
   const Parts parts = Split();
+  const auto tip = [](const std::string& text, const Area& a) {
+    return TextWidth(text) > a.w + 1 ? text : "";
+  };
+  const std::string server = ServerName(this) + ServerText();
+  hits->Add(
+      {kStatus, kServer, 0}, parts.server,
+      {XWA_STATUS, 0, Shown(host), ServerText(), parts.server.w < ServerWidth(this) ? server : ""});
+  const Message passing = Passing(), told = message();
   if (HasError() && !passing.text.empty())
-    hits->Cover(parts.passing, {XWA_STATUS, 0, "Latest Message", passing.text});
-  hits->Cover(HasError() ? parts.error : Middle(),
-              {XWA_STATUS, 0, "Message", told.text.empty() ? selection : told.text});
+    hits->Cover(parts.passing,
+                {XWA_STATUS, 0, "Latest Message", passing.text, tip(passing.text, parts.passing)});
+  const std::string shown = told.text.empty() ? selection : told.text;
+  const Area& at = HasError() ? parts.error : parts.passing;
+  hits->Cover(at, {XWA_STATUS, 0, "Message", shown, tip(shown, at)});
+  const Transfer* t = Running(this);
+  if (t)
+    hits->Cover(parts.sending,
+                {0, 0, "", "", SendingVerb(*t) + Shown(t->order.document) + ", " + PercentOf(*t)});
 }
 
 }  // namespace console

@@ -30,6 +30,8 @@ struct StatusPane {
 
   // Shows it for a few seconds; an error (kBad) until it is read. Both have their place.
   void Tell(Tone tone, const std::string& utf8) { notices_.Tell({tone, utf8}, now_ms_); }
+  // That message goes, if it still stands.
+  void Forget(const std::string& utf8) { notices_.Forget(utf8); }
   // Why something cannot be done: until it is read.
   void TellReason(const std::string& utf8) { notices_.TellReason(utf8); }
   void PassReason() { notices_.PassReason(); }
@@ -63,13 +65,16 @@ struct StatusPane {
   XwWindow *stop_sending = nullptr, *dismiss = nullptr, *cancel_queued = nullptr;  // of commands
 
  private:
-  // Beside an error with its button stands what passes. Where both have no room, the error has at
-  // least half of it.
-  struct Parts {
-    Area passing, cancel, error, dismiss;
+  // Of the parts, with what separates a part of the sending from the next; 0: it has no room, or
+  // there is none. `text` and `bar` are those of the sending.
+  struct Widths {
+    int server = 0, text = 0, bar = 0, cancel = 0, passing = 0, error = 0;
   };
-  // What lies between the server and what is being sent.
-  Area Middle() const;
+  // Beside an error with its button stands what passes.
+  struct Parts {
+    Area server, passing, cancel, error, dismiss, sending;
+  };
+  Widths Share() const;
   Parts Split() const;
   Message Passing() const { return notices_.Passing(now_ms_); }
 

@@ -8,20 +8,19 @@
 namespace console {
 namespace {
 
-// How far beside a border the pointer may be to take hold of it.
-constexpr int kBorderReach = 4;
-// Where there is the head of a column that sorts, it is taken hold of beside that: the head leaves
-// so much free at either side of the border.
-constexpr int kHeadReach = 3;
+// The line of a border is the last pixel of its column. It is taken hold of up to four pixels
+// beside that line, and the buttons of the heads leave so much free before and behind it.
+constexpr int kBeforeBorder = 5, kBehindBorder = 4;
 // The text of a head is this far from its side.
 constexpr int kHeadText = 5;
 // The height of a note with a button below it.
 constexpr int kNoteWithButton = 20 + 10 + 26;
-constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER;
+// The table draws the lines between heads.
+constexpr uint32_t kHeadStyle = XWC_ENABLED | XWC_HEADER | XWC_VARIANT;
 
 // How far a head's button ends before its column.
 int HeadEnd(const Column& c) {
-  return c.align == Align::kRight ? std::max(1, c.padding - kHeadText) : kHeadReach;
+  return c.align == Align::kRight ? std::max(kBeforeBorder, c.padding - kHeadText) : kBeforeBorder;
 }
 
 }  // namespace
@@ -84,6 +83,7 @@ void Table::PlaceControls() {
 
 void Table::Place(const Area& a) {
   const int kept = focus();
+  const bool whole = top_ % kRowHeight == 0;
   const bool seen =
       kept >= 0 && RowArea(kept).bottom() > Body().y && RowArea(kept).y < Body().bottom();
   area_ = a;
@@ -91,6 +91,18 @@ void Table::Place(const Area& a) {
   top_ = std::clamp(top_, 0, MostTop());
   PlaceControls();
   if (seen) Reveal(kept);
+  if (whole) StandAtARow(seen ? kept : -1);
+}
+
+// The first row shows as a whole, unless `kept` would lose its end by that.
+void Table::StandAtARow(int kept) {
+  const int part = top_ % kRowHeight;
+  if (part == 0) return;
+  const int64_t end = (int64_t{kept} + 1) * kRowHeight - Body().h;
+  if (top_ - part + kRowHeight <= MostTop())
+    ScrollTo(top_ - part + kRowHeight);
+  else if (top_ - part >= end)
+    ScrollTo(top_ - part);
 }
 
 void Table::SetRows(int rows) {
@@ -249,7 +261,7 @@ Area Table::HeadArea(int column) const {
   const Area c = ColumnArea(column);
   if (c.Empty() || area_.h < kHeaderHeight) return {};
   const Column& shape = columns_[size_t(column)];
-  const int before = std::max(kHeadReach, shape.padding + shape.indent - kHeadText);
+  const int before = std::max(kBehindBorder, shape.padding + shape.indent - kHeadText);
   const bool to_the_edge = NextColumn(column) < 0 && shape.align != Align::kRight;
   const int right =
       std::min(to_the_edge ? c.right() + 1 : c.right() - HeadEnd(shape), area_.right());
@@ -258,12 +270,9 @@ Area Table::HeadArea(int column) const {
 
 Area Table::BorderArea(int column) const {
   const Area c = ColumnArea(column);
-  const int next = NextColumn(column);
-  if (c.Empty() || next < 0) return {};
-  const Column& shape = columns_[size_t(column)];
-  const int left = c.right() - (shape.sorts ? HeadEnd(shape) : kBorderReach);
-  const int right = c.right() + (columns_[size_t(next)].sorts ? kHeadReach : kBorderReach);
-  return {left, area_.y, right - left, std::min(kHeaderHeight, area_.h)};
+  if (c.Empty() || NextColumn(column) < 0) return {};
+  return {c.right() - kBeforeBorder, area_.y, kBeforeBorder + kBehindBorder,
+          std::min(kHeaderHeight, area_.h)};
 }
 
 Area Table::CellArea(int column, int y, int h) const {
@@ -387,15 +396,10 @@ void Table::DrawHead(int column) const {
   const Column& c = columns_[size_t(column)];
   const Area all = ColumnArea(column);
   Area head{all.x, area_.y, all.w, std::min(kHeaderHeight, area_.h) - 1};
-  if (column == sort_) {
-    // From border to border: each is the end of a head.
-    int before = column - 1;
-    while (before >= 0 && HeadArea(before).Empty()) --before;
-    const int left = before < 0 ? head.x : HeadArea(before).right();
-    Fill({left, head.y, HeadArea(column).right() - left, head.h}, XwThemeColor(XWR_UTILITY));
-  }
+  // From border to border: each is the end of a head.
+  if (column == sort_) Fill(head, XwThemeColor(XWR_UTILITY));
+  if (NextColumn(column) >= 0) LineDown(all.right() - 1, head.y + 4, head.h - 8);
   if (c.sorts) return;  // its button has all else
-  if (NextColumn(column) >= 0) LineDown(all.right() - 2, head.y + 4, head.h - 8);
   Area text = CellArea(column, head.y, head.h);
   text.TakeLeft(c.indent);
   DrawLabel(l.small_text, c.align, text, c.title, l.ink);

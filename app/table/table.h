@@ -64,7 +64,7 @@ class Table {
   // A report of its bar: false when the id is another's.
   bool Scrolled(int id, int value);
 
-  // Laid out again; the row with the keyboard stays in sight if it was.
+  // Laid out again; the row with the keyboard stays in sight if it was, and the first row whole.
   void Place(const Area& a);
   // The number of rows, once the selection knows them. Nothing is scrolled to.
   void SetRows(int rows);
@@ -159,6 +159,7 @@ class Table {
 
  private:
   void LayOutColumns();
+  void StandAtARow(int kept);
   int ShownRank(int room) const;
   void ShrinkColumns(int excess);
   int LeastWidth(int column) const;

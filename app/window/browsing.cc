@@ -62,15 +62,16 @@ std::vector<std::string> NamesToSelect(const Console* c, const FolderReading& r)
 void TellSelected(Console* c, int documents, int folders) {
   const std::vector<std::string> selected = c->files.selection.Ids();
   const int there = int(std::min(selected.size(), size_t(documents)));
-  if (there == documents && documents > 0)
-    Tell(c, true,
-         documents == 1 ? Quoted(selected.front()) + " is selected: Print sends it"
-                        : NumberText(documents) + " files are selected: Print sends them");
-  else if (there < documents && there > 0)
-    Tell(c, true,
-         NumberText(there) + " of " + CountText(documents, "document", "documents") +
-             " selected: the others are not in this folder");
-  else if (there < documents)
+  if (there > 0) {
+    c->told_of_selection =
+        there < documents
+            ? NumberText(there) + " of " + CountText(documents, "document", "documents") +
+                  " selected: the " + (documents - there == 1 ? "other is" : "others are") +
+                  " not in this folder"
+        : documents == 1 ? Quoted(selected.front()) + " is selected: Print sends it"
+                         : NumberText(documents) + " files are selected: Print sends them";
+    Tell(c, true, c->told_of_selection);
+  } else if (documents > 0)
     Tell(c, false, NumberOf(documents, "document is", "documents are") + " not in this folder");
   if (folders > 0)
     Tell(c, false, NumberOf(folders, "other folder is", "other folders are") + " not shown");
@@ -110,6 +111,7 @@ void Entered(Console* c, FolderReading* r) {
   c->files.table.Release();
   c->files.table.ScrollTo(0);
   c->files.selection.Set(NamesToSelect(c, *r));
+  SelectionChanged(c, true);
   Listed(c);
   c->files.table.Reveal(c->files.table.focus());
   if (r->request.kind == FolderRequest::kDocument) DocumentsCame(c, *r);
@@ -269,6 +271,8 @@ std::string WhyNotOpen(const Console* c) {
 }
 
 void OpenSelected(Console* c) {
+  const auto& [files, folders, bytes] = c->files.Chosen();
+  if (files + folders == 0) return Tell(c, true, WhyNotOpen(c));
   if (const std::string why = WhyNotOpen(c); !why.empty()) return TellWhy(c, why);
   EnterFolder(c, c->files.folder.PathOf(c->files.table.selected()), "");
 }

@@ -68,6 +68,7 @@ void LayOutWindow(Console* c) {
 }
 
 void SelectionChanged(Console* c, bool files) {
+  if (files) c->status.Forget(std::exchange(c->told_of_selection, ""));
   c->damage |=
       kDetailsPane | kStatusPane | (files ? kFolderPane | kToolsPane : unsigned{kQueuePane});
 }

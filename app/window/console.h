@@ -168,6 +168,7 @@ struct Console {
 
   std::string drag_printer;  // in whose row documents are dragged; "": the chosen one
   bool drag_shows = false;
+  std::string told_of_selection;             // a message that ends with the selection of files
   std::map<int, std::string> awaited_drops;  // whose documents are to come, and on which printer
   int drops = 0;                             // that have come
 

@@ -161,13 +161,16 @@ Area LineArea(const ListsWindow* w) {
   return {kEdge, Frame(w).bottom(), w->window->width - 2 * kEdge, kLine};
 }
 
+// What it answered; while it is not there, why nothing can be asked of it.
 void DrawLine(ListsWindow* w) {
   const Style& l = TheStyle();
   const Area a = LineArea(w);
   XwClear(a.x, a.y, a.w, a.h);
-  DrawLabel(l.view, Align::kLeft, a, w->told.text, w->told.tone == Tone::kBad ? l.bad : l.second);
-  const bool cut = XwTextWidthUtf8(l.view, w->told.text.c_str()) > a.w;
-  w->hits.Cover(a, {XWA_STATUS, 0, "Answer", w->told.text, cut ? w->told.text : ""});
+  const bool away = w->console->state.link != Link::kReady && !w->rows.empty();
+  const Message line = away ? Message{Tone::kPlain, "The server is away"} : w->told;
+  DrawLabel(l.view, Align::kLeft, a, line.text, line.tone == Tone::kBad ? l.bad : l.second);
+  const bool cut = XwTextWidthUtf8(l.view, line.text.c_str()) > a.w;
+  w->hits.Cover(a, {XWA_STATUS, 0, "Answer", line.text, cut ? line.text : ""});
 }
 
 const char* EmptyText(const ListsWindow* w) {

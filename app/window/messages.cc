@@ -14,6 +14,8 @@ void Tell(Console* c, bool good, const std::string& utf8) {
 }
 
 void TellWhy(Console* c, const std::string& utf8, Reason still) {
+  // The strip above the line says it already.
+  if (!c->layout.needs.Empty() && c->needs.Text().starts_with(utf8)) return;
   // That state ends its line itself.
   const bool state = utf8 == kServerAway;
   if (state)

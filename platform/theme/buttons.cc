@@ -60,7 +60,7 @@ void DrawRadioButton(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& inf
                   kCheckMark / 2 - kDot, RoleColor(Role::kDocument), kOpaqueAlpha);
 }
 
-// Flat, with a hairline below and at the right end.
+// Flat, with a hairline below and, unless it is to have none, at the right end.
 void DrawColumnHead(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& info) {
   constexpr int kMarkRight = 6, kMarkWidth = 9, kLineInset = 4;
   const int alpha = AlphaOf(info);
@@ -71,8 +71,9 @@ void DrawColumnHead(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& info
   FillRoundRect(c, r, 0, RoleColor(StateOf(info) == kThemeStatePressed ? pressed : Role::kToolBar),
                 alpha);
   DrawThemeSeparator(c, {r.left, r.bottom - 1, r.right, r.bottom}, info.state);
-  DrawThemeSeparator(c, {r.right - 1, r.top + kLineInset, r.right, r.bottom - kLineInset},
-                     info.state);
+  if (!(info.adornment & kThemeAdornmentHeaderButtonNoLine))
+    DrawThemeSeparator(c, {r.right - 1, r.top + kLineInset, r.right, r.bottom - kLineInset},
+                       info.state);
   if (!sorts) return;
   DrawThemeMark(c, up ? ThemeMark::kSortUp : ThemeMark::kSortDown,
                 {r.right - kMarkRight - kMarkWidth, r.top, r.right - kMarkRight, r.bottom},

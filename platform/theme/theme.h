@@ -24,6 +24,7 @@ enum ThemeAdornment : uint32_t {
   kThemeAdornmentDefault = 1,  // of a push button: the one that Return presses
   kThemeAdornmentHeaderButtonSortUp = 0x100,
   kThemeAdornmentHeaderButtonSortDown = 0x200,
+  kThemeAdornmentHeaderButtonNoLine = 0x400,
 };
 
 struct ThemeButtonDrawInfo {

@@ -49,7 +49,7 @@ TEST_F(ConsoleTest, AJobsNameIsDrawnAsAnywhereElse) {
   // The name as it is drawn in the row is the name as it is drawn anywhere else.
   const Area row = c_->queue.table.RowArea(0);
   const Area column = c_->queue.table.ColumnArea(int(QueueColumn::kDocument));
-  const Area cell{column.x + 8, row.y, column.w - 16, row.h};
+  const Area cell{column.x + 9, row.y, column.w - 18, row.h};
   XwMove(pump_, 0, 0, 600, 60);
   XwShow(pump_, 1);
   Turn(4);
@@ -212,7 +212,9 @@ TEST_F(ConsoleTest, ABorderOfColumnsIsDragged) {
   for (Table* table : {&c_->files.table, &c_->queue.table}) {
     const int column = table == &c_->queue.table ? int(QueueColumn::kDocument) : 0;
     const Area name = table->ColumnArea(column);
-    const int x = c_->window->x + name.right() - 1, y = c_->window->y + name.y + 10;
+    // Before the line of the one, behind that of the other.
+    const int beside = table == &c_->queue.table ? 4 : -4;
+    const int x = c_->window->x + name.right() - 1 + beside, y = c_->window->y + name.y + 10;
     display::MovePointer(x, y - 300);
     Turn(2);
     const platform::CursorRef other = display::ShownCursor(native);

@@ -87,12 +87,12 @@ TEST(FolderRows, TellWhatIsShownAndWhatIsNot) {
   rows.ShowHidden(true);
   EXPECT_EQ(rows.CountText(), "2 folders, 5 files, 2 entries cannot be read");
   rows.ShowHidden(false);
-  for (const char* ending : {"*.PNG", ".png"}) {  // folders are the way on
+  for (const char* ending : {"*.PNG", ".png", "ete;*.png"}) {  // folders are the way on
     rows.Filter(ending);
     EXPECT_EQ(Names(rows), "anton|zoo|Été.png");
   }
   EXPECT_EQ(rows.CountText(), "3 of 6 entries, 1 entry cannot be read");
-  for (const char* name : {"ANT", "*nto*"}) {
+  for (const char* name : {"ANT", "*nto*", "ant;*."}) {
     rows.Filter(name);
     EXPECT_EQ(Names(rows), "anton");
   }

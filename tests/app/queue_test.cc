@@ -234,7 +234,8 @@ TEST_F(QueueTest, AJobThatIsPutElsewhereStaysInSight) {
   ASSERT_TRUE(Settled());
   EXPECT_TRUE(shows(1));
 
-  // What is printed is followed to its job, but not while somebody works in the queue.
+  // What is printed is followed to its job, but not while somebody works in the queue, or has
+  // something selected there.
   const auto shows_new = [&](FocusStop before, FocusStop after) {
     table.ScrollTo(0);
     SetFocusStop(c_, before);
@@ -251,16 +252,19 @@ TEST_F(QueueTest, AJobThatIsPutElsewhereStaysInSight) {
   };
   EXPECT_FALSE(shows_new(FocusStop::kQueue, FocusStop::kQueue));
   EXPECT_FALSE(shows_new(FocusStop::kFiles, FocusStop::kQueue));
+  EXPECT_FALSE(shows_new(FocusStop::kFiles, FocusStop::kFiles));
+  c_->queue.selection.Clear();
   EXPECT_TRUE(shows_new(FocusStop::kFiles, FocusStop::kFiles));
+  table.Select(1);
 
   // A list that comes by itself scrolls nothing, and a key shows what it acts on.
   table.ScrollTo(12 * Table::kRowHeight);
   testing_daemon::Ask(fd_, 6, ids_["b"].data(), "");
   EXPECT_EQ(testing_daemon::AnswerOf(fd_), NC_STATUS_DONE);
   c_->server.Refresh();
-  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 28; }));
+  ASSERT_TRUE(Until([&] { return c_->queue.rows.count() == 29; }));
   EXPECT_EQ(table.top(), 12 * Table::kRowHeight);
-  EXPECT_FALSE(shows(1) || shows(27));
+  EXPECT_FALSE(shows(1) || shows(28));
   SetFocusStop(c_, FocusStop::kQueue);
   Key('h', 'h');
   EXPECT_TRUE(shows(1));

@@ -23,6 +23,9 @@ constexpr int kTextMargin = 6, kTextLeft = 5, kIconLeft = 3, kIconGap = 6, kArro
               kSortMark = 14, kWellInset = 3;
 constexpr int kDarkest = 128;  // of the luminances that take black text
 
+constexpr uint32_t kSorted =
+    kThemeAdornmentHeaderButtonSortUp | kThemeAdornmentHeaderButtonSortDown;
+
 struct Look {
   ThemeButtonDrawInfo info;
   int alpha = kOpaque;       // of text and icon
@@ -49,6 +52,8 @@ Look LookOf(const XwWindow* w, ControlRef control) {
   if (w->kind == XWK_BUTTON && marked)
     look.info.adornment = w->style & XWC_SORT_DOWN ? kThemeAdornmentHeaderButtonSortDown
                                                    : kThemeAdornmentHeaderButtonSortUp;
+  if (w->kind == XWK_BUTTON && w->style & XWC_HEADER && w->style & XWC_VARIANT)
+    look.info.adornment |= kThemeAdornmentHeaderButtonNoLine;
   return look;
 }
 
@@ -82,9 +87,9 @@ int Below(const Rect& r, int inner) {
   return (r.height() - inner) / 2;
 }
 
-// What shows of a column head's title before the sorting mark: a whole title, or one cut with dots;
-// nothing where not even its first letter has room.
-std::string TitleBeforeMark(XwFont* font, const std::string& title, int room) {
+// What shows of a column head's title in that room: a whole title, or one cut with dots; nothing
+// where not even its first letter has room.
+std::string FittingTitle(XwFont* font, const std::string& title, int room) {
   constexpr char kDots[] = "…";
   if (XwTextWidthUtf8(font, title.c_str()) <= room) return title;
   char cut[256];
@@ -100,17 +105,18 @@ void DrawLabel(ContextRef c, const XwWindow* w, const Rect& r, bool arrow, const
   if (!sized) return;
   int x = r.left + kTextLeft;
   int up = font->descent + Below(r, font->ascent + font->descent);
-  const int mark = look.info.adornment == kThemeAdornmentNone ? 0 : kSortMark + kTextLeft;
+  const bool header = w->kind == XWK_BUTTON && w->style & XWC_HEADER;
+  const int mark = look.info.adornment & kSorted ? kSortMark + kTextLeft : 0;
   std::string text = MacRomanToUtf8(w->text);
-  if (mark) text = TitleBeforeMark(font, text, r.width() - kTextLeft - mark);
+  if (header) text = FittingTitle(font, text, r.width() - kTextLeft - mark);
   if (!arrow) {
     ++up;
     if (!(w->style & XWC_LEFT)) {
       const std::string trimmed = XwTextTrim(font, w->text, r.width() - kTextMargin);
       const int width =
-          mark ? XwTextWidthUtf8(font, text.c_str()) : XwTextWidth(font, trimmed.c_str());
+          header ? XwTextWidthUtf8(font, text.c_str()) : XwTextWidth(font, trimmed.c_str());
       const int spare = r.width() - width;
-      const bool right = w->style & XWC_HEADER && w->style & XWC_RIGHT;
+      const bool right = header && w->style & XWC_RIGHT;
       x = r.left + (right ? spare - std::max(mark, kTextLeft) : std::min(spare / 2, spare - mark));
     }
   }
