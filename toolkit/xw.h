@@ -446,10 +446,11 @@ void XwSetDragHandler(XwWindow* window, int take, XwDragHandler handler);
  * null and the number 0; `count` may be null. */
 const char* const* XwDroppedFiles(int* count);
 
-/* Which drop the documents of the 798 being handled are of: the number that it had in the drag
- * handler, which asks as it hears XW_DRAG_DROPPED or XW_DRAG_FAILED; drops are counted from 1. 0:
- * of none, another program asks by the message bus. So a program knows where documents were dropped
- * that come late, or not at all: an alert keeps the last 798 alone. */
+/* The number of a drop, counted from 1. In the drag handler, as it hears XW_DRAG_DROPPED or
+ * XW_DRAG_FAILED: of that drop. While 798 is handled: of the drop that brought its documents, 0
+ * where another program asked for them by the message bus. With it a program finds where documents
+ * were dropped that come later; of several drops during an alert only the last one comes. Elsewhere
+ * it is the number of the last drop, 0 before the first one. */
 int XwDropNumber(void);
 
 /* The program's icon, which the desktop shows beside its windows and their names: size x size

@@ -138,9 +138,10 @@ Area DrawStrip(Area a, int32_t dot) {
   // None of the desktop's roles.
   constexpr int32_t kGround = 0xE0F1FB, kEdge = 0xAED3E7;
   Fill(a, kGround);
-  Fill({a.x, a.y, a.w, 1}, kEdge);
+  XwSetColor(kEdge);
+  if (!a.Empty()) XwDrawLine(a.x, a.y, a.right() - 1, a.y);
   DrawDot(a.x + 12, a.y + (a.h - 9) / 2 + 1, dot);
-  a.TakeLeft(29);
+  a.TakeLeft(28);  // as the server in the status line
   return a;
 }
 

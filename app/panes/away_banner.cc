@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "app/look/controls.h"
+#include "app/look/strip.h"
 #include "app/look/style.h"
 #include "app/model/server_words.h"
 #include "app/panes/ids.h"
@@ -11,12 +12,7 @@
 namespace console {
 namespace {
 
-constexpr int kRetryWidth = 96, kStartWidth = 118, kButtonHeight = 24, kGap = 8, kEdge = 8;
-
-Area ButtonArea(const Area& banner, int right, int width) {
-  return {right - width, banner.y + (AwayBanner::kHeight - kButtonHeight) / 2, width,
-          kButtonHeight};
-}
+constexpr int kRetryWidth = 96, kStartWidth = 118;
 
 }  // namespace
 
@@ -34,11 +30,12 @@ bool AwayBanner::Follow() {
 }
 
 void AwayBanner::Place(bool offers_server) {
-  const Area& a = layout.banner;
-  if (a.Empty()) offers_server = false;
-  const Area first = a.Empty() ? a : ButtonArea(a, a.right() - kEdge, kRetryWidth);
-  PlaceControl(retry, first);
-  PlaceControl(start_server, offers_server ? ButtonArea(a, first.x - kGap, kStartWidth) : Area{});
+  Area a = layout.banner;
+  const bool empty = a.Empty();
+  a.TakeRight(kStripEnd);
+  const Area first = TakeStripButton(&a, kRetryWidth), second = TakeStripButton(&a, kStartWidth);
+  PlaceControl(retry, empty ? Area{} : first);
+  PlaceControl(start_server, offers_server && !empty ? second : Area{});
 }
 
 std::string AwayBanner::Text() const {
@@ -52,7 +49,7 @@ void AwayBanner::Draw() const {
   const Style& l = TheStyle();
   Area room = DrawStrip(a, l.bad);
   const bool offers = start_server && start_server->flags & XW_SHOWN;
-  room.TakeRight(kEdge + kRetryWidth + (offers ? kGap + kStartWidth : 0) + kGap);
+  room.TakeRight(kStripEnd + kRetryWidth + (offers ? kStripGap + kStartWidth : 0) + kStripGap);
   const std::string text = Text();
   const Area sentence = room.TakeLeft(std::min(room.w, XwTextWidthUtf8(l.view, text.c_str()) + 1));
   DrawLabel(l.view, Align::kLeft, sentence, text, l.ink);

@@ -69,7 +69,7 @@ Layout LayOut(int width, int height, const PaneSizes& sizes) {
   Area all{0, 0, std::max(0, width), std::max(0, height)};
   l.tools = all.TakeTop(kTools);
   l.status = all.TakeBottom(kStatus);
-  l.stop_sending = {l.status.right() - 8 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
+  l.stop_sending = {l.status.right() - 12 - kStop, l.status.y + (kStatus - kStop + 1) / 2, kStop,
                     kStop};
   const int usual = (all.h - kHead - kQueueHead) * 32 / 100;
   const int most = std::max(kQueueLeast, all.h - kHead - kQueueHead - kFolderLeast);

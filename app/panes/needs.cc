@@ -4,13 +4,14 @@
 
 #include "app/format/words.h"
 #include "app/look/controls.h"
+#include "app/look/strip.h"
 #include "app/look/style.h"
 #include "app/panes/ids.h"
 
 namespace console {
 namespace {
 
-constexpr int kButton = 122, kWide = 244, kTextEnds = 24, kEdge = 8;
+constexpr int kButton = 122, kWide = 244, kTextEnds = 24;
 
 // It says which printer where there are more.
 std::string LoadText(const NeedsPane* p) {
@@ -59,14 +60,13 @@ std::string NeedsPane::Text() const {
 
 void NeedsPane::Place() {
   Area a = layout.needs;
-  a.TakeRight(kEdge);
-  const Area button = a.TakeRight(ButtonWidth(this)).Inset(0, 5);
+  a.TakeRight(kStripEnd);
+  const Area button = TakeStripButton(&a, ButtonWidth(this));
   const PrinterRow* row = WithoutPaper();
   const std::string text = LoadText(this);
   if (text != load_text_) XwSetTextUtf8(load, text.c_str());
   load_text_ = text;
-  a.TakeRight(kEdge);
-  const Area second = a.TakeRight(kButton).Inset(0, 5);
+  const Area second = TakeStripButton(&a, kButton);
   const bool empty = layout.needs.Empty();
   PlaceControl(load, row && !empty ? button : Area{});
   PlaceControl(choose, empty ? Area{} : !row ? button : printers.ChosenIsGone() ? second : Area{});
@@ -77,8 +77,8 @@ void NeedsPane::Draw() const {
   if (a.Empty()) return;
   const Style& l = TheStyle();
   a = DrawStrip(a, WithoutPaper() ? l.bad : l.warning);
-  a.TakeRight(kEdge + ButtonWidth(this) + kEdge);
-  if (WithoutPaper() && printers.ChosenIsGone()) a.TakeRight(kButton + kEdge);
+  a.TakeRight(kStripEnd + ButtonWidth(this) + kStripGap);
+  if (WithoutPaper() && printers.ChosenIsGone()) a.TakeRight(kButton + kStripGap);
   DrawLabel(l.view, Align::kLeft, a, Text(), l.ink);
 }
 

@@ -68,7 +68,7 @@ void DrawProgressCell(const RowWords& words, const CellLook& cell) {
 void DrawNumber(const Cells& row, const CellLook& cell) {
   const Style& l = TheStyle();
   Area a = cell.area;
-  const int y = a.y + (a.h - 9) / 2;
+  const int y = a.y + (a.h - 9) / 2 + 1;
   // On the accent a ring sets it off, so that it keeps its colour.
   if (cell.selected) DrawRing(a.x, y, cell.ink);
   const int32_t own = DotOf(row.words.dot);

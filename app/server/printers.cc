@@ -21,7 +21,7 @@ constexpr VerbRow kVerbs[] = {
     {"paused", 0, "is resumed", "was not resumed"},
     {"accepting", 0, "takes no new jobs now", "takes new jobs as before"},
     {"accepting", 1, "takes new jobs again", "still takes no new jobs"},
-    {"paper-loaded", 1, "has paper again", "was not told of its paper"},
+    {"paper-loaded", 1, "has paper", "was not told of its paper"},
 };
 
 }  // namespace

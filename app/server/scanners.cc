@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "app/format/words.h"
+#include "app/model/crumbs.h"
 #include "app/model/folder.h"
 #include "app/server/worker.h"
 #include "app/work/background_task.h"
@@ -112,8 +113,8 @@ Message SaveDraft(const Draft& draft, const ServerRequest& r) {
       futimens(file.get(), times);
     }
     if (saved)
-      return {Tone::kGood,
-              "Saved in " + Quoted(LastName(r.folder)) + ": the gamut file " + Quoted(name)};
+      return {Tone::kGood, "Saved in " + Quoted(CrumbsOf(r.folder).back().text) +
+                               ": the gamut file " + Quoted(name)};
     if (file) unlink(path.c_str());
     return {Tone::kBad,
             "Not saved: " + Quoted(r.name) + ", " +

@@ -7,6 +7,7 @@
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/look/controls.h"
+#include "app/model/crumbs.h"
 #include "app/panes/side_list.h"
 #include "app/table/table.h"
 #include "app/window/console.h"
@@ -205,7 +206,7 @@ void Draw(ListsWindow* w) {
 std::string SaveText(const ListsWindow* w) {
   const FilesPane& files = w->console->files;
   if (!files.folder.known()) return kSaveText;
-  const std::string folder = Shown(LastName(files.folder.path()));
+  const std::string folder = CrumbsOf(files.folder.path()).back().text;
   const int room = w->window->width - 2 * kEdge - kStartWidth - kCloseWidth - 2 * kGap;
   const auto whole = [](const std::string& name) {
     return kSaveText + std::string(" in “") + name + "”";

@@ -91,7 +91,7 @@ void LookAt(Console* c, std::vector<std::string> paths, const std::string& print
 // Nothing comes of the last drop.
 static void DropFailed(Console* c) {
   c->awaited_drops.erase(XwDropNumber());
-  Tell(c, false, "What was dropped did not come: the other program has not sent it");
+  Tell(c, false, "What was dropped could not be taken");
   DrawConsole(c);
 }
 

@@ -59,8 +59,10 @@ void DrawMenuRow(ContextRef c, const Menu& m, const MenuLayout::Row& row, const 
                   alpha);
   if (i.picture_width) {
     const int y = at.top + (at.height() - i.picture_height) / 2;
-    DrawPixels(c, at.left + kTextLeft, y, i.picture_width, i.picture_height, i.picture.data(),
-               i.picture_width);
+    const int x = at.left + kTextLeft;
+    DrawPixels(c, x, y, i.picture_width, i.picture_height, i.picture.data(), i.picture_width);
+    // All its sides are equally thick, which a frame in the pixels is not at every scale.
+    FrameRoundRect(c, {x, y, x + i.picture_width, y + i.picture_height}, 0, 0x000000, kOpaqueAlpha);
   }
   int right = at.right - kTextRight;
   ThemeTextStyle style;

@@ -51,8 +51,8 @@ void CheckMenuItem(MenuRef m, int item, bool checked);
 void SetMenuItemCommandID(MenuRef m, int item, uint32_t command);
 // Null takes it away. One menu may hang in several places.
 void SetMenuItemHierarchicalMenu(MenuRef m, int item, MenuRef sub);
-// A picture before the text: `h` rows of `w` pixels, four bytes each: ignored, red, green, blue.
-// Copied; null takes it away, and so does a size outside 1..64.
+// A picture in a black frame before the text: `h` rows of `w` pixels, four bytes each: ignored,
+// red, green, blue. Copied; null takes it away, and so does a size outside 1..64.
 void SetMenuItemPicture(MenuRef m, int item, int w, int h, const uint8_t* pixels);
 // The key that stands at its right end. What a key does is its maker's.
 void SetMenuItemKeyText(MenuRef m, int item, const char* utf8);

@@ -70,7 +70,12 @@ void DrawColumnHead(ContextRef c, const Rect& r, const ThemeButtonDrawInfo& info
   const Role pressed = sorts ? Role::kUtility : Role::kPressed;
   FillRoundRect(c, r, 0, RoleColor(StateOf(info) == kThemeStatePressed ? pressed : Role::kToolBar),
                 alpha);
-  DrawThemeSeparator(c, {r.left, r.bottom - 1, r.right, r.bottom}, info.state);
+  // The lower side of an outline lies at the far edge of its pixel, so that the head's ground does
+  // not show below it.
+  ClipContextToRect(c, {r.left, r.bottom - 1, r.right, r.bottom});
+  FrameRoundRect(c, {r.left - 2, r.top - 2, r.right + 2, r.bottom}, 0, RoleColor(Role::kHairline),
+                 kOpaqueAlpha);
+  RestoreContextClip(c);
   if (!(info.adornment & kThemeAdornmentHeaderButtonNoLine))
     DrawThemeSeparator(c, {r.right - 1, r.top + kLineInset, r.right, r.bottom - kLineInset},
                        info.state);

@@ -365,7 +365,7 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   display::DragFiles(window, 300, 200);
   display::EndDragOfFiles(window, true);
   display::FailDrop(window);
-  EXPECT_TRUE(Tells("What was dropped did not come")) << c_->status.message().text;
+  EXPECT_TRUE(Tells("What was dropped could not be taken")) << c_->status.message().text;
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("dropped.txt") == 2; }));
   EXPECT_FALSE(c_->queue.takes_drop);
   EXPECT_TRUE(c_->awaited_drops.empty());

@@ -1,5 +1,6 @@
 // Tear-down of a window and everything below it. No pointer to the window is left behind.
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include "platform/controls/controls.h"
@@ -164,14 +165,17 @@ void DestroyBelow(XwWindow* top) {
 
 }  // namespace
 
-// Files that are over it are over it no more. Its handler may destroy it, too.
+// Files that are over it are over it no more. Its handler may destroy it, too; the event that is
+// being handled stays as it is.
 static void EndDrag(XwWindow* w) {
   state.dragged_over = nullptr;
   if (!w->drag_handler) return;
   TargetScope scope;
-  Inp.window = w;
-  Inp.item = 0;
+  XwWindow* const window = std::exchange(Inp.window, w);
+  const auto item = std::exchange(Inp.item, 0);
   w->drag_handler(XW_DRAG_LEFT);
+  Inp.window = IsLive(window) ? window : nullptr;
+  Inp.item = item;
 }
 
 void XwDestroy(XwWindow* w) {

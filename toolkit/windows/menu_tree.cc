@@ -28,12 +28,13 @@ std::vector<const XwMenuItem*>& Building() {
   return *building;
 }
 
-// The colour in a black frame of one pixel.
-uint8_t* MakeSwatch(int32_t colour) {
+// The colour, in a black frame of one pixel or without one.
+uint8_t* MakeSwatch(int32_t colour, bool framed) {
   uint8_t* image = XwAllocImage(kSwatchWidth, kSwatchHeight);
   const uint32_t rgb = ColorToRgb(colour);
-  for (int y = 1; y < kSwatchHeight - 1; ++y)
-    for (int x = 1; x < kSwatchWidth - 1; ++x) {
+  const int frame = framed ? 1 : 0;
+  for (int y = frame; y < kSwatchHeight - frame; ++y)
+    for (int x = frame; x < kSwatchWidth - frame; ++x) {
       uint8_t* p = image + 4 * (y * kSwatchWidth + x);
       p[1] = uint8_t(rgb >> 16);
       p[2] = uint8_t(rgb >> 8);
@@ -44,12 +45,10 @@ uint8_t* MakeSwatch(int32_t colour) {
 
 void AddSwatch(MenuRef menu, int item, int32_t colour, bool popup) {
   if (popup && MenuColorCount >= kMenuColorSize) return;
-  uint8_t* image = MakeSwatch(colour);
+  uint8_t* image = MakeSwatch(colour, false);
   SetMenuItemPicture(menu, item, kSwatchWidth, kSwatchHeight, image);
-  if (popup)
-    MenuColor[MenuColorCount++] = image;
-  else
-    XwFreeImage(image);
+  XwFreeImage(image);
+  if (popup) MenuColor[MenuColorCount++] = MakeSwatch(colour, true);
 }
 
 MenuRef KnownPopup(const XwMenuItem* items) {

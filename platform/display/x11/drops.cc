@@ -240,8 +240,12 @@ void HandleSourceEnd(xcb_window_t source) {
   if (transfer.target != nullptr && transfer.source == source) EndTransfer(false);
 }
 
+void ForgetDragPlace(const Native* n) {
+  if (hover.target == n) hover.told = false;
+}
+
 void ForgetDrop(const Native* n) {
-  if (hover.target == n) hover.told = false;  // nobody is left to hear of it
+  ForgetDragPlace(n);  // nobody is left to hear of it
   if (hover.target == n) EndHover();
   if (transfer.target == n) EndTransfer(false);
 }

@@ -176,7 +176,10 @@ void UpdateNative(const Window* w, uint32_t what) {
   Native* n = NativeOf(w);
   if (n == nullptr) return;
   if ((what & kUpdateTitle) != 0) SetTitle(*n);
-  if ((what & kUpdateHints) != 0) SetHints(n);
+  if ((what & kUpdateHints) != 0) {
+    SetHints(n);
+    if ((w->attributes & kWindowRefusesFilesAttribute) != 0) ForgetDragPlace(n);
+  }
   if ((what & kUpdateCursor) != 0) SetCursor(n);
   if ((what & kUpdateBackdrop) != 0) {
     SetBackdrop(*n);

@@ -446,6 +446,8 @@ bool IsDropProperty(xcb_atom_t property);
 void HandleDropPiece(const Native* n, xcb_atom_t property);
 // The window of a source is gone.
 void HandleSourceEnd(xcb_window_t source);
+// The window has heard the end of what is dragged over it: a drop needs a new place first.
+void ForgetDragPlace(const Native* n);
 void ForgetDrop(const Native* n);
 
 // --- watches.cc: windows of other programs.
