@@ -100,6 +100,8 @@ inline bool IsInQueue(FocusStop stop) {
 struct CarryTarget {
   bool queue = false;
   std::string printer;  // name, "": none
+  // The console's table that they are carried out of; null: they come from elsewhere.
+  const Table* source = nullptr;
   explicit operator bool() const { return queue || !printer.empty(); }
   bool operator==(const CarryTarget&) const = default;
 };

@@ -317,6 +317,12 @@ TEST_F(QueueTest, RowsAreCarriedToWhatTakesThem) {
   LetGo();
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("letter.txt") == 1; }));
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
+  // What releases the table ends it, too: the selected job stays where it is.
+  Select({"d"});
+  DragTo(FileRow("letter.txt"), c_->printer_list.list.RowArea(0));
+  c_->files.table.Release();
+  LetGo();
+  EXPECT_TRUE(c_->state.pending.empty());
   // Another folder, or a question, ends it.
   DragTo(FileRow("letter.txt"), Row(0));
   Enter(home_.At("Empty"));
