@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "app/format/folding.h"
@@ -175,30 +177,29 @@ std::optional<std::string> SharedText(const std::vector<const NC_Job*>& jobs,
   return shared;
 }
 
-// What all printers of the selected jobs have.
+// What all printers of the selected jobs have. One without a list has any, so that it leaves the
+// choice to the others.
 std::vector<std::string> MediaOfJobs(const Console* c) {
-  std::vector<std::string> media;
-  bool first = true;
-  for (const NC_Job* job : SelectedJobs(c)) {
-    const PrinterRow* row = c->printers.Find(job->printer);
+  std::set<std::string_view> printers;
+  for (const NC_Job* job : SelectedJobs(c)) printers.insert(job->printer);
+  std::optional<std::vector<std::string>> shared;
+  for (const std::string_view printer : printers) {
+    const PrinterRow* row = c->printers.Find(std::string(printer));
     if (!row) return {};
-    if (std::exchange(first, false)) media = MediaOf(row->printer);
-    std::erase_if(media, [row](const std::string& m) { return !HasMedia(*row->printer, m); });
+    const std::vector<std::string> media = MediaOf(row->printer);
+    if (media.empty()) continue;
+    if (!shared) shared = media;
+    std::erase_if(*shared, [&media](const std::string& m) {
+      return std::find(media.begin(), media.end(), m) == media.end();
+    });
   }
-  return media;
+  return shared.value_or(std::vector<std::string>());
 }
 
-// Of one that belongs to another printer, the server says so.
-std::vector<std::string> ProfilesOfJobs(const Console* c) {
-  const std::vector<const NC_Job*> jobs = SelectedJobs(c);
-  const auto has = [&](const NC_Profile& profile) {
-    const std::string owner = c->state.lists ? c->state.lists->OwnerOf(profile.name) : "";
-    return owner.empty() || std::all_of(jobs.begin(), jobs.end(),
-                                        [&](const NC_Job* job) { return owner == job->printer; });
-  };
+// All of them: the server refuses one that belongs to another printer.
+std::vector<std::string> ProfileNames(const Console* c) {
   std::vector<std::string> names;
-  for (const NC_Profile& profile : *c->state.profiles)
-    if (has(profile)) names.push_back(profile.name);
+  for (const NC_Profile& profile : *c->state.profiles) names.push_back(profile.name);
   return names;
 }
 
@@ -230,7 +231,7 @@ void ChooseMedia(Console* c, int choice) {
 }
 
 std::vector<CommandChoice> ProfileChoices(const Console* c) {
-  offered_profiles = ProfilesOfJobs(c);
+  offered_profiles = ProfileNames(c);
   return TextChoices("Usual", offered_profiles,
                      SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
 }

@@ -408,6 +408,12 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
   c_->server.MoveJobs("Office", "Wide");
   EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
+  // A printer that does not say what it has leaves the choice to the other one.
+  c_->queue.Sort(QueueOrder::kName, true);
+  Select({"m", "b"});
+  ASSERT_EQ(MediaChoices(c_).size(), 2u);
+  EXPECT_EQ(MediaChoices(c_)[1].text, "A1");
+  c_->queue.Sort(QueueOrder::kPrint, false);
   // Somebody else moves a job inside one period: the server's list is asked for before the move.
   Select({"b"});
   ASSERT_EQ(testing_daemon::Change(fd_, ids_["b"].data(), "printer=Office\n\n"), 1);
