@@ -11,6 +11,7 @@
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/panes/queue_cells.h"
+#include "app/window/print_options.h"
 #include "app/window/side_commands.h"
 
 namespace console {
@@ -196,47 +197,19 @@ std::vector<std::string> MediaOfJobs(const Console* c) {
   return shared.value_or(std::vector<std::string>());
 }
 
-// All of them: the server refuses one that belongs to another printer.
-std::vector<std::string> ProfileNames(const Console* c) {
-  std::vector<std::string> names;
-  for (const NC_Profile& profile : *c->state.profiles) names.push_back(profile.name);
-  return names;
-}
-
-// The first choice is none of them.
-std::vector<CommandChoice> TextChoices(const char* none, const std::vector<std::string>& names,
-                                       const std::optional<std::string>& now) {
-  std::vector<CommandChoice> choices{{none, now && now->empty()}};
-  for (const std::string& name : names) choices.push_back({Shown(name), now == name});
-  return choices;
-}
-
-void ChooseText(Console* c, Verb verb, const std::vector<std::string>& names, int choice) {
-  if (size_t(choice) > names.size()) return;
-  ChangeJobs(c, {verb, 0, choice == 0 ? "" : names[size_t(choice) - 1]});
-}
-
-// Those that the menu offered: the lists may be other ones when one of them is chosen.
-std::vector<std::string> offered_media, offered_profiles;
-
 }  // namespace
 
 std::vector<CommandChoice> MediaChoices(const Console* c) {
-  offered_media = MediaOfJobs(c);
-  return TextChoices("Usual", offered_media,
-                     SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->media; }));
-}
-void ChooseMedia(Console* c, int choice) {
-  ChooseText(c, Verb::kMedia, offered_media, choice);
+  return NamedChoicesOrNone(
+      "Usual", MediaOfJobs(c),
+      SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->media; }));
 }
 
+// The server refuses a profile that belongs to another printer.
 std::vector<CommandChoice> ProfileChoices(const Console* c) {
-  offered_profiles = ProfileNames(c);
-  return TextChoices("Usual", offered_profiles,
-                     SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
-}
-void ChooseProfile(Console* c, int choice) {
-  ChooseText(c, Verb::kProfile, offered_profiles, choice);
+  return NamedChoicesOrNone(
+      "Usual", ProfileNames(c),
+      SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
 }
 
 std::vector<CommandChoice> PrinterChoices(const Console* c) {
@@ -247,14 +220,10 @@ std::vector<CommandChoice> PrinterChoices(const Console* c) {
       return std::string_view(job->printer) == printer->name;
     };
     const bool all = !jobs.empty() && std::all_of(jobs.begin(), jobs.end(), there);
-    choices.push_back({Shown(printer->name), all, printer->accepting && !all});
+    choices.push_back(NamedChoice(printer->name, all));
+    choices.back().enabled = printer->accepting && !all;
   }
   return choices;
-}
-void ChoosePrinterOfJobs(Console* c, int choice) {
-  const std::vector<const NC_Printer*> printers = PrintersByName(c);
-  if (size_t(choice) < printers.size())
-    ChangeJobs(c, {Verb::kMove, 0, printers[size_t(choice)]->name});
 }
 
 void MoveJobs(Console* c, int by) {

@@ -399,10 +399,10 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   const std::vector<CommandChoice> media = MediaChoices(c_);
   ASSERT_EQ(media.size(), 2u);
   EXPECT_TRUE(media[1].text == "A4" && !media[0].checked && !media[1].checked);
-  ChooseMedia(c_, 1);
+  ChangeJobs(c_, {Verb::kMedia, 0, media[1].name});
   EXPECT_TRUE(Tells("Media changed: “m”") && Settled() && MediaChoices(c_)[1].checked);
   ASSERT_EQ(ProfileChoices(c_)[2].text, "Standard");
-  ChooseProfile(c_, 2);
+  ChangeJobs(c_, {Verb::kProfile, 0, ProfileChoices(c_)[2].name});
   EXPECT_TRUE(Tells("Profile changed: “m”") && Settled() && ProfileChoices(c_)[2].checked);
   const NC_Job m = testing_daemon::JobOf(fd_, ids_["m"].data());
   EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
