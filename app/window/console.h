@@ -114,7 +114,7 @@ struct Console {
   XwWindow* window = nullptr;
   XwWindow* front = nullptr;  // the other window that has the keyboard; null: none has
   // Those that had it since `window` did, in that order.
-  std::vector<XwWindow*> seconds;
+  std::vector<XwWindow*> second_windows;
   Layout layout;
   Hits hits;
   Hit hover, pressed;
