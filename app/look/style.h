@@ -61,8 +61,8 @@ Area DrawStrip(Area a, int32_t dot);
 constexpr int kFrameWidth = 2;
 // Around what documents or jobs would go to that are dragged over the window.
 void DrawDropFrame(const Area& a);
-// Around what has the keyboard, two pixels inside the area, where nothing that stands there shows
-// it.
+// Two pixels wide along the inner edge of the area, on that ground: it has the keyboard, and
+// nothing in it shows that.
 void DrawFocusRing(const Area& a, int32_t ground);
 // Below something round that lies over the rest.
 void DrawShadow(const Area& a, int radius);

@@ -86,7 +86,9 @@ std::string NewPriorityText(const ChangeOutcome& outcome) {
   const std::string priority = outcome.new_priority > 0
                                    ? "priority " + NumberText(outcome.new_priority) + " now"
                                    : "other priorities now";
-  if (!outcome.passed.empty()) return "; " + Quoted(outcome.passed) + " has " + priority;
+  if (!outcome.passed.empty())
+    return "; " + (n == 1 ? Quoted(outcome.passed) + " has " : NumberText(n) + " jobs have ") +
+           priority;
   const bool all = n == outcome.done;
   return (all ? ", with " : ", " + NumberText(n) + " of them with ") + priority;
 }

@@ -55,7 +55,8 @@ struct ChangeOutcome {
   std::string was_on;    // of kMove: where somebody else had moved one of them; "": nobody had
   // Of kReorder: how many have got another priority with their place, and which; -1: several.
   int with_new_priority = 0, new_priority = 0;
-  std::string passed = "";  // the job that has got it, where it is not the one that was moved
+  // A job among them that was not moved itself; "": all of them were.
+  std::string passed = "";
 };
 // In one line, however many jobs they were.
 Message OutcomeMessage(const ChangeOutcome& outcome);

@@ -247,7 +247,8 @@ std::string QueueRows::Summary(const std::function<bool(const std::string&)>& fi
   const std::string all = NumberText(int64_t(row_of_.size()));
   if (leaves_out()) parts.push_back({count(), "of " + all + " shown", 2});
   std::string text = Joined(parts, true);
-  if (jobs_ && waiting + failed == 0 && parts.size() == size_t(leaves_out())) {
+  const size_t without_counts = leaves_out() ? 1 : 0;  // how many are shown says no state
+  if (jobs_ && waiting + failed == 0 && parts.size() == without_counts) {
     const std::string none = jobs_->empty() ? "empty" : "nothing waits";
     return text.empty() ? none : none + ", " + text;
   }

@@ -125,7 +125,8 @@ int PictureHeight(const DetailsPane* p, int width, int height, int facts, int pr
   return std::clamp(room, kLeastPicture, most);
 }
 
-// The same for a page with the facts beside it: higher than below it in a wide and low pane.
+// The height of the picture of a page that has the facts beside it; 0 where it has not. In a wide
+// and low pane that is more than with the facts below it.
 int HeightBesideFacts(const DetailsPane* p, int width, int height) {
   if (!p->tall || !PicturedBy(p)) return 0;
   return std::min(height - kTroubleLine - kBelow, (width - kFactsBeside - kPadding) * 3 / 2);
@@ -317,17 +318,12 @@ void DetailsPane::Update() {
   a.TakeTop(kCaption);
   if (a != scroll.area()) scroll.Place(a);
   if (a.Empty()) return;
-  const std::optional<Pictured> of = PicturedBy(this);
   if (const std::string now = SubjectOf(this); now != subject) {
     subject = now;
     scroll.ScrollTo(0);
+    const std::optional<Pictured> of = PicturedBy(this);
     tall = of && of->kind == FileKind::kPages;
     tall_page = 0;
-  }
-  // Once for each page: what is asked for next depends on it.
-  if (of && preview && preview->request.path == of->path && preview->request.page != tall_page) {
-    tall_page = preview->request.page;
-    if (!preview->pixels.empty()) tall = preview->width < preview->height;
   }
   // The bar takes some of the width, and so may add a line.
   for (int i = 0; i < 2; ++i) scroll.SetHeight(LayOutParts(this).height);

@@ -54,7 +54,8 @@ struct DetailsPane {
   double preview_scale = 1;
   // Of its document: the page that is shown, or will be, and how many there are; 0: not known.
   int page = 1, pages = 0;
-  // Whether its picture, of that page, is higher than wide; page 0: as it is usual for its kind.
+  // Whether the picture is higher than wide: of which page that was seen, 0 while `tall` is only
+  // what the kind of the document lets expect.
   bool tall = false;
   int tall_page = 0;
   ScrolledArea scroll{20};

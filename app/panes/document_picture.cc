@@ -27,13 +27,13 @@ void DrawEdge(const Area& a) {
   XwDrawRect(a.x, a.y, a.w, a.h);
 }
 
-// In the middle of the box, no larger than it. A picture as large as the room that there was is
-// enlarged until the one for a larger room comes; a smaller one is as large as it is.
+// In the middle of the box, no larger than it. A picture as large as the room that it was made for
+// is enlarged until the one for a larger room comes; a smaller one keeps its own size.
 Area PlaceOf(const Preview& p, double scale, const Area& box) {
   const double width = p.width / scale, height = p.height / scale;
   const bool fills = p.width >= p.request.width - 1 || p.height >= p.request.height - 1;
   double fit = std::min(box.w / width, box.h / height);
-  // Less is one logical pixel that is not whole.
+  // A factor that is hardly above 1 comes from rounding to whole logical pixels.
   if (fit > 1 && (!fills || fit < 1.02)) fit = 1;
   const int w = std::max(1, std::min(box.w, int(std::ceil(width * fit))));
   const int h = std::max(1, std::min(box.h, int(std::ceil(height * fit))));

@@ -2,6 +2,7 @@
 // whether the one that had been sent was made, and those behind it are not sent any more.
 #include <algorithm>
 #include <cerrno>
+#include <map>
 #include <utility>
 
 #include "app/format/texts.h"
@@ -168,7 +169,8 @@ void Worker::Answered(const JobStep& step, int status, const NC_Job& before, boo
 // Where a job went, where somebody else had moved it before, and what it asks for that is not
 // there. Under the mutex.
 void Worker::NoteMove(const JobStep& step, const NC_Job& before) {
-  const std::string& printer = outcome_.printer = step.change.name;
+  const std::string& printer = step.change.name;
+  outcome_.printer = printer;
   const bool crossed = !step.seen_on.empty() && step.seen_on != before.printer;
   if (crossed && printer != before.printer) outcome_.was_on = before.printer;
   if (!before.media[0]) return;
@@ -178,14 +180,16 @@ void Worker::NoteMove(const JobStep& step, const NC_Job& before) {
 
 // What the list says of the priorities of those that were put before others. Under the mutex.
 void Worker::NoteNewPriorities() {
+  if (placed_.empty()) return;
+  std::map<JobId, const Placed*> placed;
+  for (const Placed& p : placed_) placed.emplace(p.job, &p);
   ChangeOutcome& o = outcome_;
-  for (const Placed& placed : placed_) {
-    for (const NC_Job& job : *shared_->state.jobs) {
-      if (QueueIdOf(job).job != placed.job || job.priority == placed.priority) continue;
-      const bool same = o.with_new_priority++ == 0 || o.new_priority == job.priority;
-      o.new_priority = same ? job.priority : -1;
-      o.passed = placed.passed;
-    }
+  for (const NC_Job& job : *shared_->state.jobs) {
+    const auto it = placed.find(QueueIdOf(job).job);
+    if (it == placed.end() || job.priority == it->second->priority) continue;
+    const bool same = o.with_new_priority++ == 0 || o.new_priority == job.priority;
+    o.new_priority = same ? job.priority : -1;
+    if (!it->second->passed.empty()) o.passed = it->second->passed;
   }
   placed_.clear();
 }

@@ -133,12 +133,6 @@ void Server::StartScan(const std::string& scanner) {
   Push(shared_.get(), {ServerRequest::kScan, scanner});
 }
 
-std::string ServerLists::OwnerOf(const std::string& profile) const {
-  for (size_t i = 0; i < profiles.size(); ++i)
-    if (profile == profiles[i].name) return printers[i];
-  return "";
-}
-
 void Server::SaveGamut(const std::string& profile, const std::string& printer,
                        const std::string& folder) {
   Push(shared_.get(), {ServerRequest::kGamut, profile, printer, folder});

@@ -104,8 +104,6 @@ struct ServerLists {
   std::vector<NC_Scanner> scanners;
   std::vector<NC_Profile> profiles;
   std::vector<std::string> printers;  // of each profile, the only one that has it; "": any
-  // The only printer that has this profile; "": any, also where it is not among them.
-  std::string OwnerOf(const std::string& profile) const;
 };
 
 // What is known. The lists stay when the server goes away.

@@ -81,10 +81,10 @@ class Table {
   void Reveal(int row);
 
   void SetFocused(bool on) { focused_ = on; }
-  // Whether its rows are old ones: they are grey, but for those of which `is_new` is true.
-  void SetMuted(bool on, std::function<bool(int row)> is_new = {}) {
+  // Whether its rows are old ones: they are grey, but for those of which `is_current` is true.
+  void SetMuted(bool on, std::function<bool(int row)> is_current = {}) {
     muted_ = on;
-    is_new_ = std::move(is_new);
+    is_current_ = std::move(is_current);
   }
   // Shown in the middle of a table without rows, and below the rows where there is room; "": none.
   void SetNote(std::string text) { note_ = std::move(text); }
@@ -181,7 +181,7 @@ class Table {
   void DrawHead(int column) const;
   void DrawHeader(const Hit& hover) const;
   void DrawRow(int row, const Hit& hover) const;
-  bool IsMuted(int row) const { return muted_ && !(is_new_ && is_new_(row)); }
+  bool IsMuted(int row) const { return muted_ && !(is_current_ && is_current_(row)); }
   // Whether a row that shows tells by its colour that the keyboard is here.
   bool ShowsFocus() const;
 
@@ -196,7 +196,7 @@ class Table {
   int rows_ = 0, top_ = 0;
   int sort_ = -1;
   bool descending_ = false, focused_ = false, muted_ = false;
-  std::function<bool(int row)> is_new_;
+  std::function<bool(int row)> is_current_;
   // kRows: a range is being selected. kAway: it was, before what was pressed was carried away.
   enum Held : uint8_t { kNothing, kABorder, kARow, kRows, kCarried, kAway } held_ = kNothing;
   bool framed_ = false;

@@ -14,15 +14,19 @@ bool CarriesFiles(const Console* c) {
   return c->files.table.Carries();
 }
 
+bool IsFiles(const Console* c, const Table* source) {
+  return source == &c->files.table;
+}
+
 // What takes the rows under the pointer. The table of the files scrolls on while the pointer is
 // dragged over the head of the queue, so a drag of files becomes a carry over the rows below it;
 // from then on the whole pane takes them.
-CarryTarget TargetUnder(const Console* c, const Hit& hit) {
+CarryTarget TargetUnder(const Console* c, const Table& source, const Hit& hit) {
   const bool on_printer = hit.owner == kPrinters && hit.part != SideList::kBody;
-  if (on_printer) return {false, c->printer_list.NameAt(hit.index)};
+  if (on_printer) return {false, c->printer_list.NameAt(hit.index), &source};
   const bool in_head = CarriesFiles(c) && c->layout.queue_head.Holds(Inp.px, Inp.py);
   const bool in_queue = in_head || c->layout.queue.Holds(Inp.px, Inp.py);
-  return {in_queue && c->files.table.HoldsRow(), ""};
+  return {in_queue && IsFiles(c, &source), "", &source};
 }
 
 std::string WhyNotPrintCarried(const Console* c, const CarryTarget& to) {
@@ -50,9 +54,9 @@ std::string MoveHint(const Console* c, const CarryTarget& to, const VerbCheck& c
 
 void ShowTarget(Console* c) {
   const CarryTarget& to = c->carried_to;
-  if (!to) return ShowDropTarget(c, {}, "");
+  if (!to || !to.source->Carries()) return ShowDropTarget(c, {}, "");
   std::string why, hint;
-  if (CarriesFiles(c)) {
+  if (IsFiles(c, to.source)) {
     why = WhyNotPrintCarried(c, to);
     if (why.empty()) hint = PrintHint(c, to);
   } else {
@@ -87,9 +91,9 @@ bool Carries(const Console* c) {
 
 void FollowCarry(Console* c, const Hit& hit) {
   Table& table = c->files.table.HoldsRow() ? c->files.table : c->queue.table;
-  CarryTarget to = table.HoldsRow() ? TargetUnder(c, hit) : CarryTarget();
+  CarryTarget to = table.HoldsRow() ? TargetUnder(c, table, hit) : CarryTarget();
   if (to && table.TakeUp()) {
-    SelectionChanged(c, &table == &c->files.table);
+    SelectionChanged(c, IsFiles(c, &table));
     c->last_press = 0;
   }
   if (!table.Carries()) to = {};
@@ -111,10 +115,11 @@ void EndCarry(Console* c) {
 
 void DropCarried(Console* c) {
   const CarryTarget to = c->carried_to;
-  const bool files = CarriesFiles(c);
+  // Something else may have released the table in between.
+  const bool carries = to && to.source->Carries();
   EndCarry(c);
-  if (!to) return;
-  if (files) return PrintCarried(c, to);
+  if (!carries) return;
+  if (IsFiles(c, to.source)) return PrintCarried(c, to);
   MoveJobsTo(c, to.printer);
 }
 

@@ -1,5 +1,6 @@
 #include "app/window/command_table.h"
 
+#include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/window/commands.h"
 #include "app/window/help.h"
@@ -30,6 +31,10 @@ std::string WhyNot(const Console* c) {
 template <Verb verb>
 void Do(Console* c) {
   ChangeJobs(c, {verb});
+}
+template <Verb verb>
+void ChangeTo(Console* c, const std::string& name) {
+  ChangeJobs(c, {verb, 0, name});
 }
 template <int by>
 void Move(Console* c) {
@@ -136,11 +141,11 @@ constexpr Command kCommands[] = {
         {.group = true,
          .contexts = kOnOptions,
          .choices = NextPrinterChoices,
-         .choose = ChooseNextPrinter}),
+         .choose_name = ChoosePrinter}),
     Row(kNextProfileCommand, kFileMenu, "With Profile", nullptr, nullptr,
-        {.contexts = kOnOptions, .choices = NextProfileChoices, .choose = ChooseNextProfile}),
+        {.contexts = kOnOptions, .choices = NextProfileChoices, .choose_name = ChooseNextProfile}),
     Row(kNextMediaCommand, kFileMenu, "On Media", nullptr, nullptr,
-        {.contexts = kOnOptions, .choices = NextMediaChoices, .choose = ChooseNextMedia}),
+        {.contexts = kOnOptions, .choices = NextMediaChoices, .choose_name = ChooseNextMedia}),
     Row(kNextCopiesCommand, kFileMenu, "Copies", nullptr, nullptr,
         {.contexts = kOnOptions, .choices = NextCopiesChoices, .choose = ChooseNextCopies}),
     Row(kNextPriorityCommand, kFileMenu, "At Priority", nullptr, nullptr,
@@ -203,23 +208,23 @@ constexpr Command kCommands[] = {
          .why_not = WhyNot<Verb::kCopies>,
          .choices = CopiesChoices,
          .choose = ChooseCopies}),
-    Row(kMediaCommand, kQueueMenu, "Media", nullptr, nullptr,
-        {.contexts = kOnJobs,
-         .why_not = WhyNot<Verb::kMedia>,
-         .choices = MediaChoices,
-         .choose = ChooseMedia}),
-    Row(kProfileCommand, kQueueMenu, "Profile", nullptr, nullptr,
-        {.contexts = kOnJobs,
-         .why_not = WhyNot<Verb::kProfile>,
-         .choices = ProfileChoices,
-         .choose = ChooseProfile}),
     Row(kMoveToPrinterCommand, kQueueMenu, "Move to Printer", nullptr, nullptr,
         {.plain_key = 'm',
          .where = kInQueue,
          .contexts = kOnJobs,
          .why_not = WhyNot<Verb::kMove>,
          .choices = PrinterChoices,
-         .choose = ChoosePrinterOfJobs}),
+         .choose_name = ChangeTo<Verb::kMove>}),
+    Row(kMediaCommand, kQueueMenu, "Media", nullptr, nullptr,
+        {.contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kMedia>,
+         .choices = MediaChoices,
+         .choose_name = ChangeTo<Verb::kMedia>}),
+    Row(kProfileCommand, kQueueMenu, "Profile", nullptr, nullptr,
+        {.contexts = kOnJobs,
+         .why_not = WhyNot<Verb::kProfile>,
+         .choices = ProfileChoices,
+         .choose_name = ChangeTo<Verb::kProfile>}),
     Row(kMoveUpCommand, kQueueMenu, "Print Earlier", nullptr, Move<-1>,
         {.plain_key = 'u',
          .where = kInQueue,
@@ -270,7 +275,7 @@ constexpr Command kCommands[] = {
          .contexts = kOnPrinters,
          .why_not = WhyNotDo<PrinterVerb::kMoveJobs, Which::kAt>,
          .choices = MoveChoices,
-         .choose = MoveAllJobs}),
+         .choose_name = MoveAllJobs}),
     PrinterVerbRow<PrinterVerb::kMakeMine>(kMakeMineCommand, "Make My Default", true),
     Row(kGoToPrintersCommand, kNoMenu, "Choose Printer", nullptr, GoToPrinters),
 
@@ -325,6 +330,19 @@ constexpr Command kCommands[] = {
 
 std::span<const Command> Commands() {
   return kCommands;
+}
+
+CommandChoice NamedChoice(const std::string& name, bool checked) {
+  const std::string shown = Shown(name);
+  return {shown.empty() ? " " : shown, checked, true, name};
+}
+
+std::vector<CommandChoice> NamedChoicesOrNone(const char* none,
+                                              const std::vector<std::string>& names,
+                                              const std::optional<std::string>& chosen) {
+  std::vector<CommandChoice> choices{{none, chosen && chosen->empty()}};
+  for (const std::string& name : names) choices.push_back(NamedChoice(name, chosen == name));
+  return choices;
 }
 
 }  // namespace console

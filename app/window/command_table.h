@@ -1,6 +1,7 @@
 // What a command is, and the one table of all of them. A new command is a number in
 // app/panes/ids.h and a row in command_table.cc: menus, context menus, keys and buttons follow.
 #pragma once
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -24,7 +25,15 @@ constexpr unsigned kEverywhere = ~0u;
 struct CommandChoice {
   std::string text;  // UTF-8, not empty
   bool checked = false, enabled = true;
+  std::string name = "";  // for `choose_name`: of the media, profile or printer; "": none
 };
+// A choice of what has this name.
+CommandChoice NamedChoice(const std::string& name, bool checked);
+// One for each of these, behind a first one, with that text, for none of them. The chosen one is
+// checked, "" being none of them; nullopt: no choice is.
+std::vector<CommandChoice> NamedChoicesOrNone(const char* none,
+                                              const std::vector<std::string>& names,
+                                              const std::optional<std::string>& chosen);
 // More are not shown.
 constexpr int kMostChoices = 128;
 
@@ -44,9 +53,11 @@ struct CommandMore {
   // Why it cannot be used though `enabled` holds: a sentence without its full stop; "": it can.
   std::string (*why_not)(const Console*) = nullptr;
   bool (*checked)(const Console*) = nullptr;
-  // It opens a menu of these in place of running; `choose` gets the number of one, from 0.
+  // It opens a menu of these in place of running. `choose` gets the number of one, from 0, or
+  // `choose_name` the name that it had when the menu showed: the list may be another one by then.
   std::vector<CommandChoice> (*choices)(const Console*) = nullptr;
   void (*choose)(Console*, int choice) = nullptr;
+  void (*choose_name)(Console*, const std::string& name) = nullptr;
 };
 
 using Enabled = bool (*)(const Console*);

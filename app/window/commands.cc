@@ -20,6 +20,7 @@ static_assert(kFirstChoice + int(kCommandsEnd) * kMostChoices < 0x10000);
 struct Choices {
   XwMenuItem items[kMostChoices + 1] = {};
   std::string texts[kMostChoices];
+  std::string names[kMostChoices];  // as they were when the menu showed
 };
 struct Menus {
   XwMenuItem of_bar[kMenus][2 * kCommandsEnd + 1] = {};
@@ -133,6 +134,7 @@ void ShowChoices(const Console* c, const Command& command) {
       continue;
     }
     const CommandChoice& choice = choices[size_t(i)];
+    shown.names[i] = choice.name;
     if (shown.texts[i] != choice.text) {
       shown.texts[i] = choice.text;
       XwChangeMenuItemText(shown.items, id, shown.texts[i].c_str());
@@ -243,6 +245,15 @@ void OpenChoices(Console* c, const Command& command) {
   if (const int chosen = XwPopupMenuByKey(ChoicesOf(command))) RunCommand(c, chosen);
 }
 
+void Choose(Console* c, const Command& command, int choice) {
+  const CommandMore& more = command.more;
+  const Choices* shown = TheMenus().choices[command.id].get();
+  if (more.choose) more.choose(c, choice);
+  if (!more.choose_name || !shown || shown->items[choice].flags & XWM_HIDDEN) return;
+  const std::string name = shown->names[choice];  // choosing it may fill the menu again
+  more.choose_name(c, name);
+}
+
 }  // namespace
 
 void RunCommand(Console* c, int id) {
@@ -256,7 +267,7 @@ void RunCommand(Console* c, int id) {
   if (id != kDismissCommand) c->status.PassReason();
   c->damage |= kStatusPane;
   if (!chooses && command->run) command->run(c);
-  if (chooses && command->more.choose) command->more.choose(c, n % kMostChoices);
+  if (chooses) Choose(c, *command, n % kMostChoices);
 }
 
 int CommandOfMenuKey(int key, uint32_t modifiers) {

@@ -120,8 +120,8 @@ void NoteActivity(XwWindow* second, bool active) {
   if (!c || !second) return;
   if (active) {
     c->front = second;
-    std::erase(c->seconds, second);
-    c->seconds.push_back(second);
+    std::erase(c->second_windows, second);
+    c->second_windows.push_back(second);
   } else if (c->front == second) {
     c->front = nullptr;
   }
@@ -131,10 +131,10 @@ void CloseSecond(XwWindow* second) {
   Console* c = g_console;
   const bool had_keyboard = c && second && c->front == second;
   NoteActivity(second, false);
-  if (c) std::erase(c->seconds, second);
+  if (c) std::erase(c->second_windows, second);
   XwDestroy(second);
   // To the console itself the desktop gives it.
-  if (had_keyboard && !c->seconds.empty()) XwSetFocus(c->seconds.back());
+  if (had_keyboard && !c->second_windows.empty()) XwSetFocus(c->second_windows.back());
 }
 
 namespace {
@@ -328,7 +328,7 @@ void ShowActivity(int active) {
   Console* c = g_console;
   if (!c) return;
   c->active = active != 0;
-  if (c->active) c->seconds.clear();
+  if (c->active) c->second_windows.clear();
   if (c->active) RefreshPlaces(c);  // a disk may have come
   c->damage = kAllPanes;
   DrawConsole(c);

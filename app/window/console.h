@@ -100,6 +100,8 @@ inline bool IsInQueue(FocusStop stop) {
 struct CarryTarget {
   bool queue = false;
   std::string printer;  // name, "": none
+  // The console's table that they are carried out of; null: they come from elsewhere.
+  const Table* source = nullptr;
   explicit operator bool() const { return queue || !printer.empty(); }
   bool operator==(const CarryTarget&) const = default;
 };
@@ -112,7 +114,7 @@ struct Console {
   XwWindow* window = nullptr;
   XwWindow* front = nullptr;  // the other window that has the keyboard; null: none has
   // Those that had it since `window` did, in that order.
-  std::vector<XwWindow*> seconds;
+  std::vector<XwWindow*> second_windows;
   Layout layout;
   Hits hits;
   Hit hover, pressed;

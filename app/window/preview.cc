@@ -73,8 +73,17 @@ void KeepPage(DetailsPane* pane, const PreviewSubject& before, PreviewSubject* s
   const bool same = is.path == was.path && is.size == was.size &&
                     is.modified_ns == was.modified_ns && subject->size == before.size &&
                     subject->time == before.time;
-  if (!same) pane->page = 1, pane->pages = 0;
+  if (!same) pane->page = 1, pane->pages = 0, pane->tall_page = 0;
   if (!is.path.empty()) subject->request.page = pane->page;
+}
+
+// Only the first picture of each page counts: the size of the next one that is asked for depends
+// on it.
+void NoteShape(DetailsPane* pane) {
+  const Preview& preview = *pane->preview;
+  if (preview.pixels.empty() || preview.request.page == pane->tall_page) return;
+  pane->tall = preview.width < preview.height;
+  pane->tall_page = preview.request.page;
 }
 
 }  // namespace
@@ -99,6 +108,7 @@ void TakePreview(Console* c) {
   auto preview = c->previews.Take();
   if (!preview) return;  // it was asked for again in between
   c->details.preview = std::move(preview);
+  NoteShape(&c->details);
   // Without a picture of this page there may be one of another.
   if (c->details.preview->pages > 0) c->details.pages = c->details.preview->pages;
   c->details.page = std::min(c->details.page, std::max(c->details.pages, 1));

@@ -1,6 +1,5 @@
 #include "app/window/print_options.h"
 
-#include "app/format/texts.h"
 #include "app/window/commands.h"
 #include "app/window/side_commands.h"
 
@@ -18,34 +17,9 @@ constexpr Colour kColours[] = {{"Red", 0xC0392B},    {"Orange", 0xD9822B}, {"Yel
                                {"Green", 0x2E8B57},  {"Teal", 0x1F9E9E},   {"Blue", 0x3875D7},
                                {"Violet", 0x7D4FB5}, {"Brown", 0x8A5A3C},  {"Grey", 0x7A7F87}};
 
-CommandChoice Named(const std::string& name, const std::string& chosen) {
-  const std::string shown = Shown(name);
-  return {shown.empty() ? " " : shown, name == chosen};
-}
-
 void Changed(Console* c) {
   c->tools.ShowChoice();
   c->damage |= kToolsPane | kDetailsPane;
-}
-
-// The first choice is none of them.
-std::vector<CommandChoice> OrNone(const char* none, const std::vector<std::string>& names,
-                                  const std::string& chosen) {
-  std::vector<CommandChoice> choices{{none, chosen.empty()}};
-  for (const std::string& name : names) choices.push_back(Named(name, chosen));
-  return choices;
-}
-std::string NameOf(const std::vector<std::string>& names, int choice) {
-  return choice > 0 && size_t(choice) <= names.size() ? names[size_t(choice) - 1] : "";
-}
-
-std::vector<std::string> ProfileNames(const Console* c) {
-  std::vector<std::string> names;
-  for (const NC_Profile& p : *c->state.profiles) names.push_back(p.name);
-  return names;
-}
-std::vector<std::string> MediaNames(const Console* c) {
-  return MediaOf(ChosenPrinter(c->choice, c->state));
 }
 
 // Where a menu opens that belongs to a control of the tool bar.
@@ -57,30 +31,33 @@ void OpenBelow(Console* c, const Area& a) {
 }  // namespace
 
 std::vector<CommandChoice> NextPrinterChoices(const Console* c) {
-  const NC_Printer* chosen = ChosenPrinter(c->choice, c->state);
+  const NC_Printer* printer = ChosenPrinter(c->choice, c->state);
+  const std::string chosen = printer ? printer->name : c->choice.printer;
   std::vector<CommandChoice> choices;
   for (const std::string& name : c->printers.Names())
-    choices.push_back(Named(name, chosen ? chosen->name : c->choice.printer));
+    choices.push_back(NamedChoice(name, name == chosen));
   return choices;
 }
-void ChooseNextPrinter(Console* c, int choice) {
-  const std::vector<std::string> names = c->printers.Names();
-  if (size_t(choice) < names.size()) ChoosePrinter(c, names[size_t(choice)]);
+
+std::vector<std::string> ProfileNames(const Console* c) {
+  std::vector<std::string> names;
+  for (const NC_Profile& profile : *c->state.profiles) names.push_back(profile.name);
+  return names;
 }
 
 std::vector<CommandChoice> NextProfileChoices(const Console* c) {
-  return OrNone("Usual", ProfileNames(c), c->choice.profile);
+  return NamedChoicesOrNone("Usual", ProfileNames(c), c->choice.profile);
 }
-void ChooseNextProfile(Console* c, int choice) {
-  c->choice.profile = NameOf(ProfileNames(c), choice);
+void ChooseNextProfile(Console* c, const std::string& name) {
+  c->choice.profile = name;
   Changed(c);
 }
 
 std::vector<CommandChoice> NextMediaChoices(const Console* c) {
-  return OrNone("Usual", MediaNames(c), c->choice.media);
+  return NamedChoicesOrNone("Usual", MediaOf(ChosenPrinter(c->choice, c->state)), c->choice.media);
 }
-void ChooseNextMedia(Console* c, int choice) {
-  c->choice.media = NameOf(MediaNames(c), choice);
+void ChooseNextMedia(Console* c, const std::string& name) {
+  c->choice.media = name;
   Changed(c);
 }
 

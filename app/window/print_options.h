@@ -7,13 +7,14 @@
 
 namespace console {
 
-// What can be chosen, and a choice by its number.
+// The names of all that the server has.
+std::vector<std::string> ProfileNames(const Console* c);
+// What can be chosen, and a choice by its name, "" being none of them, or its number.
 std::vector<CommandChoice> NextPrinterChoices(const Console* c);
-void ChooseNextPrinter(Console* c, int choice);
 std::vector<CommandChoice> NextProfileChoices(const Console* c);
-void ChooseNextProfile(Console* c, int choice);
+void ChooseNextProfile(Console* c, const std::string& name);
 std::vector<CommandChoice> NextMediaChoices(const Console* c);
-void ChooseNextMedia(Console* c, int choice);
+void ChooseNextMedia(Console* c, const std::string& name);
 std::vector<CommandChoice> NextCopiesChoices(const Console* c);
 void ChooseNextCopies(Console* c, int choice);
 void SetNextCopies(Console* c, int copies);

@@ -18,9 +18,6 @@ constexpr PrinterSetting kSettings[] = {PrinterSetting::kPause, PrinterSetting::
                                         PrinterSetting::kPaperLoaded};
 static_assert(int(PrinterVerb::kPaperLoaded) + 1 == std::size(kSettings));
 
-// Those that the menu offered: the list may be another one when one of them is chosen.
-std::vector<std::string> targets;
-
 }  // namespace
 
 void PrintersCame(Console* c) {
@@ -105,21 +102,16 @@ void DoToPrinter(Console* c, Which which, PrinterVerb verb) {
 }
 
 std::vector<CommandChoice> MoveChoices(const Console* c) {
-  targets.clear();
   std::vector<CommandChoice> choices;
   const PrinterRow* row = Meant(c);
   if (!row) return choices;
-  for (const PrinterRow* target : c->printers.MoveTargets(*row)) {
-    targets.push_back(target->printer->name);
-    choices.push_back({target->short_name});
-  }
+  for (const PrinterRow* target : c->printers.MoveTargets(*row))
+    choices.push_back({target->short_name, false, true, target->printer->name});
   return choices;
 }
 
-void MoveAllJobs(Console* c, int choice) {
-  const PrinterRow* row = Meant(c);
-  if (row && size_t(choice) < targets.size())
-    c->server.MoveJobs(row->printer->name, targets[size_t(choice)]);
+void MoveAllJobs(Console* c, const std::string& printer) {
+  if (const PrinterRow* row = Meant(c)) c->server.MoveJobs(row->printer->name, printer);
 }
 
 namespace {

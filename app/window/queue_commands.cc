@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "app/format/folding.h"
 #include "app/format/texts.h"
 #include "app/format/words.h"
 #include "app/panes/queue_cells.h"
+#include "app/window/print_options.h"
 #include "app/window/side_commands.h"
 
 namespace console {
@@ -175,67 +178,38 @@ std::optional<std::string> SharedText(const std::vector<const NC_Job*>& jobs,
   return shared;
 }
 
-// What all printers of the selected jobs have.
+// What all printers of the selected jobs have. One without a list has any, so that it leaves the
+// choice to the others.
 std::vector<std::string> MediaOfJobs(const Console* c) {
-  std::vector<std::string> media;
-  bool first = true;
-  for (const NC_Job* job : SelectedJobs(c)) {
-    const PrinterRow* row = c->printers.Find(job->printer);
+  std::set<std::string_view> printers;
+  for (const NC_Job* job : SelectedJobs(c)) printers.insert(job->printer);
+  std::optional<std::vector<std::string>> shared;
+  for (const std::string_view printer : printers) {
+    const PrinterRow* row = c->printers.Find(std::string(printer));
     if (!row) return {};
-    if (std::exchange(first, false)) media = MediaOf(row->printer);
-    std::erase_if(media, [row](const std::string& m) { return !HasMedia(*row->printer, m); });
+    const std::vector<std::string> media = MediaOf(row->printer);
+    if (media.empty()) continue;
+    if (!shared) shared = media;
+    std::erase_if(*shared, [&media](const std::string& m) {
+      return std::find(media.begin(), media.end(), m) == media.end();
+    });
   }
-  return media;
+  return shared.value_or(std::vector<std::string>());
 }
-
-// Of one that belongs to another printer, the server says so.
-std::vector<std::string> ProfilesOfJobs(const Console* c) {
-  const std::vector<const NC_Job*> jobs = SelectedJobs(c);
-  const auto has = [&](const NC_Profile& profile) {
-    const std::string owner = c->state.lists ? c->state.lists->OwnerOf(profile.name) : "";
-    return owner.empty() || std::all_of(jobs.begin(), jobs.end(),
-                                        [&](const NC_Job* job) { return owner == job->printer; });
-  };
-  std::vector<std::string> names;
-  for (const NC_Profile& profile : *c->state.profiles)
-    if (has(profile)) names.push_back(profile.name);
-  return names;
-}
-
-// The first choice is none of them.
-std::vector<CommandChoice> TextChoices(const char* none, const std::vector<std::string>& names,
-                                       const std::optional<std::string>& now) {
-  std::vector<CommandChoice> choices{{none, now && now->empty()}};
-  for (const std::string& name : names) choices.push_back({Shown(name), now == name});
-  return choices;
-}
-
-void ChooseText(Console* c, Verb verb, const std::vector<std::string>& names, int choice) {
-  if (size_t(choice) > names.size()) return;
-  ChangeJobs(c, {verb, 0, choice == 0 ? "" : names[size_t(choice) - 1]});
-}
-
-// Those that the menu offered: the lists may be other ones when one of them is chosen.
-std::vector<std::string> offered_media, offered_profiles;
 
 }  // namespace
 
 std::vector<CommandChoice> MediaChoices(const Console* c) {
-  offered_media = MediaOfJobs(c);
-  return TextChoices("Usual", offered_media,
-                     SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->media; }));
-}
-void ChooseMedia(Console* c, int choice) {
-  ChooseText(c, Verb::kMedia, offered_media, choice);
+  return NamedChoicesOrNone(
+      "Usual", MediaOfJobs(c),
+      SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->media; }));
 }
 
+// The server refuses a profile that belongs to another printer.
 std::vector<CommandChoice> ProfileChoices(const Console* c) {
-  offered_profiles = ProfilesOfJobs(c);
-  return TextChoices("Usual", offered_profiles,
-                     SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
-}
-void ChooseProfile(Console* c, int choice) {
-  ChooseText(c, Verb::kProfile, offered_profiles, choice);
+  return NamedChoicesOrNone(
+      "Usual", ProfileNames(c),
+      SharedText(SelectedJobs(c), [](const NC_Job* job) { return job->profile; }));
 }
 
 std::vector<CommandChoice> PrinterChoices(const Console* c) {
@@ -246,14 +220,10 @@ std::vector<CommandChoice> PrinterChoices(const Console* c) {
       return std::string_view(job->printer) == printer->name;
     };
     const bool all = !jobs.empty() && std::all_of(jobs.begin(), jobs.end(), there);
-    choices.push_back({Shown(printer->name), all, printer->accepting && !all});
+    choices.push_back(NamedChoice(printer->name, all));
+    choices.back().enabled = printer->accepting && !all;
   }
   return choices;
-}
-void ChoosePrinterOfJobs(Console* c, int choice) {
-  const std::vector<const NC_Printer*> printers = PrintersByName(c);
-  if (size_t(choice) < printers.size())
-    ChangeJobs(c, {Verb::kMove, 0, printers[size_t(choice)]->name});
 }
 
 void MoveJobs(Console* c, int by) {

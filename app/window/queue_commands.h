@@ -26,11 +26,8 @@ void ChoosePriority(Console* c, int choice);
 std::vector<CommandChoice> CopiesChoices(const Console* c);
 void ChooseCopies(Console* c, int choice);
 std::vector<CommandChoice> MediaChoices(const Console* c);
-void ChooseMedia(Console* c, int choice);
 std::vector<CommandChoice> ProfileChoices(const Console* c);
-void ChooseProfile(Console* c, int choice);
 std::vector<CommandChoice> PrinterChoices(const Console* c);
-void ChoosePrinterOfJobs(Console* c, int choice);
 // One place up (-1) or down (1) among the jobs of their printer.
 void MoveJobs(Console* c, int by);
 // Before that row, or to that printer, by a drag; says why not.

@@ -16,7 +16,7 @@ void DoToPrinter(Console* c, Which which, PrinterVerb verb);
 std::string ChosenPrinterText(const Console* c, const char* verb);
 // The printers to which all its jobs can be moved.
 std::vector<CommandChoice> MoveChoices(const Console* c);
-void MoveAllJobs(Console* c, int choice);
+void MoveAllJobs(Console* c, const std::string& printer);
 // Of the printer that wants paper, which the strip over the status line names; while none does, of
 // the chosen one.
 std::string LoadPaperText(const Console* c);

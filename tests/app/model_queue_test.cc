@@ -287,6 +287,8 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
             "Moved in the queue: 3 jobs, 2 of them with priority 75 now");
   placed = {Verb::kReorder, 1, 0, "a", "", "", {}, "", 1, 75, "b"};
   EXPECT_EQ(OutcomeMessage(placed).text, "Moved in the queue: “a”; “b” has priority 75 now");
+  placed.done = placed.with_new_priority = 2;
+  EXPECT_EQ(OutcomeMessage(placed).text, "Moved in the queue: 2 jobs; 2 jobs have priority 75 now");
   EXPECT_EQ(OrderedText("sent", "to", {3, "", "Wide", 2, true}),
             "3 documents sent to “Wide”, 2 copies each, held");
   const ChangeOutcome refused{Verb::kHold, 1, 3, "a", "", "", {Tone::kBad, "“b” was not held"}, ""};

@@ -321,6 +321,12 @@ TEST_F(QueueTest, RowsAreCarriedToWhatTakesThem) {
   LetGo();
   ASSERT_TRUE(Until([&] { return c_->queue.rows.CountOf("letter.txt") == 1; }));
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
+  // What releases the table ends it, too: the selected job stays where it is.
+  Select({"d"});
+  DragTo(FileRow("letter.txt"), c_->printer_list.list.RowArea(0));
+  c_->files.table.Release();
+  LetGo();
+  EXPECT_TRUE(c_->state.pending.empty());
   // Another folder, or a question, ends it.
   DragTo(FileRow("letter.txt"), Row(0));
   Enter(home_.At("Empty"));
@@ -397,15 +403,21 @@ TEST_F(QueueTest, AMoveSaysWhatCameOfIt) {
   const std::vector<CommandChoice> media = MediaChoices(c_);
   ASSERT_EQ(media.size(), 2u);
   EXPECT_TRUE(media[1].text == "A4" && !media[0].checked && !media[1].checked);
-  ChooseMedia(c_, 1);
+  ChangeJobs(c_, {Verb::kMedia, 0, media[1].name});
   EXPECT_TRUE(Tells("Media changed: “m”") && Settled() && MediaChoices(c_)[1].checked);
   ASSERT_EQ(ProfileChoices(c_)[2].text, "Standard");
-  ChooseProfile(c_, 2);
+  ChangeJobs(c_, {Verb::kProfile, 0, ProfileChoices(c_)[2].name});
   EXPECT_TRUE(Tells("Profile changed: “m”") && Settled() && ProfileChoices(c_)[2].checked);
   const NC_Job m = testing_daemon::JobOf(fd_, ids_["m"].data());
   EXPECT_EQ(std::string(m.media) + " " + m.profile, "A4 Standard");
   c_->server.MoveJobs("Office", "Wide");
   EXPECT_TRUE(Tells("Moved to “Wide”: “m”") && Settled());
+  // A printer that does not say what it has leaves the choice to the other one.
+  c_->queue.Sort(QueueOrder::kName, true);
+  Select({"m", "b"});
+  ASSERT_EQ(MediaChoices(c_).size(), 2u);
+  EXPECT_EQ(MediaChoices(c_)[1].text, "A1");
+  c_->queue.Sort(QueueOrder::kPrint, false);
   // Somebody else moves a job inside one period: the server's list is asked for before the move.
   Select({"b"});
   ASSERT_EQ(testing_daemon::Change(fd_, ids_["b"].data(), "printer=Office\n\n"), 1);

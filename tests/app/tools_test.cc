@@ -89,7 +89,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
   }
   // It stays to be seen when the box is left, and is no other number.
   c_->tools.Edited(XWE_EDIT_DONE);
-  ChooseNextProfile(c_, 0);
+  ChooseNextProfile(c_, "");
   char box[8];
   XwGetTextUtf8(c_->tools.copies, box, sizeof box);
   EXPECT_STREQ(box, "0");
