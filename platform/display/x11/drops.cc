@@ -133,7 +133,6 @@ void OnPosition(Native* n, const uint32_t* d) {
   const bool here = hover.source == d[0] && hover.target == n;
   const bool accept = here && Accepts(n);
   if (accept) TellPosition(n, d[2]);
-  if (here && !accept && hover.told) Emit(RawEvent::kDragLeft, n);
   if (here) hover.told = accept;
   const uint32_t answer[5] = {n->id, accept ? 1u : 0u, 0, 0, accept ? Atom(kXdndActionCopy) : 0};
   SendClientMessage(d[0], d[0], kXdndStatus, answer, 0);
