@@ -41,11 +41,15 @@ struct TipScreen : ControlScreen {
     main->children[1]->id = 2;
     Settle();
   }
-  static void MakeList(XwWindow* sub, const char* first) {
+  static void MakeList(XwWindow* sub, const char* first, int before = 0) {
     XwPush(sub);
     XwBoxList(3, 0, 0, 0, 0);
+    for (int i = 0; i < before; ++i) {
+      XwBoxList(9, 80, 0, 10, 20);
+      XwSetTip(sub, i + 1, "Elsewhere");
+    }
     XwBoxList(7, 0, 0, 50, 40);
-    XwSetTip(sub, 1, first);
+    XwSetTip(sub, before + 1, first);
     XwBoxList(8, 50, 0, 50, 20);
     XwBoxList(4, 0, 0, 0, 0);
     XwPop();
@@ -143,6 +147,8 @@ TEST(Tips, ThoseOfBoxesBelongToTheirList) {
   input::ChangeScreen(1920, 1080, 1.5);
   RunLoop();
   EXPECT_TRUE(HasInk(tip)) << "at another scale too";
+  input::ChangeScreen(1280, 1024, 1);
+  RunLoop();
   // Drawn again alike, the tip stays; with another text it changes; without one it goes.
   s.MakeList(s.sub(), "One");
   ASSERT_EQ(Tip(), tip);
@@ -150,6 +156,11 @@ TEST(Tips, ThoseOfBoxesBelongToTheirList) {
   s.MakeList(s.sub(), "One and more words");
   ASSERT_TRUE(Tip());
   EXPECT_GT(Tip()->content.width(), 80);
+  // Boxes that come before it change its position, not what the pointer is on.
+  const uint64_t longer = Tip()->object.serial;
+  s.MakeList(s.sub(), "One and more words", 1);
+  ASSERT_TRUE(Tip());
+  EXPECT_EQ(Tip()->object.serial, longer);
   XwPush(s.sub());
   XwBoxList(3, 0, 0, 0, 0);
   XwBoxList(7, 0, 0, 50, 20);

@@ -61,16 +61,20 @@ void XFreebl(XwBoxes* list) {
 
 int XCheckbl(XwBoxes* list) {
   if (!list || Inp.window != list->window) return 0;
-  const int64_t px = Inp.px, py = Inp.py;
-  for (int i = list->count; i-- > 0;) {
-    const Box& b = list->boxes[i];
-    if (!Inside(b, px, py)) continue;
-    if (b.id == 0) return 0;
-    Inp.x = b.x;
-    Inp.y = b.y;
-    Inp.width = b.width;
-    Inp.height = b.height;
-    return i + 1;
+  const int position = BoxUnder(list->window, Inp.px, Inp.py);
+  if (position == 0) return 0;
+  const Box& b = list->boxes[position - 1];
+  Inp.x = b.x;
+  Inp.y = b.y;
+  Inp.width = b.width;
+  Inp.height = b.height;
+  return position;
+}
+
+int BoxUnder(const XwWindow* w, int px, int py) {
+  for (int i = BoxCount(w); i-- > 0;) {
+    const Box& b = w->boxes->boxes[i];
+    if (Inside(b, px, py)) return b.id == 0 ? 0 : i + 1;
   }
   return 0;
 }

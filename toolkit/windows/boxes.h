@@ -11,6 +11,8 @@ void XFreebl(XwBoxes* list);
 // The position from 1 of the box under the pointer, whose rectangle goes to Inp; 0 when there is
 // none.
 int XCheckbl(XwBoxes* list);
+// The same at a place in the window's coordinates.
+int BoxUnder(const XwWindow* w, int px, int py);
 // How many the window has, and the rectangle of one by its position, in the window's coordinates;
 // false when there is no such box.
 int BoxCount(const XwWindow* w);

@@ -21,7 +21,8 @@ namespace toolkit {
 
 struct Tips {
   struct Window {
-    std::map<int, std::string> now, before;  // by position
+    std::map<int, std::string> now;  // by position
+    bool being_made = false;         // its list of boxes is being rebuilt
   };
   std::unordered_map<const XwWindow*, Window> windows;
 };
@@ -45,6 +46,7 @@ struct Pointing {
   Point where{};
   EventLoopTimerRef timer = nullptr;
   bool shows = false, over = false;  // it has been shown, or will not be
+  std::string text;                  // that was shown last
 };
 Pointing pointing;
 
@@ -91,6 +93,7 @@ void Show() {
   const std::string& text = TipOf(thing.w, thing.position);
   if (text.empty()) return;
   pointing.shows = true;
+  pointing.text = text;
   ShowTip(NativeWindow(thing.w), AnchorOf(thing), text);
 }
 
@@ -108,17 +111,20 @@ void TipChanged(const XwWindow* w, int position) {
 
 void SetTip(XwWindow* w, int position, const char* utf8) {
   const std::string text = utf8 ? ValidUtf8(utf8) : "";
-  if (text == TipOf(w, position) && !(Find(w) && Find(w)->before.count(position))) return;
+  if (text == TipOf(w, position)) return;
   if (!state.tips) state.tips = new toolkit::Tips;
   auto& all = state.tips->windows[w];
-  const auto was = all.before.find(position);
-  const bool same = was != all.before.end() && was->second == text;
-  if (was != all.before.end()) all.before.erase(was);
   if (text.empty())
     all.now.erase(position);
   else
     all.now[position] = text;
-  if (!same) TipChanged(w, position);
+  if (!all.being_made || position == 0) TipChanged(w, position);
+}
+
+int PositionUnder(const XwWindow* w, Point where) {
+  const Rect content = GetWindowBounds(NativeWindow(w), kWindowContentRgn);
+  const Point origin = ContentOrigin(w);
+  return BoxUnder(w, where.x - content.left - origin.x, where.y - content.top - origin.y);
 }
 
 }  // namespace
@@ -134,19 +140,28 @@ const std::string& TipOf(const XwWindow* w, int position) {
 void BeginTips(const XwWindow* w) {
   auto* all = Find(w);
   if (!all) return;
+  all->being_made = true;
   const std::string own = TipOf(w, 0);
-  all->before.swap(all->now);
-  all->before.erase(0);
   all->now.clear();
   if (!own.empty()) all->now[0] = own;
 }
 
+// What the pointer rests on may have another position in the new list.
 void EndTips(const XwWindow* w) {
   auto* all = Find(w);
   if (!all) return;
-  const bool gone = pointing.thing.w == w && all->before.count(pointing.thing.position);
-  all->before.clear();
-  if (gone) TipChanged(w, pointing.thing.position);
+  all->being_made = false;
+  Thing& thing = pointing.thing;
+  if (thing.w != w || thing.position == 0) return;
+  thing.position = PositionUnder(w, pointing.where);
+  const std::string& text = TipOf(w, thing.position);
+  if (pointing.shows && text == pointing.text) return;
+  const bool shows = pointing.shows;
+  if (shows || text.empty()) Hide();
+  if (text.empty())
+    thing = Thing();
+  else if (shows)
+    Show();
 }
 
 void ForgetTips(const XwWindow* w) {
