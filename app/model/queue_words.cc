@@ -170,7 +170,7 @@ void AddHistory(const NC_Job& job, int64_t now, Facts* facts) {
 
 }  // namespace
 
-std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
+std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now, bool usual_media) {
   Facts facts;
   const RowWords words = WordsOfJob(job, std::nullopt);
   facts.Add("Document", Shown(job.document));
@@ -178,7 +178,10 @@ std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now) {
   facts.Add("Owner", Shown(job.owner));
   facts.Add("Printer", Shown(job.printer));
   facts.Add("Profile", Shown(job.profile));
-  facts.Add("Media", Shown(job.media));
+  if (usual_media)
+    facts.Add("Media", "Usual, not " + Shown(job.media), Tone::kWarning);
+  else
+    facts.Add("Media", Shown(job.media));
   facts.Add("Copies", NumberText(job.copies));
   facts.Add("Priority", NumberText(job.priority));
   facts.Add("Pages", job.pages >= 0 ? NumberText(job.pages) : "");

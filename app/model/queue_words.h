@@ -66,8 +66,9 @@ struct Fact {
   std::string name, value;
   Tone tone = Tone::kPlain;
 };
-// What is known of it, each once, without what is not.
-std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now);
+// What is known of it, each once, without what is not. `usual_media`: its printer has not the media
+// that it asks for.
+std::vector<Fact> FactsOfJob(const NC_Job& job, int64_t now, bool usual_media);
 std::vector<Fact> FactsOfOutgoing(const Outgoing& out, int64_t now);
 // Of several together.
 std::vector<Fact> FactsOfSeveral(const QueueRows& rows, const std::vector<QueueId>& ids);

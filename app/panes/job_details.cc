@@ -1,7 +1,10 @@
 #include "app/panes/job_details.h"
 
+#include <algorithm>
+#include <cstring>
 #include <ctime>
 
+#include "app/model/printers.h"
 #include "app/panes/facts.h"
 #include "app/panes/queue_cells.h"
 
@@ -10,11 +13,22 @@ namespace {
 
 constexpr int kSwatchHeight = 14, kSwatchWidth = 44;
 
+// A job that has not been printed, and asks for media that its printer has not, gets the usual
+// ones.
+bool GetsUsualMedia(const QueuePane& queue, const NC_Job& job) {
+  if (job.state == NC_JOB_DONE || job.state == NC_JOB_FAILED) return false;
+  const auto& printers = *queue.state.printers;
+  return std::any_of(printers.begin(), printers.end(), [&job](const NC_Printer& p) {
+    return !strcmp(p.name, job.printer) && !HasMedia(p, job.media);
+  });
+}
+
 std::vector<Fact> FactsOf(const QueuePane& queue) {
   const std::vector<QueueId> ids = queue.Selected();
   if (ids.size() > 1) return FactsOfSeveral(queue.rows, ids);
   if (ids.empty()) return {};
-  if (const NC_Job* job = queue.rows.JobOf(ids[0])) return FactsOfJob(*job, time(nullptr));
+  if (const NC_Job* job = queue.rows.JobOf(ids[0]))
+    return FactsOfJob(*job, time(nullptr), GetsUsualMedia(queue, *job));
   const Outgoing* out = queue.rows.OutgoingOf(ids[0]);
   return out ? FactsOfOutgoing(*out, time(nullptr)) : std::vector<Fact>();
 }

@@ -267,11 +267,15 @@ TEST(QueueWords, TellStateProgressAndAnswers) {
   // What has become of a job.
   jobs[2].submitted = 1000, jobs[2].started = 2000, jobs[2].since = 3000;
   std::string history;
-  for (const Fact& fact : FactsOfJob(jobs[2], 5000))
+  for (const Fact& fact : FactsOfJob(jobs[2], 5000, false))
     if (fact.value == DayText(1000, 5000) || fact.value == DayText(2000, 5000) ||
         fact.value == DayText(3000, 5000))
       history += fact.name + " ";
   EXPECT_EQ(history, "Submitted Begun Failed ");
+  strcpy(jobs[1].media, "A1");
+  for (const bool usual : {false, true})
+    for (const Fact& fact : FactsOfJob(jobs[1], 5000, usual))
+      EXPECT_TRUE(fact.name != "Media" || fact.value == (usual ? "Usual, not A1" : "A1"));
   EXPECT_EQ(OldListText(100000, 100060).find("The list is as it was at "), 0u);
   EXPECT_EQ(OldListText(100000, 1000000).find("The list is as it was on "), 0u);
   ChangeOutcome moved{Verb::kMove, 2, 0, "", "Proof", "A1", {}, ""};
