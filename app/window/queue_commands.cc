@@ -86,7 +86,8 @@ bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
                        nullptr) == 2;
 }
 
-// Documents that are not at the server go at once. One that is being sent has an answer of its own.
+// Tells which documents were removed before they were sent. One that is being sent is told when that
+// has stopped.
 void TellTakenOut(Console* c, const std::vector<QueueId>& ids) {
   int n = 0;
   std::string name;
@@ -266,18 +267,14 @@ std::vector<QueueId> JobsNotOn(const Console* c, const std::string& printer) {
 
 VerbCheck CheckMoveTo(const Console* c, const std::string& printer) {
   VerbCheck check;
-  const PrinterRow* row = c->printers.Find(printer);
+  check.why_not = c->printers.WhyNotPrintOn(printer);
+  if (!check.why_not.empty()) return check;
   const std::vector<QueueId> jobs = JobsNotOn(c, printer);
+  if (!jobs.empty())
+    return CheckVerb(Verb::kMove, c->queue.rows, jobs, c->state.pending,
+                     c->state.link == Link::kReady);
   const bool one = c->queue.Selected().size() == 1;
-  if (!row)
-    check.why_not = "The printer " + Quoted(printer) + " is gone: choose another one";
-  else if (!row->printer->accepting)
-    check.why_not = Quoted(printer) + " takes no new jobs";
-  else if (jobs.empty())
-    check.why_not = (one ? "The job is for " : "The jobs are for ") + Quoted(printer) + " already";
-  else
-    check = CheckVerb(Verb::kMove, c->queue.rows, jobs, c->state.pending,
-                      c->state.link == Link::kReady);
+  check.why_not = (one ? "The job is for " : "The jobs are for ") + Quoted(printer) + " already";
   return check;
 }
 
