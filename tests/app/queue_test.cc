@@ -363,7 +363,7 @@ TEST_F(QueueTest, ADropGoesWhereTheDragHasShown) {
   EXPECT_EQ(c_->choice.copies, 1) << "used up";
   for (const NC_Job& job : *c_->state.jobs)
     EXPECT_TRUE((job.printer == name && !*job.media) || std::string(job.document) == "a");
-  // Two drops before the documents of the first are looked at: each has a place of its own.
+  // The second drop comes before the documents of the first: each prints where it was dropped.
   while (c_->status.HasError()) c_->status.ReadMessage();
   display::DragFiles(window, row.x + 60, row.y + 10);
   display::EndDragOfFiles(window, true);

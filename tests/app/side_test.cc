@@ -100,7 +100,7 @@ TEST_F(SideTest, PlacesAreATreeForKeysAndPointer) {
   };
   ASSERT_TRUE(Until(root_is_read));
   EXPECT_EQ(c_->places.list.at(), 0);
-  // Each volume has a tree of its own, and the folder is marked where it was gone to.
+  // Each volume keeps its tree, and the folder is marked in the volume that was used last.
   PlacesKey(c_, XWE_LEFT);
   ASSERT_TRUE(PlacesAre("-Root +Home /-Empty /+Zoo* //new "));
   Enter("/");

@@ -287,7 +287,7 @@ TEST(Desktop, ARequestHasAllItsDocuments) {
     input::EndDragOfFiles(Native(w), true);
     files.empty() ? input::FailDrop(Native(w)) : input::OpenFiles(files, false);
   };
-  // Before the first is handled: each has the number of its own drop all the same.
+  // The second drop comes before the first is handled: both keep their numbers.
   drop({"/a", "/two\nlines\\", "/\xff"});
   input::OpenFiles({"/" + longer, "/c"}, true);
   input::OpenFiles({}, true);
