@@ -86,8 +86,8 @@ bool MayRemove(const Console* c, const std::vector<QueueId>& ids) {
                        nullptr) == 2;
 }
 
-// Tells which documents were removed before they were sent. One that is being sent is told when that
-// has stopped.
+// Tells which documents were removed before they were sent. Of one that is being sent this is told
+// when the sending has stopped.
 void TellTakenOut(Console* c, const std::vector<QueueId>& ids) {
   int n = 0;
   std::string name;

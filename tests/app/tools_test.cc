@@ -105,7 +105,7 @@ TEST_F(ConsoleTest, OptionsCountForOnePrintAndTheEditMenuEdits) {
     display::KeyDown(key);
     display::KeyUp(key);
   }
-  RunCommand(c_, kColourCommand);  // "No Colour" is the first
+  RunCommand(c_, kColourCommand);  // "No Mark" is the first
   // A double click is one order.
   const Area print = c_->layout.print;
   display::MovePointer(c_->window->x + print.x + 9, c_->window->y + print.y + 9);
